@@ -1,0 +1,15 @@
+# What is called and not written here. scripts/install-deps.sh holds the packages.
+find_package(PkgConfig REQUIRED)
+find_package(ZLIB REQUIRED)
+find_package(GTest REQUIRED)
+include(GoogleTest)
+pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-uc icu-i18n)
+pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(UUID REQUIRED IMPORTED_TARGET uuid)
+pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle hogweed)
+find_library(GMP_LIBRARY gmp REQUIRED)
+# The printing system ships no pkg-config file.
+find_library(CUPS_LIBRARY cups REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(Threads REQUIRED)

@@ -1,0 +1,66 @@
+# One place for the compiler's rules and for how a folder becomes a library, a test or a fuzz target.
+
+add_library(torka_options INTERFACE)
+target_include_directories(torka_options INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR})
+target_compile_options(torka_options INTERFACE
+    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Wold-style-cast -Wcast-qual -Wformat=2 -Wundef -Wnull-dereference)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # g++ 12 reports null dereferences and buffer overreads in its own headers once they are inlined.
+    target_compile_options(torka_options INTERFACE -Wno-null-dereference -Wno-restrict -Wno-stringop-overread)
+endif()
+if(TORKA_SANITIZE)
+    set(torka_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(torka_options INTERFACE ${torka_sanitizers})
+    target_link_options(torka_options INTERFACE ${torka_sanitizers})
+    if(TORKA_LIBFUZZER)
+        target_compile_options(torka_options INTERFACE -fsanitize=fuzzer-no-link)
+    endif()
+else()
+    target_compile_definitions(torka_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+    target_compile_options(torka_options INTERFACE -fstack-protector-strong)
+endif()
+
+# torka_library(NAME FOLDER... [LIBS lib...]): every .cpp directly in the folders becomes one static library.
+function(torka_library name)
+    cmake_parse_arguments(arg "" "" "LIBS" ${ARGN})
+    set(sources)
+    foreach(folder IN LISTS arg_UNPARSED_ARGUMENTS)
+        file(GLOB found CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+        list(APPEND sources ${found})
+    endforeach()
+    if(sources)
+        add_library(${name} STATIC ${sources})
+        target_link_libraries(${name} PUBLIC torka_options ${arg_LIBS})
+    else()
+        add_library(${name} INTERFACE)
+        target_link_libraries(${name} INTERFACE torka_options ${arg_LIBS})
+    endif()
+endfunction()
+
+# torka_tests(AREA lib...): tests/AREA/*.cpp becomes the program test_AREA, its cases known to ctest.
+function(torka_tests area)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${area}/*.cpp)
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(test_${area} ${sources})
+    target_link_libraries(test_${area} PRIVATE ${ARGN} torka_test_support GTest::gmock GTest::gtest_main)
+    target_compile_definitions(test_${area} PRIVATE
+        TORKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TORKA_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()
+
+# torka_fuzz(NAME lib...): fuzz/NAME.cpp. With libFuzzer a fuzzer; otherwise a program that replays the files and
+# folders it is given, registered as a test over fuzz/corpus/NAME.
+function(torka_fuzz name)
+    add_executable(fuzz_${name} ${name}.cpp)
+    target_link_libraries(fuzz_${name} PRIVATE ${ARGN})
+    if(TORKA_LIBFUZZER)
+        target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    else()
+        target_sources(fuzz_${name} PRIVATE Replay.cpp)
+        add_test(NAME fuzz.${name} COMMAND fuzz_${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+        set_tests_properties(fuzz.${name} PROPERTIES TIMEOUT 300)
+    endif()
+endfunction()

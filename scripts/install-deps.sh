@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs what building, running and testing need on Debian 12: the one list of packages of this project.
+# Does nothing when all of them are there. Needs root for what is missing.
+set -euo pipefail
+
+packages=(
+    # build
+    g++ cmake ninja-build pkg-config
+    # libraries
+    libcups2-dev zlib1g-dev libicu-dev libplist-dev nettle-dev libgmp-dev uuid-dev
+    libcli11-dev nlohmann-json3-dev
+    # tests and benchmarks
+    libgtest-dev libgmock-dev libbenchmark-dev
+    # what the tests and run.sh check against
+    ghostscript fonts-urw-base35 cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
+)
+# Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer
+developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev)
+if [ "${1:-}" = "--developer" ]; then
+    packages+=("${developer[@]}")
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+done
+if [ "${#missing[@]}" -eq 0 ]; then
+    exit 0
+fi
+
+echo "Installing: ${missing[*]}" >&2
+sudo=()
+if [ "$(id -u)" -ne 0 ]; then
+    sudo=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${sudo[@]}" apt-get update -qq
+"${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2

@@ -1,0 +1,224 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+// The Core Foundation values that the system passes around, under their own call names.
+//
+// Handles are shared pointers to immutable objects: null is absence, a copy is cheap, nothing is released by hand.
+// Strings hold UTF-16 units; every length and position counts those. All calls accept null handles and answer as for
+// an absent value (0, false, null), unless said otherwise. Safe to read from several threads.
+
+namespace torka::platform {
+
+using CFIndex = std::int64_t;
+using CFStringEncoding = std::uint32_t;
+using OSStatus = std::int32_t;
+using UniChar = char16_t;
+
+enum class CFTypeID { string, number, boolean, data, array, dictionary, url };
+
+class CFObject {
+public:
+    CFObject() = default;
+    CFObject(const CFObject&) = delete;
+    CFObject& operator=(const CFObject&) = delete;
+    virtual ~CFObject();
+    virtual CFTypeID TypeID() const = 0;
+};
+
+class CFString;
+class CFNumber;
+class CFBoolean;
+class CFData;
+class CFArray;
+class CFDictionary;
+class CFURL;
+
+using CFTypeRef = std::shared_ptr<const CFObject>;
+using CFPropertyListRef = CFTypeRef;
+using CFStringRef = std::shared_ptr<const CFString>;
+using CFNumberRef = std::shared_ptr<const CFNumber>;
+using CFBooleanRef = std::shared_ptr<const CFBoolean>;
+using CFDataRef = std::shared_ptr<const CFData>;
+using CFArrayRef = std::shared_ptr<const CFArray>;
+using CFDictionaryRef = std::shared_ptr<const CFDictionary>;
+using CFURLRef = std::shared_ptr<const CFURL>;
+
+class CFString final : public CFObject {
+public:
+    static constexpr CFTypeID typeID = CFTypeID::string;
+    explicit CFString(std::u16string text) : units(std::move(text)) {}
+    CFTypeID TypeID() const override { return typeID; }
+
+    const std::u16string units;
+};
+
+class CFNumber final : public CFObject {
+public:
+    static constexpr CFTypeID typeID = CFTypeID::number;
+    explicit CFNumber(std::int64_t number) : integer(number), real(static_cast<double>(number)) {}
+    explicit CFNumber(double number);
+    CFTypeID TypeID() const override { return typeID; }
+
+    const bool isReal = false;
+    const std::int64_t integer; // of a real: its whole part, held to the range of the type
+    const double real;
+};
+
+class CFBoolean final : public CFObject {
+public:
+    static constexpr CFTypeID typeID = CFTypeID::boolean;
+    explicit CFBoolean(bool state) : value(state) {}
+    CFTypeID TypeID() const override { return typeID; }
+
+    const bool value;
+};
+
+class CFData final : public CFObject {
+public:
+    static constexpr CFTypeID typeID = CFTypeID::data;
+    explicit CFData(std::vector<std::uint8_t> content) : bytes(std::move(content)) {}
+    CFTypeID TypeID() const override { return typeID; }
+
+    const std::vector<std::uint8_t> bytes;
+};
+
+// Elements are never null.
+class CFArray final : public CFObject {
+public:
+    static constexpr CFTypeID typeID = CFTypeID::array;
+    explicit CFArray(std::vector<CFTypeRef> elements);
+    CFTypeID TypeID() const override { return typeID; }
+
+    const std::vector<CFTypeRef> values;
+};
+
+// Pairs in the order in which they were given; a key that comes again replaces the earlier value in its place.
+class CFDictionary final : public CFObject {
+public:
+    static constexpr CFTypeID typeID = CFTypeID::dictionary;
+    using Pair = std::pair<CFStringRef, CFTypeRef>;
+    explicit CFDictionary(const std::vector<Pair>& content);
+    CFTypeID TypeID() const override { return typeID; }
+    CFTypeRef Find(std::u16string_view key) const;
+
+    const std::vector<Pair>& Pairs() const { return pairs; }
+
+private:
+    std::vector<Pair> pairs;
+    std::unordered_map<std::u16string_view, std::size_t> positions; // views into the keys of `pairs`
+};
+
+// An absolute URL, kept as its text in UTF-8.
+class CFURL final : public CFObject {
+public:
+    static constexpr CFTypeID typeID = CFTypeID::url;
+    explicit CFURL(std::string url) : text(std::move(url)) {}
+    CFTypeID TypeID() const override { return typeID; }
+
+    const std::string text;
+};
+
+// The value as a T when it is one, else null: cfCast<CFString>(value).
+template <typename T>
+std::shared_ptr<const T> cfCast(const CFTypeRef& value) {
+    return value && value->TypeID() == T::typeID ? std::static_pointer_cast<const T>(value) : nullptr;
+}
+
+// Strings. Encodings are those of TextEncoding.h.
+
+// Null when the bytes are not text of that encoding, or the encoding is not known.
+CFStringRef CFStringCreateWithBytes(const char* bytes, CFIndex length, CFStringEncoding encoding);
+CFStringRef CFStringCreateWithCString(const char* text, CFStringEncoding encoding);
+CFStringRef CFStringCreateWithCharacters(std::u16string_view units);
+CFIndex CFStringGetLength(const CFStringRef& text);
+// 0 outside the string.
+UniChar CFStringGetCharacterAtIndex(const CFStringRef& text, CFIndex index);
+// Writes the text and a terminating NUL. False, with an empty buffer, when the text does not fit whole or holds a
+// character that the encoding lacks.
+bool CFStringGetCString(const CFStringRef& text, char* buffer, CFIndex size, CFStringEncoding encoding);
+// Null when the text holds a character that the encoding lacks. No terminator.
+CFDataRef CFStringCreateExternalRepresentation(const CFStringRef& text, CFStringEncoding encoding);
+CFStringRef CFStringCreateWithSubstring(const CFStringRef& text, CFIndex location, CFIndex length);
+// The decimal number after leading white space, 0 when there is none; held to the range of 32 bits.
+std::int32_t CFStringGetIntValue(const CFStringRef& text);
+// The decimal number after leading white space in the C locale, 0.0 when there is none.
+double CFStringGetDoubleValue(const CFStringRef& text);
+
+enum CFStringCompareFlags : unsigned { kCFCompareCaseInsensitive = 1 };
+// <0, 0 or >0. Null sorts before every string. Letter case is folded for ASCII and by simple folding beyond.
+int CFStringCompare(const CFStringRef& left, const CFStringRef& right, unsigned flags = 0);
+bool CFStringHasPrefix(const CFStringRef& text, std::u16string_view prefix);
+bool CFStringHasSuffix(const CFStringRef& text, std::u16string_view suffix);
+
+// Shorthands of our own for UTF-8. Bytes that are not UTF-8 become U+FFFD, so the result is never null.
+CFStringRef cfString(std::string_view utf8);
+// Unpaired surrogates become U+FFFD. "" for null.
+std::string utf8Text(const CFStringRef& text);
+
+// Numbers
+
+CFNumberRef CFNumberCreate(std::int32_t value);
+CFNumberRef CFNumberCreate(std::int64_t value);
+CFNumberRef CFNumberCreate(double value);
+// True when the number converts without loss; `out` gets the nearest value in any case but a null handle.
+bool CFNumberGetValue(const CFNumberRef& number, std::int32_t& out);
+bool CFNumberGetValue(const CFNumberRef& number, std::int64_t& out);
+bool CFNumberGetValue(const CFNumberRef& number, double& out);
+
+CFBooleanRef CFBooleanCreate(bool value);
+bool CFBooleanGetValue(const CFBooleanRef& value);
+
+CFDataRef CFDataCreate(const void* bytes, std::size_t length);
+std::span<const std::uint8_t> CFDataGetBytes(const CFDataRef& data);
+CFIndex CFDataGetLength(const CFDataRef& data);
+
+// Null elements are left out.
+CFArrayRef CFArrayCreate(std::vector<CFTypeRef> values);
+CFIndex CFArrayGetCount(const CFArrayRef& array);
+// Null outside the array.
+CFTypeRef CFArrayGetValueAtIndex(const CFArrayRef& array, CFIndex index);
+
+// Pairs with a null key or value are left out.
+CFDictionaryRef CFDictionaryCreate(const std::vector<CFDictionary::Pair>& pairs);
+CFIndex CFDictionaryGetCount(const CFDictionaryRef& dictionary);
+CFTypeRef CFDictionaryGetValue(const CFDictionaryRef& dictionary, const CFStringRef& key);
+CFTypeRef CFDictionaryGetValue(const CFDictionaryRef& dictionary, std::u16string_view key);
+
+// URLs (RFC 3986)
+
+// A file URL for a path; characters that a URL may not hold are percent-escaped.
+CFURLRef CFURLCreateWithFileSystemPath(std::string_view path);
+CFURLRef CFURLCreateWithString(const CFStringRef& text);
+CFStringRef CFURLGetString(const CFURLRef& url);
+// Null when the URL has no scheme.
+CFStringRef CFURLCopyScheme(const CFURLRef& url);
+// The host of "scheme://[user@]host[:port]/…", percent escapes undone, the brackets of an IPv6 address taken off.
+// Null when there is none.
+CFStringRef CFURLCopyHostName(const CFURLRef& url);
+// The path with percent escapes undone, "" when the URL has none.
+std::string CFURLCopyFileSystemPath(const CFURLRef& url);
+
+// A file named by its path; what a file reference is on a system without them.
+struct FSRef {
+    std::string path;
+};
+// False for anything but a file URL with a path.
+bool CFURLGetFSRef(const CFURLRef& url, FSRef& file);
+
+// Same kind and same content, for any two values; null equals null only.
+bool CFEqual(const CFTypeRef& left, const CFTypeRef& right);
+
+} // namespace torka::platform
+
+namespace torka {
+using namespace platform;
+} // namespace torka

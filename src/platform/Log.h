@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/CoreFoundation.h"
+
+#include <memory>
+#include <string_view>
+
+// The system log.
+//
+// A sink receives one line a call. The default sink is the process's syslog, which keeps lines in order by itself, so
+// no call sleeps between lines. Tests collect lines with a sink of their own.
+
+namespace torka::platform {
+
+class LogSink {
+public:
+    LogSink() = default;
+    LogSink(const LogSink&) = delete;
+    LogSink& operator=(const LogSink&) = delete;
+    virtual ~LogSink();
+    virtual void Line(std::string_view text) = 0;
+};
+
+// Null restores the default.
+void setLogSink(std::shared_ptr<LogSink> sink);
+
+// "myNSLog msg '%s'", "myNSLog msg nil" for null, "myNSLog msg [empty]" for an empty text.
+void myNSLog(const char* text);
+// The formatted text as it stands, cut at 4,095 bytes.
+void myNSLogC(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// "myNSLog8 '%@'", "myNSLog8 nil" for null.
+void myNSLog8(const CFStringRef& text);
+
+// Logs "Assertion failed: EXPRESSION (SOURCE)" and ends the process. For faults of the program only: what comes from
+// outside must never lead here.
+[[noreturn]] void assertionFailed(const char* expression, const char* source);
+
+} // namespace torka::platform
+
+#define TORKA_ASSERT(expression, source)                                                                       \
+    ((expression) ? static_cast<void>(0) : ::torka::platform::assertionFailed(#expression, source))

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "platform/CoreFoundation.h"
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+// What is asked of the operating system itself: its version, clock, files at fixed places, the user, the host process.
+//
+// One instance serves the process. It is chosen once at start with setSystem (apps and tests do that); until then the
+// first use fails. Every wait, sleep and clock reading goes through it, so that tests of long limits take no time and
+// a person's Cancel can end a wait.
+
+namespace torka::platform {
+
+// The application in whose process the pane runs.
+struct HostApplication {
+    std::string bundleIdentifier;   // reverse domain, empty when unknown
+    std::string shortVersionString; // "CFBundleShortVersionString", such as "5.0.1"
+    std::string processName;
+};
+
+class System {
+public:
+    System() = default;
+    System(const System&) = delete;
+    System& operator=(const System&) = delete;
+    virtual ~System();
+
+    // Minor number of the operating system's version; 0 when unavailable.
+    virtual int MinorVersion() const = 0;
+    // Where a fixed absolute path ("/Library/…") really lies: the path below the system root. Other paths are for the
+    // caller to open as they are; a relative path comes back unchanged.
+    virtual std::filesystem::path Resolve(std::string_view fixedPath) const = 0;
+    // Existing folder for the user's temporary files.
+    virtual std::filesystem::path TemporaryFolder() const = 0;
+    virtual std::filesystem::path HomeFolder() const = 0;
+    virtual std::string UserName() const = 0;
+    // Most preferred first, as BCP 47 tags such as "zh-Hans-CN". Never empty.
+    virtual std::vector<std::string> PreferredLanguages() const = 0;
+    virtual bool MeasuresInMetric() const = 0;
+    virtual HostApplication Host() const = 0;
+    // The encoding of narrow text that the system shows (TextEncoding.h).
+    virtual CFStringEncoding NarrowEncoding() const = 0;
+    // A new random UUID in its textual form (RFC 4122), upper case.
+    virtual std::string CreateUuidString() = 0;
+
+    virtual std::chrono::steady_clock::time_point Now() const = 0;
+    // Returns early, with false, when the wait was cancelled.
+    virtual bool Sleep(std::chrono::milliseconds duration) = 0;
+
+    // Writes a whole file so that it is there complete or not at all: a temporary neighbour is written, given `mode`
+    // and renamed. On failure nothing is left behind and an existing file stays as it was.
+    virtual std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
+                                      unsigned mode) = 0;
+    // Reads a whole file of at most `limit` bytes; a longer one is std::errc::file_too_large.
+    virtual std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit, std::string& content) = 0;
+};
+
+System& system();
+// Takes effect for everything that asks afterwards. REQUIRES: no call into the old instance is running.
+void setSystem(std::unique_ptr<System> newSystem);
+bool hasSystem();
+
+} // namespace torka::platform

@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Builds everything and passes all tests: the optimised build first, then the fuzz corpora and the unit tests under
+# AddressSanitizer and UndefinedBehaviorSanitizer. Arguments go to ctest (for example: ./test.sh -R Constraint).
+set -euo pipefail
+cd "$(dirname "$0")"
+./scripts/install-deps.sh
+
+jobs=$(nproc)
+for preset in release asan; do
+    echo "== $preset"
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" -j "$jobs"
+    ctest --test-dir "build/$preset" -j "$jobs" --output-on-failure --no-tests=error "$@"
+done
