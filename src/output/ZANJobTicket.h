@@ -1,0 +1,112 @@
+#pragma once
+
+#include "platform/CoreFoundation.h"
+#include "platform/Printing.h"
+
+#include <cstdint>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace torka {
+
+class PPDXControl;
+class ZANPPD;
+
+// Access to the print session and the print settings of one job. Owns neither.
+class JobTicket {
+public:
+    JobTicket(PMPrintSession printSession, PMPrintSettings printSettings);
+    JobTicket(const JobTicket&) = delete;
+    JobTicket& operator=(const JobTicket&) = delete;
+    virtual ~JobTicket();
+
+    // Writes every entry of the dictionary into the print settings under its own key; the two key arguments
+    // are ignored. "*QVSpotPriority" and "*QVGrayOverride", in any letter case, are never written.
+    void Set(const CFStringRef& ignored, const CFStringRef& alsoIgnored, const CFDictionaryRef& values);
+    // The read's error status when it fails; otherwise 1 when the value converted to a 32-bit integer and 0
+    // when not.
+    OSStatus Get(const CFStringRef& key, int& value) const;
+
+protected:
+    PMPrintSession session;
+    PMPrintSettings settings;
+};
+
+// The ticket through which whole dictionaries of values are written to the print settings.
+class PrintSettingsTicket : public JobTicket {
+public:
+    using JobTicket::JobTicket;
+};
+
+// Where the spooler-side filter puts an entry of the ticket. docs/ticket.md says what each place means.
+using PostScriptInjectionSite = std::int32_t;
+
+inline constexpr PostScriptInjectionSite siteSuppressedKeyword = -9;
+inline constexpr PostScriptInjectionSite siteJobNote = 30;
+inline constexpr PostScriptInjectionSite sitePageSize = 70;
+inline constexpr PostScriptInjectionSite siteSetupEnd = 71;
+inline constexpr PostScriptInjectionSite siteDocumentSetup = 81;
+inline constexpr PostScriptInjectionSite siteDriverComment = 501;
+inline constexpr PostScriptInjectionSite siteLayoutComment = 504;
+inline constexpr PostScriptInjectionSite siteFileDestination = 900;
+
+// Longest text, in bytes, with which a control enters the ticket.
+inline constexpr std::size_t maximumControlText = 1024;
+
+// The print-time list of (injection site, bytes) entries, saved as an XML property list for the spooler-side
+// filter: an array that alternates site numbers and data, in the order of the Add calls.
+//
+// One exists per print action. It does not own the dictionary ticket.
+class ZANJobTicket : public JobTicket {
+public:
+    // `key` names the print setting that will hold the path of the saved list.
+    ZANJobTicket(PrintSettingsTicket* ticket, PMPrintSettings printSettings, CFStringRef key);
+    ~ZANJobTicket() override;
+
+    // Starts over with an empty list.
+    void Create();
+    // Adds exactly `length` bytes, no terminator.
+    void Add(PostScriptInjectionSite site, const void* bytes, std::size_t length);
+    void Add(PostScriptInjectionSite site, std::string_view text) { Add(site, text.data(), text.size()); }
+    // Adds a control's PostScript, at the page-size site for "*PageSize" whatever `site` says. A control
+    // whose text is longer than maximumControlText adds nothing.
+    void Add(PostScriptInjectionSite site, PPDXControl* control);
+    // As the text form, and remembers that the entry carries an enciphered field.
+    void AddProtected(PostScriptInjectionSite site, std::string_view text);
+
+    // Writes all keyword/value pairs of the description into the print settings.
+    void SavePPDForAllKeys(ZANPPD* description, const CFStringRef& key);
+
+    // Serialises the list and records the ticket file's path in the print settings. Below minor version 7 of
+    // the system the file is written here (mode 0666); from 7 on the name is only kept, for the filter to
+    // write the file. Returns the XML, null without a list. A write that fails is logged, told by SaveError()
+    // and leaves no file.
+    CFDataRef Save();
+    std::error_code SaveError() const { return saveError; }
+
+    // The prefix followed by a new UUID. `buffer`, when given, holds 256 bytes and gets the name as UTF-8,
+    // cut to fit.
+    static CFStringRef CreateRandomFileName(std::string_view prefix, char* buffer = nullptr);
+    // Known after Save() from minor version 7 of the system on, else null.
+    CFStringRef FileName() const { return fileName; }
+    void InjectTempFileToPSStream(const CFStringRef& key, const CFStringRef& value);
+
+    struct Entry {
+        PostScriptInjectionSite site = 0;
+        std::string_view bytes; // valid while the ticket lives and is not created anew
+        bool isProtected = false;
+    };
+    std::vector<Entry> Entries() const;
+
+private:
+    PrintSettingsTicket* dictionaryTicket;
+    CFStringRef pathKey;
+    std::vector<CFTypeRef> entries; // alternates site and data
+    CFStringRef fileName;
+    CFDataRef xmlData;
+    std::vector<std::size_t> protectedEntries; // numbers of entries, ascending
+    std::error_code saveError;
+};
+
+} // namespace torka
