@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/CoreFoundation.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+// Access to a file by reference, with the result codes of the classic file manager.
+//
+// A file has one data fork, its content. It has no resource fork here: opening one always answers
+// resFNotFound (-193). Only regular files open, so that a pipe or a device can neither block nor run on for
+// ever. Owns the open file.
+
+namespace torka {
+
+inline constexpr OSStatus noErr = 0;
+inline constexpr OSStatus ioErr = -36;
+inline constexpr OSStatus fnOpnErr = -38;
+inline constexpr OSStatus eofErr = -39;
+inline constexpr OSStatus fnfErr = -43;
+inline constexpr OSStatus paramErr = -50;
+inline constexpr OSStatus permErr = -54;
+inline constexpr OSStatus resFNotFound = -193;
+
+enum FilePermission : std::int8_t { fsRdPerm = 1, fsWrPerm = 2, fsRdWrPerm = 3 };
+
+struct FileInfo {
+    std::uint64_t size = 0; // bytes
+    bool isFolder = false;
+    std::filesystem::file_time_type changed;
+};
+
+class FileMac {
+public:
+    FileMac() = default;
+    explicit FileMac(const FSRef& reference);
+    FileMac(const FileMac&) = delete;
+    FileMac& operator=(const FileMac&) = delete;
+    virtual ~FileMac();
+
+    bool valid() const { return isValid; }
+    // The result of the operation before.
+    OSStatus getError() const { return lastError; }
+    bool exists() const;
+    // The last component of the path.
+    std::string getFileName() const;
+    bool getFileInfo(FileInfo& info) const;
+    const FSRef& getReference() const { return file; }
+
+    bool openDataFork(FilePermission permission);
+    bool dataForkOpen() const { return dataFork != nullptr; }
+    bool closeDataFork();
+    // An empty file; an existing one stays as it is.
+    bool createDataFork();
+    // Bytes, 0 when the fork is not open.
+    std::uint64_t dataForkSize();
+    // `count` says how much is wanted and then how much came. Fewer bytes than wanted is eofErr.
+    OSStatus dataForkRead(void* buffer, long& count);
+    OSStatus dataForkReadWithOffset(void* buffer, long& count, std::int64_t offset);
+    OSStatus dataForkWrite(const void* buffer, long& count);
+
+    bool OpenResourceFork(FilePermission permission);
+    void CloseResourceFork() {}
+    bool ResourceForkOpen() const { return false; }
+    std::int16_t GetResourceForkRefNum() const { return -1; }
+    // Would make the resource fork the current one and the one before current again.
+    bool Use() { return OpenResourceFork(fsRdPerm); }
+    bool Restore() { return OpenResourceFork(fsRdPerm); }
+
+private:
+    struct Closer {
+        void operator()(std::FILE* stream) const { std::fclose(stream); }
+    };
+    bool Fail(OSStatus error);
+
+    FSRef file;
+    std::unique_ptr<std::FILE, Closer> dataFork;
+    OSStatus lastError = noErr;
+    bool isValid = false;
+};
+
+} // namespace torka

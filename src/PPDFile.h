@@ -1,0 +1,21 @@
+#pragma once
+
+#include "File_Mac.h"
+
+#include <string_view>
+
+// The file of a printer description.
+
+namespace torka {
+
+class PPDFile : public FileMac {
+public:
+    explicit PPDFile(const FSRef& reference)
+        : FileMac(reference) {}
+    // Not valid for anything but a file URL.
+    explicit PPDFile(const CFURLRef& url);
+    // `directory` below `volume`; both may be empty.
+    PPDFile(std::string_view volume, std::string_view directory, std::string_view name);
+};
+
+} // namespace torka

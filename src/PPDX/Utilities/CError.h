@@ -1,0 +1,34 @@
+#pragma once
+
+#include "PPDX/Utilities/CString.h"
+
+#include <cstdint>
+
+// An error as it is collected: a code, a text that may be empty, and whether the work had to end. A value.
+
+namespace torka {
+
+class CError {
+public:
+    CError() = default;
+    explicit CError(std::int16_t errorCode, const char* text = nullptr, bool isFatal = false)
+        : code(errorCode)
+        , description(text)
+        , fatal(isFatal) {}
+
+    // Codes alone are compared.
+    bool operator==(std::int16_t other) const { return code == other; }
+
+    std::int16_t Code() const { return code; }
+    // Null when empty.
+    const char* Description() const { return description.Empty() ? nullptr : description.Buffer(); }
+    void Description(const char* text) { description = text; }
+    bool IsFatal() const { return fatal; }
+
+private:
+    std::int16_t code = 0;
+    CString description;
+    bool fatal = false;
+};
+
+} // namespace torka

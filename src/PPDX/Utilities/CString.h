@@ -1,0 +1,71 @@
+#pragma once
+
+#include "platform/CoreFoundation.h"
+
+#include <cstddef>
+#include <string_view>
+
+// A heap string of bytes that tells an unset text (null) from an empty one.
+//
+// Owns its buffer, which comes from malloc. No call throws: when memory runs out the string is left unset.
+// Not thread-safe.
+
+namespace torka {
+
+class CString {
+public:
+    CString() = default;
+    CString(const char* text) { SetBuffer(text); } // null leaves it unset
+    CString(const CString& other) { SetBuffer(other.buffer); }
+    CString(CString&& other) noexcept;
+    // Converted as by operator=(CFStringRef); `Size()` then counts UTF-16 units until the text changes.
+    CString(const CFStringRef& text);
+    virtual ~CString() { ClearBuffer(); }
+
+    // Forgets the buffer without freeing it.
+    void Initialize();
+    // Setting the current buffer does nothing; a text inside the current buffer is copied before that one
+    // goes.
+    void SetBuffer(const char* text);
+    void SetBuffer(std::string_view text); // cut at its first NUL
+    void ClearBuffer();
+
+    CString& operator=(const CString& other);
+    CString& operator=(CString&& other) noexcept;
+    CString& operator=(const char* text);
+    // In UTF-8 or in the application's text encoding, whichever `narrowTextEncoding` (ModelState.h) says.
+    // Null and a text that the encoding cannot hold give "".
+    CString& operator=(const CFStringRef& text);
+
+    // Appends in place and returns the string itself.
+    CString& operator+(const char* text);
+    // The first occurrence only.
+    void Replace(const CString& what, const CString& with);
+    // Removes `count` bytes at `at`, a position in this buffer; never more than there are.
+    void Remove(char* at, std::size_t count);
+    // Does nothing on an unset string, for an empty text, or for a position outside this buffer.
+    void Insert(char* at, const char* text);
+
+    // An unset right-hand side equals everything.
+    bool operator==(const CString& other) const;
+    // False when either side is null.
+    bool operator==(const char* text) const;
+    // Compares with the text in UTF-8.
+    bool operator==(const CFStringRef& text) const;
+
+    operator const char*() const { return buffer; }
+    const char* Buffer() const { return buffer; }
+    std::size_t Size() const { return length; }
+    bool Empty() const { return buffer == nullptr || buffer[0] == '\0'; }
+    // Letter case is folded for ASCII. False when either side is null.
+    bool Contains(const char* text) const;
+
+private:
+    bool Holds(const char* position) const;
+    void Append(const char* text);
+
+    char* buffer = nullptr;
+    std::size_t length = 0; // bytes before the terminator as last set, see the constructor from a CFString
+};
+
+} // namespace torka

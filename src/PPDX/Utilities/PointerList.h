@@ -1,0 +1,124 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+
+// A doubly linked list of untyped pointers.
+//
+// Owns its nodes, never the elements: whoever made them deletes them before emptying the list. Copies are
+// shallow. An iterator stays valid until its own node is erased.
+//
+// Invariants:
+// (1) `head` and `tail` are sentinels of every list, without data; `head->next` is the first element or
+// `tail`. (2) `count` is the number of nodes between them.
+
+namespace torka {
+
+class PNode {
+public:
+    explicit PNode(void* element)
+        : data(element) {}
+    PNode(const PNode&) = delete;
+    PNode& operator=(const PNode&) = delete;
+    virtual ~PNode() { prev = next = nullptr; }
+
+    void* data;
+    PNode* prev = nullptr;
+    PNode* next = nullptr;
+};
+
+// A null iterator gives null and does not move.
+class PointerListItr {
+public:
+    using iterator_category = std::bidirectional_iterator_tag;
+    using value_type = void*;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void**;
+    using reference = void*;
+
+    PointerListItr() = default;
+    explicit PointerListItr(PNode* start)
+        : node(start) {}
+
+    void* operator*() const { return node != nullptr ? node->data : nullptr; }
+    PointerListItr& operator++();
+    PointerListItr operator++(int);
+    PointerListItr& operator--();
+    PointerListItr operator--(int);
+    bool operator==(const PointerListItr& other) const { return node == other.node; }
+
+    PNode* Node() const { return node; }
+
+private:
+    PNode* node = nullptr;
+};
+
+// The list may not be changed through it; the elements are what they are.
+class ConstPointerListItr {
+public:
+    using iterator_category = std::bidirectional_iterator_tag;
+    using value_type = void*;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void**;
+    using reference = void*;
+
+    ConstPointerListItr() = default;
+    explicit ConstPointerListItr(const PNode* start)
+        : node(start) {}
+    ConstPointerListItr(const PointerListItr& other)
+        : node(other.Node()) {}
+
+    void* operator*() const { return node != nullptr ? node->data : nullptr; }
+    ConstPointerListItr& operator++();
+    ConstPointerListItr operator++(int);
+    ConstPointerListItr& operator--();
+    ConstPointerListItr operator--(int);
+    bool operator==(const ConstPointerListItr& other) const { return node == other.node; }
+
+private:
+    const PNode* node = nullptr;
+};
+
+class PointerList {
+public:
+    PointerList();
+    PointerList(const PointerList& other);
+    PointerList& operator=(const PointerList& other);
+    ~PointerList();
+
+    PointerListItr Begin() { return PointerListItr(head->next); }
+    PointerListItr End() { return PointerListItr(tail); }
+    ConstPointerListItr Begin() const { return ConstPointerListItr(head->next); }
+    ConstPointerListItr End() const { return ConstPointerListItr(tail); }
+    // For range-based loops: for (void* element : list).
+    PointerListItr begin() { return Begin(); }
+    PointerListItr end() { return End(); }
+    ConstPointerListItr begin() const { return Begin(); }
+    ConstPointerListItr end() const { return End(); }
+
+    // Adding throws std::bad_alloc when memory runs out and then changes nothing.
+    void PushBack(const void* element);
+    void PushFront(const void* element);
+    // Before a null iterator or the head: at the front. Returns the new node's place.
+    PointerListItr InsertBefore(PointerListItr place, const void* element);
+    // Returns the following place; a null iterator or a sentinel erases nothing and gives Begin().
+    PointerListItr Erase(PointerListItr place);
+    // Up to but not including `last`, or to the end when `last` does not follow. Returns `last`.
+    PointerListItr Erase(PointerListItr first, PointerListItr last);
+    // No effect on an empty list.
+    void PopFront();
+    void PopBack();
+    // Null when empty.
+    void* Front() const { return head->next->data; }
+    void* Back() const { return tail->prev->data; }
+    std::size_t Size() const { return count; }
+    bool Empty() const { return count == 0; }
+    void MakeEmpty();
+
+private:
+    std::size_t count = 0;
+    PNode* head = nullptr;
+    PNode* tail = nullptr;
+};
+
+} // namespace torka
