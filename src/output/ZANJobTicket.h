@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output/InjectionSite.h"
 #include "platform/CoreFoundation.h"
 #include "platform/Printing.h"
 
@@ -38,18 +39,6 @@ class PrintSettingsTicket : public JobTicket {
 public:
     using JobTicket::JobTicket;
 };
-
-// Where the spooler-side filter puts an entry of the ticket. docs/ticket.md says what each place means.
-using PostScriptInjectionSite = std::int32_t;
-
-inline constexpr PostScriptInjectionSite siteSuppressedKeyword = -9;
-inline constexpr PostScriptInjectionSite siteJobNote = 30;
-inline constexpr PostScriptInjectionSite sitePageSize = 70;
-inline constexpr PostScriptInjectionSite siteSetupEnd = 71;
-inline constexpr PostScriptInjectionSite siteDocumentSetup = 81;
-inline constexpr PostScriptInjectionSite siteDriverComment = 501;
-inline constexpr PostScriptInjectionSite siteLayoutComment = 504;
-inline constexpr PostScriptInjectionSite siteFileDestination = 900;
 
 // Longest text, in bytes, with which a control enters the ticket.
 inline constexpr std::size_t maximumControlText = 1024;
