@@ -12,9 +12,9 @@
 
 // The Core Foundation values that the system passes around, under their own call names.
 //
-// Handles are shared pointers to immutable objects: null is absence, a copy is cheap, nothing is released by hand.
-// Strings hold UTF-16 units; every length and position counts those. All calls accept null handles and answer as for
-// an absent value (0, false, null), unless said otherwise. Safe to read from several threads.
+// Handles are shared pointers to immutable objects: null is absence, a copy is cheap, nothing is released by
+// hand. Strings hold UTF-16 units; every length and position counts those. All calls accept null handles and
+// answer as for an absent value (0, false, null), unless said otherwise. Safe to read from several threads.
 
 namespace torka::platform {
 
@@ -55,7 +55,8 @@ using CFURLRef = std::shared_ptr<const CFURL>;
 class CFString final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::string;
-    explicit CFString(std::u16string text) : units(std::move(text)) {}
+    explicit CFString(std::u16string text)
+        : units(std::move(text)) {}
     CFTypeID TypeID() const override { return typeID; }
 
     const std::u16string units;
@@ -64,19 +65,24 @@ public:
 class CFNumber final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::number;
-    explicit CFNumber(std::int64_t number) : integer(number), real(static_cast<double>(number)) {}
+    explicit CFNumber(std::int64_t number)
+        : integer(number)
+        , real(static_cast<double>(number)) {}
     explicit CFNumber(double number);
     CFTypeID TypeID() const override { return typeID; }
+    // The whole part of a real, held to the range of the type; 0 for "not a number".
+    static std::int64_t heldInteger(double number);
 
     const bool isReal = false;
-    const std::int64_t integer; // of a real: its whole part, held to the range of the type
+    const std::int64_t integer; // of a real: heldInteger()
     const double real;
 };
 
 class CFBoolean final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::boolean;
-    explicit CFBoolean(bool state) : value(state) {}
+    explicit CFBoolean(bool state)
+        : value(state) {}
     CFTypeID TypeID() const override { return typeID; }
 
     const bool value;
@@ -85,7 +91,8 @@ public:
 class CFData final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::data;
-    explicit CFData(std::vector<std::uint8_t> content) : bytes(std::move(content)) {}
+    explicit CFData(std::vector<std::uint8_t> content)
+        : bytes(std::move(content)) {}
     CFTypeID TypeID() const override { return typeID; }
 
     const std::vector<std::uint8_t> bytes;
@@ -101,7 +108,8 @@ public:
     const std::vector<CFTypeRef> values;
 };
 
-// Pairs in the order in which they were given; a key that comes again replaces the earlier value in its place.
+// Pairs in the order in which they were given; a key that comes again replaces the earlier value in its
+// place.
 class CFDictionary final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::dictionary;
@@ -121,7 +129,8 @@ private:
 class CFURL final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::url;
-    explicit CFURL(std::string url) : text(std::move(url)) {}
+    explicit CFURL(std::string url)
+        : text(std::move(url)) {}
     CFTypeID TypeID() const override { return typeID; }
 
     const std::string text;
@@ -142,15 +151,16 @@ CFStringRef CFStringCreateWithCharacters(std::u16string_view units);
 CFIndex CFStringGetLength(const CFStringRef& text);
 // 0 outside the string.
 UniChar CFStringGetCharacterAtIndex(const CFStringRef& text, CFIndex index);
-// Writes the text and a terminating NUL. False, with an empty buffer, when the text does not fit whole or holds a
-// character that the encoding lacks.
+// Writes the text and a terminating NUL. False, with an empty buffer, when the text does not fit whole or
+// holds a character that the encoding lacks.
 bool CFStringGetCString(const CFStringRef& text, char* buffer, CFIndex size, CFStringEncoding encoding);
 // Null when the text holds a character that the encoding lacks. No terminator.
 CFDataRef CFStringCreateExternalRepresentation(const CFStringRef& text, CFStringEncoding encoding);
+// Null when the range does not lie within the text.
 CFStringRef CFStringCreateWithSubstring(const CFStringRef& text, CFIndex location, CFIndex length);
 // The decimal number after leading white space, 0 when there is none; held to the range of 32 bits.
 std::int32_t CFStringGetIntValue(const CFStringRef& text);
-// The decimal number after leading white space in the C locale, 0.0 when there is none.
+// The decimal number after leading white space in the C locale, 0.0 when there is none; always finite.
 double CFStringGetDoubleValue(const CFStringRef& text);
 
 enum CFStringCompareFlags : unsigned { kCFCompareCaseInsensitive = 1 };
@@ -197,14 +207,15 @@ CFTypeRef CFDictionaryGetValue(const CFDictionaryRef& dictionary, std::u16string
 
 // A file URL for a path; characters that a URL may not hold are percent-escaped.
 CFURLRef CFURLCreateWithFileSystemPath(std::string_view path);
+// Null when the text holds what a URL may not: white space, characters beyond ASCII, a lone "%".
 CFURLRef CFURLCreateWithString(const CFStringRef& text);
 CFStringRef CFURLGetString(const CFURLRef& url);
 // Null when the URL has no scheme.
 CFStringRef CFURLCopyScheme(const CFURLRef& url);
-// The host of "scheme://[user@]host[:port]/…", percent escapes undone, the brackets of an IPv6 address taken off.
-// Null when there is none.
+// The host of "scheme://[user@]host[:port]/…", percent escapes undone, the brackets of an IPv6 address taken
+// off. Null when there is none.
 CFStringRef CFURLCopyHostName(const CFURLRef& url);
-// The path with percent escapes undone, "" when the URL has none.
+// The path with percent escapes undone, "" when the URL has none or it holds an escaped NUL.
 std::string CFURLCopyFileSystemPath(const CFURLRef& url);
 
 // A file named by its path; what a file reference is on a system without them.

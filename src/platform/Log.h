@@ -7,8 +7,8 @@
 
 // The system log.
 //
-// A sink receives one line a call. The default sink is the process's syslog, which keeps lines in order by itself, so
-// no call sleeps between lines. Tests collect lines with a sink of their own.
+// A sink receives one line a call. The default sink is the process's syslog, which keeps lines in order by
+// itself, so no call sleeps between lines. Tests collect lines with a sink of their own.
 
 namespace torka::platform {
 
@@ -31,11 +31,11 @@ void myNSLogC(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // "myNSLog8 '%@'", "myNSLog8 nil" for null.
 void myNSLog8(const CFStringRef& text);
 
-// Logs "Assertion failed: EXPRESSION (SOURCE)" and ends the process. For faults of the program only: what comes from
-// outside must never lead here.
+// Logs "Assertion failed: EXPRESSION (SOURCE)" and ends the process. For faults of the program only: what
+// comes from outside must never lead here.
 [[noreturn]] void assertionFailed(const char* expression, const char* source);
 
 } // namespace torka::platform
 
-#define TORKA_ASSERT(expression, source)                                                                       \
+#define TORKA_ASSERT(expression, source)                                                                     \
     ((expression) ? static_cast<void>(0) : ::torka::platform::assertionFailed(#expression, source))

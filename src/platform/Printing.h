@@ -9,9 +9,9 @@
 
 // The printing framework: session, printer, print settings and page format of one print dialog.
 //
-// The interfaces are what an adapter implements (memory/ for tests and the command line, cups/ for a real queue); the
-// system calls the free functions below, which carry the framework's names and forward to the handle. All of them
-// answer kPMInvalidParameter for a null handle and leave their out-parameter empty.
+// The interfaces are what an adapter implements (memory/ for tests and the command line, cups/ for a real
+// queue); the system calls the free functions below, which carry the framework's names and forward to the
+// handle. All of them answer kPMInvalidParameter for a null handle and leave their out-parameter empty.
 
 namespace torka::platform {
 
@@ -37,7 +37,8 @@ public:
     PrintSettings& operator=(const PrintSettings&) = delete;
     virtual ~PrintSettings();
     virtual CFTypeRef Value(const CFStringRef& key) const = 0; // null when absent
-    virtual OSStatus SetValue(const CFStringRef& key, const CFTypeRef& value, bool locked) = 0; // null removes
+    virtual OSStatus SetValue(const CFStringRef& key, const CFTypeRef& value,
+                              bool locked) = 0; // null removes
     virtual CFDictionaryRef CopyAsDictionary() const = 0;
     virtual std::uint32_t Copies() const = 0;
     virtual OSStatus SetCopies(std::uint32_t copies) = 0;
@@ -54,10 +55,10 @@ public:
 
 // One paper that a printer offers.
 struct Paper {
-    std::string name;          // for people
-    std::string ppdPaperName;  // option keyword of "*PageSize"
-    double width = 0.0;        // points
-    double height = 0.0;       // points
+    std::string name;         // for people
+    std::string ppdPaperName; // option keyword of "*PageSize"
+    double width = 0.0;       // points
+    double height = 0.0;      // points
 };
 
 // One queue of the spooler.
@@ -96,8 +97,8 @@ public:
 using PMPrintSession = std::shared_ptr<PrintSession>;
 
 OSStatus PMPrintSettingsGetValue(const PMPrintSettings& settings, const CFStringRef& key, CFTypeRef& value);
-OSStatus PMPrintSettingsSetValue(const PMPrintSettings& settings, const CFStringRef& key, const CFTypeRef& value,
-                                 bool locked);
+OSStatus PMPrintSettingsSetValue(const PMPrintSettings& settings, const CFStringRef& key,
+                                 const CFTypeRef& value, bool locked);
 OSStatus PMPrintSettingsCopyAsDictionary(const PMPrintSettings& settings, CFDictionaryRef& dictionary);
 OSStatus PMGetCopies(const PMPrintSettings& settings, std::uint32_t& copies);
 OSStatus PMGetOrientation(const PMPageFormat& format, std::uint16_t& orientation);

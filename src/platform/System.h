@@ -11,11 +11,12 @@
 #include <system_error>
 #include <vector>
 
-// What is asked of the operating system itself: its version, clock, files at fixed places, the user, the host process.
+// What is asked of the operating system itself: its version, clock, files at fixed places, the user, the host
+// process.
 //
-// One instance serves the process. It is chosen once at start with setSystem (apps and tests do that); until then the
-// first use fails. Every wait, sleep and clock reading goes through it, so that tests of long limits take no time and
-// a person's Cancel can end a wait.
+// One instance serves the process. It is chosen once at start with setSystem (apps and tests do that); until
+// then the first use fails. Every wait, sleep and clock reading goes through it, so that tests of long limits
+// take no time and a person's Cancel can end a wait.
 
 namespace torka::platform {
 
@@ -35,8 +36,8 @@ public:
 
     // Minor number of the operating system's version; 0 when unavailable.
     virtual int MinorVersion() const = 0;
-    // Where a fixed absolute path ("/Library/…") really lies: the path below the system root. Other paths are for the
-    // caller to open as they are; a relative path comes back unchanged.
+    // Where a fixed absolute path ("/Library/…") really lies: the path below the system root. Other paths are
+    // for the caller to open as they are; a relative path comes back unchanged.
     virtual std::filesystem::path Resolve(std::string_view fixedPath) const = 0;
     // Existing folder for the user's temporary files.
     virtual std::filesystem::path TemporaryFolder() const = 0;
@@ -55,12 +56,13 @@ public:
     // Returns early, with false, when the wait was cancelled.
     virtual bool Sleep(std::chrono::milliseconds duration) = 0;
 
-    // Writes a whole file so that it is there complete or not at all: a temporary neighbour is written, given `mode`
-    // and renamed. On failure nothing is left behind and an existing file stays as it was.
+    // Writes a whole file so that it is there complete or not at all: a temporary neighbour is written, given
+    // `mode` and renamed. On failure nothing is left behind and an existing file stays as it was.
     virtual std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
                                       unsigned mode) = 0;
     // Reads a whole file of at most `limit` bytes; a longer one is std::errc::file_too_large.
-    virtual std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit, std::string& content) = 0;
+    virtual std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,
+                                     std::string& content) = 0;
 };
 
 System& system();

@@ -7,30 +7,38 @@
 #include <string>
 #include <string_view>
 
-// Text encodings by the numbers of the Text Encoding Conversion Manager, and conversion between them and UTF-16.
+// Text encodings by the numbers of the Text Encoding Conversion Manager, and conversion between them and
+// UTF-16.
 //
-// Mac Japanese and Shift-JIS (1 and 2561) are converted as Shift_JIS plus the bytes in which Mac Japanese differs.
+// Mac Japanese and Shift-JIS (1 and 2561) are converted as Shift_JIS plus the bytes in which Mac Japanese
+// differs: 0x5C is the yen sign, 0x80 the backslash, 0xA0 the no-break space, 0xFD to 0xFF the copyright and
+// trade mark signs and the ellipsis. UTF-16 is read in the order of its byte order mark and without one, as
+// it is written, in this machine's order. Non-lossy ASCII writes a backslash as "\\", U+0080 to U+00FF as
+// "\NNN" (octal), other units as "\uXXXX".
 
 namespace torka::platform {
 
 inline constexpr CFStringEncoding kCFStringEncodingMacRoman = 0;
 inline constexpr CFStringEncoding kCFStringEncodingMacJapanese = 1;
+inline constexpr CFStringEncoding kCFStringEncodingMacCentralEurRoman = 29;
+inline constexpr CFStringEncoding kCFStringEncodingMacTurkish = 35;
 inline constexpr CFStringEncoding kCFStringEncodingUTF16 = 0x0100;
-inline constexpr CFStringEncoding kCFStringEncodingISOLatin1 = 0x0201;    // 513
-inline constexpr CFStringEncoding kCFStringEncodingISOLatin2 = 0x0202;    // 514
-inline constexpr CFStringEncoding kCFStringEncodingISOLatin5 = 0x0209;    // 521, ISO 8859-9
+inline constexpr CFStringEncoding kCFStringEncodingISOLatin1 = 0x0201;     // 513
+inline constexpr CFStringEncoding kCFStringEncodingISOLatin2 = 0x0202;     // 514
+inline constexpr CFStringEncoding kCFStringEncodingISOLatin5 = 0x0209;     // 521, ISO 8859-9
 inline constexpr CFStringEncoding kCFStringEncodingWindowsLatin1 = 0x0500; // 1280
 inline constexpr CFStringEncoding kCFStringEncodingASCII = 0x0600;
 inline constexpr CFStringEncoding kCFStringEncodingGB_18030_2000 = 0x0632;
-inline constexpr CFStringEncoding kCFStringEncodingShiftJIS = 0x0A01;     // 2561
+inline constexpr CFStringEncoding kCFStringEncodingShiftJIS = 0x0A01;      // 2561
 inline constexpr CFStringEncoding kCFStringEncodingNonLossyASCII = 0x0BFF; // 7-bit with \uXXXX escapes
 inline constexpr CFStringEncoding kCFStringEncodingUTF8 = 0x08000100;
 inline constexpr CFStringEncoding kCFStringEncodingUnknown = 65535;
 
-// The number of an encoding from its parts: base 256 is Unicode, its format 2 is UTF-8. Other bases are their own number.
+// The number of an encoding from its parts: base 256 is Unicode, its format 2 is UTF-8. Other bases are their
+// own number.
 CFStringEncoding CreateTextEncoding(CFStringEncoding base, CFStringEncoding variant, CFStringEncoding format);
-// The script of the classic system that holds an encoding's characters best: Mac Roman for the Latin and the Unicode
-// encodings, Mac Japanese for Shift-JIS. For UTF-8 the answer stands for "read as UTF-8" wherever it is used here.
+// The encoding of the classic system that holds an encoding's characters best; the Unicode encodings are
+// their own answer, so text whose encoding was found this way is still read as UTF-8.
 CFStringEncoding CFStringGetMostCompatibleMacStringEncoding(CFStringEncoding encoding);
 // The encoding in which the system takes and gives narrow text (platform::System decides; UTF-8 on Linux).
 CFStringEncoding CFStringGetSystemEncoding();
@@ -44,8 +52,15 @@ std::optional<std::u16string> decodeTextLossy(std::string_view bytes, CFStringEn
 // Empty when a character cannot be written in the encoding or the encoding is not known.
 std::optional<std::string> encodeText(std::u16string_view text, CFStringEncoding encoding);
 
-// Wide text (32-bit units, as in the two-way records and the module interface) from and to UTF-16. Values above
-// U+10FFFF and surrogates on their own become U+FFFD.
+// Unpaired surrogates become U+FFFD.
+std::string utf8FromUtf16(std::u16string_view units);
+
+// The character at `position`, which then stands behind it; an unpaired surrogate comes back as it is.
+// REQUIRES: position < units.size().
+char32_t nextCodePoint(std::u16string_view units, std::size_t& position);
+
+// Wide text (32-bit units, as in the two-way records and the module interface) from and to UTF-16. Values
+// above U+10FFFF and surrogates on their own become U+FFFD.
 std::u16string utf16FromWide(std::wstring_view wide);
 std::wstring wideFromUtf16(std::u16string_view units);
 std::string utf8FromWide(std::wstring_view wide);
