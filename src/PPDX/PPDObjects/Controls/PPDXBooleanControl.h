@@ -1,0 +1,51 @@
+#pragma once
+
+#include "PPDX/PPDObjects/Controls/PPDXControl.h"
+
+namespace torka {
+
+// The PostScript of one state of a boolean; the bytes belong to the parser.
+struct BooleanBranch {
+    const char* text = nullptr; // shown to people; copied, may be missing
+    const unsigned char* psData = nullptr;
+    long psLength = 0;
+};
+
+// A check box, with the option keywords "True" and "False".
+class PPDXBooleanControl final : public PPDXControl {
+public:
+    PPDXBooleanControl(const ControlDefinition& definition, bool defaultState, const BooleanBranch& whenTrue,
+                       const BooleanBranch& whenFalse);
+    PPDXBooleanControl(Settings& settings, int index, const CString* prefix);
+    ~PPDXBooleanControl() override;
+
+    void Save(Settings& settings, const int& index) const override;
+    void ResetToDefaultValue() override;
+    long PostScript(unsigned char* out) override;
+    void Restore(Settings& settings, int index) override;
+    CFStringRef CopyCurrentControlValueString() override;
+    // True when the text begins with "True" in any letter case.
+    void SetCurrentControlWithCFString(CFStringRef text) override;
+
+    bool IsTrue() const { return value != 0; }
+    void SetValue(bool state);
+    void SetDefaultValue(bool state) { defaultValue = state ? 1 : 0; }
+    bool DefaultState() const { return defaultValue != 0; }
+    // Null when the description gave none.
+    const char* TrueDisplayText() const;
+    const char* FalseDisplayText() const;
+
+private:
+    void ReportValue() const override;
+
+    std::int32_t value;
+    std::int32_t defaultValue;
+    std::unique_ptr<CString> trueText;
+    std::unique_ptr<CString> falseText;
+    const unsigned char* truePS = nullptr;
+    long truePSLength = 0;
+    const unsigned char* falsePS = nullptr;
+    long falsePSLength = 0;
+};
+
+} // namespace torka

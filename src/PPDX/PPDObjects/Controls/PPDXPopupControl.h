@@ -1,0 +1,86 @@
+#pragma once
+
+#include "PPDX/PPDObjects/Controls/PPDXControl.h"
+
+namespace torka {
+
+// One choice of a popup. Owns its texts; the PostScript bytes belong to the parser.
+struct _PopupItem {
+    _PopupItem(const char* optionKeyword, CFStringRef name, const unsigned char* ps, long length);
+    ~_PopupItem();
+    // The local name in the system encoding; valid as long as the item.
+    const char* displayName();
+
+    CString keyword;
+    CFStringRef localName;
+    const unsigned char* psData;
+    long psLength;
+    std::int32_t selected = 0;
+    std::unique_ptr<char[]> displayNameCache;
+};
+
+using PopupItems = std::vector<std::unique_ptr<_PopupItem>>;
+
+// A list of choices, one of which (PickOne) or several of which (PickMany) are selected. Owns its items.
+class PPDXPopupControl final : public PPDXControl {
+public:
+    // Selects the first item with the default keyword.
+    PPDXPopupControl(const ControlDefinition& definition, bool multiSelect, bool installable,
+                     PopupItems items, const char* defaultKeyword);
+    PPDXPopupControl(Settings& settings, int index, const CString* prefix);
+    ~PPDXPopupControl() override;
+
+    void Save(Settings& settings, const int& index) const override;
+    void ResetToDefaultValue() override;
+    long PostScript(unsigned char* out) override;
+    void Restore(Settings& settings, int index) override;
+    // The keyword of the first selected item, "" when none is selected.
+    CFStringRef CopyCurrentControlValueString() override;
+    void SetCurrentControlWithCFString(CFStringRef text) override;
+    bool IsInstallableOption() const override { return installable; }
+
+    std::size_t ItemCount() const { return items.Size(); }
+    _PopupItem* FirstItem();
+    _PopupItem* NextItem();
+    // Indexes count from 1; 0 is none.
+    int GetValue() const;
+    void SetValue(int index);
+    void SetDefaultValue(int index) { defaultIndexOverride = index; }
+    int DefaultValue() const;
+    const char* GetDefaultKeyword() const;
+    // The feature block of the first item with that keyword; 0 bytes when there is none.
+    long GetKeywordPSData(const char* keyword, unsigned char* out);
+    // Null when no item has the keyword or the place.
+    const char* GetKeywordLocalName(const char* keyword) const;
+    CFStringRef GetKeywordCFLocalName(const char* keyword) const;
+    const char* GetKeywordLocalNameAtIndex(int index) const;
+    CFStringRef CopyCurrentControlValueStringUTF8();
+    void AppendPopupItem(std::unique_ptr<_PopupItem> item);
+    bool IsKeywordSelected(const char* keyword) const;
+    bool CanSelectMultipleItems() const { return multiSelect != 0; }
+    // Whether an item has the keyword.
+    bool SetKeywordSelect(const char* keyword, bool select);
+    // Takes a new list of items and selects its default. False, with nothing changed, when `keyword` is not
+    // the control's own or the list is empty.
+    bool Rebuild(const char* keyword, PopupItems newItems, const char* newDefault);
+
+private:
+    void ReportValue() const override;
+    _PopupItem* FindItem(const char* keyword) const;
+    _PopupItem* ItemAt(int index) const;
+    void TakeItems(PopupItems newItems, const char* newDefault);
+    void DeleteItems();
+
+    std::int32_t multiSelect;
+    bool installable;
+    std::int32_t defaultIndexOverride = 0;
+    const CString* defaultKeyword = nullptr; // an item's keyword, or `strayDefault`
+    PointerList items;                       // of _PopupItem*, owned
+    PointerListItr cursor;
+    PointerListItr current; // the item last selected, null before any
+
+    std::unique_ptr<CString> strayDefault; // a default keyword that no item has
+    _PopupItem* emitted = nullptr; // the item whose PostScript stands for `current`, null when not known
+};
+
+} // namespace torka

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/CoreFoundation.h"
+
+#include <string>
+
+namespace torka {
+
+// A group name that the description has declared and not yet placed.
+struct GroupName {
+    std::string name;
+    CFStringRef localName;
+    bool visible = false;
+};
+
+} // namespace torka

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "PPDX/PPDObjects/PPDXElement.h"
+
+namespace torka {
+
+// A named part of a page of options.
+class PPDXGroup : public PPDXElement {
+public:
+    PPDXGroup(const char* keyword, CFStringRef localName, bool visible);
+    PPDXGroup(Settings& settings, int index, const CString* prefix);
+    ~PPDXGroup() override;
+
+    void Save(Settings& settings, int index) const;
+};
+
+} // namespace torka

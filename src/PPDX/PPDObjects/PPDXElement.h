@@ -1,0 +1,56 @@
+#pragma once
+
+#include "PPDX/Utilities/CString.h"
+#include "PPDX/Utilities/ModelState.h"
+#include "platform/CoreFoundation.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace torka {
+
+class Settings;
+
+// What every control, group and property page of a description is: a keyword, a name shown to people, and a
+// place in the tree. Owns its texts; the parent is referred to only. Elements are neither copied nor moved,
+// since lists and children point to them.
+class PPDXElement {
+public:
+    // An empty or null keyword leaves the element without one. REQUIRES: inLocalName is not null.
+    PPDXElement(const char* keyword, CFStringRef inLocalName, bool visible);
+    // As Save() left it under `prefix` and `index`.
+    PPDXElement(Settings& settings, int index, const CString* prefix);
+    PPDXElement(const PPDXElement&) = delete;
+    PPDXElement& operator=(const PPDXElement&) = delete;
+    virtual ~PPDXElement();
+
+    // 0: visible and not an orphan; 1: visible; 2: not an orphan; otherwise always.
+    virtual bool OkayToDisplay(const _DISPLAY_OPTIONS_& options) const;
+
+    // The PPD main keyword with its leading "*", or null.
+    const char* Keyword() const { return keyword ? static_cast<const char*>(*keyword) : nullptr; }
+    std::size_t KeywordLength() const { return keyword ? keyword->Size() : 0; }
+    // The local name in the system encoding; valid as long as the element.
+    const char* UserName() const;
+    const CFStringRef& CFStringUserName() const { return localName; }
+    bool IsVisible() const { return visible != 0; }
+    bool IsOrphan() const { return parent == nullptr; }
+    PPDXElement* GetParent() const { return parent; }
+    void SetParent(PPDXElement* newParent) { parent = newParent; }
+
+    // Same keyword; false when either has none.
+    bool operator==(const PPDXElement& other) const;
+    bool operator==(const char* otherKeyword) const;
+
+protected:
+    void SaveElement(Settings& settings, int index, const char* prefix) const;
+
+private:
+    std::unique_ptr<CString> keyword;
+    mutable std::unique_ptr<CString> userNameCache;
+    CFStringRef localName;
+    std::int32_t visible;
+    PPDXElement* parent = nullptr;
+};
+
+} // namespace torka

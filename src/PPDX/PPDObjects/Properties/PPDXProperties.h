@@ -1,0 +1,44 @@
+#pragma once
+
+#include "PPDX/PPDObjects/ElementList.h"
+#include "PPDX/PPDObjects/Properties/PPDXProperty.h"
+
+namespace torka {
+
+class PPDXGroups;
+
+// The property pages in the order of the description; owns them.
+class PPDXProperties {
+public:
+    PPDXProperties();
+    // The pages that Save() stored, each with its scroll pane out of `groups` again.
+    PPDXProperties(Settings& settings, const PPDXGroups* groups);
+    PPDXProperties(const PPDXProperties&) = delete;
+    PPDXProperties& operator=(const PPDXProperties&) = delete;
+    ~PPDXProperties();
+
+    // Takes the page over. Null is passed over.
+    void Add(PPDXProperty* property);
+    bool Empty() const { return list.Empty(); }
+    std::size_t Count() const { return list.Size(); }
+    // Every page, whatever the display options: a page has no parent.
+    PPDXProperty* First();
+    PPDXProperty* Next();
+    template <class Visit>
+    void ForEach(Visit visit) const {
+        list.ForEach(visit);
+    }
+    // The first whose keyword equals (exact) or contains the name; null for null.
+    PPDXProperty* Find(const char* name, bool exact) const { return list.Find(name, exact); }
+    void Save(Settings& settings) const;
+
+private:
+    ElementList<PPDXProperty> list;
+};
+
+// Null at the end or for null.
+PPDXProperty* NextProperty(PPDXProperties* properties);
+// True for null.
+bool IsPropertyListEmpty(const PPDXProperties* properties);
+
+} // namespace torka

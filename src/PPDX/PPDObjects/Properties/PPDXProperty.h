@@ -1,0 +1,37 @@
+#pragma once
+
+#include "PPDX/PPDObjects/PPDXElement.h"
+
+namespace torka {
+
+class PPDXScrollPane;
+
+// A property page: the top of the three levels in which options are shown. Refers to its scroll pane.
+class PPDXProperty final : public PPDXElement {
+public:
+    PPDXProperty(const char* keyword, CFStringRef localName, bool visible, bool showInApp,
+                 bool showInPrintProp);
+    PPDXProperty(Settings& settings, int index, const CString* prefix);
+    ~PPDXProperty() override;
+
+    // Null until one is placed.
+    PPDXScrollPane* GetScrollDown() const { return scrollDown; }
+    void SetScrollDown(PPDXScrollPane* pane) { scrollDown = pane; }
+    bool ShowInApp() const { return showInApp; }
+    bool ShowInPrintProp() const { return showInPrintProp; }
+    void Save(Settings& settings, int index) const;
+
+private:
+    PPDXScrollPane* scrollDown = nullptr;
+    bool showInApp;
+    bool showInPrintProp;
+};
+
+// False for null.
+bool IsPropertyPage(const PPDXElement* element);
+bool ShowPropInPrintProp(const PPDXProperty* property);
+bool ShowPropInApp(const PPDXProperty* property);
+// Nothing for a null property.
+void SetPropertyScrollDown(PPDXProperty* property, PPDXScrollPane* pane);
+
+} // namespace torka

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "PPDX/PPDObjects/Controls/PPDXControl.h"
+#include "PPDX/PPDObjects/ElementList.h"
+
+namespace torka {
+
+// The controls that are also offered in the quick-access area, in the order of the description. Refers to
+// them.
+class PPDXShortcuts {
+public:
+    void Add(PPDXControl* control);
+    bool Empty() const { return list.Empty(); }
+    std::size_t Count() const { return list.Size(); }
+    PPDXControl* First();
+    PPDXControl* Next();
+    // The first whose keyword equals (exact) or contains the argument; null for null.
+    PPDXControl* Find(const char* keyword, bool exact) const { return list.Find(keyword, exact); }
+
+    PPDXControl* PageSize() const;
+    PPDXControl* InputSlot() const;
+    PPDXControl* Duplex() const;
+    PPDXControl* Orientation() const;
+    // No description names these two yet: always null.
+    PPDXControl* Huekeeper() const;
+    PPDXControl* MediaSource() const;
+
+private:
+    ElementList<PPDXControl> list;
+};
+
+// Null at the end or for null.
+PPDXControl* NextShortcut(PPDXShortcuts* shortcuts);
+// True for null.
+bool IsShortcutsListEmpty(const PPDXShortcuts* shortcuts);
+
+} // namespace torka
