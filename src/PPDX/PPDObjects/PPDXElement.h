@@ -28,7 +28,7 @@ public:
     virtual bool OkayToDisplay(const _DISPLAY_OPTIONS_& options) const;
 
     // The PPD main keyword with its leading "*", or null.
-    const char* Keyword() const { return keyword ? static_cast<const char*>(*keyword) : nullptr; }
+    const char* Keyword() const { return keyword ? keyword->Buffer() : nullptr; }
     std::size_t KeywordLength() const { return keyword ? keyword->Size() : 0; }
     // The local name in the system encoding; valid as long as the element.
     const char* UserName() const;

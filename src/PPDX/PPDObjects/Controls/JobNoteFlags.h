@@ -54,9 +54,9 @@ public:
         aboveLevel // a known word that the description's level does not have: the declaration fails
     };
 
-    // `level`: the description's extension-support level, 0 to 3.
-    explicit JobNoteFlagReader(int level)
-        : level(level) {}
+    // The description's extension-support level is 0 to 3.
+    explicit JobNoteFlagReader(int supportLevel)
+        : level(supportLevel) {}
     // A word that begins with "MinLength" also sets the minimum length, whatever the result.
     Result Read(std::string_view word);
 

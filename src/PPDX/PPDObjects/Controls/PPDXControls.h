@@ -12,6 +12,8 @@
 
 namespace torka {
 
+class PPDXGroups;
+
 // How many controls of a kind there are, taken when each is added.
 struct CountArray {
     std::size_t total = 0;

@@ -56,14 +56,12 @@ public:
     PPDXErrorObj(std::int16_t code, const char* keyword, long line = 0);
     PPDXErrorObj(std::int16_t code, bool fatal, const char* keyword, long line);
 
-    std::int16_t Code() const { return errorCode; }
     // Never null.
     const char* Keyword() const;
     long Line() const { return lineNumber; }
 
 private:
     CString keyword;
-    std::int16_t errorCode;
     long lineNumber;
 };
 
