@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Small functions over C strings and length-prefixed strings (a length byte, then up to 255 bytes). Numbers
+// are written in the C locale. Null arguments give null, 0 or no effect.
+
+namespace torka {
+
+// Cut to 255 bytes; `dst` holds 256. Returns `dst`.
+unsigned char* ctoPStr(const char* src, unsigned char* dst);
+// `dst` holds 256 bytes. Returns `dst`.
+char* ptoCStr(const unsigned char* src, char* dst);
+
+inline constexpr std::size_t kNumberCapacity = 64; // what num2String and float2String may write
+// As printf's "%d".
+void num2String(int number, char* dst);
+// As printf's "%9.4f".
+void float2String(char* dst, float number);
+// The integer at the start of a text in the system's encoding; 0 when it is not a text of that encoding.
+std::int32_t string2Number(const char* text);
+
+// Removes the bytes from `from` up to but not including `to`, at most to the end; nothing when `from` lies
+// beyond the end or `to` is not after it. Returns the new length.
+std::size_t deleteCharRangeInStr(char* text, std::uint16_t from, std::uint16_t to);
+// The first `character`, or null.
+char* findChar(char* text, char character);
+const char* findChar(const char* text, char character);
+// `count` times `character`, from malloc: the caller frees it. Null when memory runs out.
+char* newInitalizedCString(std::size_t count, char character);
+// 0 when more than `maxDigits` decimal digits follow each other anywhere, else 1.
+int validateRangeValues(const char* text, int maxDigits);
+// The decimal number at the start of a wide text, held to the range of int.
+int wtoi(const wchar_t* text);
+
+// A copy of `src`, from malloc, with every `what` replaced by `with`; what a replacement makes anew together
+// with its surroundings is replaced as well. A `with` that contains `what` is put once in the place of each
+// occurrence in `src`, an empty `what` in no place. Null when an argument is null, memory runs out, or
+// replacements go on making new occurrences: once they have put in kReplaceLimit bytes more than one
+// replacement of each occurrence could.
+inline constexpr std::size_t kReplaceLimit = 1'000'000;
+char* _replace(const char* src, const char* what, const char* with);
+
+} // namespace torka

@@ -1,0 +1,330 @@
+#include "PPDX/Utilities/BoyerMoore.h"
+#include "PPDX/Utilities/CError.h"
+#include "PPDX/Utilities/CString.h"
+#include "PPDX/Utilities/ModelState.h"
+#include "PPDX/Utilities/PointerList.h"
+#include "PPDX/Utilities/PtrLinkList.h"
+#include "PPDX/Utilities/StringFunctions.h"
+#include "StringUtils.h"
+
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <list>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace torka {
+namespace {
+
+// Puts the process-wide values back as they were.
+class ModelStateTest : public testing::Test {
+protected:
+    void TearDown() override {
+        gQVUTF8Version = 0;
+        gPopupJobNotesLangIsJapanese = gDocumentServer = false;
+        SetApplicationTextEncoding(kCFStringEncodingUnknown);
+    }
+};
+
+TEST_F(ModelStateTest, NarrowTextFollowsLevelJapaneseNotesAndDocumentServer) {
+    const CFStringRef text = cfString("caf\u00e9");
+    struct Case {
+        int level;
+        bool japanese, server, isUtf8;
+    };
+    const Case cases[] = {{0, false, false, false}, {4, false, false, false}, {5, true, false, false},
+                          {7, true, false, false},  {7, false, false, true},  {7, false, true, true},
+                          {5, false, true, false},  {6, false, true, false},  {6, false, false, true}};
+    SetApplicationTextEncoding(kCFStringEncodingISOLatin1);
+    for (const Case& each : cases) {
+        gQVUTF8Version = each.level;
+        gPopupJobNotesLangIsJapanese = each.japanese;
+        gDocumentServer = each.server;
+        CString converted;
+        converted = text;
+        EXPECT_STREQ(converted, each.isUtf8 ? "caf\xC3\xA9" : "caf\xE9") << each.level;
+        EXPECT_EQ(CString(text).Size(), 4U); // units, even where the bytes are five
+    }
+    gQVUTF8Version = 0;
+    CString failed("before");
+    failed = cfString("\u65e5"); // not in ISO Latin 1
+    EXPECT_STREQ(failed, "");
+    EXPECT_TRUE(CString("caf\xC3\xA9") == text);
+    SetApplicationTextEncoding(kCFStringEncodingUTF16);
+    EXPECT_EQ(GetApplicationTextEncoding(), kCFStringEncodingUTF8);
+}
+
+TEST_F(ModelStateTest, StringWhoseLengthCountsUnitsIsEditedWithinItsBytes) {
+    gQVUTF8Version = 7;
+    CString text(cfString("\u65e5\u672c"));
+    EXPECT_EQ(text.Size(), 2U);
+    text + "!";
+    EXPECT_STREQ(text, "\u65e5\u672c!");
+    EXPECT_EQ(text.Size(), 7U);
+    text.Replace(CString(cfString("\u65e5")), "x");
+    EXPECT_STREQ(text, "x\u672c!");
+}
+
+TEST(CString, UnsetEmptyAndAliasedTexts) {
+    const CString unset;
+    CString text("abcabc");
+    EXPECT_TRUE(text == unset);
+    EXPECT_FALSE(unset == text);
+    EXPECT_FALSE(unset == "x");
+    EXPECT_TRUE(unset.Empty() && CString("").Empty());
+    text.Replace("bc", "X");
+    EXPECT_STREQ(text, "aXabc");
+    text.Replace("aX", text); // the replacement is the string itself
+    EXPECT_STREQ(text, "aXabcabc");
+    text = text.Buffer() + 2; // a text inside the buffer that goes
+    EXPECT_STREQ(text, "abcabc");
+    char* const inside = std::strstr(const_cast<char*>(text.Buffer()), "ca");
+    text.Remove(inside, 100);
+    EXPECT_STREQ(text, "ab");
+    EXPECT_EQ(text.Size(), 2U);
+    char elsewhere[] = "zz";
+    text.Insert(elsewhere, "no");
+    EXPECT_STREQ(text, "ab");
+    EXPECT_TRUE(CString("Hello World").Contains("LO w"));
+    EXPECT_FALSE(CString("Hello").Contains("low"));
+    CString joined;
+    EXPECT_STREQ(joined + "" + "a" + "b", "ab");
+}
+
+TEST(PointerList, FollowsAListThroughRandomEdits) {
+    std::mt19937 random(1);
+    int elements[8];
+    PointerList list;
+    std::list<void*> oracle;
+    EXPECT_TRUE(list.Erase(list.End()) == list.Begin());
+    for (int step = 0; step < 3000; ++step) {
+        void* const element = &elements[random() % 8];
+        const std::size_t place = random() % (oracle.size() + 1);
+        auto itr = list.Begin();
+        auto other = oracle.begin();
+        for (std::size_t i = 0; i < place; ++i, ++itr, ++other) {
+        }
+        switch (random() % 6) {
+        case 0:
+            list.PushBack(element), oracle.push_back(element);
+            break;
+        case 1:
+            list.PushFront(element), oracle.push_front(element);
+            break;
+        case 2:
+            EXPECT_EQ(*list.InsertBefore(itr, element), element);
+            oracle.insert(other, element);
+            break;
+        case 3:
+            if (other != oracle.end()) {
+                list.Erase(itr), oracle.erase(other);
+            }
+            break;
+        case 4:
+            list.PopFront();
+            oracle.empty() ? void() : oracle.pop_front();
+            break;
+        default:
+            if (random() % 8 == 0) {
+                EXPECT_TRUE(list.Erase(itr, list.End()) == list.End());
+                oracle.erase(other, oracle.end());
+            }
+        }
+        ASSERT_EQ(list.Size(), oracle.size());
+        ASSERT_EQ(std::vector<void*>(list.begin(), list.end()),
+                  std::vector<void*>(oracle.begin(), oracle.end()));
+        ASSERT_EQ(list.Back(), oracle.empty() ? nullptr : oracle.back());
+    }
+    PointerList copy(list);
+    copy = copy;
+    list = copy;
+    EXPECT_EQ(list.Front(), oracle.empty() ? nullptr : oracle.front());
+    PointerListItr null;
+    EXPECT_EQ(*++null, nullptr);
+}
+
+TEST(PtrLinkList, OwnsAndCounts) {
+    static int alive = 0;
+    struct Element : LinkElement_Dual {
+        Element() { ++alive; }
+        ~Element() override { --alive; }
+    };
+    {
+        auto* const first = new Element;
+        PtrLinkList list(first);
+        EXPECT_EQ(list.add(new Element), 1);
+        EXPECT_EQ(list.add(nullptr), 0);
+        EXPECT_EQ(list.index(0), first);
+        EXPECT_EQ(list.index(1), list.Last());
+        EXPECT_EQ(list.index(2), nullptr);
+        EXPECT_EQ(list.index(3), nullptr);
+        EXPECT_EQ(*list.Iterator(), first);
+    }
+    EXPECT_EQ(alive, 0);
+}
+
+TEST(BoyerMoore, FindsWhatAPlainSearchFinds) {
+    std::mt19937 random(2);
+    for (int round = 0; round < 20000; ++round) {
+        std::string text(random() % 60, ' ');
+        std::string pattern(2 + random() % 4, ' ');
+        for (char& each : text) {
+            each = static_cast<char>(random() % 7 == 0 ? 0xFF : 'a' + random() % 3);
+        }
+        for (char& each : pattern) {
+            each = static_cast<char>(random() % 7 == 0 ? 0xFF : 'a' + random() % 3);
+        }
+        const auto data = std::make_unique<char[]>(text.size()); // sized exactly, for the sanitizer
+        std::copy(text.begin(), text.end(), data.get());
+        BoyerMoore search(pattern.data(), static_cast<short>(pattern.size()), data.get(),
+                          static_cast<long>(text.size()));
+        const std::size_t found = text.find(pattern);
+        const long expected = found == std::string::npos ? -1 : static_cast<long>(found);
+        ASSERT_EQ(search.Search(), expected) << text << " / " << pattern;
+        const long offset = static_cast<long>(random() % 70) - 5;
+        const bool isInside = offset >= 0 && offset <= static_cast<long>(text.size());
+        const std::size_t later =
+            isInside ? text.substr(static_cast<std::size_t>(offset)).find(pattern) : std::string::npos;
+        ASSERT_EQ(search.Search(offset, static_cast<const char*>(nullptr), 0),
+                  later == std::string::npos ? -1 : static_cast<long>(later));
+    }
+}
+
+TEST(BoyerMoore, Peculiarities) {
+    BoyerMoore search("x", 1, "abc", 3);
+    EXPECT_EQ(search.Search(), 0);
+    search.SetSearchString("", 0);
+    EXPECT_EQ(search.Search(), -1);
+    search.SetSearchString("BC", 2);
+    EXPECT_EQ(search.Search(), -1);
+    search.SetCaseSensitve(false);
+    EXPECT_FALSE(search.GetCaseSensitive());
+    search.SetSearchData("abbc", 4);
+    EXPECT_EQ(search.Search(), -1);
+    EXPECT_EQ(search.Search(2, "Bc", 2), 0);
+    search.SetSearchData("XABC", 4);
+    search.SetSearchString("abc", 3);
+    EXPECT_EQ(search.Search(), -1); // "B" is looked up as it stands and passes over the match
+    search.SetSearchData(nullptr, 10);
+    EXPECT_EQ(search.Search(), -1);
+    const std::string tooLong(300, 'a');
+    search.SetSearchString(tooLong.data(), 300);
+    EXPECT_EQ(search.GetSearchStringLength(), 255);
+    char out[256];
+    search.SetSearchString(reinterpret_cast<const unsigned char*>("\3abc"));
+    search.GetSearchString(out);
+    EXPECT_STREQ(out, "abc");
+    search.SetSearchData("zabc", 4);
+    EXPECT_EQ(search.Search(), 1);
+    search.SetSearchString("\2xyz", 4);
+    search.GetSearchString(out);
+    EXPECT_STREQ(out, "xy");
+}
+
+std::string replaced(const char* src, const char* what, const char* with) {
+    const std::unique_ptr<char, decltype(&std::free)> result(_replace(src, what, with), &std::free);
+    return result ? result.get() : "(null)";
+}
+
+TEST(StringFunctions, Replace) {
+    EXPECT_EQ(replaced("aXbX", "X", "YY"), "aYYbYY");
+    EXPECT_EQ(replaced("aaabbb", "ab", ""), ""); // each removal makes the next occurrence
+    EXPECT_EQ(replaced("ababab", "ab", "ba"), "bbbaaa");
+    EXPECT_EQ(replaced("xax", "x", "xx"), "xxaxx"); // would never end; each is replaced once
+    EXPECT_EQ(replaced("abc", "", "x"), "abc");
+    EXPECT_EQ(replaced(nullptr, "a", "b"), "(null)");
+    const std::string exponential = std::string(60, 'a') + "b";
+    EXPECT_EQ(replaced(exponential.c_str(), "ab", "bba"), "(null)");
+    std::mt19937 random(3);
+    for (int round = 0; round < 3000;
+         ++round) { // against the rule itself: from the start after each replacement
+        const auto text = [&](std::size_t length) {
+            std::string made(length, ' ');
+            for (char& each : made) {
+                each = static_cast<char>('a' + random() % 2);
+            }
+            return made;
+        };
+        const std::string what = text(2 + random() % 2), with = text(random() % 3);
+        std::string expected = text(random() % 12);
+        const std::string source = expected;
+        if (with.find(what) != std::string::npos) {
+            continue;
+        }
+        for (std::size_t at = 0; (at = expected.find(what)) != std::string::npos;) {
+            expected.replace(at, what.size(), with);
+        }
+        ASSERT_EQ(replaced(source.c_str(), what.c_str(), with.c_str()), expected) << source << what << with;
+    }
+}
+
+TEST(StringFunctions, NumbersAreThoseOfTheCLibrary) {
+    std::mt19937 random(4);
+    char own[kNumberCapacity], theirs[512];
+    for (const float number :
+         {0.0F, -0.0F, 1.5F, 0.00005F, 12345.678F, -99999.99F, FLT_MAX, -FLT_MAX, FLT_MIN, 0.03125F}) {
+        float2String(own, number);
+        std::snprintf(theirs, sizeof theirs, "%9.4f", static_cast<double>(number));
+        EXPECT_STREQ(own, theirs);
+    }
+    for (int round = 0; round < 2000; ++round) {
+        const float number =
+            static_cast<float>(static_cast<int>(random())) / static_cast<float>(1 + random() % 100000);
+        float2String(own, number);
+        std::snprintf(theirs, sizeof theirs, "%9.4f", static_cast<double>(number));
+        ASSERT_STREQ(own, theirs);
+        const std::string text = std::string(random() % 2, '\n') + std::string(random() % 2, '+') + own;
+        EXPECT_FLOAT_EQ(floatValue(text), std::strtof(text.c_str(), nullptr)) << text;
+        EXPECT_EQ(integerValue(text), std::atol(text.c_str())) << text;
+    }
+    num2String(-2147483647 - 1, own);
+    EXPECT_STREQ(own, "-2147483648");
+    EXPECT_EQ(integerValue("99999999999999999999"), INT64_MAX);
+    EXPECT_EQ(integerValue("-99999999999999999999 "), INT64_MIN);
+    EXPECT_TRUE(integerOverflows(" 99999999999999999999"));
+    EXPECT_EQ(integerValue("x"), 0);
+    EXPECT_EQ(floatValue("1e99"), 0.0F);
+    EXPECT_EQ(floatValue("nan"), 0.0F);
+    EXPECT_EQ(string2Number(" 42x"), 42);
+    EXPECT_EQ(wtoi(L"  -12\u00e9"), -12);
+    EXPECT_EQ(wtoi(L"99999999999"), 2147483647);
+}
+
+TEST(StringFunctions, TextsAndBounds) {
+    const std::string longText(400, 'q');
+    unsigned char pascal[256];
+    char back[256];
+    EXPECT_STREQ(ptoCStr(ctoPStr(longText.c_str(), pascal), back), longText.substr(0, 255).c_str());
+    EXPECT_STREQ(ptoCStr(ctoPStr("ab", pascal), back), "ab");
+    struct Deletion {
+        std::uint16_t from, to;
+        const char* result;
+    };
+    for (const Deletion& each :
+         {Deletion{1, 3, "ade"}, {0, 99, ""}, {3, 3, "abcde"}, {3, 2, "abcde"}, {6, 9, "abcde"}}) {
+        char text[] = "abcde";
+        EXPECT_EQ(deleteCharRangeInStr(text, each.from, each.to), std::strlen(each.result));
+        EXPECT_STREQ(text, each.result);
+    }
+    EXPECT_EQ(validateRangeValues("12a345", 2), 0);
+    EXPECT_EQ(validateRangeValues("12a345", 3), 1);
+    const std::unique_ptr<char, decltype(&std::free)> filled(newInitalizedCString(3, 'z'), &std::free);
+    EXPECT_STREQ(filled.get(), "zzz");
+    EXPECT_EQ(newInitalizedCString(SIZE_MAX, 'z'), nullptr);
+    EXPECT_STREQ(findChar("abcb", 'b'), "bcb");
+    EXPECT_EQ(unquoted(" \t\"1.0\" "), "1.0");
+    EXPECT_EQ(unquoted("\""), "\"");
+    const CError error(-43, "gone", true);
+    EXPECT_TRUE(error == -43 && error != 0 && error.IsFatal());
+    EXPECT_STREQ(error.Description(), "gone");
+    EXPECT_EQ(CError(3, "").Description(), nullptr);
+}
+
+} // namespace
+} // namespace torka
