@@ -1,0 +1,13 @@
+#include "platform/FixedPath.h"
+
+namespace torka::platform {
+
+std::filesystem::path belowRoot(const std::filesystem::path& root, std::string_view fixedPath) {
+    const std::filesystem::path path(fixedPath);
+    if (root.empty() || !path.is_absolute()) {
+        return path;
+    }
+    return root / path.lexically_normal().relative_path();
+}
+
+} // namespace torka::platform

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "platform/Printing.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+// The printing framework in memory: for tests, and for the command line, which prints to no queue. Public
+// members are settings that may be changed at any time. Not thread-safe.
+
+namespace torka::platform {
+
+class MemoryPrintSettings final : public PrintSettings {
+public:
+    CFTypeRef Value(const CFStringRef& key) const override;
+    OSStatus SetValue(const CFStringRef& key, const CFTypeRef& value, bool locked) override;
+    // In the order in which the keys were first set.
+    CFDictionaryRef CopyAsDictionary() const override;
+    std::uint32_t Copies() const override { return copies; }
+    OSStatus SetCopies(std::uint32_t newCopies) override;
+    bool IsLocked(const CFStringRef& key) const;
+
+    OSStatus setResult = noErr; // answer of SetValue; anything but noErr leaves the settings as they are
+
+private:
+    struct Entry {
+        CFStringRef key;
+        CFTypeRef value;
+        bool locked = false;
+    };
+    std::vector<Entry>::const_iterator Find(const CFStringRef& key) const;
+
+    std::vector<Entry> entries;
+    std::uint32_t copies = 1;
+};
+
+class MemoryPageFormat final : public PageFormat {
+public:
+    explicit MemoryPageFormat(std::uint16_t pageOrientation = kPMPortrait)
+        : orientation(pageOrientation) {}
+    std::uint16_t Orientation() const override { return orientation; }
+
+    std::uint16_t orientation;
+};
+
+class MemoryPrinter final : public Printer {
+public:
+    struct SentCommand {
+        CFStringRef command;
+        CFStringRef title;
+        CFDictionaryRef options;
+    };
+
+    CFStringRef Name() const override { return cfString(name); }
+    // Knows "PMPPDDescriptionType" only.
+    OSStatus CopyDescriptionURL(const CFStringRef& type, CFURLRef& url) const override;
+    OSStatus CopyDeviceURI(CFURLRef& uri) const override;
+    OSStatus CopyHostName(CFStringRef& host) const override;
+    OSStatus MakeAndModelName(CFStringRef& text) const override;
+    OSStatus State(std::uint16_t& answer) const override;
+    OSStatus CopyState(CFDictionaryRef& answer) const override;
+    OSStatus PaperList(std::vector<Paper>& list) const override;
+    OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
+                         const CFDictionaryRef& options) override;
+
+    std::string name = "Printer";
+    std::string ppdPath;   // empty: the queue has no description
+    std::string deviceUri; // empty: the queue has none
+    std::string hostName = "localhost";
+    std::string makeAndModel;
+    std::vector<Paper> papers;
+    std::uint16_t state = kPMPrinterIdle;
+    CFDictionaryRef stateAttributes = CFDictionaryCreate({});
+
+    // The answer of each call; anything but noErr leaves its out-parameter empty.
+    OSStatus descriptionResult = noErr;
+    OSStatus deviceUriResult = noErr;
+    OSStatus hostNameResult = noErr;
+    OSStatus makeAndModelResult = noErr;
+    OSStatus stateResult = noErr;
+    OSStatus paperListResult = noErr;
+    OSStatus sendResult = noErr;
+
+    std::vector<SentCommand> sent; // also those that sendResult refused
+    // Called for each command after it is recorded, for what a queue's filter would do.
+    std::function<void(const SentCommand&)> onSend;
+    // Called before each state is given, for a printer whose state changes meanwhile.
+    std::function<void()> onStateAsked;
+};
+
+class MemorySession final : public PrintSession {
+public:
+    explicit MemorySession(PMPrinter currentPrinter = nullptr)
+        : printer(std::move(currentPrinter)) {}
+    // kPMGeneralError when there is no printer.
+    OSStatus CurrentPrinter(PMPrinter& answer) const override;
+
+    PMPrinter printer;
+};
+
+} // namespace torka::platform

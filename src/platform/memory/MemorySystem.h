@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/System.h"
+#include "platform/TextEncoding.h"
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace torka::platform {
+
+// A system that answers what it is told, keeps files in memory and whose clock moves only when someone
+// sleeps.
+//
+// Owns its files. The public members are its settings: tests change them at any time. Not thread-safe.
+class MemorySystem final : public System {
+public:
+    struct File {
+        std::string content;
+        unsigned mode = 0;
+    };
+
+    int MinorVersion() const override { return minorVersion; }
+    std::filesystem::path Resolve(std::string_view fixedPath) const override;
+    std::filesystem::path TemporaryFolder() const override { return temporaryFolder; }
+    std::filesystem::path HomeFolder() const override { return homeFolder; }
+    std::string UserName() const override { return userName; }
+    std::vector<std::string> PreferredLanguages() const override { return languages; }
+    bool MeasuresInMetric() const override { return metric; }
+    HostApplication Host() const override { return host; }
+    CFStringEncoding NarrowEncoding() const override { return narrowEncoding; }
+    // "00000000-0000-4000-8000-000000000001" and so on, so that results can be compared.
+    std::string CreateUuidString() override;
+    std::chrono::steady_clock::time_point Now() const override { return now; }
+    bool Sleep(std::chrono::milliseconds duration) override;
+    std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
+                              unsigned mode) override;
+    std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,
+                             std::string& content) override;
+
+    int minorVersion = 15;
+    std::filesystem::path root;
+    std::filesystem::path temporaryFolder = "/tmp";
+    std::filesystem::path homeFolder = "/home/user";
+    std::string userName = "user";
+    std::vector<std::string> languages = {"en-US"};
+    bool metric = true;
+    HostApplication host;
+    CFStringEncoding narrowEncoding = kCFStringEncodingUTF8;
+    std::uint64_t uuidsMade = 0;
+    std::chrono::steady_clock::time_point now{std::chrono::hours(1)};
+    // The moment at which a person cancels: a sleep that would pass it ends there, and so does every later
+    // one.
+    std::chrono::steady_clock::time_point cancelAt = std::chrono::steady_clock::time_point::max();
+    // Called after the clock has moved, for what happens elsewhere meanwhile.
+    std::function<void()> onSleep;
+    // When set, asked before each write; what it answers is the write's failure, and nothing is written then.
+    std::function<std::error_code(const std::filesystem::path&)> writeFailure;
+    std::map<std::filesystem::path, File> files;
+};
+
+} // namespace torka::platform

@@ -1,0 +1,138 @@
+// Whole files of PosixSystem.
+
+#include "platform/posix/PosixSystem.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace torka::platform {
+
+namespace {
+
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
+// A path with a NUL inside would name another file for the system than for us.
+bool isUsablePath(const std::filesystem::path& path) {
+    return !path.empty() && path.native().find('\0') == std::string::npos;
+}
+
+// An open file; closed at the end whatever happens.
+class Descriptor {
+public:
+    explicit Descriptor(int opened)
+        : number(opened) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (number >= 0) {
+            close(number);
+        }
+    }
+    // Some file systems tell a failed write only here.
+    std::error_code Close() {
+        const int result = close(number);
+        number = -1;
+        return result == 0 ? std::error_code() : lastError();
+    }
+
+    int number;
+};
+
+std::error_code writeAll(int file, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t written = write(file, content.data(), content.size());
+        if (written < 0 && errno != EINTR) {
+            return lastError();
+        }
+        if (written == 0) {
+            return std::make_error_code(std::errc::io_error);
+        }
+        content.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+    return {};
+}
+
+std::error_code fillFile(int opened, std::string_view content, unsigned mode) {
+    Descriptor file(opened);
+    if (const std::error_code failure = writeAll(file.number, content)) {
+        return failure;
+    }
+    if (fchmod(file.number, static_cast<mode_t>(mode & 0777)) != 0) {
+        return lastError();
+    }
+    return file.Close();
+}
+
+} // namespace
+
+std::error_code PosixSystem::WriteFile(const std::filesystem::path& path, std::string_view content,
+                                       unsigned mode) {
+    if (!isUsablePath(path) || !path.has_filename()) {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
+    std::string neighbour = (path.parent_path() / ".torka-XXXXXX").string();
+    const int file = mkostemp(neighbour.data(), O_CLOEXEC);
+    if (file < 0) {
+        return lastError();
+    }
+    std::error_code failure = fillFile(file, content, mode);
+    if (!failure && rename(neighbour.c_str(), path.c_str()) != 0) {
+        failure = lastError();
+    }
+    if (failure) {
+        unlink(neighbour.c_str());
+    }
+    return failure;
+}
+
+std::error_code PosixSystem::ReadFile(const std::filesystem::path& path, std::size_t limit,
+                                      std::string& content) {
+    content.clear();
+    if (!isUsablePath(path)) {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat facts {};
+    if (file.number < 0 || fstat(file.number, &facts) != 0) {
+        return lastError();
+    }
+    if (S_ISDIR(facts.st_mode)) {
+        return std::make_error_code(std::errc::is_a_directory);
+    }
+    if (!S_ISREG(facts.st_mode)) {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
+    const auto told = static_cast<std::uintmax_t>(facts.st_size);
+    if (told > limit) {
+        return std::make_error_code(std::errc::file_too_large);
+    }
+    // A file may grow meanwhile, and some (in /proc) tell no size: it is read until it ends.
+    std::size_t length = 0;
+    std::string read(static_cast<std::size_t>(told) + 1, '\0');
+    while (true) {
+        if (length == read.size()) {
+            read.resize(read.size() + std::max<std::size_t>(read.size(), 4096));
+        }
+        const ssize_t count = ::read(file.number, read.data() + length, read.size() - length);
+        if (count < 0 && errno != EINTR) {
+            return lastError();
+        }
+        if (count == 0) {
+            break;
+        }
+        length += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        if (length > limit) {
+            return std::make_error_code(std::errc::file_too_large);
+        }
+    }
+    read.resize(length);
+    content = std::move(read);
+    return {};
+}
+
+} // namespace torka::platform

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/System.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace torka::platform {
+
+struct PosixSystemOptions {
+    int minorVersion = 15; // what this system answers to the question of its version
+    // Where fixed absolute paths lie; empty for the machine's own root.
+    std::filesystem::path root;
+    // Whether an absolute path in TORKA_SYSTEM_ROOT is taken for an empty `root`. Never for a process that
+    // runs with more rights than its user.
+    bool rootFromEnvironment = false;
+    std::filesystem::path temporaryFolder; // empty: TMPDIR when it is a folder, else "/tmp"
+    std::vector<std::string> languages;    // empty: as the environment asks
+    HostApplication host;                  // an empty process name is found out
+    // Replaces the plain wait, so that an event loop can run meanwhile; answers false when the wait was
+    // cancelled.
+    std::function<bool(std::chrono::milliseconds)> wait;
+};
+
+// The operating system this runs on.
+//
+// Cancel may be called from another thread and from a signal handler; everything else only where System
+// allows it.
+class PosixSystem final : public System {
+public:
+    explicit PosixSystem(PosixSystemOptions chosen = {});
+    ~PosixSystem() override;
+
+    int MinorVersion() const override { return options.minorVersion; }
+    std::filesystem::path Resolve(std::string_view fixedPath) const override;
+    std::filesystem::path TemporaryFolder() const override;
+    std::filesystem::path HomeFolder() const override;
+    std::string UserName() const override;
+    std::vector<std::string> PreferredLanguages() const override;
+    bool MeasuresInMetric() const override;
+    HostApplication Host() const override;
+    CFStringEncoding NarrowEncoding() const override;
+    std::string CreateUuidString() override;
+    std::chrono::steady_clock::time_point Now() const override { return std::chrono::steady_clock::now(); }
+    bool Sleep(std::chrono::milliseconds duration) override;
+    std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
+                              unsigned mode) override;
+    // Regular files only: a device or a pipe could keep the caller waiting.
+    std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,
+                             std::string& content) override;
+
+    // Ends the sleep under way, and every later one at once until ClearCancel.
+    void Cancel();
+    void ClearCancel();
+
+private:
+    PosixSystemOptions options;
+    int cancelEvent; // an eventfd, readable while cancelled; -1 when the system gave none
+};
+
+// A locale name ("zh_TW.UTF-8", "sr_RS@latin") as a BCP 47 tag, empty for "C", "POSIX" and what is no locale
+// name. Chinese carries its script, which its tags are told apart by.
+std::string languageTag(std::string_view localeName);
+
+} // namespace torka::platform

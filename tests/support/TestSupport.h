@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/Log.h"
+#include "platform/memory/MemorySystem.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What tests of several areas share.
+
+namespace torka::tests {
+
+// A new empty folder, removed with all that is in it at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::filesystem::path& Path() const { return path; }
+    std::filesystem::path operator/(std::string_view name) const { return path / name; }
+    // Writes a file into the folder and tells its path.
+    std::filesystem::path Write(std::string_view name, std::string_view content) const;
+
+private:
+    std::filesystem::path path;
+};
+
+// Takes what is logged while it lives; the default sink comes back after it.
+class CapturingLog {
+public:
+    CapturingLog();
+    CapturingLog(const CapturingLog&) = delete;
+    CapturingLog& operator=(const CapturingLog&) = delete;
+    ~CapturingLog();
+
+    const std::vector<std::string>& Lines() const;
+
+private:
+    class Sink;
+    std::shared_ptr<Sink> sink;
+};
+
+// Makes a MemorySystem the process's system while it lives; none is chosen after it.
+class ScopedMemorySystem {
+public:
+    ScopedMemorySystem();
+    ScopedMemorySystem(const ScopedMemorySystem&) = delete;
+    ScopedMemorySystem& operator=(const ScopedMemorySystem&) = delete;
+    ~ScopedMemorySystem();
+
+    MemorySystem* operator->() const { return system; }
+    MemorySystem& operator*() const { return *system; }
+
+private:
+    MemorySystem* system; // owned by the holder of platform::system()
+};
+
+struct CommandResult {
+    int status = -1; // exit status, 128 + signal when killed, -1 when it could not be started
+    std::string output;
+    std::string errors;
+};
+
+// Runs a program (looked for in PATH) with its arguments, without a shell, and waits for it.
+CommandResult runCommand(const std::vector<std::string>& programAndArguments, std::string_view input = {});
+// The output of `python3 -c SCRIPT ARGUMENTS...`; fails the test when the script fails.
+std::string runPython(const std::string& script, const std::vector<std::string>& arguments = {},
+                      std::string_view input = {});
+
+// The whole file; fails the test when it cannot be read.
+std::string readFile(const std::filesystem::path& path);
+
+} // namespace torka::tests
