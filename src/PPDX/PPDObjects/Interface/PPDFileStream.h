@@ -42,7 +42,6 @@ private:
 
     std::array<char, kLineCapacity> handedBack{};
     PPDStreamStatus statusAfterHandedBack = kStreamGood;
-    bool resultOfHandedBack = false;
     bool resultOfLast = false;
     bool hasHandedBack = false;
 };

@@ -83,18 +83,20 @@ public:
 
     // The number, from 1, of the physical line on which the line read last began; CR LF ends one line.
     std::uint32_t LineNumber() const { return lineNumber; }
-    // Whether the line read last was cut at 255 characters.
+    // Whether the line read last was cut at 255 characters, the next one being its continuation.
     bool LineWasCut() const { return lineWasCut; }
 
 protected:
     // Reads a line into line[used...]; the limit and the end mark count for the whole of `line`.
     bool ReadLineInto(char* line, std::size_t used);
+    void EndLine(char terminator, bool isEmpty);
 
     const char* start = nullptr;
     const char* end = nullptr; // exclusive
     const char* cursor = nullptr;
     PPDStreamStatus status = kStreamBad;
 
+    std::size_t lineLength = 0; // bytes of the line read last
     std::uint32_t nextLineNumber = 1;
     std::uint32_t lineNumber = 0;
     std::uint32_t loggedBytes = 0; // lines logged for bytes 0xFF
