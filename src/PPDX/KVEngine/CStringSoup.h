@@ -1,0 +1,44 @@
+#pragma once
+
+#include "PPDX/KVEngine/PositionTable.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace torka {
+
+// The string table of one store: every text once, known by its index, which never changes.
+//
+// Owns its texts. They end at their first NUL and are compared byte by byte.
+class CStringSoup {
+public:
+    CStringSoup();
+    virtual ~CStringSoup() = default;
+    CStringSoup(const CStringSoup&) = delete;
+    CStringSoup& operator=(const CStringSoup&) = delete;
+
+    // The index of the text, which is added when it is new.
+    virtual std::int64_t Insert(std::string_view text);
+    // The text at that index, NUL-terminated; null when there is none. Stays where it is until Clear.
+    virtual const char* Find(std::int64_t index) const;
+    // The index of the text, or -1.
+    virtual std::int64_t Find(std::string_view text) const;
+    virtual void Clear();
+    virtual std::size_t size() const;
+
+private:
+    struct Text {
+        std::unique_ptr<char[]> bytes;
+        std::size_t length = 0;
+
+        std::string_view View() const { return {bytes.get(), length}; }
+    };
+
+    std::vector<Text> texts;
+    PositionTable index;
+};
+
+} // namespace torka

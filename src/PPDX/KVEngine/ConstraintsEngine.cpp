@@ -1,0 +1,276 @@
+#include "PPDX/KVEngine/ConstraintsEngine.h"
+
+#include "PPDX/KVEngine/SelectionView.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+namespace torka {
+
+namespace {
+
+constexpr int deepest = 129;
+constexpr std::size_t mostQueued = 128;
+
+const KVCache& orEmpty(const KVCache* cache) {
+    static const KVCache empty;
+    return cache == nullptr ? empty : *cache;
+}
+
+const std::vector<std::int64_t>& optionsOf(const KeyForest* keys, std::int64_t key) {
+    static const std::vector<std::int64_t> none;
+    const std::vector<std::int64_t>* options = keys == nullptr ? nullptr : keys->GetItems(key);
+    return options == nullptr ? none : *options;
+}
+
+// Everything that one changed pair constrains, for asking whether an alternative would be constrained too.
+class ConstrainedSet {
+public:
+    void Add(const ConstraintRun& run) {
+        for (const KeyOption& pair : run.pairs)
+            pairs.add(pair);
+        if (run.range == nullptr)
+            return;
+        // Of the ranges of one key the longest holds the others.
+        const OptionRange*& longest = ranges[run.key];
+        if (longest == nullptr || longest->count < run.range->count)
+            longest = run.range;
+    }
+
+    bool Contains(const KeyOption& pair) const {
+        const auto range = ranges.find(pair.key);
+        return (range != ranges.end() && range->second->Occurrences(pair.option) > 0) ||
+               pairs.Lookup(pair) != -1;
+    }
+
+private:
+    KVCache pairs;
+    std::unordered_map<std::int64_t, const OptionRange*> ranges;
+};
+
+} // namespace
+
+ConstraintsEngine::Answer ConstraintsEngine::Test(const KVCache& changeSet) {
+    Answer answer;
+    const SelectionView view(orEmpty(current), &changeSet);
+    for (const KeyOption& changed : changeSet.Pairs())
+        TestPair(changed, view, answer);
+    return answer;
+}
+
+bool ConstraintsEngine::HasConflict(const KVCache& changeSet) {
+    const SelectionView view(orEmpty(current), &changeSet);
+    const auto changes = changeSet.Pairs();
+    // Steps of a search differ little, so the pair that conflicted last is the best guess.
+    if (lastConflict < changes.size() && ConflictsWith(changes[lastConflict], view))
+        return true;
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        if (i != lastConflict && ConflictsWith(changes[i], view)) {
+            lastConflict = i;
+            return true;
+        }
+    }
+    return false;
+}
+
+KVCache ConstraintsEngine::TestLockedStatus(KVCache& alternatives) const {
+    KVCache hits;
+    if (locked == nullptr || locked->size() == 0)
+        return hits;
+    KVCache kept;
+    for (const KeyOption& pair : alternatives.Pairs()) {
+        if (locked->Lookup({pair.key, -1}) != -1 || locked->Lookup(pair) != -1)
+            hits.Insert(pair.key, orEmpty(current).GetItem(pair.key));
+        else
+            kept.add(pair);
+    }
+    alternatives = std::move(kept);
+    return hits;
+}
+
+ConstraintsEngine::Answer ConstraintsEngine::RSolve(KVCache& changeSet, bool keepChanged) {
+    for (;;) {
+        ++depth;
+        Answer answer = Test(changeSet);
+        if (answer.conflicts.size() == 0 || depth >= deepest)
+            return answer;
+        KVCache hits = TestLockedStatus(answer.alternatives);
+        if (depth == 1 && hits.size() > 0)
+            return {std::move(hits), {}};
+
+        while (answer.alternatives.size() > 0) {
+            const KeyOption alternative = answer.alternatives.pop_front();
+            if (keepChanged && changeSet.FindKey(alternative.key) != nullptr)
+                continue;
+            changeSet.Insert(alternative.key, alternative.option);
+            if (!HasConflict(changeSet))
+                return {};
+            if (overflowed || std::find(visited.begin(), visited.end(), changeSet) != visited.end())
+                continue;
+            queue.push_back(changeSet);
+            overflowed = queue.size() > mostQueued;
+        }
+        if (queue.empty())
+            return answer;
+        changeSet = queue.front();
+        visited.push_back(std::move(queue.front()));
+        queue.pop_front();
+    }
+}
+
+ConstraintsEngine::Answer ConstraintsEngine::Solve(KVCache& changeSet, bool keepChanged) {
+    Purge();
+    Answer answer = RSolve(changeSet, keepChanged);
+    Purge();
+    return answer;
+}
+
+KVCache ConstraintsEngine::ListCurrentConstraints(std::int64_t key) {
+    KVCache listed;
+    if (key < 0)
+        return listed;
+    const SelectionView view(orEmpty(current));
+    for (const std::int64_t option : optionsOf(keys, key))
+        if (ConflictsWith({key, option}, view))
+            listed.add({key, option});
+    return listed;
+}
+
+KVCache ConstraintsEngine::ListBlockingConstraints(std::int64_t key1, std::int64_t excludedOption,
+                                                   std::int64_t key2) {
+    KVCache listed;
+    if (key1 < 0 || excludedOption < 0 || key2 < 0)
+        return listed;
+    // The options to be blocked, each with the last option of key2 found to block it.
+    std::unordered_map<std::int64_t, std::size_t> others;
+    for (const std::int64_t option : optionsOf(keys, key1))
+        if (option != excludedOption)
+            others.try_emplace(option, 0);
+
+    std::size_t round = 0;
+    for (const std::int64_t option : optionsOf(keys, key2)) {
+        ++round;
+        std::size_t blocked = 0;
+        const auto blocks = [&](const KeyOption& pair) {
+            if (pair.key != key1)
+                return true;
+            const auto other = others.find(pair.option);
+            if (other == others.end())
+                return false;
+            if (std::exchange(other->second, round) != round)
+                ++blocked;
+            return true;
+        };
+        bool onlyOthers = true;
+        for (const ConstraintRun& run : RunsOf({key2, option})) {
+            ConstraintRun once = run;
+            once.repeat = 1;
+            onlyOthers = onlyOthers && ((run.range != nullptr && run.key != key1) || once.ForEach(blocks));
+        }
+        if (onlyOthers && blocked == others.size())
+            listed.add({key2, option});
+    }
+    return listed;
+}
+
+KVCache ConstraintsEngine::ListScreenedConstraints(const KVCache& selections, bool exact, std::int64_t key) {
+    KVCache listed;
+    const SelectionView view(selections);
+    for (const std::int64_t option : optionsOf(keys, key)) {
+        const KeyOption pair{key, option};
+        if (exact ? GathersExactly(pair, selections, view) : ConflictsWith(pair, view))
+            listed.Insert(key, option);
+    }
+    return listed;
+}
+
+bool ConstraintsEngine::ConflictsWith(const KeyOption& changed, const SelectionView& view) {
+    for (const ConstraintRun& run : RunsOf(changed))
+        if (view.ContainsAnyOf(run))
+            return true;
+    return false;
+}
+
+void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& view, Answer& answer) {
+    if (!ConflictsWith(changed, view))
+        return;
+    ConstrainedSet constrained;
+    for (const ConstraintRun& run : runs)
+        constrained.Add(run);
+
+    // The alternatives for a selected pair are the same however often it is hit.
+    std::unordered_map<std::int64_t, std::vector<KeyOption>> offers;
+    const auto offerFor = [&](const KeyOption& hit) -> const std::vector<KeyOption>& {
+        const auto [offer, isNew] = offers.try_emplace(hit.key);
+        if (isNew) {
+            const std::vector<std::int64_t>& options = optionsOf(keys, hit.key);
+            for (auto option = options.rbegin(); option != options.rend(); ++option)
+                if (!constrained.Contains({hit.key, *option}))
+                    offer->second.push_back({hit.key, *option});
+        }
+        return offer->second;
+    };
+    const auto found = [&](const KeyOption& hit) {
+        answer.conflicts.add(hit);
+        for (const KeyOption& pair : offerFor(hit))
+            if (answer.alternatives.size() < mostAnswers)
+                answer.alternatives.add(pair);
+        return answer.conflicts.size() < mostAnswers;
+    };
+
+    const KeyConstraintTree& tree = *forest->GetTree(changed.key);
+    const auto options = changed.option == -1 ? tree.ActiveOptions() : std::vector{changed.option};
+    for (auto option = options.rbegin(); option != options.rend(); ++option) {
+        runs.clear();
+        tree.CollectRuns(*option, runs);
+        for (auto run = runs.rbegin(); run != runs.rend(); ++run)
+            if (!view.ForEachBackwards(*run, found))
+                return;
+    }
+}
+
+// Whether the pairs that are constrained and among the selections are just the selections, and there is one.
+bool ConstraintsEngine::GathersExactly(const KeyOption& constraining, const KVCache& selections,
+                                       const SelectionView& view) {
+    KVCache gathered;
+    const auto gather = [&](const KeyOption& pair) {
+        gathered.add(pair);
+        return gathered.size() <= selections.size();
+    };
+    const KeyConstraintTree* tree = forest == nullptr ? nullptr : forest->GetTree(constraining.key);
+    if (tree == nullptr)
+        return false;
+    const auto options = constraining.option == -1 ? tree->ActiveOptions() : std::vector{constraining.option};
+    for (const std::int64_t option : options) {
+        runs.clear();
+        tree->CollectRuns(option, runs);
+        for (const ConstraintRun& run : runs)
+            if (!view.ForEachBackwards(run, gather))
+                return false;
+    }
+    return gathered.size() > 0 && gathered == selections;
+}
+
+// The runs that together hold every pair constrained, for -1 by any option; order and repeats count only for
+// others.
+const std::vector<ConstraintRun>& ConstraintsEngine::RunsOf(const KeyOption& constraining) {
+    runs.clear();
+    const KeyConstraintTree* tree = forest == nullptr ? nullptr : forest->GetTree(constraining.key);
+    if (tree == nullptr)
+        return runs;
+    if (constraining.option == -1)
+        tree->CollectAllRuns(runs);
+    else
+        tree->CollectRuns(constraining.option, runs);
+    return runs;
+}
+
+void ConstraintsEngine::Purge() {
+    queue.clear();
+    visited.clear();
+    overflowed = false;
+    depth = 0;
+}
+
+} // namespace torka

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "PPDX/KVEngine/KVCache.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace torka {
+
+// The pairs that one option of a key constrains, in insertion order, duplicates included.
+class ItemConstraintList {
+public:
+    explicit ItemConstraintList(std::int64_t ownerOption = -1)
+        : owner(ownerOption) {}
+    virtual ~ItemConstraintList() = default;
+    ItemConstraintList(const ItemConstraintList&) = default;
+    ItemConstraintList& operator=(const ItemConstraintList&) = default;
+    ItemConstraintList(ItemConstraintList&&) noexcept = default;
+    ItemConstraintList& operator=(ItemConstraintList&&) noexcept = default;
+
+    void insert(std::int64_t key, std::int64_t option) { pairs.push_back({key, option}); }
+    void insert(const KeyOption& pair) { pairs.push_back(pair); }
+    ItemConstraintList operator+(const ItemConstraintList& other) const;
+    ItemConstraintList& operator+=(const ItemConstraintList& other);
+
+    std::size_t size() const { return pairs.size(); }
+    // A copy of pair i; null when there is none.
+    std::unique_ptr<KeyOption> operator[](std::int64_t i) const;
+
+    std::int64_t Owner() const { return owner; }
+    const std::vector<KeyOption>& Pairs() const { return pairs; }
+    void Replace(std::vector<KeyOption> kept) { pairs = std::move(kept); }
+
+private:
+    std::int64_t owner;
+    std::vector<KeyOption> pairs;
+};
+
+} // namespace torka

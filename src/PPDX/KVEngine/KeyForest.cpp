@@ -1,0 +1,80 @@
+#include "PPDX/KVEngine/KeyForest.h"
+
+#include "PPDX/KVEngine/KVCache.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t shortList = 32; // scanning is as fast as searching up to here
+constexpr std::size_t insertedOneByOne = 16;
+
+} // namespace
+
+std::size_t KeyOptions::Occurrences(std::int64_t option, std::size_t limit) const {
+    limit = std::min(limit, items.size());
+    if (items.size() <= shortList) {
+        const auto end = items.begin() + static_cast<std::ptrdiff_t>(limit);
+        return static_cast<std::size_t>(std::count(items.begin(), end, option));
+    }
+    SortNewItems();
+    const auto first = std::partition_point(sorted.begin(), sorted.end(),
+                                            [&](std::uint32_t i) { return items[i] < option; });
+    const auto last = std::partition_point(first, sorted.end(),
+                                           [&](std::uint32_t i) { return items[i] == option && i < limit; });
+    return static_cast<std::size_t>(last - first);
+}
+
+void KeyOptions::SortNewItems() const {
+    const std::size_t known = sorted.size();
+    if (known == items.size())
+        return;
+    const auto before = [this](std::uint32_t a, std::uint32_t b) {
+        return items[a] != items[b] ? items[a] < items[b] : a < b;
+    };
+    if (items.size() - known <= insertedOneByOne) {
+        for (auto i = static_cast<std::uint32_t>(known); i < items.size(); ++i)
+            sorted.insert(std::upper_bound(sorted.begin(), sorted.end(), i, before), i);
+        return;
+    }
+    sorted.resize(items.size());
+    std::iota(sorted.begin(), sorted.end(), 0U);
+    std::sort(sorted.begin(), sorted.end(), before);
+}
+
+void KeyForest::insert(std::int64_t key, std::int64_t option) {
+    std::shared_ptr<KeyOptions>& options = keys[key];
+    if (options == nullptr)
+        options = std::make_shared<KeyOptions>();
+    options->Append(option);
+}
+
+const std::vector<std::int64_t>* KeyForest::GetItems(std::int64_t key) const {
+    const auto found = keys.find(key);
+    return found == keys.end() ? nullptr : &found->second->Items();
+}
+
+std::shared_ptr<const KeyOptions> KeyForest::GetOptions(std::int64_t key) const {
+    const auto found = keys.find(key);
+    return found == keys.end() ? nullptr : found->second;
+}
+
+void KeyForest::GetKeys(std::unique_ptr<KVCache>& out) const {
+    if (out == nullptr)
+        out = std::make_unique<KVCache>();
+    else
+        out->clear();
+    std::vector<std::int64_t> ascending;
+    ascending.reserve(keys.size());
+    for (const auto& [key, options] : keys)
+        ascending.push_back(key);
+    std::sort(ascending.begin(), ascending.end());
+    for (const std::int64_t key : ascending)
+        for (const std::int64_t option : keys.at(key)->Items())
+            out->add({key, option});
+}
+
+} // namespace torka

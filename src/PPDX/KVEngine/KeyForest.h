@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace torka {
+
+class KVCache;
+
+// The options of one key in the order in which they were recorded, duplicates included. Only ever grows.
+class KeyOptions {
+public:
+    void Append(std::int64_t option) { items.push_back(option); }
+    const std::vector<std::int64_t>& Items() const { return items; }
+
+    // How often the option stands among the first limit ones.
+    std::size_t Occurrences(std::int64_t option, std::size_t limit) const;
+
+private:
+    void SortNewItems() const;
+
+    std::vector<std::int64_t> items;
+    mutable std::vector<std::uint32_t> sorted; // positions by (option, position); may lag behind items
+};
+
+// An ordered list of the options that each key offers, in the order in which the description gave them.
+//
+// Owns its arrays, but shares them with the wildcard constraints that were resolved against them.
+class KeyForest {
+public:
+    KeyForest() = default;
+    virtual ~KeyForest() = default;
+    KeyForest(const KeyForest&) = delete;
+    KeyForest& operator=(const KeyForest&) = delete;
+
+    void insert(std::int64_t key, std::int64_t option);
+    // The key's options, or null when the key was never inserted.
+    const std::vector<std::int64_t>* GetItems(std::int64_t key) const;
+    std::shared_ptr<const KeyOptions> GetOptions(std::int64_t key) const;
+    // Fills out, which is made when null and emptied otherwise: every option of every key, keys ascending.
+    void GetKeys(std::unique_ptr<KVCache>& out) const;
+    void clear() { keys.clear(); }
+
+private:
+    std::unordered_map<std::int64_t, std::shared_ptr<KeyOptions>> keys;
+};
+
+} // namespace torka

@@ -1,0 +1,33 @@
+#include "PPDX/KVEngine/SelectionView.h"
+
+namespace torka {
+
+SelectionView::SelectionView(const KVCache& base, const KVCache* changeSet)
+    : selections(base)
+    , changes(changeSet) {
+    if (selections.HasRepeatedKeys() || (changes != nullptr && changes->HasRepeatedKeys())) {
+        merged = selections;
+        if (changes != nullptr)
+            merged->merge(*changes);
+    }
+}
+
+bool SelectionView::Contains(const KeyOption& pair) const {
+    if (merged.has_value())
+        return merged->Lookup(pair) != -1;
+    const KeyOption* selected = Selected(pair.key);
+    return selected != nullptr && selected->option == pair.option;
+}
+
+bool SelectionView::ContainsAnyOf(const ConstraintRun& run) const {
+    return !ForEachBackwards(run, [](const KeyOption&) { return false; });
+}
+
+const KeyOption* SelectionView::Selected(std::int64_t key) const {
+    if (changes != nullptr && key >= 0)
+        if (const KeyOption* changed = changes->FindKey(key))
+            return changed;
+    return selections.FindKey(key);
+}
+
+} // namespace torka

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "PPDX/KVEngine/ConstraintRun.h"
+#include "PPDX/KVEngine/KVCache.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace torka {
+
+// What would be selected once a change set is inserted into the selections, without copying them. Only where
+// a key stands more than once in either is the real thing built. Both must outlive the view and stay
+// unchanged.
+class SelectionView {
+public:
+    explicit SelectionView(const KVCache& base, const KVCache* changeSet = nullptr);
+
+    // Whether the pair is selected.
+    bool Contains(const KeyOption& pair) const;
+    // Whether any pair of the run is selected.
+    bool ContainsAnyOf(const ConstraintRun& run) const;
+
+    // Calls visit(pair) for each selected pair of the run, last first; stops and answers false once visit
+    // does.
+    template <typename Visit>
+    bool ForEachBackwards(const ConstraintRun& run, Visit visit) const {
+        for (std::size_t round = 0; round < run.repeat; ++round) {
+            bool found = false;
+            const auto check = [&](const KeyOption& pair) {
+                found = true;
+                return visit(pair);
+            };
+            if (!(run.range != nullptr ? RangeBackwards(run, check) : PairsBackwards(run, check)))
+                return false;
+            if (!found)
+                break;
+        }
+        return true;
+    }
+
+private:
+    const KeyOption* Selected(std::int64_t key) const;
+
+    template <typename Visit>
+    bool PairsBackwards(const ConstraintRun& run, Visit visit) const {
+        for (std::size_t i = run.pairs.size(); i-- > 0;)
+            if (Contains(run.pairs[i]) && !visit(run.pairs[i]))
+                return false;
+        return true;
+    }
+
+    template <typename Visit>
+    bool RangeBackwards(const ConstraintRun& run, Visit visit) const {
+        if (!merged.has_value()) {
+            const KeyOption* selected = Selected(run.key);
+            if (selected == nullptr)
+                return true;
+            for (std::size_t n = run.range->Occurrences(selected->option); n > 0; --n)
+                if (!visit(*selected))
+                    return false;
+            return true;
+        }
+        const auto items = run.range->Items();
+        for (std::size_t i = items.size(); i-- > 0;) {
+            const KeyOption pair{run.key, items[i]};
+            if (!run.range->Skips(pair.option) && Contains(pair) && !visit(pair))
+                return false;
+        }
+        return true;
+    }
+
+    const KVCache& selections;
+    const KVCache* changes;
+    std::optional<KVCache> merged;
+};
+
+} // namespace torka

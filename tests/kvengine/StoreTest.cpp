@@ -1,0 +1,178 @@
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConstraintForest.h"
+#include "PPDX/KVEngine/ConstraintsEngine.h"
+#include "PPDX/KVEngine/KeyForest.h"
+#include "PPDX/KVEngine/UIConstraints.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace torka {
+namespace {
+
+using testing::ElementsAre;
+
+// What a cache or list holds, as "key=option" texts.
+std::vector<std::string> named(UIConstraints& store, std::span<const KeyOption> pairs) {
+    std::vector<std::string> names;
+    const auto text = [&](std::int64_t id) { return std::string(store.GetConstraintStrings()->Find(id)); };
+    for (const KeyOption& pair : pairs)
+        names.push_back(text(pair.key) + "=" + text(pair.option));
+    return names;
+}
+
+TEST(CStringSoup, InternsBytesUpToTheFirstNul) {
+    CStringSoup soup;
+    EXPECT_EQ(soup.Insert("Letter"), 0);
+    EXPECT_EQ(soup.Insert("letter"), 1);
+    EXPECT_EQ(soup.Insert(std::string_view("Letter\0x", 8)), 0);
+    EXPECT_EQ(soup.Find("LETTER"), -1);
+    EXPECT_EQ(soup.Find(2), nullptr);
+    const char* const first = soup.Find(0);
+    for (int i = 0; i < 5000; ++i)
+        ASSERT_EQ(soup.Insert(std::string(static_cast<std::size_t>(i % 200), 'x') + std::to_string(i)),
+                  i + 2);
+    EXPECT_EQ(soup.Find(0), first);
+    EXPECT_EQ(soup.Find(std::string(150, 'x') + "150"), 152);
+    soup.Clear();
+    EXPECT_EQ(soup.size(), 0U);
+    EXPECT_EQ(soup.Find("Letter"), -1);
+    EXPECT_EQ(soup.Insert("letter"), 0);
+}
+
+TEST(UIConstraints, AWildcardSparesTheOptionsThatMeanOff) {
+    UIConstraints store;
+    for (const char* option : {"A", "None"})
+        store.KVSInsert("*K", option);
+    for (const char* option : {"X", "False", "Y"})
+        store.KVSInsert("*L", option);
+    store.Add("*K", "", "*L", "", false);
+    store.Add("*K", "None", "*L", "False", false); // written out, so it stays
+    store.Resolve();
+    store.KVSInsert("*L", "Late"); // not covered by lines resolved before
+    const auto listOf = [&](const char* option) {
+        const CStringSoup& soup = *store.GetConstraintStrings();
+        const auto list = store.GetConstraintForest()->GetConstraintList(soup.Find("*K"), soup.Find(option));
+        return named(store, list->Pairs());
+    };
+    EXPECT_THAT(listOf("A"), ElementsAre("*L=X", "*L=Y"));
+    EXPECT_THAT(listOf("None"), ElementsAre("*L=False"));
+    EXPECT_EQ(store.GetRequiresForest()->GetConstraintList(store.GetConstraintStrings()->Find("*K"), -1),
+              nullptr);
+}
+
+TEST(UIConstraints, AnswersFalseForWhatItNeverSaw) {
+    UIConstraints store;
+    EXPECT_FALSE(store.IsKVConstrained("*K", "A"));
+    store.KVSInsert("*K", "A");
+    store.Add("*K", "A", "*L", "X", false);
+    store.UpdateKVCache("*L", "X");
+    EXPECT_TRUE(store.IsKVConstrained("*K", "A"));
+    EXPECT_FALSE(store.IsKVConstrained("*Q", "A"));
+    EXPECT_TRUE(store.IsKVConstrained("*K", "unknown")); // any option of *K
+    store.UpdateKVCache("*L", "Y");
+    EXPECT_FALSE(store.IsKVConstrained("*K", "A"));
+}
+
+// One line between two keys of 5,000 options is a line, not 25 million pairs; it answers all the same.
+TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
+    constexpr int count = 5000;
+    UIConstraints store;
+    for (int i = 0; i < count; ++i) {
+        store.KVSInsert("*K", "k" + std::to_string(i));
+        store.KVSInsert("*L", i == 17 ? "None" : "l" + std::to_string(i));
+    }
+    store.Add("*K", "", "*L", "", false);
+    store.Resolve();
+    for (const auto& [selected, forbidden] :
+         {std::pair("l4999", true), {"None", false}, {"nothing", false}}) {
+        store.UpdateKVCache("*L", selected);
+        for (int i = 0; i < count; ++i)
+            ASSERT_EQ(store.IsKVConstrained("*K", "k" + std::to_string(i)), forbidden) << selected << i;
+    }
+    store.UpdateKVCache("*L", "l42");
+    const CStringSoup& soup = *store.GetConstraintStrings();
+    KVCache change;
+    change.Insert(soup.Find("*K"), soup.Find("k7"));
+    const auto answer = store.GetEngine()->Test(change);
+    EXPECT_THAT(named(store, answer.conflicts.Pairs()), ElementsAre("*L=l42"));
+    EXPECT_THAT(named(store, answer.alternatives.Pairs()), ElementsAre("*L=None"));
+}
+
+TEST(ConstraintsEngine, OffersOtherOptionsFromTheLastBackwards) {
+    UIConstraints store;
+    for (const char* option : {"1", "2", "3", "4"})
+        store.KVSInsert("*X", option);
+    store.Add("*K", "A", "*X", "1", false);
+    store.Add("*K", "A", "*X", "3", false);
+    store.UpdateKVCache("*X", "1");
+    const CStringSoup& soup = *store.GetConstraintStrings();
+    KVCache change;
+    change.Insert(soup.Find("*K"), soup.Find("A"));
+    const auto answer = store.GetEngine()->Test(change);
+    EXPECT_THAT(named(store, answer.conflicts.Pairs()), ElementsAre("*X=1"));
+    EXPECT_THAT(named(store, answer.alternatives.Pairs()), ElementsAre("*X=4", "*X=2"));
+
+    KVCache locked;
+    locked.Insert(soup.Find("*X"), -1);
+    ConstraintsEngine engine(store.GetCurrentSelections(), store.GetConstraintForest(), store.GetKeyForest(),
+                             &locked);
+    KVCache attempt = change;
+    const auto refused = engine.Solve(attempt, true);
+    EXPECT_THAT(named(store, refused.conflicts.Pairs()), ElementsAre("*X=1"));
+    EXPECT_EQ(refused.alternatives.size(), 0U);
+
+    const auto solved = store.GetEngine()->Solve(change, true);
+    EXPECT_EQ(solved.conflicts.size(), 0U);
+    EXPECT_THAT(named(store, change.Pairs()), ElementsAre("*K=A", "*X=4"));
+}
+
+// Two keys that exclude each other whatever is chosen: the search ends at its bounds and says what stays in
+// conflict.
+TEST(ConstraintsEngine, GivesUpWhereNothingHelps) {
+    UIConstraints store;
+    for (int i = 0; i < 30; ++i) {
+        store.KVSInsert("*K", "k" + std::to_string(i));
+        store.KVSInsert("*L", "l" + std::to_string(i));
+        for (int j = 0; j < 29; ++j) { // one option stays free, so that there are alternatives to try
+            const std::string other = std::to_string((i + j) % 30);
+            store.Add("*K", "k" + std::to_string(i), "*L", "l" + other, false);
+            store.Add("*L", "l" + std::to_string(i), "*K", "k" + other, false);
+        }
+    }
+    store.UpdateKVCache("*L", "l0");
+    store.Add("*L", "l29", "*M", "m", false);
+    store.UpdateKVCache("*M", "m");
+    const CStringSoup& soup = *store.GetConstraintStrings();
+    KVCache change;
+    change.Insert(soup.Find("*K"), soup.Find("k0"));
+    const auto answer = store.GetEngine()->Solve(change, true);
+    EXPECT_GT(answer.conflicts.size(), 0U);
+    EXPECT_EQ(answer.alternatives.size(), 0U);
+    EXPECT_EQ(change.GetItem(soup.Find("*K")), soup.Find("k0"));
+}
+
+// A description may repeat one line and one option without end; the answer is cut before memory is.
+TEST(ConstraintsEngine, CutsAnswersThatWouldExplode) {
+    UIConstraints store;
+    for (int i = 0; i < 3000; ++i) {
+        store.KVSInsert("*K", "A");
+        store.KVSInsert("*L", "X");
+    }
+    store.KVSInsert("*L", "None");
+    store.Add("*K", "", "*L", "", false);
+    store.Resolve();
+    store.UpdateKVCache("*L", "X");
+    const CStringSoup& soup = *store.GetConstraintStrings();
+    KVCache change;
+    change.Insert(soup.Find("*K"), soup.Find("A"));
+    const auto answer = store.GetEngine()->Test(change);
+    EXPECT_EQ(answer.conflicts.size(), ConstraintsEngine::mostAnswers);
+    EXPECT_EQ(answer.alternatives.size(), ConstraintsEngine::mostAnswers);
+    EXPECT_TRUE(store.IsKVConstrained("*K", "A"));
+}
+
+} // namespace
+} // namespace torka
