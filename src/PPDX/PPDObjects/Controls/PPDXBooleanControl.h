@@ -37,6 +37,7 @@ public:
 
 private:
     void ReportValue() const override;
+    const char* ValueKeyword() const;
 
     std::int32_t value;
     std::int32_t defaultValue;

@@ -39,6 +39,11 @@ struct ControlDefinition {
     long psLength = 0;                     // bytes; none when not positive
 };
 
+// Empty for null or a length that is not positive.
+std::string_view bytesView(const unsigned char* bytes, long length);
+// The bytes of a text; no terminator counts.
+const unsigned char* bytesOf(const std::string& text);
+
 // One option that the user can set. Subclasses hold the value and say how it becomes text and PostScript.
 //
 // PostScript(out): with null the number of bytes that would be written, with a buffer of that size the bytes.
@@ -109,6 +114,8 @@ protected:
     const unsigned char* KeepBytes(std::string_view bytes);
 
 private:
+    void SetFlags(std::span<const std::string_view> words);
+
     CNTL_TYPE type;
     PointerList flags; // of const char*, into `flagTexts`
     ConstPointerListItr flagCursor;

@@ -6,6 +6,7 @@
 namespace torka {
 
 class JobNoteConverter;
+class StoredRecord;
 
 // A free-text field of the job. The text is kept as bytes in the encoding that
 // CString::operator=(CFStringRef) chooses, or in UTF-8 when it came through SetUTF8Notes. Lengths count
@@ -22,6 +23,7 @@ public:
     PPDXJobNote(Settings& settings, int index, const CString* prefix);
     ~PPDXJobNote() override;
 
+    // Without the text of a note marked for masking or enciphering: it is not to lie about in plain.
     void Save(Settings& settings, const int& index) const override;
     // The current text becomes a copy of the default text.
     void ResetToDefaultValue() override;
@@ -80,7 +82,7 @@ public:
 
 private:
     bool Has(JobNoteFlag flag) const { return (noteFlags & flag) != 0; }
-    CFStringRef Decode(const CString& text, bool isUTF8) const;
+    void RestoreValue(const StoredRecord& record);
 
     std::int64_t maxLength;
     std::int64_t minLength;

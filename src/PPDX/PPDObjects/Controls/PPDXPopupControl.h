@@ -4,6 +4,8 @@
 
 namespace torka {
 
+class StoredRecord;
+
 // One choice of a popup. Owns its texts; the PostScript bytes belong to the parser.
 struct _PopupItem {
     _PopupItem(const char* optionKeyword, CFStringRef name, const unsigned char* ps, long length);
@@ -70,6 +72,10 @@ private:
     _PopupItem* ItemAt(int index) const;
     void TakeItems(PopupItems newItems, const char* newDefault);
     void DeleteItems();
+    void RestoreSelection(const StoredRecord& record);
+    // In UTF-8. Selects it alone, or beside what is selected.
+    void SetCurrentControlWithText(const std::string& text, bool keepOthers);
+    long ItemPostScript(const _PopupItem* item, unsigned char* out) const;
 
     std::int32_t multiSelect;
     bool installable;
