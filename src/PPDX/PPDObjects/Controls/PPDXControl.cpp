@@ -279,27 +279,26 @@ long PPDXControl::GeneratePSOutputData(unsigned char* out, const unsigned char* 
         }
         return static_cast<long>(body.size());
     }
-    const std::string_view keyword(Keyword() ? Keyword() : "", KeywordLength());
+    const std::string_view name(Keyword() ? Keyword() : "", KeywordLength());
     if (out) {
-        out = put(put(out, begin), keyword);
+        out = put(put(out, begin), name);
         *out++ = ' ';
         out = put(out, option);
         *out++ = '\n';
         put(put(out, body), end);
     }
-    return static_cast<long>(begin.size() + keyword.size() + 1 + option.size() + 1 + body.size() +
-                             end.size());
+    return static_cast<long>(begin.size() + name.size() + 1 + option.size() + 1 + body.size() + end.size());
 }
 
-void PPDXControl::UpdateKVCache(const char* keyword, const char* value) const {
-    if (constraints && keyword && value) {
-        constraints->UpdateKVCache(keyword, value);
+void PPDXControl::UpdateKVCache(const char* key, const char* value) const {
+    if (constraints && key && value) {
+        constraints->UpdateKVCache(key, value);
     }
 }
 
-void PPDXControl::UpdateKVCache(std::int64_t keyword, std::int64_t value) const {
+void PPDXControl::UpdateKVCache(std::int64_t key, std::int64_t value) const {
     if (constraints) {
-        constraints->UpdateKVCache(keyword, value);
+        constraints->UpdateKVCache(key, value);
     }
 }
 

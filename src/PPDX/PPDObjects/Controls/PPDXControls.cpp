@@ -86,9 +86,9 @@ bool PPDXControls::AddTo(Kind<T>& kind, PPDXControl* control) {
     }
     kind.list.Add(own);
     ++kind.counts.total;
-    kind.counts.orphans += own->IsOrphan() ? 1 : 0;
-    kind.counts.hidden += own->IsVisible() ? 0 : 1;
-    kind.counts.hiddenOrphans += own->IsOrphan() && !own->IsVisible() ? 1 : 0;
+    kind.counts.orphans += std::size_t{own->IsOrphan()};
+    kind.counts.hidden += std::size_t{!own->IsVisible()};
+    kind.counts.hiddenOrphans += std::size_t{own->IsOrphan() && !own->IsVisible()};
     return true;
 }
 

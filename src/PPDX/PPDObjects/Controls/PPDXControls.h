@@ -32,9 +32,9 @@ public:
     enum class Ownership { owns, refers };
 
     explicit PPDXControls(Ownership ownership = Ownership::owns);
-    // The controls that Save() stored, owned, told to the constraint store (which may be null). Parents are
-    // not kept.
-    PPDXControls(Settings& settings, UIConstraints* constraints);
+    // The controls that Save() stored, owned, told to the constraint store, each in its roll-down out of
+    // `groups` again (both may be null).
+    PPDXControls(Settings& settings, UIConstraints* constraints, const PPDXGroups* groups);
     PPDXControls(const PPDXControls&) = delete;
     PPDXControls& operator=(const PPDXControls&) = delete;
     ~PPDXControls();

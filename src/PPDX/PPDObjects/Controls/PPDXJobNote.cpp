@@ -53,18 +53,18 @@ std::string_view viewOf(const CString& text) {
 
 } // namespace
 
-PPDXJobNote::PPDXJobNote(const char* keyword, CFStringRef translation, UIConstraints* constraints,
-                         const unsigned char* psData, long psLength, const CString* defaultText,
-                         std::int64_t longest, std::uint32_t flags, std::int64_t shortest)
-    : PPDXJobNote(noteDefinition(keyword, std::move(translation), constraints, psData, psLength), defaultText,
-                  longest, flags, shortest) {}
+PPDXJobNote::PPDXJobNote(const char* noteKeyword, CFStringRef translation, UIConstraints* store,
+                         const unsigned char* ps, long length, const CString* defaultText,
+                         std::int64_t longest, std::uint32_t flagBits, std::int64_t shortest)
+    : PPDXJobNote(noteDefinition(noteKeyword, std::move(translation), store, ps, length), defaultText,
+                  longest, flagBits, shortest) {}
 
 PPDXJobNote::PPDXJobNote(const ControlDefinition& definition, const CString* defaultText,
-                         std::int64_t longest, std::uint32_t flags, std::int64_t shortest)
+                         std::int64_t longest, std::uint32_t flagBits, std::int64_t shortest)
     : PPDXControl(CNTL_TYPE::jobNote, definition)
     , maxLength(longest)
     , minLength(shortest)
-    , noteFlags(flags)
+    , noteFlags(flagBits)
     , converter(useConverter()) {
     SetDefaultNotes(defaultText ? defaultText->Buffer() : nullptr);
     ResetToDefaultValue();

@@ -144,8 +144,8 @@ void PPDXPopupControl::Restore(Settings& settings, int index) {
     std::vector<std::string> keywords;
     for (std::size_t from = 0; from < numbers->size();) {
         const std::size_t end = std::min(numbers->find(' ', from), numbers->size());
-        if (auto keyword = record.Text("item" + numbers->substr(from, end - from) + ".keyword")) {
-            keywords.push_back(std::move(*keyword));
+        if (auto option = record.Text("item" + numbers->substr(from, end - from) + ".keyword")) {
+            keywords.push_back(std::move(*option));
         }
         from = end + 1;
     }
@@ -154,8 +154,8 @@ void PPDXPopupControl::Restore(Settings& settings, int index) {
             static_cast<_PopupItem*>(item)->selected = 0;
         }
     }
-    for (const std::string& keyword : keywords) {
-        SetCurrentControlWithText(keyword, multiSelect != 0);
+    for (const std::string& option : keywords) {
+        SetCurrentControlWithText(option, multiSelect != 0);
     }
     if (const auto last =
             record.Text(itemField(static_cast<std::size_t>(record.Index("current")), "keyword"))) {
@@ -278,8 +278,8 @@ const char* PPDXPopupControl::GetDefaultKeyword() const {
     return defaultKeyword ? defaultKeyword->Buffer() : nullptr;
 }
 
-long PPDXPopupControl::GetKeywordPSData(const char* keyword, unsigned char* out) {
-    return ItemPostScript(FindItem(keyword), out);
+long PPDXPopupControl::GetKeywordPSData(const char* option, unsigned char* out) {
+    return ItemPostScript(FindItem(option), out);
 }
 
 long PPDXPopupControl::ItemPostScript(const _PopupItem* item, unsigned char* out) const {
@@ -290,13 +290,13 @@ long PPDXPopupControl::ItemPostScript(const _PopupItem* item, unsigned char* out
     return GeneratePSOutputData(out, item->psData, std::max(item->psLength, 0L), option, true);
 }
 
-const char* PPDXPopupControl::GetKeywordLocalName(const char* keyword) const {
-    _PopupItem* item = FindItem(keyword);
+const char* PPDXPopupControl::GetKeywordLocalName(const char* option) const {
+    _PopupItem* item = FindItem(option);
     return item ? item->displayName() : nullptr;
 }
 
-CFStringRef PPDXPopupControl::GetKeywordCFLocalName(const char* keyword) const {
-    const _PopupItem* item = FindItem(keyword);
+CFStringRef PPDXPopupControl::GetKeywordCFLocalName(const char* option) const {
+    const _PopupItem* item = FindItem(option);
     return item ? item->localName : nullptr;
 }
 
@@ -312,19 +312,19 @@ void PPDXPopupControl::AppendPopupItem(std::unique_ptr<_PopupItem> item) {
     }
 }
 
-bool PPDXPopupControl::IsKeywordSelected(const char* keyword) const {
-    const _PopupItem* item = FindItem(keyword);
+bool PPDXPopupControl::IsKeywordSelected(const char* option) const {
+    const _PopupItem* item = FindItem(option);
     return item && item->selected != 0;
 }
 
-bool PPDXPopupControl::SetKeywordSelect(const char* keyword, bool select) {
-    if (!keyword || items.Empty()) {
+bool PPDXPopupControl::SetKeywordSelect(const char* option, bool select) {
+    if (!option || items.Empty()) {
         return false;
     }
     bool found = false;
     for (auto place = items.Begin(); place != items.End(); ++place) {
         auto* item = static_cast<_PopupItem*>(*place);
-        if (equals(item->keyword, keyword)) {
+        if (equals(item->keyword, option)) {
             found = true;
             item->selected = select ? 1 : 0;
             current = place;
@@ -336,12 +336,12 @@ bool PPDXPopupControl::SetKeywordSelect(const char* keyword, bool select) {
             item->selected = 0;
         }
     }
-    UpdateKVCache(Keyword(), keyword);
+    UpdateKVCache(Keyword(), option);
     return found;
 }
 
-bool PPDXPopupControl::Rebuild(const char* keyword, PopupItems newItems, const char* newDefault) {
-    if (!(*this == keyword) || newItems.empty()) {
+bool PPDXPopupControl::Rebuild(const char* option, PopupItems newItems, const char* newDefault) {
+    if (!(*this == option) || newItems.empty()) {
         return false;
     }
     TakeItems(std::move(newItems), newDefault);
@@ -355,13 +355,13 @@ void PPDXPopupControl::ReportValue() const {
     }
 }
 
-_PopupItem* PPDXPopupControl::FindItem(const char* keyword) const {
-    if (!keyword) {
+_PopupItem* PPDXPopupControl::FindItem(const char* option) const {
+    if (!option) {
         return nullptr;
     }
     for (void* element : items) {
         auto* item = static_cast<_PopupItem*>(element);
-        if (equals(item->keyword, keyword)) {
+        if (equals(item->keyword, option)) {
             return item;
         }
     }

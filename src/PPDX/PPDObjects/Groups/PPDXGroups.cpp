@@ -32,8 +32,8 @@ std::unique_ptr<PPDXGroup> makeStored(Settings& settings, int index) {
 
 } // namespace
 
-PPDXGroup::PPDXGroup(const char* keyword, CFStringRef localName, bool visible)
-    : PPDXElement(keyword, std::move(localName), visible) {}
+PPDXGroup::PPDXGroup(const char* groupKeyword, CFStringRef name, bool isVisible)
+    : PPDXElement(groupKeyword, std::move(name), isVisible) {}
 
 PPDXGroup::PPDXGroup(Settings& settings, int index, const CString* prefix)
     : PPDXElement(settings, index, prefix) {}

@@ -48,11 +48,11 @@ bool isFatalPPDErr(std::int16_t code) {
     return code == PPDErr_OutOfMemory || code == PPDErr_FileError || code == PPDErr_NotPPDFile;
 }
 
-PPDXErrorObj::PPDXErrorObj(std::int16_t code, const char* concerned, long line)
-    : PPDXErrorObj(code, isFatalPPDErr(code), concerned, line) {}
+PPDXErrorObj::PPDXErrorObj(std::int16_t errorCode, const char* concerned, long line)
+    : PPDXErrorObj(errorCode, isFatalPPDErr(errorCode), concerned, line) {}
 
-PPDXErrorObj::PPDXErrorObj(std::int16_t code, bool fatal, const char* concerned, long line)
-    : CError(code, nullptr, fatal)
+PPDXErrorObj::PPDXErrorObj(std::int16_t errorCode, bool isFatal, const char* concerned, long line)
+    : CError(errorCode, nullptr, isFatal)
     , keyword(concerned ? concerned : "")
     , lineNumber(line) {}
 

@@ -16,9 +16,9 @@ bool isAny(const PPDXProperty*) { return true; }
 
 } // namespace
 
-PPDXProperty::PPDXProperty(const char* keyword, CFStringRef localName, bool visible, bool inApp,
+PPDXProperty::PPDXProperty(const char* pageKeyword, CFStringRef name, bool isVisible, bool inApp,
                            bool inPrintProp)
-    : PPDXElement(keyword, std::move(localName), visible)
+    : PPDXElement(pageKeyword, std::move(name), isVisible)
     , showInApp(inApp)
     , showInPrintProp(inPrintProp) {}
 
