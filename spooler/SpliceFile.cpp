@@ -1,0 +1,149 @@
+#include "spooler/SpliceFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <optional>
+#include <random>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t readSize = std::size_t{128} * 1024; // bytes, at once
+
+class Descriptor {
+public:
+    explicit Descriptor(int opened)
+        : number(opened) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { Close(); }
+    int Number() const { return number; }
+    // 0 or errno.
+    int Close() {
+        const int result = number >= 0 ? ::close(number) : 0;
+        number = -1;
+        return result == 0 ? 0 : errno;
+    }
+
+private:
+    int number;
+};
+
+SpliceOutcome failure(SpliceStatus status, const std::string& path, const char* what, int error) {
+    return {status, path + ": " + what + ": " + std::generic_category().message(error), {}};
+}
+
+// At least a byte; 0 at the end; nothing after an error, which errno tells.
+std::optional<std::size_t> readSome(int descriptor, std::vector<char>& buffer) {
+    for (;;) {
+        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
+        if (count >= 0) {
+            return static_cast<std::size_t>(count);
+        }
+        if (errno == EAGAIN) {
+            pollfd ready{descriptor, POLLIN, 0};
+            ::poll(&ready, 1, -1);
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
+    }
+}
+
+// A new file beside `path`, and its name.
+std::optional<std::pair<int, std::string>> createNeighbour(const std::string& path) {
+    std::random_device random;
+    for (int attempt = 0; attempt < 16; ++attempt) {
+        std::string name = path + "." + std::to_string(random()) + ".part";
+        const int descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor >= 0) {
+            return std::pair(descriptor, std::move(name));
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+bool isDeviceOrPipe(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+}
+
+} // namespace
+
+SpliceOutcome spliceDescriptor(int source, const Ticket& ticket, int target, const SpliceProgress& progress) {
+    DescriptorSink sink(target);
+    Splicer splicer(ticket, sink);
+    std::vector<char> buffer(readSize);
+    std::uint64_t bytesRead = 0;
+    SpliceStatus status = SpliceStatus::ok;
+    while (status == SpliceStatus::ok) {
+        const std::optional<std::size_t> count = readSome(source, buffer);
+        if (!count) {
+            const int error = errno;
+            return {SpliceStatus::readFailed,
+                    "the document cannot be read: " + std::generic_category().message(error),
+                    splicer.Report()};
+        }
+        if (*count == 0) {
+            status = splicer.Finish();
+            break;
+        }
+        bytesRead += *count;
+        status = splicer.Write({buffer.data(), *count});
+        if (status == SpliceStatus::ok && progress && !progress(bytesRead)) {
+            return {SpliceStatus::stopped, "stopped before the document's end", splicer.Report()};
+        }
+    }
+    return {status, splicer.ErrorText(), splicer.Report()};
+}
+
+SpliceOutcome spliceFile(const std::string& inputPath, const Ticket& ticket, const std::string& outputPath,
+                         const SpliceProgress& progress) {
+    Descriptor input(::open(inputPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (input.Number() < 0) {
+        return failure(SpliceStatus::readFailed, inputPath, "cannot be opened", errno);
+    }
+    if (isDeviceOrPipe(outputPath)) {
+        Descriptor target(::open(outputPath.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+        if (target.Number() < 0) {
+            return failure(SpliceStatus::writeFailed, outputPath, "cannot be opened", errno);
+        }
+        return spliceDescriptor(input.Number(), ticket, target.Number(), progress);
+    }
+    const auto created = createNeighbour(outputPath);
+    if (!created) {
+        return failure(SpliceStatus::writeFailed, outputPath, "no file can be made beside it", errno);
+    }
+    Descriptor target(created->first);
+    const std::string& neighbour = created->second;
+    SpliceOutcome outcome = spliceDescriptor(input.Number(), ticket, target.Number(), progress);
+    if (outcome.status == SpliceStatus::ok) {
+        // Space may turn out to be missing only when the file is closed.
+        if (const int error = target.Close(); error != 0) {
+            outcome.status = SpliceStatus::writeFailed;
+            outcome.errorText = "the document cannot be written: " + std::generic_category().message(error);
+        } else if (std::rename(neighbour.c_str(), outputPath.c_str()) != 0) {
+            outcome.status = SpliceStatus::writeFailed;
+            outcome.errorText =
+                "the document cannot take its name: " + std::generic_category().message(errno);
+        }
+    }
+    if (outcome.status != SpliceStatus::ok) {
+        ::unlink(neighbour.c_str());
+        const bool isOutput = outcome.status == SpliceStatus::writeFailed;
+        outcome.errorText = (isOutput ? outputPath : inputPath) + ": " + outcome.errorText;
+    }
+    return outcome;
+}
+
+} // namespace torka

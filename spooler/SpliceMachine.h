@@ -1,0 +1,141 @@
+#pragma once
+
+#include "spooler/DscComment.h"
+#include "spooler/SpliceOutput.h"
+#include "spooler/Splicer.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace torka {
+
+// The state of one document's way through a Splicer: which section it is in, what is nested, what waits.
+//
+// Invariants:
+// (1) What a step decides depends on the document's bytes only, never on where a piece of it ends: a step
+// that would
+//     have to see more uses nothing, and then at most lineLimit and a few bytes are before it.
+// (2) Everything used is passed on, held, marked or counted as removed at once.
+class SpliceMachine {
+public:
+    SpliceMachine(const Ticket& ticket, ByteSink& sink);
+
+    void CountRead(std::size_t count) { report.bytesRead += count; }
+    // Works on the next bytes of the document and answers how many it used; the rest is to come again with
+    // more behind it. `isLast`: nothing more follows, all is used.
+    std::size_t Consume(std::string_view bytes, bool isLast);
+    // REQUIRES: all bytes were consumed.
+    void Finish();
+
+    SpliceStatus Status() const { return status; }
+    const SpliceReport& Report() const { return report; }
+    const std::string& ErrorText() const { return errorText; }
+
+private:
+    using Removed = decltype(SpliceReport::removed);
+    enum class Section { prefix, header, prolog, afterProlog, setup, afterSetup, page, pageSetup, trailer };
+
+    // A line, or as much of it as may be looked at.
+    struct Line {
+        std::string_view text;    // without its end
+        std::string_view lineEnd; // "" when cut and at the end of the document
+        bool isCut = false;       // longer than the limit: `text` is its beginning
+        std::size_t Size() const { return text.size() + lineEnd.size(); }
+    };
+    static std::optional<Line> ReadLine(std::string_view bytes, std::size_t limit, bool isLast);
+    std::string_view FindWrapperOpening(std::string_view bytes, std::size_t lineBegin) const;
+
+    // Each uses some bytes or changes what the next step does; nothing when more must be seen first.
+    std::optional<std::size_t> Step(std::string_view bytes, bool isLast);
+    std::optional<std::size_t> StepPrefix(std::string_view bytes, bool isLast);
+    std::optional<std::size_t> StepHeader(std::string_view bytes, bool isLast);
+    std::optional<std::size_t> StepRestOfLine(std::string_view bytes, bool isLast);
+    std::optional<std::size_t> StepScan(std::string_view bytes, bool isLast);
+    std::optional<std::size_t> StepFeatureEnd(std::string_view bytes, bool isLast);
+    std::size_t StepDataBytes(std::string_view bytes);
+    std::optional<std::size_t> StepDataLines(std::string_view bytes, bool isLast);
+    void PassWholeLine(const Line& line);
+
+    // Where a comment stands decides what it means: in a block that may be removed, in something nested, or
+    // at the top.
+    void HandleComment(const DscComment& comment, std::string_view opening, const Line& line);
+    bool HandleHeld(const DscComment& comment, std::string_view line);
+    void HandleFeature(const DscComment& comment, std::string_view opening, std::string_view line);
+    void HandleNesting(const DscComment& comment, const Line& line);
+    void HandleStructure(DscKind kind, std::string_view line);
+    void BeginData(const DscComment& comment, std::string_view commentEnd);
+
+    void Pass(std::string_view bytes);
+    void KeepHeld(std::string_view reason);
+    void DropHeld(std::size_t kept);
+    bool IsNested() const { return documentDepth + resourceDepth > 0 || isDataOpen; }
+    bool MayRemove() const;
+    Removed::iterator FindSuppressed(std::string_view arguments);
+
+    void SortEntry(std::size_t index, const TicketEntry& entry);
+    bool WantsSetup() const { return !isSetupPlaced; }
+    struct SortedEntry {
+        std::size_t index = 0; // in the ticket
+        TicketEntry entry;
+    };
+    std::string HeaderLines(const SortedEntry& sorted);
+    std::string TextOf(PostScriptInjectionSite site, SplicePlace place);
+    std::string SetupText(SplicePlace place);
+    std::string ClosingText(SplicePlace place);
+    std::string CreatedSetup();
+    void PlaceHeader();
+    void OpenMark();
+    void MoveMark();
+    void PlaceAtMark();
+    void PlaceClosing();
+    void EndProlog(std::string_view line);
+    void BeginSetup(std::string_view line);
+    void LeaveSetup();
+    void CreateSetup();
+    void ReportSetupUnplaced();
+    void ChooseRaw();
+    void Warn(std::string text);
+    void Fail(SpliceStatus failure, std::string text);
+    void FailWriting();
+
+    std::vector<SortedEntry> placeable; // in ticket order
+    bool hasSetupEntries = false;
+
+    SpliceOutput output;
+    SpliceReport report;
+    SpliceStatus status = SpliceStatus::ok;
+    std::string errorText;
+
+    Section section = Section::prefix;
+    bool isRaw = false;          // nothing is left to do but to pass bytes on
+    bool isLineStart = true;     // of the next byte
+    bool isInRestOfLine = false; // of a line of the prefix or the header that was cut at the limit
+    bool isLineEndKnown = false;
+    std::string lineEnd = "\n"; // of the document's first line; for lines of our own
+    bool isJobLanguage = false; // the prefix has begun with another language's lines
+    std::size_t prefixBytes = 0;
+
+    std::uint64_t documentDepth = 0;
+    std::uint64_t resourceDepth = 0; // outside embedded documents
+    std::uint64_t dataBytes = 0;     // still to pass unread
+    std::uint64_t dataLines = 0;
+    bool isDataOpen = false; // a data section without a count: ends with its closing comment
+
+    bool isHeaderImplicit = false; // it had no %%EndComments
+    bool isMarkAtHeader = false;
+    bool isMarkFixed = false; // code stands behind the mark: it does not move behind a resource any more
+    bool isPrologDeclared = false;
+    bool isSetupPlaced = false;
+    bool isClosingPlaced = false;
+
+    std::string held;              // a feature block that goes when it turns out to be complete
+    std::size_t heldOpening = 0;   // bytes of its wrapper's first line
+    Removed::iterator heldKeyword; // in report.removed
+    bool isHolding = false;
+    bool isHeldComplete = false; // only the wrapper's last line is awaited
+};
+
+} // namespace torka

@@ -1,0 +1,268 @@
+// The half of SpliceMachine that decides where entries go.
+
+#include "spooler/SpliceMachine.h"
+
+#include <array>
+
+namespace torka {
+
+namespace {
+
+// In this order; within each site in the order of the ticket.
+constexpr std::array headerSites{siteLayoutComment, siteDriverComment, siteJobNote};
+constexpr std::array setupSites{sitePageSize, siteDocumentSetup};
+
+bool isKeyword(std::string_view text) {
+    return text.size() > 1 && text.size() < Splicer::lineLimit && text[0] == '*' &&
+           text.find_first_of(std::string_view(" \t\r\n\0:", 6)) == std::string_view::npos;
+}
+
+std::string quantity(std::size_t count, const char* noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+} // namespace
+
+std::string_view placeText(SplicePlace place) {
+    switch (place) {
+    case SplicePlace::headerComments:
+        return "in the header comments";
+    case SplicePlace::documentSetup:
+        return "in the document setup";
+    case SplicePlace::createdSetup:
+        return "in a document setup made for it";
+    case SplicePlace::afterHeader:
+        return "behind the header comments";
+    case SplicePlace::nowhere:
+        break;
+    }
+    return "nowhere";
+}
+
+void SpliceMachine::SortEntry(std::size_t index, const TicketEntry& entry) {
+    switch (entry.site) {
+    case siteSuppressedKeyword:
+        if (isKeyword(entry.bytes)) {
+            report.removed.emplace(entry.bytes, 0);
+        } else {
+            report.unplaced.push_back({index, entry.site, "it is not a main keyword"});
+        }
+        break;
+    case siteFileDestination:
+        report.mailboxPaths.push_back(entry.bytes);
+        break;
+    case siteLayoutComment:
+    case siteDriverComment:
+    case siteJobNote:
+        placeable.push_back({index, entry});
+        break;
+    case sitePageSize:
+    case siteDocumentSetup:
+    case siteSetupEnd:
+        placeable.push_back({index, entry});
+        hasSetupEntries = true;
+        break;
+    default:
+        report.unplaced.push_back({index, entry.site, "its site is not known"});
+    }
+}
+
+// The entry as lines that a header may hold. A line that would end the header, or run as code, is written as
+// the continuation of the comment before it.
+std::string SpliceMachine::HeaderLines(const SortedEntry& sorted) {
+    std::string lines;
+    std::size_t continued = 0;
+    std::string_view rest = sorted.entry.bytes;
+    while (!rest.empty()) {
+        const Line line = *ReadLine(rest, rest.size(), true);
+        if (!line.text.starts_with("%%") || !isHeaderComment(line.text)) {
+            lines += "%%+ ";
+            ++continued;
+        }
+        lines.append(line.text);
+        lines.append(line.lineEnd.empty() ? std::string_view(lineEnd) : line.lineEnd);
+        rest.remove_prefix(line.Size());
+    }
+    if (continued > 0) {
+        Warn("entry " + std::to_string(sorted.index) + " (site " + std::to_string(sorted.entry.site) +
+             "): " + quantity(continued, "line") +
+             " not fit for the header comments, written as continuation with \"%%+\"");
+    }
+    return lines;
+}
+
+// The entries of a site, recorded as placed.
+std::string SpliceMachine::TextOf(PostScriptInjectionSite site, SplicePlace place) {
+    std::string text;
+    std::size_t count = 0;
+    for (const SortedEntry& sorted : placeable) {
+        if (sorted.entry.site != site) {
+            continue;
+        }
+        ++count;
+        if (place == SplicePlace::headerComments) {
+            text += HeaderLines(sorted);
+            continue;
+        }
+        text += sorted.entry.bytes;
+        if (!sorted.entry.bytes.empty() && !isLineEnd(text.back())) {
+            text += lineEnd;
+        }
+    }
+    if (count > 0) {
+        report.placed[site] = {count, text.size(), place};
+    }
+    return text;
+}
+
+void SpliceMachine::PlaceHeader() {
+    std::string text;
+    for (const PostScriptInjectionSite site : headerSites) {
+        text += TextOf(site, SplicePlace::headerComments);
+    }
+    output.Insert(text, lineEnd);
+}
+
+std::string SpliceMachine::SetupText(SplicePlace place) {
+    std::string text;
+    for (const PostScriptInjectionSite site : setupSites) {
+        text += TextOf(site, place);
+    }
+    isSetupPlaced = true;
+    return text;
+}
+
+std::string SpliceMachine::ClosingText(SplicePlace place) {
+    isClosingPlaced = true;
+    return TextOf(siteSetupEnd, place);
+}
+
+std::string SpliceMachine::CreatedSetup() {
+    std::string text = "%%BeginSetup" + lineEnd + SetupText(SplicePlace::createdSetup);
+    return text + ClosingText(SplicePlace::createdSetup) + "%%EndSetup" + lineEnd;
+}
+
+void SpliceMachine::OpenMark() {
+    if (WantsSetup()) {
+        output.OpenMark();
+    }
+}
+
+// After a resource of a prolog that is not declared, settings would rather stand behind it.
+void SpliceMachine::MoveMark() {
+    if (section != Section::prolog || isPrologDeclared || isMarkFixed || !WantsSetup()) {
+        return;
+    }
+    output.CloseMark({}, lineEnd);
+    isMarkAtHeader = false;
+    output.OpenMark();
+}
+
+// No setup section was met in time.
+void SpliceMachine::PlaceAtMark() {
+    std::string text;
+    if (section == Section::afterProlog) {
+        text = CreatedSetup();
+    } else {
+        if (isHeaderImplicit && isMarkAtHeader) {
+            text = "%%EndComments" + lineEnd; // or the comments of what follows would read as header comments
+        }
+        text += SetupText(SplicePlace::afterHeader);
+        text += ClosingText(SplicePlace::afterHeader);
+    }
+    output.CloseMark(text, lineEnd);
+    ChooseRaw();
+}
+
+void SpliceMachine::EndProlog(std::string_view line) {
+    Pass(line);
+    output.CloseMark({}, lineEnd);
+    section = Section::afterProlog;
+    isMarkFixed = true;
+    OpenMark();
+    ChooseRaw();
+}
+
+void SpliceMachine::BeginSetup(std::string_view line) {
+    output.CloseMark({}, lineEnd);
+    Pass(line);
+    if (WantsSetup()) {
+        output.Insert(SetupText(SplicePlace::documentSetup), lineEnd);
+    }
+    section = Section::setup;
+    ChooseRaw();
+}
+
+// The pages begin and there was no setup section.
+void SpliceMachine::CreateSetup() {
+    if (section == Section::afterProlog && output.HasMark()) {
+        PlaceAtMark();
+        return;
+    }
+    output.CloseMark({}, lineEnd);
+    output.Insert(CreatedSetup(), lineEnd);
+}
+
+void SpliceMachine::PlaceClosing() {
+    if (!isClosingPlaced) {
+        output.Insert(ClosingText(SplicePlace::documentSetup), lineEnd);
+    }
+}
+
+void SpliceMachine::LeaveSetup() {
+    if (section == Section::setup) {
+        Warn("the document's setup section is not closed");
+        PlaceClosing();
+    }
+}
+
+void SpliceMachine::ChooseRaw() {
+    isRaw = report.removed.empty() && !WantsSetup() && isClosingPlaced && section != Section::prefix &&
+            section != Section::header && !output.HasMark();
+}
+
+void SpliceMachine::Finish() {
+    if (section == Section::prefix && !isRaw) {
+        Fail(SpliceStatus::notPostScript, report.bytesRead == 0
+                                              ? "the document is empty"
+                                              : "the document holds no line that begins with \"%!\"");
+        return;
+    }
+    if (section == Section::header) {
+        PlaceHeader();
+        isHeaderImplicit = isMarkAtHeader = true;
+        section = Section::prolog;
+        OpenMark();
+    }
+    if (isHolding) {
+        KeepHeld("the document ends in it");
+    }
+    LeaveSetup();
+    if (output.HasMark()) {
+        PlaceAtMark();
+    }
+    output.Flush();
+    report.bytesInserted = output.Inserted();
+    report.bytesWritten = output.Written();
+    if (output.Error() != 0) {
+        FailWriting();
+    } else if (WantsSetup()) {
+        ReportSetupUnplaced();
+    }
+}
+
+void SpliceMachine::ReportSetupUnplaced() {
+    const std::size_t before = report.unplaced.size();
+    for (const SortedEntry& sorted : placeable) {
+        if (sorted.entry.site == sitePageSize || sorted.entry.site == siteDocumentSetup ||
+            sorted.entry.site == siteSetupEnd) {
+            report.unplaced.push_back(
+                {sorted.index, sorted.entry.site, "the document has no place for a setup"});
+        }
+    }
+    Fail(SpliceStatus::entriesLeft,
+         "the document ends in an open section before its setup: " +
+             quantity(report.unplaced.size() - before, "ticket entry").append(" not placed"));
+}
+
+} // namespace torka

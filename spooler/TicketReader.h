@@ -1,0 +1,70 @@
+#pragma once
+
+#include "output/InjectionSite.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+// Reads the job ticket file: an XML property list whose root array alternates a 32-bit site number and the
+// bytes that go there. docs/ticket.md describes it.
+
+namespace torka {
+
+// A larger file is refused unread.
+inline constexpr std::size_t maximumTicketBytes = std::size_t{64} * 1024 * 1024;
+// A list of more entries is refused before it is parsed, which bounds the memory that a hostile file can
+// take.
+inline constexpr std::size_t maximumTicketEntries = 100'000;
+
+struct TicketEntry {
+    PostScriptInjectionSite site = 0;
+    std::string bytes; // any bytes, NUL included
+};
+
+struct TicketWarning {
+    std::size_t entry = 0; // counted from 0
+    std::string text;
+};
+
+// Owns the bytes of its entries. Entries whose site this system does not know are not among `entries`; each
+// left a warning instead.
+struct Ticket {
+    std::vector<TicketEntry> entries; // in the order of the file
+    std::vector<TicketWarning> warnings;
+};
+
+struct TicketError {
+    enum class Code {
+        none,
+        cannotRead, // the operating system refused; the text ends with its reason
+        notARegularFile,
+        tooLarge, // beyond maximumTicketBytes or maximumTicketEntries
+        notAPropertyList,
+        notAnArray,
+        missingData, // an odd number of elements: the last site has no bytes
+        badSite,     // not an integer, or beyond 32 bits
+        badData,     // not a data element
+    };
+    Code code = Code::none;
+    std::optional<std::size_t> entry; // the entry at fault, counted from 0
+    std::string text;                 // one line: what is wrong and where
+
+    explicit operator bool() const { return code != Code::none; }
+};
+
+struct TicketResult {
+    Ticket ticket; // empty when there is an error
+    TicketError error;
+};
+
+TicketResult readTicket(std::span<const std::uint8_t> propertyList);
+TicketResult readTicketFile(const std::string& path);
+// For a filter that has checked the opened file itself. Reads from the descriptor's position to the end of
+// the file and leaves it open; `name` stands in error texts.
+TicketResult readTicketFile(int descriptor, const std::string& name);
+
+} // namespace torka
