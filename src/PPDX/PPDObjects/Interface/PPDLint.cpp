@@ -1,0 +1,164 @@
+#include "PPDX/PPDObjects/Interface/PPDLint.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+namespace torka {
+
+namespace {
+
+constexpr std::string_view endOfDescription = "*% End of PPD file";
+
+} // namespace
+
+const char* ppdLintName(PPDLintKind kind) {
+    switch (kind) {
+    case PPDLintKind::unknownJobNoteFlag:
+        return "unknownJobNoteFlag";
+    case PPDLintKind::unknownConstraintKeyword:
+        return "unknownConstraintKeyword";
+    case PPDLintKind::unknownConstraintOption:
+        return "unknownConstraintOption";
+    case PPDLintKind::unplacedGroup:
+        return "unplacedGroup";
+    case PPDLintKind::cutLine:
+        return "cutLine";
+    case PPDLintKind::untranslatableText:
+        return "untranslatableText";
+    case PPDLintKind::unknownDefault:
+        return "unknownDefault";
+    case PPDLintKind::unknownGroup:
+        return "unknownGroup";
+    case PPDLintKind::emptyBlock:
+        return "emptyBlock";
+    case PPDLintKind::unclosedBlock:
+        return "unclosedBlock";
+    case PPDLintKind::badCustomSize:
+        return "badCustomSize";
+    case PPDLintKind::badNumber:
+        return "badNumber";
+    }
+    return "";
+}
+
+void PPDLint::Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text) {
+    if (notes.size() < maximumNotes) {
+        notes.push_back({kind, line, std::string(keyword), std::string(text)});
+    }
+}
+
+void PPDLint::ConstraintLine(long line, std::string_view key1, std::string_view option1, std::string_view key2,
+                             std::string_view option2) {
+    Constraint constraint{line, {}};
+    for (const std::string_view part : {key1, option1, key2, option2}) {
+        constraint.text.append(part).push_back('\0');
+    }
+    constraints.push_back(std::move(constraint));
+}
+
+void PPDLint::CheckText(long line, std::string_view keyword, std::string_view text, CFStringEncoding encoding) {
+    std::string bytes(text.size(), '\0');
+    bytes.resize(TextConverter::DehexBufferFill(text, bytes.data()));
+    const CFStringEncoding readAs = isKnownEncoding(encoding) ? encoding : kCFStringEncodingUTF8;
+    if (!decodeText(bytes, readAs)) {
+        Note(PPDLintKind::untranslatableText, line, keyword, text);
+    }
+}
+
+void PPDLint::Finish(ZANPPD& description) {
+    for (const Constraint& constraint : constraints) {
+        CheckConstraint(description, constraint);
+    }
+    CheckGroups();
+    CheckLineLengths(description);
+    std::stable_sort(notes.begin(), notes.end(),
+                     [](const PPDLintNote& a, const PPDLintNote& b) { return a.line < b.line; });
+}
+
+void PPDLint::CheckConstraint(ZANPPD& description, const Constraint& constraint) {
+    std::array<const char*, 4> parts{};
+    const char* at = constraint.text.c_str();
+    for (const char*& part : parts) {
+        part = at;
+        at += std::char_traits<char>::length(at) + 1;
+    }
+    CheckConstraintSide(description, constraint.line, parts[0], parts[1]);
+    CheckConstraintSide(description, constraint.line, parts[2], parts[3]);
+}
+
+void PPDLint::CheckConstraintSide(ZANPPD& description, long line, const char* key, const char* option) {
+    CNTL_TYPE type{};
+    PPDXControl* control = description.GetControls()->Find(key, type, true);
+    if (!control) {
+        if (!spoolerKeywords.contains(key)) {
+            Note(PPDLintKind::unknownConstraintKeyword, line, key);
+        }
+        return;
+    }
+    const std::string_view name(option);
+    if (name.empty()) {
+        return;
+    }
+    bool isKnown = true;
+    if (type == CNTL_TYPE::boolean) {
+        isKnown = name == "True" || name == "False";
+    } else if (type == CNTL_TYPE::popup) {
+        isKnown = static_cast<PPDXPopupControl*>(control)->GetKeywordCFLocalName(option) != nullptr;
+    }
+    if (!isKnown) {
+        Note(PPDLintKind::unknownConstraintOption, line, key, option);
+    }
+}
+
+void PPDLint::CheckGroups() {
+    for (const Declared& group : declaredGroups) {
+        if (!placedGroups.contains(group.name)) {
+            Note(PPDLintKind::unplacedGroup, group.line, group.name);
+        }
+    }
+}
+
+// Long lines may stand anywhere, in places too that no reader of an element looks at, so the file itself is asked.
+void PPDLint::CheckLineLengths(ZANPPD& description) {
+    FSRef file;
+    if (!description.GetFileSpec(file)) {
+        return;
+    }
+    std::ifstream in(file.path, std::ios::binary);
+    std::array<char, 65536> block;
+    std::string start;
+    std::size_t length = 0;
+    long line = 1;
+    char last = '\0';
+    const auto endLine = [&] {
+        if (length >= kLineCapacity) {
+            Note(PPDLintKind::cutLine, line, start.substr(0, start.find_first_of(" \t:")));
+        }
+        length = 0;
+        start.clear();
+    };
+    while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
+        for (const char c : std::string_view(block.data(), static_cast<std::size_t>(in.gcount()))) {
+            if (c == '\n' || c == '\r') {
+                if (!(c == '\n' && last == '\r')) {
+                    const bool isLast = start.starts_with(endOfDescription);
+                    endLine();
+                    if (isLast) {
+                        return;
+                    }
+                    ++line;
+                }
+            } else if (++length <= 64) {
+                start.push_back(c);
+            }
+            last = c;
+        }
+    }
+    endLine();
+}
+
+} // namespace torka

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "PPDX/PPDObjects/Groups/GroupName.h"
+#include "platform/CoreFoundation.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace torka {
+
+class ZANPPD;
+
+// What the author of a description would want to know beyond its errors.
+enum class PPDLintKind {
+    unknownJobNoteFlag,       // a flag word of a job note that is none
+    unknownConstraintKeyword, // a constraint line names a keyword that the description does not define
+    unknownConstraintOption,  // ... or an option that its control does not offer
+    unplacedGroup,            // a declared group name that no parent line places
+    cutLine,                  // a line of more than 255 bytes
+    untranslatableText,       // bytes that are no text of the declared encoding
+    unknownDefault,           // a default that names no option of its block
+    unknownGroup,             // a group line that names no group
+    emptyBlock,               // a block without options
+    unclosedBlock,            // a block that another element cuts short
+    badCustomSize,            // a custom page size line that is not understood
+    badNumber                 // a number of a range that is none
+};
+
+// "unknownJobNoteFlag" and so on.
+const char* ppdLintName(PPDLintKind kind);
+
+struct PPDLintNote {
+    PPDLintKind kind;
+    long line = 0;       // from 1; 0 when it is of no line
+    std::string keyword; // the element concerned, with its asterisk if it has one; may be empty
+    std::string text;    // the word, option or text concerned; may be empty
+};
+
+// Collects notes while a description is parsed. Give it to ZANPPD::SetLint before the parse; it must outlive that.
+// A parse without one does none of this work. Notes are in the order of the lines once Finish has run; at most
+// `maximumNotes` are kept.
+class PPDLint {
+public:
+    static constexpr std::size_t maximumNotes = 10000;
+
+    const std::vector<PPDLintNote>& Notes() const { return notes; }
+
+    // For the parser.
+    void Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text = {});
+    void ConstraintLine(long line, std::string_view key1, std::string_view option1, std::string_view key2,
+                        std::string_view option2);
+    // A choice block that is left to the spooler: constraint lines may name it.
+    void SpoolerKeyword(std::string_view keyword) { spoolerKeywords.emplace(keyword); }
+    void DeclaredGroup(const GroupName& name, long line) { declaredGroups.push_back({line, name.name}); }
+    void PlacedGroup(std::string_view name) { placedGroups.emplace(name); }
+    // Notes `text` when its bytes, hexadecimal substrings decoded, are no text of the encoding.
+    void CheckText(long line, std::string_view keyword, std::string_view text, CFStringEncoding encoding);
+    // What can be told only now: constraint lines, groups and long lines.
+    void Finish(ZANPPD& description);
+
+private:
+    struct Constraint {
+        long line;
+        std::string text; // the four parts, each ended by a NUL
+    };
+    struct Declared {
+        long line;
+        std::string name;
+    };
+
+    void CheckConstraint(ZANPPD& description, const Constraint& constraint);
+    void CheckConstraintSide(ZANPPD& description, long line, const char* key, const char* option);
+    void CheckGroups();
+    void CheckLineLengths(ZANPPD& description);
+
+    std::vector<PPDLintNote> notes;
+    std::vector<Constraint> constraints;
+    std::vector<Declared> declaredGroups;
+    std::unordered_set<std::string> placedGroups;
+    std::unordered_set<std::string> spoolerKeywords;
+};
+
+} // namespace torka

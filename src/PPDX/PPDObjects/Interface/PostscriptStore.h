@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace torka {
+
+// The PostScript bytes of one description, which its controls and choices point into.
+//
+// Bytes never move and live as long as the store. Small values share blocks; a value that would waste much of one gets
+// a block of its own size.
+class PostscriptStore {
+public:
+    PostscriptStore() = default;
+    PostscriptStore(const PostscriptStore&) = delete;
+    PostscriptStore& operator=(const PostscriptStore&) = delete;
+
+    // Null for no bytes.
+    const unsigned char* Keep(std::string_view bytes);
+    // What all blocks hold together, in bytes.
+    std::size_t Capacity() const { return capacity; }
+
+private:
+    unsigned char* NewBlock(std::size_t size);
+
+    std::vector<std::unique_ptr<unsigned char[]>> blocks;
+    unsigned char* next = nullptr; // the free part of the shared block
+    std::size_t available = 0;
+    std::size_t capacity = 0;
+};
+
+} // namespace torka

@@ -1,0 +1,351 @@
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+
+#include "PPDFile.h"
+#include "PPDX/PPDObjects/Interface/PPDFileStream.h"
+#include "PPDX/PPDObjects/Interface/PPDLint.h"
+#include "platform/System.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+// Construction, and the pass over the file that hands each line to the reader of its element.
+
+namespace torka {
+
+namespace {
+
+// What a line is, by its main keyword.
+enum class LineKind {
+    constraint,
+    requirement,
+    propPage,
+    groupName,
+    subGroupName,
+    parent,
+    controlFlags,
+    customPrintSize,
+    shortcut,
+    specialOption,
+    jobNote,
+    other
+};
+
+LineKind lineKind(std::string_view keyword) {
+    struct Entry {
+        std::string_view keyword;
+        LineKind kind;
+    };
+    // The most frequent first; unequal lengths end a comparison.
+    static constexpr std::array<Entry, 12> entries{{{"*UIConstraints", LineKind::constraint},
+                                                    {"*%ZANFlags", LineKind::controlFlags},
+                                                    {"*%ZANUIConstraints", LineKind::constraint},
+                                                    {"*%ZANUIRequires", LineKind::requirement},
+                                                    {"*%ZANParent", LineKind::parent},
+                                                    {"*%ZANGroupName", LineKind::groupName},
+                                                    {"*%ZANSubGroupName", LineKind::subGroupName},
+                                                    {"*%QVShortcut", LineKind::shortcut},
+                                                    {"*%ZANPropPage", LineKind::propPage},
+                                                    {"*%ZANSpecialOption", LineKind::specialOption},
+                                                    {"*%ZANJobNote", LineKind::jobNote},
+                                                    {"*%ParamCustomPrintSize", LineKind::customPrintSize}}};
+    for (const Entry& entry : entries) {
+        if (keyword == entry.keyword) {
+            return entry.kind;
+        }
+    }
+    return LineKind::other;
+}
+
+// Records of the two-way data, which the queue's description carries along for another reader.
+bool isServerRecord(std::string_view keyword) {
+    static constexpr std::array<std::string_view, 19> names{"QVBidiData",
+                                                            "QVCDIHelpStrings",
+                                                            "QVPpdDefaults",
+                                                            "QVPresetsData",
+                                                            "QVPresetsList",
+                                                            "QVServerFeatureSupport",
+                                                            "QVServerInfo",
+                                                            "QVTrayInfo",
+                                                            "QVTonerInfo",
+                                                            "QVDeviceLinkProfilesList",
+                                                            "QVHueKeeper",
+                                                            "QVCalibration",
+                                                            "QVUpdatedTrayInfoFile",
+                                                            "QVUpdatedTonerInfoFile",
+                                                            "QVUpdatedQFMastersList",
+                                                            "QVPagesCount",
+                                                            "QVlocalPreset",
+                                                            "QVDriverPreference",
+                                                            "QVServerValFrmDict"};
+    for (std::size_t at = keyword.find("QV"); at != std::string_view::npos; at = keyword.find("QV", at + 1)) {
+        const std::string_view rest = keyword.substr(at);
+        if (std::any_of(names.begin(), names.end(), [&](std::string_view name) { return rest.starts_with(name); })) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Hosts that hold an annotated description, of which only the first part is theirs to read.
+bool hostStopsAtAnnotation() {
+    std::string identifier = hasSystem() ? system().Host().bundleIdentifier : std::string();
+    std::transform(identifier.begin(), identifier.end(), identifier.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    static constexpr std::array<std::string_view, 3> hosts{"vectorworks", "preview", "indesign"};
+    return std::any_of(hosts.begin(), hosts.end(), [&](std::string_view host) {
+        return identifier.find(host) != std::string::npos;
+    });
+}
+
+bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+
+} // namespace
+
+ZANPPD::ZANPPD(_PARSE_OPTIONS_ options)
+    : parseOptions(options) {
+    Reset();
+}
+
+ZANPPD::ZANPPD(const FSRef& reference, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames)
+    : file(reference)
+    , parseOptions(options)
+    , supportedFileNames(std::move(pcFileNames)) {
+    Build();
+}
+
+// A URL that names no file leaves an empty reference, which no file can be opened by.
+ZANPPD::ZANPPD(const CFURLRef& url, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames)
+    : file(FSRef{})
+    , parseOptions(options)
+    , supportedFileNames(std::move(pcFileNames)) {
+    CFURLGetFSRef(url, *file);
+    Build();
+}
+
+ZANPPD::~ZANPPD() = default;
+
+void ZANPPD::Reset() {
+    collectedShortcuts.clear();
+    groupNames.clear();
+    orphanGroups.clear();
+    installableOptions = nullptr;
+    inInstallableOptions = false;
+    shortcuts = std::make_unique<PPDXShortcuts>();
+    controls.reset(); // they point to the constraint store
+    constraints = std::make_unique<UIConstraints>();
+    properties = std::make_unique<PPDXProperties>();
+    groups = std::make_unique<PPDXGroups>();
+    controls = std::make_unique<PPDXControls>();
+    errors = std::make_unique<PPDXErrors>();
+    hasFatalError = false;
+    dmtInjection.clear();
+    dmtXmlData.clear();
+}
+
+void ZANPPD::Build() {
+    Reset();
+    if (file) {
+        Parse();
+        if (!dmtInjection.empty()) {
+            ReadCustXmlData(dmtInjection);
+        }
+        ReadPUJNPrefs();
+    }
+    if (!hasFatalError) {
+        if (properties->Empty()) {
+            Report(PPDErr_NoPropertyPages, {}, 0);
+        }
+        if (groups->Empty()) {
+            Report(PPDErr_NoGroups, {}, 0);
+        }
+        if (controls->Empty()) {
+            Report(PPDErr_NoControls, {}, 0);
+        }
+    }
+    if (lint) {
+        lint->Finish(*this);
+    }
+}
+
+void ZANPPD::Parse() {
+    gQVUTF8Version = 0;
+    if (!properties || !groups || !controls) {
+        Report(PPDErr_OutOfMemory, {}, 0);
+        return;
+    }
+    if (!file) {
+        return;
+    }
+    PPDFile source(*file);
+    if (!StartReading(std::make_unique<PPDFileStream>(&source, true))) {
+        Report(PPDErr_FileError, {}, 0);
+        return;
+    }
+    if (TestPPDFile()) {
+        ParseLines();
+        ResolveShortcuts();
+        collectedShortcuts.clear();
+        CollectOrphanGroups();
+        groupNames.clear();
+        constraints->Resolve();
+        if (const PPDXSpecialOption* level = controls->FindSpecialOption("*QVUTF8_Version", true)) {
+            gQVUTF8Version = CFStringGetIntValue(cfString(level->GetValue()));
+        }
+    }
+    StopReading();
+    valueBuffer.reset();
+    inInstallableOptions = false;
+}
+
+bool ZANPPD::TestPPDFile() {
+    std::array<char, kLineCapacity> text;
+    std::array<char, kLineCapacity> value;
+    if (ReadLine(text.data())) {
+        PPDStream line{std::string_view(text.data())};
+        if (TakeMainKeyword(line) == "*PPD-Adobe" &&
+            GetQuotedString(line, value.data(), static_cast<long>(value.size())) > 1 &&
+            std::string_view(value.data()) == "4.3") {
+            return true;
+        }
+    }
+    Report(PPDErr_NotPPDFile, {}, 1);
+    return false;
+}
+
+void ZANPPD::ParseLines() {
+    const bool stopsAtAnnotation = hostStopsAtAnnotation();
+    std::array<char, kLineCapacity> text;
+    const std::size_t errorsBefore = errors->Count();
+    while (ReadNonEmptyLine(text.data())) {
+        const std::string_view line(text.data());
+        ParseLine(text.data(), line);
+        if (hasFatalError || (stopOnFirstError && errors->Count() > errorsBefore)) {
+            return;
+        }
+        if (stopsAtAnnotation && contains(line, "APLANNOTATE END")) {
+            return;
+        }
+    }
+}
+
+void ZANPPD::ParseLine(const char* text, std::string_view line) {
+    PPDStream stream(line);
+    const std::string_view keyword = TakeMainKeyword(stream);
+    if (isServerRecord(keyword)) {
+        return;
+    }
+    switch (lineKind(keyword)) {
+    case LineKind::constraint:
+        return ParseConstraint(stream, false);
+    case LineKind::requirement:
+        return ParseConstraint(stream, true);
+    case LineKind::propPage:
+        return ParsePropPage(stream);
+    case LineKind::groupName:
+        return ParseGroupName(stream, PPDErr_GroupNameParsing);
+    case LineKind::subGroupName:
+        return ParseGroupName(stream, PPDErr_SubGroupNameParsing);
+    case LineKind::parent:
+        return ParseParent(stream);
+    case LineKind::controlFlags:
+        return ParseControlFlags(stream);
+    case LineKind::customPrintSize:
+        return ParseCustomPrintSize(stream);
+    case LineKind::shortcut:
+        return ParseShortcut(stream);
+    case LineKind::specialOption:
+        return ParseSpecialOption(stream);
+    case LineKind::jobNote:
+        return ParseJobNote(stream, nullptr);
+    case LineKind::other:
+        break;
+    }
+    if (contains(line, "*DMT_Injection")) {
+        dmtInjection.append(text).push_back('\n');
+        return;
+    }
+    if (keyword.starts_with('*') && keyword.size() < kLineCapacity) {
+        std::array<char, kLineCapacity> name{};
+        keyword.copy(name.data(), keyword.size());
+        ParsePSKeywords(stream, name.data());
+    }
+}
+
+bool ZANPPD::ParsePSKeywords(PPDStream& stream, const char* keyword) {
+    const std::string_view name(keyword);
+    std::array<char, kLineCapacity> value;
+    const auto takeRest = [&](std::initializer_list<HeaderValue*> targets) {
+        RestOfLine(stream, value.data());
+        for (HeaderValue* target : targets) {
+            *target = std::make_unique<CString>(value.data());
+        }
+        return true;
+    };
+    if (name == "*%QVFileVersion") {
+        return takeRest({&fileVersionQV});
+    }
+    if (name == "*%QVVersion") {
+        return versionMacQV ? true : takeRest({&versionQV, &makerVersion});
+    }
+    if (name == "*%QVVersionMac") {
+        return takeRest({&versionMacQV, &versionQV, &makerVersionMac, &makerVersion});
+    }
+    if (name == "*OpenGroup" || name == "*CloseGroup") {
+        const NamedToken group = TakeNamedToken(stream);
+        if (group.token != "InstallableOptions") {
+            return false;
+        }
+        if (name == "*OpenGroup") {
+            OpenInstallableOptions(group);
+        } else {
+            inInstallableOptions = false;
+        }
+        return true;
+    }
+    if (lint && (name == "*OpenUI" || name == "*JCLOpenUI")) {
+        lint->SpoolerKeyword(TakeNamedToken(stream).token);
+        return false;
+    }
+    return PPDX::ParsePSKeywords(stream, keyword);
+}
+
+void ZANPPD::Report(PPDErr code, std::string_view keyword, long line) {
+    auto error = std::make_unique<PPDXErrorObj>(code, std::string(keyword).c_str(), line);
+    hasFatalError = hasFatalError || error->IsFatal();
+    errors->Add(std::move(error));
+}
+
+void ZANPPD::Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text) const {
+    if (lint) {
+        lint->Note(kind, line, keyword, text);
+    }
+}
+
+bool ZANPPD::GetFileSpec(FSRef& reference) const {
+    if (!file) {
+        return false;
+    }
+    reference = *file;
+    return true;
+}
+
+bool ZANPPD::GetPPDFileName(char* name) const {
+    name[0] = '\0';
+    if (!file) {
+        return false;
+    }
+    const std::string& path = file->path;
+    const std::size_t slash = path.rfind('/');
+    const std::string_view last = std::string_view(path).substr(slash == std::string::npos ? 0 : slash + 1);
+    name[last.copy(name, kLineCapacity - 1)] = '\0';
+    return true;
+}
+
+bool ZANPPD::operator==(const ZANPPD& other) const {
+    const auto text = [](const CString* value) { return std::string_view(value && *value ? value->Buffer() : ""); };
+    const auto path = [](const std::optional<FSRef>& reference) { return reference ? reference->path : std::string(); };
+    return path(file) == path(other.file) && text(PCFileName()) == text(other.PCFileName());
+}
+
+} // namespace torka

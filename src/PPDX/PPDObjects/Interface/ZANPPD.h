@@ -1,0 +1,274 @@
+#pragma once
+
+#include "PPDX/KVEngine/UIConstraints.h"
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/PPDObjects/Groups/GroupName.h"
+#include "PPDX/PPDObjects/Groups/PPDXGroups.h"
+#include "PPDX/PPDObjects/Groups/PPDXRollDown.h"
+#include "PPDX/PPDObjects/Groups/PPDXScrollPane.h"
+#include "PPDX/PPDObjects/Interface/PPDX.h"
+#include "PPDX/PPDObjects/Interface/PostscriptStore.h"
+#include "PPDX/PPDObjects/Properties/PPDXErrors.h"
+#include "PPDX/PPDObjects/Properties/PPDXProperties.h"
+#include "PPDX/PPDObjects/Properties/PPDXShortcuts.h"
+#include "PPDX/Utilities/ModelState.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace torka {
+
+class PPDLint;
+class Settings;
+enum class PPDLintKind;
+
+// What a parse accepts; a combination of the bits.
+using _PARSE_OPTIONS_ = std::uint32_t;
+inline constexpr _PARSE_OPTIONS_ kAcceptOrphans = 1; // controls without a group
+inline constexpr _PARSE_OPTIONS_ kAcceptHidden = 2;  // pages and groups that are not visible
+
+// How much of the extension language a description may use, 0 to 3.
+using _EXTENSIONS_SUPPORT_ = int;
+inline constexpr _EXTENSIONS_SUPPORT_ kAllExtensions = 3;
+
+// The stored preferences of the popup job notes.
+struct PopupJobNotePreferences {
+    char enable = '0';
+    char setting = '1';
+    char showLast = '0';
+    std::string values; // what was remembered, as the popup dialog wrote it
+};
+
+// One choice of a list that is supplied at run time.
+struct SuppliedPopupItem {
+    std::string keyword;
+    CFStringRef localName; // null: the keyword
+};
+
+// A printer description with the controller maker's extension keywords: controls in groups on pages, shortcuts,
+// constraints, and the defects that were found.
+//
+// Owns all of it, the PostScript bytes of the controls too. Parsed once, at construction or by Build(). Defects are
+// collected in Errors(), each with its line; the fatal ones (file, format, memory) end the parse. Not thread-safe.
+class ZANPPD : public PPDX {
+public:
+    // An empty model. SetFile, SetExtensions, SetStopOnFirstError and SetLint may follow; Build() fills it.
+    explicit ZANPPD(_PARSE_OPTIONS_ options);
+    // Parse a file. `pcFileNames` are the supported descriptions by their "*PCFileName", or null; see IsSupported().
+    ZANPPD(const FSRef& reference, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
+    ZANPPD(const CFURLRef& url, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
+    // The description that Save() stored: parsed again from its file, with the stored values; from the settings alone,
+    // without constraints, when the file cannot be read.
+    ZANPPD(Settings& settings, const CFURLRef& url, CFArrayRef pcFileNames);
+    ~ZANPPD() override;
+
+    void SetFile(const FSRef& reference) { file = reference; }
+    void SetExtensions(_EXTENSIONS_SUPPORT_ level) { extensions = level; }
+    _EXTENSIONS_SUPPORT_ GetExtensions() const { return extensions; }
+    void SetStopOnFirstError(bool stop) { stopOnFirstError = stop; }
+    // Null for none. Must outlive the parse.
+    void SetLint(PPDLint* collector) { lint = collector; }
+    // Starts over with empty collections and parses the file if there is one.
+    void Build();
+
+    // Never null once built.
+    PPDXControls* GetControls() const { return controls.get(); }
+    PPDXGroups* GetGroups() const { return groups.get(); }
+    PPDXProperties* GetProperties() const { return properties.get(); }
+    PPDXShortcuts* GetShortcuts() const { return shortcuts.get(); }
+    UIConstraints* GetUIConstraints() const { return constraints.get(); }
+    PPDXErrors* Errors() const { return errors.get(); }
+    // Groups that hang on no page and in no pane, such as the installable options; referred to only.
+    const std::vector<PPDXGroup*>& OrphanGroups() const { return orphanGroups; }
+    PPDXRollDown* InstallableOptions() const { return installableOptions; }
+    _PARSE_OPTIONS_ ParseOptions() const { return parseOptions; }
+
+    // Values of "*%QVFileVersion", "*%QVVersion" and "*%QVVersionMac"; null until read.
+    const CString* FileVersionQV() const { return fileVersionQV.get(); }
+    const CString* VersionQV() const { return versionQV.get(); }
+    const CString* VersionMacQV() const { return versionMacQV.get(); }
+    // The management template: every line that contains "*DMT_Injection", each ended by a line feed.
+    const std::string& DMTXmlData() const { return dmtXmlData; }
+    // The lines as they were collected, whether or not ReadCustXmlData took them up.
+    const std::string& DMTInjection() const { return dmtInjection; }
+
+    // False without a file.
+    bool GetFileSpec(FSRef& reference) const;
+    // The last component of the file's path; `name` holds 256 bytes and gets it cut to fit. False without a file.
+    bool GetPPDFileName(char* name) const;
+    // Whether "*PCFileName" is one of the supported names (letter case does not count); true without a list.
+    bool IsSupported() const;
+
+    static _DISPLAY_OPTIONS_ Options() { return gDisplayOptions; }
+    static void Options(_DISPLAY_OPTIONS_ options) { gDisplayOptions = options & 3U; }
+    static void IncludeOrphans() { gDisplayOptions |= kDisplayOrphans; }
+    static void IncludeHidden() { gDisplayOptions |= kDisplayHidden; }
+    // Each of the two clears both bits.
+    static void ExcludeOrphans() { gDisplayOptions = 0; }
+    static void ExcludeHidden() { gDisplayOptions = 0; }
+
+    // Values by key, the control's keyword with its asterisk. Display options play no part.
+    PPDXControl* GetPPDXControlForKey(const CFStringRef& key) const;
+    CFStringRef CopyValueForKey(const CFStringRef& key) const; // null for an unknown key
+    // Passes over special options. False for them, for a null value and for an unknown key.
+    bool SetValueForKey(const CFStringRef& key, const CFStringRef& value);
+    CFDictionaryRef CopyAllValues() const;
+    // Each pair in order; values that are no strings are passed over.
+    void SetAllValues(const CFDictionaryRef& values);
+    // Whether choosing the option would conflict with what is chosen now.
+    bool IsKVConstrained(const char* keyword, const char* option) const;
+
+    // Give a popup a list of choices that came at run time. The supplied items replace the list; an item whose keyword
+    // the popup already had keeps that choice's PostScript, and its name when none is supplied. Of items with the same
+    // keyword the first counts. Create selects the default; Reconcile keeps the current choice while it is still
+    // offered and else selects the default. A default that names no item is the first one. New choices become known
+    // to the constraint store. False, with nothing changed, when there is no popup of that keyword or no item.
+    bool PPDCreatePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items, const char* defaultKeyword);
+    bool PPDReconcilePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
+                               const char* defaultKeyword);
+
+    // Takes up the preferences of the popup job notes, at the end of a build and when a pane restores values.
+    void ReadPUJNPrefs();
+    const PopupJobNotePreferences& PUJNPrefs() const { return popupJobNotePreferences; }
+    // Where those preferences come from: three characters (enable, setting, show-last) and the remembered values, or
+    // nothing. One for the process, set by the code that keeps them; none set means nothing is stored.
+    using PUJNPrefsReader = std::function<std::optional<std::string>()>;
+    static void SetPUJNPrefsReader(PUJNPrefsReader reader);
+
+    // Values, controls, groups and pages, for the constructor from settings.
+    void Save(Settings& settings) const;
+
+    // Puts a control in its group, in the installable options when it has none there, or among the orphans. `visible`
+    // false lets it stand in a group that is no roll-down.
+    void SetupControl(PPDXGroup* group, std::unique_ptr<PPDXControl> control, bool visible);
+    // Makes every group known to its parent: roll-downs to their scroll pane, scroll panes to their page.
+    void ResolveHeirarchy();
+
+    // Same file and same "*PCFileName".
+    bool operator==(const ZANPPD& other) const;
+
+    bool ParsePSKeywords(PPDStream& stream, const char* keyword) override;
+
+protected:
+    virtual void Parse();
+    virtual void ReadCustXmlData(const std::string& text) { dmtXmlData = text; }
+
+private:
+    // What the lines before a control have told of it.
+    struct ControlDraft {
+        std::string keyword;
+        std::string flagTexts;
+        std::vector<std::string_view> flags; // into flagTexts
+        PPDXGroup* group = nullptr;
+        long line = 0; // of "*%ZANFlags"
+    };
+    // A keyword and the name that stands behind its "/"; both point into the line.
+    struct NamedToken {
+        std::string_view token;
+        std::string_view name;
+        bool hasName = false;
+    };
+    struct BlockStyle;
+    struct ChoiceBlock;
+    struct CollectedShortcut {
+        std::string keyword;
+        long line;
+    };
+
+    // Dispatch (ZANPPD.cpp)
+    void Reset();
+    bool TestPPDFile();
+    void ParseLines();
+    void ParseLine(const char* text, std::string_view line);
+    bool IsInstallableGroupLine(PPDStream& stream, NamedToken& group) const;
+    void Report(PPDErr code, std::string_view keyword, long line);
+    long Line() const { return static_cast<long>(LineNumber()); }
+    void Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text = {}) const;
+
+    // Tokens (ZANPPDTokens.cpp)
+    static std::string_view TakeMainKeyword(PPDStream& line);
+    static std::string_view TakeWord(PPDStream& line);
+    static NamedToken TakeNamedToken(PPDStream& line, bool trimName = true);
+    CFStringRef LocalName(const NamedToken& token, long line);
+    CFStringRef Localized(std::string_view text, std::string_view keyword, long line);
+    std::string_view TakePostscript(PPDStream& line);
+
+    // Control definitions (ZANPPDControls.cpp)
+    void ParseControlFlags(PPDStream& line);
+    void ParseGroupLine(PPDStream& line, ControlDraft& draft);
+    void ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle& style);
+    void ReadBlock(const std::string& keyword, ChoiceBlock& block);
+    void ReadDefaultLine(PPDStream& line, std::string_view token, const std::string& keyword, ChoiceBlock& block);
+    void ReadOptionLine(PPDStream& line, ChoiceBlock& block);
+    std::string_view DefaultOption(const std::string& keyword, const ChoiceBlock& block, long line);
+    void FinishBoolean(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line);
+    void FinishPopup(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line);
+    void ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat);
+    bool HasPlace(const ControlDraft& draft, std::string_view keyword, bool visible);
+    ControlDefinition Define(const ControlDraft& draft, const std::string& keyword, const CFStringRef& name) const;
+
+    // Pages, groups, shortcuts (ZANPPDGroups.cpp)
+    enum class Placement { inRollDown, asOrphan, inControlsOnly, noParent, invalidParent };
+    Placement PlacementFor(PPDXGroup*& group, bool visible) const;
+    void ParsePropPage(PPDStream& line);
+    void ParseGroupName(PPDStream& line, PPDErr missingName);
+    void ParseParent(PPDStream& line);
+    void PlaceScrollPane(const GroupName& child, const std::string& parentName, bool visible);
+    void PlaceRollDown(const GroupName& child, const std::string& parentName, bool visible);
+    void ParseShortcut(PPDStream& line);
+    void ResolveShortcuts();
+    void CollectOrphanGroups();
+    void OpenInstallableOptions(const NamedToken& group);
+
+    // Job notes (ZANPPDJobNotes.cpp)
+    void ParseJobNote(PPDStream& line, ControlDraft* draft);
+    bool ReadNoteFlags(PPDStream& line, std::string_view keyword, JobNoteFlagReader& flags);
+
+    // Constraints and special options (ZANPPDConstraints.cpp)
+    void ParseConstraint(PPDStream& line, bool isRequirement);
+    void ParseCustomPrintSize(PPDStream& line);
+    void ParseSpecialOption(PPDStream& line);
+    void SkipTemplateBlock();
+
+    bool ReplacePopupItems(const char* keyword, std::span<const SuppliedPopupItem> items, const char* defaultKeyword,
+                           bool keepsCurrent);
+    void RestoreElements(Settings& settings);
+
+    std::optional<FSRef> file;
+    std::unique_ptr<PPDXErrors> errors;
+    bool stopOnFirstError = false;
+    // Before what points into it: controls are destroyed first.
+    PostscriptStore postscript;
+    std::unique_ptr<UIConstraints> constraints;
+    std::unique_ptr<PPDXProperties> properties;
+    std::unique_ptr<PPDXGroups> groups;
+    std::unique_ptr<PPDXControls> controls;
+    std::unique_ptr<PPDXShortcuts> shortcuts;
+    _PARSE_OPTIONS_ parseOptions;
+    _EXTENSIONS_SUPPORT_ extensions = kAllExtensions;
+    bool inInstallableOptions = false;
+    PPDXRollDown* installableOptions = nullptr; // in `groups`
+    HeaderValue fileVersionQV;
+    HeaderValue versionQV;
+    HeaderValue versionMacQV;
+    std::vector<GroupName> groupNames;                 // while parsing
+    std::vector<CollectedShortcut> collectedShortcuts; // while parsing
+    std::string dmtInjection;
+    std::string dmtXmlData;
+    std::vector<PPDXGroup*> orphanGroups;
+    CFArrayRef supportedFileNames;
+    PopupJobNotePreferences popupJobNotePreferences;
+
+    PPDLint* lint = nullptr;
+    bool hasFatalError = false;
+    std::unique_ptr<char[]> valueBuffer; // while parsing: one PostScript value
+};
+
+} // namespace torka

@@ -1,0 +1,134 @@
+#include "PPDX/PPDObjects/Interface/PPDLint.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "platform/Log.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+// Constraint lines, the custom page size and special options.
+
+namespace torka {
+
+namespace {
+
+constexpr DelimiterSet blanks(" \t");
+
+// The next text between blanks; empty at the end of the line.
+std::string_view takeText(PPDStream& line) {
+    line.SkipWhiteSpace();
+    return line.TakeToken(blanks, true);
+}
+
+// The number after the marker, 0 when there is none.
+long templateLineCount(std::string_view text) {
+    long count = 0;
+    std::from_chars(text.data(), text.data() + text.size(), count);
+    return count;
+}
+
+// A length in points; false for anything but a finite number that is not negative.
+bool readPoints(std::string_view text, float& points) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), points);
+    return error == std::errc() && end == text.data() + text.size() && std::isfinite(points) && points >= 0.0F;
+}
+
+} // namespace
+
+// KEY1 [OPTION1] KEY2 [OPTION2]; a second text that begins with "*" is the second keyword.
+void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
+    const std::string_view key1 = takeText(line);
+    std::string_view option1;
+    std::string_view key2 = takeText(line);
+    if (!key2.starts_with('*')) {
+        option1 = key2;
+        key2 = takeText(line);
+    }
+    if (key2.empty()) {
+        Report(PPDErr_BadConstraint, key1, Line());
+        return;
+    }
+    const std::string_view option2 = takeText(line);
+    constraints->Add(key1, option1, key2, option2, isRequirement);
+    if (lint) {
+        lint->ConstraintLine(Line(), key1, option1, key2, option2);
+    }
+}
+
+// Width: 1 points MINIMUM MAXIMUM, and the same for Height: 2. The first line makes the control, with both sizes at
+// their minimum; each line sets its two bounds.
+void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
+    static constexpr const char* keyword = "*CustomPrintSize";
+    const std::string_view dimension = TakeWord(line);
+    TakeWord(line); // the order of the parameters
+    takeText(line); // their unit
+    float minimum = 0.0F;
+    float maximum = 0.0F;
+    const bool isWidth = dimension == "Width";
+    const bool isRead = readPoints(takeText(line), minimum) && readPoints(takeText(line), maximum);
+    if ((!isWidth && dimension != "Height") || !isRead || minimum > maximum) {
+        Note(PPDLintKind::badCustomSize, Line(), keyword, dimension);
+        return;
+    }
+    PPDXCustomPageSizeControl* size = controls->FindCustomPageSizeControl(keyword, true);
+    if (!size) {
+        ControlDefinition definition;
+        definition.keyword = keyword;
+        definition.constraints = constraints.get();
+        // Of no group by its nature, whether or not other controls may be without one.
+        size = new PPDXCustomPageSizeControl(definition, CustomPageSizeBounds());
+        controls->Add(size);
+    }
+    if (isWidth) {
+        size->SetMinWidth(minimum);
+        size->SetMaxWidth(maximum);
+        size->SetWidth(minimum);
+    } else {
+        size->SetMinHeight(minimum);
+        size->SetMaxHeight(maximum);
+        size->SetHeight(minimum);
+    }
+}
+
+void ZANPPD::ParseSpecialOption(PPDStream& line) {
+    const std::string keyword(TakeWord(line));
+    std::array<char, kLineCapacity> value{};
+    RestOfLine(line, value.data());
+    if (keyword == "*DMT_Injection") {
+        if (std::string_view(value.data()) == "True") {
+            SkipTemplateBlock();
+        }
+    } else if (!keyword.empty()) {
+        ControlDefinition definition;
+        definition.keyword = keyword.c_str();
+        definition.localName = Localized(keyword, keyword, Line());
+        definition.constraints = constraints.get();
+        controls->Add(new PPDXSpecialOption(definition, value.data()));
+    }
+}
+
+// A management template in its packed form is read past and given up: its data are not understood here.
+void ZANPPD::SkipTemplateBlock() {
+    static constexpr std::string_view marker = "*DMT_X0000: ";
+    std::array<char, kLineCapacity> text;
+    if (!ReadNonEmptyLine(text.data())) {
+        myNSLogC("ZANPPD::ParseSpecialOption '*DMT_X0000: ' not found");
+        return;
+    }
+    const std::string_view first(text.data());
+    const std::size_t place = first.find(marker);
+    if (place == std::string_view::npos) {
+        PushBackLine(text.data());
+        myNSLogC("ZANPPD::ParseSpecialOption '*DMT_X0000: ' not found");
+        return;
+    }
+    for (long left = templateLineCount(first.substr(place + marker.size())); left > 0; --left) {
+        if (!ReadNonEmptyLine(text.data())) {
+            break;
+        }
+    }
+    constexpr int unpackingFailed = -3; // zlib's Z_DATA_ERROR
+    myNSLogC("ZANPPD::ParseSpecialOption QVdeflate failure, result %d", unpackingFailed);
+}
+
+} // namespace torka

@@ -1,0 +1,445 @@
+#include "PPDX/PPDObjects/Interface/PPDLint.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+
+#include "PPDX/KVEngine/CStringSoup.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <system_error>
+
+// Control definitions: "*%ZANFlags", then a group line or a choice block, then the control itself.
+
+namespace torka {
+
+// The two families of choice blocks differ in the errors of their first line.
+struct ZANPPD::BlockStyle {
+    PPDErr missingKeyword;
+    PPDErr badType;
+};
+
+// What the lines of a choice block have told so far.
+struct ZANPPD::ChoiceBlock {
+    enum class Kind { boolean, pickOne, pickMany };
+
+    Kind kind = Kind::pickOne;
+    std::int64_t key = -1; // identifier of the keyword in the constraint store
+    PopupItems items;
+    std::vector<std::string> branchNames; // of the true and the false branch
+    std::array<BooleanBranch, 2> branches;
+    std::array<bool, 2> hasBranch{};
+    bool trueComesFirst = true;
+
+    std::optional<std::string> defaultOption;
+    long defaultLine = 0;
+    std::optional<std::pair<PPDErr, long>> error; // the first, with its line; the block is read to its end
+};
+
+namespace {
+
+constexpr DelimiterSet flagEnds("|:\"");
+constexpr DelimiterSet typeEnds(";()");
+constexpr DelimiterSet optionEnds("/");
+constexpr DelimiterSet colon(":");
+
+bool opensBlock(std::string_view keyword) {
+    return keyword == "*OpenUI" || keyword == "*QVOpenUI" || keyword == "*BeginUI";
+}
+
+bool closesBlock(std::string_view keyword) {
+    return keyword == "*CloseUI" || keyword == "*QVCloseUI" || keyword == "*CloseUIZAN" || keyword == "*EndUI";
+}
+
+// Lines that no block contains: where one of them stands the closing line was forgotten.
+bool beginsElement(std::string_view keyword) {
+    static constexpr std::array<std::string_view, 8> starts{
+        "*%ZANFlags",        "*%ZANPropPage", "*%ZANGroupName", "*%ZANSubGroupName",
+        "*%ZANParent", "*OpenUIZAN",    "*OpenGroup",      "*CloseGroup"};
+    return opensBlock(keyword) || std::find(starts.begin(), starts.end(), keyword) != starts.end();
+}
+
+// The next of a range's numbers, empty when there is none before the quoted PostScript.
+std::string_view takeNumber(PPDStream& line) {
+    const std::string_view rest = line.Remaining();
+    const std::size_t begin = rest.find_first_not_of(" \t;()");
+    if (begin == std::string_view::npos || rest[begin] == '"') {
+        return {};
+    }
+    const std::size_t end = std::min(rest.find_first_of(";()\"", begin), rest.size());
+    line.Skip(end);
+    return rest.substr(begin, end - begin);
+}
+
+// As atol: the number at the start, 0 for none, held to the range of the type.
+long wholeNumber(std::string_view text, bool& isNumber) {
+    const bool negative = text.starts_with('-');
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    long value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    isNumber = end != text.data() && error == std::errc();
+    if (error == std::errc::result_out_of_range) {
+        return negative ? std::numeric_limits<long>::min() : std::numeric_limits<long>::max();
+    }
+    return value;
+}
+
+// As atof, for finite decimal numbers in the C locale.
+float decimalNumber(std::string_view text, bool& isNumber) {
+    isNumber = false;
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    const std::size_t first = text.starts_with('-') ? 1 : 0;
+    if (first >= text.size() || !std::strchr("0123456789.", text[first])) {
+        return 0.0F;
+    }
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::invalid_argument) {
+        return 0.0F;
+    }
+    constexpr double limit = std::numeric_limits<float>::max();
+    if (error == std::errc::result_out_of_range) {
+        const std::string_view number(text.data(), static_cast<std::size_t>(end - text.data()));
+        const bool isTiny = number.find("e-") != std::string_view::npos || number.find("E-") != std::string_view::npos;
+        return isTiny ? 0.0F : static_cast<float>(first == 1 ? -limit : limit);
+    }
+    isNumber = true;
+    return static_cast<float>(std::clamp(value, -limit, limit));
+}
+
+} // namespace
+
+void ZANPPD::ParseControlFlags(PPDStream& line) {
+    ControlDraft draft;
+    draft.line = Line();
+    draft.keyword = TakeWord(line);
+    CNTL_TYPE type{};
+    if (controls->Find(draft.keyword.c_str(), type, true)) {
+        Report(PPDErr_Duplicate, draft.keyword, draft.line);
+        return;
+    }
+    draft.flagTexts = line.Remaining();
+    PPDStream flags(draft.flagTexts);
+    while (!flags.Remaining().empty()) {
+        const std::string_view flag = flags.TakeToken(flagEnds, true);
+        if (!flag.empty()) {
+            draft.flags.push_back(flag);
+        }
+    }
+
+    std::array<char, kLineCapacity> text;
+    if (draft.keyword.empty() || !ReadNonEmptyLine(text.data())) {
+        Report(PPDErr_ControlParsing, draft.keyword, draft.line);
+        return;
+    }
+    PPDStream next{std::string_view(text.data())};
+    const std::string_view keyword = TakeMainKeyword(next);
+    if (keyword == "*%ZANGroup") {
+        ParseGroupLine(next, draft);
+    } else if (opensBlock(keyword)) {
+        ParseOpenUI(next, draft, {PPDErr_OpenUIParsing, PPDErr_InvalidOpenUIType});
+    } else if (keyword == "*OpenUIZAN") {
+        ParseOpenUI(next, draft, {PPDErr_OpenUIZANParsing1, PPDErr_OpenUIZANParsing2});
+    } else {
+        PushBackLine(text.data());
+        Report(PPDErr_ControlParsing, draft.keyword, draft.line);
+    }
+}
+
+void ZANPPD::ParseGroupLine(PPDStream& line, ControlDraft& draft) {
+    const long groupLine = Line();
+    if (TakeWord(line) != draft.keyword) {
+        Report(PPDErr_GroupParsing, draft.keyword, groupLine);
+        return;
+    }
+    const std::string_view rest = line.Remaining();
+    line.Skip(std::min(rest.find_first_not_of(" \t:"), rest.size()));
+    const std::string groupName(TakeNamedToken(line).token);
+    draft.group = groups->Find(groupName.c_str(), true);
+    if (!draft.group) {
+        Note(PPDLintKind::unknownGroup, groupLine, draft.keyword, groupName);
+    }
+
+    std::array<char, kLineCapacity> text;
+    if (!ReadNonEmptyLine(text.data())) {
+        Report(PPDErr_GroupParsing, draft.keyword, groupLine);
+        return;
+    }
+    PPDStream next{std::string_view(text.data())};
+    const std::string_view keyword = TakeMainKeyword(next);
+    if (keyword == "*%ZANJobNote") {
+        ParseJobNote(next, &draft);
+    } else if (keyword == "*%ZANRange" || keyword == "*%ZANUnitRange") {
+        ParseRange(next, draft, false);
+    } else if (keyword == "*%ZANFloatRange") {
+        ParseRange(next, draft, true);
+    } else if (opensBlock(keyword)) {
+        ParseOpenUI(next, draft, {PPDErr_OpenUIParsing, PPDErr_InvalidOpenUIType});
+    } else if (keyword == "*OpenUIZAN") {
+        ParseOpenUI(next, draft, {PPDErr_OpenUIZANParsing1, PPDErr_OpenUIZANParsing2});
+    } else {
+        PushBackLine(text.data());
+        Report(PPDErr_GroupParsing, draft.keyword, groupLine);
+    }
+}
+
+void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle& style) {
+    const long blockLine = Line();
+    const NamedToken named = TakeNamedToken(line);
+    if (named.token.empty()) {
+        Report(style.missingKeyword, draft.keyword, blockLine);
+        return;
+    }
+    const std::string_view type = line.TakeToken(typeEnds, true);
+    ChoiceBlock block;
+    if (type == "Boolean") {
+        block.kind = ChoiceBlock::Kind::boolean;
+    } else if (type == "PickOne") {
+        block.kind = ChoiceBlock::Kind::pickOne;
+    } else if (type == "PickMany") {
+        block.kind = ChoiceBlock::Kind::pickMany;
+    } else {
+        Report(style.badType, named.token, blockLine);
+        return;
+    }
+    // The block names its control; a name that another control has is no new one.
+    CNTL_TYPE found{};
+    if (named.token != draft.keyword) {
+        draft.keyword = named.token;
+        if (controls->Find(draft.keyword.c_str(), found, true)) {
+            Report(PPDErr_Duplicate, draft.keyword, blockLine);
+            return;
+        }
+    }
+    const CFStringRef name = LocalName(named, blockLine);
+    block.key = constraints->GetConstraintStrings()->Insert(draft.keyword);
+    ReadBlock(draft.keyword, block);
+    if (block.error) {
+        Report(block.error->first, draft.keyword, block.error->second);
+    } else if (block.kind == ChoiceBlock::Kind::boolean) {
+        FinishBoolean(draft, block, name, blockLine);
+    } else {
+        FinishPopup(draft, block, name, blockLine);
+    }
+}
+
+void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
+    std::array<char, kLineCapacity> text;
+    while (ReadNonEmptyLine(text.data())) {
+        PPDStream line{std::string_view(text.data())};
+        const std::string_view before = line.Remaining();
+        const std::string_view token = TakeMainKeyword(line);
+        if (closesBlock(token)) {
+            return;
+        }
+        if (token == "*OrderDependency") {
+            continue;
+        }
+        if (token.starts_with("*Default")) {
+            ReadDefaultLine(line, token, keyword, block);
+        } else if (token.starts_with(keyword)) {
+            const std::size_t consumed = before.size() - line.Remaining().size();
+            if (consumed > 0 && before[consumed - 1] != ':') { // with ":" it has no option keyword
+                ReadOptionLine(line, block);
+            }
+        } else if (beginsElement(token)) {
+            Note(PPDLintKind::unclosedBlock, Line(), keyword);
+            PushBackLine(text.data());
+            return;
+        }
+    }
+}
+
+// "*Default KEYWORD: OPTION" or "*DefaultANYTHING: OPTION".
+void ZANPPD::ReadDefaultLine(PPDStream& line, std::string_view token, const std::string& keyword,
+                             ChoiceBlock& block) {
+    if (token == "*Default" && line.TakeToken(colon, true) != keyword) {
+        return;
+    }
+    if (block.defaultOption) {
+        if (!block.error) {
+            const bool isBoolean = block.kind == ChoiceBlock::Kind::boolean;
+            block.error = {isBoolean ? PPDErr_BooleanParsing : PPDErr_PopupParsing, Line()};
+        }
+        return;
+    }
+    block.defaultOption = line.TakeToken(optionEnds, true);
+    block.defaultLine = Line();
+}
+
+void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
+    const long optionLine = Line();
+    const NamedToken option = TakeNamedToken(line);
+    if (option.token.empty()) {
+        return;
+    }
+    // Tokens point into the line, which the value's further lines leave alone.
+    constraints->KVSInsert(block.key, constraints->GetConstraintStrings()->Insert(option.token));
+    const std::string_view value = TakePostscript(line);
+    const unsigned char* bytes = postscript.Keep(value);
+    const long length = static_cast<long>(value.size());
+    const std::string keyword(option.token);
+    if (block.kind != ChoiceBlock::Kind::boolean) {
+        block.items.push_back(
+            std::make_unique<_PopupItem>(keyword.c_str(), LocalName(option, optionLine), bytes, length));
+        return;
+    }
+    if (keyword != "True" && keyword != "False") {
+        if (!block.error) {
+            block.error = {PPDErr_BooleanParsing, optionLine};
+        }
+        return;
+    }
+    const std::size_t which = keyword == "True" ? 0 : 1;
+    block.trueComesFirst = block.hasBranch[1 - which] ? block.trueComesFirst : which == 0;
+    block.hasBranch[which] = true;
+    BooleanBranch& branch = block.branches[which];
+    branch.psData = bytes;
+    branch.psLength = length;
+    block.branchNames.resize(2);
+    if (option.hasName) {
+        std::array<char, 4 * kLineCapacity> name;
+        TextConverter::CFStringToCstring(Localized(option.name, keyword, optionLine), name.data(),
+                                         static_cast<long>(name.size()));
+        block.branchNames[which] = name.data();
+        branch.text = ""; // takes the name once both are there
+    }
+}
+
+void ZANPPD::FinishBoolean(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line) {
+    if (!block.hasBranch[0] && !block.hasBranch[1]) {
+        Report(PPDErr_BooleanParsing, draft.keyword, line);
+        return;
+    }
+    if (!HasPlace(draft, draft.keyword, true)) {
+        return;
+    }
+    bool state = block.trueComesFirst;
+    if (!block.defaultOption) {
+        Report(PPDErr_NoDefaultValueFlag, draft.keyword, line);
+    } else if ((*block.defaultOption == "True" && block.hasBranch[0]) ||
+               (*block.defaultOption == "False" && block.hasBranch[1])) {
+        state = *block.defaultOption == "True";
+    } else {
+        Note(PPDLintKind::unknownDefault, block.defaultLine, draft.keyword, *block.defaultOption);
+    }
+    for (std::size_t i = 0; i < 2; ++i) {
+        if (block.branches[i].text) {
+            block.branches[i].text = block.branchNames[i].c_str();
+        }
+    }
+    SetupControl(draft.group,
+                 std::make_unique<PPDXBooleanControl>(Define(draft, draft.keyword, name), state, block.branches[0],
+                                                      block.branches[1]),
+                 true);
+}
+
+void ZANPPD::FinishPopup(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line) {
+    if (!HasPlace(draft, draft.keyword, true)) {
+        return;
+    }
+    std::string option;
+    if (block.items.empty()) {
+        Note(PPDLintKind::emptyBlock, line, draft.keyword);
+    } else {
+        option = block.items.front()->keyword.Buffer();
+    }
+    if (!block.defaultOption) {
+        Report(PPDErr_NoDefaultValueFlag, draft.keyword, line);
+    } else {
+        const auto named = [&](const auto& item) { return item->keyword == block.defaultOption->c_str(); };
+        if (std::any_of(block.items.begin(), block.items.end(), named)) {
+            option = *block.defaultOption;
+        } else {
+            Note(PPDLintKind::unknownDefault, block.defaultLine, draft.keyword, *block.defaultOption);
+        }
+    }
+    SetupControl(draft.group,
+                 std::make_unique<PPDXPopupControl>(Define(draft, draft.keyword, name),
+                                                    block.kind == ChoiceBlock::Kind::pickMany, inInstallableOptions,
+                                                    std::move(block.items), option.c_str()),
+                 true);
+}
+
+void ZANPPD::ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat) {
+    const long rangeLine = Line();
+    const NamedToken named = TakeNamedToken(line, false);
+    std::array<std::string, 4> numbers;
+    bool isWhole = named.token == draft.keyword;
+    for (std::string& number : numbers) {
+        number = takeNumber(line);
+        isWhole = isWhole && !number.empty();
+    }
+    std::array<bool, 4> isNumber{};
+    RangeBounds bounds;
+    FloatRangeBounds floatBounds;
+    if (isFloat) {
+        floatBounds = {decimalNumber(numbers[0], isNumber[0]), decimalNumber(numbers[1], isNumber[1]),
+                       decimalNumber(numbers[2], isNumber[2]), decimalNumber(numbers[3], isNumber[3])};
+        isWhole = isWhole && floatBounds.increment > 0.0F;
+    } else {
+        bounds = {wholeNumber(numbers[0], isNumber[0]), wholeNumber(numbers[1], isNumber[1]),
+                  wholeNumber(numbers[2], isNumber[2]), wholeNumber(numbers[3], isNumber[3])};
+        isWhole = isWhole && bounds.increment > 0;
+    }
+    if (!isWhole) {
+        Report(PPDErr_RangeParsing, draft.keyword, rangeLine);
+        return;
+    }
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        if (!isNumber[i]) {
+            Note(PPDLintKind::badNumber, rangeLine, draft.keyword, numbers[i]);
+        }
+    }
+    const CFStringRef name = LocalName(named, rangeLine);
+    const std::string_view value = TakePostscript(line);
+    if (value.empty()) {
+        Report(PPDErr_NoPostscript, draft.keyword, rangeLine);
+        return;
+    }
+    if (!HasPlace(draft, draft.keyword, true)) {
+        return;
+    }
+    ControlDefinition definition = Define(draft, draft.keyword, name);
+    definition.psData = postscript.Keep(value);
+    definition.psLength = static_cast<long>(value.size());
+    std::unique_ptr<PPDXControl> control;
+    if (isFloat) {
+        control = std::make_unique<PPDXFloatRangeControl>(definition, floatBounds);
+    } else {
+        control = std::make_unique<PPDXRangeControl>(definition, bounds);
+    }
+    SetupControl(draft.group, std::move(control), true);
+}
+
+ControlDefinition ZANPPD::Define(const ControlDraft& draft, const std::string& keyword, const CFStringRef& name) const {
+    ControlDefinition definition;
+    definition.keyword = keyword.c_str();
+    definition.localName = name;
+    definition.flags = draft.flags;
+    definition.constraints = constraints.get();
+    return definition;
+}
+
+// Asked before a control is made, because making one already tells the constraint store its value.
+bool ZANPPD::HasPlace(const ControlDraft& draft, std::string_view keyword, bool visible) {
+    PPDXGroup* group = draft.group;
+    switch (PlacementFor(group, visible)) {
+    case Placement::noParent:
+        Report(PPDErr_NoParent, keyword, draft.line);
+        return false;
+    case Placement::invalidParent:
+        Report(PPDErr_InvalidParent, keyword, draft.line);
+        return false;
+    default:
+        return true;
+    }
+}
+
+} // namespace torka

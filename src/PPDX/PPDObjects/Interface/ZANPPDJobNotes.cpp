@@ -1,0 +1,124 @@
+#include "PPDX/PPDObjects/Controls/JobNoteFlags.h"
+#include "PPDX/PPDObjects/Interface/PPDLint.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "platform/Log.h"
+
+#include <array>
+#include <charconv>
+
+// Job notes, and the stored preferences of those that a dialog asks for before printing.
+
+namespace torka {
+
+namespace {
+
+constexpr DelimiterSet flagEnds("|:\"");
+
+// As atol: 0 when there is no number, the greatest number when it is too great.
+std::int64_t declaredLength(std::string_view text) {
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    std::int64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        return text.starts_with('-') ? INT64_MIN : INT64_MAX;
+    }
+    return value;
+}
+
+ZANPPD::PUJNPrefsReader& preferencesReader() {
+    static ZANPPD::PUJNPrefsReader reader;
+    return reader;
+}
+
+} // namespace
+
+// Without a draft there was no group line, whose keyword the note's would have to equal.
+void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
+    const long noteLine = Line();
+    const std::string_view rest = line.Remaining();
+    line.Skip(std::min(rest.find_first_not_of(" \t:"), rest.size()));
+    const NamedToken named = TakeNamedToken(line);
+    if (!draft || named.token != draft->keyword) {
+        Report(PPDErr_JobNoteParsing, draft ? draft->keyword : named.token, noteLine);
+        return;
+    }
+    const std::int64_t maxLength = declaredLength(line.TakeToken(flagEnds, true));
+    JobNoteFlagReader flags(extensions);
+    if (!ReadNoteFlags(line, draft->keyword, flags)) {
+        Report(PPDErr_UnsupportedJobNoteFlag, draft->keyword, noteLine);
+        return;
+    }
+    const CFStringRef name = LocalName(named, noteLine);
+
+    CString defaultNotes;
+    std::array<char, kLineCapacity> text;
+    ControlDefinition definition = Define(*draft, draft->keyword, name);
+    bool isRead = ReadNonEmptyLine(text.data());
+    if (isRead && std::string_view(text.data()).starts_with("*%Default")) {
+        PPDStream next{std::string_view(text.data())};
+        std::array<char, kLineCapacity> value;
+        if (GetQuotedString(next, value.data(), static_cast<long>(value.size())) > 1) {
+            defaultNotes = value.data();
+        }
+        isRead = ReadNonEmptyLine(text.data());
+    }
+    if (isRead) {
+        PPDStream next{std::string_view(text.data())};
+        const std::string_view keyword = TakeMainKeyword(next);
+        const std::string_view bare = std::string_view(draft->keyword).substr(draft->keyword.starts_with('*') ? 1 : 0);
+        if (keyword.size() == bare.size() + 2 && keyword.starts_with("*%") && keyword.substr(2) == bare) {
+            const std::string_view value = TakePostscript(next);
+            definition.psData = postscript.Keep(value);
+            definition.psLength = static_cast<long>(value.size());
+        } else {
+            PushBackLine(text.data());
+        }
+    }
+    // A note may stand in any kind of group.
+    if (HasPlace(*draft, draft->keyword, false)) {
+        SetupControl(draft->group,
+                     std::make_unique<PPDXJobNote>(definition, defaultNotes.Buffer() ? &defaultNotes : nullptr,
+                                                   maxLength, flags.Flags(), flags.MinLength()),
+                     false);
+    }
+}
+
+// False at a known word that the description's extension level does not have.
+bool ZANPPD::ReadNoteFlags(PPDStream& line, std::string_view keyword, JobNoteFlagReader& flags) {
+    while (!line.Remaining().empty()) {
+        const std::string_view word = line.TakeToken(flagEnds, true);
+        if (word.empty()) {
+            continue;
+        }
+        switch (flags.Read(word)) {
+        case JobNoteFlagReader::Result::aboveLevel:
+            return false;
+        case JobNoteFlagReader::Result::unknown:
+            if (!word.starts_with("MinLength") || flags.MinLength() < 0) {
+                Note(PPDLintKind::unknownJobNoteFlag, Line(), keyword, word);
+            }
+            break;
+        case JobNoteFlagReader::Result::taken:
+            break;
+        }
+    }
+    return true;
+}
+
+void ZANPPD::SetPUJNPrefsReader(PUJNPrefsReader reader) { preferencesReader() = std::move(reader); }
+
+void ZANPPD::ReadPUJNPrefs() {
+    const std::optional<std::string> stored = preferencesReader() ? preferencesReader()() : std::nullopt;
+    if (!stored || stored->size() < 3) {
+        myNSLogC("There are no preferences in the accounting popup file.");
+        return;
+    }
+    popupJobNotePreferences = {(*stored)[0], (*stored)[1], (*stored)[2], stored->substr(3)};
+    if (popupJobNotePreferences.enable == '0') {
+        myNSLogC("The accounting popup feature is disabled.");
+    }
+}
+
+} // namespace torka
