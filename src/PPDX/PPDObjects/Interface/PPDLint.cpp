@@ -51,8 +51,8 @@ void PPDLint::Note(PPDLintKind kind, long line, std::string_view keyword, std::s
     }
 }
 
-void PPDLint::ConstraintLine(long line, std::string_view key1, std::string_view option1, std::string_view key2,
-                             std::string_view option2) {
+void PPDLint::ConstraintLine(long line, std::string_view key1, std::string_view option1,
+                             std::string_view key2, std::string_view option2) {
     Constraint constraint{line, {}};
     for (const std::string_view part : {key1, option1, key2, option2}) {
         constraint.text.append(part).push_back('\0');
@@ -60,7 +60,8 @@ void PPDLint::ConstraintLine(long line, std::string_view key1, std::string_view 
     constraints.push_back(std::move(constraint));
 }
 
-void PPDLint::CheckText(long line, std::string_view keyword, std::string_view text, CFStringEncoding encoding) {
+void PPDLint::CheckText(long line, std::string_view keyword, std::string_view text,
+                        CFStringEncoding encoding) {
     std::string bytes(text.size(), '\0');
     bytes.resize(TextConverter::DehexBufferFill(text, bytes.data()));
     const CFStringEncoding readAs = isKnownEncoding(encoding) ? encoding : kCFStringEncodingUTF8;
@@ -122,7 +123,8 @@ void PPDLint::CheckGroups() {
     }
 }
 
-// Long lines may stand anywhere, in places too that no reader of an element looks at, so the file itself is asked.
+// Long lines may stand anywhere, in places too that no reader of an element looks at, so the file itself is
+// asked.
 void PPDLint::CheckLineLengths(ZANPPD& description) {
     FSRef file;
     if (!description.GetFileSpec(file)) {

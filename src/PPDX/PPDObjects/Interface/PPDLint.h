@@ -39,9 +39,9 @@ struct PPDLintNote {
     std::string text;    // the word, option or text concerned; may be empty
 };
 
-// Collects notes while a description is parsed. Give it to ZANPPD::SetLint before the parse; it must outlive that.
-// A parse without one does none of this work. Notes are in the order of the lines once Finish has run; at most
-// `maximumNotes` are kept.
+// Collects notes while a description is parsed. Give it to ZANPPD::SetLint before the parse; it must outlive
+// that. A parse without one does none of this work. Notes are in the order of the lines once Finish has run;
+// at most `maximumNotes` are kept.
 class PPDLint {
 public:
     static constexpr std::size_t maximumNotes = 10000;

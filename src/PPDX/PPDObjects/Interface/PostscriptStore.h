@@ -9,8 +9,8 @@ namespace torka {
 
 // The PostScript bytes of one description, which its controls and choices point into.
 //
-// Bytes never move and live as long as the store. Small values share blocks; a value that would waste much of one gets
-// a block of its own size.
+// Bytes never move and live as long as the store. Small values share blocks; a value that would waste much of
+// one gets a block of its own size.
 class PostscriptStore {
 public:
     PostscriptStore() = default;

@@ -80,7 +80,8 @@ bool isServerRecord(std::string_view keyword) {
                                                             "QVServerValFrmDict"};
     for (std::size_t at = keyword.find("QV"); at != std::string_view::npos; at = keyword.find("QV", at + 1)) {
         const std::string_view rest = keyword.substr(at);
-        if (std::any_of(names.begin(), names.end(), [&](std::string_view name) { return rest.starts_with(name); })) {
+        if (std::any_of(names.begin(), names.end(),
+                        [&](std::string_view name) { return rest.starts_with(name); })) {
             return true;
         }
     }
@@ -93,12 +94,13 @@ bool hostStopsAtAnnotation() {
     std::transform(identifier.begin(), identifier.end(), identifier.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     static constexpr std::array<std::string_view, 3> hosts{"vectorworks", "preview", "indesign"};
-    return std::any_of(hosts.begin(), hosts.end(), [&](std::string_view host) {
-        return identifier.find(host) != std::string::npos;
-    });
+    return std::any_of(hosts.begin(), hosts.end(),
+                       [&](std::string_view host) { return identifier.find(host) != std::string::npos; });
 }
 
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+bool contains(std::string_view text, std::string_view part) {
+    return text.find(part) != std::string_view::npos;
+}
 
 } // namespace
 
@@ -343,8 +345,12 @@ bool ZANPPD::GetPPDFileName(char* name) const {
 }
 
 bool ZANPPD::operator==(const ZANPPD& other) const {
-    const auto text = [](const CString* value) { return std::string_view(value && *value ? value->Buffer() : ""); };
-    const auto path = [](const std::optional<FSRef>& reference) { return reference ? reference->path : std::string(); };
+    const auto text = [](const CString* value) {
+        return std::string_view(value && *value ? value->Buffer() : "");
+    };
+    const auto path = [](const std::optional<FSRef>& reference) {
+        return reference ? reference->path : std::string();
+    };
     return path(file) == path(other.file) && text(PCFileName()) == text(other.PCFileName());
 }
 

@@ -52,20 +52,22 @@ struct SuppliedPopupItem {
     CFStringRef localName; // null: the keyword
 };
 
-// A printer description with the controller maker's extension keywords: controls in groups on pages, shortcuts,
-// constraints, and the defects that were found.
+// A printer description with the controller maker's extension keywords: controls in groups on pages,
+// shortcuts, constraints, and the defects that were found.
 //
-// Owns all of it, the PostScript bytes of the controls too. Parsed once, at construction or by Build(). Defects are
-// collected in Errors(), each with its line; the fatal ones (file, format, memory) end the parse. Not thread-safe.
+// Owns all of it, the PostScript bytes of the controls too. Parsed once, at construction or by Build().
+// Defects are collected in Errors(), each with its line; the fatal ones (file, format, memory) end the parse.
+// Not thread-safe.
 class ZANPPD : public PPDX {
 public:
     // An empty model. SetFile, SetExtensions, SetStopOnFirstError and SetLint may follow; Build() fills it.
     explicit ZANPPD(_PARSE_OPTIONS_ options);
-    // Parse a file. `pcFileNames` are the supported descriptions by their "*PCFileName", or null; see IsSupported().
+    // Parse a file. `pcFileNames` are the supported descriptions by their "*PCFileName", or null; see
+    // IsSupported().
     ZANPPD(const FSRef& reference, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
     ZANPPD(const CFURLRef& url, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
-    // The description that Save() stored: parsed again from its file, with the stored values; from the settings alone,
-    // without constraints, when the file cannot be read.
+    // The description that Save() stored: parsed again from its file, with the stored values; from the
+    // settings alone, without constraints, when the file cannot be read.
     ZANPPD(Settings& settings, const CFURLRef& url, CFArrayRef pcFileNames);
     ~ZANPPD() override;
 
@@ -101,7 +103,8 @@ public:
 
     // False without a file.
     bool GetFileSpec(FSRef& reference) const;
-    // The last component of the file's path; `name` holds 256 bytes and gets it cut to fit. False without a file.
+    // The last component of the file's path; `name` holds 256 bytes and gets it cut to fit. False without a
+    // file.
     bool GetPPDFileName(char* name) const;
     // Whether "*PCFileName" is one of the supported names (letter case does not count); true without a list.
     bool IsSupported() const;
@@ -125,28 +128,31 @@ public:
     // Whether choosing the option would conflict with what is chosen now.
     bool IsKVConstrained(const char* keyword, const char* option) const;
 
-    // Give a popup a list of choices that came at run time. The supplied items replace the list; an item whose keyword
-    // the popup already had keeps that choice's PostScript, and its name when none is supplied. Of items with the same
-    // keyword the first counts. Create selects the default; Reconcile keeps the current choice while it is still
-    // offered and else selects the default. A default that names no item is the first one. New choices become known
-    // to the constraint store. False, with nothing changed, when there is no popup of that keyword or no item.
-    bool PPDCreatePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items, const char* defaultKeyword);
+    // Give a popup a list of choices that came at run time. The supplied items replace the list; an item
+    // whose keyword the popup already had keeps that choice's PostScript, and its name when none is supplied.
+    // Of items with the same keyword the first counts. Create selects the default; Reconcile keeps the
+    // current choice while it is still offered and else selects the default. A default that names no item is
+    // the first one. New choices become known to the constraint store. False, with nothing changed, when
+    // there is no popup of that keyword or no item.
+    bool PPDCreatePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
+                            const char* defaultKeyword);
     bool PPDReconcilePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
                                const char* defaultKeyword);
 
     // Takes up the preferences of the popup job notes, at the end of a build and when a pane restores values.
     void ReadPUJNPrefs();
     const PopupJobNotePreferences& PUJNPrefs() const { return popupJobNotePreferences; }
-    // Where those preferences come from: three characters (enable, setting, show-last) and the remembered values, or
-    // nothing. One for the process, set by the code that keeps them; none set means nothing is stored.
+    // Where those preferences come from: three characters (enable, setting, show-last) and the remembered
+    // values, or nothing. One for the process, set by the code that keeps them; none set means nothing is
+    // stored.
     using PUJNPrefsReader = std::function<std::optional<std::string>()>;
     static void SetPUJNPrefsReader(PUJNPrefsReader reader);
 
     // Values, controls, groups and pages, for the constructor from settings.
     void Save(Settings& settings) const;
 
-    // Puts a control in its group, in the installable options when it has none there, or among the orphans. `visible`
-    // false lets it stand in a group that is no roll-down.
+    // Puts a control in its group, in the installable options when it has none there, or among the orphans.
+    // `visible` false lets it stand in a group that is no roll-down.
     void SetupControl(PPDXGroup* group, std::unique_ptr<PPDXControl> control, bool visible);
     // Makes every group known to its parent: roll-downs to their scroll pane, scroll panes to their page.
     void ResolveHeirarchy();
@@ -205,14 +211,16 @@ private:
     void ParseGroupLine(PPDStream& line, ControlDraft& draft);
     void ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle& style);
     void ReadBlock(const std::string& keyword, ChoiceBlock& block);
-    void ReadDefaultLine(PPDStream& line, std::string_view token, const std::string& keyword, ChoiceBlock& block);
+    void ReadDefaultLine(PPDStream& line, std::string_view token, const std::string& keyword,
+                         ChoiceBlock& block);
     void ReadOptionLine(PPDStream& line, ChoiceBlock& block);
     std::string_view DefaultOption(const std::string& keyword, const ChoiceBlock& block, long line);
     void FinishBoolean(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line);
     void FinishPopup(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line);
     void ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat);
     bool HasPlace(const ControlDraft& draft, std::string_view keyword, bool visible);
-    ControlDefinition Define(const ControlDraft& draft, const std::string& keyword, const CFStringRef& name) const;
+    ControlDefinition Define(const ControlDraft& draft, const std::string& keyword,
+                             const CFStringRef& name) const;
 
     // Pages, groups, shortcuts (ZANPPDGroups.cpp)
     enum class Placement { inRollDown, asOrphan, inControlsOnly, noParent, invalidParent };
@@ -237,9 +245,10 @@ private:
     void ParseSpecialOption(PPDStream& line);
     void SkipTemplateBlock();
 
-    bool ReplacePopupItems(const char* keyword, std::span<const SuppliedPopupItem> items, const char* defaultKeyword,
-                           bool keepsCurrent);
+    bool ReplacePopupItems(const char* keyword, std::span<const SuppliedPopupItem> items,
+                           const char* defaultKeyword, bool keepsCurrent);
     void RestoreElements(Settings& settings);
+    void RecordOptions();
 
     std::optional<FSRef> file;
     std::unique_ptr<PPDXErrors> errors;

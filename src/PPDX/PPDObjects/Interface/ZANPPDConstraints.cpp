@@ -30,7 +30,8 @@ long templateLineCount(std::string_view text) {
 // A length in points; false for anything but a finite number that is not negative.
 bool readPoints(std::string_view text, float& points) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), points);
-    return error == std::errc() && end == text.data() + text.size() && std::isfinite(points) && points >= 0.0F;
+    return error == std::errc() && end == text.data() + text.size() && std::isfinite(points) &&
+           points >= 0.0F;
 }
 
 } // namespace
@@ -55,8 +56,8 @@ void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
     }
 }
 
-// Width: 1 points MINIMUM MAXIMUM, and the same for Height: 2. The first line makes the control, with both sizes at
-// their minimum; each line sets its two bounds.
+// Width: 1 points MINIMUM MAXIMUM, and the same for Height: 2. The first line makes the control, with both
+// sizes at their minimum; each line sets its two bounds.
 void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
     static constexpr const char* keyword = "*CustomPrintSize";
     const std::string_view dimension = TakeWord(line);

@@ -50,14 +50,15 @@ bool opensBlock(std::string_view keyword) {
 }
 
 bool closesBlock(std::string_view keyword) {
-    return keyword == "*CloseUI" || keyword == "*QVCloseUI" || keyword == "*CloseUIZAN" || keyword == "*EndUI";
+    return keyword == "*CloseUI" || keyword == "*QVCloseUI" || keyword == "*CloseUIZAN" ||
+           keyword == "*EndUI";
 }
 
 // Lines that no block contains: where one of them stands the closing line was forgotten.
 bool beginsElement(std::string_view keyword) {
     static constexpr std::array<std::string_view, 8> starts{
-        "*%ZANFlags",        "*%ZANPropPage", "*%ZANGroupName", "*%ZANSubGroupName",
-        "*%ZANParent", "*OpenUIZAN",    "*OpenGroup",      "*CloseGroup"};
+        "*%ZANFlags",  "*%ZANPropPage", "*%ZANGroupName", "*%ZANSubGroupName",
+        "*%ZANParent", "*OpenUIZAN",    "*OpenGroup",     "*CloseGroup"};
     return opensBlock(keyword) || std::find(starts.begin(), starts.end(), keyword) != starts.end();
 }
 
@@ -106,7 +107,8 @@ float decimalNumber(std::string_view text, bool& isNumber) {
     constexpr double limit = std::numeric_limits<float>::max();
     if (error == std::errc::result_out_of_range) {
         const std::string_view number(text.data(), static_cast<std::size_t>(end - text.data()));
-        const bool isTiny = number.find("e-") != std::string_view::npos || number.find("E-") != std::string_view::npos;
+        const bool isTiny =
+            number.find("e-") != std::string_view::npos || number.find("E-") != std::string_view::npos;
         return isTiny ? 0.0F : static_cast<float>(first == 1 ? -limit : limit);
     }
     isNumber = true;
@@ -335,8 +337,8 @@ void ZANPPD::FinishBoolean(ControlDraft& draft, ChoiceBlock& block, CFStringRef 
         }
     }
     SetupControl(draft.group,
-                 std::make_unique<PPDXBooleanControl>(Define(draft, draft.keyword, name), state, block.branches[0],
-                                                      block.branches[1]),
+                 std::make_unique<PPDXBooleanControl>(Define(draft, draft.keyword, name), state,
+                                                      block.branches[0], block.branches[1]),
                  true);
 }
 
@@ -361,9 +363,9 @@ void ZANPPD::FinishPopup(ControlDraft& draft, ChoiceBlock& block, CFStringRef na
         }
     }
     SetupControl(draft.group,
-                 std::make_unique<PPDXPopupControl>(Define(draft, draft.keyword, name),
-                                                    block.kind == ChoiceBlock::Kind::pickMany, inInstallableOptions,
-                                                    std::move(block.items), option.c_str()),
+                 std::make_unique<PPDXPopupControl>(
+                     Define(draft, draft.keyword, name), block.kind == ChoiceBlock::Kind::pickMany,
+                     inInstallableOptions, std::move(block.items), option.c_str()),
                  true);
 }
 
@@ -418,7 +420,8 @@ void ZANPPD::ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat) {
     SetupControl(draft.group, std::move(control), true);
 }
 
-ControlDefinition ZANPPD::Define(const ControlDraft& draft, const std::string& keyword, const CFStringRef& name) const {
+ControlDefinition ZANPPD::Define(const ControlDraft& draft, const std::string& keyword,
+                                 const CFStringRef& name) const {
     ControlDefinition definition;
     definition.keyword = keyword.c_str();
     definition.localName = name;

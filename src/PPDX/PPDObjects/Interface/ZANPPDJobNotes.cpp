@@ -67,7 +67,8 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     if (isRead) {
         PPDStream next{std::string_view(text.data())};
         const std::string_view keyword = TakeMainKeyword(next);
-        const std::string_view bare = std::string_view(draft->keyword).substr(draft->keyword.starts_with('*') ? 1 : 0);
+        const std::string_view bare =
+            std::string_view(draft->keyword).substr(draft->keyword.starts_with('*') ? 1 : 0);
         if (keyword.size() == bare.size() + 2 && keyword.starts_with("*%") && keyword.substr(2) == bare) {
             const std::string_view value = TakePostscript(next);
             definition.psData = postscript.Keep(value);
@@ -79,8 +80,9 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     // A note may stand in any kind of group.
     if (HasPlace(*draft, draft->keyword, false)) {
         SetupControl(draft->group,
-                     std::make_unique<PPDXJobNote>(definition, defaultNotes.Buffer() ? &defaultNotes : nullptr,
-                                                   maxLength, flags.Flags(), flags.MinLength()),
+                     std::make_unique<PPDXJobNote>(definition,
+                                                   defaultNotes.Buffer() ? &defaultNotes : nullptr, maxLength,
+                                                   flags.Flags(), flags.MinLength()),
                      false);
     }
 }

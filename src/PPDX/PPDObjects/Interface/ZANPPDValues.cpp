@@ -1,10 +1,13 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
-#include <algorithm>
+#include "PPDFile.h"
+
+#include <array>
 #include <unordered_map>
 #include <unordered_set>
 
-// Values by key, lists of choices supplied at run time, and whether the description is one of the supported ones.
+// Values by key, lists of choices supplied at run time, and whether the description is one of the supported
+// ones.
 
 namespace torka {
 
@@ -70,7 +73,9 @@ const char* PPDX::PathToPDE() const {
     return dialogExtension && !dialogExtension->Empty() ? dialogExtension->Buffer() : "";
 }
 
-bool ZANPPD::IsSupported() const { return !supportedFileNames || holdsName(supportedFileNames, PCFileName()); }
+bool ZANPPD::IsSupported() const {
+    return !supportedFileNames || holdsName(supportedFileNames, PCFileName());
+}
 
 PPDXControl* ZANPPD::GetPPDXControlForKey(const CFStringRef& key) const {
     CNTL_TYPE type{};
