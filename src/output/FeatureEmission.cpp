@@ -1,0 +1,399 @@
+#include "output/FeatureEmission.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "PPDX/Utilities/ModelState.h"
+#include "output/DynamicOption.h"
+#include "output/WorkflowUpload.h"
+#include "platform/Log.h"
+#include "platform/System.h"
+#include "platform/TextCase.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <cwchar>
+#include <utility>
+
+namespace torka {
+
+EmissionSource::~EmissionSource() = default;
+
+namespace {
+
+constexpr std::size_t fragmentSize = 1024;
+constexpr std::size_t watermarkSize = 5120;
+constexpr std::size_t sideListTextSize = 256; // characters of a side list's fragment
+constexpr std::size_t controlBarSize = 128;
+constexpr std::size_t printSizeTextSize = 64;
+constexpr std::size_t mailboxSize = 1024;
+constexpr std::size_t versionTextSize = 128;
+
+constexpr int firstVersionWithControlBarRule = 6;
+constexpr int firstVersionWithUnicodeCatalogue = 3;
+constexpr int lastHostVersionWithNUp = 5;
+
+bool equalsIgnoringCase(std::string_view left, std::string_view right) {
+    return CFStringCompare(cfString(left), cfString(right), kCFCompareCaseInsensitive) == 0;
+}
+
+std::string cut(std::string text, std::size_t size) {
+    if (text.size() >= size) {
+        text.resize(size - 1);
+    }
+    return text;
+}
+
+std::string headerText(const CString* value) {
+    return value == nullptr || value->Buffer() == nullptr ? std::string() : std::string(value->Buffer());
+}
+
+bool isKeyword(const PPDXControl* control, std::string_view keyword) {
+    return control != nullptr && control->Keyword() != nullptr && keyword == control->Keyword();
+}
+
+std::string valueOf(PPDXControl* control) {
+    return control == nullptr ? std::string() : utf8Text(control->CopyCurrentControlValueString());
+}
+
+bool containsColourKeyword(const char* keyword) {
+    return keyword != nullptr && std::ranges::any_of(colourKeywords, [keyword](std::string_view colour) {
+               return std::strstr(keyword, colour.data()) != nullptr;
+           });
+}
+
+// The first control with this keyword that is not a job note.
+PPDXControl* findSetting(const PPDXControls& controls, const char* keyword) {
+    if (PPDXControl* popup = controls.FindPopup(keyword, true)) {
+        return popup;
+    }
+    if (PPDXControl* boolean = controls.FindBoolean(keyword, true)) {
+        return boolean;
+    }
+    if (PPDXControl* range = controls.FindRangeControl(keyword, true)) {
+        return range;
+    }
+    return controls.FindFloatRangeControl(keyword, true);
+}
+
+// A number with two decimals, in the C locale.
+std::string twoDecimals(double value) {
+    std::array<char, 400> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 2);
+    return {text.data(), end.ptr};
+}
+
+std::string_view withoutAsterisk(std::string_view keyword) {
+    return keyword.starts_with('*') ? keyword.substr(1) : keyword;
+}
+
+} // namespace
+
+FeatureEmission::FeatureEmission(const EmissionSource& emissionSource, ZANJobTicket& jobTicket,
+                                 PMPrintSession printSession, EmissionPurpose emissionPurpose)
+    : source(emissionSource)
+    , ticket(jobTicket)
+    , session(std::move(printSession))
+    , purpose(emissionPurpose)
+    , controls(source.Description()->GetControls()) {}
+
+OSStatus FeatureEmission::OutPostscriptData() {
+    SuppressApplePostscript();
+    if (PPDXPopupControl* controlBar = controls->FindPopup("*QVControlBar", true)) {
+        controlBarValue = cut(valueOf(controlBar), controlBarSize);
+    }
+    if (purpose == EmissionPurpose::printJob && source.IsTwoWayEnabled() &&
+        controls->FindSpecialOption("*Rondure", true) != nullptr) {
+        uploadKestrelXMLFiles(*source.Description(), source.Settings(), 2);
+    }
+    gQVUTF8Version =
+        CFStringGetIntValue(cfString(valueOf(controls->FindSpecialOption("*QVUTF8_Version", true))));
+
+    CNTL_TYPE type{};
+    PPDXControl* control = controls->First(type);
+    AddFirstControl(control);
+    AddNUpForHost();
+    AddSourceApplication();
+    while (control != nullptr) {
+        control = controls->Next(type);
+        AddFurtherControl(control, type);
+    }
+    AddSideLists();
+    AddColourSettings();
+    AddCurveAdjustment();
+    AddControlBar();
+    AddScale();
+    AddPaperCatalogue();
+    AddCustomPrintSize();
+    AddPrintSize();
+    AddFileDestination();
+    AddEndMarkers();
+    return noErr;
+}
+
+void FeatureEmission::SuppressApplePostscript() {
+    CNTL_TYPE type{};
+    for (PPDXControl* control = controls->First(type); control != nullptr; control = controls->Next(type)) {
+        if (control->Keyword() != nullptr && !isKeyword(control, "*PageSize")) {
+            ticket.Add(siteSuppressedKeyword, std::string_view(control->Keyword()));
+        }
+    }
+}
+
+// Added whatever it is, but for a note marked for protection: that leaves only enciphered, with the notes.
+void FeatureEmission::AddFirstControl(PPDXControl* control) {
+    const auto* note = dynamic_cast<PPDXJobNote*>(control);
+    if (note == nullptr || !(note->IsEncrypt() || note->IsAESEncrypt())) {
+        ticket.Add(siteDocumentSetup, control);
+    }
+}
+
+// An old layout application turns pages itself when they are not upright.
+void FeatureEmission::AddNUpForHost() {
+    const platform::HostApplication host = platform::system().Host();
+    if (host.bundleIdentifier.find("InDesign") == std::string::npos) {
+        return;
+    }
+    const std::string major = host.shortVersionString.substr(0, host.shortVersionString.find('.'));
+    const std::uint16_t orientation = source.PageOrientation();
+    if (CFStringGetIntValue(cfString(major)) > lastHostVersionWithNUp || orientation == kPMPortrait ||
+        orientation == kPMReversePortrait) {
+        return;
+    }
+    AddFragment("%%ZAN Begin N-Up_Setting\r\nuserdict /TorkaRMdict known\r\n{\r\nTorkaRMdict /ZANDoing_N_Up "
+                "known\r\n{ 1 false TorkaRMdict /ZANDoing_N_Up get exec } if\r\n} if\r\n%%ZAN End\r\n");
+}
+
+void FeatureEmission::AddSourceApplication() {
+    const std::string name =
+        withoutLineBreaks(platform::upperCaseUtf8(platform::system().Host().processName));
+    AddFragment("%%BeginFeature: *QVSourceAppType " + name + "\n\n%%EndFeature\n");
+}
+
+void FeatureEmission::AddFurtherControl(PPDXControl* control, CNTL_TYPE type) {
+    if (control == nullptr || control->Keyword() == nullptr) {
+        return;
+    }
+    if (source.IsPageSizeSuppressed() && isKeyword(control, "*PageSize")) {
+        return;
+    }
+    if (gQVUTF8Version >= firstVersionWithControlBarRule && isKeyword(control, "*QVControlBar") &&
+        controlBarValue != "True") {
+        return;
+    }
+    if (type != CNTL_TYPE::jobNote && !containsColourKeyword(control->Keyword())) {
+        const bool hasOwnStep = isKeyword(control, "*QVScale") || isKeyword(control, "*QVPrintSize") ||
+                                isKeyword(control, "*QVOrientation") || isKeyword(control, "*Collate");
+        if (!hasOwnStep) {
+            ticket.Add(siteDocumentSetup, control);
+            return;
+        }
+    }
+    if (isKeyword(control, "*QVOrientation") && !control->IsNoTorkaDriverUI()) {
+        AddFragment("%%BeginFeature: *QVOrientation False\n%%EndFeature\n");
+    }
+}
+
+void FeatureEmission::AddSideLists() {
+    for (const auto list :
+         {source.MixedMedia(), source.PadCovers(), source.SlipSheets(), source.CoverPages()}) {
+        for (const WideSetting& setting : list) {
+            const std::string key = utf8FromWide(setting.key);
+            // Counted in characters of the whole fragment, as wide text.
+            static const std::size_t frame = std::strlen("%%BeginFeature: * \n%%EndFeature\n");
+            if (setting.key.size() + setting.value.size() + frame > sideListTextSize) {
+                myNSLogC("The setting %s is too long for the job and is left out.", key.c_str());
+                continue;
+            }
+            AddFeature(key, utf8FromWide(setting.value));
+        }
+    }
+}
+
+void FeatureEmission::AddFeature(std::string_view keyword, std::string_view value) {
+    AddFragment("%%BeginFeature: *" + withoutLineBreaks(withoutAsterisk(keyword)) + " " +
+                withoutLineBreaks(value) + "\n%%EndFeature\n");
+}
+
+void FeatureEmission::AddColourSettings() {
+    for (const std::string_view keyword : colourKeywords) {
+        AddColourSetting(keyword.data());
+    }
+}
+
+void FeatureEmission::AddColourSetting(const char* keyword) {
+    PPDXControl* control = findSetting(*controls, keyword);
+    PPDXJobNote* note = controls->FindJobNote(keyword, true);
+    if (note != nullptr && source.IsTwoWayEnabled()) {
+        AddDynamicOption(keyword, valueOf(note), true);
+        return;
+    }
+    if (control != nullptr && note != nullptr) {
+        note->SetNotes("");
+    }
+    if (control != nullptr) {
+        ticket.Add(siteDocumentSetup, control);
+    }
+}
+
+void FeatureEmission::AddDynamicOption(std::string_view keyword, std::string_view text,
+                                       bool escapesParentheses) {
+    std::string shown = withoutLineBreaks(text);
+    std::string string = shown;
+    if (shown.find(byteOrderMarkLetters) != std::string::npos) {
+        shown = withByteOrderMarks(shown);
+        string = shown;
+        if (escapesParentheses) {
+            string = replaceWithBackslashIfNeeded(")", replaceWithBackslashIfNeeded("(", std::move(string)));
+        }
+    }
+    std::string fragment = "%%BeginFeature: ";
+    fragment += keyword;
+    fragment += " " + shown + "\n /RMXsetDynamicOption where\n        { pop (";
+    fragment += keyword;
+    fragment += ") (" + asStringBody(string) + ") RMXsetDynamicOption } if\n%%EndFeature\n";
+    AddFragment(fragment);
+}
+
+void FeatureEmission::AddCurveAdjustment() {
+    if (PPDXControl* control = findSetting(*controls, "*QVCurveAdjust")) {
+        AddDynamicOption("*QVCurveAdjust", valueOf(control), false);
+    }
+}
+
+void FeatureEmission::AddControlBar() {
+    if (gQVUTF8Version < firstVersionWithControlBarRule || controlBarValue == "True" ||
+        !source.IsTwoWayEnabled()) {
+        return;
+    }
+    PPDXPopupControl* control = controls->FindPopup("*QVControlBar", true);
+    if (control == nullptr || control->GetDefaultKeyword() == nullptr) {
+        return;
+    }
+    const std::string value = valueOf(control);
+    if (value == control->GetDefaultKeyword()) {
+        return;
+    }
+    const std::string noteText = valueOf(controls->FindJobNote("*QVControlBar", true));
+    AddDynamicOption("*QVControlBar", noteText.empty() ? value : noteText, false);
+}
+
+void FeatureEmission::AddScale() {
+    PPDXRangeControl* control = controls->FindRangeControl("*QVScale", true);
+    if (control == nullptr || control->GetValue() < 0) {
+        return;
+    }
+    const auto scale = control->GetValue();
+    const std::string factor =
+        std::to_string(scale / 100) + "." + std::to_string(scale / 10 % 10) + std::to_string(scale % 10);
+    AddFragment("%%BeginFeature: *QVScale " + std::to_string(scale) +
+                "\n userdict /RMXZANsetpageproperties known {  << /RMXSetQVScale [ " + factor +
+                " ] >> RMXZANsetpageproperties } { /RMXSetQVScale where { pop " + factor +
+                " RMXSetQVScale } if } ifelse \n%%EndFeature\n");
+}
+
+void FeatureEmission::AddPaperCatalogue() {
+    if (!source.IsTwoWayEnabled()) {
+        return;
+    }
+    const ZANPPD& description = *source.Description();
+    const bool isMacJapanese = headerText(description.LanguageVersion()) == "Japanese" &&
+                               gQVUTF8Version < firstVersionWithUnicodeCatalogue;
+    bool isAnyAdded = false;
+    for (const WideSetting& setting : source.PaperCatalogue()) {
+        if (std::wcstol(setting.value.c_str(), nullptr, 10) == -1) {
+            continue;
+        }
+        const std::string key = withoutLineBreaks(utf8FromWide(setting.key));
+        std::string text = "%%BeginFeature: *" + std::string(withoutAsterisk(key)) + " " +
+                           withoutLineBreaks(utf8FromWide(setting.value)) + "\n%%EndFeature\n";
+        if (isMacJapanese) {
+            const CFStringRef units = cfString(text);
+            text = encodeText(units->units, kCFStringEncodingMacJapanese).value_or(text);
+        }
+        AddFragment(text);
+        isAnyAdded = true;
+    }
+    PPDXControl* printSize = findSetting(*controls, "*QVPrintSize");
+    if (!isAnyAdded || printSize == nullptr || !headerText(description.MakerVersion()).starts_with('3')) {
+        return;
+    }
+    const std::string size = valueOf(printSize);
+    AddFeature("*QVPCPPDSize", equalsIgnoringCase(size, "CustomPrintSize") ? "CustomPageSize0"
+                                                                           : cut(size, printSizeTextSize));
+}
+
+void FeatureEmission::AddCustomPrintSize() {
+    const PPDXCustomPageSizeControl* control = controls->FindCustomPageSizeControl("*CustomPrintSize", true);
+    if (control == nullptr ||
+        !equalsIgnoringCase(valueOf(findSetting(*controls, "*QVPrintSize")), "CustomPrintSize")) {
+        return;
+    }
+    double width = control->GetWidth();
+    double height = control->GetHeight();
+    if (controls->FindSpecialOption("*QVCustomPgSzRoundingOff", true) != nullptr) {
+        width = std::floor(width + 0.5);
+        height = std::floor(height + 0.5);
+    }
+    const std::string size = twoDecimals(width) + " " + twoDecimals(height);
+    AddFragment("%%BeginFeature: *CustomPrintSize " + size +
+                "\n   userdict /RMXZANsetpageproperties known\n   {<< /RMXsetPrintSize [ " + size +
+                " 0 0 1 ] >> RMXZANsetpageproperties} if\n%%EndFeature\n");
+}
+
+void FeatureEmission::AddPrintSize() {
+    PPDXPopupControl* printSize = controls->FindPopup("*QVPrintSize", true);
+    PPDXPopupControl* pageSize = controls->FindPopup("*PageSize", true);
+    if (printSize == nullptr || pageSize == nullptr) {
+        return;
+    }
+    const char* defaultChoice = printSize->GetDefaultKeyword();
+    const bool followsPageSize =
+        defaultChoice == nullptr || std::strcmp(defaultChoice, "QVPrintSizeDEF") != 0;
+    if (followsPageSize && !source.IsPageSizeSuppressed() &&
+        equalsIgnoringCase(valueOf(printSize), valueOf(pageSize))) {
+        AddFragment("%%BeginFeature: *QVPrintSize SameAsPageSize\n\n%%EndFeature\n");
+    } else {
+        ticket.Add(siteDocumentSetup, printSize);
+    }
+}
+
+void FeatureEmission::AddFileDestination() {
+    PPDXControl* mailbox = source.Description()->GetPPDXControlForKey(cfString("*QVMailboxName"));
+    if (mailbox == nullptr ||
+        !equalsIgnoringCase(valueOf(findSetting(*controls, "*QVDestination")), "File")) {
+        return;
+    }
+    const std::string path = "Library/Caches/ZAN/" + cut(valueOf(mailbox), mailboxSize);
+    ticket.Add(siteFileDestination, path);
+    PMPrinter printer;
+    if (purpose == EmissionPurpose::printJob && PMSessionGetCurrentPrinter(session, printer) == noErr) {
+        PMPrinterSendCommand(printer, cfString("/" + path), cfString("Command_PSQVDestination"), nullptr);
+    }
+}
+
+void FeatureEmission::AddEndMarkers() {
+    ticket.Add(siteDriverComment, std::string_view("%%ZANDriver\n"));
+    ticket.Add(siteSetupEnd,
+               std::string_view("%%EndTorkaPreparse1: True\n/RMXPPDInsertionComplete where { pop "
+                                "RMXPPDInsertionComplete } if\n"));
+    if (PPDXSpecialOption* version = controls->FindSpecialOption("*QVUTF8_Version", true)) {
+        const std::string text = withoutLineBreaks(cut(valueOf(version), versionTextSize));
+        ticket.Add(siteDriverComment, "%%QVUTF8_Version: " + text + " \n");
+    }
+}
+
+void FeatureEmission::AddFragment(const std::string& fragment) {
+    if (fragment.size() < fragmentSize) {
+        ticket.Add(siteDocumentSetup, fragment);
+    } else {
+        myNSLogC("A setting needs %zu bytes, more than a job can take, and is left out: %.64s",
+                 fragment.size(), fragment.c_str());
+    }
+}
+
+} // namespace torka

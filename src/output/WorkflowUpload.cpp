@@ -1,0 +1,86 @@
+#include "output/WorkflowUpload.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "platform/Log.h"
+#include "platform/System.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <dlfcn.h>
+#include <memory>
+#include <string>
+
+namespace torka {
+
+namespace {
+
+constexpr std::string_view libraryPath = "/Library/Application Support/ZAN/lib/libks2client.dylib";
+constexpr std::size_t credentialTextSize = 128;
+
+using OpenSession = int (*)(const char*, const char*, const char*, const char*, void**, int);
+using CreateNewJob = int (*)(void*, const char*, const char*, const char*, char*);
+using CloseSession = int (*)(void*);
+
+struct LibraryCloser {
+    void operator()(void* library) const { dlclose(library); }
+};
+using Library = std::unique_ptr<void, LibraryCloser>;
+
+// The value cut to what fits `size` bytes with its terminator.
+std::string controlText(const ZANPPD& description, const char* keyword, std::size_t size) {
+    std::string text = utf8Text(description.CopyValueForKey(cfString(keyword)));
+    if (text.size() >= size) {
+        text.resize(size - 1);
+    }
+    return text;
+}
+
+template <typename Function>
+Function lookUp(const Library& library, const char* name) {
+    return reinterpret_cast<Function>(dlsym(library.get(), name));
+}
+
+} // namespace
+
+void uploadKestrelXMLFiles(ZANPPD& description, const PMPrintSettings& settings, int mode) {
+    const Library library(dlopen(platform::system().Resolve(libraryPath).c_str(), RTLD_NOW | RTLD_LOCAL));
+    if (!library || description.GetPPDXControlForKey(cfString("*QVUserName")) == nullptr) {
+        return;
+    }
+    const auto openSession = lookUp<OpenSession>(library, "KSOpenSession");
+    const auto createNewJob = lookUp<CreateNewJob>(library, "KSCreateNewJobEx");
+    const auto closeSession = lookUp<CloseSession>(library, "KSCloseSession");
+    if (openSession == nullptr || createNewJob == nullptr || closeSession == nullptr) {
+        myNSLogC("The workflow library lacks one of its calls; no workflow job is made.");
+        return;
+    }
+    const std::string user = controlText(description, "*QVUserName", credentialTextSize);
+    std::string password = controlText(description, "*QVUserPassword", credentialTextSize);
+    const std::string address = controlText(description, "*QVIP", credentialTextSize);
+    const std::string workflow = controlText(description, "*QVWorkflowName", workflowTextSize);
+    const std::string folder = controlText(description, "*QVWorkflowFolder", workflowTextSize);
+    const std::string xmlPath = "/tmp/" + workflow + ".xml";
+
+    void* session = nullptr;
+    openSession(address.c_str(), user.c_str(), password.c_str(), "english", &session, 0);
+    explicit_bzero(password.data(), password.size());
+    if (session == nullptr) {
+        return;
+    }
+    CFTypeRef stored;
+    PMPrintSettingsGetValue(settings, cfString("com.apple.print.JobInfo.PMJobName"), stored);
+    std::string jobName = utf8Text(cfCast<CFString>(stored));
+    jobName.resize(std::min(jobName.size(), workflowTextSize - 1));
+    if (mode == 2) {
+        std::array<char, workflowTextSize> identifier{};
+        createNewJob(session, folder.c_str(), jobName.c_str(), xmlPath.c_str(), identifier.data());
+        identifier.back() = '\0';
+        const CFStringRef text = cfString(identifier.data());
+        description.SetValueForKey(cfString("*QVKestrelJobId"), text);
+        description.SetValueForKey(cfString("*QVKSNewJobID"), text);
+    }
+    closeSession(session);
+}
+
+} // namespace torka
