@@ -203,7 +203,15 @@ void SpliceMachine::PassWholeLine(const Line& line) {
 std::optional<std::size_t> SpliceMachine::StepRestOfLine(std::string_view bytes, bool isLast) {
     const std::size_t end = bytes.find_first_of("\r\n");
     if (end != 0) {
-        const std::string_view rest = bytes.substr(0, end);
+        std::string_view rest = bytes.substr(0, end);
+        if (section == Section::prefix) {
+            rest = rest.substr(0, Splicer::prefixLimit - prefixBytes);
+            prefixBytes += rest.size();
+            if (rest.empty()) {
+                RefuseAsForeign();
+                return std::nullopt;
+            }
+        }
         Pass(rest);
         return rest.size();
     }
@@ -515,6 +523,10 @@ void SpliceMachine::Warn(std::string text) {
 void SpliceMachine::Fail(SpliceStatus failure, std::string text) {
     status = failure;
     errorText = std::move(text);
+}
+
+void SpliceMachine::RefuseAsForeign() {
+    Fail(SpliceStatus::notPostScript, "the document does not begin with \"%!\": it is not PostScript");
 }
 
 void SpliceMachine::FailWriting() {

@@ -100,6 +100,7 @@ private:
     void Warn(std::string text);
     void Fail(SpliceStatus failure, std::string text);
     void FailWriting();
+    void RefuseAsForeign();
 
     std::vector<SortedEntry> placeable; // in ticket order
     bool hasSetupEntries = false;

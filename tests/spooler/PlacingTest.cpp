@@ -1,0 +1,217 @@
+#include "SpliceCheck.h"
+
+// Where entries go in each kind of document. In the tables below "H" stands for the header entries in their
+// order, "S" for those of the setup, "C" for the closing entry, and lines end with "/".
+
+namespace torka::tests {
+
+namespace {
+
+const Ticket fullTicket = makeTicket({{-9, "*QVDuplex"},
+                                      {81, "s1"},
+                                      {30, "%%n1"},
+                                      {70, "size\n"},
+                                      {900, "Library/Caches/ZAN/box"},
+                                      {501, "%%d\n"},
+                                      {81, "%%EndSetup\n"}, // data, whatever it says
+                                      {504, "%%l1\n"},
+                                      {71, "c"},
+                                      {504, "%%l2\n"}});
+
+std::string expand(std::string_view pattern, const std::string& lineEnd) {
+    std::string text;
+    for (const char c : pattern) {
+        switch (c) {
+        case '/':
+            text += lineEnd;
+            break;
+        case '#':
+            text += "%%l1\n%%l2\n%%d\n%%n1" + lineEnd;
+            break;
+        case '$':
+            text += "size\ns1" + lineEnd + "%%EndSetup\n";
+            break;
+        case '^':
+            text += "c" + lineEnd;
+            break;
+        default:
+            text += c;
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+TEST(Placing, EachKindOfDocument) {
+    struct Row {
+        const char* document;
+        const char* expected;
+        SplicePlace setup;
+    };
+    using enum SplicePlace;
+    const Row rows[] = {
+        // A setup section of its own: entries open it and close it.
+        {"%!PS-Adobe-3.0/%%Pages: 1/%%EndComments/%%BeginSetup/x/%%EndSetup/%%Page: 1 1/y/%%EOF/",
+         "%!PS-Adobe-3.0/%%Pages: 1/#%%EndComments/%%BeginSetup/$x/^%%EndSetup/%%Page: 1 1/y/%%EOF/",
+         documentSetup},
+        // Sections that are not closed.
+        {"%!PS/%%BeginSetup/x/%%Page: 1 1/y/", "%!PS/#%%BeginSetup/$x/^%%Page: 1 1/y/", documentSetup},
+        {"%!PS/%%BeginSetup/x/%%Trailer/y/", "%!PS/#%%BeginSetup/$x/^%%Trailer/y/", documentSetup},
+        {"%!PS/%%BeginSetup", "%!PS/#%%BeginSetup/$^", documentSetup},
+        // No setup: made behind the prolog, or before the first page.
+        {"%!PS/%%EndComments/%%BeginProlog/p/%%EndProlog/%%Page: 1 1/y/",
+         "%!PS/#%%EndComments/%%BeginProlog/p/%%EndProlog/%%BeginSetup/$^%%EndSetup/%%Page: 1 1/y/",
+         createdSetup},
+        {"%!PS/%%EndComments/p/%%EndProlog/code/showpage/",
+         "%!PS/#%%EndComments/p/%%EndProlog/%%BeginSetup/$^%%EndSetup/code/showpage/", createdSetup},
+        {"%!PS/%%Title: (atend)/p/%%Page: 1 1/y/%%Page: 2 2/z/%%Trailer/%%Title: t/%%EOF/",
+         "%!PS/%%Title: (atend)/#p/%%BeginSetup/$^%%EndSetup/%%Page: 1 1/y/%%Page: 2 2/z/%%Trailer/%%Title: "
+         "t/%%EOF/",
+         createdSetup},
+        {"%!PS/%%EndComments/%%BeginProlog/p/%%Page: 1 1/y/",
+         "%!PS/#%%EndComments/%%BeginProlog/p/%%BeginSetup/$^%%EndSetup/%%Page: 1 1/y/", createdSetup},
+        // No structure at all: behind the header, which then needs an end.
+        {"%!/100 100 moveto/showpage/", "%!/#%%EndComments/$^100 100 moveto/showpage/", afterHeader},
+        {"%!PS-Adobe-3.0 EPSF-3.0/%%EndComments/code/%%EOF/",
+         "%!PS-Adobe-3.0 EPSF-3.0/#%%EndComments/$^code/%%EOF/", afterHeader},
+        {"%!", "%!/#%%EndComments/$^", afterHeader},
+        {"%!PS/%%Title: no end", "%!PS/%%Title: no end/#%%EndComments/$^", afterHeader},
+        // What ends header comments: a blank behind "%", an empty line, code, a section. What does not: "%x",
+        // "%%+".
+        {"%!PS/%x/%%T: a/%%+ b/% c/%%T: d/", "%!PS/%x/%%T: a/%%+ b/#%%EndComments/$^% c/%%T: d/",
+         afterHeader},
+        {"%!PS//%%T: d/", "%!PS/#%%EndComments/$^/%%T: d/", afterHeader},
+        {"%!PS/%%Page: 1 1/y/", "%!PS/#%%BeginSetup/$^%%EndSetup/%%Page: 1 1/y/", createdSetup},
+        // Behind the resources of a prolog that is not declared, unless code came before them.
+        {"%!PS/%%BeginProcSet: p/d/%%EndProcSet/code/", "%!PS/#%%BeginProcSet: p/d/%%EndProcSet/$^code/",
+         afterHeader},
+        {"%!PS/draw/%%BeginFont: f/d/%%EndFont/show/",
+         "%!PS/#%%EndComments/$^draw/%%BeginFont: f/d/%%EndFont/show/", afterHeader},
+        // Job-language lines before "%!" stay as they are.
+        {"\x1b%-12345X@PJL JOB/@PJL SET X=%!/%%BeginSetup/@PJL ENTER LANGUAGE=POST$^RIPT/%!PS/%%EndComments/"
+         "%%BeginSetup/%%EndSetup/\x1b%-12345X",
+         "\x1b%-12345X@PJL JOB/@PJL SET X=%!/%%BeginSetup/@PJL ENTER LANGUAGE=POST$^RIPT/%!PS/#%%EndComments/"
+         "%%BeginSetup/$^%%EndSetup/\x1b%-12345X",
+         documentSetup},
+        {"\x04\x1b%-12345X%!PS/%%EndProlog/%%Page: 1 1/",
+         "\x04\x1b%-12345X%!PS/#%%EndProlog/%%BeginSetup/$^%%EndSetup/%%Page: 1 1/", createdSetup},
+        // The comments of embedded documents, resources and data are not the document's.
+        {"%!PS/%%EndComments/%%BeginResource: file a/%%EndProlog/%%BeginDocument: b/%%BeginSetup/%%Page: 1 1/"
+         "%%BeginDocument: c/%%EndDocument/%%EndSetup/%%EndDocument/%%EOF/%%EndResource/%%BeginData: 3 Hex "
+         "Lines/"
+         "%%Page: 1 1/%%BeginSetup/0/%%EndData/%%BeginBinary: "
+         "13/%%BeginSetup/%%EndBinary/%%BeginSetup/%%EndSetup/",
+         "%!PS/#%%EndComments/%%BeginResource: file a/%%EndProlog/%%BeginDocument: b/%%BeginSetup/%%Page: 1 "
+         "1/"
+         "%%BeginDocument: c/%%EndDocument/%%EndSetup/%%EndDocument/%%EOF/%%EndResource/%%BeginData: 3 Hex "
+         "Lines/"
+         "%%Page: 1 1/%%BeginSetup/0/%%EndData/%%BeginBinary: "
+         "13/%%BeginSetup/%%EndBinary/%%BeginSetup/$^%%EndSetup/",
+         documentSetup},
+        {"%!PS/%%BeginData: ?/%%BeginSetup/%%EndData/%%BeginSetup/%%EndSetup/",
+         "%!PS/#%%BeginData: ?/%%BeginSetup/%%EndData/%%BeginSetup/$^%%EndSetup/", documentSetup},
+        // A resource that is never closed does not hide the setup.
+        {"%!PS/%%EndComments/%%BeginResource: file a/x/%%BeginSetup/%%EndSetup/",
+         "%!PS/#%%EndComments/%%BeginResource: file a/x/%%BeginSetup/$^%%EndSetup/", documentSetup},
+    };
+    for (const std::string lineEnd : {"\n", "\r", "\r\n"}) {
+        for (const Row& row : rows) {
+            const std::string_view document = row.document;
+            const bool isCounted =
+                document.find("BeginBinary: 13") != std::string_view::npos; // one-byte line ends
+            if ((isCounted && lineEnd == "\r\n") || (document == "%!" && lineEnd != "\n")) {
+                continue;
+            }
+            SCOPED_TRACE(row.document);
+            const Spliced result = splice(expand(row.document, lineEnd), fullTicket);
+            EXPECT_EQ(result.status, SpliceStatus::ok);
+            EXPECT_EQ(result.text, expand(row.expected, lineEnd));
+            EXPECT_EQ(result.report.placed.at(81).place, row.setup);
+            EXPECT_EQ(result.report.placed.at(81).entries, 2U);
+            EXPECT_EQ(result.report.mailboxPaths, std::vector<std::string>{"Library/Caches/ZAN/box"});
+        }
+    }
+}
+
+TEST(Placing, EntriesNeverLeaveTheHeaderOrBecomeCode) {
+    const Ticket ticket = makeTicket({{30, "%%ZANCustom1: two\r\nlines quit\r% three\n"},
+                                      {30, "name"},
+                                      {30, ""},
+                                      {504, "%%EndComments\n%!PS\n"}});
+    const Spliced result = splice("%!PS\n%%EndComments\n", ticket);
+    EXPECT_EQ(result.text,
+              "%!PS\n%%+ %%EndComments\n%%+ %!PS\n%%ZANCustom1: two\r\n%%+ lines quit\r%%+ % three\n"
+              "%%+ name\n%%EndComments\n");
+    EXPECT_EQ(result.report.warnings.size(), 3U);
+    EXPECT_EQ(result.report.placed.at(30).entries, 3U);
+}
+
+TEST(Placing, ByteCountsFollowTheLineEndsOfTheDocument) {
+    // Where lines end with a carriage return, the line feed is data: the count ends before "%%EndData".
+    const std::string data = "\n%%BeginSetup\rx\r";
+    const std::string head =
+        "%!PS\r%%EndComments\r%%BeginData: " + std::to_string(data.size()) + " Binary Bytes\r";
+    const Spliced result =
+        splice(head + data + "%%EndData\r%%BeginSetup\r%%EndSetup\r", makeTicket({{81, "s"}}));
+    EXPECT_EQ(result.text, head + data + "%%EndData\r%%BeginSetup\rs\r%%EndSetup\r");
+}
+
+TEST(Placing, LargeAndHostileDocuments) {
+    const std::string filler(3 * Splicer::holdLimit, 'x');
+    const Ticket ticket = makeTicket({{-9, "*F"}, {81, "s\n"}, {501, "%%d\n"}});
+    struct Row {
+        std::string before; // the setup
+        std::string after;
+        const char* setup;
+    };
+    const Row rows[] = {
+        // Beyond the limit of what waits, a document that shows no structure counts as one without it.
+        {"%!PS\n%%d\n%%EndComments\n", filler + "\n%%Page: 1 1\n", "s\n"},
+        {"%!PS\n%%d\n%%EndComments\n%%EndProlog\n", filler + "\n%%BeginSetup\n%%EndSetup\n",
+         "%%BeginSetup\ns\n%%EndSetup\n"},
+        // A declared prolog and a resource may be as long as they like.
+        {"%!PS\n%%d\n%%EndComments\n%%BeginProlog\n" + filler + "\n%%EndProlog\n%%BeginSetup\n",
+         "%%EndSetup\n", "s\n"},
+        {"%!PS\n%%d\n%%BeginFont: f\n" + filler + "\n%%EndFont\n%%EndProlog\n%%BeginSetup\n", "%%EndSetup\n",
+         "s\n"},
+        // A first line and a comment without end; the longest comment that is read.
+        {"%!PS" + filler + "\n%%d\n%%EndComments\n%%BeginSetup\n", "%%EndSetup\n", "s\n"},
+        {"%!PS\n%%T: " + filler + "\n%%d\n%%EndComments\n%%EndProlog " +
+             filler.substr(0, 2 * Splicer::lineLimit) + "\n%%EndProlog" +
+             std::string(Splicer::lineLimit - 11, ' ') + "\n",
+         "%%Page: 1 1\n", "%%BeginSetup\ns\n%%EndSetup\n"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.before.substr(0, 60));
+        std::string document = row.before + row.after;
+        document.erase(document.find("%%d\n"), 4);
+        const Spliced result = splice(document, ticket, {997, 4096, 100'003});
+        EXPECT_TRUE(result.text == row.before + row.setup + row.after);
+    }
+    // A count beyond the document, and a document that never closes what it opened.
+    EXPECT_EQ(splice("%!PS\n%%BeginData: 99999999999999999999999\nx", ticket).text,
+              "%!PS\n%%d\n%%EndComments\ns\n%%BeginData: 99999999999999999999999\nx");
+    const std::string hidden = "%!PS\n%%EndComments\n%%BeginProlog\n%%BeginDocument: x\n";
+    const Spliced left = splice(hidden + filler, ticket, {4096});
+    EXPECT_EQ(left.status, SpliceStatus::entriesLeft);
+    ASSERT_EQ(left.report.unplaced.size(), 1U);
+    EXPECT_EQ(left.report.unplaced[0].entry, 1U);
+    EXPECT_EQ(left.text.size(), hidden.size() + filler.size() + 4);
+}
+
+TEST(Placing, WhatIsNotPostScriptIsRefused) {
+    for (const std::string document : {"", "%PDF-1.7\n%!PS\n", "\xC5\xD0\xD3\xC6 %!PS\n",
+                                       "plain text\n%!PS\n", "@PJL ENTER\nx\n", "\n\n\n"}) {
+        EXPECT_EQ(splice(document, makeTicket({{81, "s"}})).status, SpliceStatus::notPostScript) << document;
+        EXPECT_EQ(splice(document, Ticket()).text, document) << "nothing to place, nothing to refuse";
+    }
+    const std::string endless = "@PJL\n" + std::string(2 * Splicer::prefixLimit, 'x');
+    EXPECT_EQ(splice(endless + "\n%!PS\n", makeTicket({{81, "s"}}), {4096}).status,
+              SpliceStatus::notPostScript);
+    const Spliced odd = splice("%!PS\n", makeTicket({{12, "x"}, {-9, "not a keyword"}}));
+    EXPECT_EQ(odd.text, "%!PS\n");
+    EXPECT_EQ(odd.report.unplaced.size(), 2U);
+}
+
+} // namespace torka::tests

@@ -1,0 +1,235 @@
+#include "SpliceCheck.h"
+#include "spooler/SpliceFile.h"
+
+#include "support/TestSupport.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+// Spliced documents as other programs see them: Ghostscript runs and draws them, the print system's own
+// filter for structured documents takes them apart.
+
+namespace torka::tests {
+
+namespace {
+
+struct Run {
+    std::string output;
+    std::vector<std::string> pages; // as pixels
+};
+
+Run runGhostscript(const std::string& document) {
+    const TemporaryFolder folder;
+    const std::string input = folder.Write("in.ps", document);
+    const std::string pages = folder / "page-%03d.pgm";
+    const CommandResult result = runCommand(
+        {"gs", "-q", "-dBATCH", "-dNOPAUSE", "-dSAFER", "-sDEVICE=pgmraw", "-r18", "-o", pages, input});
+    EXPECT_EQ(result.status, 0) << result.output << result.errors;
+    Run run{result.output, {}};
+    for (int page = 1;; ++page) {
+        std::string name = std::to_string(page);
+        name = "page-" + std::string(3 - name.size(), '0') + name + ".pgm";
+        if (!std::filesystem::exists(folder / name)) {
+            return run;
+        }
+        run.pages.push_back(readFile(folder / name));
+    }
+}
+
+std::string feature(const std::string& keyword, const std::string& said) {
+    return "%%BeginFeature: " + keyword + " x\n(" + said + ") =\n%%EndFeature\n";
+}
+
+const Ticket tellingTicket = makeTicket({{-9, "*Sys"},
+                                         {504, "%%Orientation: Portrait\n"},
+                                         {501, "%%ZANDriver\n"},
+                                         {30, "%%ZANCustom1: a note (with parentheses\\\n"},
+                                         {81, feature("*QVDuplex", "duplex")},
+                                         {70, feature("*PageSize", "size")},
+                                         {81, "(tray) ="},
+                                         {71, "%%EndTorkaPreparse1: True\n(complete) =\n"}});
+const char* const toldByTicket = "size\nduplex\ntray\ncomplete\n";
+
+std::string wrapped(const std::string& text) { return "[{\n" + text + "} stopped cleartomark\n"; }
+
+// A page with a box at its number's place.
+std::string page(int number) {
+    return "%%Page: " + std::to_string(number) + " " + std::to_string(number) + "\n%%BeginPageSetup\n" +
+           wrapped(feature("*Sys", "page system")) + "%%EndPageSetup\n" + std::to_string(number * 90) +
+           " 100 box showpage\n";
+}
+
+const std::string prolog = "%%BeginProlog\n" + feature("*Sys", "prolog system") +
+                           "/box { moveto 60 0 rlineto 0 60 rlineto -60 0 rlineto fill } def\n%%EndProlog\n";
+
+} // namespace
+
+TEST(Printing, GhostscriptDrawsTheSamePagesAndHearsTheSettings) {
+    const std::string samples = TORKA_SOURCE_DIR "/samples/";
+    std::string image = "%%BeginData: 283 Binary Bytes\n8 32 8 [8 0 0 32 0 0] currentfile ";
+    image += "8 string /s exch def { s readstring pop } bind image\n";
+    const std::size_t head = image.find('\n') + 1;
+    for (std::size_t i = 0; image.size() < head + 283 - 1; ++i) {
+        image += "%%Page: 9 9\n%%BeginSetup\n\r\x04"[i % 27];
+    }
+    image += "\n%%EndData\n";
+    // Line counts and an embedded document with a setup of its own.
+    const std::string embedded =
+        "save /showpage {} def\n%%BeginDocument: inner.eps\n%!PS-Adobe-3.0 EPSF-3.0\n"
+        "%%BoundingBox: 0 0 99 99\n%%EndComments\n%%BeginSetup\n" +
+        feature("*Sys", "inner system") + "%%EndSetup\n%%Page: 1 1\n9 9 box\nshowpage\n" +
+        "%%EOF\n%%EndDocument\nrestore\n";
+    struct Row {
+        const char* name;
+        std::string document;
+        std::string toldBefore;
+        std::string toldAfter;
+    };
+    const std::string start = "%!PS-Adobe-3.0\n%%Pages: (atend)\n%%EndComments\n";
+    const std::string end = "%%Trailer\n%%Pages: 2\n%%EOF\n";
+    const std::string told = toldByTicket;
+    const std::string setup =
+        "%%BeginSetup\n" + wrapped(feature("*Sys", "system")) + feature("*Own", "own") + "%%EndSetup\n";
+    std::string macDocument = start + prolog + setup + page(1) + page(2) + end;
+    std::ranges::replace(macDocument, '\n', '\r');
+    const std::string systemTalk = "page system\n";
+    const Row rows[] = {
+        {"structured", start + prolog + setup + page(1) + page(2) + end,
+         "prolog system\nsystem\nown\n" + systemTalk + systemTalk, told + "own\n"},
+        {"carriage returns", macDocument, "prolog system\nsystem\nown\n" + systemTalk + systemTalk,
+         told + "own\n"},
+        {"no setup", start + prolog + page(1) + page(2) + end, "prolog system\n" + systemTalk + systemTalk,
+         told},
+        {"embedded document", start + prolog + setup + embedded + page(1) + end,
+         "prolog system\nsystem\nown\ninner system\n" + systemTalk, told + "own\ninner system\n"},
+        {"binary image",
+         start + prolog + page(1) + "gsave 60 60 scale\n" + image + "grestore showpage\n" + end,
+         "prolog system\n" + systemTalk, told},
+        {"no structure", "%!\n/n 3 def 1 1 n { 90 mul 90 moveto 50 0 rlineto stroke showpage } for\n", "",
+         told},
+        {"brochure", readFile(samples + "brochure.ps"), "", told},
+        {"plain", readFile(samples + "plain.ps"), "", told},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Spliced result = splice(row.document, tellingTicket);
+        ASSERT_EQ(result.status, SpliceStatus::ok);
+        const Run before = runGhostscript(row.document);
+        const Run after = runGhostscript(result.text);
+        EXPECT_FALSE(before.pages.empty());
+        EXPECT_TRUE(before.pages == after.pages)
+            << before.pages.size() << " and " << after.pages.size() << " pages";
+        EXPECT_EQ(before.output, row.toldBefore);
+        EXPECT_EQ(after.output, row.toldAfter);
+    }
+}
+
+TEST(Printing, TheSystemsOwnFilterWritesWhatIsRemovedAndReadsWhatIsSpliced) {
+    const std::string pstops = "/usr/lib/cups/filter/pstops";
+    if (!std::filesystem::exists(pstops)) {
+        GTEST_SKIP() << "no " << pstops;
+    }
+    const TemporaryFolder folder;
+    const auto option = [](const std::string& keyword, const std::string& section) {
+        return "*OpenUI *" + keyword + ": PickOne\n*OrderDependency: 20 " + section + " *" + keyword +
+               "\n*Default" + keyword + ": A\n*" + keyword + " A: \"(system " + keyword + " A) =\"\n*" +
+               keyword + " B: \"(system " + keyword + " B) =\"\n*CloseUI: *" + keyword + "\n";
+    };
+    const std::string description = folder.Write(
+        "test.ppd",
+        "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*FileVersion: \"1.0\"\n*LanguageVersion: English\n"
+        "*LanguageEncoding: ISOLatin1\n*PCFileName: \"T.PPD\"\n*Manufacturer: \"T\"\n*Product: \"(T)\"\n"
+        "*ModelName: \"T\"\n*ShortNickName: \"T\"\n*NickName: \"T\"\n*PSVersion: \"(3010.000) 1\"\n"
+        "*OpenUI *PageSize: PickOne\n*DefaultPageSize: Letter\n*PageSize Letter: \"\"\n*CloseUI: *PageSize\n"
+        "*OpenUI *PageRegion: PickOne\n*DefaultPageRegion: Letter\n*PageRegion Letter: \"\"\n*CloseUI: "
+        "*PageRegion\n"
+        "*DefaultImageableArea: Letter\n*ImageableArea Letter: \"0 0 612 792\"\n"
+        "*DefaultPaperDimension: Letter\n*PaperDimension Letter: \"612 792\"\n" +
+            option("QVFirst", "Prolog") + option("QVSecond", "DocumentSetup") +
+            option("QVThird", "PageSetup") + option("QVKept", "DocumentSetup") +
+            "*CustomQVSecond True: \"pop (system custom) =\"\n" + "*ParamCustomQVSecond Val: 1 int 0 9\n");
+    const std::string plain =
+        "%!PS-Adobe-3.0\n%%Pages: 3\n%%EndComments\n%%Page: 1 1\n1 1 moveto showpage\n"
+        "%%Page: 2 2\n2 2 moveto 90 90 lineto stroke showpage\n%%Page: 3 3\nshowpage\n%%EOF\n";
+    const auto filter = [&](const std::string& document, const std::string& options) {
+        const CommandResult result = runCommand({"env", "PPD=" + description, pstops, "1", "user", "title",
+                                                 "1", options, folder.Write("in.ps", document)});
+        EXPECT_EQ(result.status, 0) << result.errors;
+        return result.output;
+    };
+    const std::string system = filter(plain, "QVFirst=B QVSecond=Custom.4 QVThird=B QVKept=B");
+    Ticket ticket = tellingTicket;
+    for (const char* keyword : {"*QVFirst", "*QVSecond", "*QVThird"}) {
+        ticket.entries.push_back({-9, keyword});
+    }
+    const Spliced result = splice(system, ticket);
+    EXPECT_EQ(runGhostscript(system).output, "system QVFirst B\nsystem custom\nsystem QVKept B\nsystem "
+                                             "QVThird B\nsystem QVThird B\nsystem QVThird B\n");
+    EXPECT_EQ(runGhostscript(result.text).output, std::string(toldByTicket) + "system QVKept B\n");
+    EXPECT_EQ(result.report.removed.at("*QVThird"), 3U);
+
+    // Read again as a structured document: one page of three, the header's comments and the setup where they
+    // were.
+    const std::string second = filter(result.text, "page-ranges=2 QVKept=A");
+    EXPECT_EQ(runGhostscript(second).pages.size(), 1U);
+    const std::string header = second.substr(0, second.find("%%EndComments"));
+    EXPECT_THAT(header, testing::HasSubstr("%%ZANDriver\n"));
+    EXPECT_THAT(header, testing::HasSubstr("%%ZANCustom1: a note (with parentheses\\\n"));
+    const std::size_t setup = second.find("%%BeginSetup");
+    EXPECT_LT(setup, second.find("(duplex) ="));
+    EXPECT_LT(second.find("(complete) ="), second.find("%%EndSetup"));
+    EXPECT_LT(second.find("%%EndSetup"), second.find("%%Page:"));
+}
+
+TEST(SpliceFile, WritesAWholeFileOrNone) {
+    const TemporaryFolder folder;
+    const std::string input = folder.Write("in.ps", "%!PS\n%%EndComments\nshowpage\n");
+    const std::string output = folder.Write("out.ps", "earlier");
+    const auto files = [&] {
+        return std::distance(std::filesystem::directory_iterator(folder.Path()),
+                             std::filesystem::directory_iterator());
+    };
+    const Ticket ticket = makeTicket({{81, "s"}});
+
+    EXPECT_EQ(spliceFile(folder.Write("bad.ps", "%PDF-1.7\n"), ticket, output).status,
+              SpliceStatus::notPostScript);
+    EXPECT_EQ(spliceFile(folder / "none.ps", ticket, output).errorText,
+              folder.Path().string() + "/none.ps: cannot be opened: No such file or directory");
+    EXPECT_EQ(spliceFile(folder.Path(), ticket, output).status, SpliceStatus::readFailed);
+    EXPECT_EQ(spliceFile(input, ticket, output, [](std::uint64_t) { return false; }).status,
+              SpliceStatus::stopped);
+    EXPECT_EQ(readFile(output), "earlier");
+    EXPECT_EQ(spliceFile(input, ticket, folder / "none/out.ps").status, SpliceStatus::writeFailed);
+    EXPECT_EQ(spliceFile(input, ticket, "/dev/full").errorText,
+              "/dev/full: the document cannot be written: No space left on device");
+    EXPECT_EQ(files(), 3);
+
+    EXPECT_EQ(spliceFile(input, ticket, output).status, SpliceStatus::ok);
+    EXPECT_EQ(readFile(output), "%!PS\n%%EndComments\ns\nshowpage\n");
+    EXPECT_EQ(spliceFile(input, ticket, input).status, SpliceStatus::ok) << "in place";
+    EXPECT_EQ(readFile(input), readFile(output));
+    EXPECT_EQ(files(), 3);
+}
+
+TEST(SpliceFile, AReaderThatWentAwayIsAStatus) {
+    const TemporaryFolder folder;
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    ::close(ends[0]);
+    const auto before = std::signal(SIGPIPE, SIG_IGN);
+    const int source = ::open(folder.Write("in.ps", "%!PS\n").c_str(), O_RDONLY);
+    const SpliceOutcome outcome = spliceDescriptor(source, makeTicket({{81, "s"}}), ends[1]);
+    std::signal(SIGPIPE, before);
+    ::close(source);
+    ::close(ends[1]);
+    EXPECT_EQ(outcome.status, SpliceStatus::writeFailed);
+    EXPECT_THAT(outcome.errorText, testing::HasSubstr("Broken pipe"));
+}
+
+} // namespace torka::tests

@@ -1,0 +1,159 @@
+#include "SpliceCheck.h"
+
+#include <random>
+
+namespace torka::tests {
+
+namespace {
+
+const Ticket suppressing = makeTicket({{-9, "*QVDuplex"}, {-9, "*Tray"}});
+
+} // namespace
+
+TEST(Removal, FeatureCodeOfSuppressedKeywords) {
+    struct Row {
+        const char* document; // what stands between "<" and ">" goes; lines end with "/"
+        std::uint64_t blocks;
+    };
+    const Row rows[] = {
+        // In the setup, bare and in each spelling of the wrapper.
+        {"%!PS/%%BeginSetup/<%%BeginFeature: *QVDuplex True/x/%%EndFeature/>y/%%EndSetup/", 1},
+        {"%!PS/%%BeginSetup/<[{/%%BeginFeature: *QVDuplex True/x/%%EndFeature/} stopped "
+         "cleartomark/>%%EndSetup/",
+         1},
+        {"%!PS/%%BeginSetup/< mark {/%%BeginFeature:*Tray\tB/x/%%EndFeature/}stopped  cleartomark />", 1},
+        {"%!PS/%%BeginSetup/<[ {/%%BeginFeature *Tray/x/%%EndFeature/} stopped cleartomark>", 1},
+        // A wrapper that is not closed, or opened with something else on its line, stays.
+        {"%!PS/%%BeginSetup/[{/<%%BeginFeature: *Tray B/x/%%EndFeature/>}stopped{}if/", 1},
+        {"%!PS/%%BeginSetup/q [{/<%%BeginFeature: *Tray B/x/%%EndFeature/>} stopped cleartomark/", 1},
+        {"%!PS/%%BeginSetup/[{//<%%BeginFeature: *Tray B/x/%%EndFeature/>} stopped cleartomark/", 1},
+        // Custom values of the keyword; other keywords, also longer and shorter ones.
+        {"%!PS/%%BeginSetup/<%%BeginFeature: *CustomTray True/x/%%EndFeature/>", 1},
+        {"%!PS/%%BeginSetup/%%BeginFeature: *PageSize A4/x/%%EndFeature/%%BeginFeature: *Trays "
+         "B/%%EndFeature/"
+         "%%BeginFeature: *Tra B/%%EndFeature/%%BeginFeature: Tray "
+         "B/%%EndFeature/%%BeginFeature:/%%EndFeature/",
+         0},
+        // Prolog, behind the prolog, setup, page setups; requests for a feature.
+        {"%!PS/%%BeginProlog/<[{/%%BeginFeature: *Tray B/%%EndFeature/} stopped cleartomark/>%%EndProlog/"
+         "<%%IncludeFeature: *Tray B/>%%BeginSetup/<%%IncludeFeature: *QVDuplex/>%%IncludeFeature: "
+         "*X/%%EndSetup/"
+         "%%Page: 1 1/%%BeginPageSetup/<[{/%%BeginFeature: *Tray B/%%EndFeature/} stopped cleartomark/>"
+         "%%EndPageSetup/y/%%Page: 2 2/%%BeginPageSetup/<%%IncludeFeature: *Tray C/>%%EndPageSetup/",
+         5},
+        // Not in page bodies, trailers, embedded documents, resources and data.
+        {"%!PS/%%Page: 1 1/%%BeginFeature: *Tray B/%%EndFeature/%%BeginPageSetup/%%BeginDocument: e/"
+         "%%BeginFeature: *Tray B/%%EndFeature/%%EndDocument/%%BeginResource: r/%%IncludeFeature: *Tray/"
+         "%%EndResource/%%BeginData: 2 ASCII Lines/%%IncludeFeature: *Tray/%%IncludeFeature: *Tray/%%EndData/"
+         "<%%IncludeFeature: *Tray/>%%EndPageSetup/%%IncludeFeature: *Tray/%%Trailer/%%IncludeFeature: "
+         "*Tray/",
+         1},
+        // A request inside a block goes with it.
+        {"%!PS/%%BeginSetup/<%%BeginFeature: *Tray B/%%IncludeFeature: *X/x/%%EndFeature/>", 1},
+        // A block without an end stays whole, and hides nothing behind it.
+        {"%!PS/%%BeginSetup/[{/%%BeginFeature: *Tray B/x/%%EndSetup/%%Page: 1 1/%%BeginPageSetup/"
+         "<%%IncludeFeature: *Tray/>",
+         1},
+        {"%!PS/%%BeginSetup/%%BeginFeature: *Tray A/x/<[{/%%BeginFeature: *Tray B/y/%%EndFeature/"
+         "} stopped cleartomark/>%%EndSetup/",
+         1},
+        {"%!PS/%%BeginSetup/%%BeginFeature: *Tray A/x", 0},
+    };
+    for (const std::string lineEnd : {"\n", "\r", "\r\n"}) {
+        for (const Row& row : rows) {
+            SCOPED_TRACE(row.document);
+            std::string document;
+            std::string expected;
+            bool isKept = true;
+            for (const char* c = row.document; *c != '\0'; ++c) {
+                if (*c == '<' || *c == '>') {
+                    isKept = *c == '>';
+                    continue;
+                }
+                const std::string text = *c == '/' ? lineEnd : std::string(1, *c);
+                document += text;
+                expected += isKept ? text : "";
+            }
+            const Spliced result = splice(document, suppressing);
+            EXPECT_EQ(result.text, expected);
+            EXPECT_EQ(result.report.removed.at("*Tray") + result.report.removed.at("*QVDuplex"), row.blocks);
+            EXPECT_EQ(result.report.bytesRemoved, document.size() - expected.size());
+        }
+    }
+}
+
+TEST(Removal, ABlockBeyondTheLimitIsLeftAndSaid) {
+    const std::string filler(Splicer::featureLimit, 'x');
+    const std::string document = "%!PS\n%%BeginSetup\n[{\n%%BeginFeature: *Tray B\n" + filler +
+                                 "\n%%IncludeFeature: *Tray\n%%EndFeature\n} stopped cleartomark\n";
+    const Spliced result = splice(document, suppressing, {997, 4096});
+    std::string expected = document;
+    expected.erase(expected.find("%%Include"), 24);
+    EXPECT_TRUE(result.text == expected);
+    ASSERT_FALSE(result.report.warnings.empty());
+    EXPECT_NE(result.report.warnings[0].find("*Tray is left"), std::string::npos);
+}
+
+// Random documents of the words that matter, in every order: whatever the cuts, the result is the same, and
+// no entry is written twice or lost without a word.
+TEST(Removal, RandomDocumentsDoNotDependOnTheCuts) {
+    const std::string words[] = {"%!PS",
+                                 "\n",
+                                 "\r",
+                                 "\r\n",
+                                 "%%EndComments\n",
+                                 "%%BeginProlog\n",
+                                 "%%EndProlog\n",
+                                 "%%BeginSetup\n",
+                                 "%%EndSetup\n",
+                                 "%%Page: 1 1\n",
+                                 "%%BeginPageSetup\n",
+                                 "%%EndPageSetup\n",
+                                 "%%BeginFeature: *Tray B\n",
+                                 "%%EndFeature\n",
+                                 "[{\r\n",
+                                 "[{\n",
+                                 "} stopped cleartomark\n",
+                                 "%%IncludeFeature: *Tray\r",
+                                 "%%Trailer\n",
+                                 "%%EOF\n",
+                                 "%%BeginDocument: x\n",
+                                 "%%EndDocument\n",
+                                 "%%BeginResource: x\n",
+                                 "%%EndResource\n",
+                                 "%%BeginData: 9\n",
+                                 "%%BeginData: 2 Hex Lines\r\n",
+                                 "%%BeginBinary:\r",
+                                 "%%EndData\n",
+                                 "%",
+                                 "%%",
+                                 "code\n",
+                                 "%%BoundingBox: 0 0 1 1\n",
+                                 " ",
+                                 "\x1b%-12345X",
+                                 std::string(70, 'y')};
+    std::mt19937 random(20240921);
+    std::uniform_int_distribution<std::size_t> word(0, std::size(words) - 1);
+    std::uniform_int_distribution<int> length(0, 40);
+    const Ticket ticket = makeTicket({{-9, "*Tray"}, {81, "(81)"}, {71, "(71)"}, {30, "%%(30)"}});
+    const auto count = [](const std::string& text, const char* part) {
+        std::size_t found = 0;
+        for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+            ++found;
+        }
+        return found;
+    };
+    for (int round = 0; round < 3000; ++round) {
+        std::string document = "%!PS\n";
+        for (int i = length(random); i > 0; --i) {
+            document += words[word(random)];
+        }
+        const Spliced result = splice(document, ticket, {1, 3, 64});
+        const std::size_t setups = result.status == SpliceStatus::ok ? 1 : 0;
+        ASSERT_EQ(count(result.text, "(81)"), setups) << document;
+        ASSERT_EQ(count(result.text, "(71)"), setups) << document;
+        ASSERT_EQ(count(result.text, "(30)"), 1U) << document;
+    }
+}
+
+} // namespace torka::tests
