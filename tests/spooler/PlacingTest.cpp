@@ -1,4 +1,4 @@
-#include "SpliceCheck.h"
+#include "tests/spooler/SpliceCheck.h"
 
 // Where entries go in each kind of document. In the tables below "H" stands for the header entries in their
 // order, "S" for those of the setup, "C" for the closing entry, and lines end with "/".

@@ -1,7 +1,7 @@
-#include "SpliceCheck.h"
 #include "spooler/SpliceFile.h"
+#include "tests/spooler/SpliceCheck.h"
 
-#include "support/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "SpliceCheck.h"
+#include "tests/spooler/SpliceCheck.h"
 
 #include <random>
 

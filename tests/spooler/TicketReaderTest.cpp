@@ -1,6 +1,6 @@
 #include "spooler/TicketReader.h"
 
-#include "support/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
 
