@@ -114,14 +114,6 @@ TicketResult readTicket(std::span<const std::uint8_t> propertyList) {
     if (propertyList.size() > maximumTicketBytes) {
         return refuse(TicketError::Code::tooLarge, "larger than 64 MiB, no ticket is");
     }
-    // An entry takes two elements of two tags each. Counting the tags first keeps a file of nothing but tags
-    // from becoming millions of objects.
-    const auto tags = std::ranges::count(propertyList, std::uint8_t{'<'});
-    constexpr auto tagLimit = static_cast<std::ptrdiff_t>(4 * maximumTicketEntries + 16);
-    if (tags > tagLimit) {
-        return refuse(TicketError::Code::tooLarge, "more than " + std::to_string(maximumTicketEntries) +
-                                                       " entries, no ticket has that many");
-    }
     std::string reason;
     const CFPropertyListRef root =
         CFPropertyListCreateFromXMLData(CFDataCreate(propertyList.data(), propertyList.size()), &reason);

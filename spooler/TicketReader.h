@@ -14,11 +14,9 @@
 
 namespace torka {
 
-// A larger file is refused unread.
+// A larger file is refused. The reader of property lists bounds the number of values, too (100,000, half as
+// many entries), so that a hostile file cannot take more memory than a multiple of its size.
 inline constexpr std::size_t maximumTicketBytes = std::size_t{64} * 1024 * 1024;
-// A list of more entries is refused before it is parsed, which bounds the memory that a hostile file can
-// take.
-inline constexpr std::size_t maximumTicketEntries = 100'000;
 
 struct TicketEntry {
     PostScriptInjectionSite site = 0;
@@ -42,7 +40,7 @@ struct TicketError {
         none,
         cannotRead, // the operating system refused; the text ends with its reason
         notARegularFile,
-        tooLarge, // beyond maximumTicketBytes or maximumTicketEntries
+        tooLarge, // beyond maximumTicketBytes
         notAPropertyList,
         notAnArray,
         missingData, // an odd number of elements: the last site has no bytes

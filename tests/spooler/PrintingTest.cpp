@@ -19,19 +19,19 @@ namespace torka::tests {
 
 namespace {
 
-struct Run {
+struct Printout {
     std::string output;
     std::vector<std::string> pages; // as pixels
 };
 
-Run runGhostscript(const std::string& document) {
+Printout runGhostscript(const std::string& document) {
     const TemporaryFolder folder;
     const std::string input = folder.Write("in.ps", document);
     const std::string pages = folder / "page-%03d.pgm";
     const CommandResult result = runCommand(
         {"gs", "-q", "-dBATCH", "-dNOPAUSE", "-dSAFER", "-sDEVICE=pgmraw", "-r18", "-o", pages, input});
     EXPECT_EQ(result.status, 0) << result.output << result.errors;
-    Run run{result.output, {}};
+    Printout run{result.output, {}};
     for (int page = 1;; ++page) {
         std::string name = std::to_string(page);
         name = "page-" + std::string(3 - name.size(), '0') + name + ".pgm";
@@ -120,8 +120,8 @@ TEST(Printing, GhostscriptDrawsTheSamePagesAndHearsTheSettings) {
         SCOPED_TRACE(row.name);
         const Spliced result = splice(row.document, tellingTicket);
         ASSERT_EQ(result.status, SpliceStatus::ok);
-        const Run before = runGhostscript(row.document);
-        const Run after = runGhostscript(result.text);
+        const Printout before = runGhostscript(row.document);
+        const Printout after = runGhostscript(result.text);
         EXPECT_FALSE(before.pages.empty());
         EXPECT_TRUE(before.pages == after.pages)
             << before.pages.size() << " and " << after.pages.size() << " pages";
