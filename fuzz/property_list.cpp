@@ -1,0 +1,22 @@
+// What is read as a property list is written, read again and found the same.
+
+#include "platform/PropertyList.h"
+
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace torka::platform;
+    std::string error;
+    const CFPropertyListRef list = CFPropertyListCreateFromXMLData(CFDataCreate(data, size), &error);
+    if (!list) {
+        if (error.empty()) {
+            std::abort();
+        }
+        return 0;
+    }
+    const CFDataRef written = CFPropertyListCreateXMLData(list);
+    if (!written || !CFEqual(list, CFPropertyListCreateFromXMLData(written))) {
+        std::abort();
+    }
+    return 0;
+}

@@ -1,0 +1,169 @@
+#include "platform/TextEncoding.h"
+#include "platform/CoreFoundation.h"
+#include "tests/support/TestSupport.h"
+
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+
+namespace torka {
+namespace {
+
+using namespace std::string_literals;
+
+// What Python's codec makes of each sequence of one byte, or with `twoBytes` of each of two: bytes to their
+// characters. A sequence that the codec refuses is absent.
+std::map<std::string, std::u16string> pythonTable(const std::string& codec, bool twoBytes) {
+    std::istringstream lines(tests::runPython(R"(
+import sys
+codec, two = sys.argv[1], sys.argv[2] == '2'
+for n in range(0x8140, 0x10000) if two else range(256):
+    raw = n.to_bytes(2 if two else 1, 'big')
+    try:
+        text = raw.decode(codec)
+    except UnicodeDecodeError:
+        continue
+    if len(text) == 1:
+        print(n, ord(text)))",
+                                              {codec, twoBytes ? "2" : "1"}));
+    std::map<std::string, std::u16string> table;
+    for (unsigned code = 0, point = 0; lines >> code >> point;) {
+        const std::string low(1, static_cast<char>(code));
+        const std::string bytes = twoBytes ? static_cast<char>(code >> 8) + low : low;
+        table[bytes] = utf16FromWide(std::wstring(1, static_cast<wchar_t>(point)));
+    }
+    return table;
+}
+
+TEST(TextEncoding, AgreesWithPythonsCodecs) {
+    struct Case {
+        CFStringEncoding encoding;
+        const char* codec;
+        bool twoBytes;
+        std::size_t least; // sequences that the codec knows, so that an empty table is noticed
+    };
+    const Case cases[] = {
+        {kCFStringEncodingMacRoman, "mac_roman", false, 256},
+        {kCFStringEncodingMacCentralEurRoman, "mac_latin2", false, 256},
+        {kCFStringEncodingISOLatin1, "latin_1", false, 256},
+        {kCFStringEncodingISOLatin2, "iso8859_2", false, 256},
+        {kCFStringEncodingISOLatin5, "iso8859_9", false, 256},
+        {kCFStringEncodingWindowsLatin1, "cp1252", false, 251},
+        {kCFStringEncodingASCII, "ascii", false, 128},
+        {kCFStringEncodingShiftJIS, "shift_jis", true, 6879},
+        {kCFStringEncodingGB_18030_2000, "gbk", true, 20000},
+    };
+    for (const Case& item : cases) {
+        const auto table = pythonTable(item.codec, item.twoBytes);
+        EXPECT_GE(table.size(), item.least) << item.codec;
+        std::size_t different = 0;
+        for (const auto& [bytes, units] : table) {
+            if (decodeText(bytes, item.encoding) != units || encodeText(units, item.encoding) != bytes) {
+                ++different;
+                ADD_FAILURE() << item.codec << " " << ::testing::PrintToString(bytes);
+                ASSERT_LT(different, 10U);
+            }
+        }
+    }
+}
+
+TEST(TextEncoding, MacJapaneseHasItsOwnBytes) {
+    const std::pair<std::string, std::u16string> cases[] = {
+        {"\\", u"\u00A5"},
+        {"\x80", u"\\"},
+        {"\xA0", u"\u00A0"},
+        {"\xFD", u"\u00A9"},
+        {"\xFE", u"\u2122"},
+        {"\x83\x5C\x83\x80\x81\xA0",
+         u"\u30BD\u30E0\u25A1"}, // those bytes as second ones mean nothing of their own
+        {"a\xB1\x88\xC0\x90\xB9", u"a\uFF71\u5B89\u8056"},
+        {"\x87\x40", u"\u2460"},
+    };
+    for (const CFStringEncoding encoding : {kCFStringEncodingMacJapanese, kCFStringEncodingShiftJIS}) {
+        for (const auto& [bytes, units] : cases) {
+            EXPECT_EQ(decodeText(bytes, encoding), units);
+            EXPECT_EQ(encodeText(units, encoding), bytes);
+        }
+        EXPECT_EQ(decodeText("\xFF", encoding), u"\u2026");
+        EXPECT_EQ(encodeText(u"\u2026", encoding), "\x81\x63");
+    }
+}
+
+TEST(TextEncoding, TellsWhatItCannotRead) {
+    struct Case {
+        CFStringEncoding encoding;
+        std::string bytes;
+        std::u16string lossy;
+    };
+    const Case cases[] = {
+        {kCFStringEncodingUTF8, "a\xFF\xC3", u"a\uFFFD\uFFFD"},
+        {kCFStringEncodingUTF8, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"}, // a surrogate is no UTF-8
+        {kCFStringEncodingASCII, "a\xE9", u"a\uFFFD"},
+        {kCFStringEncodingUTF16, "a\0b"s, u"a\uFFFD"},
+        {kCFStringEncodingShiftJIS, "\x83", u"\uFFFD"},
+        {kCFStringEncodingShiftJIS, "\x85\x41z",
+         u"\uFFFD"
+         u"Az"},
+        {kCFStringEncodingGB_18030_2000, "\x81", u"\uFFFD"},
+        {kCFStringEncodingNonLossyASCII, "\\u12 \xE9\\", u"\uFFFDu12 \uFFFD\uFFFD"},
+        {kCFStringEncodingNonLossyASCII, "\\400",
+         u"\uFFFD"
+         u"400"},
+    };
+    for (const Case& item : cases) {
+        EXPECT_FALSE(decodeText(item.bytes, item.encoding)) << item.bytes;
+        EXPECT_EQ(decodeTextLossy(item.bytes, item.encoding), item.lossy) << item.bytes;
+    }
+    for (const CFStringEncoding unknown : {kCFStringEncodingUnknown, CFStringEncoding{7}}) {
+        EXPECT_FALSE(isKnownEncoding(unknown));
+        EXPECT_FALSE(decodeText("a", unknown) || decodeTextLossy("a", unknown) || encodeText(u"a", unknown));
+    }
+    for (const CFStringEncoding narrow : {kCFStringEncodingISOLatin1, kCFStringEncodingASCII,
+                                          kCFStringEncodingShiftJIS, kCFStringEncodingMacRoman}) {
+        EXPECT_FALSE(encodeText(u"a\u0E01", narrow)) << narrow;
+    }
+    EXPECT_FALSE(encodeText(u"a\xD800z", kCFStringEncodingUTF8));
+    EXPECT_EQ(utf8FromUtf16(u"a\xD800z"), "a\xEF\xBF\xBDz");
+}
+
+TEST(TextEncoding, NonLossyAsciiHoldsAnyText) {
+    const std::u16string text = u"a\\b\n\u00E9\u007F\u0100\u4E2D\U0001F600";
+    const auto bytes = encodeText(text, kCFStringEncodingNonLossyASCII);
+    EXPECT_EQ(bytes, "a\\\\b\n\\351\x7F\\u0100\\u4e2d\\ud83d\\ude00");
+    EXPECT_EQ(decodeText(*bytes, kCFStringEncodingNonLossyASCII), text);
+    EXPECT_EQ(decodeText("\\U4E2D", kCFStringEncodingNonLossyASCII), u"\u4E2D");
+}
+
+TEST(TextEncoding, Utf16FollowsItsMark) {
+    for (const std::string& bytes : {"\xFE\xFF\0a\x4E\x2D"s, "\xFF\xFE"
+                                                             "a\0\x2D\x4E"s}) {
+        EXPECT_EQ(decodeText(bytes, kCFStringEncodingUTF16), u"a\u4E2D");
+    }
+    EXPECT_EQ(decodeText(*encodeText(u"\u4E2Da", kCFStringEncodingUTF16), kCFStringEncodingUTF16),
+              u"\u4E2Da");
+}
+
+TEST(TextEncoding, WideTextKeepsWhatIsACharacter) {
+    const std::wstring wide = L"a\u4E2D\U0001F600";
+    EXPECT_EQ(wideFromUtf8(utf8FromWide(wide)), wide);
+    EXPECT_EQ(utf16FromWide(std::wstring{0x110000, 0xD800, L'b'}), u"\uFFFD\uFFFDb");
+    EXPECT_EQ(wideFromUtf16(u"\xDC00\xD83D\xDE00\xD83D"), L"\uFFFD\U0001F600\uFFFD");
+}
+
+TEST(TextEncoding, NumbersOfTheClassicSystem) {
+    EXPECT_EQ(CreateTextEncoding(256, 0, 2), kCFStringEncodingUTF8);
+    EXPECT_EQ(CreateTextEncoding(kCFStringEncodingShiftJIS, 0, 0), kCFStringEncodingShiftJIS);
+    // Not one of the encodings that descriptions name, so that text in UTF-8 is never taken for one of them.
+    EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingUTF8), kCFStringEncodingUTF8);
+    EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingISOLatin1),
+              kCFStringEncodingMacRoman);
+    EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingShiftJIS),
+              kCFStringEncodingMacJapanese);
+    EXPECT_EQ(CFStringGetSystemEncoding(), kCFStringEncodingUTF8);
+    const tests::ScopedMemorySystem scoped;
+    scoped->narrowEncoding = kCFStringEncodingMacRoman;
+    EXPECT_EQ(CFStringGetSystemEncoding(), kCFStringEncodingMacRoman);
+}
+
+} // namespace
+} // namespace torka
