@@ -5,6 +5,7 @@
 #include <optional>
 #include <random>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -78,6 +79,14 @@ bool isDeviceOrPipe(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
+SpliceOutcome withPath(SpliceOutcome outcome, const std::string& inputPath, const std::string& outputPath) {
+    if (outcome.status != SpliceStatus::ok) {
+        const bool isOutput = outcome.status == SpliceStatus::writeFailed;
+        outcome.errorText = (isOutput ? outputPath : inputPath) + ": " + outcome.errorText;
+    }
+    return outcome;
+}
+
 } // namespace
 
 SpliceOutcome spliceDescriptor(int source, const Ticket& ticket, int target, const SpliceProgress& progress) {
@@ -118,7 +127,8 @@ SpliceOutcome spliceFile(const std::string& inputPath, const Ticket& ticket, con
         if (target.Number() < 0) {
             return failure(SpliceStatus::writeFailed, outputPath, "cannot be opened", errno);
         }
-        return spliceDescriptor(input.Number(), ticket, target.Number(), progress);
+        return withPath(spliceDescriptor(input.Number(), ticket, target.Number(), progress), inputPath,
+                        outputPath);
     }
     const auto created = createNeighbour(outputPath);
     if (!created) {
@@ -140,10 +150,8 @@ SpliceOutcome spliceFile(const std::string& inputPath, const Ticket& ticket, con
     }
     if (outcome.status != SpliceStatus::ok) {
         ::unlink(neighbour.c_str());
-        const bool isOutput = outcome.status == SpliceStatus::writeFailed;
-        outcome.errorText = (isOutput ? outputPath : inputPath) + ": " + outcome.errorText;
     }
-    return outcome;
+    return withPath(std::move(outcome), inputPath, outputPath);
 }
 
 } // namespace torka
