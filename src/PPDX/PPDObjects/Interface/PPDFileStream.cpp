@@ -9,8 +9,9 @@
 
 namespace torka {
 
-PPDFileStream::PPDFileStream(PPDFile* source, bool inPieces)
-    : chunked(inPieces)
+PPDFileStream::PPDFileStream(PPDFile* source, bool inPieces, long pieceCapacity)
+    : capacity(std::clamp(pieceCapacity, 1L, kPieceCapacity))
+    , chunked(inPieces)
     , file(source) {
     if (file == nullptr || !chunked || !Setup()) {
         status = kStreamBad;
@@ -19,22 +20,26 @@ PPDFileStream::PPDFileStream(PPDFile* source, bool inPieces)
 
 PPDFileStream::~PPDFileStream() = default;
 
-// Loads the next piece. At the end of the file the stream becomes empty and bad.
 bool PPDFileStream::Setup() {
     PPDStream::Setup(nullptr, 0);
     if (!file->dataForkOpen() && !file->openDataFork(fsRdPerm)) {
         return false;
     }
     if (!buffer) {
-        capacity = static_cast<long>(std::min<std::uint64_t>(file->dataForkSize(), kPieceCapacity));
+        capacity = static_cast<long>(
+            std::min<std::uint64_t>(file->dataForkSize(), static_cast<std::uint64_t>(capacity)));
         buffer.reset(capacity > 0 ? new (std::nothrow) char[static_cast<std::size_t>(capacity)] : nullptr);
     }
     long count = buffer ? capacity : 0;
     const OSStatus result = buffer ? file->dataForkRead(buffer.get(), count) : eofErr;
-    if (result == noErr || result == eofErr) {
-        PPDStream::Setup(buffer.get(), count);
+    if (result != noErr && result != eofErr) {
+        return false;
     }
-    return Good() || result == eofErr;
+    PPDStream::Setup(buffer.get(), count);
+    if (count == 0) {
+        status = kStreamEndOfFile;
+    }
+    return Good();
 }
 
 bool PPDFileStream::GetLine(char* line) {
@@ -44,20 +49,17 @@ bool PPDFileStream::GetLine(char* line) {
         status = statusAfterHandedBack;
         return resultOfLast;
     }
-    resultOfLast = PPDStream::GetLine(line);
-    if (!resultOfLast && chunked && EndOfFile() && !gEndOfPPD) {
-        resultOfLast = FixLine(line, lineLength);
-    }
+    resultOfLast = PPDStream::GetLine(line) || FixLine(line);
     return resultOfLast;
 }
 
-// Completes a line that the end of the piece cut off after `used` bytes.
-bool PPDFileStream::FixLine(char* line, std::size_t used) {
-    if (file == nullptr || !Setup()) {
-        status = kStreamBad;
-        return false;
+bool PPDFileStream::FixLine(char* line) {
+    while (chunked && EndOfFile() && !gEndOfPPD && Setup()) {
+        if (ReadLineInto(line, lineLength)) {
+            return true;
+        }
     }
-    return ReadLineInto(line, used);
+    return false;
 }
 
 void PPDFileStream::UngetLine(const char* line) {

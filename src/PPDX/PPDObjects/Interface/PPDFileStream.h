@@ -20,7 +20,8 @@ public:
 
     // Bad without a file or when it cannot be opened or read, or is empty. The stream stays empty when not
     // chunked.
-    PPDFileStream(PPDFile* source, bool chunked);
+    // Pieces may be made smaller than kPieceCapacity; the lines are the same.
+    PPDFileStream(PPDFile* source, bool chunked, long pieceCapacity = kPieceCapacity);
     PPDFileStream(const PPDFileStream&) = delete;
     PPDFileStream& operator=(const PPDFileStream&) = delete;
     ~PPDFileStream() override;
@@ -31,8 +32,10 @@ public:
     void UngetLine(const char* line);
 
 private:
+    // Loads the next piece. False without one: with status 2 at the end of the file, else with status 1.
     bool Setup();
-    bool FixLine(char* line, std::size_t used);
+    // Completes, from the pieces that follow, a line that the end of its piece cut off. True as GetLine.
+    bool FixLine(char* line);
 
     std::unique_ptr<char[]> buffer;
     long capacity = 0;

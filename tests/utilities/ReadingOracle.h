@@ -1,0 +1,142 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The rules of reading a description, byte by byte and without any care for speed, to check the real readers
+// against.
+
+namespace torka::oracle {
+
+struct Line {
+    std::string text;
+    bool result = false;
+    bool atEnd = false;
+};
+
+struct Cursor {
+    std::string_view data;
+    std::size_t at = 0;
+    bool atEnd = false;
+
+    bool Next(char& c) {
+        atEnd = at == data.size();
+        c = atEnd ? '\xFF' : data[at++];
+        return !atEnd;
+    }
+};
+
+inline Line readLine(Cursor& cursor, bool& endOfPPD) {
+    Line line;
+    if (endOfPPD) {
+        return line;
+    }
+    for (char c = 0; line.text.size() < 255;) {
+        if (!cursor.Next(c)) {
+            line.atEnd = true;
+            return line;
+        }
+        if (c == '\xFF') {
+            return line;
+        }
+        if (c == '\r' || c == '\n') {
+            line.result = true;
+            if (line.text.rfind("*% End of PPD file", 0) == 0) {
+                endOfPPD = true;
+                line.text.clear();
+            }
+            return line;
+        }
+        line.text += c;
+    }
+    return line;
+}
+
+// All the lines that there are to handle, as C strings.
+inline std::vector<std::string> linesToHandle(std::string_view data) {
+    std::vector<std::string> lines;
+    Cursor cursor{data};
+    for (bool endOfPPD = false; !endOfPPD;) {
+        const Line line = readLine(cursor, endOfPPD);
+        const std::string text(line.text.c_str());
+        if (!line.atEnd || !text.empty()) {
+            lines.push_back(text);
+        }
+        if (line.atEnd) {
+            break;
+        }
+    }
+    return lines;
+}
+
+inline std::string token(Cursor& cursor, std::string_view delimiters, bool trim) {
+    std::string text;
+    char c = 0;
+    const auto isBlank = [](char each) { return each == ' ' || each == '\t'; };
+    while (trim && cursor.at < cursor.data.size() && isBlank(cursor.data[cursor.at])) {
+        ++cursor.at;
+    }
+    cursor.atEnd = false;
+    while (text.size() < 255 && cursor.Next(c) && delimiters.find(c) == std::string_view::npos && c != '\n') {
+        if (c == '\r') {
+            cursor.at += cursor.at < cursor.data.size() && cursor.data[cursor.at] == '\n' ? 1 : 0;
+            break;
+        }
+        text += c;
+    }
+    while (trim && !text.empty() && isBlank(text.back())) {
+        text.pop_back();
+    }
+    return text;
+}
+
+// The value that begins on lines[at]; `at` is moved to the last line that belongs to it.
+inline std::string value(const std::vector<std::string>& lines, std::size_t& at, std::size_t capacity,
+                         bool postscript) {
+    std::string text;
+    bool isOpen = false, ended = false;
+    for (const char c : lines[at]) {
+        if (c == '"') {
+            ended = isOpen;
+            isOpen = true;
+        } else if (isOpen && !ended) {
+            text += c;
+        }
+        if (ended) {
+            break;
+        }
+    }
+    if (!isOpen) {
+        return {};
+    }
+    while (!ended && at + 1 < lines.size()) {
+        std::string line = lines[at + 1];
+        if (!line.empty() && line[0] == '*') {
+            if (!postscript || line[1] != '%') {
+                break;
+            }
+            line.erase(0, 2);
+        } else if (line.empty()) {
+            ++at;
+            continue;
+        }
+        ++at;
+        text += postscript ? "\n" : "";
+        for (const char c : line) {
+            ended = ended || c == '"';
+            text += ended ? "" : std::string(1, c);
+        }
+    }
+    const bool fileEnded = !ended && at + 1 == lines.size();
+    const std::size_t room = capacity < (postscript ? 2U : 1U) ? 0 : capacity - (postscript ? 2 : 1);
+    text.resize(std::min(text.size(), room));
+    if (postscript) {
+        return text.empty() || fileEnded ? "" : text + "\n";
+    }
+    return text;
+}
+
+} // namespace torka::oracle
