@@ -82,7 +82,7 @@ inline std::string token(Cursor& cursor, std::string_view delimiters, bool trim)
     cursor.atEnd = false;
     while (text.size() < 255 && cursor.Next(c) && delimiters.find(c) == std::string_view::npos && c != '\n') {
         if (c == '\r') {
-            cursor.at += cursor.at < cursor.data.size() && cursor.data[cursor.at] == '\n' ? 1 : 0;
+            cursor.at += cursor.data.substr(cursor.at, 1) == "\n" ? 1U : 0U;
             break;
         }
         text += c;
