@@ -1,6 +1,5 @@
 #include "TextConverter.h"
 
-#include "PPDX/PPDObjects/Interface/PPDX.h"
 #include "platform/Log.h"
 
 #include <algorithm>
@@ -43,16 +42,13 @@ void copyCut(std::string_view text, char* buffer, long size) {
 
 } // namespace
 
-TextConverter::TextConverter(const PPDX* description)
-    : ppdEncoding(GetPPDEncoding(description))
+TextConverter::TextConverter(CFStringEncoding encoding, const char* version)
+    : ppdEncoding(encoding)
     , currentEncoding(CFStringGetSystemEncoding()) {
-    if (ppdEncoding == kCFStringEncodingUnknown) {
-        return;
+    if (ppdEncoding != kCFStringEncodingUnknown) {
+        languageVersion = version;
+        status = isKnownEncoding(ppdEncoding) && isKnownEncoding(currentEncoding) ? 0 : 1;
     }
-    if (const CString* const version = description->LanguageVersion()) {
-        languageVersion = *version;
-    }
-    status = isKnownEncoding(ppdEncoding) && isKnownEncoding(currentEncoding) ? 0 : 1;
 }
 
 TextConverter::~TextConverter() = default;
@@ -77,11 +73,6 @@ CFStringEncoding TextConverter::LanguageStringToEncoding(const char* name) {
         }
     }
     return kCFStringEncodingUnknown;
-}
-
-CFStringEncoding TextConverter::GetPPDEncoding(const PPDX* description) {
-    const CString* const name = description != nullptr ? description->LanguageEncoding() : nullptr;
-    return name != nullptr ? LanguageStringToEncoding(*name) : kCFStringEncodingUnknown;
 }
 
 CFStringRef TextConverter::ConvertToCFString(const char* text, long limit) {

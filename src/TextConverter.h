@@ -19,8 +19,10 @@ class PPDX;
 // One converter per description, owned by its PPDX. Not thread-safe.
 class TextConverter {
 public:
-    // Takes the description's encoding and language version; ValidConverter() is false when its encoding is
-    // unknown.
+    // ValidConverter() is false when the encoding is unknown; the language version is kept with a known one
+    // only.
+    TextConverter(CFStringEncoding encoding, const char* version);
+    // Of a description. This and GetPPDEncoding are defined with PPDX, on its floor.
     explicit TextConverter(const PPDX* description);
     TextConverter(const TextConverter&) = delete;
     TextConverter& operator=(const TextConverter&) = delete;
