@@ -1,0 +1,319 @@
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/KVCache.h"
+#include "PPDX/KVEngine/UIConstraints.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/model/ModelFixtures.h"
+#include "tests/support/TestSupport.h"
+
+#include <cfloat>
+#include <climits>
+#include <cstdio>
+#include <random>
+
+namespace torka {
+namespace {
+
+using namespace tests;
+
+// What the store holds as selected for a key; "" for none.
+std::string selectedIn(const UIConstraints& store, const char* key) {
+    const CStringSoup& strings = *store.GetConstraintStrings();
+    const std::int64_t option = store.GetCurrentSelections()->GetItem(strings.Find(key));
+    return option < 0 ? "" : std::string(strings.Find(option));
+}
+
+TEST(Element, NamesKeywordsAndEquality) {
+    PPDXControl plain(CNTL_TYPE::none, definitionOf("*QVDuplex"));
+    EXPECT_STREQ(plain.UserName(), "A name");
+    EXPECT_TRUE(plain == "*QVDuplex");
+    EXPECT_FALSE(plain == "*QVDup");
+    EXPECT_TRUE(plain == PPDXControl(CNTL_TYPE::none, definitionOf("*QVDuplex")));
+    PPDXControl nameless(CNTL_TYPE::none, definitionOf(""));
+    EXPECT_EQ(nameless.Keyword(), nullptr);
+    EXPECT_FALSE(nameless == nameless);
+    EXPECT_FALSE(nameless == static_cast<const char*>(nullptr));
+
+    ControlDefinition definition = definitionOf("*X");
+    definition.localName = cfString("");
+    EXPECT_STREQ(PPDXControl(CNTL_TYPE::none, definition).UserName(), "");
+    // Three bytes a character and no room lost to the terminator.
+    definition.localName = cfString("\u65e5\u672c\u8a9e");
+    EXPECT_STREQ(PPDXControl(CNTL_TYPE::none, definition).UserName(), "\u65e5\u672c\u8a9e");
+    definition.localName = nullptr;
+    EXPECT_DEATH(PPDXControl(CNTL_TYPE::none, definition), "");
+}
+
+TEST(Element, DisplayOptionsDecideWhatIsShown) {
+    PPDXControl parent(CNTL_TYPE::none, definitionOf("*P"));
+    for (const bool visible : {false, true}) {
+        for (const bool orphan : {false, true}) {
+            ControlDefinition definition = definitionOf("*X");
+            definition.visible = visible;
+            PPDXControl control(CNTL_TYPE::none, definition);
+            control.SetParent(orphan ? nullptr : &parent);
+            const bool expected[] = {visible && !orphan, visible, !orphan, true, true};
+            for (_DISPLAY_OPTIONS_ options = 0; options < 5; ++options) {
+                EXPECT_EQ(control.OkayToDisplay(options), expected[options]) << visible << orphan << options;
+            }
+        }
+    }
+}
+
+TEST(Control, FlagsAreExactWords) {
+    using Accessor = bool (PPDXControl::*)() const;
+    const std::pair<std::string_view, Accessor> accessors[] = {
+        {"Dynamic", &PPDXControl::IsDynamic},
+        {"Command", &PPDXControl::IsCommand},
+        {"Spooler", &PPDXControl::IsSpooler},
+        {"NoTorkaDriverUI", &PPDXControl::IsNoTorkaDriverUI},
+        {"DriverUserDisplayHidden", &PPDXControl::IsNoTorkaDriverUI},
+        {"Setup", &PPDXControl::IsSetup},
+        {"MacFJN", &PPDXControl::IsMacFJN},
+        {"MacIS", &PPDXControl::IsMacImgShift},
+    };
+    for (const auto& [word, own] : accessors) {
+        ControlDefinition definition = definitionOf("*X");
+        const std::string_view words[] = {"Other", word};
+        definition.flags = words;
+        PPDXControl control(CNTL_TYPE::none, definition);
+        EXPECT_EQ(control.ControlFlagCount(), 2U);
+        EXPECT_STREQ(control.FirstControlFlag(), "Other");
+        EXPECT_EQ(control.NextControlFlag(), word);
+        EXPECT_EQ(control.NextControlFlag(), nullptr);
+        EXPECT_EQ(control.NextControlFlag(), nullptr);
+        for (const auto& [otherWord, other] : accessors) {
+            EXPECT_EQ((control.*other)(), other == own) << word << " " << otherWord;
+        }
+        EXPECT_FALSE(control.FindControlFlag("other"));
+        EXPECT_EQ(IsSetupControl(&control), word == "Setup");
+    }
+    EXPECT_FALSE(IsSpoolerControl(nullptr) || IsNoTorkaDriverUIControl(nullptr) || IsSetupControl(nullptr));
+    EXPECT_FALSE(PPDXControl(CNTL_TYPE::none, definitionOf("*X")).FirstControlFlag());
+    EXPECT_FALSE(PPDXControl::ValidKeyword(nullptr));
+    EXPECT_FALSE(PPDXControl::ValidKeyword("*QV_PROP_HK_CRD_TEXT_HT"));
+    EXPECT_FALSE(PPDXControl::ValidKeyword("*QVHueKeeper"));
+    EXPECT_TRUE(PPDXControl::ValidKeyword("*QV_PROP_HK_CRD_TEXT_H"));
+    EXPECT_TRUE(PPDXControl::ValidKeyword("*qvHueKeeper"));
+}
+
+TEST(Control, FeatureBlocks) {
+    const PPDXControl control(CNTL_TYPE::none, definitionOf("*QVX"));
+    const auto ps = reinterpret_cast<const unsigned char*>("a b\n");
+    struct Case {
+        const unsigned char* ps;
+        long length;
+        bool wrap;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {ps, 4, true, "%%BeginFeature: *QVX Opt\na b\n%%EndFeature\n"},
+        {ps, 0, true, "%%BeginFeature: *QVX Opt\n\n%%EndFeature\n"},
+        {ps, -7, true, "%%BeginFeature: *QVX Opt\n\n%%EndFeature\n"},
+        {nullptr, 9, true, "%%BeginFeature: *QVX Opt\n\n%%EndFeature\n"},
+        {ps, 4, false, "a b\n"},
+        {ps, 0, false, "\n"},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(emitted([&](unsigned char* out) {
+                      return control.GeneratePSOutputData(out, each.ps, each.length, "Opt", each.wrap);
+                  }),
+                  each.expected);
+    }
+    EXPECT_EQ(control.GeneratePSOutputData(nullptr, ps, 4, "Opt", true), 4 + 3 + 31 + 4);
+    EXPECT_EQ(control.GeneratePSOutputData(nullptr, nullptr, 0, "Opt", true), 4 + 3 + 32);
+}
+
+TEST(Control, InjectionTable) {
+    struct Case {
+        CNTL_TYPE type;
+        const char* keyword;
+        const char* ps;
+        const char* value;
+        const char* expected;
+    };
+    const CNTL_TYPE note = CNTL_TYPE::jobNote;
+    const Case cases[] = {
+        {note, "*QVNote", "(<*QVNote>) exec", "AB", "<4142> exec"},
+        {note, "*QVNote", "<*QVNote> (<*QVNote>) ((<*QVNote>))", "A", "<41> <41> (<41>)"},
+        {note, "*QVNote", "(<*QVNote>)", "", "()"},
+        {note, "*QVNote", "(<*QVNote>)", "a\\b\xFF", "<615C62FF>"},
+        {note, "*QVNote", "%%Note: (<*QVNote>)", "a\\b", "%%Note: (a\\b)"},
+        {note, "*QVNote", "%Note: <*QVNote>", "a", "%Note: <61>"},
+        {note, "*QVNote", "(<*Other>)", "a", "(<*Other>)"},
+        {note, "*QVDSFileName", "(<*QVDSFileName>)", "a\\b", "(a\\\\b)"},
+        {note, "*QVDSPassword", "<*QVDSPassword>", "x", "x"},
+        {note, "*QVDSUserName", "<*QVDSUserName>", "x", "x"},
+        // A value that is its own placeholder goes in once; one that makes a new one with its surroundings
+        // too.
+        {CNTL_TYPE::range, "*R", "<*R> <*R>", "<*R><*R>", "<*R><*R> <*R><*R>"},
+        {CNTL_TYPE::range, "*R", "<<*R>*R>", "<*R>", "<<*R>*R>"},
+        {CNTL_TYPE::range, "*R", "1 <*R> 2", "\\7", "1 \\\\7 2"},
+        {CNTL_TYPE::range, "*R", "", "7", ""},
+    };
+    for (const Case& each : cases) {
+        const PPDXControl control(each.type, definitionOf(each.keyword, each.ps));
+        std::string out = "before";
+        EXPECT_EQ(control.Inject(each.keyword, control.PSData(), control.PSLength(), each.value, out),
+                  static_cast<long>(std::string(each.expected).size()));
+        EXPECT_EQ(out, each.expected) << each.ps << " with " << each.value;
+    }
+    // A small template and a value that together would fill the memory.
+    std::string manyPlaces;
+    for (int i = 0; i < 100'000; ++i) {
+        manyPlaces += "<*R>";
+    }
+    const PPDXControl control(CNTL_TYPE::range, definitionOf("*R", manyPlaces));
+    std::string out;
+    EXPECT_EQ(
+        control.Inject("*R", control.PSData(), control.PSLength(), std::string(100'000, 'x').c_str(), out),
+        0);
+    EXPECT_TRUE(out.empty());
+}
+
+// An interpreter reads back exactly the bytes that went in, whatever they are.
+TEST(Control, InjectedNotesAreWholeStringsToAnInterpreter) {
+    std::string nasty = "()(( \\) <4142> ~> % /x { } \r\n quit";
+    for (int c = 0x80; c < 0x100; ++c) {
+        nasty += static_cast<char>(c);
+    }
+    const char* places[] = {"(<*QVNote>) print flush\n", "<*QVNote> print flush\n"};
+    for (const char* place : places) {
+        const PPDXControl control(CNTL_TYPE::jobNote, definitionOf("*QVNote", place));
+        std::string program;
+        control.Inject("*QVNote", control.PSData(), control.PSLength(), nasty.c_str(), program);
+        const CommandResult result = runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-"}, program);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(result.output, nasty);
+    }
+}
+
+TEST(BooleanControl, ValuesPostScriptAndReports) {
+    UIConstraints store;
+    PPDXBooleanControl control(definitionOf("*QVB", {}, &store), true,
+                               {"On", reinterpret_cast<const unsigned char*>("1 set\n"), 6}, {});
+    EXPECT_EQ(selectedIn(store, "*QVB"), "True");
+    EXPECT_STREQ(control.TrueDisplayText(), "On");
+    EXPECT_EQ(control.FalseDisplayText(), nullptr);
+    EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *QVB True\n1 set\n%%EndFeature\n");
+    const std::pair<const char*, bool> texts[] = {{"true", true},  {"Truex", true}, {"TRUE", true},
+                                                  {"", false},     {"Tru", false},  {"False", false},
+                                                  {" True", false}};
+    for (const auto& [text, expected] : texts) {
+        control.SetCurrentControlWithCFString(cfString(text));
+        EXPECT_EQ(control.IsTrue(), expected) << text;
+        EXPECT_EQ(selectedIn(store, "*QVB"), expected ? "True" : "False");
+        EXPECT_EQ(valueOf(control), expected ? "True" : "False");
+    }
+    EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *QVB False\n\n%%EndFeature\n");
+    control.SetCurrentControlWithCFString(nullptr);
+    control.ResetToDefaultValue();
+    EXPECT_TRUE(control.IsTrue());
+    control.SetDefaultValue(false);
+    control.SetPresetValueString(cfString("True"));
+    EXPECT_EQ(utf8Text(control.CopyPresetValueString()), "True");
+    control.ResetToDefaultValue();
+    EXPECT_FALSE(control.IsTrue());
+    EXPECT_FALSE(control.IsInstallableOption());
+}
+
+TEST(RangeControl, SnapsTowardZeroThenClamps) {
+    struct Case {
+        RangeBounds bounds;
+        long set;
+        long expected;
+    };
+    const Case cases[] = {
+        {{1, 999, 1, 1}, 0, 1},
+        {{1, 999, 5, 1}, 17, 15},
+        {{1, 999, 5, 1}, 3, 1},
+        {{-100, 100, 7, 0}, -6, 0},
+        {{-100, 100, 7, 0}, -99, -98},
+        {{0, 98, 10, 0}, 1000, 98},
+        {{10, 5, 1, 10}, 7, 5},
+        {{0, 100, 0, 0}, 33, 33},
+        {{0, 100, -3, 0}, 8, 6},
+        {{LONG_MIN, LONG_MAX, -1, 0}, LONG_MIN, LONG_MIN},
+        {{LONG_MIN, LONG_MAX, LONG_MIN, 0}, -5, 0},
+    };
+    for (const Case& each : cases) {
+        PPDXRangeControl control(definitionOf("*R"), each.bounds);
+        control.SetValue(each.set);
+        EXPECT_EQ(control.GetValue(), each.expected) << each.set << " by " << each.bounds.increment;
+    }
+    PPDXRangeControl control(definitionOf("*R", "<*R> set\n"), {1, 999, 5, 17});
+    EXPECT_EQ(control.GetValue(), 15);
+    EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *R 15\n15 set\n%%EndFeature\n");
+    control.SetCurrentControlWithCFString(cfString(" 40 sheets"));
+    EXPECT_EQ(valueOf(control), "40");
+    EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *R 40\n40 set\n%%EndFeature\n"); // not what was cached
+    control.ResetToDefaultValue();
+    EXPECT_EQ(control.GetValue(), 15);
+    PPDXRangeControl bare(definitionOf("*R"), {});
+    EXPECT_EQ(postScriptOf(bare), "%%BeginFeature: *R 0\n\n%%EndFeature\n");
+}
+
+TEST(FloatRangeControl, TextsAreThoseOfPrintf) {
+    PPDXFloatRangeControl control(definitionOf("*F", "<*F> set\n"), {-FLT_MAX, FLT_MAX, 0, 2.5F});
+    EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *F    2.5000\n   2.5000 set\n%%EndFeature\n");
+    EXPECT_EQ(valueOf(control), "2.500");
+    std::mt19937 random(7);
+    for (int i = 0; i < 2'000; ++i) {
+        const float value = std::uniform_real_distribution<float>(-1, 1)(random) *
+                            std::pow(10.F, std::uniform_real_distribution<float>(-5, 38)(random));
+        control.SetValue(value);
+        char injected[100];
+        char shown[100];
+        std::snprintf(injected, sizeof injected, "%9.4f", static_cast<double>(value));
+        std::snprintf(shown, sizeof shown, "%.3f", static_cast<double>(value));
+        ASSERT_EQ(postScriptOf(control),
+                  std::string("%%BeginFeature: *F ") + injected + "\n" + injected + " set\n%%EndFeature\n");
+        ASSERT_EQ(valueOf(control), shown);
+    }
+}
+
+TEST(FloatRangeControl, ClampsAndKeepsOffGridValues) {
+    PPDXFloatRangeControl control(definitionOf("*F"), {1, 10, 0.5F, 2});
+    const std::pair<const char*, float> texts[] = {{"3.3", 3.3F}, {"0", 1},      {"11", 10},
+                                                   {"1e300", 10}, {"-1e300", 1}, {"nothing", 1}};
+    for (const auto& [text, expected] : texts) {
+        control.SetCurrentControlWithCFString(cfString(text));
+        EXPECT_FLOAT_EQ(control.GetValue(), expected) << text;
+    }
+    control.SetValue(std::nanf(""));
+    EXPECT_EQ(control.GetValue(), 1);
+    control.ResetToDefaultValue();
+    EXPECT_EQ(control.GetValue(), 2);
+    PPDXFloatRangeControl extreme(definitionOf("*F"), {-FLT_MAX, FLT_MAX, FLT_MIN, FLT_MAX});
+    EXPECT_EQ(extreme.GetValue(), FLT_MAX); // the quotient would be infinite
+}
+
+TEST(CustomPageSizeControl, ReadsAndTellsBothSides) {
+    PPDXCustomPageSizeControl control(definitionOf("*CustomPrintSize", "raw\n"), {72, 1000, 72, 2000});
+    EXPECT_STREQ(control.UserName(), "Custom Page Size");
+    control.SetCurrentControlWithCFString(cfString("595.4 841.6"));
+    EXPECT_EQ(valueOf(control), "595.400024 841.599976"); // the nearest floats
+    control.SetCurrentControlWithCFString(cfString("100"));
+    EXPECT_EQ(valueOf(control), "100.000000 841.599976");
+    control.SetCurrentControlWithCFString(cfString("9 9 9"));
+    control.ResetToDefaultValue();
+    EXPECT_EQ(valueOf(control), "9.000000 9.000000");
+    EXPECT_EQ(postScriptOf(control), "raw\n");
+    EXPECT_EQ(control.MaxHeight(), 2000);
+}
+
+TEST(SpecialOption, IsReadOnly) {
+    PPDXSpecialOption option(definitionOf("*QVUTF8_Version", "ps"), "7");
+    EXPECT_EQ(valueOf(option), "7");
+    EXPECT_EQ(postScriptOf(option), "ps");
+    EXPECT_DEATH(option.SetCurrentControlWithCFString(cfString("8")), "");
+    option.ResetToDefaultValue();
+    EXPECT_EQ(valueOf(option), "");
+    PPDXSpecialOption unset(definitionOf("*X"), nullptr);
+    EXPECT_EQ(valueOf(unset), "");
+    EXPECT_EQ(postScriptOf(unset), "");
+}
+
+} // namespace
+} // namespace torka
