@@ -55,7 +55,7 @@ PPDXPopupControl::PPDXPopupControl(const ControlDefinition& definition, bool isM
     , multiSelect(isMultiSelect ? 1 : 0)
     , installable(isInstallable) {
     TakeItems(std::move(newItems), newDefault);
-    SetValue(DefaultValue());
+    ResetToDefaultValue();
 }
 
 PPDXPopupControl::PPDXPopupControl(Settings& settings, int index, const CString* prefix)
@@ -74,7 +74,7 @@ PPDXPopupControl::PPDXPopupControl(Settings& settings, int index, const CString*
     const auto storedDefault = record.Text("default");
     TakeItems(std::move(stored), storedDefault ? storedDefault->c_str() : nullptr);
     defaultIndexOverride = record.Index("defaultIndex");
-    SetValue(DefaultValue());
+    ResetToDefaultValue();
     RestoreSelection(record);
 }
 
@@ -165,7 +165,10 @@ void PPDXPopupControl::Restore(Settings& settings, int index) {
     }
 }
 
-void PPDXPopupControl::ResetToDefaultValue() { SetValue(DefaultValue()); }
+void PPDXPopupControl::ResetToDefaultValue() {
+    const int number = DefaultValue();
+    SelectNumber(number, number != defaultIndexOverride);
+}
 
 long PPDXPopupControl::PostScript(unsigned char* out) {
     const auto* item = static_cast<const _PopupItem*>(*current);
@@ -200,7 +203,7 @@ void PPDXPopupControl::SetCurrentControlWithText(const std::string& text, bool k
             if (keepOthers) {
                 SetKeywordSelect(text.c_str(), true);
             } else {
-                SetValue(number);
+                SelectNumber(number, true);
             }
             return;
         }
@@ -211,11 +214,11 @@ void PPDXPopupControl::SetCurrentControlWithText(const std::string& text, bool k
     }
     // A choice needs a keyword; a NUL cannot stand in one.
     if (text.empty() || text.find('\0') != std::string::npos) {
-        SetValue(DefaultValue());
+        ResetToDefaultValue();
         return;
     }
     AppendPopupItem(std::make_unique<_PopupItem>(text.c_str(), cfString(text), nullptr, 0));
-    SetValue(number + 1);
+    SelectNumber(number + 1, true);
 }
 
 _PopupItem* PPDXPopupControl::FirstItem() {
@@ -243,14 +246,16 @@ int PPDXPopupControl::GetValue() const {
     return 0;
 }
 
-void PPDXPopupControl::SetValue(int index) {
+void PPDXPopupControl::SetValue(int index) { SelectNumber(index, false); }
+
+void PPDXPopupControl::SelectNumber(int index, bool isFirstOfKeyword) {
     int number = 0;
     for (auto place = items.Begin(); place != items.End(); ++place) {
         auto* item = static_cast<_PopupItem*>(*place);
         item->selected = ++number == index ? 1 : 0;
         if (number == index) {
             current = place;
-            emitted = nullptr;
+            emitted = isFirstOfKeyword ? item : nullptr;
         }
     }
     ReportValue();
@@ -325,10 +330,10 @@ bool PPDXPopupControl::SetKeywordSelect(const char* option, bool select) {
     for (auto place = items.Begin(); place != items.End(); ++place) {
         auto* item = static_cast<_PopupItem*>(*place);
         if (equals(item->keyword, option)) {
+            emitted = found ? emitted : item;
             found = true;
             item->selected = select ? 1 : 0;
             current = place;
-            emitted = nullptr;
             if (multiSelect != 0) {
                 break;
             }
@@ -345,7 +350,7 @@ bool PPDXPopupControl::Rebuild(const char* option, PopupItems newItems, const ch
         return false;
     }
     TakeItems(std::move(newItems), newDefault);
-    SetValue(DefaultValue());
+    ResetToDefaultValue();
     return true;
 }
 

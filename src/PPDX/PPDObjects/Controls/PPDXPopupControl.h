@@ -72,6 +72,8 @@ private:
     _PopupItem* ItemAt(int index) const;
     void TakeItems(PopupItems newItems, const char* newDefault);
     void DeleteItems();
+    // `isFirstOfKeyword`: no earlier item has the keyword of that one.
+    void SelectNumber(int index, bool isFirstOfKeyword);
     void RestoreSelection(const StoredRecord& record);
     // In UTF-8. Selects it alone, or beside what is selected.
     void SetCurrentControlWithText(const std::string& text, bool keepOthers);
