@@ -1,0 +1,161 @@
+#include "ZANUtils/FieldKeys.h"
+
+#include "platform/PropertyList.h"
+#include "platform/System.h"
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
+namespace torka {
+
+namespace {
+
+// A set needs less than 2 kB; the rest is room for comments.
+constexpr std::size_t fileLimit = 64 * 1024;
+
+// Copies the data of a key of the list when it has exactly the size of `out`.
+bool readBytes(const CFDictionaryRef& list, std::u16string_view key, std::string_view name,
+               std::span<std::uint8_t> out, std::string& error) {
+    const auto data = cfCast<CFData>(CFDictionaryGetValue(list, key));
+    if (!data || data->bytes.size() != out.size()) {
+        error = std::string(name) + " must be data of " + std::to_string(out.size()) + " bytes, but " +
+                (data ? "has " + std::to_string(data->bytes.size()) : std::string("is missing or no data"));
+        return false;
+    }
+    std::copy(data->bytes.begin(), data->bytes.end(), out.begin());
+    return true;
+}
+
+bool readOffsets(const CFDictionaryRef& list, std::span<std::size_t> offsets, std::string& error) {
+    constexpr std::size_t lastOffset = FieldKeys::keyTableBytes - FieldKeys::aesKeyBytes;
+    const auto array = cfCast<CFArray>(CFDictionaryGetValue(list, u"KeyOffsets"));
+    if (!array || array->values.size() != offsets.size()) {
+        error =
+            "KeyOffsets must be an array of " + std::to_string(offsets.size()) + " integers, but " +
+            (array ? "has " + std::to_string(array->values.size()) : std::string("is missing or no array"));
+        return false;
+    }
+    for (std::size_t i = 0; i < offsets.size(); ++i) {
+        const auto number = cfCast<CFNumber>(array->values[i]);
+        if (!number || number->isReal || number->integer < 0 ||
+            number->integer > static_cast<std::int64_t>(lastOffset)) {
+            error = "KeyOffsets entry " + std::to_string(i) + " must be an integer from 0 to " +
+                    std::to_string(lastOffset) + ", so that a key of " +
+                    std::to_string(FieldKeys::aesKeyBytes) + " bytes lies in the table";
+            return false;
+        }
+        offsets[i] = static_cast<std::size_t>(number->integer);
+    }
+    return true;
+}
+
+// Position of the key that belongs to a value of "*UseSpecialKey".
+std::size_t keyPosition(std::string_view specialKey) {
+    constexpr std::string_view values[] = {"2", "3", "4", "5", "6", "7", "8", "9", "10", "11"};
+    const auto* found = std::find(std::begin(values), std::end(values), specialKey);
+    return found != std::end(values) ? static_cast<std::size_t>(found - std::begin(values)) + 1 : 0;
+}
+
+std::size_t vectorPosition(std::string_view specialKey) {
+    constexpr std::string_view values[] = {"5", "6", "7", "11"};
+    const auto* found = std::find(std::begin(values), std::end(values), specialKey);
+    return found != std::end(values) ? static_cast<std::size_t>(found - std::begin(values)) + 1 : 0;
+}
+
+std::mutex& installMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::shared_ptr<const FieldKeys>& installedSet() {
+    static std::shared_ptr<const FieldKeys> set;
+    return set;
+}
+
+} // namespace
+
+FieldKeys::~FieldKeys() {
+    wipeValue(keyTable);
+    wipeValue(vectorTable);
+    wipeValue(stringVector);
+}
+
+std::shared_ptr<const FieldKeys> FieldKeys::Load(std::span<const std::uint8_t> bytes, std::string& error) {
+    if (bytes.size() > fileLimit) {
+        error = "field keys: more than " + std::to_string(fileLimit) + " bytes";
+        return nullptr;
+    }
+    std::string reason;
+    const auto list = cfCast<CFDictionary>(
+        CFPropertyListCreateFromXMLData(CFDataCreate(bytes.data(), bytes.size()), &reason));
+    if (!list) {
+        error = "field keys: not an XML property list with a dictionary" +
+                (reason.empty() ? reason : ": " + reason);
+        return nullptr;
+    }
+    std::shared_ptr<FieldKeys> keys(new FieldKeys);
+    if (!readBytes(list, u"KeyTable", "KeyTable", keys->keyTable, reason) ||
+        !readOffsets(list, keys->keyOffsets, reason) ||
+        !readBytes(list, u"VectorTable", "VectorTable", keys->vectorTable, reason) ||
+        !readBytes(list, u"StringVector", "StringVector", keys->stringVector, reason)) {
+        error = "field keys: " + reason;
+        return nullptr;
+    }
+    return keys;
+}
+
+std::shared_ptr<const FieldKeys> FieldKeys::Load(const std::filesystem::path& path, std::string& error) {
+    std::string content;
+    if (const std::error_code code = system().ReadFile(path, fileLimit, content)) {
+        error = path.string() + ": cannot be read: " + code.message();
+        return nullptr;
+    }
+    auto keys = Load(std::span(reinterpret_cast<const std::uint8_t*>(content.data()), content.size()), error);
+    wipe(content.data(), content.size());
+    if (!keys) {
+        error = path.string() + ": " + error;
+    }
+    return keys;
+}
+
+std::shared_ptr<const FieldKeys> FieldKeys::LoadInstalled(std::string& error) {
+    namespace fs = std::filesystem;
+    const fs::path path = system().Resolve(installedPath);
+    std::error_code code;
+    const fs::file_status status = fs::status(path, code);
+    if (!fs::exists(status)) {
+        error = path.string() + ": no field keys are installed; protected fields are left out of jobs";
+        return nullptr;
+    }
+    if ((status.permissions() & (fs::perms::group_write | fs::perms::others_write)) != fs::perms::none) {
+        error = path.string() +
+                ": others than the owner may write to the field keys; take that right away (chmod 0644)";
+        return nullptr;
+    }
+    return Load(path, error);
+}
+
+std::span<const std::uint8_t, FieldKeys::aesKeyBytes> FieldKeys::AesKey(std::string_view specialKey) const {
+    return std::span(keyTable).subspan(keyOffsets[keyPosition(specialKey)]).first<aesKeyBytes>();
+}
+
+std::span<const std::uint8_t, FieldKeys::desKeyBytes> FieldKeys::DesKey(std::string_view specialKey) const {
+    return AesKey(specialKey).first<desKeyBytes>();
+}
+
+std::span<const std::uint8_t, FieldKeys::vectorBytes> FieldKeys::Vector(std::string_view specialKey) const {
+    return std::span(vectorTable).subspan(vectorPosition(specialKey) * vectorBytes).first<vectorBytes>();
+}
+
+void installFieldKeys(std::shared_ptr<const FieldKeys> keys) {
+    const std::lock_guard lock(installMutex());
+    installedSet() = std::move(keys);
+}
+
+std::shared_ptr<const FieldKeys> installedFieldKeys() {
+    const std::lock_guard lock(installMutex());
+    return installedSet();
+}
+
+} // namespace torka

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace torka {
+
+// SHA-1 (FIPS 180) of bytes that come in pieces. The compression of a block is nettle's.
+//
+// After the result is taken no more input is accepted until Reset: such input, like more than 2^64 - 1 bits,
+// marks the digest as corrupted and Result then gives false. Input of no bytes changes nothing at any time.
+class SHA1 {
+public:
+    SHA1() { Reset(); }
+    ~SHA1();
+    SHA1(const SHA1&) = default;
+    SHA1& operator=(const SHA1&) = default;
+
+    void Reset();
+    void Input(const std::uint8_t* bytes, std::size_t length);
+    void Input(const char* bytes, std::size_t length) {
+        Input(reinterpret_cast<const std::uint8_t*>(bytes), length);
+    }
+    void Input(std::uint8_t byte) { Input(&byte, 1); }
+    void Input(char character) { Input(&character, 1); }
+    // Pads and finishes once; later calls give the same words. False, with nothing written, when corrupted.
+    bool Result(unsigned int* words);
+
+    // A text is taken without its terminator; null adds nothing.
+    SHA1& operator<<(const char* text);
+    SHA1& operator<<(const std::uint8_t* text) { return *this << reinterpret_cast<const char*>(text); }
+    SHA1& operator<<(char character) {
+        Input(character);
+        return *this;
+    }
+    SHA1& operator<<(std::uint8_t byte) {
+        Input(byte);
+        return *this;
+    }
+
+protected:
+    static constexpr std::size_t blockBytes = 64;
+
+    void PadMessage();
+
+    std::array<std::uint32_t, 5> digest{};
+    std::uint32_t lengthLow = 0; // bits of the message, low and high word
+    std::uint32_t lengthHigh = 0;
+    std::array<std::uint8_t, blockBytes> messageBlock{};
+    std::size_t messageBlockIndex = 0; // bytes waiting in messageBlock
+    bool computed = false;
+    bool corrupted = false;
+};
+
+} // namespace torka
