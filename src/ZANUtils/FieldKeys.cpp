@@ -108,7 +108,9 @@ std::shared_ptr<const FieldKeys> FieldKeys::Load(std::span<const std::uint8_t> b
 std::shared_ptr<const FieldKeys> FieldKeys::Load(const std::filesystem::path& path, std::string& error) {
     std::string content;
     if (const std::error_code code = system().ReadFile(path, fileLimit, content)) {
-        error = path.string() + ": cannot be read: " + code.message();
+        error = path.string() + (code == std::errc::no_such_file_or_directory
+                                     ? ": no field keys are installed; protected fields are left out of jobs"
+                                     : ": cannot be read: " + code.message());
         return nullptr;
     }
     auto keys = Load(std::span(reinterpret_cast<const std::uint8_t*>(content.data()), content.size()), error);
@@ -124,11 +126,8 @@ std::shared_ptr<const FieldKeys> FieldKeys::LoadInstalled(std::string& error) {
     const fs::path path = system().Resolve(installedPath);
     std::error_code code;
     const fs::file_status status = fs::status(path, code);
-    if (!fs::exists(status)) {
-        error = path.string() + ": no field keys are installed; protected fields are left out of jobs";
-        return nullptr;
-    }
-    if ((status.permissions() & (fs::perms::group_write | fs::perms::others_write)) != fs::perms::none) {
+    constexpr fs::perms othersMayWrite = fs::perms::group_write | fs::perms::others_write;
+    if (fs::exists(status) && (status.permissions() & othersMayWrite) != fs::perms::none) {
         error = path.string() +
                 ": others than the owner may write to the field keys; take that right away (chmod 0644)";
         return nullptr;

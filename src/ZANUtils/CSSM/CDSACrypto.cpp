@@ -64,13 +64,16 @@ CSSM_RETURN cdsaCspDetach(CSSM_CSP_HANDLE& csp) {
 }
 
 CSSM_RETURN cdsaDeriveKey(const CSSM_CSP_HANDLE& csp, Bytes password, Bytes salt,
-                          CSSM_ALGORITHMS keyAlgorithm, std::uint32_t keySizeInBits, CSSM_KEY& key) {
-    constexpr unsigned iterations = 1000;
+                          CSSM_ALGORITHMS keyAlgorithm, std::uint32_t keySizeInBits, CSSM_KEY& key,
+                          unsigned iterations) {
     if (!csp) {
         return CSSMERR_CSP_INVALID_CSP_HANDLE;
     }
     if (!isSessionKeySize(keySizeInBits)) {
         return CSSMERR_CSP_UNSUPPORTED_KEY_SIZE;
+    }
+    if (iterations == 0) {
+        return CSSMERR_CSP_INVALID_ATTR_ALG_PARAMS;
     }
     SecureBuffer data(keySizeInBits / 8);
     pbkdf2_hmac_sha1(password.size(), password.data(), iterations, salt.size(), salt.data(), data.size(),

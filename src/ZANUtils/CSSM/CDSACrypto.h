@@ -21,10 +21,11 @@ using Bytes = std::span<const std::uint8_t>;
 CSSM_RETURN cdsaCspAttach(CSSM_CSP_HANDLE& csp);
 CSSM_RETURN cdsaCspDetach(CSSM_CSP_HANDLE& csp);
 
-// Derives a session key from a password: PBKDF2 (RFC 8018) with HMAC-SHA-1, 1000 iterations, key label
-// "tempKey".
+inline constexpr unsigned cdsaDeriveIterations = 1000;
+// Derives a session key from a password: PBKDF2 (RFC 8018) with HMAC-SHA-1, key label "tempKey".
 CSSM_RETURN cdsaDeriveKey(const CSSM_CSP_HANDLE& csp, Bytes password, Bytes salt,
-                          CSSM_ALGORITHMS keyAlgorithm, std::uint32_t keySizeInBits, CSSM_KEY& key);
+                          CSSM_ALGORITHMS keyAlgorithm, std::uint32_t keySizeInBits, CSSM_KEY& key,
+                          unsigned iterations = cdsaDeriveIterations);
 // RSA only; CSSMERR_CSP_INVALID_ALGORITHM otherwise.
 CSSM_RETURN cdsaGenerateKeyPair(const CSSM_CSP_HANDLE& csp, CSSM_ALGORITHMS algorithm,
                                 std::uint32_t keySizeInBits, CSSM_KEY& publicKey, CSSM_KEY& privateKey);

@@ -1,0 +1,285 @@
+#include "Hex.h"
+#include "OpenSsl.h"
+#include "ZANUtils/AES256CBC.h"
+#include "ZANUtils/DES.h"
+#include "ZANUtils/Twofish.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace torka {
+namespace {
+
+using tests::fromHex;
+using tests::toHexText;
+using Block = std::vector<std::uint8_t>;
+
+const Block aesKey = fromHex("603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4");
+const Block aesVector = fromHex("000102030405060708090a0b0c0d0e0f");
+
+// SP 800-38A, F.2.5 and F.2.6, in pieces so that the chain is carried across calls.
+TEST(AES256CBC, PublishedChain) {
+    const Block plain = fromHex("6bc1bee22e409f96e93d7e117393172aae2d8a571e03ac9c9eb76fac45af8e51"
+                                "30c81c46a35ce411e5fbc1191a0a52eff69f2445df4f9b17ad2b417be66c3710");
+    const std::string cipher = "f58c4c04d6e5f1ba779eabfb5f7bfbd69cfc4e967edb808d679f777bc6702c7d"
+                               "39f23369a9d9bacfa530e26304231461b2eb05e2c39be9fcda6c19078c6a9d1b";
+    AES256CBC aes;
+    aes.MakeKey(aesKey.data(), aesVector.data(), 32, 16);
+    Block out(64);
+    aes.EncryptBlock(plain.data(), out.data());
+    aes.Encrypt(plain.data() + 16, out.data() + 16, 48);
+    EXPECT_EQ(toHexText(out), cipher);
+    aes.ResetChain();
+    aes.Decrypt(out.data(), out.data(), 48); // in place
+    aes.DecryptBlock(out.data() + 48, out.data() + 48);
+    EXPECT_EQ(out, plain);
+}
+
+// FIPS 197, C.3; a second key takes the place of the first in both directions.
+TEST(AES256CBC, PublishedBlockAndNewKey) {
+    const Block key = fromHex("000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f");
+    const Block plain = fromHex("00112233445566778899aabbccddeeff");
+    AES256CBC aes;
+    Block out(16);
+    aes.MakeKey(aesKey.data(), aesVector.data(), 32, 16);
+    aes.DefDecryptBlock(plain.data(), out.data());
+    aes.MakeKey(key.data(), aesVector.data(), 32, 16);
+    aes.DefEncryptBlock(plain.data(), out.data());
+    EXPECT_EQ(toHexText(out), "8ea2b7ca516745bfeafc49904b496089");
+    aes.DefDecryptBlock(out.data(), out.data());
+    EXPECT_EQ(out, plain);
+}
+
+TEST(AES256CBC, RefusesOtherSizesAndMissingArguments) {
+    AES256CBC aes;
+    aes.MakeKey(aesKey.data(), aesVector.data(), 16, 16);
+    aes.MakeKey(aesKey.data(), aesVector.data(), 32, 24);
+    aes.MakeKey(nullptr, aesVector.data(), 32, 16);
+    aes.MakeKey(aesKey.data(), nullptr, 32, 16);
+    EXPECT_FALSE(aes.HasKey());
+    const Block untouched(32, 0xAA);
+    Block out = untouched;
+    aes.Encrypt(untouched.data(), out.data(), 16);
+    aes.MakeKey(aesKey.data(), aesVector.data(), 32, 16);
+    aes.Encrypt(untouched.data(), out.data(), 17);
+    aes.Decrypt(untouched.data(), out.data(), 15);
+    int length = 32;
+    aes.DoAES256Encrypt(nullptr, aesVector.data(), "x", out.data(), &length);
+    aes.DoAES256Encrypt(aesKey.data(), nullptr, "x", out.data(), &length);
+    aes.DoAES256Encrypt(aesKey.data(), aesVector.data(), nullptr, out.data(), &length);
+    aes.DoAES256Encrypt(aesKey.data(), aesVector.data(), "x", out.data(), nullptr);
+    aes.DoAES256Decrypt(aesKey.data(), aesVector.data(), nullptr, 16, out.data(), &length);
+    EXPECT_EQ(out, untouched);
+    EXPECT_EQ(length, 32);
+}
+
+// The text with its terminator, then 16 - r bytes of 15 - r.
+Block paddedText(const std::string& text) {
+    Block bytes(text.begin(), text.end());
+    bytes.push_back(0);
+    const std::size_t rest = bytes.size() % 16;
+    bytes.insert(bytes.end(), 16 - rest, static_cast<std::uint8_t>(15 - rest));
+    return bytes;
+}
+
+TEST(AES256CBC, PadsTextsItsOwnWay) {
+    const std::string options =
+        "-d -aes-256-cbc -nopad -K " + toHexText(aesKey) + " -iv " + toHexText(aesVector);
+    for (const std::size_t textLength : {0U, 1U, 14U, 15U, 16U, 31U, 32U, 200U}) {
+        SCOPED_TRACE(textLength);
+        const std::string text(textLength, 'n');
+        const Block expected = paddedText(text);
+        Block out(282, 0xEE);
+        int length = 282;
+        AES256CBC().DoAES256Encrypt(aesKey.data(), aesVector.data(), text.c_str(), out.data(), &length);
+        ASSERT_EQ(static_cast<std::size_t>(length), expected.size());
+        const Block cipher(out.begin(), out.begin() + length);
+        EXPECT_EQ(tests::openSslCipher(options, cipher), expected);
+        EXPECT_EQ(Block(out.begin() + length, out.end()), Block(out.size() - cipher.size(), 0));
+
+        Block back(300, 0xEE);
+        int backLength = 300;
+        AES256CBC().DoAES256Decrypt(aesKey.data(), aesVector.data(), cipher.data(), length, back.data(),
+                                    &backLength);
+        EXPECT_EQ(backLength, length);
+        back.resize(cipher.size());
+        EXPECT_EQ(back, expected);
+    }
+    EXPECT_EQ(paddedText(""), fromHex("000e0e0e0e0e0e0e0e0e0e0e0e0e0e0e"));
+    EXPECT_EQ(paddedText(std::string(15, 'n')).size(), 32U);
+}
+
+// A buffer that is too short gets the first bytes of the same result, and the full length is told.
+TEST(AES256CBC, WritesNoFurtherThanTheBuffer) {
+    const std::string text(40, 'n'); // 41 bytes, 48 with padding
+    Block whole(48);
+    int length = 48;
+    AES256CBC().DoAES256Encrypt(aesKey.data(), aesVector.data(), text.c_str(), whole.data(), &length);
+    for (int capacity = -1; capacity <= 48; ++capacity) {
+        const auto size = static_cast<std::size_t>(std::max(capacity, 0));
+        Block out(size); // the sanitizers watch its end
+        length = capacity;
+        AES256CBC().DoAES256Encrypt(aesKey.data(), aesVector.data(), text.c_str(),
+                                    out.data() ? out.data() : whole.data(), &length);
+        EXPECT_EQ(length, 48);
+        EXPECT_EQ(out, Block(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+        length = capacity;
+        AES256CBC().DoAES256Decrypt(aesKey.data(), aesVector.data(), whole.data(), 48,
+                                    out.data() ? out.data() : whole.data(), &length);
+        EXPECT_EQ(length, 48);
+        const Block expected = paddedText(text);
+        EXPECT_EQ(out, Block(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(size)));
+    }
+    for (const int wrong : {-16, 15, 17}) {
+        Block out(48, 0xEE);
+        length = 48;
+        AES256CBC().DoAES256Decrypt(aesKey.data(), aesVector.data(), whole.data(), wrong, out.data(),
+                                    &length);
+        EXPECT_EQ(length, 0);
+        EXPECT_EQ(out, Block(48, 0));
+    }
+}
+
+TEST(DES, PublishedAnswers) {
+    const struct {
+        const char* key;
+        const char* plain;
+        const char* cipher;
+    } cases[] = {
+        // SP 800-17: variable plain text, variable key, substitution table.
+        {"0101010101010101", "8000000000000000", "95f8a5e5dd31d900"},
+        {"0101010101010101", "4000000000000000", "dd7f121ca5015619"},
+        {"8001010101010101", "0000000000000000", "95a8d72813daa94d"},
+        {"7ca110454a1a6e57", "01a1d6d039776742", "690f5b0d9a26939b"},
+        {"0131d9619dc1376e", "5cd54ca83def57da", "7a389d10354bd271"},
+        // FIPS 46-3 as worked through in SP 500-20; without the key's parity bits the same.
+        {"133457799bbcdff1", "0123456789abcdef", "85e813540f0ab405"},
+        {"123456789abcdef0", "0123456789abcdef", "85e813540f0ab405"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.key);
+        DES engine;
+        Block block = fromHex(c.plain);
+        engine.deskey(fromHex(c.key).data(), EN0);
+        engine.des(block.data(), block.data());
+        EXPECT_EQ(toHexText(block), c.cipher);
+
+        std::uint32_t schedule[DES::scheduleWords] = {};
+        engine.deskey(fromHex(c.key).data(), DE1);
+        engine.cpkey(schedule);
+        engine.deskey(aesKey.data(), EN0);
+        engine.deskey(aesKey.data(), 2); // no mode: changes nothing
+        engine.usekey(schedule);
+        engine.des(block.data(), block.data());
+        EXPECT_EQ(toHexText(block), c.plain);
+    }
+}
+
+TEST(DES, AgreesWithOpenSsl) {
+    Block plain;
+    for (int i = 0; i < 256; ++i) {
+        plain.push_back(static_cast<std::uint8_t>(i * 37 + 11));
+    }
+    DES engine;
+    engine.deskey(aesKey.data(), EN0);
+    Block cipher(plain.size());
+    for (std::size_t i = 0; i < plain.size(); i += 8) {
+        engine.des(plain.data() + i, cipher.data() + i);
+    }
+    const std::string key = toHexText(std::span(aesKey).first(8));
+    EXPECT_EQ(tests::openSslCipher("-e -des-ecb -nopad -K " + key, plain), cipher);
+}
+
+// The submitters' table of 256-bit keys (ECB_TBL): each answer is the next plain text, the two before it are
+// the key.
+TEST(Twofish, PublishedTable) {
+    const std::string zero(32, '0');
+    std::string previous[3] = {zero, zero, zero}; // the answer before, the one before that, and so on
+    for (int i = 1; i <= 49; ++i) {
+        Twofish::KeyInstance key;
+        Twofish::CipherInstance cipher;
+        const std::string digits = previous[1] + previous[2];
+        ASSERT_EQ(Twofish::makeKey(&key, DIR_ENCRYPT, 256, digits.c_str()), 1);
+        ASSERT_EQ(Twofish::cipherInit(&cipher, MODE_ECB, nullptr), 1);
+        Block block = fromHex(previous[0]);
+        ASSERT_EQ(Twofish::blockEncrypt(&cipher, &key, block.data(), 128, block.data()), 128);
+        const std::string answer = toHexText(block);
+        ASSERT_EQ(Twofish::blockDecrypt(&cipher, &key, block.data(), 128, block.data()), 128);
+        EXPECT_EQ(toHexText(block), previous[0]);
+        previous[2] = previous[1];
+        previous[1] = previous[0];
+        previous[0] = answer;
+        if (i == 1) {
+            EXPECT_EQ(answer, "57ff739d4dc92c1bd7fc01700cc8216f");
+        } else if (i == 4) {
+            EXPECT_EQ(answer, "6cb4561c40bf0a9705931cb6d408e7fa");
+        }
+    }
+    EXPECT_EQ(previous[0], "37fe26ff1cf66175f5ddf4c33b97a205");
+}
+
+TEST(Twofish, KeySizesChainingAndRunCipher) {
+    const struct {
+        int bits;
+        const char* key;
+        const char* cipher;
+    } cases[] = {
+        {128, "00000000000000000000000000000000", "9f589f5cf6122c32b6bfec2f2ae8c35a"},
+        {192, "0123456789ABCDEFFEDCBA98765432100011223344556677", "cfd1d2e5a9be9cdf501f13b892bd2248"},
+        {256, "0123456789ABCDEFFEDCBA987654321000112233445566778899AABBCCDDEEFF",
+         "37527be0052334b89f0cfccae87cfa20"},
+    };
+    for (const auto& c : cases) {
+        Twofish::KeyInstance key;
+        Twofish::CipherInstance cipher;
+        ASSERT_EQ(Twofish::makeKey(&key, DIR_ENCRYPT, c.bits, c.key), 1);
+        // With a chain of zeros the first block is the published one, and the second starts from its answer.
+        ASSERT_EQ(Twofish::cipherInit(&cipher, MODE_CBC, nullptr), 1);
+        Block out(32);
+        ASSERT_EQ(Twofish::blockEncrypt(&cipher, &key, Block(32).data(), 256, out.data()), 256);
+        EXPECT_EQ(toHexText(std::span(out).first(16)), c.cipher);
+        Block chained(16);
+        ASSERT_EQ(Twofish::cipherInit(&cipher, MODE_ECB, nullptr), 1);
+        ASSERT_EQ(Twofish::blockEncrypt(&cipher, &key, out.data(), 128, chained.data()), 128);
+        EXPECT_EQ(Block(out.begin() + 16, out.end()), chained);
+        ASSERT_EQ(Twofish::cipherInit(&cipher, MODE_CBC, c.cipher), 1);
+        ASSERT_EQ(Twofish::blockDecrypt(&cipher, &key, out.data() + 16, 128, chained.data()), 128);
+        EXPECT_EQ(chained, Block(16));
+    }
+    Block out(48);
+    ASSERT_EQ(Twofish::RunCipher(false, fromHex(cases[2].key).data(), Block(48).data(), 48, out.data()), 0);
+    EXPECT_EQ(toHexText(std::span(out).last(16)), cases[2].cipher);
+    ASSERT_EQ(Twofish::RunCipher(true, fromHex(cases[2].key).data(), out.data(), 48, out.data()), 0);
+    EXPECT_EQ(out, Block(48));
+}
+
+TEST(Twofish, Refusals) {
+    Twofish::KeyInstance key;
+    Twofish::CipherInstance cipher;
+    Block block(32);
+    std::uint32_t words[8] = {};
+    char copy[5] = "....";
+    EXPECT_EQ(Twofish::ParseHexDword(32, "01aBcd", words, copy), BAD_KEY_MAT); // too short
+    EXPECT_EQ(Twofish::ParseHexDword(16, "01aB", words, copy), 0);
+    EXPECT_EQ(words[0], 0xAB01U);
+    EXPECT_STREQ(copy, "01aB");
+    EXPECT_EQ(Twofish::makeKey(&key, 2, 256, nullptr), BAD_KEY_DIR);
+    EXPECT_EQ(Twofish::makeKey(&key, DIR_ENCRYPT, 512, nullptr), BAD_KEY_MAT);
+    EXPECT_EQ(Twofish::makeKey(&key, DIR_ENCRYPT, 128, "not hexadecimal at all, but long"), BAD_KEY_MAT);
+    EXPECT_EQ(Twofish::cipherInit(&cipher, 3, nullptr), BAD_CIPHER_MODE);
+    EXPECT_EQ(Twofish::cipherInit(&cipher, MODE_CBC, "0g"), BAD_IV_MAT);
+    EXPECT_EQ(Twofish::blockEncrypt(&cipher, &key, block.data(), 128, block.data()), BAD_CIPHER_STATE);
+    EXPECT_EQ(Twofish::cipherInit(&cipher, MODE_ECB, nullptr), 1);
+    EXPECT_EQ(Twofish::blockEncrypt(&cipher, &key, block.data(), 128, block.data()), BAD_KEY_INSTANCE);
+    EXPECT_EQ(Twofish::makeKey(&key, DIR_ENCRYPT, 128, cipher.mode ? "00000000000000000000000000000000" : ""),
+              1);
+    EXPECT_EQ(Twofish::blockDecrypt(&cipher, &key, block.data(), 100, block.data()), BAD_INPUT_LEN);
+    for (const int length : {-16, 8, 17}) {
+        EXPECT_EQ(Twofish::RunCipher(false, block.data(), block.data(), length, block.data()), -1);
+    }
+    EXPECT_EQ(Twofish::RunCipher(false, nullptr, block.data(), 16, block.data()), -1);
+    EXPECT_EQ(block, Block(32));
+}
+
+} // namespace
+} // namespace torka

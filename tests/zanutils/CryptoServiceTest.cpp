@@ -1,0 +1,358 @@
+#include "OpenSsl.h"
+#include "ZANUtils/CSSM/CDSACrypto.h"
+#include "ZANUtils/QVCFCryptoString.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace torka {
+namespace {
+
+using tests::bytesOf;
+using tests::fromHex;
+using tests::openSsl;
+using tests::toHexText;
+
+std::string asText(Bytes bytes) { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
+
+// The sample field keys are installed; what is attached afterwards uses them.
+class CryptoService : public testing::Test {
+protected:
+    CryptoService() {
+        const std::string list = tests::readFile(TORKA_SOURCE_DIR "/samples/FieldKeys.plist");
+        std::string error;
+        keys = FieldKeys::Load(bytesOf(list), error);
+        EXPECT_TRUE(keys) << error;
+        installFieldKeys(keys);
+        EXPECT_EQ(cdsaCspAttach(csp), CSSM_OK);
+    }
+    ~CryptoService() override { installFieldKeys(nullptr); }
+
+    static CSSM_KEY SessionKey(CSSM_ALGORITHMS algorithm, std::size_t length) {
+        CSSM_KEY key;
+        key.algorithm = algorithm;
+        key.keyClass = CSSM_KEYCLASS::sessionKey;
+        for (std::size_t i = 0; i < length; ++i) {
+            key.data.push_back(static_cast<std::uint8_t>(i * 29 + 3));
+        }
+        key.sizeInBits = static_cast<std::uint32_t>(length * 8);
+        return key;
+    }
+
+    std::shared_ptr<const FieldKeys> keys;
+    CSSM_CSP_HANDLE csp;
+};
+
+// RFC 6070, and the iterations and key form that stored strings use.
+TEST_F(CryptoService, DerivesPublishedKeys) {
+    const struct {
+        const char* password;
+        const char* salt;
+        unsigned iterations;
+        std::uint32_t bits;
+        const char* expected;
+    } cases[] = {
+        {"password", "salt", 1, 160, "0c60c80f961f0e71f3a9b524af6012062fe037a6"},
+        {"password", "salt", 2, 160, "ea6c014dc72d8ccd1ed92ace1d41f0d8de8957"},
+        {"password", "salt", 4096, 160, "4b007901b765489abead49d926f721d065a429c1"},
+        {"passwordPASSWORDpassword", "saltSALTsaltSALTsaltSALTsaltSALTsalt", 4096, 200,
+         "3d2eec4fe41c849b80c8d83662c0e44a8b291a964cf2f07038"},
+    };
+    for (const auto& c : cases) {
+        CSSM_KEY key;
+        ASSERT_EQ(cdsaDeriveKey(csp, bytesOf(c.password), bytesOf(c.salt), CSSM_ALGID_AES, c.bits, key,
+                                c.iterations),
+                  CSSM_OK);
+        EXPECT_EQ(toHexText(key.data).rfind(c.expected, 0), 0U) << toHexText(key.data);
+        EXPECT_EQ(key.label, "tempKey");
+        EXPECT_EQ(cdsaFreeKey(csp, key), CSSM_OK);
+        EXPECT_TRUE(key.data.empty());
+    }
+    CSSM_KEY key;
+    EXPECT_EQ(cdsaDeriveKey(csp, {}, {}, CSSM_ALGID_AES, 0, key), CSSMERR_CSP_UNSUPPORTED_KEY_SIZE);
+    EXPECT_EQ(cdsaDeriveKey(nullptr, {}, {}, CSSM_ALGID_AES, 128, key), CSSMERR_CSP_INVALID_CSP_HANDLE);
+}
+
+TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
+    const struct {
+        CSSM_ALGORITHMS algorithm;
+        std::size_t keyBytes;
+        std::size_t blockBytes; // 1 for a stream
+        const char* name;
+    } cases[] = {
+        {CSSM_ALGID_AES, 16, 16, "-aes-128-cbc"},
+        {CSSM_ALGID_AES, 24, 16, "-aes-192-cbc"},
+        {CSSM_ALGID_AES, 32, 16, "-aes-256-cbc"},
+        {CSSM_ALGID_DES, 8, 8, "-des-cbc"},
+        {CSSM_ALGID_3DES_3KEY_EDE, 24, 8, "-des-ede3-cbc"},
+        {CSSM_ALGID_RC2, 16, 8, "-rc2-cbc"},
+        {CSSM_ALGID_RC4, 16, 1, "-rc4"},
+    };
+    for (const auto& c : cases) {
+        const CSSM_KEY key = SessionKey(c.algorithm, c.keyBytes);
+        std::string options = std::string("-e ") + c.name + " -K " + toHexText(key.data);
+        if (c.blockBytes > 1) {
+            options += " -iv " + toHexText(keys->StringVector().first(c.blockBytes));
+        }
+        for (const std::size_t length : {0U, 7U, 8U, 16U, 33U}) {
+            SCOPED_TRACE(std::string(c.name) + " " + std::to_string(length));
+            const std::string plain = std::string("the plain text that is enciphered here").substr(0, length);
+            SecureBuffer cipher;
+            ASSERT_EQ(cdsaEncrypt(csp, key, bytesOf(plain), cipher), CSSM_OK);
+            if (length > 0 || c.blockBytes > 1) {
+                EXPECT_EQ(toHexText(tests::openSslCipher(options, bytesOf(plain))), toHexText(cipher));
+            }
+            SecureBuffer back;
+            ASSERT_EQ(cdsaDecrypt(csp, key, cipher, back), CSSM_OK);
+            EXPECT_EQ(asText(back), plain);
+
+            // The same in pieces of five bytes.
+            SecureBuffer pieces;
+            SecureBuffer backPieces;
+            CSSM_CC_HANDLE context;
+            for (std::size_t at = 0; at == 0 || at < length; at += 5) {
+                const bool last = at + 5 >= length;
+                ASSERT_EQ(cdsaStagedEncrypt(csp, key, bytesOf(std::string_view(plain).substr(at, 5)), last,
+                                            pieces, context),
+                          CSSM_OK);
+                EXPECT_EQ(context == nullptr, last);
+            }
+            EXPECT_EQ(pieces, cipher);
+            for (const std::uint8_t& byte : cipher) {
+                const bool last = &byte == &cipher.back();
+                ASSERT_EQ(cdsaStagedDecrypt(csp, key, Bytes(&byte, 1), last, backPieces, context), CSSM_OK);
+            }
+            EXPECT_EQ(asText(backPieces), plain);
+        }
+    }
+}
+
+TEST_F(CryptoService, ContextsFollowTheAlgorithm) {
+    const struct {
+        CSSM_ALGORITHMS algorithm;
+        CSSM_RETURN made;
+        CSSM_ENCRYPT_MODE mode;
+        CSSM_PADDING padding;
+        CSSM_RETURN operation;
+    } cases[] = {
+        {CSSM_ALGID_AES, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs7, CSSM_OK},
+        {14, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5, CSSMERR_CSP_UNSUPPORTED_KEY_SIZE},
+        {17, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5, CSSMERR_CSP_UNSUPPORTED_KEY_SIZE},
+        {23, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5, CSSM_OK},
+        {24, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5,
+         CSSMERR_CSP_FUNCTION_NOT_IMPLEMENTED},
+        {25, CSSM_OK, CSSM_ENCRYPT_MODE::none, CSSM_PADDING::none, CSSM_OK},
+        {CSSM_ALGID_ASC, CSSM_OK, CSSM_ENCRYPT_MODE::none, CSSM_PADDING::none,
+         CSSMERR_CSP_FUNCTION_NOT_IMPLEMENTED},
+        {42, CSSM_OK, CSSM_ENCRYPT_MODE::none, CSSM_PADDING::pkcs1, CSSMERR_CSP_INVALID_KEY_CLASS},
+        {43, CSSMERR_CSP_INVALID_ALGORITHM, {}, {}, CSSMERR_CSP_INVALID_ALGORITHM},
+        {CSSM_ALGID_NONE, CSSMERR_CSP_INVALID_ALGORITHM, {}, {}, CSSMERR_CSP_INVALID_ALGORITHM},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.algorithm);
+        const CSSM_KEY key = SessionKey(c.algorithm, 16);
+        CSSM_CC_HANDLE context;
+        ASSERT_EQ(genCryptHandle(csp, key, context), c.made);
+        if (context) {
+            EXPECT_EQ(context->mode, c.mode);
+            EXPECT_EQ(context->padding, c.padding);
+            EXPECT_EQ(context->isAsymmetric, c.algorithm == CSSM_ALGID_RSA);
+            EXPECT_EQ(context->mode != CSSM_ENCRYPT_MODE::none,
+                      std::equal(context->initialVector.begin(), context->initialVector.end(),
+                                 keys->StringVector().begin()));
+        }
+        SecureBuffer out{1, 2, 3};
+        EXPECT_EQ(cdsaEncrypt(csp, key, bytesOf("text"), out), c.operation);
+        if (c.operation != CSSM_OK) {
+            EXPECT_EQ(out, (SecureBuffer{1, 2, 3}));
+        }
+    }
+}
+
+TEST_F(CryptoService, RefusesDamagedCipherText) {
+    const CSSM_KEY key = SessionKey(CSSM_ALGID_AES, 16);
+    SecureBuffer cipher;
+    SecureBuffer out;
+    ASSERT_EQ(cdsaEncrypt(csp, key, bytesOf("0123456789abcdef"), cipher), CSSM_OK);
+    for (const std::size_t length : {0U, 1U, 15U, 17U, 31U}) {
+        EXPECT_EQ(cdsaDecrypt(csp, key, Bytes(cipher).first(length), out), CSSMERR_CSP_INPUT_LENGTH_ERROR)
+            << length;
+    }
+    EXPECT_EQ(cdsaDecrypt(csp, key, Bytes(cipher).first(16), out),
+              CSSMERR_CSP_INVALID_DATA);                              // no padding in it
+    cipher[15] = static_cast<std::uint8_t>(cipher[15] ^ 0x10 ^ 0x00); // pad count 0
+    EXPECT_EQ(cdsaDecrypt(csp, key, cipher, out), CSSMERR_CSP_INVALID_DATA);
+    cipher[15] = static_cast<std::uint8_t>(cipher[15] ^ 0x11); // pad count 0x11
+    EXPECT_EQ(cdsaDecrypt(csp, key, cipher, out), CSSMERR_CSP_INVALID_DATA);
+    EXPECT_TRUE(out.empty());
+}
+
+TEST_F(CryptoService, DigestsAndStages) {
+    SecureBuffer digest;
+    EXPECT_EQ(cdsaDigest(csp, CSSM_ALGID_SHA1, bytesOf("abc"), digest), CSSM_OK);
+    EXPECT_EQ(toHexText(digest), "a9993e364706816aba3e25717850c26c9cd0d89d");
+    DigestHandle context;
+    EXPECT_EQ(cdsaStagedDigest(csp, CSSM_ALGID_MD5, bytesOf("message "), false, digest, context), CSSM_OK);
+    EXPECT_EQ(cdsaStagedDigest(csp, CSSM_ALGID_MD5, bytesOf("digest"), true, digest, context), CSSM_OK);
+    EXPECT_EQ(toHexText(digest), "f96b697d7cb7938d525a2f31aaf161d0"); // RFC 1321, A.5
+    EXPECT_EQ(context, nullptr);
+    EXPECT_EQ(cdsaDigest(csp, CSSM_ALGID_RSA, bytesOf("abc"), digest), CSSMERR_CSP_INVALID_ALGORITHM);
+}
+
+TEST_F(CryptoService, RsaWithOpenSsl) {
+    const tests::TemporaryFolder folder;
+    const std::string data = "what is signed";
+    const std::string dataFile = folder.Write("data", data).string();
+    const auto path = [&](const char* name) { return (folder / name).string(); };
+
+    // Our keys and signatures, taken by openssl.
+    CSSM_KEY ourPublic;
+    CSSM_KEY ourPrivate;
+    ASSERT_EQ(cdsaGenerateKeyPair(csp, CSSM_ALGID_RSA, 1024, ourPublic, ourPrivate), CSSM_OK);
+    EXPECT_EQ(cdsaGenerateKeyPair(csp, CSSM_ALGID_RSA, 256, ourPublic, ourPrivate),
+              CSSMERR_CSP_UNSUPPORTED_KEY_SIZE);
+    EXPECT_EQ(cdsaGenerateKeyPair(csp, CSSM_ALGID_AES, 2048, ourPublic, ourPrivate),
+              CSSMERR_CSP_INVALID_ALGORITHM);
+    folder.Write("public.der", asText(ourPublic.data));
+    folder.Write("private.der", asText(ourPrivate.data));
+    openSsl("rsa -RSAPublicKey_in -inform DER -in " + path("public.der") + " -pubout -out " +
+            path("public.pem"));
+    EXPECT_NE(openSsl("rsa -inform DER -in " + path("private.der") + " -check -noout").find("RSA key ok"),
+              std::string::npos);
+    const std::pair<CSSM_ALGORITHMS, std::string> digests[] = {{CSSM_ALGID_SHA1WithRSA, "-sha1"},
+                                                               {CSSM_ALGID_MD5WithRSA, "-md5"}};
+    for (const auto& [algorithm, name] : digests) {
+        SecureBuffer signature;
+        DigestHandle context;
+        ASSERT_EQ(cdsaStagedSign(csp, ourPrivate, algorithm, bytesOf("what is "), false, signature, context),
+                  CSSM_OK);
+        ASSERT_EQ(cdsaStagedSign(csp, ourPrivate, algorithm, bytesOf("signed"), true, signature, context),
+                  CSSM_OK);
+        const std::string file = folder.Write("signature", asText(signature)).string();
+        openSsl("dgst " + name + " -verify " + path("public.pem") + " -signature " + file + " " + dataFile);
+        EXPECT_EQ(cdsaVerify(csp, ourPublic, algorithm, bytesOf(data), signature), CSSM_OK);
+        EXPECT_EQ(cdsaStagedVerify(csp, ourPublic, algorithm, bytesOf("what was "), false, {}, context),
+                  CSSM_OK);
+        EXPECT_EQ(cdsaStagedVerify(csp, ourPublic, algorithm, bytesOf("signed"), true, signature, context),
+                  CSSMERR_CSP_VERIFY_FAILED);
+        EXPECT_EQ(cdsaVerify(csp, ourPublic, algorithm, bytesOf(data), Bytes(signature).first(100)),
+                  CSSMERR_CSP_INVALID_SIGNATURE);
+    }
+
+    // openssl's key and signature, taken by us.
+    openSsl("genrsa -out " + path("their.pem") + " 2048");
+    openSsl("rsa -traditional -in " + path("their.pem") + " -outform DER -out " + path("their.der"));
+    openSsl("rsa -in " + path("their.pem") + " -RSAPublicKey_out -outform DER -out " + path("theirs.der"));
+    openSsl("dgst -sha1 -sign " + path("their.pem") + " -out " + path("their.sig") + " " + dataFile);
+    const auto load = [&](const char* name, CSSM_KEYCLASS keyClass) {
+        const std::string der = tests::readFile(path(name));
+        return CSSM_KEY{CSSM_ALGID_RSA, keyClass, 2048, {}, SecureBuffer(der.begin(), der.end()), {}};
+    };
+    const CSSM_KEY theirPublic = load("theirs.der", CSSM_KEYCLASS::publicKey);
+    CSSM_KEY theirPrivate = load("their.der", CSSM_KEYCLASS::privateKey);
+    const std::string signature = tests::readFile(path("their.sig"));
+    EXPECT_EQ(cdsaVerify(csp, theirPublic, CSSM_ALGID_SHA1WithRSA, bytesOf(data), bytesOf(signature)),
+              CSSM_OK);
+    SecureBuffer cipher;
+    SecureBuffer plain;
+    ASSERT_EQ(cdsaEncrypt(csp, theirPublic, bytesOf(data), cipher), CSSM_OK);
+    folder.Write("cipher", asText(cipher));
+    EXPECT_EQ(openSsl("pkeyutl -decrypt -inkey " + path("their.pem") + " -in " + path("cipher")), data);
+    EXPECT_EQ(cdsaDecrypt(csp, theirPrivate, cipher, plain), CSSM_OK);
+    EXPECT_EQ(asText(plain), data);
+
+    EXPECT_EQ(cdsaEncrypt(csp, theirPrivate, bytesOf(data), cipher), CSSMERR_CSP_INVALID_KEY_CLASS);
+    EXPECT_EQ(cdsaEncrypt(csp, theirPublic, bytesOf(std::string(246, 'x')), cipher),
+              CSSMERR_CSP_INPUT_LENGTH_ERROR);
+    EXPECT_EQ(cdsaDecrypt(csp, theirPrivate, bytesOf(std::string(256, '\xFF')), plain),
+              CSSMERR_CSP_INVALID_DATA);
+    theirPrivate.data.resize(100);
+    EXPECT_EQ(cdsaSign(csp, theirPrivate, CSSM_ALGID_SHA1WithRSA, bytesOf(data), plain),
+              CSSMERR_CSP_INVALID_KEY);
+}
+
+TEST_F(CryptoService, DiffieHellmanExchange) {
+    const tests::TemporaryFolder folder;
+    CSSM_KEY ourPublic;
+    CSSM_KEY ourPrivate;
+    CSSM_KEY theirPublic;
+    CSSM_KEY theirPrivate;
+    CSSM_KEY ours;
+    CSSM_KEY theirs;
+    SecureBuffer parameters;
+    for (const std::uint32_t bits : {1536U, 2048U}) {
+        ASSERT_EQ(cdsaDhGenerateKeyPair(csp, bits, {}, ourPublic, ourPrivate, &parameters), CSSM_OK);
+        const std::string file = folder.Write("parameters", asText(parameters)).string();
+        EXPECT_NE(openSsl("pkeyparam -text -in /dev/stdin", openSsl("dhparam -inform DER -in " + file))
+                      .find("GROUP: modp_" + std::to_string(bits)),
+                  std::string::npos);
+        ASSERT_EQ(cdsaDhGenerateKeyPair(csp, 0, parameters, theirPublic, theirPrivate, nullptr), CSSM_OK);
+        ASSERT_EQ(cdsaDhKeyExchange(csp, ourPrivate, theirPublic.data, CSSM_ALGID_AES, 256, ours), CSSM_OK);
+        ASSERT_EQ(cdsaDhKeyExchange(csp, theirPrivate, ourPublic.data, CSSM_ALGID_AES, 256, theirs), CSSM_OK);
+        EXPECT_EQ(ours.data, theirs.data);
+        // Python's powers are the judge.
+        const std::string prime = toHexText(parameters).substr(bits == 1536 ? 18 : 18, bits / 4);
+        EXPECT_EQ(tests::runPython("import sys\nb,e,p=(int(v,16) for v in sys.argv[1:])\n"
+                                   "print('%0*x' % (len(sys.argv[3]), pow(b,e,p)), end='')",
+                                   {toHexText(theirPublic.data), toHexText(ourPrivate.data), prime})
+                      .substr(0, 64),
+                  toHexText(ours.data));
+    }
+    // Values whose powers anyone can guess, and parameters that are none.
+    SecureBuffer value(ourPublic.data.size());
+    EXPECT_EQ(cdsaDhKeyExchange(csp, ourPrivate, value, CSSM_ALGID_AES, 256, ours), CSSMERR_CSP_INVALID_DATA);
+    value.back() = 1;
+    EXPECT_EQ(cdsaDhKeyExchange(csp, ourPrivate, value, CSSM_ALGID_AES, 256, ours), CSSMERR_CSP_INVALID_DATA);
+    EXPECT_EQ(cdsaDhKeyExchange(csp, ourPublic, ourPublic.data, CSSM_ALGID_AES, 256, ours),
+              CSSMERR_CSP_INVALID_KEY_CLASS);
+    EXPECT_EQ(cdsaDhGenerateKeyPair(csp, 1000, {}, ourPublic, ourPrivate, nullptr),
+              CSSMERR_CSP_UNSUPPORTED_KEY_SIZE);
+    parameters[40] = static_cast<std::uint8_t>(parameters[40] ^ 1); // no prime any more
+    EXPECT_EQ(cdsaDhGenerateKeyPair(csp, 0, parameters, ourPublic, ourPrivate, nullptr),
+              CSSMERR_CSP_INVALID_ATTR_ALG_PARAMS);
+    parameters.resize(10);
+    EXPECT_EQ(cdsaDhGenerateKeyPair(csp, 0, parameters, ourPublic, ourPrivate, nullptr),
+              CSSMERR_CSP_INVALID_ATTR_ALG_PARAMS);
+}
+
+TEST_F(CryptoService, StoredStringsAgreeWithOpenSsl) {
+    const CFStringRef password = cfString("p\xC3\xA4ssword");
+    const std::string key =
+        tests::runPython("import hashlib\nprint(hashlib.pbkdf2_hmac('sha1', 'p\\xe4ssword'.encode(),"
+                         " b'vrznTupl', 1000, 16).hex(), end='')");
+    const std::string options = "-aes-128-cbc -a -A -K " + key + " -iv " + toHexText(keys->StringVector());
+    for (const std::string text :
+         {"", "a", "fifteen letters", "sixteen letters!", "\xC3\xA9t\xC3\xA9 \xE6\x97\xA5"}) {
+        SCOPED_TRACE(text);
+        const CFStringRef cipher = QVCFCreateEncryptedString(cfString(text), password);
+        ASSERT_TRUE(cipher);
+        EXPECT_EQ(asText(tests::openSslCipher("-e " + options, bytesOf(text))), utf8Text(cipher));
+        EXPECT_EQ(utf8Text(QVCFCreateDecryptedString(cipher, password)), text);
+    }
+    EXPECT_TRUE(CFEqual(QVCFCreateEncryptedString(nullptr, password),
+                        QVCFCreateEncryptedString(cfString(""), password)));
+}
+
+TEST_F(CryptoService, StoredStringsTellWhatFailed) {
+    const CFStringRef password = cfString("password");
+    const auto printed = [](const CFStringRef& text, const CFStringRef& secret, bool encrypt) {
+        testing::internal::CaptureStderr();
+        const CFStringRef result = CSSMCreateCryptoString(text, secret, encrypt);
+        const std::string output = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(result, nullptr);
+        return output;
+    };
+    EXPECT_EQ(printed(nullptr, password, false), "cdsaDecrypt: CSSMERR_CSP_INPUT_LENGTH_ERROR\n");
+    EXPECT_EQ(printed(cfString("AAAAAAAAAAAAAAAAAAAAAA=="), password, false),
+              "cdsaDecrypt: CSSMERR_CSP_INVALID_DATA\n");
+    EXPECT_EQ(printed(cfString("text"), nullptr, true), "DeriveKey: CSSMERR_CSP_MISSING_ATTR_KEY\n");
+    // Without field keys there is no vector, and no other is taken in its place.
+    installFieldKeys(nullptr);
+    EXPECT_EQ(printed(cfString("text"), password, true),
+              "cdsaEncrypt: CSSMERR_CSP_MISSING_ATTR_INIT_VECTOR (no field keys are installed)\n");
+    EXPECT_EQ(printed(cfString("AAAAAAAAAAAAAAAAAAAAAA=="), password, false),
+              "cdsaDecrypt: CSSMERR_CSP_MISSING_ATTR_INIT_VECTOR (no field keys are installed)\n");
+}
+
+} // namespace
+} // namespace torka

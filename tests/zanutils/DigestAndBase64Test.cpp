@@ -1,0 +1,165 @@
+#include "Hex.h"
+#include "ZANUtils/Base64Decoder.h"
+#include "ZANUtils/Base64Encoder.h"
+#include "ZANUtils/QVCFBase64.h"
+#include "ZANUtils/SHA1.h"
+
+#include <gtest/gtest.h>
+#include <nettle/sha1.h>
+#include <string>
+
+namespace torka {
+namespace {
+
+std::string digestText(SHA1& sha) {
+    unsigned int words[5] = {};
+    if (!sha.Result(words)) {
+        return "corrupted";
+    }
+    std::vector<std::uint8_t> bytes;
+    for (const unsigned int word : words) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            bytes.push_back(static_cast<std::uint8_t>(word >> shift));
+        }
+    }
+    return tests::toHexText(bytes);
+}
+
+// The examples of FIPS 180 and the empty message.
+TEST(SHA1, PublishedDigests) {
+    SHA1 sha;
+    EXPECT_EQ(digestText(sha), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+    sha.Reset();
+    sha << 'a' << "b" << std::uint8_t{'c'} << static_cast<const char*>(nullptr);
+    EXPECT_EQ(digestText(sha), "a9993e364706816aba3e25717850c26c9cd0d89d");
+    EXPECT_EQ(digestText(sha), "a9993e364706816aba3e25717850c26c9cd0d89d"); // taken twice
+    sha.Input("", 0);
+    EXPECT_EQ(digestText(sha), "a9993e364706816aba3e25717850c26c9cd0d89d");
+    sha << "d"; // after the result
+    EXPECT_EQ(digestText(sha), "corrupted");
+    sha.Reset();
+    sha << "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq";
+    EXPECT_EQ(digestText(sha), "84983e441c3bd26ebaae4aa1f95129e5e54670f1");
+    sha.Reset();
+    for (int i = 0; i < 1000; ++i) {
+        sha.Input(std::string(1000, 'a').data(), 1000);
+    }
+    EXPECT_EQ(digestText(sha), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
+}
+
+// Every length around the block borders, in pieces of every size.
+TEST(SHA1, LengthsAndPieces) {
+    std::string message;
+    for (std::size_t length = 0; length <= 130; ++length, message += static_cast<char>('A' + length % 61)) {
+        sha1_ctx oracle;
+        std::uint8_t expected[SHA1_DIGEST_SIZE];
+        sha1_init(&oracle);
+        sha1_update(&oracle, message.size(), reinterpret_cast<const std::uint8_t*>(message.data()));
+        sha1_digest(&oracle, sizeof expected, expected);
+        SHA1 sha;
+        const std::size_t piece = length % 70 + 1;
+        for (std::size_t at = 0; at < length; at += piece) {
+            sha.Input(message.data() + at, std::min(piece, length - at));
+        }
+        EXPECT_EQ(digestText(sha), tests::toHexText(expected)) << length;
+    }
+}
+
+TEST(SHA1, CountsNoFurtherThan64Bits) {
+    struct NearlyFull : SHA1 {
+        NearlyFull() {
+            lengthHigh = 0xFFFFFFFF;
+            lengthLow = 0xFFFFFFF0; // two bytes short of 2^64 bits
+        }
+    };
+    NearlyFull sha;
+    sha << "a";
+    EXPECT_NE(digestText(sha), "corrupted");
+    NearlyFull over;
+    over << "ab";
+    EXPECT_EQ(digestText(over), "corrupted");
+}
+
+std::string encode(std::string_view bytes, bool wrap) {
+    std::string out(Base64Encoder::EncodedLength(bytes.size(), wrap), '?');
+    EXPECT_EQ(Base64Encoder().Encode(tests::bytesOf(bytes).data(), bytes.size(), out, wrap), out.size());
+    return out;
+}
+
+std::string decode(std::initializer_list<std::string_view> pieces) {
+    Base64Decoder decoder;
+    std::string bytes;
+    for (const std::string_view piece : pieces) {
+        std::vector<std::uint8_t> out(Base64Decoder::MaximumLength(piece.size()));
+        out.resize(decoder.Decode(piece.data(), piece.size(), out));
+        bytes.append(out.begin(), out.end());
+    }
+    return bytes;
+}
+
+TEST(Base64, PublishedPairs) {
+    // RFC 4648, 10.
+    const std::pair<const char*, const char*> cases[] = {{"", ""},
+                                                         {"f", "Zg=="},
+                                                         {"fo", "Zm8="},
+                                                         {"foo", "Zm9v"},
+                                                         {"foob", "Zm9vYg=="},
+                                                         {"fooba", "Zm9vYmE="},
+                                                         {"foobar", "Zm9vYmFy"}};
+    for (const auto& [bytes, text] : cases) {
+        EXPECT_EQ(encode(bytes, false), text);
+        EXPECT_EQ(decode({text}), bytes);
+        const CFDataRef data = CFDataCreate(bytes, std::string_view(bytes).size());
+        EXPECT_EQ(utf8Text(QVCFBase64CreateEncodedString(data)), text);
+        EXPECT_TRUE(CFEqual(QVCFBase64CreateDecodedData(cfString(text)), data)) << text;
+    }
+    EXPECT_EQ(encode("\xFB\xEF\xFF", false), "++//");
+}
+
+TEST(Base64Encoder, OnlyTheFirstLineIsWrapped) {
+    for (const std::size_t length : {45U, 46U, 47U, 48U, 49U, 100U, 1000U}) {
+        const std::string bytes(length, 'x');
+        std::string expected = encode(bytes, false);
+        if (expected.size() >= 64) {
+            expected.insert(64, 1, '\n');
+        }
+        EXPECT_EQ(encode(bytes, true), expected) << length;
+    }
+    char small[7] = "......";
+    EXPECT_EQ(Base64Encoder().Encode(tests::bytesOf("foobar").data(), 6, small, false), 0U);
+    EXPECT_STREQ(small, "......");
+    EXPECT_EQ(Base64Encoder().Encode(nullptr, 6, small, false), 0U);
+}
+
+TEST(Base64Decoder, SkipsEndsAndCarriesOn) {
+    EXPECT_EQ(decode({"Zm\n9v*YmF-y"}), "foobar");
+    EXPECT_EQ(decode({"Z", "", "m9", "vYmFyZ", "g"}), "foobar"); // the rest of a group waits in vain
+    EXPECT_EQ(decode({"Zm8=Zm8=", "Zm8="}), "fo");
+    EXPECT_EQ(decode({"=", "Zm9v"}), "");
+    EXPECT_EQ(decode({"Z=", "Zm9v"}), "");
+    std::uint8_t two[2];
+    EXPECT_EQ(Base64Decoder().Decode("Zm9vYmFy", 8, two), 2U);
+    EXPECT_EQ(Base64Decoder().Decode(nullptr, 8, two), 0U);
+}
+
+TEST(QVCFBase64, LengthsFollowTheCharactersAlone) {
+    const std::pair<const char*, std::string> cases[] = {
+        {"QQ=", ""},
+        {"QQ==", "A"},
+        {"QUI=", "AB"},
+        {"QUJDR", "ABC"}, // 15 / 4
+        {"QUJDRA", "ABCD"},
+        {"====", std::string(1, '\0')},
+        {"QU\xE2\x82\xACQ", std::string("A@\x10", 3)},
+        {"QQQ*", std::string("A\x04\0", 3)},
+    };
+    for (const auto& [text, bytes] : cases) {
+        const CFDataRef data = QVCFBase64CreateDecodedData(cfString(text));
+        EXPECT_EQ(std::string(data->bytes.begin(), data->bytes.end()), bytes) << text;
+    }
+    EXPECT_EQ(CFDataGetLength(QVCFBase64CreateDecodedData(nullptr)), 0);
+    EXPECT_EQ(utf8Text(QVCFBase64CreateEncodedString(nullptr)), "");
+}
+
+} // namespace
+} // namespace torka

@@ -1,0 +1,108 @@
+#include "ZANUtils/FieldKeys.h"
+#include "Hex.h"
+#include "platform/posix/PosixSystem.h"
+#include "tests/support/TestSupport.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace torka {
+namespace {
+
+using tests::bytesOf;
+using tests::toHexText;
+
+const char* const samplePath = TORKA_SOURCE_DIR "/samples/FieldKeys.plist";
+
+// Every value of the option against python's own reading of the same list.
+TEST(FieldKeys, ChoosesAsTheListSays) {
+    const std::string list = tests::readFile(samplePath);
+    std::string error;
+    const auto keys = FieldKeys::Load(bytesOf(list), error);
+    ASSERT_TRUE(keys) << error;
+    std::string chosen;
+    for (const char* value :
+         {"", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12", "02", " 5", "2 "}) {
+        chosen += toHexText(keys->AesKey(value)) + " " + toHexText(keys->DesKey(value)) + " " +
+                  toHexText(keys->Vector(value)) + "\n";
+    }
+    chosen += toHexText(keys->StringVector());
+    EXPECT_EQ(chosen, tests::runPython(R"(
+import plistlib, sys
+p = plistlib.load(open(sys.argv[1], 'rb'))
+for v in ['', '1', '2', '3', '4', '5', '6', '7', '8', '9', '10', '11', '12', '02', ' 5', '2 ']:
+    k = int(v) - 1 if v in [str(n) for n in range(2, 12)] else 0
+    i = {'5': 1, '6': 2, '7': 3, '11': 4}.get(v, 0)
+    key = p['KeyTable'][p['KeyOffsets'][k]:][:32]
+    print(key.hex(), key[:8].hex(), p['VectorTable'][16 * i:][:16].hex())
+print(p['StringVector'].hex(), end='')
+)",
+                                       {samplePath}));
+}
+
+std::string replaced(std::string text, std::string_view from, std::string_view to) {
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    return text.replace(at, from.size(), to);
+}
+
+TEST(FieldKeys, TellsWhatIsWrong) {
+    const std::string sample = tests::readFile(samplePath);
+    const std::string lastOffset = "<integer>176</integer>";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "not an XML property list"},
+        {"<plist version=\"1.0\"><array/></plist>", "not an XML property list with a dictionary"},
+        {replaced(sample, "KeyTable", "KeyTables"), "KeyTable must be data of 208 bytes, but is missing"},
+        {replaced(sample, "VectorTable", "KeyTable"), "KeyTable must be data of 208 bytes, but has 80"},
+        {replaced(sample, "StringVector", "Other"), "StringVector must be data of 16 bytes"},
+        {replaced(sample, "KeyOffsets", "Offsets"),
+         "KeyOffsets must be an array of 11 integers, but is missing"},
+        {replaced(sample, lastOffset, ""), "KeyOffsets must be an array of 11 integers, but has 10"},
+        {replaced(sample, lastOffset, "<integer>177</integer>"),
+         "KeyOffsets entry 10 must be an integer from 0 to 176"},
+        {replaced(sample, lastOffset, "<integer>-1</integer>"), "KeyOffsets entry 10 must be an integer"},
+        {replaced(sample, lastOffset, "<real>3.0</real>"), "KeyOffsets entry 10 must be an integer"},
+        {replaced(sample, lastOffset, "<string>3</string>"), "KeyOffsets entry 10 must be an integer"},
+        {replaced(sample, lastOffset, "<integer>9223372036854775807</integer>"),
+         "KeyOffsets entry 10 must be"},
+        {std::string(70000, ' ') + sample, "more than 65536 bytes"},
+    };
+    for (const auto& [list, expected] : cases) {
+        std::string error;
+        EXPECT_EQ(FieldKeys::Load(bytesOf(list), error), nullptr) << expected;
+        EXPECT_NE(error.find(expected), std::string::npos) << error;
+    }
+}
+
+TEST(FieldKeys, InstalledFile) {
+    namespace fs = std::filesystem;
+    const tests::TemporaryFolder folder;
+    setSystem(std::make_unique<PosixSystem>(PosixSystem::Options{.root = folder.Path()}));
+    std::string error;
+    EXPECT_EQ(FieldKeys::LoadInstalled(error), nullptr);
+    EXPECT_NE(error.find("no field keys are installed"), std::string::npos) << error;
+
+    const fs::path file = system().Resolve(FieldKeys::installedPath);
+    EXPECT_EQ(file, folder / "Library/Application Support/ZAN/FieldKeys.plist");
+    fs::create_directories(file.parent_path());
+    fs::copy_file(samplePath, file);
+    fs::permissions(file, static_cast<fs::perms>(0644));
+    const auto keys = FieldKeys::LoadInstalled(error);
+    ASSERT_TRUE(keys) << error;
+    installFieldKeys(keys);
+    EXPECT_EQ(installedFieldKeys(), keys);
+    installFieldKeys(nullptr);
+    EXPECT_EQ(installedFieldKeys(), nullptr);
+
+    for (const unsigned mode : {0664U, 0646U}) {
+        fs::permissions(file, static_cast<fs::perms>(mode));
+        EXPECT_EQ(FieldKeys::LoadInstalled(error), nullptr);
+        EXPECT_NE(error.find("others than the owner may write"), std::string::npos) << error;
+    }
+    EXPECT_EQ(FieldKeys::Load(folder.Path(), error), nullptr);
+    EXPECT_NE(error.find("cannot be read"), std::string::npos) << error;
+    setSystem(nullptr);
+}
+
+} // namespace
+} // namespace torka
