@@ -10,7 +10,7 @@ packages=(
     libcups2-dev zlib1g-dev libicu-dev libplist-dev nettle-dev libgmp-dev uuid-dev
     libcli11-dev nlohmann-json3-dev
     # tests and benchmarks
-    libgtest-dev libgmock-dev libbenchmark-dev
+    libgtest-dev libgmock-dev libbenchmark-dev libssl-dev
     # what the tests and run.sh check against
     ghostscript fonts-urw-base35 cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
 )

@@ -11,11 +11,12 @@
 namespace torka {
 
 AES256CBC::~AES256CBC() {
-    wipeValue(encryptionSchedule);
+    if (keyMade) {
+        wipeValue(encryptionSchedule);
+    }
     if (decryptionMade) {
         wipeValue(decryptionSchedule);
     }
-    wipeValue(chain);
 }
 
 void AES256CBC::MakeKey(const std::uint8_t* key, const std::uint8_t* newChain, int newKeyLength,

@@ -18,7 +18,8 @@ public:
     static constexpr int keySize = 32;
     static constexpr int blockBytes = 16;
 
-    AES256CBC() = default;
+    AES256CBC() {
+    } // the schedules are not filled with zeros first: that would take a good part of a note's time
     AES256CBC(const AES256CBC&) = delete;
     AES256CBC& operator=(const AES256CBC&) = delete;
     ~AES256CBC();
@@ -55,8 +56,8 @@ public:
 private:
     void MakeDecryptionSchedule();
 
-    aes256_ctx encryptionSchedule{};
-    aes256_ctx decryptionSchedule{}; // valid when decryptionMade
+    aes256_ctx encryptionSchedule; // valid when keyMade
+    aes256_ctx decryptionSchedule; // valid when decryptionMade
     int rounds = 0;
     int keyLength = 0;
     int blockSize = 0;

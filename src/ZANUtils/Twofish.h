@@ -60,8 +60,8 @@ public:
     static int blockDecrypt(CipherInstance* cipher, const KeyInstance* key, const std::uint8_t* input,
                             int inputLen, std::uint8_t* outBuffer);
     // Reads `bits` / 4 hexadecimal digits into words (the first two digits are the lowest byte of the first
-    // word) and copies the digits to `copy`, which may be null. 0, or BAD_KEY_MAT at a character that is no
-    // digit.
+    // word) and copies the digits to `copy`, which has room for them or is null. 0, or BAD_KEY_MAT at a
+    // character that is no digit.
     static int ParseHexDword(int bits, const char* text, std::uint32_t* words, char* copy);
 
     // Electronic codebook over `length` bytes with a 32-byte key: 0, or -1 when the length is not a multiple

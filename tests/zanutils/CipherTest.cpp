@@ -259,7 +259,7 @@ TEST(Twofish, Refusals) {
     Block block(32);
     std::uint32_t words[8] = {};
     char copy[5] = "....";
-    EXPECT_EQ(Twofish::ParseHexDword(32, "01aBcd", words, copy), BAD_KEY_MAT); // too short
+    EXPECT_EQ(Twofish::ParseHexDword(32, "01aBcd", words, nullptr), BAD_KEY_MAT); // too short
     EXPECT_EQ(Twofish::ParseHexDword(16, "01aB", words, copy), 0);
     EXPECT_EQ(words[0], 0xAB01U);
     EXPECT_STREQ(copy, "01aB");

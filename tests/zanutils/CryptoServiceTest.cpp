@@ -53,7 +53,7 @@ TEST_F(CryptoService, DerivesPublishedKeys) {
         const char* expected;
     } cases[] = {
         {"password", "salt", 1, 160, "0c60c80f961f0e71f3a9b524af6012062fe037a6"},
-        {"password", "salt", 2, 160, "ea6c014dc72d8ccd1ed92ace1d41f0d8de8957"},
+        {"password", "salt", 2, 160, "ea6c014dc72d6f8ccd1ed92ace1d41f0d8de8957"},
         {"password", "salt", 4096, 160, "4b007901b765489abead49d926f721d065a429c1"},
         {"passwordPASSWORDpassword", "saltSALTsaltSALTsaltSALTsaltSALTsalt", 4096, 200,
          "3d2eec4fe41c849b80c8d83662c0e44a8b291a964cf2f07038"},
@@ -63,7 +63,7 @@ TEST_F(CryptoService, DerivesPublishedKeys) {
         ASSERT_EQ(cdsaDeriveKey(csp, bytesOf(c.password), bytesOf(c.salt), CSSM_ALGID_AES, c.bits, key,
                                 c.iterations),
                   CSSM_OK);
-        EXPECT_EQ(toHexText(key.data).rfind(c.expected, 0), 0U) << toHexText(key.data);
+        EXPECT_EQ(toHexText(key.data), c.expected);
         EXPECT_EQ(key.label, "tempKey");
         EXPECT_EQ(cdsaFreeKey(csp, key), CSSM_OK);
         EXPECT_TRUE(key.data.empty());
@@ -291,7 +291,7 @@ TEST_F(CryptoService, DiffieHellmanExchange) {
         ASSERT_EQ(cdsaDhKeyExchange(csp, theirPrivate, ourPublic.data, CSSM_ALGID_AES, 256, theirs), CSSM_OK);
         EXPECT_EQ(ours.data, theirs.data);
         // Python's powers are the judge.
-        const std::string prime = toHexText(parameters).substr(bits == 1536 ? 18 : 18, bits / 4);
+        const std::string prime = toHexText(parameters).substr(bits == 1536 ? 14 : 18, bits / 4);
         EXPECT_EQ(tests::runPython("import sys\nb,e,p=(int(v,16) for v in sys.argv[1:])\n"
                                    "print('%0*x' % (len(sys.argv[3]), pow(b,e,p)), end='')",
                                    {toHexText(theirPublic.data), toHexText(ourPrivate.data), prime})

@@ -77,7 +77,9 @@ TEST(FieldKeys, TellsWhatIsWrong) {
 TEST(FieldKeys, InstalledFile) {
     namespace fs = std::filesystem;
     const tests::TemporaryFolder folder;
-    setSystem(std::make_unique<PosixSystem>(PosixSystem::Options{.root = folder.Path()}));
+    PosixSystemOptions options;
+    options.root = folder.Path();
+    setSystem(std::make_unique<PosixSystem>(options));
     std::string error;
     EXPECT_EQ(FieldKeys::LoadInstalled(error), nullptr);
     EXPECT_NE(error.find("no field keys are installed"), std::string::npos) << error;

@@ -1,0 +1,31 @@
+// FieldKeys.plist of any content: a clear error, or a set of which every key and vector can be read.
+
+#include "ZANUtils/FieldKeys.h"
+
+#include <cstdlib>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string error;
+    const auto keys = torka::FieldKeys::Load(std::span(data, size), error);
+    if (!keys) {
+        if (error.empty()) {
+            std::abort();
+        }
+        return 0;
+    }
+    unsigned sum = 0;
+    for (const char* value : {"", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"}) {
+        for (const std::uint8_t byte : keys->AesKey(value)) {
+            sum += byte;
+        }
+        for (const std::uint8_t byte : keys->Vector(value)) {
+            sum += byte;
+        }
+    }
+    for (const std::uint8_t byte : keys->StringVector()) {
+        sum += byte;
+    }
+    // Uses the sum, so that no read is left out.
+    return sum == 0xFFFFFFFF ? 1 : 0;
+}
