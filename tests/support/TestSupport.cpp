@@ -81,7 +81,9 @@ CommandResult runCommand(const std::vector<std::string>& programAndArguments, st
     }
     arguments.push_back(nullptr);
     const std::array<TemporaryStream, 3> streams{temporaryStream(), temporaryStream(), temporaryStream()};
-    std::fwrite(input.data(), 1, input.size(), streams[0].get());
+    if (!input.empty()) {
+        std::fwrite(input.data(), 1, input.size(), streams[0].get());
+    }
     std::rewind(streams[0].get());
 
     posix_spawn_file_actions_t actions;
