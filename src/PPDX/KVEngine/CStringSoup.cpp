@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
+#include <random>
 
 namespace torka {
 
@@ -10,6 +10,29 @@ namespace {
 
 constexpr std::size_t reservedTexts = 512;
 constexpr std::size_t smallestBuffer = 64;
+
+// Hashes are of this process only, so that no description can be made to collide.
+std::uint64_t processSeed() {
+    std::random_device device;
+    return (std::uint64_t{device()} << 32U) | device();
+}
+
+std::uint64_t fold(std::uint64_t a, std::uint64_t b) {
+    __extension__ using Wide = unsigned __int128;
+    const Wide product = Wide{a} * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+}
+
+std::uint64_t hashText(std::string_view text) {
+    static const std::uint64_t seed = processSeed();
+    std::uint64_t hash = seed ^ text.size();
+    for (std::size_t i = 0; i < text.size(); i += sizeof(std::uint64_t)) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + i, std::min(sizeof word, text.size() - i));
+        hash = fold(word ^ 0xa0761d6478bd642fU, hash ^ 0xe7037ed1a0b428dbU);
+    }
+    return fold(hash, 0x8ebc6af09c88c6e3U);
+}
 
 std::string_view upToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
@@ -19,16 +42,16 @@ CStringSoup::CStringSoup() { texts.reserve(reservedTexts); }
 
 std::int64_t CStringSoup::Insert(std::string_view text) {
     text = upToNul(text);
-    if (const std::int64_t known = Find(text); known >= 0)
+    const std::uint64_t hash = hashText(text);
+    if (const std::int64_t known = Find(text, hash); known >= 0)
         return known;
-    const auto hashOf = [this](std::uint32_t i) { return std::hash<std::string_view>()(texts[i].View()); };
     if (index.Full())
-        index.Grow(hashOf);
+        index.Grow([this](std::uint32_t i) { return hashText(texts[i].View()); });
     Text entry{std::make_unique<char[]>(std::max(smallestBuffer, text.size() + 1)), text.size()};
     std::memcpy(entry.bytes.get(), text.data(), text.size());
     texts.push_back(std::move(entry));
     const std::size_t added = texts.size() - 1;
-    index.Add(hashOf(static_cast<std::uint32_t>(added)), static_cast<std::uint32_t>(added));
+    index.Add(hash, static_cast<std::uint32_t>(added));
     return static_cast<std::int64_t>(added);
 }
 
@@ -40,8 +63,11 @@ const char* CStringSoup::Find(std::int64_t position) const {
 
 std::int64_t CStringSoup::Find(std::string_view text) const {
     text = upToNul(text);
-    const std::uint32_t found = index.Find(std::hash<std::string_view>()(text),
-                                           [&](std::uint32_t i) { return texts[i].View() == text; });
+    return Find(text, hashText(text));
+}
+
+std::int64_t CStringSoup::Find(std::string_view text, std::uint64_t hash) const {
+    const std::uint32_t found = index.Find(hash, [&](std::uint32_t i) { return texts[i].View() == text; });
     return found == PositionTable::none ? -1 : static_cast<std::int64_t>(found);
 }
 

@@ -37,6 +37,8 @@ private:
         std::string_view View() const { return {bytes.get(), length}; }
     };
 
+    std::int64_t Find(std::string_view text, std::uint64_t hash) const;
+
     std::vector<Text> texts;
     PositionTable index;
 };

@@ -27,19 +27,17 @@ std::unique_ptr<ItemConstraintList> ConstraintForest::GetConstraintList(std::int
 }
 
 const KeyConstraintTree* ConstraintForest::GetTree(std::int64_t key) const {
-    const auto found = trees.find(key);
-    return found == trees.end() ? nullptr : found->second.get();
+    const auto* found = trees.Find(key);
+    return found == nullptr ? nullptr : found->get();
 }
 
 void ConstraintForest::ForEach(
     const std::function<bool(std::int64_t, std::int64_t, const KeyOption&)>& visit) const {
-    std::vector<std::int64_t> keys;
-    for (const auto& [key, tree] : trees)
-        keys.push_back(key);
+    std::vector<std::int64_t> keys = trees.Ids();
     std::sort(keys.begin(), keys.end());
     std::vector<ConstraintRun> runs;
     for (const std::int64_t key : keys) {
-        const KeyConstraintTree& tree = *trees.at(key);
+        const KeyConstraintTree& tree = *GetTree(key);
         for (const std::int64_t option : tree.ActiveOptions()) {
             runs.clear();
             tree.CollectRuns(option, runs);
@@ -66,7 +64,7 @@ bool ConstraintForest::EnableConstraints(std::int64_t key, std::int64_t option, 
 }
 
 KeyConstraintTree& ConstraintForest::TreeOf(std::int64_t key) {
-    std::unique_ptr<KeyConstraintTree>& tree = trees[key];
+    std::unique_ptr<KeyConstraintTree>& tree = trees.FindOrMake(key);
     if (tree == nullptr)
         tree = std::make_unique<KeyConstraintTree>(key);
     return *tree;
@@ -92,10 +90,10 @@ bool ConstraintForest::VisitTrees(const KeyOption& first, Apply apply) {
             }
         };
         if (next.key == -1) {
-            for (const auto& [key, tree] : trees)
+            for (const auto& tree : trees.Values())
                 visit(*tree);
-        } else if (const auto found = trees.find(next.key); found != trees.end()) {
-            visit(*found->second);
+        } else if (const auto* found = trees.Find(next.key)) {
+            visit(**found);
         }
     }
     return visited;

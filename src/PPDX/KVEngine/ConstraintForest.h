@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 namespace torka {
@@ -49,7 +48,7 @@ private:
     template <typename Apply>
     bool VisitTrees(const KeyOption& first, Apply apply);
 
-    std::unordered_map<std::int64_t, std::unique_ptr<KeyConstraintTree>> trees;
+    IdMap<std::unique_ptr<KeyConstraintTree>> trees;
 };
 
 } // namespace torka

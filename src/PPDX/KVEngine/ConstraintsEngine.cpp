@@ -74,6 +74,10 @@ bool ConstraintsEngine::HasConflict(const KVCache& changeSet) {
     return false;
 }
 
+bool ConstraintsEngine::HasConflict(const KeyOption& change) {
+    return change.key >= 0 && ConflictsWith(change, SelectionView(orEmpty(current), change));
+}
+
 KVCache ConstraintsEngine::TestLockedStatus(KVCache& alternatives) const {
     KVCache hits;
     if (locked == nullptr || locked->size() == 0)

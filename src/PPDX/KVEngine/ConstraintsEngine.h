@@ -42,6 +42,8 @@ public:
     Answer Test(const KVCache& changeSet);
     // Whether Test would find any conflict.
     bool HasConflict(const KVCache& changeSet);
+    // The same for a change set of this pair alone, an empty one when its key is negative.
+    bool HasConflict(const KeyOption& change);
 
     // Takes the locked ones out of the alternatives; returns their keys with what is selected now.
     KVCache TestLockedStatus(KVCache& alternatives) const;

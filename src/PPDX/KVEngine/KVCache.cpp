@@ -25,8 +25,9 @@ bool KeyOptionGreater(const KeyOption& a, const KeyOption& b) {
 
 KVCache::KVCache(const KVCache& other)
     : entries(other.Pairs().begin(), other.Pairs().end())
+    , unchecked(other.unchecked)
     , fingerprint(other.fingerprint)
-    , unchecked(other.unchecked) {}
+    , hasFingerprint(other.hasFingerprint) {}
 
 KVCache& KVCache::operator=(const KVCache& other) {
     if (this != &other)
@@ -40,9 +41,10 @@ KVCache& KVCache::operator=(KVCache&& other) noexcept {
     if (this != &other) {
         entries = std::exchange(other.entries, {});
         head = std::exchange(other.head, 0);
-        fingerprint = std::exchange(other.fingerprint, 0);
         index = std::exchange(other.index, {});
         unchecked = std::exchange(other.unchecked, false);
+        fingerprint = other.fingerprint;
+        hasFingerprint = std::exchange(other.hasFingerprint, false);
     }
     return *this;
 }
@@ -56,9 +58,9 @@ void KVCache::Insert(std::int64_t key, std::int64_t option) {
         return;
     }
     KeyOption& entry = entries[position];
-    fingerprint -= hashPair(entry);
+    if (hasFingerprint)
+        fingerprint += hashPair({key, option}) - hashPair(entry);
     entry.option = option;
-    fingerprint += hashPair(entry);
     if (index.repeats)
         DropIndex();
 }
@@ -119,7 +121,8 @@ KeyOption KVCache::pop_front() {
     if (size() == 0)
         return {0, 0};
     const KeyOption pair = entries[head++];
-    fingerprint -= hashPair(pair);
+    if (hasFingerprint)
+        fingerprint -= hashPair(pair);
     if (index.repeats)
         DropIndex(); // the next entry of that key is now its first
     if (head == entries.size()) {
@@ -137,14 +140,15 @@ KeyOption KVCache::pop_back() {
         return {0, 0};
     const KeyOption pair = entries.back();
     entries.pop_back();
-    fingerprint -= hashPair(pair);
+    if (hasFingerprint)
+        fingerprint -= hashPair(pair);
     return pair;
 }
 
 void KVCache::clear() {
     entries.clear();
     head = 0;
-    fingerprint = 0;
+    hasFingerprint = false;
     index.scans = 0;
     index.built = index.repeats = unchecked = false;
 }
@@ -159,7 +163,7 @@ bool KVCache::HasRepeatedKeys() const {
 }
 
 bool KVCache::operator==(const KVCache& other) const {
-    if (size() != other.size() || fingerprint != other.fingerprint)
+    if (size() != other.size() || Fingerprint() != other.Fingerprint())
         return false;
     const auto mine = Pairs();
     const auto theirs = other.Pairs();
@@ -170,6 +174,16 @@ bool KVCache::operator==(const KVCache& other) const {
     std::sort(a.begin(), a.end(), KeyOptionGreater);
     std::sort(b.begin(), b.end(), KeyOptionGreater);
     return a == b;
+}
+
+std::uint64_t KVCache::Fingerprint() const {
+    if (!hasFingerprint) {
+        fingerprint = 0;
+        for (const KeyOption& pair : Pairs())
+            fingerprint += hashPair(pair);
+        hasFingerprint = true;
+    }
+    return fingerprint;
 }
 
 std::size_t KVCache::PositionOf(std::int64_t key) const {
@@ -227,7 +241,8 @@ void KVCache::Append(const KeyOption& pair) {
         }
     }
     entries.push_back(pair);
-    fingerprint += hashPair(pair);
+    if (hasFingerprint)
+        fingerprint += hashPair(pair);
 }
 
 std::uint32_t KVCache::IndexedKey(std::int64_t key) const {

@@ -74,11 +74,11 @@ private:
     std::uint32_t IndexedKey(std::int64_t key) const;
     std::uint32_t IndexedPair(const KeyOption& pair) const;
     bool IsLive(std::uint32_t position) const { return position >= head && position < entries.size(); }
+    std::uint64_t Fingerprint() const;
     void DropIndex() const { index.built = false; }
 
     std::vector<KeyOption> entries;
-    std::size_t head = 0;          // entries before it were popped
-    std::uint64_t fingerprint = 0; // sum of the pairs' hashes, so equal for equal sets
+    std::size_t head = 0; // entries before it were popped
 
     // byKey holds the first position of each key; byPair, only kept while keys repeat, that of each pair.
     struct Index {
@@ -90,6 +90,10 @@ private:
     };
     mutable Index index;
     mutable bool unchecked = false; // something was appended without a look at its key
+
+    // Sum of the pairs' hashes, so the same for the same pairs in any order; kept once it was asked for.
+    mutable std::uint64_t fingerprint = 0;
+    mutable bool hasFingerprint = false;
 };
 
 } // namespace torka

@@ -8,7 +8,7 @@ namespace torka {
 
 void KeyConstraintTree::insert(std::int64_t option, const KeyOption& pair) {
     if (lines.empty()) {
-        active.try_emplace(option, option).first->second.insert(pair);
+        active.FindOrMake(option, option).insert(pair);
         return;
     }
     oneOptionLines[option].push_back(lines.size());
@@ -37,8 +37,8 @@ std::unique_ptr<ItemConstraintList> KeyConstraintTree::GetItemConstraintList(std
 }
 
 void KeyConstraintTree::CollectRuns(std::int64_t option, std::vector<ConstraintRun>& runs) const {
-    if (const auto own = active.find(option); own != active.end() && own->second.size() > 0)
-        runs.push_back({own->second.Pairs()});
+    if (const ItemConstraintList* own = active.Find(option); own != nullptr && own->size() > 0)
+        runs.push_back({own->Pairs()});
     if (lines.empty())
         return;
 
@@ -62,7 +62,7 @@ void KeyConstraintTree::CollectRuns(std::int64_t option, std::vector<ConstraintR
 
 void KeyConstraintTree::CollectAllRuns(std::vector<ConstraintRun>& runs) const {
     if (writtenOut.empty()) {
-        for (const auto& [option, list] : active)
+        for (const ItemConstraintList& list : active.Values())
             runs.push_back({list.Pairs()});
         for (const Line& line : lines)
             runs.push_back(RunOf(line, 1));
@@ -73,10 +73,7 @@ void KeyConstraintTree::CollectAllRuns(std::vector<ConstraintRun>& runs) const {
 }
 
 std::vector<std::int64_t> KeyConstraintTree::ActiveOptions() const {
-    std::vector<std::int64_t> options;
-    options.reserve(active.size());
-    for (const auto& [option, list] : active)
-        options.push_back(option);
+    std::vector<std::int64_t> options = active.Ids();
     for (const auto& [option, list] : oneOptionLines)
         options.push_back(option);
     const OptionRange* last = nullptr;
@@ -141,7 +138,7 @@ ConstraintRun KeyConstraintTree::RunOf(const Line& line, std::size_t repeat) {
 bool KeyConstraintTree::HasList(std::int64_t option) const {
     std::vector<ConstraintRun> runs;
     CollectRuns(option, runs);
-    return !runs.empty() || active.contains(option);
+    return !runs.empty() || active.Find(option) != nullptr;
 }
 
 // Turns the lines that apply to the option into pairs of its own list.
@@ -154,7 +151,7 @@ ItemConstraintList& KeyConstraintTree::WriteOut(std::int64_t option) {
             pairs.push_back(pair);
             return true;
         });
-    ItemConstraintList& list = active.try_emplace(option, option).first->second;
+    ItemConstraintList& list = active.FindOrMake(option, option);
     list.Replace(std::move(pairs));
     if (!lines.empty())
         writtenOut[option] = lines.size();

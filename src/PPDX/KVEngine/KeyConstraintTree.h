@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PPDX/KVEngine/ConstraintRun.h"
+#include "PPDX/KVEngine/IdMap.h"
 #include "PPDX/KVEngine/ItemConstraintList.h"
 
 #include <cstdint>
@@ -69,7 +70,7 @@ private:
     ItemConstraintList& WriteOut(std::int64_t option);
 
     std::int64_t constrainingKey;
-    std::unordered_map<std::int64_t, ItemConstraintList> active;
+    IdMap<ItemConstraintList> active;
     std::map<std::int64_t, ItemConstraintList> setAside;
 
     std::vector<Line> lines;

@@ -46,20 +46,20 @@ void KeyOptions::SortNewItems() const {
 }
 
 void KeyForest::insert(std::int64_t key, std::int64_t option) {
-    std::shared_ptr<KeyOptions>& options = keys[key];
+    std::shared_ptr<KeyOptions>& options = keys.FindOrMake(key);
     if (options == nullptr)
         options = std::make_shared<KeyOptions>();
     options->Append(option);
 }
 
 const std::vector<std::int64_t>* KeyForest::GetItems(std::int64_t key) const {
-    const auto found = keys.find(key);
-    return found == keys.end() ? nullptr : &found->second->Items();
+    const auto* found = keys.Find(key);
+    return found == nullptr ? nullptr : &(*found)->Items();
 }
 
 std::shared_ptr<const KeyOptions> KeyForest::GetOptions(std::int64_t key) const {
-    const auto found = keys.find(key);
-    return found == keys.end() ? nullptr : found->second;
+    const auto* found = keys.Find(key);
+    return found == nullptr ? nullptr : *found;
 }
 
 void KeyForest::GetKeys(std::unique_ptr<KVCache>& out) const {
@@ -67,13 +67,10 @@ void KeyForest::GetKeys(std::unique_ptr<KVCache>& out) const {
         out = std::make_unique<KVCache>();
     else
         out->clear();
-    std::vector<std::int64_t> ascending;
-    ascending.reserve(keys.size());
-    for (const auto& [key, options] : keys)
-        ascending.push_back(key);
+    std::vector<std::int64_t> ascending = keys.Ids();
     std::sort(ascending.begin(), ascending.end());
     for (const std::int64_t key : ascending)
-        for (const std::int64_t option : keys.at(key)->Items())
+        for (const std::int64_t option : *GetItems(key))
             out->add({key, option});
 }
 

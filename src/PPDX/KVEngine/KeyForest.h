@@ -1,9 +1,10 @@
 #pragma once
 
+#include "PPDX/KVEngine/IdMap.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 namespace torka {
@@ -45,7 +46,7 @@ public:
     void clear() { keys.clear(); }
 
 private:
-    std::unordered_map<std::int64_t, std::shared_ptr<KeyOptions>> keys;
+    IdMap<std::shared_ptr<KeyOptions>> keys;
 };
 
 } // namespace torka

@@ -12,6 +12,15 @@ SelectionView::SelectionView(const KVCache& base, const KVCache* changeSet)
     }
 }
 
+SelectionView::SelectionView(const KVCache& base, const KeyOption& change)
+    : selections(base)
+    , single(change) {
+    if (selections.HasRepeatedKeys()) {
+        merged = selections;
+        merged->Insert(change.key, change.option);
+    }
+}
+
 bool SelectionView::Contains(const KeyOption& pair) const {
     if (merged.has_value())
         return merged->Lookup(pair) != -1;
@@ -24,6 +33,8 @@ bool SelectionView::ContainsAnyOf(const ConstraintRun& run) const {
 }
 
 const KeyOption* SelectionView::Selected(std::int64_t key) const {
+    if (key == single.key && key >= 0)
+        return &single;
     if (changes != nullptr && key >= 0)
         if (const KeyOption* changed = changes->FindKey(key))
             return changed;

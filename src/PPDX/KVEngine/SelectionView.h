@@ -15,6 +15,8 @@ namespace torka {
 class SelectionView {
 public:
     explicit SelectionView(const KVCache& base, const KVCache* changeSet = nullptr);
+    // After the change of one key, which is not negative.
+    SelectionView(const KVCache& base, const KeyOption& change);
 
     // Whether the pair is selected.
     bool Contains(const KeyOption& pair) const;
@@ -71,7 +73,8 @@ private:
     }
 
     const KVCache& selections;
-    const KVCache* changes;
+    const KVCache* changes = nullptr;
+    KeyOption single; // the only change, or (-1, -1)
     std::optional<KVCache> merged;
 };
 

@@ -86,9 +86,7 @@ bool UIConstraints::IsKVConstrained(std::string_view keyText, std::string_view o
 }
 
 bool UIConstraints::IsKVConstrained(std::int64_t key, std::int64_t option) {
-    KVCache changeSet;
-    changeSet.Insert(key, option);
-    return !ValidateDelta(changeSet);
+    return GetEngine()->HasConflict(KeyOption{key, option});
 }
 
 bool UIConstraints::ValidateDelta(const KVCache& changeSet) { return !GetEngine()->HasConflict(changeSet); }
