@@ -234,7 +234,7 @@ private:
 };
 
 TEST(RandomStores, AgreeWithTheOracle) {
-    for (unsigned seed = 1; seed <= 4000; ++seed) {
+    for (unsigned seed = 1; seed <= 3000; ++seed) {
         SCOPED_TRACE(seed);
         Twins twins(seed);
         ASSERT_NO_FATAL_FAILURE(twins.CompareStores());

@@ -47,10 +47,11 @@ std::int64_t CStringSoup::Insert(std::string_view text) {
         return known;
     if (index.Full())
         index.Grow([this](std::uint32_t i) { return hashText(texts[i].View()); });
-    Text entry{std::make_unique<char[]>(std::max(smallestBuffer, text.size() + 1)), text.size()};
+    const std::size_t added = texts.size();
+    Text& entry = texts.emplace_back();
+    entry.bytes = std::make_unique<char[]>(std::max(smallestBuffer, text.size() + 1));
+    entry.length = text.size();
     std::memcpy(entry.bytes.get(), text.data(), text.size());
-    texts.push_back(std::move(entry));
-    const std::size_t added = texts.size() - 1;
     index.Add(hash, static_cast<std::uint32_t>(added));
     return static_cast<std::int64_t>(added);
 }

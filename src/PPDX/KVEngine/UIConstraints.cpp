@@ -10,6 +10,12 @@
 
 namespace torka {
 
+namespace {
+
+bool isEmpty(std::string_view text) { return text.empty() || text.front() == '\0'; }
+
+} // namespace
+
 UIConstraints::UIConstraints()
     : constraints(std::make_unique<ConstraintForest>())
     , requirements(std::make_unique<ConstraintForest>())
@@ -34,8 +40,7 @@ void UIConstraints::Add(std::string_view key1Text, std::string_view option1Text,
     const std::int64_t option1 = strings->Insert(option1Text);
     const std::int64_t key2 = strings->Insert(key2Text);
     const std::int64_t option2 = strings->Insert(option2Text);
-    const std::int64_t empty = strings->Find("");
-    if (option1 == empty || option2 == empty)
+    if (isEmpty(option1Text) || isEmpty(option2Text))
         deferred.push_back({key1, option1, key2, option2, requirement});
     else
         (requirement ? requirements : constraints)->insert(key1, option1, key2, option2);
