@@ -3,7 +3,7 @@
 namespace torka::platform {
 
 std::filesystem::path belowRoot(const std::filesystem::path& root, std::string_view fixedPath) {
-    const std::filesystem::path path(fixedPath);
+    std::filesystem::path path(fixedPath);
     if (root.empty() || !path.is_absolute()) {
         return path;
     }

@@ -3,10 +3,9 @@
 #include "tests/support/TestSupport.h"
 
 #include <cstdlib>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
-#include <regex>
-#include <set>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -105,9 +104,8 @@ TEST(PosixSystem, KnowsUserFoldersAndHost) {
     EXPECT_EQ(system.Host().processName, "test_platform");
     EXPECT_EQ(system.MinorVersion(), 15);
     const std::string uuid = system.CreateUuidString();
-    EXPECT_TRUE(std::regex_match(
-        uuid, std::regex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}")))
-        << uuid;
+    EXPECT_THAT(
+        uuid, ::testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
     EXPECT_NE(system.CreateUuidString(), uuid);
 }
 

@@ -325,7 +325,7 @@ std::u16string utf16FromWide(std::wstring_view wide) {
     std::u16string units;
     units.reserve(wide.size());
     for (const wchar_t unit : wide) {
-        const auto point = static_cast<std::uint32_t>(unit);
+        const auto point = static_cast<char32_t>(unit);
         if (point > 0x10FFFF || U_IS_SURROGATE(point)) {
             units += replacement;
         } else if (point > 0xFFFF) {

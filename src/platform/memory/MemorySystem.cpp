@@ -6,7 +6,6 @@
 
 namespace torka::platform {
 
-
 std::filesystem::path MemorySystem::Resolve(std::string_view fixedPath) const {
     return belowRoot(root, fixedPath);
 }

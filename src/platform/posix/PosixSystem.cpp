@@ -47,7 +47,7 @@ bool isFolder(const std::filesystem::path& path) {
 // The locale of a category, by POSIX's order of precedence.
 std::string localeOf(const char* category) {
     for (const char* name : {"LC_ALL", category, "LANG"}) {
-        const std::string value = environment(name);
+        std::string value = environment(name);
         if (!value.empty()) {
             return value;
         }
