@@ -36,6 +36,10 @@ bool PPDFileStream::Setup() {
         return false;
     }
     PPDStream::Setup(buffer.get(), count);
+    // Most files hold neither, and then no line need be searched for them.
+    const auto size = static_cast<std::size_t>(count);
+    mayHoldReturns = count > 0 && std::memchr(buffer.get(), '\r', size) != nullptr;
+    mayHoldEndBytes = count > 0 && std::memchr(buffer.get(), 0xFF, size) != nullptr;
     if (count == 0) {
         status = kStreamEndOfFile;
     }

@@ -1,7 +1,6 @@
 #include "PPDX/PPDObjects/Interface/PPDStream.h"
 
 #include "PPDX/Utilities/ModelState.h"
-#include "StringUtils.h"
 #include "platform/Log.h"
 
 #include <algorithm>
@@ -17,14 +16,11 @@ constexpr char endByte = '\xFF';
 // A binary file must not flood the log with one line for each of its bytes 0xFF.
 constexpr std::uint32_t mostLoggedBytes = 64;
 
-// The first CR, LF or 0xFF, or the end.
-const char* findLineEnd(const char* from, const char* to) {
-    for (const char stop : {'\n', '\r', endByte}) {
-        const void* const found =
-            std::memchr(from, static_cast<unsigned char>(stop), static_cast<std::size_t>(to - from));
-        to = found != nullptr ? static_cast<const char*>(found) : to;
-    }
-    return to;
+// The first such byte, or the end.
+const char* findByte(const char* from, const char* to, char byte) {
+    const void* const found =
+        std::memchr(from, static_cast<unsigned char>(byte), static_cast<std::size_t>(to - from));
+    return found != nullptr ? static_cast<const char*>(found) : to;
 }
 
 } // namespace
@@ -66,7 +62,12 @@ bool PPDStream::GetLine(char* line) {
 bool PPDStream::ReadLineInto(char* line, std::size_t used) {
     const std::size_t wanted = lineLimit - used;
     const std::size_t available = std::min(wanted, Remaining().size());
-    const char* const stop = cursor != end ? findLineEnd(cursor, cursor + available) : cursor;
+    const char* stop = cursor;
+    if (cursor != end) {
+        stop = findByte(cursor, cursor + available, '\n');
+        stop = mayHoldReturns ? findByte(cursor, stop, '\r') : stop;
+        stop = mayHoldEndBytes ? findByte(cursor, stop, endByte) : stop;
+    }
     const auto taken = static_cast<std::size_t>(stop - cursor);
     if (used == 0) {
         lineNumber = nextLineNumber;
@@ -118,10 +119,10 @@ std::string_view PPDStream::TakeToken(const DelimiterSet& delimiters, bool trim)
     const char* const first = cursor;
     const char* const limit = cursor + std::min(lineLimit, Remaining().size());
     status = kStreamGood;
-    while (cursor != limit && *cursor != '\n' && *cursor != '\r' && !delimiters.Contains(*cursor)) {
+    while (cursor != limit && !delimiters.EndsToken(*cursor)) {
         ++cursor;
     }
-    const std::string_view token(first, static_cast<std::size_t>(cursor - first));
+    std::string_view token(first, static_cast<std::size_t>(cursor - first));
     if (cursor != limit) {
         const char terminator = *cursor++;
         const bool isPair = terminator == '\r' && !delimiters.Contains('\r') && PeekChar() == '\n';
@@ -129,7 +130,10 @@ std::string_view PPDStream::TakeToken(const DelimiterSet& delimiters, bool trim)
     } else if (token.size() < lineLimit) {
         status = kStreamEndOfFile;
     }
-    return trim ? trimBlanks(token) : token;
+    while (trim && !token.empty() && (token.back() == ' ' || token.back() == '\t')) {
+        token.remove_suffix(1);
+    }
+    return token;
 }
 
 } // namespace torka

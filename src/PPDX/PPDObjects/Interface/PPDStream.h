@@ -24,17 +24,24 @@ public:
             Add(*characters);
         }
     }
-    constexpr void Add(char character) {
-        const auto value = static_cast<unsigned char>(character);
-        words[value >> 6U] |= std::uint64_t{1} << (value & 63U);
-    }
+    constexpr void Add(char character) { kinds[static_cast<unsigned char>(character)] = delimiter; }
     constexpr bool Contains(char character) const {
-        const auto value = static_cast<unsigned char>(character);
-        return ((words[value >> 6U] >> (value & 63U)) & 1U) != 0;
+        return kinds[static_cast<unsigned char>(character)] == delimiter;
+    }
+    // Delimiters and the ends of a line.
+    constexpr bool EndsToken(char character) const {
+        return kinds[static_cast<unsigned char>(character)] != inside;
     }
 
 private:
-    std::array<std::uint64_t, 4> words{};
+    enum Kind : unsigned char { inside, delimiter, lineEnd };
+    static constexpr std::array<Kind, 256> lineEndsOnly() {
+        std::array<Kind, 256> result{};
+        result['\n'] = result['\r'] = lineEnd;
+        return result;
+    }
+
+    std::array<Kind, 256> kinds = lineEndsOnly();
 };
 
 class PPDStream {
@@ -100,6 +107,8 @@ protected:
     std::uint32_t nextLineNumber = 1;
     std::uint32_t lineNumber = 0;
     std::uint32_t loggedBytes = 0; // lines logged for bytes 0xFF
+    bool mayHoldReturns = true;    // false once the bytes are known to hold no CR
+    bool mayHoldEndBytes = true;   // false once they are known to hold no 0xFF
     bool lineWasCut = false;
     bool afterReturn = false; // the byte read last by GetLine was a CR
 };

@@ -123,7 +123,9 @@ long PPDX::GetPostscriptString(PPDStream& stream, char* out, long capacity) {
 
 PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPostscript) {
     std::string_view text = stream.Remaining();
-    text = text.substr(0, text.find_first_of("\r\n"));
+    const auto isLineEnd = [](char c) { return c == '\r' || c == '\n'; };
+    text = text.substr(
+        0, static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isLineEnd) - text.begin()));
     const std::size_t opening = text.find('"');
     if (opening == std::string_view::npos) {
         stream.Skip(text.size());

@@ -45,9 +45,10 @@ public:
 
     // The path of the dialog extension that serves the queue; "" when the description names none.
     const char* PathToPDE() const;
-    // Whether the description's "*PCFileName" is one of the names (letter case does not count). `ppdFile` is read when
-    // given, else the file of `ppdURL`. Without a list every description is valid; with one an unreadable file and
-    // one without that keyword are not. What is known of the description parsed last stays as it is.
+    // Whether the description's "*PCFileName" is one of the names (letter case does not count). `ppdFile` is
+    // read when given, else the file of `ppdURL`. Without a list every description is valid; with one an
+    // unreadable file and one without that keyword are not. What is known of the description parsed last
+    // stays as it is.
     static bool ValidateFileName(const CFURLRef& ppdURL, const CFArrayRef& pcFileNames, PPDFile* ppdFile);
 
     // A token of `stream` as by PPDStream::TakeToken. `token` holds kLineCapacity bytes; a token with a NUL

@@ -7,7 +7,7 @@ namespace torka {
 
 namespace {
 constexpr std::size_t smallestBlock = 4096;
-constexpr std::size_t largestBlock = 65536;
+constexpr std::size_t largestBlock = 32768;
 } // namespace
 
 unsigned char* PostscriptStore::NewBlock(std::size_t size) {

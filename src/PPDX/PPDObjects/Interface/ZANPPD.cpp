@@ -196,7 +196,6 @@ void ZANPPD::Parse() {
         }
     }
     StopReading();
-    valueBuffer.reset();
     inInstallableOptions = false;
 }
 

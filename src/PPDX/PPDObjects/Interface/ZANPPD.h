@@ -181,6 +181,10 @@ private:
         std::string_view name;
         bool hasName = false;
     };
+    struct PostscriptBytes {
+        const unsigned char* bytes = nullptr; // in `postscript`
+        long length = 0;
+    };
     struct BlockStyle;
     struct ChoiceBlock;
     struct CollectedShortcut {
@@ -204,7 +208,7 @@ private:
     static NamedToken TakeNamedToken(PPDStream& line, bool trimName = true);
     CFStringRef LocalName(const NamedToken& token, long line);
     CFStringRef Localized(std::string_view text, std::string_view keyword, long line);
-    std::string_view TakePostscript(PPDStream& line);
+    PostscriptBytes TakePostscript(PPDStream& line);
 
     // Control definitions (ZANPPDControls.cpp)
     void ParseControlFlags(PPDStream& line);
@@ -277,7 +281,6 @@ private:
 
     PPDLint* lint = nullptr;
     bool hasFatalError = false;
-    std::unique_ptr<char[]> valueBuffer; // while parsing: one PostScript value
 };
 
 } // namespace torka

@@ -283,13 +283,11 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     }
     // Tokens point into the line, which the value's further lines leave alone.
     constraints->KVSInsert(block.key, constraints->GetConstraintStrings()->Insert(option.token));
-    const std::string_view value = TakePostscript(line);
-    const unsigned char* bytes = postscript.Keep(value);
-    const long length = static_cast<long>(value.size());
+    const PostscriptBytes value = TakePostscript(line);
     const std::string keyword(option.token);
     if (block.kind != ChoiceBlock::Kind::boolean) {
-        block.items.push_back(
-            std::make_unique<_PopupItem>(keyword.c_str(), LocalName(option, optionLine), bytes, length));
+        block.items.push_back(std::make_unique<_PopupItem>(keyword.c_str(), LocalName(option, optionLine),
+                                                           value.bytes, value.length));
         return;
     }
     if (keyword != "True" && keyword != "False") {
@@ -302,8 +300,8 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     block.trueComesFirst = block.hasBranch[1 - which] ? block.trueComesFirst : which == 0;
     block.hasBranch[which] = true;
     BooleanBranch& branch = block.branches[which];
-    branch.psData = bytes;
-    branch.psLength = length;
+    branch.psData = value.bytes;
+    branch.psLength = value.length;
     block.branchNames.resize(2);
     if (option.hasName) {
         std::array<char, 4 * kLineCapacity> name;
@@ -400,8 +398,8 @@ void ZANPPD::ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat) {
         }
     }
     const CFStringRef name = LocalName(named, rangeLine);
-    const std::string_view value = TakePostscript(line);
-    if (value.empty()) {
+    const PostscriptBytes value = TakePostscript(line);
+    if (!value.bytes) {
         Report(PPDErr_NoPostscript, draft.keyword, rangeLine);
         return;
     }
@@ -409,8 +407,8 @@ void ZANPPD::ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat) {
         return;
     }
     ControlDefinition definition = Define(draft, draft.keyword, name);
-    definition.psData = postscript.Keep(value);
-    definition.psLength = static_cast<long>(value.size());
+    definition.psData = value.bytes;
+    definition.psLength = value.length;
     std::unique_ptr<PPDXControl> control;
     if (isFloat) {
         control = std::make_unique<PPDXFloatRangeControl>(definition, floatBounds);

@@ -70,9 +70,9 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
         const std::string_view bare =
             std::string_view(draft->keyword).substr(draft->keyword.starts_with('*') ? 1 : 0);
         if (keyword.size() == bare.size() + 2 && keyword.starts_with("*%") && keyword.substr(2) == bare) {
-            const std::string_view value = TakePostscript(next);
-            definition.psData = postscript.Keep(value);
-            definition.psLength = static_cast<long>(value.size());
+            const PostscriptBytes value = TakePostscript(next);
+            definition.psData = value.bytes;
+            definition.psLength = value.length;
         } else {
             PushBackLine(text.data());
         }

@@ -50,13 +50,15 @@ CFStringRef ZANPPD::Localized(std::string_view text, std::string_view keyword, l
     return converter ? converter->ConvertToCFString(text) : cfString(text);
 }
 
-// The quoted PostScript that begins on the line; empty when there is none. Valid until the next one is taken.
-std::string_view ZANPPD::TakePostscript(PPDStream& line) {
-    if (!valueBuffer) {
-        valueBuffer = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(postscriptCapacity));
+// The quoted PostScript that begins on the line, kept for the life of the description; empty when there is
+// none.
+ZANPPD::PostscriptBytes ZANPPD::TakePostscript(PPDStream& line) {
+    char value[postscriptCapacity];
+    const long length = GetPostscriptString(line, value, postscriptCapacity);
+    if (length <= 1) {
+        return {};
     }
-    const long length = GetPostscriptString(line, valueBuffer.get(), postscriptCapacity);
-    return {valueBuffer.get(), static_cast<std::size_t>(length > 0 ? length - 1 : 0)};
+    return {postscript.Keep({value, static_cast<std::size_t>(length - 1)}), length - 1};
 }
 
 } // namespace torka

@@ -1,0 +1,188 @@
+// The whole way from a description's file to its model, and what is asked of it while a pane is open, beside
+// the printing system's own PPD library on the same files in the same run. Names: TASK/SIZE/cups and
+// TASK/SIZE/torka.
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "platform/Log.h"
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// The library marks its PPD calls as deprecated; they are what people use.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+#include <cups/ppd.h>
+
+// Every block of the heap passes through here, the library's too, so that the peak of a task is known and not
+// only what it leaves behind.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void __libc_free(void* block);
+}
+
+namespace {
+std::size_t heapNow = 0;
+std::size_t heapPeak = 0;
+
+void* counted(void* block) {
+    heapNow += block ? malloc_usable_size(block) : 0;
+    heapPeak = heapNow > heapPeak ? heapNow : heapPeak;
+    return block;
+}
+} // namespace
+
+extern "C" void* malloc(std::size_t size) { return counted(__libc_malloc(size)); }
+extern "C" void* calloc(std::size_t count, std::size_t size) { return counted(__libc_calloc(count, size)); }
+extern "C" void* realloc(void* block, std::size_t size) {
+    heapNow -= block ? malloc_usable_size(block) : 0;
+    return counted(__libc_realloc(block, size));
+}
+extern "C" void free(void* block) {
+    heapNow -= block ? malloc_usable_size(block) : 0;
+    __libc_free(block);
+}
+
+namespace {
+
+using torka::ZANPPD;
+
+constexpr torka::_PARSE_OPTIONS_ acceptAll = torka::kAcceptOrphans | torka::kAcceptHidden;
+
+// A benchmark writes no log.
+class NoLog : public torka::LogSink {
+    void Line(std::string_view) override {}
+};
+
+std::string pathOf(const std::string& size) { return std::string(TORKA_BENCH_PPDS) + "/" + size + ".ppd"; }
+
+using CupsDescription = std::unique_ptr<ppd_file_t, decltype(&ppdClose)>;
+
+CupsDescription openCups(const std::string& size) {
+    CupsDescription ppd(ppdOpenFile(pathOf(size).c_str()), &ppdClose);
+    if (!ppd) {
+        throw std::runtime_error("libcups does not read " + pathOf(size));
+    }
+    return ppd;
+}
+
+std::unique_ptr<ZANPPD> openTorka(const std::string& size) {
+    auto model = std::make_unique<ZANPPD>(torka::FSRef{pathOf(size)}, acceptAll, nullptr);
+    if (!model->Errors()->Empty()) {
+        throw std::runtime_error("errors in " + pathOf(size));
+    }
+    return model;
+}
+
+// Runs once more on its own to see how far the heap rises, in KiB.
+template <class Task>
+double heapPeakOf(Task task) {
+    const std::size_t before = heapNow;
+    heapPeak = heapNow;
+    const auto kept = task();
+    benchmark::DoNotOptimize(kept.get());
+    return static_cast<double>(heapPeak - before) / 1024.0;
+}
+
+void parseCups(benchmark::State& state, const std::string& size) {
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(openCups(size).get());
+    }
+    state.counters["peakKiB"] = heapPeakOf([&] { return openCups(size); });
+}
+
+void parseTorka(benchmark::State& state, const std::string& size) {
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(openTorka(size).get());
+    }
+    state.counters["peakKiB"] = heapPeakOf([&] { return openTorka(size); });
+}
+
+// "emit": the feature code of every option's current choice.
+void emitCups(benchmark::State& state, const std::string& size) {
+    const CupsDescription ppd = openCups(size);
+    ppdMarkDefaults(ppd.get());
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        char* text = ppdEmitString(ppd.get(), PPD_ORDER_ANY, 0.0F);
+        bytes = text ? std::string_view(text).size() : 0;
+        std::free(text);
+    }
+    state.counters["bytes"] = static_cast<double>(bytes);
+}
+
+void emitTorka(benchmark::State& state, const std::string& size) {
+    const std::unique_ptr<ZANPPD> model = openTorka(size);
+    std::string text;
+    for (auto _ : state) {
+        text.clear();
+        model->GetControls()->ForEach([&](torka::PPDXControl* control) {
+            const std::size_t before = text.size();
+            text.resize(before + static_cast<std::size_t>(control->PostScript(nullptr)));
+            control->PostScript(reinterpret_cast<unsigned char*>(text.data()) + before);
+        });
+        benchmark::DoNotOptimize(text.data());
+    }
+    state.counters["bytes"] = static_cast<double>(text.size());
+}
+
+// "pane": every choice of every option asked by its texts whether it is forbidden now, as a pane does to grey
+// it out.
+void paneTorka(benchmark::State& state, const std::string& size) {
+    const std::unique_ptr<ZANPPD> model = openTorka(size);
+    int forbidden = 0;
+    int asked = 0;
+    for (auto _ : state) {
+        forbidden = asked = 0;
+        model->GetControls()->ForEach([&](torka::PPDXControl* control) {
+            if (control->Type() != torka::CNTL_TYPE::popup) {
+                return;
+            }
+            auto* popup = static_cast<torka::PPDXPopupControl*>(control);
+            for (auto* item = popup->FirstItem(); item; item = popup->NextItem()) {
+                forbidden += model->IsKVConstrained(control->Keyword(), item->keyword.Buffer()) ? 1 : 0;
+                ++asked;
+            }
+        });
+    }
+    state.counters["forbidden"] = forbidden;
+    state.counters["asked"] = asked;
+}
+
+// "values": all values taken and set again by key, as when a pane saves and restores.
+void valuesTorka(benchmark::State& state, const std::string& size) {
+    const std::unique_ptr<ZANPPD> model = openTorka(size);
+    for (auto _ : state) {
+        model->SetAllValues(model->CopyAllValues());
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    torka::setLogSink(std::make_shared<NoLog>());
+    const std::pair<const char*, std::function<void(benchmark::State&, const std::string&)>> tasks[] = {
+        {"parse/%s/cups", parseCups}, {"parse/%s/torka", parseTorka}, {"emit/%s/cups", emitCups},
+        {"emit/%s/torka", emitTorka}, {"pane/%s/torka", paneTorka},   {"values/%s/torka", valuesTorka}};
+    for (const std::string size : {"small", "medium", "large"}) {
+        for (const auto& [pattern, task] : tasks) {
+            std::string name = pattern;
+            name.replace(name.find("%s"), 2, size);
+            benchmark::RegisterBenchmark(name.c_str(), [task = task, size](benchmark::State& state) {
+                task(state, size);
+            })->Unit(benchmark::kMillisecond);
+        }
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
