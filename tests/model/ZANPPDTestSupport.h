@@ -1,0 +1,84 @@
+#pragma once
+
+#include "PPDX/PPDObjects/Interface/PPDLint.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "tests/support/TestSupport.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Small descriptions written out to a folder and parsed, and their defects as text.
+
+namespace torka::tests {
+
+inline constexpr _PARSE_OPTIONS_ acceptAll = kAcceptOrphans | kAcceptHidden;
+
+// A page "Page" with the scroll pane "Pane" and the roll-downs "Group" and "Other".
+inline const std::string frame = "*PPD-Adobe: \"4.3\"\n"
+                                 "*LanguageVersion: English\n"
+                                 "*LanguageEncoding: ISOLatin1\n"
+                                 "*PCFileName: \"TEST.PPD\"\n"
+                                 "*%ZANPropPage Page/The Page: True\n"
+                                 "*%ZANGroupName Pane/The Pane: True\n"
+                                 "*%ZANGroupName Group/The Group: True\n"
+                                 "*%ZANGroupName Other/The Other: True\n"
+                                 "*%ZANParent Pane/Page: True|Scrollpane\n"
+                                 "*%ZANParent Group/Pane: True|Rolldown\n"
+                                 "*%ZANParent Other/Pane: True|Rolldown\n";
+
+// The lines of a popup with the options A and B, in "Group".
+inline std::string popupText(const std::string& keyword, const std::string& defaultOption = "A") {
+    return "*%ZANFlags *" + keyword + ": Dynamic\n*%ZANGroup *" + keyword + ": Group\n*OpenUI *" + keyword +
+           "/" + keyword + ": PickOne\n*Default" + keyword + ": " + defaultOption + "\n*" + keyword +
+           " A/Name A: \"(a)\"\n*" + keyword + " B/Name B: \"(b)\"\n*CloseUI: *" + keyword + "\n";
+}
+
+struct ParseSettings {
+    _PARSE_OPTIONS_ options = acceptAll;
+    _EXTENSIONS_SUPPORT_ extensions = kAllExtensions;
+    bool stopOnFirstError = false;
+    PPDLint* lint = nullptr;
+};
+
+inline std::unique_ptr<ZANPPD> parseFile(const std::filesystem::path& path,
+                                         const ParseSettings& settings = {}) {
+    auto model = std::make_unique<ZANPPD>(settings.options);
+    model->SetFile(FSRef{path.string()});
+    model->SetExtensions(settings.extensions);
+    model->SetStopOnFirstError(settings.stopOnFirstError);
+    model->SetLint(settings.lint);
+    model->Build();
+    return model;
+}
+
+inline std::unique_ptr<ZANPPD> parseText(std::string_view text, const ParseSettings& settings = {}) {
+    const TemporaryFolder folder;
+    return parseFile(folder.Write("test.ppd", text), settings);
+}
+
+// "23 *KEY" of each error, in order.
+inline std::vector<std::string> errorsOf(const ZANPPD& model) {
+    std::vector<std::string> result;
+    for (const PPDXErrorObj* error = model.Errors()->First(); error; error = model.Errors()->Next()) {
+        result.push_back(std::to_string(error->Code()) + " " + error->Keyword());
+    }
+    return result;
+}
+
+inline PPDXControl* find(const ZANPPD& model, const char* keyword) {
+    return model.GetPPDXControlForKey(cfString(keyword));
+}
+
+inline std::string valueOf(const ZANPPD& model, const char* keyword) {
+    return utf8Text(model.CopyValueForKey(cfString(keyword)));
+}
+
+inline std::string postscriptOf(PPDXControl* control) {
+    std::string text(static_cast<std::size_t>(control->PostScript(nullptr)), '\0');
+    control->PostScript(reinterpret_cast<unsigned char*>(text.data()));
+    return text;
+}
+
+} // namespace torka::tests
