@@ -73,7 +73,7 @@ void checkTree(const ZANPPD& model) {
     std::size_t placed = 0;
     model.GetControls()->ForEach([&](PPDXControl* control) {
         require(control->UserName() != nullptr);
-        orphans += control->IsOrphan() ? 1 : 0;
+        orphans += std::size_t{control->IsOrphan()};
         require(control->IsOrphan() || IsRollDown(dynamic_cast<PPDXGroup*>(control->GetParent())));
     });
     std::size_t all = 0;
@@ -94,7 +94,7 @@ void checkTree(const ZANPPD& model) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     setLogSink(std::make_shared<NoLog>());
     const MemoryFile file(data, size);
-    const _PARSE_OPTIONS_ options = size % 5 == 0 ? size % 4 : 3;
+    const _PARSE_OPTIONS_ options = size % 5 == 0 ? static_cast<_PARSE_OPTIONS_>(size % 4) : 3;
     PPDLint lint;
     ZANPPD model(options);
     model.SetFile(FSRef{file.Path()});
