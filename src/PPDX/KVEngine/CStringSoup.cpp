@@ -51,7 +51,7 @@ std::int64_t CStringSoup::Insert(std::string_view text) {
     Text& entry = texts.emplace_back();
     entry.bytes = std::make_unique<char[]>(std::max(smallestBuffer, text.size() + 1));
     entry.length = text.size();
-    std::memcpy(entry.bytes.get(), text.data(), text.size());
+    std::copy(text.begin(), text.end(), entry.bytes.get()); // an empty text may have no bytes to point to
     index.Add(hash, static_cast<std::uint32_t>(added));
     return static_cast<std::int64_t>(added);
 }
