@@ -10,7 +10,6 @@ namespace torka {
 
 namespace {
 
-constexpr std::string_view blanks = " \t";
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
 // What from_chars reads: behind the white space and a plus sign.
@@ -39,11 +38,14 @@ Real readReal(std::string_view text) {
 } // namespace
 
 std::string_view trimBlanks(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) {
-        return {};
+    const auto isBlank = [](char each) { return each == ' ' || each == '\t'; };
+    while (!text.empty() && isBlank(text.back())) {
+        text.remove_suffix(1);
     }
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    while (!text.empty() && isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
 }
 
 std::string_view unquoted(std::string_view text) {

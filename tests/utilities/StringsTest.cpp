@@ -142,7 +142,8 @@ TEST(PointerList, FollowsAListThroughRandomEdits) {
         ASSERT_EQ(list.Back(), oracle.empty() ? nullptr : oracle.back());
     }
     PointerList copy(list);
-    copy = copy;
+    const PointerList& itself = copy;
+    copy = itself;
     list = copy;
     EXPECT_EQ(list.Front(), oracle.empty() ? nullptr : oracle.front());
     PointerListItr null;

@@ -68,7 +68,9 @@ void CString::ClearBuffer() {
 }
 
 CString& CString::operator=(const CString& other) {
-    SetBuffer(other.buffer);
+    if (this != &other) {
+        SetBuffer(other.buffer);
+    }
     return *this;
 }
 
