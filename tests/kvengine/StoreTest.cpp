@@ -86,8 +86,9 @@ TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
     }
     store.Add("*K", "", "*L", "", false);
     store.Resolve();
+    store.KVSInsert("*L", "late");
     for (const auto& [selected, forbidden] :
-         {std::pair("l4999", true), {"None", false}, {"nothing", false}}) {
+         {std::pair("l4999", true), {"None", false}, {"nothing", false}, {"late", false}}) {
         store.UpdateKVCache("*L", selected);
         for (int i = 0; i < count; ++i)
             ASSERT_EQ(store.IsKVConstrained("*K", "k" + std::to_string(i)), forbidden) << selected << i;
@@ -98,7 +99,7 @@ TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
     change.Insert(soup.Find("*K"), soup.Find("k7"));
     const auto answer = store.GetEngine()->Test(change);
     EXPECT_THAT(named(store, answer.conflicts.Pairs()), ElementsAre("*L=l42"));
-    EXPECT_THAT(named(store, answer.alternatives.Pairs()), ElementsAre("*L=None"));
+    EXPECT_THAT(named(store, answer.alternatives.Pairs()), ElementsAre("*L=late", "*L=None"));
 }
 
 TEST(ConstraintsEngine, OffersOtherOptionsFromTheLastBackwards) {
@@ -124,6 +125,10 @@ TEST(ConstraintsEngine, OffersOtherOptionsFromTheLastBackwards) {
     EXPECT_THAT(named(store, refused.conflicts.Pairs()), ElementsAre("*X=1"));
     EXPECT_EQ(refused.alternatives.size(), 0U);
 
+    attempt = change;
+    store.GetEngine()->LimitWork(0);
+    EXPECT_EQ(store.GetEngine()->Solve(attempt, true).conflicts.size(), 1U);
+    store.GetEngine()->LimitWork(ConstraintsEngine::mostWork);
     const auto solved = store.GetEngine()->Solve(change, true);
     EXPECT_EQ(solved.conflicts.size(), 0U);
     EXPECT_THAT(named(store, change.Pairs()), ElementsAre("*K=A", "*X=4"));

@@ -104,12 +104,15 @@ ConstraintsEngine::Answer ConstraintsEngine::RSolve(KVCache& changeSet, bool kee
             return {std::move(hits), {}};
 
         while (answer.alternatives.size() > 0) {
+            if (work > workLimit)
+                return answer;
             const KeyOption alternative = answer.alternatives.pop_front();
             if (keepChanged && changeSet.FindKey(alternative.key) != nullptr)
                 continue;
             changeSet.Insert(alternative.key, alternative.option);
             if (!HasConflict(changeSet))
                 return {};
+            work += visited.size();
             if (overflowed || std::find(visited.begin(), visited.end(), changeSet) != visited.end())
                 continue;
             queue.push_back(changeSet);
@@ -190,9 +193,11 @@ KVCache ConstraintsEngine::ListScreenedConstraints(const KVCache& selections, bo
 }
 
 bool ConstraintsEngine::ConflictsWith(const KeyOption& changed, const SelectionView& view) {
-    for (const ConstraintRun& run : RunsOf(changed))
+    for (const ConstraintRun& run : RunsOf(changed)) {
+        work += run.pairs.size() + 1;
         if (view.ContainsAnyOf(run))
             return true;
+    }
     return false;
 }
 
@@ -275,6 +280,7 @@ void ConstraintsEngine::Purge() {
     visited.clear();
     overflowed = false;
     depth = 0;
+    work = 0;
 }
 
 } // namespace torka

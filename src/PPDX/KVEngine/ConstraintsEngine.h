@@ -26,8 +26,10 @@ public:
         KVCache alternatives;
     };
 
-    // A description made to blow an answer up finds it cut at this many pairs each.
+    // A description made to blow an answer up finds it cut at this many pairs each, and a search given up as
+    // unsolved once it has looked at so many pairs, which takes a few seconds.
     static constexpr std::size_t mostAnswers = std::size_t{1} << 21U;
+    static constexpr std::uint64_t mostWork = std::uint64_t{1} << 28U;
 
     ConstraintsEngine() = default;
     ConstraintsEngine(const KVCache* selections, const ConstraintForest* constraints,
@@ -53,6 +55,7 @@ public:
     // state and leaves one.
     Answer RSolve(KVCache& changeSet, bool keepChanged);
     Answer Solve(KVCache& changeSet, bool keepChanged);
+    void LimitWork(std::uint64_t pairs) { workLimit = pairs; }
 
     // The options of key that conflict with what is selected now, by what they constrain themselves.
     KVCache ListCurrentConstraints(std::int64_t key);
@@ -77,6 +80,8 @@ private:
     bool overflowed = false;
     int depth = 0;
 
+    std::uint64_t workLimit = mostWork;
+    std::uint64_t work = 0;          // pairs and states looked at since the last purge
     std::vector<ConstraintRun> runs; // kept between calls for its room only
     std::size_t lastConflict = 0;    // where in the change set the last conflict was found
 };
