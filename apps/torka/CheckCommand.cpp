@@ -1,0 +1,127 @@
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConstraintsEngine.h"
+#include "apps/torka/Command.h"
+#include "apps/torka/ModelJson.h"
+
+#include <memory>
+
+namespace torka::tool {
+
+namespace {
+
+struct CheckOptions {
+    std::string path;
+    std::vector<std::string> settings;
+    bool solve = false;
+    bool json = false;
+};
+
+bool takesPartInConstraints(const PPDXControl& control) {
+    return control.Type() == CNTL_TYPE::popup || control.Type() == CNTL_TYPE::boolean;
+}
+
+// The settings as one change set. Only popups and booleans are known to the constraint store.
+KVCache changeSet(const ZANPPD& description, const std::vector<Setting>& settings) {
+    const CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
+    KVCache changes;
+    for (const Setting& setting : settings) {
+        if (takesPartInConstraints(*description.GetPPDXControlForKey(cfString(setting.key)))) {
+            changes.Insert(strings.Find(std::string_view(setting.key)),
+                           strings.Find(std::string_view(setting.value)));
+        }
+    }
+    return changes;
+}
+
+Json pairsJson(const ZANPPD& description, const KVCache& pairs) {
+    const CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
+    Json json = Json::array();
+    for (const KeyOption& pair : pairs.Pairs()) {
+        json.push_back(
+            {{"key", jsonText(strings.Find(pair.key))}, {"option", jsonText(strings.Find(pair.option))}});
+    }
+    return json;
+}
+
+void addIfConstrained(Json& list, const ZANPPD& description, const char* keyword, const char* option) {
+    if (description.IsKVConstrained(keyword, option)) {
+        list.push_back({{"key", jsonText(keyword)}, {"option", jsonText(option)}});
+    }
+}
+
+Json constrainedJson(const ZANPPD& description) {
+    Json list = Json::array();
+    description.GetControls()->ForEach([&](PPDXControl* control) {
+        if (auto* popup = dynamic_cast<PPDXPopupControl*>(control)) {
+            for (const _PopupItem* item = popup->FirstItem(); item != nullptr; item = popup->NextItem()) {
+                addIfConstrained(list, description, control->Keyword(), item->keyword.Buffer());
+            }
+        } else if (control->Type() == CNTL_TYPE::boolean) {
+            addIfConstrained(list, description, control->Keyword(), "True");
+            addIfConstrained(list, description, control->Keyword(), "False");
+        }
+    });
+    return list;
+}
+
+void printPairs(const char* title, const Json& pairs) {
+    print(std::string(title) + (pairs.empty() ? ": none\n" : ":\n"));
+    for (const Json& pair : pairs) {
+        print("  " + printable(pair["key"].get<std::string>()) + "=" +
+              printable(pair["option"].get<std::string>()) + "\n");
+    }
+}
+
+void printAnswer(const Json& answer) {
+    printPairs("Conflicts with what is selected", answer["conflicts"]);
+    printPairs("Choices that would not conflict", answer["alternatives"]);
+    printPairs("Forbidden once the settings are applied", answer["constrained"]);
+    if (answer.contains("solved")) {
+        print(answer["solved"].get<bool>() ? "A resolution was found.\n" : "No resolution was found.\n");
+        printPairs("Changes", answer["changes"]);
+    }
+}
+
+ExitStatus check(const CheckOptions& options) {
+    const auto description = readUsableDescription(options.path);
+    std::vector<Setting> settings;
+    if (!description || !parseSettings(*description, options.settings, settings)) {
+        return ExitStatus::unusable;
+    }
+    ConstraintsEngine& engine = *description->GetUIConstraints()->GetEngine();
+    const KVCache changes = changeSet(*description, settings);
+    const ConstraintsEngine::Answer answer = engine.Test(changes);
+    Json json;
+    json["conflicts"] = pairsJson(*description, answer.conflicts);
+    json["alternatives"] = pairsJson(*description, answer.alternatives);
+    Json solution;
+    if (options.solve) {
+        KVCache solved = changes;
+        solution["solved"] = engine.Solve(solved, true).conflicts.size() == 0;
+        solution["changes"] = pairsJson(*description, solved);
+    }
+    applySettings(*description, settings);
+    json["constrained"] = constrainedJson(*description);
+    json.update(solution);
+    if (options.json) {
+        print(jsonDocument(json));
+    } else {
+        printAnswer(json);
+    }
+    return answer.conflicts.size() == 0 ? ExitStatus::good : ExitStatus::findings;
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& app, ExitStatus& status) {
+    const auto options = std::make_shared<CheckOptions>();
+    CLI::App* command = app.add_subcommand("check", "Tell which choices settings conflict with or forbid");
+    command->add_option("FILE", options->path, "Extended PPD file")->required();
+    command->add_option("SETTING", options->settings, "KEY=VALUE, the key with or without its asterisk");
+    command->add_flag("--solve", options->solve,
+                      "Look for changes that remove the conflicts, keeping the settings");
+    command->add_flag("--json", options->json, "As JSON");
+    command->callback([options, &status] { status = check(*options); });
+}
+
+} // namespace torka::tool

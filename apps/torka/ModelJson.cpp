@@ -1,0 +1,220 @@
+#include "apps/torka/ModelJson.h"
+
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConstraintForest.h"
+
+#include <utility>
+
+namespace torka::tool {
+
+namespace {
+
+Json headerValue(const CString* value) {
+    return value == nullptr ? Json(nullptr) : Json(jsonText(value->Buffer()));
+}
+
+Json headerJson(const ZANPPD& description) {
+    Json header;
+    header["formatVersion"] = headerValue(description.FormatVersion());
+    header["fileVersion"] = headerValue(description.FileVersion());
+    header["pcFileName"] = headerValue(description.PCFileName());
+    header["languageVersion"] = headerValue(description.LanguageVersion());
+    header["languageEncoding"] = headerValue(description.LanguageEncoding());
+    header["modelName"] = headerValue(description.ModelName());
+    header["makerVersion"] = headerValue(description.MakerVersion());
+    header["makerVersionMac"] = headerValue(description.MakerVersionMac());
+    header["dialogExtension"] = headerValue(description.DialogExtension());
+    return header;
+}
+
+// A number that is whole is written as such.
+Json number(float value) { return Json(static_cast<double>(value)); }
+
+void addPopup(Json& json, PPDXPopupControl& popup) {
+    json["default"] = jsonText(popup.GetDefaultKeyword());
+    Json items = Json::array();
+    for (_PopupItem* item = popup.FirstItem(); item != nullptr; item = popup.NextItem()) {
+        items.push_back({{"keyword", jsonText(item->keyword.Buffer())}, {"name", jsonText(item->localName)}});
+    }
+    json["items"] = std::move(items);
+}
+
+void addJobNote(Json& json, const PPDXJobNote& note) {
+    json["default"] = jsonText(note.GetDefaultNotes());
+    json["maxLength"] = note.MaxLength();
+    json["minLength"] = note.MinLength();
+    Json words = Json::array();
+    for (std::size_t bit = 0; bit < jobNoteFlagWords.size(); ++bit) {
+        if ((note.NoteFlags() >> bit & 1U) != 0) {
+            words.push_back(std::string(jobNoteFlagWords[bit].word));
+        }
+    }
+    json["noteFlags"] = std::move(words);
+}
+
+template <typename Range>
+void addBounds(Json& json, const Range& range) {
+    json["default"] = range.DefaultValue();
+    json["minimum"] = range.MinVal();
+    json["maximum"] = range.MaxVal();
+    json["increment"] = range.Increment();
+}
+
+void addCustomSize(Json& json, const PPDXCustomPageSizeControl& size) {
+    json["width"] = number(size.GetWidth());
+    json["height"] = number(size.GetHeight());
+    json["minWidth"] = number(size.MinWidth());
+    json["maxWidth"] = number(size.MaxWidth());
+    json["minHeight"] = number(size.MinHeight());
+    json["maxHeight"] = number(size.MaxHeight());
+}
+
+void addKindOfControl(Json& json, PPDXControl& control) {
+    switch (control.Type()) {
+    case CNTL_TYPE::popup:
+        addPopup(json, dynamic_cast<PPDXPopupControl&>(control));
+        break;
+    case CNTL_TYPE::boolean:
+        json["default"] = dynamic_cast<PPDXBooleanControl&>(control).DefaultState() ? "True" : "False";
+        break;
+    case CNTL_TYPE::range:
+        addBounds(json, dynamic_cast<PPDXRangeControl&>(control));
+        break;
+    case CNTL_TYPE::floatRange:
+        addBounds(json, dynamic_cast<PPDXFloatRangeControl&>(control));
+        break;
+    case CNTL_TYPE::jobNote:
+        addJobNote(json, dynamic_cast<PPDXJobNote&>(control));
+        break;
+    case CNTL_TYPE::customPageSize:
+        addCustomSize(json, dynamic_cast<PPDXCustomPageSizeControl&>(control));
+        break;
+    case CNTL_TYPE::specialOption:
+    case CNTL_TYPE::none:
+        break;
+    }
+}
+
+Json controlJson(PPDXControl& control) {
+    Json json;
+    json["keyword"] = jsonText(control.Keyword());
+    json["type"] = typeName(control.Type());
+    json["name"] = jsonText(control.CFStringUserName());
+    const PPDXElement* parent = control.GetParent();
+    json["parent"] = parent == nullptr ? Json(nullptr) : Json(jsonText(parent->Keyword()));
+    Json flags = Json::array();
+    for (const char* flag = control.FirstControlFlag(); flag != nullptr; flag = control.NextControlFlag()) {
+        flags.push_back(jsonText(flag));
+    }
+    json["flags"] = std::move(flags);
+    json["visible"] = control.IsVisible();
+    json["value"] = jsonText(control.CopyCurrentControlValueString());
+    addKindOfControl(json, control);
+    return json;
+}
+
+Json rollDownJson(const PPDXRollDown& rollDown) {
+    Json controls = Json::array();
+    rollDown.Controls().ForEach(
+        [&controls](const PPDXControl* control) { controls.push_back(jsonText(control->Keyword())); });
+    Json json;
+    json["keyword"] = jsonText(rollDown.Keyword());
+    json["name"] = jsonText(rollDown.CFStringUserName());
+    json["controls"] = std::move(controls);
+    return json;
+}
+
+Json pageJson(const PPDXProperty& page) {
+    Json json;
+    json["keyword"] = jsonText(page.Keyword());
+    json["name"] = jsonText(page.CFStringUserName());
+    json["showInApp"] = page.ShowInApp();
+    json["showInPrintProp"] = page.ShowInPrintProp();
+    if (const PPDXScrollPane* pane = page.GetScrollDown()) {
+        Json rollDowns = Json::array();
+        pane->RollDowns().ForEach([&rollDowns](PPDXGroup* group) {
+            if (const auto* rollDown = dynamic_cast<const PPDXRollDown*>(group)) {
+                rollDowns.push_back(rollDownJson(*rollDown));
+            }
+        });
+        json["scrollPane"] = {{"keyword", jsonText(pane->Keyword())},
+                              {"name", jsonText(pane->CFStringUserName())},
+                              {"rollDowns", std::move(rollDowns)}};
+    }
+    return json;
+}
+
+Json requirementsJson(const ZANPPD& description) {
+    const CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
+    Json requirements = Json::array();
+    description.GetUIConstraints()->GetRequiresForest()->ForEach(
+        [&](std::int64_t key, std::int64_t option, const KeyOption& required) {
+            requirements.push_back({{"key", jsonText(strings.Find(key))},
+                                    {"option", jsonText(strings.Find(option))},
+                                    {"requiredKey", jsonText(strings.Find(required.key))},
+                                    {"requiredOption", jsonText(strings.Find(required.option))}});
+            return true;
+        });
+    return requirements;
+}
+
+} // namespace
+
+const char* typeName(CNTL_TYPE type) {
+    switch (type) {
+    case CNTL_TYPE::popup:
+        return "popup";
+    case CNTL_TYPE::boolean:
+        return "boolean";
+    case CNTL_TYPE::range:
+        return "range";
+    case CNTL_TYPE::floatRange:
+        return "floatRange";
+    case CNTL_TYPE::jobNote:
+        return "jobNote";
+    case CNTL_TYPE::customPageSize:
+        return "customPageSize";
+    case CNTL_TYPE::specialOption:
+        return "specialOption";
+    case CNTL_TYPE::none:
+        break;
+    }
+    return "none";
+}
+
+Json errorJson(const PPDXErrorObj& error) {
+    return {{"code", error.Code()},
+            {"name", ppdErrName(error.Code())},
+            {"keyword", jsonText(error.Keyword())},
+            {"fatal", error.IsFatal()},
+            {"line", error.Line()}};
+}
+
+Json modelJson(const ZANPPD& description) {
+    Json json;
+    json["header"] = headerJson(description);
+    Json controls = Json::array();
+    description.GetControls()->ForEach(
+        [&controls](PPDXControl* control) { controls.push_back(controlJson(*control)); });
+    json["controls"] = std::move(controls);
+    Json pages = Json::array();
+    description.GetProperties()->ForEach(
+        [&pages](const PPDXProperty* page) { pages.push_back(pageJson(*page)); });
+    json["pages"] = std::move(pages);
+    Json shortcuts = Json::array();
+    PPDXShortcuts& quick = *description.GetShortcuts();
+    for (const PPDXControl* control = quick.First(); control != nullptr; control = quick.Next()) {
+        shortcuts.push_back(jsonText(control->Keyword()));
+    }
+    json["shortcuts"] = std::move(shortcuts);
+    json["requirements"] = requirementsJson(description);
+    Json errors = Json::array();
+    PPDXErrors& list = *description.Errors();
+    for (const PPDXErrorObj* error = list.First(); error != nullptr; error = list.Next()) {
+        errors.push_back(errorJson(*error));
+    }
+    json["errors"] = std::move(errors);
+    return json;
+}
+
+} // namespace torka::tool

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "apps/torka/Description.h"
+
+// The description as JSON: the public form that `torka show --json` prints, and the canonical dump that tests
+// compare.
+
+namespace torka::tool {
+
+Json modelJson(const ZANPPD& description);
+Json errorJson(const PPDXErrorObj& error);
+// "popup" and so on.
+const char* typeName(CNTL_TYPE type);
+
+} // namespace torka::tool

@@ -1,0 +1,50 @@
+#include "apps/torka/Command.h"
+#include "apps/torka/TicketJson.h"
+#include "spooler/TicketReader.h"
+
+#include <memory>
+
+namespace torka::tool {
+
+namespace {
+
+struct TicketOptions {
+    std::string path;
+    bool json = false;
+};
+
+ExitStatus showTicket(const TicketOptions& options) {
+    const TicketResult result = readTicketFile(options.path);
+    if (result.error) {
+        return unusable(result.error.text);
+    }
+    Json entries = Json::array();
+    for (const TicketEntry& entry : result.ticket.entries) {
+        if (options.json) {
+            entries.push_back(entryJson(entry.site, entry.bytes));
+        } else {
+            printEntry(entry.site, entry.bytes);
+        }
+    }
+    if (options.json) {
+        Json json;
+        json["entries"] = std::move(entries);
+        print(jsonDocument(json));
+    }
+    for (const TicketWarning& warning : result.ticket.warnings) {
+        warn(options.path + ": entry " + std::to_string(warning.entry) + ": " + warning.text);
+    }
+    return result.ticket.warnings.empty() ? ExitStatus::good : ExitStatus::findings;
+}
+
+} // namespace
+
+void addTicketCommand(CLI::App& app, ExitStatus& status) {
+    const auto options = std::make_shared<TicketOptions>();
+    CLI::App* command = app.add_subcommand("ticket", "Print what a job ticket holds");
+    command->add_option("FILE", options->path, "Ticket file (XML property list)")->required();
+    command->add_flag("--json", options->json, "As JSON");
+    command->callback([options, &status] { status = showTicket(*options); });
+}
+
+} // namespace torka::tool
