@@ -56,6 +56,9 @@ void printReport(const SpliceReport& report) {
               std::to_string(placed.bytes) + " bytes " + std::string(placeText(placed.place)) + "\n");
     }
     for (const auto& [keyword, count] : report.removed) {
+        if (count == 0) {
+            continue;
+        }
         print("Removed: " + std::to_string(count) + " of " + printable(keyword) + "\n");
     }
     for (const std::string& path : report.mailboxPaths) {

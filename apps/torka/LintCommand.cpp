@@ -18,7 +18,7 @@ std::string explain(const PPDLintNote& note) {
     case PPDLintKind::unknownJobNoteFlag:
         return "the job-note flag word \"" + note.text + "\" is unknown and was skipped";
     case PPDLintKind::unknownConstraintKeyword:
-        return "a constraint names the keyword " + note.text + ", which nothing defines";
+        return "a constraint names this keyword, which nothing defines";
     case PPDLintKind::unknownConstraintOption:
         return "a constraint names the option \"" + note.text + "\", which is not offered";
     case PPDLintKind::unplacedGroup:
