@@ -46,6 +46,7 @@ function(torka_tests area)
     endif()
     add_executable(test_${area} ${sources})
     target_link_libraries(test_${area} PRIVATE ${ARGN} torka_test_support GTest::gmock GTest::gtest_main)
+    target_compile_options(test_${area} PRIVATE -O1) # built far more often than run
     target_compile_definitions(test_${area} PRIVATE
         TORKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TORKA_BINARY_DIR="${CMAKE_BINARY_DIR}")
     gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
