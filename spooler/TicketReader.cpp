@@ -23,6 +23,10 @@ TicketResult refuse(TicketError::Code code, std::string text, std::optional<std:
     return {{}, {code, entry, std::move(text)}};
 }
 
+TicketResult refuseAsTooLarge() {
+    return refuse(TicketError::Code::tooLarge, "larger than 64 MiB, no ticket is");
+}
+
 std::string_view kindName(const CFTypeRef& value) {
     switch (value->TypeID()) {
     case CFTypeID::string:
@@ -112,7 +116,7 @@ std::string systemReason(int error) { return std::generic_category().message(err
 
 TicketResult readTicket(std::span<const std::uint8_t> propertyList) {
     if (propertyList.size() > maximumTicketBytes) {
-        return refuse(TicketError::Code::tooLarge, "larger than 64 MiB, no ticket is");
+        return refuseAsTooLarge();
     }
     std::string reason;
     const CFPropertyListRef root =
@@ -150,7 +154,10 @@ TicketResult readTicketFile(int descriptor, const std::string& name) {
     if (!S_ISREG(status.st_mode)) {
         return withName(refuse(TicketError::Code::notARegularFile, "not a regular file"), name);
     }
-    // One byte beyond the limit shows a file that is too large, also one that grows meanwhile.
+    if (status.st_size > static_cast<off_t>(maximumTicketBytes)) {
+        return withName(refuseAsTooLarge(), name);
+    }
+    // One byte beyond the limit shows a file that grows meanwhile.
     std::vector<std::uint8_t> bytes;
     std::size_t size = 0;
     for (;;) {

@@ -1,4 +1,5 @@
 #include "tests/spooler/SpliceCheck.h"
+#include "tests/support/TestSupport.h"
 
 // Where entries go in each kind of document. In the tables below "H" stands for the header entries in their
 // order, "S" for those of the setup, "C" for the closing entry, and lines end with "/".
@@ -132,6 +133,24 @@ TEST(Placing, EachKindOfDocument) {
             EXPECT_EQ(result.report.mailboxPaths, std::vector<std::string>{"Library/Caches/ZAN/box"});
         }
     }
+}
+
+TEST(Placing, TheDocumentedExampleIsTrue) {
+    const std::string page = readFile(TORKA_SOURCE_DIR "/docs/ticket.md");
+    std::size_t at = 0;
+    const auto nextBlock = [&] {
+        const std::size_t begin = page.find('\n', page.find("```", at)) + 1;
+        const std::size_t end = page.find("```", begin);
+        at = end + 3;
+        return page.substr(begin, end - begin);
+    };
+    const std::string script = nextBlock();
+    const std::string document = nextBlock();
+    const std::string ticketFile = runPython(script);
+    const TicketResult read =
+        readTicket({reinterpret_cast<const std::uint8_t*>(ticketFile.data()), ticketFile.size()});
+    ASSERT_FALSE(read.error) << read.error.text;
+    EXPECT_EQ(splice(document, read.ticket).text, nextBlock());
 }
 
 TEST(Placing, EntriesNeverLeaveTheHeaderOrBecomeCode) {
