@@ -15,7 +15,7 @@ constexpr std::size_t lookBack = maximumWrapperLine + 3;
 
 // The first "%%" at the beginning of a line, at or after `from`.
 std::size_t findComment(std::string_view bytes, std::size_t from, bool isLineStart) {
-    while (from + 1 < bytes.size()) {
+    while (from < bytes.size() && bytes.size() - from > 1) {
         const void* found = std::memchr(bytes.data() + from, '%', bytes.size() - 1 - from);
         if (found == nullptr) {
             break;
@@ -24,7 +24,7 @@ std::size_t findComment(std::string_view bytes, std::size_t from, bool isLineSta
         if (bytes[at + 1] == '%' && (at == 0 ? isLineStart : isLineEnd(bytes[at - 1]))) {
             return at;
         }
-        from = at + 1;
+        from = bytes.find_first_not_of('%', at); // within a row of them no line begins
     }
     return std::string_view::npos;
 }
@@ -501,10 +501,10 @@ void SpliceMachine::Pass(std::string_view bytes) {
         KeepHeld("it is longer than 256 KiB");
     }
     if (output.HasMark() && output.MarkedBytes() + bytes.size() > Splicer::holdLimit) {
-        if (isPrologDeclared && section == Section::prolog) {
-            output.CloseMark({}, lineEnd); // the prolog's end will come
-        } else if (resourceDepth > 0 && !isMarkFixed) {
-            output.CloseMark({}, lineEnd); // opened again behind the resource
+        const bool isPlaceAhead = (isPrologDeclared && section == Section::prolog) || // behind its end
+                                  (resourceDepth > 0 && !isMarkFixed);                // behind the resource
+        if (isPlaceAhead) {
+            output.CloseMark({}, lineEnd);
         } else {
             PlaceAtMark();
         }
