@@ -102,7 +102,9 @@ ExitStatus check(const CheckOptions& options) {
     }
     applySettings(*description, settings);
     json["constrained"] = constrainedJson(*description);
-    json.update(solution);
+    if (options.solve) {
+        json.update(solution);
+    }
     if (options.json) {
         print(jsonDocument(json));
     } else {
