@@ -3,6 +3,8 @@
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/ConstraintForest.h"
 
+#include <array>
+#include <charconv>
 #include <utility>
 
 namespace torka::tool {
@@ -27,8 +29,16 @@ Json headerJson(const ZANPPD& description) {
     return header;
 }
 
-// A number that is whole is written as such.
-Json number(float value) { return Json(static_cast<double>(value)); }
+// The shortest decimal that reads back as the same 32-bit number: 0.1, not 0.10000000149.
+Json number(float value) {
+    std::array<char, 64> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    double shortest = 0.0;
+    std::from_chars(text.data(), end, shortest);
+    return Json(shortest);
+}
+
+Json number(long value) { return Json(value); }
 
 void addPopup(Json& json, PPDXPopupControl& popup) {
     json["default"] = jsonText(popup.GetDefaultKeyword());
@@ -54,10 +64,10 @@ void addJobNote(Json& json, const PPDXJobNote& note) {
 
 template <typename Range>
 void addBounds(Json& json, const Range& range) {
-    json["default"] = range.DefaultValue();
-    json["minimum"] = range.MinVal();
-    json["maximum"] = range.MaxVal();
-    json["increment"] = range.Increment();
+    json["default"] = number(range.DefaultValue());
+    json["minimum"] = number(range.MinVal());
+    json["maximum"] = number(range.MaxVal());
+    json["increment"] = number(range.Increment());
 }
 
 void addCustomSize(Json& json, const PPDXCustomPageSizeControl& size) {

@@ -117,7 +117,8 @@ CFDataRef ZANJobTicket::Save() {
         return xml;
     }
     const CFStringRef path = CreateRandomFileName("/tmp/Torka.temp");
-    saveError = platform::system().WriteFile(utf8Text(path), textOf(CFDataGetBytes(xml)), ticketFileMode);
+    saveError = platform::system().WriteFile(platform::system().Resolve(utf8Text(path)),
+                                             textOf(CFDataGetBytes(xml)), ticketFileMode);
     if (saveError) {
         myNSLogC("The job ticket %s could not be written: %s", utf8Text(path).c_str(),
                  saveError.message().c_str());

@@ -1,0 +1,166 @@
+#include "tests/apps/Tool.h"
+
+#include <cups/ppd.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <set>
+
+// The library marks its PPD calls as deprecated; they are what people use.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+// show, lint and check: what they print of a description and of settings.
+
+namespace torka::tests {
+
+namespace {
+
+using Json = nlohmann::json;
+
+struct PpdCloser {
+    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
+};
+
+Json controlOf(const Json& model, const std::string& keyword) {
+    for (const Json& control : model["controls"]) {
+        if (control["keyword"] == keyword) {
+            return control;
+        }
+    }
+    return {};
+}
+
+TEST(ShowCommand, DumpsOfTheSamplesAreTheReviewedOnes) {
+    for (const std::string name : {"torka-production", "torka-production-ja", "torka-defects"}) {
+        const CommandResult result = runTool({"show", samplePath(name + ".ppd"), "--json"});
+        EXPECT_EQ(result.status, 0);
+        const std::string golden = readFile(TORKA_SOURCE_DIR "/tests/apps/golden/" + name + ".json");
+        EXPECT_TRUE(result.output == golden) << name << ": compare with torka show --json";
+    }
+}
+
+// The choices that libcups reads from the same file, by keyword: option keywords and their texts in order.
+TEST(ShowCommand, ChoicesAndDefaultsAreThoseOfTheSystemsOwnReader) {
+    for (const std::string name : {"torka-production.ppd", "torka-production-ja.ppd"}) {
+        const Json model = runToolForJson({"show", samplePath(name)});
+        const std::unique_ptr<ppd_file_t, PpdCloser> ppd(ppdOpenFile(samplePath(name).c_str()));
+        ASSERT_TRUE(ppd);
+        std::size_t compared = 0;
+        for (ppd_option_t* option = ppdFirstOption(ppd.get()); option != nullptr;
+             option = ppdNextOption(ppd.get())) {
+            const Json control = controlOf(model, std::string("*") + option->keyword);
+            if (control.is_null() || control["type"] != "popup") {
+                continue;
+            }
+            ++compared;
+            EXPECT_EQ(control["name"], option->text) << option->keyword;
+            EXPECT_EQ(control["default"], option->defchoice) << option->keyword;
+            // libcups leaves a choice "Custom" of its own behind the file's.
+            ASSERT_LE(control["items"].size(), static_cast<std::size_t>(option->num_choices));
+            for (std::size_t i = 0; i < control["items"].size(); ++i) {
+                EXPECT_EQ(control["items"][i]["keyword"], option->choices[i].choice) << option->keyword;
+                EXPECT_EQ(control["items"][i]["name"], option->choices[i].text) << option->keyword;
+            }
+        }
+        EXPECT_GT(compared, 5U);
+    }
+}
+
+TEST(LintCommand, TellsErrorsAndWarningsWithTheirLines) {
+    const Json healthy = runToolForJson({"lint", samplePath("torka-production.ppd")});
+    EXPECT_TRUE(healthy["errors"].empty());
+    EXPECT_TRUE(healthy["warnings"].empty());
+
+    const Json defects = runToolForJson({"lint", samplePath("torka-defects.ppd")}, 1);
+    std::set<int> codes;
+    for (const Json& error : defects["errors"]) {
+        codes.insert(error["code"].get<int>());
+        EXPECT_GT(error["line"].get<long>(), 0);
+        EXPECT_FALSE(error["fatal"].get<bool>());
+    }
+    EXPECT_EQ(codes,
+              (std::set<int>{4, 5, 6, 7, 8, 9, 10, 11, 12, 14, 15, 16, 19, 23, 29, 31, 33, 34, 35, 36, 37}));
+    EXPECT_GE(defects["warnings"].size(), 10U);
+}
+
+TEST(Tool, UnusableInputIsStatusTwoWithOneLine) {
+    const TemporaryFolder folder;
+    const std::string other = folder.Write("other.ppd", "*PPD-Adobe: \"4.2\"\n");
+    const std::string text = folder.Write("text.plist", "hello");
+    const std::string ppd = samplePath("torka-production.ppd");
+    const std::vector<std::vector<std::string>> cases = {
+        {},
+        {"nonsense"},
+        {"show"},
+        {"show", folder / "absent.ppd"},
+        {"show", folder.Path()},
+        {"show", other},
+        {"lint", folder / "absent.ppd"},
+        {"check", ppd, "QVNoSuchOption=1"},
+        {"check", ppd, "QVDuplex=Sideways"},
+        {"check", ppd, "QVDuplex"},
+        {"emit", ppd, "QVUTF8_Version=7"},
+        {"emit", ppd, "--splice", samplePath("brochure.ps")},
+        {"emit", ppd, "--splice", folder / "absent.ps", "--output", folder / "out.ps"},
+        {"emit", ppd, "--ticket", folder / "no/such/folder/t.plist"},
+        {"ticket", text},
+        {"ticket", folder / "absent.plist"},
+    };
+    for (const auto& arguments : cases) {
+        const CommandResult result = runTool(arguments);
+        const std::string shown = ::testing::PrintToString(arguments);
+        EXPECT_EQ(result.status, 2) << shown;
+        EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << shown << result.errors;
+        EXPECT_TRUE(result.errors.starts_with("torka: ")) << shown << result.errors;
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.ps"));
+}
+
+TEST(CheckCommand, TellsConflictsAlternativesAndWhatIsForbidden) {
+    const TemporaryFolder folder;
+    const std::string ppd = folder.Write("small.ppd", R"(*PPD-Adobe: "4.3"
+*%ZANFlags *Tray: Dynamic
+*OpenUI *Tray/Tray: PickOne
+*DefaultTray: Upper
+*Tray Upper: ""
+*Tray Lower: ""
+*Tray Side: ""
+*CloseUI: *Tray
+*%ZANFlags *Stock: Dynamic
+*OpenUI *Stock/Stock: PickOne
+*DefaultStock: Plain
+*Stock Plain: ""
+*Stock Card: ""
+*CloseUI: *Stock
+*UIConstraints: *Stock Card *Tray Upper
+*UIConstraints: *Tray Upper *Stock Card
+)");
+    const Json free = runToolForJson({"check", ppd, "Stock=Plain"});
+    EXPECT_TRUE(free["conflicts"].empty());
+    EXPECT_EQ(free["constrained"], Json::parse(R"([{"key":"*Stock","option":"Card"}])"));
+
+    const Json conflict = runToolForJson({"check", ppd, "*Stock=Card", "--solve"}, 1);
+    EXPECT_EQ(conflict["conflicts"], Json::parse(R"([{"key":"*Tray","option":"Upper"}])"));
+    EXPECT_EQ(conflict["alternatives"],
+              Json::parse(R"([{"key":"*Tray","option":"Side"},{"key":"*Tray","option":"Lower"}])"));
+    EXPECT_EQ(conflict["constrained"],
+              Json::parse(R"([{"key":"*Tray","option":"Upper"},{"key":"*Stock","option":"Card"}])"));
+    EXPECT_TRUE(conflict["solved"].get<bool>());
+    EXPECT_EQ(conflict["changes"],
+              Json::parse(R"([{"key":"*Stock","option":"Card"},{"key":"*Tray","option":"Side"}])"));
+}
+
+TEST(Tool, EveryCommandHasHelp) {
+    for (const std::string command : {"show", "lint", "check", "emit", "ticket"}) {
+        const CommandResult result = runTool({command, "--help"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_NE(result.output.find("FILE"), std::string::npos) << command;
+    }
+}
+
+} // namespace
+
+} // namespace torka::tests

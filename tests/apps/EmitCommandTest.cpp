@@ -1,0 +1,127 @@
+#include "tests/apps/Tool.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+// emit and ticket: from settings to a ticket, and into a document that Ghostscript runs.
+
+namespace torka::tests {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// What Python's reader makes of a ticket, in the form that the tool prints.
+Json ticketByPython(const std::string& path) {
+    return Json::parse(runPython(R"(
+import json, plistlib, sys
+flat = plistlib.load(open(sys.argv[1], 'rb'))
+print(json.dumps([{"site": s, "text": d.decode("utf-8")} for s, d in zip(flat[::2], flat[1::2])]))
+)",
+                                 {path}));
+}
+
+std::vector<std::string> textsAt(const Json& entries, int site) {
+    std::vector<std::string> texts;
+    for (const Json& entry : entries) {
+        if (entry["site"] == site) {
+            texts.push_back(entry["text"]);
+        }
+    }
+    return texts;
+}
+
+TEST(EmitCommand, TicketIsWhatWasPrintedWhoeverReadsIt) {
+    const TemporaryFolder folder;
+    const std::string ticket = folder / "ticket.plist";
+    const Json emitted =
+        runToolForJson({"emit", samplePath("torka-production.ppd"), "PageSize=A4", "--ticket", ticket});
+    ASSERT_GT(emitted["entries"].size(), 100U);
+    EXPECT_EQ(ticketByPython(ticket), emitted["entries"]);
+    EXPECT_EQ(runToolForJson({"ticket", ticket})["entries"], emitted["entries"]);
+
+    // Older systems write the ticket themselves, for everyone to read.
+    std::filesystem::create_directory(folder / "tmp");
+    const CommandResult older =
+        runCommand({"env", "TORKA_SYSTEM_ROOT=" + folder.Path().string(), TORKA_BINARY_DIR "/bin/torka",
+                    "emit", samplePath("torka-production.ppd"), "PageSize=A4", "--os-minor", "6", "--json"});
+    EXPECT_EQ(older.status, 0) << older.errors;
+    std::size_t files = 0;
+    for (const auto& file : std::filesystem::directory_iterator(folder / "tmp")) {
+        ++files;
+        EXPECT_TRUE(file.path().filename().string().starts_with("Torka.temp"));
+        EXPECT_EQ(file.status().permissions(), std::filesystem::perms(0666));
+        EXPECT_EQ(ticketByPython(file.path()), Json::parse(older.output)["entries"]);
+    }
+    EXPECT_EQ(files, 1U);
+}
+
+TEST(EmitCommand, SettingsStandInTheirFixedOrder) {
+    const Json entries = runToolForJson({"emit", samplePath("torka-production.ppd"), "PageSize=A4",
+                                         "QVScale=85", "QVPrintSize=A4"})["entries"];
+    // Keywords whose own code is suppressed come first, then nothing of that site.
+    std::size_t suppressed = 0;
+    while (entries[suppressed]["site"] == -9) {
+        EXPECT_NE(entries[suppressed]["text"], "*PageSize");
+        ++suppressed;
+    }
+    EXPECT_EQ(textsAt(entries, -9).size(), suppressed);
+    const std::vector<std::string> pageSize = textsAt(entries, 70);
+    ASSERT_EQ(pageSize.size(), 1U);
+    EXPECT_TRUE(pageSize[0].starts_with("%%BeginFeature: *PageSize A4\n"));
+
+    const std::vector<std::string> setup = textsAt(entries, 81);
+    const auto place = [&setup](const std::string& start) {
+        const auto found = std::ranges::find_if(
+            setup, [&start](const std::string& text) { return text.starts_with(start); });
+        EXPECT_NE(found, setup.end()) << start;
+        return found;
+    };
+    EXPECT_LT(place("%%BeginFeature: *QVSourceAppType TORKA\n\n%%EndFeature\n"),
+              place("%%BeginFeature: *QVDuplex"));
+    EXPECT_LT(place("%%BeginFeature: *QVDuplex"), place("%%BeginFeature: *QVScale 85\n userdict "));
+    EXPECT_LT(place("%%BeginFeature: *QVScale 85"),
+              place("%%BeginFeature: *QVPrintSize SameAsPageSize\n\n%%EndFeature\n"));
+    EXPECT_NE(place("%%BeginFeature: *QVScale 85")->find("[ 0.85 ]"), std::string::npos);
+
+    const std::size_t count = entries.size();
+    EXPECT_EQ(entries[count - 3], Json({{"site", 501}, {"text", "%%ZANDriver\n"}}));
+    EXPECT_EQ(entries[count - 2]["site"], 71);
+    EXPECT_EQ(entries[count - 1], Json({{"site", 501}, {"text", "%%QVUTF8_Version: 6 \n"}}));
+}
+
+TEST(EmitCommand, CustomSizesAreRoundedOnlyWhenTheDescriptionAsks) {
+    const Json rounded =
+        runToolForJson({"emit", samplePath("torka-production.ppd"), "QVPrintSize=CustomPrintSize",
+                        "CustomPrintSize=595.4 841.6"})["entries"];
+    const std::vector<std::string> setup = textsAt(rounded, 81);
+    EXPECT_NE(std::ranges::find(setup,
+                                "%%BeginFeature: *CustomPrintSize 595.00 842.00\n   userdict "
+                                "/RMXZANsetpageproperties known\n   {<< /RMXsetPrintSize [ 595.00 842.00 "
+                                "0 0 1 ] >> RMXZANsetpageproperties} if\n%%EndFeature\n"),
+              setup.end());
+}
+
+TEST(EmitCommand, SplicedDocumentRunsAndShowsTheSettings) {
+    const TemporaryFolder folder;
+    for (const std::string document : {"brochure.ps", "plain.ps"}) {
+        const std::string output = folder / document;
+        const Json emitted = runToolForJson({"emit", samplePath("torka-production.ppd"), "PageSize=A5",
+                                             "--splice", samplePath(document), "--output", output});
+        ASSERT_FALSE(emitted.is_discarded());
+        const CommandResult boxes = runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE",
+                                                "-sDEVICE=ppmraw", "-r72", "-sOutputFile=%stdout", output});
+        EXPECT_EQ(boxes.status, 0) << boxes.errors;
+        EXPECT_EQ(boxes.errors, "");
+        // A5 is 420 by 595 points; the picture's header tells its size.
+        EXPECT_EQ(boxes.output.substr(0, 2), "P6");
+        EXPECT_NE(boxes.output.substr(0, 80).find("420 595"), std::string::npos)
+            << boxes.output.substr(0, 80);
+    }
+}
+
+} // namespace
+
+} // namespace torka::tests
