@@ -174,10 +174,10 @@ TEST_F(CollectionsTest, SettingsRebuildTheModel) {
     ControlDefinition definition = definitionOf("*R", std::string_view("<*R>\0\x80\r set\n", 12));
     definition.flags = flags;
     definition.visible = false;
-    auto* range = new PPDXRangeControl(definition, {-5, 500, 5, 10});
+    auto* range = new PPDXRangeControl(definition, {-7, 498, 5, 10});
     range->SetParent(rollDown);
     rollDown->Controls().Add(range);
-    range->SetValue(40);
+    range->SetValue(1000); // stops at 498, off the grid
     auto* floats = new PPDXFloatRangeControl(definitionOf("*F", "<*F>"), {0, 1, 0.1F, 0.3F});
     floats->SetValue(0.7F);
     auto* boolean = new PPDXBooleanControl(definitionOf("*B"), false,
@@ -256,7 +256,7 @@ TEST_F(CollectionsTest, SettingsRebuildTheModel) {
 
     // Values alone, into the controls that were just reset.
     newControls.Restore(loaded);
-    EXPECT_EQ(valueOf(*newControls.FindRangeControl("*R", true)), "40");
+    EXPECT_EQ(valueOf(*newControls.FindRangeControl("*R", true)), "498");
     EXPECT_TRUE(newControls.FindBoolean("*B", true)->IsTrue());
     EXPECT_TRUE(newControls.FindPopup("*P", true)->IsKeywordSelected("B"));
     EXPECT_TRUE(newControls.FindPopup("*P", true)->IsKeywordSelected("D"));

@@ -25,7 +25,8 @@ PPDXFloatRangeControl::PPDXFloatRangeControl(Settings& settings, int index, cons
     maximum = record.Real("maximum");
     increment = record.Real("increment");
     defaultValue = record.Real("default");
-    SetValue(record.Has("value") ? record.Real("value") : defaultValue);
+    SetValue(defaultValue);
+    RestoreValue(record);
 }
 
 PPDXFloatRangeControl::~PPDXFloatRangeControl() = default;
@@ -52,9 +53,17 @@ long PPDXFloatRangeControl::PostScript(unsigned char* out) {
 }
 
 void PPDXFloatRangeControl::Restore(Settings& settings, int index) {
-    const StoredRecord record(settings, "Control", index);
-    if (record.Has("value")) {
-        SetValue(record.Real("value"));
+    RestoreValue(StoredRecord(settings, "Control", index));
+}
+
+void PPDXFloatRangeControl::RestoreValue(const StoredRecord& record) {
+    if (!record.Has("value")) {
+        return;
+    }
+    const float stored = record.Real("value");
+    SetValue(stored);
+    if (stored >= minimum && stored <= maximum) {
+        value = stored; // not rounded once more
     }
 }
 

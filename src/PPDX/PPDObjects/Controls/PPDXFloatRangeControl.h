@@ -6,6 +6,8 @@
 
 namespace torka {
 
+class StoredRecord;
+
 struct FloatRangeBounds {
     float minimum = 0;
     float maximum = 0;
@@ -38,6 +40,8 @@ public:
     void SetValue(float newValue);
 
 private:
+    void RestoreValue(const StoredRecord& record);
+
     float value;
     float minimum;
     float maximum;

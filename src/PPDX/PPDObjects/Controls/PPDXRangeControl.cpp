@@ -22,7 +22,8 @@ PPDXRangeControl::PPDXRangeControl(Settings& settings, int index, const CString*
     maximum = record.Integer("maximum");
     increment = record.Integer("increment", 1);
     defaultValue = record.Integer("default");
-    SetValue(record.Integer("value", defaultValue));
+    SetValue(defaultValue);
+    RestoreValue(record);
 }
 
 PPDXRangeControl::~PPDXRangeControl() = default;
@@ -49,7 +50,18 @@ long PPDXRangeControl::PostScript(unsigned char* out) {
 }
 
 void PPDXRangeControl::Restore(Settings& settings, int index) {
-    SetValue(StoredRecord(settings, "Control", index).Integer("value", value));
+    RestoreValue(StoredRecord(settings, "Control", index));
+}
+
+void PPDXRangeControl::RestoreValue(const StoredRecord& record) {
+    const long stored = record.Integer("value", value);
+    if (stored == maximum || (stored == minimum && minimum < maximum)) {
+        // SetValue may have stopped at a bound that is off the grid; it would not do so again from there.
+        value = stored;
+        injectedPS.reset();
+    } else {
+        SetValue(stored);
+    }
 }
 
 CFStringRef PPDXRangeControl::CopyCurrentControlValueString() { return cfString(NumberText(value).View()); }

@@ -6,6 +6,8 @@
 
 namespace torka {
 
+class StoredRecord;
+
 struct RangeBounds {
     long minimum = 0;
     long maximum = 0;
@@ -36,6 +38,8 @@ public:
     void SetValue(long newValue);
 
 private:
+    void RestoreValue(const StoredRecord& record);
+
     long value;
     long minimum;
     long maximum;
