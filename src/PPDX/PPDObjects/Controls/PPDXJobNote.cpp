@@ -105,15 +105,17 @@ void PPDXJobNote::ResetToDefaultValue() {
     notesAreUTF8 = false;
 }
 
-long PPDXJobNote::PostScript(unsigned char* out) {
+long PPDXJobNote::PostScript(unsigned char* out) { return PostScriptWith(GetNotes(), out); }
+
+long PPDXJobNote::PostScriptWith(const char* text, unsigned char* out) const {
     if (PSLength() <= 0) {
         return 0;
     }
-    std::string option(GetNotes());
+    std::string option(text);
     std::ranges::replace_if(
         option, [](char c) { return c == '\n' || c == '\r'; }, ' ');
     std::string injected;
-    const long length = Inject(Keyword(), PSData(), PSLength(), GetNotes(), injected);
+    const long length = Inject(Keyword(), PSData(), PSLength(), text, injected);
     return GeneratePSOutputData(out, bytesOf(injected), length, option, true);
 }
 

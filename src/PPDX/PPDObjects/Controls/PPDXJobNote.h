@@ -30,6 +30,8 @@ public:
     // 0 bytes without PostScript; otherwise a feature block whose option is the current text, line breaks as
     // blanks.
     long PostScript(unsigned char* out) override;
+    // As PostScript, with another text in the place of the current one.
+    long PostScriptWith(const char* text, unsigned char* out) const;
     void Restore(Settings& settings, int index) override;
     CFStringRef CopyCurrentControlValueString() override;
     void SetCurrentControlWithCFString(CFStringRef text) override;
@@ -38,6 +40,8 @@ public:
     const char* GetNotes() const;
     void SetNotes(const char* text);
     void SetUTF8Notes(const CFStringRef& text);
+    // Whether the text came through SetUTF8Notes.
+    bool NotesAreUTF8() const { return notesAreUTF8; }
     CFStringRef CopyNotes() const;
     // Null when the note has no default text.
     const char* GetDefaultNotes() const;

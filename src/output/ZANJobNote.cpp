@@ -1,0 +1,153 @@
+#include "output/ZANJobNote.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "PPDX/Utilities/ModelState.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace torka {
+
+namespace {
+
+struct SpecialNote {
+    std::string_view keyword;
+    std::string_view prefix;
+};
+
+constexpr SpecialNote specialNotes[] = {
+    {"*Notes1", "%%ZANCustom1: "}, {"*Notes2", "%%ZANCustom2: "},      {"*Instruct", "%%ZANCustom3: "},
+    {"*Notes3", "%%ZANCustom4: "}, {"*Resume", "%%PersPassword: "},    {"*DeptPassword", "%%DeptPassword: "},
+    {"*QVUserAuthName", ""},       {"*QVUserAuthPwd", "%%ZANUATag: "}, {"*ZANPrintTime", "%%ZANPrintTime: "},
+};
+static_assert(specialNotes[specialNoteUserName].keyword == "*QVUserAuthName");
+static_assert(specialNotes[specialNotePassword].keyword == "*QVUserAuthPwd");
+
+constexpr int firstLevelWithUTF8Notes = 5;
+
+long copyText(std::string_view text, std::span<char> buffer) {
+    if (!buffer.empty()) {
+        const std::size_t length = std::min(text.size(), buffer.size() - 1);
+        std::copy_n(text.begin(), length, buffer.begin());
+        buffer[length] = '\0';
+    }
+    return text.empty() ? 0 : static_cast<long>(text.size() + 1);
+}
+
+bool isLetterOrDigit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+bool isTwoCharacterItem(std::string_view item) {
+    return item.size() == 2 && isLetterOrDigit(item[0]) && isLetterOrDigit(item[1]);
+}
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+bool isItemOrRange(std::string_view text) {
+    const std::size_t hyphen = text.find('-');
+    if (hyphen == std::string_view::npos) {
+        return isTwoCharacterItem(trimmed(text));
+    }
+    const std::string_view first = trimmed(text.substr(0, hyphen));
+    const std::string_view last = trimmed(text.substr(hyphen + 1));
+    return isTwoCharacterItem(first) && isTwoCharacterItem(last) && first <= last;
+}
+
+// Null without a description or the option.
+const PPDXSpecialOption* specialOption(const ZANPPD* description, const char* keyword) {
+    const PPDXControls* controls = description == nullptr ? nullptr : description->GetControls();
+    return controls == nullptr ? nullptr : controls->FindSpecialOption(keyword, true);
+}
+
+} // namespace
+
+ZANJobNote::ZANJobNote(PPDXJobNote* jobNote, const ZANPPD* ppd, std::shared_ptr<const FieldKeys> fieldKeys)
+    : note(jobNote)
+    , description(ppd)
+    , keys(std::move(fieldKeys)) {}
+
+bool ZANJobNote::specialKeyword(short& index) const {
+    const char* keyword = note->Keyword();
+    const auto* found =
+        std::find_if(std::begin(specialNotes), std::end(specialNotes),
+                     [keyword](const auto& row) { return keyword != nullptr && row.keyword == keyword; });
+    const bool isSpecial = found != std::end(specialNotes);
+    index = isSpecial ? static_cast<short>(found - std::begin(specialNotes)) : short{-1};
+    return isSpecial;
+}
+
+std::string_view ZANJobNote::commentPrefix(short index) {
+    return index >= 0 && static_cast<std::size_t>(index) < std::size(specialNotes)
+               ? specialNotes[static_cast<std::size_t>(index)].prefix
+               : std::string_view();
+}
+
+long ZANJobNote::getUserData(std::span<char> buffer) const { return copyText(note->GetNotes(), buffer); }
+
+long ZANJobNote::getTitle(std::span<char> buffer) const {
+    return copyText(utf8Text(note->CFStringUserName()), buffer);
+}
+
+void ZANJobNote::getKeyword(std::span<char> buffer) const {
+    copyText(note->Keyword() == nullptr ? "" : note->Keyword(), buffer);
+}
+
+bool ZANJobNote::checkRangeValues(std::string_view text) const {
+    if (!note->IsTwoCharFields() || trimmed(text).empty()) {
+        return true;
+    }
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t end = std::min(text.find(',', start), text.size());
+        if (!isItemOrRange(text.substr(start, end - start))) {
+            return false;
+        }
+        start = end + 1;
+    }
+    return true;
+}
+
+bool ZANJobNote::IsProtected() const { return note->IsEncrypt() || note->IsAESEncrypt(); }
+
+NoteAlgorithm ZANJobNote::Algorithm() const {
+    const PPDXSpecialOption* option = specialOption(description, "*UseSpecialAlgorithm");
+    const bool isAes = option == nullptr ? note->IsAESEncrypt() : std::strcmp(option->GetValue(), "2") == 0;
+    return isAes ? NoteAlgorithm::aes : NoteAlgorithm::des;
+}
+
+std::string_view ZANJobNote::SpecialKey() const {
+    const PPDXSpecialOption* option = specialOption(description, "*UseSpecialKey");
+    return option == nullptr ? std::string_view() : option->GetValue();
+}
+
+std::string ZANJobNote::Encrypted(const char* text) const {
+    return description == nullptr || !keys || text == nullptr
+               ? std::string()
+               : encipherNote(*keys, SpecialKey(), Algorithm(), text);
+}
+
+bool ZANJobNote::encryptNote(long /*reserved*/, const char* text, std::span<char, noteHexSize> out256) const {
+    std::fill(out256.begin(), out256.end(), '\0');
+    const std::string hex = Encrypted(text);
+    std::copy(hex.begin(), hex.end(), out256.begin());
+    return !hex.empty();
+}
+
+void ZANJobNote::ConvertTextFromApplicationToUTF8() {
+    if (!note->IsUTF8() || note->NotesAreUTF8() ||
+        (gQVUTF8Version >= firstLevelWithUTF8Notes && !gPopupJobNotesLangIsJapanese)) {
+        return;
+    }
+    if (const auto units = decodeTextLossy(note->GetNotes(), GetApplicationTextEncoding())) {
+        note->SetUTF8Notes(CFStringCreateWithCharacters(*units));
+    }
+}
+
+} // namespace torka
