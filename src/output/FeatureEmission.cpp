@@ -126,6 +126,7 @@ OSStatus FeatureEmission::OutPostscriptData() {
     AddColourSettings();
     AddCurveAdjustment();
     AddControlBar();
+    AddJobNotes();
     AddScale();
     AddPaperCatalogue();
     AddCustomPrintSize();
@@ -146,8 +147,7 @@ void FeatureEmission::SuppressApplePostscript() {
 
 // Added whatever it is, but for a note marked for protection: that leaves only enciphered, with the notes.
 void FeatureEmission::AddFirstControl(PPDXControl* control) {
-    const auto* note = dynamic_cast<PPDXJobNote*>(control);
-    if (note == nullptr || !(note->IsEncrypt() || note->IsAESEncrypt())) {
+    if (!leavesEncipheredOnly(*source.Description(), control)) {
         ticket.Add(siteDocumentSetup, control);
     }
 }
@@ -229,7 +229,9 @@ void FeatureEmission::AddColourSetting(const char* keyword) {
     PPDXControl* control = findSetting(*controls, keyword);
     PPDXJobNote* note = controls->FindJobNote(keyword, true);
     if (note != nullptr && source.IsTwoWayEnabled()) {
-        AddDynamicOption(keyword, valueOf(note), true);
+        if (!leavesEncipheredOnly(*source.Description(), note)) {
+            AddDynamicOption(keyword, valueOf(note), true);
+        }
         return;
     }
     if (control != nullptr && note != nullptr) {
@@ -278,8 +280,17 @@ void FeatureEmission::AddControlBar() {
     if (value == control->GetDefaultKeyword()) {
         return;
     }
-    const std::string noteText = valueOf(controls->FindJobNote("*QVControlBar", true));
+    PPDXJobNote* note = controls->FindJobNote("*QVControlBar", true);
+    const std::string noteText =
+        leavesEncipheredOnly(*source.Description(), note) ? std::string() : valueOf(note);
     AddDynamicOption("*QVControlBar", noteText.empty() ? value : noteText, false);
+}
+
+void FeatureEmission::AddJobNotes() {
+    ZANJobNoteList notes(*source.Description());
+    notes.SetPageOrientation(source.PageOrientation());
+    notes.outInjectionData(&ticket, source.Settings());
+    leftOutNotes = notes.LeftOut();
 }
 
 void FeatureEmission::AddScale() {

@@ -2,6 +2,7 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXControl.h"
 #include "output/EmissionSource.h"
+#include "output/ZANJobNoteList.h"
 #include "output/ZANJobTicket.h"
 
 #include <string>
@@ -28,6 +29,8 @@ public:
 
     // Always 0.
     OSStatus OutPostscriptData();
+    // The fields that the job lacks because they could not be enciphered; for the person who prints.
+    const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
 
 private:
     void SuppressApplePostscript();
@@ -40,6 +43,7 @@ private:
     void AddColourSetting(const char* keyword);
     void AddCurveAdjustment();
     void AddControlBar();
+    void AddJobNotes();
     void AddScale();
     void AddPaperCatalogue();
     void AddCustomPrintSize();
@@ -56,6 +60,7 @@ private:
     EmissionPurpose purpose;
     PPDXControls* controls;
     std::string controlBarValue;
+    std::vector<ZANJobNoteList::LeftOutNote> leftOutNotes;
 };
 
 // The five colour keywords that are sent as dynamic options, in their order.

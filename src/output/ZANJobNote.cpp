@@ -150,4 +150,18 @@ void ZANJobNote::ConvertTextFromApplicationToUTF8() {
     }
 }
 
+bool leavesEncipheredOnly(const ZANPPD& description, const PPDXControl* control) {
+    const auto* note = dynamic_cast<const PPDXJobNote*>(control);
+    if (note == nullptr || note->Keyword() == nullptr) {
+        return false;
+    }
+    if (note->IsEncrypt() || note->IsAESEncrypt() ||
+        *note == specialNotes[specialNotePassword].keyword.data()) {
+        return true;
+    }
+    const PPDXSpecialOption* packs = specialOption(&description, "*CopierUserAuth");
+    return packs != nullptr && std::strcmp(packs->GetValue(), "True") == 0 &&
+           *note == specialNotes[specialNoteUserName].keyword.data();
+}
+
 } // namespace torka

@@ -9,6 +9,7 @@
 
 namespace torka {
 
+class PPDXControl;
 class PPDXJobNote;
 class ZANPPD;
 
@@ -64,5 +65,9 @@ private:
     const ZANPPD* description;
     std::shared_ptr<const FieldKeys> keys;
 };
+
+// Whether what the control holds may leave the process enciphered only: a note marked for protection, the
+// user's sign-in password, and the sign-in name where it is packed with the password.
+bool leavesEncipheredOnly(const ZANPPD& description, const PPDXControl* control);
 
 } // namespace torka

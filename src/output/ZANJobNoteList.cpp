@@ -76,8 +76,7 @@ std::string packedCredentials(std::string_view name, std::string_view password) 
 }
 
 ZANJobNoteList::ZANJobNoteList(ZANPPD& ppd, std::shared_ptr<const FieldKeys> keys)
-    : description(ppd)
-    , hasKeys(keys != nullptr) {
+    : description(ppd) {
     PPDXControls& controls = *description.GetControls();
     for (PPDXJobNote* note = controls.FirstJobNote(); note != nullptr; note = controls.NextJobNote()) {
         notes.emplace_back(note, &description, keys);
@@ -99,6 +98,10 @@ OSStatus ZANJobNoteList::outInjectionData(ZANJobTicket* ticket, const PMPrintSet
         return noTicket;
     }
     AddLayoutComments(*ticket, settings);
+    // Before any is added: name and password may leave together.
+    for (ZANJobNote& note : notes) {
+        note.ConvertTextFromApplicationToUTF8();
+    }
     OSStatus status = noErr;
     for (ZANJobNote& note : notes) {
         status = AddNote(*ticket, note);
@@ -131,14 +134,13 @@ void ZANJobNoteList::AddLayoutComments(ZANJobTicket& ticket, const PMPrintSettin
                                                                      : "%%Orientation: Landscape\n"));
 }
 
-OSStatus ZANJobNoteList::AddNote(ZANJobTicket& ticket, ZANJobNote& note) {
+OSStatus ZANJobNoteList::AddNote(ZANJobTicket& ticket, const ZANJobNote& note) {
     short index = -1;
     const bool isSpecial = note.specialKeyword(index);
     const bool isAuthentication = index == specialNoteUserName || index == specialNotePassword;
     if (!isAuthentication && *note.Note().GetNotes() == '\0') {
         return noErr;
     }
-    note.ConvertTextFromApplicationToUTF8();
     if (isAuthentication && PacksCredentials()) {
         return AddCredentials(ticket, note);
     }

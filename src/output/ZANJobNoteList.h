@@ -55,7 +55,7 @@ private:
     };
 
     void AddLayoutComments(ZANJobTicket& ticket, const PMPrintSettings& settings) const;
-    OSStatus AddNote(ZANJobTicket& ticket, ZANJobNote& note);
+    OSStatus AddNote(ZANJobTicket& ticket, const ZANJobNote& note);
     OSStatus AddUserName(ZANJobTicket& ticket, const ZANJobNote& note);
     OSStatus AddPassword(ZANJobTicket& ticket, const ZANJobNote& note);
     OSStatus AddCredentials(ZANJobTicket& ticket, const ZANJobNote& carrier);
@@ -71,7 +71,6 @@ private:
     std::list<ZANJobNote> notes;
     std::uint16_t orientation = kPMPortrait;
     std::vector<LeftOutNote> leftOut;
-    bool hasKeys;
     // The user-authentication name of this job, once it was filled in from the login name.
     bool isUserNameFilledIn = false;
     std::string filledInUserName;

@@ -1,0 +1,69 @@
+// The hexadecimal text of a protected note, of any content: the text or a clear error. And notes of any text
+// through the cipher and back.
+
+#include "output/NoteCipher.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace torka;
+
+void require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+std::shared_ptr<const FieldKeys> makeKeys() {
+    std::string list = "<plist version=\"1.0\"><dict><key>KeyOffsets</key><array>";
+    for (int i = 0; i < 11; ++i) {
+        list += "<integer>" + std::to_string(16 * i) + "</integer>";
+    }
+    list += "</array>";
+    // Sizes that are no multiple of 3 end in padding.
+    const std::pair<const char*, std::size_t> tables[] = {
+        {"KeyTable", 208}, {"VectorTable", 80}, {"StringVector", 16}};
+    for (const auto& [name, size] : tables) {
+        std::string text;
+        for (std::size_t i = 0; i < (size * 8 + 5) / 6; ++i) {
+            text += static_cast<char>('A' + i * 7 % 16);
+        }
+        text.back() = 'A';
+        text.append((4 - text.size() % 4) % 4, '=');
+        list += std::string("<key>") + name + "</key><data>" + text + "</data>";
+    }
+    list += "</dict></plist>";
+    std::string error;
+    auto keys = FieldKeys::Load({reinterpret_cast<const std::uint8_t*>(list.data()), list.size()}, error);
+    require(keys != nullptr);
+    return keys;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::shared_ptr<const FieldKeys> keys = makeKeys();
+    if (size == 0) {
+        return 0;
+    }
+    const NoteAlgorithm algorithm = data[0] % 2 == 0 ? NoteAlgorithm::des : NoteAlgorithm::aes;
+    const std::string special = std::to_string(data[0] / 2 % 13);
+    const std::string input(reinterpret_cast<const char*>(data + 1), size - 1);
+
+    std::string error;
+    if (!decipherNote(*keys, special, algorithm, input, error)) {
+        require(!error.empty());
+    }
+    const std::string text = input.c_str();
+    const std::string hex = encipherNote(*keys, special, algorithm, text.c_str());
+    require(hex.size() == std::min(noteCipherLength(text.size(), algorithm) * 2, noteHexSize));
+    const auto back = decipherNote(*keys, special, algorithm, hex, error);
+    require(back.has_value());
+    // Of a text that was cut, the end may happen to look like filling.
+    const bool isWhole = noteCipherLength(text.size(), algorithm) * 2 <= noteHexSize;
+    require(isWhole ? *back == text : text.starts_with(*back));
+    return 0;
+}

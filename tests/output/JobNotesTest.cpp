@@ -1,0 +1,389 @@
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/FeatureEmission.h"
+#include "output/ZANJobNoteList.h"
+#include "platform/PropertyList.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "tests/support/TestSupport.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace torka {
+namespace {
+
+using tests::runCommand;
+
+std::string hexOf(std::span<const std::uint8_t> bytes) {
+    std::string hex(bytes.size() * 2, '\0');
+    toHex(bytes.data(), bytes.size(), hex.data());
+    return hex;
+}
+
+class JobNotes : public testing::Test {
+protected:
+    JobNotes() {
+        std::string error;
+        const std::string list = tests::readFile(TORKA_SOURCE_DIR "/samples/FieldKeys.plist");
+        keys = FieldKeys::Load({reinterpret_cast<const std::uint8_t*>(list.data()), list.size()}, error);
+        EXPECT_TRUE(keys) << error;
+        memory->userName = "alice";
+    }
+    ~JobNotes() override {
+        gQVUTF8Version = 0;
+        gPopupJobNotesLangIsJapanese = false;
+        SetApplicationTextEncoding(kCFStringEncodingUnknown);
+    }
+
+    // A description with these special options and notes; a note's code shows its text as hexadecimal digits.
+    void Describe(const std::vector<std::string>& options, const std::vector<std::string>& noteLines) {
+        std::string ppd = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n"
+                          "*LanguageEncoding: ISOLatin1\n*PCFileName: \"NOTES.PPD\"\n*ModelName: \"Notes\"\n";
+        for (const std::string& option : options) {
+            ppd += "*%ZANSpecialOption " + option + "\n";
+        }
+        ppd += "*%ZANPropPage Page/Page: True\n*%ZANGroupName Pane/Pane: True\n*%ZANParent Pane/Page: "
+               "True|Scrollpane\n*%ZANGroupName Group/Group: True\n*%ZANParent Group/Pane: True|Rolldown\n";
+        for (const std::string& line : noteLines) {
+            const std::string keyword = line.substr(0, line.find(':'));
+            ppd += "*%ZANFlags " + keyword + ":\n*%ZANGroup " + keyword + ": Group\n*%ZANJobNote " + keyword +
+                   "/Title " + keyword.substr(1) + line.substr(keyword.size()) + "\n*%" + keyword.substr(1) +
+                   ": \"(<" + keyword + ">) pop\"\n";
+        }
+        description = std::make_unique<ZANPPD>(FSRef{folder.Write("notes.ppd", ppd).string()}, 3, nullptr);
+        EXPECT_EQ(description->GetControls()->JobNoteCount(), noteLines.size());
+    }
+    void SetNote(const char* keyword, const char* text) {
+        PPDXJobNote* note = description->GetControls()->FindJobNote(keyword, true);
+        ASSERT_TRUE(note) << keyword;
+        note->SetNotes(text);
+    }
+    // What the list adds after the two layout comments: "site text" lines, "!" before a protected one.
+    std::string Emitted(std::shared_ptr<const FieldKeys> with) {
+        ZANJobTicket ticket(nullptr, settings, cfString("key"));
+        ZANJobNoteList list(*description, std::move(with));
+        EXPECT_EQ(list.outInjectionData(&ticket, settings), 0);
+        std::string text;
+        const auto entries = ticket.Entries();
+        for (std::size_t i = 2; i < entries.size(); ++i) {
+            text += (entries[i].isProtected ? "!" : "") + std::to_string(entries[i].site) + " " +
+                    std::string(entries[i].bytes) + (entries[i].bytes.ends_with('\n') ? "" : "\n");
+        }
+        leftOut.clear();
+        for (const auto& note : list.LeftOut()) {
+            leftOut += note.keyword + "/" + note.title + " ";
+        }
+        return text;
+    }
+    // The feature block of a note of Describe.
+    static std::string Feature(const std::string& keyword, const std::string& text) {
+        const std::string hex = hexOf({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+        // The value takes the place of the string in the code.
+        return "81 %%BeginFeature: " + keyword + " " + text + "\n" + (hex.empty() ? "()" : "<" + hex + ">") +
+               " pop\n%%EndFeature\n";
+    }
+    // `openssl enc` without padding.
+    std::string Cipher(const std::string& name, std::span<const std::uint8_t> key,
+                       std::span<const std::uint8_t> vector, const std::string& padded) {
+        std::vector<std::string> command{"openssl",  "enc",       "-e",     name,        "-nopad", "-K",
+                                         hexOf(key), "-provider", "legacy", "-provider", "default"};
+        if (!vector.empty()) {
+            command.insert(command.end(), {"-iv", hexOf(vector)});
+        }
+        const auto result = runCommand(command, padded);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        return hexOf({reinterpret_cast<const std::uint8_t*>(result.output.data()), result.output.size()});
+    }
+
+    const tests::TemporaryFolder folder;
+    const tests::ScopedMemorySystem memory;
+    const tests::CapturingLog log;
+    std::shared_ptr<MemoryPrintSettings> settings = std::make_shared<MemoryPrintSettings>();
+    std::shared_ptr<const FieldKeys> keys;
+    std::unique_ptr<ZANPPD> description;
+    std::string leftOut;
+};
+
+std::string desPadded(std::string text) {
+    const std::size_t count = 8 - text.size() % 8;
+    return text.append(count, static_cast<char>(count));
+}
+
+std::string aesPadded(std::string text) {
+    text.push_back('\0');
+    const std::size_t rest = text.size() % 16;
+    return text.append(16 - rest, static_cast<char>(15 - rest));
+}
+
+// Every key choice and both ciphers, against openssl; texts below, at and above the borders.
+TEST_F(JobNotes, CipherTextsAgreeWithOpenSsl) {
+    for (const std::string special : {"1", "2", "5", "6", "7", "11", "12"}) {
+        for (const std::string algorithm : {"", "1", "2"}) {
+            std::vector<std::string> options{"*UseSpecialKey: " + special};
+            if (!algorithm.empty()) {
+                options.push_back("*UseSpecialAlgorithm: " + algorithm);
+            }
+            Describe(options, {"*DeptPassword: 200|Encrypt", "*QVOther: 200|AESEncrypt"});
+            for (const char* keyword : {"*DeptPassword", "*QVOther"}) {
+                const bool isAes = algorithm.empty() ? keyword[1] == 'Q' : algorithm == "2";
+                for (const std::size_t length : {1U, 7U, 8U, 15U, 16U, 126U, 127U, 128U, 300U}) {
+                    SCOPED_TRACE(special + "/" + algorithm + keyword + std::to_string(length));
+                    if (length > 16 && special != "5") {
+                        continue; // openssl takes its time
+                    }
+                    const std::string text(length, 'p');
+                    ZANJobNoteList list(*description, keys);
+                    char out[noteHexSize];
+                    ASSERT_TRUE(list.find(keyword)->encryptNote(0, text.c_str(), out));
+                    std::string expected =
+                        isAes ? Cipher("-aes-256-cbc", keys->AesKey(special), keys->Vector(special),
+                                       aesPadded(text))
+                              : Cipher("-des-ecb", keys->DesKey(special), {}, desPadded(text));
+                    expected.resize(noteHexSize); // cut, or filled with zeros
+                    EXPECT_EQ(std::string(out, sizeof out), expected);
+
+                    std::string error;
+                    const std::string hex = expected.substr(0, expected.find('\0'));
+                    EXPECT_EQ(decipherNote(*keys, special, isAes ? NoteAlgorithm::aes : NoteAlgorithm::des,
+                                           hex, error),
+                              text.substr(0, 128))
+                        << error;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(JobNotes, DecipheringTellsWhatIsWrong) {
+    std::string error;
+    for (const char* hex : {"", "0", "0G", "00", "0123456789ABCDE", "0123456789ABCDEF01"}) {
+        EXPECT_EQ(decipherNote(*keys, "", NoteAlgorithm::des, hex, error), std::nullopt) << hex;
+        EXPECT_NE(error.find("hexadecimal digits"), std::string::npos) << error;
+    }
+    EXPECT_EQ(decipherNote(*keys, "", NoteAlgorithm::aes, std::string(288, 'A'), error), std::nullopt);
+    const std::string hex = encipherNote(*keys, "5", NoteAlgorithm::aes, "secret");
+    EXPECT_EQ(decipherNote(*keys, "6", NoteAlgorithm::aes, hex, error), std::nullopt);
+    EXPECT_NE(error.find("not made with this key"), std::string::npos) << error;
+}
+
+TEST_F(JobNotes, EveryNoteInItsForm) {
+    Describe({}, {"*Notes1: 60", "*QVFree: 60", "*Resume: 8|Encrypt", "*QVCode: 20|AESEncrypt",
+                  "*DeptPassword: 8", "*ZANPrintTime: 20", "*Instruct: 20"});
+    SetNote("*Notes1", "two\nlines");
+    SetNote("*QVFree", "no line");
+    SetNote("*Resume", "12345678");
+    SetNote("*QVCode", "code");
+    SetNote("*DeptPassword", "plain");
+    SetNote("*ZANPrintTime", "22:00");
+    const std::string des = encipherNote(*keys, "", NoteAlgorithm::des, "12345678");
+    const std::string aes = encipherNote(*keys, "", NoteAlgorithm::aes, "code");
+    EXPECT_EQ(des.size(), 32U);
+    const std::string emitted = Emitted(keys);
+    EXPECT_TRUE(emitted.starts_with("30 %%ZANCustom1: two lines\n81 %%BeginFeature: *Notes1 two lines\n"))
+        << emitted;
+    EXPECT_NE(emitted.find(Feature("*QVFree", "no line") + "!30 %%PersPassword: " + des + "\n!" +
+                           Feature("*Resume", des) + "!" + Feature("*QVCode", aes) +
+                           "30 %%DeptPassword: plain\n" + Feature("*DeptPassword", "plain") +
+                           "30 %%ZANPrintTime: 22:00\n" + Feature("*ZANPrintTime", "22:00")),
+              std::string::npos)
+        << emitted;
+    EXPECT_EQ(emitted.find("Instruct"), std::string::npos);
+    EXPECT_EQ(leftOut, "");
+    // The notes themselves are as before.
+    EXPECT_STREQ(description->GetControls()->FindJobNote("*Resume", true)->GetNotes(), "12345678");
+
+    const std::string without = Emitted(nullptr);
+    EXPECT_EQ(leftOut, "*Resume/Title Resume *QVCode/Title QVCode ");
+    EXPECT_EQ(without.find("Resume"), std::string::npos);
+    EXPECT_EQ(without.find("PersPassword"), std::string::npos);
+    EXPECT_EQ(without.find("QVCode"), std::string::npos);
+    const auto told = std::count_if(log.Lines().begin(), log.Lines().end(), [](const std::string& line) {
+        return line.find("is left out of the job") != std::string::npos;
+    });
+    EXPECT_EQ(told, 2);
+}
+
+// Where the description leaves the sign-in open: no password in plain in any case, no bare text as a line.
+TEST_F(JobNotes, SignIn) {
+    const std::vector<std::string> notes{"*QVUserAuthName: 60", "*QVUserAuthPwd: 60|Password"};
+    const auto cipher = [&](const std::string& text) {
+        return encipherNote(*keys, "", NoteAlgorithm::des, text.c_str());
+    };
+    const auto passwordEntries = [&](const std::string& hex) {
+        return "!30 %%ZANUATag: " + hex + "\n!" + Feature("*QVUserAuthPwd", hex);
+    };
+    Describe({}, notes);
+    SetNote("*QVUserAuthName", "bob");
+    SetNote("*QVUserAuthPwd", "secret");
+    EXPECT_EQ(Emitted(keys), Feature("*QVUserAuthName", "bob") + passwordEntries(cipher("secret")));
+    EXPECT_EQ(Emitted(nullptr), Feature("*QVUserAuthName", "bob"));
+    EXPECT_EQ(leftOut, "*QVUserAuthPwd/Title QVUserAuthPwd ");
+
+    SetNote("*QVUserAuthName", "");
+    SetNote("*QVUserAuthPwd", "");
+    EXPECT_EQ(Emitted(nullptr),
+              Feature("*QVUserAuthName", "") + "30 %%ZANUATag: \n" + Feature("*QVUserAuthPwd", ""));
+    EXPECT_EQ(leftOut, "");
+
+    Describe({"*ZANAuthenticateWithLDAP: True"}, notes);
+    memory->userName = "home//:alice";
+    EXPECT_TRUE(Emitted(keys).starts_with(Feature("*QVUserAuthName", "home/alice")));
+    SetNote("*QVUserAuthName", "bob");
+    EXPECT_TRUE(Emitted(keys).starts_with(Feature("*QVUserAuthName", "bob")));
+    EXPECT_EQ(collapsedUserName("//a/://b/"), "/a/b/");
+
+    Describe({"*ZANAuthenticateWithLDAP: True", "*CopierUserAuth: True"}, notes);
+    memory->userName = "alice";
+    SetNote("*QVUserAuthPwd", "secret");
+    EXPECT_EQ(Emitted(keys), passwordEntries(cipher("2:5:alicesecret")));
+    EXPECT_EQ(Emitted(nullptr), "");
+    EXPECT_EQ(leftOut, "*QVUserAuthPwd/Title QVUserAuthPwd ");
+    SetNote("*QVUserAuthPwd", std::string(120, 's').c_str());
+    EXPECT_EQ(Emitted(keys), ""); // a part would be taken for the whole
+    EXPECT_EQ(leftOut, "*QVUserAuthPwd/Title QVUserAuthPwd ");
+    Describe({"*CopierUserAuth: True"}, {notes[0]});
+    SetNote("*QVUserAuthName", "bob");
+    EXPECT_EQ(Emitted(keys),
+              "!30 %%ZANUATag: " + cipher("2:3:bob") + "\n!" + Feature("*QVUserAuthName", cipher("2:3:bob")));
+}
+
+TEST_F(JobNotes, LayoutComments) {
+    Describe({}, {});
+    const struct {
+        std::uint16_t orientation;
+        int rows; // 0: no layout
+        int columns;
+        bool isPortrait;
+    } cases[] = {
+        {1, 0, 0, true},  {2, 0, 0, false}, {3, 0, 0, true},         {4, 0, 0, false},
+        {1, 1, 2, false}, {3, 2, 1, false}, {2, 2, 1, true},         {4, 3, 2, true},
+        {1, 2, 3, false}, {1, 2, 2, true},  {1, 65536, 65536, true},
+    };
+    for (const auto& c : cases) {
+        const auto set = [&](const char* key, const CFTypeRef& value) {
+            settings->SetValue(cfString(std::string("com.apple.print.PrintSettings.") + key), value, false);
+        };
+        set("PMLayoutNUp", CFBooleanCreate(c.rows > 0));
+        set("PMLayoutRows", CFNumberCreate(c.rows > 0 ? c.rows : 2));
+        set("PMLayoutColumns", CFNumberCreate(c.rows > 0 ? c.columns : 1));
+        ZANJobTicket ticket(nullptr, settings, cfString("key"));
+        ZANJobNoteList list(*description, nullptr);
+        list.SetPageOrientation(c.orientation);
+        ASSERT_EQ(list.outInjectionData(&ticket, settings), 0);
+        const auto entries = ticket.Entries();
+        ASSERT_EQ(entries.size(), 2U);
+        EXPECT_EQ(entries[0].site, 504);
+        EXPECT_EQ(entries[0].bytes, "%%%%MacCoreNUp: true\n");
+        EXPECT_EQ(entries[1].site, 504);
+        EXPECT_EQ(entries[1].bytes, c.isPortrait ? "%%Orientation: Portrait\n" : "%%Orientation: Landscape\n")
+            << c.orientation << " " << c.rows << "x" << c.columns;
+    }
+    EXPECT_EQ(ZANJobNoteList(*description, keys).outInjectionData(nullptr, settings), -50);
+}
+
+// Texts that are sent as UTF-8 leave the application's encoding once, not once for each job.
+TEST_F(JobNotes, TextsBecomeUTF8) {
+    for (const auto& [level, japanese, converts] :
+         {std::tuple{"4", false, true}, {"5", false, false}, {"6", true, true}}) {
+        Describe({"*QVUTF8_Version: " + std::string(level)}, {"*Notes1: 20|UTF8", "*Notes2: 20"});
+        gPopupJobNotesLangIsJapanese = japanese;
+        SetNote("*Notes1", "\xE9t\xE9");
+        SetNote("*Notes2", "\xE9");
+        const std::string first = Emitted(keys);
+        EXPECT_TRUE(first.starts_with(converts ? "30 %%ZANCustom1: \xC3\xA9t\xC3\xA9\n"
+                                               : "30 %%ZANCustom1: \xE9t\xE9\n"))
+            << first;
+        EXPECT_NE(first.find("30 %%ZANCustom2: \xE9\n"), std::string::npos);
+        EXPECT_EQ(Emitted(keys), first);
+    }
+}
+
+TEST_F(JobNotes, QueriesAndRanges) {
+    Describe({}, {"*Notes1: 60", "*QVPages: 60|TwoCharField"});
+    SetNote("*Notes1", "text");
+    ZANJobNoteList list(*description, keys);
+    ZANJobNote& note = *list.find("*Notes1");
+    short index = 5;
+    EXPECT_TRUE(note.specialKeyword(index));
+    EXPECT_EQ(index, 0);
+    EXPECT_FALSE(list.find("*QVPages")->specialKeyword(index));
+    EXPECT_EQ(index, -1);
+    EXPECT_EQ(list.find("*Notes"), nullptr);
+    char buffer[8] = "???????";
+    EXPECT_EQ(note.getUserData(), 5);
+    EXPECT_EQ(note.getUserData(buffer), 5);
+    EXPECT_STREQ(buffer, "text");
+    EXPECT_EQ(note.getTitle(buffer), 13); // "Title Notes1", cut
+    EXPECT_STREQ(buffer, "Title N");
+    note.getKeyword(buffer);
+    EXPECT_STREQ(buffer, "*Notes1");
+    EXPECT_EQ(list.find("*QVPages")->getUserData(buffer), 0);
+    EXPECT_STREQ(buffer, "");
+    for (const char* text : {"", "01", "01-05,07", " 01 - 05 , AB", "aa-aa"}) {
+        EXPECT_TRUE(list.find("*QVPages")->checkRangeValues(text)) << text;
+    }
+    for (const char* text : {"1", "001", "01,", ",01", "01-", "05-01", "01-02-03", "0%", "01 02"}) {
+        EXPECT_FALSE(list.find("*QVPages")->checkRangeValues(text)) << text;
+        EXPECT_TRUE(note.checkRangeValues(text)) << text;
+    }
+}
+
+// No route out of the description knows the secrets: neither the whole emission nor the print settings.
+TEST_F(JobNotes, NothingSecretLeavesInPlain) {
+    struct Source final : EmissionSource {
+        Source(ZANPPD* ppd, PMPrintSettings printSettings)
+            : description(ppd)
+            , settings(std::move(printSettings)) {}
+        ZANPPD* Description() const override { return description; }
+        PMPrintSettings Settings() const override { return settings; }
+        std::uint16_t PageOrientation() const override { return kPMPortrait; }
+        bool IsPageSizeSuppressed() const override { return false; }
+        bool IsTwoWayEnabled() const override { return true; }
+        std::span<const WideSetting> MixedMedia() const override { return {}; }
+        std::span<const WideSetting> PadCovers() const override { return {}; }
+        std::span<const WideSetting> SlipSheets() const override { return {}; }
+        std::span<const WideSetting> CoverPages() const override { return {}; }
+        std::span<const WideSetting> PaperCatalogue() const override { return {}; }
+        ZANWatermark* SelectedWatermark() const override { return nullptr; }
+        ZANPPD* description;
+        PMPrintSettings settings;
+    };
+    for (const char* first : {"*QVUserAuthPwd: 60", "*Resume: 60|Encrypt", "*QVOutProfile: 60|AESEncrypt"}) {
+        for (const bool hasKeys : {true, false}) {
+            Describe({"*CopierUserAuth: True"},
+                     {first, "*QVUserAuthName: 60", "*DeptPassword: 9|AESEncrypt", "*Notes1: 20"});
+            for (const char* keyword : {"*QVUserAuthName", "*DeptPassword"}) {
+                SetNote(keyword, "TOPSECRET");
+            }
+            SetNote(std::string(first).substr(0, std::string(first).find(':')).c_str(), "TOPSECRET");
+            SetNote("*Notes1", "for all");
+            installFieldKeys(hasKeys ? keys : nullptr);
+            PrintSettingsTicket dictionaries(nullptr, settings);
+            ZANJobTicket ticket(&dictionaries, settings, cfString("key"));
+            const Source source(description.get(), settings);
+            FeatureEmission emission(source, ticket, nullptr, EmissionPurpose::keepSettings);
+            EXPECT_EQ(emission.OutPostscriptData(), 0);
+            ticket.SavePPDForAllKeys(description.get(), cfString("key"));
+            installFieldKeys(nullptr);
+            EXPECT_EQ(emission.LeftOutNotes().empty(), hasKeys);
+
+            std::string all;
+            for (const auto& entry : ticket.Entries()) {
+                all += std::string(entry.bytes) + "\n";
+            }
+            const CFDataRef xml = CFPropertyListCreateXMLData(settings->CopyAsDictionary());
+            all.append(xml->bytes.begin(), xml->bytes.end());
+            for (const std::string& line : log.Lines()) {
+                all += line;
+            }
+            EXPECT_EQ(all.find("TOPSECRET"), std::string::npos) << all;
+            EXPECT_EQ(all.find("544F50534543524554"), std::string::npos)
+                << all; // the same as hexadecimal digits
+            EXPECT_NE(all.find("%%ZANCustom1: for all\n"), std::string::npos) << all;
+            EXPECT_NE(all.find("<string>for all</string>"), std::string::npos) << all;
+        }
+    }
+}
+
+} // namespace
+} // namespace torka
