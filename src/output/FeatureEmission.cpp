@@ -25,7 +25,7 @@ EmissionSource::~EmissionSource() = default;
 namespace {
 
 constexpr std::size_t fragmentSize = 1024;
-constexpr std::size_t watermarkSize = 5120;
+[[maybe_unused]] constexpr std::size_t watermarkSize = 5120;
 constexpr std::size_t sideListTextSize = 256; // characters of a side list's fragment
 constexpr std::size_t controlBarSize = 128;
 constexpr std::size_t printSizeTextSize = 64;
