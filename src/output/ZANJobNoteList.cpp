@@ -75,7 +75,7 @@ std::string packedCredentials(std::string_view name, std::string_view password) 
     return packed;
 }
 
-ZANJobNoteList::ZANJobNoteList(ZANPPD& ppd, std::shared_ptr<const FieldKeys> keys)
+ZANJobNoteList::ZANJobNoteList(ZANPPD& ppd, const std::shared_ptr<const FieldKeys>& keys)
     : description(ppd) {
     PPDXControls& controls = *description.GetControls();
     for (PPDXJobNote* note = controls.FirstJobNote(); note != nullptr; note = controls.NextJobNote()) {
@@ -273,7 +273,7 @@ std::string ZANJobNoteList::UserName() {
     if (note == nullptr) {
         return {};
     }
-    const std::string text = note->Note().GetNotes();
+    std::string text = note->Note().GetNotes();
     if (!text.empty() || !isTrue(description, "*ZANAuthenticateWithLDAP")) {
         return text;
     }

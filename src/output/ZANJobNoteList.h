@@ -34,7 +34,7 @@ public:
     };
 
     explicit ZANJobNoteList(ZANPPD& description,
-                            std::shared_ptr<const FieldKeys> keys = installedFieldKeys());
+                            const std::shared_ptr<const FieldKeys>& keys = installedFieldKeys());
 
     // kPMPortrait to kPMReverseLandscape; portrait until it is called.
     void SetPageOrientation(std::uint16_t newOrientation) { orientation = newOrientation; }

@@ -271,7 +271,7 @@ CSSM_RETURN startEngine(CSSM_CONTEXT& context, bool encrypt) {
         return CSSM_OK;
     }
     case CSSM_ALGID_RC4:
-        if (key.data.size() < ARCFOUR_MIN_KEY_SIZE || key.data.size() > ARCFOUR_MAX_KEY_SIZE) {
+        if (key.data.empty() || key.data.size() > ARCFOUR_MAX_KEY_SIZE) {
             return CSSMERR_CSP_UNSUPPORTED_KEY_SIZE;
         }
         context.engine = std::make_unique<Rc4Engine>(key);
