@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/Printing.h"
+
+#include <string>
+
+// How the session's current queue reaches its device, and what its device URI tells of a discovered service.
+//
+// The tests answer false when there is no printer or its URI cannot be had. Schemes are compared exactly,
+// with their case.
+
+namespace torka {
+
+// Null when the session has no current printer.
+CFStringRef GetCurrentPrinterName(const PMPrintSession& session);
+// The scheme of the current printer's device URI; null when there is none.
+CFStringRef CopyPrinterConnectionType(const PMPrintSession& session);
+
+bool isUSBPrinterConnection(const PMPrintSession& session);       // "usb"
+bool isAppleTalkPrinterConnection(const PMPrintSession& session); // "pap"
+bool isBonjourPrinterConnection(const PMPrintSession& session);   // "mdns" alone
+bool isIPPrinterConnection(const PMPrintSession& session);        // "ipp"
+
+// Whether the device URI names a service that was discovered ("dnssd" or "mdns"), so that its host part is no
+// network address. The question wherever an address is derived from a queue.
+bool isDiscoveredServiceConnection(const PMPrintSession& session);
+
+// The instance name of the service that a device URI names: the text between the scheme and the service type,
+// percent escapes undone. "" for a URI without a scheme or service type; never null.
+CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url);
+CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url);
+
+// Whether the spooler's filter could not reach the queue's configured address: the record
+// "QVInvalidPrinterAddress" of the destination PPD holds "yes".
+bool isInvalidPrinterAddress(const std::string& destinationPPD);
+
+} // namespace torka
