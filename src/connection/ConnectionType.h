@@ -25,8 +25,10 @@ bool isIPPrinterConnection(const PMPrintSession& session);        // "ipp"
 // network address. The question wherever an address is derived from a queue.
 bool isDiscoveredServiceConnection(const PMPrintSession& session);
 
-// The instance name of the service that a device URI names: the text between the scheme and the service type,
-// percent escapes undone. "" for a URI without a scheme or service type; never null.
+// The instance name of the service that a device URI names: what stands between the scheme and the service
+// type (the first of "_printer._tcp", "_ipp._tcp", "_ipps._tcp", "_pdl-datastream._tcp" that it holds),
+// percent escapes undone. Without a service type the name ends at the first ".". "" for a URI without a
+// scheme and for escapes that are not UTF-8 text; never null.
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url);
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url);
 
