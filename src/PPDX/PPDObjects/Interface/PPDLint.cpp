@@ -1,5 +1,7 @@
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/KeyForest.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "platform/TextEncoding.h"
 
@@ -100,17 +102,14 @@ void PPDLint::CheckConstraintSide(ZANPPD& description, long line, const char* ke
         }
         return;
     }
-    const std::string_view name(option);
-    if (name.empty()) {
+    if (*option == '\0' || (type != CNTL_TYPE::boolean && type != CNTL_TYPE::popup)) {
         return;
     }
-    bool isKnown = true;
-    if (type == CNTL_TYPE::boolean) {
-        isKnown = name == "True" || name == "False";
-    } else if (type == CNTL_TYPE::popup) {
-        isKnown = static_cast<PPDXPopupControl*>(control)->GetKeywordCFLocalName(option) != nullptr;
-    }
-    if (!isKnown) {
+    const UIConstraints& store = *description.GetUIConstraints();
+    const CStringSoup& texts = *store.GetConstraintStrings();
+    const auto offered = store.GetKeyForest()->GetOptions(texts.Find(std::string_view(key)));
+    if (!offered ||
+        offered->Occurrences(texts.Find(std::string_view(option)), offered->Items().size()) == 0) {
         Note(PPDLintKind::unknownConstraintOption, line, key, option);
     }
 }

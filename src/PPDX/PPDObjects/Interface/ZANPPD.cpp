@@ -314,7 +314,9 @@ bool ZANPPD::ParsePSKeywords(PPDStream& stream, const char* keyword) {
 void ZANPPD::Report(PPDErr code, std::string_view keyword, long line) {
     auto error = std::make_unique<PPDXErrorObj>(code, std::string(keyword).c_str(), line);
     hasFatalError = hasFatalError || error->IsFatal();
-    errors->Add(std::move(error));
+    if (errors->Count() < maximumErrors || error->IsFatal()) {
+        errors->Add(std::move(error));
+    }
 }
 
 void ZANPPD::Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text) const {

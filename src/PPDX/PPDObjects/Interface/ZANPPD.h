@@ -21,6 +21,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace torka {
@@ -87,6 +88,8 @@ public:
     PPDXShortcuts* GetShortcuts() const { return shortcuts.get(); }
     UIConstraints* GetUIConstraints() const { return constraints.get(); }
     PPDXErrors* Errors() const { return errors.get(); }
+    // How many errors are kept; more are dropped, but for a fatal one.
+    static constexpr std::size_t maximumErrors = 10000;
     // Groups that hang on no page and in no pane, such as the installable options; referred to only.
     const std::vector<PPDXGroup*>& OrphanGroups() const { return orphanGroups; }
     PPDXRollDown* InstallableOptions() const { return installableOptions; }
@@ -271,8 +274,8 @@ private:
     HeaderValue fileVersionQV;
     HeaderValue versionQV;
     HeaderValue versionMacQV;
-    std::vector<GroupName> groupNames;                 // while parsing
-    std::vector<CollectedShortcut> collectedShortcuts; // while parsing
+    std::unordered_map<std::string, GroupName> groupNames; // while parsing: the first of each name
+    std::vector<CollectedShortcut> collectedShortcuts;     // while parsing
     std::string dmtInjection;
     std::string dmtXmlData;
     std::vector<PPDXGroup*> orphanGroups;

@@ -2,6 +2,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 // Pages, scroll panes and roll-downs, the controls' places in them, and shortcuts.
 
@@ -81,7 +82,7 @@ void ZANPPD::ParseGroupName(PPDStream& line, PPDErr missingName) {
         if (lint) {
             lint->DeclaredGroup(record, Line());
         }
-        groupNames.push_back(std::move(record));
+        groupNames.try_emplace(record.name, record);
     }
 }
 
@@ -103,8 +104,7 @@ void ZANPPD::ParseParent(PPDStream& line) {
     if (!visible && (parseOptions & kAcceptHidden) == 0) {
         return;
     }
-    const auto child = std::find_if(groupNames.begin(), groupNames.end(),
-                                    [&](const GroupName& record) { return record.name == childName; });
+    const auto child = groupNames.find(childName);
     if (child == groupNames.end() || kind == Kind::none) {
         return;
     }
@@ -112,9 +112,9 @@ void ZANPPD::ParseParent(PPDStream& line) {
         lint->PlacedGroup(childName);
     }
     if (kind == Kind::scrollPane) {
-        PlaceScrollPane(*child, parentName, visible && child->visible);
+        PlaceScrollPane(child->second, parentName, visible && child->second.visible);
     } else {
-        PlaceRollDown(*child, parentName, visible && child->visible);
+        PlaceRollDown(child->second, parentName, visible && child->second.visible);
     }
 }
 
@@ -145,17 +145,18 @@ void ZANPPD::PlaceRollDown(const GroupName& child, const std::string& parentName
 
 // Outside a parse every group keeps the parent it has; this makes the parents know their children again.
 void ZANPPD::ResolveHeirarchy() {
-    groups->ForEach([](PPDXGroup* group) {
+    std::unordered_set<const PPDXGroup*> known;
+    groups->ForEach([&](PPDXGroup* group) {
+        if (auto* pane = dynamic_cast<PPDXScrollPane*>(group)) {
+            pane->RollDowns().ForEach([&](PPDXGroup* rollDown) { known.insert(rollDown); });
+        }
+    });
+    groups->ForEach([&](PPDXGroup* group) {
         if (auto* page = dynamic_cast<PPDXProperty*>(group->GetParent())) {
-            if (auto* pane = dynamic_cast<PPDXScrollPane*>(group)) {
-                SetPropertyScrollDown(page, pane);
-            }
-        } else if (auto* pane = dynamic_cast<PPDXScrollPane*>(group->GetParent())) {
-            bool isKnown = false;
-            pane->RollDowns().ForEach([&](PPDXGroup* known) { isKnown = isKnown || known == group; });
-            if (!isKnown) {
-                pane->RollDowns().Add(group);
-            }
+            SetPropertyScrollDown(page, dynamic_cast<PPDXScrollPane*>(group));
+        } else if (auto* pane = dynamic_cast<PPDXScrollPane*>(group->GetParent());
+                   pane && !known.contains(group)) {
+            pane->RollDowns().Add(group);
         }
     });
 }
