@@ -123,9 +123,7 @@ long PPDX::GetPostscriptString(PPDStream& stream, char* out, long capacity) {
 
 PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPostscript) {
     std::string_view text = stream.Remaining();
-    const auto isLineEnd = [](char c) { return c == '\r' || c == '\n'; };
-    text = text.substr(
-        0, static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isLineEnd) - text.begin()));
+    text = text.substr(0, std::min(text.find('\r'), text.find('\n')));
     const std::size_t opening = text.find('"');
     if (opening == std::string_view::npos) {
         stream.Skip(text.size());
