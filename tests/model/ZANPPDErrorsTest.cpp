@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
-#include <regex>
 
 namespace torka::tests {
 namespace {
@@ -182,16 +182,16 @@ TEST(ZANPPDErrors, TheSampleOfDefectsIsReportedAsItsCommentsSay) {
     std::vector<long> lintAnnounced;
     std::ifstream in(path);
     std::string line;
+    const std::string errorMark = "*% Error ";
+    const std::string flags = "*%ZANFlags ";
     for (long number = 1; std::getline(in, line); ++number) {
-        std::smatch match;
-        if (std::regex_search(line, match, std::regex("^\\*% Error (\\d+):"))) {
-            announced.push_back(std::stol(match[1]));
-        } else if (line.rfind("*% Lint:", 0) == 0) {
+        if (line.starts_with(errorMark)) {
+            announced.push_back(std::strtol(line.c_str() + errorMark.size(), nullptr, 10));
+        } else if (line.starts_with("*% Lint:")) {
             lintAnnounced.push_back(number);
-        }
-        if (std::regex_search(line, match, std::regex("^\\*%ZANFlags (\\*Good\\w+)")) &&
-            match[1] != "*GoodFirst") {
-            EXPECT_NE(find(*model, match[1].str().c_str()), nullptr) << match[1];
+        } else if (line.starts_with(flags + "*Good")) {
+            const std::string keyword = line.substr(flags.size(), line.find(':') - flags.size());
+            EXPECT_NE(find(*model, keyword.c_str()), nullptr) << keyword;
         }
     }
     std::vector<long> reported;
