@@ -1,0 +1,247 @@
+#include "output/WatermarkTemplates.h"
+
+#include "StringUtils.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <initializer_list>
+
+namespace torka {
+
+namespace {
+
+constexpr std::string_view opening = "%%ZAN Begin Watermark resource \n"
+                                     " globaldict /landscapeDoc %s put \n"
+                                     " globaldict /invLandscapeDoc %s put \n";
+
+// Every font set-up leaves /ZANWMFont, a font of any size, and /ZANWMText, which makes of the text the string
+// that this font shows. ZANWMTry runs a procedure and tells whether it went without error; whatever it left
+// on the operand and dictionary stacks is gone. It counts, since an array that was never closed leaves a mark
+// of its own, and it is not used within itself.
+constexpr std::string_view fontPrologue =
+    "userdict /ZANWMTry {userdict /ZANWMDicts countdictstack put userdict /ZANWMCount count 3 sub put\n"
+    "stopped userdict /ZANWMFailed 3 -1 roll put\n"
+    "count ZANWMCount sub dup 0 lt {pop 0} if {pop} repeat\n"
+    "countdictstack ZANWMDicts sub dup 0 lt {pop 0} if {end} repeat\n"
+    "ZANWMFailed dup {$error /newerror false put} if not} bind put\n"
+    "userdict /ZANWMText {} put\n";
+
+// /Encoding is ISO Latin-1 with a hyphen, not a minus sign, at its code.
+constexpr std::string_view latinFont =
+    "{/%s /Font resourcestatus {pop pop /%s} {/Helvetica} ifelse findfont\n"
+    "dup /FontType get 0 eq {pop /Helvetica findfont} if\n"
+    "dup length dict begin {1 index /FID eq {pop pop} {def} ifelse} forall\n"
+    "/Encoding ISOLatin1Encoding 256 array copy dup 45 /hyphen put dup 128 /Euro put def\n"
+    "/FontName /%s-ISOLatin1 def\n"
+    "/%s-ISOLatin1 currentdict end definefont pop\n"
+    "userdict /ZANWMFont /%s-ISOLatin1 findfont put\n"
+    "} ZANWMTry not {userdict /ZANWMFont /Helvetica findfont put} if\n";
+
+// Without the font, its CMap (the longest end of its name that is one) is tried with the CIDFonts that
+// Japanese interpreters have always had.
+constexpr std::string_view japaneseFont =
+    "{/%s /Font resourcestatus {pop pop /%s findfont dup /FontType get 0 ne {stop} if}\n"
+    "{8 dict begin /s (%s) def\n"
+    "0 1 s length 2 sub {/i exch def s i get 45 eq\n"
+    "{/c s i 1 add s length i sub 1 sub getinterval cvn def c /CMap resourcestatus\n"
+    "{pop pop [s 0 i getinterval cvn /Ryumin-Light /GothicBBB-Medium]\n"
+    "{dup /CIDFont resourcestatus {pop pop /f exch def exit} {pop} ifelse} forall exit} if} if} for\n"
+    "/%s c [f /CIDFont findresource] composefont end} ifelse\n"
+    "userdict /ZANWMFont 3 -1 roll put} ZANWMTry not\n";
+
+constexpr std::string_view chineseFont =
+    "userdict /ZANWMBase /%s put\n"
+    "{ZANWMBase /CIDFont findresource pop} ZANWMTry not {{(Resource/AcroCIDFont/%s) run} ZANWMTry pop} if\n"
+    "{[ZANWMBase /AdobeSongStd-Light /STSong-Light]\n"
+    "{dup /CIDFont resourcestatus {pop pop userdict /ZANWMBase 3 -1 roll put exit} {pop} ifelse} forall\n"
+    "userdict /ZANWMFont /ZANWMChinese /GB-EUC-H [ZANWMBase /CIDFont findresource] composefont put\n"
+    "} ZANWMTry not\n";
+
+constexpr std::string_view latinExtendedFont =
+    "userdict /ZANWMBase /%s put\n"
+    "{ZANWMBase /CIDFont findresource pop} ZANWMTry not {{(Resource/ZANFont/%s) run} ZANWMTry pop} if\n"
+    "{userdict /ZANWMFont /ZANWMExtended /ZANMyriad-Latin-Extended-A-UTF8\n"
+    "[ZANWMBase /CIDFont findresource] composefont put} ZANWMTry not\n";
+
+// No font for the script: what is ASCII can be read, any other byte is a question mark.
+constexpr std::string_view asciiFallback =
+    "{userdict /ZANWMFont /Helvetica findfont put\n"
+    "userdict /ZANWMText {0 1 2 index length 1 sub\n"
+    "{1 index exch 2 copy get 127 gt {2 copy 63 put} if pop pop} for} bind put} if\n";
+
+// Helvetica, re-encoded for the characters of this text: UTF-8 is taken apart and each character found under
+// its glyph name (Adobe Glyph List). A lower-case letter stands behind its upper-case one; Cyrillic names are
+// numbered. Done at the first page, since the text is known only then; the next pages find the result.
+constexpr std::string_view extendedFallback =
+    "{userdict /ZANWMNames <<260/Aogonek 262/Cacute 268/Ccaron 270/Dcaron 280/Eogonek 282/Ecaron 286/Gbreve\n"
+    "304/Idotaccent 305/dotlessi 321/Lslash 323/Nacute 327/Ncaron 344/Rcaron 346/Sacute 350/Scedilla\n"
+    "352/Scaron 356/Tcaron 366/Uring 377/Zacute 379/Zdotaccent 381/Zcaron 1025/afii10023 1105/afii10071\n"
+    "8211/endash 8212/emdash 8216/quoteleft 8217/quoteright 8218/quotesinglbase 8220/quotedblleft\n"
+    "8221/quotedblright 8222/quotedblbase 8230/ellipsis 8364/Euro 8470/afii61352 45/hyphen>> put\n"
+    "userdict /ZANWMName {/u exch def ZANWMNames u known {ZANWMNames u get} {\n"
+    "u 256 lt {ISOLatin1Encoding u get} {\n"
+    "u 384 lt ZANWMNames u 1 sub known and {ZANWMNames u 1 sub get dup length string cvs\n"
+    "dup 0 2 copy get 32 add put cvn} {\n"
+    "u 1040 ge u 1104 lt and {u 1040 sub dup 32 lt {10017} {32 sub 10065} ifelse exch dup 5 gt {1 add} if "
+    "add\n"
+    "9 string dup 0 (afii) putinterval dup 4 4 -1 roll 5 string cvs putinterval cvn}\n"
+    "{/question} ifelse} ifelse} ifelse} ifelse} bind put\n"
+    "userdict /ZANWMText {/t exch def /p 0 def /n 0 def /q 0 def /s t length string def /m 256 dict def\n"
+    "/e 256 array def 0 1 255 {e exch /.notdef put} for /h /Helvetica findfont def\n"
+    "{p t length ge {exit} if /b t p get def /p p 1 add def\n"
+    "b 192 lt {b} {b 224 lt {1 31} {b 240 lt {2 15} {3 7} ifelse} ifelse b and exch\n"
+    "{64 mul t p get 63 and add /p p 1 add def} repeat} ifelse ZANWMName\n"
+    "h /CharStrings get 1 index known not {pop /question} if\n"
+    "m 1 index known not {m 1 index n put e n 2 index put /n n 1 add def} if\n"
+    "s q 3 -1 roll m exch get put /q q 1 add def} loop\n"
+    "userdict /ZANWMFont h dup length dict begin {1 index /FID eq {pop pop} {def} ifelse} forall\n"
+    "/Encoding e def /ZANWMExtended currentdict end definefont put\n"
+    "userdict /ZANWMString s 0 q getinterval put userdict /ZANWMText {pop ZANWMString} put ZANWMString}\n"
+    "bind put} if\n";
+
+// The page's centre comes from the controller when it tells the page's box, else from what can be printed on.
+// The height that is halved is that of a vertical font's text; a horizontal one has none.
+constexpr std::string_view watermarkBeginning = "userdict /ZANWaterMark {gsave 40 dict begin\n"
+                                                "/Watermark <%s> def\n"
+                                                "/FontSize %s def\n";
+constexpr std::string_view colour = "/WaterMarkColor {%s %s %s setrgbcolor} def\n";
+constexpr std::string_view clear =
+    "/WaterMarkColor { true setoverprint [ /Separation (Clear) /DeviceCMYK {0.0 0.0 0.0 0.0} ] "
+    "setcolorspace 1.0 setcolor } def\n";
+constexpr std::string_view watermarkEnd =
+    "/landscapeDoc %s def /invLandscapeDoc %s def\n"
+    "/Angle %s landscapeDoc {90 add} if invLandscapeDoc {90 sub} if def\n"
+    "/XOffset %s def /YOffset %s def\n"
+    "{initmatrix initclip\n"
+    "userdict /TorkaRMdict known {TorkaRMdict /ZANPageBox known} {false} ifelse\n"
+    "{TorkaRMdict /ZANPageBox get exec} {clippath pathbbox newpath} ifelse\n"
+    "3 -1 roll add 2 div 3 1 roll add 2 div exch translate\n"
+    "XOffset YOffset translate Angle rotate\n"
+    "/Watermark Watermark ZANWMText def\n"
+    "ZANWMFont FontSize scalefont setfont WaterMarkColor\n"
+    "Watermark stringwidth 2 div neg FontSize 3 div sub exch 2 div neg exch moveto Watermark show\n"
+    "} ZANWMTry pop end grestore} bind put\n";
+
+// Kept once: a resource that stands in a job a second time must not keep its own showpage as the former one.
+//
+// A prolog that was read before this may have bound the operator showpage (PLRM, bind) and would then never
+// come by the new one: the documents that Ghostscript makes of PDF do so. For them the same is done at the
+// end of the page (PLRM 6.2.6, EndPage, reason 0), unless showpage has done it; the former EndPage follows.
+constexpr std::string_view closing =
+    " globaldict /pageCount 0 put \n"
+    " globaldict /waterMarkAllPages %s put \n"
+    "globaldict /waterMarkDone false put\n"
+    "userdict /ZANDRVRMACOriginalshowpage known not {\n"
+    "userdict /ZANWMPage {globaldict /pageCount globaldict /pageCount get 1 add put\n"
+    "globaldict /pageCount get 1 eq globaldict /waterMarkAllPages get or {ZANWaterMark} if} bind put\n"
+    "userdict /ZANDRVRMACOriginalshowpage /showpage load put\n"
+    "userdict /showpage {ZANWMPage globaldict /waterMarkDone true put ZANDRVRMACOriginalshowpage} bind put\n"
+    "{userdict /ZANWMEndPage currentpagedevice /EndPage get put\n"
+    "<</EndPage {dup 0 eq globaldict /waterMarkDone get not and {ZANWMPage} if\n"
+    "globaldict /waterMarkDone false put ZANWMEndPage} bind>> setpagedevice} ZANWMTry pop} if\n"
+    " %%ZAN End Watermark resource \n";
+
+// Appends the pattern with each "%s" replaced by the next argument; the last one serves what is left.
+void append(std::string& out, std::string_view pattern, std::initializer_list<std::string_view> arguments) {
+    constexpr std::string_view place = "%s";
+    const auto* argument = arguments.begin();
+    for (;;) {
+        const std::size_t at = pattern.find(place);
+        out += pattern.substr(0, at);
+        if (at == std::string_view::npos) {
+            return;
+        }
+        out += *argument;
+        if (argument + 1 != arguments.end()) {
+            ++argument;
+        }
+        pattern.remove_prefix(at + place.size());
+    }
+}
+
+std::string withDecimals(double value, int decimals) {
+    std::array<char, 32> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals);
+    return {text.data(), end.ptr};
+}
+
+std::string colourComponent(int value) { return withDecimals(value / 255.0, 2); }
+
+const char* truth(bool value) { return value ? "true" : "false"; }
+
+// True when the resource draws in the transparent colour, which the composite fonts' resources do not know.
+bool drawsClear(WatermarkFontKind kind, const WatermarkParameters& parameters) {
+    return parameters.isClear && (kind == WatermarkFontKind::japanese || kind == WatermarkFontKind::latin);
+}
+
+void appendFont(std::string& out, WatermarkFontKind kind, std::string_view fontName) {
+    out += fontPrologue;
+    switch (kind) {
+    case WatermarkFontKind::japanese:
+        append(out, japaneseFont, {fontName});
+        out += asciiFallback;
+        break;
+    case WatermarkFontKind::chinese:
+        append(out, chineseFont, {fontName});
+        out += asciiFallback;
+        break;
+    case WatermarkFontKind::latinExtended:
+        append(out, latinExtendedFont, {fontName});
+        out += extendedFallback;
+        break;
+    case WatermarkFontKind::latin:
+        append(out, latinFont, {fontName});
+        break;
+    }
+}
+
+} // namespace
+
+WatermarkFontKind watermarkFontKind(std::string_view language, std::string_view fontName) {
+    if (language == "Japanese" && (fontName.ends_with("-H") || fontName.ends_with("-V"))) {
+        return WatermarkFontKind::japanese;
+    }
+    if (language == "Chinese") {
+        return WatermarkFontKind::chinese;
+    }
+    if (language == "Russian" || language == "Turkish" || language == "Polish" || language == "Czech") {
+        return WatermarkFontKind::latinExtended;
+    }
+    return WatermarkFontKind::latin;
+}
+
+std::string watermarkResource(WatermarkFontKind kind, const WatermarkParameters& parameters) {
+    const char* landscape = truth(parameters.isLandscape);
+    const char* reverse = truth(parameters.isReverseLandscape);
+    std::string out;
+    out.reserve(parameters.textInHex.size() + 4096);
+    append(out, opening, {landscape, reverse});
+    appendFont(out, kind, parameters.fontName);
+    append(out, watermarkBeginning, {parameters.textInHex, std::to_string(parameters.fontSize)});
+    if (drawsClear(kind, parameters)) {
+        out += clear;
+    } else {
+        append(out, colour,
+               {colourComponent(parameters.red), colourComponent(parameters.green),
+                colourComponent(parameters.blue)});
+    }
+    append(out, watermarkEnd,
+           {landscape, reverse, withDecimals(parameters.angle / 10.0, 1), std::to_string(parameters.xOffset),
+            std::to_string(parameters.yOffset)});
+    append(out, closing, {truth(parameters.isOnAllPages)});
+    return out;
+}
+
+std::string postScriptFontName(std::string_view fontName) {
+    constexpr std::size_t longestName = 117;
+    constexpr std::string_view special = "()<>[]{}/%\\";
+    const std::string_view name = trimBlanks(fontName);
+    const bool isRegular = std::ranges::all_of(name, [special](char each) {
+        return each > ' ' && each <= '~' && special.find(each) == std::string_view::npos;
+    });
+    return isRegular && !name.empty() && name.size() <= longestName ? std::string(name) : "Helvetica";
+}
+
+} // namespace torka
