@@ -1,6 +1,7 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/TicketJson.h"
 #include "output/FeatureEmission.h"
+#include "output/ZANWatermark.h"
 #include "platform/System.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/posix/PosixSystem.h"
@@ -22,20 +23,26 @@ struct EmitOptions {
     std::string ticket;
     std::string document;
     std::string output;
+    std::string watermark;
+    std::uint16_t orientation = kPMPortrait;
     int minorVersion = 15;
     bool json = false;
 };
 
-// The description alone, with nothing that only a pane could know.
+// The description and what the command line says, with nothing that only a pane could know.
 class DescriptionSource final : public EmissionSource {
 public:
-    DescriptionSource(ZANPPD& model, PMPrintSettings printSettings)
+    // `selectedWatermark` may be null.
+    DescriptionSource(ZANPPD& model, PMPrintSettings printSettings, std::uint16_t pageOrientation,
+                      ZANWatermark* selectedWatermark)
         : description(model)
-        , settings(std::move(printSettings)) {}
+        , settings(std::move(printSettings))
+        , orientation(pageOrientation)
+        , watermark(selectedWatermark) {}
 
     ZANPPD* Description() const override { return &description; }
     PMPrintSettings Settings() const override { return settings; }
-    std::uint16_t PageOrientation() const override { return kPMPortrait; }
+    std::uint16_t PageOrientation() const override { return orientation; }
     bool IsPageSizeSuppressed() const override { return false; }
     bool IsTwoWayEnabled() const override { return false; }
     std::span<const WideSetting> MixedMedia() const override { return {}; }
@@ -43,11 +50,13 @@ public:
     std::span<const WideSetting> SlipSheets() const override { return {}; }
     std::span<const WideSetting> CoverPages() const override { return {}; }
     std::span<const WideSetting> PaperCatalogue() const override { return {}; }
-    ZANWatermark* SelectedWatermark() const override { return nullptr; }
+    ZANWatermark* SelectedWatermark() const override { return watermark; }
 
 private:
     ZANPPD& description;
     PMPrintSettings settings;
+    std::uint16_t orientation;
+    ZANWatermark* watermark;
 };
 
 void printReport(const SpliceReport& report) {
@@ -143,7 +152,9 @@ ExitStatus emit(const EmitOptions& options) {
     const auto session = std::make_shared<MemorySession>();
     PrintSettingsTicket dictionaryTicket(session, printSettings);
     ZANJobTicket ticket(&dictionaryTicket, printSettings, cfString("ZAN.PSData"));
-    const DescriptionSource source(*description, printSettings);
+    ZANWatermark watermark(options.watermark.c_str());
+    const DescriptionSource source(*description, printSettings, options.orientation,
+                                   options.watermark.empty() ? nullptr : &watermark);
     FeatureEmission(source, ticket, session, EmissionPurpose::keepSettings).OutPostscriptData();
     const CFDataRef xml = ticket.Save();
     if (ticket.SaveError()) {
@@ -169,6 +180,11 @@ void addEmitCommand(CLI::App& app, ExitStatus& status) {
     command->add_option("--ticket", options->ticket, "Write the ticket to this file");
     command->add_option("--splice", options->document, "PostScript document to put the entries into");
     command->add_option("--output", options->output, "Where the spliced document goes");
+    command->add_option("--watermark", options->watermark, "Watermark definition (docs/watermarks.md)");
+    command
+        ->add_option("--orientation", options->orientation,
+                     "1 portrait, 2 landscape, 3 and 4 the same upside down")
+        ->check(CLI::Range(1, 4));
     command
         ->add_option("--os-minor", options->minorVersion, "Minor version of the system, which selects paths")
         ->check(CLI::Range(0, 99));

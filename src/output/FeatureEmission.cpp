@@ -5,6 +5,7 @@
 #include "PPDX/Utilities/ModelState.h"
 #include "output/DynamicOption.h"
 #include "output/WorkflowUpload.h"
+#include "output/ZANWatermark.h"
 #include "platform/Log.h"
 #include "platform/System.h"
 #include "platform/TextCase.h"
@@ -127,6 +128,7 @@ OSStatus FeatureEmission::OutPostscriptData() {
     AddCurveAdjustment();
     AddControlBar();
     AddJobNotes();
+    AddWatermark();
     AddScale();
     AddPaperCatalogue();
     AddCustomPrintSize();
@@ -291,6 +293,21 @@ void FeatureEmission::AddJobNotes() {
     notes.SetPageOrientation(source.PageOrientation());
     notes.outInjectionData(&ticket, source.Settings());
     leftOutNotes = notes.LeftOut();
+}
+
+void FeatureEmission::AddWatermark() {
+    ZANWatermark* watermark = source.SelectedWatermark();
+    if (watermark == nullptr) {
+        return;
+    }
+    const std::string resource =
+        watermark->Resource(headerText(source.Description()->LanguageVersion()), source.PageOrientation());
+    if (resource.size() < watermarkSize) {
+        ticket.Add(siteDocumentSetup, resource);
+    } else {
+        myNSLogC("The watermark needs %zu bytes, more than a job can take, and is left out.",
+                 resource.size());
+    }
 }
 
 void FeatureEmission::AddScale() {

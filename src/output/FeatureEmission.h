@@ -44,6 +44,7 @@ private:
     void AddCurveAdjustment();
     void AddControlBar();
     void AddJobNotes();
+    void AddWatermark();
     void AddScale();
     void AddPaperCatalogue();
     void AddCustomPrintSize();
