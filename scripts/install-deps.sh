@@ -12,7 +12,7 @@ packages=(
     # tests and benchmarks
     libgtest-dev libgmock-dev libbenchmark-dev libssl-dev
     # what the tests and run.sh check against
-    ghostscript fonts-urw-base35 cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
+    ghostscript fonts-urw-base35 fonts-dejavu-core cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
 )
 # Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer
 developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev)

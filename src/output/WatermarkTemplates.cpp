@@ -18,8 +18,10 @@ constexpr std::string_view opening = "%%ZAN Begin Watermark resource \n"
 // Every font set-up leaves /ZANWMFont, a font of any size, and /ZANWMText, which makes of the text the string
 // that this font shows. ZANWMTry runs a procedure and tells whether it went without error; whatever it left
 // on the operand and dictionary stacks is gone. It counts, since an array that was never closed leaves a mark
-// of its own, and it is not used within itself.
+// of its own, and it is not used within itself. Everything is made in local VM, which a procedure in global
+// VM could not hold; closing puts back what was chosen.
 constexpr std::string_view fontPrologue =
+    "currentglobal false setglobal\n"
     "userdict /ZANWMTry {userdict /ZANWMDicts countdictstack put userdict /ZANWMCount count 3 sub put\n"
     "stopped userdict /ZANWMFailed 3 -1 roll put\n"
     "count ZANWMCount sub dup 0 lt {pop 0} if {pop} repeat\n"
@@ -102,9 +104,10 @@ constexpr std::string_view extendedFallback =
 
 // The page's centre comes from the controller when it tells the page's box, else from what can be printed on.
 // The height that is halved is that of a vertical font's text; a horizontal one has none.
-constexpr std::string_view watermarkBeginning = "userdict /ZANWaterMark {gsave 40 dict begin\n"
-                                                "/Watermark <%s> def\n"
-                                                "/FontSize %s def\n";
+constexpr std::string_view watermarkBeginning =
+    "userdict /ZANWaterMark {currentglobal false setglobal gsave 40 dict begin\n"
+    "/Watermark <%s> def\n"
+    "/FontSize %s def\n";
 constexpr std::string_view colour = "/WaterMarkColor {%s %s %s setrgbcolor} def\n";
 constexpr std::string_view clear =
     "/WaterMarkColor { true setoverprint [ /Separation (Clear) /DeviceCMYK {0.0 0.0 0.0 0.0} ] "
@@ -121,7 +124,7 @@ constexpr std::string_view watermarkEnd =
     "/Watermark Watermark ZANWMText def\n"
     "ZANWMFont FontSize scalefont setfont WaterMarkColor\n"
     "Watermark stringwidth 2 div neg FontSize 3 div sub exch 2 div neg exch moveto Watermark show\n"
-    "} ZANWMTry pop end grestore} bind put\n";
+    "} ZANWMTry pop end grestore setglobal} bind put\n";
 
 // Kept once: a resource that stands in a job a second time must not keep its own showpage as the former one.
 //
@@ -139,7 +142,7 @@ constexpr std::string_view closing =
     "userdict /showpage {ZANWMPage globaldict /waterMarkDone true put ZANDRVRMACOriginalshowpage} bind put\n"
     "{userdict /ZANWMEndPage currentpagedevice /EndPage get put\n"
     "<</EndPage {dup 0 eq globaldict /waterMarkDone get not and {ZANWMPage} if\n"
-    "globaldict /waterMarkDone false put ZANWMEndPage} bind>> setpagedevice} ZANWMTry pop} if\n"
+    "globaldict /waterMarkDone false put ZANWMEndPage} bind>> setpagedevice} ZANWMTry pop} if setglobal\n"
     " %%ZAN End Watermark resource \n";
 
 // Appends the pattern with each "%s" replaced by the next argument; the last one serves what is left.

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "output/ZANWatermark.h"
+#include "tests/support/TestSupport.h"
+
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <vector>
+
+// Jobs of two pages with a watermark, printed by Ghostscript, and the ink that is found on them.
+
+namespace torka::tests {
+
+constexpr int paperWidth = 400; // points
+constexpr int paperHeight = 500;
+constexpr int resolution = 72;
+
+struct Ink {
+    std::size_t count = 0; // pixels that are not white
+    double x = 0;          // where their middle is, points from the lower left
+    double y = 0;
+    double axis = 0; // degrees, 0 to 180, of the longest extent
+    int red = 0;     // of the last such pixel
+    int green = 0;
+    int blue = 0;
+};
+
+// The pages of a stream of binary PPM pictures.
+inline std::vector<Ink> inkOfPages(const std::string& pictures) {
+    std::vector<Ink> pages;
+    std::istringstream in(pictures);
+    std::string magic;
+    while (in >> magic) {
+        std::string comment;
+        in >> std::ws;
+        while (in.peek() == '#') {
+            std::getline(in, comment);
+        }
+        int width = 0;
+        int height = 0;
+        int depth = 0;
+        in >> width >> height >> depth;
+        in.get();
+        std::string bytes(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3, '\0');
+        in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        EXPECT_EQ(magic, "P6");
+        Ink ink;
+        double xx = 0;
+        double yy = 0;
+        double xy = 0;
+        for (std::size_t i = 0; i < bytes.size(); i += 3) {
+            const auto at = [&bytes, i](std::size_t k) { return static_cast<unsigned char>(bytes[i + k]); };
+            if (at(0) == 255 && at(1) == 255 && at(2) == 255) {
+                continue;
+            }
+            const auto pixel = static_cast<int>(i / 3);
+            const double x = (pixel % width + 0.5) * 72 / resolution;
+            const double y = (height - pixel / width - 0.5) * 72 / resolution;
+            ++ink.count;
+            ink.x += x;
+            ink.y += y;
+            xx += x * x;
+            yy += y * y;
+            xy += x * y;
+            ink.red = at(0);
+            ink.green = at(1);
+            ink.blue = at(2);
+        }
+        if (ink.count > 0) {
+            const auto n = static_cast<double>(ink.count);
+            ink.x /= n;
+            ink.y /= n;
+            const double angle =
+                std::atan2(2 * (xy / n - ink.x * ink.y), xx / n - ink.x * ink.x - (yy / n - ink.y * ink.y)) /
+                2;
+            ink.axis = std::fmod(angle * 180 / M_PI + 180, 180);
+        }
+        pages.push_back(ink);
+    }
+    return pages;
+}
+
+// Ghostscript on a program, with more arguments. An error of PostScript fails the test.
+inline std::string runGhostscript(const std::string& program, std::vector<std::string> more) {
+    std::vector<std::string> command = {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE"};
+    command.push_back("-r" + std::to_string(resolution));
+    command.push_back("-dDEVICEWIDTHPOINTS=" + std::to_string(paperWidth));
+    command.push_back("-dDEVICEHEIGHTPOINTS=" + std::to_string(paperHeight));
+    command.insert(command.end(), more.begin(), more.end());
+    command.emplace_back("-");
+    CommandResult result = runCommand(command, program);
+    EXPECT_EQ(result.status, 0) << result.output.substr(0, 2000) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    return result.output;
+}
+
+inline std::vector<Ink> printPages(const std::string& program, std::vector<std::string> more = {}) {
+    more.insert(more.end(), {"-sDEVICE=ppmraw", "-sOutputFile=%stdout", "-sstdout=%stderr"});
+    return inkOfPages(runGhostscript(program, std::move(more)));
+}
+
+// Two pages of their own making: one within save and restore, one that leaves its matrix, clip and
+// colour behind.
+inline constexpr const char* twoPages = "save 0 0 1 setrgbcolor 3 3 scale showpage restore\n"
+                                        "90 rotate 0 -9 9 9 rectclip 1 setgray showpage\n";
+
+// A job that changes nothing for those after it.
+inline std::string job(const std::string& setup, const std::string& pages = twoPages) {
+    return "/jobSave save def\n" + setup + pages + "clear jobSave restore\n";
+}
+
+} // namespace torka::tests

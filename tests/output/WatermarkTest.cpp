@@ -1,0 +1,573 @@
+// The record, the texts in their encodings, and the resources as Ghostscript prints them.
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/FeatureEmission.h"
+#include "output/WatermarkEncoding.h"
+#include "output/WatermarkList.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "tests/output/WatermarkPages.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace torka {
+namespace {
+
+using tests::runPython;
+
+constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+
+TEST(Watermark, DefinitionIsReadFieldByField) {
+    struct Case {
+        const char* definition;
+        bool isClear;
+        std::int32_t x, y;
+        int red, green, blue;
+        bool isFirstPageOnly;
+        std::int32_t angle, size;
+        const char *font, *text;
+    };
+    const Case cases[] = {
+        {"1,0,0,255,0,0,0,1,0,450,0,0,48,Helvetica,A, B", true, 0, 0, 255, 0, 0, true, 450, 48, "Helvetica",
+         "A, B"},
+        {"0,-20, 30,1,2,3,x,0,x,-1800,x,x,7,F,,", false, -20, 30, 1, 2, 3, false, -1800, 7, "F", ","},
+        {"", false, 0, 0, 0, 0, 0, false, 0, 0, "", ""},
+        {"-1,12", true, 12, 0, 0, 0, 0, false, 0, 0, "", ""},
+        {"0,0,0,0,0,0,0,1,0,0,0,0,9,Font", false, 0, 0, 0, 0, 0, true, 0, 9, "Font", ""},
+        // The flag is exactly "1"; numbers end where they are none.
+        {"x,1x,--1,300,-5,99999999999999999999,0, 1,0,4.5,0,0,+12pt, F ,t", false, 1, 0, 255, 0, 255, false,
+         4, 12, " F ", "t"},
+        {"0,99999999999,-99999999999,0,0,0,0,01,0,2147483648,0,0,-2147483649,F,t", false, most, least, 0, 0,
+         0, false, most, least, "F", "t"},
+    };
+    for (const Case& each : cases) {
+        const ZANWatermark watermark(each.definition);
+        SCOPED_TRACE(each.definition);
+        EXPECT_EQ(watermark.IsClear(), each.isClear);
+        EXPECT_EQ(std::pair(watermark.XOffset(), watermark.YOffset()), std::pair(each.x, each.y));
+        EXPECT_EQ(std::tuple(watermark.Red(), watermark.Green(), watermark.Blue()),
+                  std::tuple(each.red, each.green, each.blue));
+        EXPECT_EQ(watermark.IsFirstPageOnly(), each.isFirstPageOnly);
+        EXPECT_EQ(std::pair(watermark.Angle(), watermark.FontSize()), std::pair(each.angle, each.size));
+        EXPECT_EQ(watermark.FontName(), each.font);
+        EXPECT_EQ(watermark.Text(), each.text);
+        EXPECT_EQ(watermark.Definition(), each.definition);
+    }
+
+    ZANWatermark wide(L"0,0,0,0,0,0,0,0,0,0,0,0,9,F,\u793E");
+    EXPECT_EQ(wide.Text(), "\xE7\xA4\xBE");
+    EXPECT_TRUE(wide.WideDefinition().ends_with(L"\u793E"));
+    for (const auto& [value, expected] :
+         {std::pair("True", true), {"true", false}, {"True", true}, {"", false}}) {
+        wide.SetFirstPageOnly(value);
+        EXPECT_EQ(wide.IsFirstPageOnly(), expected) << value;
+    }
+}
+
+TEST(Watermark, ListChoosesByPosition) {
+    WatermarkList list;
+    EXPECT_EQ(list.SelectedIndex(), WatermarkList::noSelection);
+    list.Append(std::make_unique<ZANWatermark>("0,1"));
+    list.Append(std::make_unique<ZANWatermark>("0,2"));
+    EXPECT_EQ(list.Selected(), nullptr);
+    list.Select(1);
+    ASSERT_TRUE(list.Selected());
+    EXPECT_EQ(list.Selected()->XOffset(), 2);
+    list.Select(2);
+    EXPECT_EQ(list.Selected(), nullptr);
+    list.Select(-7);
+    EXPECT_EQ(list.SelectedIndex(), WatermarkList::noSelection);
+}
+
+TEST(Watermark, FontNamesCannotLeaveTheirPlace) {
+    const std::string longest(117, 'n');
+    for (const std::string& name :
+         {std::string("Helvetica-Bold"), std::string("1.5e!#$&'*+,-.:;=?@^_`|~"), longest}) {
+        EXPECT_EQ(postScriptFontName(" " + name + "\t"), name);
+    }
+    for (const std::string& name :
+         {std::string(), longest + "n", std::string("a b"), std::string("a\nb"), std::string("a\0b", 3),
+          std::string("caf\xC3\xA9"), std::string("a\x7F"), std::string("a\\"), std::string("x)y"),
+          std::string("x(y"), std::string("<x"), std::string("x>"), std::string("x[y"), std::string("x]"),
+          std::string("{x"), std::string("x}"), std::string("x/y"), std::string("x%y")}) {
+        EXPECT_EQ(postScriptFontName(name), "Helvetica") << name;
+    }
+}
+
+// Which encoding serves which language and font, against Python's codecs.
+TEST(Watermark, TextsAreHexadecimalInTheFontsEncoding) {
+    struct Case {
+        const char *language, *font, *codec, *text;
+    };
+    const Case cases[] = {
+        {"English", "Helvetica", "latin-1", "Entwurf \u00c4\u00ff~"},
+        {"Japanese", "Helvetica", "latin-1", "caf\u00e9"},
+        {"Chinese", "AdobeSongStd-Light", "gb18030", "Draft \u673a\u5bc6 \u20ac \U0001F600"},
+        {"Chinese", "X-H", "gb18030", "\u793e"},
+        {"Russian", "X", "utf-8", "\u041f\u0440\u043e\u0435\u043a\u0442 \U0001F600"},
+        {"Turkish", "X-V", "utf-8", "\u015e\u011e\u0131\u0130"},
+        {"Polish", "X", "utf-8", "\u0141\u00f3d\u017a"},
+        {"Czech", "X", "utf-8", "\u010d\u0159"},
+        {"Japanese", "Ryumin-Light-90ms-RKSJ-H", "cp932", "a\\~\u793e\u5916\u79d8 \uff71\u2460\u2116"},
+        {"Japanese", "Ryumin-Light-90ms-RKSJ-V", "cp932", "\u793e\u5916\u79d8"},
+        {"Japanese", "Ryumin-Light-EUC-H", "euc_jp", "a~\u793e\u5916\u79d8 \uff71\u2026\u7199"},
+        {"Japanese", "Ryumin-Light-UniJIS-UTF8-H", "utf-8", "a\\\u793e"},
+        {"Japanese", "Ryumin-Light-UniJIS-UTF16-V", "utf-16-be", "a\\\u793e\U00020B9F"},
+        {"Japanese", "Ryumin-Light-UniJIS-UCS2-H", "utf-16-be", "a\\\u793e"},
+        {"Japanese", "Ryumin-Light-UniJIS-UTF32-H", "utf-32-be", "a\\\u793e\U00020B9F"},
+    };
+    for (const Case& each : cases) {
+        ZANWatermark watermark((std::string("0,0,0,0,0,0,0,0,0,0,0,0,9,F,") + each.text).c_str());
+        const std::string expected =
+            runPython("import sys; print(sys.argv[1].encode(sys.argv[2]).hex().upper(), end='')",
+                      {each.text, each.codec});
+        EXPECT_EQ(watermark.GetWMTextInHex(each.language, each.font), expected)
+            << each.font << " " << each.text;
+        // Computed once.
+        EXPECT_EQ(watermark.GetWMTextInHex("English", "Helvetica"), expected);
+    }
+    // JIS is EUC with seven bits, and ASCII in its full-width forms.
+    const std::string jis = watermarkBytes("A \u793e\u5916", WatermarkFontKind::japanese, "Ryumin-Light-H");
+    EXPECT_EQ(
+        runPython(
+            "import sys; b = sys.argv[1].encode('euc_jp'); print(bytes(c & 127 for c in b).decode(), end='')",
+            {"\uff21\u3000\u793e\u5916"}),
+        jis);
+}
+
+TEST(Watermark, WhatAnEncodingLacksIsAQuestionMark) {
+    struct Case {
+        WatermarkFontKind kind;
+        const char *font, *text, *expected;
+    };
+    const Case cases[] = {
+        {WatermarkFontKind::latin, "", "\u20ac1 \u2013\u0080\u793e\U0001F600 x",
+         "\x80"
+         "1 ???? x"},
+        {WatermarkFontKind::latin, "",
+         "a\xFF\xC3"
+         "b",
+         "a??b"},
+        {WatermarkFontKind::latinExtended, "",
+         "a\xFF"
+         "b\xED\xA0\x80",
+         "a?b???"},
+        {WatermarkFontKind::chinese, "",
+         "a\xFF"
+         "b",
+         "a?b"},
+        {WatermarkFontKind::japanese, "X-RKSJ-H", "\u0416\u0e01\U0001F600\u00a9\u00a0", "\x84\x47??? "},
+        {WatermarkFontKind::japanese, "X-90pv-RKSJ-H", "\\\u0e01\u00a9", "\x80?\xFD"},
+        {WatermarkFontKind::japanese, "X-EUC-H", "\u2460\u0e01", "??"},
+        {WatermarkFontKind::japanese, "X-H", "\u2460\u0e01\uff71", "!)!)!)"},
+        {WatermarkFontKind::japanese, "X-UCS2-H", "\U0001F600", std::string_view("\0?", 2).data()},
+    };
+    for (const Case& each : cases) {
+        const std::string bytes = watermarkBytes(each.text, each.kind, each.font);
+        const std::size_t size = each.expected[0] == '\0' ? 2 : std::strlen(each.expected);
+        EXPECT_EQ(bytes, std::string_view(each.expected, size)) << each.font << " " << each.text;
+    }
+}
+
+struct Template {
+    const char *language, *font;
+    bool isClear;
+};
+
+// Each of the six resources. The composite fonts are not there, so that what stands in for them is printed.
+constexpr Template templates[] = {
+    {"Japanese", "Ryumin-Light-90ms-RKSJ-H", false},
+    {"Japanese", "Ryumin-Light-90ms-RKSJ-H", true},
+    {"Chinese", "AdobeSongStd-Light", false},
+    {"Polish", "Times-Roman", false},
+    {"English", "Helvetica", false},
+    {"English", "Helvetica", true},
+};
+
+struct Turn {
+    std::uint16_t orientation;
+    double x, y, axis; // of an offset of (60, 30) and an angle of 20 degrees
+};
+
+constexpr Turn turns[] = {
+    {kPMPortrait, 60, 30, 20},
+    {kPMLandscape, -30, 60, 110},
+    {kPMReversePortrait, 60, 30, 20},
+    {kPMReverseLandscape, 30, -60, 110}, // -70 degrees
+};
+
+struct Controller {
+    const char* code;
+    double x, y; // the page's centre
+};
+
+// None; one that does not tell its page's box; one that does, and leaves no trace of an error within.
+constexpr Controller controllers[] = {
+    {"", tests::paperWidth / 2.0, tests::paperHeight / 2.0},
+    {"userdict /TorkaRMdict 4 dict put\n", tests::paperWidth / 2.0, tests::paperHeight / 2.0},
+    {"userdict /TorkaRMdict 4 dict dup /ZANPageBox {100 100 400 400} put put\n", 250, 250},
+};
+
+std::string resource(const Template& kind, std::uint16_t orientation, bool isFirstPageOnly, const char* text,
+                     const char* angle = "200", const char* offsets = "60,30", int size = 24) {
+    const std::string definition = std::string(kind.isClear ? "1," : "0,") + offsets + ",204,0,102,0," +
+                                   (isFirstPageOnly ? "1" : "0") + ",0," + angle + ",0,0," +
+                                   std::to_string(size) + "," + kind.font + "," + text;
+    return ZANWatermark(definition.c_str()).Resource(kind.language, orientation);
+}
+
+// Printed as one run a template, each job within save and restore.
+class WatermarkTemplate : public testing::TestWithParam<Template> {};
+INSTANTIATE_TEST_SUITE_P(All, WatermarkTemplate, testing::ValuesIn(templates));
+
+TEST_P(WatermarkTemplate, IsFoundWhereTheDefinitionPutsIt) {
+    std::string program;
+    for (const Controller& controller : controllers) {
+        for (const Turn& turn : turns) {
+            for (const bool isFirstPageOnly : {false, true}) {
+                program += tests::job(controller.code +
+                                      resource(GetParam(), turn.orientation, isFirstPageOnly, "HHHHHHHH"));
+            }
+        }
+    }
+    const std::vector<tests::Ink> pages = tests::printPages(program);
+    ASSERT_EQ(pages.size(), std::size(controllers) * std::size(turns) * 4);
+    const tests::Ink* page = pages.data();
+    for (const Controller& controller : controllers) {
+        for (const Turn& turn : turns) {
+            for (const bool hasInk : {true, true, true, false}) {
+                SCOPED_TRACE(testing::Message() << controller.code << turn.orientation);
+                if (!hasInk || GetParam().isClear) {
+                    EXPECT_EQ(page->count, 0U);
+                } else {
+                    EXPECT_GT(page->count, 500U);
+                    EXPECT_NEAR(page->x, controller.x + turn.x, 2);
+                    EXPECT_NEAR(page->y, controller.y + turn.y, 2);
+                    EXPECT_NEAR(page->axis, turn.axis, 2);
+                    EXPECT_EQ(std::tuple(page->red, page->green, page->blue), std::tuple(204, 0, 102));
+                }
+                ++page;
+            }
+        }
+    }
+}
+
+// What an interpreter of another kind may choke on: the frame, and no byte but ASCII.
+TEST_P(WatermarkTemplate, HasItsFrame) {
+    const std::string text = resource(GetParam(), kPMLandscape, true, "x");
+    EXPECT_TRUE(text.starts_with("%%ZAN Begin Watermark resource \n globaldict /landscapeDoc true put \n "
+                                 "globaldict /invLandscapeDoc false put \n"));
+    EXPECT_TRUE(text.ends_with(" %%ZAN End Watermark resource \n"));
+    const std::string begins[] = {
+        "userdict /ZANWaterMark {",
+        "/Watermark <",
+        "/FontSize 24 def",
+        "/WaterMarkColor {",
+        "/landscapeDoc true def",
+        "/invLandscapeDoc false def",
+        "/Angle 20.0 ",
+        "/XOffset -30 def",
+        "/YOffset 60 def",
+        " globaldict /pageCount 0 put \n globaldict /waterMarkAllPages false put \n",
+        "/ZANDRVRMACOriginalshowpage /showpage load put"};
+    std::size_t at = 0;
+    for (const std::string& each : begins) {
+        at = text.find(each, at);
+        ASSERT_NE(at, std::string::npos) << each;
+    }
+    EXPECT_TRUE(std::ranges::all_of(text, [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));
+    EXPECT_LT(text.size(), 4300U);
+}
+
+// The clear ink is a plate of its own: nothing but it is printed.
+TEST(WatermarkPages, ClearInkIsAPlateOfItsOwn) {
+    const tests::TemporaryFolder folder;
+    const Template clear{"English", "Helvetica", true};
+    tests::runGhostscript(
+        tests::job(resource(clear, kPMPortrait, true, "HHHHHHHH"), "showpage\n"),
+        {"-sDEVICE=tiffsep", "-sCompression=none", "-sOutputFile=" + (folder / "p.tif").string()});
+    // Ink is dark in a plate. Prints how much there is and its middle, from the upper left.
+    const std::string script = R"(
+import struct, sys
+d = open(sys.argv[1], 'rb').read()
+at, = struct.unpack_from('<I', d, 4)
+tags = {}
+for i in range(struct.unpack_from('<H', d, at)[0]):
+    tag, kind, count = struct.unpack_from('<HHI', d, at + 2 + 12 * i)
+    form = {3: 'H', 4: 'I'}.get(kind, 'B')
+    place = at + 10 + 12 * i
+    if count * struct.calcsize(form) > 4:
+        place, = struct.unpack_from('<I', d, place)
+    tags[tag] = struct.unpack_from('<%d%s' % (count, form), d, place)
+width, = tags[256]
+p = b''.join(d[o:o + c] for o, c in zip(tags[273], tags[279]))
+ink = [i for i, v in enumerate(p) if v < 255]
+n = max(len(ink), 1)
+print(len(ink), sum(i % width for i in ink) // n, sum(i // width for i in ink) // n)
+)";
+    for (const char* plate : {"Cyan", "Magenta", "Yellow", "Black"}) {
+        EXPECT_EQ(runPython(script, {(folder / ("p(" + std::string(plate) + ").tif")).string()}), "0 0 0\n");
+    }
+    std::istringstream found(runPython(script, {(folder / "p(Clear).tif").string()}));
+    double count = 0;
+    double x = 0;
+    double y = 0;
+    found >> count >> x >> y;
+    EXPECT_GT(count, 500);
+    EXPECT_NEAR(x, tests::paperWidth / 2.0 + 60, 2);
+    EXPECT_NEAR(y, tests::paperHeight / 2.0 - 30, 2);
+}
+
+// The text runs the way the page is read: its heavy beginning lies before the middle.
+TEST(WatermarkPages, TextRunsTheWayThePageIsRead) {
+    struct Case {
+        std::uint16_t orientation;
+        const char* angle;
+        double direction; // degrees
+    };
+    const Case cases[] = {{kPMPortrait, "0", 0},
+                          {kPMPortrait, "1350", 135},
+                          {kPMLandscape, "0", 90},
+                          {kPMLandscape, "-900", 0},
+                          {kPMReverseLandscape, "0", -90}};
+    std::string program;
+    for (const Case& each : cases) {
+        program +=
+            tests::job(resource(templates[4], each.orientation, false, "MMM          .", each.angle, "0,0"),
+                       "showpage\n");
+    }
+    const std::vector<tests::Ink> pages = tests::printPages(program);
+    ASSERT_EQ(pages.size(), std::size(cases));
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        const double direction = cases[i].direction * M_PI / 180;
+        const double x = pages[i].x - tests::paperWidth / 2.0;
+        const double y = pages[i].y - tests::paperHeight / 2.0;
+        EXPECT_LT(x * std::cos(direction) + y * std::sin(direction), -15) << i;
+        EXPECT_NEAR(y * std::cos(direction) - x * std::sin(direction), 0, 2) << i;
+    }
+}
+
+// One watermark a page whatever the document did to showpage, and never a second one of the same job.
+TEST(WatermarkPages, EveryWayToEndAPageCounts) {
+    struct Case {
+        const char *before, *after, *pages;
+        std::vector<bool> hasInk;
+    };
+    const std::string first = resource(templates[4], kPMPortrait, true, "HHHHHHHH");
+    const std::string all = resource(templates[4], kPMPortrait, false, "HHHHHHHH");
+    const Case cases[] = {
+        {"/page {showpage} bind def\n", "", "page save page restore\n", {true, false, true, true}},
+        {"/page {showpage} bind def\n",
+         "",
+         "showpage page showpage\n",
+         {true, false, false, true, true, true}},
+        {"userdict /showpage {1 pop systemdict /showpage get exec} put\n",
+         "",
+         "showpage showpage\n",
+         {true, false, true, true}},
+        {"<</EndPage {exch pop 0 eq}>> setpagedevice\n",
+         "",
+         "showpage showpage\n",
+         {true, false, true, true}},
+        {"", "<</PageSize [400 500]>> setpagedevice\n", "showpage showpage\n", {true, false, true, true}},
+        {"true setglobal\n", "", "showpage showpage\n", {true, false, true, true}},
+        {"", "true setglobal mark 1 2\n", "showpage showpage\n", {true, false, true, true}},
+    };
+    for (const Case& each : cases) {
+        const std::string pages = std::string(each.after) + each.pages;
+        const std::vector<tests::Ink> inks =
+            tests::printPages(tests::job(each.before + first, pages) + tests::job(each.before + all, pages));
+        ASSERT_EQ(inks.size(), each.hasInk.size()) << each.before;
+        for (std::size_t i = 0; i < inks.size(); ++i) {
+            EXPECT_EQ(inks[i].count > 500, each.hasInk[i]) << each.before << each.after << i;
+        }
+    }
+    // A resource that stands in a job twice.
+    EXPECT_EQ(tests::printPages(tests::job(all + first)).at(1).count, 0U);
+}
+
+// Numbers, names and texts of any kind leave the job running and its stacks as they were.
+TEST(WatermarkPages, NothingStopsAJob) {
+    std::string program = "userdict /TorkaRMdict 4 dict put TorkaRMdict /ZANPageBox "
+                          "{1 2 [ 4 dict begin 5 dict begin undefinedname} put\n";
+    for (const Template& kind : templates) {
+        for (const char* text : {"", "A", "\x01\xFF(\\", "\u0416\u793E\U0001F600\u20AC"}) {
+            for (const int size : {0, -12, 24, static_cast<int>(most)}) {
+                for (const char* offsets : {"0,0", "2147483647,-2147483648"}) {
+                    program += tests::job(
+                        "7 " + resource(kind, kPMReverseLandscape, false, text, "9999999", offsets, size),
+                        "TorkaRMdict /ZANPageBox known {showpage} if userdict /TorkaRMdict undef "
+                        "showpage\ncount 1 ne countdictstack 3 ne or $error /newerror get or "
+                        "{(not as they were) =} if\n");
+                }
+            }
+        }
+    }
+    tests::runGhostscript(program, {"-sDEVICE=nullpage", "-sstdout=%stderr"});
+}
+
+std::string compositeSetup() {
+    // A font that has Cyrillic letters plays the CIDFonts of a controller.
+    std::string map;
+    for (const auto& [name, ordering] : {std::pair("Ryumin-Light", "Japan1"),
+                                         {"Playing-Light", "Japan1"},
+                                         {"AdobeSongStd-Light", "GB1"},
+                                         {"MyriadPro-Regular", "Japan1"}}) {
+        map += std::string("/") + name + " << /FileType /TrueType /Path " +
+               "(/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf) /SubfontID 0 /CSI [(" + ordering +
+               ") 4] >> ;\n";
+    }
+    return map;
+}
+
+// With fonts for the script, each template is set in them, and shows what its text says.
+TEST(WatermarkPages, CompositeFontsShowTheText) {
+    const tests::TemporaryFolder folder;
+    folder.Write("cidfmap", compositeSetup());
+    // What a controller keeps under this name: here the CMap of another collection under the awaited name.
+    const std::string extended =
+        "/CIDInit /ProcSet findresource begin 12 dict begin begincmap /UniJIS-UTF8-H usecmap\n"
+        "/CMapName /ZANMyriad-Latin-Extended-A-UTF8 def CMapName currentdict endcmap\n"
+        "/CMap defineresource pop end end\n";
+    const std::string noComposition = "userdict /resourcestatus {dup /Font eq {pop pop false} "
+                                      "{systemdict /resourcestatus get exec} ifelse} put\n";
+    struct Case {
+        const char *language, *font, *font0;
+        std::string before;
+    };
+    const Case cases[] = {
+        {"Japanese", "Ryumin-Light-90ms-RKSJ-H", "Ryumin-Light", ""},
+        {"Japanese", "Ryumin-Light-EUC-H", "Ryumin-Light", ""},
+        {"Japanese", "Ryumin-Light-H", "Ryumin-Light", ""},
+        {"Japanese", "Ryumin-Light-UniJIS-UTF8-H", "Ryumin-Light", ""},
+        {"Japanese", "Ryumin-Light-UniJIS-UTF16-H", "Ryumin-Light", ""},
+        {"Japanese", "Ryumin-Light-UniJIS-UTF32-H", "Ryumin-Light", ""},
+        {"Japanese", "Ryumin-Light-UniJIS-UCS2-H", "Ryumin-Light", ""},
+        {"Japanese", "Playing-Light-90ms-RKSJ-H", "Playing-Light", noComposition},
+        {"Japanese", "Not-There-90ms-RKSJ-H", "Ryumin-Light", ""},
+        {"Chinese", "AdobeSongStd-Light", "AdobeSongStd-Light", ""},
+        {"Chinese", "NotThere", "AdobeSongStd-Light", ""},
+        {"Russian", "Times-Roman", "MyriadPro-Regular", extended},
+    };
+    std::string program;
+    for (const Case& each : cases) {
+        program += tests::job(each.before + resource({each.language, each.font, false}, kPMPortrait, false,
+                                                     "\u0428\u0428\u0428\u0428\u0428\u0428", "0", "0,0"),
+                              "tellFont showpage\n");
+    }
+    program += "/Ryumin-Light-UniJIS-UTF8-H findfont 24 scalefont setfont 100 242 moveto\n"
+               "<D0A8D0A8D0A8D0A8D0A8D0A8> show showpage\n";
+    const std::string include = "-I" + folder.Path().string();
+    std::string expectedFonts;
+    for (const Case& each : cases) {
+        expectedFonts += each.font0 + std::string("\n");
+    }
+    const std::string telling = "/tellFont {ZANWMFont /FDepVector get 0 get /CIDFontName get =} def\n";
+    EXPECT_EQ(tests::runGhostscript(telling + program, {include, "-sDEVICE=nullpage"}), expectedFonts);
+    const std::vector<tests::Ink> pages = tests::printPages("/tellFont {} def\n" + program, {include});
+    ASSERT_EQ(pages.size(), std::size(cases) + 1);
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        EXPECT_NEAR(pages[i].x, tests::paperWidth / 2.0, 2) << cases[i].font;
+        EXPECT_GT(pages.back().count, 500U);
+        EXPECT_NEAR(static_cast<double>(pages[i].count), static_cast<double>(pages.back().count), 60)
+            << cases[i].font;
+    }
+}
+
+// Without the controller's font the letters of the four languages are still there, as Helvetica has them.
+TEST(WatermarkPages, ExtendedLettersWithoutTheirFont) {
+    const std::string letters =
+        "\u0104\u0105\u0106\u0107\u0118\u0119\u0141\u0142\u0143\u0144\u00d3\u00f3\u015a\u015b"
+        "\u0179\u017a\u017b\u017c\u010c\u010d\u010e\u010f\u011a\u011b\u0147\u0148\u0158\u0159"
+        "\u0160\u0161\u0164\u0165\u016e\u016f\u017d\u017e\u011e\u011f\u0130\u0131\u015e\u015f"
+        "\u0401\u0451\u0410\u0415\u0416\u042f\u0430\u0435\u0436\u044f\u2116\u20ac-\u793e";
+    const std::string program =
+        tests::job(resource({"Russian", "X", false}, kPMPortrait, false, letters.c_str(), "0", "0,0", 4),
+                   "showpage showpage ZANWMString {ZANWMFont /Encoding get exch get =} forall\n");
+    // Names of the Adobe Glyph List, but for what Unicode calls differently.
+    const std::string expected = runPython(R"(
+import sys, unicodedata
+special = {'\u20ac': 'Euro', '\u2116': 'afii61352', '-': 'hyphen', '\u793e': 'question', '\u0131': 'dotlessi',
+           '\u0130': 'Idotaccent', '\u0141': 'Lslash', '\u0142': 'lslash', '\u0401': 'afii10023', '\u0451': 'afii10071',
+           '\u0410': 'afii10017', '\u0415': 'afii10022', '\u0416': 'afii10024', '\u042f': 'afii10049',
+           '\u0430': 'afii10065', '\u0435': 'afii10070', '\u0436': 'afii10072', '\u044f': 'afii10097'}
+accents = {'OGONEK': 'ogonek', 'ACUTE': 'acute', 'CARON': 'caron', 'BREVE': 'breve', 'CEDILLA': 'cedilla',
+           'RING ABOVE': 'ring', 'DOT ABOVE': 'dotaccent'}
+for c in sys.argv[1]:
+    if c in special:
+        print(special[c])
+    else:
+        name = unicodedata.name(c)
+        letter = name.split(' WITH ')[0][-1]
+        print((letter if 'CAPITAL' in name else letter.lower()) + accents[name.split(' WITH ')[1]])
+)",
+                                           {letters});
+    EXPECT_EQ(tests::runGhostscript(program, {"-sDEVICE=nullpage"}), expected);
+}
+
+// What a job gets of the selected watermark.
+class OneWatermark final : public EmissionSource {
+public:
+    OneWatermark(ZANPPD& model, ZANWatermark* selected)
+        : description(model)
+        , watermark(selected) {}
+    ZANPPD* Description() const override { return &description; }
+    PMPrintSettings Settings() const override { return nullptr; }
+    std::uint16_t PageOrientation() const override { return kPMLandscape; }
+    bool IsPageSizeSuppressed() const override { return false; }
+    bool IsTwoWayEnabled() const override { return false; }
+    std::span<const WideSetting> MixedMedia() const override { return {}; }
+    std::span<const WideSetting> PadCovers() const override { return {}; }
+    std::span<const WideSetting> SlipSheets() const override { return {}; }
+    std::span<const WideSetting> CoverPages() const override { return {}; }
+    std::span<const WideSetting> PaperCatalogue() const override { return {}; }
+    ZANWatermark* SelectedWatermark() const override { return watermark; }
+
+private:
+    ZANPPD& description;
+    ZANWatermark* watermark;
+};
+
+TEST(WatermarkEmission, OneEntryBeforeTheScaleUnlessTooLong) {
+    const tests::ScopedMemorySystem system;
+    const tests::CapturingLog log;
+    ZANPPD description(FSRef{TORKA_SOURCE_DIR "/samples/torka-production-ja.ppd"}, 3, nullptr);
+    const auto entries = [&description](ZANWatermark* watermark) {
+        const auto settings = std::make_shared<MemoryPrintSettings>();
+        const auto session = std::make_shared<MemorySession>();
+        PrintSettingsTicket dictionary(session, settings);
+        ZANJobTicket ticket(&dictionary, settings, cfString("ZAN.PSData"));
+        FeatureEmission(OneWatermark(description, watermark), ticket, session, EmissionPurpose::keepSettings)
+            .OutPostscriptData();
+        std::vector<std::string> texts;
+        for (const ZANJobTicket::Entry& entry : ticket.Entries()) {
+            texts.push_back(std::string(entry.bytes) + "@" + std::to_string(entry.site));
+        }
+        return texts;
+    };
+    const std::string fields = "1,5,6,0,0,0,0,0,0,0,0,0,9,Ryumin-Light-90ms-RKSJ-H,";
+    ZANWatermark watermark((fields + "\u793E").c_str());
+    const std::vector<std::string> without = entries(nullptr);
+    std::vector<std::string> with = entries(&watermark);
+    const auto place = std::ranges::find(with, watermark.Resource("Japanese", kPMLandscape) + "@81");
+    ASSERT_NE(place, with.end());
+    EXPECT_TRUE((place + 1)->starts_with("%%BeginFeature: *QVScale")) << *(place + 1);
+    EXPECT_NE(place->find("<8ED0>"), std::string::npos);
+    with.erase(place);
+    EXPECT_EQ(with, without);
+
+    // The longest text that fits, and one letter more: two digits a letter.
+    const std::size_t room = 5119 - ZANWatermark(fields.c_str()).Resource("Japanese", kPMLandscape).size();
+    for (const std::size_t length : {room / 2, room / 2 + 1}) {
+        ZANWatermark longOne((fields + std::string(length, 'x')).c_str());
+        EXPECT_EQ(entries(&longOne).size(), without.size() + (length == room / 2 ? 1 : 0));
+    }
+    EXPECT_EQ(std::ranges::count_if(
+                  log.Lines(), [](const std::string& line) { return line.find("watermark") != line.npos; }),
+              1);
+}
+
+} // namespace
+} // namespace torka
