@@ -40,9 +40,9 @@ bool copyFile(const std::string& from, const std::filesystem::path& to) {
 
 } // namespace
 
-PDEData::PDEData(ZANPPD* ppd, CFStringRef printerName, PMPrintSession session)
+PDEData::PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access)
     : mPPDModel(ppd)
-    , mSession(std::move(session))
+    , queue(std::move(access))
     , mPrinterName(std::move(printerName)) {
     CopyDescription();
     ResetCorvianPrinterList();
@@ -93,9 +93,9 @@ CFStringRef PDEData::GetPrinterAddress() const {
     const CFStringRef none = cfString("");
     PMPrinter printer;
     CFURLRef uri;
-    if (PMSessionGetCurrentPrinter(mSession, printer) != noErr ||
-        PMPrinterCopyDeviceURI(printer, uri) != noErr || isAppleTalkPrinterConnection(mSession) ||
-        isBonjourQueue(mSession)) {
+    if (PMSessionGetCurrentPrinter(queue.session, printer) != noErr ||
+        PMPrinterCopyDeviceURI(printer, uri) != noErr || isAppleTalkPrinterConnection(queue.session) ||
+        isDiscoveredServiceConnection(queue.session)) {
         return none;
     }
     const CFStringRef host = CFURLCopyHostName(uri);
@@ -123,8 +123,8 @@ bool PDEData::SetCorvianPrinterAddress(const CFStringRef& address, bool ipEnable
 }
 
 bool PDEData::ResetCorvianPrinterList() {
-    mCorvianList = std::make_unique<ZANCorvianPrinterPList>(mSession);
-    return mCorvianList->IsLoaded();
+    mCorvianList = std::make_unique<ZANCorvianPrinterPList>(queue);
+    return mCorvianList->Loaded();
 }
 
 bool PDEData::SetIPAddressEnabled(bool enabled) {

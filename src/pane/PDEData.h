@@ -1,5 +1,6 @@
 #pragma once
 
+#include "connection/PropertyListStore.h"
 #include "output/EmissionSource.h"
 #include "output/WatermarkList.h"
 #include "pane/PPDTree.h"
@@ -30,7 +31,7 @@ enum class EmissionPurpose;
 // format are set anew before each save, restore and print. Not thread-safe.
 class PDEData final : public EmissionSource {
 public:
-    PDEData(ZANPPD* ppd, CFStringRef printerName, PMPrintSession session);
+    PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access);
     ~PDEData() override;
 
     void SetPrintSettings(PMPrintSettings settings) { mPrintSettings = std::move(settings); }
@@ -127,6 +128,8 @@ private:
     void WriteSetting(const std::string& key, const CFTypeRef& value);
     CFTypeRef ReadSetting(const std::string& key) const;
     std::size_t StoredWatermarkCount() const;
+    bool KeepRows(int block, const std::vector<std::string>& texts);
+    std::vector<std::string> KeptRows(int block) const;
 
     ZANPPD* mPPDModel;
     bool mPageSizeFromOS = false;
@@ -139,7 +142,7 @@ private:
     WatermarkList mWatermarks;
     std::string mPPDCopyPath;
     PMPrintSettings mPrintSettings;
-    PMPrintSession mSession;
+    QueueAccess queue;
     PMPageFormat mPageFormat;
     std::unique_ptr<ZANCorvianPrinterPList> mCorvianList;
     CFStringRef mPrinterName;

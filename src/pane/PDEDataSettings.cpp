@@ -132,17 +132,16 @@ bool PDEData::SetPPDShortcuts(const PPDTree& tree) {
     }
     std::vector<std::string> keywords;
     for (const PPDTreeQuickAccess& entry : tree.quickAccess) {
-        keywords.push_back(cutText(entry.keyword, definitionSize));
+        keywords.push_back(entry.keyword);
     }
-    return mCorvianList->AddDataBlob(mPrinterName, quickAccessBlock, keywords) && mCorvianList->Save();
+    return KeepRows(quickAccessBlock, keywords);
 }
 
 bool PDEData::GetPPDShortcuts(PPDTree& tree) {
     if (!mPrinterName || !mCorvianList) {
         return false;
     }
-    std::vector<std::string> keywords;
-    mCorvianList->GetDataBlob(mPrinterName, quickAccessBlock, keywords);
+    const std::vector<std::string> keywords = KeptRows(quickAccessBlock);
     if (keywords.empty()) {
         return true;
     }
@@ -168,19 +167,16 @@ void PDEData::SaveWatermarksToPreferences() {
     }
     std::vector<std::string> definitions;
     for (std::size_t i = 0; i < mWatermarks.Count(); ++i) {
-        definitions.push_back(cutText(mWatermarks.At(i)->Definition(), definitionSize));
+        definitions.push_back(mWatermarks.At(i)->Definition());
     }
-    if (mCorvianList->AddDataBlob(mPrinterName, watermarkBlock, definitions)) {
-        mCorvianList->Save();
-    }
+    KeepRows(watermarkBlock, definitions);
 }
 
 bool PDEData::GetWatermarksFromPreferences() {
     if (!mPrinterName || !mCorvianList) {
         return false;
     }
-    std::vector<std::string> definitions;
-    mCorvianList->GetDataBlob(mPrinterName, watermarkBlock, definitions);
+    const std::vector<std::string> definitions = KeptRows(watermarkBlock);
     if (!definitions.empty()) {
         mWatermarks.Clear();
         for (const std::string& definition : definitions) {
@@ -191,11 +187,29 @@ bool PDEData::GetWatermarksFromPreferences() {
 }
 
 std::size_t PDEData::StoredWatermarkCount() const {
-    std::vector<std::string> definitions;
-    if (mPrinterName && mCorvianList) {
-        mCorvianList->GetDataBlob(mPrinterName, watermarkBlock, definitions);
+    return mPrinterName && mCorvianList ? KeptRows(watermarkBlock).size() : 0;
+}
+
+// Puts a block of rows into the printer's entry and saves the list.
+bool PDEData::KeepRows(int block, const std::vector<std::string>& texts) {
+    std::vector<DataRow> rows(texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const std::string text = cutText(texts[i], rows[i].size());
+        std::copy_n(text.c_str(), text.size() + 1, rows[i].data());
     }
-    return definitions.size();
+    return mCorvianList->AddDataBlob(mPrinterName, static_cast<int>(rows.size()), block, rows) != 0 &&
+           mCorvianList->Save();
+}
+
+std::vector<std::string> PDEData::KeptRows(int block) const {
+    std::vector<CFStringRef> rows;
+    mCorvianList->GetDataBlob(mPrinterName, block, rows);
+    std::vector<std::string> texts;
+    texts.reserve(rows.size());
+    for (const CFStringRef& row : rows) {
+        texts.push_back(utf8Text(row));
+    }
+    return texts;
 }
 
 } // namespace torka

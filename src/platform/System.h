@@ -42,6 +42,9 @@ public:
     // Existing folder for the user's temporary files.
     virtual std::filesystem::path TemporaryFolder() const = 0;
     virtual std::filesystem::path HomeFolder() const = 0;
+    // A folder of mode 0700 for this process alone, made at the first call and removed with what is in it at
+    // the end. Empty when it cannot be made.
+    virtual std::filesystem::path PrivateFolder() = 0;
     virtual std::string UserName() const = 0;
     // Most preferred first, as BCP 47 tags such as "zh-Hans-CN". Never empty.
     virtual std::vector<std::string> PreferredLanguages() const = 0;

@@ -24,6 +24,7 @@ public:
     std::filesystem::path Resolve(std::string_view fixedPath) const override;
     std::filesystem::path TemporaryFolder() const override { return temporaryFolder; }
     std::filesystem::path HomeFolder() const override { return homeFolder; }
+    std::filesystem::path PrivateFolder() override { return temporaryFolder / "private"; }
     std::string UserName() const override { return userName; }
     std::vector<std::string> PreferredLanguages() const override { return languages; }
     bool MeasuresInMetric() const override { return metric; }

@@ -79,6 +79,10 @@ PosixSystem::~PosixSystem() {
     if (cancelEvent >= 0) {
         close(cancelEvent);
     }
+    if (!privateFolder.empty()) {
+        std::error_code ignored;
+        std::filesystem::remove_all(privateFolder, ignored);
+    }
 }
 
 std::filesystem::path PosixSystem::Resolve(std::string_view fixedPath) const {
@@ -91,6 +95,16 @@ std::filesystem::path PosixSystem::TemporaryFolder() const {
     }
     const std::filesystem::path asked = environment("TMPDIR");
     return asked.is_absolute() && isFolder(asked) ? asked : "/tmp";
+}
+
+std::filesystem::path PosixSystem::PrivateFolder() {
+    if (privateFolder.empty()) {
+        std::string name = (TemporaryFolder() / "torka-XXXXXX").string();
+        if (mkdtemp(name.data()) != nullptr) {
+            privateFolder = name;
+        }
+    }
+    return privateFolder;
 }
 
 std::filesystem::path PosixSystem::HomeFolder() const {

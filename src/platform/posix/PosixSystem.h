@@ -37,6 +37,7 @@ public:
     std::filesystem::path Resolve(std::string_view fixedPath) const override;
     std::filesystem::path TemporaryFolder() const override;
     std::filesystem::path HomeFolder() const override;
+    std::filesystem::path PrivateFolder() override;
     std::string UserName() const override;
     std::vector<std::string> PreferredLanguages() const override;
     bool MeasuresInMetric() const override;
@@ -57,6 +58,7 @@ public:
 
 private:
     PosixSystemOptions options;
+    std::filesystem::path privateFolder;
     int cancelEvent; // an eventfd, readable while cancelled; -1 when the system gave none
 };
 

@@ -192,7 +192,7 @@ void ZANPPD::ParseShortcut(PPDStream& line) {
 void ZANPPD::ResolveShortcuts() {
     for (const CollectedShortcut& shortcut : collectedShortcuts) {
         CNTL_TYPE type{};
-        if (PPDXControl* control = controls->Find(shortcut.keyword.c_str(), type, true)) {
+        if (PPDXControl* control = controls->FindDisplayed(shortcut.keyword.c_str(), type, true)) {
             shortcuts->Add(control);
         } else {
             Report(PPDErr_BadShortcut, shortcut.keyword, shortcut.line);
