@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace torka {
+
+// Builds a record's text piece by piece. Narrow text is UTF-8.
+class CBuffer {
+public:
+    void AddString(std::wstring_view piece);
+    void AddCString(std::string_view piece);
+    void AddInt(int value);
+    void AddFloat(float value);
+    const std::wstring& GetStringData() const { return text; }
+    std::string GetCStrData() const;
+
+private:
+    std::wstring text;
+};
+
+} // namespace torka

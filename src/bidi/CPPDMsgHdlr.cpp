@@ -1,0 +1,113 @@
+#include "bidi/CPPDMsgHdlr.h"
+
+#include "bidi/RecordReader.h"
+#include "bidi/RecordWriter.h"
+#include "bidi/StandardStreams.h"
+
+#include <cups/ppd.h>
+#include <memory>
+#include <unordered_set>
+
+// The library marks its PPD calls as deprecated; there are no others for a PPD's attributes.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace torka {
+
+bool ppdxWriteData(std::string_view recordName, const void* data, std::size_t size) {
+    PieceGatherer lines("PPD:", "\n", [](std::string_view line) { standardStreams().Error(line); });
+    std::string pair;
+    const bool taken =
+        encodeRecord(recordName, data, size, [&](std::string_view name, std::string_view text) {
+            pair.assign(" ").append(name).append("=").append(text.empty() ? "\"\"" : text);
+            lines.Add(pair);
+        });
+    if (taken) {
+        lines.Flush();
+    }
+    return taken;
+}
+
+RecordBlock ppdxReadData(ppd_file_t* ppd, std::string_view recordName, std::size_t* size) {
+    std::size_t payloadSize = 0;
+    RecordBlock payload;
+    ChunkName chunk(recordName);
+    const ppd_attr_t* attribute =
+        ppd && chunk.IsUsable() ? ppdFindAttr(ppd, chunk.Text().c_str(), nullptr) : nullptr;
+    if (attribute) {
+        RecordReader reader;
+        // The decoder passes over whatever is not Base64, quotes included.
+        for (std::size_t number = 1; attribute && attribute->value && reader.Add(attribute->value);
+             ++number) {
+            attribute = chunk.SetNumber(number) ? ppdFindAttr(ppd, chunk.Text().c_str(), nullptr) : nullptr;
+        }
+        payload = reader.Finish(payloadSize);
+    }
+    if (size) {
+        *size = payloadSize;
+    }
+    return payload;
+}
+
+std::vector<std::string> ppdxRecordNames(ppd_file_t* ppd) {
+    std::vector<std::string> names;
+    std::unordered_set<std::string_view> seen;
+    for (int i = 0; ppd && i < ppd->num_attrs; ++i) {
+        std::string_view name = ppd->attrs[i]->name;
+        if (name.size() > 4 && name.ends_with("0000") && name.starts_with("QV")) {
+            name.remove_suffix(4);
+            if (seen.insert(name).second) {
+                names.emplace_back(name);
+            }
+        }
+    }
+    return names;
+}
+
+CPPDMsgHdlr::CPPDMsgHdlr(std::string path, std::string_view messageName)
+    : ppdPath(std::move(path))
+    , recordName("QV" + std::string(messageName)) {}
+
+int CPPDMsgHdlr::Commit(std::wstring_view text) const {
+    const std::string_view payload = payloadFromWide(text);
+    if (payload.empty()) {
+        return -1;
+    }
+    ppdxWriteData(recordName, payload.data(), payload.size());
+    return static_cast<int>(recordName.size());
+}
+
+int CPPDMsgHdlr::Commit(std::string_view text) const {
+    if (text.empty()) {
+        return -1;
+    }
+    ppdxWriteData(recordName, text.data(), text.size());
+    return static_cast<int>(recordName.size());
+}
+
+void CPPDMsgHdlr::Discard() {
+    wideData.clear();
+    narrowData.clear();
+}
+
+RecordBlock CPPDMsgHdlr::Read(std::size_t& size) const {
+    size = 0;
+    const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(
+        ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()), &ppdClose);
+    return ppdxReadData(ppd.get(), recordName, &size);
+}
+
+const std::wstring& CPPDMsgHdlr::GetStringData() {
+    std::size_t size = 0;
+    const RecordBlock payload = Read(size);
+    wideData = wideFromPayload({payload.get(), size});
+    return wideData;
+}
+
+const std::string& CPPDMsgHdlr::GetCStringData() {
+    std::size_t size = 0;
+    const RecordBlock payload = Read(size);
+    narrowData.assign(payload ? payload.get() : "", size);
+    return narrowData;
+}
+
+} // namespace torka

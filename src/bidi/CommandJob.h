@@ -1,0 +1,38 @@
+#pragma once
+
+#include "bidi/Wait.h"
+#include "platform/Printing.h"
+
+#include <string>
+#include <string_view>
+
+// Command jobs: sending one, and waiting for its completion.
+
+namespace torka {
+
+// Path of the queue's PPD, at most 1,023 bytes. Set by the panel at its start and by isJobComple, which has
+// it fetched again; read by whoever reads the PPD's records.
+const std::string& destinationPPD();
+void setDestinationPPD(std::string_view path);
+
+// Waits for the command job with this title: up to 360 looks at the spooler's jobs, 100 ms apart. True when
+// it completed; the queue's PPD has then been fetched again and its path is destinationPPD(). False before
+// the time is over when the job was cancelled or aborted, or its queue is stopped: nothing would come of
+// waiting.
+bool isJobComple(std::string_view jobTitle, const WaitObserver& observer = {});
+
+enum class CommandOutcome {
+    completed,
+    queueNotReady, // stopped, or takes no jobs: nothing was sent
+    notSent,       // the printing system refused the job
+    notCompleted,  // failed, was given up, or the wait was cancelled
+};
+
+// Sends a command job to a queue and waits for it.
+CommandOutcome sendCommandAndWait(const PMPrinter& printer, std::string_view text, const std::string& title,
+                                  const WaitObserver& observer = {});
+
+// False for a queue that the spooler lists as stopped or as taking no jobs.
+bool queueTakesCommands(std::string_view queueName);
+
+} // namespace torka

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+// Where the two-way exchange writes its diagnostics and its messages to the spooler: the process's standard
+// output and standard error streams, unless a test takes them over.
+
+namespace torka {
+
+class StandardStreams {
+public:
+    StandardStreams() = default;
+    StandardStreams(const StandardStreams&) = delete;
+    StandardStreams& operator=(const StandardStreams&) = delete;
+    virtual ~StandardStreams();
+    virtual void Output(std::string_view text) = 0;
+    // A spooler reads messages from this stream line by line: each call's text leaves in one piece.
+    virtual void Error(std::string_view text) = 0;
+};
+
+StandardStreams& standardStreams();
+// Null restores the process's own streams.
+void setStandardStreams(std::shared_ptr<StandardStreams> streams);
+
+} // namespace torka

@@ -1,0 +1,27 @@
+#include "platform/Spooler.h"
+
+#include "platform/Log.h"
+
+namespace torka::platform {
+
+namespace {
+
+std::unique_ptr<Spooler>& spoolerSlot() {
+    static std::unique_ptr<Spooler> slot;
+    return slot;
+}
+
+} // namespace
+
+Spooler::~Spooler() = default;
+
+Spooler& spooler() {
+    TORKA_ASSERT(spoolerSlot() != nullptr, "platform::setSpooler was not called");
+    return *spoolerSlot();
+}
+
+void setSpooler(std::unique_ptr<Spooler> newSpooler) { spoolerSlot() = std::move(newSpooler); }
+
+bool hasSpooler() { return spoolerSlot() != nullptr; }
+
+} // namespace torka::platform
