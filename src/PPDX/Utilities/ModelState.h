@@ -10,10 +10,11 @@
 namespace torka {
 
 // UTF-8 support level: the integer value of the special option "*QVUTF8_Version" of the description parsed
-// last, 0 when it has none. Written by ZANPPD at the end of a parse.
+// last, 0 when it has none. Written by ZANPPD at the end of a parse, and from the model again when a job is
+// emitted.
 extern int gQVUTF8Version;
 
-// The popup job notes. All four are written by the code that reads their stored preferences
+// The popup job notes. All three are written by the code that reads their stored preferences
 // (ZANPPD::ReadPUJNPrefs) and by the pane when it makes and shows them.
 extern bool gPopupJobNotesLangIsJapanese;
 extern bool gPopupJobNotesDoneInitializing;

@@ -110,10 +110,11 @@ long PPDX::GetPostscriptString(PPDStream& stream, char* out, long capacity) {
     const bool hasRoom = out != nullptr && capacity > 0;
     ValueWriter writer{out, hasRoom && capacity > 2 ? static_cast<std::size_t>(capacity) - 2 : 0};
     const ValueEnd ending = CopyValue(stream, writer, true);
+    if (!hasRoom) {
+        return 0;
+    }
     if (ending == ValueEnd::endOfFile || writer.length == 0) {
-        if (hasRoom) {
-            out[0] = '\0';
-        }
+        out[0] = '\0';
         return 0;
     }
     out[writer.length++] = '\n';
