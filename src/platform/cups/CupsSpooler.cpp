@@ -1,0 +1,56 @@
+#include "platform/cups/CupsSpooler.h"
+
+#include <cups/cups.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace torka::platform {
+
+namespace {
+
+std::string textOf(const char* text) { return text == nullptr ? std::string() : text; }
+
+} // namespace
+
+bool CupsSpooler::GetJobs(std::vector<SpoolerJob>& jobs) {
+    jobs.clear();
+    cups_job_t* listed = nullptr;
+    const int count = cupsGetJobs2(CUPS_HTTP_DEFAULT, &listed, nullptr, 0, CUPS_WHICHJOBS_ALL);
+    for (int i = 0; i < count; ++i) {
+        jobs.push_back({listed[i].id, textOf(listed[i].title), textOf(listed[i].dest),
+                        static_cast<int>(listed[i].state)});
+    }
+    cupsFreeJobs(count, listed);
+    return count >= 0;
+}
+
+bool CupsSpooler::GetDestinations(std::vector<SpoolerDestination>& destinations) {
+    destinations.clear();
+    cups_dest_t* listed = nullptr;
+    const int count = cupsGetDests2(CUPS_HTTP_DEFAULT, &listed);
+    for (int i = 0; i < count; ++i) {
+        const cups_dest_t& dest = listed[i];
+        SpoolerDestination destination;
+        destination.name = textOf(dest.name);
+        if (const char* state = cupsGetOption("printer-state", dest.num_options, dest.options)) {
+            destination.state = static_cast<int>(std::strtol(state, nullptr, 10));
+        }
+        const char* accepts = cupsGetOption("printer-is-accepting-jobs", dest.num_options, dest.options);
+        destination.acceptsJobs = textOf(accepts) != "false";
+        destinations.push_back(std::move(destination));
+    }
+    cupsFreeDests(count, listed);
+    // No queue at all is told apart from no answer by the status.
+    return count > 0 || cupsLastError() <= IPP_STATUS_ERROR_NOT_FOUND;
+}
+
+std::string CupsSpooler::FetchPPD(const std::string& destination) {
+    const std::string path = descriptions[destination].Fetch(destination);
+    if (path.empty()) {
+        descriptions.erase(destination);
+    }
+    return path;
+}
+
+} // namespace torka::platform

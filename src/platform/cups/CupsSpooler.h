@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/Spooler.h"
+#include "platform/cups/FetchedPPD.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace torka::platform {
+
+// The spooler's questions, put to the system's print server. CUPS_SERVER chooses the server.
+class CupsSpooler final : public Spooler {
+public:
+    bool GetJobs(std::vector<SpoolerJob>& jobs) override;
+    bool GetDestinations(std::vector<SpoolerDestination>& destinations) override;
+    std::string FetchPPD(const std::string& destination) override;
+
+private:
+    std::map<std::string, FetchedPPD> descriptions;
+};
+
+} // namespace torka::platform

@@ -1,0 +1,42 @@
+#include "platform/cups/FetchedPPD.h"
+
+#include <cups/cups.h>
+#include <cups/ppd.h>
+
+#include <filesystem>
+#include <system_error>
+#include <unistd.h>
+
+// The library marks its PPD calls as deprecated; a queue with a description has no others.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace torka::platform {
+
+void FetchedPPD::Forget() {
+    if (!copy.empty()) {
+        unlink(copy.c_str());
+        copy.clear();
+    }
+}
+
+std::string FetchedPPD::Fetch(const std::string& queueName) {
+    Forget();
+    if (queueName.empty()) {
+        return {};
+    }
+    const char* fetched = cupsGetPPD(queueName.c_str());
+    if (fetched == nullptr) {
+        return {};
+    }
+    copy = fetched;
+    std::error_code error;
+    const std::filesystem::path path(copy);
+    if (!std::filesystem::is_symlink(path, error)) {
+        return copy;
+    }
+    const std::filesystem::path target = std::filesystem::canonical(path, error);
+    Forget();
+    return error ? std::string() : target.string();
+}
+
+} // namespace torka::platform

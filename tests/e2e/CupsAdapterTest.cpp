@@ -1,0 +1,154 @@
+#include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
+#include "platform/cups/CupsSpooler.h"
+#include "tests/apps/Tool.h"
+#include "tests/e2e/Sandbox.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include <gtest/gtest.h>
+#include <thread>
+
+// The printing interfaces against a real server, judged by the server's own client programs.
+
+namespace torka::tests {
+
+namespace {
+
+class CupsAdapter : public SandboxTest {};
+
+// The job with this title once it is over, within 4 seconds.
+SpoolerJob jobWhenOver(const std::string& title) {
+    CupsSpooler spooler;
+    std::vector<SpoolerJob> jobs;
+    for (int i = 0; i < 200; ++i) {
+        EXPECT_TRUE(spooler.GetJobs(jobs));
+        const auto job = std::ranges::find(jobs, title, &SpoolerJob::title);
+        if (job != jobs.end() && jobStatus(job->id).IsOver()) {
+            spooler.GetJobs(jobs);
+            return *std::ranges::find(jobs, title, &SpoolerJob::title);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return {};
+}
+
+TEST_F(CupsAdapter, PrinterTellsWhatTheServerKnows) {
+    const std::string uri = "torkasink:/some%20place";
+    ASSERT_EQ(addQueue("Proofs", uri, samplePath("torka-production.ppd")), "");
+    PMPrinter printer;
+    ASSERT_EQ(PMSessionGetCurrentPrinter(std::make_shared<CupsSession>("Proofs"), printer), noErr);
+
+    CFURLRef url;
+    ASSERT_EQ(PMPrinterCopyDeviceURI(printer, url), noErr);
+    EXPECT_EQ(utf8Text(CFURLGetString(url)), uri);
+    EXPECT_NE(runCommand({"lpstat", "-v", "Proofs"}).output.find(uri), std::string::npos);
+    CFStringRef text;
+    ASSERT_EQ(PMPrinterCopyHostName(printer, text), noErr);
+    EXPECT_EQ(utf8Text(text), "localhost");
+    ASSERT_EQ(PMPrinterGetMakeAndModelName(printer, text), noErr);
+    EXPECT_TRUE(utf8Text(text).starts_with("Torka")) << utf8Text(text);
+    std::uint16_t state = 0;
+    ASSERT_EQ(PMPrinterGetState(printer, state), noErr);
+    EXPECT_EQ(state, kPMPrinterIdle);
+    ASSERT_EQ(runCommand({"cupsdisable", "-r", "out of paper", "Proofs"}).status, 0);
+    ASSERT_EQ(PMPrinterGetState(printer, state), noErr);
+    EXPECT_EQ(state, kPMPrinterStopped);
+    CFDictionaryRef facts;
+    ASSERT_EQ(PMPrinterCopyState(printer, facts), noErr);
+    EXPECT_EQ(utf8Text(cfCast<CFString>(CFDictionaryGetValue(facts, u"printer-state-message"))),
+              "out of paper");
+    CupsSpooler spooler;
+    std::vector<SpoolerDestination> destinations;
+    ASSERT_TRUE(spooler.GetDestinations(destinations));
+    const auto destination = std::ranges::find(destinations, "Proofs", &SpoolerDestination::name);
+    ASSERT_NE(destination, destinations.end());
+    EXPECT_EQ(destination->state, destinationStateStopped);
+    EXPECT_TRUE(destination->acceptsJobs);
+
+    std::vector<Paper> papers;
+    ASSERT_EQ(PMPrinterGetPaperList(printer, papers), noErr);
+    const auto a4 = std::ranges::find(papers, "A4", &Paper::ppdPaperName);
+    ASSERT_NE(a4, papers.end());
+    EXPECT_EQ(a4->width, 595.0);
+    EXPECT_EQ(a4->height, 842.0);
+
+    PMPrinter none;
+    EXPECT_EQ(CupsSession("NoSuchQueue").CurrentPrinter(none), kPMGeneralError);
+    EXPECT_FALSE(none);
+    EXPECT_EQ(CupsPrinter("../etc").CopyDeviceURI(url), kPMGeneralError);
+}
+
+TEST_F(CupsAdapter, DescriptionIsTheServersFileOrACopyThatIsRemoved) {
+    ASSERT_EQ(addQueue("Copied", "torkasink:/", samplePath("torka-production.ppd")), "");
+    const std::string served = *sandbox / "etc/ppd/Copied.ppd";
+    {
+        CupsSpooler spooler;
+        EXPECT_EQ(spooler.FetchPPD("Copied"), served);
+        EXPECT_EQ(spooler.FetchPPD("NoSuchQueue"), "");
+    }
+    EXPECT_TRUE(std::filesystem::exists(served)) << "only the link to it goes";
+
+    // Without the server's root in its environment a program gets copies. libcups reads it once, so that it
+    // takes another process.
+    const TemporaryFolder temporary;
+    const CommandResult result =
+        runCommand({"env", "-u", "CUPS_SERVERROOT", "TMPDIR=" + temporary.Path().string(),
+                    TORKA_BINARY_DIR "/bin/test_e2e", "--gtest_also_run_disabled_tests",
+                    "--gtest_filter=CopiedDescription.DISABLED_IsRemoved"});
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_NE(result.output.find("PASSED  ] 1 test"), std::string::npos) << result.output;
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.Path())) << "nothing is left behind";
+}
+
+// Run by the test above, in an environment of its own.
+TEST(CopiedDescription, DISABLED_IsRemoved) {
+    const CupsPrinter printer("Copied");
+    CFURLRef url;
+    ASSERT_EQ(printer.CopyDescriptionURL(cfString("PMPPDDescriptionType"), url), noErr);
+    const std::string first = CFURLCopyFileSystemPath(url);
+    EXPECT_TRUE(first.starts_with(std::filesystem::temp_directory_path().string())) << first;
+    EXPECT_NE(readFile(first).find("*%QVVersion"), std::string::npos);
+    ASSERT_EQ(printer.CopyDescriptionURL(cfString("PMPPDDescriptionType"), url), noErr);
+    const std::string second = CFURLCopyFileSystemPath(url);
+    EXPECT_TRUE(first == second || !std::filesystem::exists(first));
+    std::vector<Paper> papers;
+    EXPECT_EQ(printer.PaperList(papers), noErr);
+    EXPECT_TRUE(std::filesystem::exists(second)) << "other questions leave it";
+}
+
+TEST_F(CupsAdapter, CommandJobCarriesTitleAndText) {
+    // A filter of the test's own tells what it was given.
+    const std::filesystem::path filter = *sandbox / "lib/filter/tell";
+    const TemporaryFolder folder;
+    std::filesystem::copy_file(
+        folder.Write("tell", "#!/bin/sh\nprintf '%s|%s|%s|' \"$2\" \"$3\" \"$PRINTER\"\ncat \"$6\"\n"),
+        filter);
+    std::filesystem::permissions(filter, std::filesystem::perms(0755));
+    std::string ppd = readFile(samplePath("torka-production.ppd"));
+    ppd.insert(ppd.find("*FormatVersion"), "*cupsFilter: \"application/vnd.cups-command 0 tell\"\n");
+    ASSERT_EQ(addQueue("Told", "torkasink:/", folder.Write("q.ppd", ppd)), "");
+
+    CupsPrinter printer("Told");
+    const std::string title = "Command_Größe 用紙 $(id) ; %s";
+    const std::string text = "one\n%n two\\ ::DELIMIT:: \xEF\xBB\xBF three";
+    ASSERT_EQ(printer.SendCommand(cfString(text), cfString(title), CFDictionaryCreate({})), noErr);
+    const SpoolerJob job = jobWhenOver(title);
+    EXPECT_EQ(job.destination, "Told");
+    EXPECT_EQ(job.state, jobStateCompleted);
+    EXPECT_EQ(sandbox->Printed(job.id), "root|" + title + "|Told|" + text);
+
+    EXPECT_EQ(CupsPrinter("NoSuchQueue").SendCommand(cfString("x"), cfString("x"), nullptr), kPMGeneralError);
+    ASSERT_EQ(printer.SendCommand(cfString("again"), cfString("Command_Again"), nullptr), noErr)
+        << "the connection is fit for use after a refusal";
+    EXPECT_EQ(jobWhenOver("Command_Again").state, jobStateCompleted);
+    sandbox->Restart();
+    ASSERT_EQ(printer.SendCommand(cfString(" "), cfString("Command_Later"), nullptr), noErr)
+        << "the server was restarted meanwhile";
+    EXPECT_EQ(jobWhenOver("Command_Later").state, jobStateCompleted);
+}
+
+} // namespace
+
+} // namespace torka::tests

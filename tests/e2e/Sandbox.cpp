@@ -1,0 +1,95 @@
+#include "tests/e2e/Sandbox.h"
+
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <unistd.h>
+
+namespace torka::tests {
+
+std::string Sandbox::Problem() {
+    if (geteuid() != 0) {
+        return "needs root, to run a print server's filters as lp";
+    }
+    return access("/usr/sbin/cupsd", X_OK) == 0 ? "" : "cupsd is not installed";
+}
+
+CommandResult Sandbox::Script(const std::string& action) const {
+    return runCommand({TORKA_SOURCE_DIR "/scripts/cups-sandbox", "--bin", TORKA_BINARY_DIR "/bin", action,
+                       (folder / "s").string()});
+}
+
+Sandbox::Sandbox() {
+    // lp has to pass.
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms(0711));
+    const CommandResult result = Script("start");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    std::istringstream lines(result.output);
+    constexpr std::string_view prefix = "export ";
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t equals = line.find('=');
+        if (line.starts_with(prefix) && equals != std::string::npos && !line.starts_with("export PATH")) {
+            const std::string name = line.substr(prefix.size(), equals - prefix.size());
+            setenv(name.c_str(), line.substr(equals + 1).c_str(), 1);
+        }
+    }
+}
+
+Sandbox::~Sandbox() {
+    const CommandResult result = Script("stop");
+    EXPECT_EQ(result.status, 0) << result.errors;
+}
+
+void Sandbox::Restart() {
+    const CommandResult result = Script("restart");
+    EXPECT_EQ(result.status, 0) << result.errors;
+}
+
+std::string Sandbox::Printed(int job) const {
+    const std::filesystem::path file = *this / ("printed/" + std::to_string(job) + ".ps");
+    return std::filesystem::exists(file) ? readFile(file) : std::string();
+}
+
+std::string Sandbox::ErrorLog() const {
+    std::istringstream lines(readFile(*this / "log/error_log"));
+    std::string kept;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with('E') || line.starts_with('W') || line.find("[Job ") != std::string::npos) {
+            kept += line + "\n";
+        }
+    }
+    constexpr std::size_t limit = 20000;
+    return kept.size() > limit ? kept.substr(kept.size() - limit) : kept;
+}
+
+namespace {
+
+std::unique_ptr<Sandbox> running;
+
+class EndSandbox final : public testing::Environment {
+public:
+    void TearDown() override { running.reset(); }
+};
+
+const testing::Environment* const ending = testing::AddGlobalTestEnvironment(new EndSandbox);
+
+} // namespace
+
+void SandboxTest::SetUp() {
+    if (const std::string problem = Sandbox::Problem(); !problem.empty()) {
+        GTEST_SKIP() << problem;
+    }
+    if (!running) {
+        running = std::make_unique<Sandbox>();
+    }
+    sandbox = running.get();
+}
+
+void SandboxTest::TearDown() {
+    if (HasFailure() && sandbox != nullptr) {
+        std::cerr << sandbox->ErrorLog();
+    }
+}
+
+} // namespace torka::tests
