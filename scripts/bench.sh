@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Builds the benchmarks and prints the table of ratios: each case beside the library that a user would pick instead, in
+# the same run. Arguments name the programs to run (model, kvengine, ciphers, ...); none runs all.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+./scripts/install-deps.sh
+
+cmake --preset release >/dev/null
+cmake --build --preset release -j "$(nproc)"
+exec ./scripts/bench-table "$@"
