@@ -32,5 +32,6 @@ void addLintCommand(CLI::App& app, ExitStatus& status);
 void addCheckCommand(CLI::App& app, ExitStatus& status);
 void addEmitCommand(CLI::App& app, ExitStatus& status);
 void addTicketCommand(CLI::App& app, ExitStatus& status);
+void addNotesCommand(CLI::App& app, ExitStatus& status);
 
 } // namespace torka::tool

@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
     tool::addCheckCommand(app, status);
     tool::addEmitCommand(app, status);
     tool::addTicketCommand(app, status);
+    tool::addNotesCommand(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -164,4 +164,9 @@ bool leavesEncipheredOnly(const ZANPPD& description, const PPDXControl* control)
            *note == specialNotes[specialNoteUserName].keyword.data();
 }
 
+bool isSecretNote(const ZANPPD& description, const PPDXControl* control) {
+    const auto* note = dynamic_cast<const PPDXJobNote*>(control);
+    return note != nullptr && (note->IsPassword() || leavesEncipheredOnly(description, note));
+}
+
 } // namespace torka

@@ -69,5 +69,7 @@ private:
 // Whether what the control holds may leave the process enciphered only: a note marked for protection, the
 // user's sign-in password, and the sign-in name where it is packed with the password.
 bool leavesEncipheredOnly(const ZANPPD& description, const PPDXControl* control);
+// What is never kept in a file or sent with a job's options: such a control, or a note whose entry is masked.
+bool isSecretNote(const ZANPPD& description, const PPDXControl* control);
 
 } // namespace torka

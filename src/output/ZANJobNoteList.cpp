@@ -129,7 +129,7 @@ void ZANJobNoteList::AddLayoutComments(ZANJobTicket& ticket, const PMPrintSettin
     if (const std::int64_t pages = rows * columns; pages == 2 || pages == 6) {
         turned = isUpright(orientation) ? kPMReverseLandscape : kPMPortrait;
     }
-    ticket.Add(siteLayoutComment, std::string_view("%%%%MacCoreNUp: true\n"));
+    ticket.Add(siteLayoutComment, std::string_view("%%MacCoreNUp: true\n"));
     ticket.Add(siteLayoutComment, std::string_view(isUpright(turned) ? "%%Orientation: Portrait\n"
                                                                      : "%%Orientation: Landscape\n"));
 }

@@ -2,7 +2,6 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXControl.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "output/ZANJobNote.h"
 #include "platform/Log.h"
 #include "platform/PropertyList.h"
 #include "platform/System.h"
@@ -104,17 +103,7 @@ void ZANJobTicket::Add(PostScriptInjectionSite site, PPDXControl* control) {
 
 void ZANJobTicket::SavePPDForAllKeys(ZANPPD* description, const CFStringRef& key) {
     if (description != nullptr && dictionaryTicket != nullptr) {
-        // Print settings travel with the job and lie in the spool folder.
-        const CFDictionaryRef values = description->CopyAllValues();
-        std::vector<CFDictionary::Pair> open;
-        for (const CFDictionary::Pair& pair : values->Pairs()) {
-            const PPDXJobNote* note =
-                description->GetControls()->FindJobNote(utf8Text(pair.first).c_str(), true);
-            if (!leavesEncipheredOnly(*description, note)) {
-                open.push_back(pair);
-            }
-        }
-        dictionaryTicket->Set(key, key, CFDictionaryCreate(open));
+        dictionaryTicket->Set(key, key, description->CopyAllValues());
     }
 }
 

@@ -64,8 +64,8 @@ public:
     // As the text form, and remembers that the entry carries an enciphered field.
     void AddProtected(PostScriptInjectionSite site, std::string_view text);
 
-    // Writes all keyword/value pairs of the description into the print settings, but for notes that may leave
-    // enciphered only.
+    // Writes all keyword/value pairs of the description into the print settings, which stay in the process:
+    // who writes them out leaves out what isSecretNote (ZANJobNote.h) names.
     void SavePPDForAllKeys(ZANPPD* description, const CFStringRef& key);
 
     // Serialises the list and records the ticket file's path in the print settings. Below minor version 7 of

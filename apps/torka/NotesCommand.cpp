@@ -1,0 +1,60 @@
+#include "ZANUtils/FieldKeys.h"
+#include "apps/torka/Command.h"
+#include "apps/torka/JobEmission.h"
+#include "output/NoteCipher.h"
+
+#include <memory>
+
+namespace torka::tool {
+
+namespace {
+
+struct DecryptOptions {
+    std::string hex;
+    std::string keys;
+    std::string specialKey;
+    bool des = false;
+    bool aes = false;
+};
+
+// Without a word on the algorithm both are tried: cipher text of the other one is no text of the first.
+ExitStatus decrypt(const DecryptOptions& options) {
+    if (!useFieldKeys(options.keys)) {
+        return ExitStatus::unusable;
+    }
+    const auto keys = installedFieldKeys();
+    if (!keys) {
+        return unusable("no field keys are installed: name a file with --keys FILE");
+    }
+    std::string error;
+    for (const NoteAlgorithm algorithm : {NoteAlgorithm::aes, NoteAlgorithm::des}) {
+        const bool isAsked = algorithm == NoteAlgorithm::aes ? !options.des : !options.aes;
+        if (!isAsked) {
+            continue;
+        }
+        if (const auto text = decipherNote(*keys, options.specialKey, algorithm, options.hex, error)) {
+            print(*text + "\n");
+            return ExitStatus::good;
+        }
+    }
+    return unusable(error);
+}
+
+} // namespace
+
+void addNotesCommand(CLI::App& app, ExitStatus& status) {
+    CLI::App* notes = app.add_subcommand("notes", "Protected job notes");
+    notes->require_subcommand(1);
+    const auto options = std::make_shared<DecryptOptions>();
+    CLI::App* command =
+        notes->add_subcommand("decrypt", "Tell the text of a protected note, as proof of what a job carries");
+    command->add_option("HEX", options->hex, "The note's hexadecimal digits, as they stand in the job")
+        ->required();
+    command->add_option("--keys", options->keys, "Keys file instead of the installed one");
+    command->add_option("--special-key", options->specialKey, "Value of *UseSpecialKey in the description");
+    CLI::Option* des = command->add_flag("--des", options->des, "The note is enciphered with DES");
+    command->add_flag("--aes", options->aes, "The note is enciphered with AES")->excludes(des);
+    command->callback([options, &status] { status = decrypt(*options); });
+}
+
+} // namespace torka::tool
