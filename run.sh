@@ -11,8 +11,10 @@ cmake --build --preset release -j "$(nproc)" --target torka
 torka=build/release/bin/torka
 ppd=samples/torka-production.ppd
 document=samples/brochure.ps
+wanted=(QVTrimSides=Face QVDuplex=LongEdge) # trimming needs a unit that is not declared installed
 settings=(PageSize=A4 MediaType=Coated QVMediaWeight=W136 QVDuplex=LongEdge QVStaple=Saddle QVScale=85
-    "Notes1=Two proofs, please" "Instruct=Trim to the crop marks")
+    "Notes1=Two proofs, please" "Instruct=Trim to the crop marks" DeptPassword=harbor7)
+watermark="0,0,0,232,93,58,0,0,0,450,0,0,120,Helvetica-Bold,PROOF"
 out=out
 rm -rf "$out"
 mkdir -p "$out"
@@ -23,20 +25,29 @@ render() { # DOCUMENT PREFIX
 }
 
 {
-    echo "Document: $document"
+    echo "Document:    $document"
     echo "Description: $ppd"
     echo
-    echo "Settings:"
-    printf '  %s\n' "${settings[@]}"
+    echo "Wanted at first: ${wanted[*]}"
+    "$torka" check "$ppd" "${wanted[@]}" --solve | sed '/^Forbidden/,/^A resolution/{/^A resolution/!d}' || true
     echo
-    "$torka" check "$ppd" "${settings[@]}" || [ $? -eq 1 ]
-} >"$out/summary.txt"
-{
+    echo "Settings of the job:"
+    printf '  %s\n' "${settings[@]}"
+    echo "  watermark $watermark"
+    echo
+    echo "Conflicts among them:"
+    "$torka" check "$ppd" "${settings[@]}" | sed -n '1p'
     echo
     echo "Where the ticket's entries went:"
-    "$torka" emit "$ppd" "${settings[@]}" --ticket "$out/ticket.plist" --splice "$document" --output "$out/job.ps" |
-        sed -n '/^Site /p; /^Removed: /p; /^File destination: /p'
-} >>"$out/summary.txt"
+    "$torka" emit "$ppd" "${settings[@]}" --watermark "$watermark" --keys samples/FieldKeys.plist \
+        --ticket "$out/ticket.plist" --splice "$document" --output "$out/job.ps" |
+        sed -n 's/^Site /  site /p; s/^Removed: /  removed /p; s/^File destination: /  file /p'
+    echo
+    echo "The department password in the job, and its proof with the key file:"
+    hex=$(sed -n 's/^%%DeptPassword: //p' "$out/job.ps")
+    echo "  %%DeptPassword: $hex"
+    echo "  deciphered: $("$torka" notes decrypt --keys samples/FieldKeys.plist "$hex")"
+} >"$out/summary.txt"
 
 render "$document" before
 render "$out/job.ps" after
