@@ -219,16 +219,16 @@ std::string resource(const Template& kind, std::uint16_t orientation, bool isFir
 }
 
 // Printed as one run a template, each job within save and restore.
-class WatermarkTemplate : public testing::TestWithParam<Template> {};
-INSTANTIATE_TEST_SUITE_P(All, WatermarkTemplate, testing::ValuesIn(templates));
+class WatermarkTemplate : public testing::TestWithParam<std::size_t> {};
+INSTANTIATE_TEST_SUITE_P(All, WatermarkTemplate, testing::Range(std::size_t{0}, std::size(templates)));
 
 TEST_P(WatermarkTemplate, IsFoundWhereTheDefinitionPutsIt) {
     std::string program;
     for (const Controller& controller : controllers) {
         for (const Turn& turn : turns) {
             for (const bool isFirstPageOnly : {false, true}) {
-                program += tests::job(controller.code +
-                                      resource(GetParam(), turn.orientation, isFirstPageOnly, "HHHHHHHH"));
+                program += tests::job(controller.code + resource(templates[GetParam()], turn.orientation,
+                                                                 isFirstPageOnly, "HHHHHHHH"));
             }
         }
     }
@@ -239,7 +239,7 @@ TEST_P(WatermarkTemplate, IsFoundWhereTheDefinitionPutsIt) {
         for (const Turn& turn : turns) {
             for (const bool hasInk : {true, true, true, false}) {
                 SCOPED_TRACE(testing::Message() << controller.code << turn.orientation);
-                if (!hasInk || GetParam().isClear) {
+                if (!hasInk || templates[GetParam()].isClear) {
                     EXPECT_EQ(page->count, 0U);
                 } else {
                     EXPECT_GT(page->count, 500U);
@@ -256,7 +256,7 @@ TEST_P(WatermarkTemplate, IsFoundWhereTheDefinitionPutsIt) {
 
 // What an interpreter of another kind may choke on: the frame, and no byte but ASCII.
 TEST_P(WatermarkTemplate, HasItsFrame) {
-    const std::string text = resource(GetParam(), kPMLandscape, true, "x");
+    const std::string text = resource(templates[GetParam()], kPMLandscape, true, "x");
     EXPECT_TRUE(text.starts_with("%%ZAN Begin Watermark resource \n globaldict /landscapeDoc true put \n "
                                  "globaldict /invLandscapeDoc false put \n"));
     EXPECT_TRUE(text.ends_with(" %%ZAN End Watermark resource \n"));
