@@ -122,6 +122,24 @@ TEST(EmitCommand, SplicedDocumentRunsAndShowsTheSettings) {
     }
 }
 
+TEST(EmitCommand, WatermarkIsPrintedInItsColour) {
+    const TemporaryFolder folder;
+    const std::string output = folder / "marked.ps";
+    const auto magentaOn = [&](const std::string& definition, const std::string& orientation) {
+        runToolForJson({"emit", samplePath("torka-production.ppd"), "--watermark", definition,
+                        "--orientation", orientation, "--splice", samplePath("plain.ps"), "--output",
+                        output});
+        const CommandResult printed = runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE",
+                                                  "-sDEVICE=ppmraw", "-r72", "-sOutputFile=%stdout", output});
+        EXPECT_EQ(printed.status, 0) << printed.errors;
+        // Two pixels of magenta, red, green and blue.
+        return printed.output.find(std::string("\xFF\0\xFF\xFF\0\xFF", 6)) != std::string::npos;
+    };
+    EXPECT_TRUE(magentaOn("0,0,0,255,0,255,0,0,0,450,0,0,60,Helvetica,LAST, NOT LEAST", "2"));
+    EXPECT_FALSE(magentaOn("0,0,0,255,0,255,0,0,0,450,0,0,60,Helvetica,", "2"));
+    EXPECT_EQ(runTool({"emit", samplePath("torka-production.ppd"), "--orientation", "5"}).status, 2);
+}
+
 } // namespace
 
 } // namespace torka::tests
