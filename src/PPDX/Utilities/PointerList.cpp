@@ -1,7 +1,5 @@
 #include "PPDX/Utilities/PointerList.h"
 
-#include <memory>
-
 namespace torka {
 
 PointerListItr& PointerListItr::operator++() {
@@ -49,9 +47,6 @@ ConstPointerListItr ConstPointerListItr::operator--(int) {
 }
 
 PointerList::PointerList() {
-    auto first = std::make_unique<PNode>(nullptr);
-    tail = new PNode(nullptr);
-    head = first.release();
     head->next = tail;
     tail->prev = head;
 }
@@ -73,11 +68,7 @@ PointerList& PointerList::operator=(const PointerList& other) {
     return *this;
 }
 
-PointerList::~PointerList() {
-    MakeEmpty();
-    delete head;
-    delete tail;
-}
+PointerList::~PointerList() { MakeEmpty(); }
 
 void PointerList::PushBack(const void* element) { InsertBefore(End(), element); }
 

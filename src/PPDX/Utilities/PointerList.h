@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <iterator>
 
@@ -117,8 +118,10 @@ public:
 
 private:
     std::size_t count = 0;
-    PNode* head = nullptr;
-    PNode* tail = nullptr;
+    PNode* head = &ends[0];
+    PNode* tail = &ends[1];
+    // The sentinels. Most lists of a description are short, and two blocks of the heap for each would tell.
+    std::array<PNode, 2> ends{PNode(nullptr), PNode(nullptr)};
 };
 
 } // namespace torka

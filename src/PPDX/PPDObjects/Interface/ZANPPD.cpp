@@ -148,8 +148,11 @@ void ZANPPD::Reset() {
 void ZANPPD::Build() {
     Reset();
     if (file) {
+        // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
         Parse();
         if (!dmtInjection.empty()) {
+            // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own
+            // class
             ReadCustXmlData(dmtInjection);
         }
         ReadPUJNPrefs();
@@ -269,6 +272,7 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
     if (keyword.starts_with('*') && keyword.size() < kLineCapacity) {
         std::array<char, kLineCapacity> name{};
         keyword.copy(name.data(), keyword.size());
+        // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
         ParsePSKeywords(stream, name.data());
     }
 }

@@ -222,8 +222,8 @@ private:
                          ChoiceBlock& block);
     void ReadOptionLine(PPDStream& line, ChoiceBlock& block);
     std::string_view DefaultOption(const std::string& keyword, const ChoiceBlock& block, long line);
-    void FinishBoolean(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line);
-    void FinishPopup(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line);
+    void FinishBoolean(ControlDraft& draft, ChoiceBlock& block, const CFStringRef& name, long line);
+    void FinishPopup(ControlDraft& draft, ChoiceBlock& block, const CFStringRef& name, long line);
     void ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat);
     bool HasPlace(const ControlDraft& draft, std::string_view keyword, bool visible);
     ControlDefinition Define(const ControlDraft& draft, const std::string& keyword,

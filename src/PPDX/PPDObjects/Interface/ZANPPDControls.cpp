@@ -220,6 +220,9 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
         }
     }
     const CFStringRef name = LocalName(named, blockLine);
+    if (block.kind != ChoiceBlock::Kind::boolean) {
+        block.items.reserve(16); // most blocks have fewer choices
+    }
     block.key = constraints->GetConstraintStrings()->Insert(draft.keyword);
     ReadBlock(draft.keyword, block);
     if (block.error) {
@@ -312,7 +315,7 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     }
 }
 
-void ZANPPD::FinishBoolean(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line) {
+void ZANPPD::FinishBoolean(ControlDraft& draft, ChoiceBlock& block, const CFStringRef& name, long line) {
     if (!block.hasBranch[0] && !block.hasBranch[1]) {
         Report(PPDErr_BooleanParsing, draft.keyword, line);
         return;
@@ -340,7 +343,7 @@ void ZANPPD::FinishBoolean(ControlDraft& draft, ChoiceBlock& block, CFStringRef 
                  true);
 }
 
-void ZANPPD::FinishPopup(ControlDraft& draft, ChoiceBlock& block, CFStringRef name, long line) {
+void ZANPPD::FinishPopup(ControlDraft& draft, ChoiceBlock& block, const CFStringRef& name, long line) {
     if (!HasPlace(draft, draft.keyword, true)) {
         return;
     }

@@ -92,6 +92,7 @@ void ZANPPD::RestoreElements(Settings& settings) {
     takeVersion("versionMacQV", {&versionMacQV, &makerVersionMac});
     dmtInjection = record.Text("template").value_or("");
     if (!dmtInjection.empty()) {
+        // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
         ReadCustXmlData(dmtInjection);
     }
 
