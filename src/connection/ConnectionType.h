@@ -2,8 +2,6 @@
 
 #include "platform/Printing.h"
 
-#include <string>
-
 // How the session's current queue reaches its device, and what its device URI tells of a discovered service.
 //
 // The tests answer false when there is no printer or its URI cannot be had. Schemes are compared exactly,
@@ -33,7 +31,7 @@ CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url);
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url);
 
 // Whether the spooler's filter could not reach the queue's configured address: the record
-// "QVInvalidPrinterAddress" of the destination PPD holds "yes".
-bool isInvalidPrinterAddress(const std::string& destinationPPD);
+// "QVInvalidPrinterAddress" of destinationPPD() holds "yes".
+bool isInvalidPrinterAddress();
 
 } // namespace torka

@@ -15,14 +15,14 @@ public:
     static constexpr OSStatus memFullErr = -108; // the list cannot be turned into XML
 
     // The list at `path` below the home folder, or what stands for it on the running system version.
-    PropertyListFile(std::string_view path, QueueAccess access);
+    PropertyListFile(std::string_view path, PMPrintSession session, WaitObserver observer = {});
     explicit PropertyListFile(std::unique_ptr<PropertyListStore> listStore);
     PropertyListFile(const PropertyListFile&) = delete;
     PropertyListFile& operator=(const PropertyListFile&) = delete;
     virtual ~PropertyListFile();
 
     // False with Error() set when the list could not be written or sent. A list equal to the one that is kept
-    // is not written or sent again.
+    // (an empty one where none is) is not written or sent again.
     bool Save(const CFArrayRef& newList);
 
     const CFArrayRef& List() const { return list; } // what is kept, null for none
@@ -34,7 +34,6 @@ public:
 private:
     void Load();
 
-    CFURLRef fileURL;
     CFArrayRef list;
     bool loaded = false;
     OSStatus error = noErr;

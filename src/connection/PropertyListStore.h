@@ -1,9 +1,9 @@
 #pragma once
 
+#include "bidi/Wait.h"
 #include "platform/Printing.h"
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,11 +12,12 @@
 
 namespace torka {
 
-// What it takes to speak with the current queue.
-struct QueueAccess {
-    PMPrintSession session;
-    // Waits for the command job of that title; false when it did not complete.
-    std::function<bool(const std::string& jobTitle)> isJobComple;
+struct SaveResult {
+    // noErr when the list was written or sent; else an error of the printing framework, or one of the system
+    // as its number.
+    OSStatus error = noErr;
+    // Load would give the list now. A command job that was sent and did not complete leaves this open.
+    bool confirmed = false;
 };
 
 class PropertyListStore {
@@ -27,8 +28,7 @@ public:
     virtual ~PropertyListStore();
     // The kept list as XML text, "" when none is kept or it cannot be had.
     virtual std::string Load() = 0;
-    // noErr, or what went wrong: an error of the printing framework, or one of the system as its number.
-    virtual OSStatus Save(std::string_view xml) = 0;
+    virtual SaveResult Save(std::string_view xml) = 0;
 };
 
 // A file of at most 16 MB, readable and writable by its owner alone. Saved whole or not at all.
@@ -36,7 +36,7 @@ class FilePropertyListStore final : public PropertyListStore {
 public:
     explicit FilePropertyListStore(std::filesystem::path file);
     std::string Load() override;
-    OSStatus Save(std::string_view xml) override;
+    SaveResult Save(std::string_view xml) override;
 
 private:
     std::filesystem::path path;
@@ -47,27 +47,29 @@ class DescriptionPropertyListStore final : public PropertyListStore {
 public:
     explicit DescriptionPropertyListStore(std::string ppd);
     std::string Load() override;
-    OSStatus Save(std::string_view xml) override;
+    SaveResult Save(std::string_view xml) override;
 
 private:
     std::string ppdPath;
 };
 
 // The record "QVDriverPreference" of the current queue's description, saved by a command job to the queue's
-// filter. A queue that is stopped or rejects jobs is not waited for: what was sent counts as saved.
+// filter, which is waited for. Nothing is sent to a queue that is stopped or takes no jobs.
 class QueuePropertyListStore final : public PropertyListStore {
 public:
-    explicit QueuePropertyListStore(QueueAccess queueAccess);
+    explicit QueuePropertyListStore(PMPrintSession printSession, WaitObserver waitObserver = {});
     std::string Load() override;
-    OSStatus Save(std::string_view xml) override;
+    SaveResult Save(std::string_view xml) override;
 
 private:
-    QueueAccess access;
+    PMPrintSession session;
+    WaitObserver observer;
 };
 
 // The store that the running system version asks for: from minor version 7 on a list is read from the queue's
 // description, before that from the file at the home folder joined with `path`; version 6 alone saves to that
 // file, all others by command job.
-std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, QueueAccess access);
+std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, PMPrintSession session,
+                                                         WaitObserver observer = {});
 
 } // namespace torka

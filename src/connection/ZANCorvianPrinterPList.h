@@ -3,6 +3,7 @@
 #include "connection/PropertyListFile.h"
 
 #include <array>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,7 +23,7 @@ using DataRow = std::array<char, 1024>;
 class ZANCorvianPrinterPList final : public PropertyListFile {
 public:
     // Loads "/Library/Preferences/ZAN.CorvianPrinterV2.plist" of the home folder, or the queue's record.
-    explicit ZANCorvianPrinterPList(QueueAccess access);
+    explicit ZANCorvianPrinterPList(PMPrintSession session, WaitObserver observer = {});
     explicit ZANCorvianPrinterPList(std::unique_ptr<PropertyListStore> listStore);
     ~ZANCorvianPrinterPList() override;
 
@@ -49,6 +50,10 @@ public:
 private:
     CFStringRef StringAt(std::size_t position) const; // null for anything else
     bool IsEndMark(std::size_t position) const;
+    std::optional<std::size_t> FindEntry(const CFStringRef& name) const;
+    // The first element from there to the end mark that holds the block's header text.
+    std::optional<std::size_t> FindBlock(std::size_t from, int blockId) const;
+    std::size_t RowCount(std::size_t header, int blockId) const;
     void SetAt(std::size_t position, CFTypeRef value);
     void Remove(std::size_t position, std::size_t count);
     void BringToFormat2(std::size_t entry);

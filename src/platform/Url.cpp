@@ -157,6 +157,20 @@ std::string CFURLCopyFileSystemPath(const CFURLRef& url) {
     return path.find('\0') == std::string::npos ? path : std::string();
 }
 
+CFStringRef CFURLCreateStringByReplacingPercentEscapes(const CFStringRef& text) {
+    const auto utf8 = text ? encodeText(text->units, kCFStringEncodingUTF8) : std::nullopt;
+    if (!utf8) {
+        return nullptr;
+    }
+    for (std::size_t i = utf8->find('%'); i != std::string::npos; i = utf8->find('%', i + 1)) {
+        if (escapedByte(*utf8, i) <= 0) {
+            return nullptr;
+        }
+    }
+    const std::string plain = undoEscapes(*utf8);
+    return CFStringCreateWithBytes(plain.data(), static_cast<CFIndex>(plain.size()), kCFStringEncodingUTF8);
+}
+
 bool CFURLGetFSRef(const CFURLRef& url, FSRef& file) {
     file.path.clear();
     if (CFStringCompare(CFURLCopyScheme(url), cfString("file"), kCFCompareCaseInsensitive) != 0) {

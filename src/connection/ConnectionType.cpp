@@ -1,0 +1,84 @@
+#include "connection/ConnectionType.h"
+
+#include "bidi/CPPDMsgHdlr.h"
+#include "bidi/CommandJob.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace torka {
+
+namespace {
+
+constexpr std::u16string_view schemeEnd = u"://";
+constexpr std::array<std::u16string_view, 4> serviceTypes = {u"_printer._tcp", u"_ipp._tcp", u"_ipps._tcp",
+                                                             u"_pdl-datastream._tcp"};
+
+bool hasScheme(const PMPrintSession& session, std::u16string_view scheme) {
+    const CFStringRef type = CopyPrinterConnectionType(session);
+    return type && type->units == scheme;
+}
+
+std::u16string_view serviceType(std::u16string_view url) {
+    for (const std::u16string_view type : serviceTypes) {
+        if (url.find(type) != std::u16string_view::npos) {
+            return type;
+        }
+    }
+    return {};
+}
+
+std::u16string_view before(std::u16string_view text, std::u16string_view separator) {
+    return text.substr(0, text.find(separator));
+}
+
+} // namespace
+
+CFStringRef GetCurrentPrinterName(const PMPrintSession& session) {
+    PMPrinter printer;
+    return PMSessionGetCurrentPrinter(session, printer) == noErr ? PMPrinterGetName(printer) : nullptr;
+}
+
+CFStringRef CopyPrinterConnectionType(const PMPrintSession& session) {
+    PMPrinter printer;
+    CFURLRef uri;
+    const bool known = PMSessionGetCurrentPrinter(session, printer) == noErr &&
+                       PMPrinterCopyDeviceURI(printer, uri) == noErr;
+    return known ? CFURLCopyScheme(uri) : nullptr;
+}
+
+bool isUSBPrinterConnection(const PMPrintSession& session) { return hasScheme(session, u"usb"); }
+bool isAppleTalkPrinterConnection(const PMPrintSession& session) { return hasScheme(session, u"pap"); }
+bool isBonjourPrinterConnection(const PMPrintSession& session) { return hasScheme(session, u"mdns"); }
+bool isIPPrinterConnection(const PMPrintSession& session) { return hasScheme(session, u"ipp"); }
+
+bool isDiscoveredServiceConnection(const PMPrintSession& session) {
+    return hasScheme(session, u"mdns") || hasScheme(session, u"dnssd");
+}
+
+CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url) {
+    static const CFStringRef none = CFStringCreateWithCharacters(u"");
+    const std::u16string_view text = url ? std::u16string_view(url->units) : std::u16string_view();
+    const std::u16string_view scheme = before(text, schemeEnd);
+    if (scheme.empty()) {
+        return none;
+    }
+    std::u16string_view name = before(text, u"." + std::u16string(serviceType(text)));
+    const std::u16string prefix = std::u16string(scheme) + std::u16string(schemeEnd);
+    if (name.starts_with(prefix)) {
+        name.remove_prefix(prefix.size());
+    }
+    const CFStringRef plain = CFURLCreateStringByReplacingPercentEscapes(CFStringCreateWithCharacters(name));
+    return plain ? plain : none;
+}
+
+CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url) {
+    return breakBonjourURLIntoMeaningFullItems(CFURLGetString(url));
+}
+
+bool isInvalidPrinterAddress() {
+    return CPPDMsgHdlr(destinationPPD(), "InvalidPrinterAddress").GetCStringData() == "yes";
+}
+
+} // namespace torka

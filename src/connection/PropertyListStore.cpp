@@ -1,0 +1,102 @@
+#include "connection/PropertyListStore.h"
+
+#include "bidi/CPPDMsgHdlr.h"
+#include "bidi/CommandJob.h"
+#include "platform/System.h"
+#include "platform/TextEncoding.h"
+
+#include <cerrno>
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t mostFileBytes = 0x1000000;
+constexpr unsigned fileMode = 0600;
+constexpr int firstVersionWithRecord = 7;
+constexpr int versionThatSavesFile = 6;
+constexpr std::string_view recordMessage = "DriverPreference";
+constexpr std::string_view commandTitle = "Command_ZANPrefs";
+
+std::string readRecord(const std::string& ppdPath) {
+    return utf8FromWide(CPPDMsgHdlr(ppdPath, recordMessage).GetStringData());
+}
+
+// Loads from one store and saves to another.
+class SplitPropertyListStore final : public PropertyListStore {
+public:
+    SplitPropertyListStore(std::unique_ptr<PropertyListStore> loadFrom,
+                           std::unique_ptr<PropertyListStore> saveTo)
+        : source(std::move(loadFrom))
+        , target(std::move(saveTo)) {}
+    std::string Load() override { return source->Load(); }
+    SaveResult Save(std::string_view xml) override { return target->Save(xml); }
+
+private:
+    std::unique_ptr<PropertyListStore> source;
+    std::unique_ptr<PropertyListStore> target;
+};
+
+} // namespace
+
+PropertyListStore::~PropertyListStore() = default;
+
+FilePropertyListStore::FilePropertyListStore(std::filesystem::path file)
+    : path(std::move(file)) {}
+
+std::string FilePropertyListStore::Load() {
+    std::string xml;
+    return system().ReadFile(path, mostFileBytes, xml) ? std::string() : xml;
+}
+
+SaveResult FilePropertyListStore::Save(std::string_view xml) {
+    const std::error_code failure = system().WriteFile(path, xml, fileMode);
+    return {failure.value(), !failure};
+}
+
+DescriptionPropertyListStore::DescriptionPropertyListStore(std::string ppd)
+    : ppdPath(std::move(ppd)) {}
+
+std::string DescriptionPropertyListStore::Load() { return readRecord(ppdPath); }
+
+SaveResult DescriptionPropertyListStore::Save(std::string_view /*xml*/) { return {EROFS, false}; }
+
+QueuePropertyListStore::QueuePropertyListStore(PMPrintSession printSession, WaitObserver waitObserver)
+    : session(std::move(printSession))
+    , observer(std::move(waitObserver)) {}
+
+std::string QueuePropertyListStore::Load() {
+    PMPrinter printer;
+    CFURLRef url;
+    const bool known = PMSessionGetCurrentPrinter(session, printer) == noErr &&
+                       PMPrinterCopyDescriptionURL(printer, cfString("PMPPDDescriptionType"), url) == noErr;
+    return known ? readRecord(CFURLCopyFileSystemPath(url)) : std::string();
+}
+
+SaveResult QueuePropertyListStore::Save(std::string_view xml) {
+    PMPrinter printer;
+    if (const OSStatus error = PMSessionGetCurrentPrinter(session, printer)) {
+        return {error, false};
+    }
+    const std::string title = std::string(commandTitle) + system().CreateUuidString();
+    const CommandOutcome outcome = sendCommandAndWait(printer, xml, title, observer);
+    const bool completed = outcome == CommandOutcome::completed;
+    const bool sent = completed || outcome == CommandOutcome::notCompleted;
+    return {sent ? noErr : kPMGeneralError, completed};
+}
+
+std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, PMPrintSession session,
+                                                         WaitObserver observer) {
+    const int version = system().MinorVersion();
+    auto queue = std::make_unique<QueuePropertyListStore>(std::move(session), std::move(observer));
+    if (version >= firstVersionWithRecord) {
+        return queue;
+    }
+    auto file = std::make_unique<FilePropertyListStore>(system().HomeFolder().string() + std::string(path));
+    if (version == versionThatSavesFile) {
+        return file;
+    }
+    return std::make_unique<SplitPropertyListStore>(std::move(file), std::move(queue));
+}
+
+} // namespace torka

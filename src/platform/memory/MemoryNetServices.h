@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/NetServices.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace torka::platform {
+
+// A network that answers what it is told and whose clock moves only when someone waits for a datagram. Public
+// members may be changed at any time. Not thread-safe. The sockets it gives must not outlive it.
+class MemoryNetServices final : public NetServices {
+public:
+    using Bytes = std::vector<std::uint8_t>;
+    struct Sent {
+        Bytes message;
+        HostAddress to;
+    };
+
+    bool ResolveHost(const std::string& name, HostAddress& address) override;
+    int IcmpProtocol() override { return icmpProtocol; }
+    std::unique_ptr<IcmpSocket> OpenIcmpSocket(int protocol, int& error) override;
+    std::uint32_t ProcessIdentifier() const override { return processIdentifier; }
+    int TimeOfDay(ClockTime& time) override;
+    int SteadyTime(ClockTime& time) override;
+
+    // The datagram that an echo request is answered with: a header of `headerBytes`, then the message with
+    // its type made 0 and its checksum adapted.
+    static Bytes EchoReply(const Bytes& request, std::size_t headerBytes = 20);
+
+    std::map<std::string, HostAddress> hosts;
+    int icmpProtocol = 1;
+    int openError = 0;
+    int receiveBufferError = 0;
+    int receiveTimeoutError = 0;
+    int sendError = 0;
+    std::int64_t sendShort = 0; // bytes that each message lacks when it is sent
+    int clockError = 0;
+    std::uint32_t processIdentifier = 0x1234;
+    std::chrono::microseconds now{1'000'000'250'000};
+    // Called for each message sent; what it answers is received next. Unset: nobody answers.
+    std::function<std::optional<Bytes>(const Sent&)> onSend;
+
+    std::vector<Sent> sent;
+    std::vector<Bytes> waiting; // datagrams still to be received, the first one first
+    int openSockets = 0;
+    int receiveBuffer = 0;
+    std::chrono::milliseconds receiveTimeout{0};
+};
+
+} // namespace torka::platform

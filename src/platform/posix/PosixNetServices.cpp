@@ -1,0 +1,138 @@
+#include "platform/posix/PosixNetServices.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace torka::platform {
+
+namespace {
+
+constexpr std::size_t ipHeaderBytes = 20; // without options
+
+sockaddr_in socketAddress(const HostAddress& address) {
+    sockaddr_in result{};
+    result.sin_family = AF_INET;
+    std::memcpy(&result.sin_addr, address.bytes.data(), sizeof(result.sin_addr));
+    return result;
+}
+
+class PosixIcmpSocket final : public IcmpSocket {
+public:
+    explicit PosixIcmpSocket(int opened)
+        : descriptor(opened) {}
+    ~PosixIcmpSocket() override { close(descriptor); }
+
+    int SetReceiveBuffer(int bytes) override { return SetOption(SO_RCVBUF, bytes); }
+    int SetReceiveTimeout(std::chrono::milliseconds newTimeout) override {
+        timeout = newTimeout;
+        timeval time{};
+        time.tv_sec = static_cast<time_t>(newTimeout.count() / 1000);
+        time.tv_usec = static_cast<suseconds_t>(newTimeout.count() % 1000 * 1000);
+        return SetOption(SO_RCVTIMEO, time);
+    }
+    std::int64_t Send(std::span<const std::uint8_t> message, const HostAddress& to, int& error) override {
+        const sockaddr_in target = socketAddress(to);
+        const ssize_t sent = sendto(descriptor, message.data(), message.size(), 0,
+                                    reinterpret_cast<const sockaddr*>(&target), sizeof(target));
+        error = sent < 0 ? errno : 0;
+        return sent;
+    }
+    // Linux gives the ICMP message alone: the header before it is made from what is known of the datagram.
+    std::size_t Receive(std::span<std::uint8_t> buffer) override {
+        if (buffer.size() < ipHeaderBytes) {
+            return 0;
+        }
+        sockaddr_in from{};
+        socklen_t fromSize = sizeof(from);
+        const ssize_t received =
+            recvfrom(descriptor, buffer.data() + ipHeaderBytes, buffer.size() - ipHeaderBytes, 0,
+                     reinterpret_cast<sockaddr*>(&from), &fromSize);
+        if (received < 0) {
+            if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) {
+                poll(nullptr, 0, static_cast<int>(timeout.count()));
+            }
+            return 0;
+        }
+        const std::size_t total = ipHeaderBytes + static_cast<std::size_t>(received);
+        std::fill_n(buffer.begin(), ipHeaderBytes, std::uint8_t{0});
+        buffer[0] = 0x45; // version 4, five words of header
+        buffer[2] = static_cast<std::uint8_t>(total >> 8U);
+        buffer[3] = static_cast<std::uint8_t>(total);
+        buffer[9] = IPPROTO_ICMP;
+        std::memcpy(&buffer[12], &from.sin_addr, sizeof(from.sin_addr));
+        return total;
+    }
+
+private:
+    template <typename T>
+    int SetOption(int option, const T& value) {
+        return setsockopt(descriptor, SOL_SOCKET, option, &value, sizeof(value)) == 0 ? 0 : errno;
+    }
+
+    int descriptor;
+    std::chrono::milliseconds timeout{0};
+};
+
+int readClock(clockid_t clock, ClockTime& time) {
+    timespec now{};
+    if (clock_gettime(clock, &now) != 0) {
+        return errno;
+    }
+    time = {now.tv_sec, now.tv_nsec / 1000};
+    return 0;
+}
+
+} // namespace
+
+bool PosixNetServices::ResolveHost(const std::string& name, HostAddress& address) {
+    address = {};
+    addrinfo hints{};
+    hints.ai_family = AF_INET;
+    hints.ai_socktype = SOCK_DGRAM;
+    addrinfo* found = nullptr;
+    if (name.empty() || name.find('\0') != std::string::npos ||
+        getaddrinfo(name.c_str(), nullptr, &hints, &found) != 0) {
+        return false;
+    }
+    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(found, &freeaddrinfo);
+    sockaddr_in first{};
+    if (found->ai_family != AF_INET || found->ai_addrlen < sizeof(first)) {
+        return false;
+    }
+    std::memcpy(&first, found->ai_addr, sizeof(first));
+    address.family = addressFamilyIPv4;
+    std::memcpy(address.bytes.data(), &first.sin_addr, sizeof(first.sin_addr));
+    return true;
+}
+
+// Small systems have no table of protocols; IANA's number stands without it.
+int PosixNetServices::IcmpProtocol() {
+    protoent entry{};
+    protoent* found = nullptr;
+    std::array<char, 1024> buffer{};
+    const bool known =
+        getprotobyname_r("icmp", &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr;
+    return known ? found->p_proto : IPPROTO_ICMP;
+}
+
+std::unique_ptr<IcmpSocket> PosixNetServices::OpenIcmpSocket(int protocol, int& error) {
+    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, protocol);
+    error = descriptor < 0 ? errno : 0;
+    return descriptor < 0 ? nullptr : std::make_unique<PosixIcmpSocket>(descriptor);
+}
+
+std::uint32_t PosixNetServices::ProcessIdentifier() const { return static_cast<std::uint32_t>(getpid()); }
+
+int PosixNetServices::TimeOfDay(ClockTime& time) { return readClock(CLOCK_REALTIME, time); }
+
+int PosixNetServices::SteadyTime(ClockTime& time) { return readClock(CLOCK_MONOTONIC, time); }
+
+} // namespace torka::platform
