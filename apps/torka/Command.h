@@ -33,5 +33,7 @@ void addCheckCommand(CLI::App& app, ExitStatus& status);
 void addEmitCommand(CLI::App& app, ExitStatus& status);
 void addTicketCommand(CLI::App& app, ExitStatus& status);
 void addNotesCommand(CLI::App& app, ExitStatus& status);
+void addPingCommand(CLI::App& app, ExitStatus& status);
+void addAddressCommand(CLI::App& app, ExitStatus& status);
 
 } // namespace torka::tool

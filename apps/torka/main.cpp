@@ -1,5 +1,6 @@
 #include "apps/torka/Command.h"
 #include "platform/System.h"
+#include "platform/posix/PosixNetServices.h"
 #include "platform/posix/PosixSystem.h"
 
 #include <CLI/Config.hpp>
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
     platform::PosixSystemOptions options;
     options.rootFromEnvironment = true;
     platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+    platform::setNetServices(std::make_unique<platform::PosixNetServices>());
 
     CLI::App app("Extended printer descriptions, job tickets and what becomes of them in a PostScript job",
                  "torka");
@@ -30,6 +32,8 @@ int main(int argc, char** argv) {
     tool::addEmitCommand(app, status);
     tool::addTicketCommand(app, status);
     tool::addNotesCommand(app, status);
+    tool::addPingCommand(app, status);
+    tool::addAddressCommand(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -12,8 +12,8 @@ constexpr std::string_view cacheFile = "/Library/Caches/ZAN/ZAN.CorvianPrinterV2
 
 } // namespace
 
-PropertyListFile::PropertyListFile(std::string_view path, PMPrintSession session, WaitObserver observer)
-    : PropertyListFile(makePropertyListStore(path, std::move(session), std::move(observer))) {}
+PropertyListFile::PropertyListFile(std::string_view path, QueueAccess queue)
+    : PropertyListFile(makePropertyListStore(path, std::move(queue))) {}
 
 PropertyListFile::PropertyListFile(std::unique_ptr<PropertyListStore> listStore)
     : store(std::move(listStore)) {

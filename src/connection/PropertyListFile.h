@@ -15,7 +15,7 @@ public:
     static constexpr OSStatus memFullErr = -108; // the list cannot be turned into XML
 
     // The list at `path` below the home folder, or what stands for it on the running system version.
-    PropertyListFile(std::string_view path, PMPrintSession session, WaitObserver observer = {});
+    PropertyListFile(std::string_view path, QueueAccess queue);
     explicit PropertyListFile(std::unique_ptr<PropertyListStore> listStore);
     PropertyListFile(const PropertyListFile&) = delete;
     PropertyListFile& operator=(const PropertyListFile&) = delete;

@@ -61,42 +61,40 @@ std::string DescriptionPropertyListStore::Load() { return readRecord(ppdPath); }
 
 SaveResult DescriptionPropertyListStore::Save(std::string_view /*xml*/) { return {EROFS, false}; }
 
-QueuePropertyListStore::QueuePropertyListStore(PMPrintSession printSession, WaitObserver waitObserver)
-    : session(std::move(printSession))
-    , observer(std::move(waitObserver)) {}
+QueuePropertyListStore::QueuePropertyListStore(QueueAccess queueAccess)
+    : queue(std::move(queueAccess)) {}
 
 std::string QueuePropertyListStore::Load() {
     PMPrinter printer;
     CFURLRef url;
-    const bool known = PMSessionGetCurrentPrinter(session, printer) == noErr &&
+    const bool known = PMSessionGetCurrentPrinter(queue.session, printer) == noErr &&
                        PMPrinterCopyDescriptionURL(printer, cfString("PMPPDDescriptionType"), url) == noErr;
     return known ? readRecord(CFURLCopyFileSystemPath(url)) : std::string();
 }
 
 SaveResult QueuePropertyListStore::Save(std::string_view xml) {
     PMPrinter printer;
-    if (const OSStatus error = PMSessionGetCurrentPrinter(session, printer)) {
+    if (const OSStatus error = PMSessionGetCurrentPrinter(queue.session, printer)) {
         return {error, false};
     }
     const std::string title = std::string(commandTitle) + system().CreateUuidString();
-    const CommandOutcome outcome = sendCommandAndWait(printer, xml, title, observer);
+    const CommandOutcome outcome = sendCommandAndWait(printer, xml, title, queue.observer);
     const bool completed = outcome == CommandOutcome::completed;
     const bool sent = completed || outcome == CommandOutcome::notCompleted;
     return {sent ? noErr : kPMGeneralError, completed};
 }
 
-std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, PMPrintSession session,
-                                                         WaitObserver observer) {
+std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, QueueAccess queue) {
     const int version = system().MinorVersion();
-    auto queue = std::make_unique<QueuePropertyListStore>(std::move(session), std::move(observer));
+    auto queueStore = std::make_unique<QueuePropertyListStore>(std::move(queue));
     if (version >= firstVersionWithRecord) {
-        return queue;
+        return queueStore;
     }
     auto file = std::make_unique<FilePropertyListStore>(system().HomeFolder().string() + std::string(path));
     if (version == versionThatSavesFile) {
         return file;
     }
-    return std::make_unique<SplitPropertyListStore>(std::move(file), std::move(queue));
+    return std::make_unique<SplitPropertyListStore>(std::move(file), std::move(queueStore));
 }
 
 } // namespace torka

@@ -12,6 +12,12 @@
 
 namespace torka {
 
+// The queue that a list belongs to.
+struct QueueAccess {
+    PMPrintSession session;
+    WaitObserver observer; // told while a command job is waited for
+};
+
 struct SaveResult {
     // noErr when the list was written or sent; else an error of the printing framework, or one of the system
     // as its number.
@@ -57,19 +63,17 @@ private:
 // filter, which is waited for. Nothing is sent to a queue that is stopped or takes no jobs.
 class QueuePropertyListStore final : public PropertyListStore {
 public:
-    explicit QueuePropertyListStore(PMPrintSession printSession, WaitObserver waitObserver = {});
+    explicit QueuePropertyListStore(QueueAccess queueAccess);
     std::string Load() override;
     SaveResult Save(std::string_view xml) override;
 
 private:
-    PMPrintSession session;
-    WaitObserver observer;
+    QueueAccess queue;
 };
 
 // The store that the running system version asks for: from minor version 7 on a list is read from the queue's
 // description, before that from the file at the home folder joined with `path`; version 6 alone saves to that
 // file, all others by command job.
-std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, PMPrintSession session,
-                                                         WaitObserver observer = {});
+std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, QueueAccess queue);
 
 } // namespace torka

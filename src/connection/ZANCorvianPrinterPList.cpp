@@ -37,8 +37,8 @@ CFStringRef rowString(const DataRow& row) {
 
 } // namespace
 
-ZANCorvianPrinterPList::ZANCorvianPrinterPList(PMPrintSession session, WaitObserver observer)
-    : ZANCorvianPrinterPList(makePropertyListStore(listPath, std::move(session), std::move(observer))) {}
+ZANCorvianPrinterPList::ZANCorvianPrinterPList(QueueAccess queue)
+    : ZANCorvianPrinterPList(makePropertyListStore(listPath, std::move(queue))) {}
 
 ZANCorvianPrinterPList::ZANCorvianPrinterPList(std::unique_ptr<PropertyListStore> listStore)
     : PropertyListFile(std::move(listStore)) {

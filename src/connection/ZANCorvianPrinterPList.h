@@ -13,6 +13,19 @@ namespace torka {
 // A row of a data block as its writers hold it: UTF-8 text with a NUL, cut after 1,023 bytes.
 using DataRow = std::array<char, 1024>;
 
+// One entry, taken apart for people to read.
+struct PrinterAddressEntry {
+    struct Block {
+        int id = 0;
+        std::vector<CFStringRef> rows;
+    };
+    CFStringRef name;
+    CFStringRef address;
+    bool ipEnabled = false;
+    CFStringRef format;        // null when it is none
+    std::vector<Block> blocks; // of format "2"
+};
+
 // What is remembered of each printer: its controller's address, whether two-way communication goes there, and
 // small blocks of text rows by number (0 quick-access keywords, 1 watermark names).
 //
@@ -23,7 +36,7 @@ using DataRow = std::array<char, 1024>;
 class ZANCorvianPrinterPList final : public PropertyListFile {
 public:
     // Loads "/Library/Preferences/ZAN.CorvianPrinterV2.plist" of the home folder, or the queue's record.
-    explicit ZANCorvianPrinterPList(PMPrintSession session, WaitObserver observer = {});
+    explicit ZANCorvianPrinterPList(QueueAccess queue);
     explicit ZANCorvianPrinterPList(std::unique_ptr<PropertyListStore> listStore);
     ~ZANCorvianPrinterPList() override;
 
@@ -44,6 +57,11 @@ public:
     bool GetDataBlob(const CFStringRef& name, int blockId, std::vector<CFStringRef>& out) const;
     bool Save();
 
+    // Every text, text and boolean in a row begins an entry.
+    std::vector<PrinterAddressEntry> Entries() const;
+    // Takes out an entry up to its end mark, or up to the next entry. False when there is none.
+    bool RemoveEntry(const CFStringRef& name);
+
     const std::vector<CFTypeRef>& Elements() const { return elements; }
     bool Changed() const { return changed; } // since it was loaded or saved
 
@@ -53,6 +71,11 @@ private:
     std::optional<std::size_t> FindEntry(const CFStringRef& name) const;
     // The first element from there to the end mark that holds the block's header text.
     std::optional<std::size_t> FindBlock(std::size_t from, int blockId) const;
+    // The first place from there on at which an entry begins, the list's end when there is none.
+    std::size_t NextEntry(std::size_t from) const;
+    // The place of the end mark from there on, at most `limit`.
+    std::size_t NextEndMark(std::size_t from, std::size_t limit) const;
+    std::vector<PrinterAddressEntry::Block> Blocks(std::size_t first, std::size_t last) const;
     std::size_t RowCount(std::size_t header, int blockId) const;
     void SetAt(std::size_t position, CFTypeRef value);
     void Remove(std::size_t position, std::size_t count);

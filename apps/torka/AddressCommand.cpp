@@ -1,0 +1,168 @@
+#include "apps/torka/Command.h"
+#include "apps/torka/Description.h"
+#include "connection/ZANCorvianPrinterPList.h"
+#include "platform/System.h"
+
+#include <memory>
+#include <system_error>
+
+namespace torka::tool {
+
+namespace {
+
+constexpr std::size_t mostInputBytes = 0x4000000;
+
+struct AddressOptions {
+    std::string file;
+    std::string ppd;
+    std::string name;
+    std::string address;
+    bool twoWay = false;
+    bool noTwoWay = false;
+    bool json = false;
+};
+
+Json rowsJson(const std::vector<CFStringRef>& rows) {
+    Json json = Json::array();
+    for (const CFStringRef& row : rows) {
+        json.push_back(utf8Text(row));
+    }
+    return json;
+}
+
+Json entryJson(const PrinterAddressEntry& entry) {
+    Json blocks = Json::array();
+    for (const auto& block : entry.blocks) {
+        blocks.push_back({{"id", block.id}, {"rows", rowsJson(block.rows)}});
+    }
+    return {{"name", utf8Text(entry.name)},
+            {"address", utf8Text(entry.address)},
+            {"twoWay", entry.ipEnabled},
+            {"format", utf8Text(entry.format)},
+            {"blocks", std::move(blocks)}};
+}
+
+void printEntry(const PrinterAddressEntry& entry) {
+    const std::string address = utf8Text(entry.address);
+    print(printable(utf8Text(entry.name)) + ": " + (address.empty() ? "no address" : printable(address)) +
+          (entry.ipEnabled ? ", two-way" : "") + "\n");
+    for (const auto& block : entry.blocks) {
+        print("  block " + std::to_string(block.id) + ":\n");
+        for (const CFStringRef& row : block.rows) {
+            print("    " + printable(utf8Text(row)) + "\n");
+        }
+    }
+}
+
+std::unique_ptr<PropertyListStore> storeOf(const AddressOptions& options) {
+    if (!options.ppd.empty()) {
+        return std::make_unique<DescriptionPropertyListStore>(options.ppd);
+    }
+    return std::make_unique<FilePropertyListStore>(options.file);
+}
+
+// The list to work with. Null, with the reason told, when the file is there and holds none, or must be there
+// and is not.
+std::unique_ptr<ZANCorvianPrinterPList> openList(const AddressOptions& options, bool mayBeAbsent) {
+    const std::string& path = options.ppd.empty() ? options.file : options.ppd;
+    std::string content;
+    const std::error_code failure = system().ReadFile(path, mostInputBytes, content);
+    const bool isAbsent = failure == std::errc::no_such_file_or_directory;
+    if (failure && !(isAbsent && mayBeAbsent)) {
+        unusable(path + ": " + failure.message());
+        return nullptr;
+    }
+    auto list = std::make_unique<ZANCorvianPrinterPList>(storeOf(options));
+    if (!list->Loaded() && !isAbsent) {
+        unusable(path + (options.ppd.empty() ? ": not a property list that is an array"
+                                             : ": no record QVDriverPreference that is an address list"));
+        return nullptr;
+    }
+    return list;
+}
+
+ExitStatus saveList(ZANCorvianPrinterPList& list, const std::string& path) {
+    if (list.Save()) {
+        return ExitStatus::good;
+    }
+    return unusable(path + ": " +
+                    (list.Error() == PropertyListFile::memFullErr
+                         ? "the list holds a text that XML cannot hold"
+                         : std::generic_category().message(list.Error())));
+}
+
+ExitStatus listAddresses(const AddressOptions& options) {
+    const auto list = openList(options, false);
+    if (!list) {
+        return ExitStatus::unusable;
+    }
+    Json printers = Json::array();
+    for (const PrinterAddressEntry& entry : list->Entries()) {
+        if (options.json) {
+            printers.push_back(entryJson(entry));
+        } else {
+            printEntry(entry);
+        }
+    }
+    if (options.json) {
+        Json json;
+        json["printers"] = std::move(printers);
+        print(jsonDocument(json));
+    }
+    return ExitStatus::good;
+}
+
+ExitStatus setAddress(const AddressOptions& options) {
+    const auto list = openList(options, true);
+    if (!list) {
+        return ExitStatus::unusable;
+    }
+    const CFStringRef name = cfString(options.name);
+    const bool twoWay = options.twoWay || (!options.noTwoWay && list->getIPEnabled(name));
+    list->Add(name, cfString(options.address), twoWay);
+    return saveList(*list, options.file);
+}
+
+ExitStatus removeAddress(const AddressOptions& options) {
+    const auto list = openList(options, false);
+    if (!list) {
+        return ExitStatus::unusable;
+    }
+    if (!list->RemoveEntry(cfString(options.name))) {
+        warn(options.file + ": no entry of \"" + options.name + "\"");
+        return ExitStatus::findings;
+    }
+    return saveList(*list, options.file);
+}
+
+} // namespace
+
+void addAddressCommand(CLI::App& app, ExitStatus& status) {
+    const auto options = std::make_shared<AddressOptions>();
+    CLI::App* command = app.add_subcommand("address", "The printers' controller addresses");
+    command->require_subcommand(1);
+
+    CLI::App* list = command->add_subcommand("list", "Print the entries");
+    CLI::Option_group* source = list->add_option_group("source");
+    source->add_option("--file", options->file, "Address list (XML property list)");
+    source->add_option("--ppd", options->ppd, "Description of a queue that keeps the list in its record");
+    source->require_option(1);
+    list->add_flag("--json", options->json, "As JSON");
+    list->callback([options, &status] { status = listAddresses(*options); });
+
+    CLI::App* set = command->add_subcommand("set", "Add a printer's entry or change its address");
+    set->add_option("--file", options->file, "Address list, made when it is not there")->required();
+    set->add_option("NAME", options->name, "Printer name; letter case does not matter")->required();
+    set->add_option("ADDRESS", options->address, "Host name or IP address of the controller")->required();
+    CLI::Option* on = set->add_flag("--two-way", options->twoWay, "Two-way communication on");
+    set->add_flag("--no-two-way", options->noTwoWay, "Two-way communication off; default: as it is")
+        ->excludes(on);
+    set->callback([options, &status] { status = setAddress(*options); });
+
+    CLI::App* remove = command->add_subcommand("remove", "Remove a printer's entry");
+    remove->add_option("--file", options->file, "Address list (XML property list)")->required();
+    remove->add_option("NAME", options->name, "Printer name; letter case does not matter")->required();
+    remove->callback([options, &status] { status = removeAddress(*options); });
+}
+
+} // namespace torka::tool

@@ -1,0 +1,87 @@
+#include "apps/torka/Command.h"
+#include "connection/SimplePing.h"
+
+#include <memory>
+#include <system_error>
+
+namespace torka::tool {
+
+namespace {
+
+constexpr int mostEchoes = 1'000'000;
+constexpr int mostSeconds = 3600;
+
+struct PingOptions {
+    std::string host;
+    int count = 3;
+    int timeout = 1; // seconds
+};
+
+std::string pingFailure(int error) {
+    switch (error) {
+    case pingHostNotFound:
+        return "the host is not known";
+    case pingNoProtocol:
+        return "this system does not know the protocol icmp";
+    case pingNotPermitted:
+        return "this user may not open ICMP sockets; the group must lie in net.ipv4.ping_group_range "
+               "(sysctl tells it)";
+    default:
+        return std::generic_category().message(error);
+    }
+}
+
+// Waits second by second, so that a reply ends the wait. An error number, 0 with `replied` told otherwise.
+int exchangeEcho(IcmpSocket& socket, const HostAddress& address, int sequence, int timeout, int& replied) {
+    int error = CreateAndSendICMPPacket(socket, address, sequence);
+    for (int second = 0; error == 0 && replied == 0 && second < timeout; ++second) {
+        error = WaitAndPrintICMPs(socket, 1, true, &replied);
+    }
+    return error;
+}
+
+ExitStatus runPing(const PingOptions& options) {
+    const auto fail = [&options](int error) { return unusable(options.host + ": " + pingFailure(error)); };
+    HostAddress address;
+    if (const int error = LookupHostAddress(options.host.c_str(), &address)) {
+        return fail(error);
+    }
+    std::unique_ptr<IcmpSocket> socket;
+    if (const int error = CreateSocketForCommunicationWithHost(socket)) {
+        return fail(error);
+    }
+    const std::string who = printable(options.host) + " (" + addressText(address) + ")";
+    for (int sequence = 0; sequence < options.count; ++sequence) {
+        int replied = 0;
+        if (const int error = exchangeEcho(*socket, address, sequence, options.timeout, replied)) {
+            return fail(error);
+        }
+        const std::string place = std::to_string(sequence + 1) + " of " + std::to_string(options.count);
+        if (replied == 0) {
+            print(who + ": no reply to echo " + place + "\n");
+            return ExitStatus::findings;
+        }
+        print(who + ": reply to echo " + place + "\n");
+        if (outputFailed()) {
+            break; // nobody reads on
+        }
+    }
+    return ExitStatus::good;
+}
+
+} // namespace
+
+void addPingCommand(CLI::App& app, ExitStatus& status) {
+    const auto options = std::make_shared<PingOptions>();
+    CLI::App* command = app.add_subcommand("ping", "Tell whether a host answers ICMP echo requests");
+    command->add_option("HOST", options->host, "Host name or IPv4 address")->required();
+    command->add_option("--count", options->count, "Echo requests, each sent after the reply to the last")
+        ->check(CLI::Range(1, mostEchoes))
+        ->capture_default_str();
+    command->add_option("--timeout", options->timeout, "Seconds to wait for each reply")
+        ->check(CLI::Range(1, mostSeconds))
+        ->capture_default_str();
+    command->callback([options, &status] { status = runPing(*options); });
+}
+
+} // namespace torka::tool

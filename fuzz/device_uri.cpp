@@ -1,0 +1,38 @@
+// A device URI of any bytes, as text and as the URL of a queue: it is of one kind at most, and the name taken
+// from it can be shown.
+
+#include "connection/ConnectionType.h"
+#include "platform/memory/MemoryPrinting.h"
+
+#include <cstdlib>
+
+namespace {
+
+void check(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace torka;
+    const std::string uri(reinterpret_cast<const char*>(data), size);
+    const CFStringRef text = cfString(uri);
+    const CFStringRef name = breakBonjourURLIntoMeaningFullItems(text);
+    check(name != nullptr && CFStringGetLength(name) <= CFStringGetLength(text));
+
+    const auto printer = std::make_shared<MemoryPrinter>();
+    printer->deviceUri = uri;
+    const PMPrintSession session = std::make_shared<MemorySession>(printer);
+    const int kinds = int{isUSBPrinterConnection(session)} + int{isAppleTalkPrinterConnection(session)} +
+                      int{isBonjourPrinterConnection(session)} + int{isIPPrinterConnection(session)};
+    check(kinds <= 1 && (CopyPrinterConnectionType(session) || kinds == 0));
+    check(isDiscoveredServiceConnection(session) || !isBonjourPrinterConnection(session));
+    const CFURLRef url = CFURLCreateWithString(text);
+    check(!url || CFEqual(breakBonjourURLIntoMeaningFullItems(url), name));
+    const CFStringRef host = CFURLCopyHostName(url);
+    check(!host || CFStringGetLength(host) > 0);
+    return 0;
+}

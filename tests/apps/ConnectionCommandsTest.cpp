@@ -1,0 +1,98 @@
+#include "tests/apps/Tool.h"
+#include "tests/connection/RecordPPD.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace torka {
+namespace {
+
+using ::testing::HasSubstr;
+using tests::runTool;
+using tests::runToolForJson;
+
+TEST(AddressCommand, KeepsAListThatPythonReads) {
+    const tests::TemporaryFolder folder;
+    const std::string file = (folder / "list.plist").string();
+    EXPECT_EQ(runTool({"address", "set", "--file", file, "Office", "10.0.0.1", "--two-way"}).status, 0);
+    EXPECT_EQ(runTool({"address", "set", "--file", file, "B\xC3\xBCro", "b.example"}).status, 0);
+    EXPECT_EQ(runTool({"address", "set", "--file", file, "OFFICE", "10.0.0.2"}).status, 0);
+    EXPECT_EQ(tests::runPython("import plistlib, sys\n"
+                               "print(ascii(plistlib.load(open(sys.argv[1], 'rb'))))",
+                               {file}),
+              "['Office', '10.0.0.2', True, '2', '----- Data End -----', "
+              "'B\\xfcro', 'b.example', False, '2', '----- Data End -----']\n");
+    const auto printers = runToolForJson({"address", "list", "--file", file}).at("printers");
+    ASSERT_EQ(printers.size(), 2U);
+    EXPECT_EQ(printers[0].dump(),
+              R"({"address":"10.0.0.2","blocks":[],"format":"2","name":"Office","twoWay":true})");
+
+    const std::string ppd = tests::writeRecordPPD(folder, "QVDriverPreference", tests::readFile(file), true);
+    EXPECT_EQ(runTool({"address", "list", "--ppd", ppd}).output,
+              "Office: 10.0.0.2, two-way\nB\xC3\xBCro: b.example\n");
+
+    EXPECT_EQ(runTool({"address", "remove", "--file", file, "nobody"}).status, 1);
+    EXPECT_EQ(runTool({"address", "remove", "--file", file, "office"}).status, 0);
+    EXPECT_EQ(runTool({"address", "list", "--file", file}).output, "B\xC3\xBCro: b.example\n");
+}
+
+TEST(AddressCommand, LeavesAFileAloneThatIsNoList) {
+    const tests::TemporaryFolder folder;
+    const std::string file = folder.Write("list.plist", "mine").string();
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"address", "list", "--file", file},
+          {"address", "list", "--ppd", file},
+          {"address", "set", "--file", file, "P", "a"},
+          {"address", "remove", "--file", file, "P"},
+          {"address", "list", "--file", (folder / "absent").string()},
+          {"address", "set", "--file", (folder / "absent").string() + "/x", "P", "a"},
+          {"address", "set", "--file", (folder / "new").string(), "P\x01", "a"},
+          {"address", "list"}}) {
+        const tests::CommandResult result = runTool(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_THAT(result.errors, ::testing::StartsWith("torka: "));
+    }
+    EXPECT_EQ(tests::readFile(file), "mine");
+}
+
+TEST(PingCommand, SaysWhyItCannot) {
+    EXPECT_EQ(runTool({"ping"}).status, 2);
+    EXPECT_EQ(runTool({"ping", "127.0.0.1", "--count", "0"}).status, 2);
+    const tests::CommandResult unknown = runTool({"ping", "no host"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_THAT(unknown.errors, HasSubstr("no host: the host is not known"));
+}
+
+// Runs a script with the tool as "$0" where loopback is all there is.
+tests::CommandResult inOwnNetwork(const std::string& script) {
+    return tests::runCommand({"unshare", "--map-root-user", "--net", "sh", "-c",
+                              "ip link set lo up && cd /proc/sys/net/ipv4 || exit 99\n" + script,
+                              TORKA_BINARY_DIR "/bin/torka"});
+}
+
+TEST(PingCommand, AsksTheLoopbackOfAnOwnNetwork) {
+    if (inOwnNetwork("echo 0 0 > ping_group_range || exit 99").status != 0) {
+        GTEST_SKIP() << "no network namespace with ICMP sockets may be made here";
+    }
+    const tests::CommandResult answered =
+        inOwnNetwork("echo 0 0 > ping_group_range; \"$0\" ping 127.0.0.1 --count 2");
+    EXPECT_EQ(answered.status, 0) << answered.errors;
+    EXPECT_EQ(answered.output, "127.0.0.1 (127.0.0.1): reply to echo 1 of 2\n"
+                               "127.0.0.1 (127.0.0.1): reply to echo 2 of 2\n");
+    const tests::CommandResult silent =
+        inOwnNetwork("echo 0 0 > ping_group_range; echo 1 > icmp_echo_ignore_all; \"$0\" ping localhost");
+    EXPECT_EQ(silent.status, 1);
+    EXPECT_EQ(silent.output, "localhost (127.0.0.1): no reply to echo 1 of 3\n");
+    const tests::CommandResult unreachable =
+        inOwnNetwork("echo 0 0 > ping_group_range; \"$0\" ping 192.0.2.1");
+    EXPECT_EQ(unreachable.status, 2);
+    EXPECT_THAT(unreachable.errors, HasSubstr(std::strerror(ENETUNREACH)));
+    const tests::CommandResult denied = inOwnNetwork("\"$0\" ping 127.0.0.1");
+    EXPECT_EQ(denied.status, 2);
+    EXPECT_THAT(denied.errors, HasSubstr("ping_group_range"));
+}
+
+} // namespace
+} // namespace torka

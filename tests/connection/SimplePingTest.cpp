@@ -1,0 +1,176 @@
+#include "connection/SimplePing.h"
+
+#include "platform/memory/MemoryNetServices.h"
+#include "platform/posix/PosixNetServices.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace torka {
+namespace {
+
+using Bytes = MemoryNetServices::Bytes;
+
+// What SimplePing answers and writes on the two standard streams.
+struct PingResult {
+    int error;
+    std::string output;
+    std::string errors;
+};
+
+PingResult ping(const char* host, int count, int timeoutSeconds, bool singleReceive) {
+    ::testing::internal::CaptureStdout();
+    ::testing::internal::CaptureStderr();
+    const int error = SimplePing(host, count, timeoutSeconds, singleReceive);
+    return {error, ::testing::internal::GetCapturedStdout(), ::testing::internal::GetCapturedStderr()};
+}
+
+class SimplePingTest : public ::testing::Test {
+protected:
+    SimplePingTest() {
+        auto owned = std::make_unique<MemoryNetServices>();
+        net = owned.get();
+        setNetServices(std::move(owned));
+        parseIPv4Address("10.1.2.3", net->hosts["torka"]);
+    }
+    ~SimplePingTest() override { setNetServices(nullptr); }
+
+    void Answer(std::size_t requests, std::size_t headerBytes = 20) {
+        net->onSend = [this, requests, headerBytes](const MemoryNetServices::Sent& request) {
+            return net->sent.size() <= requests
+                       ? std::optional(MemoryNetServices::EchoReply(request.message, headerBytes))
+                       : std::nullopt;
+        };
+    }
+
+    MemoryNetServices* net; // owned by the holder of platform::netServices()
+};
+
+TEST_F(SimplePingTest, CountsAnsweredEchoes) {
+    Answer(3, 24);
+    EXPECT_EQ(SimplePing("torka", 3, 2, false), 0);
+    ASSERT_EQ(net->sent.size(), 3U);
+    EXPECT_EQ(addressText(net->sent[0].to), "10.1.2.3");
+    for (std::size_t i = 0; i < 3; ++i) {
+        const Bytes& message = net->sent[i].message;
+        ASSERT_EQ(message.size(), 48U);
+        const Bytes head = {8, 0, message[2], message[3], 0x12, 0x34, 0, static_cast<std::uint8_t>(i)};
+        EXPECT_TRUE(std::equal(head.begin(), head.end(), message.begin()));
+        EXPECT_EQ(internetChecksum(message), 0); // a right checksum makes the whole sum up to nothing
+        EXPECT_THAT(std::span(message).subspan(24), ::testing::Each(0));
+    }
+    std::int64_t seconds = 0;
+    std::memcpy(&seconds, &net->sent[0].message[8], sizeof(seconds));
+    EXPECT_EQ(seconds, 1'000'000);
+    EXPECT_EQ(net->receiveBuffer, 51200);
+    EXPECT_EQ(net->receiveTimeout, std::chrono::seconds(1));
+    EXPECT_EQ(net->openSockets, 0);
+}
+
+TEST_F(SimplePingTest, OneMissingReplyEndsIt) {
+    Answer(1);
+    const auto start = net->now;
+    const PingResult result = ping("torka", 3, 2, false);
+    EXPECT_EQ(result.error, 64);
+    EXPECT_EQ(result.output + result.errors, "");
+    EXPECT_EQ(net->sent.size(), 2U);
+    EXPECT_EQ(net->now - start, std::chrono::seconds(4)); // two seconds are waited out for each echo
+    net->sent.clear();
+    EXPECT_EQ(SimplePing("torka", 3, 9, true), 64);
+    EXPECT_EQ(net->now - start, std::chrono::seconds(5)); // one second without a datagram is enough
+    EXPECT_EQ(net->openSockets, 0);
+}
+
+TEST_F(SimplePingTest, ReportsEachFailure) {
+    for (const PingResult& result :
+         {ping(nullptr, 1, 1, true), ping("torka", 0, 1, true), ping("torka", 1, 0, true)}) {
+        EXPECT_EQ(result.error, 22);
+        EXPECT_EQ(result.output, "Invalid arguments to SimplePing\n");
+    }
+    EXPECT_EQ(SimplePing("elsewhere", 1, 1, true), 65);
+
+    net->icmpProtocol = -1;
+    EXPECT_EQ(SimplePing("torka", 1, 1, true), 46);
+    net->icmpProtocol = 1;
+    net->openError = EACCES;
+    EXPECT_EQ(SimplePing("torka", 1, 1, true), 1);
+    net->openError = 0;
+    net->receiveTimeoutError = EDOM;
+    EXPECT_EQ(SimplePing("torka", 1, 1, true), EDOM);
+    net->receiveTimeoutError = 0;
+    EXPECT_TRUE(net->sent.empty());
+
+    Answer(99);
+    net->receiveBufferError = ENOBUFS; // does no harm
+    EXPECT_EQ(SimplePing("torka", 1, 1, true), 0);
+    net->sendShort = 1;
+    EXPECT_EQ(SimplePing("torka", 1, 1, true), 1);
+    net->sendShort = 0;
+    net->sendError = EHOSTUNREACH;
+    PingResult result = ping("torka", 1, 1, true);
+    EXPECT_EQ(result.error, EHOSTUNREACH);
+    EXPECT_EQ(result.errors,
+              "\nError: Unable to ping host: " + std::string(std::strerror(EHOSTUNREACH)) + "\n");
+    net->sendError = 0;
+    net->onSend = [this](const MemoryNetServices::Sent&) {
+        net->clockError = EIO;
+        return std::nullopt;
+    };
+    result = ping("torka", 1, 1, true);
+    EXPECT_EQ(result.error, EIO);
+    EXPECT_EQ(result.errors,
+              "\nError: Error waiting for packet response: " + std::string(std::strerror(EIO)) + "\n");
+    EXPECT_EQ(net->openSockets, 0);
+}
+
+TEST_F(SimplePingTest, LooksUpAddressesAndNames) {
+    HostAddress address;
+    EXPECT_EQ(LookupHostAddress(nullptr, &address), 22);
+    EXPECT_EQ(LookupHostAddress("torka", nullptr), 22);
+    EXPECT_EQ(LookupHostAddress("192.0.2.255", &address), 0);
+    EXPECT_EQ(address.family, 2);
+    EXPECT_EQ(addressText(address), "192.0.2.255");
+    EXPECT_EQ(LookupHostAddress("192.0.2.256", &address), 65);
+    EXPECT_EQ(address.family, 0);
+    EXPECT_EQ(LookupHostAddress("torka", &address), 0);
+    EXPECT_EQ(addressText(address), "10.1.2.3");
+
+    PosixNetServices real;
+    EXPECT_TRUE(real.ResolveHost("localhost", address));
+    EXPECT_EQ(address.bytes[0], 127);
+    EXPECT_FALSE(real.ResolveHost("", address));
+    EXPECT_EQ(address.family, 0);
+    EXPECT_EQ(real.IcmpProtocol(), 1);
+}
+
+TEST(EchoReply, NeedsItsHeaderAndFortyEightBytes) {
+    const auto datagram = [](std::size_t headerBytes, std::size_t rest, std::uint8_t type) {
+        Bytes bytes(headerBytes + rest, 0);
+        bytes[0] = static_cast<std::uint8_t>(0x40U | headerBytes / 4);
+        if (rest > 0) {
+            bytes[headerBytes] = type;
+        }
+        return bytes;
+    };
+    EXPECT_TRUE(isEchoReply(datagram(20, 48, 0)));
+    EXPECT_TRUE(isEchoReply(datagram(60, 100, 0)));
+    EXPECT_FALSE(isEchoReply(datagram(20, 47, 0)));
+    EXPECT_FALSE(isEchoReply(datagram(20, 48, 8)));
+    EXPECT_FALSE(isEchoReply(datagram(60, 0, 0)));
+    EXPECT_FALSE(isEchoReply({}));
+    EXPECT_FALSE(isEchoReply(Bytes{0x4F}));
+}
+
+TEST(InternetChecksum, IsThatOfItsDefinition) {
+    const Bytes published = {0x00, 0x01, 0xf2, 0x03, 0xf4, 0xf5, 0xf6, 0xf7}; // RFC 1071, section 3
+    EXPECT_EQ(internetChecksum(published), 0xFFFF - 0xddf2);
+    EXPECT_EQ(internetChecksum(Bytes{}), 0xFFFF);
+    EXPECT_EQ(internetChecksum(Bytes{0x12}), 0xFFFF - 0x1200); // an odd byte counts as the high one
+    EXPECT_EQ(internetChecksum(Bytes(48, 0xFF)), 0);
+}
+
+} // namespace
+} // namespace torka
