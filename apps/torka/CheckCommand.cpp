@@ -22,12 +22,13 @@ bool takesPartInConstraints(const PPDXControl& control) {
 
 // The settings as one change set. Only popups and booleans are known to the constraint store.
 KVCache changeSet(const ZANPPD& description, const std::vector<Setting>& settings) {
-    const CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
+    // A colour option takes texts that the description does not list; they need an identifier of their own,
+    // since "not found" would stand for every option of the key.
+    CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
     KVCache changes;
     for (const Setting& setting : settings) {
         if (takesPartInConstraints(*description.GetPPDXControlForKey(cfString(setting.key)))) {
-            changes.Insert(strings.Find(std::string_view(setting.key)),
-                           strings.Find(std::string_view(setting.value)));
+            changes.Insert(strings.Insert(setting.key), strings.Insert(setting.value));
         }
     }
     return changes;

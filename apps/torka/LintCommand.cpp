@@ -34,7 +34,11 @@ std::string explain(const PPDLintNote& note) {
     case PPDLintKind::emptyBlock:
         return "the block has no options";
     case PPDLintKind::unclosedBlock:
-        return "the block is not closed before the next element";
+        return "the block is not closed before the next element or the end of the file";
+    case PPDLintKind::unclosedQuote:
+        return "the value has no closing quote and ends where the next keyword begins";
+    case PPDLintKind::unreadableByte:
+        return "the line holds a byte " + note.text + ", at which its text ends";
     case PPDLintKind::badCustomSize:
         return "the custom size line is not understood";
     case PPDLintKind::badNumber:
@@ -78,13 +82,12 @@ ExitStatus runLint(const LintOptions& options) {
     PPDLint lint;
     const auto description = readDescription(options.path, &lint);
     if (options.json) {
-        const Json model = modelJson(*description);
         Json warnings = Json::array();
         for (const PPDLintNote& note : lint.Notes()) {
             warnings.push_back(noteJson(note));
         }
         Json json;
-        json["errors"] = model["errors"];
+        json["errors"] = errorsJson(*description);
         json["warnings"] = std::move(warnings);
         print(jsonDocument(json));
     } else {

@@ -15,20 +15,6 @@ Json headerValue(const CString* value) {
     return value == nullptr ? Json(nullptr) : Json(jsonText(value->Buffer()));
 }
 
-Json headerJson(const ZANPPD& description) {
-    Json header;
-    header["formatVersion"] = headerValue(description.FormatVersion());
-    header["fileVersion"] = headerValue(description.FileVersion());
-    header["pcFileName"] = headerValue(description.PCFileName());
-    header["languageVersion"] = headerValue(description.LanguageVersion());
-    header["languageEncoding"] = headerValue(description.LanguageEncoding());
-    header["modelName"] = headerValue(description.ModelName());
-    header["makerVersion"] = headerValue(description.MakerVersion());
-    header["makerVersionMac"] = headerValue(description.MakerVersionMac());
-    header["dialogExtension"] = headerValue(description.DialogExtension());
-    return header;
-}
-
 // The shortest decimal that reads back as the same 32-bit number: 0.1, not 0.10000000149.
 Json number(float value) {
     std::array<char, 64> text{};
@@ -50,7 +36,7 @@ void addPopup(Json& json, PPDXPopupControl& popup) {
 }
 
 void addJobNote(Json& json, const PPDXJobNote& note) {
-    json["default"] = jsonText(note.GetDefaultNotes());
+    json["default"] = jsonText(note.CFDefaultNotes());
     json["maxLength"] = note.MaxLength();
     json["minLength"] = note.MinLength();
     Json words = Json::array();
@@ -192,12 +178,31 @@ const char* typeName(CNTL_TYPE type) {
     return "none";
 }
 
-Json errorJson(const PPDXErrorObj& error) {
-    return {{"code", error.Code()},
-            {"name", ppdErrName(error.Code())},
-            {"keyword", jsonText(error.Keyword())},
-            {"fatal", error.IsFatal()},
-            {"line", error.Line()}};
+Json headerJson(const ZANPPD& description) {
+    Json header;
+    header["formatVersion"] = headerValue(description.FormatVersion());
+    header["fileVersion"] = headerValue(description.FileVersion());
+    header["pcFileName"] = headerValue(description.PCFileName());
+    header["languageVersion"] = headerValue(description.LanguageVersion());
+    header["languageEncoding"] = headerValue(description.LanguageEncoding());
+    header["modelName"] = headerValue(description.ModelName());
+    header["makerVersion"] = headerValue(description.MakerVersion());
+    header["makerVersionMac"] = headerValue(description.MakerVersionMac());
+    header["dialogExtension"] = headerValue(description.DialogExtension());
+    return header;
+}
+
+Json errorsJson(const ZANPPD& description) {
+    Json errors = Json::array();
+    PPDXErrors& list = *description.Errors();
+    for (const PPDXErrorObj* error = list.First(); error != nullptr; error = list.Next()) {
+        errors.push_back({{"code", error->Code()},
+                          {"name", ppdErrName(error->Code())},
+                          {"keyword", jsonText(error->Keyword())},
+                          {"fatal", error->IsFatal()},
+                          {"line", error->Line()}});
+    }
+    return errors;
 }
 
 Json modelJson(const ZANPPD& description) {
@@ -218,12 +223,7 @@ Json modelJson(const ZANPPD& description) {
     }
     json["shortcuts"] = std::move(shortcuts);
     json["requirements"] = requirementsJson(description);
-    Json errors = Json::array();
-    PPDXErrors& list = *description.Errors();
-    for (const PPDXErrorObj* error = list.First(); error != nullptr; error = list.Next()) {
-        errors.push_back(errorJson(*error));
-    }
-    json["errors"] = std::move(errors);
+    json["errors"] = errorsJson(description);
     return json;
 }
 

@@ -8,7 +8,9 @@
 namespace torka::tool {
 
 Json modelJson(const ZANPPD& description);
-Json errorJson(const PPDXErrorObj& error);
+// Parts of it: the header values and the errors.
+Json headerJson(const ZANPPD& description);
+Json errorsJson(const ZANPPD& description);
 // "popup" and so on.
 const char* typeName(CNTL_TYPE type);
 

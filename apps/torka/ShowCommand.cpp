@@ -107,12 +107,11 @@ ExitStatus show(const ShowOptions& options) {
     if (!description) {
         return ExitStatus::unusable;
     }
-    const Json json = modelJson(*description);
     if (options.json) {
-        print(jsonDocument(json));
+        print(jsonDocument(modelJson(*description)));
         return ExitStatus::good;
     }
-    printHeader(json["header"]);
+    printHeader(headerJson(*description));
     printPages(*description);
     printOutsidePages(*description);
     printShortcuts(*description);

@@ -61,6 +61,7 @@ public:
 
     // Writes a whole file so that it is there complete or not at all: a temporary neighbour is written, given
     // `mode` and renamed. On failure nothing is left behind and an existing file stays as it was.
+    // A device or a pipe is written into.
     virtual std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
                                       unsigned mode) = 0;
     // Reads a whole file of at most `limit` bytes; a longer one is std::errc::file_too_large.

@@ -153,6 +153,26 @@ TEST(CheckCommand, TellsConflictsAlternativesAndWhatIsForbidden) {
               Json::parse(R"([{"key":"*Stock","option":"Card"},{"key":"*Tray","option":"Side"}])"));
 }
 
+TEST(CheckCommand, AColourTextThatIsNotListedForbidsNothing) {
+    const TemporaryFolder folder;
+    const std::string ppd = folder.Write("colour.ppd", R"(*PPD-Adobe: "4.3"
+*%ZANFlags *QVSimulation: Dynamic
+*OpenUI *QVSimulation/Simulation: PickOne
+*DefaultQVSimulation: None
+*QVSimulation None: ""
+*QVSimulation Press: ""
+*CloseUI: *QVSimulation
+*%ZANFlags *Stock: Dynamic
+*OpenUI *Stock/Stock: PickOne
+*DefaultStock: Plain
+*Stock Plain: ""
+*CloseUI: *Stock
+*UIConstraints: *QVSimulation Press *Stock Plain
+)");
+    EXPECT_TRUE(runToolForJson({"check", ppd, "QVSimulation=Own"})["conflicts"].empty());
+    EXPECT_FALSE(runToolForJson({"check", ppd, "QVSimulation=Press"}, 1)["conflicts"].empty());
+}
+
 TEST(Tool, EveryCommandHasHelp) {
     for (const std::string command : {"show", "lint", "check", "emit", "ticket"}) {
         const CommandResult result = runTool({command, "--help"});

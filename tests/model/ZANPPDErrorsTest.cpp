@@ -245,7 +245,13 @@ TEST(ZANPPDLint, NotesTellKindLineAndText) {
         "*OpenUI *Plain/P: PickOne\r\n*CloseUI: *Plain\r\n"                                 // 13, 14
         "*UIConstraints: *Key A *Plain X\r\n"                                               // 15
         "*UIConstraints: *Key Z *Missing\r\n" +
-            longLine + "\r\n*% End of PPD file\r\n" + longLine,
+            longLine + "\r\n*FileVersion: \"1\r\n*ModelName: \"a\xFF\"\r\n" + // 17 to 19
+            std::string("*PCFileName: \"A\0B\"\r\n", 20) +                    // 20
+            "*%ZANFlags *Note:\r\n*%ZANGroup *Note: Nowhere\r\n"              // 21, 22
+            "*%ZANJobNote *Note/N: 99999999999999999999\r\n"                  // 23
+            "*%ZANFlags *Last:\r\n*OpenUI *Last/L: PickOne\r\n"               // 24, 25
+            "*DefaultLast: A\r\n*Last A: \"\r\n*% End of PPD file\r\n" +      // 26 to 28
+            longLine,
         {.lint = &lint});
     EXPECT_THAT(errorsOf(*model), ElementsAre("25 ", "26 "));
     std::vector<std::string> notes;
@@ -256,7 +262,11 @@ TEST(ZANPPDLint, NotesTellKindLineAndText) {
     EXPECT_THAT(notes, ElementsAre("4 unplacedGroup Lonely ", "6 unknownGroup *Key Nowhere",
                                    "7 untranslatableText *Key Caf<E9>", "8 unknownDefault *Key C",
                                    "16 unknownConstraintOption *Key Z",
-                                   "16 unknownConstraintKeyword *Missing ", "17 cutLine *Long "));
+                                   "16 unknownConstraintKeyword *Missing ", "17 cutLine *Long ",
+                                   "18 unclosedQuote *FileVersion ", "19 unreadableByte *ModelName 0xFF",
+                                   "20 unreadableByte *PCFileName NUL", "20 unclosedQuote *PCFileName ",
+                                   "22 unknownGroup *Note Nowhere", "23 badNumber *Note 99999999999999999999",
+                                   "27 unclosedQuote *Last ", "28 unclosedBlock *Last "));
     // A text that is none in the encoding still leaves a readable name.
     EXPECT_EQ(utf8Text(find(*model, "*Key")->CFStringUserName()), "Caf\xEF\xBF\xBD");
 }

@@ -3,12 +3,14 @@
 #include "tests/support/TestSupport.h"
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace torka {
 namespace {
@@ -175,6 +177,15 @@ TEST(PosixSystem, AFailedWriteLeavesEverythingAsItWas) {
     }
     EXPECT_EQ(tests::readFile(folder / "file"), "old");
     EXPECT_EQ(filesIn(folder.Path()), 2U);
+    // A pipe or device is written into and stays what it is.
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    const int reader = open((folder / "pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_FALSE(system.WriteFile(folder / "pipe", "new", 0600));
+    char piped[4] = {};
+    EXPECT_EQ(read(reader, piped, sizeof piped), 3);
+    EXPECT_STREQ(piped, "new");
+    close(reader);
+    EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
     // A link is replaced, what it points to is not touched.
     std::filesystem::create_symlink(folder / "file", folder / "link");
     ASSERT_FALSE(system.WriteFile(folder / "link", "new", 0600));

@@ -14,8 +14,7 @@ namespace torka {
 // emitted.
 extern int gQVUTF8Version;
 
-// The popup job notes. All three are written by the code that reads their stored preferences
-// (ZANPPD::ReadPUJNPrefs) and by the pane when it makes and shows them.
+// The popup job notes. Written by the pane when it makes and shows them.
 extern bool gPopupJobNotesLangIsJapanese;
 extern bool gPopupJobNotesDoneInitializing;
 extern bool gPopupJobNotesFoundOne;

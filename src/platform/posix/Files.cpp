@@ -57,6 +57,20 @@ std::error_code writeAll(int file, std::string_view content) {
     return {};
 }
 
+bool isDeviceOrPipe(const std::filesystem::path& path) {
+    struct stat facts {};
+    return stat(path.c_str(), &facts) == 0 && !S_ISREG(facts.st_mode) && !S_ISDIR(facts.st_mode);
+}
+
+std::error_code writeInto(const std::filesystem::path& path, std::string_view content) {
+    Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    if (file.number < 0) {
+        return lastError();
+    }
+    const std::error_code failure = writeAll(file.number, content);
+    return failure ? failure : file.Close();
+}
+
 std::error_code fillFile(int opened, std::string_view content, unsigned mode) {
     Descriptor file(opened);
     if (const std::error_code failure = writeAll(file.number, content)) {
@@ -74,6 +88,9 @@ std::error_code PosixSystem::WriteFile(const std::filesystem::path& path, std::s
                                        unsigned mode) {
     if (!isUsablePath(path) || !path.has_filename()) {
         return std::make_error_code(std::errc::invalid_argument);
+    }
+    if (isDeviceOrPipe(path)) {
+        return writeInto(path, content);
     }
     std::string neighbour = (path.parent_path() / ".torka-XXXXXX").string();
     const int file = mkostemp(neighbour.data(), O_CLOEXEC);

@@ -15,6 +15,10 @@ namespace {
 
 constexpr std::string_view endOfDescription = "*% End of PPD file";
 
+std::string_view mainKeyword(std::string_view line) {
+    return line.substr(0, line.find_first_of(std::string_view(" \t:\0\xFF", 5)));
+}
+
 } // namespace
 
 const char* ppdLintName(PPDLintKind kind) {
@@ -39,6 +43,10 @@ const char* ppdLintName(PPDLintKind kind) {
         return "emptyBlock";
     case PPDLintKind::unclosedBlock:
         return "unclosedBlock";
+    case PPDLintKind::unclosedQuote:
+        return "unclosedQuote";
+    case PPDLintKind::unreadableByte:
+        return "unreadableByte";
     case PPDLintKind::badCustomSize:
         return "badCustomSize";
     case PPDLintKind::badNumber:
@@ -77,7 +85,7 @@ void PPDLint::Finish(ZANPPD& description) {
         CheckConstraint(description, constraint);
     }
     CheckGroups();
-    CheckLineLengths(description);
+    CheckLines(description);
     std::stable_sort(notes.begin(), notes.end(),
                      [](const PPDLintNote& a, const PPDLintNote& b) { return a.line < b.line; });
 }
@@ -122,24 +130,28 @@ void PPDLint::CheckGroups() {
     }
 }
 
-// Long lines may stand anywhere, in places too that no reader of an element looks at, so the file itself is
-// asked.
-void PPDLint::CheckLineLengths(ZANPPD& description) {
+// These may stand anywhere, in places too that no reader of an element looks at, so the file itself is asked.
+// One that is no description is not: its error says all.
+void PPDLint::CheckLines(const ZANPPD& description) {
     FSRef file;
-    if (!description.GetFileSpec(file)) {
+    if (description.HasFatalError() || !description.GetFileSpec(file)) {
         return;
     }
     std::ifstream in(file.path, std::ios::binary);
     std::array<char, 65536> block;
     std::string start;
     std::size_t length = 0;
+    std::string_view badByte;
     long line = 1;
     char last = '\0';
+    auto unclosed = description.UnclosedValues().begin();
     const auto endLine = [&] {
-        if (length >= kLineCapacity) {
-            Note(PPDLintKind::cutLine, line, start.substr(0, start.find_first_of(" \t:")));
+        CheckLine(line, start, length, badByte);
+        for (; unclosed != description.UnclosedValues().end() && *unclosed <= line; ++unclosed) {
+            Note(PPDLintKind::unclosedQuote, line, mainKeyword(start));
         }
         length = 0;
+        badByte = {};
         start.clear();
     };
     while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
@@ -153,13 +165,27 @@ void PPDLint::CheckLineLengths(ZANPPD& description) {
                     }
                     ++line;
                 }
-            } else if (++length <= 64) {
-                start.push_back(c);
+            } else {
+                if (badByte.empty() && (c == '\0' || c == '\xFF')) {
+                    badByte = c == '\0' ? "NUL" : "0xFF";
+                }
+                if (++length <= 64) {
+                    start.push_back(c);
+                }
             }
             last = c;
         }
     }
     endLine();
+}
+
+void PPDLint::CheckLine(long line, std::string_view start, std::size_t length, std::string_view badByte) {
+    if (length >= kLineCapacity) {
+        Note(PPDLintKind::cutLine, line, mainKeyword(start));
+    }
+    if (!badByte.empty()) {
+        Note(PPDLintKind::unreadableByte, line, mainKeyword(start), badByte);
+    }
 }
 
 } // namespace torka

@@ -24,9 +24,11 @@ enum class PPDLintKind {
     unknownDefault,           // a default that names no option of its block
     unknownGroup,             // a group line that names no group
     emptyBlock,               // a block without options
-    unclosedBlock,            // a block that another element cuts short
+    unclosedBlock,            // a block that another element or the end of the file cuts short
+    unclosedQuote,            // a value without its closing quote
+    unreadableByte,           // a line with a byte NUL or 0xFF, at which its text ends
     badCustomSize,            // a custom page size line that is not understood
-    badNumber                 // a number of a range that is none
+    badNumber                 // a number of a range or a length of a job note that is none
 };
 
 // "unknownJobNoteFlag" and so on.
@@ -58,7 +60,7 @@ public:
     void PlacedGroup(std::string_view name) { placedGroups.emplace(name); }
     // Notes `text` when its bytes, hexadecimal substrings decoded, are no text of the encoding.
     void CheckText(long line, std::string_view keyword, std::string_view text, CFStringEncoding encoding);
-    // What can be told only now: constraint lines, groups and long lines.
+    // What can be told only now: constraint lines, groups, and lines of the file as it stands.
     void Finish(ZANPPD& description);
 
 private:
@@ -74,7 +76,8 @@ private:
     void CheckConstraint(ZANPPD& description, const Constraint& constraint);
     void CheckConstraintSide(ZANPPD& description, long line, const char* key, const char* option);
     void CheckGroups();
-    void CheckLineLengths(ZANPPD& description);
+    void CheckLines(const ZANPPD& description);
+    void CheckLine(long line, std::string_view start, std::size_t length, std::string_view badByte);
 
     std::vector<PPDLintNote> notes;
     std::vector<Constraint> constraints;

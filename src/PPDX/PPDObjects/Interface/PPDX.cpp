@@ -9,6 +9,10 @@
 
 namespace torka {
 
+namespace {
+constexpr std::size_t mostUnclosedValues = 10000;
+}
+
 CFStringEncoding TextConverter::GetPPDEncoding(const PPDX* description) {
     const CString* const name = description != nullptr ? description->LanguageEncoding() : nullptr;
     return name != nullptr ? LanguageStringToEncoding(*name) : kCFStringEncodingUnknown;
@@ -137,6 +141,13 @@ PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPo
     if (closing != std::string_view::npos) {
         return ValueEnd::closed;
     }
+    const std::uint32_t opened = LineNumber();
+    const auto unclosed = [&](ValueEnd ending) {
+        if (unclosedValues.size() < mostUnclosedValues) {
+            unclosedValues.push_back(opened);
+        }
+        return ending;
+    };
     char line[kLineCapacity];
     while (ReadNonEmptyLine(line)) {
         text = line;
@@ -144,7 +155,7 @@ PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPo
             text.remove_prefix(2);
         } else if (text.front() == '*') {
             PushBackLine(line);
-            return ValueEnd::nextElement;
+            return unclosed(ValueEnd::nextElement);
         }
         if (isPostscript) {
             writer.Append("\n");
@@ -155,7 +166,7 @@ PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPo
             return ValueEnd::closed;
         }
     }
-    return ValueEnd::endOfFile;
+    return unclosed(ValueEnd::endOfFile);
 }
 
 bool PPDX::ReadLine(char* line) {
@@ -190,6 +201,7 @@ bool PPDX::LineWasCut() const { return fileStream && fileStream->LineWasCut(); }
 
 bool PPDX::StartReading(std::unique_ptr<PPDFileStream> stream) {
     gEndOfPPD = false;
+    unclosedValues.clear();
     SetApplicationTextEncoding(kCFStringEncodingUnknown);
     fileStream = std::move(stream);
     return fileStream && !fileStream->Bad();

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 // The standard part of a printer description: its header values, and the reading of tokens and quoted values.
 //
@@ -77,6 +78,8 @@ public:
     // Of the line read last, from 1; 0 when none has been read.
     std::uint32_t LineNumber() const;
     bool LineWasCut() const;
+    // The lines, ascending, on which quoted values began that had no closing quote; the first 10,000 of them.
+    const std::vector<std::uint32_t>& UnclosedValues() const { return unclosedValues; }
 
 protected:
     // Takes the stream, resets the end-of-PPD flag and sets the application's text encoding to UTF-8 until
@@ -104,6 +107,7 @@ private:
 
     std::unique_ptr<TextConverter> textConverter;
     std::unique_ptr<PPDFileStream> fileStream;
+    std::vector<std::uint32_t> unclosedValues;
 };
 
 } // namespace torka

@@ -88,6 +88,8 @@ public:
     PPDXShortcuts* GetShortcuts() const { return shortcuts.get(); }
     UIConstraints* GetUIConstraints() const { return constraints.get(); }
     PPDXErrors* Errors() const { return errors.get(); }
+    // Whether one of them ended the parse.
+    bool HasFatalError() const { return hasFatalError; }
     // How many errors are kept; more are dropped, but for a fatal one.
     static constexpr std::size_t maximumErrors = 10000;
     // Groups that hang on no page and in no pane, such as the installable options; referred to only.
@@ -200,7 +202,6 @@ private:
     bool TestPPDFile();
     void ParseLines();
     void ParseLine(const char* text, std::string_view line);
-    bool IsInstallableGroupLine(PPDStream& stream, NamedToken& group) const;
     void Report(PPDErr code, std::string_view keyword, long line);
     long Line() const { return static_cast<long>(LineNumber()); }
     void Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text = {}) const;
@@ -285,5 +286,8 @@ private:
     PPDLint* lint = nullptr;
     bool hasFatalError = false;
 };
+
+// The stored preferences of the popup job notes, as the reader set by ZANPPD::SetPUJNPrefsReader gives them.
+std::optional<std::string> QVPDEDataRead();
 
 } // namespace torka

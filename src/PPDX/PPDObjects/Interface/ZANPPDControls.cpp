@@ -259,6 +259,7 @@ void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
             return;
         }
     }
+    Note(PPDLintKind::unclosedBlock, Line(), keyword);
 }
 
 // "*Default KEYWORD: OPTION" or "*DefaultANYTHING: OPTION".

@@ -1,10 +1,10 @@
 #include "PPDX/PPDObjects/Controls/JobNoteFlags.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "StringUtils.h"
 #include "platform/Log.h"
 
 #include <array>
-#include <charconv>
 
 // Job notes, and the stored preferences of those that a dialog asks for before printing.
 
@@ -13,19 +13,6 @@ namespace torka {
 namespace {
 
 constexpr DelimiterSet flagEnds("|:\"");
-
-// As atol: 0 when there is no number, the greatest number when it is too great.
-std::int64_t declaredLength(std::string_view text) {
-    if (text.starts_with('+')) {
-        text.remove_prefix(1);
-    }
-    std::int64_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc::result_out_of_range) {
-        return text.starts_with('-') ? INT64_MIN : INT64_MAX;
-    }
-    return value;
-}
 
 ZANPPD::PUJNPrefsReader& preferencesReader() {
     static ZANPPD::PUJNPrefsReader reader;
@@ -44,7 +31,12 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
         Report(PPDErr_JobNoteParsing, draft ? draft->keyword : named.token, noteLine);
         return;
     }
-    const std::int64_t maxLength = declaredLength(line.TakeToken(flagEnds, true));
+    const std::string_view length = line.TakeToken(flagEnds, true);
+    const std::int64_t maxLength = integerValue(length);
+    if (length.empty() || length.find_first_not_of("0123456789") != std::string_view::npos ||
+        integerOverflows(length)) {
+        Note(PPDLintKind::badNumber, noteLine, draft->keyword, length);
+    }
     JobNoteFlagReader flags(extensions);
     if (!ReadNoteFlags(line, draft->keyword, flags)) {
         Report(PPDErr_UnsupportedJobNoteFlag, draft->keyword, noteLine);
@@ -111,8 +103,12 @@ bool ZANPPD::ReadNoteFlags(PPDStream& line, std::string_view keyword, JobNoteFla
 
 void ZANPPD::SetPUJNPrefsReader(PUJNPrefsReader reader) { preferencesReader() = std::move(reader); }
 
+std::optional<std::string> QVPDEDataRead() {
+    return preferencesReader() ? preferencesReader()() : std::nullopt;
+}
+
 void ZANPPD::ReadPUJNPrefs() {
-    const std::optional<std::string> stored = preferencesReader() ? preferencesReader()() : std::nullopt;
+    const std::optional<std::string> stored = QVPDEDataRead();
     if (!stored || stored->size() < 3) {
         myNSLogC("There are no preferences in the accounting popup file.");
         return;
