@@ -1,5 +1,5 @@
-// Runs a fuzz target over the files and folders named on the command line, without libFuzzer: the sanitizer builds
-// replay each corpus as a test. Fails when nothing was run, so that a lost corpus is noticed.
+// Runs a fuzz target over the files and folders named on the command line, without libFuzzer: the sanitizer
+// builds replay each corpus as a test. Fails when nothing was run, so that a lost corpus is noticed.
 
 #include <cstddef>
 #include <cstdint>

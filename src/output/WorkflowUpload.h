@@ -6,9 +6,9 @@ namespace torka {
 
 class ZANPPD;
 
-// Hands the job to the workflow server through its client library, loaded at run time. Does nothing when the
-// library is missing or the description has no "*QVUserName". With mode 2 a new job is made on the server,
-// and its identifier is stored in the "*QVKestrelJobId" and "*QVKSNewJobID" controls.
+// Hands the job to the workflow server through its client, a library loaded at run time. Does nothing without
+// it or when the description has no "*QVUserName". With mode 2 a new job is made on the server, and its
+// identifier is stored in the "*QVKestrelJobId" and "*QVKSNewJobID" controls.
 //
 // The library's calls, as used here (all texts NUL-terminated UTF-8):
 //   int KSOpenSession(address, user, password, language, void** session, int zero)
