@@ -35,5 +35,8 @@ void addTicketCommand(CLI::App& app, ExitStatus& status);
 void addNotesCommand(CLI::App& app, ExitStatus& status);
 void addPingCommand(CLI::App& app, ExitStatus& status);
 void addAddressCommand(CLI::App& app, ExitStatus& status);
+void addPrintCommand(CLI::App& app, ExitStatus& status);
+void addCommandCommand(CLI::App& app, ExitStatus& status);
+void addQueueCommand(CLI::App& app, ExitStatus& status);
 
 } // namespace torka::tool

@@ -2,6 +2,7 @@
 
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
+#include "output/BundleIdentifier.h"
 
 #include <filesystem>
 #include <utility>
@@ -59,7 +60,7 @@ bool useFieldKeys(const std::string& path) {
     return true;
 }
 
-std::unique_ptr<JobEmission> JobEmission::Make(const EmissionOptions& options) {
+std::unique_ptr<JobEmission> JobEmission::Make(const EmissionOptions& options, PMPrintSession session) {
     auto description = readUsableDescription(options.description);
     std::vector<Setting> settings;
     if (!description || !parseSettings(*description, options.settings, settings) ||
@@ -67,15 +68,17 @@ std::unique_ptr<JobEmission> JobEmission::Make(const EmissionOptions& options) {
         return nullptr;
     }
     applySettings(*description, settings);
-    return std::unique_ptr<JobEmission>(new JobEmission(std::move(description), options));
+    return std::unique_ptr<JobEmission>(new JobEmission(
+        std::move(description), options, session ? std::move(session) : std::make_shared<MemorySession>()));
 }
 
-JobEmission::JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& options)
+JobEmission::JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& options,
+                         PMPrintSession printSession)
     : description(std::move(model))
     , settings(std::make_shared<MemoryPrintSettings>())
-    , session(std::make_shared<MemorySession>())
+    , session(std::move(printSession))
     , dictionaryTicket(session, settings)
-    , ticket(&dictionaryTicket, settings, cfString("ZAN.PSData"))
+    , ticket(&dictionaryTicket, settings, cfString(ticketPathSetting))
     , watermark(options.watermark.c_str())
     , source(std::make_unique<Source>(*description, settings, options.orientation,
                                       options.watermark.empty() ? nullptr : &watermark)) {}

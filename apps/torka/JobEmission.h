@@ -35,8 +35,10 @@ bool useFieldKeys(const std::string& path);
 // One job's settings on their way into its ticket. Owns the description and the ticket.
 class JobEmission {
 public:
-    // Null, with one line on standard error, when the description or a setting is unusable.
-    static std::unique_ptr<JobEmission> Make(const EmissionOptions& options);
+    // Null, with one line on standard error, when the description or a setting is unusable. Without a session
+    // there is no printer.
+    static std::unique_ptr<JobEmission> Make(const EmissionOptions& options,
+                                             PMPrintSession session = nullptr);
     JobEmission(const JobEmission&) = delete;
     JobEmission& operator=(const JobEmission&) = delete;
     ~JobEmission();
@@ -52,12 +54,12 @@ public:
     PMPrintSettings Settings() const { return settings; }
 
 private:
-    JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& options);
+    JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& options, PMPrintSession printSession);
 
     class Source;
     std::unique_ptr<ZANPPD> description;
     std::shared_ptr<MemoryPrintSettings> settings;
-    std::shared_ptr<MemorySession> session;
+    PMPrintSession session;
     PrintSettingsTicket dictionaryTicket;
     ZANJobTicket ticket;
     ZANWatermark watermark;

@@ -34,6 +34,9 @@ int main(int argc, char** argv) {
     tool::addNotesCommand(app, status);
     tool::addPingCommand(app, status);
     tool::addAddressCommand(app, status);
+    tool::addPrintCommand(app, status);
+    tool::addCommandCommand(app, status);
+    tool::addQueueCommand(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -140,6 +140,7 @@ OSStatus CupsPrinter::SendCommand(const CFStringRef& command, const CFStringRef&
         cupsCancelJob2(CUPS_HTTP_DEFAULT, queueName.c_str(), job, 0);
         return kPMGeneralError;
     }
+    commandJob = job;
     return noErr;
 }
 

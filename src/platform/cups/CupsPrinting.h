@@ -32,9 +32,12 @@ public:
     // Text options become job options. A job that could not be given its text is cancelled.
     OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                          const CFDictionaryRef& options) override;
+    // Number of the job of the last command that was sent, 0 before the first.
+    int CommandJob() const { return commandJob; }
 
 private:
     std::string queueName;
+    int commandJob = 0;
     mutable FetchedPPD description;
 };
 

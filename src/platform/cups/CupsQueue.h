@@ -17,7 +17,8 @@ int submitFile(const std::string& queueName, const std::string& path, const std:
 struct JobStatus {
     int state = 0;       // as IPP numbers them: 3 pending to 9 completed; 0 when the server does not answer
     std::string message; // what the filters and the backend said last
-    bool IsOver() const { return state >= 7; } // cancelled, aborted or completed
+    // Stopped, cancelled, aborted or completed: a stopped job waits for somebody who starts it again.
+    bool IsOver() const { return state >= 6; }
 };
 JobStatus jobStatus(int job);
 void cancelJob(const std::string& queueName, int job);

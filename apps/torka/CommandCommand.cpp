@@ -1,0 +1,58 @@
+#include "apps/torka/Command.h"
+#include "apps/torka/QueueJobs.h"
+#include "bidi/SpoolerCommands.h"
+#include "platform/System.h"
+#include "platform/cups/CupsPrinting.h"
+
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+namespace torka::tool {
+
+namespace {
+
+struct CommandOptions {
+    std::string queue;
+    std::string title;
+    std::string text;
+    bool isDetached = false;
+};
+
+// The title as given, with a new identifier behind it where the command's title ends in one.
+std::string wholeTitle(const std::string& title) {
+    const std::string longer = title + platform::system().CreateUuidString();
+    return !commandFromTitle(title) && commandFromTitle(longer) ? longer : title;
+}
+
+ExitStatus sendCommand(const CommandOptions& options) {
+    std::string text = options.text;
+    if (text == "-") {
+        text.assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
+    }
+    const std::string title = wholeTitle(options.title);
+    CupsPrinter printer(options.queue);
+    if (printer.SendCommand(cfString(text), cfString(title), nullptr) != noErr) {
+        return unusable(options.queue + ": the queue does not take the command");
+    }
+    print("Job " + std::to_string(printer.CommandJob()) + " on " + options.queue + ": " + printable(title) +
+          "\n");
+    return options.isDetached ? ExitStatus::good : followJob(options.queue, printer.CommandJob());
+}
+
+} // namespace
+
+void addCommandCommand(CLI::App& app, ExitStatus& status) {
+    CLI::App* group = app.add_subcommand("command", "Command jobs for a queue's filter");
+    group->require_subcommand(1);
+    const auto options = std::make_shared<CommandOptions>();
+    CLI::App* command =
+        group->add_subcommand("send", "Send a command and wait for its end (docs/commands.md)");
+    command->add_option("QUEUE", options->queue, "Queue")->required();
+    command->add_option("TITLE", options->title, "The command, such as Command_LocaleCode")->required();
+    command->add_option("TEXT", options->text, "Its text; - for standard input")->required();
+    command->add_flag("--no-wait", options->isDetached, "Do not wait for the job's end");
+    command->callback([options, &status] { status = sendCommand(*options); });
+}
+
+} // namespace torka::tool

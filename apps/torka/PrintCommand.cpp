@@ -1,0 +1,113 @@
+#include "apps/torka/Command.h"
+#include "apps/torka/JobEmission.h"
+#include "apps/torka/QueueJobs.h"
+#include "bidi/TicketCommands.h"
+#include "output/BundleIdentifier.h"
+#include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <unistd.h>
+
+namespace torka::tool {
+
+namespace {
+
+// What goes to the print server in plain, beside the ticket's path. Anything else would lie in the spool
+// folder and in the job's attributes for everybody who may ask.
+constexpr std::string_view standardOptions[] = {"copies",        "sides",       "media",   "number-up",
+                                                "print-quality", "page-ranges", "collate", "fit-to-page"};
+
+struct PrintOptions {
+    std::string queue;
+    std::string file;
+    std::string title;
+    std::vector<std::string> jobOptions; // NAME=VALUE
+    EmissionOptions emission;
+    bool isDetached = false;
+};
+
+bool readJobOptions(const std::vector<std::string>& texts, JobOptions& options) {
+    for (const std::string& text : texts) {
+        const std::size_t equals = std::min(text.find('='), text.size());
+        const std::string name = text.substr(0, equals);
+        if (equals == text.size() || std::ranges::find(standardOptions, name) == std::end(standardOptions)) {
+            warn("'" + text +
+                 "' is no option of the print server that can be given: copies, sides, media, "
+                 "number-up, print-quality, page-ranges, collate, fit-to-page; everything else is a "
+                 "setting, KEY=VALUE");
+            return false;
+        }
+        options.emplace_back(name, text.substr(equals + 1));
+    }
+    return true;
+}
+
+ExitStatus printFile(const PrintOptions& options) {
+    JobOptions jobOptions;
+    if (!readJobOptions(options.jobOptions, jobOptions)) {
+        return ExitStatus::unusable;
+    }
+    if (access(options.file.c_str(), R_OK) != 0 || std::filesystem::is_directory(options.file)) {
+        return unusable(options.file + ": cannot be read");
+    }
+    const auto session = std::make_shared<CupsSession>(options.queue);
+    PMPrinter printer;
+    if (PMSessionGetCurrentPrinter(session, printer) != noErr) {
+        return unusable("the print server has no queue " +
+                        (options.queue.empty() ? "by default" : options.queue));
+    }
+    const std::string queue = utf8Text(PMPrinterGetName(printer));
+    CFURLRef url;
+    if (PMPrinterCopyDescriptionURL(printer, cfString("PMPPDDescriptionType"), url) != noErr) {
+        return unusable(queue + ": the queue has no description");
+    }
+    EmissionOptions emission = options.emission;
+    emission.description = CFURLCopyFileSystemPath(url);
+    const auto settings = JobEmission::Make(emission, session);
+    if (!settings || !settings->Emit(EmissionPurpose::printJob)) {
+        return ExitStatus::unusable;
+    }
+    const CFStringRef ticket = settings->Ticket().FileName();
+    if (sendTicketAhead(printer, ticket, settings->Xml()) != noErr) {
+        return unusable(queue + ": the queue does not take the print settings");
+    }
+    jobOptions.emplace_back(ticketPathSetting, utf8Text(ticket));
+    // The server's own filters lay out pages by the page size.
+    for (const std::string& setting : emission.settings) {
+        const std::string_view text = std::string_view(setting).substr(setting.starts_with('*') ? 1 : 0);
+        if (text.starts_with("PageSize=")) {
+            jobOptions.emplace_back("PageSize", text.substr(text.find('=') + 1));
+        }
+    }
+    const std::string title =
+        options.title.empty() ? std::filesystem::path(options.file).filename().string() : options.title;
+    std::string error;
+    const int job = submitFile(queue, options.file, title, jobOptions, error);
+    if (job == 0) {
+        return unusable(queue + ": the job is not taken: " + error);
+    }
+    print("Job " + std::to_string(job) + " on " + queue + "\n");
+    const ExitStatus status = options.isDetached ? ExitStatus::good : followJob(queue, job);
+    return status == ExitStatus::good && settings->LeftOutNotes() ? ExitStatus::findings : status;
+}
+
+} // namespace
+
+void addPrintCommand(CLI::App& app, ExitStatus& status) {
+    const auto options = std::make_shared<PrintOptions>();
+    CLI::App* command = app.add_subcommand("print", "Print a document with settings on a queue");
+    command->add_option("-d,--queue", options->queue, "Queue; the default queue otherwise");
+    command->add_option("FILE", options->file, "Document, of any kind that the queue takes")->required();
+    command->add_option("-o", options->jobOptions, "NAME=VALUE: copies, sides, media, page-ranges, ...")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    command->add_option("--title", options->title, "Title of the job; the file's name otherwise");
+    command->add_flag("--no-wait", options->isDetached, "Do not wait for the job's end");
+    addEmissionOptions(*command, options->emission);
+    command->callback([options, &status] { status = printFile(*options); });
+}
+
+} // namespace torka::tool

@@ -1,0 +1,85 @@
+#include "apps/torka/QueueJobs.h"
+
+#include "platform/System.h"
+#include "platform/cups/CupsQueue.h"
+#include "platform/posix/PosixSystem.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <unistd.h>
+
+namespace torka::tool {
+
+namespace {
+
+constexpr std::chrono::milliseconds interval(50);
+
+// Ends the wait under way; a signal handler may call it.
+PosixSystem* waiting = nullptr;
+
+void interrupt(int /*signal*/) {
+    if (waiting != nullptr) {
+        waiting->Cancel();
+    }
+}
+
+const char* stateText(int state) {
+    switch (state) {
+    case 3:
+        return "pending";
+    case 4:
+        return "held";
+    case 5:
+        return "printing";
+    case 6:
+        return "stopped";
+    case 7:
+        return "cancelled";
+    case 8:
+        return "aborted";
+    case 9:
+        return "completed";
+    default:
+        return "unknown to the server";
+    }
+}
+
+void showState(int job, const JobStatus& status) {
+    if (isatty(STDERR_FILENO) != 0) {
+        std::fprintf(stderr, "\r\x1b[KJob %d: %s %s%s", job, stateText(status.state),
+                     printable(status.message).c_str(), status.IsOver() ? "\n" : "");
+    }
+}
+
+} // namespace
+
+ExitStatus followJob(const std::string& queueName, int job) {
+    platform::PosixSystemOptions options;
+    options.rootFromEnvironment = true;
+    PosixSystem clock(options);
+    waiting = &clock;
+    auto* const before = std::signal(SIGINT, interrupt);
+    JobStatus status = jobStatus(job);
+    std::string reason = status.message;
+    while (!status.IsOver() && status.state != 0) {
+        showState(job, status);
+        if (!clock.Sleep(interval)) {
+            cancelJob(queueName, job);
+            clock.ClearCancel();
+        }
+        status = jobStatus(job);
+    }
+    showState(job, status);
+    std::signal(SIGINT, before);
+    waiting = nullptr;
+    if (status.state == 9) {
+        return ExitStatus::good;
+    }
+    warn("job " + std::to_string(job) + " on " + queueName + " is " + stateText(status.state) +
+         (status.message.empty() ? "" : ": " + status.message));
+    return ExitStatus::findings;
+}
+
+} // namespace torka::tool

@@ -1,0 +1,161 @@
+#include "spooler/filter/Commands.h"
+
+#include "bidi/BidiFilePaths.h"
+#include "bidi/RecordEncoding.h"
+#include "bidi/SpoolerCommands.h"
+#include "platform/TextEncoding.h"
+#include "spooler/TicketReader.h"
+#include "spooler/filter/Answer.h"
+#include "spooler/filter/FilterNotes.h"
+#include "spooler/filter/ServerMessages.h"
+#include "spooler/filter/TicketStore.h"
+
+#include <algorithm>
+#include <string>
+
+namespace torka::filter {
+
+namespace {
+
+constexpr std::size_t mostArgumentText = std::size_t{64} * 1024;
+constexpr std::size_t mostRecordText = std::size_t{4} * 1024 * 1024; // its payload has four bytes a character
+
+std::string_view firstLine(std::string_view text) { return text.substr(0, text.find_first_of("\r\n")); }
+
+bool isLanguage(std::string_view code) {
+    constexpr std::size_t longest = 35; // RFC 5646, 4.4.1
+    return code.size() >= 2 && code.size() <= longest && std::ranges::all_of(code, [](char c) {
+               return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                      c == '-' || c == '_';
+           });
+}
+
+// "" or why nothing was kept.
+std::string keepRecord(const FilterJob& job, std::string_view name, std::string_view text) {
+    if (text.empty()) {
+        return std::string(name).append(": there is no text to keep");
+    }
+    const std::wstring wide = wideFromUtf8(text);
+    return putRecords(job.queue, {{std::string(name), std::string(payloadFromWide(wide))}})
+               ? ""
+               : std::string(name).append(": the text is too long to keep");
+}
+
+std::string keepLanguage(const Sender& sender, std::string_view text) {
+    const std::string_view code = firstLine(text);
+    if (!isLanguage(code)) {
+        return "the language code is none";
+    }
+    return FilterNotes::Set(sender, NoteKind::language, code) ? "" : "the language cannot be kept";
+}
+
+std::string keepMailbox(const Sender& sender, std::string_view text) {
+    const std::string_view name = lastComponent(firstLine(text));
+    if (!isFileName(name)) {
+        return "the destination names no file";
+    }
+    return FilterNotes::Set(sender, NoteKind::mailbox, name) ? "" : "the destination cannot be kept";
+}
+
+std::string answerRequest(const FilterJob& job, const Sender& sender, std::string_view text,
+                          ControllerSource& source) {
+    std::optional<UpdateRequest> request = parseUpdateRequest(text);
+    if (!request) {
+        return "the request cannot be understood";
+    }
+    if (request->printerAddress.empty()) {
+        request->printerAddress = hostOfUri(job.deviceUri);
+    }
+    const std::string language = FilterNotes::Get(sender, NoteKind::language).value_or("");
+    const ControllerAnswer answer = source.Ask(request->printerAddress, request->lines, language);
+    return answer.isReached ? writeAnswer(job.queue, request->identifier, answer)
+                            : reportUnreachable(job.queue, request->identifier, request->printerAddress);
+}
+
+// The files that the pane may have removed: the queue's two-way files, reports, its sender's tickets.
+void deleteFiles(const Sender& sender, std::string_view text) {
+    while (!text.empty()) {
+        const std::string_view name = lastComponent(firstLine(text));
+        text.remove_prefix(std::min(firstLine(text).size() + 1, text.size()));
+        if (name.empty()) {
+            continue;
+        }
+        std::string problem;
+        const bool isRemoved =
+            removeTwoWayFile(sender.queue, name) ||
+            (isConnectionErrorFile(name) && PrivateFolder::Remove(name)) ||
+            (isTicketName(name) && TicketStore::Open(sender, name, problem) && TicketStore::Remove(name));
+        if (!isRemoved) {
+            tellDebug("left alone: " + std::string(name));
+        }
+    }
+}
+
+std::string run(SpoolerCommand command, const FilterJob& job, std::string_view text,
+                ControllerSource& source) {
+    const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
+    switch (command) {
+    case SpoolerCommand::psTempFileName:
+        return TicketStore::Announce(sender, text);
+    case SpoolerCommand::writePSTemp:
+        return TicketStore::Store(sender, text);
+    case SpoolerCommand::localeCode:
+        return keepLanguage(sender, text);
+    case SpoolerCommand::psqvDestination:
+        return keepMailbox(sender, text);
+    case SpoolerCommand::zanPrefs:
+        return keepRecord(job, "QVDriverPreference", text);
+    case SpoolerCommand::printerLocalPresets:
+    case SpoolerCommand::writePresetData:
+        return keepRecord(job, "QVlocalPreset", text);
+    case SpoolerCommand::popupJnData:
+        return keepRecord(job, "QVPopupJnData", text);
+    case SpoolerCommand::updateCommands:
+    case SpoolerCommand::getServerData:
+    case SpoolerCommand::allBidi:
+        return answerRequest(job, sender, text, source);
+    case SpoolerCommand::deleteUpdateFiles:
+        deleteFiles(sender, text);
+        return {};
+    }
+    return "the command is not known";
+}
+
+} // namespace
+
+std::size_t mostCommandText(std::string_view title) {
+    switch (commandFromTitle(title).value_or(SpoolerCommand::localeCode)) {
+    case SpoolerCommand::writePSTemp:
+        return maximumTicketBytes;
+    case SpoolerCommand::zanPrefs:
+    case SpoolerCommand::printerLocalPresets:
+    case SpoolerCommand::writePresetData:
+    case SpoolerCommand::popupJnData:
+        return mostRecordText;
+    default:
+        return mostArgumentText;
+    }
+}
+
+int runCommand(const FilterJob& job, std::string_view text, ControllerSource& source) {
+    const std::optional<SpoolerCommand> command = commandFromTitle(job.title);
+    std::string problem;
+    if (!command) {
+        problem = "it is not known";
+    } else if (!isFileName(job.queue)) {
+        problem = "the queue has no usable name";
+    } else if (text.size() > mostCommandText(job.title)) {
+        problem = "its text is too long";
+    } else if (const std::error_code error = PrivateFolder::Prepare()) {
+        problem = "the filter's folder cannot be used: " + error.message();
+    } else {
+        TicketStore::RemoveOld();
+        problem = run(*command, job, text, source);
+    }
+    if (!problem.empty()) {
+        tellError("The command " + job.title + " was not carried out: " + problem + ".");
+    }
+    return problem.empty() ? 0 : 1;
+}
+
+} // namespace torka::filter

@@ -1,0 +1,80 @@
+#include "spooler/filter/PrintJob.h"
+
+#include "output/BundleIdentifier.h"
+#include "spooler/ByteSink.h"
+#include "spooler/SpliceFile.h"
+#include "spooler/filter/ServerMessages.h"
+#include "spooler/filter/TicketStore.h"
+
+#include <array>
+#include <cerrno>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+
+namespace torka::filter {
+
+namespace {
+
+int passUnchanged(int source, int target) {
+    DescriptorSink sink(target);
+    std::array<char, std::size_t{128} * 1024> buffer{};
+    for (;;) {
+        const ssize_t count = ::read(source, buffer.data(), buffer.size());
+        if (count == 0) {
+            return 0;
+        }
+        if (count < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            tellError("The document cannot be read: " + std::generic_category().message(errno) + ".");
+            return 1;
+        }
+        if (const int error = sink.Write({buffer.data(), static_cast<std::size_t>(count)}); error != 0) {
+            tellError("The document cannot be passed on: " + std::generic_category().message(error) + ".");
+            return 1;
+        }
+    }
+}
+
+} // namespace
+
+int printJob(const FilterJob& job, int source, int target) {
+    const auto named = job.options.find(ticketPathSetting);
+    if (named == job.options.end()) {
+        return passUnchanged(source, target);
+    }
+    TicketStore::RemoveOld();
+    std::string problem;
+    const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
+    const OpenFile opened = TicketStore::Open(sender, named->second, problem);
+    if (!opened) {
+        tellError(problem);
+        return 1;
+    }
+    const std::string name(lastComponent(named->second));
+    const TicketResult result = readTicketFile(opened.Descriptor(), name);
+    if (result.error) {
+        tellError("The print settings of this job are broken: " + result.error.text + ".");
+        return 1;
+    }
+    for (const TicketWarning& warning : result.ticket.warnings) {
+        tellDebug(name + ": entry " + std::to_string(warning.entry) + ": " + warning.text);
+    }
+    const SpliceOutcome outcome = spliceDescriptor(source, result.ticket, target);
+    for (const std::string& warning : outcome.report.warnings) {
+        tellDebug("document: " + warning);
+    }
+    if (outcome.status != SpliceStatus::ok) {
+        tellError("The print settings could not be put into this job: " + outcome.errorText + ".");
+        return 1;
+    }
+    for (const UnplacedEntry& entry : outcome.report.unplaced) {
+        tellDebug("entry " + std::to_string(entry.entry) + " was not placed: " + entry.reason);
+    }
+    tellDebug("inserted " + std::to_string(outcome.report.bytesInserted) + " bytes of print settings");
+    return 0;
+}
+
+} // namespace torka::filter

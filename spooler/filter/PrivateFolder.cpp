@@ -1,0 +1,148 @@
+#include "spooler/filter/PrivateFolder.h"
+
+#include "bidi/BidiFilePaths.h"
+#include "platform/System.h"
+
+#include <cerrno>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace torka::filter {
+
+namespace {
+
+std::filesystem::path place() { return platform::system().Resolve(cachesFolder); }
+
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
+// A folder that others may write in could be filled by them.
+bool isTrustworthy(const struct stat& facts) {
+    return S_ISDIR(facts.st_mode) && (facts.st_uid == ::geteuid() || facts.st_uid == 0) &&
+           (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+OpenFile openFolder(std::error_code& error) {
+    OpenFile folder(::open(place().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat facts {};
+    if (!folder || ::fstat(folder.Descriptor(), &facts) != 0) {
+        error = lastError();
+        return OpenFile();
+    }
+    if (!isTrustworthy(facts)) {
+        error = std::make_error_code(std::errc::permission_denied);
+        return OpenFile();
+    }
+    return folder;
+}
+
+} // namespace
+
+OpenFile::~OpenFile() {
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+}
+
+std::error_code PrivateFolder::Prepare() {
+    constexpr mode_t mode = 0711;
+    std::error_code error;
+    const std::filesystem::path folder = place().parent_path(); // without the last "/"
+    std::filesystem::create_directories(folder.parent_path(), error);
+    if (::mkdir(folder.c_str(), mode) == 0) {
+        ::chmod(folder.c_str(), mode); // whatever the umask took away
+    }
+    error.clear();
+    openFolder(error);
+    return error;
+}
+
+OpenFile PrivateFolder::Open(std::string_view name, std::error_code& error) {
+    error.clear();
+    if (!isFileName(name)) {
+        error = std::make_error_code(std::errc::invalid_argument);
+        return OpenFile();
+    }
+    const OpenFile folder = openFolder(error);
+    if (!folder) {
+        return OpenFile();
+    }
+    OpenFile file(::openat(folder.Descriptor(), std::string(name).c_str(),
+                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    struct stat facts {};
+    if (!file || ::fstat(file.Descriptor(), &facts) != 0) {
+        error = lastError();
+        return OpenFile();
+    }
+    if (!S_ISREG(facts.st_mode) || facts.st_uid != ::geteuid()) {
+        error = std::make_error_code(std::errc::permission_denied);
+        return OpenFile();
+    }
+    return file;
+}
+
+std::error_code PrivateFolder::Read(std::string_view name, std::size_t limit, std::string& content) {
+    content.clear();
+    std::error_code error;
+    const OpenFile file = Open(name, error);
+    while (file && !error) {
+        char block[4096];
+        const ssize_t count = ::read(file.Descriptor(), block, sizeof block);
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            error = lastError();
+        } else if (count > 0) {
+            content.append(block, static_cast<std::size_t>(count));
+        }
+        if (content.size() > limit) {
+            error = std::make_error_code(std::errc::file_too_large);
+        }
+    }
+    if (error) {
+        content.clear();
+    }
+    return error;
+}
+
+std::error_code PrivateFolder::Write(std::string_view name, std::string_view content, unsigned mode) {
+    std::error_code error;
+    if (!isFileName(name)) {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
+    if (const OpenFile folder = openFolder(error); !folder) {
+        return error;
+    }
+    return platform::system().WriteFile(place() / name, content, mode);
+}
+
+bool PrivateFolder::Exists(std::string_view name) {
+    struct stat facts {};
+    return isFileName(name) && ::lstat((place() / name).c_str(), &facts) == 0;
+}
+
+bool PrivateFolder::Remove(std::string_view name) {
+    return isFileName(name) && ::unlink((place() / name).c_str()) == 0;
+}
+
+int PrivateFolder::RemoveOlder(std::chrono::seconds age,
+                               const std::function<bool(std::string_view)>& isWanted) {
+    int removed = 0;
+    const std::time_t limit = std::time(nullptr) - age.count();
+    std::error_code error;
+    for (std::filesystem::directory_iterator file(place(), error), end; !error && file != end;
+         file.increment(error)) {
+        const std::string name = file->path().filename().string();
+        struct stat facts {};
+        if (isWanted(name) && ::lstat(file->path().c_str(), &facts) == 0 && S_ISREG(facts.st_mode) &&
+            facts.st_mtime < limit && Remove(name)) {
+            ++removed;
+        }
+    }
+    return removed;
+}
+
+} // namespace torka::filter

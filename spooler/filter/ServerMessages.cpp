@@ -1,0 +1,68 @@
+#include "spooler/filter/ServerMessages.h"
+
+#include "bidi/RecordWriter.h"
+#include "bidi/StandardStreams.h"
+
+namespace torka::filter {
+
+namespace {
+
+void tell(std::string_view kind, std::string_view text) {
+    std::string line(kind);
+    for (const char c : text) {
+        line += static_cast<unsigned char>(c) < ' ' || c == '\x7f' ? ' ' : c;
+    }
+    line += '\n';
+    standardStreams().Error(line);
+}
+
+} // namespace
+
+void tellError(std::string_view text) { tell("ERROR: ", text); }
+void tellDebug(std::string_view text) { tell("DEBUG: ", text); }
+
+bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::string>& messages) {
+    PieceGatherer lines("PPD:", "\n", [&](std::string_view line) {
+        if (line != "PPD:\n") {
+            messages.emplace_back(line);
+        }
+    });
+    bool isAllTaken = true;
+    for (const auto& [name, payload] : records) {
+        // A record begins with its chunk 0: an empty one there makes it absent until the others are sent.
+        std::string first;
+        bool isFirst = true;
+        isAllTaken = encodeRecord(name, payload.data(), payload.size(),
+                                  [&](std::string_view chunk, std::string_view text) {
+                                      const std::string pair =
+                                          " " + std::string(chunk) + "=" +
+                                          (text.empty() ? std::string("\"\"") : std::string(text));
+                                      if (!isFirst) {
+                                          lines.Add(pair);
+                                          return;
+                                      }
+                                      isFirst = false;
+                                      first = pair;
+                                      lines.Add(" " + std::string(chunk) + "=\"\"");
+                                      lines.Flush();
+                                  }) &&
+                     isAllTaken;
+        if (!first.empty()) {
+            lines.Flush();
+            lines.Add(first);
+        }
+        lines.Flush();
+    }
+    return isAllTaken;
+}
+
+bool sendRecords(const std::vector<NamedPayload>& records) {
+    std::vector<std::string> messages;
+    const bool isAllTaken = recordMessages(records, messages);
+    for (const std::string& message : messages) {
+        standardStreams().Error(message);
+    }
+    return isAllTaken;
+}
+
+} // namespace torka::filter

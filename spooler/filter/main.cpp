@@ -1,0 +1,67 @@
+#include "platform/System.h"
+#include "platform/posix/PosixSystem.h"
+#include "spooler/filter/Commands.h"
+#include "spooler/filter/PrintJob.h"
+#include "spooler/filter/PrivateFolder.h"
+#include "spooler/filter/ServerMessages.h"
+#include "spooler/filter/TicketStore.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+// The queue's filter, called by the print server for each job: documents of the type
+// application/vnd.cups-postscript, and command jobs. docs/spooler-filter.md describes it.
+
+namespace {
+
+using namespace torka;
+using filter::FilterJob;
+
+int runCommandJob(const FilterJob& job, int source) {
+    const std::size_t limit = filter::mostCommandText(job.title);
+    std::string text;
+    std::array<char, 65536> block{};
+    // A byte beyond the limit is enough to refuse it.
+    while (text.size() <= limit) {
+        const ssize_t count = ::read(source, block.data(), block.size());
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            filter::tellError("The command cannot be read: " + std::generic_category().message(errno) + ".");
+            return 1;
+        }
+        text.append(block.data(), count < 0 ? 0 : static_cast<std::size_t>(count));
+    }
+    filter::FolderSource controllers(platform::system().Resolve(filter::controllersFolder));
+    return filter::runCommand(job, text, controllers);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    ::umask(077);
+    const std::optional<FilterJob> job = filter::readFilterJob(argc, argv);
+    if (!job) {
+        filter::tellError("Usage: torkafilter JOB USER TITLE COPIES OPTIONS [FILE]");
+        return 1;
+    }
+    platform::PosixSystemOptions options;
+    options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;
+    options.root = TORKA_SYSTEM_ROOT_DEFAULT;
+    platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+
+    const filter::OpenFile file(job->file.empty() ? -1 : ::open(job->file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!job->file.empty() && !file) {
+        filter::tellError("The job's file cannot be opened: " + std::generic_category().message(errno) + ".");
+        return 1;
+    }
+    const int source = file ? file.Descriptor() : STDIN_FILENO;
+    return job->IsCommand() ? runCommandJob(*job, source) : filter::printJob(*job, source, STDOUT_FILENO);
+}

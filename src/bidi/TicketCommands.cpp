@@ -1,0 +1,23 @@
+#include "bidi/TicketCommands.h"
+
+#include "bidi/SpoolerCommands.h"
+#include "platform/TextEncoding.h"
+
+namespace torka {
+
+OSStatus sendTicketAhead(const PMPrinter& printer, const CFStringRef& fileName, const CFDataRef& list) {
+    const std::span<const std::uint8_t> bytes = CFDataGetBytes(list);
+    const CFStringRef text =
+        CFStringCreateWithBytes(reinterpret_cast<const char*>(bytes.data()),
+                                static_cast<CFIndex>(bytes.size()), kCFStringEncodingNonLossyASCII);
+    if (!fileName || bytes.empty() || !text) {
+        return kPMInvalidParameter;
+    }
+    const OSStatus status = PMPrinterSendCommand(
+        printer, fileName, cfString(commandTitle(SpoolerCommand::psTempFileName)), nullptr);
+    return status != noErr ? status
+                           : PMPrinterSendCommand(
+                                 printer, text, cfString(commandTitle(SpoolerCommand::writePSTemp)), nullptr);
+}
+
+} // namespace torka

@@ -1,0 +1,220 @@
+#include "spooler/filter/Commands.h"
+#include "bidi/CFileHdlr.h"
+#include "bidi/CPPDMsgHdlr.h"
+#include "spooler/filter/ServerMessages.h"
+#include "spooler/filter/TicketStore.h"
+#include "tests/filter/FilterHarness.h"
+
+#include <algorithm>
+#include <cups/ppd.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <sstream>
+
+// The library marks its PPD calls as deprecated; they are what reads the server's PPDs.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+// Command jobs without a server, and the messages that carry records.
+
+namespace torka::tests {
+
+namespace {
+
+using namespace filter;
+
+constexpr const char* uuid = "5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+
+FilterJob commandJob(const std::string& title) {
+    FilterJob job;
+    job.queue = "Proofs";
+    job.user = "anna";
+    job.title = title;
+    return job;
+}
+
+int run(const std::string& title, const std::string& text) {
+    FolderSource source(platform::system().Resolve(controllersFolder));
+    return runCommand(commandJob(title), text, source);
+}
+
+using Keywords = std::map<std::string, std::string>;
+
+// What the server makes of "PPD:" lines.
+void applyMessage(const std::string& message, Keywords& keywords) {
+    ASSERT_TRUE(message.starts_with("PPD: ") && message.ends_with("\n")) << message;
+    ASSERT_LT(message.size(), 1024U);
+    std::size_t at = 5;
+    while (at < message.size()) {
+        const std::size_t equals = message.find('=', at);
+        const std::size_t end = message.find_first_of(" \n", equals);
+        keywords[message.substr(at, equals - at)] = message.substr(equals + 1, end - equals - 1);
+        at = end + 1;
+    }
+}
+
+std::optional<std::string> recordIn(const Keywords& keywords, const std::string& name) {
+    const TemporaryFolder folder;
+    std::string text = "*PPD-Adobe: \"4.3\"\n";
+    for (const auto& [keyword, value] : keywords) {
+        text.append("*").append(keyword).append(": ").append(value).append("\n");
+    }
+    text += "*FormatVersion: \"4.3\"\n*LanguageVersion: English\n*LanguageEncoding: ISOLatin1\n"
+            "*PCFileName: \"T.PPD\"\n*Manufacturer: \"T\"\n*Product: \"(T)\"\n*PSVersion: \"(3010) 0\"\n"
+            "*ModelName: \"T\"\n*ShortNickName: \"T\"\n*NickName: \"T\"\n"
+            "*OpenUI *PageSize: PickOne\n*DefaultPageSize: A4\n*PageSize A4: \"\"\n*CloseUI: *PageSize\n"
+            "*DefaultImageableArea: A4\n*ImageableArea A4: \"0 0 595 842\"\n*DefaultPaperDimension: A4\n"
+            "*PaperDimension A4: \"595 842\"\n";
+    const std::string path = folder.Write("q.ppd", text);
+    const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(ppdOpenFile(path.c_str()), ppdClose);
+    EXPECT_TRUE(ppd);
+    std::size_t size = 0;
+    const RecordBlock block = ppdxReadData(ppd.get(), name, &size);
+    return block && size > 0 ? std::optional(std::string(block.get(), size)) : std::nullopt;
+}
+
+std::string randomBytes(std::size_t size, unsigned seed) {
+    std::mt19937 random(seed);
+    std::string bytes(size, '\0');
+    for (char& c : bytes) {
+        c = static_cast<char>(random());
+    }
+    return bytes;
+}
+
+TEST(RecordMessages, HoweverManyArriveARecordIsWholeOrAbsent) {
+    const std::string name = "QVRecordOfThirtySixCharacters0123456";
+    ASSERT_EQ(name.size(), maximumRecordName);
+    for (const std::size_t size : {1U, 100U, 158U, 3000U}) {
+        const std::string before = randomBytes(2000, 1);
+        const std::string after = randomBytes(size, 2);
+        Keywords keywords;
+        std::vector<std::string> messages;
+        ASSERT_TRUE(recordMessages({{name, before}, {"QVOther", "other"}}, messages));
+        for (const std::string& message : messages) {
+            applyMessage(message, keywords);
+        }
+        ASSERT_EQ(recordIn(keywords, name), before);
+        ASSERT_EQ(recordIn(keywords, "QVOther"), "other");
+        messages.clear();
+        ASSERT_TRUE(recordMessages({{name, after}}, messages));
+        for (std::size_t i = 0; i < messages.size(); ++i) {
+            applyMessage(messages[i], keywords);
+            const auto read = recordIn(keywords, name);
+            EXPECT_EQ(read, i + 1 == messages.size() ? std::optional(after) : std::nullopt)
+                << size << " " << i;
+        }
+    }
+    std::vector<std::string> none;
+    EXPECT_FALSE(recordMessages({{"bad name", "x"}, {"QV=x", "x"}, {"QVa\nPPD: b", "x"}}, none));
+    EXPECT_TRUE(none.empty());
+}
+
+TEST(Commands, KeepTextsAsWideRecordsUnderTheirNames) {
+    const FilterHarness harness;
+    const std::string text = "presets EFBBBF Größe 用紙 \xF0\x9F\x96\xA8";
+    const std::wstring wide = wideFromUtf8(text);
+    for (const auto& [title, record] :
+         std::map<std::string, std::string>{{std::string("Command_ZANPrefs") + uuid, "QVDriverPreference"},
+                                            {std::string("Command_WritePresetData") + uuid, "QVlocalPreset"},
+                                            {"Command_PRINTERLOCALPRESETS", "QVlocalPreset"},
+                                            {"command_PopupJnData", "QVPopupJnData"}}) {
+        harness.Forget();
+        EXPECT_EQ(run(title, text), 0) << title;
+        Keywords keywords;
+        std::istringstream lines(harness.Told());
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("PPD:")) {
+                applyMessage(line + "\n", keywords);
+            }
+        }
+        EXPECT_EQ(recordIn(keywords, record), std::string(payloadFromWide(wide))) << title;
+        EXPECT_EQ(run(title, ""), 1) << "nothing to keep";
+    }
+}
+
+TEST(Commands, HostileTitlesAndTextsDoNothing) {
+    const FilterHarness harness;
+    const std::filesystem::path outside = harness.root.Write("outside", "untouched");
+    for (const std::string& title :
+         {std::string(), std::string("Command_LocaleCode "), std::string("Command_LocaleCode\nERROR: x"),
+          std::string("command_localecode"), std::string("Command_ZANPrefs"),
+          "Command_ZANPrefs" + std::string(36, 'x'), std::string("Command_AllBidi../../x"),
+          std::string("$(touch x)"), std::string("%n%s%99999999s"), std::string(100000, 'A')}) {
+        harness.Forget();
+        EXPECT_EQ(run(title, "text"), 1);
+        const std::string told = harness.Told();
+        EXPECT_TRUE(told.starts_with("ERROR: ")) << told;
+        EXPECT_EQ(std::ranges::count(told, '\n'), 1) << "a message stays one line";
+    }
+    for (const auto& [title, text] : std::vector<std::pair<std::string, std::string>>{
+             {"Command_LocaleCode", "j"},
+             {"Command_LocaleCode", "../../ja"},
+             {"Command_LocaleCode", std::string(70000, 'a')},
+             {"Command_PSQVDestination", "/Library/Caches/ZAN/.."},
+             {"Command_PSQVDestination", ""},
+             {"Command_PSTempFileName", "/Library/Caches/ZAN/../../outside"},
+             {"Command_WritePSTemp", "a ticket without a name"},
+             {"Command_UpdateCommands", "no delimiters"},
+             {"Command_UpdateCommands", "../x::DELIMIT::h::DELIMIT::a=b"},
+             {std::string("Command_AllBidi") + uuid, "::DELIMIT::::DELIMIT::"}}) {
+        EXPECT_EQ(run(title, text), 1) << title << " " << text.substr(0, 40);
+    }
+    // An address is a name in the controllers' folder and nothing more.
+    std::filesystem::create_directories(harness.root / "etc/torka/data");
+    EXPECT_EQ(run(std::string("Command_AllBidi") + uuid, "A-1::DELIMIT::..::DELIMIT::"), 0);
+    EXPECT_TRUE(PrivateFolder::Exists("ConnectionErrorInfoFileA-1.txt"));
+    EXPECT_FALSE(std::filesystem::exists(harness.root / "var/cache/torka/queues/Proofs.bididata"));
+
+    FilterJob job = commandJob("Command_LocaleCode");
+    job.queue = "../x";
+    FolderSource source("/");
+    EXPECT_EQ(runCommand(job, "ja", source), 1);
+    EXPECT_EQ(readFile(outside), "untouched");
+}
+
+TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
+    const FilterHarness harness;
+    const std::filesystem::path place = harness.root / "etc/torka/controllers/10.0.0.5";
+    for (const char* folder : {"data", "data.ja", "ppd"}) {
+        std::filesystem::create_directories(place / folder);
+    }
+    harness.root.Write("etc/torka/controllers/10.0.0.5/data/QVTrayInfo", "trays");
+    harness.root.Write("etc/torka/controllers/10.0.0.5/data/QVTonerInfo", "toner");
+    harness.root.Write("etc/torka/controllers/10.0.0.5/data/not a name", "x");
+    harness.root.Write("etc/torka/controllers/10.0.0.5/data.ja/QVTrayInfo", "トレイ");
+    harness.root.Write("etc/torka/controllers/10.0.0.5/ppd/QVServerInfo.narrow", "narrow");
+    const std::string text = "A-7::DELIMIT::10.0.0.5::DELIMIT::a=b";
+    const std::filesystem::path data = harness.root / "var/cache/torka/queues/Proofs.bididata";
+    const auto wideRecord = [&](const char* name) {
+        std::size_t size = 0;
+        const RecordBlock block = CFileHdlr::fileReadData(data, name, &size);
+        return utf8FromWide(wideFromPayload({block.get(), size}));
+    };
+    ASSERT_EQ(run(std::string("Command_GetServerData") + uuid, text), 0) << harness.Told();
+    EXPECT_EQ(wideRecord("QVTrayInfo"), "trays");
+    EXPECT_NE(harness.Told().find("QVServerInfo0000="), std::string::npos);
+    ASSERT_EQ(run("Command_LocaleCode", "ja"), 0);
+    ASSERT_EQ(run("Command_UpdateCommands", text), 0);
+    EXPECT_EQ(wideRecord("QVTrayInfo"), "トレイ");
+    EXPECT_EQ(wideRecord("QVTonerInfo"), "toner");
+    EXPECT_FALSE(std::filesystem::exists(harness.root / "var/cache/torka/queues/Proofs.open"));
+    EXPECT_EQ(std::filesystem::status(data).permissions(), std::filesystem::perms(0644));
+
+    // Deleting: this queue's files and reports, nothing else.
+    const std::filesystem::path other = data.parent_path() / "Finals.bididata";
+    std::filesystem::copy_file(data, other);
+    PrivateFolder::Write("zan_timeout_override.txt", "");
+    EXPECT_EQ(run("Command_DeleteUpdateFiles",
+                  "Finals.bididata\n/x/Proofs.bididata\r\n..\nzan_timeout_override.txt\n"
+                  "../../../outside\nTorkaFilterNotes\n"),
+              0);
+    EXPECT_FALSE(std::filesystem::exists(data));
+    EXPECT_TRUE(std::filesystem::exists(other));
+    EXPECT_TRUE(PrivateFolder::Exists("zan_timeout_override.txt"));
+    EXPECT_TRUE(PrivateFolder::Exists("TorkaFilterNotes"));
+}
+
+} // namespace
+
+} // namespace torka::tests

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "bidi/StandardStreams.h"
+#include "platform/System.h"
+#include "platform/posix/PosixSystem.h"
+#include "spooler/filter/FilterNotes.h"
+#include "tests/support/TestSupport.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace torka::tests {
+
+// The filter's parts below a system root of their own, with what they tell the server.
+class FilterHarness {
+public:
+    FilterHarness() {
+        platform::PosixSystemOptions options;
+        options.root = root.Path();
+        platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+        setStandardStreams(streams);
+    }
+    FilterHarness(const FilterHarness&) = delete;
+    FilterHarness& operator=(const FilterHarness&) = delete;
+    ~FilterHarness() {
+        setStandardStreams(nullptr);
+        platform::setSystem(nullptr);
+    }
+
+    // A file of the filter's folder.
+    std::filesystem::path Cache(std::string_view name = "") const {
+        return root.Path() / "Library/Caches/ZAN" / name;
+    }
+    std::string Told() const { return streams->text; }
+    void Forget() const { streams->text.clear(); }
+
+    const TemporaryFolder root;
+
+private:
+    struct Streams final : StandardStreams {
+        void Output(std::string_view) override {}
+        void Error(std::string_view part) override { text += part; }
+        std::string text;
+    };
+    std::shared_ptr<Streams> streams = std::make_shared<Streams>();
+};
+
+inline std::string ticketPath(int number) {
+    const std::string digits = std::to_string(100000000000 + number);
+    return "/Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-" + digits;
+}
+
+} // namespace torka::tests
