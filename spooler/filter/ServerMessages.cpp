@@ -18,7 +18,9 @@ void tell(std::string_view kind, std::string_view text) {
 
 } // namespace
 
-void tellError(std::string_view text) { tell("ERROR: ", text); }
+// The server writes "Filter failed" over a message of the level "ERROR" or not, as it happens; a graver one
+// stays.
+void tellError(std::string_view text) { tell("CRIT: ", text); }
 void tellDebug(std::string_view text) { tell("DEBUG: ", text); }
 
 bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::string>& messages) {

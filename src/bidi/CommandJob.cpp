@@ -59,7 +59,8 @@ public:
             completed = true;
             return true;
         }
-        const bool hopeless = job && (job->state == jobStateCanceled || job->state == jobStateAborted ||
+        const bool hopeless = job && (job->state == jobStateStopped || job->state == jobStateCanceled ||
+                                      job->state == jobStateAborted ||
                                       (looks % queueCheckInterval == 0 && IsStopped(job->destination)));
         looks += job ? 1 : 0;
         --triesLeft;

@@ -17,8 +17,8 @@ void setDestinationPPD(std::string_view path);
 
 // Waits for the command job with this title: up to 360 looks at the spooler's jobs, 100 ms apart. True when
 // it completed; the queue's PPD has then been fetched again and its path is destinationPPD(). False before
-// the time is over when the job was cancelled or aborted, or its queue is stopped: nothing would come of
-// waiting.
+// the time is over when the job was stopped (its filter failed), cancelled or aborted, or its queue is
+// stopped: nothing would come of waiting.
 bool isJobComple(std::string_view jobTitle, const WaitObserver& observer = {});
 
 enum class CommandOutcome {

@@ -1,0 +1,208 @@
+#include "bidi/BidiDataFile.h"
+#include "bidi/CPPDMsgHdlr.h"
+#include "bidi/CommandJob.h"
+#include "bidi/RecordText.h"
+#include "bidi/SpoolerCommands.h"
+#include "platform/TextEncoding.h"
+#include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
+#include "platform/cups/CupsSpooler.h"
+#include "platform/posix/PosixSystem.h"
+#include "tests/apps/Tool.h"
+#include "tests/e2e/Sandbox.h"
+
+#include <chrono>
+#include <cups/ppd.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <thread>
+
+// The library marks its PPD calls as deprecated; they are what people use.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+// Asking a queue's filter for server data, and reading what it answers, as the pane does.
+
+namespace torka::tests {
+
+namespace {
+
+class ServerData : public SandboxTest {
+protected:
+    void SetUp() override {
+        SandboxTest::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        platform::PosixSystemOptions options;
+        options.rootFromEnvironment = true;
+        platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+        platform::setSpooler(std::make_unique<CupsSpooler>());
+    }
+    void TearDown() override {
+        platform::setSpooler(nullptr);
+        platform::setSystem(nullptr);
+        SandboxTest::TearDown();
+    }
+
+    PMPrinter AddQueue(const std::string& name) {
+        const CommandResult result =
+            runTool({"queue", "add", name, "torkasink:/", samplePath("torka-production.ppd")});
+        EXPECT_EQ(result.status, 0) << result.errors;
+        ppdPath = *sandbox / ("etc/ppd/" + name + ".ppd");
+        EXPECT_TRUE(fillBidiFilePaths(ppdPath, paths));
+        return std::make_shared<CupsPrinter>(name);
+    }
+
+    // A record that a controller answers with; `kind` is "data" or "ppd".
+    void Give(const std::string& address, const std::string& kind, const std::string& name,
+              const std::string& text) const {
+        const std::filesystem::path folder = *sandbox / ("root/etc/torka/controllers/" + address) / kind;
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / name, std::ios::binary) << text;
+    }
+
+    std::string ppdPath;
+    BidiFilePaths paths;
+    BidiFailure failure;
+    ServerDataRequests requests;
+};
+
+std::string wideTextOf(const RecordBlock& block, std::size_t size) {
+    return utf8FromWide(wideFromPayload({block.get(), size}));
+}
+
+TEST_F(ServerData, ComesBackThroughTheDataFileAndTheDescription) {
+    const PMPrinter printer = AddQueue("Served");
+    std::string trays = "Tray 1 Größe 用紙 🖨\n";
+    for (int i = 0; i < 3000; ++i) {
+        trays += std::to_string(i * i) + " A4, plain\n";
+    }
+    Give("10.0.0.5", "data", "QVTrayInfo", trays);
+    Give("10.0.0.5", "data", "QVTonerInfo", "Cyan 40 %");
+    Give("10.0.0.5", "ppd", "QVServerInfo", trays);
+    BidiDataFile file(paths, failure);
+    const ServerDataRequests::Request request = requests.Compose("10.0.0.5", "trays=1\n", "", {});
+    ASSERT_EQ(fetchServerData(printer, request.title, request.text, requests.randomStringForBIDIFile(), paths,
+                              file),
+              ServerDataOutcome::read);
+    const auto text = file.getBidiDataCopy();
+    std::size_t size = 0;
+    RecordBlock block = RecordText(*text).Read("QVTrayInfo", &size);
+    EXPECT_EQ(wideTextOf(block, size), trays);
+    EXPECT_EQ(destinationPPD(), ppdPath);
+    EXPECT_EQ(utf8FromWide(CPPDMsgHdlr(destinationPPD(), "ServerInfo").GetStringData()), trays);
+    EXPECT_EQ(CPPDMsgHdlr(destinationPPD(), "InvalidPrinterAddress").GetCStringData(), "no");
+
+    // Nobody of ours: both carriers by Python.
+    const std::string script = R"PY(
+import base64, re, sys, zlib
+text = open(sys.argv[1], encoding='latin-1').read()
+chunks = [base64.b64decode(c) for _, c in sorted(re.findall(
+    r'^\*?' + sys.argv[2] + r'([0-9a-f]{4}): "?([A-Za-z0-9+/=]*)"?$', text, re.M))]
+assert chunks.pop() == b'' and all(len(c) == 158 for c in chunks[:-1])
+sys.stdout.buffer.write(zlib.decompress(b''.join(chunks)).decode('utf-32-le').encode())
+)PY";
+    EXPECT_EQ(runPython(script, {twoWayPlace("Served", dataFileSuffix), "QVTrayInfo"}), trays);
+    EXPECT_EQ(runPython(script, {ppdPath, "QVServerInfo"}), trays);
+
+    // A controller that is not there, and one that is there again.
+    const ServerDataRequests::Request away = requests.Compose("10.0.0.6", "", "", {});
+    EXPECT_EQ(
+        fetchServerData(printer, away.title, away.text, requests.randomStringForBIDIFile(), paths, file),
+        ServerDataOutcome::connectionError);
+    EXPECT_EQ(CPPDMsgHdlr(ppdPath, "InvalidPrinterAddress").GetCStringData(), "yes");
+    const ServerDataRequests::Request again = requests.Compose("10.0.0.5", "", "", {});
+    EXPECT_EQ(
+        fetchServerData(printer, again.title, again.text, requests.randomStringForBIDIFile(), paths, file),
+        ServerDataOutcome::read);
+    EXPECT_EQ(CPPDMsgHdlr(ppdPath, "InvalidPrinterAddress").GetCStringData(), "no");
+
+    // A command that fails is not waited for until the end.
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(sendCommandAndWait(printer, "not a request", commandTitle(SpoolerCommand::updateCommands)),
+              CommandOutcome::notCompleted);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST_F(ServerData, ADescriptionWithTwoHundredRecordsIsStillOne) {
+    const PMPrinter printer = AddQueue("Crowded");
+    std::vector<std::string> names;
+    for (int i = 0; i < 200; ++i) {
+        std::string name = "QVRecord" + std::to_string(1000 + i);
+        name.append(maximumRecordName - name.size(), 'x');
+        names.push_back(name);
+        Give("10.0.0.7", "ppd", name, "text of " + name + std::string(static_cast<std::size_t>(i), 'y'));
+    }
+    ASSERT_EQ(sendCommandAndWait(printer, updateRequestText("A-1", "10.0.0.7", "a=b"),
+                                 commandTitle(SpoolerCommand::allBidi)),
+              CommandOutcome::completed);
+    const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(ppdOpenFile(ppdPath.c_str()), ppdClose);
+    ASSERT_TRUE(ppd);
+    ppdMarkDefaults(ppd.get());
+    EXPECT_TRUE(ppdFindOption(ppd.get(), "PageSize"));
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        std::size_t size = 0;
+        const RecordBlock block = ppdxReadData(ppd.get(), names[i], &size);
+        EXPECT_EQ(wideTextOf(block, size), "text of " + names[i] + std::string(i, 'y'));
+    }
+    const CommandResult shown = runTool({"show", ppdPath, "--json"});
+    EXPECT_EQ(shown.status, 0) << shown.errors;
+    const CommandResult printed = runTool({"print", "-d", "Crowded", samplePath("plain.ps"), "PageSize=A3"});
+    EXPECT_EQ(printed.status, 0) << printed.errors;
+    // What did not change leaves the description alone.
+    const auto before = std::filesystem::last_write_time(ppdPath);
+    ASSERT_EQ(sendCommandAndWait(printer, updateRequestText("A-2", "10.0.0.7", "a=b"),
+                                 commandTitle(SpoolerCommand::allBidi)),
+              CommandOutcome::completed);
+    EXPECT_EQ(std::filesystem::last_write_time(ppdPath), before);
+}
+
+TEST_F(ServerData, AWaitOutlivesARestartOfTheServer) {
+    AddQueue("Restarted");
+    CupsPrinter printer("Restarted");
+    const std::string title = commandTitle(SpoolerCommand::zanPrefs);
+    ASSERT_EQ(printer.SendCommand(cfString("<plist/>"), cfString(title),
+                                  CFDictionaryCreate({{cfString("job-hold-until"), cfString("indefinite")}})),
+              noErr);
+    std::thread meanwhile([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        sandbox->Restart();
+        runCommand({"lp", "-i", std::to_string(printer.CommandJob()), "-H", "resume"});
+    });
+    EXPECT_TRUE(isJobComple(title));
+    meanwhile.join();
+    EXPECT_EQ(utf8FromWide(CPPDMsgHdlr(ppdPath, "DriverPreference").GetStringData()), "<plist/>");
+}
+
+TEST_F(ServerData, AFilterThatIsKilledLeavesNoHalfTicket) {
+    const std::string name = "Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+    const std::string filter = TORKA_BINARY_DIR "/bin/torkafilter";
+    const TemporaryFolder root;
+    const std::string environment =
+        "export CONTENT_TYPE=application/vnd.cups-command PRINTER=Q TORKA_SYSTEM_ROOT=" +
+        root.Path().string() + "; ";
+    ASSERT_EQ(runCommand({"bash", "-c",
+                          environment + "echo /Library/Caches/ZAN/" + name + " | " + filter +
+                              " 1 anna Command_PSTempFileName 1 ''"})
+                  .status,
+              0);
+    EXPECT_EQ(runCommand({"bash", "-c",
+                          environment +
+                              "set -o pipefail; { echo half; sleep 1; echo whole; } | timeout -s KILL 0.3 " +
+                              filter + " 2 anna Command_WritePSTemp 1 ''"})
+                  .status,
+              137);
+    for (const auto& file : std::filesystem::recursive_directory_iterator(root.Path())) {
+        EXPECT_FALSE(file.path().filename().string().starts_with("Torka.temp")) << file.path();
+    }
+    // The job is started again: the pair still meets.
+    EXPECT_EQ(runCommand(
+                  {"bash", "-c", environment + "echo whole | " + filter + " 2 anna Command_WritePSTemp 1 ''"})
+                  .status,
+              0);
+    EXPECT_EQ(readFile(root / ("Library/Caches/ZAN/" + name)), "whole\n");
+}
+
+} // namespace
+
+} // namespace torka::tests

@@ -1,0 +1,245 @@
+#include "bidi/SpoolerCommands.h"
+#include "output/BundleIdentifier.h"
+#include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
+#include "tests/apps/Tool.h"
+#include "tests/e2e/Sandbox.h"
+
+#include <chrono>
+#include <cups/cups.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sstream>
+#include <thread>
+
+// Jobs with settings, from the command line to the device, through the server's own filters.
+
+namespace torka::tests {
+
+namespace {
+
+constexpr const char* sampleUuid = "5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+
+class Printing : public SandboxTest {
+protected:
+    static void AddQueue(const std::string& name, const std::string& uri = "torkasink:/") {
+        const CommandResult result = runTool({"queue", "add", name, uri, samplePath("torka-production.ppd")});
+        ASSERT_EQ(result.status, 0) << result.errors;
+    }
+
+    static JobStatus WaitForEnd(int job) {
+        JobStatus status = jobStatus(job);
+        for (int i = 0; i < 250 && !status.IsOver(); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            status = jobStatus(job);
+        }
+        return status;
+    }
+
+    // Sends a job that names a ticket, whatever is there under that name.
+    static JobStatus PrintWithTicket(const std::string& queue, const std::string& path, int& job,
+                                     const std::string& title = "proof") {
+        std::string error;
+        job =
+            submitFile(queue, samplePath("plain.ps"), title, {{std::string(ticketPathSetting), path}}, error);
+        EXPECT_NE(job, 0) << error;
+        return WaitForEnd(job);
+    }
+
+    static void SendCommand(const std::string& queue, SpoolerCommand command, const std::string& text) {
+        CupsPrinter printer(queue);
+        ASSERT_EQ(printer.SendCommand(cfString(text), cfString(commandName(command)), nullptr), noErr);
+        ASSERT_EQ(WaitForEnd(printer.CommandJob()).state, 9);
+    }
+
+    // Printed pages: the size of each in points, and how many pixels differ from another job's page.
+    struct Page {
+        int width = 0;
+        int height = 0;
+        int differences = 0;
+    };
+    std::vector<Page> Compared(int job, int otherJob) const {
+        const std::string folder = *sandbox / "printed";
+        for (const int number : {job, otherJob}) {
+            const std::string name = folder + "/" + std::to_string(number);
+            const CommandResult gs =
+                runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=pgmraw", "-r36", "-o",
+                            name + "-%d.pgm", name + ".ps"});
+            EXPECT_EQ(gs.status, 0) << gs.output << gs.errors;
+        }
+        std::vector<Page> pages;
+        std::istringstream numbers(runPython(R"PY(
+import glob, re, sys
+def pages(job):
+    for name in sorted(glob.glob(f'{sys.argv[1]}/{job}-*.pgm')):
+        data = open(name, 'rb').read()
+        head = re.match(rb'P5\s(?:#.*\s)*(\d+)\s+(\d+)\s+255\s', data)
+        yield int(head[1]) * 2, int(head[2]) * 2, data[head.end():]
+for (w, h, one), (_, _, other) in zip(pages(sys.argv[2]), pages(sys.argv[3]), strict=True):
+    print(w, h, sum(a != b for a, b in zip(one, other, strict=True)))
+)PY",
+                                             {folder, std::to_string(job), std::to_string(otherJob)}));
+        for (Page page; numbers >> page.width >> page.height >> page.differences;) {
+            pages.push_back(page);
+        }
+        return pages;
+    }
+};
+
+int jobNumber(const CommandResult& result) {
+    return result.output.starts_with("Job ") ? std::stoi(result.output.substr(4)) : 0;
+}
+
+TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
+    AddQueue("Proofs");
+    const TemporaryFolder folder;
+    const std::string pdf = folder / "brochure.pdf";
+    ASSERT_EQ(
+        runCommand({"gs", "-q", "-dSAFER", "-sDEVICE=pdfwrite", "-o", pdf, samplePath("brochure.ps")}).status,
+        0);
+    for (const std::string& document : {samplePath("brochure.ps"), pdf}) {
+        const CommandResult bare = runTool({"print", "-d", "Proofs", document, "PageSize=A3"});
+        ASSERT_EQ(bare.status, 0) << bare.errors;
+        const CommandResult full = runTool(
+            {"print", "-d", "Proofs", document, "PageSize=A3", "Notes1=paper from shelf 4", "Resume=73915486",
+             "QVUserPassword=vault-kelp-Zq7", "--keys", samplePath("FieldKeys.plist"), "--watermark",
+             "0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,PROOF ONLY"});
+        ASSERT_EQ(full.status, 0) << full.errors;
+        const std::string printed = sandbox->Printed(jobNumber(full));
+        EXPECT_NE(printed.find("%%ZANCustom1: paper from shelf 4"), std::string::npos);
+        const std::size_t password = printed.find("%%PersPassword: ");
+        ASSERT_NE(password, std::string::npos);
+        EXPECT_NE(printed.find_first_of("0123456789ABCDEF", password + 16), std::string::npos);
+
+        const std::vector<Page> pages = Compared(jobNumber(full), jobNumber(bare));
+        ASSERT_EQ(pages.size(), 3U);
+        for (const Page& page : pages) {
+            EXPECT_NEAR(page.width, 842, 2) << document;
+            EXPECT_NEAR(page.height, 1190, 2) << document;
+            EXPECT_GT(page.differences, 500) << "the watermark";
+        }
+    }
+    // Neither job files, nor tickets, nor logs, nor what reached the device: the whole folder.
+    for (const std::string secret :
+         {"73915486", "vault-kelp-Zq7", "3733393135343836", "7661756C742D6B656C70"}) {
+        const CommandResult found = runCommand({"grep", "-rliaF", secret, (*sandbox / "").string()});
+        EXPECT_EQ(found.status, 1) << secret << " in " << found.output;
+    }
+    // Without keys a protected field is left out, and that is told.
+    const CommandResult left = runTool({"print", "-d", "Proofs", samplePath("plain.ps"), "Resume=73915486"});
+    EXPECT_EQ(left.status, 0);
+    EXPECT_NE(left.errors.find("*Resume is left out"), std::string::npos) << left.errors;
+    EXPECT_EQ(sandbox->Printed(jobNumber(left)).find("PersPassword"), std::string::npos);
+}
+
+TEST_F(Printing, AJobWithoutATicketPassesUnchanged) {
+    AddQueue("Filtered");
+    ASSERT_EQ(addQueue("Bare", "torkasink:/", samplePath("torka-production.ppd")), "");
+    std::string error;
+    std::string printed[2];
+    for (int i = 0; i < 2; ++i) {
+        const int job =
+            submitFile(i == 0 ? "Filtered" : "Bare", samplePath("brochure.ps"), "same", {}, error);
+        ASSERT_EQ(WaitForEnd(job).state, 9);
+        printed[i] = sandbox->Printed(job);
+    }
+    EXPECT_GT(printed[0].size(), 10000U);
+    EXPECT_TRUE(printed[0] == printed[1]);
+}
+
+TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
+    AddQueue("Strict");
+    const std::string folder = "/Library/Caches/ZAN/";
+    const std::string path = folder + "Torka.temp" + sampleUuid;
+    std::ofstream(*sandbox / "root/secret") << "secret";
+    int job = 0;
+    const auto expectRefused = [&](const std::string& named, const std::string& reason) {
+        const JobStatus status = PrintWithTicket("Strict", named, job, "$(touch x); `id` %n%s \"'\\ proof");
+        EXPECT_EQ(status.state, 6) << named;
+        EXPECT_NE(status.message.find(reason), std::string::npos) << status.message;
+        EXPECT_EQ(sandbox->Printed(job), "");
+    };
+    expectRefused(path, "are missing");
+    expectRefused("/etc/passwd", "no valid name");
+    expectRefused(folder + "../../../secret", "no valid name");
+    expectRefused("", "no valid name");
+    expectRefused("x y=z 'q\" \\", "no valid name");
+
+    SendCommand("Strict", SpoolerCommand::psTempFileName, path);
+    SendCommand("Strict", SpoolerCommand::writePSTemp, "<plist><array><integer>1</integer></arr");
+    expectRefused(path, "are broken");
+    cupsSetUser("mallory");
+    expectRefused(path, "belong to somebody else");
+    cupsSetUser("root");
+
+    // The queue goes on.
+    const CommandResult good = runTool({"print", "-d", "Strict", samplePath("plain.ps"), "PageSize=A5",
+                                        "--title", "; rm -rf $HOME 用紙 %s%n"});
+    EXPECT_EQ(good.status, 0) << good.errors;
+    EXPECT_NE(sandbox->Printed(jobNumber(good)), "");
+    EXPECT_EQ(runTool({"print", "-d", "NoSuchQueue", samplePath("plain.ps")}).status, 2);
+    EXPECT_EQ(runTool({"print", "-d", "Strict", samplePath("plain.ps"), "NoSuchKey=1"}).status, 2);
+    EXPECT_EQ(
+        runTool({"print", "-d", "Strict", samplePath("plain.ps"), "-o", "ZAN.PSData.x=/etc/passwd"}).status,
+        2);
+    EXPECT_EQ(runTool({"queue", "add", "a b", "torkasink:/", samplePath("torka-production.ppd")}).status, 2);
+}
+
+// The running filter of the sandbox's server, 0 for none.
+int filterProcess(const Sandbox& sandbox) {
+    std::istringstream lines(runCommand({"ps", "-e", "-o", "pid=,ppid=,comm="}).output);
+    const int server = std::stoi(readFile(sandbox / "cupsd.pid"));
+    int pid = 0;
+    int parent = 0;
+    for (std::string name; lines >> pid >> parent >> name;) {
+        if (parent == server && name == "torkafilter") {
+            return pid;
+        }
+    }
+    return 0;
+}
+
+TEST_F(Printing, AFilterThatCrashesOrIsCancelledFailsItsJobAndNoOther) {
+    AddQueue("Slow", "torkasink:/wait");
+    const TemporaryFolder folder;
+    std::string document = readFile(samplePath("brochure.ps"));
+    const std::size_t trailer = document.find("%%Trailer");
+    ASSERT_NE(trailer, std::string::npos);
+    std::string filler;
+    while (filler.size() < 4'000'000) {
+        filler += "0 pop 0 pop 0 pop 0 pop 0 pop 0 pop 0 pop 0 pop 0 pop 0 pop 0 pop\n";
+    }
+    document.insert(trailer, filler);
+    const std::string file = folder.Write("long.ps", document);
+    for (const bool isCrash : {true, false}) {
+        const CommandResult sent = runTool({"print", "-d", "Slow", file, "PageSize=A4", "--no-wait"});
+        ASSERT_EQ(sent.status, 0) << sent.errors;
+        const int job = jobNumber(sent);
+        const std::filesystem::path part = *sandbox / ("printed/." + std::to_string(job) + ".part");
+        std::error_code none;
+        for (int i = 0; i < 200 && !(std::filesystem::file_size(part, none) >= 65536 && !none); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        const int pid = filterProcess(*sandbox);
+        ASSERT_NE(pid, 0);
+        if (isCrash) {
+            // The server takes the end by SIGKILL for a proper one, as of a job that was cancelled.
+            ASSERT_EQ(kill(pid, SIGSEGV), 0);
+            std::ofstream(*sandbox / "printed/release") << "";
+        } else {
+            cancelJob("Slow", job);
+        }
+        EXPECT_EQ(WaitForEnd(job).state, isCrash ? 6 : 7);
+        std::filesystem::remove(*sandbox / "printed/release");
+    }
+    std::ofstream(*sandbox / "printed/release") << "";
+    const CommandResult next = runTool({"print", "-d", "Slow", file, "PageSize=A4"});
+    EXPECT_EQ(next.status, 0) << next.errors;
+    EXPECT_GT(sandbox->Printed(jobNumber(next)).size(), 4'000'000U);
+    std::filesystem::remove(*sandbox / "printed/release");
+}
+
+} // namespace
+
+} // namespace torka::tests
