@@ -3,6 +3,10 @@
 #include "bidi/RecordWriter.h"
 #include "bidi/StandardStreams.h"
 
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace torka::filter {
 
 namespace {
@@ -20,8 +24,20 @@ void tell(std::string_view kind, std::string_view text) {
 
 // The server writes "Filter failed" over a message of the level "ERROR" or not, as it happens; a graver one
 // stays.
-void tellError(std::string_view text) { tell("CRIT: ", text); }
+void tellError(std::string_view text) { tell("ERROR: ", text); }
 void tellDebug(std::string_view text) { tell("DEBUG: ", text); }
+
+void waitUntilRead() {
+    constexpr useconds_t interval = 5000;
+    constexpr int looks = 400; // 2 seconds in all
+    struct stat facts {};
+    int waiting = 0;
+    for (int i = 0; i < looks && ::fstat(STDERR_FILENO, &facts) == 0 && S_ISFIFO(facts.st_mode) &&
+                    ::ioctl(STDERR_FILENO, FIONREAD, &waiting) == 0 && waiting > 0;
+         ++i) {
+        ::usleep(interval);
+    }
+}
 
 bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::string>& messages) {
     PieceGatherer lines("PPD:", "\n", [&](std::string_view line) {

@@ -63,5 +63,10 @@ int main(int argc, char** argv) {
         return 1;
     }
     const int source = file ? file.Descriptor() : STDIN_FILENO;
-    return job->IsCommand() ? runCommandJob(*job, source) : filter::printJob(*job, source, STDOUT_FILENO);
+    const int status =
+        job->IsCommand() ? runCommandJob(*job, source) : filter::printJob(*job, source, STDOUT_FILENO);
+    if (status != 0) {
+        filter::waitUntilRead();
+    }
+    return status;
 }

@@ -144,7 +144,7 @@ TEST(Commands, HostileTitlesAndTextsDoNothing) {
         harness.Forget();
         EXPECT_EQ(run(title, "text"), 1);
         const std::string told = harness.Told();
-        EXPECT_TRUE(told.starts_with("CRIT: ")) << told;
+        EXPECT_TRUE(told.starts_with("ERROR: ")) << told;
         EXPECT_EQ(std::ranges::count(told, '\n'), 1) << "a message stays one line";
     }
     for (const auto& [title, text] : std::vector<std::pair<std::string, std::string>>{
