@@ -1,0 +1,74 @@
+// Two-way records out of hostile texts: the reader and the index against slow reading, and what a command
+// job's text asks for.
+
+#include "bidi/CFileHdlr.h"
+#include "bidi/RecordText.h"
+#include "bidi/SpoolerCommands.h"
+#include "bidi/StandardStreams.h"
+#include "tests/bidi/RecordOracle.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace {
+
+using namespace torka;
+
+class NoStreams final : public StandardStreams {
+public:
+    void Output(std::string_view /*text*/) override {}
+    void Error(std::string_view /*text*/) override {}
+};
+
+void require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+std::optional<std::string> textOf(const RecordBlock& block, std::size_t size) {
+    require(block ? block[size] == '\0' : size == 0);
+    return block ? std::optional(std::string(block.get(), size)) : std::nullopt;
+}
+
+void checkRequest(std::string_view text) {
+    if (const std::optional<UpdateRequest> request = parseUpdateRequest(text)) {
+        const std::string joined =
+            updateRequestText(request->identifier, request->printerAddress, requestText(request->lines));
+        require(isRequestIdentifier(request->identifier) && request->printerAddress.size() <= 255);
+        require(parseUpdateRequest(joined)->identifier == request->identifier);
+    }
+}
+
+} // namespace
+
+// The first line is the record's name, the rest is the file.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool quiet = (setStandardStreams(std::make_shared<NoStreams>()), true);
+    static_cast<void>(quiet);
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::size_t end = std::min(input.find('\n'), input.size());
+    const std::string name = input.substr(0, end);
+    const std::string text = input.substr(std::min(end + 1, input.size()));
+
+    std::size_t length = 0;
+    const RecordBlock block = CFileHdlr::stringReadData(text, name, &length);
+    const std::optional<std::string> payload = textOf(block, length);
+    require(payload == tests::readSlowly(text, name));
+    const RecordText index(text);
+    const RecordBlock indexed = index.Read(name, &length);
+    require(textOf(indexed, length) == payload);
+    for (const std::string& known : index.Names()) {
+        require(index.Read(known, &length) != nullptr);
+    }
+    std::string written;
+    if (payload && CFileHdlr::fileWriteData(name, payload->data(), payload->size(), written)) {
+        const RecordBlock again = CFileHdlr::stringReadData(written, name, &length);
+        require(textOf(again, length) == payload);
+    }
+    checkRequest(input);
+    return 0;
+}

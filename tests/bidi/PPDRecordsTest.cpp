@@ -1,0 +1,124 @@
+#include "bidi/CPPDMsgHdlr.h"
+#include "platform/TextEncoding.h"
+#include "tests/bidi/BidiTestSupport.h"
+#include "tests/support/TestSupport.h"
+
+#include <algorithm>
+#include <cups/ppd.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <sstream>
+
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace torka {
+namespace {
+
+// What the scheduler does with a filter's messages at the end of its job: each pair becomes a main keyword
+// right behind the first line of the PPD, in place of the one that was there.
+std::string rewritten(const std::string& ppd, const std::vector<std::string>& messages, bool quoted) {
+    std::map<std::string, std::string> pairs;
+    for (const std::string& message : messages) {
+        EXPECT_TRUE(message.starts_with("PPD: ") && message.ends_with("\n") && message.size() < 1024)
+            << message;
+        std::istringstream words(message.substr(5));
+        for (std::string word; words >> word;) {
+            pairs[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
+        }
+    }
+    std::istringstream lines(ppd);
+    std::ostringstream out;
+    std::string line;
+    std::getline(lines, line);
+    out << line << "\n";
+    for (const auto& [name, value] : pairs) {
+        const bool bare = !quoted || value == "\"\"";
+        out << "*" << name << ": " << (bare ? value : "\"" + value + "\"") << "\n";
+    }
+    while (std::getline(lines, line)) {
+        const bool replaced = line.starts_with("*") && pairs.contains(line.substr(1, line.find(':') - 1));
+        if (!replaced) {
+            out << line << "\n";
+        }
+    }
+    return out.str();
+}
+
+TEST(PPDRecords, TwoHundredStayReadable) {
+    tests::CapturingStreams streams;
+    const tests::TemporaryFolder folder;
+    const std::string sample =
+        tests::readFile(std::string(TORKA_SOURCE_DIR) + "/samples/torka-production.ppd");
+    std::mt19937 random(3);
+    std::map<std::string, std::wstring> records;
+    for (int i = 0; i < 200; ++i) {
+        std::string name = "Rec" + std::to_string(i);
+        name.resize(i % 2 == 0 ? 34 : 12, '_'); // 36 characters with its "QV"
+        std::wstring& text = records[name];
+        text.resize(random() % 500 + 1);
+        std::generate(text.begin(), text.end(), [&] { return static_cast<wchar_t>(random() % 0x11000 + 1); });
+        EXPECT_EQ(CPPDMsgHdlr("", name).Commit(text), static_cast<int>(name.size()) + 2);
+    }
+    const std::vector<std::string> messages = streams.Errors();
+    ASSERT_LT(messages.size(), 2000U);
+    for (const bool quoted : {false, true}) {
+        if (quoted) { // leaves no room for the longest names
+            std::erase_if(records, [](const auto& record) { return record.first.size() == 34; });
+            streams.Clear();
+            for (const auto& [name, text] : records) {
+                CPPDMsgHdlr("", name).Commit(text);
+            }
+        }
+        const std::string text = rewritten(sample, streams.Errors(), quoted);
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            ASSERT_LE(line.size(), 255U);
+        }
+        const std::string path = folder.Write("queue.ppd", text).string();
+        ppd_file_t* ppd = ppdOpenFile(path.c_str());
+        ASSERT_NE(ppd, nullptr) << "libcups cannot open it";
+        EXPECT_EQ(ppdxRecordNames(ppd).size(), records.size());
+        EXPECT_NE(ppdFindOption(ppd, "PageSize"), nullptr);
+        for (const auto& [name, wide] : records) {
+            std::size_t size = 0;
+            const RecordBlock block = ppdxReadData(ppd, "QV" + name, &size);
+            EXPECT_EQ(wideFromPayload({block.get(), size}), wide) << name;
+        }
+        ppdClose(ppd);
+        CPPDMsgHdlr handler(path, records.begin()->first);
+        EXPECT_EQ(handler.GetStringData(), records.begin()->second);
+        EXPECT_EQ(CPPDMsgHdlr(path, "Absent").GetStringData(), L"");
+    }
+}
+
+TEST(PPDRecords, NarrowEmptyReplacedAndBroken) {
+    tests::CapturingStreams streams;
+    const tests::TemporaryFolder folder;
+    const std::string ppd = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*ModelName: \"T\"\n";
+    EXPECT_EQ(CPPDMsgHdlr("", "X").Commit(std::string_view()), -1);
+    EXPECT_EQ(CPPDMsgHdlr("", "X").Commit(std::wstring_view()), -1);
+    EXPECT_TRUE(ppdxWriteData("QVEmpty", nullptr, 0));
+    EXPECT_FALSE(ppdxWriteData("QVa b=c", "x", 1));
+    EXPECT_THAT(streams.Errors(), ::testing::ElementsAre("PPD: QVEmpty0000=\"\"\n"));
+
+    std::string text = rewritten(ppd, streams.Errors(), false);
+    for (const char* answer : {"a longer text than the one that comes", "yes"}) {
+        streams.Clear();
+        EXPECT_EQ(CPPDMsgHdlr("", "InvalidPrinterAddress").Commit(std::string_view(answer)), 23);
+        text = rewritten(text, streams.Errors(), false);
+    }
+    const std::string path = folder.Write("q.ppd", text).string();
+    CPPDMsgHdlr handler(path, "InvalidPrinterAddress");
+    EXPECT_EQ(handler.GetCStringData(), "yes");
+    handler.Discard();
+    EXPECT_EQ(CPPDMsgHdlr(path, "Empty").GetCStringData(), "");
+    folder.Write("q.ppd", "no description");
+    EXPECT_EQ(handler.GetCStringData(), "");
+    EXPECT_EQ(CPPDMsgHdlr("/nowhere.ppd", "X").GetCStringData(), "");
+    EXPECT_EQ(ppdxReadData(nullptr, "QVX", nullptr), nullptr);
+}
+
+} // namespace
+} // namespace torka

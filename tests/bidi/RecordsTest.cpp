@@ -1,0 +1,338 @@
+#include "bidi/CBuffer.h"
+#include "bidi/CFileHdlr.h"
+#include "bidi/RecordText.h"
+#include "platform/TextEncoding.h"
+#include "tests/bidi/BidiTestSupport.h"
+#include "tests/bidi/RecordOracle.h"
+#include "tests/support/TestSupport.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace torka {
+namespace {
+
+using ::testing::ElementsAre;
+
+std::string randomBytes(std::size_t size, unsigned seed) {
+    std::mt19937 random(seed);
+    std::string bytes(size, '\0');
+    std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<char>(random()); });
+    return bytes;
+}
+
+std::string wideLines(int count) {
+    CBuffer buffer;
+    for (int i = 0; i < count; ++i) {
+        buffer.AddCString("Größe@\xE7\xB4\x99");
+        buffer.AddInt(i * i);
+        buffer.AddString(L"\n");
+    }
+    return std::string(payloadFromWide(buffer.GetStringData()));
+}
+
+std::string written(std::string_view name, const std::string& payload) {
+    std::string out;
+    EXPECT_TRUE(CFileHdlr::fileWriteData(name, payload.data(), payload.size(), out));
+    return out;
+}
+
+std::optional<std::string> readFromText(const std::string& text, std::string_view name) {
+    std::size_t size = 99;
+    const RecordBlock block = CFileHdlr::stringReadData(text, name, &size);
+    if (!block) {
+        EXPECT_EQ(size, 0U);
+        return std::nullopt;
+    }
+    EXPECT_EQ(block[size], '\0');
+    return std::string(block.get(), size);
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// Takes records apart with nothing of ours: python's own readers.
+constexpr const char* pythonReader = R"(
+import base64, sys, zlib
+chunks = {}
+for line in open(sys.argv[1]):
+    name, text = line.rstrip('\n').split(': ')
+    assert len(text) <= 212, len(text)
+    chunks.setdefault(name[:-4], []).append((name[-4:], text))
+for name, parts in chunks.items():
+    assert [n for n, _ in parts] == ['%04x' % i for i in range(len(parts))]
+    assert parts[-1][1] == '' and all(t for _, t in parts[:-1])
+    pieces = [base64.b64decode(t, validate=True) for _, t in parts[:-1]]
+    assert all(len(p) == 158 for p in pieces[:-1])
+    data = zlib.decompress(b''.join(pieces)) if pieces else b''
+    print(name, len(parts), data.hex())
+)";
+
+TEST(Records, PythonReadsWhatIsWritten) {
+    const tests::CapturingStreams streams;
+    const tests::TemporaryFolder folder;
+    const std::vector<std::pair<std::string, std::string>> records = {
+        {"TrayInfo", wideLines(40)},
+        {"Empty", ""},
+        {"One", "x"},
+        {"WholeChunk", randomBytes(147, 1)}, // 158 bytes of stream: 11 are zlib's own
+        {"TwoChunks", randomBytes(158 + 147, 2)},
+        {"Random", randomBytes(100'000, 3)},
+        {std::string(36, 'n'), wideLines(2)},
+    };
+    std::string file;
+    std::string expected;
+    for (const auto& [name, payload] : records) {
+        const std::string lines = written(name, payload);
+        file += lines;
+        expected += name + " " + std::to_string(linesOf(lines).size()) + " ";
+        for (const char unit : payload) {
+            const auto byte = static_cast<unsigned char>(unit);
+            expected += {"0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 15]};
+        }
+        expected += "\n";
+    }
+    const std::filesystem::path path = folder.Write("data", file);
+    EXPECT_EQ(tests::runPython(pythonReader, {path.string()}), expected);
+    EXPECT_EQ(linesOf(written("WholeChunk", records[3].second)).size(), 2U);
+    EXPECT_EQ(written("Empty", ""), "Empty0000: \n");
+
+    // All that was written was echoed, in blocks below 1,024 bytes of whole lines.
+    std::string echoed;
+    for (const std::string& block : streams.Errors()) {
+        EXPECT_LT(block.size(), 1022U);
+        EXPECT_TRUE(block.ends_with("\n"));
+        echoed += block;
+    }
+    EXPECT_TRUE(echoed.starts_with(file));
+}
+
+TEST(Records, WhatPythonWritesIsRead) {
+    const tests::ScopedMemorySystem system;
+    const std::string payload = wideLines(3000);
+    const std::string script = R"(
+import base64, sys, zlib
+end = {'lf': '\n', 'cr': '\r', 'crlf': '\r\n'}[sys.argv[1]]
+data = open(sys.argv[2], 'rb').read()
+stream, out = zlib.compress(data, 1), 'Other0000: eJwDAAAAAAE=' + end + 'Other0001: ' + end
+for i in range(0, len(stream), 158):
+    out += 'Rec%04x: ' % (i // 158) + base64.b64encode(stream[i:i + 158]).decode() + end
+print(out + 'Rec%04x: ' % ((len(stream) + 157) // 158), end='')
+)";
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.Write("payload", payload).string();
+    for (const char* lineEnd : {"lf", "cr", "crlf"}) {
+        const std::string text = tests::runPython(script, {lineEnd, path});
+        EXPECT_EQ(readFromText(text, "Rec"), payload) << lineEnd;
+        EXPECT_EQ(readFromText(text, "Other"), "") << lineEnd;
+        EXPECT_EQ(readFromText(withPlainLineEnds(text), "Rec"), payload) << lineEnd;
+        EXPECT_THAT(RecordText(text).Names(), ElementsAre("Other", "Rec")) << lineEnd;
+        system->files["/two-way"].content = text;
+        std::size_t size = 0;
+        const RecordBlock block = CFileHdlr::fileReadData("/two-way", "Rec", &size);
+        EXPECT_EQ(std::string_view(block.get(), size), payload) << lineEnd;
+    }
+    EXPECT_EQ(wideFromPayload(payload).substr(0, 5), L"Größe");
+}
+
+TEST(Records, DamagedRecordsEndWhereTheyAreBroken) {
+    tests::CapturingStreams streams;
+    const std::string payload = randomBytes(2000, 7);
+    const std::vector<std::string> whole = linesOf(written("Rec", payload));
+    ASSERT_EQ(whole.size(), 14U);
+    streams.Clear();
+    using Lines = std::vector<std::string>;
+    const auto textOf = [](const Lines& lines) {
+        std::string text;
+        for (const std::string& line : lines) {
+            text += line + "\n";
+        }
+        return text;
+    };
+    struct Case {
+        const char* what;
+        std::function<void(Lines&)> damage;
+        std::size_t chunksRead; // whose bytes are all there is to inflate
+        bool tellsError;
+    };
+    const std::vector<Case> cases = {
+        {"chunk 3 missing", [](Lines& l) { l.erase(l.begin() + 3); }, 3, false},
+        {"chunk 2 before chunk 1", [](Lines& l) { std::swap(l[1], l[2]); }, 2, false},
+        {"end mark in the middle", [](Lines& l) { l[4] = "Rec0004: "; }, 4, false},
+        {"not Base64 at all", [](Lines& l) { l[5] = "Rec0005: \xFF\x01!?\\"; }, 5, false},
+        {"file ends early", [](Lines& l) { l.resize(6); }, 6, false},
+        {"line cut short", [](Lines& l) { l[8] = "Rec0008"; }, 8, false},
+        {"other lines between", [](Lines& l) { l.insert(l.begin() + 5, "x"); }, 13, false},
+        {"number in capitals", [](Lines& l) { l[10][6] = 'A'; }, 10, false},
+        {"bytes of no stream", [](Lines& l) { l[0] = "Rec0000: /////w=="; }, 0, true},
+        {"no first chunk", [](Lines& l) { l.erase(l.begin()); }, 99, false},
+    };
+    for (const Case& damaged : cases) {
+        streams.Clear();
+        Lines lines = whole;
+        damaged.damage(lines);
+        const std::string text = textOf(lines);
+        const std::optional<std::string> read = readFromText(text, "Rec");
+        EXPECT_EQ(read, tests::readSlowly(text, "Rec")) << damaged.what;
+        ASSERT_EQ(read.has_value(), damaged.chunksRead != 99) << damaged.what;
+        if (read) {
+            EXPECT_TRUE(payload.starts_with(*read)) << damaged.what;
+            // Random bytes are stored as they are, behind 7 bytes of zlib's.
+            const std::size_t reach = damaged.chunksRead * 158;
+            EXPECT_EQ(read->size(), reach == 0 ? 0 : std::min<std::size_t>(reach - 7, 2000)) << damaged.what;
+        }
+        EXPECT_EQ(streams.Errors().size(), damaged.tellsError ? 1U : 0U) << damaged.what;
+    }
+    readFromText("Rec0000: /////w==\n", "Rec");
+    EXPECT_EQ(streams.Errors().back(), "ERROR: inflate returned -3 (incorrect header check)\n");
+    // A stream that wants a dictionary (RFC 1950) neither loops nor fails.
+    EXPECT_EQ(readFromText("Rec0000: ePkAAAAB\nRec0001: AAAA\n", "Rec"), "");
+}
+
+// Mutations of a file with many records: the reader, the index and the slow reading give the same.
+TEST(Records, AgreesWithSlowReading) {
+    const tests::CapturingStreams streams;
+    const std::vector<std::string> names = {"A", "A0", "ServerValFrmDict", "ServerValFrmDictspdmapen",
+                                            "0", "AA"};
+    std::string good;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        good += written(names[i], i % 2 == 0 ? wideLines(10 * static_cast<int>(i)) : randomBytes(600, 9));
+    }
+    std::mt19937 random(42);
+    for (int round = 0; round < 400; ++round) {
+        std::string text = good;
+        for (int edit = 0; round != 0 && edit < 3; ++edit) {
+            const std::size_t at = random() % text.size();
+            const std::size_t length = std::min<std::size_t>(random() % 400, text.size() - at);
+            switch (random() % 4) {
+            case 0:
+                text[at] = "\r\n0A: /="[random() % 8];
+                break;
+            case 1:
+                text.erase(at, length);
+                break;
+            case 2:
+                text.insert(random() % text.size(), text.substr(at, length));
+                break;
+            default:
+                text.insert(at, "\r");
+            }
+        }
+        const RecordText index(text);
+        for (const std::string& name : names) {
+            const std::optional<std::string> slow = tests::readSlowly(text, name);
+            ASSERT_EQ(readFromText(text, name), slow) << round << " " << name;
+            std::size_t size = 0;
+            const RecordBlock block = index.Read(name, &size);
+            ASSERT_EQ(block ? std::optional(std::string(block.get(), size)) : std::nullopt, slow) << round;
+        }
+    }
+    EXPECT_THAT(RecordText(good).Names(), ::testing::ElementsAreArray(names));
+    EXPECT_EQ(readFromText(std::string(100'000, '0'), "A"), std::nullopt);
+    // Too many places where a record could begin for an index.
+    const std::string crowded = std::string(100'000, '0') + "\n" + good;
+    const RecordText unindexed(crowded);
+    std::size_t size = 0;
+    EXPECT_NE(unindexed.Read("ServerValFrmDict", &size), nullptr);
+    EXPECT_EQ(size, tests::readSlowly(good, "ServerValFrmDict")->size());
+}
+
+TEST(Records, LimitsHold) {
+    const tests::CapturingStreams streams;
+    std::string out;
+    const std::string largest(0x1000001, 'z');
+    EXPECT_FALSE(CFileHdlr::fileWriteData("Rec", largest.data(), 0x1000001, out));
+    EXPECT_FALSE(CFileHdlr::fileWriteData("Rec", nullptr, 1, out));
+    for (const char* name : {"", "a b", "a:b", "a=b", "a\nb", "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"}) {
+        EXPECT_FALSE(CFileHdlr::fileWriteData(name, "x", 1, out)) << name;
+    }
+    EXPECT_EQ(out, "");
+    // Chunks beyond 0xffff have five digits, for which a name of 36 characters leaves no room.
+    const std::string incompressible = randomBytes(65'536 * 158, 5);
+    EXPECT_FALSE(
+        CFileHdlr::fileWriteData(std::string(36, 'n'), incompressible.data(), incompressible.size(), out));
+    EXPECT_TRUE(
+        CFileHdlr::fileWriteData(std::string(35, 'n'), incompressible.data(), incompressible.size(), out));
+    EXPECT_TRUE(readFromText(out, std::string(35, 'n')) == incompressible);
+
+    EXPECT_TRUE(CFileHdlr::fileWriteData("Rec", largest.data(), 0x1000000, out));
+    EXPECT_TRUE(readFromText(out, "Rec") == largest.substr(0, 0xFFFFFF));
+    EXPECT_EQ(readFromText("Rec0000: \n", std::string(37, 'n')), std::nullopt);
+    EXPECT_EQ(readFromText("", "Rec"), std::nullopt);
+
+    // A bomb: 64 MiB of zeros.
+    std::string stream(100'000, '\0');
+    uLongf length = stream.size();
+    const std::string zeros(64U << 20U, '\0');
+    ASSERT_EQ(compress2(reinterpret_cast<Bytef*>(stream.data()), &length,
+                        reinterpret_cast<const Bytef*>(zeros.data()), zeros.size(), 9),
+              Z_OK);
+    std::string bomb;
+    for (std::size_t at = 0, number = 0; at < length; at += 158) {
+        ChunkName name("Bomb");
+        name.SetNumber(number++);
+        std::array<char, 256> text{};
+        httpEncode64_2(text.data(), 256, stream.data() + at,
+                       static_cast<int>(std::min<uLongf>(158, length - at)));
+        bomb += name.Text() + ": " + text.data() + "\n";
+    }
+    EXPECT_EQ(readFromText(bomb, "Bomb")->size(), 0xFFFFFFU);
+}
+
+TEST(FileHandler, CollectsAndWrites) {
+    const tests::ScopedMemorySystem system;
+    const tests::CapturingStreams streams;
+    const tests::TemporaryFolder folder;
+    const std::string path = (folder / "out").string();
+    {
+        CFileHdlr file(path);
+        EXPECT_EQ(file.Commit(), -1);
+        EXPECT_EQ(file.Discard(), -1);
+        EXPECT_EQ(file.AddString("abc"), 3);
+        EXPECT_EQ(file.AddInt(-12), 3);
+        EXPECT_EQ(file.AddFloat(0.1F), 3);
+        EXPECT_EQ(file.AddFloat(1e20F), 5);
+        EXPECT_EQ(file.Commit(), 14);
+        EXPECT_EQ(file.AddString("gone"), 4);
+        EXPECT_EQ(file.Discard(), 4);
+    }
+    EXPECT_EQ(tests::readFile(path), "abc-120.11e+20");
+    CFileHdlr reading(path, "r");
+    EXPECT_EQ(reading.AddString("x"), 1);
+    EXPECT_EQ(reading.Commit(), -1);
+    EXPECT_EQ(CFileHdlr::fileReadData("/nowhere", "Rec", nullptr), nullptr);
+    EXPECT_EQ(streams.Output(), "Failed to open the file.\n");
+    CFileHdlr full("/dev/full");
+    full.AddString("x");
+    EXPECT_EQ(full.Commit(), 0);
+
+    CBuffer buffer;
+    buffer.AddCString("\xC3\xA9");
+    buffer.AddString(L"=");
+    buffer.AddFloat(1234567.0F);
+    EXPECT_EQ(buffer.GetStringData(), L"\u00E9=1.23457e+06");
+    EXPECT_EQ(buffer.GetCStrData(), "\xC3\xA9=1.23457e+06");
+}
+
+TEST(Lines, EndInAnyWay) {
+    std::istringstream stream("a\r\n\rb\n\nc");
+    std::vector<std::string> lines;
+    for (std::string line; safeGetline(stream, line);) {
+        lines.push_back(line);
+    }
+    EXPECT_THAT(lines, ElementsAre("a", "", "b", "", "c"));
+    EXPECT_TRUE(stream.fail());
+    EXPECT_EQ(withPlainLineEnds("a\r\n\rb\n\nc"), "a\n\nb\n\nc\n");
+    EXPECT_EQ(withPlainLineEnds(""), "");
+}
+
+} // namespace
+} // namespace torka

@@ -1,0 +1,372 @@
+#include "bidi/BidiDataFile.h"
+#include "bidi/BidiFailure.h"
+#include "bidi/CFileHdlr.h"
+#include "bidi/CommandJob.h"
+#include "bidi/SpoolerCommands.h"
+#include "platform/memory/MemoryAlerts.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "platform/memory/MemorySpooler.h"
+#include "tests/bidi/BidiTestSupport.h"
+#include "tests/support/TestSupport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace torka {
+namespace {
+
+using std::chrono::milliseconds;
+using ::testing::ElementsAre;
+
+class Waits : public ::testing::Test {
+protected:
+    Waits() {
+        auto madeSpooler = std::make_unique<MemorySpooler>();
+        auto madeAlerts = std::make_unique<MemoryAlerts>();
+        queues = madeSpooler.get();
+        shownAlerts = madeAlerts.get();
+        setSpooler(std::move(madeSpooler));
+        setAlerts(std::move(madeAlerts));
+        system->root = "/root";
+        fillBidiFilePaths("/etc/cups/ppd/Office.ppd", paths);
+        setDestinationPPD("/old.ppd");
+        queues->destinations = {{"Other"}, {"Office"}};
+        queues->ppdPaths["Office"] = "/new.ppd";
+        printer->name = "Office";
+    }
+    ~Waits() override {
+        setSpooler(nullptr);
+        setAlerts(nullptr);
+    }
+    void At(milliseconds moment, std::function<void()> happening) {
+        happenings.emplace_back(system->now + moment, std::move(happening));
+        system->onSleep = [this] {
+            for (auto& [when, what] : happenings) {
+                if (what && system->now >= when) {
+                    std::exchange(what, nullptr)();
+                }
+            }
+        };
+    }
+    milliseconds Took(const std::function<void()>& call) {
+        const auto start = system->now;
+        call();
+        return std::chrono::duration_cast<milliseconds>(system->now - start);
+    }
+    void Put(const std::string& place, const std::string& content = "") {
+        system->files[place].content = content;
+    }
+    void Remove(const std::string& place) { system->files.erase(place); }
+
+    tests::ScopedMemorySystem system;
+    tests::CapturingStreams streams;
+    MemorySpooler* queues = nullptr;
+    MemoryAlerts* shownAlerts = nullptr;
+    std::shared_ptr<MemoryPrinter> printer = std::make_shared<MemoryPrinter>();
+    BidiFilePaths paths;
+    BidiFailure failure;
+    std::vector<std::pair<std::chrono::steady_clock::time_point, std::function<void()>>> happenings;
+    const std::string data = "/root/var/cache/torka/queues/Office.bididata";
+    const std::string lock = "/root/var/cache/torka/queues/Office.open";
+    const std::string connectionError = "/root/Library/Caches/ZAN/ConnectionErrorInfoFileID-1.txt";
+    const std::string override = "/root/Library/Caches/ZAN/zan_timeout_override.txt";
+};
+
+TEST_F(Waits, CommandJobs) {
+    struct Case {
+        const char* what;
+        std::vector<SpoolerJob> jobs;
+        int stateLater; // of the first job, after 2 s; 0: none
+        int destinationState;
+        bool completes;
+        int milliseconds;
+    };
+    const SpoolerJob pending{7, "T", "Office", jobStatePending};
+    const SpoolerJob done{7, "T", "Office", jobStateCompleted};
+    const std::vector<Case> cases = {
+        {"completed at once", {{6, "U", "Office", jobStateCompleted}, done}, 0, 3, true, 700},
+        {"completed later", {pending}, jobStateCompleted, 4, true, 2700},
+        {"stays pending", {pending}, 0, 3, false, 36'000},
+        {"unknown", {{6, "T2", "Office", jobStateCompleted}}, 0, 3, false, 36'000},
+        {"the first of that title counts", {pending, {8, "T", "Office", 9}}, 0, 3, false, 36'000},
+        {"stopped jobs may go on", {pending}, jobStateStopped, 3, false, 36'000},
+        {"cancelled", {pending}, jobStateCanceled, 3, false, 2000},
+        {"aborted", {pending}, jobStateAborted, 3, false, 2000},
+        {"on a stopped queue", {pending}, 0, destinationStateStopped, false, 0},
+    };
+    for (const Case& wait : cases) {
+        queues->jobs = wait.jobs;
+        queues->jobQueries = 0;
+        queues->destinations[1].state = wait.destinationState;
+        setDestinationPPD("/old.ppd");
+        happenings.clear();
+        if (wait.stateLater != 0) {
+            At(milliseconds(2000), [&] { queues->jobs[0].state = wait.stateLater; });
+        }
+        bool completes = false;
+        EXPECT_EQ(Took([&] { completes = isJobComple("T"); }), milliseconds(wait.milliseconds)) << wait.what;
+        EXPECT_EQ(completes, wait.completes) << wait.what;
+        EXPECT_EQ(destinationPPD(), wait.completes ? "/new.ppd" : "/old.ppd") << wait.what;
+        EXPECT_EQ(queues->jobQueries,
+                  (wait.milliseconds - (completes ? 700 : 0)) / 100 + (wait.milliseconds == 36'000 ? 0 : 1))
+            << wait.what;
+    }
+    EXPECT_THAT(queues->fetched, ElementsAre("Office", "Office"));
+    // The queue was deleted meanwhile.
+    queues->jobs = {done};
+    queues->destinations.clear();
+    setDestinationPPD("/old.ppd");
+    EXPECT_TRUE(isJobComple("T"));
+    EXPECT_EQ(destinationPPD(), "/old.ppd");
+    // A scheduler that starts again.
+    queues->answers = false;
+    queues->destinations = {{"Office"}};
+    At(milliseconds(5000), [&] { queues->answers = true; });
+    EXPECT_EQ(Took([] { EXPECT_TRUE(isJobComple("T")); }), milliseconds(5700));
+    // Cancel.
+    queues->jobs = {pending};
+    system->cancelAt = system->now + milliseconds(1234);
+    EXPECT_EQ(Took([] { EXPECT_FALSE(isJobComple("T")); }), milliseconds(1234));
+}
+
+TEST_F(Waits, CommandJobsAreLogged) {
+    queues->jobs = {{7, "T\nPPD: x", "Office", jobStateProcessing}};
+    At(milliseconds(100), [&] { queues->jobs[0].state = jobStateCompleted; });
+    std::vector<milliseconds> seen;
+    EXPECT_TRUE(isJobComple("T\nPPD: x", [&](const WaitProgress& progress) {
+        EXPECT_EQ(progress.limit, milliseconds(36'000));
+        seen.push_back(progress.waited);
+    }));
+    EXPECT_THAT(seen, ElementsAre(milliseconds(0)));
+    EXPECT_THAT(streams.Errors(), ElementsAre("isJobComple: (cupsGetJobs) elapsed=0.000000\n",
+                                              "isJobComple: try=360 id=7, c=T?PPD: x, j=T?PPD: x, s=5\n",
+                                              "isJobComple: (cupsGetJobs) elapsed=0.000000\n",
+                                              "isJobComple: try=359, dest=Office\n",
+                                              "isJobComple: (JobStatusCheck) elapsed=0.100000\n",
+                                              "isJobComple: numdests=2\n", "isJobComple: new PPD=/new.ppd\n",
+                                              "isJobComple: (isJobComple) elapsed=0.800000\n"));
+}
+
+TEST_F(Waits, ReadingTheDataFile) {
+    struct Case {
+        const char* what;
+        int dataFrom; // ms; -1: never
+        int lockFrom;
+        int lockUntil;
+        bool reads;
+        int milliseconds;
+    };
+    const std::vector<Case> cases = {
+        {"there", 0, -1, 0, true, 0},
+        {"comes", 1000, -1, 0, true, 1000},
+        {"never comes", -1, -1, 0, false, 25'000},
+        {"comes too late", 25'050, -1, 0, false, 25'000},
+        {"locked for a while", 0, 0, 2000, true, 2000},
+        {"a lock left behind", 0, 0, 1'000'000, true, 3000},
+        {"a lock alone", -1, 0, 1'000'000, false, 25'000},
+    };
+    for (const Case& wait : cases) {
+        system->files.clear();
+        happenings.clear();
+        if (wait.lockFrom == 0) {
+            Put(lock);
+            At(milliseconds(wait.lockUntil), [&] { Remove(lock); });
+        }
+        if (wait.dataFrom == 0) {
+            Put(data, "a\r\nb");
+        } else if (wait.dataFrom > 0) {
+            At(milliseconds(wait.dataFrom), [&] { Put(data, "a\r\nb"); });
+        }
+        BidiDataFile file(paths, failure);
+        bool reads = false;
+        EXPECT_EQ(Took([&] { reads = file.readBidiData(); }), milliseconds(wait.milliseconds)) << wait.what;
+        EXPECT_EQ(reads, wait.reads) << wait.what;
+        EXPECT_EQ(*file.getBidiDataCopy(), wait.reads ? "a\nb\n" : "") << wait.what;
+    }
+    // Too long a file is there, and cannot be read: 40 more tries.
+    Put(data, std::string(maximumDataFile + 1, 'x'));
+    Remove(lock);
+    BidiDataFile file(paths, failure);
+    EXPECT_EQ(Took([&] { EXPECT_FALSE(file.readBidiData()); }), milliseconds(2000));
+    Put(data, "new");
+    EXPECT_TRUE(file.readBidiData());
+    const auto copy = file.getBidiDataCopy();
+    Put(lock);
+    system->cancelAt = system->now + milliseconds(400);
+    EXPECT_EQ(Took([&] { EXPECT_FALSE(file.readBidiData()); }), milliseconds(400));
+    EXPECT_EQ(*copy, "new\n");
+}
+
+TEST_F(Waits, CreationOfTheDataFile) {
+    struct Case {
+        const char* what;
+        int dataFrom;
+        int errorFrom;
+        bool overridden;
+        bool created;
+        int milliseconds;
+        std::size_t alerts;
+    };
+    const std::vector<Case> cases = {
+        {"there", 0, -1, false, true, 300, 0},
+        {"comes", 1000, -1, false, true, 1500, 0},
+        {"never comes", -1, -1, false, false, 35'100, 1},
+        {"comes with the last look", 34'750, -1, false, true, 35'100, 1},
+        {"error reported before", 0, 0, false, false, 0, 0},
+        {"error reported meanwhile", -1, 1000, false, false, 1200, 0},
+        {"error reported just after", 0, 300, false, false, 300, 0},
+        {"without limit", 400'000, -1, true, true, 400'500, 0},
+    };
+    for (const Case& wait : cases) {
+        system->files.clear();
+        happenings.clear();
+        shownAlerts->shown.clear();
+        const auto put = [&](int from, const std::string& place) {
+            if (from == 0) {
+                Put(place);
+            } else if (from > 0) {
+                At(milliseconds(from), [this, place] { Put(place); });
+            }
+        };
+        put(wait.dataFrom, data);
+        put(wait.errorFrom, connectionError);
+        put(wait.overridden ? 0 : -1, override);
+        BidiDataFile file(paths, failure);
+        bool created = false;
+        EXPECT_EQ(Took([&] { created = file.WaitForFileToBeCreated("ID-1", paths.dataFile); }),
+                  milliseconds(wait.milliseconds))
+            << wait.what;
+        EXPECT_EQ(created, wait.created) << wait.what;
+        EXPECT_EQ(shownAlerts->shown.size(), wait.alerts) << wait.what;
+    }
+    BidiDataFile file(paths, failure);
+    system->files.clear();
+    Put(override);
+    system->cancelAt = system->now + std::chrono::hours(5);
+    EXPECT_FALSE(file.WaitForFileToBeCreated("../../x", paths.dataFile));
+    EXPECT_EQ(system->now, system->cancelAt);
+}
+
+TEST_F(Waits, LockFileAndBusyPrinter) {
+    BidiDataFile file(paths, failure);
+    EXPECT_EQ(Took([&] { EXPECT_TRUE(file.canBiDiDataFileBeAccessed()); }), milliseconds(0));
+    Put(lock);
+    EXPECT_EQ(Took([&] { EXPECT_FALSE(file.canBiDiDataFileBeAccessed()); }), milliseconds(5000));
+    At(milliseconds(4990), [&] { Remove(lock); });
+    EXPECT_EQ(Took([&] { EXPECT_TRUE(file.canBiDiDataFileBeAccessed()); }), milliseconds(5000));
+
+    const auto message = [](const char* text) {
+        return CFDictionaryCreate({{cfString("printer-state-message"), cfString(text)}});
+    };
+    struct Case {
+        const char* what;
+        std::uint16_t state;
+        const char* message;
+        int idleFrom;
+        bool busy;
+        int milliseconds;
+        std::size_t alerts;
+    };
+    for (const Case& wait : std::vector<Case>{
+             {"idle", kPMPrinterIdle, "", -1, false, 0, 0},
+             {"stopped", kPMPrinterStopped, "", -1, true, 0, 0},
+             {"prints", kPMPrinterProcessing, "Printing page 3", -1, true, 0, 1},
+             {"quiet, then idle", kPMPrinterProcessing, "", 17'990, false, 18'000, 0},
+             {"quiet for long", kPMPrinterProcessing, "", -1, true, 18'000, 1},
+         }) {
+        shownAlerts->shown.clear();
+        happenings.clear();
+        printer->state = wait.state;
+        printer->stateAttributes = message(wait.message);
+        if (wait.idleFrom > 0) {
+            At(milliseconds(wait.idleFrom), [&] { printer->state = kPMPrinterIdle; });
+        }
+        bool busy = !wait.busy;
+        EXPECT_EQ(Took([&] { busy = failure.isPrinterBusyWithPrinting(printer); }),
+                  milliseconds(wait.milliseconds))
+            << wait.what;
+        EXPECT_EQ(busy, wait.busy) << wait.what;
+        EXPECT_EQ(shownAlerts->shown.size(), wait.alerts) << wait.what;
+    }
+    Put(override);
+    EXPECT_TRUE(failure.isPrinterBusyWithPrinting(printer));
+    EXPECT_EQ(failure.printerInBusyState_ContinueBiDiOFF(), BidiChoice::printerStayedBusy);
+    EXPECT_EQ(shownAlerts->shown.size(), 1U);
+}
+
+TEST_F(Waits, FailureMessage) {
+    BidiFailure translated([](std::string_view table, std::string_view key, std::string_view text) {
+        return std::string(table) + "/" + std::string(key) + (key == "CANCEL" ? std::string(text) : "");
+    });
+    translated.showBiDiError();
+    EXPECT_EQ(translated.printerInBusyState_ContinueBiDiOFF(), BidiChoice::continueBidiOff);
+    shownAlerts->onShow = [&](const AlertText&) {
+        EXPECT_EQ(failure.printerInBusyState_ContinueBiDiOFF(), BidiChoice::printerStayedBusy);
+        return AlertButton::alternateButton;
+    };
+    printer->state = kPMPrinterProcessing;
+    EXPECT_TRUE(failure.isPrinterBusyWithPrinting(printer));
+    EXPECT_EQ(failure.printerInBusyState_ContinueBiDiOFF(), BidiChoice::cancel);
+    ASSERT_EQ(shownAlerts->shown.size(), 2U);
+    EXPECT_EQ(shownAlerts->shown[0].title, "BidiStrings/BIDI_SPOOLER_DELAY_S");
+    EXPECT_EQ(shownAlerts->shown[0].informative, "BidiStrings/BIDI_SPOOLER_DELAY_L");
+    EXPECT_EQ(shownAlerts->shown[0].defaultButton, "BidiStrings/CONTINUE");
+    EXPECT_EQ(shownAlerts->shown[0].alternateButton, "BidiStrings/CANCELCancel");
+    EXPECT_EQ(shownAlerts->shown[1].title,
+              "Two-Way Communication with the Torka controller cannot be established");
+    EXPECT_EQ(shownAlerts->shown[1].defaultButton, "Continue");
+}
+
+// A whole request, with a filter that answers 400 ms after the command came.
+TEST_F(Waits, ServerDataAnswersItsOwnRequest) {
+    ServerDataRequests requests;
+    Put(data, "an old answer\n");
+    std::string answered;
+    const auto fetch = [&](const std::function<void()>& filter) {
+        system->files.erase(connectionError);
+        happenings.clear();
+        queues->jobs.clear();
+        const ServerDataRequests::Request request = requests.Compose("10.0.0.7", "locale=en\n", "", {});
+        printer->onSend = [&, filter](const MemoryPrinter::SentCommand& command) {
+            queues->jobs.push_back({1, utf8Text(command.title), "Office", jobStateProcessing});
+            answered = parseUpdateRequest(utf8Text(command.command))->identifier;
+            At(milliseconds(400), [this, filter] {
+                filter();
+                queues->jobs[0].state = jobStateCompleted;
+            });
+        };
+        BidiDataFile file(paths, failure);
+        const ServerDataOutcome outcome = fetchServerData(printer, request.title, request.text,
+                                                          requests.randomStringForBIDIFile(), paths, file);
+        EXPECT_EQ(answered, requests.randomStringForBIDIFile());
+        return std::pair(outcome, *file.getBidiDataCopy());
+    };
+    const auto answer = [&](const std::string& identifier) {
+        std::string text;
+        CFileHdlr::fileWriteData(requestIdentifierRecord, identifier.data(), identifier.size(), text);
+        Put(data, text);
+        return text;
+    };
+    std::string text;
+    const auto read = fetch([&] { text = answer(answered); });
+    EXPECT_EQ(read, std::pair(ServerDataOutcome::read, text));
+    EXPECT_EQ(fetch([&] { answer("another"); }).first, ServerDataOutcome::otherRequest);
+    EXPECT_EQ(fetch([&] { Put(data, "no name\n"); }),
+              std::pair(ServerDataOutcome::read, std::string("no name\n")));
+    EXPECT_EQ(
+        fetch([&] { Put("/root/Library/Caches/ZAN/ConnectionErrorInfoFile" + answered + ".txt"); }).first,
+        ServerDataOutcome::connectionError);
+    EXPECT_EQ(fetch([&] { Put(lock); }).first, ServerDataOutcome::locked);
+    queues->destinations[1].acceptsJobs = false;
+    const std::size_t sent = printer->sent.size();
+    BidiDataFile file(paths, failure);
+    EXPECT_EQ(fetchServerData(printer, "T", "x", "ID-1", paths, file), ServerDataOutcome::queueNotReady);
+    EXPECT_EQ(printer->sent.size(), sent);
+    queues->destinations[1].acceptsJobs = true;
+    printer->onSend = nullptr;
+    printer->sendResult = kPMGeneralError;
+    EXPECT_EQ(fetchServerData(printer, "T", "x", "ID-1", paths, file), ServerDataOutcome::notSent);
+}
+
+} // namespace
+} // namespace torka
