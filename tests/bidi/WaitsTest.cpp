@@ -89,7 +89,7 @@ TEST_F(Waits, CommandJobs) {
         {"stays pending", {pending}, 0, 3, false, 36'000},
         {"unknown", {{6, "T2", "Office", jobStateCompleted}}, 0, 3, false, 36'000},
         {"the first of that title counts", {pending, {8, "T", "Office", 9}}, 0, 3, false, 36'000},
-        {"stopped jobs may go on", {pending}, jobStateStopped, 3, false, 36'000},
+        {"stopped: its filter failed", {pending}, jobStateStopped, 3, false, 2000},
         {"cancelled", {pending}, jobStateCanceled, 3, false, 2000},
         {"aborted", {pending}, jobStateAborted, 3, false, 2000},
         {"on a stopped queue", {pending}, 0, destinationStateStopped, false, 0},
