@@ -93,6 +93,7 @@ const std::vector<DefectCase>& defects() {
         {"floatRangeStepsBack",
          control("", "Group", "*%ZANFloatRange *Key/K: 0;9;-0.5;0;\"<*Key>\"\n"),
          {"7 *Key"}},
+        {"rangeWithoutClosingQuote", control("", "Group", "*%ZANRange *Key/K: 0;9;1;0;\"<*Key>\n"), {}},
         {"rangeWithoutPostscript", control("", "Group", "*%ZANUnitRange *Key/K: 0;9;1;0;\n"), {"35 *Key"}},
         {"noteOfAnother", control("", "Group", "*%ZANJobNote *Elsewhere/N: 9|Alpha\n"), {"6 *Key"}},
         {"noteWithoutGroupLine", "*%ZANJobNote *Key/N: 9|Alpha\n", {"6 *Key"}},

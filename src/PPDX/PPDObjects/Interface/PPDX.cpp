@@ -4,6 +4,7 @@
 #include "StringUtils.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string_view>
 
@@ -11,7 +12,18 @@ namespace torka {
 
 namespace {
 constexpr std::size_t mostUnclosedValues = 10000;
+
+// Lines that no PostScript value holds, although they begin with "*%": where one of them stands the closing
+// quote was forgotten, and its element must not go down with the value.
+bool beginsElement(std::string_view line) {
+    static constexpr std::array<std::string_view, 10> keywords{
+        "*%ZANFlags",      "*%ZANPropPage",         "*%ZANGroupName", "*%ZANSubGroupName",
+        "*%ZANParent",     "*%ZANSpecialOption",    "*%QVShortcut",   "*%ZANUIConstraints",
+        "*%ZANUIRequires", "*%ParamCustomPrintSize"};
+    return std::ranges::find(keywords, line.substr(0, line.find_first_of(" \t:"))) != keywords.end();
 }
+
+} // namespace
 
 CFStringEncoding TextConverter::GetPPDEncoding(const PPDX* description) {
     const CString* const name = description != nullptr ? description->LanguageEncoding() : nullptr;
@@ -151,7 +163,7 @@ PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPo
     char line[kLineCapacity];
     while (ReadNonEmptyLine(line)) {
         text = line;
-        if (isPostscript && text.starts_with("*%")) {
+        if (isPostscript && text.starts_with("*%") && !beginsElement(text)) {
             text.remove_prefix(2);
         } else if (text.front() == '*') {
             PushBackLine(line);

@@ -64,7 +64,8 @@ public:
     // cut off is still read. Returns the length + 1, or 0 for an empty value or no opening quote.
     long GetQuotedString(PPDStream& stream, char* out, long capacity);
     // The same for PostScript: a line feed before each joined line and one at the end (in the last byte when
-    // cut); a line that begins with "*%" is part of the value without these two characters. Returns 0, and an
+    // cut); a line that begins with "*%" is part of the value without these two characters,
+    // unless it begins an element such as "*%ZANFlags", which ends the value. Returns 0, and an
     // empty `out`, also when the file ends before the value does.
     long GetPostscriptString(PPDStream& stream, char* out, long capacity);
 
