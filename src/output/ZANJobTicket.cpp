@@ -110,6 +110,11 @@ void ZANJobTicket::SavePPDForAllKeys(ZANPPD* description, const CFStringRef& key
 CFDataRef ZANJobTicket::Save() {
     saveError.clear();
     CFDataRef xml = CFPropertyListCreateXMLData(CFArrayCreate(entries));
+    if (!xml) {
+        saveError = std::make_error_code(std::errc::value_too_large);
+        myNSLogC("The job ticket has more entries than a ticket file may hold: %zu", entries.size() / 2);
+        return nullptr;
+    }
     if (platform::system().MinorVersion() >= firstVersionWithFilterWrites) {
         fileName = CreateRandomFileName("/Library/Caches/ZAN/Torka.temp");
         xmlData = xml;

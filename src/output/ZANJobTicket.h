@@ -70,8 +70,8 @@ public:
 
     // Serialises the list and records the ticket file's path in the print settings. Below minor version 7 of
     // the system the file is written here (mode 0666); from 7 on the name is only kept, for the filter to
-    // write the file. Returns the XML, null without a list. A write that fails is logged, told by SaveError()
-    // and leaves no file.
+    // write the file. Returns the XML, null for a list that no file may hold. A write that fails is logged,
+    // told by SaveError() and leaves no file.
     CFDataRef Save();
     std::error_code SaveError() const { return saveError; }
 
