@@ -3,43 +3,66 @@
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
 #include "output/BundleIdentifier.h"
+#include "platform/PropertyList.h"
+#include "platform/System.h"
 
 #include <filesystem>
+#include <map>
 #include <utility>
 
 namespace torka::tool {
 
-// The description and what the command line says, with nothing that only a pane could know.
-class JobEmission::Source final : public EmissionSource {
-public:
-    Source(ZANPPD& model, PMPrintSettings printSettings, std::uint16_t pageOrientation,
-           ZANWatermark* selectedWatermark)
-        : description(model)
-        , settings(std::move(printSettings))
-        , orientation(pageOrientation)
-        , watermark(selectedWatermark) {}
+namespace {
 
-    ZANPPD* Description() const override { return &description; }
-    PMPrintSettings Settings() const override { return settings; }
-    std::uint16_t PageOrientation() const override { return orientation; }
-    bool IsPageSizeSuppressed() const override { return false; }
-    bool IsTwoWayEnabled() const override { return false; }
-    std::span<const WideSetting> MixedMedia() const override { return {}; }
-    std::span<const WideSetting> PadCovers() const override { return {}; }
-    std::span<const WideSetting> SlipSheets() const override { return {}; }
-    std::span<const WideSetting> CoverPages() const override { return {}; }
-    std::span<const WideSetting> PaperCatalogue() const override { return {}; }
-    ZANWatermark* SelectedWatermark() const override { return watermark; }
+constexpr std::size_t printSettingsLimit = std::size_t{64} * 1024 * 1024;
+constexpr unsigned printSettingsMode = 0600;
 
-private:
-    ZANPPD& description;
-    PMPrintSettings settings;
-    std::uint16_t orientation;
-    ZANWatermark* watermark;
-};
+// A queue of the description's own: its name is the file's, as the spooler keeps one description a queue.
+std::shared_ptr<MemorySession> sessionOf(const std::string& descriptionPath) {
+    const auto printer = std::make_shared<MemoryPrinter>();
+    printer->name = std::filesystem::path(descriptionPath).stem().string();
+    printer->ppdPath = descriptionPath;
+    return std::make_shared<MemorySession>(printer);
+}
+
+CFStringRef printerName(const PMPrintSession& session) {
+    PMPrinter printer;
+    PMSessionGetCurrentPrinter(session, printer);
+    return PMPrinterGetName(printer);
+}
+
+// Null, with one line on standard error, for anything but a dictionary.
+CFDictionaryRef readPrintSettings(const std::string& path) {
+    std::string content;
+    if (const std::error_code error = platform::system().ReadFile(path, printSettingsLimit, content)) {
+        warn(path + ": cannot be read: " + error.message());
+        return nullptr;
+    }
+    std::string reason = "it holds no dictionary of print settings";
+    const CFPropertyListRef list =
+        CFPropertyListCreateFromXMLData(CFDataCreate(content.data(), content.size()), &reason);
+    CFDictionaryRef values = cfCast<CFDictionary>(list);
+    if (!values) {
+        warn(path + ": cannot be used: " +
+             (list ? std::string("it holds no dictionary of print settings") : reason));
+    }
+    return values;
+}
+
+} // namespace
 
 void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
     command.add_option("SETTING", options.settings, "KEY=VALUE, the key with or without its asterisk");
+    command.add_option("--settings", options.printSettings,
+                       "Property list of print settings, as a dialog holds them, to start from");
+    command.add_option("--save-settings", options.savePrintSettings,
+                       "Write the print settings that the pane would store to this file");
+    static const std::map<std::string, TwoWay> states{{"on", TwoWay::on}, {"off", TwoWay::off}};
+    command
+        .add_option("--two-way", options.twoWay,
+                    "on or off: two-way communication, instead of what the queue's description keeps")
+        ->transform(CLI::CheckedTransformer(states).description("on|off"))
+        ->type_name("");
     command.add_option("--watermark", options.watermark, "Watermark definition (docs/watermarks.md)");
     command.add_option("--keys", options.keys,
                        "Keys for protected fields (docs/field-protection.md) instead of the installed ones");
@@ -62,45 +85,103 @@ bool useFieldKeys(const std::string& path) {
 
 std::unique_ptr<JobEmission> JobEmission::Make(const EmissionOptions& options, PMPrintSession session) {
     auto description = readUsableDescription(options.description);
-    std::vector<Setting> settings;
-    if (!description || !parseSettings(*description, options.settings, settings) ||
+    std::vector<Setting> chosen;
+    if (!description || !parseSettings(*description, options.settings, chosen) ||
         !useFieldKeys(options.keys)) {
         return nullptr;
     }
-    applySettings(*description, settings);
-    return std::unique_ptr<JobEmission>(new JobEmission(
-        std::move(description), options, session ? std::move(session) : std::make_shared<MemorySession>()));
+    std::unique_ptr<JobEmission> job(new JobEmission(
+        std::move(description), options, session ? std::move(session) : sessionOf(options.description)));
+    if (!job->RestorePrintSettings()) {
+        return nullptr;
+    }
+    applySettings(*job->description, chosen);
+    job->ApplyOptions();
+    return job;
 }
 
-JobEmission::JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& options,
+JobEmission::JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& emissionOptions,
                          PMPrintSession printSession)
-    : description(std::move(model))
+    : options(emissionOptions)
+    , description(std::move(model))
     , settings(std::make_shared<MemoryPrintSettings>())
     , session(std::move(printSession))
     , dictionaryTicket(session, settings)
     , ticket(&dictionaryTicket, settings, cfString(ticketPathSetting))
-    , watermark(options.watermark.c_str())
-    , source(std::make_unique<Source>(*description, settings, options.orientation,
-                                      options.watermark.empty() ? nullptr : &watermark)) {}
+    , data(std::make_unique<PDEData>(
+          description.get(), printerName(session), QueueAccess{session, {}},
+          [path = options.description] { return std::make_unique<DescriptionPropertyListStore>(path); })) {
+    data->SetPrintSettings(settings);
+    data->SetPageFormat(std::make_shared<MemoryPageFormat>(options.orientation));
+    data->GetWatermarksFromPreferences();
+}
 
 JobEmission::~JobEmission() = default;
 
+bool JobEmission::RestorePrintSettings() {
+    if (!options.printSettings.empty()) {
+        const CFDictionaryRef values = readPrintSettings(options.printSettings);
+        if (!values) {
+            return false;
+        }
+        for (const auto& [key, value] : values->Pairs()) {
+            settings->SetValue(key, value, false);
+        }
+        description->SetAllValues(values);
+    }
+    data->RestoreNonPSSettings();
+    return true;
+}
+
+void JobEmission::ApplyOptions() {
+    if (options.twoWay != TwoWay::asKept) {
+        data->SetIPAddressEnabled(options.twoWay == TwoWay::on);
+    }
+    if (!options.watermark.empty()) {
+        WatermarkList& watermarks = data->Watermarks();
+        watermarks.Append(std::make_unique<ZANWatermark>(options.watermark.c_str()));
+        watermarks.Select(static_cast<int>(watermarks.Count()) - 1);
+    }
+}
+
 bool JobEmission::Emit(EmissionPurpose purpose) {
-    FeatureEmission emission(*source, ticket, session, purpose);
-    emission.OutPostscriptData();
-    for (const ZANJobNoteList::LeftOutNote& note : emission.LeftOutNotes()) {
+    data->SaveNonPSSettings();
+    data->OutPostscriptData(ticket, session, purpose);
+    for (const ZANJobNoteList::LeftOutNote& note : data->LeftOutNotes()) {
         hasLeftOutNotes = true;
         warn(note.keyword + " is left out of the job: " +
              (note.reason == LeftOutReason::noFieldKeys
                   ? "it is protected and no keys are installed (--keys FILE)"
                   : "it is too long to be protected"));
     }
+    ticket.SavePPDForAllKeys(description.get(), cfString(bundleIdentifier));
     xml = ticket.Save();
     if (ticket.SaveError()) {
         warn("the ticket cannot be written: " + ticket.SaveError().message());
         return false;
     }
-    return true;
+    return options.savePrintSettings.empty() || WritePrintSettings();
+}
+
+// Leaves out what is never kept in a file, and the path of this one job's ticket.
+bool JobEmission::WritePrintSettings() const {
+    std::vector<CFDictionary::Pair> kept;
+    const CFDictionaryRef all = settings->CopyAsDictionary();
+    for (const auto& [key, value] : all->Pairs()) {
+        if (utf8Text(key) != ticketPathSetting &&
+            !isSecretNote(*description, description->GetPPDXControlForKey(key))) {
+            kept.emplace_back(key, value);
+        }
+    }
+    const std::span<const std::uint8_t> bytes =
+        CFDataGetBytes(CFPropertyListCreateXMLData(CFDictionaryCreate(kept)));
+    const std::error_code error = platform::system().WriteFile(
+        options.savePrintSettings, {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
+        printSettingsMode);
+    if (error) {
+        warn(options.savePrintSettings + ": cannot be written: " + error.message());
+    }
+    return !error;
 }
 
 } // namespace torka::tool

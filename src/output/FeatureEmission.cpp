@@ -26,7 +26,7 @@ EmissionSource::~EmissionSource() = default;
 namespace {
 
 constexpr std::size_t fragmentSize = 1024;
-[[maybe_unused]] constexpr std::size_t watermarkSize = 5120;
+constexpr std::size_t watermarkSize = 5120;
 constexpr std::size_t sideListTextSize = 256; // characters of a side list's fragment
 constexpr std::size_t controlBarSize = 128;
 constexpr std::size_t printSizeTextSize = 64;
@@ -205,9 +205,14 @@ void FeatureEmission::AddSideLists() {
          {source.MixedMedia(), source.PadCovers(), source.SlipSheets(), source.CoverPages()}) {
         for (const WideSetting& setting : list) {
             const std::string key = utf8FromWide(setting.key);
+            const std::wstring_view bareKey =
+                std::wstring_view(setting.key).substr(setting.key.starts_with(L'*') ? 1 : 0);
+            if (bareKey.empty()) {
+                continue; // a slot in use that was never filled
+            }
             // Counted in characters of the whole fragment, as wide text.
             static const std::size_t frame = std::strlen("%%BeginFeature: * \n%%EndFeature\n");
-            if (setting.key.size() + setting.value.size() + frame > sideListTextSize) {
+            if (bareKey.size() + setting.value.size() + frame > sideListTextSize) {
                 myNSLogC("The setting %s is too long for the job and is left out.", key.c_str());
                 continue;
             }
@@ -264,7 +269,9 @@ void FeatureEmission::AddDynamicOption(std::string_view keyword, std::string_vie
 }
 
 void FeatureEmission::AddCurveAdjustment() {
-    if (PPDXControl* control = findSetting(*controls, "*QVCurveAdjust")) {
+    CNTL_TYPE type{};
+    PPDXControl* control = controls->Find("*QVCurveAdjust", type, true);
+    if (control != nullptr && !leavesEncipheredOnly(*source.Description(), control)) {
         AddDynamicOption("*QVCurveAdjust", valueOf(control), false);
     }
 }
@@ -343,8 +350,7 @@ void FeatureEmission::AddPaperCatalogue() {
             const CFStringRef units = cfString(text);
             text = encodeText(units->units, kCFStringEncodingMacJapanese).value_or(text);
         }
-        AddFragment(text);
-        isAnyAdded = true;
+        isAnyAdded |= AddFragment(text);
     }
     PPDXControl* printSize = findSetting(*controls, "*QVPrintSize");
     if (!isAnyAdded || printSize == nullptr || !headerText(description.MakerVersion()).starts_with('3')) {
@@ -415,13 +421,14 @@ void FeatureEmission::AddEndMarkers() {
     }
 }
 
-void FeatureEmission::AddFragment(const std::string& fragment) {
+bool FeatureEmission::AddFragment(const std::string& fragment) {
     if (fragment.size() < fragmentSize) {
         ticket.Add(siteDocumentSetup, fragment);
-    } else {
-        myNSLogC("A setting needs %zu bytes, more than a job can take, and is left out: %.64s",
-                 fragment.size(), fragment.c_str());
+        return true;
     }
+    myNSLogC("A setting needs %zu bytes, more than a job can take, and is left out: %.64s", fragment.size(),
+             fragment.c_str());
+    return false;
 }
 
 } // namespace torka

@@ -53,7 +53,8 @@ private:
     void AddEndMarkers();
     void AddFeature(std::string_view keyword, std::string_view value);
     void AddDynamicOption(std::string_view keyword, std::string_view text, bool escapesParentheses);
-    void AddFragment(const std::string& fragment);
+    // False when the fragment is too long and left out.
+    bool AddFragment(const std::string& fragment);
 
     const EmissionSource& source;
     ZANJobTicket& ticket;

@@ -41,8 +41,12 @@ bool copyFile(const std::string& from, const std::filesystem::path& to) {
 } // namespace
 
 PDEData::PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access)
+    : PDEData(ppd, std::move(printerName), std::move(access), nullptr) {}
+
+PDEData::PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access, AddressStoreMaker addressStore)
     : mPPDModel(ppd)
     , queue(std::move(access))
+    , makeAddressStore(std::move(addressStore))
     , mPrinterName(std::move(printerName)) {
     CopyDescription();
     ResetCorvianPrinterList();
@@ -123,7 +127,8 @@ bool PDEData::SetCorvianPrinterAddress(const CFStringRef& address, bool ipEnable
 }
 
 bool PDEData::ResetCorvianPrinterList() {
-    mCorvianList = std::make_unique<ZANCorvianPrinterPList>(queue);
+    mCorvianList = makeAddressStore ? std::make_unique<ZANCorvianPrinterPList>(makeAddressStore())
+                                    : std::make_unique<ZANCorvianPrinterPList>(queue);
     return mCorvianList->Loaded();
 }
 
@@ -205,10 +210,7 @@ std::int32_t PDEData::OutPostscriptData(ZANJobTicket& ticket, const PMPrintSessi
     twoWayEnabled = isBIDIEnabled();
     FeatureEmission emission(*this, ticket, session, purpose);
     const OSStatus status = emission.OutPostscriptData();
-    leftOutNotes.clear();
-    for (const auto& note : emission.LeftOutNotes()) {
-        leftOutNotes.push_back(note.title);
-    }
+    leftOutNotes = emission.LeftOutNotes();
     return status;
 }
 

@@ -3,12 +3,14 @@
 #include "connection/PropertyListStore.h"
 #include "output/EmissionSource.h"
 #include "output/WatermarkList.h"
+#include "output/ZANJobNoteList.h"
 #include "pane/PPDTree.h"
 #include "pane/SettingList.h"
 #include "platform/Printing.h"
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -17,8 +19,11 @@
 
 namespace torka {
 
+// Of an account pair, in wide characters with terminator. The longest key fills its place.
+inline constexpr std::size_t accountKeySize = 19;
+inline constexpr std::size_t accountValueSize = 512;
+
 class PPDXControl;
-class PPDXControls;
 class ZANCorvianPrinterPList;
 class ZANJobTicket;
 enum class EmissionPurpose;
@@ -31,7 +36,12 @@ enum class EmissionPurpose;
 // format are set anew before each save, restore and print. Not thread-safe.
 class PDEData final : public EmissionSource {
 public:
+    // Makes the store of the address list, each time that the list is read anew.
+    using AddressStoreMaker = std::function<std::unique_ptr<PropertyListStore>()>;
+
     PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access);
+    // With an address list of its own; nobody is asked to save the one of the queue.
+    PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access, AddressStoreMaker addressStore);
     ~PDEData() override;
 
     void SetPrintSettings(PMPrintSettings settings) { mPrintSettings = std::move(settings); }
@@ -100,8 +110,8 @@ public:
     // Adds every chosen setting to the ticket, see FeatureEmission. Always 0.
     std::int32_t OutPostscriptData(ZANJobTicket& ticket, const PMPrintSession& session,
                                    EmissionPurpose purpose);
-    // What the last emission left out because it could not be protected: names for people.
-    const std::vector<std::string>& LeftOutNotes() const { return leftOutNotes; }
+    // What the last emission left out because it could not be protected.
+    const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
 
     // EmissionSource
     ZANPPD* Description() const override { return mPPDModel; }
@@ -143,6 +153,7 @@ private:
     std::string mPPDCopyPath;
     PMPrintSettings mPrintSettings;
     QueueAccess queue;
+    AddressStoreMaker makeAddressStore; // empty: the queue's
     PMPageFormat mPageFormat;
     std::unique_ptr<ZANCorvianPrinterPList> mCorvianList;
     CFStringRef mPrinterName;
@@ -156,7 +167,7 @@ private:
     CurveAdjust curveAdjust = CurveAdjust::unknown;
     std::string lastKeywordAsked; // of the template
     bool sectionMissingReported = false;
-    std::vector<std::string> leftOutNotes;
+    std::vector<ZANJobNoteList::LeftOutNote> leftOutNotes;
 };
 
 } // namespace torka

@@ -107,15 +107,20 @@ void PDEData::RestoreWatermarkChoice() {
 void PDEData::RestoreAccountPairs() {
     for (WideSetting& pair : mAccountPairs) {
         const auto text = cfCast<CFString>(ReadSetting(utf8FromWide(pair.key)));
-        pair.value = text ? wideFromUtf8(cutText(utf8Text(text), 2 * settingTextSize)) : L"-1";
+        pair.value = text ? wideFromUtf8(utf8Text(text)).substr(0, accountValueSize - 1) : L"-1";
     }
 }
 
 void PDEData::RestoreList(SettingList& list, const char* countKey, const char* keyStem,
                           const char* valueStem) {
-    std::int32_t count = 0;
-    CFNumberGetValue(cfCast<CFNumber>(ReadSetting(countKey)), count);
-    list.SetCount(count);
+    const CFTypeRef stored = ReadSetting(countKey);
+    if (!stored) {
+        list.SetCount(0);
+    } else if (const auto number = cfCast<CFNumber>(stored)) {
+        std::int32_t count = 0;
+        CFNumberGetValue(number, count);
+        list.SetCount(count);
+    }
     for (std::size_t i = 0; i < list.Count(); ++i) {
         if (const auto key = cfCast<CFString>(ReadSetting(numbered(keyStem, i)))) {
             list.At(i).key = wideFromUtf8(cutText(utf8Text(key), settingTextSize));
@@ -147,6 +152,9 @@ bool PDEData::GetPPDShortcuts(PPDTree& tree) {
     }
     tree.quickAccess.clear();
     for (const std::string& stored : keywords) {
+        if (!std::ranges::all_of(stored, [](unsigned char c) { return c < 0x80; })) {
+            continue;
+        }
         const std::string keyword = cutText(stored, treeKeywordSize);
         const PPDXControl* control = mPPDModel->GetPPDXControlForKey(cfString(keyword));
         if (!IsValidBasicPanelControl(control) || dmtHides(keyword)) {

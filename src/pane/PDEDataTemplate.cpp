@@ -63,7 +63,7 @@ KeyKind keyKind(std::wstring_view key) {
     }
     for (const std::wstring_view account :
          {L"QVPCMID", L"QVPCName", L"QVCoverSizePCMID", L"QVCoverSizePCName"}) {
-        if (key == account) {
+        if (key.starts_with(account)) {
             return KeyKind::account;
         }
     }
@@ -151,8 +151,10 @@ void PDEData::TakeTemplateKey(const std::wstring& key, const std::wstring& value
             mCoverPage.FillSlot(slot, {key, value});
             break;
         case KeyKind::account:
-            if (slot < mAccountPairs.size()) {
-                mAccountPairs[slot] = {L"*" + key, value};
+            if (slot < mAccountPairs.size() && key.size() + 1 < accountKeySize) {
+                mAccountPairs[slot] = {L"*" + key, value.substr(0, accountValueSize - 1)};
+            } else {
+                myNSLogC("The account identifiers have no room for %s.", narrowKey.c_str());
             }
             WriteSetting("*" + narrowKey, text);
             break;

@@ -7,36 +7,30 @@
 
 namespace torka {
 
-void SettingList::SetCount(std::int64_t count) {
+void SettingList::SetCount(std::int64_t newCount) {
     const auto most = static_cast<std::int64_t>(capacity);
-    if (count > most) {
-        myNSLogC("A list of %s claims %lld entries; %zu are kept.", name, static_cast<long long>(count),
+    if (newCount > most) {
+        myNSLogC("A list of %s claims %lld entries; %zu are kept.", name, static_cast<long long>(newCount),
                  capacity);
     }
-    slots.resize(static_cast<std::size_t>(std::clamp<std::int64_t>(count, 0, most)));
-}
-
-bool SettingList::Append(WideSetting setting) {
-    if (slots.size() >= capacity) {
-        Refuse();
-        return false;
-    }
-    slots.push_back(std::move(setting));
-    return true;
+    count = static_cast<std::size_t>(std::clamp<std::int64_t>(newCount, 0, most));
+    slots.resize(std::max(slots.size(), count));
 }
 
 bool SettingList::FillSlot(std::size_t index, WideSetting setting) {
-    if (index >= capacity || slots.size() >= capacity) {
-        Refuse();
+    if (index >= capacity || count >= capacity) {
+        myNSLogC("The list of %s holds %zu entries and takes no more.", name, capacity);
         return false;
     }
-    slots.emplace_back();
-    slots[std::min(index, slots.size() - 1)] = std::move(setting);
+    ++count;
+    slots.resize(std::max({slots.size(), count, index + 1}));
+    slots[index] = std::move(setting);
     return true;
 }
 
-void SettingList::Refuse() const {
-    myNSLogC("The list of %s holds %zu entries and takes no more.", name, capacity);
+void SettingList::Clear() {
+    slots.clear();
+    count = 0;
 }
 
 } // namespace torka

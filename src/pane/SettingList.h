@@ -10,36 +10,36 @@
 
 namespace torka {
 
-// An ordered list of settings with a fixed capacity. The count says how many slots are in use; a slot below
-// the count that was never filled holds empty texts.
+// An ordered list of settings with a fixed capacity. The count says how many slots are in use. A slot that
+// was never filled holds empty texts; one that falls out of use keeps its texts until it is filled again.
 class SettingList {
 public:
     SettingList(const char* listName, std::size_t slotCapacity)
         : name(listName)
         , capacity(slotCapacity) {}
 
-    std::size_t Count() const { return slots.size(); }
+    std::size_t Count() const { return count; }
     std::size_t Capacity() const { return capacity; }
-    std::span<const WideSetting> Entries() const { return slots; }
+    std::span<const WideSetting> Entries() const { return {slots.data(), count}; }
 
-    // Held to 0 and the capacity; slots beyond the new count are forgotten.
-    void SetCount(std::int64_t count);
+    // Held to 0 and the capacity.
+    void SetCount(std::int64_t newCount);
     // False, with a line in the log, past the capacity.
-    bool Append(WideSetting setting);
+    bool Append(WideSetting setting) { return FillSlot(count, std::move(setting)); }
     // Fills a slot whatever the count, which grows by one with each call (slots are then filled from 0 while
     // the count goes on from where it stood). False, with a line in the log, when either would pass the
     // capacity.
     bool FillSlot(std::size_t index, WideSetting setting);
     // REQUIRES: index < Count()
     WideSetting& At(std::size_t index) { return slots[index]; }
-    void Clear() { slots.clear(); }
+    // Forgets the texts, too.
+    void Clear();
 
 private:
-    void Refuse() const;
-
     const char* name;
     std::size_t capacity;
-    std::vector<WideSetting> slots;
+    std::size_t count = 0;
+    std::vector<WideSetting> slots; // at least `count`
 };
 
 } // namespace torka

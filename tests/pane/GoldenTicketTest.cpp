@@ -1,0 +1,321 @@
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
+#include "output/FeatureEmission.h"
+#include "platform/TextEncoding.h"
+#include "spooler/SpliceFile.h"
+#include "spooler/TicketReader.h"
+#include "tests/pane/PaneFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+// Whole tickets beside the ones that were reviewed line by line (tests/pane/golden). A ticket that differs is
+// written to golden/ in the build folder, to be compared with diff.
+
+namespace torka::tests {
+
+namespace {
+
+using Texts = std::vector<std::pair<const char*, const char*>>;
+
+struct Situation {
+    std::string name;
+    std::string sample;      // file in samples/, "" for `description`
+    std::string description; // text of a small one
+    Texts values;
+    bool isTwoWay = false;
+    std::uint16_t orientation = kPMPortrait;
+    HostApplication host = {"org.torka.editor", "2.1", "Page Editor"};
+    Texts accounts = {};
+    bool isPageSizeFromSystem = false;
+    bool isPrinted = false;
+    Texts mixedMedia = {}, padCovers = {}, slipSheets = {}, coverPages = {};
+    const char* watermark = "";
+    // Keyword and text of notes beside controls of the same keyword, as a panel makes them for choices that
+    // come from the controller.
+    Texts madeNotes = {};
+};
+
+void PrintTo(const Situation& situation, std::ostream* stream) { *stream << situation.name; }
+
+std::string specialOption(const std::string& keyword, const std::string& value) {
+    return "*%ZANSpecialOption *" + keyword + ": " + value + "\n";
+}
+
+// Every control that has a step of its own, and one that has none.
+std::string smallDescription(const std::string& version, const std::string& language = "English",
+                             const std::string& makerVersion = "4.2", const std::string& more = {}) {
+    return paneHeader + "*LanguageVersion: " + language + "\n*%QVVersion: \"" + makerVersion + "\"\n" +
+           (version.empty() ? "" : specialOption("QVUTF8_Version", version)) + more +
+           popup("PageSize", {"A4", "Letter"}) + popup("QVDuplex", {"None", "Tumble"}) +
+           popup("QVOrientation", {"Portrait", "Landscape"}) + popup("Collate", {"True", "False"}) +
+           popup("QVPrintSize", {"SameAsPageSize", "A4", "Letter", "CustomPrintSize"}) +
+           "*%ParamCustomPrintSize Width: 1 points 283.46 936\n"
+           "*%ParamCustomPrintSize Height: 2 points 419.53 1368\n" +
+           popup("QVOutProfile", {"Coated", "Plain"}) + popup("QVSimulation", {"None", "Press"}) +
+           popup("QVCurveAdjust", {"None", "Soft"}) + popup("QVControlBar", {"Narrow", "True", "Wide"}) +
+           "*%ZANFlags *QVScale: Dynamic\n*%ZANGroup *QVScale: Group\n*%ZANRange *QVScale/Scale: "
+           "5;400;1;100;\"<*QVScale>\"\n" +
+           popup("QVDestination", {"Print", "File"}) + jobNote("QVMailboxName") + jobNote("Notes1");
+}
+
+std::string shown(std::string_view bytes) {
+    const bool isText = decodeText(bytes, kCFStringEncodingUTF8).has_value();
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        const bool isMark = bytes.substr(i).starts_with("\xEF\xBB\xBF");
+        if (byte == '\n') {
+            text += i + 1 < bytes.size() ? "\n    |" : "";
+            text += i + 1 < bytes.size() && bytes[i + 1] != '\n' ? " " : "";
+        } else if (isMark) {
+            text += "<EF><BB><BF>";
+            i += 2;
+        } else if (byte < ' ' || (byte >= 0x80 && !isText)) {
+            constexpr char digits[] = "0123456789ABCDEF";
+            text += {'<', digits[byte >> 4U], digits[byte & 15U], '>'};
+        } else {
+            text += bytes[i];
+        }
+    }
+    return text +
+           (bytes.ends_with('\n') || bytes.find('\n') == std::string_view::npos ? "" : "<no line end>");
+}
+
+std::string shown(const ZANJobTicket& ticket) {
+    std::string text;
+    for (const ZANJobTicket::Entry& entry : ticket.Entries()) {
+        const std::string site = std::to_string(entry.site);
+        text += std::string(4 - std::min<std::size_t>(site.size(), 4), ' ') + site + "| " +
+                shown(entry.bytes) + "\n";
+    }
+    return text;
+}
+
+void fill(SettingList& list, const Texts& texts) {
+    for (const auto& [key, value] : texts) {
+        list.Append({wideFromUtf8(key), wideFromUtf8(value)});
+    }
+}
+
+void prepare(Pane& pane, const Situation& situation) {
+    pane.format->orientation = situation.orientation;
+    for (const auto& [key, value] : situation.values) {
+        pane.Set(key, value);
+    }
+    PDEData& data = *pane.data;
+    data.SetIPAddressEnabled(situation.isTwoWay);
+    data.SetPageSizeFromOS(situation.isPageSizeFromSystem);
+    for (std::size_t i = 0; i < situation.accounts.size(); ++i) {
+        data.AccountPairs()[i] = {wideFromUtf8(situation.accounts[i].first),
+                                  wideFromUtf8(situation.accounts[i].second)};
+    }
+    fill(data.MixedMediaList(), situation.mixedMedia);
+    fill(data.PadCoverList(), situation.padCovers);
+    fill(data.SlipSheetList(), situation.slipSheets);
+    fill(data.CoverPageList(), situation.coverPages);
+    for (const auto& [keyword, text] : situation.madeNotes) {
+        auto* note =
+            new PPDXJobNote(keyword, cfString(keyword), nullptr, nullptr, 0, nullptr, 255, jobNoteUTF8, 0);
+        note->SetNotes(text);
+        pane.model->GetControls()->Add(note); // owns it
+    }
+    if (situation.watermark[0] != '\0') {
+        data.Watermarks().Append(std::make_unique<ZANWatermark>(situation.watermark));
+        data.Watermarks().Select(0);
+    }
+}
+
+const std::string english = smallDescription("6");
+
+const Situation situations[] = {
+    {"production", "torka-production.ppd", {}, {{"*PageSize", "A4"}, {"*QVScale", "85"}}},
+    {"production-two-way",
+     "torka-production.ppd",
+     {},
+     {{"*PageSize", "A4"},
+      {"*QVPrintSize", "CustomPrintSize"},
+      {"*CustomPrintSize", "595.4 841.6"},
+      {"*QVDestination", "File"},
+      {"*QVMailboxName", "proofs"},
+      {"*QVControlBar", "Wide"},
+      {"*QVCurveAdjust", "EFBBBFsoft (1)"},
+      {"*Notes1", "first note"}},
+     true,
+     kPMLandscape,
+     {"com.example.InDesign", "5.0.2", "Layout"},
+     {{"*QVPCMID", "4711"}, {"*QVPCName", "Gl\xC3\xA4nzend"}, {"*QVCoverSizePCMID", "-1"}}},
+    {"japanese", "torka-production-ja.ppd", {}, {{"*PageSize", "A4"}}},
+    {"japanese-two-way",
+     "torka-production-ja.ppd",
+     {},
+     {{"*Notes2", "\xE5\x8D\xB0\xE5\x88\xB7"}},
+     true,
+     kPMReversePortrait,
+     {"org.torka.editor", "2.1", "Page Editor"},
+     {{"*QVPCMID", "12"}, {"*QVPCName", "\xE5\x8D\xB0\xE5\x88\xB7"}}},
+    {"defects", "torka-defects.ppd", {}, {}},
+    // The control bar and the catalogue's text by version.
+    {"version-0",
+     {},
+     smallDescription("", "Japanese", "3.1"),
+     {{"*QVControlBar", "Wide"}, {"*QVPrintSize", "Letter"}},
+     true,
+     kPMPortrait,
+     {},
+     {{"QVPCName", "\xE5\x8D\xB0\xE5\x88\xB7"}}},
+    {"version-3",
+     {},
+     smallDescription("3", "Japanese", "3.1"),
+     {{"*QVControlBar", "Wide"}, {"*QVPrintSize", "CustomPrintSize"}},
+     true,
+     kPMPortrait,
+     {},
+     {{"*QVPCName", "\xE5\x8D\xB0\xE5\x88\xB7"}}},
+    {"version-5", {}, smallDescription("5"), {{"*QVControlBar", "Wide"}}, true},
+    {"version-6-notes",
+     {},
+     english,
+     {{"*QVControlBar", "Wide"}, {"*QVSimulation", "Press"}, {"*QVCurveAdjust", "Soft"}},
+     true,
+     kPMPortrait,
+     {},
+     {},
+     false,
+     false,
+     {},
+     {},
+     {},
+     {},
+     "",
+     {{"*QVOutProfile", "AEFBBBF(x)(y)"},
+      {"*QVSimulation", "Press (2)"},
+      {"*QVControlBar", "EFBBBFwide (3)"}}},
+    {"version-6-unbalanced", {}, english, {{"*QVControlBar", "Wide"}}, true, kPMPortrait, {}, {}, false,
+     false, {}, {}, {}, {}, "",
+     {{"*QVOutProfile", "(((EFBBBFEFEFBBBFBBBF"},
+      {
+          "*QVSimulation",
+          "a) b\"}, {" * QVControlBar ", "
+                                      "}}},
+              {"version-7-true", {}, smallDescription("7"), {{"*QVControlBar", "True"}}, true},
+          // Two-way communication off: notes of colours are emptied, no control bar, no catalogue.
+          {"two-way-off",
+           {},
+           english,
+           {{"*QVControlBar", "Wide"}, {"*QVPrintSize", "A4"}, {"*QVScale", "5"}},
+           false,
+           kPMPortrait,
+           {},
+           {{"*QVPCMID", "4711"}},
+           false,
+           false,
+           {},
+           {},
+           {},
+           {},
+           "",
+           {{"*QVOutProfile", "Coated 7"}}},
+          {"page-size-from-system",
+           {},
+           english,
+           {{"*QVPrintSize", "A4"}, {"*QVScale", "250"}},
+           false,
+           kPMReverseLandscape,
+           {"com.example.InDesign", "6.0", "indesign"},
+           {},
+           true},
+          {"custom-size",
+           {},
+           english,
+           {{"*QVPrintSize", "CustomPrintSize"}, {"*CustomPrintSize", "595.4 841.6"}}},
+          {"custom-size-rounded",
+           {},
+           smallDescription("6", "English", "4.2", specialOption("QVCustomPgSzRoundingOff", "True")),
+           {{"*QVPrintSize", "CustomPrintSize"}, {"*CustomPrintSize", "595.4 841.6"}}},
+          {"file-destination",
+           {},
+           english,
+           {{"*QVDestination", "File"}, {"*QVMailboxName", "proofs"}},
+           false,
+           kPMPortrait,
+           {},
+           {},
+           false,
+           true},
+          {"side-lists",
+           {},
+           english,
+           {},
+           false,
+           kPMLandscape,
+           {"com.example.InDesign", "5", "Layout\n%%EOF"},
+           {},
+           false,
+           false,
+           {{"*RangeProp1", "1-3|Card"}, {"RangeNum", "1\r\n%%EOF"}, {"", "lost"}},
+           {{"PadCoverFront", "Yes"}},
+           {{"*SlipSheet_Tray", "\xE5\x8D\xB0"}},
+           {{"CoverPage_Back", ""}},
+           "0,0,0,200,0,0,0,0,0,450,0,0,48,Helvetica,Draft"},
+          {"empty", {}, paneHeader, {}, true, kPMPortrait, {"", "", ""}},
+      };
+
+class GoldenTicket : public ::testing::TestWithParam<Situation> {};
+
+TEST_P(GoldenTicket, IsTheReviewedOneAndItsDocumentRuns) {
+    const Situation& situation = GetParam();
+    ScopedMemorySystem system;
+    system->host = situation.host;
+    Pane pane = situation.sample.empty() ? Pane(situation.description)
+                                         : Pane::OfFile(TORKA_SOURCE_DIR "/samples/" + situation.sample);
+    prepare(pane, situation);
+    PrintSettingsTicket dictionary(pane.session, pane.settings);
+    ZANJobTicket ticket(&dictionary, pane.settings, cfString("ZAN.PSData"));
+    EXPECT_EQ(pane.data->OutPostscriptData(ticket, pane.session,
+                                           situation.isPrinted ? EmissionPurpose::printJob
+                                                               : EmissionPurpose::keepSettings),
+              0);
+    const std::string text = shown(ticket);
+    const std::string golden = TORKA_SOURCE_DIR "/tests/pane/golden/" + situation.name + ".txt";
+    if (!std::filesystem::exists(golden) || readFile(golden) != text) {
+        const std::filesystem::path folder = TORKA_BINARY_DIR "/golden";
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / (situation.name + ".txt"), std::ios::binary) << text;
+        ADD_FAILURE() << "diff " << golden << " " << (folder / (situation.name + ".txt")).string();
+    }
+
+    // The file destination is told to the printer when a job is printed, and only then.
+    ASSERT_EQ(pane.printer->sent.size(), situation.isPrinted ? 1U : 0U);
+    if (situation.isPrinted) {
+        EXPECT_EQ(utf8Text(pane.printer->sent[0].title), "Command_PSQVDestination");
+        EXPECT_EQ(utf8Text(pane.printer->sent[0].command), "/Library/Caches/ZAN/proofs");
+    }
+    // Same input, same bytes.
+    ZANJobTicket again(&dictionary, pane.settings, cfString("ZAN.PSData"));
+    pane.data->OutPostscriptData(again, pane.session, EmissionPurpose::keepSettings);
+    EXPECT_EQ(shown(again), text);
+
+    const TicketResult read = readTicket(CFDataGetBytes(ticket.Save()));
+    ASSERT_FALSE(read.error) << read.error.text;
+    const std::string document = pane.folder / "spliced.ps";
+    const SpliceOutcome outcome = spliceFile(TORKA_SOURCE_DIR "/samples/brochure.ps", read.ticket, document);
+    ASSERT_EQ(outcome.status, SpliceStatus::ok) << outcome.errorText;
+    const CommandResult run =
+        runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=nullpage", document});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.errors + run.output, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Situations, GoldenTicket, ::testing::ValuesIn(situations),
+                         [](const ::testing::TestParamInfo<Situation>& each) {
+                             std::string name = each.param.name;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+} // namespace
+
+} // namespace torka::tests

@@ -1,0 +1,241 @@
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "pane/ControlTables.h"
+#include "platform/TextEncoding.h"
+#include "tests/pane/PaneFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+// The copy of the description, the controller's address, questions about controls, quick access and
+// watermarks.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
+    ScopedMemorySystem system;
+    system->root = "/root";
+    const std::string text = paneHeader + popup("QVDuplex", {"None", "Tumble"});
+    struct Case {
+        int minorVersion;
+        std::string name;
+        std::string copyPath; // "" for the file's own
+        std::string writtenTo;
+    };
+    const std::string hostile = "a\"; touch x; `id` $(id) %s %n.ppd";
+    const Case cases[] = {
+        {15, "small.ppd", "/tmp/private/zancopy.ppd", "/tmp/private/zancopy.ppd"},
+        {7, hostile, "/tmp/private/zancopy.ppd", "/tmp/private/zancopy.ppd"},
+        {7, "small.txt", "/tmp/small.txt.ppd", "/tmp/private/zancopy.ppd"},
+        {6, "small.ppd", "/tmp/small.ppd", "/root/tmp/small.ppd"},
+        {6, hostile, "/tmp/" + hostile, "/root/tmp/" + hostile},
+        {5, "-rf", "/tmp/-rf.ppd", "/root/tmp/-rf.ppd"},
+        {15, "refused.ppd", "", ""},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        Pane pane(text, each.name);
+        const std::string ownPath = pane.folder / each.name;
+        system->minorVersion = each.minorVersion;
+        system->files.clear();
+        system->files[ownPath] = {text, 0644};
+        system->writeFailure = [&](const std::filesystem::path&) {
+            return each.writtenTo.empty() ? std::make_error_code(std::errc::no_space_on_device)
+                                          : std::error_code();
+        };
+        pane.Open();
+        EXPECT_EQ(pane.data->PPDCopyPath(), each.copyPath.empty() ? ownPath : each.copyPath);
+        if (!each.writtenTo.empty()) {
+            ASSERT_TRUE(system->files.contains(each.writtenTo));
+            EXPECT_EQ(system->files[each.writtenTo].content, text);
+        }
+        system->writeFailure = nullptr;
+    }
+}
+
+TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader);
+    struct Case {
+        const char* uri;
+        const char* address;
+    };
+    for (const Case& each : {Case{"lpd://10.1.2.3/print", "10.1.2.3"},
+                             {"socket://press.example:9100", "press.example"},
+                             {"file:///dev/null", ""},
+                             {"", ""}}) {
+        pane.addressList->clear();
+        pane.printer->deviceUri = each.uri;
+        pane.Open();
+        EXPECT_TRUE(pane.data->isFirstLaunch());
+        EXPECT_EQ(utf8Text(pane.data->GetPrinterAddress()), each.address);
+        EXPECT_FALSE(pane.data->isBIDIEnabled());
+        // An entry with the queue's address stands in the list now; an empty one is asked of the queue again.
+        pane.Open();
+        EXPECT_EQ(pane.data->isFirstLaunch(), each.address[0] == '\0');
+        EXPECT_EQ(utf8Text(pane.data->GetCorvianPrinterAddress()), each.address);
+    }
+    EXPECT_TRUE(pane.data->SetCorvianPrinterAddress(cfString("10.9.9.9"), true));
+    bool isEnabled = false;
+    pane.Open();
+    EXPECT_EQ(utf8Text(pane.data->GetCorvianPrinterAddress(&isEnabled)), "10.9.9.9");
+    EXPECT_TRUE(isEnabled);
+    EXPECT_TRUE(pane.data->isBIDIEnabled());
+    EXPECT_TRUE(pane.data->SetIPAddressEnabled(false));
+    EXPECT_TRUE(pane.data->ResetCorvianPrinterList());
+    EXPECT_FALSE(pane.data->isBIDIEnabled());
+
+    // What is no list counts as none.
+    *pane.addressList = "<plist version=\"1.0\"><string>Press</string></plist>";
+    EXPECT_FALSE(pane.data->ResetCorvianPrinterList());
+    EXPECT_FALSE(pane.data->isBIDIEnabled());
+    pane.session->printer = nullptr;
+    EXPECT_EQ(utf8Text(pane.data->GetCorvianPrinterAddress()), "");
+
+    const PDEData nameless(pane.model.get(), nullptr, QueueAccess{pane.session, {}},
+                           [&] { return std::make_unique<StringStore>(pane.addressList); });
+    PPDTree tree;
+    EXPECT_FALSE(const_cast<PDEData&>(nameless).SetPPDShortcuts(tree));
+    EXPECT_FALSE(const_cast<PDEData&>(nameless).GetPPDShortcuts(tree));
+    EXPECT_TRUE(const_cast<PDEData&>(nameless).SetIPAddressEnabled(true));
+}
+
+TEST(PDEData, InputTrayOfTheSystemsPaneFollowsTheVersion) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader);
+    std::string buffer(64, 'x');
+    const auto feed = [&](int version, std::int64_t size = 64) {
+        system->minorVersion = version;
+        EXPECT_EQ(pane.data->GetPrimayPaperFeedFromOS(buffer.data(), size), 0);
+        return std::string(buffer.c_str());
+    };
+    EXPECT_EQ(feed(15), "");
+    pane.Store("com.apple.print.PrintSettings.PMPrimaryPaperFeed",
+               CFArrayCreate({cfString("InputSlot"), cfString("Upper")}));
+    pane.Store("InputSlot", cfString("Lower"));
+    EXPECT_EQ(feed(5), "Upper");
+    EXPECT_EQ(feed(6), "Lower");
+    pane.Store("AP_FIRSTPAGE_InputSlot", cfString("Bypass"));
+    EXPECT_EQ(feed(7), "Bypass");
+    EXPECT_EQ(feed(7, 4), "Byp");
+    pane.Store("com.apple.print.PrintSettings.PMPrimaryPaperFeed", CFArrayCreate({cfString("Upper")}));
+    EXPECT_EQ(feed(5), "");
+    pane.Store("com.apple.print.PrintSettings.PMPrimaryPaperFeed", CFNumberCreate(7.0));
+    EXPECT_EQ(feed(5), "");
+    buffer = "kept";
+    EXPECT_EQ(feed(5, 0), "kept");
+    EXPECT_EQ(pane.data->GetPrimayPaperFeedFromOS(nullptr, 64), 0);
+}
+
+TEST(PDEData, ControlsOfTheBasicPanel) {
+    ScopedMemorySystem system;
+    const std::string controls = popup("QVDuplex", {"None"}) + popup("QVTrayBidi", {"None"}) +
+                                 popup("Bidi", {"None"}) + popup("QVSimSpeed", {"None"}) +
+                                 popup("QVHTScreen", {"None"}) +
+                                 popup("QVHidden", {"None"}, "Dynamic|NoTorkaDriverUI") +
+                                 popup("QVColorMode", {"None"}) + popup("QVSlipSheetPaperCatalog", {"None"}) +
+                                 "*OpenGroup: InstallableOptions/Options\n*OpenUI *QVUnit/Unit: "
+                                 "PickOne\n*DefaultQVUnit: A\n*QVUnit A: "
+                                 "\"\"\n*CloseUI: *QVUnit\n*CloseGroup: InstallableOptions\n";
+    for (const bool hasCurve : {false, true}) {
+        Pane pane(paneHeader + controls + (hasCurve ? popup("QVCurveAdjust", {"None"}) : ""));
+        EXPECT_FALSE(pane.data->IsValidBasicPanelControl(nullptr));
+        std::vector<std::string> valid;
+        pane.model->GetControls()->ForEach([&](PPDXControl* control) {
+            if (pane.data->IsValidBasicPanelControl(control)) {
+                valid.emplace_back(control->Keyword());
+            }
+        });
+        // The table names the slip sheet's catalogue without its asterisk, so it hides nothing.
+        std::vector<std::string> expected = {"*QVDuplex"};
+        if (!hasCurve) {
+            expected.emplace_back("*QVColorMode");
+        }
+        expected.emplace_back("*QVSlipSheetPaperCatalog");
+        EXPECT_EQ(valid, expected);
+    }
+    EXPECT_TRUE(isSpecialHueKeeperControl("*QVSimulationX"));
+    EXPECT_FALSE(isSpecialHueKeeperControl("QVSimulation"));
+    EXPECT_FALSE(isBidiKeyword("Bidi"));
+    EXPECT_TRUE(isBidiKeyword("*Bidi"));
+    EXPECT_FALSE(isExpertHueKeeperControl("*QVSimulationX"));
+    for (const auto test :
+         {isSpecialHueKeeperControl, isExpertHueKeeperControl, isHiddenFromBasicPanel, isBidiKeyword}) {
+        EXPECT_FALSE(test(nullptr));
+    }
+}
+
+TEST(PDEData, QuickAccessComesBackWithoutWhatMayNotBeShown) {
+    ScopedMemorySystem system;
+    const std::string controls = popup("QVDuplex", {"None"}) + popup("QVStaple", {"None"}) +
+                                 popup("QVHTScreen", {"None"}) + popup("QVFold", {"None"});
+    Pane pane(paneHeader + controls +
+              templateLines("<Category name=\"UI-Modification\">\n<Show>\n<ZANPPD key=\"QVFold\" "
+                            "value=\"False\"/>\n</Show>\n</Category>"));
+    PPDTree tree;
+    tree.quickAccess = {{"old", "*QVOld", 3}};
+    EXPECT_TRUE(pane.data->GetPPDShortcuts(tree));
+    EXPECT_EQ(tree.quickAccess.size(), 1U) << "nothing kept leaves the tree as it is";
+
+    tree.quickAccess.clear();
+    for (const char* keyword :
+         {"*QVStaple", "*QVHTScreen", "*QVGone", "*QVFold", "*QVD\xC3\xBCplex", "*QVDuplex"}) {
+        tree.quickAccess.push_back({"", keyword, 0});
+    }
+    EXPECT_TRUE(pane.data->SetPPDShortcuts(tree));
+    pane.Open();
+    PPDTree read;
+    EXPECT_TRUE(pane.data->GetPPDShortcuts(read));
+    ASSERT_EQ(read.quickAccess.size(), 2U);
+    EXPECT_EQ(read.quickAccess[0].keyword, "*QVStaple");
+    EXPECT_EQ(read.quickAccess[0].userName, "QVStaple name");
+    EXPECT_EQ(read.quickAccess[1].keyword, "*QVDuplex");
+
+    tree.quickAccess.assign(200, {"", "*QVDuplex", 0});
+    EXPECT_TRUE(pane.data->SetPPDShortcuts(tree));
+    EXPECT_TRUE(pane.data->GetPPDShortcuts(read));
+    EXPECT_EQ(read.quickAccess.size(), maximumQuickAccess);
+}
+
+TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader);
+    const std::string draft = "0,0,0,9,9,9,0,0,0,450,0,0,48,Helvetica,Draft, once";
+    pane.data->SaveWatermarksToPreferences();
+    EXPECT_EQ(pane.addressList->find("Draft"), std::string::npos);
+    for (const std::string& definition : {draft, draft + " more", draft + std::string(4000, 'm')}) {
+        pane.data->Watermarks().Append(std::make_unique<ZANWatermark>(definition.c_str()));
+    }
+    pane.data->SaveWatermarksToPreferences();
+    struct Case {
+        CFTypeRef stored;
+        int restored;
+    };
+    const Case cases[] = {
+        {CFNumberCreate(2), 2}, {CFNumberCreate(3), -1}, {CFNumberCreate(-2), -1},
+        {cfString("1"), -1},    {nullptr, -1},           {CFNumberCreate(2'000'000'000), -1}};
+    for (const Case& each : cases) {
+        pane.Open();
+        EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), -1);
+        pane.Store(".SelectedWatermarkKey", each.stored);
+        pane.Store("WatermarkFirstPageInfo", CFNumberCreate(0));
+        EXPECT_TRUE(pane.data->GetWatermarksFromPreferences());
+        EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+        EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), each.restored);
+        if (const ZANWatermark* watermark = pane.data->Watermarks().Selected()) {
+            EXPECT_TRUE(watermark->IsFirstPageOnly()) << "any stored value sets it";
+        }
+    }
+    ASSERT_EQ(pane.data->Watermarks().Count(), 3U);
+    EXPECT_EQ(pane.data->Watermarks().At(0)->Definition(), draft);
+    EXPECT_EQ(pane.data->Watermarks().At(2)->Definition().size(), 1023U);
+}
+
+} // namespace
+
+} // namespace torka::tests

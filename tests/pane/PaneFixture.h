@@ -1,0 +1,122 @@
+#pragma once
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "pane/PDEData.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "tests/support/TestSupport.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A pane's data over a small description, print settings in memory and an address list that is kept in a
+// string.
+
+namespace torka::tests {
+
+inline const std::string paneHeader = "*PPD-Adobe: \"4.3\"\n"
+                                      "*FormatVersion: \"4.3\"\n"
+                                      "*LanguageEncoding: ISOLatin1\n"
+                                      "*PCFileName: \"SMALL.PPD\"\n"
+                                      "*%ZANPropPage Page/Page: True\n"
+                                      "*%ZANGroupName Pane/Pane: True\n"
+                                      "*%ZANGroupName Group/Group: True\n"
+                                      "*%ZANParent Pane/Page: True|Scrollpane\n"
+                                      "*%ZANParent Group/Pane: True|Rolldown\n";
+
+inline std::string popup(const std::string& keyword, const std::vector<std::string>& choices,
+                         const std::string& flags = "Dynamic") {
+    std::string text = "*%ZANFlags *" + keyword + ": " + flags + "\n*%ZANGroup *" + keyword +
+                       ": Group\n*OpenUI *" + keyword + "/" + keyword + " name: PickOne\n*Default" + keyword +
+                       ": " + choices.front() + "\n";
+    for (const std::string& choice : choices) {
+        text += "*" + keyword + " " + choice + ": \"% " + choice + "\"\n";
+    }
+    return text + "*CloseUI: *" + keyword + "\n";
+}
+
+inline std::string jobNote(const std::string& keyword, const std::string& flags = "255|UTF8") {
+    return "*%ZANFlags *" + keyword + ": Dynamic\n*%ZANGroup *" + keyword + ": Group\n*%ZANJobNote *" +
+           keyword + "/" + keyword + " name: " + flags + "\n*%" + keyword + ": \"% (<*" + keyword + ">)\"\n";
+}
+
+// Lines of a management template, as a description carries them.
+inline std::string templateLines(std::string_view xml) {
+    std::string text;
+    while (!xml.empty()) {
+        const std::size_t end = std::min(xml.find('\n'), xml.size());
+        text += "*% *DMT_Injection " + std::string(xml.substr(0, end)) + "\n";
+        xml.remove_prefix(std::min(end + 1, xml.size()));
+    }
+    return text;
+}
+
+class StringStore final : public PropertyListStore {
+public:
+    explicit StringStore(std::shared_ptr<std::string> keptXml)
+        : xml(std::move(keptXml)) {}
+    std::string Load() override { return *xml; }
+    SaveResult Save(std::string_view text) override {
+        *xml = text;
+        return {noErr, true};
+    }
+
+private:
+    std::shared_ptr<std::string> xml;
+};
+
+struct Pane {
+    explicit Pane(const std::string& text, const std::string& fileName = "small.ppd")
+        : Pane(text, fileName, {}) {}
+    // A description that is a file already.
+    static Pane OfFile(const std::string& path) { return Pane({}, {}, path); }
+
+    // A new panel on the same queue and print settings.
+    void Open() {
+        data =
+            std::make_unique<PDEData>(model.get(), cfString("Press"), QueueAccess{session, {}},
+                                      [kept = addressList] { return std::make_unique<StringStore>(kept); });
+        data->SetPrintSettings(settings);
+        data->SetPageFormat(format);
+    }
+    void Set(const char* key, const char* value) { model->SetValueForKey(cfString(key), cfString(value)); }
+    void Store(const std::string& key, const CFTypeRef& value) {
+        settings->SetValue(cfString(key), value, false);
+    }
+    std::string Stored(const std::string& key) const {
+        return utf8Text(cfCast<CFString>(settings->Value(cfString(key))));
+    }
+    std::int64_t StoredNumber(const std::string& key) const {
+        std::int64_t number = -99;
+        CFNumberGetValue(cfCast<CFNumber>(settings->Value(cfString(key))), number);
+        return number;
+    }
+
+    TemporaryFolder folder;
+    std::unique_ptr<ZANPPD> model = std::make_unique<ZANPPD>(kAcceptOrphans | kAcceptHidden);
+    std::shared_ptr<MemoryPrintSettings> settings = std::make_shared<MemoryPrintSettings>();
+    std::shared_ptr<MemoryPrinter> printer = std::make_shared<MemoryPrinter>();
+    std::shared_ptr<MemorySession> session = std::make_shared<MemorySession>();
+    std::shared_ptr<MemoryPageFormat> format = std::make_shared<MemoryPageFormat>();
+    std::shared_ptr<std::string> addressList = std::make_shared<std::string>();
+    std::unique_ptr<PDEData> data;
+
+private:
+    Pane(const std::string& text, const std::string& fileName, const std::string& path) {
+        model->SetFile(FSRef{path.empty() ? folder.Write(fileName, text).string() : path});
+        model->Build();
+        session->printer = printer;
+        Open();
+    }
+};
+
+inline std::vector<std::string> pairsOf(std::span<const WideSetting> list) {
+    std::vector<std::string> texts;
+    for (const WideSetting& setting : list) {
+        texts.push_back(utf8FromWide(setting.key) + "=" + utf8FromWide(setting.value));
+    }
+    return texts;
+}
+
+} // namespace torka::tests

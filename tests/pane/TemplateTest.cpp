@@ -1,0 +1,146 @@
+#include "platform/TextEncoding.h"
+#include "tests/pane/PaneFixture.h"
+
+#include <gmock/gmock.h>
+
+// What the management template hides, locks and sets.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::ElementsAre;
+
+const std::string start = "<Category name=\"UI-Modification\">\n";
+
+TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
+    ScopedMemorySystem system;
+    struct Case {
+        std::string xml;
+        bool hides;
+    };
+    const std::string hidden = "<ZANPPD key=\"QVDuplex\" value=\"False\"/>\n";
+    const Case cases[] = {
+        {start + "<Show>\n" + hidden + "</Show>\n</Category>", true},
+        {start + "<Show>" + hidden + "</Show></Category>", true},
+        {"<Show>" + hidden + "</Show>" + start + "</Category>", false},
+        {start + "</Category><Show>" + hidden + "</Show>", false},
+        {start + "<Show>" + hidden + "</Category></Show>", false},
+        {start + "<Show>" + hidden + "</Show>", false},
+        {start + "<Show>" + hidden + "</Category>", false},
+        {start + "<Show></Show></Category>", false},
+        {start + "<Show></Show>" + hidden + "</Category>", false},
+        {"<Category name=\"Other\"><Show>" + hidden + "</Show></Category>", false},
+        // The value belongs to the entry only before its end.
+        {start + "<Show><ZANPPD key=\"QVDuplex\"/> value=\"False\"</Show></Category>", false},
+        {start + "<Show><ZANPPD key=\"QVDuplex\"/><ZANPPD key=\"X\" value=\"False\"/></Show></Category>",
+         false},
+        {start + "<Show><ZANPPD key=\"QVDuplex\" value=\"True\"/>" + "</Show></Category>", false},
+        {start + "<Show><ZANPPD key=\"QVDuplex\" value=\"False\"</Show></Category>", false},
+        // An entry without end runs into the next, wherever that is.
+        {start + "<Show><ZANPPD key=\"QVDuplex\"</Show></Category> value=\"False\"/>", true},
+        {start + "<Show><ZANPPD key=\"QVDuplexX\" value=\"False\"/></Show></Category>", false},
+    };
+    for (const Case& each : cases) {
+        Pane pane(paneHeader + templateLines(each.xml));
+        ASSERT_FALSE(pane.model->DMTXmlData().empty());
+        SCOPED_TRACE(each.xml);
+        for (const char* keyword : {"*QVDuplex", "QVDuplex", "before*QVDuplex"}) {
+            EXPECT_EQ(pane.data->dmtHides(keyword), each.hides) << keyword;
+            EXPECT_FALSE(pane.data->dmtLocks(keyword));
+        }
+        EXPECT_FALSE(pane.data->dmtHides("**QVDuplex"));
+    }
+    Pane locking(paneHeader +
+                 templateLines(start + "<Lock><ZANPPD key=\"QVDuplex\" value=\"True\"/></Lock></Category>"));
+    EXPECT_TRUE(locking.data->dmtLocks("*QVDuplex"));
+    EXPECT_FALSE(locking.data->dmtHides("*QVDuplex"));
+    Pane none(paneHeader);
+    EXPECT_FALSE(none.data->dmtHides("*QVDuplex"));
+    std::vector<std::string> keys;
+    EXPECT_FALSE(none.data->fetchHiddenKeysFromDMTXML(keys));
+    EXPECT_FALSE(none.data->dmtSetNonPPDKeys());
+}
+
+TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
+    ScopedMemorySystem system;
+    const std::string xml = start + "<Controls>\n"
+                                    "<ZANPPD key=\"SlipSheet_B\" default=\"slip b\"/>\n"
+                                    "<ZANPPD key=\"RangeNum\" default=\"2\"/>\n"
+                                    "<ZANPPD key=\"MM_A1\" default=\"\xE5\x8D\xB0\"/>\n"
+                                    "<ZANPPD key=\"MM_A1\" default=\"a later one\"/>\n"
+                                    "<ZANPPD key=\"MM_B1\" default=\"none of ours\"/>\n"
+                                    "<ZANPPD key=\"PadCoverFront\" default=\"yes\"/>\n"
+                                    "<ZANPPD key=\"CoverPage_A\" default=\"cover\"/>\n"
+                                    "<ZANPPD key=\"QVPCName\" default=\"Account\"/>\n"
+                                    "<ZANPPD key=\"QVCoverSizePCMID\" default=\"12\"/>\n"
+                                    "<ZANPPD key=\"Notes1\" default=\"a note\"/>\n"
+                                    "<ZANPPD key=\"CustomPrintSize\" default=\"300 400\"/>\n"
+                                    "<ZANPPD key=\"NoDefault\"/>\n"
+                                    "</Controls>\n<Show>\n<ZANPPD key=\"QVFold\" value=\"False\"/>\n"
+                                    "<ZANPPD key=\"QVAny\" value=\"True\"/>\n</Show>\n</Category>";
+    Pane pane(paneHeader + jobNote("Notes1") + templateLines(xml));
+    pane.Store(".MMKey", CFNumberCreate(1));
+    pane.Store("MMKey0", cfString("*RangeProp9"));
+    pane.Store(".SlpSht", CFNumberCreate(2));
+    pane.Store("SlpShtKey0", cfString("SlipSheet_A"));
+    pane.Store("SlpShtKey1", cfString("SlipSheet_C"));
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    const std::string told = ::testing::internal::GetCapturedStderr();
+    EXPECT_NE(told.find("DMT Control Key"), std::string::npos);
+    EXPECT_THAT(pairsOf(pane.data->MixedMedia()), ElementsAre("*MM_A1=\xE5\x8D\xB0", "*RangeNum=2"));
+    EXPECT_THAT(pairsOf(pane.data->PadCovers()), ElementsAre("PadCoverFront=yes"));
+    // Filled from the first slot on while the count goes on from where it stood.
+    EXPECT_THAT(pairsOf(pane.data->SlipSheets()), ElementsAre("SlipSheet_B=slip b", "SlipSheet_C=", "="));
+    EXPECT_THAT(pairsOf(pane.data->CoverPages()), ElementsAre("CoverPage_A=cover"));
+    EXPECT_THAT(pairsOf(pane.data->PaperCatalogue()),
+                ElementsAre("*QVCoverSizePCMID=12", "*QVPCName=Account", "*QVCoverSizePCMID=-1",
+                            "*QVCoverSizePCName=-1"));
+    EXPECT_EQ(pane.StoredNumber(".MMKey"), 2);
+    EXPECT_EQ(pane.StoredNumber(".PadCov"), 1);
+    EXPECT_EQ(pane.Stored("RangeNum"), "2");
+    EXPECT_EQ(pane.Stored("*RangeNum"), "");
+    EXPECT_EQ(pane.Stored("QVPCName"), "Account");
+    EXPECT_EQ(pane.Stored("*QVPCName"), "Account");
+    EXPECT_EQ(pane.Stored("*Notes1"), "a note");
+    EXPECT_EQ(pane.Stored("*CustomPrintSize"), "300 400");
+    EXPECT_EQ(pane.Stored("MM_B1"), "");
+
+    // Once in a panel's life: what the user changed since stays.
+    pane.data->MixedMediaList().SetCount(0);
+    EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    EXPECT_TRUE(pane.data->MixedMedia().empty());
+
+    std::vector<std::string> keys;
+    EXPECT_TRUE(pane.data->fetchHiddenKeysFromDMTXML(keys));
+    EXPECT_THAT(keys, ElementsAre("*QVAny", "*QVFold"));
+}
+
+TEST(ManagementTemplate, MoreKeysThanSlotsAndAnUnreadableDocument) {
+    ScopedMemorySystem system;
+    std::string xml = start + "<Controls>\n";
+    for (int i = 100; i < 140; ++i) {
+        xml += "<ZANPPD key=\"CoverPage_" + std::to_string(i) + "\" default=\"1\"/>\n";
+        xml += "<ZANPPD key=\"QVPCMID" + std::to_string(i) + "\" default=\"1\"/>\n";
+    }
+    ::testing::internal::CaptureStderr();
+    {
+        Pane pane(paneHeader + templateLines(xml + "</Controls>\n"));
+        EXPECT_TRUE(pane.data->RestoreNonPSSettings() == 0);
+        EXPECT_EQ(pane.data->CoverPages().size(), 16U);
+        EXPECT_EQ(pane.data->PaperCatalogue()[3].key, L"*QVPCMID103");
+    }
+    Pane broken(paneHeader + templateLines(xml + "\xC3(\n</Controls>"));
+    broken.Store(".MMKey", CFNumberCreate(1));
+    EXPECT_EQ(broken.data->RestoreNonPSSettings(), 0);
+    EXPECT_EQ(broken.data->MixedMedia().size(), 1U) << "nothing is lost";
+    std::vector<std::string> keys;
+    EXPECT_FALSE(broken.data->fetchHiddenKeysFromDMTXML(keys));
+    ::testing::internal::GetCapturedStderr();
+}
+
+} // namespace
+
+} // namespace torka::tests
