@@ -1,0 +1,130 @@
+// A property list of print settings, whatever it holds, restored into a pane's data and emitted. The lists
+// stay within their capacities, the same settings give the same ticket again, and what was saved restores to
+// itself.
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/FeatureEmission.h"
+#include "output/ZANJobTicket.h"
+#include "pane/PDEData.h"
+#include "platform/Log.h"
+#include "platform/PropertyList.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "platform/memory/MemorySystem.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using namespace torka;
+
+// One control of each kind that has a step of its own, and a note for any text.
+constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
+*LanguageVersion: Japanese
+*LanguageEncoding: JIS83-RKSJ
+*%QVVersion: "3.1"
+*%ZANSpecialOption *QVUTF8_Version: 2
+*%ZANPropPage Page/Page: True
+*%ZANGroupName Pane/Pane: True
+*%ZANGroupName Group/Group: True
+*%ZANParent Pane/Page: True|Scrollpane
+*%ZANParent Group/Pane: True|Rolldown
+*OpenUI *PageSize/Size: PickOne
+*DefaultPageSize: A4
+*PageSize A4: ""
+*CloseUI: *PageSize
+*OpenUI *QVPrintSize/Size: PickOne
+*DefaultQVPrintSize: A4
+*QVPrintSize A4: ""
+*QVPrintSize CustomPrintSize: ""
+*CloseUI: *QVPrintSize
+*%ParamCustomPrintSize Width: 1 points 283.46 936
+*%ParamCustomPrintSize Height: 2 points 419.53 1368
+*OpenUI *QVCurveAdjust/Curve: PickOne
+*DefaultQVCurveAdjust: None
+*QVCurveAdjust None: ""
+*CloseUI: *QVCurveAdjust
+*%ZANRange *QVScale/Scale: 25;400;1;100;"<*QVScale>"
+*%ZANJobNote *Notes1/Note: 255|UTF8
+*%Notes1: "(<*Notes1>)"
+)PPD";
+
+void require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+class NoLog : public LogSink {
+    void Line(std::string_view) override {}
+};
+
+class NoStore final : public PropertyListStore {
+public:
+    std::string Load() override { return {}; }
+    SaveResult Save(std::string_view) override { return {}; }
+};
+
+// The description's file; its name lasts for the process.
+const std::string& descriptionPath() {
+    static const std::string path = [] {
+        std::string name = (std::filesystem::temp_directory_path() / "torka-fuzz-XXXXXX").string();
+        const int file = mkstemp(name.data());
+        require(file >= 0);
+        close(file);
+        std::ofstream(name) << description;
+        std::atexit([] { std::filesystem::remove(descriptionPath()); });
+        return name;
+    }();
+    return path;
+}
+
+std::string emitted(PDEData& data, const PMPrintSettings& settings) {
+    PrintSettingsTicket dictionary(nullptr, settings);
+    ZANJobTicket ticket(&dictionary, settings, cfString("ZAN.PSData"));
+    data.OutPostscriptData(ticket, nullptr, EmissionPurpose::keepSettings);
+    std::string all;
+    for (const ZANJobTicket::Entry& entry : ticket.Entries()) {
+        all += std::to_string(entry.site) + ":" + std::string(entry.bytes) + "\n";
+    }
+    return all;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    static const bool once = [] {
+        setLogSink(std::make_shared<NoLog>());
+        setSystem(std::make_unique<MemorySystem>());
+        return true;
+    }();
+    require(once);
+    const auto values = cfCast<CFDictionary>(CFPropertyListCreateFromXMLData(CFDataCreate(bytes, size)));
+    if (!values) {
+        return 0;
+    }
+    static ZANPPD model(FSRef{descriptionPath()}, kAcceptOrphans | kAcceptHidden, nullptr);
+    const auto settings = std::make_shared<MemoryPrintSettings>();
+    for (const auto& [key, value] : values->Pairs()) {
+        settings->SetValue(key, value, false);
+    }
+    model.SetAllValues(values);
+    PDEData data(&model, cfString("Press"), QueueAccess{}, [] { return std::make_unique<NoStore>(); });
+    data.SetPrintSettings(settings);
+    data.RestoreNonPSSettings();
+    data.SetIPAddressEnabled(true);
+    require(data.MixedMedia().size() <= 2048 && data.PadCovers().size() <= 16 &&
+            data.SlipSheets().size() <= 16 && data.CoverPages().size() <= 16);
+    const std::string ticket = emitted(data, settings);
+    require(ticket == emitted(data, settings));
+
+    data.SaveNonPSSettings();
+    const CFDictionaryRef saved = settings->CopyAsDictionary();
+    data.RestoreNonPSSettings();
+    data.SaveNonPSSettings();
+    require(CFEqual(saved, settings->CopyAsDictionary()));
+    return 0;
+}
