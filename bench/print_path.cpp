@@ -1,0 +1,138 @@
+// The whole way from print settings to a ticket file for the rich sample, beside libcups on the same file in
+// the same run: ppdOpenFile, marking and ppdEmitString. Names: TASK/cups and TASK/torka. What stays on the
+// heap over 10,000 jobs of one process is the counter "kept_bytes" of ManyJobs.
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/FeatureEmission.h"
+#include "output/ZANJobTicket.h"
+#include "pane/PDEData.h"
+#include "platform/Log.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "platform/posix/PosixSystem.h"
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+// The library marks its PPD calls as deprecated; they are what people use.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+#include <cups/ppd.h>
+
+namespace {
+
+using namespace torka;
+
+const std::string& samplePath() {
+    static const std::string path = TORKA_SOURCE_DIR "/samples/torka-production.ppd";
+    return path;
+}
+
+// A benchmark writes no log.
+class NoLog : public LogSink {
+    void Line(std::string_view) override {}
+};
+
+class NoStore final : public PropertyListStore {
+public:
+    std::string Load() override { return {}; }
+    SaveResult Save(std::string_view) override { return {}; }
+};
+
+// What a pane has once it is open: the description, its data and the dialog's print settings.
+struct OpenPane {
+    ZANPPD model{FSRef{samplePath()}, kAcceptOrphans | kAcceptHidden, nullptr};
+    std::shared_ptr<MemoryPrintSettings> settings = std::make_shared<MemoryPrintSettings>();
+    PDEData data{&model, cfString("Press"), QueueAccess{}, [] { return std::make_unique<NoStore>(); }};
+
+    OpenPane() {
+        data.SetPrintSettings(settings);
+        data.SetPageFormat(std::make_shared<MemoryPageFormat>());
+        for (const auto& [key, value] :
+             {std::pair{"*PageSize", "A4"}, {"*QVScale", "85"}, {"*Notes1", "a note"}}) {
+            model.SetValueForKey(cfString(key), cfString(value));
+        }
+        data.SaveNonPSSettings();
+        const CFDictionaryRef values = model.CopyAllValues();
+        for (const auto& [key, value] : values->Pairs()) {
+            settings->SetValue(key, value, false);
+        }
+    }
+
+    // From the print settings to the ticket file. Its size.
+    std::size_t Print(const std::filesystem::path& file) {
+        CFDictionaryRef values = settings->CopyAsDictionary();
+        model.SetAllValues(values);
+        data.RestoreNonPSSettings();
+        PrintSettingsTicket dictionary(nullptr, settings);
+        ZANJobTicket ticket(&dictionary, settings, cfString("ZAN.PSData"));
+        data.OutPostscriptData(ticket, nullptr, EmissionPurpose::printJob);
+        ticket.SavePPDForAllKeys(&model, cfString("torka"));
+        const auto bytes = CFDataGetBytes(ticket.Save());
+        if (platform::system().WriteFile(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
+                                         0600)) {
+            throw std::runtime_error("the ticket cannot be written");
+        }
+        return bytes.size();
+    }
+};
+
+void printOneJobCups(benchmark::State& state) {
+    for (auto _ : state) {
+        ppd_file_t* ppd = ppdOpenFile(samplePath().c_str());
+        if (ppd == nullptr) {
+            state.SkipWithError("libcups does not read the sample");
+            return;
+        }
+        ppdMarkDefaults(ppd);
+        ppdMarkOption(ppd, "PageSize", "A4");
+        char* text = ppdEmitString(ppd, PPD_ORDER_ANY, 0.0F);
+        benchmark::DoNotOptimize(text);
+        std::free(text);
+        ppdClose(ppd);
+    }
+}
+BENCHMARK(printOneJobCups)->Name("PrintOneJob/cups")->Unit(benchmark::kMicrosecond);
+
+void printOneJobTorka(benchmark::State& state) {
+    OpenPane pane;
+    const std::filesystem::path file = platform::system().PrivateFolder() / "ticket.plist";
+    std::size_t size = 0;
+    for (auto _ : state) {
+        size = pane.Print(file);
+    }
+    state.counters["ticket_bytes"] = static_cast<double>(size);
+}
+BENCHMARK(printOneJobTorka)->Name("PrintOneJob/torka")->Unit(benchmark::kMicrosecond);
+
+void manyJobs(benchmark::State& state) {
+    OpenPane pane;
+    const std::filesystem::path file = platform::system().PrivateFolder() / "ticket.plist";
+    std::size_t kept = 0;
+    for (auto _ : state) {
+        for (int i = 0; i < 100; ++i) { // what is made once
+            pane.Print(file);
+        }
+        const std::size_t before = mallinfo2().uordblks;
+        for (int i = 0; i < 10'000; ++i) {
+            pane.Print(file);
+        }
+        const std::size_t after = mallinfo2().uordblks;
+        kept = after > before ? after - before : 0;
+    }
+    state.counters["kept_bytes"] = static_cast<double>(kept);
+}
+BENCHMARK(manyJobs)->Name("ManyJobs/torka")->Iterations(1)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    setLogSink(std::make_shared<NoLog>());
+    setSystem(std::make_unique<platform::PosixSystem>(platform::PosixSystemOptions{}));
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}

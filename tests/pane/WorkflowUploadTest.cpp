@@ -1,0 +1,112 @@
+#include "output/WorkflowUpload.h"
+#include "output/FeatureEmission.h"
+#include "tests/pane/PaneFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+// The workflow job: the sample client library in tests/pane/workflow writes down how it is called.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::IsEmpty;
+
+const std::string controls = jobNote("QVUserName") + jobNote("QVUserPassword", "127|Password|UTF8") +
+                             jobNote("QVIP") + jobNote("QVWorkflowName") + jobNote("QVWorkflowFolder") +
+                             jobNote("QVKestrelJobId") + jobNote("QVKSNewJobID");
+
+class WorkflowUpload : public ::testing::Test {
+protected:
+    void SetUp() override {
+        system->root = folder.Path() / "root";
+        setenv("WORKFLOW_CALLS", (folder / "calls").c_str(), 1);
+    }
+    void Install() const {
+        const std::filesystem::path place =
+            folder.Path() / "root/Library/Application Support/ZAN/lib/libks2client.dylib";
+        std::filesystem::create_directories(place.parent_path());
+        std::filesystem::copy_file(TORKA_WORKFLOW_LIBRARY, place);
+    }
+    std::string TakeCalls() const {
+        const std::filesystem::path file = folder / "calls";
+        const std::string calls = std::filesystem::exists(file) ? readFile(file) : "";
+        std::filesystem::remove(file);
+        return calls;
+    }
+    static std::string Identifiers(const Pane& pane) {
+        return utf8Text(pane.model->CopyValueForKey(cfString("*QVKestrelJobId"))) + "|" +
+               utf8Text(pane.model->CopyValueForKey(cfString("*QVKSNewJobID")));
+    }
+    static void FillIn(Pane& pane) {
+        pane.Set("*QVUserName", "anna");
+        pane.Set("*QVUserPassword", "pass%s%n");
+        pane.Set("*QVIP", "10.0.0.9");
+        pane.Set("*QVWorkflowName", "Books; $(id)");
+        pane.Set("*QVWorkflowFolder", "Night");
+        pane.Store("com.apple.print.JobInfo.PMJobName", cfString("Brochure"));
+    }
+
+    ScopedMemorySystem system;
+    TemporaryFolder folder;
+};
+
+TEST_F(WorkflowUpload, CallsTheLibraryAndStoresTheIdentifier) {
+    Pane pane(paneHeader + controls);
+    FillIn(pane);
+    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    EXPECT_EQ(TakeCalls(), "") << "a missing library does nothing";
+    EXPECT_EQ(Identifiers(pane), "|");
+
+    Install();
+    uploadKestrelXMLFiles(*pane.model, pane.settings, 1);
+    EXPECT_EQ(TakeCalls(), "KSOpenSession(10.0.0.9|anna|pass%s%n|english)\n"
+                           "KSCloseSession(the session|||)\n");
+    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    EXPECT_EQ(TakeCalls(), "KSOpenSession(10.0.0.9|anna|pass%s%n|english)\n"
+                           "KSCreateNewJobEx(the session|Night|Brochure|/tmp/Books; $(id).xml)\n"
+                           "KSCloseSession(the session|||)\n");
+    EXPECT_EQ(Identifiers(pane), "job-42|job-42");
+
+    pane.Set("*QVIP", "nobody");
+    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    EXPECT_EQ(TakeCalls(), "KSOpenSession(nobody|anna|pass%s%n|english)\n");
+
+    // Texts are cut to their places.
+    pane.Set("*QVIP", "10.0.0.9");
+    pane.Store("com.apple.print.JobInfo.PMJobName", cfString(std::string(1'000'000, 'j')));
+    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    EXPECT_NE(TakeCalls().find("|" + std::string(255, 'j') + "|"), std::string::npos);
+
+    Pane nameless(paneHeader + jobNote("QVIP"));
+    uploadKestrelXMLFiles(*nameless.model, nameless.settings, 2);
+    EXPECT_EQ(TakeCalls(), "");
+}
+
+TEST_F(WorkflowUpload, HappensWhenAJobIsPrintedWithTwoWayCommunicationOnly) {
+    Install();
+    struct Case {
+        bool hasRondure;
+        bool isTwoWay;
+        EmissionPurpose purpose;
+        bool isUploaded;
+    };
+    for (const Case& each : {Case{true, true, EmissionPurpose::printJob, true},
+                             Case{false, true, EmissionPurpose::printJob, false},
+                             Case{true, false, EmissionPurpose::printJob, false},
+                             Case{true, true, EmissionPurpose::keepSettings, false}}) {
+        Pane pane(paneHeader + (each.hasRondure ? "*%ZANSpecialOption *Rondure: True\n" : "") + controls);
+        FillIn(pane);
+        pane.data->SetIPAddressEnabled(each.isTwoWay);
+        ZANJobTicket ticket(nullptr, pane.settings, cfString("ZAN.PSData"));
+        pane.data->OutPostscriptData(ticket, pane.session, each.purpose);
+        EXPECT_EQ(!TakeCalls().empty(), each.isUploaded);
+    }
+}
+
+} // namespace
+
+} // namespace torka::tests
