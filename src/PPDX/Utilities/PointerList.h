@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <iterator>
 
@@ -118,10 +117,11 @@ public:
 
 private:
     std::size_t count = 0;
-    PNode* head = &ends[0];
-    PNode* tail = &ends[1];
+    PNode* head = &headNode;
+    PNode* tail = &tailNode;
     // The sentinels. Most lists of a description are short, and two blocks of the heap for each would tell.
-    std::array<PNode, 2> ends{PNode(nullptr), PNode(nullptr)};
+    PNode headNode{nullptr};
+    PNode tailNode{nullptr};
 };
 
 } // namespace torka
