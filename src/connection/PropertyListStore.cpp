@@ -2,6 +2,7 @@
 
 #include "bidi/CPPDMsgHdlr.h"
 #include "bidi/CommandJob.h"
+#include "bidi/SpoolerCommands.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
 
@@ -16,7 +17,6 @@ constexpr unsigned fileMode = 0600;
 constexpr int firstVersionWithRecord = 7;
 constexpr int versionThatSavesFile = 6;
 constexpr std::string_view recordMessage = "DriverPreference";
-constexpr std::string_view commandTitle = "Command_ZANPrefs";
 
 std::string readRecord(const std::string& ppdPath) {
     return utf8FromWide(CPPDMsgHdlr(ppdPath, recordMessage).GetStringData());
@@ -77,8 +77,8 @@ SaveResult QueuePropertyListStore::Save(std::string_view xml) {
     if (const OSStatus error = PMSessionGetCurrentPrinter(queue.session, printer)) {
         return {error, false};
     }
-    const std::string title = std::string(commandTitle) + system().CreateUuidString();
-    const CommandOutcome outcome = sendCommandAndWait(printer, xml, title, queue.observer);
+    const CommandOutcome outcome =
+        sendCommandAndWait(printer, xml, commandTitle(SpoolerCommand::zanPrefs), queue.observer);
     const bool completed = outcome == CommandOutcome::completed;
     const bool sent = completed || outcome == CommandOutcome::notCompleted;
     return {sent ? noErr : kPMGeneralError, completed};
