@@ -109,7 +109,7 @@ OSStatus FeatureEmission::OutPostscriptData() {
     }
     if (purpose == EmissionPurpose::printJob && source.IsTwoWayEnabled() &&
         controls->FindSpecialOption("*Rondure", true) != nullptr) {
-        uploadKestrelXMLFiles(*source.Description(), source.Settings(), 2);
+        UploadKestrelXMLFiles(*source.Description(), source.Settings(), 2);
     }
     gQVUTF8Version =
         CFStringGetIntValue(cfString(valueOf(controls->FindSpecialOption("*QVUTF8_Version", true))));

@@ -43,7 +43,7 @@ Function lookUp(const Library& library, const char* name) {
 
 } // namespace
 
-void uploadKestrelXMLFiles(ZANPPD& description, const PMPrintSettings& settings, int mode) {
+void UploadKestrelXMLFiles(ZANPPD& description, const PMPrintSettings& settings, int mode) {
     const Library library(dlopen(platform::system().Resolve(libraryPath).c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!library || description.GetPPDXControlForKey(cfString("*QVUserName")) == nullptr) {
         return;

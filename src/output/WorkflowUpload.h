@@ -14,7 +14,7 @@ class ZANPPD;
 //   int KSOpenSession(address, user, password, language, void** session, int zero)
 //   int KSCreateNewJobEx(session, workflowFolder, jobName, xmlPath, char* jobIdentifier)   room:
 //   workflowTextSize bytes int KSCloseSession(session)
-void uploadKestrelXMLFiles(ZANPPD& description, const PMPrintSettings& settings, int mode);
+void UploadKestrelXMLFiles(ZANPPD& description, const PMPrintSettings& settings, int mode);
 
 inline constexpr std::size_t workflowTextSize = 256;
 

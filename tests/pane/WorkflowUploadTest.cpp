@@ -57,32 +57,32 @@ protected:
 TEST_F(WorkflowUpload, CallsTheLibraryAndStoresTheIdentifier) {
     Pane pane(paneHeader + controls);
     FillIn(pane);
-    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
     EXPECT_EQ(TakeCalls(), "") << "a missing library does nothing";
     EXPECT_EQ(Identifiers(pane), "|");
 
     Install();
-    uploadKestrelXMLFiles(*pane.model, pane.settings, 1);
+    UploadKestrelXMLFiles(*pane.model, pane.settings, 1);
     EXPECT_EQ(TakeCalls(), "KSOpenSession(10.0.0.9|anna|pass%s%n|english)\n"
                            "KSCloseSession(the session|||)\n");
-    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
     EXPECT_EQ(TakeCalls(), "KSOpenSession(10.0.0.9|anna|pass%s%n|english)\n"
                            "KSCreateNewJobEx(the session|Night|Brochure|/tmp/Books; $(id).xml)\n"
                            "KSCloseSession(the session|||)\n");
     EXPECT_EQ(Identifiers(pane), "job-42|job-42");
 
     pane.Set("*QVIP", "nobody");
-    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
     EXPECT_EQ(TakeCalls(), "KSOpenSession(nobody|anna|pass%s%n|english)\n");
 
     // Texts are cut to their places.
     pane.Set("*QVIP", "10.0.0.9");
     pane.Store("com.apple.print.JobInfo.PMJobName", cfString(std::string(1'000'000, 'j')));
-    uploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
     EXPECT_NE(TakeCalls().find("|" + std::string(255, 'j') + "|"), std::string::npos);
 
     Pane nameless(paneHeader + jobNote("QVIP"));
-    uploadKestrelXMLFiles(*nameless.model, nameless.settings, 2);
+    UploadKestrelXMLFiles(*nameless.model, nameless.settings, 2);
     EXPECT_EQ(TakeCalls(), "");
 }
 

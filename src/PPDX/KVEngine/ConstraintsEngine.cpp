@@ -127,9 +127,9 @@ ConstraintsEngine::Answer ConstraintsEngine::RSolve(KVCache& changeSet, bool kee
 }
 
 ConstraintsEngine::Answer ConstraintsEngine::Solve(KVCache& changeSet, bool keepChanged) {
-    Purge();
+    purge();
     Answer answer = RSolve(changeSet, keepChanged);
-    Purge();
+    purge();
     return answer;
 }
 
@@ -275,7 +275,7 @@ const std::vector<ConstraintRun>& ConstraintsEngine::RunsOf(const KeyOption& con
     return runs;
 }
 
-void ConstraintsEngine::Purge() {
+void ConstraintsEngine::purge() {
     queue.clear();
     visited.clear();
     overflowed = false;

@@ -69,7 +69,7 @@ private:
     void TestPair(const KeyOption& changed, const SelectionView& view, Answer& answer);
     bool GathersExactly(const KeyOption& constraining, const KVCache& selections, const SelectionView& view);
     const std::vector<ConstraintRun>& RunsOf(const KeyOption& constraining);
-    void Purge();
+    void purge();
 
     std::deque<KVCache> queue;
     std::vector<KVCache> visited;
