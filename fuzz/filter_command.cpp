@@ -1,0 +1,93 @@
+// Command jobs of the queue's filter: the input's first line is a title, its second an options text, the rest
+// the command's text. Whatever they are, nothing appears outside the filter's two folders, each message stays
+// a line, and the notes that are kept can be read again.
+
+#include "bidi/StandardStreams.h"
+#include "platform/posix/PosixSystem.h"
+#include "spooler/filter/Commands.h"
+#include "spooler/filter/FilterNotes.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace torka;
+
+struct Streams final : StandardStreams {
+    void Output(std::string_view) override {}
+    void Error(std::string_view text) override {
+        if (!text.ends_with('\n') || text.find('\n') + 1 != text.size()) {
+            std::abort();
+        }
+    }
+};
+
+// A system root of this process, in memory where the machine has such a folder.
+struct Root {
+    Root() {
+        std::error_code none;
+        const bool hasMemory = std::filesystem::is_directory("/dev/shm", none);
+        std::string pattern =
+            (hasMemory ? "/dev/shm" : std::filesystem::temp_directory_path().string()) + "/torka-fuzz-XXXXXX";
+        if (mkdtemp(pattern.data()) == nullptr) {
+            std::abort();
+        }
+        path = pattern;
+        platform::PosixSystemOptions options;
+        options.root = path;
+        platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+        setStandardStreams(std::make_shared<Streams>());
+        std::filesystem::create_directories(path / "etc/torka/controllers/h/data");
+    }
+    Root(const Root&) = delete;
+    Root& operator=(const Root&) = delete;
+    ~Root() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    std::filesystem::path path;
+};
+
+std::string takeLine(std::string_view& rest) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    std::string line(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    return line.substr(0, line.find('\0')); // arguments end there
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const Root root;
+    const std::filesystem::path& folder = root.path;
+    std::string_view rest(reinterpret_cast<const char*>(data), size);
+    const std::string title = takeLine(rest);
+    const std::string options = takeLine(rest);
+    const char* arguments[] = {"torkafilter", "1", "anna", title.c_str(), "1", options.c_str(), "file"};
+    std::optional<filter::FilterJob> job = filter::readFilterJob(7, arguments);
+    if (!job) {
+        std::abort();
+    }
+    job->queue = "Proofs";
+    filter::FolderSource source(folder / "etc/torka/controllers");
+    filter::runCommand(*job, rest, source);
+
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const std::string name = entry.path().filename().string();
+        if (name != "etc" && name != "Library" && name != "var") {
+            std::abort();
+        }
+    }
+    const filter::FilterNote note{{job->title, options, ""}, filter::NoteKind::mailbox, 1, std::string(rest)};
+    const std::string line = filter::noteLine(note);
+    if (filter::readNoteLine(std::string_view(line).substr(0, line.size() - 1)) != note) {
+        std::abort();
+    }
+    filter::readNoteLine(rest);
+    return 0;
+}
