@@ -38,5 +38,6 @@ void addAddressCommand(CLI::App& app, ExitStatus& status);
 void addPrintCommand(CLI::App& app, ExitStatus& status);
 void addCommandCommand(CLI::App& app, ExitStatus& status);
 void addQueueCommand(CLI::App& app, ExitStatus& status);
+void addRecordCommand(CLI::App& app, ExitStatus& status);
 
 } // namespace torka::tool

@@ -37,6 +37,7 @@ int main(int argc, char** argv) {
     tool::addPrintCommand(app, status);
     tool::addCommandCommand(app, status);
     tool::addQueueCommand(app, status);
+    tool::addRecordCommand(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -1,0 +1,176 @@
+#include "apps/torka/Command.h"
+#include "bidi/CFileHdlr.h"
+#include "bidi/CPPDMsgHdlr.h"
+#include "bidi/LineReader.h"
+#include "bidi/RecordText.h"
+#include "bidi/RecordWriter.h"
+#include "platform/System.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+#include <cups/ppd.h>
+#include <filesystem>
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+// The library marks its PPD calls as deprecated; there are no others for a PPD's attributes.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace torka::tool {
+
+namespace {
+
+struct RecordOptions {
+    std::string path;
+    std::string name;
+    bool isWide = false; // the default, which may be said
+    bool isNarrow = false;
+};
+
+struct ClosePPD {
+    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
+};
+
+// A two-way data file, or a PPD with records.
+class RecordFile {
+public:
+    // False, with one line on standard error, when the file cannot be read.
+    bool Read(const std::string& filePath) {
+        path = filePath;
+        if (const std::error_code error = platform::system().ReadFile(path, maximumDataFile, text)) {
+            warn(path + ": cannot be read: " + error.message());
+            return false;
+        }
+        isPPD = std::string_view(text).starts_with("*PPD-Adobe");
+        if (isPPD) {
+            ppd.reset(ppdOpenFile(path.c_str()));
+            if (!ppd) {
+                warn(path + ": the printing system cannot open this PPD");
+                return false;
+            }
+        }
+        return true;
+    }
+    std::vector<std::string> Names() const {
+        return isPPD ? ppdxRecordNames(ppd.get()) : RecordText(text).Names();
+    }
+    RecordBlock Get(const std::string& name, std::size_t& size) const {
+        return isPPD ? ppdxReadData(ppd.get(), name, &size) : RecordText(text).Read(name, &size);
+    }
+    // The file's text with the record in the place of an earlier one of its name, at the end. "" when no
+    // record can have this name or payload.
+    std::string With(const std::string& name, std::string_view payload) const {
+        std::string result = WithoutChunks(name);
+        const std::string start = isPPD ? "*" : "";
+        const bool isTaken = encodeRecord(name, payload.data(), payload.size(),
+                                          [&](std::string_view chunk, std::string_view base64) {
+                                              result.append(start).append(chunk).append(": ");
+                                              result.append(isPPD && base64.empty() ? "\"\"" : base64);
+                                              result.append("\n");
+                                          });
+        return isTaken ? result : std::string();
+    }
+
+private:
+    static bool IsChunkLine(std::string_view line, std::string_view chunkStart) {
+        constexpr std::size_t fewestDigits = 4;
+        if (!line.starts_with(chunkStart)) {
+            return false;
+        }
+        const std::string_view rest = line.substr(chunkStart.size());
+        const std::size_t digits = std::min(rest.find_first_not_of("0123456789abcdef"), rest.size());
+        return digits >= fewestDigits && rest.substr(digits).starts_with(':');
+    }
+    std::string WithoutChunks(const std::string& name) const {
+        const std::string chunkStart = (isPPD ? "*" : "") + name;
+        std::string result;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = lineEnd(text, at);
+            const std::size_t next = lineAfter(text, end);
+            if (!IsChunkLine(std::string_view(text).substr(at, end - at), chunkStart)) {
+                result.append(text, at, next - at);
+            }
+            at = next;
+        }
+        if (!result.empty() && result.back() != '\n' && result.back() != '\r') {
+            result += '\n';
+        }
+        return result;
+    }
+
+    std::string path;
+    std::string text;
+    bool isPPD = false;
+    std::unique_ptr<ppd_file_t, ClosePPD> ppd;
+};
+
+ExitStatus listRecords(const RecordOptions& options) {
+    RecordFile file;
+    if (!file.Read(options.path)) {
+        return ExitStatus::unusable;
+    }
+    for (const std::string& name : file.Names()) {
+        std::size_t size = 0;
+        const RecordBlock payload = file.Get(name, size);
+        print(printable(name) + "\t" + std::to_string(size) + " bytes\n");
+    }
+    return ExitStatus::good;
+}
+
+ExitStatus getRecord(const RecordOptions& options) {
+    RecordFile file;
+    if (!file.Read(options.path)) {
+        return ExitStatus::unusable;
+    }
+    std::size_t size = 0;
+    const RecordBlock payload = file.Get(options.name, size);
+    if (!payload) {
+        warn(options.path + ": has no record " + options.name);
+        return ExitStatus::findings;
+    }
+    const std::string_view bytes(payload.get(), size);
+    print(options.isNarrow ? std::string(bytes) : utf8FromWide(wideFromPayload(bytes)));
+    return ExitStatus::good;
+}
+
+ExitStatus putRecord(const RecordOptions& options) {
+    RecordFile file;
+    if (std::filesystem::exists(options.path) && !file.Read(options.path)) {
+        return ExitStatus::unusable;
+    }
+    const std::string text((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
+    const std::string whole =
+        file.With(options.name, options.isNarrow ? text : payloadFromWide(wideFromUtf8(text)));
+    if (whole.empty()) {
+        return unusable(options.name + ": is no name of a record, or its text is too long");
+    }
+    constexpr unsigned mode = 0644;
+    const std::error_code error = platform::system().WriteFile(options.path, whole, mode);
+    return error ? unusable(options.path + ": cannot be written: " + error.message()) : ExitStatus::good;
+}
+
+} // namespace
+
+void addRecordCommand(CLI::App& app, ExitStatus& status) {
+    CLI::App* group = app.add_subcommand("record", "Records of two-way data files and of PPDs");
+    group->require_subcommand(1);
+    const auto options = std::make_shared<RecordOptions>();
+    const auto add = [&](const char* name, const char* purpose, bool isNamed,
+                         ExitStatus (*run)(const RecordOptions&)) {
+        CLI::App* command = group->add_subcommand(name, purpose);
+        command->add_option("FILE", options->path, "Two-way data file or PPD")->required();
+        if (isNamed) {
+            command->add_option("NAME", options->name, "Record")->required();
+            CLI::Option* wide =
+                command->add_flag("--wide", options->isWide, "Wide text, UTF-8 here (default)");
+            command->add_flag("--narrow", options->isNarrow, "Bytes as they are")->excludes(wide);
+        }
+        command->callback([options, run, &status] { status = run(*options); });
+    };
+    add("list", "List the records with their sizes", false, listRecords);
+    add("get", "Print a record", true, getRecord);
+    add("put", "Write standard input as a record", true, putRecord);
+}
+
+} // namespace torka::tool

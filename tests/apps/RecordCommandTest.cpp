@@ -1,0 +1,51 @@
+#include "tests/apps/Tool.h"
+
+#include <gtest/gtest.h>
+
+// record: into data files and PPDs and out of them, judged by Python and libcups.
+
+namespace torka::tests {
+
+namespace {
+
+CommandResult runRecord(const std::vector<std::string>& arguments, std::string_view input = {}) {
+    std::vector<std::string> command = {TORKA_BINARY_DIR "/bin/torka", "record"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return runCommand(command, input);
+}
+
+TEST(RecordCommand, PutsReplacesListsAndGets) {
+    const TemporaryFolder folder;
+    const std::string data = folder / "Proofs.bididata";
+    const std::string ppd = folder.Write("Proofs.ppd", readFile(samplePath("torka-production.ppd")));
+    std::string text = "Größe 用紙 🖨\n";
+    for (int i = 0; i < 500; ++i) {
+        text += std::to_string(i * i * i);
+    }
+    for (const std::string& file : {data, ppd}) {
+        for (const std::string_view each :
+             {std::string_view("an older and longer text, to be replaced"), {text}}) {
+            ASSERT_EQ(runRecord({"put", file, "QVTrayInfo"}, each).status, 0);
+        }
+        ASSERT_EQ(runRecord({"put", file, "QVTray", "--narrow"}, "bytes \xff").status, 0);
+        EXPECT_EQ(runRecord({"get", file, "QVTrayInfo"}).output, text);
+        EXPECT_EQ(runRecord({"get", file, "QVTray", "--narrow"}).output, "bytes \xff");
+        EXPECT_EQ(runRecord({"get", file, "QVNone"}).status, 1);
+        EXPECT_EQ(runRecord({"put", file, "QV Bad"}, "x").status, 2);
+        EXPECT_EQ(runRecord({"list", file}).output.find("QVTrayInfo\t"), 0U);
+        EXPECT_EQ(runPython(R"PY(
+import base64, re, sys, zlib
+text = open(sys.argv[1], encoding='latin-1').read()
+chunks = re.findall(r'^\*?QVTrayInfo([0-9a-f]{4}): "?([A-Za-z0-9+/=]*)"?$', text, re.M)
+assert [int(n, 16) for n, _ in chunks] == list(range(len(chunks)))
+sys.stdout.buffer.write(zlib.decompress(b''.join(base64.b64decode(c) for _, c in chunks)).decode('utf-32-le').encode())
+)PY",
+                            {file}),
+                  text);
+    }
+    EXPECT_EQ(runRecord({"list", folder / "missing"}).status, 2);
+}
+
+} // namespace
+
+} // namespace torka::tests
