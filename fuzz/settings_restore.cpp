@@ -68,18 +68,22 @@ public:
     SaveResult Save(std::string_view) override { return {}; }
 };
 
-// The description's file; its name lasts for the process.
-const std::string& descriptionPath() {
-    static const std::string path = [] {
+// The model of the description, parsed once; its file is gone afterwards.
+ZANPPD& model() {
+    static ZANPPD parsed(kAcceptOrphans | kAcceptHidden);
+    static const bool once = [] {
         std::string name = (std::filesystem::temp_directory_path() / "torka-fuzz-XXXXXX").string();
         const int file = mkstemp(name.data());
         require(file >= 0);
         close(file);
         std::ofstream(name) << description;
-        std::atexit([] { std::filesystem::remove(descriptionPath()); });
-        return name;
+        parsed.SetFile(FSRef{name});
+        parsed.Build();
+        std::filesystem::remove(name);
+        return true;
     }();
-    return path;
+    require(once);
+    return parsed;
 }
 
 std::string emitted(PDEData& data, const PMPrintSettings& settings) {
@@ -106,13 +110,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (!values) {
         return 0;
     }
-    static ZANPPD model(FSRef{descriptionPath()}, kAcceptOrphans | kAcceptHidden, nullptr);
     const auto settings = std::make_shared<MemoryPrintSettings>();
     for (const auto& [key, value] : values->Pairs()) {
         settings->SetValue(key, value, false);
     }
-    model.SetAllValues(values);
-    PDEData data(&model, cfString("Press"), QueueAccess{}, [] { return std::make_unique<NoStore>(); });
+    model().SetAllValues(values);
+    PDEData data(&model(), cfString("Press"), QueueAccess{}, [] { return std::make_unique<NoStore>(); });
     data.SetPrintSettings(settings);
     data.RestoreNonPSSettings();
     data.SetIPAddressEnabled(true);

@@ -6,8 +6,9 @@ namespace torka::platform {
 
 std::vector<MemoryPrintSettings::Entry>::const_iterator
 MemoryPrintSettings::Find(const CFStringRef& key) const {
-    return std::find_if(entries.begin(), entries.end(),
-                        [&key](const Entry& entry) { return key && entry.key->units == key->units; });
+    const auto place = key ? places.find(key->units) : places.end();
+    return place == places.end() ? entries.end()
+                                 : entries.begin() + static_cast<std::ptrdiff_t>(place->second);
 }
 
 CFTypeRef MemoryPrintSettings::Value(const CFStringRef& key) const {
@@ -25,6 +26,7 @@ OSStatus MemoryPrintSettings::SetValue(const CFStringRef& key, const CFTypeRef& 
     const auto place = Find(key);
     if (place == entries.end()) {
         if (value) {
+            places.emplace(key->units, entries.size());
             entries.push_back({key, value, locked});
         }
     } else if (value) {
@@ -32,7 +34,10 @@ OSStatus MemoryPrintSettings::SetValue(const CFStringRef& key, const CFTypeRef& 
         entry.value = value;
         entry.locked = locked;
     } else {
-        entries.erase(place);
+        places.erase(key->units);
+        for (auto later = entries.erase(place); later != entries.end(); ++later) {
+            --places[later->key->units];
+        }
     }
     return noErr;
 }

@@ -4,6 +4,8 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 // The printing framework in memory: for tests, and for the command line, which prints to no queue. Public
@@ -32,6 +34,7 @@ private:
     std::vector<Entry>::const_iterator Find(const CFStringRef& key) const;
 
     std::vector<Entry> entries;
+    std::unordered_map<std::u16string_view, std::size_t> places; // views into the entries' keys
     std::uint32_t copies = 1;
 };
 
