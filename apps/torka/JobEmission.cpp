@@ -173,8 +173,8 @@ bool JobEmission::WritePrintSettings() const {
             kept.emplace_back(key, value);
         }
     }
-    const std::span<const std::uint8_t> bytes =
-        CFDataGetBytes(CFPropertyListCreateXMLData(CFDictionaryCreate(kept)));
+    const CFDataRef list = CFPropertyListCreateXMLData(CFDictionaryCreate(kept));
+    const std::span<const std::uint8_t> bytes = CFDataGetBytes(list);
     const std::error_code error = platform::system().WriteFile(
         options.savePrintSettings, {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
         printSettingsMode);
