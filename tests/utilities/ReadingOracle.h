@@ -93,6 +93,20 @@ inline std::string token(Cursor& cursor, std::string_view delimiters, bool trim)
     return text;
 }
 
+// Elements that end a PostScript value although they begin with "*%".
+inline bool beginsElement(const std::string& line) {
+    for (const std::string keyword : {"*%ZANFlags", "*%ZANPropPage", "*%ZANGroupName", "*%ZANSubGroupName",
+                                      "*%ZANParent", "*%ZANSpecialOption", "*%QVShortcut",
+                                      "*%ZANUIConstraints", "*%ZANUIRequires", "*%ParamCustomPrintSize"}) {
+        if (line.substr(0, keyword.size()) == keyword &&
+            (line.size() == keyword.size() ||
+             std::string(" \t:").find(line[keyword.size()]) != std::string::npos)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // The value that begins on lines[at]; `at` is moved to the last line that belongs to it.
 inline std::string value(const std::vector<std::string>& lines, std::size_t& at, std::size_t capacity,
                          bool postscript) {
@@ -115,7 +129,7 @@ inline std::string value(const std::vector<std::string>& lines, std::size_t& at,
     while (!ended && at + 1 < lines.size()) {
         std::string line = lines[at + 1];
         if (!line.empty() && line[0] == '*') {
-            if (!postscript || line[1] != '%') {
+            if (!postscript || line[1] != '%' || beginsElement(line)) {
                 break;
             }
             line.erase(0, 2);
