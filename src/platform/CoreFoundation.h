@@ -218,7 +218,8 @@ CFStringRef CFURLCopyHostName(const CFURLRef& url);
 // The path with percent escapes undone, "" when the URL has none or it holds an escaped NUL.
 std::string CFURLCopyFileSystemPath(const CFURLRef& url);
 
-// The text with percent escapes undone. Null when one is not whole, or the result is not UTF-8 or holds a NUL.
+// The text with percent escapes undone. Null when one is not whole, or the result is not UTF-8 or holds a
+// NUL.
 CFStringRef CFURLCreateStringByReplacingPercentEscapes(const CFStringRef& text);
 
 // A file named by its path; what a file reference is on a system without them.
