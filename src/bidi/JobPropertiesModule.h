@@ -1,0 +1,296 @@
+#pragma once
+
+/* The Job Properties module interface: what a module library exports, and what it may ask of the print
+ * dialog's pane. For C (99) and C++; includes nothing but standard headers. docs/job-properties-module.md
+ * tells the course of a session.
+ *
+ * A module is a shared library, "libzanjp2.so", that exports every entry point declared at the end of this
+ * file under its C name. The pane loads it, hands it a table of callbacks, the job's settings and the
+ * watermarks, lets it show its window, and takes the edited settings back.
+ *
+ * Text. Wide text is wchar_t with one Unicode code point per unit (32 bits), ended by a zero unit. Values
+ * above U+10FFFF and surrogates become U+FFFD. Narrow text is UTF-8.
+ *
+ * Ownership. Every pointer in a structure is a block of its own; a structure is freed innermost block first.
+ *   - Handed to the module (JP1_1Set..., JPSet..., the title): stays the pane's; the module copies what it
+ * keeps before it returns.
+ *   - Returned by the module (JP1_1GetJobKeyValues, JP1_1GetWatermarks): becomes the pane's, which frees
+ * every text, the array and the list with JP1_1Free.
+ *   - Returned by a callback: becomes the module's, which frees each block with the callback in
+ * SDM_SLOT_FREE. With two-way communication on the pane allocated it with SDMAllocMemory and SDM_SLOT_FREE
+ * frees it with JP1_1Free, so these two belong to one allocator; with it off it comes from malloc and
+ * SDM_SLOT_FREE frees it with free.
+ *   - The callback table: stays the pane's, valid from JP1_1BeginSession to JP1_1DllEnd.
+ * A callback that does not return SDM_SUCCESS has returned nothing: its out-parameters are null or zero.
+ *
+ * Threads. The pane calls the module on one thread, and callbacks may be called on that thread only, between
+ * JP1_1BeginSession and JP1_1EndSession. No call may throw through this interface.
+ */
+
+#include <stddef.h>
+#include <stdint.h>
+#include <wchar.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Result of a callback or an entry point. */
+typedef int32_t SDMRESULT;
+enum {
+    SDM_SUCCESS = 0,
+    SDM_NOT_AVAILABLE = 4096,    /* data not available, or not supported */
+    SDM_INVALID_ARGUMENT = 7100, /* SDM_SLOT_FREE only */
+};
+
+/* A module's session; made by JP1_1BeginSession, ended by JP1_1EndSession. Opaque to the pane. */
+typedef void* JPHANDLE;
+/* A module's connection to its data server, null if it has none. The module passes it to each callback as the
+ * first argument. The pane passes it to SDMAllocMemory, and once, at the end, to SDMTerminate. One session
+ * has one such handle. */
+typedef void* SDMHANDLE;
+
+/* One setting. */
+typedef struct SDMKeyValue {
+    wchar_t* szKey;   /* such as L"Duplex"; a leading asterisk is left as it is. At most 64 bytes as UTF-8. */
+    wchar_t* szValue; /* at most 700 bytes as UTF-8; what is longer is cut */
+} SDMKeyValue;
+
+/* Settings. Of a list that comes back from the module the first 3,000 entries are taken. */
+typedef struct SDMKeyValueList {
+    size_t count;
+    SDMKeyValue* items;
+} SDMKeyValueList;
+
+/* What a toner entry is. */
+enum {
+    SDM_SUPPLY_OTHER = 0,
+    SDM_SUPPLY_TONER = 1,
+    SDM_SUPPLY_INK = 2,
+    SDM_SUPPLY_WASTE = 3 /* fills up instead of running out */
+};
+
+/* One supply: toner, ink, a waste box. The members stand in the order of the record. Percentages are 0 to
+ * 100; -1 is unknown, -2 unlimited, -3 some but not how much (as in RFC 3805). */
+typedef struct SDMTonerInfo {
+    wchar_t* name;     /* to be shown, such as L"Cyan" */
+    int32_t level;     /* percent: what is left, of a waste box what is taken */
+    int32_t lowLevel;  /* percent at or below which it counts as low */
+    wchar_t* color;    /* L"#rrggbb", several one after the other ("#00ffff#ff00ff"); null if it has none */
+    int32_t highLevel; /* percent at or above which it counts as full (waste) */
+    int32_t capacity;  /* pages of a full supply, -1 unknown */
+    int32_t kind;      /* SDM_SUPPLY_... */
+} SDMTonerInfo;
+
+typedef struct SDMTonerInfoArray {
+    size_t count;
+    SDMTonerInfo* items;
+} SDMTonerInfoArray;
+
+/* One input tray. The members stand in the order of the record; a text that the server does not know is null.
+ */
+typedef struct SDMTrayInfo {
+    wchar_t* name;       /* to be shown, such as L"Tray 1" */
+    wchar_t* key;        /* the tray's choice of "*InputSlot", such as L"Tray1" */
+    wchar_t* mediaName;  /* what is loaded, to be shown, such as L"Letterhead" */
+    wchar_t* mediaSize;  /* its choice of "*PageSize", such as L"A4" */
+    wchar_t* mediaType;  /* its choice of "*MediaType", such as L"Plain" */
+    wchar_t* mediaColor; /* to be shown, such as L"White" */
+    int32_t level;       /* sheets in it; -1 unknown, -2 unlimited, -3 some */
+    int32_t capacity;    /* sheets that it holds; -1 unknown, -2 unlimited */
+} SDMTrayInfo;
+
+typedef struct SDMTrayInfoArray {
+    size_t count;
+    SDMTrayInfo* items;
+} SDMTrayInfoArray;
+
+/* Fonts of the server. The pane supplies none. */
+typedef enum enumSDMFlagFontFormat {
+    SDM_FONT_FORMAT_ANY = 0,
+    SDM_FONT_FORMAT_TYPE1 = 1,
+    SDM_FONT_FORMAT_TRUETYPE = 2
+} enumSDMFlagFontFormat;
+
+typedef struct SDMFontInfo {
+    wchar_t* name;
+    int32_t format; /* enumSDMFlagFontFormat */
+} SDMFontInfo;
+
+typedef struct SDMFontInfoArray {
+    size_t count;
+    SDMFontInfo* items;
+} SDMFontInfoArray;
+
+/* Watermarks. A definition is 14 comma-separated fields followed by the text, which may hold commas (offsets
+ * and font size in points, red, green and blue 0 to 255, angle in tenths of a degree): clear (0 or 1), x
+ * offset, y offset, red, green, blue, 0, first page only (0 or 1), 0, angle, 0, 0, font size, font name,
+ * text. At most 1,023 bytes as UTF-8 each, and 5,152 bytes all together with one byte more each. Which one
+ * the job prints, is the setting "*QV_WATERMARK": its position in the list, or -1. */
+typedef struct JPWatermarkList {
+    size_t count;
+    wchar_t** definitions;
+} JPWatermarkList;
+
+/* Which item of the server's information is wanted. Other values select nothing. */
+typedef enum JPSERVERINFO {
+    JPSERVERINFO_SERVER_NAME = 0,
+    JPSERVERINFO_SERVER_VERSION = 1,
+    JPSERVERINFO_DISK_AVAILABLE = 5,
+    JPSERVERINFO_DISK_TOTAL = 6,
+    JPSERVERINFO_MEM_AVAILABLE = 7,
+    JPSERVERINFO_PRODUCT_FAMILY = 11,
+    JPSERVERINFO_SERVER_OS = 12,
+    JPSERVERINFO_PCL_SUPPORT = 13,
+    JPSERVERINFO_PS_SUPPORT = 14,
+    JPSERVERINFO_HUE_KEEPER = 15,
+    JPSERVERINFO_MEM_SIZE = 16
+} JPSERVERINFO;
+
+typedef enum enumVersionInfo { SDM_VERSION_SYSTEM = 0, SDM_VERSION_DRIVER = 1 } enumVersionInfo;
+
+/* Actions on a job of the server. The pane performs none. */
+typedef enum enumSDMJobAction { SDM_JOB_ACTION_NONE = 0 } enumSDMJobAction;
+
+/* The callback table: 64 slots, each of the size of a pointer. Slot 0 holds the version as a number and slot
+ * 1 whether two-way communication is on; each of the other slots is null or a function of the type that is
+ * named here. "on" and "off" tell with which state of two-way communication a slot is filled; what stands
+ * behind them is all that it does. */
+enum { SDM_CALLBACK_SLOTS = 64, SDM_CALLBACK_VERSION = 19 };
+typedef union SDMCallbackSlot {
+    uint32_t number;        /* slots 0 and 1 */
+    void (*function)(void); /* the others, to be cast to the type of the slot */
+    void* asPointer;        /* makes the slot as wide as a pointer */
+} SDMCallbackSlot;
+
+enum {
+    SDM_SLOT_VERSION = 0,                         /* number: SDM_CALLBACK_VERSION */
+    SDM_SLOT_TWO_WAY = 1,                         /* number: 1 or 0 */
+    SDM_SLOT_GET_SERVER_DATA = 4,                 /* on, off: SDMGetTextProc; XML text "SMDData" */
+    SDM_SLOT_GET_PPD_DEFAULTS = 5,                /* on: SDMGetListProc */
+    SDM_SLOT_UPDATE_OUTSIDE_PPD_OPTIONS = 6,      /* off: SDMGetListProc; nothing */
+    SDM_SLOT_GET_FONT_LIST = 8,                   /* off: SDMGetFontListProc; nothing */
+    SDM_SLOT_GET_FONTS = 9,                       /* off: SDMGetFontsProc; nothing */
+    SDM_SLOT_GET_DEVICE_LINK_PROFILE = 10,        /* off: SDMGetTextByNameProc; not available */
+    SDM_SLOT_GET_SERVER_FEATURE_VALUE = 12,       /* off: SDMGetTextByNameProc; nothing */
+    SDM_SLOT_GET_PREVIEW_PAGE_THUMBNAIL_PNG = 13, /* off: SDMGetThumbnailProc; nothing */
+    SDM_SLOT_GET_PREVIEW_PAGES_COUNT = 14,        /* on: SDMGetCountProc; not available. off: nothing */
+    SDM_SLOT_PERFORM_JOB_ACTION = 15,             /* off: SDMPerformJobActionProc; nothing */
+    SDM_SLOT_FREE = 19,                           /* on, off: SDMFreeProc */
+    SDM_SLOT_GET_TRAY_INFO = 22,                  /* on: SDMGetTrayInfoProc */
+    SDM_SLOT_GET_TONER_INFO = 23,                 /* on: SDMGetTonerInfoProc */
+    SDM_SLOT_UPDATE_QUILLFORM_MASTERS = 25,       /* on: SDMGetTextProc; not available */
+    SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS = 26,      /* on: SDMGetListProc. off: nothing */
+    SDM_SLOT_GET_CALIBRATION = 41,                /* on: SDMGetTwoTextsProc; not available. off: nothing */
+    SDM_SLOT_GET_SERVER_VALUE_FROM_DICT = 43,     /* on: SDMGetServerValueProc */
+    SDM_SLOT_GET_DRIVER_VERSION = 45,             /* on, off: SDMGetDriverVersionProc */
+    SDM_SLOT_GET_SERVER_PRESET_NAMES_LIST = 46,   /* on: SDMGetNamesProc */
+    SDM_SLOT_GET_SERVER_PRESET_DATA_BY_NAME = 47, /* on: SDMGetPresetProc */
+    SDM_SLOT_GET_CALIBRATION_EX = 51,             /* on: SDMGetTwoTextsProc; not available. off: nothing */
+    SDM_SLOT_GET_LOCL_HELP_STRINGS = 53,          /* on: SDMGetListProc; setting and help text */
+    SDM_SLOT_GET_NON_TORKA_CALIBRATION_INFO = 54, /* off: SDMGetTextProc; nothing */
+    SDM_SLOT_GET_ALL_DEVICE_LINK_PROFILES = 55,   /* on: SDMGetListProc */
+    SDM_SLOT_GET_SERVER_INFO_ALL = 56,            /* on, off: SDMGetListProc; "ServerName" and so on */
+    SDM_SLOT_GET_SERVER_FEATURES_ALL = 57,        /* on, off: SDMGetListProc */
+    SDM_SLOT_GET_HOLD_QUEUE_ATTRIBUTES = 62,      /* on, off: SDMGetTwoListsProc; defaults, locked keys */
+    SDM_SLOT_GET_COLOR_KEYS_FACTORY_DEFAULTS = 63 /* on, off: SDMGetListProc */
+};
+
+/* The slots' functions. "Nothing" above means SDM_SUCCESS with out-parameters that are null or zero. A null
+ * out-parameter gives SDM_NOT_AVAILABLE, of SDMFreeProc SDM_INVALID_ARGUMENT when two-way communication is
+ * on. */
+typedef SDMRESULT (*SDMGetTextProc)(SDMHANDLE handle, wchar_t** text);
+typedef SDMRESULT (*SDMGetTwoTextsProc)(SDMHANDLE handle, wchar_t** first, wchar_t** second);
+typedef SDMRESULT (*SDMGetTextByNameProc)(SDMHANDLE handle, const wchar_t* name, wchar_t** text);
+typedef SDMRESULT (*SDMGetListProc)(SDMHANDLE handle, SDMKeyValueList** list);
+/* The second list is null where the server tells none. */
+typedef SDMRESULT (*SDMGetTwoListsProc)(SDMHANDLE handle, SDMKeyValueList** first, SDMKeyValueList** second);
+typedef SDMRESULT (*SDMGetFontListProc)(SDMHANDLE handle, SDMFontInfoArray** fonts);
+typedef SDMRESULT (*SDMGetFontsProc)(SDMHANDLE handle, enumSDMFlagFontFormat format,
+                                     SDMFontInfoArray** fonts);
+typedef SDMRESULT (*SDMGetThumbnailProc)(SDMHANDLE handle, int32_t page, uint8_t** png, size_t* size);
+typedef SDMRESULT (*SDMGetCountProc)(SDMHANDLE handle, int32_t* count);
+typedef SDMRESULT (*SDMPerformJobActionProc)(SDMHANDLE handle, enumSDMJobAction action);
+typedef SDMRESULT (*SDMGetTrayInfoProc)(SDMHANDLE handle, SDMTrayInfoArray** trays);
+typedef SDMRESULT (*SDMGetTonerInfoProc)(SDMHANDLE handle, SDMTonerInfoArray** toners);
+/* `key` L"SPD_MAPPING_ENABLE" and L"QF1_NO_RECORD" give a text as a whole, any other the key's value. `index`
+ * is not read. */
+typedef SDMRESULT (*SDMGetServerValueProc)(SDMHANDLE handle, int32_t index, wchar_t** value,
+                                           const wchar_t* key);
+/* Any other kind gives an empty text. The block has room for 2,048 units. */
+typedef SDMRESULT (*SDMGetDriverVersionProc)(SDMHANDLE handle, int32_t kind, wchar_t** version);
+/* `names` is an array of `count` texts, each a block. With no presets: SDM_SUCCESS and count 0. */
+typedef SDMRESULT (*SDMGetNamesProc)(SDMHANDLE handle, wchar_t*** names, int32_t* count);
+/* Three sets of settings of one preset of the server. */
+typedef SDMRESULT (*SDMGetPresetProc)(SDMHANDLE handle, const wchar_t* name, SDMKeyValueList** jobValues,
+                                      SDMKeyValueList** tesselValues, SDMKeyValueList** presetValues);
+/* Frees the block at *pointer. With two-way communication on *pointer is null afterwards, and nothing to free
+ * is SDM_INVALID_ARGUMENT; with it off *pointer keeps its value, and nothing to free is SDM_NOT_AVAILABLE. */
+typedef SDMRESULT (*SDMFreeProc)(void** pointer);
+
+/* The module's entry points, in the order in which a session calls them. */
+
+/* Non-zero: no session can begin, and `session` is not read. The table has SDM_CALLBACK_SLOTS slots. */
+typedef SDMRESULT (*JP1_1BeginSessionProc)(const SDMCallbackSlot* table, JPHANDLE* session);
+/* Non-zero once the server's data are there. Asked every 100 ms until it is, or a person stops the wait. */
+typedef int32_t (*JP1_1IsServerReadyProc)(JPHANDLE session);
+/* Settings to be shown. May be called twice: the settings of the job, then those of an administrator's
+ * template, which override them key by key. */
+typedef SDMRESULT (*JP1_1SetJobKeyValuesProc)(JPHANDLE session, const SDMKeyValueList* list);
+/* Settings that a person may see and not change; the values are not used. */
+typedef SDMRESULT (*JPSetJobReadOnlyKeysProc)(JPHANDLE session, const SDMKeyValueList* list);
+/* Settings that are not shown; the values are not used. */
+typedef SDMRESULT (*JP1_1SetJobVeiledKeysProc)(JPHANDLE session, const SDMKeyValueList* list);
+typedef SDMRESULT (*JP1_1SetWatermarksProc)(JPHANDLE session, const JPWatermarkList* list);
+/* Shows the window and returns when it is closed. `title` is UTF-8 in at most 256 bytes. `flags` is 3 and
+ * `reserved` 0. *result: 0 accepted, 1 cancelled, 2 the server's address was refused; more than 2 counts
+ * as 2. A non-zero return counts as cancelled. */
+typedef SDMRESULT (*JP1_1OpenUIProc)(JPHANDLE session, const char* title, int32_t flags, int32_t reserved,
+                                     int32_t* result);
+/* All settings after an accepted window, whether they were edited or not. `flags` is 0 and `reserved` null.
+ */
+typedef SDMRESULT (*JP1_1GetJobKeyValuesProc)(JPHANDLE session, int32_t flags, SDMKeyValueList** list,
+                                              void* reserved);
+/* Non-zero, or no list: the watermarks stay as they are. */
+typedef SDMRESULT (*JP1_1GetWatermarksProc)(JPHANDLE session, JPWatermarkList** list);
+/* Frees one block that the module returned or SDMAllocMemory gave. Null is allowed. */
+typedef void (*JP1_1FreeProc)(void* pointer);
+/* A block for a callback's result, aligned for any type; null when there is no memory. */
+typedef void* (*SDMAllocMemoryProc)(SDMHANDLE handle, size_t size);
+/* These two are called at the end, before JP1_1EndSession, when a callback was given a handle. */
+typedef SDMRESULT (*SDMTerminateProc)(SDMHANDLE handle);
+typedef SDMRESULT (*SDMDllEndProc)(void);
+typedef SDMRESULT (*JP1_1EndSessionProc)(JPHANDLE session);
+/* The last call. 0: the module has ended. JP1_1BeginSession may follow. */
+typedef SDMRESULT (*JP1_1DllEndProc)(void);
+
+/* A module defines JOB_PROPERTIES_MODULE before it includes this file; the prototypes then export its
+ * functions. */
+#ifdef JOB_PROPERTIES_MODULE
+#if defined(__GNUC__)
+#define JP_EXPORT __attribute__((visibility("default")))
+#else
+#define JP_EXPORT
+#endif
+JP_EXPORT SDMRESULT JP1_1BeginSession(const SDMCallbackSlot* table, JPHANDLE* session);
+JP_EXPORT int32_t JP1_1IsServerReady(JPHANDLE session);
+JP_EXPORT SDMRESULT JP1_1SetJobKeyValues(JPHANDLE session, const SDMKeyValueList* list);
+JP_EXPORT SDMRESULT JPSetJobReadOnlyKeys(JPHANDLE session, const SDMKeyValueList* list);
+JP_EXPORT SDMRESULT JP1_1SetJobVeiledKeys(JPHANDLE session, const SDMKeyValueList* list);
+JP_EXPORT SDMRESULT JP1_1SetWatermarks(JPHANDLE session, const JPWatermarkList* list);
+JP_EXPORT SDMRESULT JP1_1OpenUI(JPHANDLE session, const char* title, int32_t flags, int32_t reserved,
+                                int32_t* result);
+JP_EXPORT SDMRESULT JP1_1GetJobKeyValues(JPHANDLE session, int32_t flags, SDMKeyValueList** list,
+                                         void* reserved);
+JP_EXPORT SDMRESULT JP1_1GetWatermarks(JPHANDLE session, JPWatermarkList** list);
+JP_EXPORT void JP1_1Free(void* pointer);
+JP_EXPORT void* SDMAllocMemory(SDMHANDLE handle, size_t size);
+JP_EXPORT SDMRESULT SDMTerminate(SDMHANDLE handle);
+JP_EXPORT SDMRESULT SDMDllEnd(void);
+JP_EXPORT SDMRESULT JP1_1EndSession(JPHANDLE session);
+JP_EXPORT SDMRESULT JP1_1DllEnd(void);
+#endif
+
+#ifdef __cplusplus
+}
+#endif

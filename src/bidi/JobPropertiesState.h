@@ -1,0 +1,38 @@
+#pragma once
+
+#include "bidi/SharedMemoryList.h"
+
+#include <memory>
+#include <string>
+
+// The process-wide state of the Job Properties module's exchange. One thread, the host's main thread, reads
+// and writes it.
+
+namespace torka {
+
+// The server language code, such as "en" or "zh_CN". Written by getCurrentLocaleCode; emptied by the panel
+// model before it asks for it.
+extern std::string gServerLanguage;
+
+// The exchange record of the launch under way, owned by the panel model, which writes the pointer before it
+// calls mainJP; null for none.
+extern SharedMemoryList* sharedList;
+
+// A list came from the module, and is kept in sharedListCopyFromJP. Written by the list conversions.
+extern bool gotSharedListFromJP;
+// That list carried a preset of the server. Written by the list conversions.
+extern bool gotServerPresetFromJP;
+// The whole record as the module's settings were written into it; null before the first time.
+extern std::unique_ptr<SharedMemoryList> sharedListCopyFromJP;
+
+// A session of the module is under way. Written by OpenUI.
+extern bool mInsideOpenUI;
+// Cleared at a launch.
+extern bool mSpecialReload;
+// The record's printer address and two-way state at the last launch. Written by mainJP.
+extern std::string mPrevIPAddress;
+extern bool mPrevBidiEnabledState;
+// Written when the server answers a request of its toner with nothing; whoever polls for toner stops then.
+extern bool do_not_poll_for_Toner_Info_File;
+
+} // namespace torka

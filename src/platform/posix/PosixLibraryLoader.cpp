@@ -1,0 +1,46 @@
+#include "platform/posix/PosixLibraryLoader.h"
+
+#include <dlfcn.h>
+#include <system_error>
+
+namespace torka::platform {
+
+namespace {
+
+struct CloseLibrary {
+    void operator()(void* library) const { dlclose(library); }
+};
+
+class PosixLibrary final : public LoadedLibrary {
+public:
+    explicit PosixLibrary(void* openLibrary)
+        : library(openLibrary) {}
+    void* Symbol(const char* name) const override { return dlsym(library.get(), name); }
+
+private:
+    std::unique_ptr<void, CloseLibrary> library;
+};
+
+} // namespace
+
+bool PosixLibraryLoader::Exists(const std::filesystem::path& path) const {
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error);
+}
+
+std::unique_ptr<LoadedLibrary> PosixLibraryLoader::Load(const std::filesystem::path& path,
+                                                        std::string& error) {
+    if (!path.has_parent_path()) {
+        error = path.string() + ": names no folder";
+        return nullptr;
+    }
+    void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    if (!library) {
+        const char* reason = dlerror();
+        error = reason ? reason : path.string() + ": cannot be loaded";
+        return nullptr;
+    }
+    return std::make_unique<PosixLibrary>(library);
+}
+
+} // namespace torka::platform
