@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <string_view>
 
 // What the panel sees of its widgets, and what the widgets tell the panel.
 //
@@ -74,6 +75,9 @@ public:
     PopupJobNoteView(const PopupJobNoteView&) = delete;
     PopupJobNoteView& operator=(const PopupJobNoteView&) = delete;
     virtual ~PopupJobNoteView();
+    // From now on the text that is typed into an outlet ("popupJobNoteVal11" to "popupJobNoteSec55") is
+    // checked.
+    virtual void observeControlTextDidChange(std::string_view outlet) = 0;
     // True to go on printing, false when the person cancelled.
     virtual bool handlePopupJobnoteUI() = 0;
 };
@@ -92,6 +96,9 @@ public:
     virtual void setEnabled(PaneOutlet outlet, bool enabled) = 0;
     virtual PaneFrame frame(PaneOutlet outlet) const = 0;
     virtual void setFrame(PaneOutlet outlet, const PaneFrame& frame) = 0;
+    // Calls `action` once from the event loop, after the root view was painted for the first time. Never
+    // called when the view is never painted, or the interface ends before.
+    virtual void whenFirstPainted(std::function<void()> action) = 0;
     // Brings the application's last window, when it is visible, to the front.
     virtual void bringToFront() = 0;
     virtual CustomizePaneView& customizePane() = 0;

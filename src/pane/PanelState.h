@@ -1,0 +1,65 @@
+#pragma once
+
+#include "PPDX/Utilities/ModelState.h"
+#include "platform/Printing.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+// The process-wide state of the pane: one copy per loaded plug-in, read and written by the host's main thread
+// alone. gEndOfPPD, gDocumentServer and the popup job notes' flags that the model reads are in ModelState.h,
+// the server's language in bidi/JobPropertiesState.h, the panel model's in UI_Panel.h.
+
+namespace torka {
+
+class TorkaFeaturesPDE;
+
+// The newest panel, and the one before it while two exist. Written by TorkaFeaturesPDE at its start and end;
+// neither ever names a panel that is gone.
+extern TorkaFeaturesPDE* sTorkaFeaturesPDE;
+extern TorkaFeaturesPDE* sTorkaFeaturesPDEsaved;
+// The end of the next panel leaves the two above as they are. Written by TorkaFeaturesPDE.
+extern bool invalidDeallocCall;
+
+// Texts of fixed capacity, the terminator counted in. Written by TorkaFeaturesPDE at its start.
+inline constexpr std::size_t sessionQueueNameSize = 256;
+inline constexpr std::size_t cachesPDEOpenFilePathSize = 512;
+inline constexpr std::size_t sessionPDEPathSize = 256;
+// The queue's name: file name of the description's link target, without ".ppd". Keeps its value when the
+// path at hand is no link.
+extern std::string sessionQueueName;
+// "/Library/Caches/ZAN/" + the queue's name + ".pdeopen"
+extern std::string cachesPDEOpenFilePath;
+// Folder of the installed plug-in, with a trailing "/"; "" when it is not there. Written by
+// fillPDEInstallPath.
+extern std::string sessionPDEPath;
+// The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by bidi/CommandJob.h;
+// TorkaFeaturesPDE sets it at its start.
+
+// The session of the last created panel, and where that panel's printer lives; null without a panel. Written
+// by TorkaFeaturesPDE at its start and end.
+extern PMPrintSession currentPrintSession;
+extern PMPrinter* thePMPrinter;
+
+// A work-around for one application; nothing sets it, each panel clears it.
+extern int gVectorWorksFix;
+
+// The popup job notes of the panel on show, note 1 first. Written by resetPopupJobNotes (each new panel) and
+// by the popup job-note dialog. Texts of secret notes are emptied when the dialog closes.
+inline constexpr std::size_t popupJobNoteCount = 5;
+extern std::string gPopupJobNotesFileName;
+extern std::array<std::string, popupJobNoteCount> gPopupJobNotesNote;
+extern std::array<std::string, popupJobNoteCount> gPopupJobNotesSavedNote;
+extern int gPopupJobNotesDefaultsButton;
+extern char gPopupJobNotesSavedEnable;   // '0' or '1'
+extern char gPopupJobNotesSavedSetting;  // '0' or '1'
+extern char gPopupJobNotesSavedShowLast; // '0' or '1'
+
+// Everything of the popup job notes as a new panel finds it.
+void resetPopupJobNotes();
+
+// True when the popup job notes were looked for and none was found: then nothing of them is done.
+inline bool hasNoPopupJobNotes() { return gPopupJobNotesDoneInitializing && !gPopupJobNotesFoundOne; }
+
+} // namespace torka

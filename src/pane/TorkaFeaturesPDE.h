@@ -1,0 +1,161 @@
+#pragma once
+
+#include "pane/PaneInterface.h"
+#include "pane/PanelState.h"
+#include "platform/PrintDialogExtension.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace torka {
+
+class BonjourModuleController;
+class PDEData;
+class PresetStore;
+class ServerExchange;
+class UI_Panel;
+class ZANPPD;
+struct DeferredCommands;
+
+// The features pane of one print dialog: answers the dialog's calls, and holds together the description
+// (ZANPPD), the pane's data (PDEData), the panel model (UI_Panel) and the widgets (PaneInterface).
+//
+// Owns all of these and shares the dialog's callback object. Made by initWithCallback alone. The newest panel
+// is sTorkaFeaturesPDE. Everything runs on the host's main thread.
+class TorkaFeaturesPDE final : public PDEPanel, public std::enable_shared_from_this<TorkaFeaturesPDE> {
+public:
+    // Null when the queue's description is not in the bundle's list of supported descriptions, the list is
+    // missing, or the description names no version of its maker.
+    static std::shared_ptr<TorkaFeaturesPDE> initWithCallback(const PDEPlugInCallbackRef& callback);
+    ~TorkaFeaturesPDE() override;
+
+    // PDEPanel
+    ViewRef panelView() override;
+    CFStringRef panelName() override;
+    CFStringRef panelKind() override;
+    CFArrayRef supportedPPDOptionKeys() override;
+    bool willShow() override;
+    bool shouldHide() override;
+    bool saveValuesAndReturnError(std::string* error) override;
+    bool restoreValuesAndReturnError(std::string* error) override;
+    bool updateUI() override;
+    bool shouldShowHelp() override;
+    bool shouldPrint() override;
+    void printWindowWillClose() override;
+    CFArrayRef summaryInfo() override;
+    void updateDestinationSheet(const CFDictionaryRef& destination) override;
+    void printInfoDidChange() override;
+    void PPDOptionKeyValueDidChange(const CFStringRef& optionKey, const CFStringRef& choice) override;
+
+    // Never null in a panel that initWithCallback gave.
+    ZANPPD* getPPDPtr() const { return self.myppd.get(); }
+    UI_Panel* GetUI_PanelPtr() const { return self.myUi_Panel.get(); }
+    PDEData* GetPDEDataPtr() const { return self.myPDEData.get(); }
+    const BundleRef& pdeBundle() const { return self.pdeBundle; }
+    const CFStringRef& bundleVersion() const { return self.myBundleVersion; }
+    // Null until the interface file is loaded, and when it is missing or broken: the pane then works without
+    // widgets.
+    PaneInterface* Interface() const { return interface.get(); }
+    // Named sets of settings, and those used last.
+    PresetStore& Presets() const { return *presets; }
+    // Two-way communication: requests, waits, and what was read.
+    ServerExchange& Server() const { return *server; }
+
+    // A text of the bundle in the person's language, UTF-8; the default when no table has the key.
+    std::string LocalizedString(std::string_view key, std::string_view defaultText,
+                                std::string_view table = "Localizable") const;
+
+    CFStringRef currentIPAddress() const; // the address field's text
+    bool isBonjourPrinter() const { return self.isBonjourPrinter; }
+    bool isCustomPageSize() const { return self.customPageSize; }
+    const CFStringRef& customPapername() const { return self.customPapername; }
+    void setFullPropertiesButtonStatusON(bool on);
+    void setCustomizeQuickAccessButtonButtonStatusON(bool on);
+    void setDefaultsButtonStatusON(bool on);
+    void applicationDidBecomeActive();
+    // Takes the quick-access texts out of the pane and closes the gap, for a description whose template has
+    // switched quick access off.
+    void enableCustomizedViewForDMT();
+    // Sets sessionQueueName from a description's path; false, with the name as it was, when the path has no
+    // "/" or its last component no ".ppd".
+    static bool getQueuePPDName(std::string_view path);
+    void fillPDEInstallPath();
+
+    // What the pane's buttons do.
+    void launchFullProperties();
+    void defaultsButtonClicked();
+    void customizeQuickAccessButtonClicked();
+
+    // Writes the settings as they are now into the print settings.
+    void Sync(const PDEPlugInCallbackRef& callback);
+    bool sendUpdateCommandToCFFWithCommand(std::string_view command);
+    void deleteFileCommandToCFF(std::string_view files);
+    // Empties the job notes that name a preset of the server, which means nothing to another server.
+    void resetJPServerpresetKeys();
+    // The "keys" line of a request; "" when the description has no dynamic control.
+    std::string getDynamicPPDKeys() const;
+    // Sends the local presets file of the Job Properties module to the queue, if there is one.
+    void writeLocalJPPresetsToDynamicPPD();
+
+    // Brings the page size and the input tray of the system's panes into the model.
+    void updatePageSizeAndInputSlot();
+    // Applies the automation presets file, see docs/presets.md; once a panel, before its first display.
+    void loadAutomationFileAndLoadPrintSetting();
+
+    // Sends what was held back so that nothing waits for the spooler before the first painting.
+    void sendDeferredCommands();
+
+private:
+    explicit TorkaFeaturesPDE(PDEPlugInCallbackRef callback);
+
+    // The instance variables. Their order is that in which they are told of elsewhere.
+    struct Variables {
+        std::unique_ptr<ZANPPD> myppd;
+        std::unique_ptr<PDEData> myPDEData;
+        std::unique_ptr<UI_Panel> myUi_Panel;
+
+        PDEPlugInCallbackRef pdePluginCallbackObject;
+        BundleRef pdeBundle;
+        PMPrintSession mySession;
+        PMPrintSettings printSettings;
+        PMPrinter printer;
+        CFURLRef printerURI;
+        CFStringRef mBundlePPDID; // null: the bundle's identifier
+        CFStringRef myBundleVersion;
+
+        bool shouldRestore = false; // the print settings carry values saved for this description
+        bool customPageSize = false;
+        bool isBonjourPrinter = false;
+        bool isDocumentPrinting = false; // shouldPrint ran
+        std::int32_t automationCalled = 0;
+
+        CFStringRef thePDEName;
+        CFStringRef customPapername;
+    };
+
+    bool Start();
+    void TakeDescription(CFURLRef& descriptionUrl);
+    bool IsSupportedDescription(const CFURLRef& descriptionUrl) const;
+    void BuildModel(const CFURLRef& descriptionUrl);
+    void TakeInstance();
+    void LookForPopupJobNotes();
+    bool LoadInterface();
+
+    void TakeCustomPageSize();
+    void SelectInputSlot();
+    void ShowPrinterName(const CFStringRef& name);
+    void StoreTypedAddress();
+    bool WriteTicket(bool sendsAhead);
+
+    Variables self;
+    std::unique_ptr<PaneInterface> interface;
+    bool interfaceFailed = false; // told once, not tried again
+    std::unique_ptr<PresetStore> presets;
+    std::unique_ptr<ServerExchange> server;
+    std::shared_ptr<DeferredCommands> deferred;
+};
+
+} // namespace torka
