@@ -13,6 +13,11 @@ std::unique_ptr<NetServices>& netServicesSlot() {
     return slot;
 }
 
+std::unique_ptr<ServiceDirectory>& serviceDirectorySlot() {
+    static std::unique_ptr<ServiceDirectory> slot;
+    return slot;
+}
+
 } // namespace
 
 static_assert(addressFamilyIPv4 == AF_INET);
@@ -51,5 +56,11 @@ NetServices& netServices() {
 void setNetServices(std::unique_ptr<NetServices> newServices) { netServicesSlot() = std::move(newServices); }
 
 bool hasNetServices() { return netServicesSlot() != nullptr; }
+
+ServiceDirectory* serviceDirectory() { return serviceDirectorySlot().get(); }
+
+void setServiceDirectory(std::unique_ptr<ServiceDirectory> directory) {
+    serviceDirectorySlot() = std::move(directory);
+}
 
 } // namespace torka::platform

@@ -121,6 +121,9 @@ public:
     virtual ~NetServices();
     // The first IPv4 address of a host name. False, with an empty address, when there is none.
     virtual bool ResolveHost(const std::string& name, HostAddress& address) = 0;
+    // Whether the answers of ResolveHost are kept and given again; if so, they can be forgotten.
+    virtual bool isHostCacheEnabled() const { return false; }
+    virtual void flushHostCache() {}
     // The number of the protocol "icmp", -1 when the host's tables do not know it.
     virtual int IcmpProtocol() = 0;
     // Null with `error` when the system gives none: unprivileged users need its permission (on Linux
@@ -135,6 +138,10 @@ public:
 NetServices& netServices();
 void setNetServices(std::unique_ptr<NetServices> newServices);
 bool hasNetServices();
+
+// The chosen directory, null until one was chosen: then no service is ever found.
+ServiceDirectory* serviceDirectory();
+void setServiceDirectory(std::unique_ptr<ServiceDirectory> directory);
 
 } // namespace torka::platform
 

@@ -21,6 +21,8 @@ public:
     };
 
     bool ResolveHost(const std::string& name, HostAddress& address) override;
+    bool isHostCacheEnabled() const override { return hostCacheEnabled; }
+    void flushHostCache() override { ++hostCacheFlushes; }
     int IcmpProtocol() override { return icmpProtocol; }
     std::unique_ptr<IcmpSocket> OpenIcmpSocket(int protocol, int& error) override;
     std::uint32_t ProcessIdentifier() const override { return processIdentifier; }
@@ -32,6 +34,8 @@ public:
     static Bytes EchoReply(const Bytes& request, std::size_t headerBytes = 20);
 
     std::map<std::string, HostAddress> hosts;
+    bool hostCacheEnabled = false;
+    int hostCacheFlushes = 0;
     int icmpProtocol = 1;
     int openError = 0;
     int receiveBufferError = 0;

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "platform/NetServices.h"
+
+#include "platform/CoreFoundation.h"
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+// The controllers that the local net announces, one entry each, however many services each has.
+
+namespace torka {
+
+// The service types under which a controller announces itself.
+inline constexpr std::array<std::string_view, 4> controllerServiceTypes = {
+    "_printer._tcp", "_ipp._tcp", "_ipps._tcp", "_pdl-datastream._tcp"};
+inline constexpr std::string_view localDomain = "local.";
+
+// One line of plain text: control characters, line and paragraph separators and marks that turn the direction
+// of writing become U+FFFD; cut after 255 units.
+CFStringRef plainServiceName(std::string_view utf8);
+
+struct FoundController {
+    CFStringRef name;       // as plain text; those of several services on one host are separated by ", "
+    CFStringRef addresses;  // dotted IPv4 addresses separated by ", ", else the host's name, "" while unknown
+    CFStringRef address;    // the first of these, to be used; "" while unknown
+    std::int64_t order = 0; // the first IPv4 address as a number, beyond all of them for none
+    NetService service;     // to be resolved
+    std::vector<std::string> aliases; // the names of all its services
+};
+
+class ControllerListObserver {
+public:
+    ControllerListObserver() = default;
+    ControllerListObserver(const ControllerListObserver&) = delete;
+    ControllerListObserver& operator=(const ControllerListObserver&) = delete;
+    virtual ~ControllerListObserver();
+    virtual void listDidChange() = 0;
+};
+
+// Browses for the four service types as long as it lives and resolves what it finds, a few at a time.
+// Services of one name are one controller; so are services whose hosts turn out to be the same.
+class ControllerList final : private ServiceBrowserDelegate, private ServiceResolutionDelegate {
+public:
+    static constexpr std::size_t mostControllers = 1000; // later ones are left out
+    static constexpr std::size_t mostResolutions = 4;    // at a time
+    static constexpr std::chrono::milliseconds resolveTimeout{5000};
+
+    // Both outlive it. The observer is never told from within the constructor.
+    ControllerList(ServiceDirectory& services, ControllerListObserver& listObserver);
+    ~ControllerList() override;
+
+    // In the order in which they were found.
+    std::vector<FoundController> Controllers() const;
+    // An answer that somebody else got for one of the services.
+    void Learn(const NetService& service, const ResolvedService& resolved);
+    bool LeftOut() const { return leftOut; } // there are more than mostControllers
+    // Why nothing is searched for, "" while at least one search is under way.
+    const std::string& Failure() const { return failure; }
+
+private:
+    struct Entry; // services of one name
+    struct Resolution;
+
+    Entry* Find(const NetService& service);
+    void ResolveNext();
+    void Resolved(const NetService& service);
+
+    void didFindService(const NetService& service) override;
+    void didRemoveService(const NetService& service) override;
+    void didNotSearch(const std::string& reason) override;
+    void netServiceDidResolveAddress(const NetService& service, const ResolvedService& resolved) override;
+    void didNotResolve(const NetService& service, const std::string& reason) override;
+
+    ServiceDirectory& directory;
+    ControllerListObserver& observer;
+    std::vector<std::unique_ptr<NetServiceActivity>> searches;
+    std::size_t failedSearches = 0;
+    std::string failure;
+    bool leftOut = false;
+    std::uint64_t found = 0;                                         // numbers the entries
+    std::unordered_map<std::string, std::unique_ptr<Entry>> entries; // by name and domain, letter case folded
+    std::deque<NetService> waiting;                                  // still to be resolved
+    std::vector<Resolution> resolutions;
+};
+
+} // namespace torka
