@@ -29,7 +29,7 @@ public:
     // REQUIRES: index < Count().
     std::wstring_view Key(std::size_t index) const { return entries[index].szKey; }
     std::wstring_view Value(std::size_t index) const { return entries[index].szValue; }
-    const SDMKeyValueList& List() const;
+    const SDMKeyValueList& List();
 
 private:
     wchar_t* Room(std::size_t units);
@@ -38,20 +38,20 @@ private:
     std::vector<std::unique_ptr<wchar_t[]>> blocks;
     wchar_t* next = nullptr;
     std::size_t left = 0;
-    mutable SDMKeyValueList list{};
+    SDMKeyValueList list{};
 };
 
 // Watermark definitions in the form in which they are handed to the module; owns the texts.
 class WatermarkDefinitions {
 public:
     void Append(std::wstring_view definition);
-    const JPWatermarkList& List() const;
+    const JPWatermarkList& List();
     std::size_t Count() const { return texts.size(); }
 
 private:
     std::vector<std::unique_ptr<wchar_t[]>> texts;
-    mutable std::vector<wchar_t*> pointers;
-    mutable JPWatermarkList list{};
+    std::vector<wchar_t*> pointers;
+    JPWatermarkList list{};
 };
 
 // The settings of a list into the record: at most 3,000 entries, each key in 64 bytes and each value in 700,
@@ -73,9 +73,9 @@ void Create_SDMList_From_SharedMemoryList(KeyValueList& out, const SharedMemoryL
 void GetWatermarkList_From_CombinedList(WatermarkDefinitions& out, std::string_view combined,
                                         std::size_t count);
 void Create_SDMWatermarkList_From_SharedMemoryList(WatermarkDefinitions& out, const SharedMemoryList& record);
-// False, with the record as it was, when a definition does not fit: see setWatermarkDefinitions. Null texts
-// are left out.
-void Create_SharedMemoryWatermarkList_From_SDMList(SharedMemoryList& record, const JPWatermarkList& list);
+// How many went into the record, see setWatermarkDefinitions. Null texts are left out.
+std::size_t Create_SharedMemoryWatermarkList_From_SDMList(SharedMemoryList& record,
+                                                          const JPWatermarkList& list);
 
 // Shows a list's entries on the standard error stream.
 void PrintSDMKeyValueList(const SDMKeyValueList& list);
