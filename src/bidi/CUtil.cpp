@@ -1,10 +1,11 @@
 #include "bidi/CUtil.h"
 
 #include "PPDX/Utilities/StringFunctions.h"
+#include "bidi/StandardStreams.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
 
-#include <cstdio>
+#include <algorithm>
 
 namespace torka {
 
@@ -36,8 +37,7 @@ struct TemplateSection {
 };
 
 void tell(const std::string& label, std::wstring_view text) {
-    const std::string line = "DMT " + label + " =" + utf8FromWide(text) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    standardStreams().Error("DMT " + label + " =" + utf8FromWide(text) + "\n");
 }
 
 bool readSection(std::wstring_view xml, const TemplateSection& section, CUtil::KeyValues& map) {
@@ -116,6 +116,26 @@ std::vector<std::wstring> CUtil::tockenizeWstring(std::wstring_view text, std::w
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return pieces;
+}
+
+bool CUtil::AllocMemory(const ModuleMemory& memory, wchar_t**& array, std::size_t rows, std::size_t length) {
+    array = memory.NewArray<wchar_t*>(rows);
+    for (std::size_t i = 0; array && i < rows; ++i) {
+        array[i] = memory.NewText({}, length + 1);
+        if (!array[i]) {
+            deallocTwoDimenArray(memory, array, rows);
+        }
+    }
+    return array != nullptr;
+}
+
+void CUtil::deallocTwoDimenArray(const ModuleMemory& memory, wchar_t**& array, std::size_t rows) {
+    memory.FreeNames(array, rows);
+    array = nullptr;
+}
+
+void CUtil::deallocateArrayOfStrings(const ModuleMemory& memory, wchar_t**& array, std::size_t count) {
+    deallocTwoDimenArray(memory, array, count);
 }
 
 std::wstring CUtil::readFileWithWcharContent(const std::string& path) {

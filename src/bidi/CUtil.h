@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bidi/ModuleMemory.h"
+
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -28,6 +30,13 @@ public:
                                                        std::wstring_view separators);
     // The pieces between runs of separators; none is empty.
     static std::vector<std::wstring> tockenizeWstring(std::wstring_view text, std::wstring_view separators);
+    // An array of `rows` texts, each an empty one in a block with room for `length` characters, for the
+    // module. False, with null, when there is no memory.
+    static bool AllocMemory(const ModuleMemory& memory, wchar_t**& array, std::size_t rows,
+                            std::size_t length);
+    // Free such an array with its texts, which are null or blocks of that memory; it is null afterwards.
+    static void deallocTwoDimenArray(const ModuleMemory& memory, wchar_t**& array, std::size_t rows);
+    static void deallocateArrayOfStrings(const ModuleMemory& memory, wchar_t**& array, std::size_t count);
     // A whole file of UTF-8 text; empty when it cannot be read or has more than 16 MiB.
     static std::wstring readFileWithWcharContent(const std::string& path);
     // Decimal value after leading white space, 0 for none, held to the range of int.
