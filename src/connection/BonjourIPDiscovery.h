@@ -12,7 +12,7 @@ namespace torka {
 // Turns a queue's device URI that names a service into a numeric IPv4 address.
 //
 // Resolves as long as it lives, two seconds at most. The directory is platform::serviceDirectory(); without
-// one nothing is resolved.
+// one the address is "NO" from the start and nobody is told.
 class BonjourIPDiscovery final : private ServiceResolutionDelegate {
 public:
     // The instance name is the URI's host without "._printer._tcp.local." at its end, else without

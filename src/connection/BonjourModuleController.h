@@ -44,7 +44,8 @@ public:
 // The pane owns it; the panel model knows it. The directory of services is platform::serviceDirectory(), the
 // clock for time limits platform::GetMainEventLoop(), alerts go through platform::alerts(). Without a
 // directory or loop the sheet works with what is typed.
-class BonjourModuleController final : public BonjourModuleViewDelegate,
+class BonjourModuleController final : public std::enable_shared_from_this<BonjourModuleController>,
+                                      public BonjourModuleViewDelegate,
                                       private ControllerListObserver,
                                       private ServiceResolutionDelegate {
 public:
@@ -84,9 +85,14 @@ private:
 
     void OpenSheet();
     void CloseSheet();
+    void Search();
     void InitServiceResolve();
     void timerFireMethod();
+    void EndResolution();
     void ReloadTable();
+    void SortShown();
+    std::optional<std::size_t> SelectedPlace();
+    void Select(const FoundController& controller);
     void ShowStatus();
     void Alert(std::string_view key, std::string_view english);
     // The address of the listed controller that the text names, else the text without a service's domain.
@@ -101,17 +107,21 @@ private:
     CFStringRef printerAddress; // the one accepted last
     bool twoWay = false;        // likewise
     bool sessionRunning = false;
-    bool firstCallOfTable = true; // the sheet's table was not filled yet
+    bool firstCallOfTable = true; // no row was selected since the sheet was opened
     bool tableNeedsReload = false;
     bool ascendingSort = true;
-    std::optional<ControllerColumn> sortColumn;
-    std::unique_ptr<ControllerList> list; // while the sheet is open
+    std::optional<ControllerColumn> sortColumn; // none: in the order of finding
+    std::unique_ptr<ControllerList> list;       // while the sheet is open
     std::vector<FoundController> shown;
+    std::vector<ControllerRow> rows; // what the table shows of them
     std::optional<NetService> selectedService;
+    CFStringRef selectedText;                       // what selecting it put into the field
     std::unique_ptr<NetServiceActivity> resolution; // of the selected service
-    std::unique_ptr<BonjourIPDiscovery> discovery;  // of setIPAddress
+    bool resolutionFailed = false;
+    std::unique_ptr<BonjourIPDiscovery> discovery; // of setIPAddress
     EventLoopTimerRef progressTimer;
     EventLoopTimerRef reloadTimer;
+    EventLoopTimerRef searchTimer; // searches again when no search could be begun
 };
 
 // −1, 0 or 1.

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "platform/NetServices.h"
-
 #include "platform/CoreFoundation.h"
+#include "platform/NetServices.h"
 
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -27,12 +28,12 @@ inline constexpr std::string_view localDomain = "local.";
 CFStringRef plainServiceName(std::string_view utf8);
 
 struct FoundController {
-    CFStringRef name;       // as plain text; those of several services on one host are separated by ", "
-    CFStringRef addresses;  // dotted IPv4 addresses separated by ", ", else the host's name, "" while unknown
-    CFStringRef address;    // the first of these, to be used; "" while unknown
-    std::int64_t order = 0; // the first IPv4 address as a number, beyond all of them for none
-    NetService service;     // to be resolved
-    std::vector<std::string> aliases; // the names of all its services
+    CFStringRef name;      // as plain text; those of several services on one host are separated by ", "
+    CFStringRef addresses; // dotted IPv4 addresses separated by ", ", else the host's name, "" while unknown
+    CFStringRef address;   // the first of these, to be used; "" while unknown
+    std::optional<std::int64_t> number; // the first IPv4 address as one
+    NetService service;                 // the one to be resolved
+    std::vector<std::string> aliases;   // the names of all its services, as they came
 };
 
 class ControllerListObserver {
@@ -66,11 +67,15 @@ public:
 
 private:
     struct Entry; // services of one name
-    struct Resolution;
+    struct Resolution {
+        NetService service;
+        std::unique_ptr<NetServiceActivity> activity;
+    };
 
     Entry* Find(const NetService& service);
+    void Await(Entry& entry);
     void ResolveNext();
-    void Resolved(const NetService& service);
+    void EndResolution(const NetService& service);
 
     void didFindService(const NetService& service) override;
     void didRemoveService(const NetService& service) override;
@@ -84,9 +89,10 @@ private:
     std::size_t failedSearches = 0;
     std::string failure;
     bool leftOut = false;
-    std::uint64_t found = 0;                                         // numbers the entries
-    std::unordered_map<std::string, std::unique_ptr<Entry>> entries; // by name and domain, letter case folded
-    std::deque<NetService> waiting;                                  // still to be resolved
+    std::map<std::uint64_t, std::unique_ptr<Entry>> entries; // by the order in which they were found
+    std::unordered_map<std::string, std::uint64_t> orders;   // by name and domain, ASCII letter case folded
+    std::uint64_t nextOrder = 0;
+    std::deque<NetService> waiting; // still to be resolved; what has gone meanwhile is passed over
     std::vector<Resolution> resolutions;
 };
 

@@ -1,0 +1,67 @@
+#include "connection/BonjourIPDiscovery.h"
+
+#include <string_view>
+#include <utility>
+
+namespace torka {
+
+namespace {
+
+constexpr std::string_view printerDomain = "._printer._tcp.local.";
+constexpr std::string_view ippDomain = "._ipp._tcp.local.";
+constexpr std::chrono::milliseconds resolveTimeout{2000};
+
+std::string instanceNameOf(const CFURLRef& url) {
+    std::string name = utf8Text(CFURLCopyHostName(url));
+    if (name.ends_with(printerDomain)) {
+        name.resize(name.size() - printerDomain.size());
+        return name;
+    }
+    for (std::size_t place = name.find(ippDomain); place != std::string::npos;
+         place = name.find(ippDomain, place)) {
+        name.erase(place, ippDomain.size());
+    }
+    return name;
+}
+
+} // namespace
+
+std::unique_ptr<BonjourIPDiscovery>
+BonjourIPDiscovery::initWithPrinterBonjourURL(const CFURLRef& url, std::function<void()> whenDone) {
+    return std::unique_ptr<BonjourIPDiscovery>(
+        new BonjourIPDiscovery(instanceNameOf(url), std::move(whenDone)));
+}
+
+BonjourIPDiscovery::BonjourIPDiscovery(std::string name, std::function<void()> whenDone)
+    : service{std::move(name), "_printer._tcp.", "local."}
+    , done(std::move(whenDone)) {
+    if (ServiceDirectory* directory = serviceDirectory()) {
+        resolution = directory->Resolve(service, resolveTimeout, *this);
+    } else {
+        address = "NO";
+    }
+}
+
+BonjourIPDiscovery::~BonjourIPDiscovery() = default;
+
+void BonjourIPDiscovery::netServiceDidResolveAddress(const NetService& /*which*/,
+                                                     const ResolvedService& answer) {
+    if (!answer.addresses.empty() && answer.addresses.front().family == addressFamilyIPv4) {
+        address = addressText(answer.addresses.front());
+    }
+    resolved = true;
+    resolution.reset();
+    if (const auto tell = std::move(done)) {
+        tell();
+    }
+}
+
+void BonjourIPDiscovery::didNotResolve(const NetService& /*which*/, const std::string& /*reason*/) {
+    address = "NO";
+    resolution.reset();
+    if (const auto tell = std::move(done)) {
+        tell();
+    }
+}
+
+} // namespace torka

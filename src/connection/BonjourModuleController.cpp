@@ -1,0 +1,452 @@
+#include "connection/BonjourModuleController.h"
+
+#include "connection/BonjourIPDiscovery.h"
+#include "platform/Alert.h"
+#include "platform/System.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace torka {
+
+namespace {
+
+constexpr EventTimerInterval progressTime{15.0};
+constexpr EventTimerInterval reloadPause{0.1};
+constexpr EventTimerInterval searchAgainPause{5.0};
+constexpr std::chrono::milliseconds resolveTimeout{15000}; // as long as progress is shown
+
+constexpr std::array<std::u16string_view, 2> serviceDomains = {u"._printer._tcp.local.",
+                                                               u"._pdl-datastream._tcp.local."};
+
+CFStringRef withoutServiceDomain(const CFStringRef& text) {
+    for (const std::u16string_view domain : serviceDomains) {
+        if (CFStringHasSuffix(text, domain)) {
+            return CFStringCreateWithCharacters(
+                std::u16string_view(text->units).substr(0, text->units.size() - domain.size()));
+        }
+    }
+    return text ? text : cfString("");
+}
+
+bool isAddressCharacter(char16_t unit) {
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+           (unit >= u'0' && unit <= u'9') || unit == u'-' || unit == u'.';
+}
+
+bool isAddress(const CFStringRef& text) {
+    return CFStringGetLength(text) > 0 &&
+           std::all_of(text->units.begin(), text->units.end(), isAddressCharacter);
+}
+
+// The device URI of a service, every byte of its name escaped that a host may not hold as it is.
+CFURLRef serviceUrl(const CFStringRef& instanceName) {
+    static constexpr char digits[] = "0123456789ABCDEF";
+    std::string url = "mdns://";
+    for (const char c : utf8Text(instanceName)) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80 && isAddressCharacter(byte)) {
+            url += c;
+        } else {
+            url += {'%', digits[byte >> 4U], digits[byte & 15U]};
+        }
+    }
+    return CFURLCreateWithString(
+        cfString(url + utf8Text(CFStringCreateWithCharacters(serviceDomains[0])) + "/"));
+}
+
+// −1, 0 or 1 of two controllers, in ascending order.
+int compareControllers(ControllerColumn column, const FoundController& left, const FoundController& right) {
+    if (column == ControllerColumn::name) {
+        return CFStringCompare(left.name, right.name, kCFCompareCaseInsensitive);
+    }
+    if (left.number && right.number) {
+        return intSort(*left.number, *right.number);
+    }
+    return CFStringCompare(left.address, right.address, kCFCompareCaseInsensitive);
+}
+
+} // namespace
+
+BonjourModuleViewDelegate::~BonjourModuleViewDelegate() = default;
+BonjourModuleView::~BonjourModuleView() = default;
+BonjourModuleOwner::~BonjourModuleOwner() = default;
+
+int intSort(std::int64_t left, std::int64_t right) {
+    return left < right ? -1 : static_cast<int>(left > right);
+}
+
+std::shared_ptr<BonjourModuleController> BonjourModuleController::init(BonjourModuleOwner& owner,
+                                                                       BonjourModuleView& view) {
+    if (BonjourModuleController* kept = owner.GetsBonjourModuleController()) {
+        return kept->shared_from_this();
+    }
+    std::shared_ptr<BonjourModuleController> controller(new BonjourModuleController(owner, view));
+    owner.setsBonjourModuleController(controller.get());
+    return controller;
+}
+
+BonjourModuleController::BonjourModuleController(BonjourModuleOwner& panelModel, BonjourModuleView& widgets)
+    : owner(panelModel)
+    , view(widgets)
+    , printerAddress(cfString("")) {
+    view.setDelegate(this);
+    view.setBidiState(false);
+    view.setBidiCheckBoxEnabled(true);
+    view.setConfigureButtonEnabled(false);
+}
+
+BonjourModuleController::~BonjourModuleController() {
+    if (sessionRunning) {
+        CloseSheet();
+    }
+    view.setDelegate(nullptr);
+    owner.setsBonjourModuleController(nullptr);
+}
+
+void BonjourModuleController::setprinterIPField(const CFStringRef& address) {
+    printerAddress = withoutServiceDomain(address);
+    if (!sessionRunning) { // what is being typed stays
+        view.setAddressField(printerAddress);
+    }
+    owner.showPrinterAddress(printerAddress);
+}
+
+void BonjourModuleController::setIPAddress() {
+    const CFStringRef stored = owner.storedPrinterAddress();
+    setprinterIPField(stored);
+    const bool namesService = CFStringGetLength(printerAddress) < CFStringGetLength(stored) ||
+                              (CFStringGetLength(printerAddress) > 0 && !isAddress(printerAddress));
+    if (!namesService) {
+        discovery.reset();
+        return;
+    }
+    discovery = BonjourIPDiscovery::initWithPrinterBonjourURL(serviceUrl(printerAddress), [this] {
+        const auto ended = std::move(discovery);
+        if (ended->didResolve() && !ended->printAddress().empty()) {
+            setprinterIPField(cfString(ended->printAddress()));
+            owner.storePrinterAddress(printerAddress, twoWay);
+        }
+    });
+}
+
+void BonjourModuleController::setBIDIStatusON(bool on) {
+    twoWay = on;
+    view.setBidiState(on);
+    view.setConfigureButtonEnabled(on);
+}
+
+void BonjourModuleController::setBIDICheckBoxEnabled(bool enabled) { view.setBidiCheckBoxEnabled(enabled); }
+
+void BonjourModuleController::setConfigureButtonEnabled(bool enabled) {
+    view.setConfigureButtonEnabled(enabled);
+}
+
+bool BonjourModuleController::validatePrinterAddress() {
+    if (!view.bidiState()) {
+        return true;
+    }
+    const CFStringRef text = view.addressField();
+    if (CFStringGetLength(text) == 0) {
+        Alert("IP_NOT_CONFIG", "The IP Address or DNS Name must be assigned.");
+        return false;
+    }
+    if (!isAddress(text)) {
+        Alert("INVALID_IP_ADDRESS", "You have entered an invalid IP Address or DNS Name");
+        return false;
+    }
+    return true;
+}
+
+void BonjourModuleController::Alert(std::string_view key, std::string_view english) {
+    if (!hasAlerts()) {
+        return;
+    }
+    AlertText text;
+    text.title = utf8Text(owner.bidiString(key, english));
+    text.informative =
+        utf8Text(owner.bidiString("PRESS_OKAY", "Press OK to enter a new IP Address or DNS Name."));
+    text.defaultButton = "OK";
+    alerts().RunModal(text);
+}
+
+CFStringRef BonjourModuleController::AddressNamedBy(const CFStringRef& text) const {
+    const CFStringRef name = withoutServiceDomain(text);
+    const std::string alias = utf8Text(name);
+    for (const FoundController& controller : shown) {
+        const auto& aliases = controller.aliases;
+        if (std::find(aliases.begin(), aliases.end(), alias) != aliases.end() ||
+            CFEqual(controller.name, name)) {
+            return CFStringGetLength(controller.address) > 0 ? controller.address : name;
+        }
+    }
+    return name;
+}
+
+void BonjourModuleController::OKClicked() {
+    if (!sessionRunning) {
+        return;
+    }
+    const auto lives = shared_from_this(); // while an alert waits
+    const CFStringRef address = AddressNamedBy(view.addressField());
+    view.setAddressField(address);
+    if (!validatePrinterAddress()) {
+        if (sessionRunning) {
+            view.focusAddressField();
+        }
+        return;
+    }
+    const bool on = view.bidiState();
+    CloseSheet();
+    setprinterIPField(address);
+    setBIDIStatusON(on);
+    owner.storePrinterAddress(address, on);
+}
+
+void BonjourModuleController::clickedCancel() {
+    if (!sessionRunning) {
+        return;
+    }
+    CloseSheet();
+    view.setAddressField(printerAddress);
+    setBIDIStatusON(twoWay);
+}
+
+void BonjourModuleController::configureButtonClicked() {
+    if (!sessionRunning) {
+        OpenSheet();
+    }
+}
+
+void BonjourModuleController::BIDICheckBoxClicked() {
+    const bool on = view.bidiState();
+    if (sessionRunning || on == twoWay) {
+        return; // in the sheet OK decides
+    }
+    if (on && !isAddress(printerAddress)) {
+        OpenSheet();
+        return;
+    }
+    setBIDIStatusON(on);
+    owner.storePrinterAddress(printerAddress, on);
+}
+
+void BonjourModuleController::OpenSheet() {
+    sessionRunning = true;
+    firstCallOfTable = true;
+    resolutionFailed = false;
+    rows.clear();
+    view.setAddressField(printerAddress);
+    view.setRows({}, std::nullopt);
+    view.setProgress(false);
+    Search();
+    view.openSheet();
+    view.focusAddressField();
+}
+
+void BonjourModuleController::CloseSheet() {
+    sessionRunning = false;
+    EndResolution();
+    reloadTimer.reset();
+    searchTimer.reset();
+    list.reset();
+    shown.clear();
+    rows.clear();
+    selectedService.reset();
+    tableNeedsReload = false;
+    view.closeSheet();
+}
+
+void BonjourModuleController::Search() {
+    list.reset();
+    if (ServiceDirectory* directory = serviceDirectory()) {
+        ControllerListObserver& observer = *this;
+        list = std::make_unique<ControllerList>(*directory, observer);
+    }
+    ShowStatus();
+}
+
+void BonjourModuleController::ShowStatus() {
+    CFStringRef text;
+    if (!list || !list->Failure().empty()) {
+        text = owner.bidiString("DISCOVERY_UNAVAILABLE",
+                                "Controllers on the local network cannot be searched for at the moment.");
+    } else if (resolutionFailed) {
+        text = owner.bidiString("DISCOVERY_NO_ANSWER", "The selected controller does not answer.");
+    } else if (list->LeftOut()) {
+        text = owner.bidiString("DISCOVERY_TOO_MANY", "More controllers are announced than can be shown.");
+    } else if (shown.empty()) {
+        text = owner.bidiString("DISCOVERY_SEARCHING", "Looking for controllers on the local network\u2026");
+    }
+    view.setStatus(text ? text : cfString(""));
+}
+
+void BonjourModuleController::listDidChange() {
+    tableNeedsReload = true;
+    if (reloadTimer) {
+        return;
+    }
+    // Services come in bursts: the table is filled once for many.
+    const auto reload = [this](const EventLoopTimerRef&) {
+        reloadTimer.reset();
+        if (std::exchange(tableNeedsReload, false)) {
+            ReloadTable();
+            ShowStatus();
+        }
+    };
+    InstallEventLoopTimer(GetMainEventLoop(), reloadPause, kEventDurationForever, reload, reloadTimer);
+    if (!list->Failure().empty() && !searchTimer) {
+        InstallEventLoopTimer(
+            GetMainEventLoop(), searchAgainPause, kEventDurationForever,
+            [this](const EventLoopTimerRef&) {
+                searchTimer.reset();
+                Search();
+            },
+            searchTimer);
+    }
+}
+
+void BonjourModuleController::SortShown() {
+    if (!sortColumn) {
+        return;
+    }
+    const auto isBefore = [this](const FoundController& left, const FoundController& right) {
+        const bool hasNone = CFStringGetLength(left.address) == 0;
+        const bool otherHasNone = CFStringGetLength(right.address) == 0;
+        if (*sortColumn == ControllerColumn::addresses && hasNone != otherHasNone) {
+            return otherHasNone; // the unknown ones stay at the end in either direction
+        }
+        const int order = compareControllers(*sortColumn, left, right);
+        return ascendingSort ? order < 0 : order > 0;
+    };
+    std::stable_sort(shown.begin(), shown.end(), isBefore);
+}
+
+void BonjourModuleController::ReloadTable() {
+    shown = list->Controllers();
+    SortShown();
+    const std::optional<std::size_t> selected = SelectedPlace();
+    std::vector<ControllerRow> newRows;
+    newRows.reserve(shown.size());
+    for (const FoundController& controller : shown) {
+        newRows.push_back({controller.name, controller.addresses});
+    }
+    if (newRows != rows || selected != view.selectedRow()) {
+        rows = std::move(newRows);
+        view.setRows(rows, selected);
+    }
+}
+
+// Before anything was selected, the controller that has the printer's address is.
+std::optional<std::size_t> BonjourModuleController::SelectedPlace() {
+    const std::string current = utf8Text(printerAddress);
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        const auto& aliases = shown[i].aliases;
+        const auto isCalled = [&aliases](const std::string& name) {
+            return std::find(aliases.begin(), aliases.end(), name) != aliases.end();
+        };
+        if (selectedService) {
+            if (isCalled(selectedService->name)) {
+                return i;
+            }
+        } else if (firstCallOfTable && !current.empty() &&
+                   (CFEqual(shown[i].address, printerAddress) || isCalled(current))) {
+            // What a person typed meanwhile stays.
+            if (CFEqual(view.addressField(), printerAddress)) {
+                Select(shown[i]);
+            }
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
+void BonjourModuleController::Select(const FoundController& controller) {
+    firstCallOfTable = false;
+    resolutionFailed = false;
+    selectedService = controller.service;
+    const bool isKnown = CFStringGetLength(controller.address) > 0;
+    selectedText = isKnown ? controller.address : controller.name;
+    view.setAddressField(selectedText);
+    if (isKnown) {
+        EndResolution();
+    } else {
+        InitServiceResolve();
+    }
+}
+
+void BonjourModuleController::UpOrDownArrowKeySelection() {
+    const std::optional<std::size_t> row = view.selectedRow();
+    if (!sessionRunning || !row || *row >= shown.size()) {
+        return;
+    }
+    Select(shown[*row]);
+    ShowStatus();
+}
+
+void BonjourModuleController::didClickTableColumn(ControllerColumn column) {
+    ascendingSort = sortColumn != column || !ascendingSort;
+    sortColumn = column;
+    const ControllerColumn other =
+        column == ControllerColumn::name ? ControllerColumn::addresses : ControllerColumn::name;
+    view.setIndicatorImage(other, SortIndicator::none);
+    view.setIndicatorImage(column, ascendingSort ? SortIndicator::NSAscendingSortIndicator
+                                                 : SortIndicator::NSDescendingSortIndicator);
+    if (list) {
+        ReloadTable();
+    }
+}
+
+void BonjourModuleController::InitServiceResolve() {
+    if (hasNetServices() && netServices().isHostCacheEnabled()) {
+        netServices().flushHostCache();
+    }
+    EndResolution();
+    if (system().MinorVersion() >= 4) {
+        view.setProgress(true);
+        InstallEventLoopTimer(
+            GetMainEventLoop(), progressTime, kEventDurationForever,
+            [this](const EventLoopTimerRef&) { timerFireMethod(); }, progressTimer);
+    }
+    if (ServiceDirectory* directory = serviceDirectory()) {
+        resolution = directory->Resolve(*selectedService, resolveTimeout, *this);
+    }
+}
+
+void BonjourModuleController::timerFireMethod() {
+    progressTimer.reset();
+    if (view.isSheetVisible()) {
+        view.setProgress(false);
+    }
+}
+
+void BonjourModuleController::EndResolution() {
+    resolution.reset();
+    progressTimer.reset();
+    view.setProgress(false);
+}
+
+void BonjourModuleController::netServiceDidResolveAddress(const NetService& service,
+                                                          const ResolvedService& resolved) {
+    const NetService which = service; // may belong to the resolution, which ends here
+    const ResolvedService answer = resolved;
+    EndResolution();
+    list->Learn(which, answer);
+    ReloadTable();
+    const std::optional<std::size_t> place = SelectedPlace();
+    // A person may have typed something else while it was resolved.
+    if (place && CFEqual(view.addressField(), selectedText) && CFStringGetLength(shown[*place].address) > 0) {
+        selectedText = shown[*place].address;
+        view.setAddressField(selectedText);
+    }
+    ShowStatus();
+}
+
+void BonjourModuleController::didNotResolve(const NetService& /*service*/, const std::string& /*reason*/) {
+    EndResolution();
+    resolutionFailed = true;
+    ShowStatus();
+}
+
+} // namespace torka
