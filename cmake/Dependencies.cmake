@@ -13,3 +13,5 @@ find_library(CUPS_LIBRARY cups REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(Threads REQUIRED)
+# Only the pane's views, the adapter in platform/qt, the print dialog, the sample module and the bundle's entry link it.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets PrintSupport UiTools Test)

@@ -9,10 +9,15 @@ packages=(
     # libraries
     libcups2-dev zlib1g-dev libicu-dev libplist-dev nettle-dev libgmp-dev uuid-dev
     libcli11-dev nlohmann-json3-dev
+    # the pane, the print dialog and the sample Job Properties module
+    qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev
+    # discovery of controllers
+    libavahi-client-dev
     # tests and benchmarks
     libgtest-dev libgmock-dev libbenchmark-dev libssl-dev
     # what the tests and run.sh check against
     ghostscript fonts-urw-base35 fonts-dejavu-core cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
+    avahi-daemon avahi-utils dbus xvfb
 )
 # Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer
 developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev)
