@@ -1,6 +1,6 @@
 #include "bidi/ExchangeLists.h"
 
-#include "bidi/CUtil.h"
+#include "bidi/ByteOrderMark.h"
 #include "bidi/FieldText.h"
 #include "bidi/JobPropertiesState.h"
 #include "bidi/StandardStreams.h"
@@ -14,10 +14,6 @@ namespace torka {
 
 namespace {
 
-constexpr wchar_t wideMark = L'\xFEFF';
-constexpr std::string_view markLetters = "EFBBBF";
-constexpr std::string_view narrowMark = "\xEF\xBB\xBF";
-
 // What a text of the module's comes to when it is missing.
 const wchar_t* orEmpty(const wchar_t* text) { return text ? text : L""; }
 
@@ -25,7 +21,7 @@ const wchar_t* orEmpty(const wchar_t* text) { return text ? text : L""; }
 void writeText(std::span<char> field, const wchar_t* text, bool lettersForMarks) {
     FieldWriter writer(field);
     for (const wchar_t* unit = orEmpty(text); *unit != L'\0' && !writer.IsFull(); ++unit) {
-        if (lettersForMarks && *unit == wideMark) {
+        if (lettersForMarks && *unit == wideMark.front()) {
             writer.Append(markLetters);
         } else {
             writer.Append(static_cast<char32_t>(*unit));
@@ -150,7 +146,7 @@ void writeSettings(SharedMemoryList& record, const SDMKeyValueList& list) {
     setFieldNumber(record.count, static_cast<long>(count));
     for (std::size_t i = 0; i < count; ++i) {
         const SDMKeyValue& entry = list.items[i];
-        writeText(record.values[i], entry.szValue, *orEmpty(entry.szValue) == wideMark);
+        writeText(record.values[i], entry.szValue, *orEmpty(entry.szValue) == wideMark.front());
         writeText(record.keys[i], entry.szKey, false);
     }
 }
@@ -182,7 +178,7 @@ void Create_SDMList_From_SharedMemoryList(KeyValueList& out, const SharedMemoryL
     for (std::size_t i = 0; i < count; ++i) {
         const std::string_view value = entryValue(record, i);
         if (value.starts_with(markLetters)) {
-            out.AppendNarrow(entryKey(record, i), CUtil::__replace(value, markLetters, narrowMark));
+            out.AppendNarrow(entryKey(record, i), withMarks(value));
         } else {
             out.AppendNarrow(entryKey(record, i), value);
         }

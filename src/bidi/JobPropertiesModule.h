@@ -12,15 +12,20 @@
  * above U+10FFFF and surrogates become U+FFFD. Narrow text is UTF-8.
  *
  * Ownership. Every pointer in a structure is a block of its own; a structure is freed innermost block first.
- *   - Handed to the module (JP1_1Set..., JPSet..., the title): stays the pane's; the module copies what it
- * keeps before it returns.
- *   - Returned by the module (JP1_1GetJobKeyValues, JP1_1GetWatermarks): becomes the pane's, which frees
- * every text, the array and the list with JP1_1Free.
- *   - Returned by a callback: becomes the module's, which frees each block with the callback in
- * SDM_SLOT_FREE. With two-way communication on the pane allocated it with SDMAllocMemory and SDM_SLOT_FREE
- * frees it with JP1_1Free, so these two belong to one allocator; with it off it comes from malloc and
- * SDM_SLOT_FREE frees it with free.
- *   - The callback table: stays the pane's, valid from JP1_1BeginSession to JP1_1DllEnd.
+ *
+ * Handed to the module (JP1_1Set..., JPSet..., the title): stays the pane's; the module copies what it keeps
+ * before it returns.
+ *
+ * Returned by the module (JP1_1GetJobKeyValues, JP1_1GetWatermarks): becomes the pane's, which frees every
+ * text, the array and the list with JP1_1Free.
+ *
+ * Returned by a callback: becomes the module's, which frees each block with the callback in SDM_SLOT_FREE.
+ * With two-way communication on, the pane allocated it with SDMAllocMemory, and SDM_SLOT_FREE frees it with
+ * JP1_1Free, so these two belong to one allocator; with it off, it comes from malloc, and SDM_SLOT_FREE
+ * frees it with free.
+ *
+ * The callback table: stays the pane's, valid from JP1_1BeginSession to JP1_1DllEnd.
+ *
  * A callback that does not return SDM_SUCCESS has returned nothing: its out-parameters are null or zero.
  *
  * Threads. The pane calls the module on one thread, and callbacks may be called on that thread only, between
@@ -47,7 +52,7 @@ enum {
 typedef void* JPHANDLE;
 /* A module's connection to its data server, null if it has none. The module passes it to each callback as the
  * first argument. The pane passes it to SDMAllocMemory, and once, at the end, to SDMTerminate. One session
- * has one such handle. */
+ * has one such handle. SDMAllocMemory is also called with null, before any callback has named one. */
 typedef void* SDMHANDLE;
 
 /* One setting. */

@@ -1,28 +1,13 @@
 #pragma once
 
-#include <filesystem>
-#include <string>
+#include "bidi/JobPropertiesLibrary.h"
+
 #include <string_view>
 
+// One launch of the Job Properties module: JobPropertiesLibrary has loaded it, JobPropertiesState holds what
+// is shared, and jobPropertiesHost() answers for the pane.
+
 namespace torka {
-
-// File name of the Job Properties module, which lies in the folder that holds the bundle.
-inline constexpr std::string_view moduleFileName = "libzanjp2.so";
-std::filesystem::path moduleBesideBundle(const std::filesystem::path& bundle);
-
-enum class ModuleStatus {
-    loaded,
-    notInstalled, // there is no such file
-    doesNotLoad,  // no library, or one that lacks an entry point
-};
-struct ModuleAvailability {
-    ModuleStatus status = ModuleStatus::notInstalled;
-    std::string reason; // one line, of one that does not load
-};
-
-// Loads the module's library, unless this one is loaded already. To be asked before a launch: without a
-// module no launch starts. REQUIRES: no session is under way.
-ModuleAvailability loadJobPropertiesLibrary(const std::filesystem::path& path);
 
 // Runs one launch with the record in sharedList: builds the callback table, runs a session with its window,
 // reads the module's answer back into the record and ends the module. 0; 1 when there is no record, or no

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "bidi/JobPropertiesModule.h"
 #include "bidi/SharedMemoryList.h"
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -25,10 +28,24 @@ extern bool gotServerPresetFromJP;
 // The whole record as the module's settings were written into it; null before the first time.
 extern std::unique_ptr<SharedMemoryList> sharedListCopyFromJP;
 
-// A session of the module is under way. Written by OpenUI.
+// The callback table, which LoadJPModule fills.
+extern std::array<SDMCallbackSlot, SDM_CALLBACK_SLOTS> mFuncList;
+// Set by LoadJPModule, cleared by UnloadJPModule.
+extern bool mJPLoaded;
+// The module's session: begun by OpenUI, ended by UnloadJPModule.
+extern JPHANDLE mJPHandle;
+extern bool sessionBegan;
+// The module's data server as its callbacks named it; null when none did. Cleared by LoadJPModule and
+// UnloadJPModule.
+extern SDMHANDLE mSDMHandle;
+// A session's window is being opened or is open. Written by OpenUI.
 extern bool mInsideOpenUI;
 // Cleared at a launch.
 extern bool mSpecialReload;
+// Of the interface that a launch speaks; 2 from the first launch on.
+extern int moduleSubVersion;
+// 4096 or, where the system measures in metric, 8192. Written by OpenUI; no call of the interface takes it.
+extern std::uint32_t paperUnit;
 // The record's printer address and two-way state at the last launch. Written by mainJP.
 extern std::string mPrevIPAddress;
 extern bool mPrevBidiEnabledState;

@@ -2,6 +2,8 @@
 
 #include "platform/System.h"
 
+#include <cstdint>
+
 namespace torka {
 
 bool poll(const Polling& polling, const std::function<bool()>& done, const WaitObserver& observer,
@@ -9,12 +11,13 @@ bool poll(const Polling& polling, const std::function<bool()>& done, const WaitO
     if (cancelled) {
         *cancelled = false;
     }
-    const int sleeps = polling.sleepAfterLast ? polling.checks : polling.checks - 1;
-    for (int check = 0; check < polling.checks; ++check) {
+    const bool isLimited = polling.checks != Polling::withoutLimit;
+    const int sleeps = !isLimited ? 0 : polling.sleepAfterLast ? polling.checks : polling.checks - 1;
+    for (std::int64_t check = 0; !isLimited || check < polling.checks; ++check) {
         if (done()) {
             return true;
         }
-        if (check == sleeps) {
+        if (isLimited && check == sleeps) {
             return false;
         }
         if (observer) {

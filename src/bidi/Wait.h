@@ -8,7 +8,7 @@
 
 namespace torka {
 
-enum class WaitFor { commandJob, dataFile, lockFile, idlePrinter };
+enum class WaitFor { commandJob, dataFile, lockFile, idlePrinter, moduleReady };
 
 // Where a wait stands, told before each sleep so that a person can see it.
 struct WaitProgress {
@@ -18,10 +18,12 @@ struct WaitProgress {
 };
 using WaitObserver = std::function<void(const WaitProgress&)>;
 
-// Calls `done` up to `checks` times, `interval` apart, until it answers true: whether it did. With
-// `sleepAfterLast` it also sleeps after a last check in vain. False at once when a sleep was cancelled;
-// `cancelled` tells that apart.
+// Calls `done` up to `checks` times (without limit: as often as it takes), `interval` apart, until it answers
+// true: whether it did. With `sleepAfterLast` it also sleeps after a last check in vain. False at once when a
+// sleep was cancelled; `cancelled` tells that apart.
 struct Polling {
+    static constexpr int withoutLimit = 0;
+
     WaitFor what;
     int checks;
     std::chrono::milliseconds interval;
