@@ -44,6 +44,13 @@ public:
     std::size_t ItemCount() const { return items.Size(); }
     _PopupItem* FirstItem();
     _PopupItem* NextItem();
+    // Every item in order, without moving that cursor: visit(const _PopupItem&).
+    template <class Visit>
+    void ForEachItem(Visit visit) const {
+        for (const void* item : items) {
+            visit(*static_cast<const _PopupItem*>(item));
+        }
+    }
     // Indexes count from 1; 0 is none.
     int GetValue() const;
     void SetValue(int index);

@@ -1,0 +1,132 @@
+#include "pane/CustomizePaneController.h"
+
+#include "pane/PaneInterface.h"
+#include "tests/pane/PaneFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <bitset>
+
+namespace torka::tests {
+namespace {
+
+// The rules of the flag words written out one by one, as a table of sets: which characters each combination
+// accepts, without the order of the tests.
+std::string acceptedBySets(std::uint32_t flags) {
+    const auto has = [flags](std::uint32_t flag) { return (flags & flag) != 0; };
+    const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    const std::string digits = "0123456789";
+    std::string set;
+    if (has(jobNoteLCD)) {
+        return letters + digits + ",-._";
+    }
+    if ((flags & 0x36007U) == 0) {
+        for (int c = 1; c < 127; ++c) {
+            set += static_cast<char>(c);
+        }
+        return set;
+    }
+    set += has(jobNoteNumeric) ? digits : "";
+    set += has(jobNoteAlpha) ? letters : "";
+    set += has(jobNoteHyphen) || has(jobNoteNegative) ? "-" : "";
+    set += has(jobNoteSpace) || (has(jobNoteMultiSpace) && !has(jobNoteDecimal)) ? " " : "";
+    set += has(jobNoteMultiComma) && !has(jobNoteDecimal) ? "," : "";
+    set += has(jobNoteDecimal) ? digits + ".," : "";
+    return set;
+}
+
+TEST(CustomizePaneController, AcceptsTheCharactersOfEveryCombinationOfFlags) {
+    const std::array<std::uint32_t, 9> bits{jobNoteAlpha,      jobNoteNumeric,  jobNoteDecimal,
+                                            jobNoteSpace,      jobNoteNegative, jobNoteMultiSpace,
+                                            jobNoteMultiComma, jobNoteLCD,      jobNoteHyphen};
+    for (std::uint32_t combination = 0; combination < (1U << bits.size()); ++combination) {
+        std::uint32_t flags = 0;
+        for (std::size_t i = 0; i < bits.size(); ++i) {
+            flags |= (combination >> i & 1U) != 0 ? bits[i] : 0U;
+        }
+        const PPDXJobNote note("*Note", cfString("Note"), nullptr, nullptr, 0, nullptr, 10, flags, 0);
+        std::bitset<128> expected;
+        for (const char c : acceptedBySets(flags)) {
+            expected.set(static_cast<std::size_t>(c));
+        }
+        for (UniChar c = 1; c < 127; ++c) {
+            EXPECT_EQ(CustomizePaneController::IsValidKey(note, c), expected.test(c))
+                << flags << ' ' << int{c};
+        }
+    }
+}
+
+struct Typing : testing::Test {
+    ScopedMemorySystem system;
+    Pane pane{paneHeader + jobNote("Digits", "5|Numeric") + jobNote("Pages", "9|Numeric|Hyphen|MultiComma") +
+              jobNote("Free", "4|UTF8") + jobNote("Letters", "5|Alpha")};
+    CustomizePaneController controller{pane.model.get()};
+    int forgotten = 0;
+
+    Typing() {
+        controller.SetServerPresetReset([this] { ++forgotten; });
+    }
+    std::string Type(const char* keyword, const char* text) {
+        return utf8Text(controller.controlTextDidChange(controller.TagOfJobNote(keyword), cfString(text)));
+    }
+    std::string Kept(const char* keyword) const {
+        return utf8Text(pane.model->CopyValueForKey(cfString(keyword)));
+    }
+};
+
+TEST_F(Typing, TakesOutTheFirstRefusedCharacterOfEachChange) {
+    EXPECT_EQ(Type("*Digits", "12a4b"), "124b");
+    EXPECT_EQ(Kept("*Digits"), "124b");
+    EXPECT_EQ(Type("*Digits", "124b"), "124");
+    EXPECT_EQ(Type("*Pages", "1-3,7"), "1-3,7");
+    EXPECT_EQ(Type("*Letters", "\xC3\xA4"
+                               "bc"),
+              "bc")
+        << "Mac Roman knows the character, the note does not";
+    EXPECT_EQ(Type("*Letters", "\xE6\xBC\xA2"
+                               "1"),
+              "\xE6\xBC\xA2"
+              "1")
+        << "not checked outside Mac Roman";
+    EXPECT_EQ(Type("*Unknown", "any text"), "any text");
+    EXPECT_EQ(forgotten, 6);
+}
+
+TEST_F(Typing, HoldsTheTextToItsLengthOnlyWhereTypingBegan) {
+    EXPECT_EQ(Type("*Digits", "12345"), "12345") << "exactly the maximum";
+    EXPECT_EQ(controller.JobNoteClipValue(), 0U);
+    EXPECT_EQ(Type("*Digits", "123456"), "12345") << "the text accepted last comes back";
+    EXPECT_EQ(controller.JobNoteClipValue(), 5U);
+    EXPECT_EQ(Kept("*Digits"), "12345");
+    EXPECT_EQ(Type("*Free", "pasted"), "pasted") << "another field: stored as it stands";
+    EXPECT_EQ(Kept("*Free"), "pasted");
+    EXPECT_NE(controller.CurrentJobNoteControlTag(), controller.TagOfJobNote("*Free"));
+    EXPECT_EQ(forgotten, 3);
+}
+
+TEST_F(Typing, LeavesLongTextInDescriptionsOfOtherScripts) {
+    std::string text = paneHeader + jobNote("Free", "4|UTF8");
+    text.replace(text.find("ISOLatin1"), 9, "JIS83-RKSJ");
+    const Pane other(text, "other.ppd");
+    CustomizePaneController japanese(other.model.get());
+    const std::uint32_t tag = japanese.TagOfJobNote("*Free");
+    EXPECT_EQ(utf8Text(japanese.controlTextDidChange(tag, cfString("abcd"))), "abcd");
+    EXPECT_EQ(utf8Text(japanese.controlTextDidChange(tag, cfString("abcde"))), "abcde");
+}
+
+TEST_F(Typing, NamesTheLastCharacterThatANumberMayNotHold) {
+    struct Case {
+        const char* keyword;
+        const char* text;
+        std::int64_t index;
+    };
+    for (const Case& c :
+         {Case{"*Digits", "1a2b", 3}, Case{"*Digits", "12", -1}, Case{"*Digits", "1,2", 1},
+          Case{"*Pages", "1,2-3", -1}, Case{"*Pages", "1 2", 1}, Case{"*Letters", "1-2", 1}}) {
+        controller.LimitTextLengthOfJobNoteControl(c.keyword, cfString(c.text));
+        EXPECT_EQ(controller.isNumericText(cfString(c.text)), c.index) << c.keyword << ' ' << c.text;
+    }
+}
+
+} // namespace
+} // namespace torka::tests
