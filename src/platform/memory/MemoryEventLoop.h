@@ -1,10 +1,9 @@
 #pragma once
 
-#include "platform/EventLoop.h"
+#include "platform/TimerQueue.h"
 
 #include <chrono>
 #include <map>
-#include <vector>
 
 namespace torka::platform {
 
@@ -14,24 +13,25 @@ namespace torka::platform {
 class MemoryEventLoop final : public EventLoop {
 public:
     EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval,
-                              EventLoopTimerAction action) override;
+                              EventLoopTimerAction action) override {
+        return timers.Install(delay, interval, std::move(action));
+    }
     std::unique_ptr<DescriptorWatch> Watch(int descriptor, unsigned events, DescriptorAction action) override;
 
     // Fires what is due now, each timer at most once, the earliest first: how many fired.
-    std::size_t Turn();
+    std::size_t Turn() { return timers.FireDue(); }
     // Lets the clock go on by that time, stopping at every timer that comes due on the way.
     void Run(std::chrono::milliseconds duration);
     // Tells who watches the descriptor for it; failures are told to all.
     void Happen(int descriptor, unsigned events);
 
-    std::size_t Installed() const; // timers that will fire yet
+    std::size_t Installed() const { return timers.Installed(); } // timers that will fire yet
     std::size_t Watched() const { return watches.size(); }
 
 private:
-    class Timer;
     class Watcher;
 
-    std::vector<std::weak_ptr<Timer>> timers; // in the order of installing
+    TimerQueue timers;
     std::multimap<int, Watcher*> watches;
 };
 

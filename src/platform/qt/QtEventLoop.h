@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/EventLoop.h"
+
+#include <memory>
+
+namespace torka::platform {
+
+// The loop of a Qt application. Made after its QCoreApplication, on its thread, and destroyed before it; must
+// outlive the watches it gives. Timers that are left over end with it.
+class QtEventLoop final : public EventLoop {
+public:
+    QtEventLoop();
+    ~QtEventLoop() override;
+    EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval,
+                              EventLoopTimerAction action) override;
+    std::unique_ptr<DescriptorWatch> Watch(int descriptor, unsigned events, DescriptorAction action) override;
+
+private:
+    class Hub;
+    class Timer;
+    class Watcher;
+    std::shared_ptr<Hub> hub;
+};
+
+} // namespace torka::platform
