@@ -13,7 +13,8 @@ class TimerQueue {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
 
-    EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval, EventLoopTimerAction action);
+    EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval,
+                              EventLoopTimerAction action);
     // Fires what is due now, each timer at most once, the earliest first: how many fired.
     std::size_t FireDue();
     std::optional<TimePoint> NextDue() const;

@@ -66,8 +66,8 @@ void updateTimeout(AvahiTimeout* timeout, const timeval* when) {
     if (when == nullptr) {
         return;
     }
-    const EventTimerInterval delay =
-        std::chrono::microseconds(std::max<AvahiUsec>(-avahi_age(when), 0)); // the age of a time to come is negative
+    const EventTimerInterval delay = std::chrono::microseconds(
+        std::max<AvahiUsec>(-avahi_age(when), 0)); // the age of a time to come is negative
     const auto fire = [timeout](const EventLoopTimerRef&) { timeout->callback(timeout, timeout->userdata); };
     InstallEventLoopTimer(timeout->loop, delay, kEventDurationForever, fire, timeout->timer);
 }

@@ -174,7 +174,8 @@ AvahiServiceDirectory::Activity::~Activity() { connection.Forget(*this); }
 
 class AvahiServiceDirectory::Search final : public Activity {
 public:
-    Search(Connection& owner, std::string wantedType, std::string wantedDomain, ServiceBrowserDelegate& listener)
+    Search(Connection& owner, std::string wantedType, std::string wantedDomain,
+           ServiceBrowserDelegate& listener)
         : Activity(owner)
         , type(std::move(wantedType))
         , domain(std::move(wantedDomain))
@@ -182,8 +183,9 @@ public:
     ~Search() override { Search::Release(); }
 
     bool Begin(AvahiClient* client, std::string& reason) override {
-        browser = avahi_service_browser_new(client, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, withoutDot(type).c_str(),
-                                            withoutDot(domain).c_str(), AvahiLookupFlags{}, Happened, this);
+        browser =
+            avahi_service_browser_new(client, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, withoutDot(type).c_str(),
+                                      withoutDot(domain).c_str(), AvahiLookupFlags{}, Happened, this);
         if (browser == nullptr) {
             reason = std::string("Avahi: ") + avahi_strerror(avahi_client_errno(client));
         }
@@ -198,8 +200,8 @@ public:
 
 private:
     static void Happened(AvahiServiceBrowser* browser, AvahiIfIndex /*interface*/, AvahiProtocol /*protocol*/,
-                         AvahiBrowserEvent event, const char* name, const char* /*type*/, const char* /*domain*/,
-                         AvahiLookupResultFlags /*flags*/, void* self) {
+                         AvahiBrowserEvent event, const char* name, const char* /*type*/,
+                         const char* /*domain*/, AvahiLookupResultFlags /*flags*/, void* self) {
         auto* search = static_cast<Search*>(self);
         if (event == AVAHI_BROWSER_NEW && name != nullptr) {
             search->Appeared(name);
@@ -281,10 +283,11 @@ public:
     }
 
 private:
-    static void Happened(AvahiServiceResolver* resolver, AvahiIfIndex /*interface*/, AvahiProtocol /*protocol*/,
-                         AvahiResolverEvent event, const char* /*name*/, const char* /*type*/,
-                         const char* /*domain*/, const char* hostName, const AvahiAddress* address,
-                         std::uint16_t port, AvahiStringList* /*txt*/, AvahiLookupResultFlags /*flags*/, void* self) {
+    static void Happened(AvahiServiceResolver* resolver, AvahiIfIndex /*interface*/,
+                         AvahiProtocol /*protocol*/, AvahiResolverEvent event, const char* /*name*/,
+                         const char* /*type*/, const char* /*domain*/, const char* hostName,
+                         const AvahiAddress* address, std::uint16_t port, AvahiStringList* /*txt*/,
+                         AvahiLookupResultFlags /*flags*/, void* self) {
         auto* resolution = static_cast<Resolution*>(self);
         if (event == AVAHI_RESOLVER_FOUND && hostName != nullptr && address != nullptr) {
             resolution->Answered({hostName, port, {hostAddress(*address)}});
@@ -305,7 +308,8 @@ private:
 
     void GaveUp(AvahiServiceResolver* resolver) {
         const auto* client = avahi_service_resolver_get_client(resolver);
-        const int error = client != nullptr ? avahi_client_errno(avahi_service_resolver_get_client(resolver)) : 0;
+        const int error =
+            client != nullptr ? avahi_client_errno(avahi_service_resolver_get_client(resolver)) : 0;
         std::erase(resolvers, resolver);
         avahi_service_resolver_free(resolver);
         if (resolvers.empty() || answer) {

@@ -33,8 +33,8 @@ public:
 namespace {
 
 short pollEvents(unsigned events) {
-    const int wanted =
-        ((events & descriptorReadable) != 0 ? POLLIN : 0) | ((events & descriptorWritable) != 0 ? POLLOUT : 0);
+    const int wanted = ((events & descriptorReadable) != 0 ? POLLIN : 0) |
+                       ((events & descriptorWritable) != 0 ? POLLOUT : 0);
     return static_cast<short>(wanted);
 }
 

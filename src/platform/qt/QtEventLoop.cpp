@@ -86,8 +86,8 @@ void QtEventLoop::Timer::Fire() {
     action(self);
 }
 
-// A notifier is made only for what is asked for: Qt wants one of a kind for a descriptor, and several watches of
-// one descriptor may share it by kind.
+// A notifier is made only for what is asked for: Qt wants one of a kind for a descriptor, and several watches
+// of one descriptor may share it by kind.
 class QtEventLoop::Watcher final : public DescriptorWatch {
 public:
     Watcher(QObject& hubObject, int watched, unsigned events, DescriptorAction what)
@@ -144,7 +144,8 @@ EventLoopTimerRef QtEventLoop::Install(EventTimerInterval delay, EventTimerInter
     return timer->Start(delay) ? timer : nullptr;
 }
 
-std::unique_ptr<DescriptorWatch> QtEventLoop::Watch(int descriptor, unsigned events, DescriptorAction action) {
+std::unique_ptr<DescriptorWatch> QtEventLoop::Watch(int descriptor, unsigned events,
+                                                    DescriptorAction action) {
     return std::make_unique<Watcher>(*hub, descriptor, events, std::move(action));
 }
 
