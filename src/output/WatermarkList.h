@@ -22,6 +22,8 @@ public:
     }
     void Append(std::unique_ptr<ZANWatermark> watermark) { watermarks.push_back(std::move(watermark)); }
     void Clear() { watermarks.clear(); }
+    // Leaves the list empty; the choice stays.
+    std::vector<std::unique_ptr<ZANWatermark>> TakeAll() { return std::exchange(watermarks, {}); }
 
     int SelectedIndex() const { return selectedIndex; }
     // Any negative index chooses none.

@@ -56,6 +56,8 @@ public:
     SettingList& PadCoverList() { return mPadCover; }
     SettingList& CoverPageList() { return mCoverPage; }
     SettingList& SlipSheetList() { return mSlipSheet; }
+    // In the order in which they are emitted.
+    std::array<SettingList*, 4> SideLists() { return {&mMixedMedia, &mPadCover, &mSlipSheet, &mCoverPage}; }
     std::span<WideSetting> AccountPairs() { return mAccountPairs; }
     // Back to their keys with the value "-1".
     void ResetAccountPairs();

@@ -3,6 +3,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "connection/ZANCorvianPrinterPList.h"
 #include "pane/ControlTables.h"
+#include "pane/CutText.h"
 #include "platform/Log.h"
 #include "platform/TextEncoding.h"
 
@@ -19,19 +20,6 @@ constexpr std::size_t settingTextSize = 256; // bytes with terminator
 constexpr std::size_t definitionSize = 1024; // bytes with terminator, one row of the address list
 constexpr int quickAccessBlock = 0;
 constexpr int watermarkBlock = 1;
-
-// UTF-8 cut to fit, not within a character.
-std::string cutText(std::string text, std::size_t size) {
-    if (text.size() < size) {
-        return text;
-    }
-    std::size_t end = size - 1;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-        --end;
-    }
-    text.resize(end);
-    return text;
-}
 
 CFStringRef settingText(const std::wstring& wide) {
     return cfString(cutText(utf8FromWide(wide), settingTextSize));
@@ -106,7 +94,9 @@ void PDEData::RestoreWatermarkChoice() {
 
 void PDEData::RestoreAccountPairs() {
     for (WideSetting& pair : mAccountPairs) {
-        const auto text = cfCast<CFString>(ReadSetting(utf8FromWide(pair.key)));
+        // A pair that the module named has no asterisk, its place in the print settings always has one.
+        const std::string key = (pair.key.starts_with(L'*') ? "" : "*") + utf8FromWide(pair.key);
+        const auto text = cfCast<CFString>(ReadSetting(key));
         pair.value = text ? wideFromUtf8(utf8Text(text)).substr(0, accountValueSize - 1) : L"-1";
     }
 }

@@ -42,34 +42,6 @@ std::string_view sectionText(std::string_view xml, std::string_view section) {
     return xml.substr(open + openTag.size(), close - open - openTag.size());
 }
 
-// Which list of settings a template's key belongs to, by its prefix.
-enum class KeyKind { mixedMedia, padCover, slipSheet, coverPage, account, other };
-
-KeyKind keyKind(std::wstring_view key) {
-    for (const std::wstring_view prefix :
-         {L"RangeProp", L"RangeNum", L"Chapters", L"SubsetFinishing", L"MM_A"}) {
-        if (key.starts_with(prefix)) {
-            return KeyKind::mixedMedia;
-        }
-    }
-    if (key.starts_with(L"PadCover")) {
-        return KeyKind::padCover;
-    }
-    if (key.starts_with(L"SlipSheet_")) {
-        return KeyKind::slipSheet;
-    }
-    if (key.starts_with(L"CoverPage_")) {
-        return KeyKind::coverPage;
-    }
-    for (const std::wstring_view account :
-         {L"QVPCMID", L"QVPCName", L"QVCoverSizePCMID", L"QVCoverSizePCName"}) {
-        if (key.starts_with(account)) {
-            return KeyKind::account;
-        }
-    }
-    return KeyKind::other;
-}
-
 } // namespace
 
 bool PDEData::dmtHides(std::string_view keyword) { return TemplateSays(keyword, "Show", "value=\"False\""); }

@@ -7,6 +7,31 @@
 
 namespace torka {
 
+KeyKind keyKind(std::wstring_view key) {
+    for (const std::wstring_view prefix :
+         {L"RangeProp", L"RangeNum", L"Chapters", L"SubsetFinishing", L"MM_A"}) {
+        if (key.starts_with(prefix)) {
+            return KeyKind::mixedMedia;
+        }
+    }
+    if (key.starts_with(L"PadCover")) {
+        return KeyKind::padCover;
+    }
+    if (key.starts_with(L"SlipSheet_")) {
+        return KeyKind::slipSheet;
+    }
+    if (key.starts_with(L"CoverPage_")) {
+        return KeyKind::coverPage;
+    }
+    for (const std::wstring_view account :
+         {L"QVPCMID", L"QVPCName", L"QVCoverSizePCMID", L"QVCoverSizePCName"}) {
+        if (key.starts_with(account)) {
+            return KeyKind::account;
+        }
+    }
+    return KeyKind::other;
+}
+
 void SettingList::SetCount(std::int64_t newCount) {
     const auto most = static_cast<std::int64_t>(capacity);
     if (newCount > most) {

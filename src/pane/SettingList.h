@@ -6,9 +6,14 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace torka {
+
+// Where a setting without a control belongs, by the prefix of its key without asterisk.
+enum class KeyKind { mixedMedia, padCover, slipSheet, coverPage, account, other };
+KeyKind keyKind(std::wstring_view key);
 
 // An ordered list of settings with a fixed capacity. The count says how many slots are in use. A slot that
 // was never filled holds empty texts; one that falls out of use keeps its texts until it is filled again.

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace torka {
 
@@ -109,8 +110,47 @@ private:
     std::string mCustomPaperName;
     std::shared_ptr<SharedMemoryList> mSharedList; // shared with a launch under way
 
+    // What the module was handed at the last launch, as far as it had no room or came from elsewhere than the
+    // controls: what the module never saw it has neither changed nor removed.
+    struct HandedOver {
+        std::array<std::size_t, 4> sideListEntries; // of mixed media, pad covers, slip sheets, cover pages
+        std::size_t watermarks = 0;
+        std::string watermarkIndex;
+        std::string firstPageOnly;
+        std::string copies;
+    };
+    struct ServerPreset {
+        std::array<std::string, 3> notes;
+    };
+    class Returned;
+
+    void AddGroups();
+    void AddControls();
+    int utf8Level() const;
+    bool HasSystemPageSize() const; // a custom one, which the module is handed in the place of "*PageSize"
+    void ListControls(KeyValueList& list, bool twoWay);
+    void ListPageSize(KeyValueList& list);
+    void ListColourNotes(KeyValueList& list);
+    void ListWatermarkChoice(KeyValueList& list);
+    void ListSideLists(KeyValueList& list);
+    void ApplySideLists(const Returned& returned);
+    void ApplyWatermarkChoice(const Returned& returned);
+    bool ApplyAccount(std::string_view key, const std::string& value);
+    void ApplyCopies(const std::string& value);
+    bool ApplyToModel(const std::string& keyword, const std::vector<std::string>& values);
+
+    void ShowInvalidAddress();
+    bool WriteTwoWayState(bool twoWay, const CFStringRef& address);
+    void EnableLaunching(bool on);
+    void TakeAnswer();
+    bool LaunchAgainWithoutTwoWay();
+    std::string Text(std::string_view key, std::string_view english, std::string_view table) const;
+    ServerPreset CurrentServerPreset() const;
+
     PanelServices* panel;
     ZANPPD* model;
+    HandedOver handed;
+    ServerPreset presetAtLaunch;
 };
 
 // The panel that receives the module's return, and its record; null without one. Written by UI_Panel.

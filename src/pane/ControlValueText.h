@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/CoreFoundation.h"
+
+#include <string>
+#include <string_view>
+
+namespace torka {
+
+class PPDXControl;
+class PPDXJobNote;
+
+// A control's value as the text that the Job Properties module gets and gives back, in UTF-8 and the C locale
+// (docs/job-properties-module.md). A text that comes back as it went out changes nothing.
+
+// Of a popup the selected choice, of one that takes several all selected ones, joined by commas; "True" or
+// "False"; a whole number; a decimal number that reads back as the same float; a note's text; "WIDTH HEIGHT"
+// of a custom size, in points. "" for none.
+std::string controlValueText(PPDXControl& control);
+
+// Sets what a text says. False, with nothing changed, for a text that is no value of that kind of control: a
+// choice that is not offered (the colour popups take any, for the controller may add to them at any time), a
+// number that is none, a control that nobody may set. Numbers and sizes are held to their bounds, notes to
+// their length.
+bool setControlValueText(PPDXControl& control, const std::string& text);
+
+// A text as far as the note's declaration has room for it.
+CFStringRef cutToNote(const PPDXJobNote& note, const std::string& text);
+
+// Whether `cut` is what an exchange record's field leaves of a longer `whole`.
+bool isCutForRecord(std::string_view cut, std::string_view whole);
+
+} // namespace torka
