@@ -1,5 +1,6 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/Description.h"
+#include "apps/torka/QueueAddresses.h"
 #include "connection/ZANCorvianPrinterPList.h"
 #include "platform/System.h"
 
@@ -15,6 +16,7 @@ constexpr std::size_t mostInputBytes = 0x4000000;
 struct AddressOptions {
     std::string file;
     std::string ppd;
+    std::string queue;
     std::string name;
     std::string address;
     bool twoWay = false;
@@ -61,34 +63,51 @@ std::unique_ptr<PropertyListStore> storeOf(const AddressOptions& options) {
     return std::make_unique<FilePropertyListStore>(options.file);
 }
 
-// The list to work with. Null, with the reason told, when the file is there and holds none, or must be there
+// A list and where it goes back to.
+class OpenList {
+public:
+    explicit operator bool() const { return queue || list; }
+    ZANCorvianPrinterPList& operator*() const { return queue ? queue->List() : *list; }
+    ZANCorvianPrinterPList* operator->() const { return &**this; }
+
+    std::unique_ptr<QueueAddresses> queue;
+    std::unique_ptr<ZANCorvianPrinterPList> list;
+};
+
+// The list to work with. None, with the reason told, when the file is there and holds none, or must be there
 // and is not.
-std::unique_ptr<ZANCorvianPrinterPList> openList(const AddressOptions& options, bool mayBeAbsent) {
+OpenList openList(const AddressOptions& options, bool mayBeAbsent) {
+    if (!options.queue.empty()) {
+        return {QueueAddresses::Open(options.queue), nullptr};
+    }
     const std::string& path = options.ppd.empty() ? options.file : options.ppd;
     std::string content;
     const std::error_code failure = system().ReadFile(path, mostInputBytes, content);
     const bool isAbsent = failure == std::errc::no_such_file_or_directory;
     if (failure && !(isAbsent && mayBeAbsent)) {
         unusable(path + ": " + failure.message());
-        return nullptr;
+        return {};
     }
     auto list = std::make_unique<ZANCorvianPrinterPList>(storeOf(options));
     if (!list->Loaded() && !isAbsent) {
         unusable(path + (options.ppd.empty() ? ": not a property list that is an array"
                                              : ": no record QVDriverPreference that is an address list"));
-        return nullptr;
+        return {};
     }
-    return list;
+    return {nullptr, std::move(list)};
 }
 
-ExitStatus saveList(ZANCorvianPrinterPList& list, const std::string& path) {
-    if (list.Save()) {
+ExitStatus saveList(const OpenList& list, const std::string& path) {
+    if (list.queue) {
+        return list.queue->Save();
+    }
+    if (list->Save()) {
         return ExitStatus::good;
     }
     return unusable(path + ": " +
-                    (list.Error() == PropertyListFile::memFullErr
+                    (list->Error() == PropertyListFile::memFullErr
                          ? "the list holds a text that XML cannot hold"
-                         : std::generic_category().message(list.Error())));
+                         : std::generic_category().message(list->Error())));
 }
 
 ExitStatus listAddresses(const AddressOptions& options) {
@@ -120,7 +139,7 @@ ExitStatus setAddress(const AddressOptions& options) {
     const CFStringRef name = cfString(options.name);
     const bool twoWay = options.twoWay || (!options.noTwoWay && list->getIPEnabled(name));
     list->Add(name, cfString(options.address), twoWay);
-    return saveList(*list, options.file);
+    return saveList(list, options.file);
 }
 
 ExitStatus removeAddress(const AddressOptions& options) {
@@ -129,10 +148,17 @@ ExitStatus removeAddress(const AddressOptions& options) {
         return ExitStatus::unusable;
     }
     if (!list->RemoveEntry(cfString(options.name))) {
-        warn(options.file + ": no entry of \"" + options.name + "\"");
+        warn(options.file + options.queue + ": no entry of \"" + options.name + "\"");
         return ExitStatus::findings;
     }
-    return saveList(*list, options.file);
+    return saveList(list, options.file);
+}
+
+void addTarget(CLI::App& command, AddressOptions& options, const char* fileText) {
+    CLI::Option_group* target = command.add_option_group("target");
+    target->add_option("--file", options.file, fileText);
+    target->add_option("-d,--queue", options.queue, "Queue that keeps the list; its filter writes it");
+    target->require_option(1);
 }
 
 } // namespace
@@ -146,12 +172,13 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
     CLI::Option_group* source = list->add_option_group("source");
     source->add_option("--file", options->file, "Address list (XML property list)");
     source->add_option("--ppd", options->ppd, "Description of a queue that keeps the list in its record");
+    source->add_option("-d,--queue", options->queue, "Queue that keeps the list");
     source->require_option(1);
     list->add_flag("--json", options->json, "As JSON");
     list->callback([options, &status] { status = listAddresses(*options); });
 
     CLI::App* set = command->add_subcommand("set", "Add a printer's entry or change its address");
-    set->add_option("--file", options->file, "Address list, made when it is not there")->required();
+    addTarget(*set, *options, "Address list, made when it is not there");
     set->add_option("NAME", options->name, "Printer name; letter case does not matter")->required();
     set->add_option("ADDRESS", options->address, "Host name or IP address of the controller")->required();
     CLI::Option* on = set->add_flag("--two-way", options->twoWay, "Two-way communication on");
@@ -160,7 +187,7 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
     set->callback([options, &status] { status = setAddress(*options); });
 
     CLI::App* remove = command->add_subcommand("remove", "Remove a printer's entry");
-    remove->add_option("--file", options->file, "Address list (XML property list)")->required();
+    addTarget(*remove, *options, "Address list (XML property list)");
     remove->add_option("NAME", options->name, "Printer name; letter case does not matter")->required();
     remove->callback([options, &status] { status = removeAddress(*options); });
 }

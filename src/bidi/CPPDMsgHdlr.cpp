@@ -1,17 +1,57 @@
 #include "bidi/CPPDMsgHdlr.h"
 
+#include "bidi/BidiFilePaths.h"
 #include "bidi/RecordReader.h"
 #include "bidi/RecordWriter.h"
 #include "bidi/StandardStreams.h"
+#include "platform/System.h"
 
+#include <chrono>
 #include <cups/ppd.h>
 #include <memory>
+#include <optional>
+#include <sys/stat.h>
 #include <unordered_set>
 
 // The library marks its PPD calls as deprecated; there are no others for a PPD's attributes.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka {
+
+namespace {
+
+// The print server renames a PPD to "….ppd.O" before it writes the new one under the old name: for a moment
+// there is none, or half of one.
+constexpr int settlingLooks = 40;
+constexpr std::chrono::milliseconds settlingInterval{50};
+constexpr std::chrono::milliseconds settledAge{100};
+
+struct FileState {
+    ino_t file = 0;
+    off_t size = 0;
+    std::chrono::nanoseconds written{0}; // since 1970
+    bool operator==(const FileState&) const = default;
+};
+
+std::optional<FileState> stateOf(const std::string& path) {
+    struct stat facts {};
+    if (::stat(path.c_str(), &facts) != 0) {
+        return std::nullopt;
+    }
+    return FileState{facts.st_ino, facts.st_size,
+                     std::chrono::seconds(facts.st_mtim.tv_sec) +
+                         std::chrono::nanoseconds(facts.st_mtim.tv_nsec)};
+}
+
+bool isBeingReplaced(const std::string& path, const std::optional<FileState>& state) {
+    if (!stateOf(resolvedPPDPath(path) + ".O")) {
+        return false;
+    }
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return !state || (state->written <= now && now - state->written < settledAge);
+}
+
+} // namespace
 
 bool ppdxWriteData(std::string_view recordName, const void* data, std::size_t size) {
     PieceGatherer lines("PPD:", "\n", [](std::string_view line) { standardStreams().Error(line); });
@@ -91,9 +131,23 @@ void CPPDMsgHdlr::Discard() {
 
 RecordBlock CPPDMsgHdlr::Read(std::size_t& size) const {
     size = 0;
-    const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(
-        ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()), &ppdClose);
-    return ppdxReadData(ppd.get(), recordName, &size);
+    RecordBlock payload;
+    for (int look = 0; !ppdPath.empty() && look < settlingLooks; ++look) {
+        const std::optional<FileState> before = stateOf(ppdPath);
+        const bool isLast = look + 1 == settlingLooks || !hasSystem();
+        if (isLast || !isBeingReplaced(ppdPath, before)) {
+            const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(ppdOpenFile(ppdPath.c_str()),
+                                                                         &ppdClose);
+            payload = ppdxReadData(ppd.get(), recordName, &size);
+            if (isLast || stateOf(ppdPath) == before) {
+                break;
+            }
+        }
+        if (!system().Sleep(settlingInterval)) {
+            break;
+        }
+    }
+    return payload;
 }
 
 const std::wstring& CPPDMsgHdlr::GetStringData() {

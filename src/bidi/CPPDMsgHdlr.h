@@ -35,7 +35,7 @@ public:
     // Forgets what was read.
     void Discard();
     // Open the PPD and read the record from it; empty if it is absent or the PPD cannot be opened. The text
-    // stays until the next call.
+    // stays until the next call. A PPD that the print server is replacing is waited for, up to 2 seconds.
     const std::wstring& GetStringData();
     const std::string& GetCStringData();
 

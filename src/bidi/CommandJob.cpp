@@ -50,7 +50,7 @@ public:
     bool Look() {
         std::vector<SpoolerJob> jobs;
         const auto start = system().Now();
-        spooler().GetJobs(jobs);
+        const bool answered = spooler().GetJobs(jobs);
         logElapsed("cupsGetJobs", start);
         const SpoolerJob* job = Find(jobs);
         if (job && job->state == jobStateCompleted) {
@@ -62,9 +62,11 @@ public:
         const bool hopeless = job && (job->state == jobStateStopped || job->state == jobStateCanceled ||
                                       job->state == jobStateAborted ||
                                       (looks % queueCheckInterval == 0 && IsStopped(job->destination)));
+        // A queue that is deleted takes its jobs along.
+        const bool isDeleted = answered && !job && id != 0 && !HasQueue();
         looks += job ? 1 : 0;
         --triesLeft;
-        return hopeless;
+        return hopeless || isDeleted;
     }
     bool Completed() const { return completed; }
     const std::string& Destination() const { return destination; }
@@ -78,12 +80,19 @@ private:
         if (place == jobs.end()) {
             return nullptr;
         }
+        queue = place->destination;
         if (!known) {
             id = place->id;
             logLine("try=" + std::to_string(triesLeft) + " id=" + std::to_string(id) + ", c=" +
                     oneLine(place->title) + ", j=" + oneLine(title) + ", s=" + std::to_string(place->state));
         }
         return &*place;
+    }
+    // True as well when the spooler does not tell.
+    bool HasQueue() const {
+        std::vector<SpoolerDestination> destinations;
+        return !spooler().GetDestinations(destinations) ||
+               std::ranges::any_of(destinations, [this](const auto& entry) { return entry.name == queue; });
     }
     static bool IsStopped(const std::string& queue) {
         std::vector<SpoolerDestination> destinations;
@@ -94,8 +103,9 @@ private:
     }
 
     std::string_view title;
-    std::string destination;
-    int id = 0; // 0: not known yet
+    std::string queue;       // of the job, once it is known
+    std::string destination; // of the completed job
+    int id = 0;              // 0: not known yet
     int looks = 0;
     int triesLeft = tries;
     bool completed = false;

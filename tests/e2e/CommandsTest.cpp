@@ -1,19 +1,9 @@
-#include "bidi/BidiDataFile.h"
-#include "bidi/CPPDMsgHdlr.h"
-#include "bidi/CommandJob.h"
-#include "bidi/RecordText.h"
-#include "bidi/SpoolerCommands.h"
-#include "platform/TextEncoding.h"
-#include "platform/cups/CupsPrinting.h"
-#include "platform/cups/CupsQueue.h"
-#include "platform/cups/CupsSpooler.h"
-#include "platform/posix/PosixSystem.h"
-#include "tests/apps/Tool.h"
-#include "tests/e2e/Sandbox.h"
+#include "connection/ZANCorvianPrinterPList.h"
+#include "tests/e2e/ServerData.h"
 
 #include <chrono>
+#include <cstring>
 #include <cups/ppd.h>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -25,51 +15,6 @@
 namespace torka::tests {
 
 namespace {
-
-class ServerData : public SandboxTest {
-protected:
-    void SetUp() override {
-        SandboxTest::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        platform::PosixSystemOptions options;
-        options.rootFromEnvironment = true;
-        platform::setSystem(std::make_unique<platform::PosixSystem>(options));
-        platform::setSpooler(std::make_unique<CupsSpooler>());
-    }
-    void TearDown() override {
-        platform::setSpooler(nullptr);
-        platform::setSystem(nullptr);
-        SandboxTest::TearDown();
-    }
-
-    PMPrinter AddQueue(const std::string& name) {
-        const CommandResult result =
-            runTool({"queue", "add", name, "torkasink:/", samplePath("torka-production.ppd")});
-        EXPECT_EQ(result.status, 0) << result.errors;
-        ppdPath = *sandbox / ("etc/ppd/" + name + ".ppd");
-        EXPECT_TRUE(fillBidiFilePaths(ppdPath, paths));
-        return std::make_shared<CupsPrinter>(name);
-    }
-
-    // A record that a controller answers with; `kind` is "data" or "ppd".
-    void Give(const std::string& address, const std::string& kind, const std::string& name,
-              const std::string& text) const {
-        const std::filesystem::path folder = *sandbox / ("root/etc/torka/controllers/" + address) / kind;
-        std::filesystem::create_directories(folder);
-        std::ofstream(folder / name, std::ios::binary) << text;
-    }
-
-    std::string ppdPath;
-    BidiFilePaths paths;
-    BidiFailure failure;
-    ServerDataRequests requests;
-};
-
-std::string wideTextOf(const RecordBlock& block, std::size_t size) {
-    return utf8FromWide(wideFromPayload({block.get(), size}));
-}
 
 TEST_F(ServerData, ComesBackThroughTheDataFileAndTheDescription) {
     const PMPrinter printer = AddQueue("Served");
@@ -155,6 +100,36 @@ TEST_F(ServerData, ADescriptionWithTwoHundredRecordsIsStillOne) {
                                  commandTitle(SpoolerCommand::allBidi)),
               CommandOutcome::completed);
     EXPECT_EQ(std::filesystem::last_write_time(ppdPath), before);
+}
+
+TEST_F(ServerData, AnAddressListIsKeptByItsQueue) {
+    AddQueue("Listed");
+    EXPECT_EQ(runTool({"address", "list", "-d", "Listed"}).output, "");
+    const CommandResult set =
+        runTool({"address", "set", "-d", "Listed", "Listed", "b\u00fc.example", "--two-way"});
+    EXPECT_EQ(set.status, 0) << set.errors;
+    EXPECT_EQ(set.errors, "");
+    ASSERT_EQ(runTool({"address", "set", "-d", "Listed", "Other", "10.0.0.2"}).status, 0);
+    EXPECT_EQ(runTool({"address", "list", "--ppd", ppdPath}).output,
+              "Listed: b\u00fc.example, two-way\nOther: 10.0.0.2\n");
+    // As the pane opens and saves it.
+    ZANCorvianPrinterPList list(QueueAccess{std::make_shared<CupsSession>("Listed"), {}});
+    EXPECT_EQ(utf8Text(list.Find(cfString("listed"))), "b\u00fc.example");
+    std::vector<DataRow> rows(1);
+    std::strcpy(rows[0].data(), "*QVDuplex");
+    list.AddDataBlob(cfString("Listed"), 1, 0, rows);
+    EXPECT_TRUE(list.Save());
+    EXPECT_EQ(runTool({"address", "list", "-d", "Listed"}).output,
+              "Listed: b\u00fc.example, two-way\n  block 0:\n    *QVDuplex\nOther: 10.0.0.2\n");
+    EXPECT_EQ(runTool({"address", "remove", "-d", "Listed", "nobody"}).status, 1);
+    ASSERT_EQ(runTool({"address", "remove", "-d", "Listed", "LISTED"}).status, 0);
+    EXPECT_EQ(runTool({"address", "list", "-d", "Listed"}).output, "Other: 10.0.0.2\n");
+
+    ASSERT_EQ(runCommand({"cupsdisable", "Listed"}).status, 0);
+    const CommandResult stopped = runTool({"address", "set", "-d", "Listed", "Listed", "10.0.0.3"});
+    EXPECT_EQ(stopped.status, 2);
+    EXPECT_NE(stopped.errors.find("it is stopped"), std::string::npos) << stopped.errors;
+    EXPECT_EQ(runTool({"address", "list", "-d", "NoSuchQueue"}).status, 2);
 }
 
 TEST_F(ServerData, AWaitOutlivesARestartOfTheServer) {
