@@ -4,7 +4,6 @@
 #include "bidi/BidiFilePaths.h"
 #include "bidi/CPPDMsgHdlr.h"
 #include "bidi/RecordWriter.h"
-#include "platform/CoreFoundation.h"
 #include "platform/System.h"
 #include "spooler/filter/PrivateFolder.h"
 #include "spooler/filter/TicketStore.h"
@@ -26,6 +25,7 @@ constexpr std::string_view addressRecord = "QVInvalidPrinterAddress";
 constexpr std::string_view reportPrefix = "ConnectionErrorInfoFile";
 constexpr std::string_view reportSuffix = ".txt";
 constexpr unsigned everybodyReads = 0644;
+constexpr unsigned everybodyPasses = 0755;
 
 struct ClosePPD {
     void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
@@ -47,15 +47,6 @@ public:
 private:
     sigset_t before{};
 };
-
-std::error_code prepareTwoWayFolder() {
-    const std::filesystem::path folder = platform::system().Resolve(twoWayFolder);
-    std::error_code error;
-    if (std::filesystem::create_directories(folder, error)) {
-        std::filesystem::permissions(folder, std::filesystem::perms(0755), error);
-    }
-    return error;
-}
 
 // One line a chunk. False when a record was refused; the others are there.
 bool addDataRecord(std::string_view name, std::string_view payload, std::string& text) {
@@ -96,7 +87,7 @@ bool putRecords(const std::string& queue, std::vector<NamedPayload> records) {
 std::string writeAnswer(const std::string& queue, const std::string& requestIdentifier,
                         const ControllerAnswer& answer) {
     const std::string text = dataFileText(requestIdentifier, answer.dataRecords);
-    if (const std::error_code error = prepareTwoWayFolder()) {
+    if (const std::error_code error = makeFolder(platform::system().Resolve(twoWayFolder), everybodyPasses)) {
         return "the folder of two-way data cannot be used: " + error.message();
     }
     const TerminationLater termination;
@@ -147,10 +138,6 @@ bool isConnectionErrorFile(std::string_view name) {
     name.remove_prefix(reportPrefix.size());
     name.remove_suffix(reportSuffix.size());
     return isRequestIdentifier(name);
-}
-
-std::string hostOfUri(const std::string& uri) {
-    return utf8Text(CFURLCopyHostName(CFURLCreateWithString(cfString(uri))));
 }
 
 } // namespace torka::filter

@@ -28,7 +28,4 @@ bool putRecords(const std::string& queue, std::vector<NamedPayload> records);
 bool removeTwoWayFile(std::string_view queue, std::string_view name);
 bool isConnectionErrorFile(std::string_view name);
 
-// The host of a device's URI, "" when it has none.
-std::string hostOfUri(const std::string& uri);
-
 } // namespace torka::filter

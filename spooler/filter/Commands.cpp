@@ -7,6 +7,8 @@
 #include "spooler/TicketReader.h"
 #include "spooler/filter/Answer.h"
 #include "spooler/filter/FilterNotes.h"
+#include "spooler/filter/LiveSource.h"
+#include "spooler/filter/MailboxFile.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 
@@ -51,10 +53,11 @@ std::string keepLanguage(const Sender& sender, std::string_view text) {
 
 std::string keepMailbox(const Sender& sender, std::string_view text) {
     const std::string_view name = lastComponent(firstLine(text));
-    if (!isFileName(name)) {
-        return "the destination names no file";
+    if (!MailboxFile::IsName(name)) {
+        return "the destination names no mailbox";
     }
-    return FilterNotes::Set(sender, NoteKind::mailbox, name) ? "" : "the destination cannot be kept";
+    // Beside the others: a job that waits may have another.
+    return FilterNotes::Add(sender, NoteKind::mailbox, name) ? "" : "the destination cannot be kept";
 }
 
 std::string answerRequest(const FilterJob& job, const Sender& sender, std::string_view text,
@@ -64,7 +67,7 @@ std::string answerRequest(const FilterJob& job, const Sender& sender, std::strin
         return "the request cannot be understood";
     }
     if (request->printerAddress.empty()) {
-        request->printerAddress = hostOfUri(job.deviceUri);
+        request->printerAddress = addressOfDevice(job.deviceUri);
     }
     const std::string language = FilterNotes::Get(sender, NoteKind::language).value_or("");
     const ControllerAnswer answer = source.Ask(request->printerAddress, request->lines, language);

@@ -200,6 +200,17 @@ std::optional<std::string> FilterNotes::Get(const Sender& sender, NoteKind kind)
     return value;
 }
 
+bool FilterNotes::Has(const Sender& sender, NoteKind kind, std::string_view value) {
+    bool found = false;
+    withNotes([&](const std::vector<FilterNote>& notes) {
+        const auto isSame = isOf(sender, kind);
+        found = std::ranges::any_of(
+            notes, [&](const FilterNote& note) { return isSame(note) && note.value == value; });
+        return false;
+    });
+    return found;
+}
+
 bool FilterNotes::ForgetUpTo(const Sender& sender, NoteKind kind, std::string_view value) {
     bool found = false;
     withNotes([&](std::vector<FilterNote>& notes) {

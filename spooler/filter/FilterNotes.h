@@ -36,6 +36,7 @@ public:
     static std::optional<std::string> TakeFirst(const Sender& sender, NoteKind kind);
     // The last one.
     static std::optional<std::string> Get(const Sender& sender, NoteKind kind);
+    static bool Has(const Sender& sender, NoteKind kind, std::string_view value);
     // Takes out the entry of this value and those of its sender and kind before it; false when there is none.
     static bool ForgetUpTo(const Sender& sender, NoteKind kind, std::string_view value);
 };

@@ -1,13 +1,17 @@
 #include "spooler/filter/PrintJob.h"
 
 #include "output/BundleIdentifier.h"
+#include "output/InjectionSite.h"
 #include "spooler/ByteSink.h"
 #include "spooler/SpliceFile.h"
+#include "spooler/filter/MailboxFile.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -38,6 +42,38 @@ int passUnchanged(int source, int target) {
     }
 }
 
+int splice(int source, const Ticket& ticket, int target) {
+    const SpliceOutcome outcome = spliceDescriptor(source, ticket, target);
+    for (const std::string& warning : outcome.report.warnings) {
+        tellDebug("document: " + warning);
+    }
+    if (outcome.status != SpliceStatus::ok) {
+        tellError("The print settings could not be put into this job: " + outcome.errorText + ".");
+        return 1;
+    }
+    for (const UnplacedEntry& entry : outcome.report.unplaced) {
+        tellDebug("entry " + std::to_string(entry.entry) + " was not placed: " + entry.reason);
+    }
+    tellDebug("inserted " + std::to_string(outcome.report.bytesInserted) + " bytes of print settings");
+    return 0;
+}
+
+// Nothing goes to the device.
+int spliceIntoMailbox(const Sender& sender, int source, const Ticket& ticket, std::string_view path) {
+    std::string problem;
+    std::optional<MailboxFile> mailbox = MailboxFile::Create(sender, path, problem);
+    if (mailbox && splice(source, ticket, mailbox->Descriptor()) != 0) {
+        return 1;
+    }
+    if (mailbox) {
+        problem = mailbox->Commit();
+    }
+    if (!problem.empty()) {
+        tellError(problem);
+    }
+    return problem.empty() ? 0 : 1;
+}
+
 } // namespace
 
 int printJob(const FilterJob& job, int source, int target) {
@@ -62,19 +98,10 @@ int printJob(const FilterJob& job, int source, int target) {
     for (const TicketWarning& warning : result.ticket.warnings) {
         tellDebug(name + ": entry " + std::to_string(warning.entry) + ": " + warning.text);
     }
-    const SpliceOutcome outcome = spliceDescriptor(source, result.ticket, target);
-    for (const std::string& warning : outcome.report.warnings) {
-        tellDebug("document: " + warning);
-    }
-    if (outcome.status != SpliceStatus::ok) {
-        tellError("The print settings could not be put into this job: " + outcome.errorText + ".");
-        return 1;
-    }
-    for (const UnplacedEntry& entry : outcome.report.unplaced) {
-        tellDebug("entry " + std::to_string(entry.entry) + " was not placed: " + entry.reason);
-    }
-    tellDebug("inserted " + std::to_string(outcome.report.bytesInserted) + " bytes of print settings");
-    return 0;
+    const auto& entries = result.ticket.entries;
+    const auto mailbox = std::ranges::find(entries, siteFileDestination, &TicketEntry::site);
+    return mailbox == entries.end() ? splice(source, result.ticket, target)
+                                    : spliceIntoMailbox(sender, source, result.ticket, mailbox->bytes);
 }
 
 } // namespace torka::filter

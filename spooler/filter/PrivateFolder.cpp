@@ -40,6 +40,27 @@ OpenFile openFolder(std::error_code& error) {
 
 } // namespace
 
+std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode) {
+    constexpr unsigned parentMode = 0755;
+    if (::mkdir(folder.c_str(), mode) != 0) {
+        const std::error_code error = lastError();
+        if (error == std::errc::file_exists) {
+            return {};
+        }
+        if (error != std::errc::no_such_file_or_directory || folder.parent_path() == folder) {
+            return error;
+        }
+        if (const std::error_code failure = makeFolder(folder.parent_path(), parentMode)) {
+            return failure;
+        }
+        if (::mkdir(folder.c_str(), mode) != 0 && errno != EEXIST) {
+            return lastError();
+        }
+    }
+    ::chmod(folder.c_str(), mode); // whatever the umask took away
+    return {};
+}
+
 OpenFile::~OpenFile() {
     if (descriptor >= 0) {
         ::close(descriptor);
@@ -47,15 +68,11 @@ OpenFile::~OpenFile() {
 }
 
 std::error_code PrivateFolder::Prepare() {
-    constexpr mode_t mode = 0711;
-    std::error_code error;
-    const std::filesystem::path folder = place().parent_path(); // without the last "/"
-    std::filesystem::create_directories(folder.parent_path(), error);
-    if (::mkdir(folder.c_str(), mode) == 0) {
-        ::chmod(folder.c_str(), mode); // whatever the umask took away
+    constexpr unsigned mode = 0711;
+    std::error_code error = makeFolder(place().parent_path(), mode); // without the last "/"
+    if (!error) {
+        openFolder(error);
     }
-    error.clear();
-    openFolder(error);
     return error;
 }
 

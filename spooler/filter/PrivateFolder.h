@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@
 // opened.
 
 namespace torka::filter {
+
+// Makes a folder that is missing, with its parents, which everybody may pass.
+std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode);
 
 // An open file; closed with its owner.
 class OpenFile {

@@ -1,6 +1,8 @@
 #include "platform/System.h"
+#include "platform/posix/PosixNetServices.h"
 #include "platform/posix/PosixSystem.h"
 #include "spooler/filter/Commands.h"
+#include "spooler/filter/LiveSource.h"
 #include "spooler/filter/PrintJob.h"
 #include "spooler/filter/PrivateFolder.h"
 #include "spooler/filter/ServerMessages.h"
@@ -9,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -38,7 +41,10 @@ int runCommandJob(const FilterJob& job, int source) {
         }
         text.append(block.data(), count < 0 ? 0 : static_cast<std::size_t>(count));
     }
-    filter::FolderSource controllers(platform::system().Resolve(filter::controllersFolder));
+    filter::FolderSource stored(platform::system().Resolve(filter::controllersFolder));
+    const char* ppd = std::getenv("PPD");
+    filter::LiveSource controllers(stored, job.deviceUri, ppd == nullptr ? "" : ppd,
+                                   filter::liveAsking(job.queue, job.deviceUri));
     return filter::runCommand(job, text, controllers);
 }
 
@@ -56,6 +62,7 @@ int main(int argc, char** argv) {
     options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;
     options.root = TORKA_SYSTEM_ROOT_DEFAULT;
     platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+    platform::setNetServices(std::make_unique<platform::PosixNetServices>());
 
     const filter::OpenFile file(job->file.empty() ? -1 : ::open(job->file.c_str(), O_RDONLY | O_CLOEXEC));
     if (!job->file.empty() && !file) {

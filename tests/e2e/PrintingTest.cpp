@@ -186,6 +186,43 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
     EXPECT_EQ(runTool({"queue", "add", "a b", "torkasink:/", samplePath("torka-production.ppd")}).status, 2);
 }
 
+TEST_F(Printing, AFileDestinationGoesIntoItsMailboxAndNowhereElse) {
+    AddQueue("Mailboxes");
+    const auto printInto = [](const std::string& mailbox) {
+        return runTool({"print", "-d", "Mailboxes", samplePath("brochure.ps"), "PageSize=A5",
+                        "Notes1=to " + mailbox, "QVDestination=File", "QVMailboxName=" + mailbox});
+    };
+    const std::filesystem::path folder = *sandbox / "root/Library/Caches/ZAN";
+    const CommandResult first = printInto("Team-7");
+    ASSERT_EQ(first.status, 0) << first.errors;
+    EXPECT_EQ(sandbox->Printed(jobNumber(first)), "") << "nothing reaches the device";
+    const std::string kept = readFile(folder / "Team-7");
+    EXPECT_NE(kept.find("%%ZANCustom1: to Team-7"), std::string::npos);
+    EXPECT_NE(kept.find("%%EOF"), std::string::npos);
+    EXPECT_EQ(std::filesystem::status(folder / "Team-7").permissions(), std::filesystem::perms(0600));
+    // Its user may have it written anew, nobody else.
+    ASSERT_EQ(printInto("Team-7").status, 0);
+    std::ofstream(folder / "Team-7.owner") << "mallory";
+    const CommandResult foreign = printInto("Team-7");
+    EXPECT_EQ(foreign.status, 1);
+    EXPECT_NE(foreign.errors.find("belongs to somebody else"), std::string::npos) << foreign.errors;
+    EXPECT_TRUE(readFile(folder / "Team-7") == kept);
+    // Names that something else goes by, and a ticket that no command named a mailbox for.
+    const std::string notes = readFile(folder / "TorkaFilterNotes");
+    EXPECT_EQ(printInto("TorkaFilterNotes").status, 1);
+    EXPECT_TRUE(readFile(folder / "TorkaFilterNotes").starts_with(notes.substr(0, 20)));
+    const std::string path = "/Library/Caches/ZAN/Torka.temp6D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+    SendCommand("Mailboxes", SpoolerCommand::psTempFileName, path);
+    SendCommand("Mailboxes", SpoolerCommand::writePSTemp,
+                "<plist><array><integer>900</integer><data>TGlicmFyeS9DYWNoZXMvWkFOL1VubmFtZWQ=</data>"
+                "</array></plist>");
+    int job = 0;
+    const JobStatus status = PrintWithTicket("Mailboxes", path, job);
+    EXPECT_EQ(status.state, 6);
+    EXPECT_NE(status.message.find("was not named ahead"), std::string::npos) << status.message;
+    EXPECT_FALSE(std::filesystem::exists(folder / "Unnamed"));
+}
+
 // The running filter of the sandbox's server, 0 for none.
 int filterProcess(const Sandbox& sandbox) {
     std::istringstream lines(runCommand({"ps", "-e", "-o", "pid=,ppid=,comm="}).output);

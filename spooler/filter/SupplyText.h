@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string_view>
+
+// One value of an IPP printer's "printer-supply" or "printer-input-tray" (PWG 5100.13): pairs "key=value;" in
+// any order. Outside data: what is no pair is passed over, the first pair of a key counts.
+
+namespace torka::filter {
+
+// What these numbers are when the printer does not tell (RFC 3805).
+inline constexpr int supplyUnknown = -2;
+
+class SupplyText {
+public:
+    // Keeps a view of the text.
+    explicit SupplyText(std::string_view value)
+        : text(value.substr(0, longest)) {}
+
+    // "" for a key that is not there. Letter case of keys counts.
+    std::string_view Text(std::string_view key) const;
+    // A decimal number that fits, else supplyUnknown.
+    int Number(std::string_view key) const;
+
+private:
+    static constexpr std::size_t longest = 2048; // bytes; IPP's octet strings are half as long
+
+    std::string_view text;
+};
+
+} // namespace torka::filter

@@ -1,0 +1,112 @@
+#include "spooler/filter/LiveRecords.h"
+#include "bidi/RecordEncoding.h"
+#include "platform/TextEncoding.h"
+#include "spooler/filter/LiveSource.h"
+#include "spooler/filter/SupplyText.h"
+#include "tests/filter/FilterHarness.h"
+
+#include <gtest/gtest.h>
+
+// What printers tell, as records: values out of range, lists that disagree, texts that could be more than a
+// field.
+
+namespace torka::tests {
+
+namespace {
+
+using namespace filter;
+
+std::string recordOf(const std::vector<ControllerRecord>& records, const std::string& name) {
+    for (const ControllerRecord& record : records) {
+        if (record.name == name) {
+            return utf8FromWide(wideFromPayload(record.payload));
+        }
+    }
+    return "absent";
+}
+
+const QueueChoices choices{{{"Tray1", "Tray 1"}, {"LCT", "Large Capacity"}},
+                           {{"Plain", "Plain"}, {"Letterhead", "Letterhead Paper"}},
+                           {{{"A4", "A4"}, 595, 842}}};
+
+TEST(SupplyText, TakesItsPairsApart) {
+    const SupplyText text(
+        "name=Tray 1;xname=no;level=12;max=;low=+5;high=99999999999;odd;=;level=13;hex=0x10; pad=1");
+    EXPECT_EQ(text.Text("name"), "Tray 1");
+    EXPECT_EQ(text.Number("level"), 12) << "the first counts";
+    EXPECT_EQ(text.Text("pad"), "") << "a blank belongs to the key";
+    EXPECT_EQ(text.Text("odd"), "");
+    for (const char* key : {"max", "low", "high", "hex", "none", ""}) {
+        EXPECT_EQ(text.Number(key), supplyUnknown) << key;
+    }
+    EXPECT_EQ(SupplyText("").Text("name"), "");
+    EXPECT_EQ(SupplyText(std::string(100'000, ';') + "level=1;").Number("level"), supplyUnknown)
+        << "too long";
+}
+
+TEST(LiveRecords, SuppliesOfEveryKind) {
+    struct Case {
+        const char* supply;
+        const char* line;
+    };
+    for (const Case& entry : std::vector<Case>{
+             {"type=toner;maxcapacity=400;level=100;colorantname=magenta;", "magenta@25@-1@#ff00ff@-1@-1@1"},
+             {"type=inkCartridge;unit=percent;level=7;", "inkCartridge@7@-1@NULL@-1@-1@2"},
+             {"type=toner;level=7;maxcapacity=-2;", "toner@-1@-1@NULL@-1@-1@1"},
+             {"type=toner;level=-3;maxcapacity=100;", "toner@-3@-1@NULL@-1@-1@1"},
+             {"type=fuser;unit=impressions;level=-1;maxcapacity=-1;", "fuser@-2@-1@NULL@-1@-2@0"},
+             {"type=toner;level=2147483647;maxcapacity=1;", "toner@100@-1@NULL@-1@-1@1"},
+             {"class=receptacleThatIsFilled;type=other;maxcapacity=8;level=2;", "other@75@-1@NULL@-1@-1@3"},
+             {"", "@-1@-1@NULL@-1@-1@0"},
+         }) {
+        PrinterFacts facts;
+        facts.supplies = {entry.supply};
+        EXPECT_EQ(recordOf(liveRecords(facts, {}, choices), "TonerInfo"),
+                  std::string("1\n") + entry.line + "\n");
+    }
+}
+
+TEST(LiveRecords, ListsThatDisagreeAndTextsThatAreMoreThanFields) {
+    PrinterFacts queue;
+    queue.markerNames = {"a@b\nc", "\xFF\xED\xA0\x80", std::string(5000, 'x'), "last"};
+    queue.markerLevels = {101, -7};
+    queue.markerColors = {"none", "#123456@\n", "red"};
+    queue.markerTypes = {"wasteInk"};
+    const std::string toner = recordOf(liveRecords({}, queue, {}), "TonerInfo");
+    EXPECT_TRUE(toner.starts_with("4\na b c@100@-1@NULL@-1@-1@3\n")) << toner;
+    EXPECT_NE(toner.find("@-1@-1@#123456  @-1@-1@0\n"), std::string::npos) << toner;
+    EXPECT_NE(toner.find("\n" + std::string(255, 'x') + "@"), std::string::npos);
+    queue.markerNames.assign(100'000, "x");
+    EXPECT_TRUE(recordOf(liveRecords({}, queue, {}), "TonerInfo").starts_with("1000\n"));
+    EXPECT_EQ(recordOf(liveRecords({}, {}, choices), "TrayInfo"), "absent")
+        << "a description alone is nothing live";
+}
+
+TEST(LiveRecords, TraysByWhatIsLoaded) {
+    PrinterFacts device;
+    device.mediaReady = {{"tray-1", "stationery-letterhead", "white", 21000, 29700},
+                         {"lct", "continuous-roll", "", 1, 2147483647},
+                         {"", "stationery", "", 0, 0}};
+    EXPECT_EQ(recordOf(liveRecords(device, {}, choices), "TrayInfo"),
+              "2\nTray 1@Tray1@Letterhead Paper@A4@Letterhead@White@-1@-1\n"
+              "Large Capacity@LCT@Continuous roll@EMPTY@EMPTY@EMPTY@-1@-1\n");
+    device.inputTrays = {"name=Tray 1;level=-1;maxcapacity=-1;", "level=5;maxcapacity=-2"};
+    EXPECT_EQ(recordOf(liveRecords(device, {}, choices), "TrayInfo"),
+              "2\nTray 1@Tray1@Letterhead Paper@A4@Letterhead@White@-1@-2\n"
+              "EMPTY@EMPTY@EMPTY@EMPTY@EMPTY@EMPTY@5@-1\n");
+}
+
+TEST(LiveSource, ADevicesAddressIsItsHostOrItsServicesName) {
+    for (const auto& [uri, address] : std::vector<std::pair<const char*, const char*>>{
+             {"ipp://printer.example:631/ipp", "printer.example"},
+             {"dnssd://Office%20Printer._ipp._tcp.local./?uuid=1", "Office Printer"},
+             {"mdns://A._printer._tcp.local.", "A"},
+             {"usb:/dev/usb/lp0", ""},
+             {"", ""}}) {
+        EXPECT_EQ(addressOfDevice(uri), address) << uri;
+    }
+}
+
+} // namespace
+
+} // namespace torka::tests
