@@ -1,0 +1,276 @@
+#include "apps/torka/Command.h"
+#include "apps/torka/Description.h"
+#include "apps/torka/TextTable.h"
+#include "bidi/CFileHdlr.h"
+#include "bidi/JobPropertiesModule.h"
+#include "bidi/RecordText.h"
+#include "bidi/ServerRecords.h"
+#include "platform/System.h"
+#include "platform/TextEncoding.h"
+
+#include <array>
+#include <list>
+#include <memory>
+
+namespace torka::tool {
+
+namespace {
+
+struct ServerDataOptions {
+    std::string path;
+    bool json = false;
+};
+
+std::string utf8(std::wstring_view text) { return platform::utf8FromWide(text); }
+
+// How a count or percentage is shown; the values below 0 are those of RFC 3805.
+std::string amount(std::int32_t value, const char* unit) {
+    switch (value) {
+    case -1:
+        return "unknown";
+    case -2:
+        return "unlimited";
+    case -3:
+        return "some";
+    default:
+        return std::to_string(value) + unit;
+    }
+}
+
+std::string tonerState(const TonerView& toner) {
+    if (toner.level < 0) {
+        return "";
+    }
+    if (toner.kind == SDM_SUPPLY_WASTE) {
+        return toner.level >= toner.highLevel ? "full" : "";
+    }
+    return toner.level <= toner.lowLevel ? "low" : "";
+}
+
+std::string tonerKind(std::int32_t kind) {
+    switch (kind) {
+    case SDM_SUPPLY_TONER:
+        return "toner";
+    case SDM_SUPPLY_INK:
+        return "ink";
+    case SDM_SUPPLY_WASTE:
+        return "waste";
+    default:
+        return "other";
+    }
+}
+
+// The records of a file, read one by one; remembers whether one was broken.
+class ServerDataFile {
+public:
+    ServerDataFile(const std::string& filePath, std::string_view content)
+        : path(filePath)
+        , records(content) {}
+
+    bool HasRecords() const { return !records.Names().empty(); }
+    bool HasBroken() const { return broken; }
+
+    // Reads a record with one of the readers of ServerRecords. False when there is none, which `isAbsent`
+    // says, or when it is broken, which is told on standard error.
+    template <typename Value>
+    bool Read(const char* name, bool (*read)(std::wstring_view, Value&, RecordFault&), Value& value) {
+        std::size_t size = 0;
+        const RecordBlock payload = records.Read(name, &size);
+        isAbsent = payload == nullptr;
+        if (isAbsent) {
+            return false;
+        }
+        RecordFault fault{1, "its size is no whole number of characters"};
+        texts.push_back(wideFromPayload({payload.get(), size}));
+        if (size % sizeof(wchar_t) == 0 && read(texts.back(), value, fault)) {
+            return true;
+        }
+        broken = true;
+        warn(path + ": record " + name + " is broken, line " + std::to_string(fault.line) + ": " +
+             std::string(fault.reason));
+        return false;
+    }
+    // What is shown in the place of a record that could not be read.
+    std::string Absence(const char* name) const {
+        return std::string("  ") + (isAbsent ? "no record " : "broken record ") + name + "\n";
+    }
+
+private:
+    std::string path;
+    RecordText records;
+    std::list<std::wstring> texts; // what the values look at
+    bool isAbsent = false;
+    bool broken = false;
+};
+
+std::string trayTable(const std::vector<TrayView>& trays) {
+    TextTable table({"Tray", "Key", "Media", "Size", "Type", "Color", "Sheets", "Capacity"});
+    table.AlignRight(6);
+    table.AlignRight(7);
+    for (const TrayView& tray : trays) {
+        std::vector<std::string> cells;
+        for (const auto& text : tray.texts) {
+            cells.push_back(text ? utf8(*text) : "-");
+        }
+        cells.push_back(amount(tray.level, ""));
+        cells.push_back(amount(tray.capacity, ""));
+        table.Add(std::move(cells));
+    }
+    return table.Text();
+}
+
+std::string tonerTable(const std::vector<TonerView>& toners) {
+    TextTable table({"Supply", "Kind", "Color", "Level", "State", "Low at", "Full at", "Pages"});
+    for (const std::size_t column : {3U, 5U, 6U, 7U}) {
+        table.AlignRight(column);
+    }
+    for (const TonerView& toner : toners) {
+        table.Add({utf8(toner.name), tonerKind(toner.kind), toner.color ? utf8(*toner.color) : "-",
+                   amount(toner.level, " %"), tonerState(toner), amount(toner.lowLevel, " %"),
+                   amount(toner.highLevel, " %"), amount(toner.capacity, "")});
+    }
+    return table.Text();
+}
+
+std::string pairTable(const char* keyHeading, const std::vector<KeyValueView>& pairs) {
+    TextTable table({keyHeading, "Value"});
+    for (const auto& [key, value] : pairs) {
+        table.Add({utf8(key), utf8(value)});
+    }
+    return table.Text();
+}
+
+std::string presetTable(const PresetView& preset) {
+    TextTable table({"Set", "Setting", "Value"});
+    constexpr std::array<const char*, presetSets.size()> names = {"job", "tessel", "preset"};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        for (const auto& [key, value] : preset.sets[i]) {
+            table.Add({names[i], utf8(key), utf8(value)});
+        }
+    }
+    return table.Text();
+}
+
+void printTables(ServerDataFile& file) {
+    std::vector<TrayView> trays;
+    const bool hasTrays = file.Read("TrayInfo", readTrays, trays);
+    print("Trays\n" + (hasTrays ? trayTable(trays) : file.Absence("TrayInfo")));
+
+    std::vector<TonerView> toners;
+    const bool hasToners = file.Read("TonerInfo", readToners, toners);
+    print("\nToner\n" + (hasToners ? tonerTable(toners) : file.Absence("TonerInfo")));
+
+    std::vector<std::wstring_view> names;
+    const bool hasNames = file.Read("PresetsList", readPresetNames, names);
+    std::string list;
+    for (const std::wstring_view name : names) {
+        list += "  " + printable(utf8(name)) + "\n";
+    }
+    print("\nPresets\n" + (!hasNames ? file.Absence("PresetsList") : (list.empty() ? "  none\n" : list)));
+
+    std::vector<PresetView> presets;
+    if (!file.Read("PresetsData", readPresets, presets)) {
+        print("\nPreset settings\n" + file.Absence("PresetsData"));
+    }
+    for (const PresetView& preset : presets) {
+        print("\nPreset " + printable(utf8(preset.name)) + "\n" + presetTable(preset));
+    }
+
+    std::vector<KeyValueView> information;
+    const bool hasInformation = file.Read("ServerInfo", readServerInfo, information);
+    print("\nServer\n" + (hasInformation ? pairTable("Item", information) : file.Absence("ServerInfo")));
+}
+
+Json textJson(const std::optional<std::wstring_view>& text) { return text ? Json(utf8(*text)) : Json(); }
+
+Json pairsJson(const std::vector<KeyValueView>& pairs) {
+    Json json = Json::array();
+    for (const auto& [key, value] : pairs) {
+        json.push_back({{"key", utf8(key)}, {"value", utf8(value)}});
+    }
+    return json;
+}
+
+Json trayJson(const TrayView& tray) {
+    Json json;
+    constexpr std::array<const char*, 6> names = {"name",      "key",       "mediaName",
+                                                  "mediaSize", "mediaType", "mediaColor"};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        json[names[i]] = textJson(tray.texts[i]);
+    }
+    json["level"] = tray.level;
+    json["capacity"] = tray.capacity;
+    return json;
+}
+
+Json tonerJson(const TonerView& toner) {
+    return {{"name", utf8(toner.name)},       {"level", toner.level},         {"lowLevel", toner.lowLevel},
+            {"color", textJson(toner.color)}, {"highLevel", toner.highLevel}, {"capacity", toner.capacity},
+            {"kind", tonerKind(toner.kind)}};
+}
+
+Json nameJson(const std::wstring_view& name) { return utf8(name); }
+
+Json presetJson(const PresetView& preset) {
+    return {{"name", utf8(preset.name)},
+            {"jobValues", pairsJson(preset.sets[0])},
+            {"tesselValues", pairsJson(preset.sets[1])},
+            {"presetValues", pairsJson(preset.sets[2])}};
+}
+
+// The record's entries, null when it could not be read.
+template <typename Entry>
+Json entriesJson(ServerDataFile& file, const char* name,
+                 bool (*read)(std::wstring_view, std::vector<Entry>&, RecordFault&),
+                 Json (*toJson)(const Entry&)) {
+    std::vector<Entry> entries;
+    if (!file.Read(name, read, entries)) {
+        return {};
+    }
+    Json json = Json::array();
+    for (const Entry& entry : entries) {
+        json.push_back(toJson(entry));
+    }
+    return json;
+}
+
+void printJson(ServerDataFile& file) {
+    Json json;
+    json["trays"] = entriesJson<TrayView>(file, "TrayInfo", readTrays, trayJson);
+    json["toner"] = entriesJson<TonerView>(file, "TonerInfo", readToners, tonerJson);
+    json["presetNames"] = entriesJson<std::wstring_view>(file, "PresetsList", readPresetNames, nameJson);
+    json["presets"] = entriesJson<PresetView>(file, "PresetsData", readPresets, presetJson);
+    std::vector<KeyValueView> information;
+    json["server"] = file.Read("ServerInfo", readServerInfo, information) ? pairsJson(information) : Json();
+    print(jsonDocument(json));
+}
+
+ExitStatus showServerData(const ServerDataOptions& options) {
+    std::string content;
+    if (const std::error_code error = platform::system().ReadFile(options.path, maximumDataFile, content)) {
+        return unusable(options.path + ": cannot be read: " + error.message());
+    }
+    ServerDataFile file(options.path, content);
+    if (!file.HasRecords()) {
+        return unusable(options.path + ": holds no records; a two-way data file is expected");
+    }
+    if (options.json) {
+        printJson(file);
+    } else {
+        printTables(file);
+    }
+    return file.HasBroken() ? ExitStatus::unusable : ExitStatus::good;
+}
+
+} // namespace
+
+void addServerDataCommand(CLI::App& app, ExitStatus& status) {
+    CLI::App* command =
+        app.add_subcommand("serverdata", "Trays, toner, presets and server of a two-way data file");
+    const auto options = std::make_shared<ServerDataOptions>();
+    command->add_option("FILE", options->path, "Two-way data file")->required();
+    command->add_flag("--json", options->json, "As JSON");
+    command->callback([options, &status] { status = showServerData(*options); });
+}
+
+} // namespace torka::tool
