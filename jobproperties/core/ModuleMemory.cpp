@@ -1,0 +1,83 @@
+#include "jobproperties/core/ModuleMemory.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace torka::jobproperties {
+
+namespace {
+
+// Takes blocks while a list is built; frees them unless the list is finished.
+class Blocks {
+public:
+    Blocks() = default;
+    Blocks(const Blocks&) = delete;
+    Blocks& operator=(const Blocks&) = delete;
+    ~Blocks() { std::for_each(taken.begin(), taken.end(), freeBlock); }
+
+    // A zeroed array of `count` elements; null for none, and when memory ran out, which HasFailed() then
+    // tells.
+    template <typename Element>
+    Element* Array(std::size_t count) {
+        if (count == 0)
+            return nullptr;
+        taken.reserve(taken.size() + 1);
+        void* block = allocateBlock(count * sizeof(Element));
+        if (block == nullptr) {
+            failed = true;
+            return nullptr;
+        }
+        taken.push_back(block);
+        std::memset(block, 0, count * sizeof(Element));
+        return static_cast<Element*>(block);
+    }
+    wchar_t* Text(const std::wstring& text) {
+        wchar_t* block = Array<wchar_t>(text.size() + 1);
+        if (block != nullptr)
+            std::copy(text.begin(), text.end(), block);
+        return block;
+    }
+    bool HasFailed() const { return failed; }
+    void Release() { taken.clear(); }
+
+private:
+    std::vector<void*> taken;
+    bool failed = false;
+};
+
+} // namespace
+
+void* allocateBlock(std::size_t bytes) { return std::malloc(std::max<std::size_t>(bytes, 1)); }
+
+void freeBlock(void* block) { std::free(block); }
+
+SDMKeyValueList* newSettingList(const std::vector<WideEntry>& entries) {
+    Blocks blocks;
+    auto* list = blocks.Array<SDMKeyValueList>(1);
+    auto* items = blocks.Array<SDMKeyValue>(entries.size());
+    for (std::size_t i = 0; i < entries.size() && !blocks.HasFailed(); ++i) {
+        items[i].szKey = entries[i].key ? blocks.Text(*entries[i].key) : nullptr;
+        items[i].szValue = entries[i].value ? blocks.Text(*entries[i].value) : nullptr;
+    }
+    if (blocks.HasFailed())
+        return nullptr;
+    *list = {entries.size(), items};
+    blocks.Release();
+    return list;
+}
+
+JPWatermarkList* newWatermarkList(const std::vector<std::wstring>& definitions) {
+    Blocks blocks;
+    auto* list = blocks.Array<JPWatermarkList>(1);
+    auto** texts = blocks.Array<wchar_t*>(definitions.size());
+    for (std::size_t i = 0; i < definitions.size() && !blocks.HasFailed(); ++i)
+        texts[i] = blocks.Text(definitions[i]);
+    if (blocks.HasFailed())
+        return nullptr;
+    *list = {definitions.size(), texts};
+    blocks.Release();
+    return list;
+}
+
+} // namespace torka::jobproperties

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "bidi/JobPropertiesModule.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// The print server as the module sees it: what the pane's callbacks answer, taken over into values of the
+// module's own.
+
+namespace torka::jobproperties {
+
+// What is longer than this is a damaged count, not a list.
+inline constexpr std::size_t maximumListLength = 100000;
+
+struct KeyValue {
+    std::string key; // UTF-8
+    std::string value;
+
+    bool operator==(const KeyValue&) const = default;
+};
+using KeyValues = std::vector<KeyValue>;
+
+// Texts are UTF-8, empty where the server does not know them; numbers as the interface gives them (-1
+// unknown, -2 unlimited, -3 some).
+struct Tray {
+    std::string name, key, mediaName, mediaSize, mediaType, mediaColor;
+    std::int32_t level = -1; // sheets
+    std::int32_t capacity = -1;
+
+    bool operator==(const Tray&) const = default;
+};
+
+struct Toner {
+    std::string name;
+    std::int32_t level = -1; // percent, of a waste box what is taken
+    std::int32_t lowLevel = -1;
+    std::string color; // "#rrggbb", several one after the other
+    std::int32_t highLevel = -1;
+    std::int32_t capacity = -1;
+    std::int32_t kind = SDM_SUPPLY_OTHER;
+
+    bool operator==(const Toner&) const = default;
+};
+
+struct Preset {
+    KeyValues jobValues, tesselValues, presetValues;
+};
+
+// `value` is filled only when the callback is there and succeeded.
+template <typename Value>
+struct Answer {
+    bool offered = false;
+    SDMRESULT result = SDM_NOT_AVAILABLE;
+    Value value{};
+
+    explicit operator bool() const { return offered && result == SDM_SUCCESS; }
+};
+
+// Copies a list that was handed over. False, with nothing taken, when there is no list or its count cannot be
+// true; an entry without a key is passed over.
+bool readList(const SDMKeyValueList* list, KeyValues& values);
+
+// Asks through the callback table, on the thread that made it. Every block that a callback returned goes back
+// by the table's free callback, whatever was in it.
+class Server {
+public:
+    // Copies the table. `handle` goes to each callback.
+    Server(const SDMCallbackSlot* table, SDMHANDLE handle);
+
+    bool IsTwoWay() const;
+
+    Answer<std::string> Data() const; // XML text
+    Answer<std::vector<Tray>> Trays() const;
+    Answer<std::vector<Toner>> Toners() const;
+    Answer<std::vector<std::string>> PresetNames() const;
+    Answer<Preset> PresetByName(const std::string& name) const;
+    Answer<KeyValues> Information() const;
+    Answer<KeyValues> Features() const;
+    Answer<KeyValues> Help() const; // setting and help text
+    Answer<KeyValues> Defaults() const;
+    Answer<KeyValues> LockedKeys() const;
+    Answer<std::string> Version(enumVersionInfo kind) const;
+
+private:
+    template <typename Proc>
+    Proc Slot(int slot) const {
+        return reinterpret_cast<Proc>(slots[static_cast<std::size_t>(slot)].function);
+    }
+    Answer<KeyValues> List(int slot) const;
+    std::string TakeText(wchar_t* text) const;
+    KeyValues TakeList(SDMKeyValueList* list) const;
+    void Free(void* block) const;
+
+    std::array<SDMCallbackSlot, SDM_CALLBACK_SLOTS> slots{};
+    SDMHANDLE handle;
+};
+
+// The value of an attribute (`name="value"`) in an XML text, its entities resolved; empty when there is none.
+std::string attributeOf(const std::string& xml, const std::string& name);
+
+} // namespace torka::jobproperties

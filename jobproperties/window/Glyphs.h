@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QColor>
+#include <QRectF>
+
+class QPainter;
+
+namespace torka::jobproperties {
+
+enum class Glyph { Lock, Undo, Warning };
+
+// Draws the sign into the square, in one colour, sharp at every scale.
+void paintGlyph(QPainter& painter, Glyph glyph, const QRectF& square, const QColor& color);
+
+// A sign of the font's height that can be tabbed to; in the colour of the palette's text.
+class GlyphButton : public QAbstractButton {
+    Q_OBJECT
+public:
+    explicit GlyphButton(Glyph glyph, QWidget* parent = nullptr);
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Glyph glyph;
+};
+
+} // namespace torka::jobproperties
