@@ -12,6 +12,7 @@
  * above U+10FFFF and surrogates become U+FFFD. Narrow text is UTF-8.
  *
  * Ownership. Every pointer in a structure is a block of its own; a structure is freed innermost block first.
+ * The array of an empty list may be null.
  *
  * Handed to the module (JP1_1Set..., JPSet..., the title): stays the pane's; the module copies what it keeps
  * before it returns.

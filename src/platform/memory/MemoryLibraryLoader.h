@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/LibraryLoader.h"
+
+#include <map>
+#include <string>
+
+namespace torka::platform {
+
+// Libraries that a test offers: symbols by name. Public members may be changed at any time.
+class MemoryLibraryLoader final : public LibraryLoader {
+public:
+    struct Library {
+        std::map<std::string, void*> symbols;
+        std::string error; // not empty: it does not load
+    };
+
+    bool Exists(const std::filesystem::path& path) const override { return libraries.contains(path); }
+    std::unique_ptr<LoadedLibrary> Load(const std::filesystem::path& path, std::string& error) override {
+        const auto found = libraries.find(path);
+        error = found == libraries.end() ? path.string() + ": no such file" : found->second.error;
+        return error.empty() ? std::make_unique<Loaded>(found->second) : nullptr;
+    }
+
+    std::map<std::filesystem::path, Library> libraries;
+
+private:
+    class Loaded final : public LoadedLibrary {
+    public:
+        explicit Loaded(const Library& from)
+            : library(from) {}
+        void* Symbol(const char* name) const override {
+            const auto found = library.symbols.find(name);
+            return found == library.symbols.end() ? nullptr : found->second;
+        }
+
+    private:
+        Library library;
+    };
+};
+
+} // namespace torka::platform

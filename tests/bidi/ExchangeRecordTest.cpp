@@ -1,0 +1,270 @@
+#include "bidi/ExchangeLists.h"
+#include "bidi/JobPropertiesState.h"
+#include "platform/TextEncoding.h"
+#include "tests/bidi/BidiTestSupport.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace torka {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class ExchangeRecord : public ::testing::Test {
+protected:
+    ExchangeRecord() { Forget(); }
+    ~ExchangeRecord() override { Forget(); }
+    static void Forget() {
+        gotSharedListFromJP = gotServerPresetFromJP = false;
+        sharedListCopyFromJP.reset();
+    }
+    static std::string Raw(std::span<const char> field) { return {field.data(), field.size()}; }
+
+    std::unique_ptr<SharedMemoryList> record = std::make_unique<SharedMemoryList>();
+};
+
+TEST_F(ExchangeRecord, FieldsKeepTheirBounds) {
+    struct Case {
+        std::string text;
+        std::string kept; // in a field of 8 bytes
+    };
+    for (const Case& field : std::vector<Case>{
+             {"", ""},
+             {"1234567", "1234567"},
+             {"12345678", "1234567"},
+             {"12345\xC3\xA9", "12345\xC3\xA9"},
+             {"123456\xC3\xA9", "123456"},
+             {"1234\xF0\x9F\x96\xA8", "1234"},
+             {std::string("ab\0cd", 5), "ab"},
+             {std::string(20, '\x80'), std::string(7, '\x80')}, // no UTF-8: cut anywhere
+         }) {
+        std::array<char, 10> bytes;
+        bytes.fill('#');
+        setField(std::span(bytes).first(8), field.text);
+        EXPECT_EQ(Raw(bytes), field.kept + std::string(8 - field.kept.size(), '\0') + "##") << field.text;
+    }
+    for (const auto& [text, number] : std::vector<std::pair<std::string, long>>{
+             {"", 0},
+             {"12", 12},
+             {"-1", -1},
+             {"7 sheets", 7},
+             {"x", 0},
+             {"99999999999999999999", std::numeric_limits<long>::max()},
+             {"-99999999999999999999", std::numeric_limits<long>::min()},
+         }) {
+        setField(record->count, text);
+        EXPECT_EQ(fieldNumber(record->count), number) << text;
+    }
+    record->jpResult = {'1', '2', '3', '4'}; // no terminator
+    EXPECT_EQ(fieldNumber(record->jpResult), 1234);
+}
+
+TEST_F(ExchangeRecord, ThreeThousandOfTheEntriesAreTaken) {
+    KeyValueList list;
+    for (int i = 0; i < 3500; ++i) {
+        list.Append(L"Key" + std::to_wstring(i), L"Value" + std::to_wstring(i));
+    }
+    Create_SharedMemoryList_From_SDMList(*record, list.List());
+    EXPECT_EQ(fieldText(record->count), "3000");
+    EXPECT_EQ(entryValue(*record, 2999), "Value2999");
+    KeyValueList back;
+    Create_SDMList_From_SharedMemoryList(back, *record);
+    ASSERT_EQ(back.Count(), 3000U);
+    EXPECT_EQ(back.List().count, 3000U);
+    EXPECT_EQ(back.Key(2999), L"Key2999");
+
+    // Counts that no list wrote.
+    for (const auto& [count, extra, entries] :
+         std::vector<std::tuple<const char*, const char*, std::size_t>>{{"99999", "0", 3000},
+                                                                        {"-5", "0", 0},
+                                                                        {"two", "", 0},
+                                                                        {"2", "3", 5},
+                                                                        {"2", "-3", 2},
+                                                                        {"", "9999", 3000}}) {
+        setField(record->count, count);
+        setField(record->extraCount, extra);
+        Create_SDMList_From_SharedMemoryList(back, *record);
+        EXPECT_EQ(back.Count(), entries) << count << " + " << extra;
+        for (std::size_t i = entryCount(*record); i < back.Count(); ++i) {
+            EXPECT_TRUE(back.Key(i).empty() && back.Value(i).empty());
+        }
+    }
+}
+
+TEST_F(ExchangeRecord, TextsAreCutToTheirFields) {
+    const std::wstring printer(1, static_cast<wchar_t>(0x1F5A8)); // four bytes
+    KeyValueList list;
+    list.Append(std::wstring(70, L'k'), std::wstring(800, L'v'));
+    list.Append(L"Next", std::wstring(699, L'w') + printer);
+    list.Append(std::wstring(63, L'x') + L"\x00E9", std::wstring(696, L'w') + printer);
+    record->values[3].fill('#');
+    writeSettings(*record, list.List());
+    EXPECT_EQ(Raw(record->keys[0]), std::string(64, 'k'));
+    EXPECT_EQ(Raw(record->values[0]), std::string(700, 'v'));
+    EXPECT_EQ(Raw(record->values[1]), std::string(699, 'w') + '\0');
+    EXPECT_EQ(Raw(record->keys[2]), std::string(63, 'x') + '\0');
+    EXPECT_EQ(Raw(record->values[2]), std::string(696, 'w') + "\xF0\x9F\x96\xA8");
+    EXPECT_EQ(record->values[3][0], '#');
+    KeyValueList back;
+    Create_SDMList_From_SharedMemoryList(back, *record);
+    EXPECT_EQ(back.Value(0), std::wstring(700, L'v'));
+    EXPECT_EQ(back.Value(2), std::wstring(696, L'w') + printer);
+
+    // What stood there before is gone, and a missing text is an empty one.
+    SDMKeyValue items[] = {{nullptr, nullptr}};
+    writeSettings(*record, {1, items});
+    EXPECT_EQ(Raw(record->values[0]), std::string(700, '\0'));
+    EXPECT_EQ(fieldText(record->count), "1");
+    writeSettings(*record, {7, nullptr});
+    EXPECT_EQ(fieldText(record->count), "0");
+}
+
+TEST_F(ExchangeRecord, TextIsWrittenAsTheLibraryForUnicodeWritesIt) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        std::wstring text;
+        for (std::size_t i = random() % 60; i > 0; --i) {
+            constexpr std::array<std::uint32_t, 6> limits{0x80, 0x800, 0xE000, 0x10000, 0x120000, 0xFFFFFFFF};
+            text += static_cast<wchar_t>(random() % (limits[random() % limits.size()] - 1) + 1);
+        }
+        text.insert(0, L"."); // no byte-order mark at the start
+        KeyValueList list;
+        list.Append(L"Key", text);
+        writeSettings(*record, list.List());
+        ASSERT_EQ(entryValue(*record, 0), utf8FromWide(text));
+        KeyValueList back;
+        Create_SDMList_From_SharedMemoryList(back, *record);
+        ASSERT_EQ(back.Value(0), wideFromUtf8(utf8FromWide(text)));
+    }
+    setField(record->values[0], "a\xFF\xC3(\xED\xA0\x80z");
+    KeyValueList back;
+    Create_SDMList_From_SharedMemoryList(back, *record);
+    EXPECT_EQ(back.Value(0), wideFromUtf8("a\xFF\xC3(\xED\xA0\x80z"));
+}
+
+TEST_F(ExchangeRecord, ByteOrderMarksTravelAsLetters) {
+    struct Case {
+        std::wstring value;
+        std::string written;
+        std::wstring readAgain;
+    };
+    const std::wstring mark = L"\xFEFF";
+    for (const Case& entry : std::vector<Case>{
+             {mark + L"a" + mark, "EFBBBFaEFBBBF", mark + L"a" + mark},
+             {L"a" + mark, "a\xEF\xBB\xBF", L"a" + mark},
+             {L"EFBBBFa", "EFBBBFa", mark + L"a"},
+             {L"aEFBBBF", "aEFBBBF", L"aEFBBBF"},
+             {mark + std::wstring(690, L'b') + mark, "EFBBBF" + std::string(690, 'b'),
+              mark + std::wstring(690, L'b')},
+         }) {
+        KeyValueList list;
+        list.Append(mark, entry.value);
+        writeSettings(*record, list.List());
+        EXPECT_EQ(entryValue(*record, 0), entry.written);
+        EXPECT_EQ(entryKey(*record, 0), "\xEF\xBB\xBF");
+        KeyValueList back;
+        Create_SDMList_From_SharedMemoryList(back, *record);
+        EXPECT_EQ(back.Value(0), entry.readAgain);
+    }
+}
+
+TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
+    struct Case {
+        const char* what;
+        const wchar_t* presetKey;
+        const wchar_t* preset;
+        const char* changed; // of "Duplex", afterwards
+        const wchar_t* expected;
+    };
+    for (const Case& rule : {
+             Case{"unchanged", L"PresetName", L"Brochure", "Long", L"Brochure"},
+             Case{"changed", L"PresetName", L"Brochure", "Short", L""},
+             Case{"changed, with an asterisk", L"*PresetName", L"Brochure", "Short", L""},
+             Case{"no preset of the server", L"PresetName", L"", "Short", L""},
+             Case{"another key", L"PresetNames", L"Brochure", "Short", L"Brochure"},
+         }) {
+        Forget();
+        KeyValueList list;
+        list.Append(rule.presetKey, rule.preset);
+        list.Append(L"Duplex", L"Long");
+        setField(record->extraPending, "1");
+        setField(record->extraCount, "4");
+        Create_SharedMemoryList_From_SDMList(*record, list.List());
+        EXPECT_EQ(fieldText(record->extraPending), "0");
+        EXPECT_EQ(fieldText(record->extraCount), "0");
+        EXPECT_TRUE(gotSharedListFromJP);
+        ASSERT_TRUE(sharedListCopyFromJP);
+        EXPECT_EQ(entryValue(*sharedListCopyFromJP, 1), "Long");
+
+        // The pane's own list comes in another order and has a key that the module never saw.
+        KeyValueList own;
+        own.Append(L"Unseen", L"1");
+        own.AppendNarrow("Duplex", rule.changed);
+        own.Append(rule.presetKey, rule.preset);
+        writeSettings(*record, own.List());
+        KeyValueList back;
+        Create_SDMList_From_SharedMemoryList(back, *record);
+        EXPECT_EQ(back.Value(2), rule.expected) << rule.what;
+        EXPECT_FALSE(gotSharedListFromJP);
+        // Only once.
+        Create_SDMList_From_SharedMemoryList(back, *record);
+        EXPECT_EQ(back.Value(2), rule.preset) << rule.what;
+    }
+}
+
+TEST_F(ExchangeRecord, WatermarksGoInWhileThereIsRoom) {
+    std::vector<std::string> definitions = {"0,0,0,255,0,0,0,0,0,450,0,0,48,Helvetica,A, B", "", "\xC3\xA9"};
+    EXPECT_EQ(setWatermarkDefinitions(*record, definitions), 3U);
+    EXPECT_EQ(watermarkDefinitions(*record), definitions);
+    EXPECT_EQ(fieldNumber(record->watermarksPresent), 1);
+    WatermarkDefinitions wide;
+    Create_SDMWatermarkList_From_SharedMemoryList(wide, *record);
+    ASSERT_EQ(wide.List().count, 3U);
+    EXPECT_STREQ(wide.List().definitions[2], L"\x00E9");
+    const auto again = std::make_unique<SharedMemoryList>();
+    EXPECT_EQ(Create_SharedMemoryWatermarkList_From_SDMList(*again, wide.List()), 3U);
+    EXPECT_EQ(again->watermarks, record->watermarks);
+
+    definitions.assign(6, std::string(1023, 'w'));
+    EXPECT_EQ(setWatermarkDefinitions(*record, definitions), 5U);
+    EXPECT_THAT(watermarkDefinitions(*record),
+                ElementsAre(definitions[0], definitions[0], definitions[0], definitions[0], definitions[0]));
+    EXPECT_EQ(fieldText(record->count), "");
+    EXPECT_EQ(fieldText(record->watermarksPresent), "1");
+    definitions.assign(1, std::string(1024, 'w'));
+    EXPECT_EQ(setWatermarkDefinitions(*record, definitions), 0U);
+    EXPECT_EQ(fieldNumber(record->watermarksPresent), 0);
+
+    // A combined list that is not ended, and counts that it does not have.
+    record->watermarks.fill('x');
+    for (const auto& [count, found] :
+         std::vector<std::pair<const char*, std::size_t>>{{"9999999", 1}, {"-1", 0}, {"", 0}, {"1", 1}}) {
+        setField(record->watermarkCount, count);
+        EXPECT_EQ(watermarkDefinitions(*record).size(), found) << count;
+        WatermarkDefinitions list;
+        Create_SDMWatermarkList_From_SharedMemoryList(list, *record);
+        EXPECT_EQ(list.Count(), found) << count;
+    }
+    wchar_t* texts[] = {nullptr};
+    EXPECT_EQ(Create_SharedMemoryWatermarkList_From_SDMList(*record, {1, texts}), 0U);
+    EXPECT_THAT(watermarkDefinitions(*record), IsEmpty());
+}
+
+TEST_F(ExchangeRecord, ListsAreShown) {
+    const tests::CapturingStreams streams;
+    wchar_t key[] = L"Duplex";
+    wchar_t value[] = L"100 %S";
+    SDMKeyValue items[] = {{key, value}, {key, nullptr}};
+    PrintSDMKeyValueList({2, items});
+    EXPECT_THAT(streams.Errors(),
+                ElementsAre("PrintSDMKeyValueList szKey0 =Duplex\n",
+                            "PrintSDMKeyValueList szValue0 =100 %S\n",
+                            "PrintSDMKeyValueList szKey1 =Duplex\n", "PrintSDMKeyValueList szValue1 =\n"));
+}
+
+} // namespace
+} // namespace torka

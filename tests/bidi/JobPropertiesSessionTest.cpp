@@ -1,0 +1,244 @@
+#include "platform/TextEncoding.h"
+#include "platform/posix/PosixLibraryLoader.h"
+#include "tests/bidi/JobPropertiesFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace torka {
+namespace {
+
+using std::chrono::milliseconds;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class JobPropertiesSession : public tests::JobPropertiesTest {
+protected:
+    void Fill(bool twoWay) {
+        KeyValueList settings;
+        settings.Append(L"Duplex", L"Long");
+        settings.Append(L"Copies", L"2");
+        writeSettings(*record, settings.List());
+        setField(record->bidiEnabled, twoWay ? "1" : "0");
+        setField(record->printerAddress, "192.0.2.1");
+        ASSERT_EQ(loadJobPropertiesLibrary(tests::FakeJobPropertiesModule::path).status,
+                  ModuleStatus::loaded);
+    }
+    std::string Result() const { return std::string(fieldText(record->jpResult)); }
+};
+
+TEST_F(JobPropertiesSession, AcceptedSettingsComeBack) {
+    Fill(true);
+    setWatermarkDefinitions(*record, std::vector<std::string>{"0,DRAFT"});
+    host.Put("ServerInfo", L"Alpha:ServerName\n");
+    system->languages = {"zh-Hant-TW"};
+    int server = 0;
+    module.readyAfter = 12;
+    module.edit = [&] {
+        EXPECT_TRUE(mInsideOpenUI);
+        EXPECT_EQ(mainJP(), 1); // out of the module's own window
+        SDMKeyValueList* list = nullptr;
+        EXPECT_EQ(module.Callback<SDMGetListProc>(SDM_SLOT_GET_SERVER_INFO_ALL)(&server, &list), SDM_SUCCESS);
+        moduleMemory(&server).FreeList(list);
+        module.settings[0].second = L"Short";
+        module.settings.emplace_back(L"PresetName", L"Brochure");
+        module.watermarks.emplace_back(L"0,\x00C9PREUVE");
+    };
+    const auto start = system->now;
+    EXPECT_EQ(mainJP(), 0);
+    EXPECT_EQ(system->now - start, milliseconds(1200));
+    ASSERT_EQ(host.waits.size(), 12U);
+    EXPECT_EQ(host.waits[11].what, WaitFor::moduleReady);
+    EXPECT_EQ(host.waits[11].waited, milliseconds(1100));
+    EXPECT_EQ(host.waits[11].limit, milliseconds(0));
+    EXPECT_THAT(module.calls,
+                ElementsAre("begin", "settings 2", "watermarks", "open", "get settings", "get watermarks",
+                            "terminate", "data server end", "end session", "end"));
+    EXPECT_EQ(module.title, "Printing Preferences");
+    EXPECT_EQ(Result(), "0");
+    EXPECT_EQ(fieldText(record->count), "3");
+    EXPECT_EQ(entryValue(*record, 0), "Short");
+    EXPECT_EQ(entryKey(*record, 2), "PresetName");
+    EXPECT_THAT(watermarkDefinitions(*record), ElementsAre("0,DRAFT", "0,\xC3\x89PREUVE"));
+    EXPECT_TRUE(gotSharedListFromJP && gotServerPresetFromJP);
+    EXPECT_EQ(sharedListCopyFromJP->watermarks, record->watermarks);
+    EXPECT_EQ(gServerLanguage, "zh_TW");
+    EXPECT_EQ(mPrevIPAddress, "192.0.2.1");
+    EXPECT_TRUE(mPrevBidiEnabledState);
+    EXPECT_EQ(paperUnit, 8192U);
+    EXPECT_FALSE(mInsideOpenUI || mJPLoaded || sessionBegan);
+
+    // Again, and now cancelled.
+    module.calls.clear();
+    module.edit = nullptr;
+    module.windowResult = 1;
+    system->metric = false;
+    EXPECT_EQ(mainJP(), 0);
+    EXPECT_EQ(Result(), "1");
+    EXPECT_FALSE(gotSharedListFromJP || gotServerPresetFromJP);
+    EXPECT_EQ(paperUnit, 4096U);
+    EXPECT_THAT(module.calls, ElementsAre("begin", "settings 3", "watermarks", "open", "end session", "end"));
+}
+
+TEST_F(JobPropertiesSession, ATemplateStandsBehindTheSettings) {
+    Fill(false);
+    host.templateText = "<Category name=\"UI-Modification\">\n<Controls>\n"
+                        "<ZANPPD key=\"Duplex\" default=\"None\"/>\n</Controls>\n<Lock>\n"
+                        "<ZANPPD key=\"Copies\" value=\"True\"/>\n</Lock>\n<Show>\n"
+                        "<ZANPPD key=\"Secret\" value=\"False\"/>\n</Show>\n</Category>\n";
+    host.title = std::string(254, 't') + "\xC3\xA9";
+    EXPECT_EQ(mainJP(), 0);
+    EXPECT_THAT(module.calls, ElementsAre("begin", "settings 2", "settings 1", "read-only", "veiled", "open",
+                                          "get settings", "get watermarks", "end session", "end"));
+    EXPECT_EQ(module.settings[0].second, L"None");
+    EXPECT_THAT(module.readOnlyKeys, ElementsAre(L"Copies"));
+    EXPECT_THAT(module.veiledKeys, ElementsAre(L"Secret"));
+    EXPECT_EQ(module.title, std::string(254, 't')); // 256 bytes, whole characters
+    EXPECT_EQ(entryValue(*record, 0), "None");
+    EXPECT_THAT(streams.Errors(), ::testing::Contains("PrintSDMKeyValueList szKey0 =Copies\n"));
+
+    // One without the part for the user interface leaves the settings alone; so does one without memory.
+    for (const bool hasMemory : {true, false}) {
+        module.calls.clear();
+        module.hasMemory = hasMemory;
+        module.returnsNull = true;
+        host.templateText = hasMemory ? "<Category name=\"Other\"></Category>" : host.templateText;
+        EXPECT_EQ(mainJP(), 0);
+        EXPECT_THAT(module.calls, ElementsAre("begin", "settings 2", "open", "get settings", "get watermarks",
+                                              "end session", "end"));
+        host.templateText = "<Category name=\"UI-Modification\">\n<Controls>\n</Controls>\n</Category>\n";
+    }
+}
+
+TEST_F(JobPropertiesSession, HowASessionMayEnd) {
+    struct Case {
+        const char* what;
+        std::function<void(tests::FakeJobPropertiesModule&)> prepare;
+        const char* result;
+        bool isTaken; // the module's settings
+        bool isOpened;
+    };
+    using Module = tests::FakeJobPropertiesModule;
+    for (const Case& end : std::vector<Case>{
+             {"accepted", [](Module&) {}, "0", true, true},
+             {"address refused", [](Module& it) { it.windowResult = 2; }, "2", false, true},
+             {"more than 2", [](Module& it) { it.windowResult = 1'000'000; }, "2", false, true},
+             {"less than 0", [](Module& it) { it.windowResult = -1; }, "2", false, true},
+             {"no window", [](Module& it) { it.openResult = 4096; }, "1", false, true},
+             {"no session", [](Module& it) { it.beginResult = 4096; }, "-1", false, false},
+             {"no list", [](Module& it) { it.returnsNull = true; }, "0", false, true},
+             {"no settings", [](Module& it) { it.getResult = 4096; }, "0", false, true},
+             {"a bad end", [](Module& it) { it.endResult = 4096; }, "0", true, true},
+         }) {
+        Fill(true);
+        module.calls.clear();
+        module.beginResult = module.openResult = module.windowResult = 0;
+        module.getResult = module.endResult = 0;
+        module.returnsNull = false;
+        module.edit = [&] { module.settings[0].second = L"Short"; };
+        end.prepare(module);
+        EXPECT_EQ(mainJP(), 0) << end.what;
+        EXPECT_EQ(Result(), end.result) << end.what;
+        EXPECT_EQ(entryValue(*record, 0), end.isTaken ? "Short" : "Long") << end.what;
+        EXPECT_EQ(module.calls.back(), "end") << end.what;
+        EXPECT_EQ(std::count(module.calls.begin(), module.calls.end(), "end session"), end.isOpened ? 1 : 0)
+            << end.what;
+        EXPECT_FALSE(mInsideOpenUI || mJPLoaded) << end.what;
+    }
+}
+
+TEST_F(JobPropertiesSession, AWaitWithoutEndCanBeStopped) {
+    Fill(true);
+    module.readyAfter = -1;
+    system->cancelAt = system->now + std::chrono::hours(2);
+    EXPECT_EQ(mainJP(), 0);
+    EXPECT_EQ(Result(), "1");
+    EXPECT_THAT(module.calls, ElementsAre("begin", "end session", "end"));
+}
+
+TEST_F(JobPropertiesSession, NothingStartsWithoutRecordOrModule) {
+    EXPECT_EQ(mainJP(), 1);
+    setField(record->jpResult, "-1");
+    EXPECT_EQ(loadJobPropertiesLibrary("/elsewhere/libzanjp2.so").status, ModuleStatus::notInstalled);
+    module.Loader().libraries["/broken.so"].error = "/broken.so: wrong ELF class";
+    module.Loader().libraries["/old.so"] =
+        module.Loader().libraries[std::filesystem::path(tests::FakeJobPropertiesModule::path)];
+    module.Loader().libraries["/old.so"].symbols.erase("JP1_1Free");
+    module.Loader().libraries["/old.so"].symbols.erase("SDMDllEnd");
+    const ModuleAvailability broken = loadJobPropertiesLibrary("/broken.so");
+    EXPECT_EQ(broken.status, ModuleStatus::doesNotLoad);
+    EXPECT_EQ(broken.reason, "/broken.so: wrong ELF class");
+    const ModuleAvailability old = loadJobPropertiesLibrary("/old.so");
+    EXPECT_EQ(old.status, ModuleStatus::doesNotLoad);
+    EXPECT_EQ(old.reason, "/old.so: has no JP1_1Free, SDMDllEnd");
+    EXPECT_EQ(mainJP(), 1);
+    EXPECT_EQ(Result(), "-1");
+    Fill(true);
+    sharedList = nullptr;
+    EXPECT_EQ(mainJP(), 1);
+    EXPECT_TRUE(UnloadJPModule());
+    EXPECT_THAT(module.calls, IsEmpty());
+    // Another name than that of the window shows nothing.
+    sharedList = record.get();
+    LoadJPModule();
+    OpenUI("jpOther");
+    EXPECT_EQ(Result(), "1");
+    EXPECT_TRUE(UnloadJPModule());
+    EXPECT_TRUE(isSandboxedApp());
+}
+
+TEST_F(JobPropertiesSession, ARealLibrary) {
+    EXPECT_EQ(moduleBesideBundle("/opt/print/Torka.bundle/"), "/opt/print/libzanjp2.so");
+    EXPECT_EQ(moduleBesideBundle("/opt/print/Torka.bundle"), "/opt/print/libzanjp2.so");
+    setLibraryLoader(std::make_unique<PosixLibraryLoader>());
+    const tests::TemporaryFolder folder;
+    EXPECT_EQ(loadJobPropertiesLibrary(folder / "none.so").status, ModuleStatus::notInstalled);
+    EXPECT_EQ(loadJobPropertiesLibrary(folder.Path()).status, ModuleStatus::notInstalled);
+    const ModuleAvailability text = loadJobPropertiesLibrary(folder.Write("text.so", "no library"));
+    EXPECT_EQ(text.status, ModuleStatus::doesNotLoad);
+    EXPECT_THAT(text.reason, HasSubstr("text.so"));
+    const ModuleAvailability incomplete = loadJobPropertiesLibrary(TORKA_INCOMPLETE_MODULE);
+    EXPECT_EQ(incomplete.status, ModuleStatus::doesNotLoad);
+    EXPECT_THAT(incomplete.reason, EndsWith(": has no JP1_1EndSession"));
+    ASSERT_EQ(loadJobPropertiesLibrary(TORKA_SMALL_MODULE).status, ModuleStatus::loaded);
+    for (const char* twoWay : {"1", "0"}) {
+        setField(record->bidiEnabled, twoWay);
+        setField(record->driverVersion, "1.2.3");
+        EXPECT_EQ(mainJP(), 0);
+        EXPECT_EQ(Result(), "0");
+        EXPECT_EQ(fieldText(record->count), "1");
+        EXPECT_EQ(entryKey(*record, 0), "DriverVersion");
+        EXPECT_EQ(entryValue(*record, 0), "1.2.3");
+    }
+}
+
+TEST(ServerLanguage, CodesOfLanguages) {
+    for (const auto& [tag, code] : std::vector<std::pair<const char*, const char*>>{
+             {"en-US", "en"},      {"ko", "ko_KR"},
+             {"ja-JP", "ja"},      {"fr-CA", "fr"},
+             {"de", "de"},         {"sv", "sv"},
+             {"nl", "nl"},         {"tr", "tr"},
+             {"es", "es"},         {"fi", "fi"},
+             {"no", "no"},         {"nb-NO", "no"},
+             {"nn", "no"},         {"ru", "ru"},
+             {"pt-BR", "pt"},      {"pt-PT", "pt"},
+             {"it", "it"},         {"da", "da"},
+             {"pl", "pl"},         {"cs", "cs_CZ"},
+             {"wa", "fr"},         {"ca-ES", "es"},
+             {"hu", "en"},         {"", "en"},
+             {"zh", "en"},         {"zh-Hans-CN", "zh_CN"},
+             {"zh-hant", "zh_TW"}, {"ZH-TW", "en"},
+             {"zh-CN", "en"},      {"kok", "en"},
+             {"fil", "en"},
+         }) {
+        EXPECT_EQ(serverLanguageCode(tag), code) << tag;
+    }
+    const tests::ScopedMemorySystem system;
+    system->languages = {"nb", "en"};
+    getCurrentLocaleCode();
+    EXPECT_EQ(gServerLanguage, "no");
+}
+
+} // namespace
+} // namespace torka
