@@ -43,6 +43,13 @@ bool PPDXElement::OkayToDisplay(const _DISPLAY_OPTIONS_& options) const {
     }
 }
 
+const CFStringRef& PPDXElement::CFStringKeyword() const {
+    if (!keywordString && keyword) {
+        keywordString = cfString(Keyword());
+    }
+    return keywordString;
+}
+
 const char* PPDXElement::UserName() const {
     if (!userNameCache) {
         const CFIndex units = CFStringGetLength(localName);

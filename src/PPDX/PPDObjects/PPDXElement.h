@@ -29,6 +29,8 @@ public:
 
     // The PPD main keyword with its leading "*", or null.
     const char* Keyword() const { return keyword ? keyword->Buffer() : nullptr; }
+    // The keyword as a string object, made once; null without a keyword.
+    const CFStringRef& CFStringKeyword() const;
     std::size_t KeywordLength() const { return keyword ? keyword->Size() : 0; }
     // The local name in the system encoding; valid as long as the element.
     const char* UserName() const;
@@ -51,6 +53,7 @@ private:
     CFStringRef localName;
     std::int32_t visible;
     PPDXElement* parent = nullptr;
+    mutable CFStringRef keywordString;
 };
 
 } // namespace torka

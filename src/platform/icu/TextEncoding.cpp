@@ -212,6 +212,14 @@ bool isPlain(std::string_view bytes, CFStringEncoding encoding) {
     return !ownBackslash || bytes.find('\\') == std::string_view::npos;
 }
 
+// Of ASCII text.
+std::string narrowed(std::u16string_view text) {
+    std::string bytes(text.size(), '\0');
+    std::transform(text.begin(), text.end(), bytes.begin(),
+                   [](char16_t unit) { return static_cast<char>(unit); });
+    return bytes;
+}
+
 std::optional<std::u16string> decode(std::string_view bytes, CFStringEncoding encoding, OnFault onFault) {
     if (!isKnownEncoding(encoding) || bytes.size() > mostBytes) {
         return std::nullopt;
@@ -295,10 +303,7 @@ std::optional<std::string> encodeText(std::u16string_view text, CFStringEncoding
         return encodeJapanese(text);
     }
     if (isAscii(text)) {
-        std::string bytes(text.size(), '\0');
-        std::transform(text.begin(), text.end(), bytes.begin(),
-                       [](char16_t unit) { return static_cast<char>(unit); });
-        return bytes;
+        return narrowed(text);
     }
     if (const NamedEncoding* named = findNamed(encoding)) {
         return encodeNamed(text, *named);
@@ -307,6 +312,9 @@ std::optional<std::string> encodeText(std::u16string_view text, CFStringEncoding
 }
 
 std::string utf8FromUtf16(std::u16string_view units) {
+    if (isAscii(units)) {
+        return narrowed(units);
+    }
     return encodeUtf8(units.substr(0, mostBytes), OnFault::replace).value_or(std::string());
 }
 

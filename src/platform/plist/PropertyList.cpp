@@ -217,17 +217,16 @@ CFDataRef CFPropertyListCreateXMLData(const CFPropertyListRef& list) {
         return nullptr;
     }
     // A carriage return must be a reference, or an XML reader takes it for a line feed.
-    const std::string_view written(xml.get(), length);
+    static constexpr std::string_view reference = "&#13;";
+    std::string_view rest(xml.get(), length);
     std::vector<std::uint8_t> bytes;
-    bytes.reserve(written.size());
-    for (const char c : written) {
-        if (c == '\r') {
-            static constexpr std::string_view reference = "&#13;";
-            bytes.insert(bytes.end(), reference.begin(), reference.end());
-        } else {
-            bytes.push_back(static_cast<std::uint8_t>(c));
-        }
+    bytes.reserve(rest.size());
+    for (std::size_t at = rest.find('\r'); at != std::string_view::npos; at = rest.find('\r')) {
+        bytes.insert(bytes.end(), rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(at));
+        bytes.insert(bytes.end(), reference.begin(), reference.end());
+        rest.remove_prefix(at + 1);
     }
+    bytes.insert(bytes.end(), rest.begin(), rest.end());
     return std::make_shared<const CFData>(std::move(bytes));
 }
 

@@ -100,7 +100,7 @@ CFDictionaryRef ZANPPD::CopyAllValues() const {
     std::vector<CFDictionary::Pair> pairs;
     controls->ForEach([&](PPDXControl* control) {
         if (control->Keyword()) {
-            pairs.emplace_back(cfString(control->Keyword()), control->CopyCurrentControlValueString());
+            pairs.emplace_back(control->CFStringKeyword(), control->CopyCurrentControlValueString());
         }
     });
     return CFDictionaryCreate(pairs);
