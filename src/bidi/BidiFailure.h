@@ -31,12 +31,14 @@ public:
     // override file exists), and the answer is true. A cancelled wait shows nothing: the choice is cancel.
     bool isPrinterBusyWithPrinting(const PMPrinter& printer, const WaitObserver& observer = {});
     BidiChoice printerInBusyState_ContinueBiDiOFF() const { return choice; }
+    int TimesShown() const { return timesShown; } // of the message
 
 private:
     std::string Text(std::string_view key, std::string_view defaultText) const;
 
     StringLookup strings;
     BidiChoice choice = BidiChoice::cancel;
+    int timesShown = 0;
 };
 
 } // namespace torka

@@ -26,7 +26,8 @@ void PropertyListFile::Load() {
     cacheFileExists = fileExists(system().Resolve(cacheFile));
     const std::string xml = store->Load();
     if (!xml.empty()) {
-        list = cfCast<CFArray>(CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size())));
+        root = CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size()));
+        list = cfCast<CFArray>(root);
     }
     loaded = list != nullptr;
 }

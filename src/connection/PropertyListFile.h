@@ -27,13 +27,16 @@ public:
 
     const CFArrayRef& List() const { return list; } // what is kept, null for none
     bool Loaded() const { return loaded; }          // a list was there
-    OSStatus Error() const { return error; }        // of the last Save
+    // What the file holds, whatever its kind, as it was loaded; null for none.
+    const CFPropertyListRef& Root() const { return root; }
+    OSStatus Error() const { return error; } // of the last Save
     // Whether "/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist" was there when the list was loaded.
     bool CacheFileExists() const { return cacheFileExists; }
 
 private:
     void Load();
 
+    CFPropertyListRef root;
     CFArrayRef list;
     bool loaded = false;
     OSStatus error = noErr;

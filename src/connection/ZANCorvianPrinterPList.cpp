@@ -11,7 +11,6 @@ namespace torka {
 
 namespace {
 
-constexpr std::string_view listPath = "/Library/Preferences/ZAN.CorvianPrinterV2.plist";
 constexpr std::u16string_view endMark = u"----- Data End -----";
 
 // Places of an entry's values, counted from its name.
@@ -38,7 +37,7 @@ CFStringRef rowString(const DataRow& row) {
 } // namespace
 
 ZANCorvianPrinterPList::ZANCorvianPrinterPList(QueueAccess queue)
-    : ZANCorvianPrinterPList(makePropertyListStore(listPath, std::move(queue))) {}
+    : ZANCorvianPrinterPList(makePropertyListStore(addressListPath, std::move(queue))) {}
 
 ZANCorvianPrinterPList::ZANCorvianPrinterPList(std::unique_ptr<PropertyListStore> listStore)
     : PropertyListFile(std::move(listStore)) {

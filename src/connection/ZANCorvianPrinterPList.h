@@ -10,6 +10,9 @@
 
 namespace torka {
 
+// Below the home folder, where the running system version keeps the list in a file.
+inline constexpr std::string_view addressListPath = "/Library/Preferences/ZAN.CorvianPrinterV2.plist";
+
 // A row of a data block as its writers hold it: UTF-8 text with a NUL, cut after 1,023 bytes.
 using DataRow = std::array<char, 1024>;
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "bidi/JobPropertiesHost.h"
+#include "output/FeatureEmission.h"
 #include "pane/PaneInterface.h"
+#include "pane/PanelServices.h"
 #include "pane/PanelState.h"
 #include "platform/PrintDialogExtension.h"
 
@@ -25,7 +28,10 @@ struct DeferredCommands;
 //
 // Owns all of these and shares the dialog's callback object. Made by initWithCallback alone. The newest panel
 // is sTorkaFeaturesPDE. Everything runs on the host's main thread.
-class TorkaFeaturesPDE final : public PDEPanel, public std::enable_shared_from_this<TorkaFeaturesPDE> {
+class TorkaFeaturesPDE final : public PDEPanel,
+                               public PanelServices,
+                               public JobPropertiesHost,
+                               public std::enable_shared_from_this<TorkaFeaturesPDE> {
 public:
     // Null when the queue's description is not in the bundle's list of supported descriptions, the list is
     // missing, or the description names no version of its maker.
@@ -55,7 +61,7 @@ public:
     UI_Panel* GetUI_PanelPtr() const { return self.myUi_Panel.get(); }
     PDEData* GetPDEDataPtr() const { return self.myPDEData.get(); }
     const BundleRef& pdeBundle() const { return self.pdeBundle; }
-    const CFStringRef& bundleVersion() const { return self.myBundleVersion; }
+    const CFStringRef& bundleVersion() const override { return self.myBundleVersion; }
     // Null until the interface file is loaded, and when it is missing or broken: the pane then works without
     // widgets.
     PaneInterface* Interface() const { return interface.get(); }
@@ -66,15 +72,17 @@ public:
 
     // A text of the bundle in the person's language, UTF-8; the default when no table has the key.
     std::string LocalizedString(std::string_view key, std::string_view defaultText,
-                                std::string_view table = "Localizable") const;
+                                std::string_view table = "Localizable") const override;
 
     CFStringRef currentIPAddress() const; // the address field's text
     bool isBonjourPrinter() const { return self.isBonjourPrinter; }
     bool isCustomPageSize() const { return self.customPageSize; }
     const CFStringRef& customPapername() const { return self.customPapername; }
-    void setFullPropertiesButtonStatusON(bool on);
-    void setCustomizeQuickAccessButtonButtonStatusON(bool on);
-    void setDefaultsButtonStatusON(bool on);
+    void setFullPropertiesButtonStatusON(bool on) override;
+    void setCustomizeQuickAccessButtonButtonStatusON(bool on) override;
+    void setDefaultsButtonStatusON(bool on) override;
+    // Told by the interface: the last window, when it is visible, comes to the front, so that a dialog of the
+    // pane stays there after a change of application.
     void applicationDidBecomeActive();
     // Takes the quick-access texts out of the pane and closes the gap, for a description whose template has
     // switched quick access off.
@@ -83,6 +91,8 @@ public:
     // "/" or its last component no ".ppd".
     static bool getQueuePPDName(std::string_view path);
     void fillPDEInstallPath();
+    // The administrator's template has switched quick access off.
+    bool isQuickAccessOff() const;
 
     // What the pane's buttons do.
     void launchFullProperties();
@@ -97,8 +107,20 @@ public:
     void resetJPServerpresetKeys();
     // The "keys" line of a request; "" when the description has no dynamic control.
     std::string getDynamicPPDKeys() const;
-    // Sends the local presets file of the Job Properties module to the queue, if there is one.
-    void writeLocalJPPresetsToDynamicPPD();
+
+    // PanelServices
+    void showPrinterAddress(const CFStringRef& address) override;
+    void bringToFront() override;
+    std::filesystem::path bundlePath() const override;
+    PMPrinter currentPrinter() const override { return self.printer; }
+    BidiFailure& bidiFailure() override;
+
+    // JobPropertiesHost
+    std::shared_ptr<const std::string> getBidiDataCopy() const override;
+    PMPrinter CurrentPrinter() const override { return self.printer; }
+    std::string TemplateText() const override;
+    std::string WindowTitle() const override;
+    WaitObserver Observer() override;
 
     // Brings the page size and the input tray of the system's panes into the model.
     void updatePageSizeAndInputSlot();
@@ -134,21 +156,31 @@ private:
 
         CFStringRef thePDEName;
         CFStringRef customPapername;
+
+        std::shared_ptr<BonjourModuleController> bonjourViewRef;
     };
 
     bool Start();
-    void TakeDescription(CFURLRef& descriptionUrl);
-    bool IsSupportedDescription(const CFURLRef& descriptionUrl) const;
+    CFURLRef TakeDescription();
+    void TakeDeviceUri();
     void BuildModel(const CFURLRef& descriptionUrl);
+    void MakePaneData();
     void TakeInstance();
-    void LookForPopupJobNotes();
+    void LeaveInstance();
+    void ObservePopupJobNotes();
     bool LoadInterface();
 
+    void TakeSystemPageSize();
     void TakeCustomPageSize();
+    bool IsListedPaper(const CFStringRef& name) const;
     void SelectInputSlot();
     void ShowPrinterName(const CFStringRef& name);
+    void ShowDiscoveredAddress();
     void StoreTypedAddress();
-    bool WriteTicket(bool sendsAhead);
+    void TakeDocumentServer();
+    void WriteTicket(EmissionPurpose purpose);
+    void TellLeftOutNotes();
+    void RefreshFromCallback();
 
     Variables self;
     std::unique_ptr<PaneInterface> interface;

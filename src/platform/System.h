@@ -42,6 +42,8 @@ public:
     // Existing folder for the user's temporary files.
     virtual std::filesystem::path TemporaryFolder() const = 0;
     virtual std::filesystem::path HomeFolder() const = 0;
+    // Where the user's own settings are kept; it need not exist.
+    virtual std::filesystem::path ConfigFolder() const = 0;
     // A folder of mode 0700 for this process alone, made at the first call and removed with what is in it at
     // the end. Empty when it cannot be made.
     virtual std::filesystem::path PrivateFolder() = 0;
@@ -59,6 +61,8 @@ public:
     // Returns early, with false, when the wait was cancelled.
     virtual bool Sleep(std::chrono::milliseconds duration) = 0;
 
+    // Makes a folder of mode 0700, and those above it, unless it is there.
+    virtual std::error_code MakeFolder(const std::filesystem::path& path) = 0;
     // Writes a whole file so that it is there complete or not at all: a temporary neighbour is written, given
     // `mode` and renamed. On failure nothing is left behind and an existing file stays as it was.
     // A device or a pipe is written into.

@@ -24,6 +24,7 @@ public:
     std::filesystem::path Resolve(std::string_view fixedPath) const override;
     std::filesystem::path TemporaryFolder() const override { return temporaryFolder; }
     std::filesystem::path HomeFolder() const override { return homeFolder; }
+    std::filesystem::path ConfigFolder() const override { return homeFolder / ".config"; }
     std::filesystem::path PrivateFolder() override { return temporaryFolder / "private"; }
     std::string UserName() const override { return userName; }
     std::vector<std::string> PreferredLanguages() const override { return languages; }
@@ -34,6 +35,8 @@ public:
     std::string CreateUuidString() override;
     std::chrono::steady_clock::time_point Now() const override { return now; }
     bool Sleep(std::chrono::milliseconds duration) override;
+    // There are no folders: files have paths.
+    std::error_code MakeFolder(const std::filesystem::path& /*path*/) override { return {}; }
     std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
                               unsigned mode) override;
     std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,

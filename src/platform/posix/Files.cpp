@@ -14,6 +14,8 @@ namespace torka::platform {
 
 namespace {
 
+constexpr mode_t folderMode = 0700;
+
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
 // A path with a NUL inside would name another file for the system than for us.
@@ -83,6 +85,23 @@ std::error_code fillFile(int opened, std::string_view content, unsigned mode) {
 }
 
 } // namespace
+
+std::error_code PosixSystem::MakeFolder(const std::filesystem::path& path) {
+    if (!isUsablePath(path)) {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
+    std::filesystem::path folder;
+    for (const std::filesystem::path& part : path) {
+        folder /= part;
+        if (mkdir(folder.c_str(), folderMode) != 0 && errno != EEXIST) {
+            return lastError();
+        }
+    }
+    std::error_code failure;
+    return std::filesystem::is_directory(path, failure)
+               ? std::error_code()
+               : (failure ? failure : std::make_error_code(std::errc::not_a_directory));
+}
 
 std::error_code PosixSystem::WriteFile(const std::filesystem::path& path, std::string_view content,
                                        unsigned mode) {

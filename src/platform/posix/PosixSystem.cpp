@@ -116,6 +116,11 @@ std::filesystem::path PosixSystem::HomeFolder() const {
     return user.home.empty() ? "/" : user.home;
 }
 
+std::filesystem::path PosixSystem::ConfigFolder() const {
+    const std::filesystem::path asked = environment("XDG_CONFIG_HOME");
+    return asked.is_absolute() ? asked : HomeFolder() / ".config";
+}
+
 std::string PosixSystem::UserName() const {
     const User user = currentUser();
     return user.name.empty() ? std::to_string(geteuid()) : user.name;

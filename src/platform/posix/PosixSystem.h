@@ -37,6 +37,8 @@ public:
     std::filesystem::path Resolve(std::string_view fixedPath) const override;
     std::filesystem::path TemporaryFolder() const override;
     std::filesystem::path HomeFolder() const override;
+    // XDG_CONFIG_HOME when it is absolute, else ".config" of the home folder (XDG Base Directory 0.8).
+    std::filesystem::path ConfigFolder() const override;
     std::filesystem::path PrivateFolder() override;
     std::string UserName() const override;
     std::vector<std::string> PreferredLanguages() const override;
@@ -46,6 +48,7 @@ public:
     std::string CreateUuidString() override;
     std::chrono::steady_clock::time_point Now() const override { return std::chrono::steady_clock::now(); }
     bool Sleep(std::chrono::milliseconds duration) override;
+    std::error_code MakeFolder(const std::filesystem::path& path) override;
     std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
                               unsigned mode) override;
     // Regular files only: a device or a pipe could keep the caller waiting.

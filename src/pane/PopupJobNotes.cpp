@@ -1,0 +1,135 @@
+#include "pane/PopupJobNotes.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "bidi/CPPDMsgHdlr.h"
+#include "bidi/SpoolerCommands.h"
+#include "output/ZANJobNote.h"
+#include "pane/PanelState.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t leadingCharacters = 3;
+constexpr std::size_t mostValueBytes = 4096;
+constexpr std::size_t mostPreferenceBytes = 65536;
+constexpr std::string_view nothingStored = "010"; // what a queue without stored preferences stands for
+constexpr std::string_view recordMessage = "PopupJnData";
+
+// What the queue keeps, as far as this process knows.
+std::string& knownPreferences() {
+    static std::string text(nothingStored);
+    return text;
+}
+
+bool isRemembered(const ZANPPD& model, const PPDXJobNote& note) {
+    return note.Keyword() != nullptr && note.IsPopupJN() && note.Remember() && !isSecretNote(model, &note);
+}
+
+void appendEscaped(std::string& out, std::string_view text) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || c == '%' || byte == 0x7F) {
+            out += {'%', digits[byte >> 4], digits[byte & 15]};
+        } else {
+            out += c;
+        }
+    }
+}
+
+bool flagFrom(char stored, char& flag) {
+    const bool usable = stored == '0' || stored == '1';
+    flag = usable ? stored : flag;
+    return usable;
+}
+
+} // namespace
+
+void lookForPopupJobNotes(const ZANPPD& model) {
+    gPopupJobNotesFoundOne = false;
+    model.GetControls()->ForEach([](const PPDXControl* control) {
+        const auto* note = dynamic_cast<const PPDXJobNote*>(control);
+        gPopupJobNotesFoundOne = gPopupJobNotesFoundOne || (note != nullptr && note->IsPopupJN());
+    });
+    gPopupJobNotesDoneInitializing = true;
+}
+
+std::string popupJobNotePreferences(const ZANPPD& model) {
+    std::string text{gPopupJobNotesSavedEnable, gPopupJobNotesSavedSetting, gPopupJobNotesSavedShowLast};
+    model.GetControls()->ForEach([&](PPDXControl* control) {
+        const auto* note = dynamic_cast<const PPDXJobNote*>(control);
+        if (note == nullptr || !isRemembered(model, *note)) {
+            return;
+        }
+        const std::string value = utf8Text(note->CopyNotes());
+        if (!value.empty() && value.size() <= mostValueBytes && text.size() < mostPreferenceBytes) {
+            text += '\n';
+            text += note->Keyword();
+            text += '=';
+            appendEscaped(text, value);
+        }
+    });
+    return text;
+}
+
+void applyPopupJobNotePreferences(ZANPPD& model) {
+    const PopupJobNotePreferences& stored = model.PUJNPrefs();
+    flagFrom(stored.enable, gPopupJobNotesSavedEnable);
+    flagFrom(stored.setting, gPopupJobNotesSavedSetting);
+    flagFrom(stored.showLast, gPopupJobNotesSavedShowLast);
+    if (gPopupJobNotesSavedEnable != '1' || gPopupJobNotesSavedShowLast != '1') {
+        return;
+    }
+    std::string_view rest = stored.values;
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        const std::string_view line = rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos || line.size() > 3 * mostValueBytes) {
+            continue;
+        }
+        const std::string keyword(line.substr(0, equals));
+        PPDXJobNote* note = model.GetControls()->FindJobNote(keyword.c_str(), true);
+        const CFStringRef value =
+            CFURLCreateStringByReplacingPercentEscapes(cfString(line.substr(equals + 1)));
+        if (note != nullptr && value && isRemembered(model, *note)) {
+            note->SetCurrentControlWithCFString(value);
+        }
+    }
+}
+
+void readPopupJobNotePreferencesFrom(std::string_view ppdPath) {
+    knownPreferences() = nothingStored;
+    if (ppdPath.empty()) {
+        ZANPPD::SetPUJNPrefsReader({});
+        return;
+    }
+    ZANPPD::SetPUJNPrefsReader([path = std::string(ppdPath)]() -> std::optional<std::string> {
+        std::string text = utf8FromWide(CPPDMsgHdlr(path, recordMessage).GetStringData());
+        if (text.size() > mostPreferenceBytes + mostValueBytes) {
+            text.clear();
+        }
+        knownPreferences() = text.empty() ? std::string(nothingStored) : text;
+        return text.size() < leadingCharacters ? std::nullopt : std::optional<std::string>(text);
+    });
+}
+
+OSStatus QVPDEDataWrite(const PMPrinter& printer, std::string_view preferences) {
+    if (preferences == knownPreferences()) {
+        return noErr;
+    }
+    const OSStatus status = PMPrinterSendCommand(
+        printer, cfString(preferences), cfString(commandTitle(SpoolerCommand::popupJnData)), nullptr);
+    if (status == noErr) {
+        knownPreferences() = preferences;
+    }
+    return status;
+}
+
+} // namespace torka

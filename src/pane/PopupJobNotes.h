@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/Printing.h"
+
+#include <string>
+#include <string_view>
+
+// The popup job notes: those that are asked for before a job is printed, and what is remembered of them
+// (docs/presets.md tells the stored form).
+
+namespace torka {
+
+class ZANPPD;
+
+// Looks for notes flagged "PopupJN", and sets gPopupJobNotesFoundOne and gPopupJobNotesDoneInitializing.
+void lookForPopupJobNotes(const ZANPPD& model);
+
+// What QVPDEDataWrite stores: three characters (enable, setting, show last) from the globals of PanelState.h,
+// then a line "KEYWORD=VALUE" for each popup note that is to be remembered. Secret notes are never in it.
+std::string popupJobNotePreferences(const ZANPPD& model);
+// Takes the preferences that the model has read (ReadPUJNPrefs) over into the globals, and when enabled, and
+// the last values are to be shown, the remembered values into their notes.
+void applyPopupJobNotePreferences(ZANPPD& model);
+// The queue's stored preferences are read from this description from now on; "" for none.
+void readPopupJobNotePreferencesFrom(std::string_view ppdPath);
+// Sends the preferences to the queue; not when they are those that were read or sent last.
+OSStatus QVPDEDataWrite(const PMPrinter& printer, std::string_view preferences);
+
+} // namespace torka
