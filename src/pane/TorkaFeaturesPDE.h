@@ -170,6 +170,7 @@ private:
     void ObservePopupJobNotes();
     bool LoadInterface();
 
+    void TakeRememberedSettings();
     void TakeSystemPageSize();
     void TakeCustomPageSize();
     bool IsListedPaper(const CFStringRef& name) const;

@@ -109,7 +109,7 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
     std::string names;
     for (const ZANJobNoteList::LeftOutNote& note : self.myPDEData->LeftOutNotes()) {
         const PPDXControl* control = self.myppd->GetPPDXControlForKey(cfString(note.keyword));
-        const std::string name = control != nullptr ? utf8Text(control->LocalName()) : std::string();
+        const std::string name = control != nullptr ? utf8Text(control->CFStringUserName()) : std::string();
         names += (names.empty() ? "" : ", ") + (name.empty() ? note.keyword : name);
     }
     if (names.empty() || !hasAlerts()) {

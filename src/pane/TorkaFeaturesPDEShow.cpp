@@ -49,13 +49,6 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
         if (!hasNoPopupJobNotes()) {
             self.myppd->ReadPUJNPrefs();
         }
-    } else if (!self.shouldRestore) {
-        // A new dialog: the person's settings of the last time.
-        presets->ApplyLastUsed();
-        if (!hasNoPopupJobNotes()) {
-            self.myppd->ReadPUJNPrefs();
-            applyPopupJobNotePreferences(*self.myppd);
-        }
     }
     if (self.myPDEData->isBIDIEnabled()) {
         self.myUi_Panel->makeJobNotesForSpecialControls();
@@ -63,15 +56,25 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
     if (!UI_Panel::Tree.quickAccess.empty() || !UI_Panel::Tree.groups.empty()) {
         self.myUi_Panel->DrawUserPane();
         self.myPDEData->SetPrintSettings(self.printSettings);
-        if (self.shouldRestore) {
-            self.myPDEData->RestoreNonPSSettings();
-        }
+        self.myPDEData->RestoreNonPSSettings();
     } else {
         self.myUi_Panel->ResetControlsToDefault();
+    }
+    if (!self.shouldRestore) {
+        TakeRememberedSettings();
     }
     updateUI();
     willShow();
     return true;
+}
+
+// A new dialog, whose print settings tell nothing of this printer: what the person chose the last time.
+void TorkaFeaturesPDE::TakeRememberedSettings() {
+    presets->ApplyLastUsed();
+    if (!hasNoPopupJobNotes()) {
+        self.myppd->ReadPUJNPrefs();
+        applyPopupJobNotePreferences(*self.myppd);
+    }
 }
 
 bool TorkaFeaturesPDE::willShow() {
