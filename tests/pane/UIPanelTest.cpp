@@ -1,0 +1,295 @@
+#include "tests/pane/UIPanelFixture.h"
+
+#include <gmock/gmock.h>
+
+// The panel model's tree, its page size from the system, its resets and the notes of the colour controls.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+std::string group(const std::string& keyword, const std::string& kind = "Rolldown") {
+    return "*%ZANGroupName " + keyword + "/" + keyword + " name: True\n*%ZANParent " + keyword +
+           "/Pane: True|" + kind + "\n";
+}
+
+std::string inGroup(std::string control, const std::string& groupName) {
+    const std::string place = ": Group\n";
+    return control.replace(control.find(place), place.size(), ": " + groupName + "\n");
+}
+
+std::vector<std::string> shown(const PPDTree& tree) {
+    std::vector<std::string> texts;
+    for (const PPDTreeGroup& each : tree.groups) {
+        texts.push_back(each.keyword + ":");
+        for (const PPDTreeControl& control : each.controls) {
+            texts.back() += " " + control.keyword;
+        }
+    }
+    return texts;
+}
+
+std::vector<std::string> quickAccess(const PPDTree& tree) {
+    std::vector<std::string> texts;
+    for (const PPDTreeQuickAccess& each : tree.quickAccess) {
+        texts.push_back(each.keyword + " " + std::to_string(each.position));
+    }
+    return texts;
+}
+
+TEST(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader + group("Empty") + group("Finish") + popup("First", {"A", "B"}) +
+              popup("QVDuplex", {"None", "Tumble"}) + inGroup(popup("QVStaple", {"Off", "On"}), "Finish") +
+              inGroup(jobNote("Notes1"), "Finish") + inGroup(popup("QVOutProfile", {"Press"}), "Finish") +
+              "*%ZANFlags *QVScale: Dynamic\n*%ZANGroup *QVScale: Finish\n"
+              "*%ZANRange *QVScale/Scale: 25;400;1;100;\"% (<*QVScale>)\"\n" +
+              "*%QVShortcut *QVStaple\n*%QVShortcut *QVDuplex\n*%QVShortcut *QVOutProfile\n"
+              "*%QVShortcut *First\n");
+    const UI_Panel panel(pane.data.get());
+    // A range is no kind that the basic panel shows, and an expert colour control is none of its own.
+    EXPECT_THAT(shown(UI_Panel::Tree), ElementsAre("Group: *QVDuplex", "Finish: *QVStaple *Notes1"));
+    // The positions count the group that is empty, and gone.
+    EXPECT_THAT(quickAccess(UI_Panel::Tree), ElementsAre("*QVStaple 300", "*QVDuplex 100", "*First 0"));
+    ASSERT_NE(GetShortcutFromKeyword("*QVDuplex"), nullptr);
+    EXPECT_EQ(GetShortcutFromKeyword("*QVDuplex")->userName, "QVDuplex name");
+    EXPECT_EQ(GetShortcutFromKeyword("*Notes1"), nullptr);
+
+    // What the person chose replaces the description's shortcuts.
+    PPDTree chosen;
+    chosen.quickAccess = {{"", "*Notes1", 0}, {"", "*QVOutProfile", 0}};
+    ASSERT_TRUE(pane.data->SetPPDShortcuts(chosen));
+    UI_Panel again(pane.data.get());
+    EXPECT_THAT(quickAccess(UI_Panel::Tree), ElementsAre("*Notes1 301"));
+    again.PopulatePPDTreeStructure();
+    EXPECT_THAT(shown(UI_Panel::Tree), ElementsAre("Group: *QVDuplex", "Finish: *QVStaple *Notes1"));
+}
+
+TEST(UIPanel, TreeHoldsItsLimits) {
+    ScopedMemorySystem system;
+    const CapturingLog log;
+    std::string text = paneHeader + popup("First", {"A"});
+    for (int i = 0; i < 300; ++i) {
+        const std::string number = std::to_string(i);
+        text += jobNote("Note" + number) + "*%QVShortcut *Note" + number + "\n";
+    }
+    for (int i = 0; i < 40; ++i) {
+        const std::string name = "Group" + std::to_string(i);
+        text += group(name) + inGroup(jobNote("In" + name), name);
+    }
+    Pane pane(text);
+    {
+        const UI_Panel panel(pane.data.get());
+        ASSERT_EQ(UI_Panel::Tree.groups.size(), maximumTreeGroups);
+        EXPECT_EQ(UI_Panel::Tree.groups[0].controls.size(), maximumTreeControls);
+        EXPECT_EQ(UI_Panel::Tree.quickAccess.size(), maximumQuickAccess);
+    }
+    EXPECT_EQ(GetShortcutFromKeyword("*Note1"), nullptr); // the panel took its tree with it
+    EXPECT_EQ(UI_Panel::mPPD, nullptr);
+}
+
+CFDictionaryRef paper(const char* name, std::vector<double> edges = {}) {
+    std::vector<CFTypeRef> numbers;
+    for (const double edge : edges) {
+        numbers.push_back(CFNumberCreate(edge));
+    }
+    return CFDictionaryCreate(
+        {{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), name ? cfString(name) : nullptr},
+         {cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), CFArrayCreate(std::move(numbers))}});
+}
+
+TEST(UIPanel, PaperOfThePageSetup) {
+    ScopedMemorySystem system;
+    MemoryPanel services;
+    services.texts["DocumentSizeCustom"] = "Eigenes Format";
+    struct Case {
+        CFDictionaryRef paper;
+        bool isCustom;
+        const char* pageSize;
+        const char* customSize;
+        const char* customName;
+    };
+    const Case cases[] = {
+        {nullptr, false, "A3", "", ""},
+        {paper("a4"), false, "A4", "", ""}, // no such choice: the default, which is the same but for case
+        {paper("A3"), false, "A3", "", ""},
+        {paper("US Letter"), false, "Letter", "", ""},
+        {paper("US Legal"), false, "A4", "", ""}, // no such choice
+        {paper("Banner", {-18, -9.5, 1000, 590.5}), true, "A4", "600.000000 1018.000000", "Banner"},
+        {paper("Banner"), true, "A4", "0.000000 0.000000", "Banner"},
+        {paper(nullptr, {0, 0, 300, 200}), true, "A4", "200.000000 300.000000", "Eigenes Format"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.customName);
+        Pane pane(paneHeader + popup("PageSize", {"A4", "A3", "Letter"}) +
+                  popup("QVPrintSize", {"SameAsPageSize", "A5"}));
+        pane.Set("*PageSize", "A3");
+        pane.Set("*QVPrintSize", "A5");
+        if (each.paper) {
+            pane.Store("com.apple.print.subTicket.paper_info_ticket", each.paper);
+        }
+        UI_Panel panel(pane.data.get(), &services);
+        EXPECT_EQ(pane.data->IsPageSizeSuppressed(), each.isCustom);
+        EXPECT_EQ(panel.GetOSPageSize(), each.isCustom);
+        EXPECT_EQ(valueOf(pane, "*PageSize"), each.pageSize);
+        EXPECT_EQ(panel.CustomSize(), each.customSize);
+        EXPECT_EQ(panel.CustomPaperName(), each.customName);
+        EXPECT_EQ(valueOf(pane, "*QVPrintSize"), each.isCustom ? "A5" : "SameAsPageSize");
+    }
+}
+
+TEST(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader + popup("PageSize", {"A4", "A3"}) + popup("QVDuplex", {"None", "Tumble"}) +
+              popup("QVOutProfile", {"Press", "Coated"}) + jobNote("Notes1") + jobNote("PresetName") +
+              "*OpenGroup: InstallableOptions/Installed\n*%ZANFlags *Unit: Setup\n"
+              "*OpenUI *Unit/Unit: PickOne\n*DefaultUnit: None\n*Unit None: \"\"\n*Unit Staple: \"\"\n"
+              "*CloseUI: *Unit\n*CloseGroup: InstallableOptions\n");
+    ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString("10.0.0.9"), true));
+    UI_Panel panel(pane.data.get());
+    const auto change = [&] {
+        for (const auto& [keyword, value] : {std::pair{"*PageSize", "A3"},
+                                             {"*QVDuplex", "Tumble"},
+                                             {"*QVOutProfile", "Coated"},
+                                             {"*Notes1", "Rush"},
+                                             {"*PresetName", "Glossy"},
+                                             {"*Unit", "Staple"}}) {
+            pane.Set(keyword, value);
+        }
+        panel.makeJobNotesForSpecialControls();
+        for (SettingList* list : pane.data->SideLists()) {
+            list->Append({L"key", L"value"});
+        }
+        pane.data->AccountPairs()[1] = {L"QVPCName", L"Account"};
+        pane.data->Watermarks().Select(3);
+    };
+    change();
+    PPDXJobNote* note = pane.model->GetControls()->FindJobNote("*QVOutProfile", true);
+    ASSERT_NE(note, nullptr);
+    EXPECT_STREQ(note->GetNotes(), "Coated");
+    EXPECT_TRUE(note->IsUTF8());
+
+    panel.ResetControlsToDefault();
+    EXPECT_EQ(valueOf(pane, "*PageSize"), "A3");
+    EXPECT_EQ(valueOf(pane, "*Unit"), "Staple");
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+    EXPECT_EQ(valueOf(pane, "*Notes1"), "");
+    EXPECT_EQ(valueOf(pane, "*PresetName"), "");
+    EXPECT_EQ(valueOf(pane, "*QVOutProfile"), "Press");
+    EXPECT_STREQ(note->GetNotes(), "Press");
+    for (const SettingList* list : pane.data->SideLists()) {
+        EXPECT_EQ(list->Count(), 0u);
+    }
+    EXPECT_THAT(pairsOf(pane.data->PaperCatalogue()),
+                ElementsAre("*QVPCMID=-1", "*QVPCName=-1", "*QVCoverSizePCMID=-1", "*QVCoverSizePCName=-1"));
+    EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), WatermarkList::noSelection);
+
+    // A note of the control bar without its control is a fault of the description. The reset ends there, and
+    // it is told once.
+    pane.model->SetupControl(nullptr,
+                             std::make_unique<PPDXJobNote>("*QVControlBar", cfString("Bar"), nullptr, nullptr,
+                                                           0, nullptr, 64, jobNoteUTF8, 0),
+                             false);
+    change();
+    panel.ResetControlsToDefault();
+    panel.ResetControlsToDefault();
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "Tumble");
+    EXPECT_EQ(valueOf(pane, "*QVOutProfile"), "Press");
+    EXPECT_NE(pane.data->MixedMediaList().Count(), 0u);
+    ASSERT_EQ(pane.model->Errors()->Count(), 1u);
+    EXPECT_TRUE(pane.model->Errors()->First()->IsFatal());
+    EXPECT_STREQ(pane.model->Errors()->First()->Keyword(), "*QVControlBar");
+}
+
+TEST(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
+    ScopedMemorySystem system;
+    for (const bool twoWay : {false, true}) {
+        Pane pane(paneHeader + popup("QVSimulation", {"Euro", "Newsprint"}) + popup("QVControlBar", {"Off"}) +
+                  popup("QVSpotPriority", {"Low"}));
+        ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString("10.0.0.9"), twoWay));
+        UI_Panel panel(pane.data.get());
+        pane.Set("*QVSimulation", "Added by the controller \xE5\x8D\xB0");
+        panel.makeJobNotesForSpecialControls();
+        panel.makeJobNotesForSpecialControls();
+        PPDXControls& controls = *pane.model->GetControls();
+        EXPECT_EQ(controls.FindJobNote("*QVOutProfile", true), nullptr); // no such control
+        for (const char* keyword : {"*QVSimulation", "*QVControlBar", "*QVSpotPriority"}) {
+            PPDXJobNote* note = controls.FindJobNote(keyword, true);
+            ASSERT_EQ(note != nullptr, twoWay) << keyword;
+            if (note) {
+                EXPECT_EQ(utf8Text(note->CopyNotes()), valueOf(pane, keyword));
+                EXPECT_EQ(note->NotesAreUTF8(), *note != "*QVSpotPriority");
+            }
+        }
+    }
+}
+
+TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader + jobNote("QVUserAuthName"));
+    MemoryPanel services;
+    UI_Panel panel(pane.data.get(), &services);
+    const std::string path = "/tmp/ZAN/JPData/Driver_SMALL.PPD/Presets/presets.xml";
+    system->files[path].content = "\xEF\xBB\xBF<a/>\xEF\xBB\xBF";
+    panel.writeLocalJPPresetsToDynamicPPD(); // no printer
+    services.printer = pane.printer;
+    panel.writeLocalJPPresetsToDynamicPPD();
+    ASSERT_EQ(pane.printer->sent.size(), 1u);
+    EXPECT_EQ(utf8Text(pane.printer->sent[0].title), "Command_PRINTERLOCALPRESETS");
+    EXPECT_EQ(utf8Text(pane.printer->sent[0].command), "EFBBBF<a/>EFBBBF");
+    system->files.erase(path);
+    panel.writeLocalJPPresetsToDynamicPPD();
+    EXPECT_EQ(pane.printer->sent.size(), 1u);
+
+    system->userName = "b\xC3\xA4r";
+    panel.GetOSAccountName();
+    EXPECT_EQ(valueOf(pane, "*QVUserAuthName"), "b\xC3\xA4r");
+
+    // A file name that leads elsewhere sends nothing.
+    Pane hostile("*PPD-Adobe: \"4.3\"\n*PCFileName: \"../../x\"\n");
+    UI_Panel other(hostile.data.get(), &services);
+    system->files["/tmp/ZAN/JPData/Driver_../../x/Presets/presets.xml"].content = "x";
+    other.writeLocalJPPresetsToDynamicPPD();
+    EXPECT_EQ(pane.printer->sent.size(), 1u);
+}
+
+TEST(UIPanel, VersionsToldToTheModule) {
+    ScopedMemorySystem system;
+    MemoryPanel services;
+    for (const auto& [version, told, isPylon] : {std::tuple{"4.4.1", "4.4.1", false},
+                                                 {"4.3.1", "4.3.1", true},
+                                                 {"4.3", "", true},
+                                                 {"4.0", "", false},
+                                                 {"4", "", false},
+                                                 {"5.1", "", false},
+                                                 {"3.4.2", "", true}}) {
+        Pane pane(paneHeader + "*%QVVersion: \"" + version +
+                  "\"\n*APDialogExtension: \"/Library/Torka Features/Torka.bundle %n 1\"\n");
+        const UI_Panel panel(pane.data.get(), &services);
+        EXPECT_EQ(fieldText(panel.Record().osVersion), told) << version;
+        EXPECT_EQ(panel.isPylon3(), isPylon) << version;
+        EXPECT_EQ(fieldText(panel.Record().plugInName), "Torka.bundle");
+        EXPECT_EQ(fieldText(panel.Record().driverVersion), "7.1.0.234567890");
+        EXPECT_EQ(fieldText(panel.Record().ppdCopyPath), pane.data->PPDCopyPath());
+    }
+}
+
+TEST(UIPanel, TwoWayStateNeedsAnAddress) {
+    ScopedMemorySystem system;
+    for (const auto& [address, ipEnabled, flag] :
+         {std::tuple{"10.0.0.9", true, "1"}, {"10.0.0.9", false, "0"}, {"", true, "0"}}) {
+        Pane pane(paneHeader);
+        ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString(address), ipEnabled));
+        const UI_Panel panel(pane.data.get());
+        EXPECT_EQ(fieldText(panel.Record().bidiEnabled), flag);
+        EXPECT_EQ(CheckRemote(ipEnabled), std::string_view(flag) == "1");
+    }
+    EXPECT_FALSE(CheckRemote(true));
+}
+
+} // namespace
+
+} // namespace torka::tests
