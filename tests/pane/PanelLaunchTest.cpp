@@ -1,0 +1,268 @@
+#include "bidi/JobPropertiesSession.h"
+#include "bidi/JobPropertiesState.h"
+#include "pane/PaneInterface.h"
+#include "platform/memory/MemoryEventLoop.h"
+#include "tests/pane/UIPanelFixture.h"
+#include "tests/support/FakeJobPropertiesModule.h"
+
+#include <gmock/gmock.h>
+
+// Launches of a Job Properties module, and every way in which one ends.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class DrawnPane final : public CustomizePaneView {
+public:
+    void drawControlsInTree(const PPDTree&) override { ++drawn; }
+    void greyoutShortcutControls(bool grey) override { isGrey = grey; }
+    int drawn = 0;
+    bool isGrey = false;
+};
+
+class PanelLaunch : public ::testing::Test {
+protected:
+    PanelLaunch()
+        : pane(paneHeader + popup("QVDuplex", {"None", "Tumble"}) + popup("QVOutProfile", {"Press"}) +
+               jobNote("PresetName")) {
+        UseTwoWay(true);
+        panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
+        panel->GetCustomizePane().setView(&view);
+        setEventLoop();
+    }
+    ~PanelLaunch() override {
+        panel.reset();
+        unloadJobPropertiesLibrary();
+        setMainEventLoop(nullptr);
+        sharedListCopyFromJP.reset();
+        gotSharedListFromJP = gotServerPresetFromJP = gIgnoreButtonEvents = false;
+    }
+    void UseTwoWay(bool on) { pane.data->SetCorvianPrinterAddress(cfString("10.0.0.9"), on); }
+    void setEventLoop() {
+        auto made = std::make_unique<MemoryEventLoop>();
+        loop = made.get();
+        setMainEventLoop(std::move(made));
+    }
+    // The pane can be used, and what it shows is what the model holds.
+    void ExpectUsable(int timesDrawn) const {
+        EXPECT_THAT(services.buttons, ElementsAre(std::pair{"defaults", true}, std::pair{"properties", true},
+                                                  std::pair{"quick access", true}));
+        EXPECT_FALSE(view.isGrey);
+        EXPECT_FALSE(gIgnoreButtonEvents);
+        EXPECT_EQ(view.drawn, timesDrawn);
+        EXPECT_EQ(sharedList, nullptr);
+    }
+    void Change(const wchar_t* key, const wchar_t* value) {
+        for (auto& setting : module.settings) {
+            if (setting.first == key) {
+                setting.second = value;
+                return;
+            }
+        }
+        module.settings.emplace_back(key, value);
+    }
+    std::vector<std::string> Titles() const {
+        std::vector<std::string> titles;
+        for (const AlertText& text : alertsShown->shown) {
+            titles.push_back(text.title);
+        }
+        return titles;
+    }
+
+    ScopedMemorySystem system;
+    CapturingLog log;
+    ScopedAlerts alertsShown;
+    FakeJobPropertiesModule module;
+    MemoryPanel services;
+    DrawnPane view;
+    Pane pane;
+    std::unique_ptr<UI_Panel> panel;
+    MemoryEventLoop* loop = nullptr;
+};
+
+TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
+    module.edit = [&] {
+        EXPECT_THAT(services.buttons,
+                    ElementsAre(std::pair{"defaults", false}, std::pair{"properties", false},
+                                std::pair{"quick access", false}));
+        EXPECT_TRUE(view.isGrey);
+        EXPECT_EQ(fieldText(panel->Record().bidiEnabled), "1");
+        EXPECT_EQ(fieldText(panel->Record().printerAddress), "10.0.0.9");
+        panel->LaunchJobProperties(0); // a click that came all the same
+        Change(L"QVDuplex", L"Tumble");
+        Change(L"PresetName", L"Glossy");
+        Change(L"QVOutProfile", L"Of the server");
+        module.watermarks.push_back(L"0,0,0,0,0,0,0,0,0,0,0,0,48,Helvetica,DRAFT");
+        Change(L"*QV_WATERMARK", L"0");
+    };
+    panel->LaunchJobProperties(0);
+    ExpectUsable(1);
+    EXPECT_EQ(std::ranges::count(module.calls, "begin"), 1);
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "Tumble");
+    EXPECT_EQ(valueOf(pane, "*QVOutProfile"), "Of the server");
+    EXPECT_EQ(pane.model->GetControls()->FindJobNote("*QVOutProfile", true)->GetNotes(),
+              std::string("Of the server"));
+    ASSERT_NE(pane.data->Watermarks().Selected(), nullptr);
+    EXPECT_EQ(pane.data->Watermarks().Selected()->Text(), "DRAFT");
+    EXPECT_EQ(panel->getReturnFromJP(), 1);
+    EXPECT_EQ(services.timesInFront, 1);
+    EXPECT_THAT(Titles(), IsEmpty());
+
+    // The preset counts as long as nothing is changed; typing or choosing another way forgets it.
+    EXPECT_EQ(valueOf(pane, "*PresetName"), "Glossy");
+    panel->GetCustomizePane().resetJPServerpresetKeys();
+    EXPECT_EQ(valueOf(pane, "*PresetName"), "");
+    EXPECT_TRUE(panel->compareJPServerPresets());
+
+    // The watermarks are those of the printer from now on.
+    pane.Open();
+    panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
+    ASSERT_EQ(pane.data->Watermarks().Count(), 1u);
+    EXPECT_EQ(watermarkDefinitions(panel->Record()).size(), 1u);
+}
+
+TEST_F(PanelLaunch, OtherEndsChangeNothing) {
+    struct Case {
+        const char* what;
+        std::int32_t windowResult;
+        SDMRESULT openResult;
+        bool twoWay;
+        std::vector<std::string> alerts;
+        int drawn;
+    };
+    const std::string invalid = "You have entered an invalid IP Address or DNS Name";
+    const Case cases[] = {
+        {"cancelled", 1, 0, true, {}, 1},
+        {"refused address", 2, 0, true, {invalid}, 0},
+        {"refused address, two-way off", 2, 0, false, {}, 1},
+        {"garbage for a result", -77, 0, true, {invalid}, 0},
+        {"a window that could not open", 0, 5, true, {}, 1},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.what);
+        UseTwoWay(each.twoWay);
+        module.windowResult = each.windowResult;
+        module.openResult = each.openResult;
+        module.edit = [&] { Change(L"QVDuplex", L"Tumble"); };
+        alertsShown->shown.clear();
+        view.drawn = 0;
+        panel->LaunchJobProperties(0);
+        ExpectUsable(each.drawn);
+        EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+        EXPECT_EQ(Titles(), each.alerts);
+    }
+}
+
+TEST_F(PanelLaunch, SessionThatCannotBeginIsTriedOnceMoreWithoutTwoWay) {
+    module.beginResult = 1;
+    alertsShown->answer = AlertButton::alternateButton; // cancel
+    panel->LaunchJobProperties(0);
+    ExpectUsable(1);
+    EXPECT_EQ(module.calls.size(), 2u) << "one beginning and one end";
+    EXPECT_TRUE(pane.data->isBIDIEnabled());
+
+    alertsShown->answer = AlertButton::defaultButton; // continue, every time
+    panel->LaunchJobProperties(0);
+    ExpectUsable(2);
+    EXPECT_FALSE(pane.data->isBIDIEnabled());
+    EXPECT_EQ(fieldText(panel->Record().bidiEnabled), "0");
+    EXPECT_EQ(alertsShown->shown.size(), 3u);
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+}
+
+TEST_F(PanelLaunch, WithoutAModuleNoLaunchStarts) {
+    const auto whole = module.Loader().libraries;
+    const auto missing = [&] { module.Loader().libraries.clear(); };
+    const auto broken = [&] { module.Loader().libraries[FakeJobPropertiesModule::path].error = "bad ELF"; };
+    const auto lacking = [&] {
+        module.Loader().libraries[FakeJobPropertiesModule::path].symbols.erase("JP1_1EndSession");
+    };
+    for (const std::function<void()>& harm : std::vector<std::function<void()>>{missing, broken, lacking}) {
+        module.Loader().libraries = whole;
+        harm();
+        alertsShown->shown.clear();
+        unloadJobPropertiesLibrary();
+        setField(panel->Record().jpResult, "0"); // nothing of it counts as accepted
+        panel->LaunchJobProperties(0);
+        EXPECT_THAT(Titles(), ElementsAre("The full properties are not installed"));
+    }
+    EXPECT_THAT(module.calls, IsEmpty());
+    EXPECT_THAT(services.buttons, IsEmpty()); // they were never switched off
+    EXPECT_EQ(panel->getReturnFromJP(), 0);
+    EXPECT_FALSE(panel->isModuleInstalled(false));
+    EXPECT_EQ(alertsShown->shown.size(), 1u);
+}
+
+TEST_F(PanelLaunch, AWaitForTheServerCanBeStopped) {
+    module.readyAfter = -1;
+    system->cancelAt = system->now + std::chrono::seconds(30);
+    panel->LaunchJobProperties(0);
+    ExpectUsable(1);
+    EXPECT_EQ(fieldText(panel->Record().jpResult), "1");
+    EXPECT_EQ(std::ranges::count(module.calls, "end session"), 1);
+}
+
+TEST_F(PanelLaunch, AnAddressActionShowsTheAlertAlone) {
+    panel->LaunchJobProperties(kJPInvalidAddress);
+    EXPECT_EQ(alertsShown->shown.size(), 1u);
+    UseTwoWay(false);
+    panel->LaunchJobProperties(kJPInvalidAddress);
+    EXPECT_EQ(alertsShown->shown.size(), 1u);
+    EXPECT_THAT(module.calls, IsEmpty());
+}
+
+TEST_F(PanelLaunch, ThePanelMayEndWhileTheWindowIsOpen) {
+    module.edit = [&] {
+        panel.reset();
+        Change(L"QVDuplex", L"Tumble");
+    };
+    panel->LaunchJobProperties(0);
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+    EXPECT_FALSE(gIgnoreButtonEvents);
+}
+
+TEST_F(PanelLaunch, ThousandsOfEntriesAndOverlongValuesComeBackBounded) {
+    module.edit = [&] {
+        module.settings.clear();
+        for (int i = 0; i < 3500; ++i) {
+            module.settings.emplace_back(L"Key" + std::to_wstring(i), std::wstring(800, L'\xD800'));
+        }
+        module.settings[0] = {L"QVDuplex", L"Tumble"};
+        module.settings[2999] = {std::wstring(100, L'k'), L"%n"};
+    };
+    panel->LaunchJobProperties(0);
+    ExpectUsable(1);
+    EXPECT_EQ(entryCount(panel->Record()), exchangeEntryLimit);
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "Tumble");
+}
+
+TEST_F(PanelLaunch, AModuleInAWindowOfItsOwnIsWatched) {
+    setField(panel->Record().jpResult, "-1");
+    SetTimerCheckForJPReturn();
+    loop->Run(std::chrono::seconds(60));
+    EXPECT_TRUE(gIgnoreButtonEvents);
+    EXPECT_EQ(panel->getReturnFromJP(), 0);
+    setField(panel->Record().jpResult, "1");
+    loop->Run(std::chrono::milliseconds(10));
+    ExpectUsable(1);
+    EXPECT_EQ(panel->getReturnFromJP(), 1);
+    EXPECT_EQ(loop->Installed(), 0u);
+
+    // Its panel may be gone by then; and without a loop the buttons are not kept from working for ever.
+    setField(panel->Record().jpResult, "-1");
+    SetTimerCheckForJPReturn();
+    panel.reset();
+    loop->Run(std::chrono::milliseconds(10));
+    EXPECT_FALSE(gIgnoreButtonEvents);
+    setMainEventLoop(nullptr);
+    SetTimerCheckForJPReturn();
+    EXPECT_FALSE(gIgnoreButtonEvents);
+}
+
+} // namespace
+
+} // namespace torka::tests

@@ -1,0 +1,337 @@
+#include "pane/ControlValueText.h"
+#include "tests/pane/UIPanelFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+// What the Job Properties module is handed, and what becomes of what it returns.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+std::string several(const std::string& keyword, const std::vector<std::string>& choices) {
+    std::string text = popup(keyword, choices);
+    return text.replace(text.find("PickOne"), 7, "PickMany");
+}
+
+std::string range(const std::string& keyword, const std::string& bounds, const std::string& kind = "Range") {
+    return "*%ZANFlags *" + keyword + ": Dynamic\n*%ZANGroup *" + keyword + ": Group\n*%ZAN" + kind + " *" +
+           keyword + "/" + keyword + ": " + bounds + ";\"% (<*" + keyword + ">)\"\n";
+}
+
+std::string boolean(const std::string& keyword) {
+    return "*%ZANFlags *" + keyword + ": Setup\n*%ZANGroup *" + keyword + ": Group\n*OpenUI *" + keyword +
+           "/" + keyword + ": Boolean\n*Default" + keyword + ": False\n*" + keyword + " True/On: \"\"\n*" +
+           keyword + " False/Off: \"\"\n*CloseUI: *" + keyword + "\n";
+}
+
+const std::string description =
+    paneHeader + "*%ZANSpecialOption *QVUTF8_Version: 6\n" + popup("PageSize", {"A4", "A3"}) +
+    popup("QVDuplex", {"None", "Tumble"}) + popup("QVBright", {"0", "1"}, "Setup") +
+    several("QVMarks", {"Crop", "Fold", "Color"}) + boolean("Collate") + range("QVScale", "25;400;5;100") +
+    range("QVShift", "-50.0;50.0;0.1;0.0", "FloatRange") + jobNote("Notes1") + jobNote("Short", "4|UTF8") +
+    popup("QVOutProfile", {"Press", "Coated"}) + popup("QVControlBar", {"Off", "Wide"}) +
+    popup("QVPrintSize", {"SameAsPageSize", "CustomPrintSize"}) +
+    "*%ParamCustomPrintSize Width: 1 points 283.46 936\n*%ParamCustomPrintSize Height: 2 points 419.53 1368\n"
+    "*OpenGroup: InstallableOptions/Installed\n*%ZANFlags *Unit: Setup\n*OpenUI *Unit/Unit: PickOne\n"
+    "*DefaultUnit: None\n*Unit None: \"\"\n*Unit Staple: \"\"\n*CloseUI: *Unit\n*CloseGroup: "
+    "InstallableOptions\n";
+
+struct Exchange {
+    explicit Exchange(bool twoWay, const std::string& text = description)
+        : pane(text) {
+        pane.data->SetCorvianPrinterAddress(cfString("10.0.0.9"), twoWay);
+        panel = std::make_unique<UI_Panel>(pane.data.get());
+    }
+    std::vector<std::string> Settings() {
+        KeyValueList list;
+        panel->GetDefaultSettings(list);
+        return pairsOf(list.List());
+    }
+    // What the module returned, through the record.
+    void Return(const std::vector<std::pair<std::string, std::string>>& settings) {
+        KeyValueList list;
+        for (const auto& [key, value] : settings) {
+            list.AppendNarrow(key, value);
+        }
+        panel->SetUpdatedSettings(list.List());
+    }
+
+    ScopedMemorySystem system;
+    Pane pane;
+    std::unique_ptr<UI_Panel> panel;
+};
+
+TEST(PanelSettings, ListOfADescriptionWithoutTwoWayCommunication) {
+    Exchange exchange(false);
+    exchange.pane.settings->SetCopies(12345);
+    exchange.pane.data->SlipSheetList().Append({L"SlipSheet_Tray", L"Upper"});
+    exchange.pane.data->MixedMediaList().Append({L"*MM_A1", L"\u5370"});
+    exchange.pane.data->AccountPairs()[1].value = L"Account";
+    exchange.pane.data->Watermarks().Select(2);
+    EXPECT_THAT(exchange.Settings(),
+                ElementsAre("PageSize=A4", "QVDuplex=None", "QVBright=0", "QVMarks=Crop", "Collate=False",
+                            "QVScale=100", "QVShift=0.000", "Notes1=", "Short=", "QVOutProfile=Press",
+                            "QVPrintSize=SameAsPageSize", "Unit=None", "CustomPrintSize=False",
+                            "QVControlBar=Off", "*QV_WATERMARK=2", "*QV_WATERMARK_FIRSTPAGEONLY=False",
+                            "QVPCMID=-1", "QVPCName=-1", "QVCoverSizePCMID=-1", "QVCoverSizePCName=-1",
+                            "*QV_COPIES=9999", "num copies=9999", "*QVOrientation=Portrait",
+                            "*MM_A1=\xE5\x8D\xB0", "SlipSheet_Tray=Upper"));
+    EXPECT_EQ(fieldText(exchange.panel->Record().installableOptions), "11,");
+}
+
+TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
+    Exchange exchange(true, description + popup("QVOrientation", {"Portrait", "Landscape"}));
+    Pane& pane = exchange.pane;
+    for (const auto& [keyword, value] : {std::pair{"*QVDuplex", "Tumble"},
+                                         {"*QVOutProfile", "Coated"},
+                                         {"*QVControlBar", "Wide"},
+                                         {"*QVPrintSize", "CustomPrintSize"},
+                                         {"*CustomPrintSize", "595.4 841.6"},
+                                         {"*QVMarks", "Fold"}}) {
+        pane.Set(keyword, value);
+    }
+    pane.model->GetControls()->FindPopup("*QVMarks", true)->SetKeywordSelect("Color", true);
+    exchange.panel->makeJobNotesForSpecialControls();
+    pane.model->GetControls()->FindJobNote("*QVControlBar", true)->SetUTF8Notes(cfString("Server Bar"));
+    pane.data->AccountPairs()[1].value = L"Account";
+    pane.Store("WatermarkFirstPageInfo", CFNumberCreate(std::int32_t{1}));
+    pane.Store(
+        "com.apple.print.subTicket.paper_info_ticket",
+        CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), cfString("Banner")}}));
+    ASSERT_TRUE(exchange.panel->GetOSPageSize());
+    const std::vector<std::string> settings = exchange.Settings();
+    // Dynamic popups at their default are left out; one that is not dynamic is not.
+    EXPECT_THAT(settings,
+                ElementsAre("QVDuplex=Tumble", "QVBright=0", "QVMarks=Fold,Color", "Collate=False",
+                            "QVScale=100", "QVShift=0.000", "Notes1=", "Short=", "QVOutProfile=Coated",
+                            "QVPrintSize=CustomPrintSize", "Unit=None",
+                            "CustomPrintSize=595.400024 841.599976", "PageSize=Custom",
+                            "CustomPageSize=0.000000 0.000000", "QVControlBar=Server Bar",
+                            "QVOutProfile=Coated", "*QV_WATERMARK=-1", "*QV_WATERMARK_FIRSTPAGEONLY=True",
+                            "QVPCMID=-1", "QVPCName=Account", "QVCoverSizePCMID=-1", "QVCoverSizePCName=-1",
+                            "*QV_COPIES=1", "num copies=1"));
+}
+
+// Every state that the controls can be brought into comes through the record unchanged.
+TEST(PanelSettings, RoundTripChangesNothing) {
+    std::mt19937 random(7);
+    const std::string marked = "\xEF\xBB\xBF"
+                               "Marked";
+    const std::string longNote(900, 'x');
+    const std::string longMarked = marked + std::string(680, 'y') + "\xE5\x8D\xB0\xE5\x8D\xB0\xE5\x8D\xB0";
+    for (int round = 0; round < 200; ++round) {
+        SCOPED_TRACE(round);
+        Exchange exchange(round % 2 == 1);
+        Pane& pane = exchange.pane;
+        PPDXControls& controls = *pane.model->GetControls();
+        pane.model->GetControls()->ForEach([&](PPDXControl* control) {
+            if (control->Type() == CNTL_TYPE::popup) {
+                auto* choices = static_cast<PPDXPopupControl*>(control);
+                choices->SetValue(static_cast<int>(1 + random() % choices->ItemCount()));
+            }
+        });
+        controls.FindPopup("*QVMarks", true)->SetKeywordSelect("Fold", random() % 2 == 0);
+        controls.FindPopup("*QVMarks", true)->SetKeywordSelect("Color", random() % 2 == 0);
+        pane.Set("*QVSimulation", "Added");
+        controls.FindRangeControl("*QVScale", true)->SetValue(static_cast<long>(random() % 500));
+        controls.FindFloatRangeControl("*QVShift", true)
+            ->SetValue(static_cast<float>(random()) / 4e9F * 100 - 50);
+        const std::string notes[] = {"", "Rush", "a,b=\n\"c\" \xE5\x8D\xB0", marked, longNote, longMarked};
+        pane.Set("*Notes1", notes[random() % std::size(notes)].c_str());
+        pane.Set("*Short", notes[random() % std::size(notes)].c_str()); // longer than declared
+        pane.Set("*CustomPrintSize", random() % 2 == 0 ? "0.1 99999" : "595.4 841.6");
+        exchange.panel->makeJobNotesForSpecialControls();
+        pane.data->MixedMediaList().Append({L"*RangeProp1", L"1-3"});
+        pane.data->PadCoverList().Append({L"PadCoverFront", std::wstring(800, L'\u5370')});
+        pane.data->Watermarks().Append(
+            std::make_unique<ZANWatermark>("0,0,0,1,2,3,0,0,0,450,0,0,48,Helvetica,A, B"));
+        pane.data->Watermarks().Select(static_cast<int>(random() % 3) - 1);
+
+        const std::vector<std::string> before = exchange.Settings();
+        const CFDictionaryRef values = pane.model->CopyAllValues();
+        const float shift = controls.FindFloatRangeControl("*QVShift", true)->GetValue();
+
+        auto record = std::make_unique<SharedMemoryList>();
+        KeyValueList list;
+        exchange.panel->GetDefaultSettings(list);
+        exchange.panel->GetWatermarks(*record);
+        writeSettings(*record, list.List());
+        Create_SDMList_From_SharedMemoryList(list, *record);
+        exchange.panel->UpdateWatermarks(*record);
+        exchange.panel->SetUpdatedSettings(list.List());
+
+        EXPECT_EQ(exchange.Settings(), before);
+        EXPECT_TRUE(CFEqual(pane.model->CopyAllValues(), values));
+        EXPECT_EQ(controls.FindFloatRangeControl("*QVShift", true)->GetValue(), shift);
+        EXPECT_EQ(pane.data->Watermarks().Count(), 1u);
+    }
+}
+
+TEST(PanelSettings, EachKeyGoesWhereItBelongs) {
+    Exchange exchange(true);
+    Pane& pane = exchange.pane;
+    exchange.panel->makeJobNotesForSpecialControls();
+    pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("0,0,0,0,0,0,0,0,0,0,0,0,48,Helvetica,A"));
+    pane.data->SlipSheetList().Append({L"SlipSheet_Old", L"removed by the module"});
+    exchange.Settings();
+    exchange.Return({{"*QVDuplex", "Tumble"},
+                     {"Collate", "TRUE"},
+                     {"QVScale", "205"},
+                     {"QVShift", "1.5"},
+                     {"QVMarks", "Color,Fold"},
+                     {"Notes1", "caf\xC3\xA9"},
+                     {"Short", "12345"},
+                     {"QVOutProfile", "Of the server"},
+                     {"QVControlBar", "Server Bar"},
+                     {"CustomPrintSize", "300 9000"},
+                     {"Unit", "Staple"},
+                     {"*QV_WATERMARK_FIRSTPAGEONLY", "True"},
+                     {"*QV_WATERMARK", "0"},
+                     {"*QV_COPIES", "12"},
+                     {"num copies", "99"},
+                     {"QVPCMID", "7"},
+                     {"*QVCoverSizePCName", std::string(600, 'n')},
+                     {"RangeProp1", "1-3"},
+                     {"PadCoverFront", "Yes"},
+                     {"*MM_A1", "Card"},
+                     {"CoverPage_Back", "No"},
+                     {"RangeProp1", "4-6"}});
+    for (const auto& [keyword, value] : {std::pair{"*QVDuplex", "Tumble"},
+                                         {"*Collate", "True"},
+                                         {"*QVScale", "205"},
+                                         {"*QVShift", "1.500"},
+                                         {"*Notes1", "caf\xC3\xA9"},
+                                         {"*Short", "1234"},
+                                         {"*QVOutProfile", "Of the server"},
+                                         {"*QVControlBar", "Server Bar"},
+                                         {"*CustomPrintSize", "300.000000 1368.000000"},
+                                         {"*Unit", "Staple"}}) {
+        EXPECT_EQ(valueOf(pane, keyword), value) << keyword;
+    }
+    EXPECT_EQ(controlValueText(*pane.model->GetControls()->FindPopup("*QVMarks", true)), "Fold,Color");
+    const PPDXJobNote* profile = pane.model->GetControls()->FindJobNote("*QVOutProfile", true);
+    EXPECT_STREQ(profile->GetNotes(), "Of the server");
+    ASSERT_NE(pane.data->Watermarks().Selected(), nullptr);
+    EXPECT_TRUE(pane.data->Watermarks().Selected()->IsFirstPageOnly());
+    EXPECT_EQ(pane.data->GetNumCopiesFromOS(), 12u);
+    EXPECT_THAT(pairsOf(pane.data->PaperCatalogue()),
+                ElementsAre("QVPCMID=7", "*QVPCName=-1", "*QVCoverSizePCMID=-1",
+                            "QVCoverSizePCName=" + std::string(accountValueSize - 1, 'n')));
+    EXPECT_THAT(pairsOf(pane.data->MixedMedia()),
+                ElementsAre("RangeProp1=1-3", "*MM_A1=Card", "RangeProp1=4-6"));
+    EXPECT_THAT(pairsOf(pane.data->PadCovers()), ElementsAre("PadCoverFront=Yes"));
+    EXPECT_THAT(pairsOf(pane.data->CoverPages()), ElementsAre("CoverPage_Back=No"));
+    EXPECT_THAT(pairsOf(pane.data->SlipSheets()), IsEmpty());
+}
+
+TEST(PanelSettings, GarbageChangesNothing) {
+    const CapturingLog log;
+    Exchange exchange(false);
+    const std::vector<std::string> before = exchange.Settings();
+    const std::vector<std::pair<std::string, std::string>> garbage = {
+        {"QVDuplex", "Sideways"},
+        {"QVDuplex", ""},
+        {"Collate", "Maybe"},
+        {"QVScale", "12 apples"},
+        {"QVScale", "nan"},
+        {"QVScale", ""},
+        {"QVShift", "1e999"},
+        {"QVShift", "0x10"},
+        {"QVMarks", "Crop,Burn"},
+        {"QVOutProfile", "line\nbreak"},
+        {"QVOutProfile", std::string(4000, 'p')},
+        {"CustomPrintSize", "-5 300"},
+        {"CustomPrintSize", "wide"},
+        {"PageSize", "%n%s"},
+        {"*QV_WATERMARK", "first"},
+        {"*QV_WATERMARK_FIRSTPAGEONLY", "1"},
+        {"*QV_COPIES", "0"},
+        {"*QV_COPIES", "-2"},
+        {"*QV_COPIES", "10000"},
+        {"QVUTF8_Version", "1"}, // nobody sets a special option
+        {"*", "x"},
+        {"", ""},
+        {std::string(5000, 'k'), "x"},
+        {"**QVDuplex", "Tumble"},
+        {"\xFF\xFE", "\xFF"},
+    };
+    for (const auto& each : garbage) {
+        exchange.Return({each});
+        EXPECT_EQ(exchange.Settings(), before) << each.first << "=" << each.second;
+    }
+    exchange.Return({{"QVScale", "99999999999999999999"}, {"*QV_WATERMARK", "88"}, {"QVShift", "-1000"}});
+    EXPECT_EQ(valueOf(exchange.pane, "*QVScale"), "400");
+    EXPECT_EQ(valueOf(exchange.pane, "*QVShift"), "-50.000");
+    EXPECT_EQ(exchange.pane.data->Watermarks().SelectedIndex(), WatermarkList::noSelection);
+
+    // Null texts, and counts without items, are nothing either.
+    SDMKeyValue nothing[] = {{nullptr, nullptr}, {const_cast<wchar_t*>(L"QVDuplex"), nullptr}};
+    exchange.panel->SetUpdatedSettings({2, nothing});
+    exchange.panel->SetUpdatedSettings({5, nullptr});
+    EXPECT_EQ(valueOf(exchange.pane, "*QVDuplex"), "None");
+}
+
+// 3,000 entries are taken, whatever they are; the lists keep to their capacity.
+TEST(PanelSettings, FloodIsBounded) {
+    Exchange exchange(false);
+    std::vector<std::pair<std::string, std::string>> flood;
+    for (int i = 0; i < 3500; ++i) {
+        flood.emplace_back(i % 2 == 0 ? "MM_A" + std::to_string(i) : "QVOutProfile", "v" + std::to_string(i));
+    }
+    flood.emplace_back("QVDuplex", "Tumble");
+    exchange.Return(flood);
+    EXPECT_EQ(exchange.pane.data->MixedMediaList().Count(), 1500u);
+    EXPECT_EQ(valueOf(exchange.pane, "*QVOutProfile"), "v2999");
+    EXPECT_EQ(exchange.pane.model->GetControls()->FindPopup("*QVOutProfile", true)->ItemCount(), 3u);
+    EXPECT_EQ(valueOf(exchange.pane, "*QVDuplex"), "None");
+    for (auto& [key, value] : flood) {
+        key = "PadCover" + value;
+    }
+    exchange.Return(flood);
+    EXPECT_EQ(exchange.pane.data->PadCoverList().Count(), exchange.pane.data->PadCoverList().Capacity());
+}
+
+// What had no room in the record is still there when the module returns.
+TEST(PanelSettings, WhatTheModuleNeverSawStays) {
+    Exchange exchange(false);
+    PDEData& data = *exchange.pane.data;
+    for (int i = 0; i < 2048; ++i) {
+        data.MixedMediaList().Append({L"MM_A" + std::to_wstring(i), L"x"});
+    }
+    for (int i = 0; i < 20; ++i) {
+        data.Watermarks().Append(std::make_unique<ZANWatermark>(
+            ("0,0,0,0,0,0,0,0,0,0,0,0,48,Helvetica," + std::string(900, static_cast<char>('a' + i)))
+                .c_str()));
+    }
+    data.Watermarks().Select(15);
+    auto record = std::make_unique<SharedMemoryList>();
+    exchange.panel->GetWatermarks(*record);
+    const std::size_t seen = watermarkDefinitions(*record).size();
+    ASSERT_LT(seen, 15u);
+    const std::vector<std::string> before = exchange.Settings();
+    // The module adds one in front and takes two away.
+    std::vector<std::string> edited = watermarkDefinitions(*record);
+    edited.erase(edited.end() - 2, edited.end());
+    edited.insert(edited.begin(), "0,0,0,0,0,0,0,0,0,0,0,0,9,Courier,New");
+    setWatermarkDefinitions(*record, edited);
+    const ZANWatermark* chosen = data.Watermarks().Selected();
+    exchange.panel->UpdateWatermarks(*record);
+    EXPECT_EQ(data.Watermarks().Count(), 19u);
+    EXPECT_EQ(data.Watermarks().At(0)->Text(), "New");
+    EXPECT_EQ(data.Watermarks().Selected(), chosen);
+    exchange.Return({{"*QV_WATERMARK", "15"}}); // as it was handed over
+    EXPECT_EQ(data.Watermarks().Selected(), chosen);
+    EXPECT_EQ(data.MixedMediaList().Count(), 0u); // all of them had room
+}
+
+} // namespace
+
+} // namespace torka::tests
