@@ -1,0 +1,96 @@
+#include "bundle/WaitDialog.h"
+#include "output/BundleIdentifier.h"
+#include "pane/PaneInterface.h"
+#include "pane/TorkaFeaturesPDEPlugIn.h"
+#include "platform/Alert.h"
+#include "platform/Bundle.h"
+#include "platform/Log.h"
+#include "platform/avahi/AvahiServiceDirectory.h"
+#include "platform/cups/CupsSpooler.h"
+#include "platform/posix/PosixBundle.h"
+#include "platform/posix/PosixLibraryLoader.h"
+#include "platform/posix/PosixNetServices.h"
+#include "platform/posix/PosixSystem.h"
+#include "platform/qt/QtEventLoop.h"
+
+#include <QApplication>
+
+// Where the plug-in is put together: its own copies of the adapters, chosen when a host asks for the first
+// class.
+
+#ifndef TORKA_ROOT_FROM_ENVIRONMENT
+#define TORKA_ROOT_FROM_ENVIRONMENT 1
+#endif
+
+extern "C" __attribute__((visibility("default"))) torka::platform::PDEPlugIn*
+torkaBundleInstantiate(const char* className, int interfaceVersion);
+
+namespace torka {
+
+namespace {
+
+// Alerts without a toolkit: nobody can be asked, so nothing is gone on with.
+class LoggedAlerts final : public AlertPresenter {
+public:
+    AlertButton RunModal(const AlertText& text) override {
+        myNSLogC("%s %s", text.title.c_str(), text.informative.c_str());
+        return text.alternateButton.empty() ? AlertButton::defaultButton : AlertButton::alternateButton;
+    }
+};
+
+void chooseSystemAdapters() {
+    PosixSystemOptions options;
+    options.root = TORKA_SYSTEM_ROOT_DEFAULT;
+    options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT != 0;
+    options.wait = WaitDialog::wait;
+    setSystem(std::make_unique<PosixSystem>(std::move(options)));
+    setSpooler(std::make_unique<CupsSpooler>());
+    setNetServices(std::make_unique<PosixNetServices>());
+    setLibraryLoader(std::make_unique<PosixLibraryLoader>());
+    setAlerts(std::make_unique<LoggedAlerts>());
+
+    std::string problem;
+    const std::filesystem::path folder =
+        bundleFolderAround(reinterpret_cast<const void*>(&torkaBundleInstantiate));
+    registerBundle(openBundle(folder, problem));
+}
+
+// What lives no longer than the host's application object.
+void dropToolkitAdapters() {
+    setPaneInterfaceLoader({});
+    setWaitPresenter(nullptr);
+    setAlerts(std::make_unique<LoggedAlerts>());
+    setServiceDirectory(nullptr);
+    setMainEventLoop(nullptr);
+}
+
+void chooseToolkitAdapters() {
+    auto loop = std::make_unique<QtEventLoop>();
+    setServiceDirectory(std::make_unique<AvahiServiceDirectory>(*loop));
+    setMainEventLoop(std::move(loop));
+    setWaitPresenter(std::make_unique<WaitDialog>(bundleWithIdentifier(bundleIdentifier)));
+    qAddPostRoutine(dropToolkitAdapters);
+}
+
+void compose() {
+    if (!hasSystem()) {
+        chooseSystemAdapters();
+    }
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
+        myNSLogC("The host has no application object of the toolkit: the features pane has no widgets.");
+    } else if (GetMainEventLoop() == nullptr) {
+        chooseToolkitAdapters();
+    }
+}
+
+} // namespace
+
+} // namespace torka
+
+torka::platform::PDEPlugIn* torkaBundleInstantiate(const char* className, int interfaceVersion) {
+    if (className == nullptr || interfaceVersion != torka::bundleInterfaceVersion) {
+        return nullptr;
+    }
+    torka::compose();
+    return torka::makeRegisteredClass(className).release();
+}
