@@ -190,6 +190,8 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
     addTarget(*remove, *options, "Address list (XML property list)");
     remove->add_option("NAME", options->name, "Printer name; letter case does not matter")->required();
     remove->callback([options, &status] { status = removeAddress(*options); });
+
+    addDiscoverCommand(*command, status);
 }
 
 } // namespace torka::tool

@@ -35,6 +35,7 @@ void addTicketCommand(CLI::App& app, ExitStatus& status);
 void addNotesCommand(CLI::App& app, ExitStatus& status);
 void addPingCommand(CLI::App& app, ExitStatus& status);
 void addAddressCommand(CLI::App& app, ExitStatus& status);
+void addDiscoverCommand(CLI::App& address, ExitStatus& status); // of the command "address"
 void addPrintCommand(CLI::App& app, ExitStatus& status);
 void addCommandCommand(CLI::App& app, ExitStatus& status);
 void addQueueCommand(CLI::App& app, ExitStatus& status);

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "connection/BonjourModuleController.h"
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace torka::tests {
+
+// The address sheet without widgets: what was set is kept, and a test plays the person.
+class MemoryAddressSheet final : public BonjourModuleView {
+public:
+    void setDelegate(BonjourModuleViewDelegate* newDelegate) override { delegate = newDelegate; }
+    void openSheet() override { isOpen = true; }
+    void closeSheet() override { isOpen = false; }
+    bool isSheetVisible() const override { return isOpen; }
+    CFStringRef addressField() const override { return cfString(field); }
+    void setAddressField(const CFStringRef& text) override { field = utf8Text(text); }
+    void focusAddressField() override { ++focused; }
+    void setRows(std::span<const ControllerRow> newRows, std::optional<std::size_t> newSelection) override {
+        rows.clear();
+        for (const ControllerRow& row : newRows) {
+            rows.emplace_back(utf8Text(row.name), utf8Text(row.addresses));
+        }
+        selected = newSelection;
+        ++reloads;
+    }
+    std::optional<std::size_t> selectedRow() const override { return selected; }
+    void setIndicatorImage(ControllerColumn column, SortIndicator indicator) override {
+        indicators[column] = indicator;
+    }
+    void setProgress(bool running) override { progress = running; }
+    void setStatus(const CFStringRef& text) override { status = utf8Text(text); }
+    bool bidiState() const override { return bidi; }
+    void setBidiState(bool on) override { bidi = on; }
+    void setBidiCheckBoxEnabled(bool enabled) override { bidiEnabled = enabled; }
+    void setConfigureButtonEnabled(bool enabled) override { configureEnabled = enabled; }
+
+    void ClickBidi(bool on) {
+        bidi = on;
+        delegate->BIDICheckBoxClicked();
+    }
+    void SelectRow(std::size_t row) {
+        selected = row;
+        delegate->UpOrDownArrowKeySelection();
+    }
+
+    BonjourModuleViewDelegate* delegate = nullptr;
+    bool isOpen = false;
+    std::string field;
+    int focused = 0;
+    std::vector<std::pair<std::string, std::string>> rows;
+    std::optional<std::size_t> selected;
+    int reloads = 0;
+    std::map<ControllerColumn, SortIndicator> indicators;
+    bool progress = false;
+    std::string status;
+    bool bidi = false;
+    bool bidiEnabled = false;
+    bool configureEnabled = false;
+};
+
+// A panel model that keeps one address.
+class MemoryAddressOwner final : public BonjourModuleOwner {
+public:
+    BonjourModuleController* GetsBonjourModuleController() const override { return controller; }
+    void setsBonjourModuleController(BonjourModuleController* newController) override {
+        controller = newController;
+    }
+    CFStringRef storedPrinterAddress() override { return cfString(address); }
+    bool storePrinterAddress(const CFStringRef& newAddress, bool newTwoWay) override {
+        address = utf8Text(newAddress);
+        twoWay = newTwoWay;
+        ++stores;
+        return true;
+    }
+    void showPrinterAddress(const CFStringRef& newAddress) override { shown = utf8Text(newAddress); }
+    CFStringRef bidiString(std::string_view key, std::string_view english) override {
+        return cfString(key.starts_with("DISCOVERY") ? key : english);
+    }
+
+    BonjourModuleController* controller = nullptr;
+    std::string address;
+    bool twoWay = false;
+    int stores = 0;
+    std::string shown;
+};
+
+} // namespace torka::tests
