@@ -108,9 +108,7 @@ void TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
 void TorkaFeaturesPDE::TellLeftOutNotes() {
     std::string names;
     for (const ZANJobNoteList::LeftOutNote& note : self.myPDEData->LeftOutNotes()) {
-        const PPDXControl* control = self.myppd->GetPPDXControlForKey(cfString(note.keyword));
-        const std::string name = control != nullptr ? utf8Text(control->CFStringUserName()) : std::string();
-        names += (names.empty() ? "" : ", ") + (name.empty() ? note.keyword : name);
+        names += (names.empty() ? "" : ", ") + (note.title.empty() ? note.keyword : note.title);
     }
     if (names.empty() || !hasAlerts()) {
         return;

@@ -257,6 +257,9 @@ bool TorkaFeaturesPDE::LoadInterface() {
     }
     self.myUi_Panel->GetCustomizePane().setView(&interface->customizePane());
     self.bonjourViewRef = BonjourModuleController::init(*self.myUi_Panel, interface->addressSheet());
+    // At once, and not only when the pane comes to the front: a dialog that ends before that stores what the
+    // field holds.
+    self.myUi_Panel->Show();
     if (isQuickAccessOff()) {
         enableCustomizedViewForDMT();
     }

@@ -1,0 +1,213 @@
+#pragma once
+
+#include "bidi/CommandJob.h"
+#include "connection/BonjourModuleView.h"
+#include "output/BundleIdentifier.h"
+#include "pane/PDEData.h"
+#include "pane/PresetStore.h"
+#include "pane/TorkaFeaturesPDE.h"
+#include "pane/TorkaFeaturesPDEPlugIn.h"
+#include "platform/memory/MemoryBundle.h"
+#include "platform/memory/MemorySpooler.h"
+#include "tests/pane/UIPanelFixture.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+// A print dialog with nothing on the screen: the panel's widgets, its queue, its bundle and its system are in
+// memory; the description is a file behind a symbolic link, as a spooler gives it.
+
+namespace torka::tests {
+
+class MemorySheet final : public BonjourModuleView {
+public:
+    void setDelegate(BonjourModuleViewDelegate* newDelegate) override { delegate = newDelegate; }
+    void openSheet() override { isOpen = true; }
+    void closeSheet() override { isOpen = false; }
+    bool isSheetVisible() const override { return isOpen; }
+    CFStringRef addressField() const override { return address; }
+    void setAddressField(const CFStringRef& text) override { address = text; }
+    void focusAddressField() override {}
+    void setRows(std::span<const ControllerRow>, std::optional<std::size_t>) override {}
+    std::optional<std::size_t> selectedRow() const override { return std::nullopt; }
+    void setIndicatorImage(ControllerColumn, SortIndicator) override {}
+    void setProgress(bool) override {}
+    void setStatus(const CFStringRef&) override {}
+    bool bidiState() const override { return bidi; }
+    void setBidiState(bool on) override { bidi = on; }
+    void setBidiCheckBoxEnabled(bool) override {}
+    void setConfigureButtonEnabled(bool) override {}
+
+    BonjourModuleViewDelegate* delegate = nullptr;
+    bool isOpen = false;
+    bool bidi = false;
+    CFStringRef address = cfString("");
+};
+
+struct MemoryWidgets {
+    std::map<PaneOutlet, std::string> texts;
+    std::map<PaneOutlet, bool> hidden;
+    std::map<PaneOutlet, double> shifts; // of the frames' lower edge
+    std::vector<std::string> observed;
+    std::function<void()> painted;
+    int drawn = 0;
+    int fronts = 0;
+    bool quickAccessOpen = false;
+    int quickAccessCancels = 0;
+    bool popupAnswer = true;
+    int popups = 0;
+    MemorySheet* sheet = nullptr;
+};
+
+class MemoryInterface final : public PaneInterface,
+                              public CustomizePaneView,
+                              public CustomizeQuickAccessView,
+                              public PopupJobNoteView {
+public:
+    explicit MemoryInterface(MemoryWidgets& kept)
+        : widgets(kept) {
+        widgets = {};
+        widgets.sheet = &sheet;
+    }
+    ~MemoryInterface() override { widgets.sheet = nullptr; }
+    ViewRef outputBinsView() override { return root; }
+    CFStringRef stringValue(PaneOutlet outlet) const override { return cfString(widgets.texts[outlet]); }
+    void setStringValue(PaneOutlet outlet, const CFStringRef& text) override {
+        widgets.texts[outlet] = utf8Text(text);
+    }
+    void setHidden(PaneOutlet outlet, bool hidden) override { widgets.hidden[outlet] = hidden; }
+    void setEnabled(PaneOutlet, bool) override {}
+    PaneFrame frame(PaneOutlet) const override { return {0, 100, 200, 300}; }
+    void setFrame(PaneOutlet outlet, const PaneFrame& frame) override {
+        widgets.shifts[outlet] = frame.y - 100 + frame.height - 300;
+    }
+    void whenFirstPainted(std::function<void()> action) override { widgets.painted = std::move(action); }
+    void bringToFront() override { ++widgets.fronts; }
+    CustomizePaneView& customizePane() override { return *this; }
+    CustomizeQuickAccessView& customizeQuickAccess() override { return *this; }
+    PopupJobNoteView& popupJobNotes() override { return *this; }
+    BonjourModuleView& addressSheet() override { return sheet; }
+
+    void drawControlsInTree(const PPDTree&) override { ++widgets.drawn; }
+    void greyoutShortcutControls(bool) override {}
+    bool validWindowSessionRunning() const override { return widgets.quickAccessOpen; }
+    void doButtonCancelClicked() override {
+        widgets.quickAccessOpen = false;
+        ++widgets.quickAccessCancels;
+    }
+    void openSheet() override { widgets.quickAccessOpen = true; }
+    void observeControlTextDidChange(std::string_view outlet) override {
+        widgets.observed.emplace_back(outlet);
+    }
+    bool handlePopupJobnoteUI() override {
+        ++widgets.popups;
+        return widgets.popupAnswer;
+    }
+
+private:
+    MemoryWidgets& widgets;
+    ViewRef root = std::make_shared<View>();
+    MemorySheet sheet;
+};
+
+class MemoryDialog final : public PDEPlugInCallback {
+public:
+    PMPrintSession printSession() const override { return session; }
+    PMPrintSettings printSettings() const override { return settings; }
+    PMPageFormat pageFormat() const override { return format; }
+    std::shared_ptr<Printer> PMPrinter() const override { return printer; }
+
+    std::shared_ptr<MemoryPrintSettings> settings = std::make_shared<MemoryPrintSettings>();
+    std::shared_ptr<MemoryPrinter> printer = std::make_shared<MemoryPrinter>();
+    std::shared_ptr<MemorySession> session = std::make_shared<MemorySession>(printer);
+    std::shared_ptr<MemoryPageFormat> format = std::make_shared<MemoryPageFormat>();
+};
+
+inline std::string panelDescription(const std::string& more = {}) {
+    return paneHeader + "*LanguageVersion: English\n*%QVVersion: \"4.2\"\n" +
+           popup("QVDuplex", {"None", "Tumble"}) + popup("InputSlot", {"Auto", "Tray1"}) +
+           popup("QVFold", {"Flat", "Half"}) + jobNote("QVNotes1", "255|UTF8") +
+           jobNote("QVSecret", "32|Alpha|Password") + more;
+}
+
+struct Bench {
+    explicit Bench(const std::string& description = panelDescription(), std::string fileName = "Press.ppd") {
+        queuePath = folder.Write(fileName, description);
+        std::filesystem::create_symlink(queuePath, folder / "link");
+        dialog->printer->name = "Press";
+        dialog->printer->ppdPath = (folder / "link").string();
+        dialog->printer->makeAndModel = "Torka Production 90";
+        dialog->printer->deviceUri = "socket://10.0.0.7";
+        // The queue's filter does what it is told at once.
+        dialog->printer->onSend = [this](const MemoryPrinter::SentCommand& sent) {
+            spooler->jobs.push_back({static_cast<int>(spooler->jobs.size()) + 1, utf8Text(sent.title),
+                                     "Press", jobStateCompleted});
+        };
+        spooler->destinations = {{"Press", destinationStateIdle, true}};
+        spooler->ppdPaths["Press"] = queuePath.string();
+        setSpooler(std::unique_ptr<Spooler>(spooler));
+        bundle->identifier = bundleIdentifier;
+        registerBundle(bundle);
+        WriteList("<dict><key>PCFILENAME</key><array><string>small.ppd</string></array></dict>");
+        setPaneInterfaceLoader([this](TorkaFeaturesPDE&, const BundleRef&) -> std::unique_ptr<PaneInterface> {
+            ++loads;
+            return std::make_unique<MemoryInterface>(widgets);
+        });
+        sessionQueueName.clear();
+    }
+    Bench(const Bench&) = delete;
+    Bench& operator=(const Bench&) = delete;
+    ~Bench() {
+        setPaneInterfaceLoader({});
+        forgetBundle(bundleIdentifier);
+        setSpooler(nullptr);
+    }
+    void WriteList(const std::string& content) {
+        system->files["/bundle/Contents/PrinterList.plist"] = {
+            R"(<?xml version="1.0"?><plist version="1.0">)" + content + "</plist>", 0644};
+    }
+    std::shared_ptr<TorkaFeaturesPDE> Open() { return TorkaFeaturesPDE::initWithCallback(dialog); }
+    std::shared_ptr<TorkaFeaturesPDE> OpenShown() {
+        auto panel = Open();
+        static_cast<void>(panel->panelView());
+        panel->willShow();
+        return panel;
+    }
+    std::vector<std::string> SentTitles() const {
+        std::vector<std::string> titles;
+        for (const auto& sent : dialog->printer->sent) {
+            // Without the UUIDs that some titles end in.
+            const std::string title = utf8Text(sent.title);
+            titles.push_back(title.substr(0, title.find("00000000-")));
+        }
+        return titles;
+    }
+    std::string Stored(const char* key) const {
+        return utf8Text(cfCast<CFString>(dialog->settings->Value(cfString(key))));
+    }
+    void Store(const char* key, const CFTypeRef& value) {
+        dialog->settings->SetValue(cfString(key), value, false);
+    }
+
+    ScopedMemorySystem system;
+    ScopedAlerts alerts;
+    TemporaryFolder folder;
+    std::filesystem::path queuePath;
+    std::shared_ptr<MemoryBundle> bundle = std::make_shared<MemoryBundle>();
+    std::shared_ptr<MemoryDialog> dialog = std::make_shared<MemoryDialog>();
+    MemorySpooler* spooler = new MemorySpooler; // owned by the holder of platform::spooler()
+    MemoryWidgets widgets;
+    int loads = 0;
+};
+
+inline std::string valueOf(const TorkaFeaturesPDE& panel, const char* keyword) {
+    return utf8Text(panel.getPPDPtr()->CopyValueForKey(cfString(keyword)));
+}
+
+inline void set(const TorkaFeaturesPDE& panel, const char* keyword, const char* value) {
+    panel.getPPDPtr()->SetValueForKey(cfString(keyword), cfString(value));
+}
+
+} // namespace torka::tests

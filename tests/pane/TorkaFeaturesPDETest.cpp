@@ -1,0 +1,510 @@
+#include "bidi/JobPropertiesState.h"
+#include "connection/BonjourModuleController.h"
+#include "pane/BundleHelpers.h"
+#include "platform/Help.h"
+#include "tests/pane/PanelFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace torka::tests {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+TEST(PlugIn, GivesPanelsOfOneTypeForListedPrintersOnly) {
+    Bench bench;
+    const auto plugIn = makeRegisteredClass("TorkaFeaturesPDEPlugIn5D2E7A419C3B4F608E17B04A6C2D9F85");
+    ASSERT_TRUE(plugIn);
+    EXPECT_FALSE(makeRegisteredClass("TorkaFeaturesPDEPlugIn"));
+    EXPECT_TRUE(plugIn->initWithBundle(nullptr));
+    const CFStringRef type = cfString(printDialogPanelType);
+    for (const CFStringRef& other :
+         {cfString("bdb091f4-e57f-11d3-b5cc-0050e4603277"), cfString(""), CFStringRef()}) {
+        const auto none = plugIn->PDEPanelsForType(other, bench.dialog);
+        ASSERT_TRUE(none);
+        EXPECT_THAT(*none, IsEmpty());
+    }
+    const auto panels = plugIn->PDEPanelsForType(type, bench.dialog);
+    ASSERT_TRUE(panels);
+    ASSERT_EQ(panels->size(), 1U);
+    EXPECT_EQ(panels->front().get(), sTorkaFeaturesPDE);
+    EXPECT_FALSE(plugIn->PDEPanelsForType(type, nullptr));
+
+    const std::vector<std::string> unusable = {
+        "<dict><key>PCFILENAME</key><array><string>OTHER.PPD</string></array></dict>",
+        "<dict><key>OTHER</key><array><string>SMALL.PPD</string></array></dict>",
+        "<dict><key>PCFILENAME</key><string>SMALL.PPD</string></dict>",
+        "<array><string>SMALL.PPD</string></array>", "<dict><key>"};
+    for (const std::string& list : unusable) {
+        bench.WriteList(list);
+        EXPECT_FALSE(plugIn->PDEPanelsForType(type, bench.dialog)) << list;
+    }
+    bench.system->files.clear();
+    const CapturingLog log;
+    EXPECT_FALSE(plugIn->PDEPanelsForType(type, bench.dialog));
+    EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("PrinterList.plist is missing or broken")));
+    // A panel that was not made leaves the one that is alone.
+    EXPECT_EQ(sTorkaFeaturesPDE, panels->front().get());
+}
+
+TEST(PlugIn, WantsTheMakersVersion) {
+    std::string text = panelDescription();
+    text.replace(text.find("*%QVVersion"), 19, "");
+    Bench bench(text);
+    EXPECT_FALSE(bench.Open());
+    EXPECT_EQ(sTorkaFeaturesPDE, nullptr);
+    EXPECT_EQ(thePMPrinter, nullptr);
+}
+
+TEST(Panel, StartsInOrder) {
+    Bench bench;
+    gVectorWorksFix = 7;
+    gPopupJobNotesNote[2] = "old";
+    gPopupJobNotesSavedSetting = '0';
+    bench.bundle->info[u"CFBundleVersion"] = cfString("1.2");
+    const auto panel = bench.Open();
+    ASSERT_TRUE(panel);
+    EXPECT_EQ(gVectorWorksFix, 0);
+    EXPECT_EQ(gPopupJobNotesNote[2], "");
+    EXPECT_EQ(gPopupJobNotesSavedSetting, '1');
+    EXPECT_EQ(sessionQueueName, "Press");
+    EXPECT_EQ(destinationPPD(), (bench.folder / "link").string());
+    EXPECT_EQ(cachesPDEOpenFilePath, "/Library/Caches/ZAN/Press.pdeopen");
+    EXPECT_EQ(currentPrintSession, bench.dialog->session);
+    ASSERT_NE(thePMPrinter, nullptr);
+    EXPECT_EQ(*thePMPrinter, bench.dialog->printer);
+    EXPECT_EQ(bench.Stored("PCFILENAME"), "SMALL.PPD");
+    EXPECT_EQ(bench.Stored("*QVDuplex"), "None"); // Sync has written the settings
+    EXPECT_EQ(utf8Text(panel->bundleVersion()), "1.2");
+    // Without popup notes the interface waits until it is asked for.
+    EXPECT_TRUE(hasNoPopupJobNotes());
+    EXPECT_EQ(bench.loads, 0);
+    EXPECT_NE(panel->panelView(), nullptr);
+    EXPECT_EQ(panel->panelView(), panel->panelView());
+    EXPECT_EQ(bench.loads, 1);
+    EXPECT_THAT(bench.widgets.observed, IsEmpty());
+}
+
+TEST(Panel, NothingIsSentBeforeThePaneWasPainted) {
+    Bench bench;
+    const auto panel = bench.OpenShown();
+    ASSERT_TRUE(panel);
+    EXPECT_THAT(bench.SentTitles(), IsEmpty());
+    // What is held back counts already.
+    EXPECT_EQ(utf8Text(panel->GetPDEDataPtr()->GetCorvianPrinterAddress()), "10.0.0.7");
+    ASSERT_TRUE(bench.widgets.painted);
+    bench.widgets.painted();
+    EXPECT_THAT(bench.SentTitles(), ElementsAre("Command_ZANPrefs", "Command_LocaleCode"));
+    EXPECT_EQ(utf8Text(bench.dialog->printer->sent[1].command), gServerLanguage);
+    panel->sendDeferredCommands();
+    EXPECT_EQ(bench.dialog->printer->sent.size(), 2U);
+}
+
+TEST(Panel, ARefusedAddressListIsSentAgain) {
+    Bench bench;
+    const auto panel = bench.OpenShown();
+    bench.dialog->printer->sendResult = kPMGeneralError;
+    bench.widgets.painted();
+    EXPECT_EQ(utf8Text(panel->GetPDEDataPtr()->GetCorvianPrinterAddress()), "10.0.0.7");
+    bench.dialog->printer->sendResult = noErr;
+    bench.dialog->printer->sent.clear();
+    panel->sendDeferredCommands();
+    EXPECT_THAT(bench.SentTitles(), ElementsAre("Command_ZANPrefs"));
+}
+
+TEST(Panel, WithPopupNotesTheirFieldsAreObserved) {
+    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|Remembered|PopupJN")));
+    const auto panel = bench.Open();
+    EXPECT_EQ(bench.loads, 1);
+    ASSERT_EQ(bench.widgets.observed.size(), 30U);
+    EXPECT_THAT(
+        std::vector(bench.widgets.observed.begin(), bench.widgets.observed.begin() + 4),
+        ElementsAre("popupJobNoteVal11", "popupJobNoteVal21", "popupJobNoteVal22", "popupJobNoteVal31"));
+    EXPECT_EQ(bench.widgets.observed[14], "popupJobNoteVal55");
+    EXPECT_EQ(bench.widgets.observed[15], "popupJobNoteSec11");
+    EXPECT_EQ(bench.widgets.observed[29], "popupJobNoteSec55");
+    EXPECT_FALSE(gPopupJobNotesLangIsJapanese);
+}
+
+TEST(Panel, QueueNamesComeFromTheLastComponent) {
+    sessionQueueName = "kept";
+    for (const char* path : {"Press.ppd", "/a/Press", "/a.ppd/Press", ""}) {
+        EXPECT_FALSE(TorkaFeaturesPDE::getQueuePPDName(path)) << path;
+        EXPECT_EQ(sessionQueueName, "kept");
+    }
+    EXPECT_TRUE(TorkaFeaturesPDE::getQueuePPDName("/a/Pr.ppd.ppdess.ppd"));
+    EXPECT_EQ(sessionQueueName, "Press");
+    // What comes together when a suffix is taken out is no suffix.
+    EXPECT_TRUE(TorkaFeaturesPDE::getQueuePPDName("/a/P.p.ppdpd"));
+    EXPECT_EQ(sessionQueueName, "P.ppd");
+    EXPECT_TRUE(TorkaFeaturesPDE::getQueuePPDName("/a/" + std::string(400, 'q') + ".ppd"));
+    EXPECT_EQ(sessionQueueName.size(), 255U);
+}
+
+TEST(Panel, SettingsOfThisDescriptionAloneAreRestored) {
+    struct Case {
+        const char* pcFileName;
+        const char* expected;
+    };
+    for (const Case& test : {Case{"SMALL.PPD", "Half"}, Case{"small.ppd", "Half"}, Case{"OTHER.PPD", "Flat"},
+                             Case{nullptr, "Flat"}}) {
+        Bench bench;
+        if (test.pcFileName != nullptr) {
+            bench.Store("PCFILENAME", cfString(test.pcFileName));
+        }
+        bench.Store("*QVDuplex", cfString("None"));
+        bench.Store("*QVFold", cfString("Half"));
+        const auto panel = bench.Open();
+        EXPECT_EQ(valueOf(*panel, "*QVFold"), test.expected) << (test.pcFileName ? test.pcFileName : "none");
+        // From then on the print settings are this pane's.
+        bench.Store("*QVFold", cfString("Half"));
+        EXPECT_TRUE(panel->restoreValuesAndReturnError(nullptr));
+        EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
+    }
+}
+
+TEST(Panel, NoPointerNamesAPanelThatIsGone) {
+    // Panels by letter in the order of their making; then the order of their ends, with the current and the
+    // saved panel after each.
+    struct End {
+        char panel;
+        char current;
+        char saved;
+    };
+    struct Course {
+        std::string made;
+        std::vector<End> ends;
+    };
+    const std::vector<Course> courses = {
+        {"a", {{'a', '-', '-'}}},
+        {"ab", {{'a', 'b', '-'}, {'b', '-', '-'}}},
+        {"ab", {{'b', 'a', '-'}, {'a', '-', '-'}}},
+        // The first end of three does not count.
+        {"abc", {{'a', 'c', 'b'}, {'b', 'c', '-'}, {'c', '-', '-'}}},
+        {"abc", {{'b', 'c', '-'}, {'c', '-', '-'}, {'a', '-', '-'}}},
+        {"abc", {{'c', 'b', '-'}, {'b', '-', '-'}, {'a', '-', '-'}}},
+    };
+    for (const Course& course : courses) {
+        Bench bench;
+        std::map<char, std::shared_ptr<TorkaFeaturesPDE>> panels;
+        const auto letterOf = [&](const TorkaFeaturesPDE* panel) {
+            for (const auto& [letter, known] : panels) {
+                if (panel != nullptr && known.get() == panel) {
+                    return letter;
+                }
+            }
+            return panel == nullptr ? '-' : '?';
+        };
+        for (const char letter : course.made) {
+            panels[letter] = bench.Open();
+            static_cast<void>(panels[letter]->panelView());
+        }
+        EXPECT_EQ(invalidDeallocCall, course.made.size() > 2);
+        for (const End& end : course.ends) {
+            panels.erase(end.panel);
+            EXPECT_EQ(letterOf(sTorkaFeaturesPDE), end.current) << course.made << " " << end.panel;
+            EXPECT_EQ(letterOf(sTorkaFeaturesPDEsaved), end.saved) << course.made << " " << end.panel;
+            EXPECT_FALSE(invalidDeallocCall);
+            EXPECT_EQ(jobPropertiesHost(), sTorkaFeaturesPDE);
+        }
+    }
+}
+
+TEST(Panel, TheRootViewMayOutliveIt) {
+    Bench bench;
+    auto panel = bench.OpenShown();
+    bench.widgets.quickAccessOpen = true;
+    const ViewRef view = panel->panelView();
+    const auto painted = bench.widgets.painted;
+    panel.reset();
+    EXPECT_EQ(bench.widgets.quickAccessCancels, 1);
+    EXPECT_EQ(view.use_count(), 1);
+    painted(); // nobody is there any more
+    EXPECT_EQ(UI_Panel::mPPD, nullptr);
+}
+
+TEST(Panel, AnswersWithoutWork) {
+    Bench bench;
+    bench.bundle->strings["Localizable/PDE Panel Title"] = "Funktionen";
+    const auto keys = CFArrayCreate({cfString("*QVDuplex")});
+    bench.bundle->info[u"PMPPDKeysSupported"] = keys;
+    const auto panel = bench.OpenShown();
+    EXPECT_EQ(utf8Text(panel->panelName()), "Funktionen");
+    bench.bundle->strings.clear();
+    EXPECT_EQ(utf8Text(panel->panelName()), "Funktionen");
+    EXPECT_TRUE(
+        CFStringHasSuffix(panel->panelKind(), u".print.pde.5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85.PInf"));
+    EXPECT_TRUE(CFEqual(panel->supportedPPDOptionKeys(), keys));
+    EXPECT_NE(panel->supportedPPDOptionKeys(), keys); // a copy
+    EXPECT_EQ(panel->summaryInfo(), nullptr);
+    EXPECT_TRUE(panel->shouldShowHelp());
+    bench.bundle->info[u"CFBundleHelpBookName"] = cfString("Torka Help");
+    EXPECT_TRUE(panel->shouldShowHelp()); // no viewer
+    setHelpViewer([](const CFStringRef& book, const CFStringRef& page, const CFStringRef&) {
+        return utf8Text(book) == "Torka Help" && !page ? noErr : fnfErr;
+    });
+    EXPECT_FALSE(panel->shouldShowHelp());
+    setHelpViewer({});
+    panel->applicationDidBecomeActive();
+    EXPECT_EQ(bench.widgets.fronts, 1);
+}
+
+TEST(Panel, WorksWithoutAnInterface) {
+    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN")));
+    setPaneInterfaceLoader([&](TorkaFeaturesPDE&, const BundleRef&) -> std::unique_ptr<PaneInterface> {
+        ++bench.loads;
+        return nullptr;
+    });
+    const CapturingLog log;
+    const auto panel = bench.Open();
+    ASSERT_TRUE(panel);
+    EXPECT_EQ(panel->panelView(), nullptr);
+    EXPECT_EQ(bench.loads, 1);
+    EXPECT_EQ(std::count_if(
+                  log.Lines().begin(), log.Lines().end(),
+                  [](const std::string& line) { return line.find("interface file") != std::string::npos; }),
+              1);
+    EXPECT_TRUE(panel->willShow());
+    EXPECT_TRUE(panel->shouldHide());
+    panel->customizeQuickAccessButtonClicked();
+    panel->enableCustomizedViewForDMT();
+    EXPECT_TRUE(panel->shouldPrint());
+    panel->printWindowWillClose();
+}
+
+TEST(Panel, LongPrinterNamesEndAtABlank) {
+    struct Case {
+        std::string name;
+        std::string shown;
+    };
+    const std::string word(40, 'x');
+    for (const Case& test :
+         {Case{"Torka Production 90", "Torka Production 90"}, Case{word.substr(0, 38), word.substr(0, 38)},
+          Case{word, word.substr(0, 38)}, Case{"Torka " + word, "Torka"},
+          Case{word.substr(0, 30) + " Press 9000", word.substr(0, 30) + " Press"}}) {
+        Bench bench;
+        bench.dialog->printer->makeAndModel = test.name;
+        const auto panel = bench.OpenShown();
+        EXPECT_EQ(bench.widgets.texts[PaneOutlet::printerName], test.shown);
+        // Once there is a name, showing asks for none; a refresh only happens where the name cannot be had.
+        bench.dialog->printer->makeAndModel = "Other";
+        panel->willShow();
+        panel->updateUI();
+        EXPECT_EQ(bench.widgets.texts[PaneOutlet::printerName], test.shown);
+    }
+}
+
+TEST(Panel, CustomPapersAreToldFromTheSystemsTicket) {
+    struct Case {
+        const char* name;
+        int custom; // -1: the system does not say
+        int minorVersion;
+        const char* expected; // null: none
+    };
+    for (const Case& test :
+         {Case{"tabloid", 1, 15, "Tabloid"}, Case{"SRA3", 1, 9, "SRA3"}, Case{"Mine", 1, 15, "Custom"},
+          Case{"Mine", 1, 8, "Mine"}, Case{"Mine", 0, 15, nullptr}, Case{"Mine", -1, 15, nullptr},
+          Case{"a4", -1, 8, "a4"}, Case{nullptr, 1, 15, nullptr}}) {
+        Bench bench;
+        bench.system->minorVersion = test.minorVersion;
+        bench.dialog->printer->papers = {{"A4", "A4", 595, 842}};
+        bench.Store("com.apple.print.subTicket.paper_info_ticket",
+                    CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.PMPaperName"),
+                                         test.name ? cfString(test.name) : nullptr},
+                                        {cfString("com.apple.print.PaperInfo.PMCustomPaper"),
+                                         test.custom < 0 ? nullptr : CFBooleanCreate(test.custom != 0)}}));
+        const auto panel = bench.Open();
+        EXPECT_EQ(panel->isCustomPageSize(), test.expected != nullptr) << (test.name ? test.name : "");
+        EXPECT_EQ(utf8Text(panel->customPapername()), test.expected ? test.expected : "");
+    }
+}
+
+TEST(Panel, DiscoveredQueuesGetTheirServiceAsAddressOnce) {
+    Bench bench;
+    bench.dialog->printer->deviceUri = "dnssd://Office%20Press._ipp._tcp.local./?uuid=1";
+    const auto panel = bench.OpenShown();
+    EXPECT_TRUE(panel->isBonjourPrinter());
+    EXPECT_EQ(utf8Text(panel->GetPDEDataPtr()->GetCorvianPrinterAddress()), "Office Press");
+    EXPECT_EQ(utf8Text(panel->currentIPAddress()), "Office Press");
+    panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString("10.0.0.9"), true);
+    panel->willShow();
+    EXPECT_EQ(utf8Text(panel->currentIPAddress()), "10.0.0.9");
+}
+
+TEST(Panel, TheSystemsTrayIsSelected) {
+    Bench bench;
+    bench.Store("AP_FIRSTPAGE_InputSlot", cfString("Tray1"));
+    const auto panel = bench.Open();
+    EXPECT_EQ(valueOf(*panel, "*InputSlot"), "Tray1");
+    bench.Store("AP_FIRSTPAGE_InputSlot", cfString("Auto"));
+    panel->updatePageSizeAndInputSlot();
+    EXPECT_EQ(valueOf(*panel, "*InputSlot"), "Auto");
+}
+
+TEST(Panel, HidingEndsItsDialogs) {
+    Bench bench;
+    const auto panel = bench.OpenShown();
+    EXPECT_TRUE(panel->shouldHide());
+    EXPECT_EQ(bench.widgets.quickAccessCancels, 0);
+    panel->customizeQuickAccessButtonClicked();
+    bench.widgets.sheet->delegate->configureButtonClicked();
+    ASSERT_TRUE(bench.widgets.sheet->isOpen);
+    EXPECT_TRUE(panel->shouldHide());
+    EXPECT_EQ(bench.widgets.quickAccessCancels, 1);
+    EXPECT_FALSE(bench.widgets.sheet->isOpen);
+}
+
+TEST(Panel, AnAdministratorCanSwitchQuickAccessOff) {
+    Bench bench(panelDescription(templateLines("<Category name=\"UI-Modification\"><Show>\n"
+                                               "<Key name=\"QVQuickAccess\" value=\"False\"/>\n"
+                                               "</Show></Category>\n")));
+    const auto panel = bench.OpenShown();
+    EXPECT_TRUE(panel->isQuickAccessOff());
+    for (const PaneOutlet outlet : {PaneOutlet::quickaccessStaticText, PaneOutlet::horizontalLine,
+                                    PaneOutlet::horizontalLine2, PaneOutlet::customizeQuickAccessButton}) {
+        EXPECT_TRUE(bench.widgets.hidden[outlet]);
+    }
+    EXPECT_EQ(bench.widgets.shifts[PaneOutlet::customizePane], 35);
+    EXPECT_EQ(bench.widgets.shifts[PaneOutlet::defaultsButton], 30);
+    EXPECT_EQ(bench.widgets.shifts[PaneOutlet::printerName], 35);
+    EXPECT_EQ(bench.widgets.shifts[PaneOutlet::outputBinsView], -35);
+}
+
+TEST(Panel, PrintingSendsTheTicketAndKeepsTheSettings) {
+    Bench bench;
+    auto panel = bench.OpenShown();
+    bench.widgets.painted();
+    bench.dialog->printer->sent.clear();
+    set(*panel, "*QVFold", "Half");
+    set(*panel, "*QVSecret", "geheim");
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_THAT(bench.SentTitles(), ElementsAre("Command_PSTempFileName", "Command_WritePSTemp"));
+    const std::string path = bench.Stored(std::string(ticketPathSetting).c_str());
+    EXPECT_THAT(path, HasSubstr("/Library/Caches/ZAN/Torka.temp"));
+    EXPECT_EQ(utf8Text(bench.dialog->printer->sent[0].command), path);
+    EXPECT_THAT(utf8Text(bench.dialog->printer->sent[1].command), HasSubstr("<plist"));
+    EXPECT_EQ(bench.Stored("*QVFold"), "Half");
+    // After a print the dialog's end writes no other ticket.
+    panel->printWindowWillClose();
+    EXPECT_EQ(bench.Stored(std::string(ticketPathSetting).c_str()), path);
+    panel.reset();
+
+    // Another dialog begins with what was used last, but for what is secret.
+    bench.dialog->settings = std::make_shared<MemoryPrintSettings>();
+    panel = bench.Open();
+    EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
+    EXPECT_EQ(valueOf(*panel, "*QVSecret"), "");
+    // Cancelled, it leaves its settings in the print settings and sends nothing.
+    bench.dialog->printer->sent.clear();
+    set(*panel, "*QVDuplex", "Tumble");
+    panel->printWindowWillClose();
+    EXPECT_EQ(bench.Stored("*QVDuplex"), "Tumble");
+    EXPECT_NE(bench.Stored(std::string(ticketPathSetting).c_str()), "");
+    EXPECT_THAT(bench.SentTitles(), testing::Not(testing::Contains("Command_WritePSTemp")));
+}
+
+TEST(Panel, BelowVersionSevenTheTicketIsAFile) {
+    Bench bench;
+    bench.system->minorVersion = 6;
+    const auto panel = bench.OpenShown();
+    EXPECT_TRUE(panel->shouldPrint());
+    const std::string path = bench.Stored(std::string(ticketPathSetting).c_str());
+    EXPECT_TRUE(bench.system->files.contains(path)) << path;
+    EXPECT_THAT(bench.SentTitles(), testing::Not(testing::Contains("Command_WritePSTemp")));
+}
+
+TEST(Panel, PopupNotesAreAskedForAndRemembered) {
+    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|Remembered|PopupJN") +
+                                 jobNote("QVPin", "20|Alpha|Remembered|Password|PopupJN")));
+    const auto panel = bench.OpenShown();
+    bench.widgets.painted();
+    bench.dialog->printer->sent.clear();
+    bench.widgets.popupAnswer = false;
+    EXPECT_FALSE(panel->shouldPrint());
+    EXPECT_EQ(bench.widgets.popups, 1);
+    EXPECT_THAT(bench.SentTitles(), IsEmpty());
+    EXPECT_EQ(bench.Stored(std::string(ticketPathSetting).c_str()), "");
+
+    bench.widgets.popupAnswer = true;
+    gPopupJobNotesSavedEnable = '1';
+    gPopupJobNotesSavedShowLast = '1';
+    set(*panel, "*QVAccount", "50% b\xC3\xBCro");
+    set(*panel, "*QVPin", "1234");
+    EXPECT_TRUE(panel->shouldPrint());
+    ASSERT_THAT(bench.SentTitles(),
+                ElementsAre("Command_PSTempFileName", "Command_WritePSTemp", "command_PopupJnData"));
+    const std::string kept = utf8Text(bench.dialog->printer->sent[2].command);
+    EXPECT_EQ(kept, "111\n*QVAccount=50%25 b\xC3\xBCro");
+    // The same preferences are not sent again.
+    bench.dialog->printer->sent.clear();
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_EQ(bench.dialog->printer->sent.size(), 2U);
+}
+
+TEST(Panel, ATypedAddressIsStored) {
+    Bench bench;
+    const auto panel = bench.OpenShown();
+    bench.widgets.texts[PaneOutlet::printerAddress] = "press.local";
+    EXPECT_TRUE(panel->saveValuesAndReturnError(nullptr));
+    EXPECT_EQ(utf8Text(panel->GetPDEDataPtr()->GetCorvianPrinterAddress()), "press.local");
+    EXPECT_FALSE(panel->GetPDEDataPtr()->isBIDIEnabled());
+    bench.widgets.sheet->bidi = true;
+    bench.widgets.sheet->address = cfString("press.local");
+    bench.widgets.sheet->delegate->BIDICheckBoxClicked();
+    panel->printWindowWillClose();
+    EXPECT_TRUE(panel->GetPDEDataPtr()->isBIDIEnabled());
+}
+
+TEST(Panel, ADialogThatWasNeverShownKeepsTheStoredAddress) {
+    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN"))); // loads the interface at once
+    const auto panel = bench.Open();
+    panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString("10.9.9.9"), false);
+    const auto second = bench.Open();
+    EXPECT_EQ(utf8Text(second->currentIPAddress()), "10.0.0.7");
+    second->printWindowWillClose();
+    EXPECT_EQ(utf8Text(second->GetPDEDataPtr()->GetCorvianPrinterAddress()), "10.0.0.7");
+}
+
+TEST(Automation, IsAppliedOnceBeforeTheFirstDisplay) {
+    Bench bench;
+    const std::string start = R"(<?xml version="1.0"?><plist version="1.0"><dict>)";
+    bench.system->files["/home/user/.config/torka/automation.plist"] = {
+        start + "<key>QVFold</key><string>Half</string><key>*QVDuplex</key><string>Tumble</string>"
+                "<key>*QVSecret</key><string>geheim</string><key>QVNotes1</key><integer>7</integer>"
+                "<key>None</key><true/></dict></plist>",
+        0600};
+    const CapturingLog log;
+    const auto panel = bench.Open();
+    EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
+    EXPECT_EQ(valueOf(*panel, "*QVDuplex"), "Tumble");
+    EXPECT_EQ(valueOf(*panel, "*QVNotes1"), "7");
+    EXPECT_EQ(valueOf(*panel, "*QVSecret"), "");
+    EXPECT_EQ(bench.Stored("*QVFold"), "Half"); // the dialog begins with it
+    EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("None cannot be set")));
+    set(*panel, "*QVFold", "Flat");
+    panel->willShow();
+    EXPECT_EQ(valueOf(*panel, "*QVFold"), "Flat");
+
+    bench.system->files["/home/user/.config/torka/automation.plist"].content = "<plist>";
+    EXPECT_TRUE(bench.Open());
+    EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("automation.plist cannot be used")));
+}
+
+TEST(BundleHelpers, NameWhatTheBundleIsAskedBy) {
+    EXPECT_EQ(utf8Text(CreatePostscriptDataFileKey()), "ZAN.PSData." + utf8Text(GetBundleID()));
+    EXPECT_EQ(utf8Text(CreateNIBFileName()), "PDEProject");
+    EXPECT_EQ(utf8Text(CreateClientIdentifier(nullptr)), utf8Text(GetBundleID()));
+    EXPECT_EQ(utf8Text(CreateClientIdentifier(cfString(".x"))), utf8Text(GetBundleID()) + ".x");
+    std::uint32_t creator = 0;
+    EXPECT_EQ(GetCreatorID(creator), noErr);
+    EXPECT_EQ(creator, std::uint32_t{'Z'} << 24 | std::uint32_t{'A'} << 16 | std::uint32_t{'N'} << 8 | '2');
+    EXPECT_EQ(CreatePDEContentsURL(cfString("org.example.none")), nullptr);
+}
+
+} // namespace
+
+} // namespace torka::tests
