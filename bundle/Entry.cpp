@@ -2,6 +2,7 @@
 #include "output/BundleIdentifier.h"
 #include "pane/PaneInterface.h"
 #include "pane/TorkaFeaturesPDEPlugIn.h"
+#include "pane/views/QtPaneInterface.h"
 #include "platform/Alert.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
@@ -11,6 +12,7 @@
 #include "platform/posix/PosixLibraryLoader.h"
 #include "platform/posix/PosixNetServices.h"
 #include "platform/posix/PosixSystem.h"
+#include "platform/qt/QtAlertPresenter.h"
 #include "platform/qt/QtEventLoop.h"
 
 #include <QApplication>
@@ -68,6 +70,8 @@ void chooseToolkitAdapters() {
     auto loop = std::make_unique<QtEventLoop>();
     setServiceDirectory(std::make_unique<AvahiServiceDirectory>(*loop));
     setMainEventLoop(std::move(loop));
+    setAlerts(std::make_unique<QtAlertPresenter>());
+    setPaneInterfaceLoader(qtPaneInterfaceLoader());
     setWaitPresenter(std::make_unique<WaitDialog>(bundleWithIdentifier(bundleIdentifier)));
     qAddPostRoutine(dropToolkitAdapters);
 }

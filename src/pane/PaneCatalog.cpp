@@ -120,9 +120,9 @@ void PaneCatalog::AddPages(const ZANPPD& ppd, const std::function<bool(std::stri
         if (control->Type() == CNTL_TYPE::jobNote && all.Find(control->Keyword(), type, true) != control) {
             return;
         }
-        group.fields.push_back(MakeField(*control));
+        group.fields.push_back(FieldOf(*control));
         if (customSize != nullptr && *control == "*QVPrintSize") {
-            group.fields.push_back(MakeField(*customSize));
+            group.fields.push_back(FieldOf(*customSize));
             customSize = nullptr;
         }
     };
@@ -148,7 +148,7 @@ void PaneCatalog::AddPages(const ZANPPD& ppd, const std::function<bool(std::stri
         }
     });
     if (customSize != nullptr && !pages.empty()) {
-        pages.front().groups.front().fields.push_back(MakeField(*customSize));
+        pages.front().groups.front().fields.push_back(FieldOf(*customSize));
     }
 }
 
@@ -160,7 +160,7 @@ void PaneCatalog::AddInstallableOptions(const ZANPPD& ppd) {
     PaneGroup group{options->Keyword(), nameOf(*options), {}};
     options->Controls().ForEach([&](PPDXControl* control) {
         if (isShown(*control, {})) {
-            group.fields.push_back(MakeField(*control));
+            group.fields.push_back(FieldOf(*control));
         }
     });
     if (!group.fields.empty()) {
@@ -169,7 +169,7 @@ void PaneCatalog::AddInstallableOptions(const ZANPPD& ppd) {
     }
 }
 
-PaneField PaneCatalog::MakeField(PPDXControl& control) const {
+PaneField PaneCatalog::FieldOf(PPDXControl& control) {
     PaneField field;
     field.control = &control;
     field.keyword = control.Keyword();

@@ -67,6 +67,8 @@ public:
     std::size_t FieldCount() const { return byKeyword.size(); }
     // Null when no page shows the keyword.
     const PaneField* Find(std::string_view keyword) const;
+    // A field of any control, on a page or not.
+    static PaneField FieldOf(PPDXControl& control);
     // Every field, in order.
     void ForEach(const std::function<void(const PaneField&)>& visit) const;
 
@@ -80,7 +82,6 @@ public:
 private:
     void AddPages(const ZANPPD& ppd, const std::function<bool(std::string_view)>& hides);
     void AddInstallableOptions(const ZANPPD& ppd);
-    PaneField MakeField(PPDXControl& control) const;
 
     std::vector<PanePage> pages;
     std::unordered_map<std::string_view, const PaneField*> byKeyword; // the first of each

@@ -121,6 +121,7 @@ public:
     // The fields whose values differ from the defaults, in order; not the installable options and what the
     // system chooses.
     std::vector<PaneDifference> Differences() const;
+    std::size_t DifferenceCount() const { return Differences().size(); }
 
 private:
     struct ValueChange {
@@ -159,6 +160,7 @@ private:
     std::vector<Step> done;
     std::vector<Step> undone;
     bool stepIsOpen = false;
+    bool isEditing = false; // within EditAll
     std::string lastEdited; // keyword
 
     mutable std::optional<std::vector<PaneConflict>> conflicts; // of the present values

@@ -72,8 +72,8 @@ public:
             endRemoveRows();
         }
         if (firstChanged < common) {
-            emit dataChanged(index(static_cast<int>(firstChanged), 0),
-                             index(static_cast<int>(lastChanged), 1));
+            Q_EMIT dataChanged(index(static_cast<int>(firstChanged), 0),
+                               index(static_cast<int>(lastChanged), 1));
         }
     }
 

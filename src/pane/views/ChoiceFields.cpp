@@ -1,0 +1,325 @@
+#include "pane/views/ChoiceFields.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "pane/views/FieldTexts.h"
+#include "pane/views/PaneIcons.h"
+
+#include <QAbstractItemView>
+#include <QAbstractListModel>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QStandardItemModel>
+#include <QStringList>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace torka {
+namespace {
+
+// Reasons are looked up when they are asked for: a sweep only says which choices are forbidden.
+QString reasonsFor(const PaneContext& context, const PPDXControl& control,
+                   const std::vector<bool>& forbidden) {
+    if (std::ranges::find(forbidden, true) == forbidden.end()) {
+        return {};
+    }
+    constexpr int mostLines = 12;
+    QStringList lines;
+    const std::vector<PaneChoice> choices = choicesOf(control);
+    int more = 0;
+    for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
+        if (!forbidden[i]) {
+            continue;
+        }
+        if (lines.size() < mostLines) {
+            lines.append(whyForbidden(context, control, choices[i]));
+        } else {
+            ++more;
+        }
+    }
+    if (more > 0) {
+        lines.append(context.Say(words::moreReasons, QString::number(more)));
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+} // namespace
+
+// The choices of a popup with their state; forbidden ones are disabled but for the current one, which bears a
+// sign.
+class ChoiceModel final : public QAbstractListModel {
+public:
+    ChoiceModel(PaneContext& paneContext, const PPDXControl& shownControl, QObject* parent)
+        : QAbstractListModel(parent)
+        , context(paneContext)
+        , control(shownControl)
+        , choices(choicesOf(shownControl)) {}
+
+    int rowCount(const QModelIndex& parent) const override {
+        return parent.isValid() ? 0 : static_cast<int>(choices.size());
+    }
+
+    QVariant data(const QModelIndex& index, int role) const override {
+        if (!index.isValid() || index.row() >= static_cast<int>(choices.size())) {
+            return {};
+        }
+        const auto row = static_cast<std::size_t>(index.row());
+        switch (role) {
+        case Qt::DisplayRole:
+            return qText(choices[row].name);
+        case Qt::ToolTipRole:
+            return IsForbidden(row) ? plainToolTip(whyForbidden(context, control, choices[row])) : QVariant();
+        case Qt::AccessibleDescriptionRole:
+            return IsForbidden(row) ? whyForbidden(context, control, choices[row]) : QVariant();
+        case Qt::DecorationRole:
+            return IsForbidden(row) && row == current ? QVariant(paneIcon(PaneSign::warning)) : QVariant();
+        default:
+            return {};
+        }
+    }
+
+    Qt::ItemFlags flags(const QModelIndex& index) const override {
+        const auto row = static_cast<std::size_t>(std::max(index.row(), 0));
+        const bool enabled = !IsForbidden(row) || row == current;
+        return enabled ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
+    }
+
+    const std::vector<PaneChoice>& Choices() const { return choices; }
+
+    // Reads the choices anew where they were replaced. True when they were.
+    bool Reload() {
+        const std::size_t count = static_cast<const PPDXPopupControl&>(control).ItemCount();
+        std::vector<PaneChoice> now = choicesOf(control);
+        const bool same = count == choices.size() &&
+                          std::ranges::equal(now, choices, [](const PaneChoice& a, const PaneChoice& b) {
+                              return a.keyword == b.keyword && a.name == b.name;
+                          });
+        if (same) {
+            return false;
+        }
+        beginResetModel();
+        choices = std::move(now);
+        forbidden.clear();
+        endResetModel();
+        return true;
+    }
+
+    void SetState(std::vector<bool> nowForbidden, std::size_t currentRow) {
+        if (nowForbidden == forbidden && currentRow == current) {
+            return;
+        }
+        forbidden = std::move(nowForbidden);
+        current = currentRow;
+        if (!choices.empty()) {
+            Q_EMIT dataChanged(index(0), index(static_cast<int>(choices.size()) - 1));
+        }
+    }
+
+private:
+    bool IsForbidden(std::size_t row) const { return row < forbidden.size() && forbidden[row]; }
+
+    PaneContext& context;
+    const PPDXControl& control;
+    std::vector<PaneChoice> choices;
+    std::vector<bool> forbidden;
+    std::size_t current = 0;
+};
+
+PopupRow::PopupRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
+    : FieldRow(paneContext, shownField, parent)
+    , box(new QComboBox(Body()))
+    , choices(new ChoiceModel(paneContext, *shownField.control, box)) {
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    constexpr int leastCharacters = 14;
+    box->setMinimumContentsLength(leastCharacters);
+    box->setFocusPolicy(Qt::StrongFocus);
+    box->setModel(choices);
+    constexpr int shownItems = 16;
+    box->setMaxVisibleItems(shownItems);
+    QObject::connect(box, &QComboBox::activated, box, [this](int row) {
+        if (row >= 0 && row < static_cast<int>(choices->Choices().size())) {
+            Set(choices->Choices()[static_cast<std::size_t>(row)].keyword);
+        }
+    });
+    Take(box, box, false);
+}
+
+void PopupRow::UpdateValue() {
+    const std::string value = PaneEditor::Value(*field.control);
+    choices->Reload();
+    const auto& all = choices->Choices();
+    const auto place =
+        std::ranges::find_if(all, [&](const PaneChoice& choice) { return choice.keyword == value; });
+    const int row = place == all.end() ? -1 : static_cast<int>(place - all.begin());
+    if (box->currentIndex() != row) {
+        box->setCurrentIndex(row);
+    }
+    box->setToolTip(box->fontMetrics().horizontalAdvance(box->currentText()) > box->width() - 40
+                        ? plainToolTip(box->currentText())
+                        : QString());
+}
+
+QString PopupRow::UpdateAllowed() {
+    std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
+    const QString why = reasonsFor(context, *field.control, forbidden);
+    choices->SetState(std::move(forbidden), static_cast<std::size_t>(std::max(box->currentIndex(), 0)));
+    return why;
+}
+
+CheckRow::CheckRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
+    : FieldRow(paneContext, shownField, parent)
+    , box(new QCheckBox(labelText(qText(shownField.name)), Body())) {
+    QObject::connect(box, &QCheckBox::clicked, box, [this](bool on) { Set(on ? "True" : "False"); });
+    Take(box, box, true);
+}
+
+void CheckRow::UpdateValue() {
+    box->setChecked(static_cast<const PPDXBooleanControl*>(field.control)->IsTrue());
+}
+
+QString CheckRow::UpdateAllowed() {
+    const std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
+    const std::size_t present = box->isChecked() ? 0 : 1;
+    const std::size_t other = 1 - present;
+    QString why;
+    if (forbidden[other]) {
+        why = whyForbidden(context, *field.control, choicesOf(*field.control)[other]);
+    }
+    // In conflict already, the box must not be locked into its state.
+    box->setEnabled(why.isEmpty() || forbidden[present]);
+    setPlainToolTip(*box, why);
+    return why;
+}
+
+// A combo box whose items are ticked one by one; its list stays open meanwhile.
+class TickBox final : public QComboBox {
+public:
+    explicit TickBox(QWidget* parent)
+        : QComboBox(parent)
+        , items(new QStandardItemModel(this)) {
+        setModel(items);
+        view()->viewport()->installEventFilter(this);
+        view()->installEventFilter(this);
+    }
+
+    QStandardItemModel& Items() { return *items; }
+    void SetSummary(const QString& text) {
+        summary = text;
+        update();
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const bool released = watched == view()->viewport() && event->type() == QEvent::MouseButtonRelease;
+        const bool pressed = watched == view() && event->type() == QEvent::KeyPress &&
+                             static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space;
+        if (released || pressed) {
+            Toggle(items->itemFromIndex(view()->currentIndex()));
+            return true;
+        }
+        return QComboBox::eventFilter(watched, event);
+    }
+
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QStylePainter painter(this);
+        QStyleOptionComboBox option;
+        initStyleOption(&option);
+        option.currentText = summary;
+        option.currentIcon = {};
+        painter.drawComplexControl(QStyle::CC_ComboBox, option);
+        painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+    }
+
+    // Without its list open the box has nothing to step through.
+    void keyPressEvent(QKeyEvent* event) override {
+        const int key = event->key();
+        if (key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_Space || key == Qt::Key_F4) {
+            showPopup();
+        } else {
+            event->ignore();
+        }
+    }
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+private:
+    static void Toggle(QStandardItem* item) {
+        if (item != nullptr && item->isEnabled()) {
+            item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+        }
+    }
+
+    QStandardItemModel* items;
+    QString summary;
+};
+
+SeveralChoicesRow::SeveralChoicesRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
+    : FieldRow(paneContext, shownField, parent)
+    , box(new TickBox(Body())) {
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setFocusPolicy(Qt::StrongFocus);
+    MakeItems();
+    QObject::connect(&box->Items(), &QStandardItemModel::itemChanged, box, [this] { TakeTicks(); });
+    Take(box, box, false);
+}
+
+void SeveralChoicesRow::MakeItems() {
+    choices = choicesOf(*field.control);
+    updating = true;
+    box->Items().clear();
+    for (const PaneChoice& choice : choices) {
+        auto* item = new QStandardItem(qText(choice.name));
+        item->setCheckable(true);
+        item->setEditable(false);
+        box->Items().appendRow(item);
+    }
+    updating = false;
+}
+
+void SeveralChoicesRow::TakeTicks() {
+    if (updating) {
+        return;
+    }
+    std::string chosen;
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        if (box->Items().item(static_cast<int>(i))->checkState() == Qt::Checked) {
+            chosen += (chosen.empty() ? "" : "\n") + choices[i].keyword;
+        }
+    }
+    Set(chosen);
+}
+
+void SeveralChoicesRow::UpdateValue() {
+    const auto& popup = static_cast<const PPDXPopupControl&>(*field.control);
+    if (popup.ItemCount() != choices.size()) {
+        MakeItems();
+    }
+    updating = true;
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        box->Items()
+            .item(static_cast<int>(i))
+            ->setCheckState(popup.IsKeywordSelected(choices[i].keyword.c_str()) ? Qt::Checked
+                                                                                : Qt::Unchecked);
+    }
+    updating = false;
+    const QString value = shownValue(context, field, PaneEditor::Value(*field.control));
+    box->SetSummary(value);
+    setPlainToolTip(*box, value);
+}
+
+QString SeveralChoicesRow::UpdateAllowed() {
+    const std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
+    updating = true;
+    for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
+        QStandardItem* item = box->Items().item(static_cast<int>(i));
+        item->setEnabled(!forbidden[i] || item->checkState() == Qt::Checked);
+        item->setToolTip(forbidden[i] ? plainToolTip(whyForbidden(context, *field.control, choices[i]))
+                                      : QString());
+    }
+    updating = false;
+    return reasonsFor(context, *field.control, forbidden);
+}
+
+} // namespace torka

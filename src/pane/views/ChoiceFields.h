@@ -1,0 +1,56 @@
+#pragma once
+
+#include "pane/views/FieldRow.h"
+
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+
+namespace torka {
+
+class ChoiceModel;
+class TickBox;
+
+// A popup: one choice of a list. Forbidden choices are grey and say why.
+class PopupRow final : public FieldRow {
+public:
+    PopupRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
+
+private:
+    void UpdateValue() override;
+    QString UpdateAllowed() override;
+
+    QComboBox* box;
+    ChoiceModel* choices;
+};
+
+// A check box. Grey with its reason where the other state is forbidden.
+class CheckRow final : public FieldRow {
+public:
+    CheckRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
+
+private:
+    void UpdateValue() override;
+    QString UpdateAllowed() override;
+
+    QCheckBox* box;
+};
+
+// Any number of choices: a box that opens a list to tick, and shows the names of what is ticked.
+class SeveralChoicesRow final : public FieldRow {
+public:
+    SeveralChoicesRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
+
+private:
+    void UpdateValue() override;
+    QString UpdateAllowed() override;
+    void MakeItems();
+    void TakeTicks();
+
+    TickBox* box;
+    std::vector<PaneChoice> choices;
+    bool updating = false;
+};
+
+} // namespace torka

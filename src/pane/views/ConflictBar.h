@@ -1,0 +1,38 @@
+#pragma once
+
+#include "pane/views/PaneContext.h"
+
+#include <QFrame>
+
+class QLabel;
+class QPushButton;
+
+namespace torka {
+
+// Says which settings clash and offers the way out as one click, and to take it back; hidden while all is
+// well.
+class ConflictBar final : public QFrame {
+public:
+    explicit ConflictBar(PaneContext& paneContext, QWidget* parent = nullptr);
+    void Update(const PaneChange* change);
+    QPushButton* ResolveButton() const { return resolve; }
+    QPushButton* UndoButton() const { return undo; }
+    QString Text() const;
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void ShowConflicts();
+    void Say(const QString& text, bool warning);
+    void TakePalette();
+
+    PaneContext& context;
+    QLabel* sign;
+    QLabel* message;
+    QPushButton* resolve;
+    QPushButton* undo;
+    QPushButton* close;
+};
+
+} // namespace torka

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "pane/PPDTree.h"
+#include "pane/PaneInterface.h"
+#include "pane/views/PaneContext.h"
+#include "pane/views/PaneRegistry.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QLineEdit;
+class QListWidget;
+class QListWidgetItem;
+class QStackedWidget;
+class QToolButton;
+
+namespace torka {
+
+class ConflictBar;
+class FieldPage;
+class SummaryPage;
+
+// The controls of the pane: the list of pages with the search field, the chosen page, and the bar that tells
+// of conflicts.
+//
+// Pages are made when they are first chosen, and only the one that is seen follows a change at once; the
+// others catch up when they are chosen.
+class CustomizePaneWidget final : public QWidget, public CustomizePaneView {
+public:
+    CustomizePaneWidget(PaneContext& paneContext, QWidget* parent);
+    ~CustomizePaneWidget() override;
+
+    void drawControlsInTree(const PPDTree& tree) override;
+    void greyoutShortcutControls(bool grey) override;
+
+    // The page of that name in the list: "quickAccess", "summary", "installed", a page's or an extra page's
+    // identifier. False when there is none.
+    bool ShowPage(const std::string& identifier);
+    // Goes to a field on its page. False when no page shows it.
+    bool ShowField(const std::string& keyword);
+    std::vector<std::string> PageIdentifiers() const;
+    // The page seen now, when it is one of fields.
+    FieldPage* CurrentFieldPage() const;
+    QLineEdit* SearchField() const { return search; }
+    QListWidget* PageList() const { return list; }
+    ConflictBar* Bar() const { return bar; }
+    // Shows what was searched for at once rather than after the next pause in typing.
+    void SearchNow();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Entry {
+        enum class Kind { quickAccess, page, extra, installed, summary };
+        Kind kind;
+        std::string identifier;
+        QString title;
+        std::size_t place = 0; // of the page in the catalogue, or of the extra page in the registry
+        QWidget* widget = nullptr;
+        bool isStale = false;
+        QListWidgetItem* item = nullptr;
+    };
+
+    void MakeWidgets();
+    void MakeHeader(QWidget* header);
+    QToolButton* MakeButton(QWidget* parent, bool isUndo);
+    void MakeEntries();
+    void RemovePages();
+    QWidget* MakePage(Entry& entry);
+    FieldPage* MakeFieldPage(const Entry& entry);
+    FieldPage* MakeQuickAccessPage();
+    void FollowChange(const PaneChange& change);
+    void ShowEntry(std::size_t index);
+    void UpdateEntry(Entry& entry, const std::vector<PPDXControl*>* controls);
+    void UpdateSurroundings(const PaneChange* change);
+    void MarkConflicts();
+    void EndSearch();
+    std::optional<std::size_t> IndexOf(const std::string& identifier) const;
+
+    PaneContext& context;
+    QLineEdit* search = nullptr;
+    QListWidget* list = nullptr;
+    QStackedWidget* stack = nullptr;
+    FieldPage* results = nullptr;
+    ConflictBar* bar = nullptr;
+    QToolButton* undo = nullptr;
+    QToolButton* redo = nullptr;
+    QWidget* area = nullptr; // all that is greyed out while the module runs
+    QTimer searchPause;
+    std::vector<Entry> entries;
+    std::optional<std::size_t> current;
+    std::vector<std::string> quickAccess; // keywords
+    bool isDrawn = false;
+};
+
+} // namespace torka

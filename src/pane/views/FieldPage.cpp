@@ -1,0 +1,163 @@
+#include "pane/views/FieldPage.h"
+
+#include "pane/views/FieldTexts.h"
+#include "pane/views/RollDown.h"
+
+#include <QFormLayout>
+#include <QLabel>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace torka {
+
+FieldPage::FieldPage(PaneContext& paneContext, QWidget* parent)
+    : QScrollArea(parent)
+    , context(paneContext) {
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    Clear();
+}
+
+FieldPage::~FieldPage() {
+    delete takeWidget(); // before the rows that its widgets call
+}
+
+void FieldPage::Clear() {
+    delete takeWidget();
+    rows.clear();
+    groups.clear();
+    labelWidth = 0;
+    column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setSpacing(4);
+    setWidget(column);
+}
+
+void FieldPage::SetHint(const QString& text) {
+    auto* hint = new QLabel(column);
+    hint->setTextFormat(Qt::PlainText);
+    hint->setText(text);
+    hint->setWordWrap(true);
+    alignLeading(*hint);
+    hint->setForegroundRole(QPalette::PlaceholderText);
+    column->layout()->addWidget(hint);
+}
+
+void FieldPage::AddHeading(const QString& text) {
+    auto* heading = new QLabel(column);
+    heading->setTextFormat(Qt::PlainText);
+    heading->setText(text);
+    alignLeading(*heading);
+    heading->setForegroundRole(QPalette::PlaceholderText);
+    column->layout()->addWidget(heading);
+}
+
+int FieldPage::LabelWidth(const std::vector<PaneField>& fields) const {
+    int widest = 0;
+    for (const PaneField& field : fields) {
+        widest = std::max(widest, fontMetrics().horizontalAdvance(qText(field.name)));
+    }
+    constexpr int mostCharacters = 22; // longer names are broken
+    return std::min(widest, fontMetrics().averageCharWidth() * mostCharacters) + 4;
+}
+
+void FieldPage::AddGroup(const QString& title, const std::vector<PaneField>& fields, bool open) {
+    labelWidth = std::max(labelWidth, LabelWidth(fields));
+    Group group{nullptr, {}};
+    for (const PaneField& field : fields) {
+        group.keywords.push_back(field.keyword);
+    }
+    group.rollDown = new RollDown(
+        context, title, [this, fields](QWidget& content) { Fill(content, fields); }, column);
+    group.rollDown->setProperty("opensAtFirst", open);
+    column->layout()->addWidget(group.rollDown);
+    groups.push_back(std::move(group));
+}
+
+void FieldPage::AddFields(const std::vector<PaneField>& fields) {
+    labelWidth = std::max(labelWidth, LabelWidth(fields));
+    auto* content = new QWidget(column);
+    column->layout()->addWidget(content);
+    Fill(*content, fields);
+}
+
+void FieldPage::Finish() {
+    static_cast<QVBoxLayout*>(column->layout())->addStretch(1);
+    for (const Group& group : groups) {
+        group.rollDown->SetOpen(group.rollDown->property("opensAtFirst").toBool());
+    }
+}
+
+void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields) {
+    auto* form = new QFormLayout(&content);
+    const int indent = style()->pixelMetric(QStyle::PM_SmallIconSize) + 4;
+    const bool underHeader = content.parentWidget() != column;
+    form->setContentsMargins(underHeader ? indent : 0, 2, 0, 8);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->setLabelAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    form->setRowWrapPolicy(QFormLayout::DontWrapRows);
+    form->setHorizontalSpacing(12);
+    for (const PaneField& field : fields) {
+        auto row = makeFieldRow(context, field, &content);
+        if (QLabel* label = row->Label()) {
+            label->setFixedWidth(labelWidth);
+            label->setBuddy(row->Focus());
+            form->addRow(label, row->Body());
+        } else {
+            auto* space = new QWidget(&content); // keeps check boxes in the controls' column
+            space->setFixedWidth(labelWidth);
+            form->addRow(space, row->Body());
+        }
+        row->ShowValue();
+        row->ShowAllowed();
+        rows.push_back(std::move(row));
+    }
+}
+
+void FieldPage::Update(const std::vector<PPDXControl*>* controls) {
+    for (const auto& row : rows) {
+        if (controls == nullptr || std::ranges::find(*controls, row->Field().control) != controls->end()) {
+            row->ShowValue();
+        }
+    }
+    for (const auto& row : rows) {
+        row->ShowAllowed();
+    }
+}
+
+FieldRow* FieldPage::RowOf(std::string_view keyword) const {
+    const auto place =
+        std::ranges::find_if(rows, [&](const auto& row) { return row->Field().keyword == keyword; });
+    return place == rows.end() ? nullptr : place->get();
+}
+
+void FieldPage::FocusFirst() {
+    const auto place = std::ranges::find_if(rows, [](const auto& row) { return row->Focus()->isEnabled(); });
+    if (place != rows.end()) {
+        (*place)->Focus()->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+bool FieldPage::ShowField(std::string_view keyword) {
+    for (const Group& group : groups) {
+        if (std::ranges::find(group.keywords, keyword) != group.keywords.end()) {
+            group.rollDown->SetOpen(true);
+            break;
+        }
+    }
+    FieldRow* row = RowOf(keyword);
+    if (row == nullptr) {
+        return false;
+    }
+    column->layout()->activate();
+    column->adjustSize();
+    ensureWidgetVisible(row->Body());
+    row->Focus()->setFocus(Qt::OtherFocusReason);
+    return true;
+}
+
+} // namespace torka

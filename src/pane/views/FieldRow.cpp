@@ -1,0 +1,164 @@
+#include "pane/views/FieldRow.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "pane/views/ChoiceFields.h"
+#include "pane/views/FieldTexts.h"
+#include "pane/views/NoteFields.h"
+#include "pane/views/NumberFields.h"
+#include "pane/views/PaneIcons.h"
+
+#include <QAbstractSlider>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSizePolicy>
+#include <QToolButton>
+#include <QWhatsThis>
+
+namespace torka {
+namespace {
+
+QToolButton* smallButton(QWidget* parent, PaneSign sign, const QString& name) {
+    auto* button = new QToolButton(parent);
+    button->setIcon(paneIcon(sign));
+    button->setAutoRaise(true);
+    button->setAccessibleName(name);
+    QSizePolicy policy = button->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // nothing moves when it appears
+    button->setSizePolicy(policy);
+    button->hide();
+    return button;
+}
+
+// Turning the wheel over a page scrolls it and changes no setting on the way.
+class WheelGuard final : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* widget = qobject_cast<QWidget*>(watched);
+        if (event->type() != QEvent::Wheel || widget == nullptr || widget->hasFocus()) {
+            return false;
+        }
+        event->ignore();
+        return true;
+    }
+};
+
+void guardFromWheel(QWidget& row) {
+    auto* guard = new WheelGuard(&row);
+    for (QWidget* child : row.findChildren<QWidget*>()) {
+        if (qobject_cast<QComboBox*>(child) != nullptr || qobject_cast<QAbstractSpinBox*>(child) != nullptr ||
+            qobject_cast<QAbstractSlider*>(child) != nullptr) {
+            child->installEventFilter(guard);
+        }
+    }
+}
+
+} // namespace
+
+FieldRow::FieldRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
+    : context(paneContext)
+    , field(shownField)
+    , body(new QWidget(parent)) {}
+
+FieldRow::~FieldRow() = default;
+
+void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
+    focus = focusWidget;
+    const QString name = qText(field.name);
+    if (!named) {
+        label = new QLabel(body->parentWidget());
+        label->setTextFormat(Qt::PlainText);
+        label->setText(name);
+        label->setWordWrap(true);
+        alignLeading(*label);
+    }
+    focus->setAccessibleName(name);
+    focus->setObjectName(qText(field.keyword));
+    auto* layout = new QHBoxLayout(body);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(control, 1);
+    information = smallButton(body, PaneSign::information, context.Say(words::whyForbidden));
+    reset = smallButton(body, PaneSign::reset, {});
+    layout->addWidget(information);
+    layout->addWidget(reset);
+    QObject::connect(information, &QToolButton::clicked, information, [this] {
+        QWhatsThis::showText(information->mapToGlobal(information->rect().bottomLeft()),
+                             plainToolTip(reasons), information);
+    });
+    QObject::connect(reset, &QToolButton::clicked, reset, [this] {
+        context.editor.Reset(*field.control);
+        focus->setFocus(); // the button is gone
+    });
+    setPlainToolTip(*focus, Description());
+    guardFromWheel(*body);
+    ShowLock();
+}
+
+void FieldRow::Set(const std::string& value) {
+    if (!context.editor.SetValue(*field.control, value)) {
+        ShowValue(); // refused, or brought to what it was
+    }
+}
+
+void FieldRow::ShowLock() {
+    const PaneLock lock = context.editor.LockOf(*field.control);
+    if (lock == PaneLock::none) {
+        return;
+    }
+    body->setEnabled(false);
+    const QString why =
+        context.Say(lock == PaneLock::system ? words::lockedBySystem : words::lockedByAdministrator);
+    setPlainToolTip(*focus, why);
+    body->setToolTip(plainToolTip(why));
+}
+
+void FieldRow::ShowValue() {
+    UpdateValue();
+    ShowReset();
+}
+
+void FieldRow::ShowReset() {
+    const std::string defaultValue = PaneEditor::DefaultValue(*field.control);
+    const bool differs = body->isEnabled() && PaneEditor::Value(*field.control) != defaultValue;
+    reset->setVisible(differs);
+    if (differs && resetTip.isEmpty()) {
+        const QString shown = shownValue(context, field, defaultValue);
+        resetTip = context.Say(words::backTo, shown.isEmpty() ? QStringLiteral("–") : shown);
+        reset->setToolTip(plainToolTip(resetTip));
+        reset->setAccessibleName(resetTip);
+    }
+}
+
+void FieldRow::ShowAllowed() {
+    reasons = body->isEnabled() ? UpdateAllowed() : QString();
+    information->setVisible(!reasons.isEmpty());
+    information->setToolTip(plainToolTip(reasons));
+    information->setAccessibleDescription(reasons);
+}
+
+std::unique_ptr<FieldRow> makeFieldRow(PaneContext& context, const PaneField& field, QWidget* parent) {
+    switch (field.control->Type()) {
+    case CNTL_TYPE::boolean:
+        return std::make_unique<CheckRow>(context, field, parent);
+    case CNTL_TYPE::popup:
+        if (static_cast<const PPDXPopupControl*>(field.control)->CanSelectMultipleItems()) {
+            return std::make_unique<SeveralChoicesRow>(context, field, parent);
+        }
+        return std::make_unique<PopupRow>(context, field, parent);
+    case CNTL_TYPE::customPageSize:
+        return std::make_unique<SizeRow>(context, field, parent);
+    case CNTL_TYPE::jobNote:
+        if (static_cast<const PPDXJobNote*>(field.control)->IsOnOffSwitch()) {
+            return std::make_unique<SwitchNoteRow>(context, field, parent);
+        }
+        return std::make_unique<NoteRow>(context, field, parent);
+    default:
+        return std::make_unique<NumberRow>(context, field, parent);
+    }
+}
+
+} // namespace torka

@@ -1,0 +1,117 @@
+#include "pane/views/NoteFields.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
+#include "pane/CustomizePaneController.h"
+#include "pane/views/FieldTexts.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+#include <algorithm>
+
+namespace torka {
+namespace {
+
+QString qTextOf(const CFStringRef& text) {
+    return text ? QString::fromUtf16(text->units.data(), static_cast<qsizetype>(text->units.size()))
+                : QString();
+}
+
+CFStringRef cfText(const QString& text) { return CFStringCreateWithCharacters(text.toStdU16String()); }
+
+} // namespace
+
+NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
+    : FieldRow(paneContext, shownField, parent)
+    , line(new QLineEdit(Body()))
+    , counter(new QLabel(Body()))
+    , tag(paneContext.controller.TagOfJobNote(shownField.keyword)) {
+    if (isSecret(*field.control)) {
+        line->setEchoMode(QLineEdit::Password);
+        line->setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
+    } else if (Note().IsNumeric() && !Note().IsAlpha()) {
+        line->setInputMethodHints(Qt::ImhPreferNumbers);
+    }
+    counter->setTextFormat(Qt::PlainText);
+    counter->setForegroundRole(QPalette::PlaceholderText);
+    counter->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+    const QString longest = QString::number(std::max<std::int64_t>(Note().MaxLength(), 888));
+    counter->setMinimumWidth( // the same for most, so that the lines end in one place
+        counter->fontMetrics().horizontalAdvance(longest + QStringLiteral(" / ") + longest));
+    auto* both = new QWidget(Body());
+    auto* layout = new QHBoxLayout(both);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(line, 1);
+    layout->addWidget(counter);
+    QObject::connect(line, &QLineEdit::textEdited, line, [this](const QString& text) { Typed(text); });
+    QObject::connect(line, &QLineEdit::editingFinished, line, [this] { context.editor.EndStep(); });
+    Take(both, line, false);
+}
+
+const PPDXJobNote& NoteRow::Note() const { return static_cast<const PPDXJobNote&>(*field.control); }
+
+QString NoteRow::Description() const { return noteRules(context, *field.control); }
+
+void NoteRow::Typed(const QString& text) {
+    CFStringRef result;
+    typing = true; // the cursor is set below
+    context.editor.Edit(
+        *field.control, [&] { result = context.controller.controlTextDidChange(tag, cfText(text)); }, true);
+    typing = false;
+    const QString shown = qTextOf(result);
+    if (shown != line->text()) {
+        // What was taken out stood before the cursor.
+        const auto lost = static_cast<int>(text.size() - shown.size());
+        const int cursor = line->cursorPosition() - std::max(lost, 0);
+        line->setText(shown);
+        line->setCursorPosition(std::clamp(cursor, 0, static_cast<int>(shown.size())));
+    }
+    ShowLength();
+}
+
+void NoteRow::UpdateValue() {
+    const QString text = qText(PaneEditor::Value(*field.control));
+    if (!typing && text != line->text()) {
+        line->setText(text);
+    }
+    ShowLength();
+}
+
+void NoteRow::ShowLength() {
+    const auto length = static_cast<std::int64_t>(line->text().size());
+    const PPDXJobNote& note = Note();
+    const QString longest = QString::number(note.MaxLength());
+    const bool missing = note.IsRequired() && length == 0;
+    const bool wrong = missing || length > note.MaxLength() || (length > 0 && length < note.MinLength()) ||
+                       (length > 0 && note.IsLengthReq() && length != note.MaxLength());
+    counter->setText(missing ? context.Say(words::required)
+                             : QString::number(length) + QStringLiteral(" / ") + longest);
+    counter->setAccessibleName(context.Say(words::lengthOf, QString::number(length), longest));
+    QFont font = line->font();
+    font.setBold(wrong);
+    counter->setFont(font);
+    counter->setForegroundRole(wrong ? QPalette::WindowText : QPalette::PlaceholderText);
+    counter->setToolTip(plainToolTip(Description()));
+}
+
+SwitchNoteRow::SwitchNoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
+    : FieldRow(paneContext, shownField, parent)
+    , box(new QCheckBox(labelText(qText(shownField.name)), Body()))
+    , tag(paneContext.controller.TagOfJobNote(shownField.keyword)) {
+    QObject::connect(box, &QCheckBox::clicked, box, [this](bool on) {
+        const auto change = [&] {
+            context.controller.controlTextDidChange(tag, cfString(on ? "True" : "False"));
+            static_cast<PPDXJobNote*>(field.control)->SetNotesOnValue(on);
+        };
+        if (!context.editor.Edit(*field.control, change, false)) {
+            ShowValue();
+        }
+    });
+    Take(box, box, true);
+}
+
+void SwitchNoteRow::UpdateValue() { box->setChecked(PaneEditor::Value(*field.control) == "True"); }
+
+} // namespace torka

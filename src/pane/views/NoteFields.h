@@ -1,0 +1,47 @@
+#pragma once
+
+#include "pane/views/FieldRow.h"
+
+#include <cstdint>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+
+namespace torka {
+
+class PPDXJobNote;
+
+// A job note: a line of text that holds only what the note allows, with a counter of its length.
+class NoteRow final : public FieldRow {
+public:
+    NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
+
+private:
+    void UpdateValue() override;
+    QString UpdateAllowed() override { return {}; }
+    QString Description() const override;
+    const PPDXJobNote& Note() const;
+    void Typed(const QString& text);
+    void ShowLength();
+
+    QLineEdit* line;
+    QLabel* counter;
+    std::uint32_t tag;
+    bool typing = false;
+};
+
+// A note that is a switch: a check box that writes "True" or "False".
+class SwitchNoteRow final : public FieldRow {
+public:
+    SwitchNoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
+
+private:
+    void UpdateValue() override;
+    QString UpdateAllowed() override { return {}; }
+
+    QCheckBox* box;
+    std::uint32_t tag;
+};
+
+} // namespace torka

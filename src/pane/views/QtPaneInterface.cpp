@@ -1,0 +1,328 @@
+#include "pane/views/QtPaneInterface.h"
+
+#include "pane/CustomizePaneController.h"
+#include "pane/views/CustomizePaneWidget.h"
+#include "pane/views/FieldTexts.h"
+#include "pane/views/PaneRoot.h"
+#include "pane/views/TwoWaySign.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QUiLoader>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace torka {
+namespace {
+
+struct OutletName {
+    PaneOutlet outlet;
+    const char* name;
+    const PaneWord* word; // null: no text of its own
+};
+
+constexpr std::array outletNames{
+    OutletName{PaneOutlet::outputBinsView, "outputBinsView", nullptr},
+    OutletName{PaneOutlet::customizePane, "customizePane", nullptr},
+    OutletName{PaneOutlet::printerName, "printerName", nullptr},
+    OutletName{PaneOutlet::printerNameStaticText, "printerNameStaticText", &words::printerLabel},
+    OutletName{PaneOutlet::printerAddress, "printerAddress", nullptr},
+    OutletName{PaneOutlet::printerAddressStaticText, "printerAddressStaticText", &words::addressLabel},
+    OutletName{PaneOutlet::bidiCheckBox, "bidiCheckBox", &words::twoWayCheckBox},
+    OutletName{PaneOutlet::configureButton, "configureButton", &words::configure},
+    OutletName{PaneOutlet::fullPropertiesButton, "fullPropertiesButton", &words::fullProperties},
+    OutletName{PaneOutlet::defaultsButton, "defaultsButton", &words::defaults},
+    OutletName{PaneOutlet::customizeQuickAccessButton, "customizeQuickAccessButton", &words::customize},
+    OutletName{PaneOutlet::quickaccessStaticText, "quickaccessStaticText", &words::quickAccessLabel},
+    OutletName{PaneOutlet::horizontalLine, "horizontalLine", nullptr},
+    OutletName{PaneOutlet::horizontalLine2, "horizontalLine2", nullptr},
+};
+
+// For a pane without that dialog.
+class NoQuickAccess final : public CustomizeQuickAccessView {
+public:
+    bool validWindowSessionRunning() const override { return false; }
+    void doButtonCancelClicked() override {}
+    void openSheet() override {}
+};
+
+class NoPopupJobNotes final : public PopupJobNoteView {
+public:
+    void observeControlTextDidChange(std::string_view /*outlet*/) override {}
+    bool handlePopupJobnoteUI() override { return true; }
+};
+
+} // namespace
+
+QtPaneInterface::QtPaneInterface(PaneSetup paneSetup)
+    : setup(std::move(paneSetup))
+    , editor(setup.model, setup.data)
+    , context{editor, setup.controller, setup.data, setup.panel, setup.text, setup.metric} {}
+
+QtPaneInterface::~QtPaneInterface() {
+    if (root != nullptr) {
+        static_cast<PaneRoot*>(root.data())->WhenGone({});
+        static_cast<PaneRoot*>(root.data())->WhenFirstPainted({});
+    }
+    delete pane.data(); // works on the editor
+}
+
+std::unique_ptr<QtPaneInterface> QtPaneInterface::Load(const QString& uiFile, PaneSetup setup,
+                                                       std::string& problem) {
+    std::unique_ptr<QtPaneInterface> loaded(new QtPaneInterface(std::move(setup)));
+    if (!loaded->LoadFile(uiFile, problem)) {
+        return nullptr;
+    }
+    loaded->Translate();
+    loaded->MakePane();
+    loaded->MakeDialogs();
+    loaded->Connect();
+    return loaded;
+}
+
+bool QtPaneInterface::LoadFile(const QString& uiFile, std::string& problem) {
+    QFile file(uiFile);
+    if (!file.open(QIODevice::ReadOnly)) {
+        problem = uiFile.toStdString() + ": " + file.errorString().toStdString();
+        return false;
+    }
+    QUiLoader loader;
+    loader.clearPluginPaths(); // the file needs none, and they are slow to look through
+    std::unique_ptr<QWidget> loaded(loader.load(&file));
+    if (loaded == nullptr) {
+        problem = uiFile.toStdString() + ": " + loader.errorString().toStdString();
+        return false;
+    }
+    for (const OutletName& entry : outletNames) {
+        const QString name = QString::fromLatin1(entry.name);
+        QWidget* widget = loaded->objectName() == name ? loaded.get() : loaded->findChild<QWidget*>(name);
+        if (widget == nullptr) {
+            problem = uiFile.toStdString() + ": no widget is named " + entry.name;
+            return false;
+        }
+        outlets[entry.outlet] = widget;
+    }
+    auto* paneRoot = new PaneRoot;
+    root = paneRoot;
+    view = std::make_shared<QtView>(paneRoot);
+    paneRoot->setObjectName(QStringLiteral("paneRoot"));
+    paneRoot->resize(loaded->size());
+    auto* layout = new QVBoxLayout(paneRoot);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(loaded.release());
+    paneRoot->WhenGone([this] { RootGone(); });
+    return true;
+}
+
+void QtPaneInterface::Translate() {
+    for (const OutletName& entry : outletNames) {
+        if (entry.word == nullptr) {
+            continue;
+        }
+        const QString text = context.Say(*entry.word);
+        if (auto* label = qobject_cast<QLabel*>(outlets[entry.outlet])) {
+            label->setText(text);
+        } else if (auto* button = qobject_cast<QAbstractButton*>(outlets[entry.outlet])) {
+            button->setText(text);
+        }
+    }
+    const auto describes = [this](PaneOutlet outlet, const PaneWord& word) {
+        outlets[outlet]->setAccessibleName(context.Say(word));
+        if (auto* label = qobject_cast<QLabel*>(outlets[outlet])) {
+            alignLeading(*label);
+        }
+    };
+    describes(PaneOutlet::printerName, words::printerLabel);
+    describes(PaneOutlet::printerAddress, words::addressLabel);
+}
+
+void QtPaneInterface::MakePane() {
+    QWidget* place = outlets[PaneOutlet::customizePane];
+    auto* layout = new QVBoxLayout(place);
+    layout->setContentsMargins(0, 0, 0, 0);
+    pane = new CustomizePaneWidget(context, place);
+    layout->addWidget(pane);
+    if (auto* signPlace = root->findChild<QWidget*>(QStringLiteral("twoWaySign"))) {
+        auto* signLayout = new QVBoxLayout(signPlace);
+        signLayout->setContentsMargins(0, 0, 0, 0);
+        sign = new TwoWaySign(context, signPlace);
+        signLayout->addWidget(sign);
+    }
+}
+
+void QtPaneInterface::MakeDialogs() {
+    const PaneOutletWidgets widgets{root, qobject_cast<QCheckBox*>(outlets[PaneOutlet::bidiCheckBox]),
+                                    qobject_cast<QPushButton*>(outlets[PaneOutlet::configureButton])};
+    const PaneDialogs& dialogs = paneRegistry().dialogs;
+    quickAccessDialog = dialogs.quickAccess ? dialogs.quickAccess(context, widgets) : nullptr;
+    if (quickAccessDialog == nullptr) {
+        quickAccessDialog = std::make_unique<NoQuickAccess>();
+        outlets[PaneOutlet::customizeQuickAccessButton]->hide();
+        outlets[PaneOutlet::quickaccessStaticText]->hide();
+    }
+    popupNotesDialog = dialogs.popupJobNotes ? dialogs.popupJobNotes(context, widgets) : nullptr;
+    if (popupNotesDialog == nullptr) {
+        popupNotesDialog = std::make_unique<NoPopupJobNotes>();
+    }
+    auto sheet = std::make_unique<AddressSheet>(root, setup.bidiText);
+    sheet->attachPaneWidgets(widgets.bidiCheckBox, widgets.configureButton);
+    addressDialog = std::move(sheet);
+}
+
+void QtPaneInterface::Connect() {
+    const auto onClick = [this](PaneOutlet outlet, std::function<void()> action) {
+        if (auto* button = qobject_cast<QAbstractButton*>(outlets[outlet])) {
+            QObject::connect(
+                button, &QAbstractButton::clicked, &connections, [this, act = std::move(action)] {
+                    const std::shared_ptr<void> alive = setup.keepAlive ? setup.keepAlive() : nullptr;
+                    act();
+                });
+        }
+    };
+    // What the module and the defaults change can be undone like a click.
+    onClick(PaneOutlet::fullPropertiesButton, [this] {
+        if (setup.openFullProperties) {
+            editor.EditAll(setup.openFullProperties);
+        }
+    });
+    onClick(PaneOutlet::defaultsButton, [this] {
+        if (setup.resetToDefaults) {
+            editor.EditAll(setup.resetToDefaults);
+        }
+    });
+    onClick(PaneOutlet::customizeQuickAccessButton, [this] {
+        if (setup.customizeQuickAccess) {
+            setup.customizeQuickAccess();
+        }
+    });
+    if (auto* box = qobject_cast<QCheckBox*>(outlets[PaneOutlet::bidiCheckBox])) {
+        QObject::connect(box, &QCheckBox::toggled, &connections, [this] { ShowTwoWay(); });
+    }
+    QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &connections,
+                     [this](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive && setup.applicationDidBecomeActive) {
+                             setup.applicationDidBecomeActive();
+                         }
+                     });
+    editor.AddListener([this](const PaneChange& change) {
+        if (change.kind != PaneChange::Kind::outside) {
+            setup.controller.resetJPServerpresetKeys(); // the settings are the preset's no longer
+        }
+    });
+}
+
+void QtPaneInterface::ShowTwoWay() {
+    const auto* box = qobject_cast<QCheckBox*>(outlets[PaneOutlet::bidiCheckBox]);
+    if (sign == nullptr || box == nullptr) {
+        return;
+    }
+    const bool failed = box->isChecked() && setup.twoWayFailed && setup.twoWayFailed();
+    sign->Show(failed ? TwoWayState::failed : box->isChecked() ? TwoWayState::on : TwoWayState::off);
+}
+
+// The dialog has deleted the root view. Dialogs of the pane that hang on it are taken back first.
+void QtPaneInterface::RootGone() {
+    for (QWidget* dialog : root->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (dialog->isWindow()) {
+            dialog->setParent(nullptr);
+        }
+    }
+}
+
+CustomizePaneWidget* QtPaneInterface::Pane() const { return pane; }
+
+QWidget* QtPaneInterface::Outlet(PaneOutlet outlet) const {
+    const auto place = outlets.find(outlet);
+    return place == outlets.end() ? nullptr : place->second.data();
+}
+
+CFStringRef QtPaneInterface::stringValue(PaneOutlet outlet) const {
+    QString text;
+    if (const auto* label = qobject_cast<QLabel*>(Outlet(outlet))) {
+        text = label->text();
+    } else if (const auto* line = qobject_cast<QLineEdit*>(Outlet(outlet))) {
+        text = line->text();
+    } else if (const auto* button = qobject_cast<QAbstractButton*>(Outlet(outlet))) {
+        text = button->text();
+    }
+    return CFStringCreateWithCharacters(text.toStdU16String());
+}
+
+void QtPaneInterface::setStringValue(PaneOutlet outlet, const CFStringRef& text) {
+    const QString shown = text ? QString::fromStdU16String(text->units) : QString();
+    if (auto* label = qobject_cast<QLabel*>(Outlet(outlet))) {
+        label->setTextFormat(Qt::PlainText);
+        label->setText(shown);
+        label->setToolTip(plainToolTip(shown)); // a long one is cut
+    } else if (auto* line = qobject_cast<QLineEdit*>(Outlet(outlet))) {
+        line->setText(shown);
+    } else if (auto* button = qobject_cast<QAbstractButton*>(Outlet(outlet))) {
+        button->setText(labelText(shown));
+    }
+}
+
+void QtPaneInterface::setHidden(PaneOutlet outlet, bool hidden) {
+    if (QWidget* widget = Outlet(outlet)) {
+        widget->setHidden(hidden);
+    }
+}
+
+void QtPaneInterface::setEnabled(PaneOutlet outlet, bool enabled) {
+    if (QWidget* widget = Outlet(outlet)) {
+        widget->setEnabled(enabled);
+    }
+}
+
+PaneFrame QtPaneInterface::frame(PaneOutlet outlet) const {
+    if (const auto asked = askedFrames.find(outlet); asked != askedFrames.end()) {
+        return asked->second;
+    }
+    const QWidget* widget = Outlet(outlet);
+    const QWidget* all = Outlet(PaneOutlet::outputBinsView);
+    if (widget == nullptr || all == nullptr) {
+        return {};
+    }
+    const QPoint corner = widget->mapTo(all, QPoint(0, widget->height()));
+    return {static_cast<double>(corner.x()), static_cast<double>(all->height() - corner.y()),
+            static_cast<double>(widget->width()), static_cast<double>(widget->height())};
+}
+
+void QtPaneInterface::setFrame(PaneOutlet outlet, const PaneFrame& frame) { askedFrames[outlet] = frame; }
+
+void QtPaneInterface::whenFirstPainted(std::function<void()> action) {
+    if (root != nullptr) {
+        static_cast<PaneRoot*>(root.data())->WhenFirstPainted(std::move(action));
+    }
+}
+
+void QtPaneInterface::bringToFront() {
+    QWidget* window = QApplication::activeModalWidget();
+    if (window == nullptr && root != nullptr) {
+        window = root->window();
+    }
+    if (window != nullptr && window->isVisible()) {
+        window->raise();
+        window->activateWindow();
+    }
+}
+
+void QtPaneInterface::Drawer::drawControlsInTree(const PPDTree& tree) {
+    if (owner.pane != nullptr) {
+        owner.pane->drawControlsInTree(tree);
+        owner.ShowTwoWay();
+    }
+}
+
+void QtPaneInterface::Drawer::greyoutShortcutControls(bool grey) {
+    if (owner.pane != nullptr) {
+        owner.pane->greyoutShortcutControls(grey);
+    }
+}
+
+} // namespace torka

@@ -1,0 +1,78 @@
+#include "pane/views/RollDown.h"
+
+#include "pane/views/FieldTexts.h"
+#include "pane/views/PaneIcons.h"
+
+#include <QKeyEvent>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace torka {
+
+RollDown::RollDown(const PaneContext& context, const QString& title,
+                   std::function<void(QWidget&)> fillContent, QWidget* parent)
+    : QWidget(parent)
+    , header(new QToolButton(this))
+    , fill(std::move(fillContent))
+    , openWord(context.Say(words::openGroup))
+    , closedWord(context.Say(words::closedGroup)) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    header->setText(labelText(title));
+    header->setAccessibleName(title);
+    header->setAutoRaise(true);
+    header->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    header->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    header->setFocusPolicy(Qt::StrongFocus);
+    header->setIcon(paneIcon(PaneSign::closed));
+    QFont bold = header->font();
+    bold.setBold(true);
+    header->setFont(bold);
+    header->installEventFilter(this);
+    layout->addWidget(header);
+    TellState();
+    connect(header, &QToolButton::clicked, this, [this] { SetOpen(!open); });
+}
+
+void RollDown::SetOpen(bool nowOpen) {
+    if (open == nowOpen) {
+        return;
+    }
+    open = nowOpen;
+    header->setIcon(paneIcon(open ? PaneSign::open : PaneSign::closed));
+    if (open && content == nullptr) {
+        content = new QWidget(this);
+        fill(*content);
+        static_cast<QVBoxLayout*>(layout())->addWidget(content);
+    }
+    if (content != nullptr) {
+        content->setVisible(open);
+    }
+    TellState();
+}
+
+void RollDown::TellState() { header->setAccessibleDescription(open ? openWord : closedWord); }
+
+// As in a tree: the key that points into the content opens, the other one closes.
+bool RollDown::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == header && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        const bool leftToRight = layoutDirection() == Qt::LeftToRight;
+        if (key == (leftToRight ? Qt::Key_Right : Qt::Key_Left) || key == Qt::Key_Plus) {
+            SetOpen(true);
+            return true;
+        }
+        if (key == (leftToRight ? Qt::Key_Left : Qt::Key_Right) || key == Qt::Key_Minus) {
+            SetOpen(false);
+            return true;
+        }
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            SetOpen(!open);
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace torka

@@ -1,0 +1,55 @@
+#include "pane/views/TwoWaySign.h"
+
+#include "pane/views/FieldTexts.h"
+#include "pane/views/PaneIcons.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QStyle>
+
+namespace torka {
+
+TwoWaySign::TwoWaySign(const PaneContext& paneContext, QWidget* parent)
+    : QWidget(parent)
+    , context(paneContext)
+    , sign(new QLabel(this))
+    , label(new QLabel(this)) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(sign);
+    layout->addWidget(label);
+    label->setTextFormat(Qt::PlainText);
+    Show(TwoWayState::off);
+}
+
+void TwoWaySign::Show(TwoWayState state) {
+    shown = state;
+    PaneSign picture = PaneSign::ring;
+    QString text = context.Say(words::off);
+    QString hint;
+    if (state == TwoWayState::on) {
+        picture = PaneSign::dot;
+        text = context.Say(words::on);
+    } else if (state == TwoWayState::failed) {
+        picture = PaneSign::warning;
+        text = context.Say(words::twoWayFailed);
+        hint = context.Say(words::twoWayFailedHint);
+    }
+    const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    sign->setPixmap(paneIcon(picture).pixmap(QSize(size, size), devicePixelRatioF()));
+    label->setText(text);
+    label->setForegroundRole(state == TwoWayState::off ? QPalette::PlaceholderText : QPalette::WindowText);
+    setPlainToolTip(*this, hint);
+    setAccessibleName(context.Say(words::twoWay, text));
+}
+
+void TwoWaySign::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        Show(shown); // the sign is a picture in the old colours
+    }
+}
+
+} // namespace torka

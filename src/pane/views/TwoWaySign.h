@@ -1,0 +1,27 @@
+#pragma once
+
+#include "pane/views/PaneContext.h"
+
+#include <QWidget>
+
+class QLabel;
+
+namespace torka {
+
+// Whether the pane speaks with the controller: a small sign and two or three words.
+class TwoWaySign final : public QWidget {
+public:
+    TwoWaySign(const PaneContext& paneContext, QWidget* parent);
+    void Show(TwoWayState state);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    const PaneContext& context;
+    TwoWayState shown = TwoWayState::off;
+    QLabel* sign;
+    QLabel* label;
+};
+
+} // namespace torka

@@ -1,0 +1,32 @@
+#include "platform/qt/QtAlertPresenter.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+
+namespace torka::platform {
+
+AlertButton QtAlertPresenter::RunModal(const AlertText& text) {
+    // On the heap and watched: the window below may close while the alert waits, and take it along.
+    const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    box->setIcon(QMessageBox::Warning);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(QString::fromStdString(text.title));
+    box->setInformativeText(QString::fromStdString(text.informative));
+    const auto label = [](const std::string& name) {
+        return QString::fromStdString(name).replace(QLatin1Char('&'), QLatin1String("&&"));
+    };
+    QPushButton* accept = box->addButton(label(text.defaultButton), QMessageBox::AcceptRole);
+    box->setDefaultButton(accept);
+    const bool hasAlternate = !text.alternateButton.empty();
+    QPushButton* alternate =
+        hasAlternate ? box->addButton(label(text.alternateButton), QMessageBox::RejectRole) : nullptr;
+    box->setEscapeButton(hasAlternate ? alternate : accept);
+    box->exec();
+    const bool accepted = box != nullptr && box->clickedButton() == accept;
+    delete box.data();
+    return accepted || !hasAlternate ? AlertButton::defaultButton : AlertButton::alternateButton;
+}
+
+} // namespace torka::platform

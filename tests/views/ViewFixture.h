@@ -1,0 +1,71 @@
+#pragma once
+
+#include "pane/UI_Panel.h"
+#include "pane/views/CustomizePaneWidget.h"
+#include "pane/views/QtPaneInterface.h"
+#include "tests/pane/PaneFixture.h"
+
+#include <QCoreApplication>
+#include <QWidget>
+
+#include <memory>
+#include <string>
+
+// A pane with real widgets over a description, without a dialog around it.
+
+namespace torka::tests {
+
+struct ViewedPane {
+    explicit ViewedPane(std::unique_ptr<Pane> shownPane, const PaneText& text = english)
+        : pane(std::move(shownPane))
+        , panel(std::make_unique<UI_Panel>(pane->data.get())) {
+        PaneSetup setup{*pane->model, panel->GetCustomizePane(), pane->data.get()};
+        setup.text = text;
+        setup.bidiText = [](const char*, const char* word) { return QString::fromUtf8(word); };
+        setup.resetToDefaults = [this] {
+            panel->ResetControlsToDefault();
+            panel->DrawUserPane();
+        };
+        std::string problem;
+        interface =
+            QtPaneInterface::Load(QStringLiteral(TORKA_SOURCE_DIR "/bundle/Resources/TorkaFeaturesPDE.ui"),
+                                  std::move(setup), problem);
+        if (interface == nullptr) {
+            throw std::runtime_error(problem);
+        }
+        panel->GetCustomizePane().setView(&interface->customizePane());
+        interface->setStringValue(PaneOutlet::printerName, cfString("Torka Production 90"));
+        interface->setStringValue(PaneOutlet::printerAddress, cfString("192.168.1.20"));
+    }
+    ~ViewedPane() { panel->GetCustomizePane().setView(nullptr); }
+
+    static QString english(const PaneWord& word) { return QString::fromUtf8(word.english); }
+
+    void Draw() {
+        panel->PopulatePPDTreeStructure();
+        panel->GetCustomizePane().drawControlsInTree(UI_Panel::Tree);
+    }
+    QWidget* Root() const { return widgetOf(interface->outputBinsView()); }
+    CustomizePaneWidget& Widget() const { return *interface->Pane(); }
+    PaneEditor& Editor() const { return interface->Editor(); }
+    template <class T>
+    T* Find(const char* name) const {
+        return Root()->findChild<T*>(QString::fromUtf8(name));
+    }
+    std::string Value(const char* keyword) const { return PaneEditor::Value(*Editor().FindControl(keyword)); }
+
+    std::unique_ptr<Pane> pane;
+    std::unique_ptr<UI_Panel> panel;
+    std::unique_ptr<QtPaneInterface> interface;
+};
+
+// A description that is a file.
+inline std::unique_ptr<Pane> paneOfFile(const std::string& path) {
+    return std::unique_ptr<Pane>(new Pane(Pane::OfFile(path)));
+}
+
+inline std::unique_ptr<Pane> samplePane() {
+    return paneOfFile(std::string(TORKA_SOURCE_DIR) + "/samples/torka-production.ppd");
+}
+
+} // namespace torka::tests

@@ -1,0 +1,104 @@
+// Draws the pane over a description without a display, a picture for each page, at 100 % and 200 %, in a dark
+// palette and from right to left.
+//
+//     pane_pictures FOLDER [DESCRIPTION.ppd]
+
+#include "pane/views/ConflictBar.h"
+#include "pane/views/FieldPage.h"
+#include "tests/views/ViewFixture.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QStyleFactory>
+
+#include <chrono>
+#include <cstdio>
+
+using namespace torka;
+using namespace torka::tests;
+
+namespace {
+
+QPalette darkPalette() {
+    QPalette dark(QColor(50, 50, 52));
+    dark.setColor(QPalette::Base, QColor(35, 35, 37));
+    dark.setColor(QPalette::Highlight, QColor(60, 130, 210));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    return dark;
+}
+
+void grab(ViewedPane& pane, const QString& folder, const QString& name) {
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    const QString file = folder + QLatin1Char('/') + name + QStringLiteral(".png");
+    if (!pane.Root()->grab().save(file)) {
+        std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
+    }
+}
+
+void drawAll(const std::string& ppd, const QString& folder, const QString& prefix) {
+    using Clock = std::chrono::steady_clock;
+    auto model = ppd.empty() ? samplePane() : paneOfFile(ppd);
+    const auto begin = Clock::now();
+    ViewedPane pane(std::move(model));
+    const auto loaded = Clock::now();
+    pane.Draw();
+    const auto drawn = Clock::now();
+    pane.Root()->resize(820, 600);
+    pane.Root()->show();
+    QCoreApplication::processEvents();
+    const auto painted = Clock::now();
+    const auto ms = [](auto span) { return std::chrono::duration<double, std::milli>(span).count(); };
+    std::printf("%s: loaded %.1f ms, drawn %.1f ms, painted %.1f ms\n", qPrintable(prefix),
+                ms(loaded - begin), ms(drawn - loaded), ms(painted - drawn));
+    auto& widget = pane.Widget();
+    const auto pages = widget.PageIdentifiers();
+    for (std::size_t i = 0; i < std::min<std::size_t>(pages.size(), 9); ++i) {
+        const auto before = Clock::now();
+        widget.ShowPage(pages[i]);
+        QCoreApplication::processEvents();
+        std::printf("  page %s %.1f ms\n", pages[i].c_str(), ms(Clock::now() - before));
+        grab(pane, folder, prefix + QStringLiteral("-%1-").arg(i) + QString::fromStdString(pages[i]));
+    }
+    if (!ppd.empty()) {
+        return;
+    }
+    widget.ShowPage("QVFinishingPage");
+    pane.Editor().SetValue("*QVStaple", "Saddle");
+    pane.Editor().SetValue("*QVFoldStyle", "Half");
+    pane.Editor().SetValue("*MediaType", "Labels");
+    const auto before = Clock::now();
+    pane.Editor().SetValue("*QVDuplex", "LongEdge");
+    QCoreApplication::processEvents();
+    std::printf("  click %.2f ms\n", ms(Clock::now() - before));
+    grab(pane, folder, prefix + QStringLiteral("-conflict"));
+    pane.Editor().Resolve();
+    grab(pane, folder, prefix + QStringLiteral("-resolved"));
+    widget.ShowPage("summary");
+    grab(pane, folder, prefix + QStringLiteral("-summary"));
+    widget.SearchField()->setText(QStringLiteral("fold"));
+    widget.SearchNow();
+    grab(pane, folder, prefix + QStringLiteral("-search"));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    const QString folder = QString::fromLocal8Bit(argc > 1 ? argv[1] : ".");
+    ScopedMemorySystem system;
+    if (argc > 2) {
+        drawAll(argv[2], folder, QStringLiteral("other"));
+        return 0;
+    }
+    drawAll({}, folder, QStringLiteral("light"));
+    QApplication::setPalette(darkPalette());
+    drawAll({}, folder, QStringLiteral("dark"));
+    QApplication::setPalette(QPalette());
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    drawAll({}, folder, QStringLiteral("rtl"));
+    return 0;
+}
