@@ -167,7 +167,7 @@ void BonjourModuleController::Alert(std::string_view key, std::string_view engli
     text.title = utf8Text(owner.bidiString(key, english));
     text.informative =
         utf8Text(owner.bidiString("PRESS_OKAY", "Press OK to enter a new IP Address or DNS Name."));
-    text.defaultButton = "OK";
+    text.defaultButton = utf8Text(owner.bidiString("OK", "OK"));
     alerts().RunModal(text);
 }
 

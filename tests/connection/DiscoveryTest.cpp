@@ -4,6 +4,7 @@
 #include "platform/memory/MemoryEventLoop.h"
 #include "platform/memory/MemoryNetServices.h"
 #include "platform/memory/MemoryServiceDirectory.h"
+#include "tests/connection/MemoryAddressOwner.h"
 #include "tests/connection/MemoryAddressSheet.h"
 #include "tests/support/TestSupport.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "connection/BonjourModuleController.h"
+#include "connection/BonjourModuleView.h"
 
 #include <map>
 #include <string>
@@ -60,32 +60,6 @@ public:
     bool bidi = false;
     bool bidiEnabled = false;
     bool configureEnabled = false;
-};
-
-// A panel model that keeps one address.
-class MemoryAddressOwner final : public BonjourModuleOwner {
-public:
-    BonjourModuleController* GetsBonjourModuleController() const override { return controller; }
-    void setsBonjourModuleController(BonjourModuleController* newController) override {
-        controller = newController;
-    }
-    CFStringRef storedPrinterAddress() override { return cfString(address); }
-    bool storePrinterAddress(const CFStringRef& newAddress, bool newTwoWay) override {
-        address = utf8Text(newAddress);
-        twoWay = newTwoWay;
-        ++stores;
-        return true;
-    }
-    void showPrinterAddress(const CFStringRef& newAddress) override { shown = utf8Text(newAddress); }
-    CFStringRef bidiString(std::string_view key, std::string_view english) override {
-        return cfString(key.starts_with("DISCOVERY") ? key : english);
-    }
-
-    BonjourModuleController* controller = nullptr;
-    std::string address;
-    bool twoWay = false;
-    int stores = 0;
-    std::string shown;
 };
 
 } // namespace torka::tests

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -160,6 +161,7 @@ void AddressSheet::MakeTable(const BidiTranslator& translate) {
     table->setTextElideMode(Qt::ElideRight);
     table->setAccessibleName(translate("CONTROLLERS", "Controllers on the local network"));
     table->setContextMenuPolicy(Qt::CustomContextMenu);
+    table->installEventFilter(this);
     QHeaderView* header = table->header();
     header->setSectionsClickable(true);
     header->setSectionsMovable(false);
@@ -182,6 +184,19 @@ void AddressSheet::MakeTable(const BidiTranslator& translate) {
             accept();
         }
     });
+}
+
+// The table's first row has the focus without being selected, and no arrow key would select it.
+bool AddressSheet::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == table && event->type() == QEvent::KeyPress && !selectedRow() && model->rowCount({}) > 0) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_Home) {
+            table->selectionModel()->setCurrentIndex(model->index(0, 0), QItemSelectionModel::ClearAndSelect |
+                                                                             QItemSelectionModel::Rows);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void AddressSheet::attachPaneWidgets(QCheckBox* twoWay, QPushButton* configure) {

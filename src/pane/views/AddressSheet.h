@@ -55,6 +55,9 @@ public:
     void accept() override;
     void reject() override;
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     class Rows;
 

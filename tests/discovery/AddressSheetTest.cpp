@@ -1,0 +1,280 @@
+#include "pane/views/AddressSheet.h"
+
+#include "platform/memory/MemoryEventLoop.h"
+#include "platform/memory/MemoryServiceDirectory.h"
+#include "platform/qt/QtEventLoop.h"
+#include "tests/connection/MemoryAddressOwner.h"
+#include "tests/support/TestSupport.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeView>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace torka {
+namespace {
+
+void needApplication() {
+    static int argc = 1;
+    static char name[] = "test_discovery";
+    static char* argv[] = {name, nullptr};
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static QApplication application(argc, argv);
+}
+
+// The sheet with its controller, over a net in memory. Tests of looks set TORKA_PICTURES to a folder.
+class AddressSheetTest : public ::testing::Test {
+protected:
+    AddressSheetTest() {
+        needApplication();
+        auto ownedNet = std::make_unique<MemoryServiceDirectory>();
+        net = ownedNet.get();
+        auto ownedLoop = std::make_unique<MemoryEventLoop>();
+        loop = ownedLoop.get();
+        setMainEventLoop(std::move(ownedLoop));
+        setServiceDirectory(std::move(ownedNet));
+        window = std::make_unique<QWidget>();
+        paneCheckBox = new QCheckBox(window.get());
+        paneButton = new QPushButton(window.get());
+        sheet =
+            new AddressSheet(window.get(), [](const char*, const char* english) { return QString(english); });
+        sheet->attachPaneWidgets(paneCheckBox, paneButton);
+        field = sheet->findChild<QLineEdit*>();
+        table = sheet->findChild<QTreeView*>();
+        controller = BonjourModuleController::init(owner, *sheet);
+        window->show();
+    }
+    ~AddressSheetTest() override {
+        controller.reset();
+        window.reset();
+        setServiceDirectory(nullptr);
+        setMainEventLoop(nullptr);
+    }
+
+    void Announce(const std::string& name, const std::string& address) {
+        ResolvedService answer{name + ".local.", 631, {}};
+        answer.addresses.emplace_back();
+        if (parseIPv4Address(address, answer.addresses.back())) {
+            net->Announce({name, "_ipp._tcp", "local."}, answer);
+        } else {
+            net->Announce({name, "_ipp._tcp", "local."});
+        }
+    }
+    void Run(int milliseconds) {
+        loop->Run(std::chrono::milliseconds(milliseconds));
+        QCoreApplication::processEvents();
+    }
+    QString Cell(int row, int column) const { return table->model()->index(row, column).data().toString(); }
+    void Picture(const char* name) const {
+        const QString folder = qEnvironmentVariable("TORKA_PICTURES");
+        if (!folder.isEmpty()) {
+            QCoreApplication::processEvents();
+            sheet->grab().save(folder + "/" + name + ".png");
+        }
+    }
+
+    tests::ScopedMemorySystem system;
+    MemoryServiceDirectory* net; // these two are owned by their holders
+    MemoryEventLoop* loop;
+    tests::MemoryAddressOwner owner;
+    std::unique_ptr<QWidget> window; // owns the other widgets
+    QCheckBox* paneCheckBox;
+    QPushButton* paneButton;
+    AddressSheet* sheet;
+    QLineEdit* field;
+    QTreeView* table;
+    std::shared_ptr<BonjourModuleController> controller;
+};
+
+TEST_F(AddressSheetTest, IsWorkedWithKeysAlone) {
+    Announce("Copy room, second floor", "10.0.0.30");
+    Announce("Office <b>Printer</b> & more", "10.0.0.4");
+    Announce("Prepress", "10.0.0.12");
+    Announce("Warehouse", "");
+    EXPECT_FALSE(paneButton->isEnabled());
+    QTest::mouseClick(paneCheckBox, Qt::LeftButton, {}, QPoint(5, paneCheckBox->height() / 2));
+    ASSERT_TRUE(sheet->isVisible()); // there is no address yet
+    EXPECT_TRUE(sheet->bidiState());
+    Run(500);
+    ASSERT_EQ(table->model()->rowCount(), 4);
+    EXPECT_EQ(Cell(1, 0), "Office <b>Printer</b> & more");
+    EXPECT_TRUE(field->hasFocus());
+    Picture("address-sheet");
+
+    QTest::keyClick(field, Qt::Key_Tab);
+    ASSERT_TRUE(table->hasFocus());
+    QTest::keyClick(table, Qt::Key_Down);
+    QTest::keyClick(table, Qt::Key_Down);
+    EXPECT_EQ(field->text(), "10.0.0.4");
+    QTest::keyClick(table, Qt::Key_End);
+    EXPECT_EQ(field->text(), "Warehouse");
+    EXPECT_TRUE(sheet->findChild<QProgressBar*>()->isVisible());
+    Picture("address-sheet-resolving");
+    QTest::keyClick(table, Qt::Key_Home);
+    EXPECT_FALSE(sheet->findChild<QProgressBar*>()->isVisible());
+    EXPECT_EQ(field->text(), "10.0.0.30");
+
+    // Every control is reached, and has a name to be told.
+    QStringList reached;
+    for (QWidget* widget = table->nextInFocusChain(); widget != table; widget = widget->nextInFocusChain()) {
+        if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible() &&
+            sheet->isAncestorOf(widget)) {
+            reached.append(widget->objectName() + widget->metaObject()->className());
+        }
+    }
+    EXPECT_EQ(reached.size(), 4) << reached.join(" ").toStdString(); // check box, two buttons, field
+    EXPECT_FALSE(table->accessibleName().isEmpty());
+    QTest::keyClick(table, Qt::Key_Return);
+    EXPECT_FALSE(sheet->isVisible());
+    EXPECT_EQ(owner.address, "10.0.0.30");
+    EXPECT_TRUE(owner.twoWay && paneButton->isEnabled() && paneCheckBox->isChecked());
+    sheet->setBidiCheckBoxEnabled(false);
+    EXPECT_FALSE(paneCheckBox->isEnabled());
+}
+
+TEST_F(AddressSheetTest, EscapeAndCloseCancel) {
+    owner.address = "10.0.0.1";
+    controller->setIPAddress();
+    QTest::mouseClick(paneCheckBox, Qt::LeftButton, {}, QPoint(5, paneCheckBox->height() / 2));
+    EXPECT_TRUE(owner.twoWay);
+    for (const bool byKey : {true, false}) {
+        QTest::mouseClick(paneButton, Qt::LeftButton);
+        ASSERT_TRUE(sheet->isVisible());
+        QTest::keyClicks(field, "other"); // the text is selected, so that typing replaces it
+        EXPECT_EQ(field->text(), "other");
+        sheet->findChild<QCheckBox*>("sheetBidiCheckBox")->click();
+        EXPECT_FALSE(paneCheckBox->isChecked());
+        if (byKey) {
+            QTest::keyClick(field, Qt::Key_Escape);
+        } else {
+            sheet->close();
+        }
+        EXPECT_FALSE(sheet->isVisible() || controller->validWindowSessionRunning());
+        EXPECT_EQ(field->text(), "10.0.0.1");
+        EXPECT_TRUE(paneCheckBox->isChecked());
+    }
+    EXPECT_EQ(owner.stores, 1);
+}
+
+TEST_F(AddressSheetTest, SortsByHeaderAndMenu) {
+    for (const auto& [name, address] : {std::pair("b", "10.0.0.10"), std::pair("a", "10.0.0.9")}) {
+        Announce(name, address);
+    }
+    controller->configureButtonClicked();
+    Run(500);
+    const auto clickHeader = [this](int section) {
+        QHeaderView* header = table->header();
+        const QPoint place(header->sectionViewportPosition(section) + 20, header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
+    };
+    clickHeader(0);
+    EXPECT_EQ(Cell(0, 0), "a");
+    EXPECT_EQ(table->header()->sortIndicatorSection(), 0);
+    EXPECT_EQ(table->header()->sortIndicatorOrder(), Qt::AscendingOrder);
+    clickHeader(0);
+    EXPECT_EQ(Cell(0, 0), "b");
+    EXPECT_EQ(table->header()->sortIndicatorOrder(), Qt::DescendingOrder);
+    clickHeader(1);
+    EXPECT_EQ(Cell(0, 1), "10.0.0.9");
+    EXPECT_EQ(table->header()->sortIndicatorSection(), 1);
+    emit table->customContextMenuRequested(QPoint(5, 5));
+    auto* menu = table->findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    menu->actions().at(1)->trigger();
+    EXPECT_EQ(Cell(0, 1), "10.0.0.10");
+    menu->close();
+}
+
+TEST_F(AddressSheetTest, ManyControllersKeepPlaceAndSelection) {
+    for (int i = 0; i < 1500; ++i) {
+        Announce("Controller " + std::to_string(i) + std::string(60, 'x'), "");
+    }
+    controller->configureButtonClicked();
+    Run(200);
+    ASSERT_EQ(table->model()->rowCount(), 1000);
+    table->setCurrentIndex(table->model()->index(500, 0));
+    table->scrollTo(table->model()->index(500, 0), QAbstractItemView::PositionAtTop);
+    const QModelIndex top = table->indexAt({5, 5});
+    ASSERT_GT(top.row(), 400);
+    const QString selected = Cell(500, 0);
+    net->Withdraw({"Controller 900" + std::string(60, 'x'), "_ipp._tcp", "local."});
+    Run(200);
+    EXPECT_EQ(table->model()->rowCount(), 999);
+    EXPECT_EQ(table->indexAt({5, 5}).row(), top.row());
+    ASSERT_TRUE(sheet->selectedRow().has_value());
+    EXPECT_EQ(Cell(static_cast<int>(*sheet->selectedRow()), 0), selected);
+    Picture("address-sheet-many");
+}
+
+// The same of every loop: Qt's, whose objects must not be destroyed within their own signals.
+TEST(QtEventLoop, TimersAndWatchesEndWithinTheirActions) {
+    needApplication();
+    QtEventLoop loop;
+    int once = 0;
+    int often = 0;
+    EventLoopTimerRef single;
+    EventLoopTimerRef repeating;
+    InstallEventLoopTimer(
+        &loop, EventTimerInterval(0.005), kEventDurationForever,
+        [&](const EventLoopTimerRef&) {
+            ++once;
+            single.reset();
+        },
+        single);
+    InstallEventLoopTimer(
+        &loop, EventTimerInterval(0), EventTimerInterval(0.002),
+        [&](const EventLoopTimerRef& timer) {
+            if (++often == 5) {
+                RemoveEventLoopTimer(timer);
+            }
+        },
+        repeating);
+    int removed = 0;
+    EventLoopTimerRef ended;
+    InstallEventLoopTimer(
+        &loop, EventTimerInterval(0.001), kEventDurationForever, [&](const EventLoopTimerRef&) { ++removed; },
+        ended);
+    RemoveEventLoopTimer(ended);
+
+    int pipeEnds[2];
+    ASSERT_EQ(pipe(pipeEnds), 0);
+    int read = 0;
+    int written = 0;
+    std::unique_ptr<DescriptorWatch> reader;
+    std::unique_ptr<DescriptorWatch> writer;
+    reader = loop.Watch(pipeEnds[0], descriptorReadable, [&](unsigned happened) {
+        read += happened == descriptorReadable ? 1 : 0;
+        reader.reset();
+    });
+    writer = loop.Watch(pipeEnds[1], 0, [&](unsigned happened) {
+        written += happened == descriptorWritable ? 1 : 0;
+        EXPECT_EQ(write(pipeEnds[1], "x", 1), 1);
+        writer.reset();
+    });
+    QTest::qWait(20);
+    EXPECT_EQ(written, 0);
+    writer->Update(descriptorWritable);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return read > 0 && often == 5 && once > 0; }, 5000));
+    QTest::qWait(20);
+    EXPECT_EQ(once, 1);
+    EXPECT_EQ(often, 5);
+    EXPECT_EQ(removed, 0);
+    EXPECT_EQ(read, 1);
+    EXPECT_EQ(written, 1);
+    close(pipeEnds[0]);
+    close(pipeEnds[1]);
+}
+
+} // namespace
+} // namespace torka
