@@ -247,12 +247,13 @@ bool TorkaFeaturesPDE::LoadInterface() {
     if (interface || interfaceFailed) {
         return interface != nullptr;
     }
-    if (paneInterfaceLoader()) {
+    if (!paneInterfaceLoader()) {
+        myNSLogC("The features pane has no widgets: its interface has no loader.");
+    } else {
         interface = paneInterfaceLoader()(*this, self.pdeBundle);
     }
     if (!interface) {
         interfaceFailed = true;
-        myNSLogC("The interface file TorkaFeaturesPDE cannot be loaded: the features pane has no widgets.");
         return false;
     }
     self.myUi_Panel->GetCustomizePane().setView(&interface->customizePane());

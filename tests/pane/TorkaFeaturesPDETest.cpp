@@ -259,15 +259,10 @@ TEST(Panel, WorksWithoutAnInterface) {
         ++bench.loads;
         return nullptr;
     });
-    const CapturingLog log;
     const auto panel = bench.Open();
     ASSERT_TRUE(panel);
     EXPECT_EQ(panel->panelView(), nullptr);
-    EXPECT_EQ(bench.loads, 1);
-    EXPECT_EQ(std::count_if(
-                  log.Lines().begin(), log.Lines().end(),
-                  [](const std::string& line) { return line.find("interface file") != std::string::npos; }),
-              1);
+    EXPECT_EQ(bench.loads, 1); // not tried again
     EXPECT_TRUE(panel->willShow());
     EXPECT_TRUE(panel->shouldHide());
     panel->customizeQuickAccessButtonClicked();

@@ -1,0 +1,189 @@
+#include "tests/pane/PanelFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace torka::tests {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using Result = PresetStore::Result;
+
+std::string presetDescription() {
+    return panelDescription(popup("PageSize", {"A4", "Letter"}) + jobNote("QVCipher", "32|Alpha|Encrypt") +
+                            jobNote("QVUserAuthPwd", "32|Alpha") + jobNote("QVDSPassword", "32|Alpha"));
+}
+
+struct Kept {
+    explicit Kept(const std::string& name = "Press")
+        : pane(presetDescription())
+        , store(cfString(name), *pane.model, *pane.data) {}
+    void Set(const char* key, const char* value) { pane.Set(key, value); }
+    std::string Get(const char* key) const { return valueOf(pane, key); }
+    std::string& File() { return system->files[store.File()].content; }
+
+    ScopedMemorySystem system;
+    Pane pane;
+    PresetStore store;
+};
+
+TEST(Presets, AreSavedAppliedRenamedAndRemoved) {
+    Kept kept;
+    EXPECT_THAT(kept.store.Names(), IsEmpty());
+    EXPECT_EQ(kept.store.ApplyLastUsed(), Result::notFound);
+    kept.Set("*QVFold", "Half");
+    kept.Set("*QVNotes1", "B\xC3\xBCro <1> & \"2\"");
+    kept.Set("*PageSize", "Letter");
+    kept.pane.data->MixedMediaList().Append({L"*MM_A1", L"Cover \x65E5"});
+    kept.pane.data->AccountPairs()[1].value = L"42";
+    kept.pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("Draft,0,0"));
+    kept.pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("Secret,0,0"));
+    kept.pane.data->Watermarks().Select(1);
+    EXPECT_EQ(kept.store.Save("Booklet"), Result::done);
+
+    kept.Set("*QVFold", "Flat");
+    kept.Set("*QVDuplex", "Tumble");
+    kept.Set("*QVNotes1", "");
+    kept.pane.data->MixedMediaList().Clear();
+    kept.pane.data->ResetAccountPairs();
+    kept.pane.data->Watermarks().Select(0);
+    EXPECT_EQ(kept.store.Save("Simple"), Result::done);
+    EXPECT_THAT(kept.store.Names(), ElementsAre("Booklet", "Simple"));
+
+    kept.Set("*PageSize", "A4");
+    EXPECT_EQ(kept.store.Apply("Booklet"), Result::done);
+    EXPECT_EQ(kept.Get("*QVFold"), "Half");
+    EXPECT_EQ(kept.Get("*QVDuplex"), "None");
+    EXPECT_EQ(kept.Get("*QVNotes1"), "B\xC3\xBCro <1> & \"2\"");
+    EXPECT_EQ(kept.Get("*PageSize"), "A4"); // the dialog's own
+    EXPECT_THAT(pairsOf(kept.pane.data->MixedMediaList().Entries()),
+                ElementsAre("*MM_A1=Cover \xE6\x97\xA5"));
+    EXPECT_EQ(kept.pane.data->AccountPairs()[1].value, L"42");
+    EXPECT_EQ(kept.pane.data->Watermarks().SelectedIndex(), 1);
+
+    EXPECT_EQ(kept.store.Rename("Booklet", "Simple"), Result::nameTaken);
+    EXPECT_EQ(kept.store.Rename("None", "New"), Result::notFound);
+    EXPECT_EQ(kept.store.Rename("Booklet", "Folded"), Result::done);
+    EXPECT_EQ(kept.store.Rename("Folded", "Folded"), Result::done);
+    EXPECT_THAT(kept.store.Names(), ElementsAre("Folded", "Simple"));
+    EXPECT_EQ(kept.store.Remove("Simple"), Result::done);
+    EXPECT_EQ(kept.store.Remove("Simple"), Result::notFound);
+    EXPECT_EQ(kept.store.Apply("Simple"), Result::notFound);
+    EXPECT_EQ(kept.store.RememberLastUsed(), Result::done);
+    EXPECT_THAT(kept.store.Names(), ElementsAre("Folded"));
+    kept.Set("*QVFold", "Flat");
+    EXPECT_EQ(kept.store.ApplyLastUsed(), Result::done);
+    EXPECT_EQ(kept.Get("*QVFold"), "Half");
+}
+
+TEST(Presets, KeepNoSecretAndAreReadByOthers) {
+    Kept kept;
+    for (const char* key : {"*QVSecret", "*QVCipher", "*QVUserAuthPwd", "*QVDSPassword"}) {
+        kept.Set(key, "geheim");
+    }
+    EXPECT_EQ(kept.store.Save("A"), Result::done);
+    EXPECT_EQ(kept.store.RememberLastUsed(), Result::done);
+    EXPECT_THAT(kept.File(), Not(HasSubstr("geheim")));
+    EXPECT_EQ(kept.system->files[kept.store.File()].mode, 0600U);
+    const std::string read = runPython(R"PY(
+import plistlib, sys
+root = plistlib.loads(sys.stdin.buffer.read())
+print([p["Name"] for p in root["Presets"]], root["LastUsed"]["Values"]["*QVDuplex"])
+)PY",
+                                       {}, kept.File());
+    EXPECT_EQ(read, "['A'] None\n");
+    // One that someone wrote into the file is not taken.
+    std::string& file = kept.File();
+    file.replace(file.find("<key>*QVDuplex</key>"), 20, "<key>*QVSecret</key>");
+    kept.Set("*QVSecret", "");
+    EXPECT_EQ(kept.store.Apply("A"), Result::done);
+    EXPECT_EQ(kept.Get("*QVSecret"), "");
+}
+
+TEST(Presets, NamesAreOnlyData) {
+    Kept kept;
+    const std::vector<std::string> names = {"../../etc/passwd", "%s%n", "<b>&amp;",
+                                            "\xE6\x97\xA5\xE6\x9C\xAC", " "};
+    for (const std::string& name : names) {
+        EXPECT_EQ(kept.store.Save(name), Result::done) << name;
+    }
+    EXPECT_EQ(kept.store.Names(), names);
+    for (const std::string& name : {std::string(), std::string("a\nb"), std::string("a\0b", 3),
+                                    std::string("\x7F"), std::string(121, 'n')}) {
+        EXPECT_EQ(kept.store.Save(name), Result::badName);
+        EXPECT_EQ(kept.store.Rename("%s%n", name), Result::badName);
+    }
+    EXPECT_EQ(kept.system->files.size(), 1U);
+    for (std::size_t i = names.size(); i < PresetStore::maximumPresets; ++i) {
+        ASSERT_EQ(kept.store.Save("Set " + std::to_string(i)), Result::done);
+    }
+    EXPECT_EQ(kept.store.Save("one more"), Result::full);
+    EXPECT_EQ(kept.store.Save("%s%n"), Result::done);
+}
+
+TEST(Presets, EveryPrinterHasAFileOfItsOwn) {
+    std::set<std::filesystem::path> files;
+    const std::vector<std::string> printers = {"Press",
+                                               "press",
+                                               "../../x",
+                                               "a/b",
+                                               "a%2Fb",
+                                               "",
+                                               ".",
+                                               "..",
+                                               std::string(300, '/'),
+                                               std::string(301, '/'),
+                                               "B\xC3\xBCro"};
+    for (const std::string& printer : printers) {
+        const Kept kept(printer);
+        EXPECT_EQ(kept.store.File().parent_path(), "/home/user/.config/torka/presets") << printer;
+        EXPECT_LT(kept.store.File().filename().string().size(), 255U);
+        files.insert(kept.store.File());
+    }
+    EXPECT_EQ(files.size(), printers.size());
+}
+
+TEST(Presets, WhatCannotBeWrittenOrReadLosesNothing) {
+    Kept kept;
+    EXPECT_EQ(kept.store.Save("A"), Result::done);
+    const std::string before = kept.File();
+    kept.system->writeFailure = [](const auto&) {
+        return std::make_error_code(std::errc::no_space_on_device);
+    };
+    const CapturingLog log;
+    EXPECT_EQ(kept.store.Save("B"), Result::notWritten);
+    EXPECT_EQ(kept.File(), before);
+    EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("could not be written")));
+    kept.system->writeFailure = {};
+
+    const std::string start = R"(<?xml version="1.0"?><plist version="1.0">)";
+    for (const std::string& broken :
+         {std::string("no list"), start + "<array/></plist>",
+          start + "<dict><key>Presets</key><true/></dict></plist>",
+          start +
+              "<dict><key>Presets</key><array><true/><dict><key>Name</key><string>x</string></dict></array>"
+              "<key>LastUsed</key><string/></dict></plist>"}) {
+        kept.File() = broken;
+        EXPECT_THAT(kept.store.Names(), IsEmpty()) << broken;
+        EXPECT_EQ(kept.store.ApplyLastUsed(), Result::notFound);
+    }
+    // Values of a wrong kind, choices that are none, lists without end.
+    kept.File() =
+        start +
+        "<dict><key>LastUsed</key><dict><key>Values</key><dict><key>*QVFold</key><string>None</string>"
+        "<key>*QVDuplex</key><true/></dict><key>MixedMedia</key><array><string>x</string>"
+        "<array><string>k</string></array></array><key>Watermark</key><string>gone</string>"
+        "</dict></dict></plist>";
+    EXPECT_EQ(kept.store.ApplyLastUsed(), Result::done);
+    EXPECT_EQ(kept.Get("*QVFold"), "Flat");
+    EXPECT_EQ(kept.pane.data->MixedMediaList().Count(), 0U);
+    EXPECT_EQ(kept.pane.data->Watermarks().SelectedIndex(), -1);
+}
+
+} // namespace
+
+} // namespace torka::tests

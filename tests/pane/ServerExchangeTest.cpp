@@ -1,0 +1,126 @@
+#include "pane/ServerExchange.h"
+
+#include "pane/PopupJobNotes.h"
+#include "pane/WaitPresenter.h"
+#include "tests/connection/RecordPPD.h"
+#include "tests/pane/PanelFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace torka::tests {
+
+namespace {
+
+using testing::ElementsAre;
+using Answer = ServerExchange::Answer;
+
+// Counts what a person would see of waits.
+class MemoryWaits final : public WaitPresenter {
+public:
+    struct Seen {
+        int begun = 0;
+        int shown = 0;
+        int ended = 0;
+    };
+    explicit MemoryWaits(Seen& counts)
+        : seen(counts) {}
+    void Begin() override { ++seen.begun; }
+    void Show(const WaitProgress&) override { ++seen.shown; }
+    void End() override { ++seen.ended; }
+
+private:
+    Seen& seen;
+};
+
+struct Exchange : Bench {
+    Exchange() {
+        setWaitPresenter(std::make_unique<MemoryWaits>(waits));
+        server.SetQueue(queuePath.string(), "Press");
+    }
+    ~Exchange() { setWaitPresenter(nullptr); }
+    Answer Fetch(std::string_view address = "host") {
+        return server.FetchServerData(dialog->printer, address, "keys=*QVA\n", [this] { ++resets; });
+    }
+
+    MemoryWaits::Seen waits;
+    ServerExchange server{{}};
+    int resets = 0;
+};
+
+TEST(ServerExchange, ReadsTheAnswerOfItsRequest) {
+    Exchange test;
+    test.system->files["/var/cache/torka/queues/Press.bididata"] = {"Line one\nLine two", 0644};
+    EXPECT_EQ(test.Fetch(), Answer::read);
+    EXPECT_EQ(*test.server.getBidiDataCopy(), "Line one\nLine two\n");
+    EXPECT_THAT(test.SentTitles(), ElementsAre("Command_AllBidi"));
+    EXPECT_EQ(test.resets, 0);
+    EXPECT_EQ(test.Fetch("other"), Answer::read);
+    EXPECT_EQ(test.resets, 1);
+    EXPECT_EQ(test.waits.begun, 2);
+    EXPECT_EQ(test.waits.ended, 2);
+    EXPECT_GT(test.waits.shown, 0);
+}
+
+TEST(ServerExchange, AFailureIsToldOnce) {
+    struct Case {
+        const char* name;
+        std::function<void(Exchange&)> spoil;
+        std::size_t alerts;
+    };
+    const std::vector<Case> cases = {
+        {"refused", [](Exchange& test) { test.dialog->printer->sendResult = kPMGeneralError; }, 1},
+        {"stopped", [](Exchange& test) { test.spooler->destinations[0].state = destinationStateStopped; }, 1},
+        {"no data file", [](Exchange&) {}, 1},
+        {"busy",
+         [](Exchange& test) {
+             test.dialog->printer->state = kPMPrinterProcessing;
+             test.system->files["/var/cache/torka/queues/Press.bididata"] = {"x", 0644};
+         },
+         1},
+        {"cancelled",
+         [](Exchange& test) { test.system->cancelAt = test.system->now + std::chrono::seconds(2); }, 0},
+    };
+    for (const Case& failure : cases) {
+        for (const bool goesOn : {true, false}) {
+            Exchange test;
+            test.alerts->answer = goesOn ? AlertButton::defaultButton : AlertButton::alternateButton;
+            failure.spoil(test);
+            const Answer expected = goesOn && failure.alerts > 0 ? Answer::withoutData : Answer::stop;
+            EXPECT_EQ(test.Fetch(), expected) << failure.name;
+            EXPECT_EQ(test.alerts->shown.size(), failure.alerts) << failure.name;
+        }
+    }
+}
+
+TEST(PopupPreferences, ComeBackFromTheQueuesDescription) {
+    const std::string description = panelDescription(
+        jobNote("QVAccount", "20|Alpha|Remembered|PopupJN") + jobNote("QVOnce", "20|Alpha|PopupJN") +
+        jobNote("QVPin", "20|Alpha|Remembered|Password|PopupJN"));
+    struct Case {
+        std::string stored;
+        const char* account;
+    };
+    for (const Case& test :
+         {Case{"111\n*QVAccount=50%25 Lager\n*QVOnce=x\n*QVPin=1234\n*QVFold=Half\nno pair\n*QVAccount",
+               "50% Lager"},
+          Case{"011\n*QVAccount=A", ""}, Case{"110\n*QVAccount=A", ""}, Case{"xyz\n*QVAccount=A", ""},
+          Case{"11", ""}, Case{"111\n*QVAccount=%4", ""}}) {
+        Bench bench(description);
+        resetPopupJobNotes();
+        Pane pane(description);
+        readPopupJobNotePreferencesFrom(writeRecordPPD(bench.folder, "QVPopupJnData", test.stored, true));
+        pane.model->ReadPUJNPrefs();
+        applyPopupJobNotePreferences(*pane.model);
+        EXPECT_EQ(valueOf(pane, "*QVAccount"), test.account) << test.stored;
+        for (const char* untouched : {"*QVOnce", "*QVPin"}) {
+            EXPECT_EQ(valueOf(pane, untouched), "") << test.stored;
+        }
+        EXPECT_EQ(valueOf(pane, "*QVFold"), "Flat");
+        readPopupJobNotePreferencesFrom({});
+    }
+}
+
+} // namespace
+
+} // namespace torka::tests
