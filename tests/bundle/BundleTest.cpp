@@ -133,6 +133,40 @@ TEST_F(BundleTest, OpensAndClosesAgainAndAgain) {
     }
 }
 
+// The shared object is the copy's own: it finds its bundle around itself.
+TEST_F(BundleTest, ABrokenInterfaceFileLeavesAPanelWithoutAView) {
+    for (const char* content :
+         {"", "<ui", "<?xml version=\"1.0\"?><ui version=\"4.0\"><widget class=\"QDial\"/></ui>"}) {
+        const fs::path copy = Copy();
+        const fs::path file = copy / "Contents/Resources/TorkaFeaturesPDE.ui";
+        if (*content == '\0') {
+            fs::remove(file);
+        } else {
+            ASSERT_FALSE(platform::system().WriteFile(file, content, 0644));
+        }
+        std::string problem;
+        const auto plugIn = Open(copy)->InstantiatePrincipalClass(problem);
+        ASSERT_TRUE(plugIn) << problem;
+        const auto dialog = dialogFor(sample("torka-production.ppd"));
+        dialog->printer->sendResult = kPMGeneralError; // so that no command job is waited for
+        const auto panels = plugIn->PDEPanelsForType(cfString(printDialogPanelType), dialog);
+        ASSERT_TRUE(panels);
+        const PDEPanelRef& panel = panels->front();
+        EXPECT_EQ(panel->panelView(), nullptr) << content;
+        EXPECT_TRUE(panel->willShow());
+        EXPECT_TRUE(panel->saveValuesAndReturnError(nullptr));
+        EXPECT_NE(dialog->settings->Value(cfString("*QVDuplex")), nullptr);
+        panel->printWindowWillClose();
+    }
+    const fs::path copy = Copy();
+    fs::remove(copy / "Contents/PrinterList.plist");
+    std::string problem;
+    const auto plugIn = Open(copy)->InstantiatePrincipalClass(problem);
+    ASSERT_TRUE(plugIn) << problem;
+    EXPECT_FALSE(
+        plugIn->PDEPanelsForType(cfString(printDialogPanelType), dialogFor(sample("torka-production.ppd"))));
+}
+
 TEST_F(BundleTest, SharedObjectShowsOneFunction) {
     const CommandResult symbols =
         runCommand({"nm", "-D", "--defined-only", "-C",
