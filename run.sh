@@ -1,16 +1,37 @@
 #!/usr/bin/env bash
 # The main job: installs what is missing, builds, and prints samples/brochure.ps with settings of the sample description.
-# Leaves in out/: the ticket, the spliced document, pictures of its pages before and after, and a summary.
+# Leaves in out/: the ticket, the spliced document, pictures of its pages before and after, a summary, and in out/pane/
+# pictures of every page of the pane in a print dialog.
+#
+#     ./run.sh             all of it, without a display
+#     ./run.sh --dialog    shows the print dialog over a private print server with the sample queue
 set -euo pipefail
 cd "$(dirname "$0")"
 ./scripts/install-deps.sh
 
 cmake --preset release >/dev/null
-cmake --build --preset release -j "$(nproc)" --target torka
+cmake --build --preset release -j "$(nproc)" --target torka torkafilter torka-print-dialog torka_bundle
 
 torka=build/release/bin/torka
 ppd=samples/torka-production.ppd
 document=samples/brochure.ps
+
+dialog() { # ARGUMENT...: the print dialog over a private server with the sample queue
+    ./scripts/cups-sandbox run bash -c '
+        set -e
+        ppd=$1; shift
+        cp -r samples/server-data/. "$TORKA_SYSTEM_ROOT/etc/torka/controllers/"
+        keys="$TORKA_SYSTEM_ROOT/Library/Application Support/ZAN"
+        mkdir -p "$keys"
+        cp samples/FieldKeys.plist "$keys/"
+        torka queue add Production torkasink:/ "$ppd"
+        torka-print-dialog --queue Production "$@"' dialog "$ppd" "$@"
+}
+if [ "${1:-}" = "--dialog" ]; then
+    dialog "$document"
+    exit
+fi
+
 wanted=(QVTrimSides=Face QVDuplex=LongEdge) # trimming needs a unit that is not declared installed
 settings=(PageSize=A4 MediaType=Coated QVMediaWeight=W136 QVDuplex=LongEdge QVStaple=Saddle QVScale=85
     "Notes1=Two proofs, please" "Instruct=Trim to the crop marks" DeptPassword=harbor7)
@@ -51,6 +72,8 @@ render() { # DOCUMENT PREFIX
 
 render "$document" before
 render "$out/job.ps" after
+
+QT_QPA_PLATFORM=offscreen dialog --pictures "$out/pane" "$document"
 
 cat "$out/summary.txt"
 echo

@@ -1,0 +1,167 @@
+#include "apps/print-dialog/DialogSettings.h"
+
+#include <QPageRanges>
+#include <QPrintEngine>
+#include <QStringList>
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace torka::dialog {
+
+namespace {
+
+// Where the toolkit's adapter for the print server keeps the options of the dialog's own tabs: a list of
+// names and values in turn.
+constexpr auto jobOptionsProperty = static_cast<QPrintEngine::PrintEnginePropertyKey>(0xfe00);
+
+constexpr std::array<std::string_view, 8> standardOptions{"number-up",      "number-up-layout", "page-set",
+                                                          "job-hold-until", "job-priority",     "job-sheets",
+                                                          "job-billing",    "outputorder"};
+
+QStringList serverOptions(const QPrinter& printer) {
+    // The engine is asked for a value only; the call is not const because engines can also be given one.
+    QPrintEngine* engine = printer.printEngine();
+    return engine == nullptr ? QStringList() : engine->property(jobOptionsProperty).toStringList();
+}
+
+QString serverOption(const QPrinter& printer, QStringView name) {
+    const QStringList options = serverOptions(printer);
+    for (qsizetype at = 0; at + 1 < options.size(); at += 2) {
+        if (options[at] == name) {
+            return options[at + 1];
+        }
+    }
+    return {};
+}
+
+void set(PrintSettings& settings, const char* key, const CFTypeRef& value) {
+    settings.SetValue(cfString(key), value, false);
+}
+
+CFDictionaryRef paperInfo(const QPrinter& printer) {
+    const QPageSize size = printer.pageLayout().pageSize();
+    // A size that the description lists carries its keyword; the person's own carries none, or one that is
+    // made up.
+    const bool isCustom = size.key().isEmpty() || size.key().startsWith(QLatin1String("Custom."));
+    const CFStringRef name = cfString((isCustom ? size.name() : size.key()).toStdString());
+    const QSizeF points = size.size(QPageSize::Point);
+    std::vector<CFTypeRef> rectangle;
+    for (const double edge : {0.0, 0.0, points.height(), points.width()}) { // top, left, bottom, right
+        rectangle.push_back(CFNumberCreate(edge));
+    }
+    std::vector<CFDictionary::Pair> pairs{
+        {cfString("com.apple.print.PaperInfo.PMPaperName"), name},
+        {cfString("com.apple.print.PaperInfo.PMCustomPaper"), CFBooleanCreate(isCustom)},
+        {cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), CFArrayCreate(std::move(rectangle))}};
+    pairs.emplace_back(cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), name);
+    return CFDictionaryCreate(pairs);
+}
+
+struct Layout {
+    std::int64_t rows;
+    std::int64_t columns;
+};
+
+// Rows and columns of a portrait sheet.
+Layout layoutOf(int pagesPerSheet) {
+    switch (pagesPerSheet) {
+    case 2:
+        return {2, 1};
+    case 4:
+        return {2, 2};
+    case 6:
+        return {3, 2};
+    case 9:
+        return {3, 3};
+    case 16:
+        return {4, 4};
+    default:
+        return {1, 1};
+    }
+}
+
+std::string sidesOf(QPrinter::DuplexMode mode, bool isLandscape) {
+    switch (mode) {
+    case QPrinter::DuplexLongSide:
+        return "two-sided-long-edge";
+    case QPrinter::DuplexShortSide:
+        return "two-sided-short-edge";
+    case QPrinter::DuplexAuto:
+        return isLandscape ? "two-sided-short-edge" : "two-sided-long-edge";
+    case QPrinter::DuplexNone:
+        break;
+    }
+    return {};
+}
+
+} // namespace
+
+std::uint16_t QtPageFormat::Orientation() const {
+    const QString turned = serverOption(printer, u"orientation-requested"); // RFC 8011, 5.2.10
+    if (turned == QLatin1String("5")) {
+        return kPMReverseLandscape;
+    }
+    if (turned == QLatin1String("6")) {
+        return kPMReversePortrait;
+    }
+    return printer.pageLayout().orientation() == QPageLayout::Landscape ? kPMLandscape : kPMPortrait;
+}
+
+DialogCallback::DialogCallback(const QPrinter& qtPrinter, std::shared_ptr<MemoryPrintSettings> dialogSettings,
+                               const std::string& queue)
+    : session(std::make_shared<CupsSession>(queue))
+    , settings(std::move(dialogSettings))
+    , format(std::make_shared<QtPageFormat>(qtPrinter)) {}
+
+std::shared_ptr<Printer> DialogCallback::PMPrinter() const {
+    platform::PMPrinter current;
+    PMSessionGetCurrentPrinter(session, current);
+    return current;
+}
+
+void takeOverDialogSettings(const QPrinter& printer, const std::string& jobName,
+                            MemoryPrintSettings& settings) {
+    set(settings, "com.apple.print.subTicket.paper_info_ticket", paperInfo(printer));
+    const int pagesPerSheet = serverOption(printer, u"number-up").toInt();
+    const Layout layout = layoutOf(pagesPerSheet);
+    set(settings, "com.apple.print.PrintSettings.PMLayoutNUp", CFBooleanCreate(pagesPerSheet > 1));
+    set(settings, "com.apple.print.PrintSettings.PMLayoutRows", CFNumberCreate(layout.rows));
+    set(settings, "com.apple.print.PrintSettings.PMLayoutColumns", CFNumberCreate(layout.columns));
+    const std::string tray = serverOption(printer, u"InputSlot").toStdString();
+    set(settings, "AP_FIRSTPAGE_InputSlot", tray.empty() ? nullptr : cfString(tray));
+    set(settings, "com.apple.print.JobInfo.PMJobName", cfString(jobName));
+    settings.SetCopies(static_cast<std::uint32_t>(std::max(1, printer.copyCount())));
+}
+
+JobOptions standardJobOptions(const QPrinter& printer) {
+    JobOptions options;
+    options.emplace_back("copies", std::to_string(std::max(1, printer.copyCount())));
+    if (printer.copyCount() > 1) {
+        options.emplace_back("collate", printer.collateCopies() ? "true" : "false");
+    }
+    const QPageLayout layout = printer.pageLayout();
+    if (const std::string size = layout.pageSize().key().toStdString(); !size.empty()) {
+        options.emplace_back("PageSize", size);
+    }
+    const bool isLandscape = layout.orientation() == QPageLayout::Landscape;
+    if (isLandscape) {
+        options.emplace_back("orientation-requested", "4");
+    }
+    if (const std::string sides = sidesOf(printer.duplex(), isLandscape); !sides.empty()) {
+        options.emplace_back("sides", sides);
+    }
+    if (const QPageRanges ranges = printer.pageRanges(); !ranges.isEmpty()) {
+        options.emplace_back("page-ranges", ranges.toString().remove(QLatin1Char(' ')).toStdString());
+    }
+    const QStringList chosen = serverOptions(printer);
+    for (qsizetype at = 0; at + 1 < chosen.size(); at += 2) {
+        const std::string name = chosen[at].toStdString();
+        if (std::ranges::find(standardOptions, name) != standardOptions.end()) {
+            options.emplace_back(name, chosen[at + 1].toStdString());
+        }
+    }
+    return options;
+}
+
+} // namespace torka::dialog

@@ -1,0 +1,36 @@
+#include "apps/print-dialog/Document.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QMimeDatabase>
+
+namespace torka::dialog {
+
+namespace {
+
+QString tr(const char* text) { return QCoreApplication::translate("Document", text); }
+
+} // namespace
+
+bool openDocument(const QString& path, Document& document, QString& error) {
+    const QFileInfo info(path);
+    QFile file(path);
+    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
+        error =
+            tr("%1 cannot be read: %2").arg(path, info.exists() ? file.errorString() : tr("no such file"));
+        return false;
+    }
+    const QMimeType type = QMimeDatabase().mimeTypeForData(&file);
+    const bool isKnown = type.inherits(QStringLiteral("application/pdf")) ||
+                         type.inherits(QStringLiteral("application/postscript")) ||
+                         type.name().startsWith(QLatin1String("image/"));
+    if (!isKnown) {
+        error = tr("%1 is neither PDF nor PostScript nor an image, but %2.").arg(path, type.name());
+        return false;
+    }
+    document = {info.absoluteFilePath(), info.fileName()};
+    return true;
+}
+
+} // namespace torka::dialog

@@ -1,0 +1,152 @@
+#include "apps/print-dialog/PaneTab.h"
+
+#include "platform/qt/QtView.h"
+
+#include <QHideEvent>
+#include <QLabel>
+#include <QShowEvent>
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace torka::dialog {
+
+PaneTab::PaneTab(PDEPlugIn& dialogPlugIn, const QPrinter& qtPrinter, std::string documentName,
+                 QWidget* parent)
+    : QStackedWidget(parent)
+    , plugIn(dialogPlugIn)
+    , printer(qtPrinter)
+    , jobName(std::move(documentName))
+    , explanation(new QLabel(this)) {
+    explanation->setAlignment(Qt::AlignCenter);
+    explanation->setWordWrap(true);
+    explanation->setTextFormat(Qt::PlainText);
+    explanation->setMargin(24);
+    addWidget(explanation);
+    setWindowTitle(tr("Printer Features"));
+    Explain(tr("Choose a printer."));
+}
+
+PaneTab::~PaneTab() { DropPanel(); }
+
+void PaneTab::setQueue(const std::string& queue) {
+    if (panel && queue == queueName) {
+        return;
+    }
+    if (panel) {
+        panel->saveValuesAndReturnError(nullptr);
+    }
+    queueName = queue;
+    if (queue.empty()) {
+        DropPanel();
+        Explain(tr("This destination is no print queue. It has no printer features."));
+        return;
+    }
+    TakeOver();
+    const auto callback = std::make_shared<DialogCallback>(printer, printSettings, queue);
+    platform::PMPrinter current = callback->PMPrinter();
+    CFURLRef description;
+    const bool hasDescription =
+        PMPrinterCopyDescriptionURL(current, cfString("PMPPDDescriptionType"), description) == noErr;
+    // The new panel is made while the old one is still there, so that it can tell that it follows another.
+    auto panels = plugIn.PDEPanelsForType(cfString(printDialogPanelType), callback);
+    DropPanel();
+    if (!panels || panels->empty()) {
+        const QString name = QString::fromStdString(queue);
+        Explain(hasDescription
+                    ? tr("The printer \u201c%1\u201d is not one that these features support.").arg(name)
+                    : tr("The printer \u201c%1\u201d has no description on the print server.").arg(name));
+        return;
+    }
+    panel = std::move(panels->front());
+    if (const CFStringRef name = panel->panelName(); name && !utf8Text(name).empty()) {
+        setWindowTitle(QString::fromStdString(utf8Text(name)));
+    }
+    QWidget* view = widgetOf(panel->panelView());
+    if (view == nullptr) {
+        DropPanel();
+        Explain(
+            tr("The printer features cannot be shown: the plug-in's interface file is missing or damaged."));
+        return;
+    }
+    ShowView(view);
+    if (isVisible()) {
+        panel->willShow();
+    }
+}
+
+void PaneTab::Explain(const QString& text) {
+    explanation->setText(text);
+    setCurrentWidget(explanation);
+}
+
+void PaneTab::ShowView(QWidget* view) {
+    shown = view;
+    addWidget(view);
+    setCurrentWidget(view);
+}
+
+void PaneTab::DropPanel() {
+    if (shown != nullptr) {
+        removeWidget(shown);
+        shown->setParent(nullptr); // the panel's view owns it
+        shown = nullptr;
+    }
+    panel.reset();
+}
+
+void PaneTab::TakeOver() { takeOverDialogSettings(printer, jobName, *printSettings); }
+
+bool PaneTab::preparePrint() {
+    if (!panel) {
+        return true;
+    }
+    TakeOver();
+    std::string error;
+    if (!panel->saveValuesAndReturnError(&error)) {
+        std::fprintf(stderr, "The settings of %s cannot be saved: %s\n", queueName.c_str(), error.c_str());
+        return false;
+    }
+    return panel->shouldPrint();
+}
+
+void PaneTab::dialogWillClose() {
+    if (panel) {
+        TakeOver();
+        panel->printWindowWillClose();
+    }
+}
+
+void PaneTab::copiesChanged(int copies) {
+    // The toolkit writes the number to the QPrinter only as the dialog is accepted.
+    printSettings->SetCopies(static_cast<std::uint32_t>(std::max(1, copies)));
+    if (panel) {
+        panel->printInfoDidChange();
+    }
+}
+
+void PaneTab::dialogSettingsChanged() {
+    const std::uint32_t copies = printSettings->Copies();
+    TakeOver();
+    printSettings->SetCopies(copies);
+    if (panel) {
+        panel->printInfoDidChange();
+        panel->willShow();
+    }
+}
+
+void PaneTab::showEvent(QShowEvent* event) {
+    QStackedWidget::showEvent(event);
+    if (panel && !event->spontaneous()) {
+        panel->willShow();
+    }
+}
+
+void PaneTab::hideEvent(QHideEvent* event) {
+    if (panel && !event->spontaneous()) {
+        panel->shouldHide();
+    }
+    QStackedWidget::hideEvent(event);
+}
+
+} // namespace torka::dialog

@@ -1,0 +1,103 @@
+#include "apps/print-dialog/PrintDialog.h"
+
+#include <QComboBox>
+#include <QPrinterInfo>
+#include <QPushButton>
+#include <QScreen>
+#include <QSpinBox>
+#include <QTabWidget>
+
+namespace torka::dialog {
+
+PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::string& jobName, QWidget* parent)
+    : QPrintDialog(&qtPrinter, parent)
+    , paneTab(new PaneTab(plugIn, qtPrinter, jobName)) {
+    // The document is sent as it is, so there is no file to print to.
+    setOption(QAbstractPrintDialog::PrintToFile, false);
+    setOption(QAbstractPrintDialog::PrintPageRange, true);
+    setOption(QAbstractPrintDialog::PrintCollateCopies, true);
+    setOptionTabs({paneTab});
+    setWindowTitle(tr("Print \u2013 %1").arg(QString::fromStdString(jobName)));
+    // The toolkit has no signal for a change of printer; its combo box has.
+    printers = findChild<QComboBox*>(QStringLiteral("printers"));
+    if (printers != nullptr) {
+        connect(printers, &QComboBox::currentIndexChanged, this, &PrintDialog::FollowPrinter);
+    }
+    FollowOwnTabs();
+    FollowPrinter();
+}
+
+PrintDialog::~PrintDialog() = default;
+
+std::string PrintDialog::queue() const {
+    if (printers == nullptr) {
+        return printer()->printerName().toStdString();
+    }
+    const QString name = printers->currentText();
+    return QPrinterInfo::printerInfo(name).isNull() ? std::string() : name.toStdString();
+}
+
+bool PrintDialog::chooseQueue(const std::string& name) {
+    const int at =
+        printers == nullptr ? -1 : printers->findText(QString::fromStdString(name), Qt::MatchExactly);
+    if (at >= 0) {
+        printers->setCurrentIndex(at);
+    }
+    return at >= 0;
+}
+
+void PrintDialog::FollowPrinter() {
+    paneTab->setQueue(queue());
+    const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
+    for (QTabWidget* tabs : tabWidgets) {
+        if (const int at = tabs->indexOf(paneTab); at >= 0) {
+            tabs->setTabText(at, paneTab->windowTitle());
+        }
+    }
+}
+
+void PrintDialog::FollowOwnTabs() {
+    if (auto* copies = findChild<QSpinBox*>(QStringLiteral("copies"))) {
+        connect(copies, &QSpinBox::valueChanged, paneTab, &PaneTab::copiesChanged);
+    }
+    // Connected after the toolkit's own slot, which runs the properties dialog to its end.
+    if (auto* properties = findChild<QPushButton*>(QStringLiteral("properties"))) {
+        connect(properties, &QPushButton::clicked, paneTab, &PaneTab::dialogSettingsChanged);
+    }
+}
+
+void PrintDialog::showPane() {
+    const QList<QPushButton*> buttons = findChildren<QPushButton*>();
+    for (QPushButton* button : buttons) {
+        // "Options >>", whatever the language: the one button that opens the tabs and no other.
+        if (button->text().contains(QLatin1String(">>"))) {
+            button->click();
+            break;
+        }
+    }
+    const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
+    for (QTabWidget* tabs : tabWidgets) {
+        if (const int at = tabs->indexOf(paneTab); at >= 0) {
+            tabs->setCurrentIndex(at);
+        }
+    }
+    // The toolkit's dialog is sized for a handful of radio buttons.
+    const QFontMetrics metrics = fontMetrics();
+    resize(size()
+               .expandedTo({metrics.averageCharWidth() * 110, metrics.height() * 44})
+               .boundedTo(screen()->availableSize() * 9 / 10));
+}
+
+void PrintDialog::done(int result) {
+    // What the dialog's own tabs say is in the QPrinter now: the toolkit writes it as the dialog is accepted.
+    if (result == Accepted && !isClosing && !paneTab->preparePrint()) {
+        return;
+    }
+    if (!isClosing) {
+        isClosing = true;
+        paneTab->dialogWillClose();
+    }
+    QPrintDialog::done(result);
+}
+
+} // namespace torka::dialog

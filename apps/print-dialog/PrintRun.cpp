@@ -1,0 +1,55 @@
+#include "apps/print-dialog/PrintRun.h"
+
+#include "apps/print-dialog/JobProgress.h"
+#include "output/BundleIdentifier.h"
+#include "platform/Spooler.h"
+
+#include <QMessageBox>
+#include <cstdio>
+
+namespace torka::dialog {
+
+int submitDocument(const Document& document, PrintDialog& dialog, QString& error) {
+    const std::string queue = dialog.queue();
+    if (queue.empty()) {
+        error = QObject::tr("The destination is no print queue.");
+        return 0;
+    }
+    JobOptions options = standardJobOptions(*dialog.printer());
+    if (dialog.tab().hasPanel()) {
+        const CFTypeRef ticket = dialog.tab().settings().Value(cfString(ticketPathSetting));
+        if (const auto path = cfCast<CFString>(ticket)) {
+            options.emplace_back(ticketPathSetting, utf8Text(path));
+        }
+    }
+    std::string reason;
+    const int job =
+        submitFile(queue, document.path.toStdString(), document.name.toStdString(), options, reason);
+    if (job == 0) {
+        error = QObject::tr("The print server does not take the job: %1").arg(QString::fromStdString(reason));
+    }
+    return job;
+}
+
+int runDialog(const Document& document, PrintDialog& dialog) {
+    if (dialog.exec() != QDialog::Accepted) {
+        return 3;
+    }
+    QString error;
+    const int job = submitDocument(document, dialog, error);
+    if (job == 0) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(error));
+        QMessageBox::critical(nullptr, QObject::tr("Print"), error);
+        return 2;
+    }
+    JobProgress progress(dialog.queue(), job, document.name);
+    progress.exec();
+    std::printf("%s\n", qUtf8Printable(progress.outcome()));
+    if (progress.status().state == jobStateCompleted) {
+        return 0;
+    }
+    std::fprintf(stderr, "%s\n", progress.status().message.c_str());
+    return 1;
+}
+
+} // namespace torka::dialog

@@ -1,0 +1,95 @@
+#include "apps/print-dialog/Document.h"
+#include "apps/print-dialog/Pictures.h"
+#include "apps/print-dialog/PrintDialog.h"
+#include "apps/print-dialog/PrintRun.h"
+#include "platform/Bundle.h"
+#include "platform/cups/CupsSpooler.h"
+#include "platform/posix/PosixBundle.h"
+#include "platform/posix/PosixSystem.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QPrinter>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+using namespace torka;
+
+// Where the bundle lies beside this program, in a build tree and when installed.
+QString defaultBundle() {
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/../TorkaFeatures.bundle");
+}
+
+int unusable(const QString& text) {
+    std::fprintf(stderr, "torka-print-dialog: %s\n", qUtf8Printable(text));
+    return 2;
+}
+
+struct Arguments {
+    QString document;
+    QString queue;
+    QString bundle;
+    QString pictures;
+};
+
+Arguments readArguments(const QCoreApplication& application) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Prints a document through the system's print dialog, with the printer features as a tab."));
+    parser.addHelpOption();
+    const QCommandLineOption queue({QStringLiteral("d"), QStringLiteral("queue")},
+                                   QStringLiteral("Queue to begin with; the default queue otherwise."),
+                                   QStringLiteral("QUEUE"));
+    const QCommandLineOption bundle(QStringLiteral("bundle"), QStringLiteral("Plug-in bundle to load."),
+                                    QStringLiteral("FOLDER"), defaultBundle());
+    const QCommandLineOption pictures(
+        QStringLiteral("pictures"),
+        QStringLiteral("Write a picture of every page of the pane into the folder, print nothing."),
+        QStringLiteral("FOLDER"));
+    parser.addOptions({queue, bundle, pictures});
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("Document: PDF, PostScript or an image."));
+    parser.process(application);
+    if (parser.positionalArguments().size() != 1) {
+        parser.showHelp(2);
+    }
+    return {parser.positionalArguments().constFirst(), parser.value(queue), parser.value(bundle),
+            parser.value(pictures)};
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("torka-print-dialog"));
+    const Arguments arguments = readArguments(application);
+    platform::PosixSystemOptions options;
+    options.rootFromEnvironment = true;
+    setSystem(std::make_unique<PosixSystem>(options));
+    setSpooler(std::make_unique<CupsSpooler>());
+
+    dialog::Document document;
+    QString error;
+    if (!dialog::openDocument(arguments.document, document, error)) {
+        return unusable(error);
+    }
+    std::string problem;
+    const BundleRef bundle = openBundle(arguments.bundle.toStdString(), problem);
+    const std::unique_ptr<PDEPlugIn> plugIn = bundle ? bundle->InstantiatePrincipalClass(problem) : nullptr;
+    if (!plugIn || !plugIn->initWithBundle(bundle)) {
+        return unusable(
+            QStringLiteral("%1 cannot be loaded: %2").arg(arguments.bundle, QString::fromStdString(problem)));
+    }
+    QPrinter printer;
+    dialog::PrintDialog dialog(printer, *plugIn, document.name.toStdString());
+    if (!arguments.queue.isEmpty() && !dialog.chooseQueue(arguments.queue.toStdString())) {
+        return unusable(QStringLiteral("the print server has no queue %1").arg(arguments.queue));
+    }
+    dialog.showPane();
+    if (!arguments.pictures.isEmpty()) {
+        return dialog::takePictures(dialog, arguments.pictures, error) ? 0 : unusable(error);
+    }
+    return dialog::runDialog(document, dialog);
+}
