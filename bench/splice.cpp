@@ -2,6 +2,8 @@
 // "peakKiB" is the most memory that the process in the middle had; it has to be the same for both document
 // sizes.
 
+#include "output/BundleIdentifier.h"
+#include "platform/PropertyList.h"
 #include "spooler/SpliceFile.h"
 
 #include <benchmark/benchmark.h>
@@ -168,6 +170,50 @@ int spliceAll(bool suppresses) {
                : 1;
 }
 
+std::string ticketXml() {
+    std::vector<torka::CFTypeRef> values;
+    for (const torka::TicketEntry& entry : ticket(true).entries) {
+        values.push_back(torka::CFNumberCreate(std::int32_t{entry.site}));
+        values.push_back(torka::CFDataCreate(entry.bytes.data(), entry.bytes.size()));
+    }
+    const torka::CFDataRef xml = torka::CFPropertyListCreateXMLData(torka::CFArrayCreate(std::move(values)));
+    const auto bytes = torka::CFDataGetBytes(xml);
+    return {bytes.begin(), bytes.end()};
+}
+
+// A system root with one ticket of the user "anna".
+class FilterRoot {
+public:
+    FilterRoot()
+        : path(std::filesystem::temp_directory_path() / ("torka-root-" + std::to_string(::getpid()))) {
+        std::filesystem::create_directories(path / "Library/Caches/ZAN");
+        std::ofstream(path / ticketPath) << ticketXml();
+        std::ofstream((path / ticketPath).string() + ".owner") << "anna";
+        std::filesystem::permissions(path / "Library/Caches/ZAN", std::filesystem::perms(0711));
+    }
+    FilterRoot(const FilterRoot&) = delete;
+    FilterRoot& operator=(const FilterRoot&) = delete;
+    ~FilterRoot() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+
+    static constexpr const char* ticketPath =
+        "Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+    std::filesystem::path path;
+};
+
+// The whole program, as the print server starts it.
+int runFilter() {
+    const std::string option = std::string(torka::ticketPathSetting) + "=/" + FilterRoot::ticketPath;
+    ::setenv("CONTENT_TYPE", "application/postscript", 1);
+    ::setenv("PRINTER", "Bench", 1);
+    ::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO); // where the print server listens
+    ::execl(TORKA_BINARY_DIR "/bin/torkafilter", "torkafilter", "1", "anna", "bench", "1", option.c_str(),
+            nullptr);
+    return 127;
+}
+
 // `cat FILE | work | (a reader that throws away)`
 void run(benchmark::State& state, const std::function<int()>& work) {
     const Document& source =
@@ -226,6 +272,13 @@ void SpliceWithoutSuppression(benchmark::State& state) {
     run(state, [] { return spliceAll(false); });
 }
 
+void Filter(benchmark::State& state) {
+    const FilterRoot root;
+    ::setenv("TORKA_SYSTEM_ROOT", root.path.c_str(), 1);
+    run(state, runFilter);
+}
+
+BENCHMARK(Filter)->Apply(arguments);
 BENCHMARK(Cat)->Apply(arguments);
 BENCHMARK(CopyLoop)->Apply(arguments);
 BENCHMARK(Splice)->Apply(arguments);

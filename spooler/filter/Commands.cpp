@@ -69,7 +69,10 @@ std::string answerRequest(const FilterJob& job, const Sender& sender, std::strin
     if (request->printerAddress.empty()) {
         request->printerAddress = addressOfDevice(job.deviceUri);
     }
-    const std::string language = FilterNotes::Get(sender, NoteKind::language).value_or("");
+    const auto line = std::ranges::find(request->lines, "locale", &RequestLine::first);
+    const std::string language = line != request->lines.end() && isLanguage(line->second)
+                                     ? line->second
+                                     : FilterNotes::Get(sender, NoteKind::language).value_or("");
     const ControllerAnswer answer = source.Ask(request->printerAddress, request->lines, language);
     return answer.isReached ? writeAnswer(job.queue, request->identifier, answer)
                             : reportUnreachable(job.queue, request->identifier, request->printerAddress);

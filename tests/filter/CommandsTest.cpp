@@ -198,6 +198,10 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
     ASSERT_EQ(run("Command_UpdateCommands", text), 0);
     EXPECT_EQ(wideRecord("QVTrayInfo"), "トレイ");
     EXPECT_EQ(wideRecord("QVTonerInfo"), "toner");
+    ASSERT_EQ(run("Command_UpdateCommands", text + "\nlocale=de\n"), 0);
+    EXPECT_EQ(wideRecord("QVTrayInfo"), "trays") << "the request's own language stands above";
+    ASSERT_EQ(run("Command_UpdateCommands", text + "\nlocale=../ppd\n"), 0);
+    EXPECT_EQ(wideRecord("QVTrayInfo"), "トレイ") << "no language";
     EXPECT_FALSE(std::filesystem::exists(harness.root / "var/cache/torka/queues/Proofs.open"));
     EXPECT_EQ(std::filesystem::status(data).permissions(), std::filesystem::perms(0644));
 

@@ -1,7 +1,5 @@
 #include "tests/spooler/SpliceCheck.h"
 
-#include <random>
-
 namespace torka::tests {
 
 namespace {
@@ -92,68 +90,6 @@ TEST(Removal, ABlockBeyondTheLimitIsLeftAndSaid) {
     EXPECT_TRUE(result.text == expected);
     ASSERT_FALSE(result.report.warnings.empty());
     EXPECT_NE(result.report.warnings[0].find("*Tray is left"), std::string::npos);
-}
-
-// Random documents of the words that matter, in every order: whatever the cuts, the result is the same, and
-// no entry is written twice or lost without a word.
-TEST(Removal, RandomDocumentsDoNotDependOnTheCuts) {
-    const std::string words[] = {"%!PS",
-                                 "\n",
-                                 "\r",
-                                 "\r\n",
-                                 "%%EndComments\n",
-                                 "%%BeginProlog\n",
-                                 "%%EndProlog\n",
-                                 "%%BeginSetup\n",
-                                 "%%EndSetup\n",
-                                 "%%Page: 1 1\n",
-                                 "%%BeginPageSetup\n",
-                                 "%%EndPageSetup\n",
-                                 "%%BeginFeature: *Tray B\n",
-                                 "%%EndFeature\n",
-                                 "[{\r\n",
-                                 "[{\n",
-                                 "} stopped cleartomark\n",
-                                 "%%IncludeFeature: *Tray\r",
-                                 "%%Trailer\n",
-                                 "%%EOF\n",
-                                 "%%BeginDocument: x\n",
-                                 "%%EndDocument\n",
-                                 "%%BeginResource: x\n",
-                                 "%%EndResource\n",
-                                 "%%BeginData: 9\n",
-                                 "%%BeginData: 2 Hex Lines\r\n",
-                                 "%%BeginBinary:\r",
-                                 "%%EndData\n",
-                                 "%",
-                                 "%%",
-                                 "code\n",
-                                 "%%BoundingBox: 0 0 1 1\n",
-                                 " ",
-                                 "\x1b%-12345X",
-                                 std::string(70, 'y')};
-    std::mt19937 random(20240921);
-    std::uniform_int_distribution<std::size_t> word(0, std::size(words) - 1);
-    std::uniform_int_distribution<int> length(0, 40);
-    const Ticket ticket = makeTicket({{-9, "*Tray"}, {81, "(81)"}, {71, "(71)"}, {30, "%%(30)"}});
-    const auto count = [](const std::string& text, const char* part) {
-        std::size_t found = 0;
-        for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-            ++found;
-        }
-        return found;
-    };
-    for (int round = 0; round < 3000; ++round) {
-        std::string document = "%!PS\n";
-        for (int i = length(random); i > 0; --i) {
-            document += words[word(random)];
-        }
-        const Spliced result = splice(document, ticket, {1, 3, 64});
-        const std::size_t setups = result.status == SpliceStatus::ok ? 1 : 0;
-        ASSERT_EQ(count(result.text, "(81)"), setups) << document;
-        ASSERT_EQ(count(result.text, "(71)"), setups) << document;
-        ASSERT_EQ(count(result.text, "(30)"), 1U) << document;
-    }
 }
 
 } // namespace torka::tests
