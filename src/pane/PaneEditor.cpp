@@ -39,14 +39,6 @@ std::string itemKeyword(const PPDXPopupControl& popup, int number) {
     return keyword;
 }
 
-// A size of one's own begins as A4, or as near to it as the bounds allow.
-void beginCustomSize(PPDXCustomPageSizeControl& size) {
-    constexpr float a4Width = 595.0F;
-    constexpr float a4Height = 842.0F;
-    size.SetWidth(std::max(size.MinWidth(), std::min(size.MaxWidth(), a4Width)));
-    size.SetHeight(std::max(size.MinHeight(), std::min(size.MaxHeight(), a4Height)));
-}
-
 } // namespace
 
 bool isSecret(const PPDXControl& control) {
@@ -159,21 +151,9 @@ bool PaneEditor::SetValue(std::string_view keyword, std::string_view value) {
 }
 
 bool PaneEditor::SetValue(PPDXControl& control, std::string_view value) {
-    if (LockOf(control) != PaneLock::none) {
-        return false;
-    }
-    if (control == "*QVPrintSize" && value == "CustomPrintSize") {
-        PPDXCustomPageSizeControl* size =
-            model.GetControls()->FindCustomPageSizeControl("*CustomPrintSize", true);
-        if (size != nullptr && !(size->GetWidth() > 0 && size->GetHeight() > 0)) {
-            return EditAll([&] {
-                Apply(control, std::string(value));
-                beginCustomSize(*size);
-            });
-        }
-    }
-    return Edit(
-        control, [&] { Apply(control, std::string(value)); }, false);
+    return LockOf(control) == PaneLock::none &&
+           Edit(
+               control, [&] { Apply(control, std::string(value)); }, false);
 }
 
 bool PaneEditor::Edit(PPDXControl& control, const std::function<void()>& change, bool continues) {

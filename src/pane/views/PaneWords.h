@@ -29,7 +29,6 @@ inline constexpr PaneWord atLeast{"AT_LEAST", "At least %1 characters."};
 inline constexpr PaneWord atMost{"AT_MOST", "At most %1 characters."};
 inline constexpr PaneWord backTo{"BACK_TO", "Back to %1"};
 inline constexpr PaneWord changed{"CHANGED", "Changed: %1"};
-inline constexpr PaneWord changesTo{"CHANGES_TO", "%1: %2"};
 inline constexpr PaneWord chooseSeveral{"CHOOSE_SEVERAL", "None chosen"};
 inline constexpr PaneWord close{"CLOSE", "Close"};
 inline constexpr PaneWord configure{"CONFIGURE", "C&onfigure…"};
@@ -43,7 +42,7 @@ inline constexpr PaneWord defaults{"DEFAULTS", "De&faults"};
 inline constexpr PaneWord exactly{"EXACTLY", "Exactly %1 characters."};
 inline constexpr PaneWord found{"FOUND", "Found: %1"};
 inline constexpr PaneWord foundMore{"FOUND_MORE", "%1 more settings match. Type more to narrow the search."};
-inline constexpr PaneWord foundNone{"FOUND_NONE", "No setting matches \"%1\"."};
+inline constexpr PaneWord foundNone{"FOUND_NONE", "No setting matches “%1”."};
 inline constexpr PaneWord fullProperties{"FULL_PROPERTIES", "F&ull Properties…"};
 inline constexpr PaneWord height{"HEIGHT", "Height"};
 inline constexpr PaneWord inches{"INCHES", "in"};
@@ -107,7 +106,6 @@ inline constexpr std::array paneWords{words::addressLabel,
                                       words::atMost,
                                       words::backTo,
                                       words::changed,
-                                      words::changesTo,
                                       words::chooseSeveral,
                                       words::close,
                                       words::closedGroup,

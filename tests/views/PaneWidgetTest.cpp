@@ -1,0 +1,366 @@
+#include "pane/views/ConflictBar.h"
+#include "pane/views/FieldPage.h"
+#include "pane/views/SummaryPage.h"
+#include "tests/views/ViewFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSlider>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeWidget>
+
+namespace torka::tests {
+namespace {
+
+using testing::HasSubstr;
+
+// The sample's pane in a window, driven by mouse and keys.
+struct PaneWidgetTest : testing::Test {
+    ScopedMemorySystem system;
+    ViewedPane pane{samplePane()};
+
+    PaneWidgetTest() {
+        pane.Draw();
+        pane.Root()->resize(820, 600);
+        pane.Root()->show();
+        QVERIFY_exposed();
+    }
+    void QVERIFY_exposed() { EXPECT_TRUE(QTest::qWaitForWindowExposed(pane.Root())); }
+
+    CustomizePaneWidget& Widget() { return pane.Widget(); }
+    // The widget of a field on the page that is seen.
+    template <class T>
+    T* Field(const char* keyword) {
+        FieldPage* page = Widget().CurrentFieldPage();
+        FieldRow* row = page == nullptr ? nullptr : page->RowOf(keyword);
+        return row == nullptr ? nullptr : qobject_cast<T*>(row->Focus());
+    }
+    void Go(const char* keyword) { ASSERT_TRUE(Widget().ShowField(keyword)) << keyword; }
+    static int IndexOf(const QComboBox* box, const char* name) {
+        return box->findText(QString::fromUtf8(name));
+    }
+    static bool IsEnabled(const QComboBox* box, int row) {
+        return (box->model()->flags(box->model()->index(row, 0)) & Qt::ItemIsEnabled) != 0;
+    }
+    static std::string ToolTip(const QComboBox* box, int row) {
+        return box->itemData(row, Qt::ToolTipRole).toString().toStdString();
+    }
+};
+
+TEST_F(PaneWidgetTest, EditsByMouseAndKeys) {
+    Go("*QVMirror");
+    auto* box = Field<QCheckBox>("*QVMirror");
+    ASSERT_NE(box, nullptr);
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    EXPECT_EQ(pane.Value("*QVMirror"), "True");
+    QTest::keyClick(box, Qt::Key_Space);
+    EXPECT_EQ(pane.Value("*QVMirror"), "False");
+
+    auto* duplex = Field<QComboBox>("*QVDuplex");
+    duplex->setFocus();
+    QTest::keyClick(duplex, Qt::Key_Down);
+    EXPECT_NE(pane.Value("*QVDuplex"), PaneEditor::DefaultValue(*pane.Editor().FindControl("*QVDuplex")));
+
+    auto* scale = Field<QDoubleSpinBox>("*QVScale");
+    scale->setFocus();
+    scale->selectAll();
+    QTest::keyClicks(scale, "250");
+    EXPECT_EQ(pane.Value("*QVScale"), "100") << "not before the number is whole";
+    QTest::keyClick(scale, Qt::Key_Return);
+    EXPECT_EQ(pane.Value("*QVScale"), "250");
+    QTest::keyClick(scale, Qt::Key_Up);
+    EXPECT_EQ(pane.Value("*QVScale"), "251");
+    auto* slider = scale->parentWidget()->findChild<QSlider*>();
+    slider->setFocus();
+    QTest::keyClick(slider, Qt::Key_Home);
+    EXPECT_EQ(pane.Value("*QVScale"), "25");
+    EXPECT_DOUBLE_EQ(scale->value(), 25);
+
+    Go("*QVGutter"); // in tenths of a millimetre, five at a time
+    auto* gutter = Field<QDoubleSpinBox>("*QVGutter");
+    EXPECT_EQ(gutter->suffix(), QStringLiteral(" mm"));
+    gutter->setValue(12.3);
+    EXPECT_EQ(pane.Value("*QVGutter"), "120");
+    EXPECT_DOUBLE_EQ(gutter->value(), 12.0) << "what the control made of it";
+}
+
+TEST_F(PaneWidgetTest, ChoosesSeveralValuesByTicking) {
+    Go("*QVMarks");
+    auto* box = Field<QComboBox>("*QVMarks");
+    ASSERT_NE(box, nullptr);
+    const std::string before = pane.Value("*QVMarks");
+    box->model()->setData(box->model()->index(2, 0), Qt::Checked, Qt::CheckStateRole);
+    const std::string after = pane.Value("*QVMarks");
+    EXPECT_NE(after, before);
+    EXPECT_EQ(std::ranges::count(after, '\n'), 1);
+    ASSERT_TRUE(pane.Editor().Undo());
+    EXPECT_EQ(pane.Value("*QVMarks"), before);
+    EXPECT_EQ(box->itemData(2, Qt::CheckStateRole).toInt(), Qt::Unchecked);
+}
+
+TEST_F(PaneWidgetTest, SaysWhatForbidsAChoice) {
+    Go("*MediaType");
+    auto* media = Field<QComboBox>("*MediaType");
+    media->setCurrentIndex(IndexOf(media, "Labels"));
+    Q_EMIT media->activated(media->currentIndex());
+    ASSERT_EQ(pane.Value("*MediaType"), "Labels");
+    Go("*QVDuplex");
+    auto* duplex = Field<QComboBox>("*QVDuplex");
+    const int longEdge = IndexOf(duplex, "Turn on Long Edge");
+    ASSERT_GE(longEdge, 0);
+    EXPECT_FALSE(IsEnabled(duplex, longEdge));
+    EXPECT_THAT(ToolTip(duplex, longEdge), HasSubstr("Media Type: Labels"));
+    EXPECT_TRUE(IsEnabled(duplex, IndexOf(duplex, "Off")));
+    duplex->setFocus();
+    QTest::keyClick(duplex, Qt::Key_Down);
+    EXPECT_EQ(pane.Value("*QVDuplex"), "None") << "keys pass over what is forbidden";
+    EXPECT_FALSE(Widget().Bar()->isVisible());
+
+    Go("*QVFolderUnit");
+    auto* folder = Field<QCheckBox>("*QVFolderUnit");
+    ASSERT_TRUE(folder->isEnabled());
+    folder->click();
+    Go("*QVFoldPrintInside");
+    auto* inside = Field<QCheckBox>("*QVFoldPrintInside");
+    EXPECT_FALSE(inside->isEnabled());
+    EXPECT_THAT(inside->toolTip().toStdString(), HasSubstr("Folding Unit: "));
+    EXPECT_THAT(inside->accessibleDescription().toStdString(), HasSubstr("Folding Unit: "));
+}
+
+TEST_F(PaneWidgetTest, ResolvesAConflictWithOneClickAndTakesItBack) {
+    Go("*QVStaple");
+    pane.Editor().SetValue("*QVStaple", "Saddle");
+    EXPECT_FALSE(Widget().Bar()->isVisible());
+    pane.pane->Set("*QVFinisherUnit", "None"); // no click did it: the printer changed
+    pane.Draw();
+    ASSERT_TRUE(Widget().Bar()->isVisible());
+    EXPECT_THAT(Widget().Bar()->Text().toStdString(),
+                testing::AllOf(HasSubstr("Finisher: Not Installed"), HasSubstr("Staple: Saddle")));
+    QTest::mouseClick(Widget().Bar()->ResolveButton(), Qt::LeftButton);
+    EXPECT_EQ(pane.Value("*QVStaple"), "None");
+    EXPECT_EQ(pane.Value("*QVFinisherUnit"), "None");
+    EXPECT_TRUE(pane.Editor().Conflicts().empty());
+    EXPECT_THAT(Widget().Bar()->Text().toStdString(), HasSubstr("Staple"));
+    EXPECT_EQ(Field<QComboBox>("*QVStaple")->currentText(), QStringLiteral("Off"));
+    QTest::mouseClick(Widget().Bar()->UndoButton(), Qt::LeftButton);
+    EXPECT_EQ(pane.Value("*QVStaple"), "Saddle");
+    EXPECT_TRUE(Widget().Bar()->ResolveButton()->isVisible());
+}
+
+TEST_F(PaneWidgetTest, KeepsWhatIsTypedToWhatTheNoteAllows) {
+    Go("*QVAccountId"); // six digits
+    auto* line = Field<QLineEdit>("*QVAccountId");
+    line->selectAll();
+    QTest::keyClicks(line, "12a4");
+    EXPECT_EQ(line->text(), QStringLiteral("124"));
+    EXPECT_EQ(pane.Value("*QVAccountId"), "124");
+    line->setCursorPosition(1);
+    QTest::keyClicks(line, "x9");
+    EXPECT_EQ(line->text(), QStringLiteral("1924"));
+    EXPECT_EQ(line->cursorPosition(), 2);
+    line->end(false);
+    QTest::keyClicks(line, "5678");
+    EXPECT_EQ(line->text(), QStringLiteral("192456")) << "no longer than it may be";
+    const auto labels = line->parentWidget()->findChildren<QLabel*>();
+    ASSERT_EQ(labels.size(), 1);
+    EXPECT_EQ(labels[0]->text(), QStringLiteral("6 / 6"));
+    line->clear();
+    Q_EMIT line->textEdited({});
+    EXPECT_EQ(labels[0]->text(), QStringLiteral("required"));
+
+    Go("*QVUserPassword");
+    auto* secret = Field<QLineEdit>("*QVUserPassword");
+    QTest::keyClicks(secret, "geheim");
+    EXPECT_EQ(secret->echoMode(), QLineEdit::Password);
+    EXPECT_EQ(pane.Value("*QVUserPassword"), "geheim");
+    ASSERT_TRUE(Widget().ShowPage("summary"));
+    const auto* list = pane.Root()->findChild<QTreeWidget*>();
+    bool listed = false;
+    for (int row = 0; row < list->topLevelItemCount(); ++row) {
+        EXPECT_FALSE(list->topLevelItem(row)->text(1).contains(QStringLiteral("geheim")));
+        listed = listed || list->topLevelItem(row)->text(0) == QStringLiteral("User Password");
+    }
+    EXPECT_TRUE(listed);
+
+    Go("*QVSecureSwitch");
+    Field<QCheckBox>("*QVSecureSwitch")->click();
+    EXPECT_EQ(pane.Value("*QVSecureSwitch"), "True");
+}
+
+TEST_F(PaneWidgetTest, FindsByNameKeywordAndChoice) {
+    QLineEdit* search = Widget().SearchField();
+    QTest::keyClicks(search, "ivory");
+    QTest::keyClick(search, Qt::Key_Return); // into what was found
+    auto* color = Field<QComboBox>("*QVMediaColor");
+    ASSERT_NE(color, nullptr);
+    EXPECT_TRUE(color->hasFocus());
+    EXPECT_EQ(Widget().CurrentFieldPage()->RowCount(), 1U);
+    color->setCurrentIndex(IndexOf(color, "Ivory"));
+    Q_EMIT color->activated(color->currentIndex());
+    EXPECT_EQ(pane.Value("*QVMediaColor"), "Ivory");
+    search->clear();
+    EXPECT_EQ(Widget().PageList()->currentRow(), 0) << "back where the search began";
+    search->setText(QStringLiteral("there is no such thing <b>"));
+    Widget().SearchNow();
+    EXPECT_EQ(Widget().CurrentFieldPage()->RowCount(), 0U);
+    QTest::keyClick(search, Qt::Key_Escape);
+    EXPECT_TRUE(search->text().isEmpty());
+}
+
+TEST_F(PaneWidgetTest, ShowsWhatDiffersAndSetsItBack) {
+    pane.Editor().SetValue("*MediaType", "Labels");
+    pane.Editor().SetValue("*QVMirror", "True");
+    ASSERT_TRUE(Widget().ShowPage("summary"));
+    auto* list = pane.Root()->findChild<QTreeWidget*>();
+    ASSERT_EQ(list->topLevelItemCount(), 2);
+    EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("Labels"));
+    EXPECT_EQ(list->topLevelItem(0)->text(2), QStringLiteral("Plain"));
+    list->topLevelItem(0)->setSelected(true);
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_EQ(pane.Value("*MediaType"), "Plain");
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    QTest::mouseClick(pane.Find<QPushButton>("defaultsButton"), Qt::LeftButton);
+    EXPECT_EQ(pane.Value("*QVMirror"), "False");
+    EXPECT_EQ(list->topLevelItemCount(), 0);
+    QTest::keySequence(pane.Root(), QKeySequence::Undo);
+    EXPECT_TRUE(pane.Editor().Undo() || pane.Value("*QVMirror") == "True") << "the defaults are a step";
+    EXPECT_EQ(pane.Value("*QVMirror"), "True");
+}
+
+TEST_F(PaneWidgetTest, CustomSizeIsUsedWithACustomPrintSizeOnly) {
+    Go("*QVPrintSize");
+    auto* width = Field<QDoubleSpinBox>("*CustomPrintSize");
+    ASSERT_NE(width, nullptr);
+    EXPECT_FALSE(width->isEnabled());
+    auto* printSize = Field<QComboBox>("*QVPrintSize");
+    printSize->setCurrentIndex(IndexOf(printSize, "Custom Size"));
+    Q_EMIT printSize->activated(printSize->currentIndex());
+    EXPECT_TRUE(width->isEnabled());
+    EXPECT_EQ(pane.Value("*CustomPrintSize"), "283.459991 419.529999") << "the smallest, until a person says";
+    width->setValue(200);
+    EXPECT_NEAR(std::stod(pane.Value("*CustomPrintSize")), 200 * 72 / 25.4, 0.001);
+    EXPECT_FALSE(Field<QComboBox>("*PageSize")->isEnabled()) << "the dialog's own pages choose it";
+}
+
+TEST_F(PaneWidgetTest, FollowsWhatChangesElsewhere) {
+    ASSERT_TRUE(Widget().ShowPage("QVFinishingPage"));
+    ASSERT_TRUE(Widget().ShowPage("QVLayoutPage"));
+    pane.pane->Set("*QVStaple", "Saddle");
+    pane.pane->Set("*QVMirror", "True");
+    pane.Draw();
+    EXPECT_TRUE(Field<QCheckBox>("*QVMirror")->isChecked());
+    ASSERT_TRUE(Widget().ShowPage("QVFinishingPage"));
+    EXPECT_EQ(Field<QComboBox>("*QVStaple")->currentText(), QStringLiteral("Saddle Stitch"));
+    pane.interface->customizePane().greyoutShortcutControls(true);
+    EXPECT_FALSE(Field<QComboBox>("*QVStaple")->isEnabled());
+    pane.interface->customizePane().greyoutShortcutControls(false);
+    EXPECT_TRUE(Field<QComboBox>("*QVStaple")->isEnabled());
+
+    // The quick-access area follows its tree.
+    PPDTree tree = UI_Panel::Tree;
+    tree.quickAccess = {{"Gamma", "*QVGamma", 0}};
+    pane.interface->customizePane().drawControlsInTree(tree);
+    ASSERT_TRUE(Widget().ShowPage("quickAccess"));
+    EXPECT_EQ(Widget().CurrentFieldPage()->RowCount(), 1U);
+    EXPECT_NE(Field<QDoubleSpinBox>("*QVGamma"), nullptr);
+}
+
+TEST_F(PaneWidgetTest, EveryFieldHasANameARoleAndAPlaceInTheTabOrder) {
+    std::size_t rows = 0;
+    for (const std::string& page : Widget().PageIdentifiers()) {
+        ASSERT_TRUE(Widget().ShowPage(page));
+        FieldPage* fields = Widget().CurrentFieldPage();
+        if (fields == nullptr) {
+            continue;
+        }
+        pane.Editor().Catalog().ForEach([&](const PaneField& field) {
+            const FieldRow* row = fields->RowOf(field.keyword);
+            if (row == nullptr) {
+                return;
+            }
+            ++rows;
+            QAccessibleInterface* told = QAccessible::queryAccessibleInterface(row->Focus());
+            ASSERT_NE(told, nullptr);
+            EXPECT_FALSE(told->text(QAccessible::Name).isEmpty()) << field.keyword;
+            EXPECT_NE(told->role(), QAccessible::NoRole) << field.keyword;
+            EXPECT_NE(row->Focus()->focusPolicy() & Qt::TabFocus, 0) << field.keyword;
+            if (row->Label() != nullptr) {
+                EXPECT_EQ(row->Label()->buddy(), row->Focus());
+                EXPECT_EQ(row->Label()->textFormat(), Qt::PlainText);
+            }
+        });
+    }
+    EXPECT_GT(rows, 60U);
+}
+
+TEST_F(PaneWidgetTest, RollDownsOpenAndCloseByKeys) {
+    ASSERT_TRUE(Widget().ShowPage("QVColorPage"));
+    QToolButton* header = nullptr;
+    for (QToolButton* button : Widget().CurrentFieldPage()->findChildren<QToolButton*>()) {
+        header = button->accessibleName() == QStringLiteral("Color Management") ? button : header;
+    }
+    ASSERT_NE(header, nullptr);
+    auto* mode = Field<QComboBox>("*QVColorMode");
+    ASSERT_NE(mode, nullptr);
+    EXPECT_TRUE(mode->isVisible());
+    QTest::keyClick(header, Qt::Key_Left);
+    EXPECT_FALSE(mode->isVisible());
+    QTest::keyClick(header, Qt::Key_Space);
+    EXPECT_TRUE(mode->isVisible());
+    QTest::mouseClick(header, Qt::LeftButton);
+    EXPECT_FALSE(mode->isVisible());
+}
+
+TEST_F(PaneWidgetTest, OutlivesItsRootViewAndTheOtherWayRound) {
+    const ViewRef view = pane.interface->outputBinsView();
+    delete pane.Root(); // the dialog is gone
+    EXPECT_EQ(widgetOf(view), nullptr);
+    pane.Draw();
+    pane.interface->setStringValue(PaneOutlet::printerAddress, cfString("10.0.0.1"));
+    EXPECT_EQ(utf8Text(pane.interface->stringValue(PaneOutlet::printerAddress)), "");
+    pane.interface->addressSheet().setAddressField(cfString("10.0.0.2"));
+    pane.Editor().SetValue("*QVMirror", "True");
+
+    ViewedPane other(samplePane());
+    other.Draw();
+    const ViewRef kept = other.interface->outputBinsView();
+    other.panel->GetCustomizePane().setView(nullptr);
+    other.interface.reset();
+    ASSERT_NE(widgetOf(kept), nullptr);
+    widgetOf(kept)->grab();
+}
+
+TEST(PaneInterfaceFile, SaysWhatIsWrongWithIt) {
+    ScopedMemorySystem system;
+    const TemporaryFolder folder;
+    Pane pane(paneHeader);
+    CustomizePaneController controller(pane.model.get());
+    const auto problemOf = [&](const std::string& content) {
+        PaneSetup setup{*pane.model, controller};
+        setup.text = ViewedPane::english;
+        std::string problem;
+        const auto file = folder.Write("broken.ui", content);
+        EXPECT_EQ(QtPaneInterface::Load(QString::fromStdString(file.string()), std::move(setup), problem),
+                  nullptr);
+        return problem;
+    };
+    EXPECT_THAT(problemOf(""), HasSubstr("broken.ui"));
+    EXPECT_THAT(problemOf("<ui version=\"4.0\"><widget"), HasSubstr("broken.ui"));
+    EXPECT_THAT(problemOf("<ui version=\"4.0\"><class>X</class><widget class=\"QWidget\" "
+                          "name=\"outputBinsView\"/></ui>"),
+                HasSubstr("customizePane"));
+}
+
+} // namespace
+} // namespace torka::tests
