@@ -1,6 +1,7 @@
 #include "pane/views/ChoiceFields.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "pane/views/Eliding.h"
 #include "pane/views/FieldTexts.h"
 #include "pane/views/PaneIcons.h"
 
@@ -157,9 +158,8 @@ void PopupRow::UpdateValue() {
     if (box->currentIndex() != row) {
         box->setCurrentIndex(row);
     }
-    box->setToolTip(box->fontMetrics().horizontalAdvance(box->currentText()) > box->width() - 40
-                        ? plainToolTip(box->currentText())
-                        : QString());
+    constexpr qsizetype longText = 30; // may be cut
+    box->setToolTip(box->currentText().size() > longText ? plainToolTip(box->currentText()) : QString());
 }
 
 QString PopupRow::UpdateAllowed() {
@@ -171,7 +171,7 @@ QString PopupRow::UpdateAllowed() {
 
 CheckRow::CheckRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
-    , box(new QCheckBox(labelText(qText(shownField.name)), Body())) {
+    , box(new ElidingCheckBox(qText(shownField.name), Body())) {
     QObject::connect(box, &QCheckBox::clicked, box, [this](bool on) { Set(on ? "True" : "False"); });
     Take(box, box, true);
 }

@@ -86,6 +86,10 @@ void CustomizePaneWidget::MakeWidgets() {
     }
     columns->addLayout(side);
     stack = new QStackedWidget(area);
+    constexpr int leastCharacters = 74; // a label, a popup and the buttons of its row
+    constexpr int leastLines = 14;
+    stack->setMinimumSize(fontMetrics().averageCharWidth() * leastCharacters,
+                          fontMetrics().height() * leastLines);
     columns->addWidget(stack, 1);
     rows->addLayout(columns, 1);
     bar = new ConflictBar(context, area);

@@ -17,7 +17,6 @@ FieldPage::FieldPage(PaneContext& paneContext, QWidget* parent)
     , context(paneContext) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
     Clear();
 }
@@ -105,6 +104,9 @@ void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields) {
         auto row = makeFieldRow(context, field, &content);
         if (QLabel* label = row->Label()) {
             label->setFixedWidth(labelWidth);
+            if (fontMetrics().horizontalAdvance(label->text()) > labelWidth) {
+                label->setToolTip(plainToolTip(label->text())); // a long word may be cut
+            }
             label->setBuddy(row->Focus());
             form->addRow(label, row->Body());
         } else {

@@ -2,6 +2,7 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 #include "pane/CustomizePaneController.h"
+#include "pane/views/Eliding.h"
 #include "pane/views/FieldTexts.h"
 
 #include <QCheckBox>
@@ -98,7 +99,7 @@ void NoteRow::ShowLength() {
 
 SwitchNoteRow::SwitchNoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
-    , box(new QCheckBox(labelText(qText(shownField.name)), Body()))
+    , box(new ElidingCheckBox(qText(shownField.name), Body()))
     , tag(paneContext.controller.TagOfJobNote(shownField.keyword)) {
     QObject::connect(box, &QCheckBox::clicked, box, [this](bool on) {
         const auto change = [&] {

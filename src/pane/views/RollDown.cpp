@@ -1,6 +1,6 @@
 #include "pane/views/RollDown.h"
 
-#include "pane/views/FieldTexts.h"
+#include "pane/views/Eliding.h"
 #include "pane/views/PaneIcons.h"
 
 #include <QKeyEvent>
@@ -12,15 +12,13 @@ namespace torka {
 RollDown::RollDown(const PaneContext& context, const QString& title,
                    std::function<void(QWidget&)> fillContent, QWidget* parent)
     : QWidget(parent)
-    , header(new QToolButton(this))
+    , header(new ElidingToolButton(title, this))
     , fill(std::move(fillContent))
     , openWord(context.Say(words::openGroup))
     , closedWord(context.Say(words::closedGroup)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    header->setText(labelText(title));
-    header->setAccessibleName(title);
     header->setAutoRaise(true);
     header->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     header->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

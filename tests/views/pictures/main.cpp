@@ -75,6 +75,12 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     grab(pane, folder, prefix + QStringLiteral("-conflict"));
     pane.Editor().Resolve();
     grab(pane, folder, prefix + QStringLiteral("-resolved"));
+    pane.Editor().Undo();
+    pane.Root()->resize(pane.Root()->minimumSizeHint());
+    grab(pane, folder, prefix + QStringLiteral("-smallest"));
+    std::printf("  smallest %d x %d\n", pane.Root()->width(), pane.Root()->height());
+    pane.Root()->resize(820, 600);
+    pane.Editor().Redo();
     widget.ShowPage("summary");
     grab(pane, folder, prefix + QStringLiteral("-summary"));
     widget.SearchField()->setText(QStringLiteral("fold"));

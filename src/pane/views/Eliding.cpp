@@ -1,0 +1,94 @@
+#include "pane/views/Eliding.h"
+
+#include "pane/views/FieldTexts.h"
+
+#include <QHelpEvent>
+#include <QStyle>
+#include <QStyleOptionButton>
+#include <QStyleOptionToolButton>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace torka {
+namespace {
+
+constexpr int leastCharacters = 8;
+
+QString elided(const QWidget& widget, const QString& plain, int width) {
+    return labelText(widget.fontMetrics().elidedText(plain, Qt::ElideRight, width));
+}
+
+bool isCut(const QWidget& widget, const QString& plain, int width) {
+    return widget.fontMetrics().horizontalAdvance(plain) > width;
+}
+
+// A tooltip of the widget's own goes first.
+bool showWhole(QEvent* event, const QWidget& widget, const QString& plain, int width) {
+    if (event->type() != QEvent::ToolTip || !widget.toolTip().isEmpty() || !isCut(widget, plain, width)) {
+        return false;
+    }
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(plain));
+    return true;
+}
+
+int checkTextWidth(const QCheckBox& box) {
+    const QStyle& style = *box.style();
+    return box.width() - style.pixelMetric(QStyle::PM_IndicatorWidth) -
+           style.pixelMetric(QStyle::PM_CheckBoxLabelSpacing);
+}
+
+} // namespace
+
+ElidingCheckBox::ElidingCheckBox(const QString& plainText, QWidget* parent)
+    : QCheckBox(labelText(plainText), parent)
+    , plain(plainText) {
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+QSize ElidingCheckBox::minimumSizeHint() const {
+    QSize least = QCheckBox::minimumSizeHint();
+    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * leastCharacters));
+    return least;
+}
+
+void ElidingCheckBox::initStyleOption(QStyleOptionButton* option) const {
+    QCheckBox::initStyleOption(option);
+    if (isCut(*this, plain, checkTextWidth(*this))) {
+        option->text = elided(*this, plain, checkTextWidth(*this));
+    }
+}
+
+bool ElidingCheckBox::event(QEvent* event) {
+    return showWhole(event, *this, plain, checkTextWidth(*this)) || QCheckBox::event(event);
+}
+
+ElidingToolButton::ElidingToolButton(const QString& plainText, QWidget* parent)
+    : QToolButton(parent)
+    , plain(plainText) {
+    setText(labelText(plainText));
+    setAccessibleName(plainText);
+}
+
+int ElidingToolButton::TextWidth() const {
+    return width() - iconSize().width() - 4 * style()->pixelMetric(QStyle::PM_ButtonMargin);
+}
+
+QSize ElidingToolButton::minimumSizeHint() const {
+    QSize least = QToolButton::minimumSizeHint();
+    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * leastCharacters));
+    return least;
+}
+
+void ElidingToolButton::initStyleOption(QStyleOptionToolButton* option) const {
+    QToolButton::initStyleOption(option);
+    if (isCut(*this, plain, TextWidth())) {
+        option->text = elided(*this, plain, TextWidth());
+    }
+}
+
+bool ElidingToolButton::event(QEvent* event) {
+    return showWhole(event, *this, plain, TextWidth()) || QToolButton::event(event);
+}
+
+} // namespace torka
