@@ -274,6 +274,8 @@ void BonjourModuleController::ShowStatus() {
                                 "Controllers on the local network cannot be searched for at the moment.");
     } else if (resolutionFailed) {
         text = owner.bidiString("DISCOVERY_NO_ANSWER", "The selected controller does not answer.");
+    } else if (resolution) {
+        text = owner.bidiString("RESOLVING", "Asking the selected controller for its address");
     } else if (list->LeftOut()) {
         text = owner.bidiString("DISCOVERY_TOO_MANY", "More controllers are announced than can be shown.");
     } else if (shown.empty()) {

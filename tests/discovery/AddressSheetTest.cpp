@@ -50,13 +50,14 @@ protected:
         sheet =
             new AddressSheet(window.get(), [](const char*, const char* english) { return QString(english); });
         sheet->attachPaneWidgets(paneCheckBox, paneButton);
-        field = sheet->findChild<QLineEdit*>();
-        table = sheet->findChild<QTreeView*>();
+        field = sheet->Window()->findChild<QLineEdit*>();
+        table = sheet->Window()->findChild<QTreeView*>();
         controller = BonjourModuleController::init(owner, *sheet);
         window->show();
     }
     ~AddressSheetTest() override {
         controller.reset();
+        sheet.reset();
         window.reset();
         setServiceDirectory(nullptr);
         setMainEventLoop(nullptr);
@@ -80,7 +81,7 @@ protected:
         const QString folder = qEnvironmentVariable("TORKA_PICTURES");
         if (!folder.isEmpty()) {
             QCoreApplication::processEvents();
-            sheet->grab().save(folder + "/" + name + ".png");
+            sheet->Window()->grab().save(folder + "/" + name + ".png");
         }
     }
 
@@ -91,7 +92,7 @@ protected:
     std::unique_ptr<QWidget> window; // owns the other widgets
     QCheckBox* paneCheckBox;
     QPushButton* paneButton;
-    AddressSheet* sheet;
+    std::unique_ptr<AddressSheet> sheet;
     QLineEdit* field;
     QTreeView* table;
     std::shared_ptr<BonjourModuleController> controller;
@@ -104,7 +105,7 @@ TEST_F(AddressSheetTest, IsWorkedWithKeysAlone) {
     Announce("Warehouse", "");
     EXPECT_FALSE(paneButton->isEnabled());
     QTest::mouseClick(paneCheckBox, Qt::LeftButton, {}, QPoint(5, paneCheckBox->height() / 2));
-    ASSERT_TRUE(sheet->isVisible()); // there is no address yet
+    ASSERT_TRUE(sheet->isSheetVisible()); // there is no address yet
     EXPECT_TRUE(sheet->bidiState());
     Run(500);
     ASSERT_EQ(table->model()->rowCount(), 4);
@@ -119,24 +120,24 @@ TEST_F(AddressSheetTest, IsWorkedWithKeysAlone) {
     EXPECT_EQ(field->text(), "10.0.0.4");
     QTest::keyClick(table, Qt::Key_End);
     EXPECT_EQ(field->text(), "Warehouse");
-    EXPECT_TRUE(sheet->findChild<QProgressBar*>()->isVisible());
+    EXPECT_TRUE(sheet->Window()->findChild<QProgressBar*>()->isVisible());
     Picture("address-sheet-resolving");
     QTest::keyClick(table, Qt::Key_Home);
-    EXPECT_FALSE(sheet->findChild<QProgressBar*>()->isVisible());
+    EXPECT_FALSE(sheet->Window()->findChild<QProgressBar*>()->isVisible());
     EXPECT_EQ(field->text(), "10.0.0.30");
 
     // Every control is reached, and has a name to be told.
     QStringList reached;
     for (QWidget* widget = table->nextInFocusChain(); widget != table; widget = widget->nextInFocusChain()) {
         if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible() &&
-            sheet->isAncestorOf(widget)) {
+            sheet->Window()->isAncestorOf(widget)) {
             reached.append(widget->objectName() + widget->metaObject()->className());
         }
     }
     EXPECT_EQ(reached.size(), 4) << reached.join(" ").toStdString(); // check box, two buttons, field
     EXPECT_FALSE(table->accessibleName().isEmpty());
     QTest::keyClick(table, Qt::Key_Return);
-    EXPECT_FALSE(sheet->isVisible());
+    EXPECT_FALSE(sheet->isSheetVisible());
     EXPECT_EQ(owner.address, "10.0.0.30");
     EXPECT_TRUE(owner.twoWay && paneButton->isEnabled() && paneCheckBox->isChecked());
     sheet->setBidiCheckBoxEnabled(false);
@@ -150,17 +151,17 @@ TEST_F(AddressSheetTest, EscapeAndCloseCancel) {
     EXPECT_TRUE(owner.twoWay);
     for (const bool byKey : {true, false}) {
         QTest::mouseClick(paneButton, Qt::LeftButton);
-        ASSERT_TRUE(sheet->isVisible());
+        ASSERT_TRUE(sheet->isSheetVisible());
         QTest::keyClicks(field, "other"); // the text is selected, so that typing replaces it
         EXPECT_EQ(field->text(), "other");
-        sheet->findChild<QCheckBox*>("sheetBidiCheckBox")->click();
+        sheet->Window()->findChild<QCheckBox*>("sheetBidiCheckBox")->click();
         EXPECT_FALSE(paneCheckBox->isChecked());
         if (byKey) {
             QTest::keyClick(field, Qt::Key_Escape);
         } else {
-            sheet->close();
+            sheet->Window()->close();
         }
-        EXPECT_FALSE(sheet->isVisible() || controller->validWindowSessionRunning());
+        EXPECT_FALSE(sheet->isSheetVisible() || controller->validWindowSessionRunning());
         EXPECT_EQ(field->text(), "10.0.0.1");
         EXPECT_TRUE(paneCheckBox->isChecked());
     }
@@ -215,6 +216,21 @@ TEST_F(AddressSheetTest, ManyControllersKeepPlaceAndSelection) {
     ASSERT_TRUE(sheet->selectedRow().has_value());
     EXPECT_EQ(Cell(static_cast<int>(*sheet->selectedRow()), 0), selected);
     Picture("address-sheet-many");
+}
+
+TEST_F(AddressSheetTest, OutlivesItsWindow) {
+    Announce("a", "");
+    controller->configureButtonClicked();
+    Run(500);
+    table->setCurrentIndex(table->model()->index(0, 0));
+    window.reset(); // while the sheet is open and an address is looked for
+    EXPECT_EQ(sheet->Window(), nullptr);
+    EXPECT_FALSE(sheet->isSheetVisible() || sheet->selectedRow().has_value());
+    Run(20000);
+    controller->clickedCancel();
+    controller->configureButtonClicked();
+    controller->OKClicked();
+    EXPECT_EQ(owner.address, "");
 }
 
 // The same of every loop: Qt's, whose objects must not be destroyed within their own signals.

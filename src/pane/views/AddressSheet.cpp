@@ -1,5 +1,7 @@
 #include "pane/views/AddressSheet.h"
 
+#include "pane/views/RoomyRows.h"
+
 #include <QAbstractTableModel>
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -83,30 +85,61 @@ private:
     std::vector<ControllerRow> rows;
 };
 
+class AddressSheet::Dialog final : public QDialog {
+public:
+    Dialog(QWidget* parent, AddressSheet& owner)
+        : QDialog(parent)
+        , sheet(owner) {}
+    // What the table tells while it goes is not a person's doing.
+    ~Dialog() override { sheet.isSetting = true; }
+
+    void accept() override {
+        if (sheet.delegate != nullptr) {
+            sheet.delegate->OKClicked();
+        } else {
+            QDialog::accept();
+        }
+    }
+    void reject() override {
+        if (sheet.delegate != nullptr) {
+            sheet.delegate->clickedCancel();
+        } else {
+            QDialog::reject();
+        }
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        return (watched == sheet.table && event->type() == QEvent::KeyPress &&
+                sheet.SelectFirst(static_cast<QKeyEvent*>(event)->key())) ||
+               QDialog::eventFilter(watched, event);
+    }
+
+private:
+    AddressSheet& sheet;
+};
+
 AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
-    : QDialog(parent)
-    , model(new Rows(this, translate("NAME_COLUMN", "Name"), translate("ADDRESSES_COLUMN", "Addresses")))
-    , field(new QLineEdit(this))
-    , table(new QTreeView(this))
-    , status(new QLabel(this))
-    , progress(new QProgressBar(this))
-    , bidiCheckBox(new QCheckBox(translate("TWO_WAY", "&Two-way communication"), this))
+    : dialog(new Dialog(parent, *this))
+    , model(new Rows(dialog, translate("NAME_COLUMN", "Name"), translate("ADDRESSES_COLUMN", "Addresses")))
+    , field(new QLineEdit(dialog))
+    , table(new QTreeView(dialog))
+    , status(new QLabel(dialog))
+    , progress(new QProgressBar(dialog))
+    , bidiCheckBox(new QCheckBox(translate("TWO_WAY", "&Two-way communication"), dialog))
     , sortByName(translate("SORT_BY_NAME", "Sort by name"))
     , sortByAddresses(translate("SORT_BY_ADDRESSES", "Sort by addresses")) {
-    setObjectName("addressSheet");
-    setWindowTitle(translate("ADDRESS_SHEET_TITLE", "Controller Address"));
-    setWindowModality(Qt::WindowModal);
+    dialog->setObjectName("addressSheet");
+    dialog->setWindowTitle(translate("ADDRESS_SHEET_TITLE", "Controller Address"));
+    dialog->setWindowModality(Qt::WindowModal);
 
-    auto* fieldLabel = new QLabel(translate("ADDRESS_LABEL", "&IP address or DNS name:"), this);
-    fieldLabel->setBuddy(field);
     field->setObjectName("addressField");
     field->setMaxLength(longestAddress);
     field->setClearButtonEnabled(true);
     field->setPlaceholderText(translate("ADDRESS_EXAMPLE", "for example 192.168.1.20"));
     bidiCheckBox->setObjectName("sheetBidiCheckBox");
+    QObject::connect(bidiCheckBox, &QCheckBox::clicked, dialog, [this](bool on) { BidiClicked(on); });
     MakeTable(translate);
-    auto* tableLabel = new QLabel(translate("CONTROLLERS_LABEL", "&Controllers on the local network:"), this);
-    tableLabel->setBuddy(table);
 
     status->setObjectName("discoveryStatus");
     status->setTextFormat(Qt::PlainText);
@@ -116,21 +149,33 @@ AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
     progress->setRange(0, 0);
     progress->setTextVisible(false);
     progress->setAccessibleName(translate("RESOLVING", "Asking the selected controller for its address"));
-    progress->setFixedWidth(fontMetrics().averageCharWidth() * 14);
-    progress->setMaximumHeight(fontMetrics().height());
+    progress->setFixedWidth(dialog->fontMetrics().averageCharWidth() * 14);
+    progress->setMaximumHeight(dialog->fontMetrics().height());
     QSizePolicy policy = progress->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     progress->setSizePolicy(policy);
     progress->hide();
+    LayOut(translate);
+}
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+AddressSheet::~AddressSheet() { delete dialog.data(); }
+
+void AddressSheet::LayOut(const BidiTranslator& translate) {
+    auto* fieldLabel = new QLabel(translate("ADDRESS_LABEL", "&IP address or DNS name:"), dialog);
+    fieldLabel->setBuddy(field);
+    auto* tableLabel =
+        new QLabel(translate("CONTROLLERS_LABEL", "&Controllers on the local network:"), dialog);
+    tableLabel->setBuddy(table);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
     buttons->button(QDialogButtonBox::Ok)->setText(translate("OK", "OK"));
     buttons->button(QDialogButtonBox::Cancel)->setText(translate("CANCEL", "Cancel"));
+    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
 
     auto* statusLine = new QHBoxLayout;
     statusLine->addWidget(status, 1);
     statusLine->addWidget(progress, 0, Qt::AlignTop);
-    auto* layout = new QVBoxLayout(this);
+    auto* layout = new QVBoxLayout(dialog);
     layout->addWidget(fieldLabel);
     layout->addWidget(field);
     layout->addSpacing(layout->spacing());
@@ -140,11 +185,7 @@ AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
     layout->addSpacing(layout->spacing());
     layout->addWidget(bidiCheckBox);
     layout->addWidget(buttons);
-    resize(fontMetrics().averageCharWidth() * 80, fontMetrics().height() * 24);
-
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(bidiCheckBox, &QCheckBox::clicked, this, [this](bool on) { BidiClicked(on); });
+    dialog->resize(dialog->fontMetrics().averageCharWidth() * 90, dialog->fontMetrics().height() * 27);
 }
 
 void AddressSheet::MakeTable(const BidiTranslator& translate) {
@@ -153,6 +194,7 @@ void AddressSheet::MakeTable(const BidiTranslator& translate) {
     table->setRootIsDecorated(false);
     table->setItemsExpandable(false);
     table->setUniformRowHeights(true);
+    table->setItemDelegate(new RoomyRows(table));
     table->setAlternatingRowColors(true);
     table->setAllColumnsShowFocus(true);
     table->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -161,53 +203,51 @@ void AddressSheet::MakeTable(const BidiTranslator& translate) {
     table->setTextElideMode(Qt::ElideRight);
     table->setAccessibleName(translate("CONTROLLERS", "Controllers on the local network"));
     table->setContextMenuPolicy(Qt::CustomContextMenu);
-    table->installEventFilter(this);
+    table->installEventFilter(dialog);
     QHeaderView* header = table->header();
     header->setSectionsClickable(true);
     header->setSectionsMovable(false);
     header->setSortIndicatorShown(true);
     header->setSortIndicator(-1, Qt::AscendingOrder);
-    header->resizeSection(0, fontMetrics().averageCharWidth() * 44);
-    connect(header, &QHeaderView::sectionClicked, this, [this](int section) {
+    header->resizeSection(0, table->fontMetrics().averageCharWidth() * 52);
+    QObject::connect(header, &QHeaderView::sectionClicked, dialog, [this](int section) {
         SortBy(section == 0 ? ControllerColumn::name : ControllerColumn::addresses);
     });
-    connect(table, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& place) { ShowTableMenu(place); });
-    connect(table->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+    QObject::connect(table, &QWidget::customContextMenuRequested, dialog,
+                     [this](const QPoint& place) { ShowTableMenu(place); });
+    QObject::connect(table->selectionModel(), &QItemSelectionModel::selectionChanged, dialog, [this] {
         if (!isSetting && delegate != nullptr) {
             delegate->UpOrDownArrowKeySelection();
         }
     });
     // Once its address is known.
-    connect(table, &QAbstractItemView::doubleClicked, this, [this] {
-        if (!progress->isVisibleTo(this)) {
-            accept();
+    QObject::connect(table, &QAbstractItemView::doubleClicked, dialog, [this] {
+        if (!progress->isVisible()) {
+            dialog->accept();
         }
     });
 }
 
 // The table's first row has the focus without being selected, and no arrow key would select it.
-bool AddressSheet::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == table && event->type() == QEvent::KeyPress && !selectedRow() && model->rowCount({}) > 0) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_Home) {
-            table->selectionModel()->setCurrentIndex(model->index(0, 0), QItemSelectionModel::ClearAndSelect |
-                                                                             QItemSelectionModel::Rows);
-            return true;
-        }
+bool AddressSheet::SelectFirst(int key) {
+    const bool moves = key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_Home;
+    if (!moves || selectedRow() || model->rowCount({}) == 0) {
+        return false;
     }
-    return QDialog::eventFilter(watched, event);
+    table->selectionModel()->setCurrentIndex(model->index(0, 0),
+                                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    return true;
 }
 
 void AddressSheet::attachPaneWidgets(QCheckBox* twoWay, QPushButton* configure) {
     paneCheckBox = twoWay;
     paneConfigureButton = configure;
     if (twoWay != nullptr) {
-        twoWay->setChecked(bidiCheckBox->isChecked());
-        connect(twoWay, &QCheckBox::clicked, this, [this](bool on) { BidiClicked(on); });
+        twoWay->setChecked(isBidiOn);
+        QObject::connect(twoWay, &QCheckBox::clicked, dialog, [this](bool on) { BidiClicked(on); });
     }
     if (configure != nullptr) {
-        connect(configure, &QPushButton::clicked, this, [this] {
+        QObject::connect(configure, &QPushButton::clicked, dialog, [this] {
             if (delegate != nullptr) {
                 delegate->configureButtonClicked();
             }
@@ -231,48 +271,49 @@ void AddressSheet::SortBy(ControllerColumn column) {
 void AddressSheet::ShowTableMenu(const QPoint& place) {
     auto* menu = new QMenu(table);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(sortByName, this, [this] { SortBy(ControllerColumn::name); });
-    menu->addAction(sortByAddresses, this, [this] { SortBy(ControllerColumn::addresses); });
+    menu->addAction(sortByName, dialog, [this] { SortBy(ControllerColumn::name); });
+    menu->addAction(sortByAddresses, dialog, [this] { SortBy(ControllerColumn::addresses); });
     menu->popup(table->viewport()->mapToGlobal(place));
 }
 
-void AddressSheet::openSheet() { open(); }
-
-void AddressSheet::closeSheet() { hide(); }
-
-void AddressSheet::accept() {
-    if (delegate != nullptr) {
-        delegate->OKClicked();
-    } else {
-        QDialog::accept();
+void AddressSheet::openSheet() {
+    if (dialog != nullptr) {
+        dialog->open();
     }
 }
 
-void AddressSheet::reject() {
-    if (delegate != nullptr) {
-        delegate->clickedCancel();
-    } else {
-        QDialog::reject();
+void AddressSheet::closeSheet() {
+    if (dialog != nullptr) {
+        dialog->hide();
     }
 }
+
+bool AddressSheet::isSheetVisible() const { return dialog != nullptr && dialog->isVisible(); }
 
 CFStringRef AddressSheet::addressField() const {
-    return CFStringCreateWithCharacters(field->text().toStdU16String());
+    return CFStringCreateWithCharacters(dialog != nullptr ? field->text().toStdU16String()
+                                                          : std::u16string());
 }
 
 void AddressSheet::setAddressField(const CFStringRef& text) {
     const QString shown = qString(text);
-    if (field->text() != shown) {
+    if (dialog != nullptr && field->text() != shown) {
         field->setText(shown);
+        field->setCursorPosition(0); // a long name shows its beginning
     }
 }
 
 void AddressSheet::focusAddressField() {
-    field->setFocus(Qt::OtherFocusReason);
-    field->selectAll();
+    if (dialog != nullptr) {
+        field->setFocus(Qt::OtherFocusReason);
+        field->selectAll();
+    }
 }
 
 void AddressSheet::setRows(std::span<const ControllerRow> rows, std::optional<std::size_t> selected) {
+    if (dialog == nullptr) {
+        return;
+    }
     isSetting = true;
     model->Replace(rows);
     const bool wasSelected = selectedRow().has_value();
@@ -293,11 +334,17 @@ void AddressSheet::setRows(std::span<const ControllerRow> rows, std::optional<st
 }
 
 std::optional<std::size_t> AddressSheet::selectedRow() const {
+    if (dialog == nullptr) {
+        return std::nullopt;
+    }
     const QModelIndexList rows = table->selectionModel()->selectedRows();
     return rows.isEmpty() ? std::nullopt : std::optional(static_cast<std::size_t>(rows.front().row()));
 }
 
 void AddressSheet::setIndicatorImage(ControllerColumn column, SortIndicator indicator) {
+    if (dialog == nullptr) {
+        return;
+    }
     QHeaderView* header = table->header();
     if (indicator != SortIndicator::none) {
         header->setSortIndicator(columnIndex(column), indicator == SortIndicator::NSAscendingSortIndicator
@@ -308,14 +355,23 @@ void AddressSheet::setIndicatorImage(ControllerColumn column, SortIndicator indi
     }
 }
 
-void AddressSheet::setProgress(bool running) { progress->setVisible(running); }
+void AddressSheet::setProgress(bool running) {
+    if (dialog != nullptr) {
+        progress->setVisible(running);
+    }
+}
 
-void AddressSheet::setStatus(const CFStringRef& text) { status->setText(qString(text)); }
-
-bool AddressSheet::bidiState() const { return bidiCheckBox->isChecked(); }
+void AddressSheet::setStatus(const CFStringRef& text) {
+    if (dialog != nullptr) {
+        status->setText(qString(text));
+    }
+}
 
 void AddressSheet::setBidiState(bool on) {
-    bidiCheckBox->setChecked(on);
+    isBidiOn = on;
+    if (dialog != nullptr) {
+        bidiCheckBox->setChecked(on);
+    }
     if (paneCheckBox != nullptr) {
         paneCheckBox->setChecked(on);
     }

@@ -27,18 +27,23 @@ using BidiTranslator = std::function<QString(const char* key, const char* englis
 //
 // Names from the network are drawn as plain text everywhere. Everything can be reached by keys; the table is
 // sorted by its headers, or from its context menu.
-class AddressSheet final : public QDialog, public BonjourModuleView {
+// The widgets' dialog is a child of the parent, which may be gone before this is: then nothing is shown any
+// more.
+class AddressSheet final : public BonjourModuleView {
 public:
     static constexpr int longestAddress = 255; // characters
 
     AddressSheet(QWidget* parent, const BidiTranslator& translate);
+    ~AddressSheet() override;
     // The pane's widgets; either may be null. They stay the pane's.
     void attachPaneWidgets(QCheckBox* twoWay, QPushButton* configure);
+    // Null once the parent is gone.
+    QDialog* Window() const { return dialog; }
 
     void setDelegate(BonjourModuleViewDelegate* newDelegate) override { delegate = newDelegate; }
     void openSheet() override;
     void closeSheet() override;
-    bool isSheetVisible() const override { return isVisible(); }
+    bool isSheetVisible() const override;
     CFStringRef addressField() const override;
     void setAddressField(const CFStringRef& text) override;
     void focusAddressField() override;
@@ -47,27 +52,25 @@ public:
     void setIndicatorImage(ControllerColumn column, SortIndicator indicator) override;
     void setProgress(bool running) override;
     void setStatus(const CFStringRef& text) override;
-    bool bidiState() const override;
+    bool bidiState() const override { return isBidiOn; }
     void setBidiState(bool on) override;
     void setBidiCheckBoxEnabled(bool enabled) override;
     void setConfigureButtonEnabled(bool enabled) override;
 
-    void accept() override;
-    void reject() override;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
+    class Dialog;
     class Rows;
 
     void MakeTable(const BidiTranslator& translate);
+    void LayOut(const BidiTranslator& translate);
     void BidiClicked(bool on);
     void ShowTableMenu(const QPoint& place);
     void SortBy(ControllerColumn column);
+    bool SelectFirst(int key);
 
     BonjourModuleViewDelegate* delegate = nullptr;
-    Rows* model; // all of these are owned by the dialog
+    QPointer<QDialog> dialog;
+    Rows* model; // these are owned by the dialog
     QLineEdit* field;
     QTreeView* table;
     QLabel* status;
@@ -77,6 +80,7 @@ private:
     QPointer<QPushButton> paneConfigureButton;
     QString sortByName;
     QString sortByAddresses;
+    bool isBidiOn = false;
     bool isSetting = false; // the selection changes, and not by a person
 };
 

@@ -40,14 +40,14 @@ int run(const QString& folder) {
     tests::MemoryAddressOwner owner;
     AddressSheet sheet(nullptr, [](const char*, const char* english) { return QString(english); });
     const auto controller = BonjourModuleController::init(owner, sheet);
-    const auto* table = sheet.findChild<QTreeView*>();
-    const auto* status = sheet.findChild<QLabel*>("discoveryStatus");
+    const auto* table = sheet.Window()->findChild<QTreeView*>();
+    const auto* status = sheet.Window()->findChild<QLabel*>("discoveryStatus");
     const QAbstractItemModel& model = *table->model();
     const auto isUnavailable = [status] { return status->text() == "DISCOVERY_UNAVAILABLE"; };
 
     sheet.setBidiState(true);
     controller->BIDICheckBoxClicked();
-    if (!sheet.isVisible() || !waitFor(20, isUnavailable)) {
+    if (!sheet.isSheetVisible() || !waitFor(20, isUnavailable)) {
         return 1;
     }
     std::cout << "unavailable" << std::endl;
@@ -77,9 +77,9 @@ int run(const QString& folder) {
         return 1;
     }
     std::cout << "gone" << std::endl;
-    sheet.accept();
+    sheet.Window()->accept();
     std::cout << "stored " << owner.address << (owner.twoWay ? " two-way" : "") << std::endl;
-    return sheet.isVisible() ? 1 : 0;
+    return sheet.isSheetVisible() ? 1 : 0;
 }
 
 } // namespace
