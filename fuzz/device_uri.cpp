@@ -1,7 +1,9 @@
 // A device URI of any bytes, as text and as the URL of a queue: it is of one kind at most, and the name taken
-// from it can be shown.
+// from it can be shown. The same bytes as a service's name.
 
+#include "connection/BonjourIPDiscovery.h"
 #include "connection/ConnectionType.h"
+#include "connection/ControllerList.h"
 #include "platform/memory/MemoryPrinting.h"
 
 #include <cstdlib>
@@ -34,5 +36,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(!url || CFEqual(breakBonjourURLIntoMeaningFullItems(url), name));
     const CFStringRef host = CFURLCopyHostName(url);
     check(!host || CFStringGetLength(host) > 0);
+
+    const auto discovery = BonjourIPDiscovery::initWithPrinterBonjourURL(url);
+    check(discovery->instanceName().size() <= uri.size() && discovery->printAddress() == "NO");
+    const CFStringRef shown = plainServiceName(uri);
+    check(CFStringGetLength(shown) <= 255 && utf8Text(shown).find('\n') == std::string::npos);
     return 0;
 }

@@ -47,8 +47,8 @@ protected:
         window = std::make_unique<QWidget>();
         paneCheckBox = new QCheckBox(window.get());
         paneButton = new QPushButton(window.get());
-        sheet =
-            new AddressSheet(window.get(), [](const char*, const char* english) { return QString(english); });
+        sheet = std::make_unique<AddressSheet>(
+            window.get(), [](const char*, const char* english) { return QString(english); });
         sheet->attachPaneWidgets(paneCheckBox, paneButton);
         field = sheet->Window()->findChild<QLineEdit*>();
         table = sheet->Window()->findChild<QTreeView*>();
@@ -189,7 +189,7 @@ TEST_F(AddressSheetTest, SortsByHeaderAndMenu) {
     clickHeader(1);
     EXPECT_EQ(Cell(0, 1), "10.0.0.9");
     EXPECT_EQ(table->header()->sortIndicatorSection(), 1);
-    emit table->customContextMenuRequested(QPoint(5, 5));
+    Q_EMIT table->customContextMenuRequested(QPoint(5, 5));
     auto* menu = table->findChild<QMenu*>();
     ASSERT_NE(menu, nullptr);
     menu->actions().at(1)->trigger();

@@ -64,7 +64,7 @@ int run(const QString& folder) {
         std::cout << "not listed: " << model.rowCount() << " rows" << std::endl;
         return 1;
     }
-    emit table->header()->sectionClicked(1);
+    Q_EMIT table->header()->sectionClicked(1);
     for (int row = 0; row < model.rowCount(); ++row) {
         std::cout << cell(model, row, 0).toStdString() << "|" << cell(model, row, 1).toStdString() << "\n";
     }
