@@ -4,21 +4,16 @@
 #include "ZANUtils/Base64Decoder.h"
 #include "ZANUtils/Base64Encoder.h"
 #include "ZANUtils/QVCFBase64.h"
+#include "fuzz/Fuzzing.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace {
 
 using namespace torka;
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using namespace torka::fuzz;
 
 std::vector<std::uint8_t> decodeInPieces(const char* text, std::size_t length, std::size_t piece) {
     Base64Decoder decoder;

@@ -1,21 +1,16 @@
 // The hexadecimal text of a protected note, of any content: the text or a clear error. And notes of any text
 // through the cipher and back.
 
+#include "fuzz/Fuzzing.h"
 #include "output/NoteCipher.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 
 namespace {
 
 using namespace torka;
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using namespace torka::fuzz;
 
 std::shared_ptr<const FieldKeys> makeKeys() {
     std::string list = "<plist version=\"1.0\"><dict><key>KeyOffsets</key><array>";

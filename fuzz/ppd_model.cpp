@@ -4,30 +4,20 @@
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "Settings.h"
-#include "platform/Log.h"
+#include "fuzz/Fuzzing.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace {
 
 using namespace torka;
-
-class NoLog : public LogSink {
-    void Line(std::string_view) override {}
-};
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using namespace torka::fuzz;
 
 // The file lives in memory, under a name that the file layer can open.
 class MemoryFile {

@@ -4,30 +4,18 @@
 #include "bidi/CFileHdlr.h"
 #include "bidi/RecordText.h"
 #include "bidi/SpoolerCommands.h"
-#include "bidi/StandardStreams.h"
+#include "fuzz/Fuzzing.h"
+#include "fuzz/QuietStreams.h"
 #include "tests/bidi/RecordOracle.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <string>
 
 namespace {
 
 using namespace torka;
-
-class NoStreams final : public StandardStreams {
-public:
-    void Output(std::string_view /*text*/) override {}
-    void Error(std::string_view /*text*/) override {}
-};
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using namespace torka::fuzz;
 
 std::optional<std::string> textOf(const RecordBlock& block, std::size_t size) {
     require(block ? block[size] == '\0' : size == 0);
@@ -47,8 +35,7 @@ void checkRequest(std::string_view text) {
 
 // The first line is the record's name, the rest is the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool quiet = (setStandardStreams(std::make_shared<NoStreams>()), true);
-    static_cast<void>(quiet);
+    quietStreams();
     const std::string input(reinterpret_cast<const char*>(data), size);
     const std::size_t end = std::min(input.find('\n'), input.size());
     const std::string name = input.substr(0, end);

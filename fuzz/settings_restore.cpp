@@ -2,24 +2,20 @@
 // stay within their capacities, the same settings give the same ticket again, and what was saved restores to
 // itself.
 
-#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "fuzz/PaneFuzzing.h"
 #include "output/FeatureEmission.h"
 #include "output/ZANJobTicket.h"
-#include "pane/PDEData.h"
-#include "platform/Log.h"
 #include "platform/PropertyList.h"
-#include "platform/memory/MemoryPrinting.h"
-#include "platform/memory/MemorySystem.h"
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 namespace {
 
 using namespace torka;
+using namespace torka::fuzz;
 
 // One control of each kind that has a step of its own, and a note for any text.
 constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
@@ -51,22 +47,6 @@ constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
 *%ZANJobNote *Notes1/Note: 255|UTF8
 *%Notes1: "(<*Notes1>)"
 )PPD";
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
-
-class NoLog : public LogSink {
-    void Line(std::string_view) override {}
-};
-
-class NoStore final : public PropertyListStore {
-public:
-    std::string Load() override { return {}; }
-    SaveResult Save(std::string_view) override { return {}; }
-};
 
 // The model of the description, parsed once; its file is gone afterwards.
 ZANPPD& model() {
@@ -100,12 +80,7 @@ std::string emitted(PDEData& data, const PMPrintSettings& settings) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    static const bool once = [] {
-        setLogSink(std::make_shared<NoLog>());
-        setSystem(std::make_unique<MemorySystem>());
-        return true;
-    }();
-    require(once);
+    quietPane();
     const auto values = cfCast<CFDictionary>(CFPropertyListCreateFromXMLData(CFDataCreate(bytes, size)));
     if (!values) {
         return 0;
@@ -115,12 +90,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         settings->SetValue(key, value, false);
     }
     model().SetAllValues(values);
-    PDEData data(&model(), cfString("Press"), QueueAccess{}, [] { return std::make_unique<NoStore>(); });
-    data.SetPrintSettings(settings);
+    const std::unique_ptr<PDEData> owned = paneData(model(), settings);
+    PDEData& data = *owned;
     data.RestoreNonPSSettings();
     data.SetIPAddressEnabled(true);
-    require(data.MixedMedia().size() <= 2048 && data.PadCovers().size() <= 16 &&
-            data.SlipSheets().size() <= 16 && data.CoverPages().size() <= 16);
+    requireWithinCapacities(data);
     const std::string ticket = emitted(data, settings);
     require(ticket == emitted(data, settings));
 

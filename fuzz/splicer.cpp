@@ -2,15 +2,17 @@
 // written once or reported. The first two bytes choose the cuts and the ticket.
 
 #include "spooler/Splicer.h"
+#include "fuzz/Fuzzing.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace {
+
+using torka::fuzz::require;
 
 struct Spliced {
     std::string text;
@@ -49,12 +51,6 @@ torka::Ticket makeTicket(unsigned choice) {
     add(6, torka::siteDriverComment, "%%ZANDriver\n");
     add(7, torka::siteLayoutComment, "%%Orientation: Portrait\n");
     return ticket;
-}
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
 }
 
 } // namespace

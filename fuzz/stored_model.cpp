@@ -7,21 +7,16 @@
 #include "PPDX/PPDObjects/Groups/PPDXGroups.h"
 #include "PPDX/PPDObjects/Properties/PPDXProperties.h"
 #include "Settings.h"
+#include "fuzz/Fuzzing.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace {
 
 using namespace torka;
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using namespace torka::fuzz;
 
 std::string emitted(PPDXControl& control) {
     const long announced = control.PostScript(nullptr);

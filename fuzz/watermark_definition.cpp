@@ -1,11 +1,11 @@
 // Definitions of any kind for every language and orientation: what comes out is the resource that harmless
 // values give, with other numbers, names and digits in it, and short enough for a job when the text is.
 
+#include "fuzz/Fuzzing.h"
 #include "output/WatermarkTemplates.h"
 #include "output/ZANWatermark.h"
 
 #include <array>
-#include <cstdlib>
 #include <map>
 #include <string>
 #include <tuple>
@@ -13,15 +13,10 @@
 namespace {
 
 using namespace torka;
+using namespace torka::fuzz;
 
 constexpr std::size_t jobLimit = 5120;
 constexpr std::size_t longestSafeText = 200; // bytes; one may become four, of two digits each
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 using Counts = std::array<std::size_t, 256>;
 

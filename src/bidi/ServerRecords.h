@@ -47,8 +47,8 @@ inline constexpr std::wstring_view absentTonerText = L"NULL";
 inline constexpr std::wstring_view absentTrayText = L"EMPTY";
 inline constexpr std::wstring_view emptyDefault = L"EMPTYSTRING";
 
-// Each reads one record text in one pass. False, with the first fault told, when the text is empty, holds
-// what is no character, or is not whole.
+// Each reads a record text in one pass behind a look at its characters. False, with the first fault told,
+// when the text is empty, holds what is no character, or is not whole.
 bool readToners(std::wstring_view text, std::vector<TonerView>& toners, RecordFault& fault);
 bool readTrays(std::wstring_view text, std::vector<TrayView>& trays, RecordFault& fault);
 bool readPresetNames(std::wstring_view text, std::vector<std::wstring_view>& names, RecordFault& fault);

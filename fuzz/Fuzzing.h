@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Log.h"
+
+#include <cstdlib>
+#include <string_view>
+
+// What the fuzz targets share.
+
+namespace torka::fuzz {
+
+inline void require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+class NoLog : public platform::LogSink {
+    void Line(std::string_view /*line*/) override {}
+};
+
+} // namespace torka::fuzz

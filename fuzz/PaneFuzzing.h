@@ -1,0 +1,45 @@
+#pragma once
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "fuzz/Fuzzing.h"
+#include "fuzz/QuietStreams.h"
+#include "pane/PDEData.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "platform/memory/MemorySystem.h"
+
+#include <memory>
+
+// A pane's data without a queue, for targets that fill it with hostile settings.
+
+namespace torka::fuzz {
+
+class NoStore final : public PropertyListStore {
+public:
+    std::string Load() override { return {}; }
+    SaveResult Save(std::string_view) override { return {}; }
+};
+
+// A system in memory and nothing told, from the first call on.
+inline void quietPane() {
+    static const bool once = [] {
+        setLogSink(std::make_shared<NoLog>());
+        setSystem(std::make_unique<MemorySystem>());
+        return true;
+    }();
+    require(once);
+    quietStreams();
+}
+
+inline std::unique_ptr<PDEData> paneData(ZANPPD& model, const PMPrintSettings& settings) {
+    auto data = std::make_unique<PDEData>(&model, cfString("Press"), QueueAccess{},
+                                          [] { return std::make_unique<NoStore>(); });
+    data->SetPrintSettings(settings);
+    return data;
+}
+
+inline void requireWithinCapacities(const PDEData& data) {
+    require(data.MixedMedia().size() <= 2048 && data.PadCovers().size() <= 16 &&
+            data.SlipSheets().size() <= 16 && data.CoverPages().size() <= 16);
+}
+
+} // namespace torka::fuzz
