@@ -9,7 +9,8 @@ namespace torka::tests {
 namespace {
 
 void put(const std::string& file, const std::string& record, const std::string& text) {
-    ASSERT_EQ(runCommand({TORKA_BINARY_DIR "/bin/torka", "record", "put", file, record}, text).status, 0);
+    const std::string tool = TORKA_BINARY_DIR "/bin/torka";
+    ASSERT_EQ(runCommand({tool, "record", "put", file, record}, text).status, 0);
 }
 
 bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }

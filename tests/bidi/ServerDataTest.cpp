@@ -58,7 +58,7 @@ Convert listBy(bool (*convert)(std::wstring_view, const ModuleMemory&, SDMKeyVal
         if (!convert(text, memory, list)) {
             return list ? "out-parameter" : "false";
         }
-        const std::string all = shown(list);
+        std::string all = shown(list);
         memory.FreeList(list);
         return all;
     };
@@ -120,7 +120,7 @@ std::string presetOf(std::wstring_view text, std::wstring_view name) {
     if (!GetServerPresetDataByNameToSDM(text, memory, name, job, tessel, preset)) {
         return job || tessel || preset ? "out-parameter" : "false";
     }
-    const std::string all = shown(job) + "|" + shown(tessel) + "|" + shown(preset);
+    std::string all = shown(job) + "|" + shown(tessel) + "|" + shown(preset);
     for (SDMKeyValueList* list : {job, tessel, preset}) {
         memory.FreeList(list);
     }
@@ -133,7 +133,7 @@ Convert textBy(const std::function<bool(std::wstring_view, wchar_t*&)>& convert)
         if (!convert(text, out)) {
             return out ? "out-parameter" : "false";
         }
-        const std::string all = shown(out);
+        std::string all = shown(out);
         memory.Free(out);
         return all;
     };
@@ -145,7 +145,7 @@ Convert serverInfo(int item) {
     });
 }
 
-Convert featureValue(std::wstring key) {
+Convert featureValue(const std::wstring& key) {
     return textBy([key](std::wstring_view text, wchar_t*& out) {
         return GetServerFeatureValueToSDM(text, memory, key, out);
     });
@@ -157,7 +157,7 @@ std::string calibration(std::wstring_view text) {
     if (!GetCalibrationToSDM(text, memory, first, second)) {
         return first || second ? "out-parameter" : "false";
     }
-    const std::string all = shown(first) + "|" + shown(second);
+    std::string all = shown(first) + "|" + shown(second);
     memory.Free(first);
     memory.Free(second);
     return all;
@@ -170,7 +170,7 @@ std::string overrides(std::wstring_view text) {
     if (!GetDMTOverridesToSDM(text, memory, job, locked, hidden)) {
         return job || locked || hidden ? "out-parameter" : "false";
     }
-    const std::string all = shown(job) + "|" + shown(locked) + "|" + shown(hidden);
+    std::string all = shown(job) + "|" + shown(locked) + "|" + shown(hidden);
     for (SDMKeyValueList* list : {job, locked, hidden}) {
         memory.FreeList(list);
     }
@@ -496,13 +496,35 @@ TEST(ServerDataXml, OfTheServerIsWellFormed) {
                                  "'QVFinisherUnit''<Finisher>'\n'QVFolderUnit'''\n");
 }
 
+TEST(ServerData, SamplesAreWhole) {
+    const auto sample = [](const std::string& name) {
+        return wideFromUtf8(tests::readFile(TORKA_SOURCE_DIR "/samples/server-data/" + name));
+    };
+    for (const auto& [name, convert] : std::initializer_list<std::pair<std::string, Convert>>{
+             {"data.ja/CDIHelpStrings", listBy(GetLoclHelpStringsToSDM)},
+             {"data/CDIHelpStrings", listBy(GetLoclHelpStringsToSDM)},
+             {"data/ColorDefaultList", listBy(QueueDefaultsToSDM)},
+             {"data/DeviceLinkProfilesList", listBy(GetAllDeviceLinkProfilesToSDM)},
+             {"data/HueKeeper", listBy(UpdateHueKeeperOptionsToSDM)},
+             {"data/ListLockedKeys", listBy(QueueDefaultsToSDM)},
+             {"data/PpdDefaults", listBy(PPDDefaultsToSDM)},
+             {"data/QueuePropList", listBy(QueueDefaultsToSDM)},
+             {"data/ServerFeatureSupport", featureValue(L"JobTracking")},
+             {"data/ServerValFrmDict", listBy(GetServerInfoAllToSDM)},
+             {"ppd/QVServerInfo", serverInfo(0)}}) {
+        EXPECT_NE(convert(sample(name)), "false") << name;
+    }
+    EXPECT_EQ(readByPython(sample("data/BidiData")).find("en||press-floor-2|Driver|admin|UTF8\n"), 0U);
+}
+
 TEST(ServerData, MarksAndLettersTakeTurns) {
     const std::string mark(narrowMark);
-    for (const std::string& text : {mark + "a" + mark, std::string("a") + mark, std::string(), mark}) {
+    const std::string twice = utf8FromWide(wideMark) + "a" + mark;
+    for (const std::string& text : {twice, twice.substr(mark.size()), std::string(), mark}) {
         EXPECT_EQ(withMarks(withMarkLetters(text)), text);
         EXPECT_EQ(withMarks(withMarkLetters(wideFromUtf8(text))), wideFromUtf8(text));
     }
-    EXPECT_EQ(withMarkLetters(mark + "a" + mark), "EFBBBFaEFBBBF");
+    EXPECT_EQ(withMarkLetters(twice), "EFBBBFaEFBBBF");
     EXPECT_EQ(withMarks("aEFBBBF"), "aEFBBBF");
 }
 
