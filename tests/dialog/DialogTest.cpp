@@ -1,0 +1,215 @@
+#include "apps/print-dialog/JobProgress.h"
+#include "apps/print-dialog/PrintRun.h"
+#include "platform/cups/CupsSpooler.h"
+#include "platform/posix/PosixBundle.h"
+#include "platform/posix/PosixSystem.h"
+#include "tests/apps/Tool.h"
+#include "tests/e2e/Sandbox.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QTimer>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+// The pane in the toolkit's own print dialog, over a private print server, as a person uses it.
+
+namespace torka::tests {
+
+namespace {
+
+using dialog::PrintDialog;
+
+const std::string& productionQueue() {
+    static const std::string name = "Production";
+    return name;
+}
+
+class DialogTest : public SandboxTest {
+protected:
+    void SetUp() override {
+        SandboxTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) {
+            return;
+        }
+        setenv("XDG_CONFIG_HOME", (*sandbox / "config").c_str(), 1);
+        PosixSystemOptions options;
+        options.rootFromEnvironment = true;
+        setSystem(std::make_unique<PosixSystem>(options));
+        setSpooler(std::make_unique<CupsSpooler>());
+        std::string problem;
+        bundle = openBundle(TORKA_BUNDLE, problem);
+        ASSERT_TRUE(bundle) << problem;
+        plugIn = bundle->InstantiatePrincipalClass(problem);
+        ASSERT_TRUE(plugIn && plugIn->initWithBundle(bundle)) << problem;
+        AddQueue(productionQueue(), samplePath("torka-production.ppd"));
+    }
+
+    static void AddQueue(const std::string& name, const std::string& description) {
+        const CommandResult result = runTool({"queue", "add", name, "torkasink:/", description});
+        ASSERT_EQ(result.status, 0) << result.errors;
+    }
+
+    // A dialog that is shown, with the pane in front.
+    struct Shown {
+        QPrinter printer;
+        std::unique_ptr<PrintDialog> dialog;
+        PrintDialog* operator->() const { return dialog.get(); }
+    };
+    std::unique_ptr<Shown> Open(const std::string& queue = productionQueue()) {
+        auto shown = std::make_unique<Shown>();
+        shown->dialog = std::make_unique<PrintDialog>(shown->printer, *plugIn, "brochure.ps");
+        EXPECT_TRUE((*shown)->chooseQueue(queue));
+        (*shown)->show();
+        (*shown)->showPane();
+        QTest::qWait(100); // what is deferred until after the first painting
+        return shown;
+    }
+
+    // The visible field of a setting.
+    template <class Widget>
+    static Widget* Field(PrintDialog& dialog, const char* keyword) {
+        const QList<Widget*> fields = dialog.tab().findChildren<Widget*>(QLatin1String(keyword));
+        for (Widget* field : fields) {
+            if (field->isVisible()) {
+                return field;
+            }
+        }
+        return nullptr;
+    }
+
+    static void ShowPage(PrintDialog& dialog, const char* title) {
+        auto* pages = dialog.tab().findChild<QListWidget*>();
+        ASSERT_NE(pages, nullptr);
+        const QList<QListWidgetItem*> found = pages->findItems(QLatin1String(title), Qt::MatchExactly);
+        ASSERT_EQ(found.size(), 1) << title;
+        pages->setCurrentItem(found.front());
+        QTest::qWait(20);
+    }
+
+    // With the keyboard, as far as the choice's first letters go.
+    static void Choose(PrintDialog& dialog, const char* keyword, const char* choice) {
+        auto* box = Field<QComboBox>(dialog, keyword);
+        ASSERT_NE(box, nullptr) << keyword;
+        box->setFocus();
+        QTest::keyClicks(box, QLatin1String(choice));
+        ASSERT_EQ(box->currentText().toStdString(), choice);
+        QTest::qWait(10);
+    }
+
+    // The print button; answers the job's number and follows the job to its end.
+    int Print(PrintDialog& dialog) {
+        auto* buttons = dialog.findChild<QDialogButtonBox*>();
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        EXPECT_EQ(dialog.result(), QDialog::Accepted);
+        QString error;
+        dialog::Document document;
+        EXPECT_TRUE(dialog::openDocument(QString::fromStdString(samplePath("brochure.ps")), document, error));
+        const int job = dialog::submitDocument(document, dialog, error);
+        EXPECT_NE(job, 0) << error.toStdString();
+        dialog::JobProgress progress(dialog.queue(), job, document.name);
+        QTimer::singleShot(20000, &progress, &QDialog::reject); // a job that never ends fails the test
+        EXPECT_EQ(progress.exec(), QDialog::Accepted) << progress.status().message;
+        EXPECT_EQ(progress.status().state, jobStateCompleted);
+        return job;
+    }
+
+    BundleRef bundle;
+    std::unique_ptr<PDEPlugIn> plugIn;
+};
+
+TEST_F(DialogTest, WhatIsSetReachesTheDeviceAndComesBackInTheNextDialog) {
+    int job = 0;
+    {
+        const auto shown = Open();
+        PrintDialog& dialog = *shown->dialog;
+        ASSERT_TRUE(dialog.tab().hasPanel());
+        Choose(dialog, "*QVStaple", "Saddle Stitch");
+        auto* note = Field<QLineEdit>(dialog, "*Notes1");
+        ASSERT_NE(note, nullptr);
+        QTest::keyClicks(note, "Two proofs");
+        ShowPage(dialog, "Paper and Job");
+        Choose(dialog, "*MediaType", "Coated");
+        dialog.findChild<QSpinBox*>("copies")->setValue(2);
+        job = Print(dialog);
+    }
+    const std::string printed = sandbox->Printed(job);
+    for (const char* expected : {"%%BeginFeature: *QVStaple Saddle", "%%BeginFeature: *MediaType Coated",
+                                 "Two proofs", "/RMXsetStaple /Saddle"}) {
+        EXPECT_NE(printed.find(expected), std::string::npos) << expected;
+    }
+    const auto shown = Open();
+    EXPECT_EQ(Field<QComboBox>(*shown->dialog, "*QVStaple")->currentText(), "Saddle Stitch");
+    EXPECT_EQ(Field<QLineEdit>(*shown->dialog, "*Notes1")->text(), "Two proofs");
+}
+
+TEST_F(DialogTest, AForbiddenChoiceIsGreyAndSaysWhy) {
+    const auto shown = Open();
+    PrintDialog& dialog = *shown->dialog;
+    ShowPage(dialog, "Finishing");
+    auto* box = Field<QComboBox>(dialog, "*QVTrimSides");
+    ASSERT_NE(box, nullptr);
+    // The trimmer is not installed: the choice is grey, and its tooltip says what forbids it.
+    const int face = box->findText("Fore-edge", Qt::MatchContains);
+    ASSERT_GE(face, 0);
+    EXPECT_FALSE(box->itemData(face, Qt::ToolTipRole).toString().isEmpty());
+    const QModelIndex index = box->model()->index(face, 0);
+    EXPECT_FALSE(box->model()->flags(index).testFlag(Qt::ItemIsEnabled));
+}
+
+TEST_F(DialogTest, OtherQueuesHaveAPageThatSaysWhyAndStillPrint) {
+    AddQueue("Defects", samplePath("torka-defects.ppd"));
+    const auto shown = Open("Defects");
+    PrintDialog& dialog = *shown->dialog;
+    EXPECT_FALSE(dialog.tab().hasPanel());
+    auto* text = qobject_cast<QLabel*>(dialog.tab().currentWidget());
+    ASSERT_NE(text, nullptr);
+    EXPECT_TRUE(text->text().contains("Defects"));
+    EXPECT_NE(Print(dialog), 0);
+}
+
+TEST_F(DialogTest, ThePaneFollowsThePrinter) {
+    AddQueue("Second", samplePath("torka-production.ppd"));
+    AddQueue("Defects2", samplePath("torka-defects.ppd"));
+    const auto shown = Open();
+    PrintDialog& dialog = *shown->dialog;
+    Choose(dialog, "*QVStaple", "Saddle Stitch");
+    // Another queue of the same description takes the settings over; one without a pane keeps none of it.
+    ASSERT_TRUE(dialog.chooseQueue("Second"));
+    QTest::qWait(50);
+    ASSERT_TRUE(dialog.tab().hasPanel());
+    EXPECT_EQ(Field<QComboBox>(dialog, "*QVStaple")->currentText(), "Saddle Stitch");
+    ASSERT_TRUE(dialog.chooseQueue("Defects2"));
+    EXPECT_FALSE(dialog.tab().hasPanel());
+    ASSERT_TRUE(dialog.chooseQueue(productionQueue()));
+    EXPECT_TRUE(dialog.tab().hasPanel());
+}
+
+TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
+    for (int i = 0; i < 5; ++i) { // LeakSanitizer looks at the end
+        const auto shown = Open();
+        ASSERT_TRUE(shown->dialog->tab().hasPanel());
+        shown->dialog->reject();
+    }
+}
+
+} // namespace
+
+} // namespace torka::tests
+
+int main(int argc, char** argv) {
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("LC_ALL", "C.UTF-8", 1);
+    testing::InitGoogleTest(&argc, argv);
+    // The server's address is in the environment before the toolkit asks for it.
+    const QApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}
