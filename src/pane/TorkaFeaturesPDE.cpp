@@ -101,7 +101,13 @@ std::string TorkaFeaturesPDE::WindowTitle() const {
     return LocalizedString("Printing Preferences", "Printing Preferences", "BidiStrings");
 }
 
-WaitObserver TorkaFeaturesPDE::Observer() { return ScopedWait::Observer(); }
+// The module's wait is over, and what shows it is gone, before the module's window opens: the scope ends with
+// the last copy of the observer.
+WaitObserver TorkaFeaturesPDE::Observer() {
+    return [wait = std::make_shared<ScopedWait>()](const WaitProgress& progress) {
+        ScopedWait::Observer()(progress);
+    };
+}
 
 bool TorkaFeaturesPDE::isQuickAccessOff() const { return self.myPDEData->dmtHides("QVQuickAccess"); }
 

@@ -38,8 +38,8 @@ bool TorkaFeaturesPDE::saveValuesAndReturnError(std::string* /*error*/) {
     sendDeferredCommands();
     self.printSettings = self.pdePluginCallbackObject->printSettings();
     self.myPDEData->SetPrintSettings(self.printSettings);
-    // The pairs' keys carry their asterisk, so none of them is the name that is looked for. The comparison is
-    // kept as it is.
+    // A pair's key carries its asterisk until the Job Properties module names it, and is then the one that is
+    // looked for.
     for (const WideSetting& pair : self.myPDEData->AccountPairs()) {
         if (utf8FromWide(pair.key) == "QVPCName") {
             PMPrintSettingsSetValue(self.printSettings, cfString("*QVPCName"),
