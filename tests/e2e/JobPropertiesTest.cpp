@@ -1,0 +1,299 @@
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "bidi/JobPropertiesLibrary.h"
+#include "connection/BonjourModuleController.h"
+#include "output/BundleIdentifier.h"
+#include "pane/BundleHelpers.h"
+#include "pane/PDEData.h"
+#include "pane/TorkaFeaturesPDE.h"
+#include "pane/UI_Panel.h"
+#include "pane/WaitPresenter.h"
+#include "platform/cups/CupsQueue.h"
+#include "platform/memory/MemoryAlerts.h"
+#include "platform/memory/MemoryBundle.h"
+#include "platform/memory/MemoryPrinting.h"
+#include "platform/posix/PosixLibraryLoader.h"
+#include "tests/e2e/ServerData.h"
+
+#include <chrono>
+#include <gmock/gmock.h>
+#include <thread>
+
+// The full properties, from the pane over a real server and its filter to the sample module in a library of
+// its own, and back: into the model, and from there into the job that is printed. And every other way in
+// which that can end, with the pane usable after each.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+constexpr const char* controller = "10.0.0.8";
+
+class Dialog final : public PDEPlugInCallback {
+public:
+    explicit Dialog(const std::string& queue)
+        : session(std::make_shared<CupsSession>(queue)) {
+        session->CurrentPrinter(printer);
+    }
+    PMPrintSession printSession() const override { return session; }
+    PMPrintSettings printSettings() const override { return settings; }
+    PMPageFormat pageFormat() const override { return format; }
+    std::shared_ptr<Printer> PMPrinter() const override { return printer; }
+
+    std::shared_ptr<CupsSession> session;
+    std::shared_ptr<Printer> printer;
+    std::shared_ptr<MemoryPrintSettings> settings = std::make_shared<MemoryPrintSettings>();
+    std::shared_ptr<MemoryPageFormat> format = std::make_shared<MemoryPageFormat>();
+};
+
+// A person who sees what is waited for, and stops it after a while.
+class Person final : public WaitPresenter {
+public:
+    void Begin() override {
+        shown.clear();
+        static_cast<PosixSystem&>(platform::system()).ClearCancel();
+    }
+    void Show(const WaitProgress& progress) override {
+        shown.push_back(progress.what);
+        if (patience > 0 && std::ranges::count(shown, WaitFor::moduleReady) >= patience) {
+            static_cast<PosixSystem&>(platform::system()).Cancel();
+        }
+    }
+    void End() override { ++waitsEnded; }
+    int patience = 0; // waits for the module that are borne, 0: all
+    int waitsEnded = 0;
+    std::vector<WaitFor> shown;
+};
+
+// Where the bundle and the module lie. One for the process, as the bundle found first is kept.
+const TemporaryFolder& installed() {
+    static const TemporaryFolder folder;
+    return folder;
+}
+
+class JobProperties : public ServerData {
+protected:
+    void SetUp() override {
+        ServerData::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        bundle->identifier = utf8Text(GetBundleID());
+        bundle->path = installed() / "TorkaFeatures.bundle";
+        std::filesystem::create_directories(bundle->path / "Contents");
+        std::filesystem::copy_file(TORKA_SOURCE_DIR "/bundle/PrinterList.plist",
+                                   bundle->path / "Contents/PrinterList.plist",
+                                   std::filesystem::copy_options::overwrite_existing);
+        registerBundle(bundle);
+        setLibraryLoader(std::make_unique<PosixLibraryLoader>());
+        auto presenter = std::make_unique<MemoryAlerts>();
+        alertsShown = presenter.get();
+        setAlerts(std::move(presenter));
+        auto waits = std::make_unique<Person>();
+        person = waits.get();
+        setWaitPresenter(std::move(waits));
+        Install(TORKA_SAMPLE_MODULE, installed());
+        Give(controller, "data", "TrayInfo",
+             "2\nUpper@Tray1@Card@A3@Heavy@White@120@500\nBypass@Bypass@EMPTY@EMPTY@EMPTY@EMPTY@-3@-2\n");
+        Give(controller, "data", "TonerInfo", "1\nCyan@40@10@#00ffff@95@20000@1\n");
+        Give(controller, "data", "PresetsList", "1\nGlossy\n");
+        Give(controller, "data", "PresetsData",
+             "Glossy\nJPKeyValues=2\nQVDuplex=ShortEdge\nQVOutProfile=Of the server\n"
+             "TesselKeyValues=0\nPresetKeyValues=0\n");
+    }
+    void TearDown() override {
+        panel.reset();
+        unloadJobPropertiesLibrary();
+        unsetenv("TORKA_JP_SCRIPT");
+        setWaitPresenter(nullptr);
+        setAlerts(nullptr);
+        setLibraryLoader(nullptr);
+        ServerData::TearDown();
+    }
+
+    // Puts the bundle into a folder, and a module ("" for none) beside it. A library stays in the process
+    // under its path, so each has a folder of its own.
+    void Install(const std::string& library, const TemporaryFolder& place) const {
+        unloadJobPropertiesLibrary();
+        bundle->path = place / "TorkaFeatures.bundle";
+        if (!library.empty()) {
+            std::filesystem::remove(place / moduleFileName);
+            std::filesystem::create_symlink(library, place / moduleFileName);
+        }
+    }
+    void Open(const std::string& queue, const char* address = controller) {
+        AddQueue(queue);
+        dialog = std::make_shared<Dialog>(queue);
+        panel = TorkaFeaturesPDE::initWithCallback(dialog);
+        ASSERT_TRUE(panel);
+        ASSERT_TRUE(panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString(address), true));
+    }
+    // Opens the full properties, with a window that obeys these lines; what the script's report says. Without
+    // asking the server anew the data are those that were read last.
+    std::string Launch(const std::string& script, bool asksServer = true) {
+        const std::filesystem::path path = folder.Write("window.script", script);
+        setenv("TORKA_JP_SCRIPT", path.c_str(), 1);
+        alertsShown->shown.clear();
+        panel->GetUI_PanelPtr()->setReturnFromJP(0);
+        if (asksServer) {
+            panel->launchFullProperties();
+        } else {
+            panel->GetUI_PanelPtr()->LaunchJobProperties(0);
+        }
+        const std::filesystem::path report = path.string() + ".report";
+        return std::filesystem::exists(report) ? readFile(report) : std::string();
+    }
+    std::string Value(const char* keyword) const {
+        return utf8Text(panel->getPPDPtr()->CopyValueForKey(cfString(keyword)));
+    }
+    std::string Alerts() const {
+        std::string titles;
+        for (const AlertText& alert : alertsShown->shown) {
+            titles += alert.title + "\n";
+        }
+        return titles;
+    }
+    // What a job prints with the settings as they are now.
+    std::string Print(const std::string& queue) {
+        EXPECT_TRUE(panel->shouldPrint());
+        const auto ticket = cfCast<CFString>(dialog->settings->Value(cfString(ticketPathSetting)));
+        std::string error;
+        const int job = submitFile(queue, samplePath("plain.ps"), "proof",
+                                   {{std::string(ticketPathSetting), utf8Text(ticket)}}, error);
+        EXPECT_NE(job, 0) << error;
+        for (int i = 0; i < 250 && !jobStatus(job).IsOver(); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return sandbox->Printed(job);
+    }
+
+    TemporaryFolder folder;
+    std::shared_ptr<MemoryBundle> bundle = std::make_shared<MemoryBundle>();
+    std::shared_ptr<Dialog> dialog;
+    std::shared_ptr<TorkaFeaturesPDE> panel;
+    MemoryAlerts* alertsShown = nullptr;
+    Person* person = nullptr;
+};
+
+TEST_F(JobProperties, ChangedSettingsReachTheJob) {
+    Open("Properties");
+    const std::string report =
+        Launch("print trays\nprint toner\nprint presets\n"
+               "set Notes1 from the module\nset QVScale 141\n"
+               "watermark add 0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,PROOF\n"
+               "watermark select 0\nset *QV_COPIES 3\nset SlipSheet_Tray Upper\npreset Glossy\n"
+               "print settings\nresult 0\n");
+    EXPECT_THAT(report, HasSubstr("Upper\tTray1\tCard\tA3\tHeavy\tWhite\t120\t500"));
+    EXPECT_THAT(report, HasSubstr("Cyan\t1\t40\t10\t95\t20000\t#00ffff"));
+    EXPECT_THAT(report, HasSubstr("Glossy"));
+    EXPECT_EQ(Alerts(), "");
+    EXPECT_EQ(Value("*QVDuplex"), "ShortEdge");
+    EXPECT_EQ(Value("*QVOutProfile"), "Of the server");
+    EXPECT_EQ(Value("*Notes1"), "from the module");
+    EXPECT_EQ(Value("*PresetName"), "Glossy");
+    EXPECT_EQ(dialog->settings->Copies(), 3u);
+
+    const std::string printed = Print("Properties");
+    EXPECT_THAT(printed, StartsWith("%!PS"));
+    for (const char* part : {"%%BeginFeature: *QVDuplex ShortEdge", "*QVOutProfile Of the server",
+                             "%%ZANCustom1: from the module", "%%BeginFeature: *QVScale 141",
+                             "%%BeginFeature: *SlipSheet_Tray Upper", "%%ZAN Begin Watermark resource"}) {
+        EXPECT_THAT(printed, HasSubstr(part));
+    }
+
+    // Nothing is lost on a second way round, and a person who changes nothing changes nothing.
+    const CFDictionaryRef values = panel->getPPDPtr()->CopyAllValues();
+    Launch("result 0\n");
+    EXPECT_TRUE(CFEqual(panel->getPPDPtr()->CopyAllValues(), values));
+    EXPECT_EQ(panel->GetPDEDataPtr()->Watermarks().Count(), 1u);
+    EXPECT_EQ(panel->GetPDEDataPtr()->SlipSheets().size(), 1u);
+}
+
+TEST_F(JobProperties, EveryOtherEndLeavesThePaneUsable) {
+    Open("Ends");
+    panel->getPPDPtr()->SetValueForKey(cfString("*Notes1"), cfString("as it was"));
+    const CFDictionaryRef before = panel->getPPDPtr()->CopyAllValues();
+    const std::string change = "set QVDuplex ShortEdge\nset Notes1 changed\n";
+    struct Case {
+        const char* what;
+        std::string script;
+        const char* duplex; // null: nothing may have changed
+        const char* alert;
+        int patience;
+    };
+    const std::string invalid = "You have entered an invalid IP Address or DNS Name\n";
+    const Case cases[] = {
+        {"cancelled", change + "result 1\n", nullptr, "", 0},
+        {"refused address", change + "result 2\n", nullptr, invalid.c_str(), 0},
+        {"nonsense for a result", change + "result -9\n", nullptr, invalid.c_str(), 0},
+        {"a window that does not open", change + "open-fail\n", nullptr, "", 0},
+        {"no list", change + "return-null\n", nullptr, "", 0},
+        {"a list that fails", change + "get-fail\n", nullptr, "", 0},
+        {"never ready, stopped", "not-ready forever\n" + change, nullptr, "", 3},
+        {"3,500 entries", "set QVDuplex ShortEdge\nreturn-count 3500\n", "ShortEdge", "", 0},
+        {"overlong",
+         "overlong Notes1 1000000\noverlong QVOutProfile 1000000\noverlong QVScale 5000\n"
+         "set QVDuplex ShortEdge\n",
+         "ShortEdge", "", 0},
+        {"garbage", "garbage\nset QVDuplex ShortEdge\nset QVScale %n%s\nset QVStaple Everywhere\n",
+         "ShortEdge", "", 0},
+        {"an end that fails", "end-fail\nset QVDuplex ShortEdge\n", "ShortEdge", "", 0},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.what);
+        panel->getPPDPtr()->SetAllValues(before);
+        person->patience = each.patience;
+        Launch(each.script, &each == &cases[0]);
+        EXPECT_EQ(panel->GetUI_PanelPtr()->getReturnFromJP(), 1);
+        EXPECT_EQ(Alerts(), each.alert);
+        EXPECT_FALSE(gIgnoreButtonEvents);
+        if (each.duplex) {
+            EXPECT_EQ(Value("*QVDuplex"), each.duplex);
+            EXPECT_EQ(Value("*QVScale"), "100");
+            EXPECT_LE(Value("*Notes1").size(), 1000u);
+            EXPECT_LE(panel->GetPDEDataPtr()->MixedMediaList().Count(), 2048u);
+        } else {
+            EXPECT_TRUE(CFEqual(panel->getPPDPtr()->CopyAllValues(), before));
+        }
+    }
+    EXPECT_THAT(Print("Ends"), StartsWith("%!PS"));
+}
+
+TEST_F(JobProperties, AControllerThatIsNotThereIsDoneWithout) {
+    Open("Away", "10.99.99.99");
+    alertsShown->answer = AlertButton::alternateButton; // cancel
+    Launch("result 0\n");
+    EXPECT_EQ(panel->GetUI_PanelPtr()->getReturnFromJP(), 0);
+    EXPECT_EQ(alertsShown->shown.size(), 1u);
+    alertsShown->answer = AlertButton::defaultButton; // continue
+    const std::string report = Launch("print trays\nprint serverdata\nset QVDuplex ShortEdge\n");
+    EXPECT_EQ(panel->GetUI_PanelPtr()->getReturnFromJP(), 1);
+    EXPECT_FALSE(panel->GetPDEDataPtr()->isBIDIEnabled());
+    EXPECT_THAT(report, HasSubstr("[trays] not offered"));
+    EXPECT_THAT(report, HasSubstr("InstalledOptions key=\"QVFinisherUnit\" value=\"Saddle\""));
+    EXPECT_EQ(Value("*QVDuplex"), "ShortEdge");
+}
+
+TEST_F(JobProperties, AModuleThatIsMissingOrBrokenNeverStarts) {
+    Open("Without");
+    const CFDictionaryRef before = panel->getPPDPtr()->CopyAllValues();
+    const std::string text = folder.Write("no library", "text").string();
+    for (const std::string& library : {std::string(), std::string(TORKA_INCOMPLETE_MODULE), text}) {
+        SCOPED_TRACE(library);
+        const TemporaryFolder place;
+        Install(library, place);
+        Launch("set QVDuplex ShortEdge\n");
+        EXPECT_EQ(Alerts(), "The full properties are not installed\n");
+        EXPECT_EQ(panel->GetUI_PanelPtr()->getReturnFromJP(), 0);
+        EXPECT_TRUE(CFEqual(panel->getPPDPtr()->CopyAllValues(), before));
+    }
+    Install(TORKA_SAMPLE_MODULE, installed());
+    Launch("set QVDuplex ShortEdge\n");
+    EXPECT_EQ(Value("*QVDuplex"), "ShortEdge");
+}
+
+} // namespace
+
+} // namespace torka::tests
