@@ -21,6 +21,14 @@ constexpr int busyRange = 0;
 
 bool cancelled = false;
 bool isShown = false;
+QEventLoop* innermostLoop = nullptr; // of the waits under way
+
+void cancel() {
+    cancelled = true;
+    if (innermostLoop != nullptr) {
+        innermostLoop->quit();
+    }
+}
 
 struct WaitText {
     const char* key;
@@ -79,7 +87,7 @@ void WaitDialog::Show(const WaitProgress& progress) {
         dialog->setAutoReset(false);
         dialog->setAutoClose(false);
         dialog->setMinimumDuration(0);
-        QObject::connect(dialog, &QProgressDialog::canceled, dialog, [] { cancelled = true; });
+        QObject::connect(dialog, &QProgressDialog::canceled, dialog, &cancel);
         dialog->show();
         isShown = true;
     }
@@ -115,7 +123,9 @@ bool WaitDialog::wait(milliseconds duration) {
     }
     QEventLoop loop;
     QTimer::singleShot(duration, &loop, &QEventLoop::quit);
+    QEventLoop* const outer = std::exchange(innermostLoop, &loop);
     loop.exec(isShown ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
+    innermostLoop = outer;
     return !cancelled;
 }
 

@@ -1,3 +1,4 @@
+#include "bundle/WaitDialog.h"
 #include "output/BundleIdentifier.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/posix/LanguageFolders.h"
@@ -6,6 +7,8 @@
 #include "tests/support/TestSupport.h"
 
 #include <QApplication>
+#include <QProgressDialog>
+#include <QPushButton>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -344,6 +347,46 @@ TEST_F(BundleTest, EveryLanguageHasEveryText) {
     EXPECT_EQ(bidi.at("IP_NOT_CONFIG"), "The IP Address or DNS Name must be assigned.");
     EXPECT_EQ(bidi.at("INVALID_IP_ADDRESS"), "You have entered an invalid IP Address or DNS Name");
     EXPECT_EQ(bidi.at("PRESS_OKAY"), "Press OK to enter a new IP Address or DNS Name.");
+}
+
+QProgressDialog* shownWait() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        auto* dialog = qobject_cast<QProgressDialog*>(window);
+        if (dialog != nullptr && dialog->isVisible()) {
+            return dialog;
+        }
+    }
+    return nullptr;
+}
+
+TEST(WaitDialog, ShowsLongWaitsAndCanBeCancelled) {
+    using std::chrono::milliseconds;
+    constexpr milliseconds limit{36000};
+    WaitDialog waits(nullptr);
+    waits.Begin();
+    waits.Show({WaitFor::commandJob, milliseconds(300), limit});
+    EXPECT_EQ(shownWait(), nullptr);
+    EXPECT_TRUE(WaitDialog::wait(milliseconds(5)));
+    waits.Show({WaitFor::commandJob, milliseconds(500), limit});
+    ASSERT_NE(shownWait(), nullptr);
+    EXPECT_EQ(shownWait()->value(), 500);
+    waits.Show({WaitFor::lockFile, limit * 2, limit}); // past its limit it neither ends nor resets
+    ASSERT_NE(shownWait(), nullptr);
+    waits.Show({WaitFor::dataFile, milliseconds(900), milliseconds(0)});
+    EXPECT_EQ(shownWait()->maximum(), 0);
+    auto* button = shownWait()->findChild<QPushButton*>();
+    ASSERT_NE(button, nullptr);
+    QTimer::singleShot(5, button, &QPushButton::click);
+    EXPECT_FALSE(WaitDialog::wait(std::chrono::hours(1)));
+    EXPECT_FALSE(WaitDialog::wait(milliseconds(0)));
+    waits.End();
+    EXPECT_EQ(shownWait(), nullptr);
+    waits.Begin();
+    EXPECT_TRUE(WaitDialog::wait(milliseconds(1)));
+    // One that is never told to end goes by itself.
+    waits.Show({WaitFor::moduleReady, milliseconds(500), limit});
+    EXPECT_TRUE(WaitDialog::wait(std::chrono::seconds(1)));
+    EXPECT_EQ(shownWait(), nullptr);
 }
 
 } // namespace
