@@ -21,30 +21,8 @@
 namespace torka {
 namespace {
 
-// Reasons are looked up when they are asked for: a sweep only says which choices are forbidden.
-QString reasonsFor(const PaneContext& context, const PPDXControl& control,
-                   const std::vector<bool>& forbidden) {
-    if (std::ranges::find(forbidden, true) == forbidden.end()) {
-        return {};
-    }
-    constexpr int mostLines = 12;
-    QStringList lines;
-    const std::vector<PaneChoice> choices = choicesOf(control);
-    int more = 0;
-    for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
-        if (!forbidden[i]) {
-            continue;
-        }
-        if (lines.size() < mostLines) {
-            lines.append(whyForbidden(context, control, choices[i]));
-        } else {
-            ++more;
-        }
-    }
-    if (more > 0) {
-        lines.append(context.Say(words::moreReasons, QString::number(more)));
-    }
-    return lines.join(QLatin1Char('\n'));
+bool anyOf(const std::vector<bool>& forbidden) {
+    return std::ranges::find(forbidden, true) != forbidden.end();
 }
 
 } // namespace
@@ -162,11 +140,11 @@ void PopupRow::UpdateValue() {
     box->setToolTip(box->currentText().size() > longText ? plainToolTip(box->currentText()) : QString());
 }
 
-QString PopupRow::UpdateAllowed() {
+bool PopupRow::UpdateAllowed() {
     std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
-    const QString why = reasonsFor(context, *field.control, forbidden);
+    const bool any = anyOf(forbidden);
     choices->SetState(std::move(forbidden), static_cast<std::size_t>(std::max(box->currentIndex(), 0)));
-    return why;
+    return any;
 }
 
 CheckRow::CheckRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
@@ -180,7 +158,7 @@ void CheckRow::UpdateValue() {
     box->setChecked(static_cast<const PPDXBooleanControl*>(field.control)->IsTrue());
 }
 
-QString CheckRow::UpdateAllowed() {
+bool CheckRow::UpdateAllowed() {
     const std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
     const std::size_t present = box->isChecked() ? 0 : 1;
     const std::size_t other = 1 - present;
@@ -191,7 +169,7 @@ QString CheckRow::UpdateAllowed() {
     // In conflict already, the box must not be locked into its state.
     box->setEnabled(why.isEmpty() || forbidden[present]);
     setPlainToolTip(*box, why);
-    return why;
+    return !why.isEmpty();
 }
 
 // A combo box whose items are ticked one by one; its list stays open meanwhile.
@@ -309,7 +287,7 @@ void SeveralChoicesRow::UpdateValue() {
     setPlainToolTip(*box, value);
 }
 
-QString SeveralChoicesRow::UpdateAllowed() {
+bool SeveralChoicesRow::UpdateAllowed() {
     const std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
     updating = true;
     for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
@@ -319,7 +297,7 @@ QString SeveralChoicesRow::UpdateAllowed() {
                                       : QString());
     }
     updating = false;
-    return reasonsFor(context, *field.control, forbidden);
+    return anyOf(forbidden);
 }
 
 } // namespace torka

@@ -19,7 +19,7 @@ public:
 
 private:
     void UpdateValue() override;
-    QString UpdateAllowed() override;
+    bool UpdateAllowed() override;
 
     QComboBox* box;
     ChoiceModel* choices;
@@ -32,7 +32,7 @@ public:
 
 private:
     void UpdateValue() override;
-    QString UpdateAllowed() override;
+    bool UpdateAllowed() override;
 
     QCheckBox* box;
 };
@@ -44,7 +44,7 @@ public:
 
 private:
     void UpdateValue() override;
-    QString UpdateAllowed() override;
+    bool UpdateAllowed() override;
     void MakeItems();
     void TakeTicks();
 

@@ -12,16 +12,49 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QSizePolicy>
+#include <QStringList>
 #include <QToolButton>
+#include <QToolTip>
 #include <QWhatsThis>
+
+#include <algorithm>
+#include <functional>
 
 namespace torka {
 namespace {
 
-QToolButton* smallButton(QWidget* parent, PaneSign sign, const QString& name) {
-    auto* button = new QToolButton(parent);
+// Says why some choices cannot be had: as a tooltip, to assistive technology, and to a click. The reasons are
+// looked up when they are asked for.
+class WhyButton final : public QToolButton {
+public:
+    WhyButton(std::function<QString()> tellReasons, QWidget* parent)
+        : QToolButton(parent)
+        , reasons(std::move(tellReasons)) {
+        connect(this, &QToolButton::clicked, this, [this] {
+            QWhatsThis::showText(mapToGlobal(rect().bottomLeft()), plainToolTip(reasons()), this);
+        });
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::ToolTip) {
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(reasons()), this);
+            return true;
+        }
+        if (event->type() == QEvent::FocusIn) {
+            setAccessibleDescription(reasons());
+        }
+        return QToolButton::event(event);
+    }
+
+private:
+    std::function<QString()> reasons;
+};
+
+void makeSmall(QToolButton* button, PaneSign sign, const QString& name) {
     button->setIcon(paneIcon(sign));
     button->setAutoRaise(true);
     button->setAccessibleName(name);
@@ -29,7 +62,6 @@ QToolButton* smallButton(QWidget* parent, PaneSign sign, const QString& name) {
     policy.setRetainSizeWhenHidden(true); // nothing moves when it appears
     button->setSizePolicy(policy);
     button->hide();
-    return button;
 }
 
 // Turning the wheel over a page scrolls it and changes no setting on the way.
@@ -81,14 +113,12 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
     layout->addWidget(control, 1);
-    information = smallButton(body, PaneSign::information, context.Say(words::whyForbidden));
-    reset = smallButton(body, PaneSign::reset, {});
+    information = new WhyButton([this] { return Reasons(); }, body);
+    makeSmall(information, PaneSign::information, context.Say(words::whyForbidden));
+    reset = new QToolButton(body);
+    makeSmall(reset, PaneSign::reset, {});
     layout->addWidget(information);
     layout->addWidget(reset);
-    QObject::connect(information, &QToolButton::clicked, information, [this] {
-        QWhatsThis::showText(information->mapToGlobal(information->rect().bottomLeft()),
-                             plainToolTip(reasons), information);
-    });
     QObject::connect(reset, &QToolButton::clicked, reset, [this] {
         context.editor.Reset(*field.control);
         focus->setFocus(); // the button is gone
@@ -133,11 +163,28 @@ void FieldRow::ShowReset() {
     }
 }
 
-void FieldRow::ShowAllowed() {
-    reasons = body->isEnabled() ? UpdateAllowed() : QString();
-    information->setVisible(!reasons.isEmpty());
-    information->setToolTip(plainToolTip(reasons));
-    information->setAccessibleDescription(reasons);
+void FieldRow::ShowAllowed() { information->setVisible(body->isEnabled() && UpdateAllowed()); }
+
+QString FieldRow::Reasons() const {
+    constexpr int mostLines = 12;
+    QStringList lines;
+    int more = 0;
+    const std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
+    const std::vector<PaneChoice> choices = choicesOf(*field.control);
+    for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
+        if (!forbidden[i]) {
+            continue;
+        }
+        if (lines.size() < mostLines) {
+            lines.append(whyForbidden(context, *field.control, choices[i]));
+        } else {
+            ++more;
+        }
+    }
+    if (more > 0) {
+        lines.append(context.Say(words::moreReasons, QString::number(more)));
+    }
+    return lines.join(QLatin1Char('\n'));
 }
 
 std::unique_ptr<FieldRow> makeFieldRow(PaneContext& context, const PaneField& field, QWidget* parent) {

@@ -39,8 +39,10 @@ protected:
     void Take(QWidget* control, QWidget* focusWidget, bool named);
 
     virtual void UpdateValue() = 0;
-    // Returns why some of the field's choices cannot be had, one a line; "" when all can.
-    virtual QString UpdateAllowed() = 0;
+    // Returns whether some of the field's choices cannot be had now.
+    virtual bool UpdateAllowed() = 0;
+    // Why, one a line.
+    virtual QString Reasons() const;
     virtual QString Description() const { return {}; } // for tooltip and assistive technology
     void Set(const std::string& value);
 
@@ -56,7 +58,6 @@ private:
     QLabel* label = nullptr;
     QToolButton* information = nullptr;
     QToolButton* reset = nullptr;
-    QString reasons;
     QString resetTip;
 };
 

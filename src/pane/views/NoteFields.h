@@ -19,7 +19,7 @@ public:
 
 private:
     void UpdateValue() override;
-    QString UpdateAllowed() override { return {}; }
+    bool UpdateAllowed() override { return false; }
     QString Description() const override;
     const PPDXJobNote& Note() const;
     void Typed(const QString& text);
@@ -38,7 +38,7 @@ public:
 
 private:
     void UpdateValue() override;
-    QString UpdateAllowed() override { return {}; }
+    bool UpdateAllowed() override { return false; }
 
     QCheckBox* box;
     std::uint32_t tag;

@@ -158,7 +158,7 @@ void SizeRow::UpdateValue() {
     updating = false;
 }
 
-QString SizeRow::UpdateAllowed() {
+bool SizeRow::UpdateAllowed() {
     const PPDXControl* printSize = context.editor.FindControl("*QVPrintSize");
     const bool used = printSize == nullptr || PaneEditor::Value(*printSize) == "CustomPrintSize";
     width->setEnabled(used);
@@ -168,7 +168,7 @@ QString SizeRow::UpdateAllowed() {
              : context.Say(words::onlyWith, shownSetting(context, {"*QVPrintSize", "CustomPrintSize"}));
     setPlainToolTip(*width, why);
     setPlainToolTip(*height, why);
-    return {};
+    return false;
 }
 
 } // namespace torka

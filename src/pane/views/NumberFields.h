@@ -14,7 +14,7 @@ public:
 
 private:
     void UpdateValue() override;
-    QString UpdateAllowed() override { return {}; }
+    bool UpdateAllowed() override { return false; }
     // In the control's own numbers.
     double Number() const;
     void SetNumber(double number, bool continues);
@@ -36,7 +36,7 @@ public:
 
 private:
     void UpdateValue() override;
-    QString UpdateAllowed() override;
+    bool UpdateAllowed() override;
     void TakeSize();
 
     QDoubleSpinBox* width;

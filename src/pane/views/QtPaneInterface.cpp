@@ -44,6 +44,16 @@ constexpr std::array outletNames{
     OutletName{PaneOutlet::horizontalLine2, "horizontalLine2", nullptr},
 };
 
+// The file needs no widgets of plug-ins. A loader that is made while their folders are known loads all of
+// them, and with them libraries that the host's process would else never see.
+std::unique_ptr<QUiLoader> loaderWithoutPlugins() {
+    const QStringList paths = QCoreApplication::libraryPaths();
+    QCoreApplication::setLibraryPaths({});
+    auto loader = std::make_unique<QUiLoader>();
+    QCoreApplication::setLibraryPaths(paths);
+    return loader;
+}
+
 // For a pane without that dialog.
 class NoQuickAccess final : public CustomizeQuickAccessView {
 public:
@@ -92,11 +102,10 @@ bool QtPaneInterface::LoadFile(const QString& uiFile, std::string& problem) {
         problem = uiFile.toStdString() + ": " + file.errorString().toStdString();
         return false;
     }
-    QUiLoader loader;
-    loader.clearPluginPaths(); // the file needs none, and they are slow to look through
-    std::unique_ptr<QWidget> loaded(loader.load(&file));
+    const std::unique_ptr<QUiLoader> loader = loaderWithoutPlugins();
+    std::unique_ptr<QWidget> loaded(loader->load(&file));
     if (loaded == nullptr) {
-        problem = uiFile.toStdString() + ": " + loader.errorString().toStdString();
+        problem = uiFile.toStdString() + ": " + loader->errorString().toStdString();
         return false;
     }
     for (const OutletName& entry : outletNames) {
