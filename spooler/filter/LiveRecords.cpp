@@ -217,6 +217,7 @@ void addRecord(std::string_view name, const std::wstring& text, std::vector<Cont
 
 void addToners(std::vector<Toner> toners, std::vector<ControllerRecord>& records) {
     std::vector<SDMTonerInfo> items;
+    items.reserve(toners.size());
     for (Toner& toner : toners) {
         items.push_back({toner.name.data(), toner.level, toner.lowLevel, orNull(toner.color), toner.highLevel,
                          toner.capacity, toner.kind});
@@ -227,6 +228,7 @@ void addToners(std::vector<Toner> toners, std::vector<ControllerRecord>& records
 
 void addTrays(std::vector<Tray> found, std::vector<ControllerRecord>& records) {
     std::vector<SDMTrayInfo> items;
+    items.reserve(found.size());
     for (Tray& tray : found) {
         items.push_back({orNull(tray.name), orNull(tray.key), orNull(tray.mediaName), orNull(tray.mediaSize),
                          orNull(tray.mediaType), orNull(tray.mediaColor), tray.level, tray.capacity});

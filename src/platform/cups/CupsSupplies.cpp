@@ -46,6 +46,7 @@ std::string word(ipp_t* message, const char* name) {
 std::vector<int> numbers(ipp_t* message, const char* name) {
     ipp_attribute_t* attribute = ippFindAttribute(message, name, IPP_TAG_INTEGER);
     std::vector<int> values;
+    values.reserve(static_cast<std::size_t>(ippGetCount(attribute)));
     for (int i = 0; i < ippGetCount(attribute); ++i) {
         values.push_back(ippGetInteger(attribute, i));
     }
