@@ -392,10 +392,3 @@ TEST(WaitDialog, ShowsLongWaitsAndCanBeCancelled) {
 } // namespace
 
 } // namespace torka::tests
-
-int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    const QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

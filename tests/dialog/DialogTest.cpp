@@ -6,7 +6,6 @@
 #include "tests/apps/Tool.h"
 #include "tests/e2e/Sandbox.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -204,12 +203,3 @@ TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
 } // namespace
 
 } // namespace torka::tests
-
-int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    setenv("LC_ALL", "C.UTF-8", 1);
-    testing::InitGoogleTest(&argc, argv);
-    // The server's address is in the environment before the toolkit asks for it.
-    const QApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -25,19 +25,10 @@
 namespace torka {
 namespace {
 
-void needApplication() {
-    static int argc = 1;
-    static char name[] = "test_discovery";
-    static char* argv[] = {name, nullptr};
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication application(argc, argv);
-}
-
 // The sheet with its controller, over a net in memory. Tests of looks set TORKA_PICTURES to a folder.
 class AddressSheetTest : public ::testing::Test {
 protected:
     AddressSheetTest() {
-        needApplication();
         auto ownedNet = std::make_unique<MemoryServiceDirectory>();
         net = ownedNet.get();
         auto ownedLoop = std::make_unique<MemoryEventLoop>();
@@ -235,7 +226,6 @@ TEST_F(AddressSheetTest, OutlivesItsWindow) {
 
 // The same of every loop: Qt's, whose objects must not be destroyed within their own signals.
 TEST(QtEventLoop, TimersAndWatchesEndWithinTheirActions) {
-    needApplication();
     QtEventLoop loop;
     int once = 0;
     int often = 0;
