@@ -170,6 +170,7 @@ QWidget* JobPropertiesWindow::MakeMiddle() {
     groupColumn->addWidget(notice);
     groupColumn->addStretch(1);
     scroll = new QScrollArea;
+    scroll->setAccessibleName(tr("Settings"));
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(content);

@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScopedValueRollback>
 #include <QSpinBox>
 #include <QVBoxLayout>
 
@@ -270,9 +271,10 @@ void SettingRow::Take(const std::string& value) {
 }
 
 void SettingRow::ShowValue() {
-    isShowing = true;
-    showEditor(settings.Value(key));
-    isShowing = false;
+    {
+        const QScopedValueRollback showing(isShowing, true);
+        showEditor(settings.Value(key));
+    }
     ShowChanged();
 }
 

@@ -14,6 +14,7 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QSpinBox>
 #include <QVBoxLayout>
 
@@ -190,10 +191,9 @@ void WatermarkEditor::Edit(Change&& change) {
         return;
     }
     settings.ReplaceWatermark(Position(), definition);
-    isShowing = true;
+    const QScopedValueRollback showing(isShowing, true);
     list->currentItem()->setText(labelOf(definition));
     printed->setItemText(list->currentRow() + 1, labelOf(definition));
-    isShowing = false;
     preview->Show(&watermark);
     ShowColor(watermark);
     Q_EMIT Edited();
@@ -249,7 +249,7 @@ void WatermarkEditor::ShowValues() {
 }
 
 void WatermarkEditor::ShowList() {
-    isShowing = true;
+    const QScopedValueRollback showing(isShowing, true);
     list->clear();
     printed->clear();
     printed->addItem(tr("None"));
@@ -258,7 +258,6 @@ void WatermarkEditor::ShowList() {
         printed->addItem(labelOf(definition));
     }
     printed->setCurrentIndex(settings.SelectedWatermark() + 1);
-    isShowing = false;
 }
 
 void WatermarkEditor::ShowFields() {
@@ -266,7 +265,7 @@ void WatermarkEditor::ShowFields() {
     fields->setEnabled(hasOne);
     remove->setEnabled(hasOne);
     const Watermark watermark = Current();
-    isShowing = true;
+    const QScopedValueRollback showing(isShowing, true);
     text->setText(hasOne ? QString::fromStdString(watermark.text) : QString());
     font->setCurrentText(QString::fromStdString(watermark.font));
     size->setValue(watermark.size);
@@ -275,7 +274,6 @@ void WatermarkEditor::ShowFields() {
     up->setValue(watermark.up);
     clear->setChecked(watermark.clear);
     firstPageOnly->setChecked(watermark.firstPageOnly);
-    isShowing = false;
     ShowColor(watermark);
     preview->Show(hasOne ? &watermark : nullptr);
 }
