@@ -1,7 +1,6 @@
 #include "jobproperties/window/Glyphs.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <QStyleOptionFocusRect>
 
 #include <algorithm>
@@ -28,17 +27,6 @@ void paintUndo(QPainter& painter, const QColor& color) {
     painter.drawPolygon(QPolygonF({{0.06, 0.42}, {0.48, 0.42}, {0.2, 0.08}}));
 }
 
-void paintWarning(QPainter& painter, const QColor& color) {
-    QPainterPath path;
-    path.addPolygon(QPolygonF({{0.5, 0.1}, {0.95, 0.9}, {0.05, 0.9}}));
-    path.closeSubpath();
-    path.addRoundedRect(QRectF(0.45, 0.36, 0.1, 0.28), 0.05, 0.05);
-    path.addEllipse(QPointF(0.5, 0.76), 0.06, 0.06);
-    path.setFillRule(Qt::OddEvenFill);
-    painter.setPen(Qt::NoPen);
-    painter.fillPath(path, color);
-}
-
 } // namespace
 
 void paintGlyph(QPainter& painter, Glyph glyph, const QRectF& square, const QColor& color) {
@@ -53,9 +41,6 @@ void paintGlyph(QPainter& painter, Glyph glyph, const QRectF& square, const QCol
         break;
     case Glyph::Undo:
         paintUndo(painter, color);
-        break;
-    case Glyph::Warning:
-        paintWarning(painter, color);
         break;
     }
     painter.restore();

@@ -8,7 +8,7 @@ class QPainter;
 
 namespace torka::jobproperties {
 
-enum class Glyph { Lock, Undo, Warning };
+enum class Glyph { Lock, Undo };
 
 // Draws the sign into the square, in one colour, sharp at every scale.
 void paintGlyph(QPainter& painter, Glyph glyph, const QRectF& square, const QColor& color);

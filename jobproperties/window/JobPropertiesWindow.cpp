@@ -135,7 +135,7 @@ QWidget* JobPropertiesWindow::MakeTop() {
     presets->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     presets->setMinimumContentsLength(16);
     label->setBuddy(presets);
-    applyPreset = new QPushButton(tr("&Apply Preset"));
+    applyPreset = new QPushButton(tr("App&ly Preset"));
     applyPreset->setObjectName(QStringLiteral("applyPreset"));
     applyPreset->setAutoDefault(false);
     presetState = new QLabel;
@@ -153,7 +153,8 @@ QWidget* JobPropertiesWindow::MakeMiddle() {
     pages = new QListWidget;
     pages->setObjectName(QStringLiteral("pages"));
     pages->setAccessibleName(tr("Pages of settings"));
-    pages->setMinimumWidth(fontMetrics().averageCharWidth() * 16);
+    pages->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    pages->setSpacing(2);
     connect(pages, &QListWidget::currentRowChanged, this, [this](int row) {
         if (row >= 0 && !search->text().isEmpty())
             search->clear(); // shows the page
@@ -216,7 +217,7 @@ JobPropertiesWindow::Group& JobPropertiesWindow::GroupFor(const QString& page, c
     group.page = page;
     group.title = title;
     group.searchText = (page + '\n' + title).toLower();
-    group.box = new QGroupBox(title);
+    group.box = new QGroupBox;
     group.column = new QVBoxLayout(group.box);
     groupColumn->insertWidget(groupColumn->count() - 1, group.box);
     return group;
@@ -231,9 +232,16 @@ void JobPropertiesWindow::FillGroups() {
         return description.Find(first->key) < description.Find(second->key);
     });
     // Groups come in the description's order, whichever of their settings the job has.
-    for (const DescribedGroup& group : description.Groups())
-        if (!group.hidden)
-            GroupFor(shown(group.page.empty() ? group.label : group.page), shown(group.label));
+    for (const DescribedGroup& group : description.Groups()) {
+        if (group.hidden)
+            continue;
+        const QString page = shown(group.page.empty() ? group.label : group.page);
+        if (groups.empty()) {
+            copiesPage = page;
+            GroupFor(page, tr("Copies"));
+        }
+        GroupFor(page, shown(group.label));
+    }
     for (const JobSetting* setting : ordered)
         AddRow(*setting);
     for (const JobSetting* setting : others)
@@ -267,6 +275,8 @@ void JobPropertiesWindow::AddRow(const JobSetting& setting) {
         }
     } else if (ofPane != nullptr) {
         label = tr(ofPane->label);
+        page = copiesPage.isEmpty() ? page : copiesPage;
+        title = tr("Copies");
         described = &describedCopies();
     }
     Group& group = GroupFor(page, title);
@@ -287,6 +297,8 @@ void JobPropertiesWindow::FillPages() {
             names.push_back(group.page);
     pages->addItems(names);
     pages->addItem(tr("Watermarks"));
+    pages->setMinimumWidth(std::min(pages->sizeHintForColumn(0), fontMetrics().averageCharWidth() * 26) +
+                           fontMetrics().averageCharWidth() * 3);
     pages->setCurrentRow(0);
 }
 
@@ -305,6 +317,11 @@ void JobPropertiesWindow::FillPresets() {
         presets->setCurrentIndex(current);
 }
 
+// An ampersand in a title is no mark of a shortcut.
+void JobPropertiesWindow::ShowTitle(const Group& group, QString title) {
+    group.box->setTitle(title.replace('&', QStringLiteral("&&")));
+}
+
 void JobPropertiesWindow::ShowPage() {
     const int row = pages->currentRow();
     if (row < 0)
@@ -318,7 +335,7 @@ void JobPropertiesWindow::ShowPage() {
     const QString page = pages->item(row)->text();
     for (const Group& group : groups) {
         const bool isOnPage = group.page == page && !group.rows.empty();
-        group.box->setTitle(group.title);
+        ShowTitle(group, group.title);
         group.box->setVisible(isOnPage);
         for (SettingRow* setting : group.rows)
             setting->setVisible(isOnPage);
@@ -343,21 +360,28 @@ void JobPropertiesWindow::Search(const QString& text) {
             row->setVisible(matches);
             foundHere += matches ? 1 : 0;
         }
-        group.box->setTitle(
-            group.page == group.title ? group.title : QStringLiteral("%1 › %2").arg(group.page, group.title));
+        ShowTitle(group,
+                  group.page == group.title ? group.title : group.page + QStringLiteral(" › ") + group.title);
         group.box->setVisible(foundHere > 0);
         found += foundHere;
     }
-    notice->setText(found == 0 ? tr("No setting matches “%1”.").arg(text)
-                               : tr("%n setting(s) found.", "", found));
-    if (found == 1)
-        notice->setText(tr("1 setting found."));
-    else if (found > 1)
-        notice->setText(tr("%1 settings found.").arg(found));
+    notice->setText(found == 0   ? tr("No setting matches “%1”.").arg(text)
+                    : found == 1 ? tr("1 setting found.")
+                                 : tr("%1 settings found.").arg(found));
     notice->show();
     pages->setCurrentRow(-1);
     scroll->verticalScrollBar()->setValue(0);
     stack->setCurrentWidget(scroll);
+}
+
+void JobPropertiesWindow::FocusFirstRow() {
+    for (const Group& group : groups)
+        for (SettingRow* row : group.rows)
+            if (row->isVisible() && row->focusProxy()->isEnabled()) {
+                row->setFocus(Qt::TabFocusReason);
+                scroll->ensureWidgetVisible(row);
+                return;
+            }
 }
 
 void JobPropertiesWindow::ShowEditedState() {
@@ -401,9 +425,7 @@ bool JobPropertiesWindow::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Down) {
-        focusNextChild();
-        scroll->setFocus();
-        scroll->widget()->setFocus();
+        FocusFirstRow();
         return true;
     }
     return QDialog::eventFilter(watched, event);

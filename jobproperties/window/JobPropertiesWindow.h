@@ -56,18 +56,21 @@ private:
     Group& GroupFor(const QString& page, const QString& title);
     void AddRow(const JobSetting& setting);
     void FillPresets();
+    static void ShowTitle(const Group& group, QString title);
     void ShowPage();
     void ShowEditedState();
     void ShowAllValues();
     void ApplyPreset();
     void Restore();
     void Search(const QString& text);
+    void FocusFirstRow();
 
     Session& session;
     PrinterDescription description;
     QString descriptionError;
     std::vector<Group> groups;         // in the order of the description
     QHash<QString, std::size_t> index; // page, tab and title -> group
+    QString copiesPage;                // the first one: no description knows the copies
     QTimer refresh;                    // asks for the printer's state
 
     QLineEdit* search = nullptr;

@@ -46,6 +46,9 @@ Widget* guarded(Widget* widget) {
 
 QString shown(const std::string& text) { return QString::fromStdString(text); }
 
+// A text as a widget shows it that would take an ampersand for the mark of a shortcut.
+QString withoutShortcut(QString text) { return text.replace('&', QStringLiteral("&&")); }
+
 // Digits behind the point that the increment needs, at least one.
 int decimalsOf(double increment) {
     int decimals = 1;
@@ -80,15 +83,20 @@ SettingRow::SettingRow(JobSettings& givenSettings, std::string givenKey,
 
 void SettingRow::Build(const QString& label) {
     const int em = fontMetrics().averageCharWidth();
-    name = new QLabel(label);
+    name = new QLabel(withoutShortcut(label));
     name->setWordWrap(true);
     name->setTextFormat(Qt::PlainText);
     name->setFixedWidth(em * 26);
+    QFont bold = name->font(); // of a changed setting; the row must not jump
+    bold.setBold(true);
+    name->setMinimumHeight(QFontMetrics(bold)
+                               .boundingRect(QRect(0, 0, em * 26, QWIDGETSIZE_MAX), Qt::TextWordWrap, label)
+                               .height());
     editor = MakeEditor();
     editor->setAccessibleName(label);
     editor->setObjectName(shown(key));
-    editor->setMaximumWidth(em * 48);
     name->setBuddy(editor);
+    setFocusProxy(editor);
     undo = new GlyphButton(Glyph::Undo);
     undo->setAccessibleName(tr("Restore %1").arg(label));
     undo->setToolTip(tr("Restore the value that the job came with"));
@@ -102,7 +110,9 @@ void SettingRow::Build(const QString& label) {
         editor->setFocus();
     });
 
-    auto* column = new QVBoxLayout;
+    auto* place = new QWidget;
+    place->setMaximumWidth(em * 48);
+    auto* column = new QVBoxLayout(place);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(2);
     column->addWidget(editor);
@@ -113,8 +123,9 @@ void SettingRow::Build(const QString& label) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 1, 0, 1);
     row->addWidget(name, 0, Qt::AlignVCenter);
-    row->addLayout(column, 1);
+    row->addWidget(place, 100); // as wide as it may be, before the empty rest gets any room
     row->addWidget(undo, 0, Qt::AlignVCenter);
+    row->addStretch(1);
 }
 
 QWidget* SettingRow::MakeLockNote(Lock lock) {
@@ -187,7 +198,7 @@ QWidget* SettingRow::MakeChoices() {
     column->setSpacing(2);
     std::vector<QCheckBox*> boxes;
     for (const DescribedChoice& choice : described->choices) {
-        boxes.push_back(new QCheckBox(shown(choice.label)));
+        boxes.push_back(new QCheckBox(withoutShortcut(shown(choice.label))));
         boxes.back()->setAccessibleName(tr("%1: %2").arg(shownLabel, shown(choice.label)));
         column->addWidget(boxes.back());
     }
@@ -214,7 +225,7 @@ QWidget* SettingRow::MakeSwitch() {
     const auto stateText = [this](bool on) {
         for (const DescribedChoice& choice : described->choices)
             if (choice.key == (on ? "True" : "False"))
-                return shown(choice.label);
+                return withoutShortcut(shown(choice.label));
         return on ? tr("On") : tr("Off");
     };
     connect(box, &QCheckBox::toggled, this, [this, box, stateText](bool on) {

@@ -116,6 +116,7 @@ StatusPanel::Section::Row StatusPanel::MakeRow() {
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(2);
     auto* head = new QHBoxLayout;
+    head->setSpacing(row.widget->fontMetrics().averageCharWidth());
     head->addWidget(row.name, 1);
     head->addWidget(row.warning);
     row.state->setWordWrap(false);

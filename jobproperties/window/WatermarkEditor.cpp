@@ -126,19 +126,19 @@ QWidget* WatermarkEditor::MakeFields() {
     up = pointsBox(-maximumPoints);
     color = new QPushButton;
     color->setAutoDefault(false);
-    clear = new QCheckBox(tr("Clear toner instead of a color"));
+    clear = new QCheckBox(tr("Clear toner, no color"));
     firstPageOnly = new QCheckBox(tr("On the first page only"));
 
     auto* form = new QFormLayout(box);
-    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->addRow(tr("&Text:"), text);
     form->addRow(tr("&Font:"), font);
     form->addRow(tr("Si&ze:"), size);
     form->addRow(tr("An&gle:"), angle);
     form->addRow(tr("&Color:"), color);
     form->addRow(QString(), clear);
-    form->addRow(tr("Offset to the r&ight:"), right);
-    form->addRow(tr("Offset &upwards:"), up);
+    form->addRow(tr("Sh&ift right:"), right);
+    form->addRow(tr("Shift &up:"), up);
     form->addRow(QString(), firstPageOnly);
 
     connect(text, &QLineEdit::textEdited, this, [this](const QString& value) {

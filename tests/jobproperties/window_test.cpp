@@ -128,6 +128,8 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         search.setText("booklet CREEP");
         EXPECT_TRUE(creep.isVisible());
         EXPECT_FALSE(note.isVisible());
+        QTest::keyClick(&search, Qt::Key_Return); // goes to what was found
+        EXPECT_EQ(dialog.focusWidget(), &creep);
         search.setText("note 1");
         EXPECT_TRUE(note.isVisible());
         QTest::keyClick(&search, Qt::Key_Escape); // clears the search and keeps the window
