@@ -207,7 +207,11 @@ TEST_F(Faults, ADataFileThatGrowsIsReadWholeBehindItsLockAndToItsEndWithoutOne) 
                              }));
     const std::filesystem::path data = twoWayPlace("Growing", dataFileSuffix);
     const std::filesystem::path lock = twoWayPlace("Growing", lockFileSuffix);
-    std::filesystem::create_directories(data.parent_path());
+    // The filter makes the folder: it has to be the filter's.
+    Give("10.0.0.22", "data", "TrayInfo", "first");
+    ASSERT_EQ(runTool({"command", "send", "Growing", "Command_AllBidi", "A-1::DELIMIT::10.0.0.22::DELIMIT::"})
+                  .status,
+              0);
     for (const bool isLocked : {true, false}) {
         std::filesystem::remove(data);
         std::ofstream out(data, std::ios::binary);
