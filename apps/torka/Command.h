@@ -40,6 +40,7 @@ void addPrintCommand(CLI::App& app, ExitStatus& status);
 void addCommandCommand(CLI::App& app, ExitStatus& status);
 void addQueueCommand(CLI::App& app, ExitStatus& status);
 void addRecordCommand(CLI::App& app, ExitStatus& status);
+void addModuleCommand(CLI::App& app, ExitStatus& status);
 void addServerDataCommand(CLI::App& app, ExitStatus& status);
 
 } // namespace torka::tool

@@ -1,59 +1,19 @@
 #include "apps/torka/QueueAddresses.h"
 
+#include "apps/torka/Interrupt.h"
 #include "bidi/StandardStreams.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"
-#include "platform/posix/PosixSystem.h"
-
-#include <csignal>
-#include <cstdio>
-#include <unistd.h>
 
 namespace torka::tool {
 
 namespace {
-
-PosixSystem* waiting = nullptr;
-
-void interrupt(int /*signal*/) {
-    if (waiting != nullptr) {
-        waiting->Cancel();
-    }
-}
 
 // What the waits tell an engineer is no message of the tool.
 class NoStreams final : public StandardStreams {
 public:
     void Output(std::string_view /*text*/) override {}
     void Error(std::string_view /*text*/) override {}
-};
-
-void showWait(const WaitProgress& progress) {
-    if (isatty(STDERR_FILENO) != 0) {
-        std::fprintf(stderr, "\r\x1b[KWaiting for the queue's filter: %lld s",
-                     static_cast<long long>(progress.waited.count() / 1000));
-    }
-}
-
-// An interrupt ends the waits while this lives.
-class Interruptible {
-public:
-    Interruptible()
-        : before(std::signal(SIGINT, interrupt)) {
-        waiting = dynamic_cast<PosixSystem*>(&platform::system());
-    }
-    Interruptible(const Interruptible&) = delete;
-    Interruptible& operator=(const Interruptible&) = delete;
-    ~Interruptible() {
-        std::signal(SIGINT, before);
-        waiting = nullptr;
-        if (isatty(STDERR_FILENO) != 0) {
-            std::fputs("\r\x1b[K", stderr);
-        }
-    }
-
-private:
-    void (*before)(int);
 };
 
 } // namespace
@@ -67,7 +27,8 @@ std::unique_ptr<QueueAddresses> QueueAddresses::Open(const std::string& queueNam
     }
     platform::setSpooler(std::make_unique<CupsSpooler>());
     setStandardStreams(std::make_shared<NoStreams>());
-    return std::unique_ptr<QueueAddresses>(new QueueAddresses(queueName, {session, showWait}));
+    return std::unique_ptr<QueueAddresses>(
+        new QueueAddresses(queueName, {session, showingWait("the queue's filter")}));
 }
 
 QueueAddresses::QueueAddresses(std::string queueName, QueueAccess queueAccess)

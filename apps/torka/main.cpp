@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
     tool::addCommandCommand(app, status);
     tool::addQueueCommand(app, status);
     tool::addRecordCommand(app, status);
+    tool::addModuleCommand(app, status);
     tool::addServerDataCommand(app, status);
     try {
         app.parse(argc, argv);

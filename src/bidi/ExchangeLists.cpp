@@ -7,6 +7,7 @@
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <unordered_map>
 
@@ -54,6 +55,20 @@ bool differsFromModule(const SharedMemoryList& record, const SharedMemoryList& f
         }
     }
     return false;
+}
+
+// Copies the record but for places of entries that it does not have, which are never read.
+void keep(const SharedMemoryList& record) {
+    if (!sharedListCopyFromJP) {
+        sharedListCopyFromJP = std::make_unique<SharedMemoryList>();
+    }
+    SharedMemoryList& copy = *sharedListCopyFromJP;
+    const auto count = static_cast<std::ptrdiff_t>(entryCount(record));
+    std::copy(record.keys.begin(), record.keys.begin() + count, copy.keys.begin());
+    std::copy(record.values.begin(), record.values.begin() + count, copy.values.begin());
+    constexpr std::size_t entriesEnd = offsetof(SharedMemoryList, count);
+    std::memcpy(reinterpret_cast<char*>(&copy) + entriesEnd,
+                reinterpret_cast<const char*>(&record) + entriesEnd, sizeof copy - entriesEnd);
 }
 
 } // namespace
@@ -161,11 +176,7 @@ void Create_SharedMemoryList_From_SDMList(SharedMemoryList& record, const SDMKey
         setField(record.extraPending, "0");
         setField(record.extraCount, "0");
     }
-    if (sharedListCopyFromJP) {
-        *sharedListCopyFromJP = record;
-    } else {
-        sharedListCopyFromJP = std::make_unique<SharedMemoryList>(record);
-    }
+    keep(record);
     gotSharedListFromJP = true;
 }
 

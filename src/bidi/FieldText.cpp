@@ -48,18 +48,10 @@ std::size_t wholeCharacters(std::string_view text, std::size_t size) {
     return isContinuation(text[end]) ? size : end; // no UTF-8: any place is as good
 }
 
-void FieldWriter::Append(char32_t character) {
-    if (character < 0x80) {
-        if (full || used == field.size()) {
-            full = true;
-            return;
-        }
-        field[used++] = static_cast<char>(character);
-        return;
-    }
+void FieldWriter::AppendEncoded(char32_t character) {
     const char32_t point = isCharacter(character) ? character : replacementCharacter;
     std::array<char, 4> bytes{};
-    const std::size_t length = point < 0x800 ? 2 : point < 0x10000 ? 3 : 4;
+    const std::size_t length = point < 0x80 ? 1 : point < 0x800 ? 2 : point < 0x10000 ? 3 : 4;
     char32_t rest = point;
     for (std::size_t i = length - 1; i > 0; --i) {
         bytes[i] = static_cast<char>(0x80U | (rest & 0x3FU));

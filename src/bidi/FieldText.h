@@ -19,12 +19,20 @@ public:
         : field(target) {}
     bool IsFull() const { return full; }
     // One character; what no text may hold (surrogates, values above U+10FFFF) becomes U+FFFD.
-    void Append(char32_t character);
+    void Append(char32_t character) {
+        if (character < 0x80 && !full && used < field.size()) {
+            field[used++] = static_cast<char>(character);
+        } else {
+            AppendEncoded(character);
+        }
+    }
     void Append(std::string_view piece);
     // Zeroes what is left.
     void Finish();
 
 private:
+    void AppendEncoded(char32_t character);
+
     std::span<char> field;
     std::size_t used = 0;
     bool full = false;

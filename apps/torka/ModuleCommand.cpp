@@ -1,0 +1,203 @@
+#include "apps/torka/Command.h"
+#include "apps/torka/Interrupt.h"
+#include "apps/torka/JobEmission.h"
+#include "bidi/CFileHdlr.h"
+#include "bidi/ExchangeLists.h"
+#include "bidi/JobPropertiesHost.h"
+#include "bidi/JobPropertiesSession.h"
+#include "bidi/JobPropertiesState.h"
+#include "pane/UI_Panel.h"
+#include "platform/System.h"
+#include "platform/TextEncoding.h"
+#include "platform/posix/PosixLibraryLoader.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <unordered_map>
+
+// One session of a Job Properties module, from the command line: what the pane would hand it, and what it
+// hands back.
+
+namespace torka::tool {
+
+namespace {
+
+constexpr std::size_t templateLimit = std::size_t{16} * 1024 * 1024;
+
+struct ModuleOptions {
+    EmissionOptions job;
+    std::string module;
+    std::string script;
+    std::string data;
+    std::string address = "localhost";
+    std::string templatePath;
+    std::vector<std::string> watermarks;
+    bool changed = false;
+    bool json = false;
+};
+
+// The pane that the module sees.
+class CommandHost final : public JobPropertiesHost {
+public:
+    CommandHost() { setJobPropertiesHost(this); }
+    ~CommandHost() override { setJobPropertiesHost(nullptr); }
+    std::shared_ptr<const std::string> getBidiDataCopy() const override { return data; }
+    PMPrinter CurrentPrinter() const override { return nullptr; }
+    std::string TemplateText() const override { return templateText; }
+    std::string WindowTitle() const override { return "Printing Preferences"; }
+    WaitObserver Observer() override { return showingWait("the module (Ctrl+C ends it)"); }
+
+    // False, with one line on standard error, when a file that was named cannot be read.
+    bool Read(const ModuleOptions& options) {
+        auto content = std::make_shared<std::string>();
+        if (!ReadFile(options.data, maximumDataFile, *content) ||
+            !ReadFile(options.templatePath, templateLimit, templateText)) {
+            return false;
+        }
+        data = content;
+        return true;
+    }
+
+private:
+    static bool ReadFile(const std::string& path, std::size_t limit, std::string& content) {
+        const std::error_code error =
+            path.empty() ? std::error_code() : platform::system().ReadFile(path, limit, content);
+        if (error) {
+            warn(path + ": cannot be read: " + error.message());
+        }
+        return !error;
+    }
+
+    std::shared_ptr<const std::string> data;
+    std::string templateText;
+};
+
+// False, with one line on standard error, without a module that loads.
+bool loadModule(const std::string& path) {
+    setLibraryLoader(std::make_unique<PosixLibraryLoader>());
+    const ModuleAvailability module = loadJobPropertiesLibrary(std::filesystem::absolute(path));
+    if (module.status == ModuleStatus::notInstalled) {
+        warn(path + ": there is no such module");
+    } else if (module.status == ModuleStatus::doesNotLoad) {
+        warn("the module does not load: " + module.reason);
+    }
+    return module.status == ModuleStatus::loaded;
+}
+
+// Runs the module on the panel's record, which holds its answer then. `handed` is what the module was handed.
+void runSession(UI_Panel& panel, PDEData& data, const ModuleOptions& options, KeyValueList& handed) {
+    SharedMemoryList& record = panel.Record();
+    for (const std::string& definition : options.watermarks) {
+        data.Watermarks().Append(std::make_unique<ZANWatermark>(definition.c_str()));
+    }
+    panel.makeJobNotesForSpecialControls();
+    panel.GetWatermarks(record);
+    panel.GetDefaultSettings(handed);
+    writeSettings(record, handed.List());
+    setField(record.bidiEnabled, options.data.empty() ? "0" : "1");
+    setField(record.printerAddress, options.data.empty() ? std::string_view() : options.address);
+    setField(record.jpResult, "-1");
+    sharedList = &record;
+    const Interruptible interruptible;
+    mainJP();
+    sharedList = nullptr;
+}
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+// The record's settings; with `changed` those that are not what was handed over.
+Pairs returnedSettings(const SharedMemoryList& record, const KeyValueList& handed, bool changed) {
+    std::unordered_map<std::string, std::string> before;
+    for (std::size_t i = 0; changed && i < handed.Count(); ++i) {
+        before.emplace(utf8FromWide(handed.Key(i)), utf8FromWide(handed.Value(i)));
+    }
+    KeyValueList list;
+    Create_SDMList_From_SharedMemoryList(list, record);
+    Pairs settings;
+    for (std::size_t i = 0; i < list.Count(); ++i) {
+        std::string key = utf8FromWide(list.Key(i));
+        std::string value = utf8FromWide(list.Value(i));
+        const auto known = before.find(key);
+        if (known == before.end() || known->second != value) {
+            settings.emplace_back(std::move(key), std::move(value));
+        }
+    }
+    return settings;
+}
+
+std::string outcomeText(std::string_view result) {
+    if (result == "0") {
+        return "accepted";
+    }
+    return result == "1" ? "cancelled" : result == "-1" ? "no session" : "address refused";
+}
+
+void printOutcome(const std::string& outcome, const Pairs& settings,
+                  const std::vector<std::string>& watermarks, bool asJson) {
+    if (asJson) {
+        Json json;
+        json["result"] = outcome;
+        json["settings"] = Json::array();
+        for (const auto& [key, value] : settings) {
+            json["settings"].push_back({{"key", key}, {"value", value}});
+        }
+        json["watermarks"] = watermarks;
+        print(jsonDocument(json));
+        return;
+    }
+    for (const auto& [key, value] : settings) {
+        print(printable(key) + "=" + printable(value) + "\n");
+    }
+}
+
+ExitStatus runModule(ModuleOptions options) {
+    options.job.twoWay = options.data.empty() ? TwoWay::off : TwoWay::on;
+    CommandHost host;
+    const std::unique_ptr<JobEmission> job = JobEmission::Make(options.job);
+    if (!job || !host.Read(options) || !loadModule(options.module)) {
+        return ExitStatus::unusable;
+    }
+    if (!options.script.empty()) {
+        setenv("TORKA_JP_SCRIPT", options.script.c_str(), 1);
+    }
+    UI_Panel panel(&job->Data());
+    KeyValueList handed;
+    runSession(panel, job->Data(), options, handed);
+    const std::string outcome = outcomeText(fieldText(panel.Record().jpResult));
+    const bool isAccepted = outcome == "accepted";
+    const Pairs settings = isAccepted ? returnedSettings(panel.Record(), handed, options.changed) : Pairs();
+    const std::vector<std::string> watermarks =
+        isAccepted ? watermarkDefinitions(panel.Record()) : std::vector<std::string>();
+    unloadJobPropertiesLibrary();
+    printOutcome(outcome, settings, watermarks, options.json);
+    if (!isAccepted) {
+        warn("the module's session ended without settings: " + outcome);
+    }
+    return isAccepted ? ExitStatus::good : ExitStatus::findings;
+}
+
+} // namespace
+
+void addModuleCommand(CLI::App& app, ExitStatus& status) {
+    CLI::App* group = app.add_subcommand("module", "Job Properties modules");
+    group->require_subcommand(1);
+    CLI::App* command = group->add_subcommand("run", "Run a session of a module and print what it returns");
+    const auto options = std::make_shared<ModuleOptions>();
+    command->add_option("--module", options->module, "The module's library")->required();
+    command->add_option("--ppd", options->job.description, "Extended printer description")->required();
+    command->add_option("--settings", options->job.settings,
+                        "KEY=VALUE …, the key with or without its asterisk");
+    command->add_option("--bidi", options->data, "Two-way data file; with it two-way communication is on");
+    command->add_option("--address", options->address, "The controller's address, with --bidi")
+        ->capture_default_str();
+    command->add_option("--template", options->templatePath, "The administrator's template");
+    command->add_option("--watermark", options->watermarks, "Watermark definitions (docs/watermarks.md)");
+    command->add_option("--script", options->script,
+                        "Script of the sample module, in the place of its window (jobproperties/README.md)");
+    command->add_flag("--changed", options->changed, "Only settings that are not what the module was handed");
+    command->add_flag("--json", options->json, "As JSON");
+    command->callback([options, &status] { status = runModule(*options); });
+}
+
+} // namespace torka::tool
