@@ -131,7 +131,7 @@ typedef struct SDMFontInfoArray {
 /* Watermarks. A definition is 14 comma-separated fields followed by the text, which may hold commas (offsets
  * and font size in points, red, green and blue 0 to 255, angle in tenths of a degree): clear (0 or 1), x
  * offset, y offset, red, green, blue, 0, first page only (0 or 1), 0, angle, 0, 0, font size, font name,
- * text. At most 1,023 bytes as UTF-8 each, and 5,152 bytes all together with one byte more each. Which one
+ * text. At most 1,023 bytes as UTF-8 each, and 5,153 bytes all together with one byte more each. Which one
  * the job prints, is the setting "*QV_WATERMARK": its position in the list, or -1. */
 typedef struct JPWatermarkList {
     size_t count;

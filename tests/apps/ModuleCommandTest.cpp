@@ -1,0 +1,93 @@
+#include "tests/apps/Tool.h"
+
+#include <gmock/gmock.h>
+
+// module run: the sample module's scripts, from the command line to what comes back.
+
+namespace torka::tests {
+
+namespace {
+
+using nlohmann::json;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+std::vector<std::string> moduleRun(const std::string& module, const std::string& script = {}) {
+    std::vector<std::string> arguments = {"module", "run",   "--module",
+                                          module,   "--ppd", samplePath("torka-production.ppd")};
+    if (!script.empty()) {
+        arguments.insert(arguments.end(), {"--script", script});
+    }
+    return arguments;
+}
+
+TEST(ModuleCommand, RunsASessionWithServerData) {
+    const TemporaryFolder folder;
+    const std::string data = folder / "Office.bididata";
+    for (const char* record : {"TrayInfo", "PresetsList", "PresetsData"}) {
+        const std::string text = readFile(samplePath(std::string("server-data/data/") + record));
+        ASSERT_EQ(runCommand({TORKA_BINARY_DIR "/bin/torka", "record", "put", data, record}, text).status, 0);
+    }
+    const std::string script =
+        folder.Write("script", "print trays\nset QVDuplex ShortEdge\n"
+                               "watermark add 0,0,0,255,0,0,0,0,0,450,0,0,48,Helvetica,A, B\n");
+    std::vector<std::string> arguments = moduleRun(TORKA_SAMPLE_MODULE, script);
+    arguments.insert(arguments.end(), {"--bidi", data, "--changed", "--settings", "QVDuplex=LongEdge",
+                                       "--watermark", "0,0,0,0,0,0,0,0,0,0,0,0,9,Courier,first"});
+    const json result = runToolForJson(arguments);
+    EXPECT_EQ(result["result"], "accepted");
+    EXPECT_EQ(result["settings"], json::parse(R"([{"key": "QVDuplex", "value": "ShortEdge"}])"));
+    EXPECT_EQ(result["watermarks"], json::parse(R"(["0,0,0,0,0,0,0,0,0,0,0,0,9,Courier,first",
+        "0,0,0,255,0,0,0,0,0,450,0,0,48,Helvetica,A, B"])"));
+    EXPECT_THAT(readFile(script + ".report"), StartsWith("[trays] 7\n"));
+
+    // All settings, as lines, without server data.
+    const CommandResult all =
+        runTool(moduleRun(TORKA_SAMPLE_MODULE, folder.Write("all", "print trays\nset QVDuplex ShortEdge\n")));
+    EXPECT_EQ(all.status, 0) << all.errors;
+    EXPECT_THAT(all.output, HasSubstr("\nQVDuplex=ShortEdge\n"));
+    EXPECT_THAT(all.output, HasSubstr("PageSize="));
+    EXPECT_EQ(readFile(folder / "all.report"), "[trays] not offered\n");
+}
+
+TEST(ModuleCommand, SaysHowASessionEnded) {
+    struct Case {
+        std::string module;
+        const char* script;
+        int status;
+        const char* errors;
+    };
+    const TemporaryFolder folder;
+    const std::string text = folder.Write("text.so", "no library").string();
+    for (const Case& end : {
+             Case{TORKA_SAMPLE_MODULE, "result 1\n", 1, "cancelled"},
+             Case{TORKA_SAMPLE_MODULE, "result 9\n", 1, "address refused"},
+             Case{TORKA_SAMPLE_MODULE, "begin-fail\n", 1, "no session"},
+             Case{TORKA_SAMPLE_MODULE, "open-fail\n", 1, "cancelled"},
+             Case{"/nowhere/libzanjp2.so", "", 2, "there is no such module"},
+             Case{text, "", 2, "the module does not load"},
+             Case{TORKA_INCOMPLETE_MODULE, "", 2, "has no JP1_1EndSession"},
+         }) {
+        const CommandResult result = runTool(moduleRun(end.module, folder.Write("script", end.script)));
+        EXPECT_EQ(result.status, end.status) << end.script;
+        EXPECT_EQ(result.output, "") << end.script;
+        EXPECT_THAT(result.errors, HasSubstr(end.errors)) << end.script;
+    }
+    EXPECT_EQ(runTool({"module", "run", "--module", TORKA_SAMPLE_MODULE, "--ppd", text}).status, 2);
+}
+
+// An interrupt ends the wait for a module that never becomes ready, and the session with it.
+TEST(ModuleCommand, AnInterruptEndsTheWait) {
+    const TemporaryFolder folder;
+    std::vector<std::string> command =
+        moduleRun(TORKA_SAMPLE_MODULE, folder.Write("script", "not-ready forever\n"));
+    command.insert(command.begin(),
+                   {"timeout", "--preserve-status", "-s", "INT", "1", TORKA_BINARY_DIR "/bin/torka"});
+    const CommandResult result = runCommand(command);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("cancelled"));
+}
+
+} // namespace
+
+} // namespace torka::tests
