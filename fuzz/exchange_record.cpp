@@ -47,7 +47,8 @@ void checkAgain(KeyValueList& list) {
     require(again.Count() == std::min(list.Count(), exchangeEntryLimit));
     for (std::size_t i = 0; i < again.Count(); ++i) {
         const bool fits = utf8FromWide(list.Value(i)).size() <= exchangeValueSize / 2; // marks become letters
-        require(!fits || again.Value(i) == list.Value(i) || list.Value(i).find(L"EFBBBF") != std::wstring::npos);
+        require(!fits || again.Value(i) == list.Value(i) ||
+                list.Value(i).find(L"EFBBBF") != std::wstring::npos);
     }
 }
 
