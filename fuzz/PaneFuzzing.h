@@ -7,7 +7,12 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySystem.h"
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <string>
 
 // A pane's data without a queue, for targets that fill it with hostile settings.
 
@@ -28,6 +33,20 @@ inline void quietPane() {
     }();
     require(once);
     quietStreams();
+}
+
+// The model of a description; its file is gone afterwards.
+inline std::unique_ptr<ZANPPD> parsedModel(const char* description) {
+    std::string name = (std::filesystem::temp_directory_path() / "torka-fuzz-XXXXXX").string();
+    const int file = mkstemp(name.data());
+    require(file >= 0);
+    close(file);
+    std::ofstream(name) << description;
+    auto parsed = std::make_unique<ZANPPD>(kAcceptOrphans | kAcceptHidden);
+    parsed->SetFile(FSRef{name});
+    parsed->Build();
+    std::filesystem::remove(name);
+    return parsed;
 }
 
 inline std::unique_ptr<PDEData> paneData(ZANPPD& model, const PMPrintSettings& settings) {

@@ -7,11 +7,6 @@
 #include "output/ZANJobTicket.h"
 #include "platform/PropertyList.h"
 
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-
 namespace {
 
 using namespace torka;
@@ -48,22 +43,9 @@ constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
 *%Notes1: "(<*Notes1>)"
 )PPD";
 
-// The model of the description, parsed once; its file is gone afterwards.
 ZANPPD& model() {
-    static ZANPPD parsed(kAcceptOrphans | kAcceptHidden);
-    static const bool once = [] {
-        std::string name = (std::filesystem::temp_directory_path() / "torka-fuzz-XXXXXX").string();
-        const int file = mkstemp(name.data());
-        require(file >= 0);
-        close(file);
-        std::ofstream(name) << description;
-        parsed.SetFile(FSRef{name});
-        parsed.Build();
-        std::filesystem::remove(name);
-        return true;
-    }();
-    require(once);
-    return parsed;
+    static const std::unique_ptr<ZANPPD> parsed = parsedModel(description);
+    return *parsed;
 }
 
 std::string emitted(PDEData& data, const PMPrintSettings& settings) {

@@ -19,7 +19,7 @@ constexpr std::string_view systemFile = "/Library/Preferences/ZAN/automation.pli
 
 // A value as the controls take it; null for a kind that is none.
 CFStringRef settingText(const CFTypeRef& value) {
-    if (const auto text = cfCast<CFString>(value)) {
+    if (auto text = cfCast<CFString>(value)) {
         return text;
     }
     if (const auto state = cfCast<CFBoolean>(value)) {

@@ -133,7 +133,7 @@ constexpr std::array<ListPlace, 4> listPlaces{{
 
 } // namespace
 
-PresetStore::PresetStore(CFStringRef printerName, ZANPPD& description, PDEData& paneData)
+PresetStore::PresetStore(const CFStringRef& printerName, ZANPPD& description, PDEData& paneData)
     : model(description)
     , data(paneData)
     , file(system().ConfigFolder() / "torka" / "presets" / fileNameFor(utf8Text(printerName))) {}

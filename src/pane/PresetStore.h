@@ -33,7 +33,7 @@ public:
         notWritten, // the file could not be written; what is kept is as it was
     };
 
-    PresetStore(CFStringRef printerName, ZANPPD& model, PDEData& paneData);
+    PresetStore(const CFStringRef& printerName, ZANPPD& model, PDEData& paneData);
     PresetStore(const PresetStore&) = delete;
     PresetStore& operator=(const PresetStore&) = delete;
 

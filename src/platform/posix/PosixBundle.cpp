@@ -41,7 +41,7 @@ CFDictionaryRef readDictionary(const fs::path& path, std::string& reason) {
     }
     const CFPropertyListRef list =
         CFPropertyListCreateFromXMLData(CFDataCreate(content.data(), content.size()), &reason);
-    const auto dictionary = cfCast<CFDictionary>(list);
+    auto dictionary = cfCast<CFDictionary>(list);
     if (list && !dictionary) {
         reason = "it holds no dictionary";
     }
@@ -69,7 +69,7 @@ public:
                                 std::string_view table) const override {
         for (const std::string& language : Languages()) {
             const CFDictionaryRef strings = Table(language, table);
-            if (const auto text = cfCast<CFString>(CFDictionaryGetValue(strings, key))) {
+            if (auto text = cfCast<CFString>(CFDictionaryGetValue(strings, key))) {
                 return text;
             }
         }
