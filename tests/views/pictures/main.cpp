@@ -7,7 +7,9 @@
 #include "pane/views/FieldPage.h"
 #include "tests/views/ViewFixture.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QStyleFactory>
@@ -68,6 +70,12 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     pane.Editor().SetValue("*QVStaple", "Saddle");
     pane.Editor().SetValue("*QVFoldStyle", "Half");
     pane.Editor().SetValue("*MediaType", "Labels");
+    if (auto* box = pane.Find<QComboBox>("*QVFoldStyle")) {
+        box->showPopup();
+        QCoreApplication::processEvents();
+        box->view()->window()->grab().save(folder + QLatin1Char('/') + prefix + QStringLiteral("-popup.png"));
+        box->hidePopup();
+    }
     const auto before = Clock::now();
     pane.Editor().SetValue("*QVDuplex", "LongEdge");
     QCoreApplication::processEvents();
