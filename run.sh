@@ -20,11 +20,14 @@ dialog() { # ARGUMENT...: the print dialog over a private server with the sample
     ./scripts/cups-sandbox run bash -c '
         set -e
         ppd=$1; shift
-        cp -r samples/server-data/. "$TORKA_SYSTEM_ROOT/etc/torka/controllers/"
+        controller="$TORKA_SYSTEM_ROOT/etc/torka/controllers/127.0.0.1"
+        mkdir -p "$controller"
+        cp -r samples/server-data/. "$controller/"
         keys="$TORKA_SYSTEM_ROOT/Library/Application Support/ZAN"
         mkdir -p "$keys"
         cp samples/FieldKeys.plist "$keys/"
         torka queue add Production torkasink:/ "$ppd"
+        torka address set -d Production --two-way Production 127.0.0.1
         torka-print-dialog --queue Production "$@"' dialog "$ppd" "$@"
 }
 if [ "${1:-}" = "--dialog" ]; then
