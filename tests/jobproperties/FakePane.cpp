@@ -58,8 +58,8 @@ SDMRESULT getHoldQueue(SDMHANDLE /*handle*/, SDMKeyValueList** first, SDMKeyValu
 }
 
 SDMRESULT getTrays(SDMHANDLE /*handle*/, SDMTrayInfoArray** trays) {
-    if (current->whenAskedForTrays)
-        current->whenAskedForTrays();
+    if (const auto act = std::exchange(current->whenAskedForTrays, nullptr))
+        act();
     if (current->trays.empty())
         return SDM_NOT_AVAILABLE;
     auto* items = static_cast<SDMTrayInfo*>(current->Give(current->trays.size() * sizeof(SDMTrayInfo)));

@@ -52,7 +52,7 @@ public:
     Pairs information, help, lockedKeys;
     std::vector<std::wstring> presetNames;
     Pairs presetJob, presetTessel, presetValues; // of the first preset
-    std::function<void()> whenAskedForTrays;
+    std::function<void()> whenAskedForTrays;     // once
 
     // What the pane hands over, and what comes back.
     Pairs settings, templateSettings, readOnly, veiled;

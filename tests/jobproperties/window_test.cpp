@@ -24,8 +24,7 @@ namespace {
 
 // What a person would do with the window; runs once it is open.
 void whenOpen(FakePane& pane, const std::function<void(QDialog&)>& act) {
-    pane.whenAskedForTrays = [&pane, act] {
-        pane.whenAskedForTrays = nullptr;
+    pane.whenAskedForTrays = [act] {
         QTimer::singleShot(0, [act] {
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
