@@ -172,7 +172,7 @@ void BonjourModuleController::Alert(std::string_view key, std::string_view engli
 }
 
 CFStringRef BonjourModuleController::AddressNamedBy(const CFStringRef& text) const {
-    const CFStringRef name = withoutServiceDomain(text);
+    CFStringRef name = withoutServiceDomain(text);
     const std::string alias = utf8Text(name);
     for (const FoundController& controller : shown) {
         const auto& aliases = controller.aliases;
@@ -431,10 +431,8 @@ void BonjourModuleController::EndResolution() {
 
 void BonjourModuleController::netServiceDidResolveAddress(const NetService& service,
                                                           const ResolvedService& resolved) {
-    const NetService which = service; // may belong to the resolution, which ends here
-    const ResolvedService answer = resolved;
     EndResolution();
-    list->Learn(which, answer);
+    list->Learn(service, resolved);
     ReloadTable();
     const std::optional<std::size_t> place = SelectedPlace();
     // A person may have typed something else while it was resolved.

@@ -232,21 +232,19 @@ void ControllerList::didNotSearch(const std::string& reason) {
 }
 
 void ControllerList::netServiceDidResolveAddress(const NetService& service, const ResolvedService& resolved) {
-    const NetService which = service; // may belong to the resolution, which ends here
-    Learn(which, resolved);
-    EndResolution(which);
+    Learn(service, resolved);
+    EndResolution(service);
 }
 
 void ControllerList::didNotResolve(const NetService& service, const std::string& /*reason*/) {
-    const NetService which = service;
-    Entry* entry = Find(which);
+    Entry* entry = Find(service);
     if (entry != nullptr && entry->state == Entry::State::waiting) {
         entry->state = Entry::State::idle;
-        if (entry->service.type != which.type) { // its type changed meanwhile
+        if (entry->service.type != service.type) { // its type changed meanwhile
             Await(*entry);
         }
     }
-    EndResolution(which);
+    EndResolution(service);
 }
 
 } // namespace torka

@@ -83,7 +83,8 @@ public:
     ServiceResolutionDelegate(const ServiceResolutionDelegate&) = delete;
     ServiceResolutionDelegate& operator=(const ServiceResolutionDelegate&) = delete;
     virtual ~ServiceResolutionDelegate();
-    // One of the two, once.
+    // One of the two, once. What is handed over lasts until the call returns, also when the activity ends
+    // within it.
     virtual void netServiceDidResolveAddress(const NetService& service, const ResolvedService& resolved) = 0;
     virtual void didNotResolve(const NetService& service, const std::string& reason) = 0;
 };

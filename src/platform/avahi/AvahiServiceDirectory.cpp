@@ -119,7 +119,7 @@ private:
     void Proceed() {
         if (std::exchange(isBroken, false)) {
             Close();
-            TellAll(activities, "Avahi: the daemon has gone");
+            TellAll(std::vector<Activity*>(activities), "Avahi: the daemon has gone");
             return;
         }
         std::string reason;
@@ -136,12 +136,11 @@ private:
         }
     }
 
-    // The delegates may destroy any of them.
+    // The delegates may destroy any of them, so `told` is a list apart.
     void TellAll(const std::vector<Activity*>& told, const std::string& reason) {
         myNSLogC("%s", reason.c_str());
-        const std::vector<Activity*> copy = told;
         unbegun.clear();
-        for (Activity* activity : copy) {
+        for (Activity* activity : told) {
             if (std::find(activities.begin(), activities.end(), activity) != activities.end()) {
                 activity->Fail(reason);
             }

@@ -74,10 +74,11 @@ public:
         InstallEventLoopTimer(
             GetMainEventLoop(), answers ? net.answerTime : timeout, kEventDurationForever,
             [this, answers, answer = answers ? *known->answer : ResolvedService()](const EventLoopTimerRef&) {
+                const NetService told = service; // this may end with the call
                 if (answers) {
-                    delegate.netServiceDidResolveAddress(service, answer);
+                    delegate.netServiceDidResolveAddress(told, answer);
                 } else {
-                    delegate.didNotResolve(service, "timed out");
+                    delegate.didNotResolve(told, "timed out");
                 }
             },
             end);
