@@ -78,14 +78,15 @@ public:
     }
 };
 
-void guardFromWheel(QWidget& row) {
-    auto* guard = new WheelGuard(&row);
+std::unique_ptr<QObject> guardFromWheel(const QWidget& row) {
+    auto guard = std::make_unique<WheelGuard>();
     for (QWidget* child : row.findChildren<QWidget*>()) {
         if (qobject_cast<QComboBox*>(child) != nullptr || qobject_cast<QAbstractSpinBox*>(child) != nullptr ||
             qobject_cast<QAbstractSlider*>(child) != nullptr) {
-            child->installEventFilter(guard);
+            child->installEventFilter(guard.get());
         }
     }
+    return guard;
 }
 
 } // namespace
@@ -124,7 +125,7 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
         focus->setFocus(); // the button is gone
     });
     setPlainToolTip(*focus, Description());
-    guardFromWheel(*body);
+    wheelGuard = guardFromWheel(*body);
     ShowLock();
 }
 

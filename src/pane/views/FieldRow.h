@@ -2,6 +2,8 @@
 
 #include "pane/views/PaneContext.h"
 
+#include <QObject>
+
 #include <memory>
 
 class QLabel;
@@ -58,6 +60,7 @@ private:
     QLabel* label = nullptr;
     QToolButton* information = nullptr;
     QToolButton* reset = nullptr;
+    std::unique_ptr<QObject> wheelGuard;
     QString resetTip;
 };
 
