@@ -31,6 +31,10 @@ std::string BidiFailure::Text(std::string_view key, std::string_view defaultText
 }
 
 void BidiFailure::showBiDiError() {
+    if (quiet) {
+        choice = BidiChoice::cancel;
+        return;
+    }
     ++timesShown;
     const AlertButton pressed = alerts().RunModal({
         Text("BIDI_SPOOLER_DELAY_S", "Two-Way Communication with the Torka controller cannot be established"),

@@ -24,6 +24,8 @@ public:
     explicit BidiFailure(StringLookup lookup = {})
         : strings(std::move(lookup)) {}
 
+    // While quiet nobody is asked: nothing is shown or counted, and the choice is cancel.
+    void SetQuiet(bool on) { quiet = on; }
     // Shows the message; the choice is continueBidiOff when its default button was pressed, else cancel.
     void showBiDiError();
     // False when the printer is idle. A printer that processes a job without telling anything about it gets
@@ -39,6 +41,7 @@ private:
     StringLookup strings;
     BidiChoice choice = BidiChoice::cancel;
     int timesShown = 0;
+    bool quiet = false;
 };
 
 } // namespace torka

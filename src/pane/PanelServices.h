@@ -25,6 +25,8 @@ public:
     virtual void setCustomizeQuickAccessButtonButtonStatusON(bool on) = 0;
     // Shows an address in the pane's own field.
     virtual void showPrinterAddress(const CFStringRef& address) = 0;
+    // The person has stored another address or two-way state.
+    virtual void printerAddressStored(bool /*twoWay*/) {}
     // Brings the host application with its last window to the front.
     virtual void bringToFront() = 0;
 

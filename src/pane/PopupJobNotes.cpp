@@ -4,7 +4,9 @@
 #include "bidi/CPPDMsgHdlr.h"
 #include "bidi/SpoolerCommands.h"
 #include "output/ZANJobNote.h"
+#include "pane/CustomizePaneController.h"
 #include "pane/PanelState.h"
+#include "platform/Log.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
@@ -57,6 +59,55 @@ void lookForPopupJobNotes(const ZANPPD& model) {
         gPopupJobNotesFoundOne = gPopupJobNotesFoundOne || (note != nullptr && note->IsPopupJN());
     });
     gPopupJobNotesDoneInitializing = true;
+}
+
+std::vector<PPDXJobNote*> popupJobNotes(const ZANPPD& model) {
+    constexpr std::size_t mostFields = 15;
+    std::vector<PPDXJobNote*> notes;
+    model.GetControls()->ForEach([&](PPDXControl* control) {
+        auto* note = dynamic_cast<PPDXJobNote*>(control);
+        if (note == nullptr || note->Keyword() == nullptr || !note->IsPopupJN()) {
+            return;
+        }
+        if (notes.size() < mostFields) {
+            notes.push_back(note);
+        } else {
+            myNSLogC("The popup job-note dialog has no field left for %s.", note->Keyword());
+        }
+    });
+    return notes;
+}
+
+std::vector<std::string> popupJobNoteFields(std::size_t notes) {
+    std::vector<std::string> fields;
+    const auto addRow = [&](std::size_t row) {
+        for (std::size_t column = 1; column <= row && fields.size() < notes; ++column) {
+            fields.push_back(std::to_string(row) + std::to_string(column));
+        }
+    };
+    if (notes <= popupJobNoteCount) {
+        addRow(notes);
+        return fields;
+    }
+    for (std::size_t row = popupJobNoteCount; row > 0; --row) {
+        addRow(row);
+    }
+    return fields;
+}
+
+bool isPopupJobNoteRemembered(const ZANPPD& model, const PPDXJobNote& note) {
+    return isRemembered(model, note);
+}
+
+bool mustAskForPopupJobNotes(const std::vector<PPDXJobNote*>& notes) {
+    if (gPopupJobNotesSavedEnable != '1' || gPopupJobNotesSavedSetting != '0' ||
+        gPopupJobNotesDefaultsButton != 0) {
+        return true;
+    }
+    return std::ranges::any_of(notes, [](PPDXJobNote* note) {
+        return !note->IsOnOffSwitch() &&
+               lengthOfNote(*note, CFStringGetLength(note->CopyNotes())) != NoteLength::good;
+    });
 }
 
 std::string popupJobNotePreferences(const ZANPPD& model) {

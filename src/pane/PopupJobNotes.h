@@ -4,16 +4,29 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The popup job notes: those that are asked for before a job is printed, and what is remembered of them
 // (docs/presets.md tells the stored form).
 
 namespace torka {
 
+class PPDXJobNote;
 class ZANPPD;
 
 // Looks for notes flagged "PopupJN", and sets gPopupJobNotesFoundOne and gPopupJobNotesDoneInitializing.
 void lookForPopupJobNotes(const ZANPPD& model);
+
+// The notes that the dialog asks for, in the description's order; no more than it has fields.
+std::vector<PPDXJobNote*> popupJobNotes(const ZANPPD& model);
+// The numbers of the fields for that many notes, "11" to "55": row n of the fields serves n notes. More than
+// five notes take the rows from the longest on.
+std::vector<std::string> popupJobNoteFields(std::size_t notes);
+// Whether a value of the note is kept for the next job.
+bool isPopupJobNoteRemembered(const ZANPPD& model, const PPDXJobNote& note);
+// False when the person wants to be asked only where something is missing, and nothing is. The defaults
+// button (gPopupJobNotesDefaultsButton) makes the dialog ask again.
+bool mustAskForPopupJobNotes(const std::vector<PPDXJobNote*>& notes);
 
 // What QVPDEDataWrite stores: three characters (enable, setting, show last) from the globals of PanelState.h,
 // then a line "KEYWORD=VALUE" for each popup note that is to be remembered. Secret notes are never in it.

@@ -76,7 +76,27 @@ ServerExchange::Answer ServerExchange::Chosen() const {
 
 ServerExchange::Answer ServerExchange::FetchServerData(const PMPrinter& printer, std::string_view address,
                                                        std::string_view dynamicKeys,
-                                                       const std::function<void()>& resetKeys) {
+                                                       const std::function<void()>& resetKeys,
+                                                       Failures failures) {
+    failure.SetQuiet(failures == Failures::quiet);
+    const Answer answer = Fetch(printer, address, dynamicKeys, resetKeys, failures);
+    failure.SetQuiet(false);
+    SetState(answer == Answer::read ? State::read : State::failed);
+    return answer;
+}
+
+void ServerExchange::Forget() { SetState(State::nothing); }
+
+void ServerExchange::SetState(State newState) {
+    state = newState;
+    for (const auto& listener : listeners) {
+        listener();
+    }
+}
+
+ServerExchange::Answer ServerExchange::Fetch(const PMPrinter& printer, std::string_view address,
+                                             std::string_view dynamicKeys,
+                                             const std::function<void()>& resetKeys, Failures failures) {
     const ScopedWait wait;
     const WaitObserver observer = ScopedWait::Observer();
     const int shownAtStart = failure.TimesShown();
@@ -84,7 +104,7 @@ ServerExchange::Answer ServerExchange::FetchServerData(const PMPrinter& printer,
         if (failure.TimesShown() > shownAtStart) {
             return Chosen();
         }
-        if (ScopedWait::IsCancelled()) {
+        if (ScopedWait::IsCancelled() || failures == Failures::quiet) {
             return Answer::stop;
         }
     }

@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace torka {
 
@@ -44,18 +46,33 @@ public:
         withoutData, // failed, and the person goes on without two-way communication
         stop,        // failed or stopped, and the person gives up
     };
+    // Whether a failure is shown as a message, or left to whoever looks at State().
+    enum class Failures { told, quiet };
+    // What the last request of server data came to.
+    enum class State { nothing, read, failed };
+
     // Sends a request and reads its answer. `resetKeys` is called first when the address is another than
-    // before. A failure shows its message.
+    // before.
     Answer FetchServerData(const PMPrinter& printer, std::string_view address, std::string_view dynamicKeys,
-                           const std::function<void()>& resetKeys);
+                           const std::function<void()>& resetKeys, Failures failures = Failures::told);
+    State GetState() const { return state; }
+    // Nothing is known of the controller any more: two-way communication is off, or with another one.
+    void Forget();
+    // Called after each change of the state and each reading.
+    void AddListener(std::function<void()> listener) { listeners.push_back(std::move(listener)); }
 
 private:
     Answer Chosen() const;
+    Answer Fetch(const PMPrinter& printer, std::string_view address, std::string_view dynamicKeys,
+                 const std::function<void()>& resetKeys, Failures failures);
+    void SetState(State newState);
 
     BidiFailure failure;
     BidiFilePaths paths;
     std::unique_ptr<BidiDataFile> dataFile;
     ServerDataRequests requests;
+    State state = State::nothing;
+    std::vector<std::function<void()>> listeners;
 };
 
 } // namespace torka

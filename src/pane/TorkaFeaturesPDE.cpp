@@ -144,6 +144,7 @@ void TorkaFeaturesPDE::defaultsButtonClicked() {
     if (!gIgnoreButtonEvents) {
         self.myUi_Panel->ResetControlsToDefault();
         self.myUi_Panel->DrawUserPane();
+        gPopupJobNotesDefaultsButton = 1;
     }
 }
 

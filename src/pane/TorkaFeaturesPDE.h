@@ -5,6 +5,8 @@
 #include "pane/PaneInterface.h"
 #include "pane/PanelServices.h"
 #include "pane/PanelState.h"
+#include "pane/ServerExchange.h"
+#include "platform/EventLoop.h"
 #include "platform/PrintDialogExtension.h"
 
 #include <filesystem>
@@ -18,7 +20,6 @@ namespace torka {
 class BonjourModuleController;
 class PDEData;
 class PresetStore;
-class ServerExchange;
 class UI_Panel;
 class ZANPPD;
 struct DeferredCommands;
@@ -110,6 +111,7 @@ public:
 
     // PanelServices
     void showPrinterAddress(const CFStringRef& address) override;
+    void printerAddressStored(bool twoWay) override;
     void bringToFront() override;
     std::filesystem::path bundlePath() const override;
     PMPrinter currentPrinter() const override { return self.printer; }
@@ -127,6 +129,9 @@ public:
     // Applies the automation presets file, see docs/presets.md; once a panel, before its first display.
     void loadAutomationFileAndLoadPrintSetting();
 
+    // Reads the controller's data soon, from the event loop, when two-way communication is on and an address
+    // is known. Does nothing while a reading is under way, and without an event loop.
+    void requestServerData(ServerExchange::Failures failures);
     // Sends what was held back so that nothing waits for the spooler before the first painting.
     void sendDeferredCommands();
 
@@ -181,6 +186,8 @@ private:
     void TakeDocumentServer();
     void WriteTicket(EmissionPurpose purpose);
     void TellLeftOutNotes();
+    void FetchServerData(ServerExchange::Failures failures);
+    ServerExchange::Answer Fetch(ServerExchange::Failures failures);
     void RefreshFromCallback();
 
     Variables self;
@@ -189,6 +196,8 @@ private:
     std::unique_ptr<PresetStore> presets;
     std::unique_ptr<ServerExchange> server;
     std::shared_ptr<DeferredCommands> deferred;
+    EventLoopTimerRef fetchTimer;
+    bool isFetching = false;
 };
 
 } // namespace torka

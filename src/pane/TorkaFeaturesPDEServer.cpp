@@ -23,10 +23,7 @@ void TorkaFeaturesPDE::launchFullProperties() {
         self.myUi_Panel->LaunchJobProperties(openFullProperties);
         return;
     }
-    const std::string address = utf8Text(self.bonjourViewRef ? self.bonjourViewRef->printerIPField()
-                                                             : self.myPDEData->GetCorvianPrinterAddress());
-    switch (server->FetchServerData(self.printer, address, getDynamicPPDKeys(),
-                                    [this] { resetJPServerpresetKeys(); })) {
+    switch (Fetch(ServerExchange::Failures::told)) {
     case ServerExchange::Answer::read:
         self.myUi_Panel->LaunchJobProperties(openFullProperties);
         break;
@@ -40,6 +37,54 @@ void TorkaFeaturesPDE::launchFullProperties() {
     case ServerExchange::Answer::stop:
         break;
     }
+}
+
+ServerExchange::Answer TorkaFeaturesPDE::Fetch(ServerExchange::Failures failures) {
+    const std::string address = utf8Text(self.bonjourViewRef ? self.bonjourViewRef->printerIPField()
+                                                             : self.myPDEData->GetCorvianPrinterAddress());
+    isFetching = true;
+    const auto answer = server->FetchServerData(
+        self.printer, address, getDynamicPPDKeys(), [this] { resetJPServerpresetKeys(); }, failures);
+    isFetching = false;
+    return answer;
+}
+
+void TorkaFeaturesPDE::printerAddressStored(bool twoWay) {
+    server->Forget(); // what is shown may be another controller's
+    if (twoWay) {
+        requestServerData(ServerExchange::Failures::told);
+    }
+}
+
+void TorkaFeaturesPDE::requestServerData(ServerExchange::Failures failures) {
+    if (isFetching || !self.myPDEData->isBIDIEnabled() ||
+        CFStringGetLength(self.myPDEData->GetCorvianPrinterAddress()) == 0) {
+        return;
+    }
+    InstallEventLoopTimer(
+        GetMainEventLoop(), EventTimerInterval(0), kEventDurationForever,
+        [panel = weak_from_this(), failures](const EventLoopTimerRef&) {
+            if (const auto alive = panel.lock()) {
+                alive->FetchServerData(failures);
+            }
+        },
+        fetchTimer);
+}
+
+void TorkaFeaturesPDE::FetchServerData(ServerExchange::Failures failures) {
+    // Since the timer was set a wait may have begun, or the person have switched it off.
+    if (isFetching || gIgnoreButtonEvents || !self.myPDEData->isBIDIEnabled()) {
+        return;
+    }
+    sendDeferredCommands();
+    if (Fetch(failures) != ServerExchange::Answer::withoutData) {
+        return;
+    }
+    if (self.bonjourViewRef) {
+        self.bonjourViewRef->setBIDIStatusON(false);
+    }
+    self.myPDEData->SetCorvianPrinterAddress(self.myPDEData->GetCorvianPrinterAddress(), false);
+    server->Forget();
 }
 
 bool TorkaFeaturesPDE::sendUpdateCommandToCFFWithCommand(std::string_view command) {

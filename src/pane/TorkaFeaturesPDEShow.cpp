@@ -72,6 +72,10 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
 void TorkaFeaturesPDE::TakeRememberedSettings() {
     presets->ApplyLastUsed();
     if (!hasNoPopupJobNotes()) {
+        // They are asked for with each job; whether the last values come back, their preferences say.
+        for (PPDXJobNote* note : popupJobNotes(*self.myppd)) {
+            note->ResetToDefaultValue();
+        }
         self.myppd->ReadPUJNPrefs();
         applyPopupJobNotePreferences(*self.myppd);
     }

@@ -267,6 +267,7 @@ bool TorkaFeaturesPDE::LoadInterface() {
     interface->whenFirstPainted([panel = weak_from_this()] {
         if (const auto alive = panel.lock()) {
             alive->sendDeferredCommands();
+            alive->requestServerData(ServerExchange::Failures::quiet);
         }
     });
     return true;

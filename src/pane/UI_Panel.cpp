@@ -325,7 +325,11 @@ void UI_Panel::setsBonjourModuleController(BonjourModuleController* controller) 
 CFStringRef UI_Panel::storedPrinterAddress() { return mPDEData->GetCorvianPrinterAddress(); }
 
 bool UI_Panel::storePrinterAddress(const CFStringRef& address, bool twoWay) {
-    return mPDEData->SetCorvianPrinterAddress(address, twoWay);
+    const bool stored = mPDEData->SetCorvianPrinterAddress(address, twoWay);
+    if (panel) {
+        panel->printerAddressStored(twoWay);
+    }
+    return stored;
 }
 
 void UI_Panel::showPrinterAddress(const CFStringRef& address) {

@@ -6,11 +6,13 @@
 #include "tests/apps/Tool.h"
 #include "tests/e2e/Sandbox.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
@@ -104,10 +106,25 @@ protected:
         QTest::qWait(10);
     }
 
-    // The print button; answers the job's number and follows the job to its end.
-    int Print(PrintDialog& dialog) {
+    static void PressPrint(PrintDialog& dialog) {
         auto* buttons = dialog.findChild<QDialogButtonBox*>();
         QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    }
+
+    // What the person does once the job's notes are asked for, if they are.
+    static void AnswerPopupNotes(const std::function<void(QDialog&)>& person) {
+        QTimer::singleShot(0, qApp, [person] {
+            auto* popup = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (popup != nullptr && popup->objectName() == QLatin1String("popupJobNotes")) {
+                person(*popup);
+            }
+        });
+    }
+
+    // The print button; answers the job's number and follows the job to its end.
+    int Print(PrintDialog& dialog) {
+        AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
+        PressPrint(dialog);
         EXPECT_EQ(dialog.result(), QDialog::Accepted);
         QString error;
         dialog::Document document;
@@ -148,6 +165,83 @@ TEST_F(DialogTest, WhatIsSetReachesTheDeviceAndComesBackInTheNextDialog) {
     const auto shown = Open();
     EXPECT_EQ(Field<QComboBox>(*shown->dialog, "*QVStaple")->currentText(), "Saddle Stitch");
     EXPECT_EQ(Field<QLineEdit>(*shown->dialog, "*Notes1")->text(), "Two proofs");
+}
+
+TEST_F(DialogTest, PopupNotesAreAskedForAndComeBack) {
+    AddQueue("Popup", samplePath("torka-production.ppd"));
+    int job = 0;
+    {
+        const auto shown = Open("Popup");
+        PrintDialog& dialog = *shown->dialog;
+        AnswerPopupNotes([](QDialog& popup) { popup.reject(); });
+        PressPrint(dialog);
+        EXPECT_TRUE(dialog.isVisible()) << "cancelled, the dialog stays";
+        AnswerPopupNotes([](QDialog& popup) {
+            auto* line = popup.findChild<QLineEdit*>("popupJobNoteVal21");
+            line->selectAll();
+            QTest::keyClicks(line, "4711x08");
+            popup.findChild<QCheckBox*>("popupJobNoteLast2")->setChecked(true);
+            popup.accept();
+        });
+        PressPrint(dialog);
+        EXPECT_EQ(dialog.result(), QDialog::Accepted);
+        QString error;
+        dialog::Document document;
+        ASSERT_TRUE(dialog::openDocument(QString::fromStdString(samplePath("brochure.ps")), document, error));
+        job = dialog::submitDocument(document, dialog, error);
+        dialog::JobProgress progress(dialog.queue(), job, document.name);
+        QTimer::singleShot(20000, &progress, &QDialog::reject);
+        EXPECT_EQ(progress.exec(), QDialog::Accepted);
+    }
+    EXPECT_NE(sandbox->Printed(job).find("471108"), std::string::npos);
+    const auto shown = Open("Popup");
+    QString account;
+    AnswerPopupNotes([&](QDialog& popup) {
+        account = popup.findChild<QLineEdit*>("popupJobNoteVal21")->text();
+        popup.reject();
+    });
+    PressPrint(*shown->dialog);
+    EXPECT_EQ(account, "471108");
+}
+
+TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
+    AddQueue("Live", samplePath("torka-production.ppd"));
+    const auto controllers = *sandbox / "root/etc/torka/controllers";
+    std::filesystem::create_directories(controllers);
+    std::filesystem::copy(samplePath("server-data"), controllers / "10.0.0.5",
+                          std::filesystem::copy_options::recursive);
+    const auto waitForGauges = [](PrintDialog& dialog) {
+        auto* gauges = dialog.tab().findChild<QWidget*>("gauges");
+        return gauges != nullptr && QTest::qWaitFor([&] { return gauges->isVisible(); }, 20000);
+    };
+    const auto told = [](PrintDialog& dialog) {
+        QStringList names;
+        for (const auto* bar : dialog.tab().findChild<QWidget*>("gauges")->findChildren<QProgressBar*>()) {
+            names.append(bar->accessibleName());
+        }
+        return names;
+    };
+    {
+        const auto shown = Open("Live");
+        PrintDialog& dialog = *shown->dialog;
+        EXPECT_FALSE(dialog.tab().findChild<QWidget*>("gauges")->isVisible());
+        auto* box = dialog.tab().findChild<QCheckBox*>("bidiCheckBox");
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+        auto* sheet = qobject_cast<QDialog*>(QApplication::activeModalWidget()); // no address yet
+        ASSERT_NE(sheet, nullptr);
+        auto* address = sheet->findChild<QLineEdit*>("addressField");
+        address->selectAll();
+        QTest::keyClicks(address, "10.0.0.5");
+        sheet->accept();
+        ASSERT_TRUE(waitForGauges(dialog)) << sandbox->ErrorLog();
+        EXPECT_TRUE(told(dialog).contains("Tray 1 – Plain paper, A4: 76 %")) << told(dialog).size();
+        EXPECT_TRUE(told(dialog).contains("Magenta: 8 %, needs attention"));
+        dialog.reject();
+    }
+    // Remembered as on, it is read again after the first painting.
+    const auto shown = Open("Live");
+    EXPECT_TRUE(waitForGauges(*shown->dialog));
+    EXPECT_EQ(told(*shown->dialog).size(), 12);
 }
 
 TEST_F(DialogTest, AForbiddenChoiceIsGreyAndSaysWhy) {

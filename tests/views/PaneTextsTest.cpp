@@ -1,4 +1,5 @@
 #include "pane/views/FieldTexts.h"
+#include "pane/views/LiveWords.h"
 #include "platform/PropertyList.h"
 #include "tests/support/TestSupport.h"
 #include "tests/views/ViewFixture.h"
@@ -44,13 +45,15 @@ QChar shortcutOf(const QString& text) {
 
 TEST(PaneTexts, EveryLanguageHasEveryTextWithItsPlaces) {
     std::set<std::string> keys;
-    for (const PaneWord& word : paneWords) {
+    std::vector<PaneWord> all(paneWords.begin(), paneWords.end());
+    all.insert(all.end(), liveWords.begin(), liveWords.end());
+    for (const PaneWord& word : all) {
         EXPECT_TRUE(keys.insert(word.key).second) << word.key;
     }
     for (const char* language : {"en", "de", "fr", "ja", "zh_CN"}) {
         const auto table = tableOf(language);
         EXPECT_EQ(table.size(), keys.size()) << language;
-        for (const PaneWord& word : paneWords) {
+        for (const PaneWord& word : all) {
             const auto text = table.find(word.key);
             ASSERT_NE(text, table.end()) << language << ' ' << word.key;
             const QString english = QString::fromUtf8(word.english);

@@ -24,6 +24,18 @@ CFStringRef cfText(const QString& text) { return CFStringCreateWithCharacters(te
 
 } // namespace
 
+void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& accepted) {
+    const QString shown = qTextOf(accepted);
+    if (shown == line.text()) {
+        return;
+    }
+    // What was taken out stood before the cursor.
+    const auto lost = static_cast<int>(typed.size() - shown.size());
+    const int cursor = line.cursorPosition() - std::max(lost, 0);
+    line.setText(shown);
+    line.setCursorPosition(std::clamp(cursor, 0, static_cast<int>(shown.size())));
+}
+
 NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
     , line(new QLineEdit(Body()))
@@ -61,14 +73,7 @@ void NoteRow::Typed(const QString& text) {
     context.editor.Edit(
         *field.control, [&] { result = context.controller.controlTextDidChange(tag, cfText(text)); }, true);
     typing = false;
-    const QString shown = qTextOf(result);
-    if (shown != line->text()) {
-        // What was taken out stood before the cursor.
-        const auto lost = static_cast<int>(text.size() - shown.size());
-        const int cursor = line->cursorPosition() - std::max(lost, 0);
-        line->setText(shown);
-        line->setCursorPosition(std::clamp(cursor, 0, static_cast<int>(shown.size())));
-    }
+    showAcceptedText(*line, text, result);
     ShowLength();
 }
 
@@ -84,9 +89,9 @@ void NoteRow::ShowLength() {
     const auto length = static_cast<std::int64_t>(line->text().size());
     const PPDXJobNote& note = Note();
     const QString longest = QString::number(note.MaxLength());
-    const bool missing = note.IsRequired() && length == 0;
-    const bool wrong = missing || length > note.MaxLength() || (length > 0 && length < note.MinLength()) ||
-                       (length > 0 && note.IsLengthReq() && length != note.MaxLength());
+    const NoteLength state = lengthOfNote(note, length);
+    const bool missing = state == NoteLength::missing;
+    const bool wrong = state != NoteLength::good;
     counter->setText(missing ? context.Say(words::required)
                              : QString::number(length) + QStringLiteral(" / ") + longest);
     counter->setAccessibleName(context.Say(words::lengthOf, QString::number(length), longest));

@@ -12,6 +12,10 @@ namespace torka {
 
 class PPDXJobNote;
 
+// Puts what may stand in a note's field into it, after `typed` was typed there; the cursor stays behind what
+// was typed last.
+void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& accepted);
+
 // A job note: a line of text that holds only what the note allows, with a counter of its length.
 class NoteRow final : public FieldRow {
 public:

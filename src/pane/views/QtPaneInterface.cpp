@@ -1,6 +1,7 @@
 #include "pane/views/QtPaneInterface.h"
 
 #include "pane/CustomizePaneController.h"
+#include "pane/TorkaFeaturesPDE.h"
 #include "pane/views/CustomizePaneWidget.h"
 #include "pane/views/FieldTexts.h"
 #include "pane/views/PaneRoot.h"
@@ -219,6 +220,13 @@ void QtPaneInterface::Connect() {
                              setup.applicationDidBecomeActive();
                          }
                      });
+    if (setup.panel != nullptr) {
+        setup.panel->Server().AddListener([this, alive = QPointer<QObject>(&connections)] {
+            if (alive != nullptr) {
+                ShowTwoWay();
+            }
+        });
+    }
     editor.AddListener([this](const PaneChange& change) {
         if (change.kind != PaneChange::Kind::outside) {
             setup.controller.resetJPServerpresetKeys(); // the settings are the preset's no longer

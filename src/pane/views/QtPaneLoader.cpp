@@ -2,6 +2,7 @@
 #include "pane/ServerExchange.h"
 #include "pane/TorkaFeaturesPDE.h"
 #include "pane/UI_Panel.h"
+#include "pane/views/LiveExtras.h"
 #include "pane/views/QtPaneInterface.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
@@ -32,15 +33,14 @@ PaneSetup setupOf(TorkaFeaturesPDE& owner, const BundleRef& bundle) {
     setup.resetToDefaults = [&owner] { owner.defaultsButtonClicked(); };
     setup.customizeQuickAccess = [&owner] { owner.customizeQuickAccessButtonClicked(); };
     setup.applicationDidBecomeActive = [&owner] { owner.applicationDidBecomeActive(); };
-    setup.twoWayFailed = [&owner] {
-        return owner.Server().printerInBusyState_ContinueBiDiOFF() != BidiChoice::cancel;
-    };
+    setup.twoWayFailed = [&owner] { return owner.Server().GetState() == ServerExchange::State::failed; };
     return setup;
 }
 
 } // namespace
 
 PaneInterfaceLoader qtPaneInterfaceLoader() {
+    registerLiveExtras();
     return [](TorkaFeaturesPDE& owner, const BundleRef& bundle) -> std::unique_ptr<PaneInterface> {
         if (bundle == nullptr || qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
             myNSLogC(

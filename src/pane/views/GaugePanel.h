@@ -1,0 +1,62 @@
+#pragma once
+
+#include "pane/ServerExchange.h"
+#include "pane/ServerGauges.h"
+#include "pane/views/PaneContext.h"
+
+#include <QProgressBar>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+class QGridLayout;
+class QLabel;
+class QScrollArea;
+class QToolButton;
+
+namespace torka {
+
+// Where the gauges have it from. Every function is set.
+struct GaugeSource {
+    std::function<bool()> isOn; // two-way communication
+    std::function<ServerExchange::State()> state;
+    std::function<std::shared_ptr<const std::string>()> data;
+    std::function<void()> readAgain;
+};
+
+// A level as a flat bar: in the colour of its supply, or the palette's.
+class GaugeBar final : public QProgressBar {
+public:
+    explicit GaugeBar(QWidget* parent);
+    QColor fill;           // invalid: the palette's highlight
+    bool isUnknown = true; // drawn empty and dashed
+    bool hasSome = false;  // drawn half, and pale
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+// Trays and supplies of the controller. Takes no place unless two-way communication is on, and then as much
+// as was read; a quiet line tells when reading failed.
+class GaugePanel final : public QWidget {
+public:
+    GaugePanel(const PaneContext& paneContext, GaugeSource gaugeSource, QWidget* parent);
+    void Update();
+
+private:
+    void Fill(const ServerGauges& gauges);
+    void AddRow(QGridLayout& grid, const QString& name, const QString& detail, GaugeBar* bar,
+                bool needsAttention);
+
+    const PaneContext& context;
+    GaugeSource source;
+    QLabel* title;
+    QToolButton* again;
+    QScrollArea* area;
+    std::shared_ptr<const std::string> shown; // what the rows are made of; null for none
+};
+
+} // namespace torka

@@ -1,0 +1,299 @@
+#include "pane/views/PopupJobNoteDialog.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "pane/CustomizePaneController.h"
+#include "pane/PanelState.h"
+#include "pane/PopupJobNotes.h"
+#include "pane/views/FieldTexts.h"
+#include "pane/views/LiveWords.h"
+#include "pane/views/NoteFields.h"
+#include "pane/views/PaneIcons.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace torka {
+namespace {
+
+// What a note holds, to bring it back.
+struct NoteState {
+    CFStringRef text;
+    bool isUtf8 = false;
+    bool isOn = false;
+};
+
+NoteState stateOf(const PPDXJobNote& note) {
+    return {note.CopyNotes(), note.NotesAreUTF8(), note.GetNotesOnValue()};
+}
+
+void restore(PPDXJobNote& note, const NoteState& state) {
+    if (state.isUtf8) {
+        note.SetUTF8Notes(state.text);
+    } else {
+        note.SetCurrentControlWithCFString(state.text);
+    }
+    note.SetNotesOnValue(state.isOn);
+}
+
+class Window final : public QDialog {
+public:
+    Window(PaneContext& paneContext, const std::set<std::string, std::less<>>& observedOutlets,
+           std::vector<PPDXJobNote*> shownNotes, QWidget* parent)
+        : QDialog(parent)
+        , context(paneContext)
+        , observed(observedOutlets)
+        , notes(std::move(shownNotes)) {
+        setObjectName(QStringLiteral("popupJobNotes"));
+        setWindowTitle(context.Say(words::popupTitle));
+        auto* rows = new QVBoxLayout(this);
+        auto* introduction = new QLabel(context.Say(words::popupIntroduction), this);
+        introduction->setTextFormat(Qt::PlainText);
+        introduction->setWordWrap(true);
+        rows->addWidget(introduction);
+        grid = new QGridLayout;
+        rows->addLayout(grid);
+        grid->setColumnStretch(1, 1);
+        const auto numbers = popupJobNoteFields(notes.size());
+        for (std::size_t i = 0; i < notes.size(); ++i) {
+            AddField(*notes[i], numbers[i]);
+        }
+        MakeMessage(*rows);
+        MakePreferences(*rows);
+        auto* buttons = new QDialogButtonBox(this);
+        auto* print = buttons->addButton(context.Say(words::popupPrint), QDialogButtonBox::AcceptRole);
+        print->setDefault(true);
+        buttons->addButton(context.Say(words::popupCancel), QDialogButtonBox::RejectRole)
+            ->setAutoDefault(false);
+        connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+        connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+        rows->addStretch(1);
+        rows->addWidget(buttons);
+    }
+
+    // Stays open, with the first field that cannot go with a job in focus.
+    void accept() override {
+        for (const Field& field : fields) {
+            const NoteLength length = LengthOf(field);
+            if (length == NoteLength::good) {
+                continue;
+            }
+            const QString name = qText(nameOf(*field.note));
+            Tell(length == NoteLength::missing
+                     ? context.Say(words::popupMissing, name)
+                     : context.Say(words::popupWrong, name, noteRules(context, *field.note)));
+            field.line->setFocus();
+            field.line->selectAll();
+            return;
+        }
+        TakePreferences();
+        QDialog::accept();
+    }
+
+private:
+    struct Field {
+        PPDXJobNote* note;
+        QLineEdit* line;
+        QLabel* counter;
+        std::uint32_t tag;
+        bool isLocked;
+    };
+
+    void AddField(PPDXJobNote& note, const std::string& number) {
+        const QString name = qText(nameOf(note));
+        const QString place = qText(number);
+        const int row = grid->rowCount();
+        const bool isLocked = context.editor.LockOf(note) != PaneLock::none;
+        const std::uint32_t tag = context.controller.TagOfJobNote(note.Keyword());
+        if (note.IsOnOffSwitch()) {
+            auto* box = new QCheckBox(labelText(name), this);
+            box->setObjectName(QStringLiteral("popupJobNoteVal") + place);
+            box->setChecked(PaneEditor::Value(note) == "True");
+            box->setEnabled(!isLocked);
+            connect(box, &QCheckBox::clicked, this, [this, tag, changed = &note](bool on) {
+                context.controller.controlTextDidChange(tag, cfString(on ? "True" : "False"));
+                changed->SetNotesOnValue(on);
+            });
+            grid->addWidget(box, row, 1, 1, 2);
+            return;
+        }
+        const bool secret = isSecret(note);
+        const std::string outlet = (secret ? "popupJobNoteSec" : "popupJobNoteVal") + number;
+        auto* label = new QLabel(labelText(name), this);
+        label->setObjectName(QStringLiteral("popupJobNoteKey") + place);
+        label->setWordWrap(true);
+        label->setMaximumWidth(fontMetrics().averageCharWidth() * 32);
+        label->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+        auto* line = new QLineEdit(this);
+        line->setObjectName(qText(outlet));
+        line->setAccessibleName(name);
+        line->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
+        setPlainToolTip(*line, noteRules(context, note));
+        if (secret) {
+            line->setEchoMode(QLineEdit::Password);
+            line->setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
+        }
+        line->setText(qText(PaneEditor::Value(note)));
+        line->setEnabled(!isLocked);
+        label->setBuddy(line);
+        auto* counter = new QLabel(this);
+        counter->setTextFormat(Qt::PlainText);
+        counter->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+        grid->addWidget(label, row, 0);
+        grid->addWidget(line, row, 1);
+        grid->addWidget(counter, row, 2);
+        const Field field{&note, line, counter, tag, isLocked};
+        fields.push_back(field);
+        const bool isChecked = observed.contains(outlet);
+        connect(line, &QLineEdit::textEdited, this, [this, field, isChecked](const QString& text) {
+            const CFStringRef typed = CFStringCreateWithCharacters(text.toStdU16String());
+            if (isChecked) {
+                const CFStringRef accepted = context.controller.controlTextDidChange(field.tag, typed);
+                showAcceptedText(*field.line, text, accepted);
+                Tell(field.line->text() == text ? QString() : noteRules(context, *field.note));
+            } else {
+                field.note->SetCurrentControlWithCFString(typed);
+            }
+            ShowLength(field);
+        });
+        ShowLength(field);
+    }
+
+    static NoteLength LengthOf(const Field& field) {
+        return field.isLocked ? NoteLength::good : lengthOfNote(*field.note, field.line->text().size());
+    }
+
+    void ShowLength(const Field& field) {
+        const NoteLength state = LengthOf(field);
+        const QString length = QString::number(field.line->text().size());
+        const QString longest = QString::number(field.note->MaxLength());
+        field.counter->setText(state == NoteLength::missing ? context.Say(words::required)
+                                                            : length + QStringLiteral(" / ") + longest);
+        field.counter->setAccessibleName(context.Say(words::lengthOf, length, longest));
+        QFont font = field.line->font();
+        font.setBold(state != NoteLength::good);
+        field.counter->setFont(font);
+        field.counter->setForegroundRole(state == NoteLength::good ? QPalette::PlaceholderText
+                                                                   : QPalette::WindowText);
+    }
+
+    void MakeMessage(QVBoxLayout& rows) {
+        auto* line = new QHBoxLayout;
+        sign = new QLabel(this);
+        const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
+        sign->setFixedSize(size, size);
+        message = new QLabel(this);
+        message->setObjectName(QStringLiteral("popupJobNoteMessage"));
+        message->setTextFormat(Qt::PlainText);
+        message->setWordWrap(true);
+        message->setMinimumHeight(fontMetrics().height() * 2); // so that nothing moves when it speaks
+        message->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+        line->addWidget(sign);
+        line->addWidget(message, 1);
+        rows.addLayout(line);
+    }
+
+    void Tell(const QString& text) {
+        const QSize size = sign->size();
+        sign->setPixmap(text.isEmpty() ? QPixmap()
+                                       : paneIcon(PaneSign::warning).pixmap(size, devicePixelRatioF()));
+        message->setText(text);
+    }
+
+    bool HasRemembered() const {
+        return std::ranges::any_of(notes, [this](const PPDXJobNote* note) {
+            return isPopupJobNoteRemembered(context.editor.Model(), *note);
+        });
+    }
+
+    void MakePreferences(QVBoxLayout& rows) {
+        const bool inForce = gPopupJobNotesSavedEnable == '1';
+        const QString row = qText(popupJobNoteFields(notes.size()).front().substr(0, 1));
+        last = new QCheckBox(context.Say(words::popupLast), this);
+        last->setObjectName(QStringLiteral("popupJobNoteLast") + row);
+        last->setChecked(inForce && gPopupJobNotesSavedShowLast == '1');
+        last->setVisible(HasRemembered());
+        setPlainToolTip(*last, context.Say(words::popupLastHint));
+        ask = new QCheckBox(context.Say(words::popupAsk), this);
+        ask->setObjectName(QStringLiteral("popupJobNoteAsk"));
+        ask->setChecked(!inForce || gPopupJobNotesSavedSetting != '0' || gPopupJobNotesDefaultsButton != 0);
+        setPlainToolTip(*ask, context.Say(words::popupAskHint));
+        rows.addWidget(last);
+        rows.addWidget(ask);
+    }
+
+    // They are in force from the first time on that the person wants something else than the defaults.
+    void TakePreferences() {
+        if (last->isChecked() || !ask->isChecked()) {
+            gPopupJobNotesSavedEnable = '1';
+        }
+        gPopupJobNotesSavedShowLast = last->isChecked() ? '1' : '0';
+        gPopupJobNotesSavedSetting = ask->isChecked() ? '1' : '0';
+        gPopupJobNotesDefaultsButton = 0;
+    }
+
+    PaneContext& context;
+    const std::set<std::string, std::less<>>& observed;
+    std::vector<PPDXJobNote*> notes;
+    std::vector<Field> fields;
+    QGridLayout* grid = nullptr;
+    QLabel* sign = nullptr;
+    QLabel* message = nullptr;
+    QCheckBox* last = nullptr;
+    QCheckBox* ask = nullptr;
+};
+
+// Texts of secret notes are kept nowhere.
+void takeTexts(const std::vector<PPDXJobNote*>& notes, std::array<std::string, popupJobNoteCount>& texts) {
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        texts[i] = i < notes.size() && !isSecret(*notes[i]) ? PaneEditor::Value(*notes[i]) : std::string();
+    }
+}
+
+} // namespace
+
+PopupJobNoteDialog::PopupJobNoteDialog(PaneContext& paneContext, QWidget* paneRoot)
+    : context(paneContext)
+    , root(paneRoot) {}
+
+void PopupJobNoteDialog::observeControlTextDidChange(std::string_view outlet) { observed.emplace(outlet); }
+
+bool PopupJobNoteDialog::handlePopupJobnoteUI() {
+    const std::vector<PPDXJobNote*> notes = popupJobNotes(context.editor.Model());
+    if (notes.empty() || !mustAskForPopupJobNotes(notes)) {
+        return true;
+    }
+    std::vector<NoteState> before;
+    for (const PPDXJobNote* note : notes) {
+        before.push_back(stateOf(*note));
+    }
+    takeTexts(notes, gPopupJobNotesSavedNote);
+    // Watched: the print dialog may go while the person is asked, and take the window along.
+    const QPointer<Window> window =
+        new Window(context, observed, notes, root != nullptr ? root->window() : nullptr);
+    const bool accepted = window->exec() == QDialog::Accepted && window != nullptr;
+    delete window.data();
+    if (!accepted) {
+        for (std::size_t i = 0; i < notes.size(); ++i) {
+            restore(*notes[i], before[i]);
+        }
+    }
+    takeTexts(notes, gPopupJobNotesNote);
+    context.editor.Refresh();
+    return accepted;
+}
+
+} // namespace torka

@@ -1,0 +1,210 @@
+#include "pane/views/LiveExtras.h"
+#include "bidi/CFileHdlr.h"
+#include "pane/PanelState.h"
+#include "pane/PopupJobNotes.h"
+#include "pane/views/GaugePanel.h"
+#include "tests/views/ViewFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+
+// The popup job-note dialog and the gauges, with real widgets.
+
+namespace torka::tests {
+namespace {
+
+using testing::ElementsAre;
+
+std::string account(const char* flags, const char* value) {
+    const std::string note = jobNote("QVAccount", flags);
+    const std::size_t end = note.rfind("*%QVAccount"); // the default stands before the note's PostScript
+    return note.substr(0, end) + "*%DefaultQVAccount: \"" + value + "\"\n" + note.substr(end);
+}
+
+struct Asked {
+    explicit Asked(const std::string& notes) {
+        registerLiveExtras();
+        resetPopupJobNotes();
+        viewed = std::make_unique<ViewedPane>(std::make_unique<Pane>(paneHeader + notes));
+        for (const char* kind : {"popupJobNoteVal", "popupJobNoteSec"}) {
+            for (char row = '1'; row <= '5'; ++row) {
+                for (char column = '1'; column <= row; ++column) {
+                    viewed->interface->popupJobNotes().observeControlTextDidChange(std::string(kind) + row +
+                                                                                   column);
+                }
+            }
+        }
+    }
+    ~Asked() { resetPopupJobNotes(); }
+
+    // Asks, and lets `person` work in the dialog; `shown` tells whether there was one.
+    bool Print(const std::function<void(QDialog&)>& person) {
+        shown = false;
+        QTimer::singleShot(0, qApp, [&] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (dialog == nullptr) {
+                return;
+            }
+            shown = true;
+            QTimer::singleShot(10000, dialog, &QDialog::reject);
+            person(*dialog);
+        });
+        const bool answer = viewed->interface->popupJobNotes().handlePopupJobnoteUI();
+        QCoreApplication::processEvents();
+        return answer;
+    }
+    static QLineEdit& Line(QDialog& dialog, const char* name) {
+        auto* line = dialog.findChild<QLineEdit*>(QLatin1String(name));
+        return line != nullptr ? *line : throw std::runtime_error(name);
+    }
+
+    ScopedMemorySystem system;
+    std::unique_ptr<ViewedPane> viewed;
+    bool shown = false;
+};
+
+TEST(PopupJobNotes, AskForEachNoteInItsField) {
+    Asked asked(jobNote("QVFirst", "6|Numeric|Required|LengthReq|PopupJN") +
+                jobNote("QVPin", "8|Numeric|Password|Remembered|PopupJN") + jobNote("QVOther", "9|Alpha"));
+    EXPECT_TRUE(asked.Print([](QDialog& dialog) {
+        auto& first = Asked::Line(dialog, "popupJobNoteVal21");
+        auto& pin = Asked::Line(dialog, "popupJobNoteSec22");
+        EXPECT_EQ(pin.echoMode(), QLineEdit::Password);
+        EXPECT_EQ(first.accessibleName(), "QVFirst name");
+        auto* message = dialog.findChild<QLabel*>("popupJobNoteMessage");
+        QTest::keyClick(&dialog, Qt::Key_Return); // required and empty: stays, and says why
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(message->text(), "“QVFirst name” must be filled in.");
+        QTest::keyClicks(&first, "12a34");
+        EXPECT_EQ(first.text(), "1234") << "each character is checked";
+        QTest::keyClick(&first, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_TRUE(message->text().contains("Exactly 6 characters"));
+        QTest::keyClick(&first, Qt::Key_End);
+        QTest::keyClicks(&first, "567");
+        EXPECT_EQ(first.text(), "123456") << "no more than the note takes";
+        QTest::keyClicks(&pin, "99");
+        QTest::keyClick(&pin, Qt::Key_Return);
+        EXPECT_FALSE(dialog.isVisible());
+    }));
+    EXPECT_EQ(asked.viewed->Value("*QVFirst"), "123456");
+    EXPECT_EQ(asked.viewed->Value("*QVPin"), "99");
+    EXPECT_THAT(gPopupJobNotesNote, ElementsAre("123456", "", "", "", "")) << "secrets are kept nowhere";
+    EXPECT_EQ(popupJobNotePreferences(*asked.viewed->pane->model), "010") << "nothing of a password";
+}
+
+TEST(PopupJobNotes, CancelBringsBackWhatWasThere) {
+    Asked asked(account("20|Alpha|Remembered|PopupJN", "Press"));
+    EXPECT_FALSE(asked.Print([](QDialog& dialog) {
+        QTest::keyClicks(&Asked::Line(dialog, "popupJobNoteVal11"), "Other");
+        dialog.findChild<QCheckBox*>("popupJobNoteLast1")->setChecked(true);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    }));
+    EXPECT_TRUE(asked.shown);
+    EXPECT_EQ(asked.viewed->Value("*QVAccount"), "Press");
+    EXPECT_EQ(gPopupJobNotesSavedShowLast, '0');
+}
+
+TEST(PopupJobNotes, PreferencesAreInForceOnceChanged) {
+    Asked asked(account("20|Alpha|Required|Remembered|PopupJN", "Press"));
+    ASSERT_TRUE(asked.Print([](QDialog& dialog) {
+        dialog.findChild<QCheckBox*>("popupJobNoteLast1")->setChecked(true);
+        dialog.findChild<QCheckBox*>("popupJobNoteAsk")->setChecked(false);
+        dialog.accept();
+    }));
+    EXPECT_EQ(popupJobNotePreferences(*asked.viewed->pane->model), "101\n*QVAccount=Press");
+    const auto accept = [](QDialog& dialog) { dialog.accept(); };
+    EXPECT_TRUE(asked.Print(accept));
+    EXPECT_FALSE(asked.shown);
+    // What is missing is asked for all the same, and the defaults button makes it ask again.
+    asked.viewed->Editor().SetValue("*QVAccount", "");
+    EXPECT_FALSE(asked.Print([](QDialog& dialog) { dialog.reject(); }));
+    EXPECT_TRUE(asked.shown);
+    asked.viewed->Editor().SetValue("*QVAccount", "Press");
+    gPopupJobNotesDefaultsButton = 1;
+    EXPECT_TRUE(asked.Print(accept));
+    EXPECT_TRUE(asked.shown);
+    EXPECT_EQ(popupJobNotePreferences(*asked.viewed->pane->model), "111\n*QVAccount=Press");
+}
+
+TEST(PopupJobNotes, RowsOfFields) {
+    EXPECT_THAT(popupJobNoteFields(1), ElementsAre("11"));
+    EXPECT_THAT(popupJobNoteFields(3), ElementsAre("31", "32", "33"));
+    EXPECT_THAT(popupJobNoteFields(7), ElementsAre("51", "52", "53", "54", "55", "41", "42"));
+    EXPECT_EQ(popupJobNoteFields(15).back(), "11");
+}
+
+std::string dataFile(const std::wstring& trays, const std::wstring& toner) {
+    std::string out;
+    if (!trays.empty()) {
+        CFileHdlr::fileWriteData("TrayInfo", trays.data(), trays.size() * sizeof(wchar_t), out);
+    }
+    CFileHdlr::fileWriteData("TonerInfo", toner.data(), toner.size() * sizeof(wchar_t), out);
+    return out;
+}
+
+TEST(Gauges, ShowWhatTheRecordsTell) {
+    const std::string data = dataFile(L"4\nTray 1@Tray1@Plain@A4@Plain@White@420@550\n"
+                                      L"Tray 2@Tray2@EMPTY@EMPTY@EMPTY@EMPTY@0@550\n"
+                                      L"Tray 3@Tray3@<b>&x@A3@Plain@White@-3@550\n"
+                                      L"Bypass@Bypass@EMPTY@A5@EMPTY@EMPTY@-1@100\n",
+                                      L"3\nCyan@71@10@#00ffff@100@45000@1\nBlack@8@10@NULL@100@60000@1\n"
+                                      L"Waste@95@0@red@90@-1@3\n");
+    ScopedMemorySystem system;
+    ViewedPane pane(std::make_unique<Pane>(paneHeader + popup("QVDuplex", {"None", "Tumble"})));
+    const PaneContext context{pane.Editor(), pane.panel->GetCustomizePane(), nullptr, nullptr,
+                              ViewedPane::english};
+    bool on = false;
+    auto state = ServerExchange::State::nothing;
+    auto content = std::make_shared<const std::string>(data);
+    int asked = 0;
+    QWidget place;
+    GaugePanel gauges(context,
+                      {[&] { return on; }, [&] { return state; }, [&] { return content; }, [&] { ++asked; }},
+                      &place);
+    const auto names = [&] {
+        gauges.Update();
+        std::vector<std::string> told;
+        for (const GaugeBar* bar : gauges.findChildren<GaugeBar*>()) {
+            told.push_back(bar->accessibleName().toStdString());
+        }
+        return told;
+    };
+    const auto isSeen = [&] { return !gauges.isHidden(); };
+    for (const auto quiet : {ServerExchange::State::nothing, ServerExchange::State::read}) {
+        state = quiet; // off
+        EXPECT_THAT(names(), testing::IsEmpty());
+        EXPECT_FALSE(isSeen());
+    }
+    on = true;
+    EXPECT_THAT(names(),
+                ElementsAre("Tray 1 – Plain, A4: 76 %", "Tray 2: 0 %, needs attention",
+                            "Tray 3 – <b>&x, A3: not empty", "Bypass – A5: level not known", "Cyan: 71 %",
+                            "Black: 8 %, needs attention", "Waste: 95 %, needs attention"));
+    EXPECT_TRUE(isSeen());
+    state = ServerExchange::State::failed;
+    EXPECT_THAT(names(), testing::IsEmpty());
+    EXPECT_TRUE(isSeen()) << "the quiet line";
+    QTest::keyClick(gauges.findChild<QWidget*>("gaugesReadAgain"), Qt::Key_Space);
+    EXPECT_EQ(asked, 1);
+    // Broken records and no records are no reason to show anything.
+    state = ServerExchange::State::read;
+    for (const std::string& broken :
+         {dataFile(L"9\nTray 1@x\n", L"@@@"), std::string(), std::string("junk")}) {
+        content = std::make_shared<const std::string>(broken);
+        EXPECT_THAT(names(), testing::IsEmpty());
+        EXPECT_FALSE(isSeen());
+    }
+    content = std::make_shared<const std::string>(dataFile(L"", L"1\nCyan@71@10@#00ffff@100@45000@1\n"));
+    EXPECT_THAT(names(), ElementsAre("Cyan: 71 %"));
+}
+
+} // namespace
+} // namespace torka::tests
