@@ -1,5 +1,7 @@
 #pragma once
 
+/* In C an empty list says nothing of the arguments: NOLINTBEGIN(modernize-redundant-void-arg) */
+
 /* The Job Properties module interface: what a module library exports, and what it may ask of the print
  * dialog's pane. For C (99) and C++; includes nothing but standard headers. docs/job-properties-module.md
  * tells the course of a session.
@@ -300,3 +302,5 @@ JP_EXPORT SDMRESULT JP1_1DllEnd(void);
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-redundant-void-arg) */

@@ -11,7 +11,7 @@ namespace torka {
 
 // Runs one launch with the record in sharedList: builds the callback table, runs a session with its window,
 // reads the module's answer back into the record and ends the module. 0; 1 when there is no record, or no
-// library is loaded, and then the record is as it was.
+// module is loaded, and then the record is as it was.
 int mainJP();
 
 // The steps of a launch. LoadJPModule builds the callback table; 0.
