@@ -84,7 +84,7 @@ void PrintDialog::showPane() {
     // The toolkit's dialog is sized for a handful of radio buttons.
     const QFontMetrics metrics = fontMetrics();
     resize(size()
-               .expandedTo({metrics.averageCharWidth() * 110, metrics.height() * 44})
+               .expandedTo({metrics.averageCharWidth() * 140, metrics.height() * 54})
                .boundedTo(screen()->availableSize() * 9 / 10));
 }
 
