@@ -1,3 +1,4 @@
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/JobEmission.h"
 #include "apps/torka/QueueJobs.h"
@@ -45,6 +46,22 @@ bool readJobOptions(const std::vector<std::string>& texts, JobOptions& options) 
     return true;
 }
 
+// The server's own filters lay out pages by the page size; it is the one that the job's PostScript names. A
+// medium that is asked for yields to it only when it was chosen.
+void addPageSize(const ZANPPD& description, JobOptions& options) {
+    const PPDXPopupControl* pageSize = description.GetControls()->FindPopup("*PageSize", true);
+    const std::string value = utf8Text(description.CopyValueForKey(cfString("*PageSize")));
+    if (pageSize == nullptr || value.empty()) {
+        return;
+    }
+    const bool namesMedium =
+        std::ranges::any_of(options, [](const auto& option) { return option.first == "media"; });
+    const char* const standard = pageSize->GetDefaultKeyword();
+    if (!namesMedium || standard == nullptr || value != standard) {
+        options.emplace_back("PageSize", value);
+    }
+}
+
 ExitStatus printFile(const PrintOptions& options) {
     JobOptions jobOptions;
     if (!readJobOptions(options.jobOptions, jobOptions)) {
@@ -75,13 +92,7 @@ ExitStatus printFile(const PrintOptions& options) {
         return unusable(queue + ": the queue does not take the print settings");
     }
     jobOptions.emplace_back(ticketPathSetting, utf8Text(ticket));
-    // The server's own filters lay out pages by the page size.
-    for (const std::string& setting : emission.settings) {
-        const std::string_view text = std::string_view(setting).substr(setting.starts_with('*') ? 1 : 0);
-        if (text.starts_with("PageSize=")) {
-            jobOptions.emplace_back("PageSize", text.substr(text.find('=') + 1));
-        }
-    }
+    addPageSize(settings->Description(), jobOptions);
     const std::string title =
         options.title.empty() ? std::filesystem::path(options.file).filename().string() : options.title;
     std::string error;

@@ -60,10 +60,15 @@ std::string valueOf(PPDXControl* control) {
     return control == nullptr ? std::string() : utf8Text(control->CopyCurrentControlValueString());
 }
 
-bool containsColourKeyword(const char* keyword) {
-    return keyword != nullptr && std::ranges::any_of(colourKeywords, [keyword](std::string_view colour) {
-               return std::strstr(keyword, colour.data()) != nullptr;
-           });
+bool containsColourKeyword(std::string_view keyword) {
+    for (std::size_t at = keyword.find('*'); at != std::string_view::npos; at = keyword.find('*', at + 1)) {
+        const std::string_view rest = keyword.substr(at);
+        if (std::ranges::any_of(colourKeywords,
+                                [rest](std::string_view each) { return rest.starts_with(each); })) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The first control with this keyword that is not a job note.

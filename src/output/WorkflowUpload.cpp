@@ -1,5 +1,6 @@
 #include "output/WorkflowUpload.h"
 
+#include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "platform/Log.h"
 #include "platform/System.h"
@@ -34,6 +35,17 @@ std::string controlText(const ZANPPD& description, const char* keyword, std::siz
         text.resize(size - 1);
     }
     return text;
+}
+
+// A note takes text in the encoding that the description works with. An identifier beyond it stays in UTF-8,
+// as the library gave it: without it nobody finds the workflow's job again.
+void storeIdentifier(ZANPPD& description, const char* keyword, const CFStringRef& identifier) {
+    const CFStringRef key = cfString(keyword);
+    description.SetValueForKey(key, identifier);
+    auto* const note = dynamic_cast<PPDXJobNote*>(description.GetPPDXControlForKey(key));
+    if (note != nullptr && *note->GetNotes() == '\0') {
+        note->SetUTF8Notes(identifier);
+    }
 }
 
 template <typename Function>
@@ -77,8 +89,8 @@ void UploadKestrelXMLFiles(ZANPPD& description, const PMPrintSettings& settings,
         createNewJob(session, folder.c_str(), jobName.c_str(), xmlPath.c_str(), identifier.data());
         identifier.back() = '\0';
         const CFStringRef text = cfString(identifier.data());
-        description.SetValueForKey(cfString("*QVKestrelJobId"), text);
-        description.SetValueForKey(cfString("*QVKSNewJobID"), text);
+        storeIdentifier(description, "*QVKestrelJobId", text);
+        storeIdentifier(description, "*QVKSNewJobID", text);
     }
     closeSession(session);
 }

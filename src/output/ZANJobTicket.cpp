@@ -24,6 +24,10 @@ constexpr unsigned ticketFileMode = 0666;
 bool isNeverWritten(const CFStringRef& key) {
     static const CFStringRef spotPriority = cfString("*QVSpotPriority");
     static const CFStringRef grayOverride = cfString("*QVGrayOverride");
+    static const CFIndex length = CFStringGetLength(spotPriority); // of both, in any letter case
+    if (CFStringGetLength(key) != length) {
+        return false;
+    }
     return CFStringCompare(key, spotPriority, kCFCompareCaseInsensitive) == 0 ||
            CFStringCompare(key, grayOverride, kCFCompareCaseInsensitive) == 0;
 }
@@ -77,7 +81,10 @@ void ZANJobTicket::Create() {
 }
 
 void ZANJobTicket::Add(PostScriptInjectionSite site, const void* bytes, std::size_t length) {
-    entries.push_back(CFNumberCreate(site));
+    // Entries of one site mostly follow each other; they share its number.
+    const std::size_t count = entries.size();
+    const CFNumber* const last = count < 2 ? nullptr : static_cast<const CFNumber*>(entries[count - 2].get());
+    entries.push_back(last != nullptr && last->integer == site ? entries[count - 2] : CFNumberCreate(site));
     entries.push_back(CFDataCreate(bytes, length));
 }
 
@@ -94,7 +101,7 @@ void ZANJobTicket::Add(PostScriptInjectionSite site, PPDXControl* control) {
     if (length < 0 || length > static_cast<std::int64_t>(maximumControlText)) {
         return;
     }
-    std::array<unsigned char, maximumControlText + 1> text{};
+    std::array<unsigned char, maximumControlText + 1> text; // written up to `length`
     control->PostScript(text.data());
     const char* keyword = control->Keyword();
     const bool isPageSize = keyword != nullptr && std::strcmp(keyword, "*PageSize") == 0;

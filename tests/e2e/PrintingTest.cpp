@@ -98,8 +98,12 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
     ASSERT_EQ(
         runCommand({"gs", "-q", "-dSAFER", "-sDEVICE=pdfwrite", "-o", pdf, samplePath("brochure.ps")}).status,
         0);
+    // The server's filters hear of the page size, wherever it was chosen.
+    const std::string settings =
+        folder.Write("settings.plist", "<plist version=\"1.0\"><dict><key>*PageSize</key>"
+                                       "<string>A3</string></dict></plist>");
     for (const std::string& document : {samplePath("brochure.ps"), pdf}) {
-        const CommandResult bare = runTool({"print", "-d", "Proofs", document, "PageSize=A3"});
+        const CommandResult bare = runTool({"print", "-d", "Proofs", document, "--settings", settings});
         ASSERT_EQ(bare.status, 0) << bare.errors;
         const CommandResult full = runTool(
             {"print", "-d", "Proofs", document, "PageSize=A3", "Notes1=paper from shelf 4", "Resume=73915486",

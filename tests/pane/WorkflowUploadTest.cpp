@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -84,6 +85,29 @@ TEST_F(WorkflowUpload, CallsTheLibraryAndStoresTheIdentifier) {
     Pane nameless(paneHeader + jobNote("QVIP"));
     UploadKestrelXMLFiles(*nameless.model, nameless.settings, 2);
     EXPECT_EQ(TakeCalls(), "");
+}
+
+// The description works in an encoding without such a character, before and while the job is filled.
+TEST_F(WorkflowUpload, KeepsAnIdentifierBeyondTheDescriptionsEncoding) {
+    Install();
+    Pane pane(paneHeader + "*LanguageEncoding: MacStandard\n*%ZANSpecialOption *Rondure: True\n" + controls);
+    FillIn(pane);
+    pane.data->SetIPAddressEnabled(true);
+    const std::string name = "#\xE5\x8D\xB0\xC3\xA9";
+    pane.Store("com.apple.print.JobInfo.PMJobName", cfString(name));
+    pane.Set("*QVIP", "\xE5\x8D\xB0");
+    ASSERT_EQ(utf8Text(pane.model->CopyValueForKey(cfString("*QVIP"))), "") << "the encoding holds it";
+    ZANJobTicket ticket(nullptr, pane.settings, cfString("ZAN.PSData"));
+    pane.data->OutPostscriptData(ticket, pane.session, EmissionPurpose::printJob);
+    EXPECT_EQ(Identifiers(pane), "job-42" + name + "|job-42" + name);
+    const bool isSent = std::ranges::any_of(ticket.Entries(), [&name](const ZANJobTicket::Entry& entry) {
+        return entry.bytes.find("*QVKSNewJobID job-42" + name + "\n") != std::string::npos;
+    });
+    EXPECT_TRUE(isSent);
+    // An identifier that the encoding holds stays in it.
+    pane.Store("com.apple.print.JobInfo.PMJobName", cfString("#\xC3\xA9"));
+    UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
+    EXPECT_EQ(Identifiers(pane), "job-42#\xC3\xA9|job-42#\xC3\xA9");
 }
 
 TEST_F(WorkflowUpload, HappensWhenAJobIsPrintedWithTwoWayCommunicationOnly) {

@@ -72,30 +72,37 @@ Node NodeMaker::Make(const CFTypeRef& value, int depth) {
     if (!value || ++values > mostPropertyListValues) {
         return nullptr;
     }
-    if (const auto text = cfCast<CFString>(value)) {
-        const auto bytes = xmlText(*text);
+    // Told apart by hand: casting the reference would count it up and down for every value of a ticket.
+    const CFObject* const object = value.get();
+    switch (object->TypeID()) {
+    case CFTypeID::string: {
+        const auto bytes = xmlText(*static_cast<const CFString*>(object));
         return Node(bytes ? plist_new_string(bytes->c_str()) : nullptr);
     }
-    if (const auto number = cfCast<CFNumber>(value)) {
+    case CFTypeID::number: {
+        const auto* const number = static_cast<const CFNumber*>(object);
         if (number->isReal) {
             return Node(std::isfinite(number->real) ? plist_new_real(number->real) : nullptr);
         }
         return Node(plist_new_uint(static_cast<std::uint64_t>(number->integer))); // written as signed
     }
-    if (const auto truth = cfCast<CFBoolean>(value)) {
-        return Node(plist_new_bool(truth->value ? 1 : 0));
+    case CFTypeID::boolean:
+        return Node(plist_new_bool(static_cast<const CFBoolean*>(object)->value ? 1 : 0));
+    case CFTypeID::data: {
+        const std::vector<std::uint8_t>& bytes = static_cast<const CFData*>(object)->bytes;
+        return Node(plist_new_data(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
     }
-    if (const auto data = cfCast<CFData>(value)) {
-        return Node(plist_new_data(reinterpret_cast<const char*>(data->bytes.data()), data->bytes.size()));
+    case CFTypeID::array:
+        return depth > mostPropertyListDepth ? nullptr
+                                             : MakeArray(*static_cast<const CFArray*>(object), depth);
+    case CFTypeID::dictionary:
+        return depth > mostPropertyListDepth
+                   ? nullptr
+                   : MakeDictionary(*static_cast<const CFDictionary*>(object), depth);
+    case CFTypeID::url:
+        break;
     }
-    if (depth > mostPropertyListDepth) {
-        return nullptr;
-    }
-    if (const auto array = cfCast<CFArray>(value)) {
-        return MakeArray(*array, depth);
-    }
-    const auto dictionary = cfCast<CFDictionary>(value);
-    return dictionary ? MakeDictionary(*dictionary, depth) : nullptr;
+    return nullptr;
 }
 
 Node NodeMaker::MakeArray(const CFArray& array, int depth) {
@@ -218,15 +225,21 @@ CFDataRef CFPropertyListCreateXMLData(const CFPropertyListRef& list) {
     }
     // A carriage return must be a reference, or an XML reader takes it for a line feed.
     static constexpr std::string_view reference = "&#13;";
-    std::string_view rest(xml.get(), length);
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(rest.size());
-    for (std::size_t at = rest.find('\r'); at != std::string_view::npos; at = rest.find('\r')) {
-        bytes.insert(bytes.end(), rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(at));
-        bytes.insert(bytes.end(), reference.begin(), reference.end());
-        rest.remove_prefix(at + 1);
+    const std::string_view text(xml.get(), length);
+    std::vector<std::string_view> pieces;
+    std::size_t at = 0;
+    for (std::size_t end = text.find('\r'); end != std::string_view::npos; end = text.find('\r', at)) {
+        pieces.push_back(text.substr(at, end - at));
+        at = end + 1;
     }
-    bytes.insert(bytes.end(), rest.begin(), rest.end());
+    std::vector<std::uint8_t> bytes(text.size() + pieces.size() * (reference.size() - 1));
+    std::uint8_t* place = bytes.data();
+    for (const std::string_view piece : pieces) {
+        std::memcpy(place, piece.data(), piece.size());
+        std::memcpy(place + piece.size(), reference.data(), reference.size());
+        place += piece.size() + reference.size();
+    }
+    std::memcpy(place, text.data() + at, text.size() - at);
     return std::make_shared<const CFData>(std::move(bytes));
 }
 

@@ -98,6 +98,7 @@ bool ZANPPD::SetValueForKey(const CFStringRef& key, const CFStringRef& value) {
 
 CFDictionaryRef ZANPPD::CopyAllValues() const {
     std::vector<CFDictionary::Pair> pairs;
+    pairs.reserve(controls->ControlCount());
     controls->ForEach([&](PPDXControl* control) {
         if (control->Keyword()) {
             pairs.emplace_back(control->CFStringKeyword(), control->CopyCurrentControlValueString());
