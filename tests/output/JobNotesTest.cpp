@@ -3,6 +3,7 @@
 #include "output/ZANJobNoteList.h"
 #include "platform/PropertyList.h"
 #include "platform/memory/MemoryPrinting.h"
+#include "tests/output/PlainSource.h"
 #include "tests/support/TestSupport.h"
 
 #include <algorithm>
@@ -331,24 +332,6 @@ TEST_F(JobNotes, QueriesAndRanges) {
 // No route out of the process knows the secrets: neither the whole emission, nor the log, nor the print
 // settings that are not named secret.
 TEST_F(JobNotes, NothingSecretLeavesInPlain) {
-    struct Source final : EmissionSource {
-        Source(ZANPPD* ppd, PMPrintSettings printSettings)
-            : description(ppd)
-            , settings(std::move(printSettings)) {}
-        ZANPPD* Description() const override { return description; }
-        PMPrintSettings Settings() const override { return settings; }
-        std::uint16_t PageOrientation() const override { return kPMPortrait; }
-        bool IsPageSizeSuppressed() const override { return false; }
-        bool IsTwoWayEnabled() const override { return true; }
-        std::span<const WideSetting> MixedMedia() const override { return {}; }
-        std::span<const WideSetting> PadCovers() const override { return {}; }
-        std::span<const WideSetting> SlipSheets() const override { return {}; }
-        std::span<const WideSetting> CoverPages() const override { return {}; }
-        std::span<const WideSetting> PaperCatalogue() const override { return {}; }
-        ZANWatermark* SelectedWatermark() const override { return nullptr; }
-        ZANPPD* description;
-        PMPrintSettings settings;
-    };
     for (const char* first : {"*QVUserAuthPwd: 60", "*Resume: 60|Encrypt", "*QVOutProfile: 60|AESEncrypt"}) {
         for (const bool hasKeys : {true, false}) {
             Describe({"*CopierUserAuth: True"},
@@ -362,7 +345,8 @@ TEST_F(JobNotes, NothingSecretLeavesInPlain) {
             settings = std::make_shared<MemoryPrintSettings>();
             PrintSettingsTicket dictionaries(nullptr, settings);
             ZANJobTicket ticket(&dictionaries, settings, cfString("key"));
-            const Source source(description.get(), settings);
+            tests::PlainSource source(*description, settings);
+            source.isTwoWay = true;
             FeatureEmission emission(source, ticket, nullptr, EmissionPurpose::keepSettings);
             EXPECT_EQ(emission.OutPostscriptData(), 0);
             ticket.SavePPDForAllKeys(description.get(), cfString("key"));

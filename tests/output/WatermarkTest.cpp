@@ -3,8 +3,8 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/FeatureEmission.h"
 #include "output/WatermarkEncoding.h"
-#include "output/WatermarkList.h"
 #include "platform/memory/MemoryPrinting.h"
+#include "tests/output/PlainSource.h"
 #include "tests/output/WatermarkPages.h"
 
 #include <algorithm>
@@ -64,21 +64,6 @@ TEST(Watermark, DefinitionIsReadFieldByField) {
         wide.SetFirstPageOnly(value);
         EXPECT_EQ(wide.IsFirstPageOnly(), expected) << value;
     }
-}
-
-TEST(Watermark, ListChoosesByPosition) {
-    WatermarkList list;
-    EXPECT_EQ(list.SelectedIndex(), WatermarkList::noSelection);
-    list.Append(std::make_unique<ZANWatermark>("0,1"));
-    list.Append(std::make_unique<ZANWatermark>("0,2"));
-    EXPECT_EQ(list.Selected(), nullptr);
-    list.Select(1);
-    ASSERT_TRUE(list.Selected());
-    EXPECT_EQ(list.Selected()->XOffset(), 2);
-    list.Select(2);
-    EXPECT_EQ(list.Selected(), nullptr);
-    list.Select(-7);
-    EXPECT_EQ(list.SelectedIndex(), WatermarkList::noSelection);
 }
 
 TEST(Watermark, FontNamesCannotLeaveTheirPlace) {
@@ -507,29 +492,6 @@ for c in sys.argv[1]:
     EXPECT_EQ(tests::runGhostscript(program, {"-sDEVICE=nullpage"}), expected);
 }
 
-// What a job gets of the selected watermark.
-class OneWatermark final : public EmissionSource {
-public:
-    OneWatermark(ZANPPD& model, ZANWatermark* selected)
-        : description(model)
-        , watermark(selected) {}
-    ZANPPD* Description() const override { return &description; }
-    PMPrintSettings Settings() const override { return nullptr; }
-    std::uint16_t PageOrientation() const override { return kPMLandscape; }
-    bool IsPageSizeSuppressed() const override { return false; }
-    bool IsTwoWayEnabled() const override { return false; }
-    std::span<const WideSetting> MixedMedia() const override { return {}; }
-    std::span<const WideSetting> PadCovers() const override { return {}; }
-    std::span<const WideSetting> SlipSheets() const override { return {}; }
-    std::span<const WideSetting> CoverPages() const override { return {}; }
-    std::span<const WideSetting> PaperCatalogue() const override { return {}; }
-    ZANWatermark* SelectedWatermark() const override { return watermark; }
-
-private:
-    ZANPPD& description;
-    ZANWatermark* watermark;
-};
-
 TEST(WatermarkEmission, OneEntryBeforeTheScaleUnlessTooLong) {
     const tests::ScopedMemorySystem system;
     const tests::CapturingLog log;
@@ -539,8 +501,10 @@ TEST(WatermarkEmission, OneEntryBeforeTheScaleUnlessTooLong) {
         const auto session = std::make_shared<MemorySession>();
         PrintSettingsTicket dictionary(session, settings);
         ZANJobTicket ticket(&dictionary, settings, cfString("ZAN.PSData"));
-        FeatureEmission(OneWatermark(description, watermark), ticket, session, EmissionPurpose::keepSettings)
-            .OutPostscriptData();
+        tests::PlainSource source(description, settings);
+        source.watermark = watermark;
+        source.orientation = kPMLandscape;
+        FeatureEmission(source, ticket, session, EmissionPurpose::keepSettings).OutPostscriptData();
         std::vector<std::string> texts;
         for (const ZANJobTicket::Entry& entry : ticket.Entries()) {
             texts.push_back(std::string(entry.bytes) + "@" + std::to_string(entry.site));
