@@ -29,6 +29,7 @@ struct Situation {
     std::uint16_t orientation = kPMPortrait;
     HostApplication host = {"org.torka.editor", "2.1", "Page Editor"};
     Texts accounts = {};
+    int pagesASheet = 1; // side by side
     bool isPageSizeFromSystem = false;
     bool isPrinted = false;
     Texts mixedMedia = {}, padCovers = {}, slipSheets = {}, coverPages = {};
@@ -105,6 +106,9 @@ void prepare(Pane& pane, const Situation& situation) {
     for (const auto& [key, value] : situation.values) {
         pane.Set(key, value);
     }
+    const std::string layout = "com.apple.print.PrintSettings.PMLayout";
+    pane.Store(layout + "NUp", CFBooleanCreate(situation.pagesASheet > 1));
+    pane.Store(layout + "Columns", CFNumberCreate(situation.pagesASheet));
     PDEData& data = *pane.data;
     data.SetIPAddressEnabled(situation.isTwoWay);
     data.SetPageSizeFromOS(situation.isPageSizeFromSystem);
@@ -228,6 +232,7 @@ const Situation situations[] = {
      .slipSheets = {{"*SlipSheet_Tray", "\xE5\x8D\xB0"}},
      .coverPages = {{"CoverPage_Back", ""}},
      .watermark = "0,0,0,200,0,0,0,0,0,450,0,0,48,Helvetica,Draft"},
+    {.name = "two-up", .description = paneHeader, .pagesASheet = 2},
     {.name = "empty", .description = paneHeader, .isTwoWay = true, .host = {"", "", ""}},
 };
 
