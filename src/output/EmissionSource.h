@@ -15,6 +15,8 @@ class ZANWatermark;
 struct WideSetting {
     std::wstring key; // with or without its leading asterisk
     std::wstring value;
+
+    bool operator==(const WideSetting&) const = default;
 };
 
 // What the emission reads of a print dialog's pane. The pane's data object supplies it; nothing here is owned

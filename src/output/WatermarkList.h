@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,17 @@ public:
     int SelectedIndex() const { return selectedIndex; }
     // Any negative index chooses none.
     void Select(int index) { selectedIndex = index < 0 ? noSelection : index; }
+    // Chooses the first one with that definition, and none when there is none.
+    void SelectDefinition(std::string_view definition, bool firstPageOnly) {
+        selectedIndex = noSelection;
+        for (std::size_t i = 0; !definition.empty() && i < watermarks.size(); ++i) {
+            if (watermarks[i]->Definition() == definition) {
+                selectedIndex = static_cast<int>(i);
+                watermarks[i]->SetFirstPageOnly(firstPageOnly ? "True" : "False");
+                return;
+            }
+        }
+    }
     // Null when none is chosen.
     ZANWatermark* Selected() const {
         return selectedIndex < 0 ? nullptr : At(static_cast<std::size_t>(selectedIndex));

@@ -159,7 +159,7 @@ bool PaneEditor::SetValue(PPDXControl& control, std::string_view value) {
 bool PaneEditor::Edit(PPDXControl& control, const std::function<void()>& change, bool continues) {
     change();
     Step step = TakeChanges({&control});
-    if (step.empty()) {
+    if (step.IsEmpty()) {
         return false;
     }
     lastEdited = control.Keyword();
@@ -169,12 +169,22 @@ bool PaneEditor::Edit(PPDXControl& control, const std::function<void()>& change,
 }
 
 bool PaneEditor::EditAll(const std::function<void()>& change) {
+    std::optional<SideSettings> before;
+    if (paneData != nullptr) {
+        before = SideSettings::Of(*paneData);
+    }
     isEditing = true; // what is redrawn on the way counts at the end
     change();
     isEditing = false;
     const bool remade = TakeUpNewControls();
     Step step = TakeChanges(controls);
-    if (step.empty() && !remade) {
+    if (before) {
+        SideSettings after = SideSettings::Of(*paneData);
+        if (after != *before) {
+            step.side.emplace(std::move(*before), std::move(after));
+        }
+    }
+    if (step.IsEmpty() && !remade) {
         return false;
     }
     lastEdited.clear();
@@ -193,7 +203,7 @@ PaneEditor::Step PaneEditor::TakeChanges(const std::vector<PPDXControl*>& among)
         std::string now = Remembered(*control);
         std::string& before = Seen(*control);
         if (now != before) {
-            step.push_back({control, std::move(before), now});
+            step.values.push_back({control, std::move(before), now});
             before = std::move(now);
         }
     }
@@ -202,15 +212,16 @@ PaneEditor::Step PaneEditor::TakeChanges(const std::vector<PPDXControl*>& among)
 
 void PaneEditor::Record(Step step, bool continues, PaneChange::Kind kind, bool remade) {
     PaneChange change{kind, {}, remade};
-    for (const ValueChange& value : step) {
+    for (const ValueChange& value : step.values) {
         change.controls.push_back(value.control);
     }
-    std::erase_if(step, [](const ValueChange& value) { return isSecret(*value.control); });
-    if (!step.empty()) {
+    std::erase_if(step.values, [](const ValueChange& value) { return isSecret(*value.control); });
+    if (!step.IsEmpty()) {
         undone.clear();
-        if (continues && stepIsOpen && step.size() == 1 && !done.empty() && done.back().size() == 1 &&
-            done.back().front().control == step.front().control) {
-            done.back().front().after = std::move(step.front().after);
+        if (continues && stepIsOpen && step.values.size() == 1 && !done.empty() &&
+            done.back().values.size() == 1 && !done.back().side &&
+            done.back().values.front().control == step.values.front().control) {
+            done.back().values.front().after = std::move(step.values.front().after);
         } else {
             done.push_back(std::move(step));
             if (done.size() > mostSteps) {
@@ -255,11 +266,11 @@ void PaneEditor::Refresh() {
         return;
     }
     PaneChange change{PaneChange::Kind::outside, {}, TakeUpNewControls()};
-    for (const ValueChange& value : TakeChanges(controls)) {
+    for (const ValueChange& value : TakeChanges(controls).values) {
         change.controls.push_back(value.control);
     }
     const auto isStale = [&](const Step& step) {
-        return std::ranges::any_of(step, [&](const ValueChange& value) {
+        return std::ranges::any_of(step.values, [&](const ValueChange& value) {
             return std::ranges::find(change.controls, value.control) != change.controls.end();
         });
     };
@@ -282,7 +293,10 @@ bool PaneEditor::Replay(std::vector<Step>& from, std::vector<Step>& to, PaneChan
     Step step = std::move(from.back());
     from.pop_back();
     PaneChange change{kind, {}, false};
-    for (const ValueChange& value : step) {
+    if (step.side) {
+        (kind == PaneChange::Kind::undo ? step.side->first : step.side->second).PutInto(*paneData);
+    }
+    for (const ValueChange& value : step.values) {
         Apply(*value.control, kind == PaneChange::Kind::undo ? value.before : value.after);
         Seen(*value.control) = Remembered(*value.control);
         change.controls.push_back(value.control);
@@ -297,7 +311,7 @@ bool PaneEditor::Replay(std::vector<Step>& from, std::vector<Step>& to, PaneChan
 std::vector<PPDXControl*> PaneEditor::UndoSubjects() const {
     std::vector<PPDXControl*> subjects;
     if (!done.empty()) {
-        for (const ValueChange& value : done.back()) {
+        for (const ValueChange& value : done.back().values) {
             subjects.push_back(value.control);
         }
     }

@@ -2,6 +2,7 @@
 
 #include "PPDX/KVEngine/KVCache.h"
 #include "pane/PaneCatalog.h"
+#include "pane/SideSettings.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace torka {
@@ -89,7 +91,7 @@ public:
     // Changes one control by `change`. `continues`: joins the step of the same control made just before, as
     // while typing. False when its value stayed.
     bool Edit(PPDXControl& control, const std::function<void()>& change, bool continues);
-    // Changes any number of controls as one step.
+    // Changes any number of controls, and what stands beside them (SideSettings), as one step.
     bool EditAll(const std::function<void()>& change);
     bool Reset(PPDXControl& control);
     // The next edit begins a step of its own.
@@ -129,7 +131,12 @@ private:
         std::string before;
         std::string after;
     };
-    using Step = std::vector<ValueChange>;
+    struct Step {
+        std::vector<ValueChange> values;
+        std::optional<std::pair<SideSettings, SideSettings>> side; // before and after, when they differ
+
+        bool IsEmpty() const { return values.empty() && !side; }
+    };
 
     static void Apply(PPDXControl& control, const std::string& value);
     std::string& Seen(PPDXControl& control) { return seen[&control]; }

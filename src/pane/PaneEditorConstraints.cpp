@@ -226,7 +226,7 @@ bool PaneEditor::Resolve() {
         }
     }
     Step step = TakeChanges(changed);
-    if (step.empty()) {
+    if (step.IsEmpty()) {
         return false;
     }
     Record(std::move(step), false, PaneChange::Kind::resolution);

@@ -219,6 +219,9 @@ CFDictionaryRef PresetStore::PresentSettings() const {
 void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
     const auto values = cfCast<CFDictionary>(CFDictionaryGetValue(settings, u"Values"));
     forEachKeptControl(model, [&](PPDXControl& control) {
+        if (data.dmtLocks(control.Keyword())) {
+            return; // the administrator's
+        }
         control.ResetToDefaultValue();
         const auto value = cfCast<CFString>(CFDictionaryGetValue(values, cfString(control.Keyword())));
         if (value) {
@@ -236,18 +239,9 @@ void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
             }
         }
     }
-    const std::string definition = utf8Text(cfCast<CFString>(CFDictionaryGetValue(settings, u"Watermark")));
-    WatermarkList& watermarks = data.Watermarks();
-    watermarks.Select(WatermarkList::noSelection);
-    for (std::size_t i = 0; !definition.empty() && i < watermarks.Count(); ++i) {
-        if (watermarks.At(i)->Definition() == definition) {
-            watermarks.Select(static_cast<int>(i));
-            const bool firstPageOnly = CFBooleanGetValue(
-                cfCast<CFBoolean>(CFDictionaryGetValue(settings, u"WatermarkFirstPageOnly")));
-            watermarks.At(i)->SetFirstPageOnly(firstPageOnly ? "True" : "False");
-            break;
-        }
-    }
+    data.Watermarks().SelectDefinition(
+        utf8Text(cfCast<CFString>(CFDictionaryGetValue(settings, u"Watermark"))),
+        CFBooleanGetValue(cfCast<CFBoolean>(CFDictionaryGetValue(settings, u"WatermarkFirstPageOnly"))));
 }
 
 std::vector<std::string> PresetStore::Names() const {
@@ -256,6 +250,15 @@ std::vector<std::string> PresetStore::Names() const {
         names.push_back(utf8Text(preset.name));
     }
     return names;
+}
+
+std::string PresetStore::NameOf(const CFDictionaryRef& settings) const {
+    for (const Preset& preset : Read().presets) {
+        if (CFEqual(preset.settings, settings)) {
+            return utf8Text(preset.name);
+        }
+    }
+    return {};
 }
 
 namespace {

@@ -47,6 +47,11 @@ public:
     Result Rename(std::string_view from, std::string_view to);
     Result Remove(std::string_view name);
 
+    // What Save would keep now, to be compared by CFEqual.
+    CFDictionaryRef PresentSettings() const;
+    // The first set that holds exactly these settings; "" for none.
+    std::string NameOf(const CFDictionaryRef& settings) const;
+
     Result RememberLastUsed();
     // notFound when nothing was used yet.
     Result ApplyLastUsed();
@@ -65,7 +70,6 @@ private:
 
     Content Read() const;
     Result Write(const Content& content) const;
-    CFDictionaryRef PresentSettings() const;
     void ApplySettings(const CFDictionaryRef& settings);
 
     ZANPPD& model;

@@ -1,3 +1,4 @@
+#include "pane/views/ExtraWords.h"
 #include "pane/views/FieldTexts.h"
 #include "pane/views/LiveWords.h"
 #include "platform/PropertyList.h"
@@ -47,6 +48,7 @@ TEST(PaneTexts, EveryLanguageHasEveryTextWithItsPlaces) {
     std::set<std::string> keys;
     std::vector<PaneWord> all(paneWords.begin(), paneWords.end());
     all.insert(all.end(), liveWords.begin(), liveWords.end());
+    all.insert(all.end(), extraWords.begin(), extraWords.end());
     for (const PaneWord& word : all) {
         EXPECT_TRUE(keys.insert(word.key).second) << word.key;
     }

@@ -3,6 +3,7 @@
 #include "pane/TorkaFeaturesPDE.h"
 #include "pane/UI_Panel.h"
 #include "pane/views/LiveExtras.h"
+#include "pane/views/PaneExtras.h"
 #include "pane/views/QtPaneInterface.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
@@ -41,6 +42,7 @@ PaneSetup setupOf(TorkaFeaturesPDE& owner, const BundleRef& bundle) {
 
 PaneInterfaceLoader qtPaneInterfaceLoader() {
     registerLiveExtras();
+    registerPaneExtras();
     return [](TorkaFeaturesPDE& owner, const BundleRef& bundle) -> std::unique_ptr<PaneInterface> {
         if (bundle == nullptr || qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
             myNSLogC(

@@ -5,13 +5,18 @@
 
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
+#include "pane/views/PaneExtras.h"
+#include "pane/views/PresetBar.h"
+#include "pane/views/QuickAccessDialog.h"
 #include "tests/views/ViewFixture.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QStyleFactory>
 
 #include <chrono>
@@ -37,6 +42,36 @@ void grab(ViewedPane& pane, const QString& folder, const QString& name) {
     if (!pane.Root()->grab().save(file)) {
         std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
     }
+}
+
+// A chosen preset that the settings have left, its menu, and the dialog that asks for a name.
+void drawPresets(ViewedPane& pane, const QString& folder, const QString& prefix) {
+    auto* bar = static_cast<PresetBar*>(pane.Find<QToolButton>("presets"));
+    PresetStore store(pane.pane->data->PrinterName(), pane.Editor().Model(), *pane.pane->data);
+    store.Save("Booklet, two-sided");
+    store.Save("<b>R&D</b> proofs with a name that is far too long for its place");
+    bar->Apply("Booklet, two-sided");
+    pane.Editor().SetValue("*QVMirror", "True");
+    QCoreApplication::processEvents();
+    grab(pane, folder, prefix + QStringLiteral("-preset"));
+    Q_EMIT bar->menu()->aboutToShow();
+    bar->menu()->grab().save(folder + QLatin1Char('/') + prefix + QStringLiteral("-preset-menu.png"));
+    bar->AskForSaving();
+    auto* dialog = bar->findChild<QDialog*>();
+    dialog->findChild<QLineEdit*>()->setText(QStringLiteral("Booklet, two-sided"));
+    QCoreApplication::processEvents();
+    dialog->grab().save(folder + QLatin1Char('/') + prefix + QStringLiteral("-preset-name.png"));
+    dialog->reject();
+}
+
+void drawQuickAccess(ViewedPane& pane, const QString& folder, const QString& prefix) {
+    auto& sheet = static_cast<QuickAccessSheet&>(pane.interface->customizeQuickAccess());
+    sheet.openSheet();
+    sheet.Dialog()->ChosenList()->setCurrentRow(1);
+    QCoreApplication::processEvents();
+    sheet.Dialog()->grab().save(folder + QLatin1Char('/') + prefix +
+                                QStringLiteral("-quick-access-dialog.png"));
+    sheet.doButtonCancelClicked();
 }
 
 void drawAll(const std::string& ppd, const QString& folder, const QString& prefix) {
@@ -91,6 +126,9 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     pane.Editor().Redo();
     widget.ShowPage("summary");
     grab(pane, folder, prefix + QStringLiteral("-summary"));
+    widget.ShowPage("QVFinishingPage");
+    drawPresets(pane, folder, prefix);
+    drawQuickAccess(pane, folder, prefix);
     widget.SearchField()->setText(QStringLiteral("fold"));
     widget.SearchNow();
     grab(pane, folder, prefix + QStringLiteral("-search"));
@@ -103,6 +141,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     const QString folder = QString::fromLocal8Bit(argc > 1 ? argv[1] : ".");
+    registerPaneExtras();
     ScopedMemorySystem system;
     if (argc > 2) {
         drawAll(argv[2], folder, QStringLiteral("other"));

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "output/EmissionSource.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace torka {
+
+class PDEData;
+
+// What a panel keeps beside the controls, as a value: the lists without a control, the account pairs, and the
+// chosen watermark. The watermarks themselves belong to the printer.
+struct SideSettings {
+    std::array<std::vector<WideSetting>, 4> lists; // in the order of PDEData::SideLists
+    std::array<WideSetting, 4> accounts;
+    std::string watermark; // definition of the chosen one; "" for none
+    bool firstPageOnly = false;
+
+    static SideSettings Of(PDEData& data);
+    // A watermark that the printer has no longer is passed over: none is chosen then.
+    void PutInto(PDEData& data) const;
+    bool operator==(const SideSettings&) const = default;
+};
+
+} // namespace torka

@@ -1,0 +1,87 @@
+#include "pane/views/PresetNameDialog.h"
+
+#include "pane/PresetStore.h"
+#include "pane/views/ExtraWords.h"
+#include "pane/views/FieldTexts.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace torka {
+
+PresetNameDialog::PresetNameDialog(const PaneContext& paneContext, const std::string& renamed,
+                                   std::vector<std::string> taken,
+                                   std::function<void(const std::string&)> take, QWidget* parent)
+    : QDialog(parent)
+    , context(paneContext)
+    , oldName(renamed)
+    , takenNames(std::move(taken))
+    , takeName(std::move(take))
+    , field(new QLineEdit(this))
+    , hint(new QLabel(this)) {
+    setObjectName(QStringLiteral("presetNameDialog"));
+    setWindowTitle(context.Say(oldName.empty() ? words::presetSaveTitle : words::presetRenameTitle));
+    field->setObjectName(QStringLiteral("presetName"));
+    field->setMaxLength(static_cast<int>(PresetStore::maximumNameLength));
+    field->setText(qText(oldName));
+    field->selectAll();
+    constexpr int characters = 44;
+    field->setMinimumWidth(fontMetrics().averageCharWidth() * characters);
+    hint->setTextFormat(Qt::PlainText);
+    hint->setWordWrap(true);
+    hint->setMinimumHeight(fontMetrics().lineSpacing() * 2);
+    hint->setAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignTop);
+    auto* form = new QFormLayout;
+    form->addRow(context.Say(words::presetName), field);
+    auto* buttons = new QDialogButtonBox(this);
+    acceptButton = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
+    acceptButton->setDefault(true);
+    buttons->addButton(context.Say(words::cancel), QDialogButtonBox::RejectRole);
+    auto* rows = new QVBoxLayout(this);
+    rows->addLayout(form);
+    rows->addWidget(hint);
+    rows->addWidget(buttons);
+    rows->setSizeConstraint(QLayout::SetMinimumSize);
+    connect(field, &QLineEdit::textChanged, this, [this] { Check(); });
+    connect(buttons, &QDialogButtonBox::accepted, this, [this] { accept(); });
+    connect(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
+    Check();
+}
+
+std::string PresetNameDialog::Name() const { return field->text().trimmed().toStdString(); }
+
+void PresetNameDialog::Check() {
+    const std::string name = Name();
+    const bool isNew = std::ranges::find(takenNames, name) == takenNames.end();
+    const QString text = field->text();
+    const bool isGood = !name.empty() && std::ranges::none_of(text, [](QChar c) {
+        return c.unicode() < 0x20 || c == QChar(0x7F);
+    });
+    const bool saves = oldName.empty();
+    acceptButton->setEnabled(isGood && (saves || (isNew && name != oldName)));
+    acceptButton->setText(context.Say(!saves  ? words::presetRenameButton
+                                      : isNew ? words::presetSaveButton
+                                              : words::presetReplaceButton));
+    const bool collides = !isNew && name != oldName;
+    hint->setText(!isGood && !text.isEmpty() ? context.Say(words::presetBadName)
+                  : collides                 ? context.Say(saves ? words::presetReplaces : words::presetTaken)
+                  : saves                    ? context.Say(words::presetNotKept)
+                                             : QString());
+    field->setAccessibleDescription(hint->text());
+}
+
+void PresetNameDialog::accept() {
+    if (acceptButton->isEnabled()) {
+        QDialog::accept();
+        takeName(Name());
+    }
+}
+
+} // namespace torka

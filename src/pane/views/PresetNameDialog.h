@@ -1,0 +1,41 @@
+#pragma once
+
+#include "pane/views/PaneContext.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace torka {
+
+// Asks for the name of a preset: of a new one, which may replace another once the person has read so, or the
+// new name of one that is there.
+class PresetNameDialog final : public QDialog {
+public:
+    // `renamed`: the present name, or "" for saving. `take` gets the name that was settled on.
+    PresetNameDialog(const PaneContext& context, const std::string& renamed, std::vector<std::string> taken,
+                     std::function<void(const std::string&)> take, QWidget* parent);
+    void accept() override;
+    QLineEdit* Field() const { return field; }
+    QPushButton* AcceptButton() const { return acceptButton; }
+
+private:
+    void Check();
+    std::string Name() const;
+
+    const PaneContext& context;
+    std::string oldName;
+    std::vector<std::string> takenNames;
+    std::function<void(const std::string&)> takeName;
+    QLineEdit* field;
+    QLabel* hint;
+    QPushButton* acceptButton = nullptr;
+};
+
+} // namespace torka

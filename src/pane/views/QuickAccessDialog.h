@@ -1,0 +1,86 @@
+#pragma once
+
+#include "pane/PaneInterface.h"
+#include "pane/views/PaneContext.h"
+
+#include <QDialog>
+#include <QPointer>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace torka {
+
+// The settings that can stand in the quick-access area, by page, beside those that do, which are ordered
+// here. Tells nothing before OK.
+class QuickAccessDialog final : public QDialog {
+public:
+    QuickAccessDialog(PaneContext& paneContext, const std::vector<std::string>& keywords, QWidget* parent);
+
+    // Keywords in their order, at most maximumQuickAccess.
+    std::vector<std::string> Chosen() const;
+
+    QTreeWidget* Available() const { return available; }
+    QListWidget* ChosenList() const { return chosen; }
+    QLineEdit* SearchField() const { return search; }
+    QPushButton* AddButton() const { return add; }
+    QPushButton* RemoveButton() const { return remove; }
+    QPushButton* UpButton() const { return up; }
+    QPushButton* DownButton() const { return down; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void Arrange();
+    void Connect();
+    void ListAvailable();
+    void ShowMatches();
+    void AddSelected();
+    void RemoveSelected();
+    void Move(int step);
+    void Append(const std::string& keyword, const QString& name);
+    void Update();
+    bool MayStand(const PaneField& field) const;
+
+    PaneContext& context;
+    QLineEdit* search;
+    QTreeWidget* available;
+    QListWidget* chosen;
+    QLabel* count;
+    QLabel* hint;
+    QPushButton* add;
+    QPushButton* remove;
+    QPushButton* up;
+    QPushButton* down;
+};
+
+// The dialog as the panel knows it: opened as a sheet above the pane, stored and drawn once it is accepted.
+class QuickAccessSheet final : public CustomizeQuickAccessView {
+public:
+    QuickAccessSheet(PaneContext& paneContext, QWidget* paneRoot)
+        : context(paneContext)
+        , root(paneRoot) {}
+    ~QuickAccessSheet() override;
+    bool validWindowSessionRunning() const override { return dialog != nullptr; }
+    void doButtonCancelClicked() override;
+    void openSheet() override;
+    QuickAccessDialog* Dialog() const { return dialog; }
+
+private:
+    void Take(std::vector<std::string> keywords);
+
+    PaneContext& context;
+    QPointer<QWidget> root;
+    QPointer<QuickAccessDialog> dialog;
+};
+
+} // namespace torka

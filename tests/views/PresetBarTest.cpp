@@ -1,0 +1,176 @@
+#include "pane/views/PresetBar.h"
+#include "pane/views/PaneExtras.h"
+#include "pane/views/PresetNameDialog.h"
+#include "tests/views/ViewFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+
+namespace torka::tests {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+// The sample's pane with its presets, by menu and keys.
+struct PresetBarTest : testing::Test {
+    ScopedMemorySystem system;
+    std::unique_ptr<ViewedPane> pane;
+
+    PresetBarTest() {
+        registerPaneExtras();
+        Open();
+    }
+    void Open() {
+        pane.reset();
+        pane = std::make_unique<ViewedPane>(samplePane());
+        pane->Draw();
+        pane->Root()->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(pane->Root()));
+        QCoreApplication::processEvents();
+    }
+    PresetBar* Bar() const { return static_cast<PresetBar*>(pane->Find<QToolButton>("presets")); }
+    std::vector<std::string> MenuTexts() const {
+        std::vector<std::string> texts;
+        Q_EMIT Bar()->menu()->aboutToShow();
+        for (const QAction* action : Bar()->menu()->actions()) {
+            texts.push_back(action->text().toStdString());
+        }
+        return texts;
+    }
+    void Choose(const char* text) {
+        Q_EMIT Bar()->menu()->aboutToShow();
+        for (QAction* action : Bar()->menu()->actions()) {
+            if (action->text() == QString::fromUtf8(text) && action->isEnabled()) {
+                action->trigger();
+                return;
+            }
+        }
+        ADD_FAILURE() << "no such entry: " << text;
+    }
+    PresetNameDialog* NameDialog() const {
+        return static_cast<PresetNameDialog*>(Bar()->findChild<QDialog*>(QStringLiteral("presetNameDialog")));
+    }
+    void Type(const QString& name) {
+        NameDialog()->Field()->selectAll();
+        NameDialog()->Field()->insert(name);
+        QTest::keyClick(NameDialog()->Field(), Qt::Key_Return);
+        Settle();
+    }
+    void SaveAs(const char* name) {
+        Bar()->AskForSaving();
+        Type(QString::fromUtf8(name));
+    }
+    static void Settle() {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    std::string Shown() const {
+        QCoreApplication::processEvents();
+        return Bar()->text().toStdString();
+    }
+};
+
+TEST_F(PresetBarTest, SavesAppliesUpdatesAndTakesBack) {
+    EXPECT_EQ(Shown(), "Presets");
+    pane->Editor().SetValue("*QVDuplex", "ShortEdge");
+    pane->Editor().EditAll([&] { pane->pane->data->MixedMediaList().Append({L"*MM_A1", L"Cover"}); });
+    SaveAs("Booklet");
+    EXPECT_EQ(Shown(), "Booklet");
+    pane->Editor().SetValue("*QVDuplex", "None");
+    EXPECT_EQ(Shown(), "Booklet (changed)");
+    pane->Editor().Undo();
+    EXPECT_EQ(Shown(), "Booklet") << "the settings are the preset's again";
+
+    pane->Editor().EditAll([&] {
+        pane->Editor().FindControl("*QVDuplex")->ResetToDefaultValue();
+        pane->pane->data->MixedMediaList().Clear();
+    });
+    EXPECT_EQ(Shown(), "Booklet (changed)");
+    Choose("Booklet");
+    EXPECT_EQ(pane->Value("*QVDuplex"), "ShortEdge");
+    EXPECT_THAT(pairsOf(pane->pane->data->MixedMedia()), ElementsAre("*MM_A1=Cover"));
+    ASSERT_TRUE(pane->Editor().Undo());
+    EXPECT_EQ(pane->Value("*QVDuplex"), "None");
+    EXPECT_EQ(pane->pane->data->MixedMediaList().Count(), 0U) << "what has no control comes back, too";
+    ASSERT_TRUE(pane->Editor().Redo());
+    EXPECT_EQ(pane->pane->data->MixedMediaList().Count(), 1U);
+
+    pane->Editor().SetValue("*QVMirror", "True");
+    Choose("&Update “Booklet”");
+    EXPECT_EQ(Shown(), "Booklet");
+    pane->Editor().SetValue("*QVMirror", "False");
+    Choose("Booklet");
+    EXPECT_EQ(pane->Value("*QVMirror"), "True");
+}
+
+TEST_F(PresetBarTest, AsksBeforeItReplacesAndDeletes) {
+    SaveAs("One");
+    pane->Editor().SetValue("*QVDuplex", "ShortEdge");
+    SaveAs("Two");
+    EXPECT_THAT(MenuTexts(), testing::IsSupersetOf({"One", "Two"}));
+
+    Bar()->AskForSaving();
+    QTest::keyClicks(NameDialog()->Field(), QStringLiteral("One"));
+    EXPECT_EQ(NameDialog()->AcceptButton()->text(), QStringLiteral("&Replace"));
+    QTest::keyClick(NameDialog(), Qt::Key_Escape);
+    Settle();
+    EXPECT_EQ(Shown(), "Two");
+
+    Choose("&Rename “Two”…");
+    NameDialog()->Field()->setText(QStringLiteral("One"));
+    EXPECT_FALSE(NameDialog()->AcceptButton()->isEnabled());
+    NameDialog()->Field()->setText(QStringLiteral("   "));
+    EXPECT_FALSE(NameDialog()->AcceptButton()->isEnabled());
+    Type(QStringLiteral("Three"));
+    EXPECT_EQ(Shown(), "Three");
+    EXPECT_THAT(MenuTexts(), Not(Contains("Two")));
+
+    for (const bool really : {false, true}) {
+        Choose("&Delete “Three”…");
+        auto* box = Bar()->findChild<QMessageBox*>();
+        ASSERT_NE(box, nullptr);
+        if (really) {
+            for (QAbstractButton* button : box->buttons()) {
+                if (box->buttonRole(button) == QMessageBox::AcceptRole) {
+                    button->click();
+                    break;
+                }
+            }
+        } else {
+            QTest::keyClick(box, Qt::Key_Return); // keeping is the default
+        }
+        Settle();
+        EXPECT_EQ(Shown(), really ? "Presets" : "Three");
+    }
+    EXPECT_THAT(MenuTexts(), Contains("One"));
+}
+
+TEST_F(PresetBarTest, ShowsHostileNamesAsTheyAre) {
+    const std::string name = "<b>R&D</b> %1 \xE2\x80\xAE x";
+    SaveAs(name.c_str());
+    EXPECT_EQ(Bar()->Chosen(), name);
+    EXPECT_EQ(Shown(), "<b>R&&D</b> %1 \xE2\x80\xAE x");
+    EXPECT_THAT(Bar()->toolTip().toStdString(), testing::HasSubstr("&lt;b&gt;R&amp;D"));
+    Bar()->AskForDeleting();
+    auto* box = Bar()->findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->textFormat(), Qt::PlainText);
+    EXPECT_THAT(box->text().toStdString(), testing::HasSubstr(name));
+}
+
+TEST_F(PresetBarTest, FindsThePresetOfTheFirstSettings) {
+    SaveAs("As delivered");
+    Open();
+    EXPECT_EQ(Shown(), "As delivered");
+}
+
+} // namespace
+} // namespace torka::tests
