@@ -39,6 +39,8 @@
 #include <stdint.h>
 #include <wchar.h>
 
+/* C means by "(void)" what C++ means by "()". NOLINTBEGIN(modernize-redundant-void-arg) */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
