@@ -105,7 +105,10 @@ public:
     bool GetPPDShortcuts(PPDTree& tree);
 
     // The watermark definitions of this printer, kept in the address list.
+    // Writes nothing while there is no watermark.
     void SaveWatermarksToPreferences();
+    // The last one was deleted: none is kept any more.
+    void ForgetWatermarkPreferences();
     // False only without a current printer.
     bool GetWatermarksFromPreferences();
 

@@ -170,6 +170,12 @@ void PDEData::SaveWatermarksToPreferences() {
     KeepRows(watermarkBlock, definitions);
 }
 
+void PDEData::ForgetWatermarkPreferences() {
+    if (mPrinterName && mCorvianList && StoredWatermarkCount() > 0) {
+        KeepRows(watermarkBlock, {});
+    }
+}
+
 bool PDEData::GetWatermarksFromPreferences() {
     if (!mPrinterName || !mCorvianList) {
         return false;

@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QPushButton>
 #include <QStyleFactory>
 
 #include <chrono>
@@ -74,6 +75,27 @@ void drawQuickAccess(ViewedPane& pane, const QString& folder, const QString& pre
     sheet.doButtonCancelClicked();
 }
 
+void drawWatermarks(ViewedPane& pane, const QString& folder, const QString& prefix) {
+    auto& watermarks = pane.pane->data->Watermarks();
+    watermarks.Append(
+        std::make_unique<ZANWatermark>("0,0,0,255,140,0,0,0,0,450,0,0,96,Helvetica-Bold,CONFIDENTIAL"));
+    watermarks.Append(
+        std::make_unique<ZANWatermark>("1,0,200,0,0,0,0,1,0,0,0,0,64,Times-Roman,Draft, not for sale"));
+    watermarks.Select(0);
+    pane.Widget().ShowPage("watermarks");
+    grab(pane, folder, prefix + QStringLiteral("-watermarks"));
+    auto* page = pane.Find<QListWidget>("watermarks")->parentWidget();
+    for (QPushButton* button : page->findChildren<QPushButton*>()) {
+        if (button->text() == QStringLiteral("Edit…")) {
+            button->click();
+        }
+    }
+    QCoreApplication::processEvents();
+    auto* dialog = page->findChild<QDialog*>();
+    dialog->grab().save(folder + QLatin1Char('/') + prefix + QStringLiteral("-watermark-dialog.png"));
+    dialog->reject();
+}
+
 void drawAll(const std::string& ppd, const QString& folder, const QString& prefix) {
     using Clock = std::chrono::steady_clock;
     auto model = ppd.empty() ? samplePane() : paneOfFile(ppd);
@@ -129,6 +151,7 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     widget.ShowPage("QVFinishingPage");
     drawPresets(pane, folder, prefix);
     drawQuickAccess(pane, folder, prefix);
+    drawWatermarks(pane, folder, prefix);
     widget.SearchField()->setText(QStringLiteral("fold"));
     widget.SearchNow();
     grab(pane, folder, prefix + QStringLiteral("-search"));

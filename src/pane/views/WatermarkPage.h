@@ -1,0 +1,54 @@
+#pragma once
+
+#include "output/WatermarkFields.h"
+#include "pane/views/PaneRegistry.h"
+#include "pane/views/WatermarkDialog.h"
+
+#include <QPointer>
+
+class QCheckBox;
+class QListWidget;
+class QPushButton;
+
+namespace torka {
+
+class WatermarkPreview;
+class ZANWatermark;
+
+// The watermarks of the printer and which of them this job prints, with its page. Choosing one is a setting
+// like others and can be undone; the list belongs to the printer and is stored when it is changed.
+class WatermarkPage final : public ExtraPageWidget {
+public:
+    // The context has pane data.
+    explicit WatermarkPage(PaneContext& paneContext, QWidget* parent = nullptr);
+    void Update() override;
+
+    QListWidget* List() const { return list; }
+    QCheckBox* FirstPageBox() const { return firstPage; }
+    WatermarkPreview* Preview() const { return preview; }
+    WatermarkDialog* Dialog() const { return dialog; }
+    void Add();
+    void Edit();
+    void Delete();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void Select(int index);
+    void OpenDialog(const WatermarkFields& fields, int index);
+    void Replace(int index, const WatermarkFields& fields);
+    void ListChanged();
+    ZANWatermark* Chosen() const;
+
+    PaneContext& context;
+    QListWidget* list;
+    QPushButton* add;
+    QPushButton* edit;
+    QPushButton* remove;
+    QCheckBox* firstPage;
+    WatermarkPreview* preview;
+    QPointer<WatermarkDialog> dialog;
+};
+
+} // namespace torka

@@ -1,0 +1,149 @@
+#include "pane/views/WatermarkPreview.h"
+
+#include "pane/PDEData.h"
+#include "pane/TorkaFeaturesPDE.h"
+#include "pane/views/ExtraWords.h"
+#include "platform/Printing.h"
+
+#include <QPageSize>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <utility>
+
+namespace torka {
+namespace {
+
+constexpr double mostPoints = 14400; // of a side; beyond it is no paper
+
+// The paper's size in points: the printer's, or the usual one of that name.
+QSizeF sizeOf(const PaneContext& context, const std::string& name) {
+    std::vector<Paper> papers;
+    const PMPrinter printer = context.panel == nullptr ? nullptr : context.panel->currentPrinter();
+    if (printer != nullptr && PMPrinterGetPaperList(printer, papers) == noErr) {
+        const auto paper = std::ranges::find(papers, name, &Paper::ppdPaperName);
+        if (paper != papers.end() && paper->width >= 1 && paper->height >= 1 && paper->width <= mostPoints &&
+            paper->height <= mostPoints) {
+            return {paper->width, paper->height};
+        }
+    }
+    for (int id = 0; id <= QPageSize::LastPageSize; ++id) {
+        const auto size = static_cast<QPageSize::PageSizeId>(id);
+        if (size != QPageSize::Custom && QPageSize::key(size) == qText(name)) {
+            return QPageSize::size(size, QPageSize::Point);
+        }
+    }
+    return QPageSize::size(context.metric ? QPageSize::A4 : QPageSize::Letter, QPageSize::Point);
+}
+
+// A font of the screen that comes near the printer's.
+QFont screenFont(const WatermarkFields& fields) {
+    const QString name = qText(fields.fontName);
+    const auto has = [&](const char* part) {
+        return name.contains(QLatin1String(part), Qt::CaseInsensitive);
+    };
+    QFont font(name.section(QLatin1Char('-'), 0, 0));
+    if (has("Courier")) {
+        font.setStyleHint(QFont::TypeWriter);
+    } else if (has("Times") || has("Roman") || has("Song") || has("Ryumin")) {
+        font.setStyleHint(QFont::Serif);
+    } else {
+        font.setStyleHint(QFont::SansSerif);
+    }
+    font.setBold(has("Bold") || has("Demi"));
+    font.setItalic(has("Italic") || has("Oblique"));
+    font.setStyleStrategy(QFont::PreferOutline);
+    return font;
+}
+
+} // namespace
+
+WatermarkPreview::WatermarkPreview(PaneContext& paneContext, QWidget* parent)
+    : QWidget(parent)
+    , context(paneContext) {
+    const int unit = fontMetrics().lineSpacing();
+    setMinimumSize(unit * 9, unit * 11);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    TakePaper();
+    Show({});
+}
+
+void WatermarkPreview::Show(std::optional<WatermarkFields> shown) {
+    fields = std::move(shown);
+    setAccessibleName(context.Say(words::watermarkPreview,
+                                  fields ? qText(fields->text) : context.Say(words::watermarkNone)));
+    update();
+}
+
+void WatermarkPreview::TakePaper() {
+    const PPDXControl* control = context.editor.FindControl("*PageSize");
+    paper = sizeOf(context, control == nullptr ? std::string() : PaneEditor::Value(*control));
+    const std::uint16_t orientation =
+        context.data == nullptr ? kPMPortrait : context.data->GetPageOrientationFromOS();
+    if (orientation == kPMLandscape || orientation == kPMReverseLandscape) {
+        paper.transpose();
+    }
+    update();
+}
+
+QRectF WatermarkPreview::PageRect() const {
+    constexpr double shadow = 4;
+    const QRectF room = QRectF(rect()).adjusted(shadow, shadow, -shadow, -shadow);
+    const QSizeF size = paper.scaled(room.size(), Qt::KeepAspectRatio);
+    return {room.center() - QPointF(size.width() / 2, size.height() / 2), size};
+}
+
+void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF page = PageRect();
+    painter.fillRect(page.translated(2, 2), QColor(0, 0, 0, 70));
+    painter.fillRect(page, Qt::white);
+    painter.setClipRect(page);
+    painter.translate(page.center());
+    const double scale = page.width() / paper.width();
+    painter.scale(scale, scale);
+    // Lines of text, to judge the watermark's weight by.
+    constexpr double margin = 72;
+    constexpr double line = 28;
+    const QRectF body(-paper.width() / 2 + margin, -paper.height() / 2 + margin, paper.width() - 2 * margin,
+                      paper.height() - 2 * margin);
+    int number = 0;
+    for (double y = body.top(); y < body.bottom(); y += line) {
+        const double share = ++number % 6 == 0 ? 0.6 : 1.0;
+        painter.fillRect(QRectF(body.left(), y, body.width() * share, line / 4), QColor(228, 228, 228));
+    }
+    if (fields) {
+        PaintText(painter);
+    }
+    painter.resetTransform();
+    painter.setClipping(false);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(page);
+}
+
+// As the job's PostScript does: moved, turned about the middle, a third of the size below it.
+void WatermarkPreview::PaintText(QPainter& painter) const {
+    constexpr int outlineSize = 100; // the outline is made at one size and scaled: sizes may be any number
+    QFont font = screenFont(*fields);
+    font.setPixelSize(outlineSize);
+    const QString text = qText(fields->text);
+    const double width = QFontMetricsF(font).horizontalAdvance(text);
+    QPainterPath outline;
+    outline.addText(-width / 2, outlineSize / 3.0, font, text);
+    painter.translate(fields->xOffset, -fields->yOffset);
+    painter.rotate(-fields->angle / 10.0);
+    const double scale = std::clamp(fields->fontSize, 0, 10000) / static_cast<double>(outlineSize);
+    painter.scale(scale, scale);
+    if (fields->isClear) {
+        painter.setPen(QPen(QColor(150, 150, 150), 1.5, Qt::DotLine));
+        painter.setBrush(QColor(255, 255, 255, 150));
+        painter.drawPath(outline);
+    } else {
+        painter.fillPath(outline, QColor(fields->red, fields->green, fields->blue));
+    }
+}
+
+} // namespace torka

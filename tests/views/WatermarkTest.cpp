@@ -1,0 +1,163 @@
+#include "pane/views/FieldPage.h"
+#include "pane/views/PaneExtras.h"
+#include "pane/views/WatermarkDialog.h"
+#include "pane/views/WatermarkPage.h"
+#include "pane/views/WatermarkPreview.h"
+#include "tests/views/ViewFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTest>
+
+namespace torka::tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct WatermarkTest : testing::Test {
+    ScopedMemorySystem system;
+    ViewedPane pane{samplePane()};
+
+    WatermarkTest() {
+        registerPaneExtras();
+        pane.pane->data->SetCorvianPrinterAddress(cfString("192.168.1.20"), true);
+        pane.Draw();
+        pane.Root()->resize(820, 600);
+        pane.Root()->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(pane.Root()));
+        pane.Widget().ShowPage("watermarks");
+    }
+    WatermarkList& Watermarks() { return pane.pane->data->Watermarks(); }
+    WatermarkPage& Page() {
+        return *static_cast<WatermarkPage*>(pane.Find<QListWidget>("watermarks")->parentWidget());
+    }
+    void Type(const QString& text) {
+        auto* field = Page().Dialog()->findChild<QLineEdit*>(QStringLiteral("watermarkText"));
+        field->selectAll();
+        field->insert(text);
+    }
+    void Accept() {
+        Page().Dialog()->accept();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    void Add(const char* text) {
+        Page().Add();
+        Type(QString::fromUtf8(text));
+        Accept();
+    }
+    // What a new panel of this printer reads.
+    std::vector<std::string> Kept() {
+        PDEData data(pane.pane->model.get(), cfString("Press"), QueueAccess{pane.pane->session, {}},
+                     [kept = pane.pane->addressList] { return std::make_unique<StringStore>(kept); });
+        data.GetWatermarksFromPreferences();
+        std::vector<std::string> texts;
+        for (std::size_t i = 0; i < data.Watermarks().Count(); ++i) {
+            texts.push_back(data.Watermarks().At(i)->Text());
+        }
+        return texts;
+    }
+    QPoint FirstRed() {
+        const QImage picture = Page().Preview()->grab().toImage();
+        QPoint found(-1, -1);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                if (picture.pixelColor(x, y) == QColor(Qt::red)) {
+                    return {x, y};
+                }
+            }
+        }
+        return found;
+    }
+};
+
+TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByKeys) {
+    QListWidget* list = Page().List();
+    EXPECT_EQ(list->count(), 1) << "none";
+    Add("Draft, not for sale");
+    Add("<b>R&D</b> %1");
+    EXPECT_THAT(Kept(), ElementsAre("Draft, not for sale", "<b>R&D</b> %1"));
+    EXPECT_EQ(Watermarks().SelectedIndex(), 1);
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Up);
+    EXPECT_EQ(Watermarks().SelectedIndex(), 0);
+    pane.Editor().Undo();
+    EXPECT_EQ(Watermarks().SelectedIndex(), 1);
+    EXPECT_EQ(list->currentRow(), 2) << "the page follows";
+    pane.Editor().Redo();
+
+    QTest::mouseClick(Page().FirstPageBox(), Qt::LeftButton, {},
+                      QPoint(8, Page().FirstPageBox()->height() / 2));
+    EXPECT_TRUE(Watermarks().Selected()->IsFirstPageOnly());
+    QTest::keyClick(list, Qt::Key_Return);
+    ASSERT_NE(Page().Dialog(), nullptr);
+    Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkUp"))->setValue(25.4);
+    Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkAngle"))->setValue(-30.5);
+    Type(QStringLiteral("Proof"));
+    Accept();
+    const ZANWatermark* edited = Watermarks().Selected();
+    EXPECT_EQ(edited->Definition(), "0,0,72,200,200,200,0,1,0,-305,0,0,96,Helvetica-Bold,Proof");
+    EXPECT_TRUE(edited->IsFirstPageOnly());
+    EXPECT_EQ(edited->YOffset(), 72);
+
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_THAT(Kept(), ElementsAre("<b>R&D</b> %1"));
+    EXPECT_EQ(Watermarks().Selected(), nullptr);
+    list->setCurrentRow(1);
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_THAT(Kept(), IsEmpty()) << "the last one, too";
+}
+
+TEST_F(WatermarkTest, RefusesWhatNoDefinitionCanHold) {
+    Page().Add();
+    Type(QStringLiteral("  "));
+    Accept();
+    EXPECT_EQ(Watermarks().Count(), 0U);
+    ASSERT_NE(Page().Dialog(), nullptr) << "still open";
+    auto* font = Page().Dialog()->findChild<QComboBox*>(QStringLiteral("watermarkFont"));
+    font->lineEdit()->setText(QStringLiteral("Hel,vetica (x)"));
+    EXPECT_FALSE(font->lineEdit()->hasAcceptableInput());
+    Type(QString(500, QChar(0x65E5)));
+    EXPECT_EQ(Page().Dialog()->Fields().text.size(), WatermarkFields::longestText * 3);
+    WatermarkFields odd;
+    odd.fontName = "A,B";
+    odd.text = "one\ntwo,\x01";
+    EXPECT_EQ(ZANWatermark(odd.Definition().c_str()).Text(), "one two, ");
+    EXPECT_EQ(ZANWatermark(odd.Definition().c_str()).FontName(), "AB");
+}
+
+// A red bar of letters, found again in the picture where the definition puts it.
+TEST_F(WatermarkTest, PreviewShowsPlaceAndPaper) {
+    WatermarkPreview& preview = *Page().Preview();
+    EXPECT_LT(preview.Paper().width(), preview.Paper().height());
+    WatermarkFields fields;
+    fields.red = 255;
+    fields.text = "\xE2\x96\x88\xE2\x96\x88"; // full blocks
+    fields.yOffset = 300;
+    preview.Show(fields);
+    const QPoint above = FirstRed();
+    fields.yOffset = -300;
+    preview.Show(fields);
+    const QPoint below = FirstRed();
+    const QRectF page = preview.PageRect();
+    ASSERT_GE(above.y(), 0);
+    EXPECT_LT(above.y(), page.center().y());
+    EXPECT_GT(below.y(), page.center().y());
+    EXPECT_NEAR(below.y() - above.y(), 600 * page.height() / preview.Paper().height(), 3);
+    fields.yOffset = 5000;
+    preview.Show(fields);
+    EXPECT_EQ(FirstRed(), QPoint(-1, -1)) << "beside the page";
+    pane.pane->format->orientation = kPMLandscape;
+    preview.TakePaper();
+    EXPECT_GT(preview.Paper().width(), preview.Paper().height());
+}
+
+} // namespace
+} // namespace torka::tests
