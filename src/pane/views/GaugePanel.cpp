@@ -4,7 +4,7 @@
 #include "pane/views/LiveWords.h"
 #include "pane/views/PaneIcons.h"
 
-#include <QGridLayout>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -19,7 +19,23 @@
 namespace torka {
 namespace {
 
-constexpr int mostRowsSeen = 7;
+// As high as its rows, as long as there is room; the list of pages above comes first.
+class RowsArea final : public QScrollArea {
+public:
+    using QScrollArea::QScrollArea;
+    QSize sizeHint() const override { return {0, widget() == nullptr ? 0 : widget()->sizeHint().height()}; }
+    QSize minimumSizeHint() const override {
+        constexpr int lines = 4;
+        return {0, std::min(sizeHint().height(), fontMetrics().height() * lines)};
+    }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override {
+        QScrollArea::resizeEvent(event);
+        const bool isCut = widget() != nullptr && widget()->minimumSizeHint().height() > viewport()->height();
+        setFocusPolicy(isCut ? Qt::StrongFocus : Qt::NoFocus); // to be scrolled by keys
+    }
+};
 
 // One line that ends in "…" where it is too long; its whole text is the row's tooltip.
 class NameLabel final : public QLabel {
@@ -54,7 +70,7 @@ GaugeBar::GaugeBar(QWidget* parent)
 }
 
 QSize GaugeBar::sizeHint() const {
-    constexpr int characters = 8;
+    constexpr int characters = 6;
     return {fontMetrics().averageCharWidth() * characters, fontMetrics().height() * 5 / 8};
 }
 
@@ -93,7 +109,7 @@ GaugePanel::GaugePanel(const PaneContext& paneContext, GaugeSource gaugeSource, 
     , source(std::move(gaugeSource))
     , title(new QLabel(this))
     , again(new QToolButton(this))
-    , area(new QScrollArea(this)) {
+    , area(new RowsArea(this)) {
     setObjectName(QStringLiteral("gauges"));
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
@@ -116,10 +132,26 @@ GaugePanel::GaugePanel(const PaneContext& paneContext, GaugeSource gaugeSource, 
     again->setToolTip(plainToolTip(readAgain));
     connect(again, &QToolButton::clicked, this, [this] { source.readAgain(); });
     area->setFrameShape(QFrame::NoFrame);
+    area->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setAccessibleName(context.Say(words::gauges));
+    parent->installEventFilter(this);
+    LimitHeight();
     Update();
+}
+
+bool GaugePanel::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize && watched == parentWidget()) {
+        LimitHeight();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+// The list of pages, which shares the height, keeps at least half of it.
+void GaugePanel::LimitHeight() {
+    area->setMaximumHeight(std::max(parentWidget()->height() / 2, area->minimumSizeHint().height()));
 }
 
 void GaugePanel::Update() {
@@ -144,38 +176,33 @@ void GaugePanel::Fill(const ServerGauges& gauges) {
         return;
     }
     auto* rows = new QWidget;
-    rows->setAutoFillBackground(false);
-    auto* grid = new QGridLayout(rows);
-    grid->setContentsMargins(0, 0, 4, 0);
-    grid->setVerticalSpacing(2);
-    grid->setColumnStretch(0, 1);
+    auto* lines = new QVBoxLayout(rows);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(1);
     for (const TrayGauge& tray : gauges.trays) {
         auto* bar = new GaugeBar(rows);
         bar->isUnknown = !tray.percent;
         bar->hasSome = tray.hasSome;
         bar->setValue(tray.percent.value_or(0));
-        AddRow(*grid, qText(tray.name), qText(tray.media), bar, tray.percent == 0);
+        AddRow(*lines, qText(tray.name), qText(tray.media), bar, tray.percent == 0);
     }
     if (!gauges.trays.empty() && !gauges.supplies.empty()) {
-        grid->setRowMinimumHeight(grid->rowCount(), fontMetrics().height() / 3);
+        lines->addSpacing(fontMetrics().height() / 3);
     }
     for (const SupplyGauge& supply : gauges.supplies) {
         auto* bar = new GaugeBar(rows);
         bar->isUnknown = !supply.percent;
         bar->setValue(supply.percent.value_or(0));
         bar->fill = QColor(qText(supply.color));
-        AddRow(*grid, qText(supply.name), QString(), bar, supply.needsAttention);
+        AddRow(*lines, qText(supply.name), QString(), bar, supply.needsAttention);
     }
+    lines->addStretch(1);
     area->setWidget(rows);
+    rows->setAutoFillBackground(false);
     area->viewport()->setAutoFillBackground(false);
-    const int rowHeight = fontMetrics().height() + grid->verticalSpacing();
-    const int wanted = rows->sizeHint().height();
-    const int seen = std::min(wanted, rowHeight * mostRowsSeen);
-    area->setFixedHeight(seen);
-    area->setFocusPolicy(wanted > seen ? Qt::StrongFocus : Qt::NoFocus);
 }
 
-void GaugePanel::AddRow(QGridLayout& grid, const QString& name, const QString& detail, GaugeBar* bar,
+void GaugePanel::AddRow(QVBoxLayout& lines, const QString& name, const QString& detail, GaugeBar* bar,
                         bool needsAttention) {
     QWidget* parent = bar->parentWidget();
     const QString whole = detail.isEmpty() ? name : name + QStringLiteral(" – ") + detail;
@@ -185,21 +212,32 @@ void GaugePanel::AddRow(QGridLayout& grid, const QString& name, const QString& d
     if (needsAttention) {
         told = context.Say(words::gaugeAttention, told);
     }
-    auto* label = new NameLabel(whole, parent);
-    auto* sign = new QLabel(parent);
+    bar->setAccessibleName(told);
+    auto* row = new QWidget(parent); // one tooltip for all that is in it
+    row->setToolTip(plainToolTip(told));
+    auto* line = new QHBoxLayout;
+    line->setSpacing(4);
+    line->addWidget(new NameLabel(name, row), 1);
     if (needsAttention) {
+        auto* sign = new QLabel(row);
         const int size = style()->pixelMetric(QStyle::PM_SmallIconSize) * 3 / 4;
         sign->setPixmap(paneIcon(PaneSign::warning).pixmap(QSize(size, size), devicePixelRatioF()));
+        line->addWidget(sign);
     }
-    bar->setAccessibleName(told);
-    for (QWidget* widget :
-         {static_cast<QWidget*>(label), static_cast<QWidget*>(bar), static_cast<QWidget*>(sign)}) {
-        widget->setToolTip(plainToolTip(told));
+    line->addWidget(bar);
+    auto* both = new QVBoxLayout(row);
+    both->setContentsMargins(0, 0, 0, 0);
+    both->setSpacing(0);
+    both->addLayout(line);
+    if (!detail.isEmpty()) {
+        auto* loaded = new NameLabel(detail, row);
+        loaded->setForegroundRole(QPalette::PlaceholderText);
+        QFont font = loaded->font();
+        font.setPointSizeF(font.pointSizeF() * 0.85);
+        loaded->setFont(font);
+        both->addWidget(loaded);
     }
-    const int row = grid.rowCount();
-    grid.addWidget(label, row, 0);
-    grid.addWidget(sign, row, 1);
-    grid.addWidget(bar, row, 2);
+    lines.addWidget(row);
 }
 
 } // namespace torka

@@ -10,10 +10,10 @@
 #include <memory>
 #include <string>
 
-class QGridLayout;
 class QLabel;
 class QScrollArea;
 class QToolButton;
+class QVBoxLayout;
 
 namespace torka {
 
@@ -46,9 +46,13 @@ public:
     GaugePanel(const PaneContext& paneContext, GaugeSource gaugeSource, QWidget* parent);
     void Update();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    void LimitHeight();
     void Fill(const ServerGauges& gauges);
-    void AddRow(QGridLayout& grid, const QString& name, const QString& detail, GaugeBar* bar,
+    void AddRow(QVBoxLayout& lines, const QString& name, const QString& detail, GaugeBar* bar,
                 bool needsAttention);
 
     const PaneContext& context;

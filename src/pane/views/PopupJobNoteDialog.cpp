@@ -63,6 +63,8 @@ public:
         auto* introduction = new QLabel(context.Say(words::popupIntroduction), this);
         introduction->setTextFormat(Qt::PlainText);
         introduction->setWordWrap(true);
+        introduction->setMinimumWidth(WidthFor(introduction->text(), 60));
+        alignLeading(*introduction);
         rows->addWidget(introduction);
         grid = new QGridLayout;
         rows->addLayout(grid);
@@ -104,6 +106,11 @@ public:
     }
 
 private:
+    int WidthFor(const QString& text, int mostCharacters) const {
+        const QFontMetrics metrics = fontMetrics();
+        return std::min(metrics.horizontalAdvance(text) + 2, metrics.averageCharWidth() * mostCharacters);
+    }
+
     struct Field {
         PPDXJobNote* note;
         QLineEdit* line;
@@ -135,8 +142,8 @@ private:
         auto* label = new QLabel(labelText(name), this);
         label->setObjectName(QStringLiteral("popupJobNoteKey") + place);
         label->setWordWrap(true);
-        label->setMaximumWidth(fontMetrics().averageCharWidth() * 32);
-        label->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+        label->setMinimumWidth(WidthFor(name, 32));
+        alignLeading(*label);
         auto* line = new QLineEdit(this);
         line->setObjectName(qText(outlet));
         line->setAccessibleName(name);
@@ -200,7 +207,7 @@ private:
         message->setTextFormat(Qt::PlainText);
         message->setWordWrap(true);
         message->setMinimumHeight(fontMetrics().height() * 2); // so that nothing moves when it speaks
-        message->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+        alignLeading(*message);
         line->addWidget(sign);
         line->addWidget(message, 1);
         rows.addLayout(line);

@@ -3,11 +3,16 @@
 //
 //     pane_pictures FOLDER [DESCRIPTION.ppd]
 
+#include "bidi/CFileHdlr.h"
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
+#include "pane/views/GaugePanel.h"
+#include "pane/views/LiveExtras.h"
 #include "pane/views/PaneExtras.h"
 #include "pane/views/PresetBar.h"
 #include "pane/views/QuickAccessDialog.h"
+#include "platform/TextEncoding.h"
+#include "tests/support/TestSupport.h"
 #include "tests/views/ViewFixture.h"
 
 #include <QAbstractItemView>
@@ -19,6 +24,8 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QStyleFactory>
+#include <QTest>
+#include <QTimer>
 
 #include <chrono>
 #include <cstdio>
@@ -27,6 +34,45 @@ using namespace torka;
 using namespace torka::tests;
 
 namespace {
+
+ServerExchange::State gaugeState = ServerExchange::State::read;
+
+std::shared_ptr<const std::string> sampleData() {
+    std::string file;
+    for (const char* name : {"TrayInfo", "TonerInfo"}) {
+        const std::wstring text =
+            wideFromUtf8(readFile(std::string(TORKA_SOURCE_DIR) + "/samples/server-data/data/" + name));
+        CFileHdlr::fileWriteData(name, text.data(), text.size() * sizeof(wchar_t), file);
+    }
+    return std::make_shared<const std::string>(std::move(file));
+}
+
+// Two-way communication without a queue: the sample's records, or a controller that does not answer.
+void registerGauges() {
+    paneRegistry().widgets.push_back(
+        {PanePlace::gauges, [](PaneContext& context, QWidget* parent) -> QWidget* {
+             GaugeSource source;
+             source.isOn = [] { return true; };
+             source.state = [] { return gaugeState; };
+             source.data = sampleData;
+             source.readAgain = [] {};
+             return new GaugePanel(context, std::move(source), parent);
+         }});
+}
+
+void grabPopup(ViewedPane& pane, const QString& file) {
+    QTimer::singleShot(0, qApp, [&] {
+        QWidget* popup = QApplication::activeModalWidget();
+        auto* line = popup->findChild<QLineEdit*>("popupJobNoteVal21");
+        line->selectAll();
+        QTest::keyClicks(line, QStringLiteral("4711"));
+        QTest::keyClick(popup, Qt::Key_Return); // too short: says so
+        QCoreApplication::processEvents();
+        popup->grab().save(file);
+        static_cast<QDialog*>(popup)->reject();
+    });
+    pane.interface->popupJobNotes().handlePopupJobnoteUI();
+}
 
 QPalette darkPalette() {
     QPalette dark(QColor(50, 50, 52));
@@ -155,6 +201,11 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     widget.SearchField()->setText(QStringLiteral("fold"));
     widget.SearchNow();
     grab(pane, folder, prefix + QStringLiteral("-search"));
+    grabPopup(pane, folder + QLatin1Char('/') + prefix + QStringLiteral("-notes.png"));
+    gaugeState = ServerExchange::State::failed;
+    pane.Find<GaugePanel>("gauges")->Update();
+    grab(pane, folder, prefix + QStringLiteral("-silent"));
+    gaugeState = ServerExchange::State::read;
 }
 
 } // namespace
@@ -170,6 +221,8 @@ int main(int argc, char** argv) {
         drawAll(argv[2], folder, QStringLiteral("other"));
         return 0;
     }
+    registerLiveExtras();
+    registerGauges();
     drawAll({}, folder, QStringLiteral("light"));
     QApplication::setPalette(darkPalette());
     drawAll({}, folder, QStringLiteral("dark"));
