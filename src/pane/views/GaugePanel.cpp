@@ -5,6 +5,7 @@
 #include "pane/views/PaneIcons.h"
 
 #include <QEvent>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -70,6 +71,9 @@ GaugeBar::GaugeBar(QWidget* parent)
 }
 
 QSize GaugeBar::sizeHint() const {
+    if (orientation() == Qt::Vertical) {
+        return {fontMetrics().averageCharWidth() * 5 / 2, fontMetrics().height() * 3 / 2};
+    }
     constexpr int characters = 6;
     return {fontMetrics().averageCharWidth() * characters, fontMetrics().height() * 5 / 8};
 }
@@ -87,9 +91,17 @@ void GaugeBar::paintEvent(QPaintEvent* /*event*/) {
         inside.setAlphaF(0.4F);
     }
     QRectF level = frame;
-    level.setWidth(frame.width() * part);
-    if (isRightToLeft()) {
-        level.moveRight(frame.right());
+    QLineF edgeOfLevel;
+    if (orientation() == Qt::Vertical) {
+        level.setTop(frame.bottom() - frame.height() * part);
+        edgeOfLevel = {level.topLeft(), level.topRight()};
+    } else {
+        level.setWidth(frame.width() * part);
+        if (isRightToLeft()) {
+            level.moveRight(frame.right());
+        }
+        const double x = isRightToLeft() ? level.left() : level.right();
+        edgeOfLevel = {x, frame.top(), x, frame.bottom()};
     }
     painter.fillRect(level, inside);
     QPen pen(edge, 1);
@@ -97,9 +109,8 @@ void GaugeBar::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(pen);
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(frame);
-    if (part > 0.0 && part < 1.0) { // a white or black supply is seen by its edge
-        const double x = isRightToLeft() ? level.left() : level.right();
-        painter.drawLine(QPointF(x, frame.top()), QPointF(x, frame.bottom()));
+    if (part > 0.0 && part < 1.0) { // a white or black supply is seen by it
+        painter.drawLine(edgeOfLevel);
     }
 }
 
@@ -149,9 +160,9 @@ bool GaugePanel::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-// The list of pages, which shares the height, keeps at least half of it.
+// The list of pages, which shares the height, keeps the greater part of it.
 void GaugePanel::LimitHeight() {
-    area->setMaximumHeight(std::max(parentWidget()->height() / 2, area->minimumSizeHint().height()));
+    area->setMaximumHeight(std::max(parentWidget()->height() * 2 / 5, area->minimumSizeHint().height()));
 }
 
 void GaugePanel::Update() {
@@ -179,6 +190,7 @@ void GaugePanel::Fill(const ServerGauges& gauges) {
     auto* lines = new QVBoxLayout(rows);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(1);
+    AddSupplies(*lines, gauges.supplies, rows);
     for (const TrayGauge& tray : gauges.trays) {
         auto* bar = new GaugeBar(rows);
         bar->isUnknown = !tray.percent;
@@ -186,43 +198,79 @@ void GaugePanel::Fill(const ServerGauges& gauges) {
         bar->setValue(tray.percent.value_or(0));
         AddRow(*lines, qText(tray.name), qText(tray.media), bar, tray.percent == 0);
     }
-    if (!gauges.trays.empty() && !gauges.supplies.empty()) {
-        lines->addSpacing(fontMetrics().height() / 3);
-    }
-    for (const SupplyGauge& supply : gauges.supplies) {
-        auto* bar = new GaugeBar(rows);
-        bar->isUnknown = !supply.percent;
-        bar->setValue(supply.percent.value_or(0));
-        bar->fill = QColor(qText(supply.color));
-        AddRow(*lines, qText(supply.name), QString(), bar, supply.needsAttention);
-    }
     lines->addStretch(1);
     area->setWidget(rows);
     rows->setAutoFillBackground(false);
     area->viewport()->setAutoFillBackground(false);
 }
 
-void GaugePanel::AddRow(QVBoxLayout& lines, const QString& name, const QString& detail, GaugeBar* bar,
-                        bool needsAttention) {
-    QWidget* parent = bar->parentWidget();
-    const QString whole = detail.isEmpty() ? name : name + QStringLiteral(" – ") + detail;
-    QString told = bar->hasSome     ? context.Say(words::gaugeSome, whole)
-                   : bar->isUnknown ? context.Say(words::gaugeUnknown, whole)
-                                    : context.Say(words::gaugeLevel, whole, QString::number(bar->value()));
+// A few stand side by side, each over the first letter of its name; many are rows like the trays.
+void GaugePanel::AddSupplies(QVBoxLayout& lines, const std::vector<SupplyGauge>& supplies, QWidget* parent) {
+    constexpr std::size_t mostSideBySide = 6;
+    auto* line = supplies.empty() || supplies.size() > mostSideBySide ? nullptr : new QHBoxLayout;
+    for (const SupplyGauge& supply : supplies) {
+        auto* bar = new GaugeBar(parent);
+        bar->isUnknown = !supply.percent;
+        bar->setValue(supply.percent.value_or(0));
+        bar->fill = QColor(qText(supply.color));
+        const QString name = qText(supply.name);
+        if (line == nullptr) {
+            AddRow(lines, name, QString(), bar, supply.needsAttention);
+            continue;
+        }
+        bar->setOrientation(Qt::Vertical);
+        auto* column = new QWidget(parent);
+        column->setToolTip(plainToolTip(Tell(*bar, name, supply.needsAttention)));
+        auto* grid = new QGridLayout(column);
+        grid->setContentsMargins(0, 0, 0, 0);
+        grid->setSpacing(1);
+        grid->addWidget(bar, 0, 0, Qt::AlignHCenter);
+        auto* letter = new QLabel(
+            labelText(name.left(name.isEmpty() || !name.front().isHighSurrogate() ? 1 : 2)), column);
+        letter->setTextFormat(Qt::PlainText);
+        grid->addWidget(letter, 1, 0, Qt::AlignHCenter);
+        if (supply.needsAttention) {
+            grid->addWidget(MakeSign(column), 0, 1, Qt::AlignBottom);
+        }
+        line->addWidget(column);
+    }
+    if (line != nullptr) {
+        line->setSpacing(6);
+        line->addStretch(1);
+        lines.addLayout(line);
+        lines.addSpacing(fontMetrics().height() / 4);
+    }
+}
+
+QLabel* GaugePanel::MakeSign(QWidget* parent) const {
+    auto* sign = new QLabel(parent);
+    const int size = style()->pixelMetric(QStyle::PM_SmallIconSize) * 3 / 4;
+    sign->setPixmap(paneIcon(PaneSign::warning).pixmap(QSize(size, size), devicePixelRatioF()));
+    return sign;
+}
+
+// Names the bar for assistive technology; the same words are the tooltip of what it stands in.
+QString GaugePanel::Tell(GaugeBar& bar, const QString& name, bool needsAttention) const {
+    QString told = bar.hasSome     ? context.Say(words::gaugeSome, name)
+                   : bar.isUnknown ? context.Say(words::gaugeUnknown, name)
+                                   : context.Say(words::gaugeLevel, name, QString::number(bar.value()));
     if (needsAttention) {
         told = context.Say(words::gaugeAttention, told);
     }
-    bar->setAccessibleName(told);
-    auto* row = new QWidget(parent); // one tooltip for all that is in it
-    row->setToolTip(plainToolTip(told));
+    bar.setAccessibleName(told);
+    return told;
+}
+
+void GaugePanel::AddRow(QVBoxLayout& lines, const QString& name, const QString& detail, GaugeBar* bar,
+                        bool needsAttention) {
+    const QString whole = detail.isEmpty() ? name : name + QStringLiteral(" – ") + detail;
+    auto* row = new QWidget(bar->parentWidget()); // one tooltip for all that is in it
+    row->setToolTip(plainToolTip(Tell(*bar, whole, needsAttention)));
     auto* line = new QHBoxLayout;
     line->setSpacing(4);
     line->addWidget(new NameLabel(name, row), 1);
     if (needsAttention) {
-        auto* sign = new QLabel(row);
-        const int size = style()->pixelMetric(QStyle::PM_SmallIconSize) * 3 / 4;
-        sign->setPixmap(paneIcon(PaneSign::warning).pixmap(QSize(size, size), devicePixelRatioF()));
-        line->addWidget(sign);
+        line->addWidget(MakeSign(row));
     }
     line->addWidget(bar);
     auto* both = new QVBoxLayout(row);

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 class QLabel;
 class QScrollArea;
@@ -54,6 +55,9 @@ private:
     void Fill(const ServerGauges& gauges);
     void AddRow(QVBoxLayout& lines, const QString& name, const QString& detail, GaugeBar* bar,
                 bool needsAttention);
+    void AddSupplies(QVBoxLayout& lines, const std::vector<SupplyGauge>& supplies, QWidget* parent);
+    QLabel* MakeSign(QWidget* parent) const;
+    QString Tell(GaugeBar& bar, const QString& name, bool needsAttention) const;
 
     const PaneContext& context;
     GaugeSource source;
