@@ -32,15 +32,20 @@ SDMRESULT answer(Answer&& tryToAnswer) {
     }
 }
 
-// What the free callback of a table frees. Remembers the module's data server, to be ended with the session.
-ModuleMemory resultMemory(SDMHANDLE handle) {
-    if (mFuncList[SDM_SLOT_TWO_WAY].number == 0 || !jobPropertiesFunctions()) {
-        return {};
-    }
-    if (handle) {
+// Whether the blocks that a callback returns are the module's.
+bool isTwoWayTable() { return mFuncList[SDM_SLOT_TWO_WAY].number != 0 && jobPropertiesFunctions(); }
+
+// Remembers the module's data server, which is ended with the session whatever its callbacks found.
+void rememberServer(SDMHANDLE handle) {
+    if (handle && isTwoWayTable()) {
         mSDMHandle = handle;
     }
-    return moduleMemory(handle);
+}
+
+// What the free callback of a table frees.
+ModuleMemory resultMemory(SDMHANDLE handle) {
+    rememberServer(handle);
+    return isTwoWayTable() ? moduleMemory(handle) : ModuleMemory();
 }
 
 // A record of the pane's two-way data; none when it is absent.
@@ -59,6 +64,7 @@ std::optional<std::wstring> readRecord(std::string_view name) {
 // Answers with a record's text as a converter takes it apart.
 template <typename Out, typename Convert>
 SDMRESULT answerFromRecord(SDMHANDLE handle, Out** out, std::string_view name, const Convert& convert) {
+    rememberServer(handle);
     if (!out) {
         return SDM_NOT_AVAILABLE;
     }
@@ -116,6 +122,7 @@ SDMRESULT sdmFuncPtrGetTrayInfo(SDMHANDLE handle, SDMTrayInfoArray** trays) {
 }
 
 SDMRESULT sdmFuncPtrGetTonerInfo(SDMHANDLE handle, SDMTonerInfoArray** toners) {
+    rememberServer(handle);
     if (!toners) {
         return SDM_NOT_AVAILABLE;
     }
@@ -222,6 +229,9 @@ SDMRESULT sdmFuncPtrGetServerFeaturesAll(SDMHANDLE handle, SDMKeyValueList** lis
 SDMRESULT sdmFuncPtrGetHoldQueueAttributes(SDMHANDLE handle, SDMKeyValueList** properties,
                                            SDMKeyValueList** lockedKeys) {
     clear(lockedKeys);
+    if (!lockedKeys) {
+        return nothing(SDM_NOT_AVAILABLE, properties);
+    }
     const SDMRESULT result = answerFromRecord(handle, properties, "QueuePropList", QueueDefaultsToSDM);
     if (result == SDM_SUCCESS) {
         answerFromRecord(handle, lockedKeys, "ListLockedKeys", QueueDefaultsToSDM);

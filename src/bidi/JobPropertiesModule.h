@@ -206,9 +206,9 @@ enum {
     SDM_SLOT_GET_COLOR_KEYS_FACTORY_DEFAULTS = 63 /* on, off: SDMGetListProc */
 };
 
-/* The slots' functions. "Nothing" above means SDM_SUCCESS with out-parameters that are null or zero. A null
- * out-parameter gives SDM_NOT_AVAILABLE, of SDMFreeProc SDM_INVALID_ARGUMENT when two-way communication is
- * on. */
+/* The slots' functions. "Nothing" above means SDM_SUCCESS with out-parameters that are null or zero. Where
+ * something is answered, a null out-parameter gives SDM_NOT_AVAILABLE, of SDMFreeProc SDM_INVALID_ARGUMENT
+ * when two-way communication is on. */
 typedef SDMRESULT (*SDMGetTextProc)(SDMHANDLE handle, wchar_t** text);
 typedef SDMRESULT (*SDMGetTwoTextsProc)(SDMHANDLE handle, wchar_t** first, wchar_t** second);
 typedef SDMRESULT (*SDMGetTextByNameProc)(SDMHANDLE handle, const wchar_t* name, wchar_t** text);
@@ -267,7 +267,8 @@ typedef SDMRESULT (*JP1_1GetWatermarksProc)(JPHANDLE session, JPWatermarkList** 
 typedef void (*JP1_1FreeProc)(void* pointer);
 /* A block for a callback's result, aligned for any type; null when there is no memory. */
 typedef void* (*SDMAllocMemoryProc)(SDMHANDLE handle, size_t size);
-/* These two are called at the end, before JP1_1EndSession, when a callback was given a handle. */
+/* These two are called at the end, before JP1_1EndSession, when a callback that answers with the server's
+ * data was given a handle, with two-way communication on. */
 typedef SDMRESULT (*SDMTerminateProc)(SDMHANDLE handle);
 typedef SDMRESULT (*SDMDllEndProc)(void);
 typedef SDMRESULT (*JP1_1EndSessionProc)(JPHANDLE session);

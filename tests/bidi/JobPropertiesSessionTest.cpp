@@ -71,14 +71,19 @@ TEST_F(JobPropertiesSession, AcceptedSettingsComeBack) {
 
     // Again, and now cancelled.
     module.calls.clear();
-    module.edit = nullptr;
+    module.edit = [&] { // a data server that was asked in vain is ended, too
+        SDMTonerInfoArray* toners = nullptr;
+        EXPECT_EQ(module.Callback<SDMGetTonerInfoProc>(SDM_SLOT_GET_TONER_INFO)(&server, &toners),
+                  SDM_NOT_AVAILABLE);
+    };
     module.windowResult = 1;
     system->metric = false;
     EXPECT_EQ(mainJP(), 0);
     EXPECT_EQ(Result(), "1");
     EXPECT_FALSE(gotSharedListFromJP || gotServerPresetFromJP);
     EXPECT_EQ(paperUnit, 4096U);
-    EXPECT_THAT(module.calls, ElementsAre("begin", "settings 3", "watermarks", "open", "end session", "end"));
+    EXPECT_THAT(module.calls, ElementsAre("begin", "settings 3", "watermarks", "open", "terminate",
+                                          "data server end", "end session", "end"));
 }
 
 TEST_F(JobPropertiesSession, ATemplateStandsBehindTheSettings) {
