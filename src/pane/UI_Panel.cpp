@@ -46,6 +46,15 @@ std::shared_ptr<SharedMemoryList> newRecord() {
             }};
 }
 
+// What the module returned last, once nothing is compared with it any more.
+void forgetModuleSettings() {
+    gotSharedListFromJP = false;
+    if (sharedListCopyFromJP) {
+        wipeValue(*sharedListCopyFromJP);
+        sharedListCopyFromJP.reset();
+    }
+}
+
 std::string_view headerText(const CString* value) {
     return value && value->Buffer() ? std::string_view(value->Buffer()) : std::string_view();
 }
@@ -111,6 +120,7 @@ UI_Panel::~UI_Panel() {
     }
     if (sSharedList == mSharedList.get()) {
         sSharedList = nullptr;
+        forgetModuleSettings();
     }
 }
 
@@ -231,6 +241,8 @@ void UI_Panel::LaunchJobProperties(JP_ACTIONS action) {
     gIgnoreButtonEvents = false;
     if (record.use_count() > 1) { // the panel is still there
         OnJPReturn();
+    } else {
+        forgetModuleSettings();
     }
 }
 
