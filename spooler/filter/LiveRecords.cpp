@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 
 namespace torka::filter {
 
@@ -184,7 +185,8 @@ std::vector<Tray> trays(const PrinterFacts& facts, const QueueChoices& choices) 
         }
     }
     const bool isNamedByMedia = found.empty();
-    for (const LoadedMedia& media : facts.mediaReady) {
+    const std::size_t loaded = std::min(facts.mediaReady.size(), mostEntries);
+    for (const LoadedMedia& media : std::span(facts.mediaReady).first(loaded)) {
         const auto tray = std::ranges::find_if(found, [&media](const Tray& known) {
             return isSameName(utf8FromWide(known.name), media.source) ||
                    isSameName(utf8FromWide(known.key), media.source);
@@ -207,6 +209,9 @@ std::vector<Tray> traysOf(const QueueChoices& choices) {
         Tray& tray = found.emplace_back();
         tray.name = fieldText(slot.text);
         tray.key = fieldText(slot.keyword);
+        if (found.size() == mostEntries) {
+            break;
+        }
     }
     return found;
 }
