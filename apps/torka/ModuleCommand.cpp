@@ -6,6 +6,7 @@
 #include "bidi/JobPropertiesHost.h"
 #include "bidi/JobPropertiesSession.h"
 #include "bidi/JobPropertiesState.h"
+#include "output/ZANJobNote.h"
 #include "pane/UI_Panel.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
@@ -106,8 +107,15 @@ void runSession(UI_Panel& panel, PDEData& data, const ModuleOptions& options, Ke
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
-// The record's settings; with `changed` those that are not what was handed over.
-Pairs returnedSettings(const SharedMemoryList& record, const KeyValueList& handed, bool changed) {
+bool isSecret(const ZANPPD& description, std::string_view key) {
+    const std::string keyword = (key.starts_with('*') ? "" : "*") + std::string(key);
+    return isSecretNote(description, description.GetControls()->FindJobNote(keyword.c_str(), true));
+}
+
+// The record's settings; with `changed` those that are not what was handed over. Of a secret one only whether
+// there is a value.
+Pairs returnedSettings(const SharedMemoryList& record, const ZANPPD& description, const KeyValueList& handed,
+                       bool changed) {
     std::unordered_map<std::string, std::string> before;
     for (std::size_t i = 0; changed && i < handed.Count(); ++i) {
         before.emplace(utf8FromWide(handed.Key(i)), utf8FromWide(handed.Value(i)));
@@ -120,6 +128,9 @@ Pairs returnedSettings(const SharedMemoryList& record, const KeyValueList& hande
         std::string value = utf8FromWide(list.Value(i));
         const auto known = before.find(key);
         if (known == before.end() || known->second != value) {
+            if (!value.empty() && isSecret(description, key)) {
+                value = "********";
+            }
             settings.emplace_back(std::move(key), std::move(value));
         }
     }
@@ -166,7 +177,8 @@ ExitStatus runModule(ModuleOptions options) {
     runSession(panel, job->Data(), options, handed);
     const std::string outcome = outcomeText(fieldText(panel.Record().jpResult));
     const bool isAccepted = outcome == "accepted";
-    const Pairs settings = isAccepted ? returnedSettings(panel.Record(), handed, options.changed) : Pairs();
+    const Pairs settings =
+        isAccepted ? returnedSettings(panel.Record(), job->Description(), handed, options.changed) : Pairs();
     const std::vector<std::string> watermarks =
         isAccepted ? watermarkDefinitions(panel.Record()) : std::vector<std::string>();
     unloadJobPropertiesLibrary();

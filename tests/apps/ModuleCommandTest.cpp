@@ -42,11 +42,13 @@ TEST(ModuleCommand, RunsASessionWithServerData) {
     EXPECT_THAT(readFile(script + ".report"), StartsWith("[trays] 7\n"));
 
     // All settings, as lines, without server data.
-    const CommandResult all =
-        runTool(moduleRun(TORKA_SAMPLE_MODULE, folder.Write("all", "print trays\nset QVDuplex ShortEdge\n")));
+    arguments = moduleRun(TORKA_SAMPLE_MODULE, folder.Write("all", "print trays\nset QVDuplex ShortEdge\n"));
+    arguments.insert(arguments.end(), {"--settings", "QVDSPassword=4711"});
+    const CommandResult all = runTool(arguments);
     EXPECT_EQ(all.status, 0) << all.errors;
     EXPECT_THAT(all.output, HasSubstr("\nQVDuplex=ShortEdge\n"));
     EXPECT_THAT(all.output, HasSubstr("PageSize="));
+    EXPECT_THAT(all.output, HasSubstr("\nQVDSPassword=********\n"));
     EXPECT_EQ(readFile(folder / "all.report"), "[trays] not offered\n");
 }
 
