@@ -38,13 +38,10 @@ std::string amount(std::int32_t value, const char* unit) {
 }
 
 std::string tonerState(const TonerView& toner) {
-    if (toner.level < 0) {
+    if (!needsAttention(toner)) {
         return "";
     }
-    if (toner.kind == SDM_SUPPLY_WASTE) {
-        return toner.level >= toner.highLevel ? "full" : "";
-    }
-    return toner.level <= toner.lowLevel ? "low" : "";
+    return toner.kind == SDM_SUPPLY_WASTE ? "full" : "low";
 }
 
 std::string tonerKind(std::int32_t kind) {

@@ -1,5 +1,7 @@
 #include "bidi/ServerRecords.h"
 
+#include "bidi/JobPropertiesModule.h"
+
 #include <algorithm>
 
 namespace torka {
@@ -149,6 +151,12 @@ bool readPairs(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordF
 }
 
 } // namespace
+
+bool needsAttention(const TonerView& toner) {
+    const bool isWaste = toner.kind == SDM_SUPPLY_WASTE;
+    const std::int32_t bound = isWaste ? toner.highLevel : toner.lowLevel;
+    return toner.level >= 0 && bound >= 0 && (isWaste ? toner.level >= bound : toner.level <= bound);
+}
 
 bool readToners(std::wstring_view text, std::vector<TonerView>& toners, RecordFault& fault) {
     return readCounted(text, toners, fault,

@@ -26,6 +26,8 @@ struct TonerView {
     std::int32_t capacity = 0;
     std::int32_t kind = 0;
 };
+// Low or, of a waste box, full. Not where the level or its bound is not known.
+bool needsAttention(const TonerView& toner);
 
 struct TrayView {
     // Name, key, media name, media size, media type, media color.

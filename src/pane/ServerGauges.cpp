@@ -1,6 +1,5 @@
 #include "pane/ServerGauges.h"
 
-#include "bidi/JobPropertiesModule.h"
 #include "bidi/RecordText.h"
 #include "bidi/ServerRecords.h"
 #include "platform/TextEncoding.h"
@@ -70,9 +69,8 @@ SupplyGauge gaugeOf(const TonerView& toner) {
     gauge.color = colorOf(toner.color.value_or(std::wstring_view()));
     if (toner.level >= 0) {
         gauge.percent = std::min(toner.level, 100);
-        gauge.needsAttention =
-            toner.kind == SDM_SUPPLY_WASTE ? toner.level >= toner.highLevel : toner.level <= toner.lowLevel;
     }
+    gauge.needsAttention = needsAttention(toner);
     return gauge;
 }
 

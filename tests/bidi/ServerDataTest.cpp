@@ -3,6 +3,7 @@
 #include "bidi/ServerDataToBuffer.h"
 #include "bidi/ServerDataToSDM.h"
 #include "bidi/ServerDataXml.h"
+#include "bidi/ServerRecords.h"
 #include "platform/TextEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"
 #include "tests/support/TestSupport.h"
@@ -257,6 +258,18 @@ TEST(ServerData, IsReadAndEveryBlockIsCounted) {
         }
         EXPECT_EQ(test.convert(L""), "false") << test.name;
         EXPECT_EQ(blocks, 0U) << test.name;
+    }
+}
+
+TEST(ServerData, SuppliesThatNeedAttention) {
+    std::vector<TonerView> supplies;
+    RecordFault fault;
+    ASSERT_TRUE(readToners(L"7\nlow@5@5@NULL@-1@-1@1\nenough@6@5@NULL@-1@-1@1\nunknown@-1@5@NULL@-1@-1@1\n"
+                           L"no bound@0@-1@NULL@-1@-1@1\nfull@90@0@NULL@90@-1@3\nroom@89@0@NULL@90@-1@3\n"
+                           L"no bound@5@-1@NULL@-1@-1@3\n",
+                           supplies, fault));
+    for (const TonerView& supply : supplies) {
+        EXPECT_EQ(needsAttention(supply), supply.name == L"low" || supply.name == L"full") << supply.level;
     }
 }
 
