@@ -132,28 +132,6 @@ TEST_F(CollectionsTest, FindGivesTheFirstInListOrder) {
     EXPECT_EQ(shortcuts.Huekeeper(), nullptr);
 }
 
-TEST_F(CollectionsTest, ErrorsKeepOrderAndTellTheirNames) {
-    PPDXErrors errors;
-    errors.Add(std::make_unique<PPDXErrorObj>(PPDErr_Duplicate, "*QVX", 12));
-    errors.Add(std::make_unique<PPDXErrorObj>(PPDErr_NotPPDFile, nullptr));
-    const PPDXErrorObj* first = errors.First();
-    EXPECT_STREQ(ppdErrName(first->Code()), "PPDErr_Duplicate");
-    EXPECT_STREQ(first->Keyword(), "*QVX");
-    EXPECT_EQ(first->Line(), 12);
-    EXPECT_EQ(first->Description(), nullptr);
-    EXPECT_FALSE(first->IsFatal());
-    EXPECT_TRUE(errors.Next()->IsFatal());
-    EXPECT_EQ(errors.Next(), nullptr);
-    int named = 0;
-    int fatal = 0;
-    for (std::int16_t code = -1; code < 100; ++code) {
-        named += *ppdErrName(code) != '\0' ? 1 : 0;
-        fatal += isFatalPPDErr(code) ? 1 : 0;
-    }
-    EXPECT_EQ(named, 29);
-    EXPECT_EQ(fatal, 3);
-}
-
 // A whole tree goes into settings, through their dictionary, and comes back.
 TEST_F(CollectionsTest, SettingsRebuildTheModel) {
     PPDXProperties pages;

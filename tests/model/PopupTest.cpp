@@ -164,25 +164,6 @@ TEST_F(PopupTest, OnlyColourPopupsTakeNewChoices) {
     }
 }
 
-TEST_F(PopupTest, NamesAndPostScriptByKeyword) {
-    const auto popup = Make("*P", false, "A");
-    EXPECT_STREQ(popup->GetKeywordLocalName("B"), "Name of B");
-    EXPECT_EQ(utf8Text(popup->GetKeywordCFLocalName("B")), "Name of B");
-    EXPECT_STREQ(popup->GetKeywordLocalNameAtIndex(3), "Name of C");
-    EXPECT_EQ(popup->GetKeywordLocalNameAtIndex(0), nullptr);
-    EXPECT_EQ(popup->GetKeywordLocalName("Z"), nullptr);
-    EXPECT_EQ(popup->GetKeywordCFLocalName(nullptr), nullptr);
-    const auto block = [&](const char* keyword) {
-        return emitted([&](unsigned char* out) { return popup->GetKeywordPSData(keyword, out); });
-    };
-    EXPECT_EQ(block("B"), "%%BeginFeature: *P B\nb\n%%EndFeature\n");
-    EXPECT_EQ(block("C"), "%%BeginFeature: *P C\n\n%%EndFeature\n");
-    EXPECT_EQ(block("Z"), "");
-    EXPECT_EQ(block(nullptr), "");
-    EXPECT_TRUE(popup->IsKeywordSelected("A"));
-    EXPECT_FALSE(popup->IsKeywordSelected("B"));
-}
-
 TEST_F(PopupTest, RebuildTakesOwnItemsAndDefault) {
     const auto popup = Make("*P", false, "B");
     popup->SetDefaultValue(3);
