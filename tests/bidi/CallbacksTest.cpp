@@ -250,54 +250,6 @@ TEST_F(Callbacks, FreeInBothStates) {
     EXPECT_EQ(callback(nullptr), SDM_NOT_AVAILABLE);
 }
 
-TEST_F(Callbacks, FixedAnswers) {
-    Load(true);
-    int32_t count = 5;
-    wchar_t some[] = L"x";
-    wchar_t* first = some;
-    wchar_t* second = some;
-    const auto unavailable = [&](SDMRESULT result) {
-        EXPECT_EQ(result, SDM_NOT_AVAILABLE);
-        EXPECT_TRUE(!first && !second && count == 0);
-        first = second = some;
-    };
-    EXPECT_EQ(sdmGetPreviewPagesCount(&server, &count), SDM_NOT_AVAILABLE);
-    unavailable(sdmFuncPtrGetCalibration(&server, &first, &second));
-    unavailable(sdmFuncPtrGetCalibrationEx(&server, &first, &second));
-    EXPECT_EQ(sdmFuncPtrUpdateQuillformMasters(&server, &first), SDM_NOT_AVAILABLE);
-    EXPECT_EQ(sdmFuncPtrUpdateQuillformMasters(&server, nullptr), SDM_NOT_AVAILABLE);
-
-    Load(false);
-    SDMKeyValueList wrong{};
-    SDMKeyValueList* list = &wrong;
-    EXPECT_EQ(module.Callback<SDMGetListProc>(SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS)(nullptr, &list),
-              SDM_SUCCESS);
-    EXPECT_EQ(list, nullptr);
-    EXPECT_EQ(module.Callback<SDMGetListProc>(SDM_SLOT_UPDATE_OUTSIDE_PPD_OPTIONS)(nullptr, &list),
-              SDM_SUCCESS);
-    EXPECT_EQ(module.Callback<SDMGetTextByNameProc>(SDM_SLOT_GET_DEVICE_LINK_PROFILE)(nullptr, L"P", &first),
-              SDM_NOT_AVAILABLE);
-    EXPECT_EQ(module.Callback<SDMGetTextByNameProc>(SDM_SLOT_GET_SERVER_FEATURE_VALUE)(nullptr, L"P", &first),
-              SDM_SUCCESS);
-    count = 5;
-    EXPECT_EQ(module.Callback<SDMGetCountProc>(SDM_SLOT_GET_PREVIEW_PAGES_COUNT)(nullptr, &count),
-              SDM_SUCCESS);
-    EXPECT_EQ(count, 0);
-    size_t size = 5;
-    uint8_t* png = nullptr;
-    EXPECT_EQ(module.Callback<SDMGetThumbnailProc>(SDM_SLOT_GET_PREVIEW_PAGE_THUMBNAIL_PNG)(nullptr, 1, &png,
-                                                                                            &size),
-              SDM_SUCCESS);
-    EXPECT_EQ(size, 0U);
-    first = second = some;
-    EXPECT_EQ(module.Callback<SDMGetTwoTextsProc>(SDM_SLOT_GET_CALIBRATION_EX)(nullptr, &first, &second),
-              SDM_SUCCESS);
-    EXPECT_TRUE(!first && !second);
-    EXPECT_EQ(
-        module.Callback<SDMPerformJobActionProc>(SDM_SLOT_PERFORM_JOB_ACTION)(nullptr, SDM_JOB_ACTION_NONE),
-        SDM_SUCCESS);
-}
-
 TEST_F(Callbacks, ServerDataWithoutTwoWayCommunication) {
     Load(false);
     gServerLanguage = "ja";

@@ -392,27 +392,6 @@ TEST(ServerData, IsWrittenSoThatItCanBeRead) {
     EXPECT_EQ(blocks, 0U);
 }
 
-TEST(ServerData, TemplateDiagnosticsTellEveryStage) {
-    const tests::CapturingStreams streams;
-    EXPECT_NE(overrides(templateText), "false");
-    const std::vector<std::string>& told = streams.Errors();
-    EXPECT_EQ(told[0].find("DMT XML data =\n<Controls>\n"), 0U);
-    EXPECT_EQ(told[1].find("DMT Control data =\n<ZANPPD key=\"B\""), 0U);
-    const auto has = [&](const char* line) {
-        return std::find(told.begin(), told.end(), line) != told.end();
-    };
-    for (const char* line :
-         {"DMT Line data =<ZANPPD key=\"None\"/>\n", "DMT Control Key0 =B\n", "DMT Control Value0 =2\n",
-          "DMT Control Key1 =A\n", "DMT Control Value1 =\n", "DMT Control Key2 =B\n",
-          "DMT Locked data =\n<ZANPPD key=\"L\" value=\"True\"/>\n\n",
-          "DMT Locked Line data =<ZANPPD key=\"L\" value=\"True\"/>\n", "DMT Locked Key0 =L\n",
-          "DMT Locked Value0 =True\n", "DMT Hidden Line data =<ZANPPD key=\"S\" value=\"False\"/>\n",
-          "DMT Hidden Key0 =S\n", "DMT Hidden Value0 =False\n"}) {
-        EXPECT_TRUE(has(line)) << line;
-    }
-    EXPECT_FALSE(has("DMT Control Key3 =C\n"));
-}
-
 // What python's parser makes of the XML: the attributes of the configuration and of every option.
 constexpr const char* pythonXml = R"PY(
 import sys, xml.etree.ElementTree as tree
