@@ -42,40 +42,6 @@ TEST(CStringSoup, InternsBytesUpToTheFirstNul) {
     EXPECT_EQ(soup.Insert("letter"), 0);
 }
 
-TEST(UIConstraints, AWildcardSparesTheOptionsThatMeanOff) {
-    UIConstraints store;
-    for (const char* option : {"A", "None"})
-        store.KVSInsert("*K", option);
-    for (const char* option : {"X", "False", "Y"})
-        store.KVSInsert("*L", option);
-    store.Add("*K", "", "*L", "", false);
-    store.Add("*K", "None", "*L", "False", false); // written out, so it stays
-    store.Resolve();
-    store.KVSInsert("*L", "Late"); // not covered by lines resolved before
-    const auto listOf = [&](const char* option) {
-        const CStringSoup& soup = *store.GetConstraintStrings();
-        const auto list = store.GetConstraintForest()->GetConstraintList(soup.Find("*K"), soup.Find(option));
-        return named(store, list->Pairs());
-    };
-    EXPECT_THAT(listOf("A"), ElementsAre("*L=X", "*L=Y"));
-    EXPECT_THAT(listOf("None"), ElementsAre("*L=False"));
-    EXPECT_EQ(store.GetRequiresForest()->GetConstraintList(store.GetConstraintStrings()->Find("*K"), -1),
-              nullptr);
-}
-
-TEST(UIConstraints, AnswersFalseForWhatItNeverSaw) {
-    UIConstraints store;
-    EXPECT_FALSE(store.IsKVConstrained("*K", "A"));
-    store.KVSInsert("*K", "A");
-    store.Add("*K", "A", "*L", "X", false);
-    store.UpdateKVCache("*L", "X");
-    EXPECT_TRUE(store.IsKVConstrained("*K", "A"));
-    EXPECT_FALSE(store.IsKVConstrained("*Q", "A"));
-    EXPECT_TRUE(store.IsKVConstrained("*K", "unknown")); // any option of *K
-    store.UpdateKVCache("*L", "Y");
-    EXPECT_FALSE(store.IsKVConstrained("*K", "A"));
-}
-
 // One line between two keys of 5,000 options is a line, not 25 million pairs; it answers all the same.
 TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
     constexpr int count = 5000;
