@@ -46,55 +46,5 @@ TEST(Printing, NullHandlesAreInvalidAndEmptyTheAnswer) {
     EXPECT_FALSE(value || url || name || printer || number || copies);
 }
 
-TEST(MemoryPrinting, SettingsKeepOrderAndLocks) {
-    const auto settings = std::make_shared<MemoryPrintSettings>();
-    const PMPrintSettings handle = settings;
-    for (const char* key : {"b", "a", "c"}) {
-        EXPECT_EQ(PMPrintSettingsSetValue(handle, cfString(key), cfString("1"), *key == 'a'), noErr);
-    }
-    EXPECT_EQ(PMPrintSettingsSetValue(handle, cfString("b"), cfString("2"), false), noErr);
-    EXPECT_EQ(PMPrintSettingsSetValue(handle, cfString("c"), nullptr, false), noErr);
-    settings->setResult = kPMGeneralError;
-    EXPECT_EQ(PMPrintSettingsSetValue(handle, cfString("d"), cfString("1"), false), kPMGeneralError);
-    CFDictionaryRef all;
-    EXPECT_EQ(PMPrintSettingsCopyAsDictionary(handle, all), noErr);
-    std::string listed;
-    for (const auto& [key, value] : all->Pairs()) {
-        listed += utf8Text(key) + utf8Text(cfCast<CFString>(value));
-    }
-    EXPECT_EQ(listed, "b2a1");
-    EXPECT_TRUE(settings->IsLocked(cfString("a")) && !settings->IsLocked(cfString("b")));
-    CFTypeRef value;
-    EXPECT_EQ(PMPrintSettingsGetValue(handle, cfString("c"), value), kPMKeyNotFound);
-}
-
-TEST(MemoryPrinting, PrinterAnswersAsToldAndRecordsCommands) {
-    const auto printer = std::make_shared<MemoryPrinter>();
-    PMPrinter handle;
-    EXPECT_EQ(PMSessionGetCurrentPrinter(std::make_shared<MemorySession>(), handle), kPMGeneralError);
-    EXPECT_EQ(PMSessionGetCurrentPrinter(std::make_shared<MemorySession>(printer), handle), noErr);
-    CFURLRef url;
-    const CFStringRef type = cfString("PMPPDDescriptionType");
-    EXPECT_EQ(PMPrinterCopyDescriptionURL(handle, type, url), kPMGeneralError);
-    printer->ppdPath = "/etc/cups/ppd/a.ppd";
-    EXPECT_EQ(PMPrinterCopyDescriptionURL(handle, type, url), noErr);
-    EXPECT_EQ(CFURLCopyFileSystemPath(url), printer->ppdPath);
-    EXPECT_EQ(PMPrinterCopyDescriptionURL(handle, cfString("other"), url), kPMInvalidParameter);
-    EXPECT_EQ(PMPrinterCopyDeviceURI(handle, url), kPMGeneralError);
-    printer->deviceUri = "socket://h";
-    EXPECT_EQ(PMPrinterCopyDeviceURI(handle, url), noErr);
-    printer->onStateAsked = [&printer] { printer->state = kPMPrinterProcessing; };
-    std::uint16_t state = 0;
-    EXPECT_EQ(PMPrinterGetState(handle, state), noErr);
-    EXPECT_EQ(state, kPMPrinterProcessing);
-    printer->onSend = [&printer](const MemoryPrinter::SentCommand&) {
-        printer->sendResult = kPMGeneralError;
-    };
-    EXPECT_EQ(PMPrinterSendCommand(handle, cfString("text"), cfString("Command_X"), nullptr),
-              kPMGeneralError);
-    ASSERT_EQ(printer->sent.size(), 1U);
-    EXPECT_EQ(utf8Text(printer->sent[0].title), "Command_X");
-}
-
 } // namespace
 } // namespace torka

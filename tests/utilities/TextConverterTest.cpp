@@ -123,11 +123,5 @@ TEST(TextConverter, NeverFailsOutright) {
     EXPECT_STREQ(narrow, "caf\x8E");
 }
 
-TEST(TextConverter, LanguageExceptions) {
-    const HexLanguageExceptions exceptions;
-    EXPECT_TRUE(exceptions.IsException("Russian") && exceptions.IsException("ChineseTrad"));
-    EXPECT_FALSE(exceptions.IsException("japanese") || exceptions.IsException("English"));
-}
-
 } // namespace
 } // namespace torka
