@@ -489,17 +489,6 @@ TEST(Automation, IsAppliedOnceBeforeTheFirstDisplay) {
     EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("automation.plist cannot be used")));
 }
 
-TEST(BundleHelpers, NameWhatTheBundleIsAskedBy) {
-    EXPECT_EQ(utf8Text(CreatePostscriptDataFileKey()), "ZAN.PSData." + utf8Text(GetBundleID()));
-    EXPECT_EQ(utf8Text(CreateNIBFileName()), "PDEProject");
-    EXPECT_EQ(utf8Text(CreateClientIdentifier(nullptr)), utf8Text(GetBundleID()));
-    EXPECT_EQ(utf8Text(CreateClientIdentifier(cfString(".x"))), utf8Text(GetBundleID()) + ".x");
-    std::uint32_t creator = 0;
-    EXPECT_EQ(GetCreatorID(creator), noErr);
-    EXPECT_EQ(creator, std::uint32_t{'Z'} << 24 | std::uint32_t{'A'} << 16 | std::uint32_t{'N'} << 8 | '2');
-    EXPECT_EQ(CreatePDEContentsURL(cfString("org.example.none")), nullptr);
-}
-
 } // namespace
 
 } // namespace torka::tests
