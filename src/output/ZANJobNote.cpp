@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace torka {
@@ -164,9 +165,19 @@ bool leavesEncipheredOnly(const ZANPPD& description, const PPDXControl* control)
            *note == specialNotes[specialNoteUserName].keyword.data();
 }
 
-bool isSecretNote(const ZANPPD& description, const PPDXControl* control) {
+bool isMaskedNote(const PPDXControl* control) {
     const auto* note = dynamic_cast<const PPDXJobNote*>(control);
-    return note != nullptr && (note->IsPassword() || leavesEncipheredOnly(description, note));
+    if (note == nullptr) {
+        return false;
+    }
+    const std::string_view keyword = note->Keyword() != nullptr ? note->Keyword() : "";
+    return note->IsPassword() || note->IsEncrypt() || note->IsAESEncrypt() ||
+           keyword.find("Password") != std::string_view::npos ||
+           keyword == specialNotes[specialNotePassword].keyword;
+}
+
+bool isSecretNote(const ZANPPD& description, const PPDXControl* control) {
+    return isMaskedNote(control) || leavesEncipheredOnly(description, control);
 }
 
 } // namespace torka

@@ -69,7 +69,10 @@ private:
 // Whether what the control holds may leave the process enciphered only: a note marked for protection, the
 // user's sign-in password, and the sign-in name where it is packed with the password.
 bool leavesEncipheredOnly(const ZANPPD& description, const PPDXControl* control);
-// What is never kept in a file or sent with a job's options: such a control, or a note whose entry is masked.
+// A note whose text is never shown, and kept nowhere: a password, or one marked for protection. A note that
+// is called a password is one, even where its description does not flag it.
+bool isMaskedNote(const PPDXControl* control);
+// What is never kept in a file or sent with a job's options: a control of either kind.
 bool isSecretNote(const ZANPPD& description, const PPDXControl* control);
 
 } // namespace torka

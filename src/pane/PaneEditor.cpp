@@ -4,6 +4,7 @@
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/PPDObjects/NumberText.h"
+#include "output/ZANJobNote.h"
 #include "pane/PDEData.h"
 
 #include <algorithm>
@@ -41,10 +42,7 @@ std::string itemKeyword(const PPDXPopupControl& popup, int number) {
 
 } // namespace
 
-bool isSecret(const PPDXControl& control) {
-    const auto* note = dynamic_cast<const PPDXJobNote*>(&control);
-    return note != nullptr && (note->IsPassword() || note->IsEncrypt() || note->IsAESEncrypt());
-}
+bool isSecret(const PPDXControl& control) { return isMaskedNote(&control); }
 
 PaneEditor::PaneEditor(ZANPPD& ppd, PDEData* data)
     : model(ppd)

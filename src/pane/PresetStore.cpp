@@ -63,17 +63,11 @@ bool isPresetName(const CFStringRef& name) {
                         [](char16_t unit) { return unit < 0x20 || unit == 0x7F || unit >= 0xFFFE; });
 }
 
-// A note that is called a password is one, even where its description does not flag it.
-bool isCalledPassword(const PPDXControl& control) {
-    return control.Type() == CNTL_TYPE::jobNote &&
-           std::string_view(control.Keyword()).find("Password") != std::string_view::npos;
-}
-
 bool isKept(const ZANPPD& model, const PPDXControl& control) {
     const PPDXElement* parent = control.GetParent();
     return control.Keyword() != nullptr && control.Type() != CNTL_TYPE::specialOption &&
            !control.IsInstallableOption() && !(parent != nullptr && *parent == "QVPPInstallableOptions") &&
-           !(control == "*PageSize") && !isSecretNote(model, &control) && !isCalledPassword(control);
+           !(control == "*PageSize") && !isSecretNote(model, &control);
 }
 
 void forEachKeptControl(const ZANPPD& model, const std::function<void(PPDXControl&)>& visit) {

@@ -414,7 +414,8 @@ TEST(Panel, BelowVersionSevenTheTicketIsAFile) {
 
 TEST(Panel, PopupNotesAreAskedForAndRemembered) {
     Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|Remembered|PopupJN") +
-                                 jobNote("QVPin", "20|Alpha|Remembered|Password|PopupJN")));
+                                 jobNote("QVPin", "20|Alpha|Remembered|Password|PopupJN") +
+                                 jobNote("QVDoorPassword", "20|Alpha|Remembered|PopupJN")));
     const auto panel = bench.OpenShown();
     bench.widgets.painted();
     bench.dialog->printer->sent.clear();
@@ -429,6 +430,7 @@ TEST(Panel, PopupNotesAreAskedForAndRemembered) {
     gPopupJobNotesSavedShowLast = '1';
     set(*panel, "*QVAccount", "50% b\xC3\xBCro");
     set(*panel, "*QVPin", "1234");
+    set(*panel, "*QVDoorPassword", "open");
     EXPECT_TRUE(panel->shouldPrint());
     ASSERT_THAT(bench.SentTitles(),
                 ElementsAre("Command_PSTempFileName", "Command_WritePSTemp", "command_PopupJnData"));
