@@ -1,5 +1,6 @@
 #include "pane/views/AddressSheet.h"
 
+#include "platform/memory/MemoryAlerts.h"
 #include "platform/memory/MemoryEventLoop.h"
 #include "platform/memory/MemoryServiceDirectory.h"
 #include "platform/qt/QtEventLoop.h"
@@ -222,6 +223,24 @@ TEST_F(AddressSheetTest, OutlivesItsWindow) {
     controller->configureButtonClicked();
     controller->OKClicked();
     EXPECT_EQ(owner.address, "");
+}
+
+TEST_F(AddressSheetTest, IsHeldWhileAnAlertWaits) {
+    auto host = std::make_shared<int>();
+    const std::weak_ptr<int> held = host;
+    sheet->setKeepAlive([held] { return held.lock(); });
+    auto alerts = std::make_unique<MemoryAlerts>();
+    alerts->onShow = [&](const AlertText&) {
+        host.reset();
+        EXPECT_FALSE(held.expired());
+        return AlertButton::defaultButton;
+    };
+    setAlerts(std::move(alerts));
+    controller->configureButtonClicked();
+    sheet->setBidiState(true);
+    sheet->Window()->accept(); // nothing in the field
+    setAlerts(nullptr);
+    EXPECT_TRUE(host == nullptr && held.expired());
 }
 
 // The same of every loop: Qt's, whose objects must not be destroyed within their own signals.

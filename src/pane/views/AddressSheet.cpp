@@ -95,6 +95,8 @@ public:
 
     void accept() override {
         if (sheet.delegate != nullptr) {
+            // This dialog may end with it.
+            const std::shared_ptr<void> alive = sheet.keepAlive ? sheet.keepAlive() : nullptr;
             sheet.delegate->OKClicked();
         } else {
             QDialog::accept();

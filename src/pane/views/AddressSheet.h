@@ -7,6 +7,8 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
+#include <utility>
 
 class QCheckBox;
 class QLabel;
@@ -37,6 +39,9 @@ public:
     ~AddressSheet() override;
     // The pane's widgets; either may be null. They stay the pane's.
     void attachPaneWidgets(QCheckBox* twoWay, QPushButton* configure);
+    // What owns the sheet and its controller, held while an alert of theirs waits: the host may let go of it
+    // meanwhile.
+    void setKeepAlive(std::function<std::shared_ptr<void>()> hold) { keepAlive = std::move(hold); }
     // Null once the parent is gone.
     QDialog* Window() const { return dialog; }
 
@@ -69,6 +74,7 @@ private:
     bool SelectFirst(int key);
 
     BonjourModuleViewDelegate* delegate = nullptr;
+    std::function<std::shared_ptr<void>()> keepAlive;
     QPointer<QDialog> dialog;
     Rows* model; // these are owned by the dialog
     QLineEdit* field;

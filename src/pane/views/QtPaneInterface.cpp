@@ -181,6 +181,7 @@ void QtPaneInterface::MakeDialogs() {
         popupNotesDialog = std::make_unique<NoPopupJobNotes>();
     }
     auto sheet = std::make_unique<AddressSheet>(root, setup.bidiText);
+    sheet->setKeepAlive(setup.keepAlive);
     sheet->attachPaneWidgets(widgets.bidiCheckBox, widgets.configureButton);
     addressDialog = std::move(sheet);
 }
