@@ -347,6 +347,8 @@ const DescribedGroup* PrinterDescription::FindGroup(std::string_view name) const
     return found == groupIndex.end() ? nullptr : &groups[found->second];
 }
 
-std::string_view bareKey(std::string_view key) { return key.starts_with('*') ? key.substr(1) : key; }
+std::string_view bareKey(std::string_view key) {
+    return key.substr(std::min(key.find_first_not_of('*'), key.size()));
+}
 
 } // namespace torka::jobproperties

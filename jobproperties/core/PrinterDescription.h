@@ -73,7 +73,7 @@ private:
     std::string modelName;
 };
 
-// A key without the asterisk that may stand before it.
+// A key without the asterisk that may stand before it (or all of them, so that the result is bare).
 std::string_view bareKey(std::string_view key);
 
 } // namespace torka::jobproperties
