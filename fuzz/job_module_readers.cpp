@@ -43,9 +43,11 @@ void readWideText(std::string_view text) {
     }
     const std::string clean = fromWide(wide.c_str());
     require(fromWide(toWide(clean).c_str()) == clean);
-    for (const char* encoding : {"UTF-8", "ISOLatin2", "JIS83-RKSJ", "MacStandard"}) {
-        const std::string converted = toUtf8(text, encoding);
-        require(toUtf8(converted, "UTF-8") == converted);
+    static const TextDecoder decoders[] = {TextDecoder("UTF-8"), TextDecoder("ISOLatin2"),
+                                           TextDecoder("JIS83-RKSJ"), TextDecoder("MacStandard")};
+    for (const TextDecoder& decoder : decoders) {
+        const std::string converted = decoder.ToUtf8(text);
+        require(cleanUtf8(converted) == converted);
     }
 }
 

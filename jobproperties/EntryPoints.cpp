@@ -109,7 +109,7 @@ SDMRESULT JP1_1OpenUI(JPHANDLE session, const char* title, int32_t /*flags*/, in
             return SDM_NOT_AVAILABLE;
         *result = 1;
         const std::size_t length = title == nullptr ? 0 : ::strnlen(title, maximumTitleBytes);
-        const std::string shown = toUtf8(std::string_view(length == 0 ? "" : title, length), "UTF-8");
+        const std::string shown = cleanUtf8(std::string_view(length == 0 ? "" : title, length));
         found.TakeServerLocks();
         found.isOpen = true;
         const SDMRESULT answer = guarded([&]() -> SDMRESULT {

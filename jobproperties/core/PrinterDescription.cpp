@@ -126,7 +126,7 @@ public:
 private:
     void Take(const Line& line) {
         if (line.keyword == "*LanguageEncoding")
-            encoding = std::string(unquoted(line.value));
+            decoder.emplace(unquoted(line.value));
         else if (line.keyword == "*ModelName")
             description.modelName = Label(unquoted(line.value), "");
         else if (isAnyOf(line.keyword, {"*OpenUI", "*QVOpenUI", "*BeginUI", "*OpenUIZAN"}))
@@ -290,7 +290,7 @@ private:
     }
 
     std::string Label(std::string_view translation, std::string_view otherwise) const {
-        return toUtf8(withoutHex(translation.empty() ? otherwise : translation), encoding);
+        return decoder->ToUtf8(withoutHex(translation.empty() ? otherwise : translation));
     }
 
     struct Page {
@@ -308,7 +308,7 @@ private:
     };
 
     PrinterDescription& description;
-    std::string encoding;
+    std::optional<TextDecoder> decoder{std::in_place, ""};
     std::vector<Page> pages;
     std::unordered_map<std::string, Name> names; // of panes and roll-downs
     std::unordered_map<std::string, std::string> pageOfPane;

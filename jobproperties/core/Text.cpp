@@ -70,14 +70,6 @@ char32_t takeCharacter(std::string_view& utf8) {
     return overlong || !isScalar(character) ? replacement : character;
 }
 
-std::string cleanUtf8(std::string_view bytes) {
-    std::string text;
-    text.reserve(bytes.size());
-    while (!bytes.empty())
-        append(text, takeCharacter(bytes));
-    return text;
-}
-
 const char* codePage(std::string_view encoding) {
     struct Pair {
         std::string_view encoding;
@@ -115,16 +107,32 @@ std::wstring toWide(std::string_view utf8) {
     return wide;
 }
 
-std::string toUtf8(std::string_view bytes, std::string_view encoding) {
+std::string cleanUtf8(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    while (!bytes.empty())
+        append(text, takeCharacter(bytes));
+    return text;
+}
+
+TextDecoder::TextDecoder(std::string_view encoding) {
     const char* page = codePage(encoding);
+    iconv_t opened = page == nullptr ? nullptr : ::iconv_open("UTF-8", page);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the value by which iconv_open says that it failed
+    converter = opened == reinterpret_cast<iconv_t>(-1) ? nullptr : opened;
+}
+
+TextDecoder::~TextDecoder() {
+    if (converter != nullptr)
+        ::iconv_close(converter);
+}
+
+std::string TextDecoder::ToUtf8(std::string_view bytes) const {
     const bool ascii = std::all_of(bytes.begin(), bytes.end(),
                                    [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
-    if (page == nullptr || ascii)
+    if (converter == nullptr || ascii)
         return cleanUtf8(bytes);
-    iconv_t converter = ::iconv_open("UTF-8", page);
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the value by which iconv_open says that it failed
-    if (converter == reinterpret_cast<iconv_t>(-1))
-        return cleanUtf8(bytes);
+    ::iconv(converter, nullptr, nullptr, nullptr, nullptr); // forgets what an earlier text broke off in
     std::string input(bytes);
     std::string output(input.size() * 4, '\0');
     char* in = input.data();
@@ -139,7 +147,6 @@ std::string toUtf8(std::string_view bytes, std::string_view encoding) {
         ++in;
         --inLeft;
     }
-    ::iconv_close(converter);
     output.resize(output.size() - outLeft);
     return output;
 }

@@ -20,9 +20,24 @@ std::string fromWide(const wchar_t* text);
 // Bytes that are no UTF-8 become U+FFFD.
 std::wstring toWide(std::string_view utf8);
 
-// From the encoding of a printer description (value of *LanguageEncoding); an unknown one counts as UTF-8.
-// What cannot be read becomes U+FFFD.
-std::string toUtf8(std::string_view bytes, std::string_view encoding);
+// Bytes of unknown origin as UTF-8: what is none becomes U+FFFD.
+std::string cleanUtf8(std::string_view bytes);
+
+// Reads texts of one encoding of a printer description (value of *LanguageEncoding); an unknown one counts as
+// UTF-8. Kept for as long as texts come, since finding a converter takes longer than using it.
+class TextDecoder {
+public:
+    explicit TextDecoder(std::string_view encoding);
+    TextDecoder(const TextDecoder&) = delete;
+    TextDecoder& operator=(const TextDecoder&) = delete;
+    ~TextDecoder();
+
+    // What cannot be read becomes U+FFFD.
+    std::string ToUtf8(std::string_view bytes) const;
+
+private:
+    void* converter = nullptr; // of iconv; null: UTF-8
+};
 
 std::string_view trimmed(std::string_view text);
 std::vector<std::string_view> split(std::string_view text, char separator);
