@@ -189,7 +189,7 @@ bool setControlValueText(PPDXControl& control, const std::string& text) {
 }
 
 CFStringRef cutToNote(const PPDXJobNote& note, const std::string& text) {
-    const CFStringRef whole = cfString(text);
+    CFStringRef whole = cfString(text);
     if (note.MaxLength() <= 0 || CFStringGetLength(whole) <= note.MaxLength()) {
         return whole;
     }
