@@ -2,7 +2,10 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "PPDX/PPDObjects/NumberText.h"
+#include "bidi/ByteOrderMark.h"
+#include "bidi/FieldText.h"
 #include "bidi/SharedMemoryList.h"
+#include "platform/TextEncoding.h"
 
 #include <algorithm>
 #include <array>
@@ -166,7 +169,7 @@ std::string controlValueText(PPDXControl& control) {
 
 bool setControlValueText(PPDXControl& control, const std::string& text) {
     const std::string now = controlValueText(control);
-    if (text == now || isCutForRecord(text, now)) {
+    if (isUnchanged(text, now)) {
         return true;
     }
     switch (control.Type()) {
@@ -197,22 +200,27 @@ CFStringRef cutToNote(const PPDXJobNote& note, const std::string& text) {
     return cfString(utf8Text(start)); // half of a pair at its end becomes U+FFFD
 }
 
-bool isCutForRecord(std::string_view cut, std::string_view whole) {
-    constexpr std::string_view replacement = "\xEF\xBF\xBD"; // of a character that was cut in two
-    while (cut.ends_with(replacement) && !whole.starts_with(cut)) {
-        cut.remove_suffix(replacement.size());
+std::string keyThroughRecord(std::string_view key) {
+    return std::string(key.substr(0, wholeCharacters(key, exchangeKeySize)));
+}
+
+bool isUnchanged(std::string_view returned, std::string_view now) {
+    if (returned == now) {
+        return true;
     }
-    if (cut.size() >= whole.size() || !whole.starts_with(cut)) {
-        return false;
+    std::array<char, exchangeValueSize> field{};
+    FieldWriter writer(field);
+    const std::wstring wide = wideFromUtf8(now);
+    const bool isMarked = wide.starts_with(wideMark);
+    for (auto unit = wide.begin(); unit != wide.end() && !writer.IsFull(); ++unit) {
+        if (isMarked && *unit == wideMark.front()) {
+            writer.Append(markLetters);
+        } else {
+            writer.Append(static_cast<char32_t>(*unit));
+        }
     }
-    // A byte-order mark takes six bytes in the record instead of three.
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    constexpr std::size_t largestGap = 6;
-    std::size_t taken = cut.size();
-    for (auto at = cut.find(mark); at != std::string_view::npos; at = cut.find(mark, at + mark.size())) {
-        taken += mark.size();
-    }
-    return taken + largestGap > exchangeValueSize;
+    writer.Finish();
+    return returned == withMarks(fieldText(field));
 }
 
 } // namespace torka

@@ -27,7 +27,10 @@ bool setControlValueText(PPDXControl& control, const std::string& text);
 // A text as far as the note's declaration has room for it.
 CFStringRef cutToNote(const PPDXJobNote& note, const std::string& text);
 
-// Whether `cut` is what an exchange record's field leaves of a longer `whole`.
-bool isCutForRecord(std::string_view cut, std::string_view whole);
+// Whether a value that came back is the one that is there now, as it was or as the way through the exchange
+// record leaves it: cut to its field, "EFBBBF" at its start read as a byte-order mark.
+bool isUnchanged(std::string_view returned, std::string_view now);
+// What the record leaves of a key.
+std::string keyThroughRecord(std::string_view key);
 
 } // namespace torka

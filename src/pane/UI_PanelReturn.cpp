@@ -39,6 +39,29 @@ std::optional<long> wholeNumber(std::string_view text) {
     return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
+// Entries that the way through the record has cut are whole again where the module did not change them.
+void restoreUnchanged(std::vector<WideSetting>& returned, const std::vector<WideSetting>& before) {
+    struct SameKey {
+        std::vector<const WideSetting*> settings;
+        std::size_t next = 0;
+    };
+    std::unordered_map<std::string, SameKey> known;
+    for (const WideSetting& setting : before) {
+        known[keyThroughRecord(utf8FromWide(setting.key))].settings.push_back(&setting);
+    }
+    for (WideSetting& setting : returned) {
+        const auto place = known.find(utf8FromWide(setting.key));
+        if (place == known.end() || place->second.next == place->second.settings.size()) {
+            continue;
+        }
+        const WideSetting& old = *place->second.settings[place->second.next++];
+        setting.key = old.key;
+        if (isUnchanged(utf8FromWide(setting.value), utf8FromWide(old.value))) {
+            setting.value = old.value;
+        }
+    }
+}
+
 } // namespace
 
 // The returned settings by key without asterisk, in the order in which each key came first; a key may have
@@ -122,16 +145,7 @@ void UI_Panel::ApplySideLists(const Returned& returned) {
     for (SettingList* target : mPDEData->SideLists()) {
         const std::vector<WideSetting> before(target->Entries().begin(), target->Entries().end());
         std::vector<WideSetting> after = returned.SideList(index);
-        for (WideSetting& setting : after) {
-            constexpr std::size_t neverCut = exchangeValueSize / 8; // characters
-            const auto old = setting.value.size() < neverCut
-                                 ? before.end()
-                                 : std::ranges::find(before, setting.key, &WideSetting::key);
-            if (old != before.end() &&
-                isCutForRecord(utf8FromWide(setting.value), utf8FromWide(old->value))) {
-                setting.value = old->value;
-            }
-        }
+        restoreUnchanged(after, before);
         const std::size_t seen = std::min(handed.sideListEntries[index++], before.size());
         after.insert(after.end(), before.begin() + static_cast<std::ptrdiff_t>(seen), before.end());
         if (after.size() > target->Capacity()) {
@@ -154,8 +168,11 @@ bool UI_Panel::ApplyAccount(std::string_view key, const std::string& value) {
             continue;
         }
         // With two-way communication off the module was not told the value, and "-1" says nothing of it.
-        if (value != "-1" || mPDEData->isBIDIEnabled()) {
-            pair.key = bare;
+        if (value == "-1" && !mPDEData->isBIDIEnabled()) {
+            return true;
+        }
+        pair.key = bare;
+        if (!isUnchanged(value, utf8FromWide(pair.value))) {
             pair.value = wideFromUtf8(value).substr(0, accountValueSize - 1);
         }
         return true;
@@ -208,7 +225,7 @@ bool UI_Panel::ApplyToModel(const std::string& keyword, const std::vector<std::s
     std::string noteText = note ? controlValueText(*note) : std::string();
     if (control && note && values.size() == 1) {
         const std::string handedText = noteText.empty() ? controlValueText(*control) : noteText;
-        if (values.front() == handedText || isCutForRecord(values.front(), handedText)) {
+        if (isUnchanged(values.front(), handedText)) {
             return true;
         }
     }
@@ -222,7 +239,7 @@ bool UI_Panel::ApplyToModel(const std::string& keyword, const std::vector<std::s
                                    (keyword == "*PageSize" && value == "Custom" && HasSystemPageSize());
         isValue = isPlaceholder || setControlValueText(*control, value);
     }
-    if (note && values.back() != noteText && !isCutForRecord(values.back(), noteText)) {
+    if (note && !isUnchanged(values.back(), noteText)) {
         if (isUtf8Note(keyword)) {
             note->SetUTF8Notes(cutToNote(*note, values.back()));
         } else {

@@ -149,7 +149,10 @@ TEST(PanelSettings, RoundTripChangesNothing) {
         pane.Set("*Short", notes[random() % std::size(notes)].c_str()); // longer than declared
         pane.Set("*CustomPrintSize", random() % 2 == 0 ? "0.1 99999" : "595.4 841.6");
         exchange.panel->makeJobNotesForSpecialControls();
-        pane.data->MixedMediaList().Append({L"*RangeProp1", L"1-3"});
+        pane.data->MixedMediaList().Append({L"*RangeProp1", L"EFBBBF1-3"}); // as the record writes a mark
+        pane.data->MixedMediaList().Append(
+            {L"MM_A" + std::wstring(90, L'k'), L"a key longer than its field"});
+        pane.data->AccountPairs()[0].value = std::wstring(500, L'\u5370');
         pane.data->PadCoverList().Append({L"PadCoverFront", std::wstring(800, L'\u5370')});
         pane.data->Watermarks().Append(
             std::make_unique<ZANWatermark>("0,0,0,1,2,3,0,0,0,450,0,0,48,Helvetica,A, B"));
