@@ -137,8 +137,7 @@ bool UI_Panel::HasSystemPageSize() const { return mPDEData->IsPageSizeSuppressed
 void UI_Panel::ListControls(KeyValueList& list, bool twoWay) {
     std::string installable;
     model->GetControls()->ForEach([&](PPDXControl* control) {
-        if (!control->Keyword() || control->Type() == CNTL_TYPE::specialOption ||
-            *control == controlBarKeyword || *control == "*CustomPrintSize" ||
+        if (!control->Keyword() || *control == controlBarKeyword || *control == "*CustomPrintSize" ||
             (HasSystemPageSize() && *control == "*PageSize")) {
             return;
         }

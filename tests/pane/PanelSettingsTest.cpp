@@ -77,14 +77,15 @@ TEST(PanelSettings, ListOfADescriptionWithoutTwoWayCommunication) {
     exchange.pane.data->AccountPairs()[1].value = L"Account";
     exchange.pane.data->Watermarks().Select(2);
     EXPECT_THAT(exchange.Settings(),
-                ElementsAre("PageSize=A4", "QVDuplex=None", "QVBright=0", "QVMarks=Crop", "Collate=False",
-                            "QVScale=100", "QVShift=0.000", "Notes1=", "Short=", "QVOutProfile=Press",
-                            "QVPrintSize=SameAsPageSize", "Unit=None", "CustomPrintSize=False",
-                            "QVControlBar=Off", "*QV_WATERMARK=2", "*QV_WATERMARK_FIRSTPAGEONLY=False",
-                            "QVPCMID=-1", "QVPCName=-1", "QVCoverSizePCMID=-1", "QVCoverSizePCName=-1",
-                            "*QV_COPIES=9999", "num copies=9999", "*QVOrientation=Portrait",
-                            "*MM_A1=\xE5\x8D\xB0", "SlipSheet_Tray=Upper"));
-    EXPECT_EQ(fieldText(exchange.panel->Record().installableOptions), "11,");
+                ElementsAre("QVUTF8_Version=6", "PageSize=A4", "QVDuplex=None", "QVBright=0", "QVMarks=Crop",
+                            "Collate=False", "QVScale=100", "QVShift=0.000",
+                            "Notes1=", "Short=", "QVOutProfile=Press", "QVPrintSize=SameAsPageSize",
+                            "Unit=None", "CustomPrintSize=False", "QVControlBar=Off", "*QV_WATERMARK=2",
+                            "*QV_WATERMARK_FIRSTPAGEONLY=False", "QVPCMID=-1", "QVPCName=-1",
+                            "QVCoverSizePCMID=-1", "QVCoverSizePCName=-1", "*QV_COPIES=9999",
+                            "num copies=9999", "*QVOrientation=Portrait", "*MM_A1=\xE5\x8D\xB0",
+                            "SlipSheet_Tray=Upper"));
+    EXPECT_EQ(fieldText(exchange.panel->Record().installableOptions), "12,");
 }
 
 TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
@@ -110,10 +111,10 @@ TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
     const std::vector<std::string> settings = exchange.Settings();
     // Dynamic popups at their default are left out; one that is not dynamic is not.
     EXPECT_THAT(settings,
-                ElementsAre("QVDuplex=Tumble", "QVBright=0", "QVMarks=Fold,Color", "Collate=False",
-                            "QVScale=100", "QVShift=0.000", "Notes1=", "Short=", "QVOutProfile=Coated",
-                            "QVPrintSize=CustomPrintSize", "Unit=None",
-                            "CustomPrintSize=595.400024 841.599976", "PageSize=Custom",
+                ElementsAre("QVUTF8_Version=6", "QVDuplex=Tumble", "QVBright=0", "QVMarks=Fold,Color",
+                            "Collate=False", "QVScale=100", "QVShift=0.000",
+                            "Notes1=", "Short=", "QVOutProfile=Coated", "QVPrintSize=CustomPrintSize",
+                            "Unit=None", "CustomPrintSize=595.400024 841.599976", "PageSize=Custom",
                             "CustomPageSize=0.000000 0.000000", "QVControlBar=Server Bar",
                             "QVOutProfile=Coated", "*QV_WATERMARK=-1", "*QV_WATERMARK_FIRSTPAGEONLY=True",
                             "QVPCMID=-1", "QVPCName=Account", "QVCoverSizePCMID=-1", "QVCoverSizePCName=-1",
