@@ -12,11 +12,14 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
+#include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -96,13 +99,27 @@ protected:
         QTest::qWait(20);
     }
 
+    // The visible button of the pane with this text.
+    static QPushButton* Button(PrintDialog& dialog, const char* text) {
+        QTest::qWait(20);
+        const QList<QPushButton*> buttons = dialog.tab().findChildren<QPushButton*>();
+        for (QPushButton* button : buttons) {
+            if (button->isVisible() && button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+
     // With the keyboard, as far as the choice's first letters go.
     static void Choose(PrintDialog& dialog, const char* keyword, const char* choice) {
         auto* box = Field<QComboBox>(dialog, keyword);
         ASSERT_NE(box, nullptr) << keyword;
         box->setFocus();
         QTest::keyClicks(box, QLatin1String(choice));
-        ASSERT_EQ(box->currentText().toStdString(), choice);
+        const int row = box->findText(QLatin1String(choice));
+        ASSERT_EQ(box->currentText().toStdString(), choice)
+            << box->itemData(row, Qt::ToolTipRole).toString().toStdString();
         QTest::qWait(10);
     }
 
@@ -158,6 +175,12 @@ TEST_F(DialogTest, WhatIsSetReachesTheDeviceAndComesBackInTheNextDialog) {
         job = Print(dialog);
     }
     const std::string printed = sandbox->Printed(job);
+    // An interpreter of another maker draws what the device got: two copies of the sample's three pages.
+    const std::filesystem::path kept = *sandbox / "printed" / (std::to_string(job) + ".ps");
+    const CommandResult drawn = runCommand(
+        {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=inkcov", "-o", "-", kept.string()});
+    EXPECT_EQ(drawn.status, 0) << drawn.output;
+    EXPECT_EQ(std::ranges::count(drawn.output, '\n'), 6) << drawn.output;
     for (const char* expected : {"%%BeginFeature: *QVStaple Saddle", "%%BeginFeature: *MediaType Coated",
                                  "Two proofs", "/RMXsetStaple /Saddle"}) {
         EXPECT_NE(printed.find(expected), std::string::npos) << expected;
@@ -242,6 +265,51 @@ TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
     const auto shown = Open("Live");
     EXPECT_TRUE(waitForGauges(*shown->dialog));
     EXPECT_EQ(told(*shown->dialog).size(), 12);
+}
+
+TEST_F(DialogTest, AConflictIsResolvedWithOneClickAndAPresetComesBack) {
+    const auto shown = Open();
+    PrintDialog& dialog = *shown->dialog;
+    QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton); // not what a test before left
+    ShowPage(dialog, "Finishing");
+    Choose(dialog, "*QVFoldStyle", "Half Fold");
+    // The dialog's own pages know nothing of the description's constraints.
+    dialog.printer()->setPageSize(QPageSize(QPageSize::A5));
+    dialog.tab().dialogSettingsChanged();
+    QPushButton* resolve = Button(dialog, "Resolve");
+    ASSERT_NE(resolve, nullptr);
+    QTest::mouseClick(resolve, Qt::LeftButton);
+    EXPECT_EQ(Field<QComboBox>(dialog, "*QVFoldStyle")->currentText(), "Off");
+    QPushButton* undo = Button(dialog, "Undo");
+    ASSERT_NE(undo, nullptr);
+    QTest::mouseClick(undo, Qt::LeftButton);
+    EXPECT_EQ(Field<QComboBox>(dialog, "*QVFoldStyle")->currentText(), "Half Fold");
+    QTest::mouseClick(Button(dialog, "Resolve"), Qt::LeftButton);
+
+    ShowPage(dialog, "Paper and Job");
+    Choose(dialog, "*MediaType", "Labels");
+    auto* presets = dialog.tab().findChild<QToolButton*>("presets");
+    ASSERT_NE(presets, nullptr);
+    const auto menu = [&](const char* start) {
+        Q_EMIT presets->menu()->aboutToShow();
+        for (QAction* action : presets->menu()->actions()) {
+            if (action->text().remove(QLatin1Char('&')).startsWith(QLatin1String(start))) {
+                action->trigger();
+                return true;
+            }
+        }
+        return false;
+    };
+    ASSERT_TRUE(menu("Save"));
+    auto* name = dialog.tab().findChild<QDialog*>("presetNameDialog")->findChild<QLineEdit*>();
+    name->selectAll();
+    QTest::keyClicks(name, "Address labels");
+    QTest::keyClick(name, Qt::Key_Return);
+    QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
+    ShowPage(dialog, "Paper and Job");
+    EXPECT_EQ(Field<QComboBox>(dialog, "*MediaType")->currentText(), "Plain");
+    ASSERT_TRUE(menu("Address labels"));
+    EXPECT_EQ(Field<QComboBox>(dialog, "*MediaType")->currentText(), "Labels");
 }
 
 TEST_F(DialogTest, AForbiddenChoiceIsGreyAndSaysWhy) {
