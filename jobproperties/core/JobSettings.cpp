@@ -29,37 +29,37 @@ std::optional<std::size_t> JobSettings::Index(std::string_view key) const {
     if (const auto found = exact.find(std::string(key)); found != exact.end())
         return found->second;
     if (const auto found = bare.find(std::string(bareKey(key))); found != bare.end())
-        return found->second;
+        return exact.at(settings[found->second].key);
     return std::nullopt;
+}
+
+void JobSettings::Append(JobSetting setting) {
+    const auto [same, isNew] = exact.try_emplace(setting.key, settings.size());
+    setting.earlier = isNew ? std::nullopt : std::optional(std::exchange(same->second, settings.size()));
+    bare.emplace(bareKey(setting.key), settings.size());
+    settings.push_back(std::move(setting));
 }
 
 void JobSettings::Rebuild() {
     exact.clear();
     bare.clear();
-    for (std::size_t i = 0; i < settings.size(); ++i) {
-        exact.emplace(settings[i].key, i);
-        bare.emplace(bareKey(settings[i].key), i);
-    }
+    for (JobSetting& setting : std::exchange(settings, {}))
+        Append(std::move(setting));
 }
 
 void JobSettings::HandOver(const KeyValues& values) {
     ResetSettings(); // so that positions in `settings` and `handed` are the same
     const bool isFirst = settings.empty();
     for (const KeyValue& entry : values) {
-        // Within the job's own list the spellings "Key" and "*Key" may be two settings.
-        const auto same = exact.find(entry.key);
-        std::optional<std::size_t> index = same == exact.end() ? std::nullopt : std::optional(same->second);
-        if (!index && !isFirst)
-            index = Index(entry.key);
-        if (index) {
+        auto index = isFirst ? std::nullopt : Index(entry.key);
+        if (!index) {
+            Append({entry.key, entry.value, entry.value});
+            handed.push_back(entry);
+        }
+        for (; index; index = settings[*index].earlier) {
             settings[*index].value = settings[*index].handedOver = entry.value;
             handed[*index].value = entry.value;
-            continue;
         }
-        exact.emplace(entry.key, settings.size());
-        bare.emplace(bareKey(entry.key), settings.size());
-        settings.push_back({entry.key, entry.value, entry.value});
-        handed.push_back(entry);
     }
 }
 
@@ -122,18 +122,17 @@ bool JobSettings::Edit(std::string_view key, const std::string& value) {
 }
 
 void JobSettings::Force(std::string_view key, const std::string& value) {
-    if (const auto index = Index(key)) {
+    auto index = Index(key);
+    if (!index)
+        Append({std::string(key), value, ""});
+    for (; index; index = settings[*index].earlier)
         settings[*index].value = value;
-        return;
-    }
-    exact.emplace(key, settings.size());
-    bare.emplace(bareKey(key), settings.size());
-    settings.push_back({std::string(key), value, ""});
 }
 
 void JobSettings::Remove(std::string_view key) {
-    if (const auto index = Index(key)) {
-        settings.erase(settings.begin() + static_cast<std::ptrdiff_t>(*index));
+    if (const JobSetting* found = Find(key)) {
+        std::erase_if(settings,
+                      [name = found->key](const JobSetting& setting) { return setting.key == name; });
         Rebuild();
     }
 }

@@ -22,7 +22,8 @@ enum class Lock {
 struct JobSetting {
     std::string key;
     std::string value;
-    std::string handedOver; // the value that "Restore" brings back
+    std::string handedOver;                  // the value that "Restore" brings back
+    std::optional<std::size_t> earlier = {}; // the place of the entry before it that has the same key
 };
 
 // What the interface takes: bytes of one definition, and of all of them with one byte more each.
@@ -75,12 +76,14 @@ public:
 
 private:
     std::optional<std::size_t> Index(std::string_view key) const;
+    void Append(JobSetting setting);
     void Rebuild();
     void ResetSettings();
     void TellFirstPageOnly();
 
     std::vector<JobSetting> settings;
-    std::unordered_map<std::string, std::size_t> exact, bare; // bare: the first one of that name
+    std::unordered_map<std::string, std::size_t> exact,
+        bare; // the last one of the key; the first of the bare one
     KeyValues handed;
     std::vector<std::pair<std::string, Lock>> locks;
     std::unordered_map<std::string, Lock> lockOf;

@@ -262,7 +262,8 @@ void JobPropertiesWindow::FillGroups() {
 void JobPropertiesWindow::AddRow(const JobSetting& setting) {
     const DescribedSetting* described = description.Find(setting.key);
     const PaneSetting* ofPane = paneSetting(setting.key);
-    if (session.settings.IsVeiled(setting.key) || (described != nullptr && described->hidden) ||
+    if (session.settings.Find(setting.key) != &setting || // its last entry is shown
+        session.settings.IsVeiled(setting.key) || (described != nullptr && described->hidden) ||
         (ofPane != nullptr && ofPane->label == nullptr))
         return;
     QString label = described != nullptr ? shown(described->label) : shown(setting.key);

@@ -108,6 +108,25 @@ TEST(ModuleScript, KeepsOrderAndWatermarks) {
     EXPECT_FALSE(pane.hasReturnedWatermarks);
 }
 
+TEST(ModuleScript, KeyThatComesTwice) {
+    FakePane pane;
+    pane.settings = {{L"QVSimulation", L"None"}, {L"Notes1", L""}, {L"QVSimulation", L"Server profile"}};
+    {
+        ScriptFile script("");
+        ASSERT_TRUE(pane.Run());
+        EXPECT_EQ(pane.returned, pane.settings); // as it went out
+    }
+    ScriptFile script("set *QVSimulation Coated");
+    ASSERT_TRUE(pane.Run());
+    EXPECT_EQ(pane.returned,
+              (Pairs{{L"QVSimulation", L"Coated"}, {L"Notes1", L""}, {L"QVSimulation", L"Coated"}}));
+    pane.templateSettings = {{L"*QVSimulation", L"Press"}};
+    ScriptFile restoring("set QVSimulation Coated\nrestore");
+    ASSERT_TRUE(pane.Run());
+    EXPECT_EQ(pane.returned[0].second, L"Press");
+    EXPECT_EQ(pane.returned[2].second, L"Press");
+}
+
 TEST(ModuleScript, TemplateOverridesLocksAndVeils) {
     FakePane pane;
     fill(pane);
@@ -298,10 +317,10 @@ TEST(ModuleInterface, SurvivesWhatItIsHanded) {
     EXPECT_EQ(module.openUI(session, nullptr, 3, 0, &result), SDM_SUCCESS);
     EXPECT_NE(module.getJobKeyValues(session, 0, nullptr, nullptr), SDM_SUCCESS);
     ASSERT_EQ(module.getJobKeyValues(session, 0, &list, nullptr), SDM_SUCCESS);
-    ASSERT_EQ(list->count, 3U);
+    ASSERT_EQ(list->count, 4U);
     EXPECT_STREQ(list->items[0].szValue, L"");
-    EXPECT_STREQ(list->items[1].szValue, L"2");
-    EXPECT_STREQ(list->items[2].szValue, L"\xFFFD");
+    EXPECT_STREQ(list->items[2].szValue, L"2");
+    EXPECT_STREQ(list->items[3].szValue, L"\xFFFD");
     for (std::size_t i = 0; i < list->count; ++i) {
         module.free(list->items[i].szKey);
         module.free(list->items[i].szValue);
