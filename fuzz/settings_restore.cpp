@@ -23,10 +23,14 @@ constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
 *%ZANGroupName Group/Group: True
 *%ZANParent Pane/Page: True|Scrollpane
 *%ZANParent Group/Pane: True|Rolldown
+*%ZANFlags *PageSize: Dynamic
+*%ZANGroup *PageSize: Group
 *OpenUI *PageSize/Size: PickOne
 *DefaultPageSize: A4
 *PageSize A4: ""
 *CloseUI: *PageSize
+*%ZANFlags *QVPrintSize: Dynamic
+*%ZANGroup *QVPrintSize: Group
 *OpenUI *QVPrintSize/Size: PickOne
 *DefaultQVPrintSize: A4
 *QVPrintSize A4: ""
@@ -34,11 +38,17 @@ constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
 *CloseUI: *QVPrintSize
 *%ParamCustomPrintSize Width: 1 points 283.46 936
 *%ParamCustomPrintSize Height: 2 points 419.53 1368
+*%ZANFlags *QVCurveAdjust: Dynamic
+*%ZANGroup *QVCurveAdjust: Group
 *OpenUI *QVCurveAdjust/Curve: PickOne
 *DefaultQVCurveAdjust: None
 *QVCurveAdjust None: ""
 *CloseUI: *QVCurveAdjust
+*%ZANFlags *QVScale: Dynamic
+*%ZANGroup *QVScale: Group
 *%ZANRange *QVScale/Scale: 25;400;1;100;"<*QVScale>"
+*%ZANFlags *Notes1:
+*%ZANGroup *Notes1: Group
 *%ZANJobNote *Notes1/Note: 255|UTF8
 *%Notes1: "(<*Notes1>)"
 )PPD";
