@@ -39,26 +39,31 @@ std::optional<long> wholeNumber(std::string_view text) {
     return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
-// Entries that the way through the record has cut are whole again where the module did not change them.
+// Entries that the way through the record has cut are whole again where the module did not change them. Each
+// stands for the first entry before that could have come so and that no other stands for.
 void restoreUnchanged(std::vector<WideSetting>& returned, const std::vector<WideSetting>& before) {
-    struct SameKey {
-        std::vector<const WideSetting*> settings;
-        std::size_t next = 0;
-    };
-    std::unordered_map<std::string, SameKey> known;
+    std::unordered_map<std::string, std::vector<const WideSetting*>> known; // null once it is taken
     for (const WideSetting& setting : before) {
-        known[keyThroughRecord(utf8FromWide(setting.key))].settings.push_back(&setting);
+        known[keyThroughRecord(utf8FromWide(setting.key))].push_back(&setting);
     }
     for (WideSetting& setting : returned) {
-        const auto place = known.find(utf8FromWide(setting.key));
-        if (place == known.end() || place->second.next == place->second.settings.size()) {
+        const std::string key = utf8FromWide(setting.key);
+        const std::string cut = keyThroughRecord(key);
+        const auto place = known.find(cut);
+        if (place == known.end()) {
             continue;
         }
-        const WideSetting& old = *place->second.settings[place->second.next++];
-        setting.key = old.key;
-        if (isUnchanged(utf8FromWide(setting.value), utf8FromWide(old.value))) {
-            setting.value = old.value;
+        const auto old = std::ranges::find_if(place->second, [&](const WideSetting* candidate) {
+            return candidate != nullptr && (key == cut || candidate->key == setting.key);
+        });
+        if (old == place->second.end()) {
+            continue;
         }
+        setting.key = (*old)->key;
+        if (isUnchanged(utf8FromWide(setting.value), utf8FromWide((*old)->value))) {
+            setting.value = (*old)->value;
+        }
+        *old = nullptr;
     }
 }
 
