@@ -26,18 +26,27 @@ bool isReadable(std::wstring_view text, RecordFault& fault) {
     return true;
 }
 
+// The count that a text begins with; none, with its fault, for a text without one or of units that are no
+// characters.
+std::optional<std::size_t> countOf(std::wstring_view text, RecordLines& lines, RecordFault& fault) {
+    if (!isReadable(text, fault)) {
+        return std::nullopt;
+    }
+    const std::optional<std::size_t> count = lines.NextCount();
+    if (!count) {
+        fault = {1, countFault};
+    }
+    return count;
+}
+
 // Reads a count and as many lines, each of which must be ended: a number that is cut is one, too.
 template <typename Entry, typename ReadEntry>
 bool readCounted(std::wstring_view text, std::vector<Entry>& entries, RecordFault& fault,
                  std::string_view entryFault, ReadEntry readEntry) {
     entries.clear();
-    if (!isReadable(text, fault)) {
-        return false;
-    }
     RecordLines lines(text);
-    const std::optional<std::size_t> count = lines.NextCount();
+    const std::optional<std::size_t> count = countOf(text, lines, fault);
     if (!count) {
-        fault = {1, countFault};
         return false;
     }
     while (const std::optional<std::wstring_view> line = lines.Next()) {
@@ -171,13 +180,9 @@ bool readTrays(std::wstring_view text, std::vector<TrayView>& trays, RecordFault
 
 bool readPresetNames(std::wstring_view text, std::vector<std::wstring_view>& names, RecordFault& fault) {
     names.clear();
-    if (!isReadable(text, fault)) {
-        return false;
-    }
     RecordLines lines(text);
-    const std::optional<std::size_t> count = lines.NextCount();
+    const std::optional<std::size_t> count = countOf(text, lines, fault);
     if (!count) {
-        fault = {1, countFault};
         return false;
     }
     while (const std::optional<std::wstring_view> line = lines.Next()) {
