@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
@@ -106,6 +107,37 @@ TEST_F(PaneWidgetTest, ChoosesSeveralValuesByTicking) {
     ASSERT_TRUE(pane.Editor().Undo());
     EXPECT_EQ(pane.Value("*QVMarks"), before);
     EXPECT_EQ(box->itemData(2, Qt::CheckStateRole).toInt(), Qt::Unchecked);
+}
+
+TEST_F(PaneWidgetTest, PopupsMakeTheirListsWhenTheyAreOpened) {
+    for (const std::string& page : Widget().PageIdentifiers()) {
+        ASSERT_TRUE(Widget().ShowPage(page));
+    }
+    const auto boxes = pane.Root()->findChildren<QComboBox*>();
+    EXPECT_GT(boxes.size(), 30);
+    for (const QComboBox* box : boxes) {
+        EXPECT_EQ(box->findChild<QAbstractItemView*>(), nullptr) << box->objectName().toStdString();
+    }
+    for (const auto& [keyword, characters, choose] :
+         {std::tuple{"*QVStaple", 14, Qt::Key_Return}, {"*QVMarks", 0, Qt::Key_Space}}) {
+        Go(keyword);
+        auto* box = Field<QComboBox>(keyword);
+        QComboBox plain; // the toolkit's own measures
+        plain.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        plain.setMinimumContentsLength(characters);
+        EXPECT_EQ(box->sizeHint().height(), plain.sizeHint().height());
+        EXPECT_NEAR(box->sizeHint().width(), plain.sizeHint().width(), 1);
+        EXPECT_EQ(box->minimumSizeHint(), box->sizeHint());
+        const std::string before = pane.Value(keyword);
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_F4);
+        ASSERT_TRUE(box->view()->isVisible());
+        QTest::keyClick(box->view(), Qt::Key_End);
+        QTest::keyClick(box->view(), choose);
+        EXPECT_NE(pane.Value(keyword), before);
+        EXPECT_EQ(box->view()->isVisible(), choose == Qt::Key_Space) << "open for more ticks";
+        box->hidePopup();
+    }
 }
 
 TEST_F(PaneWidgetTest, SaysWhatForbidsAChoice) {

@@ -17,6 +17,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <cmath>
 
 namespace torka {
 namespace {
@@ -26,6 +27,37 @@ bool anyOf(const std::vector<bool>& forbidden) {
 }
 
 } // namespace
+
+// A combo box whose list, a window of its own, is made when it is first opened. QComboBox makes it earlier:
+// for its size hint, to ask the list's delegate, and when its size policy or contents length is set. The size
+// is therefore worked out here, and both setters are left alone.
+class LazyComboBox : public QComboBox {
+public:
+    // `characters`: room for as many; 0 leaves the width to the layout.
+    LazyComboBox(int characters, QWidget* parent)
+        : QComboBox(parent)
+        , leastCharacters(characters) {
+        setFocusPolicy(Qt::StrongFocus);
+    }
+
+    // The size of QComboBox with AdjustToMinimumContentsLengthWithIcon.
+    QSize sizeHint() const override {
+        constexpr int leastTextHeight = 14;
+        constexpr int iconMargin = 4;
+        constexpr int frame = 2;
+        const int textHeight = static_cast<int>(std::ceil(QFontMetricsF(fontMetrics()).height()));
+        const int textWidth = leastCharacters * fontMetrics().horizontalAdvance(QLatin1Char('X'));
+        const QSize content(textWidth > 0 ? textWidth + iconSize().width() + iconMargin : 0,
+                            std::max({textHeight, leastTextHeight, iconSize().height()}) + frame);
+        QStyleOptionComboBox option;
+        initStyleOption(&option);
+        return style()->sizeFromContents(QStyle::CT_ComboBox, &option, content, this);
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+private:
+    int leastCharacters;
+};
 
 // The choices of a popup with their state; forbidden ones are disabled but for the current one, which bears a
 // sign.
@@ -109,12 +141,8 @@ private:
 
 PopupRow::PopupRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
-    , box(new QComboBox(Body()))
+    , box(new LazyComboBox(14, Body()))
     , choices(new ChoiceModel(paneContext, *shownField.control, box)) {
-    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    constexpr int leastCharacters = 14;
-    box->setMinimumContentsLength(leastCharacters);
-    box->setFocusPolicy(Qt::StrongFocus);
     box->setModel(choices);
     constexpr int shownItems = 16;
     box->setMaxVisibleItems(shownItems);
@@ -173,14 +201,18 @@ bool CheckRow::UpdateAllowed() {
 }
 
 // A combo box whose items are ticked one by one; its list stays open meanwhile.
-class TickBox final : public QComboBox {
+class TickBox final : public LazyComboBox {
 public:
     explicit TickBox(QWidget* parent)
-        : QComboBox(parent)
+        : LazyComboBox(0, parent)
         , items(new QStandardItemModel(this)) {
         setModel(items);
-        view()->viewport()->installEventFilter(this);
+    }
+
+    void showPopup() override {
+        view()->viewport()->installEventFilter(this); // once, however often it is called
         view()->installEventFilter(this);
+        LazyComboBox::showPopup();
     }
 
     QStandardItemModel& Items() { return *items; }
@@ -191,8 +223,8 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        const bool released = watched == view()->viewport() && event->type() == QEvent::MouseButtonRelease;
-        const bool pressed = watched == view() && event->type() == QEvent::KeyPress &&
+        const bool released = event->type() == QEvent::MouseButtonRelease && watched == view()->viewport();
+        const bool pressed = event->type() == QEvent::KeyPress && watched == view() &&
                              static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space;
         if (released || pressed) {
             Toggle(items->itemFromIndex(view()->currentIndex()));
@@ -236,8 +268,6 @@ private:
 SeveralChoicesRow::SeveralChoicesRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
     , box(new TickBox(Body())) {
-    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    box->setFocusPolicy(Qt::StrongFocus);
     MakeItems();
     QObject::connect(&box->Items(), &QStandardItemModel::itemChanged, box, [this] { TakeTicks(); });
     Take(box, box, false);
