@@ -4,8 +4,8 @@
 // each one's marked choice, and the marking of them all. Names: TASK/cups and TASK/torka.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "pane/PDEData.h"
-#include "pane/UI_Panel.h"
+#include "pane/data/PDEData.h"
+#include "pane/panel/UI_Panel.h"
 #include "platform/Log.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/posix/PosixSystem.h"

@@ -5,7 +5,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/FeatureEmission.h"
 #include "output/ZANJobTicket.h"
-#include "pane/PDEData.h"
+#include "pane/data/PDEData.h"
 #include "platform/Log.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/posix/PosixSystem.h"

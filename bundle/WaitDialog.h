@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pane/WaitPresenter.h"
+#include "pane/exchange/WaitPresenter.h"
 #include "platform/Bundle.h"
 
 #include <QPointer>

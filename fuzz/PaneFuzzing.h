@@ -3,7 +3,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/QuietStreams.h"
-#include "pane/PDEData.h"
+#include "pane/data/PDEData.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySystem.h"
 

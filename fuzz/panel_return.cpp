@@ -5,7 +5,7 @@
 // keys and values in turn, each ended by a NUL.
 
 #include "fuzz/PaneFuzzing.h"
-#include "pane/UI_Panel.h"
+#include "pane/panel/UI_Panel.h"
 #include "platform/TextEncoding.h"
 
 #include <unistd.h>

@@ -2,8 +2,8 @@
 // from them, lists stay within their capacities, and what is saved afterwards comes back.
 
 #include "fuzz/PaneFuzzing.h"
-#include "pane/PopupJobNotes.h"
-#include "pane/PresetStore.h"
+#include "pane/data/PopupJobNotes.h"
+#include "pane/data/PresetStore.h"
 
 namespace {
 

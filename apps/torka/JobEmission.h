@@ -2,7 +2,7 @@
 
 #include "apps/torka/Description.h"
 #include "output/FeatureEmission.h"
-#include "pane/PDEData.h"
+#include "pane/data/PDEData.h"
 #include "platform/memory/MemoryPrinting.h"
 
 #include <CLI/App.hpp>

@@ -7,7 +7,7 @@
 #include "bidi/JobPropertiesSession.h"
 #include "bidi/JobPropertiesState.h"
 #include "output/ZANJobNote.h"
-#include "pane/UI_Panel.h"
+#include "pane/panel/UI_Panel.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
 #include "platform/posix/PosixLibraryLoader.h"

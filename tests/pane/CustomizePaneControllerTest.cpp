@@ -1,6 +1,6 @@
-#include "pane/CustomizePaneController.h"
+#include "pane/panel/CustomizePaneController.h"
 
-#include "pane/PaneInterface.h"
+#include "pane/panel/PaneInterface.h"
 #include "tests/pane/PaneFixture.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
-#include "pane/ControlTables.h"
+#include "pane/data/ControlTables.h"
 #include "platform/TextEncoding.h"
 #include "tests/pane/PaneFixture.h"
 

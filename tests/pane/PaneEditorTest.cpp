@@ -1,4 +1,4 @@
-#include "pane/PaneEditor.h"
+#include "pane/editing/PaneEditor.h"
 
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"

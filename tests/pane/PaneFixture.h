@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "pane/PDEData.h"
+#include "pane/data/PDEData.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/support/TestSupport.h"
 

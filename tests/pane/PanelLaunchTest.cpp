@@ -1,6 +1,6 @@
 #include "bidi/JobPropertiesSession.h"
 #include "bidi/JobPropertiesState.h"
-#include "pane/PaneInterface.h"
+#include "pane/panel/PaneInterface.h"
 #include "platform/memory/MemoryEventLoop.h"
 #include "tests/pane/UIPanelFixture.h"
 #include "tests/support/FakeJobPropertiesModule.h"

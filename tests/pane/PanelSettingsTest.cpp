@@ -1,4 +1,4 @@
-#include "pane/ControlValueText.h"
+#include "pane/data/ControlValueText.h"
 #include "tests/pane/UIPanelFixture.h"
 
 #include <gmock/gmock.h>

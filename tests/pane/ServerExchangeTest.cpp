@@ -1,7 +1,7 @@
-#include "pane/ServerExchange.h"
+#include "pane/exchange/ServerExchange.h"
 
-#include "pane/PopupJobNotes.h"
-#include "pane/WaitPresenter.h"
+#include "pane/data/PopupJobNotes.h"
+#include "pane/exchange/WaitPresenter.h"
 #include "tests/connection/RecordPPD.h"
 #include "tests/pane/PanelFixture.h"
 

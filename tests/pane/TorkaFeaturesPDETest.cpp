@@ -1,6 +1,6 @@
 #include "bidi/JobPropertiesState.h"
 #include "connection/BonjourModuleController.h"
-#include "pane/BundleHelpers.h"
+#include "pane/panel/BundleHelpers.h"
 #include "platform/Help.h"
 #include "tests/pane/PanelFixture.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "bidi/BidiFailure.h"
-#include "pane/PanelServices.h"
-#include "pane/UI_Panel.h"
+#include "pane/panel/PanelServices.h"
+#include "pane/panel/UI_Panel.h"
 #include "platform/memory/MemoryAlerts.h"
 #include "tests/pane/PaneFixture.h"
 

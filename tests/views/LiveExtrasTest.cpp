@@ -1,7 +1,7 @@
 #include "pane/views/LiveExtras.h"
 #include "bidi/CFileHdlr.h"
-#include "pane/PanelState.h"
-#include "pane/PopupJobNotes.h"
+#include "pane/data/PanelState.h"
+#include "pane/data/PopupJobNotes.h"
 #include "pane/views/GaugePanel.h"
 #include "tests/views/ViewFixture.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pane/UI_Panel.h"
+#include "pane/panel/UI_Panel.h"
 #include "pane/views/CustomizePaneWidget.h"
 #include "pane/views/QtPaneInterface.h"
 #include "tests/pane/PaneFixture.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pane/PPDTree.h"
-#include "pane/PaneInterface.h"
+#include "pane/data/PPDTree.h"
+#include "pane/panel/PaneInterface.h"
 #include "pane/views/PaneContext.h"
 #include "pane/views/PaneRegistry.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pane/ServerExchange.h"
-#include "pane/ServerGauges.h"
+#include "pane/exchange/ServerExchange.h"
+#include "pane/exchange/ServerGauges.h"
 #include "pane/views/PaneContext.h"
 
 #include <QProgressBar>

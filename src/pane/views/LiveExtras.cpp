@@ -1,7 +1,7 @@
 #include "pane/views/LiveExtras.h"
 
-#include "pane/PDEData.h"
-#include "pane/TorkaFeaturesPDE.h"
+#include "pane/data/PDEData.h"
+#include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/views/GaugePanel.h"
 #include "pane/views/PaneRegistry.h"
 #include "pane/views/PopupJobNoteDialog.h"

@@ -1,7 +1,7 @@
 #include "pane/views/NoteFields.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
-#include "pane/CustomizePaneController.h"
+#include "pane/panel/CustomizePaneController.h"
 #include "pane/views/Eliding.h"
 #include "pane/views/FieldTexts.h"
 

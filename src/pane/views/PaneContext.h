@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pane/PaneEditor.h"
+#include "pane/editing/PaneEditor.h"
 #include "pane/views/PaneWords.h"
 
 #include <QString>

@@ -2,9 +2,9 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "pane/CustomizePaneController.h"
-#include "pane/PanelState.h"
-#include "pane/PopupJobNotes.h"
+#include "pane/data/PanelState.h"
+#include "pane/data/PopupJobNotes.h"
+#include "pane/panel/CustomizePaneController.h"
 #include "pane/views/FieldTexts.h"
 #include "pane/views/LiveWords.h"
 #include "pane/views/NoteFields.h"

@@ -1,6 +1,6 @@
 #include "pane/views/PresetBar.h"
 
-#include "pane/PDEData.h"
+#include "pane/data/PDEData.h"
 #include "pane/views/ExtraWords.h"
 #include "pane/views/FieldTexts.h"
 #include "pane/views/PaneIcons.h"

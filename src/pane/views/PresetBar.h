@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pane/PresetStore.h"
+#include "pane/data/PresetStore.h"
 #include "pane/views/PaneContext.h"
 
 #include <QPointer>

@@ -1,6 +1,6 @@
 #include "pane/views/PresetNameDialog.h"
 
-#include "pane/PresetStore.h"
+#include "pane/data/PresetStore.h"
 #include "pane/views/ExtraWords.h"
 #include "pane/views/FieldTexts.h"
 

@@ -1,7 +1,7 @@
 #include "pane/views/QtPaneInterface.h"
 
-#include "pane/CustomizePaneController.h"
-#include "pane/TorkaFeaturesPDE.h"
+#include "pane/panel/CustomizePaneController.h"
+#include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/views/CustomizePaneWidget.h"
 #include "pane/views/FieldTexts.h"
 #include "pane/views/PaneRoot.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "connection/BonjourModuleView.h"
-#include "pane/PaneEditor.h"
-#include "pane/PaneInterface.h"
+#include "pane/editing/PaneEditor.h"
+#include "pane/panel/PaneInterface.h"
 #include "pane/views/AddressSheet.h"
 #include "pane/views/PaneContext.h"
 #include "pane/views/PaneRegistry.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pane/PaneInterface.h"
+#include "pane/panel/PaneInterface.h"
 #include "pane/views/PaneContext.h"
 
 #include <QDialog>

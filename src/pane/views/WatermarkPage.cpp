@@ -1,7 +1,7 @@
 #include "pane/views/WatermarkPage.h"
 
-#include "pane/PDEData.h"
-#include "pane/TorkaFeaturesPDE.h"
+#include "pane/data/PDEData.h"
+#include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/views/ExtraWords.h"
 #include "pane/views/FieldTexts.h"
 #include "pane/views/RoomyRows.h"

@@ -1,7 +1,7 @@
 #include "pane/views/WatermarkPreview.h"
 
-#include "pane/PDEData.h"
-#include "pane/TorkaFeaturesPDE.h"
+#include "pane/data/PDEData.h"
+#include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/views/ExtraWords.h"
 #include "platform/Printing.h"
 

@@ -1,0 +1,141 @@
+#include "pane/data/ControlTables.h"
+
+#include "output/FeatureEmission.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string_view>
+
+namespace torka {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::array<std::string_view, 14> expertHueKeeperControls = {
+    "*QVRGBOverride",  "*QVColorRendDict", "*QVRGBSep",       "*QVSimulation",  "*QVSimSpeed",
+    "*QVOutProfile",   "*QVSpotColors",    "*QVPureBlack",    "*QVBlkOvpCtrl",  "*QVKOnlyGrayCMYK",
+    "*QVKOnlyGrayRGB", "*QVPaperSim",      "*QVSpotPriority", "*QVGrayOverride"};
+
+// Some names stand here twice and two lack their asterisk: the table is kept so, since it is compared with
+// stored settings of other versions.
+constexpr std::array<std::string_view, 96> hiddenControls = {"*QVMMInUse",
+                                                             "*QVMMInsType",
+                                                             "*QVMMCover",
+                                                             "*QVImageUnit",
+                                                             "*QVImageFlag",
+                                                             "*QVImageAlign",
+                                                             "*QVRIPBooklet",
+                                                             "*QVBookCoverEnabled",
+                                                             "*QVBookCoverTray",
+                                                             "*QVBookFrCover",
+                                                             "*QVBookBkCover",
+                                                             "*QVBookCoverInType",
+                                                             "*QVBookletCreep",
+                                                             "*QVBookletReduce",
+                                                             "*QVBookAutoSpine",
+                                                             "*QVBookNumSheetPerSubset",
+                                                             "*QVBookCentering",
+                                                             "*QVNUpOption",
+                                                             "*ZANPrintTime",
+                                                             "*QVEmbeddedRGB",
+                                                             "*QVNUpBoundingBox",
+                                                             "*QVClearCoat",
+                                                             "*QVTextClearCoat",
+                                                             "*QVGraphicClearCoat",
+                                                             "*QVImageClearCoat",
+                                                             "*QVSpotColorClearCoat",
+                                                             "*QVImageWiseRange",
+                                                             "*QVImageWise_RangeType",
+                                                             "*QVImageWise_RangeValue",
+                                                             "*QVEmbeddedCMYK",
+                                                             "*QVSubsetFinishingInUse",
+                                                             "*QVEnhancedFF",
+                                                             "*QVClearDryInk_RangeType",
+                                                             "*QVClearDryInk_RangeValue",
+                                                             "*QVMMTabShift",
+                                                             "*QVControlBar",
+                                                             "*QVPostFlight",
+                                                             "*QVProgressives",
+                                                             "*QVDocServer",
+                                                             "*QVDSUserName",
+                                                             "*QVDSPassword",
+                                                             "*QVDSFileName",
+                                                             "*QVHTScreen",
+                                                             "*QVBookSpineContentType",
+                                                             "*QVBookScaling",
+                                                             "*QVBookTrimType",
+                                                             "*QVBookFaceTrimOnly",
+                                                             "*QVColorant_NoTonerLimit",
+                                                             "*QVColorant1Area",
+                                                             "*QVColorant1Text",
+                                                             "*QVColorant1Graphic",
+                                                             "*QVColorant1Image",
+                                                             "*QVColorant1Spot",
+                                                             "*QVColorant1Pass",
+                                                             "*QVColorant1_RangeType",
+                                                             "*QVColorant1_RangeValue",
+                                                             "*QVDisplayJobTracking",
+                                                             "*QVAccountSetting",
+                                                             "*QVAccountShowLast",
+                                                             "*PageSize",
+                                                             "*QVCurveAdjust",
+                                                             "QVSlipSheetPaperCatalog",
+                                                             "QVCoverPagePaperCatalog",
+                                                             "*QVBlackPointCompCMYK",
+                                                             "*QVColorant1Rip",
+                                                             "*QVColorant2Rip",
+                                                             "*QVColorant2Area",
+                                                             "*QVColorant2Text",
+                                                             "*QVColorant1Image",
+                                                             "*QVColorant2Graphic",
+                                                             "*QVColorant1Spot",
+                                                             "*QVColorant2Image",
+                                                             "*QVColorant1Pass",
+                                                             "*QVColorant2Pass",
+                                                             "*QVColorant1_LimitCoverage",
+                                                             "*QVColorant1_RangeType",
+                                                             "*QVColorant2_LimitCoverage",
+                                                             "*QVColorant2_RangeType",
+                                                             "*QVColorant1_RangeValue",
+                                                             "*QVColorant1Text",
+                                                             "*QVColorant2_RangeValue",
+                                                             "*QVColorant2Spot",
+                                                             "*QVProcessNColorants",
+                                                             "*QVProcessColorantsSpotOnly",
+                                                             "*QVMltClrPrntMap",
+                                                             "*QVSubstColors",
+                                                             "*QVEmbeddedGray",
+                                                             "*QVGrayColorRendDict",
+                                                             "*QVKOnlyGray",
+                                                             "*QVCMYKColorRendDict",
+                                                             "*QVColorant1Enable",
+                                                             "*QVSlipsheetOffs",
+                                                             "*QVInterlvMedia",
+                                                             "*QVColorant2Enable",
+                                                             "*QVColorant2Optimised",
+                                                             "*QVColorant1Optimised"};
+
+bool holds(std::span<const std::string_view> table, const char* keyword) {
+    return keyword != nullptr && std::ranges::find(table, std::string_view(keyword)) != table.end();
+}
+
+} // namespace
+
+bool isExpertHueKeeperControl(const char* keyword) { return holds(expertHueKeeperControls, keyword); }
+
+bool isSpecialHueKeeperControl(const char* keyword) {
+    return keyword != nullptr && std::ranges::any_of(colourKeywords, [keyword](std::string_view colour) {
+               return std::string_view(keyword).find(colour) != std::string_view::npos;
+           });
+}
+
+bool isHiddenFromBasicPanel(const char* keyword) { return holds(hiddenControls, keyword); }
+
+bool isBidiKeyword(const char* keyword) {
+    const std::string_view text(keyword == nullptr ? "" : keyword);
+    return text.size() > "Bidi"sv.size() && text.ends_with("Bidi"sv);
+}
+
+} // namespace torka

@@ -1,0 +1,226 @@
+#include "pane/data/ControlValueText.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/PPDObjects/NumberText.h"
+#include "bidi/ByteOrderMark.h"
+#include "bidi/FieldText.h"
+#include "bidi/SharedMemoryList.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t longestChoice = 255; // bytes; the longest option keyword that PPD 4.3 allows is 40
+
+std::string popupText(PPDXPopupControl& popup) {
+    if (!popup.CanSelectMultipleItems()) {
+        return utf8Text(popup.CopyCurrentControlValueString());
+    }
+    std::string text;
+    for (const _PopupItem* item = popup.FirstItem(); item; item = popup.NextItem()) {
+        if (item->selected != 0) {
+            text += text.empty() ? "" : ",";
+            text += std::string_view(item->keyword.Buffer(), item->keyword.Size());
+        }
+    }
+    return text;
+}
+
+// The model's own form where it says enough, else the shortest text without exponent that does.
+std::string floatText(float value) {
+    const NumberText usual(value, 3);
+    if (nearestFloat(CFStringGetDoubleValue(cfString(usual.View()))) == value) {
+        return std::string(usual.View());
+    }
+    std::array<char, 80> buffer{};
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed).ptr;
+    return {buffer.data(), end};
+}
+
+template <class Number>
+std::optional<Number> wholeNumber(std::string_view text) {
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
+}
+
+std::optional<float> decimal(std::string_view text) {
+    const auto number = wholeNumber<double>(text);
+    return number && std::isfinite(*number) ? std::optional(nearestFloat(*number)) : std::nullopt;
+}
+
+bool isPlain(std::string_view text) {
+    return std::ranges::none_of(text, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
+}
+
+bool setSeveral(PPDXPopupControl& popup, std::string_view text) {
+    std::vector<std::string> chosen;
+    while (!text.empty()) {
+        const std::size_t comma = std::min(text.find(','), text.size());
+        chosen.emplace_back(text.substr(0, comma));
+        text.remove_prefix(std::min(comma + 1, text.size()));
+    }
+    std::vector<std::string> offered;
+    for (const _PopupItem* item = popup.FirstItem(); item; item = popup.NextItem()) {
+        offered.emplace_back(item->keyword.Buffer(), item->keyword.Size());
+    }
+    const auto isOffered = [&](const std::string& choice) {
+        return std::ranges::find(offered, choice) != offered.end();
+    };
+    if (!std::ranges::all_of(chosen, isOffered)) {
+        return false;
+    }
+    for (const std::string& choice : offered) {
+        if (std::ranges::find(chosen, choice) == chosen.end()) {
+            popup.SetKeywordSelect(choice.c_str(), false);
+        }
+    }
+    // Last, because the constraint store hears of the choice that is set last.
+    for (const std::string& choice : chosen) {
+        popup.SetKeywordSelect(choice.c_str(), true);
+    }
+    return true;
+}
+
+bool setPopup(PPDXPopupControl& popup, const std::string& text) {
+    if (text.size() > longestChoice || !isPlain(text)) {
+        return false;
+    }
+    if (popup.CanSelectMultipleItems()) {
+        return setSeveral(popup, text);
+    }
+    if (text.empty()) {
+        return false;
+    }
+    popup.SetCurrentControlWithCFString(cfString(text));
+    return popupText(popup) == text;
+}
+
+bool setBoolean(PPDXBooleanControl& control, const std::string& text) {
+    const CFStringRef word = cfString(text);
+    for (const bool state : {true, false}) {
+        if (CFStringCompare(word, cfString(state ? "True" : "False"), kCFCompareCaseInsensitive) == 0) {
+            control.SetValue(state);
+            return true;
+        }
+    }
+    return false;
+}
+
+float heldTo(float points, float minimum, float maximum) {
+    return maximum > minimum ? std::clamp(points, minimum, maximum) : points;
+}
+
+bool setCustomSize(PPDXCustomPageSizeControl& control, std::string_view text) {
+    const std::size_t blank = std::min(text.find(' '), text.size());
+    const auto width = decimal(text.substr(0, blank));
+    const auto height = decimal(text.substr(std::min(blank + 1, text.size())));
+    if (!width || !height || *width <= 0 || *height <= 0) {
+        return false;
+    }
+    control.SetWidth(heldTo(*width, control.MinWidth(), control.MaxWidth()));
+    control.SetHeight(heldTo(*height, control.MinHeight(), control.MaxHeight()));
+    return true;
+}
+
+bool setRange(PPDXRangeControl& control, std::string_view text) {
+    // A module that keeps all numbers as decimals writes "5.000".
+    const auto number = wholeNumber<double>(text);
+    if (!number || !std::isfinite(*number) || std::trunc(*number) != *number) {
+        return false;
+    }
+    constexpr double widest = std::numeric_limits<std::int32_t>::max();
+    const long value = static_cast<long>(std::clamp(*number, -widest, widest));
+    if (value != control.GetValue()) {
+        control.SetValue(value);
+    }
+    return true;
+}
+
+bool setFloatRange(PPDXFloatRangeControl& control, std::string_view text) {
+    const auto value = decimal(text);
+    if (value && *value != control.GetValue()) {
+        control.SetValue(*value);
+    }
+    return value.has_value();
+}
+
+} // namespace
+
+std::string controlValueText(PPDXControl& control) {
+    switch (control.Type()) {
+    case CNTL_TYPE::popup:
+        return popupText(static_cast<PPDXPopupControl&>(control));
+    case CNTL_TYPE::floatRange:
+        return floatText(static_cast<PPDXFloatRangeControl&>(control).GetValue());
+    default:
+        return utf8Text(control.CopyCurrentControlValueString());
+    }
+}
+
+bool setControlValueText(PPDXControl& control, const std::string& text) {
+    const std::string now = controlValueText(control);
+    if (isUnchanged(text, now)) {
+        return true;
+    }
+    switch (control.Type()) {
+    case CNTL_TYPE::popup:
+        return setPopup(static_cast<PPDXPopupControl&>(control), text);
+    case CNTL_TYPE::boolean:
+        return setBoolean(static_cast<PPDXBooleanControl&>(control), text);
+    case CNTL_TYPE::range:
+        return setRange(static_cast<PPDXRangeControl&>(control), text);
+    case CNTL_TYPE::floatRange:
+        return setFloatRange(static_cast<PPDXFloatRangeControl&>(control), text);
+    case CNTL_TYPE::customPageSize:
+        return setCustomSize(static_cast<PPDXCustomPageSizeControl&>(control), text);
+    case CNTL_TYPE::jobNote:
+        control.SetCurrentControlWithCFString(cutToNote(static_cast<PPDXJobNote&>(control), text));
+        return true;
+    default:
+        return false;
+    }
+}
+
+CFStringRef cutToNote(const PPDXJobNote& note, const std::string& text) {
+    CFStringRef whole = cfString(text);
+    if (note.MaxLength() <= 0 || CFStringGetLength(whole) <= note.MaxLength()) {
+        return whole;
+    }
+    const CFStringRef start = CFStringCreateWithSubstring(whole, 0, note.MaxLength());
+    return cfString(utf8Text(start)); // half of a pair at its end becomes U+FFFD
+}
+
+std::string keyThroughRecord(std::string_view key) {
+    return std::string(key.substr(0, wholeCharacters(key, exchangeKeySize)));
+}
+
+bool isUnchanged(std::string_view returned, std::string_view now) {
+    if (returned == now) {
+        return true;
+    }
+    std::array<char, exchangeValueSize> field{};
+    FieldWriter writer(field);
+    const std::wstring wide = wideFromUtf8(now);
+    const bool isMarked = wide.starts_with(wideMark);
+    for (auto unit = wide.begin(); unit != wide.end() && !writer.IsFull(); ++unit) {
+        if (isMarked && *unit == wideMark.front()) {
+            writer.Append(markLetters);
+        } else {
+            writer.Append(static_cast<char32_t>(*unit));
+        }
+    }
+    writer.Finish();
+    return returned == withMarks(fieldText(field));
+}
+
+} // namespace torka

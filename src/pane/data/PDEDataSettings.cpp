@@ -1,0 +1,219 @@
+#include "pane/data/PDEData.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "connection/ZANCorvianPrinterPList.h"
+#include "pane/data/ControlTables.h"
+#include "pane/data/CutText.h"
+#include "platform/Log.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+
+// What the pane keeps between dialogs: settings without a control in the print settings, quick access and
+// watermarks in the printer's entry of the address list.
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t settingTextSize = 256; // bytes with terminator
+constexpr std::size_t definitionSize = 1024; // bytes with terminator, one row of the address list
+constexpr int quickAccessBlock = 0;
+constexpr int watermarkBlock = 1;
+
+CFStringRef settingText(const std::wstring& wide) {
+    return cfString(cutText(utf8FromWide(wide), settingTextSize));
+}
+
+std::string numbered(const char* stem, std::size_t index) { return stem + std::to_string(index); }
+
+} // namespace
+
+void PDEData::WriteSetting(const std::string& key, const CFTypeRef& value) {
+    lastWriteStatus = PMPrintSettingsSetValue(mPrintSettings, cfString(key), value, false);
+}
+
+CFTypeRef PDEData::ReadSetting(const std::string& key) const {
+    CFTypeRef value;
+    return PMPrintSettingsGetValue(mPrintSettings, cfString(key), value) == noErr ? value : nullptr;
+}
+
+std::int32_t PDEData::SaveNonPSSettings() {
+    if (!mPrintSettings) {
+        return -1;
+    }
+    const ZANWatermark* watermark = mWatermarks.Selected();
+    const bool isFirstPageOnly = watermark != nullptr && watermark->IsFirstPageOnly();
+    WriteSetting("WatermarkFirstPageInfo", CFNumberCreate(std::int32_t{isFirstPageOnly ? 1 : 0}));
+    WriteSetting(".SelectedWatermarkKey", CFNumberCreate(std::int32_t{mWatermarks.SelectedIndex()}));
+    SaveList(mMixedMedia, ".MMKey", "MMKey", "MMValue");
+    SaveList(mPadCover, ".PadCov", "PCovKey", "PCovValue");
+    SaveList(mCoverPage, ".CovPag", "CovPagKey", "CovPagValue");
+    SaveList(mSlipSheet, ".SlpSht", "SlpShtKey", "SlpShtValue");
+    return lastWriteStatus;
+}
+
+void PDEData::SaveList(const SettingList& list, const char* countKey, const char* keyStem,
+                       const char* valueStem) {
+    WriteSetting(countKey, CFNumberCreate(static_cast<std::int32_t>(list.Count())));
+    std::size_t index = 0;
+    for (const WideSetting& setting : list.Entries()) {
+        WriteSetting(numbered(keyStem, index), settingText(setting.key));
+        WriteSetting(numbered(valueStem, index), settingText(setting.value));
+        ++index;
+    }
+}
+
+std::int32_t PDEData::RestoreNonPSSettings() {
+    if (!mPrintSettings) {
+        return -1;
+    }
+    RestoreWatermarkChoice();
+    RestoreAccountPairs();
+    RestoreList(mMixedMedia, ".MMKey", "MMKey", "MMValue");
+    RestoreList(mPadCover, ".PadCov", "PCovKey", "PCovValue");
+    RestoreList(mCoverPage, ".CovPag", "CovPagKey", "CovPagValue");
+    RestoreList(mSlipSheet, ".SlpSht", "SlpShtKey", "SlpShtValue");
+    if (!templateKeysTaken && !mPPDModel->DMTXmlData().empty()) {
+        templateKeysTaken = true;
+        dmtSetNonPPDKeys();
+    }
+    return 0;
+}
+
+void PDEData::RestoreWatermarkChoice() {
+    std::int32_t index = WatermarkList::noSelection;
+    CFNumberGetValue(cfCast<CFNumber>(ReadSetting(".SelectedWatermarkKey")), index);
+    const bool isStored = index >= 0 && static_cast<std::size_t>(index) < StoredWatermarkCount();
+    mWatermarks.Select(isStored ? index : WatermarkList::noSelection);
+    // Any present value sets the flag, whatever the number.
+    if (ReadSetting("WatermarkFirstPageInfo") && mWatermarks.Selected() != nullptr) {
+        mWatermarks.Selected()->SetFirstPageOnly("True");
+    }
+}
+
+void PDEData::RestoreAccountPairs() {
+    for (WideSetting& pair : mAccountPairs) {
+        // A pair that the module named has no asterisk, its place in the print settings always has one.
+        const std::string key = (pair.key.starts_with(L'*') ? "" : "*") + utf8FromWide(pair.key);
+        const auto text = cfCast<CFString>(ReadSetting(key));
+        pair.value = text ? wideFromUtf8(utf8Text(text)).substr(0, accountValueSize - 1) : L"-1";
+    }
+}
+
+void PDEData::RestoreList(SettingList& list, const char* countKey, const char* keyStem,
+                          const char* valueStem) {
+    const CFTypeRef stored = ReadSetting(countKey);
+    if (!stored) {
+        list.SetCount(0);
+    } else if (const auto number = cfCast<CFNumber>(stored)) {
+        std::int32_t count = 0;
+        CFNumberGetValue(number, count);
+        list.SetCount(count);
+    }
+    for (std::size_t i = 0; i < list.Count(); ++i) {
+        if (const auto key = cfCast<CFString>(ReadSetting(numbered(keyStem, i)))) {
+            list.At(i).key = wideFromUtf8(cutText(utf8Text(key), settingTextSize));
+        }
+        if (const auto value = cfCast<CFString>(ReadSetting(numbered(valueStem, i)))) {
+            list.At(i).value = wideFromUtf8(cutText(utf8Text(value), settingTextSize));
+        }
+    }
+}
+
+bool PDEData::SetPPDShortcuts(const PPDTree& tree) {
+    if (!mPrinterName || !mCorvianList) {
+        return false;
+    }
+    std::vector<std::string> keywords;
+    for (const PPDTreeQuickAccess& entry : tree.quickAccess) {
+        keywords.push_back(entry.keyword);
+    }
+    return KeepRows(quickAccessBlock, keywords);
+}
+
+bool PDEData::GetPPDShortcuts(PPDTree& tree) {
+    if (!mPrinterName || !mCorvianList) {
+        return false;
+    }
+    const std::vector<std::string> keywords = KeptRows(quickAccessBlock);
+    if (keywords.empty()) {
+        return true;
+    }
+    tree.quickAccess.clear();
+    for (const std::string& stored : keywords) {
+        if (!std::ranges::all_of(stored, [](unsigned char c) { return c < 0x80; })) {
+            continue;
+        }
+        const std::string keyword = cutText(stored, treeKeywordSize);
+        const PPDXControl* control = mPPDModel->GetPPDXControlForKey(cfString(keyword));
+        if (!IsValidBasicPanelControl(control) || dmtHides(keyword)) {
+            continue;
+        }
+        if (tree.quickAccess.size() >= maximumQuickAccess) {
+            myNSLogC("The quick-access area holds %zu entries and takes no more.", maximumQuickAccess);
+            break;
+        }
+        tree.quickAccess.push_back({utf8Text(control->CFStringUserName()), keyword, 0});
+    }
+    return true;
+}
+
+void PDEData::SaveWatermarksToPreferences() {
+    if (!mPrinterName || !mCorvianList || mWatermarks.Count() == 0) {
+        return;
+    }
+    std::vector<std::string> definitions;
+    for (std::size_t i = 0; i < mWatermarks.Count(); ++i) {
+        definitions.push_back(mWatermarks.At(i)->Definition());
+    }
+    KeepRows(watermarkBlock, definitions);
+}
+
+void PDEData::ForgetWatermarkPreferences() {
+    if (mPrinterName && mCorvianList && StoredWatermarkCount() > 0) {
+        KeepRows(watermarkBlock, {});
+    }
+}
+
+bool PDEData::GetWatermarksFromPreferences() {
+    if (!mPrinterName || !mCorvianList) {
+        return false;
+    }
+    const std::vector<std::string> definitions = KeptRows(watermarkBlock);
+    if (!definitions.empty()) {
+        mWatermarks.Clear();
+        for (const std::string& definition : definitions) {
+            mWatermarks.Append(std::make_unique<ZANWatermark>(cutText(definition, definitionSize).c_str()));
+        }
+    }
+    return true;
+}
+
+std::size_t PDEData::StoredWatermarkCount() const {
+    return mPrinterName && mCorvianList ? KeptRows(watermarkBlock).size() : 0;
+}
+
+// Puts a block of rows into the printer's entry and saves the list.
+bool PDEData::KeepRows(int block, const std::vector<std::string>& texts) {
+    std::vector<DataRow> rows(texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const std::string text = cutText(texts[i], rows[i].size());
+        std::copy_n(text.c_str(), text.size() + 1, rows[i].data());
+    }
+    return mCorvianList->AddDataBlob(mPrinterName, static_cast<int>(rows.size()), block, rows) != 0 &&
+           mCorvianList->Save();
+}
+
+std::vector<std::string> PDEData::KeptRows(int block) const {
+    std::vector<CFStringRef> rows;
+    mCorvianList->GetDataBlob(mPrinterName, block, rows);
+    std::vector<std::string> texts;
+    texts.reserve(rows.size());
+    for (const CFStringRef& row : rows) {
+        texts.push_back(utf8Text(row));
+    }
+    return texts;
+}
+
+} // namespace torka

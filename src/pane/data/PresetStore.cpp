@@ -1,0 +1,338 @@
+#include "pane/data/PresetStore.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/ZANJobNote.h"
+#include "pane/data/PDEData.h"
+#include "platform/Log.h"
+#include "platform/PropertyList.h"
+#include "platform/System.h"
+#include "platform/TextEncoding.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <utility>
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t mostFileBytes = std::size_t{16} * 1024 * 1024;
+constexpr unsigned fileMode = 0600;
+constexpr std::size_t mostFileName = 200; // bytes; file systems take 255
+constexpr CFIndex mostListEntries = 4096;
+
+// Any printer name as one file name: what could mean something to a file system becomes "%" and two
+// hexadecimal digits. A long name is cut and told apart by a number made of the whole (FNV-1a, 64 bits).
+std::string fileNameFor(const std::string& printerName) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string name;
+    std::uint64_t mark = 0xCBF29CE484222325U;
+    for (const char c : printerName) {
+        const auto byte = static_cast<unsigned char>(c);
+        mark = (mark ^ byte) * 0x100000001B3U;
+        const bool plain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+                           c == '_' || c == '-';
+        if (plain) {
+            name += c;
+        } else {
+            name += {'%', digits[byte >> 4], digits[byte & 15]};
+        }
+    }
+    if (name.size() > mostFileName) {
+        name.resize(mostFileName - 17);
+        name += '-';
+        for (int shift = 60; shift >= 0; shift -= 4) {
+            name += digits[(mark >> shift) & 15];
+        }
+    }
+    return name + ".plist";
+}
+
+// What a property list in XML can hold.
+bool isPlainText(const CFStringRef& text) {
+    return text && std::none_of(text->units.begin(), text->units.end(), [](char16_t unit) {
+               return (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') || unit >= 0xFFFE;
+           });
+}
+
+bool isPresetName(const CFStringRef& name) {
+    return CFStringGetLength(name) > 0 &&
+           CFStringGetLength(name) <= static_cast<CFIndex>(PresetStore::maximumNameLength) &&
+           std::none_of(name->units.begin(), name->units.end(),
+                        [](char16_t unit) { return unit < 0x20 || unit == 0x7F || unit >= 0xFFFE; });
+}
+
+bool isKept(const ZANPPD& model, const PPDXControl& control) {
+    const PPDXElement* parent = control.GetParent();
+    return control.Keyword() != nullptr && control.Type() != CNTL_TYPE::specialOption &&
+           !control.IsInstallableOption() && !(parent != nullptr && *parent == "QVPPInstallableOptions") &&
+           !(control == "*PageSize") && !isSecretNote(model, &control);
+}
+
+void forEachKeptControl(const ZANPPD& model, const std::function<void(PPDXControl&)>& visit) {
+    model.GetControls()->ForEach([&](PPDXControl* control) {
+        if (isKept(model, *control)) {
+            visit(*control);
+        }
+    });
+}
+
+CFArrayRef asArray(std::span<const WideSetting> entries) {
+    std::vector<CFTypeRef> values;
+    for (const WideSetting& entry : entries) {
+        const CFStringRef key = cfString(utf8FromWide(entry.key));
+        const CFStringRef value = cfString(utf8FromWide(entry.value));
+        if (isPlainText(key) && isPlainText(value)) {
+            values.push_back(CFArrayCreate({key, value}));
+        }
+    }
+    return CFArrayCreate(std::move(values));
+}
+
+// Pairs of texts; whatever else the array holds is passed over.
+std::vector<WideSetting> entriesOf(const CFTypeRef& value) {
+    std::vector<WideSetting> entries;
+    const auto array = cfCast<CFArray>(value);
+    for (CFIndex i = 0; i < std::min(CFArrayGetCount(array), mostListEntries); ++i) {
+        const auto pair = cfCast<CFArray>(CFArrayGetValueAtIndex(array, i));
+        const auto key = cfCast<CFString>(CFArrayGetValueAtIndex(pair, 0));
+        const auto text = cfCast<CFString>(CFArrayGetValueAtIndex(pair, 1));
+        if (key && text) {
+            entries.push_back({wideFromUtf16(key->units), wideFromUtf16(text->units)});
+        }
+    }
+    return entries;
+}
+
+void fill(SettingList& list, const CFTypeRef& value) {
+    list.Clear();
+    for (WideSetting& entry : entriesOf(value)) {
+        if (!list.Append(std::move(entry))) {
+            return;
+        }
+    }
+}
+
+struct ListPlace {
+    std::u16string_view key;
+    SettingList& (PDEData::*list)();
+};
+constexpr std::array<ListPlace, 4> listPlaces{{
+    {u"MixedMedia", &PDEData::MixedMediaList},
+    {u"PadCovers", &PDEData::PadCoverList},
+    {u"CoverPages", &PDEData::CoverPageList},
+    {u"SlipSheets", &PDEData::SlipSheetList},
+}};
+
+} // namespace
+
+PresetStore::PresetStore(const CFStringRef& printerName, ZANPPD& description, PDEData& paneData)
+    : model(description)
+    , data(paneData)
+    , file(system().ConfigFolder() / "torka" / "presets" / fileNameFor(utf8Text(printerName))) {}
+
+PresetStore::Content PresetStore::Read() const {
+    Content content;
+    std::string xml;
+    const std::error_code failure = system().ReadFile(file, mostFileBytes, xml);
+    if (failure == std::errc::no_such_file_or_directory) {
+        return content;
+    }
+    std::string reason = failure.message();
+    CFDictionaryRef root;
+    if (!failure) {
+        root = cfCast<CFDictionary>(
+            CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size()), &reason));
+    }
+    if (!root) {
+        myNSLogC("The presets in %s cannot be used: %s", file.c_str(), reason.c_str());
+        return content;
+    }
+    content.lastUsed = cfCast<CFDictionary>(CFDictionaryGetValue(root, u"LastUsed"));
+    const auto presets = cfCast<CFArray>(CFDictionaryGetValue(root, u"Presets"));
+    for (CFIndex i = 0; i < CFArrayGetCount(presets) && content.presets.size() < maximumPresets; ++i) {
+        const auto entry = cfCast<CFDictionary>(CFArrayGetValueAtIndex(presets, i));
+        const auto name = cfCast<CFString>(CFDictionaryGetValue(entry, u"Name"));
+        const auto settings = cfCast<CFDictionary>(CFDictionaryGetValue(entry, u"Settings"));
+        if (isPresetName(name) && settings) {
+            content.presets.push_back({name, settings});
+        }
+    }
+    return content;
+}
+
+PresetStore::Result PresetStore::Write(const Content& content) const {
+    std::vector<CFTypeRef> presets;
+    for (const Preset& preset : content.presets) {
+        presets.push_back(
+            CFDictionaryCreate({{cfString("Name"), preset.name}, {cfString("Settings"), preset.settings}}));
+    }
+    const CFDataRef xml = CFPropertyListCreateXMLData(
+        CFDictionaryCreate({{cfString("Presets"), CFArrayCreate(std::move(presets))},
+                            {cfString("LastUsed"), content.lastUsed}}));
+    std::error_code failure = std::make_error_code(std::errc::invalid_argument);
+    if (xml) {
+        const auto bytes = CFDataGetBytes(xml);
+        failure = system().MakeFolder(file.parent_path());
+        if (!failure) {
+            failure = system().WriteFile(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
+                                         fileMode);
+        }
+    }
+    if (failure) {
+        myNSLogC("The presets could not be written to %s: %s", file.c_str(), failure.message().c_str());
+    }
+    return failure ? Result::notWritten : Result::done;
+}
+
+CFDictionaryRef PresetStore::PresentSettings() const {
+    std::vector<CFDictionary::Pair> values;
+    forEachKeptControl(model, [&](PPDXControl& control) {
+        const CFStringRef value = control.CopyCurrentControlValueString();
+        if (isPlainText(value)) {
+            values.emplace_back(cfString(control.Keyword()), value);
+        }
+    });
+    std::vector<CFDictionary::Pair> settings{{cfString("Values"), CFDictionaryCreate(values)}};
+    for (const ListPlace& place : listPlaces) {
+        const SettingList& list = (data.*place.list)();
+        if (list.Count() > 0) {
+            settings.emplace_back(CFStringCreateWithCharacters(place.key), asArray(list.Entries()));
+        }
+    }
+    settings.emplace_back(cfString("PaperCatalog"), asArray(data.AccountPairs()));
+    if (const ZANWatermark* watermark = data.Watermarks().Selected()) {
+        settings.emplace_back(cfString("Watermark"), cfString(watermark->Definition()));
+        settings.emplace_back(cfString("WatermarkFirstPageOnly"),
+                              CFBooleanCreate(watermark->IsFirstPageOnly()));
+    }
+    return CFDictionaryCreate(settings);
+}
+
+void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
+    const auto values = cfCast<CFDictionary>(CFDictionaryGetValue(settings, u"Values"));
+    forEachKeptControl(model, [&](PPDXControl& control) {
+        if (data.dmtLocks(control.Keyword())) {
+            return; // the administrator's
+        }
+        control.ResetToDefaultValue();
+        const auto value = cfCast<CFString>(CFDictionaryGetValue(values, cfString(control.Keyword())));
+        if (value) {
+            control.SetCurrentControlWithCFString(value);
+        }
+    });
+    for (const ListPlace& place : listPlaces) {
+        fill((data.*place.list)(), CFDictionaryGetValue(settings, place.key));
+    }
+    data.ResetAccountPairs();
+    for (const WideSetting& entry : entriesOf(CFDictionaryGetValue(settings, u"PaperCatalog"))) {
+        for (WideSetting& pair : data.AccountPairs()) {
+            if (pair.key == entry.key) {
+                pair.value = entry.value.substr(0, accountValueSize - 1);
+            }
+        }
+    }
+    data.Watermarks().SelectDefinition(
+        utf8Text(cfCast<CFString>(CFDictionaryGetValue(settings, u"Watermark"))),
+        CFBooleanGetValue(cfCast<CFBoolean>(CFDictionaryGetValue(settings, u"WatermarkFirstPageOnly"))));
+}
+
+std::vector<std::string> PresetStore::Names() const {
+    std::vector<std::string> names;
+    for (const Preset& preset : Read().presets) {
+        names.push_back(utf8Text(preset.name));
+    }
+    return names;
+}
+
+std::string PresetStore::NameOf(const CFDictionaryRef& settings) const {
+    for (const Preset& preset : Read().presets) {
+        if (CFEqual(preset.settings, settings)) {
+            return utf8Text(preset.name);
+        }
+    }
+    return {};
+}
+
+namespace {
+
+template <class Presets>
+auto findPreset(Presets& presets, const CFStringRef& name) {
+    return std::find_if(presets.begin(), presets.end(),
+                        [&](const auto& preset) { return CFEqual(preset.name, name); });
+}
+
+} // namespace
+
+PresetStore::Result PresetStore::Save(std::string_view nameText) {
+    const CFStringRef name = cfString(nameText);
+    if (!isPresetName(name)) {
+        return Result::badName;
+    }
+    Content content = Read();
+    const auto place = findPreset(content.presets, name);
+    if (place != content.presets.end()) {
+        place->settings = PresentSettings();
+    } else if (content.presets.size() >= maximumPresets) {
+        return Result::full;
+    } else {
+        content.presets.push_back({name, PresentSettings()});
+    }
+    return Write(content);
+}
+
+PresetStore::Result PresetStore::Apply(std::string_view name) {
+    const Content content = Read();
+    const auto place = findPreset(content.presets, cfString(name));
+    if (place == content.presets.end()) {
+        return Result::notFound;
+    }
+    ApplySettings(place->settings);
+    return Result::done;
+}
+
+PresetStore::Result PresetStore::Rename(std::string_view from, std::string_view to) {
+    const CFStringRef newName = cfString(to);
+    if (!isPresetName(newName)) {
+        return Result::badName;
+    }
+    Content content = Read();
+    const auto place = findPreset(content.presets, cfString(from));
+    if (place == content.presets.end()) {
+        return Result::notFound;
+    }
+    const auto taken = findPreset(content.presets, newName);
+    if (taken != content.presets.end() && taken != place) {
+        return Result::nameTaken;
+    }
+    place->name = newName;
+    return Write(content);
+}
+
+PresetStore::Result PresetStore::Remove(std::string_view name) {
+    Content content = Read();
+    const auto place = findPreset(content.presets, cfString(name));
+    if (place == content.presets.end()) {
+        return Result::notFound;
+    }
+    content.presets.erase(place);
+    return Write(content);
+}
+
+PresetStore::Result PresetStore::RememberLastUsed() {
+    Content content = Read();
+    content.lastUsed = PresentSettings();
+    return Write(content);
+}
+
+PresetStore::Result PresetStore::ApplyLastUsed() {
+    const Content content = Read();
+    if (!content.lastUsed) {
+        return Result::notFound;
+    }
+    ApplySettings(content.lastUsed);
+    return Result::done;
+}
+
+} // namespace torka

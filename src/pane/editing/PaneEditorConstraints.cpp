@@ -1,0 +1,236 @@
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConstraintsEngine.h"
+#include "PPDX/KVEngine/UIConstraints.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "pane/data/ControlTables.h"
+#include "pane/data/PDEData.h"
+#include "pane/editing/PaneEditor.h"
+
+#include <algorithm>
+
+// What the present settings forbid, what is in conflict, and how that is resolved.
+
+namespace torka {
+namespace {
+
+constexpr std::uint64_t mostWork = std::uint64_t{1} << 22U; // of one search: well below a second
+constexpr int mostRounds = 64;
+
+const char* textOf(const char* text) { return text == nullptr ? "" : text; }
+
+} // namespace
+
+std::vector<bool> PaneEditor::Forbidden(const PPDXControl& control) const {
+    std::vector<bool> forbidden;
+    const CStringSoup& strings = *constraints.GetConstraintStrings();
+    const char* keyword = textOf(control.Keyword());
+    const std::int64_t key = strings.Find(std::string_view(keyword));
+    const auto ask = [&](std::string_view choice) {
+        const std::int64_t option = strings.Find(choice);
+        // A choice that no line of the description names is in no constraint.
+        forbidden.push_back(option >= 0 && constraints.IsKVConstrained(key, option));
+    };
+    if (const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control)) {
+        forbidden.reserve(popup->ItemCount());
+        popup->ForEachItem([&](const _PopupItem& item) { ask(textOf(item.keyword.Buffer())); });
+    } else if (control.Type() == CNTL_TYPE::boolean) {
+        ask("True");
+        ask("False");
+    }
+    return forbidden;
+}
+
+std::vector<std::vector<bool>> PaneEditor::Sweep(const std::vector<PPDXControl*>& swept) const {
+    std::vector<std::vector<bool>> all;
+    all.reserve(swept.size());
+    for (const PPDXControl* control : swept) {
+        all.push_back(Forbidden(*control));
+    }
+    return all;
+}
+
+PaneSetting PaneEditor::SettingOf(const KeyOption& pair) const {
+    const CStringSoup& strings = *constraints.GetConstraintStrings();
+    return {textOf(strings.Find(pair.key)), textOf(strings.Find(pair.option))};
+}
+
+std::vector<PaneSetting> PaneEditor::ForbiddenBy(std::string_view keyword, std::string_view choice) const {
+    std::vector<PaneSetting> settings;
+    const CStringSoup& strings = *constraints.GetConstraintStrings();
+    const KeyOption asked{strings.Find(keyword), strings.Find(choice)};
+    if (asked.option < 0) {
+        return settings;
+    }
+    KVCache change;
+    change.Insert(asked.key, asked.option);
+    const ConstraintsEngine::Answer answer = constraints.GetEngine()->Test(change);
+    for (const KeyOption& pair : answer.conflicts.Pairs()) {
+        PaneSetting setting = SettingOf(pair);
+        if (std::ranges::find(settings, setting) == settings.end()) {
+            settings.push_back(std::move(setting));
+        }
+    }
+    return settings;
+}
+
+std::vector<std::pair<KeyOption, KeyOption>> PaneEditor::ConflictPairs(const KVCache& selections) const {
+    std::vector<std::pair<KeyOption, KeyOption>> pairs;
+    ConstraintsEngine engine(&selections, constraints.GetConstraintForest(), constraints.GetKeyForest(),
+                             nullptr);
+    for (const KeyOption& selected : selections.Pairs()) {
+        if (!engine.HasConflict(selected)) {
+            continue;
+        }
+        KVCache change;
+        change.add(selected);
+        const ConstraintsEngine::Answer answer = engine.Test(change);
+        for (const KeyOption& other : answer.conflicts.Pairs()) {
+            const bool isKnown = std::ranges::any_of(pairs, [&](const auto& pair) {
+                return (pair.first == selected && pair.second == other) ||
+                       (pair.first == other && pair.second == selected);
+            });
+            if (!isKnown) {
+                pairs.emplace_back(selected, other);
+            }
+        }
+    }
+    return pairs;
+}
+
+const std::vector<PaneConflict>& PaneEditor::Conflicts() const {
+    if (!conflicts) {
+        conflicts.emplace();
+        for (const auto& [first, second] : ConflictPairs(*constraints.GetCurrentSelections())) {
+            conflicts->push_back({SettingOf(first), SettingOf(second)});
+        }
+    }
+    return *conflicts;
+}
+
+bool PaneEditor::CanBeResolved(std::string_view keyword) const {
+    const PPDXControl* control = FindControl(keyword);
+    if (control == nullptr || LockOf(*control) != PaneLock::none || control->IsInstallableOption() ||
+        control->IsNoTorkaDriverUI() || isBidiKeyword(control->Keyword())) {
+        return false;
+    }
+    const PPDXElement* parent = control->GetParent();
+    return !(parent != nullptr && *parent == "QVPPInstallableOptions") &&
+           !(paneData != nullptr && paneData->dmtHides(keyword));
+}
+
+KVCache PaneEditor::LockedPairs(const KVCache& selections) const {
+    KVCache locked;
+    for (const KeyOption& pair : selections.Pairs()) {
+        if (!CanBeResolved(textOf(constraints.GetConstraintStrings()->Find(pair.key)))) {
+            locked.Insert(pair.key, -1);
+        }
+    }
+    return locked;
+}
+
+// Which side of a conflict stays: what cannot be changed, what was edited last, what was moved off its
+// default.
+bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked) const {
+    const bool firstLocked = locked.FindKey(first.key) != nullptr;
+    if (firstLocked != (locked.FindKey(second.key) != nullptr)) {
+        return firstLocked;
+    }
+    const PaneSetting one = SettingOf(first);
+    const PaneSetting other = SettingOf(second);
+    if (one.keyword == lastEdited || other.keyword == lastEdited) {
+        return one.keyword == lastEdited;
+    }
+    const auto isDefault = [this](const PaneSetting& setting) {
+        const PPDXControl* control = FindControl(setting.keyword);
+        return control == nullptr || DefaultValue(*control) == setting.choice;
+    };
+    return !isDefault(one) || isDefault(other);
+}
+
+void PaneEditor::LeaveOutNeedless(KVCache& changes) const {
+    const KVCache& now = *constraints.GetCurrentSelections();
+    for (std::size_t i = changes.size(); i-- > 0;) {
+        const KeyOption change = changes.GetKV(i);
+        const std::int64_t before = now.GetItem(change.key);
+        if (before == change.option) {
+            continue;
+        }
+        KVCache without = changes;
+        without.Insert(change.key, before);
+        KVCache then = now;
+        then.merge(without);
+        if (ConflictPairs(then).empty()) {
+            changes = std::move(without);
+        }
+    }
+}
+
+PaneResolution PaneEditor::FindResolution() const {
+    const KVCache& now = *constraints.GetCurrentSelections();
+    const KVCache locked = LockedPairs(now);
+    KVCache trial = now;
+    ConstraintsEngine engine(&trial, constraints.GetConstraintForest(), constraints.GetKeyForest(), &locked);
+    engine.LimitWork(mostWork);
+    KVCache changes;
+    for (int round = 0; round < mostRounds; ++round) {
+        const auto pairs = ConflictPairs(trial);
+        if (pairs.empty()) {
+            LeaveOutNeedless(changes);
+            PaneResolution found{true, {}};
+            for (const KeyOption& change : changes.Pairs()) {
+                if (now.GetItem(change.key) != change.option) {
+                    found.changes.push_back(SettingOf(change));
+                }
+            }
+            return found;
+        }
+        std::pair<KeyOption, KeyOption> sides = pairs.front();
+        if (!PrefersFirst(sides.first, sides.second, locked)) {
+            std::swap(sides.first, sides.second);
+        }
+        bool solved = false;
+        for (const KeyOption& kept : {sides.first, sides.second}) {
+            KVCache attempt = changes;
+            attempt.Insert(kept.key, kept.option);
+            if (engine.Solve(attempt, true).conflicts.size() == 0) {
+                changes = std::move(attempt);
+                solved = true;
+                break;
+            }
+        }
+        if (!solved) {
+            break;
+        }
+        trial.merge(changes);
+    }
+    return {};
+}
+
+const PaneResolution& PaneEditor::Resolution() const {
+    if (!resolution) {
+        resolution = Conflicts().empty() ? PaneResolution{} : FindResolution();
+    }
+    return *resolution;
+}
+
+bool PaneEditor::Resolve() {
+    const PaneResolution found = Resolution();
+    if (!found.solved || found.changes.empty()) {
+        return false;
+    }
+    std::vector<PPDXControl*> changed;
+    for (const PaneSetting& setting : found.changes) {
+        if (PPDXControl* control = FindControl(setting.keyword)) {
+            Apply(*control, setting.choice);
+            changed.push_back(control);
+        }
+    }
+    Step step = TakeChanges(changed);
+    if (step.IsEmpty()) {
+        return false;
+    }
+    Record(std::move(step), false, PaneChange::Kind::resolution);
+    return true;
+}
+
+} // namespace torka

@@ -1,0 +1,72 @@
+#include "pane/exchange/DeferredCommands.h"
+
+#include "bidi/SpoolerCommands.h"
+#include "connection/ZANCorvianPrinterPList.h"
+#include "pane/exchange/WaitPresenter.h"
+#include "platform/Log.h"
+#include "platform/System.h"
+
+#include <utility>
+
+namespace torka {
+
+namespace {
+
+constexpr int versionThatSavesFile = 6; // alone keeps the list in a file, without a command job
+
+SaveResult saveList(const QueueAccess& queue, std::string_view xml, SavesWait waits) {
+    if (waits == SavesWait::yes || system().MinorVersion() == versionThatSavesFile) {
+        const ScopedWait wait;
+        return makePropertyListStore(addressListPath, queue)->Save(xml);
+    }
+    PMPrinter printer;
+    PMSessionGetCurrentPrinter(queue.session, printer);
+    return {PMPrinterSendCommand(printer, cfString(xml), cfString(commandTitle(SpoolerCommand::zanPrefs)),
+                                 nullptr),
+            false};
+}
+
+} // namespace
+
+PaneAddressStore::PaneAddressStore(QueueAccess queueAccess,
+                                   std::shared_ptr<DeferredCommands> deferredCommands)
+    : queue(std::move(queueAccess))
+    , store(makePropertyListStore(addressListPath, queue))
+    , deferred(std::move(deferredCommands)) {}
+
+std::string PaneAddressStore::Load() {
+    return deferred->addressList ? *deferred->addressList : store->Load();
+}
+
+SaveResult PaneAddressStore::Save(std::string_view xml) {
+    if (deferred->held) {
+        deferred->addressList = xml;
+        return {noErr, true};
+    }
+    deferred->addressList.reset();
+    return saveList(queue, xml, SavesWait::yes);
+}
+
+void sendDeferred(const std::shared_ptr<DeferredCommands>& deferred, const QueueAccess& queue,
+                  SavesWait waits) {
+    deferred->held = false;
+    // Taken out first: a wait runs the event loop, and may lead here again.
+    if (const std::optional<std::string> list = std::exchange(deferred->addressList, std::nullopt)) {
+        const SaveResult result = saveList(queue, *list, waits);
+        if (result.error != noErr) {
+            myNSLogC("The printer's address could not be sent to its queue (error %d).",
+                     static_cast<int>(result.error));
+            if (!deferred->addressList) {
+                deferred->addressList = list;
+            }
+        }
+    }
+    if (const std::string language = std::exchange(deferred->language, {}); !language.empty()) {
+        PMPrinter printer;
+        PMSessionGetCurrentPrinter(queue.session, printer);
+        PMPrinterSendCommand(printer, cfString(language), cfString(commandTitle(SpoolerCommand::localeCode)),
+                             nullptr);
+    }
+}
+
+} // namespace torka

@@ -1,0 +1,74 @@
+#include "pane/panel/TorkaFeaturesPDE.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/ZANJobNote.h"
+#include "platform/Log.h"
+#include "platform/PropertyList.h"
+#include "platform/System.h"
+
+#include <array>
+
+// The automation presets file: settings that are applied to every new pane before a person sees it.
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t mostFileBytes = std::size_t{1024} * 1024;
+constexpr std::string_view systemFile = "/Library/Preferences/ZAN/automation.plist";
+
+// A value as the controls take it; null for a kind that is none.
+CFStringRef settingText(const CFTypeRef& value) {
+    if (auto text = cfCast<CFString>(value)) {
+        return text;
+    }
+    if (const auto state = cfCast<CFBoolean>(value)) {
+        return cfString(state->value ? "True" : "False");
+    }
+    const auto number = cfCast<CFNumber>(value);
+    return number && !number->isReal ? cfString(std::to_string(number->integer)) : nullptr;
+}
+
+void apply(ZANPPD& model, const CFDictionary& settings, const std::filesystem::path& place) {
+    for (const auto& [key, value] : settings.Pairs()) {
+        const std::string name = utf8Text(key);
+        const CFStringRef keyword = name.starts_with('*') ? key : cfString("*" + name);
+        const CFStringRef text = settingText(value);
+        const PPDXControl* control = model.GetPPDXControlForKey(keyword);
+        if (control != nullptr && isSecretNote(model, control)) {
+            myNSLogC("%s: a value for %s is not taken from a file", place.c_str(), name.c_str());
+        } else if (!text || !model.SetValueForKey(keyword, text)) {
+            myNSLogC("%s: %s cannot be set", place.c_str(), name.c_str());
+        }
+    }
+}
+
+} // namespace
+
+void TorkaFeaturesPDE::loadAutomationFileAndLoadPrintSetting() {
+    // The person's own file stands above the machine's.
+    const std::array<std::filesystem::path, 2> places{system().ConfigFolder() / "torka" / "automation.plist",
+                                                      system().Resolve(systemFile)};
+    for (const std::filesystem::path& place : places) {
+        std::string content;
+        const std::error_code failure = system().ReadFile(place, mostFileBytes, content);
+        if (failure == std::errc::no_such_file_or_directory) {
+            continue;
+        }
+        std::string reason = failure.message();
+        CFDictionaryRef settings;
+        if (!failure) {
+            reason = "it holds no dictionary";
+            settings = cfCast<CFDictionary>(
+                CFPropertyListCreateFromXMLData(CFDataCreate(content.data(), content.size()), &reason));
+        }
+        if (settings) {
+            apply(*self.myppd, *settings, place);
+        } else {
+            myNSLogC("The automation presets file %s cannot be used: %s", place.c_str(), reason.c_str());
+        }
+        return;
+    }
+}
+
+} // namespace torka

@@ -1,0 +1,203 @@
+#pragma once
+
+#include "bidi/JobPropertiesHost.h"
+#include "output/FeatureEmission.h"
+#include "pane/data/PanelState.h"
+#include "pane/exchange/ServerExchange.h"
+#include "pane/panel/PaneInterface.h"
+#include "pane/panel/PanelServices.h"
+#include "platform/EventLoop.h"
+#include "platform/PrintDialogExtension.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace torka {
+
+class BonjourModuleController;
+class PDEData;
+class PresetStore;
+class UI_Panel;
+class ZANPPD;
+struct DeferredCommands;
+
+// The features pane of one print dialog: answers the dialog's calls, and holds together the description
+// (ZANPPD), the pane's data (PDEData), the panel model (UI_Panel) and the widgets (PaneInterface).
+//
+// Owns all of these and shares the dialog's callback object. Made by initWithCallback alone. The newest panel
+// is sTorkaFeaturesPDE. Everything runs on the host's main thread.
+class TorkaFeaturesPDE final : public PDEPanel,
+                               public PanelServices,
+                               public JobPropertiesHost,
+                               public std::enable_shared_from_this<TorkaFeaturesPDE> {
+public:
+    // Null when the queue's description is not in the bundle's list of supported descriptions, the list is
+    // missing, or the description names no version of its maker.
+    static std::shared_ptr<TorkaFeaturesPDE> initWithCallback(const PDEPlugInCallbackRef& callback);
+    ~TorkaFeaturesPDE() override;
+
+    // PDEPanel
+    ViewRef panelView() override;
+    CFStringRef panelName() override;
+    CFStringRef panelKind() override;
+    CFArrayRef supportedPPDOptionKeys() override;
+    bool willShow() override;
+    bool shouldHide() override;
+    bool saveValuesAndReturnError(std::string* error) override;
+    bool restoreValuesAndReturnError(std::string* error) override;
+    bool updateUI() override;
+    bool shouldShowHelp() override;
+    bool shouldPrint() override;
+    void printWindowWillClose() override;
+    CFArrayRef summaryInfo() override;
+    void updateDestinationSheet(const CFDictionaryRef& destination) override;
+    void printInfoDidChange() override;
+    void PPDOptionKeyValueDidChange(const CFStringRef& optionKey, const CFStringRef& choice) override;
+
+    // Never null in a panel that initWithCallback gave.
+    ZANPPD* getPPDPtr() const { return self.myppd.get(); }
+    UI_Panel* GetUI_PanelPtr() const { return self.myUi_Panel.get(); }
+    PDEData* GetPDEDataPtr() const { return self.myPDEData.get(); }
+    const BundleRef& pdeBundle() const { return self.pdeBundle; }
+    const CFStringRef& bundleVersion() const override { return self.myBundleVersion; }
+    // Null until the interface file is loaded, and when it is missing or broken: the pane then works without
+    // widgets.
+    PaneInterface* Interface() const { return interface.get(); }
+    // Named sets of settings, and those used last.
+    PresetStore& Presets() const { return *presets; }
+    // Two-way communication: requests, waits, and what was read.
+    ServerExchange& Server() const { return *server; }
+
+    // A text of the bundle in the person's language, UTF-8; the default when no table has the key.
+    std::string LocalizedString(std::string_view key, std::string_view defaultText,
+                                std::string_view table = "Localizable") const override;
+
+    CFStringRef currentIPAddress() const; // the address field's text
+    bool isBonjourPrinter() const { return self.isBonjourPrinter; }
+    bool isCustomPageSize() const { return self.customPageSize; }
+    const CFStringRef& customPapername() const { return self.customPapername; }
+    void setFullPropertiesButtonStatusON(bool on) override;
+    void setCustomizeQuickAccessButtonButtonStatusON(bool on) override;
+    void setDefaultsButtonStatusON(bool on) override;
+    // Told by the interface: the last window, when it is visible, comes to the front, so that a dialog of the
+    // pane stays there after a change of application.
+    void applicationDidBecomeActive();
+    // Takes the quick-access texts out of the pane and closes the gap, for a description whose template has
+    // switched quick access off.
+    void enableCustomizedViewForDMT();
+    // Sets sessionQueueName from a description's path; false, with the name as it was, when the path has no
+    // "/" or its last component no ".ppd".
+    static bool getQueuePPDName(std::string_view path);
+    void fillPDEInstallPath();
+    // The administrator's template has switched quick access off.
+    bool isQuickAccessOff() const;
+
+    // What the pane's buttons do.
+    void launchFullProperties();
+    void defaultsButtonClicked();
+    void customizeQuickAccessButtonClicked();
+
+    // Writes the settings as they are now into the print settings.
+    void Sync(const PDEPlugInCallbackRef& callback);
+    bool sendUpdateCommandToCFFWithCommand(std::string_view command);
+    void deleteFileCommandToCFF(std::string_view files);
+    // Empties the job notes that name a preset of the server, which means nothing to another server.
+    void resetJPServerpresetKeys();
+    // The "keys" line of a request; "" when the description has no dynamic control.
+    std::string getDynamicPPDKeys() const;
+
+    // PanelServices
+    void showPrinterAddress(const CFStringRef& address) override;
+    void printerAddressStored(bool twoWay) override;
+    void bringToFront() override;
+    std::filesystem::path bundlePath() const override;
+    PMPrinter currentPrinter() const override { return self.printer; }
+    BidiFailure& bidiFailure() override;
+
+    // JobPropertiesHost
+    std::shared_ptr<const std::string> getBidiDataCopy() const override;
+    PMPrinter CurrentPrinter() const override { return self.printer; }
+    std::string TemplateText() const override;
+    std::string WindowTitle() const override;
+    WaitObserver Observer() override;
+
+    // Brings the page size and the input tray of the system's panes into the model.
+    void updatePageSizeAndInputSlot();
+    // Applies the automation presets file, see docs/presets.md; once a panel, before its first display.
+    void loadAutomationFileAndLoadPrintSetting();
+
+    // Reads the controller's data soon, from the event loop, when two-way communication is on and an address
+    // is known. Does nothing while a reading is under way, and without an event loop.
+    void requestServerData(ServerExchange::Failures failures);
+    // Sends what was held back so that nothing waits for the spooler before the first painting.
+    void sendDeferredCommands();
+
+private:
+    explicit TorkaFeaturesPDE(PDEPlugInCallbackRef callback);
+
+    // The instance variables. Their order is that in which they are told of elsewhere.
+    struct Variables {
+        std::unique_ptr<ZANPPD> myppd;
+        std::unique_ptr<PDEData> myPDEData;
+        std::unique_ptr<UI_Panel> myUi_Panel;
+
+        PDEPlugInCallbackRef pdePluginCallbackObject;
+        BundleRef pdeBundle;
+        PMPrintSession mySession;
+        PMPrintSettings printSettings;
+        PMPrinter printer;
+        CFURLRef printerURI;
+        CFStringRef mBundlePPDID; // null: the bundle's identifier
+        CFStringRef myBundleVersion;
+
+        bool shouldRestore = false; // the print settings carry values saved for this description
+        bool customPageSize = false;
+        bool isBonjourPrinter = false;
+        bool isDocumentPrinting = false; // shouldPrint ran
+        std::int32_t automationCalled = 0;
+
+        CFStringRef thePDEName;
+        CFStringRef customPapername;
+
+        std::shared_ptr<BonjourModuleController> bonjourViewRef;
+    };
+
+    bool Start();
+    CFURLRef TakeDescription();
+    void TakeDeviceUri();
+    void BuildModel(const CFURLRef& descriptionUrl);
+    void MakePaneData();
+    void TakeInstance();
+    void LeaveInstance();
+    void ObservePopupJobNotes();
+    bool LoadInterface();
+
+    void TakeRememberedSettings();
+    void TakeSystemPageSize();
+    void TakeCustomPageSize();
+    bool IsListedPaper(const CFStringRef& name) const;
+    void SelectInputSlot();
+    void ShowPrinterName(const CFStringRef& name);
+    void ShowDiscoveredAddress();
+    void StoreTypedAddress();
+    void TakeDocumentServer();
+    void WriteTicket(EmissionPurpose purpose);
+    void TellLeftOutNotes();
+    void FetchServerData(ServerExchange::Failures failures);
+    ServerExchange::Answer Fetch(ServerExchange::Failures failures);
+    void RefreshFromCallback();
+
+    Variables self;
+    std::unique_ptr<PaneInterface> interface;
+    bool interfaceFailed = false; // told once, not tried again
+    std::unique_ptr<PresetStore> presets;
+    std::unique_ptr<ServerExchange> server;
+    std::shared_ptr<DeferredCommands> deferred;
+    EventLoopTimerRef fetchTimer;
+    bool isFetching = false;
+};
+
+} // namespace torka

@@ -1,0 +1,135 @@
+#include "pane/panel/TorkaFeaturesPDE.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "bidi/TicketCommands.h"
+#include "connection/BonjourModuleController.h"
+#include "output/ZANJobTicket.h"
+#include "pane/data/PDEData.h"
+#include "pane/data/PopupJobNotes.h"
+#include "pane/data/PresetStore.h"
+#include "pane/exchange/DeferredCommands.h"
+#include "pane/exchange/WaitPresenter.h"
+#include "pane/panel/BundleHelpers.h"
+#include "pane/panel/UI_Panel.h"
+#include "platform/Alert.h"
+#include "platform/Log.h"
+#include "platform/System.h"
+#include "platform/TextEncoding.h"
+
+// The model's settings on their way out: into the print settings, into the job, and what is kept of them.
+
+namespace torka {
+
+namespace {
+
+constexpr int firstVersionWithSentTicket = 7;
+
+} // namespace
+
+void TorkaFeaturesPDE::Sync(const PDEPlugInCallbackRef& callback) {
+    const PMPrintSettings settings = callback->printSettings();
+    PrintSettingsTicket ticket(callback->printSession(), settings);
+    ZANJobTicket(&ticket, settings, CreatePostscriptDataFileKey())
+        .SavePPDForAllKeys(self.myppd.get(), GetBundleID());
+}
+
+bool TorkaFeaturesPDE::saveValuesAndReturnError(std::string* /*error*/) {
+    const auto alive = shared_from_this();
+    sendDeferredCommands();
+    self.printSettings = self.pdePluginCallbackObject->printSettings();
+    self.myPDEData->SetPrintSettings(self.printSettings);
+    // A pair's key carries its asterisk until the Job Properties module names it, and is then the one that is
+    // looked for.
+    for (const WideSetting& pair : self.myPDEData->AccountPairs()) {
+        if (utf8FromWide(pair.key) == "QVPCName") {
+            PMPrintSettingsSetValue(self.printSettings, cfString("*QVPCName"),
+                                    cfString(utf8FromWide(pair.value)), false);
+            break;
+        }
+    }
+    self.myPDEData->SaveNonPSSettings();
+    if (self.myPDEData->isBIDIEnabled()) {
+        self.myUi_Panel->makeJobNotesForSpecialControls();
+    }
+    StoreTypedAddress();
+    Sync(self.pdePluginCallbackObject);
+    return true;
+}
+
+void TorkaFeaturesPDE::StoreTypedAddress() {
+    if (interface && self.bonjourViewRef) {
+        self.myPDEData->SetCorvianPrinterAddress(interface->stringValue(PaneOutlet::printerAddress),
+                                                 self.bonjourViewRef->isBIDIEnabled());
+    }
+}
+
+void TorkaFeaturesPDE::TakeDocumentServer() {
+    const CFStringRef value = self.myppd->CopyValueForKey(cfString("*QVDocServer"));
+    gDocumentServer = utf8Text(value) == "True";
+}
+
+bool TorkaFeaturesPDE::shouldPrint() {
+    const auto alive = shared_from_this();
+    updatePageSizeAndInputSlot();
+    if (!hasNoPopupJobNotes() && LoadInterface() && !interface->popupJobNotes().handlePopupJobnoteUI()) {
+        return false;
+    }
+    sendDeferredCommands();
+    WriteTicket(EmissionPurpose::printJob);
+    if (!hasNoPopupJobNotes()) {
+        QVPDEDataWrite(self.printer, popupJobNotePreferences(*self.myppd));
+    }
+    presets->RememberLastUsed();
+    self.isDocumentPrinting = true;
+    TellLeftOutNotes();
+    return true;
+}
+
+void TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
+    RefreshFromCallback();
+    TakeDocumentServer();
+    self.myPDEData->SetPrintSettings(self.printSettings);
+    PrintSettingsTicket ticket(self.mySession, self.printSettings);
+    ZANJobTicket jobTicket(&ticket, self.printSettings, CreatePostscriptDataFileKey());
+    self.myPDEData->OutPostscriptData(jobTicket, self.mySession, purpose);
+    jobTicket.SavePPDForAllKeys(self.myppd.get(), GetBundleID());
+    const CFDataRef list = jobTicket.Save();
+    if (purpose != EmissionPurpose::printJob || system().MinorVersion() < firstVersionWithSentTicket) {
+        return;
+    }
+    const OSStatus status = sendTicketAhead(self.printer, jobTicket.FileName(), list);
+    if (status != noErr) {
+        myNSLogC("The job's settings could not be sent to the queue %s (error %d): it prints without them.",
+                 utf8Text(PMPrinterGetName(self.printer)).c_str(), static_cast<int>(status));
+    }
+}
+
+// A note that could not be protected stays out of the job; the person is told which.
+void TorkaFeaturesPDE::TellLeftOutNotes() {
+    std::string names;
+    for (const ZANJobNoteList::LeftOutNote& note : self.myPDEData->LeftOutNotes()) {
+        names += (names.empty() ? "" : ", ") + (note.title.empty() ? note.keyword : note.title);
+    }
+    if (names.empty() || !hasAlerts()) {
+        return;
+    }
+    alerts().RunModal({LocalizedString("NOTES_LEFT_OUT", "Some fields are not sent with this job"),
+                       LocalizedString("NOTES_LEFT_OUT_INFO", "They must be enciphered, and the key for it "
+                                                              "could not be read:") +
+                           " " + names,
+                       LocalizedString("OK", "OK"),
+                       {}});
+}
+
+void TorkaFeaturesPDE::printWindowWillClose() {
+    const auto alive = shared_from_this();
+    if (!self.isDocumentPrinting) {
+        // The dialog was cancelled: what the person chose stays in the print settings.
+        WriteTicket(EmissionPurpose::keepSettings);
+    }
+    // A pane that nobody has seen keeps nobody waiting at its end.
+    sendDeferred(deferred, {self.mySession, ScopedWait::Observer()}, SavesWait::no);
+    StoreTypedAddress();
+}
+
+} // namespace torka

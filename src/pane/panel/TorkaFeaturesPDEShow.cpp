@@ -1,0 +1,209 @@
+#include "pane/panel/TorkaFeaturesPDE.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "connection/BonjourModuleController.h"
+#include "connection/ConnectionType.h"
+#include "pane/data/PDEData.h"
+#include "pane/data/PopupJobNotes.h"
+#include "pane/data/PresetStore.h"
+#include "pane/panel/UI_Panel.h"
+#include "platform/System.h"
+
+#include <algorithm>
+#include <array>
+
+// Settings into the model and onto the screen: restore, show, hide, update.
+
+namespace torka {
+
+namespace {
+
+constexpr int firstVersionWithPaperNames = 9;
+constexpr CFIndex longestPrinterName = 38; // UTF-16 units
+constexpr std::size_t trayNameSize = 64;   // bytes, with its terminator
+
+// A long model name ends at the last blank within its first characters; without a blank there it is cut.
+CFStringRef shownPrinterName(const CFStringRef& name) {
+    if (CFStringGetLength(name) <= longestPrinterName) {
+        return name;
+    }
+    const std::u16string start = name->units.substr(0, static_cast<std::size_t>(longestPrinterName));
+    return CFStringCreateWithCharacters(start.substr(0, std::min(start.rfind(u' '), start.size())));
+}
+
+} // namespace
+
+bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
+    self.printSettings = self.pdePluginCallbackObject->printSettings();
+    self.printer = self.pdePluginCallbackObject->PMPrinter();
+    CFTypeRef duplex;
+    PMPrintSettingsGetValue(self.printSettings, cfString("*QVDuplex"), duplex);
+    CFDictionaryRef settings;
+    const OSStatus copied = PMPrintSettingsCopyAsDictionary(self.printSettings, settings);
+    // Without a "*QVDuplex" the settings were never written by this pane.
+    if (!duplex || copied == noErr) {
+        self.myUi_Panel->ResetControlsToDefault();
+    }
+    if (copied == noErr && self.shouldRestore) {
+        self.myppd->SetAllValues(settings);
+        if (!hasNoPopupJobNotes()) {
+            self.myppd->ReadPUJNPrefs();
+        }
+    }
+    if (self.myPDEData->isBIDIEnabled()) {
+        self.myUi_Panel->makeJobNotesForSpecialControls();
+    }
+    if (!UI_Panel::Tree.quickAccess.empty() || !UI_Panel::Tree.groups.empty()) {
+        self.myUi_Panel->DrawUserPane();
+        self.myPDEData->SetPrintSettings(self.printSettings);
+        self.myPDEData->RestoreNonPSSettings();
+    } else {
+        self.myUi_Panel->ResetControlsToDefault();
+    }
+    if (!self.shouldRestore) {
+        TakeRememberedSettings();
+    }
+    updateUI();
+    willShow();
+    return true;
+}
+
+// A new dialog, whose print settings tell nothing of this printer: what the person chose the last time.
+void TorkaFeaturesPDE::TakeRememberedSettings() {
+    presets->ApplyLastUsed();
+    if (!hasNoPopupJobNotes()) {
+        // They are asked for with each job; whether the last values come back, their preferences say.
+        for (PPDXJobNote* note : popupJobNotes(*self.myppd)) {
+            note->ResetToDefaultValue();
+        }
+        self.myppd->ReadPUJNPrefs();
+        applyPopupJobNotePreferences(*self.myppd);
+    }
+}
+
+bool TorkaFeaturesPDE::willShow() {
+    if (interface && isQuickAccessOff()) {
+        interface->setHidden(PaneOutlet::customizeQuickAccessButton, true);
+        interface->setHidden(PaneOutlet::horizontalLine, true);
+    }
+    if (self.isBonjourPrinter) {
+        ShowDiscoveredAddress();
+    }
+    TakeCustomPageSize();
+    if (self.automationCalled == 0) {
+        loadAutomationFileAndLoadPrintSetting();
+    }
+    self.automationCalled = 1;
+    TakeSystemPageSize();
+    SelectInputSlot();
+    self.myUi_Panel->DrawUserPane();
+    self.myUi_Panel->Show();
+    if (interface && CFStringGetLength(interface->stringValue(PaneOutlet::printerName)) == 0) {
+        self.printer = self.pdePluginCallbackObject->PMPrinter();
+        CFStringRef name;
+        if (PMPrinterGetMakeAndModelName(self.printer, name) == noErr) {
+            ShowPrinterName(name);
+        }
+    }
+    return true;
+}
+
+void TorkaFeaturesPDE::ShowPrinterName(const CFStringRef& name) {
+    if (interface && name) {
+        interface->setStringValue(PaneOutlet::printerName, shownPrinterName(name));
+    }
+}
+
+// Once for a queue that has no address yet: the name of the service that its device URI holds.
+void TorkaFeaturesPDE::ShowDiscoveredAddress() {
+    if (CFStringGetLength(self.myPDEData->GetCorvianPrinterAddress()) != 0) {
+        return;
+    }
+    const CFStringRef address = breakBonjourURLIntoMeaningFullItems(self.printerURI);
+    self.myPDEData->SetCorvianPrinterAddress(address, false);
+    showPrinterAddress(address);
+}
+
+bool TorkaFeaturesPDE::IsListedPaper(const CFStringRef& name) const {
+    std::vector<Paper> papers;
+    PMPrinterGetPaperList(self.printer, papers);
+    return std::any_of(papers.begin(), papers.end(), [&](const Paper& paper) {
+        return CFStringCompare(cfString(paper.ppdPaperName), name, kCFCompareCaseInsensitive) == 0;
+    });
+}
+
+// Where the system does not say whether its paper is a custom one, it counts as custom when the printer lists
+// it: deliberate, and kept so.
+void TorkaFeaturesPDE::TakeCustomPageSize() {
+    self.customPageSize = false;
+    CFTypeRef value;
+    PMPrintSettingsGetValue(self.printSettings, cfString("com.apple.print.subTicket.paper_info_ticket"),
+                            value);
+    const auto ticket = cfCast<CFDictionary>(value);
+    const auto name =
+        cfCast<CFString>(CFDictionaryGetValue(ticket, u"com.apple.print.PaperInfo.PMPaperName"));
+    const auto custom =
+        cfCast<CFBoolean>(CFDictionaryGetValue(ticket, u"com.apple.print.PaperInfo.PMCustomPaper"));
+    if (!name || !(custom ? CFBooleanGetValue(custom) : IsListedPaper(name))) {
+        return;
+    }
+    self.customPageSize = true;
+    self.customPapername = name;
+    if (system().MinorVersion() >= firstVersionWithPaperNames) {
+        const std::string text = utf8Text(name);
+        self.customPapername = cfString(text == "tabloid" ? "Tabloid" : text == "SRA3" ? "SRA3" : "Custom");
+    }
+}
+
+void TorkaFeaturesPDE::TakeSystemPageSize() {
+    if (self.myUi_Panel->GetOSPageSize()) {
+        self.myPDEData->SetPageSizeFromOS(true);
+        return;
+    }
+    self.myPDEData->SetPageSizeFromOS(false);
+    PPDXPopupControl* size = self.myppd->GetControls()->FindPopup("*QVPrintSize", true);
+    if (size != nullptr && static_cast<std::size_t>(std::max(size->GetValue(), 0)) <= size->ItemCount()) {
+        size->SetValue(size->GetValue());
+    }
+}
+
+void TorkaFeaturesPDE::SelectInputSlot() {
+    std::array<char, trayNameSize> tray{};
+    self.myPDEData->GetPrimayPaperFeedFromOS(tray.data(), trayNameSize);
+    PPDXPopupControl* slot = self.myppd->GetControls()->FindPopup("*InputSlot", true);
+    if (tray[0] != '\0' && slot != nullptr) {
+        slot->SetKeywordSelect(tray.data(), true);
+    }
+}
+
+void TorkaFeaturesPDE::updatePageSizeAndInputSlot() {
+    TakeSystemPageSize();
+    SelectInputSlot();
+}
+
+bool TorkaFeaturesPDE::updateUI() {
+    SelectInputSlot();
+    self.myUi_Panel->DrawUserPane();
+    // The other way round than when the pane is shown: here the name is refreshed on failure only.
+    // Deliberate, and kept so.
+    CFStringRef name;
+    if (PMPrinterGetMakeAndModelName(self.printer, name) != noErr) {
+        ShowPrinterName(name);
+        if (self.bonjourViewRef) {
+            self.bonjourViewRef->setIPAddress();
+        }
+    }
+    return true;
+}
+
+bool TorkaFeaturesPDE::shouldHide() {
+    if (interface && interface->customizeQuickAccess().validWindowSessionRunning()) {
+        interface->customizeQuickAccess().doButtonCancelClicked();
+    }
+    if (self.bonjourViewRef && self.bonjourViewRef->validWindowSessionRunning()) {
+        self.bonjourViewRef->clickedCancel();
+    }
+    return true;
+}
+
+} // namespace torka

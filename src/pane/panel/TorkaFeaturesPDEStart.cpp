@@ -1,0 +1,298 @@
+#include "pane/panel/TorkaFeaturesPDE.h"
+
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "bidi/CommandJob.h"
+#include "bidi/JobPropertiesState.h"
+#include "connection/BonjourModuleController.h"
+#include "pane/data/PDEData.h"
+#include "pane/data/PopupJobNotes.h"
+#include "pane/data/PresetStore.h"
+#include "pane/exchange/DeferredCommands.h"
+#include "pane/exchange/ServerExchange.h"
+#include "pane/exchange/WaitPresenter.h"
+#include "pane/panel/BundleHelpers.h"
+#include "pane/panel/PrinterListFile.h"
+#include "pane/panel/UI_Panel.h"
+#include "platform/Log.h"
+#include "platform/System.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+// How a panel begins and ends, and which of the panels of the process is the current one.
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t mostLinkBytes = 1023;
+constexpr std::size_t leastLanguageCode = 2;
+constexpr std::string_view cachesPrefix = "/Library/Caches/ZAN/";
+constexpr std::string_view openFileSuffix = ".pdeopen";
+
+// The target of a symbolic link; "" for a path that is none.
+std::string linkTarget(const std::string& path) {
+    std::error_code failure;
+    const std::string target = std::filesystem::read_symlink(path, failure).string();
+    return failure ? std::string() : target.substr(0, mostLinkBytes);
+}
+
+} // namespace
+
+TorkaFeaturesPDE::TorkaFeaturesPDE(PDEPlugInCallbackRef callback) {
+    self.pdePluginCallbackObject = std::move(callback);
+}
+
+std::shared_ptr<TorkaFeaturesPDE> TorkaFeaturesPDE::initWithCallback(const PDEPlugInCallbackRef& callback) {
+    std::shared_ptr<TorkaFeaturesPDE> panel(new TorkaFeaturesPDE(callback));
+    return callback && panel->Start() ? panel : nullptr;
+}
+
+bool TorkaFeaturesPDE::Start() {
+    gVectorWorksFix = 0;
+    gEndOfPPD = false;
+    RefreshFromCallback();
+    const CFURLRef descriptionUrl = TakeDescription();
+    resetPopupJobNotes();
+    thePMPrinter = &self.printer;
+    TakeDeviceUri();
+    self.pdeBundle = GetBundleRef();
+    currentPrintSession = self.mySession;
+
+    const PrinterListFile list(CreatePDEContentsURL(GetBundleID()));
+    const bool isListed =
+        list.IsValid() && PPDX::ValidateFileName(descriptionUrl, list.PCFileNames(), nullptr);
+    if (!list.IsValid()) {
+        myNSLogC("The bundle's PrinterList.plist is missing or broken: no printer has a features pane.");
+    }
+    BuildModel(descriptionUrl);
+    const CString* makerVersion = self.myppd->MakerVersion();
+    if (!isListed || makerVersion == nullptr || makerVersion->Empty()) {
+        return false;
+    }
+    MakePaneData();
+    TakeInstance();
+    self.myUi_Panel = std::make_unique<UI_Panel>(self.myPDEData.get(), this);
+    cachesPDEOpenFilePath = std::string(cachesPrefix) + sessionQueueName + std::string(openFileSuffix);
+    cachesPDEOpenFilePath.resize(std::min(cachesPDEOpenFilePath.size(), cachesPDEOpenFilePathSize - 1));
+    if (gServerLanguage.size() >= leastLanguageCode) {
+        deferred->language = gServerLanguage;
+    }
+    fillPDEInstallPath();
+    lookForPopupJobNotes(*self.myppd);
+    readPopupJobNotePreferencesFrom(destinationPPD());
+
+    restoreValuesAndReturnError(nullptr);
+    Sync(self.pdePluginCallbackObject);
+    self.shouldRestore = true;
+    TakeDocumentServer();
+    if (hasNoPopupJobNotes()) {
+        return true;
+    }
+    gPopupJobNotesDefaultsButton = 0;
+    ObservePopupJobNotes();
+    const CString* language = self.myppd->LanguageVersion();
+    gPopupJobNotesLangIsJapanese = language != nullptr && *language == "Japanese";
+    return true;
+}
+
+void TorkaFeaturesPDE::RefreshFromCallback() {
+    self.mySession = self.pdePluginCallbackObject->printSession();
+    self.printSettings = self.pdePluginCallbackObject->printSettings();
+    self.printer = self.pdePluginCallbackObject->PMPrinter();
+}
+
+CFURLRef TorkaFeaturesPDE::TakeDescription() {
+    CFURLRef url;
+    PMPrinterCopyDescriptionURL(self.printer, cfString("PMPPDDescriptionType"), url);
+    const std::string path = CFURLCopyFileSystemPath(url);
+    getQueuePPDName(linkTarget(path));
+    setDestinationPPD(path);
+    return url;
+}
+
+bool TorkaFeaturesPDE::getQueuePPDName(std::string_view path) {
+    constexpr std::string_view suffix = ".ppd";
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string_view::npos || path.substr(slash).find(suffix) == std::string_view::npos) {
+        return false;
+    }
+    std::string name(path.substr(slash + 1));
+    for (std::size_t at = 0; (at = name.find(suffix, at)) != std::string::npos;) {
+        name.erase(at, suffix.size());
+    }
+    sessionQueueName = name.substr(0, sessionQueueNameSize - 1);
+    return true;
+}
+
+void TorkaFeaturesPDE::TakeDeviceUri() {
+    PMPrinterCopyDeviceURI(self.printer, self.printerURI);
+    const CFStringRef uri = CFURLGetString(self.printerURI);
+    self.isBonjourPrinter = CFStringHasPrefix(uri, u"dnssd") || CFStringHasPrefix(uri, u"mdns");
+}
+
+void TorkaFeaturesPDE::BuildModel(const CFURLRef& descriptionUrl) {
+    // What is remembered of popup job notes belongs to the queue of the panel before.
+    readPopupJobNotePreferencesFrom({});
+    self.myppd = std::make_unique<ZANPPD>(descriptionUrl, kAcceptOrphans | kAcceptHidden, nullptr);
+    self.shouldRestore = false;
+    const CString* name = self.myppd->PCFileName();
+    if (name == nullptr) {
+        return;
+    }
+    const CFStringRef key = cfString("PCFILENAME");
+    const CFStringRef own = cfString(name->Buffer());
+    CFTypeRef kept;
+    PMPrintSettingsGetValue(self.printSettings, key, kept);
+    const auto keptName = cfCast<CFString>(kept);
+    self.shouldRestore = keptName && CFStringCompare(keptName, own, kCFCompareCaseInsensitive) == 0;
+    PMPrintSettingsSetValue(self.printSettings, key, own, false);
+}
+
+void TorkaFeaturesPDE::MakePaneData() {
+    deferred = std::make_shared<DeferredCommands>();
+    const QueueAccess queue{self.mySession, ScopedWait::Observer()};
+    self.myPDEData = std::make_unique<PDEData>(
+        self.myppd.get(), PMPrinterGetName(self.printer), queue,
+        [queue, held = deferred] { return std::make_unique<PaneAddressStore>(queue, held); });
+    self.myPDEData->SetPageFormat(self.pdePluginCallbackObject->pageFormat());
+    self.myPDEData->SetPrintSettings(self.printSettings);
+    if (const BundleRef bundle = GetBundleRef()) {
+        self.myBundleVersion = cfCast<CFString>(bundle->InfoValue(u"CFBundleVersion"));
+    }
+    presets = std::make_unique<PresetStore>(PMPrinterGetName(self.printer), *self.myppd, *self.myPDEData);
+    server = std::make_unique<ServerExchange>(
+        [bundle = self.pdeBundle](std::string_view table, std::string_view key, std::string_view text) {
+            return bundle ? utf8Text(bundle->LocalizedString(cfString(key), cfString(text), table))
+                          : std::string(text);
+        });
+    server->SetQueue(destinationPPD(), utf8Text(PMPrinterGetName(self.printer)));
+}
+
+// A third panel while two exist: the end of the first of them must not touch what now names the other two.
+void TorkaFeaturesPDE::TakeInstance() {
+    invalidDeallocCall = sTorkaFeaturesPDEsaved != nullptr;
+    if (sTorkaFeaturesPDE != nullptr) {
+        sTorkaFeaturesPDEsaved = sTorkaFeaturesPDE;
+    }
+    sTorkaFeaturesPDE = this;
+    setJobPropertiesHost(this);
+}
+
+// The bookkeeping at a panel's end. An end that was announced as invalid only takes the announcement back:
+// what the panel owns is freed all the same, it just does not count. Beyond that, no pointer may go on naming
+// a panel that is gone, whatever the order in which panels end.
+void TorkaFeaturesPDE::LeaveInstance() {
+    if (self.myPDEData == nullptr) {
+        return; // never took its place
+    }
+    TorkaFeaturesPDE* const other = sTorkaFeaturesPDEsaved;
+    if (invalidDeallocCall) {
+        invalidDeallocCall = false;
+    } else if (sTorkaFeaturesPDEsaved != nullptr) {
+        sTorkaFeaturesPDEsaved = nullptr;
+    } else {
+        sTorkaFeaturesPDE = nullptr;
+    }
+    if (sTorkaFeaturesPDEsaved == this) {
+        sTorkaFeaturesPDEsaved = nullptr;
+    }
+    if (sTorkaFeaturesPDE == this) {
+        sTorkaFeaturesPDE = other == this ? nullptr : other;
+        sTorkaFeaturesPDEsaved = nullptr;
+    }
+    if (jobPropertiesHost() == this) {
+        setJobPropertiesHost(sTorkaFeaturesPDE);
+    }
+}
+
+TorkaFeaturesPDE::~TorkaFeaturesPDE() {
+    LeaveInstance();
+    if (thePMPrinter == &self.printer) {
+        thePMPrinter = nullptr;
+        currentPrintSession = nullptr;
+    }
+    ViewRef outputBinsView;
+    if (interface) {
+        if (interface->customizeQuickAccess().validWindowSessionRunning()) {
+            interface->customizeQuickAccess().doButtonCancelClicked();
+        }
+        outputBinsView = interface->outputBinsView();
+    }
+    // Widgets and their controllers refer to the model, so they go first; the root view may live on with the
+    // dialog.
+    if (self.myUi_Panel) {
+        self.myUi_Panel->GetCustomizePane().setView(nullptr);
+    }
+    self.bonjourViewRef.reset();
+    interface.reset();
+    self.myUi_Panel.reset();
+    presets.reset();
+    self.myppd.reset();
+    self.myPDEData.reset();
+}
+
+void TorkaFeaturesPDE::fillPDEInstallPath() {
+    sessionPDEPath.clear();
+    const std::filesystem::path installed(self.myppd->PathToPDE());
+    const std::filesystem::path folder = installed.parent_path();
+    std::error_code ignored;
+    if (!folder.empty() && std::filesystem::is_directory(system().Resolve(folder.string()), ignored)) {
+        sessionPDEPath = (folder.string() + "/").substr(0, sessionPDEPathSize - 1);
+    }
+}
+
+bool TorkaFeaturesPDE::LoadInterface() {
+    if (interface || interfaceFailed) {
+        return interface != nullptr;
+    }
+    if (!paneInterfaceLoader()) {
+        myNSLogC("The features pane has no widgets: its interface has no loader.");
+    } else {
+        interface = paneInterfaceLoader()(*this, self.pdeBundle);
+    }
+    if (!interface) {
+        interfaceFailed = true;
+        return false;
+    }
+    self.myUi_Panel->GetCustomizePane().setView(&interface->customizePane());
+    self.bonjourViewRef = BonjourModuleController::init(*self.myUi_Panel, interface->addressSheet());
+    // At once, and not only when the pane comes to the front: a dialog that ends before that stores what the
+    // field holds.
+    self.myUi_Panel->Show();
+    if (isQuickAccessOff()) {
+        enableCustomizedViewForDMT();
+    }
+    interface->whenFirstPainted([panel = weak_from_this()] {
+        if (const auto alive = panel.lock()) {
+            alive->sendDeferredCommands();
+            alive->requestServerData(ServerExchange::Failures::quiet);
+        }
+    });
+    return true;
+}
+
+// The fields of the popup job-note window: row n has n of each kind, plain ones first.
+void TorkaFeaturesPDE::ObservePopupJobNotes() {
+    if (!LoadInterface()) {
+        return;
+    }
+    for (const char* kind : {"popupJobNoteVal", "popupJobNoteSec"}) {
+        for (char row = '1'; row <= '5'; ++row) {
+            for (char column = '1'; column <= row; ++column) {
+                interface->popupJobNotes().observeControlTextDidChange(std::string(kind) + row + column);
+            }
+        }
+    }
+}
+
+void TorkaFeaturesPDE::sendDeferredCommands() {
+    if (deferred) {
+        // A wait runs the event loop, in which the dialog may let go of the panel.
+        const auto alive = shared_from_this();
+        sendDeferred(deferred, {self.mySession, ScopedWait::Observer()}, SavesWait::yes);
+    }
+}
+
+} // namespace torka

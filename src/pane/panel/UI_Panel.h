@@ -1,0 +1,178 @@
+#pragma once
+
+#include "bidi/ExchangeLists.h"
+#include "connection/BonjourModuleController.h"
+#include "pane/data/PPDTree.h"
+#include "pane/panel/CustomizePaneController.h"
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace torka {
+
+class PDEData;
+class PanelServices;
+class PPDXControl;
+class ZANPPD;
+
+// Why the Job Properties module is launched. The launching buttons pass values of their own choice; only
+// these two are told apart.
+using JP_ACTIONS = std::int32_t;
+inline constexpr JP_ACTIONS kJPOpenAgain = 1;      // after the person chose to go on without two-way
+inline constexpr JP_ACTIONS kJPInvalidAddress = 4; // shows the alert of an invalid address, starts no module
+
+// The pane's model of what is shown: the tree of quick-access controls and groups, the reset to the defaults,
+// and the exchange of the complete settings with the Job Properties module (docs/job-properties-module.md).
+//
+// One a panel. Refers to the pane's data, the discovery controller and the panel's services, which outlive
+// it; owns the drawing controller and the exchange record. The host's main thread only.
+class UI_Panel final : public BonjourModuleOwner {
+public:
+    // Without services nothing of the panel is reached: no buttons, no module, texts in English.
+    explicit UI_Panel(PDEData* pdeData, PanelServices* services = nullptr);
+    ~UI_Panel() override;
+
+    void PopulatePPDTreeStructure();
+    void DrawUserPane();
+    void Show();
+    void ResetControlsToDefault();
+    // With two-way communication on: gives each special colour control, and the control bar, a job note that
+    // holds its value.
+    void makeJobNotesForSpecialControls();
+
+    // True when a custom paper was chosen in the system's page setup; any other paper is then selected in
+    // "*PageSize" if that has it.
+    bool GetOSPageSize();
+
+    // The watermarks of the pane into a record, and back from it. Those that the record had no room for stay.
+    void GetWatermarks(SharedMemoryList& record);
+    void UpdateWatermarks(const SharedMemoryList& record);
+
+    // What the module is handed. Also clears and fills the record's list of installable options.
+    void GetDefaultSettings(KeyValueList& list);
+    // Applies what the module returned; unknown keys are ignored, values are held to what the pane can keep.
+    void SetUpdatedSettings(const SDMKeyValueList& list);
+    static void FreeSDMList(KeyValueList& list) { list.Clear(); }
+
+    void LoadHelperModule();
+    // Runs the module and applies its answer before it returns. Does nothing while a module runs.
+    void LaunchJobProperties(JP_ACTIONS action);
+    void OnJPReturn();
+    // The module's library is there and loads; an alert tells otherwise, when it is asked for.
+    bool isModuleInstalled(bool tell);
+
+    bool isPylon3() const; // the controller system is of version 4.2 or 4.3
+    // The job notes that name a preset of the server: back to what they were at the last launch; whether they
+    // still are.
+    void revertBackJPServerPresets();
+    bool compareJPServerPresets() const;
+    // Empties them.
+    void resetJPServerpresetKeys();
+    // The person's account name into the job note "*QVUserAuthName"; nothing without such a note.
+    void GetOSAccountName();
+    // Sends the module's local presets file to the queue, if there is one.
+    void writeLocalJPPresetsToDynamicPPD();
+
+    CustomizePaneController& GetCustomizePane() const { return *mCustomizePane; }
+    std::int32_t getReturnFromJP() const { return mReturnFromJP; }
+    void setReturnFromJP(std::int32_t returned) { mReturnFromJP = returned; }
+    std::int32_t getfromCustomizepanel() const { return mFromCustomizePanel; }
+    void setfromCustomizepanel(std::int32_t from) { mFromCustomizePanel = from; }
+    const std::string& CustomSize() const { return mCustomSize; } // "%f %f", points; "" before any
+    const std::string& CustomPaperName() const { return mCustomPaperName; }
+    SharedMemoryList& Record() const { return *mSharedList; }
+
+    // BonjourModuleOwner
+    BonjourModuleController* GetsBonjourModuleController() const override { return mBonjourModuleController; }
+    void setsBonjourModuleController(BonjourModuleController* controller) override;
+    CFStringRef storedPrinterAddress() override;
+    bool storePrinterAddress(const CFStringRef& address, bool twoWay) override;
+    void showPrinterAddress(const CFStringRef& address) override;
+    CFStringRef bidiString(std::string_view key, std::string_view english) override;
+
+    // The description of the panel made last; null once that panel has ended.
+    static ZANPPD* mPPD;
+    // What the panel made last shows.
+    static PPDTree Tree;
+
+private:
+    PDEData* mPDEData;
+    std::unique_ptr<CustomizePaneController> mCustomizePane;
+    BonjourModuleController* mBonjourModuleController = nullptr;
+    std::int32_t mReturnFromJP = 0;
+    std::int32_t mFromCustomizePanel = 0;
+    std::string mCustomSize;
+    std::string mCustomPaperName;
+    std::shared_ptr<SharedMemoryList> mSharedList; // shared with a launch under way
+
+    // What the module was handed at the last launch, as far as it had no room or came from elsewhere than the
+    // controls: what the module never saw it has neither changed nor removed.
+    struct HandedOver {
+        std::array<std::size_t, 4> sideListEntries; // of mixed media, pad covers, slip sheets, cover pages
+        std::size_t watermarks = 0;
+        std::string watermarkIndex;
+        std::string firstPageOnly;
+        std::string copies;
+    };
+    struct ServerPreset {
+        std::array<std::string, 3> notes;
+    };
+    class Returned;
+
+    void AddGroups();
+    void AddControls();
+    int utf8Level() const;
+    bool HasSystemPageSize() const; // a custom one, which the module is handed in the place of "*PageSize"
+    void ListControls(KeyValueList& list, bool twoWay);
+    void ListPageSize(KeyValueList& list);
+    void ListColourNotes(KeyValueList& list);
+    void ListWatermarkChoice(KeyValueList& list);
+    void ListSideLists(KeyValueList& list);
+    void ApplySideLists(const Returned& returned);
+    void ApplyWatermarkChoice(const Returned& returned);
+    bool ApplyAccount(std::string_view key, const std::string& value);
+    void ApplyCopies(const std::string& value);
+    bool ApplyToModel(const std::string& keyword, const std::vector<std::string>& values);
+
+    void ShowInvalidAddress();
+    bool WriteTwoWayState(bool twoWay, const CFStringRef& address);
+    void EnableLaunching(bool on);
+    void TakeAnswer();
+    bool LaunchAgainWithoutTwoWay();
+    std::string Text(std::string_view key, std::string_view english, std::string_view table) const;
+    ServerPreset CurrentServerPreset() const;
+
+    PanelServices* panel;
+    ZANPPD* model;
+    HandedOver handed;
+    ServerPreset presetAtLaunch;
+};
+
+// The panel that receives the module's return, and its record; null without one. Written by UI_Panel.
+extern UI_Panel* sUiPanelOnJPReturn;
+extern SharedMemoryList* sSharedList;
+// The record lies in the process's own memory: -1.
+extern int gSharedMemoryFileDescriptor;
+// The module is running: the pane's buttons do nothing. Written by UI_Panel and its timer.
+extern bool gIgnoreButtonEvents;
+// The helper module's particulars were written, and when. Written by LoadHelperModule.
+extern bool sLoadingHelper;
+extern std::chrono::steady_clock::time_point sLoadingTime;
+
+// The entry of UI_Panel::Tree with that keyword; null when there is none.
+PPDTreeQuickAccess* GetShortcutFromKeyword(std::string_view keyword);
+// Whether the module can speak with the controller itself: two-way communication is on and the record of the
+// panel made last has an address.
+bool CheckRemote(bool twoWay);
+
+// The watch on a module that runs in a window of its own: looks at the record's status every 0.01 s, without
+// limit, and calls OnJPReturn once it is no longer "-1".
+void TimerCheckForJPReturn(const EventLoopTimerRef& timer, void* data);
+void SetTimerCheckForJPReturn();
+
+} // namespace torka

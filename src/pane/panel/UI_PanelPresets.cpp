@@ -1,0 +1,81 @@
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "bidi/BidiFilePaths.h"
+#include "bidi/CUtil.h"
+#include "bidi/SpoolerCommands.h"
+#include "pane/data/PDEData.h"
+#include "pane/data/SpecialControls.h"
+#include "pane/panel/PanelServices.h"
+#include "pane/panel/UI_Panel.h"
+#include "platform/Log.h"
+#include "platform/System.h"
+
+// Presets of the server and of this machine, and the person's account.
+
+namespace torka {
+
+namespace {
+
+constexpr std::size_t presetsFileLimit = std::size_t{1} << 20; // bytes
+
+} // namespace
+
+UI_Panel::ServerPreset UI_Panel::CurrentServerPreset() const {
+    ServerPreset preset;
+    for (std::size_t i = 0; i < serverPresetKeywords.size(); ++i) {
+        const PPDXJobNote* note = model->GetControls()->FindJobNote(serverPresetKeywords[i], true);
+        preset.notes[i] = note ? utf8Text(note->CopyNotes()) : std::string();
+    }
+    return preset;
+}
+
+bool UI_Panel::compareJPServerPresets() const { return CurrentServerPreset().notes == presetAtLaunch.notes; }
+
+void UI_Panel::revertBackJPServerPresets() {
+    for (std::size_t i = 0; i < serverPresetKeywords.size(); ++i) {
+        if (PPDXJobNote* note = model->GetControls()->FindJobNote(serverPresetKeywords[i], true)) {
+            note->SetUTF8Notes(cfString(presetAtLaunch.notes[i]));
+        }
+    }
+}
+
+void UI_Panel::resetJPServerpresetKeys() {
+    for (const char* keyword : serverPresetKeywords) {
+        if (PPDXJobNote* note = model->GetControls()->FindJobNote(keyword, true)) {
+            note->SetUTF8Notes(cfString(""));
+        }
+    }
+}
+
+void UI_Panel::GetOSAccountName() {
+    if (PPDXJobNote* note = model->GetControls()->FindJobNote("*QVUserAuthName", true)) {
+        note->SetCurrentControlWithCFString(cfString(platform::system().UserName()));
+    }
+}
+
+void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
+    const CString* fileName = model->PCFileName();
+    const PMPrinter printer = panel ? panel->currentPrinter() : nullptr;
+    const std::string folder =
+        "Driver_" + std::string(fileName && fileName->Buffer() ? fileName->Buffer() : "");
+    if (!printer || !isFileName(folder)) {
+        return;
+    }
+    const std::filesystem::path path =
+        platform::system().TemporaryFolder() / "ZAN" / "JPData" / folder / "Presets" / "presets.xml";
+    std::string presets;
+    const std::error_code failure = platform::system().ReadFile(path, presetsFileLimit, presets);
+    if (failure) {
+        if (failure != std::errc::no_such_file_or_directory) {
+            myNSLogC("The local presets in %s are not sent to the queue: %s.", path.c_str(),
+                     failure.message().c_str());
+        }
+        return;
+    }
+    presets = CUtil::__replace(presets, "\xEF\xBB\xBF", "EFBBBF");
+    const std::string title = commandTitle(SpoolerCommand::printerLocalPresets);
+    if (PMPrinterSendCommand(printer, cfString(presets), cfString(title), nullptr) != noErr) {
+        myNSLogC("The queue did not take the local presets.");
+    }
+}
+
+} // namespace torka
