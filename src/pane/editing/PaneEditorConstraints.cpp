@@ -7,6 +7,8 @@
 #include "pane/editing/PaneEditor.h"
 
 #include <algorithm>
+#include <array>
+#include <unordered_set>
 
 // What the present settings forbid, what is in conflict, and how that is resolved.
 
@@ -17,6 +19,24 @@ constexpr std::uint64_t mostWork = std::uint64_t{1} << 22U; // of one search: we
 constexpr int mostRounds = 64;
 
 const char* textOf(const char* text) { return text == nullptr ? "" : text; }
+
+// Two settings in conflict, the same whichever of them is named first.
+using ConflictKey = std::array<KeyOption, 2>;
+
+ConflictKey conflictKey(const KeyOption& one, const KeyOption& other) {
+    return KeyOptionGreater(one, other) ? ConflictKey{one, other} : ConflictKey{other, one};
+}
+
+struct ConflictHash {
+    std::size_t operator()(const ConflictKey& conflict) const {
+        std::uint64_t hash = 0;
+        for (const KeyOption& side : conflict) {
+            hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.key);
+            hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.option);
+        }
+        return hash;
+    }
+};
 
 } // namespace
 
@@ -75,6 +95,7 @@ std::vector<PaneSetting> PaneEditor::ForbiddenBy(std::string_view keyword, std::
 
 std::vector<std::pair<KeyOption, KeyOption>> PaneEditor::ConflictPairs(const KVCache& selections) const {
     std::vector<std::pair<KeyOption, KeyOption>> pairs;
+    std::unordered_set<ConflictKey, ConflictHash> known;
     ConstraintsEngine engine(&selections, constraints.GetConstraintForest(), constraints.GetKeyForest(),
                              nullptr);
     for (const KeyOption& selected : selections.Pairs()) {
@@ -85,11 +106,7 @@ std::vector<std::pair<KeyOption, KeyOption>> PaneEditor::ConflictPairs(const KVC
         change.add(selected);
         const ConstraintsEngine::Answer answer = engine.Test(change);
         for (const KeyOption& other : answer.conflicts.Pairs()) {
-            const bool isKnown = std::ranges::any_of(pairs, [&](const auto& pair) {
-                return (pair.first == selected && pair.second == other) ||
-                       (pair.first == other && pair.second == selected);
-            });
-            if (!isKnown) {
+            if (known.insert(conflictKey(selected, other)).second) {
                 pairs.emplace_back(selected, other);
             }
         }
