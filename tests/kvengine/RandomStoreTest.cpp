@@ -126,6 +126,11 @@ public:
             }
             ASSERT_NO_FATAL_FAILURE(CompareForests(forest, slow.constraints));
         }
+        for (int i = Below(10); i > 0; --i) { // lines that come while lists are set aside
+            Step();
+        }
+        Resolve();
+        ASSERT_NO_FATAL_FAILURE(CompareForests(*fast.GetConstraintForest(), slow.constraints));
         fast.GetConstraintForest()->EnableConstraints(-1, -1, -1, -1);
         slow.enable(-1, -1);
         CompareForests(*fast.GetConstraintForest(), slow.constraints);
@@ -136,6 +141,9 @@ public:
 
 private:
     void Step() {
+        if (Below(8) == 0) { // a question puts the lines so far in order
+            fast.IsKVConstrained(Key(), Option());
+        }
         const int kind = Below(10);
         if (kind < 4) {
             const std::string key = Key();

@@ -1,23 +1,70 @@
 #include "PPDX/KVEngine/ConstraintForest.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace torka {
 
-void ConstraintForest::insert(std::int64_t key1, std::int64_t option1, std::int64_t key2,
-                              std::int64_t option2) {
-    insert(key1, option1, {key2, option2});
+namespace {
+
+using Records = std::vector<ConstraintRecord>;
+
+bool isBefore(const ConstraintRecord& a, const ConstraintRecord& b) {
+    return std::tie(a.key1, a.option1) < std::tie(b.key1, b.option1);
 }
 
-void ConstraintForest::insert(std::int64_t key1, std::int64_t option1, const KeyOption& pair) {
-    TreeOf(key1).insert(option1, pair);
+// The records ascending by that identifier, equal ones in the order in which they stood.
+Records distributed(const Records& records, std::uint32_t ConstraintRecord::*identifier) {
+    const auto largest = std::ranges::max_element(records, {}, identifier);
+    std::vector<std::uint32_t> places(std::size_t{(*largest).*identifier} + 2, 0);
+    for (const ConstraintRecord& record : records) {
+        ++places[record.*identifier + 1];
+    }
+    for (std::size_t i = 1; i < places.size(); ++i) {
+        places[i] += places[i - 1];
+    }
+    Records result(records.size());
+    for (const ConstraintRecord& record : records) {
+        result[places[record.*identifier]++] = record;
+    }
+    return result;
 }
+
+} // namespace
 
 void ConstraintForest::InsertWildcard(std::int64_t key1, std::shared_ptr<const OptionRange> from,
                                       std::int64_t option1, std::shared_ptr<const OptionRange> to,
                                       const KeyOption& pair) {
-    TreeOf(key1).InsertWildcard(std::move(from), option1, std::move(to), pair);
+    Settle(); // lines inserted before come before it
+    trees.FindOrMake(key1, key1)
+        .InsertWildcard(std::move(from), std::move(to),
+                        {static_cast<std::uint32_t>(key1), static_cast<std::uint32_t>(option1),
+                         static_cast<std::uint32_t>(pair.key), static_cast<std::uint32_t>(pair.option)});
+}
+
+void ConstraintForest::SettleLines() const {
+    const auto fresh = records.begin() + static_cast<std::ptrdiff_t>(settled);
+    const auto kept = std::remove_if(fresh, records.end(), [this](const ConstraintRecord& record) {
+        KeyConstraintTree* tree = trees.Find(record.key1);
+        return tree != nullptr && tree->TakeLater(record);
+    });
+    records.erase(kept, records.end());
+    if (!std::ranges::is_sorted(records, isBefore)) {
+        Records byOption = distributed(records, &ConstraintRecord::option1);
+        records = {};
+        records = distributed(byOption, &ConstraintRecord::key1);
+    }
+    settled = records.size();
+
+    for (auto first = records.cbegin(); first != records.cend();) {
+        const auto isOther = [key = first->key1](const ConstraintRecord& record) {
+            return record.key1 != key;
+        };
+        const auto last = std::find_if(first, records.cend(), isOther);
+        trees.FindOrMake(first->key1, first->key1).SetLines({first, last});
+        first = last;
+    }
 }
 
 std::unique_ptr<ItemConstraintList> ConstraintForest::GetConstraintList(std::int64_t key,
@@ -27,23 +74,26 @@ std::unique_ptr<ItemConstraintList> ConstraintForest::GetConstraintList(std::int
 }
 
 const KeyConstraintTree* ConstraintForest::GetTree(std::int64_t key) const {
-    const auto* found = trees.Find(key);
-    return found == nullptr ? nullptr : found->get();
+    Settle();
+    return trees.Find(key);
 }
 
 void ConstraintForest::ForEach(
     const std::function<bool(std::int64_t, std::int64_t, const KeyOption&)>& visit) const {
+    Settle();
     std::vector<std::int64_t> keys = trees.Ids();
     std::sort(keys.begin(), keys.end());
     std::vector<ConstraintRun> runs;
     for (const std::int64_t key : keys) {
-        const KeyConstraintTree& tree = *GetTree(key);
+        const KeyConstraintTree& tree = *trees.Find(key);
         for (const std::int64_t option : tree.ActiveOptions()) {
             runs.clear();
             tree.CollectRuns(option, runs);
-            for (const ConstraintRun& run : runs)
-                if (!run.ForEach([&](const KeyOption& pair) { return visit(key, option, pair); }))
+            for (const ConstraintRun& run : runs) {
+                if (!run.ForEach([&](const KeyOption& pair) { return visit(key, option, pair); })) {
                     return;
+                }
+            }
         }
     }
 }
@@ -63,17 +113,17 @@ bool ConstraintForest::EnableConstraints(std::int64_t key, std::int64_t option, 
     });
 }
 
-KeyConstraintTree& ConstraintForest::TreeOf(std::int64_t key) {
-    std::unique_ptr<KeyConstraintTree>& tree = trees.FindOrMake(key);
-    if (tree == nullptr)
-        tree = std::make_unique<KeyConstraintTree>(key);
-    return *tree;
+void ConstraintForest::clear() {
+    trees.clear();
+    records.clear();
+    settled = 0;
 }
 
 // Applies to the pair's tree (every tree for key -1) and then to each pair that this names, until no new one
 // comes.
 template <typename Apply>
 bool ConstraintForest::VisitTrees(const KeyOption& first, Apply apply) {
+    Settle();
     bool visited = false;
     KVCache seen;
     std::vector<KeyOption> pending{first};
@@ -83,17 +133,17 @@ bool ConstraintForest::VisitTrees(const KeyOption& first, Apply apply) {
         const auto visit = [&](KeyConstraintTree& tree) {
             visited = true;
             for (const KeyOption& pair : apply(tree, next.option)) {
-                if (seen.Lookup(pair) != -1)
+                if (seen.Lookup(pair) != -1) {
                     continue;
+                }
                 seen.add(pair);
                 pending.push_back(pair);
             }
         };
         if (next.key == -1) {
-            for (const auto& tree : trees.Values())
-                visit(*tree);
-        } else if (const auto* found = trees.Find(next.key)) {
-            visit(**found);
+            std::ranges::for_each(trees.Values(), visit);
+        } else if (KeyConstraintTree* tree = trees.Find(next.key)) {
+            visit(*tree);
         }
     }
     return visited;

@@ -28,10 +28,12 @@ const std::vector<std::int64_t>& optionsOf(const KeyForest* keys, std::int64_t k
 class ConstrainedSet {
 public:
     void Add(const ConstraintRun& run) {
-        for (const KeyOption& pair : run.pairs)
-            pairs.add(pair);
-        if (run.range == nullptr)
+        for (const ConstraintRecord& line : run.lines) {
+            pairs.add(line.Constrained());
+        }
+        if (run.range == nullptr) {
             return;
+        }
         // Of the ranges of one key the longest holds the others.
         const OptionRange*& longest = ranges[run.key];
         if (longest == nullptr || longest->count < run.range->count)
@@ -54,8 +56,12 @@ private:
 ConstraintsEngine::Answer ConstraintsEngine::Test(const KVCache& changeSet) {
     Answer answer;
     const SelectionView view(orEmpty(current), &changeSet);
-    for (const KeyOption& changed : changeSet.Pairs())
+    for (const KeyOption& changed : changeSet.Pairs()) {
+        if (IsExhausted() && answer.conflicts.size() > 0) {
+            break;
+        }
         TestPair(changed, view, answer);
+    }
     return answer;
 }
 
@@ -99,20 +105,23 @@ ConstraintsEngine::Answer ConstraintsEngine::RSolve(KVCache& changeSet, bool kee
         Answer answer = Test(changeSet);
         if (answer.conflicts.size() == 0 || depth >= deepest)
             return answer;
+        work += answer.alternatives.size();
         KVCache hits = TestLockedStatus(answer.alternatives);
         if (depth == 1 && hits.size() > 0)
             return {std::move(hits), {}};
 
         while (answer.alternatives.size() > 0) {
-            if (work > workLimit)
+            if (IsExhausted()) {
                 return answer;
+            }
+            ++work;
             const KeyOption alternative = answer.alternatives.pop_front();
             if (keepChanged && changeSet.FindKey(alternative.key) != nullptr)
                 continue;
             changeSet.Insert(alternative.key, alternative.option);
             if (!HasConflict(changeSet))
                 return {};
-            work += visited.size();
+            work += visited.size() + changeSet.size();
             if (overflowed || std::find(visited.begin(), visited.end(), changeSet) != visited.end())
                 continue;
             queue.push_back(changeSet);
@@ -193,20 +202,19 @@ KVCache ConstraintsEngine::ListScreenedConstraints(const KVCache& selections, bo
 }
 
 bool ConstraintsEngine::ConflictsWith(const KeyOption& changed, const SelectionView& view) {
-    for (const ConstraintRun& run : RunsOf(changed)) {
-        work += run.pairs.size() + 1;
-        if (view.ContainsAnyOf(run))
-            return true;
-    }
-    return false;
+    const KeyConstraintTree* tree = TreeOf(changed.key);
+    const auto isHit = [&](const ConstraintRun& run) { return view.ContainsAnyOf(run); };
+    return tree != nullptr && tree->AnyRun(changed.option, isHit, work);
 }
 
 void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& view, Answer& answer) {
     if (!ConflictsWith(changed, view))
         return;
     ConstrainedSet constrained;
-    for (const ConstraintRun& run : runs)
+    for (const ConstraintRun& run : RunsOf(changed)) {
+        work += run.lines.size() + 1;
         constrained.Add(run);
+    }
 
     // The alternatives for a selected pair are the same however often it is hit.
     std::unordered_map<std::int64_t, std::vector<KeyOption>> offers;
@@ -214,25 +222,34 @@ void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& 
         const auto [offer, isNew] = offers.try_emplace(hit.key);
         if (isNew) {
             const std::vector<std::int64_t>& options = optionsOf(keys, hit.key);
-            for (auto option = options.rbegin(); option != options.rend(); ++option)
-                if (!constrained.Contains({hit.key, *option}))
+            work += options.size();
+            for (auto option = options.rbegin(); option != options.rend(); ++option) {
+                if (!constrained.Contains({hit.key, *option})) {
                     offer->second.push_back({hit.key, *option});
+                }
+            }
         }
         return offer->second;
     };
     const auto found = [&](const KeyOption& hit) {
         answer.conflicts.add(hit);
-        for (const KeyOption& pair : offerFor(hit))
-            if (answer.alternatives.size() < mostAnswers)
-                answer.alternatives.add(pair);
-        return answer.conflicts.size() < mostAnswers;
+        ++work;
+        if (answer.alternatives.size() < mostAnswers) {
+            const std::vector<KeyOption>& offer = offerFor(hit);
+            const std::size_t count = std::min(offer.size(), mostAnswers - answer.alternatives.size());
+            std::for_each_n(offer.begin(), count,
+                            [&](const KeyOption& pair) { answer.alternatives.add(pair); });
+            work += count;
+        }
+        return answer.conflicts.size() < mostAnswers && !IsExhausted();
     };
 
-    const KeyConstraintTree& tree = *forest->GetTree(changed.key);
+    const KeyConstraintTree& tree = *TreeOf(changed.key);
     const auto options = changed.option == -1 ? tree.ActiveOptions() : std::vector{changed.option};
     for (auto option = options.rbegin(); option != options.rend(); ++option) {
         runs.clear();
         tree.CollectRuns(*option, runs);
+        work += runs.size();
         for (auto run = runs.rbegin(); run != runs.rend(); ++run)
             if (!view.ForEachBackwards(*run, found))
                 return;
@@ -247,9 +264,10 @@ bool ConstraintsEngine::GathersExactly(const KeyOption& constraining, const KVCa
         gathered.add(pair);
         return gathered.size() <= selections.size();
     };
-    const KeyConstraintTree* tree = forest == nullptr ? nullptr : forest->GetTree(constraining.key);
-    if (tree == nullptr)
+    const KeyConstraintTree* tree = TreeOf(constraining.key);
+    if (tree == nullptr) {
         return false;
+    }
     const auto options = constraining.option == -1 ? tree->ActiveOptions() : std::vector{constraining.option};
     for (const std::int64_t option : options) {
         runs.clear();
@@ -261,13 +279,18 @@ bool ConstraintsEngine::GathersExactly(const KeyOption& constraining, const KVCa
     return gathered.size() > 0 && gathered == selections;
 }
 
+const KeyConstraintTree* ConstraintsEngine::TreeOf(std::int64_t key) const {
+    return forest == nullptr ? nullptr : forest->GetTree(key);
+}
+
 // The runs that together hold every pair constrained, for -1 by any option; order and repeats count only for
 // others.
 const std::vector<ConstraintRun>& ConstraintsEngine::RunsOf(const KeyOption& constraining) {
     runs.clear();
-    const KeyConstraintTree* tree = forest == nullptr ? nullptr : forest->GetTree(constraining.key);
-    if (tree == nullptr)
+    const KeyConstraintTree* tree = TreeOf(constraining.key);
+    if (tree == nullptr) {
         return runs;
+    }
     if (constraining.option == -1)
         tree->CollectAllRuns(runs);
     else
@@ -280,7 +303,7 @@ void ConstraintsEngine::purge() {
     visited.clear();
     overflowed = false;
     depth = 0;
-    work = 0;
+    workDone = std::exchange(work, 0);
 }
 
 } // namespace torka

@@ -27,7 +27,7 @@ public:
     };
 
     // A description made to blow an answer up finds it cut at this many pairs each, and a search given up as
-    // unsolved once it has looked at so many pairs, which takes a few seconds.
+    // unsolved once it has looked at so many pairs and lines, which takes a few seconds.
     static constexpr std::size_t mostAnswers = std::size_t{1} << 21U;
     static constexpr std::uint64_t mostWork = std::uint64_t{1} << 28U;
 
@@ -55,7 +55,10 @@ public:
     // state and leaves one.
     Answer RSolve(KVCache& changeSet, bool keepChanged);
     Answer Solve(KVCache& changeSet, bool keepChanged);
+    // Pairs and lines that a search may look at; an answer that it needs on the way is cut there too.
     void LimitWork(std::uint64_t pairs) { workLimit = pairs; }
+    // What the last Solve looked at.
+    std::uint64_t WorkDone() const { return workDone; }
 
     // The options of key that conflict with what is selected now, by what they constrain themselves.
     KVCache ListCurrentConstraints(std::int64_t key);
@@ -65,6 +68,8 @@ public:
     KVCache ListScreenedConstraints(const KVCache& selections, bool exact, std::int64_t key);
 
 private:
+    const KeyConstraintTree* TreeOf(std::int64_t key) const;
+    bool IsExhausted() const { return depth > 0 && work > workLimit; }
     bool ConflictsWith(const KeyOption& changed, const SelectionView& view);
     void TestPair(const KeyOption& changed, const SelectionView& view, Answer& answer);
     bool GathersExactly(const KeyOption& constraining, const KVCache& selections, const SelectionView& view);
@@ -81,7 +86,8 @@ private:
     int depth = 0;
 
     std::uint64_t workLimit = mostWork;
-    std::uint64_t work = 0;          // pairs and states looked at since the last purge
+    std::uint64_t work = 0;          // pairs, lines and states looked at since the last purge
+    std::uint64_t workDone = 0;      // at that purge
     std::vector<ConstraintRun> runs; // kept between calls for its room only
     std::size_t lastConflict = 0;    // where in the change set the last conflict was found
 };

@@ -6,19 +6,25 @@
 
 namespace torka {
 
-void KeyConstraintTree::insert(std::int64_t option, const KeyOption& pair) {
-    if (lines.empty()) {
-        active.FindOrMake(option, option).insert(pair);
-        return;
+bool KeyConstraintTree::TakeLater(const ConstraintRecord& line) {
+    if (extras == nullptr) {
+        return false;
     }
-    oneOptionLines[option].push_back(lines.size());
-    lines.push_back({nullptr, nullptr, option, pair});
+    if (extras->wildcards.size() > 0) {
+        extras->wildcards.Add(nullptr, nullptr, line);
+        return true;
+    }
+    const auto written = extras->written.find(line.option1);
+    if (written == extras->written.end()) {
+        return false;
+    }
+    written->second.pairs.push_back(line);
+    return true;
 }
 
-void KeyConstraintTree::InsertWildcard(std::shared_ptr<const OptionRange> from, std::int64_t option,
-                                       std::shared_ptr<const OptionRange> to, const KeyOption& pair) {
-    (from != nullptr ? manyOptionLines : oneOptionLines[option]).push_back(lines.size());
-    lines.push_back({std::move(from), std::move(to), option, pair});
+void KeyConstraintTree::InsertWildcard(std::shared_ptr<const OptionRange> from,
+                                       std::shared_ptr<const OptionRange> to, const ConstraintRecord& line) {
+    More().wildcards.Add(std::move(from), std::move(to), line);
 }
 
 std::unique_ptr<ItemConstraintList> KeyConstraintTree::GetItemConstraintList(std::int64_t option) const {
@@ -27,64 +33,53 @@ std::unique_ptr<ItemConstraintList> KeyConstraintTree::GetItemConstraintList(std
     for (const std::int64_t each : option == -1 ? ActiveOptions() : std::vector{option}) {
         runs.clear();
         CollectRuns(each, runs);
-        for (const ConstraintRun& run : runs)
+        for (const ConstraintRun& run : runs) {
             run.ForEach([&](const KeyOption& pair) {
                 list->insert(pair);
                 return true;
             });
+        }
     }
     return list;
 }
 
 void KeyConstraintTree::CollectRuns(std::int64_t option, std::vector<ConstraintRun>& runs) const {
-    if (const ItemConstraintList* own = active.Find(option); own != nullptr && own->size() > 0)
-        runs.push_back({own->Pairs()});
-    if (lines.empty())
-        return;
-
-    static const std::vector<std::size_t> noLines;
-    const auto single = oneOptionLines.find(option);
-    const std::vector<std::size_t>& one = single == oneOptionLines.end() ? noLines : single->second;
-    const auto written = writtenOut.find(option);
-    const std::size_t start = written == writtenOut.end() ? 0 : written->second;
-    auto nextOne = std::lower_bound(one.begin(), one.end(), start);
-    auto nextMany = std::lower_bound(manyOptionLines.begin(), manyOptionLines.end(), start);
-    while (nextOne != one.end() || nextMany != manyOptionLines.end()) {
-        if (nextMany == manyOptionLines.end() || (nextOne != one.end() && *nextOne < *nextMany)) {
-            runs.push_back(RunOf(lines[*nextOne++], 1));
-        } else {
-            const Line& line = lines[*nextMany++];
-            if (const std::size_t repeat = line.from->Occurrences(option); repeat > 0)
-                runs.push_back(RunOf(line, repeat));
-        }
+    if (const auto own = OwnLines(option); !own.empty()) {
+        runs.push_back({own});
+    }
+    if (extras != nullptr) {
+        const WrittenList* written = Written(option);
+        extras->wildcards.CollectRuns(option, written == nullptr ? 0 : written->wildcards, runs);
     }
 }
 
 void KeyConstraintTree::CollectAllRuns(std::vector<ConstraintRun>& runs) const {
-    if (writtenOut.empty()) {
-        for (const ItemConstraintList& list : active.Values())
-            runs.push_back({list.Pairs()});
-        for (const Line& line : lines)
-            runs.push_back(RunOf(line, 1));
+    if (extras == nullptr || extras->written.empty()) {
+        runs.push_back({lines});
+        if (extras != nullptr) {
+            extras->wildcards.CollectDistinctRuns(runs);
+        }
         return;
     }
-    for (const std::int64_t option : ActiveOptions())
+    for (const std::int64_t option : ActiveOptions()) {
         CollectRuns(option, runs);
+    }
 }
 
 std::vector<std::int64_t> KeyConstraintTree::ActiveOptions() const {
-    std::vector<std::int64_t> options = active.Ids();
-    for (const auto& [option, list] : oneOptionLines)
-        options.push_back(option);
-    const OptionRange* last = nullptr;
-    for (const std::size_t i : manyOptionLines) {
-        const OptionRange* range = lines[i].from.get();
-        if (range == std::exchange(last, range))
-            continue; // lines resolved together share their range
-        for (const std::int64_t option : range->Items())
-            if (!range->Skips(option))
-                options.push_back(option);
+    std::vector<std::int64_t> options;
+    for (const ConstraintRecord& line : lines) {
+        if (options.empty() || options.back() != line.option1) {
+            options.push_back(line.option1);
+        }
     }
+    if (extras == nullptr) {
+        return options;
+    }
+    for (const auto& [option, list] : extras->written) {
+        options.push_back(option);
+    }
+    extras->wildcards.CollectOptions(options);
     std::sort(options.begin(), options.end());
     options.erase(std::unique(options.begin(), options.end()), options.end());
     return options;
@@ -94,68 +89,94 @@ std::vector<KeyOption> KeyConstraintTree::DisableConstraints(std::int64_t option
                                                              std::int64_t option2) {
     std::vector<KeyOption> removed;
     for (const std::int64_t each : option == -1 ? ActiveOptions() : std::vector{option}) {
-        if (!HasList(each))
+        if (!HasList(each)) {
             continue;
-        ItemConstraintList& list = WriteOut(each);
-        setAside.try_emplace(each, list);
-        std::vector<KeyOption> kept;
-        for (const KeyOption& pair : list.Pairs()) {
-            const bool named = pair.key == key2 && (option2 == -1 || pair.option == option2);
-            (named ? removed : kept).push_back(pair);
         }
-        list.Replace(std::move(kept));
+        Records& pairs = WriteOut(each);
+        extras->setAside.try_emplace(each, pairs);
+        std::erase_if(pairs, [&](const ConstraintRecord& line) {
+            const KeyOption pair = line.Constrained();
+            const bool isNamed = pair.key == key2 && (option2 == -1 || pair.option == option2);
+            if (isNamed) {
+                removed.push_back(pair);
+            }
+            return isNamed;
+        });
     }
     return removed;
 }
 
 std::vector<KeyOption> KeyConstraintTree::EnableConstraints(std::int64_t option) {
     std::vector<KeyOption> restored;
-    auto next = option == -1 ? setAside.begin() : setAside.find(option);
-    const auto end = option == -1 || next == setAside.end() ? setAside.end() : std::next(next);
+    if (extras == nullptr) {
+        return restored;
+    }
+    auto next = option == -1 ? extras->setAside.begin() : extras->setAside.find(option);
+    const auto end =
+        option == -1 || next == extras->setAside.end() ? extras->setAside.end() : std::next(next);
     while (next != end) {
         const auto aside = next++;
-        ItemConstraintList& list = WriteOut(aside->first);
+        Records& pairs = WriteOut(aside->first);
         // What is active is what was set aside with pairs left out, so one walk over both finds those.
-        auto present = list.Pairs().begin();
-        for (const KeyOption& pair : aside->second.Pairs()) {
-            if (present != list.Pairs().end() && *present == pair)
+        auto present = pairs.begin();
+        for (const ConstraintRecord& line : aside->second) {
+            if (present != pairs.end() && present->Constrained() == line.Constrained()) {
                 ++present;
-            else
-                restored.push_back(pair);
+            } else {
+                restored.push_back(line.Constrained());
+            }
         }
-        list = std::move(aside->second);
-        setAside.erase(aside);
+        pairs = std::move(aside->second);
+        extras->setAside.erase(aside);
     }
     return restored;
 }
 
-ConstraintRun KeyConstraintTree::RunOf(const Line& line, std::size_t repeat) {
-    if (line.to != nullptr)
-        return {{}, line.to.get(), line.pair.key, repeat};
-    return {std::span(&line.pair, 1), nullptr, -1, repeat};
+KeyConstraintTree::Extras& KeyConstraintTree::More() {
+    if (extras == nullptr) {
+        extras = std::make_unique<Extras>();
+    }
+    return *extras;
+}
+
+const KeyConstraintTree::WrittenList* KeyConstraintTree::Written(std::int64_t option) const {
+    if (extras == nullptr) {
+        return nullptr;
+    }
+    const auto found = extras->written.find(option);
+    return found == extras->written.end() ? nullptr : &found->second;
+}
+
+std::span<const ConstraintRecord> KeyConstraintTree::OwnLines(std::int64_t option) const {
+    if (const WrittenList* written = Written(option)) {
+        return written->pairs;
+    }
+    const auto [first, last] = std::ranges::equal_range(
+        lines, option, {}, [](const ConstraintRecord& line) { return std::int64_t{line.option1}; });
+    return {first, last};
 }
 
 bool KeyConstraintTree::HasList(std::int64_t option) const {
     std::vector<ConstraintRun> runs;
     CollectRuns(option, runs);
-    return !runs.empty() || active.Find(option) != nullptr;
+    return !runs.empty() || Written(option) != nullptr;
 }
 
-// Turns the lines that apply to the option into pairs of its own list.
-ItemConstraintList& KeyConstraintTree::WriteOut(std::int64_t option) {
+// Turns what the option's list is put together from into a list of its own.
+KeyConstraintTree::Records& KeyConstraintTree::WriteOut(std::int64_t option) {
     std::vector<ConstraintRun> runs;
     CollectRuns(option, runs);
-    std::vector<KeyOption> pairs;
-    for (const ConstraintRun& run : runs)
+    Records pairs;
+    for (const ConstraintRun& run : runs) {
         run.ForEach([&](const KeyOption& pair) {
-            pairs.push_back(pair);
+            pairs.push_back({static_cast<std::uint32_t>(constrainingKey), static_cast<std::uint32_t>(option),
+                             static_cast<std::uint32_t>(pair.key), static_cast<std::uint32_t>(pair.option)});
             return true;
         });
-    ItemConstraintList& list = active.FindOrMake(option, option);
-    list.Replace(std::move(pairs));
-    if (!lines.empty())
-        writtenOut[option] = lines.size();
-    return list;
+    }
+    WrittenList& list = More().written[option];
+    list = {std::move(pairs), extras->wildcards.size()};
+    return list.pairs;
 }
 
 } // namespace torka

@@ -1,44 +1,48 @@
 #pragma once
 
 #include "PPDX/KVEngine/ConstraintRun.h"
-#include "PPDX/KVEngine/IdMap.h"
 #include "PPDX/KVEngine/ItemConstraintList.h"
+#include "PPDX/KVEngine/WildcardLines.h"
 
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <unordered_map>
+#include <span>
 #include <vector>
 
 namespace torka {
 
-// All that the options of one key constrain: a list per option. ConstraintForest owns the trees.
+// All that the options of one key constrain: a list per option. ConstraintForest owns the trees and the lines
+// that they point to.
 //
-// A line that leaves out an option is kept once and never multiplied out; the lists that it belongs to are
-// put together when they are asked for. Only disabling writes such lists out, one option at a time.
+// Most keys have nothing but a stretch of the forest's array of lines. Lines that leave out an option are
+// kept beside it, once each; the lists that they belong to are put together when they are asked for. Only
+// disabling writes such lists out, one option at a time.
 //
 // Invariants:
-// (1) Of an option's list come first its own pairs in active, then the lines that apply to it, in line order;
-//     lines before its entry in writtenOut are among the pairs already.
-// (2) Once there is a line, what is inserted becomes a line too, so that the order of insertion is kept.
+// (1) The stretch is ascending by option and within one option in line order.
+// (2) Of an option's list come first its lines of the stretch, or, once written out, the pairs of the
+//     written-out list; then the wildcard lines that apply to it and are not written out yet.
+// (3) Once there is a wildcard line, what comes later becomes one too, so that the order of insertion is
+//     kept.
 class KeyConstraintTree {
 public:
     explicit KeyConstraintTree(std::int64_t key)
         : constrainingKey(key) {}
     virtual ~KeyConstraintTree() = default;
-    KeyConstraintTree(const KeyConstraintTree&) = delete;
-    KeyConstraintTree& operator=(const KeyConstraintTree&) = delete;
+    KeyConstraintTree(KeyConstraintTree&&) noexcept = default;
+    KeyConstraintTree& operator=(KeyConstraintTree&&) noexcept = default;
 
     std::int64_t Key() const { return constrainingKey; }
 
-    // Appends the pair to the active list of the option.
-    void insert(std::int64_t option, const KeyOption& pair);
-
-    // Appends a line with an empty option. from is the range of constraining options, or null when option is
-    // the only one; to is the range of key's constrained options, or null when pair is the only one.
-    // REQUIRES: at least one range, and none that is empty.
-    void InsertWildcard(std::shared_ptr<const OptionRange> from, std::int64_t option,
-                        std::shared_ptr<const OptionRange> to, const KeyOption& pair);
+    // Says where the forest keeps the key's lines now.
+    void SetLines(std::span<const ConstraintRecord> own) { lines = own; }
+    // Takes a line that must stand behind what the tree holds besides its stretch; false when there is
+    // nothing, and the line belongs into the stretch.
+    bool TakeLater(const ConstraintRecord& line);
+    // Appends a line with an empty option; see WildcardLines::Add.
+    void InsertWildcard(std::shared_ptr<const OptionRange> from, std::shared_ptr<const OptionRange> to,
+                        const ConstraintRecord& line);
 
     // A new list of what the option constrains; for -1, what every option constrains, options ascending.
     std::unique_ptr<ItemConstraintList> GetItemConstraintList(std::int64_t option) const;
@@ -50,6 +54,11 @@ public:
     // The options that have a list, ascending.
     std::vector<std::int64_t> ActiveOptions() const;
 
+    // Whether hit(run) accepts a run of the option's list, for -1 of any. Looks at equal wildcard lines once
+    // and stops at the first hit; adds to looked what was looked at.
+    template <typename Hit>
+    bool AnyRun(std::int64_t option, Hit hit, std::uint64_t& looked) const;
+
     // Sets aside a copy of the option's list (-1: of every option), unless one is set aside already, and
     // takes out of the active one the pairs of key2 with option2 (-1: with any option). Returns the pairs
     // taken out.
@@ -58,25 +67,52 @@ public:
     std::vector<KeyOption> EnableConstraints(std::int64_t option);
 
 private:
-    struct Line {
-        std::shared_ptr<const OptionRange> from;
-        std::shared_ptr<const OptionRange> to;
-        std::int64_t option = -1;
-        KeyOption pair;
+    using Records = std::vector<ConstraintRecord>;
+    struct WrittenList {
+        Records pairs;
+        std::size_t wildcards = 0; // how many of those lines are among the pairs
+    };
+    struct Extras {
+        WildcardLines wildcards;
+        std::map<std::int64_t, WrittenList> written; // by option
+        std::map<std::int64_t, Records> setAside;
     };
 
-    static ConstraintRun RunOf(const Line& line, std::size_t repeat);
+    Extras& More();
+    const WrittenList* Written(std::int64_t option) const;
+    std::span<const ConstraintRecord> OwnLines(std::int64_t option) const;
     bool HasList(std::int64_t option) const;
-    ItemConstraintList& WriteOut(std::int64_t option);
+    Records& WriteOut(std::int64_t option);
 
     std::int64_t constrainingKey;
-    IdMap<ItemConstraintList> active;
-    std::map<std::int64_t, ItemConstraintList> setAside;
-
-    std::vector<Line> lines;
-    std::vector<std::size_t> manyOptionLines; // lines with a range of options
-    std::unordered_map<std::int64_t, std::vector<std::size_t>> oneOptionLines; // the others, by option
-    std::unordered_map<std::int64_t, std::size_t> writtenOut;
+    std::span<const ConstraintRecord> lines;
+    std::unique_ptr<Extras> extras; // null for most keys
 };
+
+template <typename Hit>
+bool KeyConstraintTree::AnyRun(std::int64_t option, Hit hit, std::uint64_t& looked) const {
+    ++looked;
+    if (option == -1) {
+        std::vector<ConstraintRun> all;
+        CollectAllRuns(all);
+        for (const ConstraintRun& run : all) {
+            looked += run.lines.size() + 1;
+            if (hit(run)) {
+                return true;
+            }
+        }
+        return false;
+    }
+    const std::span<const ConstraintRecord> own = OwnLines(option);
+    looked += own.size();
+    if (!own.empty() && hit(ConstraintRun{own})) {
+        return true;
+    }
+    if (extras == nullptr) {
+        return false;
+    }
+    const WrittenList* written = Written(option);
+    return extras->wildcards.AnyRun(option, written == nullptr ? 0 : written->wildcards, hit, looked);
+}
 
 } // namespace torka

@@ -33,6 +33,14 @@ bool SelectionView::ContainsAnyOf(const ConstraintRun& run) const {
 }
 
 const KeyOption* SelectionView::Selected(std::int64_t key) const {
+    if (key != lastKey || key < 0) {
+        lastSelected = FindSelected(key);
+        lastKey = key;
+    }
+    return lastSelected;
+}
+
+const KeyOption* SelectionView::FindSelected(std::int64_t key) const {
     if (key == single.key && key >= 0)
         return &single;
     if (changes != nullptr && key >= 0)

@@ -11,7 +11,7 @@ namespace torka {
 
 // What would be selected once a change set is inserted into the selections, without copying them. Only where
 // a key stands more than once in either is the real thing built. Both must outlive the view and stay
-// unchanged.
+// unchanged. Not thread-safe, look-ups included.
 class SelectionView {
 public:
     explicit SelectionView(const KVCache& base, const KVCache* changeSet = nullptr);
@@ -43,12 +43,16 @@ public:
 
 private:
     const KeyOption* Selected(std::int64_t key) const;
+    const KeyOption* FindSelected(std::int64_t key) const;
 
     template <typename Visit>
     bool PairsBackwards(const ConstraintRun& run, Visit visit) const {
-        for (std::size_t i = run.pairs.size(); i-- > 0;)
-            if (Contains(run.pairs[i]) && !visit(run.pairs[i]))
+        for (std::size_t i = run.lines.size(); i-- > 0;) {
+            const KeyOption pair = run.lines[i].Constrained();
+            if (Contains(pair) && !visit(pair)) {
                 return false;
+            }
+        }
         return true;
     }
 
@@ -76,6 +80,10 @@ private:
     const KVCache* changes = nullptr;
     KeyOption single; // the only change, or (-1, -1)
     std::optional<KVCache> merged;
+
+    // The key asked for last and its answer: the lines of one option mostly name one key after another.
+    mutable std::int64_t lastKey = -1;
+    mutable const KeyOption* lastSelected = nullptr;
 };
 
 } // namespace torka

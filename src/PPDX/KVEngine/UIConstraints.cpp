@@ -47,6 +47,8 @@ void UIConstraints::Add(std::string_view key1Text, std::string_view option1Text,
 }
 
 void UIConstraints::Resolve() {
+    constraints->Settle();
+    requirements->Settle();
     const std::int64_t empty = strings->Find("");
     if (empty < 0)
         return;
