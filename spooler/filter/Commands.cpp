@@ -3,6 +3,7 @@
 #include "bidi/BidiFilePaths.h"
 #include "bidi/RecordEncoding.h"
 #include "bidi/SpoolerCommands.h"
+#include "bidi/TicketCommands.h"
 #include "platform/TextEncoding.h"
 #include "spooler/TicketReader.h"
 #include "spooler/filter/Answer.h"
@@ -86,11 +87,9 @@ void deleteFiles(const Sender& sender, std::string_view text) {
         if (name.empty()) {
             continue;
         }
-        std::string problem;
-        const bool isRemoved =
-            removeTwoWayFile(sender.queue, name) ||
-            (isConnectionErrorFile(name) && PrivateFolder::Remove(name)) ||
-            (isTicketName(name) && TicketStore::Open(sender, name, problem) && TicketStore::Remove(name));
+        const bool isRemoved = removeTwoWayFile(sender.queue, name) ||
+                               (isConnectionErrorFile(name) && PrivateFolder::Remove(name)) ||
+                               TicketStore::RemoveOwn(sender, name);
         if (!isRemoved) {
             tellDebug("left alone: " + std::string(name));
         }
@@ -102,9 +101,9 @@ std::string run(SpoolerCommand command, const FilterJob& job, std::string_view t
     const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
     switch (command) {
     case SpoolerCommand::psTempFileName:
-        return TicketStore::Announce(sender, text);
+        return TicketStore::Announce(sender, job.Option(ticketNameOption), text);
     case SpoolerCommand::writePSTemp:
-        return TicketStore::Store(sender, text);
+        return TicketStore::Store(sender, job.Identity(), job.Option(ticketNameOption), text);
     case SpoolerCommand::localeCode:
         return keepLanguage(sender, text);
     case SpoolerCommand::psqvDestination:
@@ -155,7 +154,7 @@ int runCommand(const FilterJob& job, std::string_view text, ControllerSource& so
     } else if (const std::error_code error = PrivateFolder::Prepare()) {
         problem = "the filter's folder cannot be used: " + error.message();
     } else {
-        TicketStore::RemoveOld();
+        TicketStore::SweepSometimes();
         problem = run(*command, job, text, source);
     }
     if (!problem.empty()) {

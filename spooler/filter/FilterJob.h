@@ -9,6 +9,15 @@
 
 namespace torka::filter {
 
+// What tells a job from every other one, for as long as the server keeps it: also when it is restarted, moved
+// to another queue, or has several documents. The number alone would come again after the server forgot its
+// jobs; the UUID alone could be sent along by whoever has read it.
+struct JobIdentity {
+    std::string number;
+    std::string uuid; // "" when the server does not tell
+    bool operator==(const JobIdentity&) const = default;
+};
+
 struct FilterJob {
     std::string number;
     std::string user;
@@ -25,6 +34,7 @@ struct FilterJob {
     std::string_view Option(std::string_view name) const;
     // The host that the job came from; "" when the server does not tell.
     std::string_view OriginatingHost() const { return Option("job-originating-host-name"); }
+    JobIdentity Identity() const { return {number, std::string(Option("job-uuid"))}; }
 };
 
 // From a filter's arguments (job user title copies options [file]) and environment; nothing when their number

@@ -1,16 +1,14 @@
 #include "spooler/filter/FilterNotes.h"
 
-#include "bidi/BidiFilePaths.h"
-#include "platform/System.h"
+#include "spooler/filter/NoteFields.h"
 #include "spooler/filter/PrivateFolder.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <ctime>
-#include <fcntl.h>
 #include <functional>
-#include <sys/file.h>
+#include <map>
 
 namespace torka::filter {
 
@@ -18,81 +16,28 @@ namespace {
 
 constexpr std::string_view notesFile = "TorkaFilterNotes";
 constexpr std::string_view lockFile = "TorkaFilterNotes.lock";
-constexpr std::size_t mostBytes = std::size_t{8} * 1024 * 1024;
-constexpr std::size_t mostField = 1024; // bytes; a longer one is no honest name
+constexpr std::size_t mostRead = std::size_t{64} * 1024 * 1024; // more than any version wrote
+constexpr std::size_t mostField = 1024;                         // bytes; a longer one is no honest name
 constexpr std::array<std::string_view, 3> kindNames{"ticket", "language", "mailbox"};
-
-bool isPlain(char c) { return c > ' ' && c < 0x7f && c != '%'; }
-
-// Each field is a word: what could end it is written as "%" and two digits.
-void appendField(std::string& line, std::string_view text) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    line += '=';
-    for (const char c : text) {
-        if (isPlain(c)) {
-            line += c;
-        } else {
-            const auto value = static_cast<unsigned char>(c);
-            line.append({'%', digits[value >> 4U], digits[value & 15U]});
-        }
-    }
-    line += ' ';
-}
-
-std::optional<std::string_view> nextField(std::string_view& line) {
-    const std::size_t end = line.find(' ');
-    if (end == std::string_view::npos || !line.starts_with('=')) {
-        return std::nullopt;
-    }
-    const std::string_view field = line.substr(1, end - 1);
-    line.remove_prefix(end + 1);
-    return field;
-}
-
-std::optional<std::string> plainField(std::string_view& line) {
-    const std::optional<std::string_view> field = nextField(line);
-    if (!field) {
-        return std::nullopt;
-    }
-    std::string text;
-    for (std::size_t i = 0; i < field->size(); ++i) {
-        if ((*field)[i] != '%') {
-            text += (*field)[i];
-            continue;
-        }
-        unsigned value = 0;
-        const char* digits = field->data() + i + 1;
-        if (i + 2 >= field->size() || std::from_chars(digits, digits + 2, value, 16).ptr != digits + 2) {
-            return std::nullopt;
-        }
-        text += static_cast<char>(value);
-        i += 2;
-    }
-    return text;
-}
 
 // Reads the list, lets `change` work on it, and writes it when that answers true. False when it could not be
 // read or written.
 bool withNotes(const std::function<bool(std::vector<FilterNote>&)>& change) {
-    if (PrivateFolder::Prepare()) {
-        return false;
-    }
-    const std::string lockPath = (platform::system().Resolve(cachesFolder) / lockFile).string();
-    const OpenFile lock(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!lock || ::flock(lock.Descriptor(), LOCK_EX) != 0) {
+    const OpenFile lock = PrivateFolder::Lock(lockFile);
+    if (!lock) {
         return false;
     }
     std::string text;
-    const std::error_code error = PrivateFolder::Read(notesFile, mostBytes, text);
-    if (error && error != std::errc::no_such_file_or_directory && error != std::errc::file_too_large) {
+    const std::error_code error = PrivateFolder::Read(notesFile, mostRead, text);
+    if (error && error != std::errc::no_such_file_or_directory) {
         return false;
     }
     std::vector<FilterNote> notes;
-    const std::int64_t oldest = std::time(nullptr) - FilterNotes::lifetime.count();
+    const std::int64_t now = std::time(nullptr);
     for (std::string_view rest = text; !rest.empty();) {
         const std::size_t end = std::min(rest.find('\n'), rest.size());
         const std::optional<FilterNote> note = readNoteLine(rest.substr(0, end));
-        if (note && note->time >= oldest) {
+        if (note && note->time >= now - FilterNotes::Lifetime(note->kind).count()) {
             notes.push_back(*note);
         }
         rest.remove_prefix(std::min(end + 1, rest.size()));
@@ -115,15 +60,38 @@ bool isTooLong(const Sender& sender, std::string_view value) {
     return std::max({sender.queue.size(), sender.user.size(), sender.host.size(), value.size()}) > mostField;
 }
 
+// Takes out entries until the list is within its bounds: each time the oldest one of the host whose entries
+// take the most room.
+void trim(std::vector<FilterNote>& notes) {
+    std::map<std::string, std::size_t, std::less<>> room; // bytes by host
+    std::vector<std::size_t> sizes;
+    std::size_t bytes = 0;
+    for (const FilterNote& note : notes) {
+        sizes.push_back(noteLine(note).size());
+        room[note.sender.host] += sizes.back();
+        bytes += sizes.back();
+    }
+    while (notes.size() > FilterNotes::limitOfAll || bytes > FilterNotes::mostBytes) {
+        const auto most = std::ranges::max_element(room, {}, [](const auto& entry) { return entry.second; });
+        const auto oldest = std::ranges::find_if(
+            notes, [&most](const FilterNote& note) { return note.sender.host == most->first; });
+        const auto size = sizes.begin() + (oldest - notes.begin());
+        most->second -= *size;
+        bytes -= *size;
+        sizes.erase(size);
+        notes.erase(oldest);
+    }
+}
+
 void append(std::vector<FilterNote>& notes, const Sender& sender, NoteKind kind, std::string_view value) {
     const auto isSame = isOf(sender, kind);
+    // A command that is carried out again says the same.
+    std::erase_if(notes, [&](const FilterNote& note) { return isSame(note) && note.value == value; });
     if (static_cast<std::size_t>(std::ranges::count_if(notes, isSame)) >= FilterNotes::limitOfSender) {
         notes.erase(std::ranges::find_if(notes, isSame));
     }
-    if (notes.size() >= FilterNotes::limitOfAll) {
-        notes.erase(notes.begin());
-    }
     notes.push_back({sender, kind, std::time(nullptr), std::string(value)});
+    trim(notes);
 }
 
 } // namespace
@@ -141,12 +109,12 @@ std::string noteLine(const FilterNote& note) {
 
 std::optional<FilterNote> readNoteLine(std::string_view line) {
     FilterNote note;
-    const auto kind = plainField(line);
-    const auto time = plainField(line);
-    const auto queue = plainField(line);
-    const auto user = plainField(line);
-    const auto host = plainField(line);
-    const auto value = plainField(line);
+    const auto kind = takeField(line);
+    const auto time = takeField(line);
+    const auto queue = takeField(line);
+    const auto user = takeField(line);
+    const auto host = takeField(line);
+    const auto value = takeField(line);
     const auto* const name = std::ranges::find(kindNames, kind.value_or(""));
     if (!value || !line.empty() || name == kindNames.end() ||
         std::from_chars(time->data(), time->data() + time->size(), note.time).ec != std::errc()) {
@@ -156,6 +124,11 @@ std::optional<FilterNote> readNoteLine(std::string_view line) {
     note.sender = {*queue, *user, *host};
     note.value = *value;
     return note;
+}
+
+std::chrono::seconds FilterNotes::Lifetime(NoteKind kind) {
+    constexpr std::chrono::seconds day = std::chrono::hours(24);
+    return kind == NoteKind::mailbox ? 30 * day : day;
 }
 
 bool FilterNotes::Add(const Sender& sender, NoteKind kind, std::string_view value) {
@@ -173,15 +146,18 @@ bool FilterNotes::Set(const Sender& sender, NoteKind kind, std::string_view valu
     });
 }
 
-std::optional<std::string> FilterNotes::TakeFirst(const Sender& sender, NoteKind kind) {
+std::optional<std::string> FilterNotes::TakeOnly(const Sender& sender, NoteKind kind, std::size_t& count) {
     std::optional<std::string> value;
+    count = 0;
     const bool done = withNotes([&](std::vector<FilterNote>& notes) {
-        const auto first = std::ranges::find_if(notes, isOf(sender, kind));
-        if (first == notes.end()) {
+        const auto isSame = isOf(sender, kind);
+        count = static_cast<std::size_t>(std::ranges::count_if(notes, isSame));
+        if (count != 1) {
             return false;
         }
-        value = first->value;
-        notes.erase(first);
+        const auto only = std::ranges::find_if(notes, isSame);
+        value = only->value;
+        notes.erase(only);
         return true;
     });
     return done ? value : std::nullopt;
@@ -200,12 +176,12 @@ std::optional<std::string> FilterNotes::Get(const Sender& sender, NoteKind kind)
     return value;
 }
 
-bool FilterNotes::Has(const Sender& sender, NoteKind kind, std::string_view value) {
+bool FilterNotes::Has(std::string_view user, NoteKind kind, std::string_view value) {
     bool found = false;
     withNotes([&](const std::vector<FilterNote>& notes) {
-        const auto isSame = isOf(sender, kind);
-        found = std::ranges::any_of(
-            notes, [&](const FilterNote& note) { return isSame(note) && note.value == value; });
+        found = std::ranges::any_of(notes, [&](const FilterNote& note) {
+            return note.kind == kind && note.sender.user == user && note.value == value;
+        });
         return false;
     });
     return found;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,22 +22,29 @@ struct Sender {
 enum class NoteKind { ticketName, language, mailbox };
 
 // A list in a file of the private folder, taken under a lock for each change: filters of several queues run
-// at once. Entries are forgotten after a day; of each kind a sender has at most 100, the oldest go first.
+// at once. Of each kind a sender has at most 100 entries, the oldest go first. When the list is full, the
+// oldest entry of the host that fills most of it goes: one host cannot crowd the others out, whatever names
+// it gives its users.
 class FilterNotes {
 public:
-    static constexpr std::chrono::seconds lifetime = std::chrono::hours(24);
+    // How long an entry is kept. A mailbox waits for its job, which may be held, as tickets do.
+    static std::chrono::seconds Lifetime(NoteKind kind);
     static constexpr std::size_t limitOfSender = 100;
     static constexpr std::size_t limitOfAll = 5000;
+    static constexpr std::size_t mostBytes = std::size_t{1024} * 1024; // of the file
 
-    // Behind the sender's others of its kind. False when it could not be written.
+    // Behind the sender's others of its kind, once. False when it could not be written.
     static bool Add(const Sender& sender, NoteKind kind, std::string_view value);
     // In place of the sender's others of its kind.
     static bool Set(const Sender& sender, NoteKind kind, std::string_view value);
-    // The first one, which is taken out.
-    static std::optional<std::string> TakeFirst(const Sender& sender, NoteKind kind);
+    // Takes out the sender's entry of this kind when it is the only one; nothing otherwise. `count` tells how
+    // many there were.
+    static std::optional<std::string> TakeOnly(const Sender& sender, NoteKind kind, std::size_t& count);
     // The last one.
     static std::optional<std::string> Get(const Sender& sender, NoteKind kind);
-    static bool Has(const Sender& sender, NoteKind kind, std::string_view value);
+    // Whether a user has such an entry, of any queue and host: a job may be moved, and one client can show
+    // two addresses.
+    static bool Has(std::string_view user, NoteKind kind, std::string_view value);
     // Takes out the entry of this value and those of its sender and kind before it; false when there is none.
     static bool ForgetUpTo(const Sender& sender, NoteKind kind, std::string_view value);
 };

@@ -48,7 +48,7 @@ std::optional<MailboxFile> MailboxFile::Create(const Sender& sender, std::string
         problem = "The destination of this job is a mailbox without a usable name.";
         return std::nullopt;
     }
-    if (!FilterNotes::Has(sender, NoteKind::mailbox, name)) {
+    if (!FilterNotes::Has(sender.user, NoteKind::mailbox, name)) {
         problem =
             "The mailbox " + name + " was not named ahead of this job. Print it again from its application.";
         return std::nullopt;

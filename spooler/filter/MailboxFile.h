@@ -12,7 +12,7 @@ namespace torka::filter {
 // The file that a job is printed into when its destination is a mailbox: in the filter's folder, mode 0600,
 // there whole or not at all. Its user alone may have it written anew.
 //
-// A name counts when a command of the job's sender named it before and the job's own ticket names it, too.
+// A name counts when a command of the job's user named it before and the job's own ticket names it, too.
 class MailboxFile {
 public:
     // Whether a mailbox may be called so: a file name that nothing else in the folder goes by.

@@ -81,10 +81,10 @@ int printJob(const FilterJob& job, int source, int target) {
     if (named == job.options.end()) {
         return passUnchanged(source, target);
     }
-    TicketStore::RemoveOld();
+    TicketStore::SweepSometimes();
     std::string problem;
     const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
-    const OpenFile opened = TicketStore::Open(sender, named->second, problem);
+    const OpenFile opened = TicketStore::Open(sender, job.Identity(), named->second, problem);
     if (!opened) {
         tellError(problem);
         return 1;

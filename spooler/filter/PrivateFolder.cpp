@@ -4,11 +4,12 @@
 #include "platform/System.h"
 
 #include <cerrno>
-#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace torka::filter {
 
@@ -36,6 +37,30 @@ OpenFile openFolder(std::error_code& error) {
         return OpenFile();
     }
     return folder;
+}
+
+OpenFile openOwn(std::string_view name, int access, std::error_code& error) {
+    error.clear();
+    if (!isFileName(name)) {
+        error = std::make_error_code(std::errc::invalid_argument);
+        return OpenFile();
+    }
+    const OpenFile folder = openFolder(error);
+    if (!folder) {
+        return OpenFile();
+    }
+    OpenFile file(::openat(folder.Descriptor(), std::string(name).c_str(),
+                           access | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    struct stat facts {};
+    if (!file || ::fstat(file.Descriptor(), &facts) != 0) {
+        error = lastError();
+        return OpenFile();
+    }
+    if (!S_ISREG(facts.st_mode) || facts.st_uid != ::geteuid()) {
+        error = std::make_error_code(std::errc::permission_denied);
+        return OpenFile();
+    }
+    return file;
 }
 
 } // namespace
@@ -77,27 +102,46 @@ std::error_code PrivateFolder::Prepare() {
 }
 
 OpenFile PrivateFolder::Open(std::string_view name, std::error_code& error) {
+    return openOwn(name, O_RDONLY, error);
+}
+
+OpenFile PrivateFolder::OpenForChange(std::string_view name, std::error_code& error) {
+    return openOwn(name, O_RDWR | O_APPEND, error);
+}
+
+OpenFile PrivateFolder::Create(std::string_view name, std::string_view content, std::error_code& error) {
     error.clear();
     if (!isFileName(name)) {
         error = std::make_error_code(std::errc::invalid_argument);
         return OpenFile();
     }
-    const OpenFile folder = openFolder(error);
-    if (!folder) {
+    if (const OpenFile folder = openFolder(error); !folder) {
         return OpenFile();
     }
-    OpenFile file(::openat(folder.Descriptor(), std::string(name).c_str(),
-                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    struct stat facts {};
-    if (!file || ::fstat(file.Descriptor(), &facts) != 0) {
+    std::string temporary = (place() / ".torka-XXXXXX").string();
+    OpenFile file(::mkostemp(temporary.data(), O_APPEND | O_CLOEXEC)); // mode 0600
+    if (!file) {
         error = lastError();
         return OpenFile();
     }
-    if (!S_ISREG(facts.st_mode) || facts.st_uid != ::geteuid()) {
-        error = std::make_error_code(std::errc::permission_denied);
+    const ssize_t written = ::write(file.Descriptor(), content.data(), content.size());
+    if (written < 0 || ::flock(file.Descriptor(), LOCK_EX) != 0) {
+        error = lastError();
+    } else if (static_cast<std::size_t>(written) != content.size()) {
+        error = std::make_error_code(std::errc::no_space_on_device);
+    } else if (::link(temporary.c_str(), (place() / name).c_str()) != 0) { // never over another
+        error = lastError();
+    }
+    ::unlink(temporary.c_str());
+    return error ? OpenFile() : std::move(file);
+}
+
+OpenFile PrivateFolder::Lock(std::string_view name) {
+    if (Prepare() || !isFileName(name)) {
         return OpenFile();
     }
-    return file;
+    OpenFile lock(::open((place() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    return lock && ::flock(lock.Descriptor(), LOCK_EX) == 0 ? std::move(lock) : OpenFile();
 }
 
 std::error_code PrivateFolder::Read(std::string_view name, std::size_t limit, std::string& content) {
@@ -145,21 +189,23 @@ bool PrivateFolder::Remove(std::string_view name) {
     return isFileName(name) && ::unlink((place() / name).c_str()) == 0;
 }
 
-int PrivateFolder::RemoveOlder(std::chrono::seconds age,
-                               const std::function<bool(std::string_view)>& isWanted) {
-    int removed = 0;
-    const std::time_t limit = std::time(nullptr) - age.count();
+std::int64_t PrivateFolder::Changed(std::string_view name) {
+    struct stat facts {};
+    return isFileName(name) && ::lstat((place() / name).c_str(), &facts) == 0 ? facts.st_mtime : 0;
+}
+
+std::vector<PrivateFolder::Entry> PrivateFolder::List() {
+    std::vector<Entry> entries;
     std::error_code error;
     for (std::filesystem::directory_iterator file(place(), error), end; !error && file != end;
          file.increment(error)) {
-        const std::string name = file->path().filename().string();
         struct stat facts {};
-        if (isWanted(name) && ::lstat(file->path().c_str(), &facts) == 0 && S_ISREG(facts.st_mode) &&
-            facts.st_mtime < limit && Remove(name)) {
-            ++removed;
+        if (::lstat(file->path().c_str(), &facts) == 0 && S_ISREG(facts.st_mode)) {
+            entries.push_back(
+                {file->path().filename().string(), static_cast<std::size_t>(facts.st_size), facts.st_mtime});
         }
     }
-    return removed;
+    return entries;
 }
 
 } // namespace torka::filter

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <chrono>
+#include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 // The folder in which the filter keeps tickets and notes of its own, and how a file in it is named and
 // opened.
@@ -47,13 +47,28 @@ public:
 
     // For reading: a regular file of this user. `error` tells why not.
     static OpenFile Open(std::string_view name, std::error_code& error);
+    // The same for reading and appending.
+    static OpenFile OpenForChange(std::string_view name, std::error_code& error);
+    // A new file with this content, open for appending and locked (flock) before anybody else can open it.
+    // The error file_exists when there is something of that name.
+    static OpenFile Create(std::string_view name, std::string_view content, std::error_code& error);
+    // Waits for the lock of this name, which its file's owner lets go by closing it. Empty when there is
+    // none.
+    static OpenFile Lock(std::string_view name);
     static std::error_code Read(std::string_view name, std::size_t limit, std::string& content);
     // Whole or not at all.
     static std::error_code Write(std::string_view name, std::string_view content, unsigned mode = 0600);
     static bool Exists(std::string_view name);
     static bool Remove(std::string_view name);
-    // Removes the files that have such a name and were written longer ago than `age`; how many.
-    static int RemoveOlder(std::chrono::seconds age, const std::function<bool(std::string_view)>& isWanted);
+    // Of a file's last change, seconds since 1970; 0 when there is no such file.
+    static std::int64_t Changed(std::string_view name);
+    // The regular files, in no order.
+    struct Entry {
+        std::string name;
+        std::size_t bytes = 0;
+        std::int64_t changed = 0; // seconds since 1970
+    };
+    static std::vector<Entry> List();
 };
 
 } // namespace torka::filter

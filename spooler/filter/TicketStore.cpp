@@ -1,5 +1,11 @@
 #include "spooler/filter/TicketStore.h"
 
+#include "spooler/filter/TicketOwner.h"
+#include "spooler/filter/TicketRoom.h"
+
+#include <algorithm>
+#include <ctime>
+#include <map>
 #include <string>
 
 namespace torka::filter {
@@ -7,19 +13,158 @@ namespace torka::filter {
 namespace {
 
 constexpr std::string_view ticketPrefix = "Torka.temp";
-constexpr std::string_view ownerSuffix = ".owner";
 constexpr std::size_t uuidLength = 36;
-constexpr std::size_t mostOwner = 1024; // bytes
+constexpr std::string_view lockFile = "TorkaTickets.lock";    // for the room that all tickets share
+constexpr std::string_view sweptFile = "TorkaSwept";          // its time is that of the last sweep
+constexpr std::int64_t sweepInterval = std::int64_t{10} * 60; // seconds
+// What nobody fetches any more: reports of failed connections, and files that a killed filter was writing.
+constexpr std::int64_t leftoverLifetime = std::int64_t{24} * 3600;
+// A ticket without a record, or a record without a ticket: its filter was killed.
+constexpr std::int64_t halfLifetime = 3600;
 
-std::string ownerFile(std::string_view ticket) { return std::string(ticket).append(ownerSuffix); }
+bool isLeftover(std::string_view name) {
+    return name.starts_with("ConnectionErrorInfoFile") || name.starts_with(".torka-");
+}
 
-// What this filter leaves in the folder and nobody fetches after a day.
-bool isOutdatable(std::string_view name) {
-    std::string_view ticket = name;
-    if (ticket.ends_with(ownerSuffix)) {
-        ticket.remove_suffix(ownerSuffix.size());
+std::string existsAlready(const std::string& name) { return name + ": there is such a ticket already"; }
+
+// Removes the ticket first: were the filter killed between, a record without a ticket is nobody's.
+bool removePair(const std::string& name) {
+    const bool isRemoved = PrivateFolder::Remove(name);
+    PrivateFolder::Remove(name + std::string(ticketOwnerSuffix));
+    return isRemoved;
+}
+
+// What a text means for a ticket that has a record: "" when it is the same command again, which was
+// restarted. `isGone` says that the record was of a ticket that never got its text, and is removed.
+std::string meetExisting(const Sender& sender, const JobIdentity& command, const std::string& name,
+                         bool& isGone) {
+    std::error_code error;
+    std::optional<TicketOwner> owner = TicketOwner::Open(name, error); // waits for one that is being written
+    if (!owner) {
+        isGone = error == std::errc::no_such_file_or_directory;
+        return existsAlready(name);
     }
-    return isTicketName(ticket) || name.starts_with("ConnectionErrorInfoFile") || name.starts_with(".torka-");
+    if (owner->Record().user != sender.user) {
+        return existsAlready(name);
+    }
+    if (!PrivateFolder::Exists(name)) {
+        isGone = removePair(name) || !PrivateFolder::Exists(name + std::string(ticketOwnerSuffix));
+        return existsAlready(name);
+    }
+    if (owner->Record().command == command && PrivateFolder::Open(name, error)) {
+        return {};
+    }
+    // Two commands bring a text for one name: nobody knows which is the right one. A job that has begun with
+    // the first keeps it.
+    if (!owner->Record().usedBy) {
+        owner->MarkContested();
+    }
+    return existsAlready(name);
+}
+
+// The owner record of a new ticket, for which there is room. Nothing, without a problem, when there is a
+// record already.
+std::optional<TicketOwner> reserve(const Sender& sender, const std::string& name, const TicketRecord& record,
+                                   std::string& problem) {
+    const OpenFile lock = PrivateFolder::Lock(lockFile);
+    problem = lock ? ticketRoomProblem(sender, record.bytes) : "the filter's folder cannot be locked";
+    if (!problem.empty()) {
+        return std::nullopt;
+    }
+    std::error_code error;
+    std::optional<TicketOwner> owner = TicketOwner::Create(name, record, error);
+    if (!owner && error != std::errc::file_exists) {
+        problem = name + ": the ticket cannot be kept: " + error.message();
+    }
+    return owner;
+}
+
+// REQUIRES: the owner record is locked.
+std::string writeTicket(const std::string& name, std::string_view content) {
+    std::string problem;
+    if (PrivateFolder::Exists(name)) {
+        problem = existsAlready(name);
+    } else if (const std::error_code error = PrivateFolder::Write(name, content)) {
+        problem = name + ": the ticket cannot be kept: " + error.message();
+    }
+    if (!problem.empty()) {
+        PrivateFolder::Remove(name + std::string(ticketOwnerSuffix));
+    }
+    return problem;
+}
+
+std::string storeAs(const Sender& sender, const JobIdentity& command, const std::string& name,
+                    std::string_view content) {
+    constexpr int tries = 3; // each meets a record that another filter removed meanwhile
+    const TicketRecord record{sender.user, sender.host, command, content.size(), std::nullopt, false};
+    for (int i = 0; i < tries; ++i) {
+        std::string problem;
+        const std::optional<TicketOwner> owner = reserve(sender, name, record, problem);
+        if (owner) {
+            return writeTicket(name, content);
+        }
+        bool isGone = false;
+        if (problem.empty()) {
+            problem = meetExisting(sender, command, name, isGone);
+        }
+        if (!isGone) {
+            return problem;
+        }
+    }
+    return existsAlready(name);
+}
+
+std::string missingText(const std::string& name) {
+    return "The print settings of this job are missing (" + name +
+           "): they did not arrive, or were kept for their time. Print it again from its application.";
+}
+
+// "" or why this job may not have the ticket.
+std::string refusal(const TicketRecord& record, const Sender& sender, const JobIdentity& job,
+                    const std::string& name) {
+    if (record.user != sender.user) {
+        return "The print settings of this job belong to somebody else (" + name + ").";
+    }
+    if (record.isContested) {
+        return "The print settings of this job came twice (" + name +
+               "), and nobody knows which are right. Print it again from its application.";
+    }
+    if (record.usedBy && *record.usedBy != job) {
+        return "This job cannot be printed: its print settings belong to another job (" + name +
+               "). Print it again from its application.";
+    }
+    return {};
+}
+
+struct Halves {
+    std::int64_t ticket = 0; // time of the last change; 0: it is not there
+    std::int64_t owner = 0;
+};
+
+void sweepTicket(const std::string& name, const Halves& halves, std::int64_t now) {
+    const auto isOver = [now](std::int64_t changed, std::int64_t lifetime) {
+        return now - changed > lifetime;
+    };
+    const std::int64_t changed = std::max(halves.ticket, halves.owner);
+    const bool isWhole = halves.ticket != 0 && halves.owner != 0;
+    if (!isOver(changed, isWhole ? TicketStore::usedLifetime.count() : halfLifetime)) {
+        return;
+    }
+    // Behind its lock, and with what it says then.
+    std::error_code error;
+    const std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
+    if (!owner && error != std::errc::no_such_file_or_directory && error != std::errc::bad_message) {
+        return;
+    }
+    if (owner && PrivateFolder::Exists(name)) {
+        const auto lifetime =
+            owner->Record().usedBy ? TicketStore::usedLifetime : TicketStore::unusedLifetime;
+        if (!isOver(owner->Changed(), lifetime.count())) {
+            return;
+        }
+    }
+    removePair(name);
 }
 
 } // namespace
@@ -42,66 +187,116 @@ bool isTicketName(std::string_view name) {
     return true;
 }
 
-std::string TicketStore::Announce(const Sender& sender, std::string_view path) {
+std::string TicketStore::Announce(const Sender& sender, std::string_view named, std::string_view path) {
     while (!path.empty() && (path.back() == '\n' || path.back() == '\r')) {
         path.remove_suffix(1);
     }
-    const std::string_view name = lastComponent(path);
+    const std::string name(lastComponent(path));
     if (!isTicketName(name)) {
         return "the announced ticket has no name of a ticket";
     }
-    return FilterNotes::Add(sender, NoteKind::ticketName, name) ? "" : "the ticket's name cannot be kept";
+    if (named.empty()) {
+        return FilterNotes::Add(sender, NoteKind::ticketName, name) ? "" : "the ticket's name cannot be kept";
+    }
+    if (lastComponent(named) != name) {
+        return "the command's option and its text name two tickets";
+    }
+    // The text names its ticket itself: nothing has to be kept.
+    std::error_code error;
+    const std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
+    return owner && owner->Record().user != sender.user ? existsAlready(name) : "";
 }
 
-std::string TicketStore::Store(const Sender& sender, std::string_view content) {
-    const std::optional<std::string> name = FilterNotes::TakeFirst(sender, NoteKind::ticketName);
-    if (!name) {
+std::string TicketStore::Store(const Sender& sender, const JobIdentity& command, std::string_view named,
+                               std::string_view content) {
+    if (!named.empty()) {
+        const std::string name(lastComponent(named));
+        return isTicketName(name) ? storeAs(sender, command, name, content)
+                                  : "the command's option names no ticket";
+    }
+    std::size_t count = 0;
+    const std::optional<std::string> name = FilterNotes::TakeOnly(sender, NoteKind::ticketName, count);
+    if (count > 1) {
+        return "a ticket came without its name, and " + std::to_string(count) +
+               " names wait for theirs: it could be another job's";
+    }
+    if (!name || !isTicketName(*name)) {
         return "a ticket came that no name was sent for";
     }
-    if (!isTicketName(*name) || PrivateFolder::Exists(*name)) {
-        return *name + ": there is such a ticket already";
+    std::string problem = storeAs(sender, command, *name, content);
+    if (!problem.empty() && !PrivateFolder::Exists(*name)) {
+        FilterNotes::Add(sender, NoteKind::ticketName, *name); // for the command, when it is restarted
     }
-    std::error_code error = PrivateFolder::Write(ownerFile(*name), sender.user);
-    if (!error) {
-        error = PrivateFolder::Write(*name, content);
-        if (error) {
-            PrivateFolder::Remove(ownerFile(*name));
-        }
-    }
-    return error ? *name + ": the ticket cannot be kept: " + error.message() : "";
+    return problem;
 }
 
-OpenFile TicketStore::Open(const Sender& sender, std::string_view path, std::string& problem) {
+OpenFile TicketStore::Open(const Sender& sender, const JobIdentity& job, std::string_view path,
+                           std::string& problem) {
     const std::string name(lastComponent(path));
     if (!isTicketName(name)) {
         problem = "The print settings of this job have no valid name. Print it again from its application.";
         return OpenFile();
     }
     std::error_code error;
-    OpenFile ticket = PrivateFolder::Open(name, error);
-    if (!ticket) {
+    std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
+    if (owner) {
+        problem = refusal(owner->Record(), sender, job, name);
+        if (!problem.empty()) {
+            return OpenFile();
+        }
+    }
+    OpenFile ticket = owner ? PrivateFolder::Open(name, error) : OpenFile();
+    if (ticket) {
+        error = owner->MarkUsed(job);
+    }
+    if (!error) {
+        return ticket;
+    }
+    const bool isMissing = error == std::errc::no_such_file_or_directory;
+    if (isMissing) {
         FilterNotes::ForgetUpTo(sender, NoteKind::ticketName, name);
-        problem =
-            error == std::errc::no_such_file_or_directory
-                ? "The print settings of this job are missing (" + name +
-                      "): they did not arrive, or are older than a day. Print it again from its application."
-                : "The print settings of this job cannot be read (" + name + "): " + error.message() + ".";
-        return OpenFile();
     }
-    std::string owner;
-    if (PrivateFolder::Read(ownerFile(name), mostOwner, owner) || owner != sender.user) {
-        problem = "The print settings of this job belong to somebody else (" + name + ").";
-        return OpenFile();
-    }
-    return ticket;
+    problem = isMissing
+                  ? missingText(name)
+                  : "The print settings of this job cannot be read (" + name + "): " + error.message() + ".";
+    return OpenFile();
 }
 
-bool TicketStore::Remove(std::string_view name) {
-    const bool isRemoved = isTicketName(name) && PrivateFolder::Remove(name);
-    PrivateFolder::Remove(ownerFile(name));
-    return isRemoved;
+bool TicketStore::RemoveOwn(const Sender& sender, std::string_view name) {
+    std::error_code error;
+    const std::optional<TicketOwner> owner =
+        isTicketName(name) ? TicketOwner::Open(name, error) : std::nullopt;
+    return owner && owner->Record().user == sender.user && removePair(std::string(name));
 }
 
-void TicketStore::RemoveOld() { PrivateFolder::RemoveOlder(FilterNotes::lifetime, isOutdatable); }
+void TicketStore::Sweep() {
+    const std::int64_t now = std::time(nullptr);
+    std::map<std::string, Halves> tickets;
+    for (const PrivateFolder::Entry& entry : PrivateFolder::List()) {
+        std::string_view name = entry.name;
+        if (isTicketName(name)) {
+            tickets[entry.name].ticket = entry.changed;
+        } else if (isLeftover(name) && now - entry.changed > leftoverLifetime) {
+            PrivateFolder::Remove(name);
+        } else if (name.ends_with(ticketOwnerSuffix)) {
+            name.remove_suffix(ticketOwnerSuffix.size());
+            if (isTicketName(name)) {
+                tickets[std::string(name)].owner = entry.changed;
+            }
+        }
+    }
+    for (const auto& [name, halves] : tickets) {
+        sweepTicket(name, halves, now);
+    }
+}
+
+void TicketStore::SweepSometimes() {
+    const std::int64_t now = std::time(nullptr);
+    const std::int64_t last = PrivateFolder::Changed(sweptFile);
+    if (last > now || now - last >= sweepInterval) {
+        PrivateFolder::Write(sweptFile, "");
+        Sweep();
+    }
+}
 
 } // namespace torka::filter

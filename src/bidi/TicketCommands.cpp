@@ -3,6 +3,8 @@
 #include "bidi/SpoolerCommands.h"
 #include "platform/TextEncoding.h"
 
+#include <string>
+
 namespace torka {
 
 OSStatus sendTicketAhead(const PMPrinter& printer, const CFStringRef& fileName, const CFDataRef& list) {
@@ -13,11 +15,14 @@ OSStatus sendTicketAhead(const PMPrinter& printer, const CFStringRef& fileName, 
     if (!fileName || bytes.empty() || !text) {
         return kPMInvalidParameter;
     }
+    const std::string path = utf8Text(fileName);
+    const CFDictionaryRef options =
+        CFDictionaryCreate({{cfString(ticketNameOption), cfString(path.substr(path.rfind('/') + 1))}});
     const OSStatus status = PMPrinterSendCommand(
-        printer, fileName, cfString(commandTitle(SpoolerCommand::psTempFileName)), nullptr);
+        printer, fileName, cfString(commandTitle(SpoolerCommand::psTempFileName)), options);
     return status != noErr ? status
                            : PMPrinterSendCommand(
-                                 printer, text, cfString(commandTitle(SpoolerCommand::writePSTemp)), nullptr);
+                                 printer, text, cfString(commandTitle(SpoolerCommand::writePSTemp)), options);
 }
 
 } // namespace torka

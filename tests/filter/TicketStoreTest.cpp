@@ -1,66 +1,166 @@
 #include "spooler/filter/TicketStore.h"
+#include "spooler/filter/Commands.h"
+#include "spooler/filter/TicketOwner.h"
+#include "spooler/filter/TicketRoom.h"
 #include "tests/filter/FilterHarness.h"
 
+#include <algorithm>
 #include <chrono>
+#include <ctime>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <sys/stat.h>
+#include <thread>
 
-// Tickets that come by commands: pairing, names, ownership, age.
+// Tickets that come by commands: pairing, names, ownership, age, room.
 
 namespace torka::tests {
 
 namespace {
 
 using namespace filter;
+using std::chrono::hours;
 
 const Sender anna{"Proofs", "anna", "localhost"};
+const Sender bert{"Proofs", "bert", "localhost"};
+const JobIdentity command{"7", "urn:uuid:7"};
+const JobIdentity job{"8", "urn:uuid:8"};
+const JobIdentity otherJob{"9", "urn:uuid:9"};
 
-std::string contentOf(const Sender& sender, const std::string& path) {
+std::string contentOf(const Sender& sender, const std::string& path, const JobIdentity& user = job) {
     std::string problem;
-    const OpenFile file = TicketStore::Open(sender, path, problem);
+    const OpenFile file = TicketStore::Open(sender, user, path, problem);
     std::string text;
     return file && !PrivateFolder::Read(lastComponent(path), 100000, text) ? text : "? " + problem;
 }
 
-TEST(TicketStore, PairsMeetByQueueUserAndHostInTheirOrder) {
-    const FilterHarness harness;
-    const Sender bert{"Proofs", "bert", "localhost"};
-    const Sender elsewhere{"Proofs", "anna", "pc 7\n%"};
-    const Sender other{"Finals", "anna", "localhost"};
-    EXPECT_EQ(TicketStore::Announce(anna, ticketPath(1)), "");
-    EXPECT_EQ(TicketStore::Announce(bert, ticketPath(2)), "");
-    EXPECT_EQ(TicketStore::Announce(anna, ticketPath(3) + "\n"), "");
-    EXPECT_EQ(TicketStore::Announce(elsewhere, ticketPath(4)), "");
-    EXPECT_EQ(TicketStore::Announce(other, ticketPath(5)), "");
-    EXPECT_EQ(TicketStore::Store(other, "five"), "");
-    EXPECT_EQ(TicketStore::Store(anna, "one"), "");
-    EXPECT_EQ(TicketStore::Store(elsewhere, "four"), "");
-    EXPECT_EQ(TicketStore::Store(anna, "three"), "");
-    EXPECT_EQ(TicketStore::Store(bert, "two"), "");
-    EXPECT_NE(TicketStore::Store(bert, "nobody's"), "");
+bool isRefused(const std::string& content, const std::string& reason) {
+    return content.starts_with("? ") && content.find(reason) != std::string::npos;
+}
 
+std::string nameOf(int number) { return std::string(lastComponent(ticketPath(number))); }
+
+void makeOlder(const FilterHarness& harness, int ticket, std::chrono::seconds age) {
+    const auto time = std::filesystem::file_time_type::clock::now() - age;
+    for (const std::string suffix : {"", ".owner"}) {
+        std::filesystem::last_write_time(harness.Cache(nameOf(ticket) + suffix), time);
+    }
+}
+
+TEST(TicketStore, ANameThatTravelsWithTheTextDecidesWhateverTheOrder) {
+    const FilterHarness harness;
+    EXPECT_EQ(TicketStore::Announce(anna, nameOf(1), ticketPath(1) + "\n"), "");
+    EXPECT_EQ(TicketStore::Announce(anna, nameOf(2), ticketPath(2)), "");
+    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(2), "two"), "");
+    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(3), "three"), "") << "before its name was sent";
+    EXPECT_EQ(TicketStore::Announce(anna, nameOf(3), ticketPath(3)), "");
+    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(1), "one"), "");
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
-    EXPECT_EQ(contentOf(bert, ticketPath(2)), "two");
-    EXPECT_EQ(contentOf(anna, "elsewhere/" + std::string(lastComponent(ticketPath(3)))), "three")
-        << "only the last component counts";
-    EXPECT_EQ(contentOf(elsewhere, ticketPath(4)), "four");
-    EXPECT_TRUE(contentOf(bert, ticketPath(1)).starts_with("? ")) << "somebody else's";
+    EXPECT_EQ(contentOf(anna, ticketPath(2)), "two");
+    EXPECT_EQ(contentOf(anna, "elsewhere/" + nameOf(3)), "three") << "only the last component counts";
+    // Option and text that disagree, an option that is no name, somebody else's name.
+    EXPECT_NE(TicketStore::Announce(anna, nameOf(4), ticketPath(5)), "");
+    EXPECT_NE(TicketStore::Announce(bert, nameOf(1), ticketPath(1)), "");
+    EXPECT_NE(TicketStore::Store(anna, command, "Torka.temp", "text"), "");
+    EXPECT_NE(TicketStore::Store(bert, command, nameOf(1), "text"), "");
+    EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
     struct stat facts {};
-    ASSERT_EQ(stat(harness.Cache(lastComponent(ticketPath(1))).c_str(), &facts), 0);
+    ASSERT_EQ(stat(harness.Cache(nameOf(1)).c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 0777U, 0600U);
     ASSERT_EQ(stat(harness.Cache().c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 0777U, 0711U);
 }
 
-TEST(TicketStore, ATicketThatNeverCameDoesNotShiftTheOnesBehindIt) {
+// A foreign sender names nothing: the one announced name of its queue, user and host is meant, or none.
+TEST(TicketStore, ATextWithoutItsNameIsPairedOrRefusedNeverGuessed) {
     const FilterHarness harness;
-    TicketStore::Announce(anna, ticketPath(1)); // its text is lost
-    TicketStore::Announce(anna, ticketPath(2));
-    EXPECT_EQ(TicketStore::Store(anna, "two"), ""); // taken for the first
-    EXPECT_TRUE(contentOf(anna, ticketPath(2)).find("missing") != std::string::npos);
-    TicketStore::Announce(anna, ticketPath(3));
-    EXPECT_EQ(TicketStore::Store(anna, "three"), "");
-    EXPECT_EQ(contentOf(anna, ticketPath(3)), "three");
+    const Sender elsewhere{"Proofs", "anna", "pc 7\n%"};
+    const Sender other{"Finals", "anna", "localhost"};
+    int number = 0;
+    for (const Sender& sender : {anna, bert, elsewhere, other}) {
+        EXPECT_EQ(TicketStore::Announce(sender, "", ticketPath(++number)), "");
+        EXPECT_EQ(TicketStore::Announce(sender, "", ticketPath(number)), "") << "restarted";
+    }
+    EXPECT_EQ(TicketStore::Store(other, command, "", "four"), "");
+    EXPECT_EQ(TicketStore::Store(elsewhere, command, "", "three"), "");
+    EXPECT_EQ(TicketStore::Store(anna, command, "", "one"), "");
+    EXPECT_NE(TicketStore::Store(anna, command, "", "nobody's"), "");
+    EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
+    EXPECT_EQ(contentOf(anna, ticketPath(3)), "three") << "another address of the same user";
+    EXPECT_EQ(contentOf(anna, ticketPath(4)), "four") << "the job was moved to another queue";
+    // Two names wait: both jobs stop, and then the next pair meets again.
+    EXPECT_EQ(TicketStore::Announce(bert, "", ticketPath(5)), "");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_NE(TicketStore::Store(bert, command, "", "whose?").find("2 names wait"), std::string::npos);
+    }
+    EXPECT_TRUE(isRefused(contentOf(bert, ticketPath(2)), "missing"));
+    EXPECT_TRUE(isRefused(contentOf(bert, ticketPath(5)), "missing"));
+    EXPECT_EQ(TicketStore::Announce(bert, "", ticketPath(6)), "");
+    EXPECT_EQ(TicketStore::Store(bert, command, "", "six"), "");
+    EXPECT_EQ(contentOf(bert, ticketPath(6)), "six");
+}
+
+TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
+    const FilterHarness harness;
+    for (int i = 1; i <= 4; ++i) {
+        ASSERT_EQ(TicketStore::Store(anna, command, nameOf(i), "text"), "");
+    }
+    EXPECT_TRUE(isRefused(contentOf(bert, ticketPath(1)), "somebody else"));
+    EXPECT_EQ(contentOf(anna, ticketPath(1), job), "text");
+    EXPECT_EQ(contentOf(anna, ticketPath(1), job), "text") << "its next document, or restarted";
+    for (const JobIdentity& borrower : {otherJob, JobIdentity{job.number, "urn:uuid:x"},
+                                        JobIdentity{"9", job.uuid}, JobIdentity{job.number, ""}}) {
+        EXPECT_TRUE(
+            isRefused(contentOf(anna, ticketPath(1), borrower), "its print settings belong to another job"));
+    }
+    // Many filters at once: one job wins.
+    std::vector<std::string> contents(16);
+    std::vector<std::thread> filters;
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        filters.emplace_back([&contents, i] {
+            contents[i] = contentOf(anna, ticketPath(2), {std::to_string(i), "urn:uuid:2"});
+        });
+    }
+    for (std::thread& filter : filters) {
+        filter.join();
+    }
+    EXPECT_EQ(std::ranges::count(contents, "text"), 1);
+
+    // Two texts for one name: neither is printed with, but a job that has begun goes on. The same command
+    // again, restarted, is no second text.
+    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(3), "text"), "");
+    EXPECT_NE(TicketStore::Store(anna, otherJob, nameOf(3), "forged"), "");
+    EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(3)), "came twice"));
+    EXPECT_NE(TicketStore::Store(anna, otherJob, nameOf(1), "forged"), "");
+    EXPECT_EQ(contentOf(anna, ticketPath(1)), "text");
+    EXPECT_NE(TicketStore::Store(bert, otherJob, nameOf(4), "forged"), "") << "somebody else's command";
+    EXPECT_EQ(contentOf(anna, ticketPath(4)), "text");
+
+    // A filter that was killed, or had no room, while it wrote the job into the record.
+    ASSERT_EQ(TicketStore::Store(anna, command, nameOf(5), "text"), "");
+    std::ofstream(harness.Cache(nameOf(5) + ".owner"), std::ios::app) << "=used =12345";
+    EXPECT_EQ(contentOf(anna, ticketPath(5)), "text");
+    EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(5), otherJob), "another job"));
+    // A record that is none.
+    ASSERT_FALSE(PrivateFolder::Write(nameOf(5) + ".owner", "anna"));
+    EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(5)), "cannot be read"));
+}
+
+TEST(TicketStore, OnlyItsOwnUserMayHaveATicketDeleted) {
+    const FilterHarness harness;
+    ASSERT_EQ(TicketStore::Store(anna, command, nameOf(1), "text"), "");
+    FolderSource source("/");
+    FilterJob deletion;
+    deletion.queue = "Proofs";
+    deletion.title = "Command_DeleteUpdateFiles";
+    deletion.user = "bert";
+    EXPECT_EQ(runCommand(deletion, ticketPath(1) + "\n" + nameOf(1) + ".owner\n", source), 0);
+    EXPECT_EQ(contentOf(anna, ticketPath(1)), "text");
+    deletion.user = "anna";
+    EXPECT_EQ(runCommand(deletion, ticketPath(1), source), 0);
+    EXPECT_FALSE(PrivateFolder::Exists(nameOf(1)));
+    EXPECT_FALSE(PrivateFolder::Exists(nameOf(1) + ".owner"));
 }
 
 TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
@@ -73,47 +173,149 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
           "Torka.temp" + std::string(36, '-'), "torka.temp" + name.substr(10), name + std::string("\0x", 2),
           name.substr(0, 45) + "/", std::string(5000, 'A'),
           std::string("Torka.temp$(id)D2E7A41-9C3B-4F60-8E17-12345678")}) {
-        EXPECT_NE(TicketStore::Announce(anna, hostile), "") << hostile;
+        EXPECT_NE(TicketStore::Announce(anna, "", hostile), "") << hostile;
         EXPECT_TRUE(contentOf(anna, hostile).starts_with("? ")) << hostile;
     }
-    EXPECT_NE(TicketStore::Store(anna, "text"), "") << "none of them was kept";
+    EXPECT_NE(TicketStore::Store(anna, command, "", "text"), "") << "none of them was kept";
 
-    // What is there already is never written over, nor is a link followed.
+    // What is there already is never written over, nor is a link followed, with an owner record beside it or
+    // without, or as the owner record.
     const std::filesystem::path secret = harness.root.Write("secret", "untouched");
+    const auto expectUntouched = [&] {
+        TicketStore::Announce(anna, "", ticketPath(1));
+        EXPECT_NE(TicketStore::Store(anna, command, "", "text"), "");
+        EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
+        EXPECT_EQ(readFile(secret), "untouched");
+        std::filesystem::remove(harness.Cache(name + ".owner"));
+    };
     std::filesystem::create_symlink(secret, harness.Cache(name));
-    TicketStore::Announce(anna, ticketPath(1));
-    EXPECT_NE(TicketStore::Store(anna, "text"), "");
-    EXPECT_EQ(readFile(secret), "untouched");
-    EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
+    expectUntouched();
+    ASSERT_FALSE(PrivateFolder::Write(name + ".owner",
+                                      ticketRecordText({"anna", "localhost", command, 4, {}, false})));
+    expectUntouched();
+    std::filesystem::create_symlink(secret, harness.Cache(name + ".owner"));
+    expectUntouched();
     // A ticket without an owner is none.
     std::filesystem::remove(harness.Cache(name));
     ASSERT_FALSE(PrivateFolder::Write(name, "text"));
     EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
     // A folder that others may write to is not used at all.
     std::filesystem::permissions(harness.Cache(), std::filesystem::perms(0777));
-    EXPECT_NE(TicketStore::Announce(anna, ticketPath(2)), "");
+    EXPECT_NE(TicketStore::Announce(anna, "", ticketPath(2)), "");
 }
 
-TEST(TicketStore, OldTicketsGoAndNothingElse) {
+TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
     const FilterHarness harness;
-    for (int i = 1; i <= 2; ++i) {
-        TicketStore::Announce(anna, ticketPath(i));
-        TicketStore::Store(anna, "text");
+    constexpr int day = 24;
+    struct Case {
+        bool isUsed;
+        const char* missing; // suffix of the half that is not there
+        std::chrono::seconds age;
+        bool isKept;
+    };
+    const std::vector<Case> cases{{false, nullptr, hours(29 * day), true},
+                                  {false, nullptr, hours(31 * day), false},
+                                  {true, nullptr, hours(6 * day), true},
+                                  {true, nullptr, hours(8 * day), false},
+                                  {false, "", hours(0), true},
+                                  {false, "", hours(2), false},
+                                  {false, ".owner", hours(0), true},
+                                  {false, ".owner", hours(2), false}};
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        const int number = static_cast<int>(i);
+        ASSERT_EQ(TicketStore::Store(anna, command, nameOf(number), "text"), "");
+        if (cases[i].isUsed) {
+            EXPECT_EQ(contentOf(anna, ticketPath(number)), "text");
+        }
+        makeOlder(harness, number, cases[i].age);
+        if (cases[i].missing != nullptr) {
+            PrivateFolder::Remove(nameOf(number) + cases[i].missing);
+        }
     }
-    PrivateFolder::Write("ConnectionErrorInfoFileAB-1.txt", "");
-    PrivateFolder::Write("zan_timeout_override.txt", "");
-    const std::string old(lastComponent(ticketPath(1)));
-    const auto before = std::filesystem::file_time_type::clock::now() - std::chrono::hours(25);
-    for (const std::string& name : {old, old + ".owner", std::string("ConnectionErrorInfoFileAB-1.txt"),
-                                    std::string("zan_timeout_override.txt")}) {
-        std::filesystem::last_write_time(harness.Cache(name), before);
-    }
-    TicketStore::RemoveOld();
-    EXPECT_FALSE(PrivateFolder::Exists(old));
-    EXPECT_FALSE(PrivateFolder::Exists(old + ".owner"));
-    EXPECT_FALSE(PrivateFolder::Exists("ConnectionErrorInfoFileAB-1.txt"));
-    EXPECT_TRUE(PrivateFolder::Exists("zan_timeout_override.txt"));
+    // Used again after six days: the week begins anew.
     EXPECT_EQ(contentOf(anna, ticketPath(2)), "text");
+    EXPECT_GT(PrivateFolder::Changed(nameOf(2) + ".owner"), std::time(nullptr) - 60);
+    const std::map<std::string, hours> others{{"ConnectionErrorInfoFileAB-1.txt", hours(25)},
+                                              {"zan_timeout_override.txt", hours(9999)},
+                                              {"Team-7", hours(9999)},
+                                              {".torka-abcdef", hours(25)},
+                                              {".torka-ghijkl", hours(1)}};
+    for (const auto& [name, age] : others) {
+        PrivateFolder::Write(name, "");
+        std::filesystem::last_write_time(harness.Cache(name),
+                                         std::filesystem::file_time_type::clock::now() - age);
+    }
+    TicketStore::SweepSometimes();
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        const std::string name = nameOf(static_cast<int>(i));
+        EXPECT_EQ(PrivateFolder::Exists(name) || PrivateFolder::Exists(name + ".owner"), cases[i].isKept)
+            << i;
+    }
+    EXPECT_FALSE(PrivateFolder::Exists("ConnectionErrorInfoFileAB-1.txt"));
+    EXPECT_FALSE(PrivateFolder::Exists(".torka-abcdef"));
+    for (const char* kept : {"zan_timeout_override.txt", "Team-7", ".torka-ghijkl"}) {
+        EXPECT_TRUE(PrivateFolder::Exists(kept)) << kept;
+    }
+}
+
+// Fills the folder as other commands would, without their time.
+void fill(const FilterHarness& harness, const Sender& sender, int first, std::size_t count,
+          std::size_t bytes) {
+    for (int i = first; i < first + static_cast<int>(count); ++i) {
+        std::ofstream(harness.Cache(nameOf(i) + ".owner"))
+            << ticketRecordText({sender.user, sender.host, command, bytes, {}, false});
+        std::ofstream(harness.Cache(nameOf(i)));
+        std::filesystem::resize_file(harness.Cache(nameOf(i)), bytes);
+    }
+}
+
+TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
+    const std::size_t large = mostOfSender.bytes / 4;
+    const Sender away{"Proofs", "anna", "pc7"};
+    struct Case {
+        const char* what;
+        std::size_t number; // tickets that are there, each of its own user unless isOneUser
+        std::size_t bytes;
+        bool isOneUser;
+        bool hasRoom;     // the user whose they are, on their host
+        bool hasRoomAway; // the same user on another host
+    };
+    for (const Case& c :
+         {Case{"one below the number", mostOfSender.number - 1, 1, true, true, true},
+          Case{"the number", mostOfSender.number, 1, true, false, true},
+          Case{"the bytes", 4, large, true, false, true},
+          Case{"one byte below", 4, large - 1, true, true, true},
+          Case{"the host's bytes, whatever its users are called", 16, large, false, false, true},
+          Case{"everybody's bytes", 32, large, false, false, false}}) {
+        const FilterHarness harness;
+        ASSERT_FALSE(PrivateFolder::Prepare());
+        for (std::size_t i = 0; i < (c.isOneUser ? 1 : c.number); ++i) {
+            const std::string user = c.isOneUser ? "anna" : "user" + std::to_string(i % 16);
+            fill(harness, {"Proofs", user, i < 16 ? "localhost" : "pc8"}, static_cast<int>(i),
+                 c.isOneUser ? c.number : 1, c.bytes);
+        }
+        EXPECT_EQ(TicketStore::Store(anna, command, nameOf(90001), "text").empty(), c.hasRoom) << c.what;
+        EXPECT_EQ(TicketStore::Store(away, command, nameOf(90002), "text").empty(), c.hasRoomAway) << c.what;
+        EXPECT_EQ(PrivateFolder::Exists(nameOf(90001)), c.hasRoom);
+        const auto entries = PrivateFolder::List();
+        EXPECT_EQ(std::ranges::count_if(entries, [](const auto& entry) { return isTicketName(entry.name); }),
+                  static_cast<std::ptrdiff_t>(c.number) + (c.hasRoom ? 1 : 0) + (c.hasRoomAway ? 1 : 0));
+    }
+}
+
+TEST(TicketOwner, ARecordIsReadAsItWasWrittenOrNotAtAll) {
+    for (const TicketRecord& record :
+         {TicketRecord{"anna", "pc 7\n%", command, 17, {}, false}, TicketRecord{"", "", {}, 0, {}, true},
+          TicketRecord{"=a \n", "h", command, 1, JobIdentity{"8", ""}, false}}) {
+        const std::string text = ticketRecordText(record);
+        EXPECT_EQ(readTicketRecord(text), record);
+        const std::size_t first = text.find('\n');
+        for (std::size_t cut = 0; cut < text.size(); ++cut) {
+            const auto read = readTicketRecord(text.substr(0, cut));
+            EXPECT_EQ(read.has_value(), cut > first) << cut;
+            EXPECT_FALSE(read && (read->usedBy || read->isContested)) << cut;
+        }
+    }
 }
 
 TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
@@ -121,11 +323,11 @@ TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
     for (std::size_t i = 0; i < FilterNotes::limitOfSender + 5; ++i) {
         ASSERT_TRUE(FilterNotes::Add(anna, NoteKind::ticketName, std::to_string(i)));
     }
-    EXPECT_EQ(FilterNotes::TakeFirst(anna, NoteKind::ticketName), "5") << "the oldest went";
+    EXPECT_FALSE(FilterNotes::Has("anna", NoteKind::ticketName, "4")) << "the oldest went";
+    EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::ticketName, "5"));
     ASSERT_TRUE(FilterNotes::Set(anna, NoteKind::language, "de"));
     ASSERT_TRUE(FilterNotes::Set(anna, NoteKind::language, "ja"));
-    EXPECT_EQ(FilterNotes::TakeFirst(anna, NoteKind::language), "ja");
-    EXPECT_EQ(FilterNotes::Get(anna, NoteKind::language), std::nullopt);
+    EXPECT_EQ(FilterNotes::Get(anna, NoteKind::language), "ja");
     EXPECT_FALSE(FilterNotes::Add(anna, NoteKind::ticketName, std::string(5000, 'x')));
 
     // A damaged list loses what is damaged.
@@ -138,7 +340,46 @@ TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
     std::string list = readFile(harness.Cache("TorkaFilterNotes"));
     PrivateFolder::Write("TorkaFilterNotes",
                          "rubbish\n=ticket =x = = = = \n\n" + list.substr(0, list.size() / 2));
-    EXPECT_EQ(FilterNotes::TakeFirst(anna, NoteKind::ticketName), "6");
+    EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::ticketName, "6"));
+    // Each kind has its time.
+    const std::int64_t now = std::time(nullptr);
+    constexpr std::int64_t day = 24 * 3600;
+    std::string text;
+    for (const auto& [kind, age] : {std::pair(NoteKind::language, day - 60),
+                                    {NoteKind::language, day + 60},
+                                    {NoteKind::mailbox, 30 * day - 60},
+                                    {NoteKind::mailbox, 30 * day + 60}}) {
+        text += noteLine({anna, kind, now - age, std::to_string(age)});
+    }
+    PrivateFolder::Write("TorkaFilterNotes", text);
+    EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::language, std::to_string(day - 60)));
+    EXPECT_FALSE(FilterNotes::Has("anna", NoteKind::language, std::to_string(day + 60)));
+    EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::mailbox, std::to_string(30 * day - 60)));
+    EXPECT_FALSE(FilterNotes::Has("anna", NoteKind::mailbox, std::to_string(30 * day + 60)));
+}
+
+// Whatever one host calls its users, and however long the names are, the others' entries stay.
+TEST(FilterNotes, OneHostCannotCrowdTheOthersOut) {
+    for (const std::size_t length : {10U, 1000U}) {
+        const FilterHarness harness;
+        ASSERT_TRUE(FilterNotes::Add(anna, NoteKind::mailbox, "oldest of all"));
+        std::string text = readFile(harness.Cache("TorkaFilterNotes"));
+        const std::size_t enough = length == 10 ? FilterNotes::limitOfAll : FilterNotes::mostBytes / length;
+        for (std::size_t i = 0; i < enough; ++i) {
+            const std::string user = std::string(length, 'x') + std::to_string(i);
+            text +=
+                noteLine({{"Proofs", user, "attacker"}, NoteKind::ticketName, std::time(nullptr), "name"});
+        }
+        PrivateFolder::Write("TorkaFilterNotes", text);
+        ASSERT_TRUE(FilterNotes::Add({"Proofs", "one more", "attacker"}, NoteKind::ticketName, "newest"));
+        EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::mailbox, "oldest of all"));
+        EXPECT_TRUE(FilterNotes::Has("one more", NoteKind::ticketName, "newest"));
+        EXPECT_FALSE(FilterNotes::Has(std::string(length, 'x') + "0", NoteKind::ticketName, "name"));
+        EXPECT_TRUE(FilterNotes::Has(std::string(length, 'x') + std::to_string(enough - 1),
+                                     NoteKind::ticketName, "name"))
+            << "never all";
+        EXPECT_LE(std::filesystem::file_size(harness.Cache("TorkaFilterNotes")), FilterNotes::mostBytes);
+    }
 }
 
 } // namespace

@@ -116,7 +116,9 @@ OSStatus CupsPrinter::PaperList(std::vector<Paper>& papers) const {
 
 OSStatus CupsPrinter::SendCommand(const CFStringRef& command, const CFStringRef& title,
                                   const CFDictionaryRef& options) {
-    CupsOptions jobOptions;
+    // A command prepares jobs that follow it: none of them may overtake it, and a queue that holds its jobs
+    // does not hold it. Options of the caller stand above these.
+    CupsOptions jobOptions({{"job-priority", "100"}, {"job-hold-until", "no-hold"}});
     if (options) {
         for (const auto& [key, value] : options->Pairs()) {
             if (const auto text = cfCast<CFString>(value)) {

@@ -29,7 +29,8 @@ public:
     // text, "printer-state-reasons" as an array of texts.
     OSStatus CopyState(CFDictionaryRef& state) const override;
     OSStatus PaperList(std::vector<Paper>& papers) const override;
-    // Text options become job options. A job that could not be given its text is cancelled.
+    // Text options become job options, beside the highest priority and no holding. A job that could not be
+    // given its text is cancelled.
     OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                          const CFDictionaryRef& options) override;
     // Number of the job of the last command that was sent, 0 before the first.

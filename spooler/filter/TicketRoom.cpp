@@ -1,0 +1,98 @@
+#include "spooler/filter/TicketRoom.h"
+
+#include "spooler/filter/PrivateFolder.h"
+#include "spooler/filter/TicketOwner.h"
+#include "spooler/filter/TicketStore.h"
+
+#include <unordered_map>
+#include <vector>
+
+namespace torka::filter {
+
+namespace {
+
+constexpr std::size_t mostRecord = std::size_t{64} * 1024;
+
+void add(TicketAmount& sum, std::size_t bytes) {
+    ++sum.number;
+    sum.bytes += bytes;
+}
+
+bool fits(const TicketAmount& sum, const TicketAmount& most) {
+    return sum.number <= most.number && sum.bytes <= most.bytes;
+}
+
+std::optional<TicketRecord> recordOf(std::string_view ticket) {
+    std::string text;
+    return PrivateFolder::Read(std::string(ticket).append(ticketOwnerSuffix), mostRecord, text)
+               ? std::nullopt
+               : readTicketRecord(text);
+}
+
+std::string problemText(std::string_view whose, const TicketAmount& most) {
+    return std::string("the print settings that are kept ")
+        .append(whose)
+        .append(" fill their room (")
+        .append(std::to_string(most.number))
+        .append(" jobs, ")
+        .append(std::to_string(most.bytes >> 20U))
+        .append(" MB)");
+}
+
+} // namespace
+
+std::string ticketRoomProblem(const Sender& sender, std::size_t bytes) {
+    std::unordered_map<std::string, std::size_t> sizes; // of the tickets that are written
+    std::vector<std::string> owned;                     // tickets that have a record
+    for (PrivateFolder::Entry& entry : PrivateFolder::List()) {
+        if (isTicketName(entry.name)) {
+            sizes.emplace(std::move(entry.name), entry.bytes);
+        } else if (entry.name.ends_with(ticketOwnerSuffix)) {
+            entry.name.resize(entry.name.size() - ticketOwnerSuffix.size());
+            if (isTicketName(entry.name)) {
+                owned.push_back(std::move(entry.name));
+            }
+        }
+    }
+    TicketAmount all;
+    add(all, bytes);
+    for (const std::string& name : owned) {
+        const auto size = sizes.find(name);
+        if (size != sizes.end()) {
+            add(all, size->second);
+            continue;
+        }
+        // Being written by another filter.
+        const std::optional<TicketRecord> record = recordOf(name);
+        add(all, record ? record->bytes : 0);
+    }
+    if (!fits(all, mostOfAll)) {
+        return problemText("for everybody", mostOfAll);
+    }
+    // Most of the time nobody's tickets need to be told apart.
+    if (fits(all, mostOfSender)) {
+        return {};
+    }
+    TicketAmount ofHost;
+    TicketAmount ofSender;
+    add(ofHost, bytes);
+    add(ofSender, bytes);
+    for (const std::string& name : owned) {
+        const std::optional<TicketRecord> record = recordOf(name);
+        if (!record || record->host != sender.host) {
+            continue;
+        }
+        const auto size = sizes.find(name);
+        const std::size_t held = size == sizes.end() ? record->bytes : size->second;
+        add(ofHost, held);
+        if (record->user == sender.user) {
+            add(ofSender, held);
+        }
+    }
+    if (!fits(ofSender, mostOfSender)) {
+        return problemText("for this user", mostOfSender);
+    }
+    return fits(ofHost, mostOfHost) ? "" : problemText("for this host", mostOfHost);
+}
+
+} // namespace torka::filter
