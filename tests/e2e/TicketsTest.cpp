@@ -1,0 +1,309 @@
+#include "bidi/SpoolerCommands.h"
+#include "bidi/TicketCommands.h"
+#include "output/BundleIdentifier.h"
+#include "platform/System.h"
+#include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
+#include "platform/posix/PosixSystem.h"
+#include "tests/apps/Tool.h"
+#include "tests/e2e/Sandbox.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cups/cups.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <mutex>
+#include <random>
+#include <set>
+#include <sstream>
+#include <thread>
+
+// Each job is printed with its own settings or not at all: many people at once, borrowed tickets, busy
+// queues, filters that are killed.
+
+namespace torka::tests {
+
+namespace {
+
+constexpr std::string_view notePrefix = "%%ZANCustom1: ";
+
+class Tickets : public SandboxTest {
+protected:
+    void SetUp() override {
+        SandboxTest::SetUp();
+        platform::setSystem(std::make_unique<platform::PosixSystem>(platform::PosixSystemOptions{}));
+    }
+    void TearDown() override {
+        cupsSetUser("root");
+        std::filesystem::remove(*sandbox / "printed/release");
+        platform::setSystem(nullptr);
+        SandboxTest::TearDown();
+    }
+
+    static void AddQueue(const std::string& name, const std::string& uri = "torkasink:/") {
+        const CommandResult result = runTool({"queue", "add", name, uri, samplePath("torka-production.ppd")});
+        ASSERT_EQ(result.status, 0) << result.errors;
+    }
+
+    // True as soon as the condition is; false after 20 seconds.
+    template <typename Condition>
+    static bool WaitUntil(const Condition& condition) {
+        for (int i = 0; i < 1000; ++i) {
+            if (condition()) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return false;
+    }
+    static JobStatus WaitForEnd(int job) {
+        WaitUntil([job] { return jobStatus(job).IsOver(); });
+        return jobStatus(job);
+    }
+
+    // A ticket with one note, sent ahead; its path.
+    static std::string SendTicket(const std::string& queue, const std::string& note) {
+        const std::string path = "/Library/Caches/ZAN/Torka.temp" + platform::system().CreateUuidString();
+        const std::string list =
+            runPython("import plistlib, sys\n"
+                      "sys.stdout.buffer.write(plistlib.dumps([30, sys.argv[1].encode()]))",
+                      {std::string(notePrefix) + note});
+        EXPECT_EQ(sendTicketAhead(std::make_shared<CupsPrinter>(queue), cfString(path),
+                                  CFDataCreate(list.data(), list.size())),
+                  noErr);
+        return path;
+    }
+    static int Submit(const std::string& queue, const std::string& path, JobOptions options = {}) {
+        options.emplace_back(ticketPathSetting, path);
+        std::string error;
+        const int job = submitFile(queue, samplePath("plain.ps"), "proof", options, error);
+        EXPECT_NE(job, 0) << error;
+        return job;
+    }
+    // The notes that reached the device with a job.
+    std::set<std::string> Notes(int job) const {
+        std::set<std::string> notes;
+        std::istringstream lines(sandbox->Printed(job));
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with(notePrefix)) {
+                notes.insert(line.substr(notePrefix.size()));
+            }
+        }
+        return notes;
+    }
+
+    // Keeps a queue of the device torkasink:/wait busy until Release.
+    void Occupy(const std::string& queue) const {
+        const TemporaryFolder folder;
+        const std::string file =
+            folder.Write("long.ps", "%!PS\n" + std::string(200'000, '%') + "\nshowpage\n");
+        std::string error;
+        const int job = submitFile(queue, file, "long", {}, error);
+        const std::filesystem::path part = *sandbox / ("printed/." + std::to_string(job) + ".part");
+        EXPECT_TRUE(WaitUntil([&part] {
+            std::error_code none;
+            return std::filesystem::file_size(part, none) >= 65536 && !none;
+        }));
+    }
+    void Release() const { std::ofstream(*sandbox / "printed/release") << ""; }
+};
+
+using NoteSet = std::set<std::string>;
+
+TEST_F(Tickets, ABorrowedTicketStopsTheBorrowersJobAndNotItsOwn) {
+    AddQueue("Lending");
+    AddQueue("LendingToo");
+    cupsSetUser("victim");
+    const std::string path = SendTicket("Lending", "mine");
+    const int own = Submit("Lending", path);
+    ASSERT_EQ(WaitForEnd(own).state, 9);
+    EXPECT_EQ(Notes(own), NoteSet{"mine"});
+    // Somebody who has read the job's attributes says that he is the victim, and sends a UUID along.
+    for (const char* queue : {"Lending", "LendingToo"}) {
+        const int borrowed =
+            Submit(queue, path, {{"job-uuid", "urn:uuid:6f1d2f0e-0000-4000-8000-000000000000"}});
+        const JobStatus status = WaitForEnd(borrowed);
+        EXPECT_EQ(status.state, 6);
+        EXPECT_NE(status.message.find("its print settings belong to another job"), std::string::npos)
+            << status.message;
+        EXPECT_EQ(sandbox->Printed(borrowed), "");
+    }
+    // The victim's job is printed again.
+    std::filesystem::remove(*sandbox / ("printed/" + std::to_string(own) + ".ps"));
+    ASSERT_EQ(runCommand({"lp", "-i", std::to_string(own), "-H", "restart"}).status, 0);
+    EXPECT_TRUE(WaitUntil([&] { return Notes(own) == NoteSet{"mine"}; }));
+}
+
+TEST_F(Tickets, SettingsArriveBeforeTheirJobWhateverItsPriorityAndWhereverItGoes) {
+    AddQueue("Busy", "torkasink:/wait");
+    AddQueue("Spare");
+    Occupy("Busy");
+    const std::string urgentTicket = SendTicket("Busy", "urgent");
+    const int urgent = Submit("Busy", urgentTicket, {{"job-priority", "90"}});
+    const std::string movedTicket = SendTicket("Busy", "moved");
+    const int moved = Submit("Busy", movedTicket, {{"job-hold-until", "indefinite"}});
+    EXPECT_EQ(jobStatus(urgent).state, 3);
+    Release();
+    EXPECT_EQ(WaitForEnd(urgent).state, 9) << jobStatus(urgent).message;
+    EXPECT_EQ(Notes(urgent), NoteSet{"urgent"});
+    EXPECT_EQ(jobStatus(moved).state, 4);
+    ASSERT_EQ(runCommand({"lpmove", std::to_string(moved), "Spare"}).status, 0);
+    ASSERT_EQ(runCommand({"lp", "-i", std::to_string(moved), "-H", "resume"}).status, 0);
+    EXPECT_EQ(WaitForEnd(moved).state, 9) << jobStatus(moved).message;
+    EXPECT_EQ(Notes(moved), NoteSet{"moved"});
+    // A queue that holds what it gets holds the job, not its settings.
+    ASSERT_EQ(runCommand({"lpadmin", "-p", "Spare", "-o", "job-hold-until-default=indefinite"}).status, 0);
+    const int held = Submit("Spare", SendTicket("Spare", "held"));
+    ASSERT_EQ(runCommand({"lp", "-i", std::to_string(held), "-H", "resume"}).status, 0);
+    EXPECT_EQ(WaitForEnd(held).state, 9) << jobStatus(held).message;
+    EXPECT_EQ(Notes(held), NoteSet{"held"});
+}
+
+TEST_F(Tickets, SeveralDocumentsOfOneJobShareTheirTicket) {
+    AddQueue("Documents");
+    const std::string path = SendTicket("Documents", "both");
+    const CommandResult sent =
+        runCommand({"lp", "-d", "Documents", "-o", std::string(ticketPathSetting) + "=" + path,
+                    samplePath("plain.ps"), samplePath("plain.ps")});
+    ASSERT_EQ(sent.status, 0) << sent.errors;
+    const int job = std::stoi(sent.output.substr(sent.output.find("Documents-") + 10));
+    EXPECT_EQ(WaitForEnd(job).state, 9) << jobStatus(job).message;
+    const std::string printed = sandbox->Printed(job);
+    const std::size_t first = printed.find("%%ZANCustom1: both");
+    ASSERT_NE(first, std::string::npos);
+}
+
+// Kills filters of the sandbox's server at random while it lives.
+class FilterKiller {
+public:
+    explicit FilterKiller(const Sandbox& sandbox)
+        : children("/proc/" + pid(sandbox) + "/task/" + pid(sandbox) + "/children")
+        , worker([this] { Run(); }) {}
+    FilterKiller(const FilterKiller&) = delete;
+    FilterKiller& operator=(const FilterKiller&) = delete;
+    ~FilterKiller() { End(); }
+    // The jobs whose filters were killed.
+    std::set<int> End() {
+        isOver = true;
+        if (worker.joinable()) {
+            worker.join();
+        }
+        return jobs;
+    }
+
+private:
+    static std::string pid(const Sandbox& sandbox) {
+        return std::to_string(std::stoi(readFile(sandbox / "cupsd.pid")));
+    }
+    static std::string content(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    void Run() {
+        std::mt19937 random(1);
+        const int signals[] = {SIGKILL, SIGSEGV, SIGTERM};
+        std::map<int, unsigned> looks; // at each process, before it is killed; every tenth is, somewhere
+        while (!isOver) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            std::istringstream list(content(children));
+            for (int child = 0; list >> child;) {
+                const std::string folder = "/proc/" + std::to_string(child);
+                // The server's own name stands there until the program begins.
+                if (content(folder + "/comm") != "torkafilter\n") {
+                    continue;
+                }
+                unsigned& left =
+                    looks.try_emplace(child, random() % 10 == 0 ? 1 + random() % 8 : 0).first->second;
+                if (left == 0 || --left > 0) {
+                    continue;
+                }
+                std::istringstream words(content(folder + "/cmdline"));
+                std::string job;
+                std::getline(words, job, '\0'); // the queue's name
+                std::getline(words, job, '\0');
+                if (!job.empty() && kill(child, signals[random() % 3]) == 0) {
+                    jobs.insert(std::atoi(job.c_str()));
+                }
+            }
+        }
+    }
+
+    std::string children;
+    std::atomic<bool> isOver = false;
+    std::set<int> jobs;
+    std::thread worker;
+};
+
+// How many jobs; TORKA_MANY_JOBS tells another number.
+int manyJobs() {
+    const char* text = std::getenv("TORKA_MANY_JOBS");
+    return text == nullptr ? 60 : std::max(1, std::atoi(text));
+}
+
+TEST_F(Tickets, OfManyJobsAtOnceNoneCarriesAnothersSettings) {
+    constexpr int senders = 50;
+    const std::vector<std::string> queues{"Many1", "Many2", "Many3"};
+    for (const std::string& queue : queues) {
+        AddQueue(queue);
+    }
+    struct Sent {
+        std::string note;
+        CommandResult result;
+        int job = 0;
+    };
+    std::vector<Sent> jobs(static_cast<std::size_t>(manyJobs()));
+    std::atomic<std::size_t> next = 0;
+    FilterKiller killer(*sandbox);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < senders; ++i) {
+        threads.emplace_back([&] {
+            for (std::size_t at = next++; at < jobs.size(); at = next++) {
+                const std::string user = "person" + std::to_string(at % 4);
+                jobs[at].note = "job " + std::to_string(at) + " of " + user;
+                jobs[at].result = runCommand({"env", "CUPS_USER=" + user, TORKA_BINARY_DIR "/bin/torka",
+                                              "print", "-d", queues[at % queues.size()],
+                                              samplePath("plain.ps"), "Notes1=" + jobs[at].note});
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const std::set<int> killed = killer.End();
+    std::map<std::string, int> counts;
+    for (Sent& sent : jobs) {
+        ASSERT_TRUE(sent.result.output.starts_with("Job ")) << sent.result.output << sent.result.errors;
+        sent.job = std::stoi(sent.result.output.substr(4));
+        const NoteSet notes = Notes(sent.job);
+        const JobStatus status = jobStatus(sent.job);
+        EXPECT_TRUE(notes.empty() || notes == NoteSet{sent.note}) << sent.note << ": " << *notes.begin();
+        if (status.state == 9 && !notes.empty()) {
+            ++counts["whole"];
+        } else if (killed.contains(sent.job)) {
+            ++counts["killed"];
+        } else {
+            // The server calls a job whole whose filter it believes to have ended itself; any other says why.
+            EXPECT_EQ(status.state, 6) << sent.note;
+            EXPECT_NE(status.message.find("print settings of this job are missing"), std::string::npos)
+                << sent.note << ": " << status.message;
+            EXPECT_EQ(sandbox->Printed(sent.job), "");
+            ++counts["stopped"];
+        }
+    }
+    RecordProperty("whole", counts["whole"]);
+    RecordProperty("stopped with the reason", counts["stopped"]);
+    RecordProperty("killed", counts["killed"]);
+    EXPECT_GT(counts["whole"], 0);
+    EXPECT_GT(killed.size(), 0U) << "no filter was met";
+    std::cout << jobs.size() << " jobs: " << counts["whole"] << " whole, " << counts["stopped"]
+              << " stopped with their reason, " << counts["killed"] << " killed; " << killed.size()
+              << " filters killed\n";
+}
+
+} // namespace
+
+} // namespace torka::tests
