@@ -8,6 +8,7 @@
 #include "tests/apps/Tool.h"
 #include "tests/e2e/Sandbox.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -200,8 +201,11 @@ private:
         return std::to_string(std::stoi(readFile(sandbox / "cupsd.pid")));
     }
     static std::string content(const std::string& path) {
+        // A process that ended meanwhile gives an error, which an istreambuf_iterator would throw.
+        std::array<char, 4096> block{};
         std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        file.read(block.data(), block.size());
+        return {block.data(), static_cast<std::size_t>(file.gcount())};
     }
     void Run() {
         std::mt19937 random(1);
@@ -279,24 +283,21 @@ TEST_F(Tickets, OfManyJobsAtOnceNoneCarriesAnothersSettings) {
         ASSERT_TRUE(sent.result.output.starts_with("Job ")) << sent.result.output << sent.result.errors;
         sent.job = std::stoi(sent.result.output.substr(4));
         const NoteSet notes = Notes(sent.job);
-        const JobStatus status = jobStatus(sent.job);
+        // The server forgets jobs; what the sender was told counts.
+        const bool isCompleted = sent.result.status == 0;
         EXPECT_TRUE(notes.empty() || notes == NoteSet{sent.note}) << sent.note << ": " << *notes.begin();
-        if (status.state == 9 && !notes.empty()) {
+        if (isCompleted && !notes.empty()) {
             ++counts["whole"];
         } else if (killed.contains(sent.job)) {
             ++counts["killed"];
         } else {
-            // The server calls a job whole whose filter it believes to have ended itself; any other says why.
-            EXPECT_EQ(status.state, 6) << sent.note;
-            EXPECT_NE(status.message.find("print settings of this job are missing"), std::string::npos)
-                << sent.note << ": " << status.message;
-            EXPECT_EQ(sandbox->Printed(sent.job), "");
+            EXPECT_FALSE(isCompleted) << sent.note;
+            EXPECT_NE(sent.result.errors.find("print settings of this job are missing"), std::string::npos)
+                << sent.note << ": " << sent.result.errors;
+            EXPECT_TRUE(sandbox->Printed(sent.job).empty());
             ++counts["stopped"];
         }
     }
-    RecordProperty("whole", counts["whole"]);
-    RecordProperty("stopped with the reason", counts["stopped"]);
-    RecordProperty("killed", counts["killed"]);
     EXPECT_GT(counts["whole"], 0);
     EXPECT_GT(killed.size(), 0U) << "no filter was met";
     std::cout << jobs.size() << " jobs: " << counts["whole"] << " whole, " << counts["stopped"]
