@@ -1,5 +1,6 @@
 #include "bidi/BidiFilePaths.h"
 #include "bidi/SpoolerCommands.h"
+#include "bidi/TicketCommands.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/support/TestSupport.h"
 
@@ -53,6 +54,28 @@ TEST(Commands, RequestsComeApartAsTheyWereJoined) {
           "a::DELIMIT::b::DELIMIT::" + std::string(65536, 'c')}) {
         EXPECT_FALSE(parseUpdateRequest(refused)) << refused.substr(0, 80);
     }
+}
+
+// Title and text as they are given; only these two commands have an option, each other one has none.
+TEST(Commands, ATicketsNameTravelsWithBothItsCommands) {
+    const auto printer = std::make_shared<MemoryPrinter>();
+    const std::string path = "/Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+    const std::string list = "<plist>\\u6f22</plist>";
+    ASSERT_EQ(sendTicketAhead(printer, cfString(path), CFDataCreate(list.data(), list.size())), noErr);
+    deleteFileCommandToCFF(printer, "Office.open");
+    const std::vector<std::pair<std::string, std::string>> expected{
+        {"Command_PSTempFileName", path}, {"Command_WritePSTemp", "<plist>\xE6\xBC\xA2</plist>"}};
+    ASSERT_EQ(printer->sent.size(), 3U);
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(utf8Text(printer->sent[i].title), expected[i].first);
+        EXPECT_EQ(utf8Text(printer->sent[i].command), expected[i].second);
+        ASSERT_TRUE(printer->sent[i].options);
+        ASSERT_EQ(printer->sent[i].options->Pairs().size(), 1U);
+        const auto& [name, value] = printer->sent[i].options->Pairs().front();
+        EXPECT_EQ(utf8Text(name), ticketNameOption);
+        EXPECT_EQ(utf8Text(cfCast<CFString>(value)), path.substr(path.rfind('/') + 1));
+    }
+    EXPECT_FALSE(printer->sent[2].options);
 }
 
 TEST(Commands, AreSent) {
