@@ -12,7 +12,8 @@ namespace torka {
 
 // The string table of one store: every text once, known by its index, which never changes.
 //
-// Owns its texts. They end at their first NUL and are compared byte by byte.
+// Owns its texts, which stand one behind the other in blocks that never move. They end at their first NUL and
+// are compared byte by byte.
 class CStringSoup {
 public:
     CStringSoup();
@@ -31,16 +32,20 @@ public:
 
 private:
     struct Text {
-        std::unique_ptr<char[]> bytes;
-        std::size_t length = 0;
+        const char* bytes; // NUL-terminated, in a block
+        std::size_t length;
 
-        std::string_view View() const { return {bytes.get(), length}; }
+        std::string_view View() const { return {bytes, length}; }
     };
 
     std::int64_t Find(std::string_view text, std::uint64_t hash) const;
+    const char* Keep(std::string_view text);
 
     std::vector<Text> texts;
     PositionTable index;
+    std::vector<std::unique_ptr<char[]>> blocks;
+    char* next = nullptr; // the free part of the last block
+    std::size_t available = 0;
 };
 
 } // namespace torka

@@ -119,9 +119,7 @@ std::string_view PPDStream::TakeToken(const DelimiterSet& delimiters, bool trim)
     const char* const first = cursor;
     const char* const limit = cursor + std::min(lineLimit, Remaining().size());
     status = kStreamGood;
-    while (cursor != limit && !delimiters.EndsToken(*cursor)) {
-        ++cursor;
-    }
+    cursor = delimiters.FindEnd({first, static_cast<std::size_t>(limit - first)});
     std::string_view token(first, static_cast<std::size_t>(cursor - first));
     if (cursor != limit) {
         const char terminator = *cursor++;

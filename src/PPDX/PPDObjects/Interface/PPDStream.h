@@ -1,6 +1,7 @@
 #pragma once
 
-#include <array>
+#include "PPDX/PPDObjects/Interface/DelimiterSet.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -15,34 +16,6 @@ namespace torka {
 inline constexpr std::size_t kLineCapacity = 256;
 
 enum PPDStreamStatus : std::int32_t { kStreamGood = 0, kStreamBad = 1, kStreamEndOfFile = 2 };
-
-// A set of byte values, made at compile time where the characters are known.
-class DelimiterSet {
-public:
-    constexpr DelimiterSet(const char* characters) {
-        for (; characters != nullptr && *characters != '\0'; ++characters) {
-            Add(*characters);
-        }
-    }
-    constexpr void Add(char character) { kinds[static_cast<unsigned char>(character)] = delimiter; }
-    constexpr bool Contains(char character) const {
-        return kinds[static_cast<unsigned char>(character)] == delimiter;
-    }
-    // Delimiters and the ends of a line.
-    constexpr bool EndsToken(char character) const {
-        return kinds[static_cast<unsigned char>(character)] != inside;
-    }
-
-private:
-    enum Kind : unsigned char { inside, delimiter, lineEnd };
-    static constexpr std::array<Kind, 256> lineEndsOnly() {
-        std::array<Kind, 256> result{};
-        result['\n'] = result['\r'] = lineEnd;
-        return result;
-    }
-
-    std::array<Kind, 256> kinds = lineEndsOnly();
-};
 
 class PPDStream {
 public:

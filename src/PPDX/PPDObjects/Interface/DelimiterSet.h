@@ -1,0 +1,94 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace torka {
+
+// A set of byte values that end a token, made at compile time where the characters are known.
+//
+// Where the processor has 16-byte comparisons a token is searched by them, as far as the set is small.
+class DelimiterSet {
+public:
+    constexpr DelimiterSet(const char* characters) {
+        for (; characters != nullptr && *characters != '\0'; ++characters) {
+            Add(*characters);
+        }
+    }
+    constexpr void Add(char character) {
+        kinds[static_cast<unsigned char>(character)] = delimiter;
+        if (count < few.size()) {
+            few[count] = character;
+        }
+        ++count;
+    }
+    constexpr bool Contains(char character) const {
+        return kinds[static_cast<unsigned char>(character)] == delimiter;
+    }
+    // Delimiters and the ends of a line.
+    constexpr bool EndsToken(char character) const {
+        return kinds[static_cast<unsigned char>(character)] != inside;
+    }
+
+    // The first byte of the text that ends a token, or the end of the text.
+    const char* FindEnd(std::string_view text) const {
+        const char* at = text.data();
+        const char* const end = at + text.size();
+#ifdef __SSE2__
+        if (count <= few.size()) {
+            const Searched searched(few);
+            for (; end - at >= 16; at += 16) {
+                if (const int found = searched.Matches(at); found != 0) {
+                    return at + __builtin_ctz(static_cast<unsigned>(found));
+                }
+            }
+        }
+#endif
+        while (at != end && !EndsToken(*at)) {
+            ++at;
+        }
+        return at;
+    }
+
+private:
+    enum Kind : unsigned char { inside, delimiter, lineEnd };
+    static constexpr std::array<Kind, 256> lineEndsOnly() {
+        std::array<Kind, 256> result{};
+        result['\n'] = result['\r'] = lineEnd;
+        return result;
+    }
+    using Few = std::array<char, 3>;
+
+#ifdef __SSE2__
+    struct Searched {
+        explicit Searched(const Few& few)
+            : first(_mm_set1_epi8(few[0]))
+            , second(_mm_set1_epi8(few[1]))
+            , third(_mm_set1_epi8(few[2])) {}
+
+        // A bit for each of 16 bytes that ends a token.
+        int Matches(const char* bytes) const {
+            const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+            const __m128i ends = _mm_or_si128(_mm_cmpeq_epi8(text, _mm_set1_epi8('\n')),
+                                              _mm_cmpeq_epi8(text, _mm_set1_epi8('\r')));
+            const __m128i two = _mm_or_si128(_mm_cmpeq_epi8(text, first), _mm_cmpeq_epi8(text, second));
+            return _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(ends, two), _mm_cmpeq_epi8(text, third)));
+        }
+
+        __m128i first;
+        __m128i second;
+        __m128i third;
+    };
+#endif
+
+    std::array<Kind, 256> kinds = lineEndsOnly();
+    Few few{'\n', '\n', '\n'}; // the first delimiters; unused places repeat the end of a line
+    std::size_t count = 0;
+};
+
+} // namespace torka
