@@ -30,7 +30,8 @@ void addPopup(Json& json, PPDXPopupControl& popup) {
     json["default"] = jsonText(popup.GetDefaultKeyword());
     Json items = Json::array();
     for (_PopupItem* item = popup.FirstItem(); item != nullptr; item = popup.NextItem()) {
-        items.push_back({{"keyword", jsonText(item->keyword.Buffer())}, {"name", jsonText(item->localName)}});
+        items.push_back(
+            {{"keyword", jsonText(item->keyword.Buffer())}, {"name", jsonText(item->LocalName())}});
     }
     json["items"] = std::move(items);
 }

@@ -22,10 +22,9 @@ inline ControlDefinition definitionOf(const char* keyword, std::string_view ps =
     return definition;
 }
 
-inline std::unique_ptr<_PopupItem> itemOf(const char* keyword, std::string_view ps = {}) {
-    return std::make_unique<_PopupItem>(keyword, cfString(std::string("Name of ") + keyword),
-                                        reinterpret_cast<const unsigned char*>(ps.data()),
-                                        static_cast<long>(ps.size()));
+inline _PopupItem itemOf(const char* keyword, std::string_view ps = {}) {
+    return {keyword, cfString(std::string("Name of ") + keyword),
+            reinterpret_cast<const unsigned char*>(ps.data()), static_cast<long>(ps.size())};
 }
 
 inline PopupItems itemsOf(const std::vector<const char*>& keywords) {

@@ -21,7 +21,7 @@ protected:
         items.push_back(itemOf("A", "a\n"));
         items.push_back(itemOf("B", "b\n"));
         items.push_back(itemOf("C"));
-        items.back()->psLength = -1;
+        items.back().psLength = -1;
         return std::make_unique<PPDXPopupControl>(definitionOf(keyword, {}, &store), multiSelect, false,
                                                   std::move(items), preset);
     }

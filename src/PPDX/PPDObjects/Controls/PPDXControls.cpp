@@ -79,17 +79,13 @@ PPDXControls::~PPDXControls() {
 }
 
 template <class T>
-bool PPDXControls::AddTo(Kind<T>& kind, PPDXControl* control) {
-    auto* own = dynamic_cast<T*>(control);
-    if (!own) {
-        return false;
-    }
+void PPDXControls::AddTo(Kind<T>& kind, PPDXControl* control) {
+    auto* own = static_cast<T*>(control);
     kind.list.Add(own);
     ++kind.counts.total;
     kind.counts.orphans += std::size_t{own->IsOrphan()};
     kind.counts.hidden += std::size_t{!own->IsVisible()};
     kind.counts.hiddenOrphans += std::size_t{own->IsOrphan() && !own->IsVisible()};
-    return true;
 }
 
 void PPDXControls::Add(PPDXControl* control) {
@@ -97,9 +93,24 @@ void PPDXControls::Add(PPDXControl* control) {
         return;
     }
     all.Add(control);
-    static_cast<void>(AddTo(jobNotes, control) || AddTo(booleans, control) || AddTo(popups, control) ||
-                      AddTo(ranges, control) || AddTo(floatRanges, control) ||
-                      AddTo(customPageSizes, control) || AddTo(specialOptions, control));
+    switch (control->Type()) {
+    case CNTL_TYPE::none:
+        return;
+    case CNTL_TYPE::jobNote:
+        return AddTo(jobNotes, control);
+    case CNTL_TYPE::range:
+        return AddTo(ranges, control);
+    case CNTL_TYPE::floatRange:
+        return AddTo(floatRanges, control);
+    case CNTL_TYPE::boolean:
+        return AddTo(booleans, control);
+    case CNTL_TYPE::popup:
+        return AddTo(popups, control);
+    case CNTL_TYPE::specialOption:
+        return AddTo(specialOptions, control);
+    case CNTL_TYPE::customPageSize:
+        return AddTo(customPageSizes, control);
+    }
 }
 
 std::size_t PPDXControls::Count(const CountArray& counts) {

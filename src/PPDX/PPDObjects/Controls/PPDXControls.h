@@ -110,7 +110,7 @@ private:
     };
 
     template <class T>
-    static bool AddTo(Kind<T>& kind, PPDXControl* control);
+    static void AddTo(Kind<T>& kind, PPDXControl* control);
     static std::size_t Count(const CountArray& counts);
 
     Ownership ownership;

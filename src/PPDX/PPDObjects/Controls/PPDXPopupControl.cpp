@@ -18,36 +18,12 @@ constexpr std::array<std::string_view, 7> colourKeywords = {
     "*QVControlBar", "*QVSpotPriority", "*QVGrayOverride",
 };
 
-bool equals(const CString& text, const char* other) {
-    return text.Buffer() && std::strcmp(text.Buffer(), other) == 0;
-}
-
 // The field of item n: "item3.keyword".
 std::string itemField(std::size_t number, const char* field) {
     return "item" + std::to_string(number) + "." + field;
 }
 
 } // namespace
-
-_PopupItem::_PopupItem(const char* optionKeyword, CFStringRef name, const unsigned char* ps, long length)
-    : keyword(optionKeyword ? optionKeyword : "")
-    , localName(std::move(name))
-    , psData(ps)
-    , psLength(length) {}
-
-_PopupItem::~_PopupItem() = default;
-
-const char* _PopupItem::displayName() {
-    if (!displayNameCache) {
-        const std::size_t size = 4 * static_cast<std::size_t>(CFStringGetLength(localName)) + 1;
-        auto name = std::make_unique<char[]>(size);
-        if (size > 1) {
-            TextConverter::CFStringToCstring(localName, name.get(), static_cast<long>(size));
-        }
-        displayNameCache = std::move(name);
-    }
-    return displayNameCache.get();
-}
 
 PPDXPopupControl::PPDXPopupControl(const ControlDefinition& definition, bool isMultiSelect,
                                    bool isInstallable, PopupItems newItems, const char* newDefault)
@@ -67,9 +43,9 @@ PPDXPopupControl::PPDXPopupControl(Settings& settings, int index, const CString*
     while (const auto optionKeyword = record.Text(itemField(stored.size() + 1, "keyword"))) {
         const std::size_t number = stored.size() + 1;
         const auto ps = record.Text(itemField(number, "ps"));
-        stored.push_back(std::make_unique<_PopupItem>(
-            optionKeyword->c_str(), cfString(record.Text(itemField(number, "name")).value_or(*optionKeyword)),
-            ps ? KeepBytes(*ps) : nullptr, ps ? static_cast<long>(ps->size()) : 0));
+        stored.emplace_back(optionKeyword->c_str(),
+                            cfString(record.Text(itemField(number, "name")).value_or(*optionKeyword)),
+                            ps ? KeepBytes(*ps) : nullptr, ps ? static_cast<long>(ps->size()) : 0);
     }
     const auto storedDefault = record.Text("default");
     TakeItems(std::move(stored), storedDefault ? storedDefault->c_str() : nullptr);
@@ -77,8 +53,6 @@ PPDXPopupControl::PPDXPopupControl(Settings& settings, int index, const CString*
     ResetToDefaultValue();
     RestoreSelection(record);
 }
-
-PPDXPopupControl::~PPDXPopupControl() { DeleteItems(); }
 
 void PPDXPopupControl::Save(Settings& settings, const int& index) const {
     PPDXControl::Save(settings, index);
@@ -88,26 +62,21 @@ void PPDXPopupControl::Save(Settings& settings, const int& index) const {
     record.SetText("default", GetDefaultKeyword());
     record.SetInteger("defaultIndex", defaultIndexOverride);
     std::size_t number = 0;
-    std::size_t currentNumber = 0;
     std::string selected;
-    for (auto place = items.Begin(); place != items.End(); ++place) {
-        const auto* item = static_cast<const _PopupItem*>(*place);
+    for (const _PopupItem& item : items) {
         ++number;
-        record.SetText(itemField(number, "keyword"), item->keyword.Buffer());
-        record.SetText(itemField(number, "name"), std::string_view(utf8Text(item->localName)));
-        if (item->psLength > 0) {
-            record.SetText(itemField(number, "ps"), bytesView(item->psData, item->psLength));
+        record.SetText(itemField(number, "keyword"), item.keyword.Buffer());
+        record.SetText(itemField(number, "name"), std::string_view(utf8Text(item.LocalName())));
+        if (item.psLength > 0) {
+            record.SetText(itemField(number, "ps"), bytesView(item.psData, item.psLength));
         }
-        if (item->selected != 0) {
+        if (item.selected != 0) {
             selected += selected.empty() ? "" : " ";
             selected += std::to_string(number);
         }
-        if (item == *current) {
-            currentNumber = number;
-        }
     }
     record.SetText("selected", std::string_view(selected));
-    record.SetInteger("current", static_cast<std::int64_t>(currentNumber));
+    record.SetInteger("current", current == none ? 0 : static_cast<std::int64_t>(current) + 1);
 }
 
 void PPDXPopupControl::RestoreSelection(const StoredRecord& record) {
@@ -118,19 +87,18 @@ void PPDXPopupControl::RestoreSelection(const StoredRecord& record) {
     const int currentNumber = record.Index("current");
     std::string_view rest = *numbers;
     int number = 0;
-    for (auto place = items.Begin(); place != items.End(); ++place) {
-        auto* item = static_cast<_PopupItem*>(*place);
+    for (_PopupItem& item : items) {
         const std::string text = std::to_string(++number);
         const std::string_view word = rest.substr(0, rest.find(' '));
-        item->selected = word == text ? 1 : 0;
-        if (item->selected != 0) {
+        item.selected = word == text ? 1 : 0;
+        if (item.selected != 0) {
             rest.remove_prefix(std::min(word.size() + 1, rest.size()));
         }
         if (number == currentNumber) {
-            current = place;
+            current = static_cast<std::size_t>(number) - 1;
         }
     }
-    emitted = nullptr;
+    emitted = none;
     ReportValue();
 }
 
@@ -150,8 +118,8 @@ void PPDXPopupControl::Restore(Settings& settings, int index) {
         from = end + 1;
     }
     if (multiSelect != 0 || numbers->empty()) {
-        for (void* item : items) {
-            static_cast<_PopupItem*>(item)->selected = 0;
+        for (_PopupItem& item : items) {
+            item.selected = 0;
         }
     }
     for (const std::string& option : keywords) {
@@ -171,22 +139,20 @@ void PPDXPopupControl::ResetToDefaultValue() {
 }
 
 long PPDXPopupControl::PostScript(unsigned char* out) {
-    const auto* item = static_cast<const _PopupItem*>(*current);
-    if (!item) {
+    if (current == none) {
         return 0;
     }
-    if (!emitted) {
-        emitted = FindItem(item->keyword.Buffer());
+    if (emitted == none) {
+        emitted = PlaceOf(items[current].keyword.View());
     }
-    return ItemPostScript(emitted, out);
+    return ItemPostScript(&items[emitted], out);
 }
 
 CFStringRef PPDXPopupControl::CopyCurrentControlValueString() { return CopyCurrentControlValueStringUTF8(); }
 
 CFStringRef PPDXPopupControl::CopyCurrentControlValueStringUTF8() {
     const _PopupItem* item = ItemAt(GetValue());
-    return cfString(item ? std::string_view(item->keyword.Buffer(), item->keyword.Size())
-                         : std::string_view());
+    return cfString(item ? item->keyword.View() : std::string_view());
 }
 
 void PPDXPopupControl::SetCurrentControlWithCFString(CFStringRef text) {
@@ -196,17 +162,14 @@ void PPDXPopupControl::SetCurrentControlWithCFString(CFStringRef text) {
 }
 
 void PPDXPopupControl::SetCurrentControlWithText(const std::string& text, bool keepOthers) {
-    int number = 0;
-    for (const void* element : items) {
-        ++number;
-        if (equals(static_cast<const _PopupItem*>(element)->keyword, text.c_str())) {
-            if (keepOthers) {
-                SetKeywordSelect(text.c_str(), true);
-            } else {
-                SelectNumber(number, true);
-            }
-            return;
+    const std::size_t place = PlaceOf(text.c_str());
+    if (place != none) {
+        if (keepOthers) {
+            SetKeywordSelect(text.c_str(), true);
+        } else {
+            SelectNumber(static_cast<int>(place) + 1, true);
         }
+        return;
     }
     if (std::ranges::find(colourKeywords, std::string_view(Keyword() ? Keyword() : "")) ==
         colourKeywords.end()) {
@@ -217,29 +180,22 @@ void PPDXPopupControl::SetCurrentControlWithText(const std::string& text, bool k
         ResetToDefaultValue();
         return;
     }
-    AppendPopupItem(std::make_unique<_PopupItem>(text.c_str(), cfString(text), nullptr, 0));
-    SelectNumber(number + 1, true);
+    AppendPopupItem(_PopupItem(text.c_str(), cfString(text), nullptr, 0));
+    SelectNumber(static_cast<int>(items.size()), true);
 }
 
 _PopupItem* PPDXPopupControl::FirstItem() {
-    cursor = items.Begin();
+    cursor = 0;
     return NextItem();
 }
 
-_PopupItem* PPDXPopupControl::NextItem() {
-    if (cursor == items.End()) {
-        return nullptr;
-    }
-    auto* item = static_cast<_PopupItem*>(*cursor);
-    ++cursor;
-    return item;
-}
+_PopupItem* PPDXPopupControl::NextItem() { return cursor < items.size() ? &items[cursor++] : nullptr; }
 
 int PPDXPopupControl::GetValue() const {
     int number = 0;
-    for (const void* item : items) {
+    for (const _PopupItem& item : items) {
         ++number;
-        if (static_cast<const _PopupItem*>(item)->selected != 0) {
+        if (item.selected != 0) {
             return number;
         }
     }
@@ -249,14 +205,13 @@ int PPDXPopupControl::GetValue() const {
 void PPDXPopupControl::SetValue(int index) { SelectNumber(index, false); }
 
 void PPDXPopupControl::SelectNumber(int index, bool isFirstOfKeyword) {
-    int number = 0;
-    for (auto place = items.Begin(); place != items.End(); ++place) {
-        auto* item = static_cast<_PopupItem*>(*place);
-        item->selected = ++number == index ? 1 : 0;
-        if (number == index) {
-            current = place;
-            emitted = isFirstOfKeyword ? item : nullptr;
-        }
+    for (_PopupItem& item : items) {
+        item.selected = 0;
+    }
+    if (index > 0 && static_cast<std::size_t>(index) <= items.size()) {
+        current = static_cast<std::size_t>(index) - 1;
+        emitted = isFirstOfKeyword ? current : none;
+        items[current].selected = 1;
     }
     ReportValue();
 }
@@ -266,21 +221,18 @@ int PPDXPopupControl::DefaultValue() const {
     if (defaultIndexOverride != 0 && overrideCounts) {
         return defaultIndexOverride;
     }
-    if (!defaultKeyword || !defaultKeyword->Buffer()) {
-        return 0;
+    if (defaultItem != none) {
+        return static_cast<int>(defaultItem) + 1;
     }
-    int number = 0;
-    for (const void* item : items) {
-        ++number;
-        if (equals(static_cast<const _PopupItem*>(item)->keyword, defaultKeyword->Buffer())) {
-            return number;
-        }
-    }
-    return 0;
+    const std::size_t place = strayDefault ? PlaceOf(strayDefault->Buffer()) : none;
+    return place == none ? 0 : static_cast<int>(place) + 1;
 }
 
 const char* PPDXPopupControl::GetDefaultKeyword() const {
-    return defaultKeyword ? defaultKeyword->Buffer() : nullptr;
+    if (defaultItem != none) {
+        return items[defaultItem].keyword.Buffer();
+    }
+    return strayDefault ? strayDefault->Buffer() : nullptr;
 }
 
 long PPDXPopupControl::GetKeywordPSData(const char* option, unsigned char* out) {
@@ -291,31 +243,25 @@ long PPDXPopupControl::ItemPostScript(const _PopupItem* item, unsigned char* out
     if (!item) {
         return 0;
     }
-    const std::string_view option(item->keyword.Buffer(), item->keyword.Size());
-    return GeneratePSOutputData(out, item->psData, std::max(item->psLength, 0L), option, true);
+    return GeneratePSOutputData(out, item->psData, std::max(item->psLength, 0), item->keyword.View(), true);
 }
 
 const char* PPDXPopupControl::GetKeywordLocalName(const char* option) const {
-    _PopupItem* item = FindItem(option);
+    const _PopupItem* item = FindItem(option);
     return item ? item->displayName() : nullptr;
 }
 
 CFStringRef PPDXPopupControl::GetKeywordCFLocalName(const char* option) const {
     const _PopupItem* item = FindItem(option);
-    return item ? item->localName : nullptr;
+    return item ? item->LocalName() : nullptr;
 }
 
 const char* PPDXPopupControl::GetKeywordLocalNameAtIndex(int index) const {
-    _PopupItem* item = ItemAt(index);
+    const _PopupItem* item = ItemAt(index);
     return item ? item->displayName() : nullptr;
 }
 
-void PPDXPopupControl::AppendPopupItem(std::unique_ptr<_PopupItem> item) {
-    if (item) {
-        items.PushBack(item.get());
-        static_cast<void>(item.release()); // the list's now, deleted by DeleteItems
-    }
-}
+void PPDXPopupControl::AppendPopupItem(_PopupItem item) { items.push_back(std::move(item)); }
 
 bool PPDXPopupControl::IsKeywordSelected(const char* option) const {
     const _PopupItem* item = FindItem(option);
@@ -323,22 +269,22 @@ bool PPDXPopupControl::IsKeywordSelected(const char* option) const {
 }
 
 bool PPDXPopupControl::SetKeywordSelect(const char* option, bool select) {
-    if (!option || items.Empty()) {
+    if (!option || items.empty()) {
         return false;
     }
     bool found = false;
-    for (auto place = items.Begin(); place != items.End(); ++place) {
-        auto* item = static_cast<_PopupItem*>(*place);
-        if (equals(item->keyword, option)) {
-            emitted = found ? emitted : item;
+    for (std::size_t place = 0; place < items.size(); ++place) {
+        _PopupItem& item = items[place];
+        if (item.keyword.View() == option) {
+            emitted = found ? emitted : place;
             found = true;
-            item->selected = select ? 1 : 0;
+            item.selected = select ? 1 : 0;
             current = place;
             if (multiSelect != 0) {
                 break;
             }
         } else if (multiSelect == 0) {
-            item->selected = 0;
+            item.selected = 0;
         }
     }
     UpdateKVCache(Keyword(), option);
@@ -355,55 +301,36 @@ bool PPDXPopupControl::Rebuild(const char* option, PopupItems newItems, const ch
 }
 
 void PPDXPopupControl::ReportValue() const {
-    if (const auto* item = static_cast<const _PopupItem*>(*current)) {
-        UpdateKVCache(Keyword(), item->keyword.Buffer());
+    if (current != none) {
+        UpdateKVCache(Keyword(), items[current].keyword.Buffer());
     }
 }
 
-_PopupItem* PPDXPopupControl::FindItem(const char* option) const {
-    if (!option) {
-        return nullptr;
-    }
-    for (void* element : items) {
-        auto* item = static_cast<_PopupItem*>(element);
-        if (equals(item->keyword, option)) {
-            return item;
-        }
-    }
-    return nullptr;
+std::size_t PPDXPopupControl::PlaceOf(std::string_view option) const {
+    const auto isNamed = [option](const _PopupItem& item) { return item.keyword.View() == option; };
+    const auto found = std::ranges::find_if(items, isNamed);
+    return found == items.end() ? none : static_cast<std::size_t>(found - items.begin());
 }
 
-_PopupItem* PPDXPopupControl::ItemAt(int index) const {
-    int number = 0;
-    for (void* item : items) {
-        if (++number == index) {
-            return static_cast<_PopupItem*>(item);
-        }
-    }
-    return nullptr;
+const _PopupItem* PPDXPopupControl::FindItem(const char* option) const {
+    const std::size_t place = option ? PlaceOf(option) : none;
+    return place == none ? nullptr : &items[place];
+}
+
+const _PopupItem* PPDXPopupControl::ItemAt(int index) const {
+    const bool isThere = index > 0 && static_cast<std::size_t>(index) <= items.size();
+    return isThere ? &items[static_cast<std::size_t>(index) - 1] : nullptr;
 }
 
 void PPDXPopupControl::TakeItems(PopupItems newItems, const char* newDefault) {
     // The default's text may be one of the old items'.
     auto wanted = newDefault ? std::make_unique<CString>(newDefault) : nullptr;
-    DeleteItems();
-    for (auto& item : newItems) {
-        AppendPopupItem(std::move(item));
-    }
+    items = std::move(newItems);
+    cursor = 0;
+    current = emitted = none;
     defaultIndexOverride = 0;
-    const _PopupItem* item = wanted ? FindItem(wanted->Buffer()) : nullptr;
-    strayDefault = item ? nullptr : std::move(wanted);
-    defaultKeyword = item ? &item->keyword : strayDefault.get();
-}
-
-void PPDXPopupControl::DeleteItems() {
-    for (void* item : items) {
-        const std::unique_ptr<_PopupItem> owned(static_cast<_PopupItem*>(item));
-    }
-    items.MakeEmpty();
-    cursor = current = PointerListItr();
-    emitted = nullptr;
-    defaultKeyword = nullptr;
+    defaultItem = wanted ? PlaceOf(wanted->Buffer()) : none;
+    strayDefault = defaultItem == none ? std::move(wanted) : nullptr;
 }
 
 } // namespace torka

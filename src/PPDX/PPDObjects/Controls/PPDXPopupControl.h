@@ -1,27 +1,11 @@
 #pragma once
 
 #include "PPDX/PPDObjects/Controls/PPDXControl.h"
+#include "PPDX/PPDObjects/Controls/PopupItem.h"
 
 namespace torka {
 
 class StoredRecord;
-
-// One choice of a popup. Owns its texts; the PostScript bytes belong to the parser.
-struct _PopupItem {
-    _PopupItem(const char* optionKeyword, CFStringRef name, const unsigned char* ps, long length);
-    ~_PopupItem();
-    // The local name in the system encoding; valid as long as the item.
-    const char* displayName();
-
-    CString keyword;
-    CFStringRef localName;
-    const unsigned char* psData;
-    long psLength;
-    std::int32_t selected = 0;
-    std::unique_ptr<char[]> displayNameCache;
-};
-
-using PopupItems = std::vector<std::unique_ptr<_PopupItem>>;
 
 // A list of choices, one of which (PickOne) or several of which (PickMany) are selected. Owns its items.
 class PPDXPopupControl final : public PPDXControl {
@@ -30,7 +14,6 @@ public:
     PPDXPopupControl(const ControlDefinition& definition, bool multiSelect, bool installable,
                      PopupItems items, const char* defaultKeyword);
     PPDXPopupControl(Settings& settings, int index, const CString* prefix);
-    ~PPDXPopupControl() override;
 
     void Save(Settings& settings, const int& index) const override;
     void ResetToDefaultValue() override;
@@ -41,14 +24,15 @@ public:
     void SetCurrentControlWithCFString(CFStringRef text) override;
     bool IsInstallableOption() const override { return installable; }
 
-    std::size_t ItemCount() const { return items.Size(); }
+    std::size_t ItemCount() const { return items.size(); }
+    // Null at the end. Valid until an item is appended or the list is rebuilt.
     _PopupItem* FirstItem();
     _PopupItem* NextItem();
     // Every item in order, without moving that cursor: visit(const _PopupItem&).
     template <class Visit>
     void ForEachItem(Visit visit) const {
-        for (const void* item : items) {
-            visit(*static_cast<const _PopupItem*>(item));
+        for (const _PopupItem& item : items) {
+            visit(item);
         }
     }
     // Indexes count from 1; 0 is none.
@@ -64,7 +48,7 @@ public:
     CFStringRef GetKeywordCFLocalName(const char* keyword) const;
     const char* GetKeywordLocalNameAtIndex(int index) const;
     CFStringRef CopyCurrentControlValueStringUTF8();
-    void AppendPopupItem(std::unique_ptr<_PopupItem> item);
+    void AppendPopupItem(_PopupItem item);
     bool IsKeywordSelected(const char* keyword) const;
     bool CanSelectMultipleItems() const { return multiSelect != 0; }
     // Whether an item has the keyword.
@@ -75,10 +59,11 @@ public:
 
 private:
     void ReportValue() const override;
-    _PopupItem* FindItem(const char* keyword) const;
-    _PopupItem* ItemAt(int index) const;
+    // The place of the first item with that keyword, `none` without one.
+    std::size_t PlaceOf(std::string_view keyword) const;
+    const _PopupItem* FindItem(const char* keyword) const;
+    const _PopupItem* ItemAt(int index) const;
     void TakeItems(PopupItems newItems, const char* newDefault);
-    void DeleteItems();
     // `isFirstOfKeyword`: no earlier item has the keyword of that one.
     void SelectNumber(int index, bool isFirstOfKeyword);
     void RestoreSelection(const StoredRecord& record);
@@ -89,13 +74,15 @@ private:
     std::int32_t multiSelect;
     bool installable;
     std::int32_t defaultIndexOverride = 0;
-    const CString* defaultKeyword = nullptr; // an item's keyword, or `strayDefault`
-    PointerList items;                       // of _PopupItem*, owned
-    PointerListItr cursor;
-    PointerListItr current; // the item last selected, null before any
+    // Places in `items`, `none` for no item.
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+    std::size_t cursor = 0;
+    std::size_t current = none;     // the item last selected
+    std::size_t emitted = none;     // the item whose PostScript stands for `current`, none when not known
+    std::size_t defaultItem = none; // the first item with the default keyword
 
+    PopupItems items;
     std::unique_ptr<CString> strayDefault; // a default keyword that no item has
-    _PopupItem* emitted = nullptr; // the item whose PostScript stands for `current`, null when not known
 };
 
 } // namespace torka

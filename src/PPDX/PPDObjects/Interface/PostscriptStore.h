@@ -7,7 +7,7 @@
 
 namespace torka {
 
-// The PostScript bytes of one description, which its controls and choices point into.
+// The PostScript bytes of one description and the names of its choices, which its controls point into.
 //
 // Bytes never move and live as long as the store. Small values share blocks; a value that would waste much of
 // one gets a block of its own size.

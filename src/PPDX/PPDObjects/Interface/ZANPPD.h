@@ -212,6 +212,8 @@ private:
     static NamedToken TakeNamedToken(PPDStream& line, bool trimName = true);
     CFStringRef LocalName(const NamedToken& token, long line);
     CFStringRef Localized(std::string_view text, std::string_view keyword, long line);
+    void CheckText(std::string_view text, std::string_view keyword, long line);
+    ChoiceName NameOfChoice(const NamedToken& token, long line);
     PostscriptBytes TakePostscript(PPDStream& line);
 
     // Control definitions (ZANPPDControls.cpp)
@@ -277,6 +279,7 @@ private:
     HeaderValue versionMacQV;
     std::unordered_map<std::string, GroupName> groupNames; // while parsing: the first of each name
     std::vector<CollectedShortcut> collectedShortcuts;     // while parsing
+    PopupItems choiceRoom; // empty; kept from one choice block to the next for its room
     std::string dmtInjection;
     std::string dmtXmlData;
     std::vector<PPDXGroup*> orphanGroups;

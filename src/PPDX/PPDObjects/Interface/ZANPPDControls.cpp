@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <system_error>
 
@@ -220,9 +221,7 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
         }
     }
     const CFStringRef name = LocalName(named, blockLine);
-    if (block.kind != ChoiceBlock::Kind::boolean) {
-        block.items.reserve(16); // most blocks have fewer choices
-    }
+    block.items = std::move(choiceRoom);
     block.key = constraints->GetConstraintStrings()->Insert(draft.keyword);
     ReadBlock(draft.keyword, block);
     if (block.error) {
@@ -232,6 +231,8 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
     } else {
         FinishPopup(draft, block, name, blockLine);
     }
+    block.items.clear();
+    choiceRoom = std::move(block.items);
 }
 
 void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
@@ -286,14 +287,17 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
         return;
     }
     // Tokens point into the line, which the value's further lines leave alone.
-    constraints->KVSInsert(block.key, constraints->GetConstraintStrings()->Insert(option.token));
+    CStringSoup& strings = *constraints->GetConstraintStrings();
+    const std::int64_t identifier = strings.Insert(option.token);
+    constraints->KVSInsert(block.key, identifier);
     const PostscriptBytes value = TakePostscript(line);
-    const std::string keyword(option.token);
     if (block.kind != ChoiceBlock::Kind::boolean) {
-        block.items.push_back(std::make_unique<_PopupItem>(keyword.c_str(), LocalName(option, optionLine),
-                                                           value.bytes, value.length));
+        const std::string_view kept(strings.Find(identifier), option.token.size());
+        block.items.emplace_back(ChoiceKeyword(kept), NameOfChoice(option, optionLine), value.bytes,
+                                 value.length);
         return;
     }
+    const std::string keyword(option.token);
     if (keyword != "True" && keyword != "False") {
         if (!block.error) {
             block.error = {PPDErr_BooleanParsing, optionLine};
@@ -352,22 +356,25 @@ void ZANPPD::FinishPopup(ControlDraft& draft, ChoiceBlock& block, const CFString
     if (block.items.empty()) {
         Note(PPDLintKind::emptyBlock, line, draft.keyword);
     } else {
-        option = block.items.front()->keyword.Buffer();
+        option = block.items.front().keyword.View();
     }
     if (!block.defaultOption) {
         Report(PPDErr_NoDefaultValueFlag, draft.keyword, line);
     } else {
-        const auto named = [&](const auto& item) { return item->keyword == block.defaultOption->c_str(); };
-        if (std::any_of(block.items.begin(), block.items.end(), named)) {
+        const auto isNamed = [&](const _PopupItem& item) {
+            return item.keyword.View() == block.defaultOption->c_str();
+        };
+        if (std::ranges::any_of(block.items, isNamed)) {
             option = *block.defaultOption;
         } else {
             Note(PPDLintKind::unknownDefault, block.defaultLine, draft.keyword, *block.defaultOption);
         }
     }
+    PopupItems items(std::move_iterator(block.items.begin()), std::move_iterator(block.items.end()));
     SetupControl(draft.group,
-                 std::make_unique<PPDXPopupControl>(
-                     Define(draft, draft.keyword, name), block.kind == ChoiceBlock::Kind::pickMany,
-                     inInstallableOptions, std::move(block.items), option.c_str()),
+                 std::make_unique<PPDXPopupControl>(Define(draft, draft.keyword, name),
+                                                    block.kind == ChoiceBlock::Kind::pickMany,
+                                                    inInstallableOptions, std::move(items), option.c_str()),
                  true);
 }
 

@@ -40,14 +40,30 @@ CFStringRef ZANPPD::LocalName(const NamedToken& token, long line) {
     return Localized(token.hasName ? token.name : token.token, token.token, line);
 }
 
-// The text in the description's encoding; in UTF-8 while that is not known.
-CFStringRef ZANPPD::Localized(std::string_view text, std::string_view keyword, long line) {
-    TextConverter* converter = Converter();
+void ZANPPD::CheckText(std::string_view text, std::string_view keyword, long line) {
     if (lint) {
         lint->CheckText(line, keyword, text,
-                        converter ? TextConverter::GetPPDEncoding(this) : kCFStringEncodingUTF8);
+                        Converter() ? TextConverter::GetPPDEncoding(this) : kCFStringEncodingUTF8);
     }
+}
+
+// The text in the description's encoding; in UTF-8 while that is not known.
+CFStringRef ZANPPD::Localized(std::string_view text, std::string_view keyword, long line) {
+    CheckText(text, keyword, line);
+    TextConverter* converter = Converter();
     return converter ? converter->ConvertToCFString(text) : cfString(text);
+}
+
+// As LocalName, converted when it is asked for: with the encoding in force now, which a later line may
+// change.
+ChoiceName ZANPPD::NameOfChoice(const NamedToken& token, long line) {
+    const std::string_view text = token.hasName ? token.name : token.token;
+    if (text.empty() || !Converter()) {
+        return ChoiceName(LocalName(token, line));
+    }
+    CheckText(text, token.token, line);
+    const auto* const kept = reinterpret_cast<const char*>(postscript.Keep(text));
+    return {std::string_view(kept, text.size()), TextConverter::GetPPDEncoding(this)};
 }
 
 // The quoted PostScript that begins on the line, kept for the life of the description; empty when there is

@@ -136,9 +136,9 @@ bool ZANPPD::ReplacePopupItems(const char* keyword, std::span<const SuppliedPopu
     if (!popup) {
         return false;
     }
-    std::unordered_map<std::string_view, _PopupItem*> known;
-    for (_PopupItem* item = popup->FirstItem(); item; item = popup->NextItem()) {
-        known.try_emplace(item->keyword.Buffer(), item);
+    std::unordered_map<std::string_view, const _PopupItem*> known;
+    for (const _PopupItem* item = popup->FirstItem(); item; item = popup->NextItem()) {
+        known.try_emplace(item->keyword.View(), item);
     }
     PopupItems replacement;
     std::unordered_set<std::string_view> offered;
@@ -150,21 +150,20 @@ bool ZANPPD::ReplacePopupItems(const char* keyword, std::span<const SuppliedPopu
         const bool isKnown = before != known.end();
         CFStringRef name = item.localName;
         if (!name) {
-            name = isKnown ? before->second->localName : cfString(item.keyword);
+            name = isKnown ? before->second->LocalName() : cfString(item.keyword);
         }
-        replacement.push_back(std::make_unique<_PopupItem>(item.keyword.c_str(), name,
-                                                           isKnown ? before->second->psData : nullptr,
-                                                           isKnown ? before->second->psLength : 0));
+        replacement.emplace_back(item.keyword.c_str(), name, isKnown ? before->second->psData : nullptr,
+                                 isKnown ? before->second->psLength : 0);
     }
     if (replacement.empty()) {
         return false;
     }
-    for (const auto& item : replacement) {
-        if (!known.contains(item->keyword.Buffer())) {
-            constraints->KVSInsert(keyword, item->keyword.Buffer());
+    for (const _PopupItem& item : replacement) {
+        if (!known.contains(item.keyword.View())) {
+            constraints->KVSInsert(keyword, item.keyword.View());
         }
     }
-    const std::string first = replacement.front()->keyword.Buffer();
+    const std::string first(replacement.front().keyword.View());
     const bool offersDefault = defaultKeyword && offered.contains(defaultKeyword);
     const CFStringRef current = popup->CopyCurrentControlValueString();
     if (!popup->Rebuild(keyword, std::move(replacement), offersDefault ? defaultKeyword : first.c_str())) {
