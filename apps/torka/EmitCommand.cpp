@@ -107,7 +107,13 @@ ExitStatus emit(const EmitOptions& options) {
     platform::setSystem(std::make_unique<platform::PosixSystem>(systemOptions));
 
     const auto job = JobEmission::Make(options.emission);
-    if (!job || !job->Emit(EmissionPurpose::keepSettings)) {
+    if (!job) {
+        return ExitStatus::unusable;
+    }
+    if (!job->CheckNotes()) {
+        return ExitStatus::findings;
+    }
+    if (!job->Emit(EmissionPurpose::keepSettings)) {
         return ExitStatus::unusable;
     }
     if (!options.ticket.empty()) {

@@ -1,5 +1,6 @@
 #include "apps/torka/JobEmission.h"
 
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
 #include "output/BundleIdentifier.h"
@@ -70,6 +71,8 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
         .add_option("--orientation", options.orientation,
                     "1 portrait, 2 landscape, 3 and 4 the same upside down")
         ->check(CLI::Range(1, 4));
+    command.add_flag("--strict", options.isStrict,
+                     "Status 1, and nothing is written or sent, when a note breaks a rule of its own");
 }
 
 bool useFieldKeys(const std::string& path) {
@@ -142,6 +145,21 @@ void JobEmission::ApplyOptions() {
         watermarks.Append(std::make_unique<ZANWatermark>(options.watermark.c_str()));
         watermarks.Select(static_cast<int>(watermarks.Count()) - 1);
     }
+}
+
+bool JobEmission::CheckNotes() const {
+    bool areGood = true;
+    description->GetControls()->ForEach([&](PPDXControl* control) {
+        const auto* note = dynamic_cast<const PPDXJobNote*>(control);
+        if (note == nullptr || note->Keyword() == nullptr) {
+            return;
+        }
+        for (const BrokenNoteRule& rule : note->BrokenRules()) {
+            areGood = false;
+            warn(printable(jsonText(note->Keyword())) + " " + rule.Words());
+        }
+    });
+    return areGood || !options.isStrict;
 }
 
 bool JobEmission::Emit(EmissionPurpose purpose) {

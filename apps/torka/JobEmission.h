@@ -27,10 +27,11 @@ struct EmissionOptions {
     std::string printSettings;     // property list to restore from, "" for none
     std::string savePrintSettings; // where to write what a pane would store, "" for nowhere
     TwoWay twoWay = TwoWay::asKept;
+    bool isStrict = false; // a note that breaks a rule stops the job
 };
 
-// Adds SETTING, --watermark, --keys, --orientation, --settings, --save-settings and --two-way. The path of
-// the description is the command's own affair.
+// Adds SETTING, --watermark, --keys, --orientation, --settings, --save-settings, --two-way and --strict. The
+// path of the description is the command's own affair.
 void addEmissionOptions(CLI::App& command, EmissionOptions& options);
 // Reads the field keys that the command line names, or the installed ones, for the whole process. False, with
 // one line on standard error, when the named file is unusable; without an installed file nothing is said
@@ -53,6 +54,10 @@ public:
     // line on standard error, when something cannot be written. Fields that are left out for want of keys are
     // told on standard error.
     bool Emit(EmissionPurpose purpose);
+
+    // Tells the rules that the notes' texts break, one line on standard error each. False when there is one
+    // and the options are strict: the job is then not to be emitted.
+    bool CheckNotes() const;
 
     ZANPPD& Description() { return *description; }
     ZANJobTicket& Ticket() { return ticket; }

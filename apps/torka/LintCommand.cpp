@@ -43,6 +43,8 @@ std::string explain(const PPDLintNote& note) {
         return "the custom size line is not understood";
     case PPDLintKind::badNumber:
         return "\"" + note.text + "\" is not a number that can be used here";
+    case PPDLintKind::badDefaultNote:
+        return "the default text " + note.text;
     }
     return note.text;
 }

@@ -41,9 +41,9 @@ void addJobNote(Json& json, const PPDXJobNote& note) {
     json["maxLength"] = note.MaxLength();
     json["minLength"] = note.MinLength();
     Json words = Json::array();
-    for (std::size_t bit = 0; bit < jobNoteFlagWords.size(); ++bit) {
-        if ((note.NoteFlags() >> bit & 1U) != 0) {
-            words.push_back(std::string(jobNoteFlagWords[bit].word));
+    for (const JobNoteFlagRow& row : jobNoteFlags) {
+        if ((note.NoteFlags() & row.flag) != 0) {
+            words.push_back(std::string(row.word));
         }
     }
     json["noteFlags"] = std::move(words);

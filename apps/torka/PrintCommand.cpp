@@ -84,7 +84,13 @@ ExitStatus printFile(const PrintOptions& options) {
     EmissionOptions emission = options.emission;
     emission.description = CFURLCopyFileSystemPath(url);
     const auto settings = JobEmission::Make(emission, session);
-    if (!settings || !settings->Emit(EmissionPurpose::printJob)) {
+    if (!settings) {
+        return ExitStatus::unusable;
+    }
+    if (!settings->CheckNotes()) {
+        return ExitStatus::findings;
+    }
+    if (!settings->Emit(EmissionPurpose::printJob)) {
         return ExitStatus::unusable;
     }
     const CFStringRef ticket = settings->Ticket().FileName();

@@ -38,30 +38,6 @@ long copyText(std::string_view text, std::span<char> buffer) {
     return text.empty() ? 0 : static_cast<long>(text.size() + 1);
 }
 
-bool isLetterOrDigit(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-bool isTwoCharacterItem(std::string_view item) {
-    return item.size() == 2 && isLetterOrDigit(item[0]) && isLetterOrDigit(item[1]);
-}
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-bool isItemOrRange(std::string_view text) {
-    const std::size_t hyphen = text.find('-');
-    if (hyphen == std::string_view::npos) {
-        return isTwoCharacterItem(trimmed(text));
-    }
-    const std::string_view first = trimmed(text.substr(0, hyphen));
-    const std::string_view last = trimmed(text.substr(hyphen + 1));
-    return isTwoCharacterItem(first) && isTwoCharacterItem(last) && first <= last;
-}
-
 // Null without a description or the option.
 const PPDXSpecialOption* specialOption(const ZANPPD* description, const char* keyword) {
     const PPDXControls* controls = description == nullptr ? nullptr : description->GetControls();
@@ -102,17 +78,8 @@ void ZANJobNote::getKeyword(std::span<char> buffer) const {
 }
 
 bool ZANJobNote::checkRangeValues(std::string_view text) const {
-    if (!note->IsTwoCharFields() || trimmed(text).empty()) {
-        return true;
-    }
-    for (std::size_t start = 0; start <= text.size();) {
-        const std::size_t end = std::min(text.find(',', start), text.size());
-        if (!isItemOrRange(text.substr(start, end - start))) {
-            return false;
-        }
-        start = end + 1;
-    }
-    return true;
+    // Only ASCII characters can stand in an item, so bytes are as good as characters here.
+    return !note->IsTwoCharFields() || isTwoCharacterRanges(std::u16string(text.begin(), text.end()));
 }
 
 bool ZANJobNote::IsProtected() const { return note->IsEncrypt() || note->IsAESEncrypt(); }

@@ -36,9 +36,8 @@ public:
     // Copies the keyword as far as it fits, with a terminator.
     void getKeyword(std::span<char> buffer) const;
 
-    // Whether the text will do for a note of two-character fields: items of two letters or digits, or ranges
-    // of two such items with "-" between them and the second not before the first, separated by commas;
-    // blanks around items do not count. An empty text and every other note will do.
+    // Whether the text will do for a note of two-character fields, as isTwoCharacterRanges says. For every
+    // other note it will.
     bool checkRangeValues(std::string_view text) const;
 
     // Whether the description marks the note for enciphering.

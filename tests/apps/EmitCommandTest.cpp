@@ -117,6 +117,28 @@ TEST(EmitCommand, SavedSettingsGiveTheSameTicketAgainAndKeepNoSecret) {
     EXPECT_EQ(readFile(saved).find("secret"), std::string::npos);
 }
 
+TEST(EmitCommand, TellsNotesThatBreakARuleAndRefusesThemWhenStrict) {
+    const TemporaryFolder folder;
+    const std::string ticket = folder / "ticket.plist";
+    const std::string ppd = samplePath("torka-production.ppd");
+    const std::string told = "torka: *QVDSPassword must have at least 4 characters\n"
+                             "torka: *QVAccountId must not be empty\n"
+                             "torka: *QVAccountName must not hold a comma\n";
+    for (const bool isStrict : {true, false}) {
+        std::vector<std::string> command = {
+            "emit", ppd, "QVAccountId=", "QVAccountName=Smith, J", "QVDSPassword=471", "--ticket", ticket};
+        if (isStrict) {
+            command.emplace_back("--strict");
+        }
+        const CommandResult result = runTool(command);
+        EXPECT_EQ(result.errors, told);
+        EXPECT_EQ(result.status, isStrict ? 1 : 0);
+        EXPECT_EQ(result.output.empty(), isStrict);
+        EXPECT_EQ(std::filesystem::exists(ticket), !isStrict);
+    }
+    EXPECT_EQ(runTool({"emit", ppd, "--strict", "--ticket", ticket}).status, 0);
+}
+
 TEST(EmitCommand, CustomSizesAreRoundedOnlyWhenTheDescriptionAsks) {
     const Json rounded =
         runToolForJson({"emit", samplePath("torka-production.ppd"), "QVPrintSize=CustomPrintSize",

@@ -183,6 +183,11 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
     EXPECT_EQ(good.status, 0) << good.errors;
     EXPECT_NE(sandbox->Printed(jobNumber(good)), "");
     EXPECT_EQ(runTool({"print", "-d", "NoSuchQueue", samplePath("plain.ps")}).status, 2);
+    const CommandResult refused =
+        runTool({"print", "-d", "Strict", samplePath("plain.ps"), "QVAccountId=12", "--strict"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.output, "") << "no job";
+    EXPECT_EQ(refused.errors, "torka: *QVAccountId must have exactly 6 characters\n");
     EXPECT_EQ(runTool({"print", "-d", "Strict", samplePath("plain.ps"), "NoSuchKey=1"}).status, 2);
     EXPECT_EQ(
         runTool({"print", "-d", "Strict", samplePath("plain.ps"), "-o", "ZAN.PSData.x=/etc/passwd"}).status,

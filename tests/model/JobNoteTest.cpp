@@ -1,8 +1,10 @@
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include "tests/model/ModelFixtures.h"
+#include "tests/support/TestSupport.h"
 
 namespace torka {
 namespace {
@@ -63,6 +65,7 @@ TEST_F(JobNoteTest, FlagWordsAtEveryLevel) {
         {"AESEncrypt", 3, &PPDXJobNote::IsAESEncrypt, false},
         {"PopupJN", 3, &PPDXJobNote::IsPopupJN, false},
     };
+    static_assert(std::size(rows) == jobNoteFlags.size());
     std::uint32_t bit = 1;
     for (const Row& row : rows) {
         for (int level = 0; level <= 3; ++level) {
@@ -79,6 +82,105 @@ TEST_F(JobNoteTest, FlagWordsAtEveryLevel) {
             }
         }
         bit <<= 1;
+    }
+}
+
+// As the document shows a flag.
+std::string documented(const JobNoteFlagRow& row) {
+    const std::pair<NoteEffect, const char*> effects[] = {{NoteEffect::typing, "typing"},
+                                                          {NoteEffect::finishedText, "finished text"},
+                                                          {NoteEffect::field, "field"},
+                                                          {NoteEffect::job, "job"},
+                                                          {NoteEffect::none, "recorded only"}};
+    std::string characters;
+    for (const NoteCharacterKind& kind : noteCharacterKinds) {
+        if ((row.admits & kind.kind) != 0) {
+            characters += characters.empty() ? "" : " ";
+            characters += kind.characters.size() > 1 || kind.kind == noteBlank
+                              ? std::string(kind.name)
+                              : "`" + std::string(kind.name) + "`";
+        }
+    }
+    characters += row.unlessDecimal ? ", not with `Decimal`" : "";
+    const auto* const effect =
+        std::ranges::find(effects, row.effect, &std::pair<NoteEffect, const char*>::first);
+    return "| `" + std::string(row.word) + "` | " + std::to_string(row.level) + " | " + effect->second +
+           " | " + characters + " | " + std::string(row.meaning) + " |\n";
+}
+
+TEST_F(JobNoteTest, TheDocumentHasTheSameFlags) {
+    const std::string page = readFile(TORKA_SOURCE_DIR "/docs/extended-ppd.md");
+    std::string table = "| Word | Level | Takes effect | Characters | Meaning |\n|---|---|---|---|---|\n";
+    std::string limiting;
+    for (const JobNoteFlagRow& row : jobNoteFlags) {
+        table += documented(row);
+        limiting += row.typing == NoteTyping::limits ? "`" + std::string(row.word) + "`" : "";
+    }
+    EXPECT_NE(page.find(table + "\n"), std::string::npos) << table;
+    std::string sentence = page.substr(std::min(page.find("With none of "), page.size()));
+    sentence.resize(std::min(sentence.find(" a note accepts"), sentence.size()));
+    std::string named;
+    for (std::size_t at = sentence.find('`'); at != std::string::npos; at = sentence.find('`', at)) {
+        const std::size_t end = sentence.find('`', at + 1) + 1;
+        named += sentence.substr(at, end - at);
+        at = end;
+    }
+    EXPECT_EQ(named, limiting);
+}
+
+TEST_F(JobNoteTest, RulesThatFinishedTextsBreak) {
+    constexpr std::uint32_t everyRule =
+        jobNoteRequired | jobNoteLengthReq | jobNoteTwoCharField | jobNoteNoComma;
+    struct Case {
+        std::uint32_t flags;
+        int minLength;
+        const char* text;
+        const char* broken; // words after words
+    };
+    const Case cases[] = {
+        {0, 0, "", ""},
+        {0, 0, "123456", ""},
+        {0, 0, "1234567", "must have at most 6 characters;"},
+        {0, 0, "\u65e5\u65e5\u65e5\u65e5\u65e5\u65e5", ""},
+        {0, 0, "\U0001F600\U0001F600\U0001F600\U0001F600", "must have at most 6 characters;"},
+        {0, 4, "", ""},
+        {0, 4, "123", "must have at least 4 characters;"},
+        {0, 4, "1234", ""},
+        {jobNoteMinLength, 0, "1", ""},
+        {jobNoteMinLength, -3, "1", ""},
+        {jobNoteRequired, 4, "", "must not be empty;"},
+        {jobNoteRequired, 0, " ", ""},
+        {jobNoteLengthReq, 0, "", ""},
+        {jobNoteLengthReq, 0, "12345", "must have exactly 6 characters;"},
+        {jobNoteLengthReq, 0, "1234567", "must have exactly 6 characters;"},
+        {jobNoteLengthReq, 0, "123456", ""},
+        {jobNoteNoComma, 0, "a,b", "must not hold a comma;"},
+        {jobNoteNoComma | jobNoteMultiComma, 0, ",", "must not hold a comma;"},
+        {jobNoteTwoCharField, 0, "01-05", ""},
+        {jobNoteTwoCharField, 0, "5-1",
+         "must be items of two letters or digits, or ranges of them, as in 01-05,07;"},
+        {jobNoteTwoCharField, 0, "\u00e9\u00e9",
+         "must be items of two letters or digits, or ranges of them, as in 01-05,07;"},
+        {everyRule, 3, "1,",
+         "must have exactly 6 characters;must have at least 3 characters;must not hold a comma;must be items "
+         "of "
+         "two letters or digits, or ranges of them, as in 01-05,07;"},
+        {everyRule | jobNoteOnOffSwitch, 3, "1,", ""},
+        {everyRule | jobNoteOnOffSwitch, 3, "", ""},
+    };
+    std::uint32_t broken = 0;
+    for (const Case& each : cases) {
+        const PPDXJobNote note("*N", cfString("N"), nullptr, nullptr, 0, nullptr, 6, each.flags,
+                               each.minLength);
+        std::string words;
+        for (const BrokenNoteRule& rule : note.BrokenRules(cfString(each.text))) {
+            words += rule.Words() + ";";
+            broken |= rule.flag;
+        }
+        EXPECT_EQ(words, each.broken) << each.flags << ' ' << each.text;
+    }
+    for (const JobNoteFlagRow& row : jobNoteFlags) {
+        EXPECT_EQ((broken & row.flag) != 0, row.effect == NoteEffect::finishedText) << row.word;
     }
 }
 

@@ -219,5 +219,23 @@ TEST(ZANPPDLint, NotesTellKindLineAndText) {
     EXPECT_EQ(utf8Text(find(*model, "*Key")->CFStringUserName()), "Caf\xEF\xBF\xBD");
 }
 
+TEST(ZANPPDLint, ADefaultTextIsHeldToTheRulesOfItsNote) {
+    const auto noteText = [](const std::string& keyword, const std::string& declared, const char* text) {
+        return "*%ZANFlags *" + keyword + ":\n*%ZANGroup *" + keyword + ": Group\n*%ZANJobNote *" + keyword +
+               "/N: " + declared + "\n*%Default" + keyword + ": \"" + text + "\"\n";
+    };
+    PPDLint lint;
+    parseText(frame + noteText("Long", "4|NoComma", "a,b,c") + noteText("Empty", "4|Required", "") +
+                  noteText("Good", "4|LengthReq", "abcd"),
+              {.lint = &lint});
+    std::vector<std::string> notes;
+    for (const PPDLintNote& note : lint.Notes()) {
+        notes.push_back(std::to_string(note.line) + " " + ppdLintName(note.kind) + " " + note.keyword + " " +
+                        note.text);
+    }
+    EXPECT_THAT(notes, ElementsAre("14 badDefaultNote *Long must have at most 4 characters",
+                                   "14 badDefaultNote *Long must not hold a comma"));
+}
+
 } // namespace
 } // namespace torka::tests

@@ -22,22 +22,15 @@ void CustomizePaneController::greyoutShortcutControls(bool grey) {
 }
 
 bool CustomizePaneController::IsAlpha(UniChar character) {
-    return (character >= u'A' && character <= u'Z') || (character >= u'a' && character <= u'z');
+    return noteCharacterKind(character) == noteLetters;
 }
 
-bool CustomizePaneController::IsDigit(UniChar character) { return character >= u'0' && character <= u'9'; }
+bool CustomizePaneController::IsDigit(UniChar character) {
+    return noteCharacterKind(character) == noteDigits;
+}
 
 bool CustomizePaneController::IsValidKey(const PPDXJobNote& note, UniChar character) {
-    if (note.IsLCD()) { // the controller's panel shows these and no others
-        return IsDigit(character) || IsAlpha(character) || character == u',' || character == u'-' ||
-               character == u'.' || character == u'_';
-    }
-    return note.IsAnyText() || (character == u',' && note.IsMultiComma() && !note.IsDecimal()) ||
-           (character == u' ' && note.IsMultiSpace() && !note.IsDecimal()) ||
-           (character == u'-' && note.IsHyphen()) || (IsDigit(character) && note.IsNumeric()) ||
-           (IsAlpha(character) && note.IsAlpha()) || (character == u'-' && note.IsNegative()) ||
-           (character == u' ' && note.IsSpace()) ||
-           (note.IsDecimal() && (IsDigit(character) || character == u'.' || character == u','));
+    return isAdmittedCharacter(note.NoteFlags(), character);
 }
 
 bool CustomizePaneController::LimitTextLengthOfJobNoteControl(std::string_view keyword,

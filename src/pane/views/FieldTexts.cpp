@@ -134,22 +134,16 @@ QString noteRules(const PaneContext& context, const PPDXControl& control) {
         return {};
     }
     QStringList kinds;
-    const auto addKind = [&](bool allowed, const QString& kind) {
-        if (allowed && !kinds.contains(kind)) {
-            kinds.append(kind);
+    if (!takesAnyCharacter(note->NoteFlags())) {
+        const std::uint8_t admitted = admittedCharacters(note->NoteFlags());
+        for (const NoteCharacterKind& kind : noteCharacterKinds) {
+            if ((admitted & kind.kind) != 0) {
+                kinds.append(kind.kind == noteDigits    ? context.Say(words::allowedDigits)
+                             : kind.kind == noteLetters ? context.Say(words::allowedLetters)
+                             : kind.kind == noteBlank   ? context.Say(words::allowedSpaces)
+                                                        : qText(kind.name));
+            }
         }
-    };
-    const auto sign = [](const char* character) { return QString::fromLatin1(character); };
-    if (note->IsLCD() || !note->IsAnyText()) {
-        const bool lcd = note->IsLCD();
-        addKind(lcd || note->IsNumeric() || note->IsDecimal(), context.Say(words::allowedDigits));
-        addKind(lcd || note->IsAlpha(), context.Say(words::allowedLetters));
-        addKind(!lcd && (note->IsSpace() || (note->IsMultiSpace() && !note->IsDecimal())),
-                context.Say(words::allowedSpaces));
-        addKind(lcd || note->IsHyphen() || note->IsNegative(), sign("-"));
-        addKind(lcd || note->IsMultiComma() || note->IsDecimal(), sign(","));
-        addKind(lcd || note->IsDecimal(), sign("."));
-        addKind(lcd, sign("_"));
     }
     QStringList rules;
     if (!kinds.isEmpty()) {

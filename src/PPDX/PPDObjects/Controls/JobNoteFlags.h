@@ -1,14 +1,22 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace torka {
 
-// The flag words of a job note, and how a declaration's words become a flag word and a minimum length.
+// The flags of a job note: one row tells a flag's word, level, effect and characters. The parser, the note's
+// accessors, the pane, the tool and the table in docs/extended-ppd.md go by these rows.
+//
+// A new flag is an enumerator in JobNoteFlag and a row in jobNoteFlags; the assertions below fail for one
+// without the other, and a test compares the rows with the document.
 
 enum JobNoteFlag : std::uint32_t {
+    jobNoteNoFlag = 0,
     jobNoteAlpha = 1u << 0,
     jobNoteNumeric = 1u << 1,
     jobNoteDecimal = 1u << 2,
@@ -34,16 +42,285 @@ enum JobNoteFlag : std::uint32_t {
     jobNoteMinLength = 1u << 22,
     jobNoteUTF8 = 1u << 23,
     jobNoteAESEncrypt = 1u << 24,
-    jobNotePopupJN = 1u << 25
+    jobNotePopupJN = 1u << 25,
+    jobNoteFlagsEnd // one more than the last flag
 };
 
-struct JobNoteFlagWord {
+// Kinds of characters, as a set.
+enum NoteCharacters : std::uint8_t {
+    noteNoCharacters = 0,
+    noteDigits = 1u << 0,
+    noteLetters = 1u << 1, // of ASCII
+    noteBlank = 1u << 2,
+    noteHyphen = 1u << 3,
+    noteComma = 1u << 4,
+    notePeriod = 1u << 5,
+    noteUnderscore = 1u << 6
+};
+
+struct NoteCharacterKind {
+    NoteCharacters kind;
+    std::u16string_view characters;
+    std::string_view name; // in English; the character itself for kinds of one
+};
+
+// In the order in which a person reads them.
+inline constexpr std::array<NoteCharacterKind, 7> noteCharacterKinds = {{
+    {noteDigits, u"0123456789", "digits"},
+    {noteLetters, u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", "letters"},
+    {noteBlank, u" ", "blanks"},
+    {noteHyphen, u"-", "-"},
+    {noteComma, u",", ","},
+    {notePeriod, u".", "."},
+    {noteUnderscore, u"_", "_"},
+}};
+
+// What a flag does to the characters that may be typed.
+enum class NoteTyping : std::uint8_t {
+    free,     // nothing
+    limits,   // a note with such a flag takes only characters that its flags admit
+    joins,    // its characters join those of flags that limit; alone it leaves every character
+    replaces, // its characters and no others, whatever the other flags say
+};
+
+// Where a flag takes effect.
+enum class NoteEffect : std::uint8_t {
+    typing,       // on each character
+    finishedText, // on the text before it leaves: brokenNoteRules
+    field,        // on how the pane shows the note and keeps its text
+    job,          // on how the text goes into the job
+    none,         // the flag is recorded only
+};
+
+struct JobNoteFlagRow {
+    JobNoteFlag flag;
     std::string_view word;
     int level; // lowest extension-support level that takes the word
+    NoteEffect effect;
+    std::string_view meaning;             // for the author of a description
+    std::string_view rule = {};           // what a finished text that breaks it must do; "%1" is a length
+    NoteTyping typing = NoteTyping::free; // the rest is about typed characters
+    std::uint8_t admits = noteNoCharacters;
+    bool unlessDecimal = false; // admits nothing beside "Decimal"
 };
 
+inline constexpr std::uint8_t lcdCharacters =
+    noteDigits | noteLetters | noteHyphen | noteComma | notePeriod | noteUnderscore;
+
 // In bit order: entry n stands for bit n.
-extern const std::array<JobNoteFlagWord, 26> jobNoteFlagWords;
+inline constexpr std::array<JobNoteFlagRow, 26> jobNoteFlags = {{
+    {.flag = jobNoteAlpha,
+     .word = "Alpha",
+     .level = 0,
+     .effect = NoteEffect::typing,
+     .meaning = "letters allowed",
+     .typing = NoteTyping::limits,
+     .admits = noteLetters},
+    {.flag = jobNoteNumeric,
+     .word = "Numeric",
+     .level = 0,
+     .effect = NoteEffect::typing,
+     .meaning = "digits allowed",
+     .typing = NoteTyping::limits,
+     .admits = noteDigits},
+    {.flag = jobNoteDecimal,
+     .word = "Decimal",
+     .level = 0,
+     .effect = NoteEffect::typing,
+     .meaning = "a decimal number",
+     .typing = NoteTyping::limits,
+     .admits = noteDigits | notePeriod | noteComma},
+    {.flag = jobNoteRequired,
+     .word = "Required",
+     .level = 0,
+     .effect = NoteEffect::finishedText,
+     .meaning = "may not be empty",
+     .rule = "must not be empty"},
+    {.flag = jobNoteRemembered,
+     .word = "Remembered",
+     .level = 0,
+     .effect = NoteEffect::field,
+     .meaning = "kept between jobs, when it is also `PopupJN` and holds no secret"},
+    {.flag = jobNotePassword,
+     .word = "Password",
+     .level = 0,
+     .effect = NoteEffect::field,
+     .meaning = "masked entry; kept nowhere"},
+    {.flag = jobNoteAlwaysDisplay,
+     .word = "AlwaysDisplay",
+     .level = 0,
+     .effect = NoteEffect::none,
+     .meaning = "always shown"},
+    {.flag = jobNoteResume,
+     .word = "Resume",
+     .level = 0,
+     .effect = NoteEffect::none,
+     .meaning = "needed to resume a held job"},
+    {.flag = jobNoteMember,
+     .word = "Member",
+     .level = 0,
+     .effect = NoteEffect::none,
+     .meaning = "belongs to a set of fields"},
+    {.flag = jobNoteOnOffSwitch,
+     .word = "OnOfSwitch",
+     .level = 1,
+     .effect = NoteEffect::field,
+     .meaning = "an on/off switch (spelled so); no rule on texts applies"},
+    {.flag = jobNoteLengthReq,
+     .word = "LengthReq",
+     .level = 1,
+     .effect = NoteEffect::finishedText,
+     .meaning = "exactly MAXLEN characters, or none",
+     .rule = "must have exactly %1 characters"},
+    {.flag = jobNoteSecPrint,
+     .word = "SecPrint",
+     .level = 1,
+     .effect = NoteEffect::none,
+     .meaning = "secure-print code"},
+    {.flag = jobNoteCommand,
+     .word = "Command",
+     .level = 2,
+     .effect = NoteEffect::none,
+     .meaning = "sent as a command"},
+    {.flag = jobNoteSpace,
+     .word = "Space",
+     .level = 2,
+     .effect = NoteEffect::typing,
+     .meaning = "a blank allowed",
+     .typing = NoteTyping::limits,
+     .admits = noteBlank},
+    {.flag = jobNoteNegative,
+     .word = "Negative",
+     .level = 2,
+     .effect = NoteEffect::typing,
+     .meaning = "a minus sign allowed",
+     .typing = NoteTyping::limits,
+     .admits = noteHyphen},
+    {.flag = jobNoteEncrypt,
+     .word = "Encrypt",
+     .level = 3,
+     .effect = NoteEffect::job,
+     .meaning = "enciphered in the job"},
+    {.flag = jobNoteMultiSpace,
+     .word = "MultiSpace",
+     .level = 3,
+     .effect = NoteEffect::typing,
+     .meaning = "several blanks allowed",
+     .typing = NoteTyping::limits,
+     .admits = noteBlank,
+     .unlessDecimal = true},
+    {.flag = jobNoteMultiComma,
+     .word = "MultiComma",
+     .level = 3,
+     .effect = NoteEffect::typing,
+     .meaning = "several commas allowed",
+     .typing = NoteTyping::limits,
+     .admits = noteComma,
+     .unlessDecimal = true},
+    {.flag = jobNoteLCD,
+     .word = "LCD",
+     .level = 3,
+     .effect = NoteEffect::typing,
+     .meaning = "only what the controller's panel can show",
+     .typing = NoteTyping::replaces,
+     .admits = lcdCharacters},
+    {.flag = jobNoteHyphen,
+     .word = "Hyphen",
+     .level = 3,
+     .effect = NoteEffect::typing,
+     .meaning = "a hyphen allowed",
+     .typing = NoteTyping::joins,
+     .admits = noteHyphen},
+    {.flag = jobNoteTwoCharField,
+     .word = "TwoCharField",
+     .level = 3,
+     .effect = NoteEffect::finishedText,
+     .meaning = "items of two letters or digits, or ranges of them, as in `01-05,07`",
+     .rule = "must be items of two letters or digits, or ranges of them, as in 01-05,07"},
+    {.flag = jobNoteNoComma,
+     .word = "NoComma",
+     .level = 3,
+     .effect = NoteEffect::finishedText,
+     .meaning = "a comma forbidden",
+     .rule = "must not hold a comma"},
+    {.flag = jobNoteMinLength,
+     .word = "MinLength",
+     .level = 3,
+     .effect = NoteEffect::finishedText,
+     .meaning = "a minimum length is kept; see below",
+     .rule = "must have at least %1 characters"},
+    {.flag = jobNoteUTF8, .word = "UTF8", .level = 3, .effect = NoteEffect::job, .meaning = "sent as UTF-8"},
+    {.flag = jobNoteAESEncrypt,
+     .word = "AESEncrypt",
+     .level = 3,
+     .effect = NoteEffect::job,
+     .meaning = "enciphered with AES rather than DES"},
+    {.flag = jobNotePopupJN,
+     .word = "PopupJN",
+     .level = 3,
+     .effect = NoteEffect::field,
+     .meaning = "asked for in a dialog before printing"},
+}};
+
+// What MAXLEN asks of a text. It is no flag: every note has one.
+inline constexpr std::string_view maximumLengthRule = "must have at most %1 characters";
+
+// The flags that limit which characters may be typed.
+constexpr std::uint32_t limitingNoteFlags() {
+    std::uint32_t flags = 0;
+    for (const JobNoteFlagRow& row : jobNoteFlags) {
+        flags |= row.typing == NoteTyping::limits ? row.flag : 0U;
+    }
+    return flags;
+}
+
+static_assert([] {
+    for (std::size_t bit = 0; bit < jobNoteFlags.size(); ++bit) {
+        const JobNoteFlagRow& row = jobNoteFlags[bit];
+        if (row.flag != 1U << bit || row.rule.empty() == (row.effect == NoteEffect::finishedText) ||
+            (row.typing == NoteTyping::free) == (row.effect == NoteEffect::typing) ||
+            (row.typing == NoteTyping::free) != (row.admits == noteNoCharacters)) {
+            return false;
+        }
+    }
+    return true;
+}());
+static_assert(jobNoteFlags.back().flag + 1U == jobNoteFlagsEnd);
+static_assert(limitingNoteFlags() == 0x36007);
+
+// REQUIRES: one flag.
+const JobNoteFlagRow& jobNoteFlagRow(JobNoteFlag flag);
+// No flag limits the characters, and none replaces them.
+bool takesAnyCharacter(std::uint32_t flags);
+// The kinds of characters that may be typed into a note that does not take any character.
+std::uint8_t admittedCharacters(std::uint32_t flags);
+// noteNoCharacters for a UTF-16 unit of none of the kinds.
+NoteCharacters noteCharacterKind(char16_t unit);
+// Whether the UTF-16 unit may be typed into a note with these flags.
+bool isAdmittedCharacter(std::uint32_t flags, char16_t unit);
+
+// What a note's declaration says about its finished text. Lengths are in UTF-16 units.
+struct NoteLimits {
+    std::uint32_t flags = 0; // of JobNoteFlag
+    std::int64_t maxLength = 0;
+    std::int64_t minLength = 0; // a negative one counts as none
+};
+
+struct BrokenNoteRule {
+    JobNoteFlag flag;    // whose rule it is; jobNoteNoFlag for MAXLEN
+    std::int64_t length; // the length that the rule names, 0 for none
+
+    // In English, to follow the note's name: "must have at least 4 characters".
+    std::string Words() const;
+};
+
+// The rules that a finished text breaks, none for one that may go with a job. An empty text breaks only
+// "Required"; a minimum length holds without the bit of "MinLength"; an on/off switch breaks none. Which
+// characters may be typed is not asked again.
+std::vector<BrokenNoteRule> brokenNoteRules(const NoteLimits& limits, std::u16string_view text);
+// Items of two letters or digits, or ranges of two such items with "-" between them and the second not before
+// the first, separated by commas; blanks around items do not count. An empty or blank text will do.
+bool isTwoCharacterRanges(std::u16string_view text);
 
 // Collects the flag words of one declaration.
 class JobNoteFlagReader {

@@ -169,11 +169,13 @@ void PPDXJobNote::SetDefaultNotes(const char* text) {
              : nullptr;
 }
 
-bool PPDXJobNote::IsAnyText() const {
-    constexpr std::uint32_t characterKinds = jobNoteAlpha | jobNoteNumeric | jobNoteDecimal | jobNoteSpace |
-                                             jobNoteNegative | jobNoteMultiSpace | jobNoteMultiComma;
-    static_assert(characterKinds == 0x36007);
-    return (noteFlags & characterKinds) == 0;
+bool PPDXJobNote::IsAnyText() const { return (noteFlags & limitingNoteFlags()) == 0; }
+
+std::vector<BrokenNoteRule> PPDXJobNote::BrokenRules() const { return BrokenRules(CopyNotes()); }
+
+std::vector<BrokenNoteRule> PPDXJobNote::BrokenRules(const CFStringRef& text) const {
+    return brokenNoteRules({noteFlags, maxLength, minLength},
+                           text ? std::u16string_view(text->units) : std::u16string_view());
 }
 
 long PPDXJobNote::ConverterUses() { return sharedConverter.use_count(); }

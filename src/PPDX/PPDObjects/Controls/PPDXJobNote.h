@@ -9,8 +9,8 @@ class JobNoteConverter;
 class StoredRecord;
 
 // A free-text field of the job. The text is kept as bytes in the encoding that
-// CString::operator=(CFStringRef) chooses, or in UTF-8 when it came through SetUTF8Notes. Lengths count
-// characters as declared; nothing here holds a text to them.
+// CString::operator=(CFStringRef) chooses, or in UTF-8 when it came through SetUTF8Notes. Lengths are as
+// declared; nothing here holds a text to them: BrokenRules tells.
 class PPDXJobNote final : public PPDXControl {
 public:
     // A job note is visible and has no control flags. `defaultNotes` may be null and is copied.
@@ -78,8 +78,12 @@ public:
     bool IsUTF8() const { return Has(jobNoteUTF8); }
     bool IsAESEncrypt() const { return Has(jobNoteAESEncrypt); }
     bool IsPopupJN() const { return Has(jobNotePopupJN); }
-    // None of the flags that name kinds of characters is set.
+    // None of the flags that limit the characters is set.
     bool IsAnyText() const;
+
+    // The rules that the current text breaks, and those that another one would break.
+    std::vector<BrokenNoteRule> BrokenRules() const;
+    std::vector<BrokenNoteRule> BrokenRules(const CFStringRef& text) const;
 
     // How many job notes share the process's converter now.
     static long ConverterUses();

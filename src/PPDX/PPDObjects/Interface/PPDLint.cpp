@@ -51,6 +51,8 @@ const char* ppdLintName(PPDLintKind kind) {
         return "badCustomSize";
     case PPDLintKind::badNumber:
         return "badNumber";
+    case PPDLintKind::badDefaultNote:
+        return "badDefaultNote";
     }
     return "";
 }

@@ -28,7 +28,8 @@ enum class PPDLintKind {
     unclosedQuote,            // a value without its closing quote
     unreadableByte,           // a line with a byte NUL or 0xFF, at which its text ends
     badCustomSize,            // a custom page size line that is not understood
-    badNumber                 // a number of a range or a length of a job note that is none
+    badNumber,                // a number of a range or a length of a job note that is none
+    badDefaultNote            // a job note's default text that breaks a rule of the note
 };
 
 // "unknownJobNoteFlag" and so on.

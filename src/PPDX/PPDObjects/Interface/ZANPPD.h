@@ -248,6 +248,7 @@ private:
     // Job notes (ZANPPDJobNotes.cpp)
     void ParseJobNote(PPDStream& line, ControlDraft* draft);
     bool ReadNoteFlags(PPDStream& line, std::string_view keyword, JobNoteFlagReader& flags);
+    void CheckDefaultNote(const PPDXJobNote& note, long line);
 
     // Constraints and special options (ZANPPDConstraints.cpp)
     void ParseConstraint(PPDStream& line, bool isRequirement);

@@ -71,11 +71,19 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     }
     // A note may stand in any kind of group.
     if (HasPlace(*draft, draft->keyword, false)) {
-        SetupControl(draft->group,
-                     std::make_unique<PPDXJobNote>(definition,
-                                                   defaultNotes.Buffer() ? &defaultNotes : nullptr, maxLength,
-                                                   flags.Flags(), flags.MinLength()),
-                     false);
+        auto note = std::make_unique<PPDXJobNote>(definition, defaultNotes.Buffer() ? &defaultNotes : nullptr,
+                                                  maxLength, flags.Flags(), flags.MinLength());
+        CheckDefaultNote(*note, noteLine);
+        SetupControl(draft->group, std::move(note), false);
+    }
+}
+
+// A note without a default text is left for a person to fill in.
+void ZANPPD::CheckDefaultNote(const PPDXJobNote& note, long line) {
+    if (note.GetDefaultNotes() != nullptr) {
+        for (const BrokenNoteRule& rule : note.BrokenRules()) {
+            Note(PPDLintKind::badDefaultNote, line, note.Keyword(), rule.Words());
+        }
     }
 }
 
