@@ -20,7 +20,7 @@ packages=(
     avahi-daemon avahi-utils dbus iproute2 procps
 )
 # Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer
-developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev)
+developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3-clang-14)
 if [ "${1:-}" = "--developer" ]; then
     packages+=("${developer[@]}")
 fi

@@ -1,7 +1,5 @@
 #pragma once
 
-/* In C an empty list says nothing of the arguments: NOLINTBEGIN(modernize-redundant-void-arg) */
-
 /* The Job Properties module interface: what a module library exports, and what it may ask of the print
  * dialog's pane. For C (99) and C++; includes nothing but standard headers. docs/job-properties-module.md
  * tells the course of a session.
@@ -39,7 +37,8 @@
 #include <stdint.h>
 #include <wchar.h>
 
-/* C means by "(void)" what C++ means by "()". NOLINTBEGIN(modernize-redundant-void-arg) */
+/* In C an empty list says nothing of the arguments, "(void)" says that there are none.
+ * NOLINTBEGIN(modernize-redundant-void-arg) */
 
 #ifdef __cplusplus
 extern "C" {
