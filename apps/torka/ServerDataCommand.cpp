@@ -1,5 +1,6 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/Description.h"
+#include "apps/torka/QueueServerData.h"
 #include "apps/torka/TextTable.h"
 #include "bidi/CFileHdlr.h"
 #include "bidi/JobPropertiesModule.h"
@@ -18,6 +19,8 @@ namespace {
 
 struct ServerDataOptions {
     std::string path;
+    std::string queue;
+    std::string address;
     bool json = false;
 };
 
@@ -244,12 +247,20 @@ void printJson(ServerDataFile& file) {
 
 ExitStatus showServerData(const ServerDataOptions& options) {
     std::string content;
-    if (const std::error_code error = platform::system().ReadFile(options.path, maximumDataFile, content)) {
+    if (!options.queue.empty()) {
+        const std::optional<std::string> answer = queueServerData(options.queue, options.address);
+        if (!answer) {
+            return ExitStatus::unusable;
+        }
+        content = *answer;
+    } else if (const std::error_code error =
+                   platform::system().ReadFile(options.path, maximumDataFile, content)) {
         return unusable(options.path + ": cannot be read: " + error.message());
     }
-    ServerDataFile file(options.path, content);
+    const std::string& source = options.queue.empty() ? options.path : options.queue;
+    ServerDataFile file(source, content);
     if (!file.HasRecords()) {
-        return unusable(options.path + ": holds no records; a two-way data file is expected");
+        return unusable(source + ": holds no records; a two-way data file is expected");
     }
     if (options.json) {
         printJson(file);
@@ -262,10 +273,17 @@ ExitStatus showServerData(const ServerDataOptions& options) {
 } // namespace
 
 void addServerDataCommand(CLI::App& app, ExitStatus& status) {
-    CLI::App* command =
-        app.add_subcommand("serverdata", "Trays, toner, presets and server of a two-way data file");
+    CLI::App* command = app.add_subcommand(
+        "serverdata", "Trays, toner, presets and server of a two-way data file or a queue's controller");
     const auto options = std::make_shared<ServerDataOptions>();
-    command->add_option("FILE", options->path, "Two-way data file")->required();
+    CLI::Option_group* source = command->add_option_group("source");
+    source->add_option("FILE", options->path, "Two-way data file");
+    CLI::Option* queue = source->add_option("-d,--queue", options->queue,
+                                            "Queue whose filter is asked for its controller's data");
+    source->require_option(1);
+    command
+        ->add_option("--address", options->address, "Address of the controller; default: the device's host")
+        ->needs(queue);
     command->add_flag("--json", options->json, "As JSON");
     command->callback([options, &status] { status = showServerData(*options); });
 }

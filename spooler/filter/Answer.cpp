@@ -2,20 +2,13 @@
 
 #include "bidi/BidiDataFile.h"
 #include "bidi/BidiFilePaths.h"
-#include "bidi/CPPDMsgHdlr.h"
 #include "bidi/RecordWriter.h"
-#include "platform/System.h"
 #include "spooler/filter/PrivateFolder.h"
+#include "spooler/filter/QueueRecords.h"
 #include "spooler/filter/TicketStore.h"
+#include "spooler/filter/TwoWayFolder.h"
 
-#include <csignal>
-#include <cstdlib>
-#include <cups/ppd.h>
-#include <filesystem>
-#include <memory>
-
-// The library marks its PPD calls as deprecated; there are no others for a PPD's attributes.
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+#include <ctime>
 
 namespace torka::filter {
 
@@ -25,28 +18,6 @@ constexpr std::string_view addressRecord = "QVInvalidPrinterAddress";
 constexpr std::string_view reportPrefix = "ConnectionErrorInfoFile";
 constexpr std::string_view reportSuffix = ".txt";
 constexpr unsigned everybodyReads = 0644;
-constexpr unsigned everybodyPasses = 0755;
-
-struct ClosePPD {
-    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
-};
-
-// A cancelled job ends the filter after what it is writing, so that no lock stays behind.
-class TerminationLater {
-public:
-    TerminationLater() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGTERM);
-        sigprocmask(SIG_BLOCK, &signals, &before);
-    }
-    TerminationLater(const TerminationLater&) = delete;
-    TerminationLater& operator=(const TerminationLater&) = delete;
-    ~TerminationLater() { sigprocmask(SIG_SETMASK, &before, nullptr); }
-
-private:
-    sigset_t before{};
-};
 
 // One line a chunk. False when a record was refused; the others are there.
 bool addDataRecord(std::string_view name, std::string_view payload, std::string& text) {
@@ -56,9 +27,29 @@ bool addDataRecord(std::string_view name, std::string_view payload, std::string&
                         });
 }
 
-std::string dataFileText(const std::string& requestIdentifier, const std::vector<ControllerRecord>& records) {
+// What decides the answer. "" for a request on behalf of a named user: its answer serves nobody else.
+std::string decidingText(const AskedBy& asked) {
+    std::vector<RequestLine> lines;
+    if (!asked.language.empty()) {
+        lines.emplace_back("locale", asked.language);
+    }
+    for (const RequestLine& line : asked.request.lines) {
+        if (line.first == "keys" || line.first == "records") {
+            lines.push_back(line);
+        }
+    }
+    return valueOf(asked.request, "user").empty()
+               ? updateRequestText(asked.request.identifier, asked.request.printerAddress, requestText(lines))
+               : std::string();
+}
+
+std::string dataFileText(const AskedBy& asked, const std::vector<ControllerRecord>& records) {
     std::string text;
-    addDataRecord(requestIdentifierRecord, requestIdentifier, text);
+    addDataRecord(requestIdentifierRecord, asked.request.identifier, text);
+    if (const std::string deciding = decidingText(asked); !deciding.empty()) {
+        addDataRecord(requestTextRecord, deciding, text);
+    }
+    addDataRecord(answerTimeRecord, std::to_string(std::time(nullptr)), text);
     for (const ControllerRecord& record : records) {
         if (!addDataRecord(record.name, record.payload, text)) {
             tellDebug(record.name + ": the record is too long and left out");
@@ -67,39 +58,15 @@ std::string dataFileText(const std::string& requestIdentifier, const std::vector
     return text;
 }
 
-} // namespace
-
-bool putRecords(const std::string& queue, std::vector<NamedPayload> records) {
-    // The server names the queue's PPD in the filter's environment.
-    const char* path = std::getenv("PPD");
-    const std::unique_ptr<ppd_file_t, ClosePPD> ppd(path == nullptr ? nullptr : ppdOpenFile(path));
-    if (ppd) {
-        std::erase_if(records, [&ppd](const NamedPayload& record) {
-            std::size_t size = 0;
-            const RecordBlock held = ppdxReadData(ppd.get(), record.first, &size);
-            return held && std::string_view(held.get(), size) == record.second;
-        });
-    }
-    tellDebug(queue + ": " + std::to_string(records.size()) + " records are new in the PPD");
-    return sendRecords(records);
-}
-
-std::string writeAnswer(const std::string& queue, const std::string& requestIdentifier,
-                        const ControllerAnswer& answer) {
-    const std::string text = dataFileText(requestIdentifier, answer.dataRecords);
-    if (const std::error_code error = makeFolder(platform::system().Resolve(twoWayFolder), everybodyPasses)) {
-        return "the folder of two-way data cannot be used: " + error.message();
-    }
-    const TerminationLater termination;
-    const std::filesystem::path lock = twoWayPlace(queue, lockFileSuffix);
-    const std::filesystem::path data = twoWayPlace(queue, dataFileSuffix);
-    std::error_code error = platform::system().WriteFile(lock, "", everybodyReads);
+std::string writeAnswer(const AskedBy& asked, const ControllerAnswer& answer, QueueLock& lock) {
+    const std::string text = dataFileText(asked, answer.dataRecords);
+    std::error_code error = writeTwoWayFile(asked.queue, requestFileSuffix(asked.request.identifier), text);
     if (!error) {
-        error = platform::system().WriteFile(data, text, everybodyReads);
+        error = writeTwoWayFile(asked.queue, dataFileSuffix, text);
     }
-    std::error_code ignored;
-    std::filesystem::remove(lock, ignored);
+    lock.Release();
     if (error) {
+        removeTwoWayFile(asked.queue, asked.queue + requestFileSuffix(asked.request.identifier));
         return "the two-way data cannot be written: " + error.message();
     }
     std::vector<NamedPayload> records;
@@ -107,27 +74,32 @@ std::string writeAnswer(const std::string& queue, const std::string& requestIden
         records.emplace_back(record.name, record.payload);
     }
     records.emplace_back(addressRecord, "no");
-    return putRecords(queue, std::move(records)) ? "" : "a record of the PPD is too long";
+    const std::string problem = putRecords(asked.queue, std::move(records));
+    if (!problem.empty()) {
+        putRecords(asked.queue, {{std::string(addressRecord), "no"}});
+    }
+    return problem;
 }
 
-std::string reportUnreachable(const std::string& queue, const std::string& requestIdentifier,
-                              const std::string& address) {
-    const std::string name(lastComponent(connectionErrorFile(requestIdentifier)));
-    const TerminationLater termination;
+std::string reportUnreachable(const AskedBy& asked, QueueLock& lock) {
+    const std::string name(lastComponent(connectionErrorFile(asked.request.identifier)));
     const std::error_code error =
-        PrivateFolder::Write(name, "No connection to " + address + "\n", everybodyReads);
-    putRecords(queue, {{std::string(addressRecord), "yes"}});
+        PrivateFolder::Write(name, "No connection to " + asked.address + "\n", everybodyReads);
+    lock.Release();
+    putRecords(asked.queue, {{std::string(addressRecord), "yes"}});
     return error ? "the failed connection cannot be reported: " + error.message() : "";
 }
 
-bool removeTwoWayFile(std::string_view queue, std::string_view name) {
-    for (const std::string_view suffix : {dataFileSuffix, lockFileSuffix, bonjourFileSuffix}) {
-        if (name == std::string(queue).append(suffix)) {
-            std::error_code error;
-            return std::filesystem::remove(twoWayPlace(queue, suffix), error);
-        }
+} // namespace
+
+std::string answerRequest(const AskedBy& asked, const std::function<ControllerAnswer()>& ask) {
+    PrivateFolder::Remove(lastComponent(connectionErrorFile(asked.request.identifier)));
+    QueueLock lock(asked.queue);
+    if (lock.Failure()) {
+        return "the folder of two-way data cannot be used: " + lock.Failure().message();
     }
-    return false;
+    const ControllerAnswer answer = ask();
+    return answer.isReached ? writeAnswer(asked, answer, lock) : reportUnreachable(asked, lock);
 }
 
 bool isConnectionErrorFile(std::string_view name) {

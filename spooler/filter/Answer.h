@@ -1,31 +1,30 @@
 #pragma once
 
+#include "bidi/SpoolerCommands.h"
 #include "spooler/filter/ControllerSource.h"
-#include "spooler/filter/ServerMessages.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-// How the filter's answers come to the pane: the two-way data file, the queue's PPD, the report of a failed
+// How the filter's answers come to the pane: the two-way data files, the queue's PPD, the report of a failed
 // connection.
 
 namespace torka::filter {
 
-// Writes the queue's data file under its lock, and the PPD's records. "" or one line that says what failed;
-// the data file is then the one before.
-std::string writeAnswer(const std::string& queue, const std::string& requestIdentifier,
-                        const ControllerAnswer& answer);
-// Writes the report for a request, and the record that the address is not good.
-std::string reportUnreachable(const std::string& queue, const std::string& requestIdentifier,
-                              const std::string& address);
+struct AskedBy {
+    std::string queue;
+    UpdateRequest request; // as it was sent
+    std::string address;   // of the controller: the request's, or that of the queue's device
+    std::string language;  // in which the controller is asked, "" for its own
+};
 
-// Sends the records that the queue's PPD does not hold already: a PPD that stays as it is need not be read
-// anew by anybody. False when one is refused.
-bool putRecords(const std::string& queue, std::vector<NamedPayload> records);
+// Asks, and writes what came of it: the data files of the request and of its queue under the queue's lock,
+// and the PPD's records; or the report of a failed connection. "" or one line that says what failed; the
+// queue's data file is then the one before. A report of an earlier request of this identifier is removed
+// first.
+std::string answerRequest(const AskedBy& asked, const std::function<ControllerAnswer()>& ask);
 
-// Removes one of this queue's two-way files; false for any other name.
-bool removeTwoWayFile(std::string_view queue, std::string_view name);
 bool isConnectionErrorFile(std::string_view name);
 
 } // namespace torka::filter

@@ -10,8 +10,10 @@
 #include "spooler/filter/FilterNotes.h"
 #include "spooler/filter/LiveSource.h"
 #include "spooler/filter/MailboxFile.h"
+#include "spooler/filter/QueueRecords.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
+#include "spooler/filter/TwoWayFolder.h"
 
 #include <algorithm>
 #include <string>
@@ -21,7 +23,7 @@ namespace torka::filter {
 namespace {
 
 constexpr std::size_t mostArgumentText = std::size_t{64} * 1024;
-constexpr std::size_t mostRecordText = std::size_t{4} * 1024 * 1024; // its payload has four bytes a character
+constexpr std::size_t mostRecordText = std::size_t{256} * 1024; // every client reads it with the PPD
 
 std::string_view firstLine(std::string_view text) { return text.substr(0, text.find_first_of("\r\n")); }
 
@@ -39,9 +41,9 @@ std::string keepRecord(const FilterJob& job, std::string_view name, std::string_
         return std::string(name).append(": there is no text to keep");
     }
     const std::wstring wide = wideFromUtf8(text);
-    return putRecords(job.queue, {{std::string(name), std::string(payloadFromWide(wide))}})
-               ? ""
-               : std::string(name).append(": the text is too long to keep");
+    const std::string problem =
+        putRecords(job.queue, {{std::string(name), std::string(payloadFromWide(wide))}});
+    return problem.empty() ? "" : std::string(name).append(": ").append(problem);
 }
 
 std::string keepLanguage(const Sender& sender, std::string_view text) {
@@ -61,22 +63,27 @@ std::string keepMailbox(const Sender& sender, std::string_view text) {
     return FilterNotes::Add(sender, NoteKind::mailbox, name) ? "" : "the destination cannot be kept";
 }
 
-std::string answerRequest(const FilterJob& job, const Sender& sender, std::string_view text,
-                          ControllerSource& source) {
-    std::optional<UpdateRequest> request = parseUpdateRequest(text);
+std::string answer(const FilterJob& job, const Sender& sender, std::string_view text,
+                   ControllerSource& source) {
+    const std::optional<UpdateRequest> request = parseUpdateRequest(text);
     if (!request) {
         return "the request cannot be understood";
     }
-    if (request->printerAddress.empty()) {
-        request->printerAddress = addressOfDevice(job.deviceUri);
-    }
-    const auto line = std::ranges::find(request->lines, "locale", &RequestLine::first);
-    const std::string language = line != request->lines.end() && isLanguage(line->second)
-                                     ? line->second
-                                     : FilterNotes::Get(sender, NoteKind::language).value_or("");
-    const ControllerAnswer answer = source.Ask(request->printerAddress, request->lines, language);
-    return answer.isReached ? writeAnswer(job.queue, request->identifier, answer)
-                            : reportUnreachable(job.queue, request->identifier, request->printerAddress);
+    const std::string_view locale = valueOf(*request, "locale");
+    const AskedBy asked{
+        job.queue, *request,
+        request->printerAddress.empty() ? addressOfDevice(job.deviceUri) : request->printerAddress,
+        isLanguage(locale) ? std::string(locale) : FilterNotes::Get(sender, NoteKind::language).value_or("")};
+    return answerRequest(asked, [&] { return source.Ask(asked.address, request->lines, asked.language); });
+}
+
+// What requests and killed filters left behind.
+void removeOldFiles() {
+    constexpr std::chrono::hours day(24); // a mailbox's part grows for as long as its job prints
+    PrivateFolder::RemoveOlder(day, [](std::string_view name) {
+        return isConnectionErrorFile(name) || name.starts_with(".torka-");
+    });
+    sweepTwoWayFolder();
 }
 
 // The files that the pane may have removed: the queue's two-way files, reports, its sender's tickets.
@@ -118,7 +125,7 @@ std::string run(SpoolerCommand command, const FilterJob& job, std::string_view t
     case SpoolerCommand::updateCommands:
     case SpoolerCommand::getServerData:
     case SpoolerCommand::allBidi:
-        return answerRequest(job, sender, text, source);
+        return answer(job, sender, text, source);
     case SpoolerCommand::deleteUpdateFiles:
         deleteFiles(sender, text);
         return {};
@@ -150,11 +157,12 @@ int runCommand(const FilterJob& job, std::string_view text, ControllerSource& so
     } else if (!isFileName(job.queue)) {
         problem = "the queue has no usable name";
     } else if (text.size() > mostCommandText(job.title)) {
-        problem = "its text is too long";
+        problem = "its text is longer than " + std::to_string(mostCommandText(job.title)) + " bytes";
     } else if (const std::error_code error = PrivateFolder::Prepare()) {
         problem = "the filter's folder cannot be used: " + error.message();
     } else {
         TicketStore::SweepSometimes();
+        removeOldFiles();
         problem = run(*command, job, text, source);
     }
     if (!problem.empty()) {

@@ -39,7 +39,8 @@ void waitUntilRead() {
     }
 }
 
-bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::string>& messages) {
+bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::string>& messages,
+                    const std::vector<std::string>& emptied) {
     PieceGatherer lines("PPD:", "\n", [&](std::string_view line) {
         if (line != "PPD:\n") {
             messages.emplace_back(line);
@@ -71,12 +72,16 @@ bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::s
         }
         lines.Flush();
     }
+    for (const std::string& chunk : emptied) {
+        lines.Add(" " + chunk + "=\"\"");
+    }
+    lines.Flush();
     return isAllTaken;
 }
 
-bool sendRecords(const std::vector<NamedPayload>& records) {
+bool sendRecords(const std::vector<NamedPayload>& records, const std::vector<std::string>& emptied) {
     std::vector<std::string> messages;
-    const bool isAllTaken = recordMessages(records, messages);
+    const bool isAllTaken = recordMessages(records, messages, emptied);
     for (const std::string& message : messages) {
         standardStreams().Error(message);
     }

@@ -18,11 +18,13 @@ void waitUntilRead();
 
 // Records of the queue's PPD, by name and payload. The server puts them there when the job ends, also when
 // the filter was killed half-way: the messages go in an order in which a record that did not come whole is
-// absent. False when a name or a payload is refused; the others are sent.
+// absent. `emptied` are chunks of no use any more, told last. False when a name or a payload is refused; the
+// others are sent.
 using NamedPayload = std::pair<std::string, std::string>;
-bool sendRecords(const std::vector<NamedPayload>& records);
+bool sendRecords(const std::vector<NamedPayload>& records, const std::vector<std::string>& emptied = {});
 
 // The messages that sendRecords writes, each a line with its end.
-bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::string>& messages);
+bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::string>& messages,
+                    const std::vector<std::string>& emptied = {});
 
 } // namespace torka::filter

@@ -3,7 +3,12 @@
 #include "bidi/CFileHdlr.h"
 #include "bidi/CommandJob.h"
 #include "bidi/LineReader.h"
+#include "bidi/SpoolerCommands.h"
+#include "platform/NetServices.h"
 #include "platform/System.h"
+
+#include <charconv>
+#include <optional>
 
 namespace torka {
 
@@ -75,6 +80,16 @@ bool BidiDataFile::readBidiData() {
     return true;
 }
 
+bool BidiDataFile::readRequestData(std::string_view requestIdentifier) {
+    std::string content;
+    const std::filesystem::path place = twoWayPlace(requestDataFile(paths, requestIdentifier));
+    if (place.empty() || system().ReadFile(place, maximumDataFile, content)) {
+        return false;
+    }
+    fdata = std::make_shared<const std::string>(withPlainLineEnds(std::move(content)));
+    return true;
+}
+
 bool BidiDataFile::WaitForFileToBeCreated(std::string_view requestIdentifier, std::string_view path) {
     const std::string errorFile = connectionErrorFile(requestIdentifier);
     const auto connectionFailed = [&] {
@@ -113,19 +128,73 @@ bool BidiDataFile::canBiDiDataFileBeAccessed() {
 
 namespace {
 
-// A data file that names no request is taken: the command job's completion stands for it.
-bool answersRequest(const std::string& data, std::string_view requestIdentifier) {
+std::optional<std::string> narrowRecord(const std::string& data, std::string_view name) {
     std::size_t size = 0;
-    const RecordBlock named = CFileHdlr::stringReadData(data, requestIdentifierRecord, &size);
-    return !named || std::string_view(named.get(), size) == requestIdentifier;
+    const RecordBlock block = CFileHdlr::stringReadData(data, name, &size);
+    return block ? std::optional(std::string(block.get(), size)) : std::nullopt;
 }
 
+// What the data file says of the request that it answers, held against a request.
+class AnsweredRequest {
+public:
+    AnsweredRequest(const std::string& data, const UpdateRequest& asked)
+        : identifier(narrowRecord(data, requestIdentifierRecord))
+        , answered(parseUpdateRequest(narrowRecord(data, requestTextRecord).value_or("")))
+        , isSame(answered && asksTheSame(*answered, asked))
+        , isOwn(identifier == asked.identifier &&
+                (!answered || isSameAddress(answered->printerAddress, asked.printerAddress)))
+        , time(narrowRecord(data, answerTimeRecord).value_or("")) {}
+
+    // A data file that names no request is taken: the command job's completion stands for it.
+    bool Serves(std::int64_t commandOverAt) const {
+        return !identifier || isOwn || (isSame && WrittenAt() >= commandOverAt);
+    }
+    // The file that bears the request's identifier in its name has to say whose it is.
+    bool IsOwn() const { return isOwn; }
+
+private:
+    std::int64_t WrittenAt() const {
+        std::int64_t seconds = -1;
+        const auto [end, error] = std::from_chars(time.data(), time.data() + time.size(), seconds);
+        return error == std::errc() && end == time.data() + time.size() ? seconds : -1;
+    }
+
+    std::optional<std::string> identifier;
+    std::optional<UpdateRequest> answered;
+    bool isSame;
+    bool isOwn;
+    std::string time;
+};
+
 } // namespace
+
+const char* outcomeText(ServerDataOutcome outcome) {
+    switch (outcome) {
+    case ServerDataOutcome::read:
+        return "read";
+    case ServerDataOutcome::queueNotReady:
+        return "the queue is stopped or takes no jobs";
+    case ServerDataOutcome::notSent:
+        return "the printing system took no command job";
+    case ServerDataOutcome::jobNotCompleted:
+        return "the command job was not completed";
+    case ServerDataOutcome::connectionError:
+        return "the filter could not reach the controller";
+    case ServerDataOutcome::locked:
+        return "the data file stayed locked";
+    case ServerDataOutcome::notRead:
+        return "the data file could not be read";
+    case ServerDataOutcome::otherRequest:
+        return "the data file answers another request";
+    }
+    return "unknown";
+}
 
 ServerDataOutcome fetchServerData(const PMPrinter& printer, const std::string& title, std::string_view text,
                                   std::string_view requestIdentifier, const BidiFilePaths& paths,
                                   BidiDataFile& dataFile, const WaitObserver& observer) {
-    switch (sendCommandAndWait(printer, text, title, observer)) {
+    CommandEnd end;
+    switch (sendCommandAndWait(printer, text, title, observer, &end)) {
     case CommandOutcome::queueNotReady:
         return ServerDataOutcome::queueNotReady;
     case CommandOutcome::notSent:
@@ -133,7 +202,14 @@ ServerDataOutcome fetchServerData(const PMPrinter& printer, const std::string& t
     case CommandOutcome::notCompleted:
         return ServerDataOutcome::jobNotCompleted;
     case CommandOutcome::completed:
+    case CommandOutcome::ended:
         break;
+    }
+    UpdateRequest asked = parseUpdateRequest(text).value_or(UpdateRequest());
+    asked.identifier = requestIdentifier;
+    if (dataFile.readRequestData(requestIdentifier) &&
+        AnsweredRequest(*dataFile.getBidiDataCopy(), asked).IsOwn()) {
+        return ServerDataOutcome::read;
     }
     if (!dataFile.WaitForFileToBeCreated(requestIdentifier, paths.dataFile)) {
         return ServerDataOutcome::connectionError;
@@ -144,8 +220,9 @@ ServerDataOutcome fetchServerData(const PMPrinter& printer, const std::string& t
     if (!dataFile.readBidiData()) {
         return ServerDataOutcome::notRead;
     }
-    return answersRequest(*dataFile.getBidiDataCopy(), requestIdentifier) ? ServerDataOutcome::read
-                                                                          : ServerDataOutcome::otherRequest;
+    return AnsweredRequest(*dataFile.getBidiDataCopy(), asked).Serves(end.overAt)
+               ? ServerDataOutcome::read
+               : ServerDataOutcome::otherRequest;
 }
 
 } // namespace torka

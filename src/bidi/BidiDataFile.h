@@ -21,6 +21,9 @@ public:
     // reads it: every line, ended by LF. False, with the old copy kept, when it never came or could not be
     // read.
     bool readBidiData();
+    // Reads the data file of one request, which is there whole or not at all; nothing is waited for. False
+    // when it is not there or cannot be read.
+    bool readRequestData(std::string_view requestIdentifier);
     // The text that was read last; never null, and not changed by a later reading.
     std::shared_ptr<const std::string> getBidiDataCopy() const { return fdata; }
 
@@ -51,11 +54,20 @@ enum class ServerDataOutcome {
     otherRequest,    // the file answers another request
 };
 
-// Narrow record of a data file: identifier of the request that it answers.
-inline constexpr std::string_view requestIdentifierRecord = "RequestIdentifier";
+// For a log or a tool: what stands behind "failed: ".
+const char* outcomeText(ServerDataOutcome outcome);
 
-// Sends a request of server data and reads its answer: the command job, the data file, the lock file, the
-// data, in this order, so that an old file never answers a new request.
+// Narrow records of a data file. Which request it answers: its identifier; identifier, address and the lines
+// that decide the answer, as updateRequestText writes them; and the seconds since 1970 at which it was
+// written.
+inline constexpr std::string_view requestIdentifierRecord = "RequestIdentifier";
+inline constexpr std::string_view requestTextRecord = "RequestText";
+inline constexpr std::string_view answerTimeRecord = "AnswerTime";
+
+// Sends a request of server data and reads its answer: the command job; the request's own data file, or else
+// the queue's: its data file, the lock file, the data, in this order, so that an old file never answers a new
+// request. The queue's file may answer another request than this one where it was written after the command
+// was done and for the same address, language, keywords and records.
 ServerDataOutcome fetchServerData(const PMPrinter& printer, const std::string& title, std::string_view text,
                                   std::string_view requestIdentifier, const BidiFilePaths& paths,
                                   BidiDataFile& dataFile, const WaitObserver& observer = {});

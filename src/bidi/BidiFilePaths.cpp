@@ -60,6 +60,19 @@ std::filesystem::path twoWayPlace(std::string_view queueName, std::string_view s
                                  : std::filesystem::path();
 }
 
+std::string requestFileSuffix(std::string_view requestIdentifier) {
+    return isRequestIdentifier(requestIdentifier)
+               ? requestMark + std::string(requestIdentifier).append(dataFileSuffix)
+               : std::string();
+}
+
+std::string requestDataFile(const BidiFilePaths& paths, std::string_view requestIdentifier) {
+    const std::string suffix = requestFileSuffix(requestIdentifier);
+    return suffix.empty() || !paths.dataFile.ends_with(dataFileSuffix)
+               ? std::string()
+               : paths.dataFile.substr(0, paths.dataFile.size() - dataFileSuffix.size()) + suffix;
+}
+
 std::string connectionErrorFile(std::string_view requestIdentifier) {
     if (!isRequestIdentifier(requestIdentifier)) {
         return {};

@@ -20,6 +20,9 @@ inline constexpr std::string_view cachesFolder = "/Library/Caches/ZAN/";
 inline constexpr std::string_view timeoutOverrideFile = "/Library/Caches/ZAN/zan_timeout_override.txt";
 
 inline constexpr std::string_view dataFileSuffix = ".bididata";
+// Stands between a queue's name and a request's identifier in the name of that request's own data file. No
+// queue's name holds it.
+inline constexpr char requestMark = '#';
 inline constexpr std::string_view lockFileSuffix = ".open";
 inline constexpr std::string_view bonjourFileSuffix = ".bonjour";
 
@@ -43,6 +46,12 @@ std::string resolvedPPDPath(const std::string& ppdPath);
 std::filesystem::path twoWayPlace(std::string_view pathText);
 // Where one of a queue's two-way files lies; empty for a name that could lead to another folder.
 std::filesystem::path twoWayPlace(std::string_view queueName, std::string_view suffix);
+
+// What follows the queue's name in the name of the data file that answers one request alone; "" for an
+// identifier that is not one.
+std::string requestFileSuffix(std::string_view requestIdentifier);
+// Its path text, beside the queue's data file; "" likewise.
+std::string requestDataFile(const BidiFilePaths& paths, std::string_view requestIdentifier);
 
 // True for what may stand as one component of a path: not empty, not "." or "..", no "/" and no NUL.
 bool isFileName(std::string_view name);

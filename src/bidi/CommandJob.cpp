@@ -6,6 +6,7 @@
 #include "platform/System.h"
 
 #include <algorithm>
+#include <ctime>
 
 namespace torka {
 
@@ -40,11 +41,16 @@ void logElapsed(std::string_view what, std::chrono::steady_clock::time_point sta
     logLine("(" + std::string(what) + ") elapsed=" + fixedText(elapsed.count()));
 }
 
-// The search for one job, from one look to the next.
+enum class JobEnd { none, completed, ended, hopeless };
+
+// The search for one job, from one look to the next. The job's number and queue are known from its sending,
+// or found by its title.
 class JobWatch {
 public:
-    explicit JobWatch(std::string_view jobTitle)
-        : title(jobTitle) {}
+    explicit JobWatch(std::string_view jobTitle, int jobNumber = 0, std::string queueName = {})
+        : title(jobTitle)
+        , queue(std::move(queueName))
+        , id(jobNumber) {}
 
     // True when there is no more to wait for.
     bool Look() {
@@ -53,48 +59,66 @@ public:
         const bool answered = spooler().GetJobs(jobs);
         logElapsed("cupsGetJobs", start);
         const SpoolerJob* job = Find(jobs);
-        if (job && job->state == jobStateCompleted) {
-            destination = job->destination.substr(0, nameCapacity - 1);
+        if (job) {
+            end = EndOf(*job);
+            overAt = job->overAt;
+            ++looks;
+        } else if (answered && id != 0) {
+            end = EndOfUnlisted();
+        }
+        if (end == JobEnd::completed || end == JobEnd::ended) {
+            destination = queue.substr(0, nameCapacity - 1);
             logLine("try=" + std::to_string(triesLeft) + ", dest=" + oneLine(destination));
-            completed = true;
             return true;
         }
-        const bool hopeless = job && (job->state == jobStateStopped || job->state == jobStateCanceled ||
-                                      job->state == jobStateAborted ||
-                                      (looks % queueCheckInterval == 0 && IsStopped(job->destination)));
-        // A queue that is deleted takes its jobs along.
-        const bool isDeleted = answered && !job && id != 0 && !HasQueue();
-        looks += job ? 1 : 0;
         --triesLeft;
-        return hopeless || isDeleted;
+        return end == JobEnd::hopeless;
     }
-    bool Completed() const { return completed; }
+    JobEnd End() const { return end; }
+    bool IsOver() const { return end == JobEnd::completed || end == JobEnd::ended; }
     const std::string& Destination() const { return destination; }
+    int Number() const { return id; }
+    std::int64_t OverAt() const { return overAt; }
 
 private:
     const SpoolerJob* Find(const std::vector<SpoolerJob>& jobs) {
-        const bool known = id != 0;
         const auto place = std::find_if(jobs.begin(), jobs.end(), [&](const SpoolerJob& job) {
-            return known ? job.id == id : job.title == title;
+            return id != 0 ? job.id == id : job.title == title;
         });
         if (place == jobs.end()) {
             return nullptr;
         }
         queue = place->destination;
-        if (!known) {
-            id = place->id;
+        id = place->id;
+        if (looks == 0) {
             logLine("try=" + std::to_string(triesLeft) + " id=" + std::to_string(id) + ", c=" +
                     oneLine(place->title) + ", j=" + oneLine(title) + ", s=" + std::to_string(place->state));
         }
         return &*place;
     }
-    // True as well when the spooler does not tell.
-    bool HasQueue() const {
-        std::vector<SpoolerDestination> destinations;
-        return !spooler().GetDestinations(destinations) ||
-               std::ranges::any_of(destinations, [this](const auto& entry) { return entry.name == queue; });
+    JobEnd EndOf(const SpoolerJob& job) const {
+        switch (job.state) {
+        case jobStateCompleted:
+            return JobEnd::completed;
+        case jobStateStopped:
+        case jobStateCanceled:
+        case jobStateAborted:
+            return JobEnd::hopeless;
+        default:
+            return looks % queueCheckInterval == 0 && IsStopped() ? JobEnd::hopeless : JobEnd::none;
+        }
     }
-    static bool IsStopped(const std::string& queue) {
+    // A queue that is deleted takes its jobs along. Otherwise the spooler keeps no jobs that are over.
+    JobEnd EndOfUnlisted() const {
+        std::vector<SpoolerDestination> destinations;
+        if (!spooler().GetDestinations(destinations)) {
+            return JobEnd::none;
+        }
+        const bool hasQueue =
+            std::ranges::any_of(destinations, [this](const auto& entry) { return entry.name == queue; });
+        return hasQueue ? JobEnd::ended : JobEnd::hopeless;
+    }
+    bool IsStopped() const {
         std::vector<SpoolerDestination> destinations;
         spooler().GetDestinations(destinations);
         return std::any_of(destinations.begin(), destinations.end(), [&](const SpoolerDestination& entry) {
@@ -103,12 +127,13 @@ private:
     }
 
     std::string_view title;
-    std::string queue;       // of the job, once it is known
-    std::string destination; // of the completed job
-    int id = 0;              // 0: not known yet
-    int looks = 0;
+    std::string queue;
+    std::string destination; // of the job that is over
+    int id;                  // 0: not known yet
+    std::int64_t overAt = 0;
+    JobEnd end = JobEnd::none;
+    int looks = 0; // at the job itself
     int triesLeft = tries;
-    bool completed = false;
 };
 
 void fetchDestinationPPD(const std::string& destination) {
@@ -126,6 +151,21 @@ void fetchDestinationPPD(const std::string& destination) {
     }
 }
 
+// True when the job is over and its queue's PPD was fetched again.
+bool waitForJob(JobWatch& watch, const WaitObserver& observer) {
+    const auto start = system().Now();
+    poll(
+        {WaitFor::commandJob, tries, tryInterval, true}, [&watch] { return watch.Look(); }, observer);
+    logElapsed("JobStatusCheck", start);
+    bool complete = watch.IsOver();
+    if (complete) {
+        fetchDestinationPPD(watch.Destination());
+        complete = system().Sleep(afterFetch);
+    }
+    logElapsed("isJobComple", start);
+    return complete;
+}
+
 } // namespace
 
 const std::string& destinationPPD() { return destinationPPDSlot(); }
@@ -133,18 +173,8 @@ const std::string& destinationPPD() { return destinationPPDSlot(); }
 void setDestinationPPD(std::string_view path) { destinationPPDSlot() = path.substr(0, nameCapacity - 1); }
 
 bool isJobComple(std::string_view jobTitle, const WaitObserver& observer) {
-    const auto start = system().Now();
     JobWatch watch(jobTitle);
-    poll(
-        {WaitFor::commandJob, tries, tryInterval, true}, [&watch] { return watch.Look(); }, observer);
-    logElapsed("JobStatusCheck", start);
-    bool complete = watch.Completed();
-    if (complete) {
-        fetchDestinationPPD(watch.Destination());
-        complete = system().Sleep(afterFetch);
-    }
-    logElapsed("isJobComple", start);
-    return complete;
+    return waitForJob(watch, observer);
 }
 
 bool queueTakesCommands(std::string_view queueName) {
@@ -156,14 +186,25 @@ bool queueTakesCommands(std::string_view queueName) {
 }
 
 CommandOutcome sendCommandAndWait(const PMPrinter& printer, std::string_view text, const std::string& title,
-                                  const WaitObserver& observer) {
-    if (!queueTakesCommands(utf8Text(PMPrinterGetName(printer)))) {
+                                  const WaitObserver& observer, CommandEnd* end) {
+    const std::string queue = utf8Text(PMPrinterGetName(printer));
+    if (!queueTakesCommands(queue)) {
         return CommandOutcome::queueNotReady;
     }
+    const std::int64_t sentAt = std::time(nullptr);
     if (PMPrinterSendCommand(printer, cfString(text), cfString(title), nullptr) != noErr) {
         return CommandOutcome::notSent;
     }
-    return isJobComple(title, observer) ? CommandOutcome::completed : CommandOutcome::notCompleted;
+    JobWatch watch(title, printer->CommandJob(), queue);
+    const bool isOver = waitForJob(watch, observer);
+    if (end) {
+        end->overAt = watch.OverAt() != 0 ? watch.OverAt() : sentAt;
+        end->reason = watch.End() == JobEnd::hopeless ? spooler().JobMessage(watch.Number()) : std::string();
+    }
+    if (!isOver) {
+        return CommandOutcome::notCompleted;
+    }
+    return watch.End() == JobEnd::completed ? CommandOutcome::completed : CommandOutcome::ended;
 }
 
 } // namespace torka

@@ -352,9 +352,15 @@ SDMRESULT sdmFuncPtrSetLocalPresetsData(SDMHANDLE, const wchar_t* const* data, i
     return answer([&] {
         JobPropertiesHost* host = jobPropertiesHost();
         const std::string text = CUtil::__replace(utf8FromWide(*data), "\xEF\xBB\xBF", "EFBBBF");
-        return host &&
-               sendCommandAndWait(host->CurrentPrinter(), text, commandTitle(SpoolerCommand::writePresetData),
-                                  host->Observer()) == CommandOutcome::completed;
+        if (!host) {
+            return false;
+        }
+        const CommandOutcome outcome =
+            sendCommandAndWait(host->CurrentPrinter(), text, commandTitle(SpoolerCommand::writePresetData),
+                               host->Observer());
+        return outcome == CommandOutcome::completed ||
+               (outcome == CommandOutcome::ended &&
+                CPPDMsgHdlr(destinationPPD(), "localPreset").GetStringData() == wideFromUtf8(text));
     });
 }
 

@@ -1,5 +1,6 @@
 #include "bidi/SpoolerCommands.h"
 
+#include "platform/NetServices.h"
 #include "platform/System.h"
 
 #include <algorithm>
@@ -168,6 +169,17 @@ std::optional<UpdateRequest> parseUpdateRequest(std::string_view text) {
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     return request;
+}
+
+std::string_view valueOf(const UpdateRequest& request, std::string_view name) {
+    const auto line = std::ranges::find(request.lines, name, &RequestLine::first);
+    return line == request.lines.end() ? std::string_view() : std::string_view(line->second);
+}
+
+bool asksTheSame(const UpdateRequest& one, const UpdateRequest& other) {
+    const auto isSame = [&](std::string_view name) { return valueOf(one, name) == valueOf(other, name); };
+    return isSameAddress(one.printerAddress, other.printerAddress) && isSame("locale") && isSame("keys") &&
+           isSame("records") && valueOf(one, "user").empty() && valueOf(other, "user").empty();
 }
 
 bool sendUpdateCommandToCFFWithCommand(const PMPrinter& printer, std::string_view identifier,

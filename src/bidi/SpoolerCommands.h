@@ -55,6 +55,11 @@ struct UpdateRequest {
     std::string printerAddress;
     std::vector<RequestLine> lines; // each name once, in the order of first appearance
 };
+// The value of a line, "" when there is none of that name.
+std::string_view valueOf(const UpdateRequest& request, std::string_view name);
+// Whether one answer serves both: the address, the language, the dynamic keywords and the wanted records are
+// the same, and neither is on behalf of another user than its job's.
+bool asksTheSame(const UpdateRequest& one, const UpdateRequest& other);
 // Identifier, address and request text, joined by delimiters. A delimiter inside the address is taken out.
 std::string updateRequestText(std::string_view identifier, std::string_view printerAddress,
                               std::string_view request);

@@ -34,6 +34,7 @@ void PropertyListFile::Load() {
 
 bool PropertyListFile::Save(const CFArrayRef& newList) {
     error = noErr;
+    reason.clear();
     const bool nothingToSay = newList && (list ? CFEqual(list, newList) : CFArrayGetCount(newList) == 0);
     if (nothingToSay) {
         return true;
@@ -46,6 +47,7 @@ bool PropertyListFile::Save(const CFArrayRef& newList) {
     const auto bytes = CFDataGetBytes(data);
     const SaveResult result = store->Save({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     error = result.error;
+    reason = result.reason;
     if (result.confirmed) {
         list = newList;
     }

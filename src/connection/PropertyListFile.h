@@ -3,6 +3,7 @@
 #include "connection/PropertyListStore.h"
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace torka {
@@ -30,6 +31,8 @@ public:
     // What the file holds, whatever its kind, as it was loaded; null for none.
     const CFPropertyListRef& Root() const { return root; }
     OSStatus Error() const { return error; } // of the last Save
+    // Why the list of the last Save is not kept, as the queue's filter said; "" when it said nothing.
+    const std::string& Reason() const { return reason; }
     // Whether "/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist" was there when the list was loaded.
     bool CacheFileExists() const { return cacheFileExists; }
 
@@ -40,6 +43,7 @@ private:
     CFArrayRef list;
     bool loaded = false;
     OSStatus error = noErr;
+    std::string reason;
     bool cacheFileExists = false;
     std::unique_ptr<PropertyListStore> store;
 };

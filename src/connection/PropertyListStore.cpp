@@ -77,11 +77,19 @@ SaveResult QueuePropertyListStore::Save(std::string_view xml) {
     if (const OSStatus error = PMSessionGetCurrentPrinter(queue.session, printer)) {
         return {error, false};
     }
-    const CommandOutcome outcome =
-        sendCommandAndWait(printer, xml, commandTitle(SpoolerCommand::zanPrefs), queue.observer);
-    const bool completed = outcome == CommandOutcome::completed;
-    const bool sent = completed || outcome == CommandOutcome::notCompleted;
-    return {sent ? noErr : kPMGeneralError, completed};
+    CommandEnd end;
+    switch (sendCommandAndWait(printer, xml, commandTitle(SpoolerCommand::zanPrefs), queue.observer, &end)) {
+    case CommandOutcome::completed:
+        return {noErr, true};
+    case CommandOutcome::ended:
+        return {noErr, readRecord(destinationPPD()) == xml};
+    case CommandOutcome::notCompleted:
+        return {noErr, false, end.reason};
+    case CommandOutcome::queueNotReady:
+    case CommandOutcome::notSent:
+        break;
+    }
+    return {kPMGeneralError, false};
 }
 
 std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, QueueAccess queue) {

@@ -24,6 +24,7 @@ struct SaveResult {
     OSStatus error = noErr;
     // Load would give the list now. A command job that was sent and did not complete leaves this open.
     bool confirmed = false;
+    std::string reason{}; // why the queue's filter did not keep it, as it said; "" where it said nothing
 };
 
 class PropertyListStore {

@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 
 namespace torka::platform {
@@ -37,6 +38,46 @@ bool parseIPv4Address(const std::string& text, HostAddress& address) {
     }
     address.family = addressFamilyIPv4;
     return true;
+}
+
+bool parseNumericAddress(std::string_view text, HostAddress& address) {
+    constexpr std::array<std::uint8_t, 12> mappedPrefix{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF};
+    if (text.starts_with('[') && text.ends_with(']')) {
+        text = text.substr(1, text.size() - 2);
+    }
+    const std::string plain(text);
+    if (parseIPv4Address(plain, address)) {
+        return true;
+    }
+    if (plain.find('\0') != std::string::npos ||
+        inet_pton(AF_INET6, plain.c_str(), address.bytes.data()) != 1) {
+        address = {};
+        return false;
+    }
+    address.family = AF_INET6;
+    if (std::equal(mappedPrefix.begin(), mappedPrefix.end(), address.bytes.begin())) {
+        std::array<std::uint8_t, 16> inner{};
+        std::copy(address.bytes.begin() + mappedPrefix.size(), address.bytes.end(), inner.begin());
+        address = {addressFamilyIPv4, inner};
+    }
+    return true;
+}
+
+bool isSameAddress(std::string_view one, std::string_view other) {
+    HostAddress first;
+    HostAddress second;
+    const bool isNumeric = parseNumericAddress(one, first);
+    if (parseNumericAddress(other, second) != isNumeric) {
+        return false;
+    }
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return isNumeric ? first == second
+                     : std::ranges::equal(one, other, [&](char a, char b) { return lower(a) == lower(b); });
+}
+
+std::vector<HostAddress> NetServices::ResolveHostAddresses(const std::string& name) {
+    HostAddress address;
+    return ResolveHost(name, address) ? std::vector<HostAddress>{address} : std::vector<HostAddress>();
 }
 
 std::string addressText(const HostAddress& address) {

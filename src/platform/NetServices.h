@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // What is asked of the network: host look-up, ICMP echo over IPv4, and the services announced on the local
@@ -21,10 +22,18 @@ inline constexpr int addressFamilyIPv4 = 2;
 struct HostAddress {
     int family = 0;                       // addressFamilyIPv4, another system number, 0 for none
     std::array<std::uint8_t, 16> bytes{}; // network order; an IPv4 address fills the first four
+    bool operator==(const HostAddress&) const = default;
 };
 
 // Four decimal numbers with dots. False, with an empty address, for anything else.
 bool parseIPv4Address(const std::string& text, HostAddress& address);
+// An IPv4 or IPv6 address in numbers, never a name; an IPv6 address may stand in brackets. An IPv4 address
+// that is mapped into IPv6 (RFC 4291, 2.5.5.2) becomes that IPv4 address. False, with an empty address, for
+// anything else, an address with a zone included.
+bool parseNumericAddress(std::string_view text, HostAddress& address);
+// Whether two texts mean one address: numbers are compared as numbers, names as text without ASCII letter
+// case. Nothing is looked up.
+bool isSameAddress(std::string_view one, std::string_view other);
 // Dotted, or in the colon form of RFC 5952; "" for other families.
 std::string addressText(const HostAddress& address);
 
@@ -122,6 +131,8 @@ public:
     virtual ~NetServices();
     // The first IPv4 address of a host name. False, with an empty address, when there is none.
     virtual bool ResolveHost(const std::string& name, HostAddress& address) = 0;
+    // All addresses of a host name, IPv4 and IPv6; none when there is none.
+    virtual std::vector<HostAddress> ResolveHostAddresses(const std::string& name);
     // Whether the answers of ResolveHost are kept and given again; if so, they can be forgotten.
     virtual bool isHostCacheEnabled() const { return false; }
     virtual void flushHostCache() {}

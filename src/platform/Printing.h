@@ -81,6 +81,8 @@ public:
     // for none.
     virtual OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                                  const CFDictionaryRef& options) = 0;
+    // Number of the job of the last command that was sent; 0 before the first, or where it is not known.
+    virtual int CommandJob() const { return 0; }
 };
 
 using PMPrintSettings = std::shared_ptr<PrintSettings>;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -30,6 +31,8 @@ struct SpoolerJob {
     std::string title;       // UTF-8, exactly as the job was sent
     std::string destination; // queue name
     int state = 0;           // jobState…
+    // Seconds since 1970 at which the job was over; 0 while it is not, or where the spooler does not tell.
+    std::int64_t overAt = 0;
 };
 
 struct SpoolerDestination {
@@ -47,6 +50,8 @@ public:
     // The jobs of all destinations and all users, the finished ones included, in the order in which the
     // spooler lists them. False, with an empty list, when the spooler does not answer.
     virtual bool GetJobs(std::vector<SpoolerJob>& jobs) = 0;
+    // What the job's filters said last: why it failed. "" for a job that is not known.
+    virtual std::string JobMessage(int /*job*/) { return {}; }
     // False, with an empty list, when the spooler does not answer.
     virtual bool GetDestinations(std::vector<SpoolerDestination>& destinations) = 0;
     // Fetches a destination's description afresh and tells its path, "" when there is none. The file may be

@@ -9,32 +9,6 @@
 
 namespace torka {
 
-namespace {
-
-const char* outcomeText(ServerDataOutcome outcome) {
-    switch (outcome) {
-    case ServerDataOutcome::read:
-        return "read";
-    case ServerDataOutcome::queueNotReady:
-        return "the queue is stopped or takes no jobs";
-    case ServerDataOutcome::notSent:
-        return "the printing system took no command job";
-    case ServerDataOutcome::jobNotCompleted:
-        return "the command job was not completed";
-    case ServerDataOutcome::connectionError:
-        return "the filter could not reach the controller";
-    case ServerDataOutcome::locked:
-        return "the data file stayed locked";
-    case ServerDataOutcome::notRead:
-        return "the data file could not be read";
-    case ServerDataOutcome::otherRequest:
-        return "the data file answers another request";
-    }
-    return "unknown";
-}
-
-} // namespace
-
 ServerExchange::ServerExchange(StringLookup strings)
     : failure(std::move(strings))
     , dataFile(std::make_unique<BidiDataFile>(paths, failure, ScopedWait::Observer())) {}

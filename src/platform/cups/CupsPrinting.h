@@ -33,8 +33,7 @@ public:
     // given its text is cancelled.
     OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                          const CFDictionaryRef& options) override;
-    // Number of the job of the last command that was sent, 0 before the first.
-    int CommandJob() const { return commandJob; }
+    int CommandJob() const override { return commandJob; }
 
 private:
     std::string queueName;

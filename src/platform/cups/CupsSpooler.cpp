@@ -1,5 +1,7 @@
 #include "platform/cups/CupsSpooler.h"
 
+#include "platform/cups/CupsQueue.h"
+
 #include <cups/cups.h>
 
 #include <cstdlib>
@@ -19,10 +21,16 @@ bool CupsSpooler::GetJobs(std::vector<SpoolerJob>& jobs) {
     const int count = cupsGetJobs2(CUPS_HTTP_DEFAULT, &listed, nullptr, 0, CUPS_WHICHJOBS_ALL);
     for (int i = 0; i < count; ++i) {
         jobs.push_back({listed[i].id, textOf(listed[i].title), textOf(listed[i].dest),
-                        static_cast<int>(listed[i].state)});
+                        static_cast<int>(listed[i].state),
+                        static_cast<std::int64_t>(listed[i].completed_time)});
     }
     cupsFreeJobs(count, listed);
     return count >= 0;
+}
+
+std::string CupsSpooler::JobMessage(int job) {
+    const JobStatus status = jobStatus(job);
+    return status.state == 0 ? std::string() : status.message;
 }
 
 bool CupsSpooler::GetDestinations(std::vector<SpoolerDestination>& destinations) {

@@ -13,6 +13,7 @@ namespace torka::platform {
 class CupsSpooler final : public Spooler {
 public:
     bool GetJobs(std::vector<SpoolerJob>& jobs) override;
+    std::string JobMessage(int job) override;
     bool GetDestinations(std::vector<SpoolerDestination>& destinations) override;
     std::string FetchPPD(const std::string& destination) override;
 

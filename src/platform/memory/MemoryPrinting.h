@@ -66,7 +66,9 @@ public:
     OSStatus PaperList(std::vector<Paper>& list) const override;
     OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                          const CFDictionaryRef& options) override;
+    int CommandJob() const override { return commandJob; }
 
+    int commandJob = 0;
     std::string name = "Printer";
     std::string ppdPath;   // empty: the queue has no description
     std::string deviceUri; // empty: the queue has none

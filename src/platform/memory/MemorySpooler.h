@@ -11,12 +11,14 @@ namespace torka::platform {
 class MemorySpooler final : public Spooler {
 public:
     bool GetJobs(std::vector<SpoolerJob>& list) override;
+    std::string JobMessage(int job) override { return messages[job]; }
     bool GetDestinations(std::vector<SpoolerDestination>& list) override;
     std::string FetchPPD(const std::string& destination) override;
 
     std::vector<SpoolerJob> jobs;
     std::vector<SpoolerDestination> destinations;
     std::map<std::string, std::string> ppdPaths; // by destination
+    std::map<int, std::string> messages;         // by job
     bool answers = true;                         // false: the spooler is down
     int jobQueries = 0;
     std::vector<std::string> fetched; // destinations, one entry a fetch

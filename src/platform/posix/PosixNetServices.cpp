@@ -113,6 +113,29 @@ bool PosixNetServices::ResolveHost(const std::string& name, HostAddress& address
     return true;
 }
 
+std::vector<HostAddress> PosixNetServices::ResolveHostAddresses(const std::string& name) {
+    std::vector<HostAddress> addresses;
+    addrinfo hints{};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_DGRAM;
+    addrinfo* found = nullptr;
+    if (name.empty() || name.find('\0') != std::string::npos ||
+        getaddrinfo(name.c_str(), nullptr, &hints, &found) != 0) {
+        return addresses;
+    }
+    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(found, &freeaddrinfo);
+    for (const addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) {
+        std::array<char, INET6_ADDRSTRLEN> text{};
+        HostAddress address;
+        if (getnameinfo(entry->ai_addr, entry->ai_addrlen, text.data(), text.size(), nullptr, 0,
+                        NI_NUMERICHOST) == 0 &&
+            parseNumericAddress(text.data(), address)) {
+            addresses.push_back(address);
+        }
+    }
+    return addresses;
+}
+
 // Small systems have no table of protocols; IANA's number stands without it.
 int PosixNetServices::IcmpProtocol() {
     protoent entry{};

@@ -1,0 +1,66 @@
+#include "apps/torka/QueueServerData.h"
+
+#include "apps/torka/Command.h"
+#include "apps/torka/Interrupt.h"
+#include "bidi/BidiDataFile.h"
+#include "bidi/SpoolerCommands.h"
+#include "bidi/StandardStreams.h"
+#include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsSpooler.h"
+
+namespace torka::tool {
+
+namespace {
+
+// What the waits tell an engineer is no message of the tool.
+class NoStreams final : public StandardStreams {
+public:
+    void Output(std::string_view /*text*/) override {}
+    void Error(std::string_view /*text*/) override {}
+};
+
+// The spooler and the silence that the waits need, for as long as it lives.
+class Waiting {
+public:
+    Waiting() {
+        platform::setSpooler(std::make_unique<CupsSpooler>());
+        setStandardStreams(std::make_shared<NoStreams>());
+    }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+    ~Waiting() {
+        setStandardStreams(nullptr);
+        platform::setSpooler(nullptr);
+    }
+
+private:
+    Interruptible interruptible;
+};
+
+} // namespace
+
+std::optional<std::string> queueServerData(const std::string& queueName, const std::string& address) {
+    const auto session = std::make_shared<CupsSession>(queueName);
+    PMPrinter printer;
+    BidiFilePaths paths;
+    if (PMSessionGetCurrentPrinter(session, printer) != noErr || !fillBidiFilePaths("", paths, queueName)) {
+        unusable("the print server has no queue " + printable(queueName));
+        return std::nullopt;
+    }
+    const Waiting waiting;
+    BidiFailure failure;
+    failure.SetQuiet(true);
+    const WaitObserver observer = showingWait("the queue's filter");
+    BidiDataFile file(paths, failure, observer);
+    ServerDataRequests requests;
+    const ServerDataRequests::Request request = requests.Compose(address, "", "", {});
+    const ServerDataOutcome outcome = fetchServerData(
+        printer, request.title, request.text, requests.randomStringForBIDIFile(), paths, file, observer);
+    if (outcome != ServerDataOutcome::read) {
+        unusable(printable(queueName) + ": no server data: " + outcomeText(outcome));
+        return std::nullopt;
+    }
+    return *file.getBidiDataCopy();
+}
+
+} // namespace torka::tool
