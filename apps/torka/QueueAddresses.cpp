@@ -49,6 +49,9 @@ ExitStatus QueueAddresses::Save() {
                              ? "the list holds a text that XML cannot hold"
                              : "the queue takes no command: it is stopped, or rejects jobs"));
     }
+    if (!list->Reason().empty()) {
+        return unusable(name + ": the queue does not keep the list: " + printable(list->Reason()));
+    }
     const ZANCorvianPrinterPList kept(access);
     if (!CFEqual(CFArrayCreate(kept.Elements()), CFArrayCreate(list->Elements()))) {
         return unusable(name +

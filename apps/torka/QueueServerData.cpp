@@ -5,6 +5,8 @@
 #include "bidi/BidiDataFile.h"
 #include "bidi/SpoolerCommands.h"
 #include "bidi/StandardStreams.h"
+#include "connection/ConnectionType.h"
+#include "connection/RequestAddress.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"
 
@@ -37,6 +39,12 @@ private:
     Interruptible interruptible;
 };
 
+std::string addressLine(const std::string& address) {
+    const std::string number = numericAddressOf(address);
+    const std::vector<RequestLine> lines{{"address", number}};
+    return number.empty() ? std::string() : requestText(lines);
+}
+
 } // namespace
 
 std::optional<std::string> queueServerData(const std::string& queueName, const std::string& address) {
@@ -53,11 +61,13 @@ std::optional<std::string> queueServerData(const std::string& queueName, const s
     const WaitObserver observer = showingWait("the queue's filter");
     BidiDataFile file(paths, failure, observer);
     ServerDataRequests requests;
-    const ServerDataRequests::Request request = requests.Compose(address, "", "", {});
+    const ServerDataRequests::Request request = requests.Compose(address, addressLine(address), "", {});
     const ServerDataOutcome outcome = fetchServerData(
         printer, request.title, request.text, requests.randomStringForBIDIFile(), paths, file, observer);
     if (outcome != ServerDataOutcome::read) {
-        unusable(printable(queueName) + ": no server data: " + outcomeText(outcome));
+        const bool isBadAddress = outcome == ServerDataOutcome::connectionError && isInvalidPrinterAddress();
+        unusable(printable(queueName) + ": no server data: " + outcomeText(outcome) +
+                 (isBadAddress && !address.empty() ? " at " + printable(address) : ""));
         return std::nullopt;
     }
     return *file.getBidiDataCopy();

@@ -34,7 +34,7 @@ std::string decidingText(const AskedBy& asked) {
         lines.emplace_back("locale", asked.language);
     }
     for (const RequestLine& line : asked.request.lines) {
-        if (line.first == "keys" || line.first == "records") {
+        if (line.first == "address" || line.first == "keys" || line.first == "records") {
             lines.push_back(line);
         }
     }
@@ -92,13 +92,19 @@ std::string reportUnreachable(const AskedBy& asked, QueueLock& lock) {
 
 } // namespace
 
-std::string answerRequest(const AskedBy& asked, const std::function<ControllerAnswer()>& ask) {
+std::string answerRequest(const AskedBy& asked, ControllerSource& source) {
     PrivateFolder::Remove(lastComponent(connectionErrorFile(asked.request.identifier)));
     QueueLock lock(asked.queue);
     if (lock.Failure()) {
         return "the folder of two-way data cannot be used: " + lock.Failure().message();
     }
-    const ControllerAnswer answer = ask();
+    const std::string found = source.FoundAddress();
+    if (found.empty()) {
+        removeTwoWayFile(asked.queue, asked.queue + std::string(bonjourFileSuffix));
+    } else if (const std::error_code error = writeTwoWayFile(asked.queue, bonjourFileSuffix, found + "\n")) {
+        tellDebug("the address of the device's service cannot be kept: " + error.message());
+    }
+    const ControllerAnswer answer = source.Ask(asked.address, asked.request.lines, asked.language);
     return answer.isReached ? writeAnswer(asked, answer, lock) : reportUnreachable(asked, lock);
 }
 

@@ -3,7 +3,6 @@
 #include "bidi/SpoolerCommands.h"
 #include "spooler/filter/ControllerSource.h"
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -20,10 +19,11 @@ struct AskedBy {
 };
 
 // Asks, and writes what came of it: the data files of the request and of its queue under the queue's lock,
-// and the PPD's records; or the report of a failed connection. "" or one line that says what failed; the
-// queue's data file is then the one before. A report of an earlier request of this identifier is removed
-// first.
-std::string answerRequest(const AskedBy& asked, const std::function<ControllerAnswer()>& ask);
+// and the PPD's records; or the report of a failed connection. Before, the address at which the queue's
+// device was found as a service is written where the pane looks for it, or removed when it is not found any
+// more. "" or one line that says what failed; the queue's data file is then the one before. A report of an
+// earlier request of this identifier is removed first.
+std::string answerRequest(const AskedBy& asked, ControllerSource& source);
 
 bool isConnectionErrorFile(std::string_view name);
 

@@ -23,7 +23,6 @@ namespace torka::filter {
 namespace {
 
 constexpr std::size_t mostArgumentText = std::size_t{64} * 1024;
-constexpr std::size_t mostRecordText = std::size_t{256} * 1024; // every client reads it with the PPD
 
 std::string_view firstLine(std::string_view text) { return text.substr(0, text.find_first_of("\r\n")); }
 
@@ -74,16 +73,7 @@ std::string answer(const FilterJob& job, const Sender& sender, std::string_view 
         job.queue, *request,
         request->printerAddress.empty() ? addressOfDevice(job.deviceUri) : request->printerAddress,
         isLanguage(locale) ? std::string(locale) : FilterNotes::Get(sender, NoteKind::language).value_or("")};
-    return answerRequest(asked, [&] { return source.Ask(asked.address, request->lines, asked.language); });
-}
-
-// What requests and killed filters left behind.
-void removeOldFiles() {
-    constexpr std::chrono::hours day(24); // a mailbox's part grows for as long as its job prints
-    PrivateFolder::RemoveOlder(day, [](std::string_view name) {
-        return isConnectionErrorFile(name) || name.starts_with(".torka-");
-    });
-    sweepTwoWayFolder();
+    return answerRequest(asked, source);
 }
 
 // The files that the pane may have removed: the queue's two-way files, reports, its sender's tickets.
@@ -162,7 +152,7 @@ int runCommand(const FilterJob& job, std::string_view text, ControllerSource& so
         problem = "the filter's folder cannot be used: " + error.message();
     } else {
         TicketStore::SweepSometimes();
-        removeOldFiles();
+        sweepTwoWayFolder();
         problem = run(*command, job, text, source);
     }
     if (!problem.empty()) {

@@ -3,9 +3,11 @@
 #include "bidi/BidiFilePaths.h"
 #include "bidi/RecordEncoding.h"
 #include "bidi/RecordWriter.h"
+#include "platform/NetServices.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
 
+#include <algorithm>
 #include <map>
 
 namespace torka::filter {
@@ -51,16 +53,37 @@ std::vector<ControllerRecord> recordsOf(const std::filesystem::path& place, std:
 
 ControllerSource::~ControllerSource() = default;
 
-ControllerAnswer FolderSource::Ask(std::string_view address, const std::vector<RequestLine>& /*request*/,
+// Of the address as it stands, of the same number in its plain form, or of the number that was sent along.
+std::filesystem::path FolderSource::PlaceOf(std::string_view address,
+                                            const std::vector<RequestLine>& request) const {
+    const auto line = std::ranges::find(request, "address", &RequestLine::first);
+    HostAddress number;
+    std::vector<std::string> names{std::string(address)};
+    for (const std::string_view text :
+         {address, line == request.end() ? "" : std::string_view(line->second)}) {
+        if (parseNumericAddress(text, number)) {
+            names.push_back(addressText(number));
+        }
+    }
+    for (const std::string& name : names) {
+        std::error_code error;
+        if (isFileName(name) && std::filesystem::is_directory(folder / name, error)) {
+            return folder / name;
+        }
+    }
+    return {};
+}
+
+ControllerAnswer FolderSource::Ask(std::string_view address, const std::vector<RequestLine>& request,
                                    std::string_view language) {
     ControllerAnswer answer;
-    std::error_code error;
-    if (!isFileName(address) || !std::filesystem::is_directory(folder / address, error)) {
+    const std::filesystem::path place = PlaceOf(address, request);
+    if (place.empty()) {
         return answer;
     }
     answer.isReached = true;
-    answer.dataRecords = recordsOf(folder / address, "data", language);
-    answer.ppdRecords = recordsOf(folder / address, "ppd", language);
+    answer.dataRecords = recordsOf(place, "data", language);
+    answer.ppdRecords = recordsOf(place, "ppd", language);
     return answer;
 }
 

@@ -31,6 +31,8 @@ public:
     // `language` is a code such as "ja", "" for the controller's own.
     virtual ControllerAnswer Ask(std::string_view address, const std::vector<RequestLine>& request,
                                  std::string_view language) = 0;
+    // The numeric address at which the queue's device was found as a service of the net; "" when it was not.
+    virtual std::string FoundAddress() { return {}; }
 };
 
 // Answers with texts that lie in a folder, one file a record; docs/spooler-filter.md describes it. A
@@ -43,6 +45,9 @@ public:
                          std::string_view language) override;
 
 private:
+    // "" where there is no folder.
+    std::filesystem::path PlaceOf(std::string_view address, const std::vector<RequestLine>& request) const;
+
     std::filesystem::path folder;
 };
 

@@ -1,14 +1,15 @@
 #include "spooler/filter/LiveSource.h"
 
 #include "connection/ConnectionType.h"
-#include "connection/SimplePing.h"
 #include "platform/CoreFoundation.h"
+#include "platform/NetServices.h"
+#include "spooler/filter/DeviceService.h"
 #include "spooler/filter/LiveRecords.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cups/cups.h>
-#include <strings.h>
 
 namespace torka::filter {
 
@@ -16,16 +17,9 @@ namespace {
 
 constexpr std::chrono::milliseconds deviceLimit(2000);
 
-// Told by the same text, or by two that lead to one IPv4 address.
-bool isSameHost(const std::string& one, const std::string& other) {
-    if (::strcasecmp(one.c_str(), other.c_str()) == 0) {
-        return true;
-    }
-    HostAddress first;
-    HostAddress second;
-    return LookupHostAddress(one.c_str(), &first) == 0 && LookupHostAddress(other.c_str(), &second) == 0 &&
-           first.family == second.family && first.bytes == second.bytes;
-}
+// Of devices whose URI has no network host in the place of one.
+constexpr std::array<std::string_view, 10> schemesWithoutHost = {
+    "dnssd", "mdns", "implicitclass", "usb", "parallel", "serial", "bluetooth", "hp", "pap", "file"};
 
 bool hasRecord(const ControllerAnswer& answer, const std::string& name) {
     return std::ranges::any_of(answer.dataRecords,
@@ -42,10 +36,10 @@ LiveSource::LiveSource(ControllerSource& storedRecords, std::string uri, std::st
 
 ControllerAnswer LiveSource::Ask(std::string_view address, const std::vector<RequestLine>& request,
                                  std::string_view language) {
+    const auto line = std::ranges::find(request, "address", &RequestLine::first);
+    const std::string_view numbers = line == request.end() ? std::string_view() : line->second;
     ControllerAnswer answer = stored.Ask(address, request, language);
-    const std::string own = addressOfDevice(deviceUri);
-    // A device without an address has one controller only, whatever that is called.
-    if (!own.empty() && !address.empty() && !isSameHost(std::string(address), own)) {
+    if (!meansDevice(address, deviceUri) && (numbers.empty() || !meansDevice(numbers, deviceUri))) {
         return answer;
     }
     const std::optional<PrinterFacts> device = ask.device();
@@ -63,13 +57,40 @@ ControllerAnswer LiveSource::Ask(std::string_view address, const std::vector<Req
     return answer;
 }
 
+std::string LiveSource::FoundAddress() {
+    const std::optional<NetService> service = serviceOfDevice(deviceUri);
+    return service && ask.service ? ask.service(*service) : std::string();
+}
+
 LiveSource::Asking liveAsking(const std::string& queueName, const std::string& deviceUri) {
     // A filter has nobody to ask for a password.
     cupsSetPasswordCB2(
         [](const char*, http_t*, const char*, const char*, void*) -> const char* { return nullptr; },
         nullptr);
     return {[queueName] { return queueFacts(queueName); },
-            [deviceUri] { return deviceFacts(deviceUri, deviceLimit); }};
+            [deviceUri] { return deviceFacts(deviceUri, deviceLimit); }, addressOfService};
+}
+
+std::string hostOfDevice(const std::string& uri) {
+    const std::string_view scheme = std::string_view(uri).substr(0, uri.find(':'));
+    return std::ranges::find(schemesWithoutHost, scheme) != schemesWithoutHost.end()
+               ? std::string()
+               : utf8Text(CFURLCopyHostName(CFURLCreateWithString(cfString(uri))));
+}
+
+bool meansDevice(std::string_view address, const std::string& uri) {
+    const std::string host = hostOfDevice(uri);
+    HostAddress asked;
+    if (address.empty() || host.empty() || isSameAddress(address, host)) {
+        return true;
+    }
+    HostAddress own;
+    if (!parseNumericAddress(address, asked) || parseNumericAddress(host, own)) {
+        return false;
+    }
+    const std::vector<HostAddress> addresses =
+        netServices().ResolveHostAddresses(host, std::chrono::milliseconds(0));
+    return std::ranges::find(addresses, asked) != addresses.end();
 }
 
 std::string addressOfDevice(const std::string& uri) {

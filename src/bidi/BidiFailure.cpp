@@ -1,6 +1,7 @@
 #include "bidi/BidiFailure.h"
 
 #include "bidi/BidiFilePaths.h"
+#include "bidi/CUtil.h"
 #include "platform/Alert.h"
 #include "platform/System.h"
 
@@ -30,17 +31,24 @@ std::string BidiFailure::Text(std::string_view key, std::string_view defaultText
     return strings ? strings("BidiStrings", key, defaultText) : std::string(defaultText);
 }
 
-void BidiFailure::showBiDiError() {
+void BidiFailure::showBiDiError(std::string_view badAddress) {
     if (quiet) {
         choice = BidiChoice::cancel;
         return;
     }
     ++timesShown;
+    std::string named;
+    if (!badAddress.empty()) {
+        named = "\n\n" + CUtil::__replace(Text("BIDI_NO_ANSWER",
+                                               "The controller does not answer at the address {address}."),
+                                          "{address}", std::string(badAddress));
+    }
     const AlertButton pressed = alerts().RunModal({
         Text("BIDI_SPOOLER_DELAY_S", "Two-Way Communication with the Torka controller cannot be established"),
         Text("BIDI_SPOOLER_DELAY_L",
              "Select Continue to access Torka options without Two-Way Communication. Select Cancel to exit "
-             "and try your connection again later."),
+             "and try your connection again later.") +
+            named,
         Text("CONTINUE", "Continue"),
         Text("CANCEL", "Cancel"),
     });

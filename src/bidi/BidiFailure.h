@@ -26,8 +26,9 @@ public:
 
     // While quiet nobody is asked: nothing is shown or counted, and the choice is cancel.
     void SetQuiet(bool on) { quiet = on; }
-    // Shows the message; the choice is continueBidiOff when its default button was pressed, else cancel.
-    void showBiDiError();
+    // Shows the message; the choice is continueBidiOff when its default button was pressed, else cancel. An
+    // address at which nothing answers is named behind the informative text.
+    void showBiDiError(std::string_view badAddress = {});
     // False when the printer is idle. A printer that processes a job without telling anything about it gets
     // 18 seconds to become idle. Otherwise the choice is printerStayedBusy, the message is shown (unless the
     // override file exists), and the answer is true. A cancelled wait shows nothing: the choice is cancel.

@@ -178,8 +178,9 @@ std::string_view valueOf(const UpdateRequest& request, std::string_view name) {
 
 bool asksTheSame(const UpdateRequest& one, const UpdateRequest& other) {
     const auto isSame = [&](std::string_view name) { return valueOf(one, name) == valueOf(other, name); };
-    return isSameAddress(one.printerAddress, other.printerAddress) && isSame("locale") && isSame("keys") &&
-           isSame("records") && valueOf(one, "user").empty() && valueOf(other, "user").empty();
+    return isSameAddress(one.printerAddress, other.printerAddress) && isSame("address") && isSame("locale") &&
+           isSame("keys") && isSame("records") && valueOf(one, "user").empty() &&
+           valueOf(other, "user").empty();
 }
 
 bool sendUpdateCommandToCFFWithCommand(const PMPrinter& printer, std::string_view identifier,

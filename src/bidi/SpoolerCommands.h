@@ -30,6 +30,10 @@ enum class SpoolerCommand {
     allBidi,
 };
 
+// Longest text of a command that becomes a record of the queue's PPD, in bytes: every client reads the whole
+// PPD.
+inline constexpr std::size_t mostRecordText = std::size_t{256} * 1024;
+
 inline constexpr std::string_view argumentDelimiter = "::DELIMIT::";
 
 // "Command_UpdateCommands" and so on, without the UUID that some titles end in.

@@ -40,6 +40,31 @@ bool isAddress(const CFStringRef& text) {
            std::all_of(text->units.begin(), text->units.end(), isAddressCharacter);
 }
 
+bool isNumeric(const CFStringRef& text) {
+    HostAddress ignored;
+    return parseNumericAddress(utf8Text(text), ignored);
+}
+
+// A text of the bundle with both addresses in their places. What they hold is not looked at again.
+std::string withAddresses(const std::string& text, const std::string& before, const std::string& after) {
+    constexpr std::string_view oldMark = "{old}";
+    constexpr std::string_view newMark = "{new}";
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::string_view rest = std::string_view(text).substr(at);
+        if (rest.starts_with(oldMark)) {
+            result += before;
+            at += oldMark.size();
+        } else if (rest.starts_with(newMark)) {
+            result += after;
+            at += newMark.size();
+        } else {
+            result += text[at++];
+        }
+    }
+    return result;
+}
+
 // The device URI of a service, every byte of its name escaped that a host may not hold as it is.
 CFURLRef serviceUrl(const CFStringRef& instanceName) {
     static constexpr char digits[] = "0123456789ABCDEF";
@@ -107,6 +132,8 @@ BonjourModuleController::~BonjourModuleController() {
 
 void BonjourModuleController::setprinterIPField(const CFStringRef& address) {
     printerAddress = withoutServiceDomain(address);
+    isServiceName =
+        CFStringGetLength(printerAddress) < CFStringGetLength(address) || NamesService(printerAddress);
     if (!sessionRunning) { // what is being typed stays
         view.setAddressField(printerAddress);
     }
@@ -116,19 +143,23 @@ void BonjourModuleController::setprinterIPField(const CFStringRef& address) {
 void BonjourModuleController::setIPAddress() {
     const CFStringRef stored = owner.storedPrinterAddress();
     setprinterIPField(stored);
-    const bool namesService = CFStringGetLength(printerAddress) < CFStringGetLength(stored) ||
-                              (CFStringGetLength(printerAddress) > 0 && !isAddress(printerAddress));
-    if (!namesService) {
+    if (!isServiceName) {
         discovery.reset();
         return;
     }
     discovery = BonjourIPDiscovery::initWithPrinterBonjourURL(serviceUrl(printerAddress), [this] {
         const auto ended = std::move(discovery);
-        if (ended->didResolve() && !ended->printAddress().empty()) {
-            setprinterIPField(cfString(ended->printAddress()));
-            owner.storePrinterAddress(printerAddress, twoWay);
-        }
+        UseFoundAddress(ended->didResolve() ? ended->printAddress() : std::string());
     });
+}
+
+void BonjourModuleController::UseFoundAddress(const std::string& address) {
+    const bool isQueues = CFEqual(printerAddress, owner.queueServiceName());
+    const CFStringRef found = address.empty() && isQueues ? owner.foundPrinterAddress() : cfString(address);
+    if (CFStringGetLength(found) > 0) {
+        setprinterIPField(found);
+        owner.storePrinterAddress(printerAddress, twoWay);
+    }
 }
 
 void BonjourModuleController::setBIDIStatusON(bool on) {
@@ -171,9 +202,18 @@ void BonjourModuleController::Alert(std::string_view key, std::string_view engli
     alerts().RunModal(text);
 }
 
+bool BonjourModuleController::NamesService(const CFStringRef& text) const {
+    return CFStringGetLength(text) > 0 && !isNumeric(text) &&
+           (!isAddress(text) || CFEqual(text, owner.queueServiceName()));
+}
+
 CFStringRef BonjourModuleController::AddressNamedBy(const CFStringRef& text) const {
     CFStringRef name = withoutServiceDomain(text);
-    const std::string alias = utf8Text(name);
+    const bool isChosen = selectedService && !isAddressSelected && CFEqual(text, selectedText);
+    if (!isChosen && CFStringGetLength(name) == CFStringGetLength(text) && !NamesService(name)) {
+        return name;
+    }
+    const std::string alias = isChosen ? selectedService->name : utf8Text(name);
     for (const FoundController& controller : shown) {
         const auto& aliases = controller.aliases;
         if (std::find(aliases.begin(), aliases.end(), alias) != aliases.end() ||
@@ -276,12 +316,26 @@ void BonjourModuleController::ShowStatus() {
         text = owner.bidiString("DISCOVERY_NO_ANSWER", "The selected controller does not answer.");
     } else if (resolution) {
         text = owner.bidiString("RESOLVING", "Asking the selected controller for its address");
+    } else if (const CFStringRef change = ChangeText(); CFStringGetLength(change) > 0) {
+        text = change;
     } else if (list->LeftOut()) {
         text = owner.bidiString("DISCOVERY_TOO_MANY", "More controllers are announced than can be shown.");
     } else if (shown.empty()) {
         text = owner.bidiString("DISCOVERY_SEARCHING", "Looking for controllers on the local network\u2026");
     }
     view.setStatus(text ? text : cfString(""));
+}
+
+CFStringRef BonjourModuleController::ChangeText() const {
+    const std::string before = utf8Text(printerAddress);
+    const std::string after = selectedService ? utf8Text(selectedText) : std::string();
+    if (before.empty() || after.empty() || !isAddressSelected || isSameAddress(before, after) ||
+        !CFEqual(view.addressField(), selectedText)) {
+        return cfString("");
+    }
+    return cfString(withAddresses(
+        utf8Text(owner.bidiString("ADDRESS_CHANGES", "The stored address {old} becomes {new} with OK.")),
+        before, after));
 }
 
 void BonjourModuleController::listDidChange() {
@@ -353,7 +407,8 @@ std::optional<std::size_t> BonjourModuleController::SelectedPlace() {
                 return i;
             }
         } else if (firstCallOfTable && !current.empty() &&
-                   (CFEqual(shown[i].address, printerAddress) || isCalled(current))) {
+                   (isSameAddress(utf8Text(shown[i].address), current) ||
+                    (isServiceName && isCalled(current)))) {
             // What a person typed meanwhile stays.
             if (CFEqual(view.addressField(), printerAddress)) {
                 Select(shown[i]);
@@ -369,6 +424,7 @@ void BonjourModuleController::Select(const FoundController& controller) {
     resolutionFailed = false;
     selectedService = controller.service;
     const bool isKnown = CFStringGetLength(controller.address) > 0;
+    isAddressSelected = isKnown;
     selectedText = isKnown ? controller.address : controller.name;
     view.setAddressField(selectedText);
     if (isKnown) {
@@ -437,6 +493,7 @@ void BonjourModuleController::netServiceDidResolveAddress(const NetService& serv
     const std::optional<std::size_t> place = SelectedPlace();
     // A person may have typed something else while it was resolved.
     if (place && CFEqual(view.addressField(), selectedText) && CFStringGetLength(shown[*place].address) > 0) {
+        isAddressSelected = true;
         selectedText = shown[*place].address;
         view.setAddressField(selectedText);
     }

@@ -29,6 +29,10 @@ public:
 
     // The printer's entry in the address list. Null or "" for no address.
     virtual CFStringRef storedPrinterAddress() = 0;
+    // The instance name of the service that the queue's device URI names; "" for a queue of another kind.
+    virtual CFStringRef queueServiceName() { return cfString(""); }
+    // The numeric address that the queue's filter found for that service; "" for none.
+    virtual CFStringRef foundPrinterAddress() { return cfString(""); }
     // Puts both into the address list and saves it. What could not be saved counts for this dialog all the
     // same.
     virtual bool storePrinterAddress(const CFStringRef& address, bool twoWay) = 0;
@@ -58,7 +62,9 @@ public:
     void setprinterIPField(const CFStringRef& address);
     CFStringRef printerIPField() const { return printerAddress; } // never null
     // Takes the stored address over. Where it is the name of a service, as a queue's device URI gives it, the
-    // service's address is looked for and replaces it.
+    // service's address is looked for and replaces it; where nothing answers, the one that the queue's filter
+    // found does. A text that is an address, or could be a host name, is no service's name unless it is the
+    // one of the queue's own service: whoever announces a service by that name does not come into it.
     void setIPAddress();
     // The configure button can be used only with two-way communication on. Stores nothing.
     void setBIDIStatusON(bool on);
@@ -95,8 +101,13 @@ private:
     void Select(const FoundController& controller);
     void ShowStatus();
     void Alert(std::string_view key, std::string_view english);
-    // The address of the listed controller that the text names, else the text without a service's domain.
+    // The address of the chosen row, or of the listed controller whose service the text names; else the text
+    // without a service's domain.
     CFStringRef AddressNamedBy(const CFStringRef& text) const;
+    bool NamesService(const CFStringRef& text) const;
+    // Both addresses where the chosen row would change the stored one; "" where it would not.
+    CFStringRef ChangeText() const;
+    void UseFoundAddress(const std::string& address);
 
     void listDidChange() override;
     void netServiceDidResolveAddress(const NetService& service, const ResolvedService& resolved) override;
@@ -105,6 +116,7 @@ private:
     BonjourModuleOwner& owner;
     BonjourModuleView& view;
     CFStringRef printerAddress; // the one accepted last
+    bool isServiceName = false; // it names a service, and is no address
     bool twoWay = false;        // likewise
     bool sessionRunning = false;
     bool firstCallOfTable = true; // no row was selected since the sheet was opened
@@ -116,6 +128,7 @@ private:
     std::vector<ControllerRow> rows; // what the table shows of them
     std::optional<NetService> selectedService;
     CFStringRef selectedText;                       // what selecting it put into the field
+    bool isAddressSelected = false;                 // that is its address, no longer its name
     std::unique_ptr<NetServiceActivity> resolution; // of the selected service
     bool resolutionFailed = false;
     std::unique_ptr<BonjourIPDiscovery> discovery; // of setIPAddress

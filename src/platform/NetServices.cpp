@@ -75,7 +75,8 @@ bool isSameAddress(std::string_view one, std::string_view other) {
                      : std::ranges::equal(one, other, [&](char a, char b) { return lower(a) == lower(b); });
 }
 
-std::vector<HostAddress> NetServices::ResolveHostAddresses(const std::string& name) {
+std::vector<HostAddress> NetServices::ResolveHostAddresses(const std::string& name,
+                                                           std::chrono::milliseconds /*limit*/) {
     HostAddress address;
     return ResolveHost(name, address) ? std::vector<HostAddress>{address} : std::vector<HostAddress>();
 }

@@ -131,8 +131,10 @@ public:
     virtual ~NetServices();
     // The first IPv4 address of a host name. False, with an empty address, when there is none.
     virtual bool ResolveHost(const std::string& name, HostAddress& address) = 0;
-    // All addresses of a host name, IPv4 and IPv6; none when there is none.
-    virtual std::vector<HostAddress> ResolveHostAddresses(const std::string& name);
+    // All addresses of a host name, IPv4 and IPv6; none when there is none, or none was found within the
+    // limit. 0: as long as the system takes.
+    virtual std::vector<HostAddress> ResolveHostAddresses(const std::string& name,
+                                                          std::chrono::milliseconds limit);
     // Whether the answers of ResolveHost are kept and given again; if so, they can be forgotten.
     virtual bool isHostCacheEnabled() const { return false; }
     virtual void flushHostCache() {}

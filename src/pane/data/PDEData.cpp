@@ -126,6 +126,10 @@ bool PDEData::SetCorvianPrinterAddress(const CFStringRef& address, bool ipEnable
     return mCorvianList && mCorvianList->Add(mPrinterName, address, ipEnabled) != 0 && mCorvianList->Save();
 }
 
+std::string PDEData::AddressListReason() const {
+    return mCorvianList ? mCorvianList->Reason() : std::string();
+}
+
 bool PDEData::ResetCorvianPrinterList() {
     mCorvianList = makeAddressStore ? std::make_unique<ZANCorvianPrinterPList>(makeAddressStore())
                                     : std::make_unique<ZANCorvianPrinterPList>(queue);

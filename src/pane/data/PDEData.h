@@ -69,6 +69,8 @@ public:
     CFStringRef GetCorvianPrinterAddress();
     CFStringRef GetCorvianPrinterAddress(bool* ipEnabled);
     bool SetCorvianPrinterAddress(const CFStringRef& address, bool ipEnabled);
+    // Why the queue did not keep what was saved last, as its filter said; "" when it said nothing.
+    std::string AddressListReason() const;
     // Reads the list anew; whether it was loaded.
     bool ResetCorvianPrinterList();
     bool SetIPAddressEnabled(bool enabled);

@@ -53,6 +53,9 @@ void sendDeferred(const std::shared_ptr<DeferredCommands>& deferred, const Queue
     // Taken out first: a wait runs the event loop, and may lead here again.
     if (const std::optional<std::string> list = std::exchange(deferred->addressList, std::nullopt)) {
         const SaveResult result = saveList(queue, *list, waits);
+        if (!result.reason.empty()) {
+            myNSLogC("The queue did not keep the printer's address: %s", result.reason.c_str());
+        }
         if (result.error != noErr) {
             myNSLogC("The printer's address could not be sent to its queue (error %d).",
                      static_cast<int>(result.error));

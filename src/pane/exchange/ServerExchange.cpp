@@ -1,8 +1,10 @@
 #include "pane/exchange/ServerExchange.h"
 
 #include "bidi/JobPropertiesState.h"
+#include "connection/ConnectionType.h"
 #include "pane/exchange/WaitPresenter.h"
 #include "platform/Log.h"
+#include "platform/System.h"
 
 #include <utility>
 #include <vector>
@@ -13,7 +15,9 @@ ServerExchange::ServerExchange(StringLookup strings)
     : failure(std::move(strings))
     , dataFile(std::make_unique<BidiDataFile>(paths, failure, ScopedWait::Observer())) {}
 
-void ServerExchange::SetQueue(std::string_view ppdPath, std::string_view queueName) {
+void ServerExchange::SetQueue(std::string_view ppdPath, std::string_view queueName,
+                              std::string_view service) {
+    serviceName = service;
     fillBidiFilePaths(resolvedPPDPath(std::string(ppdPath)), paths, queueName);
     dataFile = std::make_unique<BidiDataFile>(paths, failure, ScopedWait::Observer());
 }
@@ -38,9 +42,17 @@ bool ServerExchange::isPrinterBusyWithPrinting(const PMPrinter& printer) {
     return failure.isPrinterBusyWithPrinting(printer, ScopedWait::Observer());
 }
 
-std::string ServerExchange::RequestText() {
-    const std::vector<RequestLine> lines{{"locale", gServerLanguage}};
-    return gServerLanguage.empty() ? std::string() : requestText(lines);
+std::string ServerExchange::RequestText(const std::string& address) const {
+    std::vector<RequestLine> lines;
+    if (!gServerLanguage.empty()) {
+        lines.emplace_back("locale", gServerLanguage);
+    }
+    const bool isOwnService = !serviceName.empty() && address == serviceName;
+    if (const std::string number = isOwnService ? FoundAddress() : numericAddressOf(address);
+        !number.empty()) {
+        lines.emplace_back("address", number);
+    }
+    return requestText(lines);
 }
 
 ServerExchange::Answer ServerExchange::Chosen() const {
@@ -83,7 +95,7 @@ ServerExchange::Answer ServerExchange::Fetch(const PMPrinter& printer, std::stri
         }
     }
     const ServerDataRequests::Request request =
-        requests.Compose(address, RequestText(), dynamicKeys, resetKeys);
+        requests.Compose(address, RequestText(std::string(address)), dynamicKeys, resetKeys);
     const int shownBefore = failure.TimesShown();
     const ServerDataOutcome outcome = fetchServerData(printer, request.title, request.text,
                                                       randomStringForBIDIFile(), paths, *dataFile, observer);
@@ -94,8 +106,11 @@ ServerExchange::Answer ServerExchange::Fetch(const PMPrinter& printer, std::stri
     if (ScopedWait::IsCancelled()) {
         return Answer::stop;
     }
+    const bool isBadAddress = outcome == ServerDataOutcome::connectionError &&
+                              (isInvalidPrinterAddress() ||
+                               fileExists(system().Resolve(connectionErrorFile(randomStringForBIDIFile()))));
     if (failure.TimesShown() == shownBefore) {
-        failure.showBiDiError();
+        failure.showBiDiError(isBadAddress ? address : std::string_view());
     }
     return Chosen();
 }

@@ -3,6 +3,7 @@
 #include "bidi/BidiDataFile.h"
 #include "bidi/BidiFailure.h"
 #include "bidi/SpoolerCommands.h"
+#include "connection/RequestAddress.h"
 #include "platform/Printing.h"
 
 #include <functional>
@@ -22,8 +23,11 @@ class ServerExchange {
 public:
     explicit ServerExchange(StringLookup strings);
 
-    // The queue whose two-way files are meant from now on, by its description's path and its name.
-    void SetQueue(std::string_view ppdPath, std::string_view queueName);
+    // The queue whose two-way files are meant from now on, by its description's path and its name. `service`
+    // is the instance name of the service that its device URI names, "" for none.
+    void SetQueue(std::string_view ppdPath, std::string_view queueName, std::string_view service = {});
+    // The address that the queue's filter found for that service; "" for none.
+    std::string FoundAddress() const { return bonjourAddress(paths); }
 
     BidiFailure& Failure() { return failure; }
     bool readBidiData();
@@ -37,8 +41,9 @@ public:
     }
     const std::string& randomStringForBIDIFile() const { return requests.randomStringForBIDIFile(); }
 
-    // The lines that every request begins with: the language of the answer's texts.
-    static std::string RequestText();
+    // The lines that every request begins with: the language of the answer's texts, and the numbers of an
+    // address that is none in numbers.
+    std::string RequestText(const std::string& address) const;
 
     // How a request of server data ended, for whoever goes on from there.
     enum class Answer {
@@ -69,6 +74,7 @@ private:
 
     BidiFailure failure;
     BidiFilePaths paths;
+    std::string serviceName;
     std::unique_ptr<BidiDataFile> dataFile;
     ServerDataRequests requests;
     State state = State::nothing;

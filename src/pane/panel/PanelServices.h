@@ -25,6 +25,10 @@ public:
     virtual void setCustomizeQuickAccessButtonButtonStatusON(bool on) = 0;
     // Shows an address in the pane's own field.
     virtual void showPrinterAddress(const CFStringRef& address) = 0;
+    // The instance name of the service that the queue's device URI names, "" for a queue of another kind; and
+    // the numeric address that the queue's filter found for it, "" for none.
+    virtual CFStringRef queueServiceName() const { return cfString(""); }
+    virtual CFStringRef foundPrinterAddress() const { return cfString(""); }
     // The person has stored another address or two-way state.
     virtual void printerAddressStored(bool /*twoWay*/) {}
     // Brings the host application with its last window to the front.

@@ -112,6 +112,8 @@ public:
     // PanelServices
     void showPrinterAddress(const CFStringRef& address) override;
     void printerAddressStored(bool twoWay) override;
+    CFStringRef queueServiceName() const override;
+    CFStringRef foundPrinterAddress() const override;
     void bringToFront() override;
     std::filesystem::path bundlePath() const override;
     PMPrinter currentPrinter() const override { return self.printer; }

@@ -2,6 +2,7 @@
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "connection/BonjourModuleController.h"
+#include "connection/ConnectionType.h"
 #include "pane/data/PDEData.h"
 #include "pane/exchange/ServerExchange.h"
 #include "pane/panel/UI_Panel.h"
@@ -56,6 +57,12 @@ void TorkaFeaturesPDE::printerAddressStored(bool twoWay) {
     }
 }
 
+CFStringRef TorkaFeaturesPDE::queueServiceName() const {
+    return self.isBonjourPrinter ? breakBonjourURLIntoMeaningFullItems(self.printerURI) : cfString("");
+}
+
+CFStringRef TorkaFeaturesPDE::foundPrinterAddress() const { return cfString(server->FoundAddress()); }
+
 void TorkaFeaturesPDE::requestServerData(ServerExchange::Failures failures) {
     if (isFetching || !self.myPDEData->isBIDIEnabled() ||
         CFStringGetLength(self.myPDEData->GetCorvianPrinterAddress()) == 0) {
@@ -88,9 +95,9 @@ void TorkaFeaturesPDE::FetchServerData(ServerExchange::Failures failures) {
 }
 
 bool TorkaFeaturesPDE::sendUpdateCommandToCFFWithCommand(std::string_view command) {
-    return torka::sendUpdateCommandToCFFWithCommand(self.printer, server->randomStringForBIDIFile(),
-                                                    utf8Text(self.myPDEData->GetCorvianPrinterAddress()),
-                                                    ServerExchange::RequestText(), command);
+    const std::string address = utf8Text(self.myPDEData->GetCorvianPrinterAddress());
+    return torka::sendUpdateCommandToCFFWithCommand(self.printer, server->randomStringForBIDIFile(), address,
+                                                    server->RequestText(address), command);
 }
 
 void TorkaFeaturesPDE::deleteFileCommandToCFF(std::string_view files) {

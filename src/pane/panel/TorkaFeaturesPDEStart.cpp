@@ -167,7 +167,8 @@ void TorkaFeaturesPDE::MakePaneData() {
             return bundle ? utf8Text(bundle->LocalizedString(cfString(key), cfString(text), table))
                           : std::string(text);
         });
-    server->SetQueue(destinationPPD(), utf8Text(PMPrinterGetName(self.printer)));
+    server->SetQueue(destinationPPD(), utf8Text(PMPrinterGetName(self.printer)),
+                     utf8Text(queueServiceName()));
 }
 
 // A third panel while two exist: the end of the first of them must not touch what now names the other two.

@@ -336,8 +336,20 @@ void UI_Panel::setsBonjourModuleController(BonjourModuleController* controller) 
 
 CFStringRef UI_Panel::storedPrinterAddress() { return mPDEData->GetCorvianPrinterAddress(); }
 
+CFStringRef UI_Panel::queueServiceName() { return panel ? panel->queueServiceName() : cfString(""); }
+
+CFStringRef UI_Panel::foundPrinterAddress() { return panel ? panel->foundPrinterAddress() : cfString(""); }
+
 bool UI_Panel::storePrinterAddress(const CFStringRef& address, bool twoWay) {
     const bool stored = mPDEData->SetCorvianPrinterAddress(address, twoWay);
+    if (const std::string reason = mPDEData->AddressListReason(); !reason.empty() && hasAlerts()) {
+        alerts().RunModal(
+            {Text("ADDRESS_NOT_KEPT", "The printer's address could not be kept", bidiTable),
+             Text("ADDRESS_NOT_KEPT_TEXT", "The queue keeps the address that it had.", bidiTable) + "\n\n" +
+                 reason,
+             Text("OK", "OK", bidiTable),
+             {}});
+    }
     if (panel) {
         panel->printerAddressStored(twoWay);
     }

@@ -91,6 +91,8 @@ public:
     BonjourModuleController* GetsBonjourModuleController() const override { return mBonjourModuleController; }
     void setsBonjourModuleController(BonjourModuleController* controller) override;
     CFStringRef storedPrinterAddress() override;
+    CFStringRef queueServiceName() override;
+    CFStringRef foundPrinterAddress() override;
     bool storePrinterAddress(const CFStringRef& address, bool twoWay) override;
     void showPrinterAddress(const CFStringRef& address) override;
     CFStringRef bidiString(std::string_view key, std::string_view english) override;

@@ -72,6 +72,11 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
         return;
     }
     presets = CUtil::__replace(presets, "\xEF\xBB\xBF", "EFBBBF");
+    if (presets.size() > mostRecordText) {
+        myNSLogC("The local presets are not sent to the queue: they have %zu bytes, and it takes %zu.",
+                 presets.size(), mostRecordText);
+        return;
+    }
     const std::string title = commandTitle(SpoolerCommand::printerLocalPresets);
     if (PMPrinterSendCommand(printer, cfString(presets), cfString(title), nullptr) != noErr) {
         myNSLogC("The queue did not take the local presets.");

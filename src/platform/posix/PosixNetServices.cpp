@@ -81,6 +81,60 @@ private:
     std::chrono::milliseconds timeout{0};
 };
 
+std::vector<HostAddress> addressesOf(const addrinfo* found) {
+    std::vector<HostAddress> addresses;
+    for (const addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) {
+        std::array<char, INET6_ADDRSTRLEN> text{};
+        HostAddress address;
+        if (getnameinfo(entry->ai_addr, entry->ai_addrlen, text.data(), text.size(), nullptr, 0,
+                        NI_NUMERICHOST) == 0 &&
+            parseNumericAddress(text.data(), address)) {
+            addresses.push_back(address);
+        }
+    }
+    return addresses;
+}
+
+// The look-up of a host name, here or in a thread of the system's.
+class LookUp {
+public:
+    explicit LookUp(std::string hostName)
+        : name(std::move(hostName)) {
+        hints.ai_family = AF_UNSPEC;
+        hints.ai_socktype = SOCK_DGRAM;
+        request.ar_name = name.c_str();
+        request.ar_request = &hints;
+    }
+    LookUp(const LookUp&) = delete;
+    LookUp& operator=(const LookUp&) = delete;
+    ~LookUp() {
+        if (request.ar_result != nullptr) {
+            freeaddrinfo(request.ar_result);
+        }
+    }
+    // Each is true when the look-up is over.
+    bool Wait() {
+        getaddrinfo(name.c_str(), nullptr, &hints, &request.ar_result);
+        return true;
+    }
+    bool WaitFor(std::chrono::milliseconds limit) {
+        if (getaddrinfo_a(GAI_NOWAIT, list.data(), static_cast<int>(list.size()), nullptr) != 0) {
+            return true;
+        }
+        const timespec time{static_cast<time_t>(limit.count() / 1000), limit.count() % 1000 * 1'000'000};
+        const int result = gai_suspend(list.data(), static_cast<int>(list.size()), &time);
+        return result == 0 || result == EAI_ALLDONE;
+    }
+    bool Cancel() { return gai_cancel(&request) != EAI_NOTCANCELED; }
+    std::vector<HostAddress> Addresses() const { return addressesOf(request.ar_result); }
+
+private:
+    std::string name;
+    addrinfo hints{};
+    gaicb request{};
+    std::array<gaicb*, 1> list{&request};
+};
+
 int readClock(clockid_t clock, ClockTime& time) {
     timespec now{};
     if (clock_gettime(clock, &now) != 0) {
@@ -113,25 +167,17 @@ bool PosixNetServices::ResolveHost(const std::string& name, HostAddress& address
     return true;
 }
 
-std::vector<HostAddress> PosixNetServices::ResolveHostAddresses(const std::string& name) {
-    std::vector<HostAddress> addresses;
-    addrinfo hints{};
-    hints.ai_family = AF_UNSPEC;
-    hints.ai_socktype = SOCK_DGRAM;
-    addrinfo* found = nullptr;
-    if (name.empty() || name.find('\0') != std::string::npos ||
-        getaddrinfo(name.c_str(), nullptr, &hints, &found) != 0) {
-        return addresses;
+std::vector<HostAddress> PosixNetServices::ResolveHostAddresses(const std::string& name,
+                                                                std::chrono::milliseconds limit) {
+    if (name.empty() || name.find('\0') != std::string::npos) {
+        return {};
     }
-    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(found, &freeaddrinfo);
-    for (const addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) {
-        std::array<char, INET6_ADDRSTRLEN> text{};
-        HostAddress address;
-        if (getnameinfo(entry->ai_addr, entry->ai_addrlen, text.data(), text.size(), nullptr, 0,
-                        NI_NUMERICHOST) == 0 &&
-            parseNumericAddress(text.data(), address)) {
-            addresses.push_back(address);
-        }
+    auto lookUp = std::make_unique<LookUp>(name);
+    const bool isOver = limit.count() == 0 ? lookUp->Wait() : lookUp->WaitFor(limit);
+    const std::vector<HostAddress> addresses = isOver ? lookUp->Addresses() : std::vector<HostAddress>();
+    if (!isOver && !lookUp->Cancel()) {
+        // The system still writes into it, in a thread of its own, and tells nobody when it is done.
+        [[maybe_unused]] LookUp* abandoned = lookUp.release();
     }
     return addresses;
 }

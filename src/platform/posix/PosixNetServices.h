@@ -7,7 +7,8 @@ namespace torka::platform {
 // Host look-up and ICMP echo of the operating system this runs on. Without state: any thread may call it.
 class PosixNetServices final : public NetServices {
 public:
-    std::vector<HostAddress> ResolveHostAddresses(const std::string& name) override;
+    std::vector<HostAddress> ResolveHostAddresses(const std::string& name,
+                                                  std::chrono::milliseconds limit) override;
     bool ResolveHost(const std::string& name, HostAddress& address) override;
     int IcmpProtocol() override;
     std::unique_ptr<IcmpSocket> OpenIcmpSocket(int protocol, int& error) override;
