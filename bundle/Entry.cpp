@@ -1,3 +1,4 @@
+#include "ZANUtils/FieldKeys.h"
 #include "bundle/WaitDialog.h"
 #include "output/BundleIdentifier.h"
 #include "pane/panel/PaneInterface.h"
@@ -52,6 +53,9 @@ void chooseSystemAdapters() {
     setAlerts(std::make_unique<LoggedAlerts>());
 
     std::string problem;
+    if (!useInstalledFieldKeys(problem)) {
+        myNSLogC("%s", problem.c_str());
+    }
     const std::filesystem::path folder =
         bundleFolderAround(reinterpret_cast<const void*>(&torkaBundleInstantiate));
     registerBundle(openBundle(folder, problem));

@@ -7,6 +7,8 @@ pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-uc icu-i18n)
 pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(UUID REQUIRED IMPORTED_TARGET uuid)
 pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle hogweed)
+# Narrows what the filter may ask of the kernel.
+pkg_check_modules(SECCOMP REQUIRED IMPORTED_TARGET libseccomp)
 pkg_check_modules(AVAHI REQUIRED IMPORTED_TARGET avahi-client)
 find_library(GMP_LIBRARY gmp REQUIRED)
 # The printing system ships no pkg-config file.

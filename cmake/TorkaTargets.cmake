@@ -16,9 +16,36 @@ if(TORKA_SANITIZE)
     if(TORKA_LIBFUZZER)
         target_compile_options(torka_options INTERFACE -fsanitize=fuzzer-no-link)
     endif()
-else()
-    target_compile_definitions(torka_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+endif()
+
+# Hardening. The library's own checks of indexes and empty containers stay on in every build.
+include(CheckCXXCompilerFlag)
+include(CheckCXXSourceCompiles)
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES C CXX)
+target_compile_definitions(torka_options INTERFACE _GLIBCXX_ASSERTIONS)
+target_link_options(torka_options INTERFACE -Wl,-z,relro -Wl,-z,now)
+if(NOT TORKA_SANITIZE)
     target_compile_options(torka_options INTERFACE -fstack-protector-strong)
+    check_cxx_compiler_flag(-fstack-clash-protection TORKA_HAS_STACK_CLASH_PROTECTION)
+    if(TORKA_HAS_STACK_CLASH_PROTECTION)
+        target_compile_options(torka_options INTERFACE -fstack-clash-protection)
+    endif()
+    # A packager's flags, or the compiler itself, may have chosen a level: a second definition would be an error. Asked
+    # at every configuration, since the flags may change.
+    unset(TORKA_FORTIFY_IS_FREE CACHE)
+    set(CMAKE_REQUIRED_FLAGS "${CMAKE_CXX_FLAGS_RELEASE}")
+    set(CMAKE_REQUIRED_QUIET ON)
+    check_cxx_source_compiles("
+        #ifdef _FORTIFY_SOURCE
+        #error
+        #endif
+        int main() { return 0; }" TORKA_FORTIFY_IS_FREE)
+    unset(CMAKE_REQUIRED_FLAGS)
+    unset(CMAKE_REQUIRED_QUIET)
+    if(TORKA_FORTIFY_IS_FREE)
+        target_compile_definitions(torka_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+    endif()
 endif()
 
 # torka_library(NAME FOLDER... [LIBS lib...]): every .cpp directly in the folders becomes one static library.

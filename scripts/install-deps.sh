@@ -11,6 +11,8 @@ packages=(
     libcli11-dev nlohmann-json3-dev
     # the pane, the print dialog and the sample Job Properties module
     qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev
+    # what the filter may ask of the kernel
+    libseccomp-dev
     # discovery of controllers
     libavahi-client-dev
     # tests and benchmarks

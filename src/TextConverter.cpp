@@ -177,11 +177,11 @@ std::size_t TextConverter::DehexBufferFill(std::string_view in, char* out) {
     char* place = out;
     while (!in.empty()) {
         const std::size_t opening = std::min(in.find('<'), in.size());
-        place = std::copy_n(in.data(), opening, place);
+        place += in.copy(place, opening);
         in.remove_prefix(opening);
         const std::size_t closing = in.find('>');
         if (in.empty() || closing == std::string_view::npos || !decodeRun(in.substr(1, closing - 1), place)) {
-            place = std::copy_n(in.data(), in.size(), place);
+            place += in.copy(place, in.size());
             break;
         }
         in.remove_prefix(closing + 1);

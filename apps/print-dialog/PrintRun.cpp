@@ -39,7 +39,10 @@ int runDialog(const Document& document, PrintDialog& dialog) {
     const int job = submitDocument(document, dialog, error);
     if (job == 0) {
         std::fprintf(stderr, "%s\n", qUtf8Printable(error));
-        QMessageBox::critical(nullptr, QObject::tr("Print"), error);
+        QMessageBox box(QMessageBox::Critical, QObject::tr("Print"), QString(), QMessageBox::Ok);
+        box.setTextFormat(Qt::PlainText); // before the text, which may look like markup
+        box.setText(error);
+        box.exec();
         return 2;
     }
     JobProgress progress(dialog.queue(), job, document.name);

@@ -3,6 +3,7 @@
 #include "apps/print-dialog/PrintDialog.h"
 #include "apps/print-dialog/PrintRun.h"
 #include "platform/Bundle.h"
+#include "platform/SecretMemory.h"
 #include "platform/cups/CupsSpooler.h"
 #include "platform/posix/PosixBundle.h"
 #include "platform/posix/PosixSystem.h"
@@ -62,6 +63,7 @@ Arguments readArguments(const QCoreApplication& application) {
 } // namespace
 
 int main(int argc, char** argv) {
+    platform::protectProcess();
     const QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("torka-print-dialog"));
     const Arguments arguments = readArguments(application);

@@ -77,8 +77,14 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
 
 bool useFieldKeys(const std::string& path) {
     std::string error;
-    const auto keys = path.empty() ? FieldKeys::LoadInstalled(error) : FieldKeys::Load(path, error);
-    if (!keys && !path.empty()) {
+    if (path.empty()) {
+        if (!useInstalledFieldKeys(error)) {
+            warn(error);
+        }
+        return true;
+    }
+    const auto keys = FieldKeys::Load(path, error);
+    if (!keys) {
         warn(error);
         return false;
     }

@@ -1,7 +1,9 @@
 #include "apps/torka/Command.h"
+#include "platform/SecretMemory.h"
 #include "platform/System.h"
 #include "platform/posix/PosixNetServices.h"
 #include "platform/posix/PosixSystem.h"
+#include "platform/posix/PrivateFolders.h"
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -16,6 +18,8 @@ int main(int argc, char** argv) {
     using tool::ExitStatus;
 
     std::signal(SIGPIPE, SIG_IGN);
+    platform::protectProcess();
+    platform::removePrivateFolderOnSignals();
     platform::PosixSystemOptions options;
     options.rootFromEnvironment = true;
     platform::setSystem(std::make_unique<platform::PosixSystem>(options));

@@ -1,12 +1,21 @@
 #include "jobproperties/core/ModuleMemory.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
+#include <new>
+#include <vector>
 
 namespace torka::jobproperties {
 
 namespace {
+
+// Stands before each block: what is freed may hold a password, and is wiped.
+struct alignas(std::max_align_t) BlockHead {
+    std::size_t bytes;
+};
 
 // Takes blocks while a list is built; frees them unless the list is finished.
 class Blocks {
@@ -48,9 +57,20 @@ private:
 
 } // namespace
 
-void* allocateBlock(std::size_t bytes) { return std::malloc(std::max<std::size_t>(bytes, 1)); }
+void* allocateBlock(std::size_t bytes) {
+    if (bytes > std::numeric_limits<std::size_t>::max() - sizeof(BlockHead))
+        return nullptr;
+    void* block = std::malloc(sizeof(BlockHead) + bytes);
+    return block == nullptr ? nullptr : new (block) BlockHead{bytes} + 1;
+}
 
-void freeBlock(void* block) { std::free(block); }
+void freeBlock(void* block) {
+    if (block == nullptr)
+        return;
+    BlockHead* head = static_cast<BlockHead*>(block) - 1;
+    ::explicit_bzero(block, head->bytes);
+    std::free(head);
+}
 
 SDMKeyValueList* newSettingList(const std::vector<WideEntry>& entries) {
     Blocks blocks;

@@ -270,7 +270,8 @@ private:
             Add(line.option, line.translation, isSwitch ? SettingKind::Switch : SettingKind::Text);
         if (setting == nullptr)
             return;
-        setting->secret = hasWord(line.value, "Password");
+        setting->secret = hasWord(line.value, "Password") || hasWord(line.value, "Encrypt") ||
+                          hasWord(line.value, "AESEncrypt") || isSecretName(line.option);
         if (const auto length = decimalNumber(trimmed(line.value.substr(0, line.value.find('|'))));
             length && *length > 0 && *length < 10000)
             setting->maximumLength = static_cast<std::size_t>(*length);
@@ -316,6 +317,10 @@ private:
     std::string openGroup;                                       // the name of the group that is open
     std::optional<std::size_t> block;                            // the setting whose choices are being listed
 };
+
+bool isSecretName(std::string_view key) {
+    return key.find("Password") != std::string_view::npos || bareKey(key) == "QVUserAuthPwd";
+}
 
 PrinterDescription PrinterDescription::FromText(std::string_view bytes) {
     PrinterDescription description;

@@ -37,7 +37,7 @@ struct DescribedSetting {
     double maximum = 0;
     double increment = 1;
     std::size_t maximumLength = 0; // characters of a text; 0: no limit
-    bool secret = false;           // a password: its text is never shown
+    bool secret = false;           // its text is never shown: a password, or for the controller alone
     bool hidden = false;           // the description keeps it from the user
 };
 
@@ -72,6 +72,9 @@ private:
     std::unordered_map<std::string, std::size_t> groupIndex;
     std::string modelName;
 };
+
+// Whether a key's name alone says that its value is a password.
+bool isSecretName(std::string_view key);
 
 // A key without the asterisk that may stand before it (or all of them, so that the result is bare).
 std::string_view bareKey(std::string_view key);

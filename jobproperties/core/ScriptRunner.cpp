@@ -152,10 +152,21 @@ void ScriptRunner::WriteAnswer(const std::string& what, const Answer<Value>& ans
         writeValue(answer.value);
 }
 
-void ScriptRunner::WriteKeyValues(const std::string& what, const KeyValues& values) const {
+void ScriptRunner::WriteKeyValues(const std::string& what, const KeyValues& values) {
     Write("[" + what + "] " + std::to_string(values.size()));
     for (const KeyValue& entry : values)
-        WriteFields({entry.key, entry.value});
+        WriteFields({entry.key, !entry.value.empty() && IsSecret(entry.key) ? "********" : entry.value});
+}
+
+bool ScriptRunner::IsSecret(std::string_view key) {
+    if (!description) {
+        std::string ignored; // without a description the names tell
+        const auto answer = server.Data();
+        const std::string path = answer ? attributeOf(answer.value, "ppdLocation0") : std::string();
+        description = path.empty() ? PrinterDescription() : PrinterDescription::FromFile(path, ignored);
+    }
+    const DescribedSetting* described = description->Find(key);
+    return isSecretName(key) || (described != nullptr && described->secret);
 }
 
 void ScriptRunner::Print(const std::string& what) {

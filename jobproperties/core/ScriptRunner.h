@@ -2,10 +2,12 @@
 
 #include "jobproperties/core/JobSettings.h"
 #include "jobproperties/core/ModuleMemory.h"
+#include "jobproperties/core/PrinterDescription.h"
 #include "jobproperties/core/Script.h"
 #include "jobproperties/core/Server.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,14 +42,17 @@ private:
 
     template <typename Value, typename WriteValue>
     void WriteAnswer(const std::string& what, const Answer<Value>& answer, WriteValue&& writeValue) const;
-    void WriteKeyValues(const std::string& what, const KeyValues& values) const;
+    // Values that a window would not show are masked.
+    void WriteKeyValues(const std::string& what, const KeyValues& values);
+    bool IsSecret(std::string_view key);
 
     Script script;
     std::string reportPath;
     const Server& server;
     JobSettings& settings;
     std::string windowTitle;
-    long asked = 0; // how often whether the server is ready
+    std::optional<PrinterDescription> description; // once a list was written
+    long asked = 0;                                // how often whether the server is ready
 };
 
 } // namespace torka::jobproperties

@@ -2,6 +2,7 @@
 
 #include "jobproperties/core/Text.h"
 #include "jobproperties/window/Glyphs.h"
+#include "jobproperties/window/PlainText.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -137,8 +138,9 @@ QWidget* SettingRow::MakeLockNote(Lock lock) {
     row->setSpacing(2);
     auto* glyph = new GlyphButton(Glyph::Lock);
     glyph->setAccessibleName(tr("%1: %2").arg(shownLabel, reason));
-    glyph->setToolTip(reason);
+    glyph->setToolTip(plainToolTip(reason));
     auto* text = new QLabel(reason);
+    text->setTextFormat(Qt::PlainText);
     QFont font = text->font();
     font.setPointSizeF(font.pointSizeF() * 0.88);
     text->setFont(font);
@@ -299,9 +301,9 @@ void SettingRow::ShowChanged() {
 }
 
 void SettingRow::SetHelp(const QString& help) {
-    name->setToolTip(help);
-    editor->setToolTip(help);
-    editor->setWhatsThis(help);
+    name->setToolTip(plainToolTip(help));
+    editor->setToolTip(plainToolTip(help));
+    editor->setWhatsThis(plainToolTip(help));
 }
 
 bool SettingRow::Matches(const QStringList& words, const QString& context) const {

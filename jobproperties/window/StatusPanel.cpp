@@ -111,7 +111,9 @@ StatusPanel::Section StatusPanel::MakeSection(const QString& title) {
 }
 
 StatusPanel::Section::Row StatusPanel::MakeRow() {
-    Section::Row row{new QWidget, makeText(), makeText(), makeText(), new QLabel, new LevelGauge};
+    auto* warning = new QLabel;
+    warning->setTextFormat(Qt::PlainText);
+    Section::Row row{new QWidget, makeText(), makeText(), makeText(), warning, new LevelGauge};
     auto* lines = new QVBoxLayout(row.widget);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(2);

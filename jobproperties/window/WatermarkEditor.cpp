@@ -52,6 +52,7 @@ WatermarkEditor::WatermarkEditor(JobSettings& givenSettings, QWidget* parent)
     printed->setAccessibleName(tr("Watermark to print"));
     label->setBuddy(printed);
     lockNote = new QLabel;
+    lockNote->setTextFormat(Qt::PlainText);
     head->addWidget(label);
     head->addWidget(printed, 1);
     head->addWidget(lockNote);
@@ -63,6 +64,7 @@ WatermarkEditor::WatermarkEditor(JobSettings& givenSettings, QWidget* parent)
     middle->addWidget(MakeFields(), 3);
     column->addLayout(middle, 1);
     message = new QLabel;
+    message->setTextFormat(Qt::PlainText);
     message->setWordWrap(true);
     message->hide();
     column->addWidget(message);

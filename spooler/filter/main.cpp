@@ -1,13 +1,17 @@
+#include "bidi/SpoolerCommands.h"
+#include "platform/SecretMemory.h"
 #include "platform/System.h"
 #include "platform/posix/PosixNetServices.h"
 #include "platform/posix/PosixSystem.h"
 #include "spooler/filter/Commands.h"
+#include "spooler/filter/Confinement.h"
 #include "spooler/filter/LiveSource.h"
 #include "spooler/filter/PrintJob.h"
 #include "spooler/filter/PrivateFolder.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -16,6 +20,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 // The queue's filter, called by the print server for each job: documents of the type
 // application/vnd.cups-postscript, and command jobs. docs/spooler-filter.md describes it.
@@ -27,8 +32,9 @@ using filter::FilterJob;
 
 int runCommandJob(const FilterJob& job, int source) {
     const std::size_t limit = filter::mostCommandText(job.title);
-    std::string text;
+    std::vector<char, platform::WipingAllocator<char>> text; // it may hold a password
     std::array<char, 65536> block{};
+    const platform::WipeGuard guard(block);
     // A byte beyond the limit is enough to refuse it.
     while (text.size() <= limit) {
         const ssize_t count = ::read(source, block.data(), block.size());
@@ -39,13 +45,22 @@ int runCommandJob(const FilterJob& job, int source) {
             filter::tellError("The command cannot be read: " + std::generic_category().message(errno) + ".");
             return 1;
         }
-        text.append(block.data(), count < 0 ? 0 : static_cast<std::size_t>(count));
+        text.insert(text.end(), block.begin(), block.begin() + std::max<ssize_t>(count, 0));
     }
     filter::FolderSource stored(platform::system().Resolve(filter::controllersFolder));
     const char* ppd = std::getenv("PPD");
     filter::LiveSource controllers(stored, job.deviceUri, ppd == nullptr ? "" : ppd,
                                    filter::liveAsking(job.queue, job.deviceUri));
-    return filter::runCommand(job, text, controllers);
+    return filter::runCommand(job, {text.data(), text.size()}, controllers);
+}
+
+// A request asks the queue's printer; every other job has no business with a network.
+filter::Network networkOf(const FilterJob& job) {
+    const std::optional<SpoolerCommand> command =
+        job.IsCommand() ? commandFromTitle(job.title) : std::nullopt;
+    const bool isRequest = command == SpoolerCommand::updateCommands ||
+                           command == SpoolerCommand::getServerData || command == SpoolerCommand::allBidi;
+    return isRequest ? filter::Network::allowed : filter::Network::none;
 }
 
 } // namespace
@@ -57,6 +72,9 @@ int main(int argc, char** argv) {
     if (!job) {
         filter::tellError("Usage: torkafilter JOB USER TITLE COPIES OPTIONS [FILE]");
         return 1;
+    }
+    for (const std::string& problem : filter::confine(networkOf(*job))) {
+        filter::tellDebug(problem);
     }
     platform::PosixSystemOptions options;
     options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;

@@ -63,6 +63,12 @@ std::size_t vectorPosition(std::string_view specialKey) {
     return found != std::end(values) ? static_cast<std::size_t>(found - std::begin(values)) + 1 : 0;
 }
 
+std::string readFailure(const std::error_code& code) {
+    return code == std::errc::no_such_file_or_directory
+               ? ": no field keys are installed; protected fields are left out of jobs"
+               : ": cannot be read: " + code.message();
+}
+
 std::mutex& installMutex() {
     static std::mutex mutex;
     return mutex;
@@ -107,32 +113,35 @@ std::shared_ptr<const FieldKeys> FieldKeys::Load(std::span<const std::uint8_t> b
 
 std::shared_ptr<const FieldKeys> FieldKeys::Load(const std::filesystem::path& path, std::string& error) {
     std::string content;
+    const WipeGuard<std::string> guard(content);
     if (const std::error_code code = system().ReadFile(path, fileLimit, content)) {
-        error = path.string() + (code == std::errc::no_such_file_or_directory
-                                     ? ": no field keys are installed; protected fields are left out of jobs"
-                                     : ": cannot be read: " + code.message());
+        error = path.string() + readFailure(code);
         return nullptr;
     }
     auto keys = Load(std::span(reinterpret_cast<const std::uint8_t*>(content.data()), content.size()), error);
-    wipe(content.data(), content.size());
     if (!keys) {
         error = path.string() + ": " + error;
     }
     return keys;
 }
 
-std::shared_ptr<const FieldKeys> FieldKeys::LoadInstalled(std::string& error) {
-    namespace fs = std::filesystem;
-    const fs::path path = system().Resolve(installedPath);
-    std::error_code code;
-    const fs::file_status status = fs::status(path, code);
-    constexpr fs::perms othersMayWrite = fs::perms::group_write | fs::perms::others_write;
-    if (fs::exists(status) && (status.permissions() & othersMayWrite) != fs::perms::none) {
-        error = path.string() +
-                ": others than the owner may write to the field keys; take that right away (chmod 0644)";
+std::shared_ptr<const FieldKeys> FieldKeys::LoadInstalled(std::string& error, bool* isMissing) {
+    SecureBuffer content;
+    std::string refusal;
+    const std::error_code code = system().ReadGuardedFile(installedPath, fileLimit, content, refusal);
+    if (isMissing != nullptr) {
+        *isMissing = code == std::errc::no_such_file_or_directory;
+    }
+    const std::string path = system().Resolve(installedPath).string();
+    if (code) {
+        error = refusal.empty() ? path + readFailure(code) : refusal + "; the field keys are not used";
         return nullptr;
     }
-    return Load(path, error);
+    auto keys = Load(std::span<const std::uint8_t>(content), error);
+    if (!keys) {
+        error = path + ": " + error;
+    }
+    return keys;
 }
 
 std::span<const std::uint8_t, FieldKeys::aesKeyBytes> FieldKeys::AesKey(std::string_view specialKey) const {
@@ -150,6 +159,18 @@ std::span<const std::uint8_t, FieldKeys::vectorBytes> FieldKeys::Vector(std::str
 void installFieldKeys(std::shared_ptr<const FieldKeys> keys) {
     const std::lock_guard lock(installMutex());
     installedSet() = std::move(keys);
+}
+
+bool useInstalledFieldKeys(std::string& problem) {
+    bool isMissing = false;
+    std::string error;
+    auto keys = FieldKeys::LoadInstalled(error, &isMissing);
+    const bool isUsable = keys || isMissing;
+    if (!isUsable) {
+        problem = error;
+    }
+    installFieldKeys(std::move(keys));
+    return isUsable;
 }
 
 std::shared_ptr<const FieldKeys> installedFieldKeys() {

@@ -36,9 +36,10 @@ public:
     static std::shared_ptr<const FieldKeys> Load(std::span<const std::uint8_t> bytes, std::string& error);
     // Reads a file; `error` names it.
     static std::shared_ptr<const FieldKeys> Load(const std::filesystem::path& path, std::string& error);
-    // Reads the file at `installedPath` below the system root. A file that others than its owner may write to
-    // is refused: whoever could replace the keys could read the fields.
-    static std::shared_ptr<const FieldKeys> LoadInstalled(std::string& error);
+    // Reads the file at `installedPath` below the system root, as System::ReadGuardedFile does: whoever could
+    // put other keys there could read the fields. `isMissing` tells a file that is not there from one that
+    // cannot be used.
+    static std::shared_ptr<const FieldKeys> LoadInstalled(std::string& error, bool* isMissing = nullptr);
 
     // The key and vector for a value of the option "*UseSpecialKey". "2" to "11" choose one of the ten
     // further keys; "5", "6", "7" and "11" also one of the four further vectors; any other value chooses the
@@ -63,5 +64,8 @@ private:
 // every reader keeps what it got for as long as it works with it.
 void installFieldKeys(std::shared_ptr<const FieldKeys> keys);
 std::shared_ptr<const FieldKeys> installedFieldKeys();
+// Installs the set at FieldKeys::installedPath, or none. False when there is a file that is not used, with
+// the reason for a person; a site without keys has no problem.
+bool useInstalledFieldKeys(std::string& problem);
 
 } // namespace torka

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <cwchar>
 #include <limits>
 #include <unordered_map>
 
@@ -60,7 +61,7 @@ bool differsFromModule(const SharedMemoryList& record, const SharedMemoryList& f
 // Copies the record but for places of entries that it does not have, which are never read.
 void keep(const SharedMemoryList& record) {
     if (!sharedListCopyFromJP) {
-        sharedListCopyFromJP = std::make_unique<SharedMemoryList>();
+        sharedListCopyFromJP = newSharedMemoryList();
     }
     SharedMemoryList& copy = *sharedListCopyFromJP;
     const auto count = static_cast<std::ptrdiff_t>(entryCount(record));
@@ -79,7 +80,7 @@ wchar_t* KeyValueList::Room(std::size_t units) {
     if (units > left) {
         constexpr std::size_t blockUnits = 16384;
         left = std::max(units, blockUnits);
-        blocks.push_back(std::make_unique_for_overwrite<wchar_t[]>(left));
+        blocks.push_back(platform::makeSecretArray<wchar_t>(left));
         next = blocks.back().get();
     }
     wchar_t* room = next;
@@ -93,7 +94,7 @@ void KeyValueList::Reserve(std::size_t count, std::size_t characters) {
     const std::size_t units = characters + 2 * count;
     if (units > left) {
         left = units;
-        blocks.push_back(std::make_unique_for_overwrite<wchar_t[]>(left));
+        blocks.push_back(platform::makeSecretArray<wchar_t>(left));
         next = blocks.back().get();
     }
 }
@@ -124,6 +125,7 @@ void KeyValueList::SetValue(std::size_t index, std::wstring_view value) {
     value = value.substr(0, value.find(L'\0'));
     wchar_t* room = Room(value.size() + 1);
     *std::copy(value.begin(), value.end(), room) = L'\0';
+    platform::wipe(entries[index].szValue, std::wcslen(entries[index].szValue) * sizeof(wchar_t));
     entries[index].szValue = room;
 }
 

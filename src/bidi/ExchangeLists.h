@@ -2,6 +2,7 @@
 
 #include "bidi/JobPropertiesModule.h"
 #include "bidi/SharedMemoryList.h"
+#include "platform/SecretMemory.h"
 
 #include <cstddef>
 #include <memory>
@@ -10,8 +11,8 @@
 
 namespace torka {
 
-// Settings in the form in which they are handed to the module. Owns the texts; List() stays valid until the
-// next change.
+// Settings in the form in which they are handed to the module. Owns the texts, which may be secret and are
+// wiped when they are replaced and at the end; List() stays valid until the next change.
 class KeyValueList {
 public:
     KeyValueList() = default;
@@ -35,7 +36,7 @@ private:
     wchar_t* Room(std::size_t units);
 
     std::vector<SDMKeyValue> entries;
-    std::vector<std::unique_ptr<wchar_t[]>> blocks;
+    std::vector<platform::SecretArray<wchar_t>> blocks;
     wchar_t* next = nullptr;
     std::size_t left = 0;
     SDMKeyValueList list{};

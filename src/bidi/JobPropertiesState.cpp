@@ -6,7 +6,7 @@ std::string gServerLanguage;
 SharedMemoryList* sharedList = nullptr;
 bool gotSharedListFromJP = false;
 bool gotServerPresetFromJP = false;
-std::unique_ptr<SharedMemoryList> sharedListCopyFromJP;
+SharedMemoryListPtr sharedListCopyFromJP;
 std::array<SDMCallbackSlot, SDM_CALLBACK_SLOTS> mFuncList{};
 bool mJPLoaded = false;
 JPHANDLE mJPHandle = nullptr;

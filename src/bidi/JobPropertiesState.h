@@ -26,7 +26,7 @@ extern bool gotSharedListFromJP;
 // That list carried a preset of the server. Written by the list conversions.
 extern bool gotServerPresetFromJP;
 // The whole record as the module's settings were written into it; null before the first time.
-extern std::unique_ptr<SharedMemoryList> sharedListCopyFromJP;
+extern SharedMemoryListPtr sharedListCopyFromJP;
 
 // The callback table, which LoadJPModule fills.
 extern std::array<SDMCallbackSlot, SDM_CALLBACK_SLOTS> mFuncList;

@@ -1,9 +1,13 @@
 #include "bidi/ModuleMemory.h"
 
+#include "bidi/SharedMemoryList.h"
+#include "platform/SecretMemory.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <limits>
 
 namespace torka {
@@ -37,13 +41,21 @@ wchar_t* ModuleMemory::NewText(std::wstring_view text, std::size_t leastUnits) c
     return copy;
 }
 
+// No further than the record takes a value: a module's text may lack its end.
+void ModuleMemory::FreeValue(wchar_t* value) const {
+    if (value) {
+        platform::wipe(value, ::wcsnlen(value, exchangeValueSize) * sizeof(wchar_t));
+    }
+    Free(value);
+}
+
 void ModuleMemory::FreeList(SDMKeyValueList* list) const {
     if (!list) {
         return;
     }
     for (std::size_t i = 0; list->items && i < list->count; ++i) {
         Free(list->items[i].szKey);
-        Free(list->items[i].szValue);
+        FreeValue(list->items[i].szValue);
     }
     Free(list->items);
     Free(list);

@@ -36,7 +36,8 @@ public:
         }
     }
 
-    // Free a structure with everything in it, innermost block first. Null is allowed at every place.
+    // Free a structure with everything in it, innermost block first. Null is allowed at every place. A
+    // setting's value is wiped first, as far as the exchange record takes it.
     void FreeList(SDMKeyValueList* list) const;
     void FreeToners(SDMTonerInfoArray* toners) const;
     void FreeTrays(SDMTrayInfoArray* trays) const;
@@ -44,6 +45,7 @@ public:
     void FreeNames(wchar_t** names, std::size_t count) const;
 
 private:
+    void FreeValue(wchar_t* value) const;
     void* NewZeroed(std::size_t count, std::size_t size) const;
 
     Allocate allocate;

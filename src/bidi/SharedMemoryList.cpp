@@ -1,11 +1,13 @@
 #include "bidi/SharedMemoryList.h"
 
 #include "bidi/FieldText.h"
+#include "platform/SecretMemory.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <limits>
+#include <new>
 
 namespace torka {
 
@@ -15,6 +17,14 @@ namespace {
 constexpr std::size_t longestDefinition = 1023;
 
 } // namespace
+
+void SharedMemoryListFree::operator()(SharedMemoryList* record) const noexcept {
+    platform::freeSecret(record, sizeof *record);
+}
+
+SharedMemoryListPtr newSharedMemoryList() {
+    return SharedMemoryListPtr(new (platform::allocateSecret(sizeof(SharedMemoryList))) SharedMemoryList{});
+}
 
 std::string_view fieldText(std::span<const char> field) {
     const void* end = std::memchr(field.data(), '\0', field.size());

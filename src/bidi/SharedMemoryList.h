@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -58,6 +59,13 @@ static_assert(offsetof(SharedMemoryList, extraPending) == 2'297'903);
 static_assert(offsetof(SharedMemoryList, plugInName) == 2'297'935);
 static_assert(offsetof(SharedMemoryList, driverVersion) == 2'297'951);
 static_assert(offsetof(SharedMemoryList, osVersion) == 2'297'967);
+
+// A record on the heap, zeroed; it may hold secrets, so it is wiped at its end and left out of core files.
+struct SharedMemoryListFree {
+    void operator()(SharedMemoryList* record) const noexcept;
+};
+using SharedMemoryListPtr = std::unique_ptr<SharedMemoryList, SharedMemoryListFree>;
+SharedMemoryListPtr newSharedMemoryList();
 
 // The text up to its NUL or the end of its field.
 std::string_view fieldText(std::span<const char> field);

@@ -1,5 +1,6 @@
 #include "platform/CoreFoundation.h"
 
+#include "platform/SecretMemory.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
@@ -73,6 +74,10 @@ int compareFolded(std::u16string_view left, std::u16string_view right) {
 }
 
 } // namespace
+
+CFString::~CFString() { wipeText(units); }
+
+CFData::~CFData() { wipeText(bytes); }
 
 CFObject::~CFObject() = default;
 

@@ -15,6 +15,7 @@
 // Handles are shared pointers to immutable objects: null is absence, a copy is cheap, nothing is released by
 // hand. Strings hold UTF-16 units; every length and position counts those. All calls accept null handles and
 // answer as for an absent value (0, false, null), unless said otherwise. Safe to read from several threads.
+// Strings and data may be secret, so they are wiped when the last handle goes.
 
 namespace torka::platform {
 
@@ -57,9 +58,10 @@ public:
     static constexpr CFTypeID typeID = CFTypeID::string;
     explicit CFString(std::u16string text)
         : units(std::move(text)) {}
+    ~CFString() override;
     CFTypeID TypeID() const override { return typeID; }
 
-    const std::u16string units;
+    std::u16string units; // never changed: a handle shows it as constant
 };
 
 class CFNumber final : public CFObject {
@@ -93,9 +95,10 @@ public:
     static constexpr CFTypeID typeID = CFTypeID::data;
     explicit CFData(std::vector<std::uint8_t> content)
         : bytes(std::move(content)) {}
+    ~CFData() override;
     CFTypeID TypeID() const override { return typeID; }
 
-    const std::vector<std::uint8_t> bytes;
+    std::vector<std::uint8_t> bytes; // never changed: a handle shows them as constant
 };
 
 // Elements are never null.

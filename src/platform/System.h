@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/CoreFoundation.h"
+#include "platform/SecretMemory.h"
 
 #include <chrono>
 #include <cstdint>
@@ -71,6 +72,12 @@ public:
     // Reads a whole file of at most `limit` bytes; a longer one is std::errc::file_too_large.
     virtual std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,
                                      std::string& content) = 0;
+    // Reads a whole file at a fixed path whose content others must not choose. It is refused, with
+    // std::errc::operation_not_permitted, unless root or this process's user owns the file and every folder
+    // and link on the way to it from the system root (included), and nobody else may write to them; a sticky
+    // folder may be written to. `refusal` then names the file or folder, why, and what to do.
+    virtual std::error_code ReadGuardedFile(std::string_view fixedPath, std::size_t limit,
+                                            SecretBytes& content, std::string& refusal) = 0;
 };
 
 System& system();

@@ -83,16 +83,17 @@ TEST(ModuleCommand, AnInterruptEndsTheWait) {
     const TemporaryFolder folder;
     std::vector<std::string> command =
         moduleRun(TORKA_SAMPLE_MODULE, folder.Write("script", "not-ready forever\n"));
-    // The interrupt comes once the tool has said that it catches it (bit 1 of SigCgt).
-    static constexpr const char* script = "import signal, subprocess, sys, time\n"
-                                          "tool = subprocess.Popen(sys.argv[1:])\n"
+    // The interrupt comes once the session runs: its report is there.
+    static constexpr const char* script = "import os, signal, subprocess, sys, time\n"
+                                          "report = sys.argv[1]\n"
+                                          "tool = subprocess.Popen(sys.argv[2:])\n"
                                           "for _ in range(3000):\n"
-                                          "    status = open(f'/proc/{tool.pid}/status').read()\n"
-                                          "    if int(status.split('SigCgt:')[1].split()[0], 16) & 2: break\n"
+                                          "    if os.path.exists(report): break\n"
                                           "    time.sleep(0.01)\n"
                                           "tool.send_signal(signal.SIGINT)\n"
                                           "sys.exit(tool.wait(timeout=60) & 255)\n";
-    command.insert(command.begin(), {"python3", "-c", script, TORKA_BINARY_DIR "/bin/torka"});
+    command.insert(command.begin(), {"python3", "-c", script, (folder / "script.report").string(),
+                                     TORKA_BINARY_DIR "/bin/torka"});
     const CommandResult result = runCommand(command);
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.errors, HasSubstr("cancelled"));

@@ -127,6 +127,24 @@ TEST(ModuleScript, KeyThatComesTwice) {
     EXPECT_EQ(pane.returned[2].second, L"Press");
 }
 
+// As in the pane: what the description declares as secret, and names that say so themselves.
+TEST(ModuleScript, ReportMasksSecrets) {
+    FakePane pane;
+    const TemporaryFolder folder;
+    const std::string path =
+        folder.Write("p.ppd", "*PPD-Adobe: \"4.3\"\n*%ZANJobNote *Code/Code: 8|Numeric|Password\n"
+                              "*%ZANJobNote *Badge/Badge: 8|AESEncrypt\n"
+                              "*%ZANJobNote *Notes1/Notes: 80|Any\n");
+    pane.serverData = L"<SMDData><Configuration ppdLocation0=\"" + std::wstring(path.begin(), path.end()) +
+                      L"\"/></SMDData>";
+    pane.settings = {{L"*Code", L"1234"},           {L"Badge", L"b-77"},        {L"*Notes1", L"open"},
+                     {L"*UnknownPassword", L"pwd"}, {L"QVUserAuthPwd", L"pw2"}, {L"*DeptPassword", L""}};
+    ScriptFile script("print settings");
+    ASSERT_TRUE(pane.Run());
+    EXPECT_EQ(script.Report(), "[settings] 6\n*Code\t********\nBadge\t********\n*Notes1\topen\n"
+                               "*UnknownPassword\t********\nQVUserAuthPwd\t********\n*DeptPassword\t\n");
+}
+
 TEST(ModuleScript, TemplateOverridesLocksAndVeils) {
     FakePane pane;
     fill(pane);

@@ -107,6 +107,32 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
     EXPECT_EQ(pane.returnedWatermarks[0], L"0,0,0,128,128,128,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2");
 }
 
+// Names, keys and tips that look like markup, from a description and from the server.
+TEST_F(ModuleWindow, ShowsMarkupAsText) {
+    const TemporaryFolder folder;
+    const std::string path =
+        folder.Write("p.ppd", "*PPD-Adobe: \"4.3\"\n*OpenUI *Bold/<b>Bold</b>: PickOne\n"
+                              "*DefaultBold: A\n*Bold A/<i>a</i>: \"\"\n*CloseUI: *Bold\n");
+    pane.serverData = L"<SMDData><Configuration ppdLocation0=\"" + std::wstring(path.begin(), path.end()) +
+                      L"\"/></SMDData>";
+    pane.settings = {{L"*Bold", L"A"}, {L"*<u>unknown</u>", L"<u>x</u>"}};
+    pane.veiled.clear();
+    pane.help = {{L"*Bold", L"<a href=\"x\">help</a>"}};
+    whenOpen(pane, [](QDialog& dialog) {
+        std::size_t markup = 0;
+        for (const QLabel* label : dialog.findChildren<QLabel*>()) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
+            markup += Qt::mightBeRichText(label->text()) ? 1U : 0U;
+        }
+        EXPECT_GE(markup, 1U) << "nothing looked like markup";
+        for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
+            EXPECT_FALSE(widget->toolTip().contains("<b>") || widget->toolTip().contains("<a "))
+                << widget->toolTip().toStdString();
+        }
+    });
+    pane.Run();
+}
+
 TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
     int count = 1;
     char name[] = "host";

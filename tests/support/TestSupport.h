@@ -60,6 +60,11 @@ private:
     MemorySystem* system; // owned by the holder of platform::system()
 };
 
+// How often a text lies in the writable memory of this process, in whatever pages. It is given with each byte
+// changed by `secretMask`, so that the search itself holds no copy.
+inline constexpr char secretMask = '\x55';
+std::size_t copiesInMemory(std::string_view maskedText);
+
 struct CommandResult {
     int status = -1; // exit status, 128 + signal when killed, -1 when it could not be started
     std::string output;

@@ -3,8 +3,11 @@
 #include "platform/posix/PosixSystem.h"
 #include "tests/support/TestSupport.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace torka {
 namespace {
@@ -96,13 +99,99 @@ TEST(FieldKeys, InstalledFile) {
     installFieldKeys(nullptr);
     EXPECT_EQ(installedFieldKeys(), nullptr);
 
-    for (const unsigned mode : {0664U, 0646U}) {
-        fs::permissions(file, static_cast<fs::perms>(mode));
-        EXPECT_EQ(FieldKeys::LoadInstalled(error), nullptr);
-        EXPECT_NE(error.find("others than the owner may write"), std::string::npos) << error;
-    }
     EXPECT_EQ(FieldKeys::Load(folder.Path(), error), nullptr);
     EXPECT_NE(error.find("cannot be read"), std::string::npos) << error;
+    setSystem(nullptr);
+}
+
+// Whoever may change the file, a folder above it or a link on the way chooses the keys. Each case changes one
+// thing of a good place, names what must be refused ("" for nothing), and is undone with the folder.
+TEST(FieldKeys, RefusesWhatOthersMayReplace) {
+    namespace fs = std::filesystem;
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can give files away";
+    }
+    constexpr uid_t other = 65534;
+    const std::string zan = "Library/Application Support/ZAN";
+    const std::string keysName = zan + "/FieldKeys.plist";
+    struct Case {
+        std::string name;
+        std::function<void(const fs::path& root)> change;
+        std::string refused; // below the root
+        std::string why;
+    };
+    const auto mode = [](const std::string& name, unsigned bits) {
+        return [=](const fs::path& root) { ASSERT_EQ(::chmod((root / name).c_str(), bits), 0); };
+    };
+    const auto owner = [](const std::string& name) {
+        return [=](const fs::path& root) { ASSERT_EQ(::lchown((root / name).c_str(), other, other), 0); };
+    };
+    // The folder of the file lies elsewhere and a link leads there.
+    const auto moved = [&](const std::string& folder, bool isAbsolute) {
+        return [=](const fs::path& root) {
+            fs::create_directories(root / folder);
+            fs::rename(root / zan, root / folder / "keys");
+            fs::create_symlink(isAbsolute ? root / folder / "keys" : fs::path("../../") / folder / "keys",
+                               root / zan);
+        };
+    };
+    const auto both = [](auto first, auto second) {
+        return [=](const fs::path& root) {
+            first(root);
+            second(root);
+        };
+    };
+    const std::string writable = "others than its owner may write to the ";
+    const Case cases[] = {
+        {"nothing", [](const fs::path&) {}, "", ""},
+        {"group may write the file", mode(keysName, 0664), keysName, writable + "file"},
+        {"all may write the file", mode(keysName, 0646), keysName, writable + "file"},
+        {"file of another", owner(keysName), keysName, "the file belongs to nobody (uid 65534)"},
+        {"folder of another", owner(zan), zan, "the folder belongs to"},
+        {"all may write the folder", mode(zan, 0757), zan, writable + "folder"},
+        {"group may write far above", mode("Library", 0775), "Library", writable + "folder"},
+        {"all may write the root", mode("", 0777), "", writable + "folder"},
+        {"sticky", mode("Library", 01777), "", ""},
+        {"link, relative", moved("safe", false), "", ""},
+        {"link, absolute", moved("safe", true), "", ""},
+        {"link of another", both(moved("safe", false), owner(zan)), zan, "the link belongs to"},
+        {"link into a writable folder", both(moved("open", false), mode("open", 0777)), "open", writable},
+        {"circle",
+         [=](const fs::path& root) {
+             fs::remove_all(root / zan);
+             fs::create_symlink("ZAN", root / zan);
+         },
+         "Library/Application Support/ZAN", "cannot be read: Too many levels of symbolic links"},
+        {"pipe",
+         [=](const fs::path& root) {
+             fs::remove(root / keysName);
+             ASSERT_EQ(::mkfifo((root / keysName).c_str(), 0600), 0);
+         },
+         keysName, "cannot be read"},
+    };
+    for (const Case& entry : cases) {
+        const tests::TemporaryFolder folder; // below a sticky folder, in which the walk does not look
+        const fs::path root = folder / "root";
+        fs::create_directories(root / zan);
+        fs::copy_file(samplePath, root / keysName);
+        PosixSystemOptions options;
+        options.root = root;
+        setSystem(std::make_unique<PosixSystem>(options));
+        std::string error;
+        ASSERT_TRUE(FieldKeys::LoadInstalled(error)) << entry.name << ": " << error;
+        entry.change(root);
+        const bool isGood = entry.why.empty();
+        bool isMissing = true;
+        error.clear();
+        EXPECT_EQ(FieldKeys::LoadInstalled(error, &isMissing) != nullptr, isGood)
+            << entry.name << ": " << error;
+        EXPECT_FALSE(isMissing) << entry.name;
+        EXPECT_EQ(useInstalledFieldKeys(error), isGood) << entry.name;
+        EXPECT_EQ(installedFieldKeys() != nullptr, isGood) << entry.name;
+        EXPECT_TRUE(isGood || error.find(entry.refused) != std::string::npos) << entry.name << ": " << error;
+        EXPECT_NE(error.find(entry.why), std::string::npos) << entry.name << ": " << error;
+    }
+    installFieldKeys(nullptr);
     setSystem(nullptr);
 }
 

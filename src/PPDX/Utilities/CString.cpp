@@ -1,6 +1,7 @@
 #include "PPDX/Utilities/CString.h"
 
 #include "PPDX/Utilities/ModelState.h"
+#include "platform/SecretMemory.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -63,6 +64,9 @@ void CString::SetBuffer(std::string_view text) {
 }
 
 void CString::ClearBuffer() {
+    if (buffer != nullptr) {
+        platform::wipe(buffer, std::strlen(buffer)); // it may be a secret note
+    }
     std::free(buffer);
     Initialize();
 }

@@ -34,6 +34,7 @@ std::string cutPath(std::string path) {
 // A whole file at once, so that nobody meets half a description. False leaves no copy.
 bool copyFile(const std::string& from, const std::filesystem::path& to) {
     std::string content;
+    const platform::WipeGuard<std::string> guard(content);
     return !platform::system().ReadFile(from, descriptionLimit, content) &&
            !platform::system().WriteFile(to, content, copyMode);
 }

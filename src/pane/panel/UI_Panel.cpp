@@ -1,7 +1,6 @@
 #include "pane/panel/UI_Panel.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "ZANUtils/SecureBuffer.h"
 #include "bidi/BidiFailure.h"
 #include "bidi/JobPropertiesSession.h"
 #include "bidi/JobPropertiesState.h"
@@ -38,21 +37,10 @@ constexpr std::string_view cancelled = "1";
 
 EventLoopTimerRef returnTimer;
 
-// Wiped at its end, for notes may be secret.
-std::shared_ptr<SharedMemoryList> newRecord() {
-    return {new SharedMemoryList{}, [](SharedMemoryList* record) {
-                wipeValue(*record);
-                std::default_delete<SharedMemoryList>()(record);
-            }};
-}
-
 // What the module returned last, once nothing is compared with it any more.
 void forgetModuleSettings() {
     gotSharedListFromJP = false;
-    if (sharedListCopyFromJP) {
-        wipeValue(*sharedListCopyFromJP);
-        sharedListCopyFromJP.reset();
-    }
+    sharedListCopyFromJP.reset();
 }
 
 std::string_view headerText(const CString* value) {
@@ -77,7 +65,7 @@ std::string_view versionForModule(std::string_view version) {
 UI_Panel::UI_Panel(PDEData* pdeData, PanelServices* services)
     : mPDEData(pdeData)
     , mCustomizePane(std::make_unique<CustomizePaneController>(pdeData->PPDModel()))
-    , mSharedList(newRecord())
+    , mSharedList(newSharedMemoryList())
     , panel(services)
     , model(pdeData->PPDModel()) {
     mCustomizePane->SetServerPresetReset([this] { resetJPServerpresetKeys(); });

@@ -164,9 +164,11 @@ AddressSheet::~AddressSheet() { delete dialog.data(); }
 
 void AddressSheet::LayOut(const BidiTranslator& translate) {
     auto* fieldLabel = new QLabel(translate("ADDRESS_LABEL", "&IP address or DNS name:"), dialog);
+    fieldLabel->setTextFormat(Qt::PlainText);
     fieldLabel->setBuddy(field);
     auto* tableLabel =
         new QLabel(translate("CONTROLLERS_LABEL", "&Controllers on the local network:"), dialog);
+    tableLabel->setTextFormat(Qt::PlainText);
     tableLabel->setBuddy(table);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
     buttons->button(QDialogButtonBox::Ok)->setText(translate("OK", "OK"));

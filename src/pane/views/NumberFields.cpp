@@ -138,6 +138,7 @@ SizeRow::SizeRow(PaneContext& paneContext, const PaneField& shownField, QWidget*
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(width, 1);
     auto* times = new QLabel(QStringLiteral("×"), both);
+    times->setTextFormat(Qt::PlainText);
     layout->addWidget(times);
     layout->addWidget(height, 1);
     Take(both, width, false);

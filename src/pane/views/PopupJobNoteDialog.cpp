@@ -140,6 +140,7 @@ private:
         const bool secret = isSecret(note);
         const std::string outlet = (secret ? "popupJobNoteSec" : "popupJobNoteVal") + number;
         auto* label = new QLabel(labelText(name), this);
+        label->setTextFormat(Qt::PlainText);
         label->setObjectName(QStringLiteral("popupJobNoteKey") + place);
         label->setWordWrap(true);
         label->setMinimumWidth(WidthFor(name, 32));

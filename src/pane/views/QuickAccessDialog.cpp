@@ -75,13 +75,16 @@ void QuickAccessDialog::Arrange() {
     available->setMinimumWidth(wide);
     chosen->setMinimumWidth(wide);
     available->setMinimumHeight(fontMetrics().lineSpacing() * 16);
+    count->setTextFormat(Qt::PlainText);
     hint->setTextFormat(Qt::PlainText);
     hint->setWordWrap(true);
     alignLeading(*hint);
 
     auto* availableLabel = new QLabel(context.Say(words::quickAvailable), this);
+    availableLabel->setTextFormat(Qt::PlainText);
     availableLabel->setBuddy(available);
     auto* chosenLabel = new QLabel(context.Say(words::quickChosen), this);
+    chosenLabel->setTextFormat(Qt::PlainText);
     chosenLabel->setBuddy(chosen);
     for (const auto& [label, list] :
          {std::pair<QLabel*, QWidget*>{availableLabel, available}, {chosenLabel, chosen}}) {
@@ -369,6 +372,7 @@ void QuickAccessSheet::Take(std::vector<std::string> keywords) {
     if (!isKept && root != nullptr) {
         auto* box = new QMessageBox(QMessageBox::Warning, context.Say(words::quickTitle),
                                     context.Say(words::quickNotSaved), QMessageBox::NoButton, root);
+        box->setTextFormat(Qt::PlainText);
         box->addButton(context.Say(words::ok), QMessageBox::AcceptRole);
         box->setAttribute(Qt::WA_DeleteOnClose);
         box->open();

@@ -1,5 +1,6 @@
 #include "platform/cups/CupsPrinting.h"
 
+#include "platform/SecretMemory.h"
 #include "platform/cups/CupsHandles.h"
 
 #include <cups/ppd.h>
@@ -127,7 +128,8 @@ OSStatus CupsPrinter::SendCommand(const CFStringRef& command, const CFStringRef&
         }
     }
     const std::string jobTitle = utf8Text(title);
-    const std::string text = utf8Text(command);
+    std::string text = utf8Text(command);
+    const WipeGuard<std::string> guard(text); // a ticket may hold a password
     const int job = cupsCreateJob(CUPS_HTTP_DEFAULT, queueName.c_str(), jobTitle.c_str(), jobOptions.Count(),
                                   jobOptions.Data());
     if (job == 0) {

@@ -50,4 +50,12 @@ std::error_code MemorySystem::ReadFile(const std::filesystem::path& path, std::s
     return {};
 }
 
+std::error_code MemorySystem::ReadGuardedFile(std::string_view fixedPath, std::size_t limit,
+                                              SecretBytes& content, std::string& /*refusal*/) {
+    std::string text;
+    const std::error_code failure = ReadFile(Resolve(fixedPath), limit, text);
+    content.assign(text.begin(), text.end());
+    return failure;
+}
+
 } // namespace torka::platform

@@ -41,6 +41,9 @@ public:
                               unsigned mode) override;
     std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,
                              std::string& content) override;
+    // Nothing in memory is anybody else's.
+    std::error_code ReadGuardedFile(std::string_view fixedPath, std::size_t limit, SecretBytes& content,
+                                    std::string& refusal) override;
 
     int minorVersion = 15;
     std::filesystem::path root;

@@ -1,5 +1,6 @@
 #include "platform/PropertyList.h"
 
+#include "platform/SecretMemory.h"
 #include "platform/TextEncoding.h"
 #include "platform/plist/PlainForm.h"
 
@@ -22,7 +23,10 @@ struct NodeFree {
 };
 using Node = std::unique_ptr<void, NodeFree>;
 struct TextFree {
-    void operator()(char* text) const { std::free(text); }
+    void operator()(char* text) const {
+        wipe(text, text != nullptr ? std::strlen(text) : 0);
+        std::free(text);
+    }
 };
 using Text = std::unique_ptr<char, TextFree>;
 

@@ -2,6 +2,7 @@
 
 #include "platform/FixedPath.h"
 #include "platform/TextEncoding.h"
+#include "platform/posix/PrivateFolders.h"
 
 #include <algorithm>
 #include <array>
@@ -80,8 +81,7 @@ PosixSystem::~PosixSystem() {
         close(cancelEvent);
     }
     if (!privateFolder.empty()) {
-        std::error_code ignored;
-        std::filesystem::remove_all(privateFolder, ignored);
+        removePrivateFolder(privateFolder);
     }
 }
 
@@ -99,10 +99,7 @@ std::filesystem::path PosixSystem::TemporaryFolder() const {
 
 std::filesystem::path PosixSystem::PrivateFolder() {
     if (privateFolder.empty()) {
-        std::string name = (TemporaryFolder() / "torka-XXXXXX").string();
-        if (mkdtemp(name.data()) != nullptr) {
-            privateFolder = name;
-        }
+        privateFolder = makePrivateFolder(TemporaryFolder());
     }
     return privateFolder;
 }

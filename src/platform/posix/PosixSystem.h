@@ -54,6 +54,8 @@ public:
     // Regular files only: a device or a pipe could keep the caller waiting.
     std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,
                              std::string& content) override;
+    std::error_code ReadGuardedFile(std::string_view fixedPath, std::size_t limit, SecretBytes& content,
+                                    std::string& refusal) override;
 
     // Ends the sleep under way, and every later one at once until ClearCancel.
     void Cancel();

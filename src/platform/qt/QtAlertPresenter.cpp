@@ -1,6 +1,7 @@
 #include "platform/qt/QtAlertPresenter.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -14,6 +15,10 @@ AlertButton QtAlertPresenter::RunModal(const AlertText& text) {
     box->setTextFormat(Qt::PlainText);
     box->setText(QString::fromStdString(text.title));
     box->setInformativeText(QString::fromStdString(text.informative));
+    // The toolkit's own setting reaches the title alone.
+    for (QLabel* shown : box->findChildren<QLabel*>()) {
+        shown->setTextFormat(Qt::PlainText);
+    }
     const auto label = [](const std::string& name) {
         return QString::fromStdString(name).replace(QLatin1Char('&'), QLatin1String("&&"));
     };

@@ -1,0 +1,60 @@
+#include "platform/SecretMemory.h"
+
+#include <memory_resource>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
+namespace torka::platform {
+
+namespace {
+
+// Whole pages from the system, left out of core files.
+class HiddenPages final : public std::pmr::memory_resource {
+    void* do_allocate(std::size_t size, std::size_t /*alignment*/) override {
+        void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (pages == MAP_FAILED) {
+            throw std::bad_alloc();
+        }
+        ::madvise(pages, size, MADV_DONTDUMP);
+        return pages;
+    }
+    void do_deallocate(void* pages, std::size_t size, std::size_t /*alignment*/) override {
+        wipe(pages, size);
+        ::munmap(pages, size);
+    }
+    bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
+};
+
+std::pmr::memory_resource& secretMemory() {
+    if constexpr (hasAddressSanitizer) {
+        return *std::pmr::new_delete_resource();
+    }
+    // Never destroyed: values of static storage may be freed later than any that is made here.
+    constexpr std::size_t mostPooled = 4096;
+    static auto* pages = new HiddenPages;
+    static auto* pool = new std::pmr::synchronized_pool_resource(
+        {.max_blocks_per_chunk = 0, .largest_required_pool_block = mostPooled}, pages);
+    return *pool;
+}
+
+} // namespace
+
+void* allocateSecret(std::size_t size) { return secretMemory().allocate(size); }
+
+void freeSecret(void* memory, std::size_t size) noexcept {
+    if (memory != nullptr) {
+        wipe(memory, size);
+        secretMemory().deallocate(memory, size);
+    }
+}
+
+void protectProcess() {
+    const rlimit none{0, 0};
+    ::setrlimit(RLIMIT_CORE, &none);
+    if constexpr (!hasAddressSanitizer) {
+        ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+    }
+}
+
+} // namespace torka::platform

@@ -1,0 +1,128 @@
+#include "platform/posix/PrivateFolders.h"
+
+#include <array>
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <limits.h>
+#include <string>
+#include <string_view>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace torka::platform {
+
+namespace {
+
+constexpr std::string_view prefix = "torka-";
+constexpr std::size_t nameLength = prefix.size() + 6;
+// A folder is made first and locked then.
+constexpr std::time_t youngest = 60; // seconds
+
+// What a signal handler needs: set once, before a handler may read it.
+std::array<char, PATH_MAX> folderOfProcess{};
+int lockOfProcess = -1; // the folder, open and locked
+
+bool isLeftOver(const std::filesystem::path& path, int& folder) {
+    const std::string name = path.filename().string();
+    struct stat facts {};
+    if (!name.starts_with(prefix) || name.size() != nameLength) {
+        return false;
+    }
+    folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    return folder >= 0 && fstat(folder, &facts) == 0 && facts.st_uid == geteuid() &&
+           (facts.st_mode & 0777) == 0700 && facts.st_mtime + youngest < std::time(nullptr) &&
+           flock(folder, LOCK_EX | LOCK_NB) == 0;
+}
+
+void removeLeftOver(const std::filesystem::path& parent) {
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(parent, error), end; !error && entry != end;
+         entry.increment(error)) {
+        int folder = -1;
+        if (isLeftOver(entry->path(), folder)) {
+            std::error_code ignored;
+            std::filesystem::remove_all(entry->path(), ignored);
+        }
+        if (folder >= 0) {
+            close(folder);
+        }
+    }
+}
+
+// Calls only what a signal handler may. The folder holds files alone.
+void removeFilesFromHandler(int folder) {
+    // Of an entry that getdents64(2) gives.
+    constexpr std::size_t lengthOffset = 16; // two bytes
+    constexpr std::size_t nameOffset = 19;
+    alignas(std::max_align_t) std::array<char, 4096> block{};
+    lseek(folder, 0, SEEK_SET);
+    for (;;) {
+        const long count = syscall(SYS_getdents64, folder, block.data(), block.size());
+        if (count <= 0) {
+            return;
+        }
+        for (long at = 0; at < count;) {
+            unsigned short length = 0;
+            std::memcpy(&length, block.data() + at + lengthOffset, sizeof length);
+            unlinkat(folder, block.data() + at + nameOffset, 0); // refuses "." and ".."
+            at += length;
+        }
+    }
+}
+
+void removeAndEnd(int signal) {
+    if (lockOfProcess >= 0) {
+        removeFilesFromHandler(lockOfProcess);
+        rmdir(folderOfProcess.data());
+    }
+    std::signal(signal, SIG_DFL);
+    raise(signal); // once this returns
+}
+
+} // namespace
+
+std::filesystem::path makePrivateFolder(const std::filesystem::path& parent) {
+    removeLeftOver(parent);
+    std::string name = (parent / prefix).string() + "XXXXXX";
+    if (name.size() >= folderOfProcess.size() || mkdtemp(name.data()) == nullptr) {
+        return {};
+    }
+    const int folder = open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder >= 0) {
+        flock(folder, LOCK_EX | LOCK_NB);
+    }
+    name.copy(folderOfProcess.data(), name.size());
+    folderOfProcess[name.size()] = '\0';
+    lockOfProcess = folder;
+    return name;
+}
+
+void removePrivateFolder(const std::filesystem::path& folder) {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    if (lockOfProcess >= 0 && folder == folderOfProcess.data()) {
+        const int lock = lockOfProcess;
+        lockOfProcess = -1;
+        close(lock);
+    }
+}
+
+void removePrivateFolderOnSignals() {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        struct sigaction action {};
+        if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_DFL) {
+            action = {};
+            action.sa_handler = removeAndEnd;
+            sigaction(signal, &action, nullptr);
+        }
+    }
+}
+
+} // namespace torka::platform
