@@ -1,11 +1,15 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/FilterLines.h"
+#include "apps/torka/QueueCheck.h"
 #include "platform/System.h"
+#include "platform/cups/CupsHandles.h"
 #include "platform/cups/CupsQueue.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace torka::tool {
 
@@ -17,6 +21,7 @@ struct QueueOptions {
     std::string name;
     std::string uri;
     std::string path;
+    bool isJson = false;
 };
 
 ExitStatus addNamedQueue(const QueueOptions& options) {
@@ -46,6 +51,41 @@ ExitStatus addNamedQueue(const QueueOptions& options) {
     return ExitStatus::good;
 }
 
+const char* stateWord(CheckState state) {
+    switch (state) {
+    case CheckState::closed:
+        return "closed";
+    case CheckState::open:
+        return "open";
+    case CheckState::unknown:
+        break;
+    }
+    return "unknown";
+}
+
+ExitStatus checkNamedQueue(const QueueOptions& options) {
+    if (!queueNameProblem(options.name).empty() ||
+        !platform::printerAttributes(options.name, {"printer-name"})) {
+        return unusable("the print server has no queue " + printable(options.name));
+    }
+    const std::vector<QueueFinding> findings = checkQueue(options.name);
+    nlohmann::json rows = nlohmann::json::array();
+    for (const QueueFinding& finding : findings) {
+        const std::string state = stateWord(finding.state);
+        rows.push_back({{"what", finding.what}, {"state", state}, {"text", finding.text}});
+        if (!options.isJson) {
+            print(finding.what + ": " + state + ": " + printable(finding.text) + "\n");
+        }
+    }
+    if (options.isJson) {
+        print(nlohmann::json{{"queue", options.name}, {"findings", rows}}.dump(2) + "\n");
+    }
+    return std::ranges::any_of(findings,
+                               [](const auto& finding) { return finding.state == CheckState::open; })
+               ? ExitStatus::findings
+               : ExitStatus::good;
+}
+
 } // namespace
 
 void addQueueCommand(CLI::App& app, ExitStatus& status) {
@@ -59,6 +99,10 @@ void addQueueCommand(CLI::App& app, ExitStatus& status) {
         ->add_option("PPD", options->path, "Extended PPD file; the queue gets a copy with the filter's lines")
         ->required();
     command->callback([options, &status] { status = addNamedQueue(*options); });
+    CLI::App* check = group->add_subcommand("check", "Tell what can be seen of how safe a queue's jobs are");
+    check->add_option("NAME", options->name, "Name of the queue")->required();
+    check->add_flag("--json", options->isJson, "Print JSON");
+    check->callback([options, &status] { status = checkNamedQueue(*options); });
 }
 
 } // namespace torka::tool

@@ -1,0 +1,152 @@
+#include "apps/torka/QueueCheck.h"
+
+#include "bidi/TicketCommands.h"
+#include "output/BundleIdentifier.h"
+#include "platform/System.h"
+#include "platform/cups/CupsHandles.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <span>
+
+namespace torka::tool {
+
+namespace {
+
+using platform::IppMessage;
+
+struct CloseHttp {
+    void operator()(http_t* connection) const { httpClose(connection); }
+};
+
+struct Answer {
+    http_status_t status = HTTP_STATUS_ERROR;
+    IppMessage message;
+    bool IsGood() const { return message && ippGetStatusCode(message.get()) <= IPP_STATUS_OK_CONFLICTING; }
+};
+
+IppMessage makeRequest(ipp_op_t operation, const std::string& queueName, const std::string& user) {
+    IppMessage request(ippNewRequest(operation));
+    ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr,
+                 platform::queueUri(queueName).c_str());
+    ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_NAME, "requesting-user-name", nullptr,
+                 user.c_str());
+    return request;
+}
+
+// Sends a request and never says who is asking, as the library would when the server wants to know.
+Answer askUnauthenticated(const IppMessage& request, const std::string& resource) {
+    constexpr int timeout = 30000; // milliseconds
+    const std::unique_ptr<http_t, CloseHttp> connection(
+        httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, timeout, nullptr));
+    Answer answer;
+    if (!connection) {
+        return answer;
+    }
+    httpClearFields(connection.get());
+    httpSetField(connection.get(), HTTP_FIELD_HOST, "localhost");
+    httpSetField(connection.get(), HTTP_FIELD_CONTENT_TYPE, "application/ipp");
+    httpSetLength(connection.get(), ippLength(request.get()));
+    if (httpPost(connection.get(), resource.c_str()) != 0) {
+        return answer;
+    }
+    ippSetState(request.get(), IPP_STATE_IDLE);
+    while (ippGetState(request.get()) != IPP_STATE_DATA) {
+        if (ippWrite(connection.get(), request.get()) == IPP_STATE_ERROR) {
+            break; // refused before it was read: the status tells
+        }
+    }
+    do {
+        answer.status = httpUpdate(connection.get());
+    } while (answer.status == HTTP_STATUS_CONTINUE);
+    if (answer.status != HTTP_STATUS_OK) {
+        return answer;
+    }
+    answer.message.reset(ippNew());
+    ipp_state_t state = IPP_STATE_IDLE;
+    while (state != IPP_STATE_DATA && state != IPP_STATE_ERROR) {
+        state = ippRead(connection.get(), answer.message.get());
+    }
+    if (state == IPP_STATE_ERROR) {
+        answer.message.reset();
+    }
+    return answer;
+}
+
+// Whether an answer holds one of these attributes, in whichever group.
+bool holds(const IppMessage& message, std::span<const char* const> names) {
+    return message && std::ranges::any_of(names, [&message](const char* name) {
+               return ippFindAttribute(message.get(), name, IPP_TAG_ZERO) != nullptr;
+           });
+}
+
+QueueFinding checkSenderNames(const std::string& queueName, const std::string& stranger) {
+    const Answer answer =
+        askUnauthenticated(makeRequest(IPP_OP_VALIDATE_JOB, queueName, stranger), "/printers/" + queueName);
+    if (answer.IsGood()) {
+        return {"sender-names", CheckState::open,
+                "the server takes any name that a job's sender gives: AuthType in its policy"};
+    }
+    if (answer.status == HTTP_STATUS_UNAUTHORIZED) {
+        return {"sender-names", CheckState::closed, "the server asks who somebody is before it takes a job"};
+    }
+    return {"sender-names", CheckState::unknown, "the server does not tell whether it would take a job"};
+}
+
+IppMessage jobsRequest(const std::string& queueName, const std::string& user,
+                       std::span<const char* const> attributes) {
+    IppMessage request = makeRequest(IPP_OP_GET_JOBS, queueName, user);
+    ippAddString(request.get(), IPP_TAG_OPERATION, IPP_CONST_TAG(IPP_TAG_KEYWORD), "which-jobs", nullptr,
+                 "all");
+    ippAddStrings(request.get(), IPP_TAG_OPERATION, IPP_CONST_TAG(IPP_TAG_KEYWORD), "requested-attributes",
+                  static_cast<int>(attributes.size()), nullptr, attributes.data());
+    return request;
+}
+
+QueueFinding checkTicketNames(const std::string& queueName, const std::string& stranger) {
+    const std::string path(ticketPathSetting);
+    const std::string name(ticketNameOption);
+    const std::array<const char*, 2> attributes{path.c_str(), name.c_str()};
+    const std::string resource = "/printers/" + queueName;
+    const Answer seen = askUnauthenticated(jobsRequest(queueName, stranger, attributes), resource);
+    if (holds(seen.message, attributes)) {
+        return {"ticket-names", CheckState::open,
+                "anybody can read the names of other people's tickets in their jobs: JobPrivateValues in the "
+                "server's policy"};
+    }
+    const IppMessage own(cupsDoRequest(
+        CUPS_HTTP_DEFAULT, jobsRequest(queueName, cupsUser(), attributes).release(), resource.c_str()));
+    if ((seen.IsGood() || seen.status == HTTP_STATUS_UNAUTHORIZED) && holds(own, attributes)) {
+        return {"ticket-names", CheckState::closed, "the names of tickets in jobs are hidden from strangers"};
+    }
+    return {"ticket-names", CheckState::unknown,
+            "no job with print settings is there to see it by: JobPrivateValues in the server's policy"};
+}
+
+QueueFinding checkSubscriptions(const std::string& queueName, const std::string& stranger) {
+    static constexpr std::array<const char*, 2> attributes{"notify-subscriber-user-name",
+                                                           "notify-recipient-uri"};
+    const Answer seen = askUnauthenticated(makeRequest(IPP_OP_GET_SUBSCRIPTIONS, queueName, stranger), "/");
+    static constexpr std::array<const char*, 1> identifier{"notify-subscription-id"};
+    if (holds(seen.message, attributes)) {
+        return {"subscriptions", CheckState::open,
+                "anybody can read who follows which jobs: SubscriptionPrivateValues in the server's policy"};
+    }
+    if (holds(seen.message, identifier) || seen.status == HTTP_STATUS_UNAUTHORIZED) {
+        return {"subscriptions", CheckState::closed, "who follows which jobs is hidden from strangers"};
+    }
+    return {"subscriptions", CheckState::unknown,
+            "no subscription is there to see it by: SubscriptionPrivateValues in the server's policy"};
+}
+
+} // namespace
+
+std::vector<QueueFinding> checkQueue(const std::string& queueName) {
+    // A name that nobody has: what it may see, everybody may.
+    const std::string stranger = "torka-check-" + platform::system().CreateUuidString().substr(0, 8);
+    return {checkSenderNames(queueName, stranger), checkTicketNames(queueName, stranger),
+            checkSubscriptions(queueName, stranger)};
+}
+
+} // namespace torka::tool
