@@ -71,8 +71,9 @@ std::string_view upToNul(std::string_view text) { return text.substr(0, text.fin
 
 CStringSoup::CStringSoup() { texts.reserve(reservedTexts); }
 
-std::int64_t CStringSoup::Insert(std::string_view text) {
-    text = upToNul(text);
+std::int64_t CStringSoup::Insert(std::string_view text) { return InsertWhole(upToNul(text)); }
+
+std::int64_t CStringSoup::InsertWhole(std::string_view text) {
     const std::uint64_t hash = hashText(text);
     if (const std::int64_t known = Find(text, hash); known >= 0)
         return known;

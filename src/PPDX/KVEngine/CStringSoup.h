@@ -23,6 +23,8 @@ public:
 
     // The index of the text, which is added when it is new.
     virtual std::int64_t Insert(std::string_view text);
+    // The same for a text that holds no NUL.
+    std::int64_t InsertWhole(std::string_view text);
     // The text at that index, NUL-terminated; null when there is none. Stays where it is until Clear.
     virtual const char* Find(std::int64_t index) const;
     // The index of the text, or -1.

@@ -10,12 +10,6 @@
 
 namespace torka {
 
-namespace {
-
-bool isEmpty(std::string_view text) { return text.empty() || text.front() == '\0'; }
-
-} // namespace
-
 UIConstraints::UIConstraints()
     : constraints(std::make_unique<ConstraintForest>())
     , requirements(std::make_unique<ConstraintForest>())
@@ -36,11 +30,11 @@ void UIConstraints::KVSInsert(std::int64_t key, std::int64_t option) { options->
 
 void UIConstraints::Add(std::string_view key1Text, std::string_view option1Text, std::string_view key2Text,
                         std::string_view option2Text, bool requirement) {
-    const std::int64_t key1 = strings->Insert(key1Text);
-    const std::int64_t option1 = strings->Insert(option1Text);
-    const std::int64_t key2 = strings->Insert(key2Text);
-    const std::int64_t option2 = strings->Insert(option2Text);
-    if (isEmpty(option1Text) || isEmpty(option2Text))
+    const std::int64_t key1 = strings->InsertWhole(key1Text);
+    const std::int64_t option1 = strings->InsertWhole(option1Text);
+    const std::int64_t key2 = strings->InsertWhole(key2Text);
+    const std::int64_t option2 = strings->InsertWhole(option2Text);
+    if (option1Text.empty() || option2Text.empty())
         deferred.push_back({key1, option1, key2, option2, requirement});
     else
         (requirement ? requirements : constraints)->insert(key1, option1, key2, option2);

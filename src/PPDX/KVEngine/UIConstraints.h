@@ -33,7 +33,7 @@ public:
     void KVSInsert(std::int64_t key, std::int64_t option);
 
     // Records one constraint line (requirement: the line demands instead of forbidding). An empty option text
-    // means every option of that key and waits for Resolve().
+    // means every option of that key and waits for Resolve(). REQUIRES: no NUL in any text.
     void Add(std::string_view key1Text, std::string_view option1Text, std::string_view key2Text,
              std::string_view option2Text, bool requirement);
 

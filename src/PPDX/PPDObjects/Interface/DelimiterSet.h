@@ -23,7 +23,7 @@ public:
     constexpr void Add(char character) {
         kinds[static_cast<unsigned char>(character)] = delimiter;
         if (count < few.size()) {
-            few[count] = character;
+            few[count].fill(character);
         }
         ++count;
     }
@@ -62,18 +62,23 @@ private:
         result['\n'] = result['\r'] = lineEnd;
         return result;
     }
-    using Few = std::array<char, 3>;
+    using Sixteen = std::array<char, 16>;
+    using Few = std::array<Sixteen, 3>;
 
 #ifdef __SSE2__
     struct Searched {
         explicit Searched(const Few& few)
-            : first(_mm_set1_epi8(few[0]))
-            , second(_mm_set1_epi8(few[1]))
-            , third(_mm_set1_epi8(few[2])) {}
+            : first(Load(few[0].data()))
+            , second(Load(few[1].data()))
+            , third(Load(few[2].data())) {}
+
+        static __m128i Load(const char* bytes) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+        }
 
         // A bit for each of 16 bytes that ends a token.
         int Matches(const char* bytes) const {
-            const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+            const __m128i text = Load(bytes);
             const __m128i ends = _mm_or_si128(_mm_cmpeq_epi8(text, _mm_set1_epi8('\n')),
                                               _mm_cmpeq_epi8(text, _mm_set1_epi8('\r')));
             const __m128i two = _mm_or_si128(_mm_cmpeq_epi8(text, first), _mm_cmpeq_epi8(text, second));
@@ -87,7 +92,14 @@ private:
 #endif
 
     std::array<Kind, 256> kinds = lineEndsOnly();
-    Few few{'\n', '\n', '\n'}; // the first delimiters; unused places repeat the end of a line
+    static constexpr Few onlyLineEnds() {
+        Few result{};
+        for (Sixteen& place : result) {
+            place.fill('\n');
+        }
+        return result;
+    }
+    Few few = onlyLineEnds(); // the first delimiters, each repeated; unused places hold the end of a line
     std::size_t count = 0;
 };
 

@@ -16,7 +16,7 @@ class PPDFile;
 
 class PPDFileStream : public PPDStream {
 public:
-    static constexpr long kPieceCapacity = 1'000'000;
+    static constexpr long kPieceCapacity = 32'768; // stays in the processor's cache while it is read
 
     // Bad without a file or when it cannot be opened or read, or is empty. The stream stays empty when not
     // chunked.

@@ -236,9 +236,6 @@ void ZANPPD::ParseLines() {
 void ZANPPD::ParseLine(const char* text, std::string_view line) {
     PPDStream stream(line);
     const std::string_view keyword = TakeMainKeyword(stream);
-    if (isServerRecord(keyword)) {
-        return;
-    }
     switch (lineKind(keyword)) {
     case LineKind::constraint:
         return ParseConstraint(stream, false);
@@ -264,6 +261,9 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
         return ParseJobNote(stream, nullptr);
     case LineKind::other:
         break;
+    }
+    if (isServerRecord(keyword)) {
+        return;
     }
     if (contains(line, "*DMT_Injection")) {
         dmtInjection.append(text).push_back('\n');

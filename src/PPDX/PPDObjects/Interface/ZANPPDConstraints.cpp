@@ -20,6 +20,19 @@ std::string_view takeText(PPDStream& line) {
     return line.TakeToken(blanks, true);
 }
 
+// Takes the next text between blanks off a line that holds no line end and at most 255 characters.
+std::string_view takeWord(std::string_view& line) {
+    std::size_t begin = 0;
+    while (begin < line.size() && (line[begin] == ' ' || line[begin] == '\t')) {
+        ++begin;
+    }
+    line.remove_prefix(begin);
+    const auto length = static_cast<std::size_t>(blanks.FindEnd(line) - line.data());
+    const std::string_view word = line.substr(0, length);
+    line.remove_prefix(length);
+    return word;
+}
+
 // The number after the marker, 0 when there is none.
 long templateLineCount(std::string_view text) {
     long count = 0;
@@ -38,18 +51,19 @@ bool readPoints(std::string_view text, float& points) {
 
 // KEY1 [OPTION1] KEY2 [OPTION2]; a second text that begins with "*" is the second keyword.
 void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
-    const std::string_view key1 = takeText(line);
+    std::string_view rest = line.Remaining();
+    const std::string_view key1 = takeWord(rest);
     std::string_view option1;
-    std::string_view key2 = takeText(line);
+    std::string_view key2 = takeWord(rest);
     if (!key2.starts_with('*')) {
         option1 = key2;
-        key2 = takeText(line);
+        key2 = takeWord(rest);
     }
     if (key2.empty()) {
         Report(PPDErr_BadConstraint, key1, Line());
         return;
     }
-    const std::string_view option2 = takeText(line);
+    const std::string_view option2 = takeWord(rest);
     constraints->Add(key1, option1, key2, option2, isRequirement);
     if (lint) {
         lint->ConstraintLine(Line(), key1, option1, key2, option2);

@@ -288,7 +288,7 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     }
     // Tokens point into the line, which the value's further lines leave alone.
     CStringSoup& strings = *constraints->GetConstraintStrings();
-    const std::int64_t identifier = strings.Insert(option.token);
+    const std::int64_t identifier = strings.InsertWhole(option.token);
     constraints->KVSInsert(block.key, identifier);
     const PostscriptBytes value = TakePostscript(line);
     if (block.kind != ChoiceBlock::Kind::boolean) {
