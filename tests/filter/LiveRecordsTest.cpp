@@ -1,11 +1,13 @@
 #include "spooler/filter/LiveRecords.h"
 #include "bidi/RecordEncoding.h"
 #include "platform/TextEncoding.h"
+#include "platform/memory/MemoryNetServices.h"
 #include "spooler/filter/LiveSource.h"
 #include "spooler/filter/SupplyText.h"
 #include "tests/filter/FilterHarness.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 
 // What printers tell, as records: values out of range, lists that disagree, texts that could be more than a
 // field.
@@ -105,6 +107,31 @@ TEST(LiveSource, ADevicesAddressIsItsHostOrItsServicesName) {
              {"", ""}}) {
         EXPECT_EQ(addressOfDevice(uri), address) << uri;
     }
+}
+
+TEST(LiveSource, RequestsMeanTheDeviceByNumbersOrByItsOwnName) {
+    auto services = std::make_unique<platform::MemoryNetServices>();
+    for (const char* name : {"press.example", "evil.example"}) {
+        platform::parseNumericAddress("10.0.0.5", services->hosts[name]);
+    }
+    platform::setNetServices(std::move(services));
+    for (const auto& [address, uri, isMeant] : std::vector<std::tuple<const char*, const char*, bool>>{
+             {"", "ipp://10.0.0.5/ipp", true},
+             {"10.0.0.5", "ipp://10.0.0.5:631/ipp", true},
+             {"::ffff:10.0.0.5", "ipp://10.0.0.5/ipp", true},
+             {"2001:DB8:0:0::1", "ipp://[2001:db8::1]/ipp", true},
+             {"10.0.0.50", "ipp://10.0.0.5/ipp", false},
+             {"PRESS.example", "ipp://press.example/ipp", true},
+             {"10.0.0.5", "ipp://press.example/ipp", true},
+             {"10.0.0.6", "ipp://press.example/ipp", false},
+             {"evil.example", "ipp://10.0.0.5/ipp", false}, // a request's name is looked up nowhere
+             {"evil.example", "ipp://press.example/ipp", false},
+             {"10.0.0.5", "dnssd://Office%20Printer._ipp._tcp.local/?uuid=1", true},
+             {"10.0.0.5", "implicitclass://office/", true},
+             {"10.0.0.5", "usb://Torka/Press?serial=1", true}}) {
+        EXPECT_EQ(meansDevice(address, uri), isMeant) << address << " for " << uri;
+    }
+    platform::setNetServices(nullptr);
 }
 
 } // namespace
