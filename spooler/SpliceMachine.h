@@ -80,9 +80,11 @@ private:
     struct SortedEntry {
         std::size_t index = 0; // in the ticket
         TicketEntry entry;
+        SitePlace place = SitePlace::setup; // of its site
     };
     std::string HeaderLines(const SortedEntry& sorted);
     std::string TextOf(PostScriptInjectionSite site, SplicePlace place);
+    std::string TextOf(SitePlace sites, SplicePlace place);
     std::string SetupText(SplicePlace place);
     std::string ClosingText(SplicePlace place);
     std::string CreatedSetup();

@@ -2,15 +2,11 @@
 
 #include "spooler/SpliceMachine.h"
 
-#include <array>
-
 namespace torka {
 
 namespace {
 
-// In this order; within each site in the order of the ticket.
-constexpr std::array headerSites{siteLayoutComment, siteDriverComment, siteJobNote};
-constexpr std::array setupSites{sitePageSize, siteDocumentSetup};
+bool isSetup(SitePlace place) { return place == SitePlace::setup || place == SitePlace::setupEnd; }
 
 bool isKeyword(std::string_view text) {
     return text.size() > 1 && text.size() < Splicer::lineLimit && text[0] == '*' &&
@@ -40,30 +36,28 @@ std::string_view placeText(SplicePlace place) {
 }
 
 void SpliceMachine::SortEntry(std::size_t index, const TicketEntry& entry) {
-    switch (entry.site) {
-    case siteSuppressedKeyword:
+    const InjectionSite* site = findInjectionSite(entry.site);
+    if (site == nullptr) {
+        report.unplaced.push_back({index, entry.site, "its site is not known"});
+        return;
+    }
+    switch (site->place) {
+    case SitePlace::removal:
         if (isKeyword(entry.bytes)) {
             report.removed.emplace(entry.bytes, 0);
         } else {
             report.unplaced.push_back({index, entry.site, "it is not a main keyword"});
         }
         break;
-    case siteFileDestination:
+    case SitePlace::report:
         report.mailboxPaths.push_back(entry.bytes);
         break;
-    case siteLayoutComment:
-    case siteDriverComment:
-    case siteJobNote:
-        placeable.push_back({index, entry});
+    case SitePlace::headerComments:
+    case SitePlace::setup:
+    case SitePlace::setupEnd:
+        placeable.push_back({index, entry, site->place});
+        hasSetupEntries = hasSetupEntries || isSetup(site->place);
         break;
-    case sitePageSize:
-    case siteDocumentSetup:
-    case siteSetupEnd:
-        placeable.push_back({index, entry});
-        hasSetupEntries = true;
-        break;
-    default:
-        report.unplaced.push_back({index, entry.site, "its site is not known"});
     }
 }
 
@@ -115,26 +109,28 @@ std::string SpliceMachine::TextOf(PostScriptInjectionSite site, SplicePlace plac
     return text;
 }
 
-void SpliceMachine::PlaceHeader() {
+std::string SpliceMachine::TextOf(SitePlace sites, SplicePlace place) {
     std::string text;
-    for (const PostScriptInjectionSite site : headerSites) {
-        text += TextOf(site, SplicePlace::headerComments);
+    for (const InjectionSite& site : injectionSites) {
+        if (site.place == sites) {
+            text += TextOf(site.number, place);
+        }
     }
-    output.Insert(text, lineEnd);
+    return text;
+}
+
+void SpliceMachine::PlaceHeader() {
+    output.Insert(TextOf(SitePlace::headerComments, SplicePlace::headerComments), lineEnd);
 }
 
 std::string SpliceMachine::SetupText(SplicePlace place) {
-    std::string text;
-    for (const PostScriptInjectionSite site : setupSites) {
-        text += TextOf(site, place);
-    }
     isSetupPlaced = true;
-    return text;
+    return TextOf(SitePlace::setup, place);
 }
 
 std::string SpliceMachine::ClosingText(SplicePlace place) {
     isClosingPlaced = true;
-    return TextOf(siteSetupEnd, place);
+    return TextOf(SitePlace::setupEnd, place);
 }
 
 std::string SpliceMachine::CreatedSetup() {
@@ -254,8 +250,7 @@ void SpliceMachine::Finish() {
 void SpliceMachine::ReportSetupUnplaced() {
     const std::size_t before = report.unplaced.size();
     for (const SortedEntry& sorted : placeable) {
-        if (sorted.entry.site == sitePageSize || sorted.entry.site == siteDocumentSetup ||
-            sorted.entry.site == siteSetupEnd) {
+        if (isSetup(sorted.place)) {
             report.unplaced.push_back(
                 {sorted.index, sorted.entry.site, "the document has no place for a setup"});
         }

@@ -47,22 +47,6 @@ std::string_view kindName(const CFTypeRef& value) {
     return "something else";
 }
 
-bool isKnownSite(PostScriptInjectionSite site) {
-    switch (site) {
-    case siteSuppressedKeyword:
-    case siteJobNote:
-    case sitePageSize:
-    case siteSetupEnd:
-    case siteDocumentSetup:
-    case siteDriverComment:
-    case siteLayoutComment:
-    case siteFileDestination:
-        return true;
-    default:
-        return false;
-    }
-}
-
 TicketResult readEntries(const CFArray& list) {
     TicketResult result;
     result.ticket.entries.reserve(list.values.size() / 2);
@@ -92,7 +76,7 @@ TicketResult readEntries(const CFArray& list) {
                               std::string(kindName(list.values[i + 1])) + ", not data",
                           entry);
         }
-        if (!isKnownSite(site)) {
+        if (findInjectionSite(site) == nullptr) {
             result.ticket.warnings.push_back(
                 {entry, "the site " + std::to_string(site) + " is not known; its " +
                             std::to_string(data->bytes.size()) + " bytes are passed over"});

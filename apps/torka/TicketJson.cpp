@@ -9,27 +9,9 @@ namespace torka::tool {
 
 namespace {
 
-std::string_view siteName(std::int32_t site) {
-    switch (site) {
-    case siteSuppressedKeyword:
-        return "suppressed keyword";
-    case siteJobNote:
-        return "job note comment";
-    case sitePageSize:
-        return "page size";
-    case siteSetupEnd:
-        return "end of setup";
-    case siteDocumentSetup:
-        return "document setup";
-    case siteDriverComment:
-        return "driver comment";
-    case siteLayoutComment:
-        return "layout comment";
-    case siteFileDestination:
-        return "file destination";
-    default:
-        return "unknown site";
-    }
+std::string_view siteName(std::int32_t number) {
+    const InjectionSite* site = findInjectionSite(number);
+    return site == nullptr ? "unknown site" : site->name;
 }
 
 } // namespace

@@ -42,7 +42,37 @@ std::string expand(std::string_view pattern, const std::string& lineEnd) {
     return text;
 }
 
+std::string placeName(SitePlace place) {
+    switch (place) {
+    case SitePlace::removal:
+        return "nowhere: removal";
+    case SitePlace::headerComments:
+        return "header comments";
+    case SitePlace::setup:
+        return "document setup";
+    case SitePlace::setupEnd:
+        return "end of the document setup";
+    case SitePlace::report:
+        return "nowhere: reported";
+    }
+    return {};
+}
+
 } // namespace
+
+TEST(InjectionSites, AreThoseOfTheDocument) {
+    const std::string page = readFile(TORKA_SOURCE_DIR "/docs/ticket.md");
+    std::size_t row = page.find("| Site | Name | Place |");
+    ASSERT_NE(row, std::string::npos);
+    row = page.find("|---|\n", row) + 6;
+    for (const InjectionSite& site : injectionSites) {
+        const std::string expected = "| " + std::to_string(site.number) + " | " + std::string(site.name) +
+                                     " | " + placeName(site.place) + " | ";
+        EXPECT_EQ(page.substr(row, expected.size()), expected);
+        row = page.find('\n', row) + 1;
+    }
+    EXPECT_EQ(page[row], '\n') << "no row more";
+}
 
 TEST(Placing, EachKindOfDocument) {
     struct Row {
