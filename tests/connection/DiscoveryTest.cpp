@@ -212,8 +212,10 @@ TEST_F(DiscoveryTest, OKStoresWhatIsValid) {
 TEST_F(DiscoveryTest, ListedNamesStandForTheirAddresses) {
     net->Announce({"Office", "_printer._tcp", "local."}, answer("o.local.", {"10.0.0.5"}));
     net->Announce({"Raw", "_pdl-datastream._tcp", "local."}, answer("r.local.", {"::1"}));
+    net->Announce({"10.0.0.9", "_printer._tcp", "local."}, answer("evil.local.", {"10.66.6.6"}));
     const std::pair<const char*, const char*> cases[] = {
-        {"Office", "10.0.0.5"},
+        {"Office", "Office"}, // could be a host name
+        {"10.0.0.9", "10.0.0.9"},
         {"Office._printer._tcp.local.", "10.0.0.5"},
         {"Raw._pdl-datastream._tcp.local.", "r.local"}, // no IPv4 address: the host's name
         {"Away._printer._tcp.local.", "Away"},

@@ -26,7 +26,7 @@ TEST_F(ServerData, EverybodyWhoAsksAtOnceGetsAnAnswerOfTheirOwn) {
     constexpr int people = 8;
     for (int i = 0; i < people; ++i) {
         const std::string number = std::to_string(i);
-        Give("10.0.1." + number, "data", "ServerInfo", "ServerName@Press " + number + "\n");
+        Give("10.0.1." + number, "data", "ServerInfo", "Press " + number + ":ServerName\n");
     }
     std::vector<std::future<CommandResult>> asked;
     for (int i = 0; i < people; ++i) {
@@ -43,7 +43,7 @@ TEST_F(ServerData, EverybodyWhoAsksAtOnceGetsAnAnswerOfTheirOwn) {
 
 TEST_F(ServerData, AServerThatKeepsNoHistoryAnswersAsWell) {
     AddQueue("Forgetful");
-    Give("10.0.1.20", "data", "ServerInfo", "ServerName@Press 20\n");
+    Give("10.0.1.20", "data", "ServerInfo", "Press 20:ServerName\n");
     const std::filesystem::path configuration = *sandbox / "etc/cupsd.conf";
     const std::string before = content(configuration);
     std::string changed = before;
