@@ -355,9 +355,8 @@ SDMRESULT sdmFuncPtrSetLocalPresetsData(SDMHANDLE, const wchar_t* const* data, i
         if (!host) {
             return false;
         }
-        const CommandOutcome outcome =
-            sendCommandAndWait(host->CurrentPrinter(), text, commandTitle(SpoolerCommand::writePresetData),
-                               host->Observer());
+        const CommandOutcome outcome = sendCommandAndWait(
+            host->CurrentPrinter(), text, commandTitle(SpoolerCommand::writePresetData), host->Observer());
         return outcome == CommandOutcome::completed ||
                (outcome == CommandOutcome::ended &&
                 CPPDMsgHdlr(destinationPPD(), "localPreset").GetStringData() == wideFromUtf8(text));

@@ -77,8 +77,8 @@ public:
     // Keys such as "printer-state-message".
     virtual OSStatus CopyState(CFDictionaryRef& state) const = 0;
     virtual OSStatus PaperList(std::vector<Paper>& papers) const = 0;
-    // Sends a command job: `command` is its text, `title` its title; `options` become options of the job, null
-    // for none.
+    // Sends a command job: `command` is its text, `title` its title; `options` become options of the job,
+    // null for none.
     virtual OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                                  const CFDictionaryRef& options) = 0;
     // Number of the job of the last command that was sent; 0 before the first, or where it is not known.
