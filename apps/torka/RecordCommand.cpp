@@ -52,8 +52,21 @@ public:
         }
         return true;
     }
-    std::vector<std::string> Names() const {
-        return isPPD ? ppdxRecordNames(ppd.get()) : RecordText(text).Names();
+    // Calls listed(name, size of the payload) for each record.
+    template <typename Listed>
+    void List(Listed listed) const {
+        std::size_t size = 0;
+        if (isPPD) {
+            for (const std::string& name : ppdxRecordNames(ppd.get())) {
+                ppdxReadData(ppd.get(), name, &size);
+                listed(name, size);
+            }
+            return;
+        }
+        for (const auto& [name, position] : RecordText(text).Places()) {
+            readRecordAt(text, position, ChunkName(name), size);
+            listed(name, size);
+        }
     }
     RecordBlock Get(const std::string& name, std::size_t& size) const {
         return isPPD ? ppdxReadData(ppd.get(), name, &size) : RecordText(text).Read(name, &size);
@@ -110,11 +123,9 @@ ExitStatus listRecords(const RecordOptions& options) {
     if (!file.Read(options.path)) {
         return ExitStatus::unusable;
     }
-    for (const std::string& name : file.Names()) {
-        std::size_t size = 0;
-        const RecordBlock payload = file.Get(name, size);
+    file.List([](const std::string& name, std::size_t size) {
         print(printable(name) + "\t" + std::to_string(size) + " bytes\n");
-    }
+    });
     return ExitStatus::good;
 }
 

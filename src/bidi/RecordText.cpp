@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace torka {
@@ -102,6 +103,27 @@ std::vector<std::string> RecordText::Names() const {
         }
     }
     return names;
+}
+
+std::vector<std::pair<std::string, std::size_t>> RecordText::Places() const {
+    constexpr std::size_t none = std::string_view::npos;
+    std::vector<std::pair<std::string, std::size_t>> places;
+    for (std::string& name : Names()) {
+        places.emplace_back(std::move(name), none);
+    }
+    std::unordered_map<std::string_view, std::size_t*> missing;
+    for (auto& [name, position] : places) {
+        missing.emplace(name, &position);
+    }
+    for (const std::size_t at : zeros) {
+        for (std::size_t length = 1; length <= std::min(at, maximumRecordName); ++length) {
+            const auto found = missing.find(text.substr(at - length, length));
+            if (found != missing.end() && *found->second == none) {
+                *found->second = at - length;
+            }
+        }
+    }
+    return places;
 }
 
 } // namespace torka

@@ -2,7 +2,9 @@
 
 #include "bidi/RecordEncoding.h"
 
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace torka {
@@ -18,6 +20,10 @@ public:
     RecordBlock Read(std::string_view recordName, std::size_t* size) const;
     // The names of the records in the order of their first chunks, each once.
     std::vector<std::string> Names() const;
+    // The same names, each with the position at which Read begins, in one pass over the places where records
+    // may begin: a record may stand at an earlier place than its name's own line, in a line whose name ends
+    // alike.
+    std::vector<std::pair<std::string, std::size_t>> Places() const;
 
 private:
     std::string_view text;

@@ -189,6 +189,13 @@ TEST(Records, AgreesWithSlowReading) {
             const RecordBlock block = index.Read(name, &size);
             ASSERT_EQ(block ? std::optional(std::string(block.get(), size)) : std::nullopt, slow) << round;
         }
+        for (const auto& [name, position] : index.Places()) {
+            std::size_t size = 0;
+            const RecordBlock block = readRecordAt(text, position, ChunkName(name), size);
+            ASSERT_EQ(block ? std::optional(std::string(block.get(), size)) : std::nullopt,
+                      tests::readSlowly(text, name))
+                << round << " " << name;
+        }
     }
     EXPECT_THAT(RecordText(good).Names(), ::testing::ElementsAreArray(names));
     EXPECT_EQ(readFromText(std::string(100'000, '0'), "A"), std::nullopt);
