@@ -115,10 +115,22 @@ QueueFinding checkTicketNames(const std::string& queueName, const std::string& s
                 "anybody can read the names of other people's tickets in their jobs: JobPrivateValues in the "
                 "server's policy"};
     }
-    const IppMessage own(cupsDoRequest(
-        CUPS_HTTP_DEFAULT, jobsRequest(queueName, cupsUser(), attributes).release(), resource.c_str()));
-    if ((seen.IsGood() || seen.status == HTTP_STATUS_UNAUTHORIZED) && holds(own, attributes)) {
-        return {"ticket-names", CheckState::closed, "the names of tickets in jobs are hidden from strangers"};
+    // The name alone, without a proof that it is one's own.
+    const Answer claimed = askUnauthenticated(jobsRequest(queueName, cupsUser(), attributes), resource);
+    if (holds(claimed.message, attributes)) {
+        return {
+            "ticket-names", CheckState::open,
+            "whoever gives the owner's name can read the names of tickets in jobs: AuthType for Get-Jobs and "
+            "Get-Job-Attributes in the server's policy"};
+    }
+    const bool isRefused = claimed.IsGood() || claimed.status == HTTP_STATUS_UNAUTHORIZED;
+    const IppMessage own(isRefused ? cupsDoRequest(CUPS_HTTP_DEFAULT,
+                                                   jobsRequest(queueName, cupsUser(), attributes).release(),
+                                                   resource.c_str())
+                                   : nullptr);
+    if (holds(own, attributes)) {
+        return {"ticket-names", CheckState::closed,
+                "only who proves to be the owner can read tickets' names"};
     }
     return {"ticket-names", CheckState::unknown,
             "no job with print settings is there to see it by: JobPrivateValues in the server's policy"};

@@ -178,6 +178,47 @@ TEST_F(Tickets, SeveralDocumentsOfOneJobShareTheirTicket) {
     ASSERT_NE(first, std::string::npos);
 }
 
+TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
+    AddQueue("Checked");
+    const auto states = [] {
+        std::map<std::string, std::string> found;
+        const nlohmann::json shown = runToolForJson({"queue", "check", "Checked"}, 1);
+        for (const auto& row : shown["findings"]) {
+            found[row["what"]] = row["state"];
+        }
+        return found;
+    };
+    using States = std::map<std::string, std::string>;
+    EXPECT_EQ(states(),
+              (States{{"sender-names", "open"}, {"ticket-names", "unknown"}, {"subscriptions", "unknown"}}));
+    ASSERT_EQ(WaitForEnd(Submit("Checked", SendTicket("Checked", "seen"))).state, 9);
+    EXPECT_EQ(states()["ticket-names"], "open");
+    // Values that are private, for whoever gives the owner's name, and then only for the owner.
+    const std::filesystem::path file = *sandbox / "etc/cupsd.conf";
+    const std::string before = readFile(file);
+    const auto configure = [&](const std::string& text, const std::string& expected) {
+        std::ofstream(file) << text;
+        ASSERT_EQ(kill(std::stoi(readFile(*sandbox / "cupsd.pid")), SIGHUP), 0);
+        EXPECT_TRUE(WaitUntil([&expected] {
+            const std::string output = runTool({"queue", "check", "Checked"}).output;
+            return output.find(expected) != std::string::npos;
+        })) << expected;
+    };
+    const auto replaced = [](std::string text, const std::string& from, const std::string& to) {
+        const std::size_t at = text.find(from);
+        EXPECT_NE(at, std::string::npos) << from;
+        return text.replace(at, from.size(), to);
+    };
+    const std::string hidden = replaced(replaced(before, "JobPrivateAccess all", "JobPrivateAccess @OWNER"),
+                                        "JobPrivateValues none", "JobPrivateValues all");
+    configure(hidden, "ticket-names: open: whoever gives the owner's name");
+    const std::string limit = "<Limit Validate-Job Get-Jobs>\nAuthType Basic\nRequire valid-user\n</Limit>\n";
+    configure(replaced(hidden, "<Limit All>", limit + "<Limit All>"), "sender-names: closed");
+    EXPECT_EQ(runTool({"queue", "check", "Checked"}).status, 0);
+    configure(before, "sender-names: open");
+    EXPECT_EQ(runTool({"queue", "check", "No such"}).status, 2);
+}
+
 // Kills filters of the sandbox's server at random while it lives.
 class FilterKiller {
 public:
