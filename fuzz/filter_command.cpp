@@ -1,11 +1,12 @@
 // Command jobs of the queue's filter: the input's first line is a title, its second an options text, the rest
 // the command's text. Whatever they are, nothing appears outside the filter's two folders, each message stays
-// a line, and the notes that are kept can be read again.
+// a line, and the notes and owner records that are kept can be read again.
 
 #include "bidi/StandardStreams.h"
 #include "platform/posix/PosixSystem.h"
 #include "spooler/filter/Commands.h"
 #include "spooler/filter/FilterNotes.h"
+#include "spooler/filter/TicketOwner.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -89,5 +90,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::abort();
     }
     filter::readNoteLine(rest);
+    if (const std::optional<filter::TicketRecord> record = filter::readTicketRecord(rest);
+        record && filter::readTicketRecord(filter::ticketRecordText(*record)) != record) {
+        std::abort();
+    }
     return 0;
 }
