@@ -48,8 +48,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const RecordText index(text);
     const RecordBlock indexed = index.Read(name, &length);
     require(textOf(indexed, length) == payload);
-    for (const std::string& known : index.Names()) {
-        require(index.Read(known, &length) != nullptr);
+    for (const auto& [known, knownSize] : index.Sizes()) {
+        require(index.Read(known, &length) != nullptr && length == knownSize);
     }
     std::string written;
     if (payload && CFileHdlr::fileWriteData(name, payload->data(), payload->size(), written)) {

@@ -63,9 +63,8 @@ public:
             }
             return;
         }
-        for (const auto& [name, position] : RecordText(text).Places()) {
-            readRecordAt(text, position, ChunkName(name), size);
-            listed(name, size);
+        for (const auto& [name, length] : RecordText(text).Sizes()) {
+            listed(name, length);
         }
     }
     RecordBlock Get(const std::string& name, std::size_t& size) const {

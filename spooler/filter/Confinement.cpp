@@ -123,7 +123,7 @@ std::vector<std::string> confine(Network network) {
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) {
         problems.push_back(failureText("new rights cannot be ruled out", errno));
     }
-    // By SIGXCPU: a filter that SIGKILL ends counts as one that did its work.
+    // SIGXCPU comes first and says why the job stops; SIGKILL a minute later does not.
     constexpr rlim_t grace = 60;
     limit(RLIMIT_CPU, mostProcessorSeconds, "processor time cannot be limited", problems, grace);
     limit(RLIMIT_NOFILE, mostFiles, "open files cannot be limited", problems);

@@ -9,6 +9,7 @@
 #include "spooler/filter/PrintJob.h"
 #include "spooler/filter/PrivateFolder.h"
 #include "spooler/filter/ServerMessages.h"
+#include "spooler/filter/Supervision.h"
 #include "spooler/filter/TicketStore.h"
 
 #include <algorithm>
@@ -63,6 +64,30 @@ filter::Network networkOf(const FilterJob& job) {
     return isRequest ? filter::Network::allowed : filter::Network::none;
 }
 
+int runJob(const FilterJob& job) {
+    for (const std::string& problem : filter::confine(networkOf(job))) {
+        filter::tellDebug(problem);
+    }
+    platform::PosixSystemOptions options;
+    options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;
+    options.root = TORKA_SYSTEM_ROOT_DEFAULT;
+    platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+    platform::setNetServices(std::make_unique<platform::PosixNetServices>());
+
+    const filter::OpenFile file(job.file.empty() ? -1 : ::open(job.file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!job.file.empty() && !file) {
+        filter::tellError("The job's file cannot be opened: " + std::generic_category().message(errno) + ".");
+        return 1;
+    }
+    const int source = file ? file.Descriptor() : STDIN_FILENO;
+    const int status =
+        job.IsCommand() ? runCommandJob(job, source) : filter::printJob(job, source, STDOUT_FILENO);
+    if (status != 0) {
+        filter::waitUntilRead();
+    }
+    return status;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -73,25 +98,5 @@ int main(int argc, char** argv) {
         filter::tellError("Usage: torkafilter JOB USER TITLE COPIES OPTIONS [FILE]");
         return 1;
     }
-    for (const std::string& problem : filter::confine(networkOf(*job))) {
-        filter::tellDebug(problem);
-    }
-    platform::PosixSystemOptions options;
-    options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;
-    options.root = TORKA_SYSTEM_ROOT_DEFAULT;
-    platform::setSystem(std::make_unique<platform::PosixSystem>(options));
-    platform::setNetServices(std::make_unique<platform::PosixNetServices>());
-
-    const filter::OpenFile file(job->file.empty() ? -1 : ::open(job->file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!job->file.empty() && !file) {
-        filter::tellError("The job's file cannot be opened: " + std::generic_category().message(errno) + ".");
-        return 1;
-    }
-    const int source = file ? file.Descriptor() : STDIN_FILENO;
-    const int status =
-        job->IsCommand() ? runCommandJob(*job, source) : filter::printJob(*job, source, STDOUT_FILENO);
-    if (status != 0) {
-        filter::waitUntilRead();
-    }
-    return status;
+    return filter::supervise([&job] { return runJob(*job); });
 }

@@ -5,19 +5,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 
 namespace torka {
-
-namespace {
-
-constexpr std::string_view firstNumber = "0000";
-constexpr std::size_t separatorLength = 2; // ": "
-constexpr std::size_t mostPositions = 65536;
-
-} // namespace
 
 std::size_t findFrom(std::string_view text, std::string_view wanted, std::size_t position) {
     if (text.empty() || position > text.size()) {
@@ -28,16 +22,82 @@ std::size_t findFrom(std::string_view text, std::string_view wanted, std::size_t
                  : std::string_view::npos;
 }
 
+namespace {
+
+constexpr std::string_view firstNumber = "0000";
+constexpr std::size_t separatorLength = 2; // ": "
+constexpr std::size_t mostPositions = 65536;
+
+constexpr std::size_t nowhere = std::string_view::npos;
+
+// Where chunks of the named records may stand in a text: behind each name, wherever it is in a line, four
+// digits of a number. Found in one pass, which a search of its own for each record that lacks its end mark is
+// not.
+class ChunkPlaces {
+public:
+    // Both must outlive this.
+    ChunkPlaces(std::string_view content, const std::vector<std::string>& names)
+        : text(content) {
+        std::set<std::size_t> lengths;
+        for (const std::string& name : names) {
+            places.try_emplace(name);
+            lengths.insert(name.size());
+        }
+        std::size_t digits = 0; // in a row, up to `end`
+        for (std::size_t end = 1; end <= text.size(); ++end) {
+            digits = isChunkDigit(text[end - 1]) ? digits + 1 : 0;
+            if (digits >= firstNumber.size()) {
+                Add(end - firstNumber.size(), lengths);
+            }
+        }
+    }
+    // As findFrom with the chunk's text.
+    std::size_t Find(std::string_view name, std::string_view chunk, std::size_t from) const {
+        const std::vector<std::uint32_t>& numbers = places.find(name)->second;
+        if (numbers.size() == mostPositions) {
+            return findFrom(text, chunk, from);
+        }
+        for (auto at = std::ranges::lower_bound(numbers, from + name.size()); at != numbers.end(); ++at) {
+            if (text.substr(*at - name.size()).starts_with(chunk)) {
+                return *at - name.size();
+            }
+        }
+        return nowhere;
+    }
+
+private:
+    static bool isChunkDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); }
+    void Add(std::size_t number, const std::set<std::size_t>& lengths) {
+        for (const std::size_t length : lengths) {
+            if (length > number) {
+                break;
+            }
+            const auto found = places.find(text.substr(number - length, length));
+            // A text made of numbers does not fill the memory: such a name is searched for.
+            if (found != places.end() && found->second.size() < mostPositions) {
+                found->second.push_back(static_cast<std::uint32_t>(number));
+            }
+        }
+    }
+
+    std::string_view text;
+    std::unordered_map<std::string_view, std::vector<std::uint32_t>> places;
+};
+
+// `find` gives the first place of a chunk's text at or after a position.
+//
 // The first place of a chunk name in the text lies in the first line that holds it, since no chunk name holds
 // a line end. Usually that is where the line before ended.
-RecordBlock readRecordAt(std::string_view text, std::size_t position, ChunkName chunk, std::size_t& size) {
+template <typename Find>
+RecordBlock readRecord(std::string_view text, std::size_t position, ChunkName chunk, Find find,
+                       std::size_t& size) {
     size = 0;
-    if (position == std::string_view::npos) {
+    if (position == nowhere) {
         return nullptr;
     }
     RecordReader reader;
     std::array<char, chunkTextBuffer> buffer{};
-    for (std::size_t number = 1; position != std::string_view::npos; ++number) {
+    for (std::size_t number = 1; position != nowhere; ++number) {
         const std::size_t nameEnd = position + chunk.Text().size();
         const std::size_t end = lineEnd(text, nameEnd);
         const std::size_t begin = std::min(nameEnd + separatorLength, end);
@@ -48,9 +108,17 @@ RecordBlock readRecordAt(std::string_view text, std::size_t position, ChunkName 
             break;
         }
         const std::size_t next = lineAfter(text, end);
-        position = text.substr(next).starts_with(chunk.Text()) ? next : findFrom(text, chunk.Text(), next);
+        position = text.substr(next).starts_with(chunk.Text()) ? next : find(chunk.Text(), next);
     }
     return reader.Finish(size);
+}
+
+} // namespace
+
+RecordBlock readRecordAt(std::string_view text, std::size_t position, ChunkName chunk, std::size_t& size) {
+    return readRecord(
+        text, position, std::move(chunk),
+        [text](const std::string& name, std::size_t from) { return findFrom(text, name, from); }, size);
 }
 
 RecordText::RecordText(std::string_view content)
@@ -88,7 +156,8 @@ RecordBlock RecordText::Read(std::string_view recordName, std::size_t* size) con
 std::vector<std::string> RecordText::Names() const {
     std::vector<std::string> names;
     std::unordered_set<std::string_view> seen;
-    for (const std::size_t at : zeros) {
+    for (std::size_t at = findFrom(text, firstNumber, 0); at != nowhere;
+         at = findFrom(text, firstNumber, at + 1)) {
         // A name stands at the start of its line, and its number is followed by ": ".
         const std::size_t first = at > maximumRecordName ? at - maximumRecordName - 1 : 0;
         const std::string_view before = text.substr(first, at - first);
@@ -105,25 +174,20 @@ std::vector<std::string> RecordText::Names() const {
     return names;
 }
 
-std::vector<std::pair<std::string, std::size_t>> RecordText::Places() const {
-    constexpr std::size_t none = std::string_view::npos;
-    std::vector<std::pair<std::string, std::size_t>> places;
-    for (std::string& name : Names()) {
-        places.emplace_back(std::move(name), none);
+std::vector<std::pair<std::string, std::size_t>> RecordText::Sizes() const {
+    const std::vector<std::string> names = Names();
+    const ChunkPlaces places(text, names);
+    std::vector<std::pair<std::string, std::size_t>> sizes;
+    for (const std::string& name : names) {
+        const auto find = [&](const std::string& chunk, std::size_t from) {
+            return places.Find(name, chunk, from);
+        };
+        const ChunkName chunk(name);
+        std::size_t size = 0;
+        readRecord(text, find(chunk.Text(), 0), chunk, find, size);
+        sizes.emplace_back(name, size);
     }
-    std::unordered_map<std::string_view, std::size_t*> missing;
-    for (auto& [name, position] : places) {
-        missing.emplace(name, &position);
-    }
-    for (const std::size_t at : zeros) {
-        for (std::size_t length = 1; length <= std::min(at, maximumRecordName); ++length) {
-            const auto found = missing.find(text.substr(at - length, length));
-            if (found != missing.end() && *found->second == none) {
-                *found->second = at - length;
-            }
-        }
-    }
-    return places;
+    return sizes;
 }
 
 } // namespace torka

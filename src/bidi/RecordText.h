@@ -20,14 +20,13 @@ public:
     RecordBlock Read(std::string_view recordName, std::size_t* size) const;
     // The names of the records in the order of their first chunks, each once.
     std::vector<std::string> Names() const;
-    // The same names, each with the position at which Read begins, in one pass over the places where records
-    // may begin: a record may stand at an earlier place than its name's own line, in a line whose name ends
-    // alike.
-    std::vector<std::pair<std::string, std::size_t>> Places() const;
+    // The same names, each with the size in bytes of what Read gives, 0 for nothing. Linear in the text, also when
+    // records have no end marks.
+    std::vector<std::pair<std::string, std::size_t>> Sizes() const;
 
 private:
     std::string_view text;
-    // Where "0000" stands. Not complete in a text made to hold too many of them: `indexed` is false then.
+    // Where "0000" stands, for Read. Not complete in a text made to hold too many: `indexed` is false then.
     std::vector<std::size_t> zeros;
     bool indexed = true;
 };

@@ -219,7 +219,8 @@ TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
     EXPECT_EQ(runTool({"queue", "check", "No such"}).status, 2);
 }
 
-// Kills filters of the sandbox's server at random while it lives.
+// Kills filters of the sandbox's server at random while it lives: the processes that the server watches, and
+// those that work below them, whose jobs must not pass for completed.
 class FilterKiller {
 public:
     explicit FilterKiller(const Sandbox& sandbox)
@@ -228,7 +229,7 @@ public:
     FilterKiller(const FilterKiller&) = delete;
     FilterKiller& operator=(const FilterKiller&) = delete;
     ~FilterKiller() { End(); }
-    // The jobs whose filters were killed.
+    // The jobs whose filter was killed before the server's eyes.
     std::set<int> End() {
         isOver = true;
         if (worker.joinable()) {
@@ -270,7 +271,11 @@ private:
                 std::string job;
                 std::getline(words, job, '\0'); // the queue's name
                 std::getline(words, job, '\0');
-                if (!job.empty() && kill(child, signals[random() % 3]) == 0) {
+                const int working =
+                    std::atoi(content(folder + "/task/" + std::to_string(child) + "/children").c_str());
+                if (working > 0 && random() % 2 == 0) {
+                    kill(working, signals[random() % 3]);
+                } else if (!job.empty() && kill(child, signals[random() % 3]) == 0) {
                     jobs.insert(std::atoi(job.c_str()));
                 }
             }
