@@ -102,7 +102,7 @@ TEST_F(Confinement, RefusesWhatNoJobNeeds) {
     }
 }
 
-// The program itself, as it waits for its document.
+// The program's working process, as it waits for its document.
 TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
     std::array<int, 2> input{};
     ASSERT_EQ(::pipe2(input.data(), O_CLOEXEC), 0);
@@ -112,11 +112,14 @@ TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
         ::execl(TORKA_BINARY_DIR "/bin/torkafilter", "torkafilter", "1", "lp", "title", "1", "", nullptr);
         ::_exit(127);
     }
-    const std::string process = "/proc/" + std::to_string(child);
+    const std::string watching = std::to_string(child);
+    std::string process;
     std::string status;
     for (int i = 0; i < 1000 && status.find("Seccomp:\t2") == std::string::npos; ++i) {
         ::usleep(10000);
-        status = tests::readFile(process + "/status");
+        const std::string worker = tests::readFile("/proc/" + watching + "/task/" + watching + "/children");
+        process = "/proc/" + worker.substr(0, worker.find(' '));
+        status = worker.empty() ? "" : tests::readFile(process + "/status");
     }
     EXPECT_THAT(status, HasSubstr("NoNewPrivs:\t1\n"));
     EXPECT_THAT(status, HasSubstr("Seccomp:\t2\n"));
