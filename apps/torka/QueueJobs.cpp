@@ -25,8 +25,8 @@ void interrupt(int /*signal*/) {
     }
 }
 
-const char* stateText(int state) {
-    switch (state) {
+const char* stateText(const JobStatus& status) {
+    switch (status.state) {
     case 3:
         return "pending";
     case 4:
@@ -42,14 +42,14 @@ const char* stateText(int state) {
     case 9:
         return "completed";
     default:
-        return "unknown to the server";
+        return status.isGone ? "ended" : "unknown to the server";
     }
 }
 
 void showState(int job, const JobStatus& status) {
     if (isatty(STDERR_FILENO) != 0) {
-        std::fprintf(stderr, "\r\x1b[KJob %d: %s %s%s", job, stateText(status.state),
-                     printable(status.message).c_str(), status.IsOver() ? "\n" : "");
+        std::fprintf(stderr, "\r\x1b[KJob %d: %s %s%s", job, stateText(status),
+                     printable(status.message).c_str(), status.IsOver() || status.state == 0 ? "\n" : "");
     }
 }
 
@@ -62,14 +62,21 @@ ExitStatus followJob(const std::string& queueName, int job) {
     waiting = &clock;
     auto* const before = std::signal(SIGINT, interrupt);
     JobStatus status = jobStatus(job);
-    std::string reason = status.message;
+    bool isCancelled = false;
     while (!status.IsOver() && status.state != 0) {
         showState(job, status);
         if (!clock.Sleep(interval)) {
             cancelJob(queueName, job);
             clock.ClearCancel();
+            isCancelled = true;
         }
         status = jobStatus(job);
+    }
+    // The server took the job: where it is gone, it has ended. One that a filter stopped would still be
+    // there.
+    if (status.isGone) {
+        status.message.clear();
+        status.state = isCancelled ? 7 : 0;
     }
     showState(job, status);
     std::signal(SIGINT, before);
@@ -77,7 +84,12 @@ ExitStatus followJob(const std::string& queueName, int job) {
     if (status.state == 9) {
         return ExitStatus::good;
     }
-    warn("job " + std::to_string(job) + " on " + queueName + " is " + stateText(status.state) +
+    if (status.isGone && !isCancelled) {
+        warn("job " + std::to_string(job) + " on " + queueName +
+             " has ended; the server keeps no list of ended jobs and cannot tell how");
+        return ExitStatus::good;
+    }
+    warn("job " + std::to_string(job) + " on " + queueName + " is " + stateText(status) +
          (status.message.empty() ? "" : ": " + status.message));
     return ExitStatus::findings;
 }

@@ -54,12 +54,25 @@ TEST_F(ServerData, AServerThatKeepsNoHistoryAnswersAsWell) {
     sandbox->Restart();
     const CommandResult answered = ask("Forgetful", "10.0.1.20");
     const CommandResult refused = ask("Forgetful", "10.0.1.21");
+    // Whoever follows a job by its number meets a server that knows it no more.
+    const CommandResult sent = runTool({"command", "send", "Forgetful", "Command_LocaleCode", "de"});
+    const CommandResult stopped = runTool({"command", "send", "Forgetful", "Command_AllBidi", "no request"});
+    const CommandResult printed =
+        runTool({"print", "-d", "Forgetful", samplePath("plain.ps"), "PageSize=A3"});
     std::ofstream(configuration, std::ios::binary) << before;
     sandbox->Restart();
     EXPECT_EQ(answered.status, 0) << answered.errors;
     EXPECT_NE(answered.output.find("Press 20"), std::string::npos) << answered.output;
     EXPECT_EQ(refused.status, 2) << refused.output;
     EXPECT_NE(refused.errors.find("could not reach"), std::string::npos) << refused.errors;
+    for (const CommandResult& ended : {sent, printed}) {
+        EXPECT_EQ(ended.status, 0) << ended.errors;
+        // A poll may meet the moment between the job's end and its removal.
+        EXPECT_TRUE(ended.errors.empty() || ended.errors.find("cannot tell how") != std::string::npos)
+            << ended.errors;
+    }
+    EXPECT_EQ(stopped.status, 1);
+    EXPECT_NE(stopped.errors.find("cannot be understood"), std::string::npos) << stopped.errors;
 }
 
 } // namespace

@@ -34,6 +34,7 @@ JobStatus jobStatus(int job) {
     const int state = answer ? attributeInteger(answer.get(), names[0]) : -1;
     if (state < 0) {
         status.message = cupsLastErrorString();
+        status.isGone = cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND;
         return status;
     }
     status.state = state;

@@ -16,7 +16,9 @@ int submitFile(const std::string& queueName, const std::string& path, const std:
 
 struct JobStatus {
     int state = 0;       // as IPP numbers them: 3 pending to 9 completed; 0 when the server does not answer
-    std::string message; // what the filters and the backend said last
+    std::string message; // what the filters and the backend said last, or why there is no answer
+    bool isGone =
+        false; // the server answers, and lists no such job: it never was, or its history is not kept
     // Stopped, cancelled, aborted or completed: a stopped job waits for somebody who starts it again.
     bool IsOver() const { return state >= 6; }
 };
