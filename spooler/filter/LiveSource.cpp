@@ -15,6 +15,7 @@ namespace torka::filter {
 
 namespace {
 
+constexpr std::chrono::milliseconds lookUpLimit(2000);
 constexpr std::chrono::milliseconds deviceLimit(2000);
 
 // Of devices whose URI has no network host in the place of one.
@@ -88,8 +89,7 @@ bool meansDevice(std::string_view address, const std::string& uri) {
     if (!parseNumericAddress(address, asked) || parseNumericAddress(host, own)) {
         return false;
     }
-    const std::vector<HostAddress> addresses =
-        netServices().ResolveHostAddresses(host, std::chrono::milliseconds(0));
+    const std::vector<HostAddress> addresses = netServices().ResolveHostAddresses(host, lookUpLimit);
     return std::ranges::find(addresses, asked) != addresses.end();
 }
 

@@ -47,7 +47,8 @@ LiveSource::Asking liveAsking(const std::string& queueName, const std::string& d
 std::string hostOfDevice(const std::string& uri);
 
 // Whether a request for this address means the device. Numbers are held against all addresses of the device's
-// host, which is looked up; a name against its name alone: no name of a request is ever looked up.
+// host, which is looked up within two seconds; a name against its name alone: no name of a request is ever
+// looked up.
 // REQUIRES: platform::netServices() is chosen.
 bool meansDevice(std::string_view address, const std::string& uri);
 

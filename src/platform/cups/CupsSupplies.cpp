@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <sys/socket.h>
 #include <thread>
@@ -112,6 +113,20 @@ bool takeApart(const std::string& uri, Device& device) {
     return status >= HTTP_URI_STATUS_OK && (scheme == "ipp" || scheme == "ipps");
 }
 
+// The library looks a host name up, and opens an enciphered connection, without a limit of time: a thread
+// does it, and is left behind when it is late. `limit` holds for each of the two.
+Connection connectionTo(const Device& device, std::chrono::milliseconds limit) {
+    std::packaged_task<Connection()> connect([device, limit] {
+        const bool isEnciphered = std::string_view(device.scheme.data()) == "ipps";
+        return Connection(httpConnect2(device.host.data(), device.port, nullptr, AF_UNSPEC,
+                                       isEnciphered ? HTTP_ENCRYPTION_ALWAYS : HTTP_ENCRYPTION_IF_REQUESTED,
+                                       1, static_cast<int>(limit.count()), nullptr));
+    });
+    std::future<Connection> connected = connect.get_future();
+    std::thread(std::move(connect)).detach();
+    return connected.wait_for(2 * limit) == std::future_status::ready ? connected.get() : nullptr;
+}
+
 // Ends a conversation that takes too long: a device may send a byte now and then for ever.
 class Deadline {
 public:
@@ -173,10 +188,7 @@ std::optional<PrinterFacts> deviceFacts(const std::string& uri, std::chrono::mil
     if (!takeApart(uri, device)) {
         return std::nullopt;
     }
-    const bool isEnciphered = std::string_view(device.scheme.data()) == "ipps";
-    const Connection http(httpConnect2(device.host.data(), device.port, nullptr, AF_UNSPEC,
-                                       isEnciphered ? HTTP_ENCRYPTION_ALWAYS : HTTP_ENCRYPTION_IF_REQUESTED,
-                                       1, static_cast<int>(limit.count()), nullptr));
+    const Connection http = connectionTo(device, limit);
     if (!http) {
         return std::nullopt;
     }

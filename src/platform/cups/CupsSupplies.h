@@ -41,7 +41,8 @@ struct PrinterFacts {
 // Of a queue, from the print server; none when it does not answer.
 std::optional<PrinterFacts> queueFacts(const std::string& queueName);
 // Of the printer at an "ipp" or "ipps" URI, asked directly; none for other URIs, and when it does not answer
-// with at most a megabyte within the time.
+// with at most a megabyte within the time. `limit` holds for each of three steps: finding the host,
+// connecting, the answer.
 std::optional<PrinterFacts> deviceFacts(const std::string& uri, std::chrono::milliseconds limit);
 
 } // namespace torka::platform
