@@ -14,6 +14,7 @@ public:
         controller = newController;
     }
     CFStringRef storedPrinterAddress() override { return cfString(address); }
+    CFStringRef queueServiceName() override { return cfString(service); }
     bool storePrinterAddress(const CFStringRef& newAddress, bool newTwoWay) override {
         address = utf8Text(newAddress);
         twoWay = newTwoWay;
@@ -27,6 +28,7 @@ public:
 
     BonjourModuleController* controller = nullptr;
     std::string address;
+    std::string service; // of the queue's device
     bool twoWay = false;
     int stores = 0;
     std::string shown;
