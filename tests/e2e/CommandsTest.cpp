@@ -1,11 +1,9 @@
 #include "connection/ZANCorvianPrinterPList.h"
 #include "tests/e2e/ServerData.h"
 
-#include <chrono>
 #include <cstring>
 #include <cups/ppd.h>
 #include <gtest/gtest.h>
-#include <thread>
 
 // The library marks its PPD calls as deprecated; they are what people use.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -15,6 +13,8 @@
 namespace torka::tests {
 
 namespace {
+
+constexpr int mostQuestions = 360; // about a job that does not end
 
 TEST_F(ServerData, ComesBackThroughTheDataFileAndTheDescription) {
     const PMPrinter printer = AddQueue("Served");
@@ -63,10 +63,11 @@ sys.stdout.buffer.write(zlib.decompress(b''.join(chunks)).decode('utf-32-le').en
     EXPECT_EQ(CPPDMsgHdlr(ppdPath, "InvalidPrinterAddress").GetCStringData(), "no");
 
     // A command that fails is not waited for until the end.
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(sendCommandAndWait(printer, "not a request", commandTitle(SpoolerCommand::updateCommands)),
+    int questions = 0;
+    EXPECT_EQ(sendCommandAndWait(printer, "not a request", commandTitle(SpoolerCommand::updateCommands),
+                                 [&questions](const WaitProgress&) { ++questions; }),
               CommandOutcome::notCompleted);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    EXPECT_LT(questions, mostQuestions);
 }
 
 TEST_F(ServerData, ADescriptionWithTwoHundredRecordsIsStillOne) {
@@ -139,43 +140,18 @@ TEST_F(ServerData, AWaitOutlivesARestartOfTheServer) {
     ASSERT_EQ(printer.SendCommand(cfString("<plist/>"), cfString(title),
                                   CFDictionaryCreate({{cfString("job-hold-until"), cfString("indefinite")}})),
               noErr);
-    std::thread meanwhile([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        sandbox->Restart();
-        runCommand({"lp", "-i", std::to_string(printer.CommandJob()), "-H", "resume"});
-    });
-    EXPECT_TRUE(isJobComple(title));
-    meanwhile.join();
+    int questions = 0;
+    EXPECT_TRUE(isJobComple(title, [&](const WaitProgress&) {
+        ++questions;
+        if (questions == 1) {
+            sandbox->Stop();
+        } else if (questions == 3) { // two had no answer
+            sandbox->Start();
+            runCommand({"lp", "-i", std::to_string(printer.CommandJob()), "-H", "resume"});
+        }
+    }));
+    EXPECT_GE(questions, 3);
     EXPECT_EQ(utf8FromWide(CPPDMsgHdlr(ppdPath, "DriverPreference").GetStringData()), "<plist/>");
-}
-
-TEST_F(ServerData, AFilterThatIsKilledLeavesNoHalfTicket) {
-    const std::string name = "Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
-    const std::string filter = TORKA_BINARY_DIR "/bin/torkafilter";
-    const TemporaryFolder root;
-    const std::string environment =
-        "export CONTENT_TYPE=application/vnd.cups-command PRINTER=Q TORKA_SYSTEM_ROOT=" +
-        root.Path().string() + "; ";
-    ASSERT_EQ(runCommand({"bash", "-c",
-                          environment + "echo /Library/Caches/ZAN/" + name + " | " + filter +
-                              " 1 anna Command_PSTempFileName 1 ''"})
-                  .status,
-              0);
-    EXPECT_EQ(runCommand({"bash", "-c",
-                          environment +
-                              "set -o pipefail; { echo half; sleep 1; echo whole; } | timeout -s KILL 0.3 " +
-                              filter + " 2 anna Command_WritePSTemp 1 ''"})
-                  .status,
-              137);
-    for (const auto& file : std::filesystem::recursive_directory_iterator(root.Path())) {
-        EXPECT_FALSE(file.path().filename().string().starts_with("Torka.temp")) << file.path();
-    }
-    // The job is started again: the pair still meets.
-    EXPECT_EQ(runCommand(
-                  {"bash", "-c", environment + "echo whole | " + filter + " 2 anna Command_WritePSTemp 1 ''"})
-                  .status,
-              0);
-    EXPECT_EQ(readFile(root / ("Library/Caches/ZAN/" + name)), "whole\n");
 }
 
 } // namespace

@@ -14,8 +14,6 @@ namespace torka::tests {
 
 namespace {
 
-using std::chrono::milliseconds;
-
 // A folder of the sandbox with little room while this lives.
 class SmallDisk {
 public:
@@ -133,15 +131,14 @@ TEST_F(Faults, AQueueThatIsDeletedEndsTheWait) {
     AddQueue("Deleted");
     CupsPrinter printer("Deleted");
     const std::string title = SendHeld(printer, "<plist/>");
-    std::thread meanwhile([] {
-        std::this_thread::sleep_for(milliseconds(300));
-        EXPECT_EQ(runCommand({"lpadmin", "-x", "Deleted"}).status, 0);
-    });
     setDestinationPPD("/before.ppd");
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(isJobComple(title));
-    meanwhile.join();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    int questions = 0;
+    EXPECT_FALSE(isJobComple(title, [&questions](const WaitProgress&) {
+        if (++questions == 1) {
+            EXPECT_EQ(runCommand({"lpadmin", "-x", "Deleted"}).status, 0);
+        }
+    }));
+    EXPECT_EQ(questions, 1) << "the next one finds neither job nor queue";
     EXPECT_EQ(destinationPPD(), "/before.ppd");
     EXPECT_EQ(sendCommandAndWait(std::make_shared<CupsPrinter>("Deleted"), "x", title),
               CommandOutcome::notSent);
@@ -151,15 +148,14 @@ TEST_F(Faults, ADescriptionThatIsReplacedDuringAWaitIsTheOneThatIsRead) {
     AddQueue("Replaced");
     CupsPrinter printer("Replaced");
     const std::string title = SendHeld(printer, "<plist/>");
-    std::thread meanwhile([&] {
-        std::this_thread::sleep_for(milliseconds(300));
-        EXPECT_EQ(runTool({"queue", "add", "Replaced", "torkasink:/", samplePath("torka-production-ja.ppd")})
-                      .status,
-                  0);
-        Release(printer);
-    });
-    EXPECT_TRUE(isJobComple(title));
-    meanwhile.join();
+    int questions = 0;
+    EXPECT_TRUE(isJobComple(title, [&](const WaitProgress&) {
+        if (++questions == 1) {
+            const std::string other = samplePath("torka-production-ja.ppd");
+            EXPECT_EQ(runTool({"queue", "add", "Replaced", "torkasink:/", other}).status, 0);
+            Release(printer);
+        }
+    }));
     EXPECT_NE(readFile(destinationPPD()).find("*LanguageVersion: Japanese"), std::string::npos);
     EXPECT_EQ(utf8FromWide(CPPDMsgHdlr(destinationPPD(), "DriverPreference").GetStringData()), "<plist/>");
 }
@@ -222,7 +218,7 @@ TEST_F(Faults, ADataFileThatGrowsIsReadWholeBehindItsLockAndToItsEndWithoutOne) 
         std::thread writer([&] {
             for (std::size_t at = 1000; at < text.size(); at += 1000) {
                 out << text.substr(at, 1000) << std::flush;
-                std::this_thread::sleep_for(milliseconds(2));
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
             std::filesystem::remove(lock);
         });

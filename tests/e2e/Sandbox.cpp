@@ -16,16 +16,16 @@ std::string Sandbox::Problem() {
 }
 
 CommandResult Sandbox::Script(const std::string& action) const {
-    return runCommand({TORKA_SOURCE_DIR "/scripts/cups-sandbox", "--bin", TORKA_BINARY_DIR "/bin", action,
-                       (folder / "s").string()});
+    const CommandResult result = runCommand({TORKA_SOURCE_DIR "/scripts/cups-sandbox", "--bin",
+                                             TORKA_BINARY_DIR "/bin", action, (folder / "s").string()});
+    EXPECT_EQ(result.status, 0) << action << ": " << result.errors;
+    return result;
 }
 
 Sandbox::Sandbox() {
     // lp has to pass.
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0711));
-    const CommandResult result = Script("start");
-    EXPECT_EQ(result.status, 0) << result.errors;
-    std::istringstream lines(result.output);
+    std::istringstream lines(Script("start").output);
     constexpr std::string_view prefix = "export ";
     for (std::string line; std::getline(lines, line);) {
         const std::size_t equals = line.find('=');
@@ -36,15 +36,13 @@ Sandbox::Sandbox() {
     }
 }
 
-Sandbox::~Sandbox() {
-    const CommandResult result = Script("stop");
-    EXPECT_EQ(result.status, 0) << result.errors;
-}
+Sandbox::~Sandbox() { Stop(); }
 
-void Sandbox::Restart() {
-    const CommandResult result = Script("restart");
-    EXPECT_EQ(result.status, 0) << result.errors;
-}
+void Sandbox::Stop() { Script("stop"); }
+
+void Sandbox::Start() { Script("start"); }
+
+void Sandbox::Restart() { Script("restart"); }
 
 std::string Sandbox::Printed(int job) const {
     const std::filesystem::path file = *this / ("printed/" + std::to_string(job) + ".ps");

@@ -23,6 +23,8 @@ public:
     ~Sandbox();
 
     std::filesystem::path operator/(std::string_view name) const { return folder / "s" / name; }
+    void Stop();
+    void Start();
     void Restart();
     // What reached the device, "" when nothing did.
     std::string Printed(int job) const;
@@ -30,7 +32,7 @@ public:
     std::string ErrorLog() const;
 
 private:
-    CommandResult Script(const std::string& action) const;
+    CommandResult Script(const std::string& action) const; // fails the test when the action does
 
     TemporaryFolder folder;
 };
