@@ -1,5 +1,6 @@
 #include "apps/torka/Description.h"
 
+#include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 #include "apps/torka/Command.h"
 
 #include <algorithm>
@@ -12,14 +13,6 @@ bool offers(PPDXPopupControl& popup, const std::string& option) {
     return popup.GetKeywordCFLocalName(option.c_str()) != nullptr;
 }
 
-// Popups whose choices come from the controller take any text.
-bool takesAnyText(std::string_view key) {
-    static constexpr std::string_view keys[] = {"*QVSimulation",  "*QVOutProfile", "*QVRGBOverride",
-                                                "*QVCurveAdjust", "*QVControlBar", "*QVSpotPriority",
-                                                "*QVGrayOverride"};
-    return std::ranges::find(keys, key) != std::end(keys);
-}
-
 bool takesValue(PPDXControl& control, const Setting& setting, std::string& error) {
     if (control.Type() == CNTL_TYPE::specialOption) {
         error = setting.key + " is given by the description and cannot be set";
@@ -30,7 +23,7 @@ bool takesValue(PPDXControl& control, const Setting& setting, std::string& error
         return false;
     }
     if (auto* popup = dynamic_cast<PPDXPopupControl*>(&control);
-        popup != nullptr && !takesAnyText(setting.key) && !offers(*popup, setting.value)) {
+        popup != nullptr && !isOpenColourPopup(setting.key) && !offers(*popup, setting.value)) {
         error = setting.key + " offers no " + setting.value + " (torka show lists its choices)";
         return false;
     }

@@ -26,14 +26,14 @@ struct ServerDataOptions {
 
 std::string utf8(std::wstring_view text) { return platform::utf8FromWide(text); }
 
-// How a count or percentage is shown; the values below 0 are those of RFC 3805.
+// How a count or percentage is shown.
 std::string amount(std::int32_t value, const char* unit) {
     switch (value) {
-    case -1:
+    case SDM_LEVEL_UNKNOWN:
         return "unknown";
-    case -2:
+    case SDM_LEVEL_UNLIMITED:
         return "unlimited";
-    case -3:
+    case SDM_LEVEL_SOME:
         return "some";
     default:
         return std::to_string(value) + unit;

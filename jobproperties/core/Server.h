@@ -23,23 +23,23 @@ struct KeyValue {
 };
 using KeyValues = std::vector<KeyValue>;
 
-// Texts are UTF-8, empty where the server does not know them; numbers as the interface gives them (-1
-// unknown, -2 unlimited, -3 some).
+// Texts are UTF-8, empty where the server does not know them; numbers as the interface gives them; one
+// below 0 is an SDM_LEVEL.
 struct Tray {
     std::string name, key, mediaName, mediaSize, mediaType, mediaColor;
-    std::int32_t level = -1; // sheets
-    std::int32_t capacity = -1;
+    std::int32_t level = SDM_LEVEL_UNKNOWN; // sheets
+    std::int32_t capacity = SDM_LEVEL_UNKNOWN;
 
     bool operator==(const Tray&) const = default;
 };
 
 struct Toner {
     std::string name;
-    std::int32_t level = -1; // percent, of a waste box what is taken
-    std::int32_t lowLevel = -1;
+    std::int32_t level = SDM_LEVEL_UNKNOWN; // percent, of a waste box what is taken
+    std::int32_t lowLevel = SDM_LEVEL_UNKNOWN;
     std::string color; // "#rrggbb", several one after the other
-    std::int32_t highLevel = -1;
-    std::int32_t capacity = -1;
+    std::int32_t highLevel = SDM_LEVEL_UNKNOWN;
+    std::int32_t capacity = SDM_LEVEL_UNKNOWN;
     std::int32_t kind = SDM_SUPPLY_OTHER;
 
     bool operator==(const Toner&) const = default;

@@ -28,9 +28,9 @@ QString percentText(int level) {
 // What a level says, in words; empty for a known number.
 QString specialText(int level) {
     switch (level) {
-    case -2:
+    case SDM_LEVEL_UNLIMITED:
         return StatusPanel::tr("unlimited");
-    case -3:
+    case SDM_LEVEL_SOME:
         return StatusPanel::tr("some");
     default:
         return level < 0 ? StatusPanel::tr("unknown") : QString();
@@ -200,7 +200,7 @@ void StatusPanel::ShowToners(const std::vector<Toner>& toners) {
         row.detail->setVisible(!row.detail->text().isEmpty());
         showWarning(row.warning, warning);
         row.gauge->SetColors(LevelGauge::ColorsFromText(shown(now.color)));
-        row.gauge->SetLevel(now.level == -2 ? 100 : now.level);
+        row.gauge->SetLevel(now.level == SDM_LEVEL_UNLIMITED ? 100 : now.level);
         row.gauge->setAccessibleName(shown(now.name));
         row.gauge->setAccessibleDescription(warning.isEmpty() ? state : state + ", " + warning);
     }
@@ -227,7 +227,7 @@ void StatusPanel::ShowTrays(const std::vector<Tray>& trays) {
         row.detail->setVisible(!media.isEmpty());
         showWarning(row.warning, now.level == 0 ? tr("Empty") : QString());
         int percent = -1;
-        if (now.level == -2)
+        if (now.level == SDM_LEVEL_UNLIMITED)
             percent = 100;
         else if (now.level == 0)
             percent = 0;

@@ -20,9 +20,9 @@ constexpr std::size_t mostText = 255;
 constexpr double pointsPerHundredth = 72.0 / 2540.0; // of a millimetre
 
 // As the module counts them.
-constexpr std::int32_t unknown = -1;
-constexpr std::int32_t unlimited = -2;
-constexpr std::int32_t some = -3;
+constexpr std::int32_t unknown = SDM_LEVEL_UNKNOWN;
+constexpr std::int32_t unlimited = SDM_LEVEL_UNLIMITED;
+constexpr std::int32_t some = SDM_LEVEL_SOME;
 
 // Kept while the module's structures point into it; blanks stand for what could end a field or a line.
 using WideText = std::wstring;

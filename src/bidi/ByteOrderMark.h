@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MarkLetters.h"
+
 #include <string>
 #include <string_view>
 
@@ -7,11 +9,6 @@
 // the mark travels as six letters.
 
 namespace torka {
-
-inline constexpr std::string_view narrowMark = "\xEF\xBB\xBF";
-inline constexpr std::wstring_view wideMark = L"\xFEFF";
-inline constexpr std::string_view markLetters = "EFBBBF";
-inline constexpr std::wstring_view wideMarkLetters = L"EFBBBF";
 
 // In a text that begins with the mark every mark becomes letters; other texts stay as they are.
 std::string withMarkLetters(std::string_view narrow);

@@ -1,5 +1,6 @@
 #include "bidi/JobPropertiesCallbacks.h"
 
+#include "MarkLetters.h"
 #include "bidi/CFileHdlr.h"
 #include "bidi/CPPDMsgHdlr.h"
 #include "bidi/CUtil.h"
@@ -351,7 +352,7 @@ SDMRESULT sdmFuncPtrSetLocalPresetsData(SDMHANDLE, const wchar_t* const* data, i
     }
     return answer([&] {
         JobPropertiesHost* host = jobPropertiesHost();
-        const std::string text = CUtil::__replace(utf8FromWide(*data), "\xEF\xBB\xBF", "EFBBBF");
+        const std::string text = CUtil::__replace(utf8FromWide(*data), narrowMark, markLetters);
         if (!host) {
             return false;
         }

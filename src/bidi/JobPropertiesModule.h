@@ -79,15 +79,22 @@ enum {
     SDM_SUPPLY_WASTE = 3 /* fills up instead of running out */
 };
 
+/* A level or capacity below 0 is one of these. */
+enum {
+    SDM_LEVEL_UNKNOWN = -1,
+    SDM_LEVEL_UNLIMITED = -2,
+    SDM_LEVEL_SOME = -3 /* but not how much, as in RFC 3805 */
+};
+
 /* One supply: toner, ink, a waste box. The members stand in the order of the record. Percentages are 0 to
- * 100; -1 is unknown, -2 unlimited, -3 some but not how much (as in RFC 3805). */
+ * 100, or SDM_LEVEL_... */
 typedef struct SDMTonerInfo {
     wchar_t* name;     /* to be shown, such as L"Cyan" */
     int32_t level;     /* percent: what is left, of a waste box what is taken */
     int32_t lowLevel;  /* percent at or below which it counts as low */
     wchar_t* color;    /* L"#rrggbb", several one after the other ("#00ffff#ff00ff"); null if it has none */
     int32_t highLevel; /* percent at or above which it counts as full (waste) */
-    int32_t capacity;  /* pages of a full supply, -1 unknown */
+    int32_t capacity;  /* pages of a full supply, or SDM_LEVEL_UNKNOWN */
     int32_t kind;      /* SDM_SUPPLY_... */
 } SDMTonerInfo;
 
@@ -105,8 +112,8 @@ typedef struct SDMTrayInfo {
     wchar_t* mediaSize;  /* its choice of "*PageSize", such as L"A4" */
     wchar_t* mediaType;  /* its choice of "*MediaType", such as L"Plain" */
     wchar_t* mediaColor; /* to be shown, such as L"White" */
-    int32_t level;       /* sheets in it; -1 unknown, -2 unlimited, -3 some */
-    int32_t capacity;    /* sheets that it holds; -1 unknown, -2 unlimited */
+    int32_t level;       /* sheets in it, or SDM_LEVEL_... */
+    int32_t capacity;    /* sheets that it holds, or SDM_LEVEL_... */
 } SDMTrayInfo;
 
 typedef struct SDMTrayInfoArray {

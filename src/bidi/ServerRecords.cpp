@@ -91,7 +91,7 @@ bool readTrayNumber(LineFields& fields, std::int32_t& number) {
         return false;
     }
     const std::optional<std::int32_t> value = wholeNumber(field);
-    number = value.value_or(-1);
+    number = value.value_or(SDM_LEVEL_UNKNOWN);
     return value || isTrayPlaceholder(field);
 }
 

@@ -1,17 +1,19 @@
 #include "connection/BonjourIPDiscovery.h"
 
-#include <string_view>
+#include "connection/ServiceTypes.h"
+
+#include <string>
 #include <utility>
 
 namespace torka {
 
 namespace {
 
-constexpr std::string_view printerDomain = "._printer._tcp.local.";
-constexpr std::string_view ippDomain = "._ipp._tcp.local.";
 constexpr std::chrono::milliseconds resolveTimeout{2000};
 
 std::string instanceNameOf(const CFURLRef& url) {
+    const std::string printerDomain = serviceSuffix(printerService);
+    const std::string ippDomain = serviceSuffix(ippService);
     std::string name = utf8Text(CFURLCopyHostName(url));
     if (name.ends_with(printerDomain)) {
         name.resize(name.size() - printerDomain.size());
@@ -33,7 +35,7 @@ BonjourIPDiscovery::initWithPrinterBonjourURL(const CFURLRef& url, std::function
 }
 
 BonjourIPDiscovery::BonjourIPDiscovery(std::string name, std::function<void()> whenDone)
-    : service{std::move(name), "_printer._tcp.", "local."}
+    : service{std::move(name), std::string(printerService) + ".", std::string(localDomain)}
     , done(std::move(whenDone)) {
     if (ServiceDirectory* directory = serviceDirectory()) {
         resolution = directory->Resolve(service, resolveTimeout, *this);

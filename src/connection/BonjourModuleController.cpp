@@ -1,11 +1,11 @@
 #include "connection/BonjourModuleController.h"
 
 #include "connection/BonjourIPDiscovery.h"
+#include "connection/ServiceTypes.h"
 #include "platform/Alert.h"
 #include "platform/System.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace torka {
@@ -17,11 +17,10 @@ constexpr EventTimerInterval reloadPause{0.1};
 constexpr EventTimerInterval searchAgainPause{5.0};
 constexpr std::chrono::milliseconds resolveTimeout{15000}; // as long as progress is shown
 
-constexpr std::array<std::u16string_view, 2> serviceDomains = {u"._printer._tcp.local.",
-                                                               u"._pdl-datastream._tcp.local."};
-
 CFStringRef withoutServiceDomain(const CFStringRef& text) {
-    for (const std::u16string_view domain : serviceDomains) {
+    for (const std::string_view type : {printerService, dataStreamService}) {
+        const std::string suffix = serviceSuffix(type);
+        const std::u16string domain(suffix.begin(), suffix.end());
         if (CFStringHasSuffix(text, domain)) {
             return CFStringCreateWithCharacters(
                 std::u16string_view(text->units).substr(0, text->units.size() - domain.size()));
@@ -77,8 +76,7 @@ CFURLRef serviceUrl(const CFStringRef& instanceName) {
             url += {'%', digits[byte >> 4U], digits[byte & 15U]};
         }
     }
-    return CFURLCreateWithString(
-        cfString(url + utf8Text(CFStringCreateWithCharacters(serviceDomains[0])) + "/"));
+    return CFURLCreateWithString(cfString(url + serviceSuffix(printerService) + "/"));
 }
 
 // −1, 0 or 1 of two controllers, in ascending order.

@@ -2,8 +2,8 @@
 
 #include "bidi/CPPDMsgHdlr.h"
 #include "bidi/CommandJob.h"
+#include "connection/ServiceTypes.h"
 
-#include <array>
 #include <string>
 #include <string_view>
 
@@ -12,18 +12,17 @@ namespace torka {
 namespace {
 
 constexpr std::u16string_view schemeEnd = u"://";
-constexpr std::array<std::u16string_view, 4> serviceTypes = {u"_printer._tcp", u"_ipp._tcp", u"_ipps._tcp",
-                                                             u"_pdl-datastream._tcp"};
 
 bool hasScheme(const PMPrintSession& session, std::u16string_view scheme) {
     const CFStringRef type = CopyPrinterConnectionType(session);
     return type && type->units == scheme;
 }
 
-std::u16string_view serviceType(std::u16string_view url) {
-    for (const std::u16string_view type : serviceTypes) {
-        if (url.find(type) != std::u16string_view::npos) {
-            return type;
+std::u16string serviceType(std::u16string_view url) {
+    for (const std::string_view type : controllerServiceTypes) {
+        std::u16string wide(type.begin(), type.end());
+        if (url.find(wide) != std::u16string_view::npos) {
+            return wide;
         }
     }
     return {};
@@ -64,7 +63,7 @@ CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url) {
     if (scheme.empty()) {
         return none;
     }
-    std::u16string_view name = before(text, u"." + std::u16string(serviceType(text)));
+    std::u16string_view name = before(text, u"." + serviceType(text));
     const std::u16string prefix = std::u16string(scheme) + std::u16string(schemeEnd);
     if (name.starts_with(prefix)) {
         name.remove_prefix(prefix.size());

@@ -24,9 +24,9 @@ bool isIPPrinterConnection(const PMPrintSession& session);        // "ipp"
 bool isDiscoveredServiceConnection(const PMPrintSession& session);
 
 // The instance name of the service that a device URI names: what stands between the scheme and the service
-// type (the first of "_printer._tcp", "_ipp._tcp", "_ipps._tcp", "_pdl-datastream._tcp" that it holds),
-// percent escapes undone. Without a service type the name ends at the first ".". "" for a URI without a
-// scheme and for escapes that are not UTF-8 text; never null.
+// type (the first of the controllerServiceTypes that it holds), percent escapes undone. Without a service
+// type the name ends at the first ".". "" for a URI without a scheme and for escapes that are not UTF-8 text;
+// never null.
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url);
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "connection/ServiceTypes.h"
 #include "platform/CoreFoundation.h"
 #include "platform/NetServices.h"
 
@@ -17,11 +18,6 @@
 // The controllers that the local net announces, one entry each, however many services each has.
 
 namespace torka {
-
-// The service types under which a controller announces itself.
-inline constexpr std::array<std::string_view, 4> controllerServiceTypes = {
-    "_printer._tcp", "_ipp._tcp", "_ipps._tcp", "_pdl-datastream._tcp"};
-inline constexpr std::string_view localDomain = "local.";
 
 // One line of plain text: control characters, line and paragraph separators and marks that turn the direction
 // of writing become U+FFFD; cut after 255 units.

@@ -1,5 +1,7 @@
 #include "output/DynamicOption.h"
 
+#include "MarkLetters.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -9,13 +11,13 @@ std::string withByteOrderMarks(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     for (;;) {
-        const std::size_t found = text.find(byteOrderMarkLetters);
+        const std::size_t found = text.find(markLetters);
         result += text.substr(0, found);
         if (found == std::string_view::npos) {
             return result;
         }
-        result += byteOrderMark;
-        text.remove_prefix(found + byteOrderMarkLetters.size());
+        result += narrowMark;
+        text.remove_prefix(found + markLetters.size());
     }
 }
 

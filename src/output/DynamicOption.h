@@ -5,13 +5,9 @@
 
 namespace torka {
 
-// In texts that pass through narrow records, a UTF-8 byte-order mark is written as these six letters.
-inline constexpr std::string_view byteOrderMarkLetters = "EFBBBF";
-inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-// Every "EFBBBF" replaced by the byte-order mark. A replacement may complete another "EFBBBF" with what
-// stands around it only if the mark held such letters, which it does not: one pass gives what scanning again
-// from the start gives.
+// Every "EFBBBF" replaced by the byte-order mark of UTF-8. A replacement may complete another "EFBBBF" with
+// what stands around it only if the mark held such letters, which it does not: one pass gives what scanning
+// again from the start gives.
 std::string withByteOrderMarks(std::string_view text);
 
 // When the text contains `pattern`, "(" or ")", only the first occurrence becomes its octal escape "\050" or

@@ -1,5 +1,7 @@
 #include "output/FeatureEmission.h"
 
+#include "MarkLetters.h"
+#include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/Utilities/ModelState.h"
@@ -63,7 +65,7 @@ std::string valueOf(PPDXControl* control) {
 bool containsColourKeyword(std::string_view keyword) {
     for (std::size_t at = keyword.find('*'); at != std::string_view::npos; at = keyword.find('*', at + 1)) {
         const std::string_view rest = keyword.substr(at);
-        if (std::ranges::any_of(colourKeywords,
+        if (std::ranges::any_of(dynamicColourKeywords,
                                 [rest](std::string_view each) { return rest.starts_with(each); })) {
             return true;
         }
@@ -232,7 +234,7 @@ void FeatureEmission::AddFeature(std::string_view keyword, std::string_view valu
 }
 
 void FeatureEmission::AddColourSettings() {
-    for (const std::string_view keyword : colourKeywords) {
+    for (const std::string_view keyword : dynamicColourKeywords) {
         AddColourSetting(keyword.data());
     }
 }
@@ -258,7 +260,7 @@ void FeatureEmission::AddDynamicOption(std::string_view keyword, std::string_vie
                                        bool escapesParentheses) {
     std::string shown = withoutLineBreaks(text);
     std::string string = shown;
-    if (shown.find(byteOrderMarkLetters) != std::string::npos) {
+    if (shown.find(markLetters) != std::string::npos) {
         shown = withByteOrderMarks(shown);
         string = shown;
         if (escapesParentheses) {

@@ -65,8 +65,4 @@ private:
     std::vector<ZANJobNoteList::LeftOutNote> leftOutNotes;
 };
 
-// The five colour keywords that are sent as dynamic options, in their order.
-inline constexpr std::string_view colourKeywords[] = {"*QVOutProfile", "*QVSimulation", "*QVRGBOverride",
-                                                      "*QVSpotPriority", "*QVGrayOverride"};
-
 } // namespace torka

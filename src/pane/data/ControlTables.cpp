@@ -1,6 +1,6 @@
 #include "pane/data/ControlTables.h"
 
-#include "output/FeatureEmission.h"
+#include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 
 #include <algorithm>
 #include <array>
@@ -126,7 +126,8 @@ bool holds(std::span<const std::string_view> table, const char* keyword) {
 bool isExpertHueKeeperControl(const char* keyword) { return holds(expertHueKeeperControls, keyword); }
 
 bool isSpecialHueKeeperControl(const char* keyword) {
-    return keyword != nullptr && std::ranges::any_of(colourKeywords, [keyword](std::string_view colour) {
+    return keyword != nullptr &&
+           std::ranges::any_of(dynamicColourKeywords, [keyword](std::string_view colour) {
                return std::string_view(keyword).find(colour) != std::string_view::npos;
            });
 }

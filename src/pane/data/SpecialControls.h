@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PPDX/PPDObjects/Controls/ColourKeywords.h"
+
 #include <array>
 #include <string_view>
 
@@ -8,10 +10,7 @@ namespace torka {
 class PPDXControl;
 class PPDXControls;
 
-// The colour controls whose value lives in a job note of the same keyword, too, because the controller may
-// add to their choices; and the control bar, which is kept likewise.
-inline constexpr std::array<const char*, 5> colourNoteKeywords = {
-    "*QVOutProfile", "*QVSimulation", "*QVRGBOverride", "*QVSpotPriority", "*QVGrayOverride"};
+// Kept as the dynamicColourKeywords are: its value lives in a job note, too.
 inline constexpr const char* controlBarKeyword = "*QVControlBar";
 // What names the preset of the server that the settings came from.
 inline constexpr std::array<const char*, 3> serverPresetKeywords = {"*PresetType", "*PresetName",

@@ -1,5 +1,6 @@
 #include "pane/exchange/ServerGauges.h"
 
+#include "bidi/JobPropertiesModule.h"
 #include "bidi/RecordText.h"
 #include "bidi/ServerRecords.h"
 #include "platform/TextEncoding.h"
@@ -12,7 +13,6 @@ namespace {
 
 constexpr std::size_t mostGauges = 64;
 constexpr std::size_t mostCharacters = 200;
-constexpr std::int32_t someLeft = -3; // RFC 3805
 
 std::string shortText(std::wstring_view text) { return utf8FromWide(text.substr(0, mostCharacters)); }
 
@@ -52,7 +52,7 @@ TrayGauge gaugeOf(const TrayView& tray) {
     } else if (tray.level == 0) {
         gauge.percent = 0;
     }
-    gauge.hasSome = tray.level == someLeft;
+    gauge.hasSome = tray.level == SDM_LEVEL_SOME;
     return gauge;
 }
 

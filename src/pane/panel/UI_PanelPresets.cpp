@@ -1,3 +1,4 @@
+#include "MarkLetters.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "bidi/BidiFilePaths.h"
 #include "bidi/CUtil.h"
@@ -71,7 +72,7 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
         }
         return;
     }
-    presets = CUtil::__replace(presets, "\xEF\xBB\xBF", "EFBBBF");
+    presets = CUtil::__replace(presets, narrowMark, markLetters);
     if (presets.size() > mostRecordText) {
         myNSLogC("The local presets are not sent to the queue: they have %zu bytes, and it takes %zu.",
                  presets.size(), mostRecordText);

@@ -28,7 +28,7 @@ constexpr std::array<std::string_view, 3> documentServerNotes = {"*QVDSFileName"
 
 bool isUtf8Note(std::string_view keyword) {
     return keyword == controlBarKeyword ||
-           std::ranges::find(colourNoteKeywords, keyword) != colourNoteKeywords.end() ||
+           std::ranges::find(dynamicColourKeywords, keyword) != dynamicColourKeywords.end() ||
            std::ranges::find(serverPresetKeywords, keyword) != serverPresetKeywords.end() ||
            std::ranges::find(documentServerNotes, keyword) != documentServerNotes.end();
 }

@@ -191,7 +191,7 @@ void UI_Panel::ListColourNotes(KeyValueList& list) {
         }
         list.AppendNarrow(keyOf(controlBarKeyword), cutText(std::move(value), valueSize));
     }
-    for (const char* keyword : colourNoteKeywords) {
+    for (const char* keyword : dynamicColourKeywords) {
         if (PPDXJobNote* note = controls.FindJobNote(keyword, true)) {
             list.AppendNarrow(keyOf(keyword), cutText(controlValueText(*note), valueSize));
         }

@@ -116,10 +116,10 @@ PPDTreeQuickAccess* GetShortcutFromKeyword(std::string_view keyword) {
 
 void UI_Panel::ResetControlsToDefault() {
     PPDXControls& controls = *model->GetControls();
-    std::array<const PPDXControl*, colourNoteKeywords.size()> keptNotes{};
-    for (std::size_t i = 0; i < colourNoteKeywords.size(); ++i) {
-        PPDXJobNote* note = controls.FindJobNote(colourNoteKeywords[i], true);
-        PPDXControl* control = settingControl(controls, colourNoteKeywords[i]);
+    std::array<const PPDXControl*, dynamicColourKeywords.size()> keptNotes{};
+    for (std::size_t i = 0; i < dynamicColourKeywords.size(); ++i) {
+        PPDXJobNote* note = controls.FindJobNote(dynamicColourKeywords[i], true);
+        PPDXControl* control = settingControl(controls, dynamicColourKeywords[i]);
         if (note && !control) {
             break;
         }
@@ -186,7 +186,7 @@ void UI_Panel::makeJobNotesForSpecialControls() {
             note->SetUTF8Notes(value);
         }
     };
-    std::ranges::for_each(colourNoteKeywords, keep);
+    std::ranges::for_each(dynamicColourKeywords, keep);
     keep(controlBarKeyword);
 }
 

@@ -1,22 +1,16 @@
 #include "PPDX/PPDObjects/Controls/PPDXPopupControl.h"
 
+#include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 #include "PPDX/PPDObjects/StoredRecord.h"
 #include "TextConverter.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <utility>
 
 namespace torka {
 
 namespace {
-
-// Popups whose choices the controller may add to at any time.
-constexpr std::array<std::string_view, 7> colourKeywords = {
-    "*QVSimulation", "*QVOutProfile",   "*QVRGBOverride",  "*QVCurveAdjust",
-    "*QVControlBar", "*QVSpotPriority", "*QVGrayOverride",
-};
 
 // The field of item n: "item3.keyword".
 std::string itemField(std::size_t number, const char* field) {
@@ -171,8 +165,7 @@ void PPDXPopupControl::SetCurrentControlWithText(const std::string& text, bool k
         }
         return;
     }
-    if (std::ranges::find(colourKeywords, std::string_view(Keyword() ? Keyword() : "")) ==
-        colourKeywords.end()) {
+    if (!isOpenColourPopup(Keyword() ? Keyword() : "")) {
         return;
     }
     // A choice needs a keyword; a NUL cannot stand in one.

@@ -1,5 +1,6 @@
 #include "PPDX/PPDObjects/Interface/PPDX.h"
 
+#include "PPDX/PPDObjects/Interface/ElementKeywords.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "StringUtils.h"
 
@@ -13,14 +14,11 @@ namespace torka {
 namespace {
 constexpr std::size_t mostUnclosedValues = 10000;
 
-// Lines that no PostScript value holds, although they begin with "*%": where one of them stands the closing
-// quote was forgotten, and its element must not go down with the value.
-bool beginsElement(std::string_view line) {
-    static constexpr std::array<std::string_view, 10> keywords{
-        "*%ZANFlags",      "*%ZANPropPage",         "*%ZANGroupName", "*%ZANSubGroupName",
-        "*%ZANParent",     "*%ZANSpecialOption",    "*%QVShortcut",   "*%ZANUIConstraints",
-        "*%ZANUIRequires", "*%ParamCustomPrintSize"};
-    return std::ranges::find(keywords, line.substr(0, line.find_first_of(" \t:"))) != keywords.end();
+// A line that no PostScript value holds, although it begins with "*%": where it stands the closing quote was
+// forgotten, and its element must not be lost with the value.
+bool endsValue(std::string_view line) {
+    const ElementKeyword* element = findElementKeyword(line.substr(0, line.find_first_of(" \t:")));
+    return element != nullptr && element->endsValue;
 }
 
 } // namespace
@@ -163,7 +161,7 @@ PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPo
     char line[kLineCapacity];
     while (ReadNonEmptyLine(line)) {
         text = line;
-        if (isPostscript && text.starts_with("*%") && !beginsElement(text)) {
+        if (isPostscript && text.starts_with("*%") && !endsValue(text)) {
             text.remove_prefix(2);
         } else if (text.front() == '*') {
             PushBackLine(line);

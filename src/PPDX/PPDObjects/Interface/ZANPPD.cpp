@@ -1,6 +1,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
 #include "PPDFile.h"
+#include "PPDX/PPDObjects/Interface/ElementKeywords.h"
 #include "PPDX/PPDObjects/Interface/PPDFileStream.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "platform/System.h"
@@ -15,46 +16,9 @@ namespace torka {
 
 namespace {
 
-// What a line is, by its main keyword.
-enum class LineKind {
-    constraint,
-    requirement,
-    propPage,
-    groupName,
-    subGroupName,
-    parent,
-    controlFlags,
-    customPrintSize,
-    shortcut,
-    specialOption,
-    jobNote,
-    other
-};
-
 LineKind lineKind(std::string_view keyword) {
-    struct Entry {
-        std::string_view keyword;
-        LineKind kind;
-    };
-    // The most frequent first; unequal lengths end a comparison.
-    static constexpr std::array<Entry, 12> entries{{{"*UIConstraints", LineKind::constraint},
-                                                    {"*%ZANFlags", LineKind::controlFlags},
-                                                    {"*%ZANUIConstraints", LineKind::constraint},
-                                                    {"*%ZANUIRequires", LineKind::requirement},
-                                                    {"*%ZANParent", LineKind::parent},
-                                                    {"*%ZANGroupName", LineKind::groupName},
-                                                    {"*%ZANSubGroupName", LineKind::subGroupName},
-                                                    {"*%QVShortcut", LineKind::shortcut},
-                                                    {"*%ZANPropPage", LineKind::propPage},
-                                                    {"*%ZANSpecialOption", LineKind::specialOption},
-                                                    {"*%ZANJobNote", LineKind::jobNote},
-                                                    {"*%ParamCustomPrintSize", LineKind::customPrintSize}}};
-    for (const Entry& entry : entries) {
-        if (keyword == entry.keyword) {
-            return entry.kind;
-        }
-    }
-    return LineKind::other;
+    const ElementKeyword* element = findElementKeyword(keyword);
+    return element == nullptr ? LineKind::other : element->kind;
 }
 
 // Records of the two-way data, which the queue's description carries along for another reader.

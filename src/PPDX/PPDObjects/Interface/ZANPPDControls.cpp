@@ -1,3 +1,4 @@
+#include "PPDX/PPDObjects/Interface/ElementKeywords.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
@@ -55,12 +56,10 @@ bool closesBlock(std::string_view keyword) {
            keyword == "*EndUI";
 }
 
-// Lines that no block contains: where one of them stands the closing line was forgotten.
-bool beginsElement(std::string_view keyword) {
-    static constexpr std::array<std::string_view, 8> starts{
-        "*%ZANFlags",  "*%ZANPropPage", "*%ZANGroupName", "*%ZANSubGroupName",
-        "*%ZANParent", "*OpenUIZAN",    "*OpenGroup",     "*CloseGroup"};
-    return opensBlock(keyword) || std::find(starts.begin(), starts.end(), keyword) != starts.end();
+// A line that no block contains: where it stands the closing line was forgotten.
+bool endsBlock(std::string_view keyword) {
+    const ElementKeyword* element = findElementKeyword(keyword);
+    return element != nullptr && element->endsBlock;
 }
 
 // The next of a range's numbers, empty when there is none before the quoted PostScript.
@@ -254,7 +253,7 @@ void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
             if (consumed > 0 && before[consumed - 1] != ':') { // with ":" it has no option keyword
                 ReadOptionLine(line, block);
             }
-        } else if (beginsElement(token)) {
+        } else if (endsBlock(token)) {
             Note(PPDLintKind::unclosedBlock, Line(), keyword);
             PushBackLine(text.data());
             return;
