@@ -1,8 +1,8 @@
 // The exchange record with 1,000 settings: filled and read back, as a launch and the module's return do it,
 // beside copies of the whole record.
 
-#include "bidi/ExchangeLists.h"
-#include "bidi/JobPropertiesState.h"
+#include "bidi/module/ExchangeLists.h"
+#include "bidi/module/JobPropertiesState.h"
 
 #include <benchmark/benchmark.h>
 #include <cstring>

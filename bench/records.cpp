@@ -1,10 +1,10 @@
 // Records of 16 MB: read and written beside the bare loops of the libraries that do the work, over the same
 // bytes in one run.
 
-#include "bidi/CFileHdlr.h"
-#include "bidi/CPPDMsgHdlr.h"
-#include "bidi/RecordText.h"
-#include "bidi/StandardStreams.h"
+#include "bidi/records/CFileHdlr.h"
+#include "bidi/records/CPPDMsgHdlr.h"
+#include "bidi/records/RecordText.h"
+#include "bidi/text/StandardStreams.h"
 
 #include <array>
 #include <benchmark/benchmark.h>

@@ -1,9 +1,9 @@
 // Records of 1,000 entries turned into what the module is given, and freed; beside a bare split of the same
 // text into lines and fields, each copied into a string of its own.
 
-#include "bidi/ServerDataToBuffer.h"
-#include "bidi/ServerDataToSDM.h"
-#include "bidi/ServerRecords.h"
+#include "bidi/serverdata/ServerDataToBuffer.h"
+#include "bidi/serverdata/ServerDataToSDM.h"
+#include "bidi/serverdata/ServerRecords.h"
 
 #include <benchmark/benchmark.h>
 #include <sstream>

@@ -1,7 +1,7 @@
 // A management template of any bytes: every search in it ends, answers for a keyword the same with and
 // without its asterisk, and what is taken over stays within the lists.
 
-#include "bidi/CUtil.h"
+#include "bidi/serverdata/CUtil.h"
 #include "fuzz/PaneFuzzing.h"
 
 #include <unistd.h>

@@ -1,7 +1,7 @@
 // Exchange records out of hostile bytes, and hostile wide text into a record.
 
-#include "bidi/ExchangeLists.h"
-#include "bidi/JobPropertiesState.h"
+#include "bidi/module/ExchangeLists.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "fuzz/Fuzzing.h"
 #include "platform/TextEncoding.h"
 

@@ -2,7 +2,7 @@
 // the command's text. Whatever they are, nothing appears outside the filter's two folders, each message stays
 // a line, and the notes and owner records that are kept can be read again.
 
-#include "bidi/StandardStreams.h"
+#include "bidi/text/StandardStreams.h"
 #include "platform/posix/PosixSystem.h"
 #include "spooler/filter/Commands.h"
 #include "spooler/filter/FilterNotes.h"

@@ -1,8 +1,8 @@
 // Supplies and trays as printers tell them: each line of the input is a value, its first character chooses
 // the attribute. Whatever they say, the records that are made of them can be read again, entry for entry.
 
-#include "bidi/RecordEncoding.h"
-#include "bidi/ServerRecords.h"
+#include "bidi/records/RecordEncoding.h"
+#include "bidi/serverdata/ServerRecords.h"
 #include "spooler/filter/LiveRecords.h"
 #include "spooler/filter/SupplyText.h"
 

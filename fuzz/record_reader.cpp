@@ -1,9 +1,9 @@
 // Two-way records out of hostile texts: the reader and the index against slow reading, and what a command
 // job's text asks for.
 
-#include "bidi/CFileHdlr.h"
-#include "bidi/RecordText.h"
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/records/CFileHdlr.h"
+#include "bidi/records/RecordText.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/QuietStreams.h"
 #include "tests/bidi/RecordOracle.h"

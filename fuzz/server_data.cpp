@@ -3,12 +3,12 @@
 // a refusal leaves no block and no out-parameter, what is handed over is freed whole, and what a writer makes
 // of it is read as the same again.
 
-#include "bidi/CUtil.h"
-#include "bidi/RecordEncoding.h"
-#include "bidi/ServerDataToBuffer.h"
-#include "bidi/ServerDataToSDM.h"
-#include "bidi/ServerDataXml.h"
-#include "bidi/ServerRecords.h"
+#include "bidi/records/RecordEncoding.h"
+#include "bidi/serverdata/CUtil.h"
+#include "bidi/serverdata/ServerDataToBuffer.h"
+#include "bidi/serverdata/ServerDataToSDM.h"
+#include "bidi/serverdata/ServerDataXml.h"
+#include "bidi/serverdata/ServerRecords.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/QuietStreams.h"
 #include "platform/TextEncoding.h"

@@ -1,6 +1,6 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/QueueJobs.h"
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
 #include "platform/System.h"
 #include "platform/cups/CupsPrinting.h"
 

@@ -2,7 +2,7 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/JobEmission.h"
 #include "apps/torka/QueueJobs.h"
-#include "bidi/TicketCommands.h"
+#include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"

@@ -1,7 +1,7 @@
 #include "apps/torka/QueueAddresses.h"
 
 #include "apps/torka/Interrupt.h"
-#include "bidi/StandardStreams.h"
+#include "bidi/text/StandardStreams.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"
 

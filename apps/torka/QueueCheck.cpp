@@ -1,6 +1,6 @@
 #include "apps/torka/QueueCheck.h"
 
-#include "bidi/TicketCommands.h"
+#include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
 #include "platform/System.h"
 #include "platform/cups/CupsHandles.h"

@@ -2,9 +2,9 @@
 
 #include "apps/torka/Command.h"
 #include "apps/torka/Interrupt.h"
-#include "bidi/BidiDataFile.h"
-#include "bidi/SpoolerCommands.h"
-#include "bidi/StandardStreams.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/records/BidiDataFile.h"
+#include "bidi/text/StandardStreams.h"
 #include "connection/ConnectionType.h"
 #include "connection/RequestAddress.h"
 #include "platform/cups/CupsPrinting.h"

@@ -2,10 +2,10 @@
 #include "apps/torka/Description.h"
 #include "apps/torka/QueueServerData.h"
 #include "apps/torka/TextTable.h"
-#include "bidi/CFileHdlr.h"
 #include "bidi/JobPropertiesModule.h"
-#include "bidi/RecordText.h"
-#include "bidi/ServerRecords.h"
+#include "bidi/records/CFileHdlr.h"
+#include "bidi/records/RecordText.h"
+#include "bidi/serverdata/ServerRecords.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
 

@@ -3,7 +3,7 @@
 //
 //     pane_pictures FOLDER [DESCRIPTION.ppd]
 
-#include "bidi/CFileHdlr.h"
+#include "bidi/records/CFileHdlr.h"
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
 #include "pane/views/GaugePanel.h"

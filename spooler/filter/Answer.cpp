@@ -1,8 +1,8 @@
 #include "spooler/filter/Answer.h"
 
-#include "bidi/BidiDataFile.h"
-#include "bidi/BidiFilePaths.h"
-#include "bidi/RecordWriter.h"
+#include "bidi/commands/BidiFilePaths.h"
+#include "bidi/records/BidiDataFile.h"
+#include "bidi/records/RecordWriter.h"
 #include "spooler/filter/PrivateFolder.h"
 #include "spooler/filter/QueueRecords.h"
 #include "spooler/filter/TicketStore.h"

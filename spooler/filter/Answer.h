@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
 #include "spooler/filter/ControllerSource.h"
 
 #include <string>

@@ -1,9 +1,9 @@
 #include "spooler/filter/Commands.h"
 
-#include "bidi/BidiFilePaths.h"
-#include "bidi/RecordEncoding.h"
-#include "bidi/SpoolerCommands.h"
-#include "bidi/TicketCommands.h"
+#include "bidi/commands/BidiFilePaths.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/commands/TicketCommands.h"
+#include "bidi/records/RecordEncoding.h"
 #include "platform/TextEncoding.h"
 #include "spooler/TicketReader.h"
 #include "spooler/filter/Answer.h"

@@ -1,8 +1,8 @@
 #include "spooler/filter/ControllerSource.h"
 
-#include "bidi/BidiFilePaths.h"
-#include "bidi/RecordEncoding.h"
-#include "bidi/RecordWriter.h"
+#include "bidi/commands/BidiFilePaths.h"
+#include "bidi/records/RecordEncoding.h"
+#include "bidi/records/RecordWriter.h"
 #include "platform/NetServices.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"

@@ -1,9 +1,9 @@
 #include "spooler/filter/LiveRecords.h"
 
-#include "bidi/CBuffer.h"
 #include "bidi/JobPropertiesModule.h"
-#include "bidi/RecordEncoding.h"
-#include "bidi/ServerDataToBuffer.h"
+#include "bidi/records/RecordEncoding.h"
+#include "bidi/serverdata/ServerDataToBuffer.h"
+#include "bidi/text/CBuffer.h"
 #include "platform/TextEncoding.h"
 #include "spooler/filter/SupplyText.h"
 

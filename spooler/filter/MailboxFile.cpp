@@ -1,6 +1,6 @@
 #include "spooler/filter/MailboxFile.h"
 
-#include "bidi/BidiFilePaths.h"
+#include "bidi/commands/BidiFilePaths.h"
 #include "platform/System.h"
 #include "spooler/filter/TicketStore.h"
 

@@ -1,6 +1,6 @@
 #include "spooler/filter/PrivateFolder.h"
 
-#include "bidi/BidiFilePaths.h"
+#include "bidi/commands/BidiFilePaths.h"
 #include "platform/System.h"
 
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "spooler/filter/QueueRecords.h"
 
-#include "bidi/CPPDMsgHdlr.h"
-#include "bidi/RecordWriter.h"
+#include "bidi/records/CPPDMsgHdlr.h"
+#include "bidi/records/RecordWriter.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "spooler/filter/ServerMessages.h"
 
-#include "bidi/RecordWriter.h"
-#include "bidi/StandardStreams.h"
+#include "bidi/records/RecordWriter.h"
+#include "bidi/text/StandardStreams.h"
 
 #include <sys/ioctl.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
 #include "platform/SecretMemory.h"
 #include "platform/System.h"
 #include "platform/posix/PosixNetServices.h"

@@ -1,7 +1,7 @@
 #include "connection/ConnectionType.h"
 
-#include "bidi/CPPDMsgHdlr.h"
-#include "bidi/CommandJob.h"
+#include "bidi/commands/CommandJob.h"
+#include "bidi/records/CPPDMsgHdlr.h"
 #include "connection/ServiceTypes.h"
 
 #include <string>

@@ -1,6 +1,6 @@
 #include "connection/PropertyListFile.h"
 
-#include "bidi/BidiFilePaths.h"
+#include "bidi/commands/BidiFilePaths.h"
 #include "platform/PropertyList.h"
 #include "platform/System.h"
 

@@ -1,8 +1,8 @@
 #include "connection/PropertyListStore.h"
 
-#include "bidi/CPPDMsgHdlr.h"
-#include "bidi/CommandJob.h"
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/CommandJob.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/records/CPPDMsgHdlr.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/Wait.h"
+#include "bidi/commands/Wait.h"
 #include "platform/Printing.h"
 
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/BidiFilePaths.h"
+#include "bidi/commands/BidiFilePaths.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #include "connection/SimplePing.h"
 
-#include "bidi/StandardStreams.h"
+#include "bidi/text/StandardStreams.h"
 
 #include <array>
 #include <cstring>

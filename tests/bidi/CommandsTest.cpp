@@ -1,6 +1,6 @@
-#include "bidi/BidiFilePaths.h"
-#include "bidi/SpoolerCommands.h"
-#include "bidi/TicketCommands.h"
+#include "bidi/commands/BidiFilePaths.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/commands/TicketCommands.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/support/TestSupport.h"
 

@@ -1,5 +1,5 @@
-#include "bidi/ExchangeLists.h"
-#include "bidi/JobPropertiesState.h"
+#include "bidi/module/ExchangeLists.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "platform/TextEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"
 

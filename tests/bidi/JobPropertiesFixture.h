@@ -1,11 +1,11 @@
 #pragma once
 
-#include "bidi/CFileHdlr.h"
-#include "bidi/ExchangeLists.h"
-#include "bidi/JobPropertiesHost.h"
-#include "bidi/JobPropertiesSession.h"
-#include "bidi/JobPropertiesState.h"
-#include "bidi/RecordEncoding.h"
+#include "bidi/module/ExchangeLists.h"
+#include "bidi/module/JobPropertiesHost.h"
+#include "bidi/module/JobPropertiesSession.h"
+#include "bidi/module/JobPropertiesState.h"
+#include "bidi/records/CFileHdlr.h"
+#include "bidi/records/RecordEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"
 #include "tests/support/FakeJobPropertiesModule.h"
 #include "tests/support/TestSupport.h"

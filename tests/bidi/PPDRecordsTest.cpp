@@ -1,4 +1,4 @@
-#include "bidi/CPPDMsgHdlr.h"
+#include "bidi/records/CPPDMsgHdlr.h"
 #include "platform/TextEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"
 #include "tests/support/TestSupport.h"

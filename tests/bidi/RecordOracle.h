@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/LineReader.h"
+#include "bidi/text/LineReader.h"
 
 #include <array>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #include "PPDX/Utilities/CString.h"
-#include "bidi/ExchangeLists.h"
-#include "bidi/JobPropertiesState.h"
-#include "bidi/ModuleMemory.h"
+#include "bidi/memory/ModuleMemory.h"
+#include "bidi/module/ExchangeLists.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "platform/SecretMemory.h"
 #include "tests/support/TestSupport.h"
 

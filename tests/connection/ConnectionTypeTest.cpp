@@ -1,6 +1,6 @@
 #include "connection/ConnectionType.h"
 
-#include "bidi/CommandJob.h"
+#include "bidi/commands/CommandJob.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/connection/RecordPPD.h"
 

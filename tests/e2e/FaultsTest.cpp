@@ -1,4 +1,4 @@
-#include "bidi/RecordWriter.h"
+#include "bidi/records/RecordWriter.h"
 #include "tests/e2e/ServerData.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "bidi/JobPropertiesLibrary.h"
+#include "bidi/module/JobPropertiesLibrary.h"
 #include "connection/BonjourModuleController.h"
 #include "output/BundleIdentifier.h"
 #include "pane/data/PDEData.h"

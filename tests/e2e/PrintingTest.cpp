@@ -1,4 +1,4 @@
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
 #include "output/BundleIdentifier.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "bidi/BidiDataFile.h"
-#include "bidi/CPPDMsgHdlr.h"
-#include "bidi/CommandJob.h"
-#include "bidi/RecordText.h"
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/CommandJob.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/records/BidiDataFile.h"
+#include "bidi/records/CPPDMsgHdlr.h"
+#include "bidi/records/RecordText.h"
 #include "platform/TextEncoding.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"

@@ -1,5 +1,5 @@
-#include "bidi/SpoolerCommands.h"
-#include "bidi/TicketCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
 #include "platform/System.h"
 #include "platform/cups/CupsPrinting.h"

@@ -1,6 +1,6 @@
 #include "spooler/filter/Commands.h"
-#include "bidi/CFileHdlr.h"
-#include "bidi/CPPDMsgHdlr.h"
+#include "bidi/records/CFileHdlr.h"
+#include "bidi/records/CPPDMsgHdlr.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 #include "tests/filter/FilterHarness.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/StandardStreams.h"
+#include "bidi/text/StandardStreams.h"
 #include "platform/System.h"
 #include "platform/posix/PosixSystem.h"
 #include "spooler/filter/FilterNotes.h"

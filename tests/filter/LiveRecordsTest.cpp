@@ -1,5 +1,5 @@
 #include "spooler/filter/LiveRecords.h"
-#include "bidi/RecordEncoding.h"
+#include "bidi/records/RecordEncoding.h"
 #include "platform/TextEncoding.h"
 #include "platform/memory/MemoryNetServices.h"
 #include "spooler/filter/LiveSource.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/CommandJob.h"
+#include "bidi/commands/CommandJob.h"
 #include "connection/BonjourModuleView.h"
 #include "output/BundleIdentifier.h"
 #include "pane/data/PDEData.h"

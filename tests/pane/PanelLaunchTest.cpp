@@ -1,5 +1,5 @@
-#include "bidi/JobPropertiesSession.h"
-#include "bidi/JobPropertiesState.h"
+#include "bidi/module/JobPropertiesSession.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "pane/panel/PaneInterface.h"
 #include "platform/memory/MemoryEventLoop.h"
 #include "tests/pane/UIPanelFixture.h"

@@ -1,4 +1,4 @@
-#include "bidi/JobPropertiesState.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "connection/BonjourModuleController.h"
 #include "pane/panel/BundleHelpers.h"
 #include "platform/Help.h"

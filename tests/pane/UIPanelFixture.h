@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/BidiFailure.h"
+#include "bidi/commands/BidiFailure.h"
 #include "pane/panel/PanelServices.h"
 #include "pane/panel/UI_Panel.h"
 #include "platform/memory/MemoryAlerts.h"

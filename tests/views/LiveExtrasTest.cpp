@@ -1,5 +1,5 @@
 #include "pane/views/LiveExtras.h"
-#include "bidi/CFileHdlr.h"
+#include "bidi/records/CFileHdlr.h"
 #include "pane/data/PanelState.h"
 #include "pane/data/PopupJobNotes.h"
 #include "pane/views/GaugePanel.h"

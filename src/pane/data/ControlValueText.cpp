@@ -2,9 +2,9 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "PPDX/PPDObjects/NumberText.h"
-#include "bidi/ByteOrderMark.h"
-#include "bidi/FieldText.h"
-#include "bidi/SharedMemoryList.h"
+#include "bidi/memory/SharedMemoryList.h"
+#include "bidi/serverdata/ByteOrderMark.h"
+#include "bidi/text/FieldText.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>

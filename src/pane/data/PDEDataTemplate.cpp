@@ -1,7 +1,7 @@
 #include "pane/data/PDEData.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "bidi/CUtil.h"
+#include "bidi/serverdata/CUtil.h"
 #include "platform/Log.h"
 #include "platform/TextEncoding.h"
 

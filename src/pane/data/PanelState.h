@@ -9,7 +9,7 @@
 
 // The process-wide state of the pane: one copy per loaded plug-in, read and written by the host's main thread
 // alone. gEndOfPPD, gDocumentServer and the popup job notes' flags that the model reads are in ModelState.h,
-// the server's language in bidi/JobPropertiesState.h, the panel model's in UI_Panel.h.
+// the server's language in bidi/module/JobPropertiesState.h, the panel model's in UI_Panel.h.
 
 namespace torka {
 
@@ -34,8 +34,8 @@ extern std::string cachesPDEOpenFilePath;
 // Folder of the installed plug-in, with a trailing "/"; "" when it is not there. Written by
 // fillPDEInstallPath.
 extern std::string sessionPDEPath;
-// The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by bidi/CommandJob.h;
-// TorkaFeaturesPDE sets it at its start.
+// The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by
+// bidi/commands/CommandJob.h; TorkaFeaturesPDE sets it at its start.
 
 // The session of the last created panel, and where that panel's printer lives; null without a panel. Written
 // by TorkaFeaturesPDE at its start and end.

@@ -1,8 +1,8 @@
 #include "pane/data/PopupJobNotes.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "bidi/CPPDMsgHdlr.h"
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/records/CPPDMsgHdlr.h"
 #include "output/ZANJobNote.h"
 #include "pane/data/PanelState.h"
 #include "pane/panel/CustomizePaneController.h"

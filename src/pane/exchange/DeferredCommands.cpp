@@ -1,6 +1,6 @@
 #include "pane/exchange/DeferredCommands.h"
 
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
 #include "connection/ZANCorvianPrinterPList.h"
 #include "pane/exchange/WaitPresenter.h"
 #include "platform/Log.h"

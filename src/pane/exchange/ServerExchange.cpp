@@ -1,6 +1,6 @@
 #include "pane/exchange/ServerExchange.h"
 
-#include "bidi/JobPropertiesState.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "connection/ConnectionType.h"
 #include "pane/exchange/WaitPresenter.h"
 #include "platform/Log.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "bidi/BidiDataFile.h"
-#include "bidi/BidiFailure.h"
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/BidiFailure.h"
+#include "bidi/commands/SpoolerCommands.h"
+#include "bidi/records/BidiDataFile.h"
 #include "connection/RequestAddress.h"
 #include "platform/Printing.h"
 

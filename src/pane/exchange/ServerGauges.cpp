@@ -1,8 +1,8 @@
 #include "pane/exchange/ServerGauges.h"
 
 #include "bidi/JobPropertiesModule.h"
-#include "bidi/RecordText.h"
-#include "bidi/ServerRecords.h"
+#include "bidi/records/RecordText.h"
+#include "bidi/serverdata/ServerRecords.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>

@@ -11,8 +11,8 @@ namespace torka {
 class BidiFailure;
 
 // What the panel model asks of its panel. The panel (TorkaFeaturesPDE) implements it, owns the panel model
-// and outlives it; it is also the Job Properties module's host (bidi/JobPropertiesHost.h). Calls may come
-// before the panel's interface is loaded: what has no widget then does nothing.
+// and outlives it; it is also the Job Properties module's host (bidi/module/JobPropertiesHost.h). Calls may
+// come before the panel's interface is loaded: what has no widget then does nothing.
 class PanelServices {
 public:
     PanelServices() = default;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/JobPropertiesHost.h"
+#include "bidi/module/JobPropertiesHost.h"
 #include "output/FeatureEmission.h"
 #include "pane/data/PanelState.h"
 #include "pane/exchange/ServerExchange.h"

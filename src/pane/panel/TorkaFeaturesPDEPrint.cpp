@@ -1,7 +1,7 @@
 #include "pane/panel/TorkaFeaturesPDE.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "bidi/TicketCommands.h"
+#include "bidi/commands/TicketCommands.h"
 #include "connection/BonjourModuleController.h"
 #include "output/ZANJobTicket.h"
 #include "pane/data/PDEData.h"

@@ -1,8 +1,8 @@
 #include "pane/panel/TorkaFeaturesPDE.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "bidi/CommandJob.h"
-#include "bidi/JobPropertiesState.h"
+#include "bidi/commands/CommandJob.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "connection/BonjourModuleController.h"
 #include "pane/data/PDEData.h"
 #include "pane/data/PopupJobNotes.h"

@@ -1,9 +1,9 @@
 #include "pane/panel/UI_Panel.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "bidi/BidiFailure.h"
-#include "bidi/JobPropertiesSession.h"
-#include "bidi/JobPropertiesState.h"
+#include "bidi/commands/BidiFailure.h"
+#include "bidi/module/JobPropertiesSession.h"
+#include "bidi/module/JobPropertiesState.h"
 #include "pane/data/CutText.h"
 #include "pane/data/PDEData.h"
 #include "pane/panel/PanelServices.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bidi/ExchangeLists.h"
+#include "bidi/module/ExchangeLists.h"
 #include "connection/BonjourModuleController.h"
 #include "pane/data/PPDTree.h"
 #include "pane/panel/CustomizePaneController.h"
