@@ -7,12 +7,9 @@
 #include "platform/Alert.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
+#include "platform/adapters/Adapters.h"
 #include "platform/avahi/AvahiServiceDirectory.h"
-#include "platform/cups/CupsSpooler.h"
 #include "platform/posix/PosixBundle.h"
-#include "platform/posix/PosixLibraryLoader.h"
-#include "platform/posix/PosixNetServices.h"
-#include "platform/posix/PosixSystem.h"
 #include "platform/qt/QtAlertPresenter.h"
 #include "platform/qt/QtEventLoop.h"
 
@@ -42,14 +39,11 @@ public:
 };
 
 void chooseSystemAdapters() {
-    PosixSystemOptions options;
-    options.root = TORKA_SYSTEM_ROOT_DEFAULT;
-    options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT != 0;
-    options.wait = WaitDialog::wait;
-    setSystem(std::make_unique<PosixSystem>(std::move(options)));
-    setSpooler(std::make_unique<CupsSpooler>());
-    setNetServices(std::make_unique<PosixNetServices>());
-    setLibraryLoader(std::make_unique<PosixLibraryLoader>());
+    AdapterOptions adapters{.network = true, .spooler = true, .libraries = true};
+    adapters.system.root = TORKA_SYSTEM_ROOT_DEFAULT;
+    adapters.system.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT != 0;
+    adapters.system.wait = WaitDialog::wait;
+    chooseAdapters(std::move(adapters));
     setAlerts(std::make_unique<LoggedAlerts>());
 
     std::string problem;

@@ -4,9 +4,8 @@
 #include "apps/print-dialog/PrintRun.h"
 #include "platform/Bundle.h"
 #include "platform/SecretMemory.h"
-#include "platform/cups/CupsSpooler.h"
+#include "platform/adapters/Adapters.h"
 #include "platform/posix/PosixBundle.h"
-#include "platform/posix/PosixSystem.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -67,10 +66,9 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("torka-print-dialog"));
     const Arguments arguments = readArguments(application);
-    platform::PosixSystemOptions options;
-    options.rootFromEnvironment = true;
-    setSystem(std::make_unique<PosixSystem>(options));
-    setSpooler(std::make_unique<CupsSpooler>());
+    AdapterOptions adapters{.spooler = true};
+    adapters.system.rootFromEnvironment = true;
+    chooseAdapters(std::move(adapters));
 
     dialog::Document document;
     QString error;

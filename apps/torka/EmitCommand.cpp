@@ -1,8 +1,7 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/JobEmission.h"
 #include "apps/torka/TicketJson.h"
-#include "platform/System.h"
-#include "platform/posix/PosixSystem.h"
+#include "platform/adapters/Adapters.h"
 #include "spooler/SpliceFile.h"
 
 #include <cerrno>
@@ -101,10 +100,10 @@ ExitStatus emit(const EmitOptions& options) {
     if (options.document.empty() != options.output.empty()) {
         return unusable("--splice IN.ps and --output OUT.ps belong together");
     }
-    platform::PosixSystemOptions systemOptions;
-    systemOptions.minorVersion = options.minorVersion;
-    systemOptions.rootFromEnvironment = true;
-    platform::setSystem(std::make_unique<platform::PosixSystem>(systemOptions));
+    platform::AdapterOptions adapters;
+    adapters.system.minorVersion = options.minorVersion;
+    adapters.system.rootFromEnvironment = true;
+    platform::chooseAdapters(std::move(adapters));
 
     const auto job = JobEmission::Make(options.emission);
     if (!job) {

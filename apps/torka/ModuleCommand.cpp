@@ -10,7 +10,6 @@
 #include "pane/panel/UI_Panel.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
-#include "platform/posix/PosixLibraryLoader.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -76,7 +75,6 @@ private:
 
 // False, with one line on standard error, without a module that loads.
 bool loadModule(const std::string& path) {
-    setLibraryLoader(std::make_unique<PosixLibraryLoader>());
     const ModuleAvailability module = loadJobPropertiesLibrary(std::filesystem::absolute(path));
     if (module.status == ModuleStatus::notInstalled) {
         warn(path + ": there is no such module");

@@ -1,15 +1,13 @@
 #include "apps/torka/Command.h"
 #include "platform/SecretMemory.h"
-#include "platform/System.h"
-#include "platform/posix/PosixNetServices.h"
-#include "platform/posix/PosixSystem.h"
+#include "platform/adapters/Adapters.h"
 #include "platform/posix/PrivateFolders.h"
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
 #include <csignal>
-#include <memory>
+#include <utility>
 
 // The command-line tool. Its commands and their JSON are a public interface; docs/torka.md describes them.
 
@@ -20,10 +18,9 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     platform::protectProcess();
     platform::removePrivateFolderOnSignals();
-    platform::PosixSystemOptions options;
-    options.rootFromEnvironment = true;
-    platform::setSystem(std::make_unique<platform::PosixSystem>(options));
-    platform::setNetServices(std::make_unique<platform::PosixNetServices>());
+    platform::AdapterOptions adapters{.network = true, .libraries = true};
+    adapters.system.rootFromEnvironment = true;
+    platform::chooseAdapters(std::move(adapters));
 
     CLI::App app("Extended printer descriptions, job tickets and what becomes of them in a PostScript job",
                  "torka");

@@ -1,8 +1,7 @@
 #include "bidi/commands/SpoolerCommands.h"
 #include "platform/SecretMemory.h"
 #include "platform/System.h"
-#include "platform/posix/PosixNetServices.h"
-#include "platform/posix/PosixSystem.h"
+#include "platform/adapters/Adapters.h"
 #include "spooler/filter/Commands.h"
 #include "spooler/filter/Confinement.h"
 #include "spooler/filter/LiveSource.h"
@@ -68,11 +67,10 @@ int runJob(const FilterJob& job) {
     for (const std::string& problem : filter::confine(networkOf(job))) {
         filter::tellDebug(problem);
     }
-    platform::PosixSystemOptions options;
-    options.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;
-    options.root = TORKA_SYSTEM_ROOT_DEFAULT;
-    platform::setSystem(std::make_unique<platform::PosixSystem>(options));
-    platform::setNetServices(std::make_unique<platform::PosixNetServices>());
+    platform::AdapterOptions adapters{.network = true};
+    adapters.system.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;
+    adapters.system.root = TORKA_SYSTEM_ROOT_DEFAULT;
+    platform::chooseAdapters(std::move(adapters));
 
     const filter::OpenFile file(job.file.empty() ? -1 : ::open(job.file.c_str(), O_RDONLY | O_CLOEXEC));
     if (!job.file.empty() && !file) {

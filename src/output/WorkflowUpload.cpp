@@ -2,13 +2,13 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "platform/LibraryLoader.h"
 #include "platform/Log.h"
 #include "platform/System.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <dlfcn.h>
 #include <memory>
 #include <string>
 
@@ -22,11 +22,6 @@ constexpr std::size_t credentialTextSize = 128;
 using OpenSession = int (*)(const char*, const char*, const char*, const char*, void**, int);
 using CreateNewJob = int (*)(void*, const char*, const char*, const char*, char*);
 using CloseSession = int (*)(void*);
-
-struct LibraryCloser {
-    void operator()(void* library) const { dlclose(library); }
-};
-using Library = std::unique_ptr<void, LibraryCloser>;
 
 // The value cut to what fits `size` bytes with its terminator.
 std::string controlText(const ZANPPD& description, const char* keyword, std::size_t size) {
@@ -49,20 +44,35 @@ void storeIdentifier(ZANPPD& description, const char* keyword, const CFStringRef
 }
 
 template <typename Function>
-Function lookUp(const Library& library, const char* name) {
-    return reinterpret_cast<Function>(dlsym(library.get(), name));
+Function lookUp(const LoadedLibrary& library, const char* name) {
+    return reinterpret_cast<Function>(library.Symbol(name));
+}
+
+// Null where the library is not installed; one that does not load is logged.
+std::unique_ptr<LoadedLibrary> loadLibrary() {
+    LibraryLoader* const loader = libraryLoader();
+    const std::filesystem::path path = platform::system().Resolve(libraryPath);
+    if (loader == nullptr || !loader->Exists(path)) {
+        return nullptr;
+    }
+    std::string problem;
+    auto library = loader->Load(path, problem);
+    if (!library) {
+        myNSLogC("The workflow library does not load: %s", problem.c_str());
+    }
+    return library;
 }
 
 } // namespace
 
 void UploadKestrelXMLFiles(ZANPPD& description, const PMPrintSettings& settings, int mode) {
-    const Library library(dlopen(platform::system().Resolve(libraryPath).c_str(), RTLD_NOW | RTLD_LOCAL));
+    const std::unique_ptr<LoadedLibrary> library = loadLibrary();
     if (!library || description.GetPPDXControlForKey(cfString("*QVUserName")) == nullptr) {
         return;
     }
-    const auto openSession = lookUp<OpenSession>(library, "KSOpenSession");
-    const auto createNewJob = lookUp<CreateNewJob>(library, "KSCreateNewJobEx");
-    const auto closeSession = lookUp<CloseSession>(library, "KSCloseSession");
+    const auto openSession = lookUp<OpenSession>(*library, "KSOpenSession");
+    const auto createNewJob = lookUp<CreateNewJob>(*library, "KSCreateNewJobEx");
+    const auto closeSession = lookUp<CloseSession>(*library, "KSCloseSession");
     if (openSession == nullptr || createNewJob == nullptr || closeSession == nullptr) {
         myNSLogC("The workflow library lacks one of its calls; no workflow job is made.");
         return;

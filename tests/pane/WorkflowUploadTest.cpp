@@ -1,5 +1,6 @@
 #include "output/WorkflowUpload.h"
 #include "output/FeatureEmission.h"
+#include "platform/posix/PosixLibraryLoader.h"
 #include "tests/pane/PaneFixture.h"
 
 #include <gmock/gmock.h>
@@ -24,8 +25,10 @@ class WorkflowUpload : public ::testing::Test {
 protected:
     void SetUp() override {
         system->root = folder.Path() / "root";
+        setLibraryLoader(std::make_unique<PosixLibraryLoader>());
         setenv("WORKFLOW_CALLS", (folder / "calls").c_str(), 1);
     }
+    void TearDown() override { setLibraryLoader(nullptr); }
     void Install() const {
         const std::filesystem::path place =
             folder.Path() / "root/Library/Application Support/ZAN/lib/libks2client.dylib";
