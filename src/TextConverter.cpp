@@ -51,7 +51,18 @@ TextConverter::TextConverter(CFStringEncoding encoding, const char* version)
     }
 }
 
+TextConverter::TextConverter(const DescriptionLanguage* description)
+    : TextConverter(GetPPDEncoding(description),
+                    description != nullptr && description->LanguageVersion() != nullptr
+                        ? description->LanguageVersion()->Buffer()
+                        : nullptr) {}
+
 TextConverter::~TextConverter() = default;
+
+CFStringEncoding TextConverter::GetPPDEncoding(const DescriptionLanguage* description) {
+    const CString* const name = description != nullptr ? description->LanguageEncoding() : nullptr;
+    return name != nullptr ? LanguageStringToEncoding(*name) : kCFStringEncodingUnknown;
+}
 
 CFStringEncoding TextConverter::LanguageStringToEncoding(const char* name) {
     struct Language {

@@ -14,7 +14,15 @@
 
 namespace torka {
 
-class PPDX;
+// What a description says of the encoding of its texts; null until it is read. PPDX is one.
+class DescriptionLanguage {
+public:
+    virtual const CString* LanguageVersion() const = 0;
+    virtual const CString* LanguageEncoding() const = 0;
+
+protected:
+    ~DescriptionLanguage() = default;
+};
 
 // One converter per description, owned by its PPDX. Not thread-safe.
 class TextConverter {
@@ -22,8 +30,8 @@ public:
     // ValidConverter() is false when the encoding is unknown; the language version is kept with a known one
     // only.
     TextConverter(CFStringEncoding encoding, const char* version);
-    // Of a description. This and GetPPDEncoding are defined with PPDX, on its floor.
-    explicit TextConverter(const PPDX* description);
+    // Of a description; null counts as one that says nothing.
+    explicit TextConverter(const DescriptionLanguage* description);
     TextConverter(const TextConverter&) = delete;
     TextConverter& operator=(const TextConverter&) = delete;
     virtual ~TextConverter();
@@ -32,7 +40,7 @@ public:
     // null.
     static CFStringEncoding LanguageStringToEncoding(const char* name);
 
-    static CFStringEncoding GetPPDEncoding(const PPDX* description);
+    static CFStringEncoding GetPPDEncoding(const DescriptionLanguage* description);
     // The encoding of narrow text in the system, read at construction.
     CFStringEncoding GetCurrentEncoding() const { return currentEncoding; }
     // The encoding that the calls into C-string buffers write.

@@ -1,6 +1,6 @@
 #include "apps/torka/Command.h"
 #include "bidi/records/CFileHdlr.h"
-#include "bidi/records/CPPDMsgHdlr.h"
+#include "bidi/records/PPDRecords.h"
 #include "bidi/records/RecordText.h"
 #include "bidi/records/RecordWriter.h"
 #include "bidi/text/LineReader.h"
@@ -8,14 +8,10 @@
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
-#include <cups/ppd.h>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
-#include <memory>
-
-// The library marks its PPD calls as deprecated; there are no others for a PPD's attributes.
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+#include <optional>
 
 namespace torka::tool {
 
@@ -26,10 +22,6 @@ struct RecordOptions {
     std::string name;
     bool isWide = false; // the default, which may be said
     bool isNarrow = false;
-};
-
-struct ClosePPD {
-    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
 };
 
 // A two-way data file, or a PPD with records.
@@ -44,8 +36,8 @@ public:
         }
         isPPD = std::string_view(text).starts_with("*PPD-Adobe");
         if (isPPD) {
-            ppd.reset(ppdOpenFile(path.c_str()));
-            if (!ppd) {
+            ppd.emplace(path);
+            if (!ppd->IsOpen()) {
                 warn(path + ": the printing system cannot open this PPD");
                 return false;
             }
@@ -57,8 +49,8 @@ public:
     void List(Listed listed) const {
         std::size_t size = 0;
         if (isPPD) {
-            for (const std::string& name : ppdxRecordNames(ppd.get())) {
-                ppdxReadData(ppd.get(), name, &size);
+            for (const std::string& name : ppd->Names()) {
+                ppd->Read(name, &size);
                 listed(name, size);
             }
             return;
@@ -68,7 +60,7 @@ public:
         }
     }
     RecordBlock Get(const std::string& name, std::size_t& size) const {
-        return isPPD ? ppdxReadData(ppd.get(), name, &size) : RecordText(text).Read(name, &size);
+        return isPPD ? ppd->Read(name, &size) : RecordText(text).Read(name, &size);
     }
     // The file's text with the record in the place of an earlier one of its name, at the end. "" when no
     // record can have this name or payload.
@@ -114,7 +106,7 @@ private:
     std::string path;
     std::string text;
     bool isPPD = false;
-    std::unique_ptr<ppd_file_t, ClosePPD> ppd;
+    std::optional<PPDRecords> ppd;
 };
 
 ExitStatus listRecords(const RecordOptions& options) {

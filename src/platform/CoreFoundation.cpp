@@ -1,6 +1,7 @@
 #include "platform/CoreFoundation.h"
 
 #include "platform/SecretMemory.h"
+#include "platform/TextCase.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
@@ -8,17 +9,14 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <unicode/uchar.h>
 
 namespace torka::platform {
 
 namespace {
 
-bool isBlank(char16_t unit) { return u_isUWhiteSpace(unit) != 0; }
-
 std::size_t skipBlanks(std::u16string_view text) {
     std::size_t position = 0;
-    while (position < text.size() && isBlank(text[position])) {
+    while (position < text.size() && isWhiteSpace(text[position])) {
         ++position;
     }
     return position;
@@ -47,10 +45,6 @@ bool isLarge(std::string_view number) {
 bool denotes(double real, std::int64_t integer) {
     return real < 9223372036854775808.0 && static_cast<double>(integer) == real &&
            CFNumber::heldInteger(real) == integer;
-}
-
-char32_t foldCase(char32_t point) {
-    return static_cast<char32_t>(u_foldCase(static_cast<UChar32>(point), U_FOLD_CASE_DEFAULT));
 }
 
 int compareFolded(std::u16string_view left, std::u16string_view right) {

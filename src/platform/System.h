@@ -59,6 +59,8 @@ public:
     virtual std::string CreateUuidString() = 0;
 
     virtual std::chrono::steady_clock::time_point Now() const = 0;
+    // By the clock that dates files and jobs; it may be set back.
+    virtual std::chrono::system_clock::time_point CalendarTime() const = 0;
     // Returns early, with false, when the wait was cancelled.
     virtual bool Sleep(std::chrono::milliseconds duration) = 0;
 

@@ -9,5 +9,9 @@ namespace torka::platform {
 std::u16string upperCase(std::u16string_view text);
 // As upperCase for UTF-8; what is no UTF-8 becomes U+FFFD.
 std::string upperCaseUtf8(std::string_view text);
+// The code point by which Unicode compares without regard to case (simple case folding).
+char32_t foldCase(char32_t point);
+// Whether the unit is white space in Unicode (the property White_Space).
+bool isWhiteSpace(char16_t unit);
 
 } // namespace torka::platform

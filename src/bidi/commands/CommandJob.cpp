@@ -6,7 +6,6 @@
 #include "platform/System.h"
 
 #include <algorithm>
-#include <ctime>
 
 namespace torka {
 
@@ -191,7 +190,7 @@ CommandOutcome sendCommandAndWait(const PMPrinter& printer, std::string_view tex
     if (!queueTakesCommands(queue)) {
         return CommandOutcome::queueNotReady;
     }
-    const std::int64_t sentAt = std::time(nullptr);
+    const std::int64_t sentAt = std::chrono::system_clock::to_time_t(platform::system().CalendarTime());
     if (PMPrinterSendCommand(printer, cfString(text), cfString(title), nullptr) != noErr) {
         return CommandOutcome::notSent;
     }

@@ -47,7 +47,7 @@ bool isBeingReplaced(const std::string& path, const std::optional<FileState>& st
     if (!stateOf(resolvedPPDPath(path) + ".O")) {
         return false;
     }
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const auto now = platform::system().CalendarTime().time_since_epoch();
     return !state || (state->written <= now && now - state->written < settledAge);
 }
 

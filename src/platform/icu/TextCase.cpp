@@ -3,6 +3,7 @@
 #include "platform/CoreFoundation.h"
 
 #include <unicode/locid.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 namespace torka::platform {
@@ -17,5 +18,11 @@ std::string upperCaseUtf8(std::string_view text) {
     const CFStringRef units = cfString(text);
     return utf8Text(CFStringCreateWithCharacters(upperCase(units->units)));
 }
+
+char32_t foldCase(char32_t point) {
+    return static_cast<char32_t>(u_foldCase(static_cast<UChar32>(point), U_FOLD_CASE_DEFAULT));
+}
+
+bool isWhiteSpace(char16_t unit) { return u_isUWhiteSpace(unit) != 0; }
 
 } // namespace torka::platform

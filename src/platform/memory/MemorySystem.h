@@ -34,6 +34,10 @@ public:
     // "00000000-0000-4000-8000-000000000001" and so on, so that results can be compared.
     std::string CreateUuidString() override;
     std::chrono::steady_clock::time_point Now() const override { return now; }
+    // The machine's, as it dates the files that a test writes.
+    std::chrono::system_clock::time_point CalendarTime() const override {
+        return std::chrono::system_clock::now();
+    }
     bool Sleep(std::chrono::milliseconds duration) override;
     // There are no folders: files have paths.
     std::error_code MakeFolder(const std::filesystem::path& /*path*/) override { return {}; }

@@ -47,6 +47,9 @@ public:
     CFStringEncoding NarrowEncoding() const override;
     std::string CreateUuidString() override;
     std::chrono::steady_clock::time_point Now() const override { return std::chrono::steady_clock::now(); }
+    std::chrono::system_clock::time_point CalendarTime() const override {
+        return std::chrono::system_clock::now();
+    }
     bool Sleep(std::chrono::milliseconds duration) override;
     std::error_code MakeFolder(const std::filesystem::path& path) override;
     std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,

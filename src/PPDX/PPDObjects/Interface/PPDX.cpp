@@ -23,17 +23,6 @@ bool endsValue(std::string_view line) {
 
 } // namespace
 
-CFStringEncoding TextConverter::GetPPDEncoding(const PPDX* description) {
-    const CString* const name = description != nullptr ? description->LanguageEncoding() : nullptr;
-    return name != nullptr ? LanguageStringToEncoding(*name) : kCFStringEncodingUnknown;
-}
-
-TextConverter::TextConverter(const PPDX* description)
-    : TextConverter(GetPPDEncoding(description),
-                    description != nullptr && description->LanguageVersion() != nullptr
-                        ? description->LanguageVersion()->Buffer()
-                        : nullptr) {}
-
 // Takes the bytes of a value as far as they fit.
 struct PPDX::ValueWriter {
     char* out;

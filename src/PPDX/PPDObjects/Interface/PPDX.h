@@ -20,7 +20,7 @@ namespace torka {
 
 class PPDFile;
 
-class PPDX {
+class PPDX : public DescriptionLanguage {
 public:
     PPDX();
     PPDX(const PPDX&) = delete;
@@ -35,8 +35,8 @@ public:
     const CString* FormatVersion() const { return formatVersion.get(); }
     const CString* FileVersion() const { return fileVersion.get(); }
     const CString* PCFileName() const { return pcFileName.get(); }
-    const CString* LanguageVersion() const { return languageVersion.get(); }
-    const CString* LanguageEncoding() const { return languageEncoding.get(); }
+    const CString* LanguageVersion() const override { return languageVersion.get(); }
+    const CString* LanguageEncoding() const override { return languageEncoding.get(); }
     const CString* ModelName() const { return modelName.get(); }
     const CString* MakerVersion() const { return makerVersion.get(); }
     const CString* MakerVersionMac() const { return makerVersionMac.get(); }
