@@ -7,8 +7,6 @@
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
 #include "pane/views/GaugePanel.h"
-#include "pane/views/LiveExtras.h"
-#include "pane/views/PaneExtras.h"
 #include "pane/views/PresetBar.h"
 #include "pane/views/QuickAccessDialog.h"
 #include "platform/TextEncoding.h"
@@ -48,16 +46,8 @@ std::shared_ptr<const std::string> sampleData() {
 }
 
 // Two-way communication without a queue: the sample's records, or a controller that does not answer.
-void registerGauges() {
-    paneRegistry().widgets.push_back(
-        {PanePlace::gauges, [](PaneContext& context, QWidget* parent) -> QWidget* {
-             GaugeSource source;
-             source.isOn = [] { return true; };
-             source.state = [] { return gaugeState; };
-             source.data = sampleData;
-             source.readAgain = [] {};
-             return new GaugePanel(context, std::move(source), parent);
-         }});
+GaugeSource sampleGauges() {
+    return {[] { return true; }, [] { return gaugeState; }, sampleData, [] {}, [](auto) {}};
 }
 
 void grabPopup(ViewedPane& pane, const QString& file) {
@@ -146,7 +136,7 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     using Clock = std::chrono::steady_clock;
     auto model = ppd.empty() ? samplePane() : paneOfFile(ppd);
     const auto begin = Clock::now();
-    ViewedPane pane(std::move(model));
+    ViewedPane pane(std::move(model), ppd.empty() ? std::optional(sampleGauges()) : std::nullopt);
     const auto loaded = Clock::now();
     pane.Draw();
     const auto drawn = Clock::now();
@@ -215,14 +205,11 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     const QString folder = QString::fromLocal8Bit(argc > 1 ? argv[1] : ".");
-    registerPaneExtras();
     ScopedMemorySystem system;
     if (argc > 2) {
         drawAll(argv[2], folder, QStringLiteral("other"));
         return 0;
     }
-    registerLiveExtras();
-    registerGauges();
     drawAll({}, folder, QStringLiteral("light"));
     QApplication::setPalette(darkPalette());
     drawAll({}, folder, QStringLiteral("dark"));

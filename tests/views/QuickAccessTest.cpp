@@ -1,5 +1,4 @@
 #include "pane/views/FieldPage.h"
-#include "pane/views/PaneExtras.h"
 #include "pane/views/QuickAccessDialog.h"
 
 #include "tests/views/ViewFixture.h"
@@ -25,10 +24,7 @@ struct QuickAccessTest : testing::Test {
     ScopedMemorySystem system;
     std::unique_ptr<ViewedPane> pane;
 
-    QuickAccessTest() {
-        registerPaneExtras();
-        Show(samplePane());
-    }
+    QuickAccessTest() { Show(samplePane()); }
     void Show(std::unique_ptr<Pane> shown) {
         pane.reset();
         pane = std::make_unique<ViewedPane>(std::move(shown));

@@ -16,11 +16,12 @@
 namespace torka::tests {
 
 struct ViewedPane {
-    explicit ViewedPane(std::unique_ptr<Pane> shownPane, const PaneText& text = english)
+    explicit ViewedPane(std::unique_ptr<Pane> shownPane, std::optional<GaugeSource> gauges = std::nullopt)
         : pane(std::move(shownPane))
         , panel(std::make_unique<UI_Panel>(pane->data.get())) {
         PaneSetup setup{*pane->model, panel->GetCustomizePane(), pane->data.get()};
-        setup.text = text;
+        setup.text = english;
+        setup.gauges = std::move(gauges);
         setup.bidiText = [](const char*, const char* word) { return QString::fromUtf8(word); };
         setup.resetToDefaults = [this] {
             panel->ResetControlsToDefault();
@@ -39,7 +40,7 @@ struct ViewedPane {
     }
     ~ViewedPane() { panel->GetCustomizePane().setView(nullptr); }
 
-    static QString english(const PaneWord& word) { return QString::fromUtf8(word.english); }
+    static std::string english(const PaneWord& word) { return word.english; }
 
     void Draw() {
         panel->PopulatePPDTreeStructure();

@@ -1,5 +1,4 @@
 #include "pane/views/FieldPage.h"
-#include "pane/views/PaneExtras.h"
 #include "pane/views/WatermarkDialog.h"
 #include "pane/views/WatermarkPage.h"
 #include "pane/views/WatermarkPreview.h"
@@ -26,7 +25,6 @@ struct WatermarkTest : testing::Test {
     ViewedPane pane{samplePane()};
 
     WatermarkTest() {
-        registerPaneExtras();
         pane.pane->data->SetCorvianPrinterAddress(cfString("192.168.1.20"), true);
         pane.Draw();
         pane.Root()->resize(820, 600);

@@ -4,8 +4,8 @@
 #include "bidi/commands/SpoolerCommands.h"
 #include "bidi/records/CPPDMsgHdlr.h"
 #include "output/ZANJobNote.h"
+#include "pane/data/NoteLength.h"
 #include "pane/data/PanelState.h"
-#include "pane/panel/CustomizePaneController.h"
 #include "platform/Log.h"
 #include "platform/TextEncoding.h"
 

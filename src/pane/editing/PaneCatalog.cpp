@@ -3,7 +3,6 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "StringUtils.h"
 #include "pane/data/ControlTables.h"
-#include "platform/TextCase.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
@@ -189,52 +188,6 @@ void PaneCatalog::ForEach(const std::function<void(const PaneField&)>& visit) co
             std::ranges::for_each(group.fields, visit);
         }
     }
-}
-
-std::vector<PaneMatch> PaneCatalog::Search(std::string_view query) const {
-    std::vector<std::string> words;
-    const std::string folded = upperCaseUtf8(query);
-    for (std::size_t from = 0; from < folded.size();) {
-        const std::size_t end = std::min(folded.find_first_of(" \t", from), folded.size());
-        if (end > from) {
-            words.push_back(folded.substr(from, end - from));
-        }
-        from = end + 1;
-    }
-    std::vector<PaneMatch> matches;
-    if (words.empty()) {
-        return matches;
-    }
-    if (searchTexts.empty()) {
-        ForEach([this](const PaneField& field) {
-            SearchText text{&field, upperCaseUtf8(field.name + "\n" + field.keyword), {}};
-            for (const PaneChoice& choice : choicesOf(*field.control)) {
-                text.choices.emplace_back(upperCaseUtf8(choice.name + "\n" + choice.keyword), choice.name);
-            }
-            searchTexts.push_back(std::move(text));
-        });
-    }
-    std::vector<PaneMatch> byChoice;
-    for (const SearchText& text : searchTexts) {
-        std::vector<std::string_view> missing;
-        std::ranges::copy_if(words, std::back_inserter(missing), [&](const std::string& word) {
-            return text.own.find(word) == std::string::npos;
-        });
-        if (missing.empty()) {
-            matches.push_back({text.field, {}});
-            continue;
-        }
-        const auto choice = std::ranges::find_if(text.choices, [&](const auto& candidate) {
-            return std::ranges::all_of(missing, [&](std::string_view word) {
-                return candidate.first.find(word) != std::string::npos;
-            });
-        });
-        if (choice != text.choices.end()) {
-            byChoice.push_back({text.field, choice->second});
-        }
-    }
-    std::ranges::move(byChoice, std::back_inserter(matches));
-    return matches;
 }
 
 } // namespace torka

@@ -45,12 +45,6 @@ struct PanePage {
     bool installable = false;
 };
 
-// A field that was searched for, and the choice by which it was found (null when by its own name or keyword).
-struct PaneMatch {
-    const PaneField* field = nullptr;
-    std::string choice; // its name
-};
-
 // What the pane shows of a description and where: pages of groups of fields, in the description's order,
 // without what is hidden there or by the management template. Last come the installable options.
 //
@@ -72,26 +66,12 @@ public:
     // Every field, in order.
     void ForEach(const std::function<void(const PaneField&)>& visit) const;
 
-    // The fields whose name, keyword or choices (name or keyword) hold every word of the query, letter case
-    // aside; in order, those found by name or keyword before those found by a choice. None for a query of
-    // blanks.
-    std::vector<PaneMatch> Search(std::string_view query) const;
-    // The choices of some control may have been replaced.
-    void ForgetChoices() { searchTexts.clear(); }
-
 private:
     void AddPages(const ZANPPD& ppd, const std::function<bool(std::string_view)>& hides);
     void AddInstallableOptions(const ZANPPD& ppd);
 
     std::vector<PanePage> pages;
     std::unordered_map<std::string_view, const PaneField*> byKeyword; // the first of each
-    // Folded texts of the fields, in order; made by the first search.
-    struct SearchText {
-        const PaneField* field;
-        std::string own;                                          // name and keyword
-        std::vector<std::pair<std::string, std::string>> choices; // folded, and the name
-    };
-    mutable std::vector<SearchText> searchTexts;
 };
 
 // Of a popup or a check box (on, then off), in order; none for other controls.

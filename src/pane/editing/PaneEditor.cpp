@@ -61,6 +61,7 @@ void PaneEditor::AddListener(std::function<void(const PaneChange&)> listener) {
 }
 
 void PaneEditor::MakeCatalog() {
+    ++fieldsVersion;
     controls.clear();
     model.GetControls()->ForEach([this](PPDXControl* control) {
         if (control->Type() != CNTL_TYPE::specialOption && control->Keyword() != nullptr) {
@@ -247,7 +248,7 @@ bool PaneEditor::TakeUpNewControls() {
         }
     });
     if (count == controls.size()) {
-        catalog->ForgetChoices();
+        ++fieldsVersion;
         return false;
     }
     MakeCatalog();

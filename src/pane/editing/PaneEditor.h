@@ -76,6 +76,8 @@ public:
 
     ZANPPD& Model() const { return model; }
     const PaneCatalog& Catalog() const { return *catalog; }
+    // Another number, never 0, once the catalogue was made anew or choices may have been replaced.
+    std::uint64_t FieldsVersion() const { return fieldsVersion; }
     // Called after each change, in the order of the calls.
     void AddListener(std::function<void(const PaneChange&)> listener);
 
@@ -161,6 +163,7 @@ private:
     PDEData* paneData;
     UIConstraints& constraints;
     std::unique_ptr<PaneCatalog> catalog;
+    std::uint64_t fieldsVersion = 0;
     std::vector<PPDXControl*> controls; // all of the description, special options left out
     std::unordered_map<const PPDXControl*, std::string> seen;
     std::vector<std::function<void(const PaneChange&)>> listeners;

@@ -70,15 +70,6 @@ std::uint32_t CustomizePaneController::TagOfJobNote(std::string_view keyword) {
     return place->second;
 }
 
-NoteLength lengthOfNote(const PPDXJobNote& note, std::int64_t length) {
-    if (length == 0) {
-        return note.IsRequired() ? NoteLength::missing : NoteLength::good;
-    }
-    const bool wrong = length > note.MaxLength() || length < note.MinLength() ||
-                       (note.IsLengthReq() && length != note.MaxLength());
-    return wrong ? NoteLength::wrong : NoteLength::good;
-}
-
 CFStringRef CustomizePaneController::controlTextDidChange(std::uint32_t tag, const CFStringRef& text) {
     CFStringRef result = text ? text : cfString("");
     const std::string keyword = tag > 0 && tag <= keywords.size() ? keywords[tag - 1] : std::string();

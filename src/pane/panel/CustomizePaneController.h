@@ -16,10 +16,6 @@ class CustomizePaneView;
 class PPDXJobNote;
 class ZANPPD;
 
-// Whether a note's text, by its length in UTF-16 units, can go with a job.
-enum class NoteLength { good, missing, wrong };
-NoteLength lengthOfNote(const PPDXJobNote& note, std::int64_t length);
-
 // Draws the pane's controls through a view, and keeps a job note's text within what the note's declaration
 // allows while a person types.
 //

@@ -1,9 +1,10 @@
 #include "pane/views/ChoiceFields.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "pane/presentation/FieldTexts.h"
 #include "pane/views/Eliding.h"
-#include "pane/views/FieldTexts.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QAbstractItemView>
 #include <QAbstractListModel>
@@ -82,9 +83,9 @@ public:
         case Qt::DisplayRole:
             return qText(choices[row].name);
         case Qt::ToolTipRole:
-            return IsForbidden(row) ? plainToolTip(whyForbidden(context, control, choices[row])) : QVariant();
+            return IsForbidden(row) ? plainToolTip(Why(row)) : QVariant();
         case Qt::AccessibleDescriptionRole:
-            return IsForbidden(row) ? whyForbidden(context, control, choices[row]) : QVariant();
+            return IsForbidden(row) ? Why(row) : QVariant();
         case Qt::DecorationRole:
             return IsForbidden(row) && row == current ? QVariant(paneIcon(PaneSign::warning)) : QVariant();
         default:
@@ -131,6 +132,7 @@ public:
 
 private:
     bool IsForbidden(std::size_t row) const { return row < forbidden.size() && forbidden[row]; }
+    QString Why(std::size_t row) const { return qText(whyForbidden(context.texts, control, choices[row])); }
 
     PaneContext& context;
     const PPDXControl& control;
@@ -187,17 +189,10 @@ void CheckRow::UpdateValue() {
 }
 
 bool CheckRow::UpdateAllowed() {
-    const std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
-    const std::size_t present = box->isChecked() ? 0 : 1;
-    const std::size_t other = 1 - present;
-    QString why;
-    if (forbidden[other]) {
-        why = whyForbidden(context, *field.control, choicesOf(*field.control)[other]);
-    }
-    // In conflict already, the box must not be locked into its state.
-    box->setEnabled(why.isEmpty() || forbidden[present]);
-    setPlainToolTip(*box, why);
-    return !why.isEmpty();
+    const CheckBoxState state = checkBoxState(context.texts, *field.control, box->isChecked());
+    box->setEnabled(state.canChange);
+    setPlainToolTip(*box, qText(state.whyOtherForbidden));
+    return !state.whyOtherForbidden.empty();
 }
 
 // A combo box whose items are ticked one by one; its list stays open meanwhile.
@@ -312,7 +307,7 @@ void SeveralChoicesRow::UpdateValue() {
                                                                                 : Qt::Unchecked);
     }
     updating = false;
-    const QString value = shownValue(context, field, PaneEditor::Value(*field.control));
+    const QString value = qText(shownValue(context.texts, field, PaneEditor::Value(*field.control)));
     box->SetSummary(value);
     setPlainToolTip(*box, value);
 }
@@ -323,8 +318,9 @@ bool SeveralChoicesRow::UpdateAllowed() {
     for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
         QStandardItem* item = box->Items().item(static_cast<int>(i));
         item->setEnabled(!forbidden[i] || item->checkState() == Qt::Checked);
-        item->setToolTip(forbidden[i] ? plainToolTip(whyForbidden(context, *field.control, choices[i]))
-                                      : QString());
+        item->setToolTip(forbidden[i]
+                             ? plainToolTip(qText(whyForbidden(context.texts, *field.control, choices[i])))
+                             : QString());
     }
     updating = false;
     return anyOf(forbidden);

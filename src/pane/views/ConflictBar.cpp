@@ -1,7 +1,6 @@
 #include "pane/views/ConflictBar.h"
 
-#include "PPDX/PPDObjects/Controls/PPDXControl.h"
-#include "pane/views/FieldTexts.h"
+#include "pane/presentation/ConflictNotice.h"
 #include "pane/views/PaneIcons.h"
 
 #include <QAccessible>
@@ -9,15 +8,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QStringList>
 #include <QStyle>
-
-#include <algorithm>
 
 namespace torka {
 namespace {
-
-constexpr std::size_t mostConflicts = 2; // named one by one
 
 // Part of a colour laid over another.
 QColor blend(const QColor& under, const QColor& over, double share) {
@@ -80,48 +74,16 @@ void ConflictBar::Say(const QString& text, bool warning) {
 }
 
 void ConflictBar::Update(const PaneChange* change) {
-    if (!context.editor.Conflicts().empty()) {
-        ShowConflicts();
-        return;
-    }
-    if (change == nullptr || change->kind != PaneChange::Kind::resolution) {
+    const auto notice = conflictNotice(context.texts, change);
+    if (!notice) {
         hide();
         return;
     }
-    QStringList parts;
-    for (const PPDXControl* control : change->controls) {
-        parts.append(context.Say(words::setTo, qText(nameOf(*control)),
-                                 shownChoice(context, *control, PaneEditor::Value(*control))));
-    }
-    resolve->hide();
-    undo->show();
-    close->show();
-    Say(context.Say(words::changed, parts.join(QLatin1String(", "))), false);
-}
-
-void ConflictBar::ShowConflicts() {
-    const auto& conflicts = context.editor.Conflicts();
-    QStringList lines;
-    for (std::size_t i = 0; i < std::min(conflicts.size(), mostConflicts); ++i) {
-        lines.append(context.Say(words::conflict, shownSetting(context, conflicts[i].first),
-                                 shownSetting(context, conflicts[i].second)));
-    }
-    if (conflicts.size() > mostConflicts) {
-        lines.append(context.Say(words::conflictsMore, QString::number(conflicts.size() - mostConflicts)));
-    }
-    const PaneResolution& resolution = context.editor.Resolution();
-    const bool solved = resolution.solved && !resolution.changes.empty();
-    if (!solved) {
-        lines.append(context.Say(words::noResolution));
-    }
-    resolve->setVisible(solved);
-    if (solved) {
-        setPlainToolTip(*resolve,
-                        context.Say(words::resolveChanges, shownChanges(context, resolution.changes)));
-    }
-    undo->setVisible(context.editor.CanUndo());
-    close->hide();
-    Say(lines.join(QLatin1Char('\n')), true);
+    resolve->setVisible(notice->CanResolve());
+    setPlainToolTip(*resolve, qText(notice->resolveTip));
+    undo->setVisible(notice->canUndo);
+    close->setVisible(!notice->isConflict);
+    Say(qText(notice->text), notice->isConflict);
 }
 
 void ConflictBar::changeEvent(QEvent* event) {

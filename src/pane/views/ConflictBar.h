@@ -23,7 +23,6 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void ShowConflicts();
     void Say(const QString& text, bool warning);
     void TakePalette();
 

@@ -1,12 +1,14 @@
 #include "pane/views/CustomizePaneWidget.h"
 
-#include "PPDX/PPDObjects/Controls/PPDXControl.h"
+#include "pane/data/PDEData.h"
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
-#include "pane/views/FieldTexts.h"
+#include "pane/views/GaugePanel.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PresetBar.h"
 #include "pane/views/RoomyRows.h"
 #include "pane/views/SummaryPage.h"
+#include "pane/views/WatermarkPage.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -24,24 +26,18 @@
 
 #include <algorithm>
 #include <chrono>
-#include <set>
 
 namespace torka {
 namespace {
 
-constexpr std::size_t openAtFirst = 30; // fields of a page
-constexpr std::size_t mostFound = 40;   // rows of a search
 constexpr std::chrono::milliseconds pauseInTyping{120};
-
-const char* const quickAccessPage = "quickAccess";
-const char* const installedPage = "installed";
-const char* const summaryPage = "summary";
 
 } // namespace
 
 CustomizePaneWidget::CustomizePaneWidget(PaneContext& paneContext, QWidget* parent)
     : QWidget(parent)
-    , context(paneContext) {
+    , context(paneContext)
+    , fieldSearch(paneContext.texts) {
     MakeWidgets();
     searchPause.setSingleShot(true);
     searchPause.setInterval(pauseInTyping);
@@ -77,12 +73,8 @@ void CustomizePaneWidget::MakeWidgets() {
     const int signSize = style()->pixelMetric(QStyle::PM_SmallIconSize);
     list->setIconSize(QSize(signSize, signSize));
     side->addWidget(list, 1);
-    for (const ExtraWidget& extra : paneRegistry().widgets) {
-        if (extra.place == PanePlace::gauges) {
-            if (QWidget* widget = extra.make(context, area)) {
-                side->addWidget(widget);
-            }
-        }
+    if (context.gauges) {
+        side->addWidget(new GaugePanel(context, *context.gauges, area));
     }
     columns->addLayout(side);
     stack = new QStackedWidget(area);
@@ -134,12 +126,8 @@ void CustomizePaneWidget::MakeHeader(QWidget* header) {
     layout->addWidget(undo);
     layout->addWidget(redo);
     layout->addStretch(1);
-    for (const ExtraWidget& extra : paneRegistry().widgets) {
-        if (extra.place == PanePlace::presets) {
-            if (QWidget* widget = extra.make(context, header)) {
-                layout->addWidget(widget);
-            }
-        }
+    if (context.data != nullptr) {
+        layout->addWidget(new PresetBar(context, header));
     }
 }
 
@@ -166,37 +154,14 @@ QToolButton* CustomizePaneWidget::MakeButton(QWidget* parent, bool isUndo) {
 }
 
 void CustomizePaneWidget::MakeEntries() {
-    const auto add = [this](Entry::Kind kind, std::string identifier, QString title, std::size_t place) {
-        entries.push_back({kind, std::move(identifier), std::move(title), place, nullptr, false, nullptr});
-    };
-    if (!quickAccess.empty()) {
-        add(Entry::Kind::quickAccess, quickAccessPage, context.Say(words::quickAccess), 0);
-    }
-    const auto& pages = context.editor.Catalog().Pages();
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-        if (!pages[i].installable) {
-            add(Entry::Kind::page, pages[i].keyword, qText(pages[i].name), i);
-        }
-    }
-    const auto& extras = paneRegistry().pages;
-    for (std::size_t i = 0; i < extras.size(); ++i) {
-        if (!extras[i].applies || extras[i].applies(context)) {
-            add(Entry::Kind::extra, extras[i].identifier, context.Say(extras[i].title), i);
-        }
-    }
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-        if (pages[i].installable) {
-            add(Entry::Kind::installed, installedPage, context.Say(words::installed), i);
-        }
-    }
-    add(Entry::Kind::summary, summaryPage, context.Say(words::summary), 0);
-
     const QSignalBlocker blocker(list);
     int widest = 0;
-    for (Entry& entry : entries) {
-        entry.item = new QListWidgetItem(entry.title, list);
-        entry.item->setToolTip(plainToolTip(entry.title));
-        widest = std::max(widest, list->fontMetrics().horizontalAdvance(entry.title));
+    for (PageEntry& described : pageEntries(context.texts, !quickAccess.empty(), context.data != nullptr)) {
+        const QString title = qText(described.title);
+        auto* item = new QListWidgetItem(title, list);
+        item->setToolTip(plainToolTip(title));
+        widest = std::max(widest, list->fontMetrics().horizontalAdvance(title));
+        entries.push_back({std::move(described), nullptr, false, item});
     }
     constexpr int mostCharacters = 26;
     const int margins = 2 * list->frameWidth() + 4 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) +
@@ -220,7 +185,7 @@ void CustomizePaneWidget::drawControlsInTree(const PPDTree& tree) {
     for (const PPDTreeQuickAccess& entry : tree.quickAccess) {
         keywords.push_back(entry.keyword);
     }
-    const std::string shown = current ? entries[*current].identifier : std::string();
+    const std::string shown = current ? entries[*current].described.identifier : std::string();
     if (isDrawn && keywords != quickAccess) {
         RemovePages();
         isDrawn = false;
@@ -244,7 +209,7 @@ void CustomizePaneWidget::FollowChange(const PaneChange& change) {
         return;
     }
     if (change.catalogRemade) {
-        const std::string shown = current ? entries[*current].identifier : std::string();
+        const std::string shown = current ? entries[*current].described.identifier : std::string();
         RemovePages();
         results->Clear();
         MakeEntries();
@@ -268,8 +233,8 @@ void CustomizePaneWidget::UpdateEntry(Entry& entry, const std::vector<PPDXContro
     entry.isStale = false;
     if (auto* page = dynamic_cast<FieldPage*>(entry.widget)) {
         page->Update(controls);
-    } else if (auto* extra = dynamic_cast<ExtraPageWidget*>(entry.widget)) {
-        extra->Update();
+    } else if (auto* watermarks = dynamic_cast<WatermarkPage*>(entry.widget)) {
+        watermarks->Update();
     } else if (auto* summary = dynamic_cast<SummaryPage*>(entry.widget)) {
         summary->Update();
     }
@@ -280,69 +245,45 @@ void CustomizePaneWidget::UpdateSurroundings(const PaneChange* change) {
     MarkConflicts();
     undo->setEnabled(context.editor.CanUndo());
     redo->setEnabled(context.editor.CanRedo());
-    QStringList names;
-    constexpr qsizetype mostNames = 3;
-    for (const PPDXControl* control : context.editor.UndoSubjects()) {
-        if (names.size() == mostNames) {
-            names.append(QStringLiteral("…"));
-            break;
-        }
-        names.append(qText(nameOf(*control)));
-    }
-    undo->setToolTip(plainToolTip(names.isEmpty()
-                                      ? context.Say(words::undo).remove(QLatin1Char('&'))
-                                      : context.Say(words::undoOf, names.join(QLatin1String(", ")))));
-    if (!entries.empty() && entries.back().kind == Entry::Kind::summary) {
-        const std::size_t count = context.editor.DifferenceCount();
-        entries.back().item->setText(count == 0
-                                         ? entries.back().title
-                                         : QStringLiteral("%1 (%2)").arg(entries.back().title).arg(count));
+    undo->setToolTip(plainToolTip(qText(undoTip(context.texts))));
+    if (!entries.empty()) {
+        entries.back().item->setText(qText(summaryTitle(context.texts)));
     }
 }
 
 // The pages that hold one side of a conflict bear a sign.
 void CustomizePaneWidget::MarkConflicts() {
-    std::set<std::size_t> pages;
-    std::set<std::string> keywords;
-    for (const PaneConflict& conflict : context.editor.Conflicts()) {
-        for (const std::string& keyword : {conflict.first.keyword, conflict.second.keyword}) {
-            keywords.insert(keyword);
-            if (const PaneField* field = context.editor.Catalog().Find(keyword)) {
-                pages.insert(field->page);
-            }
-        }
+    std::vector<PageEntry> described;
+    for (const Entry& entry : entries) {
+        described.push_back(entry.described);
     }
-    for (Entry& entry : entries) {
-        const bool isPage = entry.kind == Entry::Kind::page || entry.kind == Entry::Kind::installed;
-        const bool isQuick =
-            entry.kind == Entry::Kind::quickAccess &&
-            std::ranges::any_of(quickAccess, [&](const auto& k) { return keywords.contains(k); });
-        const bool marked = isQuick || (isPage && pages.contains(entry.place));
-        if (marked == entry.item->icon().isNull()) {
-            entry.item->setIcon(marked ? paneIcon(PaneSign::warning) : QIcon());
-            entry.item->setData(Qt::AccessibleTextRole,
-                                marked ? context.Say(words::conflictPage, entry.title) : entry.title);
+    const std::vector<bool> marks = conflictMarks(context.editor, described, quickAccess);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        QListWidgetItem& item = *entries[i].item;
+        if (marks[i] == item.icon().isNull()) {
+            item.setIcon(marks[i] ? paneIcon(PaneSign::warning) : QIcon());
+            item.setData(Qt::AccessibleTextRole, qText(spokenTitle(context.texts, described[i], marks[i])));
         }
     }
 }
 
 QWidget* CustomizePaneWidget::MakePage(Entry& entry) {
-    switch (entry.kind) {
-    case Entry::Kind::quickAccess:
+    switch (entry.described.kind) {
+    case PageEntry::Kind::quickAccess:
         return MakeQuickAccessPage();
-    case Entry::Kind::page:
-    case Entry::Kind::installed:
-        return MakeFieldPage(entry);
-    case Entry::Kind::extra:
-        return paneRegistry().pages[entry.place].make(context, stack);
-    case Entry::Kind::summary:
+    case PageEntry::Kind::page:
+    case PageEntry::Kind::installed:
+        return MakeFieldPage(entry.described);
+    case PageEntry::Kind::watermarks:
+        return new WatermarkPage(context, stack);
+    case PageEntry::Kind::summary:
         break;
     }
     return new SummaryPage(
         context, [this](const std::string& keyword) { ShowField(keyword); }, stack);
 }
 
-FieldPage* CustomizePaneWidget::MakeFieldPage(const Entry& entry) {
+FieldPage* CustomizePaneWidget::MakeFieldPage(const PageEntry& entry) {
     auto* page = new FieldPage(context, stack);
     const PanePage& described = context.editor.Catalog().Pages()[entry.place];
     if (described.installable) {
@@ -351,11 +292,9 @@ FieldPage* CustomizePaneWidget::MakeFieldPage(const Entry& entry) {
         page->Finish();
         return page;
     }
-    std::size_t fields = 0;
-    for (const PaneGroup& group : described.groups) {
-        const bool open = fields == 0 || fields + group.fields.size() <= openAtFirst;
-        fields += group.fields.size();
-        page->AddGroup(qText(group.name), group.fields, open);
+    const std::vector<bool> open = openGroups(described);
+    for (std::size_t i = 0; i < open.size(); ++i) {
+        page->AddGroup(qText(described.groups[i].name), described.groups[i].fields, open[i]);
     }
     page->Finish();
     return page;
@@ -363,15 +302,7 @@ FieldPage* CustomizePaneWidget::MakeFieldPage(const Entry& entry) {
 
 FieldPage* CustomizePaneWidget::MakeQuickAccessPage() {
     auto* page = new FieldPage(context, stack);
-    std::vector<PaneField> fields;
-    for (const std::string& keyword : quickAccess) {
-        if (const PaneField* field = context.editor.Catalog().Find(keyword)) {
-            fields.push_back(*field);
-        } else if (PPDXControl* control = context.editor.FindControl(keyword)) {
-            fields.push_back(PaneCatalog::FieldOf(*control)); // on no page
-        }
-    }
-    page->AddFields(fields);
+    page->AddFields(quickAccessFields(context.editor, quickAccess));
     page->Finish();
     return page;
 }
@@ -380,10 +311,6 @@ void CustomizePaneWidget::ShowEntry(std::size_t index) {
     Entry& entry = entries[index];
     if (entry.widget == nullptr) {
         entry.widget = MakePage(entry);
-        if (entry.widget == nullptr) {
-            entry.item->setHidden(true);
-            return;
-        }
         stack->addWidget(entry.widget);
         entry.isStale = dynamic_cast<FieldPage*>(entry.widget) == nullptr;
     }
@@ -395,8 +322,8 @@ void CustomizePaneWidget::ShowEntry(std::size_t index) {
 }
 
 std::optional<std::size_t> CustomizePaneWidget::IndexOf(const std::string& identifier) const {
-    const auto place =
-        std::ranges::find_if(entries, [&](const Entry& entry) { return entry.identifier == identifier; });
+    const auto place = std::ranges::find_if(
+        entries, [&](const Entry& entry) { return entry.described.identifier == identifier; });
     return place == entries.end() ? std::nullopt
                                   : std::optional(static_cast<std::size_t>(place - entries.begin()));
 }
@@ -419,15 +346,14 @@ bool CustomizePaneWidget::ShowField(const std::string& keyword) {
     if (field == nullptr) {
         return false;
     }
-    const PanePage& page = context.editor.Catalog().Pages()[field->page];
-    return ShowPage(page.installable ? installedPage : page.keyword) && CurrentFieldPage() != nullptr &&
+    return ShowPage(pageOf(context.texts, *field)) && CurrentFieldPage() != nullptr &&
            CurrentFieldPage()->ShowField(keyword);
 }
 
 std::vector<std::string> CustomizePaneWidget::PageIdentifiers() const {
     std::vector<std::string> identifiers;
     for (const Entry& entry : entries) {
-        identifiers.push_back(entry.identifier);
+        identifiers.push_back(entry.described.identifier);
     }
     return identifiers;
 }
@@ -447,39 +373,17 @@ void CustomizePaneWidget::SearchNow() {
         }
         return;
     }
-    const auto found = context.editor.Catalog().Search(query.toStdString());
+    const SearchResults found = fieldSearch.Results(query.toStdString());
     results->Clear();
-    if (found.empty()) {
-        results->SetHint(context.Say(words::foundNone, query));
+    if (!found.nothingFound.empty()) {
+        results->SetHint(qText(found.nothingFound));
     }
-    const auto& pages = context.editor.Catalog().Pages();
-    std::vector<PaneField> fields;
-    QString heading;
-    const auto flush = [&] {
-        if (!fields.empty()) {
-            results->AddHeading(heading);
-            results->AddFields(fields);
-            fields.clear();
-        }
-    };
-    for (std::size_t i = 0; i < std::min(found.size(), mostFound); ++i) {
-        const PaneField& field = *found[i].field;
-        const PanePage& page = pages[field.page];
-        QString place = page.installable ? context.Say(words::installed)
-                                         : context.Say(words::matches, qText(page.name),
-                                                       qText(page.groups[field.group].name));
-        if (!found[i].choice.empty()) {
-            place += QStringLiteral(" – ") + context.Say(words::found, qText(found[i].choice));
-        }
-        if (place != heading) {
-            flush();
-            heading = place;
-        }
-        fields.push_back(field);
+    for (const SearchResults::Section& section : found.sections) {
+        results->AddHeading(qText(section.heading));
+        results->AddFields(section.fields);
     }
-    flush();
-    if (found.size() > mostFound) {
-        results->SetHint(context.Say(words::foundMore, QString::number(found.size() - mostFound)));
+    if (!found.more.empty()) {
+        results->SetHint(qText(found.more));
     }
     results->Finish();
     results->verticalScrollBar()->setValue(0);

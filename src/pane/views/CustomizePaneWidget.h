@@ -2,8 +2,9 @@
 
 #include "pane/data/PPDTree.h"
 #include "pane/panel/PaneInterface.h"
+#include "pane/presentation/FieldSearch.h"
+#include "pane/presentation/PageList.h"
 #include "pane/views/PaneContext.h"
-#include "pane/views/PaneRegistry.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -38,8 +39,7 @@ public:
     void drawControlsInTree(const PPDTree& tree) override;
     void greyoutShortcutControls(bool grey) override;
 
-    // The page of that name in the list: "quickAccess", "summary", "installed", a page's or an extra page's
-    // identifier. False when there is none.
+    // The page with that PageEntry::identifier. False when there is none.
     bool ShowPage(const std::string& identifier);
     // Goes to a field on its page. False when no page shows it.
     bool ShowField(const std::string& keyword);
@@ -57,11 +57,7 @@ protected:
 
 private:
     struct Entry {
-        enum class Kind { quickAccess, page, extra, installed, summary };
-        Kind kind;
-        std::string identifier;
-        QString title;
-        std::size_t place = 0; // of the page in the catalogue, or of the extra page in the registry
+        PageEntry described;
         QWidget* widget = nullptr;
         bool isStale = false;
         QListWidgetItem* item = nullptr;
@@ -73,7 +69,7 @@ private:
     void MakeEntries();
     void RemovePages();
     QWidget* MakePage(Entry& entry);
-    FieldPage* MakeFieldPage(const Entry& entry);
+    FieldPage* MakeFieldPage(const PageEntry& entry);
     FieldPage* MakeQuickAccessPage();
     void FollowChange(const PaneChange& change);
     void ShowEntry(std::size_t index);
@@ -84,6 +80,7 @@ private:
     std::optional<std::size_t> IndexOf(const std::string& identifier) const;
 
     PaneContext& context;
+    FieldSearch fieldSearch;
     QLineEdit* search = nullptr;
     QListWidget* list = nullptr;
     QStackedWidget* stack = nullptr;

@@ -1,6 +1,6 @@
 #include "pane/views/Eliding.h"
 
-#include "pane/views/FieldTexts.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QHelpEvent>
 #include <QStyle>

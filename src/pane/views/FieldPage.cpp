@@ -1,6 +1,6 @@
 #include "pane/views/FieldPage.h"
 
-#include "pane/views/FieldTexts.h"
+#include "pane/views/PlainTexts.h"
 #include "pane/views/RollDown.h"
 
 #include <QFormLayout>

@@ -1,11 +1,12 @@
 #include "pane/views/FieldRow.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "pane/presentation/FieldTexts.h"
 #include "pane/views/ChoiceFields.h"
-#include "pane/views/FieldTexts.h"
 #include "pane/views/NoteFields.h"
 #include "pane/views/NumberFields.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
@@ -15,7 +16,6 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QSizePolicy>
-#include <QStringList>
 #include <QToolButton>
 #include <QToolTip>
 #include <QWhatsThis>
@@ -136,13 +136,11 @@ void FieldRow::Set(const std::string& value) {
 }
 
 void FieldRow::ShowLock() {
-    const PaneLock lock = context.editor.LockOf(*field.control);
-    if (lock == PaneLock::none) {
+    const QString why = qText(whyLocked(context.texts, *field.control));
+    if (why.isEmpty()) {
         return;
     }
     body->setEnabled(false);
-    const QString why =
-        context.Say(lock == PaneLock::system ? words::lockedBySystem : words::lockedByAdministrator);
     setPlainToolTip(*focus, why);
     body->setToolTip(plainToolTip(why));
 }
@@ -153,12 +151,11 @@ void FieldRow::ShowValue() {
 }
 
 void FieldRow::ShowReset() {
-    const std::string defaultValue = PaneEditor::DefaultValue(*field.control);
-    const bool differs = body->isEnabled() && PaneEditor::Value(*field.control) != defaultValue;
+    const bool differs =
+        body->isEnabled() && PaneEditor::Value(*field.control) != PaneEditor::DefaultValue(*field.control);
     reset->setVisible(differs);
     if (differs && resetTip.isEmpty()) {
-        const QString shown = shownValue(context, field, defaultValue);
-        resetTip = context.Say(words::backTo, shown.isEmpty() ? QStringLiteral("–") : shown);
+        resetTip = qText(shownReset(context.texts, field));
         reset->setToolTip(plainToolTip(resetTip));
         reset->setAccessibleName(resetTip);
     }
@@ -166,27 +163,7 @@ void FieldRow::ShowReset() {
 
 void FieldRow::ShowAllowed() { information->setVisible(body->isEnabled() && UpdateAllowed()); }
 
-QString FieldRow::Reasons() const {
-    constexpr int mostLines = 12;
-    QStringList lines;
-    int more = 0;
-    const std::vector<bool> forbidden = context.editor.Forbidden(*field.control);
-    const std::vector<PaneChoice> choices = choicesOf(*field.control);
-    for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
-        if (!forbidden[i]) {
-            continue;
-        }
-        if (lines.size() < mostLines) {
-            lines.append(whyForbidden(context, *field.control, choices[i]));
-        } else {
-            ++more;
-        }
-    }
-    if (more > 0) {
-        lines.append(context.Say(words::moreReasons, QString::number(more)));
-    }
-    return lines.join(QLatin1Char('\n'));
-}
+QString FieldRow::Reasons() const { return qText(whyForbidden(context.texts, *field.control)); }
 
 std::unique_ptr<FieldRow> makeFieldRow(PaneContext& context, const PaneField& field, QWidget* parent) {
     switch (field.control->Type()) {

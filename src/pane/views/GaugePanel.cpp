@@ -1,14 +1,14 @@
 #include "pane/views/GaugePanel.h"
 
-#include "pane/views/FieldTexts.h"
-#include "pane/views/LiveWords.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
+#include <QPointer>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyle>
@@ -114,10 +114,10 @@ void GaugeBar::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
-GaugePanel::GaugePanel(const PaneContext& paneContext, GaugeSource gaugeSource, QWidget* parent)
+GaugePanel::GaugePanel(const PaneContext& paneContext, const GaugeSource& gaugeSource, QWidget* parent)
     : QWidget(parent)
     , context(paneContext)
-    , source(std::move(gaugeSource))
+    , source(gaugeSource)
     , title(new QLabel(this))
     , again(new QToolButton(this))
     , area(new RowsArea(this)) {
@@ -149,6 +149,11 @@ GaugePanel::GaugePanel(const PaneContext& paneContext, GaugeSource gaugeSource, 
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setAccessibleName(context.Say(words::gauges));
     parent->installEventFilter(this);
+    source.whenChanged([self = QPointer<GaugePanel>(this)] {
+        if (self != nullptr) {
+            self->Update();
+        }
+    });
     LimitHeight();
     Update();
 }
@@ -168,7 +173,6 @@ void GaugePanel::LimitHeight() {
 void GaugePanel::Update() {
     const ServerExchange::State state = source.isOn() ? source.state() : ServerExchange::State::nothing;
     const bool failed = state == ServerExchange::State::failed;
-    ServerGauges gauges;
     const auto content = state == ServerExchange::State::read ? source.data() : nullptr;
     if (content != shown) {
         shown = content;
@@ -192,11 +196,7 @@ void GaugePanel::Fill(const ServerGauges& gauges) {
     lines->setSpacing(1);
     AddSupplies(*lines, gauges.supplies, rows);
     for (const TrayGauge& tray : gauges.trays) {
-        auto* bar = new GaugeBar(rows);
-        bar->isUnknown = !tray.percent;
-        bar->hasSome = tray.hasSome;
-        bar->setValue(tray.percent.value_or(0));
-        AddRow(*lines, qText(tray.name), qText(tray.media), bar, tray.percent == 0);
+        AddRow(*lines, shownGauge(tray), MakeBar(shownGauge(tray), rows));
     }
     lines->addStretch(1);
     area->setWidget(rows);
@@ -209,27 +209,23 @@ void GaugePanel::AddSupplies(QVBoxLayout& lines, const std::vector<SupplyGauge>&
     constexpr std::size_t mostSideBySide = 6;
     auto* line = supplies.empty() || supplies.size() > mostSideBySide ? nullptr : new QHBoxLayout;
     for (const SupplyGauge& supply : supplies) {
-        auto* bar = new GaugeBar(parent);
-        bar->isUnknown = !supply.percent;
-        bar->setValue(supply.percent.value_or(0));
-        bar->fill = QColor(qText(supply.color));
-        const QString name = qText(supply.name);
+        const ShownGauge gauge = shownGauge(supply);
+        GaugeBar* bar = MakeBar(gauge, parent);
         if (line == nullptr) {
-            AddRow(lines, name, QString(), bar, supply.needsAttention);
+            AddRow(lines, gauge, bar);
             continue;
         }
         bar->setOrientation(Qt::Vertical);
         auto* column = new QWidget(parent);
-        column->setToolTip(plainToolTip(Tell(*bar, name, supply.needsAttention)));
+        column->setToolTip(plainToolTip(bar->accessibleName()));
         auto* grid = new QGridLayout(column);
         grid->setContentsMargins(0, 0, 0, 0);
         grid->setSpacing(1);
         grid->addWidget(bar, 0, 0, Qt::AlignHCenter);
-        auto* letter = new QLabel(
-            labelText(name.left(name.isEmpty() || !name.front().isHighSurrogate() ? 1 : 2)), column);
+        auto* letter = new QLabel(labelText(qText(gauge.Initial())), column);
         letter->setTextFormat(Qt::PlainText);
         grid->addWidget(letter, 1, 0, Qt::AlignHCenter);
-        if (supply.needsAttention) {
+        if (gauge.needsAttention) {
             grid->addWidget(MakeSign(column), 0, 1, Qt::AlignBottom);
         }
         line->addWidget(column);
@@ -249,27 +245,24 @@ QLabel* GaugePanel::MakeSign(QWidget* parent) const {
     return sign;
 }
 
-// Names the bar for assistive technology; the same words are the tooltip of what it stands in.
-QString GaugePanel::Tell(GaugeBar& bar, const QString& name, bool needsAttention) const {
-    QString told = bar.hasSome     ? context.Say(words::gaugeSome, name)
-                   : bar.isUnknown ? context.Say(words::gaugeUnknown, name)
-                                   : context.Say(words::gaugeLevel, name, QString::number(bar.value()));
-    if (needsAttention) {
-        told = context.Say(words::gaugeAttention, told);
-    }
-    bar.setAccessibleName(told);
-    return told;
+// Named for assistive technology; the same words are the tooltip of what it stands in.
+GaugeBar* GaugePanel::MakeBar(const ShownGauge& gauge, QWidget* parent) const {
+    auto* bar = new GaugeBar(parent);
+    bar->isUnknown = !gauge.percent;
+    bar->hasSome = gauge.hasSome;
+    bar->setValue(gauge.percent.value_or(0));
+    bar->fill = QColor(qText(gauge.color));
+    bar->setAccessibleName(qText(gaugeSentence(context.texts, gauge)));
+    return bar;
 }
 
-void GaugePanel::AddRow(QVBoxLayout& lines, const QString& name, const QString& detail, GaugeBar* bar,
-                        bool needsAttention) {
-    const QString whole = detail.isEmpty() ? name : name + QStringLiteral(" – ") + detail;
+void GaugePanel::AddRow(QVBoxLayout& lines, const ShownGauge& gauge, GaugeBar* bar) {
     auto* row = new QWidget(bar->parentWidget()); // one tooltip for all that is in it
-    row->setToolTip(plainToolTip(Tell(*bar, whole, needsAttention)));
+    row->setToolTip(plainToolTip(bar->accessibleName()));
     auto* line = new QHBoxLayout;
     line->setSpacing(4);
-    line->addWidget(new NameLabel(name, row), 1);
-    if (needsAttention) {
+    line->addWidget(new NameLabel(qText(gauge.name), row), 1);
+    if (gauge.needsAttention) {
         line->addWidget(MakeSign(row));
     }
     line->addWidget(bar);
@@ -277,8 +270,8 @@ void GaugePanel::AddRow(QVBoxLayout& lines, const QString& name, const QString& 
     both->setContentsMargins(0, 0, 0, 0);
     both->setSpacing(0);
     both->addLayout(line);
-    if (!detail.isEmpty()) {
-        auto* loaded = new NameLabel(detail, row);
+    if (!gauge.detail.empty()) {
+        auto* loaded = new NameLabel(qText(gauge.detail), row);
         loaded->setForegroundRole(QPalette::PlaceholderText);
         QFont font = loaded->font();
         font.setPointSizeF(font.pointSizeF() * 0.85);

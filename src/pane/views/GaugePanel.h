@@ -1,12 +1,9 @@
 #pragma once
 
-#include "pane/exchange/ServerExchange.h"
-#include "pane/exchange/ServerGauges.h"
 #include "pane/views/PaneContext.h"
 
 #include <QProgressBar>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,14 +14,6 @@ class QToolButton;
 class QVBoxLayout;
 
 namespace torka {
-
-// Where the gauges have it from. Every function is set.
-struct GaugeSource {
-    std::function<bool()> isOn; // two-way communication
-    std::function<ServerExchange::State()> state;
-    std::function<std::shared_ptr<const std::string>()> data;
-    std::function<void()> readAgain;
-};
 
 // A level as a flat bar: in the colour of its supply, or the palette's.
 class GaugeBar final : public QProgressBar {
@@ -44,7 +33,7 @@ protected:
 // as was read; a quiet line tells when reading failed.
 class GaugePanel final : public QWidget {
 public:
-    GaugePanel(const PaneContext& paneContext, GaugeSource gaugeSource, QWidget* parent);
+    GaugePanel(const PaneContext& paneContext, const GaugeSource& gaugeSource, QWidget* parent);
     void Update();
 
 protected:
@@ -53,11 +42,10 @@ protected:
 private:
     void LimitHeight();
     void Fill(const ServerGauges& gauges);
-    void AddRow(QVBoxLayout& lines, const QString& name, const QString& detail, GaugeBar* bar,
-                bool needsAttention);
+    void AddRow(QVBoxLayout& lines, const ShownGauge& gauge, GaugeBar* bar);
     void AddSupplies(QVBoxLayout& lines, const std::vector<SupplyGauge>& supplies, QWidget* parent);
     QLabel* MakeSign(QWidget* parent) const;
-    QString Tell(GaugeBar& bar, const QString& name, bool needsAttention) const;
+    GaugeBar* MakeBar(const ShownGauge& gauge, QWidget* parent) const;
 
     const PaneContext& context;
     GaugeSource source;

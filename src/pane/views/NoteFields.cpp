@@ -2,8 +2,9 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 #include "pane/panel/CustomizePaneController.h"
+#include "pane/presentation/NoteRules.h"
 #include "pane/views/Eliding.h"
-#include "pane/views/FieldTexts.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -36,6 +37,15 @@ void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& 
     line.setCursorPosition(std::clamp(cursor, 0, static_cast<int>(shown.size())));
 }
 
+void showCounter(QLabel& label, const NoteCounter& counter) {
+    label.setText(qText(counter.shown));
+    label.setAccessibleName(qText(counter.spoken));
+    QFont font = label.parentWidget()->font();
+    font.setBold(counter.isWrong);
+    label.setFont(font);
+    label.setForegroundRole(counter.isWrong ? QPalette::WindowText : QPalette::PlaceholderText);
+}
+
 NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
     , line(new QLineEdit(Body()))
@@ -65,7 +75,7 @@ NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget*
 
 const PPDXJobNote& NoteRow::Note() const { return static_cast<const PPDXJobNote&>(*field.control); }
 
-QString NoteRow::Description() const { return noteRules(context, *field.control); }
+QString NoteRow::Description() const { return qText(noteRules(context.texts, *field.control)); }
 
 void NoteRow::Typed(const QString& text) {
     CFStringRef result;
@@ -86,19 +96,7 @@ void NoteRow::UpdateValue() {
 }
 
 void NoteRow::ShowLength() {
-    const auto length = static_cast<std::int64_t>(line->text().size());
-    const PPDXJobNote& note = Note();
-    const QString longest = QString::number(note.MaxLength());
-    const NoteLength state = lengthOfNote(note, length);
-    const bool missing = state == NoteLength::missing;
-    const bool wrong = state != NoteLength::good;
-    counter->setText(missing ? context.Say(words::required)
-                             : QString::number(length) + QStringLiteral(" / ") + longest);
-    counter->setAccessibleName(context.Say(words::lengthOf, QString::number(length), longest));
-    QFont font = line->font();
-    font.setBold(wrong);
-    counter->setFont(font);
-    counter->setForegroundRole(wrong ? QPalette::WindowText : QPalette::PlaceholderText);
+    showCounter(*counter, noteCounter(context.texts, Note(), line->text().size()));
     counter->setToolTip(plainToolTip(Description()));
 }
 

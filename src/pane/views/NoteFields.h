@@ -11,10 +11,14 @@ class QLineEdit;
 namespace torka {
 
 class PPDXJobNote;
+struct NoteCounter;
 
 // Puts what may stand in a note's field into it, after `typed` was typed there; the cursor stays behind what
 // was typed last.
 void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& accepted);
+
+// The counter behind a note's field; bold while the text cannot go with a job.
+void showCounter(QLabel& label, const NoteCounter& counter);
 
 // A job note: a line of text that holds only what the note allows, with a counter of its length.
 class NoteRow final : public FieldRow {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pane/presentation/NumberScale.h"
 #include "pane/views/FieldRow.h"
 
 class QDoubleSpinBox;
@@ -16,16 +17,11 @@ private:
     void UpdateValue() override;
     bool UpdateAllowed() override { return false; }
     // In the control's own numbers.
-    double Number() const;
     void SetNumber(double number, bool continues);
 
+    NumberScale scale;
     QSlider* slider;
     QDoubleSpinBox* box;
-    double minimum = 0;
-    double maximum = 0;
-    double step = 1;
-    double factor = 1; // from the control's numbers to the shown ones
-    bool isWhole = false;
     bool updating = false;
 };
 
@@ -39,9 +35,9 @@ private:
     bool UpdateAllowed() override;
     void TakeSize();
 
+    SizeScale scale;
     QDoubleSpinBox* width;
     QDoubleSpinBox* height;
-    double points = 1; // of a unit
     bool updating = false;
 };
 

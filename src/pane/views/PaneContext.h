@@ -1,11 +1,13 @@
 #pragma once
 
 #include "pane/editing/PaneEditor.h"
-#include "pane/views/PaneWords.h"
+#include "pane/presentation/GaugeTexts.h"
+#include "pane/presentation/PaneTexts.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QString>
 
-#include <string_view>
+#include <optional>
 
 namespace torka {
 
@@ -23,19 +25,14 @@ struct PaneContext {
     CustomizePaneController& controller;
     PDEData* data = nullptr;           // null in tests without one
     TorkaFeaturesPDE* panel = nullptr; // likewise
-    PaneText text;
-    bool metric = true; // of the person's country
+    PaneTexts texts;
+    std::optional<GaugeSource> gauges = std::nullopt; // none for a pane without a queue
 
     // A word with names in its places. The names may hold anything, "%1" too.
-    QString Say(const PaneWord& word) const { return text(word); }
     template <class... Names>
     QString Say(const PaneWord& word, const Names&... names) const {
-        return text(word).arg(names...);
+        return qText(texts.Say(word, names.toStdString()...));
     }
 };
-
-inline QString qText(std::string_view utf8) {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
 
 } // namespace torka

@@ -5,10 +5,10 @@
 #include "pane/data/PanelState.h"
 #include "pane/data/PopupJobNotes.h"
 #include "pane/panel/CustomizePaneController.h"
-#include "pane/views/FieldTexts.h"
-#include "pane/views/LiveWords.h"
+#include "pane/presentation/NoteRules.h"
 #include "pane/views/NoteFields.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -89,14 +89,13 @@ public:
     // Stays open, with the first field that cannot go with a job in focus.
     void accept() override {
         for (const Field& field : fields) {
-            const NoteLength length = LengthOf(field);
-            if (length == NoteLength::good) {
+            const std::string why =
+                field.isLocked ? std::string()
+                               : whyNoteCannotGo(context.texts, *field.note, field.line->text().size());
+            if (why.empty()) {
                 continue;
             }
-            const QString name = qText(nameOf(*field.note));
-            Tell(length == NoteLength::missing
-                     ? context.Say(words::popupMissing, name)
-                     : context.Say(words::popupWrong, name, noteRules(context, *field.note)));
+            Tell(qText(why));
             field.line->setFocus();
             field.line->selectAll();
             return;
@@ -149,7 +148,7 @@ private:
         line->setObjectName(qText(outlet));
         line->setAccessibleName(name);
         line->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
-        setPlainToolTip(*line, noteRules(context, note));
+        setPlainToolTip(*line, qText(noteRules(context.texts, note)));
         if (secret) {
             line->setEchoMode(QLineEdit::Password);
             line->setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
@@ -171,7 +170,7 @@ private:
             if (isChecked) {
                 const CFStringRef accepted = context.controller.controlTextDidChange(field.tag, typed);
                 showAcceptedText(*field.line, text, accepted);
-                Tell(field.line->text() == text ? QString() : noteRules(context, *field.note));
+                Tell(field.line->text() == text ? QString() : qText(noteRules(context.texts, *field.note)));
             } else {
                 field.note->SetCurrentControlWithCFString(typed);
             }
@@ -180,22 +179,9 @@ private:
         ShowLength(field);
     }
 
-    static NoteLength LengthOf(const Field& field) {
-        return field.isLocked ? NoteLength::good : lengthOfNote(*field.note, field.line->text().size());
-    }
-
     void ShowLength(const Field& field) {
-        const NoteLength state = LengthOf(field);
-        const QString length = QString::number(field.line->text().size());
-        const QString longest = QString::number(field.note->MaxLength());
-        field.counter->setText(state == NoteLength::missing ? context.Say(words::required)
-                                                            : length + QStringLiteral(" / ") + longest);
-        field.counter->setAccessibleName(context.Say(words::lengthOf, length, longest));
-        QFont font = field.line->font();
-        font.setBold(state != NoteLength::good);
-        field.counter->setFont(font);
-        field.counter->setForegroundRole(state == NoteLength::good ? QPalette::PlaceholderText
-                                                                   : QPalette::WindowText);
+        showCounter(*field.counter,
+                    noteCounter(context.texts, *field.note, field.line->text().size(), field.isLocked));
     }
 
     void MakeMessage(QVBoxLayout& rows) {

@@ -1,9 +1,8 @@
 #include "pane/views/PresetBar.h"
 
 #include "pane/data/PDEData.h"
-#include "pane/views/ExtraWords.h"
-#include "pane/views/FieldTexts.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PlainTexts.h"
 #include "pane/views/PresetNameDialog.h"
 
 #include <QActionGroup>
@@ -37,7 +36,7 @@ QMessageBox* messageBox(QWidget* parent, QMessageBox::Icon icon, const QString& 
 PresetBar::PresetBar(PaneContext& paneContext, QWidget* parent)
     : QToolButton(parent)
     , context(paneContext)
-    , store(context.data->PrinterName(), context.editor.Model(), *context.data)
+    , presets(context.texts, context.editor, *context.data)
     , entries(new QMenu(this)) {
     setObjectName(QStringLiteral("presets"));
     setAccessibleName(context.Say(words::presets));
@@ -52,7 +51,7 @@ PresetBar::PresetBar(PaneContext& paneContext, QWidget* parent)
     pause.setInterval(0);
     connect(&pause, &QTimer::timeout, this, [this] { CompareNow(); });
     context.editor.AddListener([self = QPointer<PresetBar>(this)](const PaneChange&) {
-        if (self != nullptr && !self->chosen.empty()) {
+        if (self != nullptr && !self->presets.Chosen().empty()) {
             self->pause.start();
         }
     });
@@ -64,9 +63,8 @@ void PresetBar::showEvent(QShowEvent* event) {
     QToolButton::showEvent(event);
     if (!std::exchange(wasShown, true)) {
         QTimer::singleShot(0, this, [this] {
-            if (chosen.empty()) {
-                Choose(store.NameOf(store.PresentSettings()));
-            }
+            presets.ChooseByPresentSettings();
+            ShowState();
         });
     }
 }
@@ -79,10 +77,10 @@ void PresetBar::FillMenu() {
         return labelText(fontMetrics().elidedText(qText(name), Qt::ElideRight,
                                                   fontMetrics().averageCharWidth() * menuCharacters));
     };
-    for (const std::string& name : store.Names()) {
+    for (const std::string& name : presets.Names()) {
         QAction* action = entries->addAction(shown(name));
         action->setCheckable(true);
-        action->setChecked(name == chosen && !isChanged);
+        action->setChecked(name == presets.Chosen() && !presets.IsChanged());
         action->setActionGroup(group);
         action->setToolTip(plainToolTip(qText(name)));
         connect(action, &QAction::triggered, this, [this, name] { Apply(name); });
@@ -96,128 +94,65 @@ void PresetBar::FillMenu() {
         return action;
     };
     add(context.Say(words::presetSaveAs), &PresetBar::AskForSaving);
-    if (!chosen.empty()) {
-        const QString name = shown(chosen);
-        add(context.Say(words::presetUpdate, name), &PresetBar::Update)->setEnabled(isChanged);
+    if (!presets.Chosen().empty()) {
+        const QString name = shown(presets.Chosen());
+        add(context.Say(words::presetUpdate, name), &PresetBar::Update)->setEnabled(presets.IsChanged());
         add(context.Say(words::presetRename, name), &PresetBar::AskForRenaming);
         add(context.Say(words::presetDelete, name), &PresetBar::AskForDeleting);
     }
 }
 
-void PresetBar::Choose(const std::string& name) {
-    chosen = name;
-    settingsOfChosen = chosen.empty() ? nullptr : store.PresentSettings();
-    isChanged = false;
-    ShowState();
-}
-
 void PresetBar::CompareNow() {
-    isChanged = !chosen.empty() && !CFEqual(settingsOfChosen, store.PresentSettings());
+    presets.Compare();
     ShowState();
 }
 
 QString PresetBar::StateText() const {
-    if (chosen.empty()) {
-        return context.Say(words::presets);
-    }
     const QFontMetrics metrics = fontMetrics();
-    const QString name =
-        metrics.elidedText(qText(chosen), Qt::ElideRight, metrics.averageCharWidth() * mostCharacters);
-    return isChanged ? context.Say(words::presetChanged, name) : name;
+    const QString name = metrics.elidedText(qText(presets.Chosen()), Qt::ElideRight,
+                                            metrics.averageCharWidth() * mostCharacters);
+    return qText(presets.Shown(name.toStdString()));
 }
 
 void PresetBar::ShowState() {
     setText(labelText(StateText()));
-    QString whole = context.Say(words::presetTip);
-    if (!chosen.empty()) {
-        const QString name = qText(chosen);
-        whole = isChanged ? context.Say(words::presetChanged, name) : name;
-    }
-    setPlainToolTip(*this, whole);
+    setPlainToolTip(*this, qText(presets.Tip()));
     updateGeometry();
 }
 
-void PresetBar::Apply(const std::string& name) {
-    PresetStore::Result result = PresetStore::Result::done;
-    context.editor.EditAll([&] { result = store.Apply(name); });
-    if (Done(result, name)) {
-        Choose(name);
-    }
-}
+void PresetBar::Apply(const std::string& name) { Tell(presets.Apply(name)); }
+
+void PresetBar::Update() { Tell(presets.Update()); }
 
 void PresetBar::AskForSaving() {
     Open(new PresetNameDialog(
-        context, {}, store.Names(),
-        [this](const std::string& name) {
-            if (Done(store.Save(name), name)) {
-                Choose(name);
-            }
-        },
-        this));
-}
-
-void PresetBar::Update() {
-    if (!chosen.empty() && Done(store.Save(chosen), chosen)) {
-        Choose(chosen);
-    }
+        context, {}, presets.Names(), [this](const std::string& name) { Tell(presets.Save(name)); }, this));
 }
 
 void PresetBar::AskForRenaming() {
     Open(new PresetNameDialog(
-        context, chosen, store.Names(),
-        [this](const std::string& name) {
-            if (Done(store.Rename(chosen, name), chosen)) {
-                chosen = name;
-                ShowState();
-            }
-        },
-        this));
+        context, presets.Chosen(), presets.Names(),
+        [this](const std::string& name) { Tell(presets.Rename(name)); }, this));
 }
 
 void PresetBar::AskForDeleting() {
-    auto* box = messageBox(this, QMessageBox::Question, context.Say(words::presetDeleteAsk, qText(chosen)));
+    auto* box =
+        messageBox(this, QMessageBox::Question, context.Say(words::presetDeleteAsk, qText(presets.Chosen())));
     QPushButton* remove = box->addButton(context.Say(words::presetDeleteButton), QMessageBox::AcceptRole);
     QPushButton* keep = box->addButton(context.Say(words::cancel), QMessageBox::RejectRole);
     box->setDefaultButton(keep);
     box->setEscapeButton(keep);
-    connect(remove, &QPushButton::clicked, this, [this] {
-        if (Done(store.Remove(chosen), chosen)) {
-            Choose({});
-        }
-    });
+    connect(remove, &QPushButton::clicked, this, [this] { Tell(presets.Remove()); });
     Open(box);
 }
 
-bool PresetBar::Done(PresetStore::Result result, const std::string& name) {
-    switch (result) {
-    case PresetStore::Result::done:
-        return true;
-    case PresetStore::Result::badName:
-        Tell(context.Say(words::presetBadName));
-        break;
-    case PresetStore::Result::nameTaken:
-        Tell(context.Say(words::presetTaken));
-        break;
-    case PresetStore::Result::full:
-        Tell(context.Say(words::presetFull));
-        break;
-    case PresetStore::Result::notWritten:
-        Tell(context.Say(words::presetNotWritten, qText(store.File().string())));
-        break;
-    case PresetStore::Result::notFound: // another dialog removed it
-        Tell(context.Say(words::presetGone, qText(name)));
-        if (name == chosen) {
-            Choose({});
-        }
-        break;
+void PresetBar::Tell(const std::string& problem) {
+    ShowState();
+    if (!problem.empty()) {
+        auto* box = messageBox(this, QMessageBox::Warning, qText(problem));
+        box->addButton(context.Say(words::ok), QMessageBox::AcceptRole);
+        Open(box);
     }
-    return false;
-}
-
-void PresetBar::Tell(const QString& text) {
-    auto* box = messageBox(this, QMessageBox::Warning, text);
-    box->addButton(context.Say(words::ok), QMessageBox::AcceptRole);
-    Open(box);
 }
 
 void PresetBar::Open(QDialog* opened) {

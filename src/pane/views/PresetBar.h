@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pane/data/PresetStore.h"
+#include "pane/presentation/PresetChoice.h"
 #include "pane/views/PaneContext.h"
 
 #include <QPointer>
@@ -25,8 +25,7 @@ public:
     explicit PresetBar(PaneContext& paneContext, QWidget* parent = nullptr);
 
     // UTF-8; "" for none.
-    const std::string& Chosen() const { return chosen; }
-    bool IsChanged() const { return isChanged; }
+    const std::string& Chosen() const { return presets.Chosen(); }
     void Apply(const std::string& name);
     void AskForSaving();
     void Update();
@@ -42,23 +41,18 @@ protected:
 
 private:
     void FillMenu();
-    void Choose(const std::string& name);
     void CompareNow();
     void ShowState();
-    // False, with the reason told, when the store did not do it.
-    bool Done(PresetStore::Result result, const std::string& name);
-    void Tell(const QString& text);
+    // Shows what is chosen now, and why something was not done unless `problem` is "".
+    void Tell(const std::string& problem);
     void Open(QDialog* dialog);
     QString StateText() const;
 
     PaneContext& context;
-    PresetStore store;
+    PresetChoice presets;
     QMenu* entries;
     QPointer<QDialog> dialog;
     QTimer pause; // several changes at once are compared once
-    std::string chosen;
-    CFDictionaryRef settingsOfChosen; // as they were after applying or saving
-    bool isChanged = false;
     bool wasShown = false;
 };
 

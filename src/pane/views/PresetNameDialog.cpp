@@ -1,8 +1,6 @@
 #include "pane/views/PresetNameDialog.h"
 
-#include "pane/data/PresetStore.h"
-#include "pane/views/ExtraWords.h"
-#include "pane/views/FieldTexts.h"
+#include "pane/presentation/PresetChoice.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -11,7 +9,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <utility>
 
 namespace torka {
@@ -58,22 +55,11 @@ PresetNameDialog::PresetNameDialog(const PaneContext& paneContext, const std::st
 std::string PresetNameDialog::Name() const { return field->text().trimmed().toStdString(); }
 
 void PresetNameDialog::Check() {
-    const std::string name = Name();
-    const bool isNew = std::ranges::find(takenNames, name) == takenNames.end();
-    const QString text = field->text();
-    const bool isGood = !name.empty() && std::ranges::none_of(text, [](QChar c) {
-        return c.unicode() < 0x20 || c == QChar(0x7F);
-    });
-    const bool saves = oldName.empty();
-    acceptButton->setEnabled(isGood && (saves || (isNew && name != oldName)));
-    acceptButton->setText(context.Say(!saves  ? words::presetRenameButton
-                                      : isNew ? words::presetSaveButton
-                                              : words::presetReplaceButton));
-    const bool collides = !isNew && name != oldName;
-    hint->setText(!isGood && !text.isEmpty() ? context.Say(words::presetBadName)
-                  : collides                 ? context.Say(saves ? words::presetReplaces : words::presetTaken)
-                  : saves                    ? context.Say(words::presetNotKept)
-                                             : QString());
+    const PresetNameState state =
+        presetNameState(context.texts, oldName, takenNames, field->text().toStdString(), Name());
+    acceptButton->setEnabled(state.canAccept);
+    acceptButton->setText(context.Say(*state.button));
+    hint->setText(qText(state.hint));
     field->setAccessibleDescription(hint->text());
 }
 

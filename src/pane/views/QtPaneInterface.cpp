@@ -3,8 +3,10 @@
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/views/CustomizePaneWidget.h"
-#include "pane/views/FieldTexts.h"
 #include "pane/views/PaneRoot.h"
+#include "pane/views/PlainTexts.h"
+#include "pane/views/PopupJobNoteDialog.h"
+#include "pane/views/QuickAccessDialog.h"
 #include "pane/views/TwoWaySign.h"
 
 #include <QAbstractButton>
@@ -13,6 +15,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QUiLoader>
 #include <QVBoxLayout>
@@ -55,26 +58,21 @@ std::unique_ptr<QUiLoader> loaderWithoutPlugins() {
     return loader;
 }
 
-// For a pane without that dialog.
-class NoQuickAccess final : public CustomizeQuickAccessView {
-public:
-    bool validWindowSessionRunning() const override { return false; }
-    void doButtonCancelClicked() override {}
-    void openSheet() override {}
-};
-
-class NoPopupJobNotes final : public PopupJobNoteView {
-public:
-    void observeControlTextDidChange(std::string_view /*outlet*/) override {}
-    bool handlePopupJobnoteUI() override { return true; }
-};
+std::string shownNumber(double number, int decimals) {
+    return QLocale().toString(number, 'f', decimals).toStdString();
+}
 
 } // namespace
 
 QtPaneInterface::QtPaneInterface(PaneSetup paneSetup)
     : setup(std::move(paneSetup))
     , editor(setup.model, setup.data)
-    , context{editor, setup.controller, setup.data, setup.panel, setup.text, setup.metric} {}
+    , context{editor,
+              setup.controller,
+              setup.data,
+              setup.panel,
+              {editor, {setup.text, shownNumber, setup.metric}},
+              setup.gauges} {}
 
 QtPaneInterface::~QtPaneInterface() {
     if (root != nullptr) {
@@ -167,22 +165,12 @@ void QtPaneInterface::MakePane() {
 }
 
 void QtPaneInterface::MakeDialogs() {
-    const PaneOutletWidgets widgets{root, qobject_cast<QCheckBox*>(outlets[PaneOutlet::bidiCheckBox]),
-                                    qobject_cast<QPushButton*>(outlets[PaneOutlet::configureButton])};
-    const PaneDialogs& dialogs = paneRegistry().dialogs;
-    quickAccessDialog = dialogs.quickAccess ? dialogs.quickAccess(context, widgets) : nullptr;
-    if (quickAccessDialog == nullptr) {
-        quickAccessDialog = std::make_unique<NoQuickAccess>();
-        outlets[PaneOutlet::customizeQuickAccessButton]->hide();
-        outlets[PaneOutlet::quickaccessStaticText]->hide();
-    }
-    popupNotesDialog = dialogs.popupJobNotes ? dialogs.popupJobNotes(context, widgets) : nullptr;
-    if (popupNotesDialog == nullptr) {
-        popupNotesDialog = std::make_unique<NoPopupJobNotes>();
-    }
+    quickAccessDialog = std::make_unique<QuickAccessSheet>(context, root);
+    popupNotesDialog = std::make_unique<PopupJobNoteDialog>(context, root);
     auto sheet = std::make_unique<AddressSheet>(root, setup.bidiText);
     sheet->setKeepAlive(setup.keepAlive);
-    sheet->attachPaneWidgets(widgets.bidiCheckBox, widgets.configureButton);
+    sheet->attachPaneWidgets(qobject_cast<QCheckBox*>(outlets[PaneOutlet::bidiCheckBox]),
+                             qobject_cast<QPushButton*>(outlets[PaneOutlet::configureButton]));
     addressDialog = std::move(sheet);
 }
 

@@ -5,7 +5,6 @@
 #include "pane/panel/PaneInterface.h"
 #include "pane/views/AddressSheet.h"
 #include "pane/views/PaneContext.h"
-#include "pane/views/PaneRegistry.h"
 #include "platform/qt/QtView.h"
 
 #include <QObject>
@@ -29,9 +28,10 @@ struct PaneSetup {
     CustomizePaneController& controller;
     PDEData* data = nullptr;
     TorkaFeaturesPDE* panel = nullptr;
-    PaneText text{};
+    std::function<std::string(const PaneWord&)> text{}; // in the person's language
     BidiTranslator bidiText{};
     bool metric = true;
+    std::optional<GaugeSource> gauges{};
     // Held while a click is worked on that may run the event loop, in which the dialog may let go of the
     // panel.
     std::function<std::shared_ptr<void>()> keepAlive{};

@@ -2,8 +2,6 @@
 #include "pane/exchange/ServerExchange.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/panel/UI_Panel.h"
-#include "pane/views/LiveExtras.h"
-#include "pane/views/PaneExtras.h"
 #include "pane/views/QtPaneInterface.h"
 #include "platform/Bundle.h"
 #include "platform/Log.h"
@@ -16,9 +14,21 @@ namespace {
 
 constexpr std::string_view interfaceFile = "TorkaFeaturesPDE.ui";
 
-QString localized(const BundleRef& bundle, const char* key, const char* english, std::string_view table) {
+std::string localized(const BundleRef& bundle, const char* key, const char* english, std::string_view table) {
     const CFStringRef text = bundle->LocalizedString(cfString(key), cfString(english), table);
-    return text ? QString::fromStdU16String(text->units) : QString::fromUtf8(english);
+    return text ? utf8Text(text) : english;
+}
+
+GaugeSource gaugeSourceOf(TorkaFeaturesPDE& panel) {
+    GaugeSource source;
+    source.isOn = [&panel] { return panel.GetPDEDataPtr()->isBIDIEnabled(); };
+    source.state = [&panel] { return panel.Server().GetState(); };
+    source.data = [&panel] { return panel.Server().getBidiDataCopy(); };
+    source.readAgain = [&panel] { panel.requestServerData(ServerExchange::Failures::told); };
+    source.whenChanged = [&panel](std::function<void()> listener) {
+        panel.Server().AddListener(std::move(listener));
+    };
+    return source;
 }
 
 PaneSetup setupOf(TorkaFeaturesPDE& owner, const BundleRef& bundle) {
@@ -26,9 +36,10 @@ PaneSetup setupOf(TorkaFeaturesPDE& owner, const BundleRef& bundle) {
                     &owner};
     setup.text = [bundle](const PaneWord& word) { return localized(bundle, word.key, word.english, "Pane"); };
     setup.bidiText = [bundle](const char* key, const char* english) {
-        return localized(bundle, key, english, "BidiStrings");
+        return qText(localized(bundle, key, english, "BidiStrings"));
     };
     setup.metric = system().MeasuresInMetric();
+    setup.gauges = gaugeSourceOf(owner);
     setup.keepAlive = [&owner] { return owner.shared_from_this(); };
     setup.openFullProperties = [&owner] { owner.launchFullProperties(); };
     setup.resetToDefaults = [&owner] { owner.defaultsButtonClicked(); };
@@ -41,8 +52,6 @@ PaneSetup setupOf(TorkaFeaturesPDE& owner, const BundleRef& bundle) {
 } // namespace
 
 PaneInterfaceLoader qtPaneInterfaceLoader() {
-    registerLiveExtras();
-    registerPaneExtras();
     return [](TorkaFeaturesPDE& owner, const BundleRef& bundle) -> std::unique_ptr<PaneInterface> {
         if (bundle == nullptr || qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
             myNSLogC(

@@ -5,9 +5,8 @@
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/panel/UI_Panel.h"
-#include "pane/views/ExtraWords.h"
-#include "pane/views/FieldTexts.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 
 #include <QDialogButtonBox>
@@ -37,6 +36,7 @@ QuickAccessDialog::QuickAccessDialog(PaneContext& paneContext, const std::vector
                                      QWidget* parent)
     : QDialog(parent)
     , context(paneContext)
+    , fieldSearch(paneContext.texts)
     , search(new QLineEdit(this))
     , available(new QTreeWidget(this))
     , chosen(new QListWidget(this))
@@ -219,10 +219,8 @@ void QuickAccessDialog::ShowMatches() {
     }
     const QString query = search->text().trimmed();
     std::set<std::string> found;
-    if (!query.isEmpty()) {
-        for (const PaneMatch& match : context.editor.Catalog().Search(query.toStdString())) {
-            found.insert(match.field->keyword);
-        }
+    for (const PaneMatch& match : fieldSearch.Matches(query.toStdString())) {
+        found.insert(match.field->keyword);
     }
     for (int i = 0; i < available->topLevelItemCount(); ++i) {
         QTreeWidgetItem* top = available->topLevelItem(i);

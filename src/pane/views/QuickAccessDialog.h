@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pane/panel/PaneInterface.h"
+#include "pane/presentation/FieldSearch.h"
 #include "pane/views/PaneContext.h"
 
 #include <QDialog>
@@ -52,6 +53,7 @@ private:
     bool MayStand(const PaneField& field) const;
 
     PaneContext& context;
+    FieldSearch fieldSearch;
     QLineEdit* search;
     QTreeWidget* available;
     QListWidget* chosen;

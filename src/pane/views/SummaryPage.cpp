@@ -1,7 +1,7 @@
 #include "pane/views/SummaryPage.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControl.h"
-#include "pane/views/FieldTexts.h"
+#include "pane/presentation/PageList.h"
 #include "pane/views/RoomyRows.h"
 
 #include <QHBoxLayout>
@@ -64,30 +64,24 @@ SummaryPage::SummaryPage(PaneContext& paneContext, std::function<void(const std:
 }
 
 void SummaryPage::Update() {
-    const auto differences = context.editor.Differences();
+    const std::vector<SummaryRow> rows = summaryRows(context.texts);
     QStringList selected;
     for (const QTreeWidgetItem* item : list->selectedItems()) {
         selected.append(item->data(0, keywordRole).toString());
     }
     list->clear();
-    for (const PaneDifference& difference : differences) {
-        auto* item = new QTreeWidgetItem(
-            list, {qText(difference.field->name), shownValue(context, *difference.field, difference.value),
-                   shownValue(context, *difference.field, difference.defaultValue)});
-        const QString keyword = qText(difference.field->keyword);
+    for (const SummaryRow& row : rows) {
+        auto* item = new QTreeWidgetItem(list, {qText(row.name), qText(row.value), qText(row.defaultValue)});
+        const QString keyword = qText(row.keyword);
         item->setData(0, keywordRole, keyword);
-        const PanePage& page = context.editor.Catalog().Pages()[difference.field->page];
-        item->setToolTip(0, plainToolTip(context.Say(words::matches, qText(page.name),
-                                                     qText(page.groups[difference.field->group].name))));
+        item->setToolTip(0, plainToolTip(qText(row.place)));
         item->setSelected(selected.contains(keyword));
     }
     for (int column = 0; column < 2; ++column) {
         list->resizeColumnToContents(column);
         list->setColumnWidth(column, list->columnWidth(column) + 12);
     }
-    count->setText(differences.empty()
-                       ? context.Say(words::noDifferences)
-                       : context.Say(words::summaryCount, QString::number(differences.size())));
+    count->setText(qText(summaryHeading(context.texts, rows.size())));
 }
 
 void SummaryPage::ShowSelected() {

@@ -1,7 +1,7 @@
 #include "pane/views/TwoWaySign.h"
 
-#include "pane/views/FieldTexts.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/PlainTexts.h"
 
 #include <QEvent>
 #include <QHBoxLayout>

@@ -1,7 +1,7 @@
 #include "pane/views/WatermarkDialog.h"
 
-#include "pane/views/ExtraWords.h"
-#include "pane/views/FieldTexts.h"
+#include "pane/presentation/NumberScale.h"
+#include "pane/views/PlainTexts.h"
 #include "pane/views/WatermarkPreview.h"
 
 #include <QColorDialog>
@@ -189,21 +189,21 @@ void WatermarkDialog::ChooseColor(int index) {
 QDoubleSpinBox* WatermarkDialog::MakeOffset(const char* name, std::int32_t points) {
     auto* box = new QDoubleSpinBox(this);
     box->setObjectName(QString::fromLatin1(name));
-    const double unit = context.metric ? pointsPerMillimetre : pointsPerInch;
-    const double most = std::max(1440.0, std::abs(static_cast<double>(points))) / unit;
+    const SizeScale scale(context.texts.language.metric);
+    const double most = std::max(1440.0, std::abs(static_cast<double>(points))) / scale.points;
     box->setRange(-std::ceil(most), std::ceil(most));
-    box->setDecimals(context.metric ? 1 : 2);
-    box->setSingleStep(context.metric ? 5 : 0.25);
-    box->setSuffix(QLatin1Char(' ') + context.Say(context.metric ? words::millimetres : words::inches));
-    box->setValue(points / unit);
+    box->setDecimals(scale.decimals);
+    box->setSingleStep(context.texts.language.metric ? 5 : 0.25);
+    box->setSuffix(QLatin1Char(' ') + context.Say(scale.unit));
+    box->setValue(points / scale.points);
     return box;
 }
 
 WatermarkFields WatermarkDialog::Fields() const {
     WatermarkFields fields = before;
-    const double unit = context.metric ? pointsPerMillimetre : pointsPerInch;
-    const auto points = [unit](const QDoubleSpinBox* box) {
-        return static_cast<std::int32_t>(std::lround(box->value() * unit));
+    const SizeScale scale(context.texts.language.metric);
+    const auto points = [&scale](const QDoubleSpinBox* box) {
+        return static_cast<std::int32_t>(std::lround(box->value() * scale.points));
     };
     fields.isClear = colors->currentData().toInt() == clearColor;
     fields.xOffset = points(right);

@@ -2,8 +2,7 @@
 
 #include "pane/data/PDEData.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
-#include "pane/views/ExtraWords.h"
-#include "pane/views/FieldTexts.h"
+#include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 #include "pane/views/WatermarkDialog.h"
 #include "pane/views/WatermarkPreview.h"
@@ -21,7 +20,7 @@
 namespace torka {
 
 WatermarkPage::WatermarkPage(PaneContext& paneContext, QWidget* parent)
-    : ExtraPageWidget(parent)
+    : QWidget(parent)
     , context(paneContext)
     , list(new QListWidget(this))
     , add(new QPushButton(context.Say(words::watermarkAdd), this))
@@ -187,7 +186,7 @@ bool WatermarkPage::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     }
-    return ExtraPageWidget::eventFilter(watched, event);
+    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace torka

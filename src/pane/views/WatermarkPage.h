@@ -1,10 +1,11 @@
 #pragma once
 
 #include "output/WatermarkFields.h"
-#include "pane/views/PaneRegistry.h"
+#include "pane/views/PaneContext.h"
 #include "pane/views/WatermarkDialog.h"
 
 #include <QPointer>
+#include <QWidget>
 
 class QCheckBox;
 class QListWidget;
@@ -17,11 +18,12 @@ class ZANWatermark;
 
 // The watermarks of the printer and which of them this job prints, with its page. Choosing one is a setting
 // like others and can be undone; the list belongs to the printer and is stored when it is changed.
-class WatermarkPage final : public ExtraPageWidget {
+class WatermarkPage final : public QWidget {
 public:
     // The context has pane data.
     explicit WatermarkPage(PaneContext& paneContext, QWidget* parent = nullptr);
-    void Update() override;
+    // Called before the page is seen, and after each change while it is.
+    void Update();
 
     QListWidget* List() const { return list; }
     QCheckBox* FirstPageBox() const { return firstPage; }

@@ -2,7 +2,6 @@
 
 #include "pane/data/PDEData.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
-#include "pane/views/ExtraWords.h"
 #include "platform/Printing.h"
 
 #include <QPageSize>
@@ -34,7 +33,8 @@ QSizeF sizeOf(const PaneContext& context, const std::string& name) {
             return QPageSize::size(size, QPageSize::Point);
         }
     }
-    return QPageSize::size(context.metric ? QPageSize::A4 : QPageSize::Letter, QPageSize::Point);
+    return QPageSize::size(context.texts.language.metric ? QPageSize::A4 : QPageSize::Letter,
+                           QPageSize::Point);
 }
 
 // A font of the screen that comes near the printer's.

@@ -1,8 +1,5 @@
-#include "pane/views/LiveExtras.h"
-#include "bidi/records/CFileHdlr.h"
-#include "pane/data/PanelState.h"
 #include "pane/data/PopupJobNotes.h"
-#include "pane/views/GaugePanel.h"
+#include "pane/data/PanelState.h"
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
@@ -15,7 +12,7 @@
 #include <QTest>
 #include <QTimer>
 
-// The popup job-note dialog and the gauges, with real widgets.
+// The popup job-note dialog, with real widgets.
 
 namespace torka::tests {
 namespace {
@@ -30,7 +27,6 @@ std::string account(const char* flags, const char* value) {
 
 struct Asked {
     explicit Asked(const std::string& notes) {
-        registerLiveExtras();
         resetPopupJobNotes();
         viewed = std::make_unique<ViewedPane>(std::make_unique<Pane>(paneHeader + notes));
         for (const char* kind : {"popupJobNoteVal", "popupJobNoteSec"}) {
@@ -139,71 +135,6 @@ TEST(PopupJobNotes, RowsOfFields) {
     EXPECT_THAT(popupJobNoteFields(3), ElementsAre("31", "32", "33"));
     EXPECT_THAT(popupJobNoteFields(7), ElementsAre("51", "52", "53", "54", "55", "41", "42"));
     EXPECT_EQ(popupJobNoteFields(15).back(), "11");
-}
-
-std::string dataFile(const std::wstring& trays, const std::wstring& toner) {
-    std::string out;
-    if (!trays.empty()) {
-        CFileHdlr::fileWriteData("TrayInfo", trays.data(), trays.size() * sizeof(wchar_t), out);
-    }
-    CFileHdlr::fileWriteData("TonerInfo", toner.data(), toner.size() * sizeof(wchar_t), out);
-    return out;
-}
-
-TEST(Gauges, ShowWhatTheRecordsTell) {
-    const std::string data = dataFile(L"4\nTray 1@Tray1@Plain@A4@Plain@White@420@550\n"
-                                      L"Tray 2@Tray2@EMPTY@EMPTY@EMPTY@EMPTY@0@550\n"
-                                      L"Tray 3@Tray3@<b>&x@A3@Plain@White@-3@550\n"
-                                      L"Bypass@Bypass@EMPTY@A5@EMPTY@EMPTY@-1@100\n",
-                                      L"3\nCyan@71@10@#00ffff@100@45000@1\nBlack@8@10@NULL@100@60000@1\n"
-                                      L"Waste@95@0@red@90@-1@3\n");
-    ScopedMemorySystem system;
-    ViewedPane pane(std::make_unique<Pane>(paneHeader + popup("QVDuplex", {"None", "Tumble"})));
-    const PaneContext context{pane.Editor(), pane.panel->GetCustomizePane(), nullptr, nullptr,
-                              ViewedPane::english};
-    bool on = false;
-    auto state = ServerExchange::State::nothing;
-    auto content = std::make_shared<const std::string>(data);
-    int asked = 0;
-    QWidget place;
-    GaugePanel gauges(context,
-                      {[&] { return on; }, [&] { return state; }, [&] { return content; }, [&] { ++asked; }},
-                      &place);
-    const auto names = [&] {
-        gauges.Update();
-        std::vector<std::string> told;
-        for (const GaugeBar* bar : gauges.findChildren<GaugeBar*>()) {
-            told.push_back(bar->accessibleName().toStdString());
-        }
-        return told;
-    };
-    const auto isSeen = [&] { return !gauges.isHidden(); };
-    for (const auto quiet : {ServerExchange::State::nothing, ServerExchange::State::read}) {
-        state = quiet; // off
-        EXPECT_THAT(names(), testing::IsEmpty());
-        EXPECT_FALSE(isSeen());
-    }
-    on = true;
-    EXPECT_THAT(names(), testing::UnorderedElementsAre(
-                             "Tray 1 – Plain, A4: 76 %", "Tray 2: 0 %, needs attention",
-                             "Tray 3 – <b>&x, A3: not empty", "Bypass – A5: level not known", "Cyan: 71 %",
-                             "Black: 8 %, needs attention", "Waste: 95 %, needs attention"));
-    EXPECT_TRUE(isSeen());
-    state = ServerExchange::State::failed;
-    EXPECT_THAT(names(), testing::IsEmpty());
-    EXPECT_TRUE(isSeen()) << "the quiet line";
-    QTest::keyClick(gauges.findChild<QWidget*>("gaugesReadAgain"), Qt::Key_Space);
-    EXPECT_EQ(asked, 1);
-    // Broken records and no records are no reason to show anything.
-    state = ServerExchange::State::read;
-    for (const std::string& broken :
-         {dataFile(L"9\nTray 1@x\n", L"@@@"), std::string(), std::string("junk")}) {
-        content = std::make_shared<const std::string>(broken);
-        EXPECT_THAT(names(), testing::IsEmpty());
-        EXPECT_FALSE(isSeen());
-    }
-    content = std::make_shared<const std::string>(dataFile(L"", L"1\nCyan@71@10@#00ffff@100@45000@1\n"));
-    EXPECT_THAT(names(), ElementsAre("Cyan: 71 %"));
 }
 
 } // namespace

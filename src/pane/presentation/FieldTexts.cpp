@@ -1,0 +1,161 @@
+#include "pane/presentation/FieldTexts.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "StringUtils.h"
+#include "pane/presentation/NumberScale.h"
+
+#include <algorithm>
+
+namespace torka {
+namespace {
+
+constexpr std::size_t maximumReasons = 3; // named one by one
+
+std::string shownNumber(const PaneTexts& texts, const PaneField& field, std::string_view value) {
+    const NumberScale scale(field);
+    const std::string number = texts.Number(realValue(value) * scale.Unit().factor, scale.Decimals());
+    return scale.Unit().name.empty() ? number : number + ' ' + scale.Unit().name;
+}
+
+std::string shownSize(const PaneTexts& texts, std::string_view value) {
+    const SizeScale scale(texts.language.metric);
+    const std::size_t blank = std::min(value.find(' '), value.size());
+    const auto side = [&](std::string_view points) {
+        return texts.Number(realValue(points) / scale.points, scale.decimals);
+    };
+    return side(value.substr(0, blank)) + " × " + side(value.substr(blank)) + ' ' + texts.Say(scale.unit);
+}
+
+} // namespace
+
+std::string shownChoice(const PaneTexts& texts, const PPDXControl& control, std::string_view choice) {
+    std::string name = choiceName(control, choice);
+    if (control.Type() == CNTL_TYPE::boolean && name == choice) {
+        return texts.Say(choice == "True" ? words::on : words::off);
+    }
+    return name;
+}
+
+std::string shownValue(const PaneTexts& texts, const PaneField& field, std::string_view value) {
+    switch (field.control->Type()) {
+    case CNTL_TYPE::popup: {
+        std::vector<std::string> names;
+        while (!value.empty()) {
+            const std::size_t end = std::min(value.find('\n'), value.size());
+            names.push_back(shownChoice(texts, *field.control, value.substr(0, end)));
+            value.remove_prefix(std::min(end + 1, value.size()));
+        }
+        return names.empty() ? texts.Say(words::chooseSeveral) : joined(names);
+    }
+    case CNTL_TYPE::boolean:
+        return shownChoice(texts, *field.control, value);
+    case CNTL_TYPE::range:
+    case CNTL_TYPE::floatRange:
+        return shownNumber(texts, field, value);
+    case CNTL_TYPE::customPageSize:
+        return shownSize(texts, value);
+    default:
+        break;
+    }
+    if (!isSecret(*field.control) || value.empty()) {
+        return std::string(value);
+    }
+    return "••••••••"; // always as many: the length is a secret too
+}
+
+std::string shownSetting(const PaneTexts& texts, const PaneSetting& setting) {
+    const PPDXControl* control = texts.editor.FindControl(setting.keyword);
+    if (control == nullptr) {
+        return texts.Say(words::settingIs, setting.keyword, setting.choice);
+    }
+    return texts.Say(words::settingIs, nameOf(*control), shownChoice(texts, *control, setting.choice));
+}
+
+std::string shownChanges(const PaneTexts& texts, const std::vector<PaneSetting>& changes) {
+    std::vector<std::string> parts;
+    for (const PaneSetting& change : changes) {
+        if (const PPDXControl* control = texts.editor.FindControl(change.keyword)) {
+            parts.push_back(
+                texts.Say(words::setTo, nameOf(*control), shownChoice(texts, *control, change.choice)));
+        }
+    }
+    return joined(parts);
+}
+
+std::string shownPlace(const PaneTexts& texts, const PaneField& field) {
+    const PanePage& page = texts.editor.Catalog().Pages()[field.page];
+    return page.installable ? texts.Say(words::installed)
+                            : texts.Say(words::matches, page.name, page.groups[field.group].name);
+}
+
+std::string shownReset(const PaneTexts& texts, const PaneField& field) {
+    const std::string shown = shownValue(texts, field, PaneEditor::DefaultValue(*field.control));
+    return texts.Say(words::backTo, shown.empty() ? "–" : shown);
+}
+
+std::string whyLocked(const PaneTexts& texts, const PPDXControl& control) {
+    switch (texts.editor.LockOf(control)) {
+    case PaneLock::system:
+        return texts.Say(words::lockedBySystem);
+    case PaneLock::administrator:
+        return texts.Say(words::lockedByAdministrator);
+    case PaneLock::none:
+        break;
+    }
+    return {};
+}
+
+std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control, const PaneChoice& choice) {
+    const auto reasons = texts.editor.ForbiddenBy(control.Keyword(), choice.keyword);
+    if (reasons.empty()) {
+        return {};
+    }
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < std::min(reasons.size(), maximumReasons); ++i) {
+        names.push_back(shownSetting(texts, reasons[i]));
+    }
+    if (reasons.size() > maximumReasons) {
+        names.push_back(texts.Say(words::moreReasons, std::to_string(reasons.size() - maximumReasons)));
+    }
+    return texts.Say(words::notAvailableWith, shownChoice(texts, control, choice.keyword), joined(names));
+}
+
+std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control) {
+    constexpr std::size_t maximumLines = 12;
+    std::vector<std::string> lines;
+    std::size_t more = 0;
+    const std::vector<bool> forbidden = texts.editor.Forbidden(control);
+    const std::vector<PaneChoice> choices = choicesOf(control);
+    for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
+        if (forbidden[i] && lines.size() < maximumLines) {
+            lines.push_back(whyForbidden(texts, control, choices[i]));
+        } else if (forbidden[i]) {
+            ++more;
+        }
+    }
+    if (more > 0) {
+        lines.push_back(texts.Say(words::moreReasons, std::to_string(more)));
+    }
+    return joined(lines, "\n");
+}
+
+std::string whySizeIsUnused(const PaneTexts& texts) {
+    const PaneSetting custom{"*QVPrintSize", "CustomPrintSize"};
+    const PPDXControl* printSize = texts.editor.FindControl(custom.keyword);
+    const bool used = printSize == nullptr || PaneEditor::Value(*printSize) == custom.choice;
+    return used ? std::string() : texts.Say(words::onlyWith, shownSetting(texts, custom));
+}
+
+CheckBoxState checkBoxState(const PaneTexts& texts, const PPDXControl& control, bool isOn) {
+    const std::vector<bool> forbidden = texts.editor.Forbidden(control);
+    const std::size_t present = isOn ? 0 : 1;
+    const std::size_t other = 1 - present;
+    CheckBoxState state;
+    if (forbidden[other]) {
+        state.whyOtherForbidden = whyForbidden(texts, control, choicesOf(control)[other]);
+    }
+    state.canChange = state.whyOtherForbidden.empty() || forbidden[present];
+    return state;
+}
+
+} // namespace torka

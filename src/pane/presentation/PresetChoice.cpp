@@ -1,0 +1,122 @@
+#include "pane/presentation/PresetChoice.h"
+
+#include "pane/data/PDEData.h"
+#include "pane/editing/PaneEditor.h"
+
+#include <algorithm>
+
+namespace torka {
+
+PresetChoice::PresetChoice(const PaneTexts& paneTexts, PaneEditor& paneEditor, PDEData& data)
+    : texts(paneTexts)
+    , editor(paneEditor)
+    , store(data.PrinterName(), editor.Model(), data) {}
+
+void PresetChoice::Choose(const std::string& name) {
+    chosen = name;
+    settingsOfChosen = chosen.empty() ? nullptr : store.PresentSettings();
+    isChanged = false;
+}
+
+void PresetChoice::ChooseByPresentSettings() {
+    if (chosen.empty()) {
+        Choose(store.NameOf(store.PresentSettings()));
+    }
+}
+
+void PresetChoice::Compare() {
+    isChanged = !chosen.empty() && !CFEqual(settingsOfChosen, store.PresentSettings());
+}
+
+std::string PresetChoice::Apply(const std::string& name) {
+    PresetStore::Result result = PresetStore::Result::done;
+    editor.EditAll([&] { result = store.Apply(name); });
+    if (result == PresetStore::Result::done) {
+        Choose(name);
+    }
+    return Problem(result, name);
+}
+
+std::string PresetChoice::Save(const std::string& name) {
+    const PresetStore::Result result = store.Save(name);
+    if (result == PresetStore::Result::done) {
+        Choose(name);
+    }
+    return Problem(result, name);
+}
+
+std::string PresetChoice::Rename(const std::string& name) {
+    const PresetStore::Result result = store.Rename(chosen, name);
+    std::string problem = Problem(result, chosen);
+    if (result == PresetStore::Result::done) {
+        chosen = name;
+    }
+    return problem;
+}
+
+std::string PresetChoice::Remove() {
+    const PresetStore::Result result = store.Remove(chosen);
+    std::string problem = Problem(result, chosen);
+    if (result == PresetStore::Result::done) {
+        Choose({});
+    }
+    return problem;
+}
+
+std::string PresetChoice::Problem(PresetStore::Result result, const std::string& name) {
+    switch (result) {
+    case PresetStore::Result::done:
+        break;
+    case PresetStore::Result::badName:
+        return texts.Say(words::presetBadName);
+    case PresetStore::Result::nameTaken:
+        return texts.Say(words::presetTaken);
+    case PresetStore::Result::full:
+        return texts.Say(words::presetFull);
+    case PresetStore::Result::notWritten:
+        return texts.Say(words::presetNotWritten, store.File().string());
+    case PresetStore::Result::notFound: { // another dialog removed it
+        std::string problem = texts.Say(words::presetGone, name);
+        if (name == chosen) {
+            Choose({});
+        }
+        return problem;
+    }
+    }
+    return {};
+}
+
+std::string PresetChoice::Shown(std::string_view name) const {
+    if (chosen.empty()) {
+        return texts.Say(words::presets);
+    }
+    return isChanged ? texts.Say(words::presetChanged, name) : std::string(name);
+}
+
+std::string PresetChoice::Tip() const { return chosen.empty() ? texts.Say(words::presetTip) : Shown(chosen); }
+
+PresetNameState presetNameState(const PaneTexts& texts, const std::string& renamed,
+                                const std::vector<std::string>& taken, const std::string& typed,
+                                const std::string& name) {
+    const bool saves = renamed.empty();
+    const bool isNew = std::ranges::find(taken, name) == taken.end();
+    const bool collides = !isNew && name != renamed;
+    const bool isGood = !name.empty() && std::ranges::none_of(typed, [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    });
+    PresetNameState state;
+    state.button = !saves  ? &words::presetRenameButton
+                   : isNew ? &words::presetSaveButton
+                           : &words::presetReplaceButton;
+    state.canAccept = isGood && (saves || (isNew && name != renamed));
+    if (!isGood && !typed.empty()) {
+        state.hint = texts.Say(words::presetBadName);
+    } else if (collides) {
+        state.hint = texts.Say(saves ? words::presetReplaces : words::presetTaken);
+    } else if (saves) {
+        state.hint = texts.Say(words::presetNotKept);
+    }
+    return state;
+}
+
+} // namespace torka

@@ -1,0 +1,269 @@
+#include "pane/presentation/ConflictNotice.h"
+#include "pane/presentation/FieldSearch.h"
+#include "pane/presentation/FieldTexts.h"
+#include "pane/presentation/GaugeTexts.h"
+#include "pane/presentation/NoteRules.h"
+#include "pane/presentation/NumberScale.h"
+#include "pane/presentation/PageList.h"
+#include "pane/presentation/PresetChoice.h"
+#include "tests/presentation/PresentationFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace torka::tests {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+struct Sample : testing::Test {
+    SpokenPane spoken;
+    PaneEditor& editor = spoken.editor;
+    const PaneTexts& texts = spoken.texts;
+
+    std::string Shown(const char* keyword) {
+        return shownValue(texts, spoken.Field(keyword), PaneEditor::Value(spoken.Control(keyword)));
+    }
+};
+
+TEST_F(Sample, ValuesInAPersonsWords) {
+    const std::pair<const char*, std::pair<const char*, const char*>> cases[] = {
+        {"*QVDuplex", {"LongEdge", "Turn on Long Edge"}},
+        {"*QVMirror", {"True", "On"}},
+        {"*QVScale", {"250", "250 %"}},
+        {"*QVGutter", {"125", "12.5 mm"}},      // tenths
+        {"*QVBookletCreep", {"15", "0.15 mm"}}, // hundredths
+        {"*QVGamma", {"1.2", "1.2"}},
+        {"*CustomPrintSize", {"595.275574 841.889771", "210.0 × 297.0 mm"}},
+        {"*QVAccountId", {"123456", "123456"}},
+        {"*QVUserPassword", {"geheim", "••••••••"}},
+        {"*QVMarks", {"", "None chosen"}},
+    };
+    for (const auto& [keyword, value] : cases) {
+        editor.SetValue(keyword, value.first);
+        EXPECT_EQ(Shown(keyword), value.second) << keyword;
+    }
+    EXPECT_EQ(shownReset(texts, spoken.Field("*QVDuplex")), "Back to Off");
+    EXPECT_EQ(shownReset(texts, spoken.Field("*Notes3")), "Back to –");
+    EXPECT_EQ(shownPlace(texts, spoken.Field("*QVFinisherUnit")), "Installed Options");
+    EXPECT_EQ(whyLocked(texts, spoken.Control("*PageSize")),
+              "Chosen on the print dialog's own pages; follows them.");
+    EXPECT_EQ(whyLocked(texts, spoken.Control("*QVDuplex")), "");
+}
+
+TEST_F(Sample, SaysWhatForbids) {
+    editor.SetValue("*MediaType", "Labels");
+    const PPDXControl& duplex = spoken.Control("*QVDuplex");
+    EXPECT_EQ(whyForbidden(texts, duplex, {"LongEdge", "Turn on Long Edge"}),
+              "Turn on Long Edge is not available with “Media Type: Labels”.");
+    EXPECT_EQ(whyForbidden(texts, duplex, {"None", "Off"}), "");
+    EXPECT_THAT(whyForbidden(texts, duplex),
+                AllOf(StartsWith("Turn on Long Edge is not available"), HasSubstr("\nTurn on Short Edge")));
+    editor.SetValue("*QVFolderUnit", "False");
+    const CheckBoxState inside = checkBoxState(texts, spoken.Control("*QVFoldPrintInside"), false);
+    EXPECT_THAT(inside.whyOtherForbidden, HasSubstr("Folding Unit: "));
+    EXPECT_FALSE(inside.canChange);
+    EXPECT_TRUE(checkBoxState(texts, spoken.Control("*QVFoldPrintInside"), true).canChange)
+        << "out of a conflict there is a way";
+    EXPECT_THAT(whySizeIsUnused(texts), HasSubstr("“Print Size: Custom Size”"));
+    editor.SetValue("*QVPrintSize", "CustomPrintSize");
+    EXPECT_EQ(whySizeIsUnused(texts), "");
+}
+
+TEST_F(Sample, TellsConflictsAndWhatResolvedThem) {
+    EXPECT_FALSE(conflictNotice(texts, nullptr).has_value());
+    editor.SetValue("*QVStaple", "Saddle");
+    spoken.pane->Set("*QVFinisherUnit", "None");
+    editor.Refresh();
+    const auto entries = pageEntries(texts, true, true);
+    const auto conflict = conflictNotice(texts, nullptr);
+    ASSERT_TRUE(conflict && conflict->isConflict && conflict->CanResolve());
+    EXPECT_EQ(conflict->text, "“Staple: Saddle Stitch” does not go together with “Finisher: Not Installed”.");
+    EXPECT_EQ(conflict->resolveTip, "Changes Staple to Off");
+    std::vector<std::string> marked;
+    const auto marks = conflictMarks(editor, entries, {"*QVStaple"});
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (marks[i]) {
+            marked.push_back(spokenTitle(texts, entries[i], true));
+        }
+    }
+    EXPECT_THAT(marked, ElementsAre("Quick Access, holds settings in conflict",
+                                    "Finishing, holds settings in conflict",
+                                    "Installed Options, holds settings in conflict"));
+    std::optional<ConflictNotice> after;
+    editor.AddListener([&](const PaneChange& change) { after = conflictNotice(texts, &change); });
+    ASSERT_TRUE(editor.Resolve());
+    ASSERT_TRUE(after && !after->isConflict && after->canUndo);
+    EXPECT_EQ(after->text, "Changed: Staple to Off");
+    EXPECT_EQ(undoTip(texts), "Undo: Staple");
+    editor.Undo();
+    EXPECT_TRUE(after->isConflict);
+}
+
+TEST_F(Sample, ListsPagesAndWhatDiffers) {
+    std::vector<std::string> identifiers;
+    for (const PageEntry& entry : pageEntries(texts, true, true)) {
+        identifiers.push_back(entry.identifier);
+    }
+    EXPECT_THAT(identifiers, ElementsAre("quickAccess", "QVJobPage", "QVLayoutPage", "QVFinishingPage",
+                                         "QVColorPage", "QVNotesPage", "watermarks", "installed", "summary"));
+    EXPECT_EQ(pageOf(texts, spoken.Field("*QVStaple")), "QVFinishingPage");
+    EXPECT_EQ(pageOf(texts, spoken.Field("*QVFinisherUnit")), "installed");
+    EXPECT_EQ(summaryTitle(texts), "Summary");
+    EXPECT_EQ(undoTip(texts), "Undo");
+    editor.SetValue("*MediaType", "Labels");
+    editor.SetValue("*QVUserPassword", "geheim");
+    const auto rows = summaryRows(texts);
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].value + '|' + rows[0].defaultValue, "Labels|Plain");
+    EXPECT_EQ(rows[1].name + '|' + rows[1].value, "User Password|••••••••");
+    EXPECT_EQ(summaryTitle(texts), "Summary (2)");
+    PanePage page;
+    for (const std::size_t fields : {40U, 2U, 3U}) {
+        page.groups.push_back({"G", "G", std::vector<PaneField>(fields)});
+    }
+    EXPECT_THAT(openGroups(page), ElementsAre(true, false, false));
+    std::swap(page.groups[0], page.groups[2]);
+    EXPECT_THAT(openGroups(page), ElementsAre(true, true, false));
+}
+
+TEST_F(Sample, FindsByNameKeywordAndChoice) {
+    FieldSearch search(texts);
+    const auto first = [&](const char* query) {
+        const auto matches = search.Matches(query);
+        return matches.empty() ? "" : matches[0].field->keyword + " " + matches[0].choice;
+    };
+    EXPECT_EQ(first("print BOTH sides"), "*QVDuplex ");
+    EXPECT_EQ(first("qvgamma"), "*QVGamma ");
+    EXPECT_EQ(first("ivory"), "*QVMediaColor Ivory");
+    EXPECT_EQ(first("media ivory"), "*QVMediaColor Ivory");
+    EXPECT_EQ(first("no such thing"), "");
+    EXPECT_THAT(search.Matches("  "), IsEmpty());
+    EXPECT_EQ(search.Matches("*").size(), editor.Catalog().FieldCount());
+
+    SearchResults results = search.Results("ivory");
+    ASSERT_EQ(results.sections.size(), 1U);
+    EXPECT_THAT(results.sections[0].heading, AllOf(HasSubstr(" › "), testing::EndsWith(" – Found: Ivory")));
+    results = search.Results("*");
+    std::size_t shown = 0;
+    for (const auto& section : results.sections) {
+        shown += section.fields.size();
+    }
+    EXPECT_EQ(shown, 40U);
+    EXPECT_THAT(results.more, StartsWith(std::to_string(editor.Catalog().FieldCount() - 40) + " more"));
+    EXPECT_EQ(search.Results("%1 <b>").nothingFound, "No setting matches “%1 <b>”.");
+}
+
+TEST(Sentences, NamesMayHoldAnything) {
+    SpokenPane spoken(paneHeader + "*%ZANFlags *Odd: Dynamic\n*%ZANGroup *Odd: Group\n"
+                                   "*OpenUI *Odd/%1 <b>&x</b>: PickOne\n*DefaultOdd: A\n"
+                                   "*Odd A/%2: \"\"\n*Odd B/<i>: \"\"\n*CloseUI: *Odd\n");
+    EXPECT_EQ(shownSetting(spoken.texts, {"*Odd", "A"}), "“%1 <b>&x</b>: %2”");
+    EXPECT_EQ(shownSetting(spoken.texts, {"*None", "%1"}), "“*None: %1”");
+    FieldSearch search(spoken.texts);
+    EXPECT_THAT(search.Matches("late"), IsEmpty());
+    spoken.pane->model->SetupControl(
+        spoken.pane->model->GetGroups()->Find("Group", true),
+        std::make_unique<PPDXJobNote>("*Late", cfString("Late"), nullptr, nullptr, 0, nullptr, 10, 0U, 0),
+        true);
+    spoken.editor.Refresh();
+    EXPECT_EQ(search.Matches("late").size(), 1U) << "the fields are others now";
+}
+
+TEST(Sentences, UnitsAndDecimals) {
+    PaneField field;
+    const auto shown = [&](const char* unit) {
+        field.unit = unit;
+        const ShownUnit result = shownUnit(field);
+        return std::to_string(result.factor).substr(0, 5) + ' ' + std::to_string(result.decimals) + ' ' +
+               result.name;
+    };
+    EXPECT_EQ(shown("1/100 mm"), "0.010 2 mm");
+    EXPECT_EQ(shown("1/10 pt"), "0.100 1 pt");
+    EXPECT_EQ(shown("%"), "1.000 0 %");
+    EXPECT_EQ(shown("1/7 mm"), "1.000 0 1/7 mm");
+    EXPECT_THAT((std::vector{decimalsFor(1.0F), decimalsFor(0.1F), decimalsFor(0.25F), decimalsFor(0.05F),
+                             decimalsFor(0.125F), decimalsFor(0.0F)}),
+                ElementsAre(0, 1, 2, 2, 3, 0));
+}
+
+TEST_F(Sample, RangesAsSlidersAndSizesInTheCountrysUnit) {
+    const NumberScale scale(spoken.Field("*QVScale")); // 25 to 400
+    EXPECT_EQ(scale.SliderMaximum(), 375);
+    EXPECT_EQ(scale.AtSlider(scale.SliderPlace(250)), 250);
+    EXPECT_EQ(scale.ValueText(1000), "400");
+    EXPECT_EQ(scale.ValueText(-5), "25");
+    const NumberScale gutter(spoken.Field("*QVGutter")); // tenths, five at a time
+    EXPECT_DOUBLE_EQ(gutter.ShownStep(), 0.5);
+    EXPECT_EQ(gutter.Decimals(), 1);
+    const SizeScale inches(false);
+    EXPECT_EQ(inches.ValueText(8.5, 11), "612.000000 792.000000");
+    const SizeScale metric(true);
+    EXPECT_DOUBLE_EQ(metric.Least(283.46), 100.0) << "99.9 mm would be less than the bound";
+    EXPECT_DOUBLE_EQ(metric.Largest(283.46), 99.9) << "100.0 mm would be more than the bound";
+}
+
+TEST(Sentences, Gauges) {
+    SpokenPane spoken(paneHeader);
+    const auto told = [&](const auto& gauge) { return gaugeSentence(spoken.texts, shownGauge(gauge)); };
+    EXPECT_EQ(told(TrayGauge{"Tray 1", "Plain, A4", 76, false}), "Tray 1 – Plain, A4: 76 %");
+    EXPECT_EQ(told(TrayGauge{"Tray 2", "", 0, false}), "Tray 2: 0 %, needs attention");
+    EXPECT_EQ(told(TrayGauge{"<b>&x", "", std::nullopt, true}), "<b>&x: not empty");
+    EXPECT_EQ(told(TrayGauge{"Bypass", "A5", std::nullopt, false}), "Bypass – A5: level not known");
+    EXPECT_EQ(told(SupplyGauge{"Waste", "", 95, true}), "Waste: 95 %, needs attention");
+    EXPECT_EQ(shownGauge(SupplyGauge{"Ärger", "", 1, false}).Initial(), "Ä");
+    EXPECT_EQ(shownGauge(SupplyGauge{}).Initial(), "");
+}
+
+TEST(Sentences, NotesAndTheirCounters) {
+    SpokenPane spoken(paneHeader + jobNote("Account", "6|Numeric|Required|LengthReq") +
+                      jobNote("Free", "20|MinLength3") + jobNote("Panel", "9|LCD") +
+                      jobNote("Sum", "9|Decimal|MultiSpace|Negative"));
+    const auto note = [&](const char* keyword) -> const PPDXJobNote& {
+        return static_cast<const PPDXJobNote&>(spoken.Control(keyword));
+    };
+    const auto rules = [&](const char* keyword) { return noteRules(spoken.texts, note(keyword)); };
+    EXPECT_EQ(rules("*Account"), "Allowed: digits. Exactly 6 characters.");
+    EXPECT_EQ(rules("*Free"), "At most 20 characters. At least 3 characters.");
+    EXPECT_EQ(rules("*Panel"), "Allowed: digits, letters, -, ,, ., _. At most 9 characters.");
+    EXPECT_EQ(rules("*Sum"), "Allowed: digits, -, ,, .. At most 9 characters.");
+    const auto counted = [&](const char* keyword, std::int64_t length, bool isLocked = false) {
+        const NoteCounter counter = noteCounter(spoken.texts, note(keyword), length, isLocked);
+        return counter.shown + (counter.isWrong ? " wrong" : "");
+    };
+    EXPECT_EQ(counted("*Account", 0), "required wrong");
+    EXPECT_EQ(counted("*Account", 0, true), "0 / 6");
+    EXPECT_EQ(counted("*Account", 5), "5 / 6 wrong");
+    EXPECT_EQ(counted("*Account", 6), "6 / 6");
+    EXPECT_EQ(counted("*Free", 0), "0 / 20") << "an empty text is no short one";
+    const auto why = [&](const char* keyword, std::int64_t length) {
+        return whyNoteCannotGo(spoken.texts, note(keyword), length);
+    };
+    EXPECT_EQ(why("*Account", 0), "“Account name” must be filled in.");
+    EXPECT_EQ(why("*Free", 2),
+              "“Free name” has the wrong length. At most 20 characters. At least 3 characters.");
+    EXPECT_EQ(why("*Free", 3), "");
+}
+
+TEST(Sentences, NamesOfPresets) {
+    SpokenPane spoken(paneHeader);
+    const auto state = [&](const char* renamed, const char* typed, const char* name) {
+        const PresetNameState told = presetNameState(spoken.texts, renamed, {"One", "Two"}, typed, name);
+        return std::string(told.button->english) + (told.canAccept ? "+" : "-") + told.hint;
+    };
+    EXPECT_THAT(state("", "New", "New"), StartsWith("&Save+Passwords"));
+    EXPECT_EQ(state("", "", ""), "&Save-Passwords and protected notes are not kept in presets.");
+    EXPECT_EQ(state("", "One ", "One"), "&Replace+There is a preset of this name. Replace it?");
+    EXPECT_THAT(state("", "  ", ""), StartsWith("&Save-A name has"));
+    EXPECT_THAT(state("", "a\tb", "a\tb"), StartsWith("&Save-A name has"));
+    EXPECT_EQ(state("Two", "One", "One"), "&Rename-Another preset has this name.");
+    EXPECT_EQ(state("Two", "Two", "Two"), "&Rename-");
+    EXPECT_EQ(state("Two", "Three", "Three"), "&Rename+");
+}
+
+} // namespace
+} // namespace torka::tests

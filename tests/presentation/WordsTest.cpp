@@ -1,0 +1,70 @@
+#include "pane/presentation/PaneWords.h"
+
+#include "platform/PropertyList.h"
+#include "platform/TextCase.h"
+#include "platform/TextEncoding.h"
+#include "tests/support/TestSupport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <set>
+
+namespace torka::tests {
+namespace {
+
+std::map<std::string, std::string> tableOf(const std::string& language) {
+    const std::string xml =
+        readFile(std::string(TORKA_SOURCE_DIR) + "/bundle/Resources/" + language + ".lproj/Pane.strings");
+    const auto table =
+        cfCast<CFDictionary>(CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size())));
+    std::map<std::string, std::string> texts;
+    if (table) {
+        for (const auto& [key, value] : table->Pairs()) {
+            texts[utf8Text(key)] = utf8Text(cfCast<CFString>(value));
+        }
+    }
+    return texts;
+}
+
+std::set<std::string> placesIn(const std::string& text) {
+    static const std::regex place("%[0-9]");
+    return {std::sregex_token_iterator(text.begin(), text.end(), place), std::sregex_token_iterator()};
+}
+
+// The letter, in upper case; "" for none.
+std::string shortcutOf(const std::string& text) {
+    const std::size_t place = text.find('&');
+    return place == std::string::npos ? "" : upperCaseUtf8(text.substr(place + 1, 1));
+}
+
+TEST(PaneWords, EveryLanguageHasEveryWordWithItsPlaces) {
+    for (const char* language : {"en", "de", "fr", "ja", "zh_CN"}) {
+        auto table = tableOf(language);
+        std::set<std::string> keys;
+        for (const PaneWord& word : paneWords) {
+            EXPECT_TRUE(keys.insert(word.key).second) << word.key;
+            ASSERT_TRUE(table.contains(word.key)) << language << ' ' << word.key;
+            EXPECT_EQ(placesIn(table[word.key]), placesIn(word.english)) << language << ' ' << word.key;
+            EXPECT_EQ(shortcutOf(table[word.key]).empty(), shortcutOf(word.english).empty())
+                << language << ' ' << word.key;
+        }
+        EXPECT_EQ(table.size(), keys.size()) << language << " has words that nobody says";
+        // Those that are seen at once must differ.
+        std::set<std::string> shortcuts;
+        for (const PaneWord& word :
+             {words::configure, words::customize, words::defaults, words::fullProperties,
+              words::twoWayCheckBox, words::resolve, words::undo, words::show, words::resetSelected}) {
+            EXPECT_TRUE(shortcuts.insert(shortcutOf(table[word.key])).second) << language << ' ' << word.key;
+        }
+    }
+    auto english = tableOf("en");
+    for (const PaneWord& word : paneWords) {
+        EXPECT_EQ(english[word.key], word.english);
+    }
+}
+
+} // namespace
+} // namespace torka::tests
