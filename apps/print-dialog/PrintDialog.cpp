@@ -66,7 +66,7 @@ void PrintDialog::FollowOwnTabs() {
     }
 }
 
-void PrintDialog::showPane() {
+void PrintDialog::BringPaneToFront() {
     const QList<QPushButton*> buttons = findChildren<QPushButton*>();
     for (QPushButton* button : buttons) {
         // "Options >>", whatever the language: the one button that opens the tabs and no other.
@@ -81,6 +81,10 @@ void PrintDialog::showPane() {
             tabs->setCurrentIndex(at);
         }
     }
+}
+
+void PrintDialog::showPane() {
+    BringPaneToFront();
     // The toolkit's dialog is sized for a handful of radio buttons.
     const QFontMetrics metrics = fontMetrics();
     resize(size()
@@ -88,9 +92,18 @@ void PrintDialog::showPane() {
                .boundedTo(screen()->availableSize() * 9 / 10));
 }
 
+// After the pane has held a job back: it may have gone to the field that the person has to change.
+void PrintDialog::ShowFieldOfPane() {
+    BringPaneToFront();
+    if (QWidget* field = paneTab->focusWidget()) {
+        field->setFocus(Qt::OtherFocusReason);
+    }
+}
+
 void PrintDialog::done(int result) {
     // What the dialog's own tabs say is in the QPrinter now: the toolkit writes it as the dialog is accepted.
     if (result == Accepted && !isClosing && !paneTab->preparePrint()) {
+        ShowFieldOfPane();
         return;
     }
     if (!isClosing) {

@@ -34,6 +34,8 @@ public:
 private:
     void FollowPrinter();
     void FollowOwnTabs();
+    void BringPaneToFront();
+    void ShowFieldOfPane();
 
     PaneTab* paneTab; // the dialog's tabs own it
     QComboBox* printers = nullptr;

@@ -227,6 +227,45 @@ TEST_F(DialogTest, PopupNotesAreAskedForAndComeBack) {
     EXPECT_EQ(account, "471108");
 }
 
+TEST_F(DialogTest, AFieldThatBreaksARuleIsNamedAndThePersonMayPrintAllTheSame) {
+    const auto shown = Open();
+    PrintDialog& dialog = *shown->dialog;
+    ShowPage(dialog, "Job Notes");
+    auto* pages = Field<QLineEdit>(dialog, "*QVPageRanges");
+    ASSERT_NE(pages, nullptr);
+    pages->selectAll();
+    QTest::keyClicks(pages, "1-5");
+    ShowPage(dialog, "Finishing");
+    QStringList named;
+    const auto answer = [&](const char* button) {
+        AnswerPopupNotes([&, button](QDialog& popup) {
+            QTimer::singleShot(0, qApp, [&, button] {
+                auto* broken = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                ASSERT_NE(broken, nullptr);
+                auto* list = broken->findChild<QListWidget*>();
+                named = list == nullptr ? QStringList() : QStringList(list->item(0)->text());
+                const QList<QPushButton*> buttons = broken->findChildren<QPushButton*>();
+                for (QPushButton* candidate : buttons) {
+                    if (candidate->text().remove(QLatin1Char('&')) == QLatin1String(button)) {
+                        candidate->click();
+                        return;
+                    }
+                }
+                ADD_FAILURE() << button;
+                broken->reject();
+            });
+            popup.accept();
+        });
+        PressPrint(dialog);
+    };
+    answer("Go to Field");
+    EXPECT_TRUE(named.value(0).startsWith("“Pages with Covers” must be items of two letters or digits"));
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.focusWidget(), Field<QLineEdit>(dialog, "*QVPageRanges"));
+    answer("Print Anyway");
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+}
+
 TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
     AddQueue("Live", samplePath("torka-production.ppd"));
     const auto controllers = *sandbox / "root/etc/torka/controllers";

@@ -58,6 +58,8 @@ struct MemoryWidgets {
     int quickAccessCancels = 0;
     bool popupAnswer = true;
     int popups = 0;
+    bool brokenNotesAnswer = true;
+    int brokenNotes = 0;
     MemorySheet* sheet = nullptr;
 };
 
@@ -88,6 +90,10 @@ public:
     CustomizePaneView& customizePane() override { return *this; }
     CustomizeQuickAccessView& customizeQuickAccess() override { return *this; }
     PopupJobNoteView& popupJobNotes() override { return *this; }
+    bool confirmBrokenNotes() override {
+        ++widgets.brokenNotes;
+        return widgets.brokenNotesAnswer;
+    }
     BonjourModuleView& addressSheet() override { return sheet; }
 
     void drawControlsInTree(const PPDTree&) override { ++widgets.drawn; }

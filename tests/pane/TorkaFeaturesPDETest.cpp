@@ -442,6 +442,22 @@ TEST(Panel, PopupNotesAreAskedForAndRemembered) {
     EXPECT_EQ(bench.dialog->printer->sent.size(), 2U);
 }
 
+TEST(Panel, BrokenNoteRulesAreAskedAboutAndStopNoPrint) {
+    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|NoComma|Required")));
+    const auto panel = bench.OpenShown();
+    set(*panel, "*QVAccount", "Press");
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_EQ(bench.widgets.brokenNotes, 0);
+    set(*panel, "*QVAccount", "");
+    bench.widgets.brokenNotesAnswer = false;
+    bench.dialog->printer->sent.clear();
+    EXPECT_FALSE(panel->shouldPrint());
+    EXPECT_THAT(bench.SentTitles(), IsEmpty());
+    bench.widgets.brokenNotesAnswer = true;
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_EQ(bench.widgets.brokenNotes, 2);
+}
+
 TEST(Panel, ATypedAddressIsStored) {
     Bench bench;
     const auto panel = bench.OpenShown();

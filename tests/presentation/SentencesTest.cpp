@@ -219,34 +219,66 @@ TEST(Sentences, Gauges) {
     EXPECT_EQ(shownGauge(SupplyGauge{}).Initial(), "");
 }
 
-TEST(Sentences, NotesAndTheirCounters) {
-    SpokenPane spoken(paneHeader + jobNote("Account", "6|Numeric|Required|LengthReq") +
-                      jobNote("Free", "20|MinLength3") + jobNote("Panel", "9|LCD") +
-                      jobNote("Sum", "9|Decimal|MultiSpace|Negative"));
-    const auto note = [&](const char* keyword) -> const PPDXJobNote& {
-        return static_cast<const PPDXJobNote&>(spoken.Control(keyword));
+TEST(Sentences, RulesOfNotes) {
+    struct Case {
+        const char* flags;
+        const char* rules;
+        const char* text;
+        const char* shown;
+        const char* broken;
     };
-    const auto rules = [&](const char* keyword) { return noteRules(spoken.texts, note(keyword)); };
-    EXPECT_EQ(rules("*Account"), "Allowed: digits. Exactly 6 characters.");
-    EXPECT_EQ(rules("*Free"), "At most 20 characters. At least 3 characters.");
-    EXPECT_EQ(rules("*Panel"), "Allowed: digits, letters, -, ,, ., _. At most 9 characters.");
-    EXPECT_EQ(rules("*Sum"), "Allowed: digits, -, ,, .. At most 9 characters.");
-    const auto counted = [&](const char* keyword, std::int64_t length, bool isLocked = false) {
-        const NoteCounter counter = noteCounter(spoken.texts, note(keyword), length, isLocked);
-        return counter.shown + (counter.isWrong ? " wrong" : "");
+    const Case cases[] = {
+        {"6|Numeric|Required|LengthReq",
+         "Allowed: digits. The text must not be empty, must have exactly 6 characters.", "", "required",
+         "“Note name” must not be empty."},
+        {"6|Numeric|Required|LengthReq",
+         "Allowed: digits. The text must not be empty, must have exactly 6 characters.", "12345", "5 / 6",
+         "“Note name” must have exactly 6 characters."},
+        {"20|MinLength3|NoComma",
+         "The text must have at most 20 characters, must have at least 3 characters, must not hold a comma.",
+         ",", "1 / 20", "“Note name” must have at least 3 characters, must not hold a comma."},
+        {"20|MinLength3|NoComma",
+         "The text must have at most 20 characters, must have at least 3 characters, must not hold a comma.",
+         "", "0 / 20", ""},
+        {"4|UTF8", "The text must have at most 4 characters.", "ab\xF0\x9F\x98\x80", "4 / 4", ""},
+        {"4|UTF8|MinLengthx", "The text must have at most 4 characters.", "äbcde", "5 / 4",
+         "“Note name” must have at most 4 characters."},
+        {"9|Numeric|Hyphen|MultiComma|TwoCharField",
+         "Allowed: digits, -, ,. The text must have at most 9 characters, must be items of two letters or "
+         "digits, or ranges of them, as in 01-05,07.",
+         "1-5", "3 / 9",
+         "“Note name” must be items of two letters or digits, or ranges of them, as in 01-05,07."},
+        {"9|LCD", "Allowed: digits, letters, -, ,, ., _. The text must have at most 9 characters.", "a",
+         "1 / 9", ""},
+        {"9|Decimal|MultiSpace|Negative",
+         "Allowed: digits, -, ,, .. The text must have at most 9 characters.", "-1", "2 / 9", ""},
+        {"5|OnOfSwitch|Required", "", "", "0 / 5", ""},
     };
-    EXPECT_EQ(counted("*Account", 0), "required wrong");
-    EXPECT_EQ(counted("*Account", 0, true), "0 / 6");
-    EXPECT_EQ(counted("*Account", 5), "5 / 6 wrong");
-    EXPECT_EQ(counted("*Account", 6), "6 / 6");
-    EXPECT_EQ(counted("*Free", 0), "0 / 20") << "an empty text is no short one";
-    const auto why = [&](const char* keyword, std::int64_t length) {
-        return whyNoteCannotGo(spoken.texts, note(keyword), length);
-    };
-    EXPECT_EQ(why("*Account", 0), "“Account name” must be filled in.");
-    EXPECT_EQ(why("*Free", 2),
-              "“Free name” has the wrong length. At most 20 characters. At least 3 characters.");
-    EXPECT_EQ(why("*Free", 3), "");
+    for (const Case& example : cases) {
+        SpokenPane spoken(paneHeader + jobNote("Note", example.flags));
+        const auto& note = static_cast<const PPDXJobNote&>(spoken.Control("*Note"));
+        EXPECT_EQ(noteRules(spoken.texts, note), example.rules);
+        const CFStringRef text = cfString(example.text);
+        const NoteCounter counter = noteCounter(spoken.texts, note, text);
+        EXPECT_EQ(counter.shown, example.shown) << example.flags;
+        EXPECT_EQ(counter.broken, example.broken) << example.flags;
+        EXPECT_EQ(noteCounter(spoken.texts, note, text, true).broken, "") << "nobody can change a locked one";
+    }
+}
+
+TEST_F(Sample, NamesFieldsThatBreakARule) {
+    EXPECT_THAT(brokenNotes(texts), IsEmpty());
+    editor.SetValue("*QVPageRanges", "1-5");
+    editor.SetValue("*QVCostCenter", "ab");
+    editor.SetValue("*QVAccountId", "12"); // the popup dialog asks for it
+    std::vector<std::string> named;
+    for (const BrokenNote& note : brokenNotes(texts)) {
+        named.push_back(note.keyword + ": " + note.sentence);
+    }
+    EXPECT_THAT(named,
+                ElementsAre("*QVPageRanges: “Pages with Covers” must be items of two letters or digits, or "
+                            "ranges of them, as in 01-05,07.",
+                            "*QVCostCenter: “Cost Center” must have at least 3 characters."));
 }
 
 TEST(Sentences, NamesOfPresets) {

@@ -7,8 +7,10 @@
 
 #include <QCheckBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -77,12 +79,14 @@ TEST(PopupJobNotes, AskForEachNoteInItsField) {
         auto* message = dialog.findChild<QLabel*>("popupJobNoteMessage");
         QTest::keyClick(&dialog, Qt::Key_Return); // required and empty: stays, and says why
         EXPECT_TRUE(dialog.isVisible());
-        EXPECT_EQ(message->text(), "“QVFirst name” must be filled in.");
+        EXPECT_EQ(message->text(), "“QVFirst name” must not be empty.");
         QTest::keyClicks(&first, "12a34");
         EXPECT_EQ(first.text(), "1234") << "each character is checked";
         QTest::keyClick(&first, Qt::Key_Return);
         EXPECT_TRUE(dialog.isVisible());
-        EXPECT_TRUE(message->text().contains("Exactly 6 characters"));
+        EXPECT_TRUE(message->text().contains("must have exactly 6 characters"));
+        QTest::keyClick(&first, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible()) << "only the button prints with a rule broken";
         QTest::keyClick(&first, Qt::Key_End);
         QTest::keyClicks(&first, "567");
         EXPECT_EQ(first.text(), "123456") << "no more than the note takes";
@@ -94,6 +98,22 @@ TEST(PopupJobNotes, AskForEachNoteInItsField) {
     EXPECT_EQ(asked.viewed->Value("*QVPin"), "99");
     EXPECT_THAT(gPopupJobNotesNote, ElementsAre("123456", "", "", "", "")) << "secrets are kept nowhere";
     EXPECT_EQ(popupJobNotePreferences(*asked.viewed->pane->model), "010") << "nothing of a password";
+}
+
+TEST(PopupJobNotes, RulesStopNoPrint) {
+    Asked asked(jobNote("QVFirst", "6|Required|PopupJN") + jobNote("QVSecond", "9|NoComma|PopupJN"));
+    EXPECT_TRUE(asked.Print([](QDialog& dialog) {
+        QTest::keyClicks(&Asked::Line(dialog, "popupJobNoteVal22"), "1,2");
+        auto* print = dialog.findChild<QDialogButtonBox*>()->findChildren<QPushButton*>().front();
+        QTest::mouseClick(print, Qt::LeftButton);
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(dialog.findChild<QLabel*>("popupJobNoteMessage")->text(),
+                  "“QVFirst name” must not be empty.\n“QVSecond name” must not hold a comma.");
+        EXPECT_EQ(dialog.focusWidget(), &Asked::Line(dialog, "popupJobNoteVal21"));
+        QTest::mouseClick(print, Qt::LeftButton);
+        EXPECT_FALSE(dialog.isVisible());
+    }));
+    EXPECT_EQ(asked.viewed->Value("*QVSecond"), "1,2");
 }
 
 TEST(PopupJobNotes, CancelBringsBackWhatWasThere) {

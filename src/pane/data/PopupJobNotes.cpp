@@ -4,7 +4,6 @@
 #include "bidi/commands/SpoolerCommands.h"
 #include "bidi/records/CPPDMsgHdlr.h"
 #include "output/ZANJobNote.h"
-#include "pane/data/NoteLength.h"
 #include "pane/data/PanelState.h"
 #include "platform/Log.h"
 #include "platform/TextEncoding.h"
@@ -104,10 +103,7 @@ bool mustAskForPopupJobNotes(const std::vector<PPDXJobNote*>& notes) {
         gPopupJobNotesDefaultsButton != 0) {
         return true;
     }
-    return std::ranges::any_of(notes, [](PPDXJobNote* note) {
-        return !note->IsOnOffSwitch() &&
-               lengthOfNote(*note, CFStringGetLength(note->CopyNotes())) != NoteLength::good;
-    });
+    return std::ranges::any_of(notes, [](const PPDXJobNote* note) { return !note->BrokenRules().empty(); });
 }
 
 std::string popupJobNotePreferences(const ZANPPD& model) {

@@ -24,7 +24,7 @@ std::vector<PPDXJobNote*> popupJobNotes(const ZANPPD& model);
 std::vector<std::string> popupJobNoteFields(std::size_t notes);
 // Whether a value of the note is kept for the next job.
 bool isPopupJobNoteRemembered(const ZANPPD& model, const PPDXJobNote& note);
-// False when the person wants to be asked only where something is missing, and nothing is. The defaults
+// False when the person wants to be asked only about texts that break a rule, and none does. The defaults
 // button (gPopupJobNotesDefaultsButton) makes the dialog ask again.
 bool mustAskForPopupJobNotes(const std::vector<PPDXJobNote*>& notes);
 

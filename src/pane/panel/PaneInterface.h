@@ -104,6 +104,9 @@ public:
     virtual CustomizePaneView& customizePane() = 0;
     virtual CustomizeQuickAccessView& customizeQuickAccess() = 0;
     virtual PopupJobNoteView& popupJobNotes() = 0;
+    // Names the fields of job notes whose texts break a rule, before a job is printed. True to go on
+    // printing, at once when there are none; false when the person cancelled or went to such a field.
+    virtual bool confirmBrokenNotes() = 0;
     virtual BonjourModuleView& addressSheet() = 0;
 };
 

@@ -187,6 +187,7 @@ private:
     void StoreTypedAddress();
     void TakeDocumentServer();
     void WriteTicket(EmissionPurpose purpose);
+    bool ConfirmBrokenNotes();
     void TellLeftOutNotes();
     void FetchServerData(ServerExchange::Failures failures);
     ServerExchange::Answer Fetch(ServerExchange::Failures failures);

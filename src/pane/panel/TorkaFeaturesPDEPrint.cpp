@@ -74,6 +74,9 @@ bool TorkaFeaturesPDE::shouldPrint() {
     if (!hasNoPopupJobNotes() && LoadInterface() && !interface->popupJobNotes().handlePopupJobnoteUI()) {
         return false;
     }
+    if (!ConfirmBrokenNotes()) {
+        return false;
+    }
     sendDeferredCommands();
     WriteTicket(EmissionPurpose::printJob);
     if (!hasNoPopupJobNotes()) {
@@ -82,6 +85,29 @@ bool TorkaFeaturesPDE::shouldPrint() {
     presets->RememberLastUsed();
     self.isDocumentPrinting = true;
     TellLeftOutNotes();
+    return true;
+}
+
+// The rules of job notes stop no print: the person decides. Without widgets the log names what breaks them.
+bool TorkaFeaturesPDE::ConfirmBrokenNotes() {
+    std::vector<const PPDXJobNote*> broken;
+    self.myppd->GetControls()->ForEach([&](const PPDXControl* control) {
+        const auto* note = dynamic_cast<const PPDXJobNote*>(control);
+        if (note != nullptr && !note->BrokenRules().empty()) {
+            broken.push_back(note);
+        }
+    });
+    if (broken.empty()) {
+        return true;
+    }
+    if (LoadInterface()) {
+        return interface->confirmBrokenNotes();
+    }
+    for (const PPDXJobNote* note : broken) {
+        for (const BrokenNoteRule& rule : note->BrokenRules()) {
+            myNSLogC("%s %s.", note->Keyword(), rule.Words().c_str());
+        }
+    }
     return true;
 }
 

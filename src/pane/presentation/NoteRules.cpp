@@ -1,17 +1,63 @@
 #include "pane/presentation/NoteRules.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
-#include "pane/data/NoteLength.h"
-#include "pane/editing/PaneCatalog.h"
+#include "pane/data/PopupJobNotes.h"
+#include "pane/editing/PaneEditor.h"
 
 #include <algorithm>
-#include <vector>
+#include <array>
 
 namespace torka {
+namespace {
+
+struct RuleWord {
+    JobNoteFlag flag; // jobNoteNoFlag for the maximum length
+    const PaneWord& word;
+};
+
+// In the order in which a tooltip names them.
+constexpr std::array ruleWords{
+    RuleWord{jobNoteRequired, words::ruleRequired}, RuleWord{jobNoteLengthReq, words::ruleExactly},
+    RuleWord{jobNoteNoFlag, words::ruleAtMost},     RuleWord{jobNoteMinLength, words::ruleAtLeast},
+    RuleWord{jobNoteNoComma, words::ruleNoComma},   RuleWord{jobNoteTwoCharField, words::ruleTwoCharacters},
+};
+
+constexpr const PaneWord* wordOf(JobNoteFlag flag) {
+    for (const RuleWord& rule : ruleWords) {
+        if (rule.flag == flag) {
+            return &rule.word;
+        }
+    }
+    return nullptr;
+}
+
+// Every rule of the table of flags has a word here, and both say the same in English.
+static_assert(std::ranges::all_of(jobNoteFlags, [](const JobNoteFlagRow& row) {
+    const PaneWord* word = wordOf(row.flag);
+    return row.rule.empty() ? word == nullptr : word != nullptr && word->english == row.rule;
+}));
+static_assert(wordOf(jobNoteNoFlag)->english == maximumLengthRule);
+
+std::vector<std::string> rulesOf(const PaneTexts& texts, const PPDXJobNote& note) {
+    std::vector<std::string> rules;
+    for (const auto& [flag, word] : ruleWords) {
+        const bool isLength = flag == jobNoteNoFlag;
+        const bool isMinimum = flag == jobNoteMinLength;
+        const bool holds = isLength    ? !note.IsLengthReq()
+                           : isMinimum ? note.MinLength() > 0
+                                       : (note.NoteFlags() & flag) != 0;
+        if (holds) {
+            rules.push_back(texts.Say(word, std::to_string(isMinimum ? note.MinLength() : note.MaxLength())));
+        }
+    }
+    return rules;
+}
+
+} // namespace
 
 std::string noteRules(const PaneTexts& texts, const PPDXControl& control) {
     const auto* note = dynamic_cast<const PPDXJobNote*>(&control);
-    if (note == nullptr) {
+    if (note == nullptr || note->IsOnOffSwitch()) {
         return {};
     }
     std::vector<std::string> kinds;
@@ -26,36 +72,50 @@ std::string noteRules(const PaneTexts& texts, const PPDXControl& control) {
             }
         }
     }
-    std::vector<std::string> rules;
+    std::vector<std::string> sentences;
     if (!kinds.empty()) {
-        rules.push_back(texts.Say(words::allowedCharacters, joined(kinds)));
+        sentences.push_back(texts.Say(words::allowedCharacters, joined(kinds)));
     }
-    rules.push_back(
-        texts.Say(note->IsLengthReq() ? words::exactly : words::atMost, std::to_string(note->MaxLength())));
-    if (note->MinLength() > 0) {
-        rules.push_back(texts.Say(words::atLeast, std::to_string(note->MinLength())));
-    }
-    return joined(rules, " ");
+    sentences.push_back(texts.Say(words::noteText, joined(rulesOf(texts, *note))));
+    return joined(sentences, " ");
 }
 
-NoteCounter noteCounter(const PaneTexts& texts, const PPDXJobNote& note, std::int64_t length, bool isLocked) {
-    const NoteLength state = isLocked ? NoteLength::good : lengthOfNote(note, length);
-    const std::string present = std::to_string(length);
+std::string brokenRules(const PaneTexts& texts, const PPDXJobNote& note, const CFStringRef& text) {
+    std::vector<std::string> rules;
+    for (const BrokenNoteRule& rule : note.BrokenRules(text)) {
+        rules.push_back(texts.Say(*wordOf(rule.flag), std::to_string(rule.length)));
+    }
+    return rules.empty() ? std::string() : texts.Say(words::noteBreaks, nameOf(note), joined(rules));
+}
+
+NoteCounter noteCounter(const PaneTexts& texts, const PPDXJobNote& note, const CFStringRef& text,
+                        bool isLocked) {
+    const std::string present = std::to_string(CFStringGetLength(text));
     const std::string longest = std::to_string(note.MaxLength());
-    return {state == NoteLength::missing ? texts.Say(words::required) : present + " / " + longest,
-            texts.Say(words::lengthOf, present, longest), state != NoteLength::good};
+    NoteCounter counter{present + " / " + longest, texts.Say(words::lengthOf, present, longest), {}};
+    if (!isLocked) {
+        counter.broken = brokenRules(texts, note, text);
+    }
+    if (!counter.broken.empty() && CFStringGetLength(text) == 0) {
+        counter.shown = texts.Say(words::required);
+    }
+    return counter;
 }
 
-std::string whyNoteCannotGo(const PaneTexts& texts, const PPDXJobNote& note, std::int64_t length) {
-    switch (lengthOfNote(note, length)) {
-    case NoteLength::missing:
-        return texts.Say(words::popupMissing, nameOf(note));
-    case NoteLength::wrong:
-        return texts.Say(words::popupWrong, nameOf(note), noteRules(texts, note));
-    case NoteLength::good:
-        break;
-    }
-    return {};
+std::vector<BrokenNote> brokenNotes(const PaneTexts& texts) {
+    const std::vector<PPDXJobNote*> askedFor = popupJobNotes(texts.editor.Model());
+    std::vector<BrokenNote> broken;
+    texts.editor.Catalog().ForEach([&](const PaneField& field) {
+        const auto* note = dynamic_cast<const PPDXJobNote*>(field.control);
+        if (note == nullptr || std::ranges::find(askedFor, note) != askedFor.end() ||
+            texts.editor.LockOf(*note) != PaneLock::none) {
+            return;
+        }
+        if (std::string sentence = brokenRules(texts, *note, note->CopyNotes()); !sentence.empty()) {
+            broken.push_back({field.keyword, std::move(sentence)});
+        }
+    });
+    return broken;
 }
 
 } // namespace torka

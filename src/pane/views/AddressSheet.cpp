@@ -1,5 +1,6 @@
 #include "pane/views/AddressSheet.h"
 
+#include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 
 #include <QAbstractTableModel>
@@ -25,8 +26,6 @@ namespace torka {
 
 namespace {
 
-QString qString(const CFStringRef& text) { return text ? QString::fromStdU16String(text->units) : QString(); }
-
 int columnIndex(ControllerColumn column) { return column == ControllerColumn::name ? 0 : 1; }
 
 } // namespace
@@ -47,7 +46,7 @@ public:
             return {};
         }
         const ControllerRow& row = rows[static_cast<std::size_t>(index.row())];
-        return qString(index.column() == 0 ? row.name : row.addresses);
+        return qText(index.column() == 0 ? row.name : row.addresses);
     }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
         const bool isTitle = orientation == Qt::Horizontal && role == Qt::DisplayRole;
@@ -295,12 +294,11 @@ void AddressSheet::closeSheet() {
 bool AddressSheet::isSheetVisible() const { return dialog != nullptr && dialog->isVisible(); }
 
 CFStringRef AddressSheet::addressField() const {
-    return CFStringCreateWithCharacters(dialog != nullptr ? field->text().toStdU16String()
-                                                          : std::u16string());
+    return cfText(dialog != nullptr ? field->text() : QString());
 }
 
 void AddressSheet::setAddressField(const CFStringRef& text) {
-    const QString shown = qString(text);
+    const QString shown = qText(text);
     if (dialog != nullptr && field->text() != shown) {
         field->setText(shown);
         field->setCursorPosition(0); // a long name shows its beginning
@@ -367,7 +365,7 @@ void AddressSheet::setProgress(bool running) {
 
 void AddressSheet::setStatus(const CFStringRef& text) {
     if (dialog != nullptr) {
-        status->setText(qString(text));
+        status->setText(qText(text));
     }
 }
 

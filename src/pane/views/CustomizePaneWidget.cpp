@@ -26,6 +26,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace torka {
 namespace {
@@ -198,6 +199,9 @@ void CustomizePaneWidget::drawControlsInTree(const PPDTree& tree) {
         if (!ShowPage(shown) && !entries.empty()) {
             list->setCurrentRow(0);
         }
+        if (!fieldToShow.empty()) {
+            ShowField(std::exchange(fieldToShow, {}));
+        }
     }
     UpdateSurroundings(nullptr);
 }
@@ -345,6 +349,10 @@ bool CustomizePaneWidget::ShowField(const std::string& keyword) {
     const PaneField* field = context.editor.Catalog().Find(keyword);
     if (field == nullptr) {
         return false;
+    }
+    if (!isDrawn) {
+        fieldToShow = keyword;
+        return true;
     }
     return ShowPage(pageOf(context.texts, *field)) && CurrentFieldPage() != nullptr &&
            CurrentFieldPage()->ShowField(keyword);

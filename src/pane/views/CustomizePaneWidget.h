@@ -41,7 +41,7 @@ public:
 
     // The page with that PageEntry::identifier. False when there is none.
     bool ShowPage(const std::string& identifier);
-    // Goes to a field on its page. False when no page shows it.
+    // Goes to a field on its page, before the first drawing once it is drawn. False when no page shows it.
     bool ShowField(const std::string& keyword);
     std::vector<std::string> PageIdentifiers() const;
     // The page seen now, when it is one of fields.
@@ -93,6 +93,7 @@ private:
     std::vector<Entry> entries;
     std::optional<std::size_t> current;
     std::vector<std::string> quickAccess; // keywords
+    std::string fieldToShow;              // keyword; at the first drawing
     bool isDrawn = false;
 };
 

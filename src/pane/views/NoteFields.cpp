@@ -14,19 +14,9 @@
 #include <algorithm>
 
 namespace torka {
-namespace {
-
-QString qTextOf(const CFStringRef& text) {
-    return text ? QString::fromUtf16(text->units.data(), static_cast<qsizetype>(text->units.size()))
-                : QString();
-}
-
-CFStringRef cfText(const QString& text) { return CFStringCreateWithCharacters(text.toStdU16String()); }
-
-} // namespace
 
 void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& accepted) {
-    const QString shown = qTextOf(accepted);
+    const QString shown = qText(accepted);
     if (shown == line.text()) {
         return;
     }
@@ -37,13 +27,15 @@ void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& 
     line.setCursorPosition(std::clamp(cursor, 0, static_cast<int>(shown.size())));
 }
 
-void showCounter(QLabel& label, const NoteCounter& counter) {
+void showCounter(QLabel& label, const NoteCounter& counter, const std::string& rules) {
     label.setText(qText(counter.shown));
     label.setAccessibleName(qText(counter.spoken));
+    const bool isWrong = !counter.broken.empty();
+    setPlainToolTip(label, qText(isWrong ? counter.broken : rules));
     QFont font = label.parentWidget()->font();
-    font.setBold(counter.isWrong);
+    font.setBold(isWrong);
     label.setFont(font);
-    label.setForegroundRole(counter.isWrong ? QPalette::WindowText : QPalette::PlaceholderText);
+    label.setForegroundRole(isWrong ? QPalette::WindowText : QPalette::PlaceholderText);
 }
 
 NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
@@ -96,8 +88,8 @@ void NoteRow::UpdateValue() {
 }
 
 void NoteRow::ShowLength() {
-    showCounter(*counter, noteCounter(context.texts, Note(), line->text().size()));
-    counter->setToolTip(plainToolTip(Description()));
+    showCounter(*counter, noteCounter(context.texts, Note(), cfText(line->text())),
+                noteRules(context.texts, Note()));
 }
 
 SwitchNoteRow::SwitchNoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)

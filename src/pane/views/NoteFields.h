@@ -17,8 +17,9 @@ struct NoteCounter;
 // was typed last.
 void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& accepted);
 
-// The counter behind a note's field; bold while the text cannot go with a job.
-void showCounter(QLabel& label, const NoteCounter& counter);
+// The counter behind a note's field. While the text breaks a rule, the counter is bold and its tooltip names
+// the rules that are broken; otherwise the tooltip names all rules.
+void showCounter(QLabel& label, const NoteCounter& counter, const std::string& rules);
 
 // A job note: a line of text that holds only what the note allows, with a counter of its length.
 class NoteRow final : public FieldRow {

@@ -5,6 +5,10 @@
 
 namespace torka {
 
+QString qText(const CFStringRef& text) { return text ? QString::fromStdU16String(text->units) : QString(); }
+
+CFStringRef cfText(const QString& text) { return CFStringCreateWithCharacters(text.toStdU16String()); }
+
 QString labelText(const QString& plain) {
     return QString(plain).replace(QLatin1Char('&'), QLatin1String("&&"));
 }

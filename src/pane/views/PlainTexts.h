@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/CoreFoundation.h"
+
 #include <QString>
 
 #include <string_view>
@@ -14,6 +16,10 @@ namespace torka {
 inline QString qText(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
+
+// Between the toolkit's strings and the panel's, which both hold UTF-16. "" for null.
+QString qText(const CFStringRef& text);
+CFStringRef cfText(const QString& text);
 
 // For labels, check boxes, buttons and group headers, where "&" marks a shortcut.
 QString labelText(const QString& plain);

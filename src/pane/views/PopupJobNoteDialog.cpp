@@ -76,7 +76,7 @@ public:
         MakeMessage(*rows);
         MakePreferences(*rows);
         auto* buttons = new QDialogButtonBox(this);
-        auto* print = buttons->addButton(context.Say(words::popupPrint), QDialogButtonBox::AcceptRole);
+        print = buttons->addButton(context.Say(words::popupPrint), QDialogButtonBox::AcceptRole);
         print->setDefault(true);
         buttons->addButton(context.Say(words::popupCancel), QDialogButtonBox::RejectRole)
             ->setAutoDefault(false);
@@ -86,18 +86,9 @@ public:
         rows->addWidget(buttons);
     }
 
-    // Stays open, with the first field that cannot go with a job in focus.
+    // Names the fields that break a rule once, with the first of them in focus; then it goes on with them.
     void accept() override {
-        for (const Field& field : fields) {
-            const std::string why =
-                field.isLocked ? std::string()
-                               : whyNoteCannotGo(context.texts, *field.note, field.line->text().size());
-            if (why.empty()) {
-                continue;
-            }
-            Tell(qText(why));
-            field.line->setFocus();
-            field.line->selectAll();
+        if (!isWarned && Warn()) {
             return;
         }
         TakePreferences();
@@ -117,6 +108,40 @@ private:
         std::uint32_t tag;
         bool isLocked;
     };
+
+    // Whether a field breaks a rule. Return then prints no more: the person chooses the button.
+    bool Warn() {
+        std::vector<std::string> sentences;
+        QLineEdit* first = nullptr;
+        for (const Field& field : fields) {
+            std::string sentence = CounterOf(field).broken;
+            if (!sentence.empty()) {
+                sentences.push_back(std::move(sentence));
+                first = first == nullptr ? field.line : first;
+            }
+        }
+        if (first == nullptr) {
+            return false;
+        }
+        Tell(qText(joined(sentences, "\n")));
+        SetWarned(true);
+        first->setFocus();
+        first->selectAll();
+        return true;
+    }
+
+    void SetWarned(bool warned) {
+        if (warned != isWarned) {
+            isWarned = warned;
+            print->setText(context.Say(warned ? words::printAnyway : words::popupPrint));
+            print->setAutoDefault(!warned);
+            print->setDefault(!warned);
+        }
+    }
+
+    NoteCounter CounterOf(const Field& field) const {
+        return noteCounter(context.texts, *field.note, cfText(field.line->text()), field.isLocked);
+    }
 
     void AddField(PPDXJobNote& note, const std::string& number) {
         const QString name = qText(nameOf(note));
@@ -166,7 +191,8 @@ private:
         fields.push_back(field);
         const bool isChecked = observed.contains(outlet);
         connect(line, &QLineEdit::textEdited, this, [this, field, isChecked](const QString& text) {
-            const CFStringRef typed = CFStringCreateWithCharacters(text.toStdU16String());
+            const CFStringRef typed = cfText(text);
+            SetWarned(false);
             if (isChecked) {
                 const CFStringRef accepted = context.controller.controlTextDidChange(field.tag, typed);
                 showAcceptedText(*field.line, text, accepted);
@@ -180,8 +206,7 @@ private:
     }
 
     void ShowLength(const Field& field) {
-        showCounter(*field.counter,
-                    noteCounter(context.texts, *field.note, field.line->text().size(), field.isLocked));
+        showCounter(*field.counter, CounterOf(field), noteRules(context.texts, *field.note));
     }
 
     void MakeMessage(QVBoxLayout& rows) {
@@ -248,6 +273,8 @@ private:
     QLabel* message = nullptr;
     QCheckBox* last = nullptr;
     QCheckBox* ask = nullptr;
+    QPushButton* print = nullptr;
+    bool isWarned = false; // of the fields as they are now
 };
 
 // Texts of secret notes are kept nowhere.

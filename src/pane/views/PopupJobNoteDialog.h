@@ -15,7 +15,8 @@ namespace torka {
 // Asks for the popup job notes before a job is printed, in a modal dialog in front of the print dialog, and
 // takes the person's preferences for it into the globals of PanelState.h.
 //
-// A note is changed while its text is typed; Cancel brings the texts back that were there before.
+// A note is changed while its text is typed; Cancel brings the texts back that were there before. Fields that
+// break a rule are named when the person prints; the person may print all the same.
 class PopupJobNoteDialog final : public PopupJobNoteView {
 public:
     // `paneRoot` may be null or go before this.

@@ -2,6 +2,8 @@
 
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
+#include "pane/presentation/NoteRules.h"
+#include "pane/views/BrokenNotesDialog.h"
 #include "pane/views/CustomizePaneWidget.h"
 #include "pane/views/PaneRoot.h"
 #include "pane/views/PlainTexts.h"
@@ -241,6 +243,25 @@ void QtPaneInterface::RootGone() {
     }
 }
 
+bool QtPaneInterface::confirmBrokenNotes() {
+    editor.Refresh();
+    const std::vector<BrokenNote> notes = brokenNotes(context.texts);
+    if (notes.empty()) {
+        return true;
+    }
+    // Watched: the print dialog may go while the person is asked, and take the window along.
+    const QPointer<BrokenNotesDialog> dialog =
+        new BrokenNotesDialog(context, notes, root != nullptr ? root->window() : nullptr);
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    const std::string keyword = dialog != nullptr ? dialog->FieldToShow() : std::string();
+    const bool goesOn = accepted && dialog != nullptr;
+    delete dialog.data();
+    if (pane != nullptr && !keyword.empty()) {
+        pane->ShowField(keyword);
+    }
+    return goesOn;
+}
+
 CustomizePaneWidget* QtPaneInterface::Pane() const { return pane; }
 
 QWidget* QtPaneInterface::Outlet(PaneOutlet outlet) const {
@@ -257,11 +278,11 @@ CFStringRef QtPaneInterface::stringValue(PaneOutlet outlet) const {
     } else if (const auto* button = qobject_cast<QAbstractButton*>(Outlet(outlet))) {
         text = button->text();
     }
-    return CFStringCreateWithCharacters(text.toStdU16String());
+    return cfText(text);
 }
 
 void QtPaneInterface::setStringValue(PaneOutlet outlet, const CFStringRef& text) {
-    const QString shown = text ? QString::fromStdU16String(text->units) : QString();
+    const QString shown = qText(text);
     if (auto* label = qobject_cast<QLabel*>(Outlet(outlet))) {
         label->setTextFormat(Qt::PlainText);
         label->setText(shown);

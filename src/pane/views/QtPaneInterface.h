@@ -66,6 +66,7 @@ public:
     CustomizePaneView& customizePane() override { return drawer; }
     CustomizeQuickAccessView& customizeQuickAccess() override { return *quickAccessDialog; }
     PopupJobNoteView& popupJobNotes() override { return *popupNotesDialog; }
+    bool confirmBrokenNotes() override;
     BonjourModuleView& addressSheet() override { return *addressDialog; }
 
     PaneEditor& Editor() { return editor; }
