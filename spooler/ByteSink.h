@@ -5,15 +5,15 @@
 
 namespace torka {
 
-// Where a document goes.
+// The target of a document's bytes.
 class ByteSink {
 public:
     virtual ~ByteSink() = default;
-    // Takes all the bytes, or answers the errno value that tells why not; 0 is success.
+    // Writes all bytes. Returns 0, or the errno value of the failure.
     virtual int Write(std::string_view bytes) = 0;
 };
 
-// An open descriptor, blocking or not; not closed here.
+// Writes to an open descriptor, blocking or not. Does not close it.
 class DescriptorSink final : public ByteSink {
 public:
     explicit DescriptorSink(int openDescriptor)

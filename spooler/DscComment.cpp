@@ -46,7 +46,7 @@ static_assert(std::ranges::is_sorted(kinds, {}, &std::pair<std::string_view, Dsc
 
 constexpr std::string_view blanks = " \t";
 
-// "Begin" and "End" open and close sections only as the beginning of a longer name: "%%EndComments".
+// "Begin" and "End" open and close a section only as part of a longer name, such as "%%EndComments".
 bool isSectionName(std::string_view name) {
     for (const std::string_view word : {std::string_view("Begin"), std::string_view("End")}) {
         if (name.size() > word.size() && name.starts_with(word) && name[word.size()] >= 'A' &&

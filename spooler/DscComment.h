@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-// The comments of the Document Structuring Conventions 3.0 (Adobe technical note 5001) that decide where
-// things go.
+// Reads the comments of the Document Structuring Conventions 3.0 (Adobe technical note 5001) that decide
+// where ticket entries go.
 
 namespace torka {
 
@@ -23,8 +23,8 @@ enum class DscKind {
     endOfFile,
     beginDocument,
     endDocument,
-    beginResource, // also procedure sets, fonts, files and previews: sections whose comments are not the
-                   // document's
+    beginResource, // also of procedure sets, fonts, files and previews; comments inside belong
+                   // to the section, not to the document
     endResource,
     beginData, // also the older binary sections
     endData,
@@ -35,30 +35,30 @@ enum class DscKind {
 
 struct DscComment {
     DscKind kind = DscKind::other;
-    std::string_view arguments; // what follows the colon, without blanks around it; a part of the line
+    std::string_view arguments; // the text after the colon, without outer blanks; a view of the line
 };
 
 // REQUIRES: `line` begins with "%%" and has no line end.
 DscComment readDscComment(std::string_view line);
 
-// Whether the line belongs to the header comments of a document. They end with %%EndComments, before the
-// first line that does not begin with "%" and a character that prints, and before a comment that opens or
-// closes a section.
+// Tells whether the line belongs to a document's header comments. The header comments end with %%EndComments.
+// They also end before a line that does not begin with "%" and a printing character, and before a comment
+// that opens or closes a section.
 bool isHeaderComment(std::string_view line);
 
-// The extent of a data section: "count [type [Bytes|Lines]]". Nothing when the count is no number.
+// The extent of a data section: "count [type [Bytes|Lines]]". Returns nothing when the count is not a number.
 struct DscDataExtent {
-    std::uint64_t count = 0; // held to the range of the type
+    std::uint64_t count = 0; // clamped to the range of the type
     bool isLines = false;
 };
 std::optional<DscDataExtent> readDataExtent(std::string_view arguments);
 
-// The first word, and the line without blanks at its ends.
+// firstWord returns the first word; withoutOuterBlanks returns the text without blanks at its ends.
 std::string_view firstWord(std::string_view text);
 std::string_view withoutOuterBlanks(std::string_view text);
 
-// The line that opens or closes the wrapper which keeps a failing feature from ending the job:
-// "[{" ... "} stopped cleartomark", in the spellings that print systems write.
+// A wrapper keeps a failing feature from ending the job: "[{" ... "} stopped cleartomark". These functions
+// recognise its first and last line in the spellings that print systems write.
 inline constexpr std::size_t maximumWrapperLine = 32;
 bool isWrapperOpening(std::string_view line);
 bool isWrapperClosing(std::string_view line);

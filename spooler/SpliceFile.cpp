@@ -17,7 +17,7 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t readSize = std::size_t{128} * 1024; // bytes, at once
+constexpr std::size_t readSize = std::size_t{128} * 1024; // bytes per read
 
 class Descriptor {
 public:
@@ -27,7 +27,7 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor() { Close(); }
     int Number() const { return number; }
-    // 0 or errno.
+    // Returns 0 or errno.
     int Close() {
         const int result = number >= 0 ? ::close(number) : 0;
         number = -1;
@@ -42,7 +42,7 @@ SpliceOutcome failure(SpliceStatus status, const std::string& path, const char* 
     return {status, path + ": " + what + ": " + std::generic_category().message(error), {}};
 }
 
-// At least a byte; 0 at the end; nothing after an error, which errno tells.
+// Reads at least one byte. Returns 0 at the end, and nothing after an error; errno then holds the error.
 std::optional<std::size_t> readSome(int descriptor, std::vector<char>& buffer) {
     for (;;) {
         const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
@@ -58,7 +58,7 @@ std::optional<std::size_t> readSome(int descriptor, std::vector<char>& buffer) {
     }
 }
 
-// A new file beside `path`, and its name.
+// Creates a new file beside `path`. Returns its descriptor and name.
 std::optional<std::pair<int, std::string>> createNeighbour(const std::string& path) {
     std::random_device random;
     for (int attempt = 0; attempt < 16; ++attempt) {
@@ -138,7 +138,7 @@ SpliceOutcome spliceFile(const std::string& inputPath, const Ticket& ticket, con
     const std::string& neighbour = created->second;
     SpliceOutcome outcome = spliceDescriptor(input.Number(), ticket, target.Number(), progress);
     if (outcome.status == SpliceStatus::ok) {
-        // Space may turn out to be missing only when the file is closed.
+        // Closing the file may be the first call that reports a full disk.
         if (const int error = target.Close(); error != 0) {
             outcome.status = SpliceStatus::writeFailed;
             outcome.errorText = "the document cannot be written: " + std::generic_category().message(error);

@@ -14,17 +14,17 @@ struct SpliceOutcome {
     SpliceReport report;
 };
 
-// Told now and then how many bytes of the document were read; false stops the work.
+// Gets the number of bytes read so far, at intervals. Returning false stops the work.
 using SpliceProgress = std::function<bool(std::uint64_t bytesRead)>;
 
-// From one open descriptor to another, in constant memory, for filters. Neither is closed. A filter ignores
-// SIGPIPE, so that a reader that went away is a status and not the end of the process.
+// Splices from one open descriptor to another in constant memory, for filters. Closes neither. The caller
+// ignores SIGPIPE: a reader that has gone away then gives a status and does not end the process.
 SpliceOutcome spliceDescriptor(int source, const Ticket& ticket, int target,
                                const SpliceProgress& progress = {});
 
-// The result is written beside `outputPath` and takes that name once it is whole; on any status but ok
-// nothing is left and an earlier file of that name stands. A device or a pipe under that name is written to
-// directly. Both paths may be the same file.
+// Writes the result beside `outputPath` and renames it when it is whole. On any status but ok, nothing is
+// left and an earlier file of that name stays. A device or a pipe of that name is written directly. Both
+// paths may name the same file.
 SpliceOutcome spliceFile(const std::string& inputPath, const Ticket& ticket, const std::string& outputPath,
                          const SpliceProgress& progress = {});
 

@@ -13,7 +13,7 @@ namespace {
 // before it.
 constexpr std::size_t lookBack = maximumWrapperLine + 3;
 
-// The first "%%" at the beginning of a line, at or after `from`.
+// Finds the first "%%" at the beginning of a line, at or after `from`.
 std::size_t findComment(std::string_view bytes, std::size_t from, bool isLineStart) {
     while (from < bytes.size() && bytes.size() - from > 1) {
         const void* found = std::memchr(bytes.data() + from, '%', bytes.size() - 1 - from);
@@ -24,13 +24,13 @@ std::size_t findComment(std::string_view bytes, std::size_t from, bool isLineSta
         if (bytes[at + 1] == '%' && (at == 0 ? isLineStart : isLineEnd(bytes[at - 1]))) {
             return at;
         }
-        from = bytes.find_first_not_of('%', at); // within a row of them no line begins
+        from = bytes.find_first_not_of('%', at); // no line begins within a row of "%"
     }
     return std::string_view::npos;
 }
 
-// The line without what printers and other systems put before "%!": a leading end-of-transmission, universal
-// exits, a reset.
+// Returns the line without what printers and other systems put before "%!": a leading end-of-transmission,
+// universal exits, a reset.
 std::string_view withoutJobLanguage(std::string_view line) {
     for (bool isMore = true; isMore;) {
         isMore = false;
@@ -79,7 +79,7 @@ std::optional<SpliceMachine::Line> SpliceMachine::ReadLine(std::string_view byte
     return Line{bytes.substr(0, end), bytes.substr(end, endSize), false};
 }
 
-// The line before `lineBegin`, with its end, when it opens a feature's wrapper; else "".
+// Returns the line before `lineBegin`, with its end, when it opens a feature's wrapper; else "".
 std::string_view SpliceMachine::FindWrapperOpening(std::string_view bytes, std::size_t lineBegin) const {
     std::size_t end = lineBegin;
     if (end > 0 && bytes[end - 1] == '\n') {
@@ -315,8 +315,8 @@ void SpliceMachine::HandleComment(const DscComment& comment, std::string_view op
     }
 }
 
-// Inside a block that may go: whether the comment belongs to it. Any that tells of other structure shows that
-// the block's end is missing.
+// Handles a comment inside a block that may be removed. Returns whether the comment belongs to the block. A
+// comment of any other structure shows that the block's %%EndFeature is missing.
 bool SpliceMachine::HandleHeld(const DscComment& comment, std::string_view line) {
     if (comment.kind == DscKind::includeFeature) {
         Pass(line);
@@ -391,7 +391,7 @@ void SpliceMachine::BeginData(const DscComment& comment, std::string_view commen
         dataLines = extent->count;
     } else {
         dataBytes = extent->count;
-        // Where lines end with a carriage return alone, a line feed behind it is the first byte of the data.
+        // Where lines end with a carriage return alone, a line feed after it is the first byte of the data.
         if (lineEnd == "\r" && commentEnd == "\r\n" && dataBytes > 0) {
             --dataBytes;
         }
@@ -446,7 +446,7 @@ void SpliceMachine::HandleStructure(DscKind kind, std::string_view line) {
         break;
     case DscKind::trailer:
     case DscKind::endOfFile:
-        if (!WantsSetup()) { // else it may be a stray one; the end of the document settles it
+        if (!WantsSetup()) { // else it may be stray; the end of the document decides
             LeaveSetup();
             section = Section::trailer;
         }
@@ -475,7 +475,7 @@ SpliceMachine::Removed::iterator SpliceMachine::FindSuppressed(std::string_view 
     return report.removed.find("*" + std::string(keyword.substr(custom.size())));
 }
 
-// The block stays in the document.
+// Leaves the block in the document.
 void SpliceMachine::KeepHeld(std::string_view reason) {
     Warn("a feature block of " + heldKeyword->first + " is left in the document: " + std::string(reason));
     isHolding = isHeldComplete = false;
@@ -483,7 +483,7 @@ void SpliceMachine::KeepHeld(std::string_view reason) {
     Pass(block);
 }
 
-// The block goes, but for its first `kept` bytes.
+// Removes the block except its first `kept` bytes.
 void SpliceMachine::DropHeld(std::size_t kept) {
     ++heldKeyword->second;
     report.bytesRemoved += held.size() - kept;

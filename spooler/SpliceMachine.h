@@ -12,20 +12,19 @@
 
 namespace torka {
 
-// The state of one document's way through a Splicer: which section it is in, what is nested, what waits.
+// The state of one document on its way through a Splicer: its section, its nesting, and the bytes that wait.
 //
 // Invariants:
-// (1) What a step decides depends on the document's bytes only, never on where a piece of it ends: a step
-// that would
-//     have to see more uses nothing, and then at most lineLimit and a few bytes are before it.
-// (2) Everything used is passed on, held, marked or counted as removed at once.
+// (1) A step decides by the document's bytes only, never by where a piece of it ends. A step that needs to
+// see more uses nothing; at most lineLimit and a few bytes then wait.
+// (2) Every byte used is at once passed on, held, marked or counted as removed.
 class SpliceMachine {
 public:
     SpliceMachine(const Ticket& ticket, ByteSink& sink);
 
     void CountRead(std::size_t count) { report.bytesRead += count; }
-    // Works on the next bytes of the document and answers how many it used; the rest is to come again with
-    // more behind it. `isLast`: nothing more follows, all is used.
+    // Works on the next bytes of the document and returns how many it used. The caller passes the rest again,
+    // with more bytes behind it. With `isLast` no more bytes follow, and all are used.
     std::size_t Consume(std::string_view bytes, bool isLast);
     // REQUIRES: all bytes were consumed.
     void Finish();
@@ -38,17 +37,18 @@ private:
     using Removed = decltype(SpliceReport::removed);
     enum class Section { prefix, header, prolog, afterProlog, setup, afterSetup, page, pageSetup, trailer };
 
-    // A line, or as much of it as may be looked at.
+    // A line, or its beginning when it is longer than the limit.
     struct Line {
         std::string_view text;    // without its end
-        std::string_view lineEnd; // "" when cut and at the end of the document
+        std::string_view lineEnd; // "" for a cut line and at the end of the document
         bool isCut = false;       // longer than the limit: `text` is its beginning
         std::size_t Size() const { return text.size() + lineEnd.size(); }
     };
     static std::optional<Line> ReadLine(std::string_view bytes, std::size_t limit, bool isLast);
     std::string_view FindWrapperOpening(std::string_view bytes, std::size_t lineBegin) const;
 
-    // Each uses some bytes or changes what the next step does; nothing when more must be seen first.
+    // Each step uses some bytes or changes what the next step does. It returns nothing when it must see more
+    // bytes first.
     std::optional<std::size_t> Step(std::string_view bytes, bool isLast);
     std::optional<std::size_t> StepPrefix(std::string_view bytes, bool isLast);
     std::optional<std::size_t> StepHeader(std::string_view bytes, bool isLast);
@@ -59,8 +59,8 @@ private:
     std::optional<std::size_t> StepDataLines(std::string_view bytes, bool isLast);
     void PassWholeLine(const Line& line);
 
-    // Where a comment stands decides what it means: in a block that may be removed, in something nested, or
-    // at the top.
+    // The meaning of a comment depends on where it stands: in a block that may be removed, in a nested
+    // section, or at the top level.
     void HandleComment(const DscComment& comment, std::string_view opening, const Line& line);
     bool HandleHeld(const DscComment& comment, std::string_view line);
     void HandleFeature(const DscComment& comment, std::string_view opening, std::string_view line);
@@ -80,7 +80,7 @@ private:
     struct SortedEntry {
         std::size_t index = 0; // in the ticket
         TicketEntry entry;
-        SitePlace place = SitePlace::setup; // of its site
+        SitePlace place = SitePlace::setup; // of the entry's site
     };
     std::string HeaderLines(const SortedEntry& sorted);
     std::string TextOf(PostScriptInjectionSite site, SplicePlace place);
@@ -113,28 +113,28 @@ private:
     std::string errorText;
 
     Section section = Section::prefix;
-    bool isRaw = false;          // nothing is left to do but to pass bytes on
+    bool isRaw = false;          // every further byte passes unchanged
     bool isLineStart = true;     // of the next byte
     bool isInRestOfLine = false; // of a line of the prefix or the header that was cut at the limit
     bool isLineEndKnown = false;
-    std::string lineEnd = "\n"; // of the document's first line; for lines of our own
-    bool isJobLanguage = false; // the prefix has begun with another language's lines
+    std::string lineEnd = "\n"; // of the document's first line; also ends the lines that we insert
+    bool isJobLanguage = false; // the prefix began with lines of another language
     std::size_t prefixBytes = 0;
 
     std::uint64_t documentDepth = 0;
     std::uint64_t resourceDepth = 0; // outside embedded documents
     std::uint64_t dataBytes = 0;     // still to pass unread
     std::uint64_t dataLines = 0;
-    bool isDataOpen = false; // a data section without a count: ends with its closing comment
+    bool isDataOpen = false; // a data section without a count; it ends with its closing comment
 
-    bool isHeaderImplicit = false; // it had no %%EndComments
+    bool isHeaderImplicit = false; // the header had no %%EndComments
     bool isMarkAtHeader = false;
-    bool isMarkFixed = false; // code stands behind the mark: it does not move behind a resource any more
+    bool isMarkFixed = false; // code stands behind the mark, so the mark no longer moves behind a resource
     bool isPrologDeclared = false;
     bool isSetupPlaced = false;
     bool isClosingPlaced = false;
 
-    std::string held;              // a feature block that goes when it turns out to be complete
+    std::string held;              // a feature block that is removed when it is complete
     std::size_t heldOpening = 0;   // bytes of its wrapper's first line
     Removed::iterator heldKeyword; // in report.removed
     bool isHolding = false;

@@ -7,7 +7,7 @@ namespace torka {
 namespace {
 
 constexpr std::size_t gatherLimit =
-    std::size_t{64} * 1024; // bytes; about what one write to a pipe moves at once
+    std::size_t{64} * 1024; // bytes; about as many as one write to a pipe moves
 
 } // namespace
 

@@ -8,8 +8,8 @@
 
 namespace torka {
 
-// The written side of a Splicer: gathers small pieces into larger writes and can hold back what follows a
-// mark until it is known whether something has to be inserted there. Does not own the sink.
+// The output side of a Splicer. Gathers small pieces into larger writes. Holds back what follows a mark until
+// it is known whether text must be inserted there. Does not own the sink.
 //
 // After a failed write nothing more reaches the sink; Error() keeps the errno value.
 class SpliceOutput {
@@ -17,19 +17,19 @@ public:
     explicit SpliceOutput(ByteSink& target)
         : sink(target) {}
 
-    // Bytes of the document.
+    // Writes bytes of the document.
     void Pass(std::string_view bytes);
-    // Bytes of our own, on a line of their own: `lineEnd` comes first when the last line has none.
+    // Writes bytes of our own on a line of their own: writes `lineEnd` first when the last line has no end.
     // REQUIRES: no mark is open.
     void Insert(std::string_view bytes, std::string_view lineEnd);
 
-    // From here on everything waits. REQUIRES: no mark is open.
+    // Holds back all further bytes. REQUIRES: no mark is open.
     void OpenMark();
     bool HasMark() const { return isMarked; }
     std::size_t MarkedBytes() const { return marked.size(); }
-    // Whether anything but comments and blank lines waits; false without a mark.
+    // Tells whether anything but comments and blank lines waits; false without a mark.
     bool HasCodeSinceMark() const;
-    // Inserts at the mark (nothing for "") and lets go of what waited.
+    // Inserts at the mark (nothing for "") and writes what waited.
     void CloseMark(std::string_view insertion, std::string_view lineEnd);
 
     // REQUIRES: no mark is open.
@@ -47,10 +47,10 @@ private:
     std::string pending;
     std::string marked;
     bool isMarked = false;
-    char lastByte = '\n'; // of what went before the mark when one is open
+    char lastByte = '\n'; // of the bytes before the mark when one is open
     int error = 0;
     std::uint64_t inserted = 0;
-    std::uint64_t written = 0; // given to the sink with success
+    std::uint64_t written = 0; // bytes that the sink took
 };
 
 } // namespace torka

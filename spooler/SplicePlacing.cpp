@@ -61,8 +61,8 @@ void SpliceMachine::SortEntry(std::size_t index, const TicketEntry& entry) {
     }
 }
 
-// The entry as lines that a header may hold. A line that would end the header, or run as code, is written as
-// the continuation of the comment before it.
+// Returns the entry as lines that a header may hold. A line that would end the header, or run as code,
+// becomes a continuation of the comment before it.
 std::string SpliceMachine::HeaderLines(const SortedEntry& sorted) {
     std::string lines;
     std::size_t continued = 0;
@@ -85,7 +85,7 @@ std::string SpliceMachine::HeaderLines(const SortedEntry& sorted) {
     return lines;
 }
 
-// The entries of a site, recorded as placed.
+// Returns the entries of a site and records them as placed.
 std::string SpliceMachine::TextOf(PostScriptInjectionSite site, SplicePlace place) {
     std::string text;
     std::size_t count = 0;
@@ -144,7 +144,7 @@ void SpliceMachine::OpenMark() {
     }
 }
 
-// After a resource of a prolog that is not declared, settings would rather stand behind it.
+// Moves the mark behind a resource of an undeclared prolog: settings go behind such resources.
 void SpliceMachine::MoveMark() {
     if (section != Section::prolog || isPrologDeclared || isMarkFixed || !WantsSetup()) {
         return;
@@ -154,14 +154,14 @@ void SpliceMachine::MoveMark() {
     output.OpenMark();
 }
 
-// No setup section was met in time.
+// Places the setup entries at the mark: no setup section came in time.
 void SpliceMachine::PlaceAtMark() {
     std::string text;
     if (section == Section::afterProlog) {
         text = CreatedSetup();
     } else {
         if (isHeaderImplicit && isMarkAtHeader) {
-            text = "%%EndComments" + lineEnd; // or the comments of what follows would read as header comments
+            text = "%%EndComments" + lineEnd; // else the comments that follow would be header comments
         }
         text += SetupText(SplicePlace::afterHeader);
         text += ClosingText(SplicePlace::afterHeader);
@@ -189,7 +189,7 @@ void SpliceMachine::BeginSetup(std::string_view line) {
     ChooseRaw();
 }
 
-// The pages begin and there was no setup section.
+// Adds a setup section before the first page of a document that has none.
 void SpliceMachine::CreateSetup() {
     if (section == Section::afterProlog && output.HasMark()) {
         PlaceAtMark();

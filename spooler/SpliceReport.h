@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-// What a Splicer did, for the command line and for the filter's log.
+// What a Splicer did, for the command line and the filter's log.
 
 namespace torka {
 
@@ -18,16 +18,16 @@ enum class SplicePlace {
     nowhere,
     headerComments, // before %%EndComments, or where the header comments end without it
     documentSetup,  // in the document's own %%BeginSetup section
-    createdSetup,   // in a setup section made for it
-    afterHeader,    // behind the header of a document that shows no prolog, setup or pages
+    createdSetup,   // in a setup section that the Splicer adds
+    afterHeader,    // behind the header of a document without prolog, setup and pages
 };
 
-// "in the header comments" and the like, to end a sentence.
+// Returns "in the header comments" and the like, to end a sentence.
 std::string_view placeText(SplicePlace place);
 
 struct PlacedSite {
     std::size_t entries = 0;
-    std::uint64_t bytes = 0; // as written, with line ends and continuation marks that were added
+    std::uint64_t bytes = 0; // as written, with added line ends and continuation marks
     SplicePlace place = SplicePlace::nowhere;
 };
 
@@ -40,13 +40,13 @@ struct UnplacedEntry {
 struct SpliceReport {
     std::map<PostScriptInjectionSite, PlacedSite> placed;
     std::vector<UnplacedEntry> unplaced;
-    std::vector<std::string> mailboxPaths; // entries of siteFileDestination, never written
+    std::vector<std::string> mailboxPaths; // entries of siteFileDestination; never written
     std::map<std::string, std::uint64_t, std::less<>>
-        removed;                       // suppressed keyword -> its features and comments taken out
-    std::vector<std::string> warnings; // at most maximumWarnings, the last one says that more came
+        removed;                       // suppressed keyword -> number of its features and comments removed
+    std::vector<std::string> warnings; // at most maximumWarnings; the last one says that more came
     static constexpr std::size_t maximumWarnings = 50;
 
-    // Always: bytesWritten == bytesRead - bytesRemoved + bytesInserted, once Finish() has succeeded.
+    // bytesWritten == bytesRead - bytesRemoved + bytesInserted, once Finish() has succeeded.
     std::uint64_t bytesRead = 0;
     std::uint64_t bytesRemoved = 0;
     std::uint64_t bytesInserted = 0;

@@ -13,7 +13,8 @@ Splicer::~Splicer() = default;
 
 SpliceStatus Splicer::Write(std::string_view bytes) {
     machine->CountRead(bytes.size());
-    // What was carried over is completed by a piece of the new bytes; the rest is worked on where it lies.
+    // A piece of the new bytes completes the carried bytes; the other bytes are used in place, without a
+    // copy.
     constexpr std::size_t piece = 4 * lineLimit;
     while (!bytes.empty() && machine->Status() == SpliceStatus::ok) {
         if (carried.empty()) {

@@ -16,7 +16,7 @@ class SpliceMachine;
 enum class SpliceStatus {
     ok,
     entriesLeft,   // the document is whole, but its setup entries found no place: see SpliceReport::unplaced
-    notPostScript, // no "%!" where a document begins
+    notPostScript, // a document does not begin with "%!"
     readFailed,
     writeFailed,
     stopped, // by the caller's progress function
@@ -25,9 +25,10 @@ enum class SpliceStatus {
 // Streams one PostScript document into a sink and places the entries of a job ticket in it, by the rules of
 // docs/ticket.md. The result does not depend on how the document is cut into Write() calls.
 //
-// Memory is bounded whatever the document: at most holdLimit bytes wait while it is unclear whether the
-// document has a setup section, featureLimit while a feature block that is to be taken out has not ended, and
-// lineLimit of a line that has not ended. Copies what it needs of the ticket; does not own the sink.
+// Memory is bounded for every document. At most holdLimit bytes wait while it is unclear whether the document
+// has a setup section. At most featureLimit bytes wait for the end of a feature block that is to be removed,
+// and at most lineLimit bytes for the end of a line. Copies what it needs of the ticket; does not own the
+// sink.
 class Splicer {
 public:
     static constexpr std::size_t lineLimit =
@@ -41,9 +42,9 @@ public:
     Splicer(const Splicer&) = delete;
     Splicer& operator=(const Splicer&) = delete;
 
-    // After a status other than ok every further call answers the same status and does nothing.
+    // After a status other than ok, every further call returns the same status and does nothing.
     SpliceStatus Write(std::string_view bytes);
-    // The document ends here. REQUIRES: no Write() after it.
+    // Ends the document. REQUIRES: no Write() after it.
     SpliceStatus Finish();
 
     // Complete after Finish().
@@ -53,7 +54,7 @@ public:
 
 private:
     std::unique_ptr<SpliceMachine> machine;
-    std::string carried; // the end of what was written, not yet decided upon
+    std::string carried; // the last bytes written, not decided yet
 };
 
 } // namespace torka

@@ -118,7 +118,7 @@ TicketResult readTicket(std::span<const std::uint8_t> propertyList) {
 }
 
 TicketResult readTicketFile(const std::string& path) {
-    // Not blocking: a pipe under the ticket's name must not stop the spooler.
+    // Does not block: a pipe in place of the ticket must not stop the spooler.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (descriptor < 0) {
         return withName(refuse(TicketError::Code::cannotRead, "cannot be opened: " + systemReason(errno)),
@@ -141,7 +141,7 @@ TicketResult readTicketFile(int descriptor, const std::string& name) {
     if (status.st_size > static_cast<off_t>(maximumTicketBytes)) {
         return withName(refuseAsTooLarge(), name);
     }
-    // One byte beyond the limit shows a file that grows meanwhile.
+    // One byte beyond the limit reveals a file that grows while it is read.
     std::vector<std::uint8_t> bytes;
     std::size_t size = 0;
     for (;;) {

@@ -10,12 +10,12 @@
 #include <vector>
 
 // Reads the job ticket file: an XML property list whose root array alternates a 32-bit site number and the
-// bytes that go there. docs/ticket.md describes it.
+// bytes for that site. docs/ticket.md describes it.
 
 namespace torka {
 
-// A larger file is refused. The reader of property lists bounds the number of values, too (100,000, half as
-// many entries), so that a hostile file cannot take more memory than a multiple of its size.
+// Larger files are refused. The reader of property lists also limits the number of values (100,000, half as
+// many entries). A hostile file thus cannot take more memory than a multiple of its size.
 inline constexpr std::size_t maximumTicketBytes = std::size_t{64} * 1024 * 1024;
 
 struct TicketEntry {
@@ -28,8 +28,7 @@ struct TicketWarning {
     std::string text;
 };
 
-// Owns the bytes of its entries. Entries whose site this system does not know are not among `entries`; each
-// left a warning instead.
+// Owns the bytes of its entries. An entry whose site is unknown is not among `entries`; it leaves a warning.
 struct Ticket {
     std::vector<TicketEntry> entries; // in the order of the file
     std::vector<TicketWarning> warnings;
@@ -49,7 +48,7 @@ struct TicketError {
     };
     Code code = Code::none;
     std::optional<std::size_t> entry; // the entry at fault, counted from 0
-    std::string text;                 // one line: what is wrong and where
+    std::string text;                 // one line that says what is wrong and where
 
     explicit operator bool() const { return code != Code::none; }
 };
@@ -61,8 +60,8 @@ struct TicketResult {
 
 TicketResult readTicket(std::span<const std::uint8_t> propertyList);
 TicketResult readTicketFile(const std::string& path);
-// For a filter that has checked the opened file itself. Reads from the descriptor's position to the end of
-// the file and leaves it open; `name` stands in error texts.
+// For a filter that has checked the open file itself. Reads from the descriptor's position to the end of the
+// file and leaves the descriptor open. `name` appears in error texts.
 TicketResult readTicketFile(int descriptor, const std::string& name);
 
 } // namespace torka

@@ -19,7 +19,7 @@ constexpr std::string_view reportPrefix = "ConnectionErrorInfoFile";
 constexpr std::string_view reportSuffix = ".txt";
 constexpr unsigned everybodyReads = 0644;
 
-// One line a chunk. False when a record was refused; the others are there.
+// Adds one line per chunk. Returns false when a record is refused; the others are added.
 bool addDataRecord(std::string_view name, std::string_view payload, std::string& text) {
     return encodeRecord(name, payload.data(), payload.size(),
                         [&text](std::string_view chunk, std::string_view base64) {
@@ -27,7 +27,8 @@ bool addDataRecord(std::string_view name, std::string_view payload, std::string&
                         });
 }
 
-// What decides the answer. "" for a request on behalf of a named user: its answer serves nobody else.
+// Returns the parts of the request that determine the answer. "" for a request on behalf of a named user:
+// nobody else may use its answer.
 std::string decidingText(const AskedBy& asked) {
     std::vector<RequestLine> lines;
     if (!asked.language.empty()) {

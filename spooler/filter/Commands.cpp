@@ -34,7 +34,7 @@ bool isLanguage(std::string_view code) {
            });
 }
 
-// "" or why nothing was kept.
+// Returns "" or why nothing was kept.
 std::string keepRecord(const FilterJob& job, std::string_view name, std::string_view text) {
     if (text.empty()) {
         return std::string(name).append(": there is no text to keep");
@@ -58,7 +58,7 @@ std::string keepMailbox(const Sender& sender, std::string_view text) {
     if (!MailboxFile::IsName(name)) {
         return "the destination names no mailbox";
     }
-    // Beside the others: a job that waits may have another.
+    // Added beside the others: a waiting job may have another mailbox.
     return FilterNotes::Add(sender, NoteKind::mailbox, name) ? "" : "the destination cannot be kept";
 }
 
@@ -76,7 +76,7 @@ std::string answer(const FilterJob& job, const Sender& sender, std::string_view 
     return answerRequest(asked, source);
 }
 
-// The files that the pane may have removed: the queue's two-way files, reports, its sender's tickets.
+// Deletes the files that the pane may delete: the queue's two-way files, reports, and the sender's tickets.
 void deleteFiles(const Sender& sender, std::string_view text) {
     while (!text.empty()) {
         const std::string_view name = lastComponent(firstLine(text));

@@ -7,12 +7,12 @@
 
 namespace torka::filter {
 
-// Does what a command job asks for; its title names the command, `text` holds its arguments. The answer is
-// the filter's exit status; the reason of a failure was told to the server. docs/commands.md describes the
-// commands, docs/spooler-filter.md what this filter makes of them.
+// Carries out a command job: its title names the command, `text` holds the arguments. Returns the filter's
+// exit status. The server has then received the reason of a failure. docs/commands.md describes the commands,
+// docs/spooler-filter.md what this filter does for each.
 int runCommand(const FilterJob& job, std::string_view text, ControllerSource& source);
 
-// Longest text of the command with this title, in bytes.
+// Returns the maximum length of the text of the command with this title, in bytes.
 std::size_t mostCommandText(std::string_view title);
 
 } // namespace torka::filter

@@ -17,7 +17,7 @@ namespace torka::filter {
 
 namespace {
 
-// A document of gigabytes is spliced in minutes and passes in blocks; a ticket has 64 MB at most.
+// Splicing gigabytes takes minutes and works in blocks; a ticket has 64 MB at most.
 constexpr rlim_t mostProcessorSeconds = 2 * 60 * 60;
 constexpr rlim_t mostMemory = rlim_t{2} * 1024 * 1024 * 1024;
 constexpr rlim_t mostFiles = 256;
@@ -26,7 +26,8 @@ std::string failureText(const char* what, int error) {
     return std::string(what) + ": " + std::generic_category().message(error);
 }
 
-// `grace`: what lies between the limit that tells the process (a signal) and the one that ends it.
+// `grace`: the difference between the soft limit, which sends a signal, and the hard limit, which ends the
+// process.
 void limit(__rlimit_resource_t resource, rlim_t most, const char* what, std::vector<std::string>& problems,
            rlim_t grace = 0) {
     rlimit now{};
@@ -34,14 +35,14 @@ void limit(__rlimit_resource_t resource, rlim_t most, const char* what, std::vec
         problems.push_back(failureText(what, errno));
         return;
     }
-    // A lower limit that the server set stays.
+    // Keeps a lower limit that the server set.
     const rlimit wanted{std::min(now.rlim_cur, most), std::min(now.rlim_max, most + grace)};
     if (::setrlimit(resource, &wanted) != 0) {
         problems.push_back(failureText(what, errno));
     }
 }
 
-// None of these has a use in a filter; each has served to leave one.
+// A filter needs none of these calls. Each has been used to escape from a confined process.
 constexpr int refusedCalls[] = {
     // other programs and processes
     SCMP_SYS(execve), SCMP_SYS(execveat), SCMP_SYS(fork), SCMP_SYS(vfork), SCMP_SYS(ptrace),
@@ -59,7 +60,7 @@ constexpr int refusedCalls[] = {
     SCMP_SYS(kexec_load), SCMP_SYS(kexec_file_load), SCMP_SYS(reboot), SCMP_SYS(swapon), SCMP_SYS(swapoff),
     SCMP_SYS(acct), SCMP_SYS(quotactl), SCMP_SYS(syslog), SCMP_SYS(iopl), SCMP_SYS(ioperm),
     SCMP_SYS(modify_ldt),
-    // who one is, and what the clock says
+    // user and group identity, and the clock
     SCMP_SYS(setuid), SCMP_SYS(setgid), SCMP_SYS(setreuid), SCMP_SYS(setregid), SCMP_SYS(setresuid),
     SCMP_SYS(setresgid), SCMP_SYS(setfsuid), SCMP_SYS(setfsgid), SCMP_SYS(setgroups), SCMP_SYS(capset),
     SCMP_SYS(settimeofday), SCMP_SYS(clock_settime), SCMP_SYS(clock_adjtime), SCMP_SYS(adjtimex),
@@ -73,7 +74,7 @@ int addRules(scmp_filter_ctx list, Network network) {
         }
     };
     for (const int call : refusedCalls) {
-        // Calls that this machine does not have are passed over by the library.
+        // The library skips calls that this machine does not have.
         add(::seccomp_rule_add(list, SCMP_ACT_ERRNO(EPERM), call, 0));
     }
 #if defined(__s390__)
@@ -81,8 +82,8 @@ int addRules(scmp_filter_ctx list, Network network) {
 #else
     constexpr unsigned cloneFlags = 0;
 #endif
-    // A thread is a clone with CLONE_THREAD. The arguments of clone3 lie in memory, where a list cannot look;
-    // the C library falls back to clone.
+    // A thread is a clone with CLONE_THREAD. A list of system calls cannot inspect the arguments of clone3,
+    // which lie in memory; the C library falls back to clone.
     add(::seccomp_rule_add(list, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(clone), 1,
                            SCMP_CMP(cloneFlags, SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0)));
     add(::seccomp_rule_add(list, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0));
@@ -94,7 +95,7 @@ int addRules(scmp_filter_ctx list, Network network) {
         return failure;
     }
     for (const scmp_datum_t family : std::views::iota(scmp_datum_t{0}, scmp_datum_t{AF_MAX})) {
-        // A resolver asks AF_NETLINK for the machine's own addresses.
+        // A resolver uses AF_NETLINK to read the machine's own addresses.
         if (family != AF_UNIX && family != AF_INET && family != AF_INET6 && family != AF_NETLINK) {
             refuseFamilies(SCMP_A0(SCMP_CMP_EQ, family));
         }
@@ -103,7 +104,7 @@ int addRules(scmp_filter_ctx list, Network network) {
     return failure;
 }
 
-// 0 or an error number.
+// Returns 0 or an error number.
 int refuseCalls(Network network) {
     const std::unique_ptr<void, decltype(&::seccomp_release)> list(::seccomp_init(SCMP_ACT_ALLOW),
                                                                    &::seccomp_release);
@@ -123,7 +124,7 @@ std::vector<std::string> confine(Network network) {
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) {
         problems.push_back(failureText("new rights cannot be ruled out", errno));
     }
-    // SIGXCPU comes first and says why the job stops; SIGKILL a minute later does not.
+    // SIGXCPU comes first and gives the job a reason to stop; SIGKILL follows a minute later without one.
     constexpr rlim_t grace = 60;
     limit(RLIMIT_CPU, mostProcessorSeconds, "processor time cannot be limited", problems, grace);
     limit(RLIMIT_NOFILE, mostFiles, "open files cannot be limited", problems);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-// What the filter gives up once it knows its job: it reads what anybody may send.
+// Restricts the filter once it knows its job, because it reads data that anybody may send.
 
 namespace torka::filter {
 
@@ -12,12 +12,13 @@ enum class Network {
     allowed // for a request, which asks the queue's printer
 };
 
-// Takes from this process, for good: new rights (no_new_privs), core files, time and memory without bound,
-// and by a list of system calls new programs, processes, every address family but those of `network`, and
-// what changes the system or looks into other processes. Threads stay possible.
+// Removes rights from this process permanently. Forbids new privileges (no_new_privs) and core files, and
+// limits processor time and memory. A list of system calls forbids new programs, new processes, every address
+// family except those of `network`, changes to the system, and access to other processes. Threads stay
+// possible.
 //
-// Tells what could not be taken, for the log: a kernel or container without such lists still prints. A build
-// with AddressSanitizer keeps its memory and its calls, which the sanitizer needs.
+// Returns what could not be restricted, for the log: a kernel or container without such lists still prints. A
+// build with AddressSanitizer keeps its memory and its system calls, because the sanitizer needs them.
 std::vector<std::string> confine(Network network);
 
 } // namespace torka::filter

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view narrowSuffix = ".narrow";
 
-// Adds the folder's records, by name; those of a later call stand for earlier ones.
+// Adds the folder's records by name. A later record replaces an earlier one of its name.
 void readRecords(const std::filesystem::path& folder, std::map<std::string, std::string>& records) {
     std::error_code error;
     for (std::filesystem::directory_iterator file(folder, error), end; !error && file != end;
@@ -53,7 +53,8 @@ std::vector<ControllerRecord> recordsOf(const std::filesystem::path& place, std:
 
 ControllerSource::~ControllerSource() = default;
 
-// Of the address as it stands, of the same number in its plain form, or of the number that was sent along.
+// Looks for the folder of the address as given, then of the same number in its plain form, then of the number
+// that the request carries.
 std::filesystem::path FolderSource::PlaceOf(std::string_view address,
                                             const std::vector<RequestLine>& request) const {
     const auto line = std::ranges::find(request, "address", &RequestLine::first);

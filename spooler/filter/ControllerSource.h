@@ -7,13 +7,13 @@
 #include <string_view>
 #include <vector>
 
-// Where the answers to the pane's requests come from.
+// Provides the answers to the pane's requests.
 
 namespace torka::filter {
 
 struct ControllerRecord {
     std::string name;
-    std::string payload; // as it travels: wide text is in 32-bit units
+    std::string payload; // in its wire form: wide text is in 32-bit units
 };
 
 struct ControllerAnswer {
@@ -31,12 +31,13 @@ public:
     // `language` is a code such as "ja", "" for the controller's own.
     virtual ControllerAnswer Ask(std::string_view address, const std::vector<RequestLine>& request,
                                  std::string_view language) = 0;
-    // The numeric address at which the queue's device was found as a service of the net; "" when it was not.
+    // Returns the numeric address at which the queue's device was found as a network service; "" when it was
+    // not found.
     virtual std::string FoundAddress() { return {}; }
 };
 
-// Answers with texts that lie in a folder, one file a record; docs/spooler-filter.md describes it. A
-// request's lines choose nothing: all records are given.
+// Answers with texts from a folder, one file per record; docs/spooler-filter.md describes the folder. Ignores
+// the lines of the request and returns all records.
 class FolderSource final : public ControllerSource {
 public:
     explicit FolderSource(std::filesystem::path controllers)
@@ -45,13 +46,13 @@ public:
                          std::string_view language) override;
 
 private:
-    // "" where there is no folder.
+    // Returns "" when no folder exists.
     std::filesystem::path PlaceOf(std::string_view address, const std::vector<RequestLine>& request) const;
 
     std::filesystem::path folder;
 };
 
-// Fixed path of the folder that FolderSource is given.
+// The fixed path of the folder that FolderSource gets.
 inline constexpr std::string_view controllersFolder = "/etc/torka/controllers";
 
 } // namespace torka::filter

@@ -5,14 +5,15 @@
 #include <optional>
 #include <string>
 
-// The service that a queue's device URI names, where it was discovered.
+// Finds the network service that a queue's device URI names.
 
 namespace torka::filter {
 
-// The service of a "dnssd" or "mdns" URI; none for any other URI, and for one that names no service.
+// Returns the service of a "dnssd" or "mdns" URI. Returns nothing for any other URI, and for one that names
+// no service.
 std::optional<NetService> serviceOfDevice(const std::string& uri);
 
-// The numeric address at which the Avahi daemon finds that service within two seconds; "" when it finds none.
+// Returns the numeric address at which the Avahi daemon finds that service within two seconds, else "".
 std::string addressOfService(const NetService& service);
 
 } // namespace torka::filter

@@ -17,11 +17,11 @@ namespace {
 constexpr std::string_view notesFile = "TorkaFilterNotes";
 constexpr std::string_view lockFile = "TorkaFilterNotes.lock";
 constexpr std::size_t mostRead = std::size_t{64} * 1024 * 1024; // more than any version wrote
-constexpr std::size_t mostField = 1024;                         // bytes; a longer one is no honest name
+constexpr std::size_t mostField = 1024;                         // bytes; no honest name is longer
 constexpr std::array<std::string_view, 3> kindNames{"ticket", "language", "mailbox"};
 
-// Reads the list, lets `change` work on it, and writes it when that answers true. False when it could not be
-// read or written.
+// Reads the list, passes it to `change`, and writes it when `change` returns true. Returns false when the
+// list cannot be read or written.
 bool withNotes(const std::function<bool(std::vector<FilterNote>&)>& change) {
     const OpenFile lock = PrivateFolder::Lock(lockFile);
     if (!lock) {
@@ -60,8 +60,8 @@ bool isTooLong(const Sender& sender, std::string_view value) {
     return std::max({sender.queue.size(), sender.user.size(), sender.host.size(), value.size()}) > mostField;
 }
 
-// Takes out entries until the list is within its bounds: each time the oldest one of the host whose entries
-// take the most room.
+// Removes entries until the list is within its limits: each time the oldest one of the host whose entries
+// take most bytes.
 void trim(std::vector<FilterNote>& notes) {
     std::map<std::string, std::size_t, std::less<>> room; // bytes by host
     std::vector<std::size_t> sizes;
@@ -85,7 +85,7 @@ void trim(std::vector<FilterNote>& notes) {
 
 void append(std::vector<FilterNote>& notes, const Sender& sender, NoteKind kind, std::string_view value) {
     const auto isSame = isOf(sender, kind);
-    // A command that is carried out again says the same.
+    // A restarted command adds the same value again.
     std::erase_if(notes, [&](const FilterNote& note) { return isSame(note) && note.value == value; });
     if (static_cast<std::size_t>(std::ranges::count_if(notes, isSame)) >= FilterNotes::limitOfSender) {
         notes.erase(std::ranges::find_if(notes, isSame));

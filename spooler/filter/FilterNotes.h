@@ -7,11 +7,11 @@
 #include <string_view>
 #include <vector>
 
-// What one command job leaves for the jobs that follow it: names of tickets to come, a language, a mailbox.
+// Keeps what a command job leaves for later jobs: names of expected tickets, a language, a mailbox.
 
 namespace torka::filter {
 
-// Whose jobs belong together.
+// Jobs of one sender belong together.
 struct Sender {
     std::string queue;
     std::string user;
@@ -21,35 +21,37 @@ struct Sender {
 
 enum class NoteKind { ticketName, language, mailbox };
 
-// A list in a file of the private folder, taken under a lock for each change: filters of several queues run
-// at once. Of each kind a sender has at most 100 entries, the oldest go first. When the list is full, the
-// oldest entry of the host that fills most of it goes: one host cannot crowd the others out, whatever names
-// it gives its users.
+// A list in a file of the private folder. Each change takes a lock, because filters of several queues run at
+// once. A sender has at most 100 entries of each kind; the oldest goes first. When the list is full, the
+// oldest entry of the host that uses most of it goes. One host cannot crowd out the others by inventing user
+// names.
 class FilterNotes {
 public:
-    // How long an entry is kept. A mailbox waits for its job, which may be held, as tickets do.
+    // How long an entry is kept. A mailbox waits as long as a ticket does, because its job may be held.
     static std::chrono::seconds Lifetime(NoteKind kind);
     static constexpr std::size_t limitOfSender = 100;
     static constexpr std::size_t limitOfAll = 5000;
     static constexpr std::size_t mostBytes = std::size_t{1024} * 1024; // of the file
 
-    // Behind the sender's others of its kind, once. False when it could not be written.
+    // Adds the entry behind the sender's others of its kind, without duplicates. Returns false when the list
+    // cannot be written.
     static bool Add(const Sender& sender, NoteKind kind, std::string_view value);
-    // In place of the sender's others of its kind.
+    // Replaces the sender's entries of this kind.
     static bool Set(const Sender& sender, NoteKind kind, std::string_view value);
-    // Takes out the sender's entry of this kind when it is the only one; nothing otherwise. `count` tells how
-    // many there were.
+    // Removes and returns the sender's entry of this kind when it is the only one; nothing otherwise. `count`
+    // gets the number of such entries.
     static std::optional<std::string> TakeOnly(const Sender& sender, NoteKind kind, std::size_t& count);
-    // The last one.
+    // Returns the last entry.
     static std::optional<std::string> Get(const Sender& sender, NoteKind kind);
-    // Whether a user has such an entry, of any queue and host: a job may be moved, and one client can show
-    // two addresses.
+    // Tells whether a user has such an entry on any queue and host: a job may be moved, and one client may
+    // have two addresses.
     static bool Has(std::string_view user, NoteKind kind, std::string_view value);
-    // Takes out the entry of this value and those of its sender and kind before it; false when there is none.
+    // Removes the entry with this value and the earlier ones of its sender and kind. Returns false when there
+    // is none.
     static bool ForgetUpTo(const Sender& sender, NoteKind kind, std::string_view value);
 };
 
-// One line for an entry, fields escaped; for tests.
+// Writes and reads the line of one entry, with escaped fields. Public for tests.
 struct FilterNote {
     Sender sender;
     NoteKind kind = NoteKind::ticketName;

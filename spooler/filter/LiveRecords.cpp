@@ -24,7 +24,8 @@ constexpr std::int32_t unknown = SDM_LEVEL_UNKNOWN;
 constexpr std::int32_t unlimited = SDM_LEVEL_UNLIMITED;
 constexpr std::int32_t some = SDM_LEVEL_SOME;
 
-// Kept while the module's structures point into it; blanks stand for what could end a field or a line.
+// Outlives the module's structures, which point into it. A blank replaces a character that could end a field
+// or a line.
 using WideText = std::wstring;
 
 WideText fieldText(std::string_view utf8) {
@@ -36,7 +37,7 @@ WideText fieldText(std::string_view utf8) {
     return text;
 }
 
-// "stationery-letterhead" for people.
+// Turns a keyword such as "stationery-letterhead" into words for people.
 WideText shownKeyword(std::string_view keyword) {
     WideText text = fieldText(keyword);
     std::ranges::replace(text, L'-', L' ');
@@ -52,13 +53,13 @@ std::string_view at(const std::vector<std::string>& texts, std::size_t i) {
     return i < texts.size() ? std::string_view(texts[i]) : std::string_view();
 }
 
-// A percentage of the print server: negative ones are "not known", "not available" and "some".
+// A percentage of the print server. Negative values are -1 not known, -2 not available, -3 some.
 std::int32_t markerPercent(const std::vector<int>& levels, std::size_t i) {
     const int level = i < levels.size() ? levels[i] : unknown;
     return level >= 0 ? std::min(level, 100) : level == some ? some : unknown;
 }
 
-// A level or a capacity of RFC 3805: -1 no restriction, -2 not known, -3 some.
+// Converts a level or a capacity of RFC 3805: -1 no restriction, -2 not known, -3 some.
 std::int32_t mibNumber(int number) {
     return number >= 0 || number == some ? number : number == -1 ? unlimited : unknown;
 }
@@ -73,7 +74,7 @@ struct Toner {
     std::int32_t kind = SDM_SUPPLY_OTHER;
 };
 
-// Both the print server's words ("toner-cartridge") and those of RFC 3805 ("tonerCartridge").
+// Accepts the print server's words ("toner-cartridge") and those of RFC 3805 ("tonerCartridge").
 std::int32_t kindOf(std::string_view type) {
     return type.starts_with("waste")   ? SDM_SUPPLY_WASTE
            : type.starts_with("toner") ? SDM_SUPPLY_TONER
@@ -95,7 +96,7 @@ std::vector<Toner> markers(const PrinterFacts& facts) {
     return toners;
 }
 
-// The colours that printers name; their supplies have no other.
+// The colours that printers name. A supply of any other colour has no colour value.
 WideText colorOf(std::string_view colorant) {
     struct Named {
         std::string_view name;
@@ -123,7 +124,7 @@ Toner tonerOf(const SupplyText& supply, std::string_view description) {
                       ? (level >= 0 ? unknown : mibNumber(level))
                       : static_cast<std::int32_t>(std::min<std::int64_t>(
                             std::int64_t{level} * 100 / (capacity > 0 ? capacity : 100), 100));
-    // Of what fills up, a printer tells the room that is left.
+    // For a receptacle that fills up, a printer gives the remaining room.
     if (toner.level >= 0 && supply.Text("class") == "receptacleThatIsFilled") {
         toner.level = 100 - toner.level;
         toner.kind = SDM_SUPPLY_WASTE;
@@ -177,7 +178,7 @@ std::vector<Tray> trays(const PrinterFacts& facts, const QueueChoices& choices) 
         Tray& tray = found.emplace_back();
         nameTray(supply.Text("name"), choices, tray);
         tray.level = mibNumber(supply.Number("level"));
-        // What a printer can tell only as "no restriction" is no number of sheets that are in it.
+        // "No restriction" says nothing about the sheets in the tray.
         tray.level = tray.level == unlimited ? unknown : tray.level;
         tray.capacity = mibNumber(supply.Number("maxcapacity"));
         if (found.size() == mostEntries) {
@@ -242,7 +243,7 @@ void addTrays(std::vector<Tray> found, std::vector<ControllerRecord>& records) {
     addRecord("TrayInfo", TrayInfoToBuffer(&array), records);
 }
 
-// Value, ":", key; a value ends at the first ":".
+// Each line is the value, ":" and the key. The value must hold no ":", because it ends at the first one.
 void addServerInfo(const PrinterFacts& device, const PrinterFacts& queue,
                    std::vector<ControllerRecord>& records) {
     CBuffer buffer;

@@ -6,15 +6,15 @@
 
 #include <vector>
 
-// The records "TonerInfo", "TrayInfo" and "ServerInfo" from what a queue and its printer tell. All of it is
-// outside data: lists are cut at 1,000 entries and texts at 255 characters, and what could end a field or a
-// line of a record becomes a blank.
+// Makes the records "TonerInfo", "TrayInfo" and "ServerInfo" from the facts of a queue and its printer. The
+// facts are outside data: lists end after 1,000 entries and texts after 255 characters. A character that
+// could end a field or a line of a record becomes a blank.
 
 namespace torka::filter {
 
-// `device` is what the printer itself told, `queue` what the print server keeps; each family of attributes is
-// taken from the first that has it. A record that nothing is known for is left out; trays alone are named by
-// the description, with media and levels unknown, when toner is known.
+// `device` holds the printer's own facts, `queue` those of the print server. Each family of attributes comes
+// from the first that has it. A record without any facts is omitted. When toner is known and trays are not,
+// the trays of the description are listed, with unknown media and levels.
 std::vector<ControllerRecord> liveRecords(const PrinterFacts& device, const PrinterFacts& queue,
                                           const QueueChoices& choices);
 

@@ -18,7 +18,7 @@ namespace {
 constexpr std::chrono::milliseconds lookUpLimit(2000);
 constexpr std::chrono::milliseconds deviceLimit(2000);
 
-// Of devices whose URI has no network host in the place of one.
+// Schemes of devices whose URI has something other than a network host in the host's place.
 constexpr std::array<std::string_view, 10> schemesWithoutHost = {
     "dnssd", "mdns", "implicitclass", "usb", "parallel", "serial", "bluetooth", "hp", "pap", "file"};
 
@@ -46,7 +46,7 @@ ControllerAnswer LiveSource::Ask(std::string_view address, const std::vector<Req
     const std::optional<PrinterFacts> device = ask.device();
     const PrinterFacts queue = ask.queue().value_or(PrinterFacts());
     if (!device && !answer.isReached && queue.markerNames.empty()) {
-        return answer; // nothing vouches for anybody being there
+        return answer; // no sign that a printer exists there
     }
     answer.isReached = true;
     for (ControllerRecord& record :
@@ -64,7 +64,7 @@ std::string LiveSource::FoundAddress() {
 }
 
 LiveSource::Asking liveAsking(const std::string& queueName, const std::string& deviceUri) {
-    // A filter has nobody to ask for a password.
+    // A filter cannot ask anybody for a password.
     cupsSetPasswordCB2(
         [](const char*, http_t*, const char*, const char*, void*) -> const char* { return nullptr; },
         nullptr);

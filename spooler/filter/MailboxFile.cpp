@@ -17,12 +17,12 @@ namespace torka::filter {
 namespace {
 
 constexpr std::string_view ownerSuffix = ".owner";
-constexpr std::size_t mostName = 200; // bytes, so that the owner's file has a name, too
+constexpr std::size_t mostName = 200; // bytes; leaves room for the suffix of the owner's file
 constexpr std::size_t mostOwner = 1024;
 
 std::string message(int error) { return std::generic_category().message(error); }
 
-// "" or why this user may not have the mailbox.
+// Returns "" or why this user may not have the mailbox.
 std::string ownerProblem(const Sender& sender, const std::string& name) {
     if (!PrivateFolder::Exists(name)) {
         return {};
@@ -80,7 +80,7 @@ MailboxFile::~MailboxFile() {
 }
 
 std::string MailboxFile::Commit() {
-    // Room that is missing may be told only now.
+    // fsync may be the first call that reports a full disk.
     if (::fsync(file.Descriptor()) != 0) {
         return "The mailbox " + name + " cannot be written: " + message(errno) + ".";
     }

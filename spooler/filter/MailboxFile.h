@@ -9,17 +9,17 @@
 
 namespace torka::filter {
 
-// The file that a job is printed into when its destination is a mailbox: in the filter's folder, mode 0600,
-// there whole or not at all. Its user alone may have it written anew.
+// The file that receives a job whose destination is a mailbox. It lies in the filter's folder with mode 0600
+// and appears whole or not at all. Only its user may replace it.
 //
-// A name counts when a command of the job's user named it before and the job's own ticket names it, too.
+// A name is valid when a command of the job's user named it before and the job's own ticket names it too.
 class MailboxFile {
 public:
-    // Whether a mailbox may be called so: a file name that nothing else in the folder goes by.
+    // Tells whether a mailbox may have this name: a file name that no other file of the folder can have.
     static bool IsName(std::string_view name);
 
-    // Makes the file under a temporary name; none, with a line that says why, when it may not or cannot be.
-    // `path` is what the ticket says: its last component is the name.
+    // Creates the file under a temporary name. Returns nothing, with the reason in `problem`, when this is
+    // forbidden or fails. `path` comes from the ticket; its last component is the name.
     static std::optional<MailboxFile> Create(const Sender& sender, std::string_view path,
                                              std::string& problem);
     MailboxFile(MailboxFile&&) = default;
@@ -30,7 +30,7 @@ public:
     ~MailboxFile();
 
     int Descriptor() const { return file.Descriptor(); }
-    // Gives the file its name. "" or what failed.
+    // Gives the file its name. Returns "" or what failed.
     std::string Commit();
 
 private:
@@ -39,7 +39,7 @@ private:
 
     std::string name;
     std::string owner;
-    std::string temporary; // "" once it has its name
+    std::string temporary; // "" once the file has its name
     OpenFile file;
 };
 

@@ -58,7 +58,7 @@ int splice(int source, const Ticket& ticket, int target) {
     return 0;
 }
 
-// Nothing goes to the device.
+// Sends nothing to the device.
 int spliceIntoMailbox(const Sender& sender, int source, const Ticket& ticket, std::string_view path) {
     std::string problem;
     std::optional<MailboxFile> mailbox = MailboxFile::Create(sender, path, problem);

@@ -4,9 +4,9 @@
 
 namespace torka::filter {
 
-// Prints a job's document from `source` to `target`: unchanged when the job names no ticket, spliced when it
-// does. A ticket that is missing, somebody else's or broken fails the job with nothing printed. The answer is
-// the filter's exit status; the reason of a failure was told to the server.
+// Prints a job's document from `source` to `target`. Splices the document when the job names a ticket, else
+// copies it unchanged. Fails the job with nothing printed when the ticket is missing, broken or somebody
+// else's. Returns the filter's exit status. The server has then received the reason of a failure.
 int printJob(const FilterJob& job, int source, int target);
 
 } // namespace torka::filter

@@ -19,7 +19,7 @@ std::filesystem::path place() { return platform::system().Resolve(cachesFolder);
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
-// A folder that others may write in could be filled by them.
+// Rejects a folder that others can write: they could fill it.
 bool isTrustworthy(const struct stat& facts) {
     return S_ISDIR(facts.st_mode) && (facts.st_uid == ::geteuid() || facts.st_uid == 0) &&
            (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0;
@@ -82,7 +82,7 @@ std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode) {
             return lastError();
         }
     }
-    ::chmod(folder.c_str(), mode); // whatever the umask took away
+    ::chmod(folder.c_str(), mode); // restores the bits that the umask removed
     return {};
 }
 
@@ -129,7 +129,7 @@ OpenFile PrivateFolder::Create(std::string_view name, std::string_view content, 
         error = lastError();
     } else if (static_cast<std::size_t>(written) != content.size()) {
         error = std::make_error_code(std::errc::no_space_on_device);
-    } else if (::link(temporary.c_str(), (place() / name).c_str()) != 0) { // never over another
+    } else if (::link(temporary.c_str(), (place() / name).c_str()) != 0) { // never replaces another file
         error = lastError();
     }
     ::unlink(temporary.c_str());

@@ -7,12 +7,11 @@
 #include <system_error>
 #include <vector>
 
-// The folder in which the filter keeps tickets and notes of its own, and how a file in it is named and
-// opened.
+// The folder of the filter's tickets and notes. Controls how its files are named and opened.
 
 namespace torka::filter {
 
-// Makes a folder that is missing, with its parents, which everybody may pass.
+// Creates a missing folder and its parents. Everybody may pass the parents.
 std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode);
 
 // An open file; closed with its owner.
@@ -35,34 +34,34 @@ private:
     int descriptor;
 };
 
-// "/Library/Caches/ZAN/" below the system root. Only names without "/" are taken; links are not followed, and
-// nothing is opened that another user put there.
+// "/Library/Caches/ZAN/" below the system root. Accepts only names without "/", follows no links, and opens
+// nothing that another user put there.
 //
-// The folder may be passed by everybody, because the pane looks there for reports under names that it knows,
-// but only the filter may list it; its files have mode 0600 unless said otherwise.
+// Everybody may pass the folder, because the pane looks there for reports whose names it knows. Only the
+// filter may list it. Files have mode 0600 unless stated otherwise.
 class PrivateFolder {
 public:
-    // Makes the folder when it is missing. REQUIRES: platform::system() is chosen.
+    // Creates a missing folder. REQUIRES: platform::system() is chosen.
     static std::error_code Prepare();
 
-    // For reading: a regular file of this user. `error` tells why not.
+    // Opens a regular file of this user for reading. `error` gets the reason of a failure.
     static OpenFile Open(std::string_view name, std::error_code& error);
-    // The same for reading and appending.
+    // Does the same for reading and appending.
     static OpenFile OpenForChange(std::string_view name, std::error_code& error);
-    // A new file with this content, open for appending and locked (flock) before anybody else can open it.
-    // The error file_exists when there is something of that name.
+    // Creates a file with this content, open for appending and locked (flock) before anybody else can open
+    // it. The error is file_exists when the name is taken.
     static OpenFile Create(std::string_view name, std::string_view content, std::error_code& error);
-    // Waits for the lock of this name, which its file's owner lets go by closing it. Empty when there is
-    // none.
+    // Waits for the lock of this name; closing the returned file releases it. Returns an empty OpenFile on
+    // failure.
     static OpenFile Lock(std::string_view name);
     static std::error_code Read(std::string_view name, std::size_t limit, std::string& content);
-    // Whole or not at all.
+    // Writes the file whole or not at all.
     static std::error_code Write(std::string_view name, std::string_view content, unsigned mode = 0600);
     static bool Exists(std::string_view name);
     static bool Remove(std::string_view name);
-    // Of a file's last change, seconds since 1970; 0 when there is no such file.
+    // Returns the time of a file's last change in seconds since 1970; 0 when there is no such file.
     static std::int64_t Changed(std::string_view name);
-    // The regular files, in no order.
+    // Lists the regular files, in no order.
     struct Entry {
         std::string name;
         std::size_t bytes = 0;

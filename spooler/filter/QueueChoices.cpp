@@ -5,7 +5,7 @@
 #include <cups/ppd.h>
 #include <memory>
 
-// The library marks its PPD calls as deprecated; a queue with a description has no others.
+// The library marks its PPD calls as deprecated and has no other calls for a description.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka::filter {

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-// The choices of a queue's description that trays and their media are told by.
+// The choices of a queue's description that name trays and their media.
 
 namespace torka::filter {
 
@@ -20,15 +20,15 @@ struct QueueSize {
 };
 
 struct QueueChoices {
-    std::vector<QueueChoice> inputSlots; // without those that leave the tray to the printer
+    std::vector<QueueChoice> inputSlots; // without those that let the printer choose the tray
     std::vector<QueueChoice> mediaTypes;
     std::vector<QueueSize> pageSizes;
 
-    // From the PPD at a path; empty when it cannot be opened.
+    // Reads the PPD at a path. Returns empty lists when it cannot be opened.
     static QueueChoices Read(const std::string& ppdPath);
 
-    // Null when there is none. Names are compared by their letters and digits alone, without case: "tray-1"
-    // is "Tray 1". A size may differ by two points.
+    // Return null when there is none. Names are compared by their letters and digits alone, without case:
+    // "tray-1" equals "Tray 1". A size may differ by two points.
     const QueueChoice* InputSlot(std::string_view name) const;
     const QueueChoice* MediaType(std::string_view name) const;
     const QueueChoice* PageSize(double width, double height) const;

@@ -11,7 +11,7 @@
 #include <set>
 #include <string_view>
 
-// The library marks its PPD calls as deprecated; there are no others for a PPD's attributes.
+// The library marks its PPD calls as deprecated and has no other calls for a PPD's attributes.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka::filter {
@@ -55,13 +55,13 @@ Sizes heldChunks(ppd_file_t* ppd) {
     return sizes;
 }
 
-// What the PPD holds once the records are there, and the chunks that are then to be emptied.
+// The content of the PPD after the records are set, and the chunks to empty then.
 struct Plan {
     Sizes sizes;
     std::vector<std::string> leftBehind;
 };
 
-// False when a record is refused.
+// Returns false when a record is refused.
 bool plan(const Sizes& held, const std::vector<NamedPayload>& records, Plan& result) {
     result.sizes = held;
     for (const auto& [name, payload] : records) {
@@ -89,7 +89,7 @@ bool plan(const Sizes& held, const std::vector<NamedPayload>& records, Plan& res
 } // namespace
 
 std::string putRecords(const std::string& queue, std::vector<NamedPayload> records) {
-    // The server names the queue's PPD in the filter's environment.
+    // The server gives the path of the queue's PPD in the filter's environment.
     const char* path = std::getenv("PPD");
     const std::unique_ptr<ppd_file_t, ClosePPD> ppd(path == nullptr ? nullptr : ppdOpenFile(path));
     if (ppd) {

@@ -22,8 +22,8 @@ void tell(std::string_view kind, std::string_view text) {
 
 } // namespace
 
-// The server writes "Filter failed" over a message of the level "ERROR" or not, as it happens; a graver one
-// stays.
+// The server may replace a message of the level "ERROR" with "Filter failed" (see waitUntilRead). It keeps a
+// message of a more severe level.
 void tellError(std::string_view text) { tell("ERROR: ", text); }
 void tellDebug(std::string_view text) { tell("DEBUG: ", text); }
 
@@ -48,7 +48,8 @@ bool recordMessages(const std::vector<NamedPayload>& records, std::vector<std::s
     });
     bool isAllTaken = true;
     for (const auto& [name, payload] : records) {
-        // A record begins with its chunk 0: an empty one there makes it absent until the others are sent.
+        // A record begins with its chunk 0. An empty chunk 0 makes the record absent until the others are
+        // sent.
         std::string first;
         bool isFirst = true;
         isAllTaken = encodeRecord(name, payload.data(), payload.size(),

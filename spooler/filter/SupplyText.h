@@ -3,11 +3,11 @@
 #include <string_view>
 
 // One value of an IPP printer's "printer-supply" or "printer-input-tray" (PWG 5100.13): pairs "key=value;" in
-// any order. Outside data: what is no pair is passed over, the first pair of a key counts.
+// any order. This is outside data: anything but a pair is skipped, and the first pair of a key counts.
 
 namespace torka::filter {
 
-// What these numbers are when the printer does not tell (RFC 3805).
+// The value of a number that the printer does not give (RFC 3805).
 inline constexpr int supplyUnknown = -2;
 
 class SupplyText {
@@ -16,9 +16,9 @@ public:
     explicit SupplyText(std::string_view value)
         : text(value.substr(0, longest)) {}
 
-    // "" for a key that is not there. Letter case of keys counts.
+    // Returns "" for a missing key. Keys are case-sensitive.
     std::string_view Text(std::string_view key) const;
-    // A decimal number that fits, else supplyUnknown.
+    // Returns a decimal number that fits, else supplyUnknown.
     int Number(std::string_view key) const;
 
 private:

@@ -14,7 +14,7 @@ namespace torka::filter {
 
 namespace {
 
-// The print server gives names of 255 bytes at most; each byte may take three.
+// The print server gives names of 255 bytes at most; an escaped byte takes three.
 constexpr std::size_t mostRecord = std::size_t{64} * 1024;
 constexpr std::string_view usedWord = "used";
 constexpr std::string_view contestedWord = "contested";
@@ -37,7 +37,7 @@ std::string contestedLine() {
     return line += '\n';
 }
 
-// The next line that has its end, without it.
+// Removes the next complete line from the text and returns it without its end.
 std::optional<std::string_view> takeLine(std::string_view& text) {
     const std::size_t end = text.find('\n');
     if (end == std::string_view::npos) {
@@ -121,7 +121,7 @@ std::optional<TicketOwner> TicketOwner::Open(std::string_view ticket, std::error
         error = lastError();
         return std::nullopt;
     }
-    // Whoever had the lock may have removed the file.
+    // The previous holder of the lock may have removed the file.
     if (facts.st_nlink == 0) {
         error = std::make_error_code(std::errc::no_such_file_or_directory);
         return std::nullopt;
@@ -158,7 +158,7 @@ std::error_code TicketOwner::MarkContested() {
     return error;
 }
 
-// Behind the last whole line: what a killed filter or a full disk left of another goes.
+// Writes behind the last whole line. Cuts off a partial line that a killed filter or a full disk left.
 std::error_code TicketOwner::Append(std::string_view line) {
     if (::ftruncate(file.Descriptor(), static_cast<off_t>(length)) != 0) {
         return lastError();

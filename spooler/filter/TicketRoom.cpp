@@ -62,14 +62,14 @@ std::string ticketRoomProblem(const Sender& sender, std::size_t bytes) {
             add(all, size->second);
             continue;
         }
-        // Being written by another filter.
+        // Another filter is writing this ticket.
         const std::optional<TicketRecord> record = recordOf(name);
         add(all, record ? record->bytes : 0);
     }
     if (!fits(all, mostOfAll)) {
         return problemText("for everybody", mostOfAll);
     }
-    // Most of the time nobody's tickets need to be told apart.
+    // Saves reading all records in the usual case: all tickets together are within one sender's maximum.
     if (fits(all, mostOfSender)) {
         return {};
     }

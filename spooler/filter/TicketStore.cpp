@@ -14,12 +14,13 @@ namespace {
 
 constexpr std::string_view ticketPrefix = "Torka.temp";
 constexpr std::size_t uuidLength = 36;
-constexpr std::string_view lockFile = "TorkaTickets.lock";    // for the room that all tickets share
+constexpr std::string_view lockFile = "TorkaTickets.lock";    // for the limits of all tickets together
 constexpr std::string_view sweptFile = "TorkaSwept";          // its time is that of the last sweep
 constexpr std::int64_t sweepInterval = std::int64_t{10} * 60; // seconds
-// What nobody fetches any more: reports of failed connections, and files that a killed filter was writing.
+// For files that nobody fetches any more: reports of failed connections, and files that a killed filter was
+// writing.
 constexpr std::int64_t leftoverLifetime = std::int64_t{24} * 3600;
-// A ticket without a record, or a record without a ticket: its filter was killed.
+// For a ticket without a record, or a record without a ticket: its filter was killed.
 constexpr std::int64_t halfLifetime = 3600;
 
 bool isLeftover(std::string_view name) {
@@ -28,19 +29,20 @@ bool isLeftover(std::string_view name) {
 
 std::string existsAlready(const std::string& name) { return name + ": there is such a ticket already"; }
 
-// Removes the ticket first: were the filter killed between, a record without a ticket is nobody's.
+// Removes the ticket first. If the filter is killed in between, the record that is left gives nobody a
+// ticket.
 bool removePair(const std::string& name) {
     const bool isRemoved = PrivateFolder::Remove(name);
     PrivateFolder::Remove(name + std::string(ticketOwnerSuffix));
     return isRemoved;
 }
 
-// What a text means for a ticket that has a record: "" when it is the same command again, which was
-// restarted. `isGone` says that the record was of a ticket that never got its text, and is removed.
+// Handles a text for a ticket that already has a record. Returns "" when the same command was restarted. Sets
+// `isGone` when the record belonged to a ticket that never got its text; the record is then removed.
 std::string meetExisting(const Sender& sender, const JobIdentity& command, const std::string& name,
                          bool& isGone) {
     std::error_code error;
-    std::optional<TicketOwner> owner = TicketOwner::Open(name, error); // waits for one that is being written
+    std::optional<TicketOwner> owner = TicketOwner::Open(name, error); // waits while another filter writes it
     if (!owner) {
         isGone = error == std::errc::no_such_file_or_directory;
         return existsAlready(name);
@@ -55,16 +57,16 @@ std::string meetExisting(const Sender& sender, const JobIdentity& command, const
     if (owner->Record().command == command && PrivateFolder::Open(name, error)) {
         return {};
     }
-    // Two commands bring a text for one name: nobody knows which is the right one. A job that has begun with
-    // the first keeps it.
+    // Two commands sent a text for one name, and either may be right. A job that has begun with the first
+    // text keeps it.
     if (!owner->Record().usedBy) {
         owner->MarkContested();
     }
     return existsAlready(name);
 }
 
-// The owner record of a new ticket, for which there is room. Nothing, without a problem, when there is a
-// record already.
+// Creates the owner record of a new ticket when there is room. Returns nothing, without a problem, when a
+// record exists already.
 std::optional<TicketOwner> reserve(const Sender& sender, const std::string& name, const TicketRecord& record,
                                    std::string& problem) {
     const OpenFile lock = PrivateFolder::Lock(lockFile);
@@ -96,7 +98,7 @@ std::string writeTicket(const std::string& name, std::string_view content) {
 
 std::string storeAs(const Sender& sender, const JobIdentity& command, const std::string& name,
                     std::string_view content) {
-    constexpr int tries = 3; // each meets a record that another filter removed meanwhile
+    constexpr int tries = 3; // each finds a record that another filter removes meanwhile
     const TicketRecord record{sender.user, sender.host, command, content.size(), std::nullopt, false};
     for (int i = 0; i < tries; ++i) {
         std::string problem;
@@ -120,7 +122,7 @@ std::string missingText(const std::string& name) {
            "): they did not arrive, or were kept for their time. Print it again from its application.";
 }
 
-// "" or why this job may not have the ticket.
+// Returns "" or why this job may not have the ticket.
 std::string refusal(const TicketRecord& record, const Sender& sender, const JobIdentity& job,
                     const std::string& name) {
     if (record.user != sender.user) {
@@ -138,7 +140,7 @@ std::string refusal(const TicketRecord& record, const Sender& sender, const JobI
 }
 
 struct Halves {
-    std::int64_t ticket = 0; // time of the last change; 0: it is not there
+    std::int64_t ticket = 0; // time of the last change; 0 when missing
     std::int64_t owner = 0;
 };
 
@@ -151,7 +153,7 @@ void sweepTicket(const std::string& name, const Halves& halves, std::int64_t now
     if (!isOver(changed, isWhole ? TicketStore::usedLifetime.count() : halfLifetime)) {
         return;
     }
-    // Behind its lock, and with what it says then.
+    // Waits for the lock and checks the record again.
     std::error_code error;
     const std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
     if (!owner && error != std::errc::no_such_file_or_directory && error != std::errc::bad_message) {
@@ -201,7 +203,7 @@ std::string TicketStore::Announce(const Sender& sender, std::string_view named, 
     if (lastComponent(named) != name) {
         return "the command's option and its text name two tickets";
     }
-    // The text names its ticket itself: nothing has to be kept.
+    // The text names its ticket itself, so no name is kept.
     std::error_code error;
     const std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
     return owner && owner->Record().user != sender.user ? existsAlready(name) : "";
@@ -225,7 +227,7 @@ std::string TicketStore::Store(const Sender& sender, const JobIdentity& command,
     }
     std::string problem = storeAs(sender, command, *name, content);
     if (!problem.empty() && !PrivateFolder::Exists(*name)) {
-        FilterNotes::Add(sender, NoteKind::ticketName, *name); // for the command, when it is restarted
+        FilterNotes::Add(sender, NoteKind::ticketName, *name); // for a restart of the command
     }
     return problem;
 }

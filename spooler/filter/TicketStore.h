@@ -8,42 +8,42 @@
 #include <string>
 #include <string_view>
 
-// The tickets that were sent ahead of their jobs.
+// Stores the tickets that are sent ahead of their jobs.
 //
-// A ticket lies under its name in the private folder, its owner record in a file beside it, written first: a
-// ticket without an owner record is none. The first print job that uses a ticket is written into the record;
-// no other job may use it from then on.
+// A ticket lies under its name in the private folder, with an owner record in a file beside it. The owner
+// record is written first; a file without an owner record is not a ticket. The record also names the first
+// print job that uses the ticket. No other job may use it from then on.
 
 namespace torka::filter {
 
-// "Torka.temp" and a UUID, nothing else.
+// Tells whether a name is "Torka.temp" and a UUID, and nothing else.
 bool isTicketName(std::string_view name);
-// The last component of a path.
+// Returns the last component of a path.
 std::string_view lastComponent(std::string_view path);
 
-// Functions that return a text answer "", or one line that says why nothing was done.
+// A function that returns a text returns "", or one line that says why nothing was done.
 class TicketStore {
 public:
-    // How long a ticket waits for its job, which may be held, and how long it is kept after its job's last
-    // start, for the job may be printed again.
+    // A ticket waits for its job, which may be held, for unusedLifetime. It stays for usedLifetime after its
+    // job's last start, because the job may be printed again.
     static constexpr std::chrono::seconds unusedLifetime = std::chrono::hours(30 * 24);
     static constexpr std::chrono::seconds usedLifetime = std::chrono::hours(7 * 24);
 
-    // The name of a ticket that is to come. `named` is the name that the command's own option tells, "" when
-    // it has none: then the name is kept for the sender's next text.
+    // Announces the name of a ticket that follows. `named` is the name in the command's own option, "" for
+    // none. Without it the name is kept for the sender's next text.
     static std::string Announce(const Sender& sender, std::string_view named, std::string_view path);
-    // The content of the ticket that the option names. Without an option it is the ticket whose name this
-    // sender announced, provided that there is exactly one: with two nobody knows whose text this is.
+    // Stores the content of the ticket that the option names. Without an option it is the ticket whose name
+    // this sender announced, if exactly one is waiting. With two names the text could belong to either.
     static std::string Store(const Sender& sender, const JobIdentity& command, std::string_view named,
                              std::string_view content);
-    // The ticket that a print job names. It belongs to this job from then on. When it was announced without
-    // an option and never came, it is no longer waited for.
+    // Opens the ticket that a print job names and assigns it to this job. Forgets the announced name of a
+    // ticket that never arrived.
     static OpenFile Open(const Sender& sender, const JobIdentity& job, std::string_view path,
                          std::string& problem);
     // Removes a ticket of this user with its owner record.
     static bool RemoveOwn(const Sender& sender, std::string_view name);
-    // Removes tickets whose time is over, halves of tickets, and what other jobs left behind. SweepSometimes
-    // does so at most every ten minutes.
+    // Removes expired tickets, incomplete tickets, and leftovers of other jobs. SweepSometimes does so at
+    // most every ten minutes.
     static void Sweep();
     static void SweepSometimes();
 };

@@ -19,9 +19,9 @@ using std::filesystem::file_time_type;
 constexpr unsigned everybodyReads = 0644;
 constexpr unsigned everybodyPasses = 0755;
 constexpr std::chrono::hours oldestAnswer(1);
-constexpr std::size_t mostAnswers = 100; // of a queue
+constexpr std::size_t mostAnswers = 100; // per queue
 constexpr std::chrono::minutes oldestPart(10);
-constexpr std::string_view partPrefix = ".torka-"; // of platform::System::WriteFile
+constexpr std::string_view partPrefix = ".torka-"; // from platform::System::WriteFile
 
 struct Answer {
     file_time_type written;

@@ -9,7 +9,7 @@
 
 namespace torka::filter {
 
-// A cancelled job ends the filter after what it is writing, while this lives.
+// Defers the end of a cancelled filter while this object lives, so that it can finish what it is writing.
 class TerminationLater {
 public:
     TerminationLater();
@@ -21,15 +21,15 @@ private:
     sigset_t before{};
 };
 
-// The lock file of a queue, from its making to the end of this object. The job is not ended meanwhile.
+// Holds the lock file of a queue for the lifetime of this object. Defers the end of the job meanwhile.
 class QueueLock {
 public:
-    // Takes the place of a lock that a killed filter left.
+    // Replaces a lock that a killed filter left.
     explicit QueueLock(std::string queueName);
     QueueLock(const QueueLock&) = delete;
     QueueLock& operator=(const QueueLock&) = delete;
     ~QueueLock() { Release(); }
-    // Why there is no lock.
+    // Returns why there is no lock.
     const std::error_code& Failure() const { return failure; }
     void Release();
 
@@ -39,15 +39,15 @@ private:
     std::error_code failure;
 };
 
-// Writes one of the queue's files, whole or not at all, for everybody to read.
+// Writes one of the queue's files, whole or not at all, readable for everybody.
 std::error_code writeTwoWayFile(std::string_view queue, std::string_view suffix, std::string_view content);
 
-// Removes one of this queue's two-way files, the data file of a single request included; false for any other
-// name.
+// Removes one of this queue's two-way files, including the data file of a single request. Returns false for
+// any other name.
 bool removeTwoWayFile(std::string_view queue, std::string_view name);
 
 // Removes data files of single requests that are older than an hour, all but the newest 100 of a queue, and
-// parts of files that killed filters left.
+// partial files that killed filters left.
 void sweepTwoWayFolder();
 
 } // namespace torka::filter

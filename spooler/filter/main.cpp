@@ -22,8 +22,8 @@
 #include <unistd.h>
 #include <vector>
 
-// The queue's filter, called by the print server for each job: documents of the type
-// application/vnd.cups-postscript, and command jobs. docs/spooler-filter.md describes it.
+// The queue's filter. The print server calls it for each document of the type application/vnd.cups-postscript
+// and for each command job. docs/spooler-filter.md describes it.
 
 namespace {
 
@@ -35,7 +35,7 @@ int runCommandJob(const FilterJob& job, int source) {
     std::vector<char, platform::WipingAllocator<char>> text; // it may hold a password
     std::array<char, 65536> block{};
     const platform::WipeGuard guard(block);
-    // A byte beyond the limit is enough to refuse it.
+    // One byte beyond the limit is enough to refuse the text.
     while (text.size() <= limit) {
         const ssize_t count = ::read(source, block.data(), block.size());
         if (count == 0) {
@@ -54,7 +54,7 @@ int runCommandJob(const FilterJob& job, int source) {
     return filter::runCommand(job, {text.data(), text.size()}, controllers);
 }
 
-// A request asks the queue's printer; every other job has no business with a network.
+// Only a request needs a network: it asks the queue's printer.
 filter::Network networkOf(const FilterJob& job) {
     const std::optional<SpoolerCommand> command =
         job.IsCommand() ? commandFromTitle(job.title) : std::nullopt;
