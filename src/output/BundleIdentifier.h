@@ -2,13 +2,13 @@
 
 #include <string_view>
 
-// The names by which the pane, the command line and the queue's filter find a job's ticket.
+// Names under which the pane, the command line and the queue's filter find a job's ticket.
 
 namespace torka {
 
 inline constexpr std::string_view bundleIdentifier =
     "org.torka.print.pde.5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85.PInf";
-// The print setting, and the job option, that holds the path of the job's ticket.
+// The print setting, and job option, that holds the path of the job's ticket.
 inline constexpr std::string_view ticketPathSetting =
     "ZAN.PSData.org.torka.print.pde.5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85.PInf";
 

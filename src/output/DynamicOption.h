@@ -10,16 +10,16 @@ namespace torka {
 // again from the start gives.
 std::string withByteOrderMarks(std::string_view text);
 
-// When the text contains `pattern`, "(" or ")", only the first occurrence becomes its octal escape "\050" or
-// "\051"; later ones are left as they are.
+// Replaces the first occurrence of `pattern`, "(" or ")", by its octal escape "\050" or "\051". Leaves later
+// occurrences unchanged.
 std::string replaceWithBackslashIfNeeded(std::string_view pattern, std::string text);
 
-// The text as the body of a PostScript string. A text whose parentheses balance and whose backslashes escape
-// something comes back unchanged; in any other every parenthesis that breaks the balance and a last lone
-// backslash is escaped, so that the string ends where it is meant to end.
+// Returns the text as the body of a PostScript string. A text stays unchanged when its parentheses balance
+// and every backslash escapes something. In any other text, escapes each unbalanced parenthesis and a lone
+// backslash at the end, so that the string ends at its own closing parenthesis.
 std::string asStringBody(std::string_view text);
 
-// CR and LF made blanks.
+// Replaces CR and LF by blanks.
 std::string withoutLineBreaks(std::string_view text);
 
 } // namespace torka

@@ -11,7 +11,7 @@ namespace torka {
 class ZANPPD;
 class ZANWatermark;
 
-// One setting that has no control of its own: a keyword and its value, as wide text.
+// One setting without a control of its own: a keyword and its value, as wide text.
 struct WideSetting {
     std::wstring key; // with or without its leading asterisk
     std::wstring value;
@@ -19,8 +19,8 @@ struct WideSetting {
     bool operator==(const WideSetting&) const = default;
 };
 
-// What the emission reads of a print dialog's pane. The pane's data object supplies it; nothing here is owned
-// by the reader, and nothing may change while an emission runs.
+// What the emission reads from a print dialog's pane. The pane's data object implements it. The reader owns
+// nothing. Nothing may change while an emission runs.
 class EmissionSource {
 public:
     EmissionSource() = default;
@@ -31,7 +31,7 @@ public:
     virtual ZANPPD* Description() const = 0;
     virtual PMPrintSettings Settings() const = 0;
     virtual std::uint16_t PageOrientation() const = 0; // kPMPortrait to kPMReverseLandscape
-    // The page size came from the system's page setup: "*PageSize" itself is not emitted.
+    // True when the page size comes from the system's page setup: "*PageSize" itself is then not emitted.
     virtual bool IsPageSizeSuppressed() const = 0;
     virtual bool IsTwoWayEnabled() const = 0;
 
@@ -40,7 +40,7 @@ public:
     virtual std::span<const WideSetting> PadCovers() const = 0;
     virtual std::span<const WideSetting> SlipSheets() const = 0;
     virtual std::span<const WideSetting> CoverPages() const = 0;
-    // The four paper-catalogue pairs; a value of "-1" is unset.
+    // The four pairs of the paper catalogue; a value of "-1" is unset.
     virtual std::span<const WideSetting> PaperCatalogue() const = 0;
     // Null when none is selected.
     virtual ZANWatermark* SelectedWatermark() const = 0;

@@ -73,7 +73,7 @@ bool containsColourKeyword(std::string_view keyword) {
     return false;
 }
 
-// The first control with this keyword that is not a job note.
+// Finds the first control with this keyword that is not a job note.
 PPDXControl* findSetting(const PPDXControls& controls, const char* keyword) {
     if (PPDXControl* popup = controls.FindPopup(keyword, true)) {
         return popup;
@@ -87,7 +87,7 @@ PPDXControl* findSetting(const PPDXControls& controls, const char* keyword) {
     return controls.FindFloatRangeControl(keyword, true);
 }
 
-// A number with two decimals, in the C locale.
+// Formats a number with two decimals, in the C locale.
 std::string twoDecimals(double value) {
     std::array<char, 400> text{};
     const auto end =
@@ -154,14 +154,14 @@ void FeatureEmission::SuppressApplePostscript() {
     }
 }
 
-// Added whatever it is, but for a note marked for protection: that leaves only enciphered, with the notes.
+// Adds every control, except notes that leave only enciphered: the notes' step adds those.
 void FeatureEmission::AddFirstControl(PPDXControl* control) {
     if (!leavesEncipheredOnly(*source.Description(), control)) {
         ticket.Add(siteDocumentSetup, control);
     }
 }
 
-// An old layout application turns pages itself when they are not upright.
+// For an old layout application that turns non-upright pages itself.
 void FeatureEmission::AddNUpForHost() {
     const platform::HostApplication host = platform::system().Host();
     if (host.bundleIdentifier.find("InDesign") == std::string::npos) {
@@ -215,9 +215,9 @@ void FeatureEmission::AddSideLists() {
             const std::wstring_view bareKey =
                 std::wstring_view(setting.key).substr(setting.key.starts_with(L'*') ? 1 : 0);
             if (bareKey.empty()) {
-                continue; // a slot in use that was never filled
+                continue; // a slot in use without content
             }
-            // Counted in characters of the whole fragment, as wide text.
+            // The limit counts the characters of the whole fragment, as wide text.
             static const std::size_t frame = std::strlen("%%BeginFeature: * \n%%EndFeature\n");
             if (bareKey.size() + setting.value.size() + frame > sideListTextSize) {
                 myNSLogC("The setting %s is too long for the job and is left out.", key.c_str());

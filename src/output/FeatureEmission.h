@@ -14,22 +14,22 @@ namespace torka {
 class PPDXControls;
 
 // Why the ticket is filled. Effects outside the ticket (a workflow job, the command that names the file
-// destination) belong to a job that is printed, not to a dialog that closes and only keeps its settings.
+// destination) happen only for a job that is printed. A dialog that closes and keeps its settings has none.
 enum class EmissionPurpose { printJob, keepSettings };
 
 // Turns the state of every control and of the side lists into PostScript fragments and adds them to a job
-// ticket, in one fixed order. Reads its source and the description, owns neither; lives for one emission.
+// ticket, in one fixed order. Reads the source and the description, owns neither. Lives for one emission.
 //
-// A fragment that does not fit its limit (1,024 bytes; 5,120 for a watermark) is left out, with a line in the
-// log. Line breaks in values become blanks, so that no value can leave its line.
+// Omits a fragment that exceeds its maximum (1,024 bytes; 5,120 for a watermark) and writes a line to the
+// log. Replaces line breaks in values by blanks, so that no value can leave its line.
 class FeatureEmission {
 public:
     FeatureEmission(const EmissionSource& emissionSource, ZANJobTicket& jobTicket,
                     PMPrintSession printSession, EmissionPurpose emissionPurpose);
 
-    // Always 0.
+    // Always returns 0.
     OSStatus OutPostscriptData();
-    // The fields that the job lacks because they could not be enciphered; for the person who prints.
+    // The fields that the job lacks because they could not be enciphered. The caller shows them to the user.
     const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
 
 private:
@@ -53,7 +53,7 @@ private:
     void AddEndMarkers();
     void AddFeature(std::string_view keyword, std::string_view value);
     void AddDynamicOption(std::string_view keyword, std::string_view text, bool escapesParentheses);
-    // False when the fragment is too long and left out.
+    // Returns false when the fragment is too long and omitted.
     bool AddFragment(const std::string& fragment);
 
     const EmissionSource& source;

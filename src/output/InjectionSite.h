@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <string_view>
 
-// The numbers that the job ticket's writer and the spooler-side filter agree on, and what each stands for.
+// The site numbers that the job ticket's writer and the spooler-side filter share, and their meaning.
 
 namespace torka {
 
-// Where the spooler-side filter puts an entry of the ticket. docs/ticket.md says what each place means.
+// Says where the spooler-side filter puts an entry of the ticket. docs/ticket.md describes each site.
 using PostScriptInjectionSite = std::int32_t;
 
 inline constexpr PostScriptInjectionSite siteSuppressedKeyword = -9;
@@ -22,11 +22,11 @@ inline constexpr PostScriptInjectionSite siteLayoutComment = 504;
 inline constexpr PostScriptInjectionSite siteFileDestination = 900;
 
 enum class SitePlace : std::uint8_t {
-    removal,        // in no place: names a keyword whose feature code goes
-    headerComments, // at their end
-    setup,          // where the document setup begins
-    setupEnd,       // where it ends
-    report          // in no place: told to the filter
+    removal,        // not placed: names a keyword whose feature code is removed
+    headerComments, // at the end of the header comments
+    setup,          // at the beginning of the document setup
+    setupEnd,       // at its end
+    report          // not placed: passed to the filter
 };
 
 struct InjectionSite {
@@ -35,8 +35,8 @@ struct InjectionSite {
     SitePlace place;
 };
 
-// Every site. Those of one place are written in the order of their rows. The reader and the placer of tickets
-// and the tool go by this table; a test compares docs/ticket.md with it.
+// Every site. Sites of one place are written in the order of their rows. The reader and the placer of tickets
+// and the command line use this table; a test compares docs/ticket.md with it.
 inline constexpr std::array<InjectionSite, 8> injectionSites = {{
     {siteSuppressedKeyword, "suppressed keyword", SitePlace::removal},
     {siteLayoutComment, "layout comment", SitePlace::headerComments},
@@ -48,7 +48,7 @@ inline constexpr std::array<InjectionSite, 8> injectionSites = {{
     {siteFileDestination, "file destination", SitePlace::report},
 }};
 
-// Null for a number that is no site.
+// Returns null for an unknown number.
 constexpr const InjectionSite* findInjectionSite(PostScriptInjectionSite number) {
     const auto* const row = std::ranges::find(injectionSites, number, &InjectionSite::number);
     return row == injectionSites.end() ? nullptr : row;

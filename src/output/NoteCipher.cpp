@@ -18,7 +18,7 @@ static_assert(noteCipherBytes % desBlock == 0 && noteCipherBytes % aesBlock == 0
 
 using CipherText = std::array<std::uint8_t, noteCipherBytes>;
 
-// Fills `out` with as much of the cipher text as it takes; returns how much that is.
+// Fills `out` with as much cipher text as it can hold. Returns the number of bytes.
 std::size_t encipherDes(std::span<const std::uint8_t, FieldKeys::desKeyBytes> key, const char* text,
                         CipherText& out) {
     const std::size_t length = std::strlen(text);
@@ -66,7 +66,7 @@ std::optional<SecureBuffer> fromHex(std::string_view hex) {
     return hex.size() % 2 == 0 ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
-// Takes the filling off a deciphered text that was not cut: `count` bytes of `value` at its end.
+// Removes the padding from a deciphered text that was not cut: `count` bytes of `value` at its end.
 bool dropFilling(SecureBuffer& text, std::size_t count, std::uint8_t value) {
     if (count > text.size() || !std::all_of(text.end() - static_cast<std::ptrdiff_t>(count), text.end(),
                                             [value](std::uint8_t byte) { return byte == value; })) {
@@ -139,7 +139,7 @@ std::optional<std::string> decipherNote(const FieldKeys& keys, std::string_view 
             engine.des(cipher->data() + at, text.data() + at);
         }
     }
-    // A cipher text of the full size may have been cut, its filling with it.
+    // A cipher text of the full size may have been cut, and then has no padding.
     if (!(isAes ? dropAesFilling(text) : dropDesFilling(text)) && cipher->size() < noteCipherBytes) {
         error = "the cipher text was not made with this key and algorithm";
         return std::nullopt;

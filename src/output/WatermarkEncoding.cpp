@@ -33,14 +33,14 @@ void appendLatin(std::string& bytes, char32_t character) {
     bytes += character == U'\x20AC' ? euro : isLatin1 ? static_cast<char>(character) : '?';
 }
 
-// In an encoding that the platform knows.
+// Appends in an encoding that the platform knows.
 void appendEncoded(std::string& bytes, char32_t character, CFStringEncoding encoding) {
     const std::optional<std::string> code =
         character == replacement ? std::nullopt : encodeText(unitsOf(character), encoding);
     bytes += code.value_or("?");
 }
 
-// As Windows reads Shift-JIS: what Mac Japanese has in single bytes of its own is not there.
+// Encodes as Windows reads Shift-JIS: without the single-byte characters that only Mac Japanese has.
 std::string shiftJis(char32_t character) {
     if (character == U'\\') {
         return "\\";
@@ -51,8 +51,8 @@ std::string shiftJis(char32_t character) {
     return isOwnByte ? (character == U'\xA0' ? " " : "?") : code;
 }
 
-// The row and cell of JIS X 0208 in two bytes of 7 bits, from the folded rows of Shift-JIS. Empty for the
-// rows that the standard leaves free (9 to 15 and 85 on) and makers filled in Shift-JIS.
+// Converts a Shift-JIS code to the row and cell of JIS X 0208, as two bytes of 7 bits. Returns nothing for
+// the rows that the standard leaves free (9 to 15 and 85 on) and that vendors filled in Shift-JIS.
 std::optional<char32_t> jisCode(std::string_view code) {
     const unsigned lead = static_cast<unsigned char>(code[0]);
     const unsigned trail = static_cast<unsigned char>(code[1]);

@@ -7,8 +7,8 @@
 
 namespace torka {
 
-// UTF-8 text in the bytes that a watermark's font takes. A character that the encoding lacks becomes "?"
-// (full-width where the encoding has no other), and so does what is no UTF-8.
+// Converts UTF-8 text to the bytes that a watermark's font uses. A character that the encoding lacks, and
+// invalid UTF-8, becomes "?" (full-width where the encoding has no other).
 //
 //   latin          ISO Latin-1, and the Euro sign at 128
 //   latinExtended  UTF-8

@@ -8,12 +8,12 @@ namespace torka {
 
 class ZANWatermark;
 
-// What a watermark's definition says (docs/watermarks.md), to be edited and written back as a definition.
+// The fields of a watermark's definition (docs/watermarks.md), for editing and writing back.
 struct WatermarkFields {
     static constexpr std::size_t longestText = 120; // UTF-16 units; fits into a job in every encoding
 
     bool isClear = false;
-    std::int32_t xOffset = 0; // points from the page's middle
+    std::int32_t xOffset = 0; // points from the page's centre
     std::int32_t yOffset = 0;
     int red = 0; // 0 to 255
     int green = 0;
@@ -25,8 +25,8 @@ struct WatermarkFields {
     std::string text; // UTF-8
 
     static WatermarkFields Of(const ZANWatermark& watermark);
-    // Control characters of the text become blanks. Commas in the font's name, which would shift the fields,
-    // are left out.
+    // Returns the definition. Control characters of the text become blanks. Commas in the font's name would
+    // shift the fields and are removed.
     std::string Definition() const;
 };
 

@@ -10,26 +10,26 @@
 
 namespace torka {
 
-// The watermarks of one printer, which it owns, and which of them is chosen. The choice is a position and
-// stays when the list is rebuilt; a position without a watermark chooses none.
+// The watermarks of one printer and the selected one. Owns the watermarks. The selection is a position and
+// survives a rebuild of the list; a position without a watermark selects none.
 class WatermarkList {
 public:
     static constexpr int noSelection = -1;
 
     std::size_t Count() const { return watermarks.size(); }
-    // Null beyond the end.
+    // Returns null beyond the end.
     ZANWatermark* At(std::size_t index) const {
         return index < watermarks.size() ? watermarks[index].get() : nullptr;
     }
     void Append(std::unique_ptr<ZANWatermark> watermark) { watermarks.push_back(std::move(watermark)); }
     void Clear() { watermarks.clear(); }
-    // Leaves the list empty; the choice stays.
+    // Empties the list and keeps the selection.
     std::vector<std::unique_ptr<ZANWatermark>> TakeAll() { return std::exchange(watermarks, {}); }
 
     int SelectedIndex() const { return selectedIndex; }
-    // Any negative index chooses none.
+    // A negative index selects none.
     void Select(int index) { selectedIndex = index < 0 ? noSelection : index; }
-    // Chooses the first one with that definition, and none when there is none.
+    // Selects the first watermark with that definition, or none.
     void SelectDefinition(std::string_view definition, bool firstPageOnly) {
         selectedIndex = noSelection;
         for (std::size_t i = 0; !definition.empty() && i < watermarks.size(); ++i) {
@@ -40,7 +40,7 @@ public:
             }
         }
     }
-    // Null when none is chosen.
+    // Returns null when none is selected.
     ZANWatermark* Selected() const {
         return selectedIndex < 0 ? nullptr : At(static_cast<std::size_t>(selectedIndex));
     }

@@ -15,11 +15,11 @@ constexpr std::string_view opening = "%%ZAN Begin Watermark resource \n"
                                      " globaldict /landscapeDoc %s put \n"
                                      " globaldict /invLandscapeDoc %s put \n";
 
-// Every font set-up leaves /ZANWMFont, a font of any size, and /ZANWMText, which makes of the text the string
-// that this font shows. ZANWMTry runs a procedure and tells whether it went without error; whatever it left
-// on the operand and dictionary stacks is gone. It counts, since an array that was never closed leaves a mark
-// of its own, and it is not used within itself. Everything is made in local VM, which a procedure in global
-// VM could not hold; closing puts back what was chosen.
+// Every font set-up defines /ZANWMFont, a font of any size, and /ZANWMText, a procedure that converts the
+// text to the string that this font shows. ZANWMTry runs a procedure, pushes whether it ran without error,
+// and clears what the procedure left on the operand and dictionary stacks. It counts stack entries and uses
+// no mark, because an unclosed array leaves a mark of its own. It does not nest. All objects are in local VM,
+// which a procedure in global VM could not hold; `closing` restores the VM mode.
 constexpr std::string_view fontPrologue =
     "currentglobal false setglobal\n"
     "userdict /ZANWMTry {userdict /ZANWMDicts countdictstack put userdict /ZANWMCount count 3 sub put\n"
@@ -29,7 +29,7 @@ constexpr std::string_view fontPrologue =
     "ZANWMFailed dup {$error /newerror false put} if not} bind put\n"
     "userdict /ZANWMText {} put\n";
 
-// /Encoding is ISO Latin-1 with a hyphen, not a minus sign, at its code.
+// The /Encoding is ISO Latin-1 with a hyphen, not a minus sign, at the hyphen's code.
 constexpr std::string_view latinFont =
     "{/%s /Font resourcestatus {pop pop /%s} {/Helvetica} ifelse findfont\n"
     "dup /FontType get 0 eq {pop /Helvetica findfont} if\n"
@@ -40,7 +40,7 @@ constexpr std::string_view latinFont =
     "userdict /ZANWMFont /%s-ISOLatin1 findfont put\n"
     "} ZANWMTry not {userdict /ZANWMFont /Helvetica findfont put} if\n";
 
-// Without the font, its CMap (the longest end of its name that is one) is tried with the CIDFonts that
+// Without the font, tries its CMap (the longest suffix of its name that names one) with the CIDFonts that
 // Japanese interpreters have always had.
 constexpr std::string_view japaneseFont =
     "{/%s /Font resourcestatus {pop pop /%s findfont dup /FontType get 0 ne {stop} if}\n"
@@ -66,15 +66,15 @@ constexpr std::string_view latinExtendedFont =
     "{userdict /ZANWMFont /ZANWMExtended /ZANMyriad-Latin-Extended-A-UTF8\n"
     "[ZANWMBase /CIDFont findresource] composefont put} ZANWMTry not\n";
 
-// No font for the script: what is ASCII can be read, any other byte is a question mark.
+// Without a font for the script, shows ASCII and replaces any other byte by a question mark.
 constexpr std::string_view asciiFallback =
     "{userdict /ZANWMFont /Helvetica findfont put\n"
     "userdict /ZANWMText {0 1 2 index length 1 sub\n"
     "{1 index exch 2 copy get 127 gt {2 copy 63 put} if pop pop} for} bind put} if\n";
 
-// Helvetica, re-encoded for the characters of this text: UTF-8 is taken apart and each character found under
-// its glyph name (Adobe Glyph List). A lower-case letter stands behind its upper-case one; Cyrillic names are
-// numbered. Done at the first page, since the text is known only then; the next pages find the result.
+// Re-encodes Helvetica for the characters of this text. Decodes the UTF-8 and looks up each character by its
+// glyph name (Adobe Glyph List). A lower-case letter is found through its upper-case one; Cyrillic names are
+// numbered. Runs at the first page, because only then the text is known; later pages reuse the result.
 constexpr std::string_view extendedFallback =
     "{userdict /ZANWMNames <<260/Aogonek 262/Cacute 268/Ccaron 270/Dcaron 280/Eogonek 282/Ecaron 286/Gbreve\n"
     "304/Idotaccent 305/dotlessi 321/Lslash 323/Nacute 327/Ncaron 344/Rcaron 346/Sacute 350/Scedilla\n"
@@ -102,8 +102,8 @@ constexpr std::string_view extendedFallback =
     "userdict /ZANWMString s 0 q getinterval put userdict /ZANWMText {pop ZANWMString} put ZANWMString}\n"
     "bind put} if\n";
 
-// The page's centre comes from the controller when it tells the page's box, else from what can be printed on.
-// The height that is halved is that of a vertical font's text; a horizontal one has none.
+// Takes the page's centre from the controller's page box, else from the printable area. Halves the height of
+// the text, which only a vertical font has.
 constexpr std::string_view watermarkBeginning =
     "userdict /ZANWaterMark {currentglobal false setglobal gsave 40 dict begin\n"
     "/Watermark <%s> def\n"
@@ -126,11 +126,12 @@ constexpr std::string_view watermarkEnd =
     "Watermark stringwidth 2 div neg FontSize 3 div sub exch 2 div neg exch moveto Watermark show\n"
     "} ZANWMTry pop end grestore setglobal} bind put\n";
 
-// Kept once: a resource that stands in a job a second time must not keep its own showpage as the former one.
+// Saves the former showpage once: a second copy of the resource must not save its own showpage as the former
+// one.
 //
-// A prolog that was read before this may have bound the operator showpage (PLRM, bind) and would then never
-// come by the new one: the documents that Ghostscript makes of PDF do so. For them the same is done at the
-// end of the page (PLRM 6.2.6, EndPage, reason 0), unless showpage has done it; the former EndPage follows.
+// A prolog that was read before may have bound the operator showpage (PLRM, bind) and never calls the new
+// one: documents that Ghostscript converts from PDF do so. For them EndPage draws the watermark at the end of
+// the page (PLRM 6.2.6, reason 0), unless showpage has done it, and then calls the former EndPage.
 constexpr std::string_view closing =
     " globaldict /pageCount 0 put \n"
     " globaldict /waterMarkAllPages %s put \n"
@@ -145,7 +146,7 @@ constexpr std::string_view closing =
     "globaldict /waterMarkDone false put ZANWMEndPage} bind>> setpagedevice} ZANWMTry pop} if setglobal\n"
     " %%ZAN End Watermark resource \n";
 
-// Appends the pattern with each "%s" replaced by the next argument; the last one serves what is left.
+// Appends the pattern with each "%s" replaced by the next argument. The last argument fills all further "%s".
 void append(std::string& out, std::string_view pattern, std::initializer_list<std::string_view> arguments) {
     constexpr std::string_view place = "%s";
     const auto* argument = arguments.begin();
@@ -174,7 +175,8 @@ std::string colourComponent(int value) { return withDecimals(value / 255.0, 2); 
 
 const char* truth(bool value) { return value ? "true" : "false"; }
 
-// True when the resource draws in the transparent colour, which the composite fonts' resources do not know.
+// Returns true when the resource draws in the transparent colour. The composite fonts' resources do not
+// support it.
 bool drawsClear(WatermarkFontKind kind, const WatermarkParameters& parameters) {
     return parameters.isClear && (kind == WatermarkFontKind::japanese || kind == WatermarkFontKind::latin);
 }

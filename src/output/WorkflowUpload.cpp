@@ -32,8 +32,8 @@ std::string controlText(const ZANPPD& description, const char* keyword, std::siz
     return text;
 }
 
-// A note takes text in the encoding that the description works with. An identifier beyond it stays in UTF-8,
-// as the library gave it: without it nobody finds the workflow's job again.
+// A note stores text in the description's encoding. An identifier that this encoding lacks stays in UTF-8, as
+// the library returned it: without it nobody can find the workflow's job again.
 void storeIdentifier(ZANPPD& description, const char* keyword, const CFStringRef& identifier) {
     const CFStringRef key = cfString(keyword);
     description.SetValueForKey(key, identifier);

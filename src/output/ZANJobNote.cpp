@@ -38,7 +38,7 @@ long copyText(std::string_view text, std::span<char> buffer) {
     return text.empty() ? 0 : static_cast<long>(text.size() + 1);
 }
 
-// Null without a description or the option.
+// Returns null without a description or the option.
 const PPDXSpecialOption* specialOption(const ZANPPD* description, const char* keyword) {
     const PPDXControls* controls = description == nullptr ? nullptr : description->GetControls();
     return controls == nullptr ? nullptr : controls->FindSpecialOption(keyword, true);
@@ -78,7 +78,7 @@ void ZANJobNote::getKeyword(std::span<char> buffer) const {
 }
 
 bool ZANJobNote::checkRangeValues(std::string_view text) const {
-    // Only ASCII characters can stand in an item, so bytes are as good as characters here.
+    // An item may hold only ASCII characters, so each byte can be checked as one character.
     return !note->IsTwoCharFields() || isTwoCharacterRanges(std::u16string(text.begin(), text.end()));
 }
 

@@ -22,7 +22,7 @@ constexpr OSStatus noMemory = -108;
 constexpr std::size_t featureBufferSize = 5120;
 constexpr int credentialDomainType = 2;
 
-// The setting as a 32-bit integer, `otherwise` when there is none.
+// Returns the setting as a 32-bit integer, `otherwise` when there is none.
 std::int32_t integerSetting(const PMPrintSettings& settings, const char* key, std::int32_t otherwise) {
     CFTypeRef value;
     std::int32_t number = otherwise;
@@ -59,7 +59,7 @@ void replaceEach(std::string& text, std::string_view from, std::string_view to) 
 } // namespace
 
 std::string collapsedUserName(std::string name) {
-    // Each replacement makes the text shorter, so this ends.
+    // Each replacement shortens the text, so this ends.
     replaceEach(name, "/:", "/");
     replaceEach(name, "//", "/");
     return name;
@@ -67,7 +67,7 @@ std::string collapsedUserName(std::string name) {
 
 std::string packedCredentials(std::string_view name, std::string_view password) {
     std::string packed;
-    // One block from the start: growing would leave the password behind in a block that nobody wipes.
+    // Reserves all memory first: a reallocation would leave the password in a block that nobody wipes.
     packed.reserve(name.size() + password.size() + 32);
     packed += std::to_string(credentialDomainType) + ":" + std::to_string(name.size()) + ":";
     packed += name;
@@ -98,7 +98,7 @@ OSStatus ZANJobNoteList::outInjectionData(ZANJobTicket* ticket, const PMPrintSet
         return noTicket;
     }
     AddLayoutComments(*ticket, settings);
-    // Before any is added: name and password may leave together.
+    // Converts all notes before the first is added, because name and password may leave together.
     for (ZANJobNote& note : notes) {
         note.ConvertTextFromApplicationToUTF8();
     }
@@ -125,7 +125,7 @@ void ZANJobNoteList::AddLayoutComments(ZANJobTicket& ticket, const PMPrintSettin
         return turn == kPMPortrait || turn == kPMReversePortrait;
     };
     std::uint16_t turned = orientation;
-    // Two and six pages to a sheet lie across it.
+    // Two or six pages on a sheet are turned by 90 degrees.
     if (const std::int64_t pages = rows * columns; pages == 2 || pages == 6) {
         turned = isUpright(orientation) ? kPMReverseLandscape : kPMPortrait;
     }
@@ -154,14 +154,14 @@ OSStatus ZANJobNoteList::AddNote(ZANJobTicket& ticket, const ZANJobNote& note) {
     if (note.IsProtected() && !Protect(note, note.Note().GetNotes(), outgoing)) {
         return noErr;
     }
-    // Without a comment's prefix the text would run as PostScript.
+    // Without the prefix of a comment the text would run as PostScript.
     if (isSpecial) {
         AddLine(ticket, ZANJobNote::commentPrefix(index), outgoing);
     }
     return AddFeatureCode(ticket, note, outgoing);
 }
 
-// The name has no prefix for a line, so its feature code alone carries it.
+// The name has no prefix for a line, so only its feature code carries it.
 OSStatus ZANJobNoteList::AddUserName(ZANJobTicket& ticket, const ZANJobNote& note) {
     const std::string name = UserName();
     Outgoing outgoing{name, false};
@@ -171,7 +171,7 @@ OSStatus ZANJobNoteList::AddUserName(ZANJobTicket& ticket, const ZANJobNote& not
     return AddFeatureCode(ticket, note, outgoing);
 }
 
-// Enciphered whether the description marks it or not.
+// Enciphers the password even when the description does not mark it.
 OSStatus ZANJobNoteList::AddPassword(ZANJobTicket& ticket, const ZANJobNote& note) {
     const char* password = note.Note().GetNotes();
     Outgoing outgoing;
@@ -182,8 +182,8 @@ OSStatus ZANJobNoteList::AddPassword(ZANJobTicket& ticket, const ZANJobNote& not
     return AddFeatureCode(ticket, note, outgoing, true);
 }
 
-// Name and password leave as one cipher text at the place of the password note, or of the name where there is
-// no password note.
+// Sends name and password as one cipher text in place of the password note, or of the name when there is no
+// password note.
 OSStatus ZANJobNoteList::AddCredentials(ZANJobTicket& ticket, const ZANJobNote& carrier) {
     ZANJobNote* passwordNote = find("*QVUserAuthPwd");
     if (passwordNote != nullptr && &carrier.Note() != &passwordNote->Note()) {
@@ -194,7 +194,7 @@ OSStatus ZANJobNoteList::AddCredentials(ZANJobTicket& ticket, const ZANJobNote& 
     Outgoing outgoing;
     bool isReady = false;
     if (noteCipherLength(packed.size(), carrier.Algorithm()) * 2 > noteHexSize) {
-        // A part of it would be taken for a whole.
+        // The controller would take a cut text for a complete one.
         LeaveOut(carrier, LeftOutReason::tooLong);
     } else {
         isReady = Protect(carrier, packed.c_str(), outgoing);
@@ -248,7 +248,7 @@ OSStatus ZANJobNoteList::AddFeatureCode(ZANJobTicket& ticket, const ZANJobNote& 
     return noErr;
 }
 
-// False when the note is left out.
+// Returns false when the note is omitted.
 bool ZANJobNoteList::Protect(const ZANJobNote& note, const char* text, Outgoing& outgoing) {
     outgoing = {note.Encrypted(text), true};
     if (outgoing.text.empty()) {
@@ -267,7 +267,8 @@ void ZANJobNoteList::LeaveOut(const ZANJobNote& note, LeftOutReason reason) {
                  : "name and password are too long to be enciphered together");
 }
 
-// The text of the name note; where it is empty and the controller asks a directory, the login name.
+// Returns the text of the name note. When it is empty and the controller asks a directory, returns the login
+// name.
 std::string ZANJobNoteList::UserName() {
     const ZANJobNote* note = find("*QVUserAuthName");
     if (note == nullptr) {

@@ -15,40 +15,40 @@ namespace torka {
 class ZANJobTicket;
 class ZANPPD;
 
-// What a protected field needs and did not get.
+// Why a protected field could not be enciphered.
 enum class LeftOutReason {
-    noFieldKeys, // none are installed
-    tooLong,     // name and password together pass what one cipher text holds
+    noFieldKeys, // no keys are installed
+    tooLong,     // name and password together exceed one cipher text
 };
 
-// The job notes of a description, in its order, on their way into one job.
+// The job notes of a description, in its order, prepared for one job.
 //
-// Refers to the description, which must outlive it. A protected note, and the user's password whether marked
-// or not, leaves enciphered or not at all; what was left out is told by LeftOut() and in the log.
+// Refers to the description, which must outlive it. A protected note, and the user's password in any case,
+// leaves enciphered or not at all. LeftOut() and the log name the notes that were omitted.
 class ZANJobNoteList {
 public:
     struct LeftOutNote {
         std::string keyword;
-        std::string title; // for people
+        std::string title; // the displayed name
         LeftOutReason reason;
     };
 
     explicit ZANJobNoteList(ZANPPD& description,
                             const std::shared_ptr<const FieldKeys>& keys = installedFieldKeys());
 
-    // kPMPortrait to kPMReverseLandscape; portrait until it is called.
+    // Takes kPMPortrait to kPMReverseLandscape; portrait until it is called.
     void SetPageOrientation(std::uint16_t newOrientation) { orientation = newOrientation; }
-    // Exact; null for none.
+    // Matches the keyword exactly; returns null when there is none.
     ZANJobNote* find(std::string_view keyword);
 
-    // Adds the layout comments, then each note's line and feature code. 0; -50 without a ticket; -108, with
-    // the rest of the notes not added, when there is no memory for a long feature text.
+    // Adds the layout comments, then each note's line and feature code. Returns 0; -50 without a ticket; -108
+    // when memory for a long feature text is missing, with the remaining notes not added.
     OSStatus outInjectionData(ZANJobTicket* ticket, const PMPrintSettings& settings);
-    // Of the last outInjectionData, in the order of the notes.
+    // The notes omitted by the last outInjectionData, in their order.
     const std::vector<LeftOutNote>& LeftOut() const { return leftOut; }
 
 private:
-    // What a note sends: its text in plain or its cipher text.
+    // The text that a note sends: plain or cipher text.
     struct Outgoing {
         std::string text;
         bool isProtected = false;
@@ -71,18 +71,17 @@ private:
     std::list<ZANJobNote> notes;
     std::uint16_t orientation = kPMPortrait;
     std::vector<LeftOutNote> leftOut;
-    // The user-authentication name of this job, once it was filled in from the login name.
+    // The user-authentication name of this job after it was filled in from the login name.
     bool isUserNameFilledIn = false;
     std::string filledInUserName;
 };
 
-// A user's login name as the controller takes it: the parts of a path-like name are separated by one "/"
-// each, whether
-// "/:" or "//" stood there.
+// Returns a user's login name in the controller's form: one "/" between the parts of a path-like name, in
+// place of "/:" or "//".
 std::string collapsedUserName(std::string name);
 
-// Name and password for the controller in one text: the domain type (2), the name's length in bytes and the
-// two themselves, as in "2:5:alicesecret".
+// Packs name and password for the controller into one text: the domain type (2), the name's length in bytes,
+// and the two themselves, as in "2:5:alicesecret".
 std::string packedCredentials(std::string_view name, std::string_view password);
 
 } // namespace torka

@@ -81,7 +81,7 @@ void ZANJobTicket::Create() {
 }
 
 void ZANJobTicket::Add(PostScriptInjectionSite site, const void* bytes, std::size_t length) {
-    // Entries of one site mostly follow each other; they share its number.
+    // Consecutive entries of one site share its number object.
     const std::size_t count = entries.size();
     const CFNumber* const last = count < 2 ? nullptr : static_cast<const CFNumber*>(entries[count - 2].get());
     entries.push_back(last != nullptr && last->integer == site ? entries[count - 2] : CFNumberCreate(site));

@@ -25,8 +25,8 @@ public:
     // Writes every entry of the dictionary into the print settings under its own key; the two key arguments
     // are ignored. "*QVSpotPriority" and "*QVGrayOverride", in any letter case, are never written.
     void Set(const CFStringRef& ignored, const CFStringRef& alsoIgnored, const CFDictionaryRef& values);
-    // The read's error status when it fails; otherwise 1 when the value converted to a 32-bit integer and 0
-    // when not.
+    // Returns the read's error status when it fails; otherwise 1 when the value converts to a 32-bit integer,
+    // else 0.
     OSStatus Get(const CFStringRef& key, int& value) const;
 
 protected:
@@ -34,57 +34,57 @@ protected:
     PMPrintSettings settings;
 };
 
-// The ticket through which whole dictionaries of values are written to the print settings.
+// Writes whole dictionaries of values to the print settings.
 class PrintSettingsTicket : public JobTicket {
 public:
     using JobTicket::JobTicket;
 };
 
-// Longest text, in bytes, with which a control enters the ticket.
+// Maximum length of a control's text in the ticket, in bytes.
 inline constexpr std::size_t maximumControlText = 1024;
 
-// The print-time list of (injection site, bytes) entries, saved as an XML property list for the spooler-side
-// filter: an array that alternates site numbers and data, in the order of the Add calls.
+// The print-time list of (injection site, bytes) entries. It is saved as an XML property list for the
+// spooler-side filter: an array that alternates site numbers and data, in the order of the Add calls.
 //
-// One exists per print action. It does not own the dictionary ticket.
+// One object exists per print action. It does not own the dictionary ticket.
 class ZANJobTicket : public JobTicket {
 public:
     // `key` names the print setting that will hold the path of the saved list.
     ZANJobTicket(PrintSettingsTicket* ticket, PMPrintSettings printSettings, CFStringRef key);
     ~ZANJobTicket() override;
 
-    // Starts over with an empty list.
+    // Starts again with an empty list.
     void Create();
-    // Adds exactly `length` bytes, no terminator.
+    // Adds exactly `length` bytes without a terminator.
     void Add(PostScriptInjectionSite site, const void* bytes, std::size_t length);
     void Add(PostScriptInjectionSite site, std::string_view text) { Add(site, text.data(), text.size()); }
-    // Adds a control's PostScript, at the page-size site for "*PageSize" whatever `site` says. A control
+    // Adds a control's PostScript; "*PageSize" goes to the page-size site, whatever `site` is. A control
     // whose text is longer than maximumControlText adds nothing.
     void Add(PostScriptInjectionSite site, PPDXControl* control);
-    // As the text form, and remembers that the entry carries an enciphered field.
+    // Adds the text and records that the entry carries an enciphered field.
     void AddProtected(PostScriptInjectionSite site, std::string_view text);
 
-    // Writes all keyword/value pairs of the description into the print settings, which stay in the process:
-    // who writes them out leaves out what isSecretNote (ZANJobNote.h) names.
+    // Writes all keyword/value pairs of the description into the print settings, which stay in the process.
+    // Code that writes the settings out must omit the controls of isSecretNote (ZANJobNote.h).
     void SavePPDForAllKeys(ZANPPD* description, const CFStringRef& key);
 
-    // Serialises the list and records the ticket file's path in the print settings. Below minor version 7 of
-    // the system the file is written here (mode 0666); from 7 on the name is only kept, for the filter to
-    // write the file. Returns the XML, null for a list that no file may hold. A write that fails is logged,
-    // told by SaveError() and leaves no file.
+    // Serialises the list and stores the ticket file's path in the print settings. Below minor version 7 of
+    // the system, writes the file here (mode 0666). From 7 on, only keeps the name; the filter writes the
+    // file. Returns the XML, null for a list that exceeds a file's maximum. A failed write is logged, sets
+    // SaveError() and leaves no file.
     CFDataRef Save();
     std::error_code SaveError() const { return saveError; }
 
-    // The prefix followed by a new UUID. `buffer`, when given, holds 256 bytes and gets the name as UTF-8,
-    // cut to fit.
+    // Returns the prefix followed by a new UUID. `buffer` may be null; else it holds 256 bytes and gets the
+    // name as UTF-8, cut to fit.
     static CFStringRef CreateRandomFileName(std::string_view prefix, char* buffer = nullptr);
-    // Known after Save() from minor version 7 of the system on, else null.
+    // Set by Save() from minor version 7 of the system on, else null.
     CFStringRef FileName() const { return fileName; }
     void InjectTempFileToPSStream(const CFStringRef& key, const CFStringRef& value);
 
     struct Entry {
         PostScriptInjectionSite site = 0;
-        std::string_view bytes; // valid while the ticket lives and is not created anew
+        std::string_view bytes; // valid until the ticket ends or Create() is called
         bool isProtected = false;
     };
     std::vector<Entry> Entries() const;
@@ -95,7 +95,7 @@ private:
     std::vector<CFTypeRef> entries; // alternates site and data
     CFStringRef fileName;
     CFDataRef xmlData;
-    std::vector<std::size_t> protectedEntries; // numbers of entries, ascending
+    std::vector<std::size_t> protectedEntries; // indexes of entries, ascending
     std::error_code saveError;
 };
 

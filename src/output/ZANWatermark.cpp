@@ -44,7 +44,7 @@ std::string upperCaseHex(std::string_view bytes) {
     return hex;
 }
 
-// The font that a resource of this kind is set in.
+// Returns the font in which a resource of this kind sets its text.
 std::string resourceFontName(WatermarkFontKind kind, std::string fontName) {
     if (kind == WatermarkFontKind::latinExtended) {
         return "MyriadPro-Regular";
@@ -112,7 +112,7 @@ std::string ZANWatermark::Resource(const std::string& language, std::uint16_t or
     parameters.green = green;
     parameters.blue = blue;
     parameters.angle = angle;
-    // The offsets turn with the sheet: they are measured on the page as it is read.
+    // The offsets turn with the sheet: they refer to the page as it is read.
     parameters.xOffset = xOffset;
     parameters.yOffset = yOffset;
     if (parameters.isLandscape) {

@@ -7,22 +7,22 @@
 
 namespace torka {
 
-// A stored definition's slot in the printer's preferences, in bytes with its terminator.
+// Size of the slot for a stored definition in the printer's preferences, in bytes with the terminator.
 inline constexpr std::size_t watermarkDefinitionSize = 1024;
 
-// One line of text that is printed rotated across the page, as one definition string of comma-separated
-// fields describes it (docs/watermarks.md). A value of its own: nothing outside is owned or read.
+// One line of text that is printed rotated across the page. A definition string of comma-separated fields
+// describes it (docs/watermarks.md). Owns copies of all its data.
 //
-// Number fields are read as atoi reads them and held to their range; a field that is missing or no number is
-// 0, a missing text is empty. Not thread-safe.
+// Reads number fields as atoi does and clamps them to their range. A missing or non-numeric field is 0, a
+// missing text is empty. Not thread-safe.
 class ZANWatermark {
 public:
-    // The definition in UTF-8; null is an empty one.
+    // Takes the definition in UTF-8; null is an empty one.
     explicit ZANWatermark(const char* definition);
-    // Keeps the wide form as well.
+    // Also keeps the wide form.
     explicit ZANWatermark(const wchar_t* definition);
 
-    // True for exactly "True", false for any other text. The definition keeps what it says.
+    // True for exactly "True", false for any other text. Does not change the definition.
     void SetFirstPageOnly(std::string_view value) { isFirstPageOnly = value == "True"; }
 
     bool IsClear() const { return isClear; }
@@ -36,19 +36,19 @@ public:
     std::int32_t FontSize() const { return fontSize; } // points
     const std::string& FontName() const { return fontName; }
     const std::string& Text() const { return text; } // UTF-8
-    // As it was given, for saving.
+    // The definition as it was given, for saving.
     const std::string& Definition() const { return definition; }
-    // Empty for a watermark that was made of narrow text.
+    // Empty for a watermark made from narrow text.
     const std::wstring& WideDefinition() const { return wideDefinition; }
 
-    // The text in the encoding that the font of this language needs, two uppercase hexadecimal digits a byte.
-    // A character that the encoding lacks is "?". Computed at the first call and kept, whatever later calls
-    // ask for: an object serves one description.
+    // Returns the text in the encoding that this language's font needs, as two upper-case hexadecimal digits
+    // per byte. A character that the encoding lacks is "?". Computed at the first call only; later arguments
+    // have no effect, because an object serves one description.
     const std::string& GetWMTextInHex(std::string_view language, std::string_view forFontName);
 
-    // The PostScript that draws the watermark at every showpage, for a description of this language and a
-    // page orientation of kPMPortrait to kPMReverseLandscape. Its length has no bound but the text's: the
-    // caller refuses what is too long for a job.
+    // Returns the PostScript that draws the watermark at every showpage, for a description of this language
+    // and a page orientation of kPMPortrait to kPMReverseLandscape. Only the text limits its length: the
+    // caller refuses a resource that is too long for a job.
     std::string Resource(const std::string& language, std::uint16_t orientation);
 
 private:
