@@ -12,7 +12,7 @@ constexpr std::size_t reservedTexts = 512;
 constexpr std::size_t firstBlock = 1024; // bytes; a small description has few texts
 constexpr std::size_t laterBlock = 8192;
 
-// Hashes are of this process only, so that no description can be made to collide.
+// Every process has its own hashes, so that nobody can write a description whose texts collide.
 std::uint64_t processSeed() {
     std::random_device device;
     return (std::uint64_t{device()} << 32U) | device();
@@ -31,7 +31,8 @@ std::uint64_t load(const char* bytes) {
     return word;
 }
 
-// All of at most 16 bytes in two words; which bytes overlap follows from the length, which is hashed too.
+// Loads a text of at most 16 bytes into two words. The words may overlap; their overlap follows from the
+// length, which is hashed too.
 struct TwoWords {
     std::uint64_t first = 0;
     std::uint64_t second = 0;

@@ -10,10 +10,10 @@
 
 namespace torka {
 
-// The string table of one store: every text once, known by its index, which never changes.
+// The string table of one store. Holds each text once, under an index that never changes.
 //
-// Owns its texts, which stand one behind the other in blocks that never move. They end at their first NUL and
-// are compared byte by byte.
+// Owns its texts, one behind the other in blocks that never move. A text ends at its first NUL. Texts are
+// compared byte by byte.
 class CStringSoup {
 public:
     CStringSoup();
@@ -21,13 +21,14 @@ public:
     CStringSoup(const CStringSoup&) = delete;
     CStringSoup& operator=(const CStringSoup&) = delete;
 
-    // The index of the text, which is added when it is new.
+    // Returns the index of the text. Adds a new text.
     virtual std::int64_t Insert(std::string_view text);
-    // The same for a text that holds no NUL.
+    // Does the same for a text without NUL.
     std::int64_t InsertWhole(std::string_view text);
-    // The text at that index, NUL-terminated; null when there is none. Stays where it is until Clear.
+    // Returns the text at that index, NUL-terminated; null when there is none. The pointer stays valid until
+    // Clear.
     virtual const char* Find(std::int64_t index) const;
-    // The index of the text, or -1.
+    // Returns the index of the text, or -1.
     virtual std::int64_t Find(std::string_view text) const;
     virtual void Clear();
     virtual std::size_t size() const;

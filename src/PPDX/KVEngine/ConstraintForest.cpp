@@ -14,7 +14,7 @@ bool isBefore(const ConstraintRecord& a, const ConstraintRecord& b) {
     return std::tie(a.key1, a.option1) < std::tie(b.key1, b.option1);
 }
 
-// The records ascending by that identifier, equal ones in the order in which they stood.
+// Returns the records ascending by that identifier. Equal ones keep their order.
 Records distributed(const Records& records, std::uint32_t ConstraintRecord::*identifier) {
     const auto largest = std::ranges::max_element(records, {}, identifier);
     std::vector<std::uint32_t> places(std::size_t{(*largest).*identifier} + 2, 0);
@@ -36,7 +36,7 @@ Records distributed(const Records& records, std::uint32_t ConstraintRecord::*ide
 void ConstraintForest::InsertWildcard(std::int64_t key1, std::shared_ptr<const OptionRange> from,
                                       std::int64_t option1, std::shared_ptr<const OptionRange> to,
                                       const KeyOption& pair) {
-    Settle(); // lines inserted before come before it
+    Settle(); // earlier lines go first
     trees.FindOrMake(key1, key1)
         .InsertWildcard(std::move(from), std::move(to),
                         {static_cast<std::uint32_t>(key1), static_cast<std::uint32_t>(option1),
@@ -105,7 +105,7 @@ bool ConstraintForest::DisableConstraints(std::int64_t key, std::int64_t option,
     });
 }
 
-// The lists set aside are whole, so what they bring back does not depend on the pair that was disabled.
+// The lists set aside are complete, so the result does not depend on the disabled pair.
 bool ConstraintForest::EnableConstraints(std::int64_t key, std::int64_t option, std::int64_t /*key2*/,
                                          std::int64_t /*option2*/) {
     return VisitTrees({key, option}, [](KeyConstraintTree& tree, std::int64_t each) {
@@ -119,8 +119,8 @@ void ConstraintForest::clear() {
     settled = 0;
 }
 
-// Applies to the pair's tree (every tree for key -1) and then to each pair that this names, until no new one
-// comes.
+// Applies `apply` to the pair's tree (every tree for key -1) and then to each pair that it returns, until no
+// new pair comes.
 template <typename Apply>
 bool ConstraintForest::VisitTrees(const KeyOption& first, Apply apply) {
     Settle();

@@ -11,8 +11,9 @@
 
 namespace torka {
 
-// One line of a description that names both options: key1=option1 constrains key2=option2. Identifiers of the
-// store's string table, which fit 32 bits; a store may hold hundreds of thousands of these.
+// One line of a description that names both options: key1=option1 constrains key2=option2. The identifiers
+// belong to the store's string table and fit 32 bits. A store may hold hundreds of thousands of these
+// records.
 struct ConstraintRecord {
     std::uint32_t key1;
     std::uint32_t option1;
@@ -22,8 +23,8 @@ struct ConstraintRecord {
     KeyOption Constrained() const { return {key2, option2}; }
 };
 
-// What an empty option of a constraint line stands for: the options that its key had when the lines were
-// resolved, but for the two that mean "off".
+// The options that an empty option of a constraint line means: all that its key had when the lines were
+// resolved, except the two that mean "off".
 struct OptionRange {
     std::shared_ptr<const KeyOptions> options;
     std::size_t count = 0;
@@ -44,16 +45,16 @@ struct OptionRange {
     }
 };
 
-// A stretch of one option's constraint list, not expanded: either what these lines constrain, or (key, o) for
-// every option o of a range; the whole repeat times over. Points into the forest that gave it: valid until
-// that changes.
+// A part of one option's constraint list, not expanded. Means what `lines` constrain, or (key, o) for every
+// option o of a range, the whole `repeat` times. Points into its forest and is valid until the forest
+// changes.
 struct ConstraintRun {
     std::span<const ConstraintRecord> lines;
     const OptionRange* range = nullptr;
     std::int64_t key = -1;
     std::size_t repeat = 1;
 
-    // Calls visit(pair) for each pair in order; stops and answers false once visit does.
+    // Calls visit(pair) for each pair in order. Stops and returns false when visit does.
     template <typename Visit>
     bool ForEach(Visit visit) const {
         for (std::size_t round = 0; round < repeat; ++round) {

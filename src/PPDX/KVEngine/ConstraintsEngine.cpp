@@ -24,7 +24,7 @@ const std::vector<std::int64_t>& optionsOf(const KeyForest* keys, std::int64_t k
     return options == nullptr ? none : *options;
 }
 
-// Everything that one changed pair constrains, for asking whether an alternative would be constrained too.
+// Holds everything that one changed pair constrains, to test whether an alternative would be constrained too.
 class ConstrainedSet {
 public:
     void Add(const ConstraintRun& run) {
@@ -34,7 +34,7 @@ public:
         if (run.range == nullptr) {
             return;
         }
-        // Of the ranges of one key the longest holds the others.
+        // The longest range of a key contains its other ranges.
         const OptionRange*& longest = ranges[run.key];
         if (longest == nullptr || longest->count < run.range->count)
             longest = run.range;
@@ -68,7 +68,7 @@ ConstraintsEngine::Answer ConstraintsEngine::Test(const KVCache& changeSet) {
 bool ConstraintsEngine::HasConflict(const KVCache& changeSet) {
     const SelectionView view(orEmpty(current), &changeSet);
     const auto changes = changeSet.Pairs();
-    // Steps of a search differ little, so the pair that conflicted last is the best guess.
+    // Steps of a search differ little, so the pair that conflicted last probably conflicts again.
     if (lastConflict < changes.size() && ConflictsWith(changes[lastConflict], view))
         return true;
     for (std::size_t i = 0; i < changes.size(); ++i) {
@@ -158,7 +158,7 @@ KVCache ConstraintsEngine::ListBlockingConstraints(std::int64_t key1, std::int64
     KVCache listed;
     if (key1 < 0 || excludedOption < 0 || key2 < 0)
         return listed;
-    // The options to be blocked, each with the last option of key2 found to block it.
+    // The options to block, each with the last option of key2 that blocks it.
     std::unordered_map<std::int64_t, std::size_t> others;
     for (const std::int64_t option : optionsOf(keys, key1))
         if (option != excludedOption)
@@ -216,7 +216,7 @@ void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& 
         constrained.Add(run);
     }
 
-    // The alternatives for a selected pair are the same however often it is hit.
+    // Computes the alternatives for a selected pair once; they do not depend on the number of hits.
     std::unordered_map<std::int64_t, std::vector<KeyOption>> offers;
     const auto offerFor = [&](const KeyOption& hit) -> const std::vector<KeyOption>& {
         const auto [offer, isNew] = offers.try_emplace(hit.key);
@@ -256,7 +256,7 @@ void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& 
     }
 }
 
-// Whether the pairs that are constrained and among the selections are just the selections, and there is one.
+// Tells whether the constrained pairs among the selections are exactly the selections, and at least one.
 bool ConstraintsEngine::GathersExactly(const KeyOption& constraining, const KVCache& selections,
                                        const SelectionView& view) {
     KVCache gathered;
@@ -283,8 +283,8 @@ const KeyConstraintTree* ConstraintsEngine::TreeOf(std::int64_t key) const {
     return forest == nullptr ? nullptr : forest->GetTree(key);
 }
 
-// The runs that together hold every pair constrained, for -1 by any option; order and repeats count only for
-// others.
+// Returns runs that together hold every constrained pair, for -1 by any option. Order and repeats are exact
+// only for other options than -1.
 const std::vector<ConstraintRun>& ConstraintsEngine::RunsOf(const KeyOption& constraining) {
     runs.clear();
     const KeyConstraintTree* tree = TreeOf(constraining.key);

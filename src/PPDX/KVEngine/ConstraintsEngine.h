@@ -12,22 +12,21 @@ namespace torka {
 
 class SelectionView;
 
-// Finds what a proposed change would conflict with, offers other options for what conflicts, and searches
-// breadth-first for a change that conflicts with nothing.
+// Finds the conflicts of a proposed change, offers other options for the conflicting keys, and searches
+// breadth-first for a change without conflicts.
 //
-// Owns none of what it is built with, which must outlive it; the selections are the live ones, read at each
-// call. Any of them may be null and then counts as empty. In the locked list an option of -1 locks every
-// option of its key.
+// Owns none of its inputs, which must outlive it. Reads the live selections at each call. A null input counts
+// as empty. In the locked list an option of -1 locks every option of its key.
 class ConstraintsEngine {
 public:
-    // What was found: the selected pairs in conflict, and other options for their keys. Pairs may repeat.
+    // The selected pairs in conflict, and other options for their keys. Pairs may repeat.
     struct Answer {
         KVCache conflicts;
         KVCache alternatives;
     };
 
-    // A description made to blow an answer up finds it cut at this many pairs each, and a search given up as
-    // unsolved once it has looked at so many pairs and lines, which takes a few seconds.
+    // Limits against a description made to cause huge answers. Conflicts and alternatives each end at
+    // mostAnswers pairs. A search ends unsolved after mostWork pairs and lines, which takes a few seconds.
     static constexpr std::size_t mostAnswers = std::size_t{1} << 21U;
     static constexpr std::uint64_t mostWork = std::uint64_t{1} << 28U;
 
@@ -40,31 +39,31 @@ public:
         , locked(lockedPairs) {}
     virtual ~ConstraintsEngine() = default;
 
-    // What the change set, once selected, conflicts with.
+    // Returns the conflicts of the change set once it is selected.
     Answer Test(const KVCache& changeSet);
-    // Whether Test would find any conflict.
+    // Tells whether Test would find a conflict.
     bool HasConflict(const KVCache& changeSet);
-    // The same for a change set of this pair alone, an empty one when its key is negative.
+    // Does the same for a change set of this pair alone. A negative key means an empty change set.
     bool HasConflict(const KeyOption& change);
 
-    // Takes the locked ones out of the alternatives; returns their keys with what is selected now.
+    // Removes locked pairs from the alternatives. Returns their keys with the current selection.
     KVCache TestLockedStatus(KVCache& alternatives) const;
 
-    // Changes the change set, step by step, into one without conflicts, and returns what is left of them:
-    // nothing when solved. keepChanged: what the change set holds already stays. Solve starts from a clean
+    // Changes the change set step by step into one without conflicts. Returns the remaining conflicts, none
+    // when solved. With keepChanged the initial content of the change set stays. Solve starts from a clean
     // state and leaves one.
     Answer RSolve(KVCache& changeSet, bool keepChanged);
     Answer Solve(KVCache& changeSet, bool keepChanged);
-    // Pairs and lines that a search may look at; an answer that it needs on the way is cut there too.
+    // Sets the maximum of pairs and lines that a search may visit. An intermediate answer is cut there too.
     void LimitWork(std::uint64_t pairs) { workLimit = pairs; }
-    // What the last Solve looked at.
+    // Returns the number of pairs and lines that the last Solve visited.
     std::uint64_t WorkDone() const { return workDone; }
 
-    // The options of key that conflict with what is selected now, by what they constrain themselves.
+    // Returns the options of key that constrain something selected now.
     KVCache ListCurrentConstraints(std::int64_t key);
-    // The options of key2 that constrain exactly the options of key1 other than excludedOption.
+    // Returns the options of key2 that constrain exactly the options of key1 other than excludedOption.
     KVCache ListBlockingConstraints(std::int64_t key1, std::int64_t excludedOption, std::int64_t key2);
-    // The last option of key that constrains any of the given selections; exact: constrains just those.
+    // Returns the last option of key that constrains any of the given selections; with exact, just those.
     KVCache ListScreenedConstraints(const KVCache& selections, bool exact, std::int64_t key);
 
 private:
@@ -86,10 +85,10 @@ private:
     int depth = 0;
 
     std::uint64_t workLimit = mostWork;
-    std::uint64_t work = 0;          // pairs, lines and states looked at since the last purge
-    std::uint64_t workDone = 0;      // at that purge
-    std::vector<ConstraintRun> runs; // kept between calls for its room only
-    std::size_t lastConflict = 0;    // where in the change set the last conflict was found
+    std::uint64_t work = 0;          // pairs, lines and states visited since the last purge
+    std::uint64_t workDone = 0;      // at the last purge
+    std::vector<ConstraintRun> runs; // kept between calls only for its capacity
+    std::size_t lastConflict = 0;    // index in the change set of the last conflict
 };
 
 } // namespace torka

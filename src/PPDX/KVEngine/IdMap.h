@@ -9,7 +9,7 @@
 
 namespace torka {
 
-// Values by identifier, kept side by side in the order of their insertion; only clear removes any. References
+// Stores values by identifier, side by side in the order of insertion. Only clear removes values. References
 // are valid until the next insertion.
 template <typename Value>
 class IdMap {
@@ -23,7 +23,7 @@ public:
         return position == ids.size() ? nullptr : &values[position];
     }
 
-    // The value of the identifier, made of these arguments when there is none.
+    // Returns the value of the identifier. Constructs it from these arguments when there is none.
     template <typename... Arguments>
     Value& FindOrMake(std::int64_t id, Arguments&&... arguments) {
         if (const std::size_t position = PositionOf(id); position < ids.size())
@@ -42,7 +42,7 @@ public:
     void clear() { *this = {}; }
 
 private:
-    static constexpr std::size_t scanned = 8; // scanning is faster than hashing up to here
+    static constexpr std::size_t scanned = 8; // up to here, scanning is faster than hashing
 
     std::size_t PositionOf(std::int64_t id) const {
         if (ids.size() > scanned) {
@@ -56,7 +56,7 @@ private:
         return i;
     }
 
-    // Takes in the newest identifier, or all of them when the table is full or was not needed yet.
+    // Adds the newest identifier to the table, or all of them when the table is full or not yet in use.
     void Index() {
         std::size_t next = ids.size() - 1;
         if (table.Full()) {

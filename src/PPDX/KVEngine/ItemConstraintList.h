@@ -27,7 +27,7 @@ public:
     ItemConstraintList& operator+=(const ItemConstraintList& other);
 
     std::size_t size() const { return pairs.size(); }
-    // A copy of pair i; null when there is none.
+    // Returns a copy of pair i; null when there is none.
     std::unique_ptr<KeyOption> operator[](std::int64_t i) const;
 
     std::int64_t Owner() const { return owner; }

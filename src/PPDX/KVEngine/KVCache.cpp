@@ -8,8 +8,8 @@ namespace torka {
 namespace {
 
 constexpr std::size_t noPosition = ~std::size_t{0};
-constexpr std::size_t shortCache = 16;   // scanning is faster than hashing up to here
-constexpr unsigned scansBeforeIndex = 4; // a long cache pays for an index only when it is asked again
+constexpr std::size_t shortCache = 16;   // up to here, scanning is faster than hashing
+constexpr unsigned scansBeforeIndex = 4; // an index is worth its cost only for repeated look-ups
 constexpr std::size_t poppedWorthFreeing = 1024;
 
 std::uint64_t hashPair(const KeyOption& pair) {
@@ -124,7 +124,7 @@ KeyOption KVCache::pop_front() {
     if (hasFingerprint)
         fingerprint -= hashPair(pair);
     if (index.repeats)
-        DropIndex(); // the next entry of that key is now its first
+        DropIndex(); // the next entry of that key becomes its first
     if (head == entries.size()) {
         clear();
     } else if (head >= poppedWorthFreeing && head * 2 >= entries.size()) {
@@ -231,7 +231,7 @@ void KVCache::Append(const KeyOption& pair) {
         const bool known = IndexedKey(pair.key) != PositionTable::none;
         if ((known && !index.repeats) || index.byKey.Full() || (index.repeats && index.byPair.Full())) {
             DropIndex();
-            index.scans = scansBeforeIndex; // rebuild at the next look-up, with twice the room
+            index.scans = scansBeforeIndex; // rebuild at the next look-up, with twice the capacity
         } else {
             const auto position = static_cast<std::uint32_t>(entries.size());
             if (!known)

@@ -9,7 +9,7 @@
 
 namespace torka {
 
-// A key and one of its options, both identifiers of the store's string table; -1 is "not found" or "any".
+// A key and one of its options, both identifiers of the store's string table. -1 means "not found" or "any".
 struct KeyOption {
     std::int64_t key = -1;
     std::int64_t option = -1;
@@ -17,13 +17,13 @@ struct KeyOption {
     bool operator==(const KeyOption&) const = default;
 };
 
-// Descending by key, then by option.
+// Orders descending by key, then by option.
 bool KeyOptionGreater(const KeyOption& a, const KeyOption& b);
 
 // An ordered sequence of key/option pairs: the selections of a description, a proposed change, or an answer.
 //
-// A cache filled by Insert holds each key once; add and + append without a look, so keys may repeat there.
-// Look-ups scan a short cache and index a long one by hash. Not thread-safe, look-ups included.
+// Insert keeps each key once. add and + append without a check, so keys may then repeat. Look-ups scan a
+// short cache and index a long one by hash. Not thread-safe, not even for look-ups.
 class KVCache {
 public:
     KVCache() = default;
@@ -43,13 +43,13 @@ public:
     KVCache operator+(const KVCache& other) const;
     KVCache& operator+=(const KVCache& other);
 
-    // Position of the first entry equal in key and option, or -1.
+    // Returns the position of the first entry equal in key and option, or -1.
     std::int64_t Lookup(const KeyOption& pair) const;
-    // Option of the first entry with that key, or -1.
+    // Returns the option of the first entry with that key, or -1.
     std::int64_t GetItem(std::int64_t key) const;
-    // The first entry with that key, or null; valid until the next change.
+    // Returns the first entry with that key, or null; valid until the next change.
     const KeyOption* FindKey(std::int64_t key) const;
-    // The pair at position i; (-1, -1) beyond the end.
+    // Returns the pair at position i; (-1, -1) beyond the end.
     KeyOption GetKV(std::size_t i) const;
     std::span<const KeyOption> Pairs() const { return std::span(entries).subspan(head); }
 
@@ -60,10 +60,10 @@ public:
     std::size_t size() const { return entries.size() - head; }
     void clear();
 
-    // Whether a key stands in more than one entry. May answer true after such entries were popped.
+    // Tells whether a key is in more than one entry. May still return true after such entries were popped.
     bool HasRepeatedKeys() const;
 
-    // Equal when both hold the same pairs equally often, in whatever order.
+    // Equal when both hold the same pairs equally often, in any order.
     bool operator==(const KVCache& other) const;
 
 private:
@@ -80,18 +80,19 @@ private:
     std::vector<KeyOption> entries;
     std::size_t head = 0; // entries before it were popped
 
-    // byKey holds the first position of each key; byPair, only kept while keys repeat, that of each pair.
+    // byKey holds the first position of each key. byPair holds that of each pair, only while keys repeat.
     struct Index {
         PositionTable byKey;
         PositionTable byPair;
-        unsigned scans = 0; // look-ups done without an index since it was dropped
+        unsigned scans = 0; // look-ups without an index since it was dropped
         bool built = false;
-        bool repeats = false; // known while built
+        bool repeats = false; // valid while built
     };
     mutable Index index;
-    mutable bool unchecked = false; // something was appended without a look at its key
+    mutable bool unchecked = false; // an entry was appended without a check of its key
 
-    // Sum of the pairs' hashes, so the same for the same pairs in any order; kept once it was asked for.
+    // Sum of the pairs' hashes, thus equal for equal pairs in any order. Computed on the first request and
+    // kept.
     mutable std::uint64_t fingerprint = 0;
     mutable bool hasFingerprint = false;
 };

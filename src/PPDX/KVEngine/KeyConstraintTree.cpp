@@ -117,7 +117,7 @@ std::vector<KeyOption> KeyConstraintTree::EnableConstraints(std::int64_t option)
     while (next != end) {
         const auto aside = next++;
         Records& pairs = WriteOut(aside->first);
-        // What is active is what was set aside with pairs left out, so one walk over both finds those.
+        // The active list is the saved one without some pairs, so one pass over both finds those pairs.
         auto present = pairs.begin();
         for (const ConstraintRecord& line : aside->second) {
             if (present != pairs.end() && present->Constrained() == line.Constrained()) {
@@ -162,7 +162,7 @@ bool KeyConstraintTree::HasList(std::int64_t option) const {
     return !runs.empty() || Written(option) != nullptr;
 }
 
-// Turns what the option's list is put together from into a list of its own.
+// Writes the assembled list of the option out as a list of its own.
 KeyConstraintTree::Records& KeyConstraintTree::WriteOut(std::int64_t option) {
     std::vector<ConstraintRun> runs;
     CollectRuns(option, runs);

@@ -12,19 +12,18 @@
 
 namespace torka {
 
-// All that the options of one key constrain: a list per option. ConstraintForest owns the trees and the lines
-// that they point to.
+// Everything that the options of one key constrain: a list per option. ConstraintForest owns the trees and
+// the lines to which they point.
 //
-// Most keys have nothing but a stretch of the forest's array of lines. Lines that leave out an option are
-// kept beside it, once each; the lists that they belong to are put together when they are asked for. Only
-// disabling writes such lists out, one option at a time.
+// Most keys only have a range of the forest's array of lines. Lines that omit an option are stored beside it,
+// once each; the lists that contain them are assembled on request. Only disabling writes out such lists, one
+// option at a time.
 //
 // Invariants:
-// (1) The stretch is ascending by option and within one option in line order.
-// (2) Of an option's list come first its lines of the stretch, or, once written out, the pairs of the
-//     written-out list; then the wildcard lines that apply to it and are not written out yet.
-// (3) Once there is a wildcard line, what comes later becomes one too, so that the order of insertion is
-//     kept.
+// (1) The range ascends by option, and within one option by line order.
+// (2) An option's list begins with its lines of the range or, once written out, with the pairs of the
+// written-out list. The wildcard lines follow that apply to the option and are not written out yet.
+// (3) After the first wildcard line, every later line becomes one too. This keeps the order of insertion.
 class KeyConstraintTree {
 public:
     explicit KeyConstraintTree(std::int64_t key)
@@ -35,42 +34,41 @@ public:
 
     std::int64_t Key() const { return constrainingKey; }
 
-    // Says where the forest keeps the key's lines now.
+    // Sets the place of the key's lines in the forest's array.
     void SetLines(std::span<const ConstraintRecord> own) { lines = own; }
-    // Takes a line that must stand behind what the tree holds besides its stretch; false when there is
-    // nothing, and the line belongs into the stretch.
+    // Takes a line that must follow the tree's wildcard or written-out lines. Returns false when the tree has
+    // none; the line then belongs to the range.
     bool TakeLater(const ConstraintRecord& line);
     // Appends a line with an empty option; see WildcardLines::Add.
     void InsertWildcard(std::shared_ptr<const OptionRange> from, std::shared_ptr<const OptionRange> to,
                         const ConstraintRecord& line);
 
-    // A new list of what the option constrains; for -1, what every option constrains, options ascending.
+    // Returns a new list of what the option constrains. -1 means every option, options ascending.
     std::unique_ptr<ItemConstraintList> GetItemConstraintList(std::int64_t option) const;
 
-    // Appends the runs of one option's list (not -1) in order, without expanding any.
+    // Appends the runs of one option's list (not -1) in order, without expanding them.
     void CollectRuns(std::int64_t option, std::vector<ConstraintRun>& runs) const;
     // Appends runs that hold every pair of every option's list at least once, in no order.
     void CollectAllRuns(std::vector<ConstraintRun>& runs) const;
-    // The options that have a list, ascending.
+    // Returns the options that have a list, ascending.
     std::vector<std::int64_t> ActiveOptions() const;
 
-    // Whether hit(run) accepts a run of the option's list, for -1 of any. Looks at equal wildcard lines once
-    // and stops at the first hit; adds to looked what was looked at.
+    // Tells whether hit(run) accepts a run of the option's list, or of any list for -1. Visits equal wildcard
+    // lines once and stops at the first hit. Adds the number of visited lines to `looked`.
     template <typename Hit>
     bool AnyRun(std::int64_t option, Hit hit, std::uint64_t& looked) const;
 
-    // Sets aside a copy of the option's list (-1: of every option), unless one is set aside already, and
-    // takes out of the active one the pairs of key2 with option2 (-1: with any option). Returns the pairs
-    // taken out.
+    // Saves a copy of the option's list (-1: of every option) unless one is saved already. Then removes from
+    // the active list the pairs of key2 with option2 (-1: with any option). Returns the removed pairs.
     std::vector<KeyOption> DisableConstraints(std::int64_t option, std::int64_t key2, std::int64_t option2);
-    // Makes the lists set aside active again, and returns the pairs that this brought back.
+    // Makes the saved lists active again. Returns the pairs that this restores.
     std::vector<KeyOption> EnableConstraints(std::int64_t option);
 
 private:
     using Records = std::vector<ConstraintRecord>;
     struct WrittenList {
         Records pairs;
-        std::size_t wildcards = 0; // how many of those lines are among the pairs
+        std::size_t wildcards = 0; // number of wildcard lines among the pairs
     };
     struct Extras {
         WildcardLines wildcards;

@@ -9,7 +9,7 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t shortList = 32; // scanning is as fast as searching up to here
+constexpr std::size_t shortList = 32; // up to here, scanning is as fast as searching
 constexpr std::size_t insertedOneByOne = 16;
 
 } // namespace

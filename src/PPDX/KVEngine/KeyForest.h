@@ -11,13 +11,13 @@ namespace torka {
 
 class KVCache;
 
-// The options of one key in the order in which they were recorded, duplicates included. Only ever grows.
+// The options of one key in recorded order, duplicates included. Never shrinks.
 class KeyOptions {
 public:
     void Append(std::int64_t option) { items.push_back(option); }
     const std::vector<std::int64_t>& Items() const { return items; }
 
-    // How often the option stands among the first limit ones.
+    // Returns how often the option occurs among the first `limit` ones.
     std::size_t Occurrences(std::int64_t option, std::size_t limit) const;
 
 private:
@@ -29,7 +29,7 @@ private:
 
 // An ordered list of the options that each key offers, in the order in which the description gave them.
 //
-// Owns its arrays, but shares them with the wildcard constraints that were resolved against them.
+// Owns its arrays. Shares them with the wildcard constraints resolved against them.
 class KeyForest {
 public:
     KeyForest() = default;
@@ -38,10 +38,11 @@ public:
     KeyForest& operator=(const KeyForest&) = delete;
 
     void insert(std::int64_t key, std::int64_t option);
-    // The key's options, or null when the key was never inserted.
+    // Returns the key's options, or null when the key was never inserted.
     const std::vector<std::int64_t>* GetItems(std::int64_t key) const;
     std::shared_ptr<const KeyOptions> GetOptions(std::int64_t key) const;
-    // Fills out, which is made when null and emptied otherwise: every option of every key, keys ascending.
+    // Fills `out` with every option of every key, keys ascending. Creates `out` when null, else empties it
+    // first.
     void GetKeys(std::unique_ptr<KVCache>& out) const;
     void clear() { keys.clear(); }
 

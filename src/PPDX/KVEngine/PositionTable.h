@@ -16,15 +16,16 @@ inline std::uint64_t hashIdentifier(std::int64_t identifier) {
     return x ^ (x >> 31U);
 }
 
-// An open-addressing index from hashes to positions in an array that the caller owns and compares with.
+// An open-addressing index from hashes to positions in an array. The caller owns the array and compares with
+// it.
 //
-// Nothing is ever removed: a caller whose array shrinks lets stale positions fail its comparison, and calls
-// Reset when Full() says so. A caller whose array only grows calls Grow instead.
+// Nothing is removed. When its array shrinks, a caller rejects stale positions in its comparison, and calls
+// Reset when Full() returns true. A caller whose array only grows calls Grow instead.
 class PositionTable {
 public:
     static constexpr std::uint32_t none = 0xffffffffU;
 
-    // The first position of this hash that matches(position) accepts, or none.
+    // Returns the first position of this hash that matches(position) accepts, or none.
     template <typename Matches>
     std::uint32_t Find(std::uint64_t hash, Matches matches) const {
         if (slots.empty())
@@ -40,7 +41,7 @@ public:
 
     bool Full() const { return (used + 1) * 4 > slots.size() * 3; }
 
-    // Forgets everything and makes room for that many positions.
+    // Removes everything and makes room for that many positions.
     void Reset(std::size_t expected) {
         slots.assign(std::bit_ceil(expected * 4 / 3 + 8), Slot{});
         used = 0;
@@ -55,7 +56,7 @@ public:
         ++used;
     }
 
-    // Doubles the room; hashOf(position) gives each kept position's hash again.
+    // Doubles the capacity. hashOf(position) must return the hash of each stored position.
     template <typename HashOf>
     void Grow(HashOf hashOf) {
         const std::vector<Slot> old = std::move(slots);

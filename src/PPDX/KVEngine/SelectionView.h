@@ -9,21 +9,21 @@
 
 namespace torka {
 
-// What would be selected once a change set is inserted into the selections, without copying them. Only where
-// a key stands more than once in either is the real thing built. Both must outlive the view and stay
-// unchanged. Not thread-safe, look-ups included.
+// Shows the selections after a change set is inserted, without copying them. Builds a merged copy only when a
+// key repeats in either. Both must outlive the view and stay unchanged. Not thread-safe, not even for
+// look-ups.
 class SelectionView {
 public:
     explicit SelectionView(const KVCache& base, const KVCache* changeSet = nullptr);
-    // After the change of one key, which is not negative.
+    // Shows the selections after the change of one key, which is not negative.
     SelectionView(const KVCache& base, const KeyOption& change);
 
-    // Whether the pair is selected.
+    // Tells whether the pair is selected.
     bool Contains(const KeyOption& pair) const;
-    // Whether any pair of the run is selected.
+    // Tells whether any pair of the run is selected.
     bool ContainsAnyOf(const ConstraintRun& run) const;
 
-    // Calls visit(pair) for each selected pair of the run, last first; stops and answers false once visit
+    // Calls visit(pair) for each selected pair of the run, last first. Stops and returns false when visit
     // does.
     template <typename Visit>
     bool ForEachBackwards(const ConstraintRun& run, Visit visit) const {
@@ -81,7 +81,7 @@ private:
     KeyOption single; // the only change, or (-1, -1)
     std::optional<KVCache> merged;
 
-    // The key asked for last and its answer: the lines of one option mostly name one key after another.
+    // The last key asked and its answer: consecutive lines of one option mostly name the same key.
     mutable std::int64_t lastKey = -1;
     mutable const KeyOption* lastSelected = nullptr;
 };

@@ -4,9 +4,9 @@
 
 namespace torka {
 
-// A constraint line that leaves out one option or both. UIConstraints keeps it until the whole description is
-// read, because only then is it known which options the keys offer. Identifiers are those of the store's
-// CStringSoup; a left-out option is the identifier of the empty text.
+// A constraint line that omits one option or both. UIConstraints keeps it until the whole description is
+// read: only then all options of the keys are known. Identifiers belong to the store's CStringSoup. An
+// omitted option is the identifier of the empty text.
 struct SpecialConstraint {
     std::int64_t key1 = -1;
     std::int64_t option1 = -1;

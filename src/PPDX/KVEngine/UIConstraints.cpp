@@ -18,7 +18,7 @@ UIConstraints::UIConstraints()
     , options(std::make_unique<KeyForest>()) {}
 
 UIConstraints::~UIConstraints() {
-    engine.reset(); // it looks at the selections and the forests
+    engine.reset(); // it refers to the selections and the forests
 }
 
 void UIConstraints::KVSInsert(std::string_view keyText, std::string_view optionText) {
@@ -49,7 +49,7 @@ void UIConstraints::Resolve() {
     const std::int64_t none = strings->Insert("None");
     const std::int64_t off = strings->Insert("False");
 
-    // Null for a key without options to stand for: a line with it contributes nothing.
+    // Null for a key without usable options: a line with it has no effect.
     std::unordered_map<std::int64_t, std::shared_ptr<const OptionRange>> ranges;
     const auto rangeOf = [&](std::int64_t key) {
         const auto [entry, isNew] = ranges.try_emplace(key);

@@ -15,11 +15,11 @@ class ConstraintsEngine;
 class KeyForest;
 class KVCache;
 
-// The constraint store of one printer description: every option that each keyword offers, every constraint
-// and requirement between two options, and what is selected now.
+// The constraint store of one printer description. Holds every option of each keyword, every constraint and
+// requirement between two options, and the current selections.
 //
-// Owns all of it, the resolution engine too; the description owns the store. Keys and options are identifiers
-// in one string table; -1 stands for "not found" or "any". Texts end at their first NUL. Not thread-safe: the
+// Owns all of it and the resolution engine; the description owns the store. Keys and options are identifiers
+// in one string table; -1 means "not found" or "any". Texts end at their first NUL. Not thread-safe: only the
 // host's main thread uses it.
 class UIConstraints {
 public:
@@ -28,40 +28,40 @@ public:
     UIConstraints(const UIConstraints&) = delete;
     UIConstraints& operator=(const UIConstraints&) = delete;
 
-    // Records an option that a key offers, in the order of the calls; the same option may be recorded twice.
+    // Records an option of a key, in the order of the calls. The same option may be recorded twice.
     void KVSInsert(std::string_view keyText, std::string_view optionText);
     void KVSInsert(std::int64_t key, std::int64_t option);
 
-    // Records one constraint line (requirement: the line demands instead of forbidding). An empty option text
-    // means every option of that key and waits for Resolve(). REQUIRES: no NUL in any text.
+    // Records one constraint line; a requirement demands instead of forbidding. An empty option text means
+    // every option of that key and waits for Resolve(). REQUIRES: no NUL in any text.
     void Add(std::string_view key1Text, std::string_view option1Text, std::string_view key2Text,
              std::string_view option2Text, bool requirement);
 
-    // Gives the lines with empty options their meaning: the options recorded so far, but for "None" and
-    // "False". Call it once the whole description is read. Options recorded later are not touched by those
-    // lines.
+    // Resolves the lines with empty options: they mean the options recorded so far, except "None" and
+    // "False". Call it when the whole description is read. Those lines do not affect options recorded later.
     void Resolve();
 
-    // Makes option the current selection of key. A negative key is ignored.
+    // Makes option the current selection of key. Ignores a negative key.
     void UpdateKVCache(std::string_view keyText, std::string_view optionText);
     void UpdateKVCache(std::int64_t key, std::int64_t option);
 
-    // Whether choosing option for key would conflict with what is selected now. A key never seen is never
-    // constrained; an option never seen (-1) stands for every option of the key. Interns nothing.
+    // Tells whether selecting option for key would conflict with the current selections. An unknown key is
+    // never constrained. An unknown option (-1) means every option of the key. Adds nothing to the string
+    // table.
     bool IsKVConstrained(std::string_view keyText, std::string_view optionText);
     bool IsKVConstrained(std::int64_t key, std::int64_t option);
 
-    // True when the change set conflicts with nothing that would be selected after it.
+    // Returns true when the change set has no conflicts with the selections that result from it.
     bool ValidateDelta(const KVCache& changeSet);
 
-    // The store keeps ownership of what these return; none is ever null.
+    // The store owns what these return. None returns null.
     ConstraintForest* GetConstraintForest() const { return constraints.get(); }
     ConstraintForest* GetRequiresForest() const { return requirements.get(); }
     CStringSoup* GetConstraintStrings() const { return strings.get(); }
     const KVCache* GetCurrentSelections() const { return selections.get(); }
     const KeyForest* GetKeyForest() const { return options.get(); }
 
-    // The engine over the live selections, made on first use, without a locked list.
+    // Returns the engine for the live selections, without a locked list. Creates it at the first call.
     ConstraintsEngine* GetEngine();
 
 private:

@@ -11,28 +11,28 @@
 
 namespace torka {
 
-// The lines of one constraining key that leave out an option, and the lines that came after the first of
-// them. A line is kept as it stands and never multiplied out; of equal lines only the first is kept whole.
+// The lines of one constraining key that omit an option, and all lines after the first of them. Lines are
+// stored without expanding them; of equal lines only the first is stored whole.
 //
-// Lines are numbered from 0 in the order in which they came.
+// Lines are numbered from 0 in the order of insertion.
 class WildcardLines {
 public:
-    // from is the range of constraining options, or null when line.option1 is the only one; to is the range
-    // of key2's constrained options, or null when line.option2 is the only one. Neither may be empty.
+    // `from` is the range of constraining options, or null when line.option1 is the only one. `to` is the
+    // range of key2's constrained options, or null when line.option2 is the only one. Neither may be empty.
     void Add(std::shared_ptr<const OptionRange> from, std::shared_ptr<const OptionRange> to,
              const ConstraintRecord& line);
-    // How many lines there are, equal ones included.
+    // Returns the number of lines, equal ones included.
     std::size_t size() const { return count; }
 
-    // Appends the runs of the lines numbered first and above that apply to the option, in order.
+    // Appends the runs of the lines from number `first` on that apply to the option, in order.
     void CollectRuns(std::int64_t option, std::size_t first, std::vector<ConstraintRun>& runs) const;
-    // Appends one run of each different line, whatever its option.
+    // Appends one run of each different line, for any option.
     void CollectDistinctRuns(std::vector<ConstraintRun>& runs) const;
-    // Appends every option that a line applies to, in no order; options may repeat.
+    // Appends every option to which a line applies, in no order; options may repeat.
     void CollectOptions(std::vector<std::int64_t>& options) const;
 
-    // Whether hit(run) accepts a run of one of those lines. Asks for each different line at most once and
-    // stops at the first hit; adds to looked what was looked at.
+    // Tells whether hit(run) accepts a run of one of those lines. Tests each different line at most once and
+    // stops at the first hit. Adds the number of visited lines to `looked`.
     template <typename Hit>
     bool AnyRun(std::int64_t option, std::size_t first, Hit hit, std::uint64_t& looked) const;
 
@@ -48,7 +48,7 @@ private:
     };
     struct Sequence {
         std::vector<Entry> entries;       // ascending by number
-        std::vector<std::uint32_t> kinds; // those of the entries, each once
+        std::vector<std::uint32_t> kinds; // of the entries, each once
     };
     // The last range asked and its answer: lines that were resolved together share their range.
     struct LastRange {
@@ -83,7 +83,8 @@ bool WildcardLines::AnyRun(std::int64_t option, std::size_t first, Hit hit, std:
         return AnyOf(OneOptionLines(option).kinds, option, hit, looked) ||
                AnyOf(manyOptionLines.kinds, option, hit, looked);
     }
-    // Only lines that came after the option's list was written out: few, as that is done to a whole store.
+    // Only lines that came after the option's list was written out. They are few, because lists are written
+    // out when the store is complete.
     std::vector<ConstraintRun> runs;
     CollectRuns(option, first, runs);
     looked += runs.size();
