@@ -10,11 +10,11 @@
 
 namespace torka {
 
-// A list of elements in the order in which they came, with a cursor and an index by keyword. Refers to the
-// elements only. REQUIRES: an element outlives its place in the list and keeps its keyword.
+// A list of elements in order of addition, with a cursor and an index by keyword. Does not own the elements.
+// REQUIRES: an element outlives the list and keeps its keyword.
 //
-// Look-up by whole keyword is hashed and gives the first element in list order; look-up by part of one walks
-// the list.
+// Look-up by whole keyword is hashed and returns the first element in list order. Look-up by part of a
+// keyword scans the list.
 template <class T>
 class ElementList {
 public:
@@ -33,7 +33,7 @@ public:
     std::size_t Size() const { return elements.Size(); }
     bool Empty() const { return elements.Empty(); }
 
-    // The next element that `accept` takes; null at the end and from then on.
+    // Return the next element that `accept` takes; null at the end and from then on.
     template <class Accept>
     T* First(Accept accept) {
         cursor = elements.Begin();
@@ -51,11 +51,12 @@ public:
         }
     }
 
-    // Null keyword: null.
+    // Returns null for a null keyword.
     T* Find(const char* keyword, bool exact) const {
         return Find(keyword, exact, [](const T*) { return true; });
     }
-    // The first in list order whose keyword equals `keyword` (exact) or contains it, and that `accept` takes.
+    // Returns the first element in list order whose keyword equals `keyword` (exact) or contains it, and that
+    // `accept` takes.
     template <class Accept>
     T* Find(const char* keyword, bool exact, Accept accept) const {
         if (!keyword) {

@@ -6,16 +6,16 @@
 
 namespace torka {
 
-// Numbers as the texts that leave the model, always in the C locale.
+// Formats numbers for texts that leave the model, always in the C locale.
 
-// A number in an own buffer: "%ld", or "%.<decimals>f" padded with leading blanks to `width`. Decimals: 0
-// to 9.
+// A number in its own buffer: "%ld", or "%.<decimals>f" padded with leading blanks to `width`. Decimals: 0 to
+// 9.
 class NumberText {
 public:
     explicit NumberText(long value);
     NumberText(float value, int decimals, std::size_t width = 0);
     std::string_view View() const { return {buffer.data() + start, length}; }
-    // With a terminator.
+    // Returns the text with a terminator.
     const char* Text() const { return buffer.data() + start; }
 
 private:
@@ -24,10 +24,10 @@ private:
     std::size_t length = 0;
 };
 
-// The nearest float, held to the finite ones; 0 for what is no number.
+// Returns the nearest finite float; 0 for NaN.
 float nearestFloat(double value);
 
-// Two upper-case hexadecimal digits for each byte.
+// Appends two upper-case hexadecimal digits for each byte.
 void appendHex(std::string_view bytes, std::string& out);
 
 } // namespace torka

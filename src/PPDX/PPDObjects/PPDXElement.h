@@ -11,28 +11,27 @@ namespace torka {
 
 class Settings;
 
-// What every control, group and property page of a description is: a keyword, a name shown to people, and a
-// place in the tree. Owns its texts; the parent is referred to only. Elements are neither copied nor moved,
-// since lists and children point to them.
+// The base of every control, group and property page: a keyword, a displayed name, and a place in the tree.
+// Owns its texts; refers to its parent. Cannot be copied or moved, because lists and children point to it.
 class PPDXElement {
 public:
-    // An empty or null keyword leaves the element without one. REQUIRES: inLocalName is not null.
+    // An empty or null keyword makes an element without one. REQUIRES: inLocalName is not null.
     PPDXElement(const char* keyword, CFStringRef inLocalName, bool visible);
-    // As Save() left it under `prefix` and `index`.
+    // Rebuilds what Save() stored under `prefix` and `index`.
     PPDXElement(Settings& settings, int index, const CString* prefix);
     PPDXElement(const PPDXElement&) = delete;
     PPDXElement& operator=(const PPDXElement&) = delete;
     virtual ~PPDXElement();
 
-    // 0: visible and not an orphan; 1: visible; 2: not an orphan; otherwise always.
+    // Returns true by options: 0: visible and not an orphan; 1: visible; 2: not an orphan; otherwise always.
     virtual bool OkayToDisplay(const _DISPLAY_OPTIONS_& options) const;
 
-    // The PPD main keyword with its leading "*", or null.
+    // Returns the PPD main keyword with its leading "*", or null.
     const char* Keyword() const { return keyword ? keyword->Buffer() : nullptr; }
-    // The keyword as a string object, made once; null without a keyword.
+    // Returns the keyword as a string object, made once; null without a keyword.
     const CFStringRef& CFStringKeyword() const;
     std::size_t KeywordLength() const { return keyword ? keyword->Size() : 0; }
-    // The local name in the system encoding; valid as long as the element.
+    // Returns the local name in the system encoding; valid as long as the element.
     const char* UserName() const;
     const CFStringRef& CFStringUserName() const { return localName; }
     bool IsVisible() const { return visible != 0; }
@@ -40,7 +39,7 @@ public:
     PPDXElement* GetParent() const { return parent; }
     void SetParent(PPDXElement* newParent) { parent = newParent; }
 
-    // Same keyword; false when either has none.
+    // Compare keywords; false when either has none.
     bool operator==(const PPDXElement& other) const;
     bool operator==(const char* otherKeyword) const;
 

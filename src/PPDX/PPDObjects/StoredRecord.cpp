@@ -9,7 +9,7 @@ namespace torka {
 
 namespace {
 
-// XML cannot hold the other control characters, and turns a carriage return into a line feed.
+// XML cannot hold the other control characters, and changes a carriage return to a line feed.
 bool isPlain(std::string_view bytes) {
     const bool hasControl = std::ranges::any_of(bytes, [](char c) {
         return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;

@@ -9,11 +9,11 @@
 
 namespace torka {
 
-// The flags of a job note: one row tells a flag's word, level, effect and characters. The parser, the note's
-// accessors, the pane, the tool and the table in docs/extended-ppd.md go by these rows.
+// The flags of a job note. One row holds a flag's word, level, effect and characters. The parser, the note's
+// accessors, the pane, the command line and the table in docs/extended-ppd.md use these rows.
 //
-// A new flag is an enumerator in JobNoteFlag and a row in jobNoteFlags; the assertions below fail for one
-// without the other, and a test compares the rows with the document.
+// A new flag needs an enumerator in JobNoteFlag and a row in jobNoteFlags. The assertions below fail for one
+// without the other. A test compares the rows with the document.
 
 enum JobNoteFlag : std::uint32_t {
     jobNoteNoFlag = 0,
@@ -46,7 +46,7 @@ enum JobNoteFlag : std::uint32_t {
     jobNoteFlagsEnd // one more than the last flag
 };
 
-// Kinds of characters, as a set.
+// A set of kinds of characters.
 enum NoteCharacters : std::uint8_t {
     noteNoCharacters = 0,
     noteDigits = 1u << 0,
@@ -61,10 +61,10 @@ enum NoteCharacters : std::uint8_t {
 struct NoteCharacterKind {
     NoteCharacters kind;
     std::u16string_view characters;
-    std::string_view name; // in English; the character itself for kinds of one
+    std::string_view name; // in English; the character itself for a kind with one character
 };
 
-// In the order in which a person reads them.
+// In the order shown to users.
 inline constexpr std::array<NoteCharacterKind, 7> noteCharacterKinds = {{
     {noteDigits, u"0123456789", "digits"},
     {noteLetters, u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", "letters"},
@@ -75,39 +75,39 @@ inline constexpr std::array<NoteCharacterKind, 7> noteCharacterKinds = {{
     {noteUnderscore, u"_", "_"},
 }};
 
-// What a flag does to the characters that may be typed.
+// The effect of a flag on the characters that may be typed.
 enum class NoteTyping : std::uint8_t {
     free,     // nothing
     limits,   // a note with such a flag takes only characters that its flags admit
-    joins,    // its characters join those of flags that limit; alone it leaves every character
-    replaces, // its characters and no others, whatever the other flags say
+    joins,    // its characters join those of limiting flags; alone it admits every character
+    replaces, // admits only its own characters, regardless of other flags
 };
 
 // Where a flag takes effect.
 enum class NoteEffect : std::uint8_t {
-    typing,       // on each character
+    typing,       // on each typed character
     finishedText, // on the text before it leaves: brokenNoteRules
-    field,        // on how the pane shows the note and keeps its text
-    job,          // on how the text goes into the job
-    none,         // the flag is recorded only
+    field,        // on the display of the note and the storage of its text
+    job,          // on the form of the text in the job
+    none,         // nowhere: the flag is only recorded
 };
 
 struct JobNoteFlagRow {
     JobNoteFlag flag;
     std::string_view word;
-    int level; // lowest extension-support level that takes the word
+    int level; // lowest extension-support level that accepts the word
     NoteEffect effect;
-    std::string_view meaning;             // for the author of a description
-    std::string_view rule = {};           // what a finished text that breaks it must do; "%1" is a length
-    NoteTyping typing = NoteTyping::free; // the rest is about typed characters
+    std::string_view meaning;             // for authors of descriptions
+    std::string_view rule = {};           // what a finished text must satisfy; "%1" stands for a length
+    NoteTyping typing = NoteTyping::free; // the remaining fields are about typed characters
     std::uint8_t admits = noteNoCharacters;
-    bool unlessDecimal = false; // admits nothing beside "Decimal"
+    bool unlessDecimal = false; // admits nothing when "Decimal" is set too
 };
 
 inline constexpr std::uint8_t lcdCharacters =
     noteDigits | noteLetters | noteHyphen | noteComma | notePeriod | noteUnderscore;
 
-// In bit order: entry n stands for bit n.
+// In bit order: entry n is bit n.
 inline constexpr std::array<JobNoteFlagRow, 26> jobNoteFlags = {{
     {.flag = jobNoteAlpha,
      .word = "Alpha",
@@ -262,10 +262,10 @@ inline constexpr std::array<JobNoteFlagRow, 26> jobNoteFlags = {{
      .meaning = "asked for in a dialog before printing"},
 }};
 
-// What MAXLEN asks of a text. It is no flag: every note has one.
+// The rule of MAXLEN. It has no flag, because every note has a MAXLEN.
 inline constexpr std::string_view maximumLengthRule = "must have at most %1 characters";
 
-// The flags that limit which characters may be typed.
+// Returns the flags that limit the characters that may be typed.
 constexpr std::uint32_t limitingNoteFlags() {
     std::uint32_t flags = 0;
     for (const JobNoteFlagRow& row : jobNoteFlags) {
@@ -290,56 +290,57 @@ static_assert(limitingNoteFlags() == 0x36007);
 
 // REQUIRES: one flag.
 const JobNoteFlagRow& jobNoteFlagRow(JobNoteFlag flag);
-// No flag limits the characters, and none replaces them.
+// Returns true when no flag limits or replaces the characters.
 bool takesAnyCharacter(std::uint32_t flags);
-// The kinds of characters that may be typed into a note that does not take any character.
+// Returns the kinds of characters that may be typed into a note that does not accept every character.
 std::uint8_t admittedCharacters(std::uint32_t flags);
-// noteNoCharacters for a UTF-16 unit of none of the kinds.
+// Returns noteNoCharacters for a UTF-16 unit that belongs to no kind.
 NoteCharacters noteCharacterKind(char16_t unit);
-// Whether the UTF-16 unit may be typed into a note with these flags.
+// Tells whether the UTF-16 unit may be typed into a note with these flags.
 bool isAdmittedCharacter(std::uint32_t flags, char16_t unit);
 
-// What a note's declaration says about its finished text. Lengths are in UTF-16 units.
+// The limits of a note's finished text, from its declaration. Lengths are in UTF-16 units.
 struct NoteLimits {
     std::uint32_t flags = 0; // of JobNoteFlag
     std::int64_t maxLength = 0;
-    std::int64_t minLength = 0; // a negative one counts as none
+    std::int64_t minLength = 0; // a negative length counts as 0
 };
 
 struct BrokenNoteRule {
-    JobNoteFlag flag;    // whose rule it is; jobNoteNoFlag for MAXLEN
-    std::int64_t length; // the length that the rule names, 0 for none
+    JobNoteFlag flag;    // the flag that sets the rule; jobNoteNoFlag for MAXLEN
+    std::int64_t length; // the length in the rule, 0 for none
 
-    // In English, to follow the note's name: "must have at least 4 characters".
+    // Returns the rule in English, to follow the note's name: "must have at least 4 characters".
     std::string Words() const;
 };
 
-// The rules that a finished text breaks, none for one that may go with a job. An empty text breaks only
-// "Required"; a minimum length holds without the bit of "MinLength"; an on/off switch breaks none. Which
-// characters may be typed is not asked again.
+// Returns the rules that a finished text breaks, none for a text that may go with a job. An empty text can
+// break only "Required". A minimum length holds even without the bit of "MinLength". An on/off switch breaks
+// no rule. Does not check which characters may be typed.
 std::vector<BrokenNoteRule> brokenNoteRules(const NoteLimits& limits, std::u16string_view text);
-// Items of two letters or digits, or ranges of two such items with "-" between them and the second not before
-// the first, separated by commas; blanks around items do not count. An empty or blank text will do.
+// Tells whether a text consists of items of two letters or digits, or ranges of two such items, separated by
+// commas. A range has "-" between its items, and the second is not before the first. Blanks around items are
+// ignored. An empty or blank text is valid.
 bool isTwoCharacterRanges(std::u16string_view text);
 
-// Collects the flag words of one declaration.
+// Reads the flag words of one declaration.
 class JobNoteFlagReader {
 public:
     enum class Result {
         taken,
         unknown,   // no such word; not an error
-        aboveLevel // a known word that the description's level does not have: the declaration fails
+        aboveLevel // a known word above the description's level: the declaration fails
     };
 
-    // The description's extension-support level is 0 to 3.
+    // Takes the description's extension-support level, 0 to 3.
     explicit JobNoteFlagReader(int supportLevel)
         : level(supportLevel) {}
     // A word that begins with "MinLength" also sets the minimum length, whatever the result.
     Result Read(std::string_view word);
 
     std::uint32_t Flags() const { return flags; }
-    // 0 for none; -1, -2, -3: first character after the word no digit, more than two of them, second one no
-    // digit.
+    // Returns 0 for none, and a negative value for a bad "MinLength": -1 when the first character after the
+    // word is not a digit, -2 for more than two characters, -3 when the second is not a digit.
     std::int64_t MinLength() const { return minLength; }
 
 private:

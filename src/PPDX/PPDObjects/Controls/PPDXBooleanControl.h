@@ -4,9 +4,9 @@
 
 namespace torka {
 
-// The PostScript of one state of a boolean; the bytes belong to the parser.
+// The PostScript of one state of a boolean. The parser owns the bytes.
 struct BooleanBranch {
-    const char* text = nullptr; // shown to people; copied, may be missing
+    const char* text = nullptr; // the displayed text; copied, may be null
     const unsigned char* psData = nullptr;
     long psLength = 0;
 };
@@ -24,14 +24,14 @@ public:
     long PostScript(unsigned char* out) override;
     void Restore(Settings& settings, int index) override;
     CFStringRef CopyCurrentControlValueString() override;
-    // True when the text begins with "True" in any letter case.
+    // Sets the state to true when the text begins with "True" in any letter case, else to false.
     void SetCurrentControlWithCFString(CFStringRef text) override;
 
     bool IsTrue() const { return value != 0; }
     void SetValue(bool state);
     void SetDefaultValue(bool state) { defaultValue = state ? 1 : 0; }
     bool DefaultState() const { return defaultValue != 0; }
-    // Null when the description gave none.
+    // Return null when the description has no such text.
     const char* TrueDisplayText() const;
     const char* FalseDisplayText() const;
 

@@ -14,7 +14,7 @@ namespace torka {
 
 namespace {
 
-// Settings of the system's own and of local properties, which are no controls to offer. Sorted.
+// Settings of the system and of local properties; they are not offered as controls. Sorted.
 constexpr std::array<std::string_view, 30> invalidKeywords = {
     "*QVHueKeeper",
     "*QV_LOCAL_PROP_BACKPAGEMEDIA",
@@ -51,7 +51,7 @@ static_assert(std::ranges::is_sorted(invalidKeywords));
 
 constexpr std::size_t largestInjection = 64U << 20;
 
-// Fields of the document server, which reads its values as literal strings only.
+// Fields of the document server, which reads their values only as literal strings.
 bool isNeverHex(std::string_view keyword) {
     return keyword == "*QVDSFileName" || keyword == "*QVDSPassword" || keyword == "*QVDSUserName";
 }
@@ -64,8 +64,8 @@ std::size_t countOf(std::string_view text, std::string_view part) {
     return count;
 }
 
-// Every occurrence of `part`, found from left to right in the text as it was. False when the result would be
-// too long.
+// Replaces every occurrence of `part`, searched from left to right in the original text. Returns false when
+// the result would be too long.
 bool replaceAll(std::string_view text, std::string_view part, std::string_view with, std::string& out) {
     const std::size_t count = countOf(text, part);
     const std::size_t kept = text.size() - count * part.size();
@@ -231,11 +231,11 @@ bool PPDXControl::FindControlFlag(const char* name) const {
            });
 }
 
-// A job note's value is any text that a user typed, so it goes in as a PostScript hex string, within which
-// nothing can end the string or be an operator; parentheses that the template has around it are taken away. A
-// template that begins with "%%" is a comment, where the value stands as it is. All of it is bytes: reading
-// them as Mac Roman and writing Mac Roman again gives every byte back, so texts in other encodings pass
-// unharmed.
+// A job note's value is any text that a user typed. It becomes a PostScript hex string: no character in it
+// can end the string or act as an operator. Parentheses of the template around it are removed. In a template
+// that begins with "%%", a comment, the value stays as it is.
+// All texts are bytes here. Reading and writing them as Mac Roman preserves every byte, so texts in other
+// encodings are unharmed.
 long PPDXControl::Inject(const char* name, const unsigned char* psTemplate, long templateLength,
                          const char* value, std::string& out) const try {
     out.clear();

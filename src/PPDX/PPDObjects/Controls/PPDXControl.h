@@ -26,9 +26,8 @@ enum class CNTL_TYPE : std::int32_t {
     customPageSize = 7
 };
 
-// What the parser knows of a control when it makes one. Keyword, name and flags are copied; the PostScript
-// bytes stay the parser's and must outlive the control, and so must the constraint store (which may be
-// missing).
+// The parser's data for a new control. The control copies keyword, name and flags. The parser keeps the
+// PostScript bytes, which must outlive the control. So must the constraint store, which may be null.
 struct ControlDefinition {
     const char* keyword = nullptr;
     CFStringRef localName;
@@ -39,14 +38,14 @@ struct ControlDefinition {
     long psLength = 0;                     // bytes; none when not positive
 };
 
-// Empty for null or a length that is not positive.
+// Returns an empty view for null or a length that is not positive.
 std::string_view bytesView(const unsigned char* bytes, long length);
-// The bytes of a text; no terminator counts.
+// Returns the bytes of a text, without a terminator.
 const unsigned char* bytesOf(const std::string& text);
 
-// One option that the user can set. Subclasses hold the value and say how it becomes text and PostScript.
+// One option that the user can set. Subclasses hold the value and convert it to text and PostScript.
 //
-// PostScript(out): with null the number of bytes that would be written, with a buffer of that size the bytes.
+// PostScript(null) returns the number of bytes. PostScript(out) writes them to a buffer of that size.
 class PPDXControl : public PPDXElement {
 public:
     PPDXControl(CNTL_TYPE type, const ControlDefinition& definition);
@@ -54,11 +53,11 @@ public:
     ~PPDXControl() override;
 
     bool OkayToDisplay(const _DISPLAY_OPTIONS_& options) const override;
-    // Everything needed to rebuild the control, under "Control<index>".
+    // Stores everything needed to rebuild the control, under "Control<index>".
     virtual void Save(Settings& settings, const int& index) const;
     virtual void ResetToDefaultValue();
     virtual long PostScript(unsigned char* out);
-    // The value alone, from what Save() stored.
+    // Restores only the value that Save() stored.
     virtual void Restore(Settings& settings, int index);
     virtual CFStringRef CopyCurrentControlValueString();
     virtual void SetCurrentControlWithCFString(CFStringRef text);
@@ -67,10 +66,10 @@ public:
     virtual bool IsInstallableOption() const;
 
     CNTL_TYPE Type() const { return type; }
-    // False for null and for the 30 keywords that no shortcut may name.
+    // Returns false for null and for the 30 keywords that no shortcut may name.
     static bool ValidKeyword(const char* keyword);
 
-    // The texts of a list of C strings in turn; null at its end.
+    // Iterate over a list of C strings. Return null at the end.
     static const char* FirstString(const PointerList& strings, ConstPointerListItr& cursor);
     static const char* NextString(const PointerList& strings, ConstPointerListItr& cursor);
     const char* FirstControlFlag();
@@ -92,23 +91,23 @@ public:
     long PSLength() const { return psLength; }
     UIConstraints* Constraints() const { return constraints; }
 
-    // Puts `value` for every "<name>" of the template; a job note's value goes in as a hex string, see the
-    // source. Returns the length of `out`, 0 when memory is short or the result would pass 64 MiB. A value
-    // that holds the placeholder is not looked at again.
+    // Replaces every "<name>" of the template by `value`; a job note's value becomes a hex string (see the
+    // source). Does not search an inserted value again. Returns the length of `out`, 0 when memory runs out
+    // or the result would exceed 64 MiB.
     long Inject(const char* name, const unsigned char* psTemplate, long templateLength, const char* value,
                 std::string& out) const;
-    // "%%BeginFeature: KEYWORD OPTION", the bytes (a single line feed for none), "%%EndFeature"; without
-    // `wrap` the bytes alone. Returns the byte count; a null `out` asks for it only.
+    // Writes "%%BeginFeature: KEYWORD OPTION", the bytes (a single line feed for none) and "%%EndFeature";
+    // without `wrap` only the bytes. Returns the number of bytes. A null `out` only counts them.
     long GeneratePSOutputData(unsigned char* out, const unsigned char* ps, long length,
                               std::string_view option, bool wrap) const;
-    // Tells the constraint store what is selected now; nothing without a store or a text.
+    // Reports the current selection to the constraint store. Does nothing without a store or a text.
     void UpdateKVCache(const char* keyword, const char* value) const;
     void UpdateKVCache(std::int64_t keyword, std::int64_t value) const;
-    // Gives a control rebuilt from settings its store, and tells the store its value.
+    // Sets the store of a control rebuilt from settings, and reports the value to it.
     void SetConstraints(UIConstraints* store);
 
 protected:
-    // Tells the store the current value; controls whose values it does not follow do nothing.
+    // Reports the current value to the store. Does nothing in controls whose values the store does not track.
     virtual void ReportValue() const;
     // Keeps bytes that came from settings and have no other owner.
     const unsigned char* KeepBytes(std::string_view bytes);
@@ -127,7 +126,7 @@ private:
     std::vector<std::unique_ptr<unsigned char[]>> keptBytes;
 };
 
-// False for null.
+// Return false for null.
 bool IsSpoolerControl(const PPDXControl* control);
 bool IsNoTorkaDriverUIControl(const PPDXControl* control);
 bool IsSetupControl(const PPDXControl* control);

@@ -14,7 +14,7 @@ namespace torka {
 
 class PPDXGroups;
 
-// How many controls of a kind there are, taken when each is added.
+// Numbers of controls of one kind. A control is counted when it is added.
 struct CountArray {
     std::size_t total = 0;
     std::size_t orphans = 0;
@@ -22,24 +22,24 @@ struct CountArray {
     std::size_t hiddenOrphans = 0;
 };
 
-// Controls in the order in which they were added, together and by kind. The description's main collection
-// owns its controls and deletes them; a roll-down's collection refers to them.
+// Holds controls in the order of addition, together and by kind. The description's main collection owns its
+// controls and deletes them; a roll-down's collection refers to them.
 //
-// Counts and First/Next follow the display options in force; Find does not. A control is added once its
-// parent is set.
+// Counts and First/Next obey the current display options; Find does not. Set a control's parent before adding
+// it.
 class PPDXControls {
 public:
     enum class Ownership { owns, refers };
 
     explicit PPDXControls(Ownership ownership = Ownership::owns);
-    // The controls that Save() stored, owned, told to the constraint store, each in its roll-down out of
-    // `groups` again (both may be null).
+    // Rebuilds the controls that Save() stored, owns them, and reports them to the constraint store. Puts
+    // each into its roll-down in `groups`. Both may be null.
     PPDXControls(Settings& settings, UIConstraints* constraints, const PPDXGroups* groups);
     PPDXControls(const PPDXControls&) = delete;
     PPDXControls& operator=(const PPDXControls&) = delete;
     ~PPDXControls();
 
-    // An owning collection takes the control over. Null is passed over.
+    // Adds a control. An owning collection takes ownership. Ignores null.
     void Add(PPDXControl* control);
 
     std::size_t PopupCount() const { return Count(popups.counts); }
@@ -49,10 +49,10 @@ public:
     std::size_t JobNoteCount() const { return Count(jobNotes.counts); }
     std::size_t CustomPageSizeCount() const { return Count(customPageSizes.counts); }
     std::size_t SpecialOptionsCount() const { return Count(specialOptions.counts); }
-    // All kinds but special options.
+    // Counts all kinds except special options.
     std::size_t ControlCount() const;
 
-    // These look at everything that was added.
+    // These include every control that was added.
     bool Empty() const { return all.Empty(); }
     bool NoPopups() const { return popups.list.Empty(); }
     bool NoBooleanControls() const { return booleans.list.Empty(); }
@@ -61,7 +61,7 @@ public:
     bool NoJobNotes() const { return jobNotes.list.Empty(); }
     bool NoSpecialOptions() const { return specialOptions.list.Empty(); }
 
-    // Each kind has a cursor of its own. At the end null, with the type `none`.
+    // Each kind has its own cursor. Return null at the end, with the type `none`.
     PPDXControl* First(CNTL_TYPE& type);
     PPDXControl* Next(CNTL_TYPE& type);
     PPDXPopupControl* FirstPopupControl();
@@ -79,16 +79,16 @@ public:
     PPDXSpecialOption* FirstSpecialOption();
     PPDXSpecialOption* NextSpecialOption();
 
-    // Every control whatever the display options, in order: visit(PPDXControl*).
+    // Calls visit(PPDXControl*) for every control in order, regardless of the display options.
     template <class Visit>
     void ForEach(Visit visit) const {
         all.ForEach(visit);
     }
 
-    // The first in list order whose keyword equals (exact) or contains the argument; null for null or none,
-    // with the type `none`.
+    // Returns the first control in list order whose keyword equals (exact) or contains the argument. Returns
+    // null, with the type `none`, for null or no match.
     PPDXControl* Find(const char* keyword, CNTL_TYPE& type, bool exact) const;
-    // As Find, among the controls that the display options in force show.
+    // Does the same among the controls that the current display options show.
     PPDXControl* FindDisplayed(const char* keyword, CNTL_TYPE& type, bool exact) const;
     PPDXPopupControl* FindPopup(const char* keyword, bool exact) const;
     PPDXBooleanControl* FindBoolean(const char* keyword, bool exact) const;
@@ -99,7 +99,7 @@ public:
     PPDXSpecialOption* FindSpecialOption(const char* keyword, bool exact) const;
 
     void Save(Settings& settings) const;
-    // The values that Save() stored, for the controls that are here under the same keyword and type.
+    // Restores the values that Save() stored, for the controls with the same keyword and type.
     void Restore(Settings& settings);
 
 private:

@@ -11,11 +11,11 @@ struct CustomPageSizeBounds { // points
     float maxHeight = 0;
 };
 
-// A page size of the user's own, in points. Always visible, its name always "Custom Page Size". The bounds
-// are for the user interface; setting a size does not hold it to them.
+// A user-defined page size, in points. Always visible and always named "Custom Page Size". The bounds are for
+// the user interface; setting a size does not enforce them.
 class PPDXCustomPageSizeControl final : public PPDXControl {
 public:
-    // Of the definition, name and visibility are not read. Width and height start at 0.
+    // Ignores name and visibility of the definition. Width and height start at 0.
     PPDXCustomPageSizeControl(const ControlDefinition& definition, const CustomPageSizeBounds& bounds);
     PPDXCustomPageSizeControl(Settings& settings, int index, const CString* prefix);
     ~PPDXCustomPageSizeControl() override;
@@ -23,9 +23,9 @@ public:
     void Save(Settings& settings, const int& index) const override;
     void ResetToDefaultValue() override;
     void Restore(Settings& settings, int index) override;
-    // "WIDTH HEIGHT", six decimals each.
+    // Returns "WIDTH HEIGHT", with six decimals each.
     CFStringRef CopyCurrentControlValueString() override;
-    // Without a blank only the width is read.
+    // Reads only the width from a text without a blank.
     void SetCurrentControlWithCFString(CFStringRef text) override;
 
     float MinWidth() const { return minWidth; }

@@ -63,7 +63,7 @@ void PPDXFloatRangeControl::RestoreValue(const StoredRecord& record) {
     const float stored = record.Real("value");
     SetValue(stored);
     if (stored >= minimum && stored <= maximum) {
-        value = stored; // not rounded once more
+        value = stored; // without rounding it again
     }
 }
 
@@ -84,8 +84,7 @@ void PPDXFloatRangeControl::SetValue(float newValue) {
     if (newValue > maximum) {
         newValue = maximum;
     }
-    // In two roundings, as the controller's own software computes it; not where the quotient leaves the
-    // range.
+    // Rounds twice, as the controller's own software does, unless the quotient or the product overflows.
     const float steps = increment != 0 ? newValue / increment : 0;
     const float product = increment * steps;
     value = increment != 0 && std::isfinite(steps) && std::isfinite(product) ? product : newValue;

@@ -15,8 +15,8 @@ struct FloatRangeBounds {
     float defaultValue = 0;
 };
 
-// A decimal number between bounds, put into a PostScript template. The increment steps the user interface
-// only.
+// A decimal number between bounds, inserted into a PostScript template. The increment is only for the user
+// interface.
 class PPDXFloatRangeControl final : public PPDXControl {
 public:
     PPDXFloatRangeControl(const ControlDefinition& definition, const FloatRangeBounds& bounds);
@@ -35,8 +35,8 @@ public:
     float Increment() const { return increment; }
     float DefaultValue() const { return defaultValue; }
     float GetValue() const { return value; }
-    // Up to the minimum, then down to the maximum; not moved onto the increment's grid. What is no number is
-    // the minimum.
+    // Clamps the value to the minimum, then to the maximum, and does not round it to a multiple of the
+    // increment. NaN becomes the minimum.
     void SetValue(float newValue);
 
 private:

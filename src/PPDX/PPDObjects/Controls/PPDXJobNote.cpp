@@ -8,10 +8,10 @@
 
 namespace torka {
 
-// Turns a note's bytes into text.
+// Converts a note's bytes to text.
 class JobNoteConverter {
 public:
-    // In the first of the encodings in which the bytes are text; what none can read becomes U+FFFD.
+    // Uses the first encoding in which the bytes are valid. If none is, invalid bytes become U+FFFD.
     CFStringRef Convert(std::string_view bytes, std::initializer_list<CFStringEncoding> encodings) const {
         for (const CFStringEncoding encoding : encodings) {
             if (const auto units = decodeText(bytes, encoding)) {
@@ -24,7 +24,7 @@ public:
 
 namespace {
 
-// Lives as long as a note uses it. The host's main thread only.
+// Lives as long as a note uses it. Only for the host's main thread.
 std::weak_ptr<JobNoteConverter> sharedConverter;
 
 std::shared_ptr<JobNoteConverter> useConverter() {
@@ -92,7 +92,7 @@ void PPDXJobNote::Save(Settings& settings, const int& index) const {
     record.SetInteger("minLength", minLength);
     record.SetInteger("noteFlags", noteFlags);
     record.SetText("default", GetDefaultNotes());
-    // What is marked for protection is never written in plain.
+    // Protected text is never written in plain.
     if (!IsPassword() && !IsEncrypt() && !IsAESEncrypt()) {
         record.SetText("value", notes.Buffer());
         record.SetInteger("valueIsUTF8", notesAreUTF8 ? 1 : 0);
@@ -156,7 +156,7 @@ CFStringRef PPDXJobNote::CopyNotes() const {
     if (notesAreUTF8) {
         return cfString(viewOf(notes));
     }
-    // A default text is in the description's encoding whatever the UTF-8 level says.
+    // The UTF-8 level does not apply to a default text: it is in the description's encoding.
     return converter->Convert(viewOf(notes), {narrowTextEncoding(), GetApplicationTextEncoding()});
 }
 

@@ -8,42 +8,42 @@ namespace torka {
 class JobNoteConverter;
 class StoredRecord;
 
-// A free-text field of the job. The text is kept as bytes in the encoding that
-// CString::operator=(CFStringRef) chooses, or in UTF-8 when it came through SetUTF8Notes. Lengths are as
-// declared; nothing here holds a text to them: BrokenRules tells.
+// A free-text field of the job. Its text is bytes in the encoding that CString::operator=(CFStringRef)
+// selects, or UTF-8 after SetUTF8Notes. Lengths are as declared. This class does not enforce them;
+// BrokenRules checks them.
 class PPDXJobNote final : public PPDXControl {
 public:
-    // A job note is visible and has no control flags. `defaultNotes` may be null and is copied.
+    // Makes a visible note without control flags. Copies `defaultNotes`, which may be null.
     PPDXJobNote(const char* keyword, CFStringRef translation, UIConstraints* constraints,
                 const unsigned char* psData, long psLength, const CString* defaultNotes,
                 std::int64_t maxLength, std::uint32_t flags, std::int64_t minLength);
-    // As above, with control flags and visibility from the definition.
+    // Does the same with control flags and visibility from the definition.
     PPDXJobNote(const ControlDefinition& definition, const CString* defaultNotes, std::int64_t maxLength,
                 std::uint32_t flags, std::int64_t minLength);
     PPDXJobNote(Settings& settings, int index, const CString* prefix);
     ~PPDXJobNote() override;
 
-    // Without the text of a note marked for masking or enciphering: it is not to lie about in plain.
+    // Omits the text of a note marked for masking or enciphering: it must not be stored in plain.
     void Save(Settings& settings, const int& index) const override;
-    // The current text becomes a copy of the default text.
+    // Replaces the current text by a copy of the default text.
     void ResetToDefaultValue() override;
-    // 0 bytes without PostScript; otherwise a feature block whose option is the current text, line breaks as
-    // blanks.
+    // Writes 0 bytes without PostScript, else a feature block whose option is the current text. Line breaks
+    // become blanks.
     long PostScript(unsigned char* out) override;
-    // As PostScript, with another text in the place of the current one.
+    // Does the same with `text` in place of the current text.
     long PostScriptWith(const char* text, unsigned char* out) const;
     void Restore(Settings& settings, int index) override;
     CFStringRef CopyCurrentControlValueString() override;
     void SetCurrentControlWithCFString(CFStringRef text) override;
 
-    // The current text's bytes; "" when unset.
+    // Returns the bytes of the current text; "" when unset.
     const char* GetNotes() const;
     void SetNotes(const char* text);
     void SetUTF8Notes(const CFStringRef& text);
-    // Whether the text came through SetUTF8Notes.
+    // Tells whether the text was set by SetUTF8Notes.
     bool NotesAreUTF8() const { return notesAreUTF8; }
     CFStringRef CopyNotes() const;
-    // Null when the note has no default text.
+    // Returns null when the note has no default text.
     const char* GetDefaultNotes() const;
     const CFStringRef& CFDefaultNotes() const { return defaultNotesText; }
     void SetDefaultNotes(const char* text);
@@ -78,14 +78,14 @@ public:
     bool IsUTF8() const { return Has(jobNoteUTF8); }
     bool IsAESEncrypt() const { return Has(jobNoteAESEncrypt); }
     bool IsPopupJN() const { return Has(jobNotePopupJN); }
-    // None of the flags that limit the characters is set.
+    // Returns true when no flag limits the characters.
     bool IsAnyText() const;
 
-    // The rules that the current text breaks, and those that another one would break.
+    // Return the rules that the current text, or the given one, breaks.
     std::vector<BrokenNoteRule> BrokenRules() const;
     std::vector<BrokenNoteRule> BrokenRules(const CFStringRef& text) const;
 
-    // How many job notes share the process's converter now.
+    // Returns the number of job notes that share the process's converter.
     static long ConverterUses();
 
 private:
@@ -99,7 +99,7 @@ private:
     CFStringRef defaultNotesText; // in the system encoding
     CString notes;
     std::int32_t notesOn = 0;
-    std::shared_ptr<JobNoteConverter> converter; // one for all notes of the process
+    std::shared_ptr<JobNoteConverter> converter; // shared by all notes of the process
 
     bool notesAreUTF8 = false; // set through SetUTF8Notes
 };

@@ -97,7 +97,7 @@ void PPDXPopupControl::RestoreSelection(const StoredRecord& record) {
 }
 
 void PPDXPopupControl::Restore(Settings& settings, int index) {
-    // By keyword rather than by number, since a newer description may list its choices in another order.
+    // Restores by keyword, because a newer description may list its choices in another order.
     const StoredRecord record(settings, "Control", index);
     const auto numbers = record.Text("selected");
     if (!numbers) {
@@ -168,7 +168,7 @@ void PPDXPopupControl::SetCurrentControlWithText(const std::string& text, bool k
     if (!isOpenColourPopup(Keyword() ? Keyword() : "")) {
         return;
     }
-    // A choice needs a keyword; a NUL cannot stand in one.
+    // A choice needs a keyword, which cannot contain NUL.
     if (text.empty() || text.find('\0') != std::string::npos) {
         ResetToDefaultValue();
         return;
@@ -316,7 +316,7 @@ const _PopupItem* PPDXPopupControl::ItemAt(int index) const {
 }
 
 void PPDXPopupControl::TakeItems(PopupItems newItems, const char* newDefault) {
-    // The default's text may be one of the old items'.
+    // Copies the default first: its text may belong to one of the old items.
     auto wanted = newDefault ? std::make_unique<CString>(newDefault) : nullptr;
     items = std::move(newItems);
     cursor = 0;

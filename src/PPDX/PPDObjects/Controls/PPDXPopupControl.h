@@ -7,7 +7,7 @@ namespace torka {
 
 class StoredRecord;
 
-// A list of choices, one of which (PickOne) or several of which (PickMany) are selected. Owns its items.
+// A list of choices with one (PickOne) or several (PickMany) selected. Owns its items.
 class PPDXPopupControl final : public PPDXControl {
 public:
     // Selects the first item with the default keyword.
@@ -19,31 +19,31 @@ public:
     void ResetToDefaultValue() override;
     long PostScript(unsigned char* out) override;
     void Restore(Settings& settings, int index) override;
-    // The keyword of the first selected item, "" when none is selected.
+    // Returns the keyword of the first selected item, "" when none is selected.
     CFStringRef CopyCurrentControlValueString() override;
     void SetCurrentControlWithCFString(CFStringRef text) override;
     bool IsInstallableOption() const override { return installable; }
 
     std::size_t ItemCount() const { return items.size(); }
-    // Null at the end. Valid until an item is appended or the list is rebuilt.
+    // Return null at the end. An item is valid until one is appended or the list is rebuilt.
     _PopupItem* FirstItem();
     _PopupItem* NextItem();
-    // Every item in order, without moving that cursor: visit(const _PopupItem&).
+    // Calls visit(const _PopupItem&) for every item in order. Does not move the cursor.
     template <class Visit>
     void ForEachItem(Visit visit) const {
         for (const _PopupItem& item : items) {
             visit(item);
         }
     }
-    // Indexes count from 1; 0 is none.
+    // Indexes count from 1; 0 means none.
     int GetValue() const;
     void SetValue(int index);
     void SetDefaultValue(int index) { defaultIndexOverride = index; }
     int DefaultValue() const;
     const char* GetDefaultKeyword() const;
-    // The feature block of the first item with that keyword; 0 bytes when there is none.
+    // Writes the feature block of the first item with that keyword; 0 bytes when there is none.
     long GetKeywordPSData(const char* keyword, unsigned char* out);
-    // Null when no item has the keyword or the place.
+    // Return null when no item has the keyword or the index.
     const char* GetKeywordLocalName(const char* keyword) const;
     CFStringRef GetKeywordCFLocalName(const char* keyword) const;
     const char* GetKeywordLocalNameAtIndex(int index) const;
@@ -51,34 +51,34 @@ public:
     void AppendPopupItem(_PopupItem item);
     bool IsKeywordSelected(const char* keyword) const;
     bool CanSelectMultipleItems() const { return multiSelect != 0; }
-    // Whether an item has the keyword.
+    // Returns whether an item has the keyword.
     bool SetKeywordSelect(const char* keyword, bool select);
-    // Takes a new list of items and selects its default. False, with nothing changed, when `keyword` is not
-    // the control's own or the list is empty.
+    // Takes a new list of items and selects its default. Returns false and changes nothing when `keyword` is
+    // not the control's own or the list is empty.
     bool Rebuild(const char* keyword, PopupItems newItems, const char* newDefault);
 
 private:
     void ReportValue() const override;
-    // The place of the first item with that keyword, `none` without one.
+    // Returns the position of the first item with that keyword, `none` without one.
     std::size_t PlaceOf(std::string_view keyword) const;
     const _PopupItem* FindItem(const char* keyword) const;
     const _PopupItem* ItemAt(int index) const;
     void TakeItems(PopupItems newItems, const char* newDefault);
-    // `isFirstOfKeyword`: no earlier item has the keyword of that one.
+    // `isFirstOfKeyword`: no earlier item has the same keyword.
     void SelectNumber(int index, bool isFirstOfKeyword);
     void RestoreSelection(const StoredRecord& record);
-    // In UTF-8. Selects it alone, or beside what is selected.
+    // Takes UTF-8. Selects the item alone or, with `keepOthers`, in addition to the selected ones.
     void SetCurrentControlWithText(const std::string& text, bool keepOthers);
     long ItemPostScript(const _PopupItem* item, unsigned char* out) const;
 
     std::int32_t multiSelect;
     bool installable;
     std::int32_t defaultIndexOverride = 0;
-    // Places in `items`, `none` for no item.
+    // Positions in `items`; `none` means no item.
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
     std::size_t cursor = 0;
-    std::size_t current = none;     // the item last selected
-    std::size_t emitted = none;     // the item whose PostScript stands for `current`, none when not known
+    std::size_t current = none;     // the last selected item
+    std::size_t emitted = none;     // the item whose PostScript is written; `none` when not known
     std::size_t defaultItem = none; // the first item with the default keyword
 
     PopupItems items;

@@ -56,7 +56,8 @@ void PPDXRangeControl::Restore(Settings& settings, int index) {
 void PPDXRangeControl::RestoreValue(const StoredRecord& record) {
     const long stored = record.Integer("value", value);
     if (stored == maximum || (stored == minimum && minimum < maximum)) {
-        // SetValue may have stopped at a bound that is off the grid; it would not do so again from there.
+        // SetValue may have stopped at a bound that is not a multiple of the increment. A second call would
+        // round it away.
         value = stored;
         injectedPS.reset();
     } else {
@@ -73,7 +74,7 @@ void PPDXRangeControl::SetCurrentControlWithCFString(CFStringRef text) {
 }
 
 void PPDXRangeControl::SetValue(long newValue) {
-    // By 1 and -1 everything divides, and the smallest number by -1 would overflow; 0 divides nothing.
+    // Increments of 1 and -1 need no rounding, and the smallest number % -1 overflows. 0 cannot divide.
     if (increment < -1 || increment > 1) {
         newValue -= newValue % increment;
     }

@@ -15,7 +15,7 @@ struct RangeBounds {
     long defaultValue = 0;
 };
 
-// A whole number between bounds, put into a PostScript template.
+// A whole number between bounds, inserted into a PostScript template.
 class PPDXRangeControl final : public PPDXControl {
 public:
     PPDXRangeControl(const ControlDefinition& definition, const RangeBounds& bounds);
@@ -34,7 +34,8 @@ public:
     long Increment() const { return increment; }
     long DefaultValue() const { return defaultValue; }
     long GetValue() const { return value; }
-    // Down to a multiple of the increment (toward zero), then up to the minimum, then down to the maximum.
+    // Rounds toward zero to a multiple of the increment, then raises to the minimum, then lowers to the
+    // maximum.
     void SetValue(long newValue);
 
 private:

@@ -4,7 +4,7 @@
 
 namespace torka {
 
-// A value that the description gives to the system itself; no user sets it.
+// A value that the description sets for the system itself; users cannot set it.
 class PPDXSpecialOption final : public PPDXControl {
 public:
     PPDXSpecialOption(const ControlDefinition& definition, const char* value);
@@ -15,10 +15,10 @@ public:
     void ResetToDefaultValue() override;
     void Restore(Settings& settings, int index) override;
     CFStringRef CopyCurrentControlValueString() override;
-    // A fault of the caller: ends the process.
+    // Calling it is a programming error and ends the process.
     void SetCurrentControlWithCFString(CFStringRef text) override;
 
-    // "" when unset.
+    // Returns "" when unset.
     const char* GetValue() const;
 
 private:

@@ -11,12 +11,12 @@
 
 namespace torka {
 
-// The keyword of a choice: a copy of its own, or a text that someone else keeps for as long as the choice.
+// The keyword of a choice: its own copy, or a text that another object keeps as long as the choice lives.
 class ChoiceKeyword {
 public:
     // Copies up to the first NUL; null counts as "".
     explicit ChoiceKeyword(const char* text);
-    // Refers to the text. REQUIRES: a NUL behind it and none in it.
+    // Refers to the text. REQUIRES: a NUL follows it, and it contains none.
     explicit ChoiceKeyword(std::string_view kept)
         : bytes(kept.data())
         , length(kept.size()) {}
@@ -31,13 +31,13 @@ private:
     std::unique_ptr<char[]> own;
 };
 
-// The local name of a choice. Most choices of a large description are never shown, so a name may be given as
-// the bytes of the description and is converted when it is first asked for.
+// The local name of a choice. Most choices of a large description are never shown. A name can therefore be
+// given as bytes of the description and is converted at the first request.
 class ChoiceName {
 public:
     explicit ChoiceName(CFStringRef string)
         : converted(std::move(string)) {}
-    // The bytes are someone else's, who keeps them for as long as the choice; not empty.
+    // Another object keeps the bytes as long as the choice lives. REQUIRES: not empty.
     ChoiceName(std::string_view kept, CFStringEncoding encodingOfBytes)
         : bytes(kept.data())
         , length(static_cast<std::uint32_t>(kept.size()))
@@ -52,19 +52,20 @@ private:
     CFStringEncoding encoding = kCFStringEncodingUnknown;
 };
 
-// One choice of a popup. The PostScript bytes belong to the parser.
+// One choice of a popup. The parser owns the PostScript bytes.
 struct _PopupItem {
     _PopupItem(const char* optionKeyword, CFStringRef name, const unsigned char* ps, long length);
     _PopupItem(ChoiceKeyword optionKeyword, ChoiceName name, const unsigned char* ps, long length);
 
     const CFStringRef& LocalName() const { return localName.Get(); }
-    // The local name in the system encoding; valid as long as the item's list, whatever is appended to that.
+    // Returns the local name in the system encoding. Valid as long as the item's list, also after items are
+    // appended.
     const char* displayName() const;
 
     ChoiceKeyword keyword;
     ChoiceName localName;
     const unsigned char* psData;
-    std::int32_t psLength; // a description's value has at most 65,536 bytes
+    std::int32_t psLength; // a value in a description has at most 65,536 bytes
     std::int32_t selected = 0;
     mutable std::unique_ptr<char[]> displayNameCache;
 };

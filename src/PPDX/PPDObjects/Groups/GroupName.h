@@ -6,7 +6,7 @@
 
 namespace torka {
 
-// A group name that the description has declared and not yet placed.
+// A group name that the description has declared but not placed yet.
 struct GroupName {
     std::string name;
     CFStringRef localName;

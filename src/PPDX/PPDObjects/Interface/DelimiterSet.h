@@ -10,9 +10,9 @@
 
 namespace torka {
 
-// A set of byte values that end a token, made at compile time where the characters are known.
+// A set of byte values that end a token. Computed at compile time when the characters are known then.
 //
-// Where the processor has 16-byte comparisons a token is searched by them, as far as the set is small.
+// Searches a small set with 16-byte comparisons where the processor has them.
 class DelimiterSet {
 public:
     constexpr DelimiterSet(const char* characters) {
@@ -30,12 +30,12 @@ public:
     constexpr bool Contains(char character) const {
         return kinds[static_cast<unsigned char>(character)] == delimiter;
     }
-    // Delimiters and the ends of a line.
+    // Returns true for delimiters and for line ends.
     constexpr bool EndsToken(char character) const {
         return kinds[static_cast<unsigned char>(character)] != inside;
     }
 
-    // The first byte of the text that ends a token, or the end of the text.
+    // Returns the first byte of the text that ends a token, or the end of the text.
     const char* FindEnd(std::string_view text) const {
         const char* at = text.data();
         const char* const end = at + text.size();
@@ -76,7 +76,7 @@ private:
             return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
         }
 
-        // A bit for each of 16 bytes that ends a token.
+        // Returns a bit mask of those of 16 bytes that end a token.
         int Matches(const char* bytes) const {
             const __m128i text = Load(bytes);
             const __m128i ends = _mm_or_si128(_mm_cmpeq_epi8(text, _mm_set1_epi8('\n')),
@@ -99,7 +99,7 @@ private:
         }
         return result;
     }
-    Few few = onlyLineEnds(); // the first delimiters, each repeated; unused places hold the end of a line
+    Few few = onlyLineEnds(); // the first delimiters, each repeated; unused places hold a line end
     std::size_t count = 0;
 };
 

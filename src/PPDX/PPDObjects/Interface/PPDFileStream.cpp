@@ -36,7 +36,7 @@ bool PPDFileStream::Setup() {
         return false;
     }
     PPDStream::Setup(buffer.get(), count);
-    // Most files hold neither, and then no line need be searched for them.
+    // Most files hold neither byte. The lines then need no search for them.
     const auto size = static_cast<std::size_t>(count);
     mayHoldReturns = count > 0 && std::memchr(buffer.get(), '\r', size) != nullptr;
     mayHoldEndBytes = count > 0 && std::memchr(buffer.get(), 0xFF, size) != nullptr;

@@ -5,10 +5,10 @@
 #include <array>
 #include <memory>
 
-// The lines of a description's file, read into memory by pieces of at most kPieceCapacity bytes.
+// The lines of a description's file, read into memory in pieces of at most kPieceCapacity bytes.
 //
-// Owns the buffer, which is as large as the file up to that limit; the file is the caller's and must outlive
-// the stream. A line that goes over a piece's end comes out whole, as from one piece.
+// Owns the buffer, which is as large as the file up to that maximum. The caller owns the file, which must
+// outlive the stream. A line that spans two pieces is returned whole.
 
 namespace torka {
 
@@ -16,30 +16,30 @@ class PPDFile;
 
 class PPDFileStream : public PPDStream {
 public:
-    static constexpr long kPieceCapacity = 32'768; // stays in the processor's cache while it is read
+    static constexpr long kPieceCapacity = 32'768; // fits the processor's cache
 
-    // Bad without a file or when it cannot be opened or read, or is empty. The stream stays empty when not
-    // chunked.
-    // Pieces may be made smaller than kPieceCapacity; the lines are the same.
+    // Bad without a file, or when the file is empty or cannot be opened or read. The stream stays empty when
+    // not chunked. Pieces may be smaller than kPieceCapacity; the lines are the same.
     PPDFileStream(PPDFile* source, bool chunked, long pieceCapacity = kPieceCapacity);
     PPDFileStream(const PPDFileStream&) = delete;
     PPDFileStream& operator=(const PPDFileStream&) = delete;
     ~PPDFileStream() override;
 
     bool GetLine(char* line) override;
-    // Hands back the line read last: the next GetLine gives `line` with the same result, status and line
-    // number, whatever the end-of-PPD flag says. One line at a time; a second one replaces the first.
+    // Returns the last line to the stream. The next GetLine gives `line` with the same result, status and
+    // line number, whatever the end-of-PPD flag is. Holds one line: a second call replaces the first.
     void UngetLine(const char* line);
 
 private:
-    // Loads the next piece. False without one: with status 2 at the end of the file, else with status 1.
+    // Loads the next piece. Returns false without one: with status 2 at the end of the file, else with status
+    // 1.
     bool Setup();
-    // Completes, from the pieces that follow, a line that the end of its piece cut off. True as GetLine.
+    // Completes a line that the end of its piece cut off. Returns what GetLine returns.
     bool FixLine(char* line);
 
     std::unique_ptr<char[]> buffer;
     long capacity = 0;
-    bool inTemporaryMemory = false; // always: there is one heap
+    bool inTemporaryMemory = false; // always true: there is one heap
     bool chunked = false;
     PPDFile* file = nullptr;
 

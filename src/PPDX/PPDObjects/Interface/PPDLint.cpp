@@ -132,8 +132,8 @@ void PPDLint::CheckGroups() {
     }
 }
 
-// These may stand anywhere, in places too that no reader of an element looks at, so the file itself is asked.
-// One that is no description is not: its error says all.
+// Reads the file itself: these defects may stand where no reader of an element looks. Skips a file that is
+// not a description; its error is enough.
 void PPDLint::CheckLines(const ZANPPD& description) {
     FSRef file;
     if (description.HasFatalError() || !description.GetFileSpec(file)) {

@@ -13,9 +13,9 @@ namespace torka {
 
 class ZANPPD;
 
-// What the author of a description would want to know beyond its errors.
+// Findings beyond errors, for the author of a description.
 enum class PPDLintKind {
-    unknownJobNoteFlag,       // a flag word of a job note that is none
+    unknownJobNoteFlag,       // a word that is no job note flag
     unknownConstraintKeyword, // a constraint line names a keyword that the description does not define
     unknownConstraintOption,  // ... or an option that its control does not offer
     unplacedGroup,            // a declared group name that no parent line places
@@ -24,44 +24,44 @@ enum class PPDLintKind {
     unknownDefault,           // a default that names no option of its block
     unknownGroup,             // a group line that names no group
     emptyBlock,               // a block without options
-    unclosedBlock,            // a block that another element or the end of the file cuts short
+    unclosedBlock,            // a block that another element or the end of the file ends early
     unclosedQuote,            // a value without its closing quote
-    unreadableByte,           // a line with a byte NUL or 0xFF, at which its text ends
-    badCustomSize,            // a custom page size line that is not understood
-    badNumber,                // a number of a range or a length of a job note that is none
+    unreadableByte,           // a line with a byte NUL or 0xFF, which ends its text
+    badCustomSize,            // a custom page size line that cannot be parsed
+    badNumber,                // a number of a range, or a length of a job note, that is not a number
     badDefaultNote            // a job note's default text that breaks a rule of the note
 };
 
-// "unknownJobNoteFlag" and so on.
+// Returns "unknownJobNoteFlag" and so on.
 const char* ppdLintName(PPDLintKind kind);
 
 struct PPDLintNote {
     PPDLintKind kind;
-    long line = 0;       // from 1; 0 when it is of no line
-    std::string keyword; // the element concerned, with its asterisk if it has one; may be empty
+    long line = 0;       // from 1; 0 when it concerns no line
+    std::string keyword; // the element concerned, with any asterisk; may be empty
     std::string text;    // the word, option or text concerned; may be empty
 };
 
-// Collects notes while a description is parsed. Give it to ZANPPD::SetLint before the parse; it must outlive
-// that. A parse without one does none of this work. Notes are in the order of the lines once Finish has run;
-// at most `maximumNotes` are kept.
+// Collects notes while a description is parsed. Pass it to ZANPPD::SetLint before the parse; it must outlive
+// the parse. A parse without a collector skips these checks. After Finish the notes are in line order. At
+// most `maximumNotes` are kept.
 class PPDLint {
 public:
     static constexpr std::size_t maximumNotes = 10000;
 
     const std::vector<PPDLintNote>& Notes() const { return notes; }
 
-    // For the parser.
+    // These functions are for the parser.
     void Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text = {});
     void ConstraintLine(long line, std::string_view key1, std::string_view option1, std::string_view key2,
                         std::string_view option2);
-    // A choice block that is left to the spooler: constraint lines may name it.
+    // Records a choice block that is left to the spooler: constraint lines may name it.
     void SpoolerKeyword(std::string_view keyword) { spoolerKeywords.emplace(keyword); }
     void DeclaredGroup(const GroupName& name, long line) { declaredGroups.push_back({line, name.name}); }
     void PlacedGroup(std::string_view name) { placedGroups.emplace(name); }
-    // Notes `text` when its bytes, hexadecimal substrings decoded, are no text of the encoding.
+    // Notes `text` when its bytes, with hexadecimal substrings decoded, are not valid in the encoding.
     void CheckText(long line, std::string_view keyword, std::string_view text, CFStringEncoding encoding);
-    // What can be told only now: constraint lines, groups, and lines of the file as it stands.
+    // Runs the checks that need the whole description: constraint lines, groups, and raw lines of the file.
     void Finish(ZANPPD& description);
 
 private:

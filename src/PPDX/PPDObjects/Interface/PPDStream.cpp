@@ -13,10 +13,10 @@ namespace {
 constexpr std::size_t lineLimit = kLineCapacity - 1;
 constexpr std::string_view endMark = "*% End of PPD file";
 constexpr char endByte = '\xFF';
-// A binary file must not flood the log with one line for each of its bytes 0xFF.
+// Keeps a binary file from flooding the log with one line for each byte 0xFF.
 constexpr std::uint32_t mostLoggedBytes = 64;
 
-// The first such byte, or the end.
+// Returns the first such byte, or the end.
 const char* findByte(const char* from, const char* to, char byte) {
     const void* const found =
         std::memchr(from, static_cast<unsigned char>(byte), static_cast<std::size_t>(to - from));

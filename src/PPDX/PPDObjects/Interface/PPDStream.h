@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <string_view>
 
-// A cursor over bytes that belong to someone else, read by character, line or token.
+// A cursor over bytes that another object owns. Reads by character, line or token.
 //
-// Lines and tokens go into buffers of kLineCapacity bytes: 255 characters and the terminator.
-// Not thread-safe; copies are further cursors over the same bytes.
+// Lines and tokens go into buffers of kLineCapacity bytes: 255 characters and the terminator. Not
+// thread-safe. A copy is an independent cursor over the same bytes.
 
 namespace torka {
 
@@ -26,34 +26,34 @@ public:
     PPDStream& operator=(const PPDStream&) = default;
     virtual ~PPDStream() = default;
 
-    // Bad (status 1) without bytes or with no positive length.
+    // The status becomes bad (1) without bytes or with a length that is not positive.
     void Setup(const char* bytes, long length);
 
-    // False at the end, with the character -1 and status 2.
+    // Returns false at the end, with the character -1 and status 2.
     bool GetChar(char& character);
-    // The next byte as a signed value, -1 at the end.
+    // Returns the next byte as a signed value, -1 at the end.
     int PeekChar() const;
-    // Blanks and tabs.
+    // Skips blanks and tabs.
     void SkipWhiteSpace();
 
-    // The next line without its end; `line` holds kLineCapacity bytes. True only when CR or LF ended it (each
-    // of the two ends a line, so CR LF gives an empty line more). False
-    // - after 255 characters, the rest of the line being the next one,
-    // - at a byte 0xFF, which is read and not stored; the next call reads on behind it,
+    // Reads the next line without its end; `line` holds kLineCapacity bytes. Returns true only when CR or LF
+    // ended the line. Each of the two ends a line, so CR LF gives an additional empty line. Returns false
+    // - after 255 characters; the rest of the line is then the next line,
+    // - at a byte 0xFF, which is skipped; the next call continues behind it,
     // - at the end of the data, with status 2,
-    // - with an empty line, nothing being read, once gEndOfPPD (ModelState.h) is set. The line "*% End of PPD
-    // file"
-    //   sets it and comes back empty.
+    // - with an empty line, without reading, once gEndOfPPD (ModelState.h) is set.
+    //
+    // The line "*% End of PPD file" sets gEndOfPPD and is returned as an empty line.
     virtual bool GetLine(char* line);
 
-    // A token: characters up to one of `delimiters` (read and not stored), the end of the line (CR, LF or CR
-    // LF, read and not stored), the end of the data, or 255 characters. With `trim`, without blanks and tabs
-    // at both ends. Points into the stream's bytes; may hold NUL bytes.
+    // Reads a token. It ends at one of `delimiters`, at a line end (CR, LF or CR LF), at the end of the data,
+    // or after 255 characters. Skips the delimiter or line end. With `trim`, removes blanks and tabs at both
+    // ends. The token is a view of the stream's bytes and may hold NUL bytes.
     std::string_view TakeToken(const DelimiterSet& delimiters, bool trim);
 
-    // What has not been read yet.
+    // Returns the bytes not read yet.
     std::string_view Remaining() const { return {cursor, static_cast<std::size_t>(end - cursor)}; }
-    // Passes over `count` bytes, at most all.
+    // Skips `count` bytes, at most all.
     void Skip(std::size_t count);
 
     PPDStreamStatus Status() const { return status; }
@@ -61,13 +61,14 @@ public:
     bool Good() const { return status == kStreamGood; }
     bool Bad() const { return status == kStreamBad; }
 
-    // The number, from 1, of the physical line on which the line read last began; CR LF ends one line.
+    // Returns the number, from 1, of the physical line on which the last line read began; CR LF ends one
+    // line.
     std::uint32_t LineNumber() const { return lineNumber; }
-    // Whether the line read last was cut at 255 characters, the next one being its continuation.
+    // Tells whether the last line was cut at 255 characters and continues in the next one.
     bool LineWasCut() const { return lineWasCut; }
 
 protected:
-    // Reads a line into line[used...]; the limit and the end mark count for the whole of `line`.
+    // Reads a line into line[used...]. The limit and the end mark apply to all of `line`.
     bool ReadLineInto(char* line, std::size_t used);
     void EndLine(char terminator, bool isEmpty);
 
@@ -76,14 +77,14 @@ protected:
     const char* cursor = nullptr;
     PPDStreamStatus status = kStreamBad;
 
-    std::size_t lineLength = 0; // bytes of the line read last
+    std::size_t lineLength = 0; // bytes of the last line read
     std::uint32_t nextLineNumber = 1;
     std::uint32_t lineNumber = 0;
     std::uint32_t loggedBytes = 0; // lines logged for bytes 0xFF
-    bool mayHoldReturns = true;    // false once the bytes are known to hold no CR
-    bool mayHoldEndBytes = true;   // false once they are known to hold no 0xFF
+    bool mayHoldReturns = true;    // false when the bytes hold no CR
+    bool mayHoldEndBytes = true;   // false when they hold no 0xFF
     bool lineWasCut = false;
-    bool afterReturn = false; // the byte read last by GetLine was a CR
+    bool afterReturn = false; // the last byte that GetLine read was a CR
 };
 
 } // namespace torka

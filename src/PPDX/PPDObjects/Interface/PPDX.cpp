@@ -26,7 +26,7 @@ bool endsValue(std::string_view line) {
 // Takes the bytes of a value as far as they fit.
 struct PPDX::ValueWriter {
     char* out;
-    std::size_t room; // without what is written at the end
+    std::size_t room; // without the bytes written at the end
     std::size_t length = 0;
 
     void Append(std::string_view text) {

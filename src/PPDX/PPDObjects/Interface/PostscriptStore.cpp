@@ -22,7 +22,7 @@ const unsigned char* PostscriptStore::Keep(std::string_view bytes) {
     }
     unsigned char* place = next;
     if (bytes.size() > available) {
-        // Blocks grow with what is kept, so that a small description pays for a small store.
+        // Block sizes grow with the content, so that a small description needs little memory.
         const std::size_t block = std::clamp(capacity / 4, smallestBlock, largestBlock);
         if (bytes.size() > block / 4) {
             place = NewBlock(bytes.size());

@@ -7,19 +7,19 @@
 
 namespace torka {
 
-// The PostScript bytes of one description and the names of its choices, which its controls point into.
+// Stores the PostScript bytes of one description and the names of its choices. The controls point into it.
 //
-// Bytes never move and live as long as the store. Small values share blocks; a value that would waste much of
-// one gets a block of its own size.
+// Bytes never move and live as long as the store. Small values share blocks. A value that would waste much of
+// a block gets a block of its own size.
 class PostscriptStore {
 public:
     PostscriptStore() = default;
     PostscriptStore(const PostscriptStore&) = delete;
     PostscriptStore& operator=(const PostscriptStore&) = delete;
 
-    // Null for no bytes.
+    // Returns null for no bytes.
     const unsigned char* Keep(std::string_view bytes);
-    // What all blocks hold together, in bytes.
+    // Returns the total size of all blocks, in bytes.
     std::size_t Capacity() const { return capacity; }
 
 private:

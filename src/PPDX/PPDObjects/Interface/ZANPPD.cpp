@@ -10,7 +10,7 @@
 #include <array>
 #include <cstdlib>
 
-// Construction, and the pass over the file that hands each line to the reader of its element.
+// Construction, and the pass over the file that passes each line to the reader of its element.
 
 namespace torka {
 
@@ -21,7 +21,7 @@ LineKind lineKind(std::string_view keyword) {
     return element == nullptr ? LineKind::other : element->kind;
 }
 
-// Records of the two-way data, which the queue's description carries along for another reader.
+// Records of the two-way data. The queue's description carries them for another reader.
 bool isServerRecord(std::string_view keyword) {
     static constexpr std::array<std::string_view, 19> names{"QVBidiData",
                                                             "QVCDIHelpStrings",
@@ -52,7 +52,7 @@ bool isServerRecord(std::string_view keyword) {
     return false;
 }
 
-// Hosts that hold an annotated description, of which only the first part is theirs to read.
+// Hosts that open an annotated description and may read only its first part.
 bool hostStopsAtAnnotation() {
     std::string identifier = hasSystem() ? system().Host().bundleIdentifier : std::string();
     std::transform(identifier.begin(), identifier.end(), identifier.begin(),
@@ -80,7 +80,7 @@ ZANPPD::ZANPPD(const FSRef& reference, _PARSE_OPTIONS_ options, CFArrayRef pcFil
     Build();
 }
 
-// A URL that names no file leaves an empty reference, which no file can be opened by.
+// A URL that names no file leaves an empty reference, which cannot be opened.
 ZANPPD::ZANPPD(const CFURLRef& url, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames)
     : file(FSRef{})
     , parseOptions(options)

@@ -30,12 +30,12 @@ class PPDLint;
 class Settings;
 enum class PPDLintKind;
 
-// What a parse accepts; a combination of the bits.
+// What a parse accepts; a combination of these bits.
 using _PARSE_OPTIONS_ = std::uint32_t;
 inline constexpr _PARSE_OPTIONS_ kAcceptOrphans = 1; // controls without a group
 inline constexpr _PARSE_OPTIONS_ kAcceptHidden = 2;  // pages and groups that are not visible
 
-// How much of the extension language a description may use, 0 to 3.
+// The part of the extension language that a description may use, 0 to 3.
 using _EXTENSIONS_SUPPORT_ = int;
 inline constexpr _EXTENSIONS_SUPPORT_ kAllExtensions = 3;
 
@@ -44,31 +44,32 @@ struct PopupJobNotePreferences {
     char enable = '0';
     char setting = '1';
     char showLast = '0';
-    std::string values; // what was remembered, as the popup dialog wrote it
+    std::string values; // the remembered values, as the popup dialog wrote them
 };
 
-// One choice of a list that is supplied at run time.
+// One choice of a list supplied at run time.
 struct SuppliedPopupItem {
     std::string keyword;
-    CFStringRef localName; // null: the keyword
+    CFStringRef localName; // null: use the keyword
 };
 
-// A printer description with the controller maker's extension keywords: controls in groups on pages,
-// shortcuts, constraints, and the defects that were found.
+// A printer description with the controller vendor's extension keywords: controls in groups on pages,
+// shortcuts, constraints, and the defects found.
 //
-// Owns all of it, the PostScript bytes of the controls too. Parsed once, at construction or by Build().
-// Defects are collected in Errors(), each with its line; the fatal ones (file, format, memory) end the parse.
-// Not thread-safe.
+// Owns all of it, including the controls' PostScript bytes. Parsed once, by a constructor or Build().
+// Errors() collects the defects, each with its line. Fatal defects (file, format, memory) end the parse. Not
+// thread-safe.
 class ZANPPD : public PPDX {
 public:
-    // An empty model. SetFile, SetExtensions, SetStopOnFirstError and SetLint may follow; Build() fills it.
+    // Makes an empty model. SetFile, SetExtensions, SetStopOnFirstError and SetLint may follow; Build() fills
+    // it.
     explicit ZANPPD(_PARSE_OPTIONS_ options);
-    // Parse a file. `pcFileNames` are the supported descriptions by their "*PCFileName", or null; see
+    // Parse a file. `pcFileNames` lists the supported descriptions by their "*PCFileName", or is null; see
     // IsSupported().
     ZANPPD(const FSRef& reference, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
     ZANPPD(const CFURLRef& url, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
-    // The description that Save() stored: parsed again from its file, with the stored values; from the
-    // settings alone, without constraints, when the file cannot be read.
+    // Rebuilds the description that Save() stored. Parses its file again and restores the stored values. When
+    // the file cannot be read, rebuilds it from the settings alone, without constraints.
     ZANPPD(Settings& settings, const CFURLRef& url, CFArrayRef pcFileNames);
     ~ZANPPD() override;
 
@@ -76,23 +77,23 @@ public:
     void SetExtensions(_EXTENSIONS_SUPPORT_ level) { extensions = level; }
     _EXTENSIONS_SUPPORT_ GetExtensions() const { return extensions; }
     void SetStopOnFirstError(bool stop) { stopOnFirstError = stop; }
-    // Null for none. Must outlive the parse.
+    // Null means none. The collector must outlive the parse.
     void SetLint(PPDLint* collector) { lint = collector; }
-    // Starts over with empty collections and parses the file if there is one.
+    // Discards the content and parses the file if there is one.
     void Build();
 
-    // Never null once built.
+    // These never return null once the model is built.
     PPDXControls* GetControls() const { return controls.get(); }
     PPDXGroups* GetGroups() const { return groups.get(); }
     PPDXProperties* GetProperties() const { return properties.get(); }
     PPDXShortcuts* GetShortcuts() const { return shortcuts.get(); }
     UIConstraints* GetUIConstraints() const { return constraints.get(); }
     PPDXErrors* Errors() const { return errors.get(); }
-    // Whether one of them ended the parse.
+    // Tells whether an error ended the parse.
     bool HasFatalError() const { return hasFatalError; }
-    // How many errors are kept; more are dropped, but for a fatal one.
+    // The maximum number of kept errors. Further ones are dropped, except a fatal one.
     static constexpr std::size_t maximumErrors = 10000;
-    // Groups that hang on no page and in no pane, such as the installable options; referred to only.
+    // Groups without a page or pane, such as the installable options. Not owned here.
     const std::vector<PPDXGroup*>& OrphanGroups() const { return orphanGroups; }
     PPDXRollDown* InstallableOptions() const { return installableOptions; }
     _PARSE_OPTIONS_ ParseOptions() const { return parseOptions; }
@@ -103,15 +104,16 @@ public:
     const CString* VersionMacQV() const { return versionMacQV.get(); }
     // The management template: every line that contains "*DMT_Injection", each ended by a line feed.
     const std::string& DMTXmlData() const { return dmtXmlData; }
-    // The lines as they were collected, whether or not ReadCustXmlData took them up.
+    // The lines as collected, whether or not ReadCustXmlData accepted them.
     const std::string& DMTInjection() const { return dmtInjection; }
 
-    // False without a file.
+    // Returns false without a file.
     bool GetFileSpec(FSRef& reference) const;
-    // The last component of the file's path; `name` holds 256 bytes and gets it cut to fit. False without a
-    // file.
+    // Copies the last component of the file's path into `name`, which holds 256 bytes; cuts it to fit.
+    // Returns false without a file.
     bool GetPPDFileName(char* name) const;
-    // Whether "*PCFileName" is one of the supported names (letter case does not count); true without a list.
+    // Tells whether "*PCFileName" is one of the supported names, regardless of letter case; true without a
+    // list.
     bool IsSupported() const;
 
     static _DISPLAY_OPTIONS_ Options() { return gDisplayOptions; }
@@ -122,47 +124,48 @@ public:
     static void ExcludeOrphans() { gDisplayOptions = 0; }
     static void ExcludeHidden() { gDisplayOptions = 0; }
 
-    // Values by key, the control's keyword with its asterisk. Display options play no part.
+    // Access to values by key, the control's keyword with its asterisk. Display options have no effect.
     PPDXControl* GetPPDXControlForKey(const CFStringRef& key) const;
     CFStringRef CopyValueForKey(const CFStringRef& key) const; // null for an unknown key
-    // Passes over special options. False for them, for a null value and for an unknown key.
+    // Returns false, without a change, for special options, a null value and an unknown key.
     bool SetValueForKey(const CFStringRef& key, const CFStringRef& value);
     CFDictionaryRef CopyAllValues() const;
-    // Each pair in order; values that are no strings are passed over.
+    // Sets each pair in order. Skips values that are not strings.
     void SetAllValues(const CFDictionaryRef& values);
-    // Whether choosing the option would conflict with what is chosen now.
+    // Tells whether selecting the option would conflict with the current selections.
     bool IsKVConstrained(const char* keyword, const char* option) const;
 
-    // Give a popup a list of choices that came at run time. The supplied items replace the list; an item
-    // whose keyword the popup already had keeps that choice's PostScript, and its name when none is supplied.
-    // Of items with the same keyword the first counts. Create selects the default; Reconcile keeps the
-    // current choice while it is still offered and else selects the default. A default that names no item is
-    // the first one. New choices become known to the constraint store. False, with nothing changed, when
-    // there is no popup of that keyword or no item.
+    // Replace a popup's list by choices supplied at run time. An item whose keyword the popup already had
+    // keeps that choice's PostScript, and its name when none is supplied. Of items with the same keyword the
+    // first counts. New choices are added to the constraint store.
+    // Create selects the default. Reconcile keeps the current choice while it is still offered, else selects
+    // the default. A default that names no item means the first item. Return false, with nothing changed,
+    // when there is no popup of that keyword or no item.
     bool PPDCreatePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
                             const char* defaultKeyword);
     bool PPDReconcilePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
                                const char* defaultKeyword);
 
-    // Takes up the preferences of the popup job notes, at the end of a build and when a pane restores values.
+    // Reads the preferences of the popup job notes. Called at the end of a build and when a pane restores
+    // values.
     void ReadPUJNPrefs();
     const PopupJobNotePreferences& PUJNPrefs() const { return popupJobNotePreferences; }
-    // Where those preferences come from: three characters (enable, setting, show-last) and the remembered
-    // values, or nothing. One for the process, set by the code that keeps them; none set means nothing is
+    // Supplies those preferences: three characters (enable, setting, show-last) and the remembered values, or
+    // nothing. The code that stores them sets one reader for the process. Without a reader nothing counts as
     // stored.
     using PUJNPrefsReader = std::function<std::optional<std::string>()>;
     static void SetPUJNPrefsReader(PUJNPrefsReader reader);
 
-    // Values, controls, groups and pages, for the constructor from settings.
+    // Stores values, controls, groups and pages for the constructor from settings.
     void Save(Settings& settings) const;
 
-    // Puts a control in its group, in the installable options when it has none there, or among the orphans.
-    // `visible` false lets it stand in a group that is no roll-down.
+    // Puts a control in its group, else in the installable options when inside their section, else among the
+    // orphans. `visible` false permits a group that is not a roll-down.
     void SetupControl(PPDXGroup* group, std::unique_ptr<PPDXControl> control, bool visible);
-    // Makes every group known to its parent: roll-downs to their scroll pane, scroll panes to their page.
+    // Adds every group to its parent: roll-downs to their scroll pane, scroll panes to their page.
     void ResolveHeirarchy();
 
-    // Same file and same "*PCFileName".
+    // Compares the file and the "*PCFileName".
     bool operator==(const ZANPPD& other) const;
 
     bool ParsePSKeywords(PPDStream& stream, const char* keyword) override;
@@ -172,7 +175,7 @@ protected:
     virtual void ReadCustXmlData(const std::string& text) { dmtXmlData = text; }
 
 private:
-    // What the lines before a control have told of it.
+    // What the lines before a control have defined.
     struct ControlDraft {
         std::string keyword;
         std::string flagTexts;
@@ -180,7 +183,7 @@ private:
         PPDXGroup* group = nullptr;
         long line = 0; // of "*%ZANFlags"
     };
-    // A keyword and the name that stands behind its "/"; both point into the line.
+    // A keyword and the name after its "/"; both are views of the line.
     struct NamedToken {
         std::string_view token;
         std::string_view name;
@@ -264,7 +267,7 @@ private:
     std::optional<FSRef> file;
     std::unique_ptr<PPDXErrors> errors;
     bool stopOnFirstError = false;
-    // Before what points into it: controls are destroyed first.
+    // Declared before the members that point into it: controls are destroyed first.
     PostscriptStore postscript;
     std::unique_ptr<UIConstraints> constraints;
     std::unique_ptr<PPDXProperties> properties;
@@ -280,7 +283,7 @@ private:
     HeaderValue versionMacQV;
     std::unordered_map<std::string, GroupName> groupNames; // while parsing: the first of each name
     std::vector<CollectedShortcut> collectedShortcuts;     // while parsing
-    PopupItems choiceRoom; // empty; kept from one choice block to the next for its room
+    PopupItems choiceRoom; // empty; kept between choice blocks for its capacity
     std::string dmtInjection;
     std::string dmtXmlData;
     std::vector<PPDXGroup*> orphanGroups;
@@ -291,7 +294,7 @@ private:
     bool hasFatalError = false;
 };
 
-// The stored preferences of the popup job notes, as the reader set by ZANPPD::SetPUJNPrefsReader gives them.
+// Returns the stored preferences of the popup job notes from the reader set by ZANPPD::SetPUJNPrefsReader.
 std::optional<std::string> QVPDEDataRead();
 
 } // namespace torka

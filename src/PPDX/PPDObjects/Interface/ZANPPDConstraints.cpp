@@ -14,13 +14,13 @@ namespace {
 
 constexpr DelimiterSet blanks(" \t");
 
-// The next text between blanks; empty at the end of the line.
+// Returns the next text between blanks; empty at the end of the line.
 std::string_view takeText(PPDStream& line) {
     line.SkipWhiteSpace();
     return line.TakeToken(blanks, true);
 }
 
-// Takes the next text between blanks off a line that holds no line end and at most 255 characters.
+// Removes the next text between blanks from a line without line end and of at most 255 characters.
 std::string_view takeWord(std::string_view& line) {
     std::size_t begin = 0;
     while (begin < line.size() && (line[begin] == ' ' || line[begin] == '\t')) {
@@ -33,14 +33,14 @@ std::string_view takeWord(std::string_view& line) {
     return word;
 }
 
-// The number after the marker, 0 when there is none.
+// Returns the number after the marker, 0 when there is none.
 long templateLineCount(std::string_view text) {
     long count = 0;
     std::from_chars(text.data(), text.data() + text.size(), count);
     return count;
 }
 
-// A length in points; false for anything but a finite number that is not negative.
+// Reads a length in points. Returns false for anything but a finite number that is not negative.
 bool readPoints(std::string_view text, float& points) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), points);
     return error == std::errc() && end == text.data() + text.size() && std::isfinite(points) &&
@@ -70,8 +70,8 @@ void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
     }
 }
 
-// Width: 1 points MINIMUM MAXIMUM, and the same for Height: 2. The first line makes the control, with both
-// sizes at their minimum; each line sets its two bounds.
+// Reads "Width: 1 points MINIMUM MAXIMUM", and the same for "Height: 2". The first line makes the control,
+// with both sizes at their minimum. Each line sets its two bounds.
 void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
     static constexpr const char* keyword = "*CustomPrintSize";
     const std::string_view dimension = TakeWord(line);
@@ -90,7 +90,7 @@ void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
         ControlDefinition definition;
         definition.keyword = keyword;
         definition.constraints = constraints.get();
-        // Of no group by its nature, whether or not other controls may be without one.
+        // This control belongs to no group by definition, even when other orphans are not accepted.
         size = new PPDXCustomPageSizeControl(definition, CustomPageSizeBounds());
         controls->Add(size);
     }
@@ -122,7 +122,7 @@ void ZANPPD::ParseSpecialOption(PPDStream& line) {
     }
 }
 
-// A management template in its packed form is read past and given up: its data are not understood here.
+// Skips a management template in its packed form, which this parser does not support.
 void ZANPPD::SkipTemplateBlock() {
     static constexpr std::string_view marker = "*DMT_X0000: ";
     std::array<char, kLineCapacity> text;

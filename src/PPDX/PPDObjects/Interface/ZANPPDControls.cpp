@@ -23,7 +23,7 @@ struct ZANPPD::BlockStyle {
     PPDErr badType;
 };
 
-// What the lines of a choice block have told so far.
+// The content of a choice block so far.
 struct ZANPPD::ChoiceBlock {
     enum class Kind { boolean, pickOne, pickMany };
 
@@ -37,7 +37,8 @@ struct ZANPPD::ChoiceBlock {
 
     std::optional<std::string> defaultOption;
     long defaultLine = 0;
-    std::optional<std::pair<PPDErr, long>> error; // the first, with its line; the block is read to its end
+    // The first error, with its line. The block is still read to its end.
+    std::optional<std::pair<PPDErr, long>> error;
 };
 
 namespace {
@@ -62,7 +63,7 @@ bool endsBlock(std::string_view keyword) {
     return element != nullptr && element->endsBlock;
 }
 
-// The next of a range's numbers, empty when there is none before the quoted PostScript.
+// Returns the next of a range's numbers, empty when none comes before the quoted PostScript.
 std::string_view takeNumber(PPDStream& line) {
     const std::string_view rest = line.Remaining();
     const std::size_t begin = rest.find_first_not_of(" \t;()");
@@ -74,7 +75,7 @@ std::string_view takeNumber(PPDStream& line) {
     return rest.substr(begin, end - begin);
 }
 
-// As atol: the number at the start, 0 for none, held to the range of the type.
+// Reads a number as atol does: 0 for none, clamped to the range of the type.
 long wholeNumber(std::string_view text, bool& isNumber) {
     const bool negative = text.starts_with('-');
     if (text.starts_with('+')) {
@@ -89,7 +90,7 @@ long wholeNumber(std::string_view text, bool& isNumber) {
     return value;
 }
 
-// As atof, for finite decimal numbers in the C locale.
+// Reads a number as atof does, for finite decimal numbers in the C locale.
 float decimalNumber(std::string_view text, bool& isNumber) {
     isNumber = false;
     if (text.starts_with('+')) {
@@ -210,7 +211,7 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
         Report(style.badType, named.token, blockLine);
         return;
     }
-    // The block names its control; a name that another control has is no new one.
+    // The block names its control. A name that another control has is a duplicate.
     CNTL_TYPE found{};
     if (named.token != draft.keyword) {
         draft.keyword = named.token;
@@ -285,7 +286,7 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     if (option.token.empty()) {
         return;
     }
-    // Tokens point into the line, which the value's further lines leave alone.
+    // Tokens point into the line, which reading the value's further lines does not change.
     CStringSoup& strings = *constraints->GetConstraintStrings();
     const std::int64_t identifier = strings.InsertWhole(option.token);
     constraints->KVSInsert(block.key, identifier);
@@ -315,7 +316,7 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
         TextConverter::CFStringToCstring(Localized(option.name, keyword, optionLine), name.data(),
                                          static_cast<long>(name.size()));
         block.branchNames[which] = name.data();
-        branch.text = ""; // takes the name once both are there
+        branch.text = ""; // replaced by the name when both branches are read
     }
 }
 
@@ -438,7 +439,7 @@ ControlDefinition ZANPPD::Define(const ControlDraft& draft, const std::string& k
     return definition;
 }
 
-// Asked before a control is made, because making one already tells the constraint store its value.
+// Called before a control is made, because a new control reports its value to the constraint store.
 bool ZANPPD::HasPlace(const ControlDraft& draft, std::string_view keyword, bool visible) {
     PPDXGroup* group = draft.group;
     switch (PlacementFor(group, visible)) {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-// Pages, scroll panes and roll-downs, the controls' places in them, and shortcuts.
+// Pages, scroll panes and roll-downs, the placement of controls in them, and shortcuts.
 
 namespace torka {
 
@@ -27,7 +27,7 @@ bool hasTrueFlag(PPDStream& line) {
     return found;
 }
 
-// Blanks, and a colon that stands for one, before an element's name.
+// Skips blanks, and a colon in place of one, before an element's name.
 void skipToName(PPDStream& line) {
     const std::string_view rest = line.Remaining();
     line.Skip(std::min(rest.find_first_not_of(" \t:"), rest.size()));
@@ -74,7 +74,7 @@ void ZANPPD::ParseGroupName(PPDStream& line, PPDErr missingName) {
         Report(PPDErr_Duplicate, record.name, Line());
         return;
     }
-    // The blank at the end of a group's name is of old standing; what compares names relies on it.
+    // A group's name has always ended with a blank; code that compares names relies on it.
     const std::string text = std::string(named.hasName ? named.name : named.token) + ' ';
     record.localName = Localized(text, record.name, Line());
     record.visible = hasTrueFlag(line);
@@ -143,7 +143,7 @@ void ZANPPD::PlaceRollDown(const GroupName& child, const std::string& parentName
     groups->Add(rollDown.release());
 }
 
-// Outside a parse every group keeps the parent it has; this makes the parents know their children again.
+// Every group keeps its parent outside a parse; this adds the children to their parents again.
 void ZANPPD::ResolveHeirarchy() {
     std::unordered_set<const PPDXGroup*> known;
     groups->ForEach([&](PPDXGroup* group) {

@@ -6,7 +6,7 @@
 
 #include <array>
 
-// Job notes, and the stored preferences of those that a dialog asks for before printing.
+// Job notes, and the stored preferences of notes that a dialog asks for before printing.
 
 namespace torka {
 
@@ -21,7 +21,7 @@ ZANPPD::PUJNPrefsReader& preferencesReader() {
 
 } // namespace
 
-// Without a draft there was no group line, whose keyword the note's would have to equal.
+// A null draft means no group line, whose keyword the note's must equal.
 void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     const long noteLine = Line();
     const std::string_view rest = line.Remaining();
@@ -78,7 +78,7 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     }
 }
 
-// A note without a default text is left for a person to fill in.
+// Skips a note without a default text, which the user has to fill in.
 void ZANPPD::CheckDefaultNote(const PPDXJobNote& note, long line) {
     if (note.GetDefaultNotes() != nullptr) {
         for (const BrokenNoteRule& rule : note.BrokenRules()) {
@@ -87,7 +87,7 @@ void ZANPPD::CheckDefaultNote(const PPDXJobNote& note, long line) {
     }
 }
 
-// False at a known word that the description's extension level does not have.
+// Returns false at a known word above the description's extension level.
 bool ZANPPD::ReadNoteFlags(PPDStream& line, std::string_view keyword, JobNoteFlagReader& flags) {
     while (!line.Remaining().empty()) {
         const std::string_view word = line.TakeToken(flagEnds, true);

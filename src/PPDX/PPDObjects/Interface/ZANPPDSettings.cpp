@@ -5,8 +5,7 @@
 
 #include <array>
 
-// The description in stored settings: header values under "Description0.", the elements as they store
-// themselves.
+// The description in stored settings: header values under "Description0.", elements in their own format.
 
 namespace torka {
 
@@ -118,7 +117,7 @@ void ZANPPD::RestoreElements(Settings& settings) {
     }
 }
 
-// Tells the constraint store what each key offers, as a parse does while it reads the choices.
+// Records the options of each key in the constraint store, as a parse does when it reads the choices.
 void ZANPPD::RecordOptions() {
     controls->ForEach([this](PPDXControl* control) {
         if (!control->Keyword()) {

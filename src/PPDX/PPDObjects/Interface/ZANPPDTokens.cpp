@@ -9,14 +9,14 @@ constexpr DelimiterSet wordEnds(" \t:");
 constexpr DelimiterSet nameEnds("/:");
 constexpr DelimiterSet colon(":");
 
-// The longest PostScript value that is kept; what goes beyond is cut.
+// The maximum length of a PostScript value; longer values are cut.
 constexpr long postscriptCapacity = 65536;
 
 } // namespace
 
 std::string_view ZANPPD::TakeMainKeyword(PPDStream& line) { return line.TakeToken(wordEnds, true); }
 
-// The next word, whatever blanks and colons stand before it.
+// Returns the next word. Skips blanks and colons before it.
 std::string_view ZANPPD::TakeWord(PPDStream& line) {
     const std::string_view rest = line.Remaining();
     const std::size_t begin = rest.find_first_not_of(" \t:");
@@ -47,15 +47,15 @@ void ZANPPD::CheckText(std::string_view text, std::string_view keyword, long lin
     }
 }
 
-// The text in the description's encoding; in UTF-8 while that is not known.
+// Decodes the text from the description's encoding; from UTF-8 while that is not known.
 CFStringRef ZANPPD::Localized(std::string_view text, std::string_view keyword, long line) {
     CheckText(text, keyword, line);
     TextConverter* converter = Converter();
     return converter ? converter->ConvertToCFString(text) : cfString(text);
 }
 
-// As LocalName, converted when it is asked for: with the encoding in force now, which a later line may
-// change.
+// Returns the same name as LocalName, converted only on request. Uses the current encoding, which a later
+// line may change.
 ChoiceName ZANPPD::NameOfChoice(const NamedToken& token, long line) {
     const std::string_view text = token.hasName ? token.name : token.token;
     if (text.empty() || !Converter()) {
@@ -66,8 +66,8 @@ ChoiceName ZANPPD::NameOfChoice(const NamedToken& token, long line) {
     return {std::string_view(kept, text.size()), TextConverter::GetPPDEncoding(this)};
 }
 
-// The quoted PostScript that begins on the line, kept for the life of the description; empty when there is
-// none.
+// Reads the quoted PostScript that begins on the line and keeps it for the life of the description. Empty
+// when there is none.
 ZANPPD::PostscriptBytes ZANPPD::TakePostscript(PPDStream& line) {
     char value[postscriptCapacity];
     const long length = GetPostscriptString(line, value, postscriptCapacity);

@@ -6,8 +6,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-// Values by key, lists of choices supplied at run time, and whether the description is one of the supported
-// ones.
+// Values by key, lists of choices supplied at run time, and the check for supported descriptions.
 
 namespace torka {
 
@@ -31,7 +30,7 @@ bool holdsName(const CFArrayRef& names, const CString* name) {
     return false;
 }
 
-// Reads a description's header up to its "*PCFileName", without a trace in the state of the model.
+// Reads a description's header up to its "*PCFileName" without changing the state of the model.
 class FileNameReader : public PPDX {
 public:
     const CString* Read(PPDFile& source) {

@@ -42,21 +42,21 @@ enum PPDErr : std::int16_t {
     PPDErr_SubGroupNameParsing = 37
 };
 
-// "PPDErr_Duplicate" for 23; "" for a code that does not exist.
+// Returns "PPDErr_Duplicate" for 23; "" for an unknown code.
 const char* ppdErrName(std::int16_t code);
-// True for the three that end a parse: memory, file, format.
+// Returns true for the three codes that end a parse: memory, file, format.
 bool isFatalPPDErr(std::int16_t code);
 
-// One defect of a description: its code, whether it ended the parse, the keyword concerned and the line where
-// it stands. The description text of the error is empty.
+// One defect of a description: its code, whether it ended the parse, its keyword and its line. The error's
+// description text is empty.
 class PPDXErrorObj final : public CError {
 public:
-    // Fatal as the code is. A null keyword is an empty one. Lines count from 1; 0 when the defect is of no
-    // line.
+    // The code decides whether it is fatal. A null keyword counts as empty. Lines count from 1; 0 when the
+    // defect concerns no line.
     PPDXErrorObj(std::int16_t code, const char* keyword, long line = 0);
     PPDXErrorObj(std::int16_t code, bool fatal, const char* keyword, long line);
 
-    // Never null.
+    // Never returns null.
     const char* Keyword() const;
     long Line() const { return lineNumber; }
 
@@ -65,14 +65,14 @@ private:
     long lineNumber;
 };
 
-// The defects of a description in the order in which they were met; owns them.
+// The defects of a description in the order of detection; owns them.
 class PPDXErrors {
 public:
-    // Null is passed over.
+    // Ignores null.
     void Add(std::unique_ptr<PPDXErrorObj> error);
     std::size_t Count() const { return errors.size(); }
     bool Empty() const { return errors.empty(); }
-    // Null at the end.
+    // Return null at the end.
     PPDXErrorObj* First();
     PPDXErrorObj* Next();
 

@@ -11,24 +11,24 @@ class PPDXGroups;
 class PPDXProperties {
 public:
     PPDXProperties();
-    // The pages that Save() stored, each with its scroll pane out of `groups` again.
+    // Rebuilds the pages that Save() stored, each with its scroll pane from `groups`.
     PPDXProperties(Settings& settings, const PPDXGroups* groups);
     PPDXProperties(const PPDXProperties&) = delete;
     PPDXProperties& operator=(const PPDXProperties&) = delete;
     ~PPDXProperties();
 
-    // Takes the page over. Null is passed over.
+    // Takes ownership of the page. Ignores null.
     void Add(PPDXProperty* property);
     bool Empty() const { return list.Empty(); }
     std::size_t Count() const { return list.Size(); }
-    // Every page, whatever the display options: a page has no parent.
+    // Iterate over every page, regardless of the display options: a page has no parent.
     PPDXProperty* First();
     PPDXProperty* Next();
     template <class Visit>
     void ForEach(Visit visit) const {
         list.ForEach(visit);
     }
-    // The first whose keyword equals (exact) or contains the name; null for null.
+    // Returns the first page whose keyword equals (exact) or contains the name; null for null.
     PPDXProperty* Find(const char* name, bool exact) const { return list.Find(name, exact); }
     void Save(Settings& settings) const;
 
@@ -36,9 +36,9 @@ private:
     ElementList<PPDXProperty> list;
 };
 
-// Null at the end or for null.
+// Returns null at the end or for null.
 PPDXProperty* NextProperty(PPDXProperties* properties);
-// True for null.
+// Returns true for null.
 bool IsPropertyListEmpty(const PPDXProperties* properties);
 
 } // namespace torka

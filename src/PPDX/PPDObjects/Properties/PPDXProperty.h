@@ -14,7 +14,7 @@ public:
     PPDXProperty(Settings& settings, int index, const CString* prefix);
     ~PPDXProperty() override;
 
-    // Null until one is placed.
+    // Returns null until a pane is placed.
     PPDXScrollPane* GetScrollDown() const { return scrollDown; }
     void SetScrollDown(PPDXScrollPane* pane) { scrollDown = pane; }
     bool ShowInApp() const { return showInApp; }
@@ -27,11 +27,11 @@ private:
     bool showInPrintProp;
 };
 
-// False for null.
+// Return false for null.
 bool IsPropertyPage(const PPDXElement* element);
 bool ShowPropInPrintProp(const PPDXProperty* property);
 bool ShowPropInApp(const PPDXProperty* property);
-// Nothing for a null property.
+// Does nothing for a null property.
 void SetPropertyScrollDown(PPDXProperty* property, PPDXScrollPane* pane);
 
 } // namespace torka

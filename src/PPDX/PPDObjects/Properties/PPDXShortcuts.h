@@ -5,8 +5,7 @@
 
 namespace torka {
 
-// The controls that are also offered in the quick-access area, in the order of the description. Refers to
-// them.
+// The controls that the quick-access area also offers, in the order of the description. Refers to them.
 class PPDXShortcuts {
 public:
     void Add(PPDXControl* control);
@@ -14,14 +13,14 @@ public:
     std::size_t Count() const { return list.Size(); }
     PPDXControl* First();
     PPDXControl* Next();
-    // The first whose keyword equals (exact) or contains the argument; null for null.
+    // Returns the first control whose keyword equals (exact) or contains the argument; null for null.
     PPDXControl* Find(const char* keyword, bool exact) const { return list.Find(keyword, exact); }
 
     PPDXControl* PageSize() const;
     PPDXControl* InputSlot() const;
     PPDXControl* Duplex() const;
     PPDXControl* Orientation() const;
-    // No description names these two yet: always null.
+    // Always return null: no description names these two yet.
     PPDXControl* Huekeeper() const;
     PPDXControl* MediaSource() const;
 
@@ -29,9 +28,9 @@ private:
     ElementList<PPDXControl> list;
 };
 
-// Null at the end or for null.
+// Returns null at the end or for null.
 PPDXControl* NextShortcut(PPDXShortcuts* shortcuts);
-// True for null.
+// Returns true for null.
 bool IsShortcutsListEmpty(const PPDXShortcuts* shortcuts);
 
 } // namespace torka
