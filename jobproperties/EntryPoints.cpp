@@ -9,8 +9,8 @@
 #include <cstring>
 #include <iostream>
 
-// The module's C interface. What comes in is checked here: a handle that belongs to no session, a missing
-// list or an incredible count is SDM_NOT_AVAILABLE, and nothing is thrown out of the module.
+// The module's C interface. It checks all input. A handle without a session, a missing list and an
+// implausible count return SDM_NOT_AVAILABLE. No exception leaves the module.
 
 using namespace torka::jobproperties;
 
@@ -38,7 +38,7 @@ SDMRESULT withSession(JPHANDLE handle, Action&& action) noexcept {
     });
 }
 
-// Hands a list that came in on to `take`.
+// Converts a received list and passes it to `take`.
 template <typename Take>
 SDMRESULT withList(JPHANDLE handle, const SDMKeyValueList* list, Take&& take) noexcept {
     return withSession(handle, [&](Session& session) -> SDMRESULT {
@@ -94,7 +94,7 @@ SDMRESULT JP1_1SetWatermarks(JPHANDLE session, const JPWatermarkList* list) {
         if (list == nullptr || list->count > maximumListLength ||
             (list->count > 0 && list->definitions == nullptr))
             return SDM_NOT_AVAILABLE;
-        std::vector<std::string> definitions; // positions count, so a missing one is an empty one
+        std::vector<std::string> definitions; // positions count, so a missing one becomes an empty one
         for (std::size_t i = 0; i < list->count; ++i)
             definitions.push_back(fromWide(list->definitions[i]));
         found.settings.HandOverWatermarks(std::move(definitions));
@@ -159,7 +159,7 @@ void JP1_1Free(void* pointer) { freeBlock(pointer); }
 
 void* SDMAllocMemory(SDMHANDLE /*handle*/, size_t size) { return allocateBlock(size); }
 
-// The session is the connection to the data server at once, so these have nothing to let go.
+// The session is also the connection to the data server, so these functions release nothing.
 SDMRESULT SDMTerminate(SDMHANDLE handle) {
     return Sessions::All().Find(handle) == nullptr ? SDM_NOT_AVAILABLE : SDM_SUCCESS;
 }

@@ -48,7 +48,7 @@ void JobSettings::Rebuild() {
 }
 
 void JobSettings::HandOver(const KeyValues& values) {
-    ResetSettings(); // so that positions in `settings` and `handed` are the same
+    ResetSettings(); // so that positions in `settings` and `handed` match
     const bool isFirst = settings.empty();
     for (const KeyValue& entry : values) {
         auto index = isFirst ? std::nullopt : Index(entry.key);
@@ -177,7 +177,7 @@ void JobSettings::SelectWatermark(int position) {
     TellFirstPageOnly();
 }
 
-// The setting beside the list says it of the watermark that is printed.
+// Copies the property of the printed watermark to the setting beside the list.
 void JobSettings::TellFirstPageOnly() {
     const int selected = SelectedWatermark();
     if (selected < 0 && Find(firstPageOnlyKey) == nullptr)
@@ -203,7 +203,7 @@ void JobSettings::RemoveWatermark(std::size_t position) {
         return;
     const int selected = SelectedWatermark();
     watermarks.erase(watermarks.begin() + static_cast<std::ptrdiff_t>(position));
-    // The choice follows its watermark, whatever is locked: the position is only its name.
+    // The selection follows its watermark even when locked: the position is only its name.
     if (selected == static_cast<int>(position))
         Force(selectedWatermarkKey, "-1");
     else if (selected > static_cast<int>(position))

@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
-// The settings and watermarks of one job while they are edited. Keys keep their spelling and order; an
-// asterisk before a key does not count when one is looked up, so that templates and presets may leave it out.
+// The settings and watermarks of one job during editing. Keys keep their spelling and order. Look-ups ignore
+// an asterisk before a key, so templates and presets may omit it.
 
 namespace torka::jobproperties {
 
@@ -22,56 +22,55 @@ enum class Lock {
 struct JobSetting {
     std::string key;
     std::string value;
-    std::string handedOver;                  // the value that "Restore" brings back
-    std::optional<std::size_t> earlier = {}; // the place of the entry before it that has the same key
+    std::string handedOver;                  // the value that "Restore" sets
+    std::optional<std::size_t> earlier = {}; // the position of the previous entry with the same key
 };
 
-// What the interface takes: bytes of one definition, and of all of them with one byte more each.
+// Limits of the interface, in bytes: of one definition, and of all definitions plus one byte each.
 inline constexpr std::size_t maximumDefinitionBytes = 1023;
 inline constexpr std::size_t maximumWatermarkBytes = 5152;
 
 class JobSettings {
 public:
-    // Settings that were handed over. A later list overrides an earlier one key by key and undoes what was
-    // edited.
+    // Takes over settings. A later list overrides an earlier one key by key and discards edits.
     void HandOver(const KeyValues& values);
     void LockKeys(const KeyValues& keys, Lock reason);
     void VeilKeys(const KeyValues& keys);
     void HandOverWatermarks(std::vector<std::string> definitions);
 
     const std::vector<JobSetting>& Settings() const { return settings; }
-    // Null when no setting has the key.
+    // Returns null when no setting has the key.
     const JobSetting* Find(std::string_view key) const;
     std::string Value(std::string_view key) const; // empty when there is none
     Lock LockOf(std::string_view key) const;
     bool IsVeiled(std::string_view key) const;
-    KeyValues LockedKeys() const; // in the order in which they came, values empty
+    KeyValues LockedKeys() const; // in their original order, with empty values
     KeyValues VeiledKeys() const;
 
-    // A change as a person makes it: false, with nothing changed, when the setting is locked or veiled. The
-    // name of a preset that the job carried goes, since the settings no longer match it.
+    // Changes a setting as a user does. Returns false and changes nothing when the setting is locked or
+    // veiled. Removes the job's preset name, because the settings no longer match it.
     bool Edit(std::string_view key, const std::string& value);
-    // Sets it whatever is locked; adds a setting that is not there.
+    // Sets the value despite any lock. Adds a missing setting.
     void Force(std::string_view key, const std::string& value);
     void Remove(std::string_view key);
-    // All that is not locked; the job carries the preset's name afterwards.
+    // Sets every setting of the preset that is not locked. The job then carries the preset's name.
     void Apply(const std::string& name, const Preset& preset);
-    // Settings and watermarks as they were handed over.
+    // Restores settings and watermarks to the values that were handed over.
     void Restore();
     bool IsChanged() const;
 
     const std::vector<std::string>& Watermarks() const { return watermarks; }
-    // Whether watermarks were handed over or made: otherwise the pane's stay as they are.
+    // Tells whether watermarks were handed over or made. Otherwise the pane keeps its own.
     bool HasWatermarkList() const { return watermarksHandedOver || !watermarks.empty(); }
-    // Position in the list; -1 for none.
+    // Returns the position in the list; -1 for none.
     int SelectedWatermark() const;
     void SelectWatermark(int position);
     void AddWatermark(const std::string& definition);
-    // Positions that do not exist change nothing.
+    // An unknown position changes nothing.
     void ReplaceWatermark(std::size_t position, const std::string& definition);
     void RemoveWatermark(std::size_t position);
-    // Whether the interface would take the list with `definition` at `position` (at the end when there is
-    // none there).
+    // Tells whether the interface accepts the list with `definition` at `position`, or at the end when no
+    // such position exists.
     bool HasRoomFor(std::size_t position, const std::string& definition) const;
 
 private:
@@ -83,7 +82,7 @@ private:
 
     std::vector<JobSetting> settings;
     std::unordered_map<std::string, std::size_t> exact,
-        bare; // the last one of the key; the first of the bare one
+        bare; // exact: the last entry of the key; bare: the first of the bare key
     KeyValues handed;
     std::vector<std::pair<std::string, Lock>> locks;
     std::unordered_map<std::string, Lock> lockOf;

@@ -12,12 +12,12 @@ namespace torka::jobproperties {
 
 namespace {
 
-// Stands before each block: what is freed may hold a password, and is wiped.
+// Stored before each block. A block may hold a password, so freeing wipes it.
 struct alignas(std::max_align_t) BlockHead {
     std::size_t bytes;
 };
 
-// Takes blocks while a list is built; frees them unless the list is finished.
+// Collects blocks while a list is built. Frees them unless the list is finished.
 class Blocks {
 public:
     Blocks() = default;
@@ -25,8 +25,8 @@ public:
     Blocks& operator=(const Blocks&) = delete;
     ~Blocks() { std::for_each(taken.begin(), taken.end(), freeBlock); }
 
-    // A zeroed array of `count` elements; null for none, and when memory ran out, which HasFailed() then
-    // tells.
+    // Returns a zeroed array of `count` elements. Returns null for none, and when memory runs out;
+    // HasFailed() is then true.
     template <typename Element>
     Element* Array(std::size_t count) {
         if (count == 0)

@@ -66,8 +66,8 @@ int hexDigit(char character) {
     return character >= 'A' && character <= 'F' ? character - 'A' + 10 : -1;
 }
 
-// The bytes of a translation: "<27>" stands for the byte 0x27. From the first bracket that is not closed or
-// holds anything else than pairs of digits, the text stays as it is typed.
+// Decodes the bytes of a translation: "<27>" means the byte 0x27. From the first bracket that is not closed,
+// or holds anything but pairs of digits, the text stays as it is.
 std::string withoutHex(std::string_view text) {
     std::string bytes;
     while (!text.empty()) {
@@ -104,8 +104,8 @@ bool isAnyOf(std::string_view word, std::initializer_list<std::string_view> word
 
 } // namespace
 
-// Goes through the lines once. A line that does not begin with an asterisk continues a value, and values of
-// several lines are PostScript, which nobody here needs.
+// Reads the lines once. A line that does not begin with an asterisk continues a value. Values of several
+// lines are PostScript, which this module does not need.
 class DescriptionReader {
 public:
     explicit DescriptionReader(PrinterDescription& target)
@@ -193,7 +193,7 @@ private:
     }
 
     void OpenGroup(const Line& line) {
-        // "*OpenGroup: NAME/LABEL": name and label stand behind the colon.
+        // "*OpenGroup: NAME/LABEL": name and label follow the colon.
         const std::size_t slash = line.value.find('/');
         openGroup = std::string(trimmed(line.value.substr(0, slash)));
         const std::string label = Label(
@@ -206,7 +206,7 @@ private:
         const std::string_view bare = bareKey(key);
         if (bare.empty() || description.settings.size() >= maximumEntries ||
             !description.settingIndex.emplace(bare, description.settings.size()).second)
-            return nullptr; // the first one stays
+            return nullptr; // keeps the first one
         DescribedSetting& setting = description.settings.emplace_back();
         setting.key = std::string(bare);
         setting.label = Label(translation, bare);
@@ -255,7 +255,7 @@ private:
         const bool complete = std::all_of(numbers.begin(), numbers.end(),
                                           [](const auto& number) { return number.has_value(); });
         if (!complete || *numbers[0] > *numbers[1] || *numbers[2] <= 0) {
-            setting->kind = SettingKind::Text; // no bounds to hold a value to
+            setting->kind = SettingKind::Text; // no bounds to check a value
             return;
         }
         setting->minimum = *numbers[0];
@@ -277,7 +277,7 @@ private:
             setting->maximumLength = static_cast<std::size_t>(*length);
     }
 
-    // The lines of flags and groups stand before or behind a control; at the end all of them are known.
+    // Lines of flags and groups may come before or after a control, so groups are assigned at the end.
     void Place() {
         for (DescribedSetting& setting : description.settings) {
             if (const auto group = groupOf.find(setting.key); group != groupOf.end())

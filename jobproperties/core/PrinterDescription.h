@@ -6,9 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
-// What a printer description says about its settings, as far as a window needs it: the tree of pages and
-// groups, the name of each setting in the description's language, its choices or bounds, and what it begins
-// with.
+// The parts of a printer description that a window needs: the tree of pages and groups, and for each setting
+// its name in the description's language, its choices or bounds, and its default.
 
 namespace torka::jobproperties {
 
@@ -31,34 +30,35 @@ struct DescribedSetting {
     std::string label; // UTF-8
     std::string group; // name of the group; empty: none
     SettingKind kind = SettingKind::Text;
-    std::vector<DescribedChoice> choices; // of a switch too: the texts of its two states
+    std::vector<DescribedChoice> choices; // for a switch the texts of its two states
     std::string defaultValue;
     double minimum = 0;
     double maximum = 0;
     double increment = 1;
-    std::size_t maximumLength = 0; // characters of a text; 0: no limit
-    bool secret = false;           // its text is never shown: a password, or for the controller alone
-    bool hidden = false;           // the description keeps it from the user
+    std::size_t maximumLength = 0; // characters of a text; 0: no maximum
+    bool secret = false;           // its text is never shown: a password, or only for the controller
+    bool hidden = false;           // the description hides it from the user
 };
 
 struct DescribedGroup {
     std::string name;
     std::string label; // UTF-8
-    std::string page;  // label of the page that holds it, UTF-8; empty: it stands alone
+    std::string page;  // label of its page, UTF-8; empty: no page
     bool hidden = false;
 };
 
-// Values of one description, read once. Whatever the bytes are, reading ends and gives what was understood.
+// The values of one description, read once. Reading ends for any input and returns what it understood.
 class PrinterDescription {
 public:
-    // A description of more than 16 MB, and settings, groups or choices beyond 10,000, are not read.
+    // Ignores a description of more than 16 MB, and settings, groups or choices beyond 10,000.
     static PrinterDescription FromText(std::string_view bytes);
-    // Empty when the file cannot be read or is no PPD; `error` then says why.
+    // Returns an empty description when the file cannot be read or is not a PPD; `error` then holds the
+    // reason.
     static PrinterDescription FromFile(const std::string& path, std::string& error);
 
     const std::vector<DescribedGroup>& Groups() const { return groups; }
     const std::vector<DescribedSetting>& Settings() const { return settings; }
-    // By its key, with or without an asterisk before it; null when the description does not know it.
+    // Finds a setting by its key, with or without an asterisk. Returns null for an unknown key.
     const DescribedSetting* Find(std::string_view key) const;
     const DescribedGroup* FindGroup(std::string_view name) const;
     const std::string& ModelName() const { return modelName; }
@@ -73,10 +73,10 @@ private:
     std::string modelName;
 };
 
-// Whether a key's name alone says that its value is a password.
+// Tells whether the name of a key marks its value as a password.
 bool isSecretName(std::string_view key);
 
-// A key without the asterisk that may stand before it (or all of them, so that the result is bare).
+// Returns a key without the asterisks before it.
 std::string_view bareKey(std::string_view key);
 
 } // namespace torka::jobproperties

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t maximumScriptBytes = std::size_t{16} << 20;
 
-// What a command's words are: 'w' a word, 'n' a whole number, 'r' the rest of the line.
+// The words of a command: 'w' is a word, 'n' a whole number, 'r' the rest of the line.
 struct Command {
     std::string_view name;
     std::string_view words;
@@ -30,7 +30,7 @@ constexpr std::array<Command, 21> commands{
      {"return-null", ""},    {"return-count", "n"},   {"overlong", "wn"},        {"garbage", ""},
      {"end-fail", ""}}};
 
-// Takes the character that "\u{HEX}" means, whose first two characters are gone.
+// Takes the character of "\u{HEX}" after its first two characters.
 std::optional<std::string> takeUnicode(std::string_view& text) {
     const std::size_t close = text.find('}');
     std::uint32_t number = 0;
@@ -44,7 +44,8 @@ std::optional<std::string> takeUnicode(std::string_view& text) {
     return fromWide(wide.data());
 }
 
-// A word in double quotes, whose first quote is gone; null when it is not closed or holds an unknown escape.
+// Takes a word in double quotes after its first quote. Returns null when it is not closed or has an unknown
+// escape.
 std::optional<std::string> takeQuoted(std::string_view& text) {
     std::string word;
     while (!text.empty()) {
@@ -101,7 +102,7 @@ const Command* commandOf(std::string_view& text) {
     return found;
 }
 
-// What is wrong with the line; empty when nothing is.
+// Returns what is wrong with the line; empty for a valid line.
 std::string readLine(std::string_view text, ScriptLine& line) {
     const Command* command = commandOf(text);
     if (command == nullptr)

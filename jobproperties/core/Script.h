@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-// The language of module scripts (README.md): reading only. What the lines do is ScriptRunner's.
+// Reads the language of module scripts (README.md). ScriptRunner executes the lines.
 
 namespace torka::jobproperties {
 
@@ -17,13 +17,13 @@ struct ScriptLine {
 
 struct Script {
     std::vector<ScriptLine> lines;
-    // Empty when every line was understood; otherwise the first that was not, with its number.
+    // Empty when every line is valid; otherwise the first invalid line, with its number.
     std::string error;
 
     static Script FromText(std::string_view text);
     static Script FromFile(const std::string& path);
 
-    // The last line with the command; null when there is none.
+    // Returns the last line with the command; null when there is none.
     const ScriptLine* Find(std::string_view command) const;
 };
 

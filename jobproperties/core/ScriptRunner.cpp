@@ -31,7 +31,7 @@ std::string escaped(std::string_view text) {
     return line;
 }
 
-// Entries that no pane should trip over. Null stands for an absent text.
+// Entries that must not break a pane. Null stands for an absent text.
 struct GarbageEntry {
     const wchar_t* key;
     const wchar_t* value;
@@ -160,7 +160,7 @@ void ScriptRunner::WriteKeyValues(const std::string& what, const KeyValues& valu
 
 bool ScriptRunner::IsSecret(std::string_view key) {
     if (!description) {
-        std::string ignored; // without a description the names tell
+        std::string ignored; // without a description, names decide
         const auto answer = server.Data();
         const std::string path = answer ? attributeOf(answer.value, "ppdLocation0") : std::string();
         description = path.empty() ? PrinterDescription() : PrinterDescription::FromFile(path, ignored);

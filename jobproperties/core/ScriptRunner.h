@@ -12,26 +12,26 @@
 #include <string_view>
 #include <vector>
 
-// Obeys a script in place of a person: lines act on the session's settings and leave reports in a file.
+// Executes a script in place of a user. Its lines change the session's settings and write reports to a file.
 // Server and settings belong to the session, which outlives the runner.
 
 namespace torka::jobproperties {
 
 class ScriptRunner {
 public:
-    // Empties the report files that the script names; the first is `defaultReport` unless it names one
-    // before.
+    // Empties the report files that the script names. The first is `defaultReport` unless the script names
+    // another before its first report.
     ScriptRunner(Script script, std::string defaultReport, const Server& server, JobSettings& settings);
 
     bool BeginFails() const { return script.Find("begin-fail") != nullptr; }
     bool EndFails() const { return script.Find("end-fail") != nullptr; }
     bool GetFails() const { return script.Find("get-fail") != nullptr; }
     bool ReturnsNull() const { return script.Find("return-null") != nullptr; }
-    // Answers the next question whether the server is ready.
+    // Answers the next query for the server's readiness.
     bool IsReady();
-    // Runs every line. The answer is that of the window; `result` is written when it is SDM_SUCCESS.
+    // Runs every line. Returns what the window would return; writes `result` when it is SDM_SUCCESS.
     SDMRESULT Run(const std::string& title, std::int32_t& result);
-    // What the script makes of the list that is to be returned.
+    // Changes the list before it is returned, as the script demands.
     void Spoil(std::vector<WideEntry>& entries) const;
 
 private:
@@ -42,7 +42,7 @@ private:
 
     template <typename Value, typename WriteValue>
     void WriteAnswer(const std::string& what, const Answer<Value>& answer, WriteValue&& writeValue) const;
-    // Values that a window would not show are masked.
+    // Masks values that a window would not show.
     void WriteKeyValues(const std::string& what, const KeyValues& values);
     bool IsSecret(std::string_view key);
 
@@ -51,8 +51,8 @@ private:
     const Server& server;
     JobSettings& settings;
     std::string windowTitle;
-    std::optional<PrinterDescription> description; // once a list was written
-    long asked = 0;                                // how often whether the server is ready
+    std::optional<PrinterDescription> description; // set when the first list is written
+    long asked = 0;                                // number of queries for the server's readiness
 };
 
 } // namespace torka::jobproperties

@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-// The print server as the module sees it: what the pane's callbacks answer, taken over into values of the
-// module's own.
+// The module's view of the print server: the answers of the pane's callbacks, copied into the module's own
+// values.
 
 namespace torka::jobproperties {
 
-// What is longer than this is a damaged count, not a list.
+// A larger count is damaged.
 inline constexpr std::size_t maximumListLength = 100000;
 
 struct KeyValue {
@@ -23,8 +23,8 @@ struct KeyValue {
 };
 using KeyValues = std::vector<KeyValue>;
 
-// Texts are UTF-8, empty where the server does not know them; numbers as the interface gives them; one
-// below 0 is an SDM_LEVEL.
+// Texts are UTF-8, empty when unknown to the server. Numbers are those of the interface (-1 unknown, -2
+// unlimited, -3 some).
 struct Tray {
     std::string name, key, mediaName, mediaSize, mediaType, mediaColor;
     std::int32_t level = SDM_LEVEL_UNKNOWN; // sheets
@@ -49,7 +49,7 @@ struct Preset {
     KeyValues jobValues, tesselValues, presetValues;
 };
 
-// `value` is filled only when the callback is there and succeeded.
+// `value` is set only when the callback exists and succeeded.
 template <typename Value>
 struct Answer {
     bool offered = false;
@@ -59,15 +59,15 @@ struct Answer {
     explicit operator bool() const { return offered && result == SDM_SUCCESS; }
 };
 
-// Copies a list that was handed over. False, with nothing taken, when there is no list or its count cannot be
-// true; an entry without a key is passed over.
+// Copies a received list. Returns false, with nothing copied, when there is no list or its count is
+// implausible. Skips an entry without a key.
 bool readList(const SDMKeyValueList* list, KeyValues& values);
 
-// Asks through the callback table, on the thread that made it. Every block that a callback returned goes back
-// by the table's free callback, whatever was in it.
+// Calls the callback table on the thread that created it. Returns every block of a callback through the
+// table's free callback, whatever it holds.
 class Server {
 public:
-    // Copies the table. `handle` goes to each callback.
+    // Copies the table. Passes `handle` to each callback.
     Server(const SDMCallbackSlot* table, SDMHANDLE handle);
 
     bool IsTwoWay() const;
@@ -98,7 +98,8 @@ private:
     SDMHANDLE handle;
 };
 
-// The value of an attribute (`name="value"`) in an XML text, its entities resolved; empty when there is none.
+// Returns the value of an attribute (`name="value"`) in an XML text, with entities resolved; empty when there
+// is none.
 std::string attributeOf(const std::string& xml, const std::string& name);
 
 } // namespace torka::jobproperties

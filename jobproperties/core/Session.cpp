@@ -9,7 +9,7 @@ namespace torka::jobproperties {
 
 namespace {
 
-// The window opens without live data after this many questions, which come every 100 ms.
+// The window opens without live data after this many queries, which come every 100 ms.
 constexpr int patience = 50;
 
 } // namespace

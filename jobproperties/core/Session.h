@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// One run of the module: the server, the settings, and the script if there is one.
+// One run of the module: the server, the settings, and any script.
 
 namespace torka::jobproperties {
 
@@ -17,34 +17,34 @@ public:
     explicit Session(const SDMCallbackSlot* table)
         : server(table, this) {}
 
-    // False when the environment names a script that cannot be obeyed or that wants the session to fail;
-    // tells why on the standard error stream.
+    // Returns false when the environment names a script that is invalid or that makes the session fail.
+    // Writes the reason to the standard error stream.
     bool Begin();
     bool IsServerReady();
-    // What the server itself locks; asked once, as the window opens.
+    // Locks the settings that the server locks. Called once, when the window opens.
     void TakeServerLocks();
 
     Server server;
     JobSettings settings;
-    std::unique_ptr<ScriptRunner> script; // null: a person edits
-    bool isOpen = false;                  // its window is; the session cannot end then
+    std::unique_ptr<ScriptRunner> script; // null: a user edits
+    bool isOpen = false;                  // the window is open; the session cannot end then
 
 private:
-    int asked = 0; // how often whether the server is ready
+    int asked = 0; // number of queries for the server's readiness
 };
 
-// The sessions that have begun and not ended, owned by the process. One thread, the pane's, uses them.
+// The open sessions, owned by the process. Only the pane's thread uses them.
 class Sessions {
 public:
     static Sessions& All();
 
-    // Null when the session could not begin.
+    // Returns null when the session cannot begin.
     Session* Begin(const SDMCallbackSlot* table);
-    // Null when the handle is that of no session that goes on.
+    // Returns null when no open session has the handle.
     Session* Find(const void* handle) const;
-    // False when there is no such session, or its window is open.
+    // Returns false when there is no such session, or its window is open.
     bool End(const void* handle);
-    // Ends them all. False when a window is open, or a script wanted the module's end to fail.
+    // Ends all sessions. Returns false when a window is open, or when a script makes the module's end fail.
     bool EndAll();
 
 private:

@@ -38,8 +38,8 @@ void append(std::string& text, char32_t character) {
     }
 }
 
-// Takes one character off the front of `utf8`, which is not empty. RFC 3629; a byte that begins none is taken
-// alone.
+// Takes one character (RFC 3629) off the front of `utf8`, which is not empty. Takes a byte alone when no
+// character begins with it.
 char32_t takeCharacter(std::string_view& utf8) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
     const unsigned char first = byte(0);
@@ -132,7 +132,7 @@ std::string TextDecoder::ToUtf8(std::string_view bytes) const {
                                    [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
     if (converter == nullptr || ascii)
         return cleanUtf8(bytes);
-    ::iconv(converter, nullptr, nullptr, nullptr, nullptr); // forgets what an earlier text broke off in
+    ::iconv(converter, nullptr, nullptr, nullptr, nullptr); // discards the state of an incomplete text
     std::string input(bytes);
     std::string output(input.size() * 4, '\0');
     char* in = input.data();

@@ -21,7 +21,7 @@ int leadingNumber(std::string_view field, int least, int most) {
     return std::clamp(number, least, most);
 }
 
-// Every field but the last four is a number that nobody measures in more than these.
+// Limits of every number field.
 constexpr int least = -std::numeric_limits<int>::max();
 constexpr int most = std::numeric_limits<int>::max();
 

@@ -13,7 +13,7 @@ enum class Glyph { Lock, Undo };
 // Draws the sign into the square, in one colour, sharp at every scale.
 void paintGlyph(QPainter& painter, Glyph glyph, const QRectF& square, const QColor& color);
 
-// A sign of the font's height that can be tabbed to; in the colour of the palette's text.
+// A button with a sign of the font's height, in the palette's text colour. It accepts the keyboard focus.
 class GlyphButton : public QAbstractButton {
     Q_OBJECT
 public:

@@ -30,8 +30,8 @@ namespace {
 
 constexpr int refreshInterval = 5000; // milliseconds
 
-// Settings of the pane itself, which no description knows. One without a label stands elsewhere in the
-// window, or is none that a person edits.
+// Settings of the pane itself, which no description contains. One without a label appears elsewhere in the
+// window or is not editable.
 struct PaneSetting {
     std::string_view key; // without its asterisk
     const char* label;
@@ -51,7 +51,7 @@ const PaneSetting* paneSetting(const std::string& key) {
     return found == paneSettings.end() ? nullptr : found;
 }
 
-// Bounds of the copies, which stand in the pane's list and in no description.
+// Bounds of the copies, which are in the pane's list but in no description.
 const DescribedSetting& describedCopies() {
     static const DescribedSetting copies = [] {
         DescribedSetting setting;
@@ -224,14 +224,14 @@ JobPropertiesWindow::Group& JobPropertiesWindow::GroupFor(const QString& page, c
 }
 
 void JobPropertiesWindow::FillGroups() {
-    std::vector<const JobSetting*> ordered; // as the description lists them; the others after these
+    std::vector<const JobSetting*> ordered; // in the description's order; the others follow
     std::vector<const JobSetting*> others;
     for (const JobSetting& setting : session.settings.Settings())
         (description.Find(setting.key) != nullptr ? ordered : others).push_back(&setting);
     std::stable_sort(ordered.begin(), ordered.end(), [&](const JobSetting* first, const JobSetting* second) {
         return description.Find(first->key) < description.Find(second->key);
     });
-    // Groups come in the description's order, whichever of their settings the job has.
+    // Groups come in the description's order, even without settings in the job.
     for (const DescribedGroup& group : description.Groups()) {
         if (group.hidden)
             continue;
@@ -318,7 +318,7 @@ void JobPropertiesWindow::FillPresets() {
         presets->setCurrentIndex(current);
 }
 
-// An ampersand in a title is no mark of a shortcut.
+// Keeps an ampersand in a title from marking a shortcut.
 void JobPropertiesWindow::ShowTitle(const Group& group, QString title) {
     group.box->setTitle(title.replace('&', QStringLiteral("&&")));
 }
@@ -415,8 +415,7 @@ void JobPropertiesWindow::Restore() {
     ShowAllValues();
 }
 
-// In the search field Return goes to what was found and Esc takes the search back, instead of closing the
-// window.
+// In the search field Return goes to the first match and Esc clears the search; neither closes the window.
 bool JobPropertiesWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched != search || event->type() != QEvent::KeyPress)
         return QDialog::eventFilter(watched, event);

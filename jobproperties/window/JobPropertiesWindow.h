@@ -26,8 +26,8 @@ class StatusPanel;
 class WatermarkEditor;
 
 // The full set of settings of one session, which outlives the window: pages on the left, the settings of the
-// page or of a search in the middle, the printer's state on the right. Everything that is edited goes into
-// the session's settings at once; whether it counts is the dialog's result.
+// page or of a search in the middle, the printer's state on the right. Edits change the session's settings at
+// once; the dialog's result decides whether they count.
 class JobPropertiesWindow : public QDialog {
     Q_OBJECT
 public:
@@ -37,7 +37,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // One group of settings: shown on its page, and in a search whose words one of its rows has.
+    // One group of settings. Shown on its page, and in a search that matches one of its rows.
     struct Group {
         QGroupBox* box = nullptr;
         QVBoxLayout* column = nullptr;
@@ -70,7 +70,7 @@ private:
     QString descriptionError;
     std::vector<Group> groups;         // in the order of the description
     QHash<QString, std::size_t> index; // page, tab and title -> group
-    QString copiesPage;                // the first one: no description knows the copies
+    QString copiesPage;                // the first page: no description contains the copies
     QTimer refresh;                    // asks for the printer's state
 
     QLineEdit* search = nullptr;

@@ -63,7 +63,7 @@ void LevelGauge::paintEvent(QPaintEvent* /*event*/) {
             painter.fillRect(
                 QRectF(frame.left(), frame.top() + bandHeight * static_cast<double>(i), width, bandHeight),
                 bands[i]);
-        if (value() > 0 && value() < 100) // the end is seen even where ink and ground are alike
+        if (value() > 0 && value() < 100) // the end is visible even when the two colours are similar
             painter.fillRect(QRectF(frame.left() + width, frame.top(), 1, frame.height()),
                              palette().color(QPalette::Text));
     } else {

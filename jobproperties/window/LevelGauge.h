@@ -6,21 +6,21 @@
 
 namespace torka::jobproperties {
 
-// A bar that shows how much of something is there, in the colours of the thing itself. What it shows is said
-// beside it, so that nothing depends on colour.
+// A bar that shows a level in the colours of the supply. A text beside it gives the same information, so that
+// nothing depends on colour alone.
 class LevelGauge : public QProgressBar {
     Q_OBJECT
 public:
     explicit LevelGauge(QWidget* parent = nullptr);
 
-    // Percent; -1 when only its being there is known, which is drawn hatched.
+    // Takes percent; -1 for a supply that is present at an unknown level, drawn hatched.
     void SetLevel(int percent);
-    // One band for each; none: the palette's highlight.
+    // Draws one band for each colour; none: the palette's highlight.
     void SetColors(const QList<QColor>& bands);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
-    // "#rrggbb", several one after the other.
+    // Reads "#rrggbb", one or more without a separator.
     static QList<QColor> ColorsFromText(const QString& text);
 
 protected:

@@ -22,8 +22,8 @@ bool isSet(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
-// A QApplication for a host that has none. Qt sets the process's locale as it begins; the host's own comes
-// back at once, since the host may write numbers while the window is open.
+// Makes a QApplication for a host that has none. Qt sets the process's locale when it starts; this restores
+// the host's locale at once, because the host may write numbers while the window is open.
 class OwnApplication {
 public:
     OwnApplication() {

@@ -2,11 +2,11 @@
 
 #include <QString>
 
-// Descriptions and servers give texts that may look like markup.
+// Texts of descriptions and servers may look like markup.
 
 namespace torka::jobproperties {
 
-// A tool tip that shows the text as it stands: the toolkit guesses the format of a tip.
+// Makes a tool tip that shows the text literally: the toolkit guesses the format of a tip.
 inline QString plainToolTip(const QString& plain) {
     return plain.isEmpty()
                ? QString()

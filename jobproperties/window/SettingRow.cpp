@@ -23,9 +23,9 @@ namespace torka::jobproperties {
 
 namespace {
 
-constexpr int maximumValueLength = 700; // bytes that the interface takes of a value
+constexpr int maximumValueLength = 700; // bytes; the interface's maximum for a value
 
-// A wheel that scrolls the page does not change what it passes over.
+// Keeps a wheel event that scrolls the page from changing the editor under the pointer.
 class WheelGuard : public QObject {
 public:
     using QObject::QObject;
@@ -47,10 +47,10 @@ Widget* guarded(Widget* widget) {
 
 QString shown(const std::string& text) { return QString::fromStdString(text); }
 
-// A text as a widget shows it that would take an ampersand for the mark of a shortcut.
+// Escapes a text for a widget that would treat an ampersand as the mark of a shortcut.
 QString withoutShortcut(QString text) { return text.replace('&', QStringLiteral("&&")); }
 
-// Digits behind the point that the increment needs, at least one.
+// Returns the number of decimals that the increment needs, at least one.
 int decimalsOf(double increment) {
     int decimals = 1;
     for (double step = increment * 10; decimals < 6 && std::abs(step - std::round(step)) > 1e-6; step *= 10)
@@ -58,7 +58,7 @@ int decimalsOf(double increment) {
     return decimals;
 }
 
-// The number of a value, unless it is one that the described bounds exclude.
+// Returns the number of a value, or nothing when it is outside the described bounds.
 std::optional<double> numberWithin(const std::string& value, const DescribedSetting& described) {
     const auto number = decimalNumber(trimmed(value));
     return number && *number >= described.minimum && *number <= described.maximum ? number : std::nullopt;
@@ -88,7 +88,7 @@ void SettingRow::Build(const QString& label) {
     name->setWordWrap(true);
     name->setTextFormat(Qt::PlainText);
     name->setFixedWidth(em * 26);
-    QFont bold = name->font(); // of a changed setting; the row must not jump
+    QFont bold = name->font(); // the font of a changed setting, so that the row keeps its height
     bold.setBold(true);
     name->setMinimumHeight(QFontMetrics(bold)
                                .boundingRect(QRect(0, 0, em * 26, QWIDGETSIZE_MAX), Qt::TextWordWrap, label)
@@ -124,7 +124,7 @@ void SettingRow::Build(const QString& label) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 1, 0, 1);
     row->addWidget(name, 0, Qt::AlignVCenter);
-    row->addWidget(place, 100); // as wide as it may be, before the empty rest gets any room
+    row->addWidget(place, 100); // gets its full width before the empty rest gets any
     row->addWidget(undo, 0, Qt::AlignVCenter);
     row->addStretch(1);
 }
@@ -184,7 +184,7 @@ QWidget* SettingRow::MakeChoice() {
             [this, box](int) { Take(box->currentData().toString().toStdString()); });
     showEditor = [box](const std::string& value) {
         int index = box->findData(shown(value), Qt::UserRole, Qt::MatchExactly | Qt::MatchCaseSensitive);
-        if (index < 0) { // a choice that came from the server
+        if (index < 0) { // a choice from the server
             box->addItem(value.empty() ? tr("(none)") : shown(value), shown(value));
             index = box->count() - 1;
         }

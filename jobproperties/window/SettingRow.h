@@ -14,21 +14,20 @@ namespace torka::jobproperties {
 
 class GlyphButton;
 
-// One setting: its name, an editor that suits its kind, and what is to be said of it (locked, changed).
-// Values are written into the settings as they are edited and read back by ShowValue. Settings and
-// description belong to others and outlive the row.
+// One setting: its name, an editor for its kind, and notes (locked, changed). Edits go to the settings at
+// once; ShowValue reads them back. Does not own settings and description, which outlive the row.
 class SettingRow : public QWidget {
     Q_OBJECT
 public:
-    // A setting that the description does not know has only its key; `label` is what is shown for it.
+    // A setting without description has only its key; `label` is the displayed name.
     SettingRow(JobSettings& settings, std::string key, const DescribedSetting* described,
                const QString& label, QWidget* parent = nullptr);
 
     const std::string& Key() const { return key; }
-    // Takes the value from the settings.
+    // Reads the value from the settings.
     void ShowValue();
     void SetHelp(const QString& help);
-    // Whether name, key, choices or `context` contain every word; words are in lower case.
+    // Tells whether name, key, choices or `context` contain every word; words are in lower case.
     bool Matches(const QStringList& words, const QString& context) const;
 
 Q_SIGNALS:
@@ -36,7 +35,7 @@ Q_SIGNALS:
 
 private:
     void Build(const QString& label);
-    // The editor for the kind, or a line when the value is none that the kind has. Sets showEditor.
+    // Makes the editor for the kind, or a line when the value does not fit the kind. Sets showEditor.
     QWidget* MakeEditor();
     QWidget* MakeChoice();
     QWidget* MakeChoices();

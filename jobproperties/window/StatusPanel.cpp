@@ -25,7 +25,7 @@ QString percentText(int level) {
     return QLocale().toString(std::clamp(level, 0, 100)) + StatusPanel::tr(" %");
 }
 
-// What a level says, in words; empty for a known number.
+// Returns a special level in words; empty for a known number.
 QString specialText(int level) {
     switch (level) {
     case SDM_LEVEL_UNLIMITED:
@@ -39,7 +39,7 @@ QString specialText(int level) {
 
 QLabel* makeText() {
     auto* label = new QLabel;
-    label->setTextFormat(Qt::PlainText); // what a server says is never markup
+    label->setTextFormat(Qt::PlainText); // a server's text is never markup
     label->setWordWrap(true);
     return label;
 }

@@ -13,8 +13,8 @@ namespace torka::jobproperties {
 
 class LevelGauge;
 
-// Live state of the printer: toner, trays, and what the server says of itself. Refresh() asks the server,
-// which outlives the panel; what did not change is not touched, so that a screen reader is not disturbed.
+// Live state of the printer: toner, trays, and information of the server. Refresh() asks the server, which
+// outlives the panel. It leaves unchanged widgets alone, so that a screen reader is not disturbed.
 class StatusPanel : public QScrollArea {
     Q_OBJECT
 public:
@@ -22,7 +22,7 @@ public:
     void Refresh();
 
 private:
-    // A titled list of gauges. The rows are made anew only when their number changes.
+    // A titled list of gauges. Rows are rebuilt only when their number changes.
     struct Section {
         QWidget* box = nullptr;
         QVBoxLayout* rows = nullptr;

@@ -23,7 +23,7 @@ namespace torka::jobproperties {
 namespace {
 
 constexpr std::string_view printedKey = "*QV_WATERMARK";
-// Points and degrees that a field offers; what lies beyond stays in the definition until it is edited.
+// Maximum points that a field offers. Values beyond stay in the definition until they are edited.
 constexpr int maximumPoints = 20000;
 
 QString labelOf(const std::string& definition) {

@@ -18,13 +18,13 @@ namespace torka::jobproperties {
 
 class WatermarkPreview;
 
-// The job's watermarks: which one is printed, and what each looks like. Writes into the settings, which
-// outlive it, as it is used; a change that the pane could not take is not made, and said.
+// Selects the watermark to print and edits each one. Writes every change into the settings, which outlive it.
+// Rejects a change that the pane could not accept, with a message.
 class WatermarkEditor : public QWidget {
     Q_OBJECT
 public:
     explicit WatermarkEditor(JobSettings& settings, QWidget* parent = nullptr);
-    // Takes everything from the settings.
+    // Reads all values from the settings.
     void ShowValues();
 
 Q_SIGNALS:
@@ -41,7 +41,7 @@ private:
     void Add();
     void Remove();
     void ChooseColor();
-    // Changes one thing of the watermark that is shown; the rest of its definition stays as it is.
+    // Changes one field of the displayed watermark and keeps the rest of its definition.
     template <typename Change>
     void Edit(Change&& change);
 

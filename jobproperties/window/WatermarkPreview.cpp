@@ -11,7 +11,7 @@ namespace {
 
 constexpr QSizeF sheet(595, 842); // points
 
-// A font of this system that looks like the PostScript font.
+// Returns a font of this system that resembles the PostScript font.
 QFont fontFor(const QString& name) {
     QString family = QStringLiteral("Helvetica");
     if (name.startsWith(QStringLiteral("Times")))
@@ -59,7 +59,7 @@ void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
     painter.drawRect(page);
     if (isEmpty)
         return;
-    // Lines stand for what is printed beneath.
+    // Lines represent the page's content.
     for (double y = 90; y < sheet.height() - 70; y += 22)
         painter.fillRect(QRectF(70, y, y > sheet.height() - 120 ? 220 : sheet.width() - 140, 7),
                          QColor(228, 228, 228));
@@ -71,7 +71,7 @@ void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
     painter.setFont(font);
     const QString text = QString::fromStdString(watermark.text).left(400);
     const double textWidth = QFontMetricsF(font).horizontalAdvance(text);
-    // A clear watermark has no colour of its own: its outline tells where the varnish goes.
+    // A clear watermark has no colour: an outline shows where the varnish goes.
     if (watermark.clear) {
         QPainterPath outline;
         outline.addText(-textWidth / 2, watermark.size / 3.0, font, text);

@@ -6,8 +6,7 @@
 
 namespace torka::jobproperties {
 
-// A sheet of A4 with the watermark on it, as wide as there is room. Only the sheet is white, whatever the
-// palette.
+// A sheet of A4 with the watermark on it, scaled to the available room. The sheet is white in any palette.
 class WatermarkPreview : public QWidget {
     Q_OBJECT
 public:
