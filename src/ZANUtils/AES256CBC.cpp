@@ -79,7 +79,7 @@ void AES256CBC::DoAES256Encrypt(const std::uint8_t* key, const std::uint8_t* iv,
     }
     const std::size_t n = std::strlen(text) + 1;
     if (n > static_cast<std::size_t>(INT_MAX - blockBytes)) {
-        return; // the length of the result could not be told
+        return; // *outLength could not hold the length
     }
     const std::size_t rest = n % blockBytes;
     const std::size_t whole = n - rest;
@@ -87,8 +87,8 @@ void AES256CBC::DoAES256Encrypt(const std::uint8_t* key, const std::uint8_t* iv,
     std::memset(out, 0, capacity);
     MakeKey(key, iv);
 
-    // Whole blocks go straight from the text; only the last one is put together here. What `out` cannot hold
-    // is enciphered no further than its last byte needs.
+    // Enciphers whole blocks directly from the text and assembles only the last one. Stops at the block with
+    // the last byte that `out` can hold.
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text);
     const std::size_t direct = std::min(whole, capacity - capacity % blockBytes);
     Encrypt(bytes, out, direct);

@@ -28,7 +28,7 @@ std::size_t Base64Decoder::Decode(const char* text, std::size_t length, std::spa
         return 0;
     }
     std::size_t written = 0;
-    // The top bytes of the accumulator, as many as there is room for.
+    // Writes the top bytes of the accumulator, as far as they fit.
     const auto flush = [&](int bytes) {
         for (int i = 0; i < bytes && written < out.size(); ++i) {
             out[written++] = static_cast<std::uint8_t>(accumulator >> (16 - 8 * i));

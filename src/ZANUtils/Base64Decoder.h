@@ -6,16 +6,16 @@
 
 namespace torka {
 
-// Base64 text that comes in pieces. Characters outside the standard alphabet are skipped; "=" ends the text
-// for good.
+// Decodes Base64 text in pieces. Skips characters outside the standard alphabet. "=" ends the text
+// permanently.
 class Base64Decoder {
 public:
-    // Bytes that `length` more characters can give at most, whatever came before.
+    // Returns the maximum number of bytes for `length` further characters, in any state.
     static constexpr std::size_t MaximumLength(std::size_t length) { return (length / 4 + 1) * 3; }
 
-    // Decodes `length` characters and gives the number of bytes written. A group that is not complete waits
-    // for the next call; at "=" its whole bytes are written. After the end every call gives 0. Bytes that
-    // `out` cannot hold are dropped.
+    // Decodes `length` characters and returns the number of bytes written. An incomplete group waits for the
+    // next call; "=" writes its whole bytes. After the end every call returns 0. Bytes that `out` cannot hold
+    // are dropped.
     std::size_t Decode(const char* text, std::size_t length, std::span<std::uint8_t> out);
 
 private:
@@ -24,7 +24,7 @@ private:
     bool endSeen = false;
 };
 
-// The six bits of a character of the standard alphabet, -1 for any other.
+// Returns the six bits of a character of the standard alphabet, -1 for any other.
 int base64Value(char character);
 
 } // namespace torka

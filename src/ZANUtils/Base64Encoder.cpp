@@ -6,8 +6,8 @@ namespace torka {
 
 namespace {
 
-// The line feed counts as a character, so after it every group of four ends one past a multiple of four: a
-// second multiple of 64 never comes, and only the first 48 bytes make a line.
+// The line feed counts as a character. After it, every group of four ends one past a multiple of four and
+// never at a multiple of 64 again. Only the first 48 bytes make a line.
 constexpr std::size_t bytesInFirstLine = 48;
 constexpr std::size_t charactersInFirstLine = 64;
 

@@ -12,9 +12,9 @@ void DES::deskey(const std::uint8_t* key, short mode) {
     if (key == nullptr || (mode != EN0 && mode != DE1)) {
         return;
     }
-    static_cast<void>(des_set_key(&schedule, key)); // its result tells weak keys only
+    static_cast<void>(des_set_key(&schedule, key)); // its result only marks weak keys
     if (mode == DE1) {
-        // Deciphering is enciphering with the sixteen round keys, two words each, in the opposite order.
+        // Deciphering uses the sixteen round keys, two words each, in reverse order.
         for (int first = 0, last = scheduleWords - 2; first < last; first += 2, last -= 2) {
             std::swap_ranges(schedule.key + first, schedule.key + first + 2, schedule.key + last);
         }

@@ -11,10 +11,10 @@ namespace torka {
 
 namespace {
 
-// A set needs less than 2 kB; the rest is room for comments.
+// A set needs less than 2 kB; the rest is for comments.
 constexpr std::size_t fileLimit = 64 * 1024;
 
-// Copies the data of a key of the list when it has exactly the size of `out`.
+// Copies the data under a key of the list when its size is exactly that of `out`.
 bool readBytes(const CFDictionaryRef& list, std::u16string_view key, std::string_view name,
                std::span<std::uint8_t> out, std::string& error) {
     const auto data = cfCast<CFData>(CFDictionaryGetValue(list, key));
@@ -50,7 +50,7 @@ bool readOffsets(const CFDictionaryRef& list, std::span<std::size_t> offsets, st
     return true;
 }
 
-// Position of the key that belongs to a value of "*UseSpecialKey".
+// Returns the position of the key for a value of "*UseSpecialKey".
 std::size_t keyPosition(std::string_view specialKey) {
     constexpr std::string_view values[] = {"2", "3", "4", "5", "6", "7", "8", "9", "10", "11"};
     const auto* found = std::find(std::begin(values), std::end(values), specialKey);

@@ -14,9 +14,9 @@
 namespace torka {
 
 // The keys and initial vectors that a site shares with its controllers, read from a property list
-// (FieldKeys.plist, see docs/field-protection.md). Immutable and wiped when the last owner lets go.
+// (FieldKeys.plist, see docs/field-protection.md). Immutable. Wiped with its last owner.
 //
-// There is no set built in: without one nothing is enciphered, and what should be enciphered is left out.
+// There is no built-in set. Without a set nothing is enciphered, and protected fields are omitted.
 class FieldKeys {
 public:
     static constexpr std::size_t keyTableBytes = 208;
@@ -31,24 +31,23 @@ public:
     FieldKeys& operator=(const FieldKeys&) = delete;
     ~FieldKeys();
 
-    // Reads a property list. Null when an entry is missing or of a wrong kind or size, or a key would reach
-    // beyond the table; `error` then says which and what is expected.
+    // Reads a property list. Returns null when an entry is missing or has a wrong type or size, or a key
+    // exceeds the table. `error` then names the entry and what is expected.
     static std::shared_ptr<const FieldKeys> Load(std::span<const std::uint8_t> bytes, std::string& error);
     // Reads a file; `error` names it.
     static std::shared_ptr<const FieldKeys> Load(const std::filesystem::path& path, std::string& error);
-    // Reads the file at `installedPath` below the system root, as System::ReadGuardedFile does: whoever could
-    // put other keys there could read the fields. `isMissing` tells a file that is not there from one that
-    // cannot be used.
+    // Reads the file at `installedPath` below the system root by System::ReadGuardedFile: whoever could
+    // replace the keys could read the fields. `isMissing` distinguishes a missing file from an unusable one.
     static std::shared_ptr<const FieldKeys> LoadInstalled(std::string& error, bool* isMissing = nullptr);
 
-    // The key and vector for a value of the option "*UseSpecialKey". "2" to "11" choose one of the ten
-    // further keys; "5", "6", "7" and "11" also one of the four further vectors; any other value chooses the
-    // first.
+    // Return the key and vector for a value of the option "*UseSpecialKey". "2" to "11" select one of the ten
+    // further keys. "5", "6", "7" and "11" also select one of the four further vectors. Any other value
+    // selects the first.
     std::span<const std::uint8_t, aesKeyBytes> AesKey(std::string_view specialKey) const;
-    // The first 8 bytes of the same position.
+    // Returns the first 8 bytes at the same position.
     std::span<const std::uint8_t, desKeyBytes> DesKey(std::string_view specialKey) const;
     std::span<const std::uint8_t, vectorBytes> Vector(std::string_view specialKey) const;
-    // The initial vector of the string encryption (QVCFCryptoString.h).
+    // Returns the initial vector of the string encryption (QVCFCryptoString.h).
     std::span<const std::uint8_t, vectorBytes> StringVector() const { return stringVector; }
 
 private:
@@ -60,12 +59,12 @@ private:
     std::array<std::uint8_t, vectorBytes> stringVector{};
 };
 
-// The set that serves the whole process. The application's entry installs it once at start, null for none;
-// every reader keeps what it got for as long as it works with it.
+// The set of the whole process. The application's entry installs it once at start, null for none. A reader
+// keeps its set as long as it works with it.
 void installFieldKeys(std::shared_ptr<const FieldKeys> keys);
 std::shared_ptr<const FieldKeys> installedFieldKeys();
-// Installs the set at FieldKeys::installedPath, or none. False when there is a file that is not used, with
-// the reason for a person; a site without keys has no problem.
+// Installs the set at FieldKeys::installedPath, or none. Returns false when the file exists but is not used;
+// `problem` then tells the user why. A site without keys has no problem.
 bool useInstalledFieldKeys(std::string& problem);
 
 } // namespace torka

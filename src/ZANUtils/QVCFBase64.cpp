@@ -25,7 +25,7 @@ CFDataRef QVCFBase64CreateDecodedData(const CFStringRef& text) {
     for (int i = 0; i < 2 && units.back() == u'='; ++i) {
         units.remove_suffix(1);
     }
-    // Every character is made one of the alphabet, so that the decoder skips none and stops at none.
+    // Replaces characters outside the alphabet, so that the decoder neither skips one nor stops.
     std::string characters(units.size(), 'A');
     std::transform(units.begin(), units.end(), characters.begin(), [](char16_t unit) {
         const char character = unit < 0x80 ? static_cast<char>(unit) : '\0';

@@ -4,12 +4,11 @@
 
 namespace torka {
 
-// Base64 of the bytes without line breaks; the empty string for no bytes or null.
+// Encodes the bytes as Base64 without line breaks. Returns an empty string for no bytes or null.
 CFStringRef QVCFBase64CreateEncodedString(const CFDataRef& data);
 
-// The bytes of a Base64 text; never null. A text of fewer than four characters, or null, gives no bytes. One
-// or two
-// "=" at the end are dropped and the rest gives (length * 3) / 4 bytes. Characters are not checked: one
+// Decodes a Base64 text; never returns null. Null, or a text of fewer than four characters, gives no bytes.
+// Removes one or two "=" at the end; the rest gives (length * 3) / 4 bytes. Does not check characters: one
 // outside the alphabet counts as six zero bits.
 CFDataRef QVCFBase64CreateDecodedData(const CFStringRef& text);
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view salt = "vrznTupl";
 constexpr std::uint32_t keySizeInBits = 128;
 
-// UTF-8 bytes of a text; none for null.
+// Returns the UTF-8 bytes of a text; none for null.
 SecureBuffer utf8Bytes(const CFStringRef& text) {
     std::string bytes = utf8Text(text);
     SecureBuffer copy(bytes.begin(), bytes.end());

@@ -28,7 +28,7 @@ void SHA1::Input(const std::uint8_t* bytes, std::size_t length) {
         return;
     }
     const std::uint64_t bitsBefore = (std::uint64_t{lengthHigh} << 32) | lengthLow;
-    // More than 2^64 - 1 bits cannot be counted.
+    // The digest cannot count more than 2^64 - 1 bits.
     if (computed || length > (UINT64_MAX - bitsBefore) / 8) {
         corrupted = true;
     }

@@ -6,10 +6,10 @@
 
 namespace torka {
 
-// SHA-1 (FIPS 180) of bytes that come in pieces. The compression of a block is nettle's.
+// SHA-1 (FIPS 180) of bytes in pieces. The block compression is nettle's.
 //
-// After the result is taken no more input is accepted until Reset: such input, like more than 2^64 - 1 bits,
-// marks the digest as corrupted and Result then gives false. Input of no bytes changes nothing at any time.
+// After the result is taken, input marks the digest as corrupted until Reset. More than 2^64 - 1 bits do the
+// same. Result returns false for a corrupted digest. Empty input never changes anything.
 class SHA1 {
 public:
     SHA1() { Reset(); }
@@ -24,10 +24,11 @@ public:
     }
     void Input(std::uint8_t byte) { Input(&byte, 1); }
     void Input(char character) { Input(&character, 1); }
-    // Pads and finishes once; later calls give the same words. False, with nothing written, when corrupted.
+    // Pads and finishes once; later calls return the same words. Returns false, with nothing written, when
+    // corrupted.
     bool Result(unsigned int* words);
 
-    // A text is taken without its terminator; null adds nothing.
+    // Adds a text without its terminator; null adds nothing.
     SHA1& operator<<(const char* text);
     SHA1& operator<<(const std::uint8_t* text) { return *this << reinterpret_cast<const char*>(text); }
     SHA1& operator<<(char character) {

@@ -9,10 +9,9 @@ using platform::WipeGuard;
 using platform::wipeValue;
 using platform::WipingAllocator;
 
-// Bytes of a key or a plain text; growing wipes the block that is left behind.
+// Bytes of a key or a plain text. Growing wipes the old block.
 //
-// Shrinking does not wipe the bytes cut off until the block itself goes; they stay inside this buffer's
-// memory.
+// Shrinking does not wipe the bytes cut off. They stay in this buffer's memory until the block is freed.
 using SecureBuffer = platform::SecretBytes;
 
 } // namespace torka

@@ -13,7 +13,7 @@ constexpr int success = 1;
 constexpr std::size_t blockBytes = Twofish::blockBits / 8;
 static_assert(blockBytes == TWOFISH_BLOCK_SIZE);
 
-// The value of a hexadecimal digit, -1 for anything else.
+// Returns the value of a hexadecimal digit, -1 for any other character.
 int hexDigit(char digit) {
     if (digit >= '0' && digit <= '9') {
         return digit - '0';
@@ -80,7 +80,7 @@ int Twofish::ParseHexDword(int bits, const char* text, std::uint32_t* words, cha
     const int digits = bits / 4;
     std::fill_n(words, (bits + 31) / 32, 0U);
     for (int i = 0; i < digits; ++i) {
-        const int value = hexDigit(text[i]); // a terminator is no digit: nothing behind it is read
+        const int value = hexDigit(text[i]); // a terminator is not a digit: reading stops there
         if (value < 0) {
             return BAD_KEY_MAT;
         }
@@ -188,7 +188,7 @@ int Twofish::RunCipher(bool decrypt, const std::uint8_t* key32, const std::uint8
     if (reKey(&key) != success || cipherInit(&cipher, MODE_ECB, nullptr) != success) {
         return -1;
     }
-    // The engine counts bits in an int: long inputs go in pieces.
+    // The engine counts bits in an int, so long inputs are processed in pieces.
     constexpr int piece = 1 << 20;
     for (int done = 0; done < length; done += piece) {
         const int bits = std::min(piece, length - done) * 8;

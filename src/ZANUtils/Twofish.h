@@ -6,7 +6,7 @@
 
 namespace torka {
 
-// Directions, modes and results of the cipher interface of the AES competition (NIST, 1998), in which Twofish
+// Directions, modes and results of the cipher interface of the AES competition (NIST, 1998), to which Twofish
 // was submitted.
 inline constexpr std::uint8_t DIR_ENCRYPT = 0;
 inline constexpr std::uint8_t DIR_DECRYPT = 1;
@@ -23,8 +23,8 @@ inline constexpr int BAD_IV_MAT = -8;
 
 // Twofish (Schneier and others, 1998) with keys of 128, 192 and 256 bits.
 //
-// The block cipher is nettle's. Instances belong to the caller and wipe themselves. Calls give 1 (or a count
-// of bits) for success and one of the negative results above otherwise.
+// The block cipher is nettle's. The caller owns the instances; they wipe themselves. Calls return 1 (or a
+// number of bits) for success and otherwise one of the negative results above.
 class Twofish {
 public:
     static constexpr int blockBits = 128;
@@ -46,26 +46,26 @@ public:
         std::array<std::uint32_t, 4> iv32{}; // running chain of MODE_CBC, laid out as key32
     };
 
-    // `keyMaterial` is keyLen / 4 hexadecimal digits; null leaves the key words for the caller to fill before
+    // `keyMaterial` is keyLen / 4 hexadecimal digits. With null, the caller fills the key words and calls
     // reKey.
     static int makeKey(KeyInstance* key, std::uint8_t direction, int keyLen, const char* keyMaterial);
-    // Makes the sub-keys again after key32 was changed.
+    // Makes the sub-keys again after a change of key32.
     static int reKey(KeyInstance* key);
-    // `iv` is 32 hexadecimal digits, or null for a chain of zeros; MODE_ECB does not look at it.
+    // `iv` is 32 hexadecimal digits, or null for a chain of zeros. MODE_ECB ignores it.
     static int cipherInit(CipherInstance* cipher, std::uint8_t mode, const char* iv);
-    // `inputLen` in bits, a multiple of 128. Gives the number of bits written. `input` and `outBuffer` may be
-    // the same. The direction is that of the call; the key's own direction is for the caller to know.
+    // Process `inputLen` bits, a multiple of 128. Return the number of bits written. `input` and `outBuffer`
+    // may be the same. The called function sets the direction; the key's own direction is not checked.
     static int blockEncrypt(CipherInstance* cipher, const KeyInstance* key, const std::uint8_t* input,
                             int inputLen, std::uint8_t* outBuffer);
     static int blockDecrypt(CipherInstance* cipher, const KeyInstance* key, const std::uint8_t* input,
                             int inputLen, std::uint8_t* outBuffer);
     // Reads `bits` / 4 hexadecimal digits into words (the first two digits are the lowest byte of the first
-    // word) and copies the digits to `copy`, which has room for them or is null. 0, or BAD_KEY_MAT at a
-    // character that is no digit.
+    // word) and copies the digits to `copy`, which is large enough or null. Returns 0, or BAD_KEY_MAT at a
+    // character that is not a digit.
     static int ParseHexDword(int bits, const char* text, std::uint32_t* words, char* copy);
 
-    // Electronic codebook over `length` bytes with a 32-byte key: 0, or -1 when the length is not a multiple
-    // of 16, a pointer is missing or the engine fails.
+    // Processes `length` bytes in electronic codebook mode with a 32-byte key. Returns 0, or -1 when the
+    // length is not a multiple of 16, a pointer is null or the engine fails.
     static int RunCipher(bool decrypt, const std::uint8_t* key32, const std::uint8_t* in, int length,
                          std::uint8_t* out);
 };

@@ -26,7 +26,7 @@ SecureBuffer derObject(std::uint8_t tag, std::span<const std::uint8_t> content) 
 } // namespace
 
 SecureBuffer derInteger(const mpz_t number) {
-    // The signed size has room for the leading zero that keeps the number positive.
+    // The signed size includes the leading zero that keeps the number positive.
     SecureBuffer bytes(nettle_mpz_sizeinbase_256_s(number));
     nettle_mpz_get_str_256(bytes.size(), bytes.data(), number);
     constexpr std::uint8_t integerTag = 0x02;

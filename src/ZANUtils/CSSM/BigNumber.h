@@ -8,7 +8,7 @@
 
 namespace torka {
 
-// Wipes the digits of a number, which stays valid.
+// Wipes the digits of a number; the number stays valid.
 inline void wipeNumber(mpz_t number) {
     const std::size_t limbs = mpz_size(number);
     if (limbs > 0) {
@@ -17,7 +17,7 @@ inline void wipeNumber(mpz_t number) {
     }
 }
 
-// A number of gmp that wipes itself.
+// A gmp number that wipes itself.
 class BigNumber {
 public:
     BigNumber() { mpz_init(value); }
@@ -31,7 +31,7 @@ public:
         mpz_clear(value);
     }
 
-    // Most significant byte first, filled up to `length`. REQUIRES: the number fits.
+    // Returns the number with the most significant byte first, padded to `length`. REQUIRES: the number fits.
     SecureBuffer Bytes(std::size_t length) const {
         SecureBuffer bytes(length);
         nettle_mpz_get_str_256(length, bytes.data(), value);
@@ -41,7 +41,7 @@ public:
     mpz_t value;
 };
 
-// DER (X.690): the INTEGER of a number that is not negative, and a SEQUENCE around what is already encoded.
+// Encode in DER (X.690): the INTEGER of a number that is not negative, and a SEQUENCE around encoded content.
 SecureBuffer derInteger(const mpz_t number);
 SecureBuffer derSequence(std::span<const std::uint8_t> content);
 

@@ -10,7 +10,7 @@ namespace torka {
 
 namespace {
 
-constexpr std::uint32_t largestSessionKeyBits = 2048; // RC4's longest key
+constexpr std::uint32_t largestSessionKeyBits = 2048; // the maximum key size of RC4
 
 bool isSessionKeySize(std::uint32_t bits) {
     return bits > 0 && bits % 8 == 0 && bits <= largestSessionKeyBits;

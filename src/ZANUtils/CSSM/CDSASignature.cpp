@@ -9,7 +9,7 @@ namespace torka {
 
 namespace {
 
-// A digest and the signature algorithm that is made with it.
+// A digest and its signature algorithm.
 struct DigestAlgorithm {
     CSSM_ALGORITHMS digest;
     CSSM_ALGORITHMS signature;
@@ -60,7 +60,7 @@ void DigestContextDeleter::operator()(DigestContext* context) const { delete con
 
 namespace {
 
-// Adds a piece to the context, which is made for the first one.
+// Adds a piece to the context. Creates the context for the first piece.
 CSSM_RETURN addPiece(const CSSM_CSP_HANDLE& csp, CSSM_ALGORITHMS wanted,
                      CSSM_ALGORITHMS DigestAlgorithm::*field, Bytes piece, DigestHandle& context) {
     if (!csp) {
@@ -111,7 +111,7 @@ CSSM_RETURN cdsaStagedSign(const CSSM_CSP_HANDLE& csp, const CSSM_KEY& privateKe
     BigNumber number;
     if (finished->algorithm.sign(&key.publicKey, &key.privateKey, nullptr, cspRandomBytes,
                                  finished->Finish().data(), number.value) == 0) {
-        return CSSMERR_CSP_INVALID_KEY; // too small for the digest, or its parts do not belong together
+        return CSSMERR_CSP_INVALID_KEY; // too small for the digest, or inconsistent
     }
     signature = number.Bytes(key.publicKey.size);
     return CSSM_OK;

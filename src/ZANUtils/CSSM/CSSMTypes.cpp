@@ -53,10 +53,11 @@ void cssmPerror(const char* label, CSSM_RETURN code) {
 }
 
 void cspRandomBytes(void*, std::size_t length, std::uint8_t* out) {
-    constexpr std::size_t largestRequest = 256; // requests up to this size are never cut short
+    constexpr std::size_t largestRequest = 256; // the kernel completes requests up to this size
     while (length > 0) {
         const ssize_t got = ::getrandom(out, std::min(length, largestRequest), 0);
-        // Keys made from anything else would be worthless, and nettle has no way to hear of a failure.
+        // Ends the process on a failure: nettle cannot report it, and keys from other bytes would be
+        // worthless.
         TORKA_ASSERT(got > 0 || errno == EINTR, "CSSMTypes.cpp");
         if (got > 0) {
             out += got;

@@ -27,7 +27,7 @@ inline constexpr CSSM_ALGORITHMS CSSM_ALGID_RC4 = 25;
 inline constexpr CSSM_ALGORITHMS CSSM_ALGID_RSA = 42;
 inline constexpr CSSM_ALGORITHMS CSSM_ALGID_MD5WithRSA = 44;
 inline constexpr CSSM_ALGORITHMS CSSM_ALGID_SHA1WithRSA = 51;
-// The platform's own, counted from the start of its range.
+// The platform's own algorithms, numbered from the start of its range.
 inline constexpr CSSM_ALGORITHMS CSSM_ALGID_VENDOR_DEFINED = 0x80000000;
 inline constexpr CSSM_ALGORITHMS CSSM_ALGID_AES = CSSM_ALGID_VENDOR_DEFINED + 1;
 inline constexpr CSSM_ALGORITHMS CSSM_ALGID_ASC = CSSM_ALGID_VENDOR_DEFINED + 7;
@@ -55,11 +55,11 @@ enum class CSSM_KEYCLASS { none, publicKey, privateKey, sessionKey };
 enum class CSSM_ENCRYPT_MODE { none, cbcPadIV8 }; // cipher-block chaining with padding and an initial vector
 enum class CSSM_PADDING { none, pkcs1, pkcs5, pkcs7 };
 
-// A key in the clear; wiped by cdsaFreeKey or when it goes.
+// A key in plain; wiped by cdsaFreeKey or at its end.
 //
-// `data` is, by algorithm: the raw bytes of a session key; RSAPublicKey or RSAPrivateKey (PKCS #1, DER); the
-// public value or the exponent of Diffie-Hellman, most significant byte first, with DHParameter (PKCS #3,
-// DER) in `parameters`.
+// `data` depends on the algorithm: the raw bytes of a session key; RSAPublicKey or RSAPrivateKey (PKCS #1,
+// DER); or the public value or exponent of Diffie-Hellman, most significant byte first, with DHParameter
+// (PKCS #3, DER) in `parameters`.
 struct CSSM_KEY {
     CSSM_ALGORITHMS algorithm = CSSM_ALGID_NONE;
     CSSM_KEYCLASS keyClass = CSSM_KEYCLASS::none;
@@ -69,18 +69,18 @@ struct CSSM_KEY {
     SecureBuffer parameters;
 };
 
-// One attachment to the provider; keeps the field keys that were installed when it was made.
+// One attachment to the provider. Keeps the field keys that were installed when it was made.
 struct CSSM_CSP {
     std::shared_ptr<const FieldKeys> fieldKeys;
 };
 using CSSM_CSP_HANDLE = std::shared_ptr<const CSSM_CSP>;
 
-// The name of a result code, or its number.
+// Returns the name of a result code, or its number.
 std::string cssmErrorString(CSSM_RETURN code);
 // Prints "LABEL: NAME" to the standard error stream.
 void cssmPerror(const char* label, CSSM_RETURN code);
 
-// Random bytes of the operating system, in the form that nettle asks for; `context` is not used.
+// Gets random bytes from the operating system, with nettle's function type; `context` is not used.
 void cspRandomBytes(void* context, std::size_t length, std::uint8_t* out);
 
 } // namespace torka

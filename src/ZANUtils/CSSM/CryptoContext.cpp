@@ -14,7 +14,7 @@ namespace torka {
 
 namespace {
 
-// A block cipher of nettle behind untyped calls.
+// A nettle block cipher behind untyped calls.
 struct BlockCipher {
     std::size_t blockBytes;
     std::size_t contextBytes;
@@ -25,7 +25,7 @@ struct BlockCipher {
 
 template <typename Context, auto Function>
 void crypt(const void* context, std::size_t length, std::uint8_t* out, const std::uint8_t* in) {
-    // RC2's functions ask for a context that they could change, and do not.
+    // RC2's functions take a context that is not const but do not change it.
     Function(const_cast<Context*>(static_cast<const Context*>(context)), length, out, in);
 }
 
@@ -36,7 +36,7 @@ void setAesKey(void* context, std::span<const std::uint8_t> key, bool encrypt) {
 
 template <typename Context, auto SetKey>
 void setDesKey(void* context, std::span<const std::uint8_t> key, bool) {
-    static_cast<void>(SetKey(static_cast<Context*>(context), key.data())); // weak keys are taken
+    static_cast<void>(SetKey(static_cast<Context*>(context), key.data())); // accepts weak keys
 }
 
 void setRc2Key(void* context, std::span<const std::uint8_t> key, bool) {
@@ -59,7 +59,7 @@ constexpr BlockCipher des3Cipher{DES3_BLOCK_SIZE, sizeof(des3_ctx), setDesKey<de
 constexpr BlockCipher rc2Cipher{ARCTWO_BLOCK_SIZE, sizeof(arctwo_ctx), setRc2Key,
                                 crypt<arctwo_ctx, arctwo_encrypt>, crypt<arctwo_ctx, arctwo_decrypt>};
 
-// Null when the cipher has no keys of this length.
+// Returns null when the cipher has no keys of this length.
 const BlockCipher* blockCipherFor(CSSM_ALGORITHMS algorithm, std::size_t keyBytes) {
     switch (algorithm) {
     case CSSM_ALGID_AES:
@@ -78,8 +78,8 @@ const BlockCipher* blockCipherFor(CSSM_ALGORITHMS algorithm, std::size_t keyByte
     }
 }
 
-// Cipher-block chaining with the padding of PKCS #5 and #7 (RFC 5652, 6.3): as many bytes as are missing,
-// each with their count, one to a whole block.
+// Cipher-block chaining with the padding of PKCS #5 and #7 (RFC 5652, 6.3): one byte to a whole block of
+// padding, each byte with their count.
 class BlockEngine final : public CryptoEngine {
 public:
     BlockEngine(const BlockCipher& blockCipher, const CSSM_CONTEXT& context, bool encryptNow)
@@ -93,7 +93,7 @@ public:
 
     CSSM_RETURN Update(std::span<const std::uint8_t> in, SecureBuffer& out) override {
         pending.insert(pending.end(), in.begin(), in.end());
-        // When deciphering, the last whole block waits: it may hold the padding.
+        // When deciphering, the last whole block waits, because it may hold the padding.
         const std::size_t kept = encrypt || pending.empty() ? 0 : 1;
         RunBlocks((pending.size() - kept) / cipher.blockBytes * cipher.blockBytes, out);
         return CSSM_OK;
@@ -122,7 +122,8 @@ public:
     }
 
 private:
-    // Moves the first `length` pending bytes, whole blocks, through the cipher to the end of `out`.
+    // Passes the first `length` pending bytes, a multiple of the block size, through the cipher to the end of
+    // `out`.
     void RunBlocks(std::size_t length, SecureBuffer& out) {
         if (length == 0) {
             return;
@@ -144,7 +145,7 @@ private:
     const bool encrypt;
     SecureBuffer state; // context of the cipher
     SecureBuffer chain;
-    SecureBuffer pending; // input that waits for more
+    SecureBuffer pending; // input that waits for a whole block
 };
 
 class Rc4Engine final : public CryptoEngine {

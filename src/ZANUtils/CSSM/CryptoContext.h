@@ -8,7 +8,7 @@
 
 namespace torka {
 
-// What runs one operation of a context piece by piece. Results are appended to `out`.
+// Runs one operation of a context piece by piece. Appends results to `out`.
 class CryptoEngine {
 public:
     CryptoEngine() = default;
@@ -19,26 +19,26 @@ public:
     virtual CSSM_RETURN Finish(SecureBuffer& out) = 0;
 };
 
-// A cryptographic context: the parameters with which a key is used. Refers to the key, which must outlive it.
+// A cryptographic context: the parameters for the use of a key. Refers to the key, which must outlive it.
 struct CSSM_CONTEXT {
     const CSSM_KEY* key = nullptr;
     CSSM_ENCRYPT_MODE mode = CSSM_ENCRYPT_MODE::none;
     CSSM_PADDING padding = CSSM_PADDING::none;
     bool isAsymmetric = false;
     std::array<std::uint8_t, FieldKeys::vectorBytes>
-        initialVector{};                  // its first bytes, as many as a block has
-    std::unique_ptr<CryptoEngine> engine; // there while an operation runs
+        initialVector{};                  // uses as many of its bytes as a block has
+    std::unique_ptr<CryptoEngine> engine; // exists while an operation runs
 };
 using CSSM_CC_HANDLE = std::unique_ptr<CSSM_CONTEXT>;
 
-// Chooses the context by the key's algorithm. AES: cipher-block chaining, PKCS #7 padding and the fixed
+// Selects the context by the key's algorithm. AES: cipher-block chaining, PKCS #7 padding and the fixed
 // initial vector of the provider's field keys. DES, triple DES, RC2 and RC5: the same with PKCS #5 padding.
-// RC4 and ASC: no mode and no padding. RSA: an asymmetric context. Any other algorithm is
-// CSSMERR_CSP_INVALID_ALGORITHM; a chaining mode without field keys is CSSMERR_CSP_MISSING_ATTR_INIT_VECTOR.
+// RC4 and ASC: no mode and no padding. RSA: an asymmetric context. Returns CSSMERR_CSP_INVALID_ALGORITHM for
+// any other algorithm, and CSSMERR_CSP_MISSING_ATTR_INIT_VECTOR for a chaining mode without field keys.
 CSSM_RETURN genCryptHandle(const CSSM_CSP_HANDLE& csp, const CSSM_KEY& key, CSSM_CC_HANDLE& context);
 
-// Starts the context's engine. RC5 and ASC have a context but no engine:
-// CSSMERR_CSP_FUNCTION_NOT_IMPLEMENTED.
+// Starts the context's engine. Returns CSSMERR_CSP_FUNCTION_NOT_IMPLEMENTED for RC5 and ASC, which have a
+// context but no engine.
 CSSM_RETURN startEngine(CSSM_CONTEXT& context, bool encrypt);
 
 } // namespace torka

@@ -32,7 +32,7 @@ struct Group {
 
     std::size_t Bits() const { return mpz_sizeinbase(prime.value, 2); }
     std::size_t Bytes() const { return (Bits() + 7) / 8; }
-    // From 2 to prime - 2: neither 1 nor prime - 1, whose powers anyone can guess.
+    // Accepts 2 to prime - 2. Excludes 1 and prime - 1, whose powers anyone can guess.
     bool Holds(const mpz_t element) const {
         BigNumber last;
         mpz_sub_ui(last.value, prime.value, 2);

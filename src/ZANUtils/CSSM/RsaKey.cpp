@@ -45,7 +45,7 @@ CSSM_RETURN RsaKey::Read(const CSSM_KEY& key, CSSM_KEYCLASS keyClass) {
     const bool isPrivate = keyClass == CSSM_KEYCLASS::privateKey;
     const int read = rsa_keypair_from_der(&publicKey, isPrivate ? &privateKey : nullptr, rsaLargestBits,
                                           key.data.size(), key.data.data());
-    // Moduli that are even are no product of two primes, and the powers may not be taken with them.
+    // Even moduli are not products of two odd primes, and the power functions do not accept them.
     const bool usable = read != 0 && mpz_odd_p(publicKey.n) != 0 &&
                         (!isPrivate || (mpz_odd_p(privateKey.p) != 0 && mpz_odd_p(privateKey.q) != 0));
     return usable ? CSSM_OK : CSSMERR_CSP_INVALID_KEY;

@@ -9,7 +9,7 @@ namespace torka {
 inline constexpr std::uint32_t rsaSmallestBits = 1024;
 inline constexpr std::uint32_t rsaLargestBits = 4096;
 
-// An RSA key in hogweed's form, made from the DER in a CSSM_KEY; wipes itself.
+// An RSA key in hogweed's form, read from the DER in a CSSM_KEY. Wipes itself.
 class RsaKey {
 public:
     RsaKey();
@@ -17,9 +17,9 @@ public:
     RsaKey& operator=(const RsaKey&) = delete;
     ~RsaKey();
 
-    // A key of this class; CSSM_OK or why it cannot be had.
+    // Reads a key of this class. Returns CSSM_OK or the reason of a failure.
     CSSM_RETURN Read(const CSSM_KEY& key, CSSM_KEYCLASS keyClass);
-    // A new pair, written as DER.
+    // Makes a new pair and writes it as DER.
     CSSM_RETURN Generate(std::uint32_t sizeInBits, CSSM_KEY& publicOut, CSSM_KEY& privateOut);
 
     rsa_public_key publicKey;
