@@ -71,7 +71,7 @@ bool FileMac::openDataFork(FilePermission permission) {
     if (!dataFork) {
         return Fail(statusOf(errno));
     }
-    std::setvbuf(dataFork.get(), nullptr, _IONBF, 0); // read by large pieces
+    std::setvbuf(dataFork.get(), nullptr, _IONBF, 0); // reads are large
     return Fail(noErr);
 }
 

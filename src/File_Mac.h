@@ -10,9 +10,9 @@
 
 // Access to a file by reference, with the result codes of the classic file manager.
 //
-// A file has one data fork, its content. It has no resource fork here: opening one always answers
-// resFNotFound (-193). Only regular files open, so that a pipe or a device can neither block nor run on for
-// ever. Owns the open file.
+// A file has one data fork, its content. It has no resource fork: opening one always returns resFNotFound
+// (-193). Only regular files open, so that a pipe or a device can neither block nor deliver data without end.
+// Owns the open file.
 
 namespace torka {
 
@@ -42,10 +42,10 @@ public:
     virtual ~FileMac();
 
     bool valid() const { return isValid; }
-    // The result of the operation before.
+    // Returns the result of the last operation.
     OSStatus getError() const { return lastError; }
     bool exists() const;
-    // The last component of the path.
+    // Returns the last component of the path.
     std::string getFileName() const;
     bool getFileInfo(FileInfo& info) const;
     const FSRef& getReference() const { return file; }
@@ -53,11 +53,12 @@ public:
     bool openDataFork(FilePermission permission);
     bool dataForkOpen() const { return dataFork != nullptr; }
     bool closeDataFork();
-    // An empty file; an existing one stays as it is.
+    // Creates an empty file. Leaves an existing one unchanged.
     bool createDataFork();
-    // Bytes, 0 when the fork is not open.
+    // Returns the size in bytes, 0 when the fork is not open.
     std::uint64_t dataForkSize();
-    // `count` says how much is wanted and then how much came. Fewer bytes than wanted is eofErr.
+    // `count` holds the number of bytes wanted and gets the number of bytes read. Fewer bytes than wanted is
+    // eofErr.
     OSStatus dataForkRead(void* buffer, long& count);
     OSStatus dataForkReadWithOffset(void* buffer, long& count, std::int64_t offset);
     OSStatus dataForkWrite(const void* buffer, long& count);
@@ -66,7 +67,7 @@ public:
     void CloseResourceFork() {}
     bool ResourceForkOpen() const { return false; }
     std::int16_t GetResourceForkRefNum() const { return -1; }
-    // Would make the resource fork the current one and the one before current again.
+    // In a resource fork, Use makes it the current one and Restore the previous one. Both fail here.
     bool Use() { return OpenResourceFork(fsRdPerm); }
     bool Restore() { return OpenResourceFork(fsRdPerm); }
 

@@ -12,9 +12,9 @@ class PPDFile : public FileMac {
 public:
     explicit PPDFile(const FSRef& reference)
         : FileMac(reference) {}
-    // Not valid for anything but a file URL.
+    // Accepts only a file URL; the object is otherwise not valid.
     explicit PPDFile(const CFURLRef& url);
-    // `directory` below `volume`; both may be empty.
+    // Refers to `name` in `directory` below `volume`; both may be empty.
     PPDFile(std::string_view volume, std::string_view directory, std::string_view name);
 };
 

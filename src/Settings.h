@@ -7,30 +7,30 @@
 #include <string>
 #include <string_view>
 
-// Stored settings: texts by key, in UTF-8, in the keys' order. Controls keep their values in it (Save,
+// Stored settings: texts by key, in UTF-8, in the keys' order. Controls store their values in it (Save,
 // Restore).
 //
-// On disk it is a property list, a dictionary of strings: CopyAsDictionary and the constructor from a
-// dictionary go with the readers and writers of platform/PropertyList.h.
+// On disk it is a property list with a dictionary of strings. Use CopyAsDictionary and the constructor from a
+// dictionary with the readers and writers of platform/PropertyList.h.
 
 namespace torka {
 
 class Settings {
 public:
     Settings() = default;
-    // Entries that are not strings are left out.
+    // Ignores entries that are not strings.
     explicit Settings(const CFDictionaryRef& stored);
 
     void Set(std::string_view key, std::string_view value);
     void SetInteger(std::string_view key, std::int64_t value);
-    // The shortest text that reads back as the same number, in the C locale.
+    // Writes the shortest text that reads back as the same number, in the C locale.
     void SetReal(std::string_view key, double value);
     void Remove(std::string_view key);
 
     bool Has(std::string_view key) const { return values.contains(key); }
-    // Empty when there is no such key.
+    // Returns nothing when there is no such key.
     std::optional<std::string> Get(std::string_view key) const;
-    // Empty when there is no such key, or its text is not wholly a number of that kind.
+    // Return nothing when there is no such key, or its whole text is not a number of that type.
     std::optional<std::int64_t> GetInteger(std::string_view key) const;
     std::optional<double> GetReal(std::string_view key) const;
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
-// What from_chars reads: behind the white space and a plus sign.
+// Returns the text for from_chars: without leading white space and a plus sign.
 std::string_view numberText(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') {

@@ -3,22 +3,22 @@
 #include <cstdint>
 #include <string_view>
 
-// Reading numbers and trimming texts, in the C locale and within bounds.
+// Reads numbers and trims texts, in the C locale and within bounds.
 
 namespace torka {
 
-// Without blanks and tabs at both ends.
+// Removes blanks and tabs at both ends.
 std::string_view trimBlanks(std::string_view text);
-// Trimmed; a value in double quotes loses them.
+// Trims the text and removes double quotes around it.
 std::string_view unquoted(std::string_view text);
 
-// The decimal integer after leading white space and a sign, as atol reads it; 0 when there is none. A number
-// out of range gives the end of the range.
+// Returns the decimal integer after leading white space and a sign, as atol reads it; 0 when there is none.
+// Clamps a number to the range of the type.
 std::int64_t integerValue(std::string_view text);
-// Whether integerValue had to hold the number to its range.
+// Tells whether integerValue clamps the number.
 bool integerOverflows(std::string_view text);
-// The decimal number after leading white space, with fraction and exponent, as strtod reads one; 0 when there
-// is none or when it is no finite number of that type.
+// Return the decimal number after leading white space, with fraction and exponent, as strtod reads one.
+// Return 0 when there is none or when the type has no finite value for it.
 float floatValue(std::string_view text);
 double realValue(std::string_view text);
 

@@ -24,7 +24,7 @@ bool isDirect(CFStringEncoding encoding) {
            encoding == kCFStringEncodingWindowsLatin1;
 }
 
-// An odd last byte is left out.
+// Ignores an odd last byte.
 std::u16string asUnicodeInput(std::string_view bytes) {
     std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
     if (!units.empty()) {
@@ -33,7 +33,7 @@ std::u16string asUnicodeInput(std::string_view bytes) {
     return units;
 }
 
-// Cut to fit. REQUIRES: size > 0.
+// Cuts the text to fit. REQUIRES: size > 0.
 void copyCut(std::string_view text, char* buffer, long size) {
     const std::size_t count = std::min(text.size(), static_cast<std::size_t>(size) - 1);
     std::copy_n(text.data(), count, buffer);
@@ -166,7 +166,7 @@ char TextConverter::nextHexChar(std::string_view run, std::size_t& position) {
 
 namespace {
 
-// The bytes of a run of digits; false when it is none.
+// Decodes a run of digits. Returns false when it is not one.
 bool decodeRun(std::string_view run, char*& out) {
     char* place = out;
     std::size_t position = 0;

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-// Texts of a printer description between the bytes of its "*LanguageEncoding" and CFStrings.
+// Converts texts of a printer description between the bytes of its "*LanguageEncoding" and CFStrings.
 
 namespace torka {
 
@@ -27,8 +27,8 @@ protected:
 // One converter per description, owned by its PPDX. Not thread-safe.
 class TextConverter {
 public:
-    // ValidConverter() is false when the encoding is unknown; the language version is kept with a known one
-    // only.
+    // ValidConverter() is false for an unknown encoding. The language version is stored only with a known
+    // one.
     TextConverter(CFStringEncoding encoding, const char* version);
     // Of a description; null counts as one that says nothing.
     explicit TextConverter(const DescriptionLanguage* description);
@@ -36,46 +36,46 @@ public:
     TextConverter& operator=(const TextConverter&) = delete;
     virtual ~TextConverter();
 
-    // The number for a value of "*LanguageEncoding" (exact); kCFStringEncodingUnknown for any other and for
-    // null.
+    // Returns the encoding for a value of "*LanguageEncoding", compared exactly. Returns
+    // kCFStringEncodingUnknown for any other value and for null.
     static CFStringEncoding LanguageStringToEncoding(const char* name);
 
     static CFStringEncoding GetPPDEncoding(const DescriptionLanguage* description);
     // The encoding of narrow text in the system, read at construction.
     CFStringEncoding GetCurrentEncoding() const { return currentEncoding; }
-    // The encoding that the calls into C-string buffers write.
+    // The encoding of the C strings that the conversions write.
     CFStringEncoding GetOutputEncoding() const { return currentEncoding; }
     bool ValidConverter() const { return ppdEncoding != kCFStringEncodingUnknown && status == 0; }
     const char* LanguageVersion() const { return languageVersion; }
 
-    // Decodes the hexadecimal substrings of at most `limit` bytes of `text` and converts the result. Never
-    // null: null gives "", want of memory "Out Of Memory". Bytes that are no text of their encoding become
-    // U+FFFD, but for ISO Latin 2, ISO Latin 5 and Shift-JIS, where the whole byte string is taken for UTF-16
-    // units in native order.
+    // Decodes the hexadecimal substrings in the first `limit` bytes of `text` and converts the result. Never
+    // returns null: null gives "", a lack of memory "Out Of Memory". Invalid bytes become U+FFFD. In ISO
+    // Latin 2, ISO Latin 5 and Shift-JIS, invalid bytes make the whole byte string read as UTF-16 units in
+    // native order.
     CFStringRef ConvertToCFString(const char* text, long limit);
     CFStringRef ConvertToCFString(std::string_view text);
 
-    // The string in the system's encoding; "Translation Error" when it does not convert or does not fit.
-    // Always terminated within `size` bytes. Returns whether it converted.
+    // Writes the string in the system's encoding; "Translation Error" when it cannot be converted or does not
+    // fit. Always terminates it within `size` bytes. Returns whether it was converted.
     static bool CFStringToCstring(const CFStringRef& string, char* buffer, long size);
 
-    // The two conversions one after the other.
+    // These apply both conversions.
     bool Convert(const char* text, char* buffer, long size);
     bool ppdStringConvert(CString& text);
     bool convertText(const char* text, long length, char* buffer, long size);
-    // Forgets the converter made last; the next conversion makes its own.
+    // Discards the last converter; the next conversion makes its own.
     void resetOutputHandle();
 
-    // Hexadecimal substrings (PPD format 4.3, "translation strings"): each run of digits between "<" and ">"
-    // becomes the bytes that its digit pairs denote. White space (blank, tab, CR, LF) between digits is
-    // passed over. From the first "<" on that has no ">", holds another character or an odd number of digits,
-    // the rest is copied as it is. `out` holds at least in.size() bytes; no terminator is written. Returns
-    // the number of bytes written.
+    // Decodes hexadecimal substrings (PPD format 4.3, "translation strings"): each run of digits between "<"
+    // and ">" becomes the bytes of its digit pairs. Skips white space (blank, tab, CR, LF) between digits.
+    // Copies the rest of the text unchanged from the first "<" that has no ">", or whose run holds another
+    // character or an odd number of digits. `out` holds at least in.size() bytes; no terminator is written.
+    // Returns the number of bytes written.
     static std::size_t DehexBufferFill(std::string_view in, char* out);
-    // The value of a hexadecimal digit, -1 for any other character.
+    // Returns the value of a hexadecimal digit, -1 for any other character.
     static int toShort(char digit);
-    // The digit at or after `position`, white space passed over, and the position behind it; 0 at the end of
-    // `run`.
+    // Returns the digit at or after `position`, skipping white space, and moves `position` behind it. Returns
+    // 0 at the end of `run`.
     static char nextHexChar(std::string_view run, std::size_t& position);
 
 private:
@@ -83,17 +83,17 @@ private:
 
     CFStringEncoding ppdEncoding = kCFStringEncodingUnknown;
     CFStringEncoding currentEncoding = kCFStringEncodingUTF8;
-    CFStringEncoding toUnicodeEncoding = kCFStringEncodingUnknown; // the source encoding that was used last
+    CFStringEncoding toUnicodeEncoding = kCFStringEncodingUnknown; // the last source encoding used
     int status = 0;
     CString languageVersion;
 };
 
-// The names of languages whose job-note texts may come as hexadecimal substrings.
+// The names of languages whose job-note texts may contain hexadecimal substrings.
 class HexLanguageExceptions {
 public:
     HexLanguageExceptions();
     virtual ~HexLanguageExceptions();
-    // Exact, case-sensitive.
+    // Compares exactly, with letter case.
     bool IsException(std::string_view language) const { return names.contains(language); }
 
 private:
