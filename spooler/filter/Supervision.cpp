@@ -16,8 +16,8 @@ namespace torka::filter {
 
 namespace {
 
-// Standard input and output, and the channels that CUPS opens to the backend (filter(7)): as long as this
-// process held them, the other filters would not see that the working process has ended.
+// Standard input and output, and the channels that CUPS opens to the backend (filter(7)). While this process
+// held them, the other filters would not notice the end of the working process.
 constexpr int documentDescriptors[] = {STDIN_FILENO, STDOUT_FILENO, 3, 4};
 
 int statusOf(pid_t worker) {
@@ -34,8 +34,8 @@ int statusOf(pid_t worker) {
     }
     const int number = WTERMSIG(status);
     if (number == SIGTERM) {
-        // A cancelled job's signal comes to both processes, to this one perhaps a moment later: it ends here
-        // then.
+        // A cancelled job's signal goes to both processes and may reach this one a moment later. It then ends
+        // here.
         constexpr useconds_t moment = 500'000;
         ::usleep(moment);
     }
@@ -55,7 +55,7 @@ int supervise(const std::function<int()>& work) {
         return work();
     }
     if (worker == 0) {
-        // The check closes the gap before the request took effect.
+        // Detects a supervisor that ended before the request took effect.
         if (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != supervisor) {
             ::_exit(EXIT_FAILURE);
         }
