@@ -53,7 +53,8 @@ std::string_view at(const std::vector<std::string>& texts, std::size_t i) {
     return i < texts.size() ? std::string_view(texts[i]) : std::string_view();
 }
 
-// A percentage of the print server. Negative values are -1 not known, -2 not available, -3 some.
+// A percentage of the print server. A negative value means "some" for -3, else "not known" or "not
+// available".
 std::int32_t markerPercent(const std::vector<int>& levels, std::size_t i) {
     const int level = i < levels.size() ? levels[i] : unknown;
     return level >= 0 ? std::min(level, 100) : level == some ? some : unknown;

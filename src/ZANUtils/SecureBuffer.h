@@ -11,7 +11,7 @@ using platform::WipingAllocator;
 
 // Bytes of a key or a plain text. Growing wipes the old block.
 //
-// Shrinking does not wipe the bytes cut off. They stay in this buffer's memory until the block is freed.
+// Shrinking does not wipe the bytes cut off. The block is wiped when it is freed.
 using SecureBuffer = platform::SecretBytes;
 
 } // namespace torka
