@@ -154,7 +154,7 @@ void FeatureEmission::SuppressApplePostscript() {
     }
 }
 
-// Adds every control, except notes that leave only enciphered: the notes' step adds those.
+// Adds the first control of any kind, except a note that leaves only enciphered: the notes' step adds that.
 void FeatureEmission::AddFirstControl(PPDXControl* control) {
     if (!leavesEncipheredOnly(*source.Description(), control)) {
         ticket.Add(siteDocumentSetup, control);

@@ -15,7 +15,7 @@ class ZANPPD;
 
 // Findings beyond errors, for the author of a description.
 enum class PPDLintKind {
-    unknownJobNoteFlag,       // a word that is no job note flag
+    unknownJobNoteFlag,       // a word that is not a job note flag
     unknownConstraintKeyword, // a constraint line names a keyword that the description does not define
     unknownConstraintOption,  // ... or an option that its control does not offer
     unplacedGroup,            // a declared group name that no parent line places
