@@ -11,8 +11,8 @@ namespace torka::dialog {
 
 namespace {
 
-// Where the toolkit's adapter for the print server keeps the options of the dialog's own tabs: a list of
-// names and values in turn.
+// The property in which Qt's CUPS plug-in keeps the options of the dialog's own tabs: a list of alternating
+// names and values.
 constexpr auto jobOptionsProperty = static_cast<QPrintEngine::PrintEnginePropertyKey>(0xfe00);
 
 constexpr std::array<std::string_view, 8> standardOptions{"number-up",      "number-up-layout", "page-set",
@@ -20,7 +20,7 @@ constexpr std::array<std::string_view, 8> standardOptions{"number-up",      "num
                                                           "job-billing",    "outputorder"};
 
 QStringList serverOptions(const QPrinter& printer) {
-    // The engine is asked for a value only; the call is not const because engines can also be given one.
+    // printEngine() is not const, because its callers may also set properties. This one only reads.
     QPrintEngine* engine = printer.printEngine();
     return engine == nullptr ? QStringList() : engine->property(jobOptionsProperty).toStringList();
 }
@@ -41,8 +41,8 @@ void set(PrintSettings& settings, const char* key, const CFTypeRef& value) {
 
 CFDictionaryRef paperInfo(const QPrinter& printer) {
     const QPageSize size = printer.pageLayout().pageSize();
-    // A size that the description lists carries its keyword; the person's own carries none, or one that is
-    // made up.
+    // A size of the description carries its keyword. A size that the person entered carries no keyword, or
+    // one that Qt made up ("Custom.…").
     const bool isCustom = size.key().isEmpty() || size.key().startsWith(QLatin1String("Custom."));
     const CFStringRef name = cfString((isCustom ? size.name() : size.key()).toStdString());
     const QSizeF points = size.size(QPageSize::Point);
@@ -63,7 +63,7 @@ struct Layout {
     std::int64_t columns;
 };
 
-// Rows and columns of a portrait sheet.
+// The rows and columns on a portrait sheet.
 Layout layoutOf(int pagesPerSheet) {
     switch (pagesPerSheet) {
     case 2:

@@ -9,11 +9,10 @@
 #include <memory>
 #include <string>
 
-// What the dialog's own tabs say, in the terms of the printing framework.
+// Translates the choices of the dialog's own tabs into the terms of the printing framework.
 //
-// A QPrinter holds what the person chose in the dialog's own tabs. The panel reads print settings, a page
-// format and a printer; the classes here answer with them from the QPrinter, anew each time they are asked
-// to.
+// A QPrinter holds these choices. The panel reads print settings, a page format and a printer; the classes
+// and functions here derive them from the QPrinter at each call.
 
 namespace torka::dialog {
 
@@ -28,8 +27,8 @@ private:
     const QPrinter& printer;
 };
 
-// The callback object of one panel. Refers to the QPrinter; owns the settings, which live as long as the
-// dialog and are shared by the panels that follow each other in it.
+// The callback object of one panel. Refers to the QPrinter. Shares the settings, which live as long as the
+// dialog, with the panels before and after it.
 class DialogCallback final : public PDEPlugInCallback {
 public:
     DialogCallback(const QPrinter& qtPrinter, std::shared_ptr<MemoryPrintSettings> dialogSettings,
@@ -46,13 +45,13 @@ private:
     PMPageFormat format;
 };
 
-// Brings what the dialog's own tabs say into the print settings: paper, pages to a sheet, tray of the first
-// page, job name and copies.
+// Copies the choices of the dialog's own tabs into the print settings: paper, pages per sheet, tray of the
+// first page, job name and copies.
 void takeOverDialogSettings(const QPrinter& printer, const std::string& jobName,
                             MemoryPrintSettings& settings);
 
-// What goes to the print server with the job: the options of the dialog's own tabs that every queue knows.
-// Options of the description go by the ticket and are not among them.
+// The options that go to the print server with the job: those of the dialog's own tabs that every queue
+// knows. The description's options travel in the ticket instead.
 JobOptions standardJobOptions(const QPrinter& printer);
 
 } // namespace torka::dialog

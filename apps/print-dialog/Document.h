@@ -4,14 +4,14 @@
 
 namespace torka::dialog {
 
-// What is printed: a file that the print server takes as it is.
+// The file to print, in a format that the print server accepts.
 struct Document {
     QString path;
-    QString name; // for people, and the job's title
+    QString name; // shown to people; also the job's title
 };
 
-// Checks that the file can be read and is PDF, PostScript or an image, by its content. False with the reason,
-// for people, in `error`.
+// Checks that the file is readable and that its content is PDF, PostScript or an image. False, with a reason
+// to show in `error`, otherwise.
 bool openDocument(const QString& path, Document& document, QString& error);
 
 } // namespace torka::dialog

@@ -11,7 +11,7 @@ namespace torka::dialog {
 namespace {
 
 constexpr int askInterval = 150;    // milliseconds
-constexpr int silentQuestions = 20; // after which the server counts as gone
+constexpr int silentQuestions = 20; // after so many without an answer the server counts as gone
 
 QString stateText(int state) {
     switch (state) {
@@ -78,7 +78,7 @@ void JobProgress::Ask() {
         timer.stop();
     }
     Show();
-    // Nothing more to say about a job that went well.
+    // A completed job needs no further message.
     if (lastStatus.state == jobStateCompleted) {
         accept();
     }

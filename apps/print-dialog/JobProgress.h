@@ -13,19 +13,19 @@ class QPushButton;
 
 namespace torka::dialog {
 
-// Follows a job to its end in a small window, where a person can cancel it.
+// Follows a job to its end in a small window. The person can cancel the job there.
 class JobProgress final : public QDialog {
     Q_OBJECT
 
 public:
     JobProgress(std::string queue, int job, const QString& title, QWidget* parent = nullptr);
 
-    // The job's last known state; IsOver() once the window says so.
+    // The job's last known state.
     const JobStatus& status() const { return lastStatus; }
-    // One line for people and for logs: what became of the job.
+    // The job's number, queue and state in one line.
     QString outcome() const;
 
-    void reject() override; // cancels the job first, when it is not over
+    void reject() override; // cancels a job that is not over
 
 private:
     void Ask();
@@ -34,7 +34,7 @@ private:
     std::string queueName;
     int jobNumber;
     JobStatus lastStatus;
-    int failures = 0; // questions in a row that the server did not answer
+    int failures = 0; // consecutive questions without an answer from the server
     QLabel* text;
     QLabel* detail;
     QProgressBar* bar;

@@ -48,7 +48,7 @@ void PaneTab::setQueue(const std::string& queue) {
     CFURLRef description;
     const bool hasDescription =
         PMPrinterCopyDescriptionURL(current, cfString("PMPPDDescriptionType"), description) == noErr;
-    // The new panel is made while the old one is still there, so that it can tell that it follows another.
+    // Makes the new panel while the old one still exists: the new one can then see that it replaces another.
     auto panels = plugIn.PDEPanelsForType(cfString(printDialogPanelType), callback);
     DropPanel();
     if (!panels || panels->empty()) {
@@ -118,7 +118,7 @@ void PaneTab::dialogWillClose() {
 }
 
 void PaneTab::copiesChanged(int copies) {
-    // The toolkit writes the number to the QPrinter only as the dialog is accepted.
+    // Qt writes the number of copies to the QPrinter only when the person accepts the dialog.
     printSettings->SetCopies(static_cast<std::uint32_t>(std::max(1, copies)));
     if (panel) {
         panel->printInfoDidChange();

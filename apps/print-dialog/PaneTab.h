@@ -12,11 +12,11 @@ class QLabel;
 
 namespace torka::dialog {
 
-// The tab of the print dialog that shows the plug-in's pane for the queue at hand, or a short page that says
-// why there is none.
+// The tab of the print dialog that shows the plug-in's pane for the current queue, or an explanation when the
+// queue has no pane.
 //
-// Owns the panel and its callback object; refers to the dialog's QPrinter and to the plug-in. The person's
-// changes in the dialog's own tabs are taken over each time before the panel is called.
+// Owns the panel and its callback object; refers to the dialog's QPrinter and to the plug-in. Takes over the
+// choices of the dialog's own tabs before it calls the panel.
 class PaneTab final : public QStackedWidget {
     Q_OBJECT
 
@@ -24,17 +24,17 @@ public:
     PaneTab(PDEPlugIn& plugIn, const QPrinter& printer, std::string jobName, QWidget* parent = nullptr);
     ~PaneTab() override;
 
-    // Shows the pane of this queue, "" for a destination that is no queue. What was set on the queue before
-    // is brought into the print settings first.
+    // Shows the pane of this queue; "" stands for a destination that is no queue. First saves the values of
+    // the panel shown so far into the print settings.
     void setQueue(const std::string& queue);
     // True when a pane is shown.
     bool hasPanel() const { return panel != nullptr; }
-    // Lets the panel write the job's settings and send its ticket. False: the job must not be printed, and
-    // the panel has said why. Without a panel, true.
+    // Lets the panel write the job's settings and send its ticket. True without a panel. False when the job
+    // must not be printed; the panel has then shown the reason.
     bool preparePrint();
-    // The dialog is about to close, with or without a job.
+    // REQUIRES a call before the dialog closes, with or without a job.
     void dialogWillClose();
-    // The person changed something in the dialog's own tabs.
+    // Tell the panel about a change in the dialog's own tabs.
     void copiesChanged(int copies);
     void dialogSettingsChanged();
     const MemoryPrintSettings& settings() const { return *printSettings; }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int settleTime = 200; // milliseconds
 
-// What is deferred until after the first painting is painted too.
+// Waits for work that widgets defer until after their first painting.
 void settle() {
     QElapsedTimer clock;
     clock.start();

@@ -6,8 +6,8 @@ namespace torka::dialog {
 
 class PrintDialog;
 
-// Shows the dialog without waiting for a person and writes pictures of it into a folder: the dialog as it
-// opens, and every page of the pane. False with the reason in `error`.
+// Shows the dialog, writes pictures of it into a folder and closes it: the dialog as it opens, then every
+// page of the pane. False, with the reason in `error`, when a picture cannot be written.
 bool takePictures(PrintDialog& dialog, const QString& folder, QString& error);
 
 } // namespace torka::dialog

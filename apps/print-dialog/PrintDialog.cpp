@@ -12,13 +12,13 @@ namespace torka::dialog {
 PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::string& jobName, QWidget* parent)
     : QPrintDialog(&qtPrinter, parent)
     , paneTab(new PaneTab(plugIn, qtPrinter, jobName)) {
-    // The document is sent as it is, so there is no file to print to.
+    // The dialog cannot print to a file, because it sends the document unchanged.
     setOption(QAbstractPrintDialog::PrintToFile, false);
     setOption(QAbstractPrintDialog::PrintPageRange, true);
     setOption(QAbstractPrintDialog::PrintCollateCopies, true);
     setOptionTabs({paneTab});
     setWindowTitle(tr("Print \u2013 %1").arg(QString::fromStdString(jobName)));
-    // The toolkit has no signal for a change of printer; its combo box has.
+    // QPrintDialog has no signal for a change of printer; its combo box has one.
     printers = findChild<QComboBox*>(QStringLiteral("printers"));
     if (printers != nullptr) {
         connect(printers, &QComboBox::currentIndexChanged, this, &PrintDialog::FollowPrinter);
@@ -60,7 +60,7 @@ void PrintDialog::FollowOwnTabs() {
     if (auto* copies = findChild<QSpinBox*>(QStringLiteral("copies"))) {
         connect(copies, &QSpinBox::valueChanged, paneTab, &PaneTab::copiesChanged);
     }
-    // Connected after the toolkit's own slot, which runs the properties dialog to its end.
+    // Qt connected its own slot first; that slot runs the properties dialog to its end before this one runs.
     if (auto* properties = findChild<QPushButton*>(QStringLiteral("properties"))) {
         connect(properties, &QPushButton::clicked, paneTab, &PaneTab::dialogSettingsChanged);
     }
@@ -69,7 +69,7 @@ void PrintDialog::FollowOwnTabs() {
 void PrintDialog::BringPaneToFront() {
     const QList<QPushButton*> buttons = findChildren<QPushButton*>();
     for (QPushButton* button : buttons) {
-        // "Options >>", whatever the language: the one button that opens the tabs and no other.
+        // "Options >>" opens the tabs. In every language it is the only button with ">>".
         if (button->text().contains(QLatin1String(">>"))) {
             button->click();
             break;
@@ -101,7 +101,8 @@ void PrintDialog::ShowFieldOfPane() {
 }
 
 void PrintDialog::done(int result) {
-    // What the dialog's own tabs say is in the QPrinter now: the toolkit writes it as the dialog is accepted.
+    // Qt has written the choices of its own tabs to the QPrinter by now, because the person accepted the
+    // dialog.
     if (result == Accepted && !isClosing && !paneTab->preparePrint()) {
         ShowFieldOfPane();
         return;

@@ -10,10 +10,10 @@ class QComboBox;
 
 namespace torka::dialog {
 
-// The toolkit's print dialog with the pane as one of its tabs.
+// Qt's print dialog with the pane as one of its tabs.
 //
-// Follows the person's change of the printer, and asks the pane before it lets a job go. Owns neither printer
-// nor plug-in; both outlive it.
+// Shows the pane of the chosen printer, and asks the pane before it accepts a job. Owns neither printer nor
+// plug-in; both must outlive it.
 class PrintDialog final : public QPrintDialog {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ public:
     PaneTab& tab() { return *paneTab; }
     // Opens the options and brings the pane to the front.
     void showPane();
-    // The chosen queue, "" when the destination is none.
+    // The chosen queue; "" when the destination is no queue.
     std::string queue() const;
     // False when the print server has no such queue.
     bool chooseQueue(const std::string& queue);

@@ -17,7 +17,7 @@ namespace {
 
 using namespace torka;
 
-// Where the bundle lies beside this program, in a build tree and when installed.
+// The bundle's path relative to this program is the same in a build tree and when installed.
 QString defaultBundle() {
     return QCoreApplication::applicationDirPath() + QStringLiteral("/../TorkaFeatures.bundle");
 }

@@ -63,7 +63,7 @@ std::unique_ptr<PropertyListStore> storeOf(const AddressOptions& options) {
     return std::make_unique<FilePropertyListStore>(options.file);
 }
 
-// A list and where it goes back to.
+// An address list together with the place that Save writes it to.
 class OpenList {
 public:
     explicit operator bool() const { return queue || list; }
@@ -74,8 +74,8 @@ public:
     std::unique_ptr<ZANCorvianPrinterPList> list;
 };
 
-// The list to work with. None, with the reason told, when the file is there and holds none, or must be there
-// and is not.
+// Opens the list. Null, with one line on standard error, when the file holds no list, or when it is absent
+// and `mayBeAbsent` is false.
 OpenList openList(const AddressOptions& options, bool mayBeAbsent) {
     if (!options.queue.empty()) {
         return {QueueAddresses::Open(options.queue), nullptr};

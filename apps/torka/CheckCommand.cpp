@@ -20,10 +20,10 @@ bool takesPartInConstraints(const PPDXControl& control) {
     return control.Type() == CNTL_TYPE::popup || control.Type() == CNTL_TYPE::boolean;
 }
 
-// The settings as one change set. Only popups and booleans are known to the constraint store.
+// The settings as one change set. The constraint store knows popups and booleans only.
 KVCache changeSet(const ZANPPD& description, const std::vector<Setting>& settings) {
-    // A colour option takes texts that the description does not list; they need an identifier of their own,
-    // since "not found" would stand for every option of the key.
+    // A colour option takes texts that the description does not list. Insert gives such a text an identifier:
+    // the identifier for "not found" would match every option of the key.
     CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
     KVCache changes;
     for (const Setting& setting : settings) {

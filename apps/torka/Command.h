@@ -5,28 +5,27 @@
 #include <string>
 #include <string_view>
 
-// What the commands of the tool share: exit status, error lines, output.
+// Shared by the commands of the tool: exit status, error lines, output.
 
 namespace torka::tool {
 
 enum class ExitStatus {
     good = 0,
-    findings = 1, // the command worked and found something to mend
-    unusable = 2  // the input cannot be worked with; standard error says why in one line
+    findings = 1, // the command worked and found something to correct
+    unusable = 2  // the input cannot be used; one line on standard error gives the reason
 };
 
-// One line on standard error: "torka: WHAT". Always answers `unusable`.
+// Writes one line to standard error, "torka: WHAT". Returns `unusable`.
 ExitStatus unusable(std::string_view what);
-// One line on standard error that does not end the command.
+// Writes the same line; the command goes on.
 void warn(std::string_view what);
-// Writes text to standard output; a failure to do so (a full disk, a closed pipe) is remembered for
-// outputFailed.
+// Writes text to standard output. outputFailed reports a failure (a full disk, a closed pipe).
 void print(std::string_view text);
 bool outputFailed();
-// Control characters made visible, so that text from a file cannot steer the terminal.
+// Replaces control characters by \xNN, so that text from a file cannot control the terminal.
 std::string printable(std::string_view text);
 
-// Each adds its subcommand; `status` gets the result when the command ran.
+// Each function adds one subcommand. `status` receives the result when the command has run.
 void addShowCommand(CLI::App& app, ExitStatus& status);
 void addLintCommand(CLI::App& app, ExitStatus& status);
 void addCheckCommand(CLI::App& app, ExitStatus& status);

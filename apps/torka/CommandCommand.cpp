@@ -19,7 +19,7 @@ struct CommandOptions {
     bool isDetached = false;
 };
 
-// The title as given, with a new identifier behind it where the command's title ends in one.
+// The title as given. Appends a new identifier when the command requires one at the end of its title.
 std::string wholeTitle(const std::string& title) {
     const std::string longer = title + platform::system().CreateUuidString();
     return !commandFromTitle(title) && commandFromTitle(longer) ? longer : title;

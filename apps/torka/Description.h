@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// Reading a description and the settings of a command line.
+// Reads a description and the settings of a command line.
 
 namespace torka::tool {
 
@@ -17,10 +17,9 @@ using Json = nlohmann::ordered_json;
 
 // Parses with orphans and hidden elements accepted. `lint` may be null.
 std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint = nullptr);
-// Why nothing can be done with the description, in one line; "" when something can.
+// The reason why the description is unusable, in one line; "" when it is usable.
 std::string fatalError(const ZANPPD& description, const std::string& path);
-// Reads a description for a command that needs a usable one. Null, with one line on standard error, when it
-// is not.
+// Reads a description. Null, with one line on standard error, when it is unusable.
 std::unique_ptr<ZANPPD> readUsableDescription(const std::string& path);
 
 struct Setting {
@@ -28,18 +27,18 @@ struct Setting {
     std::string value;
 };
 
-// "KEY=VALUE", the key with or without its asterisk. False, and `error` says why, when the text has no "=",
-// the description has no such control, or its value is not one that the control takes.
+// Parses "KEY=VALUE"; the key may lack its asterisk. False, with the reason in `error`, when the text has no
+// "=", the description has no such control, or the control does not take the value.
 bool parseSetting(const ZANPPD& description, const std::string& text, Setting& setting, std::string& error);
 bool parseSettings(const ZANPPD& description, const std::vector<std::string>& texts,
                    std::vector<Setting>& settings);
-// In order.
+// Applies the settings in the given order.
 void applySettings(ZANPPD& description, const std::vector<Setting>& settings);
 
-// Text for JSON: what is no UTF-8 becomes U+FFFD.
+// Text for JSON. Invalid UTF-8 becomes U+FFFD.
 std::string jsonText(const char* bytes);
 std::string jsonText(const CFStringRef& text);
-// Two blanks of indent and a line end.
+// Indents by two blanks and ends with a line feed.
 std::string jsonDocument(const Json& json);
 
 } // namespace torka::tool

@@ -17,7 +17,7 @@ struct DiscoverOptions {
     bool json = false;
 };
 
-// Ends the loop when nothing can be searched for.
+// Ends the loop when the search itself fails.
 class FailureWatch final : public ControllerListObserver {
 public:
     explicit FailureWatch(PosixEventLoop& eventLoop)

@@ -45,7 +45,7 @@ void printReport(const SpliceReport& report) {
     }
 }
 
-// A line that is written over as the work goes on, when a person watches.
+// Shows the progress in one line that each call overwrites, on a terminal only.
 bool showProgress(std::uint64_t bytesRead) {
     if (isatty(STDERR_FILENO) != 0) {
         std::fprintf(stderr, "\r%llu MB", static_cast<unsigned long long>(bytesRead / 1'000'000));

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view types[] = {"application/vnd.cups-postscript", "application/vnd.cups-command"};
 
-// "*cupsFilter:" and "*cupsFilter2:" lines whose quoted value begins with one of the types.
+// Matches "*cupsFilter:" and "*cupsFilter2:" lines whose quoted value begins with one of the types.
 bool isLineOfOurTypes(std::string_view line) {
     const std::size_t quote = line.find('"');
     if (!line.starts_with("*cupsFilter") || quote == std::string_view::npos) {

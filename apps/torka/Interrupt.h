@@ -6,7 +6,8 @@
 
 namespace torka::tool {
 
-// An interrupt (Ctrl+C) ends the process's waits, instead of the process, while this lives. One at a time.
+// While an object lives, an interrupt (Ctrl+C) ends the wait under way instead of the process. Only one
+// object may exist at a time.
 class Interruptible {
 public:
     Interruptible();
@@ -18,7 +19,7 @@ private:
     void (*before)(int);
 };
 
-// Shows on a terminal for how long `what` has been waited for.
+// Shows on a terminal how many seconds the wait for `what` has lasted.
 WaitObserver showingWait(std::string what);
 
 } // namespace torka::tool

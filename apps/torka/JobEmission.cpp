@@ -18,7 +18,8 @@ namespace {
 constexpr std::size_t printSettingsLimit = std::size_t{64} * 1024 * 1024;
 constexpr unsigned printSettingsMode = 0600;
 
-// A queue of the description's own: its name is the file's, as the spooler keeps one description a queue.
+// A session with a queue in memory. The queue has the name of the description's file, because the spooler
+// stores the description of a queue as QUEUE.ppd.
 std::shared_ptr<MemorySession> sessionOf(const std::string& descriptionPath) {
     const auto printer = std::make_shared<MemoryPrinter>();
     printer->name = std::filesystem::path(descriptionPath).stem().string();
@@ -32,7 +33,7 @@ CFStringRef printerName(const PMPrintSession& session) {
     return PMPrinterGetName(printer);
 }
 
-// Null, with one line on standard error, for anything but a dictionary.
+// Null, with one line on standard error, when the file cannot be read or holds no dictionary.
 CFDictionaryRef readPrintSettings(const std::string& path) {
     std::string content;
     if (const std::error_code error = platform::system().ReadFile(path, printSettingsLimit, content)) {
@@ -187,7 +188,7 @@ bool JobEmission::Emit(EmissionPurpose purpose) {
     return options.savePrintSettings.empty() || WritePrintSettings();
 }
 
-// Leaves out what is never kept in a file, and the path of this one job's ticket.
+// Leaves out secret notes, which never go into a file, and the path of the ticket, which holds for one job.
 bool JobEmission::WritePrintSettings() const {
     std::vector<CFDictionary::Pair> kept;
     const CFDictionaryRef all = settings->CopyAsDictionary();

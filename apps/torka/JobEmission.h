@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-// From a description and a command line's settings to a filled job ticket: what emit and print share.
+// Fills a job ticket from a description and the settings of a command line, for the commands emit and print.
 
 namespace torka::tool {
 
@@ -24,39 +24,39 @@ struct EmissionOptions {
     std::string watermark; // definition, "" for none
     std::string keys;      // FieldKeys.plist, "" for the installed one
     std::uint16_t orientation = kPMPortrait;
-    std::string printSettings;     // property list to restore from, "" for none
-    std::string savePrintSettings; // where to write what a pane would store, "" for nowhere
+    std::string printSettings;     // path of the property list to restore from, "" for none
+    std::string savePrintSettings; // path for the print settings that a pane would store, "" for none
     TwoWay twoWay = TwoWay::asKept;
     bool isStrict = false; // a note that breaks a rule stops the job
 };
 
-// Adds SETTING, --watermark, --keys, --orientation, --settings, --save-settings, --two-way and --strict. The
-// path of the description is the command's own affair.
+// Adds SETTING, --watermark, --keys, --orientation, --settings, --save-settings, --two-way and --strict. Each
+// command sets the path of the description itself.
 void addEmissionOptions(CLI::App& command, EmissionOptions& options);
-// Reads the field keys that the command line names, or the installed ones, for the whole process. False, with
-// one line on standard error, when the named file is unusable; without an installed file nothing is said
-// until a note needs it.
+// Installs the field keys of the named file, or the installed file when `path` is "", for the whole process.
+// False, with one line on standard error, when the named file is unusable. A missing installed file is no
+// error here: Emit reports the notes that need it.
 bool useFieldKeys(const std::string& path);
 
-// One job's settings on their way into its ticket, by way of a pane's data. Owns the description, the data
-// and the ticket. The address list is read from the description; what is added to it stays in memory.
+// Carries the settings of one job through a pane's data into the job's ticket. Owns the description, the data
+// and the ticket. Reads the address list from the description; additions to the list stay in memory.
 class JobEmission {
 public:
     // Null, with one line on standard error, when the description, the print settings or a setting is
-    // unusable. Commands go to the session's printer, to nobody without one.
+    // unusable. Commands go to the session's printer. Without a session nobody receives them.
     static std::unique_ptr<JobEmission> Make(const EmissionOptions& options,
                                              PMPrintSession session = nullptr);
     JobEmission(const JobEmission&) = delete;
     JobEmission& operator=(const JobEmission&) = delete;
     ~JobEmission();
 
-    // Fills the ticket and saves it, and writes the print settings where they are asked for. False, with one
-    // line on standard error, when something cannot be written. Fields that are left out for want of keys are
-    // told on standard error.
+    // Fills and saves the ticket; writes the print settings when the options name a file. False, with one
+    // line on standard error, when a file cannot be written. Reports every protected note that it leaves out
+    // on standard error.
     bool Emit(EmissionPurpose purpose);
 
-    // Tells the rules that the notes' texts break, one line on standard error each. False when there is one
-    // and the options are strict: the job is then not to be emitted.
+    // Reports every rule that a note's text breaks, one line each on standard error. False when a rule is
+    // broken and the options are strict: the caller must not emit the job.
     bool CheckNotes() const;
 
     ZANPPD& Description() { return *description; }

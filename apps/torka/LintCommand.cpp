@@ -12,7 +12,7 @@ struct LintOptions {
     bool json = false;
 };
 
-// What the note means, for its author.
+// Explains the note to the author of the description.
 std::string explain(const PPDLintNote& note) {
     switch (note.kind) {
     case PPDLintKind::unknownJobNoteFlag:

@@ -2,16 +2,15 @@
 
 #include "apps/torka/Description.h"
 
-// The description as JSON: the public form that `torka show --json` prints, and the canonical dump that tests
-// compare.
+// Writes a description as JSON. `torka show --json` prints this public form, and tests compare it.
 
 namespace torka::tool {
 
 Json modelJson(const ZANPPD& description);
-// Parts of it: the header values and the errors.
+// Two parts of modelJson: the header values and the errors.
 Json headerJson(const ZANPPD& description);
 Json errorsJson(const ZANPPD& description);
-// "popup" and so on.
+// The type's name in JSON, for example "popup".
 const char* typeName(CNTL_TYPE type);
 
 } // namespace torka::tool

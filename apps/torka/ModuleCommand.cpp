@@ -16,8 +16,8 @@
 #include <memory>
 #include <unordered_map>
 
-// One session of a Job Properties module, from the command line: what the pane would hand it, and what it
-// hands back.
+// Runs one session of a Job Properties module from the command line. The module receives the record that the
+// pane would pass; the command prints what the module returns.
 
 namespace torka::tool {
 
@@ -37,7 +37,7 @@ struct ModuleOptions {
     bool json = false;
 };
 
-// The pane that the module sees.
+// Stands in for the pane in the module's callbacks.
 class CommandHost final : public JobPropertiesHost {
 public:
     CommandHost() { setJobPropertiesHost(this); }
@@ -48,7 +48,7 @@ public:
     std::string WindowTitle() const override { return "Printing Preferences"; }
     WaitObserver Observer() override { return showingWait("the module (Ctrl+C ends it)"); }
 
-    // False, with one line on standard error, when a file that was named cannot be read.
+    // False, with one line on standard error, when a named file cannot be read.
     bool Read(const ModuleOptions& options) {
         auto content = std::make_shared<std::string>();
         if (!ReadFile(options.data, maximumDataFile, *content) ||
@@ -73,7 +73,7 @@ private:
     std::string templateText;
 };
 
-// False, with one line on standard error, without a module that loads.
+// False, with one line on standard error, when the module is missing or does not load.
 bool loadModule(const std::string& path) {
     const ModuleAvailability module = loadJobPropertiesLibrary(std::filesystem::absolute(path));
     if (module.status == ModuleStatus::notInstalled) {
@@ -84,7 +84,8 @@ bool loadModule(const std::string& path) {
     return module.status == ModuleStatus::loaded;
 }
 
-// Runs the module on the panel's record, which holds its answer then. `handed` is what the module was handed.
+// Runs the module on the panel's record. Afterwards the record holds the module's answer, and `handed` holds
+// the settings that the module received.
 void runSession(UI_Panel& panel, PDEData& data, const ModuleOptions& options, KeyValueList& handed) {
     SharedMemoryList& record = panel.Record();
     for (const std::string& definition : options.watermarks) {
@@ -110,8 +111,8 @@ bool isSecret(const ZANPPD& description, std::string_view key) {
     return isSecretNote(description, description.GetControls()->FindJobNote(keyword.c_str(), true));
 }
 
-// The record's settings; with `changed` those that are not what was handed over. Of a secret one only whether
-// there is a value.
+// The record's settings; with `changed` only those that differ from `handed`. Asterisks replace the value of
+// a secret note.
 Pairs returnedSettings(const SharedMemoryList& record, const ZANPPD& description, const KeyValueList& handed,
                        bool changed) {
     std::unordered_map<std::string, std::string> before;

@@ -17,7 +17,8 @@ struct DecryptOptions {
     bool aes = false;
 };
 
-// Without a word on the algorithm both are tried: cipher text of the other one is no text of the first.
+// Tries both algorithms when the options name neither: text enciphered with one does not decipher to valid
+// text with the other.
 ExitStatus decrypt(const DecryptOptions& options) {
     if (!useFieldKeys(options.keys)) {
         return ExitStatus::unusable;

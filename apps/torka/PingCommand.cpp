@@ -31,7 +31,8 @@ std::string pingFailure(int error) {
     }
 }
 
-// Waits second by second, so that a reply ends the wait. An error number, 0 with `replied` told otherwise.
+// Waits in steps of one second, so that a reply ends the wait early. Returns an error number, or 0; then
+// `replied` holds the number of replies.
 int exchangeEcho(IcmpSocket& socket, const HostAddress& address, int sequence, int timeout, int& replied) {
     int error = CreateAndSendICMPPacket(socket, address, sequence);
     for (int second = 0; error == 0 && replied == 0 && second < timeout; ++second) {
@@ -63,7 +64,7 @@ ExitStatus runPing(const PingOptions& options) {
         }
         print(who + ": reply to echo " + place + "\n");
         if (outputFailed()) {
-            break; // nobody reads on
+            break; // the reader has gone
         }
     }
     return ExitStatus::good;

@@ -16,8 +16,8 @@ namespace torka::tool {
 
 namespace {
 
-// What goes to the print server in plain, beside the ticket's path. Anything else would lie in the spool
-// folder and in the job's attributes for everybody who may ask.
+// The options that go to the print server in plain, beside the ticket's path. The server keeps such options
+// in the spool folder and in the job's attributes, where others can read them.
 constexpr std::string_view standardOptions[] = {"copies",        "sides",       "media",   "number-up",
                                                 "print-quality", "page-ranges", "collate", "fit-to-page"};
 
@@ -46,8 +46,8 @@ bool readJobOptions(const std::vector<std::string>& texts, JobOptions& options) 
     return true;
 }
 
-// The server's own filters lay out pages by the page size; it is the one that the job's PostScript names. A
-// medium that is asked for yields to it only when it was chosen.
+// Adds the page size that the job's PostScript names, because the server's own filters lay out pages by it.
+// When the command line names a medium, adds only a page size other than the default.
 void addPageSize(const ZANPPD& description, JobOptions& options) {
     const PPDXPopupControl* pageSize = description.GetControls()->FindPopup("*PageSize", true);
     const std::string value = utf8Text(description.CopyValueForKey(cfString("*PageSize")));

@@ -9,7 +9,7 @@ namespace torka::tool {
 
 namespace {
 
-// What the waits tell an engineer is no message of the tool.
+// Drops the diagnostic lines that the waits write: they are no messages of the tool.
 class NoStreams final : public StandardStreams {
 public:
     void Output(std::string_view /*text*/) override {}

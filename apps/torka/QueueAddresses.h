@@ -8,9 +8,10 @@
 
 namespace torka::tool {
 
-// The address list that a queue of the print server keeps. A queue that keeps none has an empty one.
+// The address list that a queue of the print server keeps. The list is empty for a queue that keeps none.
 //
-// Saving waits for the queue's filter, with the wait on a terminal's standard error; an interrupt ends it.
+// Save waits for the queue's filter. Standard error shows the wait when it is a terminal. An interrupt ends
+// the wait.
 class QueueAddresses {
 public:
     // Null, with the reason on standard error, when the server has no such queue.
@@ -20,7 +21,8 @@ public:
     ~QueueAddresses();
 
     ZANCorvianPrinterPList& List() { return *list; }
-    // Unusable, with the reason told, unless the queue keeps the list as it is now.
+    // Sends the list and reads it back. `unusable`, with the reason on standard error, when the queue does
+    // not keep it.
     ExitStatus Save();
 
 private:

@@ -35,7 +35,8 @@ IppMessage makeRequest(ipp_op_t operation, const std::string& queueName, const s
     return request;
 }
 
-// Sends a request and never says who is asking, as the library would when the server wants to know.
+// Sends a request without authentication. cupsDoRequest is unsuitable here: it authenticates when the server
+// asks for it.
 Answer askUnauthenticated(const IppMessage& request, const std::string& resource) {
     constexpr int timeout = 30000; // milliseconds
     const std::unique_ptr<http_t, CloseHttp> connection(
@@ -54,7 +55,7 @@ Answer askUnauthenticated(const IppMessage& request, const std::string& resource
     ippSetState(request.get(), IPP_STATE_IDLE);
     while (ippGetState(request.get()) != IPP_STATE_DATA) {
         if (ippWrite(connection.get(), request.get()) == IPP_STATE_ERROR) {
-            break; // refused before it was read: the status tells
+            break; // the server refused the request before it read all of it; the status gives the reason
         }
     }
     do {
@@ -74,7 +75,7 @@ Answer askUnauthenticated(const IppMessage& request, const std::string& resource
     return answer;
 }
 
-// Whether an answer holds one of these attributes, in whichever group.
+// Whether an answer holds one of these attributes in any group.
 bool holds(const IppMessage& message, std::span<const char* const> names) {
     return message && std::ranges::any_of(names, [&message](const char* name) {
                return ippFindAttribute(message.get(), name, IPP_TAG_ZERO) != nullptr;
@@ -115,7 +116,7 @@ QueueFinding checkTicketNames(const std::string& queueName, const std::string& s
                 "anybody can read the names of other people's tickets in their jobs: JobPrivateValues in the "
                 "server's policy"};
     }
-    // The name alone, without a proof that it is one's own.
+    // Gives the owner's name without authentication.
     const Answer claimed = askUnauthenticated(jobsRequest(queueName, cupsUser(), attributes), resource);
     if (holds(claimed.message, attributes)) {
         return {
@@ -155,7 +156,7 @@ QueueFinding checkSubscriptions(const std::string& queueName, const std::string&
 } // namespace
 
 std::vector<QueueFinding> checkQueue(const std::string& queueName) {
-    // A name that nobody has: what it may see, everybody may.
+    // Nobody has this name: what the server shows to it, it shows to everybody.
     const std::string stranger = "torka-check-" + platform::system().CreateUuidString().substr(0, 8);
     return {checkSenderNames(queueName, stranger), checkTicketNames(queueName, stranger),
             checkSubscriptions(queueName, stranger)};

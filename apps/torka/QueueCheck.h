@@ -3,24 +3,24 @@
 #include <string>
 #include <vector>
 
-// What can be seen from outside about how safe a queue's jobs are.
+// Checks, as a client of the print server, how well the server protects a queue's jobs.
 
 namespace torka::tool {
 
 enum class CheckState {
-    closed, // seen to be safe
-    open,   // seen to be unsafe
-    unknown // not to be seen by a client, or there is nothing yet to see it by
+    closed, // protected
+    open,   // unprotected
+    unknown // a client cannot see it, or no job or subscription exists to see it by
 };
 
 struct QueueFinding {
-    std::string what; // a word for scripts
+    std::string what; // one word, for scripts
     CheckState state = CheckState::unknown;
-    std::string text; // for people: what was seen, and which setting changes it
+    std::string text; // for people: the observation, and the setting that changes it
 };
 
-// Asks the print server as somebody whom it does not know, and as the caller. Each row stands for itself; an
-// answer that does not come leaves its row unknown.
+// Asks the print server as an unknown user and as the caller. The findings are independent of each other; one
+// without an answer is `unknown`.
 std::vector<QueueFinding> checkQueue(const std::string& queueName);
 
 } // namespace torka::tool

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::chrono::milliseconds interval(50);
 
-// Ends the wait under way; a signal handler may call it.
+// The clock of the wait under way; the signal handler calls its Cancel, which is safe there.
 PosixSystem* waiting = nullptr;
 
 void interrupt(int /*signal*/) {

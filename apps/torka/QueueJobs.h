@@ -4,13 +4,12 @@
 
 #include <string>
 
-// Jobs of a queue, as a person at a terminal follows them.
+// Follows a queue's jobs on a terminal.
 
 namespace torka::tool {
 
-// Waits until a job is over, with its state on a terminal's standard error. Interrupted, it cancels the job.
-// `good` for a completed job, and for one that a server without job history lists no more, which standard
-// error says; `findings`, with the reason on standard error, for any other end.
+// Waits until a job is over. Standard error shows its state when it is a terminal. An interrupt cancels the
+// job. `good` for a completed job; `findings`, with the reason on standard error, for any other end.
 ExitStatus followJob(const std::string& queueName, int job);
 
 } // namespace torka::tool

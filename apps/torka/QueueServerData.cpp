@@ -14,14 +14,14 @@ namespace torka::tool {
 
 namespace {
 
-// What the waits tell an engineer is no message of the tool.
+// Drops the diagnostic lines that the waits write: they are no messages of the tool.
 class NoStreams final : public StandardStreams {
 public:
     void Output(std::string_view /*text*/) override {}
     void Error(std::string_view /*text*/) override {}
 };
 
-// The spooler and the silence that the waits need, for as long as it lives.
+// Installs the spooler and the silent streams that the waits need, for the object's lifetime.
 class Waiting {
 public:
     Waiting() {

@@ -3,13 +3,13 @@
 #include <optional>
 #include <string>
 
-// Server data as the pane gets it: a queue's filter is asked, and its answer read.
+// Gets server data as the pane does: asks a queue's filter and reads its answer.
 
 namespace torka::tool {
 
-// The text of the two-way data file that answers. An empty address means the host of the queue's device.
-// Nothing, with the reason on standard error, when no answer came. The wait is shown on a terminal's standard
-// error; an interrupt ends it.
+// The text of the two-way data file in the answer. An empty address means the host of the queue's device.
+// nullopt, with the reason on standard error, when no answer arrives. Standard error shows the wait when it
+// is a terminal. An interrupt ends the wait.
 std::optional<std::string> queueServerData(const std::string& queueName, const std::string& address);
 
 } // namespace torka::tool

@@ -20,7 +20,7 @@ namespace {
 struct RecordOptions {
     std::string path;
     std::string name;
-    bool isWide = false; // the default, which may be said
+    bool isWide = false; // the default; the flag exists to state it
     bool isNarrow = false;
 };
 
@@ -62,7 +62,7 @@ public:
     RecordBlock Get(const std::string& name, std::size_t& size) const {
         return isPPD ? ppd->Read(name, &size) : RecordText(text).Read(name, &size);
     }
-    // The file's text with the record in the place of an earlier one of its name, at the end. "" when no
+    // The file's text without the earlier record of this name, and with the new one at the end. "" when no
     // record can have this name or payload.
     std::string With(const std::string& name, std::string_view payload) const {
         std::string result = WithoutChunks(name);

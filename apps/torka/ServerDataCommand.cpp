@@ -26,7 +26,7 @@ struct ServerDataOptions {
 
 std::string utf8(std::wstring_view text) { return platform::utf8FromWide(text); }
 
-// How a count or percentage is shown.
+// A count or percentage as text. RFC 3805 gives the meanings of -1, -2 and -3.
 std::string amount(std::int32_t value, const char* unit) {
     switch (value) {
     case SDM_LEVEL_UNKNOWN:
@@ -60,7 +60,7 @@ std::string tonerKind(std::int32_t kind) {
     }
 }
 
-// The records of a file, read one by one; remembers whether one was broken.
+// Reads the records of a file one by one and remembers whether one was broken.
 class ServerDataFile {
 public:
     ServerDataFile(const std::string& filePath, std::string_view content)
@@ -70,8 +70,8 @@ public:
     bool HasRecords() const { return !records.Names().empty(); }
     bool HasBroken() const { return broken; }
 
-    // Reads a record with one of the readers of ServerRecords. False when there is none, which `isAbsent`
-    // says, or when it is broken, which is told on standard error.
+    // Reads a record with one of the readers of ServerRecords. False when the record is absent (`isAbsent` is
+    // true then), or when it is broken (one line on standard error gives the place).
     template <typename Value>
     bool Read(const char* name, bool (*read)(std::wstring_view, Value&, RecordFault&), Value& value) {
         std::size_t size = 0;
@@ -90,7 +90,7 @@ public:
              std::string(fault.reason));
         return false;
     }
-    // What is shown in the place of a record that could not be read.
+    // The line to show in place of a record that could not be read.
     std::string Absence(const char* name) const {
         return std::string("  ") + (isAbsent ? "no record " : "broken record ") + name + "\n";
     }
@@ -98,7 +98,7 @@ public:
 private:
     std::string path;
     RecordText records;
-    std::list<std::wstring> texts; // what the values look at
+    std::list<std::wstring> texts; // the values refer to these texts
     bool isAbsent = false;
     bool broken = false;
 };
@@ -218,7 +218,7 @@ Json presetJson(const PresetView& preset) {
             {"presetValues", pairsJson(preset.sets[2])}};
 }
 
-// The record's entries, null when it could not be read.
+// The record's entries; JSON null when the record could not be read.
 template <typename Entry>
 Json entriesJson(ServerDataFile& file, const char* name,
                  bool (*read)(std::wstring_view, std::vector<Entry>&, RecordFault&),

@@ -6,19 +6,19 @@
 
 namespace torka::tool {
 
-// How many columns of a terminal a UTF-8 text takes: two for East Asian wide characters and pictures, none
-// for marks that combine with the character before them.
+// The number of terminal columns that a UTF-8 text takes: two for an East Asian wide character or a
+// pictograph, none for a combining mark.
 std::size_t displayWidth(std::string_view text);
 
-// Rows in columns that are as wide as their widest cell. Control characters are made visible.
+// Formats rows into columns, each as wide as its widest cell. Shows control characters as \xNN.
 class TextTable {
 public:
     explicit TextTable(std::vector<std::string> headings);
-    // A number stands at the right of its column; so does the column's heading then.
+    // Aligns a column of numbers and its heading to the right.
     void AlignRight(std::size_t column);
-    // As many cells as there are headings.
+    // Adds a row. REQUIRES: as many cells as there are headings.
     void Add(std::vector<std::string> cells);
-    // A line for the headings and one for each row, with two blanks before and between the columns.
+    // One line for the headings and one for each row, with two blanks before each column.
     std::string Text() const;
 
 private:

@@ -7,9 +7,9 @@
 
 namespace torka::tool {
 
-// {"site", "text"} for bytes that are UTF-8, {"site", "base64"} for others.
+// {"site", "text"} for valid UTF-8, {"site", "base64"} for other bytes.
 Json entryJson(std::int32_t site, std::string_view bytes);
-// One entry for people: its site, what that means, and the text indented below it.
+// Prints one entry for people: the number and name of its site, and the text indented below them.
 void printEntry(std::int32_t site, std::string_view bytes);
 
 } // namespace torka::tool
