@@ -1,8 +1,8 @@
 #pragma once
 
-/* The Job Properties module interface: what a module library exports, and what it may ask of the print
- * dialog's pane. For C (99) and C++; includes nothing but standard headers. docs/job-properties-module.md
- * tells the course of a session.
+/* The Job Properties module interface: the functions that a module library exports, and the callbacks of the
+ * print dialog's pane that it may call. For C99 and C++; includes only standard headers.
+ * docs/job-properties-module.md describes a session.
  *
  * A module is a shared library, "libzanjp2.so", that exports every entry point declared at the end of this
  * file under its C name. The pane loads it, hands it a table of callbacks, the job's settings and the
@@ -14,20 +14,20 @@
  * Ownership. Every pointer in a structure is a block of its own; a structure is freed innermost block first.
  * The array of an empty list may be null.
  *
- * Handed to the module (JP1_1Set..., JPSet..., the title): stays the pane's; the module copies what it keeps
- * before it returns.
+ * Arguments to the module (JP1_1Set..., JPSet..., the title): the pane keeps the ownership. The module copies
+ * what it needs before it returns.
  *
- * Returned by the module (JP1_1GetJobKeyValues, JP1_1GetWatermarks): becomes the pane's, which frees every
- * text, the array and the list with JP1_1Free.
+ * Results of the module (JP1_1GetJobKeyValues, JP1_1GetWatermarks): the pane becomes the owner. It frees
+ * every text, the array and the list with JP1_1Free.
  *
- * Returned by a callback: becomes the module's, which frees each block with the callback in SDM_SLOT_FREE.
- * With two-way communication on, the pane allocated it with SDMAllocMemory, and SDM_SLOT_FREE frees it with
- * JP1_1Free, so these two belong to one allocator; with it off, it comes from malloc, and SDM_SLOT_FREE
- * frees it with free.
+ * Results of a callback: the module becomes the owner. It frees each block with the callback in
+ * SDM_SLOT_FREE. With two-way communication on, the pane allocates a block with SDMAllocMemory, and
+ * SDM_SLOT_FREE frees it with JP1_1Free; these two functions must belong to one allocator. With two-way
+ * communication off, a block comes from malloc, and SDM_SLOT_FREE frees it with free.
  *
- * The callback table: stays the pane's, valid from JP1_1BeginSession to JP1_1DllEnd.
+ * The callback table: the pane keeps the ownership. The table is valid from JP1_1BeginSession to JP1_1DllEnd.
  *
- * A callback that does not return SDM_SUCCESS has returned nothing: its out-parameters are null or zero.
+ * When a callback does not return SDM_SUCCESS, its out-parameters are null or zero.
  *
  * Threads. The pane calls the module on one thread, and callbacks may be called on that thread only, between
  * JP1_1BeginSession and JP1_1EndSession. No call may throw through this interface.
@@ -37,7 +37,7 @@
 #include <stdint.h>
 #include <wchar.h>
 
-/* In C an empty list says nothing of the arguments, "(void)" says that there are none.
+/* In C, "()" leaves the arguments unspecified and "(void)" declares none.
  * NOLINTBEGIN(modernize-redundant-void-arg) */
 
 #ifdef __cplusplus
@@ -52,26 +52,27 @@ enum {
     SDM_INVALID_ARGUMENT = 7100, /* SDM_SLOT_FREE only */
 };
 
-/* A module's session; made by JP1_1BeginSession, ended by JP1_1EndSession. Opaque to the pane. */
+/* A module's session. JP1_1BeginSession creates it, and JP1_1EndSession ends it. Opaque to the pane. */
 typedef void* JPHANDLE;
-/* A module's connection to its data server, null if it has none. The module passes it to each callback as the
- * first argument. The pane passes it to SDMAllocMemory, and once, at the end, to SDMTerminate. One session
- * has one such handle. SDMAllocMemory is also called with null, before any callback has named one. */
+/* A module's connection to its data server, null if it has none. A session has one such handle. The module
+ * passes it to each callback as the first argument. The pane passes it to SDMAllocMemory, and once, at the
+ * end, to SDMTerminate. Before the first callback has named a handle, the pane passes null to
+ * SDMAllocMemory. */
 typedef void* SDMHANDLE;
 
 /* One setting. */
 typedef struct SDMKeyValue {
-    wchar_t* szKey;   /* such as L"Duplex"; a leading asterisk is left as it is. At most 64 bytes as UTF-8. */
-    wchar_t* szValue; /* at most 700 bytes as UTF-8; what is longer is cut */
+    wchar_t* szKey;   /* such as L"Duplex"; may begin with an asterisk. At most 64 bytes as UTF-8. */
+    wchar_t* szValue; /* at most 700 bytes as UTF-8; the pane cuts a longer value */
 } SDMKeyValue;
 
-/* Settings. Of a list that comes back from the module the first 3,000 entries are taken. */
+/* Settings. From a list that the module returns, the pane takes the first 3,000 entries. */
 typedef struct SDMKeyValueList {
     size_t count;
     SDMKeyValue* items;
 } SDMKeyValueList;
 
-/* What a toner entry is. */
+/* The kinds of supplies. */
 enum {
     SDM_SUPPLY_OTHER = 0,
     SDM_SUPPLY_TONER = 1,
@@ -90,7 +91,7 @@ enum {
  * 100, or SDM_LEVEL_... */
 typedef struct SDMTonerInfo {
     wchar_t* name;     /* to be shown, such as L"Cyan" */
-    int32_t level;     /* percent: what is left, of a waste box what is taken */
+    int32_t level;     /* percent: the remaining supply, or the fill level of a waste box */
     int32_t lowLevel;  /* percent at or below which it counts as low */
     wchar_t* color;    /* L"#rrggbb", several one after the other ("#00ffff#ff00ff"); null if it has none */
     int32_t highLevel; /* percent at or above which it counts as full (waste) */
@@ -103,12 +104,12 @@ typedef struct SDMTonerInfoArray {
     SDMTonerInfo* items;
 } SDMTonerInfoArray;
 
-/* One input tray. The members stand in the order of the record; a text that the server does not know is null.
- */
+/* One input tray. The members stand in the order of the record. A text that the server does not know is
+ * null. */
 typedef struct SDMTrayInfo {
     wchar_t* name;       /* to be shown, such as L"Tray 1" */
     wchar_t* key;        /* the tray's choice of "*InputSlot", such as L"Tray1" */
-    wchar_t* mediaName;  /* what is loaded, to be shown, such as L"Letterhead" */
+    wchar_t* mediaName;  /* the loaded medium, to be shown, such as L"Letterhead" */
     wchar_t* mediaSize;  /* its choice of "*PageSize", such as L"A4" */
     wchar_t* mediaType;  /* its choice of "*MediaType", such as L"Plain" */
     wchar_t* mediaColor; /* to be shown, such as L"White" */
@@ -138,17 +139,18 @@ typedef struct SDMFontInfoArray {
     SDMFontInfo* items;
 } SDMFontInfoArray;
 
-/* Watermarks. A definition is 14 comma-separated fields followed by the text, which may hold commas (offsets
- * and font size in points, red, green and blue 0 to 255, angle in tenths of a degree): clear (0 or 1), x
- * offset, y offset, red, green, blue, 0, first page only (0 or 1), 0, angle, 0, 0, font size, font name,
- * text. At most 1,023 bytes as UTF-8 each, and 5,153 bytes all together with one byte more each. Which one
- * the job prints, is the setting "*QV_WATERMARK": its position in the list, or -1. */
+/* Watermarks. A definition consists of 14 comma-separated fields and the text, which may hold commas: clear
+ * (0 or 1), x offset, y offset, red, green, blue, 0, first page only (0 or 1), 0, angle, 0, 0, font size,
+ * font name, text. Offsets and font size are in points, colours 0 to 255, the angle in tenths of a degree. A
+ * definition has at most 1,023 bytes as UTF-8. All definitions, with one byte more each, have at most 5,153
+ * bytes. The setting "*QV_WATERMARK" selects the watermark that the job prints: its position in the list, or
+ * -1 for none. */
 typedef struct JPWatermarkList {
     size_t count;
     wchar_t** definitions;
 } JPWatermarkList;
 
-/* Which item of the server's information is wanted. Other values select nothing. */
+/* Selects an item of the server's information. Other values select nothing. */
 typedef enum JPSERVERINFO {
     JPSERVERINFO_SERVER_NAME = 0,
     JPSERVERINFO_SERVER_VERSION = 1,
@@ -168,14 +170,14 @@ typedef enum enumVersionInfo { SDM_VERSION_SYSTEM = 0, SDM_VERSION_DRIVER = 1 } 
 /* Actions on a job of the server. The pane performs none. */
 typedef enum enumSDMJobAction { SDM_JOB_ACTION_NONE = 0 } enumSDMJobAction;
 
-/* The callback table: 64 slots, each of the size of a pointer. Slot 0 holds the version as a number and slot
- * 1 whether two-way communication is on; each of the other slots is null or a function of the type that is
- * named here. "on" and "off" tell with which state of two-way communication a slot is filled; what stands
- * behind them is all that it does. */
+/* The callback table: 64 slots, each as wide as a pointer. Slot 0 holds the version as a number. Slot 1 holds
+ * 1 when two-way communication is on, else 0. Every other slot is null or a function of the type named here.
+ * "on" and "off" name the states of two-way communication in which the slot is filled. The words behind the
+ * type describe the function's whole effect. */
 enum { SDM_CALLBACK_SLOTS = 64, SDM_CALLBACK_VERSION = 19 };
 typedef union SDMCallbackSlot {
     uint32_t number;        /* slots 0 and 1 */
-    void (*function)(void); /* the others, to be cast to the type of the slot */
+    void (*function)(void); /* the other slots; cast it to the slot's type */
     void* asPointer;        /* makes the slot as wide as a pointer */
 } SDMCallbackSlot;
 
@@ -212,14 +214,14 @@ enum {
     SDM_SLOT_GET_COLOR_KEYS_FACTORY_DEFAULTS = 63 /* on, off: SDMGetListProc */
 };
 
-/* The slots' functions. "Nothing" above means SDM_SUCCESS with out-parameters that are null or zero. Where
- * something is answered, a null out-parameter gives SDM_NOT_AVAILABLE, of SDMFreeProc SDM_INVALID_ARGUMENT
- * when two-way communication is on. */
+/* The slots' functions. "Nothing" above means SDM_SUCCESS with out-parameters that are null or zero. A
+ * function with an answer returns SDM_NOT_AVAILABLE for a null out-parameter. SDMFreeProc returns
+ * SDM_INVALID_ARGUMENT for it when two-way communication is on. */
 typedef SDMRESULT (*SDMGetTextProc)(SDMHANDLE handle, wchar_t** text);
 typedef SDMRESULT (*SDMGetTwoTextsProc)(SDMHANDLE handle, wchar_t** first, wchar_t** second);
 typedef SDMRESULT (*SDMGetTextByNameProc)(SDMHANDLE handle, const wchar_t* name, wchar_t** text);
 typedef SDMRESULT (*SDMGetListProc)(SDMHANDLE handle, SDMKeyValueList** list);
-/* The second list is null where the server tells none. */
+/* The second list is null when the server gives none. */
 typedef SDMRESULT (*SDMGetTwoListsProc)(SDMHANDLE handle, SDMKeyValueList** first, SDMKeyValueList** second);
 typedef SDMRESULT (*SDMGetFontListProc)(SDMHANDLE handle, SDMFontInfoArray** fonts);
 typedef SDMRESULT (*SDMGetFontsProc)(SDMHANDLE handle, enumSDMFlagFontFormat format,
@@ -229,56 +231,57 @@ typedef SDMRESULT (*SDMGetCountProc)(SDMHANDLE handle, int32_t* count);
 typedef SDMRESULT (*SDMPerformJobActionProc)(SDMHANDLE handle, enumSDMJobAction action);
 typedef SDMRESULT (*SDMGetTrayInfoProc)(SDMHANDLE handle, SDMTrayInfoArray** trays);
 typedef SDMRESULT (*SDMGetTonerInfoProc)(SDMHANDLE handle, SDMTonerInfoArray** toners);
-/* `key` L"SPD_MAPPING_ENABLE" and L"QF1_NO_RECORD" give a text as a whole, any other the key's value. `index`
- * is not read. */
+/* `key` L"SPD_MAPPING_ENABLE" and L"QF1_NO_RECORD" return a whole text; any other key returns its value.
+ * `index` is ignored. */
 typedef SDMRESULT (*SDMGetServerValueProc)(SDMHANDLE handle, int32_t index, wchar_t** value,
                                            const wchar_t* key);
-/* Any other kind gives an empty text. The block has room for 2,048 units. */
+/* `kind` is an enumVersionInfo; any other value gives an empty text. The block has room for 2,048 units. */
 typedef SDMRESULT (*SDMGetDriverVersionProc)(SDMHANDLE handle, int32_t kind, wchar_t** version);
-/* `names` is an array of `count` texts, each a block. With no presets: SDM_SUCCESS and count 0. */
+/* `names` is an array of `count` texts, each in its own block. Without presets: SDM_SUCCESS and count 0. */
 typedef SDMRESULT (*SDMGetNamesProc)(SDMHANDLE handle, wchar_t*** names, int32_t* count);
-/* Three sets of settings of one preset of the server. */
+/* The three sets of settings in one preset of the server. */
 typedef SDMRESULT (*SDMGetPresetProc)(SDMHANDLE handle, const wchar_t* name, SDMKeyValueList** jobValues,
                                       SDMKeyValueList** tesselValues, SDMKeyValueList** presetValues);
-/* Frees the block at *pointer. With two-way communication on *pointer is null afterwards, and nothing to free
- * is SDM_INVALID_ARGUMENT; with it off *pointer keeps its value, and nothing to free is SDM_NOT_AVAILABLE. */
+/* Frees the block at *pointer. With two-way communication on, sets *pointer to null, and returns
+ * SDM_INVALID_ARGUMENT when there is nothing to free. With it off, keeps *pointer, and returns
+ * SDM_NOT_AVAILABLE when there is nothing to free. */
 typedef SDMRESULT (*SDMFreeProc)(void** pointer);
 
 /* The module's entry points, in the order in which a session calls them. */
 
-/* Non-zero: no session can begin, and `session` is not read. The table has SDM_CALLBACK_SLOTS slots. */
+/* Non-zero when no session can begin; the pane then ignores *session. `table` has 64 slots. */
 typedef SDMRESULT (*JP1_1BeginSessionProc)(const SDMCallbackSlot* table, JPHANDLE* session);
-/* Non-zero once the server's data are there. Asked every 100 ms until it is, or a person stops the wait. */
+/* Non-zero once the server's data are available. The pane calls it every 100 ms until then, or until a person
+ * stops the wait. */
 typedef int32_t (*JP1_1IsServerReadyProc)(JPHANDLE session);
-/* Settings to be shown. May be called twice: the settings of the job, then those of an administrator's
- * template, which override them key by key. */
+/* Settings to be shown. The pane calls it for the settings of the job, and a second time when an
+ * administrator's template has settings; these override the job's key by key. */
 typedef SDMRESULT (*JP1_1SetJobKeyValuesProc)(JPHANDLE session, const SDMKeyValueList* list);
-/* Settings that a person may see and not change; the values are not used. */
+/* Settings that a person may see but not change. The values are unused. */
 typedef SDMRESULT (*JPSetJobReadOnlyKeysProc)(JPHANDLE session, const SDMKeyValueList* list);
-/* Settings that are not shown; the values are not used. */
+/* Settings to hide. The values are unused. */
 typedef SDMRESULT (*JP1_1SetJobVeiledKeysProc)(JPHANDLE session, const SDMKeyValueList* list);
 typedef SDMRESULT (*JP1_1SetWatermarksProc)(JPHANDLE session, const JPWatermarkList* list);
-/* Shows the window and returns when it is closed. `title` is UTF-8 in at most 256 bytes. `flags` is 3 and
- * `reserved` 0. *result: 0 accepted, 1 cancelled, 2 the server's address was refused; more than 2 counts
- * as 2. A non-zero return counts as cancelled. */
+/* Shows the window and returns when it is closed. `title` is UTF-8 in at most 256 bytes with its terminator.
+ * `flags` is 3 and `reserved` 0. *result: 0 accepted, 1 cancelled, 2 the server's address was refused; any
+ * other value counts as 2. A non-zero return value counts as cancelled. */
 typedef SDMRESULT (*JP1_1OpenUIProc)(JPHANDLE session, const char* title, int32_t flags, int32_t reserved,
                                      int32_t* result);
-/* All settings after an accepted window, whether they were edited or not. `flags` is 0 and `reserved` null.
- */
+/* Returns all settings after an accepted window, edited or not. `flags` is 0 and `reserved` null. */
 typedef SDMRESULT (*JP1_1GetJobKeyValuesProc)(JPHANDLE session, int32_t flags, SDMKeyValueList** list,
                                               void* reserved);
-/* Non-zero, or no list: the watermarks stay as they are. */
+/* A non-zero return value or a null list leaves the watermarks unchanged. */
 typedef SDMRESULT (*JP1_1GetWatermarksProc)(JPHANDLE session, JPWatermarkList** list);
-/* Frees one block that the module returned or SDMAllocMemory gave. Null is allowed. */
+/* Frees one block that the module or SDMAllocMemory returned. Null is allowed. */
 typedef void (*JP1_1FreeProc)(void* pointer);
-/* A block for a callback's result, aligned for any type; null when there is no memory. */
+/* Allocates a block for a callback's result, aligned for any type. Null when memory runs out. */
 typedef void* (*SDMAllocMemoryProc)(SDMHANDLE handle, size_t size);
-/* These two are called at the end, before JP1_1EndSession, when a callback that answers with the server's
- * data was given a handle, with two-way communication on. */
+/* The pane calls these two at the end, before JP1_1EndSession, when two-way communication is on and the
+ * module passed a handle to a callback that answers with the server's data. */
 typedef SDMRESULT (*SDMTerminateProc)(SDMHANDLE handle);
 typedef SDMRESULT (*SDMDllEndProc)(void);
 typedef SDMRESULT (*JP1_1EndSessionProc)(JPHANDLE session);
-/* The last call. 0: the module has ended. JP1_1BeginSession may follow. */
+/* The last call. Returns 0 when the module has ended. JP1_1BeginSession may follow. */
 typedef SDMRESULT (*JP1_1DllEndProc)(void);
 
 /* A module defines JOB_PROPERTIES_MODULE before it includes this file; the prototypes then export its

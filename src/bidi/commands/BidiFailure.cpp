@@ -66,7 +66,7 @@ bool BidiFailure::isPrinterBusyWithPrinting(const PMPrinter& printer, const Wait
         return true;
     }
     if (!hasStateMessage(printer)) {
-        // Each check stands behind its sleep.
+        // Each check follows a sleep: stateOf has just reported that the printer is processing.
         for (int check = 0; check < idleChecks; ++check) {
             if (observer) {
                 observer({WaitFor::idlePrinter, check * idleInterval, idleChecks * idleInterval});

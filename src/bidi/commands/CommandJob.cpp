@@ -24,7 +24,8 @@ std::string& destinationPPDSlot() {
     return slot;
 }
 
-// Titles are anyone's: what could begin a line of its own does not reach the log.
+// Anyone can choose a title. Replaces control characters, so that a title cannot begin a line of its own in
+// the log.
 std::string oneLine(std::string_view text) {
     std::string line(text);
     std::replace_if(
@@ -42,8 +43,8 @@ void logElapsed(std::string_view what, std::chrono::steady_clock::time_point sta
 
 enum class JobEnd { none, completed, ended, hopeless };
 
-// The search for one job, from one look to the next. The job's number and queue are known from its sending,
-// or found by its title.
+// Watches one job over several looks at the spooler's list. Its number and queue are known from the sending,
+// or the title finds them.
 class JobWatch {
 public:
     explicit JobWatch(std::string_view jobTitle, int jobNumber = 0, std::string queueName = {})
@@ -51,7 +52,7 @@ public:
         , queue(std::move(queueName))
         , id(jobNumber) {}
 
-    // True when there is no more to wait for.
+    // True when the wait is over.
     bool Look() {
         std::vector<SpoolerJob> jobs;
         const auto start = system().Now();
@@ -107,7 +108,7 @@ private:
             return looks % queueCheckInterval == 0 && IsStopped() ? JobEnd::hopeless : JobEnd::none;
         }
     }
-    // A queue that is deleted takes its jobs along. Otherwise the spooler keeps no jobs that are over.
+    // A deleted queue loses its jobs. While the queue exists, the spooler has dropped a job that is over.
     JobEnd EndOfUnlisted() const {
         std::vector<SpoolerDestination> destinations;
         if (!spooler().GetDestinations(destinations)) {
@@ -127,11 +128,11 @@ private:
 
     std::string_view title;
     std::string queue;
-    std::string destination; // of the job that is over
-    int id;                  // 0: not known yet
+    std::string destination; // queue of the job that is over
+    int id;                  // 0 while unknown
     std::int64_t overAt = 0;
     JobEnd end = JobEnd::none;
-    int looks = 0; // at the job itself
+    int looks = 0; // how often the list held the job
     int triesLeft = tries;
 };
 
@@ -144,7 +145,7 @@ void fetchDestinationPPD(const std::string& destination) {
                     [&](const SpoolerDestination& entry) { return entry.name == destination; });
     const std::string path = exists ? spooler().FetchPPD(destination) : std::string();
     logLine("new PPD=" + (path.empty() ? "(null)" : oneLine(path)));
-    // The queue may be gone meanwhile: the description known before is the best there is.
+    // Without a new PPD (the queue may be gone), keep the path known before.
     if (!path.empty()) {
         setDestinationPPD(path);
     }

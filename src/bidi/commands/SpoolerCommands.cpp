@@ -45,7 +45,7 @@ bool isHexadecimal(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
 }
 
-// RFC 4122's text form.
+// Matches the text form of RFC 4122.
 bool isUuid(std::string_view text) {
     if (text.size() != 36) {
         return false;

@@ -6,13 +6,13 @@
 
 namespace torka {
 
-// Job option of both command jobs: the name of the ticket that they carry, the last component of its path.
-// Several jobs may be on their way at once; only this tells which text belongs to which name.
+// Job option of both command jobs: the name of their ticket, which is the last component of its path. When
+// several jobs are sent at once, this option assigns a text to its name.
 inline constexpr std::string_view ticketNameOption = "torka-ticket";
 
-// Sends a job's ticket ahead of the job: its file name by "Command_PSTempFileName", then the property list,
-// as the text that its bytes are in the non-lossy ASCII encoding, by "Command_WritePSTemp". The status of the
-// first that failed; kPMInvalidParameter without a name or list.
+// Sends a job's ticket ahead of the job: first its file name by "Command_PSTempFileName", then the property
+// list by "Command_WritePSTemp". The list's bytes travel as text in the non-lossy ASCII encoding. Returns the
+// status of the first command that failed; kPMInvalidParameter without a name or list.
 OSStatus sendTicketAhead(const PMPrinter& printer, const CFStringRef& fileName, const CFDataRef& list);
 
 } // namespace torka

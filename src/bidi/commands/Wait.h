@@ -3,24 +3,24 @@
 #include <chrono>
 #include <functional>
 
-// Waits for the spooler's side. They hold the calling thread, poll at fixed intervals, and sleep through
-// platform::System, so that a person's Cancel ends a wait: it then counts as failed.
+// Waits for the spooler's side. A wait blocks the calling thread, polls at fixed intervals, and sleeps
+// through platform::System, so that a person's Cancel ends it. A cancelled wait counts as failed.
 
 namespace torka {
 
 enum class WaitFor { commandJob, dataFile, lockFile, idlePrinter, moduleReady };
 
-// Where a wait stands, told before each sleep so that a person can see it.
+// The progress of a wait. The observer receives it before each sleep, to show it to a person.
 struct WaitProgress {
     WaitFor what = WaitFor::commandJob;
     std::chrono::milliseconds waited{0};
-    std::chrono::milliseconds limit{0}; // 0: waits without limit
+    std::chrono::milliseconds limit{0}; // 0 for a wait without limit
 };
 using WaitObserver = std::function<void(const WaitProgress&)>;
 
-// Calls `done` up to `checks` times (without limit: as often as it takes), `interval` apart, until it answers
-// true: whether it did. With `sleepAfterLast` it also sleeps after a last check in vain. False at once when a
-// sleep was cancelled; `cancelled` tells that apart.
+// poll calls `done` up to `checks` times, `interval` apart, until it returns true. withoutLimit sets no
+// maximum. With `sleepAfterLast`, poll also sleeps after the last check. Returns whether `done` returned
+// true. False at once when a sleep is cancelled; `cancelled` is then true.
 struct Polling {
     static constexpr int withoutLimit = 0;
 

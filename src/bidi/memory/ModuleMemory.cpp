@@ -41,7 +41,7 @@ wchar_t* ModuleMemory::NewText(std::wstring_view text, std::size_t leastUnits) c
     return copy;
 }
 
-// No further than the record takes a value: a module's text may lack its end.
+// Wipes no more than the record's size of a value, because a module's text may lack its terminator.
 void ModuleMemory::FreeValue(wchar_t* value) const {
     if (value) {
         platform::wipe(value, ::wcsnlen(value, exchangeValueSize) * sizeof(wchar_t));

@@ -13,7 +13,7 @@ namespace torka {
 
 namespace {
 
-// A stored definition's slot in the printer's preferences has this many bytes and a terminator.
+// In bytes. A stored definition's slot in the printer's preferences has room for these and a terminator.
 constexpr std::size_t longestDefinition = 1023;
 
 } // namespace

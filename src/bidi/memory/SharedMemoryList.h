@@ -15,21 +15,22 @@ inline constexpr std::size_t exchangeEntryLimit = 3000;
 inline constexpr std::size_t exchangeKeySize = 64;
 inline constexpr std::size_t exchangeValueSize = 700;
 
-// The exchange record: the job's settings and watermarks, and what goes with them, in places that are fixed
-// to the byte. The panel model owns it and fills it before a launch; the session of the Job Properties module
-// reads it and writes the module's answer.
+// The exchange record: the job's settings, watermarks and further values, each at a fixed byte offset. The
+// panel model owns it and fills it before a launch. The session of the Job Properties module reads it and
+// writes the module's answer.
 //
-// Every text is narrow UTF-8 and ended by a NUL where it fits; a number is its decimal text. Fields are read
-// and written with fieldText, setField and their like, which never pass a field's end.
+// Every text is UTF-8 and ends in a NUL unless it fills its field. A number is its decimal text. Read and
+// write fields with fieldText, setField and the functions below, which never pass a field's end.
 struct SharedMemoryList {
     std::array<std::array<char, exchangeKeySize>, exchangeEntryLimit> keys;
     std::array<std::array<char, exchangeValueSize>, exchangeEntryLimit> values;
-    std::array<char, 24> count; // of the entries, at most exchangeEntryLimit
+    std::array<char, 24> count; // number of entries, at most exchangeEntryLimit
     std::array<char, 8> watermarkCount;
-    // Watermark definitions one behind the other, each ended by a NUL: the combined list.
+    // The combined list: watermark definitions one behind the other, each with a NUL at its end.
     std::array<char, 5153> watermarks;
-    std::array<char, 3> watermarksPresent; // not 0 when they are to be handed to the module
-    // Of the module's window: 0 accepted, 1 cancelled, 2 the address was refused; -1 no session could begin.
+    std::array<char, 3> watermarksPresent; // not 0 when the module is to receive the watermarks
+    // Result of the module's window: 0 accepted, 1 cancelled, 2 address refused; -1 when no session could
+    // begin.
     std::array<char, 4> jpResult;
     std::array<char, 2> bidiEnabled; // "1" with two-way communication on, else "0"
     std::array<char, 512> ppdCopyPath;
@@ -60,7 +61,8 @@ static_assert(offsetof(SharedMemoryList, plugInName) == 2'297'935);
 static_assert(offsetof(SharedMemoryList, driverVersion) == 2'297'951);
 static_assert(offsetof(SharedMemoryList, osVersion) == 2'297'967);
 
-// A record on the heap, zeroed; it may hold secrets, so it is wiped at its end and left out of core files.
+// Frees a record on the heap. The record is zeroed at first. It may hold secrets, so that it is kept out of
+// core files and wiped before it is freed.
 struct SharedMemoryListFree {
     void operator()(SharedMemoryList* record) const noexcept;
 };
@@ -69,22 +71,22 @@ SharedMemoryListPtr newSharedMemoryList();
 
 // The text up to its NUL or the end of its field.
 std::string_view fieldText(std::span<const char> field);
-// Writes a text whole or cut at a character's end, its terminator always inside; the rest of the field is
-// zeroed.
+// Writes a text and its terminator, and zeroes the rest of the field. Cuts a longer text at a character's
+// end.
 void setField(std::span<char> field, std::string_view text);
 // Writes a number, as setField does.
 void setFieldNumber(std::span<char> field, long number);
-// The decimal number at the start of a text field; 0 for none, held to the range of long.
+// The decimal number at the start of a text field; 0 for none. Clamped to the range of long.
 long fieldNumber(std::span<const char> field);
 
-// How many entries the record holds, 0 to exchangeEntryLimit whatever its field says.
+// The number of entries in the record, clamped to 0 … exchangeEntryLimit.
 std::size_t entryCount(const SharedMemoryList& record);
 std::string_view entryKey(const SharedMemoryList& record, std::size_t index);
 std::string_view entryValue(const SharedMemoryList& record, std::size_t index);
 
-// Writes definitions in their order until one does not fit, with their count and watermarksPresent: how many
-// there are in the record now. One that is longer than 1,023 bytes does not fit. Who needs all of them keeps
-// the rest: what the module never saw it has not removed.
+// Writes definitions in their order until one does not fit, and sets watermarkCount and watermarksPresent. A
+// definition of more than 1,023 bytes does not fit. Returns the number written. The caller keeps the others:
+// the module never saw them and so has not removed them.
 std::size_t setWatermarkDefinitions(SharedMemoryList& record, std::span<const std::string> definitions);
 std::vector<std::string> watermarkDefinitions(const SharedMemoryList& record);
 

@@ -5,7 +5,7 @@ namespace torka {
 
 namespace {
 
-// A function goes into the table as the type of its slot only.
+// Callers name the slot's type as Proc, so that the compiler checks the function against it.
 template <typename Proc>
 void setSlot(int slot, Proc callback) {
     mFuncList[static_cast<std::size_t>(slot)].function = reinterpret_cast<void (*)()>(callback);

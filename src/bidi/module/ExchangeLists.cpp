@@ -16,10 +16,10 @@ namespace torka {
 
 namespace {
 
-// What a text of the module's comes to when it is missing.
+// The module's text; "" for null.
 const wchar_t* orEmpty(const wchar_t* text) { return text ? text : L""; }
 
-// Reads a wide text no further than the field takes it: it may lack its end.
+// Reads a wide text only as far as it fits the field, because the module's text may lack its terminator.
 void writeText(std::span<char> field, const wchar_t* text, bool lettersForMarks) {
     FieldWriter writer(field);
     for (const wchar_t* unit = orEmpty(text); *unit != L'\0' && !writer.IsFull(); ++unit) {
@@ -32,7 +32,7 @@ void writeText(std::span<char> field, const wchar_t* text, bool lettersForMarks)
     writer.Finish();
 }
 
-// A keyword with or without its asterisk.
+// Accepts the keyword with and without its asterisk.
 bool isPresetName(std::string_view key) {
     if (key.starts_with('*')) {
         key.remove_prefix(1);
@@ -58,7 +58,7 @@ bool differsFromModule(const SharedMemoryList& record, const SharedMemoryList& f
     return false;
 }
 
-// Copies the record but for places of entries that it does not have, which are never read.
+// Copies the record without the unused places for entries, which nobody reads.
 void keep(const SharedMemoryList& record) {
     if (!sharedListCopyFromJP) {
         sharedListCopyFromJP = newSharedMemoryList();
@@ -231,7 +231,7 @@ void Create_SDMWatermarkList_From_SharedMemoryList(WatermarkDefinitions& out,
 std::size_t Create_SharedMemoryWatermarkList_From_SDMList(SharedMemoryList& record,
                                                           const JPWatermarkList& list) {
     std::vector<std::string> definitions;
-    // A definition takes at least its terminator's room: more than the room need not be looked at.
+    // Each definition takes at least one byte, its terminator. More definitions than bytes cannot fit.
     const std::size_t count = list.definitions ? std::min(list.count, record.watermarks.size()) : 0;
     for (std::size_t i = 0; i < count; ++i) {
         if (list.definitions[i]) {

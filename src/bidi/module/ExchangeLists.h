@@ -11,18 +11,18 @@
 
 namespace torka {
 
-// Settings in the form in which they are handed to the module. Owns the texts, which may be secret and are
-// wiped when they are replaced and at the end; List() stays valid until the next change.
+// Settings in the module's form. Owns the texts. Texts may be secret: SetValue, Clear and the destructor wipe
+// them. List() stays valid until the next change.
 class KeyValueList {
 public:
     KeyValueList() = default;
     KeyValueList(KeyValueList&&) noexcept = default;
     KeyValueList& operator=(KeyValueList&&) noexcept = default;
 
-    // Room for this many entries and for this many characters of their keys and values.
+    // Reserves room for this number of entries and of characters in their keys and values.
     void Reserve(std::size_t entries, std::size_t characters);
     void Append(std::wstring_view key, std::wstring_view value);
-    // UTF-8; bytes that are not become U+FFFD.
+    // Takes UTF-8. Invalid bytes become U+FFFD.
     void AppendNarrow(std::string_view key, std::string_view value);
     void SetValue(std::size_t index, std::wstring_view value);
     void Clear();
@@ -42,7 +42,7 @@ private:
     SDMKeyValueList list{};
 };
 
-// Watermark definitions in the form in which they are handed to the module; owns the texts.
+// Watermark definitions in the module's form. Owns the texts.
 class WatermarkDefinitions {
 public:
     void Append(std::wstring_view definition);
@@ -55,30 +55,33 @@ private:
     JPWatermarkList list{};
 };
 
-// The settings of a list into the record: at most 3,000 entries, each key in 64 bytes and each value in 700,
-// cut at a character's end and then without terminator. A value that begins with a byte-order mark has each
-// of its marks written as "EFBBBF". An entry whose key is null counts with an empty text. "PresetName" with a
-// value sets gotServerPresetFromJP. When extraPending is not 0 it and extraCount become "0". The record is
-// copied to sharedListCopyFromJP, and gotSharedListFromJP set: this is the way of what the module returned.
+// Writes the settings that the module returned into the record.
+//
+// Takes at most 3,000 entries. A key has up to 64 bytes and a value up to 700; a longer text is cut at a
+// character's end, and a text that fills its field has no terminator. In a value that begins with a
+// byte-order mark, each mark becomes "EFBBBF". An entry with a null key counts, with an empty key. An entry
+// "PresetName" with a value sets gotServerPresetFromJP. When extraPending is not 0, it and extraCount become
+// "0". Copies the record to sharedListCopyFromJP and sets gotSharedListFromJP.
 void Create_SharedMemoryList_From_SDMList(SharedMemoryList& record, const SDMKeyValueList& list);
-// The same without the traces of a module's return: the way of the pane's own settings.
+// Writes the pane's own settings into the record. Same limits and byte-order marks; changes only the entries
+// and their count.
 void writeSettings(SharedMemoryList& record, const SDMKeyValueList& list);
 
-// The record's settings as a list of count + extraCount entries, of which those beyond `count` have empty
-// texts. A value that begins with "EFBBBF" has each of them turned into a byte-order mark. When the module
-// returned a list with a preset of the server and some value is not what it returned under the same key,
-// "PresetName" becomes empty: the settings are no longer those of the preset. Clears gotSharedListFromJP.
+// Reads the record's settings into a list of count + extraCount entries. Those beyond `count` have empty
+// texts. In a value that begins with "EFBBBF", each "EFBBBF" becomes a byte-order mark. "PresetName" becomes
+// empty when the module returned a preset of the server and a value has changed since: the settings are then
+// no longer those of the preset. Clears gotSharedListFromJP.
 void Create_SDMList_From_SharedMemoryList(KeyValueList& out, const SharedMemoryList& record);
 
-// The definitions in the record's combined list, at most `count`.
+// Reads at most `count` definitions from the record's combined list.
 void GetWatermarkList_From_CombinedList(WatermarkDefinitions& out, std::string_view combined,
                                         std::size_t count);
 void Create_SDMWatermarkList_From_SharedMemoryList(WatermarkDefinitions& out, const SharedMemoryList& record);
-// How many went into the record, see setWatermarkDefinitions. Null texts are left out.
+// Returns the number of definitions written, see setWatermarkDefinitions. Leaves out null texts.
 std::size_t Create_SharedMemoryWatermarkList_From_SDMList(SharedMemoryList& record,
                                                           const JPWatermarkList& list);
 
-// Shows a list's entries on the standard error stream.
+// Writes a list's entries to the standard error stream.
 void PrintSDMKeyValueList(const SDMKeyValueList& list);
 
 } // namespace torka

@@ -22,7 +22,8 @@ namespace torka {
 
 namespace {
 
-// Runs what answers a callback: SDM_SUCCESS when it did. Nothing is thrown into the module.
+// Runs the body of a callback: SDM_SUCCESS when it returns true. Catches exceptions, which must not reach the
+// module.
 template <typename Answer>
 SDMRESULT answer(Answer&& tryToAnswer) {
     try {
@@ -33,23 +34,24 @@ SDMRESULT answer(Answer&& tryToAnswer) {
     }
 }
 
-// Whether the blocks that a callback returns are the module's.
+// Whether callbacks allocate their results with the module's allocator.
 bool isTwoWayTable() { return mFuncList[SDM_SLOT_TWO_WAY].number != 0 && jobPropertiesFunctions(); }
 
-// Remembers the module's data server, which is ended with the session whatever its callbacks found.
+// Remembers the module's data server, because the session's end must terminate it even when every callback
+// failed.
 void rememberServer(SDMHANDLE handle) {
     if (handle && isTwoWayTable()) {
         mSDMHandle = handle;
     }
 }
 
-// What the free callback of a table frees.
+// The memory whose blocks the table's free callback frees.
 ModuleMemory resultMemory(SDMHANDLE handle) {
     rememberServer(handle);
     return isTwoWayTable() ? moduleMemory(handle) : ModuleMemory();
 }
 
-// A record of the pane's two-way data; none when it is absent.
+// Reads a record from the pane's two-way data; nullopt when it is absent.
 std::optional<std::wstring> readRecord(std::string_view name) {
     const std::shared_ptr<const std::string> data =
         jobPropertiesHost() ? jobPropertiesHost()->getBidiDataCopy() : nullptr;
@@ -62,7 +64,7 @@ std::optional<std::wstring> readRecord(std::string_view name) {
     return wideFromPayload({block.get(), size});
 }
 
-// Answers with a record's text as a converter takes it apart.
+// Answers a callback with a record's text after `convert` has parsed it.
 template <typename Out, typename Convert>
 SDMRESULT answerFromRecord(SDMHANDLE handle, Out** out, std::string_view name, const Convert& convert) {
     rememberServer(handle);
@@ -208,7 +210,7 @@ SDMRESULT sdmFuncPtrGetDriverVersion(SDMHANDLE handle, int32_t kind, wchar_t** v
     return answer([&] {
         std::string text;
         if (sharedList && kind == SDM_VERSION_DRIVER) {
-            // A format of text alone: "%%" is a percent sign, and no argument is ever read.
+            // The text is a format without conversions: "%%" means a percent sign. No argument is ever read.
             text = CUtil::__replace(fieldText(sharedList->driverVersion), "%%", "%");
         } else if (sharedList && kind == SDM_VERSION_SYSTEM) {
             text = fieldText(sharedList->osVersion);

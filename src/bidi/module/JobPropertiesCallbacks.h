@@ -2,21 +2,21 @@
 
 #include "bidi/JobPropertiesModule.h"
 
-// What a Job Properties module may ask of the pane. The callbacks answer from the two-way data that the pane
-// has read last, and from the exchange record of the launch; what they return belongs to the module.
+// The callbacks that a Job Properties module may call. They answer from the two-way data that the pane read
+// last and from the exchange record of the launch. The module owns what they return.
 
 namespace torka {
 
 // Fills mFuncList for a state of two-way communication.
 void fillCallbackTable(bool twoWay);
 
-// With two-way communication on.
+// Callbacks with two-way communication on.
 SDMRESULT sdmFuncPtrGetServerData(SDMHANDLE handle, wchar_t** xml);
 SDMRESULT sdmGetPPDDefaults(SDMHANDLE handle, SDMKeyValueList** list);
 SDMRESULT sdmGetPreviewPagesCount(SDMHANDLE handle, int32_t* count);
 SDMRESULT sdmFuncPtrFree(void** pointer);
 SDMRESULT sdmFuncPtrGetTrayInfo(SDMHANDLE handle, SDMTrayInfoArray** trays);
-// Sets do_not_poll_for_Toner_Info_File when the record is there and empty.
+// Sets do_not_poll_for_Toner_Info_File when the record exists and is empty.
 SDMRESULT sdmFuncPtrGetTonerInfo(SDMHANDLE handle, SDMTonerInfoArray** toners);
 SDMRESULT sdmFuncPtrUpdateQuillformMasters(SDMHANDLE handle, wchar_t** text);
 SDMRESULT sdmUpdateHueKeeperOptions(SDMHANDLE handle, SDMKeyValueList** list);
@@ -31,16 +31,17 @@ SDMRESULT sdmFuncPtrGetServerPresetDataByName(SDMHANDLE handle, const wchar_t* n
 SDMRESULT sdmFuncPtrGetLoclHelpStrings(SDMHANDLE handle, SDMKeyValueList** list);
 SDMRESULT sdmFuncPtrGetAllDeviceLinkProfiles(SDMHANDLE handle, SDMKeyValueList** list);
 
-// In both states.
+// Callbacks in both states.
 SDMRESULT sdmFuncPtrGetDriverVersion(SDMHANDLE handle, int32_t kind, wchar_t** version);
 SDMRESULT sdmFuncPtrGetServerInfoAll(SDMHANDLE handle, SDMKeyValueList** list);
 SDMRESULT sdmFuncPtrGetServerFeaturesAll(SDMHANDLE handle, SDMKeyValueList** list);
-// SDM_SUCCESS when the queue's properties are there; the locked keys are null when their record is not.
+// SDM_SUCCESS when the record of the queue's properties exists. The locked keys are null without their
+// record.
 SDMRESULT sdmFuncPtrGetHoldQueueAttributes(SDMHANDLE handle, SDMKeyValueList** properties,
                                            SDMKeyValueList** lockedKeys);
 SDMRESULT sdmFuncPtrGetColorKeysFactoryDefaultValues(SDMHANDLE handle, SDMKeyValueList** list);
 
-// With it off.
+// Callbacks with two-way communication off.
 SDMRESULT sdmFuncPtrGetServerDataNonBidi(SDMHANDLE handle, wchar_t** xml);
 SDMRESULT sdmFuncPtrFreeNonBidi(void** pointer);
 SDMRESULT pUpdateOutsidePPDOptions(SDMHANDLE handle, SDMKeyValueList** list);
@@ -56,13 +57,13 @@ SDMRESULT pGetCalibration(SDMHANDLE handle, wchar_t** calibrations, wchar_t** cu
 SDMRESULT pGetCalibrationEx(SDMHANDLE handle, wchar_t** calibrations, wchar_t** current);
 SDMRESULT pGetNonTorkaCalibrationInfo(SDMHANDLE handle, wchar_t** info);
 
-// Not in the table.
+// Functions that are not in the table.
 SDMRESULT sdmFuncPtrGetServerInfo(SDMHANDLE handle, int32_t item, wchar_t** value);
 SDMRESULT sdmFuncPtrIsServerFeatureSupported(SDMHANDLE handle, const wchar_t* name, int32_t* supported);
 SDMRESULT sdmFuncPtrGetServerFeatureValue(SDMHANDLE handle, const wchar_t* name, wchar_t** value);
-// The presets that the queue's description keeps for this computer. `flag` is not read.
+// Returns the presets that the queue's description keeps for this computer. Ignores `flag`.
 SDMRESULT sdmFuncPtrGetLocalPresetsData(SDMHANDLE handle, wchar_t** presets, int32_t flag);
-// Sends the first of `count` texts to the queue, to be kept there, and waits until it is.
+// Sends the first of `count` texts to the queue and waits until the queue has stored it.
 SDMRESULT sdmFuncPtrSetLocalPresetsData(SDMHANDLE handle, const wchar_t* const* data, int32_t count);
 
 } // namespace torka

@@ -8,8 +8,8 @@
 
 namespace torka {
 
-// What the Job Properties module's session and callbacks ask of the pane. The pane implements it; the session
-// looks at it and owns nothing of it.
+// The interface through which the module's session and callbacks ask the pane. The pane implements it. The
+// session refers to it and owns nothing.
 class JobPropertiesHost {
 public:
     JobPropertiesHost() = default;
@@ -17,20 +17,21 @@ public:
     JobPropertiesHost& operator=(const JobPropertiesHost&) = delete;
     virtual ~JobPropertiesHost() = default;
 
-    // The text of the queue's two-way data file as it was read last (BidiDataFile); null or empty for none.
+    // The last text read from the queue's two-way data file (BidiDataFile); null or empty for none.
     virtual std::shared_ptr<const std::string> getBidiDataCopy() const = 0;
-    // Null without one.
+    // Null without a printer.
     virtual PMPrinter CurrentPrinter() const = 0;
     // The administrator's template, UTF-8; "" without one.
     virtual std::string TemplateText() const = 0;
-    // The window's title: "Printing Preferences" of the table "BidiStrings" of the pane's bundle, UTF-8.
+    // The window's title in UTF-8: the key "Printing Preferences" of the bundle's table "BidiStrings".
     virtual std::string WindowTitle() const = 0;
-    // Called about ten times a second while the module or the spooler is waited for, so that a person sees it
-    // and can stop it: platform::System's sleeps then end with false.
+    // Called about ten times a second during a wait for the module or the spooler. It shows the wait and lets
+    // a person stop it: platform::System's sleeps then return false.
     virtual WaitObserver Observer() { return {}; }
 };
 
-// The host of the panel on show. Written by the panel, at its start and with null at its end; null: no pane.
+// The host of the panel shown at present; null without a pane. The panel sets it at its start and sets null
+// at its end.
 JobPropertiesHost* jobPropertiesHost();
 void setJobPropertiesHost(JobPropertiesHost* host);
 

@@ -52,7 +52,7 @@ std::string lookUpAll(const LoadedLibrary& library, JobPropertiesFunctions& func
 } // namespace
 
 std::filesystem::path moduleBesideBundle(const std::filesystem::path& bundle) {
-    // A folder's path may end in "/": its file name is empty then.
+    // A path that ends in "/" has an empty file name.
     const std::filesystem::path folder = bundle.has_filename() ? bundle : bundle.parent_path();
     return folder.parent_path() / moduleFileName;
 }

@@ -9,11 +9,11 @@
 
 namespace torka {
 
-// File name of the Job Properties module, which lies in the folder that holds the bundle.
+// File name of the Job Properties module. The module lies in the folder that holds the bundle.
 inline constexpr std::string_view moduleFileName = "libzanjp2.so";
 std::filesystem::path moduleBesideBundle(const std::filesystem::path& bundle);
 
-// The entry points of a module that is loaded; none is null.
+// The entry points of a loaded module. None is null.
 struct JobPropertiesFunctions {
     JP1_1BeginSessionProc BeginSession;
     JP1_1IsServerReadyProc IsServerReady;
@@ -34,20 +34,20 @@ struct JobPropertiesFunctions {
 
 enum class ModuleStatus {
     loaded,
-    notInstalled, // there is no such file
-    doesNotLoad,  // no library, or one that lacks an entry point
+    notInstalled, // the file does not exist
+    doesNotLoad,  // the file is no library, or the library lacks an entry point
 };
 struct ModuleAvailability {
     ModuleStatus status = ModuleStatus::notInstalled;
-    std::string reason; // one line, of one that does not load
+    std::string reason; // one line, for doesNotLoad
 };
 
-// Loads the module's library in place of another one, unless this one is loaded already. To be asked before a
+// Loads the module's library unless it is loaded already. It replaces any other library. Call it before a
 // launch: without a module no launch starts. REQUIRES: no session is under way.
 ModuleAvailability loadJobPropertiesLibrary(const std::filesystem::path& path);
-// Forgets the library. REQUIRES: no session is under way.
+// Releases the library. REQUIRES: no session is under way.
 void unloadJobPropertiesLibrary();
-// Null when none is loaded.
+// Null without a loaded module.
 const JobPropertiesFunctions* jobPropertiesFunctions();
 // The loaded module's allocator. REQUIRES: a module is loaded.
 ModuleMemory moduleMemory(SDMHANDLE handle);

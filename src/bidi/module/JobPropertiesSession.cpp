@@ -19,7 +19,7 @@ namespace {
 
 constexpr int windowAccepted = 0;
 constexpr int windowCancelled = 1;
-constexpr int addressRefused = 2; // and whatever else a module answers
+constexpr int addressRefused = 2; // also stands for any other result of a module
 
 using namespace std::chrono_literals;
 
@@ -51,7 +51,8 @@ void handOver(SetList set, const SDMKeyValueList* list) {
     }
 }
 
-// What an administrator's template sets, locks and hides, behind the settings of the record.
+// Passes the settings that an administrator's template sets, locks and hides. They follow the record's
+// settings and override them.
 void handOverTemplate(const JobPropertiesFunctions& module) {
     const std::string text = jobPropertiesHost() ? jobPropertiesHost()->TemplateText() : std::string();
     if (text.empty()) {
@@ -107,7 +108,7 @@ void takeBack(const JobPropertiesFunctions& module, SharedMemoryList& record) {
     }
 }
 
-// Keeps mInsideOpenUI set as long as a session is being run.
+// Sets mInsideOpenUI for the duration of a session.
 class InsideOpenUI {
 public:
     InsideOpenUI() { mInsideOpenUI = true; }
@@ -120,7 +121,7 @@ public:
 
 int mainJP() {
     if (mInsideOpenUI) {
-        return 1; // its window is open, and this call comes out of it
+        return 1; // the window is open, and its event loop makes this call
     }
     mSpecialReload = false;
     gotSharedListFromJP = false;

@@ -13,43 +13,43 @@
 
 namespace torka {
 
-// The server language code, such as "en" or "zh_CN". Written by getCurrentLocaleCode; emptied by the panel
-// model before it asks for it.
+// The server language code, such as "en" or "zh_CN". Written by getCurrentLocaleCode. The panel model empties
+// it before that call.
 extern std::string gServerLanguage;
 
-// The exchange record of the launch under way, owned by the panel model, which writes the pointer before it
-// calls mainJP; null for none.
+// The exchange record of the launch under way; null for none. The panel model owns the record and writes the
+// pointer before it calls mainJP.
 extern SharedMemoryList* sharedList;
 
-// A list came from the module, and is kept in sharedListCopyFromJP. Written by the list conversions.
+// True when sharedListCopyFromJP holds a list from the module. Written by the list conversions.
 extern bool gotSharedListFromJP;
-// That list carried a preset of the server. Written by the list conversions.
+// True when that list carried a preset of the server. Written by the list conversions.
 extern bool gotServerPresetFromJP;
-// The whole record as the module's settings were written into it; null before the first time.
+// A copy of the whole record after the module's settings were written into it; null before the first time.
 extern SharedMemoryListPtr sharedListCopyFromJP;
 
-// The callback table, which LoadJPModule fills.
+// The callback table. Filled by LoadJPModule.
 extern std::array<SDMCallbackSlot, SDM_CALLBACK_SLOTS> mFuncList;
 // Set by LoadJPModule, cleared by UnloadJPModule.
 extern bool mJPLoaded;
 // The module's session: begun by OpenUI, ended by UnloadJPModule.
 extern JPHANDLE mJPHandle;
 extern bool sessionBegan;
-// The module's data server as its callbacks named it; null when none did. Cleared by LoadJPModule and
-// UnloadJPModule.
+// The module's data server, from the arguments of its callbacks; null when none named it. Cleared by
+// LoadJPModule and UnloadJPModule.
 extern SDMHANDLE mSDMHandle;
-// A session's window is being opened or is open. Written by OpenUI.
+// True while a session's window is being opened or is open. Written by OpenUI.
 extern bool mInsideOpenUI;
-// Cleared at a launch.
+// Cleared at each launch.
 extern bool mSpecialReload;
-// Of the interface that a launch speaks; 2 from the first launch on.
+// The sub-version of the interface that a launch uses; 2 from the first launch on.
 extern int moduleSubVersion;
-// 4096 or, where the system measures in metric, 8192. Written by OpenUI; no call of the interface takes it.
+// 8192 on a system with metric units, else 4096. Written by OpenUI. No call of the interface takes it.
 extern std::uint32_t paperUnit;
 // The record's printer address and two-way state at the last launch. Written by mainJP.
 extern std::string mPrevIPAddress;
 extern bool mPrevBidiEnabledState;
-// Written when the server answers a request of its toner with nothing; whoever polls for toner stops then.
+// Set when the server answers a request for its toner with an empty record; polling for toner then stops.
 extern bool do_not_poll_for_Toner_Info_File;
 
 } // namespace torka

@@ -12,8 +12,8 @@ namespace {
 
 using LanguageAndCode = std::pair<std::string_view, std::string_view>;
 
-// Looked through in this order. Walloon reads French and Catalan Spanish. Only Chinese has a second part, so
-// "PT-BR" is Portuguese like any other.
+// Searched in this order. Walloon maps to French and Catalan to Spanish. Only Chinese keeps the second part
+// of its tag, so that "PT-BR" matches the entry "PT".
 constexpr std::array<LanguageAndCode, 24> languageCodes = {{
     {"EN", "en"}, {"KO", "ko_KR"},      {"JA", "ja"},         {"FR", "fr"}, {"DE", "de"}, {"SV", "sv"},
     {"NL", "nl"}, {"ZH-HANS", "zh_CN"}, {"ZH-HANT", "zh_TW"}, {"TR", "tr"}, {"ES", "es"}, {"FI", "fi"},
@@ -31,7 +31,7 @@ std::string upperCase(std::string_view text) {
     return upper;
 }
 
-// The first part behind the language that has this many letters: four are a script, two a country.
+// The first part behind the language with this number of letters: four for a script, two for a country.
 std::string_view partOfLength(std::string_view tag, std::size_t length) {
     for (std::size_t at = tag.find_first_of("-_"); at != std::string_view::npos;) {
         const std::size_t end = std::min(tag.find_first_of("-_", at + 1), tag.size());

@@ -19,7 +19,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds pollInterval{50};
 constexpr int dataFileChecks = 500;
 constexpr int lockChecks = 61;
-constexpr int readChecks = 41; // one and 40 more
+constexpr int readChecks = 41; // the first read and 40 repetitions
 constexpr int accessChecks = 101;
 constexpr milliseconds creationInterval{300};
 constexpr milliseconds creationLimit{35'000};
@@ -64,7 +64,7 @@ bool BidiDataFile::readBidiData() {
     if (!poll({WaitFor::dataFile, dataFileChecks, pollInterval, true}, open, observer) || cancelled) {
         return false;
     }
-    // What could be opened and not be read gets some more time.
+    // Read again for some time when the file opened but could not be read.
     bool first = true;
     const auto readable = [&] {
         if (!first) {
@@ -100,7 +100,7 @@ bool BidiDataFile::WaitForFileToBeCreated(std::string_view requestIdentifier, st
     bool opened = false;
     while (!connectionFailed() && !opened) {
         opened = canBeOpened(place);
-        // A wait without limit sleeps too, so that it holds the person and not the machine.
+        // A wait without limit sleeps too, to leave the processor idle.
         const bool unlimited = timeoutOverridden();
         if (observer) {
             observer({WaitFor::dataFile, waited, unlimited ? milliseconds(0) : creationLimit});
@@ -134,7 +134,7 @@ std::optional<std::string> narrowRecord(const std::string& data, std::string_vie
     return block ? std::optional(std::string(block.get(), size)) : std::nullopt;
 }
 
-// What the data file says of the request that it answers, held against a request.
+// Compares the request that a data file answers with another request.
 class AnsweredRequest {
 public:
     AnsweredRequest(const std::string& data, const UpdateRequest& asked)
@@ -145,11 +145,11 @@ public:
                 (!answered || isSameAddress(answered->printerAddress, asked.printerAddress)))
         , time(narrowRecord(data, answerTimeRecord).value_or("")) {}
 
-    // A data file that names no request is taken: the command job's completion stands for it.
+    // A data file that names no request serves: the command job has completed, so the file is its answer.
     bool Serves(std::int64_t commandOverAt) const {
         return !identifier || isOwn || (isSame && WrittenAt() >= commandOverAt);
     }
-    // The file that bears the request's identifier in its name has to say whose it is.
+    // A file with the request's identifier in its name must also hold that identifier.
     bool IsOwn() const { return isOwn; }
 
 private:

@@ -9,38 +9,38 @@
 
 namespace torka {
 
-// One two-way data file: a buffer of text to be written to it, and the records in it.
+// One two-way data file: a buffer for text to write, and functions that read and write its records.
 //
-// Owns the open file. Paths are taken as they are, below no system root.
+// Owns the open file. Uses paths as given, without the system root.
 class CFileHdlr {
 public:
-    // Opens the file for writing when the path is not empty. What it held is gone then.
+    // Opens the file for writing when the path is not empty, and empties it.
     explicit CFileHdlr(std::string filePath);
-    // For reading: opens nothing.
+    // For reading. Opens nothing.
     CFileHdlr(std::string filePath, std::string_view mode);
     CFileHdlr(const CFileHdlr&) = delete;
     CFileHdlr& operator=(const CFileHdlr&) = delete;
     ~CFileHdlr();
 
-    // These tell how many characters they added to the buffer.
+    // Append to the buffer and return the number of characters added.
     int AddString(std::string_view text);
     int AddInt(int value);
     int AddFloat(float value);
-    // Writes the buffer and empties it: how many bytes reached the file; -1 without a file or with nothing to
-    // write.
+    // Writes the buffer and empties it. Returns the number of bytes written; -1 without a file or with an
+    // empty buffer.
     int Commit();
-    // Empties the buffer: how many characters it held, -1 for none.
+    // Empties the buffer. Returns the number of characters it held; -1 for none.
     int Discard();
 
-    // Read a record. The block has a NUL behind the payload, whose size is in `size`, when that is given.
-    // None, and size 0, when the name or the source is missing, the file cannot be opened, no line holds the
-    // record's first chunk, or memory runs out. A record that is broken ends where it is broken.
+    // Read a record. The block has a NUL behind the payload. `size`, unless null, receives the payload's
+    // size. Null and size 0 when the name or the source is empty, the file cannot be opened, no line holds
+    // the record's first chunk, or memory runs out. A broken record ends at its first fault.
     //
-    // A chunk stands in the first line that holds its name, looked for behind the line of the chunk before.
+    // The line of a chunk is the first line that holds the chunk's name, behind the line of the chunk before.
     static RecordBlock fileReadData(const std::string& path, std::string_view recordName, std::size_t* size);
     static RecordBlock stringReadData(std::string_view text, std::string_view recordName, std::size_t* size);
-    // Appends a record's lines to `out`, and shows them on the standard error stream in blocks of less than
-    // 1,024 bytes. False, with nothing done, when the record is refused (see encodeRecord).
+    // Appends a record's lines to `out`, and writes them to the standard error stream in blocks of less than
+    // 1,024 bytes. False, without effect, when encodeRecord refuses the record.
     static bool fileWriteData(std::string_view recordName, const void* data, std::size_t size,
                               std::string& out);
 
@@ -54,7 +54,7 @@ private:
     std::string buffer;
 };
 
-// A data file longer than this is not read.
+// In bytes. Readers refuse a longer data file.
 inline constexpr std::size_t maximumDataFile = 256U * 1024 * 1024;
 
 } // namespace torka

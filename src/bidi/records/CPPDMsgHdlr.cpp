@@ -13,15 +13,15 @@
 #include <sys/stat.h>
 #include <unordered_set>
 
-// The library marks its PPD calls as deprecated; there are no others for a PPD's attributes.
+// libcups marks its PPD functions as deprecated and offers no others for a PPD's attributes.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka {
 
 namespace {
 
-// The print server renames a PPD to "….ppd.O" before it writes the new one under the old name: for a moment
-// there is none, or half of one.
+// The print server renames a PPD to "….ppd.O" before it writes the new one under the old name. For a moment
+// the PPD is absent or incomplete.
 constexpr int settlingLooks = 40;
 constexpr std::chrono::milliseconds settlingInterval{50};
 constexpr std::chrono::milliseconds settledAge{100};
@@ -75,7 +75,7 @@ RecordBlock ppdxReadData(ppd_file_t* ppd, std::string_view recordName, std::size
         ppd && chunk.IsUsable() ? ppdFindAttr(ppd, chunk.Text().c_str(), nullptr) : nullptr;
     if (attribute) {
         RecordReader reader;
-        // The decoder passes over whatever is not Base64, quotes included.
+        // The decoder skips characters that are not Base64, quotes included.
         for (std::size_t number = 1; attribute && attribute->value && reader.Add(attribute->value);
              ++number) {
             attribute = chunk.SetNumber(number) ? ppdFindAttr(ppd, chunk.Text().c_str(), nullptr) : nullptr;

@@ -15,7 +15,7 @@ ChunkName::ChunkName(std::string_view recordName)
     }
 }
 
-// Four lower-case hexadecimal digits, more where the number needs them.
+// Writes at least four lower-case hexadecimal digits.
 bool ChunkName::SetNumber(std::size_t number) {
     std::size_t digits = 4;
     while (digits < 2 * sizeof number && number >> (4 * digits) != 0) {

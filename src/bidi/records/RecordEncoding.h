@@ -6,36 +6,36 @@
 #include <string>
 #include <string_view>
 
-// What the two carriers of two-way records share: limits, chunk names, payloads.
+// Limits, chunk names and payloads of two-way records, for both carriers: data file and PPD.
 //
-// A record is a named payload, compressed as one zlib stream and cut into pieces of at most 158 bytes. Each
-// piece travels as Base64 under a chunk name, the record name followed by the piece's number in hexadecimal;
-// a chunk without text is the end mark.
+// A record is a named payload. It is compressed as one zlib stream and cut into pieces of at most 158 bytes.
+// A chunk is a piece in Base64 under a chunk name: the record name followed by the piece's number in
+// hexadecimal. A chunk without text is the end mark.
 
 namespace torka {
 
-inline constexpr std::size_t maximumRecordSize = 0x1000000; // payload bytes that a writer takes
-inline constexpr std::size_t maximumPayloadRead = 0xFFFFFF; // payload bytes that a reader gives
+inline constexpr std::size_t maximumRecordSize = 0x1000000; // payload bytes that a writer accepts
+inline constexpr std::size_t maximumPayloadRead = 0xFFFFFF; // payload bytes that a reader returns
 inline constexpr std::size_t maximumRecordName = 36;        // bytes
-inline constexpr std::size_t maximumChunkName = 40;         // bytes, also the PPD format's for a main keyword
+inline constexpr std::size_t maximumChunkName = 40;         // bytes; PPD 4.3 limits main keywords to 40
 inline constexpr std::size_t chunkBytes = 158;              // compressed bytes in a chunk
-inline constexpr std::size_t chunkTextBuffer = 256;         // a chunk's text while it is read, with its NUL
+inline constexpr std::size_t chunkTextBuffer = 256;         // bytes for a chunk's text and its NUL
 
 struct FreeBlock {
     void operator()(char* block) const { std::free(block); }
 };
-// A payload as it was read, with a NUL behind it. release() leaves a block that free() takes.
+// A payload with a NUL behind it. free() frees the block that release() returns.
 using RecordBlock = std::unique_ptr<char[], FreeBlock>;
 
-// The name of a record's chunks, one number after another.
+// The name of a record's chunk; SetNumber selects the chunk.
 class ChunkName {
 public:
-    // Stands at number 0.
+    // Begins at number 0.
     explicit ChunkName(std::string_view recordName);
 
-    // False for a record name that is empty, longer than 36 bytes, or broken by a line end: no record has it.
+    // False for a record name that no record can have: empty, longer than 36 bytes, or with a line end.
     bool IsUsable() const { return usable; }
-    // False when the number makes the name longer than 40 bytes: there is no such chunk.
+    // False when the number makes the name longer than 40 bytes; no such chunk can exist.
     bool SetNumber(std::size_t number);
     const std::string& Text() const { return text; }
 
@@ -45,8 +45,8 @@ private:
     std::string text;
 };
 
-// Wide payloads are the 32-bit units of wchar_t in this machine's order; bytes behind the last whole unit are
-// dropped.
+// Wide payloads consist of 32-bit wchar_t units in the byte order of this machine. wideFromPayload drops
+// bytes behind the last whole unit.
 std::wstring wideFromPayload(std::string_view payload);
 std::string_view payloadFromWide(std::wstring_view text);
 

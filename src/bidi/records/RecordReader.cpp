@@ -15,7 +15,7 @@ constexpr std::size_t chunksAtOnce = 64;
 } // namespace
 
 RecordReader::RecordReader()
-    // The decoder puts a NUL behind what it wrote.
+    // The decoder writes a NUL behind its output.
     : compressed(chunksAtOnce * chunkBytes + 1) {
     open = inflateInit_(&stream, "1.2.5", static_cast<int>(sizeof stream)) == Z_OK;
     noMemory = !open || !Grow();
@@ -23,7 +23,7 @@ RecordReader::RecordReader()
 
 RecordReader::~RecordReader() { inflateEnd(&stream); }
 
-// Doubled each time, up to the limit. False at the limit, or when memory runs out.
+// Doubles the capacity up to the limit. False at the limit, or when memory runs out.
 bool RecordReader::Grow() {
     const std::size_t larger = std::min(std::max(firstCapacity, capacity * 2), maximumPayloadRead);
     if (larger == capacity) {
@@ -34,7 +34,7 @@ bool RecordReader::Grow() {
         noMemory = true;
         return false;
     }
-    static_cast<void>(block.release()); // realloc has freed or kept it
+    static_cast<void>(block.release()); // realloc owns the old block now
     block.reset(moved);
     capacity = larger;
     return true;
@@ -58,7 +58,7 @@ bool RecordReader::Inflate() {
     stream.next_in = compressed.data();
     stream.avail_in = static_cast<uInt>(compressedLength);
     compressedLength = 0;
-    // A full block may leave output waiting in the stream although all input is taken.
+    // When the block is full, the stream may hold pending output although it has read all input.
     while (open && (stream.avail_in != 0 || length == capacity)) {
         if (length == capacity && !Grow()) {
             open = false;
@@ -69,14 +69,14 @@ bool RecordReader::Inflate() {
         const int result = inflate(&stream, Z_NO_FLUSH);
         length = capacity - stream.avail_out;
         if (result == Z_BUF_ERROR && stream.avail_in == 0) {
-            break; // nothing was waiting
+            break; // the stream held no pending output
         }
         if (result < 0) {
             const char* message = stream.msg ? stream.msg : zError(result);
             standardStreams().Error("ERROR: inflate returned " + std::to_string(result) + " (" + message +
                                     ")\n");
         }
-        // A stream that wants a dictionary gets none: it can go no further.
+        // A stream that requires a preset dictionary ends here, because there is none.
         open = result == Z_OK;
     }
     return open;

@@ -9,8 +9,8 @@ namespace torka {
 
 // Rebuilds one record's payload from its chunks' texts, given in order.
 //
-// Owns the block that it fills; Finish hands it over. Chunks are inflated some at a time, which gives what
-// inflating each at once would give. What an evil stream can make of itself ends at maximumPayloadRead bytes.
+// Owns the block until Finish returns it. Inflates several chunks at a time; the result is the same as with
+// each chunk on its own. maximumPayloadRead limits the output of a hostile stream.
 class RecordReader {
 public:
     RecordReader();
@@ -18,10 +18,10 @@ public:
     RecordReader& operator=(const RecordReader&) = delete;
     ~RecordReader();
 
-    // Takes a chunk's Base64 text; only its first 158 decoded bytes count. False when the record ends: an
-    // empty chunk, an end of the stream, an error in it, a full block.
+    // Adds a chunk's Base64 text; only its first 158 decoded bytes count. False when the record ends: at an
+    // empty chunk, the end of the stream, an error in the stream, or a full block.
     bool Add(const char* text);
-    // The payload so far, its size in `size`. Null when memory ran out. Nothing may be added afterwards.
+    // Returns the payload so far, and its size in `size`. Null when memory ran out. Add must not follow.
     RecordBlock Finish(std::size_t& size);
 
 private:
@@ -30,11 +30,11 @@ private:
 
     z_stream stream{};
     bool open = false;     // the stream can take more
-    bool noMemory = false; // ends in nothing
+    bool noMemory = false; // Finish then returns null
     std::vector<Bytef> compressed;
     std::size_t compressedLength = 0;
     RecordBlock block;
-    std::size_t capacity = 0; // of `block`, less its NUL
+    std::size_t capacity = 0; // of `block`, without its NUL
     std::size_t length = 0;
 };
 

@@ -9,10 +9,10 @@
 
 namespace torka {
 
-// The content of a two-way data file, for whoever reads many records of it: one pass finds where records may
-// begin, and each record is then read where it stands, with the result of CFileHdlr::stringReadData.
+// Reads many records from the content of one two-way data file. One pass finds the places where records may
+// begin; each record is then read at its place. The results equal those of CFileHdlr::stringReadData.
 //
-// Looks at the text, which must outlive it and not change.
+// Refers to the text, which must outlive it and must not change.
 class RecordText {
 public:
     explicit RecordText(std::string_view content);
@@ -26,14 +26,14 @@ public:
 
 private:
     std::string_view text;
-    // Where "0000" stands, for Read. Not complete in a text made to hold too many: `indexed` is false then.
+    // The positions of "0000". Incomplete in a text with too many of them; `indexed` is false then.
     std::vector<std::size_t> zeros;
     bool indexed = true;
 };
 
-// Reads the record whose first chunk name stands first at `position` in the text; none at npos.
+// Reads the record whose first chunk name stands at `position` in the text. Null at npos.
 RecordBlock readRecordAt(std::string_view text, std::size_t position, ChunkName chunk, std::size_t& size);
-// Where a text is found at or after `position`, npos if it is not. In one pass, whatever the texts are.
+// The position of `wanted` at or after `position`; npos for none. Takes linear time for any texts.
 std::size_t findFrom(std::string_view text, std::string_view wanted, std::size_t position);
 
 } // namespace torka

@@ -15,12 +15,12 @@ namespace {
 constexpr std::size_t blockLimit = 1022;
 constexpr std::size_t outputPiece = 1024 * chunkBytes;
 
-// The payload as one zlib stream. An error is told, and what there is so far stands.
+// Compresses the payload into one zlib stream. After an error, which it reports, returns the output so far.
 std::string compressed(const void* data, std::size_t size) {
     std::string output;
     z_stream stream{};
     int result = deflateInit_(&stream, 9, "1.2.5", static_cast<int>(sizeof stream));
-    // zlib's declaration lacks the const that it keeps.
+    // zlib declares next_in without const but does not write to it.
     stream.next_in = const_cast<Bytef*>(static_cast<const Bytef*>(data));
     stream.avail_in = static_cast<uInt>(size);
     while (result == Z_OK) {
@@ -55,7 +55,7 @@ bool encodeRecord(std::string_view recordName, const void* data, std::size_t siz
     if (!isWritableRecordName(recordName) || size > maximumRecordSize || (!data && size != 0)) {
         return false;
     }
-    // Nothing is compressed to nothing, so that its record is the end mark alone.
+    // An empty payload gives an empty stream, so that its record consists of the end mark only.
     const std::string stream = size == 0 ? std::string() : compressed(data, size);
     const std::size_t chunks = (stream.size() + chunkBytes - 1) / chunkBytes;
     ChunkName name(recordName);

@@ -5,15 +5,16 @@
 #include <string>
 #include <string_view>
 
-// Preset data that pass through narrow text must not begin with a byte-order mark, or its reader drops it:
-// the mark travels as six letters.
+// A reader of narrow text drops a byte-order mark at its beginning. Preset data therefore carry each mark as
+// the six letters "EFBBBF".
 
 namespace torka {
 
 // In a text that begins with the mark every mark becomes letters; other texts stay as they are.
 std::string withMarkLetters(std::string_view narrow);
 std::wstring withMarkLetters(std::wstring_view wide);
-// In a text that begins with the letters they become marks again, every time.
+// Replaces the letters by marks everywhere when the text begins with the letters; returns any other text
+// unchanged.
 std::string withMarks(std::string_view narrow);
 std::wstring withMarks(std::wstring_view wide);
 

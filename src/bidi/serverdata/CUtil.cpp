@@ -27,7 +27,7 @@ Text replaceAll(View text, View from, View to) {
     }
 }
 
-// One section of a template, and how its diagnostics call it ("Control", "Locked", "Hidden").
+// One section of a template, and its names in diagnostics ("Control", "Locked", "Hidden").
 struct TemplateSection {
     std::wstring_view openTag;
     std::wstring_view closeTag;

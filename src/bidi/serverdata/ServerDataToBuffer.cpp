@@ -15,7 +15,7 @@ namespace {
 
 std::wstring_view textOf(const wchar_t* text) { return text ? std::wstring_view(text) : std::wstring_view(); }
 
-// The text with blanks for what ends a line or, when there is one, a field.
+// Appends the text with blanks in place of line ends and separators.
 void addField(CBuffer& buffer, std::wstring_view text, wchar_t separator = L'\n') {
     std::wstring carried(text);
     for (wchar_t& unit : carried) {
@@ -48,7 +48,7 @@ void addTrayText(CBuffer& buffer, const wchar_t* text) {
 
 void addCount(CBuffer& buffer, std::size_t count) { buffer.AddString(std::to_wstring(count) + L"\n"); }
 
-// The pairs of a list that a key/value line can carry.
+// The list's pairs whose keys a key/value line can carry.
 std::vector<KeyValueView> pairsOf(const SDMKeyValueList* list) {
     std::vector<KeyValueView> pairs;
     for (std::size_t i = 0; list && list->items && i < list->count; ++i) {

@@ -6,34 +6,34 @@
 #include <string>
 #include <string_view>
 
-// Record texts of server data, as the spooler's side writes them; docs/two-way-records.md has the formats.
-// Each is what the converter of the same name in ServerDataToSDM reads.
+// Writes record texts of server data, on the spooler's side. docs/two-way-records.md describes the formats.
+// The converter of the same name in ServerDataToSDM reads each text.
 //
-// What a format cannot carry: a line end, and "@" within a toner or tray entry, become a blank; units that
-// are no characters become U+FFFD; a setting without a name, or with "=" in it, is left out. A null structure
-// is an empty one.
+// Limits of the formats: a line end, and "@" in a toner or tray entry, become a blank. Units that are no
+// characters become U+FFFD. A setting with an empty name, or with "=" in its name, is left out. A null
+// structure counts as an empty one.
 
 namespace torka {
 
 std::wstring TonerInfoToBuffer(const SDMTonerInfoArray* toners);
 std::wstring TrayInfoToBuffer(const SDMTrayInfoArray* trays);
 std::wstring AllDeviceLinkProfilesToBuffer(const SDMKeyValueList* profiles);
-// An empty value is written as "EMPTYSTRING". For the defaults of a queue as well.
+// Writes an empty value as "EMPTYSTRING". Also serves for the defaults of a queue.
 std::wstring PPDDefaultsToBuffer(const SDMKeyValueList* defaults);
-// A setting and its help text, "key=value", each. A text without "=" has its position for a key.
+// Each text is "key=value": a setting and its help text. A text without "=" gets its position as the key.
 std::wstring LoclHelpStringsToBuffer(std::span<const wchar_t* const> texts);
 std::wstring ServerPresetNamesListToBuffer(std::span<const wchar_t* const> names);
-// One preset; several texts may follow one another in one record.
+// Writes one preset. One record may hold several such texts, one behind the other.
 std::wstring ServerPresetDataByNameToBuffer(std::wstring_view name, const SDMKeyValueList* jobList,
                                             const SDMKeyValueList* tesselList,
                                             const SDMKeyValueList* presetList);
 std::wstring CalibrationToBuffer(std::wstring_view calibrations, std::wstring_view current);
 std::wstring PreviewPagesCountToBuffer(long count);
-// Texts that are records as they stand: lines of "value:key", of "key=value", names.
+// These texts are records already: lines of "value:key", lines of "key=value", names.
 std::wstring ServerValueFromDictToBuffer(std::wstring_view values);
 std::wstring UpdateHueKeeperOptionsToBuffer(std::wstring_view options);
 std::wstring QuillformMastersToBuffer(std::wstring_view masters);
-// The XML "SMDData" of a server: `installedOptions` is a key/value set, the others are narrow UTF-8.
+// The XML text "SMDData" of a server. `installedOptions` is a key/value set; the other arguments are UTF-8.
 std::wstring ServerDataToBuffer(std::wstring_view installedOptions, std::string_view language,
                                 std::string_view ppdPath, std::string_view server);
 

@@ -15,7 +15,7 @@ namespace torka {
 
 namespace {
 
-// Frees what was not handed over.
+// Frees a structure that was not handed over to the caller.
 class FreeStructure {
 public:
     explicit FreeStructure(const ModuleMemory& moduleMemory)
@@ -31,8 +31,8 @@ private:
 template <typename T>
 using Owned = std::unique_ptr<T, FreeStructure>;
 
-// A counted array with room for `count` items, all zero. The count is there at once, so that a structure
-// which is built in part can be freed.
+// Allocates a counted array with room for `count` zeroed items. Sets the count at once, so that a partly
+// built structure can be freed.
 template <typename Array>
 Owned<Array> newCounted(const ModuleMemory& memory, std::size_t count) {
     Owned<Array> array(memory.NewArray<Array>(1), FreeStructure(memory));
@@ -55,7 +55,7 @@ bool assign(const ModuleMemory& memory, wchar_t*& place, const std::optional<std
     return !text || assign(memory, place, *text);
 }
 
-// `Pairs` holds pairs of texts; `valueOf` gives the value that is handed over.
+// Builds a list from pairs of texts; `valueOf` converts each value.
 template <typename Pairs, typename ValueOf>
 Owned<SDMKeyValueList> newList(const ModuleMemory& memory, const Pairs& pairs, ValueOf valueOf) {
     auto list = newCounted<SDMKeyValueList>(memory, pairs.size());
@@ -86,7 +86,7 @@ bool listFromSet(std::wstring_view text, const ModuleMemory& memory, SDMKeyValue
     return out != nullptr;
 }
 
-// The first value of a key of a key/value set.
+// The first value of a key in a key/value set.
 std::optional<std::wstring_view> valueOfKey(std::wstring_view text, std::wstring_view key) {
     std::vector<KeyValueView> pairs;
     RecordFault fault;

@@ -4,18 +4,18 @@
 
 #include <string_view>
 
-// Record texts of server data turned into what the Job Properties callbacks return. docs/two-way-records.md
-// has the formats.
+// Converts record texts of server data into the results of the Job Properties callbacks.
+// docs/two-way-records.md describes the formats.
 //
-// Every out-parameter is null or zero at first and stays so unless the answer is true; then the caller owns
-// what it points to, block by block in the given memory. False: the text is empty, not whole or no text, what
-// was asked for is not in it, or there is no memory; nothing stays allocated then.
+// When a function returns true, the caller owns the blocks in the out-parameters, which come from the given
+// memory. A function returns false when the text is empty, incomplete or invalid, when it lacks the wanted
+// item, or when memory runs out. The out-parameters are then null or zero, and nothing stays allocated.
 
 namespace torka {
 
-// A text as it stands; an empty one is none.
+// Copies a text unchanged. False for an empty text.
 bool AllocAndAssignValue(const ModuleMemory& memory, wchar_t*& out, std::wstring_view text);
-// A list of a key/value set in its order, keys that come twice included. Narrow text is UTF-8.
+// The entries of a key/value set in their order, repeated keys included. Narrow text is UTF-8.
 bool SDMAllocKeyValueListFromKeyValueSet(const ModuleMemory& memory, std::string_view text,
                                          SDMKeyValueList*& out);
 bool SDMAllocKeyValueListFromKeyValueSetWChar(const ModuleMemory& memory, std::wstring_view text,
@@ -24,44 +24,45 @@ bool SDMAllocKeyValueListFromKeyValueSetWChar(const ModuleMemory& memory, std::w
 bool GetTonerInfoToSDM(std::wstring_view text, const ModuleMemory& memory, SDMTonerInfoArray*& toners);
 bool GetTrayInfoToSDM(std::wstring_view text, const ModuleMemory& memory, SDMTrayInfoArray*& trays);
 
-// Key/value sets.
+// Records that are key/value sets.
 bool UpdateHueKeeperOptionsToSDM(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out);
 bool GetAllDeviceLinkProfilesToSDM(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out);
 bool GetLoclHelpStringsToSDM(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out);
-// Those of defaults, where the value "EMPTYSTRING" stands for an empty one.
+// Key/value sets of defaults. The value "EMPTYSTRING" means an empty value.
 bool PPDDefaultsToSDM(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out);
 bool QueueDefaultsToSDM(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out);
 
 // One item of the server's information, by its number in JPSERVERINFO.
 bool GetServerInfoToSDM(std::wstring_view text, const ModuleMemory& memory, int item, wchar_t*& out);
-// All of it, keys in front.
+// All items of the server's information, each with its key first.
 bool GetServerInfoAllToSDM(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out);
-// The value of a key that stands behind it, as in the server's information.
+// The value of a key in a record of "value:key" lines, the form of the server's information.
 bool GetServerValueFromDictToSDM(std::wstring_view text, const ModuleMemory& memory, std::wstring_view key,
                                  wchar_t*& out);
-// One feature of a key/value set. It is supported when its value is "1", "True" or "Yes" in any letter case.
+// One feature of a key/value set. A feature is supported when its value is "1", "True" or "Yes" in any letter
+// case.
 bool IsServerFeatureSupportedToSDM(std::wstring_view text, std::wstring_view key, bool& isSupported);
 bool GetServerFeatureValueToSDM(std::wstring_view text, const ModuleMemory& memory, std::wstring_view key,
                                 wchar_t*& out);
 
-// No presets: true, null and 0.
+// Without presets: true, with null and 0.
 bool GetServerPresetNamesListToSDM(std::wstring_view text, const ModuleMemory& memory, wchar_t**& names,
                                    int& count);
-// The sets of the preset of that name; of the record's first one when the name is empty. A value that begins
-// with the letters of a byte-order mark has its marks back.
+// The three sets of the preset with that name; of the record's first preset when the name is empty. In a
+// value that begins with "EFBBBF", each "EFBBBF" becomes a byte-order mark.
 bool GetServerPresetDataByNameToSDM(std::wstring_view text, const ModuleMemory& memory,
                                     std::wstring_view name, SDMKeyValueList*& jobValues,
                                     SDMKeyValueList*& tesselValues, SDMKeyValueList*& presetValues);
-// The presets of this computer, as they were sent: every "EFBBBF" is a byte-order mark again.
+// The presets of this computer. Every "EFBBBF" becomes a byte-order mark.
 bool GetLocalPresetsDataToSDM(std::wstring_view text, const ModuleMemory& memory, wchar_t*& out);
 
 bool GetCalibrationToSDM(std::wstring_view text, const ModuleMemory& memory, wchar_t*& calibrations,
                          wchar_t*& current);
 bool UpdateQuillformMastersToSDM(std::wstring_view text, const ModuleMemory& memory, wchar_t*& out);
 
-// What an administrator's template sets, locks and hides, each in the order of its keys; a list may have no
-// entries. False without the template's part for the user interface. Shows what it finds on the standard
-// error stream.
+// The settings that an administrator's template sets, locks and hides. Each list is in the order of its keys
+// and may be empty. False without the template's section for the user interface. Writes the findings to the
+// standard error stream.
 bool GetDMTOverridesToSDM(std::wstring_view xml, const ModuleMemory& memory, SDMKeyValueList*& jobValues,
                           SDMKeyValueList*& readOnlyKeys, SDMKeyValueList*& veiledKeys);
 

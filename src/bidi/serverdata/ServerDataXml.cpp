@@ -31,7 +31,7 @@ std::wstring optionText(const KeyValueView& option) {
            xmlEscaped(option.second) + L"\"/>";
 }
 
-// Finds entries by their keys; made only for lists that hold keys.
+// Finds entries by their keys. Builds its index at the first call, because most lists hold indexes only.
 class KeyPlaces {
 public:
     explicit KeyPlaces(const SharedMemoryList& exchangeRecord)
@@ -39,7 +39,7 @@ public:
     std::optional<std::size_t> Find(std::string_view key) {
         if (places.empty()) {
             for (std::size_t i = 0; i < entryCount(*record); ++i) {
-                places.emplace(entryKey(*record, i), i); // the first of a key stays
+                places.emplace(entryKey(*record, i), i); // keeps the first entry of a key
             }
         }
         const auto place = places.find(key);
@@ -75,7 +75,7 @@ std::wstring xmlEscaped(std::wstring_view text) {
             break;
         case L'\t':
         case L'\n':
-        case L'\r': // a reader would make blanks of them
+        case L'\r': // an XML parser turns unescaped ones into blanks
             escaped += L"&#" + std::to_wstring(static_cast<int>(unit)) + L";";
             break;
         default:

@@ -13,7 +13,7 @@ constexpr std::string_view missingFault = "fewer lines than the count says";
 constexpr std::string_view surplusFault = "more lines than the count says";
 constexpr std::string_view cutFault = "the line has no end";
 
-// Passes the checks that every text must pass.
+// The checks for every text: not empty, and valid characters only.
 bool isReadable(std::wstring_view text, RecordFault& fault) {
     if (text.empty()) {
         fault = {1, "the record is empty"};
@@ -26,8 +26,8 @@ bool isReadable(std::wstring_view text, RecordFault& fault) {
     return true;
 }
 
-// The count that a text begins with; none, with its fault, for a text without one or of units that are no
-// characters.
+// The count at the start of a text. nullopt, with the fault, when the count is missing or the text holds an
+// invalid character.
 std::optional<std::size_t> countOf(std::wstring_view text, RecordLines& lines, RecordFault& fault) {
     if (!isReadable(text, fault)) {
         return std::nullopt;
@@ -39,7 +39,8 @@ std::optional<std::size_t> countOf(std::wstring_view text, RecordLines& lines, R
     return count;
 }
 
-// Reads a count and as many lines, each of which must be ended: a number that is cut is one, too.
+// Reads a count and as many lines. Every line must end in LF: otherwise a cut number would pass as a shorter
+// one.
 template <typename Entry, typename ReadEntry>
 bool readCounted(std::wstring_view text, std::vector<Entry>& entries, RecordFault& fault,
                  std::string_view entryFault, ReadEntry readEntry) {
@@ -84,7 +85,7 @@ bool isTrayPlaceholder(std::wstring_view field) {
     return field == absentTrayText || field == L"N/A" || field == L"0";
 }
 
-// A number, or a placeholder for one that is not known.
+// Reads a number, or a placeholder for an unknown one.
 bool readTrayNumber(LineFields& fields, std::int32_t& number) {
     std::wstring_view field;
     if (!fields.Next(field)) {

@@ -6,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
-// The records of server data as their texts tell them (docs/two-way-records.md has the formats), before
-// anything is allocated for the module. What is read are views of the text, which must outlive them.
+// Parses the record texts of server data (formats: docs/two-way-records.md) without allocating for the
+// module. The results are views of the text, which must outlive them.
 
 namespace torka {
 
-// Why a record text is refused.
+// The reason why a record text is refused.
 struct RecordFault {
     std::size_t line = 0; // from 1
     std::string_view reason;
@@ -26,7 +26,7 @@ struct TonerView {
     std::int32_t capacity = 0;
     std::int32_t kind = 0;
 };
-// Low or, of a waste box, full. Not where the level or its bound is not known.
+// Whether the supply is low or, for a waste box, full. False when the level or its bound is unknown.
 bool needsAttention(const TonerView& toner);
 
 struct TrayView {
@@ -36,7 +36,7 @@ struct TrayView {
     std::int32_t capacity = 0;
 };
 
-// The three sets of a preset, and what stands before the count of each.
+// The text before the count of each of a preset's three sets.
 inline constexpr std::array<std::wstring_view, 3> presetSets = {L"JPKeyValues=", L"TesselKeyValues=",
                                                                 L"PresetKeyValues="};
 struct PresetView {
@@ -44,21 +44,21 @@ struct PresetView {
     std::array<std::vector<KeyValueView>, presetSets.size()> sets;
 };
 
-// Placeholders.
+// Placeholders for missing values.
 inline constexpr std::wstring_view absentTonerText = L"NULL";
 inline constexpr std::wstring_view absentTrayText = L"EMPTY";
 inline constexpr std::wstring_view emptyDefault = L"EMPTYSTRING";
 
-// Each reads a record text in one pass behind a look at its characters. False, with the first fault told,
-// when the text is empty, holds what is no character, or is not whole.
+// Each function checks the characters of a record text and then reads it in one pass. False, with the first
+// fault in `fault`, when the text is empty, holds an invalid character, or is incomplete.
 bool readToners(std::wstring_view text, std::vector<TonerView>& toners, RecordFault& fault);
 bool readTrays(std::wstring_view text, std::vector<TrayView>& trays, RecordFault& fault);
 bool readPresetNames(std::wstring_view text, std::vector<std::wstring_view>& names, RecordFault& fault);
-// A record may hold several presets, one after the other.
+// A record may hold several presets, one behind the other.
 bool readPresets(std::wstring_view text, std::vector<PresetView>& presets, RecordFault& fault);
-// A key/value set, a pair a line: key, "=", value. Empty lines are passed over.
+// A key/value set has one pair a line: key, "=", value. Empty lines are skipped.
 bool readKeyValueSet(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordFault& fault);
-// Server information, a pair a line the other way round: value, ":", key. The value ends at the first ":".
+// Server information has one pair a line: value, ":", key. The value ends at the first ":".
 bool readServerInfo(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordFault& fault);
 
 } // namespace torka

@@ -18,7 +18,7 @@ bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0
 
 bool isCharacter(char32_t point) { return point <= lastCharacter && (point < 0xD800 || point > 0xDFFF); }
 
-// How many bytes at the start of the text are ASCII.
+// The number of ASCII bytes at the start of the text.
 std::size_t asciiRun(std::string_view text) {
     constexpr std::uint64_t highBits = 0x8080808080808080U;
     std::size_t at = 0;
@@ -45,7 +45,7 @@ std::size_t wholeCharacters(std::string_view text, std::size_t size) {
     for (int i = 0; i < longestTail && end > 0 && isContinuation(text[end]); ++i) {
         --end;
     }
-    return isContinuation(text[end]) ? size : end; // no UTF-8: any place is as good
+    return isContinuation(text[end]) ? size : end; // invalid UTF-8 may be cut anywhere
 }
 
 void FieldWriter::AppendEncoded(char32_t character) {

@@ -4,21 +4,21 @@
 #include <span>
 #include <string_view>
 
-// Wide text from and into narrow fields of a fixed size, without a copy between.
+// Converts wide text from and into narrow fields of a fixed size, without an intermediate copy.
 
 namespace torka {
 
-// How much of a UTF-8 text fits `size` bytes without its last character being cut.
+// The number of bytes of a UTF-8 text that fit `size` bytes without cutting a character.
 std::size_t wholeCharacters(std::string_view text, std::size_t size);
 
-// Appends to a field of a fixed size, which it never passes; once a piece does not fit whole nothing more is
-// taken.
+// Appends to a field of a fixed size and never writes past its end. After the first piece that does not fit
+// whole, it takes nothing more.
 class FieldWriter {
 public:
     explicit FieldWriter(std::span<char> target)
         : field(target) {}
     bool IsFull() const { return full; }
-    // One character; what no text may hold (surrogates, values above U+10FFFF) becomes U+FFFD.
+    // Appends one character. Surrogates and values above U+10FFFF become U+FFFD.
     void Append(char32_t character) {
         if (character < 0x80 && !full && used < field.size()) {
             field[used++] = static_cast<char>(character);
@@ -27,7 +27,7 @@ public:
         }
     }
     void Append(std::string_view piece);
-    // Zeroes what is left.
+    // Zeroes the rest of the field.
     void Finish();
 
 private:
@@ -38,8 +38,8 @@ private:
     bool full = false;
 };
 
-// Writes the characters of a UTF-8 text into `out`, as many as have room: how many there are. A text has no
-// more characters than bytes; bytes that are not UTF-8 become U+FFFD.
+// Writes as many characters of a UTF-8 text into `out` as fit, and returns their number. A text never has
+// more characters than bytes. Invalid bytes become U+FFFD.
 std::size_t widenInto(std::span<wchar_t> out, std::string_view text);
 
 } // namespace torka

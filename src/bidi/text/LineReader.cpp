@@ -36,7 +36,8 @@ std::istream& safeGetline(std::istream& stream, std::string& line) {
     }
 }
 
-// Looked for in windows, so that a text with one kind of line end is not searched through for the other.
+// Searches in windows. Otherwise a text with one kind of line end would be searched to its end for the other
+// kind.
 std::size_t lineEnd(std::string_view text, std::size_t position) {
     constexpr std::size_t window = 256;
     while (position < text.size()) {

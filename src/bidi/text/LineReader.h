@@ -5,20 +5,20 @@
 #include <string>
 #include <string_view>
 
-// Lines of the two-way data file end in LF, CR or CR LF.
+// Reads the lines of the two-way data file, which end in LF, CR or CR LF.
 
 namespace torka {
 
-// Reads up to a line end, which is consumed and not kept, or to the end of input. The last line needs no line
-// end; after it the stream fails.
+// Reads up to a line end or the end of input, and drops the line end. The last line needs no line end. After
+// the last line the stream fails.
 std::istream& safeGetline(std::istream& stream, std::string& line);
 
-// Where the line that holds `position` ends: at its CR or LF, or at the end of the text.
+// The end of the line that holds `position`: its CR or LF, or the end of the text.
 std::size_t lineEnd(std::string_view text, std::size_t position);
-// Where the next line begins, given the end of one.
+// The beginning of the next line. `end` is the end of a line.
 std::size_t lineAfter(std::string_view text, std::size_t end);
 
-// Every line followed by LF.
+// Ends every line in LF.
 std::string withPlainLineEnds(std::string text);
 
 } // namespace torka

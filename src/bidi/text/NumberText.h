@@ -4,9 +4,9 @@
 
 namespace torka {
 
-// Numbers as a stream writes them by default, in the C locale whatever the host's is.
+// The number as a stream writes it by default. Uses the C locale, independently of the process's locale.
 std::string streamText(float value);
-// With six digits behind the point, as "%lf" writes it.
+// The number with six digits behind the point, as "%lf" writes it in the C locale.
 std::string fixedText(double value);
 
 } // namespace torka

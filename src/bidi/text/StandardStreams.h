@@ -3,8 +3,8 @@
 #include <memory>
 #include <string_view>
 
-// Where the two-way exchange writes its diagnostics and its messages to the spooler: the process's standard
-// output and standard error streams, unless a test takes them over.
+// The streams to which the two-way exchange writes its diagnostics and its messages to the spooler. These are
+// the process's standard output and standard error streams unless setStandardStreams replaces them.
 
 namespace torka {
 
@@ -15,7 +15,7 @@ public:
     StandardStreams& operator=(const StandardStreams&) = delete;
     virtual ~StandardStreams();
     virtual void Output(std::string_view text) = 0;
-    // A spooler reads messages from this stream line by line: each call's text leaves in one piece.
+    // A spooler reads messages from this stream line by line. Write the text of one call in one piece.
     virtual void Error(std::string_view text) = 0;
 };
 
