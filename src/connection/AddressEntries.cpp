@@ -1,4 +1,4 @@
-// The entries of a list as people and tools see them.
+// Parses a list into entries for people and tools, and removes entries.
 
 #include "connection/ZANCorvianPrinterPList.h"
 
@@ -9,7 +9,7 @@ namespace torka {
 
 namespace {
 
-// A header is two numbers with a colon between them, and nothing else.
+// A header consists of two numbers and a colon between them.
 struct BlockHeader {
     int id = 0;
     std::size_t rows = 0;

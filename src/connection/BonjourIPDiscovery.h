@@ -9,22 +9,22 @@
 
 namespace torka {
 
-// Turns a queue's device URI that names a service into a numeric IPv4 address.
+// Resolves a service, named by a queue's device URI, to a numeric IPv4 address.
 //
-// Resolves as long as it lives, two seconds at most. The directory is platform::serviceDirectory(); without
-// one the address is "NO" from the start and nobody is told.
+// Resolves for two seconds at most, while the object lives. Uses platform::serviceDirectory(). Without a
+// directory the address is "NO" from the start, and `whenDone` is not called.
 class BonjourIPDiscovery final : private ServiceResolutionDelegate {
 public:
-    // The instance name is the URI's host without "._printer._tcp.local." at its end, else without
-    // "._ipp._tcp.local." wherever it stands. The service is looked for under "_printer._tcp." in either
-    // case. `whenDone` is called once, after printAddress() has its value, never from within this call; it
-    // may destroy the object.
+    // The instance name is the URI's host without "._printer._tcp.local." at its end. When the host does not
+    // end so, every "._ipp._tcp.local." is removed from it. Both kinds of name are resolved under
+    // "_printer._tcp.". `whenDone` is called once, after printAddress() has its value and never within this
+    // call. It may destroy the object.
     static std::unique_ptr<BonjourIPDiscovery> initWithPrinterBonjourURL(const CFURLRef& url,
                                                                          std::function<void()> whenDone = {});
     ~BonjourIPDiscovery() override;
 
-    // "" until the service was resolved, and for one whose first address is not IPv4; "NO" when it could not
-    // be.
+    // "" before the service is resolved, and when its first address is not IPv4. "NO" when it cannot be
+    // resolved.
     const std::string& printAddress() const { return address; }
     bool didResolve() const { return resolved; }
     const std::string& instanceName() const { return service.name; }

@@ -15,7 +15,7 @@ namespace {
 constexpr EventTimerInterval progressTime{15.0};
 constexpr EventTimerInterval reloadPause{0.1};
 constexpr EventTimerInterval searchAgainPause{5.0};
-constexpr std::chrono::milliseconds resolveTimeout{15000}; // as long as progress is shown
+constexpr std::chrono::milliseconds resolveTimeout{15000}; // equals progressTime
 
 CFStringRef withoutServiceDomain(const CFStringRef& text) {
     for (const std::string_view type : {printerService, dataStreamService}) {
@@ -44,7 +44,7 @@ bool isNumeric(const CFStringRef& text) {
     return parseNumericAddress(utf8Text(text), ignored);
 }
 
-// A text of the bundle with both addresses in their places. What they hold is not looked at again.
+// Replaces the marks in a text of the bundle by the addresses. Marks inside an address are not replaced.
 std::string withAddresses(const std::string& text, const std::string& before, const std::string& after) {
     constexpr std::string_view oldMark = "{old}";
     constexpr std::string_view newMark = "{new}";
@@ -64,7 +64,7 @@ std::string withAddresses(const std::string& text, const std::string& before, co
     return result;
 }
 
-// The device URI of a service, every byte of its name escaped that a host may not hold as it is.
+// The device URI of a service. Bytes of its name that are not allowed in a host are escaped.
 CFURLRef serviceUrl(const CFStringRef& instanceName) {
     static constexpr char digits[] = "0123456789ABCDEF";
     std::string url = "mdns://";
@@ -79,7 +79,7 @@ CFURLRef serviceUrl(const CFStringRef& instanceName) {
     return CFURLCreateWithString(cfString(url + serviceSuffix(printerService) + "/"));
 }
 
-// −1, 0 or 1 of two controllers, in ascending order.
+// Compares two controllers in ascending order: −1, 0 or 1.
 int compareControllers(ControllerColumn column, const FoundController& left, const FoundController& right) {
     if (column == ControllerColumn::name) {
         return CFStringCompare(left.name, right.name, kCFCompareCaseInsensitive);
@@ -132,7 +132,7 @@ void BonjourModuleController::setprinterIPField(const CFStringRef& address) {
     printerAddress = withoutServiceDomain(address);
     isServiceName =
         CFStringGetLength(printerAddress) < CFStringGetLength(address) || NamesService(printerAddress);
-    if (!sessionRunning) { // what is being typed stays
+    if (!sessionRunning) { // keeps the text that the person is typing
         view.setAddressField(printerAddress);
     }
     owner.showPrinterAddress(printerAddress);
@@ -226,7 +226,7 @@ void BonjourModuleController::OKClicked() {
     if (!sessionRunning) {
         return;
     }
-    const auto lives = shared_from_this(); // while an alert waits
+    const auto lives = shared_from_this(); // stays alive while an alert runs its event loop
     const CFStringRef address = AddressNamedBy(view.addressField());
     view.setAddressField(address);
     if (!validatePrinterAddress()) {
@@ -260,7 +260,7 @@ void BonjourModuleController::configureButtonClicked() {
 void BonjourModuleController::BIDICheckBoxClicked() {
     const bool on = view.bidiState();
     if (sessionRunning || on == twoWay) {
-        return; // in the sheet OK decides
+        return; // in the sheet, OK applies the state
     }
     if (on && !isAddress(printerAddress)) {
         OpenSheet();
@@ -341,7 +341,7 @@ void BonjourModuleController::listDidChange() {
     if (reloadTimer) {
         return;
     }
-    // Services come in bursts: the table is filled once for many.
+    // Services arrive in bursts. The timer fills the table once for many.
     const auto reload = [this](const EventLoopTimerRef&) {
         reloadTimer.reset();
         if (std::exchange(tableNeedsReload, false)) {
@@ -369,7 +369,7 @@ void BonjourModuleController::SortShown() {
         const bool hasNone = CFStringGetLength(left.address) == 0;
         const bool otherHasNone = CFStringGetLength(right.address) == 0;
         if (*sortColumn == ControllerColumn::addresses && hasNone != otherHasNone) {
-            return otherHasNone; // the unknown ones stay at the end in either direction
+            return otherHasNone; // unknown addresses stay at the end in both directions
         }
         const int order = compareControllers(*sortColumn, left, right);
         return ascendingSort ? order < 0 : order > 0;
@@ -392,7 +392,8 @@ void BonjourModuleController::ReloadTable() {
     }
 }
 
-// Before anything was selected, the controller that has the printer's address is.
+// The row of the selected controller. Before the first selection, selects the controller with the printer's
+// address.
 std::optional<std::size_t> BonjourModuleController::SelectedPlace() {
     const std::string current = utf8Text(printerAddress);
     for (std::size_t i = 0; i < shown.size(); ++i) {
@@ -407,7 +408,7 @@ std::optional<std::size_t> BonjourModuleController::SelectedPlace() {
         } else if (firstCallOfTable && !current.empty() &&
                    (isSameAddress(utf8Text(shown[i].address), current) ||
                     (isServiceName && isCalled(current)))) {
-            // What a person typed meanwhile stays.
+            // Keeps a text that the person has typed since.
             if (CFEqual(view.addressField(), printerAddress)) {
                 Select(shown[i]);
             }
@@ -489,7 +490,7 @@ void BonjourModuleController::netServiceDidResolveAddress(const NetService& serv
     list->Learn(service, resolved);
     ReloadTable();
     const std::optional<std::size_t> place = SelectedPlace();
-    // A person may have typed something else while it was resolved.
+    // Keeps a text that the person has typed during the resolution.
     if (place && CFEqual(view.addressField(), selectedText) && CFStringGetLength(shown[*place].address) > 0) {
         isAddressSelected = true;
         selectedText = shown[*place].address;

@@ -15,7 +15,8 @@ namespace torka {
 class BonjourIPDiscovery;
 class BonjourModuleController;
 
-// What the controller asks of the pane. Implemented by the pane's panel model, which outlives the controller.
+// The interface through which the controller asks the pane. The panel model implements it and outlives the
+// controller.
 class BonjourModuleOwner {
 public:
     BonjourModuleOwner() = default;
@@ -23,60 +24,61 @@ public:
     BonjourModuleOwner& operator=(const BonjourModuleOwner&) = delete;
     virtual ~BonjourModuleOwner();
 
-    // The controller of this panel model, null when there is none (any more).
+    // The controller of this panel model; null when it has none.
     virtual BonjourModuleController* GetsBonjourModuleController() const = 0;
     virtual void setsBonjourModuleController(BonjourModuleController* controller) = 0;
 
-    // The printer's entry in the address list. Null or "" for no address.
+    // The address in the printer's entry of the address list. Null or "" for no address.
     virtual CFStringRef storedPrinterAddress() = 0;
     // The instance name of the service that the queue's device URI names; "" for a queue of another kind.
     virtual CFStringRef queueServiceName() { return cfString(""); }
     // The numeric address that the queue's filter found for that service; "" for none.
     virtual CFStringRef foundPrinterAddress() { return cfString(""); }
-    // Puts both into the address list and saves it. What could not be saved counts for this dialog all the
-    // same.
+    // Puts both values into the address list and saves the list. Values that could not be saved still hold
+    // for this dialog.
     virtual bool storePrinterAddress(const CFStringRef& address, bool twoWay) = 0;
     // Shows an address in the pane's own field.
     virtual void showPrinterAddress(const CFStringRef& address) = 0;
-    // The text of the bundle's table "BidiStrings", `english` when it has none.
+    // The key's text in the bundle's table "BidiStrings"; `english` when the table lacks the key.
     virtual CFStringRef bidiString(std::string_view key, std::string_view english) = 0;
 };
 
-// Drives the address sheet: the controllers that the local net announces, the address field, and the two-way
-// state of the printer (docs/address-list.md tells what is stored when).
+// Drives the address sheet: the controllers that the local network announces, the address field, and the
+// printer's two-way state. docs/address-list.md describes what is stored at which time.
 //
-// The pane owns it; the panel model knows it. The directory of services is platform::serviceDirectory(), the
-// clock for time limits platform::GetMainEventLoop(), alerts go through platform::alerts(). Without a
-// directory or loop the sheet works with what is typed.
+// The pane owns it; the panel model refers to it. Uses platform::serviceDirectory(),
+// platform::GetMainEventLoop() for time limits, and platform::alerts(). Without a directory or event loop the
+// person can still type an address.
 class BonjourModuleController final : public std::enable_shared_from_this<BonjourModuleController>,
                                       public BonjourModuleViewDelegate,
                                       private ControllerListObserver,
                                       private ServiceResolutionDelegate {
 public:
-    // The owner's controller when it has one, else a new one that is given to it.
+    // Returns the owner's controller. Creates it and sets it in the owner when the owner has none.
     static std::shared_ptr<BonjourModuleController> init(BonjourModuleOwner& owner, BonjourModuleView& view);
     ~BonjourModuleController() override;
 
-    // The printer's address, as far as it was accepted. Shown in the sheet and in the pane; a service's
-    // domain at its end ("._printer._tcp.local.", "._pdl-datastream._tcp.local.") is left out.
+    // The printer's accepted address, shown in the sheet and in the pane. setprinterIPField removes a
+    // service's domain at its end ("._printer._tcp.local.", "._pdl-datastream._tcp.local.").
     void setprinterIPField(const CFStringRef& address);
     CFStringRef printerIPField() const { return printerAddress; } // never null
-    // Takes the stored address over. Where it is the name of a service, as a queue's device URI gives it, the
-    // service's address is looked for and replaces it; where nothing answers, the one that the queue's filter
-    // found does. A text that is an address, or could be a host name, is no service's name unless it is the
-    // one of the queue's own service: whoever announces a service by that name does not come into it.
+    // Takes over the stored address. When it is a service's name, resolves the service and stores the address
+    // found. When the queue's own service does not answer, stores the address that the queue's filter found.
+    // A text that is an address, or could be a host name, counts as a service's name only if it names the
+    // queue's own service: otherwise anybody could announce a service under that name and receive the
+    // requests.
     void setIPAddress();
-    // The configure button can be used only with two-way communication on. Stores nothing.
+    // Sets the state without storing it. Enables the configure button only with two-way communication on.
     void setBIDIStatusON(bool on);
     bool isBIDIEnabled() const { return twoWay; }
-    // While the Job Properties module runs.
+    // Disable and enable the widgets while the Job Properties module runs.
     void setBIDICheckBoxEnabled(bool enabled);
     void setConfigureButtonEnabled(bool enabled);
-    // The sheet is open.
+    // True while the sheet is open.
     bool validWindowSessionRunning() const { return sessionRunning; }
 
-    // Whether the field's text can be used; an alert says why not. Any text can with two-way communication
-    // off.
+    // Whether the field's text is a usable address; otherwise an alert gives the reason. True for any text
+    // with two-way communication off.
     bool validatePrinterAddress();
 
     void OKClicked() override;
@@ -101,11 +103,11 @@ private:
     void Select(const FoundController& controller);
     void ShowStatus();
     void Alert(std::string_view key, std::string_view english);
-    // The address of the chosen row, or of the listed controller whose service the text names; else the text
-    // without a service's domain.
+    // The address of the selected row, or of the listed controller whose service the text names. Without
+    // either, the text without a service's domain.
     CFStringRef AddressNamedBy(const CFStringRef& text) const;
     bool NamesService(const CFStringRef& text) const;
-    // Both addresses where the chosen row would change the stored one; "" where it would not.
+    // A sentence with both addresses when the selected row would change the stored address; else "".
     CFStringRef ChangeText() const;
     void UseFoundAddress(const std::string& address);
 
@@ -115,29 +117,29 @@ private:
 
     BonjourModuleOwner& owner;
     BonjourModuleView& view;
-    CFStringRef printerAddress; // the one accepted last
-    bool isServiceName = false; // it names a service, and is no address
-    bool twoWay = false;        // likewise
+    CFStringRef printerAddress; // the last accepted address
+    bool isServiceName = false; // printerAddress names a service and is no address
+    bool twoWay = false;        // the last accepted state
     bool sessionRunning = false;
-    bool firstCallOfTable = true; // no row was selected since the sheet was opened
+    bool firstCallOfTable = true; // no row was selected since the sheet opened
     bool tableNeedsReload = false;
     bool ascendingSort = true;
-    std::optional<ControllerColumn> sortColumn; // none: in the order of finding
-    std::unique_ptr<ControllerList> list;       // while the sheet is open
+    std::optional<ControllerColumn> sortColumn; // nullopt: in the order of discovery
+    std::unique_ptr<ControllerList> list;       // exists while the sheet is open
     std::vector<FoundController> shown;
-    std::vector<ControllerRow> rows; // what the table shows of them
+    std::vector<ControllerRow> rows; // their rows in the table
     std::optional<NetService> selectedService;
-    CFStringRef selectedText;                       // what selecting it put into the field
-    bool isAddressSelected = false;                 // that is its address, no longer its name
+    CFStringRef selectedText;                       // the text that the selection put into the field
+    bool isAddressSelected = false;                 // selectedText is an address, not a service's name
     std::unique_ptr<NetServiceActivity> resolution; // of the selected service
     bool resolutionFailed = false;
     std::unique_ptr<BonjourIPDiscovery> discovery; // of setIPAddress
     EventLoopTimerRef progressTimer;
     EventLoopTimerRef reloadTimer;
-    EventLoopTimerRef searchTimer; // searches again when no search could be begun
+    EventLoopTimerRef searchTimer; // searches again after every search failed to start
 };
 
-// −1, 0 or 1.
+// Compares two numbers: −1, 0 or 1.
 int intSort(std::int64_t left, std::int64_t right);
 
 } // namespace torka

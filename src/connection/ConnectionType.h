@@ -2,36 +2,36 @@
 
 #include "platform/Printing.h"
 
-// How the session's current queue reaches its device, and what its device URI tells of a discovered service.
+// The connection of the session's current queue to its device, and the service that its device URI names.
 //
-// The tests answer false when there is no printer or its URI cannot be had. Schemes are compared exactly,
-// with their case.
+// The predicates return false when there is no printer or its URI is unknown. They compare schemes exactly,
+// letter case included.
 
 namespace torka {
 
 // Null when the session has no current printer.
 CFStringRef GetCurrentPrinterName(const PMPrintSession& session);
-// The scheme of the current printer's device URI; null when there is none.
+// The scheme of the current printer's device URI; null without one.
 CFStringRef CopyPrinterConnectionType(const PMPrintSession& session);
 
 bool isUSBPrinterConnection(const PMPrintSession& session);       // "usb"
 bool isAppleTalkPrinterConnection(const PMPrintSession& session); // "pap"
-bool isBonjourPrinterConnection(const PMPrintSession& session);   // "mdns" alone
+bool isBonjourPrinterConnection(const PMPrintSession& session);   // "mdns", not "dnssd"
 bool isIPPrinterConnection(const PMPrintSession& session);        // "ipp"
 
-// Whether the device URI names a service that was discovered ("dnssd" or "mdns"), so that its host part is no
-// network address. The question wherever an address is derived from a queue.
+// Whether the device URI names a discovered service ("dnssd" or "mdns"); its host part is then no network
+// address. Check this before deriving an address from a queue.
 bool isDiscoveredServiceConnection(const PMPrintSession& session);
 
-// The instance name of the service that a device URI names: what stands between the scheme and the service
-// type (the first of the controllerServiceTypes that it holds), percent escapes undone. Without a service
-// type the name ends at the first ".". "" for a URI without a scheme and for escapes that are not UTF-8 text;
-// never null.
+// The instance name of the service that a device URI names: the text between the scheme and the service type,
+// with percent escapes decoded. The service type is the first of "_printer._tcp", "_ipp._tcp", "_ipps._tcp"
+// and "_pdl-datastream._tcp" that the URI holds. Without a service type the name ends at the first ".". ""
+// for a URI without a scheme and for escapes that do not decode to UTF-8. Never null.
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url);
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url);
 
-// Whether the spooler's filter could not reach the queue's configured address: the record
-// "QVInvalidPrinterAddress" of destinationPPD() holds "yes".
+// Whether the queue's filter could not reach the queue's configured address: the record
+// "QVInvalidPrinterAddress" of destinationPPD() then holds "yes".
 bool isInvalidPrinterAddress();
 
 } // namespace torka

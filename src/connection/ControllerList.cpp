@@ -11,7 +11,7 @@ constexpr std::size_t mostNameUnits = 255;
 constexpr std::size_t mostNames = 3;     // in one row
 constexpr std::size_t mostAddresses = 8; // of one controller
 
-// DNS compares names without regard to the case of ASCII letters (RFC 6762, section 16).
+// DNS ignores the case of ASCII letters when it compares names (RFC 6762, section 16).
 std::string foldAscii(std::string text) {
     for (char& c : text) {
         if (c >= 'A' && c <= 'Z') {
@@ -59,7 +59,7 @@ std::int64_t addressNumber(const HostAddress& address) {
 CFStringRef plainServiceName(std::string_view utf8) {
     std::u16string units = cfString(utf8)->units;
     if (units.size() > mostNameUnits) {
-        // Not within a pair of surrogates.
+        // Does not cut a surrogate pair.
         const bool splitsPair = (units[mostNameUnits] & 0xFC00) == 0xDC00;
         units.resize(splitsPair ? mostNameUnits - 1 : mostNameUnits);
     }
@@ -71,7 +71,7 @@ CFStringRef plainServiceName(std::string_view utf8) {
 ControllerListObserver::~ControllerListObserver() = default;
 
 struct ControllerList::Entry {
-    NetService service;                                          // with the type to resolve
+    NetService service;                                          // its type is the one to resolve
     std::array<bool, controllerServiceTypes.size()> announced{}; // by type
     enum class State { idle, waiting, resolved } state = State::idle;
     std::string hostName; // without a dot at its end
@@ -196,7 +196,7 @@ void ControllerList::didFindService(const NetService& service) {
     }
     const bool isNews = !std::exchange(entry->announced[type], true);
     if (isNews && entry->state == Entry::State::idle) {
-        entry->service.type = service.type; // what did not resolve as another type may as this one
+        entry->service.type = service.type; // a name that did not resolve as another type may as this one
         Await(*entry);
     }
     observer.listDidChange();
@@ -240,7 +240,7 @@ void ControllerList::didNotResolve(const NetService& service, const std::string&
     Entry* entry = Find(service);
     if (entry != nullptr && entry->state == Entry::State::waiting) {
         entry->state = Entry::State::idle;
-        if (entry->service.type != service.type) { // its type changed meanwhile
+        if (entry->service.type != service.type) { // the type has changed during the resolution
             Await(*entry);
         }
     }

@@ -15,7 +15,7 @@
 #include <unordered_map>
 #include <vector>
 
-// The controllers that the local net announces, one entry each, however many services each has.
+// Lists the controllers that the local network announces. A controller with several services is one entry.
 
 namespace torka {
 
@@ -24,12 +24,12 @@ namespace torka {
 CFStringRef plainServiceName(std::string_view utf8);
 
 struct FoundController {
-    CFStringRef name;      // as plain text; those of several services on one host are separated by ", "
+    CFStringRef name;      // plain text; ", " separates the names of several services on one host
     CFStringRef addresses; // dotted IPv4 addresses separated by ", ", else the host's name, "" while unknown
-    CFStringRef address;   // the first of these, to be used; "" while unknown
-    std::optional<std::int64_t> number; // the first IPv4 address as one
-    NetService service;                 // the one to be resolved
-    std::vector<std::string> aliases;   // the names of all its services, as they came
+    CFStringRef address;   // the first of these addresses, for use; "" while unknown
+    std::optional<std::int64_t> number; // the first IPv4 address as a number
+    NetService service;                 // the service to resolve
+    std::vector<std::string> aliases;   // the names of all its services, unchanged
 };
 
 class ControllerListObserver {
@@ -41,28 +41,28 @@ public:
     virtual void listDidChange() = 0;
 };
 
-// Browses for the four service types as long as it lives and resolves what it finds, a few at a time.
-// Services of one name are one controller; so are services whose hosts turn out to be the same.
+// Browses for the four service types while it lives, and resolves the services found. Services with the same
+// name belong to one controller; so do services that resolve to the same host.
 class ControllerList final : private ServiceBrowserDelegate, private ServiceResolutionDelegate {
 public:
-    static constexpr std::size_t mostControllers = 1000; // later ones are left out
-    static constexpr std::size_t mostResolutions = 4;    // at a time
+    static constexpr std::size_t mostControllers = 1000; // further ones are left out
+    static constexpr std::size_t mostResolutions = 4;    // at the same time
     static constexpr std::chrono::milliseconds resolveTimeout{5000};
 
-    // Both outlive it. The observer is never told from within the constructor.
+    // Refers to both, which must outlive it. The constructor never calls the observer.
     ControllerList(ServiceDirectory& services, ControllerListObserver& listObserver);
     ~ControllerList() override;
 
-    // In the order in which they were found.
+    // The controllers in the order of their discovery.
     std::vector<FoundController> Controllers() const;
-    // An answer that somebody else got for one of the services.
+    // Takes over an answer that another resolution of the service received.
     void Learn(const NetService& service, const ResolvedService& resolved);
-    bool LeftOut() const { return leftOut; } // there are more than mostControllers
-    // Why nothing is searched for, "" while at least one search is under way.
+    bool LeftOut() const { return leftOut; } // more than mostControllers were announced
+    // The reason why no search is under way; "" while at least one is.
     const std::string& Failure() const { return failure; }
 
 private:
-    struct Entry; // services of one name
+    struct Entry; // the services of one name
     struct Resolution {
         NetService service;
         std::unique_ptr<NetServiceActivity> activity;
@@ -85,10 +85,10 @@ private:
     std::size_t failedSearches = 0;
     std::string failure;
     bool leftOut = false;
-    std::map<std::uint64_t, std::unique_ptr<Entry>> entries; // by the order in which they were found
+    std::map<std::uint64_t, std::unique_ptr<Entry>> entries; // by the order of discovery
     std::unordered_map<std::string, std::uint64_t> orders;   // by name and domain, ASCII letter case folded
     std::uint64_t nextOrder = 0;
-    std::deque<NetService> waiting; // still to be resolved; what has gone meanwhile is passed over
+    std::deque<NetService> waiting; // to be resolved; a service that has gone since is skipped
     std::vector<Resolution> resolutions;
 };
 

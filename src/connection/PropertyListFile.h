@@ -8,32 +8,33 @@
 
 namespace torka {
 
-// A property list (an array) that is loaded when this is made and saved on demand.
+// A property list (an array). The constructor loads it; Save saves it.
 //
-// Owns its store. What is kept comes from outside: anything but an array counts as no list.
+// Owns its store. The stored data come from outside: anything but an array counts as no list.
 class PropertyListFile {
 public:
     static constexpr OSStatus memFullErr = -108; // the list cannot be turned into XML
 
-    // The list at `path` below the home folder, or what stands for it on the running system version.
+    // The list at `path` below the home folder, or the store that replaces this file on the running system
+    // version (makePropertyListStore).
     PropertyListFile(std::string_view path, QueueAccess queue);
     explicit PropertyListFile(std::unique_ptr<PropertyListStore> listStore);
     PropertyListFile(const PropertyListFile&) = delete;
     PropertyListFile& operator=(const PropertyListFile&) = delete;
     virtual ~PropertyListFile();
 
-    // False with Error() set when the list could not be written or sent. A list equal to the one that is kept
-    // (an empty one where none is) is not written or sent again.
+    // False, with Error() set, when the list could not be written or sent. A list equal to the stored one is
+    // not written or sent again; an empty list equals a missing one.
     bool Save(const CFArrayRef& newList);
 
-    const CFArrayRef& List() const { return list; } // what is kept, null for none
-    bool Loaded() const { return loaded; }          // a list was there
-    // What the file holds, whatever its kind, as it was loaded; null for none.
+    const CFArrayRef& List() const { return list; } // the stored list; null for none
+    bool Loaded() const { return loaded; }          // the store held a list
+    // The property list of any kind that was loaded; null for none.
     const CFPropertyListRef& Root() const { return root; }
     OSStatus Error() const { return error; } // of the last Save
-    // Why the list of the last Save is not kept, as the queue's filter said; "" when it said nothing.
+    // The filter's reason for not keeping the list of the last Save; "" when it gave none.
     const std::string& Reason() const { return reason; }
-    // Whether "/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist" was there when the list was loaded.
+    // Whether "/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist" existed when the list was loaded.
     bool CacheFileExists() const { return cacheFileExists; }
 
 private:

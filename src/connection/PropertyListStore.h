@@ -8,23 +8,23 @@
 #include <string>
 #include <string_view>
 
-// Where a property list of the pane is kept: in a file, or in the description of a queue.
+// Stores of the pane's property lists: a file, or the description of a queue.
 
 namespace torka {
 
 // The queue that a list belongs to.
 struct QueueAccess {
     PMPrintSession session;
-    WaitObserver observer; // told while a command job is waited for
+    WaitObserver observer; // called during the wait for a command job
 };
 
 struct SaveResult {
-    // noErr when the list was written or sent; else an error of the printing framework, or one of the system
-    // as its number.
+    // noErr when the list was written or sent; else an error of the printing framework, or an error number of
+    // the system.
     OSStatus error = noErr;
-    // Load would give the list now. A command job that was sent and did not complete leaves this open.
+    // True when Load would now return the list. False after a command job that was sent and did not complete.
     bool confirmed = false;
-    std::string reason{}; // why the queue's filter did not keep it, as it said; "" where it said nothing
+    std::string reason{}; // the filter's reason for not keeping the list; "" when it gave none
 };
 
 class PropertyListStore {
@@ -33,12 +33,12 @@ public:
     PropertyListStore(const PropertyListStore&) = delete;
     PropertyListStore& operator=(const PropertyListStore&) = delete;
     virtual ~PropertyListStore();
-    // The kept list as XML text, "" when none is kept or it cannot be had.
+    // The stored list as XML text; "" when there is none or it cannot be read.
     virtual std::string Load() = 0;
     virtual SaveResult Save(std::string_view xml) = 0;
 };
 
-// A file of at most 16 MB, readable and writable by its owner alone. Saved whole or not at all.
+// A file of at most 16 MiB with mode 0600. Save writes it whole or not at all.
 class FilePropertyListStore final : public PropertyListStore {
 public:
     explicit FilePropertyListStore(std::filesystem::path file);
@@ -49,7 +49,8 @@ private:
     std::filesystem::path path;
 };
 
-// The record "QVDriverPreference" of a description. Saving is refused: only the spooler writes there.
+// The record "QVDriverPreference" of a description. Save fails with EROFS, because only the spooler writes
+// descriptions.
 class DescriptionPropertyListStore final : public PropertyListStore {
 public:
     explicit DescriptionPropertyListStore(std::string ppd);
@@ -60,8 +61,8 @@ private:
     std::string ppdPath;
 };
 
-// The record "QVDriverPreference" of the current queue's description, saved by a command job to the queue's
-// filter, which is waited for. Nothing is sent to a queue that is stopped or takes no jobs.
+// The record "QVDriverPreference" of the current queue's description. Save sends a command job to the queue's
+// filter and waits for it. It sends nothing to a queue that is stopped or rejects jobs.
 class QueuePropertyListStore final : public PropertyListStore {
 public:
     explicit QueuePropertyListStore(QueueAccess queueAccess);
@@ -72,9 +73,9 @@ private:
     QueueAccess queue;
 };
 
-// The store that the running system version asks for: from minor version 7 on a list is read from the queue's
-// description, before that from the file at the home folder joined with `path`; version 6 alone saves to that
-// file, all others by command job.
+// The store for the running system version. From minor version 7 on, Load reads the queue's description;
+// before that, the file at the home folder joined with `path`. Version 6 saves to that file, all others by
+// command job.
 std::unique_ptr<PropertyListStore> makePropertyListStore(std::string_view path, QueueAccess queue);
 
 } // namespace torka

@@ -4,13 +4,13 @@
 
 #include <string>
 
-// The numeric address that a request of server data takes along beside the address that a person chose: the
-// queue's filter looks up no name that comes in a request.
+// The numeric address in a request for server data, beside the address that a person chose. The request
+// carries it because the queue's filter looks up no name from a request.
 
 namespace torka {
 
-// What the look-up of a host name gives within two seconds, its first IPv4 address where it has one. "" for a
-// text that is numeric already or no host name, and for a name that is not found.
+// Looks up a host name for two seconds at most and returns its first IPv4 address, or its first address when
+// it has no IPv4 address. "" for a numeric address, for a text that is no host name, and for an unknown name.
 std::string numericAddressOf(const std::string& address);
 
 // The address that the queue's filter found for the service that the queue's device URI names; "" for none.

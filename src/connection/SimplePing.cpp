@@ -82,7 +82,7 @@ int CreateSocketForCommunicationWithHost(std::unique_ptr<IcmpSocket>& socket) {
     if (!opened) {
         return pingNotPermitted;
     }
-    opened->SetReceiveBuffer(receiveBufferBytes); // a smaller one does as well
+    opened->SetReceiveBuffer(receiveBufferBytes); // a failure is harmless: a smaller buffer suffices
     error = opened->SetReceiveTimeout(receiveTimeout);
     if (error == 0) {
         socket = std::move(opened);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::u16string_view endMark = u"----- Data End -----";
 
-// Places of an entry's values, counted from its name.
+// Positions of an entry's values relative to its name.
 constexpr std::size_t addressPlace = 1;
 constexpr std::size_t enabledPlace = 2;
 constexpr std::size_t formatPlace = 3;
@@ -21,7 +21,8 @@ constexpr std::size_t blocksPlace = 4;
 
 CFStringRef endMarkString() { return CFStringCreateWithCharacters(endMark); }
 
-// What a block's header is known by. A header of block 11 holds that of block 1, too, and so may a row.
+// The text that identifies a block's header. The header of block 11 also holds the text of block 1, and a row
+// may hold it too.
 std::u16string headerText(int blockId) { return cfString(std::to_string(blockId) + ":")->units; }
 
 std::size_t countIn(const CFStringRef& text) {
