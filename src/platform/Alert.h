@@ -3,10 +3,10 @@
 #include <memory>
 #include <string>
 
-// Modal alerts: a text, one or two buttons, and the wait for a person's answer.
+// Modal alerts: a text with one or two buttons, and the wait for the person's answer.
 //
-// One presenter serves the process. It is chosen once at start with setAlerts; until then the first alert
-// fails. Texts are UTF-8, already in the person's language.
+// One presenter serves the process. REQUIRES: setAlerts is called at start, before the first alert. Texts are
+// UTF-8, in the person's language.
 
 namespace torka::platform {
 
@@ -14,7 +14,7 @@ struct AlertText {
     std::string title;
     std::string informative;
     std::string defaultButton;
-    std::string alternateButton; // empty: the alert has one button
+    std::string alternateButton; // empty when the alert has one button
 };
 
 enum class AlertButton { defaultButton, alternateButton };
@@ -25,8 +25,8 @@ public:
     AlertPresenter(const AlertPresenter&) = delete;
     AlertPresenter& operator=(const AlertPresenter&) = delete;
     virtual ~AlertPresenter();
-    // Shows the alert and waits for its answer. One that is closed otherwise than by a button counts as
-    // answered by its alternate button, if it has one.
+    // Shows the alert and waits for the answer. An alert that is closed without a button counts as answered
+    // by its alternate button, if it has one.
     virtual AlertButton RunModal(const AlertText& text) = 0;
 };
 

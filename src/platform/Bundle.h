@@ -7,17 +7,17 @@
 #include <string>
 #include <string_view>
 
-// Plug-in bundles: a folder with what is told about a plug-in, its texts in several languages, its interface
-// file and its shared object.
+// Plug-in bundles. A bundle is a folder with a plug-in's information, its texts in several languages, its
+// interface file and its shared object.
 //
 //     NAME.bundle/Contents/Info.plist              information keys, see docs/bundle.md
 //     NAME.bundle/Contents/Linux/FILE              the shared object that "CFBundleExecutable" names
 //     NAME.bundle/Contents/Resources/FILE          resources
 //     NAME.bundle/Contents/Resources/LANG.lproj/TABLE.strings
 //
-// A host opens a bundle with an adapter (posix/PosixBundle.h), and speaks with what it instantiates through
-// the interfaces of this folder's headers only: host and plug-in each hold their own copy of everything else,
-// the chosen adapters included.
+// A host opens a bundle with an adapter (posix/PosixBundle.h). Host and plug-in use only the interfaces in
+// this folder's headers to call each other: each holds its own copy of everything else, including the chosen
+// adapters.
 
 namespace torka::platform {
 
@@ -29,31 +29,32 @@ public:
     virtual ~Bundle();
     // "CFBundleIdentifier"; never null.
     virtual CFStringRef Identifier() const = 0;
-    // A value of Info.plist; null when it is absent.
+    // A value of Info.plist; null when absent.
     virtual CFTypeRef InfoValue(std::u16string_view key) const = 0;
-    // The folder itself, absolute.
+    // The absolute path of the bundle's folder.
     virtual std::filesystem::path Path() const = 0;
-    // Where a resource lies, such as "TorkaFeaturesPDE.ui"; empty when there is none of that name.
+    // The path of a resource such as "TorkaFeaturesPDE.ui"; empty when the bundle lacks it.
     virtual std::filesystem::path ResourcePath(std::string_view fileName) const = 0;
-    // The key's text in the table of the person's language, then in that of the development language; the
-    // default when neither has it, and the key when the default is null.
+    // The key's text from the table in the person's language, else from that in the development language.
+    // When both lack the key, the default, or the key when the default is null.
     virtual CFStringRef LocalizedString(const CFStringRef& key, const CFStringRef& defaultText,
                                         std::string_view table) const = 0;
-    // Loads the shared object, which stays loaded until the process ends, and makes an object of the class
-    // that "NSPrincipalClass" names. Null with `problem` in one line, which is logged too.
+    // Loads the shared object and creates an object of the class that "NSPrincipalClass" names. The shared
+    // object stays loaded until the process ends. On failure returns null, and `problem` in one line, which
+    // is also logged.
     virtual std::unique_ptr<PDEPlugIn> InstantiatePrincipalClass(std::string& problem) const = 0;
 };
 
-// The bundles that this process (or this plug-in) has made known. Null for an identifier that is not known.
+// The bundles that this process (or this plug-in) has registered. Null for an unknown identifier.
 BundleRef bundleWithIdentifier(std::string_view identifier);
-// A bundle of the same identifier takes the place of the one before.
+// Replaces an earlier bundle with the same identifier.
 void registerBundle(const BundleRef& bundle);
 void forgetBundle(std::string_view identifier);
 
-// What a plug-in's shared object exports, and all of it: an object of the class with the registered name, to
-// be deleted by the host; null for another name or another version of the interfaces.
+// The only function that a plug-in's shared object exports. It creates an object of the class with the
+// registered name, which the host deletes. Null for another name or another version of the interfaces.
 //
-// The version grows with every change of a class in this folder's headers that crosses this border.
+// Increase the version with every change of a class in this folder's headers that host and plug-in share.
 inline constexpr const char* bundleEntryName = "torkaBundleInstantiate";
 inline constexpr int bundleInterfaceVersion = 1;
 using BundleEntry = PDEPlugIn* (*)(const char* className, int interfaceVersion);

@@ -24,7 +24,7 @@ std::size_t skipBlanks(std::u16string_view text) {
 
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
-// Whether a decimal number that no double can hold is beyond the largest one, and not below the smallest.
+// Whether a decimal number outside the range of double is too large, and not too small.
 bool isLarge(std::string_view number) {
     const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
     const std::string_view mantissa = number.substr(0, mark);
@@ -41,7 +41,7 @@ bool isLarge(std::string_view number) {
     return exponent > -magnitude;
 }
 
-// Whether a real is exactly this integer; 2^63, to which the largest integers round, is none.
+// Whether a real equals this integer exactly. The largest integers round to 2^63, which is no 64-bit integer.
 bool denotes(double real, std::int64_t integer) {
     return real < 9223372036854775808.0 && static_cast<double>(integer) == real &&
            CFNumber::heldInteger(real) == integer;
@@ -161,7 +161,7 @@ double CFStringGetDoubleValue(const CFStringRef& text) {
     }
     const std::u16string_view units = text->units;
     std::size_t position = skipBlanks(units);
-    // from_chars would also read "inf" and "nan": only what looks like a decimal number is handed to it.
+    // Passes only a decimal number to from_chars, which would also read "inf" and "nan".
     std::string number;
     if (position < units.size() && (units[position] == u'-' || units[position] == u'+')) {
         if (units[position] == u'-') {

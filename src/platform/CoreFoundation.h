@@ -10,12 +10,12 @@
 #include <utility>
 #include <vector>
 
-// The Core Foundation values that the system passes around, under their own call names.
+// The Core Foundation values that the system uses, under the names of their calls.
 //
-// Handles are shared pointers to immutable objects: null is absence, a copy is cheap, nothing is released by
-// hand. Strings hold UTF-16 units; every length and position counts those. All calls accept null handles and
-// answer as for an absent value (0, false, null), unless said otherwise. Safe to read from several threads.
-// Strings and data may be secret, so they are wiped when the last handle goes.
+// Handles are shared pointers to immutable objects. Null means an absent value, a copy is cheap, and nothing
+// is released by hand. Strings hold UTF-16 units; every length and position counts these. Unless stated
+// otherwise, calls accept null handles and return 0, false or null for them. Several threads may read a
+// value. Strings and data may be secret: they are wiped when the last handle goes.
 
 namespace torka::platform {
 
@@ -61,7 +61,7 @@ public:
     ~CFString() override;
     CFTypeID TypeID() const override { return typeID; }
 
-    std::u16string units; // never changed: a handle shows it as constant
+    std::u16string units; // immutable, because handles point to const objects
 };
 
 class CFNumber final : public CFObject {
@@ -72,11 +72,11 @@ public:
         , real(static_cast<double>(number)) {}
     explicit CFNumber(double number);
     CFTypeID TypeID() const override { return typeID; }
-    // The whole part of a real, held to the range of the type; 0 for "not a number".
+    // The integral part of a real, clamped to the range of the type; 0 for "not a number".
     static std::int64_t heldInteger(double number);
 
     const bool isReal = false;
-    const std::int64_t integer; // of a real: heldInteger()
+    const std::int64_t integer; // heldInteger() for a real
     const double real;
 };
 
@@ -98,7 +98,7 @@ public:
     ~CFData() override;
     CFTypeID TypeID() const override { return typeID; }
 
-    std::vector<std::uint8_t> bytes; // never changed: a handle shows them as constant
+    std::vector<std::uint8_t> bytes; // immutable, because handles point to const objects
 };
 
 // Elements are never null.
@@ -111,8 +111,7 @@ public:
     const std::vector<CFTypeRef> values;
 };
 
-// Pairs in the order in which they were given; a key that comes again replaces the earlier value in its
-// place.
+// Pairs in the given order. A repeated key replaces the earlier value and keeps its position.
 class CFDictionary final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::dictionary;
@@ -128,7 +127,7 @@ private:
     std::unordered_map<std::u16string_view, std::size_t> positions; // views into the keys of `pairs`
 };
 
-// An absolute URL, kept as its text in UTF-8.
+// An absolute URL as UTF-8 text.
 class CFURL final : public CFObject {
 public:
     static constexpr CFTypeID typeID = CFTypeID::url;
@@ -139,7 +138,7 @@ public:
     const std::string text;
 };
 
-// The value as a T when it is one, else null: cfCast<CFString>(value).
+// The value as a T, or null when it has another type: cfCast<CFString>(value).
 template <typename T>
 std::shared_ptr<const T> cfCast(const CFTypeRef& value) {
     return value && value->TypeID() == T::typeID ? std::static_pointer_cast<const T>(value) : nullptr;
@@ -147,32 +146,32 @@ std::shared_ptr<const T> cfCast(const CFTypeRef& value) {
 
 // Strings. Encodings are those of TextEncoding.h.
 
-// Null when the bytes are not text of that encoding, or the encoding is not known.
+// Null when the bytes are invalid in that encoding, or the encoding is unknown.
 CFStringRef CFStringCreateWithBytes(const char* bytes, CFIndex length, CFStringEncoding encoding);
 CFStringRef CFStringCreateWithCString(const char* text, CFStringEncoding encoding);
 CFStringRef CFStringCreateWithCharacters(std::u16string_view units);
 CFIndex CFStringGetLength(const CFStringRef& text);
 // 0 outside the string.
 UniChar CFStringGetCharacterAtIndex(const CFStringRef& text, CFIndex index);
-// Writes the text and a terminating NUL. False, with an empty buffer, when the text does not fit whole or
+// Writes the text and a terminating NUL. False, with an empty buffer, when the whole text does not fit or
 // holds a character that the encoding lacks.
 bool CFStringGetCString(const CFStringRef& text, char* buffer, CFIndex size, CFStringEncoding encoding);
 // Null when the text holds a character that the encoding lacks. No terminator.
 CFDataRef CFStringCreateExternalRepresentation(const CFStringRef& text, CFStringEncoding encoding);
 // Null when the range does not lie within the text.
 CFStringRef CFStringCreateWithSubstring(const CFStringRef& text, CFIndex location, CFIndex length);
-// The decimal number after leading white space, 0 when there is none; held to the range of 32 bits.
+// The decimal number behind leading white space; 0 for none. Clamped to the range of 32 bits.
 std::int32_t CFStringGetIntValue(const CFStringRef& text);
-// The decimal number after leading white space in the C locale, 0.0 when there is none; always finite.
+// The decimal number behind leading white space in the C locale; 0.0 for none. Always finite.
 double CFStringGetDoubleValue(const CFStringRef& text);
 
 enum CFStringCompareFlags : unsigned { kCFCompareCaseInsensitive = 1 };
-// <0, 0 or >0. Null sorts before every string. Letter case is folded for ASCII and by simple folding beyond.
+// Returns <0, 0 or >0. Null sorts before every string. kCFCompareCaseInsensitive uses simple case folding.
 int CFStringCompare(const CFStringRef& left, const CFStringRef& right, unsigned flags = 0);
 bool CFStringHasPrefix(const CFStringRef& text, std::u16string_view prefix);
 bool CFStringHasSuffix(const CFStringRef& text, std::u16string_view suffix);
 
-// Shorthands of our own for UTF-8. Bytes that are not UTF-8 become U+FFFD, so the result is never null.
+// Our own shorthands for UTF-8. cfString replaces invalid bytes by U+FFFD and never returns null.
 CFStringRef cfString(std::string_view utf8);
 // Unpaired surrogates become U+FFFD. "" for null.
 std::string utf8Text(const CFStringRef& text);
@@ -182,7 +181,7 @@ std::string utf8Text(const CFStringRef& text);
 CFNumberRef CFNumberCreate(std::int32_t value);
 CFNumberRef CFNumberCreate(std::int64_t value);
 CFNumberRef CFNumberCreate(double value);
-// True when the number converts without loss; `out` gets the nearest value in any case but a null handle.
+// True when the number converts without loss. `out` receives the nearest value, except for a null handle.
 bool CFNumberGetValue(const CFNumberRef& number, std::int32_t& out);
 bool CFNumberGetValue(const CFNumberRef& number, std::int64_t& out);
 bool CFNumberGetValue(const CFNumberRef& number, double& out);
@@ -194,13 +193,13 @@ CFDataRef CFDataCreate(const void* bytes, std::size_t length);
 std::span<const std::uint8_t> CFDataGetBytes(const CFDataRef& data);
 CFIndex CFDataGetLength(const CFDataRef& data);
 
-// Null elements are left out.
+// Leaves out null elements.
 CFArrayRef CFArrayCreate(std::vector<CFTypeRef> values);
 CFIndex CFArrayGetCount(const CFArrayRef& array);
 // Null outside the array.
 CFTypeRef CFArrayGetValueAtIndex(const CFArrayRef& array, CFIndex index);
 
-// Pairs with a null key or value are left out.
+// Leaves out pairs with a null key or value.
 CFDictionaryRef CFDictionaryCreate(const std::vector<CFDictionary::Pair>& pairs);
 CFIndex CFDictionaryGetCount(const CFDictionaryRef& dictionary);
 CFTypeRef CFDictionaryGetValue(const CFDictionaryRef& dictionary, const CFStringRef& key);
@@ -208,31 +207,32 @@ CFTypeRef CFDictionaryGetValue(const CFDictionaryRef& dictionary, std::u16string
 
 // URLs (RFC 3986)
 
-// A file URL for a path; characters that a URL may not hold are percent-escaped.
+// A file URL for a path. Escapes the characters that a URL must not hold.
 CFURLRef CFURLCreateWithFileSystemPath(std::string_view path);
-// Null when the text holds what a URL may not: white space, characters beyond ASCII, a lone "%".
+// Null when the text holds characters that a URL must not hold: white space, characters beyond ASCII, or a
+// "%" that begins no escape.
 CFURLRef CFURLCreateWithString(const CFStringRef& text);
 CFStringRef CFURLGetString(const CFURLRef& url);
 // Null when the URL has no scheme.
 CFStringRef CFURLCopyScheme(const CFURLRef& url);
-// The host of "scheme://[user@]host[:port]/…", percent escapes undone, the brackets of an IPv6 address taken
-// off. Null when there is none.
+// The host of "scheme://[user@]host[:port]/…" with percent escapes decoded, and without the brackets of an
+// IPv6 address. Null when the URL has no host.
 CFStringRef CFURLCopyHostName(const CFURLRef& url);
-// The path with percent escapes undone, "" when the URL has none or it holds an escaped NUL.
+// The path with percent escapes decoded. "" when the URL has no path or the path holds an escaped NUL.
 std::string CFURLCopyFileSystemPath(const CFURLRef& url);
 
-// The text with percent escapes undone. Null when one is not whole, or the result is not UTF-8 or holds a
-// NUL.
+// The text with percent escapes decoded. Null when an escape is incomplete, or the result is invalid UTF-8 or
+// holds a NUL.
 CFStringRef CFURLCreateStringByReplacingPercentEscapes(const CFStringRef& text);
 
-// A file named by its path; what a file reference is on a system without them.
+// A file, given by its path. Stands in for a file reference, which this system does not have.
 struct FSRef {
     std::string path;
 };
-// False for anything but a file URL with a path.
+// False unless the URL is a file URL with a path.
 bool CFURLGetFSRef(const CFURLRef& url, FSRef& file);
 
-// Same kind and same content, for any two values; null equals null only.
+// Whether two values have the same type and content. Null equals only null.
 bool CFEqual(const CFTypeRef& left, const CFTypeRef& right);
 
 } // namespace torka::platform

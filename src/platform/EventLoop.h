@@ -6,20 +6,20 @@
 #include <functional>
 #include <memory>
 
-// The main event loop: timers, and descriptors that are watched until something can be read or written.
+// The main event loop: timers, and watches that report when a descriptor can be read or written.
 //
-// One loop serves the process, the host's. It is chosen once at start with setMainEventLoop. Everything is
-// called on the main thread, and never from within the call that installed it.
+// One loop, the host's, serves the process. The host sets it at start with setMainEventLoop. The loop calls
+// every action on the main thread, and never within the call that installed it.
 
 namespace torka::platform {
 
 using EventTimerInterval = std::chrono::duration<double>; // seconds
 
 inline constexpr EventTimerInterval kEventDurationForever{0}; // as an interval: the timer fires once
-inline constexpr OSStatus eventInternalErr = -9868;           // the loop gives no timer
+inline constexpr OSStatus eventInternalErr = -9868;           // the loop has no more timers
 
-// A timer that was installed. It ends when it is removed, or with its last handle; one that fires once stays
-// silent afterwards. Its action may remove it and may install others.
+// An installed timer. It ends when it is removed or its last handle goes. A timer without an interval fires
+// once. Its action may remove it and may install others.
 class EventLoopTimer {
 public:
     EventLoopTimer() = default;
@@ -31,14 +31,15 @@ public:
 using EventLoopTimerRef = std::shared_ptr<EventLoopTimer>;
 using EventLoopTimerAction = std::function<void(const EventLoopTimerRef& timer)>;
 
-// What a descriptor is watched for, and what happened to it; together as bits.
+// Bits for the events that a descriptor is watched for, and for those that happened.
 enum DescriptorEvents : unsigned {
     descriptorReadable = 1,
     descriptorWritable = 2,
-    descriptorFailed = 4, // hung up or broken: told without being asked for
+    descriptorFailed = 4, // hung up or broken; always reported
 };
 
-// Watches a descriptor, which stays the caller's, until it is destroyed; its action may do that.
+// Watches a descriptor until the watch is destroyed. The caller keeps the descriptor. The action may destroy
+// the watch.
 class DescriptorWatch {
 public:
     DescriptorWatch() = default;
@@ -55,21 +56,22 @@ public:
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;
     virtual ~EventLoop();
-    // First fires after `delay`, then each `interval`, or only once. Null when the loop has no more timers.
+    // The timer fires after `delay`, then at each `interval`, or only once. Null when the loop has no more
+    // timers.
     virtual EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval,
                                       EventLoopTimerAction action) = 0;
     virtual std::unique_ptr<DescriptorWatch> Watch(int descriptor, unsigned events,
                                                    DescriptorAction action) = 0;
 };
 
-// The chosen loop, null until one was chosen.
+// The loop set last; null before the first.
 EventLoop* GetMainEventLoop();
 void setMainEventLoop(std::unique_ptr<EventLoop> loop);
 
-// eventInternalErr, with a null handle, for a null loop and when the loop gives no timer.
+// eventInternalErr, with a null handle, for a null loop and when the loop has no more timers.
 OSStatus InstallEventLoopTimer(EventLoop* loop, EventTimerInterval delay, EventTimerInterval interval,
                                EventLoopTimerAction action, EventLoopTimerRef& timer);
-// eventInternalErr for a null handle. The handle stays the caller's to drop.
+// eventInternalErr for a null handle. The caller keeps the handle.
 OSStatus RemoveEventLoopTimer(const EventLoopTimerRef& timer);
 
 } // namespace torka::platform

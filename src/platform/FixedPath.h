@@ -5,8 +5,8 @@
 
 namespace torka::platform {
 
-// The rule of System::Resolve, shared by its adapters: an absolute path is taken below `root`, whatever ".."
-// it holds; a relative one, and any path under an empty root, comes back unchanged.
+// The rule of System::Resolve, shared by its adapters. An absolute path is taken below `root`; its ".."
+// cannot leave `root`. Returns a relative path unchanged, and every path when `root` is empty.
 std::filesystem::path belowRoot(const std::filesystem::path& root, std::string_view fixedPath);
 
 } // namespace torka::platform

@@ -8,8 +8,7 @@
 
 namespace torka::platform {
 
-// Opens a help book at a page or an anchor (null: its beginning). Without a viewer, which is chosen once at
-// start, the answer is fnfErr.
+// Opens a help book at a page or an anchor, or at its beginning when both are null. fnfErr without a viewer.
 inline constexpr OSStatus fnfErr = -43;
 OSStatus AHGotoPage(const CFStringRef& book, const CFStringRef& page, const CFStringRef& anchor);
 

@@ -4,21 +4,21 @@
 #include <memory>
 #include <string>
 
-// Libraries that are loaded at run time.
+// Loads libraries at run time.
 //
-// One loader serves the process. It is chosen at start with setLibraryLoader (apps and tests do that);
-// without one no library is found.
+// One loader serves the process. Apps and tests set it at start with setLibraryLoader. Without a loader no
+// library is found.
 
 namespace torka::platform {
 
-// A library that is loaded as long as this lives.
+// A library that stays loaded while the object lives.
 class LoadedLibrary {
 public:
     LoadedLibrary() = default;
     LoadedLibrary(const LoadedLibrary&) = delete;
     LoadedLibrary& operator=(const LoadedLibrary&) = delete;
     virtual ~LoadedLibrary();
-    // Null when the library has no such symbol.
+    // Null when the library lacks the symbol.
     virtual void* Symbol(const char* name) const = 0;
 };
 
@@ -29,11 +29,11 @@ public:
     LibraryLoader& operator=(const LibraryLoader&) = delete;
     virtual ~LibraryLoader();
     virtual bool Exists(const std::filesystem::path& path) const = 0;
-    // Null when the library cannot be loaded; `error` says why, in one line.
+    // Null, with the reason in `error` as one line, when the library cannot be loaded.
     virtual std::unique_ptr<LoadedLibrary> Load(const std::filesystem::path& path, std::string& error) = 0;
 };
 
-// Null when none was chosen.
+// Null before setLibraryLoader.
 LibraryLoader* libraryLoader();
 // REQUIRES: no library of the old loader is in use.
 void setLibraryLoader(std::unique_ptr<LibraryLoader> loader);

@@ -16,7 +16,7 @@ namespace {
 class SyslogSink final : public LogSink {
 public:
     void Line(std::string_view text) override {
-        // Texts come from outside; a line break in one must not begin an entry of its own.
+        // Texts come from outside. A line break in a text must not begin a new entry.
         std::string line(text);
         std::replace_if(
             line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');

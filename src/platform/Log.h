@@ -7,8 +7,8 @@
 
 // The system log.
 //
-// A sink receives one line a call. The default sink is the process's syslog, which keeps lines in order by
-// itself, so no call sleeps between lines. Tests collect lines with a sink of their own.
+// A sink receives one line a call. The default sink is syslog, which keeps the order of the lines, so that no
+// call has to sleep between lines. Tests collect lines with a sink of their own.
 
 namespace torka::platform {
 
@@ -24,15 +24,15 @@ public:
 // Null restores the default.
 void setLogSink(std::shared_ptr<LogSink> sink);
 
-// "myNSLog msg '%s'", "myNSLog msg nil" for null, "myNSLog msg [empty]" for an empty text.
+// Logs "myNSLog msg '%s'"; "myNSLog msg nil" for null; "myNSLog msg [empty]" for an empty text.
 void myNSLog(const char* text);
-// The formatted text as it stands, cut at 4,095 bytes.
+// Logs the formatted text, cut at 4,095 bytes.
 void myNSLogC(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// "myNSLog8 '%@'", "myNSLog8 nil" for null.
+// Logs "myNSLog8 '%@'"; "myNSLog8 nil" for null.
 void myNSLog8(const CFStringRef& text);
 
-// Logs "Assertion failed: EXPRESSION (SOURCE)" and ends the process. For faults of the program only: what
-// comes from outside must never lead here.
+// Logs "Assertion failed: EXPRESSION (SOURCE)" and ends the process. For faults of the program only: no input
+// from outside may lead here.
 [[noreturn]] void assertionFailed(const char* expression, const char* source);
 
 } // namespace torka::platform

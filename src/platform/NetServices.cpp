@@ -32,7 +32,7 @@ NetServices::~NetServices() = default;
 
 bool parseIPv4Address(const std::string& text, HostAddress& address) {
     address = {};
-    // A NUL inside would let the rest pass unread.
+    // inet_pton would ignore the text behind a NUL.
     if (text.find('\0') != std::string::npos || inet_pton(AF_INET, text.c_str(), address.bytes.data()) != 1) {
         return false;
     }

@@ -9,32 +9,31 @@
 #include <string_view>
 #include <vector>
 
-// What is asked of the network: host look-up, ICMP echo over IPv4, and the services announced on the local
-// net.
+// Network functions: host look-up, ICMP echo over IPv4, and the services announced on the local network.
 //
-// One instance of NetServices serves the process. It is chosen once at start with setNetServices; until then
-// the first use fails. Error numbers are the system's (errno), 0 is success.
+// One instance of NetServices serves the process. REQUIRES: setNetServices is called at start, before the
+// first use. Error numbers are the system's (errno); 0 is success.
 
 namespace torka::platform {
 
 inline constexpr int addressFamilyIPv4 = 2;
 
 struct HostAddress {
-    int family = 0;                       // addressFamilyIPv4, another system number, 0 for none
-    std::array<std::uint8_t, 16> bytes{}; // network order; an IPv4 address fills the first four
+    int family = 0;                       // addressFamilyIPv4, another system number, or 0 for none
+    std::array<std::uint8_t, 16> bytes{}; // network byte order; an IPv4 address takes the first four
     bool operator==(const HostAddress&) const = default;
 };
 
-// Four decimal numbers with dots. False, with an empty address, for anything else.
+// Parses four decimal numbers with dots. False, with an empty address, for anything else.
 bool parseIPv4Address(const std::string& text, HostAddress& address);
-// An IPv4 or IPv6 address in numbers, never a name; an IPv6 address may stand in brackets. An IPv4 address
-// that is mapped into IPv6 (RFC 4291, 2.5.5.2) becomes that IPv4 address. False, with an empty address, for
-// anything else, an address with a zone included.
+// Parses a numeric IPv4 or IPv6 address; an IPv6 address may stand in brackets. An IPv4-mapped IPv6 address
+// (RFC 4291, 2.5.5.2) becomes the IPv4 address. False, with an empty address, for anything else, including
+// names and addresses with a zone.
 bool parseNumericAddress(std::string_view text, HostAddress& address);
-// Whether two texts mean one address: numbers are compared as numbers, names as text without ASCII letter
-// case. Nothing is looked up.
+// Whether two texts mean the same address. Compares numeric addresses by value, and names as text without
+// ASCII letter case. Looks up nothing.
 bool isSameAddress(std::string_view one, std::string_view other);
-// Dotted, or in the colon form of RFC 5952; "" for other families.
+// Dotted IPv4, or IPv6 in the form of RFC 5952; "" for other families.
 std::string addressText(const HostAddress& address);
 
 // A time in two parts, as an echo request carries it.
@@ -43,7 +42,7 @@ struct ClockTime {
     std::int64_t microseconds = 0;
 };
 
-// A datagram socket for ICMP; closed with the object.
+// A datagram socket for ICMP. The destructor closes it.
 class IcmpSocket {
 public:
     IcmpSocket() = default;
@@ -52,14 +51,15 @@ public:
     virtual ~IcmpSocket();
     virtual int SetReceiveBuffer(int bytes) = 0;
     virtual int SetReceiveTimeout(std::chrono::milliseconds timeout) = 0;
-    // The number of bytes sent, -1 with `error` when none were.
+    // Returns the number of bytes sent, or -1 with `error`.
     virtual std::int64_t Send(std::span<const std::uint8_t> message, const HostAddress& to, int& error) = 0;
-    // One datagram, its IPv4 header first, cut to the buffer: its length. 0 when none came within the
-    // receive time-out; a socket that cannot receive lets that time pass too.
+    // Receives one datagram, which begins with its IPv4 header, cut to the size of the buffer. Returns its
+    // length, or 0 when none arrived within the receive time-out. A socket that cannot receive waits for that
+    // time, too.
     virtual std::size_t Receive(std::span<std::uint8_t> buffer) = 0;
 };
 
-// A service of the local net by its three names, such as {"Office", "_ipp._tcp", "local."}.
+// The three names of a service on the local network, such as {"Office", "_ipp._tcp", "local."}.
 struct NetService {
     std::string name; // UTF-8
     std::string type;
@@ -70,10 +70,10 @@ struct NetService {
 struct ResolvedService {
     std::string hostName;
     std::uint16_t port = 0;
-    std::vector<HostAddress> addresses; // in the order in which the network gave them
+    std::vector<HostAddress> addresses; // in the order of the network's answers
 };
 
-// Told on the host's main thread, never from within the call that began the search.
+// Called on the host's main thread, and never within the call that began the search.
 class ServiceBrowserDelegate {
 public:
     ServiceBrowserDelegate() = default;
@@ -82,7 +82,7 @@ public:
     virtual ~ServiceBrowserDelegate();
     virtual void didFindService(const NetService& service) = 0;
     virtual void didRemoveService(const NetService& service) = 0;
-    // The search is over; `reason` is for the log.
+    // The search has failed; `reason` is for the log.
     virtual void didNotSearch(const std::string& reason) = 0;
 };
 
@@ -92,14 +92,14 @@ public:
     ServiceResolutionDelegate(const ServiceResolutionDelegate&) = delete;
     ServiceResolutionDelegate& operator=(const ServiceResolutionDelegate&) = delete;
     virtual ~ServiceResolutionDelegate();
-    // One of the two, once. What is handed over lasts until the call returns, also when the activity ends
-    // within it.
+    // The directory calls one of the two once. The arguments stay valid until the call returns, even when the
+    // activity ends within it.
     virtual void netServiceDidResolveAddress(const NetService& service, const ResolvedService& resolved) = 0;
     virtual void didNotResolve(const NetService& service, const std::string& reason) = 0;
 };
 
-// A search or resolution under way; it ends, and its delegate hears no more, with the object. The delegate
-// may destroy it from within a call.
+// A search or resolution under way. It ends with the object, and its delegate receives no further calls. The
+// delegate may destroy it within a call.
 class NetServiceActivity {
 public:
     NetServiceActivity() = default;
@@ -108,14 +108,14 @@ public:
     virtual ~NetServiceActivity();
 };
 
-// The services announced on the local net. Delegates must outlive the activity they are given to.
+// The services announced on the local network. A delegate must outlive its activity.
 class ServiceDirectory {
 public:
     ServiceDirectory() = default;
     ServiceDirectory(const ServiceDirectory&) = delete;
     ServiceDirectory& operator=(const ServiceDirectory&) = delete;
     virtual ~ServiceDirectory();
-    // Never null: what cannot be begun is told to the delegate.
+    // Never null. The delegate learns of an activity that cannot begin.
     virtual std::unique_ptr<NetServiceActivity> Browse(const std::string& type, const std::string& domain,
                                                        ServiceBrowserDelegate& delegate) = 0;
     virtual std::unique_ptr<NetServiceActivity> Resolve(const NetService& service,
@@ -129,22 +129,22 @@ public:
     NetServices(const NetServices&) = delete;
     NetServices& operator=(const NetServices&) = delete;
     virtual ~NetServices();
-    // The first IPv4 address of a host name. False, with an empty address, when there is none.
+    // The first IPv4 address of a host name. False, with an empty address, without one.
     virtual bool ResolveHost(const std::string& name, HostAddress& address) = 0;
-    // All addresses of a host name, IPv4 and IPv6; none when there is none, or none was found within the
-    // limit. 0: as long as the system takes.
+    // All IPv4 and IPv6 addresses of a host name; empty when none is found within the limit. A limit of 0
+    // means none.
     virtual std::vector<HostAddress> ResolveHostAddresses(const std::string& name,
                                                           std::chrono::milliseconds limit);
-    // Whether the answers of ResolveHost are kept and given again; if so, they can be forgotten.
+    // Whether ResolveHost caches its answers. flushHostCache clears the cache.
     virtual bool isHostCacheEnabled() const { return false; }
     virtual void flushHostCache() {}
-    // The number of the protocol "icmp", -1 when the host's tables do not know it.
+    // The number of the protocol "icmp"; -1 when the system does not know it.
     virtual int IcmpProtocol() = 0;
-    // Null with `error` when the system gives none: unprivileged users need its permission (on Linux
+    // Null, with `error`, when the system refuses. Unprivileged users need its permission (on Linux:
     // net.ipv4.ping_group_range).
     virtual std::unique_ptr<IcmpSocket> OpenIcmpSocket(int protocol, int& error) = 0;
     virtual std::uint32_t ProcessIdentifier() const = 0;
-    // The time since 1970, and one that nobody sets back. Each answers an error number.
+    // The time since 1970, and the time of a monotonic clock. Return an error number.
     virtual int TimeOfDay(ClockTime& time) = 0;
     virtual int SteadyTime(ClockTime& time) = 0;
 };
@@ -153,7 +153,7 @@ NetServices& netServices();
 void setNetServices(std::unique_ptr<NetServices> newServices);
 bool hasNetServices();
 
-// The chosen directory, null until one was chosen: then no service is ever found.
+// The directory set last; null before the first. Without a directory no service is found.
 ServiceDirectory* serviceDirectory();
 void setServiceDirectory(std::unique_ptr<ServiceDirectory> directory);
 

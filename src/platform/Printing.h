@@ -9,9 +9,9 @@
 
 // The printing framework: session, printer, print settings and page format of one print dialog.
 //
-// The interfaces are what an adapter implements (memory/ for tests and the command line, cups/ for a real
-// queue); the system calls the free functions below, which carry the framework's names and forward to the
-// handle. All of them answer kPMInvalidParameter for a null handle and leave their out-parameter empty.
+// Adapters implement the interfaces: memory/ for tests and the command line, cups/ for a real queue. The
+// system calls the free functions below, which have the framework's names and forward to the handle. For a
+// null handle they return kPMInvalidParameter and leave their out-parameter empty.
 
 namespace torka::platform {
 
@@ -29,7 +29,7 @@ inline constexpr std::uint16_t kPMPrinterIdle = 3;
 inline constexpr std::uint16_t kPMPrinterProcessing = 4;
 inline constexpr std::uint16_t kPMPrinterStopped = 5;
 
-// The settings of one job: keys to property-list values.
+// The settings of one job: keys with property-list values.
 class PrintSettings {
 public:
     PrintSettings() = default;
@@ -77,11 +77,10 @@ public:
     // Keys such as "printer-state-message".
     virtual OSStatus CopyState(CFDictionaryRef& state) const = 0;
     virtual OSStatus PaperList(std::vector<Paper>& papers) const = 0;
-    // Sends a command job: `command` is its text, `title` its title; `options` become options of the job,
-    // null for none.
+    // Sends a command job with the text `command`. `options` become options of the job; null for none.
     virtual OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                                  const CFDictionaryRef& options) = 0;
-    // Number of the job of the last command that was sent; 0 before the first, or where it is not known.
+    // Number of the last command's job; 0 before the first command, or when it is unknown.
     virtual int CommandJob() const { return 0; }
 };
 

@@ -8,13 +8,12 @@
 
 namespace torka::platform {
 
-// The list as an XML property list (UTF-8). Null when it holds a value that a property list cannot hold, such
-// as a URL.
+// Writes the list as an XML property list (UTF-8). Null when it holds a value that a property list cannot
+// hold, such as a URL.
 CFDataRef CFPropertyListCreateXMLData(const CFPropertyListRef& list);
 
-// Reads an XML property list; dates and UIDs are not used by the system and make the list unreadable. Nesting
-// deeper than 64 levels, an integer beyond 64 bits and text that is not UTF-8 are refused. Null on failure,
-// `error` then says why.
+// Reads an XML property list. Refuses dates and UIDs, which the system does not use, nesting deeper than 64
+// levels, integers beyond 64 bits, and invalid UTF-8. Null, with the reason in `error`, on failure.
 CFPropertyListRef CFPropertyListCreateFromXMLData(const CFDataRef& data, std::string* error = nullptr);
 
 } // namespace torka::platform

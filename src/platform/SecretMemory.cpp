@@ -9,7 +9,7 @@ namespace torka::platform {
 
 namespace {
 
-// Whole pages from the system, left out of core files.
+// Allocates whole pages that core files omit.
 class HiddenPages final : public std::pmr::memory_resource {
     void* do_allocate(std::size_t size, std::size_t /*alignment*/) override {
         void* pages = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -30,7 +30,7 @@ std::pmr::memory_resource& secretMemory() {
     if constexpr (hasAddressSanitizer) {
         return *std::pmr::new_delete_resource();
     }
-    // Never destroyed: values of static storage may be freed later than any that is made here.
+    // Never destroyed, because values of static storage may be freed after a static pool.
     constexpr std::size_t mostPooled = 4096;
     static auto* pages = new HiddenPages;
     static auto* pool = new std::pmr::synchronized_pool_resource(

@@ -9,12 +9,12 @@
 #include <type_traits>
 #include <vector>
 
-// Memory for keys, passwords and what holds them: the one place where it is taken, wiped and given back.
+// Memory for keys, passwords and their containers: the one place that allocates, wipes and frees it.
 //
-// Blocks of AllocateSecret lie in pages of their own that no core file shows (MADV_DONTDUMP), in whatever
-// program the code runs; a build with AddressSanitizer takes them from the heap, where it sees overruns. The
-// short form of a std::string lies in the object and not in a block: secrets belong into vectors with
-// WipingAllocator, and a string that had one is wiped with WipeText.
+// Blocks of allocateSecret lie in pages of their own, which core files omit (MADV_DONTDUMP) in every program
+// that runs the code. A build with AddressSanitizer takes them from the heap, where it detects overruns. A
+// short std::string lies in its object and not in such a block. Keep secrets in vectors with WipingAllocator,
+// and wipe a string that held one with wipeText.
 
 #if defined(__SANITIZE_ADDRESS__)
 #define TORKA_HAS_ADDRESS_SANITIZER true
@@ -31,7 +31,7 @@ namespace torka::platform {
 
 inline constexpr bool hasAddressSanitizer = TORKA_HAS_ADDRESS_SANITIZER;
 
-// In a way that the compiler may not drop. Null is allowed.
+// Zeroes memory in a way that the compiler must not remove. Null is allowed.
 inline void wipe(void* memory, std::size_t size) {
     if (memory != nullptr && size > 0) {
         ::explicit_bzero(memory, size);
@@ -44,7 +44,7 @@ void wipeValue(T& value) {
     wipe(&value, sizeof value);
 }
 
-// Wipes a string or vector with all the room that it has; it is empty afterwards.
+// Wipes the whole capacity of a string or vector and empties it.
 template <typename Text>
 void wipeText(Text& text) {
     static_assert(std::is_trivially_copyable_v<typename Text::value_type>);
@@ -73,9 +73,9 @@ private:
     T& value;
 };
 
-// Aligned for every type. Throws std::bad_alloc. May be called from several threads.
+// Returns a block aligned for every type. Throws std::bad_alloc. Thread-safe.
 void* allocateSecret(std::size_t size);
-// Wipes the block first. `size` as it was asked for; null is allowed.
+// Wipes and frees a block. REQUIRES: `size` is that of the allocation. Null is allowed.
 void freeSecret(void* memory, std::size_t size) noexcept;
 
 template <typename T>
@@ -99,7 +99,7 @@ struct WipingAllocator {
     }
 };
 
-// An array of such memory, its elements not initialised.
+// Frees an array of such memory. makeSecretArray does not initialise the elements.
 template <typename T>
 struct SecretFree {
     std::size_t count = 0;
@@ -115,9 +115,9 @@ SecretArray<T> makeSecretArray(std::size_t count) {
 
 using SecretBytes = std::vector<std::uint8_t, WipingAllocator<std::uint8_t>>;
 
-// Keeps this process from other processes of its user and out of core files: not dumpable, no core file,
-// whatever limit it was started with. A sanitizer build stays dumpable, since the leak check traces itself.
-// For our own programs alone: in a foreign one it is not ours to decide.
+// Hides this process from other processes of its user: makes it not dumpable and sets its limit for core
+// files to 0. A sanitizer build stays dumpable, because the leak check traces its own process. Only our own
+// programs call this; a foreign host decides for itself.
 void protectProcess();
 
 } // namespace torka::platform

@@ -6,14 +6,14 @@
 #include <string_view>
 #include <vector>
 
-// What is asked of the spooler beyond one printer: its jobs, its destinations, a destination's description.
+// The spooler's functions beyond one printer: its jobs, its destinations and their descriptions.
 //
-// One instance serves the process. It is chosen once at start with setSpooler; until then the first use
-// fails. Each call asks the spooler anew: nothing is remembered between calls.
+// One instance serves the process. REQUIRES: setSpooler is called at start, before the first use. Each call
+// asks the spooler again; nothing is cached.
 
 namespace torka::platform {
 
-// States of a job and of a destination, as IPP numbers them (RFC 8011, 5.3.7 and 5.4.11).
+// States of a job and of a destination, with the numbers of IPP (RFC 8011, 5.3.7 and 5.4.11).
 inline constexpr int jobStatePending = 3;
 inline constexpr int jobStateHeld = 4;
 inline constexpr int jobStateProcessing = 5;
@@ -28,10 +28,10 @@ inline constexpr int destinationStateStopped = 5;
 
 struct SpoolerJob {
     int id = 0;
-    std::string title;       // UTF-8, exactly as the job was sent
+    std::string title;       // UTF-8, exactly as sent with the job
     std::string destination; // queue name
     int state = 0;           // jobState…
-    // Seconds since 1970 at which the job was over; 0 while it is not, or where the spooler does not tell.
+    // The job's end in seconds since 1970; 0 before the end, or when the spooler does not give it.
     std::int64_t overAt = 0;
 };
 
@@ -47,16 +47,16 @@ public:
     Spooler(const Spooler&) = delete;
     Spooler& operator=(const Spooler&) = delete;
     virtual ~Spooler();
-    // The jobs of all destinations and all users, the finished ones included, in the order in which the
-    // spooler lists them. False, with an empty list, when the spooler does not answer.
+    // The jobs of all destinations and users, including finished ones, in the spooler's order. False, with an
+    // empty list, when the spooler does not answer.
     virtual bool GetJobs(std::vector<SpoolerJob>& jobs) = 0;
-    // What the job's filters said last: why it failed. "" for a job that is not known.
+    // The last message of the job's filters, which is the reason of a failure. "" for an unknown job.
     virtual std::string JobMessage(int /*job*/) { return {}; }
     // False, with an empty list, when the spooler does not answer.
     virtual bool GetDestinations(std::vector<SpoolerDestination>& destinations) = 0;
-    // Fetches a destination's description afresh and tells its path, "" when there is none. The file may be
-    // the spooler's own by a symbolic link, or a copy: never write to it. It stays readable until this
-    // destination's description is fetched again, or until the instance ends; the instance removes it.
+    // Fetches a destination's description again and returns its path; "" without one. The file may be a
+    // symbolic link to the spooler's own file, or a copy: never write to it. It stays readable until the next
+    // fetch for this destination or the end of the instance, which removes it.
     virtual std::string FetchPPD(const std::string& destination) = 0;
 };
 

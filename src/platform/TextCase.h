@@ -5,9 +5,9 @@
 
 namespace torka::platform {
 
-// Full Unicode case mapping, the same for every language and locale ("ß" becomes "SS").
+// Full Unicode case mapping, independent of language and locale ("ß" becomes "SS").
 std::u16string upperCase(std::u16string_view text);
-// As upperCase for UTF-8; what is no UTF-8 becomes U+FFFD.
+// As upperCase, for UTF-8. Invalid bytes become U+FFFD.
 std::string upperCaseUtf8(std::string_view text);
 // The code point by which Unicode compares without regard to case (simple case folding).
 char32_t foldCase(char32_t point);

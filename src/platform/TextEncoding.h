@@ -7,14 +7,14 @@
 #include <string>
 #include <string_view>
 
-// Text encodings by the numbers of the Text Encoding Conversion Manager, and conversion between them and
+// Text encodings with the numbers of the Text Encoding Conversion Manager, and conversion between them and
 // UTF-16.
 //
-// Mac Japanese and Shift-JIS (1 and 2561) are converted as Shift_JIS plus the bytes in which Mac Japanese
-// differs: 0x5C is the yen sign, 0x80 the backslash, 0xA0 the no-break space, 0xFD to 0xFF the copyright and
-// trade mark signs and the ellipsis. UTF-16 is read in the order of its byte order mark and without one, as
-// it is written, in this machine's order. Non-lossy ASCII writes a backslash as "\\", U+0080 to U+00FF as
-// "\NNN" (octal), other units as "\uXXXX".
+// Mac Japanese and Shift-JIS (1 and 2561) are both converted as Shift_JIS with the bytes in which Mac
+// Japanese differs: 0x5C is the yen sign, 0x80 the backslash, 0xA0 the no-break space, 0xFD to 0xFF the
+// copyright and trade mark signs and the ellipsis. UTF-16 is read in the order of its byte-order mark, or
+// without a mark in this machine's order. It is written in this machine's order. Non-lossy ASCII writes a
+// backslash as "\\", U+0080 to U+00FF as "\NNN" (octal), and other units as "\uXXXX".
 
 namespace torka::platform {
 
@@ -34,33 +34,33 @@ inline constexpr CFStringEncoding kCFStringEncodingNonLossyASCII = 0x0BFF; // 7-
 inline constexpr CFStringEncoding kCFStringEncodingUTF8 = 0x08000100;
 inline constexpr CFStringEncoding kCFStringEncodingUnknown = 65535;
 
-// The number of an encoding from its parts: base 256 is Unicode, its format 2 is UTF-8. Other bases are their
-// own number.
+// The number of an encoding from its parts. Base 256 is Unicode, and its format 2 is UTF-8. A base alone is
+// its own number.
 CFStringEncoding CreateTextEncoding(CFStringEncoding base, CFStringEncoding variant, CFStringEncoding format);
-// The encoding of the classic system that holds an encoding's characters best; the Unicode encodings are
-// their own answer, so text whose encoding was found this way is still read as UTF-8.
+// The encoding of the classic system that covers an encoding's characters best. Returns a Unicode encoding
+// unchanged, so that text in UTF-8 is still read as UTF-8.
 CFStringEncoding CFStringGetMostCompatibleMacStringEncoding(CFStringEncoding encoding);
-// The encoding in which the system takes and gives narrow text (platform::System decides; UTF-8 on Linux).
+// The system's encoding of narrow text (platform::System defines it; UTF-8 on Linux).
 CFStringEncoding CFStringGetSystemEncoding();
 
 bool isKnownEncoding(CFStringEncoding encoding);
 
-// Empty when the bytes are not text of that encoding or the encoding is not known.
+// nullopt when the bytes are invalid in that encoding or the encoding is unknown.
 std::optional<std::u16string> decodeText(std::string_view bytes, CFStringEncoding encoding);
-// As decodeText, but what cannot be read becomes U+FFFD. Empty only for an unknown encoding.
+// As decodeText, but invalid bytes become U+FFFD. nullopt only for an unknown encoding.
 std::optional<std::u16string> decodeTextLossy(std::string_view bytes, CFStringEncoding encoding);
-// Empty when a character cannot be written in the encoding or the encoding is not known.
+// nullopt when the encoding lacks a character or is unknown.
 std::optional<std::string> encodeText(std::u16string_view text, CFStringEncoding encoding);
 
 // Unpaired surrogates become U+FFFD.
 std::string utf8FromUtf16(std::u16string_view units);
 
-// The character at `position`, which then stands behind it; an unpaired surrogate comes back as it is.
-// REQUIRES: position < units.size().
+// Returns the character at `position` and moves `position` behind it. Returns an unpaired surrogate
+// unchanged. REQUIRES: position < units.size().
 char32_t nextCodePoint(std::u16string_view units, std::size_t& position);
 
-// Wide text (32-bit units, as in the two-way records and the module interface) from and to UTF-16. Values
-// above U+10FFFF and surrogates on their own become U+FFFD.
+// Convert between UTF-16 and wide text (32-bit units, as in the two-way records and the module interface).
+// Values above U+10FFFF and unpaired surrogates become U+FFFD.
 std::u16string utf16FromWide(std::wstring_view wide);
 std::wstring wideFromUtf16(std::u16string_view units);
 std::string utf8FromWide(std::wstring_view wide);

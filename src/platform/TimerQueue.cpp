@@ -52,7 +52,7 @@ std::size_t TimerQueue::FireDue() {
                      [](const auto& left, const auto& right) { return left.first < right.first; });
     std::size_t fired = 0;
     for (const auto& entry : due) {
-        // One that fired before may have ended this one.
+        // A timer that fired earlier in this loop may have ended this one.
         const auto timer = entry.second.lock();
         if (timer && timer->isActive) {
             timer->Fire(timer);

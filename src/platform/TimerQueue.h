@@ -8,21 +8,21 @@
 
 namespace torka::platform {
 
-// The timers of a loop that asks itself what is due, by the clock of platform::system(). Not thread-safe.
+// The timers of a loop that polls for due ones. Uses the clock of platform::system(). Not thread-safe.
 class TimerQueue {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
 
     EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval,
                               EventLoopTimerAction action);
-    // Fires what is due now, each timer at most once, the earliest first: how many fired.
+    // Fires the timers that are due now, each at most once, the earliest first. Returns their number.
     std::size_t FireDue();
     std::optional<TimePoint> NextDue() const;
-    std::size_t Installed() const; // timers that will fire yet
+    std::size_t Installed() const; // number of timers that will still fire
 
 private:
     class Timer;
-    std::vector<std::weak_ptr<Timer>> timers; // in the order of installing
+    std::vector<std::weak_ptr<Timer>> timers; // in the order of installation
 };
 
 } // namespace torka::platform

@@ -1,4 +1,4 @@
-// URLs of CoreFoundation.h: RFC 3986, taken apart as its appendix B does.
+// The URL functions of CoreFoundation.h (RFC 3986; parsed as in its appendix B).
 
 #include "platform/CoreFoundation.h"
 #include "platform/TextEncoding.h"
@@ -30,7 +30,7 @@ int hexValue(char c) {
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-// The byte that the escape at `position` denotes, or -1 when there is none.
+// The byte of the escape at `position`; -1 when no escape stands there.
 int escapedByte(std::string_view text, std::size_t position) {
     if (position + 2 >= text.size() || text[position] != '%') {
         return -1;
@@ -153,7 +153,7 @@ std::string CFURLCopyFileSystemPath(const CFURLRef& url) {
         return {};
     }
     std::string path = undoEscapes(takeApart(url->text).path);
-    // An escaped NUL would name another file than the text shows.
+    // The system would cut the path at an escaped NUL and open another file.
     return path.find('\0') == std::string::npos ? path : std::string();
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-// Avahi leaves these two types to whoever supplies the loop.
+// Avahi declares these two types and leaves their definition to the loop's author.
 
 struct AvahiWatch {
     int descriptor;
@@ -46,7 +46,7 @@ AvahiWatch* newWatch(const AvahiPoll* api, int descriptor, AvahiWatchEvent event
     watch->callback = callback;
     watch->userdata = userdata;
     AvahiWatch* const told = watch.get();
-    // Nothing is touched after the call: Avahi may have freed the watch.
+    // Touches nothing after the callback, which may free the watch.
     const auto tell = [told](unsigned happened) {
         told->happened = avahiEvents(happened);
         told->callback(told, told->descriptor, told->happened, told->userdata);
@@ -67,7 +67,7 @@ void updateTimeout(AvahiTimeout* timeout, const timeval* when) {
         return;
     }
     const EventTimerInterval delay = std::chrono::microseconds(
-        std::max<AvahiUsec>(-avahi_age(when), 0)); // the age of a time to come is negative
+        std::max<AvahiUsec>(-avahi_age(when), 0)); // avahi_age is negative for a future time
     const auto fire = [timeout](const EventLoopTimerRef&) { timeout->callback(timeout, timeout->userdata); };
     InstallEventLoopTimer(timeout->loop, delay, kEventDurationForever, fire, timeout->timer);
 }

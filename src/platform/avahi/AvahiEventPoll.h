@@ -6,8 +6,8 @@
 
 namespace torka::platform {
 
-// Avahi's way to ask for an event loop, answered by ours. The loop outlives it, and it outlives the clients
-// that were made with it.
+// Implements Avahi's poll interface with our event loop. REQUIRES: the loop outlives it, and it outlives the
+// clients created with it.
 class AvahiEventPoll {
 public:
     explicit AvahiEventPoll(EventLoop& eventLoop);

@@ -19,8 +19,8 @@ namespace torka::platform {
 
 namespace {
 
-constexpr std::size_t mostServices = 2000; // of one search
-// An answer of another kind waits so long for an IPv4 address.
+constexpr std::size_t mostServices = 2000; // per search
+// After an answer without an IPv4 address, a resolution waits this long for one.
 constexpr EventTimerInterval addressGrace{1.0};
 
 std::string withoutDot(std::string text) {
@@ -44,17 +44,17 @@ HostAddress hostAddress(const AvahiAddress& address) {
 
 } // namespace
 
-// A search or resolution as the connection knows it.
+// The connection's interface to a search or resolution.
 class AvahiServiceDirectory::Activity : public NetServiceActivity {
 public:
     explicit Activity(Connection& owner);
     ~Activity() override;
 
-    // Asks the daemon. False with the reason when it cannot be asked.
+    // Sends the request to the daemon. False, with the reason, on failure.
     virtual bool Begin(AvahiClient* client, std::string& reason) = 0;
-    // Gives up what the client holds for it; the client goes.
+    // Frees the client's objects of this activity before the client itself is freed.
     virtual void Release() = 0;
-    // Tells the delegate, which may destroy the activity.
+    // Notifies the delegate, which may destroy the activity.
     virtual void Fail(const std::string& reason) = 0;
 
 protected:
@@ -70,7 +70,7 @@ public:
     Connection& operator=(const Connection&) = delete;
     ~Connection() { Close(); }
 
-    // Begins the activity from the loop, so that nothing is told from within the call that makes it.
+    // Begins the activity from the loop, so that the call that creates it never notifies the delegate.
     void Begin(Activity& activity) {
         activities.push_back(&activity);
         unbegun.push_back(&activity);
@@ -136,7 +136,7 @@ private:
         }
     }
 
-    // The delegates may destroy any of them, so `told` is a list apart.
+    // The delegates may destroy any activity, so that `told` must be a copy of the list.
     void TellAll(const std::vector<Activity*>& told, const std::string& reason) {
         myNSLogC("%s", reason.c_str());
         unbegun.clear();
@@ -147,11 +147,11 @@ private:
         }
     }
 
-    // Called by Avahi, also while the client is being made.
+    // Avahi calls this, even while it creates the client.
     static void StateChanged(AvahiClient* /*client*/, AvahiClientState state, void* self) {
         auto* connection = static_cast<Connection*>(self);
         if (state == AVAHI_CLIENT_FAILURE) {
-            connection->isBroken = true; // the client may not be freed in here
+            connection->isBroken = true; // the client must not be freed in this callback
             connection->Defer();
         }
     }
@@ -160,7 +160,7 @@ private:
     AvahiClient* client = nullptr;
     bool isBroken = false;
     EventLoopTimerRef next;
-    std::vector<Activity*> activities; // in the order of their making
+    std::vector<Activity*> activities; // in the order of creation
     std::vector<Activity*> unbegun;
 };
 
@@ -212,7 +212,7 @@ private:
         }
     }
 
-    // A service is announced once for each interface and address family.
+    // Avahi announces a service once for each interface and address family.
     void Appeared(const std::string& name) {
         const auto place = times.find(name);
         if (place != times.end()) {
@@ -234,10 +234,10 @@ private:
     const std::string domain;
     ServiceBrowserDelegate& delegate;
     AvahiServiceBrowser* browser = nullptr;
-    std::map<std::string, std::size_t> times; // announcements by name
+    std::map<std::string, std::size_t> times; // number of announcements by name
 };
 
-// Asks for both address families at once.
+// Asks for both address families at the same time.
 class AvahiServiceDirectory::Resolution final : public Activity {
 public:
     Resolution(Connection& owner, NetService which, std::chrono::milliseconds timeout,
@@ -268,7 +268,7 @@ public:
             avahi_service_resolver_free(resolver);
         }
     }
-    // Once for all: with the answer that is there, if any.
+    // Ends the resolution: reports the answer received so far, if any, else the failure.
     void Fail(const std::string& reason) override {
         Release();
         end.reset();
@@ -299,7 +299,7 @@ private:
         const bool isIPv4 = resolved.addresses.front().family == addressFamilyIPv4;
         answer = std::move(resolved);
         if (isIPv4 || resolvers.size() == 1) {
-            Fail({}); // there is an answer to be told
+            Fail({}); // reports the answer
         } else {
             EndAfter(addressGrace, grace);
         }
@@ -325,7 +325,7 @@ private:
     const NetService service;
     ServiceResolutionDelegate& delegate;
     std::vector<AvahiServiceResolver*> resolvers;
-    std::optional<ResolvedService> answer; // without an IPv4 address so far
+    std::optional<ResolvedService> answer; // an answer without an IPv4 address
     EventLoopTimerRef end;
     EventLoopTimerRef grace;
 };

@@ -7,14 +7,14 @@
 
 namespace torka::platform {
 
-// The services that the Avahi daemon knows. The client to the daemon is made with the first activity; when
-// the daemon goes, every activity fails, and the next one that is begun looks for it again.
+// The services that the Avahi daemon knows. The first activity connects to the daemon. When the daemon ends,
+// every activity fails, and the next activity connects again.
 //
-// Searches tell each service once, over however many interfaces it is announced, and no more than 2,000 of a
-// type. A resolution gives an IPv4 address as soon as there is one, and otherwise the host's name. It may
-// fail before its time-out, when the daemon gives up.
+// A search reports each service once, even when several interfaces announce it, and at most 2,000 services of
+// a type. A resolution returns an IPv4 address as soon as one is known, otherwise the host's name. It may
+// fail before its time-out when the daemon gives up.
 //
-// The loop outlives it, and it outlives the activities that it gives. Not thread-safe.
+// REQUIRES: the loop outlives it, and it outlives its activities. Not thread-safe.
 class AvahiServiceDirectory final : public ServiceDirectory {
 public:
     explicit AvahiServiceDirectory(EventLoop& eventLoop);

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-// Owners of what libcups gives out, and the questions that its adapters share.
+// Owners of libcups objects, and requests that the adapters share.
 
 namespace torka::platform {
 
@@ -16,7 +16,7 @@ struct FreeIpp {
 };
 using IppMessage = std::unique_ptr<ipp_t, FreeIpp>;
 
-// Options of a job, as libcups takes them.
+// Options of a job in the form of libcups.
 class CupsOptions {
 public:
     CupsOptions() = default;
@@ -39,13 +39,13 @@ private:
     cups_option_t* options = nullptr;
 };
 
-// The address by which a queue is meant in a request; "" for a name that cannot be one.
+// The URI that names a queue in a request; "" for an invalid name.
 std::string queueUri(const std::string& queueName);
-// The server's answer about a queue or a job, null when there is none; cupsLastErrorString() tells why.
+// The server's answer about a queue; null without one. cupsLastErrorString() then gives the reason.
 IppMessage printerAttributes(const std::string& queueName, const std::vector<const char*>& names);
-// Texts of an attribute's values; empty when it is absent.
+// The texts of an attribute's values; empty when the attribute is absent.
 std::vector<std::string> attributeTexts(ipp_t* message, const char* name);
-// -1 when it is absent.
+// -1 when the attribute is absent.
 int attributeInteger(ipp_t* message, const char* name);
 
 } // namespace torka::platform

@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-// The library marks its PPD calls as deprecated; a queue with a description has no others.
+// libcups marks its PPD functions as deprecated and offers no others for a queue with a description.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka::platform {
@@ -92,7 +92,7 @@ OSStatus CupsPrinter::CopyState(CFDictionaryRef& state) const {
 
 OSStatus CupsPrinter::PaperList(std::vector<Paper>& papers) const {
     papers.clear();
-    FetchedPPD fetched; // another than the one that somebody may still read
+    FetchedPPD fetched; // separate from the member, whose file a caller may still read
     const std::unique_ptr<ppd_file_t, ClosePPD> ppd(ppdOpenFile(fetched.Fetch(queueName).c_str()));
     if (!ppd) {
         return kPMGeneralError;
@@ -117,8 +117,8 @@ OSStatus CupsPrinter::PaperList(std::vector<Paper>& papers) const {
 
 OSStatus CupsPrinter::SendCommand(const CFStringRef& command, const CFStringRef& title,
                                   const CFDictionaryRef& options) {
-    // A command prepares jobs that follow it: none of them may overtake it, and a queue that holds its jobs
-    // does not hold it. Options of the caller stand above these.
+    // A command prepares later jobs. The priority keeps them from overtaking it, and "no-hold" keeps a queue
+    // that holds its jobs from holding it. The caller's options override these.
     CupsOptions jobOptions({{"job-priority", "100"}, {"job-hold-until", "no-hold"}});
     if (options) {
         for (const auto& [key, value] : options->Pairs()) {
@@ -139,7 +139,7 @@ OSStatus CupsPrinter::SendCommand(const CFStringRef& command, const CFStringRef&
                                         CUPS_FORMAT_COMMAND, 1) == HTTP_STATUS_CONTINUE &&
                       (text.empty() || cupsWriteRequestData(CUPS_HTTP_DEFAULT, text.data(), text.size()) ==
                                            HTTP_STATUS_CONTINUE);
-    // The request is to be finished in any case, or the connection could not be used again.
+    // Always finishes the request; otherwise the connection would be unusable.
     if (cupsFinishDocument(CUPS_HTTP_DEFAULT, queueName.c_str()) > IPP_STATUS_OK_CONFLICTING || !sent) {
         cupsCancelJob2(CUPS_HTTP_DEFAULT, queueName.c_str(), job, 0);
         return kPMGeneralError;

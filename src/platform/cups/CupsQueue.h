@@ -4,13 +4,13 @@
 #include <utility>
 #include <vector>
 
-// Jobs with documents, and queues of one's own making.
+// Sends jobs with documents and adds queues.
 
 namespace torka::platform {
 
 using JobOptions = std::vector<std::pair<std::string, std::string>>;
 
-// Sends a file as a job: its number; 0 with the server's reason in `error`.
+// Sends a file as a job. Returns the job's number, or 0 with the server's reason in `error`.
 int submitFile(const std::string& queueName, const std::string& path, const std::string& title,
                const JobOptions& options, std::string& error);
 
@@ -25,12 +25,12 @@ struct JobStatus {
 JobStatus jobStatus(int job);
 void cancelJob(const std::string& queueName, int job);
 
-// Adds a queue, or changes it, and lets it take jobs. A job that fails ends there and does not stop the
-// queue: the next person's job has nothing to do with it. "" or the server's reason.
+// Adds or changes a queue and lets it accept jobs. A job that fails is aborted and does not stop the queue,
+// so that other people's jobs still print. Returns "" or the server's reason.
 std::string addQueue(const std::string& name, const std::string& deviceUri, const std::string& ppdPath);
 
-// Why nothing can be named so as a queue, "" when it can: 1 to 127 bytes without blanks, control characters,
-// "/", "\", "?", quotes and "#".
+// The reason why a queue cannot have this name; "" for a valid name. A name has 1 to 127 bytes without
+// blanks, control characters, "/", "\", "?", quotes and "#".
 std::string queueNameProblem(const std::string& name);
 
 } // namespace torka::platform

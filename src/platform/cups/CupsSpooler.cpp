@@ -49,7 +49,7 @@ bool CupsSpooler::GetDestinations(std::vector<SpoolerDestination>& destinations)
         destinations.push_back(std::move(destination));
     }
     cupsFreeDests(count, listed);
-    // No queue at all is told apart from no answer by the status.
+    // With a count of 0, the status distinguishes a server without queues from a missing answer.
     return count > 0 || cupsLastError() <= IPP_STATUS_ERROR_NOT_FOUND;
 }
 

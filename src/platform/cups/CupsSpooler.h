@@ -9,7 +9,7 @@
 
 namespace torka::platform {
 
-// The spooler's questions, put to the system's print server. CUPS_SERVER chooses the server.
+// The spooler interface for the system's print server. CUPS_SERVER chooses the server.
 class CupsSpooler final : public Spooler {
 public:
     bool GetJobs(std::vector<SpoolerJob>& jobs) override;

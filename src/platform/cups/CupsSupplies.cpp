@@ -22,7 +22,7 @@ const std::vector<const char*> asked{"marker-names",           "marker-types",
                                      "printer-name",           "printer-info",
                                      "printer-make-and-model", "printer-firmware-string-version"};
 
-// Texts and octet strings alike, without NULs.
+// The values of an attribute of texts or octet strings, without NULs.
 std::vector<std::string> words(ipp_t* message, const char* name) {
     ipp_attribute_t* attribute = ippFindAttribute(message, name, IPP_TAG_ZERO);
     if (ippGetValueTag(attribute) != IPP_TAG_STRING) {
@@ -194,7 +194,7 @@ std::optional<PrinterFacts> deviceFacts(const std::string& uri, std::chrono::mil
     }
     const Deadline deadline(httpGetFd(http.get()), limit);
     const IppMessage request(ippNewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES));
-    // Whoever may see the device's URI: its user and password are no part of the printer's name.
+    // Leaves out the user and password of the device's URI, which are no part of the printer's name.
     std::array<char, HTTP_MAX_URI> printer{};
     httpAssembleURI(HTTP_URI_CODING_ALL, printer.data(), HTTP_MAX_URI, device.scheme.data(), nullptr,
                     device.host.data(), device.port, device.resource.data());

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-// What a queue or an IPP printer tells about its supplies, trays and itself: the attributes as they came, in
-// no way checked. The lists of one family are parallel, and may be of different lengths.
+// The attributes of a queue or an IPP printer about its supplies, its trays and itself. The values are
+// unchecked. The lists of one family are parallel and may have different lengths.
 
 namespace torka::platform {
 
-// A member of "media-col-ready"; "" and 0 for what it does not tell.
+// A member of "media-col-ready"; "" and 0 for missing values.
 struct LoadedMedia {
     std::string source; // keyword, such as "tray-1"
     std::string type;   // keyword, such as "stationery-letterhead"
@@ -20,15 +20,15 @@ struct LoadedMedia {
 };
 
 struct PrinterFacts {
-    // The print server's words, set by filters and backends with "ATTR:" lines. Levels are percent; negative:
-    // not known.
+    // The print server's attributes, which filters and backends set with "ATTR:" lines. Levels are percent;
+    // negative when unknown.
     std::vector<std::string> markerNames;
     std::vector<std::string> markerTypes;
     std::vector<std::string> markerColors;
     std::vector<int> markerLevels;
     std::vector<int> markerLowLevels;
     std::vector<int> markerHighLevels;
-    // PWG 5100.13, "key=value;" texts.
+    // Texts of the form "key=value;" (PWG 5100.13).
     std::vector<std::string> supplies;
     std::vector<std::string> supplyDescriptions;
     std::vector<std::string> inputTrays;
@@ -38,11 +38,10 @@ struct PrinterFacts {
     std::string firmware;
 };
 
-// Of a queue, from the print server; none when it does not answer.
+// The attributes of a queue, from the print server; nullopt when the server does not answer.
 std::optional<PrinterFacts> queueFacts(const std::string& queueName);
-// Of the printer at an "ipp" or "ipps" URI, asked directly; none for other URIs, and when it does not answer
-// with at most a megabyte within the time. `limit` holds for each of three steps: finding the host,
-// connecting, the answer.
+// The attributes of the printer at an "ipp" or "ipps" URI, from the printer itself. nullopt for other URIs,
+// for an answer of more than 1 MiB, and without an answer within `limit`.
 std::optional<PrinterFacts> deviceFacts(const std::string& uri, std::chrono::milliseconds limit);
 
 } // namespace torka::platform

@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
-// The library marks its PPD calls as deprecated; a queue with a description has no others.
+// libcups marks its PPD functions as deprecated and offers no others for a queue with a description.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka::platform {

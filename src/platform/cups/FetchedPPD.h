@@ -4,10 +4,10 @@
 
 namespace torka::platform {
 
-// A queue's description, fetched from the server each time it is asked for.
+// Fetches a queue's description from the server at each call.
 //
-// Where the server is local, the path is the server's own file: nobody writes to it, and nothing is to be
-// removed. Otherwise it is a copy that lives until the next Fetch() or the end of this object.
+// With a local server the path is the server's own file: never write to it or remove it. Otherwise it is a
+// copy that lives until the next Fetch() or the end of this object.
 class FetchedPPD {
 public:
     FetchedPPD() = default;
@@ -15,13 +15,13 @@ public:
     FetchedPPD& operator=(const FetchedPPD&) = delete;
     ~FetchedPPD() { Forget(); }
 
-    // The path, "" when the queue has no description or the server does not answer.
+    // Returns the path; "" when the queue has no description or the server does not answer.
     std::string Fetch(const std::string& queueName);
 
 private:
     void Forget();
 
-    std::string copy; // "" when there is none to remove
+    std::string copy; // path of the copy to remove; "" for none
 };
 
 } // namespace torka::platform

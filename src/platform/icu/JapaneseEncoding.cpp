@@ -17,8 +17,8 @@ struct Pair {
     char16_t unit;
 };
 
-// Where ICU's Shift_JIS follows the Windows table, the characters of JIS X 0208 stand here; the bytes of Mac
-// Japanese come after them.
+// First the characters of JIS X 0208 for which ICU's Shift_JIS follows the Windows table, then the single
+// bytes of Mac Japanese.
 constexpr Pair ownPairs[] = {
     {0x8160, u'\x301C'}, {0x8161, u'\x2016'}, {0x817C, u'\x2212'}, {0x8191, u'\x00A2'},
     {0x8192, u'\x00A3'}, {0x81CA, u'\x00AC'}, {0x5C, u'\x00A5'},   {0x80, u'\\'},
@@ -36,10 +36,10 @@ std::size_t doubleIndex(unsigned lead, unsigned trail) {
 }
 
 struct Tables {
-    std::array<char16_t, 256> single{};                         // 0: no character of one byte
-    std::array<char16_t, (0x1F + 0x1D) * trailCount> doubles{}; // 0: no character
+    std::array<char16_t, 256> single{};                         // by byte; 0 for none
+    std::array<char16_t, (0x1F + 0x1D) * trailCount> doubles{}; // by pair of bytes; 0 for none
     std::vector<std::uint16_t> codes =
-        std::vector<std::uint16_t>(0x10000); // by unit; 0: no code, or the NUL itself
+        std::vector<std::uint16_t>(0x10000); // by unit; 0 for no code, and for NUL
 };
 
 void fillSingles(Tables& tables) {
@@ -54,7 +54,8 @@ void fillSingles(Tables& tables) {
     }
 }
 
-// Every character of two bytes, and the way back as ICU prefers it where two codes stand for one character.
+// Fills in every two-byte character. When two codes stand for one character, the reverse table holds the code
+// that ICU prefers.
 void fillDoubles(Tables& tables) {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open("Shift_JIS", &status),
@@ -93,12 +94,12 @@ void fillOwn(Tables& tables) {
             tables.single[pair.code] = pair.unit;
         }
         if (pair.code > 0xFF || tables.codes[pair.unit] <= 0xFF) {
-            tables.codes[pair.unit] = pair.code; // the ellipsis keeps its code of two bytes
+            tables.codes[pair.unit] = pair.code; // the ellipsis keeps its two-byte code
         }
     }
 }
 
-// 165 kB, made at the first Japanese text.
+// 165 kB, built for the first Japanese text.
 const Tables& tables() {
     static const std::unique_ptr<const Tables> made = [] {
         auto filled = std::make_unique<Tables>();

@@ -4,14 +4,13 @@
 #include <string>
 #include <string_view>
 
-// Mac Japanese: Shift_JIS as ICU knows it, with the single bytes in which the two differ. No library at hand
-// knows it.
+// Mac Japanese: ICU's Shift_JIS with the single bytes in which the two differ. ICU itself lacks it.
 
 namespace torka::platform {
 
-// With `lossy` what cannot be read becomes U+FFFD, else the answer is then empty.
+// For invalid bytes: U+FFFD with `lossy`, otherwise nullopt for the whole text.
 std::optional<std::u16string> decodeJapanese(std::string_view bytes, bool lossy);
-// Empty when a character cannot be written.
+// nullopt when the encoding lacks a character.
 std::optional<std::string> encodeJapanese(std::u16string_view text);
 
 } // namespace torka::platform

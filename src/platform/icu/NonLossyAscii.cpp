@@ -6,7 +6,7 @@ namespace torka::platform {
 
 namespace {
 
-// Reads exactly `count` digits of `base` at the front of `text`; empty when they are not there.
+// Reads exactly `count` digits of `base` at the front of `text`; nullopt when they are missing.
 std::optional<unsigned> readDigits(std::string_view text, std::size_t count, int base) {
     if (text.size() < count) {
         return std::nullopt;
@@ -19,10 +19,10 @@ std::optional<unsigned> readDigits(std::string_view text, std::size_t count, int
 
 struct Escape {
     char16_t unit;
-    std::size_t length; // of the whole escape, the backslash included
+    std::size_t length; // of the whole escape, including the backslash
 };
 
-// The escape at the front of `text`, which begins with a backslash.
+// Reads the escape at the front of `text`. REQUIRES: `text` begins with a backslash.
 std::optional<Escape> readEscape(std::string_view text) {
     if (text.size() < 2) {
         return std::nullopt;

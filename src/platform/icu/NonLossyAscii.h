@@ -4,12 +4,11 @@
 #include <string>
 #include <string_view>
 
-// Text of any kind in 7 bits: a backslash is "\\", U+0080 to U+00FF are "\NNN" (octal), units beyond are
-// "\uXXXX".
+// Any text in 7 bits: a backslash is "\\", U+0080 to U+00FF are "\NNN" (octal), and further units "\uXXXX".
 
 namespace torka::platform {
 
-// With `lossy` what cannot be read becomes U+FFFD, else the answer is then empty.
+// For invalid bytes: U+FFFD with `lossy`, otherwise nullopt for the whole text.
 std::optional<std::u16string> decodeNonLossyAscii(std::string_view bytes, bool lossy);
 std::string encodeNonLossyAscii(std::u16string_view text);
 

@@ -18,7 +18,7 @@ namespace torka::platform {
 namespace {
 
 constexpr char16_t replacement = u'\xFFFD';
-// ICU counts in 32 bits and a byte may become a few units: longer text is refused whole.
+// ICU counts in 32 bits, and a byte may become several units. Longer text is refused.
 constexpr std::size_t mostBytes = std::numeric_limits<std::int32_t>::max() / 8;
 
 struct NamedEncoding {
@@ -50,7 +50,7 @@ bool isJapanese(CFStringEncoding encoding) {
 
 using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
 
-// A converter keeps state, so each thread has its own of each encoding, made once. Null when ICU lacks the
+// A converter has state, so that each thread creates its own for an encoding, once. Null when ICU lacks the
 // encoding.
 UConverter* converterFor(const NamedEncoding& named) {
     thread_local std::vector<std::pair<CFStringEncoding, Converter>> made;
@@ -81,7 +81,7 @@ std::optional<std::u16string> decodeNamed(std::string_view bytes, const NamedEnc
     ucnv_setToUCallBack(converter,
                         onFault == OnFault::stop ? UCNV_TO_U_CALLBACK_STOP : UCNV_TO_U_CALLBACK_SUBSTITUTE,
                         nullptr, nullptr, nullptr, &status);
-    // No byte becomes more than two units: a faulty byte or a four-byte sequence's share.
+    // Two units a byte suffice for every encoding, invalid bytes included.
     std::u16string units(bytes.size() * 2 + 2, u'\0');
     const std::int32_t length =
         ucnv_toUChars(converter, units.data(), static_cast<std::int32_t>(units.size()), bytes.data(),
@@ -176,7 +176,7 @@ std::string encodeUtf16(std::u16string_view text) {
 
 std::optional<std::u16string> decodeAscii(std::string_view bytes, OnFault onFault) {
     if (onFault == OnFault::stop) {
-        return std::nullopt; // pure ASCII never comes here
+        return std::nullopt; // callers handle pure ASCII before this point
     }
     std::u16string units(bytes.size(), u'\0');
     std::transform(bytes.begin(), bytes.end(), units.begin(), [](char c) {
@@ -202,8 +202,8 @@ bool isAscii(std::u16string_view units) {
     return all < 0x80;
 }
 
-// Whether ASCII bytes mean themselves in a known encoding. Both the classic Japanese encodings and non-lossy
-// ASCII give the backslash a meaning of its own.
+// Whether the bytes are ASCII with the same meaning in this encoding. The classic Japanese encodings and
+// non-lossy ASCII change the meaning of the backslash.
 bool isPlain(std::string_view bytes, CFStringEncoding encoding) {
     if (encoding == kCFStringEncodingUTF16 || !isAscii(bytes)) {
         return false;
@@ -212,7 +212,7 @@ bool isPlain(std::string_view bytes, CFStringEncoding encoding) {
     return !ownBackslash || bytes.find('\\') == std::string_view::npos;
 }
 
-// Of ASCII text.
+// Converts ASCII text to bytes.
 std::string narrowed(std::u16string_view text) {
     std::string bytes(text.size(), '\0');
     std::transform(text.begin(), text.end(), bytes.begin(),

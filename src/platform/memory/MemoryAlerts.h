@@ -7,7 +7,7 @@
 
 namespace torka::platform {
 
-// Alerts that no one sees: each is recorded and answered as told. Not thread-safe.
+// Records each alert and answers it as set, without showing it. Not thread-safe.
 class MemoryAlerts final : public AlertPresenter {
 public:
     AlertButton RunModal(const AlertText& text) override {
@@ -17,7 +17,7 @@ public:
 
     std::vector<AlertText> shown;
     AlertButton answer = AlertButton::defaultButton;
-    // When set, gives the answer instead.
+    // When set, supplies the answer.
     std::function<AlertButton(const AlertText&)> onShow;
 };
 

@@ -6,7 +6,7 @@
 
 namespace torka::platform {
 
-// A bundle that holds what it is told. Public members may be changed at any time. Not thread-safe.
+// A bundle in memory. Its public members may be changed at any time. Not thread-safe.
 class MemoryBundle final : public Bundle {
 public:
     CFStringRef Identifier() const override { return cfString(identifier); }

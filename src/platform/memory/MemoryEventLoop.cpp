@@ -39,10 +39,11 @@ void MemoryEventLoop::Run(std::chrono::milliseconds duration) {
         }
         const auto next = std::min(end, timers.NextDue().value_or(end));
         const auto wait = std::chrono::ceil<std::chrono::milliseconds>(next - now);
-        // A millisecond at least, lest a timer that installs itself again for at once should hold the clock.
+        // Sleeps at least a millisecond: a timer that installs itself again without delay would stop the
+        // clock.
         system().Sleep(std::max(wait, std::chrono::milliseconds(1)));
         if (system().Now() == now) {
-            return; // sleeps were cancelled: the clock stands
+            return; // sleeps are cancelled, and the clock does not move
         }
     }
 }

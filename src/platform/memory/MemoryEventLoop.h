@@ -7,9 +7,9 @@
 
 namespace torka::platform {
 
-// A loop whose timers follow the clock of platform::system(): what is due fires when someone turns the loop.
-// Descriptors are watched by number alone; a test says what happens to them. Must outlive what it gives.
-// Not thread-safe.
+// A loop whose timers follow the clock of platform::system(). Due timers fire in Turn and Run. Descriptors
+// are mere numbers; a test reports their events with Happen. Must outlive its timers and watches. Not
+// thread-safe.
 class MemoryEventLoop final : public EventLoop {
 public:
     EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval,
@@ -18,14 +18,14 @@ public:
     }
     std::unique_ptr<DescriptorWatch> Watch(int descriptor, unsigned events, DescriptorAction action) override;
 
-    // Fires what is due now, each timer at most once, the earliest first: how many fired.
+    // Fires the timers that are due now, each at most once, the earliest first. Returns their number.
     std::size_t Turn() { return timers.FireDue(); }
-    // Lets the clock go on by that time, stopping at every timer that comes due on the way.
+    // Advances the clock by that time and fires each timer when it comes due.
     void Run(std::chrono::milliseconds duration);
-    // Tells who watches the descriptor for it; failures are told to all.
+    // Reports events to the descriptor's watches that asked for them; reports a failure to every watch.
     void Happen(int descriptor, unsigned events);
 
-    std::size_t Installed() const { return timers.Installed(); } // timers that will fire yet
+    std::size_t Installed() const { return timers.Installed(); } // number of timers that will still fire
     std::size_t Watched() const { return watches.size(); }
 
 private:

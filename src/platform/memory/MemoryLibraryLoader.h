@@ -7,12 +7,12 @@
 
 namespace torka::platform {
 
-// Libraries that a test offers: symbols by name. Public members may be changed at any time.
+// Libraries that a test supplies: symbols by name. Public members may be changed at any time.
 class MemoryLibraryLoader final : public LibraryLoader {
 public:
     struct Library {
         std::map<std::string, void*> symbols;
-        std::string error; // not empty: it does not load
+        std::string error; // not empty when the library does not load
     };
 
     bool Exists(const std::filesystem::path& path) const override { return libraries.contains(path); }

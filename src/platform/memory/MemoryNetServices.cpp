@@ -80,7 +80,7 @@ MemoryNetServices::Bytes MemoryNetServices::EchoReply(const Bytes& request, std:
     if (request.size() >= 4) {
         std::uint8_t* message = &datagram[headerBytes];
         message[0] = 0;
-        // RFC 1624: a word that shrinks by 0x0800 lets the complement of the sum grow by it.
+        // RFC 1624: when a word decreases by 0x0800, the checksum increases by it.
         const std::uint32_t sum = (static_cast<std::uint32_t>(message[2]) << 8U | message[3]) + 0x0800U;
         const std::uint32_t folded = (sum & 0xFFFFU) + (sum >> 16U);
         message[2] = static_cast<std::uint8_t>(folded >> 8U);

@@ -10,8 +10,8 @@
 
 namespace torka::platform {
 
-// A network that answers what it is told and whose clock moves only when someone waits for a datagram. Public
-// members may be changed at any time. Not thread-safe. The sockets it gives must not outlive it.
+// A network in memory with the answers that a test sets. Its clock moves only while a caller waits for a
+// datagram. Public members may be changed at any time. Not thread-safe. Must outlive its sockets.
 class MemoryNetServices final : public NetServices {
 public:
     using Bytes = std::vector<std::uint8_t>;
@@ -29,8 +29,8 @@ public:
     int TimeOfDay(ClockTime& time) override;
     int SteadyTime(ClockTime& time) override;
 
-    // The datagram that an echo request is answered with: a header of `headerBytes`, then the message with
-    // its type made 0 and its checksum adapted.
+    // The datagram that answers an echo request: a header of `headerBytes`, then the message with type 0 and
+    // an adapted checksum.
     static Bytes EchoReply(const Bytes& request, std::size_t headerBytes = 20);
 
     std::map<std::string, HostAddress> hosts;
@@ -41,15 +41,15 @@ public:
     int receiveBufferError = 0;
     int receiveTimeoutError = 0;
     int sendError = 0;
-    std::int64_t sendShort = 0; // bytes that each message lacks when it is sent
+    std::int64_t sendShort = 0; // number of bytes that each sent message lacks
     int clockError = 0;
     std::uint32_t processIdentifier = 0x1234;
     std::chrono::microseconds now{1'000'000'250'000};
-    // Called for each message sent; what it answers is received next. Unset: nobody answers.
+    // Called for each message sent. Its result is the next datagram received. Unset when nobody answers.
     std::function<std::optional<Bytes>(const Sent&)> onSend;
 
     std::vector<Sent> sent;
-    std::vector<Bytes> waiting; // datagrams still to be received, the first one first
+    std::vector<Bytes> waiting; // datagrams still to be received, in order
     int openSockets = 0;
     int receiveBuffer = 0;
     std::chrono::milliseconds receiveTimeout{0};

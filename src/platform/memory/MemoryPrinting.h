@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
-// The printing framework in memory: for tests, and for the command line, which prints to no queue. Public
-// members are settings that may be changed at any time. Not thread-safe.
+// The printing framework in memory, for tests and for commands that print to no queue. Its public members are
+// settings that may be changed at any time. Not thread-safe.
 
 namespace torka::platform {
 
@@ -17,13 +17,13 @@ class MemoryPrintSettings final : public PrintSettings {
 public:
     CFTypeRef Value(const CFStringRef& key) const override;
     OSStatus SetValue(const CFStringRef& key, const CFTypeRef& value, bool locked) override;
-    // In the order in which the keys were first set.
+    // The pairs in the order in which their keys were first set.
     CFDictionaryRef CopyAsDictionary() const override;
     std::uint32_t Copies() const override { return copies; }
     OSStatus SetCopies(std::uint32_t newCopies) override;
     bool IsLocked(const CFStringRef& key) const;
 
-    OSStatus setResult = noErr; // answer of SetValue; anything but noErr leaves the settings as they are
+    OSStatus setResult = noErr; // result of SetValue; an error leaves the settings unchanged
 
 private:
     struct Entry {
@@ -56,7 +56,7 @@ public:
     };
 
     CFStringRef Name() const override { return cfString(name); }
-    // Knows "PMPPDDescriptionType" only.
+    // Accepts only "PMPPDDescriptionType".
     OSStatus CopyDescriptionURL(const CFStringRef& type, CFURLRef& url) const override;
     OSStatus CopyDeviceURI(CFURLRef& uri) const override;
     OSStatus CopyHostName(CFStringRef& host) const override;
@@ -70,15 +70,15 @@ public:
 
     int commandJob = 0;
     std::string name = "Printer";
-    std::string ppdPath;   // empty: the queue has no description
-    std::string deviceUri; // empty: the queue has none
+    std::string ppdPath;   // empty when the queue has no description
+    std::string deviceUri; // empty when the queue has none
     std::string hostName = "localhost";
     std::string makeAndModel;
     std::vector<Paper> papers;
     std::uint16_t state = kPMPrinterIdle;
     CFDictionaryRef stateAttributes = CFDictionaryCreate({});
 
-    // The answer of each call; anything but noErr leaves its out-parameter empty.
+    // The result of each call; an error leaves its out-parameter empty.
     OSStatus descriptionResult = noErr;
     OSStatus deviceUriResult = noErr;
     OSStatus hostNameResult = noErr;
@@ -87,10 +87,10 @@ public:
     OSStatus paperListResult = noErr;
     OSStatus sendResult = noErr;
 
-    std::vector<SentCommand> sent; // also those that sendResult refused
-    // Called for each command after it is recorded, for what a queue's filter would do.
+    std::vector<SentCommand> sent; // including commands that sendResult refused
+    // Called for each command after it is recorded; does the work of a queue's filter.
     std::function<void(const SentCommand&)> onSend;
-    // Called before each state is given, for a printer whose state changes meanwhile.
+    // Called before each state is returned; can change the printer's state.
     std::function<void()> onStateAsked;
 };
 
@@ -98,7 +98,7 @@ class MemorySession final : public PrintSession {
 public:
     explicit MemorySession(PMPrinter currentPrinter = nullptr)
         : printer(std::move(currentPrinter)) {}
-    // kPMGeneralError when there is no printer.
+    // kPMGeneralError without a printer.
     OSStatus CurrentPrinter(PMPrinter& answer) const override;
 
     PMPrinter printer;

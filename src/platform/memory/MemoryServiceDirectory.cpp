@@ -47,7 +47,7 @@ private:
             return;
         }
         hasBegun = true;
-        const auto known = net.announced; // the delegate may end the search
+        const auto known = net.announced; // a copy, because the delegate may end the search
         for (const Announcement& announcement : known) {
             if (std::find(net.live.begin(), net.live.end(), this) == net.live.end()) {
                 return;
@@ -74,7 +74,7 @@ public:
         InstallEventLoopTimer(
             GetMainEventLoop(), answers ? net.answerTime : timeout, kEventDurationForever,
             [this, answers, answer = answers ? *known->answer : ResolvedService()](const EventLoopTimerRef&) {
-                const NetService told = service; // this may end with the call
+                const NetService told = service; // a copy, because the call may destroy this object
                 if (answers) {
                     delegate.netServiceDidResolveAddress(told, answer);
                 } else {

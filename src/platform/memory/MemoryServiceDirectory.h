@@ -10,8 +10,8 @@
 
 namespace torka::platform {
 
-// A local net that announces what it is told. Answers come by timers of GetMainEventLoop(), which must be
-// chosen and outlive it. Must outlive the activities it gives. Not thread-safe.
+// A local network in memory that announces the services that a test sets. Answers arrive by timers of
+// GetMainEventLoop(), which must be set and outlive it. Must outlive its activities. Not thread-safe.
 class MemoryServiceDirectory final : public ServiceDirectory {
 public:
     std::unique_ptr<NetServiceActivity> Browse(const std::string& type, const std::string& domain,
@@ -19,7 +19,7 @@ public:
     std::unique_ptr<NetServiceActivity> Resolve(const NetService& service, std::chrono::milliseconds timeout,
                                                 ServiceResolutionDelegate& delegate) override;
 
-    // Without an answer it is found and never resolved.
+    // A service without an answer is found but never resolved.
     void Announce(const NetService& service, std::optional<ResolvedService> answer = std::nullopt);
     void Withdraw(const NetService& service);
 
@@ -28,12 +28,12 @@ public:
         std::chrono::milliseconds timeout{0};
     };
 
-    std::string failure;                     // when set, searches begun from now on fail with it
-    std::chrono::milliseconds answerTime{0}; // of a resolution
-    std::vector<Request> resolved;           // every resolution that was begun
-    std::size_t running = 0;                 // resolutions under way
-    std::size_t mostRunning = 0;             // the most at one time
-    std::size_t searches = 0;                // begun
+    std::string failure;                     // when set, new searches fail with it
+    std::chrono::milliseconds answerTime{0}; // duration of a resolution
+    std::vector<Request> resolved;           // every resolution begun
+    std::size_t running = 0;                 // number of resolutions under way
+    std::size_t mostRunning = 0;             // maximum of `running`
+    std::size_t searches = 0;                // number of searches begun
 
 private:
     class Search;

@@ -7,7 +7,7 @@
 
 namespace torka::platform {
 
-// A spooler that holds what it is told. Public members may be changed at any time. Not thread-safe.
+// A spooler in memory. Its public members may be changed at any time. Not thread-safe.
 class MemorySpooler final : public Spooler {
 public:
     bool GetJobs(std::vector<SpoolerJob>& list) override;
@@ -19,10 +19,10 @@ public:
     std::vector<SpoolerDestination> destinations;
     std::map<std::string, std::string> ppdPaths; // by destination
     std::map<int, std::string> messages;         // by job
-    bool answers = true;                         // false: the spooler is down
+    bool answers = true;                         // false when the spooler is down
     int jobQueries = 0;
-    std::vector<std::string> fetched; // destinations, one entry a fetch
-    // Called before the jobs are given, for jobs whose state changes meanwhile.
+    std::vector<std::string> fetched; // the destination of each fetch
+    // Called before the jobs are returned; can change their states.
     std::function<void()> onJobsAsked;
 };
 

@@ -9,10 +9,10 @@
 
 namespace torka::platform {
 
-// A system that answers what it is told, keeps files in memory and whose clock moves only when someone
-// sleeps.
+// A system in memory. It returns the answers that a test sets and keeps its files in memory. Its clock moves
+// only in sleeps.
 //
-// Owns its files. The public members are its settings: tests change them at any time. Not thread-safe.
+// Owns its files. Tests may change the public members at any time. Not thread-safe.
 class MemorySystem final : public System {
 public:
     struct File {
@@ -31,7 +31,7 @@ public:
     bool MeasuresInMetric() const override { return metric; }
     HostApplication Host() const override { return host; }
     CFStringEncoding NarrowEncoding() const override { return narrowEncoding; }
-    // "00000000-0000-4000-8000-000000000001" and so on, so that results can be compared.
+    // Counts up from "00000000-0000-4000-8000-000000000001", so that tests can compare results.
     std::string CreateUuidString() override;
     std::chrono::steady_clock::time_point Now() const override { return now; }
     // The machine's, as it dates the files that a test writes.
@@ -39,13 +39,13 @@ public:
         return std::chrono::system_clock::now();
     }
     bool Sleep(std::chrono::milliseconds duration) override;
-    // There are no folders: files have paths.
+    // Does nothing: files have paths, and there are no folders.
     std::error_code MakeFolder(const std::filesystem::path& /*path*/) override { return {}; }
     std::error_code WriteFile(const std::filesystem::path& path, std::string_view content,
                               unsigned mode) override;
     std::error_code ReadFile(const std::filesystem::path& path, std::size_t limit,
                              std::string& content) override;
-    // Nothing in memory is anybody else's.
+    // Never refuses: all files in memory belong to this process's user.
     std::error_code ReadGuardedFile(std::string_view fixedPath, std::size_t limit, SecretBytes& content,
                                     std::string& refusal) override;
 
@@ -60,12 +60,12 @@ public:
     CFStringEncoding narrowEncoding = kCFStringEncodingUTF8;
     std::uint64_t uuidsMade = 0;
     std::chrono::steady_clock::time_point now{std::chrono::hours(1)};
-    // The moment at which a person cancels: a sleep that would pass it ends there, and so does every later
-    // one.
+    // The time at which a person cancels. A sleep that would pass this time ends at it, and later sleeps end
+    // at once.
     std::chrono::steady_clock::time_point cancelAt = std::chrono::steady_clock::time_point::max();
-    // Called after the clock has moved, for what happens elsewhere meanwhile.
+    // Called after the clock has moved; stands in for other processes.
     std::function<void()> onSleep;
-    // When set, asked before each write; what it answers is the write's failure, and nothing is written then.
+    // When set, called before each write. An error makes the write fail without effect.
     std::function<std::error_code(const std::filesystem::path&)> writeFailure;
     std::map<std::filesystem::path, File> files;
 };

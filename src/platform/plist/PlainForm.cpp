@@ -44,7 +44,7 @@ struct Tag {
     bool empty = false;   // "<name/>"
 };
 
-// Reads top down. Each function returns false once `error` is set.
+// A recursive-descent reader. Each function returns false once `error` is set.
 class Reader {
 public:
     Reader(std::string_view xml, std::string& output, std::string& problem)
@@ -98,7 +98,7 @@ bool Reader::SkipPast(std::string_view token) {
     return true;
 }
 
-// Blanks, comments and processing instructions.
+// Skips blanks, comments and processing instructions.
 bool Reader::SkipBetween() {
     while (position < text.size()) {
         if (isBlank(text[position])) {
@@ -146,7 +146,7 @@ bool Reader::ReadProlog() {
         return false;
     }
     if (At("<!DOCTYPE")) {
-        // A subset within the document could define entities.
+        // An internal subset could define entities.
         const std::size_t end = std::min(text.find('>', position), text.size());
         if (text.substr(position, end - position).find('[') != std::string_view::npos) {
             return Fail("a document type of its own is not read");
@@ -206,7 +206,7 @@ bool Reader::ReadDocument() {
     return position == text.size() || Fail("something follows the property list");
 }
 
-// The value that `tag` begins.
+// Reads the value that `tag` begins.
 bool Reader::ReadValue(const Tag& tag, int depth) {
     if (tag.closing) {
         return Fail("</" + std::string(tag.name) + "> is out of place");
@@ -279,7 +279,7 @@ bool Reader::ReadLeaf(const Tag& tag) {
     return true;
 }
 
-// The text between `tag` and its end, entities and CDATA sections resolved, comments left out.
+// Reads the text between `tag` and its end tag. Resolves entities and CDATA sections; leaves out comments.
 bool Reader::ReadContent(const Tag& tag, std::string& content) {
     while (!tag.empty) {
         if (position == text.size()) {
@@ -313,7 +313,7 @@ bool Reader::ReadContent(const Tag& tag, std::string& content) {
     return true;
 }
 
-// Characters that stand for themselves, line ends as XML reads them.
+// Reads literal characters. Normalises line ends as XML requires.
 bool Reader::ReadCharacters(std::string& content) {
     const std::size_t end = std::min(text.find_first_of("<&", position), text.size());
     for (; position < end; ++position) {
@@ -370,7 +370,7 @@ bool Reader::WriteText(std::string_view name, std::string_view content) {
     for (std::size_t i = 0; i < content.size(); ++i) {
         section += content[i];
         if (content.substr(i).starts_with("]]>")) {
-            section += "]]><![CDATA["; // ends between the two brackets
+            section += "]]><![CDATA["; // splits the section between the two brackets
         }
     }
     return WriteElement(name, section + "]]>");
@@ -399,7 +399,7 @@ bool Reader::WriteReal(std::string_view content) {
     const std::string_view number = content.substr(positive ? 1 : 0);
     double value = 0.0;
     const auto result = std::from_chars(number.data(), number.data() + number.size(), value);
-    // Neither "inf" nor "nan", which from_chars would read too.
+    // Excludes "inf" and "nan", which from_chars would read.
     const bool isDecimal = number.find_first_not_of("+-.0123456789eE") == std::string_view::npos &&
                            !(positive && number.starts_with('-'));
     if (result.ec != std::errc() || result.ptr != number.data() + number.size() || !isDecimal) {

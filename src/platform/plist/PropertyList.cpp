@@ -30,7 +30,8 @@ struct TextFree {
 };
 using Text = std::unique_ptr<char, TextFree>;
 
-// libplist reads and writes reals by the thread's locale; the host application's may have a decimal comma.
+// libplist reads and writes reals in the thread's locale. A host application's locale may have a decimal
+// comma.
 class PlainNumbers {
 public:
     PlainNumbers()
@@ -52,7 +53,7 @@ private:
 
 // Writing
 
-// The text in UTF-8; empty when XML cannot hold it.
+// The text in UTF-8; nullopt when XML cannot hold it.
 std::optional<std::string> xmlText(const CFString& text) {
     const bool holds = std::none_of(text.units.begin(), text.units.end(), [](char16_t unit) {
         return (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') || unit >= 0xFFFE;
@@ -60,7 +61,7 @@ std::optional<std::string> xmlText(const CFString& text) {
     return holds ? encodeText(text.units, kCFStringEncodingUTF8) : std::nullopt;
 }
 
-// Makes nodes of values; null once one cannot be held.
+// Converts values to nodes. Null when a property list cannot hold a value.
 class NodeMaker {
 public:
     Node Make(const CFTypeRef& value, int depth);
@@ -76,7 +77,7 @@ Node NodeMaker::Make(const CFTypeRef& value, int depth) {
     if (!value || ++values > mostPropertyListValues) {
         return nullptr;
     }
-    // Told apart by hand: casting the reference would count it up and down for every value of a ticket.
+    // Casts plain pointers: casting the handle would change its reference count for every value of a ticket.
     const CFObject* const object = value.get();
     switch (object->TypeID()) {
     case CFTypeID::string: {
@@ -134,7 +135,7 @@ Node NodeMaker::MakeDictionary(const CFDictionary& dictionary, int depth) {
     return node;
 }
 
-// Reading. The plain form has bounded the depth.
+// Reading. makePlainForm has limited the depth.
 
 CFTypeRef makeValue(plist_t node, std::string& error);
 
@@ -227,7 +228,7 @@ CFDataRef CFPropertyListCreateXMLData(const CFPropertyListRef& list) {
     if (!xml) {
         return nullptr;
     }
-    // A carriage return must be a reference, or an XML reader takes it for a line feed.
+    // A carriage return must be written as a reference: an XML reader turns a literal one into a line feed.
     static constexpr std::string_view reference = "&#13;";
     const std::string_view text(xml.get(), length);
     std::vector<std::string_view> pieces;

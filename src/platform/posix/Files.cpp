@@ -1,4 +1,4 @@
-// Whole files of PosixSystem.
+// PosixSystem's functions for whole files.
 
 #include "platform/posix/PosixSystem.h"
 
@@ -18,12 +18,12 @@ constexpr mode_t folderMode = 0700;
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
-// A path with a NUL inside would name another file for the system than for us.
+// Refuses a path with a NUL, where the system would cut it.
 bool isUsablePath(const std::filesystem::path& path) {
     return !path.empty() && path.native().find('\0') == std::string::npos;
 }
 
-// An open file; closed at the end whatever happens.
+// An open file. The destructor closes it.
 class Descriptor {
 public:
     explicit Descriptor(int opened)
@@ -35,7 +35,7 @@ public:
             close(number);
         }
     }
-    // Some file systems tell a failed write only here.
+    // Some file systems report a failed write only at close.
     std::error_code Close() {
         const int result = close(number);
         number = -1;
@@ -147,7 +147,7 @@ std::error_code PosixSystem::ReadFile(const std::filesystem::path& path, std::si
     if (told > limit) {
         return std::make_error_code(std::errc::file_too_large);
     }
-    // A file may grow meanwhile, and some (in /proc) tell no size: it is read until it ends.
+    // Reads until the end of the file: it may grow meanwhile, and files in /proc report no size.
     std::size_t length = 0;
     std::string read(static_cast<std::size_t>(told) + 1, '\0');
     while (true) {

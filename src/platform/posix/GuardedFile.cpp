@@ -1,4 +1,4 @@
-// PosixSystem::ReadGuardedFile.
+// Implements PosixSystem::ReadGuardedFile.
 
 #include "platform/posix/PosixSystem.h"
 
@@ -28,9 +28,9 @@ std::string ownerText(uid_t owner) {
                : "uid " + number;
 }
 
-// Goes down a path from one open folder to the next and looks at each once it is open, so that nothing can be
-// put in its place between the look and the use. Links are followed by hand, for whoever may replace a link
-// chooses what it leads to.
+// Walks down a path from one open folder to the next. Checks each folder after opening it, so that nobody can
+// replace it between check and use. Follows links itself and checks them too, because their owner chooses the
+// target.
 class GuardedWalk {
 public:
     GuardedWalk(const std::filesystem::path& root, std::string_view path)
@@ -41,7 +41,7 @@ public:
     GuardedWalk& operator=(const GuardedWalk&) = delete;
     ~GuardedWalk() { Enter(-1); }
 
-    // The file, open for reading; -1 with the failure.
+    // Returns the file, open for reading, or -1 with the failure.
     int Open(std::error_code& failure, std::string& refusal) {
         Enter(open(place.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         int file = -1;
@@ -157,7 +157,7 @@ private:
 
     int OpenFile(const std::string& name, const std::filesystem::path& what, std::error_code& failure,
                  std::string& refusal) {
-        // Not blocking: a pipe would wait for its writer.
+        // O_NONBLOCK, because opening a pipe would wait for its writer.
         const int file =
             openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
         struct stat facts {};
@@ -176,7 +176,7 @@ private:
         return failure ? -1 : file;
     }
 
-    std::filesystem::path place; // of the folder, for people
+    std::filesystem::path place; // path of the folder, for messages
     std::deque<std::string> parts;
     int folder = -1;
     int links = 0;
@@ -191,7 +191,7 @@ std::error_code PosixSystem::ReadGuardedFile(std::string_view fixedPath, std::si
     std::error_code failure;
     GuardedWalk walk(options.root, fixedPath);
     const int file = walk.Open(failure, refusal);
-    SecretBytes block(file < 0 ? 0 : limit + 1); // one byte more tells a file that is too long
+    SecretBytes block(file < 0 ? 0 : limit + 1); // the additional byte detects a file that is too long
     std::size_t length = 0;
     while (!failure && length < block.size()) {
         const ssize_t count = read(file, block.data() + length, block.size() - length);

@@ -41,7 +41,7 @@ std::vector<std::string> languageFolders(std::string_view tag) {
     if (language == "zh" && region.empty()) {
         region = script == "Hant" ? "TW" : "CN";
     } else if (language == "zh" && script == "Hans") {
-        region = "CN"; // Singapore reads the same script
+        region = "CN"; // Singapore uses the same script
     }
     std::vector<std::string> names;
     const auto add = [&names](std::string name) {
@@ -63,7 +63,7 @@ std::vector<std::string> languageFolders(std::string_view tag) {
             }
         }
     }
-    // "zh" alone would be either script.
+    // "zh" alone could mean either script.
     if (language != "zh" || script.empty()) {
         add(language);
     }

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t mostListBytes = std::size_t{4} * 1024 * 1024;
 
-// One component of a path that stays in its folder.
+// Whether the name is one component of a path that stays in its folder. Refuses hidden files.
 bool isPlainFileName(std::string_view name) {
     return !name.empty() && name.front() != '.' && name.find('/') == std::string_view::npos &&
            name.find('\0') == std::string_view::npos;
@@ -32,7 +32,7 @@ std::string report(std::string problem) {
     return problem;
 }
 
-// The dictionary of a property-list file; null with a reason.
+// Reads a property-list file that holds a dictionary; null with a reason.
 CFDictionaryRef readDictionary(const fs::path& path, std::string& reason) {
     std::string content;
     if (const std::error_code failure = system().ReadFile(path, mostListBytes, content)) {
@@ -87,11 +87,11 @@ private:
     fs::path folder;
     CFDictionaryRef info;
     CFStringRef identifier;
-    mutable std::vector<std::string> languages; // chosen at the first look-up, never empty then
+    mutable std::vector<std::string> languages; // chosen at the first look-up; then never empty
     mutable std::map<std::string, CFDictionaryRef, std::less<>> tables; // by "LANGUAGE/TABLE"
 };
 
-// The first preferred language that the bundle speaks, then the development language.
+// The first preferred language that the bundle supports, then the development language.
 const std::vector<std::string>& PosixBundle::Languages() const {
     if (!languages.empty()) {
         return languages;
@@ -144,7 +144,7 @@ std::unique_ptr<PDEPlugIn> PosixBundle::InstantiatePrincipalClass(std::string& p
         return nullptr;
     }
     const fs::path path = folder / "Contents" / "Linux" / file;
-    // Objects and views of the plug-in may live as long as the process, so its code does too.
+    // The code must stay loaded, because objects and views of the plug-in may live until the process ends.
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (library == nullptr) {
         const char* reason = dlerror();

@@ -7,15 +7,15 @@
 
 namespace torka::platform {
 
-// Opens the bundle at a folder. Null, with `problem` in one line that is logged too, when Info.plist is
-// missing or broken or names no identifier. Strings tables and the shared object are read when they are first
-// asked for: a broken table is logged once and counts as empty.
+// Opens the bundle at a folder. Null when Info.plist is missing or broken or names no identifier; `problem`
+// then gives the reason in one line, which is also logged. Strings tables and the shared object are read at
+// their first use. A broken table is logged once and counts as empty.
 //
-// Files are read through platform::System, the person's language is asked there too.
+// Reads files and the person's language through platform::System.
 BundleRef openBundle(const std::filesystem::path& folder, std::string& problem);
 
-// The bundle folder (".../NAME.bundle") around the shared object that holds this address; empty when there is
-// none. For the shared object's own use.
+// The bundle folder (".../NAME.bundle") of the shared object that holds this address; empty when the object
+// lies in no bundle. A shared object calls this for itself.
 std::filesystem::path bundleFolderAround(const void* address);
 
 } // namespace torka::platform

@@ -63,7 +63,7 @@ void PosixEventLoop::Turn(std::chrono::milliseconds longest) {
         const auto place = watchers.find(numbers[i]);
         const unsigned happened = descriptorEvents(polled[i].revents);
         if (happened != 0 && place != watchers.end()) {
-            const DescriptorAction action = place->second->action; // which may destroy the watcher
+            const DescriptorAction action = place->second->action; // a copy: it may destroy the watcher
             action(happened);
         }
     }

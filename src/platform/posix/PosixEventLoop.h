@@ -8,7 +8,7 @@
 
 namespace torka::platform {
 
-// A loop over poll(2) for programs without a toolkit. Must outlive what it gives. Not thread-safe.
+// A loop over poll(2) for programs without a toolkit. Must outlive its timers and watches. Not thread-safe.
 class PosixEventLoop final : public EventLoop {
 public:
     EventLoopTimerRef Install(EventTimerInterval delay, EventTimerInterval interval,
@@ -17,7 +17,7 @@ public:
     }
     std::unique_ptr<DescriptorWatch> Watch(int descriptor, unsigned events, DescriptorAction action) override;
 
-    // Runs timers and watches until Stop() is called from one of them or the time is over.
+    // Runs timers and watches until one of them calls Stop() or the time is over.
     void Run(std::chrono::milliseconds duration);
     void Stop() { isStopped = true; }
 
@@ -26,7 +26,7 @@ private:
     void Turn(std::chrono::milliseconds longest);
 
     TimerQueue timers;
-    std::map<std::uint64_t, Watcher*> watchers; // by the order of their making
+    std::map<std::uint64_t, Watcher*> watchers; // in the order of creation
     std::uint64_t nextWatcher = 0;
     bool isStopped = false;
 };

@@ -4,12 +4,11 @@
 
 namespace torka::platform {
 
-// Libraries by dlopen. A library stays in the process once it was loaded: toolkits leave behind what points
-// into it.
+// Loads libraries with dlopen. A loaded library stays in the process, because toolkits keep pointers into it.
 class PosixLibraryLoader final : public LibraryLoader {
 public:
     bool Exists(const std::filesystem::path& path) const override;
-    // Only a path with a folder is loaded; the library search path is not asked.
+    // Loads only a path with a folder, so that the library search path is never used.
     std::unique_ptr<LoadedLibrary> Load(const std::filesystem::path& path, std::string& error) override;
 };
 

@@ -45,7 +45,7 @@ public:
         error = sent < 0 ? errno : 0;
         return sent;
     }
-    // Linux gives the ICMP message alone: the header before it is made from what is known of the datagram.
+    // Linux returns only the ICMP message. This function adds an IPv4 header with the known values.
     std::size_t Receive(std::span<std::uint8_t> buffer) override {
         if (buffer.size() < ipHeaderBytes) {
             return 0;
@@ -63,7 +63,7 @@ public:
         }
         const std::size_t total = ipHeaderBytes + static_cast<std::size_t>(received);
         std::fill_n(buffer.begin(), ipHeaderBytes, std::uint8_t{0});
-        buffer[0] = 0x45; // version 4, five words of header
+        buffer[0] = 0x45; // version 4, header of five words
         buffer[2] = static_cast<std::uint8_t>(total >> 8U);
         buffer[3] = static_cast<std::uint8_t>(total);
         buffer[9] = IPPROTO_ICMP;
@@ -95,7 +95,7 @@ std::vector<HostAddress> addressesOf(const addrinfo* found) {
     return addresses;
 }
 
-// The look-up of a host name, here or in a thread of the system's.
+// The look-up of a host name, in this thread or in one of the C library.
 class LookUp {
 public:
     explicit LookUp(std::string hostName)
@@ -112,7 +112,7 @@ public:
             freeaddrinfo(request.ar_result);
         }
     }
-    // Each is true when the look-up is over.
+    // Both return true when the look-up is over.
     bool Wait() {
         getaddrinfo(name.c_str(), nullptr, &hints, &request.ar_result);
         return true;
@@ -176,13 +176,13 @@ std::vector<HostAddress> PosixNetServices::ResolveHostAddresses(const std::strin
     const bool isOver = limit.count() == 0 ? lookUp->Wait() : lookUp->WaitFor(limit);
     const std::vector<HostAddress> addresses = isOver ? lookUp->Addresses() : std::vector<HostAddress>();
     if (!isOver && !lookUp->Cancel()) {
-        // The system still writes into it, in a thread of its own, and tells nobody when it is done.
+        // Leaks the object: the C library's thread still writes into it, and nobody learns when it is done.
         [[maybe_unused]] LookUp* abandoned = lookUp.release();
     }
     return addresses;
 }
 
-// Small systems have no table of protocols; IANA's number stands without it.
+// Falls back to IANA's number on small systems without a table of protocols.
 int PosixNetServices::IcmpProtocol() {
     protoent entry{};
     protoent* found = nullptr;

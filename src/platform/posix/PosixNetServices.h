@@ -4,7 +4,7 @@
 
 namespace torka::platform {
 
-// Host look-up and ICMP echo of the operating system this runs on. Without state: any thread may call it.
+// Host look-up and ICMP echo of the operating system. It has no state; any thread may call it.
 class PosixNetServices final : public NetServices {
 public:
     std::vector<HostAddress> ResolveHostAddresses(const std::string& name,

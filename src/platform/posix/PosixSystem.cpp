@@ -19,7 +19,7 @@ namespace torka::platform {
 
 namespace {
 
-// "" when the variable is not set, or the process runs with more rights than its user.
+// The variable's value; "" when it is unset, or the process has more rights than its user.
 std::string environment(const char* name) {
     const char* value = secure_getenv(name);
     return value ? value : "";
@@ -45,7 +45,7 @@ bool isFolder(const std::filesystem::path& path) {
     return std::filesystem::is_directory(path, ignored);
 }
 
-// The locale of a category, by POSIX's order of precedence.
+// The locale of a category, in the order of precedence of POSIX.
 std::string localeOf(const char* category) {
     for (const char* name : {"LC_ALL", category, "LANG"}) {
         std::string value = environment(name);
@@ -129,8 +129,7 @@ std::vector<std::string> PosixSystem::PreferredLanguages() const {
     }
     std::vector<std::string> languages;
     const std::string messages = localeOf("LC_MESSAGES");
-    // LANGUAGE only refines a chosen locale: it says nothing while messages are in the C locale (GNU
-    // gettext).
+    // As in GNU gettext, LANGUAGE has no effect while messages are in the C locale.
     if (!languageTag(messages).empty()) {
         const std::string list = environment("LANGUAGE");
         for (std::string_view rest = list; !rest.empty();) {
@@ -149,7 +148,7 @@ std::vector<std::string> PosixSystem::PreferredLanguages() const {
 bool PosixSystem::MeasuresInMetric() const {
     const std::string tag = languageTag(localeOf("LC_MEASUREMENT"));
     const std::string_view territory = std::string_view(tag).substr(tag.rfind('-') + 1);
-    return territory != "US" && territory != "LR" && territory != "MM"; // CLDR: the three that do not
+    return territory != "US" && territory != "LR" && territory != "MM"; // CLDR: the three without it
 }
 
 HostApplication PosixSystem::Host() const {
@@ -175,10 +174,10 @@ bool PosixSystem::Sleep(std::chrono::milliseconds duration) {
     if (options.wait) {
         return options.wait(duration);
     }
-    // A year stands for ever, and keeps the sum in range.
+    // The limit of a year keeps the sum in range.
     const auto end = Now() + std::clamp<std::chrono::milliseconds>(duration, std::chrono::milliseconds(0),
                                                                    std::chrono::hours(24 * 365));
-    // A negative descriptor is passed over by poll, so the wait then is a plain one.
+    // poll ignores a negative descriptor and then only waits.
     pollfd event{cancelEvent, POLLIN, 0};
     while (true) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Now()).count();
@@ -195,7 +194,7 @@ bool PosixSystem::Sleep(std::chrono::milliseconds duration) {
 
 void PosixSystem::Cancel() {
     const std::uint64_t one = 1;
-    // Only a counter at its end can refuse, and that is readable too.
+    // The write fails only when the counter is at its maximum; the descriptor is readable then as well.
     [[maybe_unused]] const ssize_t written = write(cancelEvent, &one, sizeof one);
 }
 

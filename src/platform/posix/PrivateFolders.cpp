@@ -22,10 +22,10 @@ namespace {
 
 constexpr std::string_view prefix = "torka-";
 constexpr std::size_t nameLength = prefix.size() + 6;
-// A folder is made first and locked then.
+// A younger folder may not be locked yet, because a process locks its folder after making it.
 constexpr std::time_t youngest = 60; // seconds
 
-// What a signal handler needs: set once, before a handler may read it.
+// The data of the signal handler. They are set once, before the handler is installed.
 std::array<char, PATH_MAX> folderOfProcess{};
 int lockOfProcess = -1; // the folder, open and locked
 
@@ -56,9 +56,9 @@ void removeLeftOver(const std::filesystem::path& parent) {
     }
 }
 
-// Calls only what a signal handler may. The folder holds files alone.
+// Calls only functions that are safe in a signal handler. The folder holds only files.
 void removeFilesFromHandler(int folder) {
-    // Of an entry that getdents64(2) gives.
+    // Offsets in an entry of getdents64(2).
     constexpr std::size_t lengthOffset = 16; // two bytes
     constexpr std::size_t nameOffset = 19;
     alignas(std::max_align_t) std::array<char, 4096> block{};
@@ -71,7 +71,7 @@ void removeFilesFromHandler(int folder) {
         for (long at = 0; at < count;) {
             unsigned short length = 0;
             std::memcpy(&length, block.data() + at + lengthOffset, sizeof length);
-            unlinkat(folder, block.data() + at + nameOffset, 0); // refuses "." and ".."
+            unlinkat(folder, block.data() + at + nameOffset, 0); // fails harmlessly for "." and ".."
             at += length;
         }
     }
@@ -83,7 +83,7 @@ void removeAndEnd(int signal) {
         rmdir(folderOfProcess.data());
     }
     std::signal(signal, SIG_DFL);
-    raise(signal); // once this returns
+    raise(signal); // takes effect when the handler returns
 }
 
 } // namespace

@@ -2,19 +2,18 @@
 
 #include <filesystem>
 
-// Folders of mode 0700 for one process each, named "torka-XXXXXX".
+// Private folders of mode 0700, one a process, with names of the form "torka-XXXXXX".
 
 namespace torka::platform {
 
-// Makes one below `parent`, which other processes see as used while this one lives; "" when it cannot be
-// made. Removes those of this user that processes left which were killed.
+// Makes a folder below `parent`; "" when it cannot be made. Other processes see it as used while this process
+// lives. Also removes this user's folders that killed processes left behind.
 std::filesystem::path makePrivateFolder(const std::filesystem::path& parent);
-// With what is in it.
+// Removes a folder and its content.
 void removePrivateFolder(const std::filesystem::path& folder);
 
-// From now on SIGTERM, SIGINT and SIGHUP remove the folder of makePrivateFolder before they end the process
-// as they do otherwise; an ignored one stays ignored. For our own programs alone: in a foreign one signals
-// are not ours.
+// Makes SIGTERM, SIGINT and SIGHUP remove the folder of makePrivateFolder before they end the process. An
+// ignored signal stays ignored. Only our own programs call this; a foreign host owns its signal handlers.
 void removePrivateFolderOnSignals();
 
 } // namespace torka::platform

@@ -9,13 +9,13 @@
 namespace torka::platform {
 
 AlertButton QtAlertPresenter::RunModal(const AlertText& text) {
-    // On the heap and watched: the window below may close while the alert waits, and take it along.
+    // On the heap and guarded by a QPointer: the window below may close during the alert and delete the box.
     const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
     box->setIcon(QMessageBox::Warning);
     box->setTextFormat(Qt::PlainText);
     box->setText(QString::fromStdString(text.title));
     box->setInformativeText(QString::fromStdString(text.informative));
-    // The toolkit's own setting reaches the title alone.
+    // QMessageBox::setTextFormat affects only the title.
     for (QLabel* shown : box->findChildren<QLabel*>()) {
         shown->setTextFormat(Qt::PlainText);
     }

@@ -4,8 +4,8 @@
 
 namespace torka::platform {
 
-// Alerts as message boxes over the active window. Needs a QApplication. Texts are shown as they are, never as
-// markup.
+// Shows alerts as message boxes over the active window. Needs a QApplication. Shows texts as plain text,
+// never as markup.
 class QtAlertPresenter final : public AlertPresenter {
 public:
     AlertButton RunModal(const AlertText& text) override;

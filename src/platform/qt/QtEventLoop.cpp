@@ -39,11 +39,11 @@ private:
     std::weak_ptr<Hub> hub;
     EventTimerInterval interval;
     EventLoopTimerAction action;
-    int identifier = 0; // 0: not running
+    int identifier = 0; // 0 while not running
     bool hasFired = false;
 };
 
-// One object receives the events of all timers, so that none is destroyed within its own event.
+// Receives the events of all timers, so that no object is destroyed within its own event.
 class QtEventLoop::Hub final : public QObject {
 public:
     std::unordered_map<int, Timer*> timers;
@@ -86,8 +86,8 @@ void QtEventLoop::Timer::Fire() {
     action(self);
 }
 
-// A notifier is made only for what is asked for: Qt wants one of a kind for a descriptor, and several watches
-// of one descriptor may share it by kind.
+// Creates a notifier only for the events asked for: Qt allows one notifier of a type for a descriptor, so
+// that two watches of a descriptor must differ in their types.
 class QtEventLoop::Watcher final : public DescriptorWatch {
 public:
     Watcher(QObject& hubObject, int watched, unsigned events, DescriptorAction what)
@@ -96,7 +96,7 @@ public:
         , action(std::move(what)) {
         Update(events);
     }
-    // May be destroyed from within a notifier's signal.
+    // A notifier's signal may destroy the watcher.
     ~Watcher() override {
         for (QSocketNotifier* notifier : {readable, writable}) {
             if (notifier != nullptr) {
@@ -112,13 +112,13 @@ public:
     }
 
 private:
-    // A descriptor that hung up can be read, and reading tells it.
+    // A descriptor that hung up is readable; the read reports the failure.
     void Enable(QSocketNotifier*& notifier, QSocketNotifier::Type type, unsigned kind, unsigned events) {
         const bool wanted = (events & kind) != 0;
         if (notifier == nullptr && wanted) {
             notifier = new QSocketNotifier(descriptor, type, &owner);
             QObject::connect(notifier, &QSocketNotifier::activated, notifier, [this, kind] {
-                const DescriptorAction copy = action; // which may destroy the watcher
+                const DescriptorAction copy = action; // the action may destroy the watcher
                 copy(kind);
             });
         } else if (notifier != nullptr) {

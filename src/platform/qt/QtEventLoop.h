@@ -6,8 +6,8 @@
 
 namespace torka::platform {
 
-// The loop of a Qt application. Made after its QCoreApplication, on its thread, and destroyed before it; must
-// outlive the watches it gives. Timers that are left over end with it.
+// The loop of a Qt application. Create it after the QCoreApplication, on its thread, and destroy it before.
+// Must outlive its watches. Remaining timers end with it.
 class QtEventLoop final : public EventLoop {
 public:
     QtEventLoop();

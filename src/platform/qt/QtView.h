@@ -7,8 +7,8 @@
 
 namespace torka::platform {
 
-// A view that is a widget. Refers to it only: the widget belongs to its parent once a dialog has put it in,
-// before that to the view, which deletes it.
+// A view that is a widget. Owns the widget and deletes it until a dialog gives the widget a parent; then the
+// parent owns it.
 class QtView final : public View {
 public:
     explicit QtView(QWidget* viewWidget)
@@ -21,7 +21,7 @@ private:
     QPointer<QWidget> widget;
 };
 
-// The widget of a view of this adapter; null for null and for views of others.
+// The widget of a view of this adapter; null for null and for views of other adapters.
 QWidget* widgetOf(const ViewRef& view);
 
 } // namespace torka::platform
