@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-// An error as it is collected: a code, a text that may be empty, and whether the work had to end. A value.
+// A collected error: a code, a text that may be empty, and whether the error ended the work. A value.
 
 namespace torka {
 
@@ -16,7 +16,7 @@ public:
         , description(text)
         , fatal(isFatal) {}
 
-    // Codes alone are compared.
+    // Compares only the codes.
     bool operator==(std::int16_t other) const { return code == other; }
 
     std::int16_t Code() const { return code; }

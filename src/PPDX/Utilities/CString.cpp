@@ -65,7 +65,7 @@ void CString::SetBuffer(std::string_view text) {
 
 void CString::ClearBuffer() {
     if (buffer != nullptr) {
-        platform::wipe(buffer, std::strlen(buffer)); // it may be a secret note
+        platform::wipe(buffer, std::strlen(buffer)); // the text may be a secret note
     }
     std::free(buffer);
     Initialize();

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <string_view>
 
-// A heap string of bytes that tells an unset text (null) from an empty one.
+// A heap string of bytes that distinguishes an unset text (null) from an empty one.
 //
-// Owns its buffer, which comes from malloc. No call throws: when memory runs out the string is left unset.
+// Owns its buffer, which comes from malloc. No call throws: when memory runs out, the string becomes unset.
 // Not thread-safe.
 
 namespace torka {
@@ -18,14 +18,13 @@ public:
     CString(const char* text) { SetBuffer(text); } // null leaves it unset
     CString(const CString& other) { SetBuffer(other.buffer); }
     CString(CString&& other) noexcept;
-    // Converted as by operator=(CFStringRef); `Size()` then counts UTF-16 units until the text changes.
+    // Converts as operator=(CFStringRef) does. Size() then counts UTF-16 units until the text changes.
     CString(const CFStringRef& text);
     virtual ~CString() { ClearBuffer(); }
 
-    // Forgets the buffer without freeing it.
+    // Drops the buffer without freeing it.
     void Initialize();
-    // Setting the current buffer does nothing; a text inside the current buffer is copied before that one
-    // goes.
+    // Does nothing for the current buffer itself. A text inside the current buffer is allowed.
     void SetBuffer(const char* text);
     void SetBuffer(std::string_view text); // cut at its first NUL
     void ClearBuffer();
@@ -33,15 +32,15 @@ public:
     CString& operator=(const CString& other);
     CString& operator=(CString&& other) noexcept;
     CString& operator=(const char* text);
-    // In UTF-8 or in the application's text encoding, whichever `narrowTextEncoding` (ModelState.h) says.
-    // Null and a text that the encoding cannot hold give "".
+    // Converts to the encoding of `narrowTextEncoding` (ModelState.h). Null, and a text with a character that
+    // the encoding lacks, give "".
     CString& operator=(const CFStringRef& text);
 
     // Appends in place and returns the string itself.
     CString& operator+(const char* text);
-    // The first occurrence only.
+    // Replaces the first occurrence.
     void Replace(const CString& what, const CString& with);
-    // Removes `count` bytes at `at`, a position in this buffer; never more than there are.
+    // Removes at most `count` bytes from `at`, a position in this buffer.
     void Remove(char* at, std::size_t count);
     // Does nothing on an unset string, for an empty text, or for a position outside this buffer.
     void Insert(char* at, const char* text);
@@ -57,7 +56,7 @@ public:
     const char* Buffer() const { return buffer; }
     std::size_t Size() const { return length; }
     bool Empty() const { return buffer == nullptr || buffer[0] == '\0'; }
-    // Letter case is folded for ASCII. False when either side is null.
+    // Ignores the case of ASCII letters. False when either side is null.
     bool Contains(const char* text) const;
 
 private:
@@ -65,7 +64,7 @@ private:
     void Append(const char* text);
 
     char* buffer = nullptr;
-    std::size_t length = 0; // bytes before the terminator as last set, see the constructor from a CFString
+    std::size_t length = 0; // bytes before the terminator; units after the constructor from a CFString
 };
 
 } // namespace torka

@@ -5,12 +5,15 @@
 
 // A doubly linked list of untyped pointers.
 //
-// Owns its nodes, never the elements: whoever made them deletes them before emptying the list. Copies are
-// shallow. An iterator stays valid until its own node is erased.
+// Owns its nodes but not the elements: the owner of the elements deletes them before it empties the list.
+// Copies are shallow. An iterator stays valid until its own node is erased.
 //
 // Invariants:
+//
 // (1) `head` and `tail` are sentinels of every list, without data; `head->next` is the first element or
-// `tail`. (2) `count` is the number of nodes between them.
+// `tail`.
+//
+// (2) `count` is the number of nodes between them.
 
 namespace torka {
 
@@ -27,7 +30,7 @@ public:
     PNode* next = nullptr;
 };
 
-// A null iterator gives null and does not move.
+// A null iterator returns null and does not move.
 class PointerListItr {
 public:
     using iterator_category = std::bidirectional_iterator_tag;
@@ -53,7 +56,7 @@ private:
     PNode* node = nullptr;
 };
 
-// The list may not be changed through it; the elements are what they are.
+// An iterator that cannot change the list. The elements are not const.
 class ConstPointerListItr {
 public:
     using iterator_category = std::bidirectional_iterator_tag;
@@ -99,11 +102,11 @@ public:
     // Adding throws std::bad_alloc when memory runs out and then changes nothing.
     void PushBack(const void* element);
     void PushFront(const void* element);
-    // Before a null iterator or the head: at the front. Returns the new node's place.
+    // Inserts at the front when `place` is a null iterator or the head. Returns the new node's place.
     PointerListItr InsertBefore(PointerListItr place, const void* element);
-    // Returns the following place; a null iterator or a sentinel erases nothing and gives Begin().
+    // Returns the following place. For a null iterator or a sentinel, erases nothing and returns Begin().
     PointerListItr Erase(PointerListItr place);
-    // Up to but not including `last`, or to the end when `last` does not follow. Returns `last`.
+    // Erases up to but not including `last`, or to the end when `last` does not follow. Returns `last`.
     PointerListItr Erase(PointerListItr first, PointerListItr last);
     // No effect on an empty list.
     void PopFront();
@@ -119,7 +122,8 @@ private:
     std::size_t count = 0;
     PNode* head = &headNode;
     PNode* tail = &tailNode;
-    // The sentinels. Most lists of a description are short, and two blocks of the heap for each would tell.
+    // The sentinels are members, because most lists of a description are short, and two heap blocks for each
+    // list would cost noticeable memory.
     PNode headNode{nullptr};
     PNode tailNode{nullptr};
 };

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// A list of linked elements that carry their own links. Owns them: what is added is deleted with the list.
+// A list of elements that carry their own links. Owns its elements and deletes them at its end.
 
 namespace torka {
 
@@ -17,7 +17,7 @@ public:
     LinkElement_Dual* prev = nullptr;
 };
 
-// Stays null once it has run off either end.
+// Becomes null behind either end and stays null.
 class LinkElementDualIterator {
 public:
     LinkElementDualIterator() = default;
@@ -54,7 +54,7 @@ public:
     std::uint32_t Count() const { return count; }
     LinkElement_Dual* First() const { return first; }
     LinkElement_Dual* Last() const { return last; }
-    // On the element that the list was made with.
+    // An iterator at the element given to the list's constructor.
     LinkElementDualIterator Iterator() const { return iterator; }
 
 private:

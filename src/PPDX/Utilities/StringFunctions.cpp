@@ -28,13 +28,13 @@ char* mallocedCopy(std::string_view text) {
     return copy;
 }
 
-// Replaces what it has made anew too: after a replacement the scan goes on within the replacement, with the
-// text before it. False when that would not end within the limit.
+// Also replaces occurrences that it creates: after a replacement, the scan continues within the replacement
+// and the text before it. False when the inserted bytes exceed the limit.
 bool replaceRepeatedly(std::string& text, std::string_view what, std::string_view with) {
     const std::size_t limit = kReplaceLimit + text.size() / what.size() * with.size();
     std::size_t written = 0;
     std::string done;
-    std::string rest(text.rbegin(), text.rend()); // its end is the next byte
+    std::string rest(text.rbegin(), text.rend()); // reversed: its last byte is the next one
     while (!rest.empty()) {
         done.push_back(rest.back());
         rest.pop_back();
