@@ -15,8 +15,7 @@
 
 #include <QApplication>
 
-// Where the plug-in is put together: its own copies of the adapters, chosen when a host asks for the first
-// class.
+// Composes the plug-in: sets its own copies of the adapters when a host asks for the first class.
 
 #ifndef TORKA_ROOT_FROM_ENVIRONMENT
 #define TORKA_ROOT_FROM_ENVIRONMENT 1
@@ -29,7 +28,8 @@ namespace torka {
 
 namespace {
 
-// Alerts without a toolkit: nobody can be asked, so nothing is gone on with.
+// Alerts without a toolkit. Nobody can answer, so that each alert is logged and answered with its alternate
+// button.
 class LoggedAlerts final : public AlertPresenter {
 public:
     AlertButton RunModal(const AlertText& text) override {
@@ -55,7 +55,7 @@ void chooseSystemAdapters() {
     registerBundle(openBundle(folder, problem));
 }
 
-// What lives no longer than the host's application object.
+// Removes the adapters that must not outlive the host's application object.
 void dropToolkitAdapters() {
     setPaneInterfaceLoader({});
     setWaitPresenter(nullptr);

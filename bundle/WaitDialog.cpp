@@ -15,13 +15,13 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds shownAfter{400};
-constexpr milliseconds quietTime{700}; // no wait is silent for longer while it lasts
-// Of a wait without limit the bar shows no more than that something goes on.
+constexpr milliseconds quietTime{700}; // longer than the pause between two reports of a wait
+// A wait without limit shows a busy bar.
 constexpr int busyRange = 0;
 
 bool cancelled = false;
 bool isShown = false;
-QEventLoop* innermostLoop = nullptr; // of the waits under way
+QEventLoop* innermostLoop = nullptr; // the loop of the innermost wait under way
 
 void cancel() {
     cancelled = true;

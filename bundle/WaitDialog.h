@@ -12,8 +12,8 @@ class QProgressDialog;
 
 namespace torka {
 
-// Waits of the pane as a person meets them: a modal dialog with a bar and a Cancel button, shown only once a
-// wait takes long, and gone when nothing is waited for any more.
+// Shows the pane's waits in a modal dialog with a progress bar and a Cancel button. The dialog appears when a
+// wait takes long and disappears when the waits are over.
 class WaitDialog final : public WaitPresenter {
 public:
     explicit WaitDialog(BundleRef bundle);
@@ -22,8 +22,8 @@ public:
     void Show(const WaitProgress& progress) override;
     void End() override;
 
-    // Lets the event loop run for that time. False, at once, when the person has cancelled. Before the dialog
-    // is on the screen nothing that the person does reaches the host's windows.
+    // Runs the event loop for that time. False at once when the person has cancelled. Until the dialog is
+    // shown, the loop excludes user input, so that it does not reach the host's windows.
     static bool wait(std::chrono::milliseconds duration);
 
 private:
@@ -31,7 +31,7 @@ private:
 
     BundleRef bundle;
     QPointer<QProgressDialog> dialog;
-    QTimer quiet; // ends the dialog when a wait ends without telling
+    QTimer quiet; // hides the dialog when a wait ends without a report
 };
 
 } // namespace torka
