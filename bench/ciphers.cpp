@@ -1,4 +1,4 @@
-// The note ciphers and the encodings beside bare calls of nettle and of OpenSSL, over the same bytes in one
+// Compares the note ciphers and the encodings with bare calls of nettle and OpenSSL, on the same bytes in one
 // run.
 
 #include "ZANUtils/AES256CBC.h"
@@ -42,8 +42,8 @@ void aesNote(benchmark::State& state) {
     }
 }
 
-// The same result from bare calls: padded into a buffer, enciphered into another of the same size, nothing
-// wiped.
+// The same result from bare calls: pads into one buffer, enciphers into another of the same size, and wipes
+// nothing.
 void aesNoteNettle(benchmark::State& state) {
     const std::string text = noteText(state);
     std::uint8_t padded[largestNote + 32];

@@ -1,5 +1,5 @@
-// The exchange record with 1,000 settings: filled and read back, as a launch and the module's return do it,
-// beside copies of the whole record.
+// Fills the exchange record with 1,000 settings and reads it back, as a launch and the module's return do.
+// Compares this with copies of the whole record.
 
 #include "bidi/module/ExchangeLists.h"
 #include "bidi/module/JobPropertiesState.h"
@@ -35,7 +35,7 @@ void copyRecord(benchmark::State& state) {
 }
 BENCHMARK(copyRecord)->Name("copy/memcpy");
 
-// The pane's way: the settings into the record, and the record's settings out again.
+// The pane's part: writes the settings into the record and reads them again.
 void fillAndRead(benchmark::State& state) {
     const auto record = std::make_unique<SharedMemoryList>();
     for (auto _ : state) {
@@ -47,7 +47,7 @@ void fillAndRead(benchmark::State& state) {
 }
 BENCHMARK(fillAndRead)->Name("fill and read/ours");
 
-// The module's way: the record is kept as well, and compared where the settings are a preset's.
+// The module's part: also copies the record, and compares the values when the settings come from a preset.
 void returnAndRead(benchmark::State& state) {
     const auto record = std::make_unique<SharedMemoryList>();
     for (auto _ : state) {

@@ -1,5 +1,5 @@
-// The constraint store beside the printing system's own PPD library, on the same descriptions in the same
-// run. Names: TASK/SIZE/cups and TASK/SIZE/torka. Both sides begin from the description's defaults.
+// Compares the constraint store with libcups on the same descriptions in the same run. Names: TASK/SIZE/cups
+// and TASK/SIZE/torka. Both sides begin with the description's defaults.
 
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/ConstraintsEngine.h"
@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-// The library marks its PPD calls as deprecated; they are what people use.
+// libcups marks its PPD functions as deprecated, but programs still use them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 #include <cups/cups.h>
 #include <cups/ppd.h>
@@ -38,7 +38,7 @@ struct Option {
     std::vector<std::string> choices;
 };
 
-// The choices and constraint lines of a generated description, read line by line.
+// Reads the choices and constraint lines of a generated description line by line.
 struct Lines {
     std::vector<Option> options;
     std::vector<std::vector<std::string>> constraints;
@@ -82,7 +82,7 @@ std::unique_ptr<UIConstraints> fillStore(const Lines& lines) {
     return store;
 }
 
-// One description, open on both sides for as long as the program runs.
+// One description, open on both sides until the program ends.
 struct Description {
     explicit Description(const std::string& size)
         : path(std::string(TORKA_BENCH_PPDS) + "/" + size + ".ppd")
@@ -97,7 +97,7 @@ struct Description {
         store = fillStore(lines);
         storeHeap = heapInUse() - before;
 
-        // The change to resolve: the first choice that conflicts with the defaults.
+        // The choice to resolve is the first one that conflicts with the defaults.
         for (const Option& option : lines.options)
             for (const std::string& choice : option.choices)
                 if (changeChoice.empty() && store->IsKVConstrained(option.keyword, choice)) {
@@ -124,7 +124,7 @@ Description& description(const std::string& size) {
     return *entry;
 }
 
-// "sweep": every choice of every option asked whether it is forbidden now.
+// "sweep": asks for every choice of every option whether it is forbidden.
 void sweepCups(benchmark::State& state, const std::string& size) {
     Description& d = description(size);
     ppdMarkDefaults(d.ppd);
@@ -155,7 +155,7 @@ void sweepTorka(benchmark::State& state, const std::string& size) {
     state.counters["forbidden"] = forbidden;
 }
 
-// "set": each option set in turn to its second choice, and the conflicts asked for after each.
+// "set": sets each option in turn to its second choice, and asks for the conflicts after each.
 void setCups(benchmark::State& state, const std::string& size) {
     Description& d = description(size);
     int conflicts = 0;
@@ -197,7 +197,8 @@ void setTorka(benchmark::State& state, const std::string& size, bool wholeSelect
     setDefaults();
 }
 
-// "resolve": one choice that conflicts with the defaults, and other options changed until it does not.
+// "resolve": sets one choice that conflicts with the defaults, and changes other options until no conflict
+// remains.
 void resolveCups(benchmark::State& state, const std::string& size) {
     Description& d = description(size);
     ppdMarkDefaults(d.ppd);
@@ -230,8 +231,8 @@ void resolveTorka(benchmark::State& state, const std::string& size) {
     state.counters["changes"] = static_cast<double>(changes);
 }
 
-// "fill": the description read by libcups; the store filled from lines that are read already. Not the same
-// work, but it bounds the share of the store in reading a description.
+// "fill": libcups reads the description; the store is filled from lines that were read before. The work
+// differs, but the result bounds the store's share in reading a description.
 void fillCups(benchmark::State& state, const std::string& size) {
     Description& d = description(size);
     for (auto _ : state) {
@@ -249,8 +250,8 @@ void fillTorka(benchmark::State& state, const std::string& size) {
     state.counters["heap_KiB"] = d.storeHeap / 1024;
 }
 
-// "wildcard": one line between two keys of 5,000 options each, which stands for 25 million pairs: read, then
-// asked for every option of the first key.
+// "wildcard": reads one constraint between two keys of 5,000 options each, which means 25 million pairs, and
+// then asks for every option of the first key.
 void wildcardTorka(benchmark::State& state) {
     constexpr int count = 5000;
     std::vector<std::string> names;

@@ -1,6 +1,5 @@
-// The whole way from a description's file to its model, and what is asked of it while a pane is open, beside
-// the printing system's own PPD library on the same files in the same run. Names: TASK/SIZE/cups and
-// TASK/SIZE/torka.
+// Measures reading a description's file into its model, and the model's functions that an open pane calls.
+// Compares them with libcups on the same files in the same run. Names: TASK/SIZE/cups and TASK/SIZE/torka.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "platform/Log.h"
@@ -17,12 +16,12 @@
 #include <string>
 #include <vector>
 
-// The library marks its PPD calls as deprecated; they are what people use.
+// libcups marks its PPD functions as deprecated, but programs still use them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 #include <cups/ppd.h>
 
-// Every block of the heap passes through here, the library's too, so that the peak of a task is known and not
-// only what it leaves behind.
+// These functions see every heap block, including those of libcups. They give the peak of a task's memory,
+// and not only the memory that it leaves behind.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -58,7 +57,7 @@ using torka::ZANPPD;
 
 constexpr torka::_PARSE_OPTIONS_ acceptAll = torka::kAcceptOrphans | torka::kAcceptHidden;
 
-// A benchmark writes no log.
+// Drops the log.
 class NoLog : public torka::LogSink {
     void Line(std::string_view) override {}
 };
@@ -83,7 +82,7 @@ std::unique_ptr<ZANPPD> openTorka(const std::string& size) {
     return model;
 }
 
-// Runs once more on its own to see how far the heap rises, in KiB.
+// Runs the task once more and returns the rise of the heap's peak in KiB.
 template <class Task>
 double heapPeakOf(Task task) {
     const std::size_t before = heapNow;
@@ -96,7 +95,7 @@ double heapPeakOf(Task task) {
 void parseCups(benchmark::State& state, const std::string& size) {
     for (auto _ : state) {
         CupsDescription ppd = openCups(size);
-        state.PauseTiming(); // closing it is no part of opening it
+        state.PauseTiming(); // excludes closing the model
         ppd.reset();
         state.ResumeTiming();
     }
@@ -141,8 +140,8 @@ void emitTorka(benchmark::State& state, const std::string& size) {
     state.counters["bytes"] = static_cast<double>(text.size());
 }
 
-// "pane": every choice of every option asked by its texts whether it is forbidden now, as a pane does to grey
-// it out.
+// "pane": asks by text for every choice of every option whether it is forbidden, as a pane does to disable
+// choices.
 void paneTorka(benchmark::State& state, const std::string& size) {
     const std::unique_ptr<ZANPPD> model = openTorka(size);
     int forbidden = 0;
@@ -164,7 +163,7 @@ void paneTorka(benchmark::State& state, const std::string& size) {
     state.counters["asked"] = asked;
 }
 
-// "values": all values taken and set again by key, as when a pane saves and restores.
+// "values": takes all values and sets them again by key, as a pane does to save and restore them.
 void valuesTorka(benchmark::State& state, const std::string& size) {
     const std::unique_ptr<ZANPPD> model = openTorka(size);
     for (auto _ : state) {

@@ -1,7 +1,7 @@
-// The pane's widgets without a display, beside the toolkit's own print dialog in the same run. "firstOpening"
-// is measured in fresh processes that open the plain dialog first and then, as its host does, the pane: from
-// the start of the work (for the pane: reading the description) to the first painting. "click" sets a choice
-// by the editor, sweeps the constraints and repaints.
+// Measures the pane's widgets without a display, and compares them with Qt's own print dialog in the same
+// run. "firstOpening" runs in new processes that first open the plain dialog and then the pane, as a host
+// does. It measures from the start of the work (for the pane: reading the description) to the first painting.
+// "click" sets a choice through the editor, sweeps the constraints and repaints.
 
 #include "pane/views/FieldPage.h"
 #include "tests/views/ViewFixture.h"
@@ -53,9 +53,9 @@ double openPane(bool large) {
     return millisecondsSince(begin);
 }
 
-// The first opening of `what` in a process of its own.
+// Measures the first opening of `what` in a new process.
 void firstOpening(benchmark::State& state, const char* what) {
-    const std::string command = "/proc/self/exe"; // of the shell: not this program
+    const std::string command = "/proc/self/exe"; // resolved here: in the child it would name the shell
     char program[4096] = {};
     if (readlink(command.c_str(), program, sizeof program - 1) <= 0) {
         state.SkipWithError("the program does not find itself");

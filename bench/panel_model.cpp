@@ -1,7 +1,7 @@
-// What a click on "full properties" costs before the module's window opens, for the 800-option description:
-// the default settings of every control, their way into the exchange record, and the way back of settings
-// that nobody changed. Beside it libcups on the same file in the same run: a walk over all options that reads
-// each one's marked choice, and the marking of them all. Names: TASK/cups and TASK/torka.
+// Measures the work of a click on "full properties" before the module's window opens, with the 800-option
+// description: collects the default settings of every control, writes them into the exchange record, and
+// takes unchanged settings back. Compares this with libcups on the same file in the same run: reads the
+// marked choice of every option, and marks all options. Names: TASK/cups and TASK/torka.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "pane/data/PDEData.h"
@@ -16,7 +16,7 @@
 #include <stdexcept>
 #include <string>
 
-// The library marks its PPD calls as deprecated; they are what people use.
+// libcups marks its PPD functions as deprecated, but programs still use them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 #include <cups/ppd.h>
 
@@ -69,7 +69,7 @@ void DefaultSettings_torka(benchmark::State& state) {
 }
 BENCHMARK(DefaultSettings_torka)->Name("DefaultSettings/torka")->Unit(benchmark::kMicrosecond);
 
-// The cheapest form of the same with libcups: keyword and marked choice of every option, as wide text.
+// The cheapest equivalent with libcups: keyword and marked choice of every option, as wide text.
 void DefaultSettings_cups(benchmark::State& state) {
     const Marked ppd = openMarked();
     std::size_t settings = 0;

@@ -1,6 +1,6 @@
-// The whole way from print settings to a ticket for the rich sample, beside libcups on the same file in
-// the same run: ppdOpenFile, marking and ppdEmitString. Names: TASK/cups and TASK/torka. What stays on the
-// heap over 10,000 jobs of one process is the counter "kept_bytes" of ManyJobs.
+// Measures the work from print settings to a ticket for the rich sample. Compares it with libcups on the same
+// file in the same run: ppdOpenFile, marking and ppdEmitString. Names: TASK/cups and TASK/torka. The counter
+// "kept_bytes" of ManyJobs gives the growth of the heap over 10,000 jobs of one process.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/FeatureEmission.h"
@@ -18,7 +18,7 @@
 #include <memory>
 #include <string>
 
-// The library marks its PPD calls as deprecated; they are what people use.
+// libcups marks its PPD functions as deprecated, but programs still use them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 #include <cups/ppd.h>
 
@@ -31,7 +31,7 @@ const std::string& samplePath() {
     return path;
 }
 
-// A benchmark writes no log.
+// Drops the log.
 class NoLog : public LogSink {
     void Line(std::string_view) override {}
 };
@@ -42,7 +42,7 @@ public:
     SaveResult Save(std::string_view) override { return {}; }
 };
 
-// What a pane has once it is open: the description, its data and the dialog's print settings.
+// The objects of an open pane: the description, its data and the dialog's print settings.
 struct OpenPane {
     ZANPPD model{FSRef{samplePath()}, kAcceptOrphans | kAcceptHidden, nullptr};
     std::shared_ptr<MemoryPrintSettings> settings = std::make_shared<MemoryPrintSettings>();
@@ -62,7 +62,7 @@ struct OpenPane {
         }
     }
 
-    // From the print settings to the ticket.
+    // Turns the print settings into the ticket.
     CFDataRef Print() {
         const CFDictionaryRef values = settings->CopyAsDictionary();
         model.SetAllValues(values);
@@ -102,7 +102,7 @@ void printOneJobTorka(benchmark::State& state) {
 }
 BENCHMARK(printOneJobTorka)->Name("PrintOneJob/torka")->Unit(benchmark::kMicrosecond);
 
-// With the file on the disk, which the system is made to keep before the job goes on. libcups writes none.
+// Also writes the ticket's file and waits until it is on the disk. libcups has no such file.
 void printOneJobToFileTorka(benchmark::State& state) {
     OpenPane pane;
     const std::filesystem::path file = platform::system().PrivateFolder() / "ticket.plist";
@@ -122,7 +122,7 @@ void manyJobs(benchmark::State& state) {
     OpenPane pane;
     std::size_t kept = 0;
     for (auto _ : state) {
-        for (int i = 0; i < 100; ++i) { // what is made once
+        for (int i = 0; i < 100; ++i) { // makes the allocations that happen only once
             pane.Print();
         }
         const std::size_t before = mallinfo2().uordblks;

@@ -1,5 +1,5 @@
-// Records of 16 MB: read and written beside the bare loops of the libraries that do the work, over the same
-// bytes in one run.
+// Reads and writes records of 16 MB. Compares this with bare loops over the libraries that do the work, on
+// the same bytes in one run.
 
 #include "bidi/records/CFileHdlr.h"
 #include "bidi/records/CPPDMsgHdlr.h"
@@ -17,7 +17,7 @@
 #include <vector>
 #include <zlib.h>
 
-// The library marks its PPD calls as deprecated; they are what people use.
+// libcups marks its PPD functions as deprecated, but programs still use them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace {
@@ -30,7 +30,7 @@ public:
     void Error(std::string_view /*text*/) override {}
 };
 
-// Wide text of 16 MB less a page: numbered words (easy to compress), or random letters (hard).
+// Wide text of 16 MB minus a page: numbered words (easy to compress), or random letters (hard).
 const std::string& payloadOf(bool hard) {
     static std::array<std::string, 2> payloads;
     std::string& payload = payloads[hard ? 1 : 0];
@@ -130,8 +130,8 @@ void writeTorka(benchmark::State& state, bool hard) {
     }
 }
 
-// 400 records of 20 kB of hard text each in one file: the bare loop over the chunks of all, each record
-// looked for from the file's start, and all through one index.
+// 400 records of 20 kB hard text in one file. The benchmarks compare a bare loop over all chunks, a search
+// from the file's start for each record, and one index for all records.
 const std::string& manyRecords() {
     static std::string file;
     if (file.empty()) {
@@ -194,7 +194,7 @@ void manyTorka(benchmark::State& state, bool indexed) {
     }
 }
 
-// 6,000 chunks as attributes of a PPD, beside the opening of that PPD.
+// A PPD with 6,000 chunks as attributes. The benchmarks compare reading the record with opening the PPD.
 std::string ppdOfManyChunks() {
     std::string lines;
     CFileHdlr::fileWriteData("QVRecord", payloadOf(true).data(), 1'300'000, lines);

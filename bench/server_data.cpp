@@ -1,5 +1,5 @@
-// Records of 1,000 entries turned into what the module is given, and freed; beside a bare split of the same
-// text into lines and fields, each copied into a string of its own.
+// Converts records of 1,000 entries into the module's structures and frees them. Compares this with a bare
+// split of the same text into lines and fields, each copied into its own string.
 
 #include "bidi/serverdata/ServerDataToBuffer.h"
 #include "bidi/serverdata/ServerDataToSDM.h"

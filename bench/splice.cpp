@@ -1,6 +1,6 @@
-// Splicing a large document between two pipes, beside `cat` and a bare read-and-write loop in the same place.
-// "peakKiB" is the most memory that the process in the middle had; it has to be the same for both document
-// sizes.
+// Splices a large document between two pipes. Compares this with `cat` and a bare read-and-write loop in the
+// same place. "peakKiB" is the maximum memory of the process in the middle. It must be the same for both
+// document sizes.
 
 #include "output/BundleIdentifier.h"
 #include "platform/PropertyList.h"
@@ -66,7 +66,7 @@ std::string pageContent(Content content, std::mt19937& random) {
     return text;
 }
 
-// The document of that content and size in a temporary file that is removed at the end of the program.
+// A document of the given content and size in a temporary file, which the program removes at its end.
 class Document {
 public:
     Document(Content content, std::uint64_t megabytes) {
@@ -101,7 +101,7 @@ public:
 };
 
 const Document& document(Content content, std::uint64_t megabytes) {
-    static std::unique_ptr<Document> kept; // one at a time: they are large
+    static std::unique_ptr<Document> kept; // only one, because documents are large
     static std::pair<Content, std::uint64_t> key;
     if (!kept || key != std::pair(content, megabytes)) {
         kept.reset();
@@ -203,12 +203,12 @@ public:
     std::filesystem::path path;
 };
 
-// The whole program, as the print server starts it.
+// Runs the whole program as the print server starts it.
 int runFilter() {
     const std::string option = std::string(torka::ticketPathSetting) + "=/" + FilterRoot::ticketPath;
     ::setenv("CONTENT_TYPE", "application/postscript", 1);
     ::setenv("PRINTER", "Bench", 1);
-    ::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO); // where the print server listens
+    ::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO); // stands in for the print server
     ::execl(TORKA_BINARY_DIR "/bin/torkafilter", "torkafilter", "1", "anna", "bench", "1", option.c_str(),
             nullptr);
     return 127;
@@ -220,7 +220,7 @@ void run(benchmark::State& state, const std::function<int()>& work) {
         document(static_cast<Content>(state.range(0)), static_cast<std::uint64_t>(state.range(1)));
     std::vector<char> drain(256 * 1024);
     long peak = 0;
-    double seconds = 0; // of processor time in the middle
+    double seconds = 0; // processor time of the process in the middle
     for ([[maybe_unused]] auto iteration : state) {
         int before[2];
         int behind[2];

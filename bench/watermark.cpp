@@ -1,5 +1,5 @@
-// A watermark's resource beside the same text made by the C library: a "%02X" a byte and one snprintf into
-// a buffer of the job's limit.
+// Compares a watermark's resource with the same text from the C library: a "%02X" for each byte, and one
+// snprintf into a buffer of the job's limit.
 
 #include "output/WatermarkEncoding.h"
 #include "output/ZANWatermark.h"
@@ -32,7 +32,7 @@ std::string definition(const Sample& each) {
     return std::string("0,0,0,255,0,0,0,0,0,450,0,0,48,") + each.font + "," + each.text;
 }
 
-// From the stored definition, as a print does it.
+// Starts from the stored definition, as a print does.
 void resourceOfDefinition(benchmark::State& state) {
     const std::string text = definition(sample(state));
     const std::string language = sample(state).language;

@@ -15,7 +15,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds shownAfter{400};
-constexpr milliseconds quietTime{700}; // longer than the pause between two reports of a wait
+constexpr milliseconds quietTime{700}; // maximum pause between two reports of a wait
 // A wait without limit shows a busy bar.
 constexpr int busyRange = 0;
 

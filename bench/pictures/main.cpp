@@ -1,5 +1,5 @@
-// Draws the pane over a description without a display, a picture for each page, at 100 % and 200 %, in a dark
-// palette and from right to left.
+// Draws the pane for a description without a display: one picture for each page, at 100 % and 200 %, with a
+// dark palette, and from right to left.
 //
 //     pane_pictures FOLDER [DESCRIPTION.ppd]
 
@@ -56,7 +56,7 @@ void grabPopup(ViewedPane& pane, const QString& file) {
         auto* line = popup->findChild<QLineEdit*>("popupJobNoteVal21");
         line->selectAll();
         QTest::keyClicks(line, QStringLiteral("4711"));
-        QTest::keyClick(popup, Qt::Key_Return); // too short: says so
+        QTest::keyClick(popup, Qt::Key_Return); // the text is too short, and the popup says so
         QCoreApplication::processEvents();
         popup->grab().save(file);
         static_cast<QDialog*>(popup)->reject();
@@ -81,7 +81,7 @@ void grab(ViewedPane& pane, const QString& folder, const QString& name) {
     }
 }
 
-// A chosen preset that the settings have left, its menu, and the dialog that asks for a name.
+// Draws a chosen preset with changed settings, its menu, and the dialog that asks for a name.
 void drawPresets(ViewedPane& pane, const QString& folder, const QString& prefix) {
     auto* bar = static_cast<PresetBar*>(pane.Find<QToolButton>("presets"));
     PresetStore store(pane.pane->data->PrinterName(), pane.Editor().Model(), *pane.pane->data);
