@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-// What the fuzz targets share.
+// Shared by the fuzz targets.
 
 namespace torka::fuzz {
 

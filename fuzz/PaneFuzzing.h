@@ -24,7 +24,7 @@ public:
     SaveResult Save(std::string_view) override { return {}; }
 };
 
-// A system in memory and nothing told, from the first call on.
+// Sets a system in memory and drops the log, from the first call on.
 inline void quietPane() {
     static const bool once = [] {
         setLogSink(std::make_shared<NoLog>());
@@ -35,7 +35,7 @@ inline void quietPane() {
     quietStreams();
 }
 
-// The model of a description; its file is gone afterwards.
+// Parses a description through a temporary file and removes the file.
 inline std::unique_ptr<ZANPPD> parsedModel(const char* description) {
     std::string name = (std::filesystem::temp_directory_path() / "torka-fuzz-XXXXXX").string();
     const int file = mkstemp(name.data());

@@ -1,5 +1,5 @@
-// Runs a fuzz target over the files and folders named on the command line, without libFuzzer: the sanitizer
-// builds replay each corpus as a test. Fails when nothing was run, so that a lost corpus is noticed.
+// Runs a fuzz target on the files and folders of the command line, without libFuzzer. The sanitizer builds
+// replay each corpus with it as a test. Fails when there is no input, so that a lost corpus is noticed.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace {
 void replayFile(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     const std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    // Its own block of the exact size, so that a read past the end is seen.
+    // A block of the exact size, so that the sanitizer detects a read past the end.
     const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());
     LLVMFuzzerTestOneInput(input.data(), input.size());
 }

@@ -1,6 +1,7 @@
-// A property list of any shape as the address list: every operation on it, and what was added is found again.
+// Calls every operation of the address list on an arbitrary property list. Added entries and blocks are found
+// again.
 //
-// The first line names a printer, the rest is the list.
+// Input: the first line names a printer, the rest is the list.
 
 #include "connection/ZANCorvianPrinterPList.h"
 #include "platform/memory/MemorySystem.h"
@@ -40,7 +41,7 @@ void checkBlocks(ZANCorvianPrinterPList& list, const CFStringRef& name, CFIndex 
     for (const int block : {0, 1, 11, -1}) {
         check(list.AddDataBlob(name, 2, block, rows) == 1);
         std::vector<CFStringRef> read;
-        // In an unknown format the place of the blocks is not known either.
+        // In an unknown format, the place of the blocks is unknown, too.
         if (list.GetDataBlob(name, block, read) && format && format->units == u"2") {
             check(read.size() == 2 && utf8Text(read[0]) == "first" && utf8Text(read[1]) == "second");
         }

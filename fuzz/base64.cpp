@@ -1,5 +1,5 @@
-// Base64 text of any kind through both decoders, in pieces of any size and into buffers of any size; and
-// bytes of any kind through the encoder and back.
+// Passes arbitrary text through both Base64 decoders, in pieces and into buffers of any size. Also passes
+// arbitrary bytes through the encoder and back.
 
 #include "ZANUtils/Base64Decoder.h"
 #include "ZANUtils/Base64Encoder.h"

@@ -1,5 +1,5 @@
-// A device URI of any bytes, as text and as the URL of a queue: it is of one kind at most, and the name taken
-// from it can be shown. The same bytes as a service's name.
+// Reads a device URI of arbitrary bytes, as text and as the URL of a queue. It is of at most one kind, and
+// the name taken from it can be shown. Also reads the bytes as a service's name.
 
 #include "connection/BonjourIPDiscovery.h"
 #include "connection/ConnectionType.h"

@@ -1,5 +1,5 @@
-// A management template of any bytes: every search in it ends, answers for a keyword the same with and
-// without its asterisk, and what is taken over stays within the lists.
+// Searches a management template of arbitrary bytes. Every search ends and gives the same result for a
+// keyword with and without its asterisk. The values taken over stay within the capacities of the lists.
 
 #include "bidi/serverdata/CUtil.h"
 #include "fuzz/PaneFuzzing.h"
@@ -11,7 +11,7 @@ namespace {
 using namespace torka;
 using namespace torka::fuzz;
 
-// A description that is nothing but its template.
+// A description that consists only of its template.
 class TemplateOnly final : public ZANPPD {
 public:
     explicit TemplateOnly(const std::string& xml)

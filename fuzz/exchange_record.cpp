@@ -1,4 +1,4 @@
-// Exchange records out of hostile bytes, and hostile wide text into a record.
+// Reads exchange records from hostile bytes, and writes hostile wide text into a record.
 
 #include "bidi/module/ExchangeLists.h"
 #include "bidi/module/JobPropertiesState.h"
@@ -16,9 +16,9 @@ namespace {
 using namespace torka;
 using fuzz::require;
 
-constexpr std::size_t entriesFilled = 64; // at most, by an input
+constexpr std::size_t entriesFilled = 64; // maximum per input
 
-// Bytes for the fields from `count` on, the rest for keys and values in turn.
+// Fills the fields from `count` on, and then keys and values in turn.
 void fill(SharedMemoryList& record, std::string_view bytes) {
     const auto take = [&bytes](char* field, std::size_t size) {
         const std::size_t taken = std::min(size, bytes.size());
@@ -36,7 +36,7 @@ void fill(SharedMemoryList& record, std::string_view bytes) {
     }
 }
 
-// Back to zeroes, where an input writes.
+// Zeroes the fields that an input fills.
 void clear(SharedMemoryList& record) {
     std::memset(record.keys.data(), 0, entriesFilled * exchangeKeySize);
     std::memset(record.values.data(), 0, entriesFilled * exchangeValueSize);
@@ -44,7 +44,7 @@ void clear(SharedMemoryList& record) {
     std::memset(reinterpret_cast<char*>(&record) + entriesEnd, 0, sizeof record - entriesEnd);
 }
 
-// What is read and written again is read alike.
+// Writes a list and reads it again; the result must be the same.
 void checkAgain(KeyValueList& list) {
     static const auto record = std::make_unique<SharedMemoryList>();
     writeSettings(*record, list.List());
@@ -68,7 +68,7 @@ void checkWatermarks(const SharedMemoryList& record) {
     require(written <= definitions.size() && watermarkDefinitions(*other).size() == written);
 }
 
-// The input's 32-bit units as one key and value.
+// Uses the input's 32-bit units as one key and one value.
 void checkWide(std::string_view bytes) {
     std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
     std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));

@@ -1,4 +1,5 @@
-// FieldKeys.plist of any content: a clear error, or a set of which every key and vector can be read.
+// Loads FieldKeys.plist with arbitrary content. The result is an error with a text, or a set in which every
+// key and vector can be read.
 
 #include "ZANUtils/FieldKeys.h"
 
@@ -26,6 +27,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const std::uint8_t byte : keys->StringVector()) {
         sum += byte;
     }
-    // Uses the sum, so that no read is left out.
+    // Uses the sum, so that the compiler removes no read.
     return sum == 0xFFFFFFFF ? 1 : 0;
 }

@@ -1,6 +1,7 @@
-// Command jobs of the queue's filter: the input's first line is a title, its second an options text, the rest
-// the command's text. Whatever they are, nothing appears outside the filter's two folders, each message stays
-// a line, and the notes and owner records that are kept can be read again.
+// Runs command jobs of the queue's filter. The filter writes nothing outside its two folders, each of its
+// messages is one line, and the notes and owner records that it stores can be read again.
+//
+// Input: the first line is a title, the second an options text, the rest the command's text.
 
 #include "bidi/text/StandardStreams.h"
 #include "platform/posix/PosixSystem.h"
@@ -28,7 +29,7 @@ struct Streams final : StandardStreams {
     }
 };
 
-// A system root of this process, in memory where the machine has such a folder.
+// A system root for this process, in a memory file system if the machine has one.
 struct Root {
     Root() {
         std::error_code none;
@@ -58,7 +59,7 @@ std::string takeLine(std::string_view& rest) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     std::string line(rest.substr(0, end));
     rest.remove_prefix(std::min(end + 1, rest.size()));
-    return line.substr(0, line.find('\0')); // arguments end there
+    return line.substr(0, line.find('\0')); // a program's arguments end at a NUL
 }
 
 } // namespace

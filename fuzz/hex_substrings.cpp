@@ -1,4 +1,4 @@
-// Hexadecimal substrings and the conversion of translations, in the encoding that the first byte chooses.
+// Decodes hexadecimal substrings and converts translations. The first byte of the input chooses the encoding.
 
 #include "PPDX/PPDObjects/Interface/PPDX.h"
 #include "TextConverter.h"
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     TextConverter* const converter = descriptions[index]->Converter();
     const std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
 
-    const std::unique_ptr<char[]> out(new char[text.size()]); // sized exactly, for the sanitizer
+    const std::unique_ptr<char[]> out(new char[text.size()]); // exact size, for the sanitizer
     const std::size_t length = TextConverter::DehexBufferFill(text, out.get());
     require(length <= text.size(), "length");
     const std::size_t opening = text.find('<');

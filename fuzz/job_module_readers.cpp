@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-// What the sample module reads: descriptions, watermark definitions, server data in XML, wide text, scripts.
-// The first byte of the input chooses.
+// Runs the readers of the sample module: descriptions, watermark definitions, server data in XML, wide text,
+// scripts. The first byte of the input chooses the reader.
 
 using namespace torka::jobproperties;
 
@@ -27,7 +27,7 @@ void readDescription(std::string_view text) {
         require(description.Find(setting.key) == &setting);
 }
 
-// What was written once reads and writes the same.
+// A definition that was written is read and written again unchanged.
 void readWatermark(std::string_view text) {
     const std::string definition = Watermark::FromDefinition(text).Definition();
     require(Watermark::FromDefinition(definition).Definition() == definition);

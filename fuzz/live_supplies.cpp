@@ -1,5 +1,7 @@
-// Supplies and trays as printers tell them: each line of the input is a value, its first character chooses
-// the attribute. Whatever they say, the records that are made of them can be read again, entry for entry.
+// Makes records of arbitrary attributes for supplies and trays. The records can be read again, entry for
+// entry.
+//
+// Input: each line is a value, and its first character chooses the attribute.
 
 #include "bidi/records/RecordEncoding.h"
 #include "bidi/serverdata/ServerRecords.h"

@@ -1,5 +1,5 @@
-// The hexadecimal text of a protected note, of any content: the text or a clear error. And notes of any text
-// through the cipher and back.
+// Deciphers arbitrary hexadecimal text of a protected note. The result is a text, or an error with a text.
+// Also passes notes with arbitrary text through the cipher and back.
 
 #include "fuzz/Fuzzing.h"
 #include "output/NoteCipher.h"
@@ -18,7 +18,7 @@ std::shared_ptr<const FieldKeys> makeKeys() {
         list += "<integer>" + std::to_string(16 * i) + "</integer>";
     }
     list += "</array>";
-    // Sizes that are no multiple of 3 end in padding.
+    // Base64 of sizes that are no multiple of 3 ends in padding.
     const std::pair<const char*, std::size_t> tables[] = {
         {"KeyTable", 208}, {"VectorTable", 80}, {"StringVector", 16}};
     for (const auto& [name, size] : tables) {
@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(hex.size() == std::min(noteCipherLength(text.size(), algorithm) * 2, noteHexSize));
     const auto back = decipherNote(*keys, special, algorithm, hex, error);
     require(back.has_value());
-    // Of a text that was cut, the end may happen to look like filling.
+    // The end of a cut text may look like padding by chance.
     const bool isWhole = noteCipherLength(text.size(), algorithm) * 2 <= noteHexSize;
     require(isWhole ? *back == text : text.starts_with(*back));
     return 0;

@@ -1,8 +1,8 @@
-// What a Job Properties module returns, whatever it is, applied to a pane. Nothing grows past its capacity,
-// and what is then handed to a module and comes back changes nothing more.
+// Applies an arbitrary result of a Job Properties module to a pane. No list exceeds its capacity. When the
+// pane then passes its settings to a module that returns them unchanged, nothing changes.
 //
-// The first byte: bit 0 two-way communication, bit 1 the rest is 32-bit units instead of UTF-8. The rest is
-// keys and values in turn, each ended by a NUL.
+// Input: bit 0 of the first byte is two-way communication; with bit 1 the rest is 32-bit units instead of
+// UTF-8. The rest is keys and values in turn, each with a NUL at its end.
 
 #include "fuzz/PaneFuzzing.h"
 #include "pane/panel/UI_Panel.h"
@@ -70,7 +70,7 @@ constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
 *%ZANJobNote *QVOutProfile2/Note: 0|UTF8
 )PPD";
 
-// The model of the description, parsed once; its file is gone afterwards.
+// The model of the description. Parses it once and removes the file.
 ZANPPD& model() {
     static ZANPPD parsed(kAcceptOrphans | kAcceptHidden);
     static const bool once = [] {
@@ -121,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         return 0;
     }
     static OpenPane pane;
-    // Choices that earlier inputs added go again.
+    // Removes the choices that earlier inputs added.
     const SuppliedPopupItem press{"Press", nullptr};
     model().PPDCreatePopupMenu("*QVOutProfile", {&press, 1}, "Press");
     pane.panel.ResetControlsToDefault();
@@ -148,7 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     pane.panel.SetUpdatedSettings(list.List());
     require(handedOver(pane.panel, list) == before);
 
-    // And through the record, which cuts what is too long.
+    // Also passes the settings through the record, which cuts long texts.
     static auto record = std::make_unique<SharedMemoryList>();
     writeSettings(*record, list.List());
     Create_SDMList_From_SharedMemoryList(list, *record);

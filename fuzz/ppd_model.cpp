@@ -1,5 +1,5 @@
-// A whole description: bytes to model, the PostScript of everything it holds, every choice asked whether it
-// is forbidden, values out and in again, and the stored form and back.
+// Parses arbitrary bytes as a description. Then emits all its PostScript, asks for every choice whether it is
+// forbidden, takes the values and sets them again, and stores the model and restores it.
 
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
@@ -19,7 +19,7 @@ namespace {
 using namespace torka;
 using namespace torka::fuzz;
 
-// The file lives in memory, under a name that the file layer can open.
+// A file in memory with a name that the file functions can open.
 class MemoryFile {
 public:
     MemoryFile(const std::uint8_t* data, std::size_t size)

@@ -1,6 +1,6 @@
-// Lines, tokens and quoted values of arbitrary bytes, each against the byte-by-byte rules.
+// Reads lines, tokens and quoted values from arbitrary bytes, and compares each with a byte-by-byte reader.
 //
-// The first three bytes choose the size of the pieces, the delimiters and the capacity of values.
+// Input: the first three bytes choose the size of the pieces, the delimiters and the capacity of values.
 
 #include "PPDFile.h"
 #include "PPDX/PPDObjects/Interface/PPDX.h"
@@ -31,7 +31,7 @@ struct Silence : LogSink {
     void Line(std::string_view) override {}
 };
 
-// A file in memory, named so that it can be opened like any other.
+// A file in memory with a name that can be opened.
 class MemoryFile {
 public:
     explicit MemoryFile(std::string_view content)
@@ -90,7 +90,7 @@ void checkTokens(std::string_view content, const char* delimiters, bool trim) {
 
 void checkValues(std::string_view content, Reader& reader, std::size_t capacity) {
     const std::vector<std::string> lines = oracle::linesToHandle(content);
-    const std::unique_ptr<char[]> out(new char[capacity]); // sized exactly, for the sanitizer
+    const std::unique_ptr<char[]> out(new char[capacity]); // exact size, so that the sanitizer sees overruns
     char line[kLineCapacity], token[kLineCapacity];
     for (std::size_t at = 0; reader.ReadLine(line); ++at) {
         require(at < lines.size() && lines[at] == line, "line to handle");
@@ -102,7 +102,7 @@ void checkValues(std::string_view content, Reader& reader, std::size_t capacity)
         PPDX::NextToken(stream, token, " \t:", true);
         PPDStream header(stream);
         if (at % 5 == 4 && reader.ParsePSKeywords(header, token)) {
-            return; // how many lines the value took is not told
+            return; // the reader does not report the number of lines of the value
         }
         std::vector<std::string> rest(lines.begin() + static_cast<std::ptrdiff_t>(at), lines.end());
         rest[0] = std::string(stream.Remaining());

@@ -1,5 +1,5 @@
-// A file of presets, and a record of popup job-note preferences, whatever they hold: nothing secret is taken
-// from them, lists stay within their capacities, and what is saved afterwards comes back.
+// Reads an arbitrary file of presets, and an arbitrary record of popup job-note preferences. No secret value
+// is taken from them, lists stay within their capacities, and values saved afterwards are read again.
 
 #include "fuzz/PaneFuzzing.h"
 #include "pane/data/PopupJobNotes.h"

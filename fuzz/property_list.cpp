@@ -1,4 +1,5 @@
-// What is read as a property list is written, read again and found the same.
+// Reads arbitrary bytes as a property list. A list that is read equals itself after it is written and read
+// again.
 
 #include "platform/PropertyList.h"
 

@@ -1,5 +1,5 @@
-// Two-way records out of hostile texts: the reader and the index against slow reading, and what a command
-// job's text asks for.
+// Reads two-way records from hostile texts. Compares the reader and the index with a slow reader. Also parses
+// the text as that of a command job.
 
 #include "bidi/commands/SpoolerCommands.h"
 #include "bidi/records/CFileHdlr.h"
@@ -33,7 +33,7 @@ void checkRequest(std::string_view text) {
 
 } // namespace
 
-// The first line is the record's name, the rest is the file.
+// Input: the first line is the record's name, the rest is the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     quietStreams();
     const std::string input(reinterpret_cast<const char*>(data), size);

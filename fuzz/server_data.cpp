@@ -1,7 +1,8 @@
-// Record texts of server data to the module's structures. The first byte selects the converter and whether
-// the text behind it is UTF-8 or raw 32-bit units; the second lets an allocation fail. Whatever the text is,
-// a refusal leaves no block and no out-parameter, what is handed over is freed whole, and what a writer makes
-// of it is read as the same again.
+// Converts arbitrary record texts of server data to the module's structures. A refusal leaves no block and no
+// out-parameter. A result can be freed completely, and a text written from it is read as the same structure.
+//
+// Input: the first byte selects the converter, and whether the text is UTF-8 or raw 32-bit units. The second
+// byte selects the allocation that fails. The rest is the text.
 
 #include "bidi/records/RecordEncoding.h"
 #include "bidi/serverdata/CUtil.h"
@@ -105,7 +106,8 @@ void checkNames(std::wstring_view text) {
 
 void checkPreset(std::wstring_view text) {
     std::array<SDMKeyValueList*, 3> sets{};
-    // The name that is asked for is the text's last line, in half of the cases; else the first preset.
+    // Asks for the preset that the text's last line names when the text has an odd length; else for the first
+    // preset.
     const std::wstring_view name =
         text.size() % 2 == 0 ? std::wstring_view() : text.substr(text.rfind(L'\n') + 1);
     const bool isGood = GetServerPresetDataByNameToSDM(text, memory, name, sets[0], sets[1], sets[2]);
@@ -124,7 +126,7 @@ void checkPreset(std::wstring_view text) {
     }
 }
 
-// The key is the text's first line.
+// Input: the text's first line is the key.
 void checkValues(std::wstring_view text) {
     const std::wstring_view key = text.substr(0, text.find(L'\n'));
     const std::wstring_view rest = text.substr(std::min(key.size() + 1, text.size()));
@@ -166,7 +168,7 @@ void checkTemplate(std::wstring_view text) {
     }
 }
 
-// Escaped text has no markup and goes within its limit.
+// Escaped text has no markup, and the XML text keeps its limit.
 void checkXml(std::wstring_view text) {
     const std::wstring escaped = xmlEscaped(text);
     require(escaped.find_first_of(L"<>\"'\t\r\n") == std::wstring::npos && isProperWideText(escaped));
@@ -193,8 +195,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 2) {
         return 0;
     }
-    // Letters, so that a seed can be written by hand: '@' + converter, lower case for raw units; the limit
-    // counts from '0', and '~' is none.
+    // Both bytes are printable, so that seeds can be written by hand. The first is '@' + converter, with 32
+    // added for raw units. The second is '0' + number of allocations that succeed, or '~' for no limit.
     const std::size_t selected = data[0] & 15U;
     const bool isRaw = (data[0] & 32U) != 0;
     allocationsLeft = data[1] == '~' ? SIZE_MAX : static_cast<std::size_t>(data[1] - '0') % 128;

@@ -1,6 +1,6 @@
-// A property list of print settings, whatever it holds, restored into a pane's data and emitted. The lists
-// stay within their capacities, the same settings give the same ticket again, and what was saved restores to
-// itself.
+// Restores an arbitrary property list of print settings into a pane's data and emits a ticket. The lists stay
+// within their capacities, the same settings give the same ticket again, and saved settings restore to
+// themselves.
 
 #include "fuzz/PaneFuzzing.h"
 #include "output/FeatureEmission.h"
@@ -12,7 +12,7 @@ namespace {
 using namespace torka;
 using namespace torka::fuzz;
 
-// One control of each kind that has a step of its own, and a note for any text.
+// One control of each type with special handling, and a note that takes any text.
 constexpr const char* description = R"PPD(*PPD-Adobe: "4.3"
 *LanguageVersion: Japanese
 *LanguageEncoding: JIS83-RKSJ

@@ -1,5 +1,7 @@
-// Documents: the result does not depend on how they are cut, its length adds up, and every setup entry is
-// written once or reported. The first two bytes choose the cuts and the ticket.
+// Splices arbitrary documents. The result does not depend on the pieces in which a document arrives, its
+// length is the sum of its parts, and every setup entry is written once or reported.
+//
+// Input: the first two bytes choose the pieces and the ticket; the rest is the document.
 
 #include "spooler/Splicer.h"
 #include "fuzz/Fuzzing.h"
@@ -24,7 +26,7 @@ Spliced splice(std::string_view document, const torka::Ticket& ticket, std::size
     torka::StringSink sink;
     torka::Splicer splicer(ticket, sink);
     while (!document.empty()) {
-        // A block of its exact size, so that a read past its end is seen.
+        // A block of the exact size, so that the sanitizer detects a read past its end.
         const std::string_view part = document.substr(0, piece);
         const auto block = std::make_unique<char[]>(part.size());
         std::ranges::copy(part, block.get());

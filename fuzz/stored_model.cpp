@@ -1,6 +1,7 @@
-// Stored settings of any kind, a "key=value" line each, rebuilt into groups, pages and controls. Whatever
-// comes of them emits as many bytes as it announced, takes the input's last line as its value, and once saved
-// comes back the same.
+// Rebuilds groups, pages and controls from arbitrary stored settings. Each result emits the number of bytes
+// that it announced, takes the input's last line as its value, and is the same after it is saved and rebuilt.
+//
+// Input: one "key=value" a line.
 
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"

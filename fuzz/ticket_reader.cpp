@@ -1,4 +1,4 @@
-// Ticket files: whatever the bytes, a ticket or an error with a text, never both.
+// Reads arbitrary bytes as a ticket file. The result is a ticket, or an error with a text, never both.
 
 #include "spooler/TicketReader.h"
 

@@ -1,5 +1,6 @@
-// Definitions of any kind for every language and orientation: what comes out is the resource that harmless
-// values give, with other numbers, names and digits in it, and short enough for a job when the text is.
+// Makes watermark resources from arbitrary definitions, for every language and orientation. A resource has
+// the same PostScript structure as one from harmless values. It is short enough for a job when the
+// watermark's text is short.
 
 #include "fuzz/Fuzzing.h"
 #include "output/WatermarkTemplates.h"
@@ -16,11 +17,11 @@ using namespace torka;
 using namespace torka::fuzz;
 
 constexpr std::size_t jobLimit = 5120;
-constexpr std::size_t longestSafeText = 200; // bytes; one may become four, of two digits each
+constexpr std::size_t longestSafeText = 200; // bytes; a byte may become four, with two digits each
 
 using Counts = std::array<std::size_t, 256>;
 
-// How often each character stands there that gives PostScript its structure; no other than ASCII may.
+// Counts the characters that give PostScript its structure. Requires printable ASCII and line ends.
 Counts structure(const std::string& resource) {
     constexpr std::string_view special = "()<>[]{}/%\\ \n";
     Counts all{};
@@ -37,7 +38,7 @@ Counts structure(const std::string& resource) {
     return counts;
 }
 
-// That of a resource with harmless values.
+// The structure of a resource with harmless values.
 const Counts& plainStructure(const char* language, bool isClear, bool isJapanese) {
     static std::map<std::tuple<std::string, bool, bool>, Counts> known;
     const auto [place, isNew] = known.try_emplace({language, isClear, isJapanese});
