@@ -5,10 +5,10 @@
 #include <cups/ppd.h>
 #include <gtest/gtest.h>
 
-// The library marks its PPD calls as deprecated; they are what people use.
+// libcups marks its PPD functions as deprecated, but programs still use them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-// Asking a queue's filter for server data, and reading what it answers, as the pane does.
+// Asks a queue's filter for server data and reads the answer, as the pane does.
 
 namespace torka::tests {
 
@@ -38,7 +38,7 @@ TEST_F(ServerData, ComesBackThroughTheDataFileAndTheDescription) {
     EXPECT_EQ(utf8FromWide(CPPDMsgHdlr(destinationPPD(), "ServerInfo").GetStringData()), trays);
     EXPECT_EQ(CPPDMsgHdlr(destinationPPD(), "InvalidPrinterAddress").GetCStringData(), "no");
 
-    // Nobody of ours: both carriers by Python.
+    // Python, and none of our code, reads both carriers.
     const std::string script = R"PY(
 import base64, re, sys, zlib
 text = open(sys.argv[1], encoding='latin-1').read()
@@ -50,7 +50,7 @@ sys.stdout.buffer.write(zlib.decompress(b''.join(chunks)).decode('utf-32-le').en
     EXPECT_EQ(runPython(script, {twoWayPlace("Served", dataFileSuffix), "QVTrayInfo"}), trays);
     EXPECT_EQ(runPython(script, {ppdPath, "QVServerInfo"}), trays);
 
-    // A controller that is not there, and one that is there again.
+    // A controller that is absent, and one that is back.
     const ServerDataRequests::Request away = requests.Compose("10.0.0.6", "", "", {});
     EXPECT_EQ(
         fetchServerData(printer, away.title, away.text, requests.randomStringForBIDIFile(), paths, file),
@@ -95,7 +95,7 @@ TEST_F(ServerData, ADescriptionWithTwoHundredRecordsIsStillOne) {
     EXPECT_EQ(shown.status, 0) << shown.errors;
     const CommandResult printed = runTool({"print", "-d", "Crowded", samplePath("plain.ps"), "PageSize=A3"});
     EXPECT_EQ(printed.status, 0) << printed.errors;
-    // What did not change leaves the description alone.
+    // Unchanged records do not rewrite the description.
     const auto before = std::filesystem::last_write_time(ppdPath);
     ASSERT_EQ(sendCommandAndWait(printer, updateRequestText("A-2", "10.0.0.7", "a=b"),
                                  commandTitle(SpoolerCommand::allBidi)),
@@ -113,7 +113,7 @@ TEST_F(ServerData, AnAddressListIsKeptByItsQueue) {
     ASSERT_EQ(runTool({"address", "set", "-d", "Listed", "Other", "10.0.0.2"}).status, 0);
     EXPECT_EQ(runTool({"address", "list", "--ppd", ppdPath}).output,
               "Listed: b\u00fc.example, two-way\nOther: 10.0.0.2\n");
-    // As the pane opens and saves it.
+    // Opens and saves the list as the pane does.
     ZANCorvianPrinterPList list(QueueAccess{std::make_shared<CupsSession>("Listed"), {}});
     EXPECT_EQ(utf8Text(list.Find(cfString("listed"))), "b\u00fc.example");
     std::vector<DataRow> rows(1);

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-// The printing interfaces against a real server, judged by the server's own client programs.
+// Compares the printing interfaces with the client programs of a real server.
 
 namespace torka::tests {
 
@@ -18,7 +18,7 @@ namespace {
 
 class CupsAdapter : public SandboxTest {};
 
-// The job with this title once it is over, within 4 seconds.
+// Waits up to 4 seconds until the job with this title is over.
 SpoolerJob jobWhenOver(const std::string& title) {
     CupsSpooler spooler;
     std::vector<SpoolerJob> jobs;
@@ -90,8 +90,8 @@ TEST_F(CupsAdapter, DescriptionIsTheServersFileOrACopyThatIsRemoved) {
     }
     EXPECT_TRUE(std::filesystem::exists(served)) << "only the link to it goes";
 
-    // Without the server's root in its environment a program gets copies. libcups reads it once, so that it
-    // takes another process.
+    // A program without the server's root in its environment gets copies. libcups reads the environment once,
+    // so that the test needs another process.
     const TemporaryFolder temporary;
     const CommandResult result =
         runCommand({"env", "-u", "CUPS_SERVERROOT", "TMPDIR=" + temporary.Path().string(),
@@ -102,7 +102,7 @@ TEST_F(CupsAdapter, DescriptionIsTheServersFileOrACopyThatIsRemoved) {
     EXPECT_TRUE(std::filesystem::is_empty(temporary.Path())) << "nothing is left behind";
 }
 
-// Run by the test above, in an environment of its own.
+// The test above runs this one in its own environment.
 TEST(CopiedDescription, DISABLED_IsRemoved) {
     const CupsPrinter printer("Copied");
     CFURLRef url;
@@ -119,7 +119,7 @@ TEST(CopiedDescription, DISABLED_IsRemoved) {
 }
 
 TEST_F(CupsAdapter, CommandJobCarriesTitleAndText) {
-    // A filter of the test's own tells what it was given.
+    // The test's own filter reports its arguments.
     const std::filesystem::path filter = *sandbox / "lib/filter/tell";
     const TemporaryFolder folder;
     std::filesystem::copy_file(

@@ -8,7 +8,7 @@
 #include <sys/mount.h>
 #include <thread>
 
-// What goes wrong on a print server while somebody waits: full disks, queues that go, files that change.
+// Faults of a print server while somebody waits: full disks, deleted queues, files that change.
 
 namespace torka::tests {
 
@@ -45,7 +45,7 @@ private:
 
 class Faults : public ServerData {
 protected:
-    // A command that the server holds until it is released.
+    // Sends a command that the server holds until its release.
     static std::string SendHeld(CupsPrinter& printer, const std::string& text) {
         const std::string title = commandTitle(SpoolerCommand::zanPrefs);
         EXPECT_EQ(
@@ -57,7 +57,7 @@ protected:
     static void Release(const CupsPrinter& printer) {
         runCommand({"lp", "-i", std::to_string(printer.CommandJob()), "-H", "resume"});
     }
-    // The reason that a job which ended badly leaves.
+    // The reason that a failed job reports.
     static std::string Failure(const CommandResult& result) {
         EXPECT_EQ(result.status, 1) << result.output;
         return result.errors;
@@ -117,7 +117,7 @@ TEST_F(Faults, AFullDiskLosesATicketWholly) {
         std::ranges::count_if(
             names, [](const std::string& left) { return left.starts_with("Torka.temp") || left[0] == '.'; }),
         0);
-    // A mailbox that does not fit is not there, and the job says so.
+    // A mailbox document that does not fit is absent, and the job reports it.
     const TemporaryFolder documents;
     const std::string document = readFile(samplePath("plain.ps")) + "% " + noise(100'000) + "\n";
     const CommandResult printed = runTool({"print", "-d", "FullTickets", documents.Write("big.ps", document),
@@ -160,8 +160,8 @@ TEST_F(Faults, ADescriptionThatIsReplacedDuringAWaitIsTheOneThatIsRead) {
     EXPECT_EQ(utf8FromWide(CPPDMsgHdlr(destinationPPD(), "DriverPreference").GetStringData()), "<plist/>");
 }
 
-// The server takes the description away before it writes the new one: no reader may take that for a record
-// that is absent, or a part for the whole.
+// The server removes the description before it writes the new one. A reader must not report an absent record
+// then, and must not take a part for the whole.
 TEST_F(Faults, ADescriptionThatIsReplacedWhileItIsReadIsReadWhole) {
     AddQueue("Rewritten");
     const auto put = [](int number) {
@@ -203,7 +203,7 @@ TEST_F(Faults, ADataFileThatGrowsIsReadWholeBehindItsLockAndToItsEndWithoutOne) 
                              }));
     const std::filesystem::path data = twoWayPlace("Growing", dataFileSuffix);
     const std::filesystem::path lock = twoWayPlace("Growing", lockFileSuffix);
-    // The filter makes the folder: it has to be the filter's.
+    // The filter must own the folder, so that the filter has to make it.
     Give("10.0.0.22", "data", "TrayInfo", "first");
     ASSERT_EQ(runTool({"command", "send", "Growing", "Command_AllBidi", "A-1::DELIMIT::10.0.0.22::DELIMIT::"})
                   .status,

@@ -18,9 +18,9 @@
 #include <gmock/gmock.h>
 #include <thread>
 
-// The full properties, from the pane over a real server and its filter to the sample module in a library of
-// its own, and back: into the model, and from there into the job that is printed. And every other way in
-// which that can end, with the pane usable after each.
+// Runs the full properties: from the pane through a real server and its filter to the sample module in its
+// own library, back into the model, and from there into the printed job. Also runs every other end of a
+// session; the pane stays usable after each.
 
 namespace torka::tests {
 
@@ -48,7 +48,7 @@ public:
     std::shared_ptr<MemoryPageFormat> format = std::make_shared<MemoryPageFormat>();
 };
 
-// A person who sees what is waited for, and stops it after a while.
+// Stands in for a person who sees each wait and stops it after a while.
 class Person final : public WaitPresenter {
 public:
     void Begin() override {
@@ -62,12 +62,13 @@ public:
         }
     }
     void End() override { ++waitsEnded; }
-    int patience = 0; // waits for the module that are borne, 0: all
+    int patience = 0; // number of reports of the module's wait before the person stops it; 0 for never
     int waitsEnded = 0;
     std::vector<WaitFor> shown;
 };
 
-// Where the bundle and the module lie. One for the process, as the bundle found first is kept.
+// The folder of the bundle and the module. One for the process, because the process keeps the first bundle
+// found.
 const TemporaryFolder& installed() {
     static const TemporaryFolder folder;
     return folder;
@@ -114,7 +115,7 @@ protected:
     }
 
     // Puts the bundle into a folder, and a module ("" for none) beside it. A library stays in the process
-    // under its path, so each has a folder of its own.
+    // under its path, so that each module needs its own folder.
     void Install(const std::string& library, const TemporaryFolder& place) const {
         unloadJobPropertiesLibrary();
         bundle->path = place / "TorkaFeatures.bundle";
@@ -130,8 +131,8 @@ protected:
         ASSERT_TRUE(panel);
         ASSERT_TRUE(panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString(address), true));
     }
-    // Opens the full properties, with a window that obeys these lines; what the script's report says. Without
-    // asking the server anew the data are those that were read last.
+    // Opens the full properties with a window that obeys the script. Returns the script's report. Without
+    // `asksServer`, the module gets the data that were read last.
     std::string Launch(const std::string& script, bool asksServer = true) {
         const std::filesystem::path path = folder.Write("window.script", script);
         setenv("TORKA_JP_SCRIPT", path.c_str(), 1);
@@ -155,7 +156,7 @@ protected:
         }
         return titles;
     }
-    // What a job prints with the settings as they are now.
+    // Prints a job with the current settings and returns the document that reached the device.
     std::string Print(const std::string& queue) {
         EXPECT_TRUE(panel->shouldPrint());
         const auto ticket = cfCast<CFString>(dialog->settings->Value(cfString(ticketPathSetting)));
@@ -203,7 +204,7 @@ TEST_F(JobProperties, ChangedSettingsReachTheJob) {
         EXPECT_THAT(printed, HasSubstr(part));
     }
 
-    // Nothing is lost on a second way round, and a person who changes nothing changes nothing.
+    // A second session without changes leaves all values unchanged.
     const CFDictionaryRef values = panel->getPPDPtr()->CopyAllValues();
     Launch("result 0\n");
     EXPECT_TRUE(CFEqual(panel->getPPDPtr()->CopyAllValues(), values));
@@ -219,7 +220,7 @@ TEST_F(JobProperties, EveryOtherEndLeavesThePaneUsable) {
     struct Case {
         const char* what;
         std::string script;
-        const char* duplex; // null: nothing may have changed
+        const char* duplex; // null when nothing may change
         const char* alert;
         int patience;
     };

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-// Trays and toner as a real server's queue, or its printer, tells them.
+// Trays and toner as reported by a real server's queue, or by its printer.
 
 namespace torka::tests {
 
@@ -21,7 +21,7 @@ TEST_F(LiveData, AQueuesMarkersAreItsToner) {
     EXPECT_TRUE(Record("TrayInfo").starts_with("7\nTray 1@Tray1@EMPTY@EMPTY@EMPTY@EMPTY@-1@-1\n"))
         << Record("TrayInfo");
     EXPECT_EQ(Record("ServerInfo"), "Marked:ServerName\nTorka Production 90, controller 4.2:ProductFamily\n");
-    // Stored records stand for live ones.
+    // Stored records replace live ones.
     Give("10.0.0.30", "data", "TrayInfo", "stored");
     ASSERT_EQ(Ask(printer, "10.0.0.30"), ServerDataOutcome::read);
     EXPECT_EQ(Record("TrayInfo"), "stored");

@@ -13,7 +13,7 @@
 #include <sstream>
 #include <thread>
 
-// Jobs with settings, from the command line to the device, through the server's own filters.
+// Prints jobs with settings from the command line to the device, through the server's own filters.
 
 namespace torka::tests {
 
@@ -37,7 +37,7 @@ protected:
         return status;
     }
 
-    // Sends a job that names a ticket, whatever is there under that name.
+    // Sends a job that names a ticket; the ticket need not exist.
     static JobStatus PrintWithTicket(const std::string& queue, const std::string& path, int& job,
                                      const std::string& title = "proof") {
         std::string error;
@@ -53,7 +53,7 @@ protected:
         ASSERT_EQ(WaitForEnd(printer.CommandJob()).state, 9);
     }
 
-    // Printed pages: the size of each in points, and how many pixels differ from another job's page.
+    // A printed page: its size in points, and the number of pixels that differ from another job's page.
     struct Page {
         int width = 0;
         int height = 0;
@@ -98,7 +98,7 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
     ASSERT_EQ(
         runCommand({"gs", "-q", "-dSAFER", "-sDEVICE=pdfwrite", "-o", pdf, samplePath("brochure.ps")}).status,
         0);
-    // The server's filters hear of the page size, wherever it was chosen.
+    // The server's filters receive the page size from every source of settings.
     const std::string settings =
         folder.Write("settings.plist", "<plist version=\"1.0\"><dict><key>*PageSize</key>"
                                        "<string>A3</string></dict></plist>");
@@ -124,13 +124,13 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
             EXPECT_GT(page.differences, 500) << "the watermark";
         }
     }
-    // Neither job files, nor tickets, nor logs, nor what reached the device: the whole folder.
+    // Searches the whole folder: job files, tickets, logs and the printed documents.
     for (const std::string secret :
          {"73915486", "vault-kelp-Zq7", "3733393135343836", "7661756C742D6B656C70"}) {
         const CommandResult found = runCommand({"grep", "-rliaF", secret, (*sandbox / "").string()});
         EXPECT_EQ(found.status, 1) << secret << " in " << found.output;
     }
-    // Without keys a protected field is left out, and that is told.
+    // Without keys, a protected field is left out and reported.
     const CommandResult left = runTool({"print", "-d", "Proofs", samplePath("plain.ps"), "Resume=73915486"});
     EXPECT_EQ(left.status, 1) << "a finding";
     EXPECT_NE(left.errors.find("*Resume is left out"), std::string::npos) << left.errors;
@@ -177,7 +177,7 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
     expectRefused(path, "belong to somebody else");
     cupsSetUser("root");
 
-    // The queue goes on.
+    // The queue still prints.
     const CommandResult good = runTool({"print", "-d", "Strict", samplePath("plain.ps"), "PageSize=A5",
                                         "--title", "; rm -rf $HOME 用紙 %s%n"});
     EXPECT_EQ(good.status, 0) << good.errors;
@@ -209,14 +209,14 @@ TEST_F(Printing, AFileDestinationGoesIntoItsMailboxAndNowhereElse) {
     EXPECT_NE(kept.find("%%ZANCustom1: to Team-7"), std::string::npos);
     EXPECT_NE(kept.find("%%EOF"), std::string::npos);
     EXPECT_EQ(std::filesystem::status(folder / "Team-7").permissions(), std::filesystem::perms(0600));
-    // Its user may have it written anew, nobody else.
+    // Its user may have it written again, nobody else.
     ASSERT_EQ(printInto("Team-7").status, 0);
     std::ofstream(folder / "Team-7.owner") << "mallory";
     const CommandResult foreign = printInto("Team-7");
     EXPECT_EQ(foreign.status, 1);
     EXPECT_NE(foreign.errors.find("belongs to somebody else"), std::string::npos) << foreign.errors;
     EXPECT_TRUE(readFile(folder / "Team-7") == kept);
-    // Names that something else goes by, and a ticket that no command named a mailbox for.
+    // Names that belong to other files, and a ticket without a command that names a mailbox.
     const std::string notes = readFile(folder / "TorkaFilterNotes");
     EXPECT_EQ(printInto("TorkaFilterNotes").status, 1);
     EXPECT_TRUE(readFile(folder / "TorkaFilterNotes").starts_with(notes.substr(0, 20)));

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <vector>
 
-// Requests of server data where people ask at once, and where a server is set up in other ways.
+// Requests for server data from several people at the same time, and on servers with other configurations.
 
 namespace torka::tests {
 

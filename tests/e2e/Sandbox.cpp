@@ -23,7 +23,7 @@ CommandResult Sandbox::Script(const std::string& action) const {
 }
 
 Sandbox::Sandbox() {
-    // lp has to pass.
+    // The user lp must be able to enter the folder.
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0711));
     std::istringstream lines(Script("start").output);
     constexpr std::string_view prefix = "export ";

@@ -9,11 +9,12 @@
 
 namespace torka::tests {
 
-// The private print server of this process: started by the first test that asks, ended after the last. Its
-// environment is set for this process (libcups reads it once) and the programs it starts.
+// The private print server of this process. The first test that needs it starts it; it ends after the last
+// test. Its environment is set for this process (libcups reads it once) and for the programs that the process
+// starts.
 class Sandbox {
 public:
-    // Why there can be none on this machine; "" when there can.
+    // The reason why this machine cannot run the server; "" when it can.
     static std::string Problem();
 
     // Fails the test when the server does not start.
@@ -26,9 +27,9 @@ public:
     void Stop();
     void Start();
     void Restart();
-    // What reached the device, "" when nothing did.
+    // The document that reached the device; "" for none.
     std::string Printed(int job) const;
-    // What the filters and the backend of the jobs said.
+    // The messages of the jobs' filters and backend.
     std::string ErrorLog() const;
 
 private:
@@ -37,7 +38,7 @@ private:
     TemporaryFolder folder;
 };
 
-// Tests of one process share the server: each uses queues of its own.
+// Tests of one process share the server. Each test uses its own queues.
 class SandboxTest : public testing::Test {
 protected:
     void SetUp() override;

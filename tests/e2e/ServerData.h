@@ -17,7 +17,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-// A pane's side of the exchange, with queues of a real server.
+// The pane's side of the exchange, with queues of a real server.
 
 namespace torka::tests {
 
@@ -47,7 +47,7 @@ protected:
         return std::make_shared<CupsPrinter>(name);
     }
 
-    // A record that a controller answers with; `kind` is "data" or "ppd".
+    // Gives a controller a record for its answers. `kind` is "data" or "ppd".
     void Give(const std::string& address, const std::string& kind, const std::string& name,
               const std::string& text) const {
         const std::filesystem::path folder = *sandbox / ("root/etc/torka/controllers/" + address) / kind;

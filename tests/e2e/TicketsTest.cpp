@@ -23,8 +23,8 @@
 #include <sstream>
 #include <thread>
 
-// Each job is printed with its own settings or not at all: many people at once, borrowed tickets, busy
-// queues, filters that are killed.
+// Each job prints with its own settings or not at all: many people at the same time, borrowed tickets, busy
+// queues, killed filters.
 
 namespace torka::tests {
 
@@ -50,7 +50,7 @@ protected:
         ASSERT_EQ(result.status, 0) << result.errors;
     }
 
-    // True as soon as the condition is; false after 20 seconds.
+    // Waits up to 20 seconds for the condition. Returns whether it became true.
     template <typename Condition>
     static bool WaitUntil(const Condition& condition) {
         for (int i = 0; i < 1000; ++i) {
@@ -66,7 +66,7 @@ protected:
         return jobStatus(job);
     }
 
-    // A ticket with one note, sent ahead; its path.
+    // Sends a ticket with one note ahead of a job. Returns the ticket's path.
     static std::string SendTicket(const std::string& queue, const std::string& note) {
         const std::string path = "/Library/Caches/ZAN/Torka.temp" + platform::system().CreateUuidString();
         const std::string list =
@@ -85,7 +85,7 @@ protected:
         EXPECT_NE(job, 0) << error;
         return job;
     }
-    // The notes that reached the device with a job.
+    // The notes in the job that reached the device.
     std::set<std::string> Notes(int job) const {
         std::set<std::string> notes;
         std::istringstream lines(sandbox->Printed(job));
@@ -123,7 +123,7 @@ TEST_F(Tickets, ABorrowedTicketStopsTheBorrowersJobAndNotItsOwn) {
     const int own = Submit("Lending", path);
     ASSERT_EQ(WaitForEnd(own).state, 9);
     EXPECT_EQ(Notes(own), NoteSet{"mine"});
-    // Somebody who has read the job's attributes says that he is the victim, and sends a UUID along.
+    // Somebody who has read the job's attributes claims to be the victim, and sends a job UUID.
     for (const char* queue : {"Lending", "LendingToo"}) {
         const int borrowed =
             Submit(queue, path, {{"job-uuid", "urn:uuid:6f1d2f0e-0000-4000-8000-000000000000"}});
@@ -133,7 +133,7 @@ TEST_F(Tickets, ABorrowedTicketStopsTheBorrowersJobAndNotItsOwn) {
             << status.message;
         EXPECT_EQ(sandbox->Printed(borrowed), "");
     }
-    // The victim's job is printed again.
+    // The victim's job can be printed again.
     std::filesystem::remove(*sandbox / ("printed/" + std::to_string(own) + ".ps"));
     ASSERT_EQ(runCommand({"lp", "-i", std::to_string(own), "-H", "restart"}).status, 0);
     EXPECT_TRUE(WaitUntil([&] { return Notes(own) == NoteSet{"mine"}; }));
@@ -156,7 +156,7 @@ TEST_F(Tickets, SettingsArriveBeforeTheirJobWhateverItsPriorityAndWhereverItGoes
     ASSERT_EQ(runCommand({"lp", "-i", std::to_string(moved), "-H", "resume"}).status, 0);
     EXPECT_EQ(WaitForEnd(moved).state, 9) << jobStatus(moved).message;
     EXPECT_EQ(Notes(moved), NoteSet{"moved"});
-    // A queue that holds what it gets holds the job, not its settings.
+    // A queue that holds its jobs holds the job but not its settings.
     ASSERT_EQ(runCommand({"lpadmin", "-p", "Spare", "-o", "job-hold-until-default=indefinite"}).status, 0);
     const int held = Submit("Spare", SendTicket("Spare", "held"));
     ASSERT_EQ(runCommand({"lp", "-i", std::to_string(held), "-H", "resume"}).status, 0);
@@ -193,7 +193,7 @@ TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
               (States{{"sender-names", "open"}, {"ticket-names", "unknown"}, {"subscriptions", "unknown"}}));
     ASSERT_EQ(WaitForEnd(Submit("Checked", SendTicket("Checked", "seen"))).state, 9);
     EXPECT_EQ(states()["ticket-names"], "open");
-    // Values that are private, for whoever gives the owner's name, and then only for the owner.
+    // Private values: first visible to everybody who gives the owner's name, then only to the owner.
     const std::filesystem::path file = *sandbox / "etc/cupsd.conf";
     const std::string before = readFile(file);
     const auto configure = [&](const std::string& text, const std::string& expected) {
@@ -219,8 +219,7 @@ TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
     EXPECT_EQ(runTool({"queue", "check", "No such"}).status, 2);
 }
 
-// Kills filters of the sandbox's server at random while it lives: the processes that the server watches, and
-// those that work below them, whose jobs must not pass for completed.
+// While the object lives, kills filters of the sandbox's server at random.
 class FilterKiller {
 public:
     explicit FilterKiller(const Sandbox& sandbox)
@@ -243,7 +242,7 @@ private:
         return std::to_string(std::stoi(readFile(sandbox / "cupsd.pid")));
     }
     static std::string content(const std::string& path) {
-        // A process that ended meanwhile gives an error, which an istreambuf_iterator would throw.
+        // Reading fails for a process that has ended; an istreambuf_iterator would throw then.
         std::array<char, 4096> block{};
         std::ifstream file(path, std::ios::binary);
         file.read(block.data(), block.size());
@@ -252,13 +251,13 @@ private:
     void Run() {
         std::mt19937 random(1);
         const int signals[] = {SIGKILL, SIGSEGV, SIGTERM};
-        std::map<int, unsigned> looks; // at each process, before it is killed; every tenth is, somewhere
+        std::map<int, unsigned> looks; // per process, before its kill; every tenth process is killed
         while (!isOver) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
             std::istringstream list(content(children));
             for (int child = 0; list >> child;) {
                 const std::string folder = "/proc/" + std::to_string(child);
-                // The server's own name stands there until the program begins.
+                // The file holds the server's name until the filter program starts.
                 if (content(folder + "/comm") != "torkafilter\n") {
                     continue;
                 }
@@ -269,7 +268,7 @@ private:
                 }
                 std::istringstream words(content(folder + "/cmdline"));
                 std::string job;
-                std::getline(words, job, '\0'); // the queue's name
+                std::getline(words, job, '\0'); // skips the queue's name
                 std::getline(words, job, '\0');
                 const int working =
                     std::atoi(content(folder + "/task/" + std::to_string(child) + "/children").c_str());
@@ -288,7 +287,7 @@ private:
     std::thread worker;
 };
 
-// How many jobs; TORKA_MANY_JOBS tells another number.
+// The number of jobs: TORKA_MANY_JOBS, or 60.
 int manyJobs() {
     const char* text = std::getenv("TORKA_MANY_JOBS");
     return text == nullptr ? 60 : std::max(1, std::atoi(text));
@@ -329,7 +328,7 @@ TEST_F(Tickets, OfManyJobsAtOnceNoneCarriesAnothersSettings) {
         ASSERT_TRUE(sent.result.output.starts_with("Job ")) << sent.result.output << sent.result.errors;
         sent.job = std::stoi(sent.result.output.substr(4));
         const NoteSet notes = Notes(sent.job);
-        // The server forgets jobs; what the sender was told counts.
+        // The server drops old jobs, so that the status which the sender received counts.
         const bool isCompleted = sent.result.status == 0;
         EXPECT_TRUE(notes.empty() || notes == NoteSet{sent.note}) << sent.note << ": " << *notes.begin();
         if (isCompleted && !notes.empty()) {

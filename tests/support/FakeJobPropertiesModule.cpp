@@ -143,7 +143,7 @@ SDMRESULT dllEnd() {
     return current->endResult;
 }
 
-// Typed by the header's own names, so that a signature that differs does not compile.
+// Callers name the header's type as Proc, so that a different signature does not compile.
 template <typename Proc>
 void* symbol(Proc function) {
     return reinterpret_cast<void*>(function);

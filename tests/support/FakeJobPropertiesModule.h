@@ -11,11 +11,11 @@
 
 namespace torka::tests {
 
-// A Job Properties module without a library: the process's library loader offers it while this lives. It
-// keeps what it is handed, and returns it as `edit` leaves it.
+// A Job Properties module without a library. The process's library loader offers it while the object lives.
+// It keeps the settings that it receives and returns them after `edit` has changed them.
 //
-// Counts its blocks: one that is freed twice or is not its own fails the test at once, one that is left fails
-// it at the end. One at a time.
+// Tracks its blocks. Freeing a block twice, or a foreign block, fails the test at once; a leaked block fails
+// it at the end. Only one object may exist at a time.
 class FakeJobPropertiesModule {
 public:
     using Settings = std::vector<std::pair<std::wstring, std::wstring>>;
@@ -28,18 +28,18 @@ public:
 
     MemoryLibraryLoader& Loader() { return *loader; }
 
-    // How it answers.
+    // The module's results.
     SDMRESULT beginResult = 0;
-    int readyAfter = 0; // questions answered with no; negative: all
+    int readyAfter = 0; // number of calls that return "not ready"; negative for all
     SDMRESULT openResult = 0;
     std::int32_t windowResult = 0;
     SDMRESULT getResult = 0;
     SDMRESULT endResult = 0;
-    bool returnsNull = false;   // lists that are null
-    bool hasMemory = true;      // for SDMAllocMemory
+    bool returnsNull = false;   // returns null lists
+    bool hasMemory = true;      // whether SDMAllocMemory succeeds
     std::function<void()> edit; // called while the window is open
 
-    // What it was told; settings of one key stand where the first did.
+    // The module's calls and arguments. A repeated key replaces the value and keeps its position.
     std::vector<std::string> calls;
     Settings settings;
     std::vector<std::wstring> readOnlyKeys;
@@ -47,7 +47,7 @@ public:
     std::vector<std::wstring> watermarks;
     std::string title;
     const SDMCallbackSlot* table = nullptr;
-    std::map<void*, std::size_t> blocks; // sizes
+    std::map<void*, std::size_t> blocks; // size of each block
 
     template <typename Proc>
     Proc Callback(int slot) const {

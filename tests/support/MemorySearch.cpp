@@ -36,7 +36,7 @@ std::vector<Range> writableRanges() {
 
 std::size_t copiesInMemory(std::string_view maskedText) {
     constexpr std::size_t pieceBytes = std::size_t{1} << 20;
-    // Read into pages of their own, which the search passes over.
+    // Reads into separate pages, which the search skips.
     const std::size_t bufferBytes = pieceBytes + 4096;
     void* pages = ::mmap(nullptr, bufferBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     const int memory = ::open("/proc/self/mem", O_RDONLY | O_CLOEXEC);

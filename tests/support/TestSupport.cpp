@@ -72,7 +72,7 @@ std::string contentOf(std::FILE* stream) {
 
 } // namespace
 
-// Files stand for pipes, so that neither side can wait for the other.
+// Uses files instead of pipes, so that neither side can block the other.
 CommandResult runCommand(const std::vector<std::string>& programAndArguments, std::string_view input) {
     std::vector<std::string> texts = programAndArguments;
     std::vector<char*> arguments;

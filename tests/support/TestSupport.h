@@ -9,11 +9,11 @@
 #include <string_view>
 #include <vector>
 
-// What tests of several areas share.
+// Shared by the tests of several areas.
 
 namespace torka::tests {
 
-// A new empty folder, removed with all that is in it at the end.
+// A new empty folder. The destructor removes it with its content.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -23,14 +23,14 @@ public:
 
     const std::filesystem::path& Path() const { return path; }
     std::filesystem::path operator/(std::string_view name) const { return path / name; }
-    // Writes a file into the folder and tells its path.
+    // Writes a file into the folder and returns its path.
     std::filesystem::path Write(std::string_view name, std::string_view content) const;
 
 private:
     std::filesystem::path path;
 };
 
-// Takes what is logged while it lives; the default sink comes back after it.
+// Collects the log while it lives. The destructor restores the default sink.
 class CapturingLog {
 public:
     CapturingLog();
@@ -45,7 +45,8 @@ private:
     std::shared_ptr<Sink> sink;
 };
 
-// Makes a MemorySystem the process's system while it lives; none is chosen after it.
+// Sets a MemorySystem as the process's system while it lives. The destructor leaves the process without a
+// system.
 class ScopedMemorySystem {
 public:
     ScopedMemorySystem();
@@ -60,8 +61,8 @@ private:
     MemorySystem* system; // owned by the holder of platform::system()
 };
 
-// How often a text lies in the writable memory of this process, in whatever pages. It is given with each byte
-// changed by `secretMask`, so that the search itself holds no copy.
+// Counts the copies of a text in the writable memory of this process. Each byte of the argument is XORed with
+// `secretMask`, so that the search itself holds no copy.
 inline constexpr char secretMask = '\x55';
 std::size_t copiesInMemory(std::string_view maskedText);
 
@@ -71,13 +72,13 @@ struct CommandResult {
     std::string errors;
 };
 
-// Runs a program (looked for in PATH) with its arguments, without a shell, and waits for it.
+// Runs a program, found in PATH, with its arguments and without a shell, and waits for it.
 CommandResult runCommand(const std::vector<std::string>& programAndArguments, std::string_view input = {});
 // The output of `python3 -c SCRIPT ARGUMENTS...`; fails the test when the script fails.
 std::string runPython(const std::string& script, const std::vector<std::string>& arguments = {},
                       std::string_view input = {});
 
-// The whole file; fails the test when it cannot be read.
+// Reads a whole file; fails the test when it cannot be read.
 std::string readFile(const std::filesystem::path& path);
 
 } // namespace torka::tests

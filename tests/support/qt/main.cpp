@@ -1,4 +1,4 @@
-// Widgets without a display.
+// Runs tests of widgets without a display.
 
 #include <QApplication>
 #include <QStyleFactory>
