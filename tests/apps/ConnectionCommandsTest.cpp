@@ -65,7 +65,7 @@ TEST(PingCommand, SaysWhyItCannot) {
     EXPECT_THAT(unknown.errors, HasSubstr("no host: the host is not known"));
 }
 
-// Runs a script with the tool as "$0" where loopback is all there is.
+// Runs a script, with the tool as "$0", in a network namespace that has only loopback.
 tests::CommandResult inOwnNetwork(const std::string& script) {
     return tests::runCommand({"unshare", "--map-root-user", "--net", "sh", "-c",
                               "ip link set lo up && cd /proc/sys/net/ipv4 || exit 99\n" + script,

@@ -9,10 +9,10 @@
 #include <memory>
 #include <set>
 
-// The library marks its PPD calls as deprecated; they are what people use.
+// libcups marks its PPD functions as deprecated, but programs still use them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-// show, lint and check: what they print of a description and of settings.
+// The output of show, lint and check for descriptions and settings.
 
 namespace torka::tests {
 
@@ -42,7 +42,7 @@ TEST(ShowCommand, DumpsOfTheSamplesAreTheReviewedOnes) {
     }
 }
 
-// The choices that libcups reads from the same file, by keyword: option keywords and their texts in order.
+// Compares the keywords and texts of all choices with those that libcups reads from the same file, in order.
 TEST(ShowCommand, ChoicesAndDefaultsAreThoseOfTheSystemsOwnReader) {
     for (const std::string name : {"torka-production.ppd", "torka-production-ja.ppd"}) {
         const Json model = runToolForJson({"show", samplePath(name)});
@@ -58,7 +58,7 @@ TEST(ShowCommand, ChoicesAndDefaultsAreThoseOfTheSystemsOwnReader) {
             ++compared;
             EXPECT_EQ(control["name"], option->text) << option->keyword;
             EXPECT_EQ(control["default"], option->defchoice) << option->keyword;
-            // libcups leaves a choice "Custom" of its own behind the file's.
+            // libcups adds its own choice "Custom" behind those of the file.
             ASSERT_LE(control["items"].size(), static_cast<std::size_t>(option->num_choices));
             for (std::size_t i = 0; i < control["items"].size(); ++i) {
                 EXPECT_EQ(control["items"][i]["keyword"], option->choices[i].choice) << option->keyword;

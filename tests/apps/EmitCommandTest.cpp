@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
-// emit and ticket: from settings to a ticket, and into a document that Ghostscript runs.
+// emit and ticket: from settings to a ticket, and from a ticket into a document that Ghostscript runs.
 
 namespace torka::tests {
 
@@ -13,7 +13,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// What Python's reader makes of a ticket, in the form that the tool prints.
+// Reads a ticket with Python's plistlib and returns it in the tool's form.
 Json ticketByPython(const std::string& path) {
     return Json::parse(runPython(R"(
 import json, plistlib, sys
@@ -42,7 +42,7 @@ TEST(EmitCommand, TicketIsWhatWasPrintedWhoeverReadsIt) {
     EXPECT_EQ(ticketByPython(ticket), emitted["entries"]);
     EXPECT_EQ(runToolForJson({"ticket", ticket})["entries"], emitted["entries"]);
 
-    // Older systems write the ticket themselves, for everyone to read.
+    // On older system versions the tool writes the ticket itself, readable by everybody.
     std::filesystem::create_directory(folder / "tmp");
     const CommandResult older =
         runCommand({"env", "TORKA_SYSTEM_ROOT=" + folder.Path().string(), TORKA_BINARY_DIR "/bin/torka",
@@ -51,7 +51,7 @@ TEST(EmitCommand, TicketIsWhatWasPrintedWhoeverReadsIt) {
     std::size_t files = 0;
     for (const auto& file : std::filesystem::directory_iterator(folder / "tmp")) {
         if (file.path().extension() == ".ppd") {
-            continue; // the pane's copy of the description
+            continue; // entries of the description's copy
         }
         ++files;
         EXPECT_TRUE(file.path().filename().string().starts_with("Torka.temp"));
@@ -64,7 +64,7 @@ TEST(EmitCommand, TicketIsWhatWasPrintedWhoeverReadsIt) {
 TEST(EmitCommand, SettingsStandInTheirFixedOrder) {
     const Json entries = runToolForJson({"emit", samplePath("torka-production.ppd"), "PageSize=A4",
                                          "QVScale=85", "QVPrintSize=A4"})["entries"];
-    // Keywords whose own code is suppressed come first, then nothing of that site.
+    // The entries of site -9, the suppressed keywords, all come first.
     std::size_t suppressed = 0;
     while (entries[suppressed]["site"] == -9) {
         EXPECT_NE(entries[suppressed]["text"], "*PageSize");
@@ -162,7 +162,7 @@ TEST(EmitCommand, SplicedDocumentRunsAndShowsTheSettings) {
                                                 "-sDEVICE=ppmraw", "-r72", "-sOutputFile=%stdout", output});
         EXPECT_EQ(boxes.status, 0) << boxes.errors;
         EXPECT_EQ(boxes.errors, "");
-        // A5 is 420 by 595 points; the picture's header tells its size.
+        // A5 is 420 by 595 points. The header of the picture holds its size.
         EXPECT_EQ(boxes.output.substr(0, 2), "P6");
         EXPECT_NE(boxes.output.substr(0, 80).find("420 595"), std::string::npos)
             << boxes.output.substr(0, 80);

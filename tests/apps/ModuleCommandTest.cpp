@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-// module run: the sample module's scripts, from the command line to what comes back.
+// module run: runs scripts of the sample module from the command line and checks the returned settings.
 
 namespace torka::tests {
 
@@ -83,7 +83,7 @@ TEST(ModuleCommand, AnInterruptEndsTheWait) {
     const TemporaryFolder folder;
     std::vector<std::string> command =
         moduleRun(TORKA_SAMPLE_MODULE, folder.Write("script", "not-ready forever\n"));
-    // The interrupt comes once the session runs: its report is there.
+    // Sends the interrupt when the session's report exists, so that the session is running.
     static constexpr const char* script = "import os, signal, subprocess, sys, time\n"
                                           "report = sys.argv[1]\n"
                                           "tool = subprocess.Popen(sys.argv[2:])\n"

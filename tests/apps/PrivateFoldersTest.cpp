@@ -19,7 +19,8 @@ std::size_t entriesOf(const fs::path& folder) {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-// `torka emit` with its folder made, stopped at its first output: the pipe is full. The signal ends it.
+// Runs `torka emit` until it has made its folder and blocks at its first output, because the pipe is full.
+// Ends it by the signal.
 int endEmitBy(int signal, const fs::path& temporary) {
     int output[2];
     EXPECT_EQ(::pipe2(output, O_NONBLOCK | O_CLOEXEC), 0);
@@ -57,8 +58,8 @@ TEST(PrivateFolders, GoWithTheirProcess) {
         EXPECT_EQ(endEmitBy(signal, temporary.Path()), signal);
         EXPECT_EQ(entriesOf(temporary.Path()), 0U) << signal;
     }
-    // What SIGKILL leaves goes with the next start, once it is a minute old; that of a living process stays,
-    // and so does what only looks like one.
+    // The next start removes a folder that SIGKILL left behind, when it is a minute old. It keeps the folder
+    // of a living process, and folders with similar names.
     EXPECT_EQ(endEmitBy(SIGKILL, temporary.Path()), SIGKILL);
     const auto age = [](const fs::path& path) {
         const timespec old[2] = {{1000000000, 0}, {1000000000, 0}};

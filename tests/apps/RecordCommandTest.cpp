@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-// record: into data files and PPDs and out of them, judged by Python and libcups.
+// record: writes and reads records of data files and PPDs. Python and libcups check the results.
 
 namespace torka::tests {
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-// serverdata: the samples' records as tables, and files that lack some or hold broken ones.
+// serverdata: prints the samples' records as tables, and reports missing and broken records.
 
 namespace torka::tests {
 namespace {
@@ -34,7 +34,7 @@ TEST(ServerDataCommand, ShowsTheSamples) {
           "  tessel  Creep                     0.2 mm\n", "  ServerVersion  4.2.1\n"}) {
         EXPECT_TRUE(has(tables.output, line)) << line << tables.output;
     }
-    // Every row of a table is as wide, whatever its characters are.
+    // All rows of a table have the same display width.
     EXPECT_EQ(runPython(R"PY(
 import sys, unicodedata
 text = sys.stdin.buffer.read().decode().split('\n\n')[0].split('\n')[1:]

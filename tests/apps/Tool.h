@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// Running the command-line tool as its users do: as a program.
+// Runs the command-line tool as a program.
 
 namespace torka::tests {
 

@@ -8,7 +8,7 @@
 
 namespace torka::tests {
 
-// Takes what the exchange writes on the standard streams while it lives.
+// Collects the exchange's output on the standard streams while it lives.
 class CapturingStreams {
 public:
     CapturingStreams() { setStandardStreams(sink); }
@@ -17,7 +17,7 @@ public:
     ~CapturingStreams() { setStandardStreams(nullptr); }
 
     const std::string& Output() const { return sink->output; }
-    const std::vector<std::string>& Errors() const { return sink->errors; } // a call each
+    const std::vector<std::string>& Errors() const { return sink->errors; } // one text for each call
     void Clear() {
         sink->output.clear();
         sink->errors.clear();

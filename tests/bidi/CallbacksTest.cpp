@@ -24,7 +24,7 @@ protected:
         return filled;
     }
     void Free(void* block) const {
-        if (block) { // the array of an empty list may be none
+        if (block) { // the array of an empty list may be null
             ASSERT_EQ(module.Callback<SDMFreeProc>(SDM_SLOT_FREE)(&block), SDM_SUCCESS);
         }
     }
@@ -33,7 +33,7 @@ protected:
         Free(text);
         return copy;
     }
-    // "key=value,..." of a list, which is freed as a module frees it.
+    // The list as "key=value,...". Frees the list as a module does.
     std::wstring Taken(SDMKeyValueList* list) const {
         std::wstring text;
         for (std::size_t i = 0; i < list->count; ++i) {
@@ -46,7 +46,7 @@ protected:
         return text;
     }
 
-    int server = 0; // its address is the module's handle
+    int server = 0; // its address serves as the module's handle
 };
 
 TEST_F(Callbacks, TheTableInBothStates) {
@@ -64,14 +64,14 @@ TEST_F(Callbacks, TheTableInBothStates) {
               (std::set<int>{4, 6, 8, 9, 10, 12, 13, 14, 15, 19, 26, 41, 45, 51, 54, 56, 57, 62, 63}));
 }
 
-// Every callback that answers from one record with a list, in the state or states in which it stands.
+// Every callback that returns a list from one record, in each state of two-way communication that has it.
 TEST_F(Callbacks, ListsFromTheirRecords) {
     struct Case {
         int slot;
         const char* record;
         std::wstring text;
         std::wstring list;
-        bool also; // with two-way communication off
+        bool also; // whether the table has it with two-way communication off, too
     };
     const std::vector<Case> cases = {
         {SDM_SLOT_GET_PPD_DEFAULTS, "PpdDefaults", L"A=1\nB=EMPTYSTRING\n", L"A=1,B=,", false},
@@ -98,7 +98,7 @@ TEST_F(Callbacks, ListsFromTheirRecords) {
             EXPECT_EQ(callback(&server, nullptr), SDM_NOT_AVAILABLE) << entry.record;
             host.Put(entry.record, entry.text);
             ASSERT_EQ(callback(&server, &list), SDM_SUCCESS) << entry.record;
-            EXPECT_EQ(module.blocks.empty(), !twoWay) << entry.record; // malloc's are not the module's
+            EXPECT_EQ(module.blocks.empty(), !twoWay) << entry.record; // the module does not see malloc's
             EXPECT_EQ(Taken(list), entry.list) << entry.record;
             host.data.clear();
             host.Put(entry.record, L"");
@@ -180,7 +180,7 @@ TEST_F(Callbacks, TheOtherRecords) {
     EXPECT_EQ(Taken(lists[0]), L"Q=1,");
     EXPECT_EQ(Taken(lists[1]), L"L=1,");
 
-    // A server that answers with no toner is asked no more.
+    // After an empty toner record, the pane stops asking the server.
     host.data.clear();
     EXPECT_EQ(sdmFuncPtrGetTonerInfo(&server, &toners), SDM_NOT_AVAILABLE);
     EXPECT_FALSE(do_not_poll_for_Toner_Info_File);
@@ -279,7 +279,7 @@ TEST_F(Callbacks, PresetsOfThisComputer) {
     const auto printer = std::make_shared<MemoryPrinter>();
     printer->name = "Office";
     const tests::TemporaryFolder folder;
-    // The queue keeps what its filter writes.
+    // The command job completes, and the queue has stored its text.
     printer->onSend = [&](const MemoryPrinter::SentCommand& sent) {
         queues->jobs = {{1, utf8Text(sent.title), "Office", jobStateCompleted}};
     };
@@ -294,7 +294,7 @@ TEST_F(Callbacks, PresetsOfThisComputer) {
     EXPECT_EQ(utf8Text(printer->sent[0].command), "EFBBBF<Presets/>EFBBBF");
     EXPECT_THAT(utf8Text(printer->sent[0].title), StartsWith("Command_WritePresetData0"));
     queues->jobs.clear();
-    printer->onSend = nullptr; // the job is never done
+    printer->onSend = nullptr; // the job never completes
     EXPECT_EQ(sdmFuncPtrSetLocalPresetsData(&server, presets, 1), SDM_NOT_AVAILABLE);
 
     streams.Clear();

@@ -56,7 +56,7 @@ TEST(Commands, RequestsComeApartAsTheyWereJoined) {
     }
 }
 
-// Title and text as they are given; only these two commands have an option, each other one has none.
+// The commands have the given titles and texts. Only these two have a job option.
 TEST(Commands, ATicketsNameTravelsWithBothItsCommands) {
     const auto printer = std::make_shared<MemoryPrinter>();
     const std::string path = "/Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";

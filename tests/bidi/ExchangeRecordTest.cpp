@@ -30,7 +30,7 @@ protected:
 TEST_F(ExchangeRecord, FieldsKeepTheirBounds) {
     struct Case {
         std::string text;
-        std::string kept; // in a field of 8 bytes
+        std::string kept; // the text in a field of 8 bytes
     };
     for (const Case& field : std::vector<Case>{
              {"", ""},
@@ -40,7 +40,7 @@ TEST_F(ExchangeRecord, FieldsKeepTheirBounds) {
              {"123456\xC3\xA9", "123456"},
              {"1234\xF0\x9F\x96\xA8", "1234"},
              {std::string("ab\0cd", 5), "ab"},
-             {std::string(20, '\x80'), std::string(7, '\x80')}, // no UTF-8: cut anywhere
+             {std::string(20, '\x80'), std::string(7, '\x80')}, // invalid UTF-8 is cut anywhere
          }) {
         std::array<char, 10> bytes;
         bytes.fill('#');
@@ -77,7 +77,7 @@ TEST_F(ExchangeRecord, ThreeThousandOfTheEntriesAreTaken) {
     EXPECT_EQ(back.List().count, 3000U);
     EXPECT_EQ(back.Key(2999), L"Key2999");
 
-    // Counts that no list wrote.
+    // Counts that do not match the entries.
     for (const auto& [count, extra, entries] :
          std::vector<std::tuple<const char*, const char*, std::size_t>>{{"99999", "0", 3000},
                                                                         {"-5", "0", 0},
@@ -114,7 +114,7 @@ TEST_F(ExchangeRecord, TextsAreCutToTheirFields) {
     EXPECT_EQ(back.Value(0), std::wstring(700, L'v'));
     EXPECT_EQ(back.Value(2), std::wstring(696, L'w') + printer);
 
-    // What stood there before is gone, and a missing text is an empty one.
+    // The earlier settings are gone, and a null text becomes an empty one.
     SDMKeyValue items[] = {{nullptr, nullptr}};
     writeSettings(*record, {1, items});
     EXPECT_EQ(Raw(record->values[0]), std::string(700, '\0'));
@@ -177,7 +177,7 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         const char* what;
         const wchar_t* presetKey;
         const wchar_t* preset;
-        const char* changed; // of "Duplex", afterwards
+        const char* changed; // the later value of "Duplex"
         const wchar_t* expected;
     };
     for (const Case& rule : {
@@ -200,7 +200,7 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         ASSERT_TRUE(sharedListCopyFromJP);
         EXPECT_EQ(entryValue(*sharedListCopyFromJP, 1), "Long");
 
-        // The pane's own list comes in another order and has a key that the module never saw.
+        // The pane's own list has another order, and a key that the module never saw.
         KeyValueList own;
         own.Append(L"Unseen", L"1");
         own.AppendNarrow("Duplex", rule.changed);
@@ -210,7 +210,7 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         Create_SDMList_From_SharedMemoryList(back, *record);
         EXPECT_EQ(back.Value(2), rule.expected) << rule.what;
         EXPECT_FALSE(gotSharedListFromJP);
-        // Only once.
+        // The check takes place only once.
         Create_SDMList_From_SharedMemoryList(back, *record);
         EXPECT_EQ(back.Value(2), rule.preset) << rule.what;
     }
@@ -239,7 +239,7 @@ TEST_F(ExchangeRecord, WatermarksGoInWhileThereIsRoom) {
     EXPECT_EQ(setWatermarkDefinitions(*record, definitions), 0U);
     EXPECT_EQ(fieldNumber(record->watermarksPresent), 0);
 
-    // A combined list that is not ended, and counts that it does not have.
+    // A combined list without a NUL, and counts that exceed its definitions.
     record->watermarks.fill('x');
     for (const auto& [count, found] :
          std::vector<std::pair<const char*, std::size_t>>{{"9999999", 1}, {"-1", 0}, {"", 0}, {"1", 1}}) {

@@ -14,7 +14,7 @@
 
 namespace torka::tests {
 
-// A pane that answers what it is told.
+// A pane with the answers that a test sets.
 class MemoryHost final : public JobPropertiesHost {
 public:
     MemoryHost() { setJobPropertiesHost(this); }
@@ -41,7 +41,7 @@ public:
     std::vector<WaitProgress> waits;
 };
 
-// A module, a pane and an exchange record, nothing of which is left behind.
+// A module, a pane and an exchange record. The fixture resets all process-wide state at its end.
 class JobPropertiesTest : public ::testing::Test {
 protected:
     JobPropertiesTest() {

@@ -37,7 +37,7 @@ TEST_F(JobPropertiesSession, AcceptedSettingsComeBack) {
     module.readyAfter = 12;
     module.edit = [&] {
         EXPECT_TRUE(mInsideOpenUI);
-        EXPECT_EQ(mainJP(), 1); // out of the module's own window
+        EXPECT_EQ(mainJP(), 1); // called while the module's window is open
         SDMKeyValueList* list = nullptr;
         EXPECT_EQ(module.Callback<SDMGetListProc>(SDM_SLOT_GET_SERVER_INFO_ALL)(&server, &list), SDM_SUCCESS);
         moduleMemory(&server).FreeList(list);
@@ -69,7 +69,7 @@ TEST_F(JobPropertiesSession, AcceptedSettingsComeBack) {
     EXPECT_EQ(paperUnit, 8192U);
     EXPECT_FALSE(mInsideOpenUI || mJPLoaded || sessionBegan);
 
-    // Again, and now cancelled.
+    // A second, cancelled session.
     module.calls.clear();
     module.edit = [&] { // a data server that was asked in vain is ended, too
         SDMTonerInfoArray* toners = nullptr;
@@ -103,7 +103,8 @@ TEST_F(JobPropertiesSession, ATemplateStandsBehindTheSettings) {
     EXPECT_EQ(entryValue(*record, 0), "None");
     EXPECT_THAT(streams.Errors(), ::testing::Contains("PrintSDMKeyValueList szKey0 =Copies\n"));
 
-    // One without the part for the user interface leaves the settings alone; so does one without memory.
+    // A template without the section for the user interface leaves the settings unchanged; so does one
+    // without memory.
     for (const bool hasMemory : {true, false}) {
         module.calls.clear();
         module.hasMemory = hasMemory;
@@ -121,7 +122,7 @@ TEST_F(JobPropertiesSession, HowASessionMayEnd) {
         const char* what;
         std::function<void(tests::FakeJobPropertiesModule&)> prepare;
         const char* result;
-        bool isTaken; // the module's settings
+        bool isTaken; // whether the record takes the module's settings
         bool isOpened;
     };
     using Module = tests::FakeJobPropertiesModule;
@@ -184,7 +185,7 @@ TEST_F(JobPropertiesSession, NothingStartsWithoutRecordOrModule) {
     EXPECT_EQ(mainJP(), 1);
     EXPECT_TRUE(UnloadJPModule());
     EXPECT_THAT(module.calls, IsEmpty());
-    // Another name than that of the window shows nothing.
+    // With any other name, OpenUI shows no window.
     sharedList = record.get();
     LoadJPModule();
     OpenUI("jpOther");

@@ -16,8 +16,8 @@
 namespace torka {
 namespace {
 
-// What the scheduler does with a filter's messages at the end of its job: each pair becomes a main keyword
-// right behind the first line of the PPD, in place of the one that was there.
+// Applies a filter's messages to a PPD as the scheduler does at the end of a job: each pair becomes a main
+// keyword behind the first line of the PPD and replaces an earlier one.
 std::string rewritten(const std::string& ppd, const std::vector<std::string>& messages, bool quoted) {
     std::map<std::string, std::string> pairs;
     for (const std::string& message : messages) {
@@ -64,7 +64,7 @@ TEST(PPDRecords, TwoHundredStayReadable) {
     const std::vector<std::string> messages = streams.Errors();
     ASSERT_LT(messages.size(), 2000U);
     for (const bool quoted : {false, true}) {
-        if (quoted) { // leaves no room for the longest names
+        if (quoted) { // quotes leave no room for the longest names
             std::erase_if(records, [](const auto& record) { return record.first.size() == 34; });
             streams.Clear();
             for (const auto& [name, text] : records) {

@@ -10,7 +10,7 @@
 #include <string>
 #include <zlib.h>
 
-// Reading a record of a data file the slow and obvious way: line after line, chunk after chunk.
+// A slow and obvious reader for a record of a data file: line by line, chunk by chunk.
 
 namespace torka::tests {
 
@@ -48,7 +48,7 @@ inline std::optional<std::string> readSlowly(const std::string& text, const std:
             const int result = inflate(&stream, Z_SYNC_FLUSH);
             payload->append(out.data(), out.size() - stream.avail_out);
             if (result == Z_BUF_ERROR) {
-                break; // wants the next chunk
+                break; // needs the next chunk
             }
             more = result == Z_OK && payload->size() < limit;
         }

@@ -59,7 +59,7 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-// Takes records apart with nothing of ours: python's own readers.
+// Reads records with Python's own modules.
 constexpr const char* pythonReader = R"(
 import base64, sys, zlib
 chunks = {}
@@ -83,7 +83,7 @@ TEST(Records, PythonReadsWhatIsWritten) {
         {"TrayInfo", wideLines(40)},
         {"Empty", ""},
         {"One", "x"},
-        {"WholeChunk", randomBytes(147, 1)}, // 158 bytes of stream: 11 are zlib's own
+        {"WholeChunk", randomBytes(147, 1)}, // a stream of 158 bytes: zlib adds 11
         {"TwoChunks", randomBytes(158 + 147, 2)},
         {"Random", randomBytes(100'000, 3)},
         {std::string(36, 'n'), wideLines(2)},
@@ -105,7 +105,8 @@ TEST(Records, PythonReadsWhatIsWritten) {
     EXPECT_EQ(linesOf(written("WholeChunk", records[3].second)).size(), 2U);
     EXPECT_EQ(written("Empty", ""), "Empty0000: \n");
 
-    // All that was written was echoed, in blocks below 1,024 bytes of whole lines.
+    // Everything written was also sent to the standard error stream, in blocks of whole lines below 1,024
+    // bytes.
     std::string echoed;
     for (const std::string& block : streams.Errors()) {
         EXPECT_LT(block.size(), 1022U);
@@ -145,14 +146,14 @@ print(out + 'Rec%04x: ' % ((len(stream) + 157) // 158), end='')
 
 TEST(Records, StreamsThatAreNoneEndQuietly) {
     const tests::CapturingStreams streams;
-    // Chunks behind a stream that broke are not taken for its continuation.
+    // Chunks behind a broken stream do not continue it.
     EXPECT_EQ(readFromText("Rec0000: /////w==\nRec0001: AAAA\n", "Rec"), "");
     EXPECT_THAT(streams.Errors(), ElementsAre("ERROR: inflate returned -3 (incorrect header check)\n"));
-    // A stream that wants a dictionary (RFC 1950) neither loops nor fails.
+    // A stream that requires a preset dictionary (RFC 1950) neither loops nor fails.
     EXPECT_EQ(readFromText("Rec0000: ePkAAAAB\nRec0001: AAAA\n", "Rec"), "");
 }
 
-// Mutations of a file with many records: the reader, the index and the slow reading give the same.
+// The reader, the index and the slow reader give the same results for mutations of a file with many records.
 TEST(Records, AgreesWithSlowReading) {
     const tests::CapturingStreams streams;
     const std::vector<std::string> names = {"A", "A0", "ServerValFrmDict", "ServerValFrmDictspdmapen",
@@ -233,7 +234,7 @@ TEST(Records, LimitsHold) {
     EXPECT_EQ(readFromText("Rec0000: \n", std::string(37, 'n')), std::nullopt);
     EXPECT_EQ(readFromText("", "Rec"), std::nullopt);
 
-    // A bomb: 64 MiB of zeros.
+    // A decompression bomb of 64 MiB zeros.
     std::string stream(100'000, '\0');
     uLongf length = stream.size();
     const std::string zeros(64U << 20U, '\0');

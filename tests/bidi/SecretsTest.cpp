@@ -20,7 +20,7 @@ using tests::secretMask;
 template <typename Unit>
 using Text = std::vector<Unit, platform::WipingAllocator<Unit>>;
 
-// A password that is nowhere else in the program; as long as to need a block of its own in a string.
+// A password that occurs nowhere else in the program. It is long enough to need a heap block in a string.
 template <typename Unit>
 Text<Unit> secretText() {
     constexpr std::string_view masked =
@@ -32,7 +32,7 @@ Text<Unit> secretText() {
     return text;
 }
 
-// As it lies in memory, for the search.
+// The password's bytes in memory, masked for the search.
 template <typename Unit>
 std::string maskedSecret() {
     const Text<Unit> text = secretText<Unit>();
@@ -53,7 +53,8 @@ std::size_t copies() {
            copiesInMemory(maskedSecret<char16_t>());
 }
 
-// Each holder of a secret is filled, made to grow, and let go; then the process's whole memory is searched.
+// Fills each container of secrets, makes it grow and destroys it. Then searches the whole memory of the
+// process.
 TEST(Secrets, NoCopyOutlivesItsHolder) {
     if (platform::hasAddressSanitizer) {
         GTEST_SKIP() << "the sanitizer's shadow makes the process's memory terabytes";
@@ -131,7 +132,7 @@ TEST(Secrets, NoCopyOutlivesItsHolder) {
     gotSharedListFromJP = gotServerPresetFromJP = false;
 }
 
-// In a foreign program: the pages are marked (dd: do not dump) for the kernel's core files.
+// In a foreign program, the pages carry the flag "dd" (do not dump) for the kernel's core files.
 TEST(Secrets, LeftOutOfCoreFiles) {
     if (platform::hasAddressSanitizer) {
         GTEST_SKIP() << "the sanitizer's heap holds these blocks";

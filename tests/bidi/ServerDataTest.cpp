@@ -13,8 +13,8 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-// Record texts to the module's structures and back. Every block is counted: what a converter refuses leaves
-// none behind, whichever allocation fails.
+// Converts record texts to the module's structures and back. Counts every block: a converter that refuses
+// leaves no block, whichever allocation fails.
 
 namespace torka {
 namespace {
@@ -50,7 +50,7 @@ std::string shown(const SDMKeyValueList* list) {
     return all;
 }
 
-// A converter with what it gives as a text: "false" when it refuses.
+// A converter that returns its result as a text; "false" for a refusal.
 using Convert = std::function<std::string(std::wstring_view text)>;
 
 Convert listBy(bool (*convert)(std::wstring_view, const ModuleMemory&, SDMKeyValueList*&)) {
@@ -280,7 +280,7 @@ TEST(ServerData, CutRecordsAreRefused) {
             EXPECT_EQ(convert(text.substr(0, size)), "false") << size;
         }
     }
-    // Between two presets the record is whole.
+    // A record that is cut between two presets is complete.
     const std::size_t between = presetText.find(L"Proof");
     for (std::size_t size = 0; size < presetText.size(); ++size) {
         EXPECT_EQ(presetOf(presetText.substr(0, size), L"") == "false", size != between) << size;
@@ -293,14 +293,14 @@ TEST(ServerData, BadRecordsAreRefused) {
     const auto feature = featureValue(L"K");
     const std::vector<std::pair<Convert, std::wstring>> cases = {
         {trays, L"1\n" + trayText.substr(2)},                                  // one line too many
-        {trays, L"3\n" + trayText.substr(2)},                                  // one too few
-        {trays, L"2147483647\n" + trayText.substr(2)},                         // no memory is asked for
+        {trays, L"3\n" + trayText.substr(2)},                                  // one line too few
+        {trays, L"2147483647\n" + trayText.substr(2)},                         // must not allocate
         {trays, L"4294967298\n" + trayText.substr(2)},                         // 2 in 32 bits
         {trays, L"-1\n"},                                                      //
         {trays, L"\n"},                                                        //
         {trays, L" 1\nTray 1@a@b@c@d@e@1@2\n"},                                //
-        {trays, L"1\nTray 1@a@b@c@d@e@1\n"},                                   // a field too few
-        {trays, L"1\nTray 1@a@b@c@d@e@1@2@3\n"},                               // one too many
+        {trays, L"1\nTray 1@a@b@c@d@e@1\n"},                                   // one field too few
+        {trays, L"1\nTray 1@a@b@c@d@e@1@2@3\n"},                               // one field too many
         {trays, L"1\nTray 1@a@b@c@d@e@1@2@\n"},                                //
         {trays, L"1\nTray 1@a@b@c@d@e@2147483648@2\n"},                        //
         {trays, L"1\nTray 1@a@b@c@d@e@@2\n"},                                  //
@@ -311,7 +311,7 @@ TEST(ServerData, BadRecordsAreRefused) {
         {presetNames, L"3\nAlpha\nBeta\n"},                                    //
         {presetNames, L"1\nAlpha\nBeta\n"},                                    //
         {presetNames, L"Alpha\n"},                                             //
-        {preset, L"Q\nJPKeyValues=0\nTesselKeyValues=0\nPresetKeyValues=0\n"}, // another's
+        {preset, L"Q\nJPKeyValues=0\nTesselKeyValues=0\nPresetKeyValues=0\n"}, // another preset
         {preset, L"P\nJPKeyValues=1\nTesselKeyValues=0\nPresetKeyValues=0\n"},
         {preset, L"P\nJPKeyValues=0\nPresetKeyValues=0\nTesselKeyValues=0\n"},
         {preset, L"P\nJPKeyValues=1\n=v\nTesselKeyValues=0\nPresetKeyValues=0\n"},
@@ -351,7 +351,7 @@ TEST(ServerData, BadRecordsAreRefused) {
     }
 }
 
-// Texts of the module's side that the formats cannot carry.
+// Texts that the formats cannot carry unchanged.
 TEST(ServerData, IsWrittenSoThatItCanBeRead) {
     std::wstring name = L"Tray@1\nleft\xD800";
     std::wstring value = L"\xFEFF"
@@ -392,7 +392,7 @@ TEST(ServerData, IsWrittenSoThatItCanBeRead) {
     EXPECT_EQ(blocks, 0U);
 }
 
-// What python's parser makes of the XML: the attributes of the configuration and of every option.
+// Parses the XML with Python and prints the attributes of the configuration and of every option.
 constexpr const char* pythonXml = R"PY(
 import sys, xml.etree.ElementTree as tree
 root = tree.fromstring(sys.stdin.buffer.read().decode())
@@ -421,7 +421,7 @@ std::unique_ptr<SharedMemoryList> recordOf(std::size_t entries, std::string_view
 
 TEST(ServerDataXml, OfTheExchangeRecordIsWellFormed) {
     const tests::CapturingStreams streams;
-    // Places and names, in any mixture; what is neither is passed over.
+    // Indexes and keys in any order; other items are skipped.
     auto record = recordOf(30, "2,29,*QVUnit1,,30,-1,none,2,");
     setField(record->values[2], "a\"&<>'\t\r\n\x01\xEF\xBF\xBE\xF0\x9F\x96\xA8\xff");
     EXPECT_THAT(installedOptions(*record), ElementsAre(2, 29, 1, 2));
@@ -450,7 +450,7 @@ TEST(ServerDataXml, OfTheExchangeRecordIsWellFormed) {
     EXPECT_EQ(blocks, 0U);
 }
 
-// 2,048 units with the terminator, whatever the texts are: whole options or none.
+// The block holds 2,048 units with the terminator, and never a part of an option.
 TEST(ServerDataXml, StaysWithinItsBlock) {
     const tests::CapturingStreams streams;
     bool wasFull = false;
@@ -534,7 +534,7 @@ TEST(CUtil, TakesTextsApart) {
     EXPECT_NE(CUtil::GenerateRandomID(), CUtil::GenerateRandomID());
     wchar_t** array = nullptr;
     ASSERT_TRUE(CUtil::AllocMemory(memory, array, 3, 2));
-    array[2][2] = L'\0'; // the last place of the last row
+    array[2][2] = L'\0'; // the last unit of the last row
     EXPECT_EQ(std::wstring(array[0]), L"");
     CUtil::deallocTwoDimenArray(memory, array, 3);
     EXPECT_EQ(array, nullptr);

@@ -76,7 +76,7 @@ TEST_F(Waits, CommandJobs) {
     struct Case {
         const char* what;
         std::vector<SpoolerJob> jobs;
-        int stateLater; // of the first job, after 2 s; 0: none
+        int stateLater; // state of the first job after 2 s; 0 for no change
         int destinationState;
         bool completes;
         int milliseconds;
@@ -112,13 +112,13 @@ TEST_F(Waits, CommandJobs) {
             << wait.what;
     }
     EXPECT_THAT(queues->fetched, ElementsAre("Office", "Office"));
-    // The queue was deleted meanwhile.
+    // The queue was deleted in the meantime.
     queues->jobs = {done};
     queues->destinations.clear();
     setDestinationPPD("/old.ppd");
     EXPECT_TRUE(isJobComple("T"));
     EXPECT_EQ(destinationPPD(), "/old.ppd");
-    // A scheduler that starts again.
+    // The scheduler restarts.
     queues->answers = false;
     queues->destinations = {{"Office"}};
     At(milliseconds(5000), [&] { queues->answers = true; });
@@ -150,7 +150,7 @@ TEST_F(Waits, CommandJobsAreLogged) {
 TEST_F(Waits, ReadingTheDataFile) {
     struct Case {
         const char* what;
-        int dataFrom; // ms; -1: never
+        int dataFrom; // ms; -1 for never
         int lockFrom;
         int lockUntil;
         bool reads;
@@ -183,7 +183,7 @@ TEST_F(Waits, ReadingTheDataFile) {
         EXPECT_EQ(reads, wait.reads) << wait.what;
         EXPECT_EQ(*file.getBidiDataCopy(), wait.reads ? "a\nb\n" : "") << wait.what;
     }
-    // Too long a file is there, and cannot be read: 40 more tries.
+    // A file that is too long exists but cannot be read: 40 more tries.
     Put(data, std::string(maximumDataFile + 1, 'x'));
     Remove(lock);
     BidiDataFile file(paths, failure);
@@ -317,7 +317,7 @@ TEST_F(Waits, FailureMessage) {
     EXPECT_EQ(shownAlerts->shown[1].defaultButton, "Continue");
 }
 
-// A whole request, with a filter that answers 400 ms after the command came.
+// A complete request. The filter answers 400 ms after the command.
 TEST_F(Waits, ServerDataAnswersItsOwnRequest) {
     ServerDataRequests requests;
     Put(data, "an old answer\n");

@@ -18,8 +18,7 @@
 #include <map>
 #include <set>
 
-// The bundle as a host meets it: the folder that was built, its shared object, and copies of it with
-// something broken.
+// Tests the bundle as a host uses it: the built folder, its shared object, and copies with a fault.
 
 namespace torka::tests {
 
@@ -32,7 +31,7 @@ using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
-// What a process of the person's asks the system, with everything that is kept below one folder.
+// Runs as a person's process, with all its files below one folder.
 class BundleTest : public testing::Test {
 protected:
     BundleTest() {
@@ -46,7 +45,7 @@ protected:
         options.languages = std::move(languages);
         setSystem(std::make_unique<PosixSystem>(options));
     }
-    // A copy of the bundle to be broken; its shared object stays where it is.
+    // Copies the bundle for a test with a fault. The shared object stays in the original bundle.
     fs::path Copy() const {
         const fs::path copy = folder / ("Copy" + std::to_string(++copies) + ".bundle");
         fs::copy(TORKA_BUNDLE, copy, fs::copy_options::recursive);
@@ -136,7 +135,7 @@ TEST_F(BundleTest, OpensAndClosesAgainAndAgain) {
     }
 }
 
-// The shared object is the copy's own: it finds its bundle around itself.
+// The copy has its own shared object, which finds the bundle around itself.
 TEST_F(BundleTest, ABrokenInterfaceFileLeavesAPanelWithoutAView) {
     for (const char* content :
          {"", "<ui", "<?xml version=\"1.0\"?><ui version=\"4.0\"><widget class=\"QDial\"/></ui>"}) {
@@ -151,7 +150,7 @@ TEST_F(BundleTest, ABrokenInterfaceFileLeavesAPanelWithoutAView) {
         const auto plugIn = Open(copy)->InstantiatePrincipalClass(problem);
         ASSERT_TRUE(plugIn) << problem;
         const auto dialog = dialogFor(sample("torka-production.ppd"));
-        dialog->printer->sendResult = kPMGeneralError; // so that no command job is waited for
+        dialog->printer->sendResult = kPMGeneralError; // avoids the wait for a command job
         const auto panels = plugIn->PDEPanelsForType(cfString(printDialogPanelType), dialog);
         ASSERT_TRUE(panels);
         const PDEPanelRef& panel = panels->front();
@@ -291,7 +290,7 @@ TEST_F(BundleTest, BrokenTablesFallBackToEnglish) {
     EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("de.lproj/Localizable.strings cannot be used")));
 }
 
-// By language and table.
+// The table's texts by language and key.
 std::map<std::string, std::map<std::string, std::string>> allTables(const char* table) {
     std::map<std::string, std::map<std::string, std::string>> tables;
     const std::string lines = runPython(R"PY(
@@ -310,7 +309,7 @@ for path in sorted(pathlib.Path(sys.argv[1]).glob("*.lproj/" + sys.argv[2] + ".s
     return tables;
 }
 
-// What stands for a value or a shortcut key in a text.
+// The placeholders for values and shortcut keys in a text.
 std::multiset<std::string> places(const std::string& text) {
     std::multiset<std::string> found;
     for (std::size_t at = 0; (at = text.find('%', at)) != std::string::npos; ++at) {
@@ -370,7 +369,7 @@ TEST(WaitDialog, ShowsLongWaitsAndCanBeCancelled) {
     waits.Show({WaitFor::commandJob, milliseconds(500), limit});
     ASSERT_NE(shownWait(), nullptr);
     EXPECT_EQ(shownWait()->value(), 500);
-    waits.Show({WaitFor::lockFile, limit * 2, limit}); // past its limit it neither ends nor resets
+    waits.Show({WaitFor::lockFile, limit * 2, limit}); // past the limit, the dialog neither closes nor resets
     ASSERT_NE(shownWait(), nullptr);
     waits.Show({WaitFor::dataFile, milliseconds(900), milliseconds(0)});
     EXPECT_EQ(shownWait()->maximum(), 0);
@@ -383,7 +382,7 @@ TEST(WaitDialog, ShowsLongWaitsAndCanBeCancelled) {
     EXPECT_EQ(shownWait(), nullptr);
     waits.Begin();
     EXPECT_TRUE(WaitDialog::wait(milliseconds(1)));
-    // One that is never told to end goes by itself.
+    // A dialog without a call of End closes by itself.
     waits.Show({WaitFor::moduleReady, milliseconds(500), limit});
     EXPECT_TRUE(WaitDialog::wait(std::chrono::seconds(1)));
     EXPECT_EQ(shownWait(), nullptr);

@@ -20,7 +20,7 @@ using ::testing::IsEmpty;
 
 const char* const end = "----- Data End -----";
 
-// A value of a flat list, written down briefly.
+// A value of a flat list, in short notation.
 struct Value : std::variant<bool, int, std::string> {
     Value(const char* text)
         : variant(std::string(text)) {}
@@ -128,7 +128,7 @@ TEST_F(AddressListTest, NamesAreFoundByTheirNeighbour) {
     EXPECT_TRUE(list->Find(nullptr));
 }
 
-// What Add makes of the entry "P" in each form.
+// The result of Add for the entry "P" in each format.
 TEST_F(AddressListTest, AddChangesAnEntryAndBringsItToTheCurrentFormat) {
     const std::pair<Values, Values> cases[] = {
         {{}, {"P", "new", true, "2", end}},
@@ -136,7 +136,7 @@ TEST_F(AddressListTest, AddChangesAnEntryAndBringsItToTheCurrentFormat) {
         {{"P", "old", false, "0", "rest", "Q"}, {"P", "new", true, "2", end, "Q"}},
         {{"P", "old", false, "1", "2", "r1", "r2", "rest", "Q"}, {"P", "new", true, "2", end, "Q"}},
         {{"P", "old", false, "1", "0", "rest"}, {"P", "new", true, "2", end}},
-        // Counts that lie, and values of the wrong kind.
+        // Wrong counts, and values of a wrong kind.
         {{"P", "old", false, "1", "99", "r1"}, {"P", "new", true, "2", end}},
         {{"P", "old", false, "1", "-3", "rest"}, {"P", "new", true, "2", end}},
         {{"P", "old", false, "1", "4000000000", "r"}, {"P", "new", true, "2", end}},
@@ -144,7 +144,7 @@ TEST_F(AddressListTest, AddChangesAnEntryAndBringsItToTheCurrentFormat) {
         {{"P", "old", false, "1"}, {"P", "new", true, "2", end}},
         {{"P", "old", "no", "3", "x"}, {"P", "new", true, "3", "x"}},
         {{"P", 1, 2, 3, 4}, {"P", "new", true, 3, 4}},
-        // Entries cut short become whole.
+        // Add completes entries that are cut.
         {{"P"}, {"P", "new", true, "2", end}},
         {{"P", "old"}, {"P", "new", true, "2", end}},
         {{"P", "old", false}, {"P", "new", true, "2", end}},
@@ -177,15 +177,14 @@ TEST_F(AddressListTest, BlocksReplaceTheFirstHeaderThatHoldsTheirNumber) {
         *list, {"P", "a", true, "2", "0:0", "11:2", "eleven", "and more", end, "Q", "b", false, "2", end});
     EXPECT_THAT(Block(*list, "P", 0), IsEmpty());
     EXPECT_THAT(Block(*list, "P", 11), ElementsAre("eleven", "and more"));
-    // Block 1 is taken for block 11, and replaces it.
+    // The search for block 1 finds block 11, and block 1 replaces it.
     EXPECT_THAT(Block(*list, "P", 1), ElementsAre("eleven", "and more"));
     list->AddDataBlob(name, 1, 1, Rows({"\xC3\xA9"}));
     ExpectElements(*list, {"P", "a", true, "2", "1:1", "\xC3\xA9", "0:0", end, "Q", "b", false, "2", end});
     EXPECT_THAT(Block(*list, "P", 11), ElementsAre("absent"));
     EXPECT_THAT(Block(*list, "Q", 1), ElementsAre("absent"));
 
-    // A row that is not UTF-8 is left out, one without an end is cut; the header keeps the count it was
-    // given.
+    // A row of invalid UTF-8 is left out, and a row without a NUL is cut. The header keeps the given count.
     std::vector<DataRow> odd = Rows({"bad \xFF", "good", std::string(1024, 'x')});
     list->AddDataBlob(name, 3, 1, odd);
     ExpectElements(*list, {"P", "a", true, "2", "1:3", "good", std::string(1023, 'x').c_str(), "0:0", end,
@@ -195,8 +194,8 @@ TEST_F(AddressListTest, BlocksReplaceTheFirstHeaderThatHoldsTheirNumber) {
 TEST_F(AddressListTest, BlocksOfOddListsEndWithTheList) {
     struct Case {
         Values before;
-        std::vector<std::string> read; // block 7 before
-        Values after;                  // with block 7 of one row
+        std::vector<std::string> read; // block 7 before the change
+        Values after;                  // the list after block 7 got one row
     };
     const Case cases[] = {
         {{"P", "a", true, "2", "7:1000000000", "r"}, {"r"}, {"P", "a", true, "2", "7:1", "n"}},
@@ -233,7 +232,7 @@ TEST_F(AddressListTest, EntriesAreListedAndRemoved) {
     ASSERT_EQ(entries[0].blocks.size(), 2U);
     EXPECT_EQ(utf8Text(entries[0].blocks[0].rows.at(0)), "*Duplex");
     EXPECT_EQ(entries[0].blocks[1].id, 1);
-    EXPECT_EQ(entries[0].blocks[1].rows.size(), 1U); // never beyond the end mark
+    EXPECT_EQ(entries[0].blocks[1].rows.size(), 1U); // the end mark ends the rows
     EXPECT_EQ(utf8Text(entries[1].format), "1");
     EXPECT_THAT(entries[1].blocks, IsEmpty());
     EXPECT_EQ(utf8Text(entries[2].name), "C");
@@ -258,7 +257,7 @@ TEST_F(AddressListTest, AnythingButAnArrayIsNoList) {
         EXPECT_FALSE(list.Changed());
     }
     ZANCorvianPrinterPList list(std::make_unique<TextStore>(""));
-    list.Add(CFStringCreateWithCharacters(u"\x01"), cfString("a"), false); // no XML can hold it
+    list.Add(CFStringCreateWithCharacters(u"\x01"), cfString("a"), false); // XML cannot hold U+0001
     EXPECT_FALSE(list.Save());
     EXPECT_EQ(list.Error(), -108);
     EXPECT_TRUE(list.Changed());

@@ -53,14 +53,14 @@ TEST(ConnectionType, TakesTheInstanceNameFromAServicesUri) {
         {"dnssd://B%C3%BCro%20%2F%202._pdl-datastream._tcp.local./?uuid=1", "B\xC3\xBCro / 2"},
         {"mdns://Floor.2._printer._tcp.local.", "Floor.2"},
         {"mdns://A._ipps._tcp.local.", "A"},
-        // The first type of the list that is there decides, not the first in the text.
+        // The order of the list of types decides, not the order in the text.
         {"mdns://A._ipp._tcp.B._printer._tcp.local.", "A._ipp._tcp.B"},
         {"socket://10.20.30.40:9100", "10"},
         {"ipp://controller.example.com/ipp", "controller"},
         {"no scheme at all", "no scheme at all"},
         {"://A._ipp._tcp.local.", ""},
         {"", ""},
-        // Escapes that are no UTF-8 text name nothing.
+        // Escapes that do not decode to UTF-8 give no name.
         {"mdns://100%._ipp._tcp.local.", ""},
         {"mdns://A%00B._ipp._tcp.local.", ""},
         {"mdns://A%FFB._ipp._tcp.local.", ""},

@@ -57,14 +57,14 @@ protected:
         setMainEventLoop(nullptr);
     }
 
-    // Opens the sheet with what is announced so far in its table.
+    // Opens the sheet and fills its table with the controllers announced so far.
     void OpenSheet() {
         controller->configureButtonClicked();
         loop->Run(milliseconds(300));
     }
 
     tests::ScopedMemorySystem system;
-    MemoryEventLoop* loop; // these are owned by their holders
+    MemoryEventLoop* loop; // the process-wide owners hold these
     MemoryServiceDirectory* net;
     MemoryAlerts* alertsShown;
     MemoryNetServices* hosts;
@@ -116,7 +116,7 @@ TEST_F(DiscoveryTest, ValidatesAddresses) {
     struct Case {
         bool twoWay;
         const char* text;
-        const char* alert; // null: it is valid
+        const char* alert; // null for a valid address
     };
     const char* const invalid = "You have entered an invalid IP Address or DNS Name";
     const Case cases[] = {
@@ -169,7 +169,7 @@ TEST_F(DiscoveryTest, ThePanesCheckBoxStoresOrAsks) {
     EXPECT_FALSE(owner.twoWay || controller->isBIDIEnabled() || sheet.configureEnabled);
     EXPECT_EQ(owner.stores, 2);
 
-    // Without an address to talk to, the sheet asks for one; nothing is on until OK.
+    // Without a usable address the sheet opens, and two-way communication stays off until OK.
     for (const char* unusable : {"", "Office Printer"}) {
         controller->setprinterIPField(cfString(unusable));
         sheet.ClickBidi(true);
@@ -197,7 +197,7 @@ TEST_F(DiscoveryTest, OKStoresWhatIsValid) {
     EXPECT_EQ(owner.address + "|" + owner.shown + "|" + utf8Text(controller->printerIPField()),
               "10.0.0.2|10.0.0.2|10.0.0.2");
     EXPECT_TRUE(owner.twoWay);
-    // With the check box off in the sheet any text goes, even none.
+    // With the check box off, the sheet accepts any text, even an empty one.
     OpenSheet();
     sheet.ClickBidi(false);
     EXPECT_TRUE(controller->isBIDIEnabled()); // until OK
@@ -217,7 +217,7 @@ TEST_F(DiscoveryTest, ListedNamesStandForTheirAddresses) {
         {"Office", "Office"}, // could be a host name
         {"10.0.0.9", "10.0.0.9"},
         {"Office._printer._tcp.local.", "10.0.0.5"},
-        {"Raw._pdl-datastream._tcp.local.", "r.local"}, // no IPv4 address: the host's name
+        {"Raw._pdl-datastream._tcp.local.", "r.local"}, // the host's name in place of an IPv4 address
         {"Away._printer._tcp.local.", "Away"},
     };
     for (const auto& [typed, stored] : cases) {
@@ -300,7 +300,7 @@ TEST_F(DiscoveryTest, SortsByNameAndByNumber) {
         EXPECT_EQ(sheet.indicators[ControllerColumn::name], click.name);
         EXPECT_EQ(sheet.indicators[ControllerColumn::addresses], click.addresses);
     }
-    // The selection follows its controller, and new ones take their place.
+    // The selection follows its controller, and new controllers are sorted in.
     sheet.SelectRow(2);
     sheet.delegate->didClickTableColumn(ControllerColumn::name);
     net->Announce({"B2", "_ipp._tcp", "local."}, answer("b2", {"10.0.0.2"}));
@@ -312,7 +312,7 @@ TEST_F(DiscoveryTest, SortsByNameAndByNumber) {
 }
 
 TEST_F(DiscoveryTest, TheSelectedServiceIsResolvedWithProgress) {
-    net->answerTime = seconds(9); // later than the list's own limit
+    net->answerTime = seconds(9); // exceeds the list's own limit
     net->Announce({"Slow", "_ipp._tcp", "local."}, answer("slow.local", {"10.0.0.8"}));
     net->Announce({"Mute", "_ipp._tcp", "local."});
     hosts->hostCacheEnabled = true;
@@ -338,7 +338,7 @@ TEST_F(DiscoveryTest, TheSelectedServiceIsResolvedWithProgress) {
     sheet.SelectRow(1);
     EXPECT_FALSE(sheet.progress);
     EXPECT_EQ(hosts->hostCacheFlushes, 2);
-    sheet.field = "typed"; // while it is resolved: stays
+    sheet.field = "typed"; // typed during the resolution, and kept
     net->answerTime = milliseconds(1);
     net->Withdraw({"Mute", "_ipp._tcp", "local."});
     loop->Run(seconds(20));
@@ -358,7 +358,7 @@ TEST_F(DiscoveryTest, ThePrintersOwnControllerIsSelectedFirst) {
     EXPECT_EQ(sheet.field, "10.0.0.5");
     sheet.delegate->OKClicked();
     EXPECT_EQ(owner.address, "10.0.0.5");
-    OpenSheet(); // found again by its address
+    OpenSheet(); // selects the controller by its address
     EXPECT_EQ(sheet.selected, 1U);
 }
 
@@ -403,7 +403,7 @@ TEST_F(DiscoveryTest, SearchesAgainUntilTheDaemonIsThere) {
     EXPECT_EQ(sheet.rows.size(), 1U);
     sheet.delegate->clickedCancel();
 
-    // Without a directory or a loop the sheet serves what is typed.
+    // Without a directory or a loop, the sheet accepts a typed address.
     setServiceDirectory(nullptr);
     OpenSheet();
     EXPECT_EQ(sheet.status, "DISCOVERY_UNAVAILABLE");

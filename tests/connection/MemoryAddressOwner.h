@@ -6,7 +6,7 @@
 
 namespace torka::tests {
 
-// A panel model that keeps one address.
+// A panel model with one address.
 class MemoryAddressOwner final : public BonjourModuleOwner {
 public:
     BonjourModuleController* GetsBonjourModuleController() const override { return controller; }

@@ -9,7 +9,7 @@
 
 namespace torka::tests {
 
-// The address sheet without widgets: what was set is kept, and a test plays the person.
+// The address sheet without widgets. It keeps the values set; a test plays the person.
 class MemoryAddressSheet final : public BonjourModuleView {
 public:
     void setDelegate(BonjourModuleViewDelegate* newDelegate) override { delegate = newDelegate; }

@@ -57,7 +57,7 @@ TEST_F(ListStoreTest, IsReadFromTheQueuesRecordAndSentAsACommand) {
     EXPECT_FALSE(list->CacheFileExists());
     EXPECT_EQ(utf8Text(list->Find(cfString("caf\xC3\x89"))), "10.0.0.1");
 
-    // Nothing changed, nothing is sent: not even for an entry that is set to what it is.
+    // Without a change nothing is sent, not even when an entry is set to its present value.
     EXPECT_TRUE(list->Save());
     list->Add(cfString("Caf\xC3\xA9"), cfString("10.0.0.1"), true);
     EXPECT_TRUE(list->Save());
@@ -78,12 +78,12 @@ TEST_F(ListStoreTest, IsReadFromTheQueuesRecordAndSentAsACommand) {
 TEST_F(ListStoreTest, WithoutARecordThereIsNoList) {
     printer->ppdPath = tests::writeRecordPPD(folder, "QVOther", listXml("a"), true);
     system->files["/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist"] = {};
-    system->files[homeFile] = {listXml("from the file"), 0600}; // not asked on this system version
+    system->files[homeFile] = {listXml("from the file"), 0600}; // unused on this system version
     const auto list = Open();
     EXPECT_FALSE(list->Loaded());
     EXPECT_TRUE(list->CacheFileExists());
     EXPECT_TRUE(list->Elements().empty());
-    EXPECT_TRUE(list->Save()); // an empty list says nothing new
+    EXPECT_TRUE(list->Save()); // an empty list equals a missing one
     EXPECT_TRUE(printer->sent.empty());
     printer->descriptionResult = kPMGeneralError;
     EXPECT_FALSE(Open()->Loaded());
@@ -98,7 +98,7 @@ TEST_F(ListStoreTest, ACommandThatCannotBeSentFails) {
     spooler->destinations[0] = {printer->name, destinationStateIdle, false};
     EXPECT_FALSE(list->Save());
     EXPECT_TRUE(printer->sent.empty());
-    EXPECT_EQ(system->now, start); // nobody is kept waiting
+    EXPECT_EQ(system->now, start); // without a wait
     spooler->destinations[0].acceptsJobs = true;
     printer->sendResult = kPMGeneralError;
     printer->onSend = nullptr;
@@ -144,7 +144,7 @@ TEST_F(ListStoreTest, OldSystemsKeepAFile) {
     EXPECT_EQ(utf8Text(Open()->Find(cfString("Caf\xC3\xA9"))), "10.0.0.2");
     EXPECT_TRUE(printer->sent.empty());
 
-    // Before that version the file is read, and changes go to the spooler.
+    // Before that version, the list is read from the file, and changes go to the spooler.
     system->minorVersion = 5;
     const auto older = Open();
     EXPECT_EQ(utf8Text(older->Find(cfString("Caf\xC3\xA9"))), "10.0.0.2");

@@ -6,8 +6,8 @@
 
 namespace torka::tests {
 
-// Writes a small PPD that holds one record, made with Python's zlib and base64. A wide record holds 32-bit
-// units in this machine's order, a narrow one the text's bytes. Tells the PPD's path.
+// Writes a small PPD with one record, using Python's zlib and base64. A wide record holds 32-bit units in
+// this machine's byte order, a narrow one the text's bytes. Returns the PPD's path.
 inline std::string writeRecordPPD(const TemporaryFolder& folder, const std::string& recordName,
                                   const std::string& text, bool wide) {
     const std::string path = (folder / (recordName + ".ppd")).string();

@@ -14,7 +14,7 @@ namespace {
 
 using Bytes = MemoryNetServices::Bytes;
 
-// What SimplePing answers and writes on the two standard streams.
+// SimplePing's result and its output on the two standard streams.
 struct PingResult {
     int error;
     std::string output;
@@ -59,7 +59,7 @@ TEST_F(SimplePingTest, CountsAnsweredEchoes) {
         ASSERT_EQ(message.size(), 48U);
         const Bytes head = {8, 0, message[2], message[3], 0x12, 0x34, 0, static_cast<std::uint8_t>(i)};
         EXPECT_TRUE(std::equal(head.begin(), head.end(), message.begin()));
-        EXPECT_EQ(internetChecksum(message), 0); // a right checksum makes the whole sum up to nothing
+        EXPECT_EQ(internetChecksum(message), 0); // a message with a correct checksum sums up to 0
         EXPECT_THAT(std::span(message).subspan(24), ::testing::Each(0));
     }
     std::int64_t seconds = 0;
@@ -77,10 +77,10 @@ TEST_F(SimplePingTest, OneMissingReplyEndsIt) {
     EXPECT_EQ(result.error, 64);
     EXPECT_EQ(result.output + result.errors, "");
     EXPECT_EQ(net->sent.size(), 2U);
-    EXPECT_EQ(net->now - start, std::chrono::seconds(4)); // two seconds are waited out for each echo
+    EXPECT_EQ(net->now - start, std::chrono::seconds(4)); // two seconds for each echo
     net->sent.clear();
     EXPECT_EQ(SimplePing("torka", 3, 9, true), 64);
-    EXPECT_EQ(net->now - start, std::chrono::seconds(5)); // one second without a datagram is enough
+    EXPECT_EQ(net->now - start, std::chrono::seconds(5)); // ends after one second without a datagram
     EXPECT_EQ(net->openSockets, 0);
 }
 
@@ -104,7 +104,7 @@ TEST_F(SimplePingTest, ReportsEachFailure) {
     EXPECT_TRUE(net->sent.empty());
 
     Answer(99);
-    net->receiveBufferError = ENOBUFS; // does no harm
+    net->receiveBufferError = ENOBUFS; // harmless
     EXPECT_EQ(SimplePing("torka", 1, 1, true), 0);
     net->sendShort = 1;
     EXPECT_EQ(SimplePing("torka", 1, 1, true), 1);
@@ -168,7 +168,7 @@ TEST(InternetChecksum, IsThatOfItsDefinition) {
     const Bytes published = {0x00, 0x01, 0xf2, 0x03, 0xf4, 0xf5, 0xf6, 0xf7}; // RFC 1071, section 3
     EXPECT_EQ(internetChecksum(published), 0xFFFF - 0xddf2);
     EXPECT_EQ(internetChecksum(Bytes{}), 0xFFFF);
-    EXPECT_EQ(internetChecksum(Bytes{0x12}), 0xFFFF - 0x1200); // an odd byte counts as the high one
+    EXPECT_EQ(internetChecksum(Bytes{0x12}), 0xFFFF - 0x1200); // an odd last byte is the high byte
     EXPECT_EQ(internetChecksum(Bytes(48, 0xFF)), 0);
 }
 

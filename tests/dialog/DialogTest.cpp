@@ -24,7 +24,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-// The pane in the toolkit's own print dialog, over a private print server, as a person uses it.
+// Uses the pane in Qt's own print dialog, with a private print server, as a person does.
 
 namespace torka::tests {
 
@@ -62,7 +62,7 @@ protected:
         ASSERT_EQ(result.status, 0) << result.errors;
     }
 
-    // A dialog that is shown, with the pane in front.
+    // A visible dialog with the pane in front.
     struct Shown {
         QPrinter printer;
         std::unique_ptr<PrintDialog> dialog;
@@ -74,7 +74,7 @@ protected:
         EXPECT_TRUE((*shown)->chooseQueue(queue));
         (*shown)->show();
         (*shown)->showPane();
-        QTest::qWait(100); // what is deferred until after the first painting
+        QTest::qWait(100); // for the work deferred until after the first painting
         return shown;
     }
 
@@ -111,7 +111,7 @@ protected:
         return nullptr;
     }
 
-    // With the keyboard, as far as the choice's first letters go.
+    // Selects a choice by typing its first letters.
     static void Choose(PrintDialog& dialog, const char* keyword, const char* choice) {
         auto* box = Field<QComboBox>(dialog, keyword);
         ASSERT_NE(box, nullptr) << keyword;
@@ -128,7 +128,7 @@ protected:
         QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
     }
 
-    // What the person does once the job's notes are asked for, if they are.
+    // Calls `person` with the dialog for the job's notes, if it appears.
     static void AnswerPopupNotes(const std::function<void(QDialog&)>& person) {
         QTimer::singleShot(0, qApp, [person] {
             auto* popup = qobject_cast<QDialog*>(QApplication::activeModalWidget());
@@ -138,7 +138,7 @@ protected:
         });
     }
 
-    // The print button; answers the job's number and follows the job to its end.
+    // Presses the print button and follows the job to its end. Returns the job's number.
     int Print(PrintDialog& dialog) {
         AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
         PressPrint(dialog);
@@ -175,7 +175,7 @@ TEST_F(DialogTest, WhatIsSetReachesTheDeviceAndComesBackInTheNextDialog) {
         job = Print(dialog);
     }
     const std::string printed = sandbox->Printed(job);
-    // An interpreter of another maker draws what the device got: two copies of the sample's three pages.
+    // Ghostscript draws the document that the device received: two copies of the sample's three pages.
     const std::filesystem::path kept = *sandbox / "printed" / (std::to_string(job) + ".ps");
     const CommandResult drawn = runCommand(
         {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=inkcov", "-o", "-", kept.string()});
@@ -300,7 +300,7 @@ TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
         EXPECT_TRUE(told(dialog).contains("Magenta: 8 %, needs attention"));
         dialog.reject();
     }
-    // Remembered as on, it is read again after the first painting.
+    // With the stored state "on", server data are read after the first painting.
     const auto shown = Open("Live");
     EXPECT_TRUE(waitForGauges(*shown->dialog));
     EXPECT_EQ(told(*shown->dialog).size(), 12);
@@ -309,10 +309,10 @@ TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
 TEST_F(DialogTest, AConflictIsResolvedWithOneClickAndAPresetComesBack) {
     const auto shown = Open();
     PrintDialog& dialog = *shown->dialog;
-    QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton); // not what a test before left
+    QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton); // drops the settings of earlier tests
     ShowPage(dialog, "Finishing");
     Choose(dialog, "*QVFoldStyle", "Half Fold");
-    // The dialog's own pages know nothing of the description's constraints.
+    // The dialog's own tabs ignore the description's constraints.
     dialog.printer()->setPageSize(QPageSize(QPageSize::A5));
     dialog.tab().dialogSettingsChanged();
     QPushButton* resolve = Button(dialog, "Resolve");
@@ -357,7 +357,7 @@ TEST_F(DialogTest, AForbiddenChoiceIsGreyAndSaysWhy) {
     ShowPage(dialog, "Finishing");
     auto* box = Field<QComboBox>(dialog, "*QVTrimSides");
     ASSERT_NE(box, nullptr);
-    // The trimmer is not installed: the choice is grey, and its tooltip says what forbids it.
+    // The trimmer is not installed: the choice is disabled, and its tooltip names the reason.
     const int face = box->findText("Fore-edge", Qt::MatchContains);
     ASSERT_GE(face, 0);
     EXPECT_FALSE(box->itemData(face, Qt::ToolTipRole).toString().isEmpty());
@@ -382,7 +382,7 @@ TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     const auto shown = Open();
     PrintDialog& dialog = *shown->dialog;
     Choose(dialog, "*QVStaple", "Saddle Stitch");
-    // Another queue of the same description takes the settings over; one without a pane keeps none of it.
+    // Another queue with the same description takes over the settings. A queue without a pane takes none.
     ASSERT_TRUE(dialog.chooseQueue("Second"));
     QTest::qWait(50);
     ASSERT_TRUE(dialog.tab().hasPanel());
@@ -394,7 +394,7 @@ TEST_F(DialogTest, ThePaneFollowsThePrinter) {
 }
 
 TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
-    // LeakSanitizer looks at the end. TORKA_DIALOG_ROUNDS asks for more, to watch the memory of many.
+    // LeakSanitizer checks at the end. TORKA_DIALOG_ROUNDS sets more rounds, to watch the memory.
     const int rounds = std::max(5, qEnvironmentVariableIntValue("TORKA_DIALOG_ROUNDS"));
     for (int i = 0; i < rounds; ++i) {
         const auto shown = Open();

@@ -26,7 +26,7 @@
 namespace torka {
 namespace {
 
-// The sheet with its controller, over a net in memory. Tests of looks set TORKA_PICTURES to a folder.
+// The sheet with its controller and a network in memory. Set TORKA_PICTURES to a folder to get pictures.
 class AddressSheetTest : public ::testing::Test {
 protected:
     AddressSheetTest() {
@@ -78,7 +78,7 @@ protected:
     }
 
     tests::ScopedMemorySystem system;
-    MemoryServiceDirectory* net; // these two are owned by their holders
+    MemoryServiceDirectory* net; // the process-wide owners hold these two
     MemoryEventLoop* loop;
     tests::MemoryAddressOwner owner;
     std::unique_ptr<QWidget> window; // owns the other widgets
@@ -97,7 +97,7 @@ TEST_F(AddressSheetTest, IsWorkedWithKeysAlone) {
     Announce("Warehouse", "");
     EXPECT_FALSE(paneButton->isEnabled());
     QTest::mouseClick(paneCheckBox, Qt::LeftButton, {}, QPoint(5, paneCheckBox->height() / 2));
-    ASSERT_TRUE(sheet->isSheetVisible()); // there is no address yet
+    ASSERT_TRUE(sheet->isSheetVisible()); // because no address is stored yet
     EXPECT_TRUE(sheet->bidiState());
     Run(500);
     ASSERT_EQ(table->model()->rowCount(), 4);
@@ -118,7 +118,7 @@ TEST_F(AddressSheetTest, IsWorkedWithKeysAlone) {
     EXPECT_FALSE(sheet->Window()->findChild<QProgressBar*>()->isVisible());
     EXPECT_EQ(field->text(), "10.0.0.30");
 
-    // Every control is reached, and has a name to be told.
+    // The tab key reaches every control, and each has an accessible name.
     QStringList reached;
     for (QWidget* widget = table->nextInFocusChain(); widget != table; widget = widget->nextInFocusChain()) {
         if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible() &&
@@ -144,7 +144,7 @@ TEST_F(AddressSheetTest, EscapeAndCloseCancel) {
     for (const bool byKey : {true, false}) {
         QTest::mouseClick(paneButton, Qt::LeftButton);
         ASSERT_TRUE(sheet->isSheetVisible());
-        QTest::keyClicks(field, "other"); // the text is selected, so that typing replaces it
+        QTest::keyClicks(field, "other"); // replaces the selected text
         EXPECT_EQ(field->text(), "other");
         sheet->Window()->findChild<QCheckBox*>("sheetBidiCheckBox")->click();
         EXPECT_FALSE(paneCheckBox->isChecked());
@@ -215,7 +215,7 @@ TEST_F(AddressSheetTest, OutlivesItsWindow) {
     controller->configureButtonClicked();
     Run(500);
     table->setCurrentIndex(table->model()->index(0, 0));
-    window.reset(); // while the sheet is open and an address is looked for
+    window.reset(); // while the sheet is open and a resolution is under way
     EXPECT_EQ(sheet->Window(), nullptr);
     EXPECT_FALSE(sheet->isSheetVisible() || sheet->selectedRow().has_value());
     Run(20000);
@@ -238,12 +238,13 @@ TEST_F(AddressSheetTest, IsHeldWhileAnAlertWaits) {
     setAlerts(std::move(alerts));
     controller->configureButtonClicked();
     sheet->setBidiState(true);
-    sheet->Window()->accept(); // nothing in the field
+    sheet->Window()->accept(); // with an empty field
     setAlerts(nullptr);
     EXPECT_TRUE(host == nullptr && held.expired());
 }
 
-// The same of every loop: Qt's, whose objects must not be destroyed within their own signals.
+// Qt's objects must not be destroyed within their own signals. The loop still lets an action end its timer or
+// watch.
 TEST(QtEventLoop, TimersAndWatchesEndWithinTheirActions) {
     QtEventLoop loop;
     int once = 0;

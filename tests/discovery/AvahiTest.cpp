@@ -20,8 +20,8 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 
-// Against a real daemon, on loopback in a network namespace: the tool, and the sheet in a Qt application. The
-// daemon comes later than the sheet, and goes before it is closed.
+// Runs the tool, and the sheet in a Qt application, with a real daemon on loopback in a network namespace.
+// The daemon starts after the sheet opens and ends before the sheet is closed.
 TEST(Avahi, ControllersOfARealDaemonAreFound) {
     const tests::TemporaryFolder folder;
     const tests::CommandResult result =
@@ -34,13 +34,13 @@ TEST(Avahi, ControllersOfARealDaemonAreFound) {
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(tests::readFile(folder / "without"),
                 HasSubstr("controllers cannot be searched for: Avahi: "));
-    // One row for each host: of two printers under two names, and of more than are named.
+    // One row for each host: a host with two services, and a host with more services than the row names.
     const std::string office = "(Office Printer, Office hold|Office hold, Office Printer)";
     const std::string flood = "Flood [0-9]+, Flood [0-9]+, Flood [0-9]+, \u2026";
     EXPECT_THAT(tests::readFile(folder / "tool"),
                 MatchesRegex("<b>Markup</b>: 10\\.9\\.8\\.7\n" + flood + ": 10\\.9\\.8\\.6\n" + office +
                              ": 127\\.0\\.0\\.1\n"));
-    // Sorted by address; the second row is chosen.
+    // Sorted by address, with the second row selected.
     EXPECT_THAT(tests::readFile(folder / "probe"),
                 MatchesRegex(
                     "unavailable\n" + flood + "\\|10\\.9\\.8\\.6\n<b>Markup</b>\\|10\\.9\\.8\\.7\n" + office +

@@ -12,10 +12,10 @@
 #include <random>
 #include <sstream>
 
-// The library marks its PPD calls as deprecated; they are what reads the server's PPDs.
+// libcups marks its PPD functions as deprecated; the server's PPDs are read with them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-// Command jobs without a server, and the messages that carry records.
+// Runs command jobs without a server, and checks the messages that carry records.
 
 namespace torka::tests {
 
@@ -40,7 +40,7 @@ int run(const std::string& title, const std::string& text) {
 
 using Keywords = std::map<std::string, std::string>;
 
-// What the server makes of "PPD:" lines.
+// Applies "PPD:" lines as the server does.
 void applyMessage(const std::string& message, Keywords& keywords) {
     ASSERT_TRUE(message.starts_with("PPD: ") && message.ends_with("\n")) << message;
     ASSERT_LT(message.size(), 1024U);
@@ -160,7 +160,7 @@ TEST(Commands, HostileTitlesAndTextsDoNothing) {
              {std::string("Command_AllBidi") + uuid, "::DELIMIT::::DELIMIT::"}}) {
         EXPECT_EQ(run(title, text), 1) << title << " " << text.substr(0, 40);
     }
-    // An address is a name in the controllers' folder and nothing more.
+    // An address is only a name in the controllers' folder; it cannot lead elsewhere.
     std::filesystem::create_directories(harness.root / "etc/torka/data");
     EXPECT_EQ(run(std::string("Command_AllBidi") + uuid, "A-1::DELIMIT::..::DELIMIT::"), 0);
     EXPECT_TRUE(PrivateFolder::Exists("ConnectionErrorInfoFileA-1.txt"));
@@ -205,7 +205,7 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
     EXPECT_FALSE(std::filesystem::exists(harness.root / "var/cache/torka/queues/Proofs.open"));
     EXPECT_EQ(std::filesystem::status(data).permissions(), std::filesystem::perms(0644));
 
-    // Deleting: this queue's files and reports, nothing else.
+    // The command deletes this queue's files and reports, and nothing else.
     const std::filesystem::path other = data.parent_path() / "Finals.bididata";
     std::filesystem::copy_file(data, other);
     PrivateFolder::Write("zan_timeout_override.txt", "");

@@ -23,7 +23,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// What a child of this process answers, 0 to 255; 256 and the signal that ended it.
+// Runs `answer` in a child process. Returns the exit status, or 256 plus the signal that ended the child.
 int inChild(const std::function<int()>& answer) {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -102,7 +102,7 @@ TEST_F(Confinement, RefusesWhatNoJobNeeds) {
     }
 }
 
-// The program's working process, as it waits for its document.
+// Checks the program itself while it waits for its document.
 TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
     std::array<int, 2> input{};
     ASSERT_EQ(::pipe2(input.data(), O_CLOEXEC), 0);
@@ -131,7 +131,7 @@ TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
     EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << ended;
 }
 
-// A kernel that knows no list of calls: an outer list refuses to take one.
+// Simulates a kernel without system-call filters: an outer filter refuses to install one.
 TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
     const tests::TemporaryFolder folder;
     const std::string document = folder.Write("document", "%!PS\nshowpage\n");

@@ -12,7 +12,7 @@
 
 namespace torka::tests {
 
-// The filter's parts below a system root of their own, with what they tell the server.
+// Runs the filter's parts below a temporary system root and collects their messages to the server.
 class FilterHarness {
 public:
     FilterHarness() {

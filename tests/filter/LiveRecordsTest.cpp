@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 #include <tuple>
 
-// What printers tell, as records: values out of range, lists that disagree, texts that could be more than a
-// field.
+// Makes records from printers' attributes: values out of range, lists of different lengths, texts that could
+// break a field.
 
 namespace torka::tests {
 
@@ -124,7 +124,7 @@ TEST(LiveSource, RequestsMeanTheDeviceByNumbersOrByItsOwnName) {
              {"PRESS.example", "ipp://press.example/ipp", true},
              {"10.0.0.5", "ipp://press.example/ipp", true},
              {"10.0.0.6", "ipp://press.example/ipp", false},
-             {"evil.example", "ipp://10.0.0.5/ipp", false}, // a request's name is looked up nowhere
+             {"evil.example", "ipp://10.0.0.5/ipp", false}, // a name from a request is never looked up
              {"evil.example", "ipp://press.example/ipp", false},
              {"10.0.0.5", "dnssd://Office%20Printer._ipp._tcp.local/?uuid=1", true},
              {"10.0.0.5", "implicitclass://office/", true},

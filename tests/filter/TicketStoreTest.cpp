@@ -13,7 +13,7 @@
 #include <sys/stat.h>
 #include <thread>
 
-// Tickets that come by commands: pairing, names, ownership, age, room.
+// Tickets that arrive by commands: pairing, names, ownership, age and space.
 
 namespace torka::tests {
 
@@ -59,7 +59,7 @@ TEST(TicketStore, ANameThatTravelsWithTheTextDecidesWhateverTheOrder) {
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
     EXPECT_EQ(contentOf(anna, ticketPath(2)), "two");
     EXPECT_EQ(contentOf(anna, "elsewhere/" + nameOf(3)), "three") << "only the last component counts";
-    // Option and text that disagree, an option that is no name, somebody else's name.
+    // Option and text that differ, an option that is no valid name, the name of another user.
     EXPECT_NE(TicketStore::Announce(anna, nameOf(4), ticketPath(5)), "");
     EXPECT_NE(TicketStore::Announce(bert, nameOf(1), ticketPath(1)), "");
     EXPECT_NE(TicketStore::Store(anna, command, "Torka.temp", "text"), "");
@@ -72,7 +72,8 @@ TEST(TicketStore, ANameThatTravelsWithTheTextDecidesWhateverTheOrder) {
     EXPECT_EQ(facts.st_mode & 0777U, 0711U);
 }
 
-// A foreign sender names nothing: the one announced name of its queue, user and host is meant, or none.
+// A foreign sender gives no name. The text then belongs to the only name announced for its queue, user and
+// host, or to none.
 TEST(TicketStore, ATextWithoutItsNameIsPairedOrRefusedNeverGuessed) {
     const FilterHarness harness;
     const Sender elsewhere{"Proofs", "anna", "pc 7\n%"};
@@ -89,7 +90,7 @@ TEST(TicketStore, ATextWithoutItsNameIsPairedOrRefusedNeverGuessed) {
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
     EXPECT_EQ(contentOf(anna, ticketPath(3)), "three") << "another address of the same user";
     EXPECT_EQ(contentOf(anna, ticketPath(4)), "four") << "the job was moved to another queue";
-    // Two names wait: both jobs stop, and then the next pair meets again.
+    // With two names waiting, both jobs are refused. The next pair matches again.
     EXPECT_EQ(TicketStore::Announce(bert, "", ticketPath(5)), "");
     for (int i = 0; i < 2; ++i) {
         EXPECT_NE(TicketStore::Store(bert, command, "", "whose?").find("2 names wait"), std::string::npos);
@@ -114,7 +115,7 @@ TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
         EXPECT_TRUE(
             isRefused(contentOf(anna, ticketPath(1), borrower), "its print settings belong to another job"));
     }
-    // Many filters at once: one job wins.
+    // Of many filters at the same time, one job gets the ticket.
     std::vector<std::string> contents(16);
     std::vector<std::thread> filters;
     for (std::size_t i = 0; i < contents.size(); ++i) {
@@ -127,8 +128,8 @@ TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
     }
     EXPECT_EQ(std::ranges::count(contents, "text"), 1);
 
-    // Two texts for one name: neither is printed with, but a job that has begun goes on. The same command
-    // again, restarted, is no second text.
+    // With two texts for one name, no new job prints with either; a job that has begun goes on. A restarted
+    // command is no second text.
     EXPECT_EQ(TicketStore::Store(anna, command, nameOf(3), "text"), "");
     EXPECT_NE(TicketStore::Store(anna, otherJob, nameOf(3), "forged"), "");
     EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(3)), "came twice"));
@@ -137,12 +138,12 @@ TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
     EXPECT_NE(TicketStore::Store(bert, otherJob, nameOf(4), "forged"), "") << "somebody else's command";
     EXPECT_EQ(contentOf(anna, ticketPath(4)), "text");
 
-    // A filter that was killed, or had no room, while it wrote the job into the record.
+    // A filter was killed, or the disk was full, while it wrote the job into the record.
     ASSERT_EQ(TicketStore::Store(anna, command, nameOf(5), "text"), "");
     std::ofstream(harness.Cache(nameOf(5) + ".owner"), std::ios::app) << "=used =12345";
     EXPECT_EQ(contentOf(anna, ticketPath(5)), "text");
     EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(5), otherJob), "another job"));
-    // A record that is none.
+    // An invalid record.
     ASSERT_FALSE(PrivateFolder::Write(nameOf(5) + ".owner", "anna"));
     EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(5)), "cannot be read"));
 }
@@ -178,8 +179,8 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
     }
     EXPECT_NE(TicketStore::Store(anna, command, "", "text"), "") << "none of them was kept";
 
-    // What is there already is never written over, nor is a link followed, with an owner record beside it or
-    // without, or as the owner record.
+    // An existing file is never overwritten and a link never followed: with and without an owner record
+    // beside it, and in place of the owner record.
     const std::filesystem::path secret = harness.root.Write("secret", "untouched");
     const auto expectUntouched = [&] {
         TicketStore::Announce(anna, "", ticketPath(1));
@@ -195,11 +196,11 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
     expectUntouched();
     std::filesystem::create_symlink(secret, harness.Cache(name + ".owner"));
     expectUntouched();
-    // A ticket without an owner is none.
+    // A ticket without an owner is refused.
     std::filesystem::remove(harness.Cache(name));
     ASSERT_FALSE(PrivateFolder::Write(name, "text"));
     EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
-    // A folder that others may write to is not used at all.
+    // A folder with write permission for others is not used.
     std::filesystem::permissions(harness.Cache(), std::filesystem::perms(0777));
     EXPECT_NE(TicketStore::Announce(anna, "", ticketPath(2)), "");
 }
@@ -209,7 +210,7 @@ TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
     constexpr int day = 24;
     struct Case {
         bool isUsed;
-        const char* missing; // suffix of the half that is not there
+        const char* missing; // suffix of the missing half
         std::chrono::seconds age;
         bool isKept;
     };
@@ -232,7 +233,7 @@ TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
             PrivateFolder::Remove(nameOf(number) + cases[i].missing);
         }
     }
-    // Used again after six days: the week begins anew.
+    // A ticket that is used again after six days is kept for another week.
     EXPECT_EQ(contentOf(anna, ticketPath(2)), "text");
     EXPECT_GT(PrivateFolder::Changed(nameOf(2) + ".owner"), std::time(nullptr) - 60);
     const std::map<std::string, hours> others{{"ConnectionErrorInfoFileAB-1.txt", hours(25)},
@@ -258,7 +259,7 @@ TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
     }
 }
 
-// Fills the folder as other commands would, without their time.
+// Fills the folder as commands would, but faster.
 void fill(const FilterHarness& harness, const Sender& sender, int first, std::size_t count,
           std::size_t bytes) {
     for (int i = first; i < first + static_cast<int>(count); ++i) {
@@ -274,11 +275,11 @@ TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
     const Sender away{"Proofs", "anna", "pc7"};
     struct Case {
         const char* what;
-        std::size_t number; // tickets that are there, each of its own user unless isOneUser
+        std::size_t number; // number of tickets, each of a different user unless isOneUser
         std::size_t bytes;
         bool isOneUser;
-        bool hasRoom;     // the user whose they are, on their host
-        bool hasRoomAway; // the same user on another host
+        bool hasRoom;     // for the tickets' user on the same host
+        bool hasRoomAway; // for the same user on another host
     };
     for (const Case& c :
          {Case{"one below the number", mostOfSender.number - 1, 1, true, true, true},
@@ -330,7 +331,7 @@ TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
     EXPECT_EQ(FilterNotes::Get(anna, NoteKind::language), "ja");
     EXPECT_FALSE(FilterNotes::Add(anna, NoteKind::ticketName, std::string(5000, 'x')));
 
-    // A damaged list loses what is damaged.
+    // A damaged list loses only its damaged lines.
     const FilterNote note{{"q =", "u\n%41", ""}, NoteKind::mailbox, 17, std::string("a\0b", 3)};
     const std::string line = noteLine(note);
     EXPECT_EQ(readNoteLine(line.substr(0, line.size() - 1)), note);
@@ -341,7 +342,7 @@ TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
     PrivateFolder::Write("TorkaFilterNotes",
                          "rubbish\n=ticket =x = = = = \n\n" + list.substr(0, list.size() / 2));
     EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::ticketName, "6"));
-    // Each kind has its time.
+    // Each kind has its own lifetime.
     const std::int64_t now = std::time(nullptr);
     constexpr std::int64_t day = 24 * 3600;
     std::string text;
@@ -358,7 +359,7 @@ TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
     EXPECT_FALSE(FilterNotes::Has("anna", NoteKind::mailbox, std::to_string(30 * day + 60)));
 }
 
-// Whatever one host calls its users, and however long the names are, the others' entries stay.
+// One host cannot displace the entries of others, with any number of user names of any length.
 TEST(FilterNotes, OneHostCannotCrowdTheOthersOut) {
     for (const std::size_t length : {10U, 1000U}) {
         const FilterHarness harness;

@@ -103,7 +103,7 @@ SDMRESULT getPreset(SDMHANDLE /*handle*/, const wchar_t* name, SDMKeyValueList**
         return SDM_NOT_AVAILABLE;
     *job = current->Give(current->presetJob);
     *tessel = current->Give(current->presetTessel);
-    *preset = nullptr; // a set may be absent
+    *preset = nullptr; // this set may be absent
     return SDM_SUCCESS;
 }
 
@@ -113,7 +113,7 @@ SDMRESULT getVersion(SDMHANDLE /*handle*/, int32_t kind, wchar_t** version) {
 
 SDMRESULT freeBlock(void** pointer) { return current->TakeBack(pointer); }
 
-// A list whose texts live in `pairs`.
+// A list that refers to the texts in `pairs`.
 class BorrowedList {
 public:
     explicit BorrowedList(const Pairs& pairs) {
@@ -246,7 +246,7 @@ bool FakePane::Run() {
     }
     openResult = module.openUI(session, "Printing Preferences", 3, 0, &result);
     TakeReturned(session);
-    EXPECT_EQ(module.terminate(session), SDM_SUCCESS); // the handle that callbacks were given
+    EXPECT_EQ(module.terminate(session), SDM_SUCCESS); // the handle that the module passed to callbacks
     EXPECT_EQ(module.dllEndServer(), SDM_SUCCESS);
     EXPECT_EQ(module.endSession(session), SDM_SUCCESS);
     return true;

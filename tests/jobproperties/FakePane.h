@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-// The pane's side of the module's interface, with a print server made of values. Loads the module by its path
-// and knows nothing else of it.
+// The pane's side of the module's interface, with a print server in memory. Loads the module by its path and
+// uses only its public interface.
 
 namespace torka::tests {
 
@@ -37,7 +37,8 @@ struct Module {
     JP1_1DllEndProc dllEnd;
 };
 
-// One pane at a time. Hands out the server's values, counts the blocks that it gave away, and runs a session.
+// Supplies the server's values, counts the blocks that it returns, and runs a session. Only one object may
+// exist at a time.
 class FakePane {
 public:
     FakePane();
@@ -45,23 +46,23 @@ public:
     FakePane& operator=(const FakePane&) = delete;
     ~FakePane();
 
-    // What the server knows; an empty list is a record that is not there.
+    // The server's values. An empty list stands for an absent record.
     std::wstring serverData;
     std::vector<SDMTrayInfo> trays;   // texts are not owned
     std::vector<SDMTonerInfo> toners; // texts are not owned
     Pairs information, help, lockedKeys;
     std::vector<std::wstring> presetNames;
     Pairs presetJob, presetTessel, presetValues; // of the first preset
-    std::function<void()> whenAskedForTrays;     // once
+    std::function<void()> whenAskedForTrays;     // called once
 
-    // What the pane hands over, and what comes back.
+    // The pane's arguments and the module's results.
     Pairs settings, templateSettings, readOnly, veiled;
     std::vector<std::wstring> watermarks;
     bool hasWatermarks = false;
     SDMRESULT openResult = -1;
     std::int32_t result = -1;
     bool hasReturnedList = false;
-    Pairs returned; // absent texts are L"<null>"
+    Pairs returned; // null texts are L"<null>"
     std::vector<std::wstring> returnedWatermarks;
     bool hasReturnedWatermarks = false;
 
@@ -69,10 +70,10 @@ public:
     bool Run();
     std::wstring Value(const std::wstring& key) const;
 
-    // With two-way communication off most slots are empty and results come from malloc.
+    // With two-way communication off, most slots are empty, and results come from malloc.
     void SetTwoWay(bool on);
     std::array<SDMCallbackSlot, SDM_CALLBACK_SLOTS> table{};
-    // Blocks that callbacks returned and nobody freed.
+    // The number of blocks that callbacks returned and nobody has freed.
     std::size_t BlocksOut() const { return blocks.size(); }
 
     void* Give(std::size_t bytes);

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-// The module's own reading, against the printing system's, whose library marks its PPD calls as deprecated.
+// Compares the module's own reader with libcups, which marks its PPD functions as deprecated.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka::tests {
@@ -39,7 +39,7 @@ TEST(ModuleDescription, AgreesWithThePrintingSystem) {
             ASSERT_NE(setting, nullptr) << option->keyword;
             EXPECT_EQ(setting->label, option->text);
             EXPECT_EQ(setting->defaultValue, option->defchoice) << option->keyword;
-            // The library adds a choice for custom sizes at the end, which the file does not list.
+            // libcups adds a choice for custom sizes at the end.
             ASSERT_LE(setting->choices.size(), static_cast<std::size_t>(option->num_choices));
             const bool hasMore = setting->choices.size() < static_cast<std::size_t>(option->num_choices);
             EXPECT_STREQ(hasMore ? option->choices[setting->choices.size()].choice : "Custom", "Custom");
@@ -83,7 +83,7 @@ TEST(ModuleDescription, ReadsWhatThePrintingSystemDoesNot) {
     EXPECT_EQ(creep->defaultValue, "10");
     EXPECT_TRUE(creep->hidden);
     ASSERT_EQ(description.Groups().size(), 1U);
-    EXPECT_EQ(description.Groups()[0].label, "Roll <41"); // not closed: as it stands
+    EXPECT_EQ(description.Groups()[0].label, "Roll <41"); // without ">", the text stays unchanged
     EXPECT_EQ(description.Groups()[0].page, "Päge");
     EXPECT_EQ(description.Find("Fake"), nullptr);
     EXPECT_EQ(description.Find("Gamma")->kind, SettingKind::Decimal);
@@ -109,7 +109,7 @@ TEST(ModuleWatermark, DefinitionsRoundTrip) {
     EXPECT_TRUE(odd.clear);
     EXPECT_EQ(odd.right, 2147483647);
     EXPECT_EQ(odd.color, (std::array{255, 0, 0}));
-    EXPECT_FALSE(odd.firstPageOnly); // exactly "1"
+    EXPECT_FALSE(odd.firstPageOnly); // only "1" sets it
     EXPECT_EQ(odd.angle, 450);
     EXPECT_EQ(odd.size, 0);
     Watermark hostile;

@@ -10,7 +10,7 @@ namespace torka::tests {
 
 namespace {
 
-// A script in a file, named by the environment while it lives.
+// A script in a file that the environment names while the object lives.
 class ScriptFile {
 public:
     explicit ScriptFile(std::string_view text) {
@@ -54,7 +54,8 @@ TEST(ModuleScript, EditsWhatComesBack) {
     };
     const Case cases[] = {
         {"", {{L"*QVDuplex", L"None"}, {L"*PresetName", L"Morning"}, {L"*Notes1", L"Grüße, \u00A7 7"}}},
-        // The two spellings of one key are two settings of the job; an edit drops the preset's name.
+        // A key with and one without an asterisk are two settings of the job. An edit clears the preset's
+        // name.
         {"set PageSize B5", {{L"PageSize", L"B5"}, {L"*PageSize", L"A4"}, {L"*PresetName", L""}}},
         {"set QVDuplex Long\nset \"num copies\" 12", {{L"*QVDuplex", L"Long"}, {L"num copies", L"12"}}},
         {"set *Notes1 \"a \\\"b\\\"\\n\\u{1F600}\"", {{L"*Notes1", L"a \"b\"\n\U0001F600"}}},
@@ -101,7 +102,7 @@ TEST(ModuleScript, KeepsOrderAndWatermarks) {
     ASSERT_EQ(pane.returnedWatermarks.size(), 3U);
     EXPECT_EQ(pane.returnedWatermarks[1], pane.watermarks[1]);
 
-    // Without a list from the pane, and none made, the pane's watermarks stay as they are.
+    // Without a list from the pane or from the script, the pane's watermarks stay unchanged.
     pane.hasWatermarks = false;
     ScriptFile empty("");
     ASSERT_TRUE(pane.Run());
@@ -114,7 +115,7 @@ TEST(ModuleScript, KeyThatComesTwice) {
     {
         ScriptFile script("");
         ASSERT_TRUE(pane.Run());
-        EXPECT_EQ(pane.returned, pane.settings); // as it went out
+        EXPECT_EQ(pane.returned, pane.settings); // unchanged
     }
     ScriptFile script("set *QVSimulation Coated");
     ASSERT_TRUE(pane.Run());
@@ -127,7 +128,7 @@ TEST(ModuleScript, KeyThatComesTwice) {
     EXPECT_EQ(pane.returned[2].second, L"Press");
 }
 
-// As in the pane: what the description declares as secret, and names that say so themselves.
+// As in the pane, settings are secret when the description declares them so, or when their names say so.
 TEST(ModuleScript, ReportMasksSecrets) {
     FakePane pane;
     const TemporaryFolder folder;
@@ -156,9 +157,9 @@ TEST(ModuleScript, TemplateOverridesLocksAndVeils) {
                       "preset Nowhere\nprint readonly\nprint veiled\n");
     ASSERT_TRUE(pane.Run());
     EXPECT_EQ(pane.Value(L"*QVDuplex"), L"Long");
-    EXPECT_EQ(pane.Value(L"QVDuplex"), L"<absent>"); // the template's spelling is the job's setting
+    EXPECT_EQ(pane.Value(L"QVDuplex"), L"<absent>"); // the template sets the job's "*QVDuplex"
     EXPECT_EQ(pane.Value(L"*Notes1"), L"Grüße, \u00A7 7");
-    EXPECT_EQ(pane.Value(L"*QVStaple"), L"TopLeft"); // of the preset, not locked
+    EXPECT_EQ(pane.Value(L"*QVStaple"), L"TopLeft"); // from the preset, because it is not locked
     EXPECT_EQ(pane.Value(L"*Added"), L"2");
     EXPECT_EQ(script.Report(),
               "refused\t*QVDuplex\tlocked\nrefused\t*Notes1\tveiled\nrefused\tPageSize\tlocked\n"
@@ -194,7 +195,7 @@ TEST(ModuleScript, CountsInBothStatesAgreeWithTheFree) {
     fill(pane);
     pane.SetTwoWay(false);
     ScriptFile script("print serverinfo\nprint versions");
-    ASSERT_TRUE(pane.Run()); // ~FakePane checks that every block came back
+    ASSERT_TRUE(pane.Run()); // ~FakePane checks that every block was freed
     EXPECT_EQ(script.Report().substr(0, 15), "[serverinfo] 2\n");
 }
 
@@ -239,7 +240,7 @@ TEST(ModuleScript, EndsOtherwise) {
         ASSERT_EQ(module.beginSession(pane.table.data(), &session), SDM_SUCCESS);
         for (int i = 0; i < 10000; ++i)
             ASSERT_EQ(module.isServerReady(session), 0);
-        EXPECT_EQ(module.dllEnd(), SDM_SUCCESS); // ends the session too
+        EXPECT_EQ(module.dllEnd(), SDM_SUCCESS); // also ends the session
         EXPECT_EQ(module.endSession(session), SDM_NOT_AVAILABLE);
     }
 }
@@ -295,7 +296,7 @@ TEST(ModuleInterface, SurvivesWhatItIsHanded) {
     EXPECT_NE(module.beginSession(pane.table.data(), nullptr), SDM_SUCCESS);
     pane.table[SDM_SLOT_VERSION].number = SDM_CALLBACK_VERSION - 1;
     EXPECT_NE(module.beginSession(pane.table.data(), &session), SDM_SUCCESS);
-    // Handles of no session.
+    // Invalid session handles.
     std::int32_t result = 7;
     SDMKeyValueList* list = nullptr;
     for (JPHANDLE handle : {JPHANDLE{nullptr}, JPHANDLE{&pane}}) {
@@ -308,7 +309,7 @@ TEST(ModuleInterface, SurvivesWhatItIsHanded) {
     EXPECT_EQ(result, 7);
     module.free(nullptr);
 
-    // A table of nothing but its version: no free callback, no data.
+    // A table with only its version: no free callback, no data.
     FakePane bare;
     bare.table = {};
     bare.table[SDM_SLOT_VERSION].number = SDM_CALLBACK_VERSION;

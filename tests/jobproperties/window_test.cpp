@@ -16,14 +16,14 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 
-// The window, offscreen. The pane's tray callback is called as the window is made, so that a test gets hold
-// of it whoever made the QApplication.
+// Tests the window without a display. The module calls the pane's tray callback while it creates the window.
+// The test uses this call to get the window, because either side may have created the QApplication.
 
 namespace torka::tests {
 
 namespace {
 
-// What a person would do with the window; runs once it is open.
+// Runs `act`, a person's actions, when the window is open.
 void whenOpen(FakePane& pane, const std::function<void(QDialog&)>& act) {
     pane.whenAskedForTrays = [act] {
         QTimer::singleShot(0, [act] {
@@ -83,7 +83,7 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
         EXPECT_EQ(size.currentText(), "A4");
         size.setCurrentIndex(size.findData("Letter"));
         EXPECT_EQ(size.currentText(), "US Letter");
-        // A choice that only the server knows is kept beside the described ones.
+        // A choice that only the server knows stays beside those of the description.
         EXPECT_EQ(child<QComboBox>(dialog, "*InputSlot").currentData(), "Server1");
         child<QSpinBox>(dialog, "*QV_COPIES").setValue(25);
         QTest::keyClicks(&child<QLineEdit>(dialog, "*Notes1"), "!");
@@ -93,7 +93,7 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
         EXPECT_EQ(child<QComboBox>(dialog, "*QVDuplex").currentData(), "Long");
         dialog.accept();
     });
-    ASSERT_TRUE(pane.Run()); // the module makes the QApplication
+    ASSERT_TRUE(pane.Run()); // the module creates the QApplication
     EXPECT_EQ(QCoreApplication::instance(), nullptr);
     EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
     EXPECT_EQ(pane.result, 0);
@@ -108,7 +108,7 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
     EXPECT_EQ(pane.returnedWatermarks[0], L"0,0,0,128,128,128,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2");
 }
 
-// Names, keys and tips that look like markup, from a description and from the server.
+// Names, keys and tips from a description and from the server that look like markup.
 TEST_F(ModuleWindow, ShowsMarkupAsText) {
     const TemporaryFolder folder;
     const std::string path =
@@ -144,11 +144,11 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
     whenOpen(pane, [](QDialog& dialog) {
         EXPECT_FALSE(child<QComboBox>(dialog, "*QVStaple").isEnabled());
         EXPECT_EQ(child<QComboBox>(dialog, "*QVStaple").accessibleDescription(), "Set by your administrator");
-        EXPECT_EQ(dialog.findChild<QWidget*>("*QVDuplex"), nullptr);      // veiled
+        EXPECT_EQ(dialog.findChild<QWidget*>("*QVDuplex"), nullptr);      // hidden by the veiled keys
         EXPECT_EQ(dialog.findChild<QWidget*>("*QVServiceMode"), nullptr); // hidden by the description
         EXPECT_EQ(child<QLineEdit>(dialog, "*DeptPassword").echoMode(), QLineEdit::Password);
 
-        // The search goes over all pages and takes every word.
+        // The search covers all pages, and every word must match.
         auto& search = child<QLineEdit>(dialog, "search");
         auto& creep = child<QWidget>(dialog, "*QVBookletCreep");
         auto& note = child<QWidget>(dialog, "*Notes1");
@@ -156,7 +156,7 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         search.setText("booklet CREEP");
         EXPECT_TRUE(creep.isVisible());
         EXPECT_FALSE(note.isVisible());
-        QTest::keyClick(&search, Qt::Key_Return); // goes to what was found
+        QTest::keyClick(&search, Qt::Key_Return); // moves the focus to the result
         EXPECT_EQ(dialog.focusWidget(), &creep);
         search.setText("note 1");
         EXPECT_TRUE(note.isVisible());
@@ -168,7 +168,7 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         press(dialog, "restore");
         EXPECT_EQ(child<QSpinBox>(dialog, "*QVBookletCreep").value(), 10);
 
-        // Whatever takes the focus has a name for a screen reader.
+        // Every widget that takes the focus has a name for a screen reader.
         for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
             const QWidget* parent = widget->parentWidget();
             if (widget->window() != &dialog || !(widget->focusPolicy() & Qt::TabFocus) ||

@@ -10,8 +10,8 @@
 #include <tuple>
 #include <vector>
 
-// The constraint store and its engine once more, slow and obvious: plain vectors, scanned; every wildcard
-// multiplied out; every answer by its definition. The real ones must agree with it pair by pair.
+// A slow and obvious constraint store and engine. It scans plain vectors, expands every wildcard, and
+// computes every answer from its definition. The real store and engine must agree with it pair by pair.
 namespace torka::oracle {
 
 using Id = std::int64_t;

@@ -28,7 +28,7 @@ KVCache cacheOf(const Pairs& pairs) {
     return cache;
 }
 
-// One small random store beside its oracle. Few keys and options, so that everything meets everything.
+// A small random store and its oracle. It has few keys and options, so that constraints interact often.
 class Twins {
 public:
     explicit Twins(unsigned seed)
@@ -40,7 +40,7 @@ public:
             Step();
         if (Below(8) > 0)
             Resolve();
-        if (Below(4) == 0) { // more of everything after the lines were resolved
+        if (Below(4) == 0) { // adds options and lines after the lines were resolved
             for (int i = Below(10); i > 0; --i)
                 Step();
             Resolve();
@@ -55,7 +55,7 @@ public:
     }
     Id AnyKey() { return Below(12) == 0 ? -1 : slow.find(Key()); }
     Id AnyOption() { return Below(8) == 0 ? -1 : slow.find(Option()); }
-    // Mostly each key once, as Insert leaves it; else whatever add may be given.
+    // Mostly pairs with each key once, as Insert makes them; sometimes arbitrary pairs for add.
     Pairs AnyPairs(int most) {
         Pairs pairs;
         const bool repeated = Below(4) == 0;
@@ -126,7 +126,7 @@ public:
             }
             ASSERT_NO_FATAL_FAILURE(CompareForests(forest, slow.constraints));
         }
-        for (int i = Below(10); i > 0; --i) { // lines that come while lists are set aside
+        for (int i = Below(10); i > 0; --i) { // adds lines while lists are set aside
             Step();
         }
         Resolve();
@@ -141,7 +141,7 @@ public:
 
 private:
     void Step() {
-        if (Below(8) == 0) { // a question puts the lines so far in order
+        if (Below(8) == 0) { // a query resolves the lines so far
             fast.IsKVConstrained(Key(), Option());
         }
         const int kind = Below(10);

@@ -14,7 +14,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// What a cache or list holds, as "key=option" texts.
+// The pairs of a cache or list as "key=option" texts.
 std::vector<std::string> named(UIConstraints& store, std::span<const KeyOption> pairs) {
     std::vector<std::string> names;
     const auto text = [&](std::int64_t id) { return std::string(store.GetConstraintStrings()->Find(id)); };
@@ -42,7 +42,8 @@ TEST(CStringSoup, InternsBytesUpToTheFirstNul) {
     EXPECT_EQ(soup.Insert("letter"), 0);
 }
 
-// One line between two keys of 5,000 options is a line, not 25 million pairs; it answers all the same.
+// A line between two keys of 5,000 options each is stored as one line, not as 25 million pairs. The answers
+// are those of the pairs.
 TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
     constexpr int count = 5000;
     UIConstraints store;
@@ -100,14 +101,14 @@ TEST(ConstraintsEngine, OffersOtherOptionsFromTheLastBackwards) {
     EXPECT_THAT(named(store, change.Pairs()), ElementsAre("*K=A", "*X=4"));
 }
 
-// Two keys that exclude each other whatever is chosen: the search ends at its bounds and says what stays in
-// conflict.
+// Two keys exclude each other with every option. The search ends at its limits and returns the remaining
+// conflicts.
 TEST(ConstraintsEngine, GivesUpWhereNothingHelps) {
     UIConstraints store;
     for (int i = 0; i < 30; ++i) {
         store.KVSInsert("*K", "k" + std::to_string(i));
         store.KVSInsert("*L", "l" + std::to_string(i));
-        for (int j = 0; j < 29; ++j) { // one option stays free, so that there are alternatives to try
+        for (int j = 0; j < 29; ++j) { // one option stays free as an alternative
             const std::string other = std::to_string((i + j) % 30);
             store.Add("*K", "k" + std::to_string(i), "*L", "l" + other, false);
             store.Add("*L", "l" + std::to_string(i), "*K", "k" + other, false);
@@ -125,7 +126,7 @@ TEST(ConstraintsEngine, GivesUpWhereNothingHelps) {
     EXPECT_EQ(change.GetItem(soup.Find("*K")), soup.Find("k0"));
 }
 
-// A description may repeat one line and one option without end; the answer is cut before memory is.
+// A description may repeat one line and one option many times. The answer is cut before memory runs out.
 TEST(ConstraintsEngine, CutsAnswersThatWouldExplode) {
     UIConstraints store;
     for (int i = 0; i < 3000; ++i) {

@@ -50,7 +50,7 @@ TEST_F(CollectionsTest, CountsAndIterationFollowTheDisplayOptions) {
     PPDXRollDown parent("R", cfString("R"), true);
     PPDXControls controls;
     EXPECT_TRUE(controls.Empty() && controls.NoPopups() && controls.NoSpecialOptions());
-    // Of each type 1 shown, 2 orphans, 3 hidden, 4 hidden orphans.
+    // For each type: 1 shown control, 2 orphans, 3 hidden controls, 4 hidden orphans.
     for (const CNTL_TYPE type : types) {
         for (int i = 0; i < 10; ++i) {
             ControlDefinition definition = definitionOf("*X");
@@ -111,7 +111,7 @@ TEST_F(CollectionsTest, FindGivesTheFirstInListOrder) {
     EXPECT_EQ(controls.FindPopup("", false), added[0]);
     EXPECT_EQ(controls.FindJobNote("Out", false), added[1]);
     EXPECT_EQ(controls.FindBoolean("*QVOut", true), nullptr);
-    // All are orphans: looked up none the less, unless the display options are to count.
+    // All are orphans. Look-ups find them, except those that honour the display options.
     EXPECT_EQ(controls.FindDisplayed("*QVOut", type, true), nullptr);
     added[3]->SetParent(added[0]);
     EXPECT_EQ(controls.FindDisplayed("*QVOut", type, true), added[3]);
@@ -132,7 +132,7 @@ TEST_F(CollectionsTest, FindGivesTheFirstInListOrder) {
     EXPECT_EQ(shortcuts.Huekeeper(), nullptr);
 }
 
-// A whole tree goes into settings, through their dictionary, and comes back.
+// Saves a whole tree to settings, passes them through their dictionary, and rebuilds the tree.
 TEST_F(CollectionsTest, SettingsRebuildTheModel) {
     PPDXProperties pages;
     PPDXGroups groups;
@@ -155,7 +155,7 @@ TEST_F(CollectionsTest, SettingsRebuildTheModel) {
     auto* range = new PPDXRangeControl(definition, {-7, 498, 5, 10});
     range->SetParent(rollDown);
     rollDown->Controls().Add(range);
-    range->SetValue(1000); // stops at 498, off the grid
+    range->SetValue(1000); // clamped to 498, which is not on the grid
     auto* floats = new PPDXFloatRangeControl(definitionOf("*F", "<*F>"), {0, 1, 0.1F, 0.3F});
     floats->SetValue(0.7F);
     auto* boolean = new PPDXBooleanControl(definitionOf("*B"), false,
@@ -218,7 +218,7 @@ TEST_F(CollectionsTest, SettingsRebuildTheModel) {
             EXPECT_EQ(valueOf(*control), valueOf(was)) << was.Keyword();
             EXPECT_EQ(postScriptOf(*control), postScriptOf(was)) << was.Keyword();
         }
-        // What a second saving writes is the same, but for the tree's names.
+        // Saving again writes the same settings, except for the tree's names.
         Settings first;
         Settings second;
         was.Save(first, 0);
@@ -232,7 +232,7 @@ TEST_F(CollectionsTest, SettingsRebuildTheModel) {
     const CStringSoup& strings = *store.GetConstraintStrings();
     EXPECT_GE(store.GetCurrentSelections()->GetItem(strings.Find("*P")), 0);
 
-    // Values alone, into the controls that were just reset.
+    // Restores only values into the controls that were just reset.
     newControls.Restore(loaded);
     EXPECT_EQ(valueOf(*newControls.FindRangeControl("*R", true)), "498");
     EXPECT_TRUE(newControls.FindBoolean("*B", true)->IsTrue());

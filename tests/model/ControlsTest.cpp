@@ -17,7 +17,7 @@ namespace {
 
 using namespace tests;
 
-// What the store holds as selected for a key; "" for none.
+// The option that the store holds as selected for a key; "" for none.
 std::string selectedIn(const UIConstraints& store, const char* key) {
     const CStringSoup& strings = *store.GetConstraintStrings();
     const std::int64_t option = store.GetCurrentSelections()->GetItem(strings.Find(key));
@@ -38,7 +38,7 @@ TEST(Element, NamesKeywordsAndEquality) {
     ControlDefinition definition = definitionOf("*X");
     definition.localName = cfString("");
     EXPECT_STREQ(PPDXControl(CNTL_TYPE::none, definition).UserName(), "");
-    // Three bytes a character and no room lost to the terminator.
+    // Three bytes for each character; the terminator costs no character.
     definition.localName = cfString("\u65e5\u672c\u8a9e");
     EXPECT_STREQ(PPDXControl(CNTL_TYPE::none, definition).UserName(), "\u65e5\u672c\u8a9e");
     definition.localName = nullptr;
@@ -145,8 +145,8 @@ TEST(Control, InjectionTable) {
         {note, "*QVDSFileName", "(<*QVDSFileName>)", "a\\b", "(a\\\\b)"},
         {note, "*QVDSPassword", "<*QVDSPassword>", "x", "x"},
         {note, "*QVDSUserName", "<*QVDSUserName>", "x", "x"},
-        // A value that is its own placeholder goes in once; one that makes a new one with its surroundings
-        // too.
+        // A value that equals its own placeholder is inserted once. So is one that forms a new placeholder
+        // together with its surroundings.
         {CNTL_TYPE::range, "*R", "<*R> <*R>", "<*R><*R>", "<*R><*R> <*R><*R>"},
         {CNTL_TYPE::range, "*R", "<<*R>*R>", "<*R>", "<<*R>*R>"},
         {CNTL_TYPE::range, "*R", "1 <*R> 2", "\\7", "1 \\\\7 2"},
@@ -159,7 +159,7 @@ TEST(Control, InjectionTable) {
                   static_cast<long>(std::string(each.expected).size()));
         EXPECT_EQ(out, each.expected) << each.ps << " with " << each.value;
     }
-    // A small template and a value that together would fill the memory.
+    // A small template and a value whose combination would fill the memory.
     std::string manyPlaces;
     for (int i = 0; i < 100'000; ++i) {
         manyPlaces += "<*R>";
@@ -172,7 +172,7 @@ TEST(Control, InjectionTable) {
     EXPECT_TRUE(out.empty());
 }
 
-// An interpreter reads back exactly the bytes that went in, whatever they are.
+// An interpreter reads exactly the bytes that were emitted, for every byte value.
 TEST(Control, InjectedNotesAreWholeStringsToAnInterpreter) {
     std::string nasty = "()(( \\) <4142> ~> % /x { } \r\n quit";
     for (int c = 0x80; c < 0x100; ++c) {
@@ -247,7 +247,7 @@ TEST(RangeControl, SnapsTowardZeroThenClamps) {
     EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *R 15\n15 set\n%%EndFeature\n");
     control.SetCurrentControlWithCFString(cfString(" 40 sheets"));
     EXPECT_EQ(valueOf(control), "40");
-    EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *R 40\n40 set\n%%EndFeature\n"); // not what was cached
+    EXPECT_EQ(postScriptOf(control), "%%BeginFeature: *R 40\n40 set\n%%EndFeature\n"); // not the cached one
     control.ResetToDefaultValue();
     EXPECT_EQ(control.GetValue(), 15);
     PPDXRangeControl bare(definitionOf("*R"), {});

@@ -28,7 +28,7 @@ protected:
     }
 };
 
-// The accessor, and the level from which on the word counts, in bit order.
+// The accessor of each flag, and the lowest level at which its word counts, in bit order.
 TEST_F(JobNoteTest, FlagWordsAtEveryLevel) {
     using Accessor = bool (PPDXJobNote::*)() const;
     struct Row {
@@ -85,7 +85,7 @@ TEST_F(JobNoteTest, FlagWordsAtEveryLevel) {
     }
 }
 
-// As the document shows a flag.
+// A flag's row in the document.
 std::string documented(const JobNoteFlagRow& row) {
     const std::pair<NoteEffect, const char*> effects[] = {{NoteEffect::typing, "typing"},
                                                           {NoteEffect::finishedText, "finished text"},
@@ -135,7 +135,7 @@ TEST_F(JobNoteTest, RulesThatFinishedTextsBreak) {
         std::uint32_t flags;
         int minLength;
         const char* text;
-        const char* broken; // words after words
+        const char* broken; // the words of all broken rules
     };
     const Case cases[] = {
         {0, 0, "", ""},
@@ -225,9 +225,9 @@ TEST_F(JobNoteTest, TextsKeepTheirCharactersInEveryEncoding) {
     struct Case {
         int level;
         bool isServer;
-        const char* bytes; // of the text, as the setter leaves them
+        const char* bytes; // the text's bytes after the setter
     };
-    const CFStringRef text = cfString("\u65e5\u30bd"); // whose second byte in Shift-JIS is a backslash
+    const CFStringRef text = cfString("\u65e5\u30bd"); // ends in the byte of a backslash in Shift-JIS
     SetApplicationTextEncoding(kCFStringEncodingShiftJIS);
     const Case cases[] = {{0, false, "\x93\xfa\x83\x5c"},
                           {6, true, "\x93\xfa\x83\x5c"},
@@ -236,7 +236,7 @@ TEST_F(JobNoteTest, TextsKeepTheirCharactersInEveryEncoding) {
     for (const Case& each : cases) {
         gQVUTF8Version = each.level;
         gDocumentServer = each.isServer;
-        PPDXJobNote note = Make({}, "\x93\xfa"); // the description's own bytes
+        PPDXJobNote note = Make({}, "\x93\xfa"); // bytes in the description's encoding
         EXPECT_EQ(valueOf(note), "\u65e5") << each.level;
         note.SetCurrentControlWithCFString(text);
         EXPECT_STREQ(note.GetNotes(), each.bytes) << each.level;

@@ -10,7 +10,7 @@
 
 namespace torka::tests {
 
-// A definition whose PostScript is `ps`, a literal that outlives the control.
+// A definition with the PostScript `ps`. REQUIRES: `ps` outlives the control.
 inline ControlDefinition definitionOf(const char* keyword, std::string_view ps = {},
                                       UIConstraints* store = nullptr) {
     ControlDefinition definition;
@@ -35,7 +35,8 @@ inline PopupItems itemsOf(const std::vector<const char*>& keywords) {
     return items;
 }
 
-// Asks for the size, then for the bytes, as the print path does. The byte behind them must stay untouched.
+// Asks for the size and then for the bytes, as the print path does. Checks that the byte behind them stays
+// unchanged.
 template <class Emit>
 std::string emitted(Emit emit) {
     const long size = emit(nullptr);

@@ -80,7 +80,7 @@ TEST_F(PopupTest, SelectingByKeyword) {
         const char* keyword;
         bool select;
         bool found;
-        const char* selected; // from A+B, or from A when single
+        const char* selected; // starting from A+B, or from A with single selection
         const char* current;
     };
     const Case cases[] = {
@@ -95,7 +95,7 @@ TEST_F(PopupTest, SelectingByKeyword) {
         }
         EXPECT_EQ(popup->SetKeywordSelect(each.keyword, each.select), each.found);
         EXPECT_EQ(Selected(*popup), each.selected) << each.keyword;
-        EXPECT_EQ(Reported("*P"), each.keyword); // even when no item has it
+        EXPECT_EQ(Reported("*P"), each.keyword); // even if no item has this keyword
         EXPECT_EQ(postScriptOf(*popup).substr(0, 20), std::string("%%BeginFeature: *P ") + each.current);
     }
     const auto popup = Make("*P", false, "A");
@@ -151,7 +151,7 @@ TEST_F(PopupTest, OnlyColourPopupsTakeNewChoices) {
         popup->SetCurrentControlWithCFString(cfString("caf\u00e9 1"));
         EXPECT_EQ(popup->ItemCount(), 4U);
         EXPECT_EQ(popup->GetValue(), 4);
-        popup->SetCurrentControlWithCFString(cfString("")); // no keyword to add: the default
+        popup->SetCurrentControlWithCFString(cfString("")); // no keyword, so that the default is selected
         EXPECT_EQ(valueOf(*popup), "A");
     }
     for (const char* keyword : {"*QVSimulations", "*P"}) {
@@ -170,7 +170,7 @@ TEST_F(PopupTest, RebuildTakesOwnItemsAndDefault) {
     EXPECT_FALSE(popup->Rebuild("*Other", itemsOf({"X"}), "X"));
     EXPECT_FALSE(popup->Rebuild("*P", {}, "X"));
     EXPECT_EQ(popup->ItemCount(), 3U);
-    // The new default may be the text of an item that goes.
+    // The new default may be the text of an item that Rebuild removes.
     EXPECT_TRUE(popup->Rebuild("*P", itemsOf({"X", "B", "Y"}), popup->GetDefaultKeyword()));
     EXPECT_EQ(popup->ItemCount(), 3U);
     EXPECT_EQ(valueOf(*popup), "B");

@@ -9,8 +9,8 @@
 #include <set>
 #include <sstream>
 
-// The sample descriptions: what the comments of the defective one promise, and that the PostScript of every
-// choice of the healthy ones runs.
+// Checks the sample descriptions. The defective one causes the findings that its comments announce. The
+// PostScript of every choice of the other ones runs.
 
 namespace torka {
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* samples = TORKA_SOURCE_DIR "/samples/";
 
-// What a controller would define: every procedure takes its operands.
+// The procedures that a controller would define. Each removes its operands.
 constexpr const char* controllerProcedures = R"(
 userdict /RMXZANsetpageproperties { type /dicttype ne { (no dictionary) = quit } if } put
 userdict /RMXsetDynamicOption { pop pop } put
@@ -72,7 +72,8 @@ std::string listed(const std::vector<Finding>& findings) {
     return text;
 }
 
-// "*% Error 23: ..." and "*% Lint unknownDefault: ..." announce what the lines after them must cause.
+// The findings that comments such as "*% Error 23: ..." and "*% Lint unknownDefault: ..." announce for the
+// lines behind them.
 std::vector<Finding> announced(const std::string& text, const std::string& sort) {
     std::vector<Finding> found;
     std::istringstream lines(text);
@@ -108,7 +109,7 @@ std::set<std::string> elementNames(ZANPPD& model) {
     return names;
 }
 
-// The keywords of the file that begin so, without their asterisk.
+// The file's keywords with this beginning, without their asterisk.
 std::set<std::string> elementsNamed(const std::string& text, const std::string& beginning) {
     std::set<std::string> names;
     for (std::size_t at = text.find("*" + beginning); at != std::string::npos;

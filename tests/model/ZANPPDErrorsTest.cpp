@@ -117,7 +117,7 @@ const std::vector<DefectCase>& defects() {
     return cases;
 }
 
-// Every defect gives its code and keyword, and costs nothing but its own element.
+// Every defect gives its code and keyword and removes only its own element.
 TEST(ZANPPDErrors, EachDefectIsReportedAndItsNeighboursSurvive) {
     for (const DefectCase& each : defects()) {
         SCOPED_TRACE(each.name);
@@ -215,7 +215,7 @@ TEST(ZANPPDLint, NotesTellKindLineAndText) {
                                    "20 unreadableByte *PCFileName NUL", "20 unclosedQuote *PCFileName ",
                                    "22 unknownGroup *Note Nowhere", "23 badNumber *Note 99999999999999999999",
                                    "27 unclosedQuote *Last ", "28 unclosedBlock *Last "));
-    // A text that is none in the encoding still leaves a readable name.
+    // Invalid text still gives a readable name.
     EXPECT_EQ(utf8Text(find(*model, "*Key")->CFStringUserName()), "Caf\xEF\xBF\xBD");
 }
 

@@ -31,7 +31,7 @@ TEST_F(ZANPPDModel, PagesPanesAndRollDownsFormTheTree) {
     ASSERT_TRUE(page && page->GetScrollDown());
     EXPECT_EQ(page->GetScrollDown()->RollDowns().Count(), 3U);
     EXPECT_STREQ(page->UserName(), "The Page");
-    EXPECT_STREQ(page->GetScrollDown()->UserName(), "The Pane "); // a blank at the end, of old standing
+    EXPECT_STREQ(page->GetScrollDown()->UserName(), "The Pane "); // keeps the blank at the end
     EXPECT_STREQ(model->GetGroups()->Find("Sub", true)->UserName(), "Sub group  ");
     const PPDXProperty* shy = model->GetProperties()->Find("Shy", true);
     EXPECT_TRUE(shy->ShowInApp() && !shy->ShowInPrintProp() && shy->IsVisible());
@@ -82,7 +82,7 @@ TEST_F(ZANPPDModel, ChoiceBlocks) {
     EXPECT_STREQ(flag->FalseDisplayText(), "Off");
     EXPECT_EQ(flag->TrueDisplayText(), nullptr);
     EXPECT_EQ(postscriptOf(flag), "%%BeginFeature: *Flag True\non\n%%EndFeature\n");
-    EXPECT_EQ(valueOf(*model, "*Bare"), "False"); // the first of its options
+    EXPECT_EQ(valueOf(*model, "*Bare"), "False"); // its first option
     EXPECT_TRUE(find(*model, "*Bare")->IsOrphan());
 }
 
@@ -145,7 +145,7 @@ TEST_F(ZANPPDModel, JobNotesTakeTheirLinesAndNoOthers) {
         EXPECT_TRUE(note->MaxLength() == 20 && note->MinLength() == 12 && note->IsCommand());
         EXPECT_EQ(valueOf(*model, "*Next"), "A");
     }
-    // A note may stand right in a scroll pane, where it is in no roll-down.
+    // A note may stand directly in a scroll pane, outside every roll-down.
     const auto inPane =
         parseText(frame + "*%ZANFlags *Note:\n*%ZANGroup *Note: Pane\n*%ZANJobNote *Note/N: 5\n");
     EXPECT_THAT(errorsOf(*inPane), IsEmpty());
@@ -174,10 +174,10 @@ TEST_F(ZANPPDModel, ConstraintsReachTheStore) {
                                  "*UIConstraints: *One A *Two B\n*UIConstraints: *Two *Three A\n"
                                  "*%ZANUIRequires: *One\t*Three A\n*%ZANUIConstraints: *Three\tB  *One\n");
     EXPECT_THAT(errorsOf(*model), IsEmpty());
-    EXPECT_TRUE(model->IsKVConstrained("*One", "A"));   // by what *Two is now
+    EXPECT_TRUE(model->IsKVConstrained("*One", "A"));   // by the present value of *Two
     EXPECT_FALSE(model->IsKVConstrained("*One", "B"));  // the requirement forbids nothing
-    EXPECT_TRUE(model->IsKVConstrained("*Two", "A"));   // three texts: the option is the second keyword's
-    EXPECT_TRUE(model->IsKVConstrained("*Three", "B")); // an option left out at the end: every one
+    EXPECT_TRUE(model->IsKVConstrained("*Two", "A"));   // three texts: the second keyword has the option
+    EXPECT_TRUE(model->IsKVConstrained("*Three", "B")); // a missing last option means every option
     EXPECT_FALSE(model->IsKVConstrained("*Nothing", "A"));
     EXPECT_TRUE(model->SetValueForKey(cfString("*Two"), cfString("A")));
     EXPECT_FALSE(model->IsKVConstrained("*One", "A"));
@@ -237,7 +237,7 @@ TEST_F(ZANPPDModel, ValuesGoInAndOutByKey) {
                                             {cfString("*Unknown"), cfString("x")},
                                             {cfString("*Key"), CFNumberCreate(1)}}));
     EXPECT_EQ(valueOf(*model, "*Special"), "1");
-    EXPECT_EQ(valueOf(*model, "*Key"), "A"); // a pair that is no text replaced the one before it
+    EXPECT_EQ(valueOf(*model, "*Key"), "A"); // a pair whose value is no text replaced the pair before it
     EXPECT_TRUE(model->SetValueForKey(cfString("*Key"), cfString("B")));
     EXPECT_FALSE(model->SetValueForKey(cfString("*Special"), cfString("2")));
     EXPECT_FALSE(model->SetValueForKey(nullptr, cfString("2")) ||
@@ -302,8 +302,7 @@ TEST_F(ZANPPDModel, PopupJobNotePreferences) {
     EXPECT_EQ(model->PUJNPrefs().values, "note one");
 }
 
-// The description, its values changed, comes back out of settings: with its file, and without it from them
-// alone.
+// Settings restore a description with changed values, both with its file and without it.
 TEST_F(ZANPPDModel, SettingsGiveTheDescriptionBack) {
     const std::filesystem::path sample =
         std::filesystem::path(TORKA_SOURCE_DIR) / "samples/torka-production.ppd";
@@ -342,7 +341,7 @@ TEST_F(ZANPPDModel, DisplayOptions) {
     ZANPPD::IncludeOrphans();
     ZANPPD::IncludeHidden();
     EXPECT_EQ(ZANPPD::Options(), 3U);
-    ZANPPD::ExcludeOrphans(); // takes both bits away
+    ZANPPD::ExcludeOrphans(); // clears both bits
     EXPECT_EQ(ZANPPD::Options(), 0U);
     ZANPPD::IncludeHidden();
     EXPECT_EQ(ZANPPD::Options(), 2U);
@@ -377,7 +376,7 @@ TEST_F(ZANPPDModel, HardInputSurvives) {
         const auto model = parseText(text);
         EXPECT_EQ(valueOf(*model, "*Key"), "A") << text.substr(frame.size(), 40);
     }
-    // A value longer than the store keeps is cut, not lost.
+    // A value that exceeds the store's limit is cut, not lost.
     const auto big = parseText(texts[4]);
     EXPECT_GT(postscriptOf(find(*big, "*Big")).size(), 60000U);
 }

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// Small descriptions written out to a folder and parsed, and their defects as text.
+// Writes small descriptions to a folder, parses them, and returns their defects as text.
 
 namespace torka::tests {
 

@@ -1,5 +1,5 @@
-/* The smallest module that a session can be run with; it is C, so that the public header is compiled as C.
- * Built a second time without one of its entry points. */
+/* The smallest module for a session. It is written in C, so that the public header is compiled as C. A second
+ * build lacks one of its entry points. */
 
 #define JOB_PROPERTIES_MODULE
 #include "bidi/JobPropertiesModule.h"
@@ -43,7 +43,7 @@ SDMRESULT JP1_1OpenUI(JPHANDLE session, const char* title, int32_t flags, int32_
     return SDM_SUCCESS;
 }
 
-/* One setting: the driver's version, as the callback tells it. */
+/* Returns one setting: the driver's version from the callback. */
 SDMRESULT JP1_1GetJobKeyValues(JPHANDLE session, int32_t flags, SDMKeyValueList** list, void* reserved) {
     SDMGetDriverVersionProc getVersion =
         (SDMGetDriverVersionProc)callbacks[SDM_SLOT_GET_DRIVER_VERSION].function;

@@ -1,5 +1,6 @@
-// The address sheet over the Avahi daemon, in a Qt application: plays a person and prints what is seen. The
-// folder that it is given gets the files "unavailable" and "listed" when that is reached.
+// Runs the address sheet with the Avahi daemon in a Qt application, plays a person, and prints what the sheet
+// shows. Writes the files "unavailable" and "listed" into the given folder when the sheet reaches these
+// states.
 
 #include "pane/views/AddressSheet.h"
 #include "platform/avahi/AvahiServiceDirectory.h"
