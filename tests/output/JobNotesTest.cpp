@@ -36,7 +36,8 @@ protected:
         SetApplicationTextEncoding(kCFStringEncodingUnknown);
     }
 
-    // A description with these special options and notes; a note's code shows its text as hexadecimal digits.
+    // Makes a description with these special options and notes. A note's code shows its text in hexadecimal
+    // digits.
     void Describe(const std::vector<std::string>& options, const std::vector<std::string>& noteLines) {
         std::string ppd = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n"
                           "*LanguageEncoding: ISOLatin1\n*PCFileName: \"NOTES.PPD\"\n*ModelName: \"Notes\"\n";
@@ -59,7 +60,8 @@ protected:
         ASSERT_TRUE(note) << keyword;
         note->SetNotes(text);
     }
-    // What the list adds after the two layout comments: "site text" lines, "!" before a protected one.
+    // The entries that the list adds after the two layout comments, as lines of "site text"; "!" precedes a
+    // protected one.
     std::string Emitted(std::shared_ptr<const FieldKeys> with) {
         ZANJobTicket ticket(nullptr, settings, cfString("key"));
         ZANJobNoteList list(*description, std::move(with));
@@ -79,11 +81,11 @@ protected:
     // The feature block of a note of Describe.
     static std::string Feature(const std::string& keyword, const std::string& text) {
         const std::string hex = hexOf({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
-        // The value takes the place of the string in the code.
+        // The value replaces the string in the code.
         return "81 %%BeginFeature: " + keyword + " " + text + "\n" + (hex.empty() ? "()" : "<" + hex + ">") +
                " pop\n%%EndFeature\n";
     }
-    // `openssl enc` without padding.
+    // Enciphers with `openssl enc` without padding.
     std::string Cipher(const std::string& name, std::span<const std::uint8_t> key,
                        std::span<const std::uint8_t> vector, const std::string& padded) {
         std::vector<std::string> command{"openssl",  "enc",       "-e",     name,        "-nopad", "-K",
@@ -116,7 +118,8 @@ std::string aesPadded(std::string text) {
     return text.append(16 - rest, static_cast<char>(15 - rest));
 }
 
-// Every key choice and both ciphers, against openssl; texts below, at and above the borders.
+// Compares every choice of keys and both ciphers with openssl, for texts below, at and above the block and
+// size limits.
 TEST_F(JobNotes, CipherTextsAgreeWithOpenSsl) {
     for (const std::string special : {"1", "2", "5", "6", "7", "11", "12"}) {
         for (const std::string algorithm : {"", "1", "2"}) {
@@ -130,7 +133,7 @@ TEST_F(JobNotes, CipherTextsAgreeWithOpenSsl) {
                 for (const std::size_t length : {1U, 7U, 8U, 15U, 16U, 126U, 127U, 128U, 300U}) {
                     SCOPED_TRACE(special + "/" + algorithm + keyword + std::to_string(length));
                     if (length > 16 && special != "5") {
-                        continue; // openssl takes its time
+                        continue; // openssl is slow
                     }
                     const std::string text(length, 'p');
                     ZANJobNoteList list(*description, keys);
@@ -190,7 +193,7 @@ TEST_F(JobNotes, EveryNoteInItsForm) {
         << emitted;
     EXPECT_EQ(emitted.find("Instruct"), std::string::npos);
     EXPECT_EQ(leftOut, "");
-    // The notes themselves are as before.
+    // The notes themselves are unchanged.
     EXPECT_STREQ(description->GetControls()->FindJobNote("*Resume", true)->GetNotes(), "12345678");
 
     const std::string without = Emitted(nullptr);
@@ -204,7 +207,8 @@ TEST_F(JobNotes, EveryNoteInItsForm) {
     EXPECT_EQ(told, 2);
 }
 
-// Where the description leaves the sign-in open: no password in plain in any case, no bare text as a line.
+// With a description that does not complete the sign-in, no password leaves in plain, and no text stands
+// alone on a line.
 TEST_F(JobNotes, SignIn) {
     const std::vector<std::string> notes{"*QVUserAuthName: 60", "*QVUserAuthPwd: 60|Password"};
     const auto cipher = [&](const std::string& text) {
@@ -240,7 +244,7 @@ TEST_F(JobNotes, SignIn) {
     EXPECT_EQ(Emitted(nullptr), "");
     EXPECT_EQ(leftOut, "*QVUserAuthPwd/Title QVUserAuthPwd ");
     SetNote("*QVUserAuthPwd", std::string(120, 's').c_str());
-    EXPECT_EQ(Emitted(keys), ""); // a part would be taken for the whole
+    EXPECT_EQ(Emitted(keys), ""); // a reader would take a part for the whole
     EXPECT_EQ(leftOut, "*QVUserAuthPwd/Title QVUserAuthPwd ");
     Describe({"*CopierUserAuth: True"}, {notes[0]});
     SetNote("*QVUserAuthName", "bob");
@@ -252,7 +256,7 @@ TEST_F(JobNotes, LayoutComments) {
     Describe({}, {});
     const struct {
         std::uint16_t orientation;
-        int rows; // 0: no layout
+        int rows; // 0 for no layout
         int columns;
         bool isPortrait;
     } cases[] = {
@@ -282,7 +286,7 @@ TEST_F(JobNotes, LayoutComments) {
     EXPECT_EQ(ZANJobNoteList(*description, keys).outInjectionData(nullptr, settings), -50);
 }
 
-// Texts that are sent as UTF-8 leave the application's encoding once, not once for each job.
+// Texts sent as UTF-8 are converted from the application's encoding once, not for each job.
 TEST_F(JobNotes, TextsBecomeUTF8) {
     for (const auto& [level, japanese, converts] :
          {std::tuple{"4", false, true}, {"5", false, false}, {"6", true, true}}) {
@@ -314,7 +318,7 @@ TEST_F(JobNotes, QueriesAndRanges) {
     EXPECT_EQ(note.getUserData(), 5);
     EXPECT_EQ(note.getUserData(buffer), 5);
     EXPECT_STREQ(buffer, "text");
-    EXPECT_EQ(note.getTitle(buffer), 13); // "Title Notes1", cut
+    EXPECT_EQ(note.getTitle(buffer), 13); // the length of "Title Notes1" before the cut
     EXPECT_STREQ(buffer, "Title N");
     note.getKeyword(buffer);
     EXPECT_STREQ(buffer, "*Notes1");
@@ -329,8 +333,8 @@ TEST_F(JobNotes, QueriesAndRanges) {
     }
 }
 
-// No route out of the process knows the secrets: neither the whole emission, nor the log, nor the print
-// settings that are not named secret.
+// No output of the process contains the secrets: not the emission, not the log, and not the print settings
+// without a secret name.
 TEST_F(JobNotes, NothingSecretLeavesInPlain) {
     for (const char* first : {"*QVUserAuthPwd: 60", "*Resume: 60|Encrypt", "*QVOutProfile: 60|AESEncrypt"}) {
         for (const bool hasKeys : {true, false}) {
@@ -368,7 +372,7 @@ TEST_F(JobNotes, NothingSecretLeavesInPlain) {
             }
             EXPECT_EQ(all.find("TOPSECRET"), std::string::npos) << all;
             EXPECT_EQ(all.find("544F50534543524554"), std::string::npos)
-                << all; // the same as hexadecimal digits
+                << all; // the text in hexadecimal digits
             EXPECT_NE(all.find("%%ZANCustom1: for all\n"), std::string::npos) << all;
             EXPECT_NE(all.find("<for all>"), std::string::npos) << all;
         }

@@ -6,7 +6,7 @@
 
 namespace torka::tests {
 
-// What an emission reads, without a pane: a description, its settings and hardly anything beside them.
+// The data that an emission reads, without a pane: mainly a description and its settings.
 class PlainSource final : public EmissionSource {
 public:
     PlainSource(ZANPPD& model, PMPrintSettings printSettings)

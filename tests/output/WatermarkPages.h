@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// Jobs of two pages with a watermark, printed by Ghostscript, and the ink that is found on them.
+// Prints jobs of two pages with a watermark by Ghostscript, and measures the ink on them.
 
 namespace torka::tests {
 
@@ -19,16 +19,16 @@ constexpr int paperHeight = 500;
 constexpr int resolution = 72;
 
 struct Ink {
-    std::size_t count = 0; // pixels that are not white
-    double x = 0;          // where their middle is, points from the lower left
+    std::size_t count = 0; // number of pixels that are not white
+    double x = 0;          // their centre, in points from the lower left
     double y = 0;
-    double axis = 0; // degrees, 0 to 180, of the longest extent
-    int red = 0;     // of the last such pixel
+    double axis = 0; // direction of the longest extent in degrees, 0 to 180
+    int red = 0;     // colour of the last such pixel
     int green = 0;
     int blue = 0;
 };
 
-// The pages of a stream of binary PPM pictures.
+// Measures the pages in a stream of binary PPM pictures.
 inline std::vector<Ink> inkOfPages(const std::string& pictures) {
     std::vector<Ink> pages;
     std::istringstream in(pictures);
@@ -83,7 +83,7 @@ inline std::vector<Ink> inkOfPages(const std::string& pictures) {
     return pages;
 }
 
-// Ghostscript on a program, with more arguments. An error of PostScript fails the test.
+// Runs Ghostscript on a program, with further arguments. A PostScript error fails the test.
 inline std::string runGhostscript(const std::string& program, std::vector<std::string> more) {
     std::vector<std::string> command = {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE"};
     command.push_back("-r" + std::to_string(resolution));
@@ -102,12 +102,11 @@ inline std::vector<Ink> printPages(const std::string& program, std::vector<std::
     return inkOfPages(runGhostscript(program, std::move(more)));
 }
 
-// Two pages of their own making: one within save and restore, one that leaves its matrix, clip and
-// colour behind.
+// Two pages: one within save and restore, and one that leaves its matrix, clip and colour behind.
 inline constexpr const char* twoPages = "save 0 0 1 setrgbcolor 3 3 scale showpage restore\n"
                                         "90 rotate 0 -9 9 9 rectclip 1 setgray showpage\n";
 
-// A job that changes nothing for those after it.
+// A job that restores the state for later jobs.
 inline std::string job(const std::string& setup, const std::string& pages = twoPages) {
     return "/jobSave save def\n" + setup + pages + "clear jobSave restore\n";
 }

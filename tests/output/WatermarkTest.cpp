@@ -1,4 +1,4 @@
-// The record, the texts in their encodings, and the resources as Ghostscript prints them.
+// Tests the record, the texts in their encodings, and the resources as Ghostscript prints them.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/FeatureEmission.h"
@@ -36,7 +36,7 @@ TEST(Watermark, DefinitionIsReadFieldByField) {
         {"", false, 0, 0, 0, 0, 0, false, 0, 0, "", ""},
         {"-1,12", true, 12, 0, 0, 0, 0, false, 0, 0, "", ""},
         {"0,0,0,0,0,0,0,1,0,0,0,0,9,Font", false, 0, 0, 0, 0, 0, true, 0, 9, "Font", ""},
-        // The flag is exactly "1"; numbers end where they are none.
+        // Only "1" sets the flag. A number ends at its first character that is no digit.
         {"x,1x,--1,300,-5,99999999999999999999,0, 1,0,4.5,0,0,+12pt, F ,t", false, 1, 0, 255, 0, 255, false,
          4, 12, " F ", "t"},
         {"0,99999999999,-99999999999,0,0,0,0,01,0,2147483648,0,0,-2147483649,F,t", false, most, least, 0, 0,
@@ -81,7 +81,7 @@ TEST(Watermark, FontNamesCannotLeaveTheirPlace) {
     }
 }
 
-// Which encoding serves which language and font, against Python's codecs.
+// Compares the encoding for each language and font with Python's codecs.
 TEST(Watermark, TextsAreHexadecimalInTheFontsEncoding) {
     struct Case {
         const char *language, *font, *codec, *text;
@@ -161,7 +161,7 @@ struct Template {
     bool isClear;
 };
 
-// Each of the six resources. The composite fonts are not there, so that what stands in for them is printed.
+// The six resources. The composite fonts are missing, so that their substitutes are printed.
 constexpr Template templates[] = {
     {"Japanese", "Ryumin-Light-90ms-RKSJ-H", false},
     {"Japanese", "Ryumin-Light-90ms-RKSJ-H", true},
@@ -173,7 +173,7 @@ constexpr Template templates[] = {
 
 struct Turn {
     std::uint16_t orientation;
-    double x, y, axis; // of an offset of (60, 30) and an angle of 20 degrees
+    double x, y, axis; // for an offset of (60, 30) and an angle of 20 degrees
 };
 
 constexpr Turn turns[] = {
@@ -188,7 +188,7 @@ struct Controller {
     double x, y; // the page's centre
 };
 
-// None; one that does not tell its page's box; one that does, and leaves no trace of an error within.
+// No controller; one that does not give its page's box; one that gives it.
 constexpr Controller controllers[] = {
     {"", tests::paperWidth / 2.0, tests::paperHeight / 2.0},
     {"userdict /TorkaRMdict 4 dict put\n", tests::paperWidth / 2.0, tests::paperHeight / 2.0},
@@ -203,7 +203,7 @@ std::string resource(const Template& kind, std::uint16_t orientation, bool isFir
     return ZANWatermark(definition.c_str()).Resource(kind.language, orientation);
 }
 
-// Printed as one run a template, each job within save and restore.
+// Each template is printed in one run, with each job within save and restore.
 class WatermarkTemplate : public testing::TestWithParam<std::size_t> {};
 INSTANTIATE_TEST_SUITE_P(All, WatermarkTemplate, testing::Range(std::size_t{0}, std::size(templates)));
 
@@ -239,7 +239,7 @@ TEST_P(WatermarkTemplate, IsFoundWhereTheDefinitionPutsIt) {
     }
 }
 
-// What an interpreter of another kind may choke on: the frame, and no byte but ASCII.
+// Checks the points at which other interpreters may fail: the frame, and ASCII bytes only.
 TEST_P(WatermarkTemplate, HasItsFrame) {
     const std::string text = resource(templates[GetParam()], kPMLandscape, true, "x");
     EXPECT_TRUE(text.starts_with("%%ZAN Begin Watermark resource \n globaldict /landscapeDoc true put \n "
@@ -249,14 +249,14 @@ TEST_P(WatermarkTemplate, HasItsFrame) {
     EXPECT_LT(text.size(), 4300U);
 }
 
-// The clear ink is a plate of its own: nothing but it is printed.
+// The clear ink has its own plate, and the watermark marks no other plate.
 TEST(WatermarkPages, ClearInkIsAPlateOfItsOwn) {
     const tests::TemporaryFolder folder;
     const Template clear{"English", "Helvetica", true};
     tests::runGhostscript(
         tests::job(resource(clear, kPMPortrait, true, "HHHHHHHH"), "showpage\n"),
         {"-sDEVICE=tiffsep", "-sCompression=none", "-sOutputFile=" + (folder / "p.tif").string()});
-    // Ink is dark in a plate. Prints how much there is and its middle, from the upper left.
+    // Ink is dark in a plate. Prints the amount of ink and its centre from the upper left.
     const std::string script = R"(
 import struct, sys
 d = open(sys.argv[1], 'rb').read()
@@ -288,7 +288,7 @@ print(len(ink), sum(i % width for i in ink) // n, sum(i // width for i in ink) /
     EXPECT_NEAR(y, tests::paperHeight / 2.0 - 30, 2);
 }
 
-// The text runs the way the page is read: its heavy beginning lies before the middle.
+// The text runs in the page's reading direction: its heavy beginning lies before the centre.
 TEST(WatermarkPages, TextRunsTheWayThePageIsRead) {
     struct Case {
         std::uint16_t orientation;
@@ -317,7 +317,8 @@ TEST(WatermarkPages, TextRunsTheWayThePageIsRead) {
     }
 }
 
-// One watermark a page whatever the document did to showpage, and never a second one of the same job.
+// Each page has one watermark, even if the document redefines showpage, and a job's watermark never appears
+// twice.
 TEST(WatermarkPages, EveryWayToEndAPageCounts) {
     struct Case {
         const char *before, *after, *pages;
@@ -352,11 +353,11 @@ TEST(WatermarkPages, EveryWayToEndAPageCounts) {
             EXPECT_EQ(inks[i].count > 300, each.hasInk[i]) << each.before << each.after << i;
         }
     }
-    // A resource that stands in a job twice.
+    // A resource that a job contains twice.
     EXPECT_EQ(tests::printPages(tests::job(all + first)).at(1).count, 0U);
 }
 
-// Numbers, names and texts of any kind leave the job running and its stacks as they were.
+// With arbitrary numbers, names and texts the job still runs, and its stacks are unchanged.
 TEST(WatermarkPages, NothingStopsAJob) {
     std::string program = "userdict /TorkaRMdict 4 dict put TorkaRMdict /ZANPageBox "
                           "{1 2 [ 4 dict begin 5 dict begin undefinedname} put\n";
@@ -377,7 +378,7 @@ TEST(WatermarkPages, NothingStopsAJob) {
 }
 
 std::string compositeSetup() {
-    // A font that has Cyrillic letters plays the CIDFonts of a controller.
+    // A font with Cyrillic letters stands in for the CIDFonts of a controller.
     std::string map;
     for (const auto& [name, ordering] : {std::pair("Ryumin-Light", "Japan1"),
                                          {"Playing-Light", "Japan1"},
@@ -390,11 +391,11 @@ std::string compositeSetup() {
     return map;
 }
 
-// With fonts for the script, each template is set in them, and shows what its text says.
+// With fonts for the script, each template uses them and shows its text.
 TEST(WatermarkPages, CompositeFontsShowTheText) {
     const tests::TemporaryFolder folder;
     folder.Write("cidfmap", compositeSetup());
-    // What a controller keeps under this name: here the CMap of another collection under the awaited name.
+    // Stands in for a controller's CMap: the CMap of another collection under the expected name.
     const std::string extended =
         "/CIDInit /ProcSet findresource begin 12 dict begin begincmap /UniJIS-UTF8-H usecmap\n"
         "/CMapName /ZANMyriad-Latin-Extended-A-UTF8 def CMapName currentdict endcmap\n"
@@ -444,7 +445,7 @@ TEST(WatermarkPages, CompositeFontsShowTheText) {
     }
 }
 
-// Without the controller's font the letters of the four languages are still there, as Helvetica has them.
+// Without the controller's font, the letters of the four languages are printed in Helvetica.
 TEST(WatermarkPages, ExtendedLettersWithoutTheirFont) {
     const std::string letters =
         "\u0104\u0105\u0106\u0107\u0118\u0119\u0141\u0142\u0143\u0144\u00d3\u00f3\u015a\u015b"
@@ -454,7 +455,7 @@ TEST(WatermarkPages, ExtendedLettersWithoutTheirFont) {
     const std::string program =
         tests::job(resource({"Russian", "X", false}, kPMPortrait, false, letters.c_str(), "0", "0,0", 4),
                    "showpage showpage ZANWMString {ZANWMFont /Encoding get exch get =} forall\n");
-    // Names of the Adobe Glyph List, but for what Unicode calls differently.
+    // Names of the Adobe Glyph List, except for letters whose Unicode names differ.
     const std::string expected = runPython(R"(
 import sys, unicodedata
 special = {'\u20ac': 'Euro', '\u2116': 'afii61352', '-': 'hyphen', '\u793e': 'question', '\u0131': 'dotlessi',
@@ -505,7 +506,7 @@ TEST(WatermarkEmission, OneEntryBeforeTheScaleUnlessTooLong) {
     with.erase(place);
     EXPECT_EQ(with, without);
 
-    // The longest text that fits, and one letter more: two digits a letter.
+    // The longest text that fits, and one letter more. A letter takes two digits.
     const std::size_t room = 5119 - ZANWatermark(fields.c_str()).Resource("Japanese", kPMLandscape).size();
     for (const std::size_t length : {room / 2, room / 2 + 1}) {
         ZANWatermark longOne((fields + std::string(length, 'x')).c_str());

@@ -10,8 +10,8 @@
 namespace torka::tests {
 namespace {
 
-// The rules of the flag words written out one by one, as a table of sets: which characters each combination
-// accepts, without the order of the tests.
+// The rules of the flag words as sets: the characters that each combination accepts. Unlike the code under
+// test, it does not depend on the order of the checks.
 std::string acceptedBySets(std::uint32_t flags) {
     const auto has = [flags](std::uint32_t flag) { return (flags & flag) != 0; };
     const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";

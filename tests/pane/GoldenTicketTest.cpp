@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <fstream>
 
-// Whole tickets beside the ones that were reviewed line by line (tests/pane/golden). A ticket that differs is
-// written to golden/ in the build folder, to be compared with diff.
+// Compares whole tickets with those in tests/pane/golden, which were reviewed line by line. Writes a ticket
+// that differs to golden/ in the build folder, for diff.
 
 namespace torka::tests {
 
@@ -22,20 +22,20 @@ using Texts = std::vector<std::pair<const char*, const char*>>;
 
 struct Situation {
     std::string name;
-    std::string sample = {};      // file in samples/, "" for `description`
-    std::string description = {}; // text of a small one
+    std::string sample = {};      // file in samples/; "" to use `description`
+    std::string description = {}; // text of a small description
     Texts values = {};
     bool isTwoWay = false;
     std::uint16_t orientation = kPMPortrait;
     HostApplication host = {"org.torka.editor", "2.1", "Page Editor"};
     Texts accounts = {};
-    int pagesASheet = 1; // side by side
+    int pagesASheet = 1; // placed side by side
     bool isPageSizeFromSystem = false;
     bool isPrinted = false;
     Texts mixedMedia = {}, padCovers = {}, slipSheets = {}, coverPages = {};
     const char* watermark = "";
-    // Keyword and text of notes beside controls of the same keyword, as a panel makes them for choices that
-    // come from the controller.
+    // Keywords and texts of notes beside controls of the same keywords. A panel makes such notes for choices
+    // that the controller supplies.
     Texts madeNotes = {};
 };
 
@@ -45,7 +45,7 @@ std::string specialOption(const std::string& keyword, const std::string& value) 
     return "*%ZANSpecialOption *" + keyword + ": " + value + "\n";
 }
 
-// Every control that has a step of its own, and one that has none.
+// Every control with special handling, and one without.
 std::string smallDescription(const std::string& version, const std::string& language = "English",
                              const std::string& makerVersion = "4.2", const std::string& more = {}) {
     return paneHeader + "*LanguageVersion: " + language + "\n*%QVVersion: \"" + makerVersion + "\"\n" +
@@ -124,7 +124,7 @@ void prepare(Pane& pane, const Situation& situation) {
         auto* note =
             new PPDXJobNote(keyword, cfString(keyword), nullptr, nullptr, 0, nullptr, 255, jobNoteUTF8, 0);
         note->SetNotes(text);
-        pane.model->GetControls()->Add(note); // owns it
+        pane.model->GetControls()->Add(note); // takes the ownership
     }
     if (situation.watermark[0] != '\0') {
         data.Watermarks().Append(std::make_unique<ZANWatermark>(situation.watermark));
@@ -162,7 +162,7 @@ const Situation situations[] = {
      .orientation = kPMReversePortrait,
      .accounts = {{"*QVPCMID", "12"}, japanesePaper[0]}},
     {.name = "defects", .sample = "torka-defects.ppd"},
-    // The control bar and the catalogue's text by version.
+    // The control bar and the catalogue's text depend on the version.
     {.name = "version-0",
      .description = smallDescription("", "Japanese", "3.1"),
      .values = {{"*QVControlBar", "Wide"}, {"*QVPrintSize", "Letter"}},
@@ -199,7 +199,7 @@ const Situation situations[] = {
      .description = smallDescription("7"),
      .values = {{"*QVControlBar", "True"}},
      .isTwoWay = true},
-    // Two-way communication off: notes of colours are emptied, no control bar, no catalogue.
+    // With two-way communication off, notes of colours are emptied; control bar and catalogue are missing.
     {.name = "two-way-off",
      .description = english,
      .values = {{"*QVControlBar", "Wide"}, {"*QVPrintSize", "A4"}, {"*QVScale", "5"}},
@@ -260,13 +260,13 @@ TEST_P(GoldenTicket, IsTheReviewedOneAndItsDocumentRuns) {
         ADD_FAILURE() << "diff " << golden << " " << (folder / (situation.name + ".txt")).string();
     }
 
-    // The file destination is told to the printer when a job is printed, and only then.
+    // The printer receives the file destination only when a job is printed.
     ASSERT_EQ(pane.printer->sent.size(), situation.isPrinted ? 1U : 0U);
     if (situation.isPrinted) {
         EXPECT_EQ(utf8Text(pane.printer->sent[0].title), "Command_PSQVDestination");
         EXPECT_EQ(utf8Text(pane.printer->sent[0].command), "/Library/Caches/ZAN/proofs");
     }
-    // Same input, same bytes.
+    // The same input gives the same bytes.
     ZANJobTicket again(&dictionary, pane.settings, cfString("ZAN.PSData"));
     pane.data->OutPostscriptData(again, pane.session, EmissionPurpose::keepSettings);
     EXPECT_EQ(shown(again), text);

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-// The copy of the description, the controller's address, questions about controls, quick access and
+// Tests the copy of the description, the controller's address, queries about controls, quick access and
 // watermarks.
 
 namespace torka::tests {
@@ -24,7 +24,7 @@ TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
     struct Case {
         int minorVersion;
         std::string name;
-        std::string copyPath; // "" for the file's own
+        std::string copyPath; // "" for the description's own path
         std::string writtenTo;
     };
     const std::string hostile = "a\"; touch x; `id` $(id) %s %n.ppd";
@@ -75,7 +75,8 @@ TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
         EXPECT_TRUE(pane.data->isFirstLaunch());
         EXPECT_EQ(utf8Text(pane.data->GetPrinterAddress()), each.address);
         EXPECT_FALSE(pane.data->isBIDIEnabled());
-        // An entry with the queue's address stands in the list now; an empty one is asked of the queue again.
+        // The list now has an entry with the queue's address. With an empty address the pane asks the queue
+        // again.
         pane.Open();
         EXPECT_EQ(pane.data->isFirstLaunch(), each.address[0] == '\0');
         EXPECT_EQ(utf8Text(pane.data->GetCorvianPrinterAddress()), each.address);
@@ -90,7 +91,7 @@ TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
     EXPECT_TRUE(pane.data->ResetCorvianPrinterList());
     EXPECT_FALSE(pane.data->isBIDIEnabled());
 
-    // What is no list counts as none.
+    // A property list that is no array counts as no list.
     *pane.addressList = "<plist version=\"1.0\"><string>Press</string></plist>";
     EXPECT_FALSE(pane.data->ResetCorvianPrinterList());
     EXPECT_FALSE(pane.data->isBIDIEnabled());
@@ -151,7 +152,7 @@ TEST(PDEData, ControlsOfTheBasicPanel) {
                 valid.emplace_back(control->Keyword());
             }
         });
-        // The table names the slip sheet's catalogue without its asterisk, so it hides nothing.
+        // The table names the slip sheet's catalogue without an asterisk, so that the entry hides nothing.
         std::vector<std::string> expected = {"*QVDuplex"};
         if (!hasCurve) {
             expected.emplace_back("*QVColorMode");

@@ -83,7 +83,7 @@ TEST_F(Small, ResolvesInOneStepAndKeepsWhatWasEditedLast) {
 
 TEST_F(Small, LeavesInstalledOptionsAsTheyAre) {
     editor.SetValue("*Staple", "Top");
-    pane.Set("*Finisher", "None"); // a conflict that no click made
+    pane.Set("*Finisher", "None"); // causes a conflict without a click
     editor.Refresh();
     ASSERT_EQ(editor.Conflicts().size(), 1U);
     ASSERT_TRUE(editor.Resolve());
@@ -167,7 +167,7 @@ TEST_F(EditorTest, ShowsTheSample) {
     EXPECT_TRUE(editor.Conflicts().empty());
 }
 
-// Random small descriptions against an oracle that knows the lines only.
+// Compares random small descriptions with an oracle that knows only the lines.
 TEST_F(EditorTest, AgreesWithThePlainReadingOfTheLines) {
     std::mt19937 random(7);
     const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };

@@ -10,8 +10,7 @@
 #include <string_view>
 #include <vector>
 
-// A pane's data over a small description, print settings in memory and an address list that is kept in a
-// string.
+// A pane's data with a small description, print settings in memory, and an address list in a string.
 
 namespace torka::tests {
 
@@ -41,7 +40,7 @@ inline std::string jobNote(const std::string& keyword, const std::string& flags 
            keyword + "/" + keyword + " name: " + flags + "\n*%" + keyword + ": \"% (<*" + keyword + ">)\"\n";
 }
 
-// Lines of a management template, as a description carries them.
+// The lines by which a description carries a management template.
 inline std::string templateLines(std::string_view xml) {
     std::string text;
     while (!xml.empty()) {
@@ -69,10 +68,10 @@ private:
 struct Pane {
     explicit Pane(const std::string& text, const std::string& fileName = "small.ppd")
         : Pane(text, fileName, {}) {}
-    // A description that is a file already.
+    // A pane with the description in an existing file.
     static Pane OfFile(const std::string& path) { return Pane({}, {}, path); }
 
-    // A new panel on the same queue and print settings.
+    // Opens a new panel for the same queue and print settings.
     void Open() {
         data =
             std::make_unique<PDEData>(model.get(), cfString("Press"), QueueAccess{session, {}},

@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-// A print dialog with nothing on the screen: the panel's widgets, its queue, its bundle and its system are in
-// memory; the description is a file behind a symbolic link, as a spooler gives it.
+// A print dialog without a screen. The panel's widgets, queue, bundle and system are in memory. The
+// description is a file behind a symbolic link, as a spooler supplies it.
 
 namespace torka::tests {
 
@@ -49,7 +49,7 @@ public:
 struct MemoryWidgets {
     std::map<PaneOutlet, std::string> texts;
     std::map<PaneOutlet, bool> hidden;
-    std::map<PaneOutlet, double> shifts; // of the frames' lower edge
+    std::map<PaneOutlet, double> shifts; // shifts of the frames' lower edges
     std::vector<std::string> observed;
     std::function<void()> painted;
     int drawn = 0;
@@ -146,7 +146,7 @@ struct Bench {
         dialog->printer->ppdPath = (folder / "link").string();
         dialog->printer->makeAndModel = "Torka Production 90";
         dialog->printer->deviceUri = "socket://10.0.0.7";
-        // The queue's filter does what it is told at once.
+        // The queue's filter runs each command at once.
         dialog->printer->onSend = [this](const MemoryPrinter::SentCommand& sent) {
             spooler->jobs.push_back({static_cast<int>(spooler->jobs.size()) + 1, utf8Text(sent.title),
                                      "Press", jobStateCompleted});
@@ -184,7 +184,7 @@ struct Bench {
     std::vector<std::string> SentTitles() const {
         std::vector<std::string> titles;
         for (const auto& sent : dialog->printer->sent) {
-            // Without the UUIDs that some titles end in.
+            // Removes the UUIDs at the end of some titles.
             const std::string title = utf8Text(sent.title);
             titles.push_back(title.substr(0, title.find("00000000-")));
         }

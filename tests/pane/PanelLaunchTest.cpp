@@ -7,7 +7,7 @@
 
 #include <gmock/gmock.h>
 
-// Launches of a Job Properties module, and every way in which one ends.
+// Launches of a Job Properties module, with every possible end.
 
 namespace torka::tests {
 
@@ -47,7 +47,7 @@ protected:
         loop = made.get();
         setMainEventLoop(std::move(made));
     }
-    // The pane can be used, and what it shows is what the model holds.
+    // Checks that the pane is usable and shows the model's values.
     void ExpectUsable(int timesDrawn) const {
         EXPECT_THAT(services.buttons, ElementsAre(std::pair{"defaults", true}, std::pair{"properties", true},
                                                   std::pair{"quick access", true}));
@@ -92,7 +92,7 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
         EXPECT_TRUE(view.isGrey);
         EXPECT_EQ(fieldText(panel->Record().bidiEnabled), "1");
         EXPECT_EQ(fieldText(panel->Record().printerAddress), "10.0.0.9");
-        panel->LaunchJobProperties(0); // a click that came all the same
+        panel->LaunchJobProperties(0); // a click in spite of the disabled button
         Change(L"QVDuplex", L"Tumble");
         Change(L"PresetName", L"Glossy");
         Change(L"QVOutProfile", L"Of the server");
@@ -112,13 +112,13 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
     EXPECT_EQ(services.timesInFront, 1);
     EXPECT_THAT(Titles(), IsEmpty());
 
-    // The preset counts as long as nothing is changed; typing or choosing another way forgets it.
+    // The preset holds until a setting changes; the change clears its name.
     EXPECT_EQ(valueOf(pane, "*PresetName"), "Glossy");
     panel->GetCustomizePane().resetJPServerpresetKeys();
     EXPECT_EQ(valueOf(pane, "*PresetName"), "");
     EXPECT_TRUE(panel->compareJPServerPresets());
 
-    // The watermarks are those of the printer from now on.
+    // The printer has stored the watermarks.
     pane.Open();
     panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
     ASSERT_EQ(pane.data->Watermarks().Count(), 1u);
@@ -186,12 +186,12 @@ TEST_F(PanelLaunch, WithoutAModuleNoLaunchStarts) {
         harm();
         alertsShown->shown.clear();
         unloadJobPropertiesLibrary();
-        setField(panel->Record().jpResult, "0"); // nothing of it counts as accepted
+        setField(panel->Record().jpResult, "0"); // must not count as accepted
         panel->LaunchJobProperties(0);
         EXPECT_THAT(Titles(), ElementsAre("The full properties are not installed"));
     }
     EXPECT_THAT(module.calls, IsEmpty());
-    EXPECT_THAT(services.buttons, IsEmpty()); // they were never switched off
+    EXPECT_THAT(services.buttons, IsEmpty()); // the buttons were never disabled
     EXPECT_EQ(panel->getReturnFromJP(), 0);
     EXPECT_FALSE(panel->isModuleInstalled(false));
     EXPECT_EQ(alertsShown->shown.size(), 1u);
@@ -222,7 +222,7 @@ TEST_F(PanelLaunch, ThePanelMayEndWhileTheWindowIsOpen) {
     };
     panel->LaunchJobProperties(0);
     EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
-    EXPECT_FALSE(gIgnoreButtonEvents || sharedListCopyFromJP); // which may be secret
+    EXPECT_FALSE(gIgnoreButtonEvents || sharedListCopyFromJP); // the copy may hold secrets
 }
 
 TEST_F(PanelLaunch, ThousandsOfEntriesAndOverlongValuesComeBackBounded) {
@@ -254,7 +254,7 @@ TEST_F(PanelLaunch, AModuleInAWindowOfItsOwnIsWatched) {
     EXPECT_EQ(panel->getReturnFromJP(), 1);
     EXPECT_EQ(loop->Installed(), 0u);
 
-    // Its panel may be gone by then; and without a loop the buttons are not kept from working for ever.
+    // The panel may be gone when the timer fires. Without a loop the buttons must not stay disabled.
     setField(panel->Record().jpResult, "-1");
     SetTimerCheckForJPReturn();
     panel.reset();

@@ -5,7 +5,7 @@
 
 #include <random>
 
-// What the Job Properties module is handed, and what becomes of what it returns.
+// Tests the settings that the Job Properties module receives, and the handling of its results.
 
 namespace torka::tests {
 
@@ -55,7 +55,7 @@ struct Exchange {
         panel->GetDefaultSettings(list);
         return pairsOf(list.List());
     }
-    // What the module returned, through the record.
+    // Passes the module's settings through the record to the panel.
     void Return(const std::vector<std::pair<std::string, std::string>>& settings) {
         KeyValueList list;
         for (const auto& [key, value] : settings) {
@@ -109,7 +109,7 @@ TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
         CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), cfString("Banner")}}));
     ASSERT_TRUE(exchange.panel->GetOSPageSize());
     const std::vector<std::string> settings = exchange.Settings();
-    // Dynamic popups at their default are left out; one that is not dynamic is not.
+    // Dynamic popups with their default are left out; other popups are not.
     EXPECT_THAT(settings,
                 ElementsAre("QVUTF8_Version=6", "QVDuplex=Tumble", "QVBright=0", "QVMarks=Fold,Color",
                             "Collate=False", "QVScale=100", "QVShift=0.000",
@@ -121,7 +121,7 @@ TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
                             "*QV_COPIES=1", "num copies=1"));
 }
 
-// Every state that the controls can be brought into comes through the record unchanged.
+// The record keeps every reachable state of the controls.
 TEST(PanelSettings, RoundTripChangesNothing) {
     std::mt19937 random(7);
     const std::string marked = "\xEF\xBB\xBF"
@@ -147,7 +147,7 @@ TEST(PanelSettings, RoundTripChangesNothing) {
             ->SetValue(static_cast<float>(random()) / 4e9F * 100 - 50);
         const std::string notes[] = {"", "Rush", "a,b=\n\"c\" \xE5\x8D\xB0", marked, longNote, longMarked};
         pane.Set("*Notes1", notes[random() % std::size(notes)].c_str());
-        pane.Set("*Short", notes[random() % std::size(notes)].c_str()); // longer than declared
+        pane.Set("*Short", notes[random() % std::size(notes)].c_str()); // may exceed the declared length
         pane.Set("*CustomPrintSize", random() % 2 == 0 ? "0.1 99999" : "595.4 841.6");
         exchange.panel->makeJobNotesForSpecialControls();
         pane.data->MixedMediaList().Append({L"*RangeProp1", L"EFBBBF1-3"}); // as the record writes a mark
@@ -260,7 +260,7 @@ TEST(PanelSettings, GarbageChangesNothing) {
         {"*QV_COPIES", "0"},
         {"*QV_COPIES", "-2"},
         {"*QV_COPIES", "10000"},
-        {"QVUTF8_Version", "1"}, // nobody sets a special option
+        {"QVUTF8_Version", "1"}, // special options cannot be set
         {"*", "x"},
         {"", ""},
         {std::string(5000, 'k'), "x"},
@@ -276,14 +276,14 @@ TEST(PanelSettings, GarbageChangesNothing) {
     EXPECT_EQ(valueOf(exchange.pane, "*QVShift"), "-50.000");
     EXPECT_EQ(exchange.pane.data->Watermarks().SelectedIndex(), WatermarkList::noSelection);
 
-    // Null texts, and counts without items, are nothing either.
+    // Null texts, and counts without items, also change nothing.
     SDMKeyValue nothing[] = {{nullptr, nullptr}, {const_cast<wchar_t*>(L"QVDuplex"), nullptr}};
     exchange.panel->SetUpdatedSettings({2, nothing});
     exchange.panel->SetUpdatedSettings({5, nullptr});
     EXPECT_EQ(valueOf(exchange.pane, "*QVDuplex"), "None");
 }
 
-// 3,000 entries are taken, whatever they are; the lists keep to their capacity.
+// The panel takes at most 3,000 entries, and the lists keep their capacities.
 TEST(PanelSettings, FloodIsBounded) {
     Exchange exchange(false);
     std::vector<std::pair<std::string, std::string>> flood;
@@ -303,7 +303,7 @@ TEST(PanelSettings, FloodIsBounded) {
     EXPECT_EQ(exchange.pane.data->PadCoverList().Count(), exchange.pane.data->PadCoverList().Capacity());
 }
 
-// What had no room in the record is still there when the module returns.
+// Values that did not fit the record are still present after the module returns.
 TEST(PanelSettings, WhatTheModuleNeverSawStays) {
     Exchange exchange(false);
     PDEData& data = *exchange.pane.data;
@@ -321,7 +321,7 @@ TEST(PanelSettings, WhatTheModuleNeverSawStays) {
     const std::size_t seen = watermarkDefinitions(*record).size();
     ASSERT_LT(seen, 15u);
     const std::vector<std::string> before = exchange.Settings();
-    // The module adds one in front and takes two away.
+    // The module adds one definition at the front and removes two.
     std::vector<std::string> edited = watermarkDefinitions(*record);
     edited.erase(edited.end() - 2, edited.end());
     edited.insert(edited.begin(), "0,0,0,0,0,0,0,0,0,0,0,0,9,Courier,New");
@@ -331,9 +331,9 @@ TEST(PanelSettings, WhatTheModuleNeverSawStays) {
     EXPECT_EQ(data.Watermarks().Count(), 19u);
     EXPECT_EQ(data.Watermarks().At(0)->Text(), "New");
     EXPECT_EQ(data.Watermarks().Selected(), chosen);
-    exchange.Return({{"*QV_WATERMARK", "15"}}); // as it was handed over
+    exchange.Return({{"*QV_WATERMARK", "15"}}); // unchanged
     EXPECT_EQ(data.Watermarks().Selected(), chosen);
-    EXPECT_EQ(data.MixedMediaList().Count(), 0u); // all of them had room
+    EXPECT_EQ(data.MixedMediaList().Count(), 0u); // all entries had fitted the record
 }
 
 } // namespace

@@ -59,7 +59,7 @@ TEST(Presets, AreSavedAppliedRenamedAndRemoved) {
     EXPECT_EQ(kept.Get("*QVFold"), "Half");
     EXPECT_EQ(kept.Get("*QVDuplex"), "None");
     EXPECT_EQ(kept.Get("*QVNotes1"), "B\xC3\xBCro <1> & \"2\"");
-    EXPECT_EQ(kept.Get("*PageSize"), "A4"); // the dialog's own
+    EXPECT_EQ(kept.Get("*PageSize"), "A4"); // from the dialog's own tabs
     EXPECT_THAT(pairsOf(kept.pane.data->MixedMediaList().Entries()),
                 ElementsAre("*MM_A1=Cover \xE6\x97\xA5"));
     EXPECT_EQ(kept.pane.data->AccountPairs()[1].value, L"42");
@@ -96,7 +96,7 @@ print([p["Name"] for p in root["Presets"]], root["LastUsed"]["Values"]["*QVDuple
 )PY",
                                        {}, kept.File());
     EXPECT_EQ(read, "['A'] None\n");
-    // One that someone wrote into the file is not taken.
+    // A secret that somebody wrote into the file is ignored.
     std::string& file = kept.File();
     file.replace(file.find("<key>*QVDuplex</key>"), 20, "<key>*QVSecret</key>");
     kept.Set("*QVSecret", "");
@@ -171,7 +171,7 @@ TEST(Presets, WhatCannotBeWrittenOrReadLosesNothing) {
         EXPECT_THAT(kept.store.Names(), IsEmpty()) << broken;
         EXPECT_EQ(kept.store.ApplyLastUsed(), Result::notFound);
     }
-    // Values of a wrong kind, choices that are none, lists without end.
+    // Values of a wrong kind, unknown choices, lists that are too long.
     kept.File() =
         start +
         "<dict><key>LastUsed</key><dict><key>Values</key><dict><key>*QVFold</key><string>None</string>"

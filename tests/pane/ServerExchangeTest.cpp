@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 using Answer = ServerExchange::Answer;
 
-// Counts what a person would see of waits.
+// Records the waits that a person would see.
 class MemoryWaits final : public WaitPresenter {
 public:
     struct Seen {

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-// Settings without a control: into the print settings and back, whatever those hold.
+// Settings without a control: saved to the print settings and restored from arbitrary values.
 
 namespace torka::tests {
 
@@ -49,7 +49,7 @@ TEST(PDEDataSettings, SavedAndRestoredAndSavedIsTheSame) {
     EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
     expectSame(first, pane.settings->CopyAsDictionary());
 
-    // Account pairs are restored but never stored by this; the first-page flag is set by whatever is stored.
+    // Account pairs are restored but never stored here. Any stored value sets the first-page flag.
     pane.Store("*QVPCName", cfString("Account 7"));
     EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
     EXPECT_THAT(
@@ -98,7 +98,7 @@ TEST(PDEDataSettings, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
         EXPECT_EQ(pane.data->PaperCatalogue()[1].value, L"-1");
         EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
     }
-    // A count that is no number leaves the list as it is, and a slot without texts keeps those it has.
+    // A count that is no number leaves the list unchanged. A slot without stored texts keeps its texts.
     pane.Store(".MMKey", cfString("1"));
     pane.Store("MMKey0", nullptr);
     pane.Store("MMValue0", CFNumberCreate(1));

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-// What the management template hides, locks and sets.
+// Tests the settings that the management template hides, locks and sets.
 
 namespace torka::tests {
 
@@ -31,13 +31,13 @@ TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
         {start + "<Show></Show></Category>", false},
         {start + "<Show></Show>" + hidden + "</Category>", false},
         {"<Category name=\"Other\"><Show>" + hidden + "</Show></Category>", false},
-        // The value belongs to the entry only before its end.
+        // A value behind the entry's end does not belong to it.
         {start + "<Show><ZANPPD key=\"QVDuplex\"/> value=\"False\"</Show></Category>", false},
         {start + "<Show><ZANPPD key=\"QVDuplex\"/><ZANPPD key=\"X\" value=\"False\"/></Show></Category>",
          false},
         {start + "<Show><ZANPPD key=\"QVDuplex\" value=\"True\"/>" + "</Show></Category>", false},
         {start + "<Show><ZANPPD key=\"QVDuplex\" value=\"False\"</Show></Category>", false},
-        // An entry without end runs into the next, wherever that is.
+        // An entry without an end continues into the next entry, even outside its section.
         {start + "<Show><ZANPPD key=\"QVDuplex\"</Show></Category> value=\"False\"/>", true},
         {start + "<Show><ZANPPD key=\"QVDuplexX\" value=\"False\"/></Show></Category>", false},
     };
@@ -91,7 +91,7 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     EXPECT_NE(told.find("DMT Control Key"), std::string::npos);
     EXPECT_THAT(pairsOf(pane.data->MixedMedia()), ElementsAre("*MM_A1=\xE5\x8D\xB0", "*RangeNum=2"));
     EXPECT_THAT(pairsOf(pane.data->PadCovers()), ElementsAre("PadCoverFront=yes"));
-    // Filled from the first slot on while the count goes on from where it stood.
+    // The slots are filled from the first one, but the count continues from its old value.
     EXPECT_THAT(pairsOf(pane.data->SlipSheets()), ElementsAre("SlipSheet_B=slip b", "SlipSheet_C=", "="));
     EXPECT_THAT(pairsOf(pane.data->CoverPages()), ElementsAre("CoverPage_A=cover"));
     EXPECT_THAT(pairsOf(pane.data->PaperCatalogue()),
@@ -107,7 +107,7 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     EXPECT_EQ(pane.Stored("*CustomPrintSize"), "300 400");
     EXPECT_EQ(pane.Stored("MM_B1"), "");
 
-    // Once in a panel's life: what the user changed since stays.
+    // The template is applied once for a panel: later changes by the user stay.
     pane.data->MixedMediaList().SetCount(0);
     EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
     EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);

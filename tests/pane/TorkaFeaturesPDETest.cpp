@@ -47,7 +47,7 @@ TEST(PlugIn, GivesPanelsOfOneTypeForListedPrintersOnly) {
     const CapturingLog log;
     EXPECT_FALSE(plugIn->PDEPanelsForType(type, bench.dialog));
     EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("PrinterList.plist is missing or broken")));
-    // A panel that was not made leaves the one that is alone.
+    // A failed creation leaves the existing panel unchanged.
     EXPECT_EQ(sTorkaFeaturesPDE, panels->front().get());
 }
 
@@ -78,9 +78,9 @@ TEST(Panel, StartsInOrder) {
     ASSERT_NE(thePMPrinter, nullptr);
     EXPECT_EQ(*thePMPrinter, bench.dialog->printer);
     EXPECT_EQ(bench.Stored("PCFILENAME"), "SMALL.PPD");
-    EXPECT_EQ(bench.Stored("*QVDuplex"), "None"); // Sync has written the settings
+    EXPECT_EQ(bench.Stored("*QVDuplex"), "None"); // written by Sync
     EXPECT_EQ(utf8Text(panel->bundleVersion()), "1.2");
-    // Without popup notes the interface waits until it is asked for.
+    // Without popup notes the interface is loaded only when it is needed.
     EXPECT_TRUE(hasNoPopupJobNotes());
     EXPECT_EQ(bench.loads, 0);
     EXPECT_NE(panel->panelView(), nullptr);
@@ -94,7 +94,7 @@ TEST(Panel, NothingIsSentBeforeThePaneWasPainted) {
     const auto panel = bench.OpenShown();
     ASSERT_TRUE(panel);
     EXPECT_THAT(bench.SentTitles(), IsEmpty());
-    // What is held back counts already.
+    // The deferred address already holds.
     EXPECT_EQ(utf8Text(panel->GetPDEDataPtr()->GetCorvianPrinterAddress()), "10.0.0.7");
     ASSERT_TRUE(bench.widgets.painted);
     bench.widgets.painted();
@@ -138,7 +138,7 @@ TEST(Panel, QueueNamesComeFromTheLastComponent) {
     }
     EXPECT_TRUE(TorkaFeaturesPDE::getQueuePPDName("/a/Pr.ppd.ppdess.ppd"));
     EXPECT_EQ(sessionQueueName, "Press");
-    // What comes together when a suffix is taken out is no suffix.
+    // A suffix that the removal of another suffix creates is not removed.
     EXPECT_TRUE(TorkaFeaturesPDE::getQueuePPDName("/a/P.p.ppdpd"));
     EXPECT_EQ(sessionQueueName, "P.ppd");
     EXPECT_TRUE(TorkaFeaturesPDE::getQueuePPDName("/a/" + std::string(400, 'q') + ".ppd"));
@@ -160,7 +160,7 @@ TEST(Panel, SettingsOfThisDescriptionAloneAreRestored) {
         bench.Store("*QVFold", cfString("Half"));
         const auto panel = bench.Open();
         EXPECT_EQ(valueOf(*panel, "*QVFold"), test.expected) << (test.pcFileName ? test.pcFileName : "none");
-        // From then on the print settings are this pane's.
+        // Afterwards the print settings belong to this pane.
         bench.Store("*QVFold", cfString("Half"));
         EXPECT_TRUE(panel->restoreValuesAndReturnError(nullptr));
         EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
@@ -168,8 +168,8 @@ TEST(Panel, SettingsOfThisDescriptionAloneAreRestored) {
 }
 
 TEST(Panel, NoPointerNamesAPanelThatIsGone) {
-    // Panels by letter in the order of their making; then the order of their ends, with the current and the
-    // saved panel after each.
+    // Panels by letter in the order of creation; then the order of their ends, each with the current and the
+    // saved panel after it.
     struct End {
         char panel;
         char current;
@@ -183,7 +183,7 @@ TEST(Panel, NoPointerNamesAPanelThatIsGone) {
         {"a", {{'a', '-', '-'}}},
         {"ab", {{'a', 'b', '-'}, {'b', '-', '-'}}},
         {"ab", {{'b', 'a', '-'}, {'a', '-', '-'}}},
-        // The first end of three does not count.
+        // The end of the first of three panels changes nothing.
         {"abc", {{'a', 'c', 'b'}, {'b', 'c', '-'}, {'c', '-', '-'}}},
         {"abc", {{'b', 'c', '-'}, {'c', '-', '-'}, {'a', '-', '-'}}},
         {"abc", {{'c', 'b', '-'}, {'b', '-', '-'}, {'a', '-', '-'}}},
@@ -223,7 +223,7 @@ TEST(Panel, TheRootViewMayOutliveIt) {
     panel.reset();
     EXPECT_EQ(bench.widgets.quickAccessCancels, 1);
     EXPECT_EQ(view.use_count(), 1);
-    painted(); // nobody is there any more
+    painted(); // called after the panel's end
     EXPECT_EQ(UI_Panel::mPPD, nullptr);
 }
 
@@ -243,7 +243,7 @@ TEST(Panel, AnswersWithoutWork) {
     EXPECT_EQ(panel->summaryInfo(), nullptr);
     EXPECT_TRUE(panel->shouldShowHelp());
     bench.bundle->info[u"CFBundleHelpBookName"] = cfString("Torka Help");
-    EXPECT_TRUE(panel->shouldShowHelp()); // no viewer
+    EXPECT_TRUE(panel->shouldShowHelp()); // without a viewer
     setHelpViewer([](const CFStringRef& book, const CFStringRef& page, const CFStringRef&) {
         return utf8Text(book) == "Torka Help" && !page ? noErr : fnfErr;
     });
@@ -262,7 +262,7 @@ TEST(Panel, WorksWithoutAnInterface) {
     const auto panel = bench.Open();
     ASSERT_TRUE(panel);
     EXPECT_EQ(panel->panelView(), nullptr);
-    EXPECT_EQ(bench.loads, 1); // not tried again
+    EXPECT_EQ(bench.loads, 1); // without a second attempt
     EXPECT_TRUE(panel->willShow());
     EXPECT_TRUE(panel->shouldHide());
     panel->customizeQuickAccessButtonClicked();
@@ -285,7 +285,8 @@ TEST(Panel, LongPrinterNamesEndAtABlank) {
         bench.dialog->printer->makeAndModel = test.name;
         const auto panel = bench.OpenShown();
         EXPECT_EQ(bench.widgets.texts[PaneOutlet::printerName], test.shown);
-        // Once there is a name, showing asks for none; a refresh only happens where the name cannot be had.
+        // With a known name, willShow does not ask for it again. It refreshes only when the name is
+        // unavailable.
         bench.dialog->printer->makeAndModel = "Other";
         panel->willShow();
         panel->updateUI();
@@ -296,9 +297,9 @@ TEST(Panel, LongPrinterNamesEndAtABlank) {
 TEST(Panel, CustomPapersAreToldFromTheSystemsTicket) {
     struct Case {
         const char* name;
-        int custom; // -1: the system does not say
+        int custom; // -1 when the system does not say
         int minorVersion;
-        const char* expected; // null: none
+        const char* expected; // null for none
     };
     for (const Case& test :
          {Case{"tabloid", 1, 15, "Tabloid"}, Case{"SRA3", 1, 9, "SRA3"}, Case{"Mine", 1, 15, "Custom"},
@@ -383,17 +384,17 @@ TEST(Panel, PrintingSendsTheTicketAndKeepsTheSettings) {
     EXPECT_EQ(utf8Text(bench.dialog->printer->sent[0].command), path);
     EXPECT_THAT(utf8Text(bench.dialog->printer->sent[1].command), HasSubstr("<plist"));
     EXPECT_EQ(bench.Stored("*QVFold"), "Half");
-    // After a print the dialog's end writes no other ticket.
+    // After a print, the dialog's end writes no further ticket.
     panel->printWindowWillClose();
     EXPECT_EQ(bench.Stored(std::string(ticketPathSetting).c_str()), path);
     panel.reset();
 
-    // Another dialog begins with what was used last, but for what is secret.
+    // A new dialog begins with the last settings, except for secrets.
     bench.dialog->settings = std::make_shared<MemoryPrintSettings>();
     panel = bench.Open();
     EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
     EXPECT_EQ(valueOf(*panel, "*QVSecret"), "");
-    // Cancelled, it leaves its settings in the print settings and sends nothing.
+    // A cancelled dialog stores its settings in the print settings and sends nothing.
     bench.dialog->printer->sent.clear();
     set(*panel, "*QVDuplex", "Tumble");
     panel->printWindowWillClose();
@@ -473,7 +474,7 @@ TEST(Panel, ATypedAddressIsStored) {
 }
 
 TEST(Panel, ADialogThatWasNeverShownKeepsTheStoredAddress) {
-    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN"))); // loads the interface at once
+    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN"))); // loads the interface now
     const auto panel = bench.Open();
     panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString("10.9.9.9"), false);
     const auto second = bench.Open();
@@ -496,7 +497,7 @@ TEST(Automation, IsAppliedOnceBeforeTheFirstDisplay) {
     EXPECT_EQ(valueOf(*panel, "*QVDuplex"), "Tumble");
     EXPECT_EQ(valueOf(*panel, "*QVNotes1"), "7");
     EXPECT_EQ(valueOf(*panel, "*QVSecret"), "");
-    EXPECT_EQ(bench.Stored("*QVFold"), "Half"); // the dialog begins with it
+    EXPECT_EQ(bench.Stored("*QVFold"), "Half"); // the dialog begins with this value
     EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("None cannot be set")));
     set(*panel, "*QVFold", "Flat");
     panel->willShow();

@@ -10,7 +10,7 @@
 
 namespace torka::tests {
 
-// A panel that notes what the panel model asks of it.
+// A panel that records the panel model's calls.
 class MemoryPanel final : public PanelServices {
 public:
     void setFullPropertiesButtonStatusON(bool on) override { buttons["properties"] = on; }
@@ -36,7 +36,7 @@ public:
     BidiFailure failure;
 };
 
-// A person who answers alerts, as long as this lives.
+// Stands in for a person who answers alerts while the object lives.
 class ScopedAlerts {
 public:
     ScopedAlerts() {

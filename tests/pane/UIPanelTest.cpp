@@ -2,7 +2,8 @@
 
 #include <gmock/gmock.h>
 
-// The panel model's tree, its page size from the system, its resets and the notes of the colour controls.
+// Tests the panel model's tree, its page size from the system, its resets and the notes of the colour
+// controls.
 
 namespace torka::tests {
 
@@ -50,15 +51,15 @@ TEST(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
               "*%QVShortcut *QVStaple\n*%QVShortcut *QVDuplex\n*%QVShortcut *QVOutProfile\n"
               "*%QVShortcut *First\n");
     const UI_Panel panel(pane.data.get());
-    // A range is no kind that the basic panel shows, and an expert colour control is none of its own.
+    // The basic panel does not show ranges or expert colour controls.
     EXPECT_THAT(shown(UI_Panel::Tree), ElementsAre("Group: *QVDuplex", "Finish: *QVStaple *Notes1"));
-    // The positions count the group that is empty, and gone.
+    // The positions include the removed empty group.
     EXPECT_THAT(quickAccess(UI_Panel::Tree), ElementsAre("*QVStaple 300", "*QVDuplex 100", "*First 0"));
     ASSERT_NE(GetShortcutFromKeyword("*QVDuplex"), nullptr);
     EXPECT_EQ(GetShortcutFromKeyword("*QVDuplex")->userName, "QVDuplex name");
     EXPECT_EQ(GetShortcutFromKeyword("*Notes1"), nullptr);
 
-    // What the person chose replaces the description's shortcuts.
+    // The person's choice replaces the description's shortcuts.
     PPDTree chosen;
     chosen.quickAccess = {{"", "*Notes1", 0}, {"", "*QVOutProfile", 0}};
     ASSERT_TRUE(pane.data->SetPPDShortcuts(chosen));
@@ -87,7 +88,7 @@ TEST(UIPanel, TreeHoldsItsLimits) {
         EXPECT_EQ(UI_Panel::Tree.groups[0].controls.size(), maximumTreeControls);
         EXPECT_EQ(UI_Panel::Tree.quickAccess.size(), maximumQuickAccess);
     }
-    EXPECT_EQ(GetShortcutFromKeyword("*Note1"), nullptr); // the panel took its tree with it
+    EXPECT_EQ(GetShortcutFromKeyword("*Note1"), nullptr); // the tree ended with its panel
     EXPECT_EQ(UI_Panel::mPPD, nullptr);
 }
 
@@ -114,7 +115,7 @@ TEST(UIPanel, PaperOfThePageSetup) {
     };
     const Case cases[] = {
         {nullptr, false, "A3", "", ""},
-        {paper("a4"), false, "A4", "", ""}, // no such choice: the default, which is the same but for case
+        {paper("a4"), false, "A4", "", ""}, // no such choice: the default, which differs only in case
         {paper("A3"), false, "A3", "", ""},
         {paper("US Letter"), false, "Letter", "", ""},
         {paper("US Legal"), false, "A4", "", ""}, // no such choice
@@ -187,8 +188,8 @@ TEST(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
                 ElementsAre("*QVPCMID=-1", "*QVPCName=-1", "*QVCoverSizePCMID=-1", "*QVCoverSizePCName=-1"));
     EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), WatermarkList::noSelection);
 
-    // A note of the control bar without its control is a fault of the description. The reset ends there, and
-    // it is told once.
+    // A note of the control bar without its control is a fault of the description. The reset ends there and
+    // reports it once.
     pane.model->SetupControl(nullptr,
                              std::make_unique<PPDXJobNote>("*QVControlBar", cfString("Bar"), nullptr, nullptr,
                                                            0, nullptr, 64, jobNoteUTF8, 0),
@@ -234,7 +235,7 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     UI_Panel panel(pane.data.get(), &services);
     const std::string path = "/tmp/ZAN/JPData/Driver_SMALL.PPD/Presets/presets.xml";
     system->files[path].content = "\xEF\xBB\xBF<a/>\xEF\xBB\xBF";
-    panel.writeLocalJPPresetsToDynamicPPD(); // no printer
+    panel.writeLocalJPPresetsToDynamicPPD(); // without a printer
     services.printer = pane.printer;
     panel.writeLocalJPPresetsToDynamicPPD();
     ASSERT_EQ(pane.printer->sent.size(), 1u);
@@ -248,7 +249,7 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     panel.GetOSAccountName();
     EXPECT_EQ(valueOf(pane, "*QVUserAuthName"), "b\xC3\xA4r");
 
-    // A file name that leads elsewhere sends nothing.
+    // With a file name that leads to another folder, nothing is sent.
     Pane hostile("*PPD-Adobe: \"4.3\"\n*PCFileName: \"../../x\"\n");
     UI_Panel other(hostile.data.get(), &services);
     system->files["/tmp/ZAN/JPData/Driver_../../x/Presets/presets.xml"].content = "x";

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-// The workflow job: the sample client library in tests/pane/workflow writes down how it is called.
+// Tests the workflow job with the client library in tests/pane/workflow, which records its calls.
 
 namespace torka::tests {
 
@@ -79,7 +79,7 @@ TEST_F(WorkflowUpload, CallsTheLibraryAndStoresTheIdentifier) {
     UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
     EXPECT_EQ(TakeCalls(), "KSOpenSession(nobody|anna|pass%s%n|english)\n");
 
-    // Texts are cut to their places.
+    // Texts are cut to the size of their fields.
     pane.Set("*QVIP", "10.0.0.9");
     pane.Store("com.apple.print.JobInfo.PMJobName", cfString(std::string(1'000'000, 'j')));
     UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
@@ -90,7 +90,7 @@ TEST_F(WorkflowUpload, CallsTheLibraryAndStoresTheIdentifier) {
     EXPECT_EQ(TakeCalls(), "");
 }
 
-// The description works in an encoding without such a character, before and while the job is filled.
+// The description's encoding lacks the character, before and during the upload.
 TEST_F(WorkflowUpload, KeepsAnIdentifierBeyondTheDescriptionsEncoding) {
     Install();
     Pane pane(paneHeader + "*LanguageEncoding: MacStandard\n*%ZANSpecialOption *Rondure: True\n" + controls);
@@ -107,7 +107,7 @@ TEST_F(WorkflowUpload, KeepsAnIdentifierBeyondTheDescriptionsEncoding) {
         return entry.bytes.find("*QVKSNewJobID job-42" + name + "\n") != std::string::npos;
     });
     EXPECT_TRUE(isSent);
-    // An identifier that the encoding holds stays in it.
+    // An identifier that the encoding can represent is sent in that encoding.
     pane.Store("com.apple.print.JobInfo.PMJobName", cfString("#\xC3\xA9"));
     UploadKestrelXMLFiles(*pane.model, pane.settings, 2);
     EXPECT_EQ(Identifiers(pane), "job-42#\xC3\xA9|job-42#\xC3\xA9");

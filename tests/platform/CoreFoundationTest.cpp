@@ -61,7 +61,7 @@ TEST(CFString, ComparesByUnitsOrFolded) {
 }
 
 TEST(CFString, CopiesOnlyWhatFits) {
-    const CFStringRef text = cfString("\xE4\xB8\xAD\xF0\x9F\x98\x80"); // one unit and a pair, seven bytes
+    const CFStringRef text = cfString("\xE4\xB8\xAD\xF0\x9F\x98\x80"); // one unit and a pair; seven bytes
     EXPECT_EQ(CFStringGetLength(text), 3);
     EXPECT_EQ(CFStringGetCharacterAtIndex(text, 0), u'\x4E2D');
     EXPECT_EQ(CFStringGetCharacterAtIndex(text, 3), 0);
@@ -131,7 +131,7 @@ TEST(CFCollections, KeepOrderAndLeaveOutNull) {
 }
 
 TEST(CFEqual, ComparesKindAndContent) {
-    // Values of one row equal each other and nothing of another row.
+    // Values in one row are equal; values in different rows are not.
     const std::vector<std::vector<CFTypeRef>> rows = {
         {nullptr, nullptr},
         {cfString("1"), CFStringCreateWithCharacters(u"1")},

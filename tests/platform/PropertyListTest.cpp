@@ -28,7 +28,7 @@ std::string repeated(std::string_view text, std::size_t count) {
     return all;
 }
 
-// Python's plistlib makes random lists; each comes back through our reader and writer as the same list.
+// Python's plistlib makes random lists. Our reader and writer return each list unchanged.
 TEST(PropertyList, AgreesWithPythonBothWays) {
     const tests::TemporaryFolder folder;
     constexpr const char* make = R"(
@@ -56,7 +56,7 @@ for i in range(300):
         ASSERT_TRUE(list) << error;
         folder.Write("ours" + name, writeList(list));
     }
-    // Text must be the same too: keys keep their order, and true is not 1.
+    // Compares the text, too: keys keep their order, and true differs from 1.
     EXPECT_EQ(tests::runPython(R"(
 import plistlib, sys
 for i in range(300):

@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using torka::tests::TemporaryFolder;
 
-// Environment variables for one test; what they were comes back after it.
+// Sets environment variables for one test and restores the old values at its end.
 class ScopedEnvironment {
 public:
     using Variables = std::map<std::string, std::string>;
@@ -150,7 +150,7 @@ TEST(PosixSystem, FilesAreWrittenWholeWithTheirMode) {
     EXPECT_EQ(system.ReadFile(folder / "none", 10, read), std::errc::no_such_file_or_directory);
     EXPECT_EQ(system.ReadFile(folder.Path(), 10, read), std::errc::is_a_directory);
     EXPECT_EQ(system.ReadFile("/dev/zero", 10, read), std::errc::invalid_argument);
-    EXPECT_EQ(system.ReadFile("/proc/self/status", 1'000'000, read), std::error_code()); // tells a size of 0
+    EXPECT_EQ(system.ReadFile("/proc/self/status", 1'000'000, read), std::error_code()); // reports size 0
     EXPECT_NE(read.find("Name:"), std::string::npos);
     EXPECT_EQ(system.WriteFile(std::string("/tmp/a\0b", 8), "", 0600), std::errc::invalid_argument);
 }
@@ -161,9 +161,9 @@ TEST(PosixSystem, AFailedWriteLeavesEverythingAsItWas) {
     ASSERT_FALSE(system.WriteFile(folder / "file", "old", 0600));
     std::filesystem::create_directory(folder / "taken");
     EXPECT_EQ(system.WriteFile(folder / "no/such/file", "new", 0600), std::errc::no_such_file_or_directory);
-    EXPECT_TRUE(system.WriteFile(folder / "taken", "new", 0600)); // a folder stands there
+    EXPECT_TRUE(system.WriteFile(folder / "taken", "new", 0600)); // fails at a folder
     {
-        // A limit on the size of files fails a write in its middle, as a full disk does.
+        // A limit on the file size makes a write fail half-way, as a full disk does.
         struct rlimit before {};
         getrlimit(RLIMIT_FSIZE, &before);
         const auto handler = signal(SIGXFSZ, SIG_IGN);
@@ -177,7 +177,7 @@ TEST(PosixSystem, AFailedWriteLeavesEverythingAsItWas) {
     }
     EXPECT_EQ(tests::readFile(folder / "file"), "old");
     EXPECT_EQ(filesIn(folder.Path()), 2U);
-    // A pipe or device is written into and stays what it is.
+    // A pipe or device receives the content and is not replaced.
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     const int reader = open((folder / "pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     ASSERT_FALSE(system.WriteFile(folder / "pipe", "new", 0600));
@@ -186,7 +186,7 @@ TEST(PosixSystem, AFailedWriteLeavesEverythingAsItWas) {
     EXPECT_STREQ(piped, "new");
     close(reader);
     EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
-    // A link is replaced, what it points to is not touched.
+    // A link is replaced, and its target stays unchanged.
     std::filesystem::create_symlink(folder / "file", folder / "link");
     ASSERT_FALSE(system.WriteFile(folder / "link", "new", 0600));
     EXPECT_EQ(tests::readFile(folder / "file"), "old");

@@ -11,8 +11,8 @@ namespace {
 
 using namespace std::string_literals;
 
-// What Python's codec makes of each sequence of one byte, or with `twoBytes` of each of two: bytes to their
-// characters. A sequence that the codec refuses is absent.
+// Decodes every sequence of one byte, or of two with `twoBytes`, with Python's codec. Maps the bytes to their
+// characters and leaves out sequences that the codec refuses.
 std::map<std::string, std::u16string> pythonTable(const std::string& codec, bool twoBytes) {
     std::istringstream lines(tests::runPython(R"(
 import sys
@@ -40,7 +40,7 @@ TEST(TextEncoding, AgreesWithPythonsCodecs) {
         CFStringEncoding encoding;
         const char* codec;
         bool twoBytes;
-        std::size_t least; // sequences that the codec knows, so that an empty table is noticed
+        std::size_t least; // minimum number of sequences, so that an empty table is noticed
     };
     const Case cases[] = {
         {kCFStringEncodingMacRoman, "mac_roman", false, 256},
@@ -75,7 +75,7 @@ TEST(TextEncoding, MacJapaneseHasItsOwnBytes) {
         {"\xFD", u"\u00A9"},
         {"\xFE", u"\u2122"},
         {"\x83\x5C\x83\x80\x81\xA0",
-         u"\u30BD\u30E0\u25A1"}, // those bytes as second ones mean nothing of their own
+         u"\u30BD\u30E0\u25A1"}, // as second bytes, these have no meaning of their own
         {"a\xB1\x88\xC0\x90\xB9", u"a\uFF71\u5B89\u8056"},
         {"\x87\x40", u"\u2460"},
     };
@@ -97,7 +97,7 @@ TEST(TextEncoding, TellsWhatItCannotRead) {
     };
     const Case cases[] = {
         {kCFStringEncodingUTF8, "a\xFF\xC3", u"a\uFFFD\uFFFD"},
-        {kCFStringEncodingUTF8, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"}, // a surrogate is no UTF-8
+        {kCFStringEncodingUTF8, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"}, // UTF-8 forbids surrogates
         {kCFStringEncodingASCII, "a\xE9", u"a\uFFFD"},
         {kCFStringEncodingUTF16, "a\0b"s, u"a\uFFFD"},
         {kCFStringEncodingShiftJIS, "\x83", u"\uFFFD"},
@@ -153,7 +153,7 @@ TEST(TextEncoding, WideTextKeepsWhatIsACharacter) {
 TEST(TextEncoding, NumbersOfTheClassicSystem) {
     EXPECT_EQ(CreateTextEncoding(256, 0, 2), kCFStringEncodingUTF8);
     EXPECT_EQ(CreateTextEncoding(kCFStringEncodingShiftJIS, 0, 0), kCFStringEncodingShiftJIS);
-    // Not one of the encodings that descriptions name, so that text in UTF-8 is never taken for one of them.
+    // UTF-8 maps to itself and not to an encoding that descriptions name, so that UTF-8 text is read as such.
     EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingUTF8), kCFStringEncodingUTF8);
     EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingISOLatin1),
               kCFStringEncodingMacRoman);

@@ -1,8 +1,8 @@
 #include "tests/spooler/SpliceCheck.h"
 #include "tests/support/TestSupport.h"
 
-// Where entries go in each kind of document. In the tables below "H" stands for the header entries in their
-// order, "S" for those of the setup, "C" for the closing entry, and lines end with "/".
+// Tests the places of entries in each kind of document. In the tables, "H" stands for the header entries in
+// their order, "S" for those of the setup, and "C" for the closing entry. Lines end with "/".
 
 namespace torka::tests {
 
@@ -14,7 +14,7 @@ const Ticket fullTicket = makeTicket({{-9, "*QVDuplex"},
                                       {70, "size\n"},
                                       {900, "Library/Caches/ZAN/box"},
                                       {501, "%%d\n"},
-                                      {81, "%%EndSetup\n"}, // data, whatever it says
+                                      {81, "%%EndSetup\n"}, // counts as data
                                       {504, "%%l1\n"},
                                       {71, "c"},
                                       {504, "%%l2\n"}});
@@ -82,15 +82,15 @@ TEST(Placing, EachKindOfDocument) {
     };
     using enum SplicePlace;
     const Row rows[] = {
-        // A setup section of its own: entries open it and close it.
+        // With a setup section, entries stand at its beginning and its end.
         {"%!PS-Adobe-3.0/%%Pages: 1/%%EndComments/%%BeginSetup/x/%%EndSetup/%%Page: 1 1/y/%%EOF/",
          "%!PS-Adobe-3.0/%%Pages: 1/#%%EndComments/%%BeginSetup/$x/^%%EndSetup/%%Page: 1 1/y/%%EOF/",
          documentSetup},
-        // Sections that are not closed.
+        // Sections without an end.
         {"%!PS/%%BeginSetup/x/%%Page: 1 1/y/", "%!PS/#%%BeginSetup/$x/^%%Page: 1 1/y/", documentSetup},
         {"%!PS/%%BeginSetup/x/%%Trailer/y/", "%!PS/#%%BeginSetup/$x/^%%Trailer/y/", documentSetup},
         {"%!PS/%%BeginSetup", "%!PS/#%%BeginSetup/$^", documentSetup},
-        // No setup: made behind the prolog, or before the first page.
+        // Without a setup section, one is made behind the prolog or before the first page.
         {"%!PS/%%EndComments/%%BeginProlog/p/%%EndProlog/%%Page: 1 1/y/",
          "%!PS/#%%EndComments/%%BeginProlog/p/%%EndProlog/%%BeginSetup/$^%%EndSetup/%%Page: 1 1/y/",
          createdSetup},
@@ -102,24 +102,24 @@ TEST(Placing, EachKindOfDocument) {
          createdSetup},
         {"%!PS/%%EndComments/%%BeginProlog/p/%%Page: 1 1/y/",
          "%!PS/#%%EndComments/%%BeginProlog/p/%%BeginSetup/$^%%EndSetup/%%Page: 1 1/y/", createdSetup},
-        // No structure at all: behind the header, which then needs an end.
+        // Without any structure, entries stand behind the header, which then needs an end.
         {"%!/100 100 moveto/showpage/", "%!/#%%EndComments/$^100 100 moveto/showpage/", afterHeader},
         {"%!PS-Adobe-3.0 EPSF-3.0/%%EndComments/code/%%EOF/",
          "%!PS-Adobe-3.0 EPSF-3.0/#%%EndComments/$^code/%%EOF/", afterHeader},
         {"%!", "%!/#%%EndComments/$^", afterHeader},
         {"%!PS/%%Title: no end", "%!PS/%%Title: no end/#%%EndComments/$^", afterHeader},
-        // What ends header comments: a blank behind "%", an empty line, code, a section. What does not: "%x",
-        // "%%+".
+        // A blank behind "%", an empty line, code, or a section ends the header comments. "%x" and "%%+" do
+        // not.
         {"%!PS/%x/%%T: a/%%+ b/% c/%%T: d/", "%!PS/%x/%%T: a/%%+ b/#%%EndComments/$^% c/%%T: d/",
          afterHeader},
         {"%!PS//%%T: d/", "%!PS/#%%EndComments/$^/%%T: d/", afterHeader},
         {"%!PS/%%Page: 1 1/y/", "%!PS/#%%BeginSetup/$^%%EndSetup/%%Page: 1 1/y/", createdSetup},
-        // Behind the resources of a prolog that is not declared, unless code came before them.
+        // Entries stand behind the resources of an undeclared prolog, unless code precedes the resources.
         {"%!PS/%%BeginProcSet: p/d/%%EndProcSet/code/", "%!PS/#%%BeginProcSet: p/d/%%EndProcSet/$^code/",
          afterHeader},
         {"%!PS/draw/%%BeginFont: f/d/%%EndFont/show/",
          "%!PS/#%%EndComments/$^draw/%%BeginFont: f/d/%%EndFont/show/", afterHeader},
-        // Job-language lines before "%!" stay as they are.
+        // Job-language lines before "%!" stay unchanged.
         {"\x1b%-12345X@PJL JOB/@PJL SET X=%!/%%BeginSetup/@PJL ENTER LANGUAGE=POST$^RIPT/%!PS/%%EndComments/"
          "%%BeginSetup/%%EndSetup/\x1b%-12345X",
          "\x1b%-12345X@PJL JOB/@PJL SET X=%!/%%BeginSetup/@PJL ENTER LANGUAGE=POST$^RIPT/%!PS/#%%EndComments/"
@@ -127,7 +127,7 @@ TEST(Placing, EachKindOfDocument) {
          documentSetup},
         {"\x04\x1b%-12345X%!PS/%%EndProlog/%%Page: 1 1/",
          "\x04\x1b%-12345X%!PS/#%%EndProlog/%%BeginSetup/$^%%EndSetup/%%Page: 1 1/", createdSetup},
-        // The comments of embedded documents, resources and data are not the document's.
+        // Comments in embedded documents, resources and data do not belong to the document.
         {"%!PS/%%EndComments/%%BeginResource: file a/%%EndProlog/%%BeginDocument: b/%%BeginSetup/%%Page: 1 1/"
          "%%BeginDocument: c/%%EndDocument/%%EndSetup/%%EndDocument/%%EOF/%%EndResource/%%BeginData: 3 Hex "
          "Lines/"
@@ -142,7 +142,7 @@ TEST(Placing, EachKindOfDocument) {
          documentSetup},
         {"%!PS/%%BeginData: ?/%%BeginSetup/%%EndData/%%BeginSetup/%%EndSetup/",
          "%!PS/#%%BeginData: ?/%%BeginSetup/%%EndData/%%BeginSetup/$^%%EndSetup/", documentSetup},
-        // A resource that is never closed does not hide the setup.
+        // A resource without an end does not hide the setup.
         {"%!PS/%%EndComments/%%BeginResource: file a/x/%%BeginSetup/%%EndSetup/",
          "%!PS/#%%EndComments/%%BeginResource: file a/x/%%BeginSetup/$^%%EndSetup/", documentSetup},
     };
@@ -150,7 +150,7 @@ TEST(Placing, EachKindOfDocument) {
         for (const Row& row : rows) {
             const std::string_view document = row.document;
             const bool isCounted =
-                document.find("BeginBinary: 13") != std::string_view::npos; // one-byte line ends
+                document.find("BeginBinary: 13") != std::string_view::npos; // requires one-byte line ends
             if ((isCounted && lineEnd == "\r\n") || (document == "%!" && lineEnd != "\n")) {
                 continue;
             }
@@ -197,7 +197,7 @@ TEST(Placing, EntriesNeverLeaveTheHeaderOrBecomeCode) {
 }
 
 TEST(Placing, ByteCountsFollowTheLineEndsOfTheDocument) {
-    // Where lines end with a carriage return, the line feed is data: the count ends before "%%EndData".
+    // When lines end with a carriage return, a line feed is data, and the count ends before "%%EndData".
     const std::string data = "\n%%BeginSetup\rx\r";
     const std::string head =
         "%!PS\r%%EndComments\r%%BeginData: " + std::to_string(data.size()) + " Binary Bytes\r";
@@ -210,21 +210,21 @@ TEST(Placing, LargeAndHostileDocuments) {
     const std::string filler(3 * Splicer::holdLimit, 'x');
     const Ticket ticket = makeTicket({{-9, "*F"}, {81, "s\n"}, {501, "%%d\n"}});
     struct Row {
-        std::string before; // the setup
+        std::string before; // the part before the setup
         std::string after;
         const char* setup;
     };
     const Row rows[] = {
-        // Beyond the limit of what waits, a document that shows no structure counts as one without it.
+        // A document without structure within the buffer's limit counts as unstructured.
         {"%!PS\n%%d\n%%EndComments\n", filler + "\n%%Page: 1 1\n", "s\n"},
         {"%!PS\n%%d\n%%EndComments\n%%EndProlog\n", filler + "\n%%BeginSetup\n%%EndSetup\n",
          "%%BeginSetup\ns\n%%EndSetup\n"},
-        // A declared prolog and a resource may be as long as they like.
+        // A declared prolog and a resource may have any length.
         {"%!PS\n%%d\n%%EndComments\n%%BeginProlog\n" + filler + "\n%%EndProlog\n%%BeginSetup\n",
          "%%EndSetup\n", "s\n"},
         {"%!PS\n%%d\n%%BeginFont: f\n" + filler + "\n%%EndFont\n%%EndProlog\n%%BeginSetup\n", "%%EndSetup\n",
          "s\n"},
-        // A first line and a comment without end; the longest comment that is read.
+        // A first line and a comment of extreme length; the longest comment that is read.
         {"%!PS" + filler + "\n%%d\n%%EndComments\n%%BeginSetup\n", "%%EndSetup\n", "s\n"},
         {"%!PS\n%%T: " + filler + "\n%%d\n%%EndComments\n%%EndProlog " +
              filler.substr(0, 2 * Splicer::lineLimit) + "\n%%EndProlog" +
@@ -238,7 +238,7 @@ TEST(Placing, LargeAndHostileDocuments) {
         const Spliced result = splice(document, ticket, {997, 4096, 100'003});
         EXPECT_TRUE(result.text == row.before + row.setup + row.after);
     }
-    // A count beyond the document, and a document that never closes what it opened.
+    // A count beyond the document, and a document with sections that are never closed.
     EXPECT_EQ(splice("%!PS\n%%BeginData: 99999999999999999999999\nx", ticket).text,
               "%!PS\n%%d\n%%EndComments\ns\n%%BeginData: 99999999999999999999999\nx");
     const std::string hidden = "%!PS\n%%EndComments\n%%BeginProlog\n%%BeginDocument: x\n";

@@ -12,8 +12,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-// Spliced documents as other programs see them: Ghostscript runs and draws them, the print system's own
-// filter for structured documents takes them apart.
+// Checks spliced documents with other programs: Ghostscript runs and draws them, and the print system's own
+// filter for structured documents parses them.
 
 namespace torka::tests {
 
@@ -54,7 +54,7 @@ const Ticket tellingTicket = makeTicket({{-9, "*Sys"},
                                          {70, feature("*PageSize", "size")},
                                          {81, "(tray) ="},
                                          {71, "%%EndTorkaPreparse1: True\n(complete) =\n"}});
-// What the entries of the setup say, with what the document's own setup says between them.
+// The output of the setup's entries, with the output of the document's own setup between them.
 std::string told(const std::string& own = "") { return "size\nduplex\ntray\n" + own + "complete\n"; }
 
 std::string wrapped(const std::string& text) { return "[{\n" + text + "} stopped cleartomark\n"; }
@@ -172,8 +172,8 @@ TEST(Printing, TheSystemsOwnFilterWritesWhatIsRemovedAndReadsWhatIsSpliced) {
     EXPECT_EQ(runGhostscript(result.text).output, told("system QVKept B\n"));
     EXPECT_EQ(result.report.removed.at("*QVThird"), 3U);
 
-    // Read again as a structured document: one page of three, the header's comments and the setup where they
-    // were.
+    // The result is still a structured document: the filter selects one page of three, and the header's
+    // comments and the setup keep their places.
     const std::string second = filter(result.text, "page-ranges=2 QVKept=A");
     EXPECT_EQ(runGhostscript(second).pages.size(), 1U);
     const std::string header = second.substr(0, second.find("%%EndComments"));

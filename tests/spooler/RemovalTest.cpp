@@ -10,29 +10,29 @@ const Ticket suppressing = makeTicket({{-9, "*QVDuplex"}, {-9, "*Tray"}});
 
 TEST(Removal, FeatureCodeOfSuppressedKeywords) {
     struct Row {
-        const char* document; // what stands between "<" and ">" goes; lines end with "/"
+        const char* document; // the text between "<" and ">" is removed; lines end with "/"
         std::uint64_t blocks;
     };
     const Row rows[] = {
-        // In the setup, bare and in each spelling of the wrapper.
+        // In the setup, without a wrapper and in each spelling of the wrapper.
         {"%!PS/%%BeginSetup/<%%BeginFeature: *QVDuplex True/x/%%EndFeature/>y/%%EndSetup/", 1},
         {"%!PS/%%BeginSetup/<[{/%%BeginFeature: *QVDuplex True/x/%%EndFeature/} stopped "
          "cleartomark/>%%EndSetup/",
          1},
         {"%!PS/%%BeginSetup/< mark {/%%BeginFeature:*Tray\tB/x/%%EndFeature/}stopped  cleartomark />", 1},
         {"%!PS/%%BeginSetup/<[ {/%%BeginFeature *Tray/x/%%EndFeature/} stopped cleartomark>", 1},
-        // A wrapper that is not closed, or opened with something else on its line, stays.
+        // A wrapper without an end, or with other text on its opening line, stays.
         {"%!PS/%%BeginSetup/[{/<%%BeginFeature: *Tray B/x/%%EndFeature/>}stopped{}if/", 1},
         {"%!PS/%%BeginSetup/q [{/<%%BeginFeature: *Tray B/x/%%EndFeature/>} stopped cleartomark/", 1},
         {"%!PS/%%BeginSetup/[{//<%%BeginFeature: *Tray B/x/%%EndFeature/>} stopped cleartomark/", 1},
-        // Custom values of the keyword; other keywords, also longer and shorter ones.
+        // Custom values of the keyword are removed; other keywords stay, including longer and shorter ones.
         {"%!PS/%%BeginSetup/<%%BeginFeature: *CustomTray True/x/%%EndFeature/>", 1},
         {"%!PS/%%BeginSetup/%%BeginFeature: *PageSize A4/x/%%EndFeature/%%BeginFeature: *Trays "
          "B/%%EndFeature/"
          "%%BeginFeature: *Tra B/%%EndFeature/%%BeginFeature: Tray "
          "B/%%EndFeature/%%BeginFeature:/%%EndFeature/",
          0},
-        // Prolog, behind the prolog, setup, page setups; requests for a feature.
+        // In the prolog, behind the prolog, in the setup and in page setups; also requests for a feature.
         {"%!PS/%%BeginProlog/<[{/%%BeginFeature: *Tray B/%%EndFeature/} stopped cleartomark/>%%EndProlog/"
          "<%%IncludeFeature: *Tray B/>%%BeginSetup/<%%IncludeFeature: *QVDuplex/>%%IncludeFeature: "
          "*X/%%EndSetup/"
@@ -46,9 +46,9 @@ TEST(Removal, FeatureCodeOfSuppressedKeywords) {
          "<%%IncludeFeature: *Tray/>%%EndPageSetup/%%IncludeFeature: *Tray/%%Trailer/%%IncludeFeature: "
          "*Tray/",
          1},
-        // A request inside a block goes with it.
+        // A request inside a block is removed with the block.
         {"%!PS/%%BeginSetup/<%%BeginFeature: *Tray B/%%IncludeFeature: *X/x/%%EndFeature/>", 1},
-        // A block without an end stays whole, and hides nothing behind it.
+        // A block without an end stays whole and does not hide later blocks.
         {"%!PS/%%BeginSetup/[{/%%BeginFeature: *Tray B/x/%%EndSetup/%%Page: 1 1/%%BeginPageSetup/"
          "<%%IncludeFeature: *Tray/>",
          1},

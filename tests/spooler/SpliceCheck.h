@@ -29,7 +29,7 @@ inline Spliced spliceInPieces(const std::string& document, const Ticket& ticket,
     StringSink sink;
     Splicer splicer(ticket, sink);
     for (std::size_t at = 0; at < document.size(); at += piece) {
-        // A block of its exact size, so that a sanitizer sees a read beyond it.
+        // A block of the exact size, so that a sanitizer detects a read past its end.
         const std::string part = document.substr(at, piece);
         splicer.Write(part);
     }
@@ -37,8 +37,8 @@ inline Spliced spliceInPieces(const std::string& document, const Ticket& ticket,
     return {sink.text, splicer.Report(), status};
 }
 
-// Splices whole, in small pieces and byte by byte; the results have to be the same and their lengths to add
-// up.
+// Splices the document whole, in small pieces and byte by byte. The results must be equal, and their lengths
+// must be the sums of their parts.
 inline Spliced splice(const std::string& document, const Ticket& ticket,
                       std::initializer_list<std::size_t> pieces = {1, 7, 4096}) {
     Spliced whole = spliceInPieces(document, ticket, std::max<std::size_t>(document.size(), 1));

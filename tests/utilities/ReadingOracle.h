@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-// The rules of reading a description, byte by byte and without any care for speed, to check the real readers
-// against.
+// A slow byte-by-byte reader of descriptions. The tests compare the real readers with it.
 
 namespace torka::oracle {
 
@@ -55,7 +54,7 @@ inline Line readLine(Cursor& cursor, bool& endOfPPD) {
     return line;
 }
 
-// All the lines that there are to handle, as C strings.
+// All lines that a reader has to handle, as C strings.
 inline std::vector<std::string> linesToHandle(std::string_view data) {
     std::vector<std::string> lines;
     Cursor cursor{data};
@@ -93,7 +92,7 @@ inline std::string token(Cursor& cursor, std::string_view delimiters, bool trim)
     return text;
 }
 
-// Elements that end a PostScript value although they begin with "*%".
+// Whether the line is an element that ends a PostScript value although it begins with "*%".
 inline bool beginsElement(const std::string& line) {
     for (const std::string keyword : {"*%ZANFlags", "*%ZANPropPage", "*%ZANGroupName", "*%ZANSubGroupName",
                                       "*%ZANParent", "*%ZANSpecialOption", "*%QVShortcut",
@@ -107,7 +106,7 @@ inline bool beginsElement(const std::string& line) {
     return false;
 }
 
-// The value that begins on lines[at]; `at` is moved to the last line that belongs to it.
+// Reads the value that begins on lines[at], and moves `at` to the value's last line.
 inline std::string value(const std::vector<std::string>& lines, std::size_t& at, std::size_t capacity,
                          bool postscript) {
     std::string text;

@@ -24,7 +24,7 @@ struct Reader : PPDX {
     using PPDX::StopReading;
 };
 
-// A description read from a file of its own.
+// A description that is read from a temporary file.
 class Description {
 public:
     explicit Description(std::string_view content, long pieceCapacity = PPDFileStream::kPieceCapacity)
@@ -39,7 +39,7 @@ public:
         }
         return lines;
     }
-    // The value on the next line.
+    // Reads the value on the next line.
     std::string Value(bool isPostscript, long capacity = 256) {
         EXPECT_TRUE(reader.ReadLine(line));
         PPDStream stream{std::string_view(line)};
@@ -84,7 +84,7 @@ TEST(PPDStream, LineEndsCutsAndNumbers) {
     };
     const Expected lines[] = {{"a", true, false, 1},
                               {"b", true, false, 2},
-                              {"", true, false, 3}, // of CR LF
+                              {"", true, false, 3}, // the rest of a CR LF
                               {"c", true, false, 3},
                               {std::string(255, 'x'), false, true, 4},
                               {std::string(45, 'x'), true, false, 4},

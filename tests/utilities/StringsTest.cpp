@@ -22,7 +22,7 @@
 namespace torka {
 namespace {
 
-// Puts the process-wide values back as they were.
+// Restores the process-wide values.
 class ModelStateTest : public testing::Test {
 protected:
     void TearDown() override {
@@ -49,7 +49,7 @@ TEST_F(ModelStateTest, NarrowTextFollowsLevelJapaneseNotesAndDocumentServer) {
         CString converted;
         converted = text;
         EXPECT_STREQ(converted, each.isUtf8 ? "caf\xC3\xA9" : "caf\xE9") << each.level;
-        EXPECT_EQ(CString(text).Size(), 4U); // units, even where the bytes are five
+        EXPECT_EQ(CString(text).Size(), 4U); // counts units, even when there are five bytes
     }
     gQVUTF8Version = 0;
     CString failed("before");
@@ -82,7 +82,7 @@ TEST(CString, UnsetEmptyAndAliasedTexts) {
     EXPECT_STREQ(text, "aXabc");
     text.Replace("aX", text); // the replacement is the string itself
     EXPECT_STREQ(text, "aXabcabc");
-    text = text.Buffer() + 2; // a text inside the buffer that goes
+    text = text.Buffer() + 2; // a text inside the old buffer
     EXPECT_STREQ(text, "abcabc");
     char* const inside = std::strstr(const_cast<char*>(text.Buffer()), "ca");
     text.Remove(inside, 100);
@@ -181,7 +181,7 @@ TEST(BoyerMoore, FindsWhatAPlainSearchFinds) {
         for (char& each : pattern) {
             each = static_cast<char>(random() % 7 == 0 ? 0xFF : 'a' + random() % 3);
         }
-        const auto data = std::make_unique<char[]>(text.size()); // sized exactly, for the sanitizer
+        const auto data = std::make_unique<char[]>(text.size()); // exact size, for the sanitizer
         std::copy(text.begin(), text.end(), data.get());
         BoyerMoore search(pattern.data(), static_cast<short>(pattern.size()), data.get(),
                           static_cast<long>(text.size()));
@@ -211,7 +211,7 @@ TEST(BoyerMoore, Peculiarities) {
     EXPECT_EQ(search.Search(2, "Bc", 2), 0);
     search.SetSearchData("XABC", 4);
     search.SetSearchString("abc", 3);
-    EXPECT_EQ(search.Search(), -1); // "B" is looked up as it stands and passes over the match
+    EXPECT_EQ(search.Search(), -1); // the skip table's entry of "B" skips the match
     search.SetSearchData(nullptr, 10);
     EXPECT_EQ(search.Search(), -1);
     const std::string tooLong(300, 'a');
@@ -235,16 +235,16 @@ std::string replaced(const char* src, const char* what, const char* with) {
 
 TEST(StringFunctions, Replace) {
     EXPECT_EQ(replaced("aXbX", "X", "YY"), "aYYbYY");
-    EXPECT_EQ(replaced("aaabbb", "ab", ""), ""); // each removal makes the next occurrence
+    EXPECT_EQ(replaced("aaabbb", "ab", ""), ""); // each removal creates the next occurrence
     EXPECT_EQ(replaced("ababab", "ab", "ba"), "bbbaaa");
-    EXPECT_EQ(replaced("xax", "x", "xx"), "xxaxx"); // would never end; each is replaced once
+    EXPECT_EQ(replaced("xax", "x", "xx"), "xxaxx"); // replaces each occurrence once
     EXPECT_EQ(replaced("abc", "", "x"), "abc");
     EXPECT_EQ(replaced(nullptr, "a", "b"), "(null)");
     const std::string exponential = std::string(60, 'a') + "b";
     EXPECT_EQ(replaced(exponential.c_str(), "ab", "bba"), "(null)");
     std::mt19937 random(3);
     for (int round = 0; round < 3000;
-         ++round) { // against the rule itself: from the start after each replacement
+         ++round) { // compares with the rule itself: a search from the start after each replacement
         const auto text = [&](std::size_t length) {
             std::string made(length, ' ');
             for (char& each : made) {

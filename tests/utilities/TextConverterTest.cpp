@@ -47,7 +47,7 @@ TEST(TextConverter, HexadecimalSubstrings) {
     }
 }
 
-// Texts encoded by Python, as they are and in hexadecimal, come back as the characters they were.
+// Converts texts that Python encoded, as bytes and in hexadecimal, back to their characters.
 TEST(TextConverter, ReadsWhatPythonEncodes) {
     struct Case {
         const char *name, *codec;
@@ -97,7 +97,8 @@ for i in range(60):
 
 TEST(TextConverter, NeverFailsOutright) {
     Described japanese("JIS83-RKSJ");
-    // A lead byte without its second: both bytes together are taken for one unit, a last odd one is left out.
+    // With a lead byte that lacks its second byte, each two bytes count as one unit, and an odd last byte is
+    // left out.
     EXPECT_EQ(japanese.Converter()->ConvertToCFString("x\x81", 256)->units, u"\x8178");
     EXPECT_EQ(japanese.Converter()->ConvertToCFString("xyz\x81 ", 5)->units, u"\x7978\x817A");
     EXPECT_EQ(Described("UTF-8").Converted("a\xFF"), "a\uFFFD");
@@ -115,7 +116,7 @@ TEST(TextConverter, NeverFailsOutright) {
     EXPECT_STREQ(narrow, "Translation Error");
     EXPECT_FALSE(TextConverter::CFStringToCstring(cfString("too long"), narrow, 6));
     EXPECT_STREQ(narrow, "Trans");
-    Described roman("ISOLatin1"); // made while the system's encoding is Mac Roman
+    Described roman("ISOLatin1"); // created while the system's encoding is Mac Roman
     CString text("caf<E9>");
     EXPECT_TRUE(roman.Converter()->ppdStringConvert(text));
     EXPECT_STREQ(text, "caf\x8E");

@@ -15,11 +15,11 @@
 namespace torka::tests {
 namespace {
 
-// A whole panel in a dialog in memory, but with the bundle's real interface file and real widgets.
+// A whole panel in a dialog in memory, with the bundle's real interface file and real widgets.
 struct PaneLoaderTest : testing::Test {
     Bench bench{panelDescription("*%QVShortcut *QVDuplex\n")};
 
-    // One for all: the place of a bundle is looked up once in a process.
+    // One folder for all tests, because a process looks up the bundle's place once.
     static const std::filesystem::path& BundlePath() {
         static const TemporaryFolder folder;
         return folder.Path();
@@ -61,7 +61,7 @@ TEST_F(PaneLoaderTest, ShowsThePanelAndTakesItsEdits) {
     QTest::mouseClick(defaults, Qt::LeftButton);
     EXPECT_EQ(valueOf(*panel, "*QVDuplex"), "None");
     EXPECT_EQ(duplex->currentIndex(), 0);
-    QTest::qWait(10); // what was held back until the first painting
+    QTest::qWait(10); // for the work deferred until the first painting
 }
 
 TEST_F(PaneLoaderTest, OpensAndClosesInAnyOrder) {
@@ -71,7 +71,7 @@ TEST_F(PaneLoaderTest, OpensAndClosesInAnyOrder) {
         ASSERT_NE(root, nullptr);
         root->grab();
         if (round % 2 == 0) {
-            delete root; // the dialog's window, before the panel
+            delete root; // the dialog's window ends before the panel
         }
         panel->printWindowWillClose();
         panel.reset();

@@ -25,7 +25,7 @@ namespace {
 
 using testing::HasSubstr;
 
-// The sample's pane in a window, driven by mouse and keys.
+// Drives the sample's pane in a window by mouse and keys.
 struct PaneWidgetTest : testing::Test {
     ScopedMemorySystem system;
     ViewedPane pane{samplePane()};
@@ -39,7 +39,7 @@ struct PaneWidgetTest : testing::Test {
     void QVERIFY_exposed() { EXPECT_TRUE(QTest::qWaitForWindowExposed(pane.Root())); }
 
     CustomizePaneWidget& Widget() { return pane.Widget(); }
-    // The widget of a field on the page that is seen.
+    // The widget of a field on the visible page.
     template <class T>
     T* Field(const char* keyword) {
         FieldPage* page = Widget().CurrentFieldPage();
@@ -87,7 +87,7 @@ TEST_F(PaneWidgetTest, EditsByMouseAndKeys) {
     EXPECT_EQ(pane.Value("*QVScale"), "25");
     EXPECT_DOUBLE_EQ(scale->value(), 25);
 
-    Go("*QVGutter"); // in tenths of a millimetre, five at a time
+    Go("*QVGutter"); // tenths of a millimetre, in steps of five
     auto* gutter = Field<QDoubleSpinBox>("*QVGutter");
     EXPECT_EQ(gutter->suffix(), QStringLiteral(" mm"));
     gutter->setValue(12.3);
@@ -122,7 +122,7 @@ TEST_F(PaneWidgetTest, PopupsMakeTheirListsWhenTheyAreOpened) {
          {std::tuple{"*QVStaple", 14, Qt::Key_Return}, {"*QVMarks", 0, Qt::Key_Space}}) {
         Go(keyword);
         auto* box = Field<QComboBox>(keyword);
-        QComboBox plain; // the toolkit's own measures
+        QComboBox plain; // for Qt's own sizes
         plain.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         plain.setMinimumContentsLength(characters);
         EXPECT_EQ(box->sizeHint().height(), plain.sizeHint().height());
@@ -172,7 +172,7 @@ TEST_F(PaneWidgetTest, ResolvesAConflictWithOneClickAndTakesItBack) {
     Go("*QVStaple");
     pane.Editor().SetValue("*QVStaple", "Saddle");
     EXPECT_FALSE(Widget().Bar()->isVisible());
-    pane.pane->Set("*QVFinisherUnit", "None"); // no click did it: the printer changed
+    pane.pane->Set("*QVFinisherUnit", "None"); // a change of the printer, without a click
     pane.Draw();
     ASSERT_TRUE(Widget().Bar()->isVisible());
     QTest::mouseClick(Widget().Bar()->ResolveButton(), Qt::LeftButton);
@@ -220,7 +220,7 @@ TEST_F(PaneWidgetTest, KeepsWhatIsTypedToWhatTheNoteAllows) {
 TEST_F(PaneWidgetTest, FindsByNameKeywordAndChoice) {
     QLineEdit* search = Widget().SearchField();
     QTest::keyClicks(search, "ivory");
-    QTest::keyClick(search, Qt::Key_Return); // into what was found
+    QTest::keyClick(search, Qt::Key_Return); // moves the focus to the result
     auto* color = Field<QComboBox>("*QVMediaColor");
     ASSERT_NE(color, nullptr);
     EXPECT_TRUE(color->hasFocus());
@@ -290,7 +290,7 @@ TEST_F(PaneWidgetTest, FollowsWhatChangesElsewhere) {
     pane.interface->customizePane().greyoutShortcutControls(false);
     EXPECT_TRUE(Field<QComboBox>("*QVStaple")->isEnabled());
 
-    // The quick-access area follows its tree.
+    // The quick-access area shows changes of its tree.
     PPDTree tree = UI_Panel::Tree;
     tree.quickAccess = {{"Gamma", "*QVGamma", 0}};
     pane.interface->customizePane().drawControlsInTree(tree);
@@ -347,7 +347,7 @@ TEST_F(PaneWidgetTest, RollDownsOpenAndCloseByKeys) {
 
 TEST_F(PaneWidgetTest, OutlivesItsRootViewAndTheOtherWayRound) {
     const ViewRef view = pane.interface->outputBinsView();
-    delete pane.Root(); // the dialog is gone
+    delete pane.Root(); // the dialog ends
     EXPECT_EQ(widgetOf(view), nullptr);
     pane.Draw();
     pane.interface->setStringValue(PaneOutlet::printerAddress, cfString("10.0.0.1"));

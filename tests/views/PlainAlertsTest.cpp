@@ -9,7 +9,7 @@
 namespace torka {
 namespace {
 
-// Addresses and job names come from outside: an alert shows them, and follows no link in them.
+// Addresses and job names come from outside. An alert shows them as text and opens no link in them.
 TEST(PlainAlerts, ShowMarkupAsText) {
     int labels = 0;
     QTimer::singleShot(0, [&labels] {

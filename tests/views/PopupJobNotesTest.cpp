@@ -14,7 +14,7 @@
 #include <QTest>
 #include <QTimer>
 
-// The popup job-note dialog, with real widgets.
+// Tests the popup job-note dialog and the gauges with real widgets.
 
 namespace torka::tests {
 namespace {
@@ -23,7 +23,7 @@ using testing::ElementsAre;
 
 std::string account(const char* flags, const char* value) {
     const std::string note = jobNote("QVAccount", flags);
-    const std::size_t end = note.rfind("*%QVAccount"); // the default stands before the note's PostScript
+    const std::size_t end = note.rfind("*%QVAccount"); // the default precedes the note's PostScript
     return note.substr(0, end) + "*%DefaultQVAccount: \"" + value + "\"\n" + note.substr(end);
 }
 
@@ -42,7 +42,7 @@ struct Asked {
     }
     ~Asked() { resetPopupJobNotes(); }
 
-    // Asks, and lets `person` work in the dialog; `shown` tells whether there was one.
+    // Asks for the notes and lets `person` use the dialog. `shown` is whether the dialog appeared.
     bool Print(const std::function<void(QDialog&)>& person) {
         shown = false;
         QTimer::singleShot(0, qApp, [&] {
@@ -77,7 +77,7 @@ TEST(PopupJobNotes, AskForEachNoteInItsField) {
         EXPECT_EQ(pin.echoMode(), QLineEdit::Password);
         EXPECT_EQ(first.accessibleName(), "QVFirst name");
         auto* message = dialog.findChild<QLabel*>("popupJobNoteMessage");
-        QTest::keyClick(&dialog, Qt::Key_Return); // required and empty: stays, and says why
+        QTest::keyClick(&dialog, Qt::Key_Return); // a required field is empty: stays open and says so
         EXPECT_TRUE(dialog.isVisible());
         EXPECT_EQ(message->text(), "“QVFirst name” must not be empty.");
         QTest::keyClicks(&first, "12a34");
@@ -139,7 +139,7 @@ TEST(PopupJobNotes, PreferencesAreInForceOnceChanged) {
     const auto accept = [](QDialog& dialog) { dialog.accept(); };
     EXPECT_TRUE(asked.Print(accept));
     EXPECT_FALSE(asked.shown);
-    // What is missing is asked for all the same, and the defaults button makes it ask again.
+    // The dialog still asks for missing values, and the defaults button makes it ask again.
     asked.viewed->Editor().SetValue("*QVAccount", "");
     EXPECT_FALSE(asked.Print([](QDialog& dialog) { dialog.reject(); }));
     EXPECT_TRUE(asked.shown);

@@ -18,7 +18,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 
-// The sample's pane with its presets, by menu and keys.
+// Uses the presets of the sample's pane by menu and keys.
 struct PresetBarTest : testing::Test {
     ScopedMemorySystem system;
     std::unique_ptr<ViewedPane> pane;
@@ -139,7 +139,7 @@ TEST_F(PresetBarTest, AsksBeforeItReplacesAndDeletes) {
                 }
             }
         } else {
-            QTest::keyClick(box, Qt::Key_Return); // keeping is the default
+            QTest::keyClick(box, Qt::Key_Return); // the default button keeps the preset
         }
         Settle();
         EXPECT_EQ(Shown(), really ? "Presets" : "Three");

@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-// A pane with real widgets over a description, without a dialog around it.
+// A pane with real widgets for a description, without a dialog.
 
 namespace torka::tests {
 
@@ -60,7 +60,7 @@ struct ViewedPane {
     std::unique_ptr<QtPaneInterface> interface;
 };
 
-// A description that is a file.
+// A pane with the description in a file.
 inline std::unique_ptr<Pane> paneOfFile(const std::string& path) {
     return std::unique_ptr<Pane>(new Pane(Pane::OfFile(path)));
 }

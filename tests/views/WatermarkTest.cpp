@@ -50,7 +50,7 @@ struct WatermarkTest : testing::Test {
         Type(QString::fromUtf8(text));
         Accept();
     }
-    // What a new panel of this printer reads.
+    // The watermarks that a new panel of this printer reads.
     std::vector<std::string> Kept() {
         PDEData data(pane.pane->model.get(), cfString("Press"), QueueAccess{pane.pane->session, {}},
                      [kept = pane.pane->addressList] { return std::make_unique<StringStore>(kept); });
@@ -131,7 +131,7 @@ TEST_F(WatermarkTest, RefusesWhatNoDefinitionCanHold) {
     EXPECT_EQ(ZANWatermark(odd.Definition().c_str()).FontName(), "AB");
 }
 
-// A red bar of letters, found again in the picture where the definition puts it.
+// Finds a red bar of letters in the picture at the place that the definition gives.
 TEST_F(WatermarkTest, PreviewShowsPlaceAndPaper) {
     WatermarkPreview& preview = *Page().Preview();
     EXPECT_LT(preview.Paper().width(), preview.Paper().height());

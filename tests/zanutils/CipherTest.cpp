@@ -17,7 +17,7 @@ using Block = std::vector<std::uint8_t>;
 const Block aesKey = fromHex("603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4");
 const Block aesVector = fromHex("000102030405060708090a0b0c0d0e0f");
 
-// SP 800-38A, F.2.5 and F.2.6, in pieces so that the chain is carried across calls.
+// SP 800-38A, F.2.5 and F.2.6, in pieces, so that the chain continues across calls.
 TEST(AES256CBC, PublishedChain) {
     const Block plain = fromHex("6bc1bee22e409f96e93d7e117393172aae2d8a571e03ac9c9eb76fac45af8e51"
                                 "30c81c46a35ce411e5fbc1191a0a52eff69f2445df4f9b17ad2b417be66c3710");
@@ -35,7 +35,7 @@ TEST(AES256CBC, PublishedChain) {
     EXPECT_EQ(out, plain);
 }
 
-// FIPS 197, C.3; a second key takes the place of the first in both directions.
+// FIPS 197, C.3. A second key replaces the first in both directions.
 TEST(AES256CBC, PublishedBlockAndNewKey) {
     const Block key = fromHex("000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f");
     const Block plain = fromHex("00112233445566778899aabbccddeeff");
@@ -73,7 +73,7 @@ TEST(AES256CBC, RefusesOtherSizesAndMissingArguments) {
     EXPECT_EQ(length, 32);
 }
 
-// The text with its terminator, then 16 - r bytes of 15 - r.
+// The text with its terminator, then 16 - r bytes with the value 15 - r.
 Block paddedText(const std::string& text) {
     Block bytes(text.begin(), text.end());
     bytes.push_back(0);
@@ -109,7 +109,7 @@ TEST(AES256CBC, PadsTextsItsOwnWay) {
     EXPECT_EQ(paddedText(std::string(15, 'n')).size(), 32U);
 }
 
-// A buffer that is too short gets the first bytes of the same result, and the full length is told.
+// A short buffer receives the first bytes of the same result, and the full length is returned.
 TEST(AES256CBC, WritesNoFurtherThanTheBuffer) {
     const std::string text(40, 'n'); // 41 bytes, 48 with padding
     Block whole(48);
@@ -117,7 +117,7 @@ TEST(AES256CBC, WritesNoFurtherThanTheBuffer) {
     AES256CBC().DoAES256Encrypt(aesKey.data(), aesVector.data(), text.c_str(), whole.data(), &length);
     for (int capacity = -1; capacity <= 48; ++capacity) {
         const auto size = static_cast<std::size_t>(std::max(capacity, 0));
-        Block out(size); // the sanitizers watch its end
+        Block out(size); // the sanitizer checks its end
         length = capacity;
         AES256CBC().DoAES256Encrypt(aesKey.data(), aesVector.data(), text.c_str(),
                                     out.data() ? out.data() : whole.data(), &length);
@@ -152,7 +152,7 @@ TEST(DES, PublishedAnswers) {
         {"8001010101010101", "0000000000000000", "95a8d72813daa94d"},
         {"7ca110454a1a6e57", "01a1d6d039776742", "690f5b0d9a26939b"},
         {"0131d9619dc1376e", "5cd54ca83def57da", "7a389d10354bd271"},
-        // FIPS 46-3 as worked through in SP 500-20; without the key's parity bits the same.
+        // The example of SP 500-20 for FIPS 46-3. The key's parity bits do not matter.
         {"133457799bbcdff1", "0123456789abcdef", "85e813540f0ab405"},
         {"123456789abcdef0", "0123456789abcdef", "85e813540f0ab405"},
     };
@@ -168,7 +168,7 @@ TEST(DES, PublishedAnswers) {
         engine.deskey(fromHex(c.key).data(), DE1);
         engine.cpkey(schedule);
         engine.deskey(aesKey.data(), EN0);
-        engine.deskey(aesKey.data(), 2); // no mode: changes nothing
+        engine.deskey(aesKey.data(), 2); // an invalid mode changes nothing
         engine.usekey(schedule);
         engine.des(block.data(), block.data());
         EXPECT_EQ(toHexText(block), c.plain);
@@ -190,11 +190,11 @@ TEST(DES, AgreesWithOpenSsl) {
     EXPECT_EQ(tests::openSslCipher("-e -des-ecb -nopad -K " + key, plain), cipher);
 }
 
-// The submitters' table of 256-bit keys (ECB_TBL): each answer is the next plain text, the two before it are
-// the key.
+// The submitters' table for 256-bit keys (ECB_TBL). Each cipher text is the next plain text, and the two
+// before it form the key.
 TEST(Twofish, PublishedTable) {
     const std::string zero(32, '0');
-    std::string previous[3] = {zero, zero, zero}; // the answer before, the one before that, and so on
+    std::string previous[3] = {zero, zero, zero}; // the last three cipher texts, the latest first
     for (int i = 1; i <= 49; ++i) {
         Twofish::KeyInstance key;
         Twofish::CipherInstance cipher;
@@ -233,7 +233,8 @@ TEST(Twofish, KeySizesChainingAndRunCipher) {
         Twofish::KeyInstance key;
         Twofish::CipherInstance cipher;
         ASSERT_EQ(Twofish::makeKey(&key, DIR_ENCRYPT, c.bits, c.key), 1);
-        // With a chain of zeros the first block is the published one, and the second starts from its answer.
+        // With a zero vector the first block is the published one, and the second is chained to its cipher
+        // text.
         ASSERT_EQ(Twofish::cipherInit(&cipher, MODE_CBC, nullptr), 1);
         Block out(32);
         ASSERT_EQ(Twofish::blockEncrypt(&cipher, &key, Block(32).data(), 256, out.data()), 256);

@@ -15,7 +15,7 @@ using tests::toHexText;
 
 std::string asText(Bytes bytes) { return {reinterpret_cast<const char*>(bytes.data()), bytes.size()}; }
 
-// The sample field keys are installed; what is attached afterwards uses them.
+// Installs the sample field keys. Service providers that are attached later use them.
 class CryptoService : public testing::Test {
 protected:
     CryptoService() {
@@ -43,7 +43,7 @@ protected:
     CSSM_CSP_HANDLE csp;
 };
 
-// RFC 6070, and the iterations and key form that stored strings use.
+// RFC 6070, and the number of iterations and the key length of stored strings.
 TEST_F(CryptoService, DerivesPublishedKeys) {
     const struct {
         const char* password;
@@ -77,7 +77,7 @@ TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
     const struct {
         CSSM_ALGORITHMS algorithm;
         std::size_t keyBytes;
-        std::size_t blockBytes; // 1 for a stream
+        std::size_t blockBytes; // 1 for a stream cipher
         const char* name;
     } cases[] = {
         {CSSM_ALGID_AES, 16, 16, "-aes-128-cbc"},
@@ -106,7 +106,7 @@ TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
             ASSERT_EQ(cdsaDecrypt(csp, key, cipher, back), CSSM_OK);
             EXPECT_EQ(asText(back), plain);
 
-            // The same in pieces of five bytes.
+            // The same text in pieces of five bytes.
             SecureBuffer pieces;
             SecureBuffer backPieces;
             CSSM_CC_HANDLE context;
@@ -205,7 +205,7 @@ TEST_F(CryptoService, RsaWithOpenSsl) {
     const std::string dataFile = folder.Write("data", data).string();
     const auto path = [&](const char* name) { return (folder / name).string(); };
 
-    // Our keys and signatures, taken by openssl.
+    // openssl accepts our keys and signatures.
     CSSM_KEY ourPublic;
     CSSM_KEY ourPrivate;
     ASSERT_EQ(cdsaGenerateKeyPair(csp, CSSM_ALGID_RSA, 1024, ourPublic, ourPrivate), CSSM_OK);
@@ -239,7 +239,7 @@ TEST_F(CryptoService, RsaWithOpenSsl) {
                   CSSMERR_CSP_INVALID_SIGNATURE);
     }
 
-    // openssl's key and signature, taken by us.
+    // We accept openssl's key and signature.
     openSsl("genrsa -out " + path("their.pem") + " 2048");
     openSsl("rsa -traditional -in " + path("their.pem") + " -outform DER -out " + path("their.der"));
     openSsl("rsa -in " + path("their.pem") + " -RSAPublicKey_out -outform DER -out " + path("theirs.der"));
@@ -290,7 +290,7 @@ TEST_F(CryptoService, DiffieHellmanExchange) {
         ASSERT_EQ(cdsaDhKeyExchange(csp, ourPrivate, theirPublic.data, CSSM_ALGID_AES, 256, ours), CSSM_OK);
         ASSERT_EQ(cdsaDhKeyExchange(csp, theirPrivate, ourPublic.data, CSSM_ALGID_AES, 256, theirs), CSSM_OK);
         EXPECT_EQ(ours.data, theirs.data);
-        // Python's powers are the judge.
+        // Python computes the expected powers.
         const std::string prime = toHexText(parameters).substr(bits == 1536 ? 14 : 18, bits / 4);
         EXPECT_EQ(tests::runPython("import sys\nb,e,p=(int(v,16) for v in sys.argv[1:])\n"
                                    "print('%0*x' % (len(sys.argv[3]), pow(b,e,p)), end='')",
@@ -298,7 +298,7 @@ TEST_F(CryptoService, DiffieHellmanExchange) {
                       .substr(0, 64),
                   toHexText(ours.data));
     }
-    // Values whose powers anyone can guess, and parameters that are none.
+    // Values with powers that anyone can guess, and invalid parameters.
     SecureBuffer value(ourPublic.data.size());
     EXPECT_EQ(cdsaDhKeyExchange(csp, ourPrivate, value, CSSM_ALGID_AES, 256, ours), CSSMERR_CSP_INVALID_DATA);
     value.back() = 1;
@@ -346,7 +346,7 @@ TEST_F(CryptoService, StoredStringsTellWhatFailed) {
     EXPECT_EQ(printed(cfString("AAAAAAAAAAAAAAAAAAAAAA=="), password, false),
               "cdsaDecrypt: CSSMERR_CSP_INVALID_DATA\n");
     EXPECT_EQ(printed(cfString("text"), nullptr, true), "DeriveKey: CSSMERR_CSP_MISSING_ATTR_KEY\n");
-    // Without field keys there is no vector, and no other is taken in its place.
+    // Without field keys there is no vector, and no other vector replaces it.
     installFieldKeys(nullptr);
     EXPECT_EQ(printed(cfString("text"), password, true),
               "cdsaEncrypt: CSSMERR_CSP_MISSING_ATTR_INIT_VECTOR (no field keys are installed)\n");

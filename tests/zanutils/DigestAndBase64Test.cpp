@@ -47,7 +47,7 @@ TEST(SHA1, PublishedDigests) {
     EXPECT_EQ(digestText(sha), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
 }
 
-// Every length around the block borders, in pieces of every size.
+// Every length around the block limits, in pieces of every size.
 TEST(SHA1, LengthsAndPieces) {
     std::string message;
     for (std::size_t length = 0; length <= 130; ++length, message += static_cast<char>('A' + length % 61)) {
@@ -133,7 +133,7 @@ TEST(Base64Encoder, OnlyTheFirstLineIsWrapped) {
 
 TEST(Base64Decoder, SkipsEndsAndCarriesOn) {
     EXPECT_EQ(decode({"Zm\n9v*YmF-y"}), "foobar");
-    EXPECT_EQ(decode({"Z", "", "m9", "vYmFyZ", "g"}), "foobar"); // the rest of a group waits in vain
+    EXPECT_EQ(decode({"Z", "", "m9", "vYmFyZ", "g"}), "foobar"); // the incomplete last group gives nothing
     EXPECT_EQ(decode({"Zm8=Zm8=", "Zm8="}), "fo");
     EXPECT_EQ(decode({"=", "Zm9v"}), "");
     EXPECT_EQ(decode({"Z=", "Zm9v"}), "");

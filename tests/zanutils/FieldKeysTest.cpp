@@ -17,7 +17,7 @@ using tests::toHexText;
 
 const char* const samplePath = TORKA_SOURCE_DIR "/samples/FieldKeys.plist";
 
-// Every value of the option against python's own reading of the same list.
+// Compares every value of the option with Python's reading of the same list.
 TEST(FieldKeys, ChoosesAsTheListSays) {
     const std::string list = tests::readFile(samplePath);
     std::string error;
@@ -104,8 +104,8 @@ TEST(FieldKeys, InstalledFile) {
     setSystem(nullptr);
 }
 
-// Whoever may change the file, a folder above it or a link on the way chooses the keys. Each case changes one
-// thing of a good place, names what must be refused ("" for nothing), and is undone with the folder.
+// Anybody who can change the file, a folder above it or a link on its path can choose the keys. Each case
+// changes one property of a good place and names the path that must be refused; "" for none.
 TEST(FieldKeys, RefusesWhatOthersMayReplace) {
     namespace fs = std::filesystem;
     if (::geteuid() != 0) {
@@ -126,7 +126,7 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
     const auto owner = [](const std::string& name) {
         return [=](const fs::path& root) { ASSERT_EQ(::lchown((root / name).c_str(), other, other), 0); };
     };
-    // The folder of the file lies elsewhere and a link leads there.
+    // The file's folder lies elsewhere, and a link leads to it.
     const auto moved = [&](const std::string& folder, bool isAbsolute) {
         return [=](const fs::path& root) {
             fs::create_directories(root / folder);
@@ -170,7 +170,7 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
          keysName, "cannot be read"},
     };
     for (const Case& entry : cases) {
-        const tests::TemporaryFolder folder; // below a sticky folder, in which the walk does not look
+        const tests::TemporaryFolder folder; // below a sticky folder, which the walk does not check
         const fs::path root = folder / "root";
         fs::create_directories(root / zan);
         fs::copy_file(samplePath, root / keysName);

@@ -9,7 +9,7 @@
 
 namespace torka::tests {
 
-// Runs openssl with blank-separated arguments; what it prints. Fails the test when openssl does.
+// Runs openssl with blank-separated arguments and returns its output. Fails the test when openssl fails.
 inline std::string openSsl(const std::string& arguments, std::string_view input = {}) {
     std::vector<std::string> words{"openssl"};
     std::size_t start = 0;
@@ -23,7 +23,7 @@ inline std::string openSsl(const std::string& arguments, std::string_view input 
     return result.output;
 }
 
-// What `openssl enc` makes of the bytes, with the old ciphers at hand.
+// The bytes enciphered by `openssl enc`, with the legacy ciphers enabled.
 inline std::vector<std::uint8_t> openSslCipher(const std::string& options,
                                                std::span<const std::uint8_t> input) {
     const std::string output = openSsl("enc " + options + " -provider legacy -provider default",

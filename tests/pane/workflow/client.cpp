@@ -1,6 +1,6 @@
-// A workflow client library for tests: it writes down each call with its arguments, a line each, into the
-// file that WORKFLOW_CALLS names. An address of "nobody" opens no session. The identifier ends in the job's
-// name when that begins with a '#'.
+// A workflow client library for tests. It writes each call and its arguments as a line into the file that
+// WORKFLOW_CALLS names. The address "nobody" opens no session. The identifier ends in the job's name when the
+// name begins with '#'.
 
 #include <cstdio>
 #include <cstdlib>
