@@ -30,7 +30,7 @@ public:
     // ValidConverter() is false for an unknown encoding. The language version is stored only with a known
     // one.
     TextConverter(CFStringEncoding encoding, const char* version);
-    // Of a description; null counts as one that says nothing.
+    // Uses the encoding of a description; null counts as a description without one.
     explicit TextConverter(const DescriptionLanguage* description);
     TextConverter(const TextConverter&) = delete;
     TextConverter& operator=(const TextConverter&) = delete;
@@ -41,7 +41,7 @@ public:
     static CFStringEncoding LanguageStringToEncoding(const char* name);
 
     static CFStringEncoding GetPPDEncoding(const DescriptionLanguage* description);
-    // The encoding of narrow text in the system, read at construction.
+    // The encoding of narrow text in the system, read by the constructor.
     CFStringEncoding GetCurrentEncoding() const { return currentEncoding; }
     // The encoding of the C strings that the conversions write.
     CFStringEncoding GetOutputEncoding() const { return currentEncoding; }

@@ -85,7 +85,7 @@ void PrintDialog::BringPaneToFront() {
 
 void PrintDialog::showPane() {
     BringPaneToFront();
-    // The toolkit's dialog is sized for a handful of radio buttons.
+    // Qt sizes its dialog for a few radio buttons; the pane needs more space.
     const QFontMetrics metrics = fontMetrics();
     resize(size()
                .expandedTo({metrics.averageCharWidth() * 140, metrics.height() * 54})

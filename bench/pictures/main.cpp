@@ -45,7 +45,8 @@ std::shared_ptr<const std::string> sampleData() {
     return std::make_shared<const std::string>(std::move(file));
 }
 
-// Two-way communication without a queue: the sample's records, or a controller that does not answer.
+// Simulates two-way communication without a queue: the sample's records, or a controller that does not
+// answer.
 GaugeSource sampleGauges() {
     return {[] { return true; }, [] { return gaugeState; }, sampleData, [] {}, [](auto) {}};
 }

@@ -35,9 +35,9 @@ struct Tray {
 
 struct Toner {
     std::string name;
-    std::int32_t level = SDM_LEVEL_UNKNOWN; // percent, of a waste box what is taken
+    std::int32_t level = SDM_LEVEL_UNKNOWN; // percent; of a waste box the used part
     std::int32_t lowLevel = SDM_LEVEL_UNKNOWN;
-    std::string color; // "#rrggbb", several one after the other
+    std::string color; // "#rrggbb", one or more without a separator
     std::int32_t highLevel = SDM_LEVEL_UNKNOWN;
     std::int32_t capacity = SDM_LEVEL_UNKNOWN;
     std::int32_t kind = SDM_SUPPLY_OTHER;

@@ -19,7 +19,7 @@ constexpr std::size_t mostEntries = 1000;
 constexpr std::size_t mostText = 255;
 constexpr double pointsPerHundredth = 72.0 / 2540.0; // of a millimetre
 
-// As the module counts them.
+// Levels as the module defines them.
 constexpr std::int32_t unknown = SDM_LEVEL_UNKNOWN;
 constexpr std::int32_t unlimited = SDM_LEVEL_UNLIMITED;
 constexpr std::int32_t some = SDM_LEVEL_SOME;

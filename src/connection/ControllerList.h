@@ -19,8 +19,8 @@
 
 namespace torka {
 
-// One line of plain text: control characters, line and paragraph separators and marks that turn the direction
-// of writing become U+FFFD; cut after 255 units.
+// A name as one line of plain text. Control characters, line and paragraph separators and marks for the
+// direction of writing become U+FFFD. The text is cut after 255 units.
 CFStringRef plainServiceName(std::string_view utf8);
 
 struct FoundController {

@@ -5,9 +5,8 @@
 
 namespace torka {
 
-// Every "EFBBBF" replaced by the byte-order mark of UTF-8. A replacement may complete another "EFBBBF" with
-// what stands around it only if the mark held such letters, which it does not: one pass gives what scanning
-// again from the start gives.
+// Replaces every "EFBBBF" by the byte-order mark of UTF-8. One pass is enough: the mark holds none of these
+// letters, so a replacement cannot complete another "EFBBBF".
 std::string withByteOrderMarks(std::string_view text);
 
 // Replaces the first occurrence of `pattern`, "(" or ")", by its octal escape "\050" or "\051". Leaves later

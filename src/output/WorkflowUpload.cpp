@@ -23,7 +23,7 @@ using OpenSession = int (*)(const char*, const char*, const char*, const char*, 
 using CreateNewJob = int (*)(void*, const char*, const char*, const char*, char*);
 using CloseSession = int (*)(void*);
 
-// The value cut to what fits `size` bytes with its terminator.
+// Returns the value, cut so that it fits `size` bytes with its terminator.
 std::string controlText(const ZANPPD& description, const char* keyword, std::size_t size) {
     std::string text = utf8Text(description.CopyValueForKey(cfString(keyword)));
     if (text.size() >= size) {

@@ -58,9 +58,9 @@ public:
     virtual std::string CreateUuidString() = 0;
 
     virtual std::chrono::steady_clock::time_point Now() const = 0;
-    // By the clock that dates files and jobs; it may be set back.
+    // The time of the clock that dates files and jobs. This clock may be set back.
     virtual std::chrono::system_clock::time_point CalendarTime() const = 0;
-    // Returns early, with false, when the wait was cancelled.
+    // Returns false early when the wait is cancelled.
     virtual bool Sleep(std::chrono::milliseconds duration) = 0;
 
     // Makes a folder of mode 0700, and its parents, unless it exists.

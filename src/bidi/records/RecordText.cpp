@@ -30,12 +30,12 @@ constexpr std::size_t mostPositions = 65536;
 
 constexpr std::size_t nowhere = std::string_view::npos;
 
-// Where chunks of the named records may stand in a text: behind each name, wherever it is in a line, four
-// digits of a number. Found in one pass, which a search of its own for each record that lacks its end mark is
-// not.
+// The places where chunks of the named records may stand in a text: each name, anywhere in a line, with four
+// digits behind it. One pass finds them all. A search of its own for each record without an end mark would
+// read the rest of the text each time.
 class ChunkPlaces {
 public:
-    // Both must outlive this.
+    // REQUIRES: both outlive the object.
     ChunkPlaces(std::string_view content, const std::vector<std::string>& names)
         : text(content) {
         std::set<std::size_t> lengths;
@@ -73,7 +73,7 @@ private:
                 break;
             }
             const auto found = places.find(text.substr(number - length, length));
-            // A text made of numbers does not fill the memory: such a name is searched for.
+            // The limit holds for texts made of digits. Find searches the text for a name that reaches it.
             if (found != places.end() && found->second.size() < mostPositions) {
                 found->second.push_back(static_cast<std::uint32_t>(number));
             }
@@ -84,10 +84,10 @@ private:
     std::unordered_map<std::string_view, std::vector<std::uint32_t>> places;
 };
 
-// `find` gives the first place of a chunk's text at or after a position.
+// `find` returns the first position of a chunk's text at or after a position.
 //
-// The first place of a chunk name in the text lies in the first line that holds it, since no chunk name holds
-// a line end. Usually that is where the line before ended.
+// The first occurrence of a chunk name lies in the first line that holds it, because a chunk name has no line
+// end. Usually it is the next line.
 template <typename Find>
 RecordBlock readRecord(std::string_view text, std::size_t position, ChunkName chunk, Find find,
                        std::size_t& size) {
@@ -158,7 +158,7 @@ std::vector<std::string> RecordText::Names() const {
     std::unordered_set<std::string_view> seen;
     for (std::size_t at = findFrom(text, firstNumber, 0); at != nowhere;
          at = findFrom(text, firstNumber, at + 1)) {
-        // A name stands at the start of its line, and its number is followed by ": ".
+        // A name stands at the start of its line, and ": " follows its number.
         const std::size_t first = at > maximumRecordName ? at - maximumRecordName - 1 : 0;
         const std::string_view before = text.substr(first, at - first);
         const std::size_t lineStart = before.find_last_of("\r\n");

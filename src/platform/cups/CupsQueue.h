@@ -15,11 +15,12 @@ int submitFile(const std::string& queueName, const std::string& path, const std:
                const JobOptions& options, std::string& error);
 
 struct JobStatus {
-    int state = 0;       // as IPP numbers them: 3 pending to 9 completed; 0 when the server does not answer
-    std::string message; // what the filters and the backend said last, or why there is no answer
-    bool isGone =
-        false; // the server answers, and lists no such job: it never was, or its history is not kept
-    // Stopped, cancelled, aborted or completed: a stopped job waits for somebody who starts it again.
+    int state = 0;       // RFC 8011, 5.3.7: 3 pending to 9 completed; 0 when the server does not answer
+    std::string message; // the last message of the filters and the backend, or why there is no answer
+    // The server answers but lists no such job: there never was one, or the server keeps no history.
+    bool isGone = false;
+    // Stopped, cancelled, aborted or completed. A stopped job counts, because it waits until somebody
+    // restarts it.
     bool IsOver() const { return state >= 6; }
 };
 JobStatus jobStatus(int job);

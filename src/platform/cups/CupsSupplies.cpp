@@ -113,8 +113,8 @@ bool takeApart(const std::string& uri, Device& device) {
     return status >= HTTP_URI_STATUS_OK && (scheme == "ipp" || scheme == "ipps");
 }
 
-// The library looks a host name up, and opens an enciphered connection, without a limit of time: a thread
-// does it, and is left behind when it is late. `limit` holds for each of the two.
+// libcups looks up a host name and opens an enciphered connection without a time limit. A thread does both,
+// and continues alone when it is late. `limit` holds for each of the two.
 Connection connectionTo(const Device& device, std::chrono::milliseconds limit) {
     std::packaged_task<Connection()> connect([device, limit] {
         const bool isEnciphered = std::string_view(device.scheme.data()) == "ipps";
@@ -127,7 +127,7 @@ Connection connectionTo(const Device& device, std::chrono::milliseconds limit) {
     return connected.wait_for(2 * limit) == std::future_status::ready ? connected.get() : nullptr;
 }
 
-// Ends a conversation that takes too long: a device may send a byte now and then for ever.
+// Shuts down a connection after the limit: a device could otherwise send single bytes for ever.
 class Deadline {
 public:
     Deadline(int descriptor, std::chrono::milliseconds limit)

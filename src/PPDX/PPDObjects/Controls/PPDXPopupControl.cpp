@@ -12,7 +12,7 @@ namespace torka {
 
 namespace {
 
-// The field of item n: "item3.keyword".
+// Returns the field of item n, such as "item3.keyword".
 std::string itemField(std::size_t number, const char* field) {
     return "item" + std::to_string(number) + "." + field;
 }

@@ -14,8 +14,8 @@ namespace torka {
 namespace {
 constexpr std::size_t mostUnclosedValues = 10000;
 
-// A line that no PostScript value holds, although it begins with "*%": where it stands the closing quote was
-// forgotten, and its element must not be lost with the value.
+// These lines end a PostScript value although they begin with "*%": the closing quote is missing, and the
+// element must not become part of the value.
 bool endsValue(std::string_view line) {
     const ElementKeyword* element = findElementKeyword(line.substr(0, line.find_first_of(" \t:")));
     return element != nullptr && element->endsValue;
@@ -23,7 +23,7 @@ bool endsValue(std::string_view line) {
 
 } // namespace
 
-// Takes the bytes of a value as far as they fit.
+// Collects the bytes of a value as far as they fit.
 struct PPDX::ValueWriter {
     char* out;
     std::size_t room; // without the bytes written at the end

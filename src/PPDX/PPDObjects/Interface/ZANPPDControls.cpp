@@ -57,7 +57,7 @@ bool closesBlock(std::string_view keyword) {
            keyword == "*EndUI";
 }
 
-// A line that no block contains: where it stands the closing line was forgotten.
+// No block contains these lines: the block's closing line is missing.
 bool endsBlock(std::string_view keyword) {
     const ElementKeyword* element = findElementKeyword(keyword);
     return element != nullptr && element->endsBlock;
