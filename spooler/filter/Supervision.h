@@ -11,9 +11,9 @@ namespace torka::filter {
 // Runs `work` in a process of its own and returns its exit status. When a signal ended that process, reports
 // the signal to the server and returns 1, which stops the job.
 //
-// The waiting process holds neither the document nor the connection to the next filter. The working process
-// ends with it. A cancelled job ends both, because the server signals the whole process group. When no
-// process can be made, `work` runs in this one.
+// The waiting process holds neither the document nor the connection to the next filter. It passes SIGTERM on
+// and ends after the working process; when it is killed, the working process gets SIGTERM. When no process
+// can be made, `work` runs in this one.
 int supervise(const std::function<int()>& work);
 
 } // namespace torka::filter
