@@ -228,7 +228,7 @@ public:
     FilterKiller(const FilterKiller&) = delete;
     FilterKiller& operator=(const FilterKiller&) = delete;
     ~FilterKiller() { End(); }
-    // The jobs whose filter was killed before the server's eyes.
+    // Ends the killing. Returns the jobs whose watching process was killed.
     std::set<int> End() {
         isOver = true;
         if (worker.joinable()) {
