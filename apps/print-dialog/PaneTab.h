@@ -32,7 +32,7 @@ public:
     // Lets the panel write the job's settings and send its ticket. True without a panel. False when the job
     // must not be printed; the panel has then shown the reason.
     bool preparePrint();
-    // REQUIRES a call before the dialog closes, with or without a job.
+    // The dialog has to call this before it closes, with or without a job.
     void dialogWillClose();
     // Tell the panel about a change in the dialog's own tabs.
     void copiesChanged(int copies);

@@ -17,7 +17,7 @@ enum class ExitStatus {
 
 // Writes one line to standard error, "torka: WHAT". Returns `unusable`.
 ExitStatus unusable(std::string_view what);
-// Writes the same line; the command goes on.
+// Writes one line in the same form, for a command that continues.
 void warn(std::string_view what);
 // Writes text to standard output. outputFailed reports a failure (a full disk, a closed pipe).
 void print(std::string_view text);

@@ -1,8 +1,8 @@
 #!/bin/sh
-# A local net of its own on loopback, for one test: run as `unshare --net --mount sh network.sh FOLDER TOOL PROBE`.
+# Makes a local network on loopback for one test: run as `unshare --net --mount sh network.sh FOLDER TOOL PROBE`.
 #
-# FOLDER gets what the two programs print. The probe starts before the daemon, which is stopped again as soon as the
-# probe has made FOLDER/listed. Exit status 99: such a net cannot be made here.
+# FOLDER receives the output of the two programs. The probe starts before the daemon. The script stops the daemon when the
+# probe has made FOLDER/listed. Exit status 99: this machine does not allow such a network.
 set -u
 folder=$1 tool=$2 probe=$3
 

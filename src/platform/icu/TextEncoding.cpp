@@ -203,7 +203,7 @@ bool isAscii(std::u16string_view units) {
 }
 
 // Whether the bytes are ASCII with the same meaning in this encoding. The classic Japanese encodings and
-// non-lossy ASCII change the meaning of the backslash.
+// non-lossy ASCII change the meaning of the backslash. REQUIRES: a known encoding.
 bool isPlain(std::string_view bytes, CFStringEncoding encoding) {
     if (encoding == kCFStringEncodingUTF16 || !isAscii(bytes)) {
         return false;

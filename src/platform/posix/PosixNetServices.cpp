@@ -112,7 +112,7 @@ public:
             freeaddrinfo(request.ar_result);
         }
     }
-    // Both return true when the look-up is over.
+    // All three return true when the look-up is over.
     bool Wait() {
         getaddrinfo(name.c_str(), nullptr, &hints, &request.ar_result);
         return true;
