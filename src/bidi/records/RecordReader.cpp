@@ -34,7 +34,7 @@ bool RecordReader::Grow() {
         noMemory = true;
         return false;
     }
-    static_cast<void>(block.release()); // realloc owns the old block now
+    static_cast<void>(block.release()); // realloc has taken over the block
     block.reset(moved);
     capacity = larger;
     return true;
