@@ -64,20 +64,23 @@ struct Lines {
                 options.back().choices.push_back(choice.substr(0, choice.find('/')));
             }
         }
-        if (options.empty() || constraints.empty())
+        if (options.empty() || constraints.empty()) {
             throw std::runtime_error("no description in " + path);
+        }
     }
 };
 
 std::unique_ptr<UIConstraints> fillStore(const Lines& lines) {
     auto store = std::make_unique<UIConstraints>();
     for (const Option& option : lines.options) {
-        for (const std::string& choice : option.choices)
+        for (const std::string& choice : option.choices) {
             store->KVSInsert(option.keyword, choice);
+        }
         store->UpdateKVCache(option.keyword, option.choices.front());
     }
-    for (const auto& c : lines.constraints)
+    for (const auto& c : lines.constraints) {
         store->Add(c.at(0), c.at(1), c.at(2), c.at(3), false);
+    }
     store->Resolve();
     return store;
 }
@@ -89,8 +92,9 @@ struct Description {
         , lines(path) {
         double before = heapInUse();
         ppd = ppdOpenFile(path.c_str());
-        if (ppd == nullptr || ppd->num_consts != static_cast<int>(lines.constraints.size()))
+        if (ppd == nullptr || ppd->num_consts != static_cast<int>(lines.constraints.size())) {
             throw std::runtime_error("libcups does not read the whole of " + path);
+        }
         cupsHeap = heapInUse() - before;
         ppdMarkDefaults(ppd);
         before = heapInUse();
@@ -98,12 +102,14 @@ struct Description {
         storeHeap = heapInUse() - before;
 
         // The choice to resolve is the first one that conflicts with the defaults.
-        for (const Option& option : lines.options)
-            for (const std::string& choice : option.choices)
+        for (const Option& option : lines.options) {
+            for (const std::string& choice : option.choices) {
                 if (changeChoice.empty() && store->IsKVConstrained(option.keyword, choice)) {
                     changeKeyword = option.keyword;
                     changeChoice = choice;
                 }
+            }
+        }
     }
 
     std::string path;
@@ -119,8 +125,9 @@ struct Description {
 Description& description(const std::string& size) {
     static std::map<std::string, std::unique_ptr<Description>> open;
     std::unique_ptr<Description>& entry = open[size];
-    if (entry == nullptr)
+    if (entry == nullptr) {
         entry = std::make_unique<Description>(size);
+    }
     return *entry;
 }
 
@@ -131,7 +138,7 @@ void sweepCups(benchmark::State& state, const std::string& size) {
     int forbidden = 0;
     for (auto _ : state) {
         forbidden = 0;
-        for (const Option& option : d.lines.options)
+        for (const Option& option : d.lines.options) {
             for (const std::string& choice : option.choices) {
                 cups_option_t* options = nullptr;
                 const int count =
@@ -139,6 +146,7 @@ void sweepCups(benchmark::State& state, const std::string& size) {
                 cupsFreeOptions(count, options);
                 forbidden += count > 0 ? 1 : 0;
             }
+        }
     }
     state.counters["forbidden"] = forbidden;
 }
@@ -148,9 +156,11 @@ void sweepTorka(benchmark::State& state, const std::string& size) {
     int forbidden = 0;
     for (auto _ : state) {
         forbidden = 0;
-        for (const Option& option : d.lines.options)
-            for (const std::string& choice : option.choices)
+        for (const Option& option : d.lines.options) {
+            for (const std::string& choice : option.choices) {
                 forbidden += d.store->IsKVConstrained(option.keyword, choice) ? 1 : 0;
+            }
+        }
     }
     state.counters["forbidden"] = forbidden;
 }
@@ -175,8 +185,9 @@ void setCups(benchmark::State& state, const std::string& size) {
 void setTorka(benchmark::State& state, const std::string& size, bool wholeSelection) {
     Description& d = description(size);
     const auto setDefaults = [&] {
-        for (const Option& option : d.lines.options)
+        for (const Option& option : d.lines.options) {
             d.store->UpdateKVCache(option.keyword, option.choices.front());
+        }
     };
     const torka::CStringSoup& strings = *d.store->GetConstraintStrings();
     torka::ConstraintsEngine& engine = *d.store->GetEngine();
@@ -245,8 +256,9 @@ void fillCups(benchmark::State& state, const std::string& size) {
 
 void fillTorka(benchmark::State& state, const std::string& size) {
     Description& d = description(size);
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(fillStore(d.lines));
+    }
     state.counters["heap_KiB"] = d.storeHeap / 1024;
 }
 
@@ -255,8 +267,9 @@ void fillTorka(benchmark::State& state, const std::string& size) {
 void wildcardTorka(benchmark::State& state) {
     constexpr int count = 5000;
     std::vector<std::string> names;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         names.push_back("Choice" + std::to_string(i));
+    }
     double lineBytes = 0;
     int forbidden = 0;
     for (auto _ : state) {
@@ -270,8 +283,9 @@ void wildcardTorka(benchmark::State& state) {
         store.Resolve();
         store.UpdateKVCache("*Two", "Choice42");
         forbidden = 0;
-        for (const std::string& name : names)
+        for (const std::string& name : names) {
             forbidden += store.IsKVConstrained("*One", name) ? 1 : 0;
+        }
         lineBytes = heapInUse() - before;
     }
     state.counters["line_KiB"] = lineBytes / 1024;
@@ -289,8 +303,9 @@ void registerBoth(const std::string& task, const std::string& size,
                                               [=](benchmark::State& state) { torka(state, size); });
     peer->Unit(benchmark::kMillisecond);
     ours->Unit(benchmark::kMillisecond);
-    if (slow)
+    if (slow) {
         peer->Iterations(1);
+    }
 }
 
 } // namespace
@@ -314,8 +329,9 @@ int main(int argc, char** argv) {
     }
     benchmark::RegisterBenchmark("wildcard/5000x5000/torka", wildcardTorka)->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;
+    }
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;

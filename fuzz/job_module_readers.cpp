@@ -17,14 +17,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 void require(bool holds) {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }
 
 void readDescription(std::string_view text) {
     const auto description = PrinterDescription::FromText(text);
-    for (const DescribedSetting& setting : description.Settings())
+    for (const DescribedSetting& setting : description.Settings()) {
         require(description.Find(setting.key) == &setting);
+    }
 }
 
 // A definition that was written is read and written again unchanged.
@@ -37,8 +39,9 @@ void readWideText(std::string_view text) {
     std::wstring wide;
     for (std::size_t i = 0; i + 4 <= text.size(); i += 4) {
         std::uint32_t unit = 0;
-        for (std::size_t byte = 0; byte < 4; ++byte)
+        for (std::size_t byte = 0; byte < 4; ++byte) {
             unit = unit << 8 | static_cast<std::uint8_t>(text[i + byte]);
+        }
         wide += static_cast<wchar_t>(unit);
     }
     const std::string clean = fromWide(wide.c_str());
@@ -54,8 +57,9 @@ void readWideText(std::string_view text) {
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0)
+    if (size == 0) {
         return 0;
+    }
     const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
     switch (*data) {
     case 'd':

@@ -43,8 +43,9 @@ template <typename Take>
 SDMRESULT withList(JPHANDLE handle, const SDMKeyValueList* list, Take&& take) noexcept {
     return withSession(handle, [&](Session& session) -> SDMRESULT {
         KeyValues values;
-        if (!readList(list, values))
+        if (!readList(list, values)) {
             return SDM_NOT_AVAILABLE;
+        }
         take(session, values);
         return SDM_SUCCESS;
     });
@@ -54,11 +55,13 @@ SDMRESULT withList(JPHANDLE handle, const SDMKeyValueList* list, Take&& take) no
 
 SDMRESULT JP1_1BeginSession(const SDMCallbackSlot* table, JPHANDLE* session) {
     return guarded([&]() -> SDMRESULT {
-        if (session == nullptr)
+        if (session == nullptr) {
             return SDM_NOT_AVAILABLE;
+        }
         *session = nullptr;
-        if (table == nullptr || table[SDM_SLOT_VERSION].number < SDM_CALLBACK_VERSION)
+        if (table == nullptr || table[SDM_SLOT_VERSION].number < SDM_CALLBACK_VERSION) {
             return SDM_NOT_AVAILABLE;
+        }
         *session = Sessions::All().Begin(table);
         return *session == nullptr ? SDM_NOT_AVAILABLE : SDM_SUCCESS;
     });
@@ -92,11 +95,13 @@ SDMRESULT JP1_1SetJobVeiledKeys(JPHANDLE session, const SDMKeyValueList* list) {
 SDMRESULT JP1_1SetWatermarks(JPHANDLE session, const JPWatermarkList* list) {
     return withSession(session, [&](Session& found) -> SDMRESULT {
         if (list == nullptr || list->count > maximumListLength ||
-            (list->count > 0 && list->definitions == nullptr))
+            (list->count > 0 && list->definitions == nullptr)) {
             return SDM_NOT_AVAILABLE;
+        }
         std::vector<std::string> definitions; // positions count, so a missing one becomes an empty one
-        for (std::size_t i = 0; i < list->count; ++i)
+        for (std::size_t i = 0; i < list->count; ++i) {
             definitions.push_back(fromWide(list->definitions[i]));
+        }
         found.settings.HandOverWatermarks(std::move(definitions));
         return SDM_SUCCESS;
     });
@@ -105,8 +110,9 @@ SDMRESULT JP1_1SetWatermarks(JPHANDLE session, const JPWatermarkList* list) {
 SDMRESULT JP1_1OpenUI(JPHANDLE session, const char* title, int32_t /*flags*/, int32_t /*reserved*/,
                       int32_t* result) {
     return withSession(session, [&](Session& found) -> SDMRESULT {
-        if (result == nullptr || found.isOpen)
+        if (result == nullptr || found.isOpen) {
             return SDM_NOT_AVAILABLE;
+        }
         *result = 1;
         const std::size_t length = title == nullptr ? 0 : ::strnlen(title, maximumTitleBytes);
         const std::string shown = cleanUtf8(std::string_view(length == 0 ? "" : title, length));
@@ -123,18 +129,23 @@ SDMRESULT JP1_1OpenUI(JPHANDLE session, const char* title, int32_t /*flags*/, in
 SDMRESULT JP1_1GetJobKeyValues(JPHANDLE session, int32_t /*flags*/, SDMKeyValueList** list,
                                void* /*reserved*/) {
     return withSession(session, [&](Session& found) -> SDMRESULT {
-        if (list == nullptr)
+        if (list == nullptr) {
             return SDM_NOT_AVAILABLE;
+        }
         *list = nullptr;
-        if (found.script && found.script->GetFails())
+        if (found.script && found.script->GetFails()) {
             return SDM_NOT_AVAILABLE;
-        if (found.script && found.script->ReturnsNull())
+        }
+        if (found.script && found.script->ReturnsNull()) {
             return SDM_SUCCESS;
+        }
         std::vector<WideEntry> entries;
-        for (const JobSetting& setting : found.settings.Settings())
+        for (const JobSetting& setting : found.settings.Settings()) {
             entries.push_back({toWide(setting.key), toWide(setting.value)});
-        if (found.script)
+        }
+        if (found.script) {
             found.script->Spoil(entries);
+        }
         *list = newSettingList(entries);
         return *list == nullptr ? SDM_NOT_AVAILABLE : SDM_SUCCESS;
     });
@@ -142,14 +153,17 @@ SDMRESULT JP1_1GetJobKeyValues(JPHANDLE session, int32_t /*flags*/, SDMKeyValueL
 
 SDMRESULT JP1_1GetWatermarks(JPHANDLE session, JPWatermarkList** list) {
     return withSession(session, [&](Session& found) -> SDMRESULT {
-        if (list == nullptr)
+        if (list == nullptr) {
             return SDM_NOT_AVAILABLE;
+        }
         *list = nullptr;
-        if (!found.settings.HasWatermarkList() || (found.script && found.script->ReturnsNull()))
+        if (!found.settings.HasWatermarkList() || (found.script && found.script->ReturnsNull())) {
             return SDM_SUCCESS;
+        }
         std::vector<std::wstring> definitions;
-        for (const std::string& definition : found.settings.Watermarks())
+        for (const std::string& definition : found.settings.Watermarks()) {
             definitions.push_back(toWide(definition));
+        }
         *list = newWatermarkList(definitions);
         return *list == nullptr ? SDM_NOT_AVAILABLE : SDM_SUCCESS;
     });

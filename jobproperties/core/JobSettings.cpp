@@ -26,10 +26,12 @@ bool isPresetKey(std::string_view key) {
 } // namespace
 
 std::optional<std::size_t> JobSettings::Index(std::string_view key) const {
-    if (const auto found = exact.find(std::string(key)); found != exact.end())
+    if (const auto found = exact.find(std::string(key)); found != exact.end()) {
         return found->second;
-    if (const auto found = bare.find(std::string(bareKey(key))); found != bare.end())
+    }
+    if (const auto found = bare.find(std::string(bareKey(key))); found != bare.end()) {
         return exact.at(settings[found->second].key);
+    }
     return std::nullopt;
 }
 
@@ -43,8 +45,9 @@ void JobSettings::Append(JobSetting setting) {
 void JobSettings::Rebuild() {
     exact.clear();
     bare.clear();
-    for (JobSetting& setting : std::exchange(settings, {}))
+    for (JobSetting& setting : std::exchange(settings, {})) {
         Append(std::move(setting));
+    }
 }
 
 void JobSettings::HandOver(const KeyValues& values) {
@@ -64,15 +67,19 @@ void JobSettings::HandOver(const KeyValues& values) {
 }
 
 void JobSettings::LockKeys(const KeyValues& keys, Lock reason) {
-    for (const KeyValue& entry : keys)
-        if (lockOf.emplace(bareKey(entry.key), reason).second)
+    for (const KeyValue& entry : keys) {
+        if (lockOf.emplace(bareKey(entry.key), reason).second) {
             locks.emplace_back(entry.key, reason);
+        }
+    }
 }
 
 void JobSettings::VeilKeys(const KeyValues& keys) {
-    for (const KeyValue& entry : keys)
-        if (isVeiled.emplace(bareKey(entry.key), true).second)
+    for (const KeyValue& entry : keys) {
+        if (isVeiled.emplace(bareKey(entry.key), true).second) {
             veiled.push_back({entry.key, ""});
+        }
+    }
 }
 
 void JobSettings::HandOverWatermarks(std::vector<std::string> definitions) {
@@ -101,32 +108,40 @@ bool JobSettings::IsVeiled(std::string_view key) const {
 
 KeyValues JobSettings::LockedKeys() const {
     KeyValues keys;
-    for (const auto& [key, reason] : locks)
+    for (const auto& [key, reason] : locks) {
         keys.push_back({key, ""});
+    }
     return keys;
 }
 
 KeyValues JobSettings::VeiledKeys() const { return veiled; }
 
 bool JobSettings::Edit(std::string_view key, const std::string& value) {
-    if (LockOf(key) != Lock::None || IsVeiled(key))
+    if (LockOf(key) != Lock::None || IsVeiled(key)) {
         return false;
-    if (const JobSetting* setting = Find(key); setting != nullptr && setting->value == value)
+    }
+    if (const JobSetting* setting = Find(key); setting != nullptr && setting->value == value) {
         return true;
+    }
     Force(key, value);
-    if (!isPresetKey(key))
-        for (const std::string_view presetKey : presetKeys)
-            if (Find(presetKey) != nullptr)
+    if (!isPresetKey(key)) {
+        for (const std::string_view presetKey : presetKeys) {
+            if (Find(presetKey) != nullptr) {
                 Force(presetKey, "");
+            }
+        }
+    }
     return true;
 }
 
 void JobSettings::Force(std::string_view key, const std::string& value) {
     auto index = Index(key);
-    if (!index)
+    if (!index) {
         Append({std::string(key), value, ""});
-    for (; index; index = settings[*index].earlier)
+    }
+    for (; index; index = settings[*index].earlier) {
         settings[*index].value = value;
+    }
 }
 
 void JobSettings::Remove(std::string_view key) {
@@ -138,17 +153,21 @@ void JobSettings::Remove(std::string_view key) {
 }
 
 void JobSettings::Apply(const std::string& name, const Preset& preset) {
-    for (const KeyValues* values : {&preset.jobValues, &preset.tesselValues, &preset.presetValues})
-        for (const KeyValue& entry : *values)
-            if (LockOf(entry.key) == Lock::None && !IsVeiled(entry.key))
+    for (const KeyValues* values : {&preset.jobValues, &preset.tesselValues, &preset.presetValues}) {
+        for (const KeyValue& entry : *values) {
+            if (LockOf(entry.key) == Lock::None && !IsVeiled(entry.key)) {
                 Force(entry.key, entry.value);
+            }
+        }
+    }
     Force(presetNameKey, name);
 }
 
 void JobSettings::ResetSettings() {
     settings.clear();
-    for (const KeyValue& entry : handed)
+    for (const KeyValue& entry : handed) {
         settings.push_back({entry.key, entry.value, entry.value});
+    }
     Rebuild();
 }
 
@@ -171,8 +190,9 @@ int JobSettings::SelectedWatermark() const {
 }
 
 void JobSettings::SelectWatermark(int position) {
-    if (LockOf(selectedWatermarkKey) != Lock::None)
+    if (LockOf(selectedWatermarkKey) != Lock::None) {
         return;
+    }
     Edit(selectedWatermarkKey, std::to_string(position));
     TellFirstPageOnly();
 }
@@ -180,8 +200,9 @@ void JobSettings::SelectWatermark(int position) {
 // Copies the property of the printed watermark to the setting beside the list.
 void JobSettings::TellFirstPageOnly() {
     const int selected = SelectedWatermark();
-    if (selected < 0 && Find(firstPageOnlyKey) == nullptr)
+    if (selected < 0 && Find(firstPageOnlyKey) == nullptr) {
         return;
+    }
     const bool firstPageOnly =
         selected >= 0 &&
         Watermark::FromDefinition(watermarks[static_cast<std::size_t>(selected)]).firstPageOnly;
@@ -191,29 +212,34 @@ void JobSettings::TellFirstPageOnly() {
 void JobSettings::AddWatermark(const std::string& definition) { watermarks.push_back(definition); }
 
 void JobSettings::ReplaceWatermark(std::size_t position, const std::string& definition) {
-    if (position >= watermarks.size())
+    if (position >= watermarks.size()) {
         return;
+    }
     watermarks[position] = definition;
-    if (static_cast<int>(position) == SelectedWatermark())
+    if (static_cast<int>(position) == SelectedWatermark()) {
         TellFirstPageOnly();
+    }
 }
 
 void JobSettings::RemoveWatermark(std::size_t position) {
-    if (position >= watermarks.size())
+    if (position >= watermarks.size()) {
         return;
+    }
     const int selected = SelectedWatermark();
     watermarks.erase(watermarks.begin() + static_cast<std::ptrdiff_t>(position));
     // The selection follows its watermark even when locked: the position is only its name.
-    if (selected == static_cast<int>(position))
+    if (selected == static_cast<int>(position)) {
         Force(selectedWatermarkKey, "-1");
-    else if (selected > static_cast<int>(position))
+    } else if (selected > static_cast<int>(position)) {
         Force(selectedWatermarkKey, std::to_string(selected - 1));
+    }
 }
 
 bool JobSettings::HasRoomFor(std::size_t position, const std::string& definition) const {
     std::size_t bytes = definition.size() + 1;
-    for (std::size_t i = 0; i < watermarks.size(); ++i)
+    for (std::size_t i = 0; i < watermarks.size(); ++i) {
         bytes += i == position ? 0 : watermarks[i].size() + 1;
+    }
     return definition.size() <= maximumDefinitionBytes && bytes <= maximumWatermarkBytes;
 }
 

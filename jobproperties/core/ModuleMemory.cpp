@@ -29,8 +29,9 @@ public:
     // HasFailed() is then true.
     template <typename Element>
     Element* Array(std::size_t count) {
-        if (count == 0)
+        if (count == 0) {
             return nullptr;
+        }
         taken.reserve(taken.size() + 1);
         void* block = allocateBlock(count * sizeof(Element));
         if (block == nullptr) {
@@ -43,8 +44,9 @@ public:
     }
     wchar_t* Text(const std::wstring& text) {
         wchar_t* block = Array<wchar_t>(text.size() + 1);
-        if (block != nullptr)
+        if (block != nullptr) {
             std::copy(text.begin(), text.end(), block);
+        }
         return block;
     }
     bool HasFailed() const { return failed; }
@@ -58,15 +60,17 @@ private:
 } // namespace
 
 void* allocateBlock(std::size_t bytes) {
-    if (bytes > std::numeric_limits<std::size_t>::max() - sizeof(BlockHead))
+    if (bytes > std::numeric_limits<std::size_t>::max() - sizeof(BlockHead)) {
         return nullptr;
+    }
     void* block = std::malloc(sizeof(BlockHead) + bytes);
     return block == nullptr ? nullptr : new (block) BlockHead{bytes} + 1;
 }
 
 void freeBlock(void* block) {
-    if (block == nullptr)
+    if (block == nullptr) {
         return;
+    }
     BlockHead* head = static_cast<BlockHead*>(block) - 1;
     ::explicit_bzero(block, head->bytes);
     std::free(head);
@@ -80,8 +84,9 @@ SDMKeyValueList* newSettingList(const std::vector<WideEntry>& entries) {
         items[i].szKey = entries[i].key ? blocks.Text(*entries[i].key) : nullptr;
         items[i].szValue = entries[i].value ? blocks.Text(*entries[i].value) : nullptr;
     }
-    if (blocks.HasFailed())
+    if (blocks.HasFailed()) {
         return nullptr;
+    }
     *list = {entries.size(), items};
     blocks.Release();
     return list;
@@ -91,10 +96,12 @@ JPWatermarkList* newWatermarkList(const std::vector<std::wstring>& definitions) 
     Blocks blocks;
     auto* list = blocks.Array<JPWatermarkList>(1);
     auto** texts = blocks.Array<wchar_t*>(definitions.size());
-    for (std::size_t i = 0; i < definitions.size() && !blocks.HasFailed(); ++i)
+    for (std::size_t i = 0; i < definitions.size() && !blocks.HasFailed(); ++i) {
         texts[i] = blocks.Text(definitions[i]);
-    if (blocks.HasFailed())
+    }
+    if (blocks.HasFailed()) {
         return nullptr;
+    }
     *list = {definitions.size(), texts};
     blocks.Release();
     return list;

@@ -34,11 +34,13 @@ constexpr std::array<Command, 21> commands{
 std::optional<std::string> takeUnicode(std::string_view& text) {
     const std::size_t close = text.find('}');
     std::uint32_t number = 0;
-    if (!text.starts_with('{') || close == std::string_view::npos)
+    if (!text.starts_with('{') || close == std::string_view::npos) {
         return std::nullopt;
+    }
     const auto read = std::from_chars(text.data() + 1, text.data() + close, number, 16);
-    if (read.ec != std::errc() || read.ptr != text.data() + close || number == 0)
+    if (read.ec != std::errc() || read.ptr != text.data() + close || number == 0) {
         return std::nullopt;
+    }
     text.remove_prefix(close + 1);
     const std::array<wchar_t, 2> wide{static_cast<wchar_t>(number), L'\0'};
     return fromWide(wide.data());
@@ -51,26 +53,30 @@ std::optional<std::string> takeQuoted(std::string_view& text) {
     while (!text.empty()) {
         const char character = text.front();
         text.remove_prefix(1);
-        if (character == '"')
+        if (character == '"') {
             return word;
+        }
         if (character != '\\') {
             word += character;
             continue;
         }
-        if (text.empty())
+        if (text.empty()) {
             return std::nullopt;
+        }
         const char escaped = text.front();
         text.remove_prefix(1);
         if (escaped == 'u') {
             const auto unicode = takeUnicode(text);
-            if (!unicode)
+            if (!unicode) {
                 return std::nullopt;
+            }
             word += *unicode;
             continue;
         }
         const std::size_t known = std::string_view("nt\"\\").find(escaped);
-        if (known == std::string_view::npos)
+        if (known == std::string_view::npos) {
             return std::nullopt;
+        }
         word += "\n\t\"\\"[known];
     }
     return std::nullopt;
@@ -94,32 +100,39 @@ const Command* commandOf(std::string_view& text) {
     for (const Command& command : commands) {
         const std::string_view name = command.name;
         if (text.starts_with(name) &&
-            (text.size() == name.size() || text[name.size()] == ' ' || text[name.size()] == '\t'))
+            (text.size() == name.size() || text[name.size()] == ' ' || text[name.size()] == '\t')) {
             found = &command;
+        }
     }
-    if (found != nullptr)
+    if (found != nullptr) {
         text.remove_prefix(found->name.size());
+    }
     return found;
 }
 
 // Returns what is wrong with the line; empty for a valid line.
 std::string readLine(std::string_view text, ScriptLine& line) {
     const Command* command = commandOf(text);
-    if (command == nullptr)
+    if (command == nullptr) {
         return "unknown command";
+    }
     line.command = std::string(command->name);
     for (const char kind : command->words) {
         const auto word = takeWord(text, kind == 'r');
-        if (!word)
+        if (!word) {
             return "a word in quotes is not closed or holds an unknown escape";
-        if (word->empty() && trimmed(text).empty() && kind != 'r')
+        }
+        if (word->empty() && trimmed(text).empty() && kind != 'r') {
             return "a word is missing";
-        if (kind == 'n' && !wholeNumber(*word))
+        }
+        if (kind == 'n' && !wholeNumber(*word)) {
             return "\"" + *word + "\" is no whole number";
+        }
         line.words.push_back(*word);
     }
-    if (!trimmed(text).empty())
+    if (!trimmed(text).empty()) {
         return "there is more than " + line.command + " takes";
+    }
     return {};
 }
 
@@ -131,8 +144,9 @@ Script Script::FromText(std::string_view text) {
     for (const std::string_view raw : split(text.substr(0, maximumScriptBytes), '\n')) {
         ++number;
         const std::string_view trimmedLine = trimmed(raw);
-        if (trimmedLine.empty() || trimmedLine.starts_with('#'))
+        if (trimmedLine.empty() || trimmedLine.starts_with('#')) {
             continue;
+        }
         ScriptLine line;
         line.number = number;
         const std::string error = readLine(trimmedLine, line);

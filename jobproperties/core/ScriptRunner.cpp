@@ -23,10 +23,11 @@ std::string escaped(std::string_view text) {
     std::string line;
     for (const char character : text) {
         const std::size_t known = std::string_view("\n\t\\\r").find(character);
-        if (known == std::string_view::npos)
+        if (known == std::string_view::npos) {
             line += character;
-        else
+        } else {
             line.append({'\\', "nt\\r"[known]});
+        }
     }
     return line;
 }
@@ -72,9 +73,11 @@ ScriptRunner::ScriptRunner(Script givenScript, std::string defaultReport, const 
         std::ofstream(path, std::ios::binary | std::ios::trunc);
     };
     empty(reportPath);
-    for (const ScriptLine& line : script.lines)
-        if (line.command == "report")
+    for (const ScriptLine& line : script.lines) {
+        if (line.command == "report") {
             empty(line.words[0]);
+        }
+    }
 }
 
 bool ScriptRunner::IsReady() {
@@ -85,10 +88,12 @@ bool ScriptRunner::IsReady() {
 
 SDMRESULT ScriptRunner::Run(const std::string& title, std::int32_t& result) {
     windowTitle = title;
-    for (const ScriptLine& line : script.lines)
+    for (const ScriptLine& line : script.lines) {
         RunLine(line);
-    if (script.Find("open-fail") != nullptr)
+    }
+    if (script.Find("open-fail") != nullptr) {
         return SDM_NOT_AVAILABLE;
+    }
     const ScriptLine* line = script.Find("result");
     result = line == nullptr ? 0 : static_cast<std::int32_t>(wholeNumber(line->words[0]).value_or(0));
     return SDM_SUCCESS;
@@ -100,8 +105,9 @@ void ScriptRunner::RunLine(const ScriptLine& line) {
     if (command == "report") {
         reportPath = words[0];
     } else if (command == "set") {
-        if (!settings.Edit(words[0], words[1]))
+        if (!settings.Edit(words[0], words[1])) {
             WriteFields({"refused", words[0], settings.IsVeiled(words[0]) ? "veiled" : "locked"});
+        }
     } else if (command == "force") {
         settings.Force(words[0], words[1]);
     } else if (command == "remove") {
@@ -110,10 +116,11 @@ void ScriptRunner::RunLine(const ScriptLine& line) {
         settings.Force(words[0], std::string(number(words[1], maximumOverlong), 'x'));
     } else if (command == "preset") {
         const auto preset = server.PresetByName(words[0]);
-        if (preset)
+        if (preset) {
             settings.Apply(words[0], preset.value);
-        else
+        } else {
             WriteFields({"no preset", words[0]});
+        }
     } else if (command == "restore") {
         settings.Restore();
     } else if (command == "watermark add") {
@@ -136,26 +143,29 @@ void ScriptRunner::Write(std::string_view line) const {
 
 void ScriptRunner::WriteFields(const std::vector<std::string>& fields) const {
     std::string line;
-    for (const std::string& field : fields)
+    for (const std::string& field : fields) {
         line += (&field == fields.data() ? "" : "\t") + escaped(field);
+    }
     Write(line);
 }
 
 template <typename Value, typename WriteValue>
 void ScriptRunner::WriteAnswer(const std::string& what, const Answer<Value>& answer,
                                WriteValue&& writeValue) const {
-    if (!answer.offered)
+    if (!answer.offered) {
         Write("[" + what + "] not offered");
-    else if (!answer)
+    } else if (!answer) {
         Write("[" + what + "] unavailable " + std::to_string(answer.result));
-    else
+    } else {
         writeValue(answer.value);
+    }
 }
 
 void ScriptRunner::WriteKeyValues(const std::string& what, const KeyValues& values) {
     Write("[" + what + "] " + std::to_string(values.size()));
-    for (const KeyValue& entry : values)
+    for (const KeyValue& entry : values) {
         WriteFields({entry.key, !entry.value.empty() && IsSecret(entry.key) ? "********" : entry.value});
+    }
 }
 
 bool ScriptRunner::IsSecret(std::string_view key) {
@@ -178,8 +188,9 @@ void ScriptRunner::Print(const std::string& what) {
     };
     if (what == "settings") {
         KeyValues values;
-        for (const JobSetting& setting : settings.Settings())
+        for (const JobSetting& setting : settings.Settings()) {
             values.push_back({setting.key, setting.value});
+        }
         pairs(values);
     } else if (what == "readonly") {
         pairs(settings.LockedKeys());
@@ -187,22 +198,25 @@ void ScriptRunner::Print(const std::string& what) {
         pairs(settings.VeiledKeys());
     } else if (what == "watermarks") {
         head(settings.Watermarks().size());
-        for (const std::string& definition : settings.Watermarks())
+        for (const std::string& definition : settings.Watermarks()) {
             WriteFields({definition});
+        }
     } else if (what == "trays") {
         WriteAnswer(what, server.Trays(), [&](const std::vector<Tray>& trays) {
             head(trays.size());
-            for (const Tray& tray : trays)
+            for (const Tray& tray : trays) {
                 WriteFields({tray.name, tray.key, tray.mediaName, tray.mediaSize, tray.mediaType,
                              tray.mediaColor, std::to_string(tray.level), std::to_string(tray.capacity)});
+            }
         });
     } else if (what == "toner") {
         WriteAnswer(what, server.Toners(), [&](const std::vector<Toner>& toners) {
             head(toners.size());
-            for (const Toner& toner : toners)
+            for (const Toner& toner : toners) {
                 WriteFields({toner.name, std::to_string(toner.kind), std::to_string(toner.level),
                              std::to_string(toner.lowLevel), std::to_string(toner.highLevel),
                              std::to_string(toner.capacity), toner.color});
+            }
         });
     } else if (what == "serverinfo") {
         WriteAnswer(what, server.Information(), pairs);
@@ -217,8 +231,9 @@ void ScriptRunner::Print(const std::string& what) {
     } else if (what == "presets") {
         WriteAnswer(what, server.PresetNames(), [&](const std::vector<std::string>& names) {
             head(names.size());
-            for (const std::string& name : names)
+            for (const std::string& name : names) {
                 WriteFields({name});
+            }
         });
     } else if (what == "versions") {
         pairs({{"system", server.Version(SDM_VERSION_SYSTEM).value},
@@ -232,16 +247,19 @@ void ScriptRunner::Print(const std::string& what) {
 
 void ScriptRunner::Spoil(std::vector<WideEntry>& entries) const {
     if (script.Find("garbage") != nullptr) {
-        for (const GarbageEntry& entry : garbage)
+        for (const GarbageEntry& entry : garbage) {
             entries.push_back({present(entry.key), present(entry.value)});
+        }
         entries.push_back({std::wstring(overlongKey, L'K'), toWide("value of an overlong key")});
     }
     if (const ScriptLine* line = script.Find("return-count")) {
         const std::size_t count = number(line->words[0], maximumReturned);
-        if (entries.size() > count)
+        if (entries.size() > count) {
             entries.resize(count);
-        for (std::size_t extra = 1; entries.size() < count; ++extra)
+        }
+        for (std::size_t extra = 1; entries.size() < count; ++extra) {
             entries.push_back({toWide("JPExtra" + std::to_string(extra)), std::to_wstring(extra)});
+        }
     }
 }
 

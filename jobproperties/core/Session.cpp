@@ -16,8 +16,9 @@ constexpr int patience = 50;
 
 bool Session::Begin() {
     const char* path = std::getenv("TORKA_JP_SCRIPT");
-    if (path == nullptr || *path == '\0')
+    if (path == nullptr || *path == '\0') {
         return true;
+    }
     Script read = Script::FromFile(path);
     if (!read.error.empty()) {
         std::cerr << "Job Properties: script " << path << ": " << read.error << '\n';
@@ -28,14 +29,16 @@ bool Session::Begin() {
 }
 
 bool Session::IsServerReady() {
-    if (script)
+    if (script) {
         return script->IsReady();
+    }
     return !server.IsTwoWay() || ++asked > patience || server.Data() || server.Toners() || server.Trays();
 }
 
 void Session::TakeServerLocks() {
-    if (const auto locked = server.LockedKeys())
+    if (const auto locked = server.LockedKeys()) {
         settings.LockKeys(locked.value, Lock::Server);
+    }
 }
 
 Sessions& Sessions::All() {
@@ -47,8 +50,9 @@ Session* Sessions::Begin(const SDMCallbackSlot* table) {
     auto session = std::make_unique<Session>(table);
     const bool hasBegun = session->Begin();
     endFails = session->script && session->script->EndFails();
-    if (!hasBegun)
+    if (!hasBegun) {
         return nullptr;
+    }
     sessions.push_back(std::move(session));
     return sessions.back().get();
 }

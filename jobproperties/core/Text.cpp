@@ -18,8 +18,9 @@ bool isScalar(char32_t character) {
 }
 
 void append(std::string& text, char32_t character) {
-    if (!isScalar(character))
+    if (!isScalar(character)) {
         character = replacement;
+    }
     const auto trail = [&](int shift) { text += static_cast<char>(0x80U | ((character >> shift) & 0x3FU)); };
     if (character < 0x80) {
         text += static_cast<char>(character);
@@ -90,28 +91,32 @@ const char* codePage(std::string_view encoding) {
 
 std::string fromWide(const wchar_t* text) {
     std::string utf8;
-    if (text == nullptr)
+    if (text == nullptr) {
         return utf8;
+    }
     const std::size_t length = ::wcsnlen(text, maximumTextLength);
     utf8.reserve(length);
-    for (std::size_t i = 0; i < length; ++i)
+    for (std::size_t i = 0; i < length; ++i) {
         append(utf8, static_cast<char32_t>(text[i]));
+    }
     return utf8;
 }
 
 std::wstring toWide(std::string_view utf8) {
     std::wstring wide;
     wide.reserve(utf8.size());
-    while (!utf8.empty())
+    while (!utf8.empty()) {
         wide += static_cast<wchar_t>(takeCharacter(utf8));
+    }
     return wide;
 }
 
 std::string cleanUtf8(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size());
-    while (!bytes.empty())
+    while (!bytes.empty()) {
         append(text, takeCharacter(bytes));
+    }
     return text;
 }
 
@@ -123,15 +128,17 @@ TextDecoder::TextDecoder(std::string_view encoding) {
 }
 
 TextDecoder::~TextDecoder() {
-    if (converter != nullptr)
+    if (converter != nullptr) {
         ::iconv_close(converter);
+    }
 }
 
 std::string TextDecoder::ToUtf8(std::string_view bytes) const {
     const bool ascii = std::all_of(bytes.begin(), bytes.end(),
                                    [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
-    if (converter == nullptr || ascii)
+    if (converter == nullptr || ascii) {
         return cleanUtf8(bytes);
+    }
     ::iconv(converter, nullptr, nullptr, nullptr, nullptr); // discards the state of an incomplete text
     std::string input(bytes);
     std::string output(input.size() * 4, '\0');
@@ -140,8 +147,9 @@ std::string TextDecoder::ToUtf8(std::string_view bytes) const {
     std::size_t inLeft = input.size();
     std::size_t outLeft = output.size();
     while (inLeft > 0 && ::iconv(converter, &in, &inLeft, &out, &outLeft) == static_cast<std::size_t>(-1)) {
-        if (errno == E2BIG || outLeft < 3)
+        if (errno == E2BIG || outLeft < 3) {
             break;
+        }
         out = std::copy_n("\xEF\xBF\xBD", 3, out);
         outLeft -= 3;
         ++in;
@@ -153,8 +161,9 @@ std::string TextDecoder::ToUtf8(std::string_view bytes) const {
 
 std::string_view trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos)
+    if (first == std::string_view::npos) {
         return {};
+    }
     return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
@@ -163,8 +172,9 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     while (true) {
         const std::size_t end = text.find(separator);
         pieces.push_back(text.substr(0, end));
-        if (end == std::string_view::npos)
+        if (end == std::string_view::npos) {
             return pieces;
+        }
         text.remove_prefix(end + 1);
     }
 }
@@ -174,16 +184,18 @@ std::optional<double> decimalNumber(std::string_view text) {
     const auto result =
         std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size() ||
-        !(number > -1e15 && number < 1e15))
+        !(number > -1e15 && number < 1e15)) {
         return std::nullopt;
+    }
     return number;
 }
 
 std::optional<long> wholeNumber(std::string_view text) {
     long number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size())
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
         return std::nullopt;
+    }
     return number;
 }
 

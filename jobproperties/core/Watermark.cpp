@@ -12,12 +12,14 @@ namespace {
 
 int leadingNumber(std::string_view field, int least, int most) {
     field = trimmed(field);
-    if (field.starts_with('+'))
+    if (field.starts_with('+')) {
         field.remove_prefix(1);
+    }
     int number = 0;
     const auto result = std::from_chars(field.data(), field.data() + field.size(), number);
-    if (result.ec == std::errc::result_out_of_range)
+    if (result.ec == std::errc::result_out_of_range) {
         number = field.starts_with('-') ? least : most;
+    }
     return std::clamp(number, least, most);
 }
 
@@ -27,10 +29,12 @@ constexpr int most = std::numeric_limits<int>::max();
 
 std::string fontName(std::string_view name) {
     std::string allowed;
-    for (const char character : trimmed(name))
+    for (const char character : trimmed(name)) {
         if (character > ' ' && character < 0x7F &&
-            std::string_view("()<>[]{}/%\\,`").find(character) == std::string_view::npos)
+            std::string_view("()<>[]{}/%\\,`").find(character) == std::string_view::npos) {
             allowed += character;
+        }
+    }
     return allowed.empty() ? "Helvetica" : allowed;
 }
 
@@ -47,8 +51,9 @@ Watermark Watermark::FromDefinition(std::string_view definition) {
     watermark.clear = leadingNumber(fields[0], least, most) != 0;
     watermark.right = leadingNumber(fields[1], least, most);
     watermark.up = leadingNumber(fields[2], least, most);
-    for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t i = 0; i < 3; ++i) {
         watermark.color[i] = leadingNumber(fields[3 + i], 0, 255);
+    }
     watermark.unused = {std::string(fields[6]), std::string(fields[8]), std::string(fields[10]),
                         std::string(fields[11])};
     watermark.firstPageOnly = fields[7] == "1";
@@ -64,8 +69,9 @@ std::string Watermark::Definition() const {
         return handedOn.empty() ? std::string("0") : handedOn;
     };
     std::string definition = clear ? "1" : "0";
-    for (const int number : {right, up, color[0], color[1], color[2]})
+    for (const int number : {right, up, color[0], color[1], color[2]}) {
         definition += "," + std::to_string(number);
+    }
     definition += "," + field(unused[0]) + (firstPageOnly ? ",1," : ",0,") + field(unused[1]);
     definition += "," + std::to_string(angle) + "," + field(unused[2]) + "," + field(unused[3]);
     definition += "," + std::to_string(size) + "," + fontName(font) + ",";

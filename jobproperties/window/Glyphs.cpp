@@ -63,8 +63,9 @@ void GlyphButton::paintEvent(QPaintEvent* /*event*/) {
     const double side = std::min(width(), height()) - 6.0;
     const QRectF square((width() - side) / 2, (height() - side) / 2, side, side);
     QColor color = palette().color(QPalette::Active, QPalette::WindowText);
-    if (!isDown() && !underMouse())
+    if (!isDown() && !underMouse()) {
         color.setAlphaF(0.7F);
+    }
     paintGlyph(painter, glyph, square, color);
     if (hasFocus()) {
         QStyleOptionFocusRect option;

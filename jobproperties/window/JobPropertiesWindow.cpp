@@ -86,8 +86,9 @@ JobPropertiesWindow::JobPropertiesWindow(Session& givenSession, const QString& t
     status->Refresh();
     refresh.setInterval(refreshInterval);
     connect(&refresh, &QTimer::timeout, status, &StatusPanel::Refresh);
-    if (session.server.IsTwoWay())
+    if (session.server.IsTwoWay()) {
         refresh.start();
+    }
 
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] {
         search->setFocus(Qt::ShortcutFocusReason);
@@ -96,8 +97,9 @@ JobPropertiesWindow::JobPropertiesWindow(Session& givenSession, const QString& t
     connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, status, &StatusPanel::Refresh);
     const int em = fontMetrics().averageCharWidth();
     QSize wanted(em * 150, fontMetrics().height() * 42);
-    if (const QScreen* where = screen())
+    if (const QScreen* where = screen()) {
         wanted = wanted.boundedTo(where->availableSize() * 0.94);
+    }
     resize(wanted);
     pages->setFocus();
 }
@@ -110,8 +112,9 @@ void JobPropertiesWindow::ReadDescription() {
         error.clear();
         description = PrinterDescription::FromFile(path, error);
     }
-    if (!error.empty())
+    if (!error.empty()) {
         descriptionError = shown(error) + tr(" Settings are shown by their keys.");
+    }
 }
 
 QWidget* JobPropertiesWindow::MakeTop() {
@@ -156,10 +159,11 @@ QWidget* JobPropertiesWindow::MakeMiddle() {
     pages->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     pages->setSpacing(2);
     connect(pages, &QListWidget::currentRowChanged, this, [this](int row) {
-        if (row >= 0 && !search->text().isEmpty())
+        if (row >= 0 && !search->text().isEmpty()) {
             search->clear(); // shows the page
-        else if (row >= 0)
+        } else if (row >= 0) {
             ShowPage();
+        }
     });
 
     auto* content = new QWidget;
@@ -210,8 +214,9 @@ QWidget* JobPropertiesWindow::MakeBottom() {
 
 JobPropertiesWindow::Group& JobPropertiesWindow::GroupFor(const QString& page, const QString& title) {
     const QString name = page + '\t' + title;
-    if (const auto found = index.constFind(name); found != index.constEnd())
+    if (const auto found = index.constFind(name); found != index.constEnd()) {
         return groups[*found];
+    }
     index.insert(name, groups.size());
     Group& group = groups.emplace_back();
     group.page = page;
@@ -226,15 +231,17 @@ JobPropertiesWindow::Group& JobPropertiesWindow::GroupFor(const QString& page, c
 void JobPropertiesWindow::FillGroups() {
     std::vector<const JobSetting*> ordered; // in the description's order; the others follow
     std::vector<const JobSetting*> others;
-    for (const JobSetting& setting : session.settings.Settings())
+    for (const JobSetting& setting : session.settings.Settings()) {
         (description.Find(setting.key) != nullptr ? ordered : others).push_back(&setting);
+    }
     std::stable_sort(ordered.begin(), ordered.end(), [&](const JobSetting* first, const JobSetting* second) {
         return description.Find(first->key) < description.Find(second->key);
     });
     // Groups come in the description's order, even without settings in the job.
     for (const DescribedGroup& group : description.Groups()) {
-        if (group.hidden)
+        if (group.hidden) {
             continue;
+        }
         const QString page = shown(group.page.empty() ? group.label : group.page);
         if (groups.empty()) {
             copiesPage = page;
@@ -242,20 +249,26 @@ void JobPropertiesWindow::FillGroups() {
         }
         GroupFor(page, shown(group.label));
     }
-    for (const JobSetting* setting : ordered)
+    for (const JobSetting* setting : ordered) {
         AddRow(*setting);
-    for (const JobSetting* setting : others)
+    }
+    for (const JobSetting* setting : others) {
         AddRow(*setting);
+    }
 
     if (const auto help = session.server.Help()) {
         QHash<QString, QString> texts;
-        for (const KeyValue& entry : help.value)
+        for (const KeyValue& entry : help.value) {
             texts.insert(shown(std::string(bareKey(entry.key))), shown(entry.value));
-        for (const Group& group : groups)
-            for (SettingRow* row : group.rows)
+        }
+        for (const Group& group : groups) {
+            for (SettingRow* row : group.rows) {
                 if (const auto text = texts.constFind(shown(std::string(bareKey(row->Key()))));
-                    text != texts.constEnd())
+                    text != texts.constEnd()) {
                     row->SetHelp(text->toHtmlEscaped());
+                }
+            }
+        }
     }
 }
 
@@ -264,8 +277,9 @@ void JobPropertiesWindow::AddRow(const JobSetting& setting) {
     const PaneSetting* ofPane = paneSetting(setting.key);
     if (session.settings.Find(setting.key) != &setting || // its last entry is shown
         session.settings.IsVeiled(setting.key) || (described != nullptr && described->hidden) ||
-        (ofPane != nullptr && ofPane->label == nullptr))
+        (ofPane != nullptr && ofPane->label == nullptr)) {
         return;
+    }
     QString label = described != nullptr ? shown(described->label) : shown(setting.key);
     QString page = tr("Other");
     QString title = page;
@@ -285,17 +299,20 @@ void JobPropertiesWindow::AddRow(const JobSetting& setting) {
     group.rows.push_back(row);
     group.column->addWidget(row);
     connect(row, &SettingRow::Edited, this, [this, row] {
-        if (bareKey(row->Key()) == "QV_COPIES" && session.settings.Find("num copies") != nullptr)
+        if (bareKey(row->Key()) == "QV_COPIES" && session.settings.Find("num copies") != nullptr) {
             session.settings.Edit("num copies", session.settings.Value(row->Key()));
+        }
         ShowEditedState();
     });
 }
 
 void JobPropertiesWindow::FillPages() {
     QStringList names;
-    for (const Group& group : groups)
-        if (!group.rows.empty() && !names.contains(group.page))
+    for (const Group& group : groups) {
+        if (!group.rows.empty() && !names.contains(group.page)) {
             names.push_back(group.page);
+        }
+    }
     pages->addItems(names);
     pages->addItem(tr("Watermarks"));
     pages->setMinimumWidth(std::min(pages->sizeHintForColumn(0), fontMetrics().averageCharWidth() * 26) +
@@ -305,17 +322,21 @@ void JobPropertiesWindow::FillPages() {
 
 void JobPropertiesWindow::FillPresets() {
     const auto names = session.server.PresetNames();
-    for (const std::string& name : names.value)
-        if (!name.empty())
+    for (const std::string& name : names.value) {
+        if (!name.empty()) {
             presets->addItem(shown(name));
+        }
+    }
     const bool hasAny = presets->count() > 0;
-    if (!hasAny)
+    if (!hasAny) {
         presets->addItem(tr("None on the server"));
+    }
     presets->setEnabled(hasAny);
     applyPreset->setEnabled(hasAny);
     const int current = presets->findText(shown(session.settings.Value("*PresetName")));
-    if (hasAny && current >= 0)
+    if (hasAny && current >= 0) {
         presets->setCurrentIndex(current);
+    }
 }
 
 // Keeps an ampersand in a title from marking a shortcut.
@@ -325,8 +346,9 @@ void JobPropertiesWindow::ShowTitle(const Group& group, QString title) {
 
 void JobPropertiesWindow::ShowPage() {
     const int row = pages->currentRow();
-    if (row < 0)
+    if (row < 0) {
         return;
+    }
     notice->setText(descriptionError);
     notice->setVisible(!descriptionError.isEmpty());
     if (row == pages->count() - 1) {
@@ -338,8 +360,9 @@ void JobPropertiesWindow::ShowPage() {
         const bool isOnPage = group.page == page && !group.rows.empty();
         ShowTitle(group, group.title);
         group.box->setVisible(isOnPage);
-        for (SettingRow* setting : group.rows)
+        for (SettingRow* setting : group.rows) {
             setting->setVisible(isOnPage);
+        }
     }
     scroll->verticalScrollBar()->setValue(0);
     stack->setCurrentWidget(scroll);
@@ -348,8 +371,9 @@ void JobPropertiesWindow::ShowPage() {
 void JobPropertiesWindow::Search(const QString& text) {
     const QStringList words = text.toLower().split(' ', Qt::SkipEmptyParts);
     if (words.isEmpty()) {
-        if (pages->currentRow() < 0)
+        if (pages->currentRow() < 0) {
             pages->setCurrentRow(0);
+        }
         ShowPage();
         return;
     }
@@ -376,13 +400,15 @@ void JobPropertiesWindow::Search(const QString& text) {
 }
 
 void JobPropertiesWindow::FocusFirstRow() {
-    for (const Group& group : groups)
-        for (SettingRow* row : group.rows)
+    for (const Group& group : groups) {
+        for (SettingRow* row : group.rows) {
             if (row->isVisible() && row->focusProxy()->isEnabled()) {
                 row->setFocus(Qt::TabFocusReason);
                 scroll->ensureWidgetVisible(row);
                 return;
             }
+        }
+    }
 }
 
 void JobPropertiesWindow::ShowEditedState() {
@@ -392,9 +418,11 @@ void JobPropertiesWindow::ShowEditedState() {
 }
 
 void JobPropertiesWindow::ShowAllValues() {
-    for (const Group& group : groups)
-        for (SettingRow* row : group.rows)
+    for (const Group& group : groups) {
+        for (SettingRow* row : group.rows) {
             row->ShowValue();
+        }
+    }
     watermarks->ShowValues();
     ShowEditedState();
 }
@@ -417,8 +445,9 @@ void JobPropertiesWindow::Restore() {
 
 // In the search field Return goes to the first match and Esc clears the search; neither closes the window.
 bool JobPropertiesWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (watched != search || event->type() != QEvent::KeyPress)
+    if (watched != search || event->type() != QEvent::KeyPress) {
         return QDialog::eventFilter(watched, event);
+    }
     const int key = static_cast<QKeyEvent*>(event)->key();
     if (key == Qt::Key_Escape && !search->text().isEmpty()) {
         search->clear();

@@ -38,9 +38,11 @@ QSize LevelGauge::sizeHint() const {
 QList<QColor> LevelGauge::ColorsFromText(const QString& text) {
     QList<QColor> found;
     for (qsizetype at = text.indexOf('#'); at >= 0 && found.size() < maximumColors;
-         at = text.indexOf('#', at + 1))
-        if (const QColor color(text.mid(at, 7)); color.isValid())
+         at = text.indexOf('#', at + 1)) {
+        if (const QColor color(text.mid(at, 7)); color.isValid()) {
             found.push_back(color);
+        }
+    }
     return found;
 }
 
@@ -59,13 +61,15 @@ void LevelGauge::paintEvent(QPaintEvent* /*event*/) {
             colors.isEmpty() ? QList<QColor>{palette().color(QPalette::Highlight)} : colors;
         const double bandHeight = frame.height() / static_cast<double>(bands.size());
         double width = frame.width() * value() / 100.0;
-        for (qsizetype i = 0; i < bands.size(); ++i)
+        for (qsizetype i = 0; i < bands.size(); ++i) {
             painter.fillRect(
                 QRectF(frame.left(), frame.top() + bandHeight * static_cast<double>(i), width, bandHeight),
                 bands[i]);
-        if (value() > 0 && value() < 100) // the end is visible even when the two colours are similar
+        }
+        if (value() > 0 && value() < 100) { // the end is visible even when the two colours are similar
             painter.fillRect(QRectF(frame.left() + width, frame.top(), 1, frame.height()),
                              palette().color(QPalette::Text));
+        }
     } else {
         painter.fillRect(frame, QBrush(palette().color(QPalette::Text), Qt::BDiagPattern));
     }

@@ -49,13 +49,16 @@ SDMRESULT openWindow(Session& session, const std::string& title, std::int32_t& r
         std::cerr << "Job Properties: no window can be shown: " << reason << '\n';
         return SDM_NOT_AVAILABLE;
     };
-    if (host != nullptr && qobject_cast<const QApplication*>(host) == nullptr)
+    if (host != nullptr && qobject_cast<const QApplication*>(host) == nullptr) {
         return refuse("the program's Qt application is none with widgets");
-    if (host != nullptr && host->thread() != QThread::currentThread())
+    }
+    if (host != nullptr && host->thread() != QThread::currentThread()) {
         return refuse("this is not the thread of the program's Qt application");
+    }
     // Qt ends the whole program when it finds no display.
-    if (host == nullptr && !isSet("QT_QPA_PLATFORM") && !isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY"))
+    if (host == nullptr && !isSet("QT_QPA_PLATFORM") && !isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) {
         return refuse("there is no display (DISPLAY, WAYLAND_DISPLAY and QT_QPA_PLATFORM are not set)");
+    }
 
     const std::unique_ptr<OwnApplication> own =
         host == nullptr ? std::make_unique<OwnApplication>() : nullptr;

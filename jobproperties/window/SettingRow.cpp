@@ -31,8 +31,9 @@ public:
     using QObject::QObject;
     bool eventFilter(QObject* watched, QEvent* event) override {
         const auto* widget = qobject_cast<QWidget*>(watched);
-        if (event->type() != QEvent::Wheel || widget == nullptr || widget->hasFocus())
+        if (event->type() != QEvent::Wheel || widget == nullptr || widget->hasFocus()) {
             return QObject::eventFilter(watched, event);
+        }
         event->ignore();
         return true;
     }
@@ -53,8 +54,9 @@ QString withoutShortcut(QString text) { return text.replace('&', QStringLiteral(
 // Returns the number of decimals that the increment needs, at least one.
 int decimalsOf(double increment) {
     int decimals = 1;
-    for (double step = increment * 10; decimals < 6 && std::abs(step - std::round(step)) > 1e-6; step *= 10)
+    for (double step = increment * 10; decimals < 6 && std::abs(step - std::round(step)) > 1e-6; step *= 10) {
         ++decimals;
+    }
     return decimals;
 }
 
@@ -74,9 +76,11 @@ SettingRow::SettingRow(JobSettings& givenSettings, std::string givenKey,
     , described(givenDescribed)
     , shownLabel(label) {
     searchText = label + '\n' + shown(key);
-    if (described != nullptr)
-        for (const DescribedChoice& choice : described->choices)
+    if (described != nullptr) {
+        for (const DescribedChoice& choice : described->choices) {
             searchText += '\n' + shown(choice.label);
+        }
+    }
     searchText = searchText.toLower();
     Build(label);
     ShowValue();
@@ -151,8 +155,9 @@ QWidget* SettingRow::MakeLockNote(Lock lock) {
 }
 
 QWidget* SettingRow::MakeEditor() {
-    if (described == nullptr)
+    if (described == nullptr) {
         return MakeLine();
+    }
     const std::string value = settings.Value(key);
     switch (described->kind) {
     case SettingKind::Choice:
@@ -176,8 +181,9 @@ QWidget* SettingRow::MakeEditor() {
 
 QWidget* SettingRow::MakeChoice() {
     auto* box = guarded(new QComboBox);
-    for (const DescribedChoice& choice : described->choices)
+    for (const DescribedChoice& choice : described->choices) {
         box->addItem(shown(choice.label), shown(choice.key));
+    }
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->setMinimumContentsLength(12);
     connect(box, &QComboBox::currentIndexChanged, this,
@@ -204,20 +210,24 @@ QWidget* SettingRow::MakeChoices() {
         boxes.back()->setAccessibleName(tr("%1: %2").arg(shownLabel, shown(choice.label)));
         column->addWidget(boxes.back());
     }
-    for (QCheckBox* box : boxes)
+    for (QCheckBox* box : boxes) {
         connect(box, &QCheckBox::toggled, this, [this, boxes](bool) {
             std::string value;
-            for (std::size_t i = 0; i < boxes.size(); ++i)
-                if (boxes[i]->isChecked())
+            for (std::size_t i = 0; i < boxes.size(); ++i) {
+                if (boxes[i]->isChecked()) {
                     value += (value.empty() ? "" : ",") + described->choices[i].key;
+                }
+            }
             Take(value);
         });
+    }
     group->setFocusProxy(boxes.front());
     showEditor = [this, boxes](const std::string& value) {
         const auto keys = split(value, ',');
-        for (std::size_t i = 0; i < boxes.size(); ++i)
+        for (std::size_t i = 0; i < boxes.size(); ++i) {
             boxes[i]->setChecked(std::find(keys.begin(), keys.end(), described->choices[i].key) !=
                                  keys.end());
+        }
     };
     return group;
 }
@@ -225,9 +235,11 @@ QWidget* SettingRow::MakeChoices() {
 QWidget* SettingRow::MakeSwitch() {
     auto* box = new QCheckBox;
     const auto stateText = [this](bool on) {
-        for (const DescribedChoice& choice : described->choices)
-            if (choice.key == (on ? "True" : "False"))
+        for (const DescribedChoice& choice : described->choices) {
+            if (choice.key == (on ? "True" : "False")) {
                 return withoutShortcut(shown(choice.label));
+            }
+        }
         return on ? tr("On") : tr("Off");
     };
     connect(box, &QCheckBox::toggled, this, [this, box, stateText](bool on) {
@@ -268,16 +280,18 @@ QWidget* SettingRow::MakeLine() {
     auto* line = new QLineEdit;
     const bool hasLimit = described != nullptr && described->maximumLength > 0;
     line->setMaxLength(hasLimit ? static_cast<int>(described->maximumLength) : maximumValueLength);
-    if (described != nullptr && described->secret)
+    if (described != nullptr && described->secret) {
         line->setEchoMode(QLineEdit::Password);
+    }
     connect(line, &QLineEdit::textEdited, this, [this](const QString& text) { Take(text.toStdString()); });
     showEditor = [line](const std::string& value) { line->setText(shown(value)); };
     return line;
 }
 
 void SettingRow::Take(const std::string& value) {
-    if (isShowing)
+    if (isShowing) {
         return;
+    }
     settings.Edit(key, value);
     ShowChanged();
     Q_EMIT Edited();

@@ -147,19 +147,24 @@ void StatusPanel::Refresh() {
     const auto toners = server.Toners();
     const auto trays = server.Trays();
     const auto values = server.Information();
-    if (toners.value != shownToners)
+    if (toners.value != shownToners) {
         ShowToners(toners.value);
-    if (trays.value != shownTrays)
+    }
+    if (trays.value != shownTrays) {
         ShowTrays(trays.value);
-    if (values.value != shownInformation)
+    }
+    if (values.value != shownInformation) {
         ShowInformation(values.value);
+    }
     QString text;
-    if (!server.IsTwoWay())
+    if (!server.IsTwoWay()) {
         text = tr("Two-way communication is off, so toner and trays are not known.");
-    else if (!toners && !trays)
+    } else if (!toners && !trays) {
         text = tr("The print server has not sent its state. Settings can be edited all the same.");
-    if (notice->text() != text)
+    }
+    if (notice->text() != text) {
         notice->setText(text);
+    }
     notice->setVisible(!text.isEmpty());
 }
 
@@ -186,10 +191,11 @@ void StatusPanel::ShowToners(const std::vector<Toner>& toners) {
                               : isWaste     ? tr("%1 full").arg(percentText(now.level))
                                             : percentText(now.level);
         QString warning;
-        if (isWaste && now.highLevel >= 0 && now.level >= now.highLevel)
+        if (isWaste && now.highLevel >= 0 && now.level >= now.highLevel) {
             warning = tr("Replace");
-        else if (!isWaste && now.lowLevel >= 0 && now.level >= 0 && now.level <= now.lowLevel)
+        } else if (!isWaste && now.lowLevel >= 0 && now.level >= 0 && now.level <= now.lowLevel) {
             warning = now.level == 0 ? tr("Empty") : tr("Low");
+        }
         row.name->setText(shown(now.name));
         row.state->setText(state);
         row.detail->setText(now.capacity > 0 && now.level >= 0 && !isWaste
@@ -213,27 +219,31 @@ void StatusPanel::ShowTrays(const std::vector<Tray>& trays) {
         const Tray& now = trays[i];
         const Section::Row& row = tray.shown[i];
         QString state = specialText(now.level);
-        if (now.level >= 0)
+        if (now.level >= 0) {
             state = now.capacity > 0
                         ? tr("%1 of %2").arg(QLocale().toString(now.level), QLocale().toString(now.capacity))
                         : tr("%1 sheets").arg(QLocale().toString(now.level));
+        }
         QStringList media;
-        for (const std::string* text : {&now.mediaName, &now.mediaSize, &now.mediaType, &now.mediaColor})
-            if (!text->empty() && !media.contains(shown(*text)))
+        for (const std::string* text : {&now.mediaName, &now.mediaSize, &now.mediaType, &now.mediaColor}) {
+            if (!text->empty() && !media.contains(shown(*text))) {
                 media.push_back(shown(*text));
+            }
+        }
         row.name->setText(shown(now.name.empty() ? now.key : now.name));
         row.state->setText(state);
         row.detail->setText(media.join(QStringLiteral(" · ")));
         row.detail->setVisible(!media.isEmpty());
         showWarning(row.warning, now.level == 0 ? tr("Empty") : QString());
         int percent = -1;
-        if (now.level == SDM_LEVEL_UNLIMITED)
+        if (now.level == SDM_LEVEL_UNLIMITED) {
             percent = 100;
-        else if (now.level == 0)
+        } else if (now.level == 0) {
             percent = 0;
-        else if (now.level > 0 && now.capacity > 0)
+        } else if (now.level > 0 && now.capacity > 0) {
             percent =
                 static_cast<int>(std::min<std::int64_t>(100, std::int64_t{now.level} * 100 / now.capacity));
+        }
         row.gauge->SetLevel(percent);
         row.gauge->setAccessibleName(row.name->text());
         row.gauge->setAccessibleDescription(state + ", " + row.detail->text());
@@ -243,9 +253,11 @@ void StatusPanel::ShowTrays(const std::vector<Tray>& trays) {
 void StatusPanel::ShowInformation(const KeyValues& values) {
     shownInformation = values;
     QStringList lines;
-    for (const KeyValue& entry : values)
-        if (!entry.value.empty() && static_cast<std::size_t>(lines.size()) < maximumRows)
+    for (const KeyValue& entry : values) {
+        if (!entry.value.empty() && static_cast<std::size_t>(lines.size()) < maximumRows) {
             lines.push_back(tr("%1: %2").arg(itemLabel(entry.key), shown(entry.value)));
+        }
+    }
     informationText->setText(lines.join('\n'));
     information->setVisible(!lines.isEmpty());
 }

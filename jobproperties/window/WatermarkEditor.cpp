@@ -70,11 +70,13 @@ WatermarkEditor::WatermarkEditor(JobSettings& givenSettings, QWidget* parent)
     column->addWidget(message);
 
     connect(printed, &QComboBox::currentIndexChanged, this, [this](int index) {
-        if (isShowing)
+        if (isShowing) {
             return;
+        }
         settings.SelectWatermark(index - 1);
-        if (index > 0)
+        if (index > 0) {
             list->setCurrentRow(index - 1);
+        }
         Q_EMIT Edited();
     });
     connect(list, &QListWidget::currentRowChanged, this, [this](int) { ShowFields(); });
@@ -179,8 +181,9 @@ Watermark WatermarkEditor::Current() const {
 
 template <typename Change>
 void WatermarkEditor::Edit(Change&& change) {
-    if (isShowing || Position() >= settings.Watermarks().size())
+    if (isShowing || Position() >= settings.Watermarks().size()) {
         return;
+    }
     Watermark watermark = Current();
     change(watermark);
     const std::string definition = watermark.Definition();
@@ -208,8 +211,9 @@ void WatermarkEditor::Add() {
     const bool fits = settings.HasRoomFor(settings.Watermarks().size(), definition);
     message->setVisible(!fits);
     message->setText(tr("There is no room for another watermark. Remove one first."));
-    if (!fits)
+    if (!fits) {
         return;
+    }
     settings.AddWatermark(definition);
     ShowList();
     list->setCurrentRow(list->count() - 1);
@@ -233,8 +237,9 @@ void WatermarkEditor::ChooseColor() {
     const QColor chosen =
         QColorDialog::getColor(QColor(watermark.color[0], watermark.color[1], watermark.color[2]), this,
                                tr("Color of the Watermark"));
-    if (chosen.isValid())
+    if (chosen.isValid()) {
         Edit([&](Watermark& edited) { edited.color = {chosen.red(), chosen.green(), chosen.blue()}; });
+    }
 }
 
 void WatermarkEditor::ShowValues() {

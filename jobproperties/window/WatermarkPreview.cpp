@@ -14,10 +14,11 @@ constexpr QSizeF sheet(595, 842); // points
 // Returns a font of this system that resembles the PostScript font.
 QFont fontFor(const QString& name) {
     QString family = QStringLiteral("Helvetica");
-    if (name.startsWith(QStringLiteral("Times")))
+    if (name.startsWith(QStringLiteral("Times"))) {
         family = QStringLiteral("Times");
-    else if (name.startsWith(QStringLiteral("Courier")))
+    } else if (name.startsWith(QStringLiteral("Courier"))) {
         family = QStringLiteral("Courier");
+    }
     QFont font(family);
     font.setStyleHint(family == QStringLiteral("Times")     ? QFont::Serif
                       : family == QStringLiteral("Courier") ? QFont::Monospace
@@ -57,12 +58,14 @@ void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(page, Qt::white);
     painter.setPen(QPen(QColor(128, 128, 128), 1 / scale));
     painter.drawRect(page);
-    if (isEmpty)
+    if (isEmpty) {
         return;
+    }
     // Lines represent the page's content.
-    for (double y = 90; y < sheet.height() - 70; y += 22)
+    for (double y = 90; y < sheet.height() - 70; y += 22) {
         painter.fillRect(QRectF(70, y, y > sheet.height() - 120 ? 220 : sheet.width() - 140, 7),
                          QColor(228, 228, 228));
+    }
     painter.setClipRect(page);
     painter.translate(page.center().x() + watermark.right, page.center().y() - watermark.up);
     painter.rotate(-watermark.angle / 10.0);

@@ -24,15 +24,17 @@ SDMCallbackSlot slotOf(Proc proc) {
 }
 
 SDMRESULT giveText(const std::wstring& value, wchar_t** text) {
-    if (value.empty())
+    if (value.empty()) {
         return SDM_NOT_AVAILABLE;
+    }
     *text = current->Give(value);
     return SDM_SUCCESS;
 }
 
 SDMRESULT giveList(const Pairs& pairs, SDMKeyValueList** list) {
-    if (pairs.empty())
+    if (pairs.empty()) {
         return SDM_NOT_AVAILABLE;
+    }
     *list = current->Give(pairs);
     return SDM_SUCCESS;
 }
@@ -50,24 +52,28 @@ SDMRESULT getInformation(SDMHANDLE /*handle*/, SDMKeyValueList** list) {
 SDMRESULT getHelp(SDMHANDLE /*handle*/, SDMKeyValueList** list) { return giveList(current->help, list); }
 
 SDMRESULT getHoldQueue(SDMHANDLE /*handle*/, SDMKeyValueList** first, SDMKeyValueList** second) {
-    if (current->lockedKeys.empty())
+    if (current->lockedKeys.empty()) {
         return SDM_NOT_AVAILABLE;
+    }
     *first = current->Give({{L"*Collate", L"True"}});
     *second = current->Give(current->lockedKeys);
     return SDM_SUCCESS;
 }
 
 SDMRESULT getTrays(SDMHANDLE /*handle*/, SDMTrayInfoArray** trays) {
-    if (const auto act = std::exchange(current->whenAskedForTrays, nullptr))
+    if (const auto act = std::exchange(current->whenAskedForTrays, nullptr)) {
         act();
-    if (current->trays.empty())
+    }
+    if (current->trays.empty()) {
         return SDM_NOT_AVAILABLE;
+    }
     auto* items = static_cast<SDMTrayInfo*>(current->Give(current->trays.size() * sizeof(SDMTrayInfo)));
     for (std::size_t i = 0; i < current->trays.size(); ++i) {
         items[i] = current->trays[i];
         for (wchar_t** text : {&items[i].name, &items[i].key, &items[i].mediaName, &items[i].mediaSize,
-                               &items[i].mediaType, &items[i].mediaColor})
+                               &items[i].mediaType, &items[i].mediaColor}) {
             *text = giveOptional(*text);
+        }
     }
     *trays = static_cast<SDMTrayInfoArray*>(current->Give(sizeof(SDMTrayInfoArray)));
     **trays = {current->trays.size(), items};
@@ -75,8 +81,9 @@ SDMRESULT getTrays(SDMHANDLE /*handle*/, SDMTrayInfoArray** trays) {
 }
 
 SDMRESULT getToners(SDMHANDLE /*handle*/, SDMTonerInfoArray** toners) {
-    if (current->toners.empty())
+    if (current->toners.empty()) {
         return SDM_NOT_AVAILABLE;
+    }
     auto* items = static_cast<SDMTonerInfo*>(current->Give(current->toners.size() * sizeof(SDMTonerInfo)));
     for (std::size_t i = 0; i < current->toners.size(); ++i) {
         items[i] = current->toners[i];
@@ -91,16 +98,18 @@ SDMRESULT getToners(SDMHANDLE /*handle*/, SDMTonerInfoArray** toners) {
 SDMRESULT getPresetNames(SDMHANDLE /*handle*/, wchar_t*** names, int32_t* count) {
     const std::vector<std::wstring>& known = current->presetNames;
     *names = static_cast<wchar_t**>(current->Give(known.size() * sizeof(wchar_t*)));
-    for (std::size_t i = 0; i < known.size(); ++i)
+    for (std::size_t i = 0; i < known.size(); ++i) {
         (*names)[i] = current->Give(known[i]);
+    }
     *count = static_cast<int32_t>(known.size());
     return SDM_SUCCESS;
 }
 
 SDMRESULT getPreset(SDMHANDLE /*handle*/, const wchar_t* name, SDMKeyValueList** job,
                     SDMKeyValueList** tessel, SDMKeyValueList** preset) {
-    if (current->presetNames.empty() || current->presetNames.front() != name)
+    if (current->presetNames.empty() || current->presetNames.front() != name) {
         return SDM_NOT_AVAILABLE;
+    }
     *job = current->Give(current->presetJob);
     *tessel = current->Give(current->presetTessel);
     *preset = nullptr; // this set may be absent
@@ -117,8 +126,9 @@ SDMRESULT freeBlock(void** pointer) { return current->TakeBack(pointer); }
 class BorrowedList {
 public:
     explicit BorrowedList(const Pairs& pairs) {
-        for (const auto& [key, value] : pairs)
+        for (const auto& [key, value] : pairs) {
             items.push_back({const_cast<wchar_t*>(key.c_str()), const_cast<wchar_t*>(value.c_str())});
+        }
         list = {items.size(), items.data()};
     }
     const SDMKeyValueList* Get() const { return &list; }
@@ -178,8 +188,9 @@ void FakePane::SetTwoWay(bool on) {
     table[SDM_SLOT_GET_DRIVER_VERSION] = slotOf(getVersion);
     table[SDM_SLOT_GET_SERVER_INFO_ALL] = slotOf(getInformation);
     table[SDM_SLOT_GET_HOLD_QUEUE_ATTRIBUTES] = slotOf(getHoldQueue);
-    if (!on)
+    if (!on) {
         return;
+    }
     table[SDM_SLOT_GET_TRAY_INFO] = slotOf(getTrays);
     table[SDM_SLOT_GET_TONER_INFO] = slotOf(getToners);
     table[SDM_SLOT_GET_SERVER_PRESET_NAMES_LIST] = slotOf(getPresetNames);
@@ -201,16 +212,18 @@ wchar_t* FakePane::Give(const std::wstring& text) {
 
 SDMKeyValueList* FakePane::Give(const Pairs& pairs) {
     auto* items = static_cast<SDMKeyValue*>(Give(pairs.size() * sizeof(SDMKeyValue)));
-    for (std::size_t i = 0; i < pairs.size(); ++i)
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
         items[i] = {Give(pairs[i].first), Give(pairs[i].second)};
+    }
     auto* list = static_cast<SDMKeyValueList*>(Give(sizeof(SDMKeyValueList)));
     *list = {pairs.size(), items};
     return list;
 }
 
 SDMRESULT FakePane::TakeBack(void** pointer) {
-    if (pointer == nullptr || *pointer == nullptr)
+    if (pointer == nullptr || *pointer == nullptr) {
         return isTwoWay ? SDM_INVALID_ARGUMENT : SDM_NOT_AVAILABLE;
+    }
     EXPECT_EQ(blocks.erase(*pointer), 1U) << "a block that no callback gave, or freed twice";
     if (isTwoWay) {
         Module::Loaded().free(*pointer);
@@ -224,13 +237,15 @@ SDMRESULT FakePane::TakeBack(void** pointer) {
 bool FakePane::Run() {
     const Module& module = Module::Loaded();
     JPHANDLE session = nullptr;
-    if (module.beginSession(table.data(), &session) != SDM_SUCCESS)
+    if (module.beginSession(table.data(), &session) != SDM_SUCCESS) {
         return false;
-    for (int asked = 0; module.isServerReady(session) == 0; ++asked)
+    }
+    for (int asked = 0; module.isServerReady(session) == 0; ++asked) {
         if (asked == 1000) {
             ADD_FAILURE() << "never ready";
             break;
         }
+    }
     EXPECT_EQ(module.setJobKeyValues(session, BorrowedList(settings).Get()), SDM_SUCCESS);
     if (!templateSettings.empty()) {
         EXPECT_EQ(module.setJobKeyValues(session, BorrowedList(templateSettings).Get()), SDM_SUCCESS);
@@ -239,8 +254,9 @@ bool FakePane::Run() {
     EXPECT_EQ(module.setVeiledKeys(session, BorrowedList(veiled).Get()), SDM_SUCCESS);
     if (hasWatermarks) {
         std::vector<wchar_t*> definitions;
-        for (const std::wstring& definition : watermarks)
+        for (const std::wstring& definition : watermarks) {
             definitions.push_back(const_cast<wchar_t*>(definition.c_str()));
+        }
         const JPWatermarkList list{definitions.size(), definitions.data()};
         EXPECT_EQ(module.setWatermarks(session, &list), SDM_SUCCESS);
     }
@@ -276,17 +292,20 @@ void FakePane::TakeReturned(JPHANDLE session) {
         module.getWatermarks(session, &definitions) == SDM_SUCCESS && definitions != nullptr;
     returnedWatermarks.clear();
     if (hasReturnedWatermarks) {
-        for (std::size_t i = 0; i < definitions->count; ++i)
+        for (std::size_t i = 0; i < definitions->count; ++i) {
             returnedWatermarks.push_back(text(definitions->definitions[i]));
+        }
         module.free(static_cast<void*>(definitions->definitions));
         module.free(definitions);
     }
 }
 
 std::wstring FakePane::Value(const std::wstring& key) const {
-    for (const auto& [name, value] : returned)
-        if (name == key)
+    for (const auto& [name, value] : returned) {
+        if (name == key) {
             return value;
+        }
+    }
     return L"<absent>";
 }
 

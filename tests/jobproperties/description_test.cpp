@@ -103,8 +103,9 @@ TEST(ModuleDescription, ReadsWhatThePrintingSystemDoesNot) {
 
 TEST(ModuleWatermark, DefinitionsRoundTrip) {
     for (const char* definition : {"0,0,0,255,140,0,0,0,0,450,0,0,96,Helvetica-Bold,CONFIDENTIAL",
-                                   "1,-5,200,0,0,7,x,1,y,-10,z,w,36,Helvetica,Draft, not for sale"})
+                                   "1,-5,200,0,0,7,x,1,y,-10,z,w,36,Helvetica,Draft, not for sale"}) {
         EXPECT_EQ(Watermark::FromDefinition(definition).Definition(), definition);
+    }
     const auto odd = Watermark::FromDefinition("7x,99999999999,-99999999999,300,-1,,,01,,+450abc,,,,");
     EXPECT_TRUE(odd.clear);
     EXPECT_EQ(odd.right, 2147483647);

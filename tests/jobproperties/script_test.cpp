@@ -88,8 +88,9 @@ TEST(ModuleScript, EditsWhatComesBack) {
         ASSERT_TRUE(pane.Run());
         EXPECT_EQ(pane.openResult, SDM_SUCCESS);
         EXPECT_EQ(pane.result, 0);
-        for (const auto& [key, value] : testCase.expected)
+        for (const auto& [key, value] : testCase.expected) {
             EXPECT_EQ(pane.Value(key), value) << std::string(key, key + std::wcslen(key));
+        }
     }
 }
 
@@ -227,8 +228,9 @@ TEST(ModuleScript, EndsOtherwise) {
         ScriptFile script("not-ready 3\nend-fail");
         JPHANDLE session = nullptr;
         ASSERT_EQ(module.beginSession(pane.table.data(), &session), SDM_SUCCESS);
-        for (int i = 0; i < 3; ++i)
+        for (int i = 0; i < 3; ++i) {
             EXPECT_EQ(module.isServerReady(session), 0);
+        }
         EXPECT_NE(module.isServerReady(session), 0);
         EXPECT_EQ(module.endSession(session), SDM_SUCCESS);
         EXPECT_EQ(module.dllEnd(), SDM_NOT_AVAILABLE);
@@ -238,8 +240,9 @@ TEST(ModuleScript, EndsOtherwise) {
         ScriptFile script("not-ready forever");
         JPHANDLE session = nullptr;
         ASSERT_EQ(module.beginSession(pane.table.data(), &session), SDM_SUCCESS);
-        for (int i = 0; i < 10000; ++i)
+        for (int i = 0; i < 10000; ++i) {
             ASSERT_EQ(module.isServerReady(session), 0);
+        }
         EXPECT_EQ(module.dllEnd(), SDM_SUCCESS); // also ends the session
         EXPECT_EQ(module.endSession(session), SDM_NOT_AVAILABLE);
     }

@@ -30,8 +30,9 @@ void whenOpen(FakePane& pane, const std::function<void(QDialog&)>& act) {
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
             act(*dialog);
-            if (dialog->isVisible())
+            if (dialog->isVisible()) {
                 dialog->reject();
+            }
         });
     };
 }
@@ -173,8 +174,9 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
             const QWidget* parent = widget->parentWidget();
             if (widget->window() != &dialog || !(widget->focusPolicy() & Qt::TabFocus) ||
                 widget->objectName().startsWith("qt_") || qobject_cast<const QComboBox*>(parent) != nullptr ||
-                qobject_cast<const QAbstractSpinBox*>(parent) != nullptr)
+                qobject_cast<const QAbstractSpinBox*>(parent) != nullptr) {
                 continue;
+            }
             const auto* interface = QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
             EXPECT_NE(interface->text(QAccessible::Name), "")
                 << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
@@ -188,8 +190,9 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
 }
 
 TEST_F(ModuleWindow, NeedsADisplay) {
-    for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+    for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
         ::unsetenv(variable);
+    }
     testing::internal::CaptureStderr();
     ASSERT_TRUE(pane.Run());
     EXPECT_EQ(pane.openResult, SDM_NOT_AVAILABLE);

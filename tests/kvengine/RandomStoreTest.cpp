@@ -23,8 +23,9 @@ Pairs pairsOf(const KVCache& cache) { return {cache.Pairs().begin(), cache.Pairs
 
 KVCache cacheOf(const Pairs& pairs) {
     KVCache cache;
-    for (const KeyOption& pair : pairs)
+    for (const KeyOption& pair : pairs) {
         cache.add(pair);
+    }
     return cache;
 }
 
@@ -36,13 +37,16 @@ public:
         keyCount = 2 + Below(4);
         optionCount = 1 + Below(5);
         const int steps = 5 + Below(40);
-        for (int i = 0; i < steps; ++i)
+        for (int i = 0; i < steps; ++i) {
             Step();
-        if (Below(8) > 0)
+        }
+        if (Below(8) > 0) {
             Resolve();
+        }
         if (Below(4) == 0) { // adds options and lines after the lines were resolved
-            for (int i = Below(10); i > 0; --i)
+            for (int i = Below(10); i > 0; --i) {
                 Step();
+            }
             Resolve();
         }
     }
@@ -61,26 +65,30 @@ public:
         const bool repeated = Below(4) == 0;
         for (int i = Below(most + 1); i > 0; --i) {
             const KeyOption pair{AnyKey(), AnyOption()};
-            if (repeated)
+            if (repeated) {
                 pairs.push_back(pair);
-            else
+            } else {
                 oracle::insert(pairs, pair.key, pair.option);
+            }
         }
         return pairs;
     }
 
     void CompareStores() {
         ASSERT_EQ(fast.GetConstraintStrings()->size(), slow.texts.size());
-        for (std::size_t i = 0; i < slow.texts.size(); ++i)
+        for (std::size_t i = 0; i < slow.texts.size(); ++i) {
             ASSERT_EQ(fast.GetConstraintStrings()->Find(static_cast<Id>(i)), slow.texts[i]);
+        }
         CompareForests(*fast.GetRequiresForest(), slow.requirements);
         CompareForests(*fast.GetConstraintForest(), slow.constraints);
         std::unique_ptr<KVCache> keys;
         fast.GetKeyForest()->GetKeys(keys);
         Pairs expected;
-        for (const auto& [key, options] : slow.options)
-            for (const Id option : options)
+        for (const auto& [key, options] : slow.options) {
+            for (const Id option : options) {
                 expected.push_back({key, option});
+            }
+        }
         ASSERT_EQ(pairsOf(*keys), expected);
     }
 
@@ -100,8 +108,9 @@ public:
         CompareEngine(*fast.GetEngine());
 
         const Pairs live = slow.current;
-        if (Below(3) == 0)
+        if (Below(3) == 0) {
             slow.current = AnyPairs(6);
+        }
         slow.locked = AnyPairs(2);
         const KVCache current = cacheOf(slow.current);
         const KVCache locked = cacheOf(slow.locked);
@@ -178,8 +187,9 @@ private:
             for (Id option = 0; option < static_cast<Id>(slow.texts.size()); ++option) {
                 const auto list = forest.GetConstraintList(key, option);
                 ASSERT_EQ(list != nullptr, tree != lists.end());
-                if (list == nullptr)
+                if (list == nullptr) {
                     continue;
+                }
                 const auto expected = tree->second.find(option);
                 ASSERT_EQ(list->Pairs(), expected == tree->second.end() ? Pairs() : expected->second);
                 ASSERT_EQ(list->Owner(), option);
@@ -197,10 +207,13 @@ private:
             return true;
         });
         oracle::Store::Lists filled;
-        for (const auto& [key, tree] : lists)
-            for (const auto& [option, pairs] : tree)
-                if (!pairs.empty())
+        for (const auto& [key, tree] : lists) {
+            for (const auto& [option, pairs] : tree) {
+                if (!pairs.empty()) {
                     filled[key][option] = pairs;
+                }
+            }
+        }
         ASSERT_EQ(seen, filled);
     }
 
@@ -230,9 +243,10 @@ private:
             const Id excluded = AnyOption();
             ASSERT_EQ(pairsOf(engine.ListBlockingConstraints(other, excluded, key)),
                       slow.listBlocking(other, excluded, key));
-            for (const bool exact : {false, true})
+            for (const bool exact : {false, true}) {
                 ASSERT_EQ(pairsOf(engine.ListScreenedConstraints(changeSet, exact, key)),
                           slow.listScreened(changes, exact, key));
+            }
         }
     }
 
@@ -271,13 +285,15 @@ TEST(KVCache, AgreesWithAPlainSequence) {
                 break;
             case 5:
                 ASSERT_EQ(cache.pop_front(), plain.empty() ? (KeyOption{0, 0}) : plain.front());
-                if (!plain.empty())
+                if (!plain.empty()) {
                     plain.erase(plain.begin());
+                }
                 break;
             case 6:
                 ASSERT_EQ(cache.pop_back(), plain.empty() ? (KeyOption{0, 0}) : plain.back());
-                if (!plain.empty())
+                if (!plain.empty()) {
                     plain.pop_back();
+                }
                 break;
             case 8:
                 cache.add(pair);

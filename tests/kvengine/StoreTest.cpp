@@ -18,8 +18,9 @@ using testing::ElementsAre;
 std::vector<std::string> named(UIConstraints& store, std::span<const KeyOption> pairs) {
     std::vector<std::string> names;
     const auto text = [&](std::int64_t id) { return std::string(store.GetConstraintStrings()->Find(id)); };
-    for (const KeyOption& pair : pairs)
+    for (const KeyOption& pair : pairs) {
         names.push_back(text(pair.key) + "=" + text(pair.option));
+    }
     return names;
 }
 
@@ -31,9 +32,10 @@ TEST(CStringSoup, InternsBytesUpToTheFirstNul) {
     EXPECT_EQ(soup.Find("LETTER"), -1);
     EXPECT_EQ(soup.Find(2), nullptr);
     const char* const first = soup.Find(0);
-    for (int i = 0; i < 5000; ++i)
+    for (int i = 0; i < 5000; ++i) {
         ASSERT_EQ(soup.Insert(std::string(static_cast<std::size_t>(i % 200), 'x') + std::to_string(i)),
                   i + 2);
+    }
     EXPECT_EQ(soup.Find(0), first);
     EXPECT_EQ(soup.Find(std::string(150, 'x') + "150"), 152);
     soup.Clear();
@@ -57,8 +59,9 @@ TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
     for (const auto& [selected, forbidden] :
          {std::pair("l4999", true), {"None", false}, {"nothing", false}, {"late", false}}) {
         store.UpdateKVCache("*L", selected);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             ASSERT_EQ(store.IsKVConstrained("*K", "k" + std::to_string(i)), forbidden) << selected << i;
+        }
     }
     store.UpdateKVCache("*L", "l42");
     const CStringSoup& soup = *store.GetConstraintStrings();
@@ -71,8 +74,9 @@ TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
 
 TEST(ConstraintsEngine, OffersOtherOptionsFromTheLastBackwards) {
     UIConstraints store;
-    for (const char* option : {"1", "2", "3", "4"})
+    for (const char* option : {"1", "2", "3", "4"}) {
         store.KVSInsert("*X", option);
+    }
     store.Add("*K", "A", "*X", "1", false);
     store.Add("*K", "A", "*X", "3", false);
     store.UpdateKVCache("*X", "1");

@@ -76,10 +76,12 @@ std::int64_t CStringSoup::Insert(std::string_view text) { return InsertWhole(upT
 
 std::int64_t CStringSoup::InsertWhole(std::string_view text) {
     const std::uint64_t hash = hashText(text);
-    if (const std::int64_t known = Find(text, hash); known >= 0)
+    if (const std::int64_t known = Find(text, hash); known >= 0) {
         return known;
-    if (index.Full())
+    }
+    if (index.Full()) {
         index.Grow([this](std::uint32_t i) { return hashText(texts[i].View()); });
+    }
     const std::size_t added = texts.size();
     texts.push_back({Keep(text), text.size()});
     index.Add(hash, static_cast<std::uint32_t>(added));
@@ -87,8 +89,9 @@ std::int64_t CStringSoup::InsertWhole(std::string_view text) {
 }
 
 const char* CStringSoup::Find(std::int64_t position) const {
-    if (position < 0 || static_cast<std::size_t>(position) >= texts.size())
+    if (position < 0 || static_cast<std::size_t>(position) >= texts.size()) {
         return nullptr;
+    }
     return texts[static_cast<std::size_t>(position)].bytes;
 }
 

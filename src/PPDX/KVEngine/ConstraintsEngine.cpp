@@ -36,8 +36,9 @@ public:
         }
         // The longest range of a key contains its other ranges.
         const OptionRange*& longest = ranges[run.key];
-        if (longest == nullptr || longest->count < run.range->count)
+        if (longest == nullptr || longest->count < run.range->count) {
             longest = run.range;
+        }
     }
 
     bool Contains(const KeyOption& pair) const {
@@ -69,8 +70,9 @@ bool ConstraintsEngine::HasConflict(const KVCache& changeSet) {
     const SelectionView view(orEmpty(current), &changeSet);
     const auto changes = changeSet.Pairs();
     // Steps of a search differ little, so the pair that conflicted last probably conflicts again.
-    if (lastConflict < changes.size() && ConflictsWith(changes[lastConflict], view))
+    if (lastConflict < changes.size() && ConflictsWith(changes[lastConflict], view)) {
         return true;
+    }
     for (std::size_t i = 0; i < changes.size(); ++i) {
         if (i != lastConflict && ConflictsWith(changes[i], view)) {
             lastConflict = i;
@@ -86,14 +88,16 @@ bool ConstraintsEngine::HasConflict(const KeyOption& change) {
 
 KVCache ConstraintsEngine::TestLockedStatus(KVCache& alternatives) const {
     KVCache hits;
-    if (locked == nullptr || locked->size() == 0)
+    if (locked == nullptr || locked->size() == 0) {
         return hits;
+    }
     KVCache kept;
     for (const KeyOption& pair : alternatives.Pairs()) {
-        if (locked->Lookup({pair.key, -1}) != -1 || locked->Lookup(pair) != -1)
+        if (locked->Lookup({pair.key, -1}) != -1 || locked->Lookup(pair) != -1) {
             hits.Insert(pair.key, orEmpty(current).GetItem(pair.key));
-        else
+        } else {
             kept.add(pair);
+        }
     }
     alternatives = std::move(kept);
     return hits;
@@ -103,12 +107,14 @@ ConstraintsEngine::Answer ConstraintsEngine::RSolve(KVCache& changeSet, bool kee
     for (;;) {
         ++depth;
         Answer answer = Test(changeSet);
-        if (answer.conflicts.size() == 0 || depth >= deepest)
+        if (answer.conflicts.size() == 0 || depth >= deepest) {
             return answer;
+        }
         work += answer.alternatives.size();
         KVCache hits = TestLockedStatus(answer.alternatives);
-        if (depth == 1 && hits.size() > 0)
+        if (depth == 1 && hits.size() > 0) {
             return {std::move(hits), {}};
+        }
 
         while (answer.alternatives.size() > 0) {
             if (IsExhausted()) {
@@ -116,19 +122,23 @@ ConstraintsEngine::Answer ConstraintsEngine::RSolve(KVCache& changeSet, bool kee
             }
             ++work;
             const KeyOption alternative = answer.alternatives.pop_front();
-            if (keepChanged && changeSet.FindKey(alternative.key) != nullptr)
+            if (keepChanged && changeSet.FindKey(alternative.key) != nullptr) {
                 continue;
+            }
             changeSet.Insert(alternative.key, alternative.option);
-            if (!HasConflict(changeSet))
+            if (!HasConflict(changeSet)) {
                 return {};
+            }
             work += visited.size() + changeSet.size();
-            if (overflowed || std::find(visited.begin(), visited.end(), changeSet) != visited.end())
+            if (overflowed || std::find(visited.begin(), visited.end(), changeSet) != visited.end()) {
                 continue;
+            }
             queue.push_back(changeSet);
             overflowed = queue.size() > mostQueued;
         }
-        if (queue.empty())
+        if (queue.empty()) {
             return answer;
+        }
         changeSet = queue.front();
         visited.push_back(std::move(queue.front()));
         queue.pop_front();
@@ -144,38 +154,47 @@ ConstraintsEngine::Answer ConstraintsEngine::Solve(KVCache& changeSet, bool keep
 
 KVCache ConstraintsEngine::ListCurrentConstraints(std::int64_t key) {
     KVCache listed;
-    if (key < 0)
+    if (key < 0) {
         return listed;
+    }
     const SelectionView view(orEmpty(current));
-    for (const std::int64_t option : optionsOf(keys, key))
-        if (ConflictsWith({key, option}, view))
+    for (const std::int64_t option : optionsOf(keys, key)) {
+        if (ConflictsWith({key, option}, view)) {
             listed.add({key, option});
+        }
+    }
     return listed;
 }
 
 KVCache ConstraintsEngine::ListBlockingConstraints(std::int64_t key1, std::int64_t excludedOption,
                                                    std::int64_t key2) {
     KVCache listed;
-    if (key1 < 0 || excludedOption < 0 || key2 < 0)
+    if (key1 < 0 || excludedOption < 0 || key2 < 0) {
         return listed;
+    }
     // The options to block, each with the last option of key2 that blocks it.
     std::unordered_map<std::int64_t, std::size_t> others;
-    for (const std::int64_t option : optionsOf(keys, key1))
-        if (option != excludedOption)
+    for (const std::int64_t option : optionsOf(keys, key1)) {
+        if (option != excludedOption) {
             others.try_emplace(option, 0);
+        }
+    }
 
     std::size_t round = 0;
     for (const std::int64_t option : optionsOf(keys, key2)) {
         ++round;
         std::size_t blocked = 0;
         const auto blocks = [&](const KeyOption& pair) {
-            if (pair.key != key1)
+            if (pair.key != key1) {
                 return true;
+            }
             const auto other = others.find(pair.option);
-            if (other == others.end())
+            if (other == others.end()) {
                 return false;
-            if (std::exchange(other->second, round) != round)
+            }
+            if (std::exchange(other->second, round) != round) {
                 ++blocked;
+            }
             return true;
         };
         bool onlyOthers = true;
@@ -184,8 +203,9 @@ KVCache ConstraintsEngine::ListBlockingConstraints(std::int64_t key1, std::int64
             once.repeat = 1;
             onlyOthers = onlyOthers && ((run.range != nullptr && run.key != key1) || once.ForEach(blocks));
         }
-        if (onlyOthers && blocked == others.size())
+        if (onlyOthers && blocked == others.size()) {
             listed.add({key2, option});
+        }
     }
     return listed;
 }
@@ -195,8 +215,9 @@ KVCache ConstraintsEngine::ListScreenedConstraints(const KVCache& selections, bo
     const SelectionView view(selections);
     for (const std::int64_t option : optionsOf(keys, key)) {
         const KeyOption pair{key, option};
-        if (exact ? GathersExactly(pair, selections, view) : ConflictsWith(pair, view))
+        if (exact ? GathersExactly(pair, selections, view) : ConflictsWith(pair, view)) {
             listed.Insert(key, option);
+        }
     }
     return listed;
 }
@@ -208,8 +229,9 @@ bool ConstraintsEngine::ConflictsWith(const KeyOption& changed, const SelectionV
 }
 
 void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& view, Answer& answer) {
-    if (!ConflictsWith(changed, view))
+    if (!ConflictsWith(changed, view)) {
         return;
+    }
     ConstrainedSet constrained;
     for (const ConstraintRun& run : RunsOf(changed)) {
         work += run.lines.size() + 1;
@@ -250,9 +272,11 @@ void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& 
         runs.clear();
         tree.CollectRuns(*option, runs);
         work += runs.size();
-        for (auto run = runs.rbegin(); run != runs.rend(); ++run)
-            if (!view.ForEachBackwards(*run, found))
+        for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+            if (!view.ForEachBackwards(*run, found)) {
                 return;
+            }
+        }
     }
 }
 
@@ -272,9 +296,11 @@ bool ConstraintsEngine::GathersExactly(const KeyOption& constraining, const KVCa
     for (const std::int64_t option : options) {
         runs.clear();
         tree->CollectRuns(option, runs);
-        for (const ConstraintRun& run : runs)
-            if (!view.ForEachBackwards(run, gather))
+        for (const ConstraintRun& run : runs) {
+            if (!view.ForEachBackwards(run, gather)) {
                 return false;
+            }
+        }
     }
     return gathered.size() > 0 && gathered == selections;
 }
@@ -291,10 +317,11 @@ const std::vector<ConstraintRun>& ConstraintsEngine::RunsOf(const KeyOption& con
     if (tree == nullptr) {
         return runs;
     }
-    if (constraining.option == -1)
+    if (constraining.option == -1) {
         tree->CollectAllRuns(runs);
-    else
+    } else {
         tree->CollectRuns(constraining.option, runs);
+    }
     return runs;
 }
 

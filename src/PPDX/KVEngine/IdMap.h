@@ -26,12 +26,14 @@ public:
     // Returns the value of the identifier. Constructs it from these arguments when there is none.
     template <typename... Arguments>
     Value& FindOrMake(std::int64_t id, Arguments&&... arguments) {
-        if (const std::size_t position = PositionOf(id); position < ids.size())
+        if (const std::size_t position = PositionOf(id); position < ids.size()) {
             return values[position];
+        }
         ids.push_back(id);
         values.emplace_back(std::forward<Arguments>(arguments)...);
-        if (ids.size() > scanned)
+        if (ids.size() > scanned) {
             Index();
+        }
         return values.back();
     }
 
@@ -51,8 +53,9 @@ private:
             return position == PositionTable::none ? ids.size() : position;
         }
         std::size_t i = 0;
-        while (i < ids.size() && ids[i] != id)
+        while (i < ids.size() && ids[i] != id) {
             ++i;
+        }
         return i;
     }
 
@@ -63,8 +66,9 @@ private:
             table.Reset(ids.size() * 2);
             next = 0;
         }
-        for (; next < ids.size(); ++next)
+        for (; next < ids.size(); ++next) {
             table.Add(hashIdentifier(ids[next]), static_cast<std::uint32_t>(next));
+        }
     }
 
     std::vector<std::int64_t> ids;

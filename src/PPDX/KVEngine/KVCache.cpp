@@ -30,8 +30,9 @@ KVCache::KVCache(const KVCache& other)
     , hasFingerprint(other.hasFingerprint) {}
 
 KVCache& KVCache::operator=(const KVCache& other) {
-    if (this != &other)
+    if (this != &other) {
         *this = KVCache(other);
+    }
     return *this;
 }
 
@@ -50,19 +51,22 @@ KVCache& KVCache::operator=(KVCache&& other) noexcept {
 }
 
 void KVCache::Insert(std::int64_t key, std::int64_t option) {
-    if (key < 0)
+    if (key < 0) {
         return;
+    }
     const std::size_t position = PositionOf(key);
     if (position == noPosition) {
         Append({key, option});
         return;
     }
     KeyOption& entry = entries[position];
-    if (hasFingerprint)
+    if (hasFingerprint) {
         fingerprint += hashPair({key, option}) - hashPair(entry);
+    }
     entry.option = option;
-    if (index.repeats)
+    if (index.repeats) {
         DropIndex();
+    }
 }
 
 void KVCache::add(const KeyOption& pair) {
@@ -71,10 +75,12 @@ void KVCache::add(const KeyOption& pair) {
 }
 
 void KVCache::merge(const KVCache& other) {
-    if (this == &other)
+    if (this == &other) {
         return;
-    for (const KeyOption& pair : other.Pairs())
+    }
+    for (const KeyOption& pair : other.Pairs()) {
         Insert(pair.key, pair.option);
+    }
 }
 
 KVCache KVCache::operator+(const KVCache& other) const {
@@ -87,8 +93,9 @@ KVCache& KVCache::operator+=(const KVCache& other) {
     const std::size_t count = other.size();
     for (std::size_t i = 0; i < count; ++i) {
         const KeyOption pair = other.GetKV(i);
-        if (pair.key >= 0)
+        if (pair.key >= 0) {
             add(pair);
+        }
     }
     return *this;
 }
@@ -100,8 +107,9 @@ std::int64_t KVCache::Lookup(const KeyOption& pair) const {
         return found == pairs.end() ? -1 : found - pairs.begin();
     }
     const std::uint32_t position = index.repeats ? IndexedPair(pair) : IndexedKey(pair.key);
-    if (position == PositionTable::none || entries[position].option != pair.option)
+    if (position == PositionTable::none || entries[position].option != pair.option) {
         return -1;
+    }
     return static_cast<std::int64_t>(position - head);
 }
 
@@ -118,13 +126,16 @@ const KeyOption* KVCache::FindKey(std::int64_t key) const {
 KeyOption KVCache::GetKV(std::size_t i) const { return i < size() ? entries[head + i] : KeyOption{}; }
 
 KeyOption KVCache::pop_front() {
-    if (size() == 0)
+    if (size() == 0) {
         return {0, 0};
+    }
     const KeyOption pair = entries[head++];
-    if (hasFingerprint)
+    if (hasFingerprint) {
         fingerprint -= hashPair(pair);
-    if (index.repeats)
+    }
+    if (index.repeats) {
         DropIndex(); // the next entry of that key becomes its first
+    }
     if (head == entries.size()) {
         clear();
     } else if (head >= poppedWorthFreeing && head * 2 >= entries.size()) {
@@ -136,12 +147,14 @@ KeyOption KVCache::pop_front() {
 }
 
 KeyOption KVCache::pop_back() {
-    if (size() == 0)
+    if (size() == 0) {
         return {0, 0};
+    }
     const KeyOption pair = entries.back();
     entries.pop_back();
-    if (hasFingerprint)
+    if (hasFingerprint) {
         fingerprint -= hashPair(pair);
+    }
     return pair;
 }
 
@@ -154,21 +167,25 @@ void KVCache::clear() {
 }
 
 bool KVCache::HasRepeatedKeys() const {
-    if (!unchecked)
+    if (!unchecked) {
         return false;
-    if (!index.built)
+    }
+    if (!index.built) {
         BuildIndex();
+    }
     unchecked = index.repeats;
     return index.repeats;
 }
 
 bool KVCache::operator==(const KVCache& other) const {
-    if (size() != other.size() || Fingerprint() != other.Fingerprint())
+    if (size() != other.size() || Fingerprint() != other.Fingerprint()) {
         return false;
+    }
     const auto mine = Pairs();
     const auto theirs = other.Pairs();
-    if (std::equal(mine.begin(), mine.end(), theirs.begin()))
+    if (std::equal(mine.begin(), mine.end(), theirs.begin())) {
         return true;
+    }
     std::vector<KeyOption> a(mine.begin(), mine.end());
     std::vector<KeyOption> b(theirs.begin(), theirs.end());
     std::sort(a.begin(), a.end(), KeyOptionGreater);
@@ -179,8 +196,9 @@ bool KVCache::operator==(const KVCache& other) const {
 std::uint64_t KVCache::Fingerprint() const {
     if (!hasFingerprint) {
         fingerprint = 0;
-        for (const KeyOption& pair : Pairs())
+        for (const KeyOption& pair : Pairs()) {
             fingerprint += hashPair(pair);
+        }
         hasFingerprint = true;
     }
     return fingerprint;
@@ -191,17 +209,21 @@ std::size_t KVCache::PositionOf(std::int64_t key) const {
         const std::uint32_t position = IndexedKey(key);
         return position == PositionTable::none ? noPosition : position;
     }
-    for (std::size_t i = head; i < entries.size(); ++i)
-        if (entries[i].key == key)
+    for (std::size_t i = head; i < entries.size(); ++i) {
+        if (entries[i].key == key) {
             return i;
+        }
+    }
     return noPosition;
 }
 
 bool KVCache::UseIndex() const {
-    if (index.built)
+    if (index.built) {
         return true;
-    if (size() <= shortCache || ++index.scans < scansBeforeIndex)
+    }
+    if (size() <= shortCache || ++index.scans < scansBeforeIndex) {
         return false;
+    }
     BuildIndex();
     return true;
 }
@@ -211,16 +233,19 @@ void KVCache::BuildIndex() const {
     index.byPair.Clear();
     index.repeats = false;
     for (std::size_t i = head; i < entries.size(); ++i) {
-        if (IndexedKey(entries[i].key) == PositionTable::none)
+        if (IndexedKey(entries[i].key) == PositionTable::none) {
             index.byKey.Add(hashIdentifier(entries[i].key), static_cast<std::uint32_t>(i));
-        else
+        } else {
             index.repeats = true;
+        }
     }
     if (index.repeats) {
         index.byPair.Reset(size() * 2);
-        for (std::size_t i = head; i < entries.size(); ++i)
-            if (IndexedPair(entries[i]) == PositionTable::none)
+        for (std::size_t i = head; i < entries.size(); ++i) {
+            if (IndexedPair(entries[i]) == PositionTable::none) {
                 index.byPair.Add(hashPair(entries[i]), static_cast<std::uint32_t>(i));
+            }
+        }
     }
     index.built = true;
     index.scans = 0;
@@ -234,15 +259,18 @@ void KVCache::Append(const KeyOption& pair) {
             index.scans = scansBeforeIndex; // rebuild at the next look-up, with twice the capacity
         } else {
             const auto position = static_cast<std::uint32_t>(entries.size());
-            if (!known)
+            if (!known) {
                 index.byKey.Add(hashIdentifier(pair.key), position);
-            if (index.repeats && IndexedPair(pair) == PositionTable::none)
+            }
+            if (index.repeats && IndexedPair(pair) == PositionTable::none) {
                 index.byPair.Add(hashPair(pair), position);
+            }
         }
     }
     entries.push_back(pair);
-    if (hasFingerprint)
+    if (hasFingerprint) {
         fingerprint += hashPair(pair);
+    }
 }
 
 std::uint32_t KVCache::IndexedKey(std::int64_t key) const {

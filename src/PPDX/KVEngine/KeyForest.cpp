@@ -30,14 +30,16 @@ std::size_t KeyOptions::Occurrences(std::int64_t option, std::size_t limit) cons
 
 void KeyOptions::SortNewItems() const {
     const std::size_t known = sorted.size();
-    if (known == items.size())
+    if (known == items.size()) {
         return;
+    }
     const auto before = [this](std::uint32_t a, std::uint32_t b) {
         return items[a] != items[b] ? items[a] < items[b] : a < b;
     };
     if (items.size() - known <= insertedOneByOne) {
-        for (auto i = static_cast<std::uint32_t>(known); i < items.size(); ++i)
+        for (auto i = static_cast<std::uint32_t>(known); i < items.size(); ++i) {
             sorted.insert(std::upper_bound(sorted.begin(), sorted.end(), i, before), i);
+        }
         return;
     }
     sorted.resize(items.size());
@@ -47,8 +49,9 @@ void KeyOptions::SortNewItems() const {
 
 void KeyForest::insert(std::int64_t key, std::int64_t option) {
     std::shared_ptr<KeyOptions>& options = keys.FindOrMake(key);
-    if (options == nullptr)
+    if (options == nullptr) {
         options = std::make_shared<KeyOptions>();
+    }
     options->Append(option);
 }
 
@@ -63,15 +66,18 @@ std::shared_ptr<const KeyOptions> KeyForest::GetOptions(std::int64_t key) const 
 }
 
 void KeyForest::GetKeys(std::unique_ptr<KVCache>& out) const {
-    if (out == nullptr)
+    if (out == nullptr) {
         out = std::make_unique<KVCache>();
-    else
+    } else {
         out->clear();
+    }
     std::vector<std::int64_t> ascending = keys.Ids();
     std::sort(ascending.begin(), ascending.end());
-    for (const std::int64_t key : ascending)
-        for (const std::int64_t option : *GetItems(key))
+    for (const std::int64_t key : ascending) {
+        for (const std::int64_t option : *GetItems(key)) {
             out->add({key, option});
+        }
+    }
 }
 
 } // namespace torka

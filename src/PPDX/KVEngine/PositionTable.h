@@ -28,14 +28,17 @@ public:
     // Returns the first position of this hash that matches(position) accepts, or none.
     template <typename Matches>
     std::uint32_t Find(std::uint64_t hash, Matches matches) const {
-        if (slots.empty())
+        if (slots.empty()) {
             return none;
+        }
         const auto tag = tagOf(hash);
         for (std::size_t i = hash & mask();; i = (i + 1) & mask()) {
-            if (slots[i].position == none)
+            if (slots[i].position == none) {
                 return none;
-            if (slots[i].tag == tag && matches(slots[i].position))
+            }
+            if (slots[i].tag == tag && matches(slots[i].position)) {
                 return slots[i].position;
+            }
         }
     }
 
@@ -50,8 +53,9 @@ public:
     // REQUIRES: !Full().
     void Add(std::uint64_t hash, std::uint32_t position) {
         std::size_t i = hash & mask();
-        while (slots[i].position != none)
+        while (slots[i].position != none) {
             i = (i + 1) & mask();
+        }
         slots[i] = {tagOf(hash), position};
         ++used;
     }
@@ -61,9 +65,11 @@ public:
     void Grow(HashOf hashOf) {
         const std::vector<Slot> old = std::move(slots);
         Reset(old.size());
-        for (const Slot& slot : old)
-            if (slot.position != none)
+        for (const Slot& slot : old) {
+            if (slot.position != none) {
                 Add(hashOf(slot.position), slot.position);
+            }
+        }
     }
 
     void Clear() {

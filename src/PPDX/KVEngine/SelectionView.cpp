@@ -7,8 +7,9 @@ SelectionView::SelectionView(const KVCache& base, const KVCache* changeSet)
     , changes(changeSet) {
     if (selections.HasRepeatedKeys() || (changes != nullptr && changes->HasRepeatedKeys())) {
         merged = selections;
-        if (changes != nullptr)
+        if (changes != nullptr) {
             merged->merge(*changes);
+        }
     }
 }
 
@@ -22,8 +23,9 @@ SelectionView::SelectionView(const KVCache& base, const KeyOption& change)
 }
 
 bool SelectionView::Contains(const KeyOption& pair) const {
-    if (merged.has_value())
+    if (merged.has_value()) {
         return merged->Lookup(pair) != -1;
+    }
     const KeyOption* selected = Selected(pair.key);
     return selected != nullptr && selected->option == pair.option;
 }
@@ -41,11 +43,14 @@ const KeyOption* SelectionView::Selected(std::int64_t key) const {
 }
 
 const KeyOption* SelectionView::FindSelected(std::int64_t key) const {
-    if (key == single.key && key >= 0)
+    if (key == single.key && key >= 0) {
         return &single;
-    if (changes != nullptr && key >= 0)
-        if (const KeyOption* changed = changes->FindKey(key))
+    }
+    if (changes != nullptr && key >= 0) {
+        if (const KeyOption* changed = changes->FindKey(key)) {
             return changed;
+        }
+    }
     return selections.FindKey(key);
 }
 

@@ -33,10 +33,12 @@ public:
                 found = true;
                 return visit(pair);
             };
-            if (!(run.range != nullptr ? RangeBackwards(run, check) : PairsBackwards(run, check)))
+            if (!(run.range != nullptr ? RangeBackwards(run, check) : PairsBackwards(run, check))) {
                 return false;
-            if (!found)
+            }
+            if (!found) {
                 break;
+            }
         }
         return true;
     }
@@ -60,18 +62,22 @@ private:
     bool RangeBackwards(const ConstraintRun& run, Visit visit) const {
         if (!merged.has_value()) {
             const KeyOption* selected = Selected(run.key);
-            if (selected == nullptr)
+            if (selected == nullptr) {
                 return true;
-            for (std::size_t n = run.range->Occurrences(selected->option); n > 0; --n)
-                if (!visit(*selected))
+            }
+            for (std::size_t n = run.range->Occurrences(selected->option); n > 0; --n) {
+                if (!visit(*selected)) {
                     return false;
+                }
+            }
             return true;
         }
         const auto items = run.range->Items();
         for (std::size_t i = items.size(); i-- > 0;) {
             const KeyOption pair{run.key, items[i]};
-            if (!run.range->Skips(pair.option) && Contains(pair) && !visit(pair))
+            if (!run.range->Skips(pair.option) && Contains(pair) && !visit(pair)) {
                 return false;
+            }
         }
         return true;
     }

@@ -34,18 +34,20 @@ void UIConstraints::Add(std::string_view key1Text, std::string_view option1Text,
     const std::int64_t option1 = strings->InsertWhole(option1Text);
     const std::int64_t key2 = strings->InsertWhole(key2Text);
     const std::int64_t option2 = strings->InsertWhole(option2Text);
-    if (option1Text.empty() || option2Text.empty())
+    if (option1Text.empty() || option2Text.empty()) {
         deferred.push_back({key1, option1, key2, option2, requirement});
-    else
+    } else {
         (requirement ? requirements : constraints)->insert(key1, option1, key2, option2);
+    }
 }
 
 void UIConstraints::Resolve() {
     constraints->Settle();
     requirements->Settle();
     const std::int64_t empty = strings->Find("");
-    if (empty < 0)
+    if (empty < 0) {
         return;
+    }
     const std::int64_t none = strings->Insert("None");
     const std::int64_t off = strings->Insert("False");
 
@@ -55,8 +57,9 @@ void UIConstraints::Resolve() {
         const auto [entry, isNew] = ranges.try_emplace(key);
         if (const auto recorded = options->GetOptions(key); isNew && recorded != nullptr) {
             const OptionRange range{recorded, recorded->Items().size(), {none, off}};
-            if (!range.Empty())
+            if (!range.Empty()) {
                 entry->second = std::make_shared<const OptionRange>(range);
+            }
         }
         return entry->second;
     };
@@ -66,8 +69,9 @@ void UIConstraints::Resolve() {
         const bool many2 = line.option2 == empty;
         auto from = many1 ? rangeOf(line.key1) : nullptr;
         auto to = many2 ? rangeOf(line.key2) : nullptr;
-        if ((many1 && from == nullptr) || (many2 && to == nullptr))
+        if ((many1 && from == nullptr) || (many2 && to == nullptr)) {
             continue;
+        }
         (line.requirement ? requirements : constraints)
             ->InsertWildcard(line.key1, std::move(from), line.option1, std::move(to),
                              {line.key2, line.option2});
@@ -93,9 +97,10 @@ bool UIConstraints::IsKVConstrained(std::int64_t key, std::int64_t option) {
 bool UIConstraints::ValidateDelta(const KVCache& changeSet) { return !GetEngine()->HasConflict(changeSet); }
 
 ConstraintsEngine* UIConstraints::GetEngine() {
-    if (engine == nullptr)
+    if (engine == nullptr) {
         engine =
             std::make_unique<ConstraintsEngine>(selections.get(), constraints.get(), options.get(), nullptr);
+    }
     return engine.get();
 }
 

@@ -20,8 +20,8 @@ public:
     RecordBlock Read(std::string_view recordName, std::size_t* size) const;
     // The names of the records in the order of their first chunks, each once.
     std::vector<std::string> Names() const;
-    // The same names, each with the size in bytes of what Read gives, 0 for nothing. Linear in the text, also when
-    // records have no end marks.
+    // The same names, each with the size in bytes of what Read gives, 0 for nothing. Linear in the text, also
+    // when records have no end marks.
     std::vector<std::pair<std::string, std::size_t>> Sizes() const;
 
 private:
