@@ -26,17 +26,21 @@ Json number(float value) {
 
 Json number(long value) { return Json(value); }
 
-void addPopup(Json& json, PPDXPopupControl& popup) {
+// What a kind of control has that others have not. Json(nullptr) stands for a popup without a default.
+void addKind(Json&, const PPDXControl&) {}
+
+void addKind(Json& json, const PPDXPopupControl& popup) {
     json["default"] = jsonText(popup.GetDefaultKeyword());
     Json items = Json::array();
-    for (_PopupItem* item = popup.FirstItem(); item != nullptr; item = popup.NextItem()) {
-        items.push_back(
-            {{"keyword", jsonText(item->keyword.Buffer())}, {"name", jsonText(item->LocalName())}});
-    }
+    popup.ForEachItem([&items](const _PopupItem& item) {
+        items.push_back({{"keyword", jsonText(item.keyword.Buffer())}, {"name", jsonText(item.LocalName())}});
+    });
     json["items"] = std::move(items);
 }
 
-void addJobNote(Json& json, const PPDXJobNote& note) {
+void addKind(Json& json, const PPDXBooleanControl& control) { json["default"] = control.DefaultText(); }
+
+void addKind(Json& json, const PPDXJobNote& note) {
     json["default"] = jsonText(note.CFDefaultNotes());
     json["maxLength"] = note.MaxLength();
     json["minLength"] = note.MinLength();
@@ -49,47 +53,21 @@ void addJobNote(Json& json, const PPDXJobNote& note) {
     json["noteFlags"] = std::move(words);
 }
 
-template <typename Range>
-void addBounds(Json& json, const Range& range) {
+template <typename Number>
+void addKind(Json& json, const PPDXNumberControl<Number>& range) {
     json["default"] = number(range.DefaultValue());
     json["minimum"] = number(range.MinVal());
     json["maximum"] = number(range.MaxVal());
     json["increment"] = number(range.Increment());
 }
 
-void addCustomSize(Json& json, const PPDXCustomPageSizeControl& size) {
+void addKind(Json& json, const PPDXCustomPageSizeControl& size) {
     json["width"] = number(size.GetWidth());
     json["height"] = number(size.GetHeight());
     json["minWidth"] = number(size.MinWidth());
     json["maxWidth"] = number(size.MaxWidth());
     json["minHeight"] = number(size.MinHeight());
     json["maxHeight"] = number(size.MaxHeight());
-}
-
-void addKindOfControl(Json& json, PPDXControl& control) {
-    switch (control.Type()) {
-    case CNTL_TYPE::popup:
-        addPopup(json, dynamic_cast<PPDXPopupControl&>(control));
-        break;
-    case CNTL_TYPE::boolean:
-        json["default"] = dynamic_cast<PPDXBooleanControl&>(control).DefaultState() ? "True" : "False";
-        break;
-    case CNTL_TYPE::range:
-        addBounds(json, dynamic_cast<PPDXRangeControl&>(control));
-        break;
-    case CNTL_TYPE::floatRange:
-        addBounds(json, dynamic_cast<PPDXFloatRangeControl&>(control));
-        break;
-    case CNTL_TYPE::jobNote:
-        addJobNote(json, dynamic_cast<PPDXJobNote&>(control));
-        break;
-    case CNTL_TYPE::customPageSize:
-        addCustomSize(json, dynamic_cast<PPDXCustomPageSizeControl&>(control));
-        break;
-    case CNTL_TYPE::specialOption:
-    case CNTL_TYPE::none:
-        break;
-    }
 }
 
 Json controlJson(PPDXControl& control) {
@@ -106,7 +84,7 @@ Json controlJson(PPDXControl& control) {
     json["flags"] = std::move(flags);
     json["visible"] = control.IsVisible();
     json["value"] = jsonText(control.CopyCurrentControlValueString());
-    addKindOfControl(json, control);
+    visitControl(std::as_const(control), [&json](const auto& own) { addKind(json, own); });
     return json;
 }
 
@@ -158,25 +136,10 @@ Json requirementsJson(const ZANPPD& description) {
 } // namespace
 
 const char* typeName(CNTL_TYPE type) {
-    switch (type) {
-    case CNTL_TYPE::popup:
-        return "popup";
-    case CNTL_TYPE::boolean:
-        return "boolean";
-    case CNTL_TYPE::range:
-        return "range";
-    case CNTL_TYPE::floatRange:
-        return "floatRange";
-    case CNTL_TYPE::jobNote:
-        return "jobNote";
-    case CNTL_TYPE::customPageSize:
-        return "customPageSize";
-    case CNTL_TYPE::specialOption:
-        return "specialOption";
-    case CNTL_TYPE::none:
-        break;
-    }
-    return "none";
+    static constexpr std::array<const char*, 8> names = {
+        "none", "jobNote", "range", "floatRange", "boolean", "popup", "specialOption", "customPageSize"};
+    static_assert(names.size() == static_cast<std::size_t>(CNTL_TYPE::customPageSize) + 1);
+    return names[static_cast<std::size_t>(type)];
 }
 
 Json headerJson(const ZANPPD& description) {

@@ -58,7 +58,7 @@ bool isKeyword(const PPDXControl* control, std::string_view keyword) {
     return control != nullptr && control->Keyword() != nullptr && keyword == control->Keyword();
 }
 
-std::string valueOf(PPDXControl* control) {
+std::string valueOf(const PPDXControl* control) {
     return control == nullptr ? std::string() : utf8Text(control->CopyCurrentControlValueString());
 }
 

@@ -20,22 +20,25 @@ namespace {
 
 constexpr std::size_t longestChoice = 255; // bytes; the longest option keyword that PPD 4.3 allows is 40
 
-std::string popupText(PPDXPopupControl& popup) {
+std::string textOf(const PPDXControl& control) { return utf8Text(control.CopyCurrentControlValueString()); }
+
+std::string textOf(const PPDXPopupControl& popup) {
     if (!popup.CanSelectMultipleItems()) {
         return utf8Text(popup.CopyCurrentControlValueString());
     }
     std::string text;
-    for (const _PopupItem* item = popup.FirstItem(); item; item = popup.NextItem()) {
-        if (item->selected != 0) {
+    popup.ForEachItem([&text](const _PopupItem& item) {
+        if (item.selected != 0) {
             text += text.empty() ? "" : ",";
-            text += std::string_view(item->keyword.Buffer(), item->keyword.Size());
+            text += std::string_view(item.keyword.Buffer(), item.keyword.Size());
         }
-    }
+    });
     return text;
 }
 
 // The model's own form where it says enough, else the shortest text without exponent that does.
-std::string floatText(float value) {
+std::string textOf(const PPDXFloatRangeControl& control) {
+    const float value = control.GetValue();
     const NumberText usual(value, 3);
     if (nearestFloat(CFStringGetDoubleValue(cfString(usual.View()))) == value) {
         return std::string(usual.View());
@@ -70,9 +73,9 @@ bool setSeveral(PPDXPopupControl& popup, std::string_view text) {
         text.remove_prefix(std::min(comma + 1, text.size()));
     }
     std::vector<std::string> offered;
-    for (const _PopupItem* item = popup.FirstItem(); item; item = popup.NextItem()) {
-        offered.emplace_back(item->keyword.Buffer(), item->keyword.Size());
-    }
+    popup.ForEachItem([&offered](const _PopupItem& item) {
+        offered.emplace_back(item.keyword.Buffer(), item.keyword.Size());
+    });
     const auto isOffered = [&](const std::string& choice) {
         return std::ranges::find(offered, choice) != offered.end();
     };
@@ -91,7 +94,10 @@ bool setSeveral(PPDXPopupControl& popup, std::string_view text) {
     return true;
 }
 
-bool setPopup(PPDXPopupControl& popup, const std::string& text) {
+// Nobody sets a control of another kind.
+bool set(PPDXControl&, const std::string&) { return false; }
+
+bool set(PPDXPopupControl& popup, const std::string& text) {
     if (text.size() > longestChoice || !isPlain(text)) {
         return false;
     }
@@ -102,10 +108,10 @@ bool setPopup(PPDXPopupControl& popup, const std::string& text) {
         return false;
     }
     popup.SetCurrentControlWithCFString(cfString(text));
-    return popupText(popup) == text;
+    return textOf(popup) == text;
 }
 
-bool setBoolean(PPDXBooleanControl& control, const std::string& text) {
+bool set(PPDXBooleanControl& control, const std::string& text) {
     const CFStringRef word = cfString(text);
     for (const bool state : {true, false}) {
         if (CFStringCompare(word, cfString(state ? "True" : "False"), kCFCompareCaseInsensitive) == 0) {
@@ -120,10 +126,10 @@ float heldTo(float points, float minimum, float maximum) {
     return maximum > minimum ? std::clamp(points, minimum, maximum) : points;
 }
 
-bool setCustomSize(PPDXCustomPageSizeControl& control, std::string_view text) {
+bool set(PPDXCustomPageSizeControl& control, const std::string& text) {
     const std::size_t blank = std::min(text.find(' '), text.size());
-    const auto width = decimal(text.substr(0, blank));
-    const auto height = decimal(text.substr(std::min(blank + 1, text.size())));
+    const auto width = decimal(std::string_view(text).substr(0, blank));
+    const auto height = decimal(std::string_view(text).substr(std::min(blank + 1, text.size())));
     if (!width || !height || *width <= 0 || *height <= 0) {
         return false;
     }
@@ -132,7 +138,7 @@ bool setCustomSize(PPDXCustomPageSizeControl& control, std::string_view text) {
     return true;
 }
 
-bool setRange(PPDXRangeControl& control, std::string_view text) {
+bool set(PPDXRangeControl& control, const std::string& text) {
     // A module that keeps all numbers as decimals writes "5.000".
     const auto number = wholeNumber<double>(text);
     if (!number || !std::isfinite(*number) || std::trunc(*number) != *number) {
@@ -146,7 +152,7 @@ bool setRange(PPDXRangeControl& control, std::string_view text) {
     return true;
 }
 
-bool setFloatRange(PPDXFloatRangeControl& control, std::string_view text) {
+bool set(PPDXFloatRangeControl& control, const std::string& text) {
     const auto value = decimal(text);
     if (value && *value != control.GetValue()) {
         control.SetValue(*value);
@@ -154,41 +160,20 @@ bool setFloatRange(PPDXFloatRangeControl& control, std::string_view text) {
     return value.has_value();
 }
 
+bool set(PPDXJobNote& note, const std::string& text) {
+    note.SetCurrentControlWithCFString(cutToNote(note, text));
+    return true;
+}
+
 } // namespace
 
-std::string controlValueText(PPDXControl& control) {
-    switch (control.Type()) {
-    case CNTL_TYPE::popup:
-        return popupText(static_cast<PPDXPopupControl&>(control));
-    case CNTL_TYPE::floatRange:
-        return floatText(static_cast<PPDXFloatRangeControl&>(control).GetValue());
-    default:
-        return utf8Text(control.CopyCurrentControlValueString());
-    }
+std::string controlValueText(const PPDXControl& control) {
+    return visitControl(control, [](const auto& own) { return textOf(own); });
 }
 
 bool setControlValueText(PPDXControl& control, const std::string& text) {
-    const std::string now = controlValueText(control);
-    if (isUnchanged(text, now)) {
-        return true;
-    }
-    switch (control.Type()) {
-    case CNTL_TYPE::popup:
-        return setPopup(static_cast<PPDXPopupControl&>(control), text);
-    case CNTL_TYPE::boolean:
-        return setBoolean(static_cast<PPDXBooleanControl&>(control), text);
-    case CNTL_TYPE::range:
-        return setRange(static_cast<PPDXRangeControl&>(control), text);
-    case CNTL_TYPE::floatRange:
-        return setFloatRange(static_cast<PPDXFloatRangeControl&>(control), text);
-    case CNTL_TYPE::customPageSize:
-        return setCustomSize(static_cast<PPDXCustomPageSizeControl&>(control), text);
-    case CNTL_TYPE::jobNote:
-        control.SetCurrentControlWithCFString(cutToNote(static_cast<PPDXJobNote&>(control), text));
-        return true;
-    default:
-        return false;
-    }
+    return isUnchanged(text, controlValueText(control)) ||
+           visitControl(control, [&text](auto& own) { return set(own, text); });
 }
 
 CFStringRef cutToNote(const PPDXJobNote& note, const std::string& text) {

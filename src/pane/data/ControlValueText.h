@@ -16,7 +16,7 @@ class PPDXJobNote;
 // Of a popup the selected choice, of one that takes several all selected ones, joined by commas; "True" or
 // "False"; a whole number; a decimal number that reads back as the same float; a note's text; "WIDTH HEIGHT"
 // of a custom size, in points. "" for none.
-std::string controlValueText(PPDXControl& control);
+std::string controlValueText(const PPDXControl& control);
 
 // Sets what a text says. False, with nothing changed, for a text that is no value of that kind of control: a
 // choice that is not offered (the colour popups take any, for the controller may add to them at any time), a

@@ -3,7 +3,6 @@
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "PPDX/PPDObjects/NumberText.h"
 #include "output/ZANJobNote.h"
 #include "pane/data/PDEData.h"
 
@@ -27,17 +26,6 @@ std::vector<std::string> linesOf(std::string_view text) {
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return lines;
-}
-
-std::string itemKeyword(const PPDXPopupControl& popup, int number) {
-    std::string keyword;
-    int place = 0;
-    popup.ForEachItem([&](const _PopupItem& item) {
-        if (++place == number && item.keyword.Buffer() != nullptr) {
-            keyword = item.keyword.Buffer();
-        }
-    });
-    return keyword;
 }
 
 } // namespace
@@ -88,28 +76,10 @@ std::string PaneEditor::Value(const PPDXControl& control) {
         });
         return chosen;
     }
-    // Copying a value changes nothing; the model's interface does not say so.
-    return utf8Text(const_cast<PPDXControl&>(control).CopyCurrentControlValueString());
+    return utf8Text(control.CopyCurrentControlValueString());
 }
 
-std::string PaneEditor::DefaultValue(const PPDXControl& control) {
-    switch (control.Type()) {
-    case CNTL_TYPE::popup: {
-        const auto& popup = static_cast<const PPDXPopupControl&>(control);
-        return itemKeyword(popup, popup.DefaultValue());
-    }
-    case CNTL_TYPE::boolean:
-        return static_cast<const PPDXBooleanControl&>(control).DefaultState() ? "True" : "False";
-    case CNTL_TYPE::range:
-        return NumberText(static_cast<const PPDXRangeControl&>(control).DefaultValue()).Text();
-    case CNTL_TYPE::floatRange:
-        return NumberText(static_cast<const PPDXFloatRangeControl&>(control).DefaultValue(), 3).Text();
-    case CNTL_TYPE::jobNote:
-        return utf8Text(static_cast<const PPDXJobNote&>(control).CFDefaultNotes());
-    default:
-        return Value(control); // a size has none
-    }
-}
+std::string PaneEditor::DefaultValue(const PPDXControl& control) { return control.DefaultText(); }
 
 PaneLock PaneEditor::LockOf(const PPDXControl& control) const {
     if (control == "*PageSize") {

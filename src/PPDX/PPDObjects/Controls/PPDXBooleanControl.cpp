@@ -23,7 +23,7 @@ PPDXBooleanControl::PPDXBooleanControl(const ControlDefinition& definition, bool
     , truePSLength(whenTrue.psLength)
     , falsePS(whenFalse.psData)
     , falsePSLength(whenFalse.psLength) {
-    UpdateKVCache(Keyword(), ValueKeyword());
+    UpdateKVCache(Keyword(), KeywordOf(value));
 }
 
 PPDXBooleanControl::PPDXBooleanControl(Settings& settings, int index, const CString* prefix)
@@ -62,16 +62,16 @@ void PPDXBooleanControl::Save(Settings& settings, const int& index) const {
 
 void PPDXBooleanControl::ResetToDefaultValue() { SetValue(defaultValue != 0); }
 
-long PPDXBooleanControl::PostScript(unsigned char* out) {
-    return IsTrue() ? GeneratePSOutputData(out, truePS, truePSLength, "True", true)
-                    : GeneratePSOutputData(out, falsePS, falsePSLength, "False", true);
+long PPDXBooleanControl::PostScript(unsigned char* out) const {
+    return GeneratePSOutputData(out, IsTrue() ? truePS : falsePS, IsTrue() ? truePSLength : falsePSLength,
+                                KeywordOf(value), true);
 }
 
 void PPDXBooleanControl::Restore(Settings& settings, int index) {
     SetValue(StoredRecord(settings, "Control", index).Integer("value", value) != 0);
 }
 
-CFStringRef PPDXBooleanControl::CopyCurrentControlValueString() { return cfString(ValueKeyword()); }
+CFStringRef PPDXBooleanControl::CopyCurrentControlValueString() const { return cfString(KeywordOf(value)); }
 
 void PPDXBooleanControl::SetCurrentControlWithCFString(CFStringRef text) {
     if (text) {
@@ -83,15 +83,13 @@ void PPDXBooleanControl::SetCurrentControlWithCFString(CFStringRef text) {
 
 void PPDXBooleanControl::SetValue(bool state) {
     value = state ? 1 : 0;
-    UpdateKVCache(Keyword(), ValueKeyword());
+    UpdateKVCache(Keyword(), KeywordOf(value));
 }
 
 const char* PPDXBooleanControl::TrueDisplayText() const { return trueText ? trueText->Buffer() : nullptr; }
 
 const char* PPDXBooleanControl::FalseDisplayText() const { return falseText ? falseText->Buffer() : nullptr; }
 
-void PPDXBooleanControl::ReportValue() const { UpdateKVCache(Keyword(), ValueKeyword()); }
-
-const char* PPDXBooleanControl::ValueKeyword() const { return IsTrue() ? "True" : "False"; }
+void PPDXBooleanControl::ReportValue() const { UpdateKVCache(Keyword(), KeywordOf(value)); }
 
 } // namespace torka

@@ -21,9 +21,10 @@ public:
 
     void Save(Settings& settings, const int& index) const override;
     void ResetToDefaultValue() override;
-    long PostScript(unsigned char* out) override;
+    long PostScript(unsigned char* out) const override;
     void Restore(Settings& settings, int index) override;
-    CFStringRef CopyCurrentControlValueString() override;
+    CFStringRef CopyCurrentControlValueString() const override;
+    std::string DefaultText() const override { return KeywordOf(defaultValue); }
     // Sets the state to true when the text begins with "True" in any letter case, else to false.
     void SetCurrentControlWithCFString(CFStringRef text) override;
 
@@ -37,7 +38,7 @@ public:
 
 private:
     void ReportValue() const override;
-    const char* ValueKeyword() const;
+    static const char* KeywordOf(std::int32_t state) { return state != 0 ? "True" : "False"; }
 
     std::int32_t value;
     std::int32_t defaultValue;

@@ -181,7 +181,7 @@ void PPDXControl::Save(Settings& settings, const int& index) const {
 
 void PPDXControl::ResetToDefaultValue() {}
 
-long PPDXControl::PostScript(unsigned char* out) {
+long PPDXControl::PostScript(unsigned char* out) const {
     if (psLength <= 0) {
         return 0;
     }
@@ -193,15 +193,17 @@ long PPDXControl::PostScript(unsigned char* out) {
 
 void PPDXControl::Restore(Settings&, int) {}
 
-CFStringRef PPDXControl::CopyCurrentControlValueString() { return nullptr; }
+CFStringRef PPDXControl::CopyCurrentControlValueString() const { return nullptr; }
 
 void PPDXControl::SetCurrentControlWithCFString(CFStringRef) {}
 
-CFStringRef PPDXControl::CopyPresetValueString() { return CopyCurrentControlValueString(); }
+CFStringRef PPDXControl::CopyPresetValueString() const { return CopyCurrentControlValueString(); }
 
 void PPDXControl::SetPresetValueString(CFStringRef text) { SetCurrentControlWithCFString(text); }
 
 bool PPDXControl::IsInstallableOption() const { return false; }
+
+std::string PPDXControl::DefaultText() const { return utf8Text(CopyCurrentControlValueString()); }
 
 bool PPDXControl::ValidKeyword(const char* keyword) {
     return keyword && !std::ranges::binary_search(invalidKeywords, std::string_view(keyword));

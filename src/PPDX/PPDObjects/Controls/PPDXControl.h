@@ -43,7 +43,8 @@ std::string_view bytesView(const unsigned char* bytes, long length);
 // Returns the bytes of a text, without a terminator.
 const unsigned char* bytesOf(const std::string& text);
 
-// One option that the user can set. Subclasses hold the value and convert it to text and PostScript.
+// One option that the user can set. Subclasses hold the value and convert it to text and PostScript. Const
+// members may cache results: not thread-safe.
 //
 // PostScript(null) returns the number of bytes. PostScript(out) writes them to a buffer of that size.
 class PPDXControl : public PPDXElement {
@@ -56,14 +57,17 @@ public:
     // Stores everything needed to rebuild the control, under "Control<index>".
     virtual void Save(Settings& settings, const int& index) const;
     virtual void ResetToDefaultValue();
-    virtual long PostScript(unsigned char* out);
+    virtual long PostScript(unsigned char* out) const;
     // Restores only the value that Save() stored.
     virtual void Restore(Settings& settings, int index);
-    virtual CFStringRef CopyCurrentControlValueString();
+    virtual CFStringRef CopyCurrentControlValueString() const;
     virtual void SetCurrentControlWithCFString(CFStringRef text);
-    virtual CFStringRef CopyPresetValueString();
+    virtual CFStringRef CopyPresetValueString() const;
     virtual void SetPresetValueString(CFStringRef text);
     virtual bool IsInstallableOption() const;
+    // Returns the default value in UTF-8, in the form of CopyCurrentControlValueString. A kind without a
+    // default returns the current value.
+    virtual std::string DefaultText() const;
 
     CNTL_TYPE Type() const { return type; }
     // Returns false for null and for the 30 keywords that no shortcut may name.

@@ -22,26 +22,19 @@ int storedCount(const Settings& settings) {
     return static_cast<int>(std::clamp<std::int64_t>(count, 0, std::numeric_limits<int>::max()));
 }
 
+// Null for a type that is none.
 std::unique_ptr<PPDXControl> makeStored(Settings& settings, int index) {
-    switch (static_cast<CNTL_TYPE>(StoredRecord(settings, "Control", index).Index("type"))) {
-    case CNTL_TYPE::none:
-        return std::make_unique<PPDXControl>(CNTL_TYPE::none, settings, index, nullptr);
-    case CNTL_TYPE::jobNote:
-        return std::make_unique<PPDXJobNote>(settings, index, nullptr);
-    case CNTL_TYPE::range:
-        return std::make_unique<PPDXRangeControl>(settings, index, nullptr);
-    case CNTL_TYPE::floatRange:
-        return std::make_unique<PPDXFloatRangeControl>(settings, index, nullptr);
-    case CNTL_TYPE::boolean:
-        return std::make_unique<PPDXBooleanControl>(settings, index, nullptr);
-    case CNTL_TYPE::popup:
-        return std::make_unique<PPDXPopupControl>(settings, index, nullptr);
-    case CNTL_TYPE::specialOption:
-        return std::make_unique<PPDXSpecialOption>(settings, index, nullptr);
-    case CNTL_TYPE::customPageSize:
-        return std::make_unique<PPDXCustomPageSizeControl>(settings, index, nullptr);
+    const int type = StoredRecord(settings, "Control", index).Index("type");
+    if (type > static_cast<int>(CNTL_TYPE::customPageSize)) {
+        return nullptr;
     }
-    return nullptr;
+    return withControlClass(static_cast<CNTL_TYPE>(type), [&]<class T>() -> std::unique_ptr<PPDXControl> {
+        if constexpr (std::is_same_v<T, PPDXControl>) {
+            return std::make_unique<T>(CNTL_TYPE::none, settings, index, nullptr);
+        } else {
+            return std::make_unique<T>(settings, index, nullptr);
+        }
+    });
 }
 
 } // namespace
@@ -78,39 +71,21 @@ PPDXControls::~PPDXControls() {
     }
 }
 
-template <class T>
-void PPDXControls::AddTo(Kind<T>& kind, PPDXControl* control) {
-    auto* own = static_cast<T*>(control);
-    kind.list.Add(own);
-    ++kind.counts.total;
-    kind.counts.orphans += std::size_t{own->IsOrphan()};
-    kind.counts.hidden += std::size_t{!own->IsVisible()};
-    kind.counts.hiddenOrphans += std::size_t{own->IsOrphan() && !own->IsVisible()};
-}
-
 void PPDXControls::Add(PPDXControl* control) {
     if (!control) {
         return;
     }
     all.Add(control);
-    switch (control->Type()) {
-    case CNTL_TYPE::none:
-        return;
-    case CNTL_TYPE::jobNote:
-        return AddTo(jobNotes, control);
-    case CNTL_TYPE::range:
-        return AddTo(ranges, control);
-    case CNTL_TYPE::floatRange:
-        return AddTo(floatRanges, control);
-    case CNTL_TYPE::boolean:
-        return AddTo(booleans, control);
-    case CNTL_TYPE::popup:
-        return AddTo(popups, control);
-    case CNTL_TYPE::specialOption:
-        return AddTo(specialOptions, control);
-    case CNTL_TYPE::customPageSize:
-        return AddTo(customPageSizes, control);
-    }
+    visitControl(*control, [this]<class T>(T& own) {
+        if constexpr (!std::is_same_v<T, PPDXControl>) {
+            Kind<T>& kind = Of<T>();
+            kind.list.Add(&own);
+            ++kind.counts.total;
+            kind.counts.orphans += std::size_t{own.IsOrphan()};
+            kind.counts.hidden += std::size_t{!own.IsVisible()};
+            kind.counts.hiddenOrphans += std::size_t{own.IsOrphan() && !own.IsVisible()};
+        }
+    });
 }
 
 std::size_t PPDXControls::Count(const CountArray& counts) {
@@ -145,24 +120,30 @@ PPDXControl* PPDXControls::Next(CNTL_TYPE& type) {
     return control;
 }
 
-PPDXPopupControl* PPDXControls::FirstPopupControl() { return popups.list.First(isShown); }
-PPDXPopupControl* PPDXControls::NextPopupControl() { return popups.list.Next(isShown); }
-PPDXBooleanControl* PPDXControls::FirstBooleanControl() { return booleans.list.First(isShown); }
-PPDXBooleanControl* PPDXControls::NextBooleanControl() { return booleans.list.Next(isShown); }
-PPDXRangeControl* PPDXControls::FirstRangeControl() { return ranges.list.First(isShown); }
-PPDXRangeControl* PPDXControls::NextRangeControl() { return ranges.list.Next(isShown); }
-PPDXFloatRangeControl* PPDXControls::FirstFloatRangeControl() { return floatRanges.list.First(isShown); }
-PPDXFloatRangeControl* PPDXControls::NextFloatRangeControl() { return floatRanges.list.Next(isShown); }
-PPDXJobNote* PPDXControls::FirstJobNote() { return jobNotes.list.First(isShown); }
-PPDXJobNote* PPDXControls::NextJobNote() { return jobNotes.list.Next(isShown); }
+PPDXPopupControl* PPDXControls::FirstPopupControl() { return Of<PPDXPopupControl>().list.First(isShown); }
+PPDXPopupControl* PPDXControls::NextPopupControl() { return Of<PPDXPopupControl>().list.Next(isShown); }
+PPDXBooleanControl* PPDXControls::FirstBooleanControl() {
+    return Of<PPDXBooleanControl>().list.First(isShown);
+}
+PPDXBooleanControl* PPDXControls::NextBooleanControl() { return Of<PPDXBooleanControl>().list.Next(isShown); }
+PPDXRangeControl* PPDXControls::FirstRangeControl() { return Of<PPDXRangeControl>().list.First(isShown); }
+PPDXRangeControl* PPDXControls::NextRangeControl() { return Of<PPDXRangeControl>().list.Next(isShown); }
+PPDXFloatRangeControl* PPDXControls::FirstFloatRangeControl() {
+    return Of<PPDXFloatRangeControl>().list.First(isShown);
+}
+PPDXFloatRangeControl* PPDXControls::NextFloatRangeControl() {
+    return Of<PPDXFloatRangeControl>().list.Next(isShown);
+}
+PPDXJobNote* PPDXControls::FirstJobNote() { return Of<PPDXJobNote>().list.First(isShown); }
+PPDXJobNote* PPDXControls::NextJobNote() { return Of<PPDXJobNote>().list.Next(isShown); }
 PPDXCustomPageSizeControl* PPDXControls::FirstCustomPageSizeControl() {
-    return customPageSizes.list.First(isShown);
+    return Of<PPDXCustomPageSizeControl>().list.First(isShown);
 }
 PPDXCustomPageSizeControl* PPDXControls::NextCustomPageSizeControl() {
-    return customPageSizes.list.Next(isShown);
+    return Of<PPDXCustomPageSizeControl>().list.Next(isShown);
 }
-PPDXSpecialOption* PPDXControls::FirstSpecialOption() { return specialOptions.list.First(isShown); }
-PPDXSpecialOption* PPDXControls::NextSpecialOption() { return specialOptions.list.Next(isShown); }
+PPDXSpecialOption* PPDXControls::FirstSpecialOption() { return Of<PPDXSpecialOption>().list.First(isShown); }
+PPDXSpecialOption* PPDXControls::NextSpecialOption() { return Of<PPDXSpecialOption>().list.Next(isShown); }
 
 PPDXControl* PPDXControls::Find(const char* keyword, CNTL_TYPE& type, bool exact) const {
     PPDXControl* control = all.Find(keyword, exact);
@@ -177,25 +158,25 @@ PPDXControl* PPDXControls::FindDisplayed(const char* keyword, CNTL_TYPE& type, b
 }
 
 PPDXPopupControl* PPDXControls::FindPopup(const char* keyword, bool exact) const {
-    return popups.list.Find(keyword, exact);
+    return Of<PPDXPopupControl>().list.Find(keyword, exact);
 }
 PPDXBooleanControl* PPDXControls::FindBoolean(const char* keyword, bool exact) const {
-    return booleans.list.Find(keyword, exact);
+    return Of<PPDXBooleanControl>().list.Find(keyword, exact);
 }
 PPDXRangeControl* PPDXControls::FindRangeControl(const char* keyword, bool exact) const {
-    return ranges.list.Find(keyword, exact);
+    return Of<PPDXRangeControl>().list.Find(keyword, exact);
 }
 PPDXFloatRangeControl* PPDXControls::FindFloatRangeControl(const char* keyword, bool exact) const {
-    return floatRanges.list.Find(keyword, exact);
+    return Of<PPDXFloatRangeControl>().list.Find(keyword, exact);
 }
 PPDXJobNote* PPDXControls::FindJobNote(const char* keyword, bool exact) const {
-    return jobNotes.list.Find(keyword, exact);
+    return Of<PPDXJobNote>().list.Find(keyword, exact);
 }
 PPDXCustomPageSizeControl* PPDXControls::FindCustomPageSizeControl(const char* keyword, bool exact) const {
-    return customPageSizes.list.Find(keyword, exact);
+    return Of<PPDXCustomPageSizeControl>().list.Find(keyword, exact);
 }
 PPDXSpecialOption* PPDXControls::FindSpecialOption(const char* keyword, bool exact) const {
-    return specialOptions.list.Find(keyword, exact);
+    return Of<PPDXSpecialOption>().list.Find(keyword, exact);
 }
 
 void PPDXControls::Save(Settings& settings) const {

@@ -10,9 +10,44 @@
 #include "PPDX/PPDObjects/Controls/PPDXSpecialOption.h"
 #include "PPDX/PPDObjects/ElementList.h"
 
+#include <tuple>
+#include <type_traits>
+
 namespace torka {
 
 class PPDXGroups;
+
+// Calls use.operator()<T>() with T the class of controls of that type, or PPDXControl for `none`.
+template <class Use>
+decltype(auto) withControlClass(CNTL_TYPE type, Use&& use) {
+    switch (type) {
+    case CNTL_TYPE::jobNote:
+        return use.template operator()<PPDXJobNote>();
+    case CNTL_TYPE::range:
+        return use.template operator()<PPDXRangeControl>();
+    case CNTL_TYPE::floatRange:
+        return use.template operator()<PPDXFloatRangeControl>();
+    case CNTL_TYPE::boolean:
+        return use.template operator()<PPDXBooleanControl>();
+    case CNTL_TYPE::popup:
+        return use.template operator()<PPDXPopupControl>();
+    case CNTL_TYPE::specialOption:
+        return use.template operator()<PPDXSpecialOption>();
+    case CNTL_TYPE::customPageSize:
+        return use.template operator()<PPDXCustomPageSizeControl>();
+    case CNTL_TYPE::none:
+        break;
+    }
+    return use.template operator()<PPDXControl>();
+}
+
+// Calls `visit` with the control cast to its class.
+template <class Control, class Visit>
+decltype(auto) visitControl(Control& control, Visit&& visit) {
+    return withControlClass(control.Type(), [&]<class T>() -> decltype(auto) {
+        return visit(static_cast<std::conditional_t<std::is_const_v<Control>, const T, T>&>(control));
+    });
+}
 
 // Numbers of controls of one kind. A control is counted when it is added.
 struct CountArray {
@@ -42,24 +77,24 @@ public:
     // Adds a control. An owning collection takes ownership. Ignores null.
     void Add(PPDXControl* control);
 
-    std::size_t PopupCount() const { return Count(popups.counts); }
-    std::size_t BooleanCount() const { return Count(booleans.counts); }
-    std::size_t RangeCount() const { return Count(ranges.counts); }
-    std::size_t FloatRangeCount() const { return Count(floatRanges.counts); }
-    std::size_t JobNoteCount() const { return Count(jobNotes.counts); }
-    std::size_t CustomPageSizeCount() const { return Count(customPageSizes.counts); }
-    std::size_t SpecialOptionsCount() const { return Count(specialOptions.counts); }
+    std::size_t PopupCount() const { return Count(Of<PPDXPopupControl>().counts); }
+    std::size_t BooleanCount() const { return Count(Of<PPDXBooleanControl>().counts); }
+    std::size_t RangeCount() const { return Count(Of<PPDXRangeControl>().counts); }
+    std::size_t FloatRangeCount() const { return Count(Of<PPDXFloatRangeControl>().counts); }
+    std::size_t JobNoteCount() const { return Count(Of<PPDXJobNote>().counts); }
+    std::size_t CustomPageSizeCount() const { return Count(Of<PPDXCustomPageSizeControl>().counts); }
+    std::size_t SpecialOptionsCount() const { return Count(Of<PPDXSpecialOption>().counts); }
     // Counts all kinds except special options.
     std::size_t ControlCount() const;
 
     // These include every control that was added.
     bool Empty() const { return all.Empty(); }
-    bool NoPopups() const { return popups.list.Empty(); }
-    bool NoBooleanControls() const { return booleans.list.Empty(); }
-    bool NoRangeControls() const { return ranges.list.Empty(); }
-    bool NoFloatRangeControls() const { return floatRanges.list.Empty(); }
-    bool NoJobNotes() const { return jobNotes.list.Empty(); }
-    bool NoSpecialOptions() const { return specialOptions.list.Empty(); }
+    bool NoPopups() const { return Of<PPDXPopupControl>().list.Empty(); }
+    bool NoBooleanControls() const { return Of<PPDXBooleanControl>().list.Empty(); }
+    bool NoRangeControls() const { return Of<PPDXRangeControl>().list.Empty(); }
+    bool NoFloatRangeControls() const { return Of<PPDXFloatRangeControl>().list.Empty(); }
+    bool NoJobNotes() const { return Of<PPDXJobNote>().list.Empty(); }
+    bool NoSpecialOptions() const { return Of<PPDXSpecialOption>().list.Empty(); }
 
     // Each kind has its own cursor. Return null at the end, with the type `none`.
     PPDXControl* First(CNTL_TYPE& type);
@@ -110,18 +145,20 @@ private:
     };
 
     template <class T>
-    static void AddTo(Kind<T>& kind, PPDXControl* control);
+    Kind<T>& Of() {
+        return std::get<Kind<T>>(kinds);
+    }
+    template <class T>
+    const Kind<T>& Of() const {
+        return std::get<Kind<T>>(kinds);
+    }
     static std::size_t Count(const CountArray& counts);
 
     Ownership ownership;
     ElementList<PPDXControl> all;
-    Kind<PPDXJobNote> jobNotes;
-    Kind<PPDXBooleanControl> booleans;
-    Kind<PPDXPopupControl> popups;
-    Kind<PPDXRangeControl> ranges;
-    Kind<PPDXFloatRangeControl> floatRanges;
-    Kind<PPDXCustomPageSizeControl> customPageSizes;
-    Kind<PPDXSpecialOption> specialOptions;
+    std::tuple<Kind<PPDXJobNote>, Kind<PPDXBooleanControl>, Kind<PPDXPopupControl>, Kind<PPDXRangeControl>,
+               Kind<PPDXFloatRangeControl>, Kind<PPDXCustomPageSizeControl>, Kind<PPDXSpecialOption>>
+        kinds;
 };
 
 } // namespace torka

@@ -57,7 +57,7 @@ void PPDXCustomPageSizeControl::Restore(Settings& settings, int index) {
     }
 }
 
-CFStringRef PPDXCustomPageSizeControl::CopyCurrentControlValueString() {
+CFStringRef PPDXCustomPageSizeControl::CopyCurrentControlValueString() const {
     std::string text(NumberText(width, 6).View());
     text += ' ';
     text += NumberText(height, 6).View();

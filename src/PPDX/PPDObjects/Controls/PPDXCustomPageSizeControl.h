@@ -24,7 +24,7 @@ public:
     void ResetToDefaultValue() override;
     void Restore(Settings& settings, int index) override;
     // Returns "WIDTH HEIGHT", with six decimals each.
-    CFStringRef CopyCurrentControlValueString() override;
+    CFStringRef CopyCurrentControlValueString() const override;
     // Reads only the width from a text without a blank.
     void SetCurrentControlWithCFString(CFStringRef text) override;
 

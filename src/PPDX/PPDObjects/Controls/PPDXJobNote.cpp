@@ -105,7 +105,7 @@ void PPDXJobNote::ResetToDefaultValue() {
     notesAreUTF8 = false;
 }
 
-long PPDXJobNote::PostScript(unsigned char* out) { return PostScriptWith(GetNotes(), out); }
+long PPDXJobNote::PostScript(unsigned char* out) const { return PostScriptWith(GetNotes(), out); }
 
 long PPDXJobNote::PostScriptWith(const char* text, unsigned char* out) const {
     if (PSLength() <= 0) {
@@ -131,7 +131,7 @@ void PPDXJobNote::RestoreValue(const StoredRecord& record) {
     notesOn = record.Integer("on", notesOn) != 0 ? 1 : 0;
 }
 
-CFStringRef PPDXJobNote::CopyCurrentControlValueString() { return CopyNotes(); }
+CFStringRef PPDXJobNote::CopyCurrentControlValueString() const { return CopyNotes(); }
 
 void PPDXJobNote::SetCurrentControlWithCFString(CFStringRef text) {
     if (text) {

@@ -29,11 +29,12 @@ public:
     void ResetToDefaultValue() override;
     // Writes 0 bytes without PostScript, else a feature block whose option is the current text. Line breaks
     // become blanks.
-    long PostScript(unsigned char* out) override;
+    long PostScript(unsigned char* out) const override;
     // Does the same with `text` in place of the current text.
     long PostScriptWith(const char* text, unsigned char* out) const;
     void Restore(Settings& settings, int index) override;
-    CFStringRef CopyCurrentControlValueString() override;
+    CFStringRef CopyCurrentControlValueString() const override;
+    std::string DefaultText() const override { return utf8Text(CFDefaultNotes()); }
     void SetCurrentControlWithCFString(CFStringRef text) override;
 
     // Returns the bytes of the current text; "" when unset.

@@ -132,7 +132,7 @@ void PPDXPopupControl::ResetToDefaultValue() {
     SelectNumber(number, number != defaultIndexOverride);
 }
 
-long PPDXPopupControl::PostScript(unsigned char* out) {
+long PPDXPopupControl::PostScript(unsigned char* out) const {
     if (current == none) {
         return 0;
     }
@@ -142,9 +142,11 @@ long PPDXPopupControl::PostScript(unsigned char* out) {
     return ItemPostScript(&items[emitted], out);
 }
 
-CFStringRef PPDXPopupControl::CopyCurrentControlValueString() { return CopyCurrentControlValueStringUTF8(); }
+CFStringRef PPDXPopupControl::CopyCurrentControlValueString() const {
+    return CopyCurrentControlValueStringUTF8();
+}
 
-CFStringRef PPDXPopupControl::CopyCurrentControlValueStringUTF8() {
+CFStringRef PPDXPopupControl::CopyCurrentControlValueStringUTF8() const {
     const _PopupItem* item = ItemAt(GetValue());
     return cfString(item ? item->keyword.View() : std::string_view());
 }
@@ -221,6 +223,11 @@ int PPDXPopupControl::DefaultValue() const {
     return place == none ? 0 : static_cast<int>(place) + 1;
 }
 
+std::string PPDXPopupControl::DefaultText() const {
+    const _PopupItem* item = ItemAt(DefaultValue());
+    return std::string(item ? item->keyword.View() : std::string_view());
+}
+
 const char* PPDXPopupControl::GetDefaultKeyword() const {
     if (defaultItem != none) {
         return items[defaultItem].keyword.Buffer();
@@ -228,7 +235,7 @@ const char* PPDXPopupControl::GetDefaultKeyword() const {
     return strayDefault ? strayDefault->Buffer() : nullptr;
 }
 
-long PPDXPopupControl::GetKeywordPSData(const char* option, unsigned char* out) {
+long PPDXPopupControl::GetKeywordPSData(const char* option, unsigned char* out) const {
     return ItemPostScript(FindItem(option), out);
 }
 

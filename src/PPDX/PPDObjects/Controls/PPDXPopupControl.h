@@ -17,12 +17,14 @@ public:
 
     void Save(Settings& settings, const int& index) const override;
     void ResetToDefaultValue() override;
-    long PostScript(unsigned char* out) override;
+    long PostScript(unsigned char* out) const override;
     void Restore(Settings& settings, int index) override;
     // Returns the keyword of the first selected item, "" when none is selected.
-    CFStringRef CopyCurrentControlValueString() override;
+    CFStringRef CopyCurrentControlValueString() const override;
     void SetCurrentControlWithCFString(CFStringRef text) override;
     bool IsInstallableOption() const override { return installable; }
+    // Returns "" without a default.
+    std::string DefaultText() const override;
 
     std::size_t ItemCount() const { return items.size(); }
     // Return null at the end. An item is valid until one is appended or the list is rebuilt.
@@ -42,12 +44,12 @@ public:
     int DefaultValue() const;
     const char* GetDefaultKeyword() const;
     // Writes the feature block of the first item with that keyword; 0 bytes when there is none.
-    long GetKeywordPSData(const char* keyword, unsigned char* out);
+    long GetKeywordPSData(const char* keyword, unsigned char* out) const;
     // Return null when no item has the keyword or the index.
     const char* GetKeywordLocalName(const char* keyword) const;
     CFStringRef GetKeywordCFLocalName(const char* keyword) const;
     const char* GetKeywordLocalNameAtIndex(int index) const;
-    CFStringRef CopyCurrentControlValueStringUTF8();
+    CFStringRef CopyCurrentControlValueStringUTF8() const;
     void AppendPopupItem(_PopupItem item);
     bool IsKeywordSelected(const char* keyword) const;
     bool CanSelectMultipleItems() const { return multiSelect != 0; }
@@ -77,9 +79,9 @@ private:
     // Positions in `items`; `none` means no item.
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
     std::size_t cursor = 0;
-    std::size_t current = none;     // the last selected item
-    std::size_t emitted = none;     // the item whose PostScript is written; `none` when not known
-    std::size_t defaultItem = none; // the first item with the default keyword
+    std::size_t current = none;         // the item last selected
+    mutable std::size_t emitted = none; // the item whose PostScript stands for `current`, none when not known
+    std::size_t defaultItem = none;     // the first item with the default keyword
 
     PopupItems items;
     std::unique_ptr<CString> strayDefault; // a default keyword that no item has

@@ -32,7 +32,7 @@ void PPDXSpecialOption::Restore(Settings& settings, int index) {
     }
 }
 
-CFStringRef PPDXSpecialOption::CopyCurrentControlValueString() { return cfString(GetValue()); }
+CFStringRef PPDXSpecialOption::CopyCurrentControlValueString() const { return cfString(GetValue()); }
 
 void PPDXSpecialOption::SetCurrentControlWithCFString(CFStringRef) {
     TORKA_ASSERT(false, "PPDX/PPDObjects/Controls/PPDXSpecialOption");

@@ -14,7 +14,7 @@ public:
     void Save(Settings& settings, const int& index) const override;
     void ResetToDefaultValue() override;
     void Restore(Settings& settings, int index) override;
-    CFStringRef CopyCurrentControlValueString() override;
+    CFStringRef CopyCurrentControlValueString() const override;
     // Calling it is a programming error and ends the process.
     void SetCurrentControlWithCFString(CFStringRef text) override;
 
