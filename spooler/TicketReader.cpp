@@ -16,16 +16,7 @@ namespace torka {
 
 namespace {
 
-TicketResult refuse(TicketError::Code code, std::string text, std::optional<std::size_t> entry = {}) {
-    if (entry) {
-        text = "entry " + std::to_string(*entry) + ": " + text;
-    }
-    return {{}, {code, entry, std::move(text)}};
-}
-
-TicketResult refuseAsTooLarge() {
-    return refuse(TicketError::Code::tooLarge, "larger than 64 MiB, no ticket is");
-}
+constexpr const char* tooLarge = "larger than 64 MiB, no ticket is";
 
 std::string_view kindName(const CFTypeRef& value) {
     switch (value->TypeID()) {
@@ -47,99 +38,86 @@ std::string_view kindName(const CFTypeRef& value) {
     return "something else";
 }
 
-TicketResult readEntries(const CFArray& list) {
-    TicketResult result;
-    result.ticket.entries.reserve(list.values.size() / 2);
+Result<Ticket> readEntries(const CFArray& list) {
+    Ticket ticket;
+    ticket.entries.reserve(list.values.size() / 2);
     for (std::size_t i = 0; i < list.values.size(); i += 2) {
         const std::size_t entry = i / 2;
+        const auto refuse = [entry](std::string text) {
+            return Fault{std::move(text), "entry " + std::to_string(entry)};
+        };
         const auto number = cfCast<CFNumber>(list.values[i]);
         if (!number || number->isReal) {
-            return refuse(TicketError::Code::badSite,
-                          "the site is " + std::string(kindName(list.values[i])) + ", not an integer", entry);
+            return refuse("the site is " + std::string(kindName(list.values[i])) + ", not an integer");
         }
         using Limits = std::numeric_limits<PostScriptInjectionSite>;
         if (number->integer < Limits::min() || number->integer > Limits::max()) {
-            return refuse(TicketError::Code::badSite,
-                          "the site " + std::to_string(number->integer) + " does not fit into 32 bits",
-                          entry);
+            return refuse("the site " + std::to_string(number->integer) + " does not fit into 32 bits");
         }
         const auto site = static_cast<PostScriptInjectionSite>(number->integer);
         if (i + 1 == list.values.size()) {
-            return refuse(TicketError::Code::missingData,
-                          "the list ends behind the site " + std::to_string(site) + ", its data is missing",
-                          entry);
+            return refuse("the list ends behind the site " + std::to_string(site) + ", its data is missing");
         }
         const auto data = cfCast<CFData>(list.values[i + 1]);
         if (!data) {
-            return refuse(TicketError::Code::badData,
-                          "what follows the site " + std::to_string(site) + " is " +
-                              std::string(kindName(list.values[i + 1])) + ", not data",
-                          entry);
+            return refuse("what follows the site " + std::to_string(site) + " is " +
+                          std::string(kindName(list.values[i + 1])) + ", not data");
         }
         if (findInjectionSite(site) == nullptr) {
-            result.ticket.warnings.push_back(
-                {entry, "the site " + std::to_string(site) + " is not known; its " +
-                            std::to_string(data->bytes.size()) + " bytes are passed over"});
+            ticket.warnings.push_back({entry, "the site " + std::to_string(site) + " is not known; its " +
+                                                  std::to_string(data->bytes.size()) +
+                                                  " bytes are passed over"});
             continue;
         }
-        result.ticket.entries.push_back({site, std::string(data->bytes.begin(), data->bytes.end())});
+        ticket.entries.push_back({site, std::string(data->bytes.begin(), data->bytes.end())});
     }
-    return result;
+    return ticket;
 }
 
-TicketResult withName(TicketResult result, const std::string& name) {
-    if (result.error) {
-        result.error.text = name + ": " + result.error.text;
-    }
-    return result;
+Fault systemFault(const char* what, const std::string& name) {
+    return {what + (": " + std::generic_category().message(errno)), name};
 }
-
-std::string systemReason(int error) { return std::generic_category().message(error); }
 
 } // namespace
 
-TicketResult readTicket(std::span<const std::uint8_t> propertyList) {
+Result<Ticket> readTicket(std::span<const std::uint8_t> propertyList) {
     if (propertyList.size() > maximumTicketBytes) {
-        return refuseAsTooLarge();
+        return Fault{tooLarge};
     }
     std::string reason;
     const CFPropertyListRef root =
         CFPropertyListCreateFromXMLData(CFDataCreate(propertyList.data(), propertyList.size()), &reason);
     if (!root) {
-        return refuse(TicketError::Code::notAPropertyList,
-                      "not an XML property list" + (reason.empty() ? std::string() : ": " + reason));
+        return Fault{"not an XML property list" + (reason.empty() ? std::string() : ": " + reason)};
     }
     const auto list = cfCast<CFArray>(root);
     if (!list) {
-        return refuse(TicketError::Code::notAnArray,
-                      "the property list is " + std::string(kindName(root)) + ", a ticket is an array");
+        return Fault{"the property list is " + std::string(kindName(root)) + ", a ticket is an array"};
     }
     return readEntries(*list);
 }
 
-TicketResult readTicketFile(const std::string& path) {
+Result<Ticket> readTicketFile(const std::string& path) {
     // Does not block: a pipe in place of the ticket must not stop the spooler.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (descriptor < 0) {
-        return withName(refuse(TicketError::Code::cannotRead, "cannot be opened: " + systemReason(errno)),
-                        path);
+        return systemFault("cannot be opened", path);
     }
-    TicketResult result = readTicketFile(descriptor, path);
+    Result<Ticket> result = readTicketFile(descriptor, path);
     ::close(descriptor);
     return result;
 }
 
-TicketResult readTicketFile(int descriptor, const std::string& name) {
+Result<Ticket> readTicketFile(int descriptor, const std::string& name) {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) {
-        return withName(refuse(TicketError::Code::cannotRead, "cannot be read: " + systemReason(errno)),
-                        name);
+        return systemFault("cannot be read", name);
     }
     if (!S_ISREG(status.st_mode)) {
-        return withName(refuse(TicketError::Code::notARegularFile, "not a regular file"), name);
+        return Fault{"not a regular file", name};
     }
     if (status.st_size > static_cast<off_t>(maximumTicketBytes)) {
-        return withName(refuseAsTooLarge(), name);
+        return Fault{tooLarge, name};
     }
     // One byte beyond the limit reveals a file that grows while it is read.
     std::vector<std::uint8_t> bytes;
@@ -156,12 +134,12 @@ TicketResult readTicketFile(int descriptor, const std::string& name) {
             break;
         }
         if (count < 0 && errno != EINTR) {
-            return withName(refuse(TicketError::Code::cannotRead, "cannot be read: " + systemReason(errno)),
-                            name);
+            return systemFault("cannot be read", name);
         }
         size += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
-    return withName(readTicket(std::span(bytes).first(size)), name);
+    Result<Ticket> ticket = readTicket(std::span(bytes).first(size));
+    return ticket ? std::move(ticket) : ticket.Why().In(name);
 }
 
 } // namespace torka

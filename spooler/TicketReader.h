@@ -1,10 +1,10 @@
 #pragma once
 
 #include "output/InjectionSite.h"
+#include "platform/Result.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -34,34 +34,12 @@ struct Ticket {
     std::vector<TicketWarning> warnings;
 };
 
-struct TicketError {
-    enum class Code {
-        none,
-        cannotRead, // the operating system refused; the text ends with its reason
-        notARegularFile,
-        tooLarge, // beyond maximumTicketBytes
-        notAPropertyList,
-        notAnArray,
-        missingData, // an odd number of elements: the last site has no bytes
-        badSite,     // not an integer, or beyond 32 bits
-        badData,     // not a data element
-    };
-    Code code = Code::none;
-    std::optional<std::size_t> entry; // the entry at fault, counted from 0
-    std::string text;                 // one line that says what is wrong and where
-
-    explicit operator bool() const { return code != Code::none; }
-};
-
-struct TicketResult {
-    Ticket ticket; // empty when there is an error
-    TicketError error;
-};
-
-TicketResult readTicket(std::span<const std::uint8_t> propertyList);
-TicketResult readTicketFile(const std::string& path);
+// The place of a fault is the file's name and the entry, counted from 0, as far as they are known:
+// "NAME: entry 3". A function without a file tells the entry alone.
+Result<Ticket> readTicket(std::span<const std::uint8_t> propertyList);
+Result<Ticket> readTicketFile(const std::string& path);
 // For a filter that has checked the open file itself. Reads from the descriptor's position to the end of the
-// file and leaves the descriptor open. `name` appears in error texts.
-TicketResult readTicketFile(int descriptor, const std::string& name);
+// file and leaves the descriptor open. `name` is the place of a fault.
+Result<Ticket> readTicketFile(int descriptor, const std::string& name);
 
 } // namespace torka

@@ -54,11 +54,11 @@ bool showProgress(std::uint64_t bytesRead) {
 }
 
 ExitStatus spliceInto(const EmitOptions& options, const CFDataRef& xml) {
-    const TicketResult ticket = readTicket(CFDataGetBytes(xml));
-    if (ticket.error) {
-        return unusable(ticket.error.text);
+    const Result<Ticket> ticket = readTicket(CFDataGetBytes(xml));
+    if (!ticket) {
+        return unusable(ticket.Why().Line());
     }
-    const SpliceOutcome outcome = spliceFile(options.document, ticket.ticket, options.output, showProgress);
+    const SpliceOutcome outcome = spliceFile(options.document, *ticket, options.output, showProgress);
     if (outcome.status != SpliceStatus::ok) {
         return unusable(outcome.errorText);
     }

@@ -14,12 +14,12 @@ struct TicketOptions {
 };
 
 ExitStatus showTicket(const TicketOptions& options) {
-    const TicketResult result = readTicketFile(options.path);
-    if (result.error) {
-        return unusable(result.error.text);
+    const Result<Ticket> ticket = readTicketFile(options.path);
+    if (!ticket) {
+        return unusable(ticket.Why().Line());
     }
     Json entries = Json::array();
-    for (const TicketEntry& entry : result.ticket.entries) {
+    for (const TicketEntry& entry : ticket->entries) {
         if (options.json) {
             entries.push_back(entryJson(entry.site, entry.bytes));
         } else {
@@ -31,10 +31,10 @@ ExitStatus showTicket(const TicketOptions& options) {
         json["entries"] = std::move(entries);
         print(jsonDocument(json));
     }
-    for (const TicketWarning& warning : result.ticket.warnings) {
+    for (const TicketWarning& warning : ticket->warnings) {
         warn(options.path + ": entry " + std::to_string(warning.entry) + ": " + warning.text);
     }
-    return result.ticket.warnings.empty() ? ExitStatus::good : ExitStatus::findings;
+    return ticket->warnings.empty() ? ExitStatus::good : ExitStatus::findings;
 }
 
 } // namespace

@@ -59,7 +59,14 @@ std::string dataFileText(const AskedBy& asked, const std::vector<ControllerRecor
     return text;
 }
 
-std::string writeAnswer(const AskedBy& asked, const ControllerAnswer& answer, QueueLock& lock) {
+// Writes the record that tells the pane whether the address is wrong. A failure is only logged.
+void putAddressRecord(const std::string& queue, const char* isInvalid) {
+    if (const Result<void> put = putRecords(queue, {{std::string(addressRecord), isInvalid}}); !put) {
+        tellDebug(std::string(addressRecord) + ": " + put.Why().text);
+    }
+}
+
+Result<void> writeAnswer(const AskedBy& asked, const ControllerAnswer& answer, QueueLock& lock) {
     const std::string text = dataFileText(asked, answer.dataRecords);
     std::error_code error = writeTwoWayFile(asked.queue, requestFileSuffix(asked.request.identifier), text);
     if (!error) {
@@ -68,36 +75,36 @@ std::string writeAnswer(const AskedBy& asked, const ControllerAnswer& answer, Qu
     lock.Release();
     if (error) {
         removeTwoWayFile(asked.queue, asked.queue + requestFileSuffix(asked.request.identifier));
-        return "the two-way data cannot be written: " + error.message();
+        return Fault{"the two-way data cannot be written: " + error.message()};
     }
     std::vector<NamedPayload> records;
     for (const ControllerRecord& record : answer.ppdRecords) {
         records.emplace_back(record.name, record.payload);
     }
     records.emplace_back(addressRecord, "no");
-    const std::string problem = putRecords(asked.queue, std::move(records));
-    if (!problem.empty()) {
-        putRecords(asked.queue, {{std::string(addressRecord), "no"}});
+    const Result<void> put = putRecords(asked.queue, std::move(records));
+    if (!put) {
+        putAddressRecord(asked.queue, "no");
     }
-    return problem;
+    return put;
 }
 
-std::string reportUnreachable(const AskedBy& asked, QueueLock& lock) {
+Result<void> reportUnreachable(const AskedBy& asked, QueueLock& lock) {
     const std::string name(lastComponent(connectionErrorFile(asked.request.identifier)));
     const std::error_code error =
         PrivateFolder::Write(name, "No connection to " + asked.address + "\n", everybodyReads);
     lock.Release();
-    putRecords(asked.queue, {{std::string(addressRecord), "yes"}});
-    return error ? "the failed connection cannot be reported: " + error.message() : "";
+    putAddressRecord(asked.queue, "yes");
+    return error ? Fault{"the failed connection cannot be reported: " + error.message()} : Result<void>();
 }
 
 } // namespace
 
-std::string answerRequest(const AskedBy& asked, ControllerSource& source) {
+Result<void> answerRequest(const AskedBy& asked, ControllerSource& source) {
     PrivateFolder::Remove(lastComponent(connectionErrorFile(asked.request.identifier)));
     QueueLock lock(asked.queue);
     if (lock.Failure()) {
-        return "the folder of two-way data cannot be used: " + lock.Failure().message();
+        return Fault{"the folder of two-way data cannot be used: " + lock.Failure().message()};
     }
     const std::string found = source.FoundAddress();
     if (found.empty()) {

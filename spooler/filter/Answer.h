@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bidi/commands/SpoolerCommands.h"
+#include "platform/Result.h"
 #include "spooler/filter/ControllerSource.h"
 
 #include <string>
@@ -22,9 +23,8 @@ struct AskedBy {
 // first. Then writes the address of the device's service where the pane looks for it, or removes it when the
 // service is not found. After an answer, writes the data files of the request and of its queue under the
 // queue's lock, and the PPD's records. Without an answer, writes the report of a failed connection.
-// Returns "" or one line that says what failed. When a data file cannot be written, the queue keeps its
-// earlier one.
-std::string answerRequest(const AskedBy& asked, ControllerSource& source);
+// When a data file cannot be written, the queue keeps its earlier one.
+Result<void> answerRequest(const AskedBy& asked, ControllerSource& source);
 
 bool isConnectionErrorFile(std::string_view name);
 

@@ -34,39 +34,39 @@ bool isLanguage(std::string_view code) {
            });
 }
 
-// Returns "" or why nothing was kept.
-std::string keepRecord(const FilterJob& job, std::string_view name, std::string_view text) {
+Result<void> keepRecord(const FilterJob& job, std::string_view name, std::string_view text) {
     if (text.empty()) {
-        return std::string(name).append(": there is no text to keep");
+        return Fault{"there is no text to keep", std::string(name)};
     }
     const std::wstring wide = wideFromUtf8(text);
-    const std::string problem =
-        putRecords(job.queue, {{std::string(name), std::string(payloadFromWide(wide))}});
-    return problem.empty() ? "" : std::string(name).append(": ").append(problem);
+    Result<void> put = putRecords(job.queue, {{std::string(name), std::string(payloadFromWide(wide))}});
+    return put ? put : put.Why().In(std::string(name));
 }
 
-std::string keepLanguage(const Sender& sender, std::string_view text) {
+Result<void> keepLanguage(const Sender& sender, std::string_view text) {
     const std::string_view code = firstLine(text);
     if (!isLanguage(code)) {
-        return "the language code is none";
+        return Fault{"the language code is none"};
     }
-    return FilterNotes::Set(sender, NoteKind::language, code) ? "" : "the language cannot be kept";
+    return FilterNotes::Set(sender, NoteKind::language, code) ? Result<void>()
+                                                              : Fault{"the language cannot be kept"};
 }
 
-std::string keepMailbox(const Sender& sender, std::string_view text) {
+Result<void> keepMailbox(const Sender& sender, std::string_view text) {
     const std::string_view name = lastComponent(firstLine(text));
     if (!MailboxFile::IsName(name)) {
-        return "the destination names no mailbox";
+        return Fault{"the destination names no mailbox"};
     }
     // Added beside the others: a waiting job may have another mailbox.
-    return FilterNotes::Add(sender, NoteKind::mailbox, name) ? "" : "the destination cannot be kept";
+    return FilterNotes::Add(sender, NoteKind::mailbox, name) ? Result<void>()
+                                                             : Fault{"the destination cannot be kept"};
 }
 
-std::string answer(const FilterJob& job, const Sender& sender, std::string_view text,
-                   ControllerSource& source) {
+Result<void> answer(const FilterJob& job, const Sender& sender, std::string_view text,
+                    ControllerSource& source) {
     const std::optional<UpdateRequest> request = parseUpdateRequest(text);
     if (!request) {
-        return "the request cannot be understood";
+        return Fault{"the request cannot be understood"};
     }
     const std::string_view locale = valueOf(*request, "locale");
     const AskedBy asked{
@@ -93,8 +93,8 @@ void deleteFiles(const Sender& sender, std::string_view text) {
     }
 }
 
-std::string run(SpoolerCommand command, const FilterJob& job, std::string_view text,
-                ControllerSource& source) {
+Result<void> run(SpoolerCommand command, const FilterJob& job, std::string_view text,
+                 ControllerSource& source) {
     const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
     switch (command) {
     case SpoolerCommand::psTempFileName:
@@ -120,7 +120,7 @@ std::string run(SpoolerCommand command, const FilterJob& job, std::string_view t
         deleteFiles(sender, text);
         return {};
     }
-    return "the command is not known";
+    return Fault{"the command is not known"};
 }
 
 } // namespace
@@ -141,24 +141,27 @@ std::size_t mostCommandText(std::string_view title) {
 
 int runCommand(const FilterJob& job, std::string_view text, ControllerSource& source) {
     const std::optional<SpoolerCommand> command = commandFromTitle(job.title);
-    std::string problem;
-    if (!command) {
-        problem = "it is not known";
-    } else if (!isFileName(job.queue)) {
-        problem = "the queue has no usable name";
-    } else if (text.size() > mostCommandText(job.title)) {
-        problem = "its text is longer than " + std::to_string(mostCommandText(job.title)) + " bytes";
-    } else if (const std::error_code error = PrivateFolder::Prepare()) {
-        problem = "the filter's folder cannot be used: " + error.message();
-    } else {
+    const auto carriedOut = [&]() -> Result<void> {
+        if (!command) {
+            return Fault{"it is not known"};
+        }
+        if (!isFileName(job.queue)) {
+            return Fault{"the queue has no usable name"};
+        }
+        if (text.size() > mostCommandText(job.title)) {
+            return Fault{"its text is longer than " + std::to_string(mostCommandText(job.title)) + " bytes"};
+        }
+        if (const std::error_code error = PrivateFolder::Prepare()) {
+            return Fault{"the filter's folder cannot be used: " + error.message()};
+        }
         TicketStore::SweepSometimes();
         sweepTwoWayFolder();
-        problem = run(*command, job, text, source);
+        return run(*command, job, text, source);
+    }();
+    if (!carriedOut) {
+        tellError("The command " + job.title + " was not carried out: " + carriedOut.Why().Line() + ".");
     }
-    if (!problem.empty()) {
-        tellError("The command " + job.title + " was not carried out: " + problem + ".");
-    }
-    return problem.empty() ? 0 : 1;
+    return carriedOut ? 0 : 1;
 }
 
 } // namespace torka::filter

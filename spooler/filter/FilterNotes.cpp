@@ -23,15 +23,15 @@ constexpr std::array<std::string_view, 3> kindNames{"ticket", "language", "mailb
 // Reads the list, passes it to `change`, and writes it when `change` returns true. Returns false when the
 // list cannot be read or written.
 bool withNotes(const std::function<bool(std::vector<FilterNote>&)>& change) {
-    const OpenFile lock = PrivateFolder::Lock(lockFile);
+    const FileResult<OpenFile> lock = PrivateFolder::Lock(lockFile);
     if (!lock) {
         return false;
     }
-    std::string text;
-    const std::error_code error = PrivateFolder::Read(notesFile, mostRead, text);
-    if (error && error != std::errc::no_such_file_or_directory) {
+    const FileResult<std::string> read = PrivateFolder::Read(notesFile, mostRead);
+    if (!read && read.Why() != std::errc::no_such_file_or_directory) {
         return false;
     }
+    std::string text = read ? *read : std::string();
     std::vector<FilterNote> notes;
     const std::int64_t now = std::time(nullptr);
     for (std::string_view rest = text; !rest.empty();) {

@@ -20,17 +20,19 @@ constexpr std::string_view ownerSuffix = ".owner";
 constexpr std::size_t mostName = 200; // bytes; leaves room for the suffix of the owner's file
 constexpr std::size_t mostOwner = 1024;
 
-std::string message(int error) { return std::generic_category().message(error); }
+std::error_code lastError() { return {errno, std::generic_category()}; }
 
-// Returns "" or why this user may not have the mailbox.
-std::string ownerProblem(const Sender& sender, const std::string& name) {
+Fault cannotWrite(const std::string& name, const std::error_code& error) {
+    return {"The mailbox " + name + " cannot be written: " + error.message() + "."};
+}
+
+// Returns false for a mailbox that does not exist yet.
+bool isOthers(const Sender& sender, const std::string& name) {
     if (!PrivateFolder::Exists(name)) {
-        return {};
+        return false;
     }
-    std::string owner;
-    return PrivateFolder::Read(name + std::string(ownerSuffix), mostOwner, owner) || owner != sender.user
-               ? "The mailbox " + name + " belongs to somebody else."
-               : "";
+    const FileResult<std::string> owner = PrivateFolder::Read(name + std::string(ownerSuffix), mostOwner);
+    return !owner || *owner != sender.user;
 }
 
 } // namespace
@@ -41,27 +43,22 @@ bool MailboxFile::IsName(std::string_view name) {
            std::ranges::none_of(others, [name](std::string_view start) { return name.starts_with(start); });
 }
 
-std::optional<MailboxFile> MailboxFile::Create(const Sender& sender, std::string_view path,
-                                               std::string& problem) {
+Result<MailboxFile> MailboxFile::Create(const Sender& sender, std::string_view path) {
     std::string name(lastComponent(path));
     if (!IsName(name)) {
-        problem = "The destination of this job is a mailbox without a usable name.";
-        return std::nullopt;
+        return Fault{"The destination of this job is a mailbox without a usable name."};
     }
     if (!FilterNotes::Has(sender.user, NoteKind::mailbox, name)) {
-        problem =
-            "The mailbox " + name + " was not named ahead of this job. Print it again from its application.";
-        return std::nullopt;
+        return Fault{"The mailbox " + name +
+                     " was not named ahead of this job. Print it again from its application."};
     }
-    problem = ownerProblem(sender, name);
-    if (!problem.empty()) {
-        return std::nullopt;
+    if (isOthers(sender, name)) {
+        return Fault{"The mailbox " + name + " belongs to somebody else."};
     }
     std::string temporary = (platform::system().Resolve(cachesFolder) / ".torka-XXXXXX").string();
     OpenFile opened(::mkostemp(temporary.data(), O_CLOEXEC)); // mode 0600
     if (!opened) {
-        problem = "The mailbox " + name + " cannot be written: " + message(errno) + ".";
-        return std::nullopt;
+        return cannotWrite(name, lastError());
     }
     return MailboxFile(std::move(name), sender.user, std::move(temporary), std::move(opened));
 }
@@ -79,17 +76,17 @@ MailboxFile::~MailboxFile() {
     }
 }
 
-std::string MailboxFile::Commit() {
+Result<void> MailboxFile::Commit() {
     // fsync may be the first call that reports a full disk.
     if (::fsync(file.Descriptor()) != 0) {
-        return "The mailbox " + name + " cannot be written: " + message(errno) + ".";
+        return cannotWrite(name, lastError());
     }
     if (const std::error_code error = PrivateFolder::Write(name + std::string(ownerSuffix), owner)) {
-        return "The mailbox " + name + " cannot be written: " + error.message() + ".";
+        return cannotWrite(name, error);
     }
     const std::string path = (platform::system().Resolve(cachesFolder) / name).string();
     if (::rename(temporary.c_str(), path.c_str()) != 0) {
-        return "The mailbox " + name + " cannot take its name: " + message(errno) + ".";
+        return Fault{"The mailbox " + name + " cannot take its name: " + lastError().message() + "."};
     }
     temporary.clear();
     return {};

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/Result.h"
 #include "spooler/filter/FilterNotes.h"
 #include "spooler/filter/PrivateFolder.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,10 +18,8 @@ public:
     // Tells whether a mailbox may have this name: a file name that no other file of the folder can have.
     static bool IsName(std::string_view name);
 
-    // Creates the file under a temporary name. Returns nothing, with the reason in `problem`, when this is
-    // forbidden or fails. `path` comes from the ticket; its last component is the name.
-    static std::optional<MailboxFile> Create(const Sender& sender, std::string_view path,
-                                             std::string& problem);
+    // Creates the file under a temporary name. `path` comes from the ticket; its last component is the name.
+    static Result<MailboxFile> Create(const Sender& sender, std::string_view path);
     MailboxFile(MailboxFile&&) = default;
     MailboxFile(const MailboxFile&) = delete;
     MailboxFile& operator=(const MailboxFile&) = delete;
@@ -30,8 +28,8 @@ public:
     ~MailboxFile();
 
     int Descriptor() const { return file.Descriptor(); }
-    // Gives the file its name. Returns "" or what failed.
-    std::string Commit();
+    // Gives the file its name.
+    Result<void> Commit();
 
 private:
     MailboxFile(std::string mailboxName, std::string mailboxOwner, std::string temporaryPath,

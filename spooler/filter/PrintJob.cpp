@@ -60,18 +60,15 @@ int splice(int source, const Ticket& ticket, int target) {
 
 // Sends nothing to the device.
 int spliceIntoMailbox(const Sender& sender, int source, const Ticket& ticket, std::string_view path) {
-    std::string problem;
-    std::optional<MailboxFile> mailbox = MailboxFile::Create(sender, path, problem);
+    Result<MailboxFile> mailbox = MailboxFile::Create(sender, path);
     if (mailbox && splice(source, ticket, mailbox->Descriptor()) != 0) {
         return 1;
     }
-    if (mailbox) {
-        problem = mailbox->Commit();
+    const Result<void> done = mailbox ? mailbox->Commit() : mailbox.Why();
+    if (!done) {
+        tellError(done.Why().text);
     }
-    if (!problem.empty()) {
-        tellError(problem);
-    }
-    return problem.empty() ? 0 : 1;
+    return done ? 0 : 1;
 }
 
 } // namespace
@@ -82,26 +79,25 @@ int printJob(const FilterJob& job, int source, int target) {
         return passUnchanged(source, target);
     }
     TicketStore::SweepSometimes();
-    std::string problem;
     const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
-    const OpenFile opened = TicketStore::Open(sender, job.Identity(), named->second, problem);
+    const Result<OpenFile> opened = TicketStore::Open(sender, job.Identity(), named->second);
     if (!opened) {
-        tellError(problem);
+        tellError(opened.Why().text);
         return 1;
     }
     const std::string name(lastComponent(named->second));
-    const TicketResult result = readTicketFile(opened.Descriptor(), name);
-    if (result.error) {
-        tellError("The print settings of this job are broken: " + result.error.text + ".");
+    const Result<Ticket> ticket = readTicketFile(opened->Descriptor(), name);
+    if (!ticket) {
+        tellError("The print settings of this job are broken: " + ticket.Why().Line() + ".");
         return 1;
     }
-    for (const TicketWarning& warning : result.ticket.warnings) {
+    for (const TicketWarning& warning : ticket->warnings) {
         tellDebug(name + ": entry " + std::to_string(warning.entry) + ": " + warning.text);
     }
-    const auto& entries = result.ticket.entries;
+    const auto& entries = ticket->entries;
     const auto mailbox = std::ranges::find(entries, siteFileDestination, &TicketEntry::site);
-    return mailbox == entries.end() ? splice(source, result.ticket, target)
-                                    : spliceIntoMailbox(sender, source, result.ticket, mailbox->bytes);
+    return mailbox == entries.end() ? splice(source, *ticket, target)
+                                    : spliceIntoMailbox(sender, source, *ticket, mailbox->bytes);
 }
 
 } // namespace torka::filter

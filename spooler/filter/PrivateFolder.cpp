@@ -25,40 +25,36 @@ bool isTrustworthy(const struct stat& facts) {
            (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-OpenFile openFolder(std::error_code& error) {
+FileResult<OpenFile> openFolder() {
     OpenFile folder(::open(place().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     struct stat facts {};
     if (!folder || ::fstat(folder.Descriptor(), &facts) != 0) {
-        error = lastError();
-        return OpenFile();
+        return lastError();
     }
     if (!isTrustworthy(facts)) {
-        error = std::make_error_code(std::errc::permission_denied);
-        return OpenFile();
+        return std::make_error_code(std::errc::permission_denied);
     }
     return folder;
 }
 
-OpenFile openOwn(std::string_view name, int access, std::error_code& error) {
-    error.clear();
-    if (!isFileName(name)) {
-        error = std::make_error_code(std::errc::invalid_argument);
-        return OpenFile();
-    }
-    const OpenFile folder = openFolder(error);
+// The folder in which a file of this name may be opened or made.
+FileResult<OpenFile> openFolderFor(std::string_view name) {
+    return isFileName(name) ? openFolder() : std::make_error_code(std::errc::invalid_argument);
+}
+
+FileResult<OpenFile> openOwn(std::string_view name, int access) {
+    const FileResult<OpenFile> folder = openFolderFor(name);
     if (!folder) {
-        return OpenFile();
+        return folder.Why();
     }
-    OpenFile file(::openat(folder.Descriptor(), std::string(name).c_str(),
+    OpenFile file(::openat(folder->Descriptor(), std::string(name).c_str(),
                            access | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     struct stat facts {};
     if (!file || ::fstat(file.Descriptor(), &facts) != 0) {
-        error = lastError();
-        return OpenFile();
+        return lastError();
     }
     if (!S_ISREG(facts.st_mode) || facts.st_uid != ::geteuid()) {
-        error = std::make_error_code(std::errc::permission_denied);
-        return OpenFile();
+        return std::make_error_code(std::errc::permission_denied);
     }
     return file;
 }
@@ -94,36 +90,29 @@ OpenFile::~OpenFile() {
 
 std::error_code PrivateFolder::Prepare() {
     constexpr unsigned mode = 0711;
-    std::error_code error = makeFolder(place().parent_path(), mode); // without the last "/"
-    if (!error) {
-        openFolder(error);
+    if (const std::error_code error = makeFolder(place().parent_path(), mode)) { // without the last "/"
+        return error;
     }
-    return error;
+    const FileResult<OpenFile> folder = openFolder();
+    return folder ? std::error_code() : folder.Why();
 }
 
-OpenFile PrivateFolder::Open(std::string_view name, std::error_code& error) {
-    return openOwn(name, O_RDONLY, error);
+FileResult<OpenFile> PrivateFolder::Open(std::string_view name) { return openOwn(name, O_RDONLY); }
+
+FileResult<OpenFile> PrivateFolder::OpenForChange(std::string_view name) {
+    return openOwn(name, O_RDWR | O_APPEND);
 }
 
-OpenFile PrivateFolder::OpenForChange(std::string_view name, std::error_code& error) {
-    return openOwn(name, O_RDWR | O_APPEND, error);
-}
-
-OpenFile PrivateFolder::Create(std::string_view name, std::string_view content, std::error_code& error) {
-    error.clear();
-    if (!isFileName(name)) {
-        error = std::make_error_code(std::errc::invalid_argument);
-        return OpenFile();
-    }
-    if (const OpenFile folder = openFolder(error); !folder) {
-        return OpenFile();
+FileResult<OpenFile> PrivateFolder::Create(std::string_view name, std::string_view content) {
+    if (const FileResult<OpenFile> folder = openFolderFor(name); !folder) {
+        return folder.Why();
     }
     std::string temporary = (place() / ".torka-XXXXXX").string();
     OpenFile file(::mkostemp(temporary.data(), O_APPEND | O_CLOEXEC)); // mode 0600
     if (!file) {
-        error = lastError();
-        return OpenFile();
+        return lastError();
     }
+    std::error_code error;
     const ssize_t written = ::write(file.Descriptor(), content.data(), content.size());
     if (written < 0 || ::flock(file.Descriptor(), LOCK_EX) != 0) {
         error = lastError();
@@ -133,51 +122,51 @@ OpenFile PrivateFolder::Create(std::string_view name, std::string_view content, 
         error = lastError();
     }
     ::unlink(temporary.c_str());
-    return error ? OpenFile() : std::move(file);
-}
-
-OpenFile PrivateFolder::Lock(std::string_view name) {
-    if (Prepare() || !isFileName(name)) {
-        return OpenFile();
-    }
-    OpenFile lock(::open((place() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    return lock && ::flock(lock.Descriptor(), LOCK_EX) == 0 ? std::move(lock) : OpenFile();
-}
-
-std::error_code PrivateFolder::Read(std::string_view name, std::size_t limit, std::string& content) {
-    content.clear();
-    std::error_code error;
-    const OpenFile file = Open(name, error);
-    while (file && !error) {
-        char block[4096];
-        const ssize_t count = ::read(file.Descriptor(), block, sizeof block);
-        if (count == 0) {
-            break;
-        }
-        if (count < 0 && errno != EINTR) {
-            error = lastError();
-        } else if (count > 0) {
-            content.append(block, static_cast<std::size_t>(count));
-        }
-        if (content.size() > limit) {
-            error = std::make_error_code(std::errc::file_too_large);
-        }
-    }
     if (error) {
-        content.clear();
+        return error;
     }
-    return error;
+    return file;
 }
 
-std::error_code PrivateFolder::Write(std::string_view name, std::string_view content, unsigned mode) {
-    std::error_code error;
+FileResult<OpenFile> PrivateFolder::Lock(std::string_view name) {
+    if (const std::error_code error = Prepare()) {
+        return error;
+    }
     if (!isFileName(name)) {
         return std::make_error_code(std::errc::invalid_argument);
     }
-    if (const OpenFile folder = openFolder(error); !folder) {
-        return error;
+    OpenFile lock(::open((place() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!lock || ::flock(lock.Descriptor(), LOCK_EX) != 0) {
+        return lastError();
     }
-    return platform::system().WriteFile(place() / name, content, mode);
+    return lock;
+}
+
+FileResult<std::string> PrivateFolder::Read(std::string_view name, std::size_t limit) {
+    const FileResult<OpenFile> file = Open(name);
+    if (!file) {
+        return file.Why();
+    }
+    std::string content;
+    for (;;) {
+        char block[4096];
+        const ssize_t count = ::read(file->Descriptor(), block, sizeof block);
+        if (count == 0) {
+            return content;
+        }
+        if (count < 0 && errno != EINTR) {
+            return lastError();
+        }
+        content.append(block, count > 0 ? static_cast<std::size_t>(count) : 0);
+        if (content.size() > limit) {
+            return std::make_error_code(std::errc::file_too_large);
+        }
+    }
+}
+
+std::error_code PrivateFolder::Write(std::string_view name, std::string_view content, unsigned mode) {
+    const FileResult<OpenFile> folder = openFolderFor(name);
+    return folder ? platform::system().WriteFile(place() / name, content, mode) : folder.Why();
 }
 
 bool PrivateFolder::Exists(std::string_view name) {

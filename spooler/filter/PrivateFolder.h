@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Result.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -14,10 +16,14 @@ namespace torka::filter {
 // Creates a missing folder and its parents. Everybody may pass the parents.
 std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode);
 
+// A value, or the error of the operating system.
+template <typename Value>
+using FileResult = Result<Value, std::error_code>;
+
 // An open file; closed with its owner.
 class OpenFile {
 public:
-    explicit OpenFile(int opened = -1)
+    explicit OpenFile(int opened)
         : descriptor(opened) {}
     OpenFile(OpenFile&& other) noexcept
         : descriptor(other.descriptor) {
@@ -44,17 +50,17 @@ public:
     // Creates a missing folder. REQUIRES: platform::system() is chosen.
     static std::error_code Prepare();
 
-    // Opens a regular file of this user for reading. `error` gets the reason of a failure.
-    static OpenFile Open(std::string_view name, std::error_code& error);
+    // Opens a regular file of this user for reading.
+    static FileResult<OpenFile> Open(std::string_view name);
     // Does the same for reading and appending.
-    static OpenFile OpenForChange(std::string_view name, std::error_code& error);
+    static FileResult<OpenFile> OpenForChange(std::string_view name);
     // Creates a file with this content, open for appending and locked (flock) before anybody else can open
     // it. The error is file_exists when the name is taken.
-    static OpenFile Create(std::string_view name, std::string_view content, std::error_code& error);
-    // Waits for the lock of this name; closing the returned file releases it. Returns an empty OpenFile on
-    // failure.
-    static OpenFile Lock(std::string_view name);
-    static std::error_code Read(std::string_view name, std::size_t limit, std::string& content);
+    static FileResult<OpenFile> Create(std::string_view name, std::string_view content);
+    // Waits for the lock of this name; closing the returned file releases it.
+    static FileResult<OpenFile> Lock(std::string_view name);
+    // Fails with file_too_large beyond the limit.
+    static FileResult<std::string> Read(std::string_view name, std::size_t limit);
     // Writes the file whole or not at all.
     static std::error_code Write(std::string_view name, std::string_view content, unsigned mode = 0600);
     static bool Exists(std::string_view name);

@@ -8,6 +8,7 @@
 #include <cups/ppd.h>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string_view>
 
@@ -61,9 +62,9 @@ struct Plan {
     std::vector<std::string> leftBehind;
 };
 
-// Returns false when a record is refused.
-bool plan(const Sizes& held, const std::vector<NamedPayload>& records, Plan& result) {
-    result.sizes = held;
+// Returns nothing when a record is refused.
+std::optional<Plan> plan(const Sizes& held, const std::vector<NamedPayload>& records) {
+    Plan result{held, {}};
     for (const auto& [name, payload] : records) {
         std::set<std::string, std::less<>> written;
         const bool isTaken = encodeRecord(name, payload.data(), payload.size(),
@@ -72,7 +73,7 @@ bool plan(const Sizes& held, const std::vector<NamedPayload>& records, Plan& res
                                               result.sizes[std::string(chunk)] = lineBytes(chunk, text);
                                           });
         if (!isTaken) {
-            return false;
+            return std::nullopt;
         }
         for (auto chunk = held.lower_bound(name); chunk != held.end() && chunk->first.starts_with(name);
              ++chunk) {
@@ -83,12 +84,12 @@ bool plan(const Sizes& held, const std::vector<NamedPayload>& records, Plan& res
             }
         }
     }
-    return true;
+    return result;
 }
 
 } // namespace
 
-std::string putRecords(const std::string& queue, std::vector<NamedPayload> records) {
+Result<void> putRecords(const std::string& queue, std::vector<NamedPayload> records) {
     // The server gives the path of the queue's PPD in the filter's environment.
     const char* path = std::getenv("PPD");
     const std::unique_ptr<ppd_file_t, ClosePPD> ppd(path == nullptr ? nullptr : ppdOpenFile(path));
@@ -100,17 +101,17 @@ std::string putRecords(const std::string& queue, std::vector<NamedPayload> recor
         });
     }
     const Sizes held = heldChunks(ppd.get());
-    Plan planned;
-    if (!plan(held, records, planned)) {
-        return "a record has a name or a length that none can have";
+    const std::optional<Plan> planned = plan(held, records);
+    if (!planned) {
+        return Fault{"a record has a name or a length that none can have"};
     }
-    const std::size_t total = totalOf(planned.sizes);
+    const std::size_t total = totalOf(planned->sizes);
     if (total > mostRecordBytes && total > totalOf(held)) {
-        return "the queue's description would hold " + std::to_string(total) +
-               " bytes of records, and may hold " + std::to_string(mostRecordBytes);
+        return Fault{"the queue's description would hold " + std::to_string(total) +
+                     " bytes of records, and may hold " + std::to_string(mostRecordBytes)};
     }
     tellDebug(queue + ": " + std::to_string(records.size()) + " records are new in the PPD");
-    return sendRecords(records, planned.leftBehind) ? "" : "a record cannot be sent";
+    return sendRecords(records, planned->leftBehind) ? Result<void>() : Fault{"a record cannot be sent"};
 }
 
 } // namespace torka::filter

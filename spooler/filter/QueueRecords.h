@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Result.h"
 #include "spooler/filter/ServerMessages.h"
 
 #include <string>
@@ -16,8 +17,8 @@ inline constexpr std::size_t mostRecordBytes = std::size_t{1024} * 1024;
 // Sends the records that the queue's PPD does not yet hold: clients need not read an unchanged PPD again.
 // When a shorter record replaces a longer one, empties the chunks that are left over.
 //
-// Returns "" or why nothing was sent: a name or payload that no record can have, or the maximum. A PPD beyond
+// Sends nothing and fails for a name or payload that no record can have, and beyond the maximum. A PPD beyond
 // the maximum still accepts a change that makes it shorter.
-std::string putRecords(const std::string& queue, std::vector<NamedPayload> records);
+Result<void> putRecords(const std::string& queue, std::vector<NamedPayload> records);
 
 } // namespace torka::filter

@@ -103,37 +103,38 @@ std::optional<TicketRecord> readTicketRecord(std::string_view text) {
     return record;
 }
 
-std::optional<TicketOwner> TicketOwner::Create(std::string_view ticket, const TicketRecord& record,
-                                               std::error_code& error) {
-    OpenFile file = PrivateFolder::Create(fileOf(ticket), ticketRecordText(record), error);
-    return file ? std::optional(TicketOwner(std::move(file), record, ticketRecordText(record).size()))
-                : std::nullopt;
+FileResult<TicketOwner> TicketOwner::Create(std::string_view ticket, const TicketRecord& record) {
+    const std::string text = ticketRecordText(record);
+    FileResult<OpenFile> file = PrivateFolder::Create(fileOf(ticket), text);
+    if (!file) {
+        return file.Why();
+    }
+    return TicketOwner(*std::move(file), record, text.size());
 }
 
-std::optional<TicketOwner> TicketOwner::Open(std::string_view ticket, std::error_code& error) {
+FileResult<TicketOwner> TicketOwner::Open(std::string_view ticket) {
     const std::string name = fileOf(ticket);
-    OpenFile file = PrivateFolder::OpenForChange(name, error);
+    FileResult<OpenFile> file = PrivateFolder::OpenForChange(name);
     if (!file) {
-        return std::nullopt;
+        return file.Why();
     }
     struct stat facts {};
-    if (::flock(file.Descriptor(), LOCK_EX) != 0 || ::fstat(file.Descriptor(), &facts) != 0) {
-        error = lastError();
-        return std::nullopt;
+    if (::flock(file->Descriptor(), LOCK_EX) != 0 || ::fstat(file->Descriptor(), &facts) != 0) {
+        return lastError();
     }
     // The previous holder of the lock may have removed the file.
     if (facts.st_nlink == 0) {
-        error = std::make_error_code(std::errc::no_such_file_or_directory);
-        return std::nullopt;
+        return std::make_error_code(std::errc::no_such_file_or_directory);
     }
-    std::string text;
-    error = PrivateFolder::Read(name, mostRecord, text);
-    std::optional<TicketRecord> record = error ? std::nullopt : readTicketRecord(text);
+    const FileResult<std::string> text = PrivateFolder::Read(name, mostRecord);
+    if (!text) {
+        return text.Why();
+    }
+    std::optional<TicketRecord> record = readTicketRecord(*text);
     if (!record) {
-        error = error ? error : std::make_error_code(std::errc::bad_message);
-        return std::nullopt;
+        return std::make_error_code(std::errc::bad_message);
     }
-    return TicketOwner(std::move(file), std::move(*record), text.rfind('\n') + 1);
+    return TicketOwner(*std::move(file), *std::move(record), text->rfind('\n') + 1);
 }
 
 std::int64_t TicketOwner::Changed() const {

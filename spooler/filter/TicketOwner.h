@@ -36,10 +36,9 @@ std::optional<TicketRecord> readTicketRecord(std::string_view text);
 class TicketOwner {
 public:
     // Creates the record's file. The error is file_exists when there already is one.
-    static std::optional<TicketOwner> Create(std::string_view ticket, const TicketRecord& record,
-                                             std::error_code& error);
+    static FileResult<TicketOwner> Create(std::string_view ticket, const TicketRecord& record);
     // Waits for the lock. Errors: no_such_file_or_directory; bad_message for a record that cannot be read.
-    static std::optional<TicketOwner> Open(std::string_view ticket, std::error_code& error);
+    static FileResult<TicketOwner> Open(std::string_view ticket);
 
     const TicketRecord& Record() const { return record; }
     // Returns the time of the file's last change, seconds since 1970.

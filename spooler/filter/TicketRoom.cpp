@@ -23,25 +23,19 @@ bool fits(const TicketAmount& sum, const TicketAmount& most) {
 }
 
 std::optional<TicketRecord> recordOf(std::string_view ticket) {
-    std::string text;
-    return PrivateFolder::Read(std::string(ticket).append(ticketOwnerSuffix), mostRecord, text)
-               ? std::nullopt
-               : readTicketRecord(text);
+    const FileResult<std::string> text =
+        PrivateFolder::Read(std::string(ticket).append(ticketOwnerSuffix), mostRecord);
+    return text ? readTicketRecord(*text) : std::nullopt;
 }
 
-std::string problemText(std::string_view whose, const TicketAmount& most) {
-    return std::string("the print settings that are kept ")
-        .append(whose)
-        .append(" fill their room (")
-        .append(std::to_string(most.number))
-        .append(" jobs, ")
-        .append(std::to_string(most.bytes >> 20U))
-        .append(" MB)");
+Fault noRoom(std::string_view whose, const TicketAmount& most) {
+    return {"the print settings that are kept " + std::string(whose) + " fill their room (" +
+            std::to_string(most.number) + " jobs, " + std::to_string(most.bytes >> 20U) + " MB)"};
 }
 
 } // namespace
 
-std::string ticketRoomProblem(const Sender& sender, std::size_t bytes) {
+Result<void> checkTicketRoom(const Sender& sender, std::size_t bytes) {
     std::unordered_map<std::string, std::size_t> sizes; // of the tickets that are written
     std::vector<std::string> owned;                     // tickets that have a record
     for (PrivateFolder::Entry& entry : PrivateFolder::List()) {
@@ -67,7 +61,7 @@ std::string ticketRoomProblem(const Sender& sender, std::size_t bytes) {
         add(all, record ? record->bytes : 0);
     }
     if (!fits(all, mostOfAll)) {
-        return problemText("for everybody", mostOfAll);
+        return noRoom("for everybody", mostOfAll);
     }
     // Saves reading all records in the usual case: all tickets together are within one sender's maximum.
     if (fits(all, mostOfSender)) {
@@ -90,9 +84,9 @@ std::string ticketRoomProblem(const Sender& sender, std::size_t bytes) {
         }
     }
     if (!fits(ofSender, mostOfSender)) {
-        return problemText("for this user", mostOfSender);
+        return noRoom("for this user", mostOfSender);
     }
-    return fits(ofHost, mostOfHost) ? "" : problemText("for this host", mostOfHost);
+    return fits(ofHost, mostOfHost) ? Result<void>() : noRoom("for this host", mostOfHost);
 }
 
 } // namespace torka::filter

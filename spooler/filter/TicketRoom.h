@@ -1,10 +1,9 @@
 #pragma once
 
+#include "platform/Result.h"
 #include "spooler/filter/FilterNotes.h"
 
 #include <cstddef>
-#include <string>
-#include <string_view>
 
 // Limits the number of tickets that are kept, and their total size.
 
@@ -19,8 +18,8 @@ inline constexpr TicketAmount mostOfSender{2000, std::size_t{256} << 20U};
 inline constexpr TicketAmount mostOfHost{10'000, std::size_t{1} << 30U};
 inline constexpr TicketAmount mostOfAll{20'000, std::size_t{2} << 30U};
 
-// Returns "", or why there is no room for one more ticket of this length. Removes nothing to make room: each
-// ticket belongs to a job that may still print. REQUIRES: the lock of TicketStore.
-std::string ticketRoomProblem(const Sender& sender, std::size_t bytes);
+// Fails when there is no room for one more ticket of this length. Removes nothing to make room: each ticket
+// belongs to a job that may still print. REQUIRES: the lock of TicketStore.
+Result<void> checkTicketRoom(const Sender& sender, std::size_t bytes);
 
 } // namespace torka::filter

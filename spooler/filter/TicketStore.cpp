@@ -27,7 +27,11 @@ bool isLeftover(std::string_view name) {
     return name.starts_with("ConnectionErrorInfoFile") || name.starts_with(".torka-");
 }
 
-std::string existsAlready(const std::string& name) { return name + ": there is such a ticket already"; }
+Fault existsAlready(const std::string& name) { return {"there is such a ticket already", name}; }
+
+Fault cannotKeep(const std::string& name, const std::error_code& error) {
+    return {"the ticket cannot be kept: " + error.message(), name};
+}
 
 // Removes the ticket first. If the filter is killed in between, the record that is left gives nobody a
 // ticket.
@@ -37,25 +41,28 @@ bool removePair(const std::string& name) {
     return isRemoved;
 }
 
-// Handles a text for a ticket that already has a record. Returns "" when the same command was restarted. Sets
-// `isGone` when the record belonged to a ticket that never got its text; the record is then removed.
-std::string meetExisting(const Sender& sender, const JobIdentity& command, const std::string& name,
-                         bool& isGone) {
-    std::error_code error;
-    std::optional<TicketOwner> owner = TicketOwner::Open(name, error); // waits while another filter writes it
-    if (!owner) {
-        isGone = error == std::errc::no_such_file_or_directory;
-        return existsAlready(name);
+// What happens to a text for a ticket that already has a record.
+enum class Meeting {
+    stored, // it is kept already: the same command was restarted
+    gone    // the record belonged to a ticket that never got its text, and is removed
+};
+
+Result<Meeting> meetExisting(const Sender& sender, const JobIdentity& command, const std::string& name) {
+    FileResult<TicketOwner> owner = TicketOwner::Open(name); // waits while another filter writes it
+    if (!owner && owner.Why() == std::errc::no_such_file_or_directory) {
+        return Meeting::gone;
     }
-    if (owner->Record().user != sender.user) {
+    if (!owner || owner->Record().user != sender.user) {
         return existsAlready(name);
     }
     if (!PrivateFolder::Exists(name)) {
-        isGone = removePair(name) || !PrivateFolder::Exists(name + std::string(ticketOwnerSuffix));
+        if (removePair(name) || !PrivateFolder::Exists(name + std::string(ticketOwnerSuffix))) {
+            return Meeting::gone;
+        }
         return existsAlready(name);
     }
-    if (owner->Record().command == command && PrivateFolder::Open(name, error)) {
-        return {};
+    if (owner->Record().command == command && PrivateFolder::Open(name)) {
+        return Meeting::stored;
     }
     // Two commands sent a text for one name, and either may be right. A job that has begun with the first
     // text keeps it.
@@ -65,53 +72,55 @@ std::string meetExisting(const Sender& sender, const JobIdentity& command, const
     return existsAlready(name);
 }
 
-// Creates the owner record of a new ticket when there is room. Returns nothing, without a problem, when a
-// record exists already.
-std::optional<TicketOwner> reserve(const Sender& sender, const std::string& name, const TicketRecord& record,
-                                   std::string& problem) {
-    const OpenFile lock = PrivateFolder::Lock(lockFile);
-    problem = lock ? ticketRoomProblem(sender, record.bytes) : "the filter's folder cannot be locked";
-    if (!problem.empty()) {
-        return std::nullopt;
+// Creates the owner record of a new ticket when there is room. Returns nothing when a record exists already.
+Result<std::optional<TicketOwner>> reserve(const Sender& sender, const std::string& name,
+                                           const TicketRecord& record) {
+    const FileResult<OpenFile> lock = PrivateFolder::Lock(lockFile);
+    if (!lock) {
+        return Fault{"the filter's folder cannot be locked"};
     }
-    std::error_code error;
-    std::optional<TicketOwner> owner = TicketOwner::Create(name, record, error);
-    if (!owner && error != std::errc::file_exists) {
-        problem = name + ": the ticket cannot be kept: " + error.message();
+    if (const Result<void> room = checkTicketRoom(sender, record.bytes); !room) {
+        return room.Why();
     }
-    return owner;
+    FileResult<TicketOwner> owner = TicketOwner::Create(name, record);
+    if (owner) {
+        return std::optional(*std::move(owner));
+    }
+    if (owner.Why() == std::errc::file_exists) {
+        return std::optional<TicketOwner>();
+    }
+    return cannotKeep(name, owner.Why());
 }
 
 // REQUIRES: the owner record is locked.
-std::string writeTicket(const std::string& name, std::string_view content) {
-    std::string problem;
-    if (PrivateFolder::Exists(name)) {
-        problem = existsAlready(name);
-    } else if (const std::error_code error = PrivateFolder::Write(name, content)) {
-        problem = name + ": the ticket cannot be kept: " + error.message();
+Result<void> writeTicket(const std::string& name, std::string_view content) {
+    const bool isThere = PrivateFolder::Exists(name);
+    const std::error_code error = isThere ? std::error_code() : PrivateFolder::Write(name, content);
+    if (!isThere && !error) {
+        return {};
     }
-    if (!problem.empty()) {
-        PrivateFolder::Remove(name + std::string(ticketOwnerSuffix));
-    }
-    return problem;
+    PrivateFolder::Remove(name + std::string(ticketOwnerSuffix));
+    return isThere ? existsAlready(name) : cannotKeep(name, error);
 }
 
-std::string storeAs(const Sender& sender, const JobIdentity& command, const std::string& name,
-                    std::string_view content) {
+Result<void> storeAs(const Sender& sender, const JobIdentity& command, const std::string& name,
+                     std::string_view content) {
     constexpr int tries = 3; // each finds a record that another filter removes meanwhile
     const TicketRecord record{sender.user, sender.host, command, content.size(), std::nullopt, false};
     for (int i = 0; i < tries; ++i) {
-        std::string problem;
-        const std::optional<TicketOwner> owner = reserve(sender, name, record, problem);
-        if (owner) {
+        const Result<std::optional<TicketOwner>> owner = reserve(sender, name, record);
+        if (!owner) {
+            return owner.Why();
+        }
+        if (*owner) {
             return writeTicket(name, content);
         }
-        bool isGone = false;
-        if (problem.empty()) {
-            problem = meetExisting(sender, command, name, isGone);
+        const Result<Meeting> met = meetExisting(sender, command, name);
+        if (!met) {
+            return met.Why();
         }
-        if (!isGone) {
-            return problem;
+        if (*met == Meeting::stored) {
+            return {};
         }
     }
     return existsAlready(name);
@@ -122,19 +131,19 @@ std::string missingText(const std::string& name) {
            "): they did not arrive, or were kept for their time. Print it again from its application.";
 }
 
-// Returns "" or why this job may not have the ticket.
-std::string refusal(const TicketRecord& record, const Sender& sender, const JobIdentity& job,
-                    const std::string& name) {
+// Fails when this job may not have the ticket.
+Result<void> checkOwner(const TicketRecord& record, const Sender& sender, const JobIdentity& job,
+                        const std::string& name) {
     if (record.user != sender.user) {
-        return "The print settings of this job belong to somebody else (" + name + ").";
+        return Fault{"The print settings of this job belong to somebody else (" + name + ")."};
     }
     if (record.isContested) {
-        return "The print settings of this job came twice (" + name +
-               "), and nobody knows which are right. Print it again from its application.";
+        return Fault{"The print settings of this job came twice (" + name +
+                     "), and nobody knows which are right. Print it again from its application."};
     }
     if (record.usedBy && *record.usedBy != job) {
-        return "This job cannot be printed: its print settings belong to another job (" + name +
-               "). Print it again from its application.";
+        return Fault{"This job cannot be printed: its print settings belong to another job (" + name +
+                     "). Print it again from its application."};
     }
     return {};
 }
@@ -154,9 +163,9 @@ void sweepTicket(const std::string& name, const Halves& halves, std::int64_t now
         return;
     }
     // Waits for the lock and checks the record again.
-    std::error_code error;
-    const std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
-    if (!owner && error != std::errc::no_such_file_or_directory && error != std::errc::bad_message) {
+    const FileResult<TicketOwner> owner = TicketOwner::Open(name);
+    if (!owner && owner.Why() != std::errc::no_such_file_or_directory &&
+        owner.Why() != std::errc::bad_message) {
         return;
     }
     if (owner && PrivateFolder::Exists(name)) {
@@ -189,85 +198,80 @@ bool isTicketName(std::string_view name) {
     return true;
 }
 
-std::string TicketStore::Announce(const Sender& sender, std::string_view named, std::string_view path) {
+Result<void> TicketStore::Announce(const Sender& sender, std::string_view named, std::string_view path) {
     while (!path.empty() && (path.back() == '\n' || path.back() == '\r')) {
         path.remove_suffix(1);
     }
     const std::string name(lastComponent(path));
     if (!isTicketName(name)) {
-        return "the announced ticket has no name of a ticket";
+        return Fault{"the announced ticket has no name of a ticket"};
     }
     if (named.empty()) {
-        return FilterNotes::Add(sender, NoteKind::ticketName, name) ? "" : "the ticket's name cannot be kept";
+        return FilterNotes::Add(sender, NoteKind::ticketName, name)
+                   ? Result<void>()
+                   : Fault{"the ticket's name cannot be kept"};
     }
     if (lastComponent(named) != name) {
-        return "the command's option and its text name two tickets";
+        return Fault{"the command's option and its text name two tickets"};
     }
     // The text names its ticket itself, so no name is kept.
-    std::error_code error;
-    const std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
-    return owner && owner->Record().user != sender.user ? existsAlready(name) : "";
+    const FileResult<TicketOwner> owner = TicketOwner::Open(name);
+    return owner && owner->Record().user != sender.user ? existsAlready(name) : Result<void>();
 }
 
-std::string TicketStore::Store(const Sender& sender, const JobIdentity& command, std::string_view named,
-                               std::string_view content) {
+Result<void> TicketStore::Store(const Sender& sender, const JobIdentity& command, std::string_view named,
+                                std::string_view content) {
     if (!named.empty()) {
         const std::string name(lastComponent(named));
         return isTicketName(name) ? storeAs(sender, command, name, content)
-                                  : "the command's option names no ticket";
+                                  : Fault{"the command's option names no ticket"};
     }
     std::size_t count = 0;
     const std::optional<std::string> name = FilterNotes::TakeOnly(sender, NoteKind::ticketName, count);
     if (count > 1) {
-        return "a ticket came without its name, and " + std::to_string(count) +
-               " names wait for theirs: it could be another job's";
+        return Fault{"a ticket came without its name, and " + std::to_string(count) +
+                     " names wait for theirs: it could be another job's"};
     }
     if (!name || !isTicketName(*name)) {
-        return "a ticket came that no name was sent for";
+        return Fault{"a ticket came that no name was sent for"};
     }
-    std::string problem = storeAs(sender, command, *name, content);
-    if (!problem.empty() && !PrivateFolder::Exists(*name)) {
+    Result<void> stored = storeAs(sender, command, *name, content);
+    if (!stored && !PrivateFolder::Exists(*name)) {
         FilterNotes::Add(sender, NoteKind::ticketName, *name); // for a restart of the command
     }
-    return problem;
+    return stored;
 }
 
-OpenFile TicketStore::Open(const Sender& sender, const JobIdentity& job, std::string_view path,
-                           std::string& problem) {
+Result<OpenFile> TicketStore::Open(const Sender& sender, const JobIdentity& job, std::string_view path) {
     const std::string name(lastComponent(path));
     if (!isTicketName(name)) {
-        problem = "The print settings of this job have no valid name. Print it again from its application.";
-        return OpenFile();
+        return Fault{
+            "The print settings of this job have no valid name. Print it again from its application."};
     }
-    std::error_code error;
-    std::optional<TicketOwner> owner = TicketOwner::Open(name, error);
+    FileResult<TicketOwner> owner = TicketOwner::Open(name);
     if (owner) {
-        problem = refusal(owner->Record(), sender, job, name);
-        if (!problem.empty()) {
-            return OpenFile();
+        if (const Result<void> allowed = checkOwner(owner->Record(), sender, job, name); !allowed) {
+            return allowed.Why();
         }
     }
-    OpenFile ticket = owner ? PrivateFolder::Open(name, error) : OpenFile();
-    if (ticket) {
-        error = owner->MarkUsed(job);
-    }
+    FileResult<OpenFile> ticket = owner ? PrivateFolder::Open(name) : owner.Why();
+    const std::error_code error = ticket ? owner->MarkUsed(job) : ticket.Why();
     if (!error) {
-        return ticket;
+        return *std::move(ticket);
     }
-    const bool isMissing = error == std::errc::no_such_file_or_directory;
-    if (isMissing) {
-        FilterNotes::ForgetUpTo(sender, NoteKind::ticketName, name);
+    if (error != std::errc::no_such_file_or_directory) {
+        return Fault{"The print settings of this job cannot be read (" + name + "): " + error.message() +
+                     "."};
     }
-    problem = isMissing
-                  ? missingText(name)
-                  : "The print settings of this job cannot be read (" + name + "): " + error.message() + ".";
-    return OpenFile();
+    FilterNotes::ForgetUpTo(sender, NoteKind::ticketName, name);
+    return Fault{missingText(name)};
 }
 
 bool TicketStore::RemoveOwn(const Sender& sender, std::string_view name) {
-    std::error_code error;
-    const std::optional<TicketOwner> owner =
-        isTicketName(name) ? TicketOwner::Open(name, error) : std::nullopt;
+    if (!isTicketName(name)) {
+        return false;
+    }
+    const FileResult<TicketOwner> owner = TicketOwner::Open(name);
     return owner && owner->Record().user == sender.user && removePair(std::string(name));
 }
 

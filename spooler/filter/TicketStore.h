@@ -21,7 +21,6 @@ bool isTicketName(std::string_view name);
 // Returns the last component of a path.
 std::string_view lastComponent(std::string_view path);
 
-// A function that returns a text returns "", or one line that says why nothing was done.
 class TicketStore {
 public:
     // A ticket waits for its job, which may be held, for unusedLifetime. It stays for usedLifetime after its
@@ -31,15 +30,14 @@ public:
 
     // Announces the name of a ticket that follows. `named` is the name in the command's own option, "" for
     // none. Without it the name is kept for the sender's next text.
-    static std::string Announce(const Sender& sender, std::string_view named, std::string_view path);
+    static Result<void> Announce(const Sender& sender, std::string_view named, std::string_view path);
     // Stores the content of the ticket that the option names. Without an option it is the ticket whose name
     // this sender announced, if exactly one is waiting. With two names the text could belong to either.
-    static std::string Store(const Sender& sender, const JobIdentity& command, std::string_view named,
-                             std::string_view content);
+    static Result<void> Store(const Sender& sender, const JobIdentity& command, std::string_view named,
+                              std::string_view content);
     // Opens the ticket that a print job names and assigns it to this job. Forgets the announced name of a
     // ticket that never arrived.
-    static OpenFile Open(const Sender& sender, const JobIdentity& job, std::string_view path,
-                         std::string& problem);
+    static Result<OpenFile> Open(const Sender& sender, const JobIdentity& job, std::string_view path);
     // Removes a ticket of this user with its owner record.
     static bool RemoveOwn(const Sender& sender, std::string_view name);
     // Removes expired tickets, incomplete tickets, and leftovers of other jobs. SweepSometimes does so at

@@ -29,10 +29,21 @@ const JobIdentity job{"8", "urn:uuid:8"};
 const JobIdentity otherJob{"9", "urn:uuid:9"};
 
 std::string contentOf(const Sender& sender, const std::string& path, const JobIdentity& user = job) {
-    std::string problem;
-    const OpenFile file = TicketStore::Open(sender, user, path, problem);
-    std::string text;
-    return file && !PrivateFolder::Read(lastComponent(path), 100000, text) ? text : "? " + problem;
+    const Result<OpenFile> file = TicketStore::Open(sender, user, path);
+    const FileResult<std::string> text = PrivateFolder::Read(lastComponent(path), 100000);
+    return file && text ? *text : "? " + (file ? text.Why().message() : file.Why().text);
+}
+
+// "" or what failed.
+std::string announce(const Sender& sender, std::string_view named, std::string_view path) {
+    const Result<void> done = TicketStore::Announce(sender, named, path);
+    return done ? "" : done.Why().Line();
+}
+
+std::string store(const Sender& sender, const JobIdentity& by, std::string_view named,
+                  std::string_view content) {
+    const Result<void> done = TicketStore::Store(sender, by, named, content);
+    return done ? "" : done.Why().Line();
 }
 
 bool isRefused(const std::string& content, const std::string& reason) {
@@ -50,20 +61,20 @@ void makeOlder(const FilterHarness& harness, int ticket, std::chrono::seconds ag
 
 TEST(TicketStore, ANameThatTravelsWithTheTextDecidesWhateverTheOrder) {
     const FilterHarness harness;
-    EXPECT_EQ(TicketStore::Announce(anna, nameOf(1), ticketPath(1) + "\n"), "");
-    EXPECT_EQ(TicketStore::Announce(anna, nameOf(2), ticketPath(2)), "");
-    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(2), "two"), "");
-    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(3), "three"), "") << "before its name was sent";
-    EXPECT_EQ(TicketStore::Announce(anna, nameOf(3), ticketPath(3)), "");
-    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(1), "one"), "");
+    EXPECT_EQ(announce(anna, nameOf(1), ticketPath(1) + "\n"), "");
+    EXPECT_EQ(announce(anna, nameOf(2), ticketPath(2)), "");
+    EXPECT_EQ(store(anna, command, nameOf(2), "two"), "");
+    EXPECT_EQ(store(anna, command, nameOf(3), "three"), "") << "before its name was sent";
+    EXPECT_EQ(announce(anna, nameOf(3), ticketPath(3)), "");
+    EXPECT_EQ(store(anna, command, nameOf(1), "one"), "");
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
     EXPECT_EQ(contentOf(anna, ticketPath(2)), "two");
     EXPECT_EQ(contentOf(anna, "elsewhere/" + nameOf(3)), "three") << "only the last component counts";
     // Option and text that differ, an option that is no valid name, the name of another user.
-    EXPECT_NE(TicketStore::Announce(anna, nameOf(4), ticketPath(5)), "");
-    EXPECT_NE(TicketStore::Announce(bert, nameOf(1), ticketPath(1)), "");
-    EXPECT_NE(TicketStore::Store(anna, command, "Torka.temp", "text"), "");
-    EXPECT_NE(TicketStore::Store(bert, command, nameOf(1), "text"), "");
+    EXPECT_NE(announce(anna, nameOf(4), ticketPath(5)), "");
+    EXPECT_NE(announce(bert, nameOf(1), ticketPath(1)), "");
+    EXPECT_NE(store(anna, command, "Torka.temp", "text"), "");
+    EXPECT_NE(store(bert, command, nameOf(1), "text"), "");
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
     struct stat facts {};
     ASSERT_EQ(stat(harness.Cache(nameOf(1)).c_str(), &facts), 0);
@@ -80,32 +91,32 @@ TEST(TicketStore, ATextWithoutItsNameIsPairedOrRefusedNeverGuessed) {
     const Sender other{"Finals", "anna", "localhost"};
     int number = 0;
     for (const Sender& sender : {anna, bert, elsewhere, other}) {
-        EXPECT_EQ(TicketStore::Announce(sender, "", ticketPath(++number)), "");
-        EXPECT_EQ(TicketStore::Announce(sender, "", ticketPath(number)), "") << "restarted";
+        EXPECT_EQ(announce(sender, "", ticketPath(++number)), "");
+        EXPECT_EQ(announce(sender, "", ticketPath(number)), "") << "restarted";
     }
-    EXPECT_EQ(TicketStore::Store(other, command, "", "four"), "");
-    EXPECT_EQ(TicketStore::Store(elsewhere, command, "", "three"), "");
-    EXPECT_EQ(TicketStore::Store(anna, command, "", "one"), "");
-    EXPECT_NE(TicketStore::Store(anna, command, "", "nobody's"), "");
+    EXPECT_EQ(store(other, command, "", "four"), "");
+    EXPECT_EQ(store(elsewhere, command, "", "three"), "");
+    EXPECT_EQ(store(anna, command, "", "one"), "");
+    EXPECT_NE(store(anna, command, "", "nobody's"), "");
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
     EXPECT_EQ(contentOf(anna, ticketPath(3)), "three") << "another address of the same user";
     EXPECT_EQ(contentOf(anna, ticketPath(4)), "four") << "the job was moved to another queue";
     // With two names waiting, both jobs are refused. The next pair matches again.
-    EXPECT_EQ(TicketStore::Announce(bert, "", ticketPath(5)), "");
+    EXPECT_EQ(announce(bert, "", ticketPath(5)), "");
     for (int i = 0; i < 2; ++i) {
-        EXPECT_NE(TicketStore::Store(bert, command, "", "whose?").find("2 names wait"), std::string::npos);
+        EXPECT_NE(store(bert, command, "", "whose?").find("2 names wait"), std::string::npos);
     }
     EXPECT_TRUE(isRefused(contentOf(bert, ticketPath(2)), "missing"));
     EXPECT_TRUE(isRefused(contentOf(bert, ticketPath(5)), "missing"));
-    EXPECT_EQ(TicketStore::Announce(bert, "", ticketPath(6)), "");
-    EXPECT_EQ(TicketStore::Store(bert, command, "", "six"), "");
+    EXPECT_EQ(announce(bert, "", ticketPath(6)), "");
+    EXPECT_EQ(store(bert, command, "", "six"), "");
     EXPECT_EQ(contentOf(bert, ticketPath(6)), "six");
 }
 
 TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
     const FilterHarness harness;
     for (int i = 1; i <= 4; ++i) {
-        ASSERT_EQ(TicketStore::Store(anna, command, nameOf(i), "text"), "");
+        ASSERT_EQ(store(anna, command, nameOf(i), "text"), "");
     }
     EXPECT_TRUE(isRefused(contentOf(bert, ticketPath(1)), "somebody else"));
     EXPECT_EQ(contentOf(anna, ticketPath(1), job), "text");
@@ -130,16 +141,16 @@ TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
 
     // With two texts for one name, no new job prints with either; a job that has begun goes on. A restarted
     // command is no second text.
-    EXPECT_EQ(TicketStore::Store(anna, command, nameOf(3), "text"), "");
-    EXPECT_NE(TicketStore::Store(anna, otherJob, nameOf(3), "forged"), "");
+    EXPECT_EQ(store(anna, command, nameOf(3), "text"), "");
+    EXPECT_NE(store(anna, otherJob, nameOf(3), "forged"), "");
     EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(3)), "came twice"));
-    EXPECT_NE(TicketStore::Store(anna, otherJob, nameOf(1), "forged"), "");
+    EXPECT_NE(store(anna, otherJob, nameOf(1), "forged"), "");
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "text");
-    EXPECT_NE(TicketStore::Store(bert, otherJob, nameOf(4), "forged"), "") << "somebody else's command";
+    EXPECT_NE(store(bert, otherJob, nameOf(4), "forged"), "") << "somebody else's command";
     EXPECT_EQ(contentOf(anna, ticketPath(4)), "text");
 
     // A filter was killed, or the disk was full, while it wrote the job into the record.
-    ASSERT_EQ(TicketStore::Store(anna, command, nameOf(5), "text"), "");
+    ASSERT_EQ(store(anna, command, nameOf(5), "text"), "");
     std::ofstream(harness.Cache(nameOf(5) + ".owner"), std::ios::app) << "=used =12345";
     EXPECT_EQ(contentOf(anna, ticketPath(5)), "text");
     EXPECT_TRUE(isRefused(contentOf(anna, ticketPath(5), otherJob), "another job"));
@@ -150,7 +161,7 @@ TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
 
 TEST(TicketStore, OnlyItsOwnUserMayHaveATicketDeleted) {
     const FilterHarness harness;
-    ASSERT_EQ(TicketStore::Store(anna, command, nameOf(1), "text"), "");
+    ASSERT_EQ(store(anna, command, nameOf(1), "text"), "");
     FolderSource source("/");
     FilterJob deletion;
     deletion.queue = "Proofs";
@@ -174,17 +185,17 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
           "Torka.temp" + std::string(36, '-'), "torka.temp" + name.substr(10), name + std::string("\0x", 2),
           name.substr(0, 45) + "/", std::string(5000, 'A'),
           std::string("Torka.temp$(id)D2E7A41-9C3B-4F60-8E17-12345678")}) {
-        EXPECT_NE(TicketStore::Announce(anna, "", hostile), "") << hostile;
+        EXPECT_NE(announce(anna, "", hostile), "") << hostile;
         EXPECT_TRUE(contentOf(anna, hostile).starts_with("? ")) << hostile;
     }
-    EXPECT_NE(TicketStore::Store(anna, command, "", "text"), "") << "none of them was kept";
+    EXPECT_NE(store(anna, command, "", "text"), "") << "none of them was kept";
 
     // An existing file is never overwritten and a link never followed: with and without an owner record
     // beside it, and in place of the owner record.
     const std::filesystem::path secret = harness.root.Write("secret", "untouched");
     const auto expectUntouched = [&] {
-        TicketStore::Announce(anna, "", ticketPath(1));
-        EXPECT_NE(TicketStore::Store(anna, command, "", "text"), "");
+        announce(anna, "", ticketPath(1));
+        EXPECT_NE(store(anna, command, "", "text"), "");
         EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
         EXPECT_EQ(readFile(secret), "untouched");
         std::filesystem::remove(harness.Cache(name + ".owner"));
@@ -202,7 +213,7 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
     EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
     // A folder with write permission for others is not used.
     std::filesystem::permissions(harness.Cache(), std::filesystem::perms(0777));
-    EXPECT_NE(TicketStore::Announce(anna, "", ticketPath(2)), "");
+    EXPECT_NE(announce(anna, "", ticketPath(2)), "");
 }
 
 TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
@@ -224,7 +235,7 @@ TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
                                   {false, ".owner", hours(2), false}};
     for (std::size_t i = 0; i < cases.size(); ++i) {
         const int number = static_cast<int>(i);
-        ASSERT_EQ(TicketStore::Store(anna, command, nameOf(number), "text"), "");
+        ASSERT_EQ(store(anna, command, nameOf(number), "text"), "");
         if (cases[i].isUsed) {
             EXPECT_EQ(contentOf(anna, ticketPath(number)), "text");
         }
@@ -295,8 +306,8 @@ TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
             fill(harness, {"Proofs", user, i < 16 ? "localhost" : "pc8"}, static_cast<int>(i),
                  c.isOneUser ? c.number : 1, c.bytes);
         }
-        EXPECT_EQ(TicketStore::Store(anna, command, nameOf(90001), "text").empty(), c.hasRoom) << c.what;
-        EXPECT_EQ(TicketStore::Store(away, command, nameOf(90002), "text").empty(), c.hasRoomAway) << c.what;
+        EXPECT_EQ(store(anna, command, nameOf(90001), "text").empty(), c.hasRoom) << c.what;
+        EXPECT_EQ(store(away, command, nameOf(90002), "text").empty(), c.hasRoomAway) << c.what;
         EXPECT_EQ(PrivateFolder::Exists(nameOf(90001)), c.hasRoom);
         const auto entries = PrivateFolder::List();
         EXPECT_EQ(std::ranges::count_if(entries, [](const auto& entry) { return isTicketName(entry.name); }),

@@ -271,10 +271,10 @@ TEST_P(GoldenTicket, IsTheReviewedOneAndItsDocumentRuns) {
     pane.data->OutPostscriptData(again, pane.session, EmissionPurpose::keepSettings);
     EXPECT_EQ(shown(again), text);
 
-    const TicketResult read = readTicket(CFDataGetBytes(ticket.Save()));
-    ASSERT_FALSE(read.error) << read.error.text;
+    const Result<Ticket> read = readTicket(CFDataGetBytes(ticket.Save()));
+    ASSERT_TRUE(read) << read.Why().Line();
     const std::string document = pane.folder / "spliced.ps";
-    const SpliceOutcome outcome = spliceFile(TORKA_SOURCE_DIR "/samples/brochure.ps", read.ticket, document);
+    const SpliceOutcome outcome = spliceFile(TORKA_SOURCE_DIR "/samples/brochure.ps", *read, document);
     ASSERT_EQ(outcome.status, SpliceStatus::ok) << outcome.errorText;
     const CommandResult run =
         runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=nullpage", document});

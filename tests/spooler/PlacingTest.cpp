@@ -177,10 +177,10 @@ TEST(Placing, TheDocumentedExampleIsTrue) {
     const std::string script = nextBlock();
     const std::string document = nextBlock();
     const std::string ticketFile = runPython(script);
-    const TicketResult read =
+    const Result<Ticket> read =
         readTicket({reinterpret_cast<const std::uint8_t*>(ticketFile.data()), ticketFile.size()});
-    ASSERT_FALSE(read.error) << read.error.text;
-    EXPECT_EQ(splice(document, read.ticket).text, nextBlock());
+    ASSERT_TRUE(read) << read.Why().Line();
+    EXPECT_EQ(splice(document, *read).text, nextBlock());
 }
 
 TEST(Placing, EntriesNeverLeaveTheHeaderOrBecomeCode) {
