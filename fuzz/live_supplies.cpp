@@ -71,21 +71,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         {{"Tray1", "Tray 1"}}, {{"Plain", "Plain"}}, {{{"A4", "A4"}, 595, 842}}};
     for (const filter::ControllerRecord& record : filter::liveRecords(facts, {}, choices)) {
         const std::wstring text = wideFromPayload(record.payload);
-        RecordFault fault;
-        std::vector<TonerView> toners;
-        std::vector<TrayView> trays;
-        std::vector<KeyValueView> pairs;
         if (record.name == "TonerInfo") {
-            check(readToners(text, toners, fault) &&
-                  toners.size() ==
-                      std::min<std::size_t>(std::max(facts.markerNames.size(), facts.markerNames.empty()
-                                                                                   ? facts.supplies.size()
-                                                                                   : std::size_t{0}),
-                                            1000));
+            const auto toners = readToners(text);
+            check(toners && toners->size() == std::min<std::size_t>(std::max(facts.markerNames.size(),
+                                                                             facts.markerNames.empty()
+                                                                                 ? facts.supplies.size()
+                                                                                 : std::size_t{0}),
+                                                                    1000));
         } else if (record.name == "TrayInfo") {
-            check(readTrays(text, trays, fault) && !trays.empty());
+            const auto trays = readTrays(text);
+            check(trays && !trays->empty());
         } else {
-            check(readServerInfo(text, pairs, fault) && pairs.size() == 1);
+            const auto pairs = readServerInfo(text);
+            check(pairs && pairs->size() == 1);
         }
     }
     return 0;

@@ -48,15 +48,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string special = std::to_string(data[0] / 2 % 13);
     const std::string input(reinterpret_cast<const char*>(data + 1), size - 1);
 
-    std::string error;
-    if (!decipherNote(*keys, special, algorithm, input, error)) {
-        require(!error.empty());
+    if (const auto text = decipherNote(*keys, special, algorithm, input); !text) {
+        require(!text.Why().text.empty());
     }
     const std::string text = input.c_str();
     const std::string hex = encipherNote(*keys, special, algorithm, text.c_str());
     require(hex.size() == std::min(noteCipherLength(text.size(), algorithm) * 2, noteHexSize));
-    const auto back = decipherNote(*keys, special, algorithm, hex, error);
-    require(back.has_value());
+    const auto back = decipherNote(*keys, special, algorithm, hex);
+    require(static_cast<bool>(back));
     // The end of a cut text may look like padding by chance.
     const bool isWhole = noteCipherLength(text.size(), algorithm) * 2 <= noteHexSize;
     require(isWhole ? *back == text : text.starts_with(*back));

@@ -66,7 +66,6 @@ std::unique_ptr<PropertyListStore> storeOf(const AddressOptions& options) {
 // An address list together with the place that Save writes it to.
 class OpenList {
 public:
-    explicit operator bool() const { return queue || list; }
     ZANCorvianPrinterPList& operator*() const { return queue ? queue->List() : *list; }
     ZANCorvianPrinterPList* operator->() const { return &**this; }
 
@@ -74,27 +73,26 @@ public:
     std::unique_ptr<ZANCorvianPrinterPList> list;
 };
 
-// Opens the list. Null, with one line on standard error, when the file holds no list, or when it is absent
-// and `mayBeAbsent` is false.
-OpenList openList(const AddressOptions& options, bool mayBeAbsent) {
+// Opens the list. Fails when the file holds no list, or when it is absent and `mayBeAbsent` is false.
+Result<OpenList> openList(const AddressOptions& options, bool mayBeAbsent) {
     if (!options.queue.empty()) {
-        return {QueueAddresses::Open(options.queue), nullptr};
+        auto queue = QueueAddresses::Open(options.queue);
+        return queue ? OpenList{*std::move(queue), nullptr} : Result<OpenList>(queue.Why());
     }
     const std::string& path = options.ppd.empty() ? options.file : options.ppd;
     std::string content;
     const std::error_code failure = system().ReadFile(path, mostInputBytes, content);
     const bool isAbsent = failure == std::errc::no_such_file_or_directory;
     if (failure && !(isAbsent && mayBeAbsent)) {
-        unusable(path + ": " + failure.message());
-        return {};
+        return Fault{failure.message(), path};
     }
     auto list = std::make_unique<ZANCorvianPrinterPList>(storeOf(options));
     if (!list->Loaded() && !isAbsent) {
-        unusable(path + (options.ppd.empty() ? ": not a property list that is an array"
-                                             : ": no record QVDriverPreference that is an address list"));
-        return {};
+        return Fault{options.ppd.empty() ? "not a property list that is an array"
+                                         : "no record QVDriverPreference that is an address list",
+                     path};
     }
-    return {nullptr, std::move(list)};
+    return OpenList{nullptr, std::move(list)};
 }
 
 ExitStatus saveList(const OpenList& list, const std::string& path) {
@@ -111,10 +109,11 @@ ExitStatus saveList(const OpenList& list, const std::string& path) {
 }
 
 ExitStatus listAddresses(const AddressOptions& options) {
-    const auto list = openList(options, false);
-    if (!list) {
-        return ExitStatus::unusable;
+    const Result<OpenList> opened = openList(options, false);
+    if (!opened) {
+        return unusable(opened.Why());
     }
+    const OpenList& list = *opened;
     Json printers = Json::array();
     for (const PrinterAddressEntry& entry : list->Entries()) {
         if (options.json) {
@@ -132,10 +131,11 @@ ExitStatus listAddresses(const AddressOptions& options) {
 }
 
 ExitStatus setAddress(const AddressOptions& options) {
-    const auto list = openList(options, true);
-    if (!list) {
-        return ExitStatus::unusable;
+    const Result<OpenList> opened = openList(options, true);
+    if (!opened) {
+        return unusable(opened.Why());
     }
+    const OpenList& list = *opened;
     const CFStringRef name = cfString(options.name);
     const bool twoWay = options.twoWay || (!options.noTwoWay && list->getIPEnabled(name));
     list->Add(name, cfString(options.address), twoWay);
@@ -143,10 +143,11 @@ ExitStatus setAddress(const AddressOptions& options) {
 }
 
 ExitStatus removeAddress(const AddressOptions& options) {
-    const auto list = openList(options, false);
-    if (!list) {
-        return ExitStatus::unusable;
+    const Result<OpenList> opened = openList(options, false);
+    if (!opened) {
+        return unusable(opened.Why());
     }
+    const OpenList& list = *opened;
     if (!list->RemoveEntry(cfString(options.name))) {
         warn(options.file + options.queue + ": no entry of \"" + options.name + "\"");
         return ExitStatus::findings;

@@ -84,13 +84,17 @@ void printAnswer(const Json& answer) {
 }
 
 ExitStatus check(const CheckOptions& options) {
-    const auto description = readUsableDescription(options.path);
-    std::vector<Setting> settings;
-    if (!description || !parseSettings(*description, options.settings, settings)) {
-        return ExitStatus::unusable;
+    const auto read = readUsableDescription(options.path);
+    if (!read) {
+        return unusable(read.Why());
+    }
+    const std::unique_ptr<ZANPPD>& description = *read;
+    const auto settings = parseSettings(*description, options.settings);
+    if (!settings) {
+        return unusable(settings.Why());
     }
     ConstraintsEngine& engine = *description->GetUIConstraints()->GetEngine();
-    const KVCache changes = changeSet(*description, settings);
+    const KVCache changes = changeSet(*description, *settings);
     const ConstraintsEngine::Answer answer = engine.Test(changes);
     Json json;
     json["conflicts"] = pairsJson(*description, answer.conflicts);
@@ -101,7 +105,7 @@ ExitStatus check(const CheckOptions& options) {
         solution["solved"] = engine.Solve(solved, true).conflicts.size() == 0;
         solution["changes"] = pairsJson(*description, solved);
     }
-    applySettings(*description, settings);
+    applySettings(*description, *settings);
     json["constrained"] = constrainedJson(*description);
     if (options.solve) {
         json.update(solution);

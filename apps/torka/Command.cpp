@@ -15,6 +15,8 @@ ExitStatus unusable(std::string_view what) {
     return ExitStatus::unusable;
 }
 
+ExitStatus unusable(const Fault& why) { return unusable(why.Line()); }
+
 void warn(std::string_view what) {
     const std::string line = "torka: " + printable(what) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);

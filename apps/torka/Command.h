@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Result.h"
+
 #include <CLI/App.hpp>
 
 #include <string>
@@ -17,6 +19,7 @@ enum class ExitStatus {
 
 // Writes one line to standard error, "torka: WHAT". Returns `unusable`.
 ExitStatus unusable(std::string_view what);
+ExitStatus unusable(const Fault& why);
 // Writes one line in the same form, for a command that continues.
 void warn(std::string_view what);
 // Writes text to standard output. outputFailed reports a failure (a full disk, a closed pipe).

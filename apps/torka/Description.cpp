@@ -13,21 +13,18 @@ bool offers(PPDXPopupControl& popup, const std::string& option) {
     return popup.GetKeywordCFLocalName(option.c_str()) != nullptr;
 }
 
-bool takesValue(PPDXControl& control, const Setting& setting, std::string& error) {
+Result<void> checkValue(PPDXControl& control, const Setting& setting) {
     if (control.Type() == CNTL_TYPE::specialOption) {
-        error = setting.key + " is given by the description and cannot be set";
-        return false;
+        return Fault{setting.key + " is given by the description and cannot be set"};
     }
     if (control.Type() == CNTL_TYPE::boolean && setting.value != "True" && setting.value != "False") {
-        error = setting.key + " takes True or False, not " + setting.value;
-        return false;
+        return Fault{setting.key + " takes True or False, not " + setting.value};
     }
     if (auto* popup = dynamic_cast<PPDXPopupControl*>(&control);
         popup != nullptr && !isOpenColourPopup(setting.key) && !offers(*popup, setting.value)) {
-        error = setting.key + " offers no " + setting.value + " (torka show lists its choices)";
-        return false;
+        return Fault{setting.key + " offers no " + setting.value + " (torka show lists its choices)"};
     }
-    return true;
+    return {};
 }
 
 } // namespace
@@ -40,60 +37,57 @@ std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint) 
     return description;
 }
 
-std::string fatalError(const ZANPPD& description, const std::string& path) {
+Result<void> checkUsable(const ZANPPD& description, const std::string& path) {
     PPDXErrors* errors = description.Errors();
     for (const PPDXErrorObj* error = errors->First(); error != nullptr; error = errors->Next()) {
         if (*error == PPDErr_FileError) {
-            return path + ": cannot be read as a file (" + ppdErrName(PPDErr_FileError) + ")";
+            return Fault{std::string("cannot be read as a file (") + ppdErrName(PPDErr_FileError) + ")",
+                         path};
         }
         if (*error == PPDErr_NotPPDFile) {
-            return path + ": is not a PPD file of format 4.3 (" + ppdErrName(PPDErr_NotPPDFile) + ")";
+            return Fault{
+                std::string("is not a PPD file of format 4.3 (") + ppdErrName(PPDErr_NotPPDFile) + ")", path};
         }
         if (error->IsFatal()) {
-            return path + ": there is not memory enough to read it";
+            return Fault{"there is not memory enough to read it", path};
         }
     }
     return {};
 }
 
-std::unique_ptr<ZANPPD> readUsableDescription(const std::string& path) {
+Result<std::unique_ptr<ZANPPD>> readUsableDescription(const std::string& path) {
     auto description = readDescription(path);
-    const std::string error = fatalError(*description, path);
-    if (error.empty()) {
-        return description;
+    if (const Result<void> checked = checkUsable(*description, path); !checked) {
+        return checked.Why();
     }
-    warn(error);
-    return nullptr;
+    return description;
 }
 
-bool parseSetting(const ZANPPD& description, const std::string& text, Setting& setting, std::string& error) {
+Result<Setting> parseSetting(const ZANPPD& description, const std::string& text) {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos || equals == 0) {
-        error = "'" + text + "' is no setting: KEY=VALUE is meant";
-        return false;
+        return Fault{"'" + text + "' is no setting: KEY=VALUE is meant"};
     }
-    setting.key = (text.starts_with('*') ? "" : "*") + text.substr(0, equals);
-    setting.value = text.substr(equals + 1);
+    const Setting setting{(text.starts_with('*') ? "" : "*") + text.substr(0, equals),
+                          text.substr(equals + 1)};
     PPDXControl* control = description.GetPPDXControlForKey(cfString(setting.key));
     if (control == nullptr) {
-        error = "the description has no option " + setting.key;
-        return false;
+        return Fault{"the description has no option " + setting.key};
     }
-    return takesValue(*control, setting, error);
+    const Result<void> checked = checkValue(*control, setting);
+    return checked ? Result<Setting>(setting) : checked.Why();
 }
 
-bool parseSettings(const ZANPPD& description, const std::vector<std::string>& texts,
-                   std::vector<Setting>& settings) {
+Result<std::vector<Setting>> parseSettings(const ZANPPD& description, const std::vector<std::string>& texts) {
+    std::vector<Setting> settings;
     for (const std::string& text : texts) {
-        Setting setting;
-        std::string error;
-        if (!parseSetting(description, text, setting, error)) {
-            warn(error);
-            return false;
+        Result<Setting> setting = parseSetting(description, text);
+        if (!setting) {
+            return setting.Why();
         }
-        settings.push_back(setting);
+        settings.push_back(*std::move(setting));
     }
-    return true;
+    return settings;
 }
 
 void applySettings(ZANPPD& description, const std::vector<Setting>& settings) {

@@ -56,7 +56,7 @@ bool showProgress(std::uint64_t bytesRead) {
 ExitStatus spliceInto(const EmitOptions& options, const CFDataRef& xml) {
     const Result<Ticket> ticket = readTicket(CFDataGetBytes(xml));
     if (!ticket) {
-        return unusable(ticket.Why().Line());
+        return unusable(ticket.Why());
     }
     const SpliceOutcome outcome = spliceFile(options.document, *ticket, options.output, showProgress);
     if (outcome.status != SpliceStatus::ok) {
@@ -105,15 +105,16 @@ ExitStatus emit(const EmitOptions& options) {
     adapters.system.rootFromEnvironment = true;
     platform::chooseAdapters(std::move(adapters));
 
-    const auto job = JobEmission::Make(options.emission);
-    if (!job) {
-        return ExitStatus::unusable;
+    const auto made = JobEmission::Make(options.emission);
+    if (!made) {
+        return unusable(made.Why());
     }
+    const std::unique_ptr<JobEmission>& job = *made;
     if (!job->CheckNotes()) {
         return ExitStatus::findings;
     }
-    if (!job->Emit(EmissionPurpose::keepSettings)) {
-        return ExitStatus::unusable;
+    if (const Result<void> emitted = job->Emit(EmissionPurpose::keepSettings); !emitted) {
+        return unusable(emitted.Why());
     }
     if (!options.ticket.empty()) {
         if (const ExitStatus status = writeTicket(options.ticket, job->Xml()); status != ExitStatus::good) {

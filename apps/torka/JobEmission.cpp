@@ -33,20 +33,17 @@ CFStringRef printerName(const PMPrintSession& session) {
     return PMPrinterGetName(printer);
 }
 
-// Null, with one line on standard error, when the file cannot be read or holds no dictionary.
-CFDictionaryRef readPrintSettings(const std::string& path) {
+Result<CFDictionaryRef> readPrintSettings(const std::string& path) {
     std::string content;
     if (const std::error_code error = platform::system().ReadFile(path, printSettingsLimit, content)) {
-        warn(path + ": cannot be read: " + error.message());
-        return nullptr;
+        return Fault{"cannot be read: " + error.message(), path};
     }
     std::string reason = "it holds no dictionary of print settings";
     const CFPropertyListRef list =
         CFPropertyListCreateFromXMLData(CFDataCreate(content.data(), content.size()), &reason);
-    CFDictionaryRef values = cfCast<CFDictionary>(list);
+    const CFDictionaryRef values = cfCast<CFDictionary>(list);
     if (!values) {
-        warn(path + ": cannot be used: " +
-             (list ? std::string("it holds no dictionary of print settings") : reason));
+        return Fault{"cannot be used: " + (list ? "it holds no dictionary of print settings" : reason), path};
     }
     return values;
 }
@@ -76,36 +73,41 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
                      "Status 1, and nothing is written or sent, when a note breaks a rule of its own");
 }
 
-bool useFieldKeys(const std::string& path) {
+Result<void> useFieldKeys(const std::string& path) {
     std::string error;
     if (path.empty()) {
         if (!useInstalledFieldKeys(error)) {
             warn(error);
         }
-        return true;
+        return {};
     }
     const auto keys = FieldKeys::Load(path, error);
     if (!keys) {
-        warn(error);
-        return false;
+        return Fault{error};
     }
     installFieldKeys(keys);
-    return true;
+    return {};
 }
 
-std::unique_ptr<JobEmission> JobEmission::Make(const EmissionOptions& options, PMPrintSession session) {
+Result<std::unique_ptr<JobEmission>> JobEmission::Make(const EmissionOptions& options,
+                                                       PMPrintSession session) {
     auto description = readUsableDescription(options.description);
-    std::vector<Setting> chosen;
-    if (!description || !parseSettings(*description, options.settings, chosen) ||
-        !useFieldKeys(options.keys)) {
-        return nullptr;
+    if (!description) {
+        return description.Why();
+    }
+    const auto chosen = parseSettings(**description, options.settings);
+    if (!chosen) {
+        return chosen.Why();
+    }
+    if (const Result<void> keys = useFieldKeys(options.keys); !keys) {
+        return keys.Why();
     }
     std::unique_ptr<JobEmission> job(new JobEmission(
-        std::move(description), options, session ? std::move(session) : sessionOf(options.description)));
-    if (!job->RestorePrintSettings()) {
-        return nullptr;
+        *std::move(description), options, session ? std::move(session) : sessionOf(options.description)));
+    if (const Result<void> restored = job->RestorePrintSettings(); !restored) {
+        return restored.Why();
     }
-    applySettings(*job->description, chosen);
+    applySettings(*job->description, *chosen);
     job->ApplyOptions();
     return job;
 }
@@ -128,19 +130,19 @@ JobEmission::JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& e
 
 JobEmission::~JobEmission() = default;
 
-bool JobEmission::RestorePrintSettings() {
+Result<void> JobEmission::RestorePrintSettings() {
     if (!options.printSettings.empty()) {
-        const CFDictionaryRef values = readPrintSettings(options.printSettings);
+        const Result<CFDictionaryRef> values = readPrintSettings(options.printSettings);
         if (!values) {
-            return false;
+            return values.Why();
         }
-        for (const auto& [key, value] : values->Pairs()) {
+        for (const auto& [key, value] : (*values)->Pairs()) {
             settings->SetValue(key, value, false);
         }
-        description->SetAllValues(values);
+        description->SetAllValues(*values);
     }
     data->RestoreNonPSSettings();
-    return true;
+    return {};
 }
 
 void JobEmission::ApplyOptions() {
@@ -169,7 +171,7 @@ bool JobEmission::CheckNotes() const {
     return areGood || !options.isStrict;
 }
 
-bool JobEmission::Emit(EmissionPurpose purpose) {
+Result<void> JobEmission::Emit(EmissionPurpose purpose) {
     data->SaveNonPSSettings();
     data->OutPostscriptData(ticket, session, purpose);
     for (const ZANJobNoteList::LeftOutNote& note : data->LeftOutNotes()) {
@@ -182,14 +184,13 @@ bool JobEmission::Emit(EmissionPurpose purpose) {
     ticket.SavePPDForAllKeys(description.get(), cfString(bundleIdentifier));
     xml = ticket.Save();
     if (ticket.SaveError()) {
-        warn("the ticket cannot be written: " + ticket.SaveError().message());
-        return false;
+        return Fault{"the ticket cannot be written: " + ticket.SaveError().message()};
     }
-    return options.savePrintSettings.empty() || WritePrintSettings();
+    return options.savePrintSettings.empty() ? Result<void>() : WritePrintSettings();
 }
 
 // Leaves out secret notes, which never go into a file, and the path of the ticket, which holds for one job.
-bool JobEmission::WritePrintSettings() const {
+Result<void> JobEmission::WritePrintSettings() const {
     std::vector<CFDictionary::Pair> kept;
     const CFDictionaryRef all = settings->CopyAsDictionary();
     for (const auto& [key, value] : all->Pairs()) {
@@ -203,10 +204,7 @@ bool JobEmission::WritePrintSettings() const {
     const std::error_code error = platform::system().WriteFile(
         options.savePrintSettings, {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
         printSettingsMode);
-    if (error) {
-        warn(options.savePrintSettings + ": cannot be written: " + error.message());
-    }
-    return !error;
+    return error ? Fault{"cannot be written: " + error.message(), options.savePrintSettings} : Result<void>();
 }
 
 } // namespace torka::tool

@@ -34,26 +34,25 @@ struct EmissionOptions {
 // command sets the path of the description itself.
 void addEmissionOptions(CLI::App& command, EmissionOptions& options);
 // Installs the field keys of the named file, or the installed file when `path` is "", for the whole process.
-// False, with one line on standard error, when the named file is unusable. A missing installed file is no
-// error here: Emit reports the notes that need it.
-bool useFieldKeys(const std::string& path);
+// Fails when the named file is unusable. A missing installed file is no error here: Emit reports the notes
+// that need it.
+Result<void> useFieldKeys(const std::string& path);
 
 // Carries the settings of one job through a pane's data into the job's ticket. Owns the description, the data
 // and the ticket. Reads the address list from the description; additions to the list stay in memory.
 class JobEmission {
 public:
-    // Null, with one line on standard error, when the description, the print settings or a setting is
-    // unusable. Commands go to the session's printer. Without a session nobody receives them.
-    static std::unique_ptr<JobEmission> Make(const EmissionOptions& options,
-                                             PMPrintSession session = nullptr);
+    // Fails when the description, the print settings, the keys or a setting is unusable. Commands go to the
+    // session's printer. Without a session nobody receives them.
+    static Result<std::unique_ptr<JobEmission>> Make(const EmissionOptions& options,
+                                                     PMPrintSession session = nullptr);
     JobEmission(const JobEmission&) = delete;
     JobEmission& operator=(const JobEmission&) = delete;
     ~JobEmission();
 
-    // Fills and saves the ticket; writes the print settings when the options name a file. False, with one
-    // line on standard error, when a file cannot be written. Reports every protected note that it leaves out
-    // on standard error.
-    bool Emit(EmissionPurpose purpose);
+    // Fills and saves the ticket; writes the print settings when the options name a file. Fails when a file
+    // cannot be written. Reports every protected note that it leaves out on standard error.
+    Result<void> Emit(EmissionPurpose purpose);
 
     // Reports every rule that a note's text breaks, one line each on standard error. False when a rule is
     // broken and the options are strict: the caller must not emit the job.
@@ -68,9 +67,9 @@ public:
 
 private:
     JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& options, PMPrintSession printSession);
-    bool RestorePrintSettings();
+    Result<void> RestorePrintSettings();
     void ApplyOptions();
-    bool WritePrintSettings() const;
+    Result<void> WritePrintSettings() const;
 
     EmissionOptions options;
     std::unique_ptr<ZANPPD> description;

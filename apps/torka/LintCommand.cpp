@@ -96,7 +96,7 @@ ExitStatus runLint(const LintOptions& options) {
         printFindings(*description, lint, options.path);
     }
     if (isUnreadable(*description)) {
-        return unusable(fatalError(*description, options.path));
+        return unusable(checkUsable(*description, options.path).Why());
     }
     return description->Errors()->Empty() && lint.Notes().empty() ? ExitStatus::good : ExitStatus::findings;
 }

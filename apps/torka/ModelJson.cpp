@@ -26,7 +26,7 @@ Json number(float value) {
 
 Json number(long value) { return Json(value); }
 
-// What a kind of control has that others have not. Json(nullptr) stands for a popup without a default.
+// addKind adds the properties that only one kind of control has.
 void addKind(Json&, const PPDXControl&) {}
 
 void addKind(Json& json, const PPDXPopupControl& popup) {

@@ -48,40 +48,41 @@ public:
     std::string WindowTitle() const override { return "Printing Preferences"; }
     WaitObserver Observer() override { return showingWait("the module (Ctrl+C ends it)"); }
 
-    // False, with one line on standard error, when a named file cannot be read.
-    bool Read(const ModuleOptions& options) {
-        auto content = std::make_shared<std::string>();
-        if (!ReadFile(options.data, maximumDataFile, *content) ||
-            !ReadFile(options.templatePath, templateLimit, templateText)) {
-            return false;
+    // Fails when a named file cannot be read.
+    Result<void> Read(const ModuleOptions& options) {
+        Result<std::string> content = ReadFile(options.data, maximumDataFile);
+        if (!content) {
+            return content.Why();
         }
-        data = content;
-        return true;
+        Result<std::string> text = ReadFile(options.templatePath, templateLimit);
+        if (!text) {
+            return text.Why();
+        }
+        data = std::make_shared<std::string>(*std::move(content));
+        templateText = *std::move(text);
+        return {};
     }
 
 private:
-    static bool ReadFile(const std::string& path, std::size_t limit, std::string& content) {
+    // Returns "" for an empty path.
+    static Result<std::string> ReadFile(const std::string& path, std::size_t limit) {
+        std::string content;
         const std::error_code error =
             path.empty() ? std::error_code() : platform::system().ReadFile(path, limit, content);
-        if (error) {
-            warn(path + ": cannot be read: " + error.message());
-        }
-        return !error;
+        return error ? Fault{"cannot be read: " + error.message(), path} : Result<std::string>(content);
     }
 
     std::shared_ptr<const std::string> data;
     std::string templateText;
 };
 
-// False, with one line on standard error, when the module is missing or does not load.
-bool loadModule(const std::string& path) {
+Result<void> loadModule(const std::string& path) {
     const ModuleAvailability module = loadJobPropertiesLibrary(std::filesystem::absolute(path));
     if (module.status == ModuleStatus::notInstalled) {
-        warn(path + ": there is no such module");
-    } else if (module.status == ModuleStatus::doesNotLoad) {
-        warn("the module does not load: " + module.reason);
+        return Fault{"there is no such module", path};
     }
-    return module.status == ModuleStatus::loaded;
+    return module.status == ModuleStatus::loaded ? Result<void>()
+                                                 : Fault{"the module does not load: " + module.reason};
 }
 
 // Runs the module on the panel's record. Afterwards the record holds the module's answer, and `handed` holds
@@ -164,10 +165,17 @@ void printOutcome(const std::string& outcome, const Pairs& settings,
 ExitStatus runModule(ModuleOptions options) {
     options.job.twoWay = options.data.empty() ? TwoWay::off : TwoWay::on;
     CommandHost host;
-    const std::unique_ptr<JobEmission> job = JobEmission::Make(options.job);
-    if (!job || !host.Read(options) || !loadModule(options.module)) {
-        return ExitStatus::unusable;
+    const auto made = JobEmission::Make(options.job);
+    if (!made) {
+        return unusable(made.Why());
     }
+    if (const Result<void> read = host.Read(options); !read) {
+        return unusable(read.Why());
+    }
+    if (const Result<void> loaded = loadModule(options.module); !loaded) {
+        return unusable(loaded.Why());
+    }
+    const std::unique_ptr<JobEmission>& job = *made;
     if (!options.script.empty()) {
         setenv("TORKA_JP_SCRIPT", options.script.c_str(), 1);
     }

@@ -20,25 +20,27 @@ struct DecryptOptions {
 // Tries both algorithms when the options name neither: text enciphered with one does not decipher to valid
 // text with the other.
 ExitStatus decrypt(const DecryptOptions& options) {
-    if (!useFieldKeys(options.keys)) {
-        return ExitStatus::unusable;
+    if (const Result<void> used = useFieldKeys(options.keys); !used) {
+        return unusable(used.Why());
     }
     const auto keys = installedFieldKeys();
     if (!keys) {
         return unusable("no field keys are installed: name a file with --keys FILE");
     }
-    std::string error;
+    Fault last;
     for (const NoteAlgorithm algorithm : {NoteAlgorithm::aes, NoteAlgorithm::des}) {
         const bool isAsked = algorithm == NoteAlgorithm::aes ? !options.des : !options.aes;
         if (!isAsked) {
             continue;
         }
-        if (const auto text = decipherNote(*keys, options.specialKey, algorithm, options.hex, error)) {
+        const Result<std::string> text = decipherNote(*keys, options.specialKey, algorithm, options.hex);
+        if (text) {
             print(*text + "\n");
             return ExitStatus::good;
         }
+        last = text.Why();
     }
-    return unusable(error);
+    return unusable(last);
 }
 
 } // namespace

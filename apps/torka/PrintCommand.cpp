@@ -30,20 +30,20 @@ struct PrintOptions {
     bool isDetached = false;
 };
 
-bool readJobOptions(const std::vector<std::string>& texts, JobOptions& options) {
+Result<JobOptions> readJobOptions(const std::vector<std::string>& texts) {
+    JobOptions options;
     for (const std::string& text : texts) {
         const std::size_t equals = std::min(text.find('='), text.size());
         const std::string name = text.substr(0, equals);
         if (equals == text.size() || std::ranges::find(standardOptions, name) == std::end(standardOptions)) {
-            warn("'" + text +
-                 "' is no option of the print server that can be given: copies, sides, media, "
-                 "number-up, print-quality, page-ranges, collate, fit-to-page; everything else is a "
-                 "setting, KEY=VALUE");
-            return false;
+            return Fault{"'" + text +
+                         "' is no option of the print server that can be given: copies, sides, media, "
+                         "number-up, print-quality, page-ranges, collate, fit-to-page; everything else is a "
+                         "setting, KEY=VALUE"};
         }
         options.emplace_back(name, text.substr(equals + 1));
     }
-    return true;
+    return options;
 }
 
 // Adds the page size that the job's PostScript names, because the server's own filters lay out pages by it.
@@ -63,10 +63,11 @@ void addPageSize(const ZANPPD& description, JobOptions& options) {
 }
 
 ExitStatus printFile(const PrintOptions& options) {
-    JobOptions jobOptions;
-    if (!readJobOptions(options.jobOptions, jobOptions)) {
-        return ExitStatus::unusable;
+    Result<JobOptions> given = readJobOptions(options.jobOptions);
+    if (!given) {
+        return unusable(given.Why());
     }
+    JobOptions& jobOptions = *given;
     if (access(options.file.c_str(), R_OK) != 0 || std::filesystem::is_directory(options.file)) {
         return unusable(options.file + ": cannot be read");
     }
@@ -83,15 +84,16 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     EmissionOptions emission = options.emission;
     emission.description = CFURLCopyFileSystemPath(url);
-    const auto settings = JobEmission::Make(emission, session);
-    if (!settings) {
-        return ExitStatus::unusable;
+    const auto made = JobEmission::Make(emission, session);
+    if (!made) {
+        return unusable(made.Why());
     }
+    const std::unique_ptr<JobEmission>& settings = *made;
     if (!settings->CheckNotes()) {
         return ExitStatus::findings;
     }
-    if (!settings->Emit(EmissionPurpose::printJob)) {
-        return ExitStatus::unusable;
+    if (const Result<void> emitted = settings->Emit(EmissionPurpose::printJob); !emitted) {
+        return unusable(emitted.Why());
     }
     const CFStringRef ticket = settings->Ticket().FileName();
     if (sendTicketAhead(printer, ticket, settings->Xml()) != noErr) {

@@ -18,12 +18,11 @@ public:
 
 } // namespace
 
-std::unique_ptr<QueueAddresses> QueueAddresses::Open(const std::string& queueName) {
+Result<std::unique_ptr<QueueAddresses>> QueueAddresses::Open(const std::string& queueName) {
     const auto session = std::make_shared<CupsSession>(queueName);
     PMPrinter printer;
     if (PMSessionGetCurrentPrinter(session, printer) != noErr) {
-        unusable("the print server has no queue " + printable(queueName));
-        return nullptr;
+        return Fault{"the print server has no queue " + printable(queueName)};
     }
     platform::setSpooler(std::make_unique<CupsSpooler>());
     setStandardStreams(std::make_shared<NoStreams>());

@@ -14,8 +14,8 @@ namespace torka::tool {
 // the wait.
 class QueueAddresses {
 public:
-    // Null, with the reason on standard error, when the server has no such queue.
-    static std::unique_ptr<QueueAddresses> Open(const std::string& queueName);
+    // Fails when the server has no such queue.
+    static Result<std::unique_ptr<QueueAddresses>> Open(const std::string& queueName);
     QueueAddresses(const QueueAddresses&) = delete;
     QueueAddresses& operator=(const QueueAddresses&) = delete;
     ~QueueAddresses();

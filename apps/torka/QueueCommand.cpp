@@ -28,8 +28,8 @@ ExitStatus addNamedQueue(const QueueOptions& options) {
     if (const std::string problem = queueNameProblem(options.name); !problem.empty()) {
         return unusable(printable(options.name) + ": " + problem);
     }
-    if (!readUsableDescription(options.path)) {
-        return ExitStatus::unusable;
+    if (const auto description = readUsableDescription(options.path); !description) {
+        return unusable(description.Why());
     }
     std::string text;
     if (const std::error_code error = platform::system().ReadFile(options.path, mostDescription, text)) {

@@ -47,13 +47,12 @@ std::string addressLine(const std::string& address) {
 
 } // namespace
 
-std::optional<std::string> queueServerData(const std::string& queueName, const std::string& address) {
+Result<std::string> queueServerData(const std::string& queueName, const std::string& address) {
     const auto session = std::make_shared<CupsSession>(queueName);
     PMPrinter printer;
     BidiFilePaths paths;
     if (PMSessionGetCurrentPrinter(session, printer) != noErr || !fillBidiFilePaths("", paths, queueName)) {
-        unusable("the print server has no queue " + printable(queueName));
-        return std::nullopt;
+        return Fault{"the print server has no queue " + printable(queueName)};
     }
     const Waiting waiting;
     BidiFailure failure;
@@ -66,9 +65,9 @@ std::optional<std::string> queueServerData(const std::string& queueName, const s
         printer, request.title, request.text, requests.randomStringForBIDIFile(), paths, file, observer);
     if (outcome != ServerDataOutcome::read) {
         const bool isBadAddress = outcome == ServerDataOutcome::connectionError && isInvalidPrinterAddress();
-        unusable(printable(queueName) + ": no server data: " + outcomeText(outcome) +
-                 (isBadAddress && !address.empty() ? " at " + printable(address) : ""));
-        return std::nullopt;
+        return Fault{"no server data: " + outcomeText(outcome) +
+                         (isBadAddress && !address.empty() ? " at " + printable(address) : ""),
+                     printable(queueName)};
     }
     return *file.getBidiDataCopy();
 }

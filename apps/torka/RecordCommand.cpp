@@ -27,22 +27,20 @@ struct RecordOptions {
 // A two-way data file, or a PPD with records.
 class RecordFile {
 public:
-    // False, with one line on standard error, when the file cannot be read.
-    bool Read(const std::string& filePath) {
+    // Fails when the file cannot be read.
+    Result<void> Read(const std::string& filePath) {
         path = filePath;
         if (const std::error_code error = platform::system().ReadFile(path, maximumDataFile, text)) {
-            warn(path + ": cannot be read: " + error.message());
-            return false;
+            return Fault{"cannot be read: " + error.message(), path};
         }
         isPPD = std::string_view(text).starts_with("*PPD-Adobe");
         if (isPPD) {
             ppd.emplace(path);
             if (!ppd->IsOpen()) {
-                warn(path + ": the printing system cannot open this PPD");
-                return false;
+                return Fault{"the printing system cannot open this PPD", path};
             }
         }
-        return true;
+        return {};
     }
     // Calls listed(name, size of the payload) for each record.
     template <typename Listed>
@@ -111,8 +109,8 @@ private:
 
 ExitStatus listRecords(const RecordOptions& options) {
     RecordFile file;
-    if (!file.Read(options.path)) {
-        return ExitStatus::unusable;
+    if (const Result<void> read = file.Read(options.path); !read) {
+        return unusable(read.Why());
     }
     file.List([](const std::string& name, std::size_t size) {
         print(printable(name) + "\t" + std::to_string(size) + " bytes\n");
@@ -122,8 +120,8 @@ ExitStatus listRecords(const RecordOptions& options) {
 
 ExitStatus getRecord(const RecordOptions& options) {
     RecordFile file;
-    if (!file.Read(options.path)) {
-        return ExitStatus::unusable;
+    if (const Result<void> read = file.Read(options.path); !read) {
+        return unusable(read.Why());
     }
     std::size_t size = 0;
     const RecordBlock payload = file.Get(options.name, size);
@@ -138,8 +136,9 @@ ExitStatus getRecord(const RecordOptions& options) {
 
 ExitStatus putRecord(const RecordOptions& options) {
     RecordFile file;
-    if (std::filesystem::exists(options.path) && !file.Read(options.path)) {
-        return ExitStatus::unusable;
+    const bool isThere = std::filesystem::exists(options.path);
+    if (const Result<void> read = isThere ? file.Read(options.path) : Result<void>(); !read) {
+        return unusable(read.Why());
     }
     const std::string text((std::istreambuf_iterator<char>(std::cin)), std::istreambuf_iterator<char>());
     const std::string whole =

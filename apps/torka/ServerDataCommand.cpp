@@ -12,6 +12,7 @@
 #include <array>
 #include <list>
 #include <memory>
+#include <optional>
 
 namespace torka::tool {
 
@@ -70,25 +71,26 @@ public:
     bool HasRecords() const { return !records.Names().empty(); }
     bool HasBroken() const { return broken; }
 
-    // Reads a record with one of the readers of ServerRecords. False when the record is absent (`isAbsent` is
-    // true then), or when it is broken (one line on standard error gives the place).
-    template <typename Value>
-    bool Read(const char* name, bool (*read)(std::wstring_view, Value&, RecordFault&), Value& value) {
+    // Reads a record with one of the readers of ServerRecords. nullopt when the record is absent (`isAbsent`
+    // is true then), or when it is broken (one line on standard error gives the place).
+    template <typename Entry>
+    std::optional<std::vector<Entry>> Read(const char* name, RecordResult<Entry> (*read)(std::wstring_view)) {
         std::size_t size = 0;
         const RecordBlock payload = records.Read(name, &size);
         isAbsent = payload == nullptr;
         if (isAbsent) {
-            return false;
+            return std::nullopt;
         }
-        RecordFault fault{1, "its size is no whole number of characters"};
         texts.push_back(wideFromPayload({payload.get(), size}));
-        if (size % sizeof(wchar_t) == 0 && read(texts.back(), value, fault)) {
-            return true;
+        RecordResult<Entry> entries = size % sizeof(wchar_t) == 0
+                                          ? read(texts.back())
+                                          : Fault{"its size is no whole number of characters", "line 1"};
+        if (entries) {
+            return *std::move(entries);
         }
         broken = true;
-        warn(path + ": record " + name + " is broken, line " + std::to_string(fault.line) + ": " +
-             std::string(fault.reason));
-        return false;
+        warn(path + ": record " + name + " is broken, " + entries.Why().Line());
+        return std::nullopt;
     }
     // The line to show in place of a record that could not be read.
     std::string Absence(const char* name) const {
@@ -152,33 +154,29 @@ std::string presetTable(const PresetView& preset) {
 }
 
 void printTables(ServerDataFile& file) {
-    std::vector<TrayView> trays;
-    const bool hasTrays = file.Read("TrayInfo", readTrays, trays);
-    print("Trays\n" + (hasTrays ? trayTable(trays) : file.Absence("TrayInfo")));
+    const auto trays = file.Read("TrayInfo", readTrays);
+    print("Trays\n" + (trays ? trayTable(*trays) : file.Absence("TrayInfo")));
 
-    std::vector<TonerView> toners;
-    const bool hasToners = file.Read("TonerInfo", readToners, toners);
-    print("\nToner\n" + (hasToners ? tonerTable(toners) : file.Absence("TonerInfo")));
+    const auto toners = file.Read("TonerInfo", readToners);
+    print("\nToner\n" + (toners ? tonerTable(*toners) : file.Absence("TonerInfo")));
 
-    std::vector<std::wstring_view> names;
-    const bool hasNames = file.Read("PresetsList", readPresetNames, names);
-    std::string list;
-    for (const std::wstring_view name : names) {
+    const auto names = file.Read("PresetsList", readPresetNames);
+    std::string list = names ? "" : file.Absence("PresetsList");
+    for (const std::wstring_view name : names.value_or(std::vector<std::wstring_view>())) {
         list += "  " + printable(utf8(name)) + "\n";
     }
-    print("\nPresets\n" + (!hasNames ? file.Absence("PresetsList") : (list.empty() ? "  none\n" : list)));
+    print("\nPresets\n" + (list.empty() ? "  none\n" : list));
 
-    std::vector<PresetView> presets;
-    if (!file.Read("PresetsData", readPresets, presets)) {
+    const auto presets = file.Read("PresetsData", readPresets);
+    if (!presets) {
         print("\nPreset settings\n" + file.Absence("PresetsData"));
     }
-    for (const PresetView& preset : presets) {
+    for (const PresetView& preset : presets.value_or(std::vector<PresetView>())) {
         print("\nPreset " + printable(utf8(preset.name)) + "\n" + presetTable(preset));
     }
 
-    std::vector<KeyValueView> information;
-    const bool hasInformation = file.Read("ServerInfo", readServerInfo, information);
-    print("\nServer\n" + (hasInformation ? pairTable("Item", information) : file.Absence("ServerInfo")));
+    const auto information = file.Read("ServerInfo", readServerInfo);
+    print("\nServer\n" + (information ? pairTable("Item", *information) : file.Absence("ServerInfo")));
 }
 
 Json textJson(const std::optional<std::wstring_view>& text) { return text ? Json(utf8(*text)) : Json(); }
@@ -220,15 +218,14 @@ Json presetJson(const PresetView& preset) {
 
 // The record's entries; JSON null when the record could not be read.
 template <typename Entry>
-Json entriesJson(ServerDataFile& file, const char* name,
-                 bool (*read)(std::wstring_view, std::vector<Entry>&, RecordFault&),
+Json entriesJson(ServerDataFile& file, const char* name, RecordResult<Entry> (*read)(std::wstring_view),
                  Json (*toJson)(const Entry&)) {
-    std::vector<Entry> entries;
-    if (!file.Read(name, read, entries)) {
+    const auto entries = file.Read(name, read);
+    if (!entries) {
         return {};
     }
     Json json = Json::array();
-    for (const Entry& entry : entries) {
+    for (const Entry& entry : *entries) {
         json.push_back(toJson(entry));
     }
     return json;
@@ -240,19 +237,19 @@ void printJson(ServerDataFile& file) {
     json["toner"] = entriesJson<TonerView>(file, "TonerInfo", readToners, tonerJson);
     json["presetNames"] = entriesJson<std::wstring_view>(file, "PresetsList", readPresetNames, nameJson);
     json["presets"] = entriesJson<PresetView>(file, "PresetsData", readPresets, presetJson);
-    std::vector<KeyValueView> information;
-    json["server"] = file.Read("ServerInfo", readServerInfo, information) ? pairsJson(information) : Json();
+    const auto information = file.Read("ServerInfo", readServerInfo);
+    json["server"] = information ? pairsJson(*information) : Json();
     print(jsonDocument(json));
 }
 
 ExitStatus showServerData(const ServerDataOptions& options) {
     std::string content;
     if (!options.queue.empty()) {
-        const std::optional<std::string> answer = queueServerData(options.queue, options.address);
+        Result<std::string> answer = queueServerData(options.queue, options.address);
         if (!answer) {
-            return ExitStatus::unusable;
+            return unusable(answer.Why());
         }
-        content = *answer;
+        content = *std::move(answer);
     } else if (const std::error_code error =
                    platform::system().ReadFile(options.path, maximumDataFile, content)) {
         return unusable(options.path + ": cannot be read: " + error.message());

@@ -103,10 +103,11 @@ void printHeader(const Json& header) {
 }
 
 ExitStatus show(const ShowOptions& options) {
-    const auto description = readUsableDescription(options.path);
-    if (!description) {
-        return ExitStatus::unusable;
+    const auto read = readUsableDescription(options.path);
+    if (!read) {
+        return unusable(read.Why());
     }
+    const std::unique_ptr<ZANPPD>& description = *read;
     if (options.json) {
         print(jsonDocument(modelJson(*description)));
         return ExitStatus::good;

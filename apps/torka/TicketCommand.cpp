@@ -16,7 +16,7 @@ struct TicketOptions {
 ExitStatus showTicket(const TicketOptions& options) {
     const Result<Ticket> ticket = readTicketFile(options.path);
     if (!ticket) {
-        return unusable(ticket.Why().Line());
+        return unusable(ticket.Why());
     }
     Json entries = Json::array();
     for (const TicketEntry& entry : ticket->entries) {

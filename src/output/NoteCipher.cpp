@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
 
 namespace torka {
 
@@ -117,15 +118,14 @@ std::string encipherNote(const FieldKeys& keys, std::string_view specialKey, Not
     return hex;
 }
 
-std::optional<std::string> decipherNote(const FieldKeys& keys, std::string_view specialKey,
-                                        NoteAlgorithm algorithm, std::string_view hex, std::string& error) {
+Result<std::string> decipherNote(const FieldKeys& keys, std::string_view specialKey, NoteAlgorithm algorithm,
+                                 std::string_view hex) {
     const auto cipher = fromHex(hex);
     const bool isAes = algorithm == NoteAlgorithm::aes;
     const std::size_t block = isAes ? aesBlock : desBlock;
     if (!cipher || cipher->empty() || cipher->size() % block != 0 || cipher->size() > noteCipherBytes) {
-        error = "a note's cipher text has 1 to " + std::to_string(noteCipherBytes / block) + " blocks of " +
-                std::to_string(block * 2) + " hexadecimal digits";
-        return std::nullopt;
+        return Fault{"a note's cipher text has 1 to " + std::to_string(noteCipherBytes / block) +
+                     " blocks of " + std::to_string(block * 2) + " hexadecimal digits"};
     }
     SecureBuffer text(cipher->size());
     if (isAes) {
@@ -141,8 +141,7 @@ std::optional<std::string> decipherNote(const FieldKeys& keys, std::string_view 
     }
     // A cipher text of the full size may have been cut, and then has no padding.
     if (!(isAes ? dropAesFilling(text) : dropDesFilling(text)) && cipher->size() < noteCipherBytes) {
-        error = "the cipher text was not made with this key and algorithm";
-        return std::nullopt;
+        return Fault{"the cipher text was not made with this key and algorithm"};
     }
     return std::string(text.begin(), std::find(text.begin(), text.end(), std::uint8_t{0}));
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "ZANUtils/FieldKeys.h"
+#include "platform/Result.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -31,10 +31,9 @@ std::size_t noteCipherLength(std::size_t textLength, NoteAlgorithm algorithm);
 std::string encipherNote(const FieldKeys& keys, std::string_view specialKey, NoteAlgorithm algorithm,
                          const char* text);
 
-// Deciphers a note's hexadecimal digits, of either case. Returns nothing, with the reason in `error`, when
-// the digits are not a cipher text of this key and algorithm. From a cipher text that was cut, returns the
-// part that it holds.
-std::optional<std::string> decipherNote(const FieldKeys& keys, std::string_view specialKey,
-                                        NoteAlgorithm algorithm, std::string_view hex, std::string& error);
+// Deciphers a note's hexadecimal digits, of either case. Fails when the digits are not a cipher text of this
+// key and algorithm. From a cipher text that was cut, returns the part that it holds.
+Result<std::string> decipherNote(const FieldKeys& keys, std::string_view specialKey, NoteAlgorithm algorithm,
+                                 std::string_view hex);
 
 } // namespace torka

@@ -189,12 +189,9 @@ std::wstring QuillformMastersToBuffer(std::wstring_view masters) { return std::w
 
 std::wstring ServerDataToBuffer(std::wstring_view installedOptions, std::string_view language,
                                 std::string_view ppdPath, std::string_view server) {
-    std::vector<KeyValueView> options;
-    RecordFault fault;
-    if (!readKeyValueSet(installedOptions, options, fault)) {
-        options.clear();
-    }
-    return serverDataXml({wideFromUtf8(language), wideFromUtf8(ppdPath), wideFromUtf8(server)}, options);
+    const RecordResult<KeyValueView> options = readKeyValueSet(installedOptions);
+    return serverDataXml({wideFromUtf8(language), wideFromUtf8(ppdPath), wideFromUtf8(server)},
+                         options ? *options : std::vector<KeyValueView>());
 }
 
 } // namespace torka

@@ -77,25 +77,19 @@ std::wstring_view withoutPlaceholder(std::wstring_view value) {
 
 template <typename ValueOf>
 bool listFromSet(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out, ValueOf valueOf) {
-    out = nullptr;
-    std::vector<KeyValueView> pairs;
-    RecordFault fault;
-    if (readKeyValueSet(text, pairs, fault)) {
-        out = newList(memory, pairs, valueOf).release();
-    }
+    const RecordResult<KeyValueView> pairs = readKeyValueSet(text);
+    out = pairs ? newList(memory, *pairs, valueOf).release() : nullptr;
     return out != nullptr;
 }
 
 // The first value of a key in a key/value set.
 std::optional<std::wstring_view> valueOfKey(std::wstring_view text, std::wstring_view key) {
-    std::vector<KeyValueView> pairs;
-    RecordFault fault;
-    if (!readKeyValueSet(text, pairs, fault)) {
+    const RecordResult<KeyValueView> pairs = readKeyValueSet(text);
+    if (!pairs) {
         return std::nullopt;
     }
-    const auto place =
-        std::find_if(pairs.begin(), pairs.end(), [&](const KeyValueView& pair) { return pair.first == key; });
-    return place == pairs.end() ? std::nullopt : std::optional(place->second);
+    const auto place = std::ranges::find(*pairs, key, &KeyValueView::first);
+    return place == pairs->end() ? std::nullopt : std::optional(place->second);
 }
 
 std::wstring_view serverInfoKey(int item) {
@@ -157,14 +151,13 @@ bool SDMAllocKeyValueListFromKeyValueSetWChar(const ModuleMemory& memory, std::w
 
 bool GetTonerInfoToSDM(std::wstring_view text, const ModuleMemory& memory, SDMTonerInfoArray*& toners) {
     toners = nullptr;
-    std::vector<TonerView> views;
-    RecordFault fault;
-    if (!readToners(text, views, fault)) {
+    const RecordResult<TonerView> views = readToners(text);
+    if (!views) {
         return false;
     }
-    auto array = newCounted<SDMTonerInfoArray>(memory, views.size());
+    auto array = newCounted<SDMTonerInfoArray>(memory, views->size());
     SDMTonerInfo* item = array ? array->items : nullptr;
-    for (const TonerView& view : views) {
+    for (const TonerView& view : *views) {
         if (!array || !assign(memory, item->name, view.name) || !assign(memory, item->color, view.color)) {
             return false;
         }
@@ -181,14 +174,13 @@ bool GetTonerInfoToSDM(std::wstring_view text, const ModuleMemory& memory, SDMTo
 
 bool GetTrayInfoToSDM(std::wstring_view text, const ModuleMemory& memory, SDMTrayInfoArray*& trays) {
     trays = nullptr;
-    std::vector<TrayView> views;
-    RecordFault fault;
-    if (!readTrays(text, views, fault)) {
+    const RecordResult<TrayView> views = readTrays(text);
+    if (!views) {
         return false;
     }
-    auto array = newCounted<SDMTrayInfoArray>(memory, views.size());
+    auto array = newCounted<SDMTrayInfoArray>(memory, views->size());
     SDMTrayInfo* item = array ? array->items : nullptr;
-    for (const TrayView& view : views) {
+    for (const TrayView& view : *views) {
         const auto& [name, key, mediaName, mediaSize, mediaType, mediaColor] = view.texts;
         if (!array || !assign(memory, item->name, name) || !assign(memory, item->key, key) ||
             !assign(memory, item->mediaName, mediaName) || !assign(memory, item->mediaSize, mediaSize) ||
@@ -229,12 +221,8 @@ bool GetServerInfoToSDM(std::wstring_view text, const ModuleMemory& memory, int 
 }
 
 bool GetServerInfoAllToSDM(std::wstring_view text, const ModuleMemory& memory, SDMKeyValueList*& out) {
-    out = nullptr;
-    std::vector<KeyValueView> pairs;
-    RecordFault fault;
-    if (readServerInfo(text, pairs, fault)) {
-        out = newList(memory, pairs, asItStands).release();
-    }
+    const RecordResult<KeyValueView> pairs = readServerInfo(text);
+    out = pairs ? newList(memory, *pairs, asItStands).release() : nullptr;
     return out != nullptr;
 }
 
@@ -265,22 +253,21 @@ bool GetServerPresetNamesListToSDM(std::wstring_view text, const ModuleMemory& m
                                    int& count) {
     names = nullptr;
     count = 0;
-    std::vector<std::wstring_view> views;
-    RecordFault fault;
-    if (!readPresetNames(text, views, fault)) {
+    const RecordResult<std::wstring_view> views = readPresetNames(text);
+    if (!views) {
         return false;
     }
-    if (views.empty()) {
+    if (views->empty()) {
         return true;
     }
-    wchar_t** array = memory.NewArray<wchar_t*>(views.size());
-    for (std::size_t i = 0; array && i < views.size(); ++i) {
-        if (!assign(memory, array[i], views[i])) {
-            CUtil::deallocateArrayOfStrings(memory, array, views.size());
+    wchar_t** array = memory.NewArray<wchar_t*>(views->size());
+    for (std::size_t i = 0; array && i < views->size(); ++i) {
+        if (!assign(memory, array[i], (*views)[i])) {
+            CUtil::deallocateArrayOfStrings(memory, array, views->size());
         }
     }
     names = array;
-    count = array ? static_cast<int>(views.size()) : 0;
+    count = array ? static_cast<int>(views->size()) : 0;
     return array != nullptr;
 }
 
@@ -288,15 +275,13 @@ bool GetServerPresetDataByNameToSDM(std::wstring_view text, const ModuleMemory& 
                                     std::wstring_view name, SDMKeyValueList*& jobValues,
                                     SDMKeyValueList*& tesselValues, SDMKeyValueList*& presetValues) {
     jobValues = tesselValues = presetValues = nullptr;
-    std::vector<PresetView> presets;
-    RecordFault fault;
-    if (!readPresets(text, presets, fault)) {
+    const RecordResult<PresetView> presets = readPresets(text);
+    if (!presets) {
         return false;
     }
-    const auto preset = std::find_if(presets.begin(), presets.end(), [&](const PresetView& candidate) {
-        return name.empty() || candidate.name == name;
-    });
-    if (preset == presets.end()) {
+    const auto preset = std::ranges::find_if(
+        *presets, [&](const PresetView& candidate) { return name.empty() || candidate.name == name; });
+    if (preset == presets->end()) {
         return false;
     }
     const auto valueOf = [](std::wstring_view value) { return withMarks(value); };

@@ -8,63 +8,56 @@ namespace torka {
 
 namespace {
 
-constexpr std::string_view countFault = "a count that fits the lines behind it is expected";
-constexpr std::string_view missingFault = "fewer lines than the count says";
-constexpr std::string_view surplusFault = "more lines than the count says";
-constexpr std::string_view cutFault = "the line has no end";
+constexpr const char* missingLines = "fewer lines than the count says";
+constexpr const char* surplusLines = "more lines than the count says";
+
+Fault faultIn(std::size_t line, const char* what) { return {what, "line " + std::to_string(line)}; }
 
 // The checks for every text: not empty, and valid characters only.
-bool isReadable(std::wstring_view text, RecordFault& fault) {
+Result<void> checkText(std::wstring_view text) {
     if (text.empty()) {
-        fault = {1, "the record is empty"};
-        return false;
+        return faultIn(1, "the record is empty");
     }
-    if (!isProperWideText(text)) {
-        fault = {1, "the record holds units that are no characters"};
-        return false;
-    }
-    return true;
+    return isProperWideText(text) ? Result<void>()
+                                  : faultIn(1, "the record holds units that are no characters");
 }
 
-// The count at the start of a text. nullopt, with the fault, when the count is missing or the text holds an
-// invalid character.
-std::optional<std::size_t> countOf(std::wstring_view text, RecordLines& lines, RecordFault& fault) {
-    if (!isReadable(text, fault)) {
-        return std::nullopt;
+// The count at the start of a text.
+Result<std::size_t> countOf(std::wstring_view text, RecordLines& lines) {
+    if (const Result<void> checked = checkText(text); !checked) {
+        return checked.Why();
     }
     const std::optional<std::size_t> count = lines.NextCount();
-    if (!count) {
-        fault = {1, countFault};
-    }
-    return count;
+    return count ? Result<std::size_t>(*count)
+                 : faultIn(1, "a count that fits the lines behind it is expected");
 }
 
 // Reads a count and as many lines. Every line must end in LF: otherwise a cut number would pass as a shorter
 // one.
-template <typename Entry, typename ReadEntry>
-bool readCounted(std::wstring_view text, std::vector<Entry>& entries, RecordFault& fault,
-                 std::string_view entryFault, ReadEntry readEntry) {
-    entries.clear();
+template <typename Entry>
+RecordResult<Entry> readCounted(std::wstring_view text, const char* expected,
+                                bool (*readEntry)(std::wstring_view, Entry&)) {
     RecordLines lines(text);
-    const std::optional<std::size_t> count = countOf(text, lines, fault);
+    const Result<std::size_t> count = countOf(text, lines);
     if (!count) {
-        return false;
+        return count.Why();
     }
+    std::vector<Entry> entries;
     while (const std::optional<std::wstring_view> line = lines.Next()) {
-        Entry entry;
-        const bool isSurplus = entries.size() == *count;
-        if (isSurplus || !lines.IsEnded() || !readEntry(*line, entry)) {
-            fault = {lines.LineNumber(),
-                     isSurplus ? surplusFault : (lines.IsEnded() ? entryFault : cutFault)};
-            return false;
+        if (entries.size() == *count) {
+            return faultIn(lines.LineNumber(), surplusLines);
         }
-        entries.push_back(entry);
+        if (!lines.IsEnded()) {
+            return faultIn(lines.LineNumber(), "the line has no end");
+        }
+        if (!readEntry(*line, entries.emplace_back())) {
+            return faultIn(lines.LineNumber(), expected);
+        }
     }
     if (entries.size() < *count) {
-        fault = {lines.LineNumber() + 1, missingFault};
-        return false;
+        return faultIn(lines.LineNumber() + 1, missingLines);
     }
-    return true;
+    return entries;
 }
 
 bool readToner(std::wstring_view line, TonerView& toner) {
@@ -119,45 +112,35 @@ bool readPair(std::wstring_view line, KeyValueView& pair) {
     return true;
 }
 
-bool readPresetSet(RecordLines& lines, std::wstring_view prefix, std::vector<KeyValueView>& pairs,
-                   RecordFault& fault) {
+RecordResult<KeyValueView> readPresetSet(RecordLines& lines, std::wstring_view prefix) {
     const std::optional<std::size_t> count = lines.NextCount(prefix);
     if (!count || !lines.IsEnded()) {
-        fault = {lines.LineNumber(), "the count of a preset's set is expected"};
-        return false;
+        return faultIn(lines.LineNumber(), "the count of a preset's set is expected");
     }
+    std::vector<KeyValueView> pairs;
     while (pairs.size() < *count) {
         const std::optional<std::wstring_view> line = lines.Next();
-        KeyValueView pair;
-        if (!line || !lines.IsEnded() || !readPair(*line, pair)) {
-            fault = {lines.LineNumber(), "a key, \"=\" and a value are expected, on a line with its end"};
-            return false;
+        if (!line || !lines.IsEnded() || !readPair(*line, pairs.emplace_back())) {
+            return faultIn(lines.LineNumber(),
+                           "a key, \"=\" and a value are expected, on a line with its end");
         }
-        pairs.push_back(pair);
     }
-    return true;
+    return pairs;
 }
 
-template <typename ReadLine>
-bool readPairs(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordFault& fault,
-               std::string_view lineFault, ReadLine readLine) {
-    pairs.clear();
-    if (!isReadable(text, fault)) {
-        return false;
+RecordResult<KeyValueView> readPairs(std::wstring_view text, const char* expected,
+                                     bool (*readLine)(std::wstring_view, KeyValueView&)) {
+    if (const Result<void> checked = checkText(text); !checked) {
+        return checked.Why();
     }
     RecordLines lines(text);
+    std::vector<KeyValueView> pairs;
     while (const std::optional<std::wstring_view> line = lines.Next()) {
-        KeyValueView pair;
-        if (line->empty()) {
-            continue;
+        if (!line->empty() && !readLine(*line, pairs.emplace_back())) {
+            return faultIn(lines.LineNumber(), expected);
         }
-        if (!readLine(*line, pair)) {
-            fault = {lines.LineNumber(), lineFault};
-            return false;
-        }
-        pairs.push_back(pair);
     }
-    return true;
+    return pairs;
 }
 
 } // namespace
@@ -168,61 +151,61 @@ bool needsAttention(const TonerView& toner) {
     return toner.level >= 0 && bound >= 0 && (isWaste ? toner.level >= bound : toner.level <= bound);
 }
 
-bool readToners(std::wstring_view text, std::vector<TonerView>& toners, RecordFault& fault) {
-    return readCounted(text, toners, fault,
-                       "a toner's seven fields are expected (name@number@number@text@number@number@number)",
-                       readToner);
+RecordResult<TonerView> readToners(std::wstring_view text) {
+    return readCounted<TonerView>(
+        text, "a toner's seven fields are expected (name@number@number@text@number@number@number)",
+        readToner);
 }
 
-bool readTrays(std::wstring_view text, std::vector<TrayView>& trays, RecordFault& fault) {
-    return readCounted(text, trays, fault, "a tray's eight fields are expected (six texts, two numbers)",
-                       readTray);
+RecordResult<TrayView> readTrays(std::wstring_view text) {
+    return readCounted<TrayView>(text, "a tray's eight fields are expected (six texts, two numbers)",
+                                 readTray);
 }
 
-bool readPresetNames(std::wstring_view text, std::vector<std::wstring_view>& names, RecordFault& fault) {
-    names.clear();
+RecordResult<std::wstring_view> readPresetNames(std::wstring_view text) {
     RecordLines lines(text);
-    const std::optional<std::size_t> count = countOf(text, lines, fault);
+    const Result<std::size_t> count = countOf(text, lines);
     if (!count) {
-        return false;
+        return count.Why();
     }
+    std::vector<std::wstring_view> names;
     while (const std::optional<std::wstring_view> line = lines.Next()) {
         if (!line->empty()) {
             names.push_back(*line);
         }
     }
     if (names.size() != *count) {
-        fault = {lines.LineNumber(), names.size() < *count ? missingFault : surplusFault};
-        return false;
+        return faultIn(lines.LineNumber(), names.size() < *count ? missingLines : surplusLines);
     }
-    return true;
+    return names;
 }
 
-bool readPresets(std::wstring_view text, std::vector<PresetView>& presets, RecordFault& fault) {
-    presets.clear();
-    if (!isReadable(text, fault)) {
-        return false;
+RecordResult<PresetView> readPresets(std::wstring_view text) {
+    if (const Result<void> checked = checkText(text); !checked) {
+        return checked.Why();
     }
     RecordLines lines(text);
+    std::vector<PresetView> presets;
     while (const std::optional<std::wstring_view> name = lines.Next()) {
-        PresetView preset;
+        PresetView& preset = presets.emplace_back();
         preset.name = *name;
         for (std::size_t i = 0; i < presetSets.size(); ++i) {
-            if (!readPresetSet(lines, presetSets[i], preset.sets[i], fault)) {
-                return false;
+            RecordResult<KeyValueView> set = readPresetSet(lines, presetSets[i]);
+            if (!set) {
+                return set.Why();
             }
+            preset.sets[i] = *std::move(set);
         }
-        presets.push_back(std::move(preset));
     }
-    return true;
+    return presets;
 }
 
-bool readKeyValueSet(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordFault& fault) {
-    return readPairs(text, pairs, fault, "a key, \"=\" and a value are expected", readPair);
+RecordResult<KeyValueView> readKeyValueSet(std::wstring_view text) {
+    return readPairs(text, "a key, \"=\" and a value are expected", readPair);
 }
 
-bool readServerInfo(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordFault& fault) {
-    return readPairs(text, pairs, fault, "a value, \":\" and a key are expected",
+RecordResult<KeyValueView> readServerInfo(std::wstring_view text) {
+    return readPairs(text, "a value, \":\" and a key are expected",
                      [](std::wstring_view line, KeyValueView& pair) {
                          const std::size_t place = line.find(L':');
                          if (place == std::wstring_view::npos || place + 1 == line.size()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bidi/serverdata/RecordLines.h"
+#include "platform/Result.h"
 
 #include <array>
 #include <string_view>
@@ -10,12 +11,6 @@
 // module. The results are views of the text, which must outlive them.
 
 namespace torka {
-
-// The reason why a record text is refused.
-struct RecordFault {
-    std::size_t line = 0; // from 1
-    std::string_view reason;
-};
 
 struct TonerView {
     std::wstring_view name;
@@ -49,16 +44,18 @@ inline constexpr std::wstring_view absentTonerText = L"NULL";
 inline constexpr std::wstring_view absentTrayText = L"EMPTY";
 inline constexpr std::wstring_view emptyDefault = L"EMPTYSTRING";
 
-// Each function checks the characters of a record text and then reads it in one pass. False, with the first
-// fault in `fault`, when the text is empty, holds an invalid character, or is incomplete.
-bool readToners(std::wstring_view text, std::vector<TonerView>& toners, RecordFault& fault);
-bool readTrays(std::wstring_view text, std::vector<TrayView>& trays, RecordFault& fault);
-bool readPresetNames(std::wstring_view text, std::vector<std::wstring_view>& names, RecordFault& fault);
+// Each function checks the characters of a record text and then reads it in one pass. Fails, with the first
+// fault and its place ("line 3"), when the text is empty, holds an invalid character, or is incomplete.
+template <typename Entry>
+using RecordResult = Result<std::vector<Entry>>;
+RecordResult<TonerView> readToners(std::wstring_view text);
+RecordResult<TrayView> readTrays(std::wstring_view text);
+RecordResult<std::wstring_view> readPresetNames(std::wstring_view text);
 // A record may hold several presets, one behind the other.
-bool readPresets(std::wstring_view text, std::vector<PresetView>& presets, RecordFault& fault);
+RecordResult<PresetView> readPresets(std::wstring_view text);
 // A key/value set has one pair a line: key, "=", value. Empty lines are skipped.
-bool readKeyValueSet(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordFault& fault);
+RecordResult<KeyValueView> readKeyValueSet(std::wstring_view text);
 // Server information has one pair a line: value, ":", key. The value ends at the first ":".
-bool readServerInfo(std::wstring_view text, std::vector<KeyValueView>& pairs, RecordFault& fault);
+RecordResult<KeyValueView> readServerInfo(std::wstring_view text);
 
 } // namespace torka

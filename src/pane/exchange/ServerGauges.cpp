@@ -18,20 +18,19 @@ std::string shortText(std::wstring_view text) { return utf8FromWide(text.substr(
 
 template <typename View>
 std::vector<View> readRecord(const RecordText& records, const char* name, std::wstring& text,
-                             bool (*read)(std::wstring_view, std::vector<View>&, RecordFault&)) {
-    std::vector<View> views;
+                             RecordResult<View> (*read)(std::wstring_view)) {
     std::size_t size = 0;
     const RecordBlock payload = records.Read(name, &size);
-    RecordFault fault;
     if (payload == nullptr || size % sizeof(wchar_t) != 0) {
-        return views;
+        return {};
     }
     text = wideFromPayload({payload.get(), size});
-    if (!read(text, views, fault)) {
-        views.clear();
+    RecordResult<View> views = read(text);
+    if (!views) {
+        return {};
     }
-    views.resize(std::min(views.size(), mostGauges));
-    return views;
+    views->resize(std::min(views->size(), mostGauges));
+    return *std::move(views);
 }
 
 TrayGauge gaugeOf(const TrayView& tray) {
