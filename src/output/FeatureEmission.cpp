@@ -3,6 +3,7 @@
 #include "MarkLetters.h"
 #include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/PPDObjects/Interface/UTF8Level.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "output/DynamicOption.h"
@@ -118,8 +119,7 @@ OSStatus FeatureEmission::OutPostscriptData() {
         controls->FindSpecialOption("*Rondure", true) != nullptr) {
         UploadKestrelXMLFiles(*source.Description(), source.Settings(), 2);
     }
-    gQVUTF8Version =
-        CFStringGetIntValue(cfString(valueOf(controls->FindSpecialOption("*QVUTF8_Version", true))));
+    refreshUTF8Level(controls);
 
     CNTL_TYPE type{};
     PPDXControl* control = controls->First(type);

@@ -16,6 +16,7 @@ extern int gQVUTF8Version;
 
 // State of the popup job notes. Written by the pane when it creates and shows them.
 extern bool gPopupJobNotesLangIsJapanese;
+// Whether they were looked for, and whether one was found: written by the search for them (PopupJobNotes.h).
 extern bool gPopupJobNotesDoneInitializing;
 extern bool gPopupJobNotesFoundOne;
 

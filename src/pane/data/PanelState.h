@@ -22,36 +22,20 @@ extern TorkaFeaturesPDE* sTorkaFeaturesPDEsaved;
 // The end of the next panel leaves the two above as they are. Written by TorkaFeaturesPDE.
 extern bool invalidDeallocCall;
 
-// Texts of fixed capacity, the terminator counted in. Written by TorkaFeaturesPDE at its start.
+// A text of fixed capacity, the terminator counted in. Written by TorkaFeaturesPDE at its start.
 inline constexpr std::size_t sessionQueueNameSize = 256;
-inline constexpr std::size_t cachesPDEOpenFilePathSize = 512;
-inline constexpr std::size_t sessionPDEPathSize = 256;
 // The queue's name: file name of the description's link target, without ".ppd". Keeps its value when the
 // path at hand is no link.
 extern std::string sessionQueueName;
-// "/Library/Caches/ZAN/" + the queue's name + ".pdeopen"
-extern std::string cachesPDEOpenFilePath;
-// Folder of the installed plug-in, with a trailing "/"; "" when it is not there. Written by
-// fillPDEInstallPath.
-extern std::string sessionPDEPath;
-// The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by
-// bidi/commands/CommandJob.h; TorkaFeaturesPDE sets it at its start.
+// The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by bidi/CommandJob.h;
+// TorkaFeaturesPDE sets it at its start.
 
-// The session of the last created panel, and where that panel's printer lives; null without a panel. Written
-// by TorkaFeaturesPDE at its start and end.
-extern PMPrintSession currentPrintSession;
-extern PMPrinter* thePMPrinter;
-
-// A work-around for one application; nothing sets it, each panel clears it.
-extern int gVectorWorksFix;
-
-// The popup job notes of the panel on show, note 1 first. Written by resetPopupJobNotes (each new panel) and
-// by the popup job-note dialog. Texts of secret notes are emptied when the dialog closes.
+// The popup job notes of the panel on show. Written by resetPopupJobNotes (each new panel) and the popup
+// job-note dialog.
 inline constexpr std::size_t popupJobNoteCount = 5;
-extern std::string gPopupJobNotesFileName;
-extern std::array<std::string, popupJobNoteCount> gPopupJobNotesNote;
-extern std::array<std::string, popupJobNoteCount> gPopupJobNotesSavedNote;
+// Not 0 once the button for the defaults was pressed. TorkaFeaturesPDE writes it too.
 extern int gPopupJobNotesDefaultsButton;
+// The stored preferences (PopupJobNotes.h) write these three too.
 extern char gPopupJobNotesSavedEnable;   // '0' or '1'
 extern char gPopupJobNotesSavedSetting;  // '0' or '1'
 extern char gPopupJobNotesSavedShowLast; // '0' or '1'
@@ -61,5 +45,27 @@ void resetPopupJobNotes();
 
 // True when the popup job notes were looked for and none was found: then nothing of them is done.
 inline bool hasNoPopupJobNotes() { return gPopupJobNotesDoneInitializing && !gPopupJobNotesFoundOne; }
+
+// Given state; nothing here reads it
+
+// The texts of the popup job notes after the dialog and before it, note 1 first; a secret one is "". Written
+// by resetPopupJobNotes and the popup job-note dialog.
+extern std::array<std::string, popupJobNoteCount> gPopupJobNotesNote;
+extern std::array<std::string, popupJobNoteCount> gPopupJobNotesSavedNote;
+// "/Library/Caches/ZAN/" + the queue's name + ".pdeopen". Written by TorkaFeaturesPDE at its start.
+inline constexpr std::size_t cachesPDEOpenFilePathSize = 512; // with its terminator
+extern std::string cachesPDEOpenFilePath;
+// Folder of the installed plug-in, with a trailing "/"; "" when it is not there. Written by
+// fillPDEInstallPath.
+inline constexpr std::size_t sessionPDEPathSize = 256; // with its terminator
+extern std::string sessionPDEPath;
+// The session of the last created panel, and where that panel's printer lives; null without a panel. Written
+// by TorkaFeaturesPDE at its start and end.
+extern PMPrintSession currentPrintSession;
+extern PMPrinter* thePMPrinter;
+// A work-around for one application. Each panel clears it; nothing sets it.
+extern int gVectorWorksFix;
+// Emptied by resetPopupJobNotes; nothing sets it.
+extern std::string gPopupJobNotesFileName;
 
 } // namespace torka

@@ -66,23 +66,16 @@ public:
     // The module's library is there and loads; an alert tells otherwise, when it is asked for.
     bool isModuleInstalled(bool tell);
 
-    bool isPylon3() const; // the controller system is of version 4.2 or 4.3
     // The job notes that name a preset of the server: back to what they were at the last launch; whether they
     // still are.
     void revertBackJPServerPresets();
     bool compareJPServerPresets() const;
     // Empties them.
     void resetJPServerpresetKeys();
-    // The person's account name into the job note "*QVUserAuthName"; nothing without such a note.
-    void GetOSAccountName();
     // Sends the module's local presets file to the queue, if there is one.
     void writeLocalJPPresetsToDynamicPPD();
 
     CustomizePaneController& GetCustomizePane() const { return *mCustomizePane; }
-    std::int32_t getReturnFromJP() const { return mReturnFromJP; }
-    void setReturnFromJP(std::int32_t returned) { mReturnFromJP = returned; }
-    std::int32_t getfromCustomizepanel() const { return mFromCustomizePanel; }
-    void setfromCustomizepanel(std::int32_t from) { mFromCustomizePanel = from; }
     const std::string& CustomSize() const { return mCustomSize; } // "%f %f", points; "" before any
     const std::string& CustomPaperName() const { return mCustomPaperName; }
     SharedMemoryList& Record() const { return *mSharedList; }
@@ -101,6 +94,15 @@ public:
     static ZANPPD* mPPD;
     // What the panel made last shows.
     static PPDTree Tree;
+
+    // Given interface; no caller here
+    bool isPylon3() const; // the controller system is of version 4.2 or 4.3
+    // The person's account name into the job note "*QVUserAuthName"; nothing without such a note.
+    void GetOSAccountName();
+    std::int32_t getReturnFromJP() const { return mReturnFromJP; }
+    void setReturnFromJP(std::int32_t returned) { mReturnFromJP = returned; }
+    std::int32_t getfromCustomizepanel() const { return mFromCustomizePanel; }
+    void setfromCustomizepanel(std::int32_t from) { mFromCustomizePanel = from; }
 
 private:
     PDEData* mPDEData;
@@ -128,7 +130,6 @@ private:
 
     void AddGroups();
     void AddControls();
-    int utf8Level() const;
     bool HasSystemPageSize() const; // a custom one, which the module is handed in the place of "*PageSize"
     void ListControls(KeyValueList& list, bool twoWay);
     void ListPageSize(KeyValueList& list);
@@ -158,20 +159,23 @@ private:
 // The panel that receives the module's return, and its record; null without one. Written by UI_Panel.
 extern UI_Panel* sUiPanelOnJPReturn;
 extern SharedMemoryList* sSharedList;
-// The record lies in the process's own memory: -1.
-extern int gSharedMemoryFileDescriptor;
 // The module is running: the pane's buttons do nothing. Written by UI_Panel and its timer.
 extern bool gIgnoreButtonEvents;
+
+// Given state; nothing here reads it.
+// The record lies in the process's own memory: -1.
+extern int gSharedMemoryFileDescriptor;
 // The helper module's particulars were written, and when. Written by LoadHelperModule.
 extern bool sLoadingHelper;
 extern std::chrono::steady_clock::time_point sLoadingTime;
 
 // The entry of UI_Panel::Tree with that keyword; null when there is none.
 PPDTreeQuickAccess* GetShortcutFromKeyword(std::string_view keyword);
+
+// Given interface; no caller here
 // Whether the module can speak with the controller itself: two-way communication is on and the record of the
 // panel made last has an address.
 bool CheckRemote(bool twoWay);
-
 // The watch on a module that runs in a window of its own: looks at the record's status every 0.01 s, without
 // limit, and calls OnJPReturn once it is no longer "-1".
 void TimerCheckForJPReturn(const EventLoopTimerRef& timer, void* data);

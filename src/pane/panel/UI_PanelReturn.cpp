@@ -1,3 +1,4 @@
+#include "PPDX/PPDObjects/Interface/UTF8Level.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "pane/data/ControlValueText.h"
 #include "pane/data/PDEData.h"
@@ -126,7 +127,7 @@ private:
 
 void UI_Panel::SetUpdatedSettings(const SDMKeyValueList& list) {
     const Returned returned(list, *model->GetControls());
-    gQVUTF8Version = utf8Level();
+    refreshUTF8Level(model->GetControls());
     ApplySideLists(returned);
     ApplyWatermarkChoice(returned);
     std::size_t refused = 0;

@@ -1,3 +1,4 @@
+#include "PPDX/PPDObjects/Interface/UTF8Level.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/PPDObjects/NumberText.h"
 #include "pane/data/ControlTables.h"
@@ -105,7 +106,7 @@ void UI_Panel::GetDefaultSettings(KeyValueList& list) {
                              mPDEData->CoverPageList().Count() + 12;
     constexpr std::size_t usualCharacters = 40; // of a key and its value
     list.Reserve(most, most * usualCharacters);
-    gQVUTF8Version = utf8Level();
+    refreshUTF8Level(model->GetControls());
     const bool twoWay = mPDEData->isBIDIEnabled();
     ListControls(list, twoWay);
     ListPageSize(list);
@@ -125,11 +126,6 @@ void UI_Panel::GetDefaultSettings(KeyValueList& list) {
         list.AppendNarrow("*QVOrientation", isLandscape ? "Landscape" : "Portrait");
     }
     ListSideLists(list);
-}
-
-int UI_Panel::utf8Level() const {
-    PPDXSpecialOption* level = model->GetControls()->FindSpecialOption("*QVUTF8_Version", true);
-    return level ? CFStringGetIntValue(level->CopyCurrentControlValueString()) : 0;
 }
 
 bool UI_Panel::HasSystemPageSize() const { return mPDEData->IsPageSizeSuppressed() && !mCustomSize.empty(); }

@@ -4,6 +4,7 @@
 #include "PPDX/PPDObjects/Interface/ElementKeywords.h"
 #include "PPDX/PPDObjects/Interface/PPDFileStream.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
+#include "PPDX/PPDObjects/Interface/UTF8Level.h"
 #include "platform/System.h"
 
 #include <algorithm>
@@ -138,7 +139,7 @@ void ZANPPD::Build() {
 }
 
 void ZANPPD::Parse() {
-    gQVUTF8Version = 0;
+    refreshUTF8Level(nullptr);
     if (!properties || !groups || !controls) {
         Report(PPDErr_OutOfMemory, {}, 0);
         return;
@@ -158,9 +159,7 @@ void ZANPPD::Parse() {
         CollectOrphanGroups();
         groupNames.clear();
         constraints->Resolve();
-        if (const PPDXSpecialOption* level = controls->FindSpecialOption("*QVUTF8_Version", true)) {
-            gQVUTF8Version = CFStringGetIntValue(cfString(level->GetValue()));
-        }
+        refreshUTF8Level(controls.get());
     }
     StopReading();
     inInstallableOptions = false;
