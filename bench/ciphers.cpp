@@ -2,11 +2,11 @@
 // run.
 
 #include "ZANUtils/AES256CBC.h"
-#include "ZANUtils/Base64Decoder.h"
 #include "ZANUtils/Base64Encoder.h"
 #include "ZANUtils/DES.h"
-#include "ZANUtils/SHA1.h"
-#include "ZANUtils/Twofish.h"
+#include "ZANUtils/given/Base64Decoder.h"
+#include "ZANUtils/given/SHA1.h"
+#include "ZANUtils/given/Twofish.h"
 
 #include <benchmark/benchmark.h>
 #include <cstring>

@@ -1,9 +1,9 @@
 // Passes arbitrary text through both Base64 decoders, in pieces and into buffers of any size. Also passes
 // arbitrary bytes through the encoder and back.
 
-#include "ZANUtils/Base64Decoder.h"
 #include "ZANUtils/Base64Encoder.h"
 #include "ZANUtils/QVCFBase64.h"
+#include "ZANUtils/given/Base64Decoder.h"
 #include "fuzz/Fuzzing.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "ZANUtils/QVCFBase64.h"
 
-#include "ZANUtils/Base64Decoder.h"
 #include "ZANUtils/Base64Encoder.h"
+#include "ZANUtils/given/Base64Decoder.h"
 
 #include <algorithm>
 #include <string>

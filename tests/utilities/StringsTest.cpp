@@ -1,10 +1,10 @@
-#include "PPDX/Utilities/BoyerMoore.h"
 #include "PPDX/Utilities/CError.h"
 #include "PPDX/Utilities/CString.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "PPDX/Utilities/PointerList.h"
-#include "PPDX/Utilities/PtrLinkList.h"
-#include "PPDX/Utilities/StringFunctions.h"
+#include "PPDX/Utilities/given/BoyerMoore.h"
+#include "PPDX/Utilities/given/PtrLinkList.h"
+#include "PPDX/Utilities/given/StringFunctions.h"
 #include "StringUtils.h"
 
 #include <gtest/gtest.h>

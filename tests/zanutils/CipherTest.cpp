@@ -2,7 +2,7 @@
 #include "OpenSsl.h"
 #include "ZANUtils/AES256CBC.h"
 #include "ZANUtils/DES.h"
-#include "ZANUtils/Twofish.h"
+#include "ZANUtils/given/Twofish.h"
 
 #include <gtest/gtest.h>
 #include <string>

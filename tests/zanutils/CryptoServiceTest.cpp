@@ -1,6 +1,6 @@
 #include "OpenSsl.h"
 #include "ZANUtils/CSSM/CDSACrypto.h"
-#include "ZANUtils/QVCFCryptoString.h"
+#include "ZANUtils/given/QVCFCryptoString.h"
 
 #include <gtest/gtest.h>
 #include <string>

@@ -1,8 +1,8 @@
 #include "Hex.h"
-#include "ZANUtils/Base64Decoder.h"
 #include "ZANUtils/Base64Encoder.h"
 #include "ZANUtils/QVCFBase64.h"
-#include "ZANUtils/SHA1.h"
+#include "ZANUtils/given/Base64Decoder.h"
+#include "ZANUtils/given/SHA1.h"
 
 #include <gtest/gtest.h>
 #include <nettle/sha1.h>

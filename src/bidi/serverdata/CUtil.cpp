@@ -1,6 +1,6 @@
 #include "bidi/serverdata/CUtil.h"
 
-#include "PPDX/Utilities/StringFunctions.h"
+#include "PPDX/Utilities/given/StringFunctions.h"
 #include "bidi/text/StandardStreams.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"

@@ -27,8 +27,8 @@ inline constexpr std::size_t sessionQueueNameSize = 256;
 // The queue's name: file name of the description's link target, without ".ppd". Keeps its value when the
 // path at hand is no link.
 extern std::string sessionQueueName;
-// The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by bidi/CommandJob.h;
-// TorkaFeaturesPDE sets it at its start.
+// The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by
+// bidi/commands/CommandJob.h; TorkaFeaturesPDE sets it at its start.
 
 // The popup job notes of the panel on show. Written by resetPopupJobNotes (each new panel) and the popup
 // job-note dialog.

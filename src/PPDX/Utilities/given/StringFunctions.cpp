@@ -1,4 +1,4 @@
-#include "PPDX/Utilities/StringFunctions.h"
+#include "PPDX/Utilities/given/StringFunctions.h"
 
 #include "platform/TextEncoding.h"
 

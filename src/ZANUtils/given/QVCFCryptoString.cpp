@@ -1,4 +1,4 @@
-#include "ZANUtils/QVCFCryptoString.h"
+#include "ZANUtils/given/QVCFCryptoString.h"
 
 #include "ZANUtils/CSSM/CDSACrypto.h"
 #include "ZANUtils/QVCFBase64.h"

@@ -1,4 +1,4 @@
-#include "ZANUtils/Twofish.h"
+#include "ZANUtils/given/Twofish.h"
 
 #include "ZANUtils/SecureBuffer.h"
 

@@ -1,4 +1,4 @@
-#include "PPDX/Utilities/BoyerMoore.h"
+#include "PPDX/Utilities/given/BoyerMoore.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "ZANUtils/Base64Decoder.h"
+#include "ZANUtils/given/Base64Decoder.h"
 
 #include <algorithm>
 #include <array>

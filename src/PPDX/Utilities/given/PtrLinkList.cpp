@@ -1,4 +1,4 @@
-#include "PPDX/Utilities/PtrLinkList.h"
+#include "PPDX/Utilities/given/PtrLinkList.h"
 
 namespace torka {
 

@@ -1,4 +1,4 @@
-#include "ZANUtils/SHA1.h"
+#include "ZANUtils/given/SHA1.h"
 
 #include "ZANUtils/SecureBuffer.h"
 
