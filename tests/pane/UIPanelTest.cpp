@@ -1,3 +1,4 @@
+#include "bidi/SpoolerCommands.h"
 #include "tests/pane/UIPanelFixture.h"
 
 #include <gmock/gmock.h>
@@ -241,6 +242,17 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     ASSERT_EQ(pane.printer->sent.size(), 1u);
     EXPECT_EQ(utf8Text(pane.printer->sent[0].title), "Command_PRINTERLOCALPRESETS");
     EXPECT_EQ(utf8Text(pane.printer->sent[0].command), "EFBBBF<a/>EFBBBF");
+    // Too many for the queue, before or after the marks grew: nothing is sent, and the person is told once.
+    for (const std::string& content :
+         {std::string(mostRecordText + 1, 'x'), "\xEF\xBB\xBF" + std::string(mostRecordText - 3, 'x')}) {
+        const ScopedAlerts person;
+        UI_Panel again(pane.data.get(), &services);
+        system->files[path].content = content;
+        again.writeLocalJPPresetsToDynamicPPD();
+        again.writeLocalJPPresetsToDynamicPPD();
+        ASSERT_EQ(person->shown.size(), 1u);
+        EXPECT_THAT(person->shown[0].informative, testing::HasSubstr("at most 256 kB"));
+    }
     system->files.erase(path);
     panel.writeLocalJPPresetsToDynamicPPD();
     EXPECT_EQ(pane.printer->sent.size(), 1u);

@@ -1,3 +1,5 @@
+#include "pane/data/PanelState.h"
+#include "pane/panel/CustomizePaneController.h"
 #include "pane/presentation/ConflictNotice.h"
 #include "pane/presentation/FieldSearch.h"
 #include "pane/presentation/FieldTexts.h"
@@ -5,7 +7,11 @@
 #include "pane/presentation/NoteRules.h"
 #include "pane/presentation/NumberScale.h"
 #include "pane/presentation/PageList.h"
+#include "pane/presentation/PopupNoteForm.h"
 #include "pane/presentation/PresetChoice.h"
+#include "pane/presentation/QuickAccessChoice.h"
+#include "pane/presentation/TwoWayNotice.h"
+#include "pane/presentation/WatermarkEditing.h"
 #include "tests/presentation/PresentationFixture.h"
 
 #include <gmock/gmock.h>
@@ -279,6 +285,107 @@ TEST_F(Sample, NamesFieldsThatBreakARule) {
                 ElementsAre("*QVPageRanges: “Pages with Covers” must be items of two letters or digits, or "
                             "ranges of them, as in 01-05,07.",
                             "*QVCostCenter: “Cost Center” must have at least 3 characters."));
+}
+
+TEST_F(Sample, QuickAccessOffersWhatTheAreaCanShow) {
+    QuickAccessChoice choice(texts, spoken.pane->data.get());
+    const auto groups = choice.Groups();
+    ASSERT_FALSE(groups.empty());
+    EXPECT_EQ(groups.front().heading, shownPlace(texts, groups.front().fields.front()));
+    for (const auto& group : groups) {
+        for (const PaneField& field : group.fields) {
+            EXPECT_NE(field.keyword, "*QVFinisherUnit") << "an installed option";
+        }
+    }
+    EXPECT_TRUE(choice.Offered(" ", {"*QVStaple"}).contains("*QVDuplex"));
+    EXPECT_FALSE(choice.Offered("", {"*QVStaple"}).contains("*QVStaple"));
+    EXPECT_THAT(choice.Offered("qvduplex", {}), ElementsAre("*QVDuplex"));
+    EXPECT_EQ(choice.CountText(3), "3 of 99");
+    EXPECT_TRUE(QuickAccessChoice::IsFull(99));
+}
+
+TEST_F(Sample, WatermarksAreEditedInPlaceAndChosenInSteps) {
+    WatermarkEditing watermarks(editor, *spoken.pane->data);
+    WatermarkFields fields = newWatermark(texts);
+    watermarks.Put(WatermarkList::noSelection, fields);
+    fields.text = "Proof";
+    fields.isFirstPageOnly = true;
+    watermarks.Put(WatermarkList::noSelection, fields);
+    EXPECT_EQ(watermarks.Chosen(), 1);
+    EXPECT_TRUE(watermarks.ChosenFields()->isFirstPageOnly);
+    watermarks.Keep();
+    watermarks.Choose(0);
+    editor.Undo();
+    EXPECT_EQ(watermarks.Chosen(), 1);
+    fields.text = "Final";
+    watermarks.Put(0, fields);
+    EXPECT_THAT(watermarks.Texts(), ElementsAre("Final", "Proof"));
+    EXPECT_TRUE(watermarks.RemoveChosen());
+    EXPECT_FALSE(watermarks.RemoveChosen()) << "none is chosen now";
+    EXPECT_THAT(watermarks.Texts(), ElementsAre("Proof"));
+}
+
+TEST(Sentences, FontsAndPapersOfWatermarks) {
+    for (const char* name : watermarkFonts) {
+        EXPECT_TRUE(isFontName(name)) << name;
+    }
+    for (const char* name : {"", "a b", "a,b", "a%b", "(a", "a\\b", "\xC3\xA4"}) {
+        EXPECT_FALSE(isFontName(name)) << name;
+    }
+    EXPECT_FALSE(isFontName(std::string(118, 'a')));
+    const auto look = [](const char* name) {
+        const FontLook found = fontLook(name);
+        return found.family + "|" + std::to_string(static_cast<int>(found.kind)) +
+               (found.isBold ? " bold" : "") + (found.isItalic ? " italic" : "");
+    };
+    EXPECT_EQ(look("Helvetica-BoldOblique"), "Helvetica|0 bold italic");
+    EXPECT_EQ(look("times-Roman"), "times|1");
+    EXPECT_EQ(look("Courier"), "Courier|2");
+    const auto printer = std::make_shared<MemoryPrinter>();
+    printer->papers = {{"A4", "A4", 595, 842}, {"Wall", "Wall", 1e6, 10}};
+    EXPECT_EQ(printerPaper(printer, "A4")->height, 842);
+    EXPECT_FALSE(printerPaper(printer, "Wall"));
+    EXPECT_FALSE(printerPaper(nullptr, "A4"));
+}
+
+TEST(Sentences, PopupFormKeepsPreferencesAndBringsTextsBack) {
+    SpokenPane spoken(paneHeader + jobNote("First", "6|Required|PopupJN") +
+                      jobNote("Pin", "8|Numeric|Password|Remembered|PopupJN") +
+                      jobNote("Switch", "5|OnOfSwitch|PopupJN"));
+    resetPopupJobNotes();
+    CustomizePaneController controller(spoken.pane->model.get());
+    PopupNoteForm form(spoken.texts, controller, {"popupJobNoteSec32"});
+    ASSERT_EQ(form.Fields().size(), 3U);
+    const auto& [first, pin, onOff] = std::tie(form.Fields()[0], form.Fields()[1], form.Fields()[2]);
+    EXPECT_EQ(first.outlet + ' ' + pin.outlet, "popupJobNoteVal31 popupJobNoteSec32");
+    EXPECT_TRUE(onOff.isSwitch && pin.isSecret && !first.isChecked && pin.isChecked);
+    EXPECT_EQ(form.BrokenFields().text, "“First name” must not be empty.");
+    EXPECT_EQ(utf8Text(form.Type(pin, cfString("1a"))), "1");
+    EXPECT_EQ(utf8Text(form.Type(first, cfString("abcdefg"))), "abcdefg");
+    form.Switch(onOff, true);
+    EXPECT_EQ(form.BrokenFields().text, "“First name” must have at most 6 characters.");
+    form.KeepTextsAfter();
+    EXPECT_THAT(gPopupJobNotesNote, ElementsAre("abcdefg", "", "True", "", "")) << "no secret";
+    form.Restore();
+    EXPECT_EQ(PaneEditor::Value(*first.note) + PaneEditor::Value(*pin.note), "");
+    EXPECT_FALSE(form.HasRemembered()) << "a secret is not remembered";
+    EXPECT_TRUE(form.PresentPreferences().asksAlways);
+    PopupNoteForm::Keep({false, false});
+    EXPECT_FALSE(form.PresentPreferences().asksAlways);
+    EXPECT_TRUE(form.MustAsk()) << "a rule is broken";
+    form.Type(first, cfString("abc"));
+    EXPECT_FALSE(form.MustAsk());
+    resetPopupJobNotes();
+}
+
+TEST(Sentences, TwoWayCommunication) {
+    SpokenPane spoken(paneHeader);
+    const auto told = [&](bool isOn, bool hasFailed) {
+        return twoWayNotice(spoken.texts, twoWayState(isOn, hasFailed)).spoken;
+    };
+    EXPECT_EQ(told(false, true), "Two-way communication: Off");
+    EXPECT_EQ(told(true, false), "Two-way communication: On");
+    EXPECT_EQ(told(true, true), "Two-way communication: Printer does not answer");
 }
 
 TEST(Sentences, NamesOfPresets) {

@@ -8,6 +8,7 @@
 
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -19,6 +20,7 @@
 #include <QTest>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <QWheelEvent>
 
 namespace torka::tests {
 namespace {
@@ -93,6 +95,28 @@ TEST_F(PaneWidgetTest, EditsByMouseAndKeys) {
     gutter->setValue(12.3);
     EXPECT_EQ(pane.Value("*QVGutter"), "120");
     EXPECT_DOUBLE_EQ(gutter->value(), 12.0) << "what the control made of it";
+}
+
+TEST_F(PaneWidgetTest, TheWheelChangesOnlyTheFieldInFocus) {
+    const auto turn = [](QWidget* widget) {
+        QWheelEvent event(widget->rect().center(), widget->mapToGlobal(widget->rect().center()), {},
+                          {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(widget, &event);
+    };
+    for (const char* keyword : {"*QVDuplex", "*QVScale"}) {
+        Go(keyword);
+        auto* field = Field<QWidget>(keyword);
+        Widget().SearchField()->setFocus();
+        const std::string before = pane.Value(keyword);
+        turn(field);
+        if (auto* slider = field->parentWidget()->findChild<QSlider*>()) {
+            turn(slider);
+        }
+        EXPECT_EQ(pane.Value(keyword), before) << keyword;
+        field->setFocus();
+        turn(field);
+        EXPECT_NE(pane.Value(keyword), before) << keyword;
+    }
 }
 
 TEST_F(PaneWidgetTest, ChoosesSeveralValuesByTicking) {

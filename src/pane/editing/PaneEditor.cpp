@@ -166,6 +166,17 @@ bool PaneEditor::Reset(PPDXControl& control) {
                                                     control, [&] { control.ResetToDefaultValue(); }, false);
 }
 
+bool PaneEditor::Reset(const std::vector<std::string>& keywords) {
+    return EditAll([&] {
+        for (const std::string& keyword : keywords) {
+            PPDXControl* control = FindControl(keyword);
+            if (control != nullptr && LockOf(*control) == PaneLock::none) {
+                control->ResetToDefaultValue();
+            }
+        }
+    });
+}
+
 PaneEditor::Step PaneEditor::TakeChanges(const std::vector<PPDXControl*>& among) {
     Step step;
     for (PPDXControl* control : among) {

@@ -96,6 +96,8 @@ public:
     // Changes any number of controls, and what stands beside them (SideSettings), as one step.
     bool EditAll(const std::function<void()>& change);
     bool Reset(PPDXControl& control);
+    // The controls of these keywords as one step; locked ones stay. False when no value changed.
+    bool Reset(const std::vector<std::string>& keywords);
     // The next edit begins a step of its own.
     void EndStep() { stepIsOpen = false; }
     // Takes up what changed without the editor: values, choices, controls.

@@ -153,28 +153,20 @@ bool UI_Panel::isModuleInstalled(bool tell) {
     if (!module.reason.empty()) {
         myNSLogC("The Job Properties module does not load: %s", module.reason.c_str());
     }
-    if (tell && hasAlerts()) {
-        alerts().RunModal(
-            {Text("JP_NOT_INSTALLED", "The full properties are not installed", bidiTable),
-             Text(
-                 "JP_NOT_INSTALLED_L",
+    if (tell) {
+        TellPerson(
+            Text("JP_NOT_INSTALLED", "The full properties are not installed", bidiTable),
+            Text("JP_NOT_INSTALLED_L",
                  "The Job Properties module is missing or cannot be loaded. The settings of this pane can be "
                  "used without it. Install the driver again to get the full properties.",
-                 bidiTable),
-             Text("OK", "OK", bidiTable),
-             {}});
+                 bidiTable));
     }
     return false;
 }
 
 void UI_Panel::ShowInvalidAddress() {
-    if (hasAlerts()) {
-        alerts().RunModal(
-            {Text("INVALID_IP_ADDRESS", "You have entered an invalid IP Address or DNS Name", bidiTable),
-             Text("PRESS_OKAY", "Press OK to enter a new IP Address or DNS Name.", bidiTable),
-             Text("OK", "OK", bidiTable),
-             {}});
-    }
+    TellPerson(Text("INVALID_IP_ADDRESS", "You have entered an invalid IP Address or DNS Name", bidiTable),
+               Text("PRESS_OKAY", "Press OK to enter a new IP Address or DNS Name.", bidiTable));
 }
 
 // Whether two-way communication is on for the module: it is off without an address to speak with.
@@ -330,13 +322,10 @@ CFStringRef UI_Panel::foundPrinterAddress() { return panel ? panel->foundPrinter
 
 bool UI_Panel::storePrinterAddress(const CFStringRef& address, bool twoWay) {
     const bool stored = mPDEData->SetCorvianPrinterAddress(address, twoWay);
-    if (const std::string reason = mPDEData->AddressListReason(); !reason.empty() && hasAlerts()) {
-        alerts().RunModal(
-            {Text("ADDRESS_NOT_KEPT", "The printer's address could not be kept", bidiTable),
-             Text("ADDRESS_NOT_KEPT_TEXT", "The queue keeps the address that it had.", bidiTable) + "\n\n" +
-                 reason,
-             Text("OK", "OK", bidiTable),
-             {}});
+    if (const std::string reason = mPDEData->AddressListReason(); !reason.empty()) {
+        TellPerson(Text("ADDRESS_NOT_KEPT", "The printer's address could not be kept", bidiTable),
+                   Text("ADDRESS_NOT_KEPT_TEXT", "The queue keeps the address that it had.", bidiTable) +
+                       "\n\n" + reason);
     }
     if (panel) {
         panel->printerAddressStored(twoWay);
@@ -352,6 +341,12 @@ void UI_Panel::showPrinterAddress(const CFStringRef& address) {
 
 CFStringRef UI_Panel::bidiString(std::string_view key, std::string_view english) {
     return cfString(Text(key, english, bidiTable));
+}
+
+void UI_Panel::TellPerson(const std::string& title, const std::string& information) const {
+    if (hasAlerts()) {
+        alerts().RunModal({title, information, Text("OK", "OK", bidiTable), {}});
+    }
 }
 
 std::string UI_Panel::Text(std::string_view key, std::string_view english, std::string_view table) const {

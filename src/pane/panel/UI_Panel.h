@@ -148,12 +148,16 @@ private:
     void TakeAnswer();
     bool LaunchAgainWithoutTwoWay();
     std::string Text(std::string_view key, std::string_view english, std::string_view table) const;
+    // An alert with one button; nothing where nobody can see it.
+    void TellPerson(const std::string& title, const std::string& information) const;
+    void TellPresetsTooLarge();
     ServerPreset CurrentServerPreset() const;
 
     PanelServices* panel;
     ZANPPD* model;
     HandedOver handed;
     ServerPreset presetAtLaunch;
+    bool toldPresetsTooLarge = false; // once a panel
 };
 
 // The panel that receives the module's return, and its record; null without one. Written by UI_Panel.

@@ -10,15 +10,11 @@
 #include "platform/Log.h"
 #include "platform/System.h"
 
+#include <utility>
+
 // Presets of the server and of this machine, and the person's account.
 
 namespace torka {
-
-namespace {
-
-constexpr std::size_t presetsFileLimit = std::size_t{1} << 20; // bytes
-
-} // namespace
 
 UI_Panel::ServerPreset UI_Panel::CurrentServerPreset() const {
     ServerPreset preset;
@@ -64,7 +60,12 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
     const std::filesystem::path path =
         platform::system().TemporaryFolder() / "ZAN" / "JPData" / folder / "Presets" / "presets.xml";
     std::string presets;
-    const std::error_code failure = platform::system().ReadFile(path, presetsFileLimit, presets);
+    // Byte-order marks become twice as long.
+    const std::error_code failure = platform::system().ReadFile(path, mostRecordText, presets);
+    if (failure == std::errc::file_too_large) {
+        TellPresetsTooLarge();
+        return;
+    }
     if (failure) {
         if (failure != std::errc::no_such_file_or_directory) {
             myNSLogC("The local presets in %s are not sent to the queue: %s.", path.c_str(),
@@ -74,14 +75,29 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
     }
     presets = CUtil::__replace(presets, narrowMark, markLetters);
     if (presets.size() > mostRecordText) {
-        myNSLogC("The local presets are not sent to the queue: they have %zu bytes, and it takes %zu.",
-                 presets.size(), mostRecordText);
+        TellPresetsTooLarge();
         return;
     }
     const std::string title = commandTitle(SpoolerCommand::printerLocalPresets);
     if (PMPrinterSendCommand(printer, cfString(presets), cfString(title), nullptr) != noErr) {
         myNSLogC("The queue did not take the local presets.");
     }
+}
+
+void UI_Panel::TellPresetsTooLarge() {
+    constexpr const char* table = "BidiStrings";
+    const std::string limit = std::to_string(mostRecordText / 1024);
+    myNSLogC("The local presets are not sent to the queue: it takes at most %s kB.", limit.c_str());
+    if (std::exchange(toldPresetsTooLarge, true)) {
+        return;
+    }
+    TellPerson(
+        Text("PRESETS_TOO_LARGE", "The presets are not kept in the printer’s queue", table),
+        CUtil::__replace(Text("PRESETS_TOO_LARGE_L",
+                              "The queue takes at most {limit} kB. This computer still has the presets. "
+                              "Delete some of them in the full properties.",
+                              table),
+                         "{limit}", limit));
 }
 
 } // namespace torka

@@ -15,9 +15,6 @@ class CustomizePaneController;
 class PDEData;
 class TorkaFeaturesPDE;
 
-// Two-way communication with the controller, as the sign shows it.
-enum class TwoWayState { off, on, failed };
-
 // What the pane's widgets work on. Owned by the interface; widgets and dialogs keep references to it, all of
 // them destroyed before it.
 struct PaneContext {

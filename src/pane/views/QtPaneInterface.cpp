@@ -230,8 +230,7 @@ void QtPaneInterface::ShowTwoWay() {
     if (sign == nullptr || box == nullptr) {
         return;
     }
-    const bool failed = box->isChecked() && setup.twoWayFailed && setup.twoWayFailed();
-    sign->Show(failed ? TwoWayState::failed : box->isChecked() ? TwoWayState::on : TwoWayState::off);
+    sign->Show(twoWayState(box->isChecked(), setup.twoWayFailed && setup.twoWayFailed()));
 }
 
 // The dialog has deleted the root view. Dialogs of the pane that hang on it are taken back first.

@@ -1,8 +1,5 @@
 #include "pane/views/QuickAccessDialog.h"
 
-#include "PPDX/PPDObjects/Interface/ZANPPD.h"
-#include "pane/data/PDEData.h"
-#include "pane/panel/CustomizePaneController.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/panel/UI_Panel.h"
 #include "pane/views/PaneIcons.h"
@@ -36,7 +33,7 @@ QuickAccessDialog::QuickAccessDialog(PaneContext& paneContext, const std::vector
                                      QWidget* parent)
     : QDialog(parent)
     , context(paneContext)
-    , fieldSearch(paneContext.texts)
+    , choice(paneContext.texts, paneContext.data)
     , search(new QLineEdit(this))
     , available(new QTreeWidget(this))
     , chosen(new QListWidget(this))
@@ -165,35 +162,16 @@ bool QuickAccessDialog::eventFilter(QObject* watched, QEvent* event) {
     return QDialog::eventFilter(watched, event);
 }
 
-// What the list of entries can keep: it holds at most treeKeywordSize bytes of a keyword, with terminator.
-bool QuickAccessDialog::MayStand(const PaneField& field) const {
-    return field.keyword.size() < treeKeywordSize &&
-           (context.data == nullptr || context.data->IsValidBasicPanelControl(field.control));
-}
-
 void QuickAccessDialog::ListAvailable() {
-    for (const PanePage& page : context.editor.Catalog().Pages()) {
-        if (page.installable) {
-            continue;
+    for (const QuickAccessChoice::Group& group : choice.Groups()) {
+        auto* top = new QTreeWidgetItem(available, {qText(group.heading)});
+        top->setFlags(Qt::ItemIsEnabled);
+        for (const PaneField& field : group.fields) {
+            auto* item = new QTreeWidgetItem(top, {qText(field.name)});
+            item->setData(0, keywordRole, qText(field.keyword));
+            item->setToolTip(0, plainToolTip(qText(field.name)));
         }
-        for (const PaneGroup& group : page.groups) {
-            auto* top =
-                new QTreeWidgetItem({context.Say(words::matches, qText(page.name), qText(group.name))});
-            top->setFlags(Qt::ItemIsEnabled);
-            for (const PaneField& field : group.fields) {
-                if (MayStand(field)) {
-                    auto* item = new QTreeWidgetItem(top, {qText(field.name)});
-                    item->setData(0, keywordRole, qText(field.keyword));
-                    item->setToolTip(0, plainToolTip(qText(field.name)));
-                }
-            }
-            if (top->childCount() == 0) {
-                delete top;
-                continue;
-            }
-            available->addTopLevelItem(top);
-            top->setExpanded(true);
-        }
+        top->setExpanded(true);
     }
 }
 
@@ -201,6 +179,10 @@ void QuickAccessDialog::Append(const std::string& keyword, const QString& name) 
     auto* item = new QListWidgetItem(name, chosen);
     item->setData(keywordRole, qText(keyword));
     item->setToolTip(plainToolTip(name));
+}
+
+bool QuickAccessDialog::IsFull() const {
+    return QuickAccessChoice::IsFull(static_cast<std::size_t>(chosen->count()));
 }
 
 std::vector<std::string> QuickAccessDialog::Chosen() const {
@@ -213,22 +195,13 @@ std::vector<std::string> QuickAccessDialog::Chosen() const {
 
 // Leaves out what is chosen already and what the search does not find.
 void QuickAccessDialog::ShowMatches() {
-    std::set<std::string> hidden;
-    for (const std::string& keyword : Chosen()) {
-        hidden.insert(keyword);
-    }
-    const QString query = search->text().trimmed();
-    std::set<std::string> found;
-    for (const PaneMatch& match : fieldSearch.Matches(query.toStdString())) {
-        found.insert(match.field->keyword);
-    }
+    const std::set<std::string> offered = choice.Offered(search->text().trimmed().toStdString(), Chosen());
     for (int i = 0; i < available->topLevelItemCount(); ++i) {
         QTreeWidgetItem* top = available->topLevelItem(i);
         bool anything = false;
         for (int j = 0; j < top->childCount(); ++j) {
             QTreeWidgetItem* item = top->child(j);
-            const std::string keyword = keywordOf(item->data(0, keywordRole));
-            const bool seen = !hidden.contains(keyword) && (query.isEmpty() || found.contains(keyword));
+            const bool seen = offered.contains(keywordOf(item->data(0, keywordRole)));
             item->setHidden(!seen);
             if (!seen) {
                 item->setSelected(false);
@@ -247,7 +220,7 @@ void QuickAccessDialog::AddSelected() {
     QTreeWidgetItem* next = available->itemBelow(selected.back());
     chosen->clearSelection();
     for (QTreeWidgetItem* item : selected) {
-        if (static_cast<std::size_t>(chosen->count()) < maximumQuickAccess) {
+        if (!IsFull()) {
             Append(keywordOf(item->data(0, keywordRole)), item->text(0));
             chosen->item(chosen->count() - 1)->setSelected(true);
         }
@@ -295,11 +268,10 @@ void QuickAccessDialog::Move(int step) {
 
 void QuickAccessDialog::Update() {
     ShowMatches();
-    const bool isFull = static_cast<std::size_t>(chosen->count()) >= maximumQuickAccess;
-    count->setText(context.Say(words::quickCount, QString::number(chosen->count()),
-                               QString::number(maximumQuickAccess)));
-    hint->setText(chosen->count() == 0 ? context.Say(words::quickEmpty) : QString());
-    add->setEnabled(!isFull && !available->selectedItems().isEmpty());
+    const auto entries = static_cast<std::size_t>(chosen->count());
+    count->setText(qText(choice.CountText(entries)));
+    hint->setText(qText(choice.Hint(entries)));
+    add->setEnabled(!IsFull() && !available->selectedItems().isEmpty());
     const auto selected = chosen->selectedItems();
     remove->setEnabled(!selected.isEmpty());
     const auto isSelected = [this](int row) {
@@ -343,30 +315,12 @@ void QuickAccessSheet::openSheet() {
     dialog->open();
 }
 
-// Storing may wait for the spooler and let the print dialog go on meanwhile: the panel is held.
-void QuickAccessSheet::Take(std::vector<std::string> keywords) {
+// Holds the panel: storing may run the event loop, in which the print dialog may let go of it.
+void QuickAccessSheet::Take(const std::vector<std::string>& keywords) {
     const std::shared_ptr<void> alive =
         context.panel == nullptr ? nullptr : context.panel->shared_from_this();
-    PPDTree tree;
-    for (std::string& keyword : keywords) {
-        if (const PPDXControl* control = context.editor.FindControl(keyword)) {
-            tree.quickAccess.push_back({nameOf(*control), std::move(keyword), 0});
-        }
-    }
-    const bool isKept = context.data != nullptr && context.data->SetPPDShortcuts(tree);
-    if (context.panel != nullptr) {
-        UI_Panel& panel = *context.panel->GetUI_PanelPtr();
-        panel.PopulatePPDTreeStructure();
-        if (!isKept) {
-            UI_Panel::Tree.quickAccess = std::move(tree.quickAccess);
-        }
-        panel.DrawUserPane();
-    } else {
-        if (!tree.quickAccess.empty()) {
-            UI_Panel::Tree.quickAccess = std::move(tree.quickAccess);
-        }
-        context.controller.drawControlsInTree(UI_Panel::Tree);
-    }
+    const bool isKept =
+        keepQuickAccess(context.editor, context.controller, context.data, context.panel, keywords);
     if (!isKept && root != nullptr) {
         auto* box = new QMessageBox(QMessageBox::Warning, context.Say(words::quickTitle),
                                     context.Say(words::quickNotSaved), QMessageBox::NoButton, root);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "pane/panel/PaneInterface.h"
-#include "pane/presentation/FieldSearch.h"
+#include "pane/presentation/QuickAccessChoice.h"
 #include "pane/views/PaneContext.h"
 
 #include <QDialog>
@@ -50,10 +50,10 @@ private:
     void Move(int step);
     void Append(const std::string& keyword, const QString& name);
     void Update();
-    bool MayStand(const PaneField& field) const;
+    bool IsFull() const;
 
     PaneContext& context;
-    FieldSearch fieldSearch;
+    QuickAccessChoice choice;
     QLineEdit* search;
     QTreeWidget* available;
     QListWidget* chosen;
@@ -78,7 +78,7 @@ public:
     QuickAccessDialog* Dialog() const { return dialog; }
 
 private:
-    void Take(std::vector<std::string> keywords);
+    void Take(const std::vector<std::string>& keywords);
 
     PaneContext& context;
     QPointer<QWidget> root;

@@ -1,6 +1,5 @@
 #include "pane/views/SummaryPage.h"
 
-#include "PPDX/PPDObjects/Controls/PPDXControl.h"
 #include "pane/presentation/PageList.h"
 #include "pane/views/RoomyRows.h"
 
@@ -92,20 +91,11 @@ void SummaryPage::ShowSelected() {
 }
 
 void SummaryPage::ResetSelected() {
-    std::vector<PPDXControl*> controls;
+    std::vector<std::string> keywords;
     for (const QTreeWidgetItem* item : list->selectedItems()) {
-        if (PPDXControl* control =
-                context.editor.FindControl(item->data(0, keywordRole).toString().toStdString())) {
-            controls.push_back(control);
-        }
+        keywords.push_back(item->data(0, keywordRole).toString().toStdString());
     }
-    context.editor.EditAll([&] {
-        for (PPDXControl* control : controls) {
-            if (context.editor.LockOf(*control) == PaneLock::none) {
-                control->ResetToDefaultValue();
-            }
-        }
-    });
+    context.editor.Reset(keywords);
 }
 
 } // namespace torka

@@ -26,23 +26,16 @@ TwoWaySign::TwoWaySign(const PaneContext& paneContext, QWidget* parent)
 
 void TwoWaySign::Show(TwoWayState state) {
     shown = state;
-    PaneSign picture = PaneSign::ring;
-    QString text = context.Say(words::off);
-    QString hint;
-    if (state == TwoWayState::on) {
-        picture = PaneSign::dot;
-        text = context.Say(words::on);
-    } else if (state == TwoWayState::failed) {
-        picture = PaneSign::warning;
-        text = context.Say(words::twoWayFailed);
-        hint = context.Say(words::twoWayFailedHint);
-    }
+    const TwoWayNotice notice = twoWayNotice(context.texts, state);
+    const PaneSign picture = state == TwoWayState::off  ? PaneSign::ring
+                             : state == TwoWayState::on ? PaneSign::dot
+                                                        : PaneSign::warning;
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
     sign->setPixmap(paneIcon(picture).pixmap(QSize(size, size), devicePixelRatioF()));
-    label->setText(text);
+    label->setText(qText(notice.text));
     label->setForegroundRole(state == TwoWayState::off ? QPalette::PlaceholderText : QPalette::WindowText);
-    setPlainToolTip(*this, hint);
-    setAccessibleName(context.Say(words::twoWay, text));
+    setPlainToolTip(*this, qText(notice.hint));
+    setAccessibleName(qText(notice.spoken));
 }
 
 void TwoWaySign::changeEvent(QEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pane/presentation/TwoWayNotice.h"
 #include "pane/views/PaneContext.h"
 
 #include <QWidget>

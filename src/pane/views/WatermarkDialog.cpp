@@ -1,6 +1,7 @@
 #include "pane/views/WatermarkDialog.h"
 
 #include "pane/presentation/NumberScale.h"
+#include "pane/presentation/WatermarkEditing.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/WatermarkPreview.h"
 
@@ -12,11 +13,10 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
-#include <QRegularExpressionValidator>
 #include <QVBoxLayout>
+#include <QValidator>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace torka {
@@ -25,15 +25,16 @@ namespace {
 constexpr int clearColor = -1; // what an entry of the colours' list stands for, besides an RGB value
 constexpr int otherColor = -2;
 
-struct NamedColor {
-    const PaneWord* word;
-    int rgb;
-};
-constexpr std::array namedColors{
-    NamedColor{&words::watermarkBlack, 0x000000},     NamedColor{&words::watermarkGray, 0x808080},
-    NamedColor{&words::watermarkLightGray, 0xC8C8C8}, NamedColor{&words::watermarkRed, 0xD02020},
-    NamedColor{&words::watermarkOrange, 0xFF8C00},    NamedColor{&words::watermarkGreen, 0x208040},
-    NamedColor{&words::watermarkBlue, 0x2050C0},
+// Refuses each character that no font's name holds.
+class FontNameValidator final : public QValidator {
+public:
+    using QValidator::QValidator;
+    State validate(QString& typed, int& /*position*/) const override {
+        if (typed.isEmpty()) {
+            return Intermediate;
+        }
+        return isFontName(typed.toStdString()) ? Acceptable : Invalid;
+    }
 };
 
 QIcon swatch(const QColor& color, int side) {
@@ -121,18 +122,14 @@ void WatermarkDialog::MakeFields() {
     connect(colors, &QComboBox::activated, this, [this](int index) { ChooseColor(index); });
 }
 
-// The fonts that every controller has; others by their PostScript name.
 void WatermarkDialog::FillFonts() {
     font->setObjectName(QStringLiteral("watermarkFont"));
     font->setEditable(true);
     font->setInsertPolicy(QComboBox::NoInsert);
-    for (const char* name : {"Helvetica", "Helvetica-Bold", "Times-Roman", "Times-Bold", "Times-Italic",
-                             "Courier", "Courier-Bold"}) {
+    for (const char* name : watermarkFonts) {
         font->addItem(QString::fromLatin1(name));
     }
-    // Graphic ASCII characters but the delimiters of PostScript, "%", and the comma of definitions.
-    font->setValidator(new QRegularExpressionValidator(
-        QRegularExpression(QStringLiteral("[!-$&'*+.0-;=?-Z^-z|~-]{1,117}")), font));
+    font->setValidator(new FontNameValidator(font));
     font->setCurrentText(qText(before.fontName));
 }
 
@@ -190,8 +187,8 @@ QDoubleSpinBox* WatermarkDialog::MakeOffset(const char* name, std::int32_t point
     auto* box = new QDoubleSpinBox(this);
     box->setObjectName(QString::fromLatin1(name));
     const SizeScale scale(context.texts.language.metric);
-    const double most = std::max(1440.0, std::abs(static_cast<double>(points))) / scale.points;
-    box->setRange(-std::ceil(most), std::ceil(most));
+    const double largest = std::ceil(maximumOffset(points) / scale.points);
+    box->setRange(-largest, largest);
     box->setDecimals(scale.decimals);
     box->setSingleStep(context.texts.language.metric ? 5 : 0.25);
     box->setSuffix(QLatin1Char(' ') + context.Say(scale.unit));

@@ -1,10 +1,8 @@
 #include "pane/views/WatermarkPage.h"
 
-#include "pane/data/PDEData.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
-#include "pane/views/WatermarkDialog.h"
 #include "pane/views/WatermarkPreview.h"
 
 #include <QCheckBox>
@@ -15,13 +13,14 @@
 #include <QVBoxLayout>
 
 #include <memory>
-#include <utility>
+#include <optional>
 
 namespace torka {
 
 WatermarkPage::WatermarkPage(PaneContext& paneContext, QWidget* parent)
     : QWidget(parent)
     , context(paneContext)
+    , watermarks(paneContext.editor, *paneContext.data)
     , list(new QListWidget(this))
     , add(new QPushButton(context.Say(words::watermarkAdd), this))
     , edit(new QPushButton(context.Say(words::watermarkEdit), this))
@@ -51,24 +50,16 @@ WatermarkPage::WatermarkPage(PaneContext& paneContext, QWidget* parent)
     connect(add, &QPushButton::clicked, this, [this] { Add(); });
     connect(edit, &QPushButton::clicked, this, [this] { Edit(); });
     connect(remove, &QPushButton::clicked, this, [this] { Delete(); });
-    connect(firstPage, &QCheckBox::clicked, this, [this](bool checked) {
-        context.editor.EditAll([&] {
-            if (ZANWatermark* chosen = Chosen()) {
-                chosen->SetFirstPageOnly(checked ? "True" : "False");
-            }
-        });
-    });
+    connect(firstPage, &QCheckBox::clicked, this,
+            [this](bool checked) { watermarks.SetFirstPageOnly(checked); });
     Update();
 }
 
-ZANWatermark* WatermarkPage::Chosen() const { return context.data->Watermarks().Selected(); }
-
 void WatermarkPage::Update() {
-    WatermarkList& watermarks = context.data->Watermarks();
     const QSignalBlocker blocker(list);
     QStringList texts{context.Say(words::watermarkNone)};
-    for (std::size_t i = 0; i < watermarks.Count(); ++i) {
-        texts.append(qText(watermarks.At(i)->Text()));
+    for (const std::string& text : watermarks.Texts()) {
+        texts.append(qText(text));
     }
     while (list->count() > texts.size()) {
         delete list->takeItem(list->count() - 1);
@@ -80,34 +71,26 @@ void WatermarkPage::Update() {
         list->item(row)->setText(texts[row]);
         list->item(row)->setToolTip(plainToolTip(texts[row]));
     }
-    const ZANWatermark* chosen = Chosen();
-    list->setCurrentRow(chosen == nullptr ? 0 : watermarks.SelectedIndex() + 1);
+    const std::optional<WatermarkFields> chosen = watermarks.ChosenFields();
+    list->setCurrentRow(watermarks.Chosen() + 1);
     for (QWidget* widget : std::initializer_list<QWidget*>{edit, remove, firstPage}) {
-        widget->setEnabled(chosen != nullptr);
+        widget->setEnabled(chosen.has_value());
     }
-    firstPage->setChecked(chosen != nullptr && chosen->IsFirstPageOnly());
+    firstPage->setChecked(chosen && chosen->isFirstPageOnly);
     preview->TakePaper();
-    preview->Show(chosen == nullptr ? std::nullopt : std::optional(WatermarkFields::Of(*chosen)));
+    preview->Show(chosen);
 }
 
 void WatermarkPage::Select(int index) {
-    context.editor.EditAll([&] { context.data->Watermarks().Select(index); });
+    watermarks.Choose(index);
     Update();
 }
 
-void WatermarkPage::Add() {
-    WatermarkFields fields;
-    fields.text = context.Say(words::watermarkNew).toStdString();
-    fields.red = fields.green = fields.blue = 0xC8;
-    fields.angle = 450;
-    fields.fontSize = 96;
-    fields.fontName = "Helvetica-Bold";
-    OpenDialog(fields, WatermarkList::noSelection);
-}
+void WatermarkPage::Add() { OpenDialog(newWatermark(context.texts), WatermarkList::noSelection); }
 
 void WatermarkPage::Edit() {
-    if (const ZANWatermark* chosen = Chosen()) {
-        OpenDialog(WatermarkFields::Of(*chosen), context.data->Watermarks().SelectedIndex());
+    if (const auto chosen = watermarks.ChosenFields()) {
+        OpenDialog(*chosen, watermarks.Chosen());
     }
 }
 
@@ -115,58 +98,26 @@ void WatermarkPage::OpenDialog(const WatermarkFields& fields, int index) {
     dialog = new WatermarkDialog(context, fields, index == WatermarkList::noSelection, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowModality(Qt::WindowModal);
-    connect(dialog, &QDialog::accepted, this,
-            [this, index, opened = dialog.data()] { Replace(index, opened->Fields()); });
+    connect(dialog, &QDialog::accepted, this, [this, index, opened = dialog.data()] {
+        watermarks.Put(index, opened->Fields());
+        ListChanged();
+    });
     dialog->open();
 }
 
-// A watermark in the place of another, or a new one at the end; it is the chosen one from now on.
-void WatermarkPage::Replace(int index, const WatermarkFields& fields) {
-    WatermarkList& watermarks = context.data->Watermarks();
-    auto made = std::make_unique<ZANWatermark>(fields.Definition().c_str());
-    made->SetFirstPageOnly(fields.isFirstPageOnly ? "True" : "False");
-    const auto place = static_cast<std::size_t>(index);
-    auto all = watermarks.TakeAll();
-    if (index >= 0 && place < all.size()) {
-        all[place] = std::move(made);
-    } else {
-        index = static_cast<int>(all.size());
-        all.push_back(std::move(made));
-    }
-    for (auto& watermark : all) {
-        watermarks.Append(std::move(watermark));
-    }
-    watermarks.Select(index);
-    ListChanged();
-}
-
 void WatermarkPage::Delete() {
-    WatermarkList& watermarks = context.data->Watermarks();
-    const int index = watermarks.SelectedIndex();
-    if (Chosen() == nullptr) {
-        return;
+    if (watermarks.RemoveChosen()) {
+        ListChanged();
     }
-    auto all = watermarks.TakeAll();
-    all.erase(all.begin() + index);
-    for (auto& watermark : all) {
-        watermarks.Append(std::move(watermark));
-    }
-    watermarks.Select(WatermarkList::noSelection);
-    ListChanged();
 }
 
-// Storing may wait for the spooler, and the print dialog go on meanwhile: the panel is held.
+// Holds the panel: storing may run the event loop, in which the print dialog may let go of it.
 void WatermarkPage::ListChanged() {
     const std::shared_ptr<void> alive =
         context.panel == nullptr ? nullptr : context.panel->shared_from_this();
     Update();
-    context.editor.Refresh();
-    PDEData& paneData = *context.data;
-    if (paneData.Watermarks().Count() == 0) {
-        paneData.ForgetWatermarkPreferences();
-    } else {
-        paneData.SaveWatermarksToPreferences();
-    }
+    WatermarkEditing kept = watermarks; // this page may go meanwhile
+    kept.Keep();
 }
 
 // Return and Delete on the list.

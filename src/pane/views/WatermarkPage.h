@@ -1,6 +1,7 @@
 #pragma once
 
-#include "output/WatermarkFields.h"
+#include "output/WatermarkList.h"
+#include "pane/presentation/WatermarkEditing.h"
 #include "pane/views/PaneContext.h"
 #include "pane/views/WatermarkDialog.h"
 
@@ -14,7 +15,6 @@ class QPushButton;
 namespace torka {
 
 class WatermarkPreview;
-class ZANWatermark;
 
 // The watermarks of the printer and which of them this job prints, with its page. Choosing one is a setting
 // like others and can be undone; the list belongs to the printer and is stored when it is changed.
@@ -39,11 +39,10 @@ protected:
 private:
     void Select(int index);
     void OpenDialog(const WatermarkFields& fields, int index);
-    void Replace(int index, const WatermarkFields& fields);
     void ListChanged();
-    ZANWatermark* Chosen() const;
 
     PaneContext& context;
+    WatermarkEditing watermarks;
     QListWidget* list;
     QPushButton* add;
     QPushButton* edit;

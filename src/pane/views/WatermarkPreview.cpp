@@ -1,8 +1,7 @@
 #include "pane/views/WatermarkPreview.h"
 
-#include "pane/data/PDEData.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
-#include "platform/Printing.h"
+#include "pane/presentation/WatermarkEditing.h"
 
 #include <QPageSize>
 #include <QPainter>
@@ -14,18 +13,11 @@
 namespace torka {
 namespace {
 
-constexpr double mostPoints = 14400; // of a side; beyond it is no paper
-
 // The paper's size in points: the printer's, or the usual one of that name.
 QSizeF sizeOf(const PaneContext& context, const std::string& name) {
-    std::vector<Paper> papers;
-    const PMPrinter printer = context.panel == nullptr ? nullptr : context.panel->currentPrinter();
-    if (printer != nullptr && PMPrinterGetPaperList(printer, papers) == noErr) {
-        const auto paper = std::ranges::find(papers, name, &Paper::ppdPaperName);
-        if (paper != papers.end() && paper->width >= 1 && paper->height >= 1 && paper->width <= mostPoints &&
-            paper->height <= mostPoints) {
-            return {paper->width, paper->height};
-        }
+    if (const auto paper =
+            printerPaper(context.panel == nullptr ? nullptr : context.panel->currentPrinter(), name)) {
+        return {paper->width, paper->height};
     }
     for (int id = 0; id <= QPageSize::LastPageSize; ++id) {
         const auto size = static_cast<QPageSize::PageSizeId>(id);
@@ -37,22 +29,15 @@ QSizeF sizeOf(const PaneContext& context, const std::string& name) {
                            QPageSize::Point);
 }
 
-// A font of the screen that comes near the printer's.
-QFont screenFont(const WatermarkFields& fields) {
-    const QString name = qText(fields.fontName);
-    const auto has = [&](const char* part) {
-        return name.contains(QLatin1String(part), Qt::CaseInsensitive);
-    };
-    QFont font(name.section(QLatin1Char('-'), 0, 0));
-    if (has("Courier")) {
-        font.setStyleHint(QFont::TypeWriter);
-    } else if (has("Times") || has("Roman") || has("Song") || has("Ryumin")) {
-        font.setStyleHint(QFont::Serif);
-    } else {
-        font.setStyleHint(QFont::SansSerif);
-    }
-    font.setBold(has("Bold") || has("Demi"));
-    font.setItalic(has("Italic") || has("Oblique"));
+// A font of the screen that looks like the printer's.
+QFont screenFont(const std::string& printerFont) {
+    const FontLook look = fontLook(printerFont);
+    QFont font(qText(look.family));
+    font.setStyleHint(look.kind == FontLook::Kind::fixedPitch ? QFont::TypeWriter
+                      : look.kind == FontLook::Kind::serif    ? QFont::Serif
+                                                              : QFont::SansSerif);
+    font.setBold(look.isBold);
+    font.setItalic(look.isItalic);
     font.setStyleStrategy(QFont::PreferOutline);
     return font;
 }
@@ -79,9 +64,7 @@ void WatermarkPreview::Show(std::optional<WatermarkFields> shown) {
 void WatermarkPreview::TakePaper() {
     const PPDXControl* control = context.editor.FindControl("*PageSize");
     paper = sizeOf(context, control == nullptr ? std::string() : PaneEditor::Value(*control));
-    const std::uint16_t orientation =
-        context.data == nullptr ? kPMPortrait : context.data->GetPageOrientationFromOS();
-    if (orientation == kPMLandscape || orientation == kPMReverseLandscape) {
+    if (context.data != nullptr && isLandscape(*context.data)) {
         paper.transpose();
     }
     update();
@@ -127,7 +110,7 @@ void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
 // As the job's PostScript does: moved, turned about the middle, a third of the size below it.
 void WatermarkPreview::PaintText(QPainter& painter) const {
     constexpr int outlineSize = 100; // the outline is made at one size and scaled: sizes may be any number
-    QFont font = screenFont(*fields);
+    QFont font = screenFont(fields->fontName);
     font.setPixelSize(outlineSize);
     const QString text = qText(fields->text);
     const double width = QFontMetricsF(font).horizontalAdvance(text);

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "pane/presentation/PaneTexts.h"
+
+#include <string>
+
+namespace torka {
+
+// Two-way communication with the controller, as the pane's sign tells it.
+enum class TwoWayState { off, on, failed };
+
+TwoWayState twoWayState(bool isOn, bool hasFailed);
+
+struct TwoWayNotice {
+    std::string text;   // beside the sign
+    std::string hint;   // its tooltip; "" for none
+    std::string spoken; // for assistive technology
+};
+TwoWayNotice twoWayNotice(const PaneTexts& texts, TwoWayState state);
+
+} // namespace torka
