@@ -45,7 +45,7 @@ protected:
 
 TEST_F(Neighbours, ADiscoveredQueueAnswersForTheAddressThatIsStored) {
     if (!hasNeighbour()) {
-        return runWithNeighbour({"_ipp._tcp 631 Office Printer"});
+        return runWithNeighbour({"_ipp._tcp 631 - Office Printer"});
     }
     AddBackend("dnssd", R"(echo "ATTR: marker-names=Cyan marker-types=toner marker-levels=40" >&2)");
     const PMPrinter printer = AddQueue("Found", "dnssd://Office%20Printer._ipp._tcp.local/?uuid=1");

@@ -43,6 +43,14 @@ void runWithNeighbour(const std::vector<std::string>& services, const std::strin
     EXPECT_EQ(result.status, 0) << result.output << result.errors;
 }
 
+void endDaemon() { EXPECT_EQ(runCommand({"avahi-daemon", "--kill"}).status, 0); }
+
+void startDaemon() {
+    const CommandResult result =
+        runCommand({"avahi-daemon", "--no-drop-root", "--no-chroot", "--no-rlimits", "--daemonize"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+}
+
 std::vector<std::string> namesAsked() {
     std::istringstream text(readFile(std::filesystem::path(std::getenv(variable)) / "asked"));
     std::vector<std::string> names;

@@ -10,8 +10,12 @@ namespace torka::tests {
 // Whether this process runs on such a machine.
 bool hasNeighbour();
 // Runs the current test again on such a machine and tells its result; skips the test where none can be made.
-// The neighbour announces `services`, each "TYPE PORT NAME", and runs a program in Python, "" for none.
+// The neighbour announces `services`, each "TYPE PORT HOST NAME", HOST "-" for itself, and runs a program in
+// Python, "" for none.
 void runWithNeighbour(const std::vector<std::string>& services, const std::string& program = {});
+// Ends this machine's daemon, and starts it again.
+void endDaemon();
+void startDaemon();
 // The host names that the neighbour was asked for until now.
 std::vector<std::string> namesAsked();
 
