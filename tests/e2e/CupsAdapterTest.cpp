@@ -1,14 +1,9 @@
 #include "platform/cups/CupsPrinting.h"
-#include "platform/cups/CupsQueue.h"
 #include "platform/cups/CupsSpooler.h"
-#include "tests/apps/Tool.h"
 #include "tests/e2e/Sandbox.h"
 
 #include <algorithm>
-#include <chrono>
-
 #include <gtest/gtest.h>
-#include <thread>
 
 // Compares the printing interfaces with the client programs of a real server.
 
@@ -16,23 +11,17 @@ namespace torka::tests {
 
 namespace {
 
-class CupsAdapter : public SandboxTest {};
-
-// Waits up to 4 seconds until the job with this title is over.
-SpoolerJob jobWhenOver(const std::string& title) {
-    CupsSpooler spooler;
-    std::vector<SpoolerJob> jobs;
-    for (int i = 0; i < 200; ++i) {
-        EXPECT_TRUE(spooler.GetJobs(jobs));
-        const auto job = std::ranges::find(jobs, title, &SpoolerJob::title);
-        if (job != jobs.end() && jobStatus(job->id).IsOver()) {
-            spooler.GetJobs(jobs);
-            return *std::ranges::find(jobs, title, &SpoolerJob::title);
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+class CupsAdapter : public SandboxTest {
+protected:
+    // As the spooler lists it once it is over.
+    static SpoolerJob JobWhenOver(const CupsPrinter& printer) {
+        WaitForEnd(printer.CommandJob());
+        std::vector<SpoolerJob> jobs;
+        EXPECT_TRUE(CupsSpooler().GetJobs(jobs));
+        const auto job = std::ranges::find(jobs, printer.CommandJob(), &SpoolerJob::id);
+        return job == jobs.end() ? SpoolerJob() : *job;
     }
-    return {};
-}
+};
 
 TEST_F(CupsAdapter, PrinterTellsWhatTheServerKnows) {
     const std::string uri = "torkasink:/some%20place";
@@ -134,7 +123,8 @@ TEST_F(CupsAdapter, CommandJobCarriesTitleAndText) {
     const std::string title = "Command_Größe 用紙 $(id) ; %s";
     const std::string text = "one\n%n two\\ ::DELIMIT:: \xEF\xBB\xBF three";
     ASSERT_EQ(printer.SendCommand(cfString(text), cfString(title), CFDictionaryCreate({})), noErr);
-    const SpoolerJob job = jobWhenOver(title);
+    const SpoolerJob job = JobWhenOver(printer);
+    EXPECT_EQ(job.title, title);
     EXPECT_EQ(job.destination, "Told");
     EXPECT_EQ(job.state, jobStateCompleted);
     EXPECT_EQ(sandbox->Printed(job.id), "root|" + title + "|Told|" + text);
@@ -142,11 +132,11 @@ TEST_F(CupsAdapter, CommandJobCarriesTitleAndText) {
     EXPECT_EQ(CupsPrinter("NoSuchQueue").SendCommand(cfString("x"), cfString("x"), nullptr), kPMGeneralError);
     ASSERT_EQ(printer.SendCommand(cfString("again"), cfString("Command_Again"), nullptr), noErr)
         << "the connection is fit for use after a refusal";
-    EXPECT_EQ(jobWhenOver("Command_Again").state, jobStateCompleted);
+    EXPECT_EQ(JobWhenOver(printer).state, jobStateCompleted);
     sandbox->Restart();
     ASSERT_EQ(printer.SendCommand(cfString(" "), cfString("Command_Later"), nullptr), noErr)
         << "the server was restarted meanwhile";
-    EXPECT_EQ(jobWhenOver("Command_Later").state, jobStateCompleted);
+    EXPECT_EQ(JobWhenOver(printer).state, jobStateCompleted);
 }
 
 } // namespace

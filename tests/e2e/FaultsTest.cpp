@@ -1,4 +1,5 @@
 #include "bidi/records/RecordWriter.h"
+#include "tests/e2e/Noise.h"
 #include "tests/e2e/ServerData.h"
 
 #include <algorithm>
@@ -64,14 +65,6 @@ protected:
     }
 };
 
-std::string noise(std::size_t size) {
-    std::string text;
-    for (unsigned seed = 1; text.size() < size; seed = seed * 1103515245U + 12345U) {
-        text += static_cast<char>('!' + (seed >> 16U) % 90);
-    }
-    return text;
-}
-
 TEST_F(Faults, AFullDiskFailsTheCommandAndKeepsWhatWasThere) {
     const PMPrinter printer = AddQueue("Full");
     const std::filesystem::path folder = *sandbox / "root/var/cache/torka";
@@ -125,6 +118,24 @@ TEST_F(Faults, AFullDiskLosesATicketWholly) {
     EXPECT_EQ(printed.status, 1);
     EXPECT_NE(printed.errors.find("No space left on device"), std::string::npos) << printed.errors;
     EXPECT_FALSE(std::filesystem::exists(*sandbox / "root/Library/Caches/ZAN/big"));
+}
+
+TEST_F(Faults, AWaitOutlivesARestartOfTheServer) {
+    AddQueue("Restarted");
+    CupsPrinter printer("Restarted");
+    const std::string title = SendHeld(printer, "<plist/>");
+    int questions = 0;
+    EXPECT_TRUE(isJobComple(title, [&](const WaitProgress&) {
+        ++questions;
+        if (questions == 1) {
+            sandbox->Stop();
+        } else if (questions == 3) { // two had no answer
+            sandbox->Start();
+            Release(printer);
+        }
+    }));
+    EXPECT_GE(questions, 3);
+    EXPECT_EQ(utf8FromWide(CPPDMsgHdlr(ppdPath, "DriverPreference").GetStringData()), "<plist/>");
 }
 
 TEST_F(Faults, AQueueThatIsDeletedEndsTheWait) {

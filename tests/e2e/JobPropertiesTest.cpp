@@ -7,16 +7,13 @@
 #include "pane/panel/BundleHelpers.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/panel/UI_Panel.h"
-#include "platform/cups/CupsQueue.h"
 #include "platform/memory/MemoryAlerts.h"
 #include "platform/memory/MemoryBundle.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/posix/PosixLibraryLoader.h"
 #include "tests/e2e/ServerData.h"
 
-#include <chrono>
 #include <gmock/gmock.h>
-#include <thread>
 
 // Runs the full properties: from the pane through a real server and its filter to the sample module in its
 // own library, back into the model, and from there into the printed job. Also runs every other end of a
@@ -164,9 +161,7 @@ protected:
         const int job = submitFile(queue, samplePath("plain.ps"), "proof",
                                    {{std::string(ticketPathSetting), utf8Text(ticket)}}, error);
         EXPECT_NE(job, 0) << error;
-        for (int i = 0; i < 250 && !jobStatus(job).IsOver(); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
+        WaitForEnd(job);
         return sandbox->Printed(job);
     }
 

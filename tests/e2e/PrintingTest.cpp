@@ -1,17 +1,13 @@
 #include "bidi/commands/SpoolerCommands.h"
 #include "output/BundleIdentifier.h"
 #include "platform/cups/CupsPrinting.h"
-#include "platform/cups/CupsQueue.h"
-#include "tests/apps/Tool.h"
 #include "tests/e2e/Sandbox.h"
 
-#include <chrono>
 #include <cups/cups.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sstream>
-#include <thread>
 
 // Prints jobs with settings from the command line to the device, through the server's own filters.
 
@@ -23,20 +19,6 @@ constexpr const char* sampleUuid = "5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
 
 class Printing : public SandboxTest {
 protected:
-    static void AddQueue(const std::string& name, const std::string& uri = "torkasink:/") {
-        const CommandResult result = runTool({"queue", "add", name, uri, samplePath("torka-production.ppd")});
-        ASSERT_EQ(result.status, 0) << result.errors;
-    }
-
-    static JobStatus WaitForEnd(int job) {
-        JobStatus status = jobStatus(job);
-        for (int i = 0; i < 250 && !status.IsOver(); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            status = jobStatus(job);
-        }
-        return status;
-    }
-
     // Sends a job that names a ticket; the ticket need not exist.
     static JobStatus PrintWithTicket(const std::string& queue, const std::string& path, int& job,
                                      const std::string& title = "proof") {
@@ -263,10 +245,10 @@ TEST_F(Printing, AFilterThatCrashesOrIsCancelledFailsItsJobAndNoOther) {
         ASSERT_EQ(sent.status, 0) << sent.errors;
         const int job = jobNumber(sent);
         const std::filesystem::path part = *sandbox / ("printed/." + std::to_string(job) + ".part");
-        std::error_code none;
-        for (int i = 0; i < 200 && !(std::filesystem::file_size(part, none) >= 65536 && !none); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
+        EXPECT_TRUE(WaitUntil([&part] {
+            std::error_code none;
+            return std::filesystem::exists(part) && std::filesystem::file_size(part, none) >= 65536;
+        }));
         const int worker = filterBelow(filterBelow(std::stoi(readFile(*sandbox / "cupsd.pid"))));
         ASSERT_NE(worker, 0);
         if (number != 0) {
@@ -279,10 +261,7 @@ TEST_F(Printing, AFilterThatCrashesOrIsCancelledFailsItsJobAndNoOther) {
         EXPECT_EQ(end.state, number != 0 ? 6 : 7);
         EXPECT_TRUE(number == 0 || end.message.find("signal " + std::to_string(number)) != std::string::npos)
             << end.message;
-        for (int i = 0; i < 250 && kill(worker, 0) == 0; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        EXPECT_NE(kill(worker, 0), 0);
+        EXPECT_TRUE(WaitUntil([worker] { return kill(worker, 0) != 0; }));
         std::filesystem::remove(*sandbox / "printed/release");
     }
     std::ofstream(*sandbox / "printed/release") << "";

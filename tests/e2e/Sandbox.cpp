@@ -1,9 +1,11 @@
 #include "tests/e2e/Sandbox.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <sstream>
+#include <thread>
 #include <unistd.h>
 
 namespace torka::tests {
@@ -88,6 +90,26 @@ void SandboxTest::TearDown() {
     if (HasFailure() && sandbox != nullptr) {
         std::cerr << sandbox->ErrorLog();
     }
+}
+
+void SandboxTest::AddQueue(const std::string& name, const std::string& uri) {
+    const CommandResult result = runTool({"queue", "add", name, uri, samplePath("torka-production.ppd")});
+    EXPECT_EQ(result.status, 0) << result.errors;
+}
+
+bool SandboxTest::WaitUntil(const std::function<bool()>& condition) {
+    for (int i = 0; i < 1000; ++i) {
+        if (condition()) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return false;
+}
+
+platform::JobStatus SandboxTest::WaitForEnd(int job) {
+    WaitUntil([job] { return platform::jobStatus(job).IsOver(); });
+    return platform::jobStatus(job);
 }
 
 } // namespace torka::tests

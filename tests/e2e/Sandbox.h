@@ -1,8 +1,10 @@
 #pragma once
 
-#include "tests/support/TestSupport.h"
+#include "platform/cups/CupsQueue.h"
+#include "tests/apps/Tool.h"
 
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
@@ -43,6 +45,11 @@ class SandboxTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+
+    static void AddQueue(const std::string& name, const std::string& uri = "torkasink:/");
+    // True as soon as the condition is; false after 20 seconds.
+    static bool WaitUntil(const std::function<bool()>& condition);
+    static platform::JobStatus WaitForEnd(int job);
 
     Sandbox* sandbox = nullptr;
 };

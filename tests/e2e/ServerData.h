@@ -9,7 +9,6 @@
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"
 #include "platform/posix/PosixSystem.h"
-#include "tests/apps/Tool.h"
 #include "tests/e2e/Sandbox.h"
 
 #include <filesystem>
@@ -40,8 +39,7 @@ protected:
     }
 
     PMPrinter AddQueue(const std::string& name, const std::string& uri = "torkasink:/") {
-        const CommandResult result = runTool({"queue", "add", name, uri, samplePath("torka-production.ppd")});
-        EXPECT_EQ(result.status, 0) << result.errors;
+        SandboxTest::AddQueue(name, uri);
         ppdPath = *sandbox / ("etc/ppd/" + name + ".ppd");
         EXPECT_TRUE(fillBidiFilePaths(ppdPath, paths));
         return std::make_shared<CupsPrinter>(name);
