@@ -6,6 +6,7 @@
 #include "PPDX/PPDObjects/Interface/UTF8Level.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/Utilities/ModelState.h"
+#include "PPDX/Utilities/PostScriptText.h"
 #include "output/DynamicOption.h"
 #include "output/WorkflowUpload.h"
 #include "output/ZANWatermark.h"

@@ -3,7 +3,7 @@
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/Utilities/ModelState.h"
-#include "output/DynamicOption.h"
+#include "PPDX/Utilities/PostScriptText.h"
 #include "output/ZANJobTicket.h"
 #include "platform/Log.h"
 #include "platform/System.h"

@@ -2,6 +2,7 @@
 #include "PPDX/KVEngine/KVCache.h"
 #include "PPDX/KVEngine/UIConstraints.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include "tests/model/ModelFixtures.h"
@@ -145,6 +146,11 @@ TEST(Control, InjectionTable) {
         {note, "*QVDSFileName", "(<*QVDSFileName>)", "a\\b", "(a\\\\b)"},
         {note, "*QVDSPassword", "<*QVDSPassword>", "x", "x"},
         {note, "*QVDSUserName", "<*QVDSUserName>", "x", "x"},
+        // A value with balanced parentheses keeps its bytes, whatever else it has.
+        {note, "*QVDSUserName", "(<*QVDSUserName>)", "a (b) % {\n", "(a (b) % {\n)"},
+        {note, "*QVDSUserName", "% (\n(by <*QVDSUserName>) <*QVDSUserName>", ") stop",
+         "% (\n(by \\051 stop) (\\051 stop)"},
+        {note, "*QVNote", "%% <*QVNote>\n<*QVNote> (<*QVNote>)", "(5\n)", "%% (5 )\n((5 )) ((5 ))"},
         // A value that equals its own placeholder is inserted once. So is one that forms a new placeholder
         // together with its surroundings.
         {CNTL_TYPE::range, "*R", "<*R> <*R>", "<*R><*R>", "<*R><*R> <*R><*R>"},
@@ -186,6 +192,35 @@ TEST(Control, InjectedNotesAreWholeStringsToAnInterpreter) {
         const CommandResult result = runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-"}, program);
         EXPECT_EQ(result.status, 0) << result.errors;
         EXPECT_EQ(result.output, nasty);
+    }
+}
+
+// No text that a person types ends its string or its comment, in any template that keeps it readable.
+TEST(Control, ReadableNotesRunAsTextToAnInterpreter) {
+    const char* texts[] = {
+        "Report (final",    "draft) quit", "\\ \\",      "the end\\",  ")(",       "a\\)(b",   "((()",
+        "(whole) \\( quit", "line\nquit",  "line\rquit", "page\fquit", "} quit {", "> quit <", "quit quit"};
+    const std::pair<const char*, const char*> templates[] = {
+        {"*QVDSFileName", "(<*QVDSFileName>) print flush\n"},
+        {"*QVDSFileName",
+         "% by (<*QVDSFileName>\n<a> pop << /K (\\)<*QVDSFileName>) >> /K get 1 1 index length 1 sub "
+         "getinterval print flush\n"},
+        {"*QVDSFileName", "/S <*QVDSFileName> def <<*QVDSFileName>> pop S print flush\n"},
+        {"*QVNote", "%%ZANNote: <*QVNote>\n(comment) print flush\n"},
+    };
+    for (const auto& [keyword, place] : templates) {
+        const PPDXControl control(CNTL_TYPE::jobNote, definitionOf(keyword, place));
+        std::string program; // of all texts, one behind the other
+        std::string expected;
+        for (const std::string text : texts) {
+            std::string code;
+            control.Inject(keyword, control.PSData(), control.PSLength(), text.c_str(), code);
+            program += code;
+            expected += std::string(keyword) == "*QVNote" ? "comment" : text;
+        }
+        std::ranges::replace(expected, '\r', '\n'); // every line end in a string reads as a line feed
+        const CommandResult result = runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-"}, program);
+        EXPECT_EQ(result.output + result.errors, expected) << program;
     }
 }
 

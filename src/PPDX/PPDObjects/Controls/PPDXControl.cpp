@@ -3,6 +3,7 @@
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/NumberText.h"
 #include "PPDX/PPDObjects/StoredRecord.h"
+#include "PPDX/Utilities/PostScriptText.h"
 
 #include <algorithm>
 #include <array>
@@ -92,6 +93,48 @@ std::string withDoubledBackslashes(std::string_view value) {
         doubled.append(c == '\\' ? 2 : 1, c);
     }
     return doubled;
+}
+
+// Returns the text as a template's place holds it. It can leave neither its string nor its comment. In code
+// it is one token.
+std::string textAt(PostScriptScanner::Place place, std::string_view text) {
+    const bool isToken = std::ranges::all_of(text, isRegularCharacter);
+    switch (place) {
+    case PostScriptScanner::Place::string:
+        return asStringBody(text);
+    case PostScriptScanner::Place::comment:
+        return withoutLineBreaks(text);
+    case PostScriptScanner::Place::code:
+        return isToken ? std::string(text) : "(" + asStringBody(text) + ")";
+    case PostScriptScanner::Place::hexString:
+    case PostScriptScanner::Place::base85String:
+        break;
+    }
+    std::string digits;
+    appendHex(text, digits);
+    return isToken ? std::string(text) : digits;
+}
+
+// Does the same as replaceAll with a text that a person typed, written as its place needs it.
+bool replaceTyped(std::string_view psTemplate, std::string_view part, std::string_view text,
+                  std::string& out) {
+    // The longest form of one byte is an octal escape of four characters; the parentheses add two.
+    const std::size_t count = countOf(psTemplate, part);
+    if (psTemplate.size() > largestInjection ||
+        (count > 0 && text.size() * 4 + 2 > (largestInjection - psTemplate.size()) / count)) {
+        return false;
+    }
+    PostScriptScanner scanner;
+    std::size_t from = 0;
+    for (auto at = psTemplate.find(part); at != std::string_view::npos; at = psTemplate.find(part, from)) {
+        const std::string_view before = psTemplate.substr(from, at - from);
+        scanner.Read(before);
+        out += before;
+        out += textAt(scanner.Where(), text);
+        from = at + part.size();
+    }
+    out += psTemplate.substr(from);
+    return true;
 }
 
 unsigned char* put(unsigned char* out, std::string_view bytes) {
@@ -234,10 +277,10 @@ bool PPDXControl::FindControlFlag(const char* name) const {
 }
 
 // A job note's value is any text that a user typed. It becomes a PostScript hex string: no character in it
-// can end the string or act as an operator. Parentheses of the template around it are removed. In a template
-// that begins with "%%", a comment, the value stays as it is.
-// All texts are bytes here. Reading and writing them as Mac Roman preserves every byte, so texts in other
-// encodings are unharmed.
+// can end the string or act as an operator. Parentheses of the template around it are removed. Where the
+// value stays readable (a field of the document server, a template that is a comment), its place decides what
+// must be escaped; no line break leaves a template that begins with "%%". All texts are bytes here. Reading
+// and writing them as Mac Roman preserves every byte, so texts in other encodings are unharmed.
 long PPDXControl::Inject(const char* name, const unsigned char* psTemplate, long templateLength,
                          const char* value, std::string& out) const try {
     out.clear();
@@ -249,19 +292,20 @@ long PPDXControl::Inject(const char* name, const unsigned char* psTemplate, long
     if (given.size() > largestInjection) {
         return 0;
     }
-    std::string prepared;
-    if (asHex) {
-        prepared = "<";
-        appendHex(given, prepared);
-        prepared += ">";
-    } else {
-        prepared = isComment ? std::string(given) : withDoubledBackslashes(given);
-    }
     const std::string placeholder = "<" + std::string(name ? name : "") + ">";
-    if (!replaceAll(text, placeholder, prepared, out)) {
-        return 0;
+    bool isWhole = false;
+    if (asHex) {
+        std::string hex = "<";
+        appendHex(given, hex);
+        hex += ">";
+        isWhole = replaceAll(text, placeholder, hex, out) && replaceAll(out, "(" + hex + ")", hex, out);
+    } else {
+        const std::string prepared = isComment ? withoutLineBreaks(given) : withDoubledBackslashes(given);
+        isWhole = type == CNTL_TYPE::jobNote ? replaceTyped(text, placeholder, prepared, out)
+                                             : replaceAll(text, placeholder, prepared, out);
     }
-    if (asHex && !replaceAll(out, "(" + prepared + ")", prepared, out)) {
+    if (!isWhole) {
+        out.clear();
         return 0;
     }
     return static_cast<long>(out.size());
@@ -285,7 +329,8 @@ long PPDXControl::GeneratePSOutputData(unsigned char* out, const unsigned char* 
     if (out) {
         out = put(put(out, begin), name);
         *out++ = ' ';
-        out = put(out, option);
+        // A line break in the option would end the comment.
+        out = put(out, withoutLineBreaks(option));
         *out++ = '\n';
         put(put(out, body), end);
     }

@@ -95,9 +95,9 @@ public:
     long PSLength() const { return psLength; }
     UIConstraints* Constraints() const { return constraints; }
 
-    // Replaces every "<name>" of the template by `value`; a job note's value becomes a hex string (see the
-    // source). Does not search an inserted value again. Returns the length of `out`, 0 when memory runs out
-    // or the result would exceed 64 MiB.
+    // Replaces every "<name>" of the template by `value`. A job note's value becomes a hex string or is
+    // escaped as its place needs it (see the source). Does not search an inserted value again. Returns the
+    // length of `out`, 0 when memory runs out or the result could exceed 64 MiB.
     long Inject(const char* name, const unsigned char* psTemplate, long templateLength, const char* value,
                 std::string& out) const;
     // Writes "%%BeginFeature: KEYWORD OPTION", the bytes (a single line feed for none) and "%%EndFeature";

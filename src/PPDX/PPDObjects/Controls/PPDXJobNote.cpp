@@ -3,7 +3,6 @@
 #include "PPDX/PPDObjects/StoredRecord.h"
 #include "platform/TextEncoding.h"
 
-#include <algorithm>
 #include <array>
 
 namespace torka {
@@ -111,12 +110,9 @@ long PPDXJobNote::PostScriptWith(const char* text, unsigned char* out) const {
     if (PSLength() <= 0) {
         return 0;
     }
-    std::string option(text);
-    std::ranges::replace_if(
-        option, [](char c) { return c == '\n' || c == '\r'; }, ' ');
     std::string injected;
     const long length = Inject(Keyword(), PSData(), PSLength(), text, injected);
-    return GeneratePSOutputData(out, bytesOf(injected), length, option, true);
+    return GeneratePSOutputData(out, bytesOf(injected), length, text, true);
 }
 
 void PPDXJobNote::Restore(Settings& settings, int index) {
