@@ -65,7 +65,7 @@ Result<std::string> queueServerData(const std::string& queueName, const std::str
         printer, request.title, request.text, requests.randomStringForBIDIFile(), paths, file, observer);
     if (outcome != ServerDataOutcome::read) {
         const bool isBadAddress = outcome == ServerDataOutcome::connectionError && isInvalidPrinterAddress();
-        return Fault{"no server data: " + outcomeText(outcome) +
+        return Fault{std::string("no server data: ") + outcomeText(outcome) +
                          (isBadAddress && !address.empty() ? " at " + printable(address) : ""),
                      printable(queueName)};
     }

@@ -1,4 +1,4 @@
-#include "bidi/SpoolerCommands.h"
+#include "bidi/commands/SpoolerCommands.h"
 #include "tests/pane/UIPanelFixture.h"
 
 #include <gmock/gmock.h>
