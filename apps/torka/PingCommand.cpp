@@ -57,12 +57,16 @@ ExitStatus runPing(const PingOptions& options) {
         if (const int error = exchangeEcho(*socket, address, sequence, options.timeout, replied)) {
             return fail(error);
         }
-        const std::string place = std::to_string(sequence + 1) + " of " + std::to_string(options.count);
+        std::string line = who;
+        line.append(replied == 0 ? ": no reply to echo " : ": reply to echo ");
+        line.append(std::to_string(sequence + 1))
+            .append(" of ")
+            .append(std::to_string(options.count))
+            .append("\n");
+        print(line);
         if (replied == 0) {
-            print(who + ": no reply to echo " + place + "\n");
             return ExitStatus::findings;
         }
-        print(who + ": reply to echo " + place + "\n");
         if (outputFailed()) {
             break; // the reader has gone
         }

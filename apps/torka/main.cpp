@@ -7,14 +7,19 @@
 #include <CLI/Formatter.hpp>
 
 #include <csignal>
+#include <cstdio>
+#include <exception>
+#include <new>
 #include <utility>
 
 // The command-line tool. Its commands and their JSON are a public interface; docs/torka.md describes them.
 
-int main(int argc, char** argv) {
-    using namespace torka;
-    using tool::ExitStatus;
+namespace {
 
+using namespace torka;
+using tool::ExitStatus;
+
+int run(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     platform::protectProcess();
     platform::removePrivateFolderOnSignals();
@@ -52,4 +57,22 @@ int main(int argc, char** argv) {
         status = tool::unusable("standard output cannot be written");
     }
     return static_cast<int>(status);
+}
+
+// Without the C++ library's streams and strings: memory may be what is missing.
+int failed(const char* reason) noexcept {
+    std::fprintf(stderr, "torka: %s\n", reason);
+    return static_cast<int>(ExitStatus::unusable);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        return failed("not enough memory");
+    } catch (const std::exception& error) {
+        return failed(error.what());
+    }
 }

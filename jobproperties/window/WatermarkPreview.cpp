@@ -62,7 +62,7 @@ void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
         return;
     }
     // Lines represent the page's content.
-    for (double y = 90; y < sheet.height() - 70; y += 22) {
+    for (int y = 90; y < sheet.height() - 70; y += 22) {
         painter.fillRect(QRectF(70, y, y > sheet.height() - 120 ? 220 : sheet.width() - 140, 7),
                          QColor(228, 228, 228));
     }

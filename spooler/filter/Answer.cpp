@@ -61,7 +61,7 @@ std::string dataFileText(const AskedBy& asked, const std::vector<ControllerRecor
 
 // Writes the record that tells the pane whether the address is wrong. A failure is only logged.
 void putAddressRecord(const std::string& queue, const char* isInvalid) {
-    if (const Result<void> put = putRecords(queue, {{std::string(addressRecord), isInvalid}}); !put) {
+    if (Result<void> put = putRecords(queue, {{std::string(addressRecord), isInvalid}}); !put) {
         tellDebug(std::string(addressRecord) + ": " + put.Why().text);
     }
 }
@@ -82,7 +82,7 @@ Result<void> writeAnswer(const AskedBy& asked, const ControllerAnswer& answer, Q
         records.emplace_back(record.name, record.payload);
     }
     records.emplace_back(addressRecord, "no");
-    const Result<void> put = putRecords(asked.queue, std::move(records));
+    Result<void> put = putRecords(asked.queue, std::move(records));
     if (!put) {
         putAddressRecord(asked.queue, "no");
     }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <memory>
-#include <ranges>
 #include <sched.h>
 #include <seccomp.h>
 #include <sys/prctl.h>
@@ -94,7 +93,7 @@ int addRules(scmp_filter_ctx list, Network network) {
         refuseFamilies(SCMP_A0(SCMP_CMP_NE, AF_UNIX));
         return failure;
     }
-    for (const scmp_datum_t family : std::views::iota(scmp_datum_t{0}, scmp_datum_t{AF_MAX})) {
+    for (scmp_datum_t family = 0; family < AF_MAX; ++family) {
         // A resolver uses AF_NETLINK to read the machine's own addresses.
         if (family != AF_UNIX && family != AF_INET && family != AF_INET6 && family != AF_NETLINK) {
             refuseFamilies(SCMP_A0(SCMP_CMP_EQ, family));

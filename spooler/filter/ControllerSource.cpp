@@ -43,6 +43,7 @@ std::vector<ControllerRecord> recordsOf(const std::filesystem::path& place, std:
         readRecords(place / std::string(kind).append(".").append(language), found);
     }
     std::vector<ControllerRecord> records;
+    records.reserve(found.size());
     for (auto& [name, payload] : found) {
         records.push_back({name, std::move(payload)});
     }

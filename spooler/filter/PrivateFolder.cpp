@@ -114,11 +114,10 @@ FileResult<OpenFile> PrivateFolder::Create(std::string_view name, std::string_vi
     }
     std::error_code error;
     const ssize_t written = ::write(file.Descriptor(), content.data(), content.size());
-    if (written < 0 || ::flock(file.Descriptor(), LOCK_EX) != 0) {
-        error = lastError();
-    } else if (static_cast<std::size_t>(written) != content.size()) {
+    if (written >= 0 && static_cast<std::size_t>(written) != content.size()) {
         error = std::make_error_code(std::errc::no_space_on_device);
-    } else if (::link(temporary.c_str(), (place() / name).c_str()) != 0) { // never replaces another file
+    } else if (written < 0 || ::flock(file.Descriptor(), LOCK_EX) != 0 ||
+               ::link(temporary.c_str(), (place() / name).c_str()) != 0) { // never replaces another file
         error = lastError();
     }
     ::unlink(temporary.c_str());

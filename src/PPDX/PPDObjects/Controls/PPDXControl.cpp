@@ -238,11 +238,12 @@ void PPDXControl::Restore(Settings&, int) {}
 
 CFStringRef PPDXControl::CopyCurrentControlValueString() const { return nullptr; }
 
-void PPDXControl::SetCurrentControlWithCFString(CFStringRef) {}
+// Overrides keep the text.
+void PPDXControl::SetCurrentControlWithCFString(CFStringRef) {} // NOLINT(performance-unnecessary-value-param)
 
 CFStringRef PPDXControl::CopyPresetValueString() const { return CopyCurrentControlValueString(); }
 
-void PPDXControl::SetPresetValueString(CFStringRef text) { SetCurrentControlWithCFString(text); }
+void PPDXControl::SetPresetValueString(CFStringRef text) { SetCurrentControlWithCFString(std::move(text)); }
 
 bool PPDXControl::IsInstallableOption() const { return false; }
 
