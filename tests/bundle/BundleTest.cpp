@@ -339,13 +339,26 @@ TEST_F(BundleTest, EveryLanguageHasEveryText) {
             EXPECT_EQ(languages[language].size(), english.size()) << language << ": " << table;
         }
     }
-    // The defaults in the source are the English texts.
-    const auto bidi = allTables("BidiStrings")["en"];
-    EXPECT_EQ(bidi.at("BIDI_SPOOLER_DELAY_S"),
-              "Two-Way Communication with the Torka controller cannot be established");
-    EXPECT_EQ(bidi.at("IP_NOT_CONFIG"), "The IP Address or DNS Name must be assigned.");
-    EXPECT_EQ(bidi.at("INVALID_IP_ADDRESS"), "You have entered an invalid IP Address or DNS Name");
-    EXPECT_EQ(bidi.at("PRESS_OKAY"), "Press OK to enter a new IP Address or DNS Name.");
+    // The defaults in the source are the English texts, and no text of the source is without a table.
+    EXPECT_EQ(runPython(R"PY(
+import pathlib, plistlib, re, sys
+root = pathlib.Path(sys.argv[1])
+tables = {}
+for name in ("BidiStrings", "Localizable"):
+    tables |= plistlib.loads((root / f"bundle/Resources/en.lproj/{name}.strings").read_bytes())
+told, asked = {}, set()
+for folder in ("src", "bundle"):
+    for path in (root / folder).rglob("*.cpp"):
+        source = path.read_text().replace(r"\u2026", chr(0x2026))
+        for key, text in re.findall(r'"([A-Za-z_ ]+)",\s*((?:"[^"]*"\s*)+)', source):
+            told.setdefault(key, set()).add("".join(re.findall('"([^"]*)"', text)))
+        asked |= set(re.findall(r'\b(?:Text|translate|bidiString|LocalizedString)\(\s*"([A-Za-z_ ]+)",\s*"', source))
+for key in sorted(asked | tables.keys()):
+    if told.get(key) != {tables.get(key)}:
+        print(key, told.get(key), tables.get(key))
+)PY",
+                        {TORKA_SOURCE_DIR}),
+              "");
 }
 
 QProgressDialog* shownWait() {

@@ -18,8 +18,8 @@ constexpr std::array<std::string_view, 14> expertHueKeeperControls = {
     "*QVOutProfile",   "*QVSpotColors",    "*QVPureBlack",    "*QVBlkOvpCtrl",  "*QVKOnlyGrayCMYK",
     "*QVKOnlyGrayRGB", "*QVPaperSim",      "*QVSpotPriority", "*QVGrayOverride"};
 
-// Some names stand here twice and two lack their asterisk: the table is kept so, since it is compared with
-// stored settings of other versions.
+// The table keeps its two names that stand twice and its two names without asterisk: settings that other
+// versions stored are compared with it.
 constexpr std::array<std::string_view, 96> hiddenControls = {"*QVMMInUse",
                                                              "*QVMMInsType",
                                                              "*QVMMCover",

@@ -18,7 +18,8 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t longestChoice = 255; // bytes; the longest option keyword that PPD 4.3 allows is 40
+// Bytes. PPD 4.3 allows option keywords of at most 40.
+constexpr std::size_t maximumChoiceLength = 255;
 
 std::string textOf(const PPDXControl& control) { return utf8Text(control.CopyCurrentControlValueString()); }
 
@@ -87,7 +88,7 @@ bool setSeveral(PPDXPopupControl& popup, std::string_view text) {
             popup.SetKeywordSelect(choice.c_str(), false);
         }
     }
-    // Last, because the constraint store hears of the choice that is set last.
+    // The selected choice is set last: the constraint store takes the choice that is set last.
     for (const std::string& choice : chosen) {
         popup.SetKeywordSelect(choice.c_str(), true);
     }
@@ -98,7 +99,7 @@ bool setSeveral(PPDXPopupControl& popup, std::string_view text) {
 bool set(PPDXControl&, const std::string&) { return false; }
 
 bool set(PPDXPopupControl& popup, const std::string& text) {
-    if (text.size() > longestChoice || !isPlain(text)) {
+    if (text.size() > maximumChoiceLength || !isPlain(text)) {
         return false;
     }
     if (popup.CanSelectMultipleItems()) {
@@ -182,7 +183,7 @@ CFStringRef cutToNote(const PPDXJobNote& note, const std::string& text) {
         return whole;
     }
     const CFStringRef start = CFStringCreateWithSubstring(whole, 0, note.MaxLength());
-    return cfString(utf8Text(start)); // half of a pair at its end becomes U+FFFD
+    return cfString(utf8Text(start)); // half of a surrogate pair at its end becomes U+FFFD
 }
 
 std::string keyThroughRecord(std::string_view key) {

@@ -5,7 +5,7 @@
 
 namespace torka {
 
-// UTF-8 that fits into `size` bytes with its terminator, not cut within a character.
+// Cuts UTF-8 text to `size` bytes with its terminator, at the border of a character.
 inline std::string cutText(std::string text, std::size_t size) {
     if (text.size() < size) {
         return text;

@@ -11,7 +11,7 @@
 #include <cstring>
 #include <utility>
 
-// Construction, the controller's address, and the questions about single controls.
+// Construction, the controller's address, and questions about single controls.
 
 namespace torka {
 
@@ -31,7 +31,7 @@ std::string cutPath(std::string path) {
     return path;
 }
 
-// A whole file at once, so that nobody meets half a description. False leaves no copy.
+// Writes the whole file at once, so that no reader gets a part of a description. False when no copy is left.
 bool copyFile(const std::string& from, const std::filesystem::path& to) {
     std::string content;
     const platform::WipeGuard<std::string> guard(content);
@@ -53,7 +53,7 @@ PDEData::PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access, Addre
     ResetCorvianPrinterList();
     bool ipEnabled = false;
     mPrinterAddress = GetCorvianPrinterAddress(&ipEnabled);
-    // A printer seen for the first time gets an entry with the address of its queue.
+    // A new printer gets an entry with the address of its queue.
     SetCorvianPrinterAddress(mPrinterAddress, ipEnabled);
     ResetAccountPairs();
 }

@@ -19,7 +19,7 @@
 
 namespace torka {
 
-// Of an account pair, in wide characters with terminator. The longest key fills its place.
+// Sizes of an account pair, in wide characters with terminator. The longest key fills its size.
 inline constexpr std::size_t accountKeySize = 19;
 inline constexpr std::size_t accountValueSize = 512;
 
@@ -28,19 +28,19 @@ class ZANCorvianPrinterPList;
 class ZANJobTicket;
 enum class EmissionPurpose;
 
-// The pane's data of one panel: what binds the description to the print dialog's session and settings, the
-// settings that have no control of their own, the controller's address, and what the administrator's template
-// hides or locks.
+// The data of one panel. It joins the description with the session and the print settings of the print
+// dialog. It keeps the settings that have no control, the address of the controller, and what the management
+// template hides or locks.
 //
-// Refers to the description, which must outlive it; owns everything else. The print settings and the page
-// format are set anew before each save, restore and print. Not thread-safe.
+// Refers to the description, which must outlive it, and owns everything else. The caller sets the print
+// settings and the page format before each save, restore and print. Not thread-safe.
 class PDEData final : public EmissionSource {
 public:
-    // Makes the store of the address list, each time that the list is read anew.
+    // Makes the store of the address list, each time that the list is read.
     using AddressStoreMaker = std::function<std::unique_ptr<PropertyListStore>()>;
 
     PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access);
-    // With an address list of its own; nobody is asked to save the one of the queue.
+    // With another store for the address list than that of the queue.
     PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access, AddressStoreMaker addressStore);
     ~PDEData() override;
 
@@ -59,47 +59,49 @@ public:
     // In the order in which they are emitted.
     std::array<SettingList*, 4> SideLists() { return {&mMixedMedia, &mPadCover, &mSlipSheet, &mCoverPage}; }
     std::span<WideSetting> AccountPairs() { return mAccountPairs; }
-    // Back to their keys with the value "-1".
+    // Resets the account pairs to their keys and the value "-1".
     void ResetAccountPairs();
 
     // The host of the queue's device URI; "" without one, and for AppleTalk and Bonjour queues.
     CFStringRef GetPrinterAddress() const;
-    // The printer's address in the address list, or that of its queue when the list has none. Null without a
-    // list. The second form also tells whether two-way communication is on, when there is an entry.
+    // The printer's address: that of the address list, or that of its queue when the list has none. Null
+    // without a list. The second form also tells whether two-way communication is on, when the list has an
+    // entry.
     CFStringRef GetCorvianPrinterAddress();
     CFStringRef GetCorvianPrinterAddress(bool* ipEnabled);
     bool SetCorvianPrinterAddress(const CFStringRef& address, bool ipEnabled);
-    // Why the queue did not keep what was saved last, as its filter said; "" when it said nothing.
+    // Why the queue did not keep what was saved last, in the words of its filter; "" for none.
     std::string AddressListReason() const;
-    // Reads the list anew; whether it was loaded.
+    // Reads the list again. Returns whether it was loaded.
     bool ResetCorvianPrinterList();
     bool SetIPAddressEnabled(bool enabled);
-    // Two-way communication is on exactly when this is true. Refreshes the address last found.
+    // Whether two-way communication is on. Also refreshes the address that was found last.
     bool isBIDIEnabled();
     bool isFirstLaunch() const { return mAddressFromQueue; }
 
     std::uint32_t GetNumCopiesFromOS() const;
     std::uint16_t GetPageOrientationFromOS() const;
-    // The input tray chosen in the system's own pane, as UTF-8 in at most `size` bytes; empty when there is
-    // none. Always 0: callers look at the buffer.
+    // The input tray of the system's own pane, as UTF-8 in at most `size` bytes; empty for none. Always
+    // returns 0: callers look at the buffer.
     std::int32_t GetPrimayPaperFeedFromOS(char* buffer, std::int64_t size);
 
     bool IsValidBasicPanelControl(const PPDXControl* control);
 
-    // What the administrator's template says of a keyword, up to whose first "*" everything is dropped.
+    // What the management template says about a keyword. The part of the keyword before its first "*" is
+    // dropped.
     bool dmtHides(std::string_view keyword);
     bool dmtLocks(std::string_view keyword);
-    // Appends "*" and the key for every key that the template shows or hides. False for an empty document or
-    // one that is no UTF-8.
+    // Appends "*" and the key for every key that the template shows or hides. False for an empty document and
+    // for one that is not UTF-8.
     bool fetchHiddenKeysFromDMTXML(std::vector<std::string>& keys) const;
-    // Takes the template's control values over: into the lists, the account pairs and the print settings. The
-    // counts of mixed media and pad covers start at 0, those of slip sheets and cover pages go on from where
-    // they stand.
+    // Takes over the template's control values: into the lists, the account pairs and the print settings. The
+    // counts of mixed media and pad covers begin at 0. The counts of slip sheets and cover pages continue
+    // from their present values.
     bool dmtSetNonPPDKeys();
 
-    // -1 without print settings, else the status of the last write.
+    // Returns -1 without print settings, else the status of the last write.
     std::int32_t SaveNonPSSettings();
-    // -1 without print settings, else 0. The first restore also takes over the template's own keys.
+    // Returns -1 without print settings, else 0. The first restore also takes over the template's own keys.
     std::int32_t RestoreNonPSSettings();
 
     // The quick-access entries of this printer, kept in the address list. False without a printer name.
@@ -109,15 +111,15 @@ public:
     // The watermark definitions of this printer, kept in the address list.
     // Writes nothing while there is no watermark.
     void SaveWatermarksToPreferences();
-    // The last one was deleted: none is kept any more.
+    // Removes all kept definitions, after the last watermark was deleted.
     void ForgetWatermarkPreferences();
-    // False only without a current printer.
+    // False without a current printer, else true.
     bool GetWatermarksFromPreferences();
 
-    // Adds every chosen setting to the ticket, see FeatureEmission. Always 0.
+    // Adds every chosen setting to the ticket; see FeatureEmission. Always returns 0.
     std::int32_t OutPostscriptData(ZANJobTicket& ticket, const PMPrintSession& session,
                                    EmissionPurpose purpose);
-    // What the last emission left out because it could not be protected.
+    // The notes that the last emission left out because it could not protect them.
     const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
 
     // EmissionSource
@@ -160,7 +162,7 @@ private:
     std::string mPPDCopyPath;
     PMPrintSettings mPrintSettings;
     QueueAccess queue;
-    AddressStoreMaker makeAddressStore; // empty: the queue's
+    AddressStoreMaker makeAddressStore; // empty: the store of the queue
     PMPageFormat mPageFormat;
     std::unique_ptr<ZANCorvianPrinterPList> mCorvianList;
     CFStringRef mPrinterName;
@@ -168,7 +170,7 @@ private:
     bool mAddressFromQueue = false;
 
     std::int32_t lastWriteStatus = 0;
-    bool twoWayEnabled = false; // as isBIDIEnabled() found it for the emission under way
+    bool twoWayEnabled = false; // during an emission, as isBIDIEnabled() found it
     bool templateKeysTaken = false;
     enum class CurveAdjust { unknown, absent, present };
     CurveAdjust curveAdjust = CurveAdjust::unknown;

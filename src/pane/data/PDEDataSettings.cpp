@@ -9,8 +9,8 @@
 
 #include <algorithm>
 
-// What the pane keeps between dialogs: settings without a control in the print settings, quick access and
-// watermarks in the printer's entry of the address list.
+// What the pane keeps between dialogs. Settings without a control go into the print settings; quick access
+// and watermarks go into the printer's entry of the address list.
 
 namespace torka {
 
@@ -86,7 +86,7 @@ void PDEData::RestoreWatermarkChoice() {
     CFNumberGetValue(cfCast<CFNumber>(ReadSetting(".SelectedWatermarkKey")), index);
     const bool isStored = index >= 0 && static_cast<std::size_t>(index) < StoredWatermarkCount();
     mWatermarks.Select(isStored ? index : WatermarkList::noSelection);
-    // Any present value sets the flag, whatever the number.
+    // Any present value sets the flag, whatever its number.
     if (ReadSetting("WatermarkFirstPageInfo") && mWatermarks.Selected() != nullptr) {
         mWatermarks.Selected()->SetFirstPageOnly("True");
     }
@@ -94,7 +94,7 @@ void PDEData::RestoreWatermarkChoice() {
 
 void PDEData::RestoreAccountPairs() {
     for (WideSetting& pair : mAccountPairs) {
-        // A pair that the module named has no asterisk, its place in the print settings always has one.
+        // A key in the print settings always has an asterisk. The pair has none once the module has named it.
         const std::string key = (pair.key.starts_with(L'*') ? "" : "*") + utf8FromWide(pair.key);
         const auto text = cfCast<CFString>(ReadSetting(key));
         pair.value = text ? wideFromUtf8(utf8Text(text)).substr(0, accountValueSize - 1) : L"-1";
@@ -194,7 +194,7 @@ std::size_t PDEData::StoredWatermarkCount() const {
     return mPrinterName && mCorvianList ? KeptRows(watermarkBlock).size() : 0;
 }
 
-// Puts a block of rows into the printer's entry and saves the list.
+// Writes a block of rows into the printer's entry and saves the list.
 bool PDEData::KeepRows(int block, const std::vector<std::string>& texts) {
     std::vector<DataRow> rows(texts.size());
     for (std::size_t i = 0; i < texts.size(); ++i) {

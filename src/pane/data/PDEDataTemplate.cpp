@@ -7,8 +7,8 @@
 
 #include <algorithm>
 
-// What the administrator's management template says. It is searched as text: a document that is broken
-// elsewhere still hides and locks what it names.
+// Reads the management template. The template is searched as text, so that a document with a defect elsewhere
+// still hides and locks the controls that it names.
 
 namespace torka {
 
@@ -22,7 +22,7 @@ std::string_view afterAsterisk(std::string_view keyword) {
     return asterisk == std::string_view::npos ? keyword : keyword.substr(asterisk + 1);
 }
 
-// The section's text within the category; empty when either is missing.
+// The text of the section within the category; empty when either is missing.
 std::string_view sectionText(std::string_view xml, std::string_view section) {
     const std::size_t category = xml.find(categoryStart);
     if (category == std::string_view::npos) {
@@ -64,7 +64,7 @@ bool PDEData::TemplateSays(std::string_view keyword, std::string_view section, s
     if (entry == std::string_view::npos) {
         return false;
     }
-    // The entry's end is looked for in the whole document, as its value is.
+    // The search for the end of the entry covers the whole document, as the search for its value does.
     const std::size_t from = static_cast<std::size_t>(text.data() - xml.data()) + entry;
     const std::size_t end = xml.find("/>", from);
     const std::size_t found = xml.find(value, from);

@@ -7,7 +7,7 @@
 
 namespace torka {
 
-// Limits of the tree; what goes past them is refused and logged.
+// Limits of the tree. An entry beyond a limit is refused and logged.
 inline constexpr std::size_t maximumTreeGroups = 30;
 inline constexpr std::size_t maximumTreeControls = 255; // of one group
 inline constexpr std::size_t maximumQuickAccess = 99;
@@ -19,8 +19,8 @@ struct PPDTreeControl {
     std::string keyword;
 };
 
-// One control of the quick-access area. `position` is 100 x (the group's index + 1) + the control's index in
-// that group, 0 while it stands in no group.
+// One control of the quick-access area. `position` is 100 x (index of the group + 1) + index of the control
+// in the group; 0 for a control outside all groups.
 struct PPDTreeQuickAccess {
     std::string userName;
     std::string keyword;

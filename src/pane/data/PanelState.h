@@ -7,19 +7,20 @@
 #include <string>
 #include <string_view>
 
-// The process-wide state of the pane: one copy per loaded plug-in, read and written by the host's main thread
-// alone. gEndOfPPD, gDocumentServer and the popup job notes' flags that the model reads are in ModelState.h,
-// the server's language in bidi/module/JobPropertiesState.h, the panel model's in UI_Panel.h.
+// The process-wide state of the pane, one copy for each loaded plug-in. Only the main thread of the host
+// reads and writes it. Other such state: gEndOfPPD, gDocumentServer and the flags of the popup job notes in
+// ModelState.h, the language of the server in bidi/module/JobPropertiesState.h, the state of the panel model
+// in UI_Panel.h.
 
 namespace torka {
 
 class TorkaFeaturesPDE;
 
-// The newest panel, and the one before it while two exist. Written by TorkaFeaturesPDE at its start and end;
-// neither ever names a panel that is gone.
+// The newest panel, and the one before it while two exist. TorkaFeaturesPDE writes them at its start and end.
+// Neither names a panel that has ended.
 extern TorkaFeaturesPDE* sTorkaFeaturesPDE;
 extern TorkaFeaturesPDE* sTorkaFeaturesPDEsaved;
-// The end of the next panel leaves the two above as they are. Written by TorkaFeaturesPDE.
+// True: the end of the next panel leaves the two pointers above unchanged. Written by TorkaFeaturesPDE.
 extern bool invalidDeallocCall;
 
 // A text of fixed capacity, the terminator counted in. Written by TorkaFeaturesPDE at its start.
@@ -40,10 +41,10 @@ extern char gPopupJobNotesSavedEnable;   // '0' or '1'
 extern char gPopupJobNotesSavedSetting;  // '0' or '1'
 extern char gPopupJobNotesSavedShowLast; // '0' or '1'
 
-// Everything of the popup job notes as a new panel finds it.
+// Sets all variables of the popup job notes to the values with which a new panel begins.
 void resetPopupJobNotes();
 
-// True when the popup job notes were looked for and none was found: then nothing of them is done.
+// True when the description was searched for popup job notes and has none.
 inline bool hasNoPopupJobNotes() { return gPopupJobNotesDoneInitializing && !gPopupJobNotesFoundOne; }
 
 // Given state; nothing here reads it

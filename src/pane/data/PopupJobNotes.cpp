@@ -16,12 +16,12 @@ namespace torka {
 namespace {
 
 constexpr std::size_t leadingCharacters = 3;
-constexpr std::size_t mostValueBytes = 4096;
-constexpr std::size_t mostPreferenceBytes = 65536;
-constexpr std::string_view nothingStored = "010"; // what a queue without stored preferences stands for
+constexpr std::size_t maximumValueBytes = 4096;
+constexpr std::size_t maximumPreferenceBytes = 65536;
+constexpr std::string_view nothingStored = "010"; // the preferences of a queue that stores none
 constexpr std::string_view recordMessage = "PopupJnData";
 
-// What the queue keeps, as far as this process knows.
+// The preferences that the queue keeps, as far as this process knows.
 std::string& knownPreferences() {
     static std::string text(nothingStored);
     return text;
@@ -61,14 +61,14 @@ void lookForPopupJobNotes(const ZANPPD& model) {
 }
 
 std::vector<PPDXJobNote*> popupJobNotes(const ZANPPD& model) {
-    constexpr std::size_t mostFields = 15;
+    constexpr std::size_t maximumFields = 15;
     std::vector<PPDXJobNote*> notes;
     model.GetControls()->ForEach([&](PPDXControl* control) {
         auto* note = dynamic_cast<PPDXJobNote*>(control);
         if (note == nullptr || note->Keyword() == nullptr || !note->IsPopupJN()) {
             return;
         }
-        if (notes.size() < mostFields) {
+        if (notes.size() < maximumFields) {
             notes.push_back(note);
         } else {
             myNSLogC("The popup job-note dialog has no field left for %s.", note->Keyword());
@@ -114,7 +114,7 @@ std::string popupJobNotePreferences(const ZANPPD& model) {
             return;
         }
         const std::string value = utf8Text(note->CopyNotes());
-        if (!value.empty() && value.size() <= mostValueBytes && text.size() < mostPreferenceBytes) {
+        if (!value.empty() && value.size() <= maximumValueBytes && text.size() < maximumPreferenceBytes) {
             text += '\n';
             text += note->Keyword();
             text += '=';
@@ -138,7 +138,7 @@ void applyPopupJobNotePreferences(ZANPPD& model) {
         const std::string_view line = rest.substr(0, end);
         rest.remove_prefix(std::min(end + 1, rest.size()));
         const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos || line.size() > 3 * mostValueBytes) {
+        if (equals == std::string_view::npos || line.size() > 3 * maximumValueBytes) {
             continue;
         }
         const std::string keyword(line.substr(0, equals));
@@ -159,7 +159,7 @@ void readPopupJobNotePreferencesFrom(std::string_view ppdPath) {
     }
     ZANPPD::SetPUJNPrefsReader([path = std::string(ppdPath)]() -> std::optional<std::string> {
         std::string text = utf8FromWide(CPPDMsgHdlr(path, recordMessage).GetStringData());
-        if (text.size() > mostPreferenceBytes + mostValueBytes) {
+        if (text.size() > maximumPreferenceBytes + maximumValueBytes) {
             text.clear();
         }
         knownPreferences() = text.empty() ? std::string(nothingStored) : text;

@@ -17,13 +17,13 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t mostFileBytes = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t maximumFileBytes = std::size_t{16} * 1024 * 1024;
 constexpr unsigned fileMode = 0600;
-constexpr std::size_t mostFileName = 200; // bytes; file systems take 255
-constexpr CFIndex mostListEntries = 4096;
+constexpr std::size_t maximumFileName = 200; // bytes; file systems take 255
+constexpr CFIndex maximumListEntries = 4096;
 
-// Any printer name as one file name: what could mean something to a file system becomes "%" and two
-// hexadecimal digits. A long name is cut and told apart by a number made of the whole (FNV-1a, 64 bits).
+// Makes one file name of any printer name. A character that a file system may interpret becomes "%" and two
+// hexadecimal digits. A long name is cut and ends in a hash of the whole name (FNV-1a, 64 bits).
 std::string fileNameFor(const std::string& printerName) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string name;
@@ -39,8 +39,8 @@ std::string fileNameFor(const std::string& printerName) {
             name += {'%', digits[byte >> 4], digits[byte & 15]};
         }
     }
-    if (name.size() > mostFileName) {
-        name.resize(mostFileName - 17);
+    if (name.size() > maximumFileName) {
+        name.resize(maximumFileName - 17);
         name += '-';
         for (int shift = 60; shift >= 0; shift -= 4) {
             name += digits[(mark >> shift) & 15];
@@ -49,7 +49,7 @@ std::string fileNameFor(const std::string& printerName) {
     return name + ".plist";
 }
 
-// What a property list in XML can hold.
+// Whether a property list in XML can hold the text.
 bool isPlainText(const CFStringRef& text) {
     return text && std::none_of(text->units.begin(), text->units.end(), [](char16_t unit) {
                return (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') || unit >= 0xFFFE;
@@ -90,11 +90,11 @@ CFArrayRef asArray(std::span<const WideSetting> entries) {
     return CFArrayCreate(std::move(values));
 }
 
-// Pairs of texts; whatever else the array holds is passed over.
+// Reads pairs of texts. Other elements of the array are skipped.
 std::vector<WideSetting> entriesOf(const CFTypeRef& value) {
     std::vector<WideSetting> entries;
     const auto array = cfCast<CFArray>(value);
-    for (CFIndex i = 0; i < std::min(CFArrayGetCount(array), mostListEntries); ++i) {
+    for (CFIndex i = 0; i < std::min(CFArrayGetCount(array), maximumListEntries); ++i) {
         const auto pair = cfCast<CFArray>(CFArrayGetValueAtIndex(array, i));
         const auto key = cfCast<CFString>(CFArrayGetValueAtIndex(pair, 0));
         const auto text = cfCast<CFString>(CFArrayGetValueAtIndex(pair, 1));
@@ -135,7 +135,7 @@ PresetStore::PresetStore(const CFStringRef& printerName, ZANPPD& description, PD
 PresetStore::Content PresetStore::Read() const {
     Content content;
     std::string xml;
-    const std::error_code failure = system().ReadFile(file, mostFileBytes, xml);
+    const std::error_code failure = system().ReadFile(file, maximumFileBytes, xml);
     if (failure == std::errc::no_such_file_or_directory) {
         return content;
     }
@@ -214,7 +214,7 @@ void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
     const auto values = cfCast<CFDictionary>(CFDictionaryGetValue(settings, u"Values"));
     forEachKeptControl(model, [&](PPDXControl& control) {
         if (data.dmtLocks(control.Keyword())) {
-            return; // the administrator's
+            return; // the management template locks it
         }
         control.ResetToDefaultValue();
         const auto value = cfCast<CFString>(CFDictionaryGetValue(values, cfString(control.Keyword())));

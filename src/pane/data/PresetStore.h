@@ -12,13 +12,13 @@ namespace torka {
 class PDEData;
 class ZANPPD;
 
-// The named sets of settings of one printer, and the settings that were used last. docs/presets.md tells the
-// file.
+// The named sets of settings of one printer, and the settings that were used last. docs/presets.md describes
+// the file.
 //
-// Refers to the description and the pane's data, which must outlive it. The file is read anew before each
-// change, so that two dialogs at once lose no more than the order in which they wrote. A set holds every
-// control's value but installable options, the page size, and notes that are secret (isSecretNote), which
-// enter no file; it also holds the watermark's choice and the lists that have no control of their own.
+// Refers to the description and the pane's data, which must outlive it. It reads the file before each change,
+// so that a second dialog's changes are kept. A set holds the values of all controls except installable
+// options, the page size and secret notes (isSecretNote), which are never written to a file. It also holds
+// the choice of watermark and the lists that have no control.
 class PresetStore {
 public:
     static constexpr std::size_t maximumPresets = 200;
@@ -27,33 +27,33 @@ public:
     enum class Result {
         done,
         badName,    // empty, too long, or with control characters
-        nameTaken,  // Rename: another set has the name
+        nameTaken,  // another set has the new name
         notFound,   // no set of that name
         full,       // maximumPresets are kept
-        notWritten, // the file could not be written; what is kept is as it was
+        notWritten, // the file could not be written; it is unchanged
     };
 
     PresetStore(const CFStringRef& printerName, ZANPPD& model, PDEData& paneData);
     PresetStore(const PresetStore&) = delete;
     PresetStore& operator=(const PresetStore&) = delete;
 
-    // In the order in which they were first saved, UTF-8.
+    // UTF-8, in the order in which the sets were first saved.
     std::vector<std::string> Names() const;
-    // Keeps the settings as they are now, in place of the set of that name if there is one.
+    // Saves the present settings. Replaces a set of the same name.
     Result Save(std::string_view name);
-    // Controls that the set does not name, and choices that the description has no longer, go to or stay at
-    // their defaults.
+    // A control that the set does not name gets its default. So does a control whose saved choice the
+    // description no longer has.
     Result Apply(std::string_view name);
     Result Rename(std::string_view from, std::string_view to);
     Result Remove(std::string_view name);
 
-    // What Save would keep now, to be compared by CFEqual.
+    // The settings that Save would write now, for comparison by CFEqual.
     CFDictionaryRef PresentSettings() const;
-    // The first set that holds exactly these settings; "" for none.
+    // The first set with exactly these settings; "" for none.
     std::string NameOf(const CFDictionaryRef& settings) const;
 
     Result RememberLastUsed();
-    // notFound when nothing was used yet.
+    // Returns notFound when no settings were used yet.
     Result ApplyLastUsed();
 
     const std::filesystem::path& File() const { return file; }

@@ -33,12 +33,12 @@ KeyKind keyKind(std::wstring_view key) {
 }
 
 void SettingList::SetCount(std::int64_t newCount) {
-    const auto most = static_cast<std::int64_t>(capacity);
-    if (newCount > most) {
+    const auto maximum = static_cast<std::int64_t>(capacity);
+    if (newCount > maximum) {
         myNSLogC("A list of %s claims %lld entries; %zu are kept.", name, static_cast<long long>(newCount),
                  capacity);
     }
-    count = static_cast<std::size_t>(std::clamp<std::int64_t>(newCount, 0, most));
+    count = static_cast<std::size_t>(std::clamp<std::int64_t>(newCount, 0, maximum));
     slots.resize(std::max(slots.size(), count));
 }
 

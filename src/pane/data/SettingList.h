@@ -11,12 +11,12 @@
 
 namespace torka {
 
-// Where a setting without a control belongs, by the prefix of its key without asterisk.
+// The list to which a setting without a control belongs, by the prefix of its key without asterisk.
 enum class KeyKind { mixedMedia, padCover, slipSheet, coverPage, account, other };
 KeyKind keyKind(std::wstring_view key);
 
 // An ordered list of settings with a fixed capacity. The count says how many slots are in use. A slot that
-// was never filled holds empty texts; one that falls out of use keeps its texts until it is filled again.
+// was never filled holds empty texts. A slot that falls out of use keeps its texts until it is filled again.
 class SettingList {
 public:
     SettingList(const char* listName, std::size_t slotCapacity)
@@ -27,17 +27,16 @@ public:
     std::size_t Capacity() const { return capacity; }
     std::span<const WideSetting> Entries() const { return {slots.data(), count}; }
 
-    // Held to 0 and the capacity.
+    // Values outside 0 to the capacity are clamped.
     void SetCount(std::int64_t newCount);
-    // False, with a line in the log, past the capacity.
+    // Returns false and logs the setting when the list is full.
     bool Append(WideSetting setting) { return FillSlot(count, std::move(setting)); }
-    // Fills a slot whatever the count, which grows by one with each call (slots are then filled from 0 while
-    // the count goes on from where it stood). False, with a line in the log, when either would pass the
-    // capacity.
+    // Fills the slot `index` and increases the count by one, whatever the count was: the two may differ.
+    // Returns false and logs the setting when either would exceed the capacity.
     bool FillSlot(std::size_t index, WideSetting setting);
     // REQUIRES: index < Count()
     WideSetting& At(std::size_t index) { return slots[index]; }
-    // Forgets the texts, too.
+    // Also clears the texts.
     void Clear();
 
 private:

@@ -10,8 +10,8 @@ namespace torka {
 
 class PDEData;
 
-// What a panel keeps beside the controls, as a value: the lists without a control, the account pairs, and the
-// chosen watermark. The watermarks themselves belong to the printer.
+// The settings of a panel outside its controls, as a value: the lists without a control, the account pairs,
+// and the chosen watermark. The watermarks themselves belong to the printer.
 struct SideSettings {
     std::array<std::vector<WideSetting>, 4> lists; // in the order of PDEData::SideLists
     std::array<WideSetting, 4> accounts;
@@ -19,7 +19,7 @@ struct SideSettings {
     bool firstPageOnly = false;
 
     static SideSettings Of(PDEData& data);
-    // A watermark that the printer has no longer is passed over: none is chosen then.
+    // When the printer no longer has the watermark, none is chosen.
     void PutInto(PDEData& data) const;
     bool operator==(const SideSettings&) const = default;
 };

@@ -10,18 +10,18 @@ namespace torka {
 class PPDXControl;
 class PPDXControls;
 
-// Kept as the dynamicColourKeywords are: its value lives in a job note, too.
+// The control bar. Like the dynamicColourKeywords it also has a job note that holds its value.
 inline constexpr const char* controlBarKeyword = "*QVControlBar";
-// What names the preset of the server that the settings came from.
+// The notes that name the server preset from which the settings came.
 inline constexpr std::array<const char*, 3> serverPresetKeywords = {"*PresetType", "*PresetName",
                                                                     "*PresetTimestampModified"};
 
-// These two are kept without the conversion that the others' values take.
+// The two notes that are stored without the conversion of the other notes.
 constexpr bool takesValueAsItIs(std::string_view keyword) {
     return keyword == "*QVSpotPriority" || keyword == "*QVGrayOverride";
 }
 
-// The control of that keyword that is no job note; null for none.
+// The control of that keyword, job notes left out; null for none.
 PPDXControl* settingControl(const PPDXControls& controls, const char* keyword);
 
 } // namespace torka

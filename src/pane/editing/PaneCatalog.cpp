@@ -16,7 +16,7 @@ std::string shownText(const CFStringRef& text, std::string_view fallback) {
     return std::string(trimmed.empty() ? fallback : trimmed);
 }
 
-// Of a check box's state.
+// The name of a check box's state.
 std::string stateName(const char* text, const char* fallback) {
     return shownText(text == nullptr ? nullptr : CFStringCreateWithCString(text, CFStringGetSystemEncoding()),
                      fallback);
@@ -26,7 +26,7 @@ bool isRange(const PPDXControl& control) {
     return control.Type() == CNTL_TYPE::range || control.Type() == CNTL_TYPE::floatRange;
 }
 
-// A range tells its unit at the end of its name, in parentheses: "Creep (1/100 mm)".
+// The name of a range ends in its unit, in parentheses: "Creep (1/100 mm)".
 void splitUnit(PaneField& field) {
     const std::size_t open = field.name.rfind('(');
     if (!isRange(*field.control) || open == std::string::npos || open == 0 || field.name.back() != ')') {
@@ -35,8 +35,8 @@ void splitUnit(PaneField& field) {
     const std::string inner = field.name.substr(open + 1, field.name.size() - open - 2);
     const std::string_view unit = trimBlanks(inner);
     const std::string_view name = trimBlanks(std::string_view(field.name).substr(0, open));
-    constexpr std::size_t longestUnit = 12; // bytes; what is longer is a remark
-    if (unit.empty() || unit.size() > longestUnit || name.empty()) {
+    constexpr std::size_t maximumUnitLength = 12; // bytes; a longer text in parentheses is no unit
+    if (unit.empty() || unit.size() > maximumUnitLength || name.empty()) {
         return;
     }
     field.unit = unit;
@@ -114,7 +114,7 @@ void PaneCatalog::AddPages(const ZANPPD& ppd, const std::function<bool(std::stri
         if (!isShown(*control, hides)) {
             return;
         }
-        // Job notes that carry a colour control's value to the controller are no fields of their own.
+        // A job note that holds the value of a colour control is no field of its own.
         CNTL_TYPE type{};
         if (control->Type() == CNTL_TYPE::jobNote && all.Find(control->Keyword(), type, true) != control) {
             return;

@@ -40,19 +40,19 @@ struct PaneGroup {
 
 struct PanePage {
     std::string keyword;
-    std::string name; // "" for the installable options, which the view names
+    std::string name; // "" for the installable options; the presentation names them
     std::vector<PaneGroup> groups;
     bool installable = false;
 };
 
-// What the pane shows of a description and where: pages of groups of fields, in the description's order,
-// without what is hidden there or by the management template. Last come the installable options.
+// The pages, groups and fields that the pane shows, in the order of the description. What the description or
+// the management template hides is left out. The installable options come last.
 //
-// Refers to the description. Made anew when controls were added to it; choices are asked for each time, since
-// the controller may replace them.
+// Refers to the description. The editor makes a new catalogue when controls were added. Choices are read at
+// each call, because the controller may replace them.
 class PaneCatalog {
 public:
-    // `hides`: what the management template leaves out, by keyword; may be empty.
+    // `hides`: whether the management template hides a keyword; may be empty.
     PaneCatalog(const ZANPPD& ppd, const std::function<bool(std::string_view)>& hides);
     PaneCatalog(const PaneCatalog&) = delete;
     PaneCatalog& operator=(const PaneCatalog&) = delete;
@@ -61,9 +61,9 @@ public:
     std::size_t FieldCount() const { return byKeyword.size(); }
     // Null when no page shows the keyword.
     const PaneField* Find(std::string_view keyword) const;
-    // A field of any control, on a page or not.
+    // The field of any control, whether a page shows it or not.
     static PaneField FieldOf(PPDXControl& control);
-    // Every field, in order.
+    // Calls `visit` with every field, in order.
     void ForEach(const std::function<void(const PaneField&)>& visit) const;
 
 private:
@@ -74,11 +74,11 @@ private:
     std::unordered_map<std::string_view, const PaneField*> byKeyword; // the first of each
 };
 
-// Of a popup or a check box (on, then off), in order; none for other controls.
+// The choices of a popup, or of a check box (on, then off), in order. None for other controls.
 std::vector<PaneChoice> choicesOf(const PPDXControl& control);
-// The name for people of one choice; its keyword when the control does not have it.
+// The name of a choice for people; its keyword when the control has no such choice.
 std::string choiceName(const PPDXControl& control, std::string_view choiceKeyword);
-// The name for people of an element, without the blanks around it; its keyword when it is empty.
+// The name of an element for people, without the blanks around it; its keyword when the name is empty.
 std::string nameOf(const PPDXElement& element);
 
 } // namespace torka

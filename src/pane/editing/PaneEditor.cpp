@@ -11,7 +11,7 @@
 namespace torka {
 namespace {
 
-constexpr std::size_t mostSteps = 200; // that can be undone
+constexpr std::size_t maximumSteps = 200; // that can be undone
 
 bool choosesSeveral(const PPDXControl& control) {
     const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
@@ -142,7 +142,7 @@ bool PaneEditor::EditAll(const std::function<void()>& change) {
     if (paneData != nullptr) {
         before = SideSettings::Of(*paneData);
     }
-    isEditing = true; // what is redrawn on the way counts at the end
+    isEditing = true; // drawings within `change` are taken up at its end
     change();
     isEditing = false;
     const bool remade = TakeUpNewControls();
@@ -204,7 +204,7 @@ void PaneEditor::Record(Step step, bool continues, PaneChange::Kind kind, bool r
             done.back().values.front().after = std::move(step.values.front().after);
         } else {
             done.push_back(std::move(step));
-            if (done.size() > mostSteps) {
+            if (done.size() > maximumSteps) {
                 done.erase(done.begin());
             }
         }
@@ -216,7 +216,7 @@ void PaneEditor::Record(Step step, bool continues, PaneChange::Kind kind, bool r
 void PaneEditor::Tell(const PaneChange& change) {
     conflicts.reset();
     resolution.reset();
-    for (std::size_t i = 0; i < listeners.size(); ++i) { // one may add another
+    for (std::size_t i = 0; i < listeners.size(); ++i) { // a listener may add another
         listeners[i](change);
     }
 }

@@ -20,7 +20,7 @@ namespace torka {
 class PDEData;
 class UIConstraints;
 
-// A setting as constraints see it: a keyword and one of its choices. The names come from the description.
+// A setting as the constraints name it: a keyword and one of its choices.
 struct PaneSetting {
     std::string keyword; // with its asterisk
     std::string choice;
@@ -28,19 +28,19 @@ struct PaneSetting {
     bool operator==(const PaneSetting&) const = default;
 };
 
-// Two settings chosen now of which the first does not allow the second.
+// Two present settings; the first does not allow the second.
 struct PaneConflict {
     PaneSetting first;
     PaneSetting second;
 };
 
-// What would have to be chosen for all conflicts to go; `solved` is false when nothing was found.
+// The changes that would end all conflicts. `solved` is false when none were found.
 struct PaneResolution {
     bool solved = false;
-    std::vector<PaneSetting> changes; // in their new state
+    std::vector<PaneSetting> changes; // the new choices
 };
 
-// A value beside its default, both in the form of PaneEditor::Value.
+// A value and its default, both in the form of PaneEditor::Value.
 struct PaneDifference {
     const PaneField* field = nullptr;
     std::string value;
@@ -57,16 +57,16 @@ enum class PaneLock {
 struct PaneChange {
     enum class Kind { edit, resolution, undo, redo, outside };
     Kind kind = Kind::edit;
-    std::vector<PPDXControl*> controls; // those whose values changed
-    bool catalogRemade = false;         // fields known before are gone
+    std::vector<PPDXControl*> controls; // with changed values
+    bool catalogRemade = false;         // all fields known before are invalid
 };
 
-// The one place through which a person's changes go: it sets values, knows which choices the present settings
-// forbid and why, which of them are in conflict and how that is resolved, and it undoes.
+// Every change of a person goes through the editor. It sets values, tells which choices the present settings
+// forbid and why, finds and resolves conflicts, and undoes.
 //
 // Refers to the description and to the pane's data (may be null), which must outlive it. Values are UTF-8 in
-// the form of CopyCurrentControlValueString; of a popup of several choices their keywords, one a line. Values
-// of masked and enciphered notes are kept nowhere, so their changes cannot be undone.
+// the form of CopyCurrentControlValueString; the value of a popup with several choices is their keywords, one
+// a line. Values of masked and enciphered notes are not kept, so that their changes cannot be undone.
 class PaneEditor {
 public:
     PaneEditor(ZANPPD& ppd, PDEData* data);
@@ -76,31 +76,32 @@ public:
 
     ZANPPD& Model() const { return model; }
     const PaneCatalog& Catalog() const { return *catalog; }
-    // Another number, never 0, once the catalogue was made anew or choices may have been replaced.
+    // Changes when the catalogue was made again or choices may have been replaced. Never 0.
     std::uint64_t FieldsVersion() const { return fieldsVersion; }
-    // Called after each change, in the order of the calls.
+    // Listeners are called after each change, in the order in which they were added.
     void AddListener(std::function<void(const PaneChange&)> listener);
 
-    // The description's control of that keyword, on a page or not; null when there is none.
+    // The control of that keyword, whether a page shows it or not; null when there is none.
     PPDXControl* FindControl(std::string_view keyword) const;
     static std::string Value(const PPDXControl& control);
     static std::string DefaultValue(const PPDXControl& control);
     PaneLock LockOf(const PPDXControl& control) const;
 
-    // False, with nothing changed, for an unknown keyword, a locked field and a value that is there already.
+    // Returns false and changes nothing for an unknown keyword, a locked field, or the present value.
     bool SetValue(std::string_view keyword, std::string_view value);
     bool SetValue(PPDXControl& control, std::string_view value);
-    // Changes one control by `change`. `continues`: joins the step of the same control made just before, as
-    // while typing. False when its value stayed.
+    // Changes one control by `change`. `continues`: joins the step made just before when it changed the same
+    // control, as typing does. Returns false when the value is unchanged.
     bool Edit(PPDXControl& control, const std::function<void()>& change, bool continues);
-    // Changes any number of controls, and what stands beside them (SideSettings), as one step.
+    // Changes any number of controls and the settings outside controls (SideSettings) as one step.
     bool EditAll(const std::function<void()>& change);
     bool Reset(PPDXControl& control);
-    // The controls of these keywords as one step; locked ones stay. False when no value changed.
+    // Resets the controls of these keywords as one step. Locked controls are left. Returns false when no
+    // value changed.
     bool Reset(const std::vector<std::string>& keywords);
-    // The next edit begins a step of its own.
+    // Makes the next edit a step of its own.
     void EndStep() { stepIsOpen = false; }
-    // Takes up what changed without the editor: values, choices, controls.
+    // Takes up changes made elsewhere: values, choices, controls.
     void Refresh();
 
     bool CanUndo() const { return !done.empty(); }
@@ -110,22 +111,22 @@ public:
     // The controls that the next Undo would change; none when there is nothing to undo.
     std::vector<PPDXControl*> UndoSubjects() const;
 
-    // Whether each choice of a control, in the order of choicesOf, is forbidden by what is chosen now.
+    // Whether the present settings forbid each choice of a control, in the order of choicesOf.
     std::vector<bool> Forbidden(const PPDXControl& control) const;
-    // The same for many controls, for one painting.
+    // The same for many controls.
     std::vector<std::vector<bool>> Sweep(const std::vector<PPDXControl*>& controls) const;
-    // What forbids the choice now; empty when it is allowed.
+    // The settings that forbid the choice now; empty when it is allowed.
     std::vector<PaneSetting> ForbiddenBy(std::string_view keyword, std::string_view choice) const;
-    // All conflicts present now, each pair once.
+    // All present conflicts, each pair once.
     const std::vector<PaneConflict>& Conflicts() const;
-    // What Resolve() would do. Keeps what was edited last where it can; never changes installable options or
-    // what a person cannot change.
+    // The changes that Resolve() would make. It keeps the setting edited last where it can. It never changes
+    // installable options or locked controls.
     const PaneResolution& Resolution() const;
-    // As one step. False when there is no conflict or no solution.
+    // Resolves all conflicts as one step. Returns false without a conflict and without a solution.
     bool Resolve();
 
-    // The fields whose values differ from the defaults, in order; not the installable options and what the
-    // system chooses.
+    // The fields whose values differ from the defaults, in order. Installable options and settings of the
+    // system are left out.
     std::vector<PaneDifference> Differences() const;
     std::size_t DifferenceCount() const { return Differences().size(); }
 
@@ -144,10 +145,10 @@ private:
 
     static void Apply(PPDXControl& control, const std::string& value);
     std::string& Seen(PPDXControl& control) { return seen[&control]; }
-    // Values as they are kept for comparing: of a secret note a hash.
+    // The value to compare with later; for a secret note its hash.
     static std::string Remembered(const PPDXControl& control);
     Step TakeChanges(const std::vector<PPDXControl*>& among);
-    // Whether the catalogue had to be made anew.
+    // Returns whether the catalogue was made again.
     bool TakeUpNewControls();
     void Record(Step step, bool continues, PaneChange::Kind kind, bool remade = false);
     bool Replay(std::vector<Step>& from, std::vector<Step>& to, PaneChange::Kind kind);
@@ -179,7 +180,7 @@ private:
     mutable std::optional<PaneResolution> resolution;
 };
 
-// Whether a note's text must be shown and kept nowhere. False for other controls.
+// Whether a note's text must not be shown or kept. False for other controls.
 bool isSecret(const PPDXControl& control);
 
 } // namespace torka

@@ -10,17 +10,17 @@
 #include <array>
 #include <unordered_set>
 
-// What the present settings forbid, what is in conflict, and how that is resolved.
+// Forbidden choices, conflicts and their resolution.
 
 namespace torka {
 namespace {
 
-constexpr std::uint64_t mostWork = std::uint64_t{1} << 22U; // of one search: well below a second
-constexpr int mostRounds = 64;
+constexpr std::uint64_t maximumWork = std::uint64_t{1} << 22U; // of one search: well below a second
+constexpr int maximumRounds = 64;
 
 const char* textOf(const char* text) { return text == nullptr ? "" : text; }
 
-// Two settings in conflict, the same whichever of them is named first.
+// A pair of settings in conflict, in an order that does not depend on which is named first.
 using ConflictKey = std::array<KeyOption, 2>;
 
 ConflictKey conflictKey(const KeyOption& one, const KeyOption& other) {
@@ -47,7 +47,7 @@ std::vector<bool> PaneEditor::Forbidden(const PPDXControl& control) const {
     const std::int64_t key = strings.Find(std::string_view(keyword));
     const auto ask = [&](std::string_view choice) {
         const std::int64_t option = strings.Find(choice);
-        // A choice that no line of the description names is in no constraint.
+        // A choice that the description does not declare is in no constraint.
         forbidden.push_back(option >= 0 && constraints.IsKVConstrained(key, option));
     };
     if (const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control)) {
@@ -145,8 +145,8 @@ KVCache PaneEditor::LockedPairs(const KVCache& selections) const {
     return locked;
 }
 
-// Which side of a conflict stays: what cannot be changed, what was edited last, what was moved off its
-// default.
+// Decides which side of a conflict stays. In this order: a setting that cannot be changed, the one edited
+// last, the one that differs from its default.
 bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked) const {
     const bool firstLocked = locked.FindKey(first.key) != nullptr;
     if (firstLocked != (locked.FindKey(second.key) != nullptr)) {
@@ -187,9 +187,9 @@ PaneResolution PaneEditor::FindResolution() const {
     const KVCache locked = LockedPairs(now);
     KVCache trial = now;
     ConstraintsEngine engine(&trial, constraints.GetConstraintForest(), constraints.GetKeyForest(), &locked);
-    engine.LimitWork(mostWork);
+    engine.LimitWork(maximumWork);
     KVCache changes;
-    for (int round = 0; round < mostRounds; ++round) {
+    for (int round = 0; round < maximumRounds; ++round) {
         const auto pairs = ConflictPairs(trial);
         if (pairs.empty()) {
             LeaveOutNeedless(changes);

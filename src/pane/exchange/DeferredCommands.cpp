@@ -12,7 +12,8 @@ namespace torka {
 
 namespace {
 
-constexpr int versionThatSavesFile = 6; // alone keeps the list in a file, without a command job
+constexpr int versionThatSavesFile =
+    6; // the only version that keeps the list in a file, without a command job
 
 SaveResult saveList(const QueueAccess& queue, std::string_view xml, SavesWait waits) {
     if (waits == SavesWait::yes || system().MinorVersion() == versionThatSavesFile) {
@@ -50,7 +51,7 @@ SaveResult PaneAddressStore::Save(std::string_view xml) {
 void sendDeferred(const std::shared_ptr<DeferredCommands>& deferred, const QueueAccess& queue,
                   SavesWait waits) {
     deferred->held = false;
-    // Taken out first: a wait runs the event loop, and may lead here again.
+    // The list is taken out first, because a wait runs the event loop and may call this function again.
     if (const std::optional<std::string> list = std::exchange(deferred->addressList, std::nullopt)) {
         const SaveResult result = saveList(queue, *list, waits);
         if (!result.reason.empty()) {

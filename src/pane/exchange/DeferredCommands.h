@@ -8,23 +8,23 @@
 
 namespace torka {
 
-// What a new panel would send to its queue and wait for, held back until the pane has been painted once, so
-// that no spooler stands between a person and the pane. Sent in the order in which it would have been sent at
-// once: the address list, then the language.
+// The commands that a new panel sends to its queue. They are held back until the pane has been painted once,
+// so that no spooler delays the first painting. They are sent in this order: the address list, then the
+// language.
 //
 // Shared by the panel and the stores of its address list.
 struct DeferredCommands {
     bool held = true;
-    // The address list (XML) as it is to be kept. It counts as the kept one until it is sent, and after a
-    // sending that failed it waits for the next one.
+    // The address list (XML) that is still to be sent. Readers take it for the stored list. After a failure
+    // it waits for the next sending.
     std::optional<std::string> addressList;
     std::string language; // "" for none
 };
 
-// Whether a saving waits until its command job is done.
+// Whether saving waits until the command job is done.
 enum class SavesWait { yes, no };
 
-// The queue's store of an address list, with its first savings held back.
+// The store of the queue for an address list. It holds the first savings back.
 class PaneAddressStore final : public PropertyListStore {
 public:
     PaneAddressStore(QueueAccess queueAccess, std::shared_ptr<DeferredCommands> deferredCommands);
@@ -37,8 +37,8 @@ private:
     std::shared_ptr<DeferredCommands> deferred;
 };
 
-// Sends what was held back; from then on nothing is held. What could not be sent is tried again at the next
-// call. Without waiting, the address list is only handed to the spooler.
+// Sends the commands that were held back; later commands are sent at once. A command that fails is sent again
+// at the next call. Without waiting, the address list is only handed to the spooler.
 void sendDeferred(const std::shared_ptr<DeferredCommands>& deferred, const QueueAccess& queue,
                   SavesWait waits);
 

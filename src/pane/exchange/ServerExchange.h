@@ -15,18 +15,18 @@
 
 namespace torka {
 
-// The panel's two-way communication with its queue's filter: one queue, the data that were read of it, and
-// how a failure is told. docs/commands.md describes the exchange.
+// Two-way communication of a panel with the filter of its queue: the queue, the data read from it, and how a
+// failure is told. docs/commands.md describes the exchange.
 //
-// The panel owns it. Its waits lie in a ScopedWait, so that a person sees and can stop them.
+// The panel owns it. Its waits lie in a ScopedWait, so that a person sees them and can stop them.
 class ServerExchange {
 public:
     explicit ServerExchange(StringLookup strings);
 
-    // The queue whose two-way files are meant from now on, by its description's path and its name. `service`
-    // is the instance name of the service that its device URI names, "" for none.
+    // Sets the queue, by the path of its description and its name. `service` is the instance name of the
+    // service in its device URI, "" for none.
     void SetQueue(std::string_view ppdPath, std::string_view queueName, std::string_view service = {});
-    // The address that the queue's filter found for that service; "" for none.
+    // The address that the filter of the queue found for that service; "" for none.
     std::string FoundAddress() const { return bonjourAddress(paths); }
 
     BidiFailure& Failure() { return failure; }
@@ -41,29 +41,28 @@ public:
     }
     const std::string& randomStringForBIDIFile() const { return requests.randomStringForBIDIFile(); }
 
-    // The lines that every request begins with: the language of the answer's texts, and the numbers of an
-    // address that is none in numbers.
+    // The first lines of every request: the language of the answer, and the numeric address when the address
+    // is a name.
     std::string RequestText(const std::string& address) const;
 
-    // How a request of server data ended, for whoever goes on from there.
+    // The result of a request of server data.
     enum class Answer {
-        read,        // getBidiDataCopy has it
-        withoutData, // failed, and the person goes on without two-way communication
-        stop,        // failed or stopped, and the person gives up
+        read,        // getBidiDataCopy has the data
+        withoutData, // failed; the person continues without two-way communication
+        stop,        // failed or stopped; the person gives up
     };
-    // Whether a failure is shown as a message, or left to whoever looks at State().
+    // Whether a failure is shown as a message, or only kept in State().
     enum class Failures { told, quiet };
-    // What the last request of server data came to.
+    // The result of the last request of server data.
     enum class State { nothing, read, failed };
 
-    // Sends a request and reads its answer. `resetKeys` is called first when the address is another than
-    // before.
+    // Sends a request and reads its answer. Calls `resetKeys` first when the address has changed.
     Answer FetchServerData(const PMPrinter& printer, std::string_view address, std::string_view dynamicKeys,
                            const std::function<void()>& resetKeys, Failures failures = Failures::told);
     State GetState() const { return state; }
-    // Nothing is known of the controller any more: two-way communication is off, or with another one.
+    // Forgets the data: two-way communication is off, or the controller is another one.
     void Forget();
-    // Called after each change of the state and each reading.
+    // Listeners are called after each change of the state and after each reading.
     void AddListener(std::function<void()> listener) { listeners.push_back(std::move(listener)); }
 
 private:

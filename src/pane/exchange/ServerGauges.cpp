@@ -11,10 +11,10 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t mostGauges = 64;
-constexpr std::size_t mostCharacters = 200;
+constexpr std::size_t maximumGauges = 64;
+constexpr std::size_t maximumCharacters = 200;
 
-std::string shortText(std::wstring_view text) { return utf8FromWide(text.substr(0, mostCharacters)); }
+std::string shortText(std::wstring_view text) { return utf8FromWide(text.substr(0, maximumCharacters)); }
 
 template <typename View>
 std::vector<View> readRecord(const RecordText& records, const char* name, std::wstring& text,
@@ -29,7 +29,7 @@ std::vector<View> readRecord(const RecordText& records, const char* name, std::w
     if (!views) {
         return {};
     }
-    views->resize(std::min(views->size(), mostGauges));
+    views->resize(std::min(views->size(), maximumGauges));
     return *std::move(views);
 }
 

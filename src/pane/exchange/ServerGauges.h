@@ -5,16 +5,16 @@
 #include <string_view>
 #include <vector>
 
-// Trays and supplies of the controller as a two-way data file tells them (records TrayInfo and TonerInfo), in
-// the form in which gauges show them. Texts are UTF-8 and come from the network.
+// Trays and supplies of the controller, read from a two-way data file (records TrayInfo and TonerInfo) for
+// display as gauges. Texts are UTF-8 and come from the network.
 
 namespace torka {
 
 struct TrayGauge {
     std::string name;
-    std::string media;          // what is loaded, with its size; "" for nothing known
-    std::optional<int> percent; // 0 to 100; none when the controller does not know
-    bool hasSome = false;       // not how much, but some
+    std::string media;          // the loaded medium with its size; "" for unknown
+    std::optional<int> percent; // 0 to 100; none for unknown
+    bool hasSome = false;       // not empty, the level is unknown
 };
 
 struct SupplyGauge {
@@ -30,7 +30,7 @@ struct ServerGauges {
     bool Empty() const { return trays.empty() && supplies.empty(); }
 };
 
-// What no reader accepts is left out. At most 64 of each kind, texts cut to 200 characters.
+// Records that cannot be read are left out. At most 64 of each kind; texts are cut to 200 characters.
 ServerGauges gaugesOf(std::string_view dataFile);
 
 } // namespace torka

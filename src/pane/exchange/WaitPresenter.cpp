@@ -13,7 +13,7 @@ std::unique_ptr<WaitPresenter>& chosenPresenter() {
     return presenter;
 }
 
-int depth = 0; // of scopes inside each other
+int depth = 0; // of nested scopes
 
 } // namespace
 

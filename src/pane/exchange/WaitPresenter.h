@@ -6,37 +6,37 @@
 
 namespace torka {
 
-// Shows a person that the spooler is waited for, and lets them stop the wait.
+// Shows a wait for the spooler, and lets the person stop it.
 //
-// One presenter serves the process; it is chosen once at start with setWaitPresenter. Without one waits are
-// silent.
+// One presenter serves the process. setWaitPresenter sets it once at start. Without one, waits show nothing.
 class WaitPresenter {
 public:
     WaitPresenter() = default;
     WaitPresenter(const WaitPresenter&) = delete;
     WaitPresenter& operator=(const WaitPresenter&) = delete;
     virtual ~WaitPresenter();
-    // Waits may follow; a cancel of earlier ones is forgotten. Shows nothing yet: most waits are short.
+    // Begins a time in which waits may follow. Forgets an earlier cancel. Shows nothing yet, because most
+    // waits are short.
     virtual void Begin() = 0;
-    // Called about ten times a second while a wait lasts. The person's cancel ends the sleeps of
-    // platform::System from then on.
+    // Called about ten times a second during a wait. After the person's cancel the sleeps of platform::System
+    // end at once.
     virtual void Show(const WaitProgress& progress) = 0;
     virtual void End() = 0;
 };
 
 void setWaitPresenter(std::unique_ptr<WaitPresenter> presenter);
-WaitPresenter* waitPresenter(); // null: none was chosen
+WaitPresenter* waitPresenter(); // null for none
 
-// Lies around whatever waits for the spooler. Those inside others show nothing of their own.
+// A scope around code that waits for the spooler. A nested scope shows nothing of its own.
 class ScopedWait {
 public:
     ScopedWait();
     ScopedWait(const ScopedWait&) = delete;
     ScopedWait& operator=(const ScopedWait&) = delete;
     ~ScopedWait();
-    // For the waits; it forwards to the presenter, at any time.
+    // The observer for the waits. It forwards to the presenter, at any time.
     static WaitObserver Observer();
-    // The person has stopped the waits: the next one would end at once.
+    // Whether the person has stopped the waits. Further waits end at once.
     static bool IsCancelled();
 };
 

@@ -8,16 +8,16 @@
 
 #include <array>
 
-// The automation presets file: settings that are applied to every new pane before a person sees it.
+// The automation presets file. Its settings are applied to every new pane, before a person sees it.
 
 namespace torka {
 
 namespace {
 
-constexpr std::size_t mostFileBytes = std::size_t{1024} * 1024;
+constexpr std::size_t maximumFileBytes = std::size_t{1024} * 1024;
 constexpr std::string_view systemFile = "/Library/Preferences/ZAN/automation.plist";
 
-// A value as the controls take it; null for a kind that is none.
+// The value in the form that the controls take; null for a value of another kind.
 CFStringRef settingText(const CFTypeRef& value) {
     if (auto text = cfCast<CFString>(value)) {
         return text;
@@ -46,12 +46,12 @@ void apply(ZANPPD& model, const CFDictionary& settings, const std::filesystem::p
 } // namespace
 
 void TorkaFeaturesPDE::loadAutomationFileAndLoadPrintSetting() {
-    // The person's own file stands above the machine's.
+    // The person's own file takes precedence over the file of the machine.
     const std::array<std::filesystem::path, 2> places{system().ConfigFolder() / "torka" / "automation.plist",
                                                       system().Resolve(systemFile)};
     for (const std::filesystem::path& place : places) {
         std::string content;
-        const std::error_code failure = system().ReadFile(place, mostFileBytes, content);
+        const std::error_code failure = system().ReadFile(place, maximumFileBytes, content);
         if (failure == std::errc::no_such_file_or_directory) {
             continue;
         }

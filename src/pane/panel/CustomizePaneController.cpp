@@ -79,7 +79,7 @@ CFStringRef CustomizePaneController::controlTextDidChange(std::uint32_t tag, con
         if (note != nullptr && encodeText(result->units, kCFStringEncodingMacRoman)) {
             const auto refused = std::ranges::find_if(
                 result->units, [note](UniChar character) { return !IsValidKey(*note, character); });
-            if (refused != result->units.end()) { // one character for each change, the first
+            if (refused != result->units.end()) { // only the first refused character is removed
                 const auto index = static_cast<std::size_t>(refused - result->units.begin());
                 result = CFStringCreateWithCharacters(
                     std::u16string(result->units, 0, index).append(result->units, index + 1));
@@ -110,7 +110,7 @@ PPDXJobNote* CustomizePaneController::FindNote(std::string_view keyword) const {
                : model->GetControls()->FindJobNote(std::string(keyword).c_str(), true);
 }
 
-// A description that names no encoding is Latin by PPD 4.3.
+// PPD 4.3: a description without an encoding is Latin.
 bool CustomizePaneController::isLanguageEncodingNonISOLatin() const {
     const CString* encoding = model == nullptr ? nullptr : model->LanguageEncoding();
     return encoding != nullptr && !std::string_view(encoding->Buffer()).starts_with("ISOLatin");

@@ -16,20 +16,20 @@ class CustomizePaneView;
 class PPDXJobNote;
 class ZANPPD;
 
-// Draws the pane's controls through a view, and keeps a job note's text within what the note's declaration
-// allows while a person types.
+// Draws the controls of the pane through a view. While a person types into a job note, it keeps the text
+// within what the declaration of the note allows.
 //
-// The panel model owns it; it refers to the description and to the view. Without a view nothing is drawn.
+// The panel model owns it. It refers to the description and to the view; without a view it draws nothing.
 // Characters are UTF-16 units.
 class CustomizePaneController {
 public:
-    // `ppd` may be null: no text then belongs to a note.
+    // `ppd` may be null; then no note is found.
     explicit CustomizePaneController(ZANPPD* ppd)
         : model(ppd) {}
     CustomizePaneController(const CustomizePaneController&) = delete;
     CustomizePaneController& operator=(const CustomizePaneController&) = delete;
 
-    // Null once the view goes.
+    // Set to null before the view ends.
     void setView(CustomizePaneView* newView) { view = newView; }
     CustomizePaneView* View() const { return view; }
     void drawControlsInTree(const PPDTree& tree);
@@ -37,24 +37,24 @@ public:
 
     static bool IsAlpha(UniChar character);
     static bool IsDigit(UniChar character);
-    // Whether the character may stand in the note's text.
+    // Whether the character is allowed in the text of the note.
     static bool IsValidKey(const PPDXJobNote& note, UniChar character);
-    // True when the text is longer than the note allows; the note is found by its exact keyword, and an
-    // unknown one allows every text. Takes up what isNumericText goes by.
+    // True when the text is longer than the note allows. The note is found by its exact keyword; an unknown
+    // keyword allows every text. Also sets the state that isNumericText reads.
     bool LimitTextLengthOfJobNoteControl(std::string_view keyword, const CFStringRef& text);
-    // Index of the last character that the numeric note asked about last does not accept, or -1.
+    // The index of the last character that the numeric note of the last call above does not accept, or -1.
     std::int64_t isNumericText(const CFStringRef& text) const;
 
-    // The tag of a note's field: the same for the same keyword, never 0.
+    // The tag of the field of a note. The same keyword always gives the same tag, never 0.
     std::uint32_t TagOfJobNote(std::string_view keyword);
-    // A field's text was changed by typing. Stores what it may hold in the note and returns it: the field
-    // must then show that text.
+    // Called after each change by typing. Stores the accepted text in the note and returns it; the field must
+    // then show that text.
     CFStringRef controlTextDidChange(std::uint32_t tag, const CFStringRef& text);
 
     std::uint32_t CurrentJobNoteControlTag() const { return currentJobNoteControlTag; }
     std::uint32_t JobNoteClipValue() const { return jobNoteClipValue; }
 
-    // Forgets the selected server preset, which the settings no longer match. Does nothing until set.
+    // Forgets the selected server preset, because the settings no longer match it. Does nothing until set.
     void SetServerPresetReset(std::function<void()> forget) { forgetServerPreset = std::move(forget); }
     void resetJPServerpresetKeys() const;
 
@@ -64,11 +64,11 @@ private:
 
     ZANPPD* model;
     CustomizePaneView* view = nullptr;
-    std::uint32_t currentJobNoteControlTag = 0; // of the field whose text was accepted last
-    std::uint32_t jobNoteClipValue = 0;         // the longest length when the last text was too long, else 0
-    std::uint8_t isNumericVal = 0;              // of the note asked about last: digits without letters,
-    std::uint8_t isComma = 0;                   // commas and
-    std::uint8_t isHypen = 0;                   // hyphens allowed
+    std::uint32_t currentJobNoteControlTag = 0; // the field whose text was accepted last
+    std::uint32_t jobNoteClipValue = 0;         // the maximum length when the last text was too long, else 0
+    std::uint8_t isNumericVal = 0;              // 1: the last note is numeric without letters
+    std::uint8_t isComma = 0;                   // 1: and it allows commas
+    std::uint8_t isHypen = 0;                   // 1: and it allows hyphens
     CFStringRef JobNoteString;                  // the text accepted last
 
     std::unordered_map<std::string, std::uint32_t> tags;

@@ -6,11 +6,11 @@
 #include <memory>
 #include <string_view>
 
-// What the panel sees of its widgets, and what the widgets tell the panel.
+// The interface between the panel and its widgets.
 //
-// The panel (TorkaFeaturesPDE) loads its interface once, through the loader that the bundle's entry chose,
-// and from then on speaks to it by the names of the outlets. The Qt widgets live in pane/views; tests bring
-// an interface in memory.
+// The panel (TorkaFeaturesPDE) loads its interface once, through the loader that the bundle's entry set. It
+// addresses widgets by the names of their outlets. The Qt widgets are in pane/views; tests use an interface
+// in memory.
 
 namespace torka {
 
@@ -20,7 +20,7 @@ struct PPDTree;
 
 enum class PaneOutlet {
     outputBinsView, // the pane's root view
-    customizePane,  // where the controls are drawn
+    customizePane,  // holds the controls
     printerName,
     printerNameStaticText,
     printerAddress,
@@ -43,16 +43,17 @@ struct PaneFrame {
     double height = 0.0;
 };
 
-// Draws the controls of the tree: the quick-access area, the property pages, and everything around them.
+// Draws the controls of the tree: the quick-access area and the property pages.
 class CustomizePaneView {
 public:
     CustomizePaneView() = default;
     CustomizePaneView(const CustomizePaneView&) = delete;
     CustomizePaneView& operator=(const CustomizePaneView&) = delete;
     virtual ~CustomizePaneView();
-    // Shows the tree's controls with the model's present values. Called often: what did not change stays.
+    // Shows the controls with the present values of the model. It is called often and leaves unchanged
+    // controls alone.
     virtual void drawControlsInTree(const PPDTree& tree) = 0;
-    // Greys the controls out while the Job Properties module runs.
+    // Disables the controls while the Job Properties module runs.
     virtual void greyoutShortcutControls(bool grey) = 0;
 };
 
@@ -75,10 +76,10 @@ public:
     PopupJobNoteView(const PopupJobNoteView&) = delete;
     PopupJobNoteView& operator=(const PopupJobNoteView&) = delete;
     virtual ~PopupJobNoteView();
-    // From now on the text that is typed into an outlet ("popupJobNoteVal11" to "popupJobNoteSec55") is
-    // checked.
+    // Checks the text that a person types into an outlet ("popupJobNoteVal11" to "popupJobNoteSec55") from
+    // now on.
     virtual void observeControlTextDidChange(std::string_view outlet) = 0;
-    // True to go on printing, false when the person cancelled.
+    // True to print; false when the person cancelled.
     virtual bool handlePopupJobnoteUI() = 0;
 };
 
@@ -88,7 +89,7 @@ public:
     PaneInterface(const PaneInterface&) = delete;
     PaneInterface& operator=(const PaneInterface&) = delete;
     virtual ~PaneInterface();
-    // Never null; shared with the dialog, which may keep it longer than the panel lives.
+    // Never null. Shared with the dialog, which may keep it after the end of the panel.
     virtual ViewRef outputBinsView() = 0;
     virtual CFStringRef stringValue(PaneOutlet outlet) const = 0; // "" for outlets without text
     virtual void setStringValue(PaneOutlet outlet, const CFStringRef& text) = 0;
@@ -96,26 +97,27 @@ public:
     virtual void setEnabled(PaneOutlet outlet, bool enabled) = 0;
     virtual PaneFrame frame(PaneOutlet outlet) const = 0;
     virtual void setFrame(PaneOutlet outlet, const PaneFrame& frame) = 0;
-    // Calls `action` once from the event loop, after the root view was painted for the first time. Never
-    // called when the view is never painted, or the interface ends before.
+    // Calls `action` once from the event loop, after the first painting of the root view. Never calls it when
+    // the view is not painted or the interface ends before.
     virtual void whenFirstPainted(std::function<void()> action) = 0;
-    // Brings the application's last window, when it is visible, to the front.
+    // Brings the last window of the application to the front when it is visible.
     virtual void bringToFront() = 0;
     virtual CustomizePaneView& customizePane() = 0;
     virtual CustomizeQuickAccessView& customizeQuickAccess() = 0;
     virtual PopupJobNoteView& popupJobNotes() = 0;
-    // Names the fields of job notes whose texts break a rule, before a job is printed. True to go on
-    // printing, at once when there are none; false when the person cancelled or went to such a field.
+    // Names the fields of job notes whose texts break a rule, before a job is printed. True to print: no text
+    // breaks a rule, or the person prints all the same. False when the person cancelled or went to a field.
     virtual bool confirmBrokenNotes() = 0;
     virtual BonjourModuleView& addressSheet() = 0;
 };
 
-// Loads the interface file "TorkaFeaturesPDE" of the bundle for one panel. The interface refers to the panel,
-// which outlives it but for the root view. Null when the file is missing or broken; the log says why.
+// Loads the interface file "TorkaFeaturesPDE" of the bundle for one panel. The interface refers to the panel
+// and ends before it; only its root view may live longer. Null when the file is missing or broken; the log
+// tells why.
 using PaneInterfaceLoader =
     std::function<std::unique_ptr<PaneInterface>(TorkaFeaturesPDE& owner, const BundleRef& bundle)>;
 
-// Chosen once, at start.
+// Set once, at start.
 void setPaneInterfaceLoader(PaneInterfaceLoader loader);
 const PaneInterfaceLoader& paneInterfaceLoader();
 

@@ -10,9 +10,9 @@ namespace torka {
 
 class BidiFailure;
 
-// What the panel model asks of its panel. The panel (TorkaFeaturesPDE) implements it, owns the panel model
-// and outlives it; it is also the Job Properties module's host (bidi/module/JobPropertiesHost.h). Calls may
-// come before the panel's interface is loaded: what has no widget then does nothing.
+// The services of the panel for its panel model. The panel (TorkaFeaturesPDE) implements them, owns the model
+// and outlives it. It is also the host of the Job Properties module (bidi/module/JobPropertiesHost.h). Calls
+// may come before the interface is loaded; a call for a missing widget does nothing.
 class PanelServices {
 public:
     PanelServices() = default;
@@ -23,26 +23,26 @@ public:
     virtual void setFullPropertiesButtonStatusON(bool on) = 0;
     virtual void setDefaultsButtonStatusON(bool on) = 0;
     virtual void setCustomizeQuickAccessButtonButtonStatusON(bool on) = 0;
-    // Shows an address in the pane's own field.
+    // Shows an address in the address field of the pane.
     virtual void showPrinterAddress(const CFStringRef& address) = 0;
-    // The instance name of the service that the queue's device URI names, "" for a queue of another kind; and
-    // the numeric address that the queue's filter found for it, "" for none.
+    // The instance name of the service that the device URI of the queue names, "" for a queue of another
+    // kind; and the numeric address that the filter of the queue found for it, "" for none.
     virtual CFStringRef queueServiceName() const { return cfString(""); }
     virtual CFStringRef foundPrinterAddress() const { return cfString(""); }
-    // The person has stored another address or two-way state.
+    // Called when the person has stored another address or two-way state.
     virtual void printerAddressStored(bool /*twoWay*/) {}
-    // Brings the host application with its last window to the front.
+    // Brings the last window of the host application to the front.
     virtual void bringToFront() = 0;
 
-    // A text of the bundle in the person's language, UTF-8; the default when no table has the key.
+    // A text of the bundle in the person's language, in UTF-8. Without the key it returns the default.
     virtual std::string LocalizedString(std::string_view key, std::string_view defaultText,
                                         std::string_view table = "Localizable") const = 0;
     virtual const CFStringRef& bundleVersion() const = 0; // may be null
-    // The bundle's folder; the Job Properties module lies beside it. Empty for none.
+    // The folder of the bundle, beside which the Job Properties module lies; empty for none.
     virtual std::filesystem::path bundlePath() const = 0;
-    // Null without one.
+    // Null for none.
     virtual PMPrinter currentPrinter() const = 0;
-    // The failure message of two-way communication, and the person's choice.
+    // The failure message of two-way communication, and the person's answer.
     virtual BidiFailure& bidiFailure() = 0;
 };
 

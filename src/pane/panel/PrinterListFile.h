@@ -6,14 +6,14 @@
 
 namespace torka {
 
-// The bundle's list of supported printers, "PrinterList.plist": a dictionary whose key "PCFILENAME" holds the
-// "*PCFileName" values of their descriptions.
+// The list of supported printers in the bundle, "PrinterList.plist". It is a dictionary; its key "PCFILENAME"
+// holds the "*PCFileName" values of the descriptions.
 class PrinterListFile final : public PropertyListFile {
 public:
     // `contents` is the bundle's "Contents" folder; null for none.
     explicit PrinterListFile(const CFURLRef& contents);
 
-    // The file is there, can be read and has the key.
+    // True when the file can be read and has the key.
     bool IsValid() const { return pcFileNames != nullptr; }
     const CFArrayRef& PCFileNames() const { return pcFileNames; }
 

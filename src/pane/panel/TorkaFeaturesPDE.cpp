@@ -9,7 +9,7 @@
 #include "pane/panel/UI_Panel.h"
 #include "platform/Help.h"
 
-// The answers that need no work, and what the panel lends to the rest of the pane.
+// Short answers, and what the panel provides to the other parts of the pane.
 
 namespace torka {
 
@@ -101,7 +101,7 @@ std::string TorkaFeaturesPDE::WindowTitle() const {
     return LocalizedString("Printing Preferences", "Printing Preferences", "BidiStrings");
 }
 
-// The module's wait is over, and what shows it is gone, before the module's window opens: the scope ends with
+// The wait for the module ends, and its window closes, before the module's window opens: the scope ends with
 // the last copy of the observer.
 WaitObserver TorkaFeaturesPDE::Observer() {
     return [wait = std::make_shared<ScopedWait>()](const WaitProgress& progress) {
@@ -119,7 +119,7 @@ void TorkaFeaturesPDE::enableCustomizedViewForDMT() {
                                     PaneOutlet::horizontalLine2, PaneOutlet::customizeQuickAccessButton}) {
         interface->setHidden(outlet, true);
     }
-    // The height of the quick-access line, points; the buttons below stand closer.
+    // The height of the quick-access line, in points. The buttons below it move up.
     constexpr double lineHeight = 35;
     constexpr double buttonShift = 30;
     const auto moveUp = [this](PaneOutlet outlet, double distance) {

@@ -24,18 +24,18 @@ class UI_Panel;
 class ZANPPD;
 struct DeferredCommands;
 
-// The features pane of one print dialog: answers the dialog's calls, and holds together the description
-// (ZANPPD), the pane's data (PDEData), the panel model (UI_Panel) and the widgets (PaneInterface).
+// The features pane of one print dialog. It answers the calls of the dialog and joins the description
+// (ZANPPD), the data of the pane (PDEData), the panel model (UI_Panel) and the widgets (PaneInterface).
 //
-// Owns all of these and shares the dialog's callback object. Made by initWithCallback alone. The newest panel
-// is sTorkaFeaturesPDE. Everything runs on the host's main thread.
+// Owns these parts, and shares the callback object of the dialog. Only initWithCallback makes panels. The
+// newest panel is sTorkaFeaturesPDE. All code runs on the main thread of the host.
 class TorkaFeaturesPDE final : public PDEPanel,
                                public PanelServices,
                                public JobPropertiesHost,
                                public std::enable_shared_from_this<TorkaFeaturesPDE> {
 public:
-    // Null when the queue's description is not in the bundle's list of supported descriptions, the list is
-    // missing, or the description names no version of its maker.
+    // Null when the list of supported descriptions in the bundle is missing or lacks the description of the
+    // queue, and when the description has no version of its maker.
     static std::shared_ptr<TorkaFeaturesPDE> initWithCallback(const PDEPlugInCallbackRef& callback);
     ~TorkaFeaturesPDE() override;
 
@@ -57,21 +57,21 @@ public:
     void printInfoDidChange() override;
     void PPDOptionKeyValueDidChange(const CFStringRef& optionKey, const CFStringRef& choice) override;
 
-    // Never null in a panel that initWithCallback gave.
+    // Never null after initWithCallback.
     ZANPPD* getPPDPtr() const { return self.myppd.get(); }
     UI_Panel* GetUI_PanelPtr() const { return self.myUi_Panel.get(); }
     PDEData* GetPDEDataPtr() const { return self.myPDEData.get(); }
     const BundleRef& pdeBundle() const { return self.pdeBundle; }
     const CFStringRef& bundleVersion() const override { return self.myBundleVersion; }
-    // Null until the interface file is loaded, and when it is missing or broken: the pane then works without
+    // Null until the interface file is loaded, and when it is missing or broken. The pane then works without
     // widgets.
     PaneInterface* Interface() const { return interface.get(); }
-    // Named sets of settings, and those used last.
+    // The named sets of settings, and the settings used last.
     PresetStore& Presets() const { return *presets; }
-    // Two-way communication: requests, waits, and what was read.
+    // Two-way communication: requests, waits, and the data that were read.
     ServerExchange& Server() const { return *server; }
 
-    // A text of the bundle in the person's language, UTF-8; the default when no table has the key.
+    // A text of the bundle in the person's language, in UTF-8. Without the key it returns the default.
     std::string LocalizedString(std::string_view key, std::string_view defaultText,
                                 std::string_view table = "Localizable") const override;
 
@@ -82,29 +82,29 @@ public:
     void setFullPropertiesButtonStatusON(bool on) override;
     void setCustomizeQuickAccessButtonButtonStatusON(bool on) override;
     void setDefaultsButtonStatusON(bool on) override;
-    // Told by the interface: the last window, when it is visible, comes to the front, so that a dialog of the
-    // pane stays there after a change of application.
+    // Called by the interface. Brings the last window to the front when it is visible, so that a dialog of
+    // the pane stays in front after a change of application.
     void applicationDidBecomeActive();
-    // Takes the quick-access texts out of the pane and closes the gap, for a description whose template has
+    // Removes the quick-access texts from the pane and closes the gap, when the management template has
     // switched quick access off.
     void enableCustomizedViewForDMT();
-    // Sets sessionQueueName from a description's path; false, with the name as it was, when the path has no
-    // "/" or its last component no ".ppd".
+    // Sets sessionQueueName from the path of a description. Returns false and leaves the name when the path
+    // has no "/" or its last component no ".ppd".
     static bool getQueuePPDName(std::string_view path);
     void fillPDEInstallPath();
-    // The administrator's template has switched quick access off.
+    // Whether the management template has switched quick access off.
     bool isQuickAccessOff() const;
 
-    // What the pane's buttons do.
+    // The actions of the buttons of the pane.
     void launchFullProperties();
     void defaultsButtonClicked();
     void customizeQuickAccessButtonClicked();
 
-    // Writes the settings as they are now into the print settings.
+    // Writes the present settings into the print settings.
     void Sync(const PDEPlugInCallbackRef& callback);
     bool sendUpdateCommandToCFFWithCommand(std::string_view command);
     void deleteFileCommandToCFF(std::string_view files);
-    // Empties the job notes that name a preset of the server, which means nothing to another server.
+    // Empties the job notes that name a server preset, which another server does not know.
     void resetJPServerpresetKeys();
     // The "keys" line of a request; "" when the description has no dynamic control.
     std::string getDynamicPPDKeys() const;
@@ -126,21 +126,21 @@ public:
     std::string WindowTitle() const override;
     WaitObserver Observer() override;
 
-    // Brings the page size and the input tray of the system's panes into the model.
+    // Reads the page size and the input tray of the system's panes into the model.
     void updatePageSizeAndInputSlot();
-    // Applies the automation presets file, see docs/presets.md; once a panel, before its first display.
+    // Applies the automation presets file (docs/presets.md), once a panel, before its first display.
     void loadAutomationFileAndLoadPrintSetting();
 
-    // Reads the controller's data soon, from the event loop, when two-way communication is on and an address
+    // Reads the data of the controller from the event loop, when two-way communication is on and an address
     // is known. Does nothing while a reading is under way, and without an event loop.
     void requestServerData(ServerExchange::Failures failures);
-    // Sends what was held back so that nothing waits for the spooler before the first painting.
+    // Sends the commands that were held back until the first painting.
     void sendDeferredCommands();
 
 private:
     explicit TorkaFeaturesPDE(PDEPlugInCallbackRef callback);
 
-    // The instance variables. Their order is that in which they are told of elsewhere.
+    // The instance variables, in their documented order.
     struct Variables {
         std::unique_ptr<ZANPPD> myppd;
         std::unique_ptr<PDEData> myPDEData;
@@ -152,10 +152,10 @@ private:
         PMPrintSettings printSettings;
         PMPrinter printer;
         CFURLRef printerURI;
-        CFStringRef mBundlePPDID; // null: the bundle's identifier
+        CFStringRef mBundlePPDID; // null: use the identifier of the bundle
         CFStringRef myBundleVersion;
 
-        bool shouldRestore = false; // the print settings carry values saved for this description
+        bool shouldRestore = false; // the print settings hold values for this description
         bool customPageSize = false;
         bool isBonjourPrinter = false;
         bool isDocumentPrinting = false; // shouldPrint ran
@@ -195,7 +195,7 @@ private:
 
     Variables self;
     std::unique_ptr<PaneInterface> interface;
-    bool interfaceFailed = false; // told once, not tried again
+    bool interfaceFailed = false; // logged once and not tried again
     std::unique_ptr<PresetStore> presets;
     std::unique_ptr<ServerExchange> server;
     std::shared_ptr<DeferredCommands> deferred;

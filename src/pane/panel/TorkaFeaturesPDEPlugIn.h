@@ -7,17 +7,17 @@
 
 namespace torka {
 
-// The principal class of the bundle: gives the print dialog the features pane. Keeps nothing.
+// The principal class of the bundle. It gives the print dialog the features pane and has no state.
 class TorkaFeaturesPDEPlugIn final : public PDEPlugIn {
 public:
     bool initWithBundle(const BundleRef& bundle) override;
-    // Any other type gets an empty answer. A panel that could not be made gives none at all, so that the
-    // dialog can tell "not mine" from "mine, but not for this printer".
+    // Another type gets an empty list. When a panel could not be made there is no list at all, so that the
+    // dialog can distinguish "no pane of this type" from "no pane for this printer".
     std::optional<std::vector<PDEPanelRef>> PDEPanelsForType(const CFStringRef& type,
                                                              const PDEPlugInCallbackRef& host) override;
 };
 
-// An object of the class that is registered under the name (base name and suffix); null for an unknown one.
+// An object of the class that is registered under the name (base name and suffix); null for an unknown name.
 std::unique_ptr<PDEPlugIn> makeRegisteredClass(std::string_view registeredName);
 
 } // namespace torka

@@ -16,7 +16,8 @@
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
 
-// The model's settings on their way out: into the print settings, into the job, and what is kept of them.
+// The settings of the model are written into the print settings and into the job, and kept for the next
+// dialog.
 
 namespace torka {
 
@@ -38,8 +39,8 @@ bool TorkaFeaturesPDE::saveValuesAndReturnError(std::string* /*error*/) {
     sendDeferredCommands();
     self.printSettings = self.pdePluginCallbackObject->printSettings();
     self.myPDEData->SetPrintSettings(self.printSettings);
-    // A pair's key carries its asterisk until the Job Properties module names it, and is then the one that is
-    // looked for.
+    // The key of a pair has an asterisk until the Job Properties module names the pair. Only the key without
+    // asterisk is sought.
     for (const WideSetting& pair : self.myPDEData->AccountPairs()) {
         if (utf8FromWide(pair.key) == "QVPCName") {
             PMPrintSettingsSetValue(self.printSettings, cfString("*QVPCName"),
@@ -88,7 +89,7 @@ bool TorkaFeaturesPDE::shouldPrint() {
     return true;
 }
 
-// The rules of job notes stop no print: the person decides. Without widgets the log names what breaks them.
+// A broken rule stops no print: the person decides. Without widgets the log names the notes.
 bool TorkaFeaturesPDE::ConfirmBrokenNotes() {
     std::vector<const PPDXJobNote*> broken;
     self.myppd->GetControls()->ForEach([&](const PPDXControl* control) {
@@ -130,7 +131,7 @@ void TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
     }
 }
 
-// A note that could not be protected stays out of the job; the person is told which.
+// Tells the person which notes stay out of the job because they could not be protected.
 void TorkaFeaturesPDE::TellLeftOutNotes() {
     std::string names;
     for (const ZANJobNoteList::LeftOutNote& note : self.myPDEData->LeftOutNotes()) {
@@ -150,10 +151,10 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
 void TorkaFeaturesPDE::printWindowWillClose() {
     const auto alive = shared_from_this();
     if (!self.isDocumentPrinting) {
-        // The dialog was cancelled: what the person chose stays in the print settings.
+        // The dialog was cancelled. The settings stay in the print settings.
         WriteTicket(EmissionPurpose::keepSettings);
     }
-    // A pane that nobody has seen keeps nobody waiting at its end.
+    // The end of a pane that was never seen must not wait.
     sendDeferred(deferred, {self.mySession, ScopedWait::Observer()}, SavesWait::no);
     StoreTypedAddress();
 }

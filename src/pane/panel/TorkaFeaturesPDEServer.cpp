@@ -16,7 +16,7 @@ void TorkaFeaturesPDE::launchFullProperties() {
     if (gIgnoreButtonEvents || !self.myUi_Panel->isModuleInstalled(true)) {
         return;
     }
-    // Waits and the module's window run the event loop, in which the dialog may let go of the panel.
+    // Waits and the window of the module run the event loop, in which the dialog may release the panel.
     const auto alive = shared_from_this();
     sendDeferredCommands();
     Sync(self.pdePluginCallbackObject);
@@ -51,7 +51,7 @@ ServerExchange::Answer TorkaFeaturesPDE::Fetch(ServerExchange::Failures failures
 }
 
 void TorkaFeaturesPDE::printerAddressStored(bool twoWay) {
-    server->Forget(); // what is shown may be another controller's
+    server->Forget(); // the data may be those of another controller
     if (twoWay) {
         requestServerData(ServerExchange::Failures::told);
     }
@@ -79,7 +79,8 @@ void TorkaFeaturesPDE::requestServerData(ServerExchange::Failures failures) {
 }
 
 void TorkaFeaturesPDE::FetchServerData(ServerExchange::Failures failures) {
-    // Since the timer was set a wait may have begun, or the person have switched it off.
+    // After the timer was set a wait may have begun, or the person may have switched two-way communication
+    // off.
     if (isFetching || gIgnoreButtonEvents || !self.myPDEData->isBIDIEnabled()) {
         return;
     }

@@ -12,22 +12,22 @@
 #include <algorithm>
 #include <array>
 
-// Settings into the model and onto the screen: restore, show, hide, update.
+// Restores settings into the model and shows them: restore, show, hide, update.
 
 namespace torka {
 
 namespace {
 
 constexpr int firstVersionWithPaperNames = 9;
-constexpr CFIndex longestPrinterName = 38; // UTF-16 units
+constexpr CFIndex maximumPrinterName = 38; // UTF-16 units
 constexpr std::size_t trayNameSize = 64;   // bytes, with its terminator
 
-// A long model name ends at the last blank within its first characters; without a blank there it is cut.
+// Cuts a long model name at the last blank within its maximum, or at the maximum when there is no blank.
 CFStringRef shownPrinterName(const CFStringRef& name) {
-    if (CFStringGetLength(name) <= longestPrinterName) {
+    if (CFStringGetLength(name) <= maximumPrinterName) {
         return name;
     }
-    const std::u16string start = name->units.substr(0, static_cast<std::size_t>(longestPrinterName));
+    const std::u16string start = name->units.substr(0, static_cast<std::size_t>(maximumPrinterName));
     return CFStringCreateWithCharacters(start.substr(0, std::min(start.rfind(u' '), start.size())));
 }
 
@@ -40,7 +40,7 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
     PMPrintSettingsGetValue(self.printSettings, cfString("*QVDuplex"), duplex);
     CFDictionaryRef settings;
     const OSStatus copied = PMPrintSettingsCopyAsDictionary(self.printSettings, settings);
-    // Without a "*QVDuplex" the settings were never written by this pane.
+    // The pane always writes "*QVDuplex". Without it the settings are not those of this pane.
     if (!duplex || copied == noErr) {
         self.myUi_Panel->ResetControlsToDefault();
     }
@@ -68,11 +68,12 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
     return true;
 }
 
-// A new dialog, whose print settings tell nothing of this printer: what the person chose the last time.
+// Takes the settings used last when the print settings of a new dialog have none for this printer.
 void TorkaFeaturesPDE::TakeRememberedSettings() {
     presets->ApplyLastUsed();
     if (!hasNoPopupJobNotes()) {
-        // They are asked for with each job; whether the last values come back, their preferences say.
+        // The popup dialog asks for these notes with each job. Their own preferences decide whether the last
+        // values return.
         for (PPDXJobNote* note : popupJobNotes(*self.myppd)) {
             note->ResetToDefaultValue();
         }
@@ -114,7 +115,7 @@ void TorkaFeaturesPDE::ShowPrinterName(const CFStringRef& name) {
     }
 }
 
-// Once for a queue that has no address yet: the name of the service that its device URI holds.
+// Stores the service name in the device URI as the address of a queue that has none.
 void TorkaFeaturesPDE::ShowDiscoveredAddress() {
     if (CFStringGetLength(self.myPDEData->GetCorvianPrinterAddress()) != 0) {
         return;
@@ -132,8 +133,8 @@ bool TorkaFeaturesPDE::IsListedPaper(const CFStringRef& name) const {
     });
 }
 
-// Where the system does not say whether its paper is a custom one, it counts as custom when the printer lists
-// it: deliberate, and kept so.
+// When the system does not tell whether its paper is a custom one, the paper counts as custom if the printer
+// lists it. This is intended.
 void TorkaFeaturesPDE::TakeCustomPageSize() {
     self.customPageSize = false;
     CFTypeRef value;
@@ -184,8 +185,8 @@ void TorkaFeaturesPDE::updatePageSizeAndInputSlot() {
 bool TorkaFeaturesPDE::updateUI() {
     SelectInputSlot();
     self.myUi_Panel->DrawUserPane();
-    // The other way round than when the pane is shown: here the name is refreshed on failure only.
-    // Deliberate, and kept so.
+    // Here the name is refreshed only on failure; when the pane is shown it is refreshed only on success.
+    // This is intended.
     CFStringRef name;
     if (PMPrinterGetMakeAndModelName(self.printer, name) != noErr) {
         ShowPrinterName(name);

@@ -20,22 +20,22 @@
 #include <system_error>
 #include <utility>
 
-// How a panel begins and ends, and which of the panels of the process is the current one.
+// The start and end of a panel, and which panel of the process is the current one.
 
 namespace torka {
 
 namespace {
 
-constexpr std::size_t mostLinkBytes = 1023;
-constexpr std::size_t leastLanguageCode = 2;
+constexpr std::size_t maximumLinkBytes = 1023;
+constexpr std::size_t minimumLanguageCode = 2;
 constexpr std::string_view cachesPrefix = "/Library/Caches/ZAN/";
 constexpr std::string_view openFileSuffix = ".pdeopen";
 
-// The target of a symbolic link; "" for a path that is none.
+// The target of a symbolic link; "" when the path is no link.
 std::string linkTarget(const std::string& path) {
     std::error_code failure;
     const std::string target = std::filesystem::read_symlink(path, failure).string();
-    return failure ? std::string() : target.substr(0, mostLinkBytes);
+    return failure ? std::string() : target.substr(0, maximumLinkBytes);
 }
 
 } // namespace
@@ -76,7 +76,7 @@ bool TorkaFeaturesPDE::Start() {
     self.myUi_Panel = std::make_unique<UI_Panel>(self.myPDEData.get(), this);
     cachesPDEOpenFilePath = std::string(cachesPrefix) + sessionQueueName + std::string(openFileSuffix);
     cachesPDEOpenFilePath.resize(std::min(cachesPDEOpenFilePath.size(), cachesPDEOpenFilePathSize - 1));
-    if (gServerLanguage.size() >= leastLanguageCode) {
+    if (gServerLanguage.size() >= minimumLanguageCode) {
         deferred->language = gServerLanguage;
     }
     fillPDEInstallPath();
@@ -133,7 +133,7 @@ void TorkaFeaturesPDE::TakeDeviceUri() {
 }
 
 void TorkaFeaturesPDE::BuildModel(const CFURLRef& descriptionUrl) {
-    // What is remembered of popup job notes belongs to the queue of the panel before.
+    // The popup job notes in memory belong to the queue of the previous panel.
     readPopupJobNotePreferencesFrom({});
     self.myppd = std::make_unique<ZANPPD>(descriptionUrl, kAcceptOrphans | kAcceptHidden, nullptr);
     self.shouldRestore = false;
@@ -171,7 +171,8 @@ void TorkaFeaturesPDE::MakePaneData() {
                      utf8Text(queueServiceName()));
 }
 
-// A third panel while two exist: the end of the first of them must not touch what now names the other two.
+// For a third panel while two exist: the end of the first panel must leave the pointers, which name the other
+// two.
 void TorkaFeaturesPDE::TakeInstance() {
     invalidDeallocCall = sTorkaFeaturesPDEsaved != nullptr;
     if (sTorkaFeaturesPDE != nullptr) {
@@ -181,12 +182,12 @@ void TorkaFeaturesPDE::TakeInstance() {
     setJobPropertiesHost(this);
 }
 
-// The bookkeeping at a panel's end. An end that was announced as invalid only takes the announcement back:
-// what the panel owns is freed all the same, it just does not count. Beyond that, no pointer may go on naming
-// a panel that is gone, whatever the order in which panels end.
+// Updates the process-wide pointers at the end of a panel. When invalidDeallocCall is set, the end only
+// clears it and leaves the pointers that name other panels. No pointer may name a panel that has ended,
+// whatever the order in which panels end.
 void TorkaFeaturesPDE::LeaveInstance() {
     if (self.myPDEData == nullptr) {
-        return; // never took its place
+        return; // it never was the newest panel
     }
     TorkaFeaturesPDE* const other = sTorkaFeaturesPDEsaved;
     if (invalidDeallocCall) {
@@ -221,7 +222,7 @@ TorkaFeaturesPDE::~TorkaFeaturesPDE() {
         }
         outputBinsView = interface->outputBinsView();
     }
-    // Widgets and their controllers refer to the model, so they go first; the root view may live on with the
+    // Widgets and their controllers refer to the model and end first. The root view may live on with the
     // dialog.
     if (self.myUi_Panel) {
         self.myUi_Panel->GetCustomizePane().setView(nullptr);
@@ -259,8 +260,8 @@ bool TorkaFeaturesPDE::LoadInterface() {
     }
     self.myUi_Panel->GetCustomizePane().setView(&interface->customizePane());
     self.bonjourViewRef = BonjourModuleController::init(*self.myUi_Panel, interface->addressSheet());
-    // At once, and not only when the pane comes to the front: a dialog that ends before that stores what the
-    // field holds.
+    // The address is shown at the start, not only when the pane is first seen: a dialog that ends before
+    // stores the text of the field.
     self.myUi_Panel->Show();
     if (isQuickAccessOff()) {
         enableCustomizedViewForDMT();
@@ -274,7 +275,7 @@ bool TorkaFeaturesPDE::LoadInterface() {
     return true;
 }
 
-// The fields of the popup job-note window: row n has n of each kind, plain ones first.
+// The fields of the popup job-note dialog. Row n has n fields of each kind; plain fields come first.
 void TorkaFeaturesPDE::ObservePopupJobNotes() {
     if (!LoadInterface()) {
         return;
@@ -290,7 +291,7 @@ void TorkaFeaturesPDE::ObservePopupJobNotes() {
 
 void TorkaFeaturesPDE::sendDeferredCommands() {
     if (deferred) {
-        // A wait runs the event loop, in which the dialog may let go of the panel.
+        // A wait runs the event loop, in which the dialog may release the panel.
         const auto alive = shared_from_this();
         sendDeferred(deferred, {self.mySession, ScopedWait::Observer()}, SavesWait::yes);
     }

@@ -37,7 +37,7 @@ constexpr std::string_view cancelled = "1";
 
 EventLoopTimerRef returnTimer;
 
-// What the module returned last, once nothing is compared with it any more.
+// Forgets the last answer of the module when nothing is compared with it any more.
 void forgetModuleSettings() {
     gotSharedListFromJP = false;
     sharedListCopyFromJP.reset();
@@ -47,7 +47,7 @@ std::string_view headerText(const CString* value) {
     return value && value->Buffer() ? std::string_view(value->Buffer()) : std::string_view();
 }
 
-// Versions before 4.4 are not told to the module, and neither is anything that is not of the fourth.
+// The version to tell the module: only 4.4 and later versions that begin with "4."; "" for others.
 std::string_view versionForModule(std::string_view version) {
     if (!version.starts_with("4.")) {
         return {};
@@ -86,7 +86,7 @@ UI_Panel::UI_Panel(PDEData* pdeData, PanelServices* services)
     CFStringRef address = mPDEData->GetCorvianPrinterAddress(&ipEnabled);
     if (!address) {
         address = cfString("");
-        mPDEData->SetCorvianPrinterAddress(address, false); // no discovery controller is known yet
+        mPDEData->SetCorvianPrinterAddress(address, false); // the discovery controller does not exist yet
     }
     WriteTwoWayState(ipEnabled, address);
     mPDEData->GetWatermarksFromPreferences();
@@ -169,7 +169,7 @@ void UI_Panel::ShowInvalidAddress() {
                Text("PRESS_OKAY", "Press OK to enter a new IP Address or DNS Name.", bidiTable));
 }
 
-// Whether two-way communication is on for the module: it is off without an address to speak with.
+// Writes and returns whether the module may use two-way communication. It needs an address.
 bool UI_Panel::WriteTwoWayState(bool twoWay, const CFStringRef& address) {
     const std::string text = cutText(utf8Text(address), addressSize);
     const bool isOn = twoWay && !text.empty();
@@ -198,7 +198,7 @@ void UI_Panel::LaunchJobProperties(JP_ACTIONS action) {
     if (!isModuleInstalled(true)) {
         return;
     }
-    // The notes of the colour controls are what the module is handed.
+    // The module gets the values of the colour controls from their notes.
     makeJobNotesForSpecialControls();
     KeyValueList list;
     GetDefaultSettings(list);
@@ -212,14 +212,15 @@ void UI_Panel::LaunchJobProperties(JP_ACTIONS action) {
     FreeSDMList(list);
     setField(mSharedList->jpResult, moduleRuns);
 
-    // The window's event loop runs in here: whatever ends meanwhile, the record stays until the module has.
+    // mainJP runs the event loop of the window. The record must live until the module has ended, even if the
+    // panel ends before.
     const std::shared_ptr<SharedMemoryList> record = mSharedList;
     gIgnoreButtonEvents = true;
     sharedList = record.get();
     mainJP();
     sharedList = nullptr;
     gIgnoreButtonEvents = false;
-    if (record.use_count() > 1) { // the panel is still there
+    if (record.use_count() > 1) { // the panel still exists
         OnJPReturn();
     } else {
         forgetModuleSettings();
@@ -271,8 +272,8 @@ void UI_Panel::TakeAnswer() {
     FreeSDMList(list);
 }
 
-// No session could begin. Once two-way communication is off there is nothing left to go on without: the
-// person is told, and the module is not opened over and over.
+// Called when no session could begin. Without two-way communication a second launch would fail as well, so
+// the person is told and the module is not opened again.
 bool UI_Panel::LaunchAgainWithoutTwoWay() {
     if (!panel) {
         return false;
@@ -303,7 +304,7 @@ void TimerCheckForJPReturn(const EventLoopTimerRef& timer, void*) {
 }
 
 void SetTimerCheckForJPReturn() {
-    // Without a timer nothing would ever let the buttons work again.
+    // Without a timer nothing would enable the buttons again.
     gIgnoreButtonEvents = InstallEventLoopTimer(
                               GetMainEventLoop(), returnCheckDelay, kEventDurationForever,
                               [](const EventLoopTimerRef& timer) { TimerCheckForJPReturn(timer, nullptr); },

@@ -20,20 +20,20 @@ class PanelServices;
 class PPDXControl;
 class ZANPPD;
 
-// Why the Job Properties module is launched. The launching buttons pass values of their own choice; only
-// these two are told apart.
+// Why the Job Properties module is launched. The buttons pass any other value; only these two are told apart.
 using JP_ACTIONS = std::int32_t;
-inline constexpr JP_ACTIONS kJPOpenAgain = 1;      // after the person chose to go on without two-way
+inline constexpr JP_ACTIONS kJPOpenAgain = 1;      // after the person chose to continue without two-way
 inline constexpr JP_ACTIONS kJPInvalidAddress = 4; // shows the alert of an invalid address, starts no module
 
-// The pane's model of what is shown: the tree of quick-access controls and groups, the reset to the defaults,
-// and the exchange of the complete settings with the Job Properties module (docs/job-properties-module.md).
+// The model of the pane: the tree of quick-access controls and groups, the reset to the defaults, and the
+// exchange of all settings with the Job Properties module (docs/job-properties-module.md).
 //
-// One a panel. Refers to the pane's data, the discovery controller and the panel's services, which outlive
-// it; owns the drawing controller and the exchange record. The host's main thread only.
+// Each panel has one. It refers to the data of the pane, the discovery controller and the services of the
+// panel, which outlive it. It owns the drawing controller and the exchange record. Main thread of the host
+// only.
 class UI_Panel final : public BonjourModuleOwner {
 public:
-    // Without services nothing of the panel is reached: no buttons, no module, texts in English.
+    // `services` may be null: then there are no buttons and no module, and texts are English.
     explicit UI_Panel(PDEData* pdeData, PanelServices* services = nullptr);
     ~UI_Panel() override;
 
@@ -41,21 +41,24 @@ public:
     void DrawUserPane();
     void Show();
     void ResetControlsToDefault();
-    // With two-way communication on: gives each special colour control, and the control bar, a job note that
-    // holds its value.
+    // When two-way communication is on, makes a job note with the value of each special colour control and of
+    // the control bar.
     void makeJobNotesForSpecialControls();
 
-    // True when a custom paper was chosen in the system's page setup; any other paper is then selected in
-    // "*PageSize" if that has it.
+    // True when the system's page setup has a custom paper. Another paper becomes the choice of "*PageSize"
+    // when that control has it.
     bool GetOSPageSize();
 
-    // The watermarks of the pane into a record, and back from it. Those that the record had no room for stay.
+    // Writes the watermarks into a record, and reads them back. Watermarks for which the record had no room
+    // are kept.
     void GetWatermarks(SharedMemoryList& record);
     void UpdateWatermarks(const SharedMemoryList& record);
 
-    // What the module is handed. Also clears and fills the record's list of installable options.
+    // Fills the list of settings for the module. Also clears and fills the list of installable options in the
+    // record.
     void GetDefaultSettings(KeyValueList& list);
-    // Applies what the module returned; unknown keys are ignored, values are held to what the pane can keep.
+    // Applies the settings that the module returned. Unknown keys are ignored. Values are limited to what the
+    // pane can keep.
     void SetUpdatedSettings(const SDMKeyValueList& list);
     static void FreeSDMList(KeyValueList& list) { list.Clear(); }
 
@@ -63,14 +66,14 @@ public:
     // Runs the module and applies its answer before it returns. Does nothing while a module runs.
     void LaunchJobProperties(JP_ACTIONS action);
     void OnJPReturn();
-    // The module's library is there and loads; an alert tells otherwise, when it is asked for.
+    // Whether the library of the module can be loaded. With `tell` an alert tells when it cannot.
     bool isModuleInstalled(bool tell);
 
     // The job notes that name a preset of the server: back to what they were at the last launch; whether they
     // still are.
     void revertBackJPServerPresets();
     bool compareJPServerPresets() const;
-    // Empties them.
+    // Empties these notes.
     void resetJPServerpresetKeys();
     // Sends the module's local presets file to the queue, if there is one.
     void writeLocalJPPresetsToDynamicPPD();
@@ -90,9 +93,9 @@ public:
     void showPrinterAddress(const CFStringRef& address) override;
     CFStringRef bidiString(std::string_view key, std::string_view english) override;
 
-    // The description of the panel made last; null once that panel has ended.
+    // The description of the newest panel; null once that panel has ended.
     static ZANPPD* mPPD;
-    // What the panel made last shows.
+    // The tree of the newest panel.
     static PPDTree Tree;
 
     // Given interface; no caller here
@@ -112,10 +115,10 @@ private:
     std::int32_t mFromCustomizePanel = 0;
     std::string mCustomSize;
     std::string mCustomPaperName;
-    std::shared_ptr<SharedMemoryList> mSharedList; // shared with a launch under way
+    std::shared_ptr<SharedMemoryList> mSharedList; // shared with a running launch
 
-    // What the module was handed at the last launch, as far as it had no room or came from elsewhere than the
-    // controls: what the module never saw it has neither changed nor removed.
+    // What the module got at the last launch beside the values of the controls, and how much of each list
+    // fitted the record. The module can neither change nor remove what it did not get.
     struct HandedOver {
         std::array<std::size_t, 4> sideListEntries; // of mixed media, pad covers, slip sheets, cover pages
         std::size_t watermarks = 0;
@@ -148,7 +151,7 @@ private:
     void TakeAnswer();
     bool LaunchAgainWithoutTwoWay();
     std::string Text(std::string_view key, std::string_view english, std::string_view table) const;
-    // An alert with one button; nothing where nobody can see it.
+    // Shows an alert with one button. Does nothing without a presenter of alerts.
     void TellPerson(const std::string& title, const std::string& information) const;
     void TellPresetsTooLarge();
     ServerPreset CurrentServerPreset() const;
@@ -160,7 +163,7 @@ private:
     bool toldPresetsTooLarge = false; // once a panel
 };
 
-// The panel that receives the module's return, and its record; null without one. Written by UI_Panel.
+// The panel that receives the answer of the module, and its record; null for none. Written by UI_Panel.
 extern UI_Panel* sUiPanelOnJPReturn;
 extern SharedMemoryList* sSharedList;
 // The module is running: the pane's buttons do nothing. Written by UI_Panel and its timer.

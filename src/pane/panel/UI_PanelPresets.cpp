@@ -60,7 +60,8 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
     const std::filesystem::path path =
         platform::system().TemporaryFolder() / "ZAN" / "JPData" / folder / "Presets" / "presets.xml";
     std::string presets;
-    // Byte-order marks become twice as long.
+    // The replacement of byte-order marks doubles their length, so that a file within the limit may exceed it
+    // afterwards.
     const std::error_code failure = platform::system().ReadFile(path, mostRecordText, presets);
     if (failure == std::errc::file_too_large) {
         TellPresetsTooLarge();

@@ -14,16 +14,16 @@
 #include <span>
 #include <unordered_map>
 
-// What the Job Properties module returned. It is another's word: keys that nobody knows are passed over,
-// values that are none change nothing, and nothing grows past what the pane keeps.
+// Applies the answer of the Job Properties module. The answer is not trusted: unknown keys are skipped,
+// invalid values change nothing, and no list grows beyond what the pane keeps.
 
 namespace torka {
 
 namespace {
 
-constexpr std::uint32_t mostCopies = 9999;
+constexpr std::uint32_t maximumCopies = 9999;
 
-// Notes whose text is kept as UTF-8 whatever the description's level.
+// The notes whose text is kept as UTF-8 at every level of the description.
 constexpr std::array<std::string_view, 3> documentServerNotes = {"*QVDSFileName", "*QVDSUserName",
                                                                  "*QVDSPassword"};
 
@@ -40,10 +40,10 @@ std::optional<long> wholeNumber(std::string_view text) {
     return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
-// Entries that the way through the record has cut are whole again where the module did not change them. Each
-// stands for the first entry before that could have come so and that no other stands for.
+// Restores entries that the record has cut and the module has not changed. A cut entry stands for the first
+// earlier entry that the record would cut to the same text and that no other entry stands for.
 void restoreUnchanged(std::vector<WideSetting>& returned, const std::vector<WideSetting>& before) {
-    std::unordered_map<std::string, std::vector<const WideSetting*>> known; // null once it is taken
+    std::unordered_map<std::string, std::vector<const WideSetting*>> known; // null when taken
     for (const WideSetting& setting : before) {
         known[keyThroughRecord(utf8FromWide(setting.key))].push_back(&setting);
     }
@@ -70,8 +70,8 @@ void restoreUnchanged(std::vector<WideSetting>& returned, const std::vector<Wide
 
 } // namespace
 
-// The returned settings by key without asterisk, in the order in which each key came first; a key may have
-// come more often. Those of the side lists, in the order in which they came.
+// The returned settings, by key without asterisk, in the order of the first occurrence of each key. A key may
+// occur more than once. The settings of the side lists keep their order.
 class UI_Panel::Returned {
 public:
     struct Entry {
@@ -100,7 +100,7 @@ public:
     }
 
     const std::vector<Entry>& Entries() const { return entries; }
-    // The last value of a key; null when it did not come.
+    // The last value of a key; null when the key was not returned.
     const std::string* Find(std::wstring_view key) const {
         const auto place = places.find(key);
         return place == places.end() ? nullptr : &entries[place->second].values.back();
@@ -109,7 +109,7 @@ public:
     const std::vector<WideSetting>& SideList(std::size_t index) const { return sideLists[index]; }
 
 private:
-    // What the description has a control for is that control's, whatever its keyword begins with.
+    // A key for which the description has a control belongs to that control, whatever its prefix.
     static std::size_t SideListOf(std::wstring_view key, const PPDXControls& controls) {
         constexpr std::array kinds = {KeyKind::mixedMedia, KeyKind::padCover, KeyKind::slipSheet,
                                       KeyKind::coverPage};
@@ -145,7 +145,7 @@ void UI_Panel::SetUpdatedSettings(const SDMKeyValueList& list) {
     }
 }
 
-// The returned list is the whole of them: what is not in it was removed, unless the module never saw it.
+// The returned list replaces the present one: a missing entry was removed, unless the module never got it.
 void UI_Panel::ApplySideLists(const Returned& returned) {
     std::size_t index = 0;
     for (SettingList* target : mPDEData->SideLists()) {
@@ -166,14 +166,15 @@ void UI_Panel::ApplySideLists(const Returned& returned) {
     }
 }
 
-// A pair that the module named goes without asterisk from then on. False for a key of none.
+// A pair that the module names has no asterisk from then on. False when the key is that of no pair.
 bool UI_Panel::ApplyAccount(std::string_view key, const std::string& value) {
     for (WideSetting& pair : mPDEData->AccountPairs()) {
         const std::wstring bare = pair.key.substr(pair.key.starts_with(L'*') ? 1 : 0);
         if (utf8FromWide(bare) != key) {
             continue;
         }
-        // With two-way communication off the module was not told the value, and "-1" says nothing of it.
+        // With two-way communication off, the module got "-1" instead of the value. A returned "-1" then
+        // means no change.
         if (value == "-1" && !mPDEData->isBIDIEnabled()) {
             return true;
         }
@@ -203,7 +204,7 @@ void UI_Panel::ApplyWatermarkChoice(const Returned& returned) {
         return;
     }
     selected->SetFirstPageOnly(*firstPage);
-    // The print settings say it, too, as of the last time that they were written.
+    // The print settings hold the number as well, from their last writing.
     const CFStringRef key = cfString("WatermarkFirstPageInfo");
     const PMPrintSettings settings = mPDEData->Settings();
     CFTypeRef stored;
@@ -216,14 +217,15 @@ void UI_Panel::ApplyWatermarkChoice(const Returned& returned) {
 void UI_Panel::ApplyCopies(const std::string& value) {
     const auto copies = wholeNumber(value);
     const PMPrintSettings settings = mPDEData->Settings();
-    if (value == handed.copies || !copies || *copies < 1 || *copies > long{mostCopies} || !settings) {
+    if (value == handed.copies || !copies || *copies < 1 || *copies > long{maximumCopies} || !settings) {
         return;
     }
     settings->SetCopies(static_cast<std::uint32_t>(*copies));
 }
 
-// A control and a job note may have the same keyword. Handed over were the control's value and then the
-// note's text, or the note's on both sides of it; one value alone is for both. False for what is no value.
+// A control and a job note may have the same keyword. The module got the value of the control and then the
+// text of the note, or the text of the note before and after it. A single returned value is for both. False
+// when the value is invalid.
 bool UI_Panel::ApplyToModel(const std::string& keyword, const std::vector<std::string>& values) {
     PPDXControls& controls = *model->GetControls();
     PPDXControl* control = settingControl(controls, keyword.c_str());
@@ -255,7 +257,7 @@ bool UI_Panel::ApplyToModel(const std::string& keyword, const std::vector<std::s
     return isValue;
 }
 
-// Watermarks that came back as they were stay the same objects, with what was set on them.
+// Unchanged watermarks stay the same objects and keep what was set on them.
 void UI_Panel::UpdateWatermarks(const SharedMemoryList& record) {
     WatermarkList& watermarks = mPDEData->Watermarks();
     const std::vector<std::string> returned = watermarkDefinitions(record);
@@ -272,7 +274,7 @@ void UI_Panel::UpdateWatermarks(const SharedMemoryList& record) {
         } else {
             watermark = std::make_unique<ZANWatermark>(returned[i].c_str());
             if (static_cast<int>(i) == selected) {
-                handed.firstPageOnly.clear(); // what the module says of it is to be set anew
+                handed.firstPageOnly.clear(); // so that the answer of the module is set again
             }
         }
         watermarks.Append(std::move(watermark));

@@ -13,7 +13,7 @@
 #include <array>
 #include <limits>
 
-// The page size of the system's page setup, and what the Job Properties module is handed.
+// The page size of the system's page setup, and the settings that the Job Properties module gets.
 
 namespace torka {
 
@@ -21,9 +21,9 @@ namespace {
 
 constexpr std::size_t valueSize = 1025;       // bytes with terminator
 constexpr std::size_t savedPageSizeSize = 64; // bytes with terminator
-constexpr std::uint32_t mostCopies = 9999;    // four digits
+constexpr std::uint32_t maximumCopies = 9999; // four digits
 
-std::string sSavedOSPageSize; // name of the paper chosen in the system's page setup
+std::string sSavedOSPageSize; // the paper name of the system's page setup
 
 double numberAt(const CFArrayRef& array, CFIndex index) {
     double number = 0;
@@ -37,7 +37,7 @@ std::string pointsText(double width, double height) {
     return std::string(left.View()) + " " + std::string(right.View());
 }
 
-// Keys go without the asterisk of the keyword.
+// The key of a keyword has no asterisk.
 std::string_view keyOf(std::string_view keyword) { return keyword.substr(keyword.starts_with('*') ? 1 : 0); }
 
 bool isInstallable(const PPDXControl& control) {
@@ -101,11 +101,12 @@ bool UI_Panel::GetOSPageSize() {
 
 void UI_Panel::GetDefaultSettings(KeyValueList& list) {
     list.Clear();
-    const std::size_t most = model->GetControls()->ControlCount() + mPDEData->MixedMediaList().Count() +
-                             mPDEData->PadCoverList().Count() + mPDEData->SlipSheetList().Count() +
-                             mPDEData->CoverPageList().Count() + 12;
+    const std::size_t maximumSettings = model->GetControls()->ControlCount() +
+                                        mPDEData->MixedMediaList().Count() +
+                                        mPDEData->PadCoverList().Count() + mPDEData->SlipSheetList().Count() +
+                                        mPDEData->CoverPageList().Count() + 12;
     constexpr std::size_t usualCharacters = 40; // of a key and its value
-    list.Reserve(most, most * usualCharacters);
+    list.Reserve(maximumSettings, maximumSettings * usualCharacters);
     refreshUTF8Level(model->GetControls());
     const bool twoWay = mPDEData->isBIDIEnabled();
     ListControls(list, twoWay);
@@ -116,7 +117,7 @@ void UI_Panel::GetDefaultSettings(KeyValueList& list) {
         const std::wstring_view key = std::wstring_view(pair.key).substr(pair.key.starts_with(L'*') ? 1 : 0);
         list.Append(key, twoWay ? std::wstring_view(pair.value) : L"-1");
     }
-    handed.copies = std::to_string(std::min(mPDEData->GetNumCopiesFromOS(), mostCopies));
+    handed.copies = std::to_string(std::min(mPDEData->GetNumCopiesFromOS(), maximumCopies));
     list.AppendNarrow("*QV_COPIES", handed.copies);
     list.AppendNarrow("num copies", handed.copies);
     CNTL_TYPE type{};
@@ -148,7 +149,7 @@ void UI_Panel::ListControls(KeyValueList& list, bool twoWay) {
         }
         if (isInstallable(*control)) {
             const std::string index = std::to_string(list.Count()) + ",";
-            // Only whole indexes, and none of an entry that the record has no place for.
+            // Adds only whole indexes, and none of an entry for which the record has no place.
             if (list.Count() < exchangeEntryLimit &&
                 installable.size() + index.size() < mSharedList->installableOptions.size()) {
                 installable += index;
@@ -180,7 +181,7 @@ void UI_Panel::ListColourNotes(KeyValueList& list) {
     PPDXControl* bar = settingControl(controls, controlBarKeyword);
     PPDXJobNote* barNote = controls.FindJobNote(controlBarKeyword, true);
     if (bar || barNote) {
-        // The note's text, where it says something else than the control.
+        // The text of the note takes precedence over the control.
         std::string value = barNote ? controlValueText(*barNote) : std::string();
         if (value.empty() && bar) {
             value = controlValueText(*bar);
@@ -208,7 +209,7 @@ void UI_Panel::ListWatermarkChoice(KeyValueList& list) {
 void UI_Panel::ListSideLists(KeyValueList& list) {
     std::size_t index = 0;
     for (const SettingList* entries : mPDEData->SideLists()) {
-        // What the record has no place for, the module does not see.
+        // The module does not get entries for which the record has no place.
         handed.sideListEntries[index++] =
             std::min(entries->Count(), exchangeEntryLimit - std::min(list.Count(), exchangeEntryLimit));
         for (const WideSetting& setting : entries->Entries()) {

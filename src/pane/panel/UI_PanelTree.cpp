@@ -9,7 +9,8 @@
 #include <algorithm>
 #include <unordered_map>
 
-// The tree of what is shown, the reset to the defaults, and the job notes of the colour controls.
+// The tree of controls that the pane shows, the reset to the defaults, and the job notes of the colour
+// controls.
 
 namespace torka {
 
@@ -22,7 +23,7 @@ std::string treeKeyword(const PPDXElement& element) {
     return cutText(element.Keyword() ? element.Keyword() : "", treeKeywordSize);
 }
 
-// Told once for each description, whatever the number of resets.
+// Logs the fault once for each description, however many resets there are.
 void reportMissingControl(ZANPPD& model, const char* keyword) {
     PPDXErrors& errors = *model.Errors();
     for (const PPDXErrorObj* error = errors.First(); error; error = errors.Next()) {
@@ -56,11 +57,11 @@ void UI_Panel::PopulatePPDTreeStructure() {
     mPDEData->GetPPDShortcuts(Tree);
     AddGroups();
     AddControls();
-    // The positions of the quick-access entries count the groups that go here, too.
+    // The positions of the quick-access entries also count the groups that are removed here.
     std::erase_if(Tree.groups, [](const PPDTreeGroup& group) { return group.controls.empty(); });
 }
 
-// The first group is passed over: it is the page's own pane, which holds the others.
+// Skips the first group: it is the pane of the page and holds the other groups.
 void UI_Panel::AddGroups() {
     PPDXGroups& groups = *model->GetGroups();
     groups.First();
@@ -76,7 +77,7 @@ void UI_Panel::AddGroups() {
     }
 }
 
-// The first control is passed over as the first group is.
+// Skips the first control, as AddGroups skips the first group.
 void UI_Panel::AddControls() {
     std::unordered_map<std::string_view, std::size_t> places;
     for (std::size_t i = 0; i < Tree.groups.size(); ++i) {
@@ -129,8 +130,8 @@ void UI_Panel::ResetControlsToDefault() {
             keptNotes[i] = note;
         }
     }
-    // A fault of the description must not end the host: the reset ends instead, with everything below as it
-    // was.
+    // A defect of the description must not end the host. The reset ends here and leaves the remaining
+    // controls unchanged.
     if (controls.FindJobNote(controlBarKeyword, true) && !settingControl(controls, controlBarKeyword)) {
         reportMissingControl(*model, controlBarKeyword);
         return;

@@ -8,16 +8,16 @@
 
 namespace torka {
 
-// What the bar under the pages says, and which of its buttons are offered.
+// The text of the bar below the pages, and the buttons that it offers.
 struct ConflictNotice {
     std::string text;
-    std::string resolveTip;  // what Resolve would change; "" when it is not offered
-    bool isConflict = false; // else a report of what a resolution changed
+    std::string resolveTip;  // the changes of Resolve; "" when Resolve is not offered
+    bool isConflict = false; // false: the text tells what a resolution changed
     bool canUndo = false;
     bool CanResolve() const { return !resolveTip.empty(); }
 };
 
-// None while there is nothing to say. `change`: the one made just now, null for none.
+// None when there is nothing to tell. `change`: the change made just now, null for none.
 std::optional<ConflictNotice> conflictNotice(const PaneTexts& texts, const PaneChange* change);
 
 } // namespace torka

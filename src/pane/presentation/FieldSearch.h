@@ -11,13 +11,13 @@
 
 namespace torka {
 
-// A field that was searched for, and the choice by which it was found.
+// A field that a search found, and the choice that matched.
 struct PaneMatch {
     const PaneField* field = nullptr;
-    std::string choice; // its name; "" when the field's own name or keyword matched
+    std::string choice; // the name of the choice; "" when the name or keyword of the field matched
 };
 
-// What a search shows: fields under headings that tell where they stand.
+// The result of a search: fields under headings that name their place.
 struct SearchResults {
     struct Section {
         std::string heading;
@@ -28,18 +28,18 @@ struct SearchResults {
     std::string more; // how many matches are left out; "" for none
 };
 
-// Finds the fields whose name, keyword or choices (name or keyword) hold every word of a query, letter case
-// aside.
+// Finds the fields whose name, keyword or choices (name or keyword) contain every word of a query, without
+// regard to case.
 //
-// Keeps folded texts of all fields, made by the first search and again after the fields or their choices
-// changed.
+// Keeps an index of the texts in upper case. The first search makes it, and a search after the fields or
+// their choices changed makes it again.
 class FieldSearch {
 public:
     explicit FieldSearch(const PaneTexts& paneTexts)
         : texts(paneTexts) {}
 
-    // In order; those found by name or keyword come before those found by a choice. None for a query of
-    // blanks.
+    // All matches in the order of the pages: first by name or keyword, then by choice. None for a blank
+    // query.
     std::vector<PaneMatch> Matches(std::string_view query);
     // The first forty matches.
     SearchResults Results(std::string_view query);
@@ -48,13 +48,13 @@ private:
     struct FoldedField {
         const PaneField* field;
         std::string own;                                          // name and keyword
-        std::vector<std::pair<std::string, std::string>> choices; // folded, and the name
+        std::vector<std::pair<std::string, std::string>> choices; // text in upper case, and the name
     };
     void MakeIndex();
 
     const PaneTexts& texts;
     std::vector<FoldedField> index;
-    std::uint64_t version = 0; // of the editor's fields when the index was made
+    std::uint64_t version = 0; // PaneEditor::FieldsVersion of the index
 };
 
 } // namespace torka

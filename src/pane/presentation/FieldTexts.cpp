@@ -60,7 +60,7 @@ std::string shownValue(const PaneTexts& texts, const PaneField& field, std::stri
     if (!isSecret(*field.control) || value.empty()) {
         return std::string(value);
     }
-    return "••••••••"; // always as many: the length is a secret too
+    return "••••••••"; // a fixed number, because the length is a secret too
 }
 
 std::string shownSetting(const PaneTexts& texts, const PaneSetting& setting) {

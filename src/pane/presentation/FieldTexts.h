@@ -7,36 +7,38 @@
 #include <string_view>
 #include <vector>
 
-// Values, settings and reasons in a person's words.
+// Values, settings and reasons as texts for people.
 
 namespace torka {
 
-// The name of a choice; a check box without names of its own has On and Off.
+// The name of a choice. For a check box without names of its own it is On or Off.
 std::string shownChoice(const PaneTexts& texts, const PPDXControl& control, std::string_view choice);
-// A value in the form of PaneEditor::Value; a secret as dots.
+// The text of a value in the form of PaneEditor::Value. A secret is shown as dots.
 std::string shownValue(const PaneTexts& texts, const PaneField& field, std::string_view value);
 // “Media Type: Labels”
 std::string shownSetting(const PaneTexts& texts, const PaneSetting& setting);
 // "Print on Both Sides to Off, Staple to None"
 std::string shownChanges(const PaneTexts& texts, const std::vector<PaneSetting>& changes);
-// Where a field stands: "Layout › Page Setup".
+// The page and group of a field: "Layout › Page Setup".
 std::string shownPlace(const PaneTexts& texts, const PaneField& field);
 // "Back to Plain"
 std::string shownReset(const PaneTexts& texts, const PaneField& field);
 
-// Why a person cannot change the control; "" when they can.
+// Why a person cannot change the control; "" when it can be changed.
 std::string whyLocked(const PaneTexts& texts, const PPDXControl& control);
-// "Two is not available with “Media Type: Labels”.", at most three reasons named; "" when nothing forbids it.
+// "Two is not available with “Media Type: Labels”." Names at most three reasons. "" when nothing forbids the
+// choice.
 std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control, const PaneChoice& choice);
-// The same for each forbidden choice of the control, one a line, at most twelve and how many more.
+// The same for each forbidden choice of the control, one a line. Names at most twelve choices, and the number
+// of the others.
 std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control);
-// Why the custom page size has no effect; "" when it has.
+// Why the custom page size has no effect; "" when it has one.
 std::string whySizeIsUnused(const PaneTexts& texts);
 
-// A check box that is on or off now.
+// The state of a check box.
 struct CheckBoxState {
     std::string whyOtherForbidden; // "" when the other state is allowed
-    bool canChange = true;         // also while the present state is in conflict itself
+    bool canChange = true;         // true when the present state is in conflict
 };
 CheckBoxState checkBoxState(const PaneTexts& texts, const PPDXControl& control, bool isOn);
 

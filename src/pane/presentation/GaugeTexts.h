@@ -9,11 +9,11 @@
 #include <optional>
 #include <string>
 
-// What the gauges of trays and supplies say, to assistive technology and in their tooltips.
+// The texts of the gauges of trays and supplies, for tooltips and assistive technology.
 
 namespace torka {
 
-// Where the gauges have it from. Every function is set.
+// The source of the gauges. Every function is set.
 struct GaugeSource {
     std::function<bool()> isOn; // two-way communication
     std::function<ServerExchange::State()> state;
@@ -22,16 +22,16 @@ struct GaugeSource {
     std::function<void(std::function<void()>)> whenChanged; // calls a listener after each change
 };
 
-// One gauge: a level as a bar with a name.
+// One gauge: a level and a name.
 struct ShownGauge {
     std::string name;
-    std::string detail; // what a tray holds; "" for nothing known
-    std::string color;  // "#rrggbb"; "" for the usual one
+    std::string detail; // the medium in a tray; "" for unknown
+    std::string color;  // "#rrggbb"; "" for the default
     std::optional<int> percent;
-    bool hasSome = false; // drawn half: some is left, not known how much
+    bool hasSome = false; // not empty, the level is unknown
     bool needsAttention = false;
 
-    // The letter under a supply that stands beside others.
+    // The first letter of the name, shown below a supply that stands beside others.
     std::string Initial() const;
 };
 ShownGauge shownGauge(const TrayGauge& tray);

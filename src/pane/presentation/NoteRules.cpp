@@ -15,7 +15,7 @@ struct RuleWord {
     const PaneWord& word;
 };
 
-// In the order in which a tooltip names them.
+// In the order of the tooltip.
 constexpr std::array ruleWords{
     RuleWord{jobNoteRequired, words::ruleRequired}, RuleWord{jobNoteLengthReq, words::ruleExactly},
     RuleWord{jobNoteNoFlag, words::ruleAtMost},     RuleWord{jobNoteMinLength, words::ruleAtLeast},
@@ -31,7 +31,7 @@ constexpr const PaneWord* wordOf(JobNoteFlag flag) {
     return nullptr;
 }
 
-// Every rule of the table of flags has a word here, and both say the same in English.
+// Every rule in the table of flags has a word here with the same English text.
 static_assert(std::ranges::all_of(jobNoteFlags, [](const JobNoteFlagRow& row) {
     const PaneWord* word = wordOf(row.flag);
     return row.rule.empty() ? word == nullptr : word != nullptr && word->english == row.rule;
@@ -91,8 +91,8 @@ std::string brokenRules(const PaneTexts& texts, const PPDXJobNote& note, const C
 NoteCounter noteCounter(const PaneTexts& texts, const PPDXJobNote& note, const CFStringRef& text,
                         bool isLocked) {
     const std::string present = std::to_string(CFStringGetLength(text));
-    const std::string longest = std::to_string(note.MaxLength());
-    NoteCounter counter{present + " / " + longest, texts.Say(words::lengthOf, present, longest), {}};
+    const std::string maximum = std::to_string(note.MaxLength());
+    NoteCounter counter{present + " / " + maximum, texts.Say(words::lengthOf, present, maximum), {}};
     if (!isLocked) {
         counter.broken = brokenRules(texts, note, text);
     }

@@ -6,18 +6,18 @@
 #include <string>
 #include <vector>
 
-// What the flags of a job note ask of its text, in a person's words.
+// The rules that the flags of a job note give its text, in words.
 
 namespace torka {
 
 class PPDXControl;
 class PPDXJobNote;
 
-// Which characters a job note admits, and the rules of its finished text; "" for other controls and for
+// The characters that a job note admits, and the rules of its finished text. "" for other controls and for
 // on/off switches.
 std::string noteRules(const PaneTexts& texts, const PPDXControl& control);
 
-// The rules that a finished text breaks: "“Account” must have exactly 6 characters."; "" when it breaks none.
+// The rules that a text breaks: "“Account” must have exactly 6 characters."; "" for none.
 std::string brokenRules(const PaneTexts& texts, const PPDXJobNote& note, const CFStringRef& text);
 
 // The counter behind a note's field. Lengths are in UTF-16 units. A locked field breaks no rule.
@@ -34,8 +34,8 @@ struct BrokenNote {
     std::string keyword;
     std::string sentence;
 };
-// The fields of the pages that a person can change, in the order of the pages. Notes that the popup dialog
-// asks for are not among them: that dialog names their rules itself.
+// All such fields of the pages, in their order. Locked fields are left out. Notes that the popup dialog asks
+// for are left out, because that dialog names their rules.
 std::vector<BrokenNote> brokenNotes(const PaneTexts& texts);
 
 } // namespace torka

@@ -29,7 +29,7 @@ ShownUnit shownUnit(const PaneField& field) {
 int decimalsFor(float increment) {
     int decimals = 0;
     double step = std::abs(static_cast<double>(increment));
-    constexpr double tolerance = 1e-4; // a float's 0.1 is not quite that
+    constexpr double tolerance = 1e-4; // 0.1 as a float is not exact
     while (decimals < 4 && std::abs(step - std::round(step)) > tolerance * std::max(step, 1.0)) {
         step *= 10.0;
         ++decimals;

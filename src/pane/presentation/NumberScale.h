@@ -7,30 +7,31 @@
 
 namespace torka {
 
-// How a range is shown: its number times the factor, in its unit. "1/100 mm" is shown in millimetres.
+// The displayed number of a range is its own number times the factor, in this unit. Example: a range in
+// "1/100 mm" is shown in millimetres.
 struct ShownUnit {
     double factor = 1.0;
     int decimals = 0; // of the factor
     std::string name; // "" for none
 };
 ShownUnit shownUnit(const PaneField& field);
-// Decimals that show a float range's steps exactly, 0 to 4.
+// The number of decimals that shows the steps of a float range exactly, 0 to 4.
 int decimalsFor(float increment);
 
-// A whole or decimal range as a slider and a number box show it. Numbers are the control's own unless they
-// are called shown. Refers to the control.
+// A whole or decimal range as a slider and a number box show it. Functions with "Shown" in their name use
+// displayed numbers, the others the own numbers of the control. Refers to the control.
 class NumberScale {
 public:
     explicit NumberScale(const PaneField& field);
 
     const ShownUnit& Unit() const { return unit; }
-    int Decimals() const { return decimals; } // of shown numbers
+    int Decimals() const { return decimals; } // of displayed numbers
     double ShownMinimum() const { return minimum * unit.factor; }
     double ShownMaximum() const { return maximum * unit.factor; }
     double ShownStep() const { return step * unit.factor; }
 
-    double Number() const; // the present one
-    // The slider's places are 0 to SliderMaximum(), at most 1,000.
+    double Number() const; // the present value
+    // The positions of the slider are 0 to SliderMaximum(), which is at most 1,000.
     int SliderMaximum() const;
     int SliderPlace(double number) const;
     double AtSlider(int place) const;
@@ -47,17 +48,17 @@ private:
     double step = 1;
 };
 
-// The side of a page in the country's unit.
+// The side of a page in the unit of the person's country.
 struct SizeScale {
     explicit SizeScale(bool metric);
 
-    double points; // of the unit
+    double points; // in one unit
     int decimals;
     double step;
     const PaneWord& unit;
 
-    // A bound in points, in the unit: inwards to what the decimals can show, so that a bound shown is a bound
-    // kept.
+    // A bound given in points, in the unit, rounded inwards to the displayed decimals: every displayed value
+    // is within the bounds.
     double Least(double boundInPoints) const;
     double Largest(double boundInPoints) const;
     // Width and height in the unit, as text for the control.

@@ -52,7 +52,7 @@ std::vector<PaneField> quickAccessFields(const PaneEditor& editor, const std::ve
         if (const PaneField* field = editor.Catalog().Find(keyword)) {
             fields.push_back(*field);
         } else if (PPDXControl* control = editor.FindControl(keyword)) {
-            fields.push_back(PaneCatalog::FieldOf(*control)); // on no page
+            fields.push_back(PaneCatalog::FieldOf(*control)); // no page shows it
         }
     }
     return fields;

@@ -11,21 +11,21 @@ namespace torka {
 
 class PaneEditor;
 
-// How the pane speaks with its person. The host's side supplies both functions.
+// The language and country of the person. The host supplies both functions.
 struct PaneLanguage {
     std::function<std::string(const PaneWord& word)> text;
-    // In the notation of the person's country.
+    // The number in the notation of the person's country.
     std::function<std::string(double number, int decimals)> number;
     bool metric = true; // millimetres, else inches
 };
 
-// What the sentences of the presentation are made from. The editor outlives it. Every text is UTF-8 and
-// plain: a description may hold anything.
+// The source of all texts of the presentation. The editor must outlive it. Every text is UTF-8 and plain
+// text; texts of a description may hold any character.
 struct PaneTexts {
     const PaneEditor& editor;
     PaneLanguage language;
 
-    // A word with names in its places. The names may hold anything, "%1" too.
+    // A word with the names put in its places. A name may hold any text, also "%1".
     template <class... Names>
     std::string Say(const PaneWord& word, const Names&... names) const {
         const std::array<std::string_view, sizeof...(Names)> all{std::string_view(names)...};

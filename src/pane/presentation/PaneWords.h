@@ -2,8 +2,8 @@
 
 #include <array>
 
-// The texts of the pane. A person's language has them in the bundle's table "Pane"; the English ones serve
-// where that table lacks a key. PaneWords.inc is the one place where a word stands.
+// The words of the pane. The table "Pane" of the bundle has them in the person's language; the English text
+// is the default for a missing key. PaneWords.inc is their only table.
 
 namespace torka {
 

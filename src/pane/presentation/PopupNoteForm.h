@@ -17,20 +17,20 @@ namespace torka {
 class CustomizePaneController;
 class PPDXJobNote;
 
-// The form that asks for the popup job notes before a job is printed: its fields, and the person's
-// preferences for it in the globals of PanelState.h.
+// The form that asks for the popup job notes before a job is printed. It has the fields, and the preferences
+// of the person in the globals of PanelState.h.
 //
-// A note changes while its text is typed; Restore brings back what was there before. Refers to its arguments,
-// which must outlive it.
+// Typing changes a note at once; Restore brings back the notes as they were. Refers to its arguments, which
+// must outlive it.
 class PopupNoteForm {
 public:
-    // `checkedOutlets`: the fields whose text is held to the characters that the note admits.
+    // `checkedOutlets`: the fields in which only characters that the note admits may be typed.
     PopupNoteForm(const PaneTexts& texts, CustomizePaneController& controller,
                   const std::set<std::string, std::less<>>& checkedOutlets);
 
     struct Field {
         PPDXJobNote* note;
-        std::uint32_t tag;  // of the controller
+        std::uint32_t tag;  // of the field in the controller
         std::string number; // "11" to "55"
         std::string outlet; // "popupJobNoteVal11", or "popupJobNoteSec11" for a secret
         std::string name;
@@ -41,15 +41,15 @@ public:
         bool isChecked;
     };
     const std::vector<Field>& Fields() const { return fields; }
-    // False when there are no notes, or the person wants no form and no text breaks a rule.
+    // False when there are no notes, and when the person wants no form and no text breaks a rule.
     bool MustAsk() const;
 
     static std::string ValueOf(const Field& field);
-    // Takes a text that a person typed; the result is what the field holds from now on.
+    // Takes a typed text and returns the text that the field must show.
     CFStringRef Type(const Field& field, const CFStringRef& typed);
     void Switch(const Field& field, bool isOn);
     NoteCounter CounterOf(const Field& field) const;
-    // The sentences of all fields that break a rule, one a line, and the first of these fields.
+    // The sentences of all fields that break a rule, one a line, and the index of the first of these fields.
     struct Warning {
         std::string text; // "" for none
         std::size_t firstField = 0;
@@ -61,19 +61,19 @@ public:
         bool asksAlways;     // else only when a text breaks a rule
     };
     Preferences PresentPreferences() const;
-    // Whether a note is kept for the next job, so that beginsWithLast has a meaning.
+    // Whether a note is remembered for the next job. Without one, beginsWithLast has no meaning.
     bool HasRemembered() const;
-    // In force from the first time on that the person wants something else than the defaults.
+    // Stores the preferences. They are in force from the first time on that they differ from the defaults.
     static void Keep(const Preferences& preferences);
-    // The notes as they were when the form was made.
+    // Sets the notes to their state when the form was made.
     void Restore();
-    // Writes the texts of the notes, secret ones left out, into the first global when the form opens and into
-    // the second when it closes: gPopupJobNotesSavedNote, gPopupJobNotesNote.
+    // Write the texts of the notes into gPopupJobNotesSavedNote when the form opens and into
+    // gPopupJobNotesNote when it closes. Texts of secret notes are left out.
     void KeepTextsBefore() const;
     void KeepTextsAfter() const;
 
 private:
-    // What a note holds, to bring it back.
+    // The state of a note, for Restore.
     struct NoteState {
         CFStringRef text;
         bool isUtf8;

@@ -75,7 +75,7 @@ std::string PresetChoice::Problem(PresetStore::Result result, const std::string&
         return texts.Say(words::presetFull);
     case PresetStore::Result::notWritten:
         return texts.Say(words::presetNotWritten, store.File().string());
-    case PresetStore::Result::notFound: { // another dialog removed it
+    case PresetStore::Result::notFound: { // another dialog has removed it
         std::string problem = texts.Say(words::presetGone, name);
         if (name == chosen) {
             Choose({});

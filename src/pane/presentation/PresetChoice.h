@@ -9,11 +9,10 @@
 
 namespace torka {
 
-// The presets of a printer as a person works with them: which one is chosen, and whether the settings have
-// left it.
+// The presets of a printer: which one is chosen, and whether the settings still match it.
 //
-// What changes the presets answers with why it was not done, a sentence, or "". Refers to the editor and the
-// pane's data, which must outlive it.
+// The functions that change presets return "" on success, else a sentence that tells why not. Refers to the
+// editor and the data of the pane, which must outlive it.
 class PresetChoice {
 public:
     PresetChoice(const PaneTexts& texts, PaneEditor& editor, PDEData& data);
@@ -21,19 +20,20 @@ public:
     std::vector<std::string> Names() const { return store.Names(); }
     const std::string& Chosen() const { return chosen; } // "" for none
     bool IsChanged() const { return isChanged; }
-    // Chooses the preset that the present settings are, when none is chosen yet.
+    // When no preset is chosen, chooses the one that equals the present settings.
     void ChooseByPresentSettings();
-    // Finds out whether the settings have left the chosen preset.
+    // Compares the settings with the chosen preset; IsChanged tells the result.
     void Compare();
 
-    // One step that can be undone.
+    // Apply is one step that can be undone.
     std::string Apply(const std::string& name);
     std::string Save(const std::string& name);
     std::string Update() { return chosen.empty() ? std::string() : Save(chosen); }
     std::string Rename(const std::string& name); // the chosen one
     std::string Remove();                        // the chosen one
 
-    // A name of the chosen preset, perhaps cut, with "(changed)" when it is; "Presets" while none is chosen.
+    // The text of the button: the name of the chosen preset as given, perhaps cut, with "(changed)" when the
+    // settings differ; "Presets" when none is chosen.
     std::string Shown(std::string_view name) const;
     std::string Tip() const;
 
@@ -45,18 +45,18 @@ private:
     PaneEditor& editor;
     PresetStore store;
     std::string chosen;
-    CFDictionaryRef settingsOfChosen; // as they were after applying or saving
+    CFDictionaryRef settingsOfChosen; // after the last Apply or Save
     bool isChanged = false;
 };
 
-// What the dialog that asks for a name says about what is typed there.
+// The state of the dialog that asks for the name of a preset.
 struct PresetNameState {
-    const PaneWord* button; // what the button that accepts is called
+    const PaneWord* button; // the text of the button that accepts
     bool canAccept = false;
     std::string hint;
 };
-// `renamed`: the present name of a preset that gets another, or "" for saving one. `name`: what was typed,
-// without the white space around it.
+// `renamed`: the present name of the preset to rename, or "" for saving one. `typed`: the text of the field.
+// `name`: the same without white space around it.
 PresetNameState presetNameState(const PaneTexts& texts, const std::string& renamed,
                                 const std::vector<std::string>& taken, const std::string& typed,
                                 const std::string& name);

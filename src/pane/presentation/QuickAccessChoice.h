@@ -15,19 +15,19 @@ class CustomizePaneController;
 class PDEData;
 class TorkaFeaturesPDE;
 
-// Which settings a person can put into the quick-access area, and how they find them. Refers to its
-// arguments, which must outlive it; `data` may be null.
+// The settings that a person can put into the quick-access area. Refers to its arguments, which must outlive
+// it; `data` may be null.
 class QuickAccessChoice {
 public:
     QuickAccessChoice(const PaneTexts& texts, PDEData* data);
 
-    // The settings of the pages, without the installed options and without what the area cannot show.
+    // The settings of the pages. Installed options are left out, and settings that the area cannot show.
     struct Group {
         std::string heading;
         std::vector<PaneField> fields;
     };
     std::vector<Group> Groups() const;
-    // The keywords that are still to choose from and that the search finds; a query of blanks finds all.
+    // The keywords that are not chosen yet and that match the query. A blank query matches all.
     std::set<std::string> Offered(std::string_view query, const std::vector<std::string>& chosen);
     static bool IsFull(std::size_t chosen);
     std::string CountText(std::size_t chosen) const; // "3 of 99"
@@ -41,8 +41,9 @@ private:
     FieldSearch search;
 };
 
-// Stores the entries and draws the pane with them. False when they could not be stored: they are then shown
-// until the dialog closes. May wait for the spooler and run the event loop. `data` and `panel` may be null.
+// Stores the entries and draws the pane with them. Returns false when they could not be stored; they are then
+// shown until the dialog closes. May wait for the spooler and run the event loop. `data` and `panel` may be
+// null.
 bool keepQuickAccess(const PaneEditor& editor, CustomizePaneController& controller, PDEData* data,
                      TorkaFeaturesPDE* panel, const std::vector<std::string>& keywords);
 

@@ -6,7 +6,7 @@
 
 namespace torka {
 
-// Two-way communication with the controller, as the pane's sign tells it.
+// The state of two-way communication with the controller.
 enum class TwoWayState { off, on, failed };
 
 TwoWayState twoWayState(bool isOn, bool hasFailed);

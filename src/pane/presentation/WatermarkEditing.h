@@ -12,16 +12,16 @@
 #include <string_view>
 #include <vector>
 
-// The printer's list of watermarks as a person edits it, and what the fields of one watermark admit.
+// Editing of the list of watermarks of the printer, and the valid values of their fields.
 
 namespace torka {
 
 class PDEData;
 
-// Choosing a watermark is a step that can be undone. The list belongs to the printer and is stored when it
-// changes.
+// The choice of a watermark is a setting and can be undone. The list belongs to the printer: it is stored
+// after each change and cannot be undone.
 //
-// Refers to the editor and the pane's data, which must outlive it.
+// Refers to the editor and the data of the pane, which must outlive it.
 class WatermarkEditing {
 public:
     WatermarkEditing(PaneEditor& editor, PDEData& data);
@@ -33,9 +33,9 @@ public:
     void Choose(int index);
     void SetFirstPageOnly(bool isFirstPageOnly); // of the chosen one
 
-    // A watermark in the place of another, or a new one at the end. It becomes the chosen one.
+    // Replaces the watermark at `index`, or adds one at the end for noSelection, and chooses it.
     void Put(int index, const WatermarkFields& fields);
-    // False when none is chosen.
+    // Returns false when none is chosen.
     bool RemoveChosen();
     // Stores the list for the printer. May wait for the spooler and run the event loop.
     void Keep();
@@ -62,11 +62,11 @@ inline constexpr std::array namedColors{
 inline constexpr std::array watermarkFonts{
     "Helvetica", "Helvetica-Bold", "Times-Roman", "Times-Bold", "Times-Italic", "Courier", "Courier-Bold",
 };
-// 1 to 117 graphic ASCII characters, without the delimiters and escapes of PostScript, and without the comma
-// that separates the fields of a definition.
+// True for 1 to 117 graphic ASCII characters. Delimiters and escapes of PostScript are refused, and the
+// comma, which separates the fields of a definition.
 bool isFontName(std::string_view name);
 
-// What a screen's font has in common with a PostScript font of that name.
+// The properties of a PostScript font by which a similar font of the screen is chosen.
 struct FontLook {
     enum class Kind { sans, serif, fixedPitch };
     std::string family;
@@ -76,17 +76,18 @@ struct FontLook {
 };
 FontLook fontLook(std::string_view fontName);
 
-// The largest distance from the page's middle, in points, that a field must admit for a watermark that stands
-// at `points` now.
+// The maximum distance from the middle of the page, in points, that a field must admit. `points`: the present
+// distance.
 double maximumOffset(std::int32_t points);
 
 struct PaperSize {
     double width; // points
     double height;
 };
-// The printer's paper of that name; none when it has no such paper, or one that is no sheet.
+// The size of the paper of that name. None when the printer does not have it, or when its size is no sheet of
+// paper.
 std::optional<PaperSize> printerPaper(const PMPrinter& printer, std::string_view name);
-// Whether the dialog's page setup turns the paper.
+// Whether the page setup of the dialog turns the paper.
 bool isLandscape(const PDEData& data);
 
 } // namespace torka

@@ -30,7 +30,8 @@ int columnIndex(ControllerColumn column) { return column == ControllerColumn::na
 
 } // namespace
 
-// Rows change in place, so that the table neither jumps nor loses its place while controllers come and go.
+// The rows are changed in place, so that the selection and the scroll position stay while controllers come
+// and go.
 class AddressSheet::Rows final : public QAbstractTableModel {
 public:
     Rows(QObject* parent, QString nameTitle, QString addressesTitle)
@@ -89,12 +90,12 @@ public:
     Dialog(QWidget* parent, AddressSheet& owner)
         : QDialog(parent)
         , sheet(owner) {}
-    // What the table tells while it goes is not a person's doing.
+    // While the table is destroyed, its signals are no action of the person.
     ~Dialog() override { sheet.isSetting = true; }
 
     void accept() override {
         if (sheet.delegate != nullptr) {
-            // This dialog may end with it.
+            // The delegate may end this dialog.
             const std::shared_ptr<void> alive = sheet.keepAlive ? sheet.keepAlive() : nullptr;
             sheet.delegate->OKClicked();
         } else {
@@ -135,7 +136,7 @@ AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
     dialog->setWindowModality(Qt::WindowModal);
 
     field->setObjectName("addressField");
-    field->setMaxLength(longestAddress);
+    field->setMaxLength(maximumAddress);
     field->setClearButtonEnabled(true);
     field->setPlaceholderText(translate("ADDRESS_EXAMPLE", "for example 192.168.1.20"));
     bidiCheckBox->setObjectName("sheetBidiCheckBox");
@@ -223,7 +224,7 @@ void AddressSheet::MakeTable(const BidiTranslator& translate) {
             delegate->UpOrDownArrowKeySelection();
         }
     });
-    // Once its address is known.
+    // A double click chooses a controller only after its address was resolved.
     QObject::connect(table, &QAbstractItemView::doubleClicked, dialog, [this] {
         if (!progress->isVisible()) {
             dialog->accept();
@@ -231,7 +232,7 @@ void AddressSheet::MakeTable(const BidiTranslator& translate) {
     });
 }
 
-// The table's first row has the focus without being selected, and no arrow key would select it.
+// The first row of the table has the focus without being selected, and no arrow key would select it.
 bool AddressSheet::SelectFirst(int key) {
     const bool moves = key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_Home;
     if (!moves || selectedRow() || model->rowCount({}) == 0) {
@@ -301,7 +302,7 @@ void AddressSheet::setAddressField(const CFStringRef& text) {
     const QString shown = qText(text);
     if (dialog != nullptr && field->text() != shown) {
         field->setText(shown);
-        field->setCursorPosition(0); // a long name shows its beginning
+        field->setCursorPosition(0); // shows the beginning of a long name
     }
 }
 

@@ -19,30 +19,29 @@ class QTreeView;
 
 namespace torka {
 
-// The text of a key in the person's language, from the bundle's table "BidiStrings"; the English one when the
-// table has none.
+// Returns the text of a key in the person's language, from the table "BidiStrings" of the bundle; the English
+// text for a missing key.
 using BidiTranslator = std::function<QString(const char* key, const char* english)>;
 
-// The sheet in which a person chooses the controller's address: a field, the controllers of the local net,
-// and the two-way check box. The pane's own check box and configure button belong to the same controller and
-// are attached.
+// The sheet in which a person chooses the address of the controller. It has a field, the controllers of the
+// local network, and the two-way check box. The check box and the configure button of the pane belong to the
+// same controller and are attached.
 //
-// Names from the network are drawn as plain text everywhere. Everything can be reached by keys; the table is
-// sorted by its headers, or from its context menu.
-// The widgets' dialog is a child of the parent, which may be gone before this is: then nothing is shown any
-// more.
+// Names from the network are drawn as plain text. All functions are reachable by keys. The headers or the
+// context menu of the table sort it. The parent of the dialog may end before this object; then every call
+// does nothing.
 class AddressSheet final : public BonjourModuleView {
 public:
-    static constexpr int longestAddress = 255; // characters
+    static constexpr int maximumAddress = 255; // characters
 
     AddressSheet(QWidget* parent, const BidiTranslator& translate);
     ~AddressSheet() override;
-    // The pane's widgets; either may be null. They stay the pane's.
+    // The widgets of the pane, which owns them; either may be null.
     void attachPaneWidgets(QCheckBox* twoWay, QPushButton* configure);
-    // What owns the sheet and its controller, held while an alert of theirs waits: the host may let go of it
-    // meanwhile.
+    // Returns the owner of the sheet and its controller. It is held during an alert of theirs, in which the
+    // host may release it.
     void setKeepAlive(std::function<std::shared_ptr<void>()> hold) { keepAlive = std::move(hold); }
-    // Null once the parent is gone.
+    // Null after the end of the parent.
     QDialog* Window() const { return dialog; }
 
     void setDelegate(BonjourModuleViewDelegate* newDelegate) override { delegate = newDelegate; }
@@ -76,7 +75,7 @@ private:
     BonjourModuleViewDelegate* delegate = nullptr;
     std::function<std::shared_ptr<void>()> keepAlive;
     QPointer<QDialog> dialog;
-    Rows* model; // these are owned by the dialog
+    Rows* model; // the dialog owns this and the following
     QLineEdit* field;
     QTreeView* table;
     QLabel* status;
@@ -87,7 +86,7 @@ private:
     QString sortByName;
     QString sortByAddresses;
     bool isBidiOn = false;
-    bool isSetting = false; // the selection changes, and not by a person
+    bool isSetting = false; // the code, not the person, changes the selection
 };
 
 } // namespace torka

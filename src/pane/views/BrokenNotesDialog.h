@@ -13,7 +13,7 @@ class QListWidget;
 namespace torka {
 
 // Names the fields whose texts break a rule, before a job is printed. Accepted: the person prints all the
-// same. Rejected: the person cancelled, or goes to one of the fields.
+// same. Rejected: the person cancelled or goes to a field.
 class BrokenNotesDialog final : public QDialog {
 public:
     BrokenNotesDialog(const PaneContext& context, const std::vector<BrokenNote>& notes, QWidget* parent);

@@ -29,27 +29,27 @@ bool anyOf(const std::vector<bool>& forbidden) {
 
 } // namespace
 
-// A combo box whose list, a window of its own, is made when it is first opened. QComboBox makes it earlier:
-// for its size hint, to ask the list's delegate, and when its size policy or contents length is set. The size
-// is therefore worked out here, and both setters are left alone.
+// A combo box that makes its list, which is a window, when the list is first opened. QComboBox makes the list
+// earlier: for its size hint, for the delegate of the list, and when its size policy or contents length is
+// set. This class therefore computes its size itself, and nobody calls the two setters.
 class LazyComboBox : public QComboBox {
 public:
-    // `characters`: room for as many; 0 leaves the width to the layout.
+    // `characters`: the minimum width in characters; 0 leaves the width to the layout.
     LazyComboBox(int characters, QWidget* parent)
         : QComboBox(parent)
-        , leastCharacters(characters) {
+        , minimumCharacters(characters) {
         setFocusPolicy(Qt::StrongFocus);
     }
 
-    // The size of QComboBox with AdjustToMinimumContentsLengthWithIcon.
+    // The same size as QComboBox with AdjustToMinimumContentsLengthWithIcon.
     QSize sizeHint() const override {
-        constexpr int leastTextHeight = 14;
+        constexpr int minimumTextHeight = 14;
         constexpr int iconMargin = 4;
         constexpr int frame = 2;
         const int textHeight = static_cast<int>(std::ceil(QFontMetricsF(fontMetrics()).height()));
-        const int textWidth = leastCharacters * fontMetrics().horizontalAdvance(QLatin1Char('X'));
+        const int textWidth = minimumCharacters * fontMetrics().horizontalAdvance(QLatin1Char('X'));
         const QSize content(textWidth > 0 ? textWidth + iconSize().width() + iconMargin : 0,
-                            std::max({textHeight, leastTextHeight, iconSize().height()}) + frame);
+                            std::max({textHeight, minimumTextHeight, iconSize().height()}) + frame);
         QStyleOptionComboBox option;
         initStyleOption(&option);
         return style()->sizeFromContents(QStyle::CT_ComboBox, &option, content, this);
@@ -57,11 +57,11 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 private:
-    int leastCharacters;
+    int minimumCharacters;
 };
 
-// The choices of a popup with their state; forbidden ones are disabled but for the current one, which bears a
-// sign.
+// The choices of a popup with their state. Forbidden choices are disabled. A forbidden current choice stays
+// enabled and has a sign.
 class ChoiceModel final : public QAbstractListModel {
 public:
     ChoiceModel(PaneContext& paneContext, const PPDXControl& shownControl, QObject* parent)
@@ -101,7 +101,7 @@ public:
 
     const std::vector<PaneChoice>& Choices() const { return choices; }
 
-    // Reads the choices anew where they were replaced. True when they were.
+    // Reads the choices again. Returns whether they were replaced.
     bool Reload() {
         const std::size_t count = static_cast<const PPDXPopupControl&>(control).ItemCount();
         std::vector<PaneChoice> now = choicesOf(control);
@@ -166,7 +166,7 @@ void PopupRow::UpdateValue() {
     if (box->currentIndex() != row) {
         box->setCurrentIndex(row);
     }
-    constexpr qsizetype longText = 30; // may be cut
+    constexpr qsizetype longText = 30; // a longer text may be cut
     box->setToolTip(box->currentText().size() > longText ? plainToolTip(box->currentText()) : QString());
 }
 
@@ -195,7 +195,7 @@ bool CheckRow::UpdateAllowed() {
     return !state.whyOtherForbidden.empty();
 }
 
-// A combo box whose items are ticked one by one; its list stays open meanwhile.
+// A combo box whose items are ticked one by one. Its list stays open meanwhile.
 class TickBox final : public LazyComboBox {
 public:
     explicit TickBox(QWidget* parent)
@@ -205,7 +205,7 @@ public:
     }
 
     void showPopup() override {
-        view()->viewport()->installEventFilter(this); // once, however often it is called
+        view()->viewport()->installEventFilter(this); // repeated calls install it once
         view()->installEventFilter(this);
         LazyComboBox::showPopup();
     }
@@ -238,7 +238,7 @@ protected:
         painter.drawControl(QStyle::CE_ComboBoxLabel, option);
     }
 
-    // Without its list open the box has nothing to step through.
+    // The keys open the list: a closed box has no current choice to change.
     void keyPressEvent(QKeyEvent* event) override {
         const int key = event->key();
         if (key == Qt::Key_Down || key == Qt::Key_Up || key == Qt::Key_Space || key == Qt::Key_F4) {

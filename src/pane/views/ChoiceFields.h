@@ -12,7 +12,7 @@ namespace torka {
 class ChoiceModel;
 class TickBox;
 
-// A popup: one choice of a list. Forbidden choices are grey and say why.
+// A popup: one choice of a list. Forbidden choices are disabled and tell why.
 class PopupRow final : public FieldRow {
 public:
     PopupRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
@@ -25,7 +25,7 @@ private:
     ChoiceModel* choices;
 };
 
-// A check box. Grey with its reason where the other state is forbidden.
+// A check box. It is disabled and tells why while its other state is forbidden.
 class CheckRow final : public FieldRow {
 public:
     CheckRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
@@ -37,7 +37,7 @@ private:
     QCheckBox* box;
 };
 
-// Any number of choices: a box that opens a list to tick, and shows the names of what is ticked.
+// Any number of choices: a box that opens a list of check boxes and shows the names of the ticked choices.
 class SeveralChoicesRow final : public FieldRow {
 public:
     SeveralChoicesRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);

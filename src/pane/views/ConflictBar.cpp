@@ -13,7 +13,7 @@
 namespace torka {
 namespace {
 
-// Part of a colour laid over another.
+// A colour mixed with part of another.
 QColor blend(const QColor& under, const QColor& over, double share) {
     const auto mix = [share](float a, float b) {
         return static_cast<float>(static_cast<double>(a) * (1 - share) + static_cast<double>(b) * share);

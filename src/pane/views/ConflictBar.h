@@ -9,8 +9,8 @@ class QPushButton;
 
 namespace torka {
 
-// Says which settings clash and offers the way out as one click, and to take it back; hidden while all is
-// well.
+// Names the settings in conflict, and offers to resolve the conflict and to undo that. Hidden without a
+// conflict.
 class ConflictBar final : public QFrame {
 public:
     explicit ConflictBar(PaneContext& paneContext, QWidget* parent = nullptr);

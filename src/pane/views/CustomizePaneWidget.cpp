@@ -79,10 +79,10 @@ void CustomizePaneWidget::MakeWidgets() {
     }
     columns->addLayout(side);
     stack = new QStackedWidget(area);
-    constexpr int leastCharacters = 74; // a label, a popup and the buttons of its row
-    constexpr int leastLines = 14;
-    stack->setMinimumSize(fontMetrics().averageCharWidth() * leastCharacters,
-                          fontMetrics().height() * leastLines);
+    constexpr int minimumCharacters = 74; // room for a label, a popup and the buttons of its row
+    constexpr int minimumLines = 14;
+    stack->setMinimumSize(fontMetrics().averageCharWidth() * minimumCharacters,
+                          fontMetrics().height() * minimumLines);
     columns->addWidget(stack, 1);
     rows->addLayout(columns, 1);
     bar = new ConflictBar(context, area);
@@ -164,11 +164,12 @@ void CustomizePaneWidget::MakeEntries() {
         widest = std::max(widest, list->fontMetrics().horizontalAdvance(title));
         entries.push_back({std::move(described), nullptr, false, item});
     }
-    constexpr int mostCharacters = 26;
+    constexpr int maximumCharacters = 26;
     const int margins = 2 * list->frameWidth() + 4 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) +
                         style()->pixelMetric(QStyle::PM_SmallIconSize) +
                         style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    list->setFixedWidth(std::min(widest, list->fontMetrics().averageCharWidth() * mostCharacters) + margins);
+    list->setFixedWidth(std::min(widest, list->fontMetrics().averageCharWidth() * maximumCharacters) +
+                        margins);
 }
 
 void CustomizePaneWidget::RemovePages() {
@@ -255,7 +256,7 @@ void CustomizePaneWidget::UpdateSurroundings(const PaneChange* change) {
     }
 }
 
-// The pages that hold one side of a conflict bear a sign.
+// Marks the pages that have a field in conflict.
 void CustomizePaneWidget::MarkConflicts() {
     std::vector<PageEntry> described;
     for (const Entry& entry : entries) {
@@ -339,7 +340,7 @@ bool CustomizePaneWidget::ShowPage(const std::string& identifier) {
     }
     EndSearch();
     list->setCurrentRow(static_cast<int>(*index));
-    if (current != index) { // it was the list's already
+    if (current != index) { // the list had this row already, and sent no signal
         ShowEntry(*index);
     }
     return true;
@@ -406,7 +407,7 @@ void CustomizePaneWidget::EndSearch() {
     search->clear();
 }
 
-// In the search field: down and Return go into what was found, Escape ends the search.
+// Keys of the search field: Down and Return go to the first result, Escape ends the search.
 bool CustomizePaneWidget::eventFilter(QObject* watched, QEvent* event) {
     if (watched == search && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

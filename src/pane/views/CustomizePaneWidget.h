@@ -26,11 +26,11 @@ class ConflictBar;
 class FieldPage;
 class SummaryPage;
 
-// The controls of the pane: the list of pages with the search field, the chosen page, and the bar that tells
-// of conflicts.
+// The controls of the pane: the search field, the list of pages, the chosen page, and the bar that names
+// conflicts.
 //
-// Pages are made when they are first chosen, and only the one that is seen follows a change at once; the
-// others catch up when they are chosen.
+// A page is made when it is first chosen. Only the visible page follows a change at once; other pages are
+// updated when they are chosen.
 class CustomizePaneWidget final : public QWidget, public CustomizePaneView {
 public:
     CustomizePaneWidget(PaneContext& paneContext, QWidget* parent);
@@ -39,17 +39,18 @@ public:
     void drawControlsInTree(const PPDTree& tree) override;
     void greyoutShortcutControls(bool grey) override;
 
-    // The page with that PageEntry::identifier. False when there is none.
+    // Shows the page with that PageEntry::identifier. False when there is none.
     bool ShowPage(const std::string& identifier);
-    // Goes to a field on its page, before the first drawing once it is drawn. False when no page shows it.
+    // Goes to a field on its page; before the first drawing, goes there when the pane is drawn. False when no
+    // page shows the field.
     bool ShowField(const std::string& keyword);
     std::vector<std::string> PageIdentifiers() const;
-    // The page seen now, when it is one of fields.
+    // The visible page when it is a page of fields, else null.
     FieldPage* CurrentFieldPage() const;
     QLineEdit* SearchField() const { return search; }
     QListWidget* PageList() const { return list; }
     ConflictBar* Bar() const { return bar; }
-    // Shows what was searched for at once rather than after the next pause in typing.
+    // Shows the result of the search without waiting for a pause in typing.
     void SearchNow();
 
 protected:
@@ -88,12 +89,12 @@ private:
     ConflictBar* bar = nullptr;
     QToolButton* undo = nullptr;
     QToolButton* redo = nullptr;
-    QWidget* area = nullptr; // all that is greyed out while the module runs
+    QWidget* area = nullptr; // disabled while the module runs
     QTimer searchPause;
     std::vector<Entry> entries;
     std::optional<std::size_t> current;
     std::vector<std::string> quickAccess; // keywords
-    std::string fieldToShow;              // keyword; at the first drawing
+    std::string fieldToShow;              // keyword; shown at the first drawing
     bool isDrawn = false;
 };
 

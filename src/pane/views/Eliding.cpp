@@ -13,7 +13,7 @@
 namespace torka {
 namespace {
 
-constexpr int leastCharacters = 8;
+constexpr int minimumCharacters = 8;
 
 QString elided(const QWidget& widget, const QString& plain, int width) {
     return labelText(widget.fontMetrics().elidedText(plain, Qt::ElideRight, width));
@@ -23,7 +23,7 @@ bool isCut(const QWidget& widget, const QString& plain, int width) {
     return widget.fontMetrics().horizontalAdvance(plain) > width;
 }
 
-// A tooltip of the widget's own goes first.
+// A tooltip of the widget takes precedence over the full text.
 bool showWhole(QEvent* event, const QWidget& widget, const QString& plain, int width) {
     if (event->type() != QEvent::ToolTip || !widget.toolTip().isEmpty() || !isCut(widget, plain, width)) {
         return false;
@@ -48,7 +48,7 @@ ElidingCheckBox::ElidingCheckBox(const QString& plainText, QWidget* parent)
 
 QSize ElidingCheckBox::minimumSizeHint() const {
     QSize least = QCheckBox::minimumSizeHint();
-    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * leastCharacters));
+    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * minimumCharacters));
     return least;
 }
 
@@ -76,7 +76,7 @@ int ElidingToolButton::TextWidth() const {
 
 QSize ElidingToolButton::minimumSizeHint() const {
     QSize least = QToolButton::minimumSizeHint();
-    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * leastCharacters));
+    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * minimumCharacters));
     return least;
 }
 

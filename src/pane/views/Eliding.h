@@ -3,8 +3,8 @@
 #include <QCheckBox>
 #include <QToolButton>
 
-// Buttons whose text comes from a description and may be of any length: they never make a page wider than it
-// is, and show the whole text as a tooltip where it was cut.
+// Buttons for texts of a description, which may have any length. They never widen a page. A cut text is shown
+// whole in the tooltip.
 
 namespace torka {
 

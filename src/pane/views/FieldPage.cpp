@@ -22,7 +22,7 @@ FieldPage::FieldPage(PaneContext& paneContext, QWidget* parent)
 }
 
 FieldPage::~FieldPage() {
-    delete takeWidget(); // before the rows that its widgets call
+    delete takeWidget(); // the widgets call the rows, so they go first
 }
 
 void FieldPage::Clear() {
@@ -60,8 +60,8 @@ int FieldPage::LabelWidth(const std::vector<PaneField>& fields) const {
     for (const PaneField& field : fields) {
         widest = std::max(widest, fontMetrics().horizontalAdvance(qText(field.name)));
     }
-    constexpr int mostCharacters = 22; // longer names are broken
-    return std::min(widest, fontMetrics().averageCharWidth() * mostCharacters) + 4;
+    constexpr int maximumCharacters = 22; // a longer name is wrapped
+    return std::min(widest, fontMetrics().averageCharWidth() * maximumCharacters) + 4;
 }
 
 void FieldPage::AddGroup(const QString& title, const std::vector<PaneField>& fields, bool open) {
@@ -105,12 +105,12 @@ void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields) {
         if (QLabel* label = row->Label()) {
             label->setFixedWidth(labelWidth);
             if (fontMetrics().horizontalAdvance(label->text()) > labelWidth) {
-                label->setToolTip(plainToolTip(label->text())); // a long word may be cut
+                label->setToolTip(plainToolTip(label->text())); // a long word of it may be cut
             }
             label->setBuddy(row->Focus());
             form->addRow(label, row->Body());
         } else {
-            auto* space = new QWidget(&content); // keeps check boxes in the controls' column
+            auto* space = new QWidget(&content); // keeps check boxes in the column of the controls
             space->setFixedWidth(labelWidth);
             form->addRow(space, row->Body());
         }

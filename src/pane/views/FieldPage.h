@@ -14,31 +14,32 @@ namespace torka {
 
 class RollDown;
 
-// A scrolling page of fields, in roll-downs or without. Rows are made when their roll-down first opens, and
-// are brought up to date only while the page is seen.
+// A scrolling page of fields, with or without roll-downs. A row is made when its roll-down first opens, and
+// updated only while the page is visible.
 class FieldPage final : public QScrollArea {
 public:
     explicit FieldPage(PaneContext& paneContext, QWidget* parent = nullptr);
     ~FieldPage() override;
 
-    // In words above everything else; "" hides them.
+    // Adds a hint as a line of text.
     void SetHint(const QString& text);
-    // In one roll-down. It is open when `open`, or once a field of it is shown by ShowField.
+    // Adds fields in a roll-down. It is open when `open`, or after ShowField for one of its fields.
     void AddGroup(const QString& title, const std::vector<PaneField>& fields, bool open);
-    // Without a header.
+    // Adds fields without a header.
     void AddFields(const std::vector<PaneField>& fields);
-    // A heading of its own between fields.
+    // Adds a heading between fields.
     void AddHeading(const QString& text);
-    void Finish(); // everything was added
+    void Finish(); // after everything was added
     void Clear();
 
-    // The values of these controls, or of all (null), changed; forbidden choices are swept anew.
+    // Shows the changed values of these controls, or of all for null, and updates the forbidden choices.
     void Update(const std::vector<PPDXControl*>* controls);
-    // Opens the field's roll-down, scrolls there and gives it the focus. False when it is not here.
+    // Opens the roll-down of the field, scrolls to the field and gives it the focus. False when the page does
+    // not have it.
     bool ShowField(std::string_view keyword);
-    // The first field that can be used gets the focus.
+    // Gives the focus to the first enabled field.
     void FocusFirst();
-    // A field's row; null when it is not here or its roll-down was never open.
+    // The row of a field; null when the page does not have it or its roll-down was never open.
     FieldRow* RowOf(std::string_view keyword) const;
     std::size_t RowCount() const { return rows.size(); }
 
@@ -55,7 +56,7 @@ private:
     QWidget* column = nullptr;
     std::vector<std::unique_ptr<FieldRow>> rows;
     std::vector<Group> groups;
-    int labelWidth = 0; // of all groups, so that their columns stand in line
+    int labelWidth = 0; // the same for all groups, which aligns their columns
 };
 
 } // namespace torka

@@ -26,8 +26,8 @@
 namespace torka {
 namespace {
 
-// Says why some choices cannot be had: as a tooltip, to assistive technology, and to a click. The reasons are
-// looked up when they are asked for.
+// Tells why some choices are forbidden: as a tooltip, to assistive technology, and at a click. It asks for
+// the reasons when they are shown.
 class WhyButton final : public QToolButton {
 public:
     WhyButton(std::function<QString()> tellReasons, QWidget* parent)
@@ -59,12 +59,12 @@ void makeSmall(QToolButton* button, PaneSign sign, const QString& name) {
     button->setAutoRaise(true);
     button->setAccessibleName(name);
     QSizePolicy policy = button->sizePolicy();
-    policy.setRetainSizeWhenHidden(true); // nothing moves when it appears
+    policy.setRetainSizeWhenHidden(true); // the row keeps its layout when the button appears
     button->setSizePolicy(policy);
     button->hide();
 }
 
-// Turning the wheel over a page scrolls it and changes no setting on the way.
+// The wheel scrolls the page and changes a setting only when its field has the focus.
 class WheelGuard final : public QObject {
 public:
     using QObject::QObject;
@@ -122,7 +122,7 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
     layout->addWidget(reset);
     QObject::connect(reset, &QToolButton::clicked, reset, [this] {
         context.editor.Reset(*field.control);
-        focus->setFocus(); // the button is gone
+        focus->setFocus(); // the button is hidden now
     });
     setPlainToolTip(*focus, Description());
     wheelGuard = guardFromWheel(*body);
@@ -131,7 +131,7 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
 
 void FieldRow::Set(const std::string& value) {
     if (!context.editor.SetValue(*field.control, value)) {
-        ShowValue(); // refused, or brought to what it was
+        ShowValue(); // the value was refused, or equals the old one
     }
 }
 

@@ -13,11 +13,11 @@ class QWidget;
 
 namespace torka {
 
-// One field as widgets: a label, the control by its kind, and at the end of the row two small buttons: why
-// some choices cannot be had, and back to the default. A person's changes go to the editor at once.
+// The widgets of one field: a label, a control for its kind, and two small buttons at the end of the row,
+// which tell why choices are forbidden and reset the field. A change goes to the editor at once.
 //
-// The row belongs to the page that made it, which also tells it when to show something anew; its widgets
-// belong to their parent and must not outlive the row. One field may have rows on several pages.
+// The page owns the row and tells it when to update. The widgets belong to their parent and end before the
+// row. A field may have rows on several pages.
 class FieldRow {
 public:
     virtual ~FieldRow();
@@ -25,31 +25,32 @@ public:
     FieldRow& operator=(const FieldRow&) = delete;
 
     const PaneField& Field() const { return field; }
-    // Null for a check box, which bears its name itself.
+    // Null for a check box, which shows the name itself.
     QLabel* Label() const { return label; }
-    QWidget* Body() const { return body; } // everything but the label
+    QWidget* Body() const { return body; } // the row without its label
     QWidget* Focus() const { return focus; }
 
-    // The value and what goes by it; cheap when nothing changed.
+    // Updates the value and the widgets that depend on it. Fast when nothing changed.
     void ShowValue();
-    // What the other settings forbid.
+    // Updates which choices are forbidden.
     void ShowAllowed();
 
 protected:
     FieldRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
-    // To be called by each constructor: puts the control into the row. `named`: it bears the field's name.
+    // Puts the control into the row; every constructor of a derived class calls it. `named`: the control
+    // shows the name of the field.
     void Take(QWidget* control, QWidget* focusWidget, bool named);
 
     virtual void UpdateValue() = 0;
-    // Returns whether some of the field's choices cannot be had now.
+    // Returns whether a choice of the field is forbidden now.
     virtual bool UpdateAllowed() = 0;
-    // Why, one a line.
+    // The reasons, one a line.
     virtual QString Reasons() const;
     virtual QString Description() const { return {}; } // for tooltip and assistive technology
     void Set(const std::string& value);
 
     PaneContext& context;
-    PaneField field; // a copy: the catalogue may be made anew while the row waits for its end
+    PaneField field; // a copy: a row may live longer than the catalogue
 
 private:
     void ShowLock();
@@ -64,7 +65,7 @@ private:
     QString resetTip;
 };
 
-// The row for the field's kind of control.
+// Makes the row for the kind of control.
 std::unique_ptr<FieldRow> makeFieldRow(PaneContext& context, const PaneField& field, QWidget* parent);
 
 } // namespace torka

@@ -20,7 +20,7 @@
 namespace torka {
 namespace {
 
-// As high as its rows, as long as there is room; the list of pages above comes first.
+// As high as its rows while there is room. The list of pages above takes precedence.
 class RowsArea final : public QScrollArea {
 public:
     using QScrollArea::QScrollArea;
@@ -34,11 +34,11 @@ protected:
     void resizeEvent(QResizeEvent* event) override {
         QScrollArea::resizeEvent(event);
         const bool isCut = widget() != nullptr && widget()->minimumSizeHint().height() > viewport()->height();
-        setFocusPolicy(isCut ? Qt::StrongFocus : Qt::NoFocus); // to be scrolled by keys
+        setFocusPolicy(isCut ? Qt::StrongFocus : Qt::NoFocus); // so that keys can scroll it
     }
 };
 
-// One line that ends in "…" where it is too long; its whole text is the row's tooltip.
+// A line that ends in "…" when it is too long. The tooltip of the row has the whole text.
 class NameLabel final : public QLabel {
 public:
     NameLabel(const QString& name, QWidget* parent)
@@ -109,7 +109,7 @@ void GaugeBar::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(pen);
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(frame);
-    if (part > 0.0 && part < 1.0) { // a white or black supply is seen by it
+    if (part > 0.0 && part < 1.0) { // shows the level of a white or black supply
         painter.drawLine(edgeOfLevel);
     }
 }
@@ -165,7 +165,7 @@ bool GaugePanel::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-// The list of pages, which shares the height, keeps the greater part of it.
+// Leaves the greater part of the height to the list of pages.
 void GaugePanel::LimitHeight() {
     area->setMaximumHeight(std::max(parentWidget()->height() * 2 / 5, area->minimumSizeHint().height()));
 }
@@ -204,10 +204,11 @@ void GaugePanel::Fill(const ServerGauges& gauges) {
     area->viewport()->setAutoFillBackground(false);
 }
 
-// A few stand side by side, each over the first letter of its name; many are rows like the trays.
+// Up to six supplies stand side by side, each above the first letter of its name. More supplies are rows like
+// the trays.
 void GaugePanel::AddSupplies(QVBoxLayout& lines, const std::vector<SupplyGauge>& supplies, QWidget* parent) {
-    constexpr std::size_t mostSideBySide = 6;
-    auto* line = supplies.empty() || supplies.size() > mostSideBySide ? nullptr : new QHBoxLayout;
+    constexpr std::size_t maximumSideBySide = 6;
+    auto* line = supplies.empty() || supplies.size() > maximumSideBySide ? nullptr : new QHBoxLayout;
     for (const SupplyGauge& supply : supplies) {
         const ShownGauge gauge = shownGauge(supply);
         GaugeBar* bar = MakeBar(gauge, parent);
@@ -245,7 +246,7 @@ QLabel* GaugePanel::MakeSign(QWidget* parent) const {
     return sign;
 }
 
-// Named for assistive technology; the same words are the tooltip of what it stands in.
+// The accessible name of the bar is also the tooltip of its row.
 GaugeBar* GaugePanel::MakeBar(const ShownGauge& gauge, QWidget* parent) const {
     auto* bar = new GaugeBar(parent);
     bar->isUnknown = !gauge.percent;
@@ -257,7 +258,7 @@ GaugeBar* GaugePanel::MakeBar(const ShownGauge& gauge, QWidget* parent) const {
 }
 
 void GaugePanel::AddRow(QVBoxLayout& lines, const ShownGauge& gauge, GaugeBar* bar) {
-    auto* row = new QWidget(bar->parentWidget()); // one tooltip for all that is in it
+    auto* row = new QWidget(bar->parentWidget()); // one tooltip for the whole row
     row->setToolTip(plainToolTip(bar->accessibleName()));
     auto* line = new QHBoxLayout;
     line->setSpacing(4);

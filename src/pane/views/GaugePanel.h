@@ -15,11 +15,11 @@ class QVBoxLayout;
 
 namespace torka {
 
-// A level as a flat bar: in the colour of its supply, or the palette's.
+// A level as a flat bar, in the colour of its supply or of the palette.
 class GaugeBar final : public QProgressBar {
 public:
     explicit GaugeBar(QWidget* parent);
-    QColor fill;           // invalid: the palette's highlight
+    QColor fill;           // invalid: the highlight colour of the palette
     bool isUnknown = true; // drawn empty and dashed
     bool hasSome = false;  // drawn half, and pale
     QSize sizeHint() const override;
@@ -29,8 +29,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-// Trays and supplies of the controller. Takes no place unless two-way communication is on, and then as much
-// as was read; a quiet line tells when reading failed.
+// Trays and supplies of the controller. Hidden while two-way communication is off or nothing was read. After
+// a failed reading it shows one line that tells so.
 class GaugePanel final : public QWidget {
 public:
     GaugePanel(const PaneContext& paneContext, const GaugeSource& gaugeSource, QWidget* parent);
@@ -52,7 +52,7 @@ private:
     QLabel* title;
     QToolButton* again;
     QScrollArea* area;
-    std::shared_ptr<const std::string> shown; // what the rows are made of; null for none
+    std::shared_ptr<const std::string> shown; // the data of the rows; null for none
 };
 
 } // namespace torka

@@ -52,9 +52,9 @@ NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget*
     counter->setTextFormat(Qt::PlainText);
     counter->setForegroundRole(QPalette::PlaceholderText);
     counter->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
-    const QString longest = QString::number(std::max<std::int64_t>(Note().MaxLength(), 888));
-    counter->setMinimumWidth( // the same for most, so that the lines end in one place
-        counter->fontMetrics().horizontalAdvance(longest + QStringLiteral(" / ") + longest));
+    const QString widest = QString::number(std::max<std::int64_t>(Note().MaxLength(), 888));
+    counter->setMinimumWidth( // the same for most notes, which aligns their fields
+        counter->fontMetrics().horizontalAdvance(widest + QStringLiteral(" / ") + widest));
     auto* both = new QWidget(Body());
     auto* layout = new QHBoxLayout(both);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -13,15 +13,15 @@ namespace torka {
 class PPDXJobNote;
 struct NoteCounter;
 
-// Puts what may stand in a note's field into it, after `typed` was typed there; the cursor stays behind what
-// was typed last.
+// Shows the accepted part of the text `typed` in the field of a note. The cursor stays behind the last
+// accepted character.
 void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& accepted);
 
-// The counter behind a note's field. While the text breaks a rule, the counter is bold and its tooltip names
-// the rules that are broken; otherwise the tooltip names all rules.
+// Shows the counter of a note. While the text breaks a rule, the counter is bold and its tooltip names the
+// broken rules; otherwise the tooltip names all rules.
 void showCounter(QLabel& label, const NoteCounter& counter, const std::string& rules);
 
-// A job note: a line of text that holds only what the note allows, with a counter of its length.
+// A job note: a line of text that takes only what the note allows, with a counter of its length.
 class NoteRow final : public FieldRow {
 public:
     NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
@@ -40,7 +40,7 @@ private:
     bool typing = false;
 };
 
-// A note that is a switch: a check box that writes "True" or "False".
+// An on/off note: a check box that writes "True" or "False".
 class SwitchNoteRow final : public FieldRow {
 public:
     SwitchNoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);

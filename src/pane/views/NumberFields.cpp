@@ -25,7 +25,7 @@ NumberRow::NumberRow(PaneContext& paneContext, const PaneField& shownField, QWid
     box->setDecimals(scale.Decimals());
     box->setRange(scale.ShownMinimum(), scale.ShownMaximum());
     box->setSingleStep(scale.ShownStep());
-    box->setKeyboardTracking(false); // a number half typed is no value
+    box->setKeyboardTracking(false); // an incomplete number is no value
     box->setFocusPolicy(Qt::StrongFocus);
     box->setAccelerated(true);
     if (!scale.Unit().name.empty()) {
@@ -62,7 +62,7 @@ void NumberRow::UpdateValue() {
     updating = true;
     const double number = scale.Number();
     box->setValue(number * scale.Unit().factor);
-    if (!slider->isSliderDown()) { // under the person's hand it stays
+    if (!slider->isSliderDown()) { // a dragged slider is not moved
         slider->setValue(scale.SliderPlace(number));
     }
     updating = false;

@@ -8,7 +8,7 @@ class QSlider;
 
 namespace torka {
 
-// A whole or a decimal number between bounds: a slider and a spin box with the unit.
+// A whole or decimal number within bounds: a slider, and a spin box with the unit.
 class NumberRow final : public FieldRow {
 public:
     NumberRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);
@@ -16,7 +16,7 @@ public:
 private:
     void UpdateValue() override;
     bool UpdateAllowed() override { return false; }
-    // In the control's own numbers.
+    // `number`: as the control has it.
     void SetNumber(double number, bool continues);
 
     NumberScale scale;
@@ -25,7 +25,8 @@ private:
     bool updating = false;
 };
 
-// A custom page size: width and height in the country's unit, usable while the print size is a custom one.
+// A custom page size: width and height in the unit of the country. Enabled while the print size is a custom
+// one.
 class SizeRow final : public FieldRow {
 public:
     SizeRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent);

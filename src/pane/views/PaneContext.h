@@ -15,17 +15,17 @@ class CustomizePaneController;
 class PDEData;
 class TorkaFeaturesPDE;
 
-// What the pane's widgets work on. Owned by the interface; widgets and dialogs keep references to it, all of
-// them destroyed before it.
+// The objects that the widgets of the pane work on. The interface owns it. All widgets and dialogs that refer
+// to it end before it.
 struct PaneContext {
     PaneEditor& editor;
     CustomizePaneController& controller;
-    PDEData* data = nullptr;           // null in tests without one
-    TorkaFeaturesPDE* panel = nullptr; // likewise
+    PDEData* data = nullptr;           // may be null in tests
+    TorkaFeaturesPDE* panel = nullptr; // may be null in tests
     PaneTexts texts;
     std::optional<GaugeSource> gauges = std::nullopt; // none for a pane without a queue
 
-    // A word with names in its places. The names may hold anything, "%1" too.
+    // A word with the names put in its places. A name may hold any text, also "%1".
     template <class... Names>
     QString Say(const PaneWord& word, const Names&... names) const {
         return qText(texts.Say(word, names.toStdString()...));

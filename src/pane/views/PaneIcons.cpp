@@ -10,7 +10,7 @@
 namespace torka {
 namespace {
 
-// Signs are drawn in a square of 16 units.
+// The signs are drawn in a square of 16 units.
 constexpr double unitSquare = 16.0;
 
 QPainterPath chevron(bool open) {
@@ -21,7 +21,7 @@ QPainterPath chevron(bool open) {
     return path;
 }
 
-// An arrow that turns back, counter-clockwise from the right.
+// An arrow in an arc, counter-clockwise from the right.
 QPainterPath turningArrow() {
     QPainterPath path;
     path.moveTo(6, 3.5);

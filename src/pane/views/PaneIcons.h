@@ -4,8 +4,8 @@
 
 namespace torka {
 
-// Small signs drawn in the palette's text colour, so that they suit dark and high-contrast palettes and every
-// size. Those that point follow the layout's direction.
+// Small signs in the text colour of the palette, for dark and high-contrast palettes and for every size.
+// Arrows follow the direction of the layout.
 enum class PaneSign { warning, information, reset, undo, redo, search, open, closed, dot, ring, cross };
 
 QIcon paneIcon(PaneSign sign);

@@ -6,8 +6,8 @@
 
 namespace torka {
 
-// The pane's root view. Tells when it is first painted, and when it goes: the dialog owns it once it has put
-// it in, and may delete it before or after the panel.
+// The root view of the pane. It tells when it is first painted and when it ends. The dialog owns it after
+// embedding it, and may delete it before or after the panel ends.
 class PaneRoot final : public QWidget {
 public:
     PaneRoot() = default;

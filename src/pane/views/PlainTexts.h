@@ -9,7 +9,7 @@
 class QLabel;
 class QWidget;
 
-// Texts of the description in widgets, always as plain text.
+// Texts in widgets, always as plain text.
 
 namespace torka {
 
@@ -17,17 +17,17 @@ inline QString qText(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-// Between the toolkit's strings and the panel's, which both hold UTF-16. "" for null.
+// Conversions between the strings of the toolkit and of the panel. "" for null.
 QString qText(const CFStringRef& text);
 CFStringRef cfText(const QString& text);
 
-// For labels, check boxes, buttons and group headers, where "&" marks a shortcut.
+// Text for labels, check boxes, buttons and group headers, where "&" marks a shortcut.
 QString labelText(const QString& plain);
-// Tooltips guess whether they hold markup; this one is always plain text, wrapped. "" for none.
+// A wrapped tooltip that is never taken for markup; "" for none.
 void setPlainToolTip(QWidget& widget, const QString& plain);
 QString plainToolTip(const QString& plain);
 
-// Aligns by the layout's direction; a label goes by that of its text otherwise.
+// Aligns by the direction of the layout. By default a label aligns by the direction of its text.
 void alignLeading(QLabel& label);
 
 } // namespace torka

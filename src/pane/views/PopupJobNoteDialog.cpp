@@ -52,7 +52,8 @@ public:
         MakeButtons(*rows);
     }
 
-    // Names the fields that break a rule once, with the first of them in focus; then it goes on with them.
+    // The first call names the fields that break a rule and gives the first of them the focus. The second
+    // call prints all the same.
     void accept() override {
         if (!isWarned && Warn()) {
             return;
@@ -67,7 +68,8 @@ private:
         return std::min(metrics.horizontalAdvance(text) + 2, metrics.averageCharWidth() * maximumCharacters);
     }
 
-    // Whether a field breaks a rule. Return then prints no more: the person chooses the button.
+    // Names the fields that break a rule, and returns whether there are any. Return no longer prints then,
+    // only the button does.
     bool Warn() {
         const PopupNoteForm::Warning warning = form.BrokenFields();
         if (warning.text.empty()) {
@@ -144,7 +146,7 @@ private:
         message->setObjectName(QStringLiteral("popupJobNoteMessage"));
         message->setTextFormat(Qt::PlainText);
         message->setWordWrap(true);
-        message->setMinimumHeight(fontMetrics().height() * 2); // keeps the fields in place when a text comes
+        message->setMinimumHeight(fontMetrics().height() * 2); // the layout stays when a text appears
         alignLeading(*message);
         line->addWidget(sign);
         line->addWidget(message, 1);
@@ -195,7 +197,7 @@ private:
     QCheckBox* last = nullptr;
     QCheckBox* ask = nullptr;
     QPushButton* print = nullptr;
-    bool isWarned = false; // of the fields as they are now
+    bool isWarned = false; // about the present texts
 };
 
 } // namespace
@@ -212,7 +214,7 @@ bool PopupJobNoteDialog::handlePopupJobnoteUI() {
         return true;
     }
     form.KeepTextsBefore();
-    // Watched: the print dialog may go while the person is asked, and take the window along.
+    // The print dialog may end during exec() and delete the window.
     const QPointer<Window> window = new Window(context, form, root != nullptr ? root->window() : nullptr);
     const bool accepted = window->exec() == QDialog::Accepted && window != nullptr;
     delete window.data();

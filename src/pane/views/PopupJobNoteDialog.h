@@ -12,14 +12,14 @@ class QWidget;
 
 namespace torka {
 
-// Asks for the popup job notes before a job is printed, in a modal dialog in front of the print dialog, and
-// takes the person's preferences for it into the globals of PanelState.h.
+// Asks for the popup job notes before a job is printed, in a modal dialog above the print dialog
+// (PopupNoteForm).
 //
-// A note is changed while its text is typed; Cancel brings the texts back that were there before. Fields that
-// break a rule are named when the person prints; the person may print all the same.
+// Typing changes a note at once; Cancel restores the notes. Print names the fields that break a rule, and
+// prints at the second press.
 class PopupJobNoteDialog final : public PopupJobNoteView {
 public:
-    // `paneRoot` may be null or go before this.
+    // `paneRoot` may be null and may end before this.
     PopupJobNoteDialog(PaneContext& paneContext, QWidget* paneRoot);
     void observeControlTextDidChange(std::string_view outlet) override;
     bool handlePopupJobnoteUI() override;

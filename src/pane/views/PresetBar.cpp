@@ -18,15 +18,15 @@
 namespace torka {
 namespace {
 
-constexpr int mostCharacters = 24; // of a name in the button
-constexpr int margin = 6;          // pixels beside text and arrow
-constexpr int menuCharacters = 48; // of a name in the menu
+constexpr int maximumCharacters = 24; // of a name in the button
+constexpr int margin = 6;             // pixels beside text and arrow
+constexpr int menuCharacters = 48;    // of a name in the menu
 
 QMessageBox* messageBox(QWidget* parent, QMessageBox::Icon icon, const QString& text) {
     auto* box = new QMessageBox(parent);
     box->setIcon(icon);
     box->setWindowTitle(parent->accessibleName());
-    box->setTextFormat(Qt::PlainText); // before the text, which may look like markup
+    box->setTextFormat(Qt::PlainText); // set before the text, which may look like markup
     box->setText(text);
     return box;
 }
@@ -58,7 +58,7 @@ PresetBar::PresetBar(PaneContext& paneContext, QWidget* parent)
     ShowState();
 }
 
-// The settings that a dialog begins with may be those of a preset.
+// A dialog may begin with the settings of a preset.
 void PresetBar::showEvent(QShowEvent* event) {
     QToolButton::showEvent(event);
     if (!std::exchange(wasShown, true)) {
@@ -110,7 +110,7 @@ void PresetBar::CompareNow() {
 QString PresetBar::StateText() const {
     const QFontMetrics metrics = fontMetrics();
     const QString name = metrics.elidedText(qText(presets.Chosen()), Qt::ElideRight,
-                                            metrics.averageCharWidth() * mostCharacters);
+                                            metrics.averageCharWidth() * maximumCharacters);
     return qText(presets.Shown(name.toStdString()));
 }
 
@@ -162,24 +162,25 @@ void PresetBar::Open(QDialog* opened) {
     opened->open();
 }
 
-// Wide enough for a name of usual length, so that the line stays as it is while names come and go.
+// Wide enough for a name of usual length, so that the layout stays when the name changes.
 QSize PresetBar::sizeHint() const {
     const int rest = style()->pixelMetric(QStyle::PM_SmallIconSize) + 4 * margin;
     return {std::max(fontMetrics().horizontalAdvance(StateText()) + rest,
-                     fontMetrics().averageCharWidth() * mostCharacters),
+                     fontMetrics().averageCharWidth() * maximumCharacters),
             QToolButton::sizeHint().height()};
 }
 
 QSize PresetBar::minimumSizeHint() const {
-    return {fontMetrics().averageCharWidth() * mostCharacters / 2, QToolButton::sizeHint().height()};
+    return {fontMetrics().averageCharWidth() * maximumCharacters / 2, QToolButton::sizeHint().height()};
 }
 
-// The text is cut where there is no room for it; the tooltip has it whole.
+// Cuts a text that is too long. The tooltip has the whole text.
 void PresetBar::paintEvent(QPaintEvent* /*event*/) {
     QStyleOptionToolButton option;
     initStyleOption(&option);
     option.text.clear();
-    option.features &= ~QStyleOptionToolButton::HasMenu; // its arrow is drawn here, as large as a popup's
+    option.features &=
+        ~QStyleOptionToolButton::HasMenu; // the arrow is drawn below, as large as that of a popup
     QStylePainter painter(this);
     painter.drawComplexControl(QStyle::CC_ToolButton, option);
     const int sign = style()->pixelMetric(QStyle::PM_SmallIconSize);

@@ -14,14 +14,14 @@ class QMenu;
 
 namespace torka {
 
-// The presets of the printer as one button: it shows the chosen preset and whether the settings have left it,
-// and its menu applies, saves, updates, renames and deletes.
+// The presets of the printer as one button. It shows the chosen preset and whether the settings still match
+// it. Its menu applies, saves, updates, renames and deletes presets.
 //
-// A preset is applied through the editor, as one step that can be undone. Dialogs are window-modal, stand
-// above the bar and end with it.
+// Applying a preset is one step of the editor and can be undone. The dialogs are window-modal, belong to the
+// bar and end with it.
 class PresetBar final : public QToolButton {
 public:
-    // The context has pane data.
+    // The context must have pane data.
     explicit PresetBar(PaneContext& paneContext, QWidget* parent = nullptr);
 
     // UTF-8; "" for none.
@@ -43,7 +43,7 @@ private:
     void FillMenu();
     void CompareNow();
     void ShowState();
-    // Shows what is chosen now, and why something was not done unless `problem` is "".
+    // Updates the button. Shows `problem` unless it is "".
     void Tell(const std::string& problem);
     void Open(QDialog* dialog);
     QString StateText() const;
@@ -52,7 +52,7 @@ private:
     PresetChoice presets;
     QMenu* entries;
     QPointer<QDialog> dialog;
-    QTimer pause; // several changes at once are compared once
+    QTimer pause; // joins several changes into one comparison
     bool wasShown = false;
 };
 

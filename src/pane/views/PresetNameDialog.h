@@ -14,11 +14,11 @@ class QPushButton;
 
 namespace torka {
 
-// Asks for the name of a preset: of a new one, which may replace another once the person has read so, or the
-// new name of one that is there.
+// Asks for the name of a new preset, or for the new name of a preset. A new preset may replace another after
+// a warning.
 class PresetNameDialog final : public QDialog {
 public:
-    // `renamed`: the present name, or "" for saving. `take` gets the name that was settled on.
+    // `renamed`: the present name, or "" for saving. `take` is called with the new name.
     PresetNameDialog(const PaneContext& context, const std::string& renamed, std::vector<std::string> taken,
                      std::function<void(const std::string&)> take, QWidget* parent);
     void accept() override;

@@ -30,7 +30,7 @@ namespace {
 struct OutletName {
     PaneOutlet outlet;
     const char* name;
-    const PaneWord* word; // null: no text of its own
+    const PaneWord* word; // null for a widget without text of its own
 };
 
 constexpr std::array outletNames{
@@ -50,8 +50,8 @@ constexpr std::array outletNames{
     OutletName{PaneOutlet::horizontalLine2, "horizontalLine2", nullptr},
 };
 
-// The file needs no widgets of plug-ins. A loader that is made while their folders are known loads all of
-// them, and with them libraries that the host's process would else never see.
+// Hides the folders of plug-ins from the loader: the file needs no widgets of plug-ins, and the loader would
+// load all their libraries into the process of the host.
 std::unique_ptr<QUiLoader> loaderWithoutPlugins() {
     const QStringList paths = QCoreApplication::libraryPaths();
     QCoreApplication::setLibraryPaths({});
@@ -81,7 +81,7 @@ QtPaneInterface::~QtPaneInterface() {
         static_cast<PaneRoot*>(root.data())->WhenGone({});
         static_cast<PaneRoot*>(root.data())->WhenFirstPainted({});
     }
-    delete pane.data(); // works on the editor
+    delete pane.data(); // refers to the editor
 }
 
 std::unique_ptr<QtPaneInterface> QtPaneInterface::Load(const QString& uiFile, PaneSetup setup,
@@ -186,7 +186,7 @@ void QtPaneInterface::Connect() {
                 });
         }
     };
-    // What the module and the defaults change can be undone like a click.
+    // The changes of the module and of the Defaults button can be undone as one step.
     onClick(PaneOutlet::fullPropertiesButton, [this] {
         if (setup.openFullProperties) {
             editor.EditAll(setup.openFullProperties);
@@ -220,7 +220,7 @@ void QtPaneInterface::Connect() {
     }
     editor.AddListener([this](const PaneChange& change) {
         if (change.kind != PaneChange::Kind::outside) {
-            setup.controller.resetJPServerpresetKeys(); // the settings are the preset's no longer
+            setup.controller.resetJPServerpresetKeys(); // the settings no longer match the preset
         }
     });
 }
@@ -233,7 +233,8 @@ void QtPaneInterface::ShowTwoWay() {
     sign->Show(twoWayState(box->isChecked(), setup.twoWayFailed && setup.twoWayFailed()));
 }
 
-// The dialog has deleted the root view. Dialogs of the pane that hang on it are taken back first.
+// The dialog deletes the root view. Dialogs of the pane are taken out of it first, because the interface owns
+// them.
 void QtPaneInterface::RootGone() {
     for (QWidget* dialog : root->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
         if (dialog->isWindow()) {
@@ -248,7 +249,7 @@ bool QtPaneInterface::confirmBrokenNotes() {
     if (notes.empty()) {
         return true;
     }
-    // Watched: the print dialog may go while the person is asked, and take the window along.
+    // The print dialog may end during exec() and delete this dialog.
     const QPointer<BrokenNotesDialog> dialog =
         new BrokenNotesDialog(context, notes, root != nullptr ? root->window() : nullptr);
     const bool accepted = dialog->exec() == QDialog::Accepted;
@@ -285,7 +286,7 @@ void QtPaneInterface::setStringValue(PaneOutlet outlet, const CFStringRef& text)
     if (auto* label = qobject_cast<QLabel*>(Outlet(outlet))) {
         label->setTextFormat(Qt::PlainText);
         label->setText(shown);
-        label->setToolTip(plainToolTip(shown)); // a long one is cut
+        label->setToolTip(plainToolTip(shown)); // a long text is cut in the label
     } else if (auto* line = qobject_cast<QLineEdit*>(Outlet(outlet))) {
         line->setText(shown);
     } else if (auto* button = qobject_cast<QAbstractButton*>(Outlet(outlet))) {

@@ -22,7 +22,7 @@ class CustomizePaneWidget;
 class PaneRoot;
 class TwoWaySign;
 
-// What an interface is made of: the models, and what the person's clicks do.
+// The objects that an interface works on, and the actions of its buttons.
 struct PaneSetup {
     ZANPPD& model;
     CustomizePaneController& controller;
@@ -32,23 +32,24 @@ struct PaneSetup {
     BidiTranslator bidiText{};
     bool metric = true;
     std::optional<GaugeSource> gauges{};
-    // Held while a click is worked on that may run the event loop, in which the dialog may let go of the
-    // panel.
+    // Returns the owner of the panel. It is held during a click that may run the event loop, in which the
+    // dialog may release the panel.
     std::function<std::shared_ptr<void>()> keepAlive{};
     std::function<void()> openFullProperties{};
-    std::function<void()> resetToDefaults{}; // of all settings
+    std::function<void()> resetToDefaults{}; // resets all settings
     std::function<void()> customizeQuickAccess{};
     std::function<void()> applicationDidBecomeActive{};
     std::function<bool()> twoWayFailed{}; // two-way communication is on and the controller does not answer
 };
 
-// The pane's interface, loaded from its interface file. Its widgets are found there by their outlets' names.
+// The interface of the pane, loaded from its interface file. The widgets in the file are found by the names
+// of their outlets.
 //
-// Owns the editor and the dialogs. The root view is shared with the dialog; what stands in it goes with the
-// interface. Every call may come after the root view has gone, and then does nothing.
+// Owns the editor and the dialogs. It shares the root view with the dialog, and removes its content when it
+// ends. After the end of the root view every call does nothing.
 class QtPaneInterface final : public PaneInterface {
 public:
-    // Null with `problem` when the file is missing or broken or lacks an outlet.
+    // Null, with the reason in `problem`, when the file is missing or broken or lacks an outlet.
     static std::unique_ptr<QtPaneInterface> Load(const QString& uiFile, PaneSetup setup,
                                                  std::string& problem);
     ~QtPaneInterface() override;
@@ -59,7 +60,7 @@ public:
     void setHidden(PaneOutlet outlet, bool hidden) override;
     void setEnabled(PaneOutlet outlet, bool enabled) override;
     PaneFrame frame(PaneOutlet outlet) const override;
-    // The layout places the widgets and closes every gap; only what was asked for is kept, for frame().
+    // Only keeps the frame for frame(): the layout places the widgets.
     void setFrame(PaneOutlet outlet, const PaneFrame& frame) override;
     void whenFirstPainted(std::function<void()> action) override;
     void bringToFront() override;
@@ -70,12 +71,12 @@ public:
     BonjourModuleView& addressSheet() override { return *addressDialog; }
 
     PaneEditor& Editor() { return editor; }
-    // Null once the root view has gone.
+    // Null after the end of the root view.
     CustomizePaneWidget* Pane() const;
     QWidget* Outlet(PaneOutlet outlet) const;
 
 private:
-    // Stands for the widgets that draw, which may go before it.
+    // Forwards to the drawing widgets, which may end before it.
     class Drawer final : public CustomizePaneView {
     public:
         explicit Drawer(QtPaneInterface& ownedBy)
@@ -109,11 +110,10 @@ private:
     std::unique_ptr<CustomizeQuickAccessView> quickAccessDialog;
     std::unique_ptr<PopupJobNoteView> popupNotesDialog;
     std::unique_ptr<BonjourModuleView> addressDialog;
-    QObject connections; // ends those of the application
+    QObject connections; // ends the connections to the application
 };
 
-// The loader to choose at start: reads "TorkaFeaturesPDE.ui" of the bundle, for a process with a
-// QApplication.
+// The loader for processes with a QApplication. It reads "TorkaFeaturesPDE.ui" of the bundle.
 PaneInterfaceLoader qtPaneInterfaceLoader();
 
 } // namespace torka

@@ -139,7 +139,7 @@ void QuickAccessDialog::Connect() {
     chosen->installEventFilter(this);
 }
 
-// In the lists: Insert or Space adds, Delete removes, Alt with the arrows moves.
+// Keys of the lists: Insert or Space adds, Delete removes, Alt with an arrow moves.
 bool QuickAccessDialog::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) {
         return QDialog::eventFilter(watched, event);
@@ -193,7 +193,7 @@ std::vector<std::string> QuickAccessDialog::Chosen() const {
     return keywords;
 }
 
-// Leaves out what is chosen already and what the search does not find.
+// Hides the settings that are chosen already and those that the search does not find.
 void QuickAccessDialog::ShowMatches() {
     const std::set<std::string> offered = choice.Offered(search->text().trimmed().toStdString(), Chosen());
     for (int i = 0; i < available->topLevelItemCount(); ++i) {
@@ -229,7 +229,7 @@ void QuickAccessDialog::AddSelected() {
     available->clearSelection();
     Update();
     if (next != nullptr && !next->isHidden()) {
-        available->setCurrentItem(next); // the next one is there for the same key
+        available->setCurrentItem(next); // the same key adds the next one
     }
 }
 
@@ -241,7 +241,7 @@ void QuickAccessDialog::RemoveSelected() {
     Update();
 }
 
-// The selected ones as a block; they stop at the ends.
+// Moves the selected entries as a block, which stops at the ends of the list.
 void QuickAccessDialog::Move(int step) {
     std::vector<int> rows;
     for (const QListWidgetItem* item : chosen->selectedItems()) {
@@ -315,7 +315,7 @@ void QuickAccessSheet::openSheet() {
     dialog->open();
 }
 
-// Holds the panel: storing may run the event loop, in which the print dialog may let go of it.
+// Holds the panel: storing may run the event loop, in which the print dialog may release the panel.
 void QuickAccessSheet::Take(const std::vector<std::string>& keywords) {
     const std::shared_ptr<void> alive =
         context.panel == nullptr ? nullptr : context.panel->shared_from_this();

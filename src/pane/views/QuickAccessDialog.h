@@ -20,13 +20,13 @@ class QTreeWidgetItem;
 
 namespace torka {
 
-// The settings that can stand in the quick-access area, by page, beside those that do, which are ordered
-// here. Tells nothing before OK.
+// The settings that can stand in the quick-access area, by page, beside the chosen ones in their order.
+// Nothing is stored before OK.
 class QuickAccessDialog final : public QDialog {
 public:
     QuickAccessDialog(PaneContext& paneContext, const std::vector<std::string>& keywords, QWidget* parent);
 
-    // Keywords in their order, at most maximumQuickAccess.
+    // The chosen keywords in their order, at most maximumQuickAccess.
     std::vector<std::string> Chosen() const;
 
     QTreeWidget* Available() const { return available; }
@@ -65,7 +65,7 @@ private:
     QPushButton* down;
 };
 
-// The dialog as the panel knows it: opened as a sheet above the pane, stored and drawn once it is accepted.
+// Opens the dialog above the pane. After OK the entries are stored and drawn.
 class QuickAccessSheet final : public CustomizeQuickAccessView {
 public:
     QuickAccessSheet(PaneContext& paneContext, QWidget* paneRoot)

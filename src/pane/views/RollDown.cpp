@@ -52,7 +52,7 @@ void RollDown::SetOpen(bool nowOpen) {
 
 void RollDown::TellState() { header->setAccessibleDescription(open ? openWord : closedWord); }
 
-// As in a tree: the key that points into the content opens, the other one closes.
+// As in a tree, the arrow key towards the content opens and the other one closes.
 bool RollDown::eventFilter(QObject* watched, QEvent* event) {
     if (watched == header && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

@@ -11,10 +11,10 @@ class QToolButton;
 
 namespace torka {
 
-// A group of fields under a header that opens and closes it. What is inside is made when it first opens.
+// A group of fields with a header that opens and closes it. The content is made when the group first opens.
 class RollDown final : public QWidget {
 public:
-    // `fill` makes the content; called once, with the content's parent, which it gives a layout.
+    // `fillContent` makes the content and gives its parent a layout. It is called once.
     RollDown(const PaneContext& context, const QString& title, std::function<void(QWidget&)> fillContent,
              QWidget* parent);
 

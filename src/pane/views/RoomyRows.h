@@ -4,7 +4,7 @@
 
 namespace torka {
 
-// Rows of lists with some air above and below; a row's icon stands at its end.
+// Rows of lists with space above and below. The icon of a row stands at its end.
 class RoomyRows final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;

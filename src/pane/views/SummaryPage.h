@@ -13,11 +13,11 @@ class QTreeWidget;
 
 namespace torka {
 
-// What differs from the defaults, as a list: setting, value, default. From here a person goes to a setting or
-// sets it back.
+// The settings that differ from their defaults: name, value, default. From here a person goes to a setting or
+// resets it.
 class SummaryPage final : public QWidget {
 public:
-    // `show`: goes to the field of that keyword.
+    // `showField` goes to the field of a keyword.
     SummaryPage(PaneContext& paneContext, std::function<void(const std::string&)> showField,
                 QWidget* parent = nullptr);
     void Update();

@@ -41,7 +41,7 @@ void TwoWaySign::Show(TwoWayState state) {
 void TwoWaySign::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        Show(shown); // the sign is a picture in the old colours
+        Show(shown); // the picture has the old colours
     }
 }
 

@@ -9,7 +9,7 @@ class QLabel;
 
 namespace torka {
 
-// Whether the pane speaks with the controller: a small sign and two or three words.
+// Shows the state of two-way communication: a small sign and a few words.
 class TwoWaySign final : public QWidget {
 public:
     TwoWaySign(const PaneContext& paneContext, QWidget* parent);

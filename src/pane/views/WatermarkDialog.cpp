@@ -22,10 +22,10 @@
 namespace torka {
 namespace {
 
-constexpr int clearColor = -1; // what an entry of the colours' list stands for, besides an RGB value
+constexpr int clearColor = -1; // data of entries of the colour list that have no RGB value
 constexpr int otherColor = -2;
 
-// Refuses each character that no font's name holds.
+// Refuses characters that a font name cannot hold.
 class FontNameValidator final : public QValidator {
 public:
     using QValidator::QValidator;
@@ -150,7 +150,7 @@ void WatermarkDialog::FillColors() {
     }
 }
 
-// A colour without a name stands in the list by its number.
+// Adds a colour without a name to the list, as its number.
 void WatermarkDialog::TakeColor(const QColor& other) {
     color = other;
     int index = colors->findData(rgbOf(color));

@@ -17,7 +17,7 @@ namespace torka {
 
 class WatermarkPreview;
 
-// Edits one watermark beside its page.
+// Edits one watermark, with a preview.
 class WatermarkDialog final : public QDialog {
 public:
     WatermarkDialog(PaneContext& paneContext, const WatermarkFields& edited, bool isNew, QWidget* parent);

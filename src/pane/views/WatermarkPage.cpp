@@ -111,16 +111,16 @@ void WatermarkPage::Delete() {
     }
 }
 
-// Holds the panel: storing may run the event loop, in which the print dialog may let go of it.
+// Holds the panel: storing may run the event loop, in which the print dialog may release the panel.
 void WatermarkPage::ListChanged() {
     const std::shared_ptr<void> alive =
         context.panel == nullptr ? nullptr : context.panel->shared_from_this();
     Update();
-    WatermarkEditing kept = watermarks; // this page may go meanwhile
+    WatermarkEditing kept = watermarks; // a copy: this page may end while the list is stored
     kept.Keep();
 }
 
-// Return and Delete on the list.
+// Keys of the list: Return, F2, Delete and Insert.
 bool WatermarkPage::eventFilter(QObject* watched, QEvent* event) {
     if (watched == list && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

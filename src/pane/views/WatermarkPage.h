@@ -16,13 +16,13 @@ namespace torka {
 
 class WatermarkPreview;
 
-// The watermarks of the printer and which of them this job prints, with its page. Choosing one is a setting
-// like others and can be undone; the list belongs to the printer and is stored when it is changed.
+// The watermarks of the printer, the one that this job prints, and a preview. The choice is a setting and can
+// be undone. The list belongs to the printer and is stored after each change.
 class WatermarkPage final : public QWidget {
 public:
-    // The context has pane data.
+    // The context must have pane data.
     explicit WatermarkPage(PaneContext& paneContext, QWidget* parent = nullptr);
-    // Called before the page is seen, and after each change while it is.
+    // Called before the page is shown, and after each change while it is visible.
     void Update();
 
     QListWidget* List() const { return list; }

@@ -13,7 +13,7 @@
 namespace torka {
 namespace {
 
-// The paper's size in points: the printer's, or the usual one of that name.
+// The size of the paper in points: that of the printer, else the standard size of that name.
 QSizeF sizeOf(const PaneContext& context, const std::string& name) {
     if (const auto paper =
             printerPaper(context.panel == nullptr ? nullptr : context.panel->currentPrinter(), name)) {
@@ -87,7 +87,7 @@ void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
     painter.translate(page.center());
     const double scale = page.width() / paper.width();
     painter.scale(scale, scale);
-    // Lines of text, to judge the watermark's weight by.
+    // Grey lines stand for text, to show how strong the watermark is.
     constexpr double margin = 72;
     constexpr double line = 28;
     const QRectF body(-paper.width() / 2 + margin, -paper.height() / 2 + margin, paper.width() - 2 * margin,
@@ -107,9 +107,10 @@ void WatermarkPreview::paintEvent(QPaintEvent* /*event*/) {
     painter.drawRect(page);
 }
 
-// As the job's PostScript does: moved, turned about the middle, a third of the size below it.
+// Follows the PostScript of the job: moves the text, turns it about its middle, and puts its baseline a third
+// of the size below.
 void WatermarkPreview::PaintText(QPainter& painter) const {
-    constexpr int outlineSize = 100; // the outline is made at one size and scaled: sizes may be any number
+    constexpr int outlineSize = 100; // pixels; the outline is scaled, because a font size may be any number
     QFont font = screenFont(fields->fontName);
     font.setPixelSize(outlineSize);
     const QString text = qText(fields->text);

@@ -10,17 +10,17 @@
 
 namespace torka {
 
-// The chosen paper as it is read, with the watermark where the job will print it. The paper is white whatever
-// the palette.
+// The chosen paper, upright for the reader, with the watermark where the job prints it. The paper is white in
+// every palette.
 class WatermarkPreview final : public QWidget {
 public:
     explicit WatermarkPreview(PaneContext& paneContext, QWidget* parent = nullptr);
-    // Nothing: the bare page.
+    // No fields: shows the page without watermark.
     void Show(std::optional<WatermarkFields> shown);
-    // Takes up the chosen paper and orientation.
+    // Reads the chosen paper and its orientation.
     void TakePaper();
-    QSizeF Paper() const { return paper; } // points, as it is read
-    // Where the page is drawn.
+    QSizeF Paper() const { return paper; } // points, upright for the reader
+    // The rectangle of the page in the widget.
     QRectF PageRect() const;
 
 protected:
