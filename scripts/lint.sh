@@ -1,26 +1,44 @@
 #!/usr/bin/env bash
-# Checks style: clang-format over every C++ file, clang-tidy over the library and program sources, and the floors.
-#   scripts/lint.sh           everything
-#   scripts/lint.sh FILE...   only these files
+# Checks what the build does not: the format, the floors, plain text in widgets, that every header compiles alone and
+# the fence around what nobody calls.
+#   scripts/lint.sh                    all of it
+#   scripts/lint.sh FILE...            format and headers of these files, and the rest
+#   scripts/lint.sh --tidy [FILE...]   clang-tidy as well; over the whole tree it takes long
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/install-deps.sh --developer
 
-files=("$@")
-if [ "${#files[@]}" -eq 0 ]; then
-    mapfile -t files < <(git ls-files '*.cpp' '*.h')
+tidy=false
+if [ "${1:-}" = "--tidy" ]; then
+    tidy=true
+    shift
 fi
+mapfile -t files < <(git ls-files '*.cpp' '*.h')
+headers=() # none: those that no build proves
+if [ "$#" -gt 0 ]; then
+    files=("$@")
+    for file in "$@"; do
+        [[ $file != *.h ]] || headers+=("$file")
+    done
+fi
+
 clang-format-14 --dry-run --Werror "${files[@]}"
 ./scripts/check-floors
+./scripts/check-plain-text
+if [ "$#" -eq 0 ] || [ "${#headers[@]}" -gt 0 ]; then
+    ./scripts/check-headers "${headers[@]}"
+fi
 
-cmake --preset clang >/dev/null
-sources=()
-for file in "${files[@]}"; do
-    case "$file" in
-    src/*.cpp | apps/*.cpp | spooler/*.cpp | jobproperties/*.cpp) sources+=("$file") ;;
-    esac
-done
-if [ "${#sources[@]}" -gt 0 ]; then
-    printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy-14 -p build/clang --quiet
+if "$tidy"; then
+    sources=()
+    for file in "${files[@]}"; do
+        case "$file" in
+        src/*.cpp | apps/*.cpp | spooler/*.cpp | jobproperties/*.cpp | bundle/*.cpp) sources+=("$file") ;;
+        esac
+    done
+    if [ "${#sources[@]}" -gt 0 ]; then
+        cmake --preset clang >/dev/null
+        printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy-14 -p build/clang --quiet
+    fi
 fi
 echo "lint: nothing found"
