@@ -19,7 +19,7 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev libssl-dev
     # what the tests and run.sh check against
     ghostscript fonts-urw-base35 fonts-dejavu-core cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
-    avahi-daemon avahi-utils dbus iproute2 procps
+    avahi-daemon dbus iproute2 procps
 )
 # Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer
 developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3-clang-14)
