@@ -214,7 +214,7 @@ TEST(ZANPPDLint, NotesTellKindLineAndText) {
                                    "18 unclosedQuote *FileVersion ", "19 unreadableByte *ModelName 0xFF",
                                    "20 unreadableByte *PCFileName NUL", "20 unclosedQuote *PCFileName ",
                                    "22 unknownGroup *Note Nowhere", "23 badNumber *Note 99999999999999999999",
-                                   "27 unclosedQuote *Last ", "28 unclosedBlock *Last "));
+                                   "25 unclosedBlock *Last ", "27 unclosedQuote *Last "));
     // Invalid text still gives a readable name.
     EXPECT_EQ(utf8Text(find(*model, "*Key")->CFStringUserName()), "Caf\xEF\xBF\xBD");
 }

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
-// The main keywords that begin an element of a description, and what the parser does where it meets one.
+// The main keywords that begin an element of a description, and what the parser does where it meets one. The
+// readers of lines, of choice blocks and of quoted values share this list.
 
 namespace torka {
 
@@ -22,46 +24,121 @@ enum class LineKind : std::uint8_t {
     shortcut,
     specialOption,
     jobNote,
-    other // no reader of its own
+    header,    // a value that the description keeps by itself
+    openGroup, // the installable options; any other group is the spooler's
+    closeGroup,
+    openBlock, // these five have a reader only inside a control's definition
+    openMakersBlock,
+    closeBlock,
+    group,
+    range,
+    floatRange,
+    spoolerBlock, // a block that is always the spooler's
+    other         // no reader of its own
+};
+
+// What the line does inside an open choice block.
+enum class InBlock : std::uint8_t {
+    belongs, // the block's reader takes it or skips it
+    passes,  // its own reader takes it, and the block goes on behind it
+    ends     // the block's closing line is missing: the block ends before this line
 };
 
 struct ElementKeyword {
     std::string_view keyword;
     LineKind kind;
     bool endsValue; // an open PostScript value ends before this line, although the line begins with "*%"
-    bool endsBlock; // an open choice block ends before this line
+    InBlock inBlock;
 };
 
-// The most frequent first. Unequal lengths end a comparison.
-inline constexpr std::array<ElementKeyword, 18> elementKeywords{{
-    {"*UIConstraints", LineKind::constraint, false, false},
-    {"*%ZANFlags", LineKind::controlFlags, true, true},
-    {"*%ZANUIConstraints", LineKind::constraint, true, false},
-    {"*%ZANUIRequires", LineKind::requirement, true, false},
-    {"*%ZANParent", LineKind::parent, true, true},
-    {"*%ZANGroupName", LineKind::groupName, true, true},
-    {"*%ZANSubGroupName", LineKind::subGroupName, true, true},
-    {"*%QVShortcut", LineKind::shortcut, true, false},
-    {"*%ZANPropPage", LineKind::propPage, true, true},
-    {"*%ZANSpecialOption", LineKind::specialOption, true, false},
-    {"*%ZANJobNote", LineKind::jobNote, false, false},
-    {"*%ParamCustomPrintSize", LineKind::customPrintSize, true, false},
-    {"*OpenUI", LineKind::other, false, true},
-    {"*QVOpenUI", LineKind::other, false, true},
-    {"*BeginUI", LineKind::other, false, true},
-    {"*OpenUIZAN", LineKind::other, false, true},
-    {"*OpenGroup", LineKind::other, false, true},
-    {"*CloseGroup", LineKind::other, false, true},
-}};
+namespace detail {
+
+inline constexpr std::array unsortedElementKeywords{
+    ElementKeyword{"*UIConstraints", LineKind::constraint, false, InBlock::passes},
+    ElementKeyword{"*%ZANUIConstraints", LineKind::constraint, true, InBlock::passes},
+    ElementKeyword{"*%ZANUIRequires", LineKind::requirement, true, InBlock::passes},
+    ElementKeyword{"*%ZANPropPage", LineKind::propPage, true, InBlock::ends},
+    ElementKeyword{"*%ZANGroupName", LineKind::groupName, true, InBlock::ends},
+    ElementKeyword{"*%ZANSubGroupName", LineKind::subGroupName, true, InBlock::ends},
+    ElementKeyword{"*%ZANParent", LineKind::parent, true, InBlock::ends},
+    ElementKeyword{"*%ZANFlags", LineKind::controlFlags, true, InBlock::ends},
+    ElementKeyword{"*%ParamCustomPrintSize", LineKind::customPrintSize, true, InBlock::passes},
+    ElementKeyword{"*%QVShortcut", LineKind::shortcut, true, InBlock::passes},
+    ElementKeyword{"*%ZANSpecialOption", LineKind::specialOption, true, InBlock::passes},
+    ElementKeyword{"*%ZANJobNote", LineKind::jobNote, false, InBlock::passes},
+    ElementKeyword{"*FormatVersion", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*FileVersion", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*PCFileName", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*LanguageVersion", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*LanguageEncoding", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*ModelName", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*APDialogExtension", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*%QVFileVersion", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*%QVVersion", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*%QVVersionMac", LineKind::header, false, InBlock::passes},
+    ElementKeyword{"*OpenGroup", LineKind::openGroup, false, InBlock::ends},
+    ElementKeyword{"*CloseGroup", LineKind::closeGroup, false, InBlock::ends},
+    ElementKeyword{"*OpenSubGroup", LineKind::other, false, InBlock::ends},
+    ElementKeyword{"*CloseSubGroup", LineKind::other, false, InBlock::ends},
+    ElementKeyword{"*OpenUI", LineKind::openBlock, false, InBlock::ends},
+    ElementKeyword{"*QVOpenUI", LineKind::openBlock, false, InBlock::ends},
+    ElementKeyword{"*BeginUI", LineKind::openBlock, false, InBlock::ends},
+    ElementKeyword{"*OpenUIZAN", LineKind::openMakersBlock, false, InBlock::ends},
+    ElementKeyword{"*JCLOpenUI", LineKind::spoolerBlock, false, InBlock::ends},
+    ElementKeyword{"*CloseUI", LineKind::closeBlock, false, InBlock::belongs},
+    ElementKeyword{"*QVCloseUI", LineKind::closeBlock, false, InBlock::belongs},
+    ElementKeyword{"*CloseUIZAN", LineKind::closeBlock, false, InBlock::belongs},
+    ElementKeyword{"*EndUI", LineKind::closeBlock, false, InBlock::belongs},
+    ElementKeyword{"*%ZANGroup", LineKind::group, false, InBlock::passes},
+    ElementKeyword{"*%ZANRange", LineKind::range, false, InBlock::passes},
+    ElementKeyword{"*%ZANUnitRange", LineKind::range, false, InBlock::passes},
+    ElementKeyword{"*%ZANFloatRange", LineKind::floatRange, false, InBlock::passes},
+};
+
+constexpr auto sortedElementKeywords() {
+    auto rows = unsortedElementKeywords;
+    std::ranges::sort(rows, [](const ElementKeyword& left, const ElementKeyword& right) {
+        return left.keyword.size() < right.keyword.size();
+    });
+    return rows;
+}
+
+} // namespace detail
+
+// The shortest first.
+inline constexpr auto elementKeywords = detail::sortedElementKeywords();
+
+inline constexpr std::size_t longestElementKeyword = elementKeywords.back().keyword.size();
+
+// The place in elementKeywords of the first keyword that is at least as long as the index.
+inline constexpr auto firstOfLength = [] {
+    std::array<std::uint8_t, longestElementKeyword + 2> first{};
+    for (std::size_t length = 0; length < first.size(); ++length) {
+        while (first[length] < elementKeywords.size() &&
+               elementKeywords[first[length]].keyword.size() < length) {
+            ++first[length];
+        }
+    }
+    return first;
+}();
 
 // Null for a keyword without a row.
 constexpr const ElementKeyword* findElementKeyword(std::string_view keyword) {
-    for (const ElementKeyword& row : elementKeywords) {
-        if (row.keyword == keyword) {
-            return &row;
+    if (keyword.size() > longestElementKeyword) {
+        return nullptr;
+    }
+    const std::size_t end = firstOfLength[keyword.size() + 1];
+    for (std::size_t at = firstOfLength[keyword.size()]; at < end; ++at) {
+        if (elementKeywords[at].keyword == keyword) {
+            return &elementKeywords[at];
         }
     }
     return nullptr;
+}
+
+constexpr LineKind lineKind(std::string_view keyword) {
+    const ElementKeyword* const element = findElementKeyword(keyword);
+    return element == nullptr ? LineKind::other : element->kind;
 }
 
 static_assert(std::ranges::all_of(elementKeywords, [](const ElementKeyword& row) {

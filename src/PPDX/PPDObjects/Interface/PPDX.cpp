@@ -57,6 +57,8 @@ bool PPDX::ParsePSKeywords(PPDStream& stream, const char* keyword) {
         {"*%QVVersionMac", &PPDX::makerVersionMac, true},
         {"*APDialogExtension", &PPDX::dialogExtension, true},
     };
+    static_assert(std::ranges::all_of(
+        headers, [](const Header& each) { return lineKind(each.keyword) == LineKind::header; }));
     const std::string_view sought(keyword != nullptr ? keyword : "");
     const auto* const header = std::find_if(std::begin(headers), std::end(headers),
                                             [&](const Header& each) { return each.keyword == sought; });

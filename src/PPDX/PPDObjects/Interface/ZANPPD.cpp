@@ -17,11 +17,6 @@ namespace torka {
 
 namespace {
 
-LineKind lineKind(std::string_view keyword) {
-    const ElementKeyword* element = findElementKeyword(keyword);
-    return element == nullptr ? LineKind::other : element->kind;
-}
-
 // Records of the two-way data. The queue's description carries them for another reader.
 bool isServerRecord(std::string_view keyword) {
     static constexpr std::array<std::string_view, 19> names{"QVBidiData",
@@ -222,7 +217,7 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
         return ParseSpecialOption(stream);
     case LineKind::jobNote:
         return ParseJobNote(stream, nullptr);
-    case LineKind::other:
+    default:
         break;
     }
     if (isServerRecord(keyword)) {
@@ -259,19 +254,20 @@ bool ZANPPD::ParsePSKeywords(PPDStream& stream, const char* keyword) {
     if (name == "*%QVVersionMac") {
         return takeRest({&versionMacQV, &versionQV, &makerVersionMac, &makerVersion});
     }
-    if (name == "*OpenGroup" || name == "*CloseGroup") {
+    const LineKind kind = lineKind(name);
+    if (kind == LineKind::openGroup || kind == LineKind::closeGroup) {
         const NamedToken group = TakeNamedToken(stream);
         if (group.token != "InstallableOptions") {
             return false;
         }
-        if (name == "*OpenGroup") {
+        if (kind == LineKind::openGroup) {
             OpenInstallableOptions(group);
         } else {
             inInstallableOptions = false;
         }
         return true;
     }
-    if (lint && (name == "*OpenUI" || name == "*JCLOpenUI")) {
+    if (lint && (kind == LineKind::openBlock || kind == LineKind::spoolerBlock)) {
         lint->SpoolerKeyword(TakeNamedToken(stream).token);
         return false;
     }

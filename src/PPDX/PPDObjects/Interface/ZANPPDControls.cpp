@@ -21,6 +21,12 @@ namespace torka {
 struct ZANPPD::BlockStyle {
     PPDErr missingKeyword;
     PPDErr badType;
+
+    static BlockStyle Of(LineKind kind) {
+        return kind == LineKind::openMakersBlock
+                   ? BlockStyle{PPDErr_OpenUIZANParsing1, PPDErr_OpenUIZANParsing2}
+                   : BlockStyle{PPDErr_OpenUIParsing, PPDErr_InvalidOpenUIType};
+    }
 };
 
 // The content of a choice block so far.
@@ -47,21 +53,6 @@ constexpr DelimiterSet flagEnds("|:\"");
 constexpr DelimiterSet typeEnds(";()");
 constexpr DelimiterSet optionEnds("/");
 constexpr DelimiterSet colon(":");
-
-bool opensBlock(std::string_view keyword) {
-    return keyword == "*OpenUI" || keyword == "*QVOpenUI" || keyword == "*BeginUI";
-}
-
-bool closesBlock(std::string_view keyword) {
-    return keyword == "*CloseUI" || keyword == "*QVCloseUI" || keyword == "*CloseUIZAN" ||
-           keyword == "*EndUI";
-}
-
-// No block contains these lines: the block's closing line is missing.
-bool endsBlock(std::string_view keyword) {
-    const ElementKeyword* element = findElementKeyword(keyword);
-    return element != nullptr && element->endsBlock;
-}
 
 // Returns the next of a range's numbers, empty when none comes before the quoted PostScript.
 std::string_view takeNumber(PPDStream& line) {
@@ -142,13 +133,11 @@ void ZANPPD::ParseControlFlags(PPDStream& line) {
         return;
     }
     PPDStream next{std::string_view(text.data())};
-    const std::string_view keyword = TakeMainKeyword(next);
-    if (keyword == "*%ZANGroup") {
+    const LineKind kind = lineKind(TakeMainKeyword(next));
+    if (kind == LineKind::group) {
         ParseGroupLine(next, draft);
-    } else if (opensBlock(keyword)) {
-        ParseOpenUI(next, draft, {PPDErr_OpenUIParsing, PPDErr_InvalidOpenUIType});
-    } else if (keyword == "*OpenUIZAN") {
-        ParseOpenUI(next, draft, {PPDErr_OpenUIZANParsing1, PPDErr_OpenUIZANParsing2});
+    } else if (kind == LineKind::openBlock || kind == LineKind::openMakersBlock) {
+        ParseOpenUI(next, draft, BlockStyle::Of(kind));
     } else {
         PushBackLine(text.data());
         Report(PPDErr_ControlParsing, draft.keyword, draft.line);
@@ -175,18 +164,16 @@ void ZANPPD::ParseGroupLine(PPDStream& line, ControlDraft& draft) {
         return;
     }
     PPDStream next{std::string_view(text.data())};
-    const std::string_view keyword = TakeMainKeyword(next);
-    if (keyword == "*%ZANJobNote") {
-        ParseJobNote(next, &draft);
-    } else if (keyword == "*%ZANRange" || keyword == "*%ZANUnitRange") {
-        ParseRange(next, draft, false);
-    } else if (keyword == "*%ZANFloatRange") {
-        ParseRange(next, draft, true);
-    } else if (opensBlock(keyword)) {
-        ParseOpenUI(next, draft, {PPDErr_OpenUIParsing, PPDErr_InvalidOpenUIType});
-    } else if (keyword == "*OpenUIZAN") {
-        ParseOpenUI(next, draft, {PPDErr_OpenUIZANParsing1, PPDErr_OpenUIZANParsing2});
-    } else {
+    switch (const LineKind kind = lineKind(TakeMainKeyword(next))) {
+    case LineKind::jobNote:
+        return ParseJobNote(next, &draft);
+    case LineKind::range:
+    case LineKind::floatRange:
+        return ParseRange(next, draft, kind == LineKind::floatRange);
+    case LineKind::openBlock:
+    case LineKind::openMakersBlock:
+        return ParseOpenUI(next, draft, BlockStyle::Of(kind));
+    default:
         PushBackLine(text.data());
         Report(PPDErr_GroupParsing, draft.keyword, groupLine);
     }
@@ -235,32 +222,37 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
     choiceRoom = std::move(block.items);
 }
 
+// Lines of other elements between the options go to their own readers.
 void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
+    const long blockLine = Line();
     std::array<char, kLineCapacity> text;
     while (ReadNonEmptyLine(text.data())) {
         PPDStream line{std::string_view(text.data())};
         const std::string_view before = line.Remaining();
         const std::string_view token = TakeMainKeyword(line);
-        if (closesBlock(token)) {
-            return;
-        }
-        if (token == "*OrderDependency") {
-            continue;
-        }
         if (token.starts_with("*Default")) {
             ReadDefaultLine(line, token, keyword, block);
-        } else if (token.starts_with(keyword)) {
+            continue;
+        }
+        const ElementKeyword* const element = token == keyword ? nullptr : findElementKeyword(token);
+        if (element != nullptr && element->kind == LineKind::closeBlock) {
+            return;
+        }
+        if (element != nullptr && element->inBlock == InBlock::ends) {
+            Note(PPDLintKind::unclosedBlock, blockLine, keyword, token);
+            PushBackLine(text.data());
+            return;
+        }
+        if (element == nullptr && token.starts_with(keyword)) {
             const std::size_t consumed = before.size() - line.Remaining().size();
             if (consumed > 0 && before[consumed - 1] != ':') { // with ":" it has no option keyword
                 ReadOptionLine(line, block);
             }
-        } else if (endsBlock(token)) {
-            Note(PPDLintKind::unclosedBlock, Line(), keyword);
-            PushBackLine(text.data());
-            return;
+        } else if (token != "*OrderDependency") {
+            ParseLine(text.data(), before);
         }
     }
-    Note(PPDLintKind::unclosedBlock, Line(), keyword);
+    Note(PPDLintKind::unclosedBlock, blockLine, keyword);
 }
 
 // "*Default KEYWORD: OPTION" or "*DefaultANYTHING: OPTION".

@@ -14,14 +14,25 @@ constexpr long postscriptCapacity = 65536;
 
 } // namespace
 
-std::string_view ZANPPD::TakeMainKeyword(PPDStream& line) { return line.TakeToken(wordEnds, true); }
+// Takes a word and what separates it from its value: a colon, blanks, or blanks and a colon.
+std::string_view ZANPPD::TakeMainKeyword(PPDStream& line) {
+    const std::string_view before = line.Remaining();
+    const std::string_view word = line.TakeToken(wordEnds, true);
+    const std::string_view rest = line.Remaining();
+    const std::size_t consumed = before.size() - rest.size();
+    if (!rest.empty() && before[consumed - 1] != ':') {
+        const std::size_t next = rest.find_first_not_of(" \t");
+        line.Skip(next != std::string_view::npos && rest[next] == ':' ? next + 1 : 0);
+    }
+    return word;
+}
 
-// Returns the next word. Skips blanks and colons before it.
+// Returns the next word. Skips blanks and colons before it, and a colon behind it.
 std::string_view ZANPPD::TakeWord(PPDStream& line) {
     const std::string_view rest = line.Remaining();
     const std::size_t begin = rest.find_first_not_of(" \t:");
     line.Skip(begin == std::string_view::npos ? rest.size() : begin);
-    return line.TakeToken(wordEnds, true);
+    return TakeMainKeyword(line);
 }
 
 ZANPPD::NamedToken ZANPPD::TakeNamedToken(PPDStream& line, bool trimName) {

@@ -1,0 +1,217 @@
+#include "tests/model/ZANPPDTestSupport.h"
+
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConstraintForest.h"
+
+#include <cups/ppd.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+// libcups marks its PPD functions as deprecated, but programs still use them.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+// Compares what the parser reads with what libcups reads from the same file.
+
+namespace torka::tests {
+namespace {
+
+using ::testing::ElementsAre;
+
+// Everything that both readers know, one text for each fact.
+using Facts = std::set<std::string>;
+
+struct Comparison {
+    Facts ours;
+    Facts theirs;
+
+    // The facts of one side only, each with its side.
+    std::vector<std::string> Differences() const {
+        std::vector<std::string> result;
+        for (const std::string& fact : ours) {
+            if (!theirs.contains(fact)) {
+                result.push_back("ours: " + fact);
+            }
+        }
+        for (const std::string& fact : theirs) {
+            if (!ours.contains(fact)) {
+                result.push_back("libcups: " + fact);
+            }
+        }
+        return result;
+    }
+};
+
+constexpr std::array headerNames{"FormatVersion",   "FileVersion",      "PCFileName",
+                                 "LanguageVersion", "LanguageEncoding", "ModelName"};
+
+std::string optionFact(const std::string& keyword, const std::string& name, const std::string& option) {
+    return "option " + keyword + "/" + name + " default " + option;
+}
+
+std::string choiceFact(const std::string& keyword, std::size_t place, const std::string& choice,
+                       const std::string& name) {
+    return "choice " + keyword + " " + std::to_string(place) + " " + choice + "/" + name;
+}
+
+Facts factsOf(const ZANPPD& model) {
+    Facts facts;
+    const CString* const values[] = {model.FormatVersion(),   model.FileVersion(),      model.PCFileName(),
+                                     model.LanguageVersion(), model.LanguageEncoding(), model.ModelName()};
+    for (std::size_t i = 0; i < headerNames.size(); ++i) {
+        if (values[i] && values[i]->Buffer()) {
+            facts.insert(std::string("header ") + headerNames[i] + " " + values[i]->Buffer());
+        }
+    }
+    model.GetControls()->ForEach([&](PPDXControl* control) {
+        const std::string keyword = std::string(control->Keyword()).substr(1);
+        const std::string name = utf8Text(control->CFStringUserName());
+        if (auto* popup = dynamic_cast<PPDXPopupControl*>(control)) {
+            facts.insert(optionFact(keyword, name, popup->GetDefaultKeyword()));
+            std::size_t place = 0;
+            for (const _PopupItem* item = popup->FirstItem(); item; item = popup->NextItem()) {
+                facts.insert(choiceFact(keyword, place++, std::string(item->keyword.View()),
+                                        utf8Text(item->LocalName())));
+            }
+        } else if (auto* boolean = dynamic_cast<PPDXBooleanControl*>(control)) {
+            facts.insert(optionFact(keyword, name, boolean->DefaultState() ? "True" : "False"));
+        }
+    });
+    const CStringSoup& texts = *model.GetUIConstraints()->GetConstraintStrings();
+    model.GetUIConstraints()->GetConstraintForest()->ForEach(
+        [&](std::int64_t key, std::int64_t option, const KeyOption& other) {
+            facts.insert(std::string("constraint ") + (texts.Find(key) + 1) + " " + texts.Find(option) + " " +
+                         (texts.Find(other.key) + 1) + " " + texts.Find(other.option));
+            return true;
+        });
+    return facts;
+}
+
+// The options that a constraint line of libcups means: one, or without an option all but None and False.
+std::vector<std::string> meantOptions(ppd_file_t* ppd, const char* keyword, const char* choice) {
+    if (*choice != '\0') {
+        return {choice};
+    }
+    std::vector<std::string> result;
+    if (const ppd_option_t* option = ppdFindOption(ppd, keyword)) {
+        for (int i = 0; i < option->num_choices; ++i) {
+            const std::string each = option->choices[i].choice;
+            if (each != "None" && each != "False") {
+                result.push_back(each);
+            }
+        }
+    }
+    return result;
+}
+
+Facts factsOf(ppd_file_t* ppd) {
+    Facts facts;
+    for (const char* name : headerNames) {
+        if (const ppd_attr_t* value = ppdFindAttr(ppd, name, nullptr)) {
+            facts.insert(std::string("header ") + name + " " + value->value);
+        }
+    }
+    for (ppd_option_t* option = ppdFirstOption(ppd); option; option = ppdNextOption(ppd)) {
+        facts.insert(optionFact(option->keyword, option->text, option->defchoice));
+        // A boolean's names are not kept as items by the parser.
+        for (int i = 0; i < option->num_choices && option->ui != PPD_UI_BOOLEAN; ++i) {
+            facts.insert(choiceFact(option->keyword, static_cast<std::size_t>(i), option->choices[i].choice,
+                                    option->choices[i].text));
+        }
+    }
+    for (int i = 0; i < ppd->num_consts; ++i) {
+        const ppd_const_t& line = ppd->consts[i];
+        for (const std::string& first : meantOptions(ppd, line.option1, line.choice1)) {
+            for (const std::string& second : meantOptions(ppd, line.option2, line.choice2)) {
+                facts.insert(std::string("constraint ") + line.option1 + " " + first + " " + line.option2 +
+                             " " + second);
+            }
+        }
+    }
+    return facts;
+}
+
+Comparison compare(const std::filesystem::path& path) {
+    Comparison result{factsOf(*parseFile(path)), {}};
+    const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(ppdOpenFile(path.c_str()), ppdClose);
+    EXPECT_TRUE(ppd) << path;
+    result.theirs = ppd ? factsOf(ppd.get()) : Facts();
+    return result;
+}
+
+// What both need to read a file at all.
+const std::string start = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n";
+
+std::string option(const std::string& keyword, const std::string& between = {},
+                   const std::string& closing = "*CloseUI: ") {
+    return "*%ZANFlags *" + keyword + ":\n*OpenUI *" + keyword + "/" + keyword + ": PickOne\n*Default" +
+           keyword + ": B\n*" + keyword + " A/Eins: \"(a)\"\n" + between + "*" + keyword +
+           " B/Zwei: \"(b)\"\n" + (closing.empty() ? "" : closing + "*" + keyword + "\n");
+}
+
+const std::string neighbours =
+    "*UIConstraints: *M A *N B\n*UIConstraints: *N B *M A\n*PCFileName: \"P.PPD\"\n"
+    "*ModelName: \"Model\"\n*LanguageEncoding: ISOLatin1\n";
+
+struct ReadingCase {
+    const char* name;
+    std::string text;
+};
+
+// A forgotten closing line, a line of another element between options, and blanks before colons cost nothing.
+TEST(SpoolerReading, NeighboursAndBlanksAreReadAsLibcupsReadsThem) {
+    const std::string m = option("M");
+    const std::string n = option("N");
+    std::string spaced = start + neighbours + m + n;
+    // libcups keeps a blank behind a translation, and the parser drops it: these lines have none.
+    for (const std::string keyword :
+         {"UIConstraints", "PCFileName", "ModelName", "LanguageEncoding", "DefaultM", "DefaultN",
+          "LanguageVersion", "CloseUI", "FormatVersion"}) {
+        for (std::size_t at = 0; (at = spaced.find(keyword + ':', at)) != std::string::npos;) {
+            at += keyword.size();
+            spaced.insert(at, at % 2 == 0 ? " " : " \t");
+        }
+    }
+    const std::vector<ReadingCase> cases{
+        {"plain", start + neighbours + m + n},
+        {"blanksBeforeColons", spaced},
+        {"blocksInAGroup", start + "*OpenGroup : InstallableOptions/Units\n" + m + n +
+                               "*CloseGroup : InstallableOptions\n" + neighbours},
+        {"betweenOptions", start + option("M", neighbours) + n},
+        {"closingLineForgotten", start + option("M", {}, {}) + neighbours + n},
+        {"group",
+         start + "*OpenGroup: Other/Other\n" + option("M", {}, {}) + "*CloseGroup: Other\n" + neighbours + n},
+    };
+    const TemporaryFolder folder;
+    for (const ReadingCase& each : cases) {
+        SCOPED_TRACE(each.name);
+        const Comparison read = compare(folder.Write("case.ppd", each.text));
+        EXPECT_THAT(read.Differences(), ElementsAre());
+        for (const char* fact : {"constraint M A N B", "constraint N B M A", "header PCFileName P.PPD",
+                                 "header LanguageEncoding ISOLatin1", "option M/M default B"}) {
+            EXPECT_TRUE(read.ours.contains(fact)) << fact;
+        }
+    }
+}
+
+// The extension's own lines between options and behind a forgotten closing line.
+TEST(SpoolerReading, NeighboursThatLibcupsDoesNotKnowSurviveToo) {
+    const std::string lines = "*%QVShortcut *N\n*%ZANSpecialOption *QVUTF8_Version : 5\n"
+                              "*%ParamCustomPrintSize Width : 1 points 72 720\n*%QVVersion : \"4.2\"\n"
+                              "*% 0001 *DMT_Injection text\n";
+    for (const std::string& blocks :
+         {option("M", lines) + option("N"), option("M", lines, {}) + option("N")}) {
+        const auto model = parseText(start + "*OpenGroup: InstallableOptions/Units\n" + blocks);
+        EXPECT_EQ(model->GetShortcuts()->Count(), 1U);
+        EXPECT_EQ(valueOf(*model, "*QVUTF8_Version"), "5");
+        EXPECT_TRUE(find(*model, "*CustomPrintSize"));
+        EXPECT_STREQ(model->MakerVersion()->Buffer(), "4.2");
+        EXPECT_EQ(model->DMTInjection(), "*% 0001 *DMT_Injection text\n");
+        EXPECT_EQ(valueOf(*model, "*M"), "B");
+    }
+}
+
+} // namespace
+} // namespace torka::tests
