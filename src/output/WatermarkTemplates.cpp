@@ -129,9 +129,11 @@ constexpr std::string_view watermarkEnd =
 // Saves the former showpage once: a second copy of the resource must not save its own showpage as the former
 // one.
 //
-// A prolog that was read before may have bound the operator showpage (PLRM, bind) and never calls the new
-// one: documents that Ghostscript converts from PDF do so. For them EndPage draws the watermark at the end of
-// the page (PLRM 6.2.6, reason 0), unless showpage has done it, and then calls the former EndPage.
+// EndPage draws the watermark at the end of a sheet (PLRM 6.2.6, reason 0), behind the former EndPage and
+// only when that one has the sheet printed. showpage draws it when the page device does not run this EndPage.
+// Of several pages on one sheet, showpage ends each, and the pages behind it would cover the text. A prolog
+// that was read before may also have bound the operator showpage (PLRM, bind) and never calls the new one:
+// documents that Ghostscript converts from PDF do so.
 constexpr std::string_view closing =
     " globaldict /pageCount 0 put \n"
     " globaldict /waterMarkAllPages %s put \n"
@@ -140,10 +142,12 @@ constexpr std::string_view closing =
     "userdict /ZANWMPage {globaldict /pageCount globaldict /pageCount get 1 add put\n"
     "globaldict /pageCount get 1 eq globaldict /waterMarkAllPages get or {ZANWaterMark} if} bind put\n"
     "userdict /ZANDRVRMACOriginalshowpage /showpage load put\n"
-    "userdict /showpage {ZANWMPage globaldict /waterMarkDone true put ZANDRVRMACOriginalshowpage} bind put\n"
+    "userdict /showpage {{currentpagedevice /EndPage get userdict /ZANWMHook get ne {stop} if} ZANWMTry not\n"
+    "{ZANWMPage globaldict /waterMarkDone true put} if ZANDRVRMACOriginalshowpage} bind put\n"
     "{userdict /ZANWMEndPage currentpagedevice /EndPage get put\n"
-    "<</EndPage {dup 0 eq globaldict /waterMarkDone get not and {ZANWMPage} if\n"
-    "globaldict /waterMarkDone false put ZANWMEndPage} bind>> setpagedevice} ZANWMTry pop} if setglobal\n"
+    "userdict /ZANWMHook {dup 0 eq 3 1 roll ZANWMEndPage exch 1 index and\n"
+    "globaldict /waterMarkDone get not and {ZANWMPage} if globaldict /waterMarkDone false put} bind put\n"
+    "<</EndPage userdict /ZANWMHook get>> setpagedevice} ZANWMTry pop} if setglobal\n"
     " %%ZAN End Watermark resource \n";
 
 // Appends the pattern with each "%s" replaced by the next argument. The last argument fills all further "%s".

@@ -8,6 +8,7 @@
 #include "tests/output/WatermarkPages.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -343,6 +344,19 @@ TEST(WatermarkPages, EveryWayToEndAPageCounts) {
         {"", "<</PageSize [400 500]>> setpagedevice\n", "showpage showpage\n", {true, false, true, true}},
         {"true setglobal\n", "", "showpage showpage\n", {true, false, true, true}},
         {"", "true setglobal mark 1 2\n", "showpage showpage\n", {true, false, true, true}},
+        // A document may replace EndPage, and a prolog may put several pages on one sheet.
+        {"",
+         "<</EndPage {exch pop 2 ne}>> setpagedevice\n",
+         "showpage showpage\n",
+         {true, false, true, true}},
+        {"/on true def userdict /showpage {/on on not def on {systemdict /showpage get exec} if} put\n",
+         "",
+         "/page {1 setgray clippath fill showpage} def page page page page\n",
+         {true, false, true, true}},
+        {"/n 0 def <</EndPage {exch pop 0 eq {/n n 1 add def n 2 mod 0 eq} {false} ifelse}>> setpagedevice\n",
+         "",
+         "/page {1 setgray clippath fill showpage} def page page page page\n",
+         {true, false, true, true}},
     };
     for (const Case& each : cases) {
         const std::string pages = std::string(each.after) + each.pages;
@@ -355,6 +369,55 @@ TEST(WatermarkPages, EveryWayToEndAPageCounts) {
     }
     // A resource that a job contains twice.
     EXPECT_EQ(tests::printPages(tests::job(all + first)).at(1).count, 0U);
+}
+
+// The print system's own filter puts several pages on a sheet. Each page here paints all of its place white,
+// so that a watermark drawn too early loses ink.
+TEST(WatermarkPages, SeveralPagesOnASheetHaveOneWatermark) {
+    const std::string pstops = "/usr/lib/cups/filter/pstops";
+    if (!std::filesystem::exists(pstops)) {
+        GTEST_SKIP() << "no " << pstops;
+    }
+    const tests::TemporaryFolder folder;
+    const auto popup = [](const std::string& key) {
+        return "*OpenUI *" + key + ": PickOne\n*Default" + key + ": A\n*" + key + " A: \"\"\n*CloseUI: *" +
+               key + "\n";
+    };
+    const std::string description =
+        folder.Write("sheets.ppd",
+                     "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*FileVersion: \"1.0\"\n*LanguageVersion: "
+                     "English\n*LanguageEncoding: ISOLatin1\n*PCFileName: \"T.PPD\"\n*Manufacturer: \"T\"\n"
+                     "*Product: \"(T)\"\n*ModelName: \"T\"\n*ShortNickName: \"T\"\n*NickName: \"T\"\n"
+                     "*PSVersion: \"(3010.000) 1\"\n" +
+                         popup("PageSize") + popup("PageRegion") +
+                         "*DefaultImageableArea: A\n*ImageableArea A: \"0 0 400 500\"\n"
+                         "*DefaultPaperDimension: A\n*PaperDimension A: \"400 500\"\n");
+    std::string document = "%!PS-Adobe-3.0\n%%Pages: 5\n%%EndComments\n";
+    for (const char* page : {"1", "2", "3", "4", "5"}) {
+        document +=
+            std::string("%%Page: ") + page + " " + page + "\n1 setgray 0 0 400 500 rectfill showpage\n";
+    }
+    document = folder.Write("in.ps", document + "%%EOF\n");
+    const std::string opening = "%%BeginSetup\n";
+    for (const auto& [perSheet, sheets] : {std::pair{"1", 5U}, {"2", 3U}, {"4", 2U}}) {
+        const tests::CommandResult result =
+            tests::runCommand({"env", "PPD=" + description, pstops, "1", "user", "title", "1",
+                               std::string("number-up=") + perSheet, document});
+        ASSERT_EQ(result.status, 0) << result.errors;
+        const std::size_t setup = result.output.find(opening);
+        ASSERT_NE(setup, std::string::npos);
+        for (const bool isFirstPageOnly : {true, false}) {
+            const std::string text =
+                resource(templates[4], kPMPortrait, isFirstPageOnly, "HHHHHHHH", "200", "0,0");
+            const std::size_t whole = tests::printPages(tests::job(text, "showpage\n")).at(0).count;
+            const std::vector<tests::Ink> inks =
+                tests::printPages(std::string(result.output).insert(setup + opening.size(), text));
+            ASSERT_EQ(inks.size(), sheets);
+            for (std::size_t i = 0; i < sheets; ++i) {
+                EXPECT_EQ(inks[i].count, isFirstPageOnly && i > 0 ? 0 : whole) << perSheet << " " << i;
+            }
+        }
+    }
 }
 
 // With arbitrary numbers, names and texts the job still runs, and its stacks are unchanged.
