@@ -6,8 +6,8 @@ namespace torka {
 
 using RangeBounds = NumberBounds<long>;
 
-// A whole number. SetValue rounds toward zero to a multiple of the increment, then clamps to the minimum, then
-// to the maximum.
+// A whole number. SetValue rounds toward zero to a multiple of the increment, then clamps to the minimum,
+// then to the maximum.
 class PPDXRangeControl final : public PPDXNumberControl<long> {
 public:
     PPDXRangeControl(const ControlDefinition& definition, const RangeBounds& rangeBounds)
