@@ -10,9 +10,11 @@
 namespace torka {
 
 PPDXElement::PPDXElement(const char* newKeyword, CFStringRef inLocalName, bool isVisible)
-    : localName(inLocalName)
+    : localName(std::move(inLocalName))
     , visible(isVisible ? 1 : 0) {
-    TORKA_ASSERT(inLocalName != NULL, "PPDX/PPDObjects/PPDXElement");
+    if (localName == nullptr) {
+        platform::assertionFailed("inLocalName != NULL", "PPDX/PPDObjects/PPDXElement");
+    }
     if (newKeyword && *newKeyword != '\0') {
         keyword = std::make_unique<CString>(newKeyword);
     }

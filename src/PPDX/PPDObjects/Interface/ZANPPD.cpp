@@ -111,9 +111,8 @@ void ZANPPD::Build() {
         // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
         Parse();
         if (!dmtInjection.empty()) {
-            // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own
-            // class
-            ReadCustXmlData(dmtInjection);
+            // A constructor reads with its own class.
+            ZANPPD::ReadCustXmlData(dmtInjection);
         }
         ReadPUJNPrefs();
     }
