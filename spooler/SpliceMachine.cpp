@@ -51,7 +51,7 @@ std::string_view withoutJobLanguage(std::string_view line) {
 SpliceMachine::SpliceMachine(const Ticket& ticket, ByteSink& sink)
     : output(sink) {
     for (std::size_t i = 0; i < ticket.entries.size(); ++i) {
-        SortEntry(i, ticket.entries[i]);
+        SortEntry(i, ticket);
     }
     heldKeyword = report.removed.end();
     isSetupPlaced = isClosingPlaced = !hasSetupEntries;

@@ -75,12 +75,13 @@ private:
     bool MayRemove() const;
     Removed::iterator FindSuppressed(std::string_view arguments);
 
-    void SortEntry(std::size_t index, const TicketEntry& entry);
+    void SortEntry(std::size_t index, const Ticket& ticket);
     bool WantsSetup() const { return !isSetupPlaced; }
     struct SortedEntry {
         std::size_t index = 0; // in the ticket
         TicketEntry entry;
         SitePlace place = SitePlace::setup; // of the entry's site
+        bool isGuarded = false;
     };
     std::string HeaderLines(const SortedEntry& sorted);
     std::string TextOf(PostScriptInjectionSite site, SplicePlace place);

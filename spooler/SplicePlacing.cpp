@@ -1,5 +1,6 @@
 // The half of SpliceMachine that decides where entries go.
 
+#include "PPDX/Utilities/PostScriptText.h"
 #include "spooler/SpliceMachine.h"
 
 namespace torka {
@@ -11,6 +12,14 @@ bool isSetup(SitePlace place) { return place == SitePlace::setup || place == Sit
 bool isKeyword(std::string_view text) {
     return text.size() > 1 && text.size() < Splicer::lineLimit && text[0] == '*' &&
            text.find_first_of(std::string_view(" \t\r\n\0:", 6)) == std::string_view::npos;
+}
+
+// A failing setting then costs that setting alone. The page size and everything else that is one feature
+// block are guarded; the end marker, a watermark and other code is not.
+bool isGuarded(const Ticket& ticket, const TicketEntry& entry, SitePlace place) {
+    const std::string_view keyword =
+        ticket.unguarded && place == SitePlace::setup ? featureKeyword(entry.bytes) : std::string_view();
+    return !keyword.empty() && !ticket.unguarded->contains(keyword) && canBeGuarded(entry.bytes);
 }
 
 std::string quantity(std::size_t count, const char* noun) {
@@ -35,7 +44,8 @@ std::string_view placeText(SplicePlace place) {
     return "nowhere";
 }
 
-void SpliceMachine::SortEntry(std::size_t index, const TicketEntry& entry) {
+void SpliceMachine::SortEntry(std::size_t index, const Ticket& ticket) {
+    const TicketEntry& entry = ticket.entries[index];
     const InjectionSite* site = findInjectionSite(entry.site);
     if (site == nullptr) {
         report.unplaced.push_back({index, entry.site, "its site is not known"});
@@ -55,7 +65,7 @@ void SpliceMachine::SortEntry(std::size_t index, const TicketEntry& entry) {
     case SitePlace::headerComments:
     case SitePlace::setup:
     case SitePlace::setupEnd:
-        placeable.push_back({index, entry, site->place});
+        placeable.push_back({index, entry, site->place, isGuarded(ticket, entry, site->place)});
         hasSetupEntries = hasSetupEntries || isSetup(site->place);
         break;
     }
@@ -73,7 +83,7 @@ std::string SpliceMachine::HeaderLines(const SortedEntry& sorted) {
             lines += "%%+ ";
             ++continued;
         }
-        lines.append(line.text);
+        lines += withoutLineBreaks(line.text); // a form feed also ends a comment
         lines.append(line.lineEnd.empty() ? std::string_view(lineEnd) : line.lineEnd);
         rest.remove_prefix(line.Size());
     }
@@ -98,9 +108,15 @@ std::string SpliceMachine::TextOf(PostScriptInjectionSite site, SplicePlace plac
             text += HeaderLines(sorted);
             continue;
         }
+        if (sorted.isGuarded) {
+            text += "[{" + lineEnd;
+        }
         text += sorted.entry.bytes;
         if (!sorted.entry.bytes.empty() && !isLineEnd(text.back())) {
             text += lineEnd;
+        }
+        if (sorted.isGuarded) {
+            text += "} stopped cleartomark" + lineEnd;
         }
     }
     if (count > 0) {

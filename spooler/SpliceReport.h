@@ -27,7 +27,7 @@ std::string_view placeText(SplicePlace place);
 
 struct PlacedSite {
     std::size_t entries = 0;
-    std::uint64_t bytes = 0; // as written, with added line ends and continuation marks
+    std::uint64_t bytes = 0; // as written, with added line ends, continuation marks and guards
     SplicePlace place = SplicePlace::nowhere;
 };
 

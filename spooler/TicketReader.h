@@ -2,9 +2,11 @@
 
 #include "output/InjectionSite.h"
 #include "platform/Result.h"
+#include "spooler/FeatureGuard.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,6 +34,9 @@ struct TicketWarning {
 struct Ticket {
     std::vector<TicketEntry> entries; // in the order of the file
     std::vector<TicketWarning> warnings;
+    // Keywords of feature code that stops the job when it fails. Not in the file: the caller takes it from
+    // the queue's description (unguardedNotes). Without it the Splicer guards nothing.
+    std::optional<KeywordSet> unguarded;
 };
 
 // The place of a fault is the file's name and the entry, counted from 0, as far as they are known:

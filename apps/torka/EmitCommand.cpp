@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <unistd.h>
 
@@ -54,10 +55,16 @@ bool showProgress(std::uint64_t bytesRead) {
 }
 
 ExitStatus spliceInto(const EmitOptions& options, const CFDataRef& xml) {
-    const Result<Ticket> ticket = readTicket(CFDataGetBytes(xml));
+    Result<Ticket> ticket = readTicket(CFDataGetBytes(xml));
     if (!ticket) {
         return unusable(ticket.Why());
     }
+    std::string description;
+    if (const std::error_code error = platform::system().ReadFile(
+            options.emission.description, std::numeric_limits<std::size_t>::max(), description)) {
+        return unusable(options.emission.description + ": cannot be read: " + error.message());
+    }
+    ticket->unguarded = unguardedNotes(description);
     const SpliceOutcome outcome = spliceFile(options.document, *ticket, options.output, showProgress);
     if (outcome.status != SpliceStatus::ok) {
         return unusable(outcome.errorText);

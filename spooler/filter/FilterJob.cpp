@@ -38,6 +38,7 @@ std::optional<FilterJob> readFilterJob(int argc, const char* const* argv) {
     job.queue = environmentText("PRINTER");
     job.deviceUri = environmentText("DEVICE_URI");
     job.contentType = environmentText("CONTENT_TYPE");
+    job.description = environmentText("PPD");
     return job;
 }
 

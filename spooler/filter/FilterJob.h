@@ -28,6 +28,7 @@ struct FilterJob {
     std::string queue;     // PRINTER
     std::string deviceUri; // DEVICE_URI
     std::string contentType;
+    std::string description; // PPD: the path of the queue's description
 
     bool IsCommand() const { return contentType == "application/vnd.cups-command"; }
     // Returns the value of an option; "" when the job has no option of that name.

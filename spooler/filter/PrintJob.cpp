@@ -2,6 +2,7 @@
 
 #include "output/BundleIdentifier.h"
 #include "output/InjectionSite.h"
+#include "platform/System.h"
 #include "spooler/ByteSink.h"
 #include "spooler/SpliceFile.h"
 #include "spooler/filter/MailboxFile.h"
@@ -58,6 +59,19 @@ int splice(int source, const Ticket& ticket, int target) {
     return 0;
 }
 
+// Without the description no feature code is guarded, because a job must not print without its protected
+// notes.
+void readUnguarded(const FilterJob& job, Ticket& ticket) {
+    constexpr std::size_t longestDescription = std::size_t{64} * 1024 * 1024; // bytes
+    std::string description;
+    if (const std::error_code error =
+            platform::system().ReadFile(job.description, longestDescription, description)) {
+        tellDebug("no setting is guarded: the description cannot be read: " + error.message());
+    } else {
+        ticket.unguarded = unguardedNotes(description);
+    }
+}
+
 // Sends nothing to the device.
 int spliceIntoMailbox(const Sender& sender, int source, const Ticket& ticket, std::string_view path) {
     Result<MailboxFile> mailbox = MailboxFile::Create(sender, path);
@@ -86,7 +100,7 @@ int printJob(const FilterJob& job, int source, int target) {
         return 1;
     }
     const std::string name(lastComponent(named->second));
-    const Result<Ticket> ticket = readTicketFile(opened->Descriptor(), name);
+    Result<Ticket> ticket = readTicketFile(opened->Descriptor(), name);
     if (!ticket) {
         tellError("The print settings of this job are broken: " + ticket.Why().Line() + ".");
         return 1;
@@ -94,6 +108,7 @@ int printJob(const FilterJob& job, int source, int target) {
     for (const TicketWarning& warning : ticket->warnings) {
         tellDebug(name + ": entry " + std::to_string(warning.entry) + ": " + warning.text);
     }
+    readUnguarded(job, *ticket);
     const auto& entries = ticket->entries;
     const auto mailbox = std::ranges::find(entries, siteFileDestination, &TicketEntry::site);
     return mailbox == entries.end() ? splice(source, *ticket, target)

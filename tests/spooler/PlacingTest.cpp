@@ -177,20 +177,21 @@ TEST(Placing, TheDocumentedExampleIsTrue) {
     const std::string script = nextBlock();
     const std::string document = nextBlock();
     const std::string ticketFile = runPython(script);
-    const Result<Ticket> read =
+    Result<Ticket> read =
         readTicket({reinterpret_cast<const std::uint8_t*>(ticketFile.data()), ticketFile.size()});
     ASSERT_TRUE(read) << read.Why().Line();
+    read->unguarded.emplace();
     EXPECT_EQ(splice(document, *read).text, nextBlock());
 }
 
 TEST(Placing, EntriesNeverLeaveTheHeaderOrBecomeCode) {
-    const Ticket ticket = makeTicket({{30, "%%ZANCustom1: two\r\nlines quit\r% three\n"},
+    const Ticket ticket = makeTicket({{30, "%%ZANCustom1: two\r\nli\fnes quit\r% three\n"},
                                       {30, "name"},
                                       {30, ""},
                                       {504, "%%EndComments\n%!PS\n"}});
     const Spliced result = splice("%!PS\n%%EndComments\n", ticket);
     EXPECT_EQ(result.text,
-              "%!PS\n%%+ %%EndComments\n%%+ %!PS\n%%ZANCustom1: two\r\n%%+ lines quit\r%%+ % three\n"
+              "%!PS\n%%+ %%EndComments\n%%+ %!PS\n%%ZANCustom1: two\r\n%%+ li nes quit\r%%+ % three\n"
               "%%+ name\n%%EndComments\n");
     EXPECT_EQ(result.report.warnings.size(), 3U);
     EXPECT_EQ(result.report.placed.at(30).entries, 3U);

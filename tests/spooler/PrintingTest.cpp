@@ -185,6 +185,63 @@ TEST(Printing, TheSystemsOwnFilterWritesWhatIsRemovedAndReadsWhatIsSpliced) {
     EXPECT_LT(second.find("%%EndSetup"), second.find("%%Page:"));
 }
 
+// A setting that the device refuses costs that setting. A job without its protected notes does not print.
+TEST(Printing, ARefusedSettingCostsThatSettingAlone) {
+    const std::string start =
+        "%!PS-Adobe-3.0\n%%EndComments\n%%BeginProlog\n/box { pop pop } def\n%%EndProlog\n";
+    const std::string document =
+        start + "%%BeginSetup\n(setup) =\n%%EndSetup\n" + page(1) + page(2) + page(3);
+    const auto block = [](const char* keyword, const char* code) {
+        return std::string("%%BeginFeature: ") + keyword + " x\n" + code + "\n%%EndFeature\n";
+    };
+    const std::string refused = "<</Policies <</NoSuchKey 0>> /NoSuchKey 1>> setpagedevice (after) =";
+    const KeywordSet notes =
+        unguardedNotes("*%ZANJobNote *QVCode/Code (a:b): 20|Alpha|SecPrint\r\n"
+                       "*%ZANJobNote *QVFree/Password: 20|Alpha\n"
+                       "*%ZANJobNote *QVOwn: 20|AESEncrypt|\"x\"\r*%ZANJobNote *Resume/R: 8\n"
+                       "*%ZANJobNote\n*%ZANJobNote *DeptPassword/P: 8");
+    EXPECT_EQ(notes, (KeywordSet{"*QVCode", "*QVOwn", "*Resume", "*DeptPassword"}));
+    struct Row {
+        const char* name;
+        std::string bytes;
+        std::string told; // before the document's own setup
+        bool prints;
+    };
+    const Row rows[] = {
+        {"refused", block("*QVTray", refused.c_str()), "", true},
+        {"page size", block("*PageSize", refused.c_str()), "", true},
+        {"accepted", block("*QVTray", "(before) = 7 8 (%}) pop % } {"), "before\n", true},
+        {"its stack", block("*QVTray", "7 8 (a\\)}) = stop"), "a)}\n", true},
+        {"without a line end", "%%BeginFeature: *QVTray x\nfail\n%%EndFeature", "", true},
+        {"protected note", block("*QVOwn", refused.c_str()), "", false},
+        {"secure-print note", block("*QVCode", refused.c_str()), "", false},
+        {"no feature", "fail\n", "", false},
+        // Code that means something else inside a procedure stays as it is.
+        {"open brace", block("*QVTray", "{ (1) = "), "", false},
+        {"braces that cancel out", block("*QVTray", "} {"), "", false},
+        {"reads the document", block("*QVTray", "currentfile 4 string readstring abc\npop = fail"), "abc\n",
+         false},
+        {"immediate name", block("*QVTray", "/n 7 def //n = fail"), "7\n", false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        Ticket ticket = makeTicket({{row.bytes.find("*PageSize") != std::string::npos ? 70 : 81, row.bytes}});
+        EXPECT_NE(splice(document, ticket).text.find(row.bytes), std::string::npos);
+        ticket.unguarded = notes;
+        const Spliced result = splice(document, ticket);
+        EXPECT_NE(result.text.find(row.bytes), std::string::npos) << result.text;
+        const TemporaryFolder folder;
+        const CommandResult run = runCommand({"gs", "-q", "-dBATCH", "-dNOPAUSE", "-dSAFER", "-sDEVICE=bbox",
+                                              folder.Write("in.ps", result.text)});
+        const std::string pages = "setup\npage system\npage system\npage system\n";
+        if (row.prints) {
+            EXPECT_EQ(run.output, row.told + pages);
+        } else {
+            EXPECT_EQ(run.output.find("setup\n"), std::string::npos) << run.output;
+        }
+    }
+}
+
 TEST(SpliceFile, WritesAWholeFileOrNone) {
     const TemporaryFolder folder;
     const std::string input = folder.Write("in.ps", "%!PS\n%%EndComments\nshowpage\n");
