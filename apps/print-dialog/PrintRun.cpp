@@ -2,6 +2,7 @@
 
 #include "apps/print-dialog/JobProgress.h"
 #include "output/BundleIdentifier.h"
+#include "output/LeftOutSetting.h"
 #include "platform/Spooler.h"
 
 #include <QMessageBox>
@@ -20,6 +21,9 @@ int submitDocument(const Document& document, PrintDialog& dialog, QString& error
         const CFTypeRef ticket = dialog.tab().settings().Value(cfString(ticketPathSetting));
         if (const auto path = cfCast<CFString>(ticket)) {
             options.emplace_back(ticketPathSetting, utf8Text(path));
+        }
+        for (auto& choice : systemChoices(dialog.tab().settings().Value(cfString(systemChoicesSetting)))) {
+            options.push_back(std::move(choice));
         }
     }
     std::string reason;

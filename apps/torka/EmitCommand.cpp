@@ -83,9 +83,9 @@ ExitStatus writeTicket(const std::string& path, const CFDataRef& xml) {
     return error ? unusable(path + ": cannot be written: " + error.message()) : ExitStatus::good;
 }
 
-void printEntries(const ZANJobTicket& ticket, bool asJson) {
+void printEntries(const JobEmission& job, bool asJson) {
     Json entries = Json::array();
-    for (const ZANJobTicket::Entry& entry : ticket.Entries()) {
+    for (const ZANJobTicket::Entry& entry : job.Ticket().Entries()) {
         if (!asJson) {
             printEntry(entry.site, entry.bytes);
             continue;
@@ -99,6 +99,12 @@ void printEntries(const ZANJobTicket& ticket, bool asJson) {
     if (asJson) {
         Json json;
         json["entries"] = std::move(entries);
+        for (const JobEmission::LeftOut& entry : job.LeftOutEntries()) {
+            Json left;
+            left["keyword"] = jsonText(entry.keyword.c_str());
+            left["reason"] = entry.reason;
+            json["leftOut"].push_back(std::move(left));
+        }
         print(jsonDocument(json));
     }
 }
@@ -128,9 +134,9 @@ ExitStatus emit(const EmitOptions& options) {
             return status;
         }
     }
-    printEntries(job->Ticket(), options.json);
+    printEntries(*job, options.json);
     const ExitStatus status = options.document.empty() ? ExitStatus::good : spliceInto(options, job->Xml());
-    return status == ExitStatus::good && job->LeftOutNotes() ? ExitStatus::findings : status;
+    return status == ExitStatus::good && !job->LeftOutEntries().empty() ? ExitStatus::findings : status;
 }
 
 } // namespace

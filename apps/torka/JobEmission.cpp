@@ -175,11 +175,17 @@ Result<void> JobEmission::Emit(EmissionPurpose purpose) {
     data->SaveNonPSSettings();
     data->OutPostscriptData(ticket, session, purpose);
     for (const ZANJobNoteList::LeftOutNote& note : data->LeftOutNotes()) {
-        hasLeftOutNotes = true;
-        warn(note.keyword + " is left out of the job: " +
-             (note.reason == LeftOutReason::noFieldKeys
-                  ? "it is protected and no keys are installed (--keys FILE)"
-                  : "it is too long to be protected"));
+        leftOut.push_back({note.keyword, note.reason == LeftOutReason::noFieldKeys
+                                             ? "it is protected and no keys are installed (--keys FILE)"
+                                             : "it is too long to be protected"});
+    }
+    for (const LeftOutSetting& setting : data->LeftOutSettings()) {
+        leftOut.push_back({setting.keyword, "its code has " + std::to_string(setting.bytes) +
+                                                " bytes, and a job takes " +
+                                                std::to_string(setting.maximum)});
+    }
+    for (const LeftOut& entry : leftOut) {
+        warn(printable(jsonText(entry.keyword.c_str())) + " is left out of the job: " + entry.reason);
     }
     ticket.SavePPDForAllKeys(description.get(), cfString(bundleIdentifier));
     xml = ticket.Save();
@@ -189,12 +195,18 @@ Result<void> JobEmission::Emit(EmissionPurpose purpose) {
     return options.savePrintSettings.empty() ? Result<void>() : WritePrintSettings();
 }
 
-// Leaves out secret notes, which never go into a file, and the path of the ticket, which holds for one job.
+std::vector<std::pair<std::string, std::string>> JobEmission::SystemChoices() const {
+    return systemChoices(settings->Value(cfString(systemChoicesSetting)));
+}
+
+// Leaves out secret notes, which never go into a file, and what holds for one job: the path of the ticket and
+// the choices of the system.
 Result<void> JobEmission::WritePrintSettings() const {
     std::vector<CFDictionary::Pair> kept;
     const CFDictionaryRef all = settings->CopyAsDictionary();
     for (const auto& [key, value] : all->Pairs()) {
-        if (utf8Text(key) != ticketPathSetting &&
+        const std::string name = utf8Text(key);
+        if (name != ticketPathSetting && name != systemChoicesSetting &&
             !isSecretNote(*description, description->GetPPDXControlForKey(key))) {
             kept.emplace_back(key, value);
         }

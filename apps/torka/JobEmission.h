@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 // Fills a job ticket from a description and the settings of a command line, for the commands emit and print.
@@ -51,7 +52,7 @@ public:
     ~JobEmission();
 
     // Fills and saves the ticket; writes the print settings when the options name a file. Fails when a file
-    // cannot be written. Reports every protected note that it leaves out on standard error.
+    // cannot be written. Reports everything that it leaves out on standard error.
     Result<void> Emit(EmissionPurpose purpose);
 
     // Reports every rule that a note's text breaks, one line each on standard error. False when a rule is
@@ -60,8 +61,16 @@ public:
 
     ZANPPD& Description() { return *description; }
     ZANJobTicket& Ticket() { return ticket; }
+    const ZANJobTicket& Ticket() const { return ticket; }
     const CFDataRef& Xml() const { return xml; }
-    bool LeftOutNotes() const { return hasLeftOutNotes; }
+    struct LeftOut {
+        std::string keyword; // "watermark" for the watermark
+        std::string reason;
+    };
+    // What the job lacks, after Emit.
+    const std::vector<LeftOut>& LeftOutEntries() const { return leftOut; }
+    // The choices that belong among the job's options, because the system's own code prints them.
+    std::vector<std::pair<std::string, std::string>> SystemChoices() const;
     PMPrintSettings Settings() const { return settings; }
     PDEData& Data() { return *data; }
 
@@ -79,7 +88,7 @@ private:
     ZANJobTicket ticket;
     std::unique_ptr<PDEData> data;
     CFDataRef xml;
-    bool hasLeftOutNotes = false;
+    std::vector<LeftOut> leftOut;
 };
 
 } // namespace torka::tool

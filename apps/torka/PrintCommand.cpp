@@ -101,6 +101,11 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     jobOptions.emplace_back(ticketPathSetting, utf8Text(ticket));
     addPageSize(settings->Description(), jobOptions);
+    for (auto& choice : settings->SystemChoices()) {
+        if (choice.first != "PageSize") {
+            jobOptions.push_back(std::move(choice));
+        }
+    }
     const std::string title =
         options.title.empty() ? std::filesystem::path(options.file).filename().string() : options.title;
     std::string error;
@@ -110,7 +115,7 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     print("Job " + std::to_string(job) + " on " + queue + "\n");
     const ExitStatus status = options.isDetached ? ExitStatus::good : followJob(queue, job);
-    return status == ExitStatus::good && settings->LeftOutNotes() ? ExitStatus::findings : status;
+    return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "PPDX/Utilities/PostScriptText.h"
+#include "output/BundleIdentifier.h"
 #include "output/DynamicOption.h"
 #include "output/WorkflowUpload.h"
 #include "output/ZANWatermark.h"
@@ -143,6 +144,7 @@ OSStatus FeatureEmission::OutPostscriptData() {
     AddPrintSize();
     AddFileDestination();
     AddEndMarkers();
+    LeaveToTheSystem();
     return noErr;
 }
 
@@ -158,7 +160,15 @@ void FeatureEmission::SuppressApplePostscript() {
 // Adds the first control of any kind, except a note that leaves only enciphered: the notes' step adds that.
 void FeatureEmission::AddFirstControl(PPDXControl* control) {
     if (!leavesEncipheredOnly(*source.Description(), control)) {
-        ticket.Add(siteDocumentSetup, control);
+        AddControl(control);
+    }
+}
+
+// A note's own step adds it whatever its length.
+void FeatureEmission::AddControl(PPDXControl* control) {
+    const std::size_t tooLong = ticket.Add(siteDocumentSetup, control);
+    if (tooLong > 0 && dynamic_cast<PPDXJobNote*>(control) == nullptr) {
+        LeaveOut(control->Keyword() == nullptr ? "" : control->Keyword(), tooLong, maximumControlText);
     }
 }
 
@@ -174,14 +184,15 @@ void FeatureEmission::AddNUpForHost() {
         orientation == kPMReversePortrait) {
         return;
     }
-    AddFragment("%%ZAN Begin N-Up_Setting\r\nuserdict /TorkaRMdict known\r\n{\r\nTorkaRMdict /ZANDoing_N_Up "
+    AddFragment("",
+                "%%ZAN Begin N-Up_Setting\r\nuserdict /TorkaRMdict known\r\n{\r\nTorkaRMdict /ZANDoing_N_Up "
                 "known\r\n{ 1 false TorkaRMdict /ZANDoing_N_Up get exec } if\r\n} if\r\n%%ZAN End\r\n");
 }
 
 void FeatureEmission::AddSourceApplication() {
     const std::string name =
         withoutLineBreaks(platform::upperCaseUtf8(platform::system().Host().processName));
-    AddFragment("%%BeginFeature: *QVSourceAppType " + name + "\n\n%%EndFeature\n");
+    AddFragment("*QVSourceAppType", "%%BeginFeature: *QVSourceAppType " + name + "\n\n%%EndFeature\n");
 }
 
 void FeatureEmission::AddFurtherControl(PPDXControl* control, CNTL_TYPE type) {
@@ -199,12 +210,12 @@ void FeatureEmission::AddFurtherControl(PPDXControl* control, CNTL_TYPE type) {
         const bool hasOwnStep = isKeyword(control, "*QVScale") || isKeyword(control, "*QVPrintSize") ||
                                 isKeyword(control, "*QVOrientation") || isKeyword(control, "*Collate");
         if (!hasOwnStep) {
-            ticket.Add(siteDocumentSetup, control);
+            AddControl(control);
             return;
         }
     }
     if (isKeyword(control, "*QVOrientation") && !control->IsNoTorkaDriverUI()) {
-        AddFragment("%%BeginFeature: *QVOrientation False\n%%EndFeature\n");
+        AddFragment("*QVOrientation", "%%BeginFeature: *QVOrientation False\n%%EndFeature\n");
     }
 }
 
@@ -221,7 +232,8 @@ void FeatureEmission::AddSideLists() {
             // The limit counts the characters of the whole fragment, as wide text.
             static const std::size_t frame = std::strlen("%%BeginFeature: * \n%%EndFeature\n");
             if (bareKey.size() + setting.value.size() + frame > sideListTextSize) {
-                myNSLogC("The setting %s is too long for the job and is left out.", key.c_str());
+                LeaveOut(key.starts_with('*') ? key : "*" + key,
+                         bareKey.size() + setting.value.size() + frame, sideListTextSize);
                 continue;
             }
             AddFeature(key, utf8FromWide(setting.value));
@@ -230,8 +242,8 @@ void FeatureEmission::AddSideLists() {
 }
 
 void FeatureEmission::AddFeature(std::string_view keyword, std::string_view value) {
-    AddFragment("%%BeginFeature: *" + withoutLineBreaks(withoutAsterisk(keyword)) + " " +
-                withoutLineBreaks(value) + "\n%%EndFeature\n");
+    const std::string name = "*" + withoutLineBreaks(withoutAsterisk(keyword));
+    AddFragment(name, "%%BeginFeature: " + name + " " + withoutLineBreaks(value) + "\n%%EndFeature\n");
 }
 
 void FeatureEmission::AddColourSettings() {
@@ -253,7 +265,7 @@ void FeatureEmission::AddColourSetting(const char* keyword) {
         note->SetNotes("");
     }
     if (control != nullptr) {
-        ticket.Add(siteDocumentSetup, control);
+        AddControl(control);
     }
 }
 
@@ -273,7 +285,7 @@ void FeatureEmission::AddDynamicOption(std::string_view keyword, std::string_vie
     fragment += " " + shown + "\n /RMXsetDynamicOption where\n        { pop (";
     fragment += keyword;
     fragment += ") (" + asStringBody(string) + ") RMXsetDynamicOption } if\n%%EndFeature\n";
-    AddFragment(fragment);
+    AddFragment(keyword, fragment);
 }
 
 void FeatureEmission::AddCurveAdjustment() {
@@ -320,8 +332,7 @@ void FeatureEmission::AddWatermark() {
     if (resource.size() < watermarkSize) {
         ticket.Add(siteDocumentSetup, resource);
     } else {
-        myNSLogC("The watermark needs %zu bytes, more than a job can take, and is left out.",
-                 resource.size());
+        LeaveOut("watermark", resource.size(), watermarkSize - 1);
     }
 }
 
@@ -333,10 +344,10 @@ void FeatureEmission::AddScale() {
     const auto scale = control->GetValue();
     const std::string factor =
         std::to_string(scale / 100) + "." + std::to_string(scale / 10 % 10) + std::to_string(scale % 10);
-    AddFragment("%%BeginFeature: *QVScale " + std::to_string(scale) +
-                "\n userdict /RMXZANsetpageproperties known {  << /RMXSetQVScale [ " + factor +
-                " ] >> RMXZANsetpageproperties } { /RMXSetQVScale where { pop " + factor +
-                " RMXSetQVScale } if } ifelse \n%%EndFeature\n");
+    AddFragment("*QVScale", "%%BeginFeature: *QVScale " + std::to_string(scale) +
+                                "\n userdict /RMXZANsetpageproperties known {  << /RMXSetQVScale [ " +
+                                factor + " ] >> RMXZANsetpageproperties } { /RMXSetQVScale where { pop " +
+                                factor + " RMXSetQVScale } if } ifelse \n%%EndFeature\n");
 }
 
 void FeatureEmission::AddPaperCatalogue() {
@@ -358,7 +369,7 @@ void FeatureEmission::AddPaperCatalogue() {
             const CFStringRef units = cfString(text);
             text = encodeText(units->units, kCFStringEncodingMacJapanese).value_or(text);
         }
-        isAnyAdded |= AddFragment(text);
+        isAnyAdded |= AddFragment(key, text);
     }
     PPDXControl* printSize = findSetting(*controls, "*QVPrintSize");
     if (!isAnyAdded || printSize == nullptr || !headerText(description.MakerVersion()).starts_with('3')) {
@@ -382,9 +393,10 @@ void FeatureEmission::AddCustomPrintSize() {
         height = std::floor(height + 0.5);
     }
     const std::string size = twoDecimals(width) + " " + twoDecimals(height);
-    AddFragment("%%BeginFeature: *CustomPrintSize " + size +
-                "\n   userdict /RMXZANsetpageproperties known\n   {<< /RMXsetPrintSize [ " + size +
-                " 0 0 1 ] >> RMXZANsetpageproperties} if\n%%EndFeature\n");
+    AddFragment("*CustomPrintSize",
+                "%%BeginFeature: *CustomPrintSize " + size +
+                    "\n   userdict /RMXZANsetpageproperties known\n   {<< /RMXsetPrintSize [ " + size +
+                    " 0 0 1 ] >> RMXZANsetpageproperties} if\n%%EndFeature\n");
 }
 
 void FeatureEmission::AddPrintSize() {
@@ -398,9 +410,9 @@ void FeatureEmission::AddPrintSize() {
         defaultChoice == nullptr || std::strcmp(defaultChoice, "QVPrintSizeDEF") != 0;
     if (followsPageSize && !source.IsPageSizeSuppressed() &&
         equalsIgnoringCase(valueOf(printSize), valueOf(pageSize))) {
-        AddFragment("%%BeginFeature: *QVPrintSize SameAsPageSize\n\n%%EndFeature\n");
+        AddFragment("*QVPrintSize", "%%BeginFeature: *QVPrintSize SameAsPageSize\n\n%%EndFeature\n");
     } else {
-        ticket.Add(siteDocumentSetup, printSize);
+        AddControl(printSize);
     }
 }
 
@@ -429,14 +441,42 @@ void FeatureEmission::AddEndMarkers() {
     }
 }
 
-bool FeatureEmission::AddFragment(const std::string& fragment) {
+bool FeatureEmission::AddFragment(std::string_view keyword, const std::string& fragment) {
     if (fragment.size() < fragmentSize) {
         ticket.Add(siteDocumentSetup, fragment);
         return true;
     }
-    myNSLogC("A setting needs %zu bytes, more than a job can take, and is left out: %.64s", fragment.size(),
-             fragment.c_str());
+    LeaveOut(keyword, fragment.size(), fragmentSize - 1);
     return false;
+}
+
+void FeatureEmission::LeaveOut(std::string_view keyword, std::size_t bytes, std::size_t maximum) {
+    leftOutSettings.push_back({std::string(keyword), bytes, maximum});
+    myNSLogC("The setting %s needs %zu bytes in the job, where %zu have room, and is left out.",
+             leftOutSettings.back().keyword.c_str(), bytes, maximum);
+}
+
+// The system's own code prints the settings that are left out: their keywords are not suppressed, and the
+// choices go along as job options. The text of a note never does.
+void FeatureEmission::LeaveToTheSystem() {
+    const CFStringRef place = cfString(systemChoicesSetting);
+    std::vector<CFDictionary::Pair> choices;
+    for (const LeftOutSetting& setting : leftOutSettings) {
+        const char* const keyword = setting.keyword.c_str();
+        ticket.Withdraw(siteSuppressedKeyword, keyword);
+        PPDXControl* control = controls->FindPopup(keyword, true);
+        if (control == nullptr) {
+            control = controls->FindBoolean(keyword, true);
+        }
+        if (control != nullptr) {
+            choices.emplace_back(cfString(withoutAsterisk(setting.keyword)),
+                                 control->CopyCurrentControlValueString());
+        }
+    }
+    CFTypeRef former;
+    if (!choices.empty() || PMPrintSettingsGetValue(source.Settings(), place, former) == noErr) {
+        PMPrintSettingsSetValue(source.Settings(), place, CFDictionaryCreate(choices), false);
+    }
 }
 
 } // namespace torka

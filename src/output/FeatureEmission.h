@@ -2,9 +2,11 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXControl.h"
 #include "output/EmissionSource.h"
+#include "output/LeftOutSetting.h"
 #include "output/ZANJobNoteList.h"
 #include "output/ZANJobTicket.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,8 +22,10 @@ enum class EmissionPurpose { printJob, keepSettings };
 // Turns the state of every control and of the side lists into PostScript fragments and adds them to a job
 // ticket, in one fixed order. Reads the source and the description, owns neither. Lives for one emission.
 //
-// Omits a fragment that exceeds its maximum (1,024 bytes; 5,120 for a watermark) and writes a line to the
-// log. Replaces line breaks in values by blanks, so that no value can leave its line.
+// Omits what exceeds its maximum (1,024 bytes; 5,120 for a watermark), writes a line to the log and lists it.
+// The keyword of such a setting is not suppressed, and a popup's or boolean's choice goes into the print
+// settings (systemChoicesSetting), so that the system's own code prints it. Replaces line breaks in values by
+// blanks, so that no value can leave its line.
 class FeatureEmission {
 public:
     FeatureEmission(const EmissionSource& emissionSource, ZANJobTicket& jobTicket,
@@ -31,10 +35,13 @@ public:
     OSStatus OutPostscriptData();
     // The fields that the job lacks because they could not be enciphered. The caller shows them to the user.
     const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
+    // What the job lacks because it is too long.
+    const std::vector<LeftOutSetting>& LeftOutSettings() const { return leftOutSettings; }
 
 private:
     void SuppressApplePostscript();
     void AddFirstControl(PPDXControl* control);
+    void AddControl(PPDXControl* control);
     void AddFurtherControl(PPDXControl* control, CNTL_TYPE type);
     void AddNUpForHost();
     void AddSourceApplication();
@@ -54,7 +61,9 @@ private:
     void AddFeature(std::string_view keyword, std::string_view value);
     void AddDynamicOption(std::string_view keyword, std::string_view text, bool escapesParentheses);
     // Returns false when the fragment is too long and omitted.
-    bool AddFragment(const std::string& fragment);
+    bool AddFragment(std::string_view keyword, const std::string& fragment);
+    void LeaveOut(std::string_view keyword, std::size_t bytes, std::size_t maximum);
+    void LeaveToTheSystem();
 
     const EmissionSource& source;
     ZANJobTicket& ticket;
@@ -63,6 +72,7 @@ private:
     PPDXControls* controls;
     std::string controlBarValue;
     std::vector<ZANJobNoteList::LeftOutNote> leftOutNotes;
+    std::vector<LeftOutSetting> leftOutSettings;
 };
 
 } // namespace torka

@@ -93,19 +93,35 @@ void ZANJobTicket::AddProtected(PostScriptInjectionSite site, std::string_view t
     Add(site, text);
 }
 
-void ZANJobTicket::Add(PostScriptInjectionSite site, PPDXControl* control) {
+std::size_t ZANJobTicket::Add(PostScriptInjectionSite site, PPDXControl* control) {
     if (control == nullptr) {
-        return;
+        return 0;
     }
     const auto length = static_cast<std::int64_t>(control->PostScript(nullptr));
     if (length < 0 || length > static_cast<std::int64_t>(maximumControlText)) {
-        return;
+        return length < 0 ? 0 : static_cast<std::size_t>(length);
     }
     std::array<unsigned char, maximumControlText + 1> text; // written up to `length`
     control->PostScript(text.data());
     const char* keyword = control->Keyword();
     const bool isPageSize = keyword != nullptr && std::strcmp(keyword, "*PageSize") == 0;
     Add(isPageSize ? sitePageSize : site, text.data(), static_cast<std::size_t>(length));
+    return 0;
+}
+
+void ZANJobTicket::Withdraw(PostScriptInjectionSite site, std::string_view text) {
+    const std::vector<Entry> list = Entries();
+    for (std::size_t i = list.size(); i-- > 0;) {
+        if (list[i].site != site || list[i].bytes != text) {
+            continue;
+        }
+        const auto place = entries.begin() + static_cast<std::ptrdiff_t>(2 * i);
+        entries.erase(place, place + 2);
+        std::erase(protectedEntries, i);
+        for (std::size_t& index : protectedEntries) {
+            index -= index > i ? 1 : 0;
+        }
+    }
 }
 
 void ZANJobTicket::SavePPDForAllKeys(ZANPPD* description, const CFStringRef& key) {

@@ -59,10 +59,13 @@ public:
     void Add(PostScriptInjectionSite site, const void* bytes, std::size_t length);
     void Add(PostScriptInjectionSite site, std::string_view text) { Add(site, text.data(), text.size()); }
     // Adds a control's PostScript; "*PageSize" goes to the page-size site, whatever `site` is. A control
-    // whose text is longer than maximumControlText adds nothing.
-    void Add(PostScriptInjectionSite site, PPDXControl* control);
+    // whose text is longer than maximumControlText adds nothing. Returns the length of such a text, else 0.
+    std::size_t Add(PostScriptInjectionSite site, PPDXControl* control);
     // Adds the text and records that the entry carries an enciphered field.
     void AddProtected(PostScriptInjectionSite site, std::string_view text);
+
+    // Removes every entry of this site with exactly this text.
+    void Withdraw(PostScriptInjectionSite site, std::string_view text);
 
     // Writes all keyword/value pairs of the description into the print settings, which stay in the process.
     // Code that writes the settings out must omit the controls of isSecretNote (ZANJobNote.h).

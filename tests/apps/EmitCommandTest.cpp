@@ -151,6 +151,57 @@ TEST(EmitCommand, CustomSizesAreRoundedOnlyWhenTheDescriptionAsks) {
               setup.end());
 }
 
+// A choice whose code is too long for a ticket is named, and the system's own code prints it. The text of a
+// note is no choice.
+TEST(EmitCommand, WhatHasNoRoomIsLeftToTheSystem) {
+    const TemporaryFolder folder;
+    const std::string filler = "%" + std::string(120, 'x') + "\n";
+    std::string longCode = "(long) =\n";
+    for (int i = 0; i < 9; ++i) {
+        longCode += filler;
+    }
+    const auto option = [](const std::string& key, const std::string& code) {
+        return "*%ZANFlags *" + key + ":\n*%ZANGroup *" + key + ": Group\n*OpenUI *" + key + "/" + key +
+               ": PickOne\n*OrderDependency: 20 DocumentSetup *" + key + "\n*Default" + key + ": No\n*" +
+               key + " No/No: \"(" + key + " no) =\"\n*" + key + " Yes/Yes: \"" + code +
+               "\"\n*End\n*CloseUI: *" + key + "\n";
+    };
+    const std::string ppd = folder.Write(
+        "long.ppd",
+        "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*FileVersion: \"1.0\"\n*LanguageVersion: English\n"
+        "*LanguageEncoding: ISOLatin1\n*PCFileName: \"T.PPD\"\n*Manufacturer: \"T\"\n*Product: \"(T)\"\n"
+        "*ModelName: \"T\"\n*ShortNickName: \"T\"\n*NickName: \"T\"\n*PSVersion: \"(3010.000) 1\"\n"
+        "*%ZANPropPage Page/Page: True\n*%ZANGroupName Pane/Pane: True\n*%ZANParent Pane/Page: "
+        "True|Scrollpane\n"
+        "*%ZANGroupName Group/Group: True\n*%ZANParent Group/Pane: True|Rolldown\n" +
+            option("QVLong", longCode) + option("QVShort", "(short) =") +
+            "*OpenUI *PageSize: PickOne\n*DefaultPageSize: A4\n*PageSize A4: \"\"\n*CloseUI: *PageSize\n"
+            "*OpenUI *PageRegion: PickOne\n*DefaultPageRegion: A4\n*PageRegion A4: \"\"\n*CloseUI: "
+            "*PageRegion\n"
+            "*DefaultImageableArea: A4\n*ImageableArea A4: \"0 0 595 842\"\n"
+            "*DefaultPaperDimension: A4\n*PaperDimension A4: \"595 842\"\n");
+    const CommandResult printed =
+        runCommand({"env", "PPD=" + ppd, "/usr/lib/cups/filter/pstops", "1", "user", "title", "1",
+                    "QVLong=Yes QVShort=No",
+                    folder.Write("in.ps", "%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n"
+                                          "%%Page: 1 1\nshowpage\n%%EOF\n")});
+    ASSERT_EQ(printed.status, 0) << printed.errors;
+    const std::string output = folder / "out.ps";
+    const CommandResult result = runTool({"emit", ppd, "QVLong=Yes", "QVShort=Yes", "--json", "--splice",
+                                          folder.Write("system.ps", printed.output), "--output", output});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.errors.find("*QVLong is left out of the job"), std::string::npos) << result.errors;
+    const Json emitted = Json::parse(result.output);
+    EXPECT_EQ(emitted["leftOut"].size(), 1U);
+    EXPECT_EQ(emitted["leftOut"][0]["keyword"], "*QVLong");
+    const std::vector<std::string> suppressed = textsAt(emitted["entries"], -9);
+    EXPECT_NE(std::ranges::find(suppressed, "*QVShort"), suppressed.end());
+    EXPECT_EQ(std::ranges::find(suppressed, "*QVLong"), suppressed.end());
+    EXPECT_EQ(runCommand({"gs", "-q", "-dBATCH", "-dNOPAUSE", "-dSAFER", "-sDEVICE=bbox", output}).output,
+              "short\nlong\n");
+    EXPECT_FALSE(runToolForJson({"emit", ppd, "QVShort=Yes"}).contains("leftOut"));
+}
+
 TEST(EmitCommand, SplicedDocumentRunsAndShowsTheSettings) {
     const TemporaryFolder folder;
     for (const std::string document : {"brochure.ps", "plain.ps"}) {

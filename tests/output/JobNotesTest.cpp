@@ -1,4 +1,5 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/BundleIdentifier.h"
 #include "output/FeatureEmission.h"
 #include "output/ZANJobNoteList.h"
 #include "platform/PropertyList.h"
@@ -36,9 +37,10 @@ protected:
         SetApplicationTextEncoding(kCFStringEncodingUnknown);
     }
 
-    // Makes a description with these special options and notes. A note's code shows its text in hexadecimal
-    // digits.
-    void Describe(const std::vector<std::string>& options, const std::vector<std::string>& noteLines) {
+    // Makes a description with these special options and notes, and further lines. A note's code shows its
+    // text in hexadecimal digits.
+    void Describe(const std::vector<std::string>& options, const std::vector<std::string>& noteLines,
+                  const std::string& more = "") {
         std::string ppd = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n"
                           "*LanguageEncoding: ISOLatin1\n*PCFileName: \"NOTES.PPD\"\n*ModelName: \"Notes\"\n";
         for (const std::string& option : options) {
@@ -52,7 +54,8 @@ protected:
                    "/Title " + keyword.substr(1) + line.substr(keyword.size()) + "\n*%" + keyword.substr(1) +
                    ": \"(<" + keyword + ">) pop\"\n";
         }
-        description = std::make_unique<ZANPPD>(FSRef{folder.Write("notes.ppd", ppd).string()}, 3, nullptr);
+        description =
+            std::make_unique<ZANPPD>(FSRef{folder.Write("notes.ppd", ppd + more).string()}, 3, nullptr);
         EXPECT_EQ(description->GetControls()->JobNoteCount(), noteLines.size());
     }
     void SetNote(const char* keyword, const char* text) {
@@ -330,6 +333,40 @@ TEST_F(JobNotes, QueriesAndRanges) {
         EXPECT_FALSE(list.find("*QVPages")->checkRangeValues(text)) << text;
         EXPECT_TRUE(note.checkRangeValues(text)) << text;
     }
+}
+
+// A choice whose code is too long goes among the job's options. A note's text never does, and entries with
+// enciphered fields stay marked behind a withdrawn one.
+TEST_F(JobNotes, TooLongChoicesGoToTheSystemNotesDoNot) {
+    std::string popup = "*%ZANFlags *QVOutProfile:\n*%ZANGroup *QVOutProfile: Group\n*OpenUI "
+                        "*QVOutProfile/P: PickOne\n*DefaultQVOutProfile: Yes\n"
+                        "*QVOutProfile Yes/Y: \"";
+    for (int line = 0; line < 11; ++line) {
+        popup += "%" + std::string(100, 'x') + "\n";
+    }
+    popup += "\"\n*End\n*CloseUI: *QVOutProfile\n";
+    Describe({}, {"*QVLong: 2000", "*Resume: 8|Encrypt"}, popup);
+    SetNote("*QVLong", std::string(1200, 'n').c_str());
+    SetNote("*Resume", "12345678");
+    installFieldKeys(keys);
+    tests::PlainSource source(*description, settings);
+    {
+        ZANJobTicket ticket(nullptr, settings, cfString("key"));
+        FeatureEmission emission(source, ticket, nullptr, EmissionPurpose::keepSettings);
+        EXPECT_EQ(emission.OutPostscriptData(), 0);
+        ASSERT_EQ(emission.LeftOutSettings().size(), 1U);
+        EXPECT_EQ(emission.LeftOutSettings()[0].keyword, "*QVOutProfile");
+        for (const auto& entry : ticket.Entries()) {
+            EXPECT_NE(entry.bytes, "*QVOutProfile");
+            EXPECT_EQ(entry.isProtected,
+                      entry.bytes.find(encipherNote(*keys, "", NoteAlgorithm::des, "12345678")) !=
+                          std::string_view::npos);
+        }
+    }
+    using Choices = std::vector<std::pair<std::string, std::string>>;
+    EXPECT_EQ(systemChoices(settings->Value(cfString(systemChoicesSetting))),
+              (Choices{{"QVOutProfile", "Yes"}}));
+    installFieldKeys(nullptr);
 }
 
 // No output of the process contains the secrets: not the emission, not the log, and not the print settings

@@ -216,6 +216,7 @@ std::int32_t PDEData::OutPostscriptData(ZANJobTicket& ticket, const PMPrintSessi
     FeatureEmission emission(*this, ticket, session, purpose);
     const OSStatus status = emission.OutPostscriptData();
     leftOutNotes = emission.LeftOutNotes();
+    leftOutSettings = emission.LeftOutSettings();
     return status;
 }
 

@@ -2,6 +2,7 @@
 
 #include "connection/PropertyListStore.h"
 #include "output/EmissionSource.h"
+#include "output/LeftOutSetting.h"
 #include "output/WatermarkList.h"
 #include "output/ZANJobNoteList.h"
 #include "pane/data/PPDTree.h"
@@ -121,6 +122,7 @@ public:
                                    EmissionPurpose purpose);
     // The notes that the last emission left out because it could not protect them.
     const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
+    const std::vector<LeftOutSetting>& LeftOutSettings() const { return leftOutSettings; }
 
     // EmissionSource
     ZANPPD* Description() const override { return mPPDModel; }
@@ -177,6 +179,7 @@ private:
     std::string lastKeywordAsked; // of the template
     bool sectionMissingReported = false;
     std::vector<ZANJobNoteList::LeftOutNote> leftOutNotes;
+    std::vector<LeftOutSetting> leftOutSettings;
 };
 
 } // namespace torka
