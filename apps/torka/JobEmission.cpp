@@ -1,6 +1,8 @@
 #include "apps/torka/JobEmission.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/Utilities/ModelState.h"
+#include "PPDX/Utilities/NarrowText.h"
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
 #include "output/BundleIdentifier.h"
@@ -108,6 +110,9 @@ Result<std::unique_ptr<JobEmission>> JobEmission::Make(const EmissionOptions& op
         return restored.Why();
     }
     applySettings(*job->description, *chosen);
+    for (const Setting& setting : *chosen) {
+        job->CheckText(cfString(setting.key), cfString(setting.value));
+    }
     job->ApplyOptions();
     return job;
 }
@@ -138,6 +143,7 @@ Result<void> JobEmission::RestorePrintSettings() {
         }
         for (const auto& [key, value] : (*values)->Pairs()) {
             settings->SetValue(key, value, false);
+            CheckText(key, cfCast<CFString>(value));
         }
         description->SetAllValues(*values);
     }
@@ -153,6 +159,32 @@ void JobEmission::ApplyOptions() {
         WatermarkList& watermarks = data->Watermarks();
         watermarks.Append(std::make_unique<ZANWatermark>(options.watermark.c_str()));
         watermarks.Select(static_cast<int>(watermarks.Count()) - 1);
+    }
+}
+
+// A note whose text cannot be converted leaves empty. The last text of a note counts.
+void JobEmission::CheckText(const CFStringRef& key, const CFStringRef& text) {
+    const auto* note = dynamic_cast<const PPDXJobNote*>(description->GetPPDXControlForKey(key));
+    if (note == nullptr || !text) {
+        return;
+    }
+    const std::string keyword = utf8Text(key);
+    std::erase_if(leftOut, [&keyword](const LeftOut& entry) { return entry.keyword == keyword; });
+    const CFStringEncoding encoding = narrowTextEncoding();
+    const std::u16string outside = charactersOutside(text->units, encoding);
+    if (outside.empty()) {
+        return;
+    }
+    const std::string characters = isSecretNote(*description, note)
+                                       ? "some of its characters"
+                                       : "\"" + printable(utf8FromUtf16(outside)) + "\"";
+    leftOut.push_back({keyword, std::string(encodingName(encoding)) +
+                                    ", the encoding of its text, does not have " + characters});
+}
+
+void JobEmission::TellLeftOut() const {
+    for (const LeftOut& entry : leftOut) {
+        warn(printable(jsonText(entry.keyword.c_str())) + " is left out of the job: " + entry.reason);
     }
 }
 
@@ -184,9 +216,7 @@ Result<void> JobEmission::Emit(EmissionPurpose purpose) {
                                                 " bytes, and a job takes " +
                                                 std::to_string(setting.maximum)});
     }
-    for (const LeftOut& entry : leftOut) {
-        warn(printable(jsonText(entry.keyword.c_str())) + " is left out of the job: " + entry.reason);
-    }
+    TellLeftOut();
     ticket.SavePPDForAllKeys(description.get(), cfString(bundleIdentifier));
     xml = ticket.Save();
     if (ticket.SaveError()) {

@@ -55,6 +55,9 @@ public:
     // cannot be written. Reports everything that it leaves out on standard error.
     Result<void> Emit(EmissionPurpose purpose);
 
+    // Reports on standard error what the job lacks as far as it is known.
+    void TellLeftOut() const;
+
     // Reports every rule that a note's text breaks, one line each on standard error. False when a rule is
     // broken and the options are strict: the caller must not emit the job.
     bool CheckNotes() const;
@@ -67,7 +70,7 @@ public:
         std::string keyword; // "watermark" for the watermark
         std::string reason;
     };
-    // What the job lacks, after Emit.
+    // What the job lacks. Before Emit only notes whose text the encoding in force cannot hold.
     const std::vector<LeftOut>& LeftOutEntries() const { return leftOut; }
     // The choices that belong among the job's options, because the system's own code prints them.
     std::vector<std::pair<std::string, std::string>> SystemChoices() const;
@@ -77,6 +80,7 @@ public:
 private:
     JobEmission(std::unique_ptr<ZANPPD> model, const EmissionOptions& options, PMPrintSession printSession);
     Result<void> RestorePrintSettings();
+    void CheckText(const CFStringRef& key, const CFStringRef& text);
     void ApplyOptions();
     Result<void> WritePrintSettings() const;
 

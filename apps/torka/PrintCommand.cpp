@@ -28,6 +28,7 @@ struct PrintOptions {
     std::vector<std::string> jobOptions; // NAME=VALUE
     EmissionOptions emission;
     bool isDetached = false;
+    bool allowsLeftOut = false; // prints although a note's text cannot be sent
 };
 
 Result<JobOptions> readJobOptions(const std::vector<std::string>& texts) {
@@ -92,6 +93,11 @@ ExitStatus printFile(const PrintOptions& options) {
     if (!settings->CheckNotes()) {
         return ExitStatus::findings;
     }
+    if (!options.allowsLeftOut && !settings->LeftOutEntries().empty()) {
+        settings->TellLeftOut();
+        warn("nothing is sent (--allow-left-out prints without it)");
+        return ExitStatus::findings;
+    }
     if (const Result<void> emitted = settings->Emit(EmissionPurpose::printJob); !emitted) {
         return unusable(emitted.Why());
     }
@@ -130,6 +136,8 @@ void addPrintCommand(CLI::App& app, ExitStatus& status) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     command->add_option("--title", options->title, "Title of the job; the file's name otherwise");
     command->add_flag("--no-wait", options->isDetached, "Do not wait for the job's end");
+    command->add_flag("--allow-left-out", options->allowsLeftOut,
+                      "Print although the text of a note cannot be sent in the description's encoding");
     addEmissionOptions(*command, options->emission);
     command->callback([options, &status] { status = printFile(*options); });
 }

@@ -40,15 +40,10 @@ void appendEncoded(std::string& bytes, char32_t character, CFStringEncoding enco
     bytes += code.value_or("?");
 }
 
-// Encodes as Windows reads Shift-JIS: without the single-byte characters that only Mac Japanese has.
 std::string shiftJis(char32_t character) {
-    if (character == U'\\') {
-        return "\\";
-    }
-    std::string code = encodeText(unitsOf(character), kCFStringEncodingShiftJIS).value_or("?");
-    const auto lead = static_cast<unsigned char>(code[0]);
-    const bool isOwnByte = code.size() == 1 && (lead == 0x80 || lead == 0xA0 || lead >= 0xFD);
-    return isOwnByte ? (character == U'\xA0' ? " " : "?") : code;
+    constexpr char32_t noBreakSpace = U'\xA0';
+    return encodeText(unitsOf(character == noBreakSpace ? U' ' : character), kCFStringEncodingShiftJIS)
+        .value_or("?");
 }
 
 // Converts a Shift-JIS code to the row and cell of JIS X 0208, as two bytes of 7 bits. Returns nothing for

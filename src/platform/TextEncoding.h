@@ -10,9 +10,9 @@
 // Text encodings with the numbers of the Text Encoding Conversion Manager, and conversion between them and
 // UTF-16.
 //
-// Mac Japanese and Shift-JIS (1 and 2561) are both converted as Shift_JIS with the bytes in which Mac
-// Japanese differs: 0x5C is the yen sign, 0x80 the backslash, 0xA0 the no-break space, 0xFD to 0xFF the
-// copyright and trade mark signs and the ellipsis. UTF-16 is read in the order of its byte-order mark, or
+// Shift_JIS (2561) writes the yen sign as 0x5C, which it reads as the backslash. In Mac Japanese (1) 0x5C is
+// the yen sign, 0x80 the backslash, 0xA0 the no-break space, 0xFD to 0xFF the copyright and trade mark signs
+// and the ellipsis. UTF-16 is read in the order of its byte-order mark, or
 // without a mark in this machine's order. It is written in this machine's order. Non-lossy ASCII writes a
 // backslash as "\\", U+0080 to U+00FF as "\NNN" (octal), and other units as "\uXXXX".
 

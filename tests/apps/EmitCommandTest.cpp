@@ -139,6 +139,40 @@ TEST(EmitCommand, TellsNotesThatBreakARuleAndRefusesThemWhenStrict) {
     EXPECT_EQ(runTool({"emit", ppd, "--strict", "--ticket", ticket}).status, 0);
 }
 
+// A note whose text the description's encoding cannot hold leaves empty, and that is said: without the text
+// of a secret. A text that it holds leaves in its bytes.
+TEST(EmitCommand, NamesNotesThatTheEncodingCannotHold) {
+    const TemporaryFolder folder;
+    const std::string ppd = samplePath("torka-production-ja.ppd"); // Shift_JIS, UTF-8 level 2
+    const std::string settings = folder.Write(
+        "settings.plist", "<plist version=\"1.0\"><dict><key>*Notes2</key><string>\u00e9</string>"
+                          "<key>*QVUserAuthName</key><string>\u00fc</string></dict></plist>");
+    const std::string keys = samplePath("FieldKeys.plist");
+    const CommandResult lost = runTool({"emit", ppd, "Notes2=5 \u20ac \u20ac\u00df", "Resume=1\u20ac345",
+                                        "--json", "--keys", keys, "--settings", settings});
+    EXPECT_EQ(lost.status, 1);
+    EXPECT_EQ(lost.errors,
+              "torka: *QVUserAuthName is left out of the job: Shift_JIS, the encoding of its text, does "
+              "not have some of its characters\n"
+              "torka: *Notes2 is left out of the job: Shift_JIS, the encoding of its text, does not have "
+              "\"\u20ac\u00df\"\n"
+              "torka: *Resume is left out of the job: Shift_JIS, the encoding of its text, does not have "
+              "some of its characters\n");
+    const Json emitted = Json::parse(lost.output);
+    EXPECT_EQ(emitted["leftOut"].size(), 3U);
+    EXPECT_EQ(emitted["entries"].dump().find("ZANCustom2"), std::string::npos);
+
+    const std::string ticket = folder / "ticket.plist";
+    EXPECT_EQ(runTool({"emit", ppd, "Notes2=\u7530\\\u00a5~", "--ticket", ticket}).status, 0);
+    EXPECT_EQ(runPython(R"(
+import plistlib, sys
+flat = plistlib.load(open(sys.argv[1], 'rb'))
+print([d.decode('shift_jis') for d in flat[1::2] if d.startswith(b'%%ZANCustom2')] == ['%%ZANCustom2: \u7530\\\\~\n'])
+)",
+                        {ticket}),
+              "True\n");
+}
+
 TEST(EmitCommand, CustomSizesAreRoundedOnlyWhenTheDescriptionAsks) {
     const Json rounded =
         runToolForJson({"emit", samplePath("torka-production.ppd"), "QVPrintSize=CustomPrintSize",

@@ -170,6 +170,18 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.output, "") << "no job";
     EXPECT_EQ(refused.errors, "torka: *QVAccountId must have exactly 6 characters\n");
+    ASSERT_EQ(addQueue("Japanese", "torkasink:/", samplePath("torka-production-ja.ppd")), "");
+    for (const bool isAllowed : {false, true}) {
+        std::vector<std::string> command = {"print", "-d", "Japanese", samplePath("plain.ps"),
+                                            "Notes2=5 \u20ac"};
+        if (isAllowed) {
+            command.emplace_back("--allow-left-out");
+        }
+        const CommandResult lossy = runTool(command);
+        EXPECT_EQ(lossy.status, 1);
+        EXPECT_NE(lossy.errors.find("*Notes2 is left out of the job"), std::string::npos) << lossy.errors;
+        EXPECT_EQ(lossy.output.starts_with("Job "), isAllowed) << lossy.output;
+    }
     EXPECT_EQ(runTool({"print", "-d", "Strict", samplePath("plain.ps"), "NoSuchKey=1"}).status, 2);
     EXPECT_EQ(
         runTool({"print", "-d", "Strict", samplePath("plain.ps"), "-o", "ZAN.PSData.x=/etc/passwd"}).status,

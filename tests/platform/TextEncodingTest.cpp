@@ -79,14 +79,31 @@ TEST(TextEncoding, MacJapaneseHasItsOwnBytes) {
         {"a\xB1\x88\xC0\x90\xB9", u"a\uFF71\u5B89\u8056"},
         {"\x87\x40", u"\u2460"},
     };
-    for (const CFStringEncoding encoding : {kCFStringEncodingMacJapanese, kCFStringEncodingShiftJIS}) {
-        for (const auto& [bytes, units] : cases) {
-            EXPECT_EQ(decodeText(bytes, encoding), units);
-            EXPECT_EQ(encodeText(units, encoding), bytes);
-        }
-        EXPECT_EQ(decodeText("\xFF", encoding), u"\u2026");
-        EXPECT_EQ(encodeText(u"\u2026", encoding), "\x81\x63");
+    for (const auto& [bytes, units] : cases) {
+        EXPECT_EQ(decodeText(bytes, kCFStringEncodingMacJapanese), units);
+        EXPECT_EQ(encodeText(units, kCFStringEncodingMacJapanese), bytes);
     }
+    EXPECT_EQ(decodeText("\xFF", kCFStringEncodingMacJapanese), u"\u2026");
+    EXPECT_EQ(encodeText(u"\u2026", kCFStringEncodingMacJapanese), "\x81\x63");
+}
+
+// Shift_JIS has no single bytes but ASCII and half-width katakana. Like Python's codec it writes the yen sign
+// and the overline as the bytes that JIS X 0201 gives them.
+TEST(TextEncoding, ShiftJisHasNoByteOfMacJapanese) {
+    for (unsigned code = 0; code < 0x100; ++code) {
+        const std::string byte(1, static_cast<char>(code));
+        const auto text = decodeText(byte, kCFStringEncodingShiftJIS);
+        const bool isKatakana = code >= 0xA1 && code <= 0xDF;
+        EXPECT_EQ(text.has_value(), code < 0x80 || isKatakana) << code;
+        if (text) {
+            EXPECT_EQ((*text)[0], code < 0x80 ? code : 0xFF61 + code - 0xA1);
+            EXPECT_EQ(encodeText(*text, kCFStringEncodingShiftJIS), byte);
+        }
+    }
+    for (const char16_t* const missing : {u"\u00A0", u"\u00A9", u"\u2122", u"\u20AC"}) {
+        EXPECT_EQ(encodeText(missing, kCFStringEncodingShiftJIS), std::nullopt);
+    }
+    EXPECT_EQ(encodeText(u"\u00A5\u203E\u2026", kCFStringEncodingShiftJIS), "\\~\x81\x63");
 }
 
 TEST(TextEncoding, TellsWhatItCannotRead) {

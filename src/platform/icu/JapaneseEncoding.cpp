@@ -17,13 +17,17 @@ struct Pair {
     char16_t unit;
 };
 
-// First the characters of JIS X 0208 for which ICU's Shift_JIS follows the Windows table, then the single
-// bytes of Mac Japanese.
-constexpr Pair ownPairs[] = {
-    {0x8160, u'\x301C'}, {0x8161, u'\x2016'}, {0x817C, u'\x2212'}, {0x8191, u'\x00A2'},
-    {0x8192, u'\x00A3'}, {0x81CA, u'\x00AC'}, {0x5C, u'\x00A5'},   {0x80, u'\\'},
-    {0xA0, u'\x00A0'},   {0xFD, u'\x00A9'},   {0xFE, u'\x2122'},   {0xFF, u'\x2026'},
+// The characters of JIS X 0208 for which ICU's Shift_JIS follows the Windows table.
+constexpr Pair standardPairs[] = {
+    {0x8160, u'\x301C'}, {0x8161, u'\x2016'}, {0x817C, u'\x2212'},
+    {0x8191, u'\x00A2'}, {0x8192, u'\x00A3'}, {0x81CA, u'\x00AC'},
 };
+constexpr Pair macPairs[] = {
+    {0x5C, u'\x00A5'}, {0x80, u'\\'},     {0xA0, u'\x00A0'},
+    {0xFD, u'\x00A9'}, {0xFE, u'\x2122'}, {0xFF, u'\x2026'},
+};
+// What JIS X 0201 has in place of two ASCII characters.
+constexpr Pair romanPairs[] = {{0x5C, u'\x00A5'}, {0x7E, u'\x203E'}};
 
 constexpr char16_t firstKana = u'\xFF61'; // half-width katakana are the bytes 0xA1 to 0xDF
 constexpr std::size_t trailCount = 0xFC - 0x40 + 1;
@@ -86,35 +90,51 @@ void fillDoubles(Tables& tables) {
     }
 }
 
-void fillOwn(Tables& tables) {
-    for (const Pair& pair : ownPairs) {
-        if (pair.code > 0xFF) {
-            tables.doubles[doubleIndex(pair.code >> 8, pair.code & 0xFF)] = pair.unit;
-        } else {
-            tables.single[pair.code] = pair.unit;
-        }
-        if (pair.code > 0xFF || tables.codes[pair.unit] <= 0xFF) {
+void fillStandard(Tables& tables) {
+    for (const Pair& pair : standardPairs) {
+        tables.doubles[doubleIndex(pair.code >> 8, pair.code & 0xFF)] = pair.unit;
+        tables.codes[pair.unit] = pair.code;
+    }
+}
+
+void fillMac(Tables& tables) {
+    for (const Pair& pair : macPairs) {
+        tables.single[pair.code] = pair.unit;
+        if (tables.codes[pair.unit] <= 0xFF) {
             tables.codes[pair.unit] = pair.code; // the ellipsis keeps its two-byte code
         }
     }
 }
 
-// 165 kB, built for the first Japanese text.
-const Tables& tables() {
-    static const std::unique_ptr<const Tables> made = [] {
-        auto filled = std::make_unique<Tables>();
-        fillSingles(*filled);
-        fillDoubles(*filled);
-        fillOwn(*filled);
-        return filled;
-    }();
-    return *made;
+void fillRoman(Tables& tables) {
+    for (const Pair& pair : romanPairs) {
+        tables.codes[pair.unit] = pair.code;
+    }
+}
+
+std::unique_ptr<const Tables> makeTables(Japanese kind) {
+    auto filled = std::make_unique<Tables>();
+    fillSingles(*filled);
+    fillDoubles(*filled);
+    fillStandard(*filled);
+    kind == Japanese::mac ? fillMac(*filled) : fillRoman(*filled);
+    return filled;
+}
+
+// 165 kB for each kind, built for its first text.
+const Tables& tables(Japanese kind) {
+    if (kind == Japanese::mac) {
+        static const std::unique_ptr<const Tables> mac = makeTables(kind);
+        return *mac;
+    }
+    static const std::unique_ptr<const Tables> shiftJis = makeTables(kind);
+    return *shiftJis;
 }
 
 } // namespace
 
-std::optional<std::u16string> decodeJapanese(std::string_view bytes, bool lossy) {
-    const Tables& table = tables();
+std::optional<std::u16string> decodeJapanese(std::string_view bytes, Japanese kind, bool lossy) {
+    const Tables& table = tables(kind);
     std::u16string units;
     units.reserve(bytes.size());
     for (std::size_t i = 0; i < bytes.size(); ++i) {
@@ -134,8 +154,8 @@ std::optional<std::u16string> decodeJapanese(std::string_view bytes, bool lossy)
     return units;
 }
 
-std::optional<std::string> encodeJapanese(std::u16string_view text) {
-    const Tables& table = tables();
+std::optional<std::string> encodeJapanese(std::u16string_view text, Japanese kind) {
+    const Tables& table = tables(kind);
     std::string bytes;
     bytes.reserve(text.size() * 2);
     for (const char16_t unit : text) {

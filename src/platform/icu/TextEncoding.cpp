@@ -48,6 +48,11 @@ bool isJapanese(CFStringEncoding encoding) {
     return encoding == kCFStringEncodingMacJapanese || encoding == kCFStringEncodingShiftJIS;
 }
 
+// REQUIRES: isJapanese(encoding).
+Japanese japaneseKind(CFStringEncoding encoding) {
+    return encoding == kCFStringEncodingMacJapanese ? Japanese::mac : Japanese::shiftJis;
+}
+
 using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
 
 // A converter has state, so that each thread creates its own for an encoding, once. Null when ICU lacks the
@@ -202,13 +207,14 @@ bool isAscii(std::u16string_view units) {
     return all < 0x80;
 }
 
-// Whether the bytes are ASCII with the same meaning in this encoding. The classic Japanese encodings and
-// non-lossy ASCII change the meaning of the backslash. REQUIRES: a known encoding.
+// Whether the bytes are ASCII with the same meaning in this encoding. Mac Japanese and non-lossy ASCII change
+// the meaning of the backslash. REQUIRES: a known encoding.
 bool isPlain(std::string_view bytes, CFStringEncoding encoding) {
     if (encoding == kCFStringEncodingUTF16 || !isAscii(bytes)) {
         return false;
     }
-    const bool ownBackslash = isJapanese(encoding) || encoding == kCFStringEncodingNonLossyASCII;
+    const bool ownBackslash =
+        encoding == kCFStringEncodingMacJapanese || encoding == kCFStringEncodingNonLossyASCII;
     return !ownBackslash || bytes.find('\\') == std::string_view::npos;
 }
 
@@ -240,7 +246,7 @@ std::optional<std::u16string> decode(std::string_view bytes, CFStringEncoding en
     case kCFStringEncodingASCII:
         return decodeAscii(bytes, onFault);
     default:
-        return decodeJapanese(bytes, onFault == OnFault::replace);
+        return decodeJapanese(bytes, japaneseKind(encoding), onFault == OnFault::replace);
     }
 }
 
@@ -300,7 +306,7 @@ std::optional<std::string> encodeText(std::u16string_view text, CFStringEncoding
         return encodeUtf16(text);
     }
     if (isJapanese(encoding)) {
-        return encodeJapanese(text);
+        return encodeJapanese(text, japaneseKind(encoding));
     }
     if (isAscii(text)) {
         return narrowed(text);
