@@ -1,5 +1,4 @@
-#include "FakePane.h"
-#include "tests/support/TestSupport.h"
+#include "ModuleFixture.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -13,29 +12,14 @@
 #include <QTest>
 #include <QTimer>
 #include <clocale>
-#include <cstdlib>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-// Tests the window without a display. The module calls the pane's tray callback while it creates the window.
-// The test uses this call to get the window, because either side may have created the QApplication.
+// Tests the window without a display. The module reads the server's records while it creates the window. The
+// test uses such a read to get the window, because either side may have created the QApplication.
 
 namespace torka::tests {
 
 namespace {
-
-// Runs `act`, a person's actions, when the window is open.
-void whenOpen(FakePane& pane, const std::function<void(QDialog&)>& act) {
-    pane.whenAskedForTrays = [act] {
-        QTimer::singleShot(0, [act] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
-            act(*dialog);
-            if (dialog->isVisible()) {
-                dialog->reject();
-            }
-        });
-    };
-}
 
 template <typename Widget>
 Widget& child(const QDialog& dialog, const char* name) {
@@ -49,27 +33,50 @@ Widget& child(const QDialog& dialog, const char* name) {
 
 void press(const QDialog& dialog, const char* name) { child<QAbstractButton>(dialog, name).click(); }
 
-class ModuleWindow : public testing::Test {
+class ModuleWindow : public ModuleTest {
 protected:
-    void SetUp() override {
+    ModuleWindow() {
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::unsetenv("TORKA_JP_SCRIPT");
-        const std::string path = std::string(TORKA_SOURCE_DIR) + "/samples/torka-production.ppd";
-        pane.serverData =
-            L"<?xml version=\"1.0\"?>\n<SMDData>\n<Configuration locale=\"en\" ppdLocation0=\"" +
-            std::wstring(path.begin(), path.end()) + L"\" />\n</SMDData>";
-        pane.settings = {
-            {L"*PageSize", L"A4"},     {L"*QVDuplex", L"None"},     {L"*QVBookletCreep", L"10"},
-            {L"*Notes1", L"hello"},    {L"*InputSlot", L"Server1"}, {L"*QVStaple", L"None"},
-            {L"*QV_COPIES", L"1"},     {L"num copies", L"1"},       {L"*MM_A1", L"raw"},
-            {L"*QVServiceMode", L"x"}, {L"*QV_WATERMARK", L"-1"},   {L"*DeptPassword", L"harbor7"}};
-        pane.presetNames = {L"Brochure"};
-        pane.presetJob = {{L"*QVDuplex", L"Long"}};
-        pane.readOnly = {{L"*QVStaple", L""}};
-        pane.veiled = {{L"*QVDuplex", L""}};
-        pane.hasWatermarks = true;
+        SetDescription(std::string(TORKA_SOURCE_DIR) + "/samples/torka-production.ppd");
+        SetSettings({{"*PageSize", "A4"},
+                     {"*QVDuplex", "None"},
+                     {"*QVBookletCreep", "10"},
+                     {"*Notes1", "hello"},
+                     {"*InputSlot", "Server1"},
+                     {"*QVStaple", "None"},
+                     {"*QV_COPIES", "1"},
+                     {"num copies", "1"},
+                     {"*MM_A1", "raw"},
+                     {"*QVServiceMode", "x"},
+                     {"*QV_WATERMARK", "-1"},
+                     {"*DeptPassword", "harbor7"}});
+        host.Put("PresetsList", L"1\nBrochure\n");
+        host.Put("PresetsData",
+                 L"Brochure\nJPKeyValues=1\n*QVDuplex=Long\nTesselKeyValues=0\nPresetKeyValues=0\n");
+        host.templateText = "<Category name=\"UI-Modification\">\n<Controls>\n</Controls>\n<Lock>\n"
+                            "<ZANPPD key=\"*QVStaple\" value=\"True\"/>\n</Lock>\n<Show>\n"
+                            "<ZANPPD key=\"*QVDuplex\" value=\"False\"/>\n</Show>\n</Category>";
     }
-    FakePane pane;
+    // Runs the module and, when its window is open, `act`: a person's actions.
+    std::string Run(const std::function<void(QDialog&)>& act) {
+        host.onRead = [this, act] {
+            if (QCoreApplication::instance() == nullptr) {
+                return;
+            }
+            host.onRead = nullptr;
+            QTimer::singleShot(0, [act] {
+                auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                ASSERT_NE(dialog, nullptr);
+                act(*dialog);
+                if (dialog->isVisible()) {
+                    dialog->reject();
+                }
+            });
+        };
+        const std::string outcome = ModuleTest::Run();
+        EXPECT_EQ(host.onRead, nullptr) << "no window opened";
+        return outcome;
+    }
 };
 
 } // namespace
@@ -77,8 +84,8 @@ protected:
 TEST_F(ModuleWindow, ChangesAreAccepted) {
     std::setlocale(LC_ALL, "C");
     ::setenv("LC_ALL", "C.UTF-8", 1);
-    pane.veiled.clear();
-    whenOpen(pane, [](QDialog& dialog) {
+    host.templateText.clear();
+    const std::string outcome = Run([](QDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Printing Preferences");
         auto& size = child<QComboBox>(dialog, "*PageSize");
         EXPECT_EQ(size.currentText(), "A4");
@@ -94,33 +101,27 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
         EXPECT_EQ(child<QComboBox>(dialog, "*QVDuplex").currentData(), "Long");
         dialog.accept();
     });
-    ASSERT_TRUE(pane.Run()); // the module creates the QApplication
-    EXPECT_EQ(QCoreApplication::instance(), nullptr);
+    EXPECT_EQ(outcome, "0");
+    EXPECT_EQ(QCoreApplication::instance(), nullptr); // the module creates its own
     EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
-    EXPECT_EQ(pane.result, 0);
-    EXPECT_EQ(pane.Value(L"*PageSize"), L"Letter");
-    EXPECT_EQ(pane.Value(L"*InputSlot"), L"Server1");
-    EXPECT_EQ(pane.Value(L"*QV_COPIES"), L"25");
-    EXPECT_EQ(pane.Value(L"num copies"), L"25");
-    EXPECT_EQ(pane.Value(L"*Notes1"), L"hello!");
-    EXPECT_EQ(pane.Value(L"*QVDuplex"), L"Long");
-    EXPECT_EQ(pane.Value(L"*PresetName"), L"Brochure");
-    ASSERT_EQ(pane.returnedWatermarks.size(), 1U);
-    EXPECT_EQ(pane.returnedWatermarks[0], L"0,0,0,128,128,128,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2");
+    EXPECT_EQ(Value("*PageSize"), "Letter");
+    EXPECT_EQ(Value("*InputSlot"), "Server1");
+    EXPECT_EQ(Value("*QV_COPIES"), "25");
+    EXPECT_EQ(Value("num copies"), "25");
+    EXPECT_EQ(Value("*Notes1"), "hello!");
+    EXPECT_EQ(Value("*QVDuplex"), "Long");
+    EXPECT_EQ(Value("*PresetName"), "Brochure");
+    EXPECT_THAT(watermarkDefinitions(*record),
+                testing::ElementsAre("0,0,0,128,128,128,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2"));
 }
 
 // Names, keys and tips from a description and from the server that look like markup.
 TEST_F(ModuleWindow, ShowsMarkupAsText) {
-    const TemporaryFolder folder;
-    const std::string path =
-        folder.Write("p.ppd", "*PPD-Adobe: \"4.3\"\n*OpenUI *Bold/<b>Bold</b>: PickOne\n"
-                              "*DefaultBold: A\n*Bold A/<i>a</i>: \"\"\n*CloseUI: *Bold\n");
-    pane.serverData = L"<SMDData><Configuration ppdLocation0=\"" + std::wstring(path.begin(), path.end()) +
-                      L"\"/></SMDData>";
-    pane.settings = {{L"*Bold", L"A"}, {L"*<u>unknown</u>", L"<u>x</u>"}};
-    pane.veiled.clear();
-    pane.help = {{L"*Bold", L"<a href=\"x\">help</a>"}};
-    whenOpen(pane, [](QDialog& dialog) {
+    SetDescription(folder.Write("p.ppd", "*PPD-Adobe: \"4.3\"\n*OpenUI *Bold/<b>Bold</b>: PickOne\n"
+                                         "*DefaultBold: A\n*Bold A/<i>a</i>: \"\"\n*CloseUI: *Bold\n"));
+    SetSettings({{"*Bold", "A"}, {"*<u>unknown</u>", "<u>x</u>"}});
+    host.Put("CDIHelpStrings", L"*Bold=<a href=\"x\">help</a>\n");
+    Run([](QDialog& dialog) {
         std::size_t markup = 0;
         for (const QLabel* label : dialog.findChildren<QLabel*>()) {
             if (Qt::mightBeRichText(label->text())) {
@@ -134,15 +135,14 @@ TEST_F(ModuleWindow, ShowsMarkupAsText) {
                 << widget->toolTip().toStdString();
         }
     });
-    pane.Run();
 }
 
 TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
     int count = 1;
     char name[] = "host";
     char* arguments[] = {name, nullptr};
-    QApplication host(count, arguments);
-    whenOpen(pane, [](QDialog& dialog) {
+    const QApplication application(count, arguments);
+    const std::string outcome = Run([](QDialog& dialog) {
         EXPECT_FALSE(child<QComboBox>(dialog, "*QVStaple").isEnabled());
         EXPECT_EQ(child<QComboBox>(dialog, "*QVStaple").accessibleDescription(), "Set by your administrator");
         EXPECT_EQ(dialog.findChild<QWidget*>("*QVDuplex"), nullptr);      // hidden by the veiled keys
@@ -183,10 +183,8 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         }
         dialog.reject();
     });
-    ASSERT_TRUE(pane.Run());
-    EXPECT_EQ(pane.openResult, SDM_SUCCESS);
-    EXPECT_EQ(pane.result, 1);
-    EXPECT_EQ(QCoreApplication::instance(), &host);
+    EXPECT_EQ(outcome, "1");
+    EXPECT_EQ(QCoreApplication::instance(), &application);
 }
 
 TEST_F(ModuleWindow, NeedsADisplay) {
@@ -194,9 +192,7 @@ TEST_F(ModuleWindow, NeedsADisplay) {
         ::unsetenv(variable);
     }
     testing::internal::CaptureStderr();
-    ASSERT_TRUE(pane.Run());
-    EXPECT_EQ(pane.openResult, SDM_NOT_AVAILABLE);
-    EXPECT_EQ(pane.result, 1);
+    EXPECT_EQ(ModuleTest::Run(), "1");
     EXPECT_NE(testing::internal::GetCapturedStderr().find("there is no display"), std::string::npos);
 }
 
