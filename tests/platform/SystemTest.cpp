@@ -193,37 +193,6 @@ TEST(PosixSystem, AFailedWriteLeavesEverythingAsItWas) {
     EXPECT_EQ(tests::readFile(folder / "link"), "new");
 }
 
-TEST(MemorySystem, TheClockMovesBySleepingAndStopsAtCancel) {
-    MemorySystem system;
-    const auto start = system.Now();
-    int calls = 0;
-    system.onSleep = [&calls] { ++calls; };
-    EXPECT_TRUE(system.Sleep(36s));
-    EXPECT_EQ(system.Now() - start, 36s);
-    system.cancelAt = system.Now() + 5s;
-    EXPECT_TRUE(system.Sleep(3s));
-    EXPECT_FALSE(system.Sleep(3s));
-    EXPECT_FALSE(system.Sleep(3s));
-    EXPECT_EQ(system.Now() - start, 41s);
-    EXPECT_EQ(calls, 4);
-}
-
-TEST(MemorySystem, FilesFailWhenToldTo) {
-    MemorySystem system;
-    std::string read;
-    EXPECT_FALSE(system.WriteFile("/a", "old", 0666));
-    system.writeFailure = [](const std::filesystem::path& path) {
-        return path == "/a" ? std::make_error_code(std::errc::no_space_on_device) : std::error_code();
-    };
-    EXPECT_EQ(system.WriteFile("/a", "new", 0600), std::errc::no_space_on_device);
-    EXPECT_FALSE(system.WriteFile("/b", "new", 0600));
-    EXPECT_FALSE(system.ReadFile("/a", 3, read));
-    EXPECT_EQ(read, "old");
-    EXPECT_EQ(system.files["/a"].mode, 0666U);
-    EXPECT_EQ(system.ReadFile("/b", 2, read), std::errc::file_too_large);
-    EXPECT_EQ(system.CreateUuidString(), "00000000-0000-4000-8000-000000000001");
-}
-
 TEST(System, TheFirstUseWithoutAChoiceFails) {
     ASSERT_FALSE(hasSystem());
     EXPECT_DEATH(system(), "");
