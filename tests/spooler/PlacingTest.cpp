@@ -197,14 +197,17 @@ TEST(Placing, EntriesNeverLeaveTheHeaderOrBecomeCode) {
     EXPECT_EQ(result.report.placed.at(30).entries, 3U);
 }
 
+// The setup follows the counted bytes at once, so that a count that is one off hides it.
 TEST(Placing, ByteCountsFollowTheLineEndsOfTheDocument) {
-    // When lines end with a carriage return, a line feed is data, and the count ends before "%%EndData".
-    const std::string data = "\n%%BeginSetup\rx\r";
-    const std::string head =
-        "%!PS\r%%EndComments\r%%BeginData: " + std::to_string(data.size()) + " Binary Bytes\r";
-    const Spliced result =
-        splice(head + data + "%%EndData\r%%BeginSetup\r%%EndSetup\r", makeTicket({{81, "s"}}));
-    EXPECT_EQ(result.text, head + data + "%%EndData\r%%BeginSetup\rs\r%%EndSetup\r");
+    for (const std::string end : {"\r", "\n", "\r\n"}) {
+        // When lines end with a carriage return, a line feed is data.
+        const std::string data = std::string(end == "\r" ? "\n" : "") + "%%BeginSetup" + end + "x";
+        const std::string head = "%!PS" + end + "%%EndComments" + end +
+                                 "%%BeginData: " + std::to_string(data.size()) + " Binary Bytes" + end + data;
+        const std::string tail = "%%EndSetup" + end;
+        EXPECT_EQ(splice(head + "%%BeginSetup" + end + tail, makeTicket({{81, "s"}})).text,
+                  head + "%%BeginSetup" + end + "s" + end + tail);
+    }
 }
 
 TEST(Placing, LargeAndHostileDocuments) {
