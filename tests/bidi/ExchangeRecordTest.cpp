@@ -254,17 +254,5 @@ TEST_F(ExchangeRecord, WatermarksGoInWhileThereIsRoom) {
     EXPECT_THAT(watermarkDefinitions(*record), IsEmpty());
 }
 
-TEST_F(ExchangeRecord, ListsAreShown) {
-    const tests::CapturingStreams streams;
-    wchar_t key[] = L"Duplex";
-    wchar_t value[] = L"100 %S";
-    SDMKeyValue items[] = {{key, value}, {key, nullptr}};
-    PrintSDMKeyValueList({2, items});
-    EXPECT_THAT(streams.Errors(),
-                ElementsAre("PrintSDMKeyValueList szKey0 =Duplex\n",
-                            "PrintSDMKeyValueList szValue0 =100 %S\n",
-                            "PrintSDMKeyValueList szKey1 =Duplex\n", "PrintSDMKeyValueList szValue1 =\n"));
-}
-
 } // namespace
 } // namespace torka

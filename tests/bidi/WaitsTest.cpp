@@ -16,7 +16,11 @@ namespace torka {
 namespace {
 
 using std::chrono::milliseconds;
+using ::testing::Contains;
+using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 class Waits : public ::testing::Test {
 protected:
@@ -129,7 +133,8 @@ TEST_F(Waits, CommandJobs) {
     EXPECT_EQ(Took([] { EXPECT_FALSE(isJobComple("T")); }), milliseconds(1234));
 }
 
-TEST_F(Waits, CommandJobsAreLogged) {
+// The scheduler reads some lines of the standard error stream as commands.
+TEST_F(Waits, TitlesInTheLogStayInTheirLine) {
     queues->jobs = {{7, "T\nPPD: x", "Office", jobStateProcessing}};
     At(milliseconds(100), [&] { queues->jobs[0].state = jobStateCompleted; });
     std::vector<milliseconds> seen;
@@ -138,50 +143,67 @@ TEST_F(Waits, CommandJobsAreLogged) {
         seen.push_back(progress.waited);
     }));
     EXPECT_THAT(seen, ElementsAre(milliseconds(0)));
-    EXPECT_THAT(streams.Errors(), ElementsAre("isJobComple: (cupsGetJobs) elapsed=0.000000\n",
-                                              "isJobComple: try=360 id=7, c=T?PPD: x, j=T?PPD: x, s=5\n",
-                                              "isJobComple: (cupsGetJobs) elapsed=0.000000\n",
-                                              "isJobComple: try=359, dest=Office\n",
-                                              "isJobComple: (JobStatusCheck) elapsed=0.100000\n",
-                                              "isJobComple: numdests=2\n", "isJobComple: new PPD=/new.ppd\n",
-                                              "isJobComple: (isJobComple) elapsed=0.800000\n"));
+    EXPECT_THAT(streams.Errors(), Contains(HasSubstr("c=T?PPD: x, j=T?PPD: x")));
+    EXPECT_THAT(streams.Errors(), Each(Not(HasSubstr("\nPPD"))));
 }
 
-TEST_F(Waits, ReadingTheDataFile) {
+TEST_F(Waits, DataFile) {
     struct Case {
         const char* what;
+        bool isRead;  // else the file is to be created
         int dataFrom; // ms; -1 for never
-        int lockFrom;
         int lockUntil;
-        bool reads;
+        int errorFrom;
+        bool overridden;
+        bool succeeds;
         int milliseconds;
+        std::size_t alerts;
     };
+    constexpr int forever = 1'000'000;
     const std::vector<Case> cases = {
-        {"there", 0, -1, 0, true, 0},
-        {"comes", 1000, -1, 0, true, 1000},
-        {"never comes", -1, -1, 0, false, 25'000},
-        {"comes too late", 25'050, -1, 0, false, 25'000},
-        {"locked for a while", 0, 0, 2000, true, 2000},
-        {"a lock left behind", 0, 0, 1'000'000, true, 3000},
-        {"a lock alone", -1, 0, 1'000'000, false, 25'000},
+        {"there", true, 0, 0, -1, false, true, 0, 0},
+        {"comes", true, 1000, 0, -1, false, true, 1000, 0},
+        {"never comes", true, -1, 0, -1, false, false, 25'000, 0},
+        {"comes too late", true, 25'050, 0, -1, false, false, 25'000, 0},
+        {"locked for a while", true, 0, 2000, -1, false, true, 2000, 0},
+        {"a lock left behind", true, 0, forever, -1, false, true, 3000, 0},
+        {"a lock alone", true, -1, forever, -1, false, false, 25'000, 0},
+        {"there", false, 0, 0, -1, false, true, 300, 0},
+        {"comes", false, 1000, 0, -1, false, true, 1500, 0},
+        {"never comes", false, -1, 0, -1, false, false, 35'100, 1},
+        {"comes with the last look", false, 34'750, 0, -1, false, true, 35'100, 1},
+        {"error reported before", false, 0, 0, 0, false, false, 0, 0},
+        {"error reported meanwhile", false, -1, 0, 1000, false, false, 1200, 0},
+        {"error reported just after", false, 0, 0, 300, false, false, 300, 0},
+        {"without limit", false, 400'000, 0, -1, true, true, 400'500, 0},
     };
     for (const Case& wait : cases) {
+        SCOPED_TRACE(wait.what);
         system->files.clear();
         happenings.clear();
-        if (wait.lockFrom == 0) {
-            Put(lock);
-            At(milliseconds(wait.lockUntil), [&] { Remove(lock); });
-        }
-        if (wait.dataFrom == 0) {
-            Put(data, "a\r\nb");
-        } else if (wait.dataFrom > 0) {
-            At(milliseconds(wait.dataFrom), [&] { Put(data, "a\r\nb"); });
-        }
+        shownAlerts->shown.clear();
+        const auto put = [&](int from, const std::string& place) {
+            if (from == 0) {
+                Put(place, "a\r\nb");
+            } else if (from > 0) {
+                At(milliseconds(from), [this, place] { Put(place, "a\r\nb"); });
+            }
+        };
+        put(wait.dataFrom, data);
+        put(wait.errorFrom, connectionError);
+        put(wait.overridden ? 0 : -1, override);
+        put(wait.lockUntil > 0 ? 0 : -1, lock);
+        At(milliseconds(wait.lockUntil), [&] { Remove(lock); });
         BidiDataFile file(paths, failure);
-        bool reads = false;
-        EXPECT_EQ(Took([&] { reads = file.readBidiData(); }), milliseconds(wait.milliseconds)) << wait.what;
-        EXPECT_EQ(reads, wait.reads) << wait.what;
-        EXPECT_EQ(*file.getBidiDataCopy(), wait.reads ? "a\nb\n" : "") << wait.what;
+        bool succeeds = false;
+        EXPECT_EQ(Took([&] {
+                      succeeds = wait.isRead ? file.readBidiData()
+                                             : file.WaitForFileToBeCreated("ID-1", paths.dataFile);
+                  }),
+                  milliseconds(wait.milliseconds));
+        EXPECT_EQ(succeeds, wait.succeeds);
+        EXPECT_EQ(*file.getBidiDataCopy(), wait.isRead && succeeds ? "a\nb\n" : "");
+        EXPECT_EQ(shownAlerts->shown.size(), wait.alerts);
     }
     // A file that is too long exists but cannot be read: 40 more tries.
     Put(data, std::string(maximumDataFile + 1, 'x'));
@@ -195,51 +217,6 @@ TEST_F(Waits, ReadingTheDataFile) {
     system->cancelAt = system->now + milliseconds(400);
     EXPECT_EQ(Took([&] { EXPECT_FALSE(file.readBidiData()); }), milliseconds(400));
     EXPECT_EQ(*copy, "new\n");
-}
-
-TEST_F(Waits, CreationOfTheDataFile) {
-    struct Case {
-        const char* what;
-        int dataFrom;
-        int errorFrom;
-        bool overridden;
-        bool created;
-        int milliseconds;
-        std::size_t alerts;
-    };
-    const std::vector<Case> cases = {
-        {"there", 0, -1, false, true, 300, 0},
-        {"comes", 1000, -1, false, true, 1500, 0},
-        {"never comes", -1, -1, false, false, 35'100, 1},
-        {"comes with the last look", 34'750, -1, false, true, 35'100, 1},
-        {"error reported before", 0, 0, false, false, 0, 0},
-        {"error reported meanwhile", -1, 1000, false, false, 1200, 0},
-        {"error reported just after", 0, 300, false, false, 300, 0},
-        {"without limit", 400'000, -1, true, true, 400'500, 0},
-    };
-    for (const Case& wait : cases) {
-        system->files.clear();
-        happenings.clear();
-        shownAlerts->shown.clear();
-        const auto put = [&](int from, const std::string& place) {
-            if (from == 0) {
-                Put(place);
-            } else if (from > 0) {
-                At(milliseconds(from), [this, place] { Put(place); });
-            }
-        };
-        put(wait.dataFrom, data);
-        put(wait.errorFrom, connectionError);
-        put(wait.overridden ? 0 : -1, override);
-        BidiDataFile file(paths, failure);
-        bool created = false;
-        EXPECT_EQ(Took([&] { created = file.WaitForFileToBeCreated("ID-1", paths.dataFile); }),
-                  milliseconds(wait.milliseconds))
-            << wait.what;
-        EXPECT_EQ(created, wait.created) << wait.what;
-        EXPECT_EQ(shownAlerts->shown.size(), wait.alerts) << wait.what;
-    }
-    BidiDataFile file(paths, failure);
     system->files.clear();
     Put(override);
     system->cancelAt = system->now + std::chrono::hours(5);
