@@ -42,27 +42,27 @@ public:
     virtual ~FileMac();
 
     bool valid() const { return isValid; }
+
+    bool openDataFork(FilePermission permission);
+    bool dataForkOpen() const { return dataFork != nullptr; }
+    // Returns the size in bytes, 0 when the fork is not open.
+    std::uint64_t dataForkSize();
+    // `count` holds the number of bytes wanted and gets the number of bytes read. Fewer bytes than wanted is
+    // eofErr.
+    OSStatus dataForkRead(void* buffer, long& count);
+
+    // Given interface; no caller here
     // Returns the result of the last operation.
     OSStatus getError() const { return lastError; }
     bool exists() const;
     // Returns the last component of the path.
     std::string getFileName() const;
     bool getFileInfo(FileInfo& info) const;
-    const FSRef& getReference() const { return file; }
-
-    bool openDataFork(FilePermission permission);
-    bool dataForkOpen() const { return dataFork != nullptr; }
     bool closeDataFork();
     // Creates an empty file. Leaves an existing one unchanged.
     bool createDataFork();
-    // Returns the size in bytes, 0 when the fork is not open.
-    std::uint64_t dataForkSize();
-    // `count` holds the number of bytes wanted and gets the number of bytes read. Fewer bytes than wanted is
-    // eofErr.
-    OSStatus dataForkRead(void* buffer, long& count);
     OSStatus dataForkReadWithOffset(void* buffer, long& count, std::int64_t offset);
     OSStatus dataForkWrite(const void* buffer, long& count);
-
     bool OpenResourceFork(FilePermission permission);
     void CloseResourceFork() {}
     bool ResourceForkOpen() const { return false; }

@@ -14,6 +14,8 @@ public:
         : FileMac(reference) {}
     // Accepts only a file URL; the object is otherwise not valid.
     explicit PPDFile(const CFURLRef& url);
+
+    // Given interface; no caller here
     // Refers to `name` in `directory` below `volume`; both may be empty.
     PPDFile(std::string_view volume, std::string_view directory, std::string_view name);
 };

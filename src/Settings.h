@@ -18,8 +18,6 @@ namespace torka {
 class Settings {
 public:
     Settings() = default;
-    // Ignores entries that are not strings.
-    explicit Settings(const CFDictionaryRef& stored);
 
     void Set(std::string_view key, std::string_view value);
     void SetInteger(std::string_view key, std::int64_t value);
@@ -36,6 +34,10 @@ public:
 
     CFDictionaryRef CopyAsDictionary() const;
     const std::map<std::string, std::string, std::less<>>& Values() const { return values; }
+
+    // Given interface; no caller here
+    // Ignores entries that are not strings.
+    explicit Settings(const CFDictionaryRef& stored);
 
 private:
     std::map<std::string, std::string, std::less<>> values;

@@ -19,7 +19,11 @@ std::int64_t integerValue(std::string_view text);
 bool integerOverflows(std::string_view text);
 // Return the decimal number after leading white space, with fraction and exponent, as strtod reads one.
 // Return 0 when there is none or when the type has no finite value for it.
-float floatValue(std::string_view text);
 double realValue(std::string_view text);
+
+// For the tests; no caller here
+// Return the decimal number after leading white space, with fraction and exponent, as strtod reads one.
+// Return 0 when there is none or when the type has no finite value for it.
+float floatValue(std::string_view text);
 
 } // namespace torka

@@ -41,30 +41,16 @@ public:
     static CFStringEncoding LanguageStringToEncoding(const char* name);
 
     static CFStringEncoding GetPPDEncoding(const DescriptionLanguage* description);
-    // The encoding of narrow text in the system, read by the constructor.
-    CFStringEncoding GetCurrentEncoding() const { return currentEncoding; }
-    // The encoding of the C strings that the conversions write.
-    CFStringEncoding GetOutputEncoding() const { return currentEncoding; }
-    bool ValidConverter() const { return ppdEncoding != kCFStringEncodingUnknown && status == 0; }
     const char* LanguageVersion() const { return languageVersion; }
 
-    // Decodes the hexadecimal substrings in the first `limit` bytes of `text` and converts the result. Never
-    // returns null: null gives "", a lack of memory "Out Of Memory". Invalid bytes become U+FFFD. In ISO
-    // Latin 2, ISO Latin 5 and Shift-JIS, invalid bytes make the whole byte string read as UTF-16 units in
-    // native order.
-    CFStringRef ConvertToCFString(const char* text, long limit);
+    // Decodes the hexadecimal substrings of `text` and converts the result. Never returns null: a lack of
+    // memory gives "Out Of Memory". Invalid bytes become U+FFFD. In ISO Latin 2, ISO Latin 5 and Shift-JIS,
+    // invalid bytes make the whole byte string read as UTF-16 units in native order.
     CFStringRef ConvertToCFString(std::string_view text);
 
     // Writes the string in the system's encoding; "Translation Error" when it cannot be converted or does not
     // fit. Always terminates it within `size` bytes. Returns whether it was converted.
     static bool CFStringToCstring(const CFStringRef& string, char* buffer, long size);
-
-    // These apply both conversions.
-    bool Convert(const char* text, char* buffer, long size);
-    bool ppdStringConvert(CString& text);
-    bool convertText(const char* text, long length, char* buffer, long size);
-    // Discards the last converter; the next conversion makes its own.
-    void resetOutputHandle();
 
     // Decodes hexadecimal substrings (PPD format 4.3, "translation strings"): each run of digits between "<"
     // and ">" becomes the bytes of its digit pairs. Skips white space (blank, tab, CR, LF) between digits.
@@ -77,6 +63,21 @@ public:
     // Returns the digit at or after `position`, skipping white space, and moves `position` behind it. Returns
     // 0 at the end of `run`.
     static char nextHexChar(std::string_view run, std::size_t& position);
+
+    // Given interface; no caller here
+    // The encoding of narrow text in the system, read by the constructor.
+    CFStringEncoding GetCurrentEncoding() const { return currentEncoding; }
+    // The encoding of the C strings that the conversions write.
+    CFStringEncoding GetOutputEncoding() const { return currentEncoding; }
+    bool ValidConverter() const { return ppdEncoding != kCFStringEncodingUnknown && status == 0; }
+    // The same for the first `limit` bytes; null gives "".
+    CFStringRef ConvertToCFString(const char* text, long limit);
+    // These apply both conversions.
+    bool Convert(const char* text, char* buffer, long size);
+    bool ppdStringConvert(CString& text);
+    bool convertText(const char* text, long length, char* buffer, long size);
+    // Discards the last converter; the next conversion makes its own.
+    void resetOutputHandle();
 
 private:
     std::u16string ToUnicode(std::string_view bytes);
@@ -91,6 +92,7 @@ private:
 // The names of languages whose job-note texts may contain hexadecimal substrings.
 class HexLanguageExceptions {
 public:
+    // Given interface; no caller here
     HexLanguageExceptions();
     virtual ~HexLanguageExceptions();
     // Compares exactly, with letter case.

@@ -38,7 +38,6 @@ public:
     void copiesChanged(int copies);
     void dialogSettingsChanged();
     const MemoryPrintSettings& settings() const { return *printSettings; }
-    PDEPanel* currentPanel() const { return panel.get(); }
 
 protected:
     void showEvent(QShowEvent* event) override;

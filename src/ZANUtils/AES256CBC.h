@@ -26,19 +26,10 @@ public:
     // Sets a key of 32 bytes and a chain (initial vector) of 16. Does nothing for other sizes.
     void MakeKey(const std::uint8_t* key, const std::uint8_t* newChain, int newKeyLength = keySize,
                  int newBlockSize = blockBytes);
-    bool HasKey() const { return keyMade; }
-    // Starts a new message: resets the chain to the initial vector.
-    void ResetChain() { chain = initialChain; }
 
     // Process `n` bytes, a multiple of 16, in cipher-block chaining. The chain continues from call to call.
     void Encrypt(const std::uint8_t* in, std::uint8_t* out, std::size_t n);
     void Decrypt(const std::uint8_t* in, std::uint8_t* out, std::size_t n);
-    // Process one block of the chain.
-    void EncryptBlock(const std::uint8_t* in, std::uint8_t* out) { Encrypt(in, out, blockBytes); }
-    void DecryptBlock(const std::uint8_t* in, std::uint8_t* out) { Decrypt(in, out, blockBytes); }
-    // Transform one block without using or changing the chain.
-    void DefEncryptBlock(const std::uint8_t* in, std::uint8_t* out) const;
-    void DefDecryptBlock(const std::uint8_t* in, std::uint8_t* out);
 
     // Enciphers a NUL-terminated text with its terminator. Let n be the number of bytes and r = n mod 16. The
     // padding is 16 - r bytes of the value 15 - r: one less than their count, and a whole block of 0x0F after
@@ -51,6 +42,19 @@ public:
     // `out` gets only the bytes that fit.
     void DoAES256Decrypt(const std::uint8_t* key, const std::uint8_t* iv, const std::uint8_t* in, int length,
                          std::uint8_t* out, int* outLength);
+
+    // Given interface; no caller here
+    // Process one block of the chain.
+    void EncryptBlock(const std::uint8_t* in, std::uint8_t* out) { Encrypt(in, out, blockBytes); }
+    void DecryptBlock(const std::uint8_t* in, std::uint8_t* out) { Decrypt(in, out, blockBytes); }
+    // Transform one block without using or changing the chain.
+    void DefEncryptBlock(const std::uint8_t* in, std::uint8_t* out) const;
+    void DefDecryptBlock(const std::uint8_t* in, std::uint8_t* out);
+
+    // For the tests; no caller here
+    bool HasKey() const { return keyMade; }
+    // Starts a new message: resets the chain to the initial vector.
+    void ResetChain() { chain = initialChain; }
 
 private:
     void MakeDecryptionSchedule();

@@ -25,11 +25,13 @@ public:
 
     // Makes the schedule of an 8-byte key for EN0 or DE1. Any other mode changes nothing.
     void deskey(const std::uint8_t* key, short mode);
+    // Transforms 8 bytes with the current schedule; `in` and `out` may be the same.
+    void des(const std::uint8_t* in, std::uint8_t* out) const;
+
+    // Given interface; no caller here
     // Loads a schedule that cpkey has copied.
     void usekey(const std::uint32_t* from);
     void cpkey(std::uint32_t* into) const;
-    // Transforms 8 bytes with the current schedule; `in` and `out` may be the same.
-    void des(const std::uint8_t* in, std::uint8_t* out) const;
 
 private:
     des_ctx schedule{};

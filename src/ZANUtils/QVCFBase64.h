@@ -7,6 +7,7 @@ namespace torka {
 // Encodes the bytes as Base64 without line breaks. Returns an empty string for no bytes or null.
 CFStringRef QVCFBase64CreateEncodedString(const CFDataRef& data);
 
+// Given interface; no caller here
 // Decodes a Base64 text; never returns null. Null, or a text of fewer than four characters, gives no bytes.
 // Removes one or two "=" at the end; the rest gives (length * 3) / 4 bytes. Does not check characters: one
 // outside the alphabet counts as six zero bits.

@@ -9,15 +9,10 @@
 
 namespace torka {
 
-// Null when the session has no current printer.
-CFStringRef GetCurrentPrinterName(const PMPrintSession& session);
 // The scheme of the current printer's device URI; null without one.
 CFStringRef CopyPrinterConnectionType(const PMPrintSession& session);
 
-bool isUSBPrinterConnection(const PMPrintSession& session);       // "usb"
 bool isAppleTalkPrinterConnection(const PMPrintSession& session); // "pap"
-bool isBonjourPrinterConnection(const PMPrintSession& session);   // "mdns", not "dnssd"
-bool isIPPrinterConnection(const PMPrintSession& session);        // "ipp"
 
 // Whether the device URI names a discovered service ("dnssd" or "mdns"); its host part is then no network
 // address. Check this before deriving an address from a queue.
@@ -30,6 +25,12 @@ bool isDiscoveredServiceConnection(const PMPrintSession& session);
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url);
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url);
 
+// Given interface; no caller here
+// Null when the session has no current printer.
+CFStringRef GetCurrentPrinterName(const PMPrintSession& session);
+bool isUSBPrinterConnection(const PMPrintSession& session);     // "usb"
+bool isBonjourPrinterConnection(const PMPrintSession& session); // "mdns", not "dnssd"
+bool isIPPrinterConnection(const PMPrintSession& session);      // "ipp"
 // Whether the queue's filter could not reach the queue's configured address: the record
 // "QVInvalidPrinterAddress" of destinationPPD() then holds "yes".
 bool isInvalidPrinterAddress();

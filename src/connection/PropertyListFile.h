@@ -15,9 +15,6 @@ class PropertyListFile {
 public:
     static constexpr OSStatus memFullErr = -108; // the list cannot be turned into XML
 
-    // The list at `path` below the home folder, or the store that replaces this file on the running system
-    // version (makePropertyListStore).
-    PropertyListFile(std::string_view path, QueueAccess queue);
     explicit PropertyListFile(std::unique_ptr<PropertyListStore> listStore);
     PropertyListFile(const PropertyListFile&) = delete;
     PropertyListFile& operator=(const PropertyListFile&) = delete;
@@ -34,6 +31,13 @@ public:
     OSStatus Error() const { return error; } // of the last Save
     // The filter's reason for not keeping the list of the last Save; "" when it gave none.
     const std::string& Reason() const { return reason; }
+
+    // Given interface; no caller here
+    // The list at `path` below the home folder, or the store that replaces this file on the running system
+    // version (makePropertyListStore).
+    PropertyListFile(std::string_view path, QueueAccess queue);
+
+    // For the tests; no caller here
     // Whether "/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist" existed when the list was loaded.
     bool CacheFileExists() const { return cacheFileExists; }
 

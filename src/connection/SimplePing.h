@@ -19,11 +19,6 @@ inline constexpr int pingHostNotFound = 65;
 
 inline constexpr std::size_t echoMessageBytes = 48;
 
-// Sends `count` echo requests, each after the reply to the one before. Waits `timeoutSeconds` for each reply.
-// With `singleReceive`, waits only for the first datagram, one second at most. 0 when all requests were
-// answered.
-int SimplePing(const char* host, int count, int timeoutSeconds, bool singleReceive);
-
 // Parses a dotted IPv4 address or looks up a name. Returns 0, pingInvalidArgument for a null argument, or
 // pingHostNotFound.
 int LookupHostAddress(const char* host, HostAddress* address);
@@ -38,5 +33,11 @@ int WaitAndPrintICMPs(IcmpSocket& socket, int timeoutSeconds, bool singleReceive
 std::uint16_t internetChecksum(std::span<const std::uint8_t> message);
 // Whether a datagram, which begins with its IPv4 header, holds a complete echo reply.
 bool isEchoReply(std::span<const std::uint8_t> datagram);
+
+// Given interface; no caller here
+// Sends `count` echo requests, each after the reply to the one before. Waits `timeoutSeconds` for each reply.
+// With `singleReceive`, waits only for the first datagram, one second at most. 0 when all requests were
+// answered.
+int SimplePing(const char* host, int count, int timeoutSeconds, bool singleReceive);
 
 } // namespace torka

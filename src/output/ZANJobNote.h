@@ -28,18 +28,6 @@ public:
     // Returns the beginning of a special note's line, "" for any other index.
     static std::string_view commentPrefix(short index);
 
-    // With an empty buffer, returns the size of the text with its terminator, 0 for an empty text. Otherwise
-    // copies as much of the text as fits, with a terminator, and returns the same size.
-    long getUserData(std::span<char> buffer = {}) const;
-    // Does the same for the displayed name, in UTF-8.
-    long getTitle(std::span<char> buffer = {}) const;
-    // Copies as much of the keyword as fits, with a terminator.
-    void getKeyword(std::span<char> buffer) const;
-
-    // Tells whether the text is valid for a note of two-character fields, by isTwoCharacterRanges. Any text
-    // is valid for every other note.
-    bool checkRangeValues(std::string_view text) const;
-
     // Tells whether the description marks the note for enciphering.
     bool IsProtected() const;
     // Returns AES for a note that asks for it, DES otherwise. The description's "*UseSpecialAlgorithm"
@@ -47,9 +35,6 @@ public:
     NoteAlgorithm Algorithm() const;
     // Returns the value of the description's "*UseSpecialKey", "" when there is none.
     std::string_view SpecialKey() const;
-    // Writes the cipher text's digits into `out256`, which is zeroed first and not terminated when full.
-    // Returns false, with zeros, when no description is loaded or there are no field keys.
-    bool encryptNote(long reserved, const char* text, std::span<char, noteHexSize> out256) const;
     // Returns the same digits as a string, "" for false.
     std::string Encrypted(const char* text) const;
 
@@ -58,6 +43,21 @@ public:
     void ConvertTextFromApplicationToUTF8();
 
     PPDXJobNote& Note() const { return *note; }
+
+    // Given interface; no caller here
+    // With an empty buffer, returns the size of the text with its terminator, 0 for an empty text. Otherwise
+    // copies as much of the text as fits, with a terminator, and returns the same size.
+    long getUserData(std::span<char> buffer = {}) const;
+    // Does the same for the displayed name, in UTF-8.
+    long getTitle(std::span<char> buffer = {}) const;
+    // Copies as much of the keyword as fits, with a terminator.
+    void getKeyword(std::span<char> buffer) const;
+    // Tells whether the text is valid for a note of two-character fields, by isTwoCharacterRanges. Any text
+    // is valid for every other note.
+    bool checkRangeValues(std::string_view text) const;
+    // Writes the cipher text's digits into `out256`, which is zeroed first and not terminated when full.
+    // Returns false, with zeros, when no description is loaded or there are no field keys.
+    bool encryptNote(long reserved, const char* text, std::span<char, noteHexSize> out256) const;
 
 private:
     PPDXJobNote* note;

@@ -25,6 +25,8 @@ public:
     // Writes every entry of the dictionary into the print settings under its own key; the two key arguments
     // are ignored. "*QVSpotPriority" and "*QVGrayOverride", in any letter case, are never written.
     void Set(const CFStringRef& ignored, const CFStringRef& alsoIgnored, const CFDictionaryRef& values);
+
+    // Given interface; no caller here
     // Returns the read's error status when it fails; otherwise 1 when the value converts to a 32-bit integer,
     // else 0.
     OSStatus Get(const CFStringRef& key, int& value) const;
@@ -53,8 +55,6 @@ public:
     ZANJobTicket(PrintSettingsTicket* ticket, PMPrintSettings printSettings, CFStringRef key);
     ~ZANJobTicket() override;
 
-    // Starts again with an empty list.
-    void Create();
     // Adds exactly `length` bytes without a terminator.
     void Add(PostScriptInjectionSite site, const void* bytes, std::size_t length);
     void Add(PostScriptInjectionSite site, std::string_view text) { Add(site, text.data(), text.size()); }
@@ -83,7 +83,6 @@ public:
     static CFStringRef CreateRandomFileName(std::string_view prefix, char* buffer = nullptr);
     // Set by Save() from minor version 7 of the system on, else null.
     CFStringRef FileName() const { return fileName; }
-    void InjectTempFileToPSStream(const CFStringRef& key, const CFStringRef& value);
 
     struct Entry {
         PostScriptInjectionSite site = 0;
@@ -91,6 +90,11 @@ public:
         bool isProtected = false;
     };
     std::vector<Entry> Entries() const;
+
+    // Given interface; no caller here
+    // Starts again with an empty list.
+    void Create();
+    void InjectTempFileToPSStream(const CFStringRef& key, const CFStringRef& value);
 
 private:
     PrintSettingsTicket* dictionaryTicket;

@@ -19,8 +19,6 @@ class ZANWatermark {
 public:
     // Takes the definition in UTF-8; null is an empty one.
     explicit ZANWatermark(const char* definition);
-    // Also keeps the wide form.
-    explicit ZANWatermark(const wchar_t* definition);
 
     // True for exactly "True", false for any other text. Does not change the definition.
     void SetFirstPageOnly(std::string_view value) { isFirstPageOnly = value == "True"; }
@@ -38,8 +36,6 @@ public:
     const std::string& Text() const { return text; } // UTF-8
     // The definition as it was given, for saving.
     const std::string& Definition() const { return definition; }
-    // Empty for a watermark made from narrow text.
-    const std::wstring& WideDefinition() const { return wideDefinition; }
 
     // Returns the text in the encoding that this language's font needs, as two upper-case hexadecimal digits
     // per byte. A character that the encoding lacks is "?". Computed at the first call only; later arguments
@@ -50,6 +46,14 @@ public:
     // and a page orientation of kPMPortrait to kPMReverseLandscape. Only the text limits its length: the
     // caller refuses a resource that is too long for a job.
     std::string Resource(const std::string& language, std::uint16_t orientation);
+
+    // Given interface; no caller here
+    // Also keeps the wide form.
+    explicit ZANWatermark(const wchar_t* definition);
+
+    // For the tests; no caller here
+    // Empty for a watermark made from narrow text.
+    const std::wstring& WideDefinition() const { return wideDefinition; }
 
 private:
     std::string definition;

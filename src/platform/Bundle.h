@@ -49,7 +49,6 @@ public:
 BundleRef bundleWithIdentifier(std::string_view identifier);
 // Replaces an earlier bundle with the same identifier.
 void registerBundle(const BundleRef& bundle);
-void forgetBundle(std::string_view identifier);
 
 // The only function that a plug-in's shared object exports. It creates an object of the class with the
 // registered name, which the host deletes. Null for another name or another version of the interfaces.
@@ -58,6 +57,9 @@ void forgetBundle(std::string_view identifier);
 inline constexpr const char* bundleEntryName = "torkaBundleInstantiate";
 inline constexpr int bundleInterfaceVersion = 1;
 using BundleEntry = PDEPlugIn* (*)(const char* className, int interfaceVersion);
+
+// For the tests; no caller here
+void forgetBundle(std::string_view identifier);
 
 } // namespace torka::platform
 

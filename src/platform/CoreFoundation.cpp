@@ -118,14 +118,6 @@ bool CFStringGetCString(const CFStringRef& text, char* buffer, CFIndex size, CFS
     return true;
 }
 
-CFDataRef CFStringCreateExternalRepresentation(const CFStringRef& text, CFStringEncoding encoding) {
-    if (!text) {
-        return nullptr;
-    }
-    const auto bytes = encodeText(text->units, encoding);
-    return bytes ? CFDataCreate(bytes->data(), bytes->size()) : nullptr;
-}
-
 CFStringRef CFStringCreateWithSubstring(const CFStringRef& text, CFIndex location, CFIndex length) {
     const CFIndex whole = CFStringGetLength(text);
     if (!text || location < 0 || length < 0 || location > whole || length > whole - location) {

@@ -156,8 +156,6 @@ UniChar CFStringGetCharacterAtIndex(const CFStringRef& text, CFIndex index);
 // Writes the text and a terminating NUL. False, with an empty buffer, when the whole text does not fit or
 // holds a character that the encoding lacks.
 bool CFStringGetCString(const CFStringRef& text, char* buffer, CFIndex size, CFStringEncoding encoding);
-// Null when the text holds a character that the encoding lacks. No terminator.
-CFDataRef CFStringCreateExternalRepresentation(const CFStringRef& text, CFStringEncoding encoding);
 // Null when the range does not lie within the text.
 CFStringRef CFStringCreateWithSubstring(const CFStringRef& text, CFIndex location, CFIndex length);
 // The decimal number behind leading white space; 0 for none. Clamped to the range of 32 bits.
@@ -191,7 +189,6 @@ bool CFBooleanGetValue(const CFBooleanRef& value);
 
 CFDataRef CFDataCreate(const void* bytes, std::size_t length);
 std::span<const std::uint8_t> CFDataGetBytes(const CFDataRef& data);
-CFIndex CFDataGetLength(const CFDataRef& data);
 
 // Leaves out null elements.
 CFArrayRef CFArrayCreate(std::vector<CFTypeRef> values);
@@ -201,7 +198,6 @@ CFTypeRef CFArrayGetValueAtIndex(const CFArrayRef& array, CFIndex index);
 
 // Leaves out pairs with a null key or value.
 CFDictionaryRef CFDictionaryCreate(const std::vector<CFDictionary::Pair>& pairs);
-CFIndex CFDictionaryGetCount(const CFDictionaryRef& dictionary);
 CFTypeRef CFDictionaryGetValue(const CFDictionaryRef& dictionary, const CFStringRef& key);
 CFTypeRef CFDictionaryGetValue(const CFDictionaryRef& dictionary, std::u16string_view key);
 
@@ -234,6 +230,10 @@ bool CFURLGetFSRef(const CFURLRef& url, FSRef& file);
 
 // Whether two values have the same type and content. Null equals only null.
 bool CFEqual(const CFTypeRef& left, const CFTypeRef& right);
+
+// For the tests; no caller here
+CFIndex CFDataGetLength(const CFDataRef& data);
+CFIndex CFDictionaryGetCount(const CFDictionaryRef& dictionary);
 
 } // namespace torka::platform
 

@@ -14,6 +14,8 @@ OSStatus AHGotoPage(const CFStringRef& book, const CFStringRef& page, const CFSt
 
 using HelpViewer =
     std::function<OSStatus(const CFStringRef& book, const CFStringRef& page, const CFStringRef& anchor)>;
+
+// For the tests; no caller here
 void setHelpViewer(HelpViewer viewer);
 
 } // namespace torka::platform

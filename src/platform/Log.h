@@ -21,19 +21,22 @@ public:
     virtual void Line(std::string_view text) = 0;
 };
 
-// Null restores the default.
-void setLogSink(std::shared_ptr<LogSink> sink);
-
-// Logs "myNSLog msg '%s'"; "myNSLog msg nil" for null; "myNSLog msg [empty]" for an empty text.
-void myNSLog(const char* text);
 // Logs the formatted text, cut at 4,095 bytes.
 void myNSLogC(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// Logs "myNSLog8 '%@'"; "myNSLog8 nil" for null.
-void myNSLog8(const CFStringRef& text);
 
 // Logs "Assertion failed: EXPRESSION (SOURCE)" and ends the process. For faults of the program only: no input
 // from outside may lead here.
 [[noreturn]] void assertionFailed(const char* expression, const char* source);
+
+// Given interface; no caller here
+// Logs "myNSLog msg '%s'"; "myNSLog msg nil" for null; "myNSLog msg [empty]" for an empty text.
+void myNSLog(const char* text);
+// Logs "myNSLog8 '%@'"; "myNSLog8 nil" for null.
+void myNSLog8(const CFStringRef& text);
+
+// For the tests; no caller here
+// Null restores the default.
+void setLogSink(std::shared_ptr<LogSink> sink);
 
 } // namespace torka::platform
 

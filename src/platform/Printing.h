@@ -109,12 +109,14 @@ OSStatus PMSessionGetCurrentPrinter(const PMPrintSession& session, PMPrinter& pr
 CFStringRef PMPrinterGetName(const PMPrinter& printer);
 OSStatus PMPrinterCopyDescriptionURL(const PMPrinter& printer, const CFStringRef& type, CFURLRef& url);
 OSStatus PMPrinterCopyDeviceURI(const PMPrinter& printer, CFURLRef& uri);
-OSStatus PMPrinterCopyHostName(const PMPrinter& printer, CFStringRef& name);
 OSStatus PMPrinterGetMakeAndModelName(const PMPrinter& printer, CFStringRef& name);
 OSStatus PMPrinterGetState(const PMPrinter& printer, std::uint16_t& state);
 OSStatus PMPrinterCopyState(const PMPrinter& printer, CFDictionaryRef& state);
 OSStatus PMPrinterGetPaperList(const PMPrinter& printer, std::vector<Paper>& papers);
 OSStatus PMPrinterSendCommand(const PMPrinter& printer, const CFStringRef& command, const CFStringRef& title,
                               const CFDictionaryRef& options);
+
+// Given interface; no caller here
+OSStatus PMPrinterCopyHostName(const PMPrinter& printer, CFStringRef& name);
 
 } // namespace torka::platform

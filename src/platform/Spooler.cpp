@@ -22,6 +22,4 @@ Spooler& spooler() {
 
 void setSpooler(std::unique_ptr<Spooler> newSpooler) { spoolerSlot() = std::move(newSpooler); }
 
-bool hasSpooler() { return spoolerSlot() != nullptr; }
-
 } // namespace torka::platform

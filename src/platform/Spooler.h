@@ -62,7 +62,6 @@ public:
 
 Spooler& spooler();
 void setSpooler(std::unique_ptr<Spooler> newSpooler);
-bool hasSpooler();
 
 } // namespace torka::platform
 

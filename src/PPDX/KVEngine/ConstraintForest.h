@@ -41,9 +41,6 @@ public:
     // Sorts the lines inserted so far. Every query does so when necessary.
     void Settle() const;
 
-    // Returns a new list of what key=option constrains (-1: every option of the key); null when the key has
-    // no tree. Expands wildcard lines; use ForEach to look at everything.
-    std::unique_ptr<ItemConstraintList> GetConstraintList(std::int64_t key, std::int64_t option) const;
     // Returns null when the key has no tree. Valid until the forest changes.
     const KeyConstraintTree* GetTree(std::int64_t key) const;
 
@@ -51,12 +48,15 @@ public:
     // ascending, then in list order. Stops when visit returns false.
     void ForEach(const std::function<bool(std::int64_t, std::int64_t, const KeyOption&)>& visit) const;
 
+    // Given interface; no caller here
+    // Returns a new list of what key=option constrains (-1: every option of the key); null when the key has
+    // no tree. Expands wildcard lines; use ForEach to look at everything.
+    std::unique_ptr<ItemConstraintList> GetConstraintList(std::int64_t key, std::int64_t option) const;
     // Removes the pairs of key2 with option2 (-1: any) from what key=option constrains (-1: every key, every
     // option), and from what those pairs constrain in turn. Returns true when there was a tree to visit.
     bool DisableConstraints(std::int64_t key, std::int64_t option, std::int64_t key2, std::int64_t option2);
     // Restores what was disabled for key=option, and for the restored pairs in turn.
     bool EnableConstraints(std::int64_t key, std::int64_t option, std::int64_t key2, std::int64_t option2);
-
     void clear();
 
 private:

@@ -56,9 +56,8 @@ public:
     Answer Solve(KVCache& changeSet, bool keepChanged);
     // Sets the maximum of pairs and lines that a search may visit. An intermediate answer is cut there too.
     void LimitWork(std::uint64_t pairs) { workLimit = pairs; }
-    // Returns the number of pairs and lines that the last Solve visited.
-    std::uint64_t WorkDone() const { return workDone; }
 
+    // Given interface; no caller here
     // Returns the options of key that constrain something selected now.
     KVCache ListCurrentConstraints(std::int64_t key);
     // Returns the options of key2 that constrain exactly the options of key1 other than excludedOption.

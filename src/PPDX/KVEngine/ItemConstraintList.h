@@ -21,18 +21,22 @@ public:
     ItemConstraintList(ItemConstraintList&&) noexcept = default;
     ItemConstraintList& operator=(ItemConstraintList&&) noexcept = default;
 
-    void insert(std::int64_t key, std::int64_t option) { pairs.push_back({key, option}); }
     void insert(const KeyOption& pair) { pairs.push_back(pair); }
-    ItemConstraintList operator+(const ItemConstraintList& other) const;
-    ItemConstraintList& operator+=(const ItemConstraintList& other);
 
     std::size_t size() const { return pairs.size(); }
+
+    const std::vector<KeyOption>& Pairs() const { return pairs; }
+
+    // Given interface; no caller here
+    void insert(std::int64_t key, std::int64_t option) { pairs.push_back({key, option}); }
+    ItemConstraintList operator+(const ItemConstraintList& other) const;
+    ItemConstraintList& operator+=(const ItemConstraintList& other);
     // Returns a copy of pair i; null when there is none.
     std::unique_ptr<KeyOption> operator[](std::int64_t i) const;
-
-    std::int64_t Owner() const { return owner; }
-    const std::vector<KeyOption>& Pairs() const { return pairs; }
     void Replace(std::vector<KeyOption> kept) { pairs = std::move(kept); }
+
+    // For the tests; no caller here
+    std::int64_t Owner() const { return owner; }
 
 private:
     std::int64_t owner;

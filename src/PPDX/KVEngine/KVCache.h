@@ -39,9 +39,6 @@ public:
     void add(const KeyOption& pair);
     // Inserts each pair of other.
     void merge(const KVCache& other);
-    // Append other's pairs whose key is not negative.
-    KVCache operator+(const KVCache& other) const;
-    KVCache& operator+=(const KVCache& other);
 
     // Returns the position of the first entry equal in key and option, or -1.
     std::int64_t Lookup(const KeyOption& pair) const;
@@ -55,7 +52,6 @@ public:
 
     // Remove and return the pair at that end; (0, 0) when empty.
     KeyOption pop_front();
-    KeyOption pop_back();
 
     std::size_t size() const { return entries.size() - head; }
     void clear();
@@ -65,6 +61,12 @@ public:
 
     // Equal when both hold the same pairs equally often, in any order.
     bool operator==(const KVCache& other) const;
+
+    // Given interface; no caller here
+    // Append other's pairs whose key is not negative.
+    KVCache operator+(const KVCache& other) const;
+    KVCache& operator+=(const KVCache& other);
+    KeyOption pop_back();
 
 private:
     std::size_t PositionOf(std::int64_t key) const;

@@ -43,9 +43,6 @@ public:
     void InsertWildcard(std::shared_ptr<const OptionRange> from, std::shared_ptr<const OptionRange> to,
                         const ConstraintRecord& line);
 
-    // Returns a new list of what the option constrains. -1 means every option, options ascending.
-    std::unique_ptr<ItemConstraintList> GetItemConstraintList(std::int64_t option) const;
-
     // Appends the runs of one option's list (not -1) in order, without expanding them.
     void CollectRuns(std::int64_t option, std::vector<ConstraintRun>& runs) const;
     // Appends runs that hold every pair of every option's list at least once, in no order.
@@ -58,6 +55,9 @@ public:
     template <typename Hit>
     bool AnyRun(std::int64_t option, Hit hit, std::uint64_t& looked) const;
 
+    // Given interface; no caller here
+    // Returns a new list of what the option constrains. -1 means every option, options ascending.
+    std::unique_ptr<ItemConstraintList> GetItemConstraintList(std::int64_t option) const;
     // Saves a copy of the option's list (-1: of every option) unless one is saved already. Then removes from
     // the active list the pairs of key2 with option2 (-1: with any option). Returns the removed pairs.
     std::vector<KeyOption> DisableConstraints(std::int64_t option, std::int64_t key2, std::int64_t option2);

@@ -41,6 +41,8 @@ public:
     // Returns the key's options, or null when the key was never inserted.
     const std::vector<std::int64_t>* GetItems(std::int64_t key) const;
     std::shared_ptr<const KeyOptions> GetOptions(std::int64_t key) const;
+
+    // Given interface; no caller here
     // Fills `out` with every option of every key, keys ascending. Creates `out` when null, else empties it
     // first.
     void GetKeys(std::unique_ptr<KVCache>& out) const;

@@ -29,7 +29,6 @@ public:
     UIConstraints& operator=(const UIConstraints&) = delete;
 
     // Records an option of a key, in the order of the calls. The same option may be recorded twice.
-    void KVSInsert(std::string_view keyText, std::string_view optionText);
     void KVSInsert(std::int64_t key, std::int64_t option);
 
     // Records one constraint line; a requirement demands instead of forbidding. An empty option text means
@@ -51,9 +50,6 @@ public:
     bool IsKVConstrained(std::string_view keyText, std::string_view optionText);
     bool IsKVConstrained(std::int64_t key, std::int64_t option);
 
-    // Returns true when the change set has no conflicts with the selections that result from it.
-    bool ValidateDelta(const KVCache& changeSet);
-
     // The store owns what these return. None returns null.
     ConstraintForest* GetConstraintForest() const { return constraints.get(); }
     ConstraintForest* GetRequiresForest() const { return requirements.get(); }
@@ -63,6 +59,12 @@ public:
 
     // Returns the engine for the live selections, without a locked list. Creates it at the first call.
     ConstraintsEngine* GetEngine();
+
+    // Given interface; no caller here
+    // As KVSInsert above, by name.
+    void KVSInsert(std::string_view keyText, std::string_view optionText);
+    // Returns true when the change set has no conflicts with the selections that result from it.
+    bool ValidateDelta(const KVCache& changeSet);
 
 private:
     std::unique_ptr<ConstraintForest> constraints;

@@ -17,8 +17,6 @@ class PPDXElement {
 public:
     // An empty or null keyword makes an element without one. REQUIRES: inLocalName is not null.
     PPDXElement(const char* keyword, CFStringRef inLocalName, bool visible);
-    // Rebuilds what Save() stored under `prefix` and `index`.
-    PPDXElement(Settings& settings, int index, const CString* prefix);
     PPDXElement(const PPDXElement&) = delete;
     PPDXElement& operator=(const PPDXElement&) = delete;
     virtual ~PPDXElement();
@@ -31,8 +29,6 @@ public:
     // Returns the keyword as a string object, made once; null without a keyword.
     const CFStringRef& CFStringKeyword() const;
     std::size_t KeywordLength() const { return keyword ? keyword->Size() : 0; }
-    // Returns the local name in the system encoding; valid as long as the element.
-    const char* UserName() const;
     const CFStringRef& CFStringUserName() const { return localName; }
     bool IsVisible() const { return visible != 0; }
     bool IsOrphan() const { return parent == nullptr; }
@@ -40,8 +36,15 @@ public:
     void SetParent(PPDXElement* newParent) { parent = newParent; }
 
     // Compare keywords; false when either has none.
-    bool operator==(const PPDXElement& other) const;
     bool operator==(const char* otherKeyword) const;
+
+    // Given interface; no caller here
+    // Rebuilds what Save() stored under `prefix` and `index`.
+    PPDXElement(Settings& settings, int index, const CString* prefix);
+    // Returns the local name in the system encoding; valid as long as the element.
+    const char* UserName() const;
+    // Compare keywords; false when either has none.
+    bool operator==(const PPDXElement& other) const;
 
 protected:
     void SaveElement(Settings& settings, int index, const char* prefix) const;

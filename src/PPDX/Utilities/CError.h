@@ -20,10 +20,12 @@ public:
     bool operator==(std::int16_t other) const { return code == other; }
 
     std::int16_t Code() const { return code; }
+    bool IsFatal() const { return fatal; }
+
+    // Given interface; no caller here
     // Null when empty.
     const char* Description() const { return description.Empty() ? nullptr : description.Buffer(); }
     void Description(const char* text) { description = text; }
-    bool IsFatal() const { return fatal; }
 
 private:
     std::int16_t code = 0;

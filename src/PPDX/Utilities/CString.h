@@ -18,8 +18,6 @@ public:
     CString(const char* text) { SetBuffer(text); } // null leaves it unset
     CString(const CString& other) { SetBuffer(other.buffer); }
     CString(CString&& other) noexcept;
-    // Converts as operator=(CFStringRef) does. Size() then counts UTF-16 units until the text changes.
-    CString(const CFStringRef& text);
     virtual ~CString() { ClearBuffer(); }
 
     // Drops the buffer without freeing it.
@@ -36,6 +34,17 @@ public:
     // the encoding lacks, give "".
     CString& operator=(const CFStringRef& text);
 
+    // False when either side is null.
+    bool operator==(const char* text) const;
+
+    operator const char*() const { return buffer; }
+    const char* Buffer() const { return buffer; }
+    std::size_t Size() const { return length; }
+    bool Empty() const { return buffer == nullptr || buffer[0] == '\0'; }
+
+    // Given interface; no caller here
+    // Converts as operator=(CFStringRef) does. Size() then counts UTF-16 units until the text changes.
+    CString(const CFStringRef& text);
     // Appends in place and returns the string itself.
     CString& operator+(const char* text);
     // Replaces the first occurrence.
@@ -44,18 +53,10 @@ public:
     void Remove(char* at, std::size_t count);
     // Does nothing on an unset string, for an empty text, or for a position outside this buffer.
     void Insert(char* at, const char* text);
-
     // An unset right-hand side equals everything.
     bool operator==(const CString& other) const;
-    // False when either side is null.
-    bool operator==(const char* text) const;
     // Compares with the text in UTF-8.
     bool operator==(const CFStringRef& text) const;
-
-    operator const char*() const { return buffer; }
-    const char* Buffer() const { return buffer; }
-    std::size_t Size() const { return length; }
-    bool Empty() const { return buffer == nullptr || buffer[0] == '\0'; }
     // Ignores the case of ASCII letters. False when either side is null.
     bool Contains(const char* text) const;
 

@@ -45,12 +45,14 @@ public:
 
     void* operator*() const { return node != nullptr ? node->data : nullptr; }
     PointerListItr& operator++();
-    PointerListItr operator++(int);
-    PointerListItr& operator--();
-    PointerListItr operator--(int);
     bool operator==(const PointerListItr& other) const { return node == other.node; }
 
     PNode* Node() const { return node; }
+
+    // Given interface; no caller here
+    PointerListItr operator++(int);
+    PointerListItr& operator--();
+    PointerListItr operator--(int);
 
 private:
     PNode* node = nullptr;
@@ -73,10 +75,12 @@ public:
 
     void* operator*() const { return node != nullptr ? node->data : nullptr; }
     ConstPointerListItr& operator++();
+    bool operator==(const ConstPointerListItr& other) const { return node == other.node; }
+
+    // Given interface; no caller here
     ConstPointerListItr operator++(int);
     ConstPointerListItr& operator--();
     ConstPointerListItr operator--(int);
-    bool operator==(const ConstPointerListItr& other) const { return node == other.node; }
 
 private:
     const PNode* node = nullptr;
@@ -101,22 +105,24 @@ public:
 
     // Adding throws std::bad_alloc when memory runs out and then changes nothing.
     void PushBack(const void* element);
-    void PushFront(const void* element);
     // Inserts at the front when `place` is a null iterator or the head. Returns the new node's place.
     PointerListItr InsertBefore(PointerListItr place, const void* element);
     // Returns the following place. For a null iterator or a sentinel, erases nothing and returns Begin().
     PointerListItr Erase(PointerListItr place);
-    // Erases up to but not including `last`, or to the end when `last` does not follow. Returns `last`.
-    PointerListItr Erase(PointerListItr first, PointerListItr last);
     // No effect on an empty list.
     void PopFront();
+    std::size_t Size() const { return count; }
+    bool Empty() const { return count == 0; }
+    void MakeEmpty();
+
+    // Given interface; no caller here
+    void PushFront(const void* element);
+    // Erases up to but not including `last`, or to the end when `last` does not follow. Returns `last`.
+    PointerListItr Erase(PointerListItr first, PointerListItr last);
     void PopBack();
     // Null when empty.
     void* Front() const { return head->next->data; }
     void* Back() const { return tail->prev->data; }
-    std::size_t Size() const { return count; }
-    bool Empty() const { return count == 0; }
-    void MakeEmpty();
 
 private:
     std::size_t count = 0;

@@ -36,8 +36,6 @@ inline constexpr std::size_t mostRecordText = std::size_t{256} * 1024;
 
 inline constexpr std::string_view argumentDelimiter = "::DELIMIT::";
 
-// "Command_UpdateCommands" and so on, without the UUID that some titles end in.
-std::string_view commandName(SpoolerCommand command);
 // The title for a new job. It has a new UUID when the command's title ends in one.
 std::string commandTitle(SpoolerCommand command);
 // The command that a job's title names. nullopt unless the text is exactly a command's title.
@@ -71,14 +69,6 @@ std::string updateRequestText(std::string_view identifier, std::string_view prin
 // 255 bytes, or the text more than 65,536. Skips lines that are not NAME=VALUE.
 std::optional<UpdateRequest> parseUpdateRequest(std::string_view text);
 
-// Sends "Command_UpdateCommands": the request, then the caller's command (further request lines). True when
-// the printing system accepts it.
-bool sendUpdateCommandToCFFWithCommand(const PMPrinter& printer, std::string_view identifier,
-                                       std::string_view printerAddress, std::string_view request,
-                                       std::string_view command);
-// Sends "Command_DeleteUpdateFiles" with the text unchanged: file names, one a line.
-void deleteFileCommandToCFF(const PMPrinter& printer, std::string_view files);
-
 // Composes the requests for server data and remembers the identifier of the last one.
 class ServerDataRequests {
 public:
@@ -98,5 +88,18 @@ private:
     std::string identifier;
     std::optional<std::string> previousIP;
 };
+
+// Given interface; no caller here
+// Sends "Command_UpdateCommands": the request, then the caller's command (further request lines). True when
+// the printing system accepts it.
+bool sendUpdateCommandToCFFWithCommand(const PMPrinter& printer, std::string_view identifier,
+                                       std::string_view printerAddress, std::string_view request,
+                                       std::string_view command);
+// Sends "Command_DeleteUpdateFiles" with the text unchanged: file names, one a line.
+void deleteFileCommandToCFF(const PMPrinter& printer, std::string_view files);
+
+// For the tests; no caller here
+// "Command_UpdateCommands" and so on, without the UUID that some titles end in.
+std::string_view commandName(SpoolerCommand command);
 
 } // namespace torka

@@ -57,6 +57,7 @@ SDMRESULT pGetCalibration(SDMHANDLE handle, wchar_t** calibrations, wchar_t** cu
 SDMRESULT pGetCalibrationEx(SDMHANDLE handle, wchar_t** calibrations, wchar_t** current);
 SDMRESULT pGetNonTorkaCalibrationInfo(SDMHANDLE handle, wchar_t** info);
 
+// Given interface; no caller here
 // Functions that are not in the table.
 SDMRESULT sdmFuncPtrGetServerInfo(SDMHANDLE handle, int32_t item, wchar_t** value);
 SDMRESULT sdmFuncPtrIsServerFeatureSupported(SDMHANDLE handle, const wchar_t* name, int32_t* supported);

@@ -27,6 +27,7 @@ void getCurrentLocaleCode();
 // The server language code for a language tag (BCP 47).
 std::string_view serverLanguageCode(std::string_view languageTag);
 
+// Given interface; no caller here
 bool isSandboxedApp();
 
 } // namespace torka

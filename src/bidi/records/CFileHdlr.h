@@ -14,14 +14,22 @@ namespace torka {
 // Owns the open file. Uses paths as given, without the system root.
 class CFileHdlr {
 public:
-    // Opens the file for writing when the path is not empty, and empties it.
-    explicit CFileHdlr(std::string filePath);
-    // For reading. Opens nothing.
-    CFileHdlr(std::string filePath, std::string_view mode);
     CFileHdlr(const CFileHdlr&) = delete;
     CFileHdlr& operator=(const CFileHdlr&) = delete;
     ~CFileHdlr();
 
+    // Reads a record. The block has a NUL behind the payload. `size`, unless null, receives the payload's
+    // size. Null and size 0 when the name or the text is empty, no line holds the record's first
+    // chunk, or memory runs out. A broken record ends at its first fault.
+    //
+    // The line of a chunk is the first line that holds the chunk's name, behind the line of the chunk before.
+    static RecordBlock stringReadData(std::string_view text, std::string_view recordName, std::size_t* size);
+
+    // Given interface; no caller here
+    // Opens the file for writing when the path is not empty, and empties it.
+    explicit CFileHdlr(std::string filePath);
+    // For reading. Opens nothing.
+    CFileHdlr(std::string filePath, std::string_view mode);
     // Append to the buffer and return the number of characters added.
     int AddString(std::string_view text);
     int AddInt(int value);
@@ -31,14 +39,8 @@ public:
     int Commit();
     // Empties the buffer. Returns the number of characters it held; -1 for none.
     int Discard();
-
-    // Read a record. The block has a NUL behind the payload. `size`, unless null, receives the payload's
-    // size. Null and size 0 when the name or the source is empty, the file cannot be opened, no line holds
-    // the record's first chunk, or memory runs out. A broken record ends at its first fault.
-    //
-    // The line of a chunk is the first line that holds the chunk's name, behind the line of the chunk before.
+    // As stringReadData, of a file. Null also when the file cannot be opened.
     static RecordBlock fileReadData(const std::string& path, std::string_view recordName, std::size_t* size);
-    static RecordBlock stringReadData(std::string_view text, std::string_view recordName, std::size_t* size);
     // Appends a record's lines to `out`, and writes them to the standard error stream in blocks of less than
     // 1,024 bytes. False, without effect, when encodeRecord refuses the record.
     static bool fileWriteData(std::string_view recordName, const void* data, std::size_t size,

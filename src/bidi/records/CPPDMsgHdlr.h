@@ -17,8 +17,6 @@ namespace torka {
 // because the PPD format allows 255 characters a line and a 36-character name leaves no room for them. The
 // end mark is the empty quoted value.
 
-// False, with nothing written, when encodeRecord refuses the record.
-bool ppdxWriteData(std::string_view recordName, const void* data, std::size_t size);
 // As CFileHdlr::stringReadData. libcups looks up the keywords; it ignores letter case.
 RecordBlock ppdxReadData(ppd_file_t* ppd, std::string_view recordName, std::size_t* size);
 // The names of the records in an open PPD in the order of the file, each once, "QV" included.
@@ -29,15 +27,17 @@ class CPPDMsgHdlr {
 public:
     CPPDMsgHdlr(std::string path, std::string_view messageName);
 
+    // Open the PPD and read the record. Empty when the record is absent or the PPD cannot be opened. The
+    // reference stays valid until the next call. Wait up to 2 seconds for a PPD that the print server is
+    // replacing.
+    const std::wstring& GetStringData();
+
+    // Given interface; no caller here
     // Send the record. Return -1 for an empty text, else the length of the record name.
     int Commit(std::wstring_view text) const;
     int Commit(std::string_view text) const;
     // Forgets the text that was read.
     void Discard();
-    // Open the PPD and read the record. Empty when the record is absent or the PPD cannot be opened. The
-    // reference stays valid until the next call. Wait up to 2 seconds for a PPD that the print server is
-    // replacing.
-    const std::wstring& GetStringData();
     const std::string& GetCStringData();
 
 private:
@@ -48,5 +48,9 @@ private:
     std::wstring wideData;
     std::string narrowData;
 };
+
+// Given interface; no caller here
+// False, with nothing written, when encodeRecord refuses the record.
+bool ppdxWriteData(std::string_view recordName, const void* data, std::size_t size);
 
 } // namespace torka

@@ -22,25 +22,9 @@ public:
     // Replace every occurrence in one pass from the start. An empty `from` replaces nothing.
     static std::string __replace(std::string_view text, std::string_view from, std::string_view to);
     static std::wstring __replaceW(std::wstring_view text, std::wstring_view from, std::wstring_view to);
-    // Returns UTF-8.
-    static std::string narrow(std::wstring_view wide);
-    static std::string GenerateRandomID();
-    // The first piece between separators that contains the key.
-    static std::optional<std::wstring> findLineWithKey(std::wstring_view key, std::wstring_view text,
-                                                       std::wstring_view separators);
-    // The pieces between runs of separators. No piece is empty.
-    static std::vector<std::wstring> tockenizeWstring(std::wstring_view text, std::wstring_view separators);
-    // Allocates an array of `rows` empty texts for the module. Each text is a block with room for `length`
-    // characters. False, with a null array, when memory runs out.
-    static bool AllocMemory(const ModuleMemory& memory, wchar_t**& array, std::size_t rows,
-                            std::size_t length);
     // Free such an array and its texts, which are null or blocks of that memory, and set the array to null.
     static void deallocTwoDimenArray(const ModuleMemory& memory, wchar_t**& array, std::size_t rows);
     static void deallocateArrayOfStrings(const ModuleMemory& memory, wchar_t**& array, std::size_t count);
-    // Reads a file of UTF-8 text. Empty when it cannot be read or has more than 16 MiB.
-    static std::wstring readFileWithWcharContent(const std::string& path);
-    // The decimal value behind leading white space, 0 for none, clamped to the range of int.
-    static int wtoi(std::wstring_view text);
 
     // The text between the first opening tag and the closing tag that follows it. False when either is
     // missing.
@@ -60,6 +44,24 @@ public:
     static bool GetControlKeyValFromDMTXmlData(std::wstring_view xml, KeyValues& map);
     static bool GetLockedKeyValFromDMTXmlData(std::wstring_view xml, KeyValues& map);
     static bool GetHiddenKeyValFromDMTXmlData(std::wstring_view xml, KeyValues& map);
+
+    // Given interface; no caller here
+    // Returns UTF-8.
+    static std::string narrow(std::wstring_view wide);
+    static std::string GenerateRandomID();
+    // The first piece between separators that contains the key.
+    static std::optional<std::wstring> findLineWithKey(std::wstring_view key, std::wstring_view text,
+                                                       std::wstring_view separators);
+    // The pieces between runs of separators. No piece is empty.
+    static std::vector<std::wstring> tockenizeWstring(std::wstring_view text, std::wstring_view separators);
+    // Allocates an array of `rows` empty texts for the module. Each text is a block with room for `length`
+    // characters. False, with a null array, when memory runs out.
+    static bool AllocMemory(const ModuleMemory& memory, wchar_t**& array, std::size_t rows,
+                            std::size_t length);
+    // Reads a file of UTF-8 text. Empty when it cannot be read or has more than 16 MiB.
+    static std::wstring readFileWithWcharContent(const std::string& path);
+    // The decimal value behind leading white space, 0 for none, clamped to the range of int.
+    static int wtoi(std::wstring_view text);
 };
 
 } // namespace torka

@@ -17,6 +17,8 @@ namespace torka {
 
 std::wstring TonerInfoToBuffer(const SDMTonerInfoArray* toners);
 std::wstring TrayInfoToBuffer(const SDMTrayInfoArray* trays);
+
+// Given interface; no caller here
 std::wstring AllDeviceLinkProfilesToBuffer(const SDMKeyValueList* profiles);
 // Writes an empty value as "EMPTYSTRING". Also serves for the defaults of a queue.
 std::wstring PPDDefaultsToBuffer(const SDMKeyValueList* defaults);

@@ -9,10 +9,12 @@ namespace torka {
 class CBuffer {
 public:
     void AddString(std::wstring_view piece);
-    void AddCString(std::string_view piece);
     void AddInt(int value);
-    void AddFloat(float value);
     const std::wstring& GetStringData() const { return text; }
+
+    // Given interface; no caller here
+    void AddCString(std::string_view piece);
+    void AddFloat(float value);
     std::string GetCStrData() const;
 
 private:

@@ -9,10 +9,6 @@
 
 namespace torka {
 
-// Reads up to a line end or the end of input, and drops the line end. The last line needs no line end. After
-// the last line the stream fails.
-std::istream& safeGetline(std::istream& stream, std::string& line);
-
 // The end of the line that holds `position`: its CR or LF, or the end of the text.
 std::size_t lineEnd(std::string_view text, std::size_t position);
 // The beginning of the next line. `end` is the end of a line.
@@ -20,5 +16,10 @@ std::size_t lineAfter(std::string_view text, std::size_t end);
 
 // Ends every line in LF.
 std::string withPlainLineEnds(std::string text);
+
+// Given interface; no caller here
+// Reads up to a line end or the end of input, and drops the line end. The last line needs no line end. After
+// the last line the stream fails.
+std::istream& safeGetline(std::istream& stream, std::string& line);
 
 } // namespace torka

@@ -40,7 +40,6 @@ public:
     // Makes the store of the address list, each time that the list is read.
     using AddressStoreMaker = std::function<std::unique_ptr<PropertyListStore>()>;
 
-    PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access);
     // With another store for the address list than that of the queue.
     PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access, AddressStoreMaker addressStore);
     ~PDEData() override;
@@ -78,7 +77,6 @@ public:
     bool SetIPAddressEnabled(bool enabled);
     // Whether two-way communication is on. Also refreshes the address that was found last.
     bool isBIDIEnabled();
-    bool isFirstLaunch() const { return mAddressFromQueue; }
 
     std::uint32_t GetNumCopiesFromOS() const;
     std::uint16_t GetPageOrientationFromOS() const;
@@ -92,9 +90,6 @@ public:
     // dropped.
     bool dmtHides(std::string_view keyword);
     bool dmtLocks(std::string_view keyword);
-    // Appends "*" and the key for every key that the template shows or hides. False for an empty document and
-    // for one that is not UTF-8.
-    bool fetchHiddenKeysFromDMTXML(std::vector<std::string>& keys) const;
     // Takes over the template's control values: into the lists, the account pairs and the print settings. The
     // counts of mixed media and pad covers begin at 0. The counts of slip sheets and cover pages continue
     // from their present values.
@@ -136,6 +131,13 @@ public:
     std::span<const WideSetting> CoverPages() const override { return mCoverPage.Entries(); }
     std::span<const WideSetting> PaperCatalogue() const override { return mAccountPairs; }
     ZANWatermark* SelectedWatermark() const override { return mWatermarks.Selected(); }
+
+    // Given interface; no caller here
+    PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access);
+    bool isFirstLaunch() const { return mAddressFromQueue; }
+    // Appends "*" and the key for every key that the template shows or hides. False for an empty document and
+    // for one that is not UTF-8.
+    bool fetchHiddenKeysFromDMTXML(std::vector<std::string>& keys) const;
 
 private:
     void CopyDescription();

@@ -58,13 +58,15 @@ public:
     PaneCatalog& operator=(const PaneCatalog&) = delete;
 
     const std::vector<PanePage>& Pages() const { return pages; }
-    std::size_t FieldCount() const { return byKeyword.size(); }
     // Null when no page shows the keyword.
     const PaneField* Find(std::string_view keyword) const;
     // The field of any control, whether a page shows it or not.
     static PaneField FieldOf(PPDXControl& control);
     // Calls `visit` with every field, in order.
     void ForEach(const std::function<void(const PaneField&)>& visit) const;
+
+    // For the tests; no caller here
+    std::size_t FieldCount() const { return byKeyword.size(); }
 
 private:
     void AddPages(const ZANPPD& ppd, const std::function<bool(std::string_view)>& hides);

@@ -30,12 +30,8 @@ public:
     std::string FoundAddress() const { return bonjourAddress(paths); }
 
     BidiFailure& Failure() { return failure; }
-    bool readBidiData();
     // Never null; empty before the first reading.
     std::shared_ptr<const std::string> getBidiDataCopy() const { return dataFile->getBidiDataCopy(); }
-    bool WaitForFileToBeCreated(std::string_view requestId, std::string_view path);
-    bool canBiDiDataFileBeAccessed();
-    bool isPrinterBusyWithPrinting(const PMPrinter& printer);
     BidiChoice printerInBusyState_ContinueBiDiOFF() const {
         return failure.printerInBusyState_ContinueBiDiOFF();
     }
@@ -64,6 +60,12 @@ public:
     void Forget();
     // Listeners are called after each change of the state and after each reading.
     void AddListener(std::function<void()> listener) { listeners.push_back(std::move(listener)); }
+
+    // Given interface; no caller here
+    bool readBidiData();
+    bool WaitForFileToBeCreated(std::string_view requestId, std::string_view path);
+    bool canBiDiDataFileBeAccessed();
+    bool isPrinterBusyWithPrinting(const PMPrinter& printer);
 
 private:
     Answer Chosen() const;

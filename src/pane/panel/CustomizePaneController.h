@@ -42,8 +42,6 @@ public:
     // True when the text is longer than the note allows. The note is found by its exact keyword; an unknown
     // keyword allows every text. Also sets the state that isNumericText reads.
     bool LimitTextLengthOfJobNoteControl(std::string_view keyword, const CFStringRef& text);
-    // The index of the last character that the numeric note of the last call above does not accept, or -1.
-    std::int64_t isNumericText(const CFStringRef& text) const;
 
     // The tag of the field of a note. The same keyword always gives the same tag, never 0.
     std::uint32_t TagOfJobNote(std::string_view keyword);
@@ -51,12 +49,18 @@ public:
     // then show that text.
     CFStringRef controlTextDidChange(std::uint32_t tag, const CFStringRef& text);
 
-    std::uint32_t CurrentJobNoteControlTag() const { return currentJobNoteControlTag; }
-    std::uint32_t JobNoteClipValue() const { return jobNoteClipValue; }
-
     // Forgets the selected server preset, because the settings no longer match it. Does nothing until set.
     void SetServerPresetReset(std::function<void()> forget) { forgetServerPreset = std::move(forget); }
     void resetJPServerpresetKeys() const;
+
+    // Given interface; no caller here
+    // The index of the last character that the note of the last LimitTextLengthOfJobNoteControl does not
+    // accept when it is numeric, or -1.
+    std::int64_t isNumericText(const CFStringRef& text) const;
+
+    // For the tests; no caller here
+    std::uint32_t CurrentJobNoteControlTag() const { return currentJobNoteControlTag; }
+    std::uint32_t JobNoteClipValue() const { return jobNoteClipValue; }
 
 private:
     PPDXJobNote* FindNote(std::string_view keyword) const;

@@ -61,7 +61,6 @@ public:
     ZANPPD* getPPDPtr() const { return self.myppd.get(); }
     UI_Panel* GetUI_PanelPtr() const { return self.myUi_Panel.get(); }
     PDEData* GetPDEDataPtr() const { return self.myPDEData.get(); }
-    const BundleRef& pdeBundle() const { return self.pdeBundle; }
     const CFStringRef& bundleVersion() const override { return self.myBundleVersion; }
     // Null until the interface file is loaded, and when it is missing or broken. The pane then works without
     // widgets.
@@ -75,10 +74,6 @@ public:
     std::string LocalizedString(std::string_view key, std::string_view defaultText,
                                 std::string_view table = "Localizable") const override;
 
-    CFStringRef currentIPAddress() const; // the address field's text
-    bool isBonjourPrinter() const { return self.isBonjourPrinter; }
-    bool isCustomPageSize() const { return self.customPageSize; }
-    const CFStringRef& customPapername() const { return self.customPapername; }
     void setFullPropertiesButtonStatusON(bool on) override;
     void setCustomizeQuickAccessButtonButtonStatusON(bool on) override;
     void setDefaultsButtonStatusON(bool on) override;
@@ -102,8 +97,6 @@ public:
 
     // Writes the present settings into the print settings.
     void Sync(const PDEPlugInCallbackRef& callback);
-    bool sendUpdateCommandToCFFWithCommand(std::string_view command);
-    void deleteFileCommandToCFF(std::string_view files);
     // Empties the job notes that name a server preset, which another server does not know.
     void resetJPServerpresetKeys();
     // The "keys" line of a request; "" when the description has no dynamic control.
@@ -136,6 +129,15 @@ public:
     void requestServerData(ServerExchange::Failures failures);
     // Sends the commands that were held back until the first painting.
     void sendDeferredCommands();
+
+    // Given interface; no caller here
+    const BundleRef& pdeBundle() const { return self.pdeBundle; }
+    CFStringRef currentIPAddress() const; // the address field's text
+    bool isBonjourPrinter() const { return self.isBonjourPrinter; }
+    bool isCustomPageSize() const { return self.customPageSize; }
+    const CFStringRef& customPapername() const { return self.customPapername; }
+    bool sendUpdateCommandToCFFWithCommand(std::string_view command);
+    void deleteFileCommandToCFF(std::string_view files);
 
 private:
     explicit TorkaFeaturesPDE(PDEPlugInCallbackRef callback);

@@ -79,8 +79,6 @@ public:
     void writeLocalJPPresetsToDynamicPPD();
 
     CustomizePaneController& GetCustomizePane() const { return *mCustomizePane; }
-    const std::string& CustomSize() const { return mCustomSize; } // "%f %f", points; "" before any
-    const std::string& CustomPaperName() const { return mCustomPaperName; }
     SharedMemoryList& Record() const { return *mSharedList; }
 
     // BonjourModuleOwner
@@ -99,6 +97,7 @@ public:
     static PPDTree Tree;
 
     // Given interface; no caller here
+    // Given interface; no caller here
     bool isPylon3() const; // the controller system is of version 4.2 or 4.3
     // The person's account name into the job note "*QVUserAuthName"; nothing without such a note.
     void GetOSAccountName();
@@ -106,6 +105,10 @@ public:
     void setReturnFromJP(std::int32_t returned) { mReturnFromJP = returned; }
     std::int32_t getfromCustomizepanel() const { return mFromCustomizePanel; }
     void setfromCustomizepanel(std::int32_t from) { mFromCustomizePanel = from; }
+
+    // For the tests; no caller here
+    const std::string& CustomSize() const { return mCustomSize; } // "%f %f", points; "" before any
+    const std::string& CustomPaperName() const { return mCustomPaperName; }
 
 private:
     PDEData* mPDEData;
@@ -179,6 +182,7 @@ extern std::chrono::steady_clock::time_point sLoadingTime;
 // The entry of UI_Panel::Tree with that keyword; null when there is none.
 PPDTreeQuickAccess* GetShortcutFromKeyword(std::string_view keyword);
 
+// Given interface; no caller here
 // Given interface; no caller here
 // Whether the module can speak with the controller itself: two-way communication is on and the record of the
 // panel made last has an address.

@@ -15,9 +15,11 @@ class ConflictBar final : public QFrame {
 public:
     explicit ConflictBar(PaneContext& paneContext, QWidget* parent = nullptr);
     void Update(const PaneChange* change);
+    QString Text() const;
+
+    // For the tests; no caller here
     QPushButton* ResolveButton() const { return resolve; }
     QPushButton* UndoButton() const { return undo; }
-    QString Text() const;
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -44,14 +44,16 @@ public:
     // Goes to a field on its page; before the first drawing, goes there when the pane is drawn. False when no
     // page shows the field.
     bool ShowField(const std::string& keyword);
-    std::vector<std::string> PageIdentifiers() const;
     // The visible page when it is a page of fields, else null.
     FieldPage* CurrentFieldPage() const;
     QLineEdit* SearchField() const { return search; }
-    QListWidget* PageList() const { return list; }
-    ConflictBar* Bar() const { return bar; }
     // Shows the result of the search without waiting for a pause in typing.
     void SearchNow();
+
+    // For the tests; no caller here
+    std::vector<std::string> PageIdentifiers() const;
+    QListWidget* PageList() const { return list; }
+    ConflictBar* Bar() const { return bar; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

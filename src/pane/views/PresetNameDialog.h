@@ -23,6 +23,8 @@ public:
                      std::function<void(const std::string&)> take, QWidget* parent);
     void accept() override;
     QLineEdit* Field() const { return field; }
+
+    // For the tests; no caller here
     QPushButton* AcceptButton() const { return acceptButton; }
 
 private:

@@ -70,10 +70,12 @@ public:
     bool confirmBrokenNotes() override;
     BonjourModuleView& addressSheet() override { return *addressDialog; }
 
-    PaneEditor& Editor() { return editor; }
     // Null after the end of the root view.
     CustomizePaneWidget* Pane() const;
     QWidget* Outlet(PaneOutlet outlet) const;
+
+    // For the tests; no caller here
+    PaneEditor& Editor() { return editor; }
 
 private:
     // Forwards to the drawing widgets, which may end before it.

@@ -30,12 +30,13 @@ public:
     std::vector<std::string> Chosen() const;
 
     QTreeWidget* Available() const { return available; }
-    QListWidget* ChosenList() const { return chosen; }
     QLineEdit* SearchField() const { return search; }
+
+    // For the tests; no caller here
+    QListWidget* ChosenList() const { return chosen; }
     QPushButton* AddButton() const { return add; }
     QPushButton* RemoveButton() const { return remove; }
     QPushButton* UpButton() const { return up; }
-    QPushButton* DownButton() const { return down; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -26,12 +26,14 @@ public:
     void Update();
 
     QListWidget* List() const { return list; }
-    QCheckBox* FirstPageBox() const { return firstPage; }
     WatermarkPreview* Preview() const { return preview; }
     WatermarkDialog* Dialog() const { return dialog; }
     void Add();
     void Edit();
     void Delete();
+
+    // For the tests; no caller here
+    QCheckBox* FirstPageBox() const { return firstPage; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

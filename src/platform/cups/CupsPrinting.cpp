@@ -165,6 +165,4 @@ OSStatus CupsSession::CurrentPrinter(PMPrinter& printer) const {
     return noErr;
 }
 
-void CupsSession::SetCurrentPrinter(const std::string& name) { queueName = name; }
-
 } // namespace torka::platform

@@ -49,7 +49,6 @@ public:
     // Returns the same object while the queue stays the same; kPMGeneralError when the server has no such
     // queue.
     OSStatus CurrentPrinter(PMPrinter& printer) const override;
-    void SetCurrentPrinter(const std::string& name);
 
 private:
     std::string queueName;

@@ -16,7 +16,6 @@ class PPDXBooleanControl final : public PPDXControl {
 public:
     PPDXBooleanControl(const ControlDefinition& definition, bool defaultState, const BooleanBranch& whenTrue,
                        const BooleanBranch& whenFalse);
-    PPDXBooleanControl(Settings& settings, int index, const CString* prefix);
     ~PPDXBooleanControl() override;
 
     void Save(Settings& settings, const int& index) const override;
@@ -30,11 +29,14 @@ public:
 
     bool IsTrue() const { return value != 0; }
     void SetValue(bool state);
-    void SetDefaultValue(bool state) { defaultValue = state ? 1 : 0; }
     bool DefaultState() const { return defaultValue != 0; }
     // Return null when the description has no such text.
     const char* TrueDisplayText() const;
     const char* FalseDisplayText() const;
+
+    // Given interface; no caller here
+    PPDXBooleanControl(Settings& settings, int index, const CString* prefix);
+    void SetDefaultValue(bool state) { defaultValue = state ? 1 : 0; }
 
 private:
     void ReportValue() const override;

@@ -50,7 +50,6 @@ const unsigned char* bytesOf(const std::string& text);
 class PPDXControl : public PPDXElement {
 public:
     PPDXControl(CNTL_TYPE type, const ControlDefinition& definition);
-    PPDXControl(CNTL_TYPE type, Settings& settings, int index, const CString* prefix);
     ~PPDXControl() override;
 
     bool OkayToDisplay(const _DISPLAY_OPTIONS_& options) const override;
@@ -78,22 +77,15 @@ public:
     static const char* NextString(const PointerList& strings, ConstPointerListItr& cursor);
     const char* FirstControlFlag();
     const char* NextControlFlag();
-    std::size_t ControlFlagCount() const { return flags.Size(); }
     bool FindControlFlag(const char* name) const;
 
     bool IsDynamic() const { return FindControlFlag("Dynamic"); }
-    bool IsCommand() const { return FindControlFlag("Command"); }
-    bool IsSpooler() const { return FindControlFlag("Spooler"); }
     bool IsNoTorkaDriverUI() const {
         return FindControlFlag("NoTorkaDriverUI") || FindControlFlag("DriverUserDisplayHidden");
     }
-    bool IsSetup() const { return FindControlFlag("Setup"); }
-    bool IsMacFJN() const { return FindControlFlag("MacFJN"); }
-    bool IsMacImgShift() const { return FindControlFlag("MacIS"); }
 
     const unsigned char* PSData() const { return psData; }
     long PSLength() const { return psLength; }
-    UIConstraints* Constraints() const { return constraints; }
 
     // Replaces every "<name>" of the template by `value`. A job note's value becomes a hex string or is
     // escaped as its place needs it (see the source). Does not search an inserted value again. Returns the
@@ -106,9 +98,19 @@ public:
                               std::string_view option, bool wrap) const;
     // Reports the current selection to the constraint store. Does nothing without a store or a text.
     void UpdateKVCache(const char* keyword, const char* value) const;
-    void UpdateKVCache(std::int64_t keyword, std::int64_t value) const;
     // Sets the store of a control rebuilt from settings, and reports the value to it.
     void SetConstraints(UIConstraints* store);
+
+    // Given interface; no caller here
+    PPDXControl(CNTL_TYPE type, Settings& settings, int index, const CString* prefix);
+    std::size_t ControlFlagCount() const { return flags.Size(); }
+    bool IsCommand() const { return FindControlFlag("Command"); }
+    bool IsSpooler() const { return FindControlFlag("Spooler"); }
+    bool IsSetup() const { return FindControlFlag("Setup"); }
+    bool IsMacFJN() const { return FindControlFlag("MacFJN"); }
+    bool IsMacImgShift() const { return FindControlFlag("MacIS"); }
+    UIConstraints* Constraints() const { return constraints; }
+    void UpdateKVCache(std::int64_t keyword, std::int64_t value) const;
 
 protected:
     // Reports the current value to the store. Does nothing in controls whose values the store does not track.
@@ -130,6 +132,7 @@ private:
     std::vector<std::unique_ptr<unsigned char[]>> keptBytes;
 };
 
+// Given interface; no caller here
 // Return false for null.
 bool IsSpoolerControl(const PPDXControl* control);
 bool IsNoTorkaDriverUIControl(const PPDXControl* control);

@@ -67,9 +67,6 @@ public:
     enum class Ownership { owns, refers };
 
     explicit PPDXControls(Ownership ownership = Ownership::owns);
-    // Rebuilds the controls that Save() stored, owns them, and reports them to the constraint store. Puts
-    // each into its roll-down in `groups`. Both may be null.
-    PPDXControls(Settings& settings, UIConstraints* constraints, const PPDXGroups* groups);
     PPDXControls(const PPDXControls&) = delete;
     PPDXControls& operator=(const PPDXControls&) = delete;
     ~PPDXControls();
@@ -83,36 +80,17 @@ public:
     std::size_t FloatRangeCount() const { return Count(Of<PPDXFloatRangeControl>().counts); }
     std::size_t JobNoteCount() const { return Count(Of<PPDXJobNote>().counts); }
     std::size_t CustomPageSizeCount() const { return Count(Of<PPDXCustomPageSizeControl>().counts); }
-    std::size_t SpecialOptionsCount() const { return Count(Of<PPDXSpecialOption>().counts); }
     // Counts all kinds except special options.
     std::size_t ControlCount() const;
 
     // These include every control that was added.
     bool Empty() const { return all.Empty(); }
-    bool NoPopups() const { return Of<PPDXPopupControl>().list.Empty(); }
-    bool NoBooleanControls() const { return Of<PPDXBooleanControl>().list.Empty(); }
-    bool NoRangeControls() const { return Of<PPDXRangeControl>().list.Empty(); }
-    bool NoFloatRangeControls() const { return Of<PPDXFloatRangeControl>().list.Empty(); }
-    bool NoJobNotes() const { return Of<PPDXJobNote>().list.Empty(); }
-    bool NoSpecialOptions() const { return Of<PPDXSpecialOption>().list.Empty(); }
 
     // Each kind has its own cursor. Return null at the end, with the type `none`.
     PPDXControl* First(CNTL_TYPE& type);
     PPDXControl* Next(CNTL_TYPE& type);
-    PPDXPopupControl* FirstPopupControl();
-    PPDXPopupControl* NextPopupControl();
-    PPDXBooleanControl* FirstBooleanControl();
-    PPDXBooleanControl* NextBooleanControl();
-    PPDXRangeControl* FirstRangeControl();
-    PPDXRangeControl* NextRangeControl();
-    PPDXFloatRangeControl* FirstFloatRangeControl();
-    PPDXFloatRangeControl* NextFloatRangeControl();
     PPDXJobNote* FirstJobNote();
     PPDXJobNote* NextJobNote();
-    PPDXCustomPageSizeControl* FirstCustomPageSizeControl();
-    PPDXCustomPageSizeControl* NextCustomPageSizeControl();
-    PPDXSpecialOption* FirstSpecialOption();
-    PPDXSpecialOption* NextSpecialOption();
 
     // Calls visit(PPDXControl*) for every control in order, regardless of the display options.
     template <class Visit>
@@ -133,6 +111,29 @@ public:
     PPDXCustomPageSizeControl* FindCustomPageSizeControl(const char* keyword, bool exact) const;
     PPDXSpecialOption* FindSpecialOption(const char* keyword, bool exact) const;
 
+    // Given interface; no caller here
+    // Rebuilds the controls that Save() stored, owns them, and reports them to the constraint store. Puts
+    // each into its roll-down in `groups`. Both may be null.
+    PPDXControls(Settings& settings, UIConstraints* constraints, const PPDXGroups* groups);
+    std::size_t SpecialOptionsCount() const { return Count(Of<PPDXSpecialOption>().counts); }
+    bool NoPopups() const { return Of<PPDXPopupControl>().list.Empty(); }
+    bool NoBooleanControls() const { return Of<PPDXBooleanControl>().list.Empty(); }
+    bool NoRangeControls() const { return Of<PPDXRangeControl>().list.Empty(); }
+    bool NoFloatRangeControls() const { return Of<PPDXFloatRangeControl>().list.Empty(); }
+    bool NoJobNotes() const { return Of<PPDXJobNote>().list.Empty(); }
+    bool NoSpecialOptions() const { return Of<PPDXSpecialOption>().list.Empty(); }
+    PPDXPopupControl* FirstPopupControl();
+    PPDXPopupControl* NextPopupControl();
+    PPDXBooleanControl* FirstBooleanControl();
+    PPDXBooleanControl* NextBooleanControl();
+    PPDXRangeControl* FirstRangeControl();
+    PPDXRangeControl* NextRangeControl();
+    PPDXFloatRangeControl* FirstFloatRangeControl();
+    PPDXFloatRangeControl* NextFloatRangeControl();
+    PPDXCustomPageSizeControl* FirstCustomPageSizeControl();
+    PPDXCustomPageSizeControl* NextCustomPageSizeControl();
+    PPDXSpecialOption* FirstSpecialOption();
+    PPDXSpecialOption* NextSpecialOption();
     void Save(Settings& settings) const;
     // Restores the values that Save() stored, for the controls with the same keyword and type.
     void Restore(Settings& settings);

@@ -17,7 +17,6 @@ class PPDXCustomPageSizeControl final : public PPDXControl {
 public:
     // Ignores name and visibility of the definition. Width and height start at 0.
     PPDXCustomPageSizeControl(const ControlDefinition& definition, const CustomPageSizeBounds& bounds);
-    PPDXCustomPageSizeControl(Settings& settings, int index, const CString* prefix);
     ~PPDXCustomPageSizeControl() override;
 
     void Save(Settings& settings, const int& index) const override;
@@ -40,6 +39,9 @@ public:
     void SetMinHeight(float points) { minHeight = points; }
     void SetMaxWidth(float points) { maxWidth = points; }
     void SetMaxHeight(float points) { maxHeight = points; }
+
+    // Given interface; no caller here
+    PPDXCustomPageSizeControl(Settings& settings, int index, const CString* prefix);
 
 private:
     float width = 0;

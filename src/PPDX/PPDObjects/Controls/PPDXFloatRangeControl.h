@@ -12,6 +12,8 @@ class PPDXFloatRangeControl final : public PPDXNumberControl<float> {
 public:
     PPDXFloatRangeControl(const ControlDefinition& definition, const FloatRangeBounds& rangeBounds)
         : PPDXNumberControl(CNTL_TYPE::floatRange, definition, rangeBounds) {}
+
+    // Given interface; no caller here
     PPDXFloatRangeControl(Settings& settings, int index, const CString* prefix)
         : PPDXNumberControl(CNTL_TYPE::floatRange, settings, index, prefix) {}
 };

@@ -13,14 +13,9 @@ class StoredRecord;
 // BrokenRules checks them.
 class PPDXJobNote final : public PPDXControl {
 public:
-    // Makes a visible note without control flags. Copies `defaultNotes`, which may be null.
-    PPDXJobNote(const char* keyword, CFStringRef translation, UIConstraints* constraints,
-                const unsigned char* psData, long psLength, const CString* defaultNotes,
-                std::int64_t maxLength, std::uint32_t flags, std::int64_t minLength);
     // Does the same with control flags and visibility from the definition.
     PPDXJobNote(const ControlDefinition& definition, const CString* defaultNotes, std::int64_t maxLength,
                 std::uint32_t flags, std::int64_t minLength);
-    PPDXJobNote(Settings& settings, int index, const CString* prefix);
     ~PPDXJobNote() override;
 
     // Omits the text of a note marked for masking or enciphering: it must not be stored in plain.
@@ -57,35 +52,43 @@ public:
     std::uint32_t NoteFlags() const { return noteFlags; }
     bool IsAlpha() const { return Has(jobNoteAlpha); }
     bool IsNumeric() const { return Has(jobNoteNumeric); }
-    bool IsDecimal() const { return Has(jobNoteDecimal); }
     bool IsRequired() const { return Has(jobNoteRequired); }
     bool Remember() const { return Has(jobNoteRemembered); }
     bool IsPassword() const { return Has(jobNotePassword); }
-    bool AlwaysDisplay() const { return Has(jobNoteAlwaysDisplay); }
-    bool Resume() const { return Has(jobNoteResume); }
-    bool IsMember() const { return Has(jobNoteMember); }
     bool IsOnOffSwitch() const { return Has(jobNoteOnOffSwitch); }
     bool IsLengthReq() const { return Has(jobNoteLengthReq); }
-    bool IsSecPrint() const { return Has(jobNoteSecPrint); }
-    bool IsSpace() const { return Has(jobNoteSpace); }
-    bool IsNegative() const { return Has(jobNoteNegative); }
     bool IsEncrypt() const { return Has(jobNoteEncrypt); }
-    bool IsMultiSpace() const { return Has(jobNoteMultiSpace); }
     bool IsMultiComma() const { return Has(jobNoteMultiComma); }
-    bool IsLCD() const { return Has(jobNoteLCD); }
     bool IsHyphen() const { return Has(jobNoteHyphen); }
-    bool IsTwoCharFields() const { return Has(jobNoteTwoCharField); }
-    bool IsNoComma() const { return Has(jobNoteNoComma); }
     bool IsUTF8() const { return Has(jobNoteUTF8); }
     bool IsAESEncrypt() const { return Has(jobNoteAESEncrypt); }
     bool IsPopupJN() const { return Has(jobNotePopupJN); }
-    // Returns true when no flag limits the characters.
-    bool IsAnyText() const;
 
     // Return the rules that the current text, or the given one, breaks.
     std::vector<BrokenNoteRule> BrokenRules() const;
     std::vector<BrokenNoteRule> BrokenRules(const CFStringRef& text) const;
 
+    // Given interface; no caller here
+    // Makes a visible note without control flags. Copies `defaultNotes`, which may be null.
+    PPDXJobNote(const char* keyword, CFStringRef translation, UIConstraints* constraints,
+                const unsigned char* psData, long psLength, const CString* defaultNotes,
+                std::int64_t maxLength, std::uint32_t flags, std::int64_t minLength);
+    PPDXJobNote(Settings& settings, int index, const CString* prefix);
+    bool IsDecimal() const { return Has(jobNoteDecimal); }
+    bool AlwaysDisplay() const { return Has(jobNoteAlwaysDisplay); }
+    bool Resume() const { return Has(jobNoteResume); }
+    bool IsMember() const { return Has(jobNoteMember); }
+    bool IsSecPrint() const { return Has(jobNoteSecPrint); }
+    bool IsSpace() const { return Has(jobNoteSpace); }
+    bool IsNegative() const { return Has(jobNoteNegative); }
+    bool IsMultiSpace() const { return Has(jobNoteMultiSpace); }
+    bool IsLCD() const { return Has(jobNoteLCD); }
+    bool IsTwoCharFields() const { return Has(jobNoteTwoCharField); }
+    bool IsNoComma() const { return Has(jobNoteNoComma); }
+    // Returns true when no flag limits the characters.
+    bool IsAnyText() const;
+
+    // For the tests; no caller here
     // Returns the number of job notes that share the process's converter.
     static long ConverterUses();
 

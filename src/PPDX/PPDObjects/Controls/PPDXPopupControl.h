@@ -13,7 +13,6 @@ public:
     // Selects the first item with the default keyword.
     PPDXPopupControl(const ControlDefinition& definition, bool multiSelect, bool installable,
                      PopupItems items, const char* defaultKeyword);
-    PPDXPopupControl(Settings& settings, int index, const CString* prefix);
 
     void Save(Settings& settings, const int& index) const override;
     void ResetToDefaultValue() override;
@@ -40,21 +39,25 @@ public:
     // Indexes count from 1; 0 means none.
     int GetValue() const;
     void SetValue(int index);
-    void SetDefaultValue(int index) { defaultIndexOverride = index; }
     int DefaultValue() const;
     const char* GetDefaultKeyword() const;
-    // Writes the feature block of the first item with that keyword; 0 bytes when there is none.
-    long GetKeywordPSData(const char* keyword, unsigned char* out) const;
     // Return null when no item has the keyword or the index.
-    const char* GetKeywordLocalName(const char* keyword) const;
     CFStringRef GetKeywordCFLocalName(const char* keyword) const;
-    const char* GetKeywordLocalNameAtIndex(int index) const;
     CFStringRef CopyCurrentControlValueStringUTF8() const;
     void AppendPopupItem(_PopupItem item);
     bool IsKeywordSelected(const char* keyword) const;
     bool CanSelectMultipleItems() const { return multiSelect != 0; }
     // Returns whether an item has the keyword.
     bool SetKeywordSelect(const char* keyword, bool select);
+
+    // Given interface; no caller here
+    PPDXPopupControl(Settings& settings, int index, const CString* prefix);
+    // Writes the feature block of the first item with that keyword; 0 bytes when there is none.
+    long GetKeywordPSData(const char* keyword, unsigned char* out) const;
+    void SetDefaultValue(int index) { defaultIndexOverride = index; }
+    // Return null when no item has the keyword or the index.
+    const char* GetKeywordLocalName(const char* keyword) const;
+    const char* GetKeywordLocalNameAtIndex(int index) const;
     // Takes a new list of items and selects its default. Returns false and changes nothing when `keyword` is
     // not the control's own or the list is empty.
     bool Rebuild(const char* keyword, PopupItems newItems, const char* newDefault);

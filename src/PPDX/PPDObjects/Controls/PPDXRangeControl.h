@@ -12,6 +12,8 @@ class PPDXRangeControl final : public PPDXNumberControl<long> {
 public:
     PPDXRangeControl(const ControlDefinition& definition, const RangeBounds& rangeBounds)
         : PPDXNumberControl(CNTL_TYPE::range, definition, rangeBounds) {}
+
+    // Given interface; no caller here
     PPDXRangeControl(Settings& settings, int index, const CString* prefix)
         : PPDXNumberControl(CNTL_TYPE::range, settings, index, prefix) {}
 };

@@ -8,7 +8,6 @@ namespace torka {
 class PPDXSpecialOption final : public PPDXControl {
 public:
     PPDXSpecialOption(const ControlDefinition& definition, const char* value);
-    PPDXSpecialOption(Settings& settings, int index, const CString* prefix);
     ~PPDXSpecialOption() override;
 
     void Save(Settings& settings, const int& index) const override;
@@ -20,6 +19,9 @@ public:
 
     // Returns "" when unset.
     const char* GetValue() const;
+
+    // Given interface; no caller here
+    PPDXSpecialOption(Settings& settings, int index, const CString* prefix);
 
 private:
     std::unique_ptr<CString> value;

@@ -8,9 +8,10 @@ namespace torka {
 class PPDXGroup : public PPDXElement {
 public:
     PPDXGroup(const char* keyword, CFStringRef localName, bool visible);
-    PPDXGroup(Settings& settings, int index, const CString* prefix);
     ~PPDXGroup() override;
 
+    // Given interface; no caller here
+    PPDXGroup(Settings& settings, int index, const CString* prefix);
     void Save(Settings& settings, int index) const;
 };
 

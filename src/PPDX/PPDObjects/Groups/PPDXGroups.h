@@ -12,16 +12,12 @@ public:
     enum class Ownership { owns, refers };
 
     explicit PPDXGroups(Ownership ownership = Ownership::owns);
-    // Rebuilds and owns the groups that Save() stored. Puts each roll-down into its scroll pane.
-    explicit PPDXGroups(Settings& settings);
     PPDXGroups(const PPDXGroups&) = delete;
     PPDXGroups& operator=(const PPDXGroups&) = delete;
     ~PPDXGroups();
 
     // Adds a group. An owning collection takes ownership. Ignores null.
     void Add(PPDXGroup* group);
-    // Counts every group, regardless of the display options.
-    std::size_t Count() const { return list.Size(); }
     bool Empty() const { return list.Empty(); }
     // Iterate over the groups that the current display options show.
     PPDXGroup* First();
@@ -32,6 +28,12 @@ public:
     }
     // Returns the first group whose keyword equals (exact) or contains the name; null for null.
     PPDXGroup* Find(const char* name, bool exact) const { return list.Find(name, exact); }
+
+    // Given interface; no caller here
+    // Rebuilds and owns the groups that Save() stored. Puts each roll-down into its scroll pane.
+    explicit PPDXGroups(Settings& settings);
+    // Counts every group, regardless of the display options.
+    std::size_t Count() const { return list.Size(); }
     void Save(Settings& settings) const;
 
 private:
@@ -41,6 +43,8 @@ private:
 
 // Return false for null.
 bool IsRollDown(const PPDXGroup* group);
+
+// Given interface; no caller here
 bool IsScrollPane(const PPDXGroup* group);
 // Returns null at the end or for null.
 PPDXGroup* NextGroup(PPDXGroups* groups);

@@ -20,7 +20,6 @@ enum PPDStreamStatus : std::int32_t { kStreamGood = 0, kStreamBad = 1, kStreamEn
 class PPDStream {
 public:
     PPDStream() = default; // bad until it is set up
-    PPDStream(const char* bytes, long length) { Setup(bytes, length); }
     explicit PPDStream(std::string_view text) { Setup(text.data(), static_cast<long>(text.size())); }
     PPDStream(const PPDStream&) = default;
     PPDStream& operator=(const PPDStream&) = default;
@@ -29,8 +28,6 @@ public:
     // The status becomes bad (1) without bytes or with a length that is not positive.
     void Setup(const char* bytes, long length);
 
-    // Returns false at the end, with the character -1 and status 2.
-    bool GetChar(char& character);
     // Returns the next byte as a signed value, -1 at the end.
     int PeekChar() const;
     // Skips blanks and tabs.
@@ -56,7 +53,6 @@ public:
     // Skips `count` bytes, at most all.
     void Skip(std::size_t count);
 
-    PPDStreamStatus Status() const { return status; }
     bool EndOfFile() const { return status == kStreamEndOfFile; }
     bool Good() const { return status == kStreamGood; }
     bool Bad() const { return status == kStreamBad; }
@@ -66,6 +62,12 @@ public:
     std::uint32_t LineNumber() const { return lineNumber; }
     // Tells whether the last line was cut at 255 characters and continues in the next one.
     bool LineWasCut() const { return lineWasCut; }
+
+    // Given interface; no caller here
+    PPDStream(const char* bytes, long length) { Setup(bytes, length); }
+    // Returns false at the end, with the character -1 and status 2.
+    bool GetChar(char& character);
+    PPDStreamStatus Status() const { return status; }
 
 protected:
     // Reads a line into line[used...]. The limit and the end mark apply to all of `line`.

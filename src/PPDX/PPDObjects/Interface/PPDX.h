@@ -88,7 +88,6 @@ protected:
     // the description names its own. Returns false when the stream is bad.
     bool StartReading(std::unique_ptr<PPDFileStream> stream);
     void StopReading() { fileStream.reset(); }
-    PPDFileStream* FileStream() const { return fileStream.get(); }
 
     using HeaderValue = std::unique_ptr<CString>;
     HeaderValue formatVersion;

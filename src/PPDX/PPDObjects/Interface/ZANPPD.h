@@ -66,17 +66,10 @@ public:
     explicit ZANPPD(_PARSE_OPTIONS_ options);
     // Parse a file. `pcFileNames` lists the supported descriptions by their "*PCFileName", or is null; see
     // IsSupported().
-    ZANPPD(const FSRef& reference, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
     ZANPPD(const CFURLRef& url, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
-    // Rebuilds the description that Save() stored. Parses its file again and restores the stored values. When
-    // the file cannot be read, rebuilds it from the settings alone, without constraints.
-    ZANPPD(Settings& settings, const CFURLRef& url, CFArrayRef pcFileNames);
     ~ZANPPD() override;
 
     void SetFile(const FSRef& reference) { file = reference; }
-    void SetExtensions(_EXTENSIONS_SUPPORT_ level) { extensions = level; }
-    _EXTENSIONS_SUPPORT_ GetExtensions() const { return extensions; }
-    void SetStopOnFirstError(bool stop) { stopOnFirstError = stop; }
     // Null means none. The collector must outlive the parse.
     void SetLint(PPDLint* collector) { lint = collector; }
     // Discards the content and parses the file if there is one.
@@ -94,35 +87,16 @@ public:
     // The maximum number of kept errors. Further ones are dropped, except a fatal one.
     static constexpr std::size_t maximumErrors = 10000;
     // Groups without a page or pane, such as the installable options. Not owned here.
-    const std::vector<PPDXGroup*>& OrphanGroups() const { return orphanGroups; }
     PPDXRollDown* InstallableOptions() const { return installableOptions; }
-    _PARSE_OPTIONS_ ParseOptions() const { return parseOptions; }
 
-    // Values of "*%QVFileVersion", "*%QVVersion" and "*%QVVersionMac"; null until read.
-    const CString* FileVersionQV() const { return fileVersionQV.get(); }
-    const CString* VersionQV() const { return versionQV.get(); }
-    const CString* VersionMacQV() const { return versionMacQV.get(); }
     // The management template: every line that contains "*DMT_Injection", each ended by a line feed.
     const std::string& DMTXmlData() const { return dmtXmlData; }
-    // The lines as collected, whether or not ReadCustXmlData accepted them.
-    const std::string& DMTInjection() const { return dmtInjection; }
 
     // Returns false without a file.
     bool GetFileSpec(FSRef& reference) const;
     // Copies the last component of the file's path into `name`, which holds 256 bytes; cuts it to fit.
     // Returns false without a file.
     bool GetPPDFileName(char* name) const;
-    // Tells whether "*PCFileName" is one of the supported names, regardless of letter case; true without a
-    // list.
-    bool IsSupported() const;
-
-    static _DISPLAY_OPTIONS_ Options() { return gDisplayOptions; }
-    static void Options(_DISPLAY_OPTIONS_ options) { gDisplayOptions = options & 3U; }
-    static void IncludeOrphans() { gDisplayOptions |= kDisplayOrphans; }
-    static void IncludeHidden() { gDisplayOptions |= kDisplayHidden; }
-    // Each of the two clears both bits.
-    static void ExcludeOrphans() { gDisplayOptions = 0; }
-    static void ExcludeHidden() { gDisplayOptions = 0; }
 
     // Access to values by key, the control's keyword with its asterisk. Display options have no effect.
     PPDXControl* GetPPDXControlForKey(const CFStringRef& key) const;
@@ -135,17 +109,6 @@ public:
     // Tells whether selecting the option would conflict with the current selections.
     bool IsKVConstrained(const char* keyword, const char* option) const;
 
-    // Replace a popup's list by choices supplied at run time. An item whose keyword the popup already had
-    // keeps that choice's PostScript, and its name when none is supplied. Of items with the same keyword the
-    // first counts. New choices are added to the constraint store.
-    // Create selects the default. Reconcile keeps the current choice while it is still offered, else selects
-    // the default. A default that names no item means the first item. Return false, with nothing changed,
-    // when there is no popup of that keyword or no item.
-    bool PPDCreatePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
-                            const char* defaultKeyword);
-    bool PPDReconcilePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
-                               const char* defaultKeyword);
-
     // Reads the preferences of the popup job notes. Called at the end of a build and when a pane restores
     // values.
     void ReadPUJNPrefs();
@@ -156,19 +119,58 @@ public:
     using PUJNPrefsReader = std::function<std::optional<std::string>()>;
     static void SetPUJNPrefsReader(PUJNPrefsReader reader);
 
-    // Stores values, controls, groups and pages for the constructor from settings.
-    void Save(Settings& settings) const;
-
     // Puts a control in its group, else in the installable options when inside their section, else among the
     // orphans. `visible` false permits a group that is not a roll-down.
     void SetupControl(PPDXGroup* group, std::unique_ptr<PPDXControl> control, bool visible);
+
+    bool ParsePSKeywords(PPDStream& stream, const char* keyword) override;
+
+    // Given interface; no caller here
+    // Parse a file. `pcFileNames` lists the supported descriptions by their "*PCFileName", or is null; see
+    // IsSupported().
+    ZANPPD(const FSRef& reference, _PARSE_OPTIONS_ options, CFArrayRef pcFileNames);
+    // Rebuilds the description that Save() stored. Parses its file again and restores the stored values. When
+    // the file cannot be read, rebuilds it from the settings alone, without constraints.
+    ZANPPD(Settings& settings, const CFURLRef& url, CFArrayRef pcFileNames);
+    void SetExtensions(_EXTENSIONS_SUPPORT_ level) { extensions = level; }
+    _EXTENSIONS_SUPPORT_ GetExtensions() const { return extensions; }
+    void SetStopOnFirstError(bool stop) { stopOnFirstError = stop; }
+    // Values of "*%QVFileVersion", "*%QVVersion" and "*%QVVersionMac"; null until read.
+    const CString* FileVersionQV() const { return fileVersionQV.get(); }
+    const CString* VersionQV() const { return versionQV.get(); }
+    const CString* VersionMacQV() const { return versionMacQV.get(); }
+    // The lines as collected, whether or not ReadCustXmlData accepted them.
+    const std::string& DMTInjection() const { return dmtInjection; }
+    static _DISPLAY_OPTIONS_ Options() { return gDisplayOptions; }
+    static void Options(_DISPLAY_OPTIONS_ options) { gDisplayOptions = options & 3U; }
+    static void IncludeOrphans() { gDisplayOptions |= kDisplayOrphans; }
+    static void IncludeHidden() { gDisplayOptions |= kDisplayHidden; }
+    // Each of the two clears both bits.
+    static void ExcludeOrphans() { gDisplayOptions = 0; }
+    static void ExcludeHidden() { gDisplayOptions = 0; }
+    // Replace a popup's list by choices supplied at run time. An item whose keyword the popup already had
+    // keeps that choice's PostScript, and its name when none is supplied. Of items with the same keyword the
+    // first counts. New choices are added to the constraint store.
+    // Create selects the default. Reconcile keeps the current choice while it is still offered, else selects
+    // the default. A default that names no item means the first item. Return false, with nothing changed,
+    // when there is no popup of that keyword or no item.
+    bool PPDCreatePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
+                            const char* defaultKeyword);
+    bool PPDReconcilePopupMenu(const char* keyword, std::span<const SuppliedPopupItem> items,
+                               const char* defaultKeyword);
+    // Stores values, controls, groups and pages for the constructor from settings.
+    void Save(Settings& settings) const;
     // Adds every group to its parent: roll-downs to their scroll pane, scroll panes to their page.
     void ResolveHeirarchy();
-
     // Compares the file and the "*PCFileName".
     bool operator==(const ZANPPD& other) const;
 
-    bool ParsePSKeywords(PPDStream& stream, const char* keyword) override;
+    // For the tests; no caller here
+    // Groups without a page or pane, such as the installable options. Not owned here.
+    const std::vector<PPDXGroup*>& OrphanGroups() const { return orphanGroups; }
+    // Tells whether "*PCFileName" is one of the supported names, regardless of letter case; true without a
+    // list.
+    bool IsSupported() const;
 
 protected:
     virtual void Parse();
@@ -227,7 +229,6 @@ private:
     void ReadDefaultLine(PPDStream& line, std::string_view token, const std::string& keyword,
                          ChoiceBlock& block);
     void ReadOptionLine(PPDStream& line, ChoiceBlock& block);
-    std::string_view DefaultOption(const std::string& keyword, const ChoiceBlock& block, long line);
     void FinishBoolean(ControlDraft& draft, ChoiceBlock& block, const CFStringRef& name, long line);
     void FinishPopup(ControlDraft& draft, ChoiceBlock& block, const CFStringRef& name, long line);
     void ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat);

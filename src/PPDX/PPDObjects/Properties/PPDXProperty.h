@@ -11,7 +11,6 @@ class PPDXProperty final : public PPDXElement {
 public:
     PPDXProperty(const char* keyword, CFStringRef localName, bool visible, bool showInApp,
                  bool showInPrintProp);
-    PPDXProperty(Settings& settings, int index, const CString* prefix);
     ~PPDXProperty() override;
 
     // Returns null until a pane is placed.
@@ -19,6 +18,9 @@ public:
     void SetScrollDown(PPDXScrollPane* pane) { scrollDown = pane; }
     bool ShowInApp() const { return showInApp; }
     bool ShowInPrintProp() const { return showInPrintProp; }
+
+    // Given interface; no caller here
+    PPDXProperty(Settings& settings, int index, const CString* prefix);
     void Save(Settings& settings, int index) const;
 
 private:
@@ -27,11 +29,13 @@ private:
     bool showInPrintProp;
 };
 
+// Does nothing for a null property.
+void SetPropertyScrollDown(PPDXProperty* property, PPDXScrollPane* pane);
+
+// Given interface; no caller here
 // Return false for null.
 bool IsPropertyPage(const PPDXElement* element);
 bool ShowPropInPrintProp(const PPDXProperty* property);
 bool ShowPropInApp(const PPDXProperty* property);
-// Does nothing for a null property.
-void SetPropertyScrollDown(PPDXProperty* property, PPDXScrollPane* pane);
 
 } // namespace torka

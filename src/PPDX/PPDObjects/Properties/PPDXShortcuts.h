@@ -9,13 +9,14 @@ namespace torka {
 class PPDXShortcuts {
 public:
     void Add(PPDXControl* control);
-    bool Empty() const { return list.Empty(); }
-    std::size_t Count() const { return list.Size(); }
     PPDXControl* First();
     PPDXControl* Next();
+
+    // Given interface; no caller here
+    bool Empty() const { return list.Empty(); }
+    std::size_t Count() const { return list.Size(); }
     // Returns the first control whose keyword equals (exact) or contains the argument; null for null.
     PPDXControl* Find(const char* keyword, bool exact) const { return list.Find(keyword, exact); }
-
     PPDXControl* PageSize() const;
     PPDXControl* InputSlot() const;
     PPDXControl* Duplex() const;
@@ -28,6 +29,7 @@ private:
     ElementList<PPDXControl> list;
 };
 
+// Given interface; no caller here
 // Returns null at the end or for null.
 PPDXControl* NextShortcut(PPDXShortcuts* shortcuts);
 // Returns true for null.
