@@ -37,7 +37,8 @@ std::string textOf(const PPDXPopupControl& popup) {
     return text;
 }
 
-// The model's own form where it says enough, else the shortest text without exponent that does.
+// The text of the model when it reads back as the same float, else the shortest text without exponent that
+// does.
 std::string textOf(const PPDXFloatRangeControl& control) {
     const float value = control.GetValue();
     const NumberText usual(value, 3);
@@ -140,7 +141,7 @@ bool set(PPDXCustomPageSizeControl& control, const std::string& text) {
 }
 
 bool set(PPDXRangeControl& control, const std::string& text) {
-    // A module that keeps all numbers as decimals writes "5.000".
+    // A module may keep all numbers as decimals and write "5.000".
     const auto number = wholeNumber<double>(text);
     if (!number || !std::isfinite(*number) || std::trunc(*number) != *number) {
         return false;

@@ -13,9 +13,12 @@ class PPDXJobNote;
 // A control's value as the text that the Job Properties module gets and returns, in UTF-8 and the C locale
 // (docs/job-properties-module.md). A text that returns as it was sent changes nothing.
 
-// Of a popup the selected choice, of one that takes several all selected ones, joined by commas; "True" or
-// "False"; a whole number; a decimal number that reads back as the same float; a note's text; "WIDTH HEIGHT"
-// of a custom size, in points. "" for none.
+// "" for none. The text depends on the kind of control:
+// - popup: the selected choice, or all selected choices joined by commas;
+// - check box: "True" or "False";
+// - range: a whole number, or a decimal number that reads back as the same float;
+// - note: its text;
+// - custom size: "WIDTH HEIGHT" in points.
 std::string controlValueText(const PPDXControl& control);
 
 // Sets the value that a text names. Returns false and changes nothing when the text is no value of that kind

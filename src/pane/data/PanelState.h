@@ -23,18 +23,17 @@ extern TorkaFeaturesPDE* sTorkaFeaturesPDEsaved;
 // True: the end of the next panel leaves the two pointers above unchanged. Written by TorkaFeaturesPDE.
 extern bool invalidDeallocCall;
 
-// A text of fixed capacity, the terminator counted in. Written by TorkaFeaturesPDE at its start.
+// The size of sessionQueueName, in bytes with terminator. Written by TorkaFeaturesPDE at its start.
 inline constexpr std::size_t sessionQueueNameSize = 256;
-// The queue's name: file name of the description's link target, without ".ppd". Keeps its value when the
-// path at hand is no link.
+// The name of the queue: the file name of the description's link target, without ".ppd". Keeps its value when
+// the path is no link.
 extern std::string sessionQueueName;
 // The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by
 // bidi/commands/CommandJob.h; TorkaFeaturesPDE sets it at its start.
 
-// The popup job notes of the panel on show. Written by resetPopupJobNotes (each new panel) and the popup
-// job-note dialog.
+// The popup job notes of the newest panel. Each new panel resets them; the popup job-note dialog writes them.
 inline constexpr std::size_t popupJobNoteCount = 5;
-// Not 0 once the button for the defaults was pressed. TorkaFeaturesPDE writes it too.
+// Not 0 after the Defaults button was pressed. TorkaFeaturesPDE writes it too.
 extern int gPopupJobNotesDefaultsButton;
 // The stored preferences (PopupJobNotes.h) write these three too.
 extern char gPopupJobNotesSavedEnable;   // '0' or '1'
@@ -56,15 +55,15 @@ extern std::array<std::string, popupJobNoteCount> gPopupJobNotesSavedNote;
 // "/Library/Caches/ZAN/" + the queue's name + ".pdeopen". Written by TorkaFeaturesPDE at its start.
 inline constexpr std::size_t cachesPDEOpenFilePathSize = 512; // with its terminator
 extern std::string cachesPDEOpenFilePath;
-// Folder of the installed plug-in, with a trailing "/"; "" when it is not there. Written by
+// The folder of the installed plug-in, with a trailing "/"; "" when it does not exist. Written by
 // fillPDEInstallPath.
 inline constexpr std::size_t sessionPDEPathSize = 256; // with its terminator
 extern std::string sessionPDEPath;
-// The session of the last created panel, and where that panel's printer lives; null without a panel. Written
-// by TorkaFeaturesPDE at its start and end.
+// The session of the panel made last, and the address of that panel's printer variable. Null without a panel.
+// Written by TorkaFeaturesPDE at its start and end.
 extern PMPrintSession currentPrintSession;
 extern PMPrinter* thePMPrinter;
-// A work-around for one application. Each panel clears it; nothing sets it.
+// A flag for one application. Each panel clears it; nothing sets it.
 extern int gVectorWorksFix;
 // Emptied by resetPopupJobNotes; nothing sets it.
 extern std::string gPopupJobNotesFileName;
