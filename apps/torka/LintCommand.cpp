@@ -1,6 +1,12 @@
+#include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/ModelJson.h"
+#include "pane/panel/PrinterListFile.h"
 
+#include <CLI/Validators.hpp>
+
+#include <algorithm>
+#include <filesystem>
 #include <memory>
 
 namespace torka::tool {
@@ -9,68 +15,78 @@ namespace {
 
 struct LintOptions {
     std::string path;
+    std::string bundle;
+    std::string format = "text";
     bool json = false;
+    bool strict = false;
 };
 
-// Explains the note to the author of the description.
-std::string explain(const PPDLintNote& note) {
-    switch (note.kind) {
-    case PPDLintKind::unknownJobNoteFlag:
-        return "the job-note flag word \"" + note.text + "\" is unknown and was skipped";
-    case PPDLintKind::unknownConstraintKeyword:
-        return "a constraint names this keyword, which nothing defines";
-    case PPDLintKind::unknownConstraintOption:
-        return "a constraint names the option \"" + note.text + "\", which is not offered";
-    case PPDLintKind::unplacedGroup:
-        return "the group is declared but no *%ZANParent line places it";
-    case PPDLintKind::cutLine:
-        return "the line has more than 255 bytes and was cut into pieces";
-    case PPDLintKind::untranslatableText:
-        return "the text is not valid in the declared *LanguageEncoding";
-    case PPDLintKind::unknownDefault:
-        return "the default \"" + note.text + "\" names no option; the first one is the default";
-    case PPDLintKind::unknownGroup:
-        return "the group \"" + note.text + "\" does not exist";
-    case PPDLintKind::emptyBlock:
-        return "the block has no options";
-    case PPDLintKind::unclosedBlock:
-        return "the block is not closed before the next element or the end of the file";
-    case PPDLintKind::unclosedQuote:
-        return "the value has no closing quote and ends where the next keyword begins";
-    case PPDLintKind::unreadableByte:
-        return "the line holds a byte " + note.text + ", at which its text ends";
-    case PPDLintKind::badCustomSize:
-        return "the custom size line is not understood";
-    case PPDLintKind::badNumber:
-        return "\"" + note.text + "\" is not a number that can be used here";
-    case PPDLintKind::badDefaultNote:
-        return "the default text " + note.text;
-    }
-    return note.text;
+// One error or warning, for people and for programs.
+struct Finding {
+    long line;
+    std::string severity;
+    std::string name;
+    std::string message;
+    std::string remedy;
+};
+
+Finding findingOf(const PPDXErrorObj& error) {
+    const std::string keyword = *error.Keyword() == '\0' ? "" : " " + jsonText(error.Keyword());
+    return {error.Line(), error.IsFatal() ? "fatal error" : "error", ppdErrName(error.Code()),
+            std::to_string(error.Code()) + " " + ppdErrName(error.Code()) + keyword,
+            std::string(ppdErrRemedy(error.Code()))};
+}
+
+Finding findingOf(const PPDLintNote& note) {
+    const std::string keyword = note.keyword.empty() ? "" : jsonText(note.keyword.c_str()) + ": ";
+    return {note.line, "warning", ppdLintName(note.kind), keyword + jsonText(ppdLintMessage(note).c_str()),
+            jsonText(ppdLintRemedy(note).c_str())};
 }
 
 Json noteJson(const PPDLintNote& note) {
     return {{"name", ppdLintName(note.kind)},
             {"keyword", jsonText(note.keyword.c_str())},
             {"text", jsonText(note.text.c_str())},
+            {"suggestion", jsonText(note.suggestion.c_str())},
+            {"message", jsonText(ppdLintMessage(note).c_str())},
+            {"remedy", jsonText(ppdLintRemedy(note).c_str())},
             {"line", note.line}};
 }
 
-std::string place(const std::string& path, long line) {
-    return printable(path) + (line > 0 ? ":" + std::to_string(line) : "") + ": ";
+void printJson(const ZANPPD& description, const PPDLint& lint) {
+    Json json;
+    json["errors"] = errorsJson(description);
+    for (Json& error : json["errors"]) {
+        error["remedy"] = std::string(ppdErrRemedy(error["code"].get<std::int16_t>()));
+    }
+    json["warnings"] = Json::array();
+    for (const PPDLintNote& note : lint.Notes()) {
+        json["warnings"].push_back(noteJson(note));
+    }
+    print(jsonDocument(json));
 }
 
-void printFindings(const ZANPPD& description, const PPDLint& lint, const std::string& path) {
+// FILE:LINE: SEVERITY: MESSAGE, and what to do on a line of its own.
+void printText(const Finding& finding, const std::string& path) {
+    const std::string place = finding.line > 0 ? ":" + std::to_string(finding.line) : "";
+    print(printable(path) + place + ": " + finding.severity + ": " + printable(finding.message) +
+          "\n    mend: " + printable(finding.remedy) + "\n");
+}
+
+// The same on one line, in the form of a compiler. A finding about the whole file is put on its first line.
+void printLikeCompiler(const Finding& finding, const std::string& path) {
+    print(printable(path) + ":" + std::to_string(std::max(finding.line, 1L)) + ": " + finding.severity +
+          ": " + printable(finding.message) + "; " + printable(finding.remedy) + " [" + finding.name + "]\n");
+}
+
+void printFindings(const ZANPPD& description, const PPDLint& lint, const LintOptions& options) {
+    const auto printOne = options.format == "gcc" ? printLikeCompiler : printText;
     PPDXErrors& errors = *description.Errors();
     for (const PPDXErrorObj* error = errors.First(); error != nullptr; error = errors.Next()) {
-        print(place(path, error->Line()) + (error->IsFatal() ? "fatal error " : "error ") +
-              std::to_string(error->Code()) + " " + ppdErrName(error->Code()) + " " +
-              printable(jsonText(error->Keyword())) + "\n");
+        printOne(findingOf(*error), options.path);
     }
     for (const PPDLintNote& note : lint.Notes()) {
-        const std::string keyword = note.keyword.empty() ? "" : note.keyword + ": ";
-        print(place(path, note.line) + "warning: " + printable(jsonText((keyword + explain(note)).c_str())) +
-              "\n");
+        printOne(findingOf(note), options.path);
     }
 }
 
@@ -80,25 +96,30 @@ bool isUnreadable(const ZANPPD& description) {
     return first != nullptr && *first == PPDErr_FileError;
 }
 
+// Returns false when the bundle has no list.
+bool takeListedNames(const std::string& bundle, PPDLint& lint) {
+    const PrinterListFile list(
+        CFURLCreateWithFileSystemPath((std::filesystem::path(bundle) / "Contents").string()));
+    lint.SetListedFileNames(list.PCFileNames());
+    return list.IsValid();
+}
+
 ExitStatus runLint(const LintOptions& options) {
     PPDLint lint;
+    if (!options.bundle.empty() && !takeListedNames(options.bundle, lint)) {
+        return unusable(options.bundle + ": has no Contents/PrinterList.plist with a list of names");
+    }
     const auto description = readDescription(options.path, &lint);
-    if (options.json) {
-        Json warnings = Json::array();
-        for (const PPDLintNote& note : lint.Notes()) {
-            warnings.push_back(noteJson(note));
-        }
-        Json json;
-        json["errors"] = errorsJson(*description);
-        json["warnings"] = std::move(warnings);
-        print(jsonDocument(json));
+    if (options.json || options.format == "json") {
+        printJson(*description, lint);
     } else {
-        printFindings(*description, lint, options.path);
+        printFindings(*description, lint, options);
     }
     if (isUnreadable(*description)) {
         return unusable(checkUsable(*description, options.path).Why());
     }
-    return description->Errors()->Empty() && lint.Notes().empty() ? ExitStatus::good : ExitStatus::findings;
+    const bool isGood = description->Errors()->Empty() && (!options.strict || lint.Notes().empty());
+    return isGood ? ExitStatus::good : ExitStatus::findings;
 }
 
 } // namespace
@@ -109,6 +130,11 @@ void addLintCommand(CLI::App& app, ExitStatus& status) {
         app.add_subcommand("lint", "Check a description and tell its errors and doubtful places");
     command->add_option("FILE", options->path, "Extended PPD file")->required();
     command->add_flag("--json", options->json, "As JSON");
+    command->add_option("--format", options->format, "text, gcc (FILE:LINE: lines of a compiler) or json")
+        ->check(CLI::IsMember({"text", "gcc", "json"}));
+    command->add_flag("--strict", options->strict, "Status 1 for warnings, too");
+    command->add_option("--bundle", options->bundle,
+                        "The plug-in's bundle: warn when it does not list the description");
     command->callback([options, &status] { status = runLint(*options); });
 }
 

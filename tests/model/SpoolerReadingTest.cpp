@@ -213,5 +213,71 @@ TEST(SpoolerReading, NeighboursThatLibcupsDoesNotKnowSurviveToo) {
     }
 }
 
+// The one difference here that docs/extended-ppd.md ("Beside libcups") explains: libcups adds a choice
+// "Custom".
+bool isExplained(const std::string& difference) {
+    const bool isChoice = difference.ends_with(" Custom/Custom");
+    const bool isConstraint =
+        difference.find(" Custom ") != std::string::npos || difference.ends_with(" Custom");
+    return difference.starts_with("libcups: ") && (isChoice || isConstraint);
+}
+
+std::vector<std::string> unexplained(const std::filesystem::path& path) {
+    std::vector<std::string> result;
+    for (const std::string& each : compare(path).Differences()) {
+        if (!isExplained(each)) {
+            result.push_back(each);
+        }
+    }
+    return result;
+}
+
+const std::string scripts = TORKA_SOURCE_DIR "/scripts/";
+
+void announce(const std::filesystem::path& from, const std::filesystem::path& to) {
+    const CommandResult result = runCommand({"python3", scripts + "announce-ppd", from, to});
+    ASSERT_EQ(result.status, 0) << result.errors;
+}
+
+// The descriptions that the spooler's own compiler makes of its sample drivers.
+TEST(SpoolerReading, CompiledSampleDriversAreReadAsLibcupsReadsThem) {
+    const TemporaryFolder folder;
+    const CommandResult made = runCommand({"ppdc", "-d", folder / "drv", "/usr/share/cups/drv/sample.drv"});
+    ASSERT_EQ(made.status, 0) << made.errors;
+    std::size_t compared = 0;
+    std::size_t facts = 0;
+    for (const auto& each : std::filesystem::directory_iterator(folder / "drv")) {
+        const std::string own = folder / "own.ppd";
+        announce(each.path(), own);
+        EXPECT_THAT(unexplained(own), ElementsAre()) << each.path();
+        facts += factsOf(*parseFile(own)).size();
+        ++compared;
+    }
+    EXPECT_GT(compared, 10U);
+    EXPECT_GT(facts, 1000U);
+}
+
+TEST(SpoolerReading, GeneratedDescriptionsAreReadAsLibcupsReadsThem) {
+    const TemporaryFolder folder;
+    // One process makes them all.
+    const CommandResult made = runCommand(
+        {"python3", "-c",
+         "import random, runpy, sys\n"
+         "script, announcer, folder = sys.argv[1:]\n"
+         "for seed in range(300):\n"
+         "    rng = random.Random(seed)\n"
+         "    plain, own = f'{folder}/plain.ppd', f'{folder}/{seed}.ppd'\n"
+         "    sys.argv = [script, '--seed', str(seed), str(rng.randint(4, 12)), str(rng.randint(4, 6)),\n"
+         "                str(2 * rng.randint(0, 12)), plain]\n"
+         "    runpy.run_path(script, run_name='__main__')\n"
+         "    sys.argv = [announcer, plain, own]\n"
+         "    runpy.run_path(announcer, run_name='__main__')\n",
+         scripts + "make-ppd", scripts + "announce-ppd", folder.Path()});
+    ASSERT_EQ(made.status, 0) << made.errors;
+    for (int seed = 0; seed < 300; ++seed) {
+        EXPECT_THAT(unexplained(folder / (std::to_string(seed) + ".ppd")), ElementsAre()) << seed;
+    }
+}
+
 } // namespace
 } // namespace torka::tests

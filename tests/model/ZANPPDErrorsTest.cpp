@@ -1,5 +1,7 @@
 #include "tests/model/ZANPPDTestSupport.h"
 
+#include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -207,14 +209,15 @@ TEST(ZANPPDLint, NotesTellKindLineAndText) {
         notes.push_back(std::to_string(note.line) + " " + ppdLintName(note.kind) + " " + note.keyword + " " +
                         note.text);
     }
-    EXPECT_THAT(notes, ElementsAre("4 unplacedGroup Lonely ", "6 unknownGroup *Key Nowhere",
-                                   "7 untranslatableText *Key Caf<E9>", "8 unknownDefault *Key C",
-                                   "16 unknownConstraintOption *Key Z",
+    EXPECT_THAT(notes, ElementsAre("0 noMakerVersion *%QVVersion ", "4 unplacedGroup Lonely ",
+                                   "6 unknownGroup *Key Nowhere", "7 untranslatableText *Key Caf<E9>",
+                                   "8 unknownDefault *Key C", "16 unknownConstraintOption *Key Z",
                                    "16 unknownConstraintKeyword *Missing ", "17 cutLine *Long ",
                                    "18 unclosedQuote *FileVersion ", "19 unreadableByte *ModelName 0xFF",
                                    "20 unreadableByte *PCFileName NUL", "20 unclosedQuote *PCFileName ",
                                    "22 unknownGroup *Note Nowhere", "23 badNumber *Note 99999999999999999999",
-                                   "25 unclosedBlock *Last ", "27 unclosedQuote *Last "));
+                                   "24 blockInNoGroup *Last ", "25 unclosedBlock *Last the end of the file",
+                                   "27 unclosedQuote *Last "));
     // Invalid text still gives a readable name.
     EXPECT_EQ(utf8Text(find(*model, "*Key")->CFStringUserName()), "Caf\xEF\xBF\xBD");
 }
@@ -233,7 +236,8 @@ TEST(ZANPPDLint, ADefaultTextIsHeldToTheRulesOfItsNote) {
         notes.push_back(std::to_string(note.line) + " " + ppdLintName(note.kind) + " " + note.keyword + " " +
                         note.text);
     }
-    EXPECT_THAT(notes, ElementsAre("14 badDefaultNote *Long must have at most 4 characters",
+    EXPECT_THAT(notes, ElementsAre("0 noMakerVersion *%QVVersion ",
+                                   "14 badDefaultNote *Long must have at most 4 characters",
                                    "14 badDefaultNote *Long must not hold a comma"));
 }
 

@@ -1,192 +1,223 @@
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 
-#include "PPDX/KVEngine/CStringSoup.h"
-#include "PPDX/KVEngine/KeyForest.h"
+#include "PPDX/PPDObjects/Interface/LintWords.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "TextConverter.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
 #include <array>
-#include <fstream>
+
+// The checks of single lines, made while the description is parsed.
 
 namespace torka {
 
 namespace {
 
-constexpr std::string_view endOfDescription = "*% End of PPD file";
+// The names of PPD 4.3 that TextConverter knows, for suggestions.
+constexpr std::array<std::string_view, 7> encodingNames{
+    "ISOLatin1", "ISOLatin2", "ISOLatin5", "JIS83-RKSJ", "MacStandard", "WindowsANSI", "UTF-8"};
 
-std::string_view mainKeyword(std::string_view line) {
-    return line.substr(0, line.find_first_of(std::string_view(" \t:\0\xFF", 5)));
+constexpr std::array<std::string_view, 8> controlFlagWords{
+    "Dynamic", "Command", "Spooler", "NoTorkaDriverUI", "DriverUserDisplayHidden",
+    "Setup",   "MacFJN",  "MacIS"};
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t begin = text.find_first_not_of(" \t");
+    if (begin == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
+}
+
+std::string decodedHex(std::string_view text) {
+    std::string bytes(text.size(), '\0');
+    bytes.resize(TextConverter::DehexBufferFill(text, bytes.data()));
+    return bytes;
+}
+
+bool isAscii(std::string_view bytes) {
+    return std::ranges::all_of(bytes, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+bool hasOneByteCharacters(CFStringEncoding encoding) {
+    return encoding == kCFStringEncodingISOLatin1 || encoding == kCFStringEncodingISOLatin2 ||
+           encoding == kCFStringEncodingISOLatin5 || encoding == kCFStringEncodingMacRoman ||
+           encoding == kCFStringEncodingWindowsLatin1;
+}
+
+// Tells whether bytes that are valid in an encoding of one byte a character are probably meant otherwise:
+// they are UTF-8 as well, or are control characters of ISO 8859.
+bool isProbablyOther(std::string_view bytes, CFStringEncoding encoding) {
+    if (!hasOneByteCharacters(encoding) || isAscii(bytes)) {
+        return false;
+    }
+    const bool isIso = encoding != kCFStringEncodingMacRoman && encoding != kCFStringEncodingWindowsLatin1;
+    const bool holdsControls = isIso && std::ranges::any_of(bytes, [](char c) {
+                                   const auto byte = static_cast<unsigned char>(c);
+                                   return byte >= 0x80 && byte < 0xA0;
+                               });
+    return holdsControls || decodeText(bytes, kCFStringEncodingUTF8).has_value();
+}
+
+// Tells whether a number ends where the reader of ranges stops reading.
+bool isWholeNumber(std::string_view text, bool isFloat) {
+    text = trimmed(text);
+    text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
+    const std::size_t end = text.find_first_not_of(isFloat ? "0123456789.eE+-" : "0123456789");
+    return end == std::string_view::npos;
 }
 
 } // namespace
 
-const char* ppdLintName(PPDLintKind kind) {
-    switch (kind) {
-    case PPDLintKind::unknownJobNoteFlag:
-        return "unknownJobNoteFlag";
-    case PPDLintKind::unknownConstraintKeyword:
-        return "unknownConstraintKeyword";
-    case PPDLintKind::unknownConstraintOption:
-        return "unknownConstraintOption";
-    case PPDLintKind::unplacedGroup:
-        return "unplacedGroup";
-    case PPDLintKind::cutLine:
-        return "cutLine";
-    case PPDLintKind::untranslatableText:
-        return "untranslatableText";
-    case PPDLintKind::unknownDefault:
-        return "unknownDefault";
-    case PPDLintKind::unknownGroup:
-        return "unknownGroup";
-    case PPDLintKind::emptyBlock:
-        return "emptyBlock";
-    case PPDLintKind::unclosedBlock:
-        return "unclosedBlock";
-    case PPDLintKind::unclosedQuote:
-        return "unclosedQuote";
-    case PPDLintKind::unreadableByte:
-        return "unreadableByte";
-    case PPDLintKind::badCustomSize:
-        return "badCustomSize";
-    case PPDLintKind::badNumber:
-        return "badNumber";
-    case PPDLintKind::badDefaultNote:
-        return "badDefaultNote";
-    }
-    return "";
-}
-
-void PPDLint::Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text) {
+void PPDLint::Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text,
+                   std::string_view suggestion) {
     if (notes.size() < maximumNotes) {
-        notes.push_back({kind, line, std::string(keyword), std::string(text)});
+        notes.push_back({kind, line, std::string(keyword), std::string(text), std::string(suggestion)});
     }
 }
 
 void PPDLint::ConstraintLine(long line, std::string_view key1, std::string_view option1,
-                             std::string_view key2, std::string_view option2) {
-    Constraint constraint{line, {}};
-    for (const std::string_view part : {key1, option1, key2, option2}) {
-        constraint.text.append(part).push_back('\0');
+                             std::string_view key2, std::string_view option2, bool isRequirement) {
+    constraints.push_back({line, isRequirement, std::string(key1), std::string(option1), std::string(key2),
+                           std::string(option2)});
+    if (isRequirement) {
+        Note(PPDLintKind::requirement, line, key1);
     }
-    constraints.push_back(std::move(constraint));
+}
+
+void PPDLint::CheckFlags(long line, std::string_view element, std::string_view flags,
+                         std::span<const std::string_view> known, bool isVisible) {
+    while (!flags.empty()) {
+        const std::size_t end = std::min(flags.find_first_of("|:\""), flags.size());
+        const std::string_view word = trimmed(flags.substr(0, end));
+        flags.remove_prefix(std::min(end + 1, flags.size()));
+        if (word.empty() || std::ranges::find(known, word) != known.end()) {
+            continue;
+        }
+        const std::string_view meant = closestWord(word, known);
+        const bool hides = !isVisible && meant == "True";
+        Note(hides ? PPDLintKind::hiddenByFlag : PPDLintKind::unknownFlag, line, element, word, meant);
+    }
+}
+
+void PPDLint::CheckControlFlags(long line, std::string_view keyword,
+                                std::span<const std::string_view> flags) {
+    for (const std::string_view word : flags) {
+        if (std::ranges::find(controlFlagWords, word) == controlFlagWords.end()) {
+            Note(PPDLintKind::unknownFlag, line, keyword, word, closestWord(word, controlFlagWords));
+        }
+    }
 }
 
 void PPDLint::CheckText(long line, std::string_view keyword, std::string_view text,
-                        CFStringEncoding encoding) {
-    std::string bytes(text.size(), '\0');
-    bytes.resize(TextConverter::DehexBufferFill(text, bytes.data()));
-    const CFStringEncoding readAs = isKnownEncoding(encoding) ? encoding : kCFStringEncodingUTF8;
+                        std::optional<CFStringEncoding> encoding) {
+    if (!encoding) {
+        // The parser takes the bytes as UTF-8 and leaves hexadecimal substrings alone.
+        if (!firstText && (!isAscii(text) || decodedHex(text) != text)) {
+            firstText = Named{line, std::string(keyword), std::string(text)};
+        }
+        return;
+    }
+    const std::string bytes = decodedHex(text);
+    const CFStringEncoding readAs = isKnownEncoding(*encoding) ? *encoding : kCFStringEncodingUTF8;
     if (!decodeText(bytes, readAs)) {
         Note(PPDLintKind::untranslatableText, line, keyword, text);
+    } else if (isProbablyOther(bytes, readAs)) {
+        Note(PPDLintKind::otherEncoding, line, keyword, text);
     }
 }
 
-void PPDLint::Finish(ZANPPD& description) {
-    for (const Constraint& constraint : constraints) {
-        CheckConstraint(description, constraint);
-    }
-    CheckGroups();
-    CheckLines(description);
-    std::stable_sort(notes.begin(), notes.end(),
-                     [](const PPDLintNote& a, const PPDLintNote& b) { return a.line < b.line; });
-}
-
-void PPDLint::CheckConstraint(ZANPPD& description, const Constraint& constraint) {
-    std::array<const char*, 4> parts{};
-    const char* at = constraint.text.c_str();
-    for (const char*& part : parts) {
-        part = at;
-        at += std::char_traits<char>::length(at) + 1;
-    }
-    CheckConstraintSide(description, constraint.line, parts[0], parts[1]);
-    CheckConstraintSide(description, constraint.line, parts[2], parts[3]);
-}
-
-void PPDLint::CheckConstraintSide(ZANPPD& description, long line, const char* key, const char* option) {
-    CNTL_TYPE type{};
-    PPDXControl* control = description.GetControls()->Find(key, type, true);
-    if (!control) {
-        if (!spoolerKeywords.contains(key)) {
-            Note(PPDLintKind::unknownConstraintKeyword, line, key);
-        }
-        return;
-    }
-    if (*option == '\0' || (type != CNTL_TYPE::boolean && type != CNTL_TYPE::popup)) {
-        return;
-    }
-    const UIConstraints& store = *description.GetUIConstraints();
-    const CStringSoup& texts = *store.GetConstraintStrings();
-    const auto offered = store.GetKeyForest()->GetOptions(texts.Find(std::string_view(key)));
-    if (!offered ||
-        offered->Occurrences(texts.Find(std::string_view(option)), offered->Items().size()) == 0) {
-        Note(PPDLintKind::unknownConstraintOption, line, key, option);
+void PPDLint::CheckEncodingName(long line, std::string_view name) {
+    if (std::ranges::find(encodingNames, name) == encodingNames.end()) {
+        Note(PPDLintKind::unknownEncoding, line, "*LanguageEncoding", name, closestWord(name, encodingNames));
     }
 }
 
-void PPDLint::CheckGroups() {
-    for (const Declared& group : declaredGroups) {
-        if (!placedGroups.contains(group.name)) {
-            Note(PPDLintKind::unplacedGroup, group.line, group.name);
+void PPDLint::CheckRange(long line, std::string_view keyword, std::span<const std::string> numbers,
+                         const RangeValues& values, std::string_view fifth, bool isFloat) {
+    for (const std::string& number : numbers) {
+        const std::string_view first = trimmed(number).substr(0, 1);
+        const bool isNumber =
+            !first.empty() && std::string_view("0123456789.+-").find(first) != std::string_view::npos;
+        if (isNumber && !isWholeNumber(number, isFloat)) {
+            Note(PPDLintKind::textAfterNumber, line, keyword, trimmed(number));
         }
     }
+    if (values.minimum > values.maximum) {
+        Note(PPDLintKind::swappedBounds, line, keyword,
+             std::string(trimmed(numbers[0])) + " and " + std::string(trimmed(numbers[1])));
+    } else if (values.byDefault < values.minimum || values.byDefault > values.maximum) {
+        Note(PPDLintKind::defaultOutsideBounds, line, keyword, trimmed(numbers[3]));
+    }
+    if (!trimmed(fifth).empty()) {
+        Note(PPDLintKind::extraNumber, line, keyword, trimmed(fifth));
+    }
 }
 
-// Reads the file itself: these defects may stand where no reader of an element looks. Skips a file that is
-// not a description; its error is enough.
-void PPDLint::CheckLines(const ZANPPD& description) {
-    FSRef file;
-    if (description.HasFatalError() || !description.GetFileSpec(file)) {
-        return;
+void PPDLint::CheckPostscript(long line, std::string_view keyword, std::string_view option,
+                              const unsigned char* bytes, long length) {
+    const std::string_view postscript(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
+    if (option.empty()) {
+        templates.push_back({line, std::string(keyword), {}});
     }
-    std::ifstream in(file.path, std::ios::binary);
-    std::array<char, 65536> block;
-    std::string start;
-    std::size_t length = 0;
-    std::string_view badByte;
-    long line = 1;
-    char last = '\0';
-    auto unclosed = description.UnclosedValues().begin();
-    const auto endLine = [&] {
-        CheckLine(line, start, length, badByte);
-        for (; unclosed != description.UnclosedValues().end() && *unclosed <= line; ++unclosed) {
-            Note(PPDLintKind::unclosedQuote, line, mainKeyword(start));
-        }
-        length = 0;
-        badByte = {};
-        start.clear();
-    };
-    while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
-        for (const char c : std::string_view(block.data(), static_cast<std::size_t>(in.gcount()))) {
-            if (c == '\n' || c == '\r') {
-                if (!(c == '\n' && last == '\r')) {
-                    const bool isLast = start.starts_with(endOfDescription);
-                    endLine();
-                    if (isLast) {
-                        return;
-                    }
-                    ++line;
-                }
-            } else {
-                if (badByte.empty() && (c == '\0' || c == '\xFF')) {
-                    badByte = c == '\0' ? "NUL" : "0xFF";
-                }
-                if (++length <= 64) {
-                    start.push_back(c);
-                }
-            }
-            last = c;
-        }
+    const std::string placeholder = option.empty() ? "<" + std::string(keyword) + ">" : std::string();
+    const std::string_view fault = postscriptFault(postscript, placeholder);
+    if (!fault.empty()) {
+        Note(PPDLintKind::unbalancedPostscript, line, keyword,
+             option.empty() ? std::string(fault) : std::string(option) + ": " + std::string(fault));
     }
-    endLine();
+    if (!placeholder.empty() && !postscript.empty() &&
+        postscript.find(placeholder) == std::string_view::npos) {
+        Note(PPDLintKind::noPlaceholder, line, keyword);
+    }
 }
 
-void PPDLint::CheckLine(long line, std::string_view start, std::size_t length, std::string_view badByte) {
-    if (length >= kLineCapacity) {
-        Note(PPDLintKind::cutLine, line, mainKeyword(start));
+void PPDLint::OptionLine(long line, std::string_view keyword, std::string_view option) {
+    std::string both(keyword);
+    both.append(1, '\0').append(option);
+    if (!optionsSeen.insert(std::move(both)).second) {
+        Note(PPDLintKind::optionTwice, line, keyword, option);
     }
-    if (!badByte.empty()) {
-        Note(PPDLintKind::unreadableByte, line, mainKeyword(start), badByte);
+    options.push_back({line, std::string(keyword), std::string(option)});
+}
+
+void PPDLint::LineInBlock(long line, std::string_view block, std::string_view keyword,
+                          std::string_view text) {
+    const bool isOption = keyword.starts_with('*') && !keyword.starts_with("*%") &&
+                          !keyword.starts_with("*?") && text.find('"') != std::string_view::npos &&
+                          linesInBlocks.size() < maximumNotes;
+    if (isOption) {
+        linesInBlocks.push_back({line, std::string(block), std::string(keyword)});
+    }
+}
+
+void PPDLint::OtherLine(long line, std::string_view keyword) {
+    constexpr std::size_t mostLines = 1000000;
+    if (keyword.size() > 1 && keyword.starts_with('*') && otherLines.size() < mostLines) {
+        otherLines.push_back({line, std::string(keyword), {}});
+    }
+}
+
+void PPDLint::GroupLine(long line, std::string_view keyword, std::string_view name, const PPDXGroup* group) {
+    hasGroupLine = true;
+    if (group == nullptr) {
+        unknownGroups.push_back({line, std::string(keyword), std::string(name)});
+    }
+}
+
+void PPDLint::Orphan(long line, std::string_view keyword, std::span<const std::string_view> flags) {
+    const bool isNeverShown = std::ranges::any_of(flags, [](std::string_view flag) {
+        return flag == "NoTorkaDriverUI" || flag == "DriverUserDisplayHidden";
+    });
+    if (!hasGroupLine && !isNeverShown) {
+        Note(PPDLintKind::blockInNoGroup, line, keyword);
+    }
+}
+
+void PPDLint::StrayControlLine(long line, std::string_view keyword) {
+    if (!hasFailedControl) {
+        Note(PPDLintKind::strayControlLine, line, keyword, keyword);
     }
 }
 

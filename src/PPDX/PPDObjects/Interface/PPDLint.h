@@ -4,42 +4,82 @@
 #include "platform/CoreFoundation.h"
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 namespace torka {
 
+class PPDXGroup;
 class ZANPPD;
 
-// Findings beyond errors, for the author of a description.
+// Findings beyond errors, for the author of a description. PPDLintTexts.cpp says each in words.
 enum class PPDLintKind {
-    unknownJobNoteFlag,       // a word that is not a job note flag
+    // Groups and pages
+    unplacedGroup,    // a declared group name that no parent line places
+    unknownGroup,     // a group line that names no group
+    secondScrollPane, // a page that has a scroll pane gets another one
+    groupPlacedTwice, // a group that a parent line has placed already
+    hiddenByFlag,     // a page or group that lacks "True" and has a word like it
+    unknownFlag,      // any other word that is no flag
+    hiddenControls,   // a hidden group that holds controls
+    blockInNoGroup,   // a control that is meant to be shown and has no group line
+    noteInScrollPane, // a job note whose group is no roll-down
+    strayControlLine, // a line of a control's definition that stands alone
+    // Job notes
+    unknownJobNoteFlag, // a word that is not a job note flag
+    badDefaultNote,     // a default text that breaks a rule of its note
+    strayNoteLine,      // a default or PostScript line that does not follow its note, or lacks the "%"
+    lostMinLength,      // a bare "MinLength" after "MinLength8"
+    noPlaceholder,      // a template of a note or a range without "<*KEY>"
+    // Ranges and numbers
+    badNumber,            // a number of a range, or a length of a job note, that is not a number
+    textAfterNumber,      // text behind a number of a range
+    swappedBounds,        // a minimum above the maximum
+    defaultOutsideBounds, // a default below the minimum or above the maximum
+    extraNumber,          // a fifth number
+    badCustomSize,        // a custom page size line that cannot be parsed
+    // Options
+    unknownDefault,       // a default that names no option of its block
+    otherDefault,         // a default line that names another keyword
+    emptyBlock,           // a block without options
+    unclosedBlock,        // a block that another element or the end of the file ends
+    optionTwice,          // an option that the block has already
+    blockOfOtherKey,      // a block whose keyword differs from its flags line
+    optionOfOtherKey,     // an option line under another keyword than the block's
+    longBlock,            // PostScript too long for a job
+    unbalancedPostscript, // a brace, parenthesis or hex string that is not closed
+    specialOptionTwice,   // a special option that has a value already
+    // Lines, texts and encoding
+    cutLine,            // a line of more than 255 bytes
+    unclosedQuote,      // a value without its closing quote
+    unreadableByte,     // a line with a byte NUL or 0xFF, which ends its text
+    untranslatableText, // bytes that are no text of the declared encoding
+    otherEncoding,      // a text that is probably in another encoding than the declared one
+    textBeforeEncoding, // a text that needs the encoding, before both language lines
+    unknownEncoding,    // an encoding that the parser does not know
+    misspeltKeyword,    // a main keyword that is nearly one of the extension's
+    // Constraints
     unknownConstraintKeyword, // a constraint line names a keyword that the description does not define
     unknownConstraintOption,  // ... or an option that its control does not offer
-    unplacedGroup,            // a declared group name that no parent line places
-    cutLine,                  // a line of more than 255 bytes
-    untranslatableText,       // bytes that are no text of the declared encoding
-    unknownDefault,           // a default that names no option of its block
-    unknownGroup,             // a group line that names no group
-    emptyBlock,               // a block without options
-    unclosedBlock,            // a block that another element or the end of the file ends early
-    unclosedQuote,            // a value without its closing quote
-    unreadableByte,           // a line with a byte NUL or 0xFF, which ends its text
-    badCustomSize,            // a custom page size line that cannot be parsed
-    badNumber,                // a number of a range, or a length of a job note, that is not a number
-    badDefaultNote            // a job note's default text that breaks a rule of the note
+    oneWayConstraint,         // a constraint without its reverse
+    requirement,              // a requirement line, which nothing evaluates
+    // The pane
+    noMakerVersion,   // no controller version: no pane
+    noFileName,       // no PC file name: no pane
+    unlistedFileName, // a PC file name that the plug-in's bundle does not list: no pane
 };
-
-// Returns "unknownJobNoteFlag" and so on.
-const char* ppdLintName(PPDLintKind kind);
 
 struct PPDLintNote {
     PPDLintKind kind;
-    long line = 0;       // from 1; 0 when it concerns no line
-    std::string keyword; // the element concerned, with any asterisk; may be empty
-    std::string text;    // the word, option or text concerned; may be empty
+    long line = 0;          // from 1; 0 when it concerns no line
+    std::string keyword;    // the element concerned, with any asterisk; may be empty
+    std::string text;       // the word, option or text concerned; may be empty
+    std::string suggestion; // the known word that is probably meant; may be empty
 };
 
 // Collects notes while a description is parsed. Pass it to ZANPPD::SetLint before the parse; it must outlive
@@ -50,41 +90,105 @@ public:
     static constexpr std::size_t maximumNotes = 10000;
 
     const std::vector<PPDLintNote>& Notes() const { return notes; }
+    // Sets the PC file names that the plug-in's bundle lists. Without a list, any name is good.
+    void SetListedFileNames(CFArrayRef names) { listedFileNames = std::move(names); }
 
     // These functions are for the parser.
-    void Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text = {});
+    void Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text = {},
+              std::string_view suggestion = {});
     void ConstraintLine(long line, std::string_view key1, std::string_view option1, std::string_view key2,
-                        std::string_view option2);
+                        std::string_view option2, bool isRequirement);
     // Records a choice block that is left to the spooler: constraint lines may name it.
     void SpoolerKeyword(std::string_view keyword) { spoolerKeywords.emplace(keyword); }
     void DeclaredGroup(const GroupName& name, long line) { declaredGroups.push_back({line, name.name}); }
     void PlacedGroup(std::string_view name) { placedGroups.emplace(name); }
-    // Notes `text` when its bytes, with hexadecimal substrings decoded, are not valid in the encoding.
-    void CheckText(long line, std::string_view keyword, std::string_view text, CFStringEncoding encoding);
-    // Runs the checks that need the whole description: constraint lines, groups, and raw lines of the file.
+    // Checks the words of a page, group or parent line against the known ones. `flags` is the line behind the
+    // names.
+    void CheckFlags(long line, std::string_view element, std::string_view flags,
+                    std::span<const std::string_view> known, bool isVisible);
+    void CheckControlFlags(long line, std::string_view keyword, std::span<const std::string_view> flags);
+    // Notes `text` when its bytes, with hexadecimal substrings decoded, are not valid in the encoding, or
+    // look like another one. nullopt: the description has not declared its encoding yet.
+    void CheckText(long line, std::string_view keyword, std::string_view text,
+                   std::optional<CFStringEncoding> encoding);
+    void CheckEncodingName(long line, std::string_view name);
+    struct RangeValues {
+        double minimum;
+        double maximum;
+        double byDefault;
+    };
+    // Takes the four numbers as they stand, their values, and what follows them.
+    void CheckRange(long line, std::string_view keyword, std::span<const std::string> numbers,
+                    const RangeValues& values, std::string_view fifth, bool isFloat);
+    // Checks PostScript. `option` is empty for a template, which must hold its placeholder.
+    void CheckPostscript(long line, std::string_view keyword, std::string_view option,
+                         const unsigned char* bytes, long length);
+    void OptionLine(long line, std::string_view keyword, std::string_view option);
+    // A line inside the block of `block` that no reader takes.
+    void LineInBlock(long line, std::string_view block, std::string_view keyword, std::string_view text);
+    // A line outside definitions that no reader takes.
+    void OtherLine(long line, std::string_view keyword);
+    // A control's group line; `group` is null when it names none.
+    void GroupLine(long line, std::string_view keyword, std::string_view name, const PPDXGroup* group);
+    // A control without a group.
+    void Orphan(long line, std::string_view keyword, std::span<const std::string_view> flags);
+    // A line of a control's definition that stands outside one. After an error in a definition, its further
+    // lines are no findings.
+    void StrayControlLine(long line, std::string_view keyword);
+    void BeginsControl() { hasFailedControl = hasGroupLine = false; }
+    void Failed() { hasFailedControl = true; }
+    // Runs the checks that need the whole description.
     void Finish(ZANPPD& description);
 
 private:
     struct Constraint {
         long line;
-        std::string text; // the four parts, each ended by a NUL
+        bool isRequirement;
+        std::string key1;
+        std::string option1;
+        std::string key2;
+        std::string option2;
     };
-    struct Declared {
+    // A line and the names on it.
+    struct Named {
         long line;
         std::string name;
+        std::string other{};
     };
+    using Words = std::vector<std::string_view>;
 
-    void CheckConstraint(ZANPPD& description, const Constraint& constraint);
-    void CheckConstraintSide(ZANPPD& description, long line, const char* key, const char* option);
-    void CheckGroups();
+    void CheckConstraints(ZANPPD& description);
+    bool CheckConstraintSide(ZANPPD& description, const Words& keywords, long line, const std::string& key,
+                             const std::string& option);
+    bool IsReversed(const ZANPPD& description, const Constraint& line,
+                    const std::unordered_set<std::string>& lines);
+    std::string_view Suggestion(std::string_view word, const Words& candidates);
+    void CheckGroups(const ZANPPD& description);
+    void CheckOptions(const ZANPPD& description);
+    void CheckBlockSize(long line, std::string_view keyword, std::string_view option, long size);
+    void CheckOtherLines(const ZANPPD& description);
+    void CheckWords(const ZANPPD& description);
+    void CheckPane(const ZANPPD& description);
     void CheckLines(const ZANPPD& description);
     void CheckLine(long line, std::string_view start, std::size_t length, std::string_view badByte);
 
     std::vector<PPDLintNote> notes;
     std::vector<Constraint> constraints;
-    std::vector<Declared> declaredGroups;
+    std::vector<Named> declaredGroups;
+    std::vector<Named> unknownGroups; // control, group
+    std::vector<Named> options;       // key, option
+    std::vector<Named> templates;     // of ranges and notes
+    std::vector<Named> linesInBlocks; // block, keyword
+    std::vector<Named> otherLines;
     std::unordered_set<std::string> placedGroups;
     std::unordered_set<std::string> spoolerKeywords;
+    std::unordered_set<std::string> optionsSeen; // key NUL option
+    std::optional<Named> firstText;              // the first one that needs an encoding before it is known
+    CFArrayRef listedFileNames;
+    std::size_t pairsCompared = 0; // for reverse lines
+    std::size_t wordsCompared = 0; // for suggestions
+    bool hasFailedControl = false;
+    bool hasGroupLine = false; // of the current control
 };
 
 } // namespace torka

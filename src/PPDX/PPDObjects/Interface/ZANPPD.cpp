@@ -58,6 +58,15 @@ bool hostStopsAtAnnotation() {
                        [&](std::string_view host) { return identifier.find(host) != std::string::npos; });
 }
 
+// Looks at a line that begins no element. `encoding` is null when no reader took the line.
+void checkHeaderLine(PPDLint& lint, long line, std::string_view keyword, const CString* encoding) {
+    if (keyword == "*LanguageEncoding" && encoding != nullptr && encoding->Buffer() != nullptr) {
+        lint.CheckEncodingName(line, encoding->Buffer());
+    } else if (findElementKeyword(keyword) == nullptr) {
+        lint.OtherLine(line, keyword);
+    }
+}
+
 bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
@@ -216,6 +225,13 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
         return ParseSpecialOption(stream);
     case LineKind::jobNote:
         return ParseJobNote(stream, nullptr);
+    case LineKind::group:
+    case LineKind::range:
+    case LineKind::floatRange:
+        if (lint) {
+            lint->StrayControlLine(Line(), keyword);
+        }
+        return;
     default:
         break;
     }
@@ -229,8 +245,12 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
     if (keyword.starts_with('*') && keyword.size() < kLineCapacity) {
         std::array<char, kLineCapacity> name{};
         keyword.copy(name.data(), keyword.size());
+        const long lineRead = Line();
         // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
-        ParsePSKeywords(stream, name.data());
+        const bool isTaken = ParsePSKeywords(stream, name.data());
+        if (lint) {
+            checkHeaderLine(*lint, lineRead, keyword, isTaken ? LanguageEncoding() : nullptr);
+        }
     }
 }
 
@@ -274,6 +294,9 @@ bool ZANPPD::ParsePSKeywords(PPDStream& stream, const char* keyword) {
 }
 
 void ZANPPD::Report(PPDErr code, std::string_view keyword, long line) {
+    if (lint) {
+        lint->Failed();
+    }
     auto error = std::make_unique<PPDXErrorObj>(code, std::string(keyword).c_str(), line);
     hasFatalError = hasFatalError || error->IsFatal();
     if (errors->Count() < maximumErrors || error->IsFatal()) {

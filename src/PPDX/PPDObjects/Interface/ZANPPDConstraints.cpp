@@ -66,7 +66,7 @@ void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
     const std::string_view option2 = takeWord(rest);
     constraints->Add(key1, option1, key2, option2, isRequirement);
     if (lint) {
-        lint->ConstraintLine(Line(), key1, option1, key2, option2);
+        lint->ConstraintLine(Line(), key1, option1, key2, option2, isRequirement);
     }
 }
 
@@ -114,6 +114,9 @@ void ZANPPD::ParseSpecialOption(PPDStream& line) {
             SkipTemplateBlock();
         }
     } else if (!keyword.empty()) {
+        if (lint && controls->FindSpecialOption(keyword.c_str(), true) != nullptr) {
+            lint->Note(PPDLintKind::specialOptionTwice, Line(), keyword);
+        }
         ControlDefinition definition;
         definition.keyword = keyword.c_str();
         definition.localName = Localized(keyword, keyword, Line());

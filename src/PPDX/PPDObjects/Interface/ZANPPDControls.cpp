@@ -113,6 +113,9 @@ void ZANPPD::ParseControlFlags(PPDStream& line) {
     ControlDraft draft;
     draft.line = Line();
     draft.keyword = TakeWord(line);
+    if (lint) {
+        lint->BeginsControl();
+    }
     CNTL_TYPE type{};
     if (controls->Find(draft.keyword.c_str(), type, true)) {
         Report(PPDErr_Duplicate, draft.keyword, draft.line);
@@ -125,6 +128,9 @@ void ZANPPD::ParseControlFlags(PPDStream& line) {
         if (!flag.empty()) {
             draft.flags.push_back(flag);
         }
+    }
+    if (lint) {
+        lint->CheckControlFlags(draft.line, draft.keyword, draft.flags);
     }
 
     std::array<char, kLineCapacity> text;
@@ -154,8 +160,8 @@ void ZANPPD::ParseGroupLine(PPDStream& line, ControlDraft& draft) {
     line.Skip(std::min(rest.find_first_not_of(" \t:"), rest.size()));
     const std::string groupName(TakeNamedToken(line).token);
     draft.group = groups->Find(groupName.c_str(), true);
-    if (!draft.group) {
-        Note(PPDLintKind::unknownGroup, groupLine, draft.keyword, groupName);
+    if (lint) {
+        lint->GroupLine(groupLine, draft.keyword, groupName, draft.group);
     }
 
     std::array<char, kLineCapacity> text;
@@ -201,6 +207,7 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
     // The block names its control. A name that another control has is a duplicate.
     CNTL_TYPE found{};
     if (named.token != draft.keyword) {
+        Note(PPDLintKind::blockOfOtherKey, blockLine, named.token, draft.keyword);
         draft.keyword = named.token;
         if (controls->Find(draft.keyword.c_str(), found, true)) {
             Report(PPDErr_Duplicate, draft.keyword, blockLine);
@@ -244,15 +251,21 @@ void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
             return;
         }
         if (element == nullptr && token.starts_with(keyword)) {
+            if (lint && token != keyword) {
+                lint->Note(PPDLintKind::optionOfOtherKey, Line(), keyword, token, keyword);
+            }
             const std::size_t consumed = before.size() - line.Remaining().size();
             if (consumed > 0 && before[consumed - 1] != ':') { // with ":" it has no option keyword
                 ReadOptionLine(line, block);
             }
         } else if (token != "*OrderDependency") {
+            if (lint && element == nullptr) {
+                lint->LineInBlock(Line(), keyword, token, line.Remaining());
+            }
             ParseLine(text.data(), before);
         }
     }
-    Note(PPDLintKind::unclosedBlock, blockLine, keyword);
+    Note(PPDLintKind::unclosedBlock, blockLine, keyword, "the end of the file");
 }
 
 // "*Default KEYWORD: OPTION" or "*DefaultANYTHING: OPTION".
@@ -270,6 +283,9 @@ void ZANPPD::ReadDefaultLine(PPDStream& line, std::string_view token, const std:
     }
     block.defaultOption = line.TakeToken(optionEnds, true);
     block.defaultLine = Line();
+    if (lint && token != "*Default" && token.substr(8) != std::string_view(keyword).substr(1)) {
+        lint->Note(PPDLintKind::otherDefault, block.defaultLine, keyword, token);
+    }
 }
 
 void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
@@ -283,6 +299,11 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     const std::int64_t identifier = strings.InsertWhole(option.token);
     constraints->KVSInsert(block.key, identifier);
     const PostscriptBytes value = TakePostscript(line);
+    if (lint) {
+        const char* const blockKeyword = strings.Find(block.key);
+        lint->OptionLine(optionLine, blockKeyword, option.token);
+        lint->CheckPostscript(optionLine, blockKeyword, option.token, value.bytes, value.length);
+    }
     if (block.kind != ChoiceBlock::Kind::boolean) {
         const std::string_view kept(strings.Find(identifier), option.token.size());
         block.items.emplace_back(ChoiceKeyword(kept), NameOfChoice(option, optionLine), value.bytes,
@@ -401,6 +422,15 @@ void ZANPPD::ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat) {
         }
     }
     const CFStringRef name = LocalName(named, rangeLine);
+    if (lint) {
+        const PPDLint::RangeValues values =
+            isFloat ? PPDLint::RangeValues{floatBounds.minimum, floatBounds.maximum, floatBounds.defaultValue}
+                    : PPDLint::RangeValues{static_cast<double>(bounds.minimum),
+                                           static_cast<double>(bounds.maximum),
+                                           static_cast<double>(bounds.defaultValue)};
+        PPDStream rest(line);
+        lint->CheckRange(rangeLine, draft.keyword, numbers, values, takeNumber(rest), isFloat);
+    }
     const PostscriptBytes value = TakePostscript(line);
     if (!value.bytes) {
         Report(PPDErr_NoPostscript, draft.keyword, rangeLine);
@@ -408,6 +438,9 @@ void ZANPPD::ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat) {
     }
     if (!HasPlace(draft, draft.keyword, true)) {
         return;
+    }
+    if (lint) {
+        lint->CheckPostscript(rangeLine, draft.keyword, {}, value.bytes, value.length);
     }
     ControlDefinition definition = Define(draft, draft.keyword, name);
     definition.psData = value.bytes;
@@ -434,7 +467,13 @@ ControlDefinition ZANPPD::Define(const ControlDraft& draft, const std::string& k
 // Called before a control is made, because a new control reports its value to the constraint store.
 bool ZANPPD::HasPlace(const ControlDraft& draft, std::string_view keyword, bool visible) {
     PPDXGroup* group = draft.group;
-    switch (PlacementFor(group, visible)) {
+    const Placement placement = PlacementFor(group, visible);
+    if (lint && placement == Placement::inControlsOnly) {
+        lint->Note(PPDLintKind::noteInScrollPane, draft.line, keyword, draft.group->Keyword());
+    } else if (lint && placement == Placement::asOrphan) {
+        lint->Orphan(draft.line, keyword, draft.flags);
+    }
+    switch (placement) {
     case Placement::noParent:
         Report(PPDErr_NoParent, keyword, draft.line);
         return false;

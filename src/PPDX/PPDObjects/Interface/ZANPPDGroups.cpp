@@ -2,6 +2,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
 #include <algorithm>
+#include <array>
 #include <unordered_set>
 
 // Pages, scroll panes and roll-downs, the placement of controls in them, and shortcuts.
@@ -13,6 +14,11 @@ namespace {
 constexpr DelimiterSet flagEnds("|:\"");
 constexpr DelimiterSet slash("/");
 constexpr DelimiterSet colon(":");
+
+// What lint takes for a flag.
+constexpr std::array<std::string_view, 4> pageFlags{"True", "False", "App", "Prop"};
+constexpr std::array<std::string_view, 2> groupFlags{"True", "False"};
+constexpr std::array<std::string_view, 4> parentFlags{"True", "False", "Scrollpane", "Rolldown"};
 
 template <class Visit>
 void forEachFlag(PPDStream& line, Visit visit) {
@@ -50,11 +56,15 @@ void ZANPPD::ParsePropPage(PPDStream& line) {
     bool visible = false;
     bool showInApp = true;
     bool showInPrintProp = true;
+    const std::string_view flags = line.Remaining();
     forEachFlag(line, [&](std::string_view flag) {
         visible = visible || flag == "True";
         showInApp = showInApp && flag != "App";
         showInPrintProp = showInPrintProp && flag != "Prop";
     });
+    if (lint) {
+        lint->CheckFlags(Line(), name, flags, pageFlags, visible);
+    }
     if (visible || (parseOptions & kAcceptHidden) != 0) {
         properties->Add(
             new PPDXProperty(name.c_str(), LocalName(named, Line()), visible, showInApp, showInPrintProp));
@@ -77,7 +87,11 @@ void ZANPPD::ParseGroupName(PPDStream& line, PPDErr missingName) {
     // A group's name has always ended with a blank; code that compares names relies on it.
     const std::string text = std::string(named.hasName ? named.name : named.token) + ' ';
     record.localName = Localized(text, record.name, Line());
+    const std::string_view flags = line.Remaining();
     record.visible = hasTrueFlag(line);
+    if (lint) {
+        lint->CheckFlags(Line(), record.name, flags, groupFlags, record.visible);
+    }
     if (record.visible || (parseOptions & kAcceptHidden) != 0) {
         if (lint) {
             lint->DeclaredGroup(record, Line());
@@ -97,10 +111,14 @@ void ZANPPD::ParseParent(PPDStream& line) {
     enum class Kind { none, scrollPane, rollDown };
     Kind kind = Kind::none;
     bool visible = false;
+    const std::string_view flags = line.Remaining();
     forEachFlag(line, [&](std::string_view flag) {
         visible = visible || flag == "True";
         kind = flag == "Scrollpane" ? Kind::scrollPane : flag == "Rolldown" ? Kind::rollDown : kind;
     });
+    if (lint) {
+        lint->CheckFlags(Line(), childName, flags, parentFlags, visible);
+    }
     if (!visible && (parseOptions & kAcceptHidden) == 0) {
         return;
     }
@@ -110,6 +128,9 @@ void ZANPPD::ParseParent(PPDStream& line) {
     }
     if (lint) {
         lint->PlacedGroup(childName);
+        if (groups->Find(childName.c_str(), true) != nullptr) {
+            lint->Note(PPDLintKind::groupPlacedTwice, Line(), childName);
+        }
     }
     if (kind == Kind::scrollPane) {
         PlaceScrollPane(child->second, parentName, visible && child->second.visible);
@@ -125,6 +146,9 @@ void ZANPPD::PlaceScrollPane(const GroupName& child, const std::string& parentNa
         return;
     }
     auto pane = std::make_unique<PPDXScrollPane>(child.name.c_str(), child.localName, visible);
+    if (page->GetScrollDown() != nullptr) {
+        Note(PPDLintKind::secondScrollPane, Line(), parentName, child.name);
+    }
     pane->SetParent(page);
     SetPropertyScrollDown(page, pane.get());
     groups->Add(pane.release());

@@ -4,7 +4,9 @@
 #include "StringUtils.h"
 #include "platform/Log.h"
 
+#include <algorithm>
 #include <array>
+#include <string>
 
 // Job notes, and the stored preferences of notes that a dialog asks for before printing.
 
@@ -13,6 +15,14 @@ namespace torka {
 namespace {
 
 constexpr DelimiterSet flagEnds("|:\"");
+
+void checkDefaultLine(PPDLint& lint, long line, std::string_view token, std::string_view keyword,
+                      std::string_view bare) {
+    constexpr std::string_view beginning = "*%Default";
+    if (token.substr(std::min(beginning.size(), token.size())) != bare) {
+        lint.Note(PPDLintKind::otherDefault, line, keyword, token);
+    }
+}
 
 ZANPPD::PUJNPrefsReader& preferencesReader() {
     static ZANPPD::PUJNPrefsReader reader;
@@ -48,8 +58,13 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     std::array<char, kLineCapacity> text;
     ControlDefinition definition = Define(*draft, draft->keyword, name);
     bool isRead = ReadNonEmptyLine(text.data());
+    const std::string_view bare =
+        std::string_view(draft->keyword).substr(draft->keyword.starts_with('*') ? 1 : 0);
     if (isRead && std::string_view(text.data()).starts_with("*%Default")) {
         PPDStream next{std::string_view(text.data())};
+        if (PPDStream again(next); lint) {
+            checkDefaultLine(*lint, Line(), TakeMainKeyword(again), draft->keyword, bare);
+        }
         std::array<char, kLineCapacity> value;
         if (GetQuotedString(next, value.data(), static_cast<long>(value.size())) > 1) {
             defaultNotes = value.data();
@@ -59,10 +74,12 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     if (isRead) {
         PPDStream next{std::string_view(text.data())};
         const std::string_view keyword = TakeMainKeyword(next);
-        const std::string_view bare =
-            std::string_view(draft->keyword).substr(draft->keyword.starts_with('*') ? 1 : 0);
         if (keyword.size() == bare.size() + 2 && keyword.starts_with("*%") && keyword.substr(2) == bare) {
+            const long templateLine = Line();
             const PostscriptBytes value = TakePostscript(next);
+            if (lint) {
+                lint->CheckPostscript(templateLine, draft->keyword, {}, value.bytes, value.length);
+            }
             definition.psData = value.bytes;
             definition.psLength = value.length;
         } else {
@@ -94,6 +111,7 @@ bool ZANPPD::ReadNoteFlags(PPDStream& line, std::string_view keyword, JobNoteFla
         if (word.empty()) {
             continue;
         }
+        const std::int64_t minLength = flags.MinLength();
         switch (flags.Read(word)) {
         case JobNoteFlagReader::Result::aboveLevel:
             return false;
@@ -103,6 +121,9 @@ bool ZANPPD::ReadNoteFlags(PPDStream& line, std::string_view keyword, JobNoteFla
             }
             break;
         case JobNoteFlagReader::Result::taken:
+            if (minLength > 0 && flags.MinLength() == 0) {
+                Note(PPDLintKind::lostMinLength, Line(), keyword, "MinLength" + std::to_string(minLength));
+            }
             break;
         }
     }

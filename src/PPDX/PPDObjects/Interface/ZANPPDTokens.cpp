@@ -54,7 +54,7 @@ CFStringRef ZANPPD::LocalName(const NamedToken& token, long line) {
 void ZANPPD::CheckText(std::string_view text, std::string_view keyword, long line) {
     if (lint) {
         lint->CheckText(line, keyword, text,
-                        Converter() ? TextConverter::GetPPDEncoding(this) : kCFStringEncodingUTF8);
+                        Converter() ? std::optional(TextConverter::GetPPDEncoding(this)) : std::nullopt);
     }
 }
 

@@ -1,0 +1,200 @@
+#include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
+
+#include "PPDX/PPDObjects/Properties/PPDXErrors.h"
+
+#include <algorithm>
+#include <array>
+
+namespace torka {
+
+namespace {
+
+// In both texts "%1" stands for the note's text, "%2" for its keyword.
+struct LintRow {
+    PPDLintKind kind;
+    const char* name;
+    std::string_view says;
+    std::string_view remedy;
+};
+
+#define TORKA_ROW(kind, says, remedy)                                                                        \
+    LintRow { PPDLintKind::kind, #kind, says, remedy }
+constexpr std::array rows{
+    TORKA_ROW(unplacedGroup, "the group is declared but no *%ZANParent line places it",
+              "add a *%ZANParent line for the group, or remove its declaration"),
+    TORKA_ROW(unknownGroup, "the group \"%1\" does not exist",
+              "name a roll-down that is declared and placed above"),
+    TORKA_ROW(secondScrollPane, "the page already has a scroll pane; \"%1\" takes its place",
+              "place roll-downs in one scroll pane, or declare another page"),
+    TORKA_ROW(groupPlacedTwice, "the group has been placed already",
+              "keep one *%ZANParent line for each group"),
+    TORKA_ROW(hiddenByFlag, "the element is hidden: \"%1\" is no flag", "write \"True\" exactly"),
+    TORKA_ROW(unknownFlag, "the flag word \"%1\" is unknown and has no effect",
+              "use the flag words of the language, in their letter case"),
+    TORKA_ROW(hiddenControls, "the group is not shown, but its %1 still go into the job",
+              "show the page, the scroll pane and the roll-down, or remove the controls"),
+    TORKA_ROW(blockInNoGroup, "the control has no group and is shown on no page",
+              "add a *%ZANGroup line, or the flag NoTorkaDriverUI"),
+    TORKA_ROW(noteInScrollPane, "the job note is placed in the scroll pane \"%1\" and is shown on no page",
+              "name a roll-down in the *%ZANGroup line"),
+    TORKA_ROW(strayControlLine, "%1 stands outside a control's definition and is lost",
+              "put it directly behind the lines of its control, which begins with *%ZANFlags"),
+
+    TORKA_ROW(unknownJobNoteFlag, "the job-note flag word \"%1\" is unknown and was skipped",
+              "use the words of the table of job notes"),
+    TORKA_ROW(badDefaultNote, "the default text %1", "change the default text or the note's rules"),
+    TORKA_ROW(strayNoteLine, "%1 does not belong to its job note and is lost",
+              "put *%DefaultKEY and then *%KEY directly behind the *%ZANJobNote line, both with \"%\""),
+    TORKA_ROW(lostMinLength, "\"MinLength\" behind \"%1\" sets the minimum length back to none",
+              "write MinLength|%1"),
+    TORKA_ROW(noPlaceholder, "the template has no placeholder <%2>: the job never holds the value",
+              "write <%2> where the value belongs"),
+
+    TORKA_ROW(badNumber, "\"%1\" is not a number that can be used here", "write a number within the limits"),
+    TORKA_ROW(textAfterNumber, "only the beginning of \"%1\" counts as a number",
+              "separate the numbers by \";\" and write nothing else"),
+    TORKA_ROW(swappedBounds, "the minimum is above the maximum (%1)", "exchange the two bounds"),
+    TORKA_ROW(defaultOutsideBounds, "the default is outside the bounds (%1)",
+              "give a default between minimum and maximum"),
+    TORKA_ROW(extraNumber, "\"%1\" is a fifth number and is lost",
+              "give minimum, maximum, increment and default only"),
+    TORKA_ROW(badCustomSize, "the custom size line is not understood",
+              "write Width: 1 points MINIMUM MAXIMUM, or Height: 2 points MINIMUM MAXIMUM"),
+
+    TORKA_ROW(unknownDefault, "the default \"%1\" names no option; the first one is the default",
+              "name an option of the block"),
+    TORKA_ROW(otherDefault, "%1 counts as this control's default line, but names another keyword",
+              "name the control's own keyword"),
+    TORKA_ROW(emptyBlock, "the block has no options", "add options or remove the block"),
+    TORKA_ROW(unclosedBlock, "the block that opens here is not closed before %1", "add its closing line"),
+    TORKA_ROW(optionTwice, "the option \"%1\" stands in the block twice", "remove or rename one of the two"),
+    TORKA_ROW(blockOfOtherKey, "the block's keyword differs from \"%1\" of its *%ZANFlags line",
+              "use the same keyword in both lines"),
+    TORKA_ROW(optionOfOtherKey, "%1 is not the keyword of this block", "use the keyword of the block"),
+    TORKA_ROW(longBlock, "%1, more than a job takes: the setting is left out of the job",
+              "shorten the PostScript so that the block has at most 1023 bytes"),
+    TORKA_ROW(unbalancedPostscript, "the PostScript is not balanced: %1",
+              "close every brace, parenthesis and hexadecimal string in the same value"),
+    TORKA_ROW(specialOptionTwice, "the special option has a value already; the first one counts",
+              "keep one line"),
+
+    TORKA_ROW(cutLine, "the line has more than 255 bytes and was cut into pieces",
+              "break the value inside its quotes, or shorten the line"),
+    TORKA_ROW(unclosedQuote, "the value has no closing quote and ends where the next keyword begins",
+              "close the quote"),
+    TORKA_ROW(unreadableByte, "the line holds a byte %1, at which its text ends", "remove the byte"),
+    TORKA_ROW(untranslatableText, "the text is not valid in the declared *LanguageEncoding",
+              "write the text in that encoding, or declare the encoding of the text"),
+    TORKA_ROW(otherEncoding, "the text \"%1\" is probably not in the declared *LanguageEncoding",
+              "write the text in that encoding, or declare the encoding of the text"),
+    TORKA_ROW(
+        textBeforeEncoding,
+        "the text \"%1\" needs an encoding before *LanguageVersion and *LanguageEncoding are both known",
+        "put both lines above the first translation"),
+    TORKA_ROW(unknownEncoding, "the encoding \"%1\" is unknown; texts are read as UTF-8",
+              "use a name of the table of encodings"),
+    TORKA_ROW(misspeltKeyword, "no reader knows this keyword, and the line is lost", "correct the keyword"),
+
+    TORKA_ROW(unknownConstraintKeyword, "a constraint names this keyword, which nothing defines",
+              "name a keyword of the description"),
+    TORKA_ROW(unknownConstraintOption, "a constraint names the option \"%1\", which is not offered",
+              "name an option that the block offers"),
+    TORKA_ROW(oneWayConstraint, "the constraint holds in one direction only; \"%1\" is missing",
+              "add the reverse line"),
+    TORKA_ROW(requirement, "nothing evaluates a requirement: it is listed and forbids nothing",
+              "write constraint lines for what must not be chosen"),
+
+    TORKA_ROW(noMakerVersion, "there is no *%QVVersion, so that the printer has no pane",
+              "add *%QVVersion with the controller's version"),
+    TORKA_ROW(noFileName, "there is no *PCFileName, so that the printer has no pane",
+              "add *PCFileName with a name that the plug-in's PrinterList.plist lists"),
+    TORKA_ROW(unlistedFileName,
+              "the plug-in's PrinterList.plist does not list \"%1\", so that the printer has no pane",
+              "use a listed *PCFileName, or add this one to the list"),
+};
+#undef TORKA_ROW
+
+static_assert([] {
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].kind != static_cast<PPDLintKind>(i)) {
+            return false;
+        }
+    }
+    return true;
+}());
+
+const LintRow& rowOf(PPDLintKind kind) { return rows[static_cast<std::size_t>(kind)]; }
+
+struct ErrorRow {
+    std::int16_t code;
+    std::string_view remedy;
+};
+
+constexpr std::array errorRows{
+    ErrorRow{PPDErr_OutOfMemory, "free memory, or use a smaller description"},
+    ErrorRow{PPDErr_PropPageParsing, "give the *%ZANPropPage line a name"},
+    ErrorRow{PPDErr_GroupParsing,
+             "use the *%ZANFlags keyword in the *%ZANGroup line, and let a control follow"},
+    ErrorRow{PPDErr_JobNoteParsing, "use the group line's keyword in the *%ZANJobNote line"},
+    ErrorRow{PPDErr_RangeParsing,
+             "use the group line's keyword; give minimum, maximum, positive increment and default"},
+    ErrorRow{PPDErr_OpenUIParsing, "give the *OpenUI line a keyword"},
+    ErrorRow{PPDErr_BooleanParsing,
+             "name the options of a boolean block True and False, with one default line"},
+    ErrorRow{PPDErr_OpenUIZANParsing1, "give the *OpenUIZAN line a keyword"},
+    ErrorRow{PPDErr_PopupParsing, "leave one default line in the popup's block"},
+    ErrorRow{PPDErr_GroupNameParsing, "give the *%ZANGroupName line a name"},
+    ErrorRow{PPDErr_ParentParsingNoParent, "declare the page or scroll pane before the *%ZANParent line; a "
+                                           "roll-down needs a scroll pane"},
+    ErrorRow{PPDErr_ParentParsing, "write both names: CHILD/PARENT"},
+    ErrorRow{PPDErr_ControlParsing, "let a *%ZANGroup line or a block follow the *%ZANFlags line"},
+    ErrorRow{PPDErr_FileError, "give a file that can be opened and read"},
+    ErrorRow{PPDErr_BadShortcut, "name an existing control that is not a reserved name"},
+    ErrorRow{PPDErr_NoParent, "give the control a group line that names a declared roll-down"},
+    ErrorRow{PPDErr_Duplicate, "remove the second definition of the control, page or group"},
+    ErrorRow{PPDErr_NoPropertyPages, "declare at least one visible page"},
+    ErrorRow{PPDErr_NoGroups, "declare groups and place them"},
+    ErrorRow{PPDErr_NoControls, "define controls"},
+    ErrorRow{PPDErr_NotPPDFile, "begin the file with *PPD-Adobe: \"4.3\""},
+    ErrorRow{PPDErr_InvalidParent, "name a roll-down, not a scroll pane, in the group line"},
+    ErrorRow{PPDErr_InvalidOpenUIType, "use Boolean, PickOne or PickMany"},
+    ErrorRow{PPDErr_UnsupportedJobNoteFlag, "remove the flag word above the reader's level"},
+    ErrorRow{PPDErr_NoDefaultValueFlag, "add a *Default line to the block"},
+    ErrorRow{PPDErr_OpenUIZANParsing2, "use Boolean, PickOne or PickMany"},
+    ErrorRow{PPDErr_NoPostscript, "give the range its quoted PostScript, beginning on the same line"},
+    ErrorRow{PPDErr_BadConstraint, "name the second keyword"},
+    ErrorRow{PPDErr_SubGroupNameParsing, "give the *%ZANSubGroupName line a name"},
+};
+
+std::string filled(std::string_view pattern, const PPDLintNote& note) {
+    std::string result;
+    for (std::size_t at = 0; at < pattern.size(); ++at) {
+        const std::string_view place = pattern.substr(at, 2);
+        if (place == "%1" || place == "%2") {
+            result += place == "%1" ? note.text : note.keyword;
+            ++at;
+        } else {
+            result += pattern[at];
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+const char* ppdLintName(PPDLintKind kind) { return rowOf(kind).name; }
+
+std::string ppdLintMessage(const PPDLintNote& note) {
+    const std::string message = filled(rowOf(note.kind).says, note);
+    return note.suggestion.empty() ? message : message + "; did you mean \"" + note.suggestion + "\"?";
+}
+
+std::string ppdLintRemedy(const PPDLintNote& note) { return filled(rowOf(note.kind).remedy, note); }
+
+std::string_view ppdErrRemedy(std::int16_t code) {
+    const auto* const row =
+        std::ranges::find_if(errorRows, [code](const ErrorRow& each) { return each.code == code; });
+    return row == errorRows.end() ? std::string_view() : row->remedy;
+}
+
+} // namespace torka
