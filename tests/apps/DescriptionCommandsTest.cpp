@@ -91,6 +91,44 @@ TEST(LintCommand, TellsErrorsAndWarningsWithTheirLines) {
     EXPECT_GE(defects["warnings"].size(), 10U);
 }
 
+TEST(LintCommand, WarningsAloneAreGoodUnlessStrictAndCompilersFormIsOneLineEach) {
+    const std::string ppd = samplePath("torka-production.ppd");
+    EXPECT_EQ(runTool({"lint", ppd}).status, 0);
+    EXPECT_EQ(runTool({"lint", ppd, "--strict"}).status, 1);
+    EXPECT_EQ(runTool({"lint", samplePath("torka-defects.ppd")}).status, 1);
+
+    const TemporaryFolder folder;
+    const std::string small = folder.Write("small.ppd", "*PPD-Adobe: \"4.3\"\n*%ZANProppage P/P: True\n");
+    const CommandResult lines = runTool({"lint", small, "--format=gcc"});
+    EXPECT_EQ(lines.output,
+              small +
+                  ":1: error: 25 PPDErr_NoPropertyPages; declare at least one visible page "
+                  "[PPDErr_NoPropertyPages]\n" +
+                  small + ":1: error: 26 PPDErr_NoGroups; declare groups and place them [PPDErr_NoGroups]\n" +
+                  small + ":1: error: 27 PPDErr_NoControls; define controls [PPDErr_NoControls]\n" + small +
+                  ":1: warning: *%QVVersion: there is no *%QVVersion, so that the printer has no pane; add "
+                  "*%QVVersion with the controller's version [noMakerVersion]\n" +
+                  small +
+                  ":1: warning: *PCFileName: there is no *PCFileName, so that the printer has no pane; add "
+                  "*PCFileName with a name that the plug-in's PrinterList.plist lists [noFileName]\n" +
+                  small +
+                  ":2: warning: *%ZANProppage: no reader knows this keyword, and the line is lost; did you "
+                  "mean \"*%ZANPropPage\"?; correct the keyword [misspeltKeyword]\n");
+
+    std::filesystem::create_directories(folder / "B/Contents");
+    folder.Write(
+        "B/Contents/PrinterList.plist",
+        "<plist version=\"1.0\"><dict><key>PCFILENAME</key><array><string>trkprja.ppd</string></array>"
+        "</dict></plist>");
+    const auto hasUnlisted = [&](const std::string& name) {
+        return runTool({"lint", samplePath(name), "--bundle", folder / "B"}).output.find("does not list") !=
+               std::string::npos;
+    };
+    EXPECT_TRUE(hasUnlisted("torka-production.ppd"));
+    EXPECT_FALSE(hasUnlisted("torka-production-ja.ppd"));
+    EXPECT_EQ(runTool({"lint", ppd, "--bundle", folder / "absent"}).status, 2);
+}
+
 TEST(Tool, UnusableInputIsStatusTwoWithOneLine) {
     const TemporaryFolder folder;
     const std::string other = folder.Write("other.ppd", "*PPD-Adobe: \"4.2\"\n");
