@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The main job: installs what is missing, builds, and prints samples/brochure.ps with settings of the sample description.
 # Leaves in out/: the ticket, the spliced document, pictures of its pages before and after, a summary, and in out/pane/
 # pictures of every page of the pane in a print dialog.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds everything and passes all tests: the optimised build first, then the fuzz corpora and the unit tests under
 # AddressSanitizer and UndefinedBehaviorSanitizer. Arguments go to ctest (for example: ./test.sh -R Constraint).
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compares the note ciphers and the encodings with bare calls of nettle and OpenSSL, on the same bytes in one
 // run.
 

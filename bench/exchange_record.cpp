@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fills the exchange record with 1,000 settings and reads it back, as a launch and the module's return do.
 // Compares this with copies of the whole record.
 

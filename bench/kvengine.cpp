@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compares the constraint store with libcups on the same descriptions in the same run. Names: TASK/SIZE/cups
 // and TASK/SIZE/torka. Both sides begin with the description's defaults.
 

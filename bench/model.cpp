@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Measures reading a description's file into its model, and the model's functions that an open pane calls.
 // Compares them with libcups on the same files in the same run. Names: TASK/SIZE/cups and TASK/SIZE/torka.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Measures the pane's widgets without a display, and compares them with Qt's own print dialog in the same
 // run. "firstOpening" runs in new processes that first open the plain dialog and then the pane, as a host
 // does. It measures from the start of the work (for the pane: reading the description) to the first painting.

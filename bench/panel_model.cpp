@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Measures the work of a click on "full properties" before the module's window opens, with the 800-option
 // description: collects the default settings of every control, writes them into the exchange record, and
 // takes unchanged settings back. Compares this with libcups on the same file in the same run: reads the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Measures the work from print settings to a ticket for the rich sample. Compares it with libcups on the same
 // file in the same run: ppdOpenFile, marking and ppdEmitString. Names: TASK/cups and TASK/torka. The counter
 // "kept_bytes" of ManyJobs gives the growth of the heap over 10,000 jobs of one process.

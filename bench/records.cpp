@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads and writes records of 16 MB. Compares this with bare loops over the libraries that do the work, on
 // the same bytes in one run.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Converts records of 1,000 entries into the module's structures and frees them. Compares this with a bare
 // split of the same text into lines and fields, each copied into its own string.
 

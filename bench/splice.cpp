@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Splices a large document between two pipes. Compares this with `cat` and a bare read-and-write loop in the
 // same place. "peakKiB" is the maximum memory of the process in the middle. It must be the same for both
 // document sizes.

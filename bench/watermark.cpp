@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compares a watermark's resource with the same text from the C library: a "%02X" for each byte, and one
 // snprintf into a buffer of the job's limit.
 

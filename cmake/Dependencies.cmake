@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What is called and not written here. scripts/install-deps.sh holds the packages.
 find_package(PkgConfig REQUIRED)
 find_package(ZLIB REQUIRED)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # One place for the compiler's rules and for how a folder becomes a library, a test or a fuzz target.
 
 add_library(torka_options INTERFACE)

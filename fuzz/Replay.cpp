@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a fuzz target on the files and folders of the command line, without libFuzzer. The sanitizer builds
 // replay each corpus with it as a test. Fails when there is no input, so that a lost corpus is noticed.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls every operation of the address list on an arbitrary property list. Added entries and blocks are found
 // again.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Passes arbitrary text through both Base64 decoders, in pieces and into buffers of any size. Also passes
 // arbitrary bytes through the encoder and back.
 

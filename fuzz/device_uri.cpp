@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads a device URI of arbitrary bytes, as text and as the URL of a queue. It is of at most one kind, and
 // the name taken from it can be shown. Also reads the bytes as a service's name.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Searches a management template of arbitrary bytes. Every search ends and gives the same result for a
 // keyword with and without its asterisk. The values taken over stay within the capacities of the lists.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads exchange records from hostile bytes, and writes hostile wide text into a record.
 
 #include "bidi/module/ExchangeLists.h"

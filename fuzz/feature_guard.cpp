@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads arbitrary bytes as a description and as feature code. Every unguarded keyword is one word of the
 // description. Code that may be guarded may also be guarded twice.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loads FieldKeys.plist with arbitrary content. The result is an error with a text, or a set in which every
 // key and vector can be read.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs command jobs of the queue's filter. The filter writes nothing outside its two folders, each of its
 // messages is one line, and the notes and owner records that it stores can be read again.
 //

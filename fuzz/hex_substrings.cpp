@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decodes hexadecimal substrings and converts translations. The first byte of the input chooses the encoding.
 
 #include "PPDX/PPDObjects/Interface/PPDX.h"

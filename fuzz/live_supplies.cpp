@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes records of arbitrary attributes for supplies and trays. The records can be read again, entry for
 // entry.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Deciphers arbitrary hexadecimal text of a protected note. The result is a text, or an error with a text.
 // Also passes notes with arbitrary text through the cipher and back.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Applies an arbitrary result of a Job Properties module to a pane. No list exceeds its capacity. When the
 // pane then passes its settings to a module that returns them unchanged, nothing changes.
 //

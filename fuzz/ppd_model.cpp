@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parses arbitrary bytes as a description. Then emits all its PostScript, asks for every choice whether it is
 // forbidden, takes the values and sets them again, and stores the model and restores it.
 

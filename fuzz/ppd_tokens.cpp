@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads lines, tokens and quoted values from arbitrary bytes, and compares each with a byte-by-byte reader.
 //
 // Input: the first three bytes choose the size of the pieces, the delimiters and the capacity of values.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads an arbitrary file of presets, and an arbitrary record of popup job-note preferences. No secret value
 // is taken from them, lists stay within their capacities, and values saved afterwards are read again.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads arbitrary bytes as a property list. A list that is read equals itself after it is written and read
 // again.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads two-way records from hostile texts. Compares the reader and the index with a slow reader. Also parses
 // the text as that of a command job.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Converts arbitrary record texts of server data to the module's structures. A refusal leaves no block and no
 // out-parameter. A result can be freed completely, and a text written from it is read as the same structure.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Restores an arbitrary property list of print settings into a pane's data and emits a ticket. The lists stay
 // within their capacities, the same settings give the same ticket again, and saved settings restore to
 // themselves.

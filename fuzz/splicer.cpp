@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Splices arbitrary documents. The result does not depend on the pieces in which a document arrives, its
 // length is the sum of its parts, and every setup entry is written once or reported.
 //

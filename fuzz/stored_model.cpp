@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rebuilds groups, pages and controls from arbitrary stored settings. Each result emits the number of bytes
 // that it announced, takes the input's last line as its value, and is the same after it is saved and rebuilt.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads arbitrary bytes as a ticket file. The result is a ticket, or a fault with a text.
 
 #include "spooler/TicketReader.h"

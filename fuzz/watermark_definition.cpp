@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes watermark resources from arbitrary definitions, for every language and orientation. A resource has
 // the same PostScript structure as one from harmless values. It is short enough for a job when the
 // watermark's text is short.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #define JOB_PROPERTIES_MODULE
 #include "bidi/JobPropertiesModule.h"
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the benchmarks and prints the table of ratios: each case beside the library that a user would pick instead, in
 # the same run. Arguments name the programs to run (model, kvengine, ciphers, ...); none runs all.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs what building, running and testing need on Debian 12: the one list of packages of this project.
 # Does nothing when all of them are there. Needs root for what is missing.
 set -euo pipefail

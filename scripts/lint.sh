@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Checks what the build does not: the format, the floors, plain text in widgets, that every header compiles alone and
 # the fence around what nobody calls.
 #   scripts/lint.sh                    all of it
@@ -23,6 +24,13 @@ if [ "$#" -gt 0 ]; then
 fi
 
 clang-format-14 --dry-run --Werror "${files[@]}"
+unmarked=$(git ls-files '*.cpp' '*.h' '*.c' '*.inc' '*.cmake' '*CMakeLists.txt' scripts |
+    xargs grep -L 'SPDX-License-Identifier: Apache-2.0' || true)
+if [ -n "$unmarked" ]; then
+    echo "lint: these files lack a line with SPDX-License-Identifier:" >&2
+    echo "$unmarked" >&2
+    exit 1
+fi
 ./scripts/check-floors
 ./scripts/check-plain-text
 if [ "$#" -eq 0 ] || [ "${#headers[@]}" -gt 0 ]; then

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The half of SpliceMachine that decides where entries go.
 
 #include "PPDX/Utilities/PostScriptText.h"

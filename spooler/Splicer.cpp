@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "spooler/Splicer.h"
 
 #include "spooler/SpliceMachine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/PaneTab.h"
 
 #include "platform/qt/QtView.h"

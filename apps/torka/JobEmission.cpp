@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/JobEmission.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"

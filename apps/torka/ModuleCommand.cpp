@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
 #include "apps/torka/Interrupt.h"
 #include "apps/torka/JobEmission.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/JobEmission.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/QueueAddresses.h"
 
 #include "apps/torka/Interrupt.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/QueueCheck.h"
 
 #include "bidi/commands/TicketCommands.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/FilterLines.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/QueueJobs.h"
 
 #include "platform/System.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/QueueServerData.h"
 
 #include "apps/torka/Command.h"

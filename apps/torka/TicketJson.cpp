@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/TicketJson.h"
 
 #include "ZANUtils/QVCFBase64.h"

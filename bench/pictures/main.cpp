@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Draws the pane for a description without a display: one picture for each page, at 100 % and 200 %, with a
 // dark palette, and from right to left.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "jobproperties/core/JobSettings.h"
 
 #include "jobproperties/core/PrinterDescription.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "jobproperties/window/OpenWindow.h"
 
 #include "jobproperties/core/Session.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "jobproperties/window/WatermarkEditor.h"
 
 #include "jobproperties/window/WatermarkPreview.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/FilterNotes.h"
 
 #include "spooler/filter/NoteFields.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/QueueRecords.h"
 
 #include "bidi/records/CPPDMsgHdlr.h"

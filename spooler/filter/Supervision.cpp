@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/Supervision.h"
 
 #include "spooler/filter/ServerMessages.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ZANUtils/AES256CBC.h"
 
 #include "ZANUtils/SecureBuffer.h"

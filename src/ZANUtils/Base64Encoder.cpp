@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ZANUtils/Base64Encoder.h"
 
 #include <nettle/base64.h>

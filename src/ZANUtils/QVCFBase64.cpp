@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ZANUtils/QVCFBase64.h"
 
 #include "ZANUtils/Base64Encoder.h"

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 #pragma once
 
 /* The Job Properties module interface: the functions that a module library exports, and the callbacks of the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parses a list into entries for people and tools, and removes entries.
 
 #include "connection/ZANCorvianPrinterPList.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "output/WatermarkFields.h"
 
 #include "output/ZANWatermark.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "output/WatermarkTemplates.h"
 
 #include "StringUtils.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "output/WorkflowUpload.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"

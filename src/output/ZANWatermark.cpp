@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "output/ZANWatermark.h"
 
 #include "StringUtils.h"

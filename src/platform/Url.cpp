@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The URL functions of CoreFoundation.h (RFC 3986; parsed as in its appendix B).
 
 #include "platform/CoreFoundation.h"

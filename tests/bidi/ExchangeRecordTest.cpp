@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/module/ExchangeLists.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "platform/TextEncoding.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/records/CPPDMsgHdlr.h"
 #include "platform/TextEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/CString.h"
 #include "bidi/memory/ModuleMemory.h"
 #include "bidi/module/ExchangeLists.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "connection/BonjourIPDiscovery.h"
 #include "connection/BonjourModuleController.h"
 #include "platform/memory/MemoryAlerts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/JobProgress.h"
 #include "apps/print-dialog/PrintRun.h"
 #include "platform/cups/CupsSpooler.h"

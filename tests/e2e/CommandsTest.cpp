@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "connection/ZANCorvianPrinterPList.h"
 #include "tests/e2e/ServerData.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"
 #include "tests/e2e/Sandbox.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/support/Neighbours.h"
 #include "pane/exchange/ServerExchange.h"
 #include "platform/posix/PosixNetServices.h"

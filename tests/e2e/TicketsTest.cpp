@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/commands/SpoolerCommands.h"
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/Confinement.h"
 
 #include "platform/SecretMemory.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/KVCache.h"
 #include "PPDX/KVEngine/UIConstraints.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests the record, the texts in their encodings, and the resources as Ghostscript prints them.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/module/JobPropertiesSession.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "pane/panel/PaneInterface.h"

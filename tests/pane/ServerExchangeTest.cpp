@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/exchange/ServerExchange.h"
 
 #include "pane/data/PopupJobNotes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/commands/SpoolerCommands.h"
 #include "tests/pane/UIPanelFixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/data/PanelState.h"
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/presentation/ConflictNotice.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A name server on port 53 for IPv4: names.py FILE. FILE gets the names that were asked for, one a line.
 
 A name that begins with "silent" gets no answer. Any other name that ends in ".test" is 10.77.0.2; no other is known.

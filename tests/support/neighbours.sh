@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
 # Two machines on one wire, for one test: `unshare --net --mount sh neighbours.sh FOLDER COMMAND...` runs COMMAND on the
 # one, 10.77.0.1, whose Avahi daemon hears the other, 10.77.0.2 or neighbour.local.
 #

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/CError.h"
 #include "PPDX/Utilities/CString.h"
 #include "PPDX/Utilities/ModelState.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "TextConverter.h"
 #include "PPDX/PPDObjects/Interface/PPDX.h"
 #include "tests/support/TestSupport.h"

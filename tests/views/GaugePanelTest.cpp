@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/views/GaugePanel.h"
 #include "bidi/records/CFileHdlr.h"
 #include "tests/views/ViewFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Hex.h"
 #include "OpenSsl.h"
 #include "ZANUtils/AES256CBC.h"

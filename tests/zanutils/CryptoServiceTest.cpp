@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "OpenSsl.h"
 #include "ZANUtils/CSSM/CDSACrypto.h"
 #include "ZANUtils/given/QVCFCryptoString.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ZANUtils/FieldKeys.h"
 #include "Hex.h"
 #include "platform/posix/PosixSystem.h"

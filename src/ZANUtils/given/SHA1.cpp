@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ZANUtils/given/SHA1.h"
 
 #include "ZANUtils/SecureBuffer.h"

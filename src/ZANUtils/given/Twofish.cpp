@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ZANUtils/given/Twofish.h"
 
 #include "ZANUtils/SecureBuffer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/memory/SharedMemoryList.h"
 
 #include "bidi/text/FieldText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/records/PPDRecords.h"
 
 #include <cups/ppd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/serverdata/CUtil.h"
 
 #include "PPDX/Utilities/given/StringFunctions.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bidi/serverdata/ServerDataToSDM.h"
 
 #include "bidi/serverdata/ByteOrderMark.h"

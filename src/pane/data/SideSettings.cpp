@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/data/SideSettings.h"
 
 #include "pane/data/PDEData.h"

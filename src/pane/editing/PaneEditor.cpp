@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/editing/PaneEditor.h"
 
 #include "PPDX/KVEngine/CStringSoup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/exchange/DeferredCommands.h"
 
 #include "bidi/commands/SpoolerCommands.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/panel/CustomizePaneController.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"

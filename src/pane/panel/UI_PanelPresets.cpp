@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "MarkLetters.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "bidi/commands/BidiFilePaths.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/views/FieldRow.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/data/PDEData.h"
 #include "pane/exchange/ServerExchange.h"
 #include "pane/panel/TorkaFeaturesPDE.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/views/RollDown.h"
 
 #include "pane/views/Eliding.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/views/SummaryPage.h"
 
 #include "pane/presentation/PageList.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pane/views/WatermarkPage.h"
 
 #include "pane/panel/TorkaFeaturesPDE.h"

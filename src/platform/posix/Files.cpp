@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixSystem's functions for whole files.
 
 #include "platform/posix/PosixSystem.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Implements PosixSystem::ReadGuardedFile.
 
 #include "platform/posix/PosixSystem.h"

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The smallest module for a session. It is written in C, so that the public header is compiled as C. A second
  * build lacks one of its entry points. */
 

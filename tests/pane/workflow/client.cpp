@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A workflow client library for tests. It writes each call and its arguments as a line into the file that
 // WORKFLOW_CALLS names. The address "nobody" opens no session. The identifier ends in the job's name when the
 // name begins with '#'.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs tests of widgets without a display.
 
 #include <QApplication>

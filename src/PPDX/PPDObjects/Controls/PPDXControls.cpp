@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 
 #include "PPDX/PPDObjects/Groups/PPDXGroups.h"

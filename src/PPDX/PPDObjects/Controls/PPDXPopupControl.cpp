@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Controls/PPDXPopupControl.h"
 
 #include "PPDX/PPDObjects/Controls/ColourKeywords.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/KeyForest.h"
 #include "PPDX/PPDObjects/Controls/JobNoteFlags.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 // The UTF-8 support level of a description: the integer value of its special option "*QVUTF8_Version", 0 when

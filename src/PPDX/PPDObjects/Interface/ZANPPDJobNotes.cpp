@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Controls/JobNoteFlags.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"

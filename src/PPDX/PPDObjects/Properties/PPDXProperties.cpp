@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Properties/PPDXProperties.h"
 
 #include "PPDX/PPDObjects/Groups/PPDXScrollPane.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/given/BoyerMoore.h"
 
 #include <algorithm>
