@@ -221,14 +221,6 @@ TEST(CheckCommand, AColourTextThatIsNotListedForbidsNothing) {
     EXPECT_FALSE(runToolForJson({"check", ppd, "QVSimulation=Press"}, 1)["conflicts"].empty());
 }
 
-TEST(Tool, EveryCommandHasHelp) {
-    for (const std::string command : {"show", "lint", "check", "emit", "ticket"}) {
-        const CommandResult result = runTool({command, "--help"});
-        EXPECT_EQ(result.status, 0);
-        EXPECT_NE(result.output.find("FILE"), std::string::npos) << command;
-    }
-}
-
 } // namespace
 
 } // namespace torka::tests

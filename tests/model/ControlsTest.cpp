@@ -63,43 +63,6 @@ TEST(Element, DisplayOptionsDecideWhatIsShown) {
     }
 }
 
-TEST(Control, FlagsAreExactWords) {
-    using Accessor = bool (PPDXControl::*)() const;
-    const std::pair<std::string_view, Accessor> accessors[] = {
-        {"Dynamic", &PPDXControl::IsDynamic},
-        {"Command", &PPDXControl::IsCommand},
-        {"Spooler", &PPDXControl::IsSpooler},
-        {"NoTorkaDriverUI", &PPDXControl::IsNoTorkaDriverUI},
-        {"DriverUserDisplayHidden", &PPDXControl::IsNoTorkaDriverUI},
-        {"Setup", &PPDXControl::IsSetup},
-        {"MacFJN", &PPDXControl::IsMacFJN},
-        {"MacIS", &PPDXControl::IsMacImgShift},
-    };
-    for (const auto& [word, own] : accessors) {
-        ControlDefinition definition = definitionOf("*X");
-        const std::string_view words[] = {"Other", word};
-        definition.flags = words;
-        PPDXControl control(CNTL_TYPE::none, definition);
-        EXPECT_EQ(control.ControlFlagCount(), 2U);
-        EXPECT_STREQ(control.FirstControlFlag(), "Other");
-        EXPECT_EQ(control.NextControlFlag(), word);
-        EXPECT_EQ(control.NextControlFlag(), nullptr);
-        EXPECT_EQ(control.NextControlFlag(), nullptr);
-        for (const auto& [otherWord, other] : accessors) {
-            EXPECT_EQ((control.*other)(), other == own) << word << " " << otherWord;
-        }
-        EXPECT_FALSE(control.FindControlFlag("other"));
-        EXPECT_EQ(IsSetupControl(&control), word == "Setup");
-    }
-    EXPECT_FALSE(IsSpoolerControl(nullptr) || IsNoTorkaDriverUIControl(nullptr) || IsSetupControl(nullptr));
-    EXPECT_FALSE(PPDXControl(CNTL_TYPE::none, definitionOf("*X")).FirstControlFlag());
-    EXPECT_FALSE(PPDXControl::ValidKeyword(nullptr));
-    EXPECT_FALSE(PPDXControl::ValidKeyword("*QV_PROP_HK_CRD_TEXT_HT"));
-    EXPECT_FALSE(PPDXControl::ValidKeyword("*QVHueKeeper"));
-    EXPECT_TRUE(PPDXControl::ValidKeyword("*QV_PROP_HK_CRD_TEXT_H"));
-    EXPECT_TRUE(PPDXControl::ValidKeyword("*qvHueKeeper"));
-}
-
 TEST(Control, FeatureBlocks) {
     const PPDXControl control(CNTL_TYPE::none, definitionOf("*QVX"));
     const auto ps = reinterpret_cast<const unsigned char*>("a b\n");

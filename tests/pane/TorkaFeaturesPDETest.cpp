@@ -228,32 +228,6 @@ TEST(Panel, TheRootViewMayOutliveIt) {
     EXPECT_EQ(UI_Panel::mPPD, nullptr);
 }
 
-TEST(Panel, AnswersWithoutWork) {
-    Bench bench;
-    bench.bundle->strings["Localizable/PDE Panel Title"] = "Funktionen";
-    const auto keys = CFArrayCreate({cfString("*QVDuplex")});
-    bench.bundle->info[u"PMPPDKeysSupported"] = keys;
-    const auto panel = bench.OpenShown();
-    EXPECT_EQ(utf8Text(panel->panelName()), "Funktionen");
-    bench.bundle->strings.clear();
-    EXPECT_EQ(utf8Text(panel->panelName()), "Funktionen");
-    EXPECT_TRUE(
-        CFStringHasSuffix(panel->panelKind(), u".print.pde.5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85.PInf"));
-    EXPECT_TRUE(CFEqual(panel->supportedPPDOptionKeys(), keys));
-    EXPECT_NE(panel->supportedPPDOptionKeys(), keys); // a copy
-    EXPECT_EQ(panel->summaryInfo(), nullptr);
-    EXPECT_TRUE(panel->shouldShowHelp());
-    bench.bundle->info[u"CFBundleHelpBookName"] = cfString("Torka Help");
-    EXPECT_TRUE(panel->shouldShowHelp()); // without a viewer
-    setHelpViewer([](const CFStringRef& book, const CFStringRef& page, const CFStringRef&) {
-        return utf8Text(book) == "Torka Help" && !page ? noErr : fnfErr;
-    });
-    EXPECT_FALSE(panel->shouldShowHelp());
-    setHelpViewer({});
-    panel->applicationDidBecomeActive();
-    EXPECT_EQ(bench.widgets.fronts, 1);
-}
-
 TEST(Panel, WorksWithoutAnInterface) {
     Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN")));
     setPaneInterfaceLoader([&](TorkaFeaturesPDE&, const BundleRef&) -> std::unique_ptr<PaneInterface> {

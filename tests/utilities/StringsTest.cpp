@@ -198,37 +198,6 @@ TEST(BoyerMoore, FindsWhatAPlainSearchFinds) {
     }
 }
 
-TEST(BoyerMoore, Peculiarities) {
-    BoyerMoore search("x", 1, "abc", 3);
-    EXPECT_EQ(search.Search(), 0);
-    search.SetSearchString("", 0);
-    EXPECT_EQ(search.Search(), -1);
-    search.SetSearchString("BC", 2);
-    EXPECT_EQ(search.Search(), -1);
-    search.SetCaseSensitve(false);
-    EXPECT_FALSE(search.GetCaseSensitive());
-    search.SetSearchData("abbc", 4);
-    EXPECT_EQ(search.Search(), 2);
-    EXPECT_EQ(search.Search(2, "Bc", 2), 0);
-    search.SetSearchData("XABC", 4);
-    search.SetSearchString("abc", 3);
-    EXPECT_EQ(search.Search(), -1); // the skip table's entry of "B" skips the match
-    search.SetSearchData(nullptr, 10);
-    EXPECT_EQ(search.Search(), -1);
-    const std::string tooLong(300, 'a');
-    search.SetSearchString(tooLong.data(), 300);
-    EXPECT_EQ(search.GetSearchStringLength(), 255);
-    char out[256];
-    search.SetSearchString(reinterpret_cast<const unsigned char*>("\3abc"));
-    search.GetSearchString(out);
-    EXPECT_STREQ(out, "abc");
-    search.SetSearchData("zabc", 4);
-    EXPECT_EQ(search.Search(), 1);
-    search.SetSearchString("\2xyz", 4);
-    search.GetSearchString(out);
-    EXPECT_STREQ(out, "xy");
-}
-
 std::string replaced(const char* src, const char* what, const char* with) {
     const std::unique_ptr<char, decltype(&std::free)> result(_replace(src, what, with), &std::free);
     return result ? result.get() : "(null)";

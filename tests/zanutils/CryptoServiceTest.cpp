@@ -128,78 +128,6 @@ TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
     }
 }
 
-TEST_F(CryptoService, ContextsFollowTheAlgorithm) {
-    const struct {
-        CSSM_ALGORITHMS algorithm;
-        CSSM_RETURN made;
-        CSSM_ENCRYPT_MODE mode;
-        CSSM_PADDING padding;
-        CSSM_RETURN operation;
-    } cases[] = {
-        {CSSM_ALGID_AES, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs7, CSSM_OK},
-        {14, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5, CSSMERR_CSP_UNSUPPORTED_KEY_SIZE},
-        {17, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5, CSSMERR_CSP_UNSUPPORTED_KEY_SIZE},
-        {23, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5, CSSM_OK},
-        {24, CSSM_OK, CSSM_ENCRYPT_MODE::cbcPadIV8, CSSM_PADDING::pkcs5,
-         CSSMERR_CSP_FUNCTION_NOT_IMPLEMENTED},
-        {25, CSSM_OK, CSSM_ENCRYPT_MODE::none, CSSM_PADDING::none, CSSM_OK},
-        {CSSM_ALGID_ASC, CSSM_OK, CSSM_ENCRYPT_MODE::none, CSSM_PADDING::none,
-         CSSMERR_CSP_FUNCTION_NOT_IMPLEMENTED},
-        {42, CSSM_OK, CSSM_ENCRYPT_MODE::none, CSSM_PADDING::pkcs1, CSSMERR_CSP_INVALID_KEY_CLASS},
-        {43, CSSMERR_CSP_INVALID_ALGORITHM, {}, {}, CSSMERR_CSP_INVALID_ALGORITHM},
-        {CSSM_ALGID_NONE, CSSMERR_CSP_INVALID_ALGORITHM, {}, {}, CSSMERR_CSP_INVALID_ALGORITHM},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.algorithm);
-        const CSSM_KEY key = SessionKey(c.algorithm, 16);
-        CSSM_CC_HANDLE context;
-        ASSERT_EQ(genCryptHandle(csp, key, context), c.made);
-        if (context) {
-            EXPECT_EQ(context->mode, c.mode);
-            EXPECT_EQ(context->padding, c.padding);
-            EXPECT_EQ(context->isAsymmetric, c.algorithm == CSSM_ALGID_RSA);
-            EXPECT_EQ(context->mode != CSSM_ENCRYPT_MODE::none,
-                      std::equal(context->initialVector.begin(), context->initialVector.end(),
-                                 keys->StringVector().begin()));
-        }
-        SecureBuffer out{1, 2, 3};
-        EXPECT_EQ(cdsaEncrypt(csp, key, bytesOf("text"), out), c.operation);
-        if (c.operation != CSSM_OK) {
-            EXPECT_EQ(out, (SecureBuffer{1, 2, 3}));
-        }
-    }
-}
-
-TEST_F(CryptoService, RefusesDamagedCipherText) {
-    const CSSM_KEY key = SessionKey(CSSM_ALGID_AES, 16);
-    SecureBuffer cipher;
-    SecureBuffer out;
-    ASSERT_EQ(cdsaEncrypt(csp, key, bytesOf("0123456789abcdef"), cipher), CSSM_OK);
-    for (const std::size_t length : {0U, 1U, 15U, 17U, 31U}) {
-        EXPECT_EQ(cdsaDecrypt(csp, key, Bytes(cipher).first(length), out), CSSMERR_CSP_INPUT_LENGTH_ERROR)
-            << length;
-    }
-    EXPECT_EQ(cdsaDecrypt(csp, key, Bytes(cipher).first(16), out),
-              CSSMERR_CSP_INVALID_DATA);                              // no padding in it
-    cipher[15] = static_cast<std::uint8_t>(cipher[15] ^ 0x10 ^ 0x00); // pad count 0
-    EXPECT_EQ(cdsaDecrypt(csp, key, cipher, out), CSSMERR_CSP_INVALID_DATA);
-    cipher[15] = static_cast<std::uint8_t>(cipher[15] ^ 0x11); // pad count 0x11
-    EXPECT_EQ(cdsaDecrypt(csp, key, cipher, out), CSSMERR_CSP_INVALID_DATA);
-    EXPECT_TRUE(out.empty());
-}
-
-TEST_F(CryptoService, DigestsAndStages) {
-    SecureBuffer digest;
-    EXPECT_EQ(cdsaDigest(csp, CSSM_ALGID_SHA1, bytesOf("abc"), digest), CSSM_OK);
-    EXPECT_EQ(toHexText(digest), "a9993e364706816aba3e25717850c26c9cd0d89d");
-    DigestHandle context;
-    EXPECT_EQ(cdsaStagedDigest(csp, CSSM_ALGID_MD5, bytesOf("message "), false, digest, context), CSSM_OK);
-    EXPECT_EQ(cdsaStagedDigest(csp, CSSM_ALGID_MD5, bytesOf("digest"), true, digest, context), CSSM_OK);
-    EXPECT_EQ(toHexText(digest), "f96b697d7cb7938d525a2f31aaf161d0"); // RFC 1321, A.5
-    EXPECT_EQ(context, nullptr);
-    EXPECT_EQ(cdsaDigest(csp, CSSM_ALGID_RSA, bytesOf("abc"), digest), CSSMERR_CSP_INVALID_ALGORITHM);
-}
-
 TEST_F(CryptoService, RsaWithOpenSsl) {
     const tests::TemporaryFolder folder;
     const std::string data = "what is signed";
@@ -332,27 +260,6 @@ TEST_F(CryptoService, StoredStringsAgreeWithOpenSsl) {
     }
     EXPECT_TRUE(CFEqual(QVCFCreateEncryptedString(nullptr, password),
                         QVCFCreateEncryptedString(cfString(""), password)));
-}
-
-TEST_F(CryptoService, StoredStringsTellWhatFailed) {
-    const CFStringRef password = cfString("password");
-    const auto printed = [](const CFStringRef& text, const CFStringRef& secret, bool encrypt) {
-        testing::internal::CaptureStderr();
-        const CFStringRef result = CSSMCreateCryptoString(text, secret, encrypt);
-        const std::string output = testing::internal::GetCapturedStderr();
-        EXPECT_EQ(result, nullptr);
-        return output;
-    };
-    EXPECT_EQ(printed(nullptr, password, false), "cdsaDecrypt: CSSMERR_CSP_INPUT_LENGTH_ERROR\n");
-    EXPECT_EQ(printed(cfString("AAAAAAAAAAAAAAAAAAAAAA=="), password, false),
-              "cdsaDecrypt: CSSMERR_CSP_INVALID_DATA\n");
-    EXPECT_EQ(printed(cfString("text"), nullptr, true), "DeriveKey: CSSMERR_CSP_MISSING_ATTR_KEY\n");
-    // Without field keys there is no vector, and no other vector replaces it.
-    installFieldKeys(nullptr);
-    EXPECT_EQ(printed(cfString("text"), password, true),
-              "cdsaEncrypt: CSSMERR_CSP_MISSING_ATTR_INIT_VECTOR (no field keys are installed)\n");
-    EXPECT_EQ(printed(cfString("AAAAAAAAAAAAAAAAAAAAAA=="), password, false),
-              "cdsaDecrypt: CSSMERR_CSP_MISSING_ATTR_INIT_VECTOR (no field keys are installed)\n");
 }
 
 } // namespace
