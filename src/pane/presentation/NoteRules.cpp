@@ -32,12 +32,20 @@ constexpr const PaneWord* wordOf(JobNoteFlag flag) {
     return nullptr;
 }
 
+// "" for a flag without a rule.
+constexpr std::string_view englishOf(JobNoteFlag flag) {
+    for (const RuleWord& rule : ruleWords) {
+        if (rule.flag == flag) {
+            return rule.word.english;
+        }
+    }
+    return {};
+}
+
 // Every rule in the table of flags has a word here with the same English text.
-static_assert(std::ranges::all_of(jobNoteFlags, [](const JobNoteFlagRow& row) {
-    const PaneWord* word = wordOf(row.flag);
-    return row.rule.empty() ? word == nullptr : word != nullptr && word->english == row.rule;
-}));
-static_assert(wordOf(jobNoteNoFlag)->english == maximumLengthRule);
+static_assert(std::ranges::all_of(jobNoteFlags,
+                                  [](const JobNoteFlagRow& row) { return englishOf(row.flag) == row.rule; }));
+static_assert(englishOf(jobNoteNoFlag) == maximumLengthRule);
 
 std::vector<std::string> rulesOf(const PaneTexts& texts, const PPDXJobNote& note) {
     std::vector<std::string> rules;

@@ -123,23 +123,30 @@ inline constexpr auto firstOfLength = [] {
     return first;
 }();
 
-// Null for a keyword without a row.
-constexpr const ElementKeyword* findElementKeyword(std::string_view keyword) {
+// The row of a keyword; elementKeywords.size() for none. By number: gcc 12 compares no address with null in a
+// constant expression under -fsanitize=undefined.
+constexpr std::size_t elementRow(std::string_view keyword) {
     if (keyword.size() > longestElementKeyword) {
-        return nullptr;
+        return elementKeywords.size();
     }
     const std::size_t end = firstOfLength[keyword.size() + 1];
     for (std::size_t at = firstOfLength[keyword.size()]; at < end; ++at) {
         if (elementKeywords[at].keyword == keyword) {
-            return &elementKeywords[at];
+            return at;
         }
     }
-    return nullptr;
+    return elementKeywords.size();
+}
+
+// Null for a keyword without a row.
+constexpr const ElementKeyword* findElementKeyword(std::string_view keyword) {
+    const std::size_t row = elementRow(keyword);
+    return row == elementKeywords.size() ? nullptr : &elementKeywords[row];
 }
 
 constexpr LineKind lineKind(std::string_view keyword) {
-    const ElementKeyword* const element = findElementKeyword(keyword);
-    return element == nullptr ? LineKind::other : element->kind;
+    const std::size_t row = elementRow(keyword);
+    return row == elementKeywords.size() ? LineKind::other : elementKeywords[row].kind;
 }
 
 static_assert(std::ranges::all_of(elementKeywords, [](const ElementKeyword& row) {
