@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <regex>
 #include <set>
 
 namespace torka::tests {
@@ -30,9 +29,16 @@ std::map<std::string, std::string> tableOf(const std::string& language) {
     return texts;
 }
 
-std::set<std::string> placesIn(const std::string& text) {
-    static const std::regex place("%[0-9]");
-    return {std::sregex_token_iterator(text.begin(), text.end(), place), std::sregex_token_iterator()};
+// "%0" to "%9".
+std::set<std::string> placesIn(std::string_view text) {
+    std::set<std::string> places;
+    for (std::size_t at = text.find('%'); at != std::string_view::npos; at = text.find('%', at + 1)) {
+        const std::string_view place = text.substr(at, 2);
+        if (place.size() == 2 && place[1] >= '0' && place[1] <= '9') {
+            places.emplace(place);
+        }
+    }
+    return places;
 }
 
 // The letter, in upper case; "" for none.
