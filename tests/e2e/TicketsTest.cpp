@@ -338,9 +338,12 @@ TEST_F(Tickets, OfManyJobsAtOnceNoneCarriesAnothersSettings) {
             ++counts["killed"];
         } else {
             EXPECT_FALSE(isCompleted) << sent.note;
-            EXPECT_NE(sent.result.errors.find("print settings of this job are missing"), std::string::npos)
+            // A working process that was killed may have written a part.
+            const bool isCut = sent.result.errors.find("was ended by signal") != std::string::npos;
+            EXPECT_TRUE(isCut || sent.result.errors.find("print settings of this job are missing") !=
+                                     std::string::npos)
                 << sent.note << ": " << sent.result.errors;
-            EXPECT_TRUE(sandbox->Printed(sent.job).empty());
+            EXPECT_TRUE(isCut || sandbox->Printed(sent.job).empty()) << sent.note;
             ++counts["stopped"];
         }
     }
