@@ -19,8 +19,8 @@ public:
     MemoryHost() { setJobPropertiesHost(this); }
     ~MemoryHost() override { setJobPropertiesHost(nullptr); }
     std::shared_ptr<const std::string> getBidiDataCopy() const override {
-        if (onRead) {
-            onRead();
+        if (const auto hook = onRead) { // it may replace itself
+            hook();
         }
         return std::make_shared<const std::string>(data);
     }

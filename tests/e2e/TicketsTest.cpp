@@ -251,7 +251,7 @@ private:
     }
     void Run() {
         std::mt19937 random(1);
-        const int signals[] = {SIGKILL, SIGSEGV, SIGTERM};
+        const int signals[] = {SIGKILL, SIGABRT, SIGTERM};
         std::map<int, unsigned> looks; // per process, before its kill; every tenth process is killed
         while (!isOver) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
