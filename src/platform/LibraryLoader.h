@@ -7,8 +7,8 @@
 
 // Loads libraries at run time.
 //
-// One loader serves the process. Apps and tests set it at start with setLibraryLoader. Without a loader no
-// library is found.
+// One loader serves the process. Apps and tests set it at start with setLibraryLoader. No library is found
+// without a loader.
 
 namespace torka::platform {
 
