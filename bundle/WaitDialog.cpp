@@ -123,7 +123,10 @@ bool WaitDialog::wait(milliseconds duration) {
         return true;
     }
     QEventLoop loop;
-    QTimer::singleShot(duration, &loop, &QEventLoop::quit);
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(duration);
     QEventLoop* const outer = std::exchange(innermostLoop, &loop);
     loop.exec(isShown ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
     innermostLoop = outer;

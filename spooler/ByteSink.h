@@ -25,6 +25,7 @@ private:
     int descriptor;
 };
 
+// For the tests; no caller here
 class StringSink final : public ByteSink {
 public:
     int Write(std::string_view bytes) override {

@@ -17,7 +17,6 @@
 
 namespace torka {
 
-inline constexpr OSStatus noErr = 0;
 inline constexpr OSStatus ioErr = -36;
 inline constexpr OSStatus fnOpnErr = -38;
 inline constexpr OSStatus eofErr = -39;

@@ -24,7 +24,6 @@ public:
     void SetInteger(std::string_view key, std::int64_t value);
     // Writes the shortest text that reads back as the same number, in the C locale.
     void SetReal(std::string_view key, double value);
-    void Remove(std::string_view key);
 
     bool Has(std::string_view key) const { return values.contains(key); }
     // Returns nothing when there is no such key.
@@ -33,12 +32,14 @@ public:
     std::optional<std::int64_t> GetInteger(std::string_view key) const;
     std::optional<double> GetReal(std::string_view key) const;
 
-    CFDictionaryRef CopyAsDictionary() const;
-    const std::map<std::string, std::string, std::less<>>& Values() const { return values; }
-
     // Given interface; no caller here
     // Ignores entries that are not strings.
     explicit Settings(const CFDictionaryRef& stored);
+
+    // For the tests; no caller here
+    void Remove(std::string_view key);
+    const std::map<std::string, std::string, std::less<>>& Values() const { return values; }
+    CFDictionaryRef CopyAsDictionary() const;
 
 private:
     std::map<std::string, std::string, std::less<>> values;

@@ -42,7 +42,6 @@ public:
     static CFStringEncoding LanguageStringToEncoding(const char* name);
 
     static CFStringEncoding GetPPDEncoding(const DescriptionLanguage* description);
-    const char* LanguageVersion() const { return languageVersion; }
 
     // Decodes the hexadecimal substrings of `text` and converts the result. Never returns null: a lack of
     // memory gives "Out Of Memory". Invalid bytes become U+FFFD. In ISO Latin 2, ISO Latin 5 and Shift-JIS,
@@ -79,6 +78,9 @@ public:
     bool convertText(const char* text, long length, char* buffer, long size);
     // Discards the last converter; the next conversion makes its own.
     void resetOutputHandle();
+
+    // For the tests; no caller here
+    const char* LanguageVersion() const { return languageVersion; }
 
 private:
     std::u16string ToUnicode(std::string_view bytes);

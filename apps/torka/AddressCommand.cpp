@@ -12,7 +12,7 @@ namespace torka::tool {
 
 namespace {
 
-constexpr std::size_t mostInputBytes = 0x4000000;
+constexpr std::size_t maximumInputBytes = 0x4000000;
 
 struct AddressOptions {
     std::string file;
@@ -82,7 +82,7 @@ Result<OpenList> openList(const AddressOptions& options, bool mayBeAbsent) {
     }
     const std::string& path = options.ppd.empty() ? options.file : options.ppd;
     std::string content;
-    const std::error_code failure = system().ReadFile(path, mostInputBytes, content);
+    const std::error_code failure = system().ReadFile(path, maximumInputBytes, content);
     const bool isAbsent = failure == std::errc::no_such_file_or_directory;
     if (failure && !(isAbsent && mayBeAbsent)) {
         return Fault{failure.message(), path};

@@ -75,7 +75,6 @@ public:
     const std::vector<LeftOut>& LeftOutEntries() const { return leftOut; }
     // The choices that belong among the job's options, because the system's own code prints them.
     std::vector<std::pair<std::string, std::string>> SystemChoices() const;
-    PMPrintSettings Settings() const { return settings; }
     PDEData& Data() { return *data; }
 
 private:

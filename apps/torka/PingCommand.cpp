@@ -9,8 +9,8 @@ namespace torka::tool {
 
 namespace {
 
-constexpr int mostEchoes = 1'000'000;
-constexpr int mostSeconds = 3600;
+constexpr int maximumEchoes = 1'000'000;
+constexpr int maximumSeconds = 3600;
 
 struct PingOptions {
     std::string host;
@@ -82,10 +82,10 @@ void addPingCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* command = app.add_subcommand("ping", "Tell whether a host answers ICMP echo requests");
     command->add_option("HOST", options->host, "Host name or IPv4 address")->required();
     command->add_option("--count", options->count, "Echo requests, each sent after the reply to the last")
-        ->check(CLI::Range(1, mostEchoes))
+        ->check(CLI::Range(1, maximumEchoes))
         ->capture_default_str();
     command->add_option("--timeout", options->timeout, "Seconds to wait for each reply")
-        ->check(CLI::Range(1, mostSeconds))
+        ->check(CLI::Range(1, maximumSeconds))
         ->capture_default_str();
     command->callback([options, &status] { status = runPing(*options); });
 }

@@ -16,7 +16,7 @@ namespace torka::tool {
 
 namespace {
 
-constexpr std::size_t mostDescription = std::size_t{64} * 1024 * 1024;
+constexpr std::size_t maximumDescription = std::size_t{64} * 1024 * 1024;
 
 struct QueueOptions {
     std::string name;
@@ -33,7 +33,7 @@ ExitStatus addNamedQueue(const QueueOptions& options) {
         return unusable(description.Why());
     }
     std::string text;
-    if (const std::error_code error = platform::system().ReadFile(options.path, mostDescription, text)) {
+    if (const std::error_code error = platform::system().ReadFile(options.path, maximumDescription, text)) {
         return unusable(options.path + ": cannot be read: " + error.message());
     }
     const std::filesystem::path copy =

@@ -58,11 +58,12 @@ public:
     static PrinterDescription FromFile(const std::string& path, std::string& error);
 
     const std::vector<DescribedGroup>& Groups() const { return groups; }
-    const std::vector<DescribedSetting>& Settings() const { return settings; }
     // Finds a setting by its key, with or without an asterisk. Returns null for an unknown key.
     const DescribedSetting* Find(std::string_view key) const;
     const DescribedGroup* FindGroup(std::string_view name) const;
-    const std::string& ModelName() const { return modelName; }
+
+    // For the tests; no caller here
+    const std::vector<DescribedSetting>& Settings() const { return settings; }
 
 private:
     friend class DescriptionReader;

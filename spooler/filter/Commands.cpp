@@ -23,7 +23,7 @@ namespace torka::filter {
 
 namespace {
 
-constexpr std::size_t mostArgumentText = std::size_t{64} * 1024;
+constexpr std::size_t maximumArgumentText = std::size_t{64} * 1024;
 
 std::string_view firstLine(std::string_view text) { return text.substr(0, text.find_first_of("\r\n")); }
 
@@ -126,7 +126,7 @@ Result<void> run(SpoolerCommand command, const FilterJob& job, std::string_view 
 
 } // namespace
 
-std::size_t mostCommandText(std::string_view title) {
+std::size_t maximumCommandText(std::string_view title) {
     switch (commandFromTitle(title).value_or(SpoolerCommand::localeCode)) {
     case SpoolerCommand::writePSTemp:
         return maximumTicketBytes;
@@ -134,9 +134,9 @@ std::size_t mostCommandText(std::string_view title) {
     case SpoolerCommand::printerLocalPresets:
     case SpoolerCommand::writePresetData:
     case SpoolerCommand::popupJnData:
-        return mostRecordText;
+        return maximumRecordText;
     default:
-        return mostArgumentText;
+        return maximumArgumentText;
     }
 }
 
@@ -149,8 +149,9 @@ int runCommand(const FilterJob& job, std::string_view text, ControllerSource& so
         if (!isFileName(job.queue)) {
             return Fault{"the queue has no usable name"};
         }
-        if (text.size() > mostCommandText(job.title)) {
-            return Fault{"its text is longer than " + std::to_string(mostCommandText(job.title)) + " bytes"};
+        if (text.size() > maximumCommandText(job.title)) {
+            return Fault{"its text is longer than " + std::to_string(maximumCommandText(job.title)) +
+                         " bytes"};
         }
         if (const std::error_code error = PrivateFolder::Prepare()) {
             return Fault{"the filter's folder cannot be used: " + error.message()};

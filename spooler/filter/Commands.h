@@ -14,6 +14,6 @@ namespace torka::filter {
 int runCommand(const FilterJob& job, std::string_view text, ControllerSource& source);
 
 // Returns the maximum length of the text of the command with this title, in bytes.
-std::size_t mostCommandText(std::string_view title);
+std::size_t maximumCommandText(std::string_view title);
 
 } // namespace torka::filter

@@ -18,9 +18,9 @@ namespace torka::filter {
 namespace {
 
 // Splicing gigabytes takes minutes and works in blocks; a ticket has 64 MB at most.
-constexpr rlim_t mostProcessorSeconds = 2 * 60 * 60;
-constexpr rlim_t mostMemory = rlim_t{2} * 1024 * 1024 * 1024;
-constexpr rlim_t mostFiles = 256;
+constexpr rlim_t maximumProcessorSeconds = 2 * 60 * 60;
+constexpr rlim_t maximumMemory = rlim_t{2} * 1024 * 1024 * 1024;
+constexpr rlim_t maximumFiles = 256;
 
 std::string failureText(const char* what, int error) {
     return std::string(what) + ": " + std::generic_category().message(error);
@@ -126,12 +126,12 @@ std::vector<std::string> confine(Network network) {
     }
     // SIGXCPU comes first and gives the job a reason to stop; SIGKILL follows a minute later without one.
     constexpr rlim_t grace = 60;
-    limit(RLIMIT_CPU, mostProcessorSeconds, "processor time cannot be limited", problems, grace);
-    limit(RLIMIT_NOFILE, mostFiles, "open files cannot be limited", problems);
+    limit(RLIMIT_CPU, maximumProcessorSeconds, "processor time cannot be limited", problems, grace);
+    limit(RLIMIT_NOFILE, maximumFiles, "open files cannot be limited", problems);
     if constexpr (platform::hasAddressSanitizer) {
         return problems;
     }
-    limit(RLIMIT_DATA, mostMemory, "memory cannot be limited", problems);
+    limit(RLIMIT_DATA, maximumMemory, "memory cannot be limited", problems);
     if (const int error = refuseCalls(network); error != 0) {
         problems.push_back(failureText("system calls cannot be refused", error));
     }

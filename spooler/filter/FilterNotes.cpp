@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::string_view notesFile = "TorkaFilterNotes";
 constexpr std::string_view lockFile = "TorkaFilterNotes.lock";
-constexpr std::size_t mostRead = std::size_t{64} * 1024 * 1024; // more than any version wrote
-constexpr std::size_t mostField = 1024;                         // bytes; no honest name is longer
+constexpr std::size_t maximumRead = std::size_t{64} * 1024 * 1024; // more than any version wrote
+constexpr std::size_t maximumField = 1024;                         // bytes; no honest name is longer
 constexpr std::array<std::string_view, 3> kindNames{"ticket", "language", "mailbox"};
 
 // Reads the list, passes it to `change`, and writes it when `change` returns true. Returns false when the
@@ -28,7 +28,7 @@ bool withNotes(const std::function<bool(std::vector<FilterNote>&)>& change) {
     if (!lock) {
         return false;
     }
-    const FileResult<std::string> read = PrivateFolder::Read(notesFile, mostRead);
+    const FileResult<std::string> read = PrivateFolder::Read(notesFile, maximumRead);
     if (!read && read.Why() != std::errc::no_such_file_or_directory) {
         return false;
     }
@@ -58,7 +58,8 @@ auto isOf(const Sender& sender, NoteKind kind) {
 }
 
 bool isTooLong(const Sender& sender, std::string_view value) {
-    return std::max({sender.queue.size(), sender.user.size(), sender.host.size(), value.size()}) > mostField;
+    return std::max({sender.queue.size(), sender.user.size(), sender.host.size(), value.size()}) >
+           maximumField;
 }
 
 // Removes entries until the list is within its limits: each time the oldest one of the host whose entries
@@ -72,7 +73,7 @@ void trim(std::vector<FilterNote>& notes) {
         room[note.sender.host] += sizes.back();
         bytes += sizes.back();
     }
-    while (notes.size() > FilterNotes::limitOfAll || bytes > FilterNotes::mostBytes) {
+    while (notes.size() > FilterNotes::limitOfAll || bytes > FilterNotes::maximumBytes) {
         const auto most = std::ranges::max_element(room, {}, [](const auto& entry) { return entry.second; });
         const auto oldest = std::ranges::find_if(
             notes, [&most](const FilterNote& note) { return note.sender.host == most->first; });

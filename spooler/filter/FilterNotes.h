@@ -32,7 +32,7 @@ public:
     static std::chrono::seconds Lifetime(NoteKind kind);
     static constexpr std::size_t limitOfSender = 100;
     static constexpr std::size_t limitOfAll = 5000;
-    static constexpr std::size_t mostBytes = std::size_t{1024} * 1024; // of the file
+    static constexpr std::size_t maximumBytes = std::size_t{1024} * 1024; // of the file
 
     // Adds the entry behind the sender's others of its kind, without duplicates. Returns false when the list
     // cannot be written.

@@ -16,8 +16,8 @@ namespace torka::filter {
 
 namespace {
 
-constexpr std::size_t mostEntries = 1000;
-constexpr std::size_t mostText = 255;
+constexpr std::size_t maximumEntries = 1000;
+constexpr std::size_t maximumText = 255;
 constexpr double pointsPerHundredth = 72.0 / 2540.0; // of a millimetre
 
 // Levels as the module defines them.
@@ -30,8 +30,8 @@ constexpr std::int32_t some = SDM_LEVEL_SOME;
 using WideText = std::wstring;
 
 WideText fieldText(std::string_view utf8) {
-    WideText text = wideFromUtf8(utf8.substr(0, 4 * mostText));
-    text.resize(std::min(text.size(), mostText));
+    WideText text = wideFromUtf8(utf8.substr(0, 4 * maximumText));
+    text.resize(std::min(text.size(), maximumText));
     for (wchar_t& c : text) {
         c = c < L' ' || c == L'\x7f' || c == L'@' ? L' ' : c;
     }
@@ -85,7 +85,7 @@ std::int32_t kindOf(std::string_view type) {
 }
 
 std::vector<Toner> markers(const PrinterFacts& facts) {
-    std::vector<Toner> toners(std::min(facts.markerNames.size(), mostEntries));
+    std::vector<Toner> toners(std::min(facts.markerNames.size(), maximumEntries));
     for (std::size_t i = 0; i < toners.size(); ++i) {
         toners[i].name = fieldText(facts.markerNames[i]);
         const std::string_view color = at(facts.markerColors, i);
@@ -138,7 +138,7 @@ Toner tonerOf(const SupplyText& supply, std::string_view description) {
 
 std::vector<Toner> supplies(const PrinterFacts& facts) {
     std::vector<Toner> toners;
-    for (std::size_t i = 0; i < std::min(facts.supplies.size(), mostEntries); ++i) {
+    for (std::size_t i = 0; i < std::min(facts.supplies.size(), maximumEntries); ++i) {
         toners.push_back(tonerOf(SupplyText(facts.supplies[i]), at(facts.supplyDescriptions, i)));
     }
     return toners;
@@ -183,12 +183,12 @@ std::vector<Tray> trays(const PrinterFacts& facts, const QueueChoices& choices) 
         // "No restriction" says nothing about the sheets in the tray.
         tray.level = tray.level == unlimited ? unknown : tray.level;
         tray.capacity = mibNumber(supply.Number("maxcapacity"));
-        if (found.size() == mostEntries) {
+        if (found.size() == maximumEntries) {
             break;
         }
     }
     const bool isNamedByMedia = found.empty();
-    const std::size_t loaded = std::min(facts.mediaReady.size(), mostEntries);
+    const std::size_t loaded = std::min(facts.mediaReady.size(), maximumEntries);
     for (const LoadedMedia& media : std::span(facts.mediaReady).first(loaded)) {
         const auto tray = std::ranges::find_if(found, [&media](const Tray& known) {
             return isSameName(utf8FromWide(known.name), media.source) ||
@@ -196,7 +196,7 @@ std::vector<Tray> trays(const PrinterFacts& facts, const QueueChoices& choices) 
         });
         if (tray != found.end()) {
             loadTray(media, choices, *tray);
-        } else if (isNamedByMedia && !media.source.empty() && found.size() < mostEntries) {
+        } else if (isNamedByMedia && !media.source.empty() && found.size() < maximumEntries) {
             nameTray(media.source, choices, found.emplace_back());
             const QueueChoice* slot = choices.InputSlot(media.source);
             found.back().name = slot == nullptr ? shownKeyword(media.source) : fieldText(slot->text);
@@ -212,7 +212,7 @@ std::vector<Tray> traysOf(const QueueChoices& choices) {
         Tray& tray = found.emplace_back();
         tray.name = fieldText(slot.text);
         tray.key = fieldText(slot.keyword);
-        if (found.size() == mostEntries) {
+        if (found.size() == maximumEntries) {
             break;
         }
     }

@@ -18,8 +18,8 @@ namespace torka::filter {
 namespace {
 
 constexpr std::string_view ownerSuffix = ".owner";
-constexpr std::size_t mostName = 200; // bytes; leaves room for the suffix of the owner's file
-constexpr std::size_t mostOwner = 1024;
+constexpr std::size_t maximumName = 200; // bytes; leaves room for the suffix of the owner's file
+constexpr std::size_t maximumOwner = 1024;
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
@@ -32,7 +32,7 @@ bool isOthers(const Sender& sender, const std::string& name) {
     if (!PrivateFolder::Exists(name)) {
         return false;
     }
-    const FileResult<std::string> owner = PrivateFolder::Read(name + std::string(ownerSuffix), mostOwner);
+    const FileResult<std::string> owner = PrivateFolder::Read(name + std::string(ownerSuffix), maximumOwner);
     return !owner || *owner != sender.user;
 }
 
@@ -40,7 +40,7 @@ bool isOthers(const Sender& sender, const std::string& name) {
 
 bool MailboxFile::IsName(std::string_view name) {
     constexpr std::string_view others[] = {".", "Torka", "ConnectionErrorInfoFile", "zan_", "ZAN."};
-    return isFileName(name) && name.size() <= mostName && !name.ends_with(ownerSuffix) &&
+    return isFileName(name) && name.size() <= maximumName && !name.ends_with(ownerSuffix) &&
            std::ranges::none_of(others, [name](std::string_view start) { return name.starts_with(start); });
 }
 

@@ -107,9 +107,9 @@ Result<void> putRecords(const std::string& queue, std::vector<NamedPayload> reco
         return Fault{"a record has a name or a length that none can have"};
     }
     const std::size_t total = totalOf(planned->sizes);
-    if (total > mostRecordBytes && total > totalOf(held)) {
+    if (total > maximumRecordBytes && total > totalOf(held)) {
         return Fault{"the queue's description would hold " + std::to_string(total) +
-                     " bytes of records, and may hold " + std::to_string(mostRecordBytes)};
+                     " bytes of records, and may hold " + std::to_string(maximumRecordBytes)};
     }
     tellDebug(queue + ": " + std::to_string(records.size()) + " records are new in the PPD");
     return sendRecords(records, planned->leftBehind) ? Result<void>() : Fault{"a record cannot be sent"};

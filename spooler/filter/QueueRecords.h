@@ -13,7 +13,7 @@ namespace torka::filter {
 
 // The maximum size of our records in a queue's PPD, in bytes of their lines. Every client fetches and reads
 // the whole PPD.
-inline constexpr std::size_t mostRecordBytes = std::size_t{1024} * 1024;
+inline constexpr std::size_t maximumRecordBytes = std::size_t{1024} * 1024;
 
 // Sends the records that the queue's PPD does not yet hold: clients need not read an unchanged PPD again.
 // When a shorter record replaces a longer one, empties the chunks that are left over.

@@ -16,7 +16,7 @@ namespace torka::filter {
 namespace {
 
 // The print server gives names of 255 bytes at most; an escaped byte takes three.
-constexpr std::size_t mostRecord = std::size_t{64} * 1024;
+constexpr std::size_t maximumRecord = std::size_t{64} * 1024;
 constexpr std::string_view usedWord = "used";
 constexpr std::string_view contestedWord = "contested";
 
@@ -127,7 +127,7 @@ FileResult<TicketOwner> TicketOwner::Open(std::string_view ticket) {
     if (facts.st_nlink == 0) {
         return std::make_error_code(std::errc::no_such_file_or_directory);
     }
-    const FileResult<std::string> text = PrivateFolder::Read(name, mostRecord);
+    const FileResult<std::string> text = PrivateFolder::Read(name, maximumRecord);
     if (!text) {
         return text.Why();
     }

@@ -12,7 +12,7 @@ namespace torka::filter {
 
 namespace {
 
-constexpr std::size_t mostRecord = std::size_t{64} * 1024;
+constexpr std::size_t maximumRecord = std::size_t{64} * 1024;
 
 void add(TicketAmount& sum, std::size_t bytes) {
     ++sum.number;
@@ -25,7 +25,7 @@ bool fits(const TicketAmount& sum, const TicketAmount& most) {
 
 std::optional<TicketRecord> recordOf(std::string_view ticket) {
     const FileResult<std::string> text =
-        PrivateFolder::Read(std::string(ticket).append(ticketOwnerSuffix), mostRecord);
+        PrivateFolder::Read(std::string(ticket).append(ticketOwnerSuffix), maximumRecord);
     return text ? readTicketRecord(*text) : std::nullopt;
 }
 
@@ -61,11 +61,11 @@ Result<void> checkTicketRoom(const Sender& sender, std::size_t bytes) {
         const std::optional<TicketRecord> record = recordOf(name);
         add(all, record ? record->bytes : 0);
     }
-    if (!fits(all, mostOfAll)) {
-        return noRoom("for everybody", mostOfAll);
+    if (!fits(all, maximumOfAll)) {
+        return noRoom("for everybody", maximumOfAll);
     }
     // Saves reading all records in the usual case: all tickets together are within one sender's maximum.
-    if (fits(all, mostOfSender)) {
+    if (fits(all, maximumOfSender)) {
         return {};
     }
     TicketAmount ofHost;
@@ -84,10 +84,10 @@ Result<void> checkTicketRoom(const Sender& sender, std::size_t bytes) {
             add(ofSender, held);
         }
     }
-    if (!fits(ofSender, mostOfSender)) {
-        return noRoom("for this user", mostOfSender);
+    if (!fits(ofSender, maximumOfSender)) {
+        return noRoom("for this user", maximumOfSender);
     }
-    return fits(ofHost, mostOfHost) ? Result<void>() : noRoom("for this host", mostOfHost);
+    return fits(ofHost, maximumOfHost) ? Result<void>() : noRoom("for this host", maximumOfHost);
 }
 
 } // namespace torka::filter

@@ -15,9 +15,9 @@ struct TicketAmount {
     std::size_t bytes = 0;
 };
 // Maximum for one user on one host, for one host with all its user names, and for everybody.
-inline constexpr TicketAmount mostOfSender{2000, std::size_t{256} << 20U};
-inline constexpr TicketAmount mostOfHost{10'000, std::size_t{1} << 30U};
-inline constexpr TicketAmount mostOfAll{20'000, std::size_t{2} << 30U};
+inline constexpr TicketAmount maximumOfSender{2000, std::size_t{256} << 20U};
+inline constexpr TicketAmount maximumOfHost{10'000, std::size_t{1} << 30U};
+inline constexpr TicketAmount maximumOfAll{20'000, std::size_t{2} << 30U};
 
 // Fails when there is no room for one more ticket of this length. Removes nothing to make room: each ticket
 // belongs to a job that may still print. REQUIRES: the lock of TicketStore.

@@ -20,7 +20,7 @@ using std::filesystem::file_time_type;
 constexpr unsigned everybodyReads = 0644;
 constexpr unsigned everybodyPasses = 0755;
 constexpr std::chrono::hours oldestAnswer(1);
-constexpr std::size_t mostAnswers = 100; // per queue
+constexpr std::size_t maximumAnswers = 100; // per queue
 constexpr std::chrono::minutes oldestPart(10);
 constexpr std::string_view partPrefix = ".torka-"; // from platform::System::WriteFile
 
@@ -94,7 +94,7 @@ void sweepTwoWayFolder() {
     for (auto& [queue, files] : answers) {
         std::ranges::sort(files, std::greater<>(), &Answer::written);
         for (std::size_t i = 0; i < files.size(); ++i) {
-            if (i >= mostAnswers || now - files[i].written > oldestAnswer) {
+            if (i >= maximumAnswers || now - files[i].written > oldestAnswer) {
                 removeFile(files[i].path);
             }
         }

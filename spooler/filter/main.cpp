@@ -32,7 +32,7 @@ using namespace torka;
 using filter::FilterJob;
 
 int runCommandJob(const FilterJob& job, int source) {
-    const std::size_t limit = filter::mostCommandText(job.title);
+    const std::size_t limit = filter::maximumCommandText(job.title);
     std::vector<char, platform::WipingAllocator<char>> text; // it may hold a password
     std::array<char, 65536> block{};
     const platform::WipeGuard guard(block);

@@ -28,6 +28,8 @@ public:
     // resolved.
     const std::string& printAddress() const { return address; }
     bool didResolve() const { return resolved; }
+
+    // For the tests; no caller here
     const std::string& instanceName() const { return service.name; }
 
 private:

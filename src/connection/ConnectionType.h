@@ -25,6 +25,9 @@ bool isDiscoveredServiceConnection(const PMPrintSession& session);
 // for a URI without a scheme and for escapes that do not decode to UTF-8. Never null.
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFStringRef& url);
 CFStringRef breakBonjourURLIntoMeaningFullItems(const CFURLRef& url);
+// Whether the queue's filter could not reach the queue's configured address: the record
+// "QVInvalidPrinterAddress" of destinationPPD() then holds "yes".
+bool isInvalidPrinterAddress();
 
 // Given interface; no caller here
 // Null when the session has no current printer.
@@ -32,8 +35,5 @@ CFStringRef GetCurrentPrinterName(const PMPrintSession& session);
 bool isUSBPrinterConnection(const PMPrintSession& session);     // "usb"
 bool isBonjourPrinterConnection(const PMPrintSession& session); // "mdns", not "dnssd"
 bool isIPPrinterConnection(const PMPrintSession& session);      // "ipp"
-// Whether the queue's filter could not reach the queue's configured address: the record
-// "QVInvalidPrinterAddress" of destinationPPD() then holds "yes".
-bool isInvalidPrinterAddress();
 
 } // namespace torka

@@ -8,9 +8,9 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t mostNameUnits = 255;
-constexpr std::size_t mostNames = 3;     // in one row
-constexpr std::size_t mostAddresses = 8; // of one controller
+constexpr std::size_t maximumNameUnits = 255;
+constexpr std::size_t maximumNames = 3;     // in one row
+constexpr std::size_t maximumAddresses = 8; // of one controller
 
 // DNS ignores the case of ASCII letters when it compares names (RFC 6762, section 16).
 std::string foldAscii(std::string text) {
@@ -59,10 +59,10 @@ std::int64_t addressNumber(const HostAddress& address) {
 
 CFStringRef plainServiceName(std::string_view utf8) {
     std::u16string units = cfString(utf8)->units;
-    if (units.size() > mostNameUnits) {
+    if (units.size() > maximumNameUnits) {
         // Does not cut a surrogate pair.
-        const bool splitsPair = (units[mostNameUnits] & 0xFC00) == 0xDC00;
-        units.resize(splitsPair ? mostNameUnits - 1 : mostNameUnits);
+        const bool splitsPair = (units[maximumNameUnits] & 0xFC00) == 0xDC00;
+        units.resize(splitsPair ? maximumNameUnits - 1 : maximumNameUnits);
     }
     std::replace_if(
         units.begin(), units.end(), [](char16_t unit) { return !mayBeShown(unit); }, u'\uFFFD');
@@ -103,10 +103,10 @@ std::vector<FoundController> ControllerList::Controllers() const {
             if (!isNew) {
                 FoundController& first = controllers[place->second];
                 first.aliases.push_back(entry->service.name);
-                if (first.aliases.size() <= mostNames) {
+                if (first.aliases.size() <= maximumNames) {
                     first.name = CFStringCreateWithCharacters(first.name->units + u", " +
                                                               plainServiceName(entry->service.name)->units);
-                } else if (first.aliases.size() == mostNames + 1) {
+                } else if (first.aliases.size() == maximumNames + 1) {
                     first.name = CFStringCreateWithCharacters(first.name->units + u", …");
                 }
                 continue;
@@ -147,7 +147,7 @@ void ControllerList::Learn(const NetService& service, const ResolvedService& res
         const bool isKnown = std::any_of(
             entry->addresses.begin(), entry->addresses.end(),
             [&address](const HostAddress& known) { return addressNumber(known) == addressNumber(address); });
-        if (address.family == addressFamilyIPv4 && !isKnown && entry->addresses.size() < mostAddresses) {
+        if (address.family == addressFamilyIPv4 && !isKnown && entry->addresses.size() < maximumAddresses) {
             entry->addresses.push_back(address);
         }
     }
@@ -163,7 +163,7 @@ void ControllerList::Await(Entry& entry) {
 }
 
 void ControllerList::ResolveNext() {
-    while (resolutions.size() < mostResolutions && !waiting.empty()) {
+    while (resolutions.size() < maximumResolutions && !waiting.empty()) {
         const NetService service = std::move(waiting.front());
         waiting.pop_front();
         const Entry* entry = Find(service);
@@ -186,7 +186,7 @@ void ControllerList::didFindService(const NetService& service) {
     }
     Entry* entry = Find(service);
     if (entry == nullptr) {
-        if (entries.size() >= mostControllers) {
+        if (entries.size() >= maximumControllers) {
             leftOut = true;
             observer.listDidChange();
             return;

@@ -46,8 +46,8 @@ public:
 // name belong to one controller; so do services that resolve to the same host.
 class ControllerList final : private ServiceBrowserDelegate, private ServiceResolutionDelegate {
 public:
-    static constexpr std::size_t mostControllers = 1000; // further ones are left out
-    static constexpr std::size_t mostResolutions = 4;    // at the same time
+    static constexpr std::size_t maximumControllers = 1000; // further ones are left out
+    static constexpr std::size_t maximumResolutions = 4;    // at the same time
     static constexpr std::chrono::milliseconds resolveTimeout{5000};
 
     // Refers to both, which must outlive it. The constructor never calls the observer.
@@ -58,7 +58,7 @@ public:
     std::vector<FoundController> Controllers() const;
     // Takes over an answer that another resolution of the service received.
     void Learn(const NetService& service, const ResolvedService& resolved);
-    bool LeftOut() const { return leftOut; } // more than mostControllers were announced
+    bool LeftOut() const { return leftOut; } // more than maximumControllers were announced
     // The reason why no search is under way; "" while at least one is.
     const std::string& Failure() const { return failure; }
 

@@ -13,7 +13,7 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t mostFileBytes = 0x1000000;
+constexpr std::size_t maximumFileBytes = 0x1000000;
 constexpr unsigned fileMode = 0600;
 constexpr int firstVersionWithRecord = 7;
 constexpr int versionThatSavesFile = 6;
@@ -47,7 +47,7 @@ FilePropertyListStore::FilePropertyListStore(std::filesystem::path file)
 
 std::string FilePropertyListStore::Load() {
     std::string xml;
-    return system().ReadFile(path, mostFileBytes, xml) ? std::string() : xml;
+    return system().ReadFile(path, maximumFileBytes, xml) ? std::string() : xml;
 }
 
 SaveResult FilePropertyListStore::Save(std::string_view xml) {

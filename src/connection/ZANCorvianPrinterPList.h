@@ -67,6 +67,8 @@ public:
     bool RemoveEntry(const CFStringRef& name);
 
     const std::vector<CFTypeRef>& Elements() const { return elements; }
+
+    // For the tests; no caller here
     bool Changed() const { return changed; } // since the list was loaded or saved
 
 private:

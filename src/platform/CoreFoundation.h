@@ -23,6 +23,7 @@ namespace torka::platform {
 using CFIndex = std::int64_t;
 using CFStringEncoding = std::uint32_t;
 using OSStatus = std::int32_t;
+inline constexpr OSStatus noErr = 0;
 using UniChar = char16_t;
 
 enum class CFTypeID { string, number, boolean, data, array, dictionary, url };

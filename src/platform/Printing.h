@@ -16,7 +16,6 @@
 
 namespace torka::platform {
 
-inline constexpr OSStatus noErr = 0;
 inline constexpr OSStatus kPMInvalidParameter = -50;
 inline constexpr OSStatus kPMKeyNotFound = -9589;
 inline constexpr OSStatus kPMGeneralError = -30870;

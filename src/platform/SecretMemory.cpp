@@ -32,10 +32,10 @@ std::pmr::memory_resource& secretMemory() {
         return *std::pmr::new_delete_resource();
     }
     // Never destroyed, because values of static storage may be freed after a static pool.
-    constexpr std::size_t mostPooled = 4096;
+    constexpr std::size_t maximumPooled = 4096;
     static auto* pages = new HiddenPages;
     static auto* pool = new std::pmr::synchronized_pool_resource(
-        {.max_blocks_per_chunk = 0, .largest_required_pool_block = mostPooled}, pages);
+        {.max_blocks_per_chunk = 0, .largest_required_pool_block = maximumPooled}, pages);
     return *pool;
 }
 

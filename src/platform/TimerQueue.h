@@ -19,6 +19,8 @@ public:
     // Fires the timers that are due now, each at most once, the earliest first. Returns their number.
     std::size_t FireDue();
     std::optional<TimePoint> NextDue() const;
+
+    // For the tests; no caller here
     std::size_t Installed() const; // number of timers that will still fire
 
 private:

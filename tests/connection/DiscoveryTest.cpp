@@ -375,10 +375,10 @@ TEST_F(DiscoveryTest, HostileNamesAndFloodsStayHarmless) {
     }
     net->answerTime = milliseconds(1);
     OpenSheet();
-    ASSERT_EQ(sheet.rows.size(), ControllerList::mostControllers);
+    ASSERT_EQ(sheet.rows.size(), ControllerList::maximumControllers);
     EXPECT_LT(sheet.reloads, 10);
     EXPECT_EQ(sheet.status, "DISCOVERY_TOO_MANY");
-    EXPECT_EQ(net->mostRunning, ControllerList::mostResolutions);
+    EXPECT_EQ(net->maximumRunning, ControllerList::maximumResolutions);
     EXPECT_THAT(sheet.rows[0], Pair("<b>x</b>\xEF\xBF\xBD\xEF\xBF\xBD[2J\xEF\xBF\xBD"
                                     "cod",
                                     "")); // a host name with markup is no address

@@ -16,7 +16,7 @@ namespace torka::tests {
 
 namespace {
 
-constexpr int mostQuestions = 360; // about a job that does not end
+constexpr int maximumQuestions = 360; // about a job that does not end
 
 TEST_F(ServerData, ComesBackThroughTheDataFileAndTheDescription) {
     const PMPrinter printer = AddQueue("Served");
@@ -69,7 +69,7 @@ sys.stdout.buffer.write(zlib.decompress(b''.join(chunks)).decode('utf-32-le').en
     EXPECT_EQ(sendCommandAndWait(printer, "not a request", commandTitle(SpoolerCommand::updateCommands),
                                  [&questions](const WaitProgress&) { ++questions; }),
               CommandOutcome::notCompleted);
-    EXPECT_LT(questions, mostQuestions);
+    EXPECT_LT(questions, maximumQuestions);
 }
 
 TEST_F(ServerData, ADescriptionWithTwoHundredRecordsIsStillOne) {

@@ -283,7 +283,7 @@ void fill(const FilterHarness& harness, const Sender& sender, int first, std::si
 }
 
 TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
-    const std::size_t large = mostOfSender.bytes / 4;
+    const std::size_t large = maximumOfSender.bytes / 4;
     const Sender away{"Proofs", "anna", "pc7"};
     struct Case {
         const char* what;
@@ -294,8 +294,8 @@ TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
         bool hasRoomAway; // for the same user on another host
     };
     for (const Case& c :
-         {Case{"one below the number", mostOfSender.number - 1, 1, true, true, true},
-          Case{"the number", mostOfSender.number, 1, true, false, true},
+         {Case{"one below the number", maximumOfSender.number - 1, 1, true, true, true},
+          Case{"the number", maximumOfSender.number, 1, true, false, true},
           Case{"the bytes", 4, large, true, false, true},
           Case{"one byte below", 4, large - 1, true, true, true},
           Case{"the host's bytes, whatever its users are called", 16, large, false, false, true},
@@ -377,7 +377,8 @@ TEST(FilterNotes, OneHostCannotCrowdTheOthersOut) {
         const FilterHarness harness;
         ASSERT_TRUE(FilterNotes::Add(anna, NoteKind::mailbox, "oldest of all"));
         std::string text = readFile(harness.Cache("TorkaFilterNotes"));
-        const std::size_t enough = length == 10 ? FilterNotes::limitOfAll : FilterNotes::mostBytes / length;
+        const std::size_t enough =
+            length == 10 ? FilterNotes::limitOfAll : FilterNotes::maximumBytes / length;
         for (std::size_t i = 0; i < enough; ++i) {
             const std::string user = std::string(length, 'x') + std::to_string(i);
             text +=
@@ -391,7 +392,7 @@ TEST(FilterNotes, OneHostCannotCrowdTheOthersOut) {
         EXPECT_TRUE(FilterNotes::Has(std::string(length, 'x') + std::to_string(enough - 1),
                                      NoteKind::ticketName, "name"))
             << "never all";
-        EXPECT_LE(std::filesystem::file_size(harness.Cache("TorkaFilterNotes")), FilterNotes::mostBytes);
+        EXPECT_LE(std::filesystem::file_size(harness.Cache("TorkaFilterNotes")), FilterNotes::maximumBytes);
     }
 }
 

@@ -100,7 +100,7 @@ TEST(ConstraintsEngine, OffersOtherOptionsFromTheLastBackwards) {
     attempt = change;
     store.GetEngine()->LimitWork(0);
     EXPECT_EQ(store.GetEngine()->Solve(attempt, true).conflicts.size(), 1U);
-    store.GetEngine()->LimitWork(ConstraintsEngine::mostWork);
+    store.GetEngine()->LimitWork(ConstraintsEngine::maximumWork);
     const auto solved = store.GetEngine()->Solve(change, true);
     EXPECT_EQ(solved.conflicts.size(), 0U);
     EXPECT_THAT(named(store, change.Pairs()), ElementsAre("*K=A", "*X=4"));
@@ -146,8 +146,8 @@ TEST(ConstraintsEngine, CutsAnswersThatWouldExplode) {
     KVCache change;
     change.Insert(soup.Find("*K"), soup.Find("A"));
     const auto answer = store.GetEngine()->Test(change);
-    EXPECT_EQ(answer.conflicts.size(), ConstraintsEngine::mostAnswers);
-    EXPECT_EQ(answer.alternatives.size(), ConstraintsEngine::mostAnswers);
+    EXPECT_EQ(answer.conflicts.size(), ConstraintsEngine::maximumAnswers);
+    EXPECT_EQ(answer.alternatives.size(), ConstraintsEngine::maximumAnswers);
     EXPECT_TRUE(store.IsKVConstrained("*K", "A"));
 }
 

@@ -244,8 +244,8 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     EXPECT_EQ(utf8Text(pane.printer->sent[0].title), "Command_PRINTERLOCALPRESETS");
     EXPECT_EQ(utf8Text(pane.printer->sent[0].command), "EFBBBF<a/>EFBBBF");
     // Too many for the queue, before or after the marks grew: nothing is sent, and the person is told once.
-    for (const std::string& content :
-         {std::string(mostRecordText + 1, 'x'), "\xEF\xBB\xBF" + std::string(mostRecordText - 3, 'x')}) {
+    for (const std::string& content : {std::string(maximumRecordText + 1, 'x'),
+                                       "\xEF\xBB\xBF" + std::string(maximumRecordText - 3, 'x')}) {
         const ScopedAlerts person;
         UI_Panel again(pane.data.get(), &services);
         system->files[path].content = content;

@@ -31,9 +31,6 @@ public:
         records.push_back({static_cast<std::uint32_t>(key1), static_cast<std::uint32_t>(option1),
                            static_cast<std::uint32_t>(key2), static_cast<std::uint32_t>(option2)});
     }
-    void insert(std::int64_t key1, std::int64_t option1, const KeyOption& pair) {
-        insert(key1, option1, pair.key, pair.option);
-    }
     // Inserts a line with an empty option. `from` is the range of constraining options, or null when option1
     // is the only one. `to` is the range of key's constrained options, or null when pair is the only one.
     // REQUIRES: at least one range; no range is empty.
@@ -50,6 +47,9 @@ public:
     void ForEach(const std::function<bool(std::int64_t, std::int64_t, const KeyOption&)>& visit) const;
 
     // Given interface; no caller here
+    void insert(std::int64_t key1, std::int64_t option1, const KeyOption& pair) {
+        insert(key1, option1, pair.key, pair.option);
+    }
     // Returns a new list of what key=option constrains (-1: every option of the key); null when the key has
     // no tree. Expands wildcard lines; use ForEach to look at everything.
     std::unique_ptr<ItemConstraintList> GetConstraintList(std::int64_t key, std::int64_t option) const;

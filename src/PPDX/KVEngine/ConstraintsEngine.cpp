@@ -12,7 +12,7 @@ namespace torka {
 namespace {
 
 constexpr int deepest = 129;
-constexpr std::size_t mostQueued = 128;
+constexpr std::size_t maximumQueued = 128;
 
 const KVCache& orEmpty(const KVCache* cache) {
     static const KVCache empty;
@@ -135,7 +135,7 @@ ConstraintsEngine::Answer ConstraintsEngine::RSolve(KVCache& changeSet, bool kee
                 continue;
             }
             queue.push_back(changeSet);
-            overflowed = queue.size() > mostQueued;
+            overflowed = queue.size() > maximumQueued;
         }
         if (queue.empty()) {
             return answer;
@@ -257,14 +257,14 @@ void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& 
     const auto found = [&](const KeyOption& hit) {
         answer.conflicts.add(hit);
         ++work;
-        if (answer.alternatives.size() < mostAnswers) {
+        if (answer.alternatives.size() < maximumAnswers) {
             const std::vector<KeyOption>& offer = offerFor(hit);
-            const std::size_t count = std::min(offer.size(), mostAnswers - answer.alternatives.size());
+            const std::size_t count = std::min(offer.size(), maximumAnswers - answer.alternatives.size());
             std::for_each_n(offer.begin(), count,
                             [&](const KeyOption& pair) { answer.alternatives.add(pair); });
             work += count;
         }
-        return answer.conflicts.size() < mostAnswers && !IsExhausted();
+        return answer.conflicts.size() < maximumAnswers && !IsExhausted();
     };
 
     const KeyConstraintTree& tree = *TreeOf(changed.key);

@@ -27,9 +27,10 @@ public:
     };
 
     // Limits against a description made to cause huge answers. Conflicts and alternatives each end at
-    // mostAnswers pairs. A search ends unsolved after mostWork pairs and lines, which takes a few seconds.
-    static constexpr std::size_t mostAnswers = std::size_t{1} << 21U;
-    static constexpr std::uint64_t mostWork = std::uint64_t{1} << 28U;
+    // maximumAnswers pairs. A search ends unsolved after maximumWork pairs and lines, which takes a few
+    // seconds.
+    static constexpr std::size_t maximumAnswers = std::size_t{1} << 21U;
+    static constexpr std::uint64_t maximumWork = std::uint64_t{1} << 28U;
 
     ConstraintsEngine() = default;
     ConstraintsEngine(const KVCache* selections, const ConstraintForest* constraints,
@@ -84,7 +85,7 @@ private:
     bool overflowed = false;
     int depth = 0;
 
-    std::uint64_t workLimit = mostWork;
+    std::uint64_t workLimit = maximumWork;
     std::uint64_t work = 0;          // pairs, lines and states visited since the last purge
     std::uint64_t workDone = 0;      // at the last purge
     std::vector<ConstraintRun> runs; // kept between calls only for its capacity

@@ -26,8 +26,6 @@ public:
 
     std::size_t size() const { return pairs.size(); }
 
-    const std::vector<KeyOption>& Pairs() const { return pairs; }
-
     // Given interface; no caller here
     void insert(std::int64_t key, std::int64_t option) { pairs.push_back({key, option}); }
     ItemConstraintList operator+(const ItemConstraintList& other) const;
@@ -37,6 +35,7 @@ public:
     void Replace(std::vector<KeyOption> kept) { pairs = std::move(kept); }
 
     // For the tests; no caller here
+    const std::vector<KeyOption>& Pairs() const { return pairs; }
     std::int64_t Owner() const { return owner; }
 
 private:

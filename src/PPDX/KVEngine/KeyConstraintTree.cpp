@@ -152,9 +152,9 @@ std::span<const ConstraintRecord> KeyConstraintTree::OwnLines(std::int64_t optio
     if (const WrittenList* written = Written(option)) {
         return written->pairs;
     }
-    const auto [first, last] = std::ranges::equal_range(
-        lines, option, {}, [](const ConstraintRecord& line) { return std::int64_t{line.option1}; });
-    return {first, last};
+    const auto optionOf = [](const ConstraintRecord& line) { return std::int64_t{line.option1}; };
+    const auto first = std::ranges::lower_bound(lines, option, {}, optionOf);
+    return {first, std::ranges::upper_bound(first, lines.end(), option, {}, optionOf)};
 }
 
 bool KeyConstraintTree::HasList(std::int64_t option) const {

@@ -33,8 +33,6 @@ public:
     KeyConstraintTree(KeyConstraintTree&&) noexcept = default;
     KeyConstraintTree& operator=(KeyConstraintTree&&) noexcept = default;
 
-    std::int64_t Key() const { return constrainingKey; }
-
     // Sets the place of the key's lines in the forest's array.
     void SetLines(std::span<const ConstraintRecord> own) { lines = own; }
     // Takes a line that must follow the tree's wildcard or written-out lines. Returns false when the tree has

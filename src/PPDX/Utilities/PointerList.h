@@ -71,14 +71,14 @@ public:
     ConstPointerListItr() = default;
     explicit ConstPointerListItr(const PNode* start)
         : node(start) {}
-    ConstPointerListItr(const PointerListItr& other)
-        : node(other.Node()) {}
 
     void* operator*() const { return node != nullptr ? node->data : nullptr; }
     ConstPointerListItr& operator++();
     bool operator==(const ConstPointerListItr& other) const { return node == other.node; }
 
     // Given interface; no caller here
+    ConstPointerListItr(const PointerListItr& other)
+        : node(other.Node()) {}
     ConstPointerListItr operator++(int);
     ConstPointerListItr& operator--();
     ConstPointerListItr operator--(int);
@@ -99,8 +99,6 @@ public:
     ConstPointerListItr Begin() const { return ConstPointerListItr(head->next); }
     ConstPointerListItr End() const { return ConstPointerListItr(tail); }
     // For range-based loops: for (void* element : list).
-    PointerListItr begin() { return Begin(); }
-    PointerListItr end() { return End(); }
     ConstPointerListItr begin() const { return Begin(); }
     ConstPointerListItr end() const { return End(); }
 
@@ -112,11 +110,11 @@ public:
     PointerListItr Erase(PointerListItr place);
     // No effect on an empty list.
     void PopFront();
-    std::size_t Size() const { return count; }
     bool Empty() const { return count == 0; }
     void MakeEmpty();
 
     // Given interface; no caller here
+    std::size_t Size() const { return count; }
     void PushFront(const void* element);
     // Erases up to but not including `last`, or to the end when `last` does not follow. Returns `last`.
     PointerListItr Erase(PointerListItr first, PointerListItr last);

@@ -17,15 +17,6 @@ namespace torka {
 const std::string& destinationPPD();
 void setDestinationPPD(std::string_view path);
 
-// Waits for the command job with this title. Reads the spooler's list of jobs up to 360 times, 100 ms apart.
-// True when the job completed; the queue's PPD has then been fetched again, and destinationPPD() is its path.
-// False before the time is over when further waiting is useless: the job was stopped (its filter failed),
-// cancelled or aborted, or its queue is stopped.
-//
-// Also true when a listed job disappears from the list while its queue remains, because a spooler may keep no
-// history. The caller has to check the results of such a job.
-bool isJobComple(std::string_view jobTitle, const WaitObserver& observer = {});
-
 enum class CommandOutcome {
     completed,
     ended,         // the job is over, success unknown: check the record or file that the command writes
@@ -49,5 +40,15 @@ CommandOutcome sendCommandAndWait(const PMPrinter& printer, std::string_view tex
 
 // False for a queue that the spooler lists as stopped or as rejecting jobs.
 bool queueTakesCommands(std::string_view queueName);
+
+// Given interface; no caller here
+// Waits for the command job with this title. Reads the spooler's list of jobs up to 360 times, 100 ms apart.
+// True when the job completed; the queue's PPD has then been fetched again, and destinationPPD() is its path.
+// False before the time is over when further waiting is useless: the job was stopped (its filter failed),
+// cancelled or aborted, or its queue is stopped.
+//
+// Also true when a listed job disappears from the list while its queue remains, because a spooler may keep no
+// history. The caller has to check the results of such a job.
+bool isJobComple(std::string_view jobTitle, const WaitObserver& observer = {});
 
 } // namespace torka

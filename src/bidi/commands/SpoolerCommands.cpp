@@ -32,9 +32,9 @@ constexpr std::array<CommandEntry, 12> commands{{
     {SpoolerCommand::allBidi, "Command_AllBidi", true},
 }};
 
-constexpr std::size_t mostRequestText = 65536;
-constexpr std::size_t mostAddress = 255;
-constexpr std::size_t mostIdentifier = 64;
+constexpr std::size_t maximumRequestText = 65536;
+constexpr std::size_t maximumAddress = 255;
+constexpr std::size_t maximumIdentifier = 64;
 constexpr int firstMinorWithAllBidi = 7;
 
 const CommandEntry& entryOf(SpoolerCommand command) {
@@ -113,7 +113,7 @@ std::optional<SpoolerCommand> commandFromTitle(std::string_view title) {
 }
 
 bool isRequestIdentifier(std::string_view identifier) {
-    return !identifier.empty() && identifier.size() <= mostIdentifier &&
+    return !identifier.empty() && identifier.size() <= maximumIdentifier &&
            std::all_of(identifier.begin(), identifier.end(), [](char c) {
                return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-';
            });
@@ -151,12 +151,12 @@ std::string updateRequestText(std::string_view identifier, std::string_view prin
 
 std::optional<UpdateRequest> parseUpdateRequest(std::string_view text) {
     const std::size_t first = text.find(argumentDelimiter);
-    if (text.size() > mostRequestText || first == std::string_view::npos) {
+    if (text.size() > maximumRequestText || first == std::string_view::npos) {
         return std::nullopt;
     }
     const std::size_t addressStart = first + argumentDelimiter.size();
     const std::size_t second = text.find(argumentDelimiter, addressStart);
-    if (second == std::string_view::npos || second - addressStart > mostAddress ||
+    if (second == std::string_view::npos || second - addressStart > maximumAddress ||
         !isRequestIdentifier(text.substr(0, first))) {
         return std::nullopt;
     }

@@ -33,7 +33,7 @@ enum class SpoolerCommand {
 
 // Maximum size, in bytes, of a command's text that becomes a record of the queue's PPD. It is limited because
 // every client reads the whole PPD.
-inline constexpr std::size_t mostRecordText = std::size_t{256} * 1024;
+inline constexpr std::size_t maximumRecordText = std::size_t{256} * 1024;
 
 inline constexpr std::string_view argumentDelimiter = "::DELIMIT::";
 

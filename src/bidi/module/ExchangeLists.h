@@ -48,6 +48,8 @@ class WatermarkDefinitions {
 public:
     void Append(std::wstring_view definition);
     const JPWatermarkList& List();
+
+    // For the tests; no caller here
     std::size_t Count() const { return texts.size(); }
 
 private:

@@ -32,6 +32,7 @@ public:
     // reference stays valid until the next call. Wait up to 2 seconds for a PPD that the print server is
     // replacing.
     const std::wstring& GetStringData();
+    const std::string& GetCStringData();
 
     // Given interface; no caller here
     // Send the record. Return -1 for an empty text, else the length of the record name.
@@ -39,7 +40,6 @@ public:
     int Commit(std::string_view text) const;
     // Forgets the text that was read.
     void Discard();
-    const std::string& GetCStringData();
 
 private:
     RecordBlock Read(std::size_t& size) const;

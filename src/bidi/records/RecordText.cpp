@@ -27,7 +27,7 @@ namespace {
 
 constexpr std::string_view firstNumber = "0000";
 constexpr std::size_t separatorLength = 2; // ": "
-constexpr std::size_t mostPositions = 65536;
+constexpr std::size_t maximumPositions = 65536;
 
 constexpr std::size_t nowhere = std::string_view::npos;
 
@@ -55,7 +55,7 @@ public:
     // As findFrom with the chunk's text.
     std::size_t Find(std::string_view name, std::string_view chunk, std::size_t from) const {
         const std::vector<std::uint32_t>& numbers = places.find(name)->second;
-        if (numbers.size() == mostPositions) {
+        if (numbers.size() == maximumPositions) {
             return findFrom(text, chunk, from);
         }
         for (auto at = std::ranges::lower_bound(numbers, from + name.size()); at != numbers.end(); ++at) {
@@ -75,7 +75,7 @@ private:
             }
             const auto found = places.find(text.substr(number - length, length));
             // The limit holds for texts made of digits. Find searches the text for a name that reaches it.
-            if (found != places.end() && found->second.size() < mostPositions) {
+            if (found != places.end() && found->second.size() < maximumPositions) {
                 found->second.push_back(static_cast<std::uint32_t>(number));
             }
         }
@@ -126,7 +126,7 @@ RecordText::RecordText(std::string_view content)
     : text(content) {
     for (std::size_t at = findFrom(text, firstNumber, 0); at != std::string_view::npos;
          at = findFrom(text, firstNumber, at + 1)) {
-        if (zeros.size() == mostPositions) {
+        if (zeros.size() == maximumPositions) {
             indexed = false;
             return;
         }

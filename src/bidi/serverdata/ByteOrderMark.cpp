@@ -5,11 +5,6 @@
 
 namespace torka {
 
-std::string withMarkLetters(std::string_view narrow) {
-    return narrow.starts_with(narrowMark) ? CUtil::__replace(narrow, narrowMark, markLetters)
-                                          : std::string(narrow);
-}
-
 std::wstring withMarkLetters(std::wstring_view wide) {
     return wide.starts_with(wideMark) ? CUtil::__replaceW(wide, wideMark, wideMarkLetters)
                                       : std::wstring(wide);

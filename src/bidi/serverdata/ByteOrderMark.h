@@ -12,7 +12,6 @@
 namespace torka {
 
 // Replaces every mark by the letters when the text begins with a mark; returns any other text unchanged.
-std::string withMarkLetters(std::string_view narrow);
 std::wstring withMarkLetters(std::wstring_view wide);
 // Replaces the letters by marks everywhere when the text begins with the letters; returns any other text
 // unchanged.

@@ -26,7 +26,6 @@ class RecordLines {
 public:
     explicit RecordLines(std::wstring_view text)
         : rest(text) {}
-    bool AtEnd() const { return rest.empty(); }
     // The number of the last line that Next returned, from 1.
     std::size_t LineNumber() const { return number; }
     // Whether that line had an LF. The last line of a text may lack it.

@@ -89,14 +89,14 @@ std::wstring xmlEscaped(std::wstring_view text) {
 }
 
 std::wstring serverDataXml(const ServerDataHead& head, std::span<const KeyValueView> options,
-                           std::size_t mostUnits) {
+                           std::size_t maximumUnits) {
     std::wstring text = headText(head);
-    if (text.size() + optionsEnd.size() > mostUnits) {
+    if (text.size() + optionsEnd.size() > maximumUnits) {
         return {};
     }
     for (std::size_t i = 0; i < options.size(); ++i) {
         const std::wstring option = optionText(options[i]);
-        if (text.size() + option.size() + optionsEnd.size() > mostUnits) {
+        if (text.size() + option.size() + optionsEnd.size() > maximumUnits) {
             standardStreams().Error("Server data: no room for " + std::to_string(options.size() - i) +
                                     " of " + std::to_string(options.size()) + " installed options\n");
             break;

@@ -25,11 +25,11 @@ struct ServerDataHead {
     std::optional<std::wstring> server; // address; nullopt without two-way communication
 };
 
-// The XML text with one element for each option's key and value. The text has at most `mostUnits` units: from
-// the first option that does not fit, options are left out, and the standard error stream gives their number.
-// Empty when the text without options does not fit.
+// The XML text with one element for each option's key and value. The text has at most `maximumUnits` units:
+// from the first option that does not fit, options are left out, and the standard error stream gives their
+// number. Empty when the text without options does not fit.
 std::wstring serverDataXml(const ServerDataHead& head, std::span<const KeyValueView> options,
-                           std::size_t mostUnits = std::wstring::npos);
+                           std::size_t maximumUnits = std::wstring::npos);
 
 // The indexes of the entries that the exchange record's list of installable options names, in its order. The
 // list separates its items by commas. An item is an index or a key; an item that names no entry is skipped.

@@ -89,7 +89,6 @@ public:
     PaneLock LockOf(const PPDXControl& control) const;
 
     // Returns false and changes nothing for an unknown keyword, a locked field, or the present value.
-    bool SetValue(std::string_view keyword, std::string_view value);
     bool SetValue(PPDXControl& control, std::string_view value);
     // Changes one control by `change`. `continues`: joins the step made just before when it changed the same
     // control, as typing does. Returns false when the value is unchanged.
@@ -114,8 +113,6 @@ public:
 
     // Whether the present settings forbid each choice of a control, in the order of choicesOf.
     std::vector<bool> Forbidden(const PPDXControl& control) const;
-    // The same for many controls.
-    std::vector<std::vector<bool>> Sweep(const std::vector<PPDXControl*>& controls) const;
     // The settings that forbid the choice now; empty when it is allowed.
     std::vector<PaneSetting> ForbiddenBy(std::string_view keyword, std::string_view choice) const;
     // All present conflicts, each pair once.
@@ -130,6 +127,9 @@ public:
     // system are left out.
     std::vector<PaneDifference> Differences() const;
     std::size_t DifferenceCount() const { return Differences().size(); }
+
+    // For the tests; no caller here
+    bool SetValue(std::string_view keyword, std::string_view value);
 
 private:
     struct ValueChange {

@@ -61,15 +61,6 @@ std::vector<bool> PaneEditor::Forbidden(const PPDXControl& control) const {
     return forbidden;
 }
 
-std::vector<std::vector<bool>> PaneEditor::Sweep(const std::vector<PPDXControl*>& swept) const {
-    std::vector<std::vector<bool>> all;
-    all.reserve(swept.size());
-    for (const PPDXControl* control : swept) {
-        all.push_back(Forbidden(*control));
-    }
-    return all;
-}
-
 PaneSetting PaneEditor::SettingOf(const KeyOption& pair) const {
     const CStringSoup& strings = *constraints.GetConstraintStrings();
     return {textOf(strings.Find(pair.key)), textOf(strings.Find(pair.option))};

@@ -32,11 +32,9 @@ public:
 
     // Set to null before the view ends.
     void setView(CustomizePaneView* newView) { view = newView; }
-    CustomizePaneView* View() const { return view; }
     void drawControlsInTree(const PPDTree& tree);
     void greyoutShortcutControls(bool grey);
 
-    static bool IsAlpha(UniChar character);
     static bool IsDigit(UniChar character);
     // Whether the character is allowed in the text of the note.
     static bool IsValidKey(const PPDXJobNote& note, UniChar character);
@@ -55,6 +53,7 @@ public:
     void resetJPServerpresetKeys() const;
 
     // Given interface; no caller here
+    static bool IsAlpha(UniChar character);
     // The index of the last character that the note of the last LimitTextLengthOfJobNoteControl does not
     // accept when it is numeric, or -1.
     std::int64_t isNumericText(const CFStringRef& text) const;

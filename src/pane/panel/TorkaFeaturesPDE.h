@@ -63,11 +63,6 @@ public:
     UI_Panel* GetUI_PanelPtr() const { return self.myUi_Panel.get(); }
     PDEData* GetPDEDataPtr() const { return self.myPDEData.get(); }
     const CFStringRef& bundleVersion() const override { return self.myBundleVersion; }
-    // Null until the interface file is loaded, and when it is missing or broken. The pane then works without
-    // widgets.
-    PaneInterface* Interface() const { return interface.get(); }
-    // The named sets of settings, and the settings used last.
-    PresetStore& Presets() const { return *presets; }
     // Two-way communication: requests, waits, and the data that were read.
     ServerExchange& Server() const { return *server; }
 

@@ -63,7 +63,7 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
     std::string presets;
     // The replacement of byte-order marks doubles their length, so that a file within the limit may exceed it
     // afterwards.
-    const std::error_code failure = platform::system().ReadFile(path, mostRecordText, presets);
+    const std::error_code failure = platform::system().ReadFile(path, maximumRecordText, presets);
     if (failure == std::errc::file_too_large) {
         TellPresetsTooLarge();
         return;
@@ -76,7 +76,7 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
         return;
     }
     presets = CUtil::__replace(presets, narrowMark, markLetters);
-    if (presets.size() > mostRecordText) {
+    if (presets.size() > maximumRecordText) {
         TellPresetsTooLarge();
         return;
     }
@@ -88,7 +88,7 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
 
 void UI_Panel::TellPresetsTooLarge() {
     constexpr const char* table = "BidiStrings";
-    const std::string limit = std::to_string(mostRecordText / 1024);
+    const std::string limit = std::to_string(maximumRecordText / 1024);
     myNSLogC("The local presets are not sent to the queue: it takes at most %s kB.", limit.c_str());
     if (std::exchange(toldPresetsTooLarge, true)) {
         return;

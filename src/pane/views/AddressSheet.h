@@ -42,8 +42,6 @@ public:
     // Returns the owner of the sheet and its controller. It is held during an alert of theirs, in which the
     // host may release it.
     void setKeepAlive(std::function<std::shared_ptr<void>()> hold) { keepAlive = std::move(hold); }
-    // Null after the end of the parent.
-    QDialog* Window() const { return dialog; }
 
     void setDelegate(BonjourModuleViewDelegate* newDelegate) override { delegate = newDelegate; }
     void openSheet() override;
@@ -61,6 +59,10 @@ public:
     void setBidiState(bool on) override;
     void setBidiCheckBoxEnabled(bool enabled) override;
     void setConfigureButtonEnabled(bool enabled) override;
+
+    // For the tests; no caller here
+    // Null after the end of the parent.
+    QDialog* Window() const { return dialog; }
 
 private:
     class Dialog;

@@ -16,9 +16,9 @@ class ConflictBar final : public QFrame {
 public:
     explicit ConflictBar(PaneContext& paneContext, QWidget* parent = nullptr);
     void Update(const PaneChange* change);
-    QString Text() const;
 
     // For the tests; no caller here
+    QString Text() const;
     QPushButton* ResolveButton() const { return resolve; }
     QPushButton* UndoButton() const { return undo; }
 

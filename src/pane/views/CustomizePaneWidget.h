@@ -47,11 +47,11 @@ public:
     bool ShowField(const std::string& keyword);
     // The visible page when it is a page of fields, else null.
     FieldPage* CurrentFieldPage() const;
-    QLineEdit* SearchField() const { return search; }
     // Shows the result of the search without waiting for a pause in typing.
     void SearchNow();
 
     // For the tests; no caller here
+    QLineEdit* SearchField() const { return search; }
     std::vector<std::string> PageIdentifiers() const;
     QListWidget* PageList() const { return list; }
     ConflictBar* Bar() const { return bar; }

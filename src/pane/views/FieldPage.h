@@ -42,6 +42,8 @@ public:
     void FocusFirst();
     // The row of a field; null when the page does not have it or its roll-down was never open.
     FieldRow* RowOf(std::string_view keyword) const;
+
+    // For the tests; no caller here
     std::size_t RowCount() const { return rows.size(); }
 
 private:

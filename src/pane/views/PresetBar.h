@@ -25,8 +25,6 @@ public:
     // The context must have pane data.
     explicit PresetBar(PaneContext& paneContext, QWidget* parent = nullptr);
 
-    // UTF-8; "" for none.
-    const std::string& Chosen() const { return presets.Chosen(); }
     void Apply(const std::string& name);
     void AskForSaving();
     void Update();
@@ -35,6 +33,10 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+
+    // For the tests; no caller here
+    // UTF-8; "" for none.
+    const std::string& Chosen() const { return presets.Chosen(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

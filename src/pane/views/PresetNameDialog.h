@@ -23,9 +23,9 @@ public:
     PresetNameDialog(const PaneContext& context, const std::string& renamed, std::vector<std::string> taken,
                      std::function<void(const std::string&)> take, QWidget* parent);
     void accept() override;
-    QLineEdit* Field() const { return field; }
 
     // For the tests; no caller here
+    QLineEdit* Field() const { return field; }
     QPushButton* AcceptButton() const { return acceptButton; }
 
 private:

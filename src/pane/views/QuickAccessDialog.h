@@ -30,10 +30,9 @@ public:
     // The chosen keywords in their order, at most maximumQuickAccess.
     std::vector<std::string> Chosen() const;
 
-    QTreeWidget* Available() const { return available; }
-    QLineEdit* SearchField() const { return search; }
-
     // For the tests; no caller here
+    QLineEdit* SearchField() const { return search; }
+    QTreeWidget* Available() const { return available; }
     QListWidget* ChosenList() const { return chosen; }
     QPushButton* AddButton() const { return add; }
     QPushButton* RemoveButton() const { return remove; }
@@ -77,6 +76,8 @@ public:
     bool validWindowSessionRunning() const override { return dialog != nullptr; }
     void doButtonCancelClicked() override;
     void openSheet() override;
+
+    // For the tests; no caller here
     QuickAccessDialog* Dialog() const { return dialog; }
 
 private:

@@ -19,9 +19,7 @@ public:
     RollDown(const PaneContext& context, const QString& title, std::function<void(QWidget&)> fillContent,
              QWidget* parent);
 
-    bool IsOpen() const { return open; }
     void SetOpen(bool nowOpen);
-    QToolButton* Header() const { return header; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -26,14 +26,14 @@ public:
     // Called before the page is shown, and after each change while it is visible.
     void Update();
 
-    QListWidget* List() const { return list; }
-    WatermarkPreview* Preview() const { return preview; }
-    WatermarkDialog* Dialog() const { return dialog; }
     void Add();
     void Edit();
     void Delete();
 
     // For the tests; no caller here
+    WatermarkDialog* Dialog() const { return dialog; }
+    WatermarkPreview* Preview() const { return preview; }
+    QListWidget* List() const { return list; }
     QCheckBox* FirstPageBox() const { return firstPage; }
 
 protected:

@@ -20,9 +20,11 @@ public:
     void Show(std::optional<WatermarkFields> shown);
     // Reads the chosen paper and its orientation.
     void TakePaper();
-    QSizeF Paper() const { return paper; } // points, upright for the reader
     // The rectangle of the page in the widget.
     QRectF PageRect() const;
+
+    // For the tests; no caller here
+    QSizeF Paper() const { return paper; } // points, upright for the reader
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -20,7 +20,7 @@ namespace torka::platform {
 
 namespace {
 
-constexpr std::size_t mostServices = 2000; // per search
+constexpr std::size_t maximumServices = 2000; // per search
 // After an answer without an IPv4 address, a resolution waits this long for one.
 constexpr EventTimerInterval addressGrace{1.0};
 
@@ -218,7 +218,7 @@ private:
         const auto place = times.find(name);
         if (place != times.end()) {
             ++place->second;
-        } else if (times.size() < mostServices) {
+        } else if (times.size() < maximumServices) {
             times.emplace(name, 1);
             delegate.didFindService({name, type, domain});
         }

@@ -20,7 +20,7 @@ namespace {
 
 constexpr char16_t replacement = u'\xFFFD';
 // ICU counts in 32 bits, and a byte may become several units. Longer text is refused.
-constexpr std::size_t mostBytes = std::numeric_limits<std::int32_t>::max() / 8;
+constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max() / 8;
 
 struct NamedEncoding {
     CFStringEncoding number;
@@ -228,7 +228,7 @@ std::string narrowed(std::u16string_view text) {
 }
 
 std::optional<std::u16string> decode(std::string_view bytes, CFStringEncoding encoding, OnFault onFault) {
-    if (!isKnownEncoding(encoding) || bytes.size() > mostBytes) {
+    if (!isKnownEncoding(encoding) || bytes.size() > maximumBytes) {
         return std::nullopt;
     }
     if (isPlain(bytes, encoding)) {
@@ -297,7 +297,7 @@ std::optional<std::u16string> decodeTextLossy(std::string_view bytes, CFStringEn
 }
 
 std::optional<std::string> encodeText(std::u16string_view text, CFStringEncoding encoding) {
-    if (!isKnownEncoding(encoding) || text.size() > mostBytes) {
+    if (!isKnownEncoding(encoding) || text.size() > maximumBytes) {
         return std::nullopt;
     }
     if (encoding == kCFStringEncodingNonLossyASCII) {
@@ -322,7 +322,7 @@ std::string utf8FromUtf16(std::u16string_view units) {
     if (isAscii(units)) {
         return narrowed(units);
     }
-    return encodeUtf8(units.substr(0, mostBytes), OnFault::replace).value_or(std::string());
+    return encodeUtf8(units.substr(0, maximumBytes), OnFault::replace).value_or(std::string());
 }
 
 char32_t nextCodePoint(std::u16string_view units, std::size_t& position) {

@@ -83,7 +83,7 @@ public:
                 }
             },
             end);
-        net.mostRunning = std::max(net.mostRunning, ++net.running);
+        net.maximumRunning = std::max(net.maximumRunning, ++net.running);
     }
     ~Resolution() override { --net.running; }
 

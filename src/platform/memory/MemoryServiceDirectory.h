@@ -33,7 +33,7 @@ public:
     std::chrono::milliseconds answerTime{0}; // duration of a resolution
     std::vector<Request> resolved;           // every resolution begun
     std::size_t running = 0;                 // number of resolutions under way
-    std::size_t mostRunning = 0;             // maximum of `running`
+    std::size_t maximumRunning = 0;          // maximum of `running`
     std::size_t searches = 0;                // number of searches begun
 
 private:

@@ -212,14 +212,14 @@ bool Reader::ReadValue(const Tag& tag, int depth) {
     if (tag.closing) {
         return Fail("</" + std::string(tag.name) + "> is out of place");
     }
-    if (++values > mostPropertyListValues) {
-        return Fail("more than " + std::to_string(mostPropertyListValues) + " values");
+    if (++values > maximumPropertyListValues) {
+        return Fail("more than " + std::to_string(maximumPropertyListValues) + " values");
     }
     return tag.name == "dict" || tag.name == "array" ? ReadContainer(tag, depth) : ReadLeaf(tag);
 }
 
 bool Reader::ReadContainer(const Tag& tag, int depth) {
-    if (depth > mostPropertyListDepth) {
+    if (depth > maximumPropertyListDepth) {
         return Fail("values are nested too deep");
     }
     plain.append("<").append(tag.name).append(">");
@@ -430,8 +430,8 @@ bool Reader::WriteData(std::string_view content) {
 
 bool makePlainForm(std::string_view xml, std::string& plain, std::string& error) {
     plain.clear();
-    if (xml.size() > mostPropertyListBytes) {
-        error = "the property list is larger than " + std::to_string(mostPropertyListBytes) + " bytes";
+    if (xml.size() > maximumPropertyListBytes) {
+        error = "the property list is larger than " + std::to_string(maximumPropertyListBytes) + " bytes";
         return false;
     }
     const auto units = decodeText(xml, kCFStringEncodingUTF8);

@@ -11,9 +11,9 @@
 
 namespace torka::platform {
 
-inline constexpr std::size_t mostPropertyListBytes = 64 * 1024 * 1024;
-inline constexpr std::size_t mostPropertyListValues = 100'000;
-inline constexpr int mostPropertyListDepth = 64;
+inline constexpr std::size_t maximumPropertyListBytes = 64 * 1024 * 1024;
+inline constexpr std::size_t maximumPropertyListValues = 100'000;
+inline constexpr int maximumPropertyListDepth = 64;
 
 // Checks a whole XML property list, and writes it without prolog, comments, entities and blanks between
 // elements. False, with the fault and its line in `error`, when the system does not read such a list.

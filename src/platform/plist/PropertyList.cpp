@@ -75,7 +75,7 @@ private:
 };
 
 Node NodeMaker::Make(const CFTypeRef& value, int depth) {
-    if (!value || ++values > mostPropertyListValues) {
+    if (!value || ++values > maximumPropertyListValues) {
         return nullptr;
     }
     // Casts plain pointers: casting the handle would change its reference count for every value of a ticket.
@@ -99,10 +99,10 @@ Node NodeMaker::Make(const CFTypeRef& value, int depth) {
         return Node(plist_new_data(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
     }
     case CFTypeID::array:
-        return depth > mostPropertyListDepth ? nullptr
-                                             : MakeArray(*static_cast<const CFArray*>(object), depth);
+        return depth > maximumPropertyListDepth ? nullptr
+                                                : MakeArray(*static_cast<const CFArray*>(object), depth);
     case CFTypeID::dictionary:
-        return depth > mostPropertyListDepth
+        return depth > maximumPropertyListDepth
                    ? nullptr
                    : MakeDictionary(*static_cast<const CFDictionary*>(object), depth);
     case CFTypeID::url:

@@ -60,7 +60,7 @@ public:
     }
 
 private:
-    static constexpr int mostLinks = 40;
+    static constexpr int maximumLinks = 40;
 
     void AddParts(std::string_view path) {
         std::deque<std::string> added;
@@ -144,7 +144,7 @@ private:
         if (!CheckOwner(facts, "link", what, failure, refusal)) {
             return;
         }
-        if (length <= 0 || static_cast<std::size_t>(length) == target.size() || ++links > mostLinks) {
+        if (length <= 0 || static_cast<std::size_t>(length) == target.size() || ++links > maximumLinks) {
             failure =
                 length < 0 ? lastError() : std::make_error_code(std::errc::too_many_symbolic_link_levels);
             return;

@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t mostListBytes = std::size_t{4} * 1024 * 1024;
+constexpr std::size_t maximumListBytes = std::size_t{4} * 1024 * 1024;
 
 // Whether the name is one component of a path that stays in its folder. Refuses hidden files.
 bool isPlainFileName(std::string_view name) {
@@ -36,7 +36,7 @@ std::string report(std::string problem) {
 // Reads a property-list file that holds a dictionary; null with a reason.
 CFDictionaryRef readDictionary(const fs::path& path, std::string& reason) {
     std::string content;
-    if (const std::error_code failure = system().ReadFile(path, mostListBytes, content)) {
+    if (const std::error_code failure = system().ReadFile(path, maximumListBytes, content)) {
         reason = failure.message();
         return nullptr;
     }

@@ -30,12 +30,12 @@ public:
 
     bool IsTrue() const { return value != 0; }
     void SetValue(bool state);
-    bool DefaultState() const { return defaultValue != 0; }
     // Return null when the description has no such text.
     const char* TrueDisplayText() const;
     const char* FalseDisplayText() const;
 
     // Given interface; no caller here
+    bool DefaultState() const { return defaultValue != 0; }
     PPDXBooleanControl(Settings& settings, int index, const CString* prefix);
     void SetDefaultValue(bool state) { defaultValue = state ? 1 : 0; }
 

@@ -53,7 +53,6 @@ public:
     std::uint32_t NoteFlags() const { return noteFlags; }
     bool IsAlpha() const { return Has(jobNoteAlpha); }
     bool IsNumeric() const { return Has(jobNoteNumeric); }
-    bool IsRequired() const { return Has(jobNoteRequired); }
     bool Remember() const { return Has(jobNoteRemembered); }
     bool IsPassword() const { return Has(jobNotePassword); }
     bool IsOnOffSwitch() const { return Has(jobNoteOnOffSwitch); }
@@ -70,6 +69,7 @@ public:
     std::vector<BrokenNoteRule> BrokenRules(const CFStringRef& text) const;
 
     // Given interface; no caller here
+    bool IsRequired() const { return Has(jobNoteRequired); }
     // Makes a visible note without control flags. Copies `defaultNotes`, which may be null.
     PPDXJobNote(const char* keyword, CFStringRef translation, UIConstraints* constraints,
                 const unsigned char* psData, long psLength, const CString* defaultNotes,

@@ -50,11 +50,11 @@ public:
     bool CanSelectMultipleItems() const { return multiSelect != 0; }
     // Returns whether an item has the keyword.
     bool SetKeywordSelect(const char* keyword, bool select);
+    // Writes the feature block of the first item with that keyword; 0 bytes when there is none.
+    long GetKeywordPSData(const char* keyword, unsigned char* out) const;
 
     // Given interface; no caller here
     PPDXPopupControl(Settings& settings, int index, const CString* prefix);
-    // Writes the feature block of the first item with that keyword; 0 bytes when there is none.
-    long GetKeywordPSData(const char* keyword, unsigned char* out) const;
     void SetDefaultValue(int index) { defaultIndexOverride = index; }
     // Return null when no item has the keyword or the index.
     const char* GetKeywordLocalName(const char* keyword) const;

@@ -10,13 +10,14 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t mostLetters = 64; // longer words have no suggestion
+constexpr std::size_t maximumLetters = 64; // longer words have no suggestion
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// The number of letters in which two words differ (optimal string alignment). REQUIRES: at most mostLetters.
+// The number of letters in which two words differ (optimal string alignment). REQUIRES: at most
+// maximumLetters.
 std::size_t letterDistance(std::string_view left, std::string_view right) {
-    std::array<std::array<std::size_t, mostLetters + 1>, 3> rows{};
+    std::array<std::array<std::size_t, maximumLetters + 1>, 3> rows{};
     for (std::size_t j = 0; j <= right.size(); ++j) {
         rows[0][j] = j;
     }
@@ -150,7 +151,7 @@ std::string_view closestWord(std::string_view word, std::span<const std::string_
     for (const std::string_view candidate : candidates) {
         const std::size_t longer = std::max(word.size(), candidate.size());
         const std::size_t shorter = std::min(word.size(), candidate.size());
-        if (longer - shorter < nearest && longer <= mostLetters && candidate != word) {
+        if (longer - shorter < nearest && longer <= maximumLetters && candidate != word) {
             const std::size_t distance = letterDistance(word, candidate);
             if (distance < nearest && distance < shorter) {
                 nearest = distance;

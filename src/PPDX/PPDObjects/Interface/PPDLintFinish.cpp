@@ -18,9 +18,9 @@ namespace torka {
 namespace {
 
 constexpr std::string_view endOfDescription = "*% End of PPD file";
-constexpr std::size_t mostBlockBytes = 1023;       // of a setting in the job
-constexpr std::size_t mostPairsCompared = 5000000; // for reverse lines; further ones are taken as present
-constexpr std::size_t mostWordsCompared = 200000;  // for suggestions
+constexpr std::size_t maximumBlockBytes = 1023;       // of a setting in the job
+constexpr std::size_t maximumPairsCompared = 5000000; // for reverse lines; further ones are taken as present
+constexpr std::size_t maximumWordsCompared = 200000;  // for suggestions
 
 std::string_view mainKeyword(std::string_view line) {
     return line.substr(0, line.find_first_of(std::string_view(" \t:\0\xFF", 5)));
@@ -129,7 +129,7 @@ bool PPDLint::IsReversed(const ZANPPD& description, const Constraint& line,
     const auto first = meantOptions(store, line.key1, line.option1);
     const auto second = meantOptions(store, line.key2, line.option2);
     pairsCompared += first.size() * second.size();
-    if (pairsCompared > mostPairsCompared) {
+    if (pairsCompared > maximumPairsCompared) {
         return true;
     }
     const auto isWild = [](std::string_view option) { return option != "None" && option != "False"; };
@@ -175,7 +175,7 @@ bool PPDLint::CheckConstraintSide(ZANPPD& description, const Words& keywords, lo
 
 std::string_view PPDLint::Suggestion(std::string_view word, const Words& candidates) {
     wordsCompared += candidates.size();
-    return wordsCompared <= mostWordsCompared ? closestWord(word, candidates) : std::string_view();
+    return wordsCompared <= maximumWordsCompared ? closestWord(word, candidates) : std::string_view();
 }
 
 void PPDLint::CheckGroups(const ZANPPD& description) {
@@ -241,7 +241,7 @@ void PPDLint::CheckOptions(const ZANPPD& description) {
 }
 
 void PPDLint::CheckBlockSize(long line, std::string_view keyword, std::string_view option, long size) {
-    if (size > static_cast<long>(mostBlockBytes)) {
+    if (size > static_cast<long>(maximumBlockBytes)) {
         const std::string whose =
             option.empty() ? "the block has " : "the block of " + std::string(option) + " has ";
         Note(PPDLintKind::longBlock, line, keyword, whose + std::to_string(size) + " bytes");

@@ -15,7 +15,7 @@ constexpr std::size_t lineLimit = kLineCapacity - 1;
 constexpr std::string_view endMark = "*% End of PPD file";
 constexpr char endByte = '\xFF';
 // Keeps a binary file from flooding the log with one line for each byte 0xFF.
-constexpr std::uint32_t mostLoggedBytes = 64;
+constexpr std::uint32_t maximumLoggedBytes = 64;
 
 // Returns the first such byte, or the end.
 const char* findByte(const char* from, const char* to, char byte) {
@@ -91,7 +91,7 @@ bool PPDStream::ReadLineInto(char* line, std::size_t used) {
     const char terminator = *cursor++;
     status = kStreamGood;
     if (terminator == endByte) {
-        if (loggedBytes++ < mostLoggedBytes) {
+        if (loggedBytes++ < maximumLoggedBytes) {
             myNSLogC("PPDStream::GetLine theChar == EOF, i %d \n", static_cast<int>(lineLength));
         }
         afterReturn = false;

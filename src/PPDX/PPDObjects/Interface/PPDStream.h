@@ -61,14 +61,16 @@ public:
     // Returns the number, from 1, of the physical line on which the last line read began; CR LF ends one
     // line.
     std::uint32_t LineNumber() const { return lineNumber; }
-    // Tells whether the last line was cut at 255 characters and continues in the next one.
-    bool LineWasCut() const { return lineWasCut; }
 
     // Given interface; no caller here
     PPDStream(const char* bytes, long length) { Setup(bytes, length); }
     // Returns false at the end, with the character -1 and status 2.
     bool GetChar(char& character);
     PPDStreamStatus Status() const { return status; }
+
+    // For the tests; no caller here
+    // Tells whether the last line was cut at 255 characters and continues in the next one.
+    bool LineWasCut() const { return lineWasCut; }
 
 protected:
     // Reads a line into line[used...]. The limit and the end mark apply to all of `line`.

@@ -13,7 +13,7 @@
 namespace torka {
 
 namespace {
-constexpr std::size_t mostUnclosedValues = 10000;
+constexpr std::size_t maximumUnclosedValues = 10000;
 
 // These lines end a PostScript value although they begin with "*%": the closing quote is missing, and the
 // element must not become part of the value.
@@ -145,7 +145,7 @@ PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPo
     }
     const std::uint32_t opened = LineNumber();
     const auto unclosed = [&](ValueEnd ending) {
-        if (unclosedValues.size() < mostUnclosedValues) {
+        if (unclosedValues.size() < maximumUnclosedValues) {
             unclosedValues.push_back(opened);
         }
         return ending;
@@ -198,8 +198,6 @@ void PPDX::PushBackLine(const char* line) {
 }
 
 std::uint32_t PPDX::LineNumber() const { return fileStream ? fileStream->LineNumber() : 0; }
-
-bool PPDX::LineWasCut() const { return fileStream && fileStream->LineWasCut(); }
 
 bool PPDX::StartReading(std::unique_ptr<PPDFileStream> stream) {
     gEndOfPPD = false;

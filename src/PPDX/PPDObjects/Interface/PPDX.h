@@ -79,7 +79,6 @@ public:
     void PushBackLine(const char* line);
     // Returns the number of the last line read, from 1; 0 before the first.
     std::uint32_t LineNumber() const;
-    bool LineWasCut() const;
     // Returns the lines, ascending, on which quoted values without a closing quote began; the first 10,000 of
     // them.
     const std::vector<std::uint32_t>& UnclosedValues() const { return unclosedValues; }

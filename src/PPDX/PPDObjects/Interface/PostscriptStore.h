@@ -20,8 +20,6 @@ public:
 
     // Returns null for no bytes.
     const unsigned char* Keep(std::string_view bytes);
-    // Returns the total size of all blocks, in bytes.
-    std::size_t Capacity() const { return capacity; }
 
 private:
     unsigned char* NewBlock(std::size_t size);
