@@ -3,6 +3,7 @@
 #include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/ModelJson.h"
+#include "pane/data/ControlTables.h"
 
 #include <memory>
 
@@ -33,6 +34,18 @@ KVCache changeSet(const ZANPPD& description, const std::vector<Setting>& setting
         }
     }
     return changes;
+}
+
+// Every choice of the options that say what hardware the printer has: a solution installs none.
+KVCache installableOptions(const ZANPPD& description) {
+    const CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
+    KVCache options;
+    description.GetControls()->ForEach([&](const PPDXControl* control) {
+        if (takesPartInConstraints(*control) && isInstallableOption(*control)) {
+            options.Insert(strings.Find(control->Keyword()), -1);
+        }
+    });
+    return options;
 }
 
 Json pairsJson(const ZANPPD& description, const KVCache& pairs) {
@@ -94,7 +107,10 @@ ExitStatus check(const CheckOptions& options) {
     if (!settings) {
         return unusable(settings.Why());
     }
-    ConstraintsEngine& engine = *description->GetUIConstraints()->GetEngine();
+    const UIConstraints& constraints = *description->GetUIConstraints();
+    const KVCache locked = installableOptions(*description);
+    ConstraintsEngine engine(constraints.GetCurrentSelections(), constraints.GetConstraintForest(),
+                             constraints.GetKeyForest(), &locked);
     const KVCache changes = changeSet(*description, *settings);
     const ConstraintsEngine::Answer answer = engine.Test(changes);
     Json json;
@@ -127,7 +143,8 @@ void addCheckCommand(CLI::App& app, ExitStatus& status) {
     command->add_option("FILE", options->path, "Extended PPD file")->required();
     command->add_option("SETTING", options->settings, "KEY=VALUE, the key with or without its asterisk");
     command->add_flag("--solve", options->solve,
-                      "Look for changes that remove the conflicts, keeping the settings");
+                      "Look for changes that remove the conflicts, keeping the settings and the "
+                      "installed hardware");
     command->add_flag("--json", options->json, "As JSON");
     command->callback([options, &status] { status = check(*options); });
 }

@@ -124,7 +124,7 @@ ExitStatus emit(const EmitOptions& options) {
         return unusable(made.Why());
     }
     const std::unique_ptr<JobEmission>& job = *made;
-    if (!job->CheckNotes()) {
+    if (!job->Check()) {
         return ExitStatus::findings;
     }
     if (const Result<void> emitted = job->Emit(EmissionPurpose::keepSettings); !emitted) {

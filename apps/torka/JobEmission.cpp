@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/JobEmission.h"
 
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConflictPairs.h"
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "PPDX/Utilities/NarrowText.h"
@@ -73,7 +75,8 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
                     "1 portrait, 2 landscape, 3 and 4 the same upside down")
         ->check(CLI::Range(1, 4));
     command.add_flag("--strict", options.isStrict,
-                     "Status 1, and nothing is written or sent, when a note breaks a rule of its own");
+                     "Status 1, and nothing is written or sent, when settings are in conflict or a note "
+                     "breaks a rule of its own");
 }
 
 Result<void> useFieldKeys(const std::string& path) {
@@ -189,19 +192,39 @@ void JobEmission::TellLeftOut() const {
     }
 }
 
-bool JobEmission::CheckNotes() const {
-    bool areGood = true;
+bool JobEmission::Check() const {
+    const bool hasConflicts = ReportConflicts();
+    const bool hasBrokenNotes = ReportBrokenNotes();
+    return !options.isStrict || !(hasConflicts || hasBrokenNotes);
+}
+
+bool JobEmission::ReportConflicts() const {
+    const UIConstraints& constraints = *description->GetUIConstraints();
+    const CStringSoup& strings = *constraints.GetConstraintStrings();
+    const auto named = [&](const KeyOption& setting) {
+        return printable(jsonText(strings.Find(setting.key))) + "=" +
+               printable(jsonText(strings.Find(setting.option)));
+    };
+    const auto pairs = conflictPairs(constraints, *constraints.GetCurrentSelections());
+    for (const auto& [one, other] : pairs) {
+        warn(named(one) + " does not go together with " + named(other));
+    }
+    return !pairs.empty();
+}
+
+bool JobEmission::ReportBrokenNotes() const {
+    bool hasBrokenNotes = false;
     description->GetControls()->ForEach([&](PPDXControl* control) {
         const auto* note = dynamic_cast<const PPDXJobNote*>(control);
         if (note == nullptr || note->Keyword() == nullptr) {
             return;
         }
         for (const BrokenNoteRule& rule : note->BrokenRules()) {
-            areGood = false;
+            hasBrokenNotes = true;
             warn(printable(jsonText(note->Keyword())) + " " + rule.Words());
         }
     });
-    return areGood || !options.isStrict;
+    return hasBrokenNotes;
 }
 
 Result<void> JobEmission::Emit(EmissionPurpose purpose) {

@@ -29,7 +29,7 @@ struct EmissionOptions {
     std::string printSettings;     // path of the property list to restore from, "" for none
     std::string savePrintSettings; // path for the print settings that a pane would store, "" for none
     TwoWay twoWay = TwoWay::asKept;
-    bool isStrict = false; // a note that breaks a rule stops the job
+    bool isStrict = false; // settings in conflict and a note that breaks a rule stop the job
 };
 
 // Adds SETTING, --watermark, --keys, --orientation, --settings, --save-settings, --two-way and --strict. Each
@@ -59,9 +59,10 @@ public:
     // Reports on standard error what the job lacks as far as it is known.
     void TellLeftOut() const;
 
-    // Reports every rule that a note's text breaks, one line each on standard error. False when a rule is
-    // broken and the options are strict: the caller must not emit the job.
-    bool CheckNotes() const;
+    // Reports each pair of settings that the description forbids together, and every rule that a note's text
+    // breaks, one line each on standard error. False when there is one and the options are strict: the caller
+    // must not emit the job.
+    bool Check() const;
 
     ZANPPD& Description() { return *description; }
     ZANJobTicket& Ticket() { return ticket; }
@@ -82,6 +83,8 @@ private:
     Result<void> RestorePrintSettings();
     void CheckText(const CFStringRef& key, const CFStringRef& text);
     void ApplyOptions();
+    bool ReportConflicts() const;
+    bool ReportBrokenNotes() const;
     Result<void> WritePrintSettings() const;
 
     EmissionOptions options;

@@ -201,6 +201,16 @@ TEST(CheckCommand, TellsConflictsAlternativesAndWhatIsForbidden) {
               Json::parse(R"([{"key":"*Stock","option":"Card"},{"key":"*Tray","option":"Side"}])"));
 }
 
+TEST(CheckCommand, ASolutionInstallsNoHardware) {
+    const std::string ppd = samplePath("torka-production.ppd");
+    // Without the trimmer the fore-edge cannot be trimmed, whatever else is chosen.
+    const Json trim = runToolForJson({"check", ppd, "QVTrimSides=Face", "--solve"}, 1);
+    EXPECT_EQ(trim["conflicts"], Json::parse(R"([{"key":"*QVTrimmerUnit","option":"False"}])"));
+    EXPECT_FALSE(trim["solved"].get<bool>());
+    EXPECT_TRUE(runToolForJson({"check", ppd, "QVTrimSides=Face", "QVTrimmerUnit=True", "--solve"})["solved"]
+                    .get<bool>());
+}
+
 TEST(CheckCommand, AColourTextThatIsNotListedForbidsNothing) {
     const TemporaryFolder folder;
     const std::string ppd = folder.Write("colour.ppd", R"(*PPD-Adobe: "4.3"

@@ -174,6 +174,22 @@ print([d.decode('shift_jis') for d in flat[1::2] if d.startswith(b'%%ZANCustom2'
               "True\n");
 }
 
+TEST(EmitCommand, SettingsInConflictAreNamedAndStrictRefusesThem) {
+    for (const bool isStrict : {false, true}) {
+        std::vector<std::string> command = {"emit", samplePath("torka-production.ppd"), "PageSize=A5",
+                                            "QVFoldStyle=Half"};
+        if (isStrict) {
+            command.emplace_back("--strict");
+        }
+        const CommandResult result = runTool(command);
+        EXPECT_NE(result.errors.find("*PageSize=A5 does not go together with *QVFoldStyle=Half\n"),
+                  std::string::npos)
+            << result.errors;
+        EXPECT_EQ(result.status, isStrict ? 1 : 0);
+        EXPECT_EQ(result.output.empty(), isStrict);
+    }
+}
+
 TEST(EmitCommand, CustomSizesAreRoundedOnlyWhenTheDescriptionAsks) {
     const Json rounded =
         runToolForJson({"emit", samplePath("torka-production.ppd"), "QVPrintSize=CustomPrintSize",

@@ -1,164 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/JobProgress.h"
-#include "apps/print-dialog/PrintRun.h"
-#include "platform/cups/CupsSpooler.h"
-#include "platform/posix/PosixBundle.h"
-#include "platform/posix/PosixSystem.h"
-#include "tests/apps/Tool.h"
-#include "tests/e2e/Sandbox.h"
+#include "tests/dialog/DialogFixture.h"
 
 #include <QCheckBox>
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QProgressBar>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QTest>
-#include <QTimer>
 #include <QToolButton>
 #include <algorithm>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <sstream>
 
 // Uses the pane in Qt's own print dialog, with a private print server, as a person does.
 
 namespace torka::tests {
 
 namespace {
-
-using dialog::PrintDialog;
-
-const std::string& productionQueue() {
-    static const std::string name = "Production";
-    return name;
-}
-
-class DialogTest : public SandboxTest {
-protected:
-    void SetUp() override {
-        SandboxTest::SetUp();
-        if (IsSkipped() || HasFatalFailure()) {
-            return;
-        }
-        setenv("XDG_CONFIG_HOME", (*sandbox / "config").c_str(), 1);
-        PosixSystemOptions options;
-        options.rootFromEnvironment = true;
-        setSystem(std::make_unique<PosixSystem>(options));
-        setSpooler(std::make_unique<CupsSpooler>());
-        std::string problem;
-        bundle = openBundle(TORKA_BUNDLE, problem);
-        ASSERT_TRUE(bundle) << problem;
-        plugIn = bundle->InstantiatePrincipalClass(problem);
-        ASSERT_TRUE(plugIn && plugIn->initWithBundle(bundle)) << problem;
-        AddQueue(productionQueue(), samplePath("torka-production.ppd"));
-    }
-
-    static void AddQueue(const std::string& name, const std::string& description) {
-        const CommandResult result = runTool({"queue", "add", name, "torkasink:/", description});
-        ASSERT_EQ(result.status, 0) << result.errors;
-    }
-
-    // A visible dialog with the pane in front.
-    struct Shown {
-        QPrinter printer;
-        std::unique_ptr<PrintDialog> dialog;
-        PrintDialog* operator->() const { return dialog.get(); }
-    };
-    std::unique_ptr<Shown> Open(const std::string& queue = productionQueue()) {
-        auto shown = std::make_unique<Shown>();
-        shown->dialog = std::make_unique<PrintDialog>(shown->printer, *plugIn, "brochure.ps");
-        EXPECT_TRUE((*shown)->chooseQueue(queue));
-        (*shown)->show();
-        (*shown)->showPane();
-        QTest::qWait(100); // for the work deferred until after the first painting
-        return shown;
-    }
-
-    // The visible field of a setting.
-    template <class Widget>
-    static Widget* Field(PrintDialog& dialog, const char* keyword) {
-        const QList<Widget*> fields = dialog.tab().findChildren<Widget*>(QLatin1String(keyword));
-        for (Widget* field : fields) {
-            if (field->isVisible()) {
-                return field;
-            }
-        }
-        return nullptr;
-    }
-
-    static void ShowPage(PrintDialog& dialog, const char* title) {
-        auto* pages = dialog.tab().findChild<QListWidget*>();
-        ASSERT_NE(pages, nullptr);
-        const QList<QListWidgetItem*> found = pages->findItems(QLatin1String(title), Qt::MatchExactly);
-        ASSERT_EQ(found.size(), 1) << title;
-        pages->setCurrentItem(found.front());
-        QTest::qWait(20);
-    }
-
-    // The visible button of the pane with this text.
-    static QPushButton* Button(PrintDialog& dialog, const char* text) {
-        QTest::qWait(20);
-        const QList<QPushButton*> buttons = dialog.tab().findChildren<QPushButton*>();
-        for (QPushButton* button : buttons) {
-            if (button->isVisible() && button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
-                return button;
-            }
-        }
-        return nullptr;
-    }
-
-    // Selects a choice by typing its first letters.
-    static void Choose(PrintDialog& dialog, const char* keyword, const char* choice) {
-        auto* box = Field<QComboBox>(dialog, keyword);
-        ASSERT_NE(box, nullptr) << keyword;
-        box->setFocus();
-        QTest::keyClicks(box, QLatin1String(choice));
-        const int row = box->findText(QLatin1String(choice));
-        ASSERT_EQ(box->currentText().toStdString(), choice)
-            << box->itemData(row, Qt::ToolTipRole).toString().toStdString();
-        QTest::qWait(10);
-    }
-
-    static void PressPrint(PrintDialog& dialog) {
-        auto* buttons = dialog.findChild<QDialogButtonBox*>();
-        QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
-    }
-
-    // Calls `person` with the dialog for the job's notes, if it appears.
-    static void AnswerPopupNotes(const std::function<void(QDialog&)>& person) {
-        QTimer::singleShot(0, qApp, [person] {
-            auto* popup = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (popup != nullptr && popup->objectName() == QLatin1String("popupJobNotes")) {
-                person(*popup);
-            }
-        });
-    }
-
-    // Presses the print button and follows the job to its end. Returns the job's number.
-    int Print(PrintDialog& dialog) {
-        AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
-        PressPrint(dialog);
-        EXPECT_EQ(dialog.result(), QDialog::Accepted);
-        QString error;
-        dialog::Document document;
-        EXPECT_TRUE(dialog::openDocument(QString::fromStdString(samplePath("brochure.ps")), document, error));
-        const int job = dialog::submitDocument(document, dialog, error);
-        EXPECT_NE(job, 0) << error.toStdString();
-        dialog::JobProgress progress(dialog.queue(), job, document.name);
-        QTimer::singleShot(20000, &progress, &QDialog::reject); // a job that never ends fails the test
-        EXPECT_EQ(progress.exec(), QDialog::Accepted) << progress.status().message;
-        EXPECT_EQ(progress.status().state, jobStateCompleted);
-        return job;
-    }
-
-    BundleRef bundle;
-    std::unique_ptr<PDEPlugIn> plugIn;
-};
 
 TEST_F(DialogTest, WhatIsSetReachesTheDeviceAndComesBackInTheNextDialog) {
     int job = 0;

@@ -59,6 +59,8 @@ struct MemoryWidgets {
     int quickAccessCancels = 0;
     bool popupAnswer = true;
     int popups = 0;
+    bool conflictsAnswer = true;
+    int conflicts = 0;
     bool brokenNotesAnswer = true;
     int brokenNotes = 0;
     MemorySheet* sheet = nullptr;
@@ -91,6 +93,10 @@ public:
     CustomizePaneView& customizePane() override { return *this; }
     CustomizeQuickAccessView& customizeQuickAccess() override { return *this; }
     PopupJobNoteView& popupJobNotes() override { return *this; }
+    bool confirmConflicts() override {
+        ++widgets.conflicts;
+        return widgets.conflictsAnswer;
+    }
     bool confirmBrokenNotes() override {
         ++widgets.brokenNotes;
         return widgets.brokenNotesAnswer;

@@ -2,6 +2,7 @@
 #include "pane/data/ControlTables.h"
 
 #include "PPDX/PPDObjects/Controls/ColourKeywords.h"
+#include "PPDX/PPDObjects/Controls/PPDXControl.h"
 
 #include <algorithm>
 #include <array>
@@ -138,6 +139,11 @@ bool isHiddenFromBasicPanel(const char* keyword) { return holds(hiddenControls, 
 bool isBidiKeyword(const char* keyword) {
     const std::string_view text(keyword == nullptr ? "" : keyword);
     return text.size() > "Bidi"sv.size() && text.ends_with("Bidi"sv);
+}
+
+bool isInstallableOption(const PPDXControl& control) {
+    const PPDXElement* group = control.GetParent();
+    return control.IsInstallableOption() || (group != nullptr && *group == "QVPPInstallableOptions");
 }
 
 } // namespace torka

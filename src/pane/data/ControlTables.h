@@ -3,6 +3,8 @@
 
 namespace torka {
 
+class PPDXControl;
+
 // Tests of keywords against the pane's fixed tables.
 
 // True for one of the 14 expert colour controls, compared whole. False for null.
@@ -14,5 +16,8 @@ bool isSpecialHueKeeperControl(const char* keyword);
 bool isHiddenFromBasicPanel(const char* keyword);
 // True when the keyword ends in "Bidi" and is longer. False for null.
 bool isBidiKeyword(const char* keyword);
+
+// Says what hardware the printer has: in the group of the installable options, or flagged as one of them.
+bool isInstallableOption(const PPDXControl& control);
 
 } // namespace torka

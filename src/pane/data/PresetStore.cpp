@@ -3,6 +3,7 @@
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/ZANJobNote.h"
+#include "pane/data/ControlTables.h"
 #include "pane/data/PDEData.h"
 #include "platform/Log.h"
 #include "platform/PropertyList.h"
@@ -65,10 +66,8 @@ bool isPresetName(const CFStringRef& name) {
 }
 
 bool isKept(const ZANPPD& model, const PPDXControl& control) {
-    const PPDXElement* parent = control.GetParent();
     return control.Keyword() != nullptr && control.Type() != CNTL_TYPE::specialOption &&
-           !control.IsInstallableOption() && !(parent != nullptr && *parent == "QVPPInstallableOptions") &&
-           !(control == "*PageSize") && !isSecretNote(model, &control);
+           !isInstallableOption(control) && !(control == "*PageSize") && !isSecretNote(model, &control);
 }
 
 void forEachKeptControl(const ZANPPD& model, const std::function<void(PPDXControl&)>& visit) {

@@ -157,7 +157,6 @@ private:
     void MakeCatalog();
     bool CanBeResolved(std::string_view keyword) const;
     PaneSetting SettingOf(const KeyOption& pair) const;
-    std::vector<std::pair<KeyOption, KeyOption>> ConflictPairs(const KVCache& selections) const;
     PaneResolution FindResolution() const;
     KVCache LockedPairs(const KVCache& selections) const;
     bool PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked) const;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConflictPairs.h"
 #include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
@@ -8,8 +9,6 @@
 #include "pane/editing/PaneEditor.h"
 
 #include <algorithm>
-#include <array>
-#include <unordered_set>
 
 // Forbidden choices, conflicts and their resolution.
 
@@ -20,24 +19,6 @@ constexpr std::uint64_t maximumWork = std::uint64_t{1} << 22U; // of one search:
 constexpr int maximumRounds = 64;
 
 const char* textOf(const char* text) { return text == nullptr ? "" : text; }
-
-// A pair of settings in conflict, in an order that does not depend on which is named first.
-using ConflictKey = std::array<KeyOption, 2>;
-
-ConflictKey conflictKey(const KeyOption& one, const KeyOption& other) {
-    return KeyOptionGreater(one, other) ? ConflictKey{one, other} : ConflictKey{other, one};
-}
-
-struct ConflictHash {
-    std::size_t operator()(const ConflictKey& conflict) const {
-        std::uint64_t hash = 0;
-        for (const KeyOption& side : conflict) {
-            hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.key);
-            hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.option);
-        }
-        return hash;
-    }
-};
 
 } // namespace
 
@@ -85,31 +66,10 @@ std::vector<PaneSetting> PaneEditor::ForbiddenBy(std::string_view keyword, std::
     return settings;
 }
 
-std::vector<std::pair<KeyOption, KeyOption>> PaneEditor::ConflictPairs(const KVCache& selections) const {
-    std::vector<std::pair<KeyOption, KeyOption>> pairs;
-    std::unordered_set<ConflictKey, ConflictHash> known;
-    ConstraintsEngine engine(&selections, constraints.GetConstraintForest(), constraints.GetKeyForest(),
-                             nullptr);
-    for (const KeyOption& selected : selections.Pairs()) {
-        if (!engine.HasConflict(selected)) {
-            continue;
-        }
-        KVCache change;
-        change.add(selected);
-        const ConstraintsEngine::Answer answer = engine.Test(change);
-        for (const KeyOption& other : answer.conflicts.Pairs()) {
-            if (known.insert(conflictKey(selected, other)).second) {
-                pairs.emplace_back(selected, other);
-            }
-        }
-    }
-    return pairs;
-}
-
 const std::vector<PaneConflict>& PaneEditor::Conflicts() const {
     if (!conflicts) {
         conflicts.emplace();
-        for (const auto& [first, second] : ConflictPairs(*constraints.GetCurrentSelections())) {
+        for (const auto& [first, second] : conflictPairs(constraints, *constraints.GetCurrentSelections())) {
             conflicts->push_back({SettingOf(first), SettingOf(second)});
         }
     }
@@ -118,12 +78,8 @@ const std::vector<PaneConflict>& PaneEditor::Conflicts() const {
 
 bool PaneEditor::CanBeResolved(std::string_view keyword) const {
     const PPDXControl* control = FindControl(keyword);
-    if (control == nullptr || LockOf(*control) != PaneLock::none || control->IsInstallableOption() ||
-        control->IsNoTorkaDriverUI() || isBidiKeyword(control->Keyword())) {
-        return false;
-    }
-    const PPDXElement* parent = control->GetParent();
-    return !(parent != nullptr && *parent == "QVPPInstallableOptions") &&
+    return control != nullptr && LockOf(*control) == PaneLock::none && !isInstallableOption(*control) &&
+           !control->IsNoTorkaDriverUI() && !isBidiKeyword(control->Keyword()) &&
            !(paneData != nullptr && paneData->dmtHides(keyword));
 }
 
@@ -168,7 +124,7 @@ void PaneEditor::LeaveOutNeedless(KVCache& changes) const {
         without.Insert(change.key, before);
         KVCache then = now;
         then.merge(without);
-        if (ConflictPairs(then).empty()) {
+        if (conflictPairs(constraints, then).empty()) {
             changes = std::move(without);
         }
     }
@@ -182,7 +138,7 @@ PaneResolution PaneEditor::FindResolution() const {
     engine.LimitWork(maximumWork);
     KVCache changes;
     for (int round = 0; round < maximumRounds; ++round) {
-        const auto pairs = ConflictPairs(trial);
+        const auto pairs = conflictPairs(constraints, trial);
         if (pairs.empty()) {
             LeaveOutNeedless(changes);
             PaneResolution found{true, {}};

@@ -185,6 +185,7 @@ private:
     void StoreTypedAddress();
     void TakeDocumentServer();
     void WriteTicket(EmissionPurpose purpose);
+    bool ConfirmConflicts();
     bool ConfirmBrokenNotes();
     void TellLeftOutNotes();
     void FetchServerData(ServerExchange::Failures failures);

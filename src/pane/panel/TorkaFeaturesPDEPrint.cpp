@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/panel/TorkaFeaturesPDE.h"
 
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConflictPairs.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "bidi/commands/TicketCommands.h"
 #include "connection/BonjourModuleController.h"
@@ -73,6 +75,9 @@ void TorkaFeaturesPDE::TakeDocumentServer() {
 bool TorkaFeaturesPDE::shouldPrint() {
     const auto alive = shared_from_this();
     updatePageSizeAndInputSlot();
+    if (!ConfirmConflicts()) {
+        return false;
+    }
     if (!hasNoPopupJobNotes() && LoadInterface() && !interface->popupJobNotes().handlePopupJobnoteUI()) {
         return false;
     }
@@ -87,6 +92,25 @@ bool TorkaFeaturesPDE::shouldPrint() {
     presets->RememberLastUsed();
     self.isDocumentPrinting = true;
     TellLeftOutNotes();
+    return true;
+}
+
+// The dialog's own tabs choose the page size and the tray without regard to the constraints. Without widgets
+// the log names what is in conflict.
+bool TorkaFeaturesPDE::ConfirmConflicts() {
+    const UIConstraints& constraints = *self.myppd->GetUIConstraints();
+    const auto pairs = conflictPairs(constraints, *constraints.GetCurrentSelections());
+    if (pairs.empty()) {
+        return true;
+    }
+    if (LoadInterface()) {
+        return interface->confirmConflicts();
+    }
+    const CStringSoup& strings = *constraints.GetConstraintStrings();
+    for (const auto& [one, other] : pairs) {
+        myNSLogC("%s %s does not go together with %s %s.", strings.Find(one.key), strings.Find(one.option),
+                 strings.Find(other.key), strings.Find(other.option));
+    }
     return true;
 }
 

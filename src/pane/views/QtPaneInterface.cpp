@@ -5,6 +5,7 @@
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/presentation/NoteRules.h"
 #include "pane/views/BrokenNotesDialog.h"
+#include "pane/views/ConflictDialog.h"
 #include "pane/views/CustomizePaneWidget.h"
 #include "pane/views/PaneRoot.h"
 #include "pane/views/PlainTexts.h"
@@ -242,6 +243,20 @@ void QtPaneInterface::RootGone() {
             dialog->setParent(nullptr);
         }
     }
+}
+
+bool QtPaneInterface::confirmConflicts() {
+    editor.Refresh();
+    if (editor.Conflicts().empty()) {
+        return true;
+    }
+    // Watched: the print dialog may go while the person is asked, and take the window along.
+    const QPointer<ConflictDialog> dialog =
+        new ConflictDialog(context, root != nullptr ? root->window() : nullptr);
+    const bool accepted = dialog->exec() == QDialog::Accepted && dialog != nullptr;
+    const bool resolves = accepted && dialog->IsToResolve();
+    delete dialog.data();
+    return resolves ? editor.Resolve() && editor.Conflicts().empty() : accepted;
 }
 
 bool QtPaneInterface::confirmBrokenNotes() {

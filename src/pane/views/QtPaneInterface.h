@@ -68,6 +68,7 @@ public:
     CustomizePaneView& customizePane() override { return drawer; }
     CustomizeQuickAccessView& customizeQuickAccess() override { return *quickAccessDialog; }
     PopupJobNoteView& popupJobNotes() override { return *popupNotesDialog; }
+    bool confirmConflicts() override;
     bool confirmBrokenNotes() override;
     BonjourModuleView& addressSheet() override { return *addressDialog; }
 
