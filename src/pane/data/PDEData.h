@@ -100,6 +100,8 @@ public:
     std::int32_t SaveNonPSSettings();
     // Returns -1 without print settings, else 0. The first restore also takes over the template's own keys.
     std::int32_t RestoreNonPSSettings();
+    // What the print settings hold belongs to another queue: none of it is restored, now or later.
+    void DropNonPSSettings();
 
     // The quick-access entries of this printer, kept in the address list. False without a printer name.
     bool SetPPDShortcuts(const PPDTree& tree);

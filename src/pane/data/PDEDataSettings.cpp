@@ -82,6 +82,18 @@ std::int32_t PDEData::RestoreNonPSSettings() {
     return 0;
 }
 
+void PDEData::DropNonPSSettings() {
+    mWatermarks.Select(WatermarkList::noSelection);
+    for (SettingList* list : SideLists()) {
+        list->Clear();
+    }
+    for (const WideSetting& pair : mAccountPairs) {
+        WriteSetting((pair.key.starts_with(L'*') ? "" : "*") + utf8FromWide(pair.key), nullptr);
+    }
+    ResetAccountPairs();
+    SaveNonPSSettings();
+}
+
 void PDEData::RestoreWatermarkChoice() {
     std::int32_t index = WatermarkList::noSelection;
     CFNumberGetValue(cfCast<CFNumber>(ReadSetting(".SelectedWatermarkKey")), index);

@@ -125,12 +125,13 @@ std::string popupJobNotePreferences(const ZANPPD& model) {
     return text;
 }
 
-void applyPopupJobNotePreferences(ZANPPD& model) {
+void applyPopupJobNotePreferences(ZANPPD& model, RememberedValues values) {
     const PopupJobNotePreferences& stored = model.PUJNPrefs();
     flagFrom(stored.enable, gPopupJobNotesSavedEnable);
     flagFrom(stored.setting, gPopupJobNotesSavedSetting);
     flagFrom(stored.showLast, gPopupJobNotesSavedShowLast);
-    if (gPopupJobNotesSavedEnable != '1' || gPopupJobNotesSavedShowLast != '1') {
+    if (values == RememberedValues::leave || gPopupJobNotesSavedEnable != '1' ||
+        gPopupJobNotesSavedShowLast != '1') {
         return;
     }
     std::string_view rest = stored.values;

@@ -34,9 +34,10 @@ bool mustAskForPopupJobNotes(const std::vector<PPDXJobNote*>& notes);
 // PanelState.h, then a line "KEYWORD=VALUE" for each popup note that is remembered. Secret notes are left
 // out.
 std::string popupJobNotePreferences(const ZANPPD& model);
+enum class RememberedValues { take, leave };
 // Writes the preferences that the model has read (ReadPUJNPrefs) into the globals. When they are enabled and
-// ask for the last values, it also writes the remembered values into their notes.
-void applyPopupJobNotePreferences(ZANPPD& model);
+// ask for the last values, and these are to be taken, it also writes the remembered values into their notes.
+void applyPopupJobNotePreferences(ZANPPD& model, RememberedValues values = RememberedValues::take);
 // Sets the description from which the stored preferences are read; "" for none.
 void readPopupJobNotePreferencesFrom(std::string_view ppdPath);
 // Sends the preferences to the queue. Sends nothing when the queue has them already.

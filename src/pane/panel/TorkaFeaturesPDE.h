@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -154,6 +155,7 @@ private:
         CFStringRef myBundleVersion;
 
         bool shouldRestore = false; // the print settings hold values for this description
+        bool isOfThisQueue = false; // and for this queue
         bool customPageSize = false;
         bool isBonjourPrinter = false;
         bool isDocumentPrinting = false; // shouldPrint ran
@@ -175,7 +177,10 @@ private:
     void ObservePopupJobNotes();
     bool LoadInterface();
 
-    void TakeRememberedSettings();
+    void TakeSideSettings();
+    void TakePopupPreferences();
+    void NotePopupPreferences();
+    void WritePopupPreferences();
     void TakeSystemPageSize();
     void TakeCustomPageSize();
     bool IsListedPaper(const CFStringRef& name) const;
@@ -200,6 +205,9 @@ private:
     std::shared_ptr<DeferredCommands> deferred;
     EventLoopTimerRef fetchTimer;
     bool isFetching = false;
+    // Of the popup notes, as the queue's record gave them or as they were last written; none before the first
+    // restore.
+    std::optional<std::string> popupPreferences;
 };
 
 } // namespace torka

@@ -86,9 +86,7 @@ bool TorkaFeaturesPDE::shouldPrint() {
     }
     sendDeferredCommands();
     WriteTicket(EmissionPurpose::printJob);
-    if (!hasNoPopupJobNotes()) {
-        QVPDEDataWrite(self.printer, popupJobNotePreferences(*self.myppd));
-    }
+    WritePopupPreferences();
     presets->RememberLastUsed();
     self.isDocumentPrinting = true;
     TellLeftOutNotes();
@@ -153,6 +151,17 @@ void TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
     if (status != noErr) {
         myNSLogC("The job's settings could not be sent to the queue %s (error %d): it prints without them.",
                  utf8Text(PMPrinterGetName(self.printer)).c_str(), static_cast<int>(status));
+    }
+}
+
+// Sends only what the person changed. Otherwise the record of the queue stays as it is.
+void TorkaFeaturesPDE::WritePopupPreferences() {
+    if (hasNoPopupJobNotes()) {
+        return;
+    }
+    const std::string now = popupJobNotePreferences(*self.myppd);
+    if (now != popupPreferences && QVPDEDataWrite(self.printer, now) == noErr) {
+        popupPreferences = now;
     }
 }
 

@@ -47,39 +47,60 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
     }
     if (copied == noErr && self.shouldRestore) {
         self.myppd->SetAllValues(settings);
-        if (!hasNoPopupJobNotes()) {
-            self.myppd->ReadPUJNPrefs();
-        }
     }
     if (self.myPDEData->isBIDIEnabled()) {
         self.myUi_Panel->makeJobNotesForSpecialControls();
     }
     if (!UI_Panel::Tree.quickAccess.empty() || !UI_Panel::Tree.groups.empty()) {
         self.myUi_Panel->DrawUserPane();
-        self.myPDEData->SetPrintSettings(self.printSettings);
-        self.myPDEData->RestoreNonPSSettings();
+        TakeSideSettings();
     } else {
         self.myUi_Panel->ResetControlsToDefault();
     }
     if (!self.shouldRestore) {
-        TakeRememberedSettings();
+        // A new dialog, whose print settings tell nothing of this printer: what the person chose the last
+        // time.
+        presets->ApplyLastUsed();
     }
+    TakePopupPreferences();
+    NotePopupPreferences();
     updateUI();
     willShow();
     return true;
 }
 
-// Takes the settings used last when the print settings of a new dialog have none for this printer.
-void TorkaFeaturesPDE::TakeRememberedSettings() {
-    presets->ApplyLastUsed();
-    if (!hasNoPopupJobNotes()) {
+// Lists, watermark and account keys belong to one queue. Those of another queue are dropped.
+void TorkaFeaturesPDE::TakeSideSettings() {
+    self.myPDEData->SetPrintSettings(self.printSettings);
+    if (self.isOfThisQueue) {
+        self.myPDEData->RestoreNonPSSettings();
+    } else {
+        self.myPDEData->DropNonPSSettings();
+    }
+}
+
+// Runs once a panel. The print settings of this queue are newer than the notes that its description remembers.
+void TorkaFeaturesPDE::TakePopupPreferences() {
+    if (hasNoPopupJobNotes() || popupPreferences) {
+        return;
+    }
+    if (!self.isOfThisQueue) {
         // The popup dialog asks for these notes with each job. Their own preferences decide whether the last
         // values return.
         for (PPDXJobNote* note : popupJobNotes(*self.myppd)) {
             note->ResetToDefaultValue();
         }
-        self.myppd->ReadPUJNPrefs();
-        applyPopupJobNotePreferences(*self.myppd);
+    }
+    self.myppd->ReadPUJNPrefs();
+    applyPopupJobNotePreferences(*self.myppd,
+                                 self.isOfThisQueue ? RememberedValues::leave : RememberedValues::take);
+}
+
+// What the person changes from here on is written. Values that this queue's print settings brought were
+// changed by the person before, so they differ from nothing that is noted here.
+void TorkaFeaturesPDE::NotePopupPreferences() {
+    if (!hasNoPopupJobNotes() && !popupPreferences) {
+        popupPreferences = self.isOfThisQueue ? std::string() : popupJobNotePreferences(*self.myppd);
     }
 }
 

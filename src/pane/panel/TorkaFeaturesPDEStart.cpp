@@ -87,6 +87,7 @@ bool TorkaFeaturesPDE::Start() {
     restoreValuesAndReturnError(nullptr);
     Sync(self.pdePluginCallbackObject);
     self.shouldRestore = true;
+    self.isOfThisQueue = true;
     TakeDocumentServer();
     if (hasNoPopupJobNotes()) {
         return true;
@@ -138,17 +139,24 @@ void TorkaFeaturesPDE::BuildModel(const CFURLRef& descriptionUrl) {
     readPopupJobNotePreferencesFrom({});
     self.myppd = std::make_unique<ZANPPD>(descriptionUrl, kAcceptOrphans | kAcceptHidden, nullptr);
     self.shouldRestore = false;
+    self.isOfThisQueue = false;
     const CString* name = self.myppd->PCFileName();
     if (name == nullptr) {
         return;
     }
-    const CFStringRef key = cfString("PCFILENAME");
-    const CFStringRef own = cfString(name->Buffer());
-    CFTypeRef kept;
-    PMPrintSettingsGetValue(self.printSettings, key, kept);
-    const auto keptName = cfCast<CFString>(kept);
-    self.shouldRestore = keptName && CFStringCompare(keptName, own, kCFCompareCaseInsensitive) == 0;
-    PMPrintSettingsSetValue(self.printSettings, key, own, false);
+    // Reads the text that the print settings hold under the key, and puts the panel's own in its place.
+    const auto exchange = [this](const char* key, const CFStringRef& own) {
+        CFTypeRef kept;
+        PMPrintSettingsGetValue(self.printSettings, cfString(key), kept);
+        PMPrintSettingsSetValue(self.printSettings, cfString(key), own, false);
+        return cfCast<CFString>(kept);
+    };
+    const CFStringRef ownFile = cfString(name->Buffer());
+    const CFStringRef file = exchange("PCFILENAME", ownFile);
+    self.shouldRestore = file && CFStringCompare(file, ownFile, kCFCompareCaseInsensitive) == 0;
+    const CFStringRef ownQueue = PMPrinterGetName(self.printer);
+    const CFStringRef queue = exchange("ZAN.QueueName", ownQueue);
+    self.isOfThisQueue = self.shouldRestore && queue && CFEqual(queue, ownQueue);
 }
 
 void TorkaFeaturesPDE::MakePaneData() {

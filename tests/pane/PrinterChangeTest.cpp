@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/connection/RecordPPD.h"
+#include "tests/pane/PanelFixture.h"
+
+#include <gmock/gmock.h>
+#include <sstream>
+
+// What a change of printer brings along: nothing that means something to one queue only.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+// The lines of a description that hold a record.
+std::string recordLines(const std::string& record, const std::string& text) {
+    const TemporaryFolder folder;
+    std::istringstream file(readFile(writeRecordPPD(folder, record, text, true)));
+    std::string lines;
+    for (std::string line; std::getline(file, line);) {
+        lines += line.starts_with("*" + record) ? line + "\n" : "";
+    }
+    return lines;
+}
+
+// An address list with two watermarks of the queue.
+std::string listWithWatermarks(const std::string& queue) {
+    const ScopedMemorySystem system;
+    Pane pane(paneHeader);
+    pane.data =
+        std::make_unique<PDEData>(pane.model.get(), cfString(queue), QueueAccess{pane.session, {}},
+                                  [kept = pane.addressList] { return std::make_unique<StringStore>(kept); });
+    for (const char* text : {"ONE", "TWO"}) {
+        pane.data->Watermarks().Append(std::make_unique<ZANWatermark>(
+            (std::string("0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,") + text).c_str()));
+    }
+    pane.data->SaveWatermarksToPreferences();
+    return *pane.addressList;
+}
+
+std::string descriptionOf(const std::string& queue, const std::string& pcFileName, const std::string& note) {
+    std::string text = panelDescription(jobNote("QVAccount", "20|Alpha|Remembered|PopupJN") +
+                                        recordLines("QVDriverPreference", listWithWatermarks(queue)) +
+                                        recordLines("QVPopupJnData", "111\n*QVAccount=" + note));
+    text.replace(text.find("SMALL.PPD"), 9, pcFileName);
+    return text;
+}
+
+TEST(PrinterChange, ListsWatermarkAccountsAndPopupNotesBelongToTheirQueue) {
+    struct Case {
+        const char* queue;
+        const char* pcFileName;
+        const char* fold;
+        bool isSame;
+    };
+    for (const Case& next :
+         {Case{"Press", "SMALL.PPD", "Half", true}, Case{"Second", "SMALL.PPD", "Half", false},
+          Case{"Second", "OTHER.PPD", "Flat", false}}) {
+        SCOPED_TRACE(std::string(next.queue) + " " + next.pcFileName);
+        const std::string secondText = descriptionOf(next.queue, next.pcFileName, "second");
+        Bench bench(descriptionOf("Press", "SMALL.PPD", "first"));
+        bench.WriteList("<dict><key>PCFILENAME</key><array><string>SMALL.PPD</string><string>OTHER.PPD</"
+                        "string></array></dict>");
+        auto panel = bench.OpenShown();
+        PDEData& data = *panel->GetPDEDataPtr();
+        EXPECT_EQ(valueOf(*panel, "*QVAccount"), "first");
+        ASSERT_EQ(data.Watermarks().Count(), 2U);
+        data.Watermarks().Select(1);
+        data.MixedMediaList().Append({L"*MM_A1", L"Card"});
+        data.SlipSheetList().Append({L"SlipSheet_Tray", L"Upper"});
+        bench.Store("*QVPCName", cfString("Catalogue"));
+        set(*panel, "*QVFold", "Half");
+        set(*panel, "*QVAccount", "typed");
+        panel->saveValuesAndReturnError(nullptr);
+
+        const std::filesystem::path second = bench.folder.Write("Second.ppd", secondText);
+        const auto printer = std::make_shared<MemoryPrinter>();
+        printer->name = next.queue;
+        printer->ppdPath = second.string();
+        printer->deviceUri = "socket://10.0.0.8";
+        printer->onSend = bench.dialog->printer->onSend;
+        bench.spooler->destinations.push_back({next.queue, destinationStateIdle, true});
+        bench.dialog->printer = printer;
+        bench.dialog->session = std::make_shared<MemorySession>(printer);
+        const auto other = bench.OpenShown(); // while the first exists, as the dialog does
+        panel.reset();
+        for (const bool again : {false, true}) {
+            if (again) {
+                other->restoreValuesAndReturnError(nullptr);
+            }
+            PDEData& there = *other->GetPDEDataPtr();
+            EXPECT_EQ(there.Watermarks().SelectedIndex(), next.isSame ? 1 : -1);
+            EXPECT_EQ(there.MixedMedia().size(), next.isSame ? 1U : 0U);
+            EXPECT_EQ(there.SlipSheets().size(), next.isSame ? 1U : 0U);
+            EXPECT_EQ(there.AccountPairs()[1].value, next.isSame ? L"Catalogue" : L"-1");
+            EXPECT_EQ(valueOf(*other, "*QVFold"), next.fold);
+            EXPECT_EQ(valueOf(*other, "*QVAccount"), next.isSame ? "typed" : "second");
+            EXPECT_EQ(gPopupJobNotesSavedShowLast, '1');
+        }
+        // Its record is written only once the person has changed something of it.
+        printer->sent.clear();
+        if (!next.isSame) {
+            EXPECT_TRUE(other->shouldPrint());
+            EXPECT_THAT(bench.SentTitles(), Not(Contains("command_PopupJnData")));
+        }
+        set(*other, "*QVAccount", "mine");
+        EXPECT_TRUE(other->shouldPrint());
+        ASSERT_THAT(bench.SentTitles(), Contains("command_PopupJnData"));
+        EXPECT_EQ(utf8Text(printer->sent.back().command), "111\n*QVAccount=mine");
+    }
+}
+
+} // namespace
+
+} // namespace torka::tests
