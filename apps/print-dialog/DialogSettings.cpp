@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/DialogSettings.h"
 
+#include "output/PagesPerSheet.h"
+
 #include <QPageRanges>
 #include <QPrintEngine>
 #include <QStringList>
@@ -59,29 +61,6 @@ CFDictionaryRef paperInfo(const QPrinter& printer) {
     return CFDictionaryCreate(pairs);
 }
 
-struct Layout {
-    std::int64_t rows;
-    std::int64_t columns;
-};
-
-// The rows and columns on a portrait sheet.
-Layout layoutOf(int pagesPerSheet) {
-    switch (pagesPerSheet) {
-    case 2:
-        return {2, 1};
-    case 4:
-        return {2, 2};
-    case 6:
-        return {3, 2};
-    case 9:
-        return {3, 3};
-    case 16:
-        return {4, 4};
-    default:
-        return {1, 1};
-    }
-}
-
 std::string sidesOf(QPrinter::DuplexMode mode, bool isLandscape) {
     switch (mode) {
     case QPrinter::DuplexLongSide:
@@ -109,7 +88,7 @@ std::uint16_t QtPageFormat::Orientation() const {
     return printer.pageLayout().orientation() == QPageLayout::Landscape ? kPMLandscape : kPMPortrait;
 }
 
-DialogCallback::DialogCallback(const QPrinter& qtPrinter, std::shared_ptr<MemoryPrintSettings> dialogSettings,
+DialogCallback::DialogCallback(const QPrinter& qtPrinter, std::shared_ptr<DialogPrintSettings> dialogSettings,
                                const std::string& queue)
     : session(std::make_shared<CupsSession>(queue))
     , settings(std::move(dialogSettings))
@@ -121,21 +100,31 @@ std::shared_ptr<Printer> DialogCallback::PMPrinter() const {
     return current;
 }
 
-void takeOverDialogSettings(const QPrinter& printer, const std::string& jobName,
-                            MemoryPrintSettings& settings) {
-    set(settings, "com.apple.print.subTicket.paper_info_ticket", paperInfo(printer));
-    const int pagesPerSheet = serverOption(printer, u"number-up").toInt();
-    const Layout layout = layoutOf(pagesPerSheet);
-    set(settings, "com.apple.print.PrintSettings.PMLayoutNUp", CFBooleanCreate(pagesPerSheet > 1));
-    set(settings, "com.apple.print.PrintSettings.PMLayoutRows", CFNumberCreate(layout.rows));
-    set(settings, "com.apple.print.PrintSettings.PMLayoutColumns", CFNumberCreate(layout.columns));
-    const std::string tray = serverOption(printer, u"InputSlot").toStdString();
-    set(settings, "AP_FIRSTPAGE_InputSlot", tray.empty() ? nullptr : cfString(tray));
-    set(settings, "com.apple.print.JobInfo.PMJobName", cfString(jobName));
-    settings.SetCopies(static_cast<std::uint32_t>(std::max(1, printer.copyCount())));
+OSStatus DialogPrintSettings::SetCopies(std::uint32_t copies) {
+    const OSStatus status = kept.SetCopies(copies);
+    if (status == noErr && whenCopiesChange) {
+        whenCopiesChange(static_cast<int>(copies));
+    }
+    return status;
 }
 
-JobOptions standardJobOptions(const QPrinter& printer) {
+void DialogPrintSettings::TakeCopies(int copies) {
+    kept.SetCopies(static_cast<std::uint32_t>(std::max(1, copies)));
+}
+
+void takeOverDialogSettings(const QPrinter& printer, const DescribedOptions& decidedByPane,
+                            const std::string& jobName, DialogPrintSettings& settings) {
+    set(settings, "com.apple.print.subTicket.paper_info_ticket", paperInfo(printer));
+    set(settings, "com.apple.print.PrintSettings.PMCopyCollate", CFBooleanCreate(printer.collateCopies()));
+    const int pages = decidedByPane.pagesPerSheet ? 1 : serverOption(printer, u"number-up").toInt();
+    if (!setPagesPerSheet(settings, pages)) {
+        setPagesPerSheet(settings, 1);
+    }
+    set(settings, "com.apple.print.JobInfo.PMJobName", cfString(jobName));
+    settings.TakeCopies(printer.copyCount());
+}
+
+JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& decidedByPane) {
     JobOptions options;
     options.emplace_back("copies", std::to_string(std::max(1, printer.copyCount())));
     if (printer.copyCount() > 1) {
@@ -149,7 +138,8 @@ JobOptions standardJobOptions(const QPrinter& printer) {
     if (isLandscape) {
         options.emplace_back("orientation-requested", "4");
     }
-    if (const std::string sides = sidesOf(printer.duplex(), isLandscape); !sides.empty()) {
+    if (const std::string sides = sidesOf(printer.duplex(), isLandscape);
+        !decidedByPane.sides && !sides.empty()) {
         options.emplace_back("sides", sides);
     }
     if (const QPageRanges ranges = printer.pageRanges(); !ranges.isEmpty()) {
@@ -158,7 +148,8 @@ JobOptions standardJobOptions(const QPrinter& printer) {
     const QStringList chosen = serverOptions(printer);
     for (qsizetype at = 0; at + 1 < chosen.size(); at += 2) {
         const std::string name = chosen[at].toStdString();
-        if (std::ranges::find(standardOptions, name) != standardOptions.end()) {
+        if (std::ranges::find(standardOptions, name) != standardOptions.end() &&
+            !(decidedByPane.pagesPerSheet && name.starts_with("number-up"))) {
             options.emplace_back(name, chosen[at + 1].toStdString());
         }
     }

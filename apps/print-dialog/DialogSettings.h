@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "apps/print-dialog/DescribedOptions.h"
 #include "platform/PrintDialogExtension.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/memory/MemoryPrinting.h"
 
 #include <QPrinter>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -28,11 +30,32 @@ private:
     const QPrinter& printer;
 };
 
+// The print settings of the dialog, in memory. They tell when the panel, not the dialog, sets the number of
+// copies.
+class DialogPrintSettings final : public PrintSettings {
+public:
+    CFTypeRef Value(const CFStringRef& key) const override { return kept.Value(key); }
+    OSStatus SetValue(const CFStringRef& key, const CFTypeRef& value, bool locked) override {
+        return kept.SetValue(key, value, locked);
+    }
+    CFDictionaryRef CopyAsDictionary() const override { return kept.CopyAsDictionary(); }
+    std::uint32_t Copies() const override { return kept.Copies(); }
+    OSStatus SetCopies(std::uint32_t copies) override;
+
+    // The number that the dialog's own field shows.
+    void TakeCopies(int copies);
+    // Called with a number that the panel sets.
+    std::function<void(int)> whenCopiesChange;
+
+private:
+    MemoryPrintSettings kept;
+};
+
 // The callback object of one panel. Refers to the QPrinter. Shares the settings, which live as long as the
 // dialog, with the panels before and after it.
 class DialogCallback final : public PDEPlugInCallback {
 public:
-    DialogCallback(const QPrinter& qtPrinter, std::shared_ptr<MemoryPrintSettings> dialogSettings,
+    DialogCallback(const QPrinter& qtPrinter, std::shared_ptr<DialogPrintSettings> dialogSettings,
                    const std::string& queue);
 
     PMPrintSession printSession() const override { return session; }
@@ -42,17 +65,17 @@ public:
 
 private:
     std::shared_ptr<CupsSession> session;
-    std::shared_ptr<MemoryPrintSettings> settings;
+    std::shared_ptr<DialogPrintSettings> settings;
     PMPageFormat format;
 };
 
-// Copies the choices of the dialog's own tabs into the print settings: paper, pages per sheet, tray of the
-// first page, job name and copies.
-void takeOverDialogSettings(const QPrinter& printer, const std::string& jobName,
-                            MemoryPrintSettings& settings);
+// Copies the choices of the dialog's own tabs into the print settings: paper, collation, pages per sheet, job
+// name and copies. What the pane decides counts as not chosen.
+void takeOverDialogSettings(const QPrinter& printer, const DescribedOptions& decidedByPane,
+                            const std::string& jobName, DialogPrintSettings& settings);
 
 // The options that go to the print server with the job: those of the dialog's own tabs that every queue
-// knows. The description's options travel in the ticket instead.
-JobOptions standardJobOptions(const QPrinter& printer);
+// knows and the pane does not decide. The description's options travel in the ticket instead.
+JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& decidedByPane);
 
 } // namespace torka::dialog

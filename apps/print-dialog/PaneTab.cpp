@@ -25,10 +25,14 @@ PaneTab::PaneTab(PDEPlugIn& dialogPlugIn, const QPrinter& qtPrinter, std::string
     explanation->setMargin(24);
     addWidget(explanation);
     setWindowTitle(tr("Printer Features"));
+    printSettings->whenCopiesChange = [this](int copies) { Q_EMIT copiesChosen(copies); };
     Explain(tr("Choose a printer."));
 }
 
-PaneTab::~PaneTab() { DropPanel(); }
+PaneTab::~PaneTab() {
+    DropPanel();
+    printSettings->whenCopiesChange = nullptr;
+}
 
 void PaneTab::setQueue(const std::string& queue) {
     if (panel && queue == queueName) {
@@ -40,19 +44,22 @@ void PaneTab::setQueue(const std::string& queue) {
     queueName = queue;
     if (queue.empty()) {
         DropPanel();
+        decided = {};
         Explain(tr("This destination is no print queue. It has no printer features."));
         return;
     }
-    TakeOver();
     const auto callback = std::make_shared<DialogCallback>(printer, printSettings, queue);
     platform::PMPrinter current = callback->PMPrinter();
     CFURLRef description;
     const bool hasDescription =
         PMPrinterCopyDescriptionURL(current, cfString("PMPPDDescriptionType"), description) == noErr;
+    decided = DescribedOptions::Of(CFURLCopyFileSystemPath(description));
+    TakeOver();
     // Makes the new panel while the old one still exists: the new one can then see that it replaces another.
     auto panels = plugIn.PDEPanelsForType(cfString(printDialogPanelType), callback);
     DropPanel();
     if (!panels || panels->empty()) {
+        decided = {};
         const QString name = QString::fromStdString(queue);
         Explain(hasDescription
                     ? tr("The printer \u201c%1\u201d is not one that these features support.").arg(name)
@@ -66,6 +73,7 @@ void PaneTab::setQueue(const std::string& queue) {
     QWidget* view = widgetOf(panel->panelView());
     if (view == nullptr) {
         DropPanel();
+        decided = {};
         Explain(
             tr("The printer features cannot be shown: the plug-in's interface file is missing or damaged."));
         return;
@@ -96,7 +104,7 @@ void PaneTab::DropPanel() {
     panel.reset();
 }
 
-void PaneTab::TakeOver() { takeOverDialogSettings(printer, jobName, *printSettings); }
+void PaneTab::TakeOver() { takeOverDialogSettings(printer, decided, jobName, *printSettings); }
 
 bool PaneTab::preparePrint() {
     if (!panel) {
@@ -118,18 +126,15 @@ void PaneTab::dialogWillClose() {
     }
 }
 
-void PaneTab::copiesChanged(int copies) {
-    // Qt writes the number of copies to the QPrinter only when the person accepts the dialog.
-    printSettings->SetCopies(static_cast<std::uint32_t>(std::max(1, copies)));
+void PaneTab::copiesChanged() {
+    printSettings->TakeCopies(printer.copyCount());
     if (panel) {
         panel->printInfoDidChange();
     }
 }
 
 void PaneTab::dialogSettingsChanged() {
-    const std::uint32_t copies = printSettings->Copies();
     TakeOver();
-    printSettings->SetCopies(copies);
     if (panel) {
         panel->printInfoDidChange();
         panel->willShow();

@@ -28,6 +28,8 @@ public:
     // Shows the pane of this queue; "" stands for a destination that is no queue. First saves the values of
     // the panel shown so far into the print settings.
     void setQueue(const std::string& queue);
+    // What the pane decides in place of the dialog's own tabs; nothing without a pane.
+    const DescribedOptions& decidedByPane() const { return decided; }
     // True when a pane is shown.
     bool hasPanel() const { return panel != nullptr; }
     // Lets the panel write the job's settings and send its ticket. True without a panel. False when the job
@@ -35,10 +37,14 @@ public:
     bool preparePrint();
     // The dialog has to call this before it closes, with or without a job.
     void dialogWillClose();
-    // Tell the panel about a change in the dialog's own tabs.
-    void copiesChanged(int copies);
+    // Tell the panel about a change in the dialog's own tabs. REQUIRES: the QPrinter holds it already.
+    void copiesChanged();
     void dialogSettingsChanged();
-    const MemoryPrintSettings& settings() const { return *printSettings; }
+    const DialogPrintSettings& settings() const { return *printSettings; }
+
+Q_SIGNALS:
+    // The panel has set another number of copies.
+    void copiesChosen(int copies);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -54,7 +60,8 @@ private:
     const QPrinter& printer;
     std::string jobName;
     std::string queueName;
-    std::shared_ptr<MemoryPrintSettings> printSettings = std::make_shared<MemoryPrintSettings>();
+    DescribedOptions decided;
+    std::shared_ptr<DialogPrintSettings> printSettings = std::make_shared<DialogPrintSettings>();
     PDEPanelRef panel;
     QLabel* explanation;
     QWidget* shown = nullptr; // the panel's root view

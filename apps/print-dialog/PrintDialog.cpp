@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/PrintDialog.h"
 
+#include <QCheckBox>
+#include <QChildEvent>
 #include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QGroupBox>
 #include <QPrinterInfo>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScreen>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -26,6 +31,11 @@ PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::stri
     }
     FollowOwnTabs();
     FollowPrinter();
+    connect(paneTab, &PaneTab::copiesChosen, this, [this](int copies) {
+        if (auto* field = findChild<QSpinBox*>(QStringLiteral("copies"))) {
+            field->setValue(copies);
+        }
+    });
 }
 
 PrintDialog::~PrintDialog() = default;
@@ -48,7 +58,14 @@ bool PrintDialog::chooseQueue(const std::string& name) {
 }
 
 void PrintDialog::FollowPrinter() {
+    // Qt's properties begin with the queue's default page size and write it when the person accepts the
+    // dialog, whatever the QPrinter held before.
+    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(queue()));
+    if (const QPageSize size = info.defaultPageSize(); !info.isNull() && size.isValid()) {
+        printer()->setPageSize(size);
+    }
     paneTab->setQueue(queue());
+    HideWhatThePaneDecides();
     const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
     for (QTabWidget* tabs : tabWidgets) {
         if (const int at = tabs->indexOf(paneTab); at >= 0) {
@@ -59,11 +76,124 @@ void PrintDialog::FollowPrinter() {
 
 void PrintDialog::FollowOwnTabs() {
     if (auto* copies = findChild<QSpinBox*>(QStringLiteral("copies"))) {
-        connect(copies, &QSpinBox::valueChanged, paneTab, &PaneTab::copiesChanged);
+        connect(copies, &QSpinBox::valueChanged, this, [this](int number) {
+            // Qt writes it only when the person accepts the dialog.
+            printer()->setCopyCount(number);
+            paneTab->copiesChanged();
+        });
+    }
+    if (auto* collate = findChild<QCheckBox*>(QStringLiteral("collate"))) {
+        connect(collate, &QCheckBox::toggled, this, [this](bool on) {
+            printer()->setCollateCopies(on);
+            paneTab->dialogSettingsChanged();
+        });
     }
     // Qt connected its own slot first; that slot runs the properties dialog to its end before this one runs.
     if (auto* properties = findChild<QPushButton*>(QStringLiteral("properties"))) {
-        connect(properties, &QPushButton::clicked, paneTab, &PaneTab::dialogSettingsChanged);
+        connect(properties, &QPushButton::clicked, this, &PrintDialog::TakeProperties);
+    }
+    // The properties dialog is made when it is first needed; its parent hears of its first display.
+    if (auto* owner = findChild<QWidget*>(QStringLiteral("QPrintWidget"))) {
+        owner->installEventFilter(this);
+    }
+}
+
+bool PrintDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ChildPolished) {
+        auto* properties = qobject_cast<QDialog*>(static_cast<QChildEvent*>(event)->child());
+        if (properties != nullptr) {
+            HideWhatThePaneDecides(*properties);
+        }
+    }
+    return QPrintDialog::eventFilter(watched, event);
+}
+
+namespace {
+
+QDialog* propertiesOf(const QPrintDialog& dialog) {
+    const QList<QDialog*> dialogs = dialog.findChildren<QDialog*>();
+    for (QDialog* candidate : dialogs) {
+        if (candidate->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr) {
+            return candidate;
+        }
+    }
+    return nullptr;
+}
+
+bool isChosen(const QDialog& properties, const char* name) {
+    const auto* button = properties.findChild<QRadioButton*>(QLatin1String(name));
+    return button != nullptr && button->isChecked();
+}
+
+bool showsLandscape(const QDialog& properties) {
+    return isChosen(properties, "landscape") || isChosen(properties, "reverseLandscape");
+}
+
+// The page size that the properties show. The entry for a size that the person types carries none.
+QPageSize shownPageSize(const QDialog& properties) {
+    const auto* sizes = properties.findChild<QComboBox*>(QStringLiteral("pageSizeCombo"));
+    if (sizes == nullptr || sizes->currentData().value<QPageSize>().isValid()) {
+        return sizes == nullptr ? QPageSize() : sizes->currentData().value<QPageSize>();
+    }
+    const auto* width = properties.findChild<QDoubleSpinBox*>(QStringLiteral("pageWidth"));
+    const auto* height = properties.findChild<QDoubleSpinBox*>(QStringLiteral("pageHeight"));
+    const auto* units = properties.findChild<QComboBox*>(QStringLiteral("unitCombo"));
+    if (width == nullptr || height == nullptr || units == nullptr) {
+        return {};
+    }
+    const QSizeF edges(width->value(), height->value()); // as the sheet lies
+    // The two enumerations of units are the same.
+    const auto unit = static_cast<QPageSize::Unit>(units->currentData().value<QPageLayout::Unit>());
+    return QPageSize(showsLandscape(properties) ? edges.transposed() : edges, unit);
+}
+
+} // namespace
+
+// Accepted properties count at once; Qt writes them to the QPrinter only when the person accepts the dialog.
+void PrintDialog::TakeProperties() {
+    const QDialog* properties = propertiesOf(*this);
+    if (properties == nullptr || properties->result() != Accepted) {
+        return;
+    }
+    if (const QPageSize size = shownPageSize(*properties); size.isValid()) {
+        printer()->setPageSize(size);
+    }
+    printer()->setPageOrientation(showsLandscape(*properties) ? QPageLayout::Landscape
+                                                              : QPageLayout::Portrait);
+    paneTab->dialogSettingsChanged();
+}
+
+// The colour mode of Qt reaches no queue; where there is a pane, the pane decides it.
+void PrintDialog::HideWhatThePaneDecides() {
+    auto* color = findChild<QGroupBox*>(QStringLiteral("colorMode"));
+    auto* sides = findChild<QGroupBox*>(QStringLiteral("duplex"));
+    auto* page = findChild<QWidget*>(QStringLiteral("optionsTab"));
+    if (color == nullptr || sides == nullptr || page == nullptr) {
+        return;
+    }
+    color->setHidden(paneTab->hasPanel());
+    sides->setHidden(paneTab->decidedByPane().sides);
+    const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
+    for (QTabWidget* tabs : tabWidgets) {
+        if (const int at = tabs->indexOf(page); at >= 0) {
+            tabs->setTabVisible(at, !(color->isHidden() && sides->isHidden()));
+        }
+    }
+}
+
+void PrintDialog::HideWhatThePaneDecides(QDialog& properties) const {
+    if (!paneTab->hasPanel()) {
+        return;
+    }
+    // The options of the description once more.
+    auto* tabs = properties.findChild<QTabWidget*>(QStringLiteral("tabs"));
+    auto* options = properties.findChild<QWidget*>(QStringLiteral("cupsPropertiesPage"));
+    if (tabs != nullptr && options != nullptr && tabs->indexOf(options) >= 0) {
+        tabs->setTabVisible(tabs->indexOf(options), false);
+    }
+    auto* layout = properties.findChild<QWidget*>(QStringLiteral("pagesPerSheetButtonGroup"));
+    if (layout != nullptr && paneTab->decidedByPane().pagesPerSheet) {
+        layout->hide();
     }
 }
 

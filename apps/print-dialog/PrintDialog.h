@@ -32,9 +32,15 @@ public:
 
     void done(int result) override;
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void FollowPrinter();
     void FollowOwnTabs();
+    void TakeProperties();
+    void HideWhatThePaneDecides();
+    void HideWhatThePaneDecides(QDialog& properties) const;
     void BringPaneToFront();
     void ShowFieldOfPane();
 

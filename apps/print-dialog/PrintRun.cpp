@@ -17,7 +17,7 @@ int submitDocument(const Document& document, PrintDialog& dialog, QString& error
         error = QObject::tr("The destination is no print queue.");
         return 0;
     }
-    JobOptions options = standardJobOptions(*dialog.printer());
+    JobOptions options = standardJobOptions(*dialog.printer(), dialog.tab().decidedByPane());
     if (dialog.tab().hasPanel()) {
         const CFTypeRef ticket = dialog.tab().settings().Value(cfString(ticketPathSetting));
         if (const auto path = cfCast<CFString>(ticket)) {

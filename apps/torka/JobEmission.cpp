@@ -9,9 +9,13 @@
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
 #include "output/BundleIdentifier.h"
+#include "output/PagesPerSheet.h"
 #include "platform/PropertyList.h"
 #include "platform/System.h"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <filesystem>
 #include <map>
 #include <utility>
@@ -118,6 +122,9 @@ Result<std::unique_ptr<JobEmission>> JobEmission::Make(const EmissionOptions& op
         job->CheckText(cfString(setting.key), cfString(setting.value));
     }
     job->ApplyOptions();
+    if (const Result<void> taken = job->TakeJobOptions(); !taken) {
+        return taken.Why();
+    }
     return job;
 }
 
@@ -190,6 +197,64 @@ void JobEmission::TellLeftOut() const {
     for (const LeftOut& entry : leftOut) {
         warn(printable(jsonText(entry.keyword.c_str())) + " is left out of the job: " + entry.reason);
     }
+}
+
+// The job's own settings repeat what the server is told of the layout and the sides.
+Result<void> JobEmission::TakeJobOptions() {
+    for (const auto& [name, value] : options.jobOptions) {
+        const Result<void> taken = name == "number-up" ? TakePagesPerSheet(value)
+                                   : name == "sides"   ? TakeSides(value)
+                                                       : Result<void>();
+        if (!taken) {
+            return taken.Why();
+        }
+    }
+    return {};
+}
+
+Result<void> JobEmission::TakePagesPerSheet(const std::string& number) {
+    int pages = 0;
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), pages);
+    if (error != std::errc() || end != number.data() + number.size() || !setPagesPerSheet(*settings, pages)) {
+        return Fault{"number-up takes 1, 2, 4, 6, 9 or 16, not '" + printable(number) + "'"};
+    }
+    const PPDXPopupControl* own = description->GetControls()->FindPopup("*QVNUpPages", true);
+    if (pages > 1 && own != nullptr && own->GetValue() != own->DefaultValue()) {
+        return Fault{"number-up: the setting QVNUpPages already puts several pages on a sheet"};
+    }
+    return {};
+}
+
+Result<void> JobEmission::TakeSides(const std::string& sides) {
+    struct Side {
+        std::string_view sides;
+        std::array<const char*, 4> choices; // of descriptions
+    };
+    constexpr std::array<Side, 3> known{
+        {{"one-sided", {"None", "Off", "False", "Simplex"}},
+         {"two-sided-long-edge", {"LongEdge", "DuplexNoTumble", "NoTumble", "Duplex"}},
+         {"two-sided-short-edge", {"ShortEdge", "DuplexTumble", "Tumble", "TopTumble"}}}};
+    const auto asked = std::ranges::find(known, sides, &Side::sides);
+    if (asked == known.end()) {
+        return Fault{"sides takes one-sided, two-sided-long-edge or two-sided-short-edge, not '" +
+                     printable(sides) + "'"};
+    }
+    PPDXPopupControl* control = description->GetControls()->FindPopup("*QVDuplex", true);
+    control = control != nullptr ? control : description->GetControls()->FindPopup("*Duplex", true);
+    if (control == nullptr) {
+        return Fault{"sides: the description has no option QVDuplex or Duplex"};
+    }
+    const auto choice = std::ranges::find_if(
+        asked->choices, [&](const char* name) { return control->GetKeywordCFLocalName(name) != nullptr; });
+    if (choice == asked->choices.end()) {
+        return Fault{"sides: " + std::string(control->Keyword()) + " has no choice for " + sides};
+    }
+    const std::string present = utf8Text(control->CopyCurrentControlValueString());
+    if (control->GetValue() != control->DefaultValue() && present != *choice) {
+        return Fault{"sides=" + sides + " and " + control->Keyword() + "=" + printable(present) + " differ"};
+    }
+    control->SetCurrentControlWithCFString(cfString(*choice));
+    return {};
 }
 
 bool JobEmission::Check() const {

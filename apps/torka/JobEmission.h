@@ -4,6 +4,7 @@
 #include "apps/torka/Description.h"
 #include "output/FeatureEmission.h"
 #include "pane/data/PDEData.h"
+#include "platform/cups/CupsQueue.h"
 #include "platform/memory/MemoryPrinting.h"
 
 #include <CLI/App.hpp>
@@ -28,6 +29,7 @@ struct EmissionOptions {
     std::uint16_t orientation = kPMPortrait;
     std::string printSettings;     // path of the property list to restore from, "" for none
     std::string savePrintSettings; // path for the print settings that a pane would store, "" for none
+    JobOptions jobOptions;         // of the print server, beside the ticket
     TwoWay twoWay = TwoWay::asKept;
     bool isStrict = false; // settings in conflict and a note that breaks a rule stop the job
 };
@@ -83,6 +85,9 @@ private:
     Result<void> RestorePrintSettings();
     void CheckText(const CFStringRef& key, const CFStringRef& text);
     void ApplyOptions();
+    Result<void> TakeJobOptions();
+    Result<void> TakePagesPerSheet(const std::string& number);
+    Result<void> TakeSides(const std::string& sides);
     bool ReportConflicts() const;
     bool ReportBrokenNotes() const;
     Result<void> WritePrintSettings() const;

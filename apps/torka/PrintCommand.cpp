@@ -86,12 +86,13 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     EmissionOptions emission = options.emission;
     emission.description = CFURLCopyFileSystemPath(url);
+    emission.jobOptions = jobOptions;
     const auto made = JobEmission::Make(emission, session);
     if (!made) {
         return unusable(made.Why());
     }
     const std::unique_ptr<JobEmission>& settings = *made;
-    if (!settings->CheckNotes()) {
+    if (!settings->Check()) {
         return ExitStatus::findings;
     }
     if (!options.allowsLeftOut && !settings->LeftOutEntries().empty()) {

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/dialog/DialogFixture.h"
 
+#include <QCheckBox>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <cstdlib>
 #include <functional>
 
 // What the screen shows, what the print settings hold and what reaches the device agree.
@@ -54,6 +58,152 @@ TEST_F(AgreementTest, AConflictOfThePageSizeNeverPrintsUnasked) {
         EXPECT_EQ(dialog.result(), printed ? QDialog::Accepted : QDialog::Rejected);
         EXPECT_EQ(dialog.isVisible(), !printed);
         EXPECT_EQ(utf8Text(cfCast<CFString>(dialog.tab().settings().Value(cfString("*QVFoldStyle")))), fold);
+    }
+}
+
+// What the pane shows for a setting, on whichever page it stands.
+std::string shownText(PrintDialog& dialog, const char* keyword) {
+    auto* pages = dialog.tab().findChild<QListWidget*>();
+    for (int row = 0; row < pages->count(); ++row) {
+        pages->setCurrentRow(row);
+        QTest::qWait(1);
+        for (QWidget* field : dialog.tab().findChildren<QWidget*>(QLatin1String(keyword))) {
+            if (const auto* box = qobject_cast<QComboBox*>(field); box != nullptr && box->isVisible()) {
+                return box->currentText().toStdString();
+            }
+            if (const auto* check = qobject_cast<QCheckBox*>(field); check != nullptr && check->isVisible()) {
+                return check->isChecked() ? "On" : "Off";
+            }
+        }
+    }
+    return "not shown";
+}
+
+TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
+    AddQueue("Agreement", samplePath("torka-production.ppd"));
+    const auto properties = [](const char* button) {
+        return [button](PrintDialog& dialog) {
+            UseProperties(dialog, [button](QDialog& window) {
+                window.findChild<QRadioButton*>(QLatin1String(button))->click();
+            });
+        };
+    };
+    const auto pane = [](const char* page, const char* keyword, const char* choice) {
+        return [=](PrintDialog& dialog) {
+            ShowPage(dialog, page);
+            Choose(dialog, keyword, choice);
+        };
+    };
+    struct Situation {
+        const char* what;
+        std::function<void(PrintDialog&)> person;
+        const char* keyword;
+        const char* shown;  // on screen
+        const char* value;  // in the print settings
+        const char* device; // in the document; null for what it does not tell
+    };
+    const Situation situations[] = {
+        {"opened", [](PrintDialog&) {}, "*PageSize", "US Letter", "Letter",
+         "%%BeginFeature: *PageSize Letter"},
+        {"page size in Properties", [](PrintDialog& dialog) { ChoosePageSize(dialog, "A5"); }, "*PageSize",
+         "A5", "A5", "%%BeginFeature: *PageSize A5"},
+        {"Properties cancelled",
+         [](PrintDialog& dialog) {
+             ChoosePageSize(dialog, "A3");
+             UseProperties(
+                 dialog,
+                 [](QDialog& window) { window.findChild<QComboBox*>("pageSizeCombo")->setCurrentIndex(0); },
+                 QDialog::Rejected);
+         },
+         "*PageSize", "A3", "A3", "%%BeginFeature: *PageSize A3"},
+        {"landscape", properties("landscape"), "*QVOrientation", "Landscape", "Landscape",
+         "%%Orientation: Landscape"},
+        {"portrait again",
+         [&](PrintDialog& dialog) {
+             properties("landscape")(dialog);
+             properties("portrait")(dialog);
+         },
+         "*QVOrientation", "Portrait", "Portrait", "%%Orientation: Portrait"},
+        {"defaults after landscape",
+         [&](PrintDialog& dialog) {
+             properties("landscape")(dialog);
+             QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
+         },
+         "*QVOrientation", "Landscape", "Landscape", "%%Orientation: Landscape"},
+        {"not collated",
+         [](PrintDialog& dialog) {
+             dialog.findChild<QSpinBox*>("copies")->setValue(2);
+             dialog.findChild<QCheckBox*>("collate")->setChecked(false);
+         },
+         "*Collate", "Off", "False", nullptr},
+        {"sides in the pane", pane("Layout", "*QVDuplex", "Turn on Long Edge"), "*QVDuplex",
+         "Turn on Long Edge", "LongEdge", "%%BeginFeature: *QVDuplex LongEdge"},
+        {"pages per sheet in the pane", pane("Layout", "*QVNUpPages", "4"), "*QVNUpPages", "4", "4",
+         "%%BeginFeature: *QVNUpPages 4"},
+        {"tray in the pane", pane("Paper and Job", "*InputSlot", "Tray 2"), "*InputSlot", "Tray 2", "Tray2",
+         "%%BeginFeature: *InputSlot Tray2"},
+        {"media in the pane", pane("Paper and Job", "*MediaType", "Labels"), "*MediaType", "Labels", "Labels",
+         "%%BeginFeature: *MediaType Labels"},
+    };
+    for (const Situation& each : situations) {
+        SCOPED_TRACE(each.what);
+        const auto shown = Open("Agreement");
+        PrintDialog& dialog = *shown->dialog;
+        QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
+        each.person(dialog);
+        EXPECT_EQ(shownText(dialog, each.keyword), each.shown);
+        const int job = Print(dialog);
+        EXPECT_EQ(utf8Text(cfCast<CFString>(dialog.tab().settings().Value(cfString(each.keyword)))),
+                  each.value);
+        if (each.device != nullptr) {
+            EXPECT_NE(sandbox->Printed(job).find(each.device), std::string::npos);
+        }
+    }
+}
+
+TEST_F(AgreementTest, TheDialogHidesWhatThePaneDecides) {
+    AddQueue("Owner", samplePath("torka-production.ppd"));
+    AddQueue("Without", samplePath("torka-defects.ppd"));
+    const auto shown = Open("Owner");
+    PrintDialog& dialog = *shown->dialog;
+    for (const bool hasPane : {true, false, true}) {
+        ASSERT_TRUE(dialog.chooseQueue(hasPane ? "Owner" : "Without"));
+        EXPECT_EQ(dialog.tab().hasPanel(), hasPane);
+        EXPECT_EQ(dialog.findChild<QWidget*>("duplex")->isHidden(), hasPane);
+        UseProperties(dialog, [&](QDialog& window) {
+            auto* tabs = window.findChild<QTabWidget*>("tabs");
+            auto* options = window.findChild<QWidget*>("cupsPropertiesPage");
+            EXPECT_EQ(tabs->isTabVisible(tabs->indexOf(options)), !hasPane);
+            EXPECT_EQ(window.findChild<QWidget*>("pagesPerSheetButtonGroup")->isHidden(), hasPane);
+        });
+    }
+}
+
+TEST_F(AgreementTest, OptionsOfTheCommandLineReachTheJobsOwnSettingsOrAreRefused) {
+    AddQueue("Lines", samplePath("torka-production.ppd"));
+    struct Case {
+        std::vector<std::string> arguments;
+        int status;
+        std::string told; // in the document, or on standard error
+    };
+    for (const Case& each :
+         {Case{{"-o", "number-up=2"}, 0, "%%Orientation: Landscape"},
+          Case{{"-o", "number-up=4"}, 0, "%%Orientation: Portrait"},
+          Case{{"-o", "sides=two-sided-long-edge"}, 0, "%%BeginFeature: *QVDuplex LongEdge"},
+          Case{{"-o", "sides=two-sided-short-edge"}, 0, "%%BeginFeature: *QVDuplex ShortEdge"},
+          Case{{"-o", "number-up=3"}, 2, "number-up takes 1, 2, 4, 6, 9 or 16, not '3'"},
+          Case{{"QVNUpPages=2", "-o", "number-up=2"}, 2, "QVNUpPages already puts several pages on a sheet"},
+          Case{{"-o", "sides=both"}, 2, "sides takes one-sided"},
+          Case{{"QVDuplex=LongEdge", "-o", "sides=one-sided"}, 2, "*QVDuplex=LongEdge differ"},
+          Case{{"PageSize=A5", "QVFoldStyle=Half", "--strict"}, 1, "*QVFoldStyle=Half"}}) {
+        std::vector<std::string> command{"print", "-d", "Lines", samplePath("plain.ps")};
+        command.insert(command.end(), each.arguments.begin(), each.arguments.end());
+        const CommandResult result = runTool(command);
+        SCOPED_TRACE(each.arguments.back());
+        EXPECT_EQ(result.status, each.status) << result.errors;
+        const std::string told = each.status == 0 ? sandbox->Printed(std::atoi(result.output.c_str() + 4))
+                                                  : result.errors; // "Job N on …"
+        EXPECT_NE(told.find(each.told), std::string::npos) << result.output << result.errors;
     }
 }
 

@@ -141,6 +141,10 @@ bool isBidiKeyword(const char* keyword) {
     return text.size() > "Bidi"sv.size() && text.ends_with("Bidi"sv);
 }
 
+bool isChosenBySystem(const PPDXControl& control) {
+    return control == "*PageSize" || control == "*QVOrientation" || control == "*Collate";
+}
+
 bool isInstallableOption(const PPDXControl& control) {
     const PPDXElement* group = control.GetParent();
     return control.IsInstallableOption() || (group != nullptr && *group == "QVPPInstallableOptions");

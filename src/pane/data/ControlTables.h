@@ -17,6 +17,9 @@ bool isHiddenFromBasicPanel(const char* keyword);
 // True when the keyword ends in "Bidi" and is longer. False for null.
 bool isBidiKeyword(const char* keyword);
 
+// Chosen by the system's own panes, whose choice the control only shows: page size, orientation, collation.
+bool isChosenBySystem(const PPDXControl& control);
+
 // Says what hardware the printer has: in the group of the installable options, or flagged as one of them.
 bool isInstallableOption(const PPDXControl& control);
 

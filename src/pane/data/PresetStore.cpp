@@ -67,7 +67,7 @@ bool isPresetName(const CFStringRef& name) {
 
 bool isKept(const ZANPPD& model, const PPDXControl& control) {
     return control.Keyword() != nullptr && control.Type() != CNTL_TYPE::specialOption &&
-           !isInstallableOption(control) && !(control == "*PageSize") && !isSecretNote(model, &control);
+           !isInstallableOption(control) && !isChosenBySystem(control) && !isSecretNote(model, &control);
 }
 
 void forEachKeptControl(const ZANPPD& model, const std::function<void(PPDXControl&)>& visit) {

@@ -5,6 +5,7 @@
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/ZANJobNote.h"
+#include "pane/data/ControlTables.h"
 #include "pane/data/PDEData.h"
 
 #include <algorithm>
@@ -83,7 +84,7 @@ std::string PaneEditor::Value(const PPDXControl& control) {
 std::string PaneEditor::DefaultValue(const PPDXControl& control) { return control.DefaultText(); }
 
 PaneLock PaneEditor::LockOf(const PPDXControl& control) const {
-    if (control == "*PageSize") {
+    if (isChosenBySystem(control)) {
         return PaneLock::system;
     }
     const bool locked =

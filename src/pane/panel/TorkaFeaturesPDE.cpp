@@ -144,6 +144,7 @@ void TorkaFeaturesPDE::enableCustomizedViewForDMT() {
 void TorkaFeaturesPDE::defaultsButtonClicked() {
     if (!gIgnoreButtonEvents) {
         self.myUi_Panel->ResetControlsToDefault();
+        TakeSystemLayout();
         self.myUi_Panel->DrawUserPane();
         gPopupJobNotesDefaultsButton = 1;
     }

@@ -185,6 +185,7 @@ private:
     void TakeCustomPageSize();
     bool IsListedPaper(const CFStringRef& name) const;
     void SelectInputSlot();
+    void TakeSystemLayout();
     void ShowPrinterName(const CFStringRef& name);
     void ShowDiscoveredAddress();
     void StoreTypedAddress();

@@ -117,8 +117,7 @@ bool TorkaFeaturesPDE::willShow() {
         loadAutomationFileAndLoadPrintSetting();
     }
     self.automationCalled = 1;
-    TakeSystemPageSize();
-    SelectInputSlot();
+    updatePageSizeAndInputSlot();
     self.myUi_Panel->DrawUserPane();
     self.myUi_Panel->Show();
     if (interface && CFStringGetLength(interface->stringValue(PaneOutlet::printerName)) == 0) {
@@ -199,9 +198,23 @@ void TorkaFeaturesPDE::SelectInputSlot() {
     }
 }
 
+// The dialog's own tabs choose orientation and collation; the controls of the description show them.
+void TorkaFeaturesPDE::TakeSystemLayout() {
+    const std::uint16_t orientation = self.myPDEData->GetPageOrientationFromOS();
+    const bool isLandscape = orientation == kPMLandscape || orientation == kPMReverseLandscape;
+    self.myppd->SetValueForKey(cfString("*QVOrientation"), cfString(isLandscape ? "Landscape" : "Portrait"));
+    CFTypeRef collate;
+    PMPrintSettingsGetValue(self.printSettings, cfString("com.apple.print.PrintSettings.PMCopyCollate"),
+                            collate);
+    if (const auto isCollated = cfCast<CFBoolean>(collate)) {
+        self.myppd->SetValueForKey(cfString("*Collate"), cfString(isCollated->value ? "True" : "False"));
+    }
+}
+
 void TorkaFeaturesPDE::updatePageSizeAndInputSlot() {
     TakeSystemPageSize();
     SelectInputSlot();
+    TakeSystemLayout();
 }
 
 bool TorkaFeaturesPDE::updateUI() {

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+namespace torka::dialog {
+
+// Which choices of the dialog's own tabs the description offers as options of the printer. The pane decides
+// these.
+struct DescribedOptions {
+    bool sides = false;
+    bool pagesPerSheet = false;
+
+    // Of the description in that file; nothing for "".
+    static DescribedOptions Of(const std::string& descriptionPath);
+};
+
+} // namespace torka::dialog
