@@ -159,6 +159,7 @@ Result<void> JobEmission::RestorePrintSettings() {
         description->SetAllValues(*values);
     }
     data->RestoreNonPSSettings();
+    data->TakeTemplate();
     return {};
 }
 

@@ -12,6 +12,7 @@ namespace torka::tests {
 namespace {
 
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -110,6 +111,36 @@ TEST(PrinterChange, ListsWatermarkAccountsAndPopupNotesBelongToTheirQueue) {
         EXPECT_TRUE(other->shouldPrint());
         ASSERT_THAT(bench.SentTitles(), Contains("command_PopupJnData"));
         EXPECT_EQ(utf8Text(printer->sent.back().command), "111\n*QVAccount=mine");
+    }
+}
+
+TEST(PrinterChange, TheTemplateCountsForThoseWhoPrintedBefore) {
+    const std::string xml = "<Category name=\"UI-Modification\">\n<Controls>\n"
+                            "<ZANPPD key=\"MM_A1\" default=\"Card\"/>\n"
+                            "<ZANPPD key=\"SlipSheet_Tray\" default=\"Upper\"/>\n"
+                            "<ZANPPD key=\"QVNotes1\" default=\"of the house\"/>\n"
+                            "</Controls>\n</Category>";
+    Bench bench(panelDescription(templateLines(xml)));
+    for (int i = 0; i < 3; ++i) {
+        bench.dialog->settings = std::make_shared<MemoryPrintSettings>(); // a new dialog
+        const auto panel = bench.OpenShown();
+        PDEData& data = *panel->GetPDEDataPtr();
+        EXPECT_EQ(valueOf(*panel, "*QVNotes1"), "of the house");
+        EXPECT_EQ(bench.Stored("*QVNotes1"), "of the house");
+        EXPECT_THAT(pairsOf(data.MixedMedia()), ElementsAre("*MM_A1=Card"));
+        const auto sheets = pairsOf(data.SlipSheets());
+        ASSERT_FALSE(sheets.empty());
+        EXPECT_EQ(sheets.front(), "SlipSheet_Tray=Upper");
+        EXPECT_EQ(sheets.size(), i == 0 ? 1U : 2U) << "an own one stays, nothing grows";
+        // What the person changes stays for this panel.
+        set(*panel, "*QVNotes1", "mine");
+        panel->saveValuesAndReturnError(nullptr);
+        panel->restoreValuesAndReturnError(nullptr);
+        EXPECT_EQ(valueOf(*panel, "*QVNotes1"), "mine");
+        if (i == 0) {
+            data.SlipSheetList().Append({L"SlipSheet_Color", L"Blue"});
+        }
+        EXPECT_TRUE(panel->shouldPrint());
     }
 }
 

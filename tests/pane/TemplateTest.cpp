@@ -88,12 +88,13 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     pane.Store("SlpShtKey1", cfString("SlipSheet_C"));
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    pane.data->TakeTemplate();
     const std::string told = ::testing::internal::GetCapturedStderr();
     EXPECT_NE(told.find("DMT Control Key"), std::string::npos);
     EXPECT_THAT(pairsOf(pane.data->MixedMedia()), ElementsAre("*MM_A1=\xE5\x8D\xB0", "*RangeNum=2"));
     EXPECT_THAT(pairsOf(pane.data->PadCovers()), ElementsAre("PadCoverFront=yes"));
-    // The slots are filled from the first one, but the count continues from its old value.
-    EXPECT_THAT(pairsOf(pane.data->SlipSheets()), ElementsAre("SlipSheet_B=slip b", "SlipSheet_C=", "="));
+    EXPECT_THAT(pairsOf(pane.data->SlipSheets()),
+                ElementsAre("SlipSheet_B=slip b", "SlipSheet_A=", "SlipSheet_C="));
     EXPECT_THAT(pairsOf(pane.data->CoverPages()), ElementsAre("CoverPage_A=cover"));
     EXPECT_THAT(pairsOf(pane.data->PaperCatalogue()),
                 ElementsAre("*QVCoverSizePCMID=12", "*QVPCName=Account", "*QVCoverSizePCMID=-1",
@@ -105,6 +106,7 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     EXPECT_EQ(pane.Stored("QVPCName"), "Account");
     EXPECT_EQ(pane.Stored("*QVPCName"), "Account");
     EXPECT_EQ(pane.Stored("*Notes1"), "a note");
+    EXPECT_EQ(utf8Text(pane.model->CopyValueForKey(cfString("*Notes1"))), "a note");
     EXPECT_EQ(pane.Stored("*CustomPrintSize"), "300 400");
     EXPECT_EQ(pane.Stored("MM_B1"), "");
 
@@ -112,7 +114,18 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     pane.data->MixedMediaList().SetCount(0);
     EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
     EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    pane.data->TakeTemplate();
     EXPECT_TRUE(pane.data->MixedMedia().empty());
+
+    // The next panel does not count what the last one took. Taken by itself, the slots are filled from the
+    // first one, but the counts continue from their old values.
+    pane.Open();
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    pane.data->TakeTemplate();
+    EXPECT_EQ(pane.data->SlipSheets().size(), 3U);
+    EXPECT_TRUE(pane.data->dmtSetNonPPDKeys());
+    EXPECT_EQ(pane.data->SlipSheets().size(), 4U);
+    EXPECT_EQ(pane.data->MixedMedia().size(), 2U);
 
     std::vector<std::string> keys;
     EXPECT_TRUE(pane.data->fetchHiddenKeysFromDMTXML(keys));
@@ -129,13 +142,14 @@ TEST(ManagementTemplate, MoreKeysThanSlotsAndAnUnreadableDocument) {
     ::testing::internal::CaptureStderr();
     {
         Pane pane(paneHeader + templateLines(xml + "</Controls>\n"));
-        EXPECT_TRUE(pane.data->RestoreNonPSSettings() == 0);
+        pane.data->TakeTemplate();
         EXPECT_EQ(pane.data->CoverPages().size(), 16U);
         EXPECT_EQ(pane.data->PaperCatalogue()[3].key, L"*QVPCMID103");
     }
     Pane broken(paneHeader + templateLines(xml + "\xC3(\n</Controls>"));
     broken.Store(".MMKey", CFNumberCreate(1));
     EXPECT_EQ(broken.data->RestoreNonPSSettings(), 0);
+    broken.data->TakeTemplate();
     EXPECT_EQ(broken.data->MixedMedia().size(), 1U) << "nothing is lost";
     std::vector<std::string> keys;
     EXPECT_FALSE(broken.data->fetchHiddenKeysFromDMTXML(keys));

@@ -13,6 +13,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -98,10 +99,14 @@ public:
 
     // Returns -1 without print settings, else the status of the last write.
     std::int32_t SaveNonPSSettings();
-    // Returns -1 without print settings, else 0. The first restore also takes over the template's own keys.
+    // Returns -1 without print settings, else 0.
     std::int32_t RestoreNonPSSettings();
     // What the print settings hold belongs to another queue: none of it is restored, now or later.
     void DropNonPSSettings();
+    // Takes the template's own keys over, once: in place of what an earlier taking left in the lists, and job
+    // notes and the custom size into the description. Other slip sheets and cover pages follow the
+    // template's.
+    void TakeTemplate();
 
     // The quick-access entries of this printer, kept in the address list. False without a printer name.
     bool SetPPDShortcuts(const PPDTree& tree);
@@ -145,6 +150,8 @@ public:
 private:
     void CopyDescription();
     bool TemplateSays(std::string_view keyword, std::string_view section, std::string_view value);
+    bool ReadTemplate(std::map<std::wstring, std::wstring>& values) const;
+    void TakeTemplateValues(const std::map<std::wstring, std::wstring>& values);
     void TakeTemplateKey(const std::wstring& key, const std::wstring& value,
                          std::array<std::size_t, 5>& nextSlots);
     void SaveList(const SettingList& list, const char* countKey, const char* keyStem, const char* valueStem);
@@ -178,7 +185,7 @@ private:
 
     std::int32_t lastWriteStatus = 0;
     bool twoWayEnabled = false; // during an emission, as isBIDIEnabled() found it
-    bool templateKeysTaken = false;
+    bool templateTaken = false;
     enum class CurveAdjust { unknown, absent, present };
     CurveAdjust curveAdjust = CurveAdjust::unknown;
     std::string lastKeywordAsked; // of the template

@@ -75,10 +75,6 @@ std::int32_t PDEData::RestoreNonPSSettings() {
     RestoreList(mPadCover, ".PadCov", "PCovKey", "PCovValue");
     RestoreList(mCoverPage, ".CovPag", "CovPagKey", "CovPagValue");
     RestoreList(mSlipSheet, ".SlpSht", "SlpShtKey", "SlpShtValue");
-    if (!templateKeysTaken && !mPPDModel->DMTXmlData().empty()) {
-        templateKeysTaken = true;
-        dmtSetNonPPDKeys();
-    }
     return 0;
 }
 

@@ -7,6 +7,8 @@
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
+#include <iterator>
+#include <vector>
 
 // Reads the management template. The template is searched as text, so that a document with a defect elsewhere
 // still hides and locks the controls that it names.
@@ -85,13 +87,23 @@ bool PDEData::fetchHiddenKeysFromDMTXML(std::vector<std::string>& keys) const {
     return true;
 }
 
-bool PDEData::dmtSetNonPPDKeys() {
+// False without print settings, for an empty document and for one that is no UTF-8.
+bool PDEData::ReadTemplate(std::map<std::wstring, std::wstring>& values) const {
     const std::string& xml = mPPDModel->DMTXmlData();
+    return mPrintSettings && !xml.empty() && decodeText(xml, kCFStringEncodingUTF8) &&
+           CUtil::GetControlKeyValFromDMTXmlData(wideFromUtf8(xml), values);
+}
+
+bool PDEData::dmtSetNonPPDKeys() {
     CUtil::KeyValues values;
-    if (!mPrintSettings || xml.empty() || !decodeText(xml, kCFStringEncodingUTF8) ||
-        !CUtil::GetControlKeyValFromDMTXmlData(wideFromUtf8(xml), values)) {
+    if (!ReadTemplate(values)) {
         return false;
     }
+    TakeTemplateValues(values);
+    return true;
+}
+
+void PDEData::TakeTemplateValues(const std::map<std::wstring, std::wstring>& values) {
     mMixedMedia.SetCount(0);
     mPadCover.SetCount(0);
     std::array<std::size_t, 5> nextSlots{};
@@ -100,7 +112,41 @@ bool PDEData::dmtSetNonPPDKeys() {
     }
     WriteSetting(".MMKey", CFNumberCreate(static_cast<std::int32_t>(mMixedMedia.Count())));
     WriteSetting(".PadCov", CFNumberCreate(static_cast<std::int32_t>(mPadCover.Count())));
-    return true;
+}
+
+// The slots of slip sheets and cover pages are filled from 0 while their counts go on, so the lists are
+// emptied first: no entry of an earlier taking stays, and the person's own ones come behind.
+void PDEData::TakeTemplate() {
+    CUtil::KeyValues values;
+    if (templateTaken || !ReadTemplate(values)) {
+        return;
+    }
+    templateTaken = true;
+    std::array<std::vector<WideSetting>, 2> own;
+    const std::array<SettingList*, 2> lists{&mSlipSheet, &mCoverPage};
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        std::ranges::copy_if(lists[i]->Entries(), std::back_inserter(own[i]),
+                             [&](const WideSetting& entry) { return !values.contains(entry.key); });
+    }
+    for (SettingList* list : SideLists()) {
+        list->Clear();
+    }
+    TakeTemplateValues(values);
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        for (WideSetting& entry : own[i]) {
+            lists[i]->Append(std::move(entry));
+        }
+    }
+    for (const auto& [key, value] : values) {
+        const std::string keyword = "*" + utf8FromWide(key);
+        PPDXControl* control = mPPDModel->GetControls()->FindJobNote(keyword.c_str(), true);
+        if (control == nullptr && keyword == "*CustomPrintSize") {
+            control = mPPDModel->GetControls()->FindCustomPageSizeControl(keyword.c_str(), true);
+        }
+        if (control != nullptr) {
+            control->SetCurrentControlWithCFString(cfString(utf8FromWide(value)));
+        }
+    }
 }
 
 void PDEData::TakeTemplateKey(const std::wstring& key, const std::wstring& value,

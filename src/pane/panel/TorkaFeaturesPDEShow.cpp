@@ -63,6 +63,7 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
         presets->ApplyLastUsed();
     }
     TakePopupPreferences();
+    self.myPDEData->TakeTemplate();
     NotePopupPreferences();
     updateUI();
     willShow();
