@@ -64,6 +64,7 @@ void PrintDialog::FollowPrinter() {
     if (const QPageSize size = info.defaultPageSize(); !info.isNull() && size.isValid()) {
         printer()->setPageSize(size);
     }
+    acceptedLayout = printer()->pageLayout();
     paneTab->setQueue(queue());
     HideWhatThePaneDecides();
     const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
@@ -160,6 +161,7 @@ void PrintDialog::TakeProperties() {
     }
     printer()->setPageOrientation(showsLandscape(*properties) ? QPageLayout::Landscape
                                                               : QPageLayout::Portrait);
+    acceptedLayout = printer()->pageLayout();
     paneTab->dialogSettingsChanged();
 }
 
@@ -234,6 +236,11 @@ void PrintDialog::ShowFieldOfPane() {
 void PrintDialog::done(int result) {
     // Qt has written the choices of its own tabs to the QPrinter by now, because the person accepted the
     // dialog.
+    if (result == Accepted && !isClosing) {
+        // Qt has also written what cancelled properties showed.
+        printer()->setPageSize(acceptedLayout.pageSize());
+        printer()->setPageOrientation(acceptedLayout.orientation());
+    }
     if (result == Accepted && !isClosing && !paneTab->preparePrint()) {
         ShowFieldOfPane();
         return;

@@ -3,6 +3,7 @@
 
 #include "apps/print-dialog/PaneTab.h"
 
+#include <QPageLayout>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <string>
@@ -46,6 +47,7 @@ private:
 
     PaneTab* paneTab; // the dialog's tabs own it
     QComboBox* printers = nullptr;
+    QPageLayout acceptedLayout; // page size and orientation as the properties were last accepted
     bool isClosing = false;
 };
 

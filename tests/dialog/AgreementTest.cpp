@@ -140,8 +140,8 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
          "Turn on Long Edge", "LongEdge", "%%BeginFeature: *QVDuplex LongEdge"},
         {"pages per sheet in the pane", pane("Layout", "*QVNUpPages", "4"), "*QVNUpPages", "4", "4",
          "%%BeginFeature: *QVNUpPages 4"},
-        {"tray in the pane", pane("Paper and Job", "*InputSlot", "Tray 2"), "*InputSlot", "Tray 2", "Tray2",
-         "%%BeginFeature: *InputSlot Tray2"},
+        {"tray in the pane", pane("Paper and Job", "*InputSlot", "Tray 1"), "*InputSlot", "Tray 1", "Tray1",
+         "%%BeginFeature: *InputSlot Tray1"},
         {"media in the pane", pane("Paper and Job", "*MediaType", "Labels"), "*MediaType", "Labels", "Labels",
          "%%BeginFeature: *MediaType Labels"},
     };
