@@ -96,6 +96,7 @@ Json rollDownJson(const PPDXRollDown& rollDown) {
     Json json;
     json["keyword"] = jsonText(rollDown.Keyword());
     json["name"] = jsonText(rollDown.CFStringUserName());
+    json["visible"] = rollDown.IsVisible();
     json["controls"] = std::move(controls);
     return json;
 }
@@ -104,6 +105,7 @@ Json pageJson(const PPDXProperty& page) {
     Json json;
     json["keyword"] = jsonText(page.Keyword());
     json["name"] = jsonText(page.CFStringUserName());
+    json["visible"] = page.IsVisible();
     json["showInApp"] = page.ShowInApp();
     json["showInPrintProp"] = page.ShowInPrintProp();
     if (const PPDXScrollPane* pane = page.GetScrollDown()) {
@@ -115,6 +117,7 @@ Json pageJson(const PPDXProperty& page) {
         });
         json["scrollPane"] = {{"keyword", jsonText(pane->Keyword())},
                               {"name", jsonText(pane->CFStringUserName())},
+                              {"visible", pane->IsVisible()},
                               {"rollDowns", std::move(rollDowns)}};
     }
     return json;

@@ -48,7 +48,7 @@ void printControl(PPDXControl& control, const std::string& indent) {
 
 void printHeading(const PPDXElement& element, const std::string& indent, const char* kind) {
     print(indent + kind + " " + printable(jsonText(element.Keyword())) + ": " +
-          printable(jsonText(element.CFStringUserName())) + "\n");
+          printable(jsonText(element.CFStringUserName())) + (element.IsVisible() ? "\n" : " hidden\n"));
 }
 
 void printPages(const ZANPPD& description) {

@@ -43,6 +43,21 @@ TEST(ShowCommand, DumpsOfTheSamplesAreTheReviewedOnes) {
     }
 }
 
+TEST(ShowCommand, MarksHiddenPagesAndGroups) {
+    const TemporaryFolder folder;
+    const std::string ppd =
+        folder.Write("hidden.ppd", "*PPD-Adobe: \"4.3\"\n*%ZANPropPage P/P:\n"
+                                   "*%ZANGroupName S/S: True\n*%ZANParent S/P: True|Scrollpane\n"
+                                   "*%ZANGroupName R/R:\n*%ZANParent R/S: True|Rolldown\n");
+    const std::string text = runTool({"show", ppd}).output;
+    EXPECT_NE(text.find("Page P: P hidden\n  Scroll pane S: S\n    Roll-down R: R hidden\n"), text.npos)
+        << text;
+    const Json page = runToolForJson({"show", ppd})["pages"][0];
+    EXPECT_EQ(page["visible"], false);
+    EXPECT_EQ(page["scrollPane"]["visible"], true);
+    EXPECT_EQ(page["scrollPane"]["rollDowns"][0]["visible"], false);
+}
+
 // Compares the keywords and texts of all choices with those that libcups reads from the same file, in order.
 TEST(ShowCommand, ChoicesAndDefaultsAreThoseOfTheSystemsOwnReader) {
     for (const std::string name : {"torka-production.ppd", "torka-production-ja.ppd"}) {
