@@ -2,8 +2,8 @@
 #include "apps/print-dialog/PrintDialog.h"
 
 #include <QCheckBox>
-#include <QChildEvent>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDoubleSpinBox>
 #include <QGroupBox>
 #include <QPrinterInfo>
@@ -14,6 +14,20 @@
 #include <QTabWidget>
 
 namespace torka::dialog {
+
+namespace {
+
+QDialog* propertiesOf(const QPrintDialog& dialog) {
+    const QList<QDialog*> dialogs = dialog.findChildren<QDialog*>();
+    for (QDialog* candidate : dialogs) {
+        if (candidate->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr) {
+            return candidate;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
 
 PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::string& jobName, QWidget* parent)
     : QPrintDialog(&qtPrinter, parent)
@@ -93,33 +107,22 @@ void PrintDialog::FollowOwnTabs() {
     if (auto* properties = findChild<QPushButton*>(QStringLiteral("properties"))) {
         connect(properties, &QPushButton::clicked, this, &PrintDialog::TakeProperties);
     }
-    // The properties dialog is made when it is first needed; its parent hears of its first display.
-    if (auto* owner = findChild<QWidget*>(QStringLiteral("QPrintWidget"))) {
-        owner->installEventFilter(this);
-    }
+    // Qt makes the properties dialog when it is first needed and replaces it with each printer. Only the
+    // application sees the display of every one.
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
 bool PrintDialog::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::ChildPolished) {
-        auto* properties = qobject_cast<QDialog*>(static_cast<QChildEvent*>(event)->child());
-        if (properties != nullptr) {
-            HideWhatThePaneDecides(*properties);
+    if (event->type() == QEvent::Show) {
+        auto* shown = qobject_cast<QDialog*>(watched);
+        if (shown != nullptr && shown == propertiesOf(*this)) {
+            HideWhatThePaneDecides(*shown);
         }
     }
     return QPrintDialog::eventFilter(watched, event);
 }
 
 namespace {
-
-QDialog* propertiesOf(const QPrintDialog& dialog) {
-    const QList<QDialog*> dialogs = dialog.findChildren<QDialog*>();
-    for (QDialog* candidate : dialogs) {
-        if (candidate->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr) {
-            return candidate;
-        }
-    }
-    return nullptr;
-}
 
 bool isChosen(const QDialog& properties, const char* name) {
     const auto* button = properties.findChild<QRadioButton*>(QLatin1String(name));

@@ -66,6 +66,12 @@ constexpr int refusedCalls[] = {
     SCMP_SYS(settimeofday), SCMP_SYS(clock_settime), SCMP_SYS(clock_adjtime), SCMP_SYS(adjtimex),
     SCMP_SYS(personality)};
 
+// For SCMP_CMP_MASKED_EQ `value` is the mask, and the masked argument has to be 0. The library's own macros
+// are compound literals, which C++ does not have.
+scmp_arg_cmp argument(unsigned position, scmp_compare how, scmp_datum_t value) {
+    return {position, how, value, 0};
+}
+
 int addRules(scmp_filter_ctx list, Network network) {
     int failure = 0;
     const auto add = [&failure](int result) {
@@ -85,22 +91,22 @@ int addRules(scmp_filter_ctx list, Network network) {
     // A thread is a clone with CLONE_THREAD. A list of system calls cannot inspect the arguments of clone3,
     // which lie in memory; the C library falls back to clone.
     add(::seccomp_rule_add(list, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(clone), 1,
-                           SCMP_CMP(cloneFlags, SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0)));
+                           argument(cloneFlags, SCMP_CMP_MASKED_EQ, CLONE_THREAD)));
     add(::seccomp_rule_add(list, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0));
     const auto refuseFamilies = [&](scmp_arg_cmp which) {
         add(::seccomp_rule_add(list, SCMP_ACT_ERRNO(EAFNOSUPPORT), SCMP_SYS(socket), 1, which));
     };
     if (network == Network::none) {
-        refuseFamilies(SCMP_A0(SCMP_CMP_NE, AF_UNIX));
+        refuseFamilies(argument(0, SCMP_CMP_NE, AF_UNIX));
         return failure;
     }
     for (scmp_datum_t family = 0; family < AF_MAX; ++family) {
         // A resolver uses AF_NETLINK to read the machine's own addresses.
         if (family != AF_UNIX && family != AF_INET && family != AF_INET6 && family != AF_NETLINK) {
-            refuseFamilies(SCMP_A0(SCMP_CMP_EQ, family));
+            refuseFamilies(argument(0, SCMP_CMP_EQ, family));
         }
     }
-    refuseFamilies(SCMP_A0(SCMP_CMP_GE, AF_MAX));
+    refuseFamilies(argument(0, SCMP_CMP_GE, AF_MAX));
     return failure;
 }
 
