@@ -47,13 +47,13 @@ void chooseSystemAdapters() {
     chooseAdapters(std::move(adapters));
     setAlerts(std::make_unique<LoggedAlerts>());
 
-    std::string problem;
-    if (!useInstalledFieldKeys(problem)) {
-        myNSLogC("%s", problem.c_str());
+    if (const Result<void> installed = useInstalledFieldKeys(); !installed) {
+        myNSLogC("%s", installed.Why().Line().c_str());
     }
     const std::filesystem::path folder =
         bundleFolderAround(reinterpret_cast<const void*>(&torkaBundleInstantiate));
-    registerBundle(openBundle(folder, problem));
+    const auto bundle = openBundle(folder); // its fault is logged
+    registerBundle(bundle ? *bundle : nullptr);
 }
 
 // Removes the adapters that must not outlive the host's application object.

@@ -8,14 +8,14 @@
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::string error;
-    const auto keys = torka::FieldKeys::Load(std::span(data, size), error);
-    if (!keys) {
-        if (error.empty()) {
+    const auto loaded = torka::FieldKeys::Load(std::span(data, size));
+    if (!loaded) {
+        if (loaded.Why().text.empty()) {
             std::abort();
         }
         return 0;
     }
+    const auto& keys = *loaded;
     unsigned sum = 0;
     for (const char* value : {"", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"}) {
         for (const std::uint8_t byte : keys->AesKey(value)) {

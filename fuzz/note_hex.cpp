@@ -32,10 +32,9 @@ std::shared_ptr<const FieldKeys> makeKeys() {
         list += std::string("<key>") + name + "</key><data>" + text + "</data>";
     }
     list += "</dict></plist>";
-    std::string error;
-    auto keys = FieldKeys::Load({reinterpret_cast<const std::uint8_t*>(list.data()), list.size()}, error);
-    require(keys != nullptr);
-    return keys;
+    const auto keys = FieldKeys::Load({reinterpret_cast<const std::uint8_t*>(list.data()), list.size()});
+    require(static_cast<bool>(keys));
+    return *keys;
 }
 
 } // namespace

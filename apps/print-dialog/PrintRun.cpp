@@ -27,13 +27,13 @@ int submitDocument(const Document& document, PrintDialog& dialog, QString& error
             options.push_back(std::move(choice));
         }
     }
-    std::string reason;
-    const int job =
-        submitFile(queue, document.path.toStdString(), document.name.toStdString(), options, reason);
-    if (job == 0) {
-        error = QObject::tr("The print server does not take the job: %1").arg(QString::fromStdString(reason));
+    const auto job = submitFile(queue, document.path.toStdString(), document.name.toStdString(), options);
+    if (!job) {
+        error = QObject::tr("The print server does not take the job: %1")
+                    .arg(QString::fromStdString(job.Why().Line()));
+        return 0;
     }
-    return job;
+    return *job;
 }
 
 int runDialog(const Document& document, PrintDialog& dialog) {

@@ -76,15 +76,23 @@ int main(int argc, char** argv) {
     if (!dialog::openDocument(arguments.document, document, error)) {
         return unusable(error);
     }
-    std::string problem;
-    const BundleRef bundle = openBundle(arguments.bundle.toStdString(), problem);
-    const std::unique_ptr<PDEPlugIn> plugIn = bundle ? bundle->InstantiatePrincipalClass(problem) : nullptr;
-    if (!plugIn || !plugIn->initWithBundle(bundle)) {
+    const auto cannotLoad = [&](const std::string& problem) {
         return unusable(
             QStringLiteral("%1 cannot be loaded: %2").arg(arguments.bundle, QString::fromStdString(problem)));
+    };
+    const auto bundle = openBundle(arguments.bundle.toStdString());
+    if (!bundle) {
+        return cannotLoad(bundle.Why().Line());
+    }
+    const auto plugIn = (*bundle)->InstantiatePrincipalClass();
+    if (!plugIn) {
+        return cannotLoad(plugIn.Why().Line());
+    }
+    if (!(*plugIn)->initWithBundle(*bundle)) {
+        return cannotLoad("it refuses this host");
     }
     QPrinter printer;
-    dialog::PrintDialog dialog(printer, *plugIn, document.name.toStdString());
+    dialog::PrintDialog dialog(printer, **plugIn, document.name.toStdString());
     if (!arguments.queue.isEmpty() && !dialog.chooseQueue(arguments.queue.toStdString())) {
         return unusable(QStringLiteral("the print server has no queue %1").arg(arguments.queue));
     }

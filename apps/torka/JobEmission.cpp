@@ -84,18 +84,17 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
 }
 
 Result<void> useFieldKeys(const std::string& path) {
-    std::string error;
     if (path.empty()) {
-        if (!useInstalledFieldKeys(error)) {
-            warn(error);
+        if (const Result<void> installed = useInstalledFieldKeys(); !installed) {
+            warn(installed.Why().Line());
         }
         return {};
     }
-    const auto keys = FieldKeys::Load(path, error);
+    const auto keys = FieldKeys::Load(path);
     if (!keys) {
-        return Fault{error};
+        return keys.Why();
     }
-    installFieldKeys(keys);
+    installFieldKeys(*keys);
     return {};
 }
 

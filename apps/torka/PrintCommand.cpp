@@ -116,13 +116,12 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     const std::string title =
         options.title.empty() ? std::filesystem::path(options.file).filename().string() : options.title;
-    std::string error;
-    const int job = submitFile(queue, options.file, title, jobOptions, error);
-    if (job == 0) {
-        return unusable(queue + ": the job is not taken: " + error);
+    const Result<int> job = submitFile(queue, options.file, title, jobOptions);
+    if (!job) {
+        return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
-    print("Job " + std::to_string(job) + " on " + queue + "\n");
-    const ExitStatus status = options.isDetached ? ExitStatus::good : followJob(queue, job);
+    print("Job " + std::to_string(*job) + " on " + queue + "\n");
+    const ExitStatus status = options.isDetached ? ExitStatus::good : followJob(queue, *job);
     return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
 }
 

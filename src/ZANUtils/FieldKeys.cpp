@@ -16,39 +16,37 @@ namespace {
 constexpr std::size_t fileLimit = 64 * 1024;
 
 // Copies the data under a key of the list when its size is exactly that of `out`.
-bool readBytes(const CFDictionaryRef& list, std::u16string_view key, std::string_view name,
-               std::span<std::uint8_t> out, std::string& error) {
+Result<void> readBytes(const CFDictionaryRef& list, std::u16string_view key, std::string_view name,
+                       std::span<std::uint8_t> out) {
     const auto data = cfCast<CFData>(CFDictionaryGetValue(list, key));
     if (!data || data->bytes.size() != out.size()) {
-        error = std::string(name) + " must be data of " + std::to_string(out.size()) + " bytes, but " +
-                (data ? "has " + std::to_string(data->bytes.size()) : std::string("is missing or no data"));
-        return false;
+        return Fault{
+            std::string(name) + " must be data of " + std::to_string(out.size()) + " bytes, but " +
+            (data ? "has " + std::to_string(data->bytes.size()) : std::string("is missing or no data"))};
     }
     std::copy(data->bytes.begin(), data->bytes.end(), out.begin());
-    return true;
+    return {};
 }
 
-bool readOffsets(const CFDictionaryRef& list, std::span<std::size_t> offsets, std::string& error) {
+Result<void> readOffsets(const CFDictionaryRef& list, std::span<std::size_t> offsets) {
     constexpr std::size_t lastOffset = FieldKeys::keyTableBytes - FieldKeys::aesKeyBytes;
     const auto array = cfCast<CFArray>(CFDictionaryGetValue(list, u"KeyOffsets"));
     if (!array || array->values.size() != offsets.size()) {
-        error =
+        return Fault{
             "KeyOffsets must be an array of " + std::to_string(offsets.size()) + " integers, but " +
-            (array ? "has " + std::to_string(array->values.size()) : std::string("is missing or no array"));
-        return false;
+            (array ? "has " + std::to_string(array->values.size()) : std::string("is missing or no array"))};
     }
     for (std::size_t i = 0; i < offsets.size(); ++i) {
         const auto number = cfCast<CFNumber>(array->values[i]);
         if (!number || number->isReal || number->integer < 0 ||
             number->integer > static_cast<std::int64_t>(lastOffset)) {
-            error = "KeyOffsets entry " + std::to_string(i) + " must be an integer from 0 to " +
-                    std::to_string(lastOffset) + ", so that a key of " +
-                    std::to_string(FieldKeys::aesKeyBytes) + " bytes lies in the table";
-            return false;
+            return Fault{"KeyOffsets entry " + std::to_string(i) + " must be an integer from 0 to " +
+                         std::to_string(lastOffset) + ", so that a key of " +
+                         std::to_string(FieldKeys::aesKeyBytes) + " bytes lies in the table"};
         }
         offsets[i] = static_cast<std::size_t>(number->integer);
     }
-    return true;
+    return {};
 }
 
 // Returns the position of the key for a value of "*UseSpecialKey".
@@ -66,8 +64,8 @@ std::size_t vectorPosition(std::string_view specialKey) {
 
 std::string readFailure(const std::error_code& code) {
     return code == std::errc::no_such_file_or_directory
-               ? ": no field keys are installed; protected fields are left out of jobs"
-               : ": cannot be read: " + code.message();
+               ? "no field keys are installed; protected fields are left out of jobs"
+               : "cannot be read: " + code.message();
 }
 
 std::mutex& installMutex() {
@@ -88,59 +86,58 @@ FieldKeys::~FieldKeys() {
     wipeValue(stringVector);
 }
 
-std::shared_ptr<const FieldKeys> FieldKeys::Load(std::span<const std::uint8_t> bytes, std::string& error) {
+Result<std::shared_ptr<const FieldKeys>> FieldKeys::Load(std::span<const std::uint8_t> bytes) {
+    const std::string place = "field keys";
     if (bytes.size() > fileLimit) {
-        error = "field keys: more than " + std::to_string(fileLimit) + " bytes";
-        return nullptr;
+        return Fault{"more than " + std::to_string(fileLimit) + " bytes", place};
     }
     std::string reason;
     const auto list = cfCast<CFDictionary>(
         CFPropertyListCreateFromXMLData(CFDataCreate(bytes.data(), bytes.size()), &reason));
     if (!list) {
-        error = "field keys: not an XML property list with a dictionary" +
-                (reason.empty() ? reason : ": " + reason);
-        return nullptr;
+        return Fault{"not an XML property list with a dictionary" + (reason.empty() ? reason : ": " + reason),
+                     place};
     }
     std::shared_ptr<FieldKeys> keys(new FieldKeys);
-    if (!readBytes(list, u"KeyTable", "KeyTable", keys->keyTable, reason) ||
-        !readOffsets(list, keys->keyOffsets, reason) ||
-        !readBytes(list, u"VectorTable", "VectorTable", keys->vectorTable, reason) ||
-        !readBytes(list, u"StringVector", "StringVector", keys->stringVector, reason)) {
-        error = "field keys: " + reason;
-        return nullptr;
+    for (const Result<void>& part :
+         {readBytes(list, u"KeyTable", "KeyTable", keys->keyTable), readOffsets(list, keys->keyOffsets),
+          readBytes(list, u"VectorTable", "VectorTable", keys->vectorTable),
+          readBytes(list, u"StringVector", "StringVector", keys->stringVector)}) {
+        if (!part) {
+            return part.Why().In(place);
+        }
     }
-    return keys;
+    return std::shared_ptr<const FieldKeys>(std::move(keys));
 }
 
-std::shared_ptr<const FieldKeys> FieldKeys::Load(const std::filesystem::path& path, std::string& error) {
+Result<std::shared_ptr<const FieldKeys>> FieldKeys::Load(const std::filesystem::path& path) {
     std::string content;
     const WipeGuard<std::string> guard(content);
     if (const std::error_code code = system().ReadFile(path, fileLimit, content)) {
-        error = path.string() + readFailure(code);
-        return nullptr;
+        return Fault{readFailure(code), path.string()};
     }
-    auto keys = Load(std::span(reinterpret_cast<const std::uint8_t*>(content.data()), content.size()), error);
+    auto keys = Load(std::span(reinterpret_cast<const std::uint8_t*>(content.data()), content.size()));
     if (!keys) {
-        error = path.string() + ": " + error;
+        return keys.Why().In(path.string());
     }
     return keys;
 }
 
-std::shared_ptr<const FieldKeys> FieldKeys::LoadInstalled(std::string& error, bool* isMissing) {
+Result<std::shared_ptr<const FieldKeys>> FieldKeys::LoadInstalled() {
     SecureBuffer content;
     std::string refusal;
     const std::error_code code = system().ReadGuardedFile(installedPath, fileLimit, content, refusal);
-    if (isMissing != nullptr) {
-        *isMissing = code == std::errc::no_such_file_or_directory;
+    if (code == std::errc::no_such_file_or_directory) {
+        return std::shared_ptr<const FieldKeys>();
     }
     const std::string path = system().Resolve(installedPath).string();
     if (code) {
-        error = refusal.empty() ? path + readFailure(code) : refusal + "; the field keys are not used";
-        return nullptr;
+        return refusal.empty() ? Fault{readFailure(code), path}
+                               : Fault{refusal + "; the field keys are not used"};
     }
-    auto keys = Load(std::span<const std::uint8_t>(content), error);
+    auto keys = Load(std::span<const std::uint8_t>(content));
     if (!keys) {
-        error = path + ": " + error;
+        return keys.Why().In(path);
     }
     return keys;
 }
@@ -162,16 +159,10 @@ void installFieldKeys(std::shared_ptr<const FieldKeys> keys) {
     installedSet() = std::move(keys);
 }
 
-bool useInstalledFieldKeys(std::string& problem) {
-    bool isMissing = false;
-    std::string error;
-    auto keys = FieldKeys::LoadInstalled(error, &isMissing);
-    const bool isUsable = keys || isMissing;
-    if (!isUsable) {
-        problem = error;
-    }
-    installFieldKeys(std::move(keys));
-    return isUsable;
+Result<void> useInstalledFieldKeys() {
+    auto keys = FieldKeys::LoadInstalled();
+    installFieldKeys(keys ? std::move(*keys) : nullptr);
+    return keys ? Result<void>() : keys.Why();
 }
 
 std::shared_ptr<const FieldKeys> installedFieldKeys() {

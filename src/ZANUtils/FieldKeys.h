@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ZANUtils/SecureBuffer.h"
+#include "platform/Result.h"
 
 #include <array>
 #include <cstddef>
@@ -32,14 +33,14 @@ public:
     FieldKeys& operator=(const FieldKeys&) = delete;
     ~FieldKeys();
 
-    // Reads a property list. Returns null when an entry is missing or has a wrong type or size, or a key
-    // exceeds the table. `error` then names the entry and what is expected.
-    static std::shared_ptr<const FieldKeys> Load(std::span<const std::uint8_t> bytes, std::string& error);
-    // Reads a file; `error` names it.
-    static std::shared_ptr<const FieldKeys> Load(const std::filesystem::path& path, std::string& error);
+    // Reads a property list. Fails when an entry is missing or has a wrong type or size, or a key exceeds the
+    // table. The fault names the entry and what is expected. Never null on success.
+    static Result<std::shared_ptr<const FieldKeys>> Load(std::span<const std::uint8_t> bytes);
+    // Reads a file; the fault names it.
+    static Result<std::shared_ptr<const FieldKeys>> Load(const std::filesystem::path& path);
     // Reads the file at `installedPath` below the system root by System::ReadGuardedFile: whoever could
-    // replace the keys could read the fields. `isMissing` distinguishes a missing file from an unusable one.
-    static std::shared_ptr<const FieldKeys> LoadInstalled(std::string& error, bool* isMissing = nullptr);
+    // replace the keys could read the fields. Null for a missing file; fails for an unusable one.
+    static Result<std::shared_ptr<const FieldKeys>> LoadInstalled();
 
     // Return the key and vector for a value of the option "*UseSpecialKey". "2" to "11" select one of the ten
     // further keys. "5", "6", "7" and "11" also select one of the four further vectors. Any other value
@@ -64,8 +65,8 @@ private:
 // keeps its set as long as it works with it.
 void installFieldKeys(std::shared_ptr<const FieldKeys> keys);
 std::shared_ptr<const FieldKeys> installedFieldKeys();
-// Installs the set at FieldKeys::installedPath, or none. Returns false when the file exists but is not used;
-// `problem` then tells the user why. A site without keys has no problem.
-bool useInstalledFieldKeys(std::string& problem);
+// Installs the set at FieldKeys::installedPath, or none. Fails when the file exists but is not used. A site
+// without keys has no fault.
+Result<void> useInstalledFieldKeys();
 
 } // namespace torka

@@ -56,12 +56,12 @@ std::unique_ptr<LoadedLibrary> loadLibrary() {
     if (loader == nullptr || !loader->Exists(path)) {
         return nullptr;
     }
-    std::string problem;
-    auto library = loader->Load(path, problem);
+    auto library = loader->Load(path);
     if (!library) {
-        myNSLogC("The workflow library does not load: %s", problem.c_str());
+        myNSLogC("The workflow library does not load: %s", library.Why().Line().c_str());
+        return nullptr;
     }
-    return library;
+    return std::move(*library);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/PrintDialogExtension.h"
+#include "platform/Result.h"
 
 #include <filesystem>
 #include <memory>
@@ -41,9 +42,8 @@ public:
     virtual CFStringRef LocalizedString(const CFStringRef& key, const CFStringRef& defaultText,
                                         std::string_view table) const = 0;
     // Loads the shared object and creates an object of the class that "NSPrincipalClass" names. The shared
-    // object stays loaded until the process ends. On failure returns null, and `problem` in one line, which
-    // is also logged.
-    virtual std::unique_ptr<PDEPlugIn> InstantiatePrincipalClass(std::string& problem) const = 0;
+    // object stays loaded until the process ends. Never null on success; a fault is logged too.
+    virtual Result<std::unique_ptr<PDEPlugIn>> InstantiatePrincipalClass() const = 0;
 };
 
 // The bundles that this process (or this plug-in) has registered. Null for an unknown identifier.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/Result.h"
+
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -30,8 +32,8 @@ public:
     LibraryLoader& operator=(const LibraryLoader&) = delete;
     virtual ~LibraryLoader();
     virtual bool Exists(const std::filesystem::path& path) const = 0;
-    // Null, with the reason in `error` as one line, when the library cannot be loaded.
-    virtual std::unique_ptr<LoadedLibrary> Load(const std::filesystem::path& path, std::string& error) = 0;
+    // Never null on success.
+    virtual Result<std::unique_ptr<LoadedLibrary>> Load(const std::filesystem::path& path) = 0;
 };
 
 // Null before setLibraryLoader.

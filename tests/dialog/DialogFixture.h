@@ -44,11 +44,9 @@ protected:
         options.rootFromEnvironment = true;
         setSystem(std::make_unique<PosixSystem>(options));
         setSpooler(std::make_unique<CupsSpooler>());
-        std::string problem;
-        bundle = openBundle(TORKA_BUNDLE, problem);
-        ASSERT_TRUE(bundle) << problem;
-        plugIn = bundle->InstantiatePrincipalClass(problem);
-        ASSERT_TRUE(plugIn && plugIn->initWithBundle(bundle)) << problem;
+        bundle = *openBundle(TORKA_BUNDLE);
+        plugIn = *bundle->InstantiatePrincipalClass();
+        ASSERT_TRUE(plugIn->initWithBundle(bundle));
         AddQueue(productionQueue(), samplePath("torka-production.ppd"));
     }
 

@@ -158,10 +158,8 @@ protected:
     std::string Print(const std::string& queue) {
         EXPECT_TRUE(panel->shouldPrint());
         const auto ticket = cfCast<CFString>(dialog->settings->Value(cfString(ticketPathSetting)));
-        std::string error;
-        const int job = submitFile(queue, samplePath("plain.ps"), "proof",
-                                   {{std::string(ticketPathSetting), utf8Text(ticket)}}, error);
-        EXPECT_NE(job, 0) << error;
+        const int job = *submitFile(queue, samplePath("plain.ps"), "proof",
+                                    {{std::string(ticketPathSetting), utf8Text(ticket)}});
         WaitForEnd(job);
         return sandbox->Printed(job);
     }

@@ -23,10 +23,7 @@ protected:
     // Sends a job that names a ticket; the ticket need not exist.
     static JobStatus PrintWithTicket(const std::string& queue, const std::string& path, int& job,
                                      const std::string& title = "proof") {
-        std::string error;
-        job =
-            submitFile(queue, samplePath("plain.ps"), title, {{std::string(ticketPathSetting), path}}, error);
-        EXPECT_NE(job, 0) << error;
+        job = *submitFile(queue, samplePath("plain.ps"), title, {{std::string(ticketPathSetting), path}});
         return WaitForEnd(job);
     }
 
@@ -123,11 +120,9 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
 TEST_F(Printing, AJobWithoutATicketPassesUnchanged) {
     AddQueue("Filtered");
     ASSERT_EQ(addQueue("Bare", "torkasink:/", samplePath("torka-production.ppd")), "");
-    std::string error;
     std::string printed[2];
     for (int i = 0; i < 2; ++i) {
-        const int job =
-            submitFile(i == 0 ? "Filtered" : "Bare", samplePath("brochure.ps"), "same", {}, error);
+        const int job = *submitFile(i == 0 ? "Filtered" : "Bare", samplePath("brochure.ps"), "same", {});
         ASSERT_EQ(WaitForEnd(job).state, 9);
         printed[i] = sandbox->Printed(job);
     }

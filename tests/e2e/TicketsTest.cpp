@@ -81,10 +81,7 @@ protected:
     }
     static int Submit(const std::string& queue, const std::string& path, JobOptions options = {}) {
         options.emplace_back(ticketPathSetting, path);
-        std::string error;
-        const int job = submitFile(queue, samplePath("plain.ps"), "proof", options, error);
-        EXPECT_NE(job, 0) << error;
-        return job;
+        return *submitFile(queue, samplePath("plain.ps"), "proof", options);
     }
     // The notes in the job that reached the device.
     std::set<std::string> Notes(int job) const {
@@ -103,8 +100,7 @@ protected:
         const TemporaryFolder folder;
         const std::string file =
             folder.Write("long.ps", "%!PS\n" + std::string(200'000, '%') + "\nshowpage\n");
-        std::string error;
-        const int job = submitFile(queue, file, "long", {}, error);
+        const int job = *submitFile(queue, file, "long", {});
         const std::filesystem::path part = *sandbox / ("printed/." + std::to_string(job) + ".part");
         EXPECT_TRUE(WaitUntil([&part] {
             std::error_code none;

@@ -146,8 +146,8 @@ TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
         ::dup2(errors[1], STDERR_FILENO);
         scmp_filter_ctx list = ::seccomp_init(SCMP_ACT_ALLOW);
         ::seccomp_rule_add(list, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(seccomp), 0);
-        ::seccomp_rule_add(list, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(prctl), 1,
-                           SCMP_A0(SCMP_CMP_EQ, PR_SET_SECCOMP));
+        const scmp_arg_cmp isSeccomp{0, SCMP_CMP_EQ, PR_SET_SECCOMP, 0};
+        ::seccomp_rule_add_array(list, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(prctl), 1, &isSeccomp);
         if (::seccomp_load(list) == 0) {
             ::execl(TORKA_BINARY_DIR "/bin/torkafilter", "torkafilter", "1", "lp", "title", "1", "",
                     document.c_str(), nullptr);

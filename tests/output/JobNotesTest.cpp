@@ -26,10 +26,8 @@ std::string hexOf(std::span<const std::uint8_t> bytes) {
 class JobNotes : public testing::Test {
 protected:
     JobNotes() {
-        std::string error;
         const std::string list = tests::readFile(TORKA_SOURCE_DIR "/samples/FieldKeys.plist");
-        keys = FieldKeys::Load({reinterpret_cast<const std::uint8_t*>(list.data()), list.size()}, error);
-        EXPECT_TRUE(keys) << error;
+        keys = *FieldKeys::Load({reinterpret_cast<const std::uint8_t*>(list.data()), list.size()});
         memory->userName = "alice";
     }
     ~JobNotes() override {

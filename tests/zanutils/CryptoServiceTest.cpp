@@ -21,9 +21,7 @@ class CryptoService : public testing::Test {
 protected:
     CryptoService() {
         const std::string list = tests::readFile(TORKA_SOURCE_DIR "/samples/FieldKeys.plist");
-        std::string error;
-        keys = FieldKeys::Load(bytesOf(list), error);
-        EXPECT_TRUE(keys) << error;
+        keys = *FieldKeys::Load(bytesOf(list));
         installFieldKeys(keys);
         EXPECT_EQ(cdsaCspAttach(csp), CSSM_OK);
     }

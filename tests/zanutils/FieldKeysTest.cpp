@@ -21,9 +21,7 @@ const char* const samplePath = TORKA_SOURCE_DIR "/samples/FieldKeys.plist";
 // Compares every value of the option with Python's reading of the same list.
 TEST(FieldKeys, ChoosesAsTheListSays) {
     const std::string list = tests::readFile(samplePath);
-    std::string error;
-    const auto keys = FieldKeys::Load(bytesOf(list), error);
-    ASSERT_TRUE(keys) << error;
+    const auto keys = *FieldKeys::Load(bytesOf(list));
     std::string chosen;
     for (const char* value :
          {"", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12", "02", " 5", "2 "}) {
@@ -72,9 +70,9 @@ TEST(FieldKeys, TellsWhatIsWrong) {
         {std::string(70000, ' ') + sample, "more than 65536 bytes"},
     };
     for (const auto& [list, expected] : cases) {
-        std::string error;
-        EXPECT_EQ(FieldKeys::Load(bytesOf(list), error), nullptr) << expected;
-        EXPECT_NE(error.find(expected), std::string::npos) << error;
+        const auto keys = FieldKeys::Load(bytesOf(list));
+        ASSERT_FALSE(keys) << expected;
+        EXPECT_NE(keys.Why().Line().find(expected), std::string::npos) << keys.Why().Line();
     }
 }
 
@@ -84,24 +82,20 @@ TEST(FieldKeys, InstalledFile) {
     PosixSystemOptions options;
     options.root = folder.Path();
     setSystem(std::make_unique<PosixSystem>(options));
-    std::string error;
-    EXPECT_EQ(FieldKeys::LoadInstalled(error), nullptr);
-    EXPECT_NE(error.find("no field keys are installed"), std::string::npos) << error;
-
+    EXPECT_EQ(*FieldKeys::LoadInstalled(), nullptr);
+    EXPECT_TRUE(useInstalledFieldKeys());
     const fs::path file = system().Resolve(FieldKeys::installedPath);
     EXPECT_EQ(file, folder / "Library/Application Support/ZAN/FieldKeys.plist");
     fs::create_directories(file.parent_path());
     fs::copy_file(samplePath, file);
     fs::permissions(file, static_cast<fs::perms>(0644));
-    const auto keys = FieldKeys::LoadInstalled(error);
-    ASSERT_TRUE(keys) << error;
-    installFieldKeys(keys);
-    EXPECT_EQ(installedFieldKeys(), keys);
+    ASSERT_TRUE(useInstalledFieldKeys());
+    EXPECT_NE(installedFieldKeys(), nullptr);
     installFieldKeys(nullptr);
     EXPECT_EQ(installedFieldKeys(), nullptr);
 
-    EXPECT_EQ(FieldKeys::Load(folder.Path(), error), nullptr);
-    EXPECT_NE(error.find("cannot be read"), std::string::npos) << error;
+    EXPECT_EQ(FieldKeys::Load(folder.Path()).Why().text.find("cannot be read"), 0U);
+    EXPECT_EQ(FieldKeys::Load(folder / "none").Why().text.find("no field keys are installed"), 0U);
     setSystem(nullptr);
 }
 
@@ -178,16 +172,12 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
         PosixSystemOptions options;
         options.root = root;
         setSystem(std::make_unique<PosixSystem>(options));
-        std::string error;
-        ASSERT_TRUE(FieldKeys::LoadInstalled(error)) << entry.name << ": " << error;
+        ASSERT_TRUE(*FieldKeys::LoadInstalled()) << entry.name;
         entry.change(root);
         const bool isGood = entry.why.empty();
-        bool isMissing = true;
-        error.clear();
-        EXPECT_EQ(FieldKeys::LoadInstalled(error, &isMissing) != nullptr, isGood)
-            << entry.name << ": " << error;
-        EXPECT_FALSE(isMissing) << entry.name;
-        EXPECT_EQ(useInstalledFieldKeys(error), isGood) << entry.name;
+        const Result<void> used = useInstalledFieldKeys();
+        const std::string error = used ? "" : used.Why().Line();
+        EXPECT_EQ(static_cast<bool>(used), isGood) << entry.name << ": " << error;
         EXPECT_EQ(installedFieldKeys() != nullptr, isGood) << entry.name;
         EXPECT_TRUE(isGood || error.find(entry.refused) != std::string::npos) << entry.name << ": " << error;
         EXPECT_NE(error.find(entry.why), std::string::npos) << entry.name << ": " << error;

@@ -67,12 +67,11 @@ ModuleAvailability loadJobPropertiesLibrary(const std::filesystem::path& path) {
     if (!libraryLoader() || !libraryLoader()->Exists(path)) {
         return {ModuleStatus::notInstalled, {}};
     }
-    LoadedModule loaded{path, nullptr, {}};
-    std::string error;
-    loaded.library = libraryLoader()->Load(path, error);
-    if (!loaded.library) {
-        return {ModuleStatus::doesNotLoad, error};
+    auto library = libraryLoader()->Load(path);
+    if (!library) {
+        return {ModuleStatus::doesNotLoad, library.Why().Line()};
     }
+    LoadedModule loaded{path, std::move(*library), {}};
     const std::string missing = lookUpAll(*loaded.library, loaded.functions);
     if (!missing.empty()) {
         return {ModuleStatus::doesNotLoad, path.string() + ": has no " + missing};

@@ -18,8 +18,8 @@ class ZANPPD;
 //
 // Refers to the description and the pane's data, which must outlive it. It reads the file before each change,
 // so that a second dialog's changes are kept. A set holds the values of all controls except installable
-// options, the choices of the system's own panes and secret notes (isSecretNote), which are never written to a
-// file. It also holds the choice of watermark and the lists that have no control.
+// options, the choices of the system's own panes and secret notes (isSecretNote), which are never written to
+// a file. It also holds the choice of watermark and the lists that have no control.
 class PresetStore {
 public:
     static constexpr std::size_t maximumPresets = 200;

@@ -13,13 +13,12 @@ bool succeeded() { return cupsLastError() <= IPP_STATUS_OK_CONFLICTING; }
 
 } // namespace
 
-int submitFile(const std::string& queueName, const std::string& path, const std::string& title,
-               const JobOptions& options, std::string& error) {
+Result<int> submitFile(const std::string& queueName, const std::string& path, const std::string& title,
+                       const JobOptions& options) {
     const CupsOptions jobOptions(options);
     const int job = cupsPrintFile2(CUPS_HTTP_DEFAULT, queueName.c_str(), path.c_str(), title.c_str(),
                                    jobOptions.Count(), jobOptions.Data());
-    error = job == 0 ? cupsLastErrorString() : "";
-    return job;
+    return job == 0 ? Result<int>(Fault{cupsLastErrorString()}) : job;
 }
 
 JobStatus jobStatus(int job) {

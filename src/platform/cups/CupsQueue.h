@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/Result.h"
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,9 +13,9 @@ namespace torka::platform {
 
 using JobOptions = std::vector<std::pair<std::string, std::string>>;
 
-// Sends a file as a job. Returns the job's number, or 0 with the server's reason in `error`.
-int submitFile(const std::string& queueName, const std::string& path, const std::string& title,
-               const JobOptions& options, std::string& error);
+// Sends a file as a job. Returns the job's number, or the server's reason.
+Result<int> submitFile(const std::string& queueName, const std::string& path, const std::string& title,
+                       const JobOptions& options);
 
 struct JobStatus {
     int state = 0;       // RFC 8011, 5.3.7: 3 pending to 9 completed; 0 when the server does not answer

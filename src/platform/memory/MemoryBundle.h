@@ -24,9 +24,8 @@ public:
         const auto place = strings.find(std::string(table) + "/" + utf8Text(key));
         return place != strings.end() ? cfString(place->second) : defaultText ? defaultText : key;
     }
-    std::unique_ptr<PDEPlugIn> InstantiatePrincipalClass(std::string& problem) const override {
-        problem = "no class";
-        return nullptr;
+    Result<std::unique_ptr<PDEPlugIn>> InstantiatePrincipalClass() const override {
+        return Fault{"no class"};
     }
 
     std::string identifier;

@@ -17,10 +17,15 @@ public:
     };
 
     bool Exists(const std::filesystem::path& path) const override { return libraries.contains(path); }
-    std::unique_ptr<LoadedLibrary> Load(const std::filesystem::path& path, std::string& error) override {
+    Result<std::unique_ptr<LoadedLibrary>> Load(const std::filesystem::path& path) override {
         const auto found = libraries.find(path);
-        error = found == libraries.end() ? path.string() + ": no such file" : found->second.error;
-        return error.empty() ? std::make_unique<Loaded>(found->second) : nullptr;
+        if (found == libraries.end()) {
+            return Fault{"no such file", path.string()};
+        }
+        if (!found->second.error.empty()) {
+            return Fault{found->second.error};
+        }
+        return std::unique_ptr<LoadedLibrary>(std::make_unique<Loaded>(found->second));
     }
 
     std::map<std::filesystem::path, Library> libraries;

@@ -428,18 +428,21 @@ bool Reader::WriteData(std::string_view content) {
 
 } // namespace
 
-bool makePlainForm(std::string_view xml, std::string& plain, std::string& error) {
-    plain.clear();
+Result<std::string> makePlainForm(std::string_view xml) {
     if (xml.size() > maximumPropertyListBytes) {
-        error = "the property list is larger than " + std::to_string(maximumPropertyListBytes) + " bytes";
-        return false;
+        return Fault{"the property list is larger than " + std::to_string(maximumPropertyListBytes) +
+                     " bytes"};
     }
     const auto units = decodeText(xml, kCFStringEncodingUTF8);
     if (!units || !isXmlText(*units)) {
-        error = "the property list is not XML text in UTF-8";
-        return false;
+        return Fault{"the property list is not XML text in UTF-8"};
     }
-    return Reader(xml, plain, error).ReadDocument();
+    std::string plain;
+    std::string fault;
+    if (!Reader(xml, plain, fault).ReadDocument()) {
+        return Fault{fault};
+    }
+    return plain;
 }
 
 } // namespace torka::platform

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/Result.h"
+
 #include <string>
 #include <string_view>
 
@@ -16,7 +18,7 @@ inline constexpr std::size_t maximumPropertyListValues = 100'000;
 inline constexpr int maximumPropertyListDepth = 64;
 
 // Checks a whole XML property list, and writes it without prolog, comments, entities and blanks between
-// elements. False, with the fault and its line in `error`, when the system does not read such a list.
-bool makePlainForm(std::string_view xml, std::string& plain, std::string& error);
+// elements. Fails, and names the line, when the system does not read such a list.
+Result<std::string> makePlainForm(std::string_view xml);
 
 } // namespace torka::platform

@@ -254,13 +254,14 @@ CFPropertyListRef CFPropertyListCreateFromXMLData(const CFDataRef& data, std::st
     std::string& problem = error ? *error : ignored;
     problem.clear();
     const auto bytes = CFDataGetBytes(data);
-    std::string plain;
-    if (!makePlainForm({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, plain, problem)) {
+    const auto plain = makePlainForm({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    if (!plain) {
+        problem = plain.Why().text;
         return nullptr;
     }
     const PlainNumbers plainNumbers;
     plist_t rawRoot = nullptr;
-    plist_from_xml(plain.data(), static_cast<std::uint32_t>(plain.size()), &rawRoot);
+    plist_from_xml(plain->data(), static_cast<std::uint32_t>(plain->size()), &rawRoot);
     const Node root(rawRoot);
     CFTypeRef value = root ? makeValue(root.get(), problem) : nullptr;
     if (!value && problem.empty()) {

@@ -77,7 +77,7 @@ public:
         return defaultText ? defaultText : key;
     }
 
-    std::unique_ptr<PDEPlugIn> InstantiatePrincipalClass(std::string& problem) const override;
+    Result<std::unique_ptr<PDEPlugIn>> InstantiatePrincipalClass() const override;
 
 private:
     fs::path Resources() const { return folder / "Contents" / "Resources"; }
@@ -137,20 +137,19 @@ const CFDictionaryRef& PosixBundle::Table(const std::string& language, std::stri
     return tables.emplace(place, strings).first->second;
 }
 
-std::unique_ptr<PDEPlugIn> PosixBundle::InstantiatePrincipalClass(std::string& problem) const {
+Result<std::unique_ptr<PDEPlugIn>> PosixBundle::InstantiatePrincipalClass() const {
     const std::string file = InfoText(u"CFBundleExecutable");
     const std::string className = InfoText(u"NSPrincipalClass");
     if (!isPlainFileName(file) || className.empty()) {
-        problem = report("The bundle " + folder.string() + " names no shared object or no principal class.");
-        return nullptr;
+        return Fault{
+            report("The bundle " + folder.string() + " names no shared object or no principal class.")};
     }
     const fs::path path = folder / "Contents" / "Linux" / file;
     // The code must stay loaded, because objects and views of the plug-in may live until the process ends.
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (library == nullptr) {
         const char* reason = dlerror();
-        problem = report("The plug-in cannot be loaded: " + (reason != nullptr ? reason : path.string()));
-        return nullptr;
+        return Fault{report("The plug-in cannot be loaded: " + (reason != nullptr ? reason : path.string()))};
     }
     void* symbol = dlsym(library, bundleEntryName);
     std::unique_ptr<PDEPlugIn> plugIn;
@@ -159,17 +158,16 @@ std::unique_ptr<PDEPlugIn> PosixBundle::InstantiatePrincipalClass(std::string& p
     }
     dlclose(library);
     if (!plugIn) {
-        problem =
-            report("The plug-in " + path.string() + " has no class " + className +
-                   " for this host's interfaces (version " + std::to_string(bundleInterfaceVersion) + ").");
+        return Fault{report("The plug-in " + path.string() + " has no class " + className +
+                            " for this host's interfaces (version " + std::to_string(bundleInterfaceVersion) +
+                            ").")};
     }
     return plugIn;
 }
 
 } // namespace
 
-BundleRef openBundle(const fs::path& folder, std::string& problem) {
-    problem.clear();
+Result<BundleRef> openBundle(const fs::path& folder) {
     std::error_code failure;
     const fs::path absolute = fs::absolute(folder, failure).lexically_normal();
     const fs::path path = absolute.has_filename() ? absolute : absolute.parent_path();
@@ -177,15 +175,14 @@ BundleRef openBundle(const fs::path& folder, std::string& problem) {
     std::string reason;
     const CFDictionaryRef info = readDictionary(list, reason);
     if (!info) {
-        problem = report("The bundle's " + list.string() + " cannot be used: " + reason);
-        return nullptr;
+        return Fault{report("The bundle's " + list.string() + " cannot be used: " + reason)};
     }
     const auto identifier = cfCast<CFString>(CFDictionaryGetValue(info, u"CFBundleIdentifier"));
     if (CFStringGetLength(identifier) == 0) {
-        problem = report("The bundle's " + list.string() + " cannot be used: it has no CFBundleIdentifier");
-        return nullptr;
+        return Fault{
+            report("The bundle's " + list.string() + " cannot be used: it has no CFBundleIdentifier")};
     }
-    return std::make_shared<PosixBundle>(path, info, identifier);
+    return BundleRef(std::make_shared<PosixBundle>(path, info, identifier));
 }
 
 fs::path bundleFolderAround(const void* address) {

@@ -13,7 +13,7 @@ namespace torka::platform {
 // their first use. A broken table is logged once and counts as empty.
 //
 // Reads files and the person's language through platform::System.
-BundleRef openBundle(const std::filesystem::path& folder, std::string& problem);
+Result<BundleRef> openBundle(const std::filesystem::path& folder);
 
 // The bundle folder (".../NAME.bundle") of the shared object that holds this address; empty when the object
 // lies in no bundle. A shared object calls this for itself.

@@ -29,19 +29,16 @@ bool PosixLibraryLoader::Exists(const std::filesystem::path& path) const {
     return std::filesystem::is_regular_file(path, error);
 }
 
-std::unique_ptr<LoadedLibrary> PosixLibraryLoader::Load(const std::filesystem::path& path,
-                                                        std::string& error) {
+Result<std::unique_ptr<LoadedLibrary>> PosixLibraryLoader::Load(const std::filesystem::path& path) {
     if (!path.has_parent_path()) {
-        error = path.string() + ": names no folder";
-        return nullptr;
+        return Fault{"names no folder", path.string()};
     }
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (!library) {
         const char* reason = dlerror();
-        error = reason ? reason : path.string() + ": cannot be loaded";
-        return nullptr;
+        return reason ? Fault{reason} : Fault{"cannot be loaded", path.string()};
     }
-    return std::make_unique<PosixLibrary>(library);
+    return std::unique_ptr<LoadedLibrary>(std::make_unique<PosixLibrary>(library));
 }
 
 } // namespace torka::platform

@@ -10,7 +10,7 @@ class PosixLibraryLoader final : public LibraryLoader {
 public:
     bool Exists(const std::filesystem::path& path) const override;
     // Loads only a path with a folder, so that the library search path is never used.
-    std::unique_ptr<LoadedLibrary> Load(const std::filesystem::path& path, std::string& error) override;
+    Result<std::unique_ptr<LoadedLibrary>> Load(const std::filesystem::path& path) override;
 };
 
 } // namespace torka::platform
