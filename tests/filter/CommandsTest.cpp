@@ -5,6 +5,7 @@
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 #include "tests/filter/FilterHarness.h"
+#include "tests/support/SmallPPD.h"
 
 #include <algorithm>
 #include <cups/ppd.h>
@@ -39,34 +40,9 @@ int run(const std::string& title, const std::string& text) {
     return runCommand(commandJob(title), text, source);
 }
 
-using Keywords = std::map<std::string, std::string>;
-
-// Applies "PPD:" lines as the server does.
-void applyMessage(const std::string& message, Keywords& keywords) {
-    ASSERT_TRUE(message.starts_with("PPD: ") && message.ends_with("\n")) << message;
-    ASSERT_LT(message.size(), 1024U);
-    std::size_t at = 5;
-    while (at < message.size()) {
-        const std::size_t equals = message.find('=', at);
-        const std::size_t end = message.find_first_of(" \n", equals);
-        keywords[message.substr(at, equals - at)] = message.substr(equals + 1, end - equals - 1);
-        at = end + 1;
-    }
-}
-
-std::optional<std::string> recordIn(const Keywords& keywords, const std::string& name) {
+std::optional<std::string> recordIn(const std::string& description, const std::string& name) {
     const TemporaryFolder folder;
-    std::string text = "*PPD-Adobe: \"4.3\"\n";
-    for (const auto& [keyword, value] : keywords) {
-        text.append("*").append(keyword).append(": ").append(value).append("\n");
-    }
-    text += "*FormatVersion: \"4.3\"\n*LanguageVersion: English\n*LanguageEncoding: ISOLatin1\n"
-            "*PCFileName: \"T.PPD\"\n*Manufacturer: \"T\"\n*Product: \"(T)\"\n*PSVersion: \"(3010) 0\"\n"
-            "*ModelName: \"T\"\n*ShortNickName: \"T\"\n*NickName: \"T\"\n"
-            "*OpenUI *PageSize: PickOne\n*DefaultPageSize: A4\n*PageSize A4: \"\"\n*CloseUI: *PageSize\n"
-            "*DefaultImageableArea: A4\n*ImageableArea A4: \"0 0 595 842\"\n*DefaultPaperDimension: A4\n"
-            "*PaperDimension A4: \"595 842\"\n";
-    const std::string path = folder.Write("q.ppd", text);
+    const std::string path = folder.Write("q.ppd", description);
     const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(ppdOpenFile(path.c_str()), ppdClose);
     EXPECT_TRUE(ppd);
     std::size_t size = 0;
@@ -89,19 +65,16 @@ TEST(RecordMessages, HoweverManyArriveARecordIsWholeOrAbsent) {
     for (const std::size_t size : {1U, 100U, 158U, 3000U}) {
         const std::string before = randomBytes(2000, 1);
         const std::string after = randomBytes(size, 2);
-        Keywords keywords;
         std::vector<std::string> messages;
         ASSERT_TRUE(recordMessages({{name, before}, {"QVOther", "other"}}, messages));
-        for (const std::string& message : messages) {
-            applyMessage(message, keywords);
-        }
-        ASSERT_EQ(recordIn(keywords, name), before);
-        ASSERT_EQ(recordIn(keywords, "QVOther"), "other");
+        std::string description = afterMessages(smallPPD + onlySheet("595 842"), messages);
+        ASSERT_EQ(recordIn(description, name), before);
+        ASSERT_EQ(recordIn(description, "QVOther"), "other");
         messages.clear();
         ASSERT_TRUE(recordMessages({{name, after}}, messages));
         for (std::size_t i = 0; i < messages.size(); ++i) {
-            applyMessage(messages[i], keywords);
-            const auto read = recordIn(keywords, name);
+            description = afterMessages(description, {messages[i]});
+            const auto read = recordIn(description, name);
             EXPECT_EQ(read, i + 1 == messages.size() ? std::optional(after) : std::nullopt)
                 << size << " " << i;
         }
@@ -122,14 +95,13 @@ TEST(Commands, KeepTextsAsWideRecordsUnderTheirNames) {
                                             {"command_PopupJnData", "QVPopupJnData"}}) {
         harness.Forget();
         EXPECT_EQ(run(title, text), 0) << title;
-        Keywords keywords;
+        std::vector<std::string> messages;
         std::istringstream lines(harness.Told());
         for (std::string line; std::getline(lines, line);) {
-            if (line.starts_with("PPD:")) {
-                applyMessage(line + "\n", keywords);
-            }
+            messages.push_back(line + "\n");
         }
-        EXPECT_EQ(recordIn(keywords, record), std::string(payloadFromWide(wide))) << title;
+        EXPECT_EQ(recordIn(afterMessages(smallPPD, messages), record), std::string(payloadFromWide(wide)))
+            << title;
         EXPECT_EQ(run(title, ""), 1) << "nothing to keep";
     }
 }
