@@ -29,59 +29,17 @@ protected:
     }
 };
 
-// The accessor of each flag, and the lowest level at which its word counts, in bit order.
 TEST_F(JobNoteTest, FlagWordsAtEveryLevel) {
-    using Accessor = bool (PPDXJobNote::*)() const;
-    struct Row {
-        const char* word;
-        int level;
-        Accessor accessor;
-        bool limitsText;
-    };
-    const Row rows[] = {
-        {"Alpha", 0, &PPDXJobNote::IsAlpha, true},
-        {"Numeric", 0, &PPDXJobNote::IsNumeric, true},
-        {"Decimal", 0, &PPDXJobNote::IsDecimal, true},
-        {"Required", 0, &PPDXJobNote::IsRequired, false},
-        {"Remembered", 0, &PPDXJobNote::Remember, false},
-        {"Password", 0, &PPDXJobNote::IsPassword, false},
-        {"AlwaysDisplay", 0, &PPDXJobNote::AlwaysDisplay, false},
-        {"Resume", 0, &PPDXJobNote::Resume, false},
-        {"Member", 0, &PPDXJobNote::IsMember, false},
-        {"OnOfSwitch", 1, &PPDXJobNote::IsOnOffSwitch, false},
-        {"LengthReq", 1, &PPDXJobNote::IsLengthReq, false},
-        {"SecPrint", 1, &PPDXJobNote::IsSecPrint, false},
-        {"Command", 2, nullptr, false},
-        {"Space", 2, &PPDXJobNote::IsSpace, true},
-        {"Negative", 2, &PPDXJobNote::IsNegative, true},
-        {"Encrypt", 3, &PPDXJobNote::IsEncrypt, false},
-        {"MultiSpace", 3, &PPDXJobNote::IsMultiSpace, true},
-        {"MultiComma", 3, &PPDXJobNote::IsMultiComma, true},
-        {"LCD", 3, &PPDXJobNote::IsLCD, false},
-        {"Hyphen", 3, &PPDXJobNote::IsHyphen, false},
-        {"TwoCharField", 3, &PPDXJobNote::IsTwoCharFields, false},
-        {"NoComma", 3, &PPDXJobNote::IsNoComma, false},
-        {"MinLength", 3, nullptr, false},
-        {"UTF8", 3, &PPDXJobNote::IsUTF8, false},
-        {"AESEncrypt", 3, &PPDXJobNote::IsAESEncrypt, false},
-        {"PopupJN", 3, &PPDXJobNote::IsPopupJN, false},
-    };
-    static_assert(std::size(rows) == jobNoteFlags.size());
     std::uint32_t bit = 1;
-    for (const Row& row : rows) {
+    for (const JobNoteFlagRow& row : jobNoteFlags) {
+        EXPECT_EQ(std::uint32_t{row.flag}, bit) << row.word;
         for (int level = 0; level <= 3; ++level) {
             JobNoteFlagReader reader(level);
             EXPECT_EQ(reader.Read(row.word), level >= row.level ? Result::taken : Result::aboveLevel)
                 << row.word;
             EXPECT_EQ(reader.Flags(), level >= row.level ? bit : 0U) << row.word;
         }
-        const PPDXJobNote note = Make({}, nullptr, bit);
-        EXPECT_EQ(note.IsAnyText(), !row.limitsText) << row.word;
-        for (const Row& other : rows) {
-            if (other.accessor) {
-                EXPECT_EQ((note.*other.accessor)(), &other == &row) << row.word << " " << other.word;
-            }
-        }
+        EXPECT_EQ(Make({}, nullptr, bit).IsAnyText(), row.typing != NoteTyping::limits) << row.word;
         bit <<= 1;
     }
 }
@@ -250,29 +208,6 @@ TEST_F(JobNoteTest, TextsKeepTheirCharactersInEveryEncoding) {
         note.ResetToDefaultValue();
         EXPECT_EQ(valueOf(note), "\u65e5");
     }
-}
-
-TEST_F(JobNoteTest, DefaultsSwitchAndSharedConverter) {
-    const long before = PPDXJobNote::ConverterUses();
-    {
-        PPDXJobNote note = Make({}, nullptr);
-        PPDXJobNote other = Make({}, "caf\u00e9");
-        EXPECT_EQ(PPDXJobNote::ConverterUses(), before + 2);
-        EXPECT_EQ(note.GetDefaultNotes(), nullptr);
-        EXPECT_EQ(note.CFDefaultNotes(), nullptr);
-        EXPECT_STREQ(note.GetNotes(), "");
-        EXPECT_EQ(utf8Text(other.CFDefaultNotes()), "caf\u00e9");
-        note.SetDefaultNotes("d");
-        EXPECT_STREQ(note.GetNotes(), "");
-        note.ResetToDefaultValue();
-        EXPECT_STREQ(note.GetNotes(), "d");
-        EXPECT_FALSE(note.GetNotesOnValue());
-        note.SetNotesOnValue(true);
-        EXPECT_TRUE(note.GetNotesOnValue());
-        EXPECT_EQ(note.MaxLength(), 40);
-        EXPECT_EQ(note.MinLength(), 2);
-    }
-    EXPECT_EQ(PPDXJobNote::ConverterUses(), before);
 }
 
 } // namespace

@@ -172,19 +172,6 @@ TEST(ZANPPDErrors, ParsingStopsAtTheFirstErrorWhenAsked) {
     EXPECT_EQ(find(*stopped, "*After"), nullptr);
 }
 
-TEST(ZANPPDErrors, JapaneseSampleIsReadInItsEncoding) {
-    const std::filesystem::path samples = std::filesystem::path(TORKA_SOURCE_DIR) / "samples";
-    const auto japanese = parseFile(samples / "torka-production-ja.ppd");
-    std::size_t texts = 0;
-    japanese->GetControls()->ForEach([&](PPDXControl* control) {
-        for (const char16_t unit : control->CFStringUserName()->units) {
-            EXPECT_NE(unit, u'\xFFFD');
-            texts += unit >= 0x3040 ? 1 : 0;
-        }
-    });
-    EXPECT_GT(texts, 100U);
-}
-
 TEST(ZANPPDLint, NotesTellKindLineAndText) {
     const std::string longLine = "*Long " + std::string(300, 'x');
     PPDLint lint;

@@ -269,40 +269,6 @@ TEST_F(ZANPPDModel, SuppliedChoicesReplaceAPopupsOwn) {
     EXPECT_FALSE(model->PPDCreatePopupMenu("*Key", {}, "C"));
 }
 
-TEST_F(ZANPPDModel, SupportedFileNames) {
-    const TemporaryFolder folder;
-    const std::filesystem::path path = folder.Write("a.ppd", frame);
-    const CFURLRef url = CFURLCreateWithFileSystemPath(path.string());
-    const CFArrayRef names = CFArrayCreate({CFNumberCreate(1), cfString("other.ppd"), cfString("test.ppd")});
-    const CFArrayRef none = CFArrayCreate({cfString("TEST")});
-    EXPECT_TRUE(PPDX::ValidateFileName(url, nullptr, nullptr));
-    EXPECT_TRUE(PPDX::ValidateFileName(url, names, nullptr));
-    EXPECT_FALSE(PPDX::ValidateFileName(url, none, nullptr));
-    EXPECT_FALSE(PPDX::ValidateFileName(nullptr, names, nullptr));
-    PPDFile file(url);
-    EXPECT_TRUE(PPDX::ValidateFileName(nullptr, names, &file));
-    const ZANPPD model(url, acceptAll, names);
-    const ZANPPD same(url, 0, none);
-    EXPECT_TRUE(model.IsSupported() && !same.IsSupported());
-    EXPECT_TRUE(model == same);
-    EXPECT_FALSE(model == *parseText(frame));
-    char name[256];
-    EXPECT_TRUE(model.GetPPDFileName(name));
-    EXPECT_STREQ(name, "a.ppd");
-}
-
-TEST_F(ZANPPDModel, PopupJobNotePreferences) {
-    CapturingLog log;
-    const auto model = parseText(frame);
-    EXPECT_THAT(log.Lines(), Contains("There are no preferences in the accounting popup file."));
-    ZANPPD::SetPUJNPrefsReader([] { return std::optional<std::string>("010note one"); });
-    model->ReadPUJNPrefs();
-    ZANPPD::SetPUJNPrefsReader(nullptr);
-    EXPECT_THAT(log.Lines(), Contains("The accounting popup feature is disabled."));
-    EXPECT_EQ(model->PUJNPrefs().setting, '1');
-    EXPECT_EQ(model->PUJNPrefs().values, "note one");
-}
-
 // Settings restore a description with changed values, both with its file and without it.
 TEST_F(ZANPPDModel, SettingsGiveTheDescriptionBack) {
     const std::filesystem::path sample =
@@ -314,8 +280,16 @@ TEST_F(ZANPPDModel, SettingsGiveTheDescriptionBack) {
             popup->SetValue(static_cast<int>(popup->ItemCount()));
         }
     });
-    Settings settings;
-    model.Save(settings);
+    auto* secret = dynamic_cast<PPDXJobNote*>(find(model, "*Resume"));
+    ASSERT_TRUE(secret && secret->IsEncrypt());
+    secret->SetNotes("TOPSECRET");
+    Settings saved;
+    model.Save(saved);
+    secret->ResetToDefaultValue();
+    for (const auto& [key, value] : saved.Values()) {
+        EXPECT_EQ(value.find("TOPSECRET"), std::string::npos) << key;
+    }
+    Settings settings(saved.CopyAsDictionary());
     const CFURLRef gone = CFURLCreateWithFileSystemPath("/nonexistent/gone.ppd");
     for (const CFURLRef& source : {url, gone}) {
         ZANPPD back(settings, source, nullptr);
