@@ -10,7 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cups/ppd.h>
 #include <random>
 #include <string>
 #include <vector>
@@ -228,34 +227,6 @@ void readHeader(Reader& reader) {
         PPDX::NextToken(stream, keyword, " \t:", true);
         reader.ParsePSKeywords(stream, keyword);
     }
-}
-
-TEST(PPDX, HeaderValuesAreThoseThatCupsReads) {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    for (const char* name : {"torka-production.ppd", "torka-production-ja.ppd"}) {
-        const std::string path = std::string(TORKA_SOURCE_DIR "/samples/") + name;
-        ppd_file_t* const cups = ppdOpenFile(path.c_str());
-        ASSERT_NE(cups, nullptr) << path;
-        PPDFile file(FSRef{path});
-        Reader reader;
-        ASSERT_TRUE(reader.StartReading(std::make_unique<PPDFileStream>(&file, true)));
-        readHeader(reader);
-        const auto attribute = [&](const char* keyword) {
-            const ppd_attr_t* const found = ppdFindAttr(cups, keyword, nullptr);
-            return std::string(found != nullptr ? found->value : "(none)");
-        };
-        EXPECT_EQ(textOf(reader.FormatVersion()), attribute("FormatVersion"));
-        EXPECT_EQ(textOf(reader.FileVersion()), attribute("FileVersion"));
-        EXPECT_EQ(textOf(reader.PCFileName()), attribute("PCFileName"));
-        EXPECT_EQ(textOf(reader.ModelName()), attribute("ModelName"));
-        EXPECT_EQ(textOf(reader.LanguageVersion()), attribute("LanguageVersion"));
-        EXPECT_EQ(textOf(reader.LanguageEncoding()), attribute("LanguageEncoding"));
-        EXPECT_EQ(textOf(reader.DialogExtension()), attribute("APDialogExtension"));
-        EXPECT_NE(reader.Converter(), nullptr);
-        ppdClose(cups);
-    }
-#pragma GCC diagnostic pop
 }
 
 TEST(PPDX, HeaderValuesAreReplacedAndSetTheApplicationsEncoding) {
