@@ -176,21 +176,6 @@ TEST(DES, PublishedAnswers) {
     }
 }
 
-TEST(DES, AgreesWithOpenSsl) {
-    Block plain;
-    for (int i = 0; i < 256; ++i) {
-        plain.push_back(static_cast<std::uint8_t>(i * 37 + 11));
-    }
-    DES engine;
-    engine.deskey(aesKey.data(), EN0);
-    Block cipher(plain.size());
-    for (std::size_t i = 0; i < plain.size(); i += 8) {
-        engine.des(plain.data() + i, cipher.data() + i);
-    }
-    const std::string key = toHexText(std::span(aesKey).first(8));
-    EXPECT_EQ(tests::openSslCipher("-e -des-ecb -nopad -K " + key, plain), cipher);
-}
-
 // The submitters' table for 256-bit keys (ECB_TBL). Each cipher text is the next plain text, and the two
 // before it form the key.
 TEST(Twofish, PublishedTable) {
