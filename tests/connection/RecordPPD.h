@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "tests/support/SmallPPD.h"
 #include "tests/support/TestSupport.h"
 
 #include <string>
@@ -14,21 +15,18 @@ inline std::string writeRecordPPD(const TemporaryFolder& folder, const std::stri
     const std::string path = (folder / (recordName + ".ppd")).string();
     runPython(R"PY(
 import base64, sys, zlib
-path, name, wide = sys.argv[1:]
+path, name, wide, head = sys.argv[1:]
 text = sys.stdin.buffer.read()
 if wide == "1":
     text = text.decode().encode("utf-32-" + ("le" if sys.byteorder == "little" else "be"))
 packed = zlib.compress(text, 9)
 pieces = [packed[i:i + 158] for i in range(0, len(packed), 158)]
 with open(path, "w") as ppd:
-    print('*PPD-Adobe: "4.3"', '*FormatVersion: "4.3"', '*FileVersion: "1.0"', '*LanguageVersion: English',
-          '*LanguageEncoding: ISOLatin1', '*PCFileName: "RECORD.PPD"', '*Manufacturer: "Torka"',
-          '*Product: "(Torka)"', '*ModelName: "Torka"', '*NickName: "Torka"', '*PSVersion: "(3010.0) 1"',
-          sep="\n", file=ppd)
+    ppd.write(head)
     for number, piece in enumerate(pieces + [b""]):
         print('*%s%04x: "%s"' % (name, number, base64.b64encode(piece).decode()), file=ppd)
 )PY",
-              {path, recordName, wide ? "1" : "0"}, text);
+              {path, recordName, wide ? "1" : "0", smallPPD}, text);
     return path;
 }
 

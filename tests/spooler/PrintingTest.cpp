@@ -2,6 +2,7 @@
 #include "spooler/SpliceFile.h"
 #include "tests/spooler/SpliceCheck.h"
 
+#include "tests/support/SmallPPD.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
@@ -140,19 +141,12 @@ TEST(Printing, TheSystemsOwnFilterWritesWhatIsRemovedAndReadsWhatIsSpliced) {
                "\n*Default" + keyword + ": A\n*" + keyword + " A: \"(system " + keyword + " A) =\"\n*" +
                keyword + " B: \"(system " + keyword + " B) =\"\n*CloseUI: *" + keyword + "\n";
     };
-    const std::string description = folder.Write(
-        "test.ppd",
-        "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*FileVersion: \"1.0\"\n*LanguageVersion: English\n"
-        "*LanguageEncoding: ISOLatin1\n*PCFileName: \"T.PPD\"\n*Manufacturer: \"T\"\n*Product: \"(T)\"\n"
-        "*ModelName: \"T\"\n*ShortNickName: \"T\"\n*NickName: \"T\"\n*PSVersion: \"(3010.000) 1\"\n"
-        "*OpenUI *PageSize: PickOne\n*DefaultPageSize: Letter\n*PageSize Letter: \"\"\n*CloseUI: *PageSize\n"
-        "*OpenUI *PageRegion: PickOne\n*DefaultPageRegion: Letter\n*PageRegion Letter: \"\"\n*CloseUI: "
-        "*PageRegion\n"
-        "*DefaultImageableArea: Letter\n*ImageableArea Letter: \"0 0 612 792\"\n"
-        "*DefaultPaperDimension: Letter\n*PaperDimension Letter: \"612 792\"\n" +
-            option("QVFirst", "Prolog") + option("QVSecond", "DocumentSetup") +
-            option("QVThird", "PageSetup") + option("QVKept", "DocumentSetup") +
-            "*CustomQVSecond True: \"pop (system custom) =\"\n" + "*ParamCustomQVSecond Val: 1 int 0 9\n");
+    const std::string description =
+        folder.Write("test.ppd", smallPPD + onlySheet("612 792", "Letter") + option("QVFirst", "Prolog") +
+                                     option("QVSecond", "DocumentSetup") + option("QVThird", "PageSetup") +
+                                     option("QVKept", "DocumentSetup") +
+                                     "*CustomQVSecond True: \"pop (system custom) =\"\n" +
+                                     "*ParamCustomQVSecond Val: 1 int 0 9\n");
     const std::string plain =
         "%!PS-Adobe-3.0\n%%Pages: 3\n%%EndComments\n%%Page: 1 1\n1 1 moveto showpage\n"
         "%%Page: 2 2\n2 2 moveto 90 90 lineto stroke showpage\n%%Page: 3 3\nshowpage\n%%EOF\n";
