@@ -204,6 +204,71 @@ TEST(PDEData, QuickAccessComesBackWithoutWhatMayNotBeShown) {
     EXPECT_EQ(read.quickAccess.size(), maximumQuickAccess);
 }
 
+// Two persons on one queue. Each row: what a person does with the watermarks of the queue, and what both see.
+TEST(PDEData, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader + popup("QVDuplex", {"None"}) + popup("QVStaple", {"None"}));
+    const auto open = [&](const char* person) {
+        system->homeFolder = std::string("/home/") + person;
+        pane.Open();
+        pane.data->GetWatermarksFromPreferences();
+    };
+    const auto seen = [&] {
+        std::string texts;
+        for (std::size_t i = 0; i < pane.data->Watermarks().Count(); ++i) {
+            texts += pane.data->Watermarks().At(i)->Text();
+        }
+        return texts;
+    };
+    const auto put = [&](const char* text) {
+        pane.data->Watermarks().Append(std::make_unique<ZANWatermark>((std::string(14, ',') + text).c_str()));
+    };
+    struct Step {
+        const char* person;
+        const char* added; // null: only opens; "": removes all
+        const char* anna;
+        const char* bert;
+    };
+    for (const Step& step : {Step{"anna", "A", "A", "A"},
+                             {"bert", nullptr, "A", "A"},
+                             {"bert", "B", "A", "AB"},
+                             {"anna", "C", "AC", "AB"},
+                             {"anna", "", "", "AB"}}) {
+        open(step.person);
+        if (step.added != nullptr && *step.added != '\0') {
+            put(step.added);
+            pane.data->SaveWatermarksToPreferences();
+        } else if (step.added != nullptr) {
+            pane.data->ForgetWatermarkPreferences();
+        } else {
+            pane.data->SaveWatermarksToPreferences(); // unchanged: the queue's list stays in force
+        }
+        for (const auto& [person, expected] : {std::pair{"anna", step.anna}, std::pair{"bert", step.bert}}) {
+            open(person);
+            EXPECT_EQ(seen(), expected) << person << " after " << step.person;
+            pane.Store(".SelectedWatermarkKey", CFNumberCreate(1));
+            pane.data->RestoreNonPSSettings();
+            EXPECT_EQ(pane.data->Watermarks().SelectedIndex(),
+                      std::string_view(expected).size() > 1 ? 1 : -1);
+        }
+    }
+    EXPECT_EQ(pane.addressList->find("<string>,,,,,,,,,,,,,,"), std::string::npos)
+        << "the queue's last list is empty";
+
+    PPDTree tree;
+    open("anna");
+    const auto choose = [&](const char* keyword, bool isWritable) {
+        system->writeFailure = [isWritable](const auto&) {
+            return isWritable ? std::error_code() : std::make_error_code(std::errc::permission_denied);
+        };
+        tree.quickAccess.push_back({"", keyword, 0});
+        return pane.data->SetPPDShortcuts(tree);
+    };
+    EXPECT_TRUE(choose("*QVDuplex", false)) << "the queue keeps it";
+    EXPECT_TRUE(choose("*QVStaple", true));
+    EXPECT_FALSE(choose("*QVDuplex", false)) << "the own list stays in force without the change";
+}
+
 TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
     ScopedMemorySystem system;
     Pane pane(paneHeader);

@@ -40,7 +40,8 @@ TEST(Presets, AreSavedAppliedRenamedAndRemoved) {
     kept.Set("*QVNotes1", "B\xC3\xBCro <1> & \"2\"");
     kept.Set("*PageSize", "Letter");
     kept.pane.data->MixedMediaList().Append({L"*MM_A1", L"Cover \x65E5"});
-    kept.pane.data->AccountPairs()[1].value = L"42";
+    kept.pane.data->AccountPairs()[0].key = L"*QVPCName";     // as a template may leave it
+    kept.pane.data->AccountPairs()[1] = {L"QVPCName", L"42"}; // as the module names it
     kept.pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("Draft,0,0"));
     kept.pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("Secret,0,0"));
     kept.pane.data->Watermarks().Select(1);
@@ -63,7 +64,9 @@ TEST(Presets, AreSavedAppliedRenamedAndRemoved) {
     EXPECT_EQ(kept.Get("*PageSize"), "A4"); // from the dialog's own tabs
     EXPECT_THAT(pairsOf(kept.pane.data->MixedMediaList().Entries()),
                 ElementsAre("*MM_A1=Cover \xE6\x97\xA5"));
-    EXPECT_EQ(kept.pane.data->AccountPairs()[1].value, L"42");
+    EXPECT_THAT(pairsOf(kept.pane.data->AccountPairs()),
+                ElementsAre("*QVPCMID=-1", "QVPCName=42", "*QVCoverSizePCMID=-1", "*QVCoverSizePCName=-1"));
+    EXPECT_EQ(kept.store.NameOf(kept.store.PresentSettings()), "Booklet");
     EXPECT_EQ(kept.pane.data->Watermarks().SelectedIndex(), 1);
 
     EXPECT_EQ(kept.store.Rename("Booklet", "Simple"), Result::nameTaken);

@@ -108,11 +108,11 @@ public:
     // template's.
     void TakeTemplate();
 
-    // The quick-access entries of this printer, kept in the address list. False without a printer name.
+    // The quick-access entries: the person's own, else the queue's. False when nothing could be kept.
     bool SetPPDShortcuts(const PPDTree& tree);
     bool GetPPDShortcuts(PPDTree& tree);
 
-    // The watermark definitions of this printer, kept in the address list.
+    // The watermark definitions of this printer, kept like quick access.
     // Writes nothing while there is no watermark.
     void SaveWatermarksToPreferences();
     // Removes all kept definitions, after the last watermark was deleted.

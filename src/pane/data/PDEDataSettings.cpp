@@ -5,13 +5,15 @@
 #include "connection/ZANCorvianPrinterPList.h"
 #include "pane/data/ControlTables.h"
 #include "pane/data/CutText.h"
+#include "pane/data/PersonalFile.h"
 #include "platform/Log.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
 
 // What the pane keeps between dialogs. Settings without a control go into the print settings; quick access
-// and watermarks go into the printer's entry of the address list.
+// and watermarks go into the printer's entry of the address list, and into the person's own lists once that
+// person has changed them.
 
 namespace torka {
 
@@ -21,6 +23,10 @@ constexpr std::size_t settingTextSize = 256; // bytes with terminator
 constexpr std::size_t definitionSize = 1024; // bytes with terminator, one row of the address list
 constexpr int quickAccessBlock = 0;
 constexpr int watermarkBlock = 1;
+
+std::u16string_view personalList(int block) {
+    return block == quickAccessBlock ? PersonalLists::quickAccess : PersonalLists::watermarks;
+}
 
 CFStringRef settingText(const std::wstring& wide) {
     return cfString(cutText(utf8FromWide(wide), settingTextSize));
@@ -203,18 +209,29 @@ std::size_t PDEData::StoredWatermarkCount() const {
     return mPrinterName && mCorvianList ? KeptRows(watermarkBlock).size() : 0;
 }
 
-// Writes a block of rows into the printer's entry and saves the list.
+// Writes a block of rows into the printer's entry and saves the list. The person gets an own list with the
+// first change, and keeps it. True when the next dialog of this person begins with these rows.
 bool PDEData::KeepRows(int block, const std::vector<std::string>& texts) {
     std::vector<DataRow> rows(texts.size());
+    std::vector<std::string> kept;
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        const std::string text = cutText(texts[i], rows[i].size());
-        std::copy_n(text.c_str(), text.size() + 1, rows[i].data());
+        kept.push_back(cutText(texts[i], rows[i].size()));
+        std::copy_n(kept[i].c_str(), kept[i].size() + 1, rows[i].data());
     }
-    return mCorvianList->AddDataBlob(mPrinterName, static_cast<int>(rows.size()), block, rows) != 0 &&
-           mCorvianList->Save();
+    const PersonalLists own(mPrinterName);
+    const bool hadOwn = own.Read(personalList(block)).has_value();
+    const bool isOwn = kept != KeptRows(block) ? own.Write(personalList(block), kept) : hadOwn;
+    const bool isStored =
+        mCorvianList->AddDataBlob(mPrinterName, static_cast<int>(rows.size()), block, rows) != 0 &&
+        mCorvianList->Save();
+    return isOwn || (isStored && !hadOwn);
 }
 
+// The list in force: the person's own, else that of the queue.
 std::vector<std::string> PDEData::KeptRows(int block) const {
+    if (auto own = PersonalLists(mPrinterName).Read(personalList(block))) {
+        return *std::move(own);
+    }
     std::vector<CFStringRef> rows;
     mCorvianList->GetDataBlob(mPrinterName, block, rows);
     std::vector<std::string> texts;

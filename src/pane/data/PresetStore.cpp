@@ -5,9 +5,7 @@
 #include "output/ZANJobNote.h"
 #include "pane/data/ControlTables.h"
 #include "pane/data/PDEData.h"
-#include "platform/Log.h"
-#include "platform/PropertyList.h"
-#include "platform/System.h"
+#include "pane/data/PersonalFile.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
@@ -19,37 +17,7 @@ namespace torka {
 
 namespace {
 
-constexpr std::size_t maximumFileBytes = std::size_t{16} * 1024 * 1024;
-constexpr unsigned fileMode = 0600;
-constexpr std::size_t maximumFileName = 200; // bytes; file systems take 255
 constexpr CFIndex maximumListEntries = 4096;
-
-// Makes one file name of any printer name. A character that a file system may interpret becomes "%" and two
-// hexadecimal digits. A long name is cut and ends in a hash of the whole name (FNV-1a, 64 bits).
-std::string fileNameFor(const std::string& printerName) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string name;
-    std::uint64_t mark = 0xCBF29CE484222325U;
-    for (const char c : printerName) {
-        const auto byte = static_cast<unsigned char>(c);
-        mark = (mark ^ byte) * 0x100000001B3U;
-        const bool plain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                           c == '_' || c == '-';
-        if (plain) {
-            name += c;
-        } else {
-            name += {'%', digits[byte >> 4], digits[byte & 15]};
-        }
-    }
-    if (name.size() > maximumFileName) {
-        name.resize(maximumFileName - 17);
-        name += '-';
-        for (int shift = 60; shift >= 0; shift -= 4) {
-            name += digits[(mark >> shift) & 15];
-        }
-    }
-    return name + ".plist";
-}
 
 // Whether a property list in XML can hold the text.
 bool isPlainText(const CFStringRef& text) {
@@ -114,6 +82,21 @@ void fill(SettingList& list, const CFTypeRef& value) {
     }
 }
 
+std::wstring bareKey(const std::wstring& key) { return key.substr(key.starts_with(L'*') ? 1 : 0); }
+
+// The pairs with a value, one for each key, and every key with its asterisk. The module names keys without
+// it, and a template may fill two pairs with one key; the first pair with a value counts.
+std::vector<WideSetting> accountsOf(std::span<const WideSetting> pairs) {
+    std::vector<WideSetting> accounts;
+    for (const WideSetting& pair : pairs) {
+        const std::wstring key = L'*' + bareKey(pair.key);
+        if (pair.value != L"-1" && std::ranges::find(accounts, key, &WideSetting::key) == accounts.end()) {
+            accounts.push_back({key, pair.value});
+        }
+    }
+    return accounts;
+}
+
 struct ListPlace {
     std::u16string_view key;
     SettingList& (PDEData::*list)();
@@ -130,23 +113,12 @@ constexpr std::array<ListPlace, 4> listPlaces{{
 PresetStore::PresetStore(const CFStringRef& printerName, ZANPPD& description, PDEData& paneData)
     : model(description)
     , data(paneData)
-    , file(system().ConfigFolder() / "torka" / "presets" / fileNameFor(utf8Text(printerName))) {}
+    , file(personalFile("presets", printerName)) {}
 
 PresetStore::Content PresetStore::Read() const {
     Content content;
-    std::string xml;
-    const std::error_code failure = system().ReadFile(file, maximumFileBytes, xml);
-    if (failure == std::errc::no_such_file_or_directory) {
-        return content;
-    }
-    std::string reason = failure.message();
-    CFDictionaryRef root;
-    if (!failure) {
-        root = cfCast<CFDictionary>(
-            CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size()), &reason));
-    }
+    const CFDictionaryRef root = readPersonalFile(file);
     if (!root) {
-        myNSLogC("The presets in %s cannot be used: %s", file.c_str(), reason.c_str());
         return content;
     }
     content.lastUsed = cfCast<CFDictionary>(CFDictionaryGetValue(root, u"LastUsed"));
@@ -168,21 +140,9 @@ PresetStore::Result PresetStore::Write(const Content& content) const {
         presets.push_back(
             CFDictionaryCreate({{cfString("Name"), preset.name}, {cfString("Settings"), preset.settings}}));
     }
-    const CFDataRef xml = CFPropertyListCreateXMLData(
-        CFDictionaryCreate({{cfString("Presets"), CFArrayCreate(std::move(presets))},
-                            {cfString("LastUsed"), content.lastUsed}}));
-    std::error_code failure = std::make_error_code(std::errc::invalid_argument);
-    if (xml) {
-        const auto bytes = CFDataGetBytes(xml);
-        failure = system().MakeFolder(file.parent_path());
-        if (!failure) {
-            failure = system().WriteFile(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
-                                         fileMode);
-        }
-    }
-    if (failure) {
-        myNSLogC("The presets could not be written to %s: %s", file.c_str(), failure.message().c_str());
-    }
+    const std::error_code failure =
+        writePersonalFile(file, CFDictionaryCreate({{cfString("Presets"), CFArrayCreate(std::move(presets))},
+                                                    {cfString("LastUsed"), content.lastUsed}}));
     return failure ? Result::notWritten : Result::done;
 }
 
@@ -201,7 +161,7 @@ CFDictionaryRef PresetStore::PresentSettings() const {
             settings.emplace_back(CFStringCreateWithCharacters(place.key), asArray(list.Entries()));
         }
     }
-    settings.emplace_back(cfString("PaperCatalog"), asArray(data.AccountPairs()));
+    settings.emplace_back(cfString("PaperCatalog"), asArray(accountsOf(data.AccountPairs())));
     if (const ZANWatermark* watermark = data.Watermarks().Selected()) {
         settings.emplace_back(cfString("Watermark"), cfString(watermark->Definition()));
         settings.emplace_back(cfString("WatermarkFirstPageOnly"),
@@ -226,10 +186,11 @@ void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
         fill((data.*place.list)(), CFDictionaryGetValue(settings, place.key));
     }
     data.ResetAccountPairs();
-    for (const WideSetting& entry : entriesOf(CFDictionaryGetValue(settings, u"PaperCatalog"))) {
+    for (const WideSetting& entry : accountsOf(entriesOf(CFDictionaryGetValue(settings, u"PaperCatalog")))) {
         for (WideSetting& pair : data.AccountPairs()) {
-            if (pair.key == entry.key) {
-                pair.value = entry.value.substr(0, accountValueSize - 1);
+            if (bareKey(pair.key) == bareKey(entry.key)) {
+                // As if the module had named it: only then the print settings get the value.
+                pair = {bareKey(entry.key), entry.value.substr(0, accountValueSize - 1)};
             }
         }
     }
