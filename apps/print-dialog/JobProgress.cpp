@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/JobProgress.h"
 
+#include "apps/print-dialog/QueueNotice.h"
+
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -13,6 +16,8 @@ namespace {
 
 constexpr int askInterval = 150;    // milliseconds
 constexpr int silentQuestions = 20; // after so many without an answer the server counts as gone
+
+constexpr int questionsPerQueueState = 7; // about once a second
 
 QString stateText(int state) {
     switch (state) {
@@ -44,38 +49,50 @@ JobProgress::JobProgress(std::string queue, int job, const QString& title, QWidg
     , text(new QLabel(this))
     , detail(new QLabel(this))
     , bar(new QProgressBar(this))
-    , button(new QPushButton(this)) {
+    , cancelButton(new QPushButton(tr("Cancel &Job"), this))
+    , closeButton(new QPushButton(tr("&Close"), this)) {
     setWindowTitle(tr("Printing \u2013 %1").arg(title));
     setMinimumWidth(fontMetrics().averageCharWidth() * 60);
     for (QLabel* label : {text, detail}) {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
     }
+    detail->setObjectName(QStringLiteral("jobDetail"));
+    cancelButton->setObjectName(QStringLiteral("cancelJob"));
+    cancelButton->setAutoDefault(false);
+    closeButton->setDefault(true);
+    closeButton->setToolTip(tr("Closes this window. The job prints on."));
     bar->setAccessibleName(tr("Progress of the job"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(text);
     layout->addWidget(bar);
     layout->addWidget(detail);
-    layout->addWidget(button, 0, Qt::AlignRight);
-    connect(button, &QPushButton::clicked, this, [this] {
-        if (lastStatus.IsOver()) {
-            accept();
-        } else {
-            reject();
-        }
-    });
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cancelButton);
+    buttons->addStretch(1);
+    buttons->addWidget(closeButton);
+    layout->addLayout(buttons);
+    connect(cancelButton, &QPushButton::clicked, this, &JobProgress::CancelJob);
+    connect(closeButton, &QPushButton::clicked, this, &QDialog::reject);
     connect(&timer, &QTimer::timeout, this, &JobProgress::Ask);
     timer.start(askInterval);
     Show();
 }
 
+bool JobProgress::IsGone() const { return failures >= silentQuestions; }
+
 void JobProgress::Ask() {
     const JobStatus status = jobStatus(jobNumber);
     failures = status.state == 0 ? failures + 1 : 0;
-    if (status.state != 0 || failures >= silentQuestions) {
+    if (status.state != 0 || IsGone()) {
         lastStatus = status;
     }
-    if (lastStatus.IsOver() || failures >= silentQuestions) {
+    if (status.state != 0 && !lastStatus.IsOver() && questions++ % questionsPerQueueState == 0) {
+        const CFDictionaryRef state = queueState(queueName);
+        queueReason = queueNotice(queueName, state);
+        jobsInQueue = queuedJobs(state);
+    }
+    if (lastStatus.IsOver() || IsGone()) {
         timer.stop();
     }
     Show();
@@ -85,13 +102,31 @@ void JobProgress::Ask() {
     }
 }
 
+QString JobProgress::WhyItWaits() const {
+    if (lastStatus.IsOver() || IsGone()) {
+        return {};
+    }
+    if (!queueReason.isEmpty()) {
+        return queueReason;
+    }
+    if (lastStatus.state == jobStateHeld) {
+        return tr("The job is held until its time comes or somebody releases it.");
+    }
+    return lastStatus.state == jobStatePending && jobsInQueue > 1
+               ? tr("Jobs in this queue: %1").arg(jobsInQueue)
+               : QString();
+}
+
 void JobProgress::Show() {
-    const bool isOver = !timer.isActive() && (lastStatus.IsOver() || failures >= silentQuestions);
+    const bool isOver = lastStatus.IsOver() || IsGone();
     text->setText(outcome());
-    detail->setText(QString::fromStdString(lastStatus.message));
+    QStringList lines{cancelReason, WhyItWaits(), QString::fromStdString(lastStatus.message)};
+    lines.removeAll(QString());
+    detail->setText(lines.join(QLatin1Char('\n')));
     bar->setRange(0, isOver ? 1 : 0);
     bar->setValue(isOver ? 1 : 0);
-    button->setText(isOver ? tr("Close") : tr("Cancel Job"));
+    // A stopped job still exists.
+    cancelButton->setEnabled(!IsGone() && (!isOver || lastStatus.state == jobStateStopped));
 }
 
 QString JobProgress::outcome() const {
@@ -100,13 +135,21 @@ QString JobProgress::outcome() const {
         .arg(QString::fromStdString(queueName), stateText(lastStatus.state));
 }
 
-void JobProgress::reject() {
-    if (timer.isActive()) {
-        cancelJob(queueName, jobNumber);
+bool JobProgress::isLeftToPrint() const { return result() == Rejected && !lastStatus.IsOver() && !IsGone(); }
+
+void JobProgress::CancelJob() {
+    const std::string reason = cancelJob(queueName, jobNumber);
+    cancelReason = reason.empty()
+                       ? QString()
+                       : tr("The job could not be cancelled: %1").arg(QString::fromStdString(reason));
+    lastStatus = jobStatus(jobNumber);
+    if (lastStatus.state == jobStateCanceled) {
         timer.stop();
-        lastStatus = jobStatus(jobNumber);
+        reject();
+        return;
     }
-    QDialog::reject();
+    timer.start(askInterval);
+    Show();
 }
 
 } // namespace torka::dialog

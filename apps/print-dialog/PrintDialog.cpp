@@ -1,17 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/PrintDialog.h"
 
+#include "apps/print-dialog/QueueNotice.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QGroupBox>
+#include <QLabel>
+#include <QLayout>
 #include <QPrinterInfo>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
 #include <QSpinBox>
 #include <QTabWidget>
+
+#include <algorithm>
 
 namespace torka::dialog {
 
@@ -31,7 +38,8 @@ QDialog* propertiesOf(const QPrintDialog& dialog) {
 
 PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::string& jobName, QWidget* parent)
     : QPrintDialog(&qtPrinter, parent)
-    , paneTab(new PaneTab(plugIn, qtPrinter, jobName)) {
+    , paneTab(new PaneTab(plugIn, qtPrinter, jobName))
+    , queueNotice(new QLabel(this)) {
     // The dialog cannot print to a file, because it sends the document unchanged.
     setOption(QAbstractPrintDialog::PrintToFile, false);
     setOption(QAbstractPrintDialog::PrintPageRange, true);
@@ -43,6 +51,7 @@ PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::stri
     if (printers != nullptr) {
         connect(printers, &QComboBox::currentIndexChanged, this, &PrintDialog::FollowPrinter);
     }
+    AddQueueNotice();
     FollowOwnTabs();
     FollowPrinter();
     connect(paneTab, &PaneTab::copiesChosen, this, [this](int copies) {
@@ -81,12 +90,44 @@ void PrintDialog::FollowPrinter() {
     acceptedLayout = printer()->pageLayout();
     paneTab->setQueue(queue());
     HideWhatThePaneDecides();
+    ShowQueueNotice();
     const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
     for (QTabWidget* tabs : tabWidgets) {
         if (const int at = tabs->indexOf(paneTab); at >= 0) {
             tabs->setTabText(at, paneTab->windowTitle());
         }
     }
+}
+
+// The line stands above the buttons, where the person looks before printing.
+void PrintDialog::AddQueueNotice() {
+    queueNotice->setObjectName(QStringLiteral("queueNotice"));
+    queueNotice->setTextFormat(Qt::PlainText);
+    queueNotice->setWordWrap(true);
+    queueNotice->hide();
+    auto* rows = qobject_cast<QBoxLayout*>(layout());
+    if (rows != nullptr) {
+        rows->insertWidget(std::max(rows->indexOf(findChild<QDialogButtonBox*>()), 0), queueNotice);
+    }
+    connect(&queueTimer, &QTimer::timeout, this, [this] {
+        if (isVisible()) {
+            ShowQueueNotice();
+        }
+    });
+}
+
+void PrintDialog::ShowQueueNotice() {
+    constexpr int askInterval = 3000; // milliseconds
+    const std::string name = queue();
+    const CFDictionaryRef state = name.empty() ? nullptr : queueState(name);
+    if (state) {
+        queueTimer.start(askInterval);
+    } else {
+        queueTimer.stop(); // each question to a server that is gone would block the dialog
+    }
+    const QString text = dialog::queueNotice(name, state);
+    queueNotice->setText(text);
+    queueNotice->setHidden(text.isEmpty());
 }
 
 void PrintDialog::FollowOwnTabs() {

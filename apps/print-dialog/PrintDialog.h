@@ -6,9 +6,11 @@
 #include <QPageLayout>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QTimer>
 #include <string>
 
 class QComboBox;
+class QLabel;
 
 namespace torka::dialog {
 
@@ -44,10 +46,14 @@ private:
     void HideWhatThePaneDecides(QDialog& properties) const;
     void BringPaneToFront();
     void ShowFieldOfPane();
+    void AddQueueNotice();
+    void ShowQueueNotice();
 
     PaneTab* paneTab; // the dialog's tabs own it
     QComboBox* printers = nullptr;
     QPageLayout acceptedLayout; // page size and orientation as the properties were last accepted
+    QLabel* queueNotice;        // why a job would wait; hidden for a queue that prints
+    QTimer queueTimer;
     bool isClosing = false;
 };
 

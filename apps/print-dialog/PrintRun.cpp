@@ -53,7 +53,7 @@ int runDialog(const Document& document, PrintDialog& dialog) {
     JobProgress progress(dialog.queue(), job, document.name);
     progress.exec();
     std::printf("%s\n", qUtf8Printable(progress.outcome()));
-    if (progress.status().state == jobStateCompleted) {
+    if (progress.status().state == jobStateCompleted || progress.isLeftToPrint()) {
         return 0;
     }
     std::fprintf(stderr, "%s\n", progress.status().message.c_str());

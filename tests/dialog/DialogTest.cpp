@@ -257,6 +257,49 @@ TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
     }
 }
 
+TEST_F(DialogTest, AStoppedQueueSaysWhyAndOnlyItsButtonCancelsTheJob) {
+    AddQueue("Halted", samplePath("torka-production.ppd"));
+    ASSERT_EQ(runCommand({"cupsdisable", "-r", "Out for repair", "Halted"}).status, 0);
+    const auto shown = Open("Halted");
+    PrintDialog& dialog = *shown->dialog;
+    const auto* notice = dialog.findChild<QLabel*>("queueNotice");
+    ASSERT_NE(notice, nullptr);
+    EXPECT_TRUE(notice->isVisible());
+    EXPECT_TRUE(notice->text().contains("is stopped") && notice->text().contains("Out for repair"))
+        << notice->text().toStdString();
+    AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
+    PressPrint(dialog);
+    QString error;
+    dialog::Document document;
+    ASSERT_TRUE(dialog::openDocument(QString::fromStdString(samplePath("brochure.ps")), document, error));
+    const int job = dialog::submitDocument(document, dialog, error);
+    // Each row: how the person ends the window, and the job's state then.
+    const struct {
+        std::function<void(dialog::JobProgress&)> end;
+        bool isLeftToPrint;
+        int state;
+    } rows[] = {
+        {[](dialog::JobProgress& window) { QTest::keyClick(&window, Qt::Key_Escape); }, true,
+         jobStatePending},
+        {[](dialog::JobProgress& window) { window.close(); }, true, jobStatePending},
+        {[](dialog::JobProgress& window) { window.findChild<QPushButton*>("cancelJob")->click(); }, false,
+         jobStateCanceled},
+    };
+    for (const auto& row : rows) {
+        dialog::JobProgress progress(dialog.queue(), job, document.name);
+        progress.show();
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return progress.findChild<QLabel*>("jobDetail")->text().contains("Out for repair"); },
+            20000));
+        row.end(progress);
+        EXPECT_FALSE(progress.isVisible());
+        EXPECT_EQ(progress.isLeftToPrint(), row.isLeftToPrint);
+        EXPECT_EQ(jobStatus(job).state, row.state);
+    }
+    EXPECT_TRUE(dialog.chooseQueue(productionQueue()));
+    EXPECT_TRUE(notice->isHidden());
+}
+
 } // namespace
 
 } // namespace torka::tests

@@ -72,7 +72,7 @@ OSStatus CupsPrinter::CopyState(CFDictionaryRef& state) const {
     state = nullptr;
     const IppMessage answer =
         printerAttributes(queueName, {"printer-state", "printer-state-message", "printer-state-reasons",
-                                      "printer-is-accepting-jobs"});
+                                      "printer-is-accepting-jobs", "queued-job-count"});
     if (!answer) {
         return kPMGeneralError;
     }
@@ -83,6 +83,7 @@ OSStatus CupsPrinter::CopyState(CFDictionaryRef& state) const {
     const std::vector<std::string> message = attributeTexts(answer.get(), "printer-state-message");
     state = CFDictionaryCreate({
         {cfString("printer-state"), CFNumberCreate(attributeInteger(answer.get(), "printer-state"))},
+        {cfString("queued-job-count"), CFNumberCreate(attributeInteger(answer.get(), "queued-job-count"))},
         {cfString("printer-state-message"), cfString(message.empty() ? std::string() : message.front())},
         {cfString("printer-state-reasons"), CFArrayCreate(std::move(reasons))},
         {cfString("printer-is-accepting-jobs"),

@@ -26,7 +26,8 @@ public:
     OSStatus CopyHostName(CFStringRef& name) const override;
     OSStatus MakeAndModelName(CFStringRef& name) const override;
     OSStatus State(std::uint16_t& state) const override;
-    // "printer-state" as number, "printer-is-accepting-jobs" as boolean, "printer-state-message" as text,
+    // "printer-state" and "queued-job-count" as numbers, "printer-is-accepting-jobs" as boolean,
+    // "printer-state-message" as text,
     // "printer-state-reasons" as an array of texts.
     OSStatus CopyState(CFDictionaryRef& state) const override;
     OSStatus PaperList(std::vector<Paper>& papers) const override;

@@ -45,8 +45,10 @@ JobStatus jobStatus(int job) {
     return status;
 }
 
-void cancelJob(const std::string& queueName, int job) {
-    cupsCancelJob2(CUPS_HTTP_DEFAULT, queueName.c_str(), job, 0);
+std::string cancelJob(const std::string& queueName, int job) {
+    const bool isCancelled =
+        cupsCancelJob2(CUPS_HTTP_DEFAULT, queueName.c_str(), job, 0) <= IPP_STATUS_OK_CONFLICTING;
+    return isCancelled ? "" : cupsLastErrorString();
 }
 
 std::string addQueue(const std::string& name, const std::string& deviceUri, const std::string& ppdPath) {

@@ -27,7 +27,8 @@ struct JobStatus {
     bool IsOver() const { return state >= 6; }
 };
 JobStatus jobStatus(int job);
-void cancelJob(const std::string& queueName, int job);
+// Returns "" or the server's reason for not cancelling it.
+std::string cancelJob(const std::string& queueName, int job);
 
 // Adds or changes a queue and lets it accept jobs. A job that fails is aborted and does not stop the queue,
 // so that other people's jobs still print. Returns "" or the server's reason.
