@@ -168,7 +168,7 @@ void FeatureEmission::AddFirstControl(PPDXControl* control) {
 // A note's own step adds it whatever its length.
 void FeatureEmission::AddControl(PPDXControl* control) {
     const std::size_t tooLong = ticket.Add(siteDocumentSetup, control);
-    if (tooLong > 0 && dynamic_cast<PPDXJobNote*>(control) == nullptr) {
+    if (control != nullptr && tooLong > 0 && dynamic_cast<PPDXJobNote*>(control) == nullptr) {
         LeaveOut(control->Keyword() == nullptr ? "" : control->Keyword(), tooLong, maximumControlText);
     }
 }
