@@ -49,18 +49,6 @@ struct Small : EditorTest {
     PaneEditor editor{*pane.model, pane.data.get()};
 };
 
-TEST_F(Small, ForbidsAndSaysWhy) {
-    ASSERT_TRUE(editor.SetValue("*Media", "Labels"));
-    EXPECT_THAT(editor.Forbidden(*editor.FindControl("*Sides")), ElementsAre(false, true));
-    EXPECT_THAT(editor.Forbidden(*editor.FindControl("*Staple")), ElementsAre(false, true, true));
-    const auto why = editor.ForbiddenBy("*Sides", "Two");
-    ASSERT_EQ(why.size(), 1U);
-    EXPECT_EQ(line(why[0]), "*Media=Labels");
-    EXPECT_TRUE(editor.ForbiddenBy("*Sides", "One").empty());
-    EXPECT_TRUE(editor.ForbiddenBy("*Sides", "Never").empty());
-    EXPECT_TRUE(editor.Conflicts().empty());
-}
-
 TEST_F(Small, ResolvesInOneStepAndKeepsWhatWasEditedLast) {
     editor.SetValue("*Staple", "Saddle");
     editor.SetValue("*Sides", "Two");

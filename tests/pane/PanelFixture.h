@@ -2,7 +2,6 @@
 #pragma once
 
 #include "bidi/commands/CommandJob.h"
-#include "connection/BonjourModuleView.h"
 #include "output/BundleIdentifier.h"
 #include "pane/data/PDEData.h"
 #include "pane/data/PresetStore.h"
@@ -10,7 +9,9 @@
 #include "pane/panel/TorkaFeaturesPDEPlugIn.h"
 #include "platform/memory/MemoryBundle.h"
 #include "platform/memory/MemorySpooler.h"
+#include "tests/connection/MemoryAddressSheet.h"
 #include "tests/pane/UIPanelFixture.h"
+#include "tests/support/CallbackDialog.h"
 
 #include <map>
 #include <memory>
@@ -21,31 +22,6 @@
 // description is a file behind a symbolic link, as a spooler supplies it.
 
 namespace torka::tests {
-
-class MemorySheet final : public BonjourModuleView {
-public:
-    void setDelegate(BonjourModuleViewDelegate* newDelegate) override { delegate = newDelegate; }
-    void openSheet() override { isOpen = true; }
-    void closeSheet() override { isOpen = false; }
-    bool isSheetVisible() const override { return isOpen; }
-    CFStringRef addressField() const override { return address; }
-    void setAddressField(const CFStringRef& text) override { address = text; }
-    void focusAddressField() override {}
-    void setRows(std::span<const ControllerRow>, std::optional<std::size_t>) override {}
-    std::optional<std::size_t> selectedRow() const override { return std::nullopt; }
-    void setIndicatorImage(ControllerColumn, SortIndicator) override {}
-    void setProgress(bool) override {}
-    void setStatus(const CFStringRef&) override {}
-    bool bidiState() const override { return bidi; }
-    void setBidiState(bool on) override { bidi = on; }
-    void setBidiCheckBoxEnabled(bool) override {}
-    void setConfigureButtonEnabled(bool) override {}
-
-    BonjourModuleViewDelegate* delegate = nullptr;
-    bool isOpen = false;
-    bool bidi = false;
-    CFStringRef address = cfString("");
-};
 
 struct MemoryWidgets {
     std::map<PaneOutlet, std::string> texts;
@@ -63,7 +39,7 @@ struct MemoryWidgets {
     int conflicts = 0;
     bool brokenNotesAnswer = true;
     int brokenNotes = 0;
-    MemorySheet* sheet = nullptr;
+    MemoryAddressSheet* sheet = nullptr;
 };
 
 class MemoryInterface final : public PaneInterface,
@@ -122,20 +98,7 @@ public:
 private:
     MemoryWidgets& widgets;
     ViewRef root = std::make_shared<View>();
-    MemorySheet sheet;
-};
-
-class MemoryDialog final : public PDEPlugInCallback {
-public:
-    PMPrintSession printSession() const override { return session; }
-    PMPrintSettings printSettings() const override { return settings; }
-    PMPageFormat pageFormat() const override { return format; }
-    std::shared_ptr<Printer> PMPrinter() const override { return printer; }
-
-    std::shared_ptr<MemoryPrintSettings> settings = std::make_shared<MemoryPrintSettings>();
-    std::shared_ptr<MemoryPrinter> printer = std::make_shared<MemoryPrinter>();
-    std::shared_ptr<MemorySession> session = std::make_shared<MemorySession>(printer);
-    std::shared_ptr<MemoryPageFormat> format = std::make_shared<MemoryPageFormat>();
+    MemoryAddressSheet sheet;
 };
 
 inline std::string panelDescription(const std::string& more = {}) {
@@ -209,7 +172,7 @@ struct Bench {
     TemporaryFolder folder;
     std::filesystem::path queuePath;
     std::shared_ptr<MemoryBundle> bundle = std::make_shared<MemoryBundle>();
-    std::shared_ptr<MemoryDialog> dialog = std::make_shared<MemoryDialog>();
+    std::shared_ptr<CallbackDialog> dialog = std::make_shared<CallbackDialog>();
     MemorySpooler* spooler = new MemorySpooler; // owned by the holder of platform::spooler()
     MemoryWidgets widgets;
     int loads = 0;

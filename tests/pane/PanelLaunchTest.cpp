@@ -226,23 +226,6 @@ TEST_F(PanelLaunch, ThePanelMayEndWhileTheWindowIsOpen) {
     EXPECT_FALSE(gIgnoreButtonEvents || sharedListCopyFromJP); // the copy may hold secrets
 }
 
-TEST_F(PanelLaunch, ThousandsOfEntriesAndOverlongValuesComeBackBounded) {
-    module.edit = [&] {
-        module.settings.clear();
-        for (int i = 0; i < 3500; ++i) {
-            module.settings.emplace_back(L"Key" + std::to_wstring(i), std::wstring(800, L'\xD800'));
-        }
-        module.settings[0] = {L"QVDuplex", L"Tumble"};
-        module.settings[2999] = {std::wstring(100, L'k'), L"%n"};
-    };
-    panel->LaunchJobProperties(0);
-    ExpectUsable(1);
-    EXPECT_EQ(entryCount(panel->Record()), exchangeEntryLimit);
-    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "Tumble");
-    panel.reset();
-    EXPECT_FALSE(sharedListCopyFromJP);
-}
-
 TEST_F(PanelLaunch, AModuleInAWindowOfItsOwnIsWatched) {
     setField(panel->Record().jpResult, "-1");
     SetTimerCheckForJPReturn();

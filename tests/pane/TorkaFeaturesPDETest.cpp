@@ -442,7 +442,7 @@ TEST(Panel, ATypedAddressIsStored) {
     EXPECT_EQ(utf8Text(panel->GetPDEDataPtr()->GetCorvianPrinterAddress()), "press.local");
     EXPECT_FALSE(panel->GetPDEDataPtr()->isBIDIEnabled());
     bench.widgets.sheet->bidi = true;
-    bench.widgets.sheet->address = cfString("press.local");
+    bench.widgets.sheet->field = "press.local";
     bench.widgets.sheet->delegate->BIDICheckBoxClicked();
     panel->printWindowWillClose();
     EXPECT_TRUE(panel->GetPDEDataPtr()->isBIDIEnabled());
