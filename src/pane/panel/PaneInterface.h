@@ -107,8 +107,8 @@ public:
     virtual CustomizeQuickAccessView& customizeQuickAccess() = 0;
     virtual PopupJobNoteView& popupJobNotes() = 0;
     // Names the pairs of settings that the description forbids together, before a job is printed, and offers
-    // to resolve them. True to print: there are none, or the person prints all the same. False when the person
-    // cancelled.
+    // to resolve them. True to print: there are none, or the person prints all the same. False when the
+    // person cancelled.
     virtual bool confirmConflicts() = 0;
     // Names the fields of job notes whose texts break a rule, before a job is printed. True to print: no text
     // breaks a rule, or the person prints all the same. False when the person cancelled or went to a field.
