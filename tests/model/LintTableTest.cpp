@@ -62,10 +62,15 @@ std::string range(const std::string& numbers, const std::string& postscript = "<
 }
 
 std::vector<LintCase> lintCases() {
-    std::string long1024;
-    for (int i = 0; i < 5; ++i) {
-        long1024 += std::string(210, 'x') + "\n";
-    }
+    // An option whose feature block has this many bytes.
+    const auto option = [](std::size_t size) {
+        std::string text = "*K B: \"";
+        for (size -= std::string_view("%%BeginFeature: *K B\n\n%%EndFeature\n").size(); size > 200;
+             size -= 200) {
+            text += std::string(199, 'x') + "\n";
+        }
+        return text + std::string(size, 'x') + "\"\n";
+    };
     const std::string ab = popupText("M") + popupText("N"); // lines 1 to 14
     return {
         // Groups and pages
@@ -99,6 +104,11 @@ std::vector<LintCase> lintCases() {
         {note + "*DefaultK: \"x\"\n*K: \"(<*K>) pop\"\n", {"4 strayNoteLine", "5 strayNoteLine"}},
         {note + "*%DefaultM: \"x\"\n", {"4 otherDefault"}},
         {note + "*%K: \"(<K>) pop\"\n", {"4 noPlaceholder"}},
+        {note + "*%DefaultK: \"caf\xE9\"\n", {}},
+        {note + "*%DefaultK: \"caf\xC3\xA9\"\n", {"4 otherEncoding"}},
+        {"*LanguageEncoding: UTF-8\n" + note + "*%DefaultK: \"caf\xE9\"\n", {"5 untranslatableText"}},
+        {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\xE3\x81\xAA\"\n", {"5 otherEncoding"}},
+        {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\x82\xC8<82>\"\n", {}},
         {flags + "*%ZANJobNote *K/K: 9|MinLength8|MinLength\n", {"3 lostMinLength"}},
         {flags + "*%ZANJobNote *K/K: nine\n", {"3 badNumber"}},
         // Ranges
@@ -119,10 +129,13 @@ std::vector<LintCase> lintCases() {
         {"*%ZANFlags *Q:\n*%ZANGroup *Q: Group\n*OpenUI *K/K: PickOne\n*DefaultK: A\n" + a + close,
          {"3 blockOfOtherKey"}},
         {open + a + "*k B/B: \"\"\n" + close, {"6 optionOfOtherKey?*K"}},
+        {open + a + "*Resolution B/B: \"\"\n*?Resolution: \"\"\n*Resolution: \"\"\n" + close,
+         {"6 optionOfOtherKey"}},
         {"*%ZANFlags *Tray:\n*%ZANGroup *Tray: Group\n*OpenUI *Tray/T: PickOne\n*DefaultTray: A\n"
          "*Tray A: \"\"\n*Try B: \"\"\n*TrayB C: \"\"\n*CustomTray True: \"\"\n*CloseUI: *Tray\n",
          {"6 optionOfOtherKey?*Tray", "7 optionOfOtherKey?*Tray"}},
-        {open + a + "*K B: \"\n" + long1024 + "\"\n" + close, {"6 longBlock"}},
+        {open + a + option(1024) + close, {}},
+        {open + a + option(1025) + close, {"6 longBlock"}},
         {open + a + "*K B: \"{ (text) } }\"\n" + close, {"6 unbalancedPostscript"}},
         {open + a + "*K B: \"(a (b) \"\n*K C: \"<0g>\"\n*K D: \"<< /A <0f> >> % ( }\"\n" + close,
          {"6 unbalancedPostscript", "7 unbalancedPostscript"}},
@@ -136,6 +149,9 @@ std::vector<LintCase> lintCases() {
         {open + "*K A/Caf<E9>: \"\"\n" + close, {}},
         {"*LanguageEncoding: UTF-8\n" + open + "*K A/Caf<E9>: \"\"\n" + close, {"6 untranslatableText"}},
         {"*LanguageEncoding: ISOLatin\n" + open + a + close, {"1 unknownEncoding?ISOLatin1"}},
+        {"*LanguageVersion: Englisch\n" + open + a + close, {"1 unknownLanguage?English"}},
+        {"*LanguageVersion: french\n" + open + a + close, {"1 unknownLanguage?French"}},
+        {"*LanguageVersion: French-Canadian\n" + open + a + close, {}},
         {"*%ZANFlag *K:\n" + open + a + close, {"1 misspeltKeyword?*%ZANFlags"}},
         {"*ZANFlags *K:\n" + open + a + close, {"1 misspeltKeyword?*%ZANFlags"}},
         {"*%ZANSomething *K:\n*% ZANFlags\n*%Comment\n" + open + a + close, {"1 misspeltKeyword"}},
@@ -163,6 +179,7 @@ TEST(LintTable, EachMistakeIsToldWithItsLineAndOnlyIt) {
 TEST(LintTable, AHeaderThatCostsThePaneOrTheTextsIsTold) {
     const std::string pages = frame.substr(frame.find("*%ZANPropPage"));
     const std::string body = pages + open + a + close; // lines 1 to 13
+    const std::string accented = note + "*%DefaultK: \"caf\xE9\"\n";
     const std::string name = "*PCFileName: \"A.PPD\"\n";
     const std::string version = "*%QVVersion: \"4.2\"\n";
     const std::string accent = "*%ZANPropPage P/Caf<E9>: True\n";
@@ -171,6 +188,8 @@ TEST(LintTable, AHeaderThatCostsThePaneOrTheTextsIsTold) {
     EXPECT_EQ(findingsOf(first + version + body, 2), std::vector<std::string>{"0 noFileName"});
     EXPECT_EQ(findingsOf(first + name + version + accent + body + "*LanguageEncoding: ISOLatin1\n", 3),
               std::vector<std::string>{"1 textBeforeEncoding"});
+    EXPECT_EQ(findingsOf(first + name + version + pages + accented + "*LanguageEncoding: ISOLatin1\n", 10),
+              std::vector<std::string>{"4 textBeforeEncoding"});
     EXPECT_EQ(findingsOf(first + name + version +
                              "*LanguageVersion: English\n*LanguageEncoding: ISOLatin1\n" + accent + body,
                          5),

@@ -19,6 +19,45 @@ namespace {
 constexpr std::array<std::string_view, 7> encodingNames{
     "ISOLatin1", "ISOLatin2", "ISOLatin5", "JIS83-RKSJ", "MacStandard", "WindowsANSI", "UTF-8"};
 
+// The language names of PPD 4.3, of CUPS and of TextConverter's list.
+constexpr std::array<std::string_view, 37> languageNames{"English",
+                                                         "French",
+                                                         "German",
+                                                         "Italian",
+                                                         "Spanish",
+                                                         "Portuguese",
+                                                         "Dutch",
+                                                         "Danish",
+                                                         "Swedish",
+                                                         "Norwegian",
+                                                         "Finnish",
+                                                         "Japanese",
+                                                         "Chinese",
+                                                         "ChineseTrad",
+                                                         "ChineseSimp",
+                                                         "Korean",
+                                                         "Russian",
+                                                         "Ukrainian",
+                                                         "Polish",
+                                                         "Czech",
+                                                         "Slovak",
+                                                         "Slovenian",
+                                                         "Croatian",
+                                                         "Hungarian",
+                                                         "Romanian",
+                                                         "Bulg",
+                                                         "Bulgarian",
+                                                         "Estonian",
+                                                         "Latvian",
+                                                         "Lithuanian",
+                                                         "Greek",
+                                                         "Turkish",
+                                                         "Thai",
+                                                         "Hebrew",
+                                                         "Arabic",
+                                                         "Simplified Chinese",
+                                                         "Traditional Chinese"};
+
 constexpr std::array<std::string_view, 8> controlFlagWords{
     "Dynamic", "Command", "Spooler", "NoTorkaDriverUI", "DriverUserDisplayHidden",
     "Setup",   "MacFJN",  "MacIS"};
@@ -47,10 +86,18 @@ bool hasOneByteCharacters(CFStringEncoding encoding) {
            encoding == kCFStringEncodingWindowsLatin1;
 }
 
-// Tells whether bytes that are valid in an encoding of one byte a character are probably meant otherwise:
-// they are UTF-8 as well, or are control characters of ISO 8859.
+// Tells whether bytes that are valid in the encoding are probably meant otherwise: they are UTF-8 as well, or
+// are control characters of ISO 8859.
 bool isProbablyOther(std::string_view bytes, CFStringEncoding encoding) {
-    if (!hasOneByteCharacters(encoding) || isAscii(bytes)) {
+    if (isAscii(bytes)) {
+        return false;
+    }
+    if (encoding == kCFStringEncodingShiftJIS) {
+        // Two bytes of UTF-8 may be two katakana of half width.
+        return std::ranges::any_of(bytes, [](char c) { return static_cast<unsigned char>(c) >= 0xE0; }) &&
+               decodeText(bytes, kCFStringEncodingUTF8).has_value();
+    }
+    if (!hasOneByteCharacters(encoding)) {
         return false;
     }
     const bool isIso = encoding != kCFStringEncodingMacRoman && encoding != kCFStringEncodingWindowsLatin1;
@@ -113,14 +160,18 @@ void PPDLint::CheckControlFlags(long line, std::string_view keyword,
 
 void PPDLint::CheckText(long line, std::string_view keyword, std::string_view text,
                         std::optional<CFStringEncoding> encoding) {
+    CheckBytes(line, keyword, text, decodedHex(text), encoding);
+}
+
+void PPDLint::CheckBytes(long line, std::string_view keyword, std::string_view text, std::string_view bytes,
+                         std::optional<CFStringEncoding> encoding) {
     if (!encoding) {
         // The parser takes the bytes as UTF-8 and leaves hexadecimal substrings alone.
-        if (!firstText && (!isAscii(text) || decodedHex(text) != text)) {
+        if (!firstText && (!isAscii(text) || bytes != text)) {
             firstText = Named{line, std::string(keyword), std::string(text)};
         }
         return;
     }
-    const std::string bytes = decodedHex(text);
     const CFStringEncoding readAs = isKnownEncoding(*encoding) ? *encoding : kCFStringEncodingUTF8;
     if (!decodeText(bytes, readAs)) {
         Note(PPDLintKind::untranslatableText, line, keyword, text);
@@ -132,6 +183,15 @@ void PPDLint::CheckText(long line, std::string_view keyword, std::string_view te
 void PPDLint::CheckEncodingName(long line, std::string_view name) {
     if (std::ranges::find(encodingNames, name) == encodingNames.end()) {
         Note(PPDLintKind::unknownEncoding, line, "*LanguageEncoding", name, closestWord(name, encodingNames));
+    }
+}
+
+// A name may carry a country: "French-Canadian", "English_UK".
+void PPDLint::CheckLanguageName(long line, std::string_view name) {
+    const std::string_view language = name.substr(0, name.find_first_of("-_."));
+    if (std::ranges::find(languageNames, language) == languageNames.end()) {
+        Note(PPDLintKind::unknownLanguage, line, "*LanguageVersion", name,
+             closestWord(language, languageNames));
     }
 }
 
@@ -185,10 +245,14 @@ void PPDLint::OptionLine(long line, std::string_view keyword, std::string_view o
 
 void PPDLint::LineInBlock(long line, std::string_view block, std::string_view keyword,
                           std::string_view text) {
-    const bool isOption = keyword.starts_with('*') && !keyword.starts_with("*%") &&
-                          !keyword.starts_with("*?") && text.find('"') != std::string_view::npos &&
-                          linesInBlocks.size() < maximumNotes;
-    if (isOption) {
+    // Queries, and lines that other programs keep beside the options that they concern.
+    static constexpr std::array<std::string_view, 5> others{"*%", "*?", "*cups", "*AP", "*Foomatic"};
+    const std::string_view value = trimmed(text);
+    const bool hasOption = !value.empty() && value.front() != '"' && value.front() != ':';
+    const bool isOption =
+        keyword.starts_with('*') && hasOption && value.find('"') != std::string_view::npos &&
+        std::ranges::none_of(others, [keyword](std::string_view each) { return keyword.starts_with(each); });
+    if (isOption && linesInBlocks.size() < maximumNotes) {
         linesInBlocks.push_back({line, std::string(block), std::string(keyword)});
     }
 }

@@ -63,6 +63,7 @@ enum class PPDLintKind {
     otherEncoding,      // a text that is probably in another encoding than the declared one
     textBeforeEncoding, // a text that needs the encoding, before both language lines
     unknownEncoding,    // an encoding that the parser does not know
+    unknownLanguage,    // a language that no list of PPD names knows
     misspeltKeyword,    // a main keyword that is nearly one of the extension's
     // Constraints
     unknownConstraintKeyword, // a constraint line names a keyword that the description does not define
@@ -112,7 +113,13 @@ public:
     // look like another one. nullopt: the description has not declared its encoding yet.
     void CheckText(long line, std::string_view keyword, std::string_view text,
                    std::optional<CFStringEncoding> encoding);
+    // Does the same for a note's default text, whose hexadecimal substrings nobody decodes.
+    void CheckNoteText(long line, std::string_view keyword, std::string_view text,
+                       std::optional<CFStringEncoding> encoding) {
+        CheckBytes(line, keyword, text, text, encoding);
+    }
     void CheckEncodingName(long line, std::string_view name);
+    void CheckLanguageName(long line, std::string_view name);
     struct RangeValues {
         double minimum;
         double maximum;
@@ -158,6 +165,8 @@ private:
     };
     using Words = std::vector<std::string_view>;
 
+    void CheckBytes(long line, std::string_view keyword, std::string_view text, std::string_view bytes,
+                    std::optional<CFStringEncoding> encoding);
     void CheckConstraints(ZANPPD& description);
     bool CheckConstraintSide(ZANPPD& description, const Words& keywords, long line, const std::string& key,
                              const std::string& option);

@@ -18,7 +18,7 @@ namespace torka {
 namespace {
 
 constexpr std::string_view endOfDescription = "*% End of PPD file";
-constexpr std::size_t maximumBlockBytes = 1023;       // of a setting in the job
+constexpr std::size_t maximumBlockBytes = 1024;       // of a setting in the job
 constexpr std::size_t maximumPairsCompared = 5000000; // for reverse lines; further ones are taken as present
 constexpr std::size_t maximumWordsCompared = 200000;  // for suggestions
 
@@ -231,11 +231,9 @@ void PPDLint::CheckOptions(const ZANPPD& description) {
     }
     for (const Named& each : linesInBlocks) {
         const std::string bare = each.name.substr(std::min<std::size_t>(1, each.name.size()));
-        CNTL_TYPE type{};
-        const bool isNear = !closestWord(each.other, std::array{std::string_view(each.name)}).empty();
-        const bool isControls = controls.Find(each.other.c_str(), type, true) != nullptr;
-        if ((isNear || isControls) && each.other != "*Custom" + bare && each.other != "*ParamCustom" + bare) {
-            Note(PPDLintKind::optionOfOtherKey, each.line, each.name, each.other, each.name);
+        if (each.other != "*Custom" + bare && each.other != "*ParamCustom" + bare) {
+            Note(PPDLintKind::optionOfOtherKey, each.line, each.name, each.other,
+                 closestWord(each.other, std::array{std::string_view(each.name)}));
         }
     }
 }

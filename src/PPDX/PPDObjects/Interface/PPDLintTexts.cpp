@@ -73,7 +73,7 @@ constexpr std::array rows{
               "use the same keyword in both lines"),
     TORKA_ROW(optionOfOtherKey, "%1 is not the keyword of this block", "use the keyword of the block"),
     TORKA_ROW(longBlock, "%1, more than a job takes: the setting is left out of the job",
-              "shorten the PostScript so that the block has at most 1023 bytes"),
+              "shorten the PostScript so that the block has at most 1024 bytes"),
     TORKA_ROW(unbalancedPostscript, "the PostScript is not balanced: %1",
               "close every brace, parenthesis and hexadecimal string in the same value"),
     TORKA_ROW(specialOptionTwice, "the special option has a value already; the first one counts",
@@ -94,6 +94,8 @@ constexpr std::array rows{
         "put both lines above the first translation"),
     TORKA_ROW(unknownEncoding, "the encoding \"%1\" is unknown; texts are read as UTF-8",
               "use a name of the table of encodings"),
+    TORKA_ROW(unknownLanguage, "the language \"%1\" is unknown; watermark fonts and notes go by its name",
+              "write the English name of the language, such as English or Japanese"),
     TORKA_ROW(misspeltKeyword, "no reader knows this keyword, and the line is lost", "correct the keyword"),
 
     TORKA_ROW(unknownConstraintKeyword, "a constraint names this keyword, which nothing defines",

@@ -59,10 +59,12 @@ bool hostStopsAtAnnotation() {
                        [&](std::string_view host) { return identifier.find(host) != std::string::npos; });
 }
 
-// Looks at a line that begins no element. `encoding` is null when no reader took the line.
-void checkHeaderLine(PPDLint& lint, long line, std::string_view keyword, const CString* encoding) {
-    if (keyword == "*LanguageEncoding" && encoding != nullptr && encoding->Buffer() != nullptr) {
-        lint.CheckEncodingName(line, encoding->Buffer());
+// Looks at a line that begins no element. `header` is null when no reader took the line.
+void checkHeaderLine(PPDLint& lint, long line, std::string_view keyword, const PPDX* header) {
+    if (header != nullptr && keyword == "*LanguageEncoding" && header->LanguageEncoding() != nullptr) {
+        lint.CheckEncodingName(line, header->LanguageEncoding()->Buffer());
+    } else if (header != nullptr && keyword == "*LanguageVersion" && header->LanguageVersion() != nullptr) {
+        lint.CheckLanguageName(line, header->LanguageVersion()->Buffer());
     } else if (findElementKeyword(keyword) == nullptr) {
         lint.OtherLine(line, keyword);
     }
@@ -250,7 +252,7 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
         // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
         const bool isTaken = ParsePSKeywords(stream, name.data());
         if (lint) {
-            checkHeaderLine(*lint, lineRead, keyword, isTaken ? LanguageEncoding() : nullptr);
+            checkHeaderLine(*lint, lineRead, keyword, isTaken ? this : nullptr);
         }
     }
 }

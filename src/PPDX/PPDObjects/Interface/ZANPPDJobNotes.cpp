@@ -66,9 +66,15 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
         if (PPDStream again(next); lint) {
             checkDefaultLine(*lint, Line(), TakeMainKeyword(again), draft->keyword, bare);
         }
+        const long defaultLine = Line();
         std::array<char, kLineCapacity> value;
         if (GetQuotedString(next, value.data(), static_cast<long>(value.size())) > 1) {
             defaultNotes = value.data();
+            if (lint) {
+                lint->CheckNoteText(defaultLine, draft->keyword, value.data(),
+                                    LanguageEncoding() ? std::optional(TextConverter::GetPPDEncoding(this))
+                                                       : std::nullopt);
+            }
         }
         isRead = ReadNonEmptyLine(text.data());
     }
