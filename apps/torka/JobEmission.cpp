@@ -36,6 +36,18 @@ std::shared_ptr<MemorySession> sessionOf(const std::string& descriptionPath) {
     return std::make_shared<MemorySession>(printer);
 }
 
+const char* words(LeftOutReason reason) {
+    switch (reason) {
+    case LeftOutReason::noFieldKeys:
+        return "it is protected and no keys are installed (--keys FILE)";
+    case LeftOutReason::tooLong:
+        return "it is too long to be protected";
+    case LeftOutReason::plainDestination:
+        break;
+    }
+    return "it is protected, and a file destination would name it in plain: the job has no file destination";
+}
+
 CFStringRef printerName(const PMPrintSession& session) {
     PMPrinter printer;
     PMSessionGetCurrentPrinter(session, printer);
@@ -296,9 +308,7 @@ Result<void> JobEmission::Emit(EmissionPurpose purpose) {
     data->SaveNonPSSettings();
     data->OutPostscriptData(ticket, session, purpose);
     for (const ZANJobNoteList::LeftOutNote& note : data->LeftOutNotes()) {
-        leftOut.push_back({note.keyword, note.reason == LeftOutReason::noFieldKeys
-                                             ? "it is protected and no keys are installed (--keys FILE)"
-                                             : "it is too long to be protected"});
+        leftOut.push_back({note.keyword, words(note.reason)});
     }
     for (const LeftOutSetting& setting : data->LeftOutSettings()) {
         leftOut.push_back({setting.keyword, "its code has " + std::to_string(setting.bytes) +

@@ -423,6 +423,13 @@ void FeatureEmission::AddFileDestination() {
         !equalsIgnoringCase(valueOf(findSetting(*controls, "*QVDestination")), "File")) {
         return;
     }
+    // Site and command carry the name in plain.
+    if (leavesEncipheredOnly(*source.Description(), mailbox)) {
+        leftOutNotes.push_back(
+            {mailbox->Keyword(), utf8Text(mailbox->CFStringUserName()), LeftOutReason::plainDestination});
+        myNSLogC("The job names no file destination: %s is marked for protection.", mailbox->Keyword());
+        return;
+    }
     const std::string path = "Library/Caches/ZAN/" + cut(valueOf(mailbox), mailboxSize);
     ticket.Add(siteFileDestination, path);
     PMPrinter printer;

@@ -16,10 +16,11 @@ namespace torka {
 class ZANJobTicket;
 class ZANPPD;
 
-// Why a protected field could not be enciphered.
+// Why a job lacks a protected field, or a part that would hold it in plain.
 enum class LeftOutReason {
-    noFieldKeys, // no keys are installed
-    tooLong,     // name and password together exceed one cipher text
+    noFieldKeys,      // no keys are installed
+    tooLong,          // name and password together exceed one cipher text
+    plainDestination, // a file destination would be named after it
 };
 
 // The job notes of a description, in its order, prepared for one job.

@@ -368,6 +368,32 @@ TEST_F(JobNotes, TooLongChoicesGoToTheSystemNotesDoNot) {
     installFieldKeys(nullptr);
 }
 
+// The path of a file destination stands in plain in the ticket and in a command.
+TEST_F(JobNotes, AProtectedMailboxNameNamesNoFileDestination) {
+    const std::string popup = "*%ZANFlags *QVDestination:\n*%ZANGroup *QVDestination: Group\n*OpenUI "
+                              "*QVDestination/D: PickOne\n*DefaultQVDestination: File\n"
+                              "*QVDestination File: \"\"\n*CloseUI: *QVDestination\n";
+    for (const std::string flag : {"", "|Encrypt", "|AESEncrypt"}) {
+        Describe({}, {"*QVMailboxName: 60" + flag}, popup);
+        SetNote("*QVMailboxName", "proofs");
+        installFieldKeys(keys);
+        const auto printer = std::make_shared<MemoryPrinter>();
+        ZANJobTicket ticket(nullptr, settings, cfString("key"));
+        const tests::PlainSource source(*description, settings);
+        FeatureEmission emission(source, ticket, std::make_shared<MemorySession>(printer),
+                                 EmissionPurpose::printJob);
+        EXPECT_EQ(emission.OutPostscriptData(), 0);
+        installFieldKeys(nullptr);
+        const bool isPlain = flag.empty();
+        EXPECT_EQ(printer->sent.size(), isPlain ? 1U : 0U);
+        EXPECT_EQ(emission.LeftOutNotes().size(), isPlain ? 0U : 1U);
+        EXPECT_EQ(std::ranges::any_of(
+                      ticket.Entries(),
+                      [](const auto& entry) { return entry.bytes.find("proofs") != std::string_view::npos; }),
+                  isPlain);
+    }
+}
+
 // No output of the process contains the secrets: not the emission, not the log, and not the print settings
 // without a secret name.
 TEST_F(JobNotes, NothingSecretLeavesInPlain) {

@@ -168,16 +168,28 @@ void TorkaFeaturesPDE::WritePopupPreferences() {
 // Tells the person which notes stay out of the job because they could not be protected.
 void TorkaFeaturesPDE::TellLeftOutNotes() {
     std::string names;
+    std::string mailbox;
     for (const ZANJobNoteList::LeftOutNote& note : self.myPDEData->LeftOutNotes()) {
-        names += (names.empty() ? "" : ", ") + (note.title.empty() ? note.keyword : note.title);
+        std::string& list = note.reason == LeftOutReason::plainDestination ? mailbox : names;
+        list += (list.empty() ? "" : ", ") + (note.title.empty() ? note.keyword : note.title);
     }
-    if (names.empty() || !hasAlerts()) {
+    if ((names.empty() && mailbox.empty()) || !hasAlerts()) {
         return;
     }
+    std::string text;
+    if (!names.empty()) {
+        text = LocalizedString("NOTES_LEFT_OUT_INFO",
+                               "They must be enciphered, and the key for it could not be read:") +
+               " " + names;
+    }
+    if (!mailbox.empty()) {
+        text += (text.empty() ? "" : "\n") +
+                LocalizedString("MAILBOX_LEFT_OUT_INFO",
+                                "This field must be enciphered, so that the job goes into no mailbox:") +
+                " " + mailbox;
+    }
     alerts().RunModal({LocalizedString("NOTES_LEFT_OUT", "Some fields are not sent with this job"),
-                       LocalizedString("NOTES_LEFT_OUT_INFO", "They must be enciphered, and the key for it "
-                                                              "could not be read:") +
-                           " " + names,
+                       text,
                        LocalizedString("OK", "OK"),
                        {}});
 }
