@@ -119,6 +119,39 @@ void appendJapanese(std::string& bytes, char32_t character, std::string_view fon
 
 } // namespace
 
+namespace {
+
+// GB 2312 within GB 18030: ASCII, and two bytes of rows 1 to 87 (leading byte 0xA1 to 0xF7).
+bool isGb2312(std::string_view bytes) {
+    const auto byte = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    return bytes.size() == 1 ||
+           (bytes.size() == 2 && byte(0) >= 0xA1 && byte(0) <= 0xF7 && byte(1) >= 0xA1 && byte(1) != 0xFF);
+}
+
+} // namespace
+
+WatermarkPrint watermarkPrint(std::string_view text, std::string_view language, std::string_view fontName) {
+    const std::string font = postScriptFontName(fontName);
+    const WatermarkFontKind kind = watermarkFontKind(language, font);
+    const std::string substitute = watermarkBytes("?", kind, font);
+    const std::u16string units = decodeTextLossy(text, kCFStringEncodingUTF8).value_or(std::u16string());
+    WatermarkPrint print;
+    for (std::size_t position = 0; position < units.size();) {
+        const std::size_t begin = position;
+        nextCodePoint(units, position);
+        const std::u16string character = units.substr(begin, position - begin);
+        const std::string bytes = watermarkBytes(utf8FromUtf16(character), kind, font);
+        const bool isQuestionMark = character == u"?" || character == u"\uFF1F";
+        const bool isPrinted = isQuestionMark || (bytes != substitute &&
+                                                  (kind != WatermarkFontKind::chinese || isGb2312(bytes)));
+        print.shown += isPrinted ? character : u"?";
+        if (!isPrinted && print.missing.find(character) == std::u16string::npos) {
+            print.missing += character;
+        }
+    }
+    return print;
+}
+
 std::string watermarkBytes(std::string_view text, WatermarkFontKind kind, std::string_view fontName) {
     const std::u16string units = decodeTextLossy(text, kCFStringEncodingUTF8).value_or(std::u16string());
     std::string bytes;

@@ -24,4 +24,12 @@ namespace torka {
 //                                                forms
 std::string watermarkBytes(std::string_view text, WatermarkFontKind kind, std::string_view fontName);
 
+// What a watermark's font can print of a text.
+struct WatermarkPrint {
+    std::u16string shown;   // the text with "?" for each character that cannot be printed
+    std::u16string missing; // these characters, each once
+};
+// Takes a description's "*LanguageVersion". Of Chinese fonts only the characters of GB 2312 count.
+WatermarkPrint watermarkPrint(std::string_view text, std::string_view language, std::string_view fontName);
+
 } // namespace torka

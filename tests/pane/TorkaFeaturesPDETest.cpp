@@ -388,6 +388,23 @@ TEST(Panel, BelowVersionSevenTheTicketIsAFile) {
     EXPECT_THAT(bench.SentTitles(), testing::Not(testing::Contains("Command_WritePSTemp")));
 }
 
+TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
+    std::string code;
+    for (int line = 0; line < 40; ++line) {
+        code += "% " + std::string(40, 'x') + "\n";
+    }
+    std::string description = popup("QVLong", {"Off", "On"});
+    description.replace(description.find("% On"), 4, code);
+    Bench bench(panelDescription(description));
+    const auto panel = bench.OpenShown();
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_THAT(bench.alerts->shown, IsEmpty());
+    set(*panel, "*QVLong", "On");
+    EXPECT_TRUE(panel->shouldPrint());
+    ASSERT_EQ(bench.alerts->shown.size(), 1U);
+    EXPECT_THAT(bench.alerts->shown[0].informative, testing::EndsWith(": QVLong name"));
+}
+
 TEST(Panel, PopupNotesAreAskedForAndRemembered) {
     Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|Remembered|PopupJN") +
                                  jobNote("QVPin", "20|Alpha|Remembered|Password|PopupJN") +

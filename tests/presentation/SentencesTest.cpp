@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/Utilities/ModelState.h"
 #include "pane/data/PanelState.h"
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/presentation/ConflictNotice.h"
@@ -361,8 +362,8 @@ TEST(Sentences, PopupFormKeepsPreferencesAndBringsTextsBack) {
     EXPECT_EQ(first.outlet + ' ' + pin.outlet, "popupJobNoteVal31 popupJobNoteSec32");
     EXPECT_TRUE(onOff.isSwitch && pin.isSecret && !first.isChecked && pin.isChecked);
     EXPECT_EQ(form.BrokenFields().text, "“First name” must not be empty.");
-    EXPECT_EQ(utf8Text(form.Type(pin, cfString("1a"))), "1");
-    EXPECT_EQ(utf8Text(form.Type(first, cfString("abcdefg"))), "abcdefg");
+    EXPECT_EQ(utf8Text(form.Type(pin, cfString("1a")).shown), "1");
+    EXPECT_EQ(utf8Text(form.Type(first, cfString("abcdefg")).shown), "abcdefg");
     form.Switch(onOff, true);
     EXPECT_EQ(form.BrokenFields().text, "“First name” must have at most 6 characters.");
     form.KeepTextsAfter();
@@ -377,6 +378,73 @@ TEST(Sentences, PopupFormKeepsPreferencesAndBringsTextsBack) {
     form.Type(first, cfString("abc"));
     EXPECT_FALSE(form.MustAsk());
     resetPopupJobNotes();
+}
+
+// Typed one after the other. Under ISO Latin 1 a note with the Euro sign would leave empty.
+TEST(Sentences, ATypedTextIsTakenOrTheSentenceSaysWhatIsAllowed) {
+    SpokenPane spoken(paneHeader + jobNote("Any", "9") + jobNote("Pages", "8|Numeric|Hyphen") +
+                      jobNote("Pin", "8|Numeric|Password"));
+    CustomizePaneController controller(spoken.pane->model.get());
+    const auto version = gQVUTF8Version;
+    gQVUTF8Version = 4;
+    SetApplicationTextEncoding(kCFStringEncodingISOLatin1);
+    struct Case {
+        const char* keyword;
+        const char* typed;
+        const char* held;
+        const char* refusal;
+    };
+    const std::string latin = "\nThis printer’s texts hold the characters of ISO Latin 1 only.";
+    for (const auto& [keyword, typed, held, refusal] : {
+             Case{"*Any", "5 €ü😀€", "5 ü", "Not allowed here: €😀"},
+             {"*Any", "5 euros ü", "5 euros ü", ""},
+             {"*Any", "5 euros ü.", "5 euros ü", "The text stays as it was: it has at most 9 characters."},
+             {"*Pages", "1-3", "1-3", ""},
+             {"*Pages", "1-3x", "1-3", "Not allowed here: x\nAllowed: digits, -."},
+             {"*Pages", "1-3€", "1-3", "Not allowed here: €"},
+             {"*Pin", "1x", "1", "A typed character is not allowed here.\nAllowed: digits."},
+         }) {
+        auto& note = static_cast<PPDXJobNote&>(spoken.Control(keyword));
+        const TypedNote taken =
+            takeTypedText(spoken.texts, controller, controller.TagOfJobNote(keyword), note, cfString(typed));
+        EXPECT_EQ(utf8Text(taken.shown), held) << typed;
+        EXPECT_EQ(utf8Text(note.CopyNotes()), held) << typed;
+        EXPECT_EQ(taken.refusal,
+                  std::string_view(typed).find("€") != std::string_view::npos ? refusal + latin : refusal);
+    }
+    auto& note = static_cast<PPDXJobNote&>(spoken.Control("*Pages"));
+    const std::uint32_t tag = controller.TagOfJobNote("*Pages");
+    takeTypedText(spoken.texts, controller, tag, note, cfString("1"));
+    note.SetCurrentControlWithCFString(cfString("7-9")); // as an undo does
+    EXPECT_EQ(utf8Text(takeTypedText(spoken.texts, controller, tag, note, cfString("123456789")).shown),
+              "7-9");
+    SetApplicationTextEncoding(kCFStringEncodingUTF8);
+    gQVUTF8Version = version;
+}
+
+TEST(Sentences, AWatermarkNamesWhatItsFontCannotPrint) {
+    struct Case {
+        const char* language;
+        const char* font;
+        const char* text;
+        const char* shown;
+        const char* missing;
+    };
+    for (const auto& [language, font, text, shown, missing] : {
+             Case{"English", "Helvetica", "Büro 5 €?", "Büro 5 €?", ""},
+             {"English", "Helvetica", "日本 Ω日", "?? ??", "日本Ω"},
+             {"Russian", "Helvetica", "Проект", "Проект", ""},
+             {"Japanese", "Ryumin-Light-EUC-H", "日本？€", "日本？?", "€"},
+             {"Chinese", "AdobeSongStd-Light", "草稿𠀀", "草稿?", "𠀀"},
+         }) {
+        SpokenPane spoken(paneHeader + "*LanguageVersion: " + language + "\n");
+        WatermarkFields fields;
+        fields.fontName = font;
+        fields.text = text;
+        const PrintedWatermark printed = printedWatermark(spoken.texts, fields);
+        EXPECT_EQ(printed.shown, shown);
+        EXPECT_EQ(printed.missing, *missing == '\0' ? "" : std::string("This font cannot print: ") + missing);
+    }
 }
 
 TEST(Sentences, TwoWayCommunication) {

@@ -9,6 +9,7 @@
 
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -224,12 +225,18 @@ TEST_F(PaneWidgetTest, KeepsWhatIsTypedToWhatTheNoteAllows) {
     line->end(false);
     QTest::keyClicks(line, "5678");
     EXPECT_EQ(line->text(), QStringLiteral("192456")) << "no longer than it may be";
-    const auto labels = line->parentWidget()->findChildren<QLabel*>();
-    ASSERT_EQ(labels.size(), 1);
-    EXPECT_EQ(labels[0]->text(), QStringLiteral("6 / 6"));
+    const auto* message = line->parentWidget()->findChild<QLabel*>("fieldMessage");
+    const auto* counter = line->parentWidget()->findChild<QLabel*>(QString());
+    counter = counter == message ? line->parentWidget()->findChildren<QLabel*>()[1] : counter;
+    EXPECT_EQ(counter->text(), QStringLiteral("6 / 6"));
+    EXPECT_TRUE(message->isVisible());
+    EXPECT_EQ(message->text(), QStringLiteral("The text stays as it was: it has at most 6 characters."));
+    EXPECT_NE(line->findChild<QAction*>("refusal"), nullptr) << "the field is marked";
     line->clear();
     Q_EMIT line->textEdited({});
-    EXPECT_EQ(labels[0]->text(), QStringLiteral("required"));
+    EXPECT_EQ(counter->text(), QStringLiteral("required"));
+    EXPECT_FALSE(message->isVisible());
+    EXPECT_EQ(line->findChild<QAction*>("refusal"), nullptr);
 
     Go("*QVUserPassword");
     auto* secret = Field<QLineEdit>("*QVUserPassword");
@@ -299,6 +306,23 @@ TEST_F(PaneWidgetTest, CustomSizeIsUsedWithACustomPrintSizeOnly) {
     width->setValue(200);
     EXPECT_NEAR(std::stod(pane.Value("*CustomPrintSize")), 200 * 72 / 25.4, 0.001);
     EXPECT_FALSE(Field<QComboBox>("*PageSize")->isEnabled()) << "the dialog's own pages choose it";
+
+    const auto* message = width->parentWidget()->parentWidget()->findChild<QLabel*>("fieldMessage");
+    ASSERT_NE(message, nullptr);
+    for (const char* typed : {"9999", "1"}) {
+        width->selectAll();
+        QTest::keyClicks(width, QLatin1String(typed));
+        QTest::keyClick(width, Qt::Key_Return);
+        EXPECT_EQ(width->value(), 200) << typed;
+        EXPECT_TRUE(message->isVisible());
+        EXPECT_TRUE(message->text().startsWith(QLatin1String(typed) +
+                                               QStringLiteral(" is outside the bounds: from 100")))
+            << message->text().toStdString();
+    }
+    width->selectAll();
+    QTest::keyClicks(width, QStringLiteral("210\r"));
+    EXPECT_FALSE(message->isVisible());
+    EXPECT_EQ(width->value(), 210);
 }
 
 TEST_F(PaneWidgetTest, FollowsWhatChangesElsewhere) {

@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QTest>
@@ -125,6 +126,8 @@ TEST_F(WatermarkTest, RefusesWhatNoDefinitionCanHold) {
     EXPECT_FALSE(font->lineEdit()->hasAcceptableInput());
     Type(QString(500, QChar(0x65E5)));
     EXPECT_EQ(Page().Dialog()->Fields().text.size(), WatermarkFields::longestText * 3);
+    EXPECT_EQ(Page().Dialog()->findChild<QLabel*>(QStringLiteral("fieldMessage"))->text(),
+              QString::fromUtf8("This font cannot print: 日"));
     WatermarkFields odd;
     odd.fontName = "A,B";
     odd.text = "one\ntwo,\x01";

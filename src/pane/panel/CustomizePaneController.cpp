@@ -91,6 +91,7 @@ CFStringRef CustomizePaneController::controlTextDidChange(std::uint32_t tag, con
             note->SetCurrentControlWithCFString(result);
         }
     } else if (tag == currentJobNoteControlTag && !isLanguageEncodingNonISOLatin()) {
+        JobNoteString = note->CopyNotes(); // an undo or a preset may have changed it since
         result = JobNoteString;
     } else {
         note->SetCurrentControlWithCFString(result);

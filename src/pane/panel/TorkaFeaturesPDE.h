@@ -194,6 +194,7 @@ private:
     bool ConfirmConflicts();
     bool ConfirmBrokenNotes();
     void TellLeftOutNotes();
+    std::vector<std::string> LeftOutSettingNames() const;
     void FetchServerData(ServerExchange::Failures failures);
     ServerExchange::Answer Fetch(ServerExchange::Failures failures);
     void RefreshFromCallback();

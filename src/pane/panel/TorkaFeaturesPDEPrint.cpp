@@ -165,33 +165,56 @@ void TorkaFeaturesPDE::WritePopupPreferences() {
     }
 }
 
-// Tells the person which notes stay out of the job because they could not be protected.
+// Tells the person which notes stay out of the job because they could not be protected, and which settings
+// because their code is too long.
 void TorkaFeaturesPDE::TellLeftOutNotes() {
-    std::string names;
-    std::string mailbox;
+    // One line; "" without names.
+    const auto line = [](const std::string& why, const std::vector<std::string>& names) {
+        std::string text;
+        for (const std::string& name : names) {
+            text += (text.empty() ? why + " " : ", ") + name;
+        }
+        return text;
+    };
+    const auto tell = [this](const std::string& what, const std::string& text) {
+        if (!text.empty() && hasAlerts()) {
+            alerts().RunModal({what, text, LocalizedString("OK", "OK"), {}});
+        }
+    };
+    std::vector<std::string> notes;
+    std::vector<std::string> mailbox;
     for (const ZANJobNoteList::LeftOutNote& note : self.myPDEData->LeftOutNotes()) {
-        std::string& list = note.reason == LeftOutReason::plainDestination ? mailbox : names;
-        list += (list.empty() ? "" : ", ") + (note.title.empty() ? note.keyword : note.title);
+        auto& list = note.reason == LeftOutReason::plainDestination ? mailbox : notes;
+        list.push_back(note.title.empty() ? note.keyword : note.title);
     }
-    if ((names.empty() && mailbox.empty()) || !hasAlerts()) {
-        return;
+    const std::string unprotected =
+        line(LocalizedString("NOTES_LEFT_OUT_INFO",
+                             "They must be enciphered, and the key for it could not be read:"),
+             notes);
+    const std::string unnamed =
+        line(LocalizedString("MAILBOX_LEFT_OUT_INFO",
+                             "This field must be enciphered, so that the job goes into no mailbox:"),
+             mailbox);
+    tell(LocalizedString("NOTES_LEFT_OUT", "Some fields are not sent with this job"),
+         unprotected + (unprotected.empty() || unnamed.empty() ? "" : "\n") + unnamed);
+    tell(LocalizedString("SETTINGS_LEFT_OUT", "Some settings are not sent with this job"),
+         line(LocalizedString(
+                  "SETTINGS_LEFT_OUT_INFO",
+                  "Their code is too long for a job. The print system prints them itself where it can:"),
+              LeftOutSettingNames()));
+}
+
+std::vector<std::string> TorkaFeaturesPDE::LeftOutSettingNames() const {
+    std::vector<std::string> names;
+    for (const LeftOutSetting& setting : self.myPDEData->LeftOutSettings()) {
+        const PPDXControl* control = self.myppd->GetPPDXControlForKey(cfString(setting.keyword));
+        const std::string name = control == nullptr ? "" : utf8Text(control->CFStringUserName());
+        names.push_back(setting.keyword == "watermark"
+                            ? LocalizedString("SETTINGS_LEFT_OUT_WATERMARK", "watermark")
+                        : name.empty() ? setting.keyword
+                                       : name);
     }
-    std::string text;
-    if (!names.empty()) {
-        text = LocalizedString("NOTES_LEFT_OUT_INFO",
-                               "They must be enciphered, and the key for it could not be read:") +
-               " " + names;
-    }
-    if (!mailbox.empty()) {
-        text += (text.empty() ? "" : "\n") +
-                LocalizedString("MAILBOX_LEFT_OUT_INFO",
-                                "This field must be enciphered, so that the job goes into no mailbox:") +
-                " " + mailbox;
-    }
-    alerts().RunModal({LocalizedString("NOTES_LEFT_OUT", "Some fields are not sent with this job"),
-                       text,
-                       LocalizedString("OK", "OK"),
-                       {}});
+    return names;
 }
 
 void TorkaFeaturesPDE::printWindowWillClose() {

@@ -2,11 +2,15 @@
 #include "pane/presentation/NoteRules.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
+#include "PPDX/Utilities/ModelState.h"
+#include "PPDX/Utilities/NarrowText.h"
 #include "pane/data/PopupJobNotes.h"
 #include "pane/editing/PaneEditor.h"
+#include "pane/panel/CustomizePaneController.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace torka {
 namespace {
@@ -62,16 +66,11 @@ std::vector<std::string> rulesOf(const PaneTexts& texts, const PPDXJobNote& note
     return rules;
 }
 
-} // namespace
-
-std::string noteRules(const PaneTexts& texts, const PPDXControl& control) {
-    const auto* note = dynamic_cast<const PPDXJobNote*>(&control);
-    if (note == nullptr || note->IsOnOffSwitch()) {
-        return {};
-    }
+// The characters that the note admits; "" when it admits any.
+std::string allowedSentence(const PaneTexts& texts, const PPDXJobNote& note) {
     std::vector<std::string> kinds;
-    if (!takesAnyCharacter(note->NoteFlags())) {
-        const std::uint8_t admitted = admittedCharacters(note->NoteFlags());
+    if (!takesAnyCharacter(note.NoteFlags())) {
+        const std::uint8_t admitted = admittedCharacters(note.NoteFlags());
         for (const NoteCharacterKind& kind : noteCharacterKinds) {
             if ((admitted & kind.kind) != 0) {
                 kinds.push_back(kind.kind == noteDigits    ? texts.Say(words::allowedDigits)
@@ -81,9 +80,52 @@ std::string noteRules(const PaneTexts& texts, const PPDXControl& control) {
             }
         }
     }
+    return kinds.empty() ? std::string() : texts.Say(words::allowedCharacters, joined(kinds));
+}
+
+// The characters, each once. `isWanted` judges a whole character.
+template <class Wanted>
+std::u16string charactersOf(std::u16string_view text, const Wanted& isWanted) {
+    std::u16string characters;
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t begin = position;
+        nextCodePoint(text, position);
+        const std::u16string_view character = text.substr(begin, position - begin);
+        if (isWanted(character) && characters.find(character) == std::u16string::npos) {
+            characters += character;
+        }
+    }
+    return characters;
+}
+
+std::u16string without(std::u16string_view text, std::u16string_view characters) {
+    std::u16string rest;
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t begin = position;
+        nextCodePoint(text, position);
+        const std::u16string_view character = text.substr(begin, position - begin);
+        if (characters.find(character) == std::u16string_view::npos) {
+            rest += character;
+        }
+    }
+    return rest;
+}
+
+std::string notAllowed(const PaneTexts& texts, const PPDXJobNote& note, std::u16string_view characters) {
+    return isSecret(note) ? texts.Say(words::noteRefusedSecret)
+                          : texts.Say(words::noteRefused, utf8FromUtf16(characters));
+}
+
+} // namespace
+
+std::string noteRules(const PaneTexts& texts, const PPDXControl& control) {
+    const auto* note = dynamic_cast<const PPDXJobNote*>(&control);
+    if (note == nullptr || note->IsOnOffSwitch()) {
+        return {};
+    }
     std::vector<std::string> sentences;
-    if (!kinds.empty()) {
-        sentences.push_back(texts.Say(words::allowedCharacters, joined(kinds)));
+    if (std::string allowed = allowedSentence(texts, *note); !allowed.empty()) {
+        sentences.push_back(std::move(allowed));
     }
     sentences.push_back(texts.Say(words::noteText, joined(rulesOf(texts, *note))));
     return joined(sentences, " ");
@@ -109,6 +151,39 @@ NoteCounter noteCounter(const PaneTexts& texts, const PPDXJobNote& note, const C
         counter.shown = texts.Say(words::required);
     }
     return counter;
+}
+
+TypedNote takeTypedText(const PaneTexts& texts, CustomizePaneController& controller, std::uint32_t tag,
+                        PPDXJobNote& note, const CFStringRef& typed, bool isChecked) {
+    std::vector<std::string> sentences;
+    const CFStringEncoding encoding = narrowTextEncoding();
+    const std::u16string outside = charactersOutside(typed->units, encoding);
+    CFStringRef text = typed;
+    if (!outside.empty()) {
+        text = CFStringCreateWithCharacters(without(typed->units, outside));
+        sentences.push_back(notAllowed(texts, note, outside));
+        sentences.push_back(texts.Say(words::noteEncoding, std::string(encodingName(encoding))));
+    }
+    if (!isChecked) {
+        note.SetCurrentControlWithCFString(text);
+        return {text, joined(sentences, "\n")};
+    }
+    const CFStringRef shown = controller.controlTextDidChange(tag, text);
+    if (CFStringGetLength(text) > note.MaxLength()) {
+        if (!CFEqual(shown, text)) {
+            sentences.push_back(texts.Say(words::noteTooLong, std::to_string(note.MaxLength())));
+        }
+    } else if (encodeText(text->units, kCFStringEncodingMacRoman)) { // other texts are not checked
+        const std::u16string refused = charactersOf(text->units, [&](std::u16string_view character) {
+            return std::ranges::any_of(
+                character, [&](char16_t unit) { return !isAdmittedCharacter(note.NoteFlags(), unit); });
+        });
+        if (!refused.empty()) {
+            sentences.push_back(notAllowed(texts, note, refused));
+            sentences.push_back(allowedSentence(texts, note));
+        }
+    }
+    return {shown, joined(sentences, "\n")};
 }
 
 std::vector<BrokenNote> brokenNotes(const PaneTexts& texts) {

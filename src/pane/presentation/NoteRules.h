@@ -4,6 +4,7 @@
 #include "pane/presentation/PaneTexts.h"
 #include "platform/CoreFoundation.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 
 namespace torka {
 
+class CustomizePaneController;
 class PPDXControl;
 class PPDXJobNote;
 
@@ -29,6 +31,17 @@ struct NoteCounter {
 };
 NoteCounter noteCounter(const PaneTexts& texts, const PPDXJobNote& note, const CFStringRef& text,
                         bool isLocked = false);
+
+// What became of a typed text.
+struct TypedNote {
+    CFStringRef shown;   // what the note holds now; the field must show it
+    std::string refusal; // what is not allowed, and what is; "" for a text that was taken whole
+};
+// Gives the note the typed text without the characters that the encoding of narrow text lacks: with one of
+// them the note would leave empty. `isChecked`: the note's flags limit characters and length. Characters of
+// secret notes are not named.
+TypedNote takeTypedText(const PaneTexts& texts, CustomizePaneController& controller, std::uint32_t tag,
+                        PPDXJobNote& note, const CFStringRef& typed, bool isChecked = true);
 
 // A field whose present text breaks rules.
 struct BrokenNote {

@@ -41,12 +41,8 @@ bool PopupNoteForm::MustAsk() const { return !notes.empty() && mustAskForPopupJo
 
 std::string PopupNoteForm::ValueOf(const Field& field) { return PaneEditor::Value(*field.note); }
 
-CFStringRef PopupNoteForm::Type(const Field& field, const CFStringRef& typed) {
-    if (field.isChecked) {
-        return controller.controlTextDidChange(field.tag, typed);
-    }
-    field.note->SetCurrentControlWithCFString(typed);
-    return typed;
+TypedNote PopupNoteForm::Type(const Field& field, const CFStringRef& typed) {
+    return takeTypedText(texts, controller, field.tag, *field.note, typed, field.isChecked);
 }
 
 void PopupNoteForm::Switch(const Field& field, bool isOn) {

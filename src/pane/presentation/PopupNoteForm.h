@@ -46,8 +46,7 @@ public:
     bool MustAsk() const;
 
     static std::string ValueOf(const Field& field);
-    // Takes a typed text and returns the text that the field must show.
-    CFStringRef Type(const Field& field, const CFStringRef& typed);
+    TypedNote Type(const Field& field, const CFStringRef& typed);
     void Switch(const Field& field, bool isOn);
     NoteCounter CounterOf(const Field& field) const;
     // The sentences of all fields that break a rule, one a line, and the index of the first of these fields.

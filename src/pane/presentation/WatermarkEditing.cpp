@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/presentation/WatermarkEditing.h"
 
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "output/WatermarkEncoding.h"
 #include "pane/data/PDEData.h"
 #include "platform/TextCase.h"
 
@@ -97,6 +99,15 @@ void WatermarkEditing::Keep() {
     } else {
         data.SaveWatermarksToPreferences();
     }
+}
+
+PrintedWatermark printedWatermark(const PaneTexts& texts, const WatermarkFields& fields) {
+    const CString* language = texts.editor.Model().LanguageVersion();
+    const char* name = language == nullptr ? nullptr : language->Buffer();
+    const WatermarkPrint print = watermarkPrint(fields.text, name == nullptr ? "" : name, fields.fontName);
+    return {utf8FromUtf16(print.shown),
+            print.missing.empty() ? std::string()
+                                  : texts.Say(words::watermarkMissing, utf8FromUtf16(print.missing))};
 }
 
 WatermarkFields newWatermark(const PaneTexts& texts) {

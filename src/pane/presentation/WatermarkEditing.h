@@ -46,6 +46,13 @@ private:
     PDEData& data;
 };
 
+// What the printer's font can print of the text, and a sentence that names what it cannot; "" for all.
+struct PrintedWatermark {
+    std::string shown;
+    std::string missing;
+};
+PrintedWatermark printedWatermark(const PaneTexts& texts, const WatermarkFields& fields);
+
 WatermarkFields newWatermark(const PaneTexts& texts);
 
 struct NamedColor {

@@ -5,10 +5,13 @@
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/presentation/NoteRules.h"
 #include "pane/views/Eliding.h"
+#include "pane/views/FieldMessage.h"
+#include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 
+#include <QAction>
 #include <QCheckBox>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -28,6 +31,20 @@ void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& 
     line.setCursorPosition(std::clamp(cursor, 0, static_cast<int>(shown.size())));
 }
 
+void markRefusal(QLineEdit& line, const std::string& refusal) {
+    const QString name = QStringLiteral("refusal");
+    auto* mark = line.findChild<QAction*>(name);
+    if (refusal.empty()) {
+        delete mark;
+        return;
+    }
+    if (mark == nullptr) {
+        mark = line.addAction(paneIcon(PaneSign::warning), QLineEdit::TrailingPosition);
+        mark->setObjectName(name);
+    }
+    mark->setToolTip(plainToolTip(qText(refusal)));
+}
+
 void showCounter(QLabel& label, const NoteCounter& counter, const std::string& rules) {
     label.setText(qText(counter.shown));
     label.setAccessibleName(qText(counter.spoken));
@@ -43,6 +60,7 @@ NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget*
     : FieldRow(paneContext, shownField, parent)
     , line(new QLineEdit(Body()))
     , counter(new QLabel(Body()))
+    , message(new FieldMessage(Body()))
     , tag(paneContext.controller.TagOfJobNote(shownField.keyword)) {
     if (isSecret(*field.control)) {
         line->setEchoMode(QLineEdit::Password);
@@ -57,12 +75,17 @@ NoteRow::NoteRow(PaneContext& paneContext, const PaneField& shownField, QWidget*
     counter->setMinimumWidth( // the same for most notes, which aligns their fields
         counter->fontMetrics().horizontalAdvance(widest + QStringLiteral(" / ") + widest));
     auto* both = new QWidget(Body());
-    auto* layout = new QHBoxLayout(both);
+    auto* layout = new QGridLayout(both);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(line, 1);
-    layout->addWidget(counter);
+    layout->addWidget(line, 0, 0);
+    layout->addWidget(counter, 0, 1);
+    layout->addWidget(message, 1, 0, 1, 2);
+    layout->setColumnStretch(0, 1);
     QObject::connect(line, &QLineEdit::textEdited, line, [this](const QString& text) { Typed(text); });
-    QObject::connect(line, &QLineEdit::editingFinished, line, [this] { context.editor.EndStep(); });
+    QObject::connect(line, &QLineEdit::editingFinished, line, [this] {
+        context.editor.EndStep();
+        Refuse({});
+    });
     Take(both, line, false);
 }
 
@@ -71,13 +94,22 @@ const PPDXJobNote& NoteRow::Note() const { return static_cast<const PPDXJobNote&
 QString NoteRow::Description() const { return qText(noteRules(context.texts, *field.control)); }
 
 void NoteRow::Typed(const QString& text) {
-    CFStringRef result;
+    TypedNote taken;
     typing = true; // the cursor is set below
-    context.editor.Edit(
-        *field.control, [&] { result = context.controller.controlTextDidChange(tag, cfText(text)); }, true);
+    const auto take = [&] {
+        auto& note = static_cast<PPDXJobNote&>(*field.control);
+        taken = takeTypedText(context.texts, context.controller, tag, note, cfText(text));
+    };
+    context.editor.Edit(*field.control, take, true);
     typing = false;
-    showAcceptedText(*line, text, result);
+    showAcceptedText(*line, text, taken.shown);
+    Refuse(taken.refusal);
     ShowLength();
+}
+
+void NoteRow::Refuse(const std::string& refusal) {
+    markRefusal(*line, refusal);
+    message->Tell(qText(refusal));
 }
 
 void NoteRow::UpdateValue() {

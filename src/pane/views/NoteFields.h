@@ -11,12 +11,17 @@ class QLineEdit;
 
 namespace torka {
 
+class FieldMessage;
 class PPDXJobNote;
 struct NoteCounter;
 
 // Shows the accepted part of the text `typed` in the field of a note. The cursor stays behind the last
 // accepted character.
 void showAcceptedText(QLineEdit& line, const QString& typed, const CFStringRef& accepted);
+
+// Marks a field that did not take a typed text: a sign at its end, with the words as tooltip. "" removes the
+// mark.
+void markRefusal(QLineEdit& line, const std::string& refusal);
 
 // Shows the counter of a note. While the text breaks a rule, the counter is bold and its tooltip names the
 // broken rules; otherwise the tooltip names all rules.
@@ -33,10 +38,12 @@ private:
     QString Description() const override;
     const PPDXJobNote& Note() const;
     void Typed(const QString& text);
+    void Refuse(const std::string& refusal);
     void ShowLength();
 
     QLineEdit* line;
     QLabel* counter;
+    FieldMessage* message;
     std::uint32_t tag;
     bool typing = false;
 };

@@ -3,21 +3,53 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "pane/presentation/FieldTexts.h"
+#include "pane/views/BoundedBox.h"
+#include "pane/views/FieldMessage.h"
 
-#include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSlider>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
 namespace torka {
+namespace {
+
+// Names the bounds of the box: always in its tooltip, and below the field when a person typed a number
+// outside them.
+void nameBounds(const PaneContext& context, BoundedBox& box, FieldMessage& message) {
+    const auto number = [&box](double bound) { return box.textFromValue(bound) + box.suffix(); };
+    const QString least = number(box.minimum());
+    const QString largest = number(box.maximum());
+    setPlainToolTip(box, context.Say(words::bounds, least, largest));
+    box.WhenOutside([&context, &message, least, largest](const QString& typed) {
+        message.Tell(context.Say(words::outOfBounds, typed, least, largest));
+    });
+    QObject::connect(&box, &QDoubleSpinBox::valueChanged, &message, [&message] { message.Tell({}); });
+    QObject::connect(box.findChild<QLineEdit*>(), &QLineEdit::textEdited, &message,
+                     [&message] { message.Tell({}); });
+}
+
+// A column of the control and the message.
+QWidget* aboveMessage(QWidget* control, FieldMessage* message, QWidget* parent) {
+    auto* column = new QWidget(parent);
+    auto* rows = new QVBoxLayout(column);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(control);
+    rows->addWidget(message);
+    return column;
+}
+
+} // namespace
 
 NumberRow::NumberRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
     , scale(field)
     , slider(new QSlider(Qt::Horizontal, Body()))
-    , box(new QDoubleSpinBox(Body())) {
+    , box(new BoundedBox(Body()))
+    , message(new FieldMessage(Body())) {
     slider->setRange(0, scale.SliderMaximum());
     constexpr int pages = 10;
     slider->setPageStep(std::max(1, slider->maximum() / pages));
@@ -48,7 +80,8 @@ NumberRow::NumberRow(PaneContext& paneContext, const PaneField& shownField, QWid
             SetNumber(shown / scale.Unit().factor, false);
         }
     });
-    Take(both, box, false);
+    Take(aboveMessage(both, message, Body()), box, false);
+    nameBounds(context, *box, *message);
 }
 
 void NumberRow::SetNumber(double number, bool continues) {
@@ -72,10 +105,11 @@ void NumberRow::UpdateValue() {
 SizeRow::SizeRow(PaneContext& paneContext, const PaneField& shownField, QWidget* parent)
     : FieldRow(paneContext, shownField, parent)
     , scale(paneContext.texts.language.metric)
-    , width(new QDoubleSpinBox(Body()))
-    , height(new QDoubleSpinBox(Body())) {
+    , width(new BoundedBox(Body()))
+    , height(new BoundedBox(Body()))
+    , message(new FieldMessage(Body())) {
     const auto& size = static_cast<const PPDXCustomPageSizeControl&>(*field.control);
-    const auto prepare = [&](QDoubleSpinBox* box, float least, float largest, const PaneWord& name) {
+    const auto prepare = [&](BoundedBox* box, float least, float largest, const PaneWord& name) {
         box->setDecimals(scale.decimals);
         box->setRange(scale.Least(static_cast<double>(least)), scale.Largest(static_cast<double>(largest)));
         box->setSingleStep(scale.step);
@@ -84,6 +118,7 @@ SizeRow::SizeRow(PaneContext& paneContext, const PaneField& shownField, QWidget*
         box->setFocusPolicy(Qt::StrongFocus);
         box->setAccessibleName(context.Say(name));
         QObject::connect(box, &QDoubleSpinBox::valueChanged, box, [this] { TakeSize(); });
+        nameBounds(context, *box, *message);
     };
     prepare(width, size.MinWidth(), size.MaxWidth(), words::width);
     prepare(height, size.MinHeight(), size.MaxHeight(), words::height);
@@ -95,7 +130,7 @@ SizeRow::SizeRow(PaneContext& paneContext, const PaneField& shownField, QWidget*
     times->setTextFormat(Qt::PlainText);
     layout->addWidget(times);
     layout->addWidget(height, 1);
-    Take(both, width, false);
+    Take(aboveMessage(both, message, Body()), width, false);
     width->setAccessibleName(qText(field.name) + QStringLiteral(", ") + context.Say(words::width));
 }
 
@@ -115,9 +150,11 @@ void SizeRow::UpdateValue() {
 
 bool SizeRow::UpdateAllowed() {
     const QString why = qText(whySizeIsUnused(context.texts));
-    for (QDoubleSpinBox* box : {width, height}) {
+    for (BoundedBox* box : {width, height}) {
         box->setEnabled(why.isEmpty());
-        setPlainToolTip(*box, why);
+        setPlainToolTip(*box, why.isEmpty() ? context.Say(words::bounds, box->textFromValue(box->minimum()),
+                                                          box->textFromValue(box->maximum()) + box->suffix())
+                                            : why);
     }
     return false;
 }

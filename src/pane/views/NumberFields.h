@@ -4,10 +4,12 @@
 #include "pane/presentation/NumberScale.h"
 #include "pane/views/FieldRow.h"
 
-class QDoubleSpinBox;
 class QSlider;
 
 namespace torka {
+
+class BoundedBox;
+class FieldMessage;
 
 // A whole or decimal number within bounds: a slider, and a spin box with the unit.
 class NumberRow final : public FieldRow {
@@ -22,7 +24,8 @@ private:
 
     NumberScale scale;
     QSlider* slider;
-    QDoubleSpinBox* box;
+    BoundedBox* box;
+    FieldMessage* message;
     bool updating = false;
 };
 
@@ -38,8 +41,9 @@ private:
     void TakeSize();
 
     SizeScale scale;
-    QDoubleSpinBox* width;
-    QDoubleSpinBox* height;
+    BoundedBox* width;
+    BoundedBox* height;
+    FieldMessage* message;
     bool updating = false;
 };
 

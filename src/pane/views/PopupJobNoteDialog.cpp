@@ -130,8 +130,10 @@ private:
         grid->addWidget(counter, row, 2);
         connect(line, &QLineEdit::textEdited, this, [this, &field, line, counter](const QString& text) {
             SetWarned(false);
-            showAcceptedText(*line, text, form.Type(field, cfText(text)));
-            Tell(line->text() == text ? QString() : qText(field.rules));
+            const TypedNote taken = form.Type(field, cfText(text));
+            showAcceptedText(*line, text, taken.shown);
+            markRefusal(*line, taken.refusal);
+            Tell(qText(taken.refusal));
             showCounter(*counter, form.CounterOf(field), field.rules);
         });
         showCounter(*counter, form.CounterOf(field), field.rules);

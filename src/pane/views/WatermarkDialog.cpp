@@ -3,6 +3,7 @@
 
 #include "pane/presentation/NumberScale.h"
 #include "pane/presentation/WatermarkEditing.h"
+#include "pane/views/FieldMessage.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/WatermarkPreview.h"
 
@@ -64,12 +65,14 @@ WatermarkDialog::WatermarkDialog(PaneContext& paneContext, const WatermarkFields
     , colors(new QComboBox(this))
     , right(MakeOffset("watermarkRight", edited.xOffset))
     , up(MakeOffset("watermarkUp", edited.yOffset))
-    , preview(new WatermarkPreview(context, this)) {
+    , preview(new WatermarkPreview(context, this))
+    , missing(new FieldMessage(this)) {
     setObjectName(QStringLiteral("watermarkDialog"));
     setWindowTitle(context.Say(isNew ? words::watermarkAddTitle : words::watermarkEditTitle));
     MakeFields();
     auto* form = new QFormLayout;
     form->addRow(context.Say(words::watermarkText), text);
+    form->addRow(missing);
     form->addRow(context.Say(words::watermarkFont), font);
     form->addRow(context.Say(words::watermarkSize), size);
     form->addRow(context.Say(words::watermarkColor), colors);
@@ -224,6 +227,7 @@ void WatermarkDialog::accept() {
 
 void WatermarkDialog::Update() {
     preview->Show(Fields());
+    missing->Tell(preview->Missing());
     if (acceptButton != nullptr) {
         acceptButton->setEnabled(!text->text().trimmed().isEmpty() && font->lineEdit()->hasAcceptableInput());
     }

@@ -16,6 +16,7 @@ class QSpinBox;
 
 namespace torka {
 
+class FieldMessage;
 class WatermarkPreview;
 
 // Edits one watermark, with a preview.
@@ -45,6 +46,7 @@ private:
     QDoubleSpinBox* right;
     QDoubleSpinBox* up;
     WatermarkPreview* preview;
+    FieldMessage* missing; // what the font cannot print
     QPushButton* acceptButton = nullptr;
     int lastColor = 0;
 };

@@ -2,6 +2,7 @@
 #include "pane/views/WatermarkPage.h"
 
 #include "pane/panel/TorkaFeaturesPDE.h"
+#include "pane/views/FieldMessage.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 #include "pane/views/WatermarkPreview.h"
@@ -27,7 +28,8 @@ WatermarkPage::WatermarkPage(PaneContext& paneContext, QWidget* parent)
     , edit(new QPushButton(context.Say(words::watermarkEdit), this))
     , remove(new QPushButton(context.Say(words::watermarkDelete), this))
     , firstPage(new QCheckBox(context.Say(words::watermarkFirstPage), this))
-    , preview(new WatermarkPreview(context, this)) {
+    , preview(new WatermarkPreview(context, this))
+    , missing(new FieldMessage(this)) {
     list->setObjectName(QStringLiteral("watermarks"));
     list->setAccessibleName(context.Say(words::watermark));
     list->setItemDelegate(new RoomyRows(list));
@@ -45,7 +47,10 @@ WatermarkPage::WatermarkPage(PaneContext& paneContext, QWidget* parent)
     side->addWidget(firstPage);
     auto* columns = new QHBoxLayout(this);
     columns->addLayout(side, 1);
-    columns->addWidget(preview, 1);
+    auto* picture = new QVBoxLayout;
+    picture->addWidget(preview, 1);
+    picture->addWidget(missing);
+    columns->addLayout(picture, 1);
     connect(list, &QListWidget::currentRowChanged, this, [this](int row) { Select(row - 1); });
     connect(list, &QListWidget::itemDoubleClicked, this, [this] { Edit(); });
     connect(add, &QPushButton::clicked, this, [this] { Add(); });
@@ -80,6 +85,7 @@ void WatermarkPage::Update() {
     firstPage->setChecked(chosen && chosen->isFirstPageOnly);
     preview->TakePaper();
     preview->Show(chosen);
+    missing->Tell(preview->Missing());
 }
 
 void WatermarkPage::Select(int index) {

@@ -15,6 +15,7 @@ class QPushButton;
 
 namespace torka {
 
+class FieldMessage;
 class WatermarkPreview;
 
 // The watermarks of the printer, the one that this job prints, and a preview. The choice is a setting and can
@@ -52,6 +53,7 @@ private:
     QPushButton* remove;
     QCheckBox* firstPage;
     WatermarkPreview* preview;
+    FieldMessage* missing; // what the font cannot print
     QPointer<WatermarkDialog> dialog;
 };
 

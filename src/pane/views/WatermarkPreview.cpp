@@ -57,6 +57,11 @@ WatermarkPreview::WatermarkPreview(PaneContext& paneContext, QWidget* parent)
 
 void WatermarkPreview::Show(std::optional<WatermarkFields> shown) {
     fields = std::move(shown);
+    const PrintedWatermark printed = fields ? printedWatermark(context.texts, *fields) : PrintedWatermark();
+    printedText = qText(printed.shown);
+    missing = qText(printed.missing);
+    setPlainToolTip(*this, missing);
+    setAccessibleDescription(missing);
     setAccessibleName(context.Say(words::watermarkPreview,
                                   fields ? qText(fields->text) : context.Say(words::watermarkNone)));
     update();
@@ -114,10 +119,9 @@ void WatermarkPreview::PaintText(QPainter& painter) const {
     constexpr int outlineSize = 100; // pixels; the outline is scaled, because a font size may be any number
     QFont font = screenFont(fields->fontName);
     font.setPixelSize(outlineSize);
-    const QString text = qText(fields->text);
-    const double width = QFontMetricsF(font).horizontalAdvance(text);
+    const double width = QFontMetricsF(font).horizontalAdvance(printedText);
     QPainterPath outline;
-    outline.addText(-width / 2, outlineSize / 3.0, font, text);
+    outline.addText(-width / 2, outlineSize / 3.0, font, printedText);
     painter.translate(fields->xOffset, -fields->yOffset);
     painter.rotate(-fields->angle / 10.0);
     const double scale = std::clamp(fields->fontSize, 0, 10000) / static_cast<double>(outlineSize);

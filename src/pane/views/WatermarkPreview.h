@@ -18,6 +18,8 @@ public:
     explicit WatermarkPreview(PaneContext& paneContext, QWidget* parent = nullptr);
     // No fields: shows the page without watermark.
     void Show(std::optional<WatermarkFields> shown);
+    // Names the characters that the printer's font lacks; "" for none. The preview draws "?" in their place.
+    const QString& Missing() const { return missing; }
     // Reads the chosen paper and its orientation.
     void TakePaper();
     // The rectangle of the page in the widget.
@@ -34,6 +36,8 @@ private:
 
     PaneContext& context;
     std::optional<WatermarkFields> fields;
+    QString printedText;
+    QString missing;
     QSizeF paper;
 };
 
