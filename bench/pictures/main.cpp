@@ -134,6 +134,39 @@ void drawWatermarks(ViewedPane& pane, const QString& folder, const QString& pref
     dialog->reject();
 }
 
+// A wide window shows the picture of the job beside the page.
+void drawWide(ViewedPane& pane, const QString& folder, const QString& prefix) {
+    const std::vector<std::vector<std::pair<const char*, const char*>>> jobs{
+        {},
+        {{"*QVDuplex", "LongEdge"}, {"*QVStaple", "Dual"}, {"*QVPunchHoles", "Two"}},
+        {{"*QVNUpPages", "4"},
+         {"*QVNUpBorder", "True"},
+         {"*QVDuplex", "ShortEdge"},
+         {"*QVStaple", "Front"},
+         {"*QVFoldStyle", "Letter"},
+         {"*QVBannerPage", "Start"},
+         {"*QVSlipSheet", "Set"}},
+        {{"*QVRIPBooklet", "Saddle"},
+         {"*QVStaple", "Saddle"},
+         {"*QVDuplex", "ShortEdge"},
+         {"*QVBookCoverEnabled", "True"},
+         {"*QVInterlvMedia", "True"},
+         {"*QVTrimSides", "Three"}},
+    };
+    pane.Widget().ShowPage("QVFinishingPage");
+    for (std::size_t i = 0; i < jobs.size(); ++i) {
+        std::vector<std::string> keywords;
+        for (const auto& [keyword, value] : jobs[i]) {
+            pane.Editor().SetValue(keyword, value);
+            keywords.emplace_back(keyword);
+        }
+        pane.Root()->resize(i % 2 == 0 ? 1366 : 1100, 640);
+        grab(pane, folder, prefix + QStringLiteral("-wide-%1").arg(i));
+        pane.Editor().Reset(keywords);
+    }
+    pane.Root()->resize(820, 600);
+}
+
 void drawAll(const std::string& ppd, const QString& folder, const QString& prefix) {
     using Clock = std::chrono::steady_clock;
     auto model = ppd.empty() ? samplePane() : paneOfFile(ppd);
@@ -161,6 +194,7 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     if (!ppd.empty()) {
         return;
     }
+    drawWide(pane, folder, prefix);
     widget.ShowPage("QVFinishingPage");
     pane.Editor().SetValue("*QVStaple", "Saddle");
     pane.Editor().SetValue("*QVFoldStyle", "Half");
@@ -190,6 +224,9 @@ void drawAll(const std::string& ppd, const QString& folder, const QString& prefi
     drawPresets(pane, folder, prefix);
     drawQuickAccess(pane, folder, prefix);
     drawWatermarks(pane, folder, prefix);
+    widget.SearchField()->setText(QStringLiteral("finishing"));
+    widget.SearchNow();
+    grab(pane, folder, prefix + QStringLiteral("-search-page"));
     widget.SearchField()->setText(QStringLiteral("fold"));
     widget.SearchNow();
     grab(pane, folder, prefix + QStringLiteral("-search"));

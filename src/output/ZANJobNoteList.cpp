@@ -93,6 +93,14 @@ ZANJobNote* ZANJobNoteList::find(std::string_view keyword) {
     return nullptr;
 }
 
+PageGrid layoutGrid(const PMPrintSettings& settings) {
+    if (!isLayoutNUp(settings)) {
+        return {};
+    }
+    return {integerSetting(settings, "com.apple.print.PrintSettings.PMLayoutRows", 1),
+            integerSetting(settings, "com.apple.print.PrintSettings.PMLayoutColumns", 1)};
+}
+
 OSStatus ZANJobNoteList::outInjectionData(ZANJobTicket* ticket, const PMPrintSettings& settings) {
     leftOut.clear();
     if (ticket == nullptr) {
@@ -116,18 +124,13 @@ OSStatus ZANJobNoteList::outInjectionData(ZANJobTicket* ticket, const PMPrintSet
 }
 
 void ZANJobNoteList::AddLayoutComments(ZANJobTicket& ticket, const PMPrintSettings& settings) const {
-    std::int64_t rows = 1;
-    std::int64_t columns = 1;
-    if (isLayoutNUp(settings)) {
-        rows = integerSetting(settings, "com.apple.print.PrintSettings.PMLayoutRows", 1);
-        columns = integerSetting(settings, "com.apple.print.PrintSettings.PMLayoutColumns", 1);
-    }
+    const PageGrid grid = layoutGrid(settings);
     const auto isUpright = [](std::uint16_t turn) {
         return turn == kPMPortrait || turn == kPMReversePortrait;
     };
     std::uint16_t turned = orientation;
     // Two or six pages on a sheet are turned by 90 degrees.
-    if (const std::int64_t pages = rows * columns; pages == 2 || pages == 6) {
+    if (const std::int64_t pages = std::int64_t{grid.rows} * grid.columns; pages == 2 || pages == 6) {
         turned = isUpright(orientation) ? kPMReverseLandscape : kPMPortrait;
     }
     ticket.Add(siteLayoutComment, std::string_view("%%MacCoreNUp: true\n"));

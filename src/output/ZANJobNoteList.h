@@ -23,6 +23,13 @@ enum class LeftOutReason {
     plainDestination, // a file destination would be named after it
 };
 
+// The pages on a sheet that the system's own layout asks for, as stored; 1 x 1 without it.
+struct PageGrid {
+    std::int32_t rows = 1;
+    std::int32_t columns = 1;
+};
+PageGrid layoutGrid(const PMPrintSettings& settings);
+
 // The job notes of a description, in its order, prepared for one job.
 //
 // Refers to the description, which must outlive it. A protected note, and the user's password in any case,

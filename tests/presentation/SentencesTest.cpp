@@ -163,6 +163,27 @@ TEST_F(Sample, FindsByNameKeywordAndChoice) {
     }
     EXPECT_EQ(shown, 40U);
     EXPECT_THAT(results.more, StartsWith(std::to_string(editor.Catalog().FieldCount() - 40) + " more"));
+    // Words that stand in no name, and the names of pages.
+    for (const auto& [query, keyword] : {std::pair{"two-sided", "*QVDuplex "},
+                                         {"Duplex", "*QVDuplex "},
+                                         {"copies", "*Collate "},
+                                         {"stapling", "*QVStaple "},
+                                         {"paper size", "*PageSize "}}) {
+        EXPECT_EQ(first(query), keyword) << query;
+    }
+    FieldSearch withPages(texts, true);
+    const auto pagesOf = [&](const char* query) {
+        std::string titles;
+        for (const auto& page : withPages.Results(query).pages) {
+            titles += page.title + ";";
+        }
+        return titles;
+    };
+    EXPECT_EQ(pagesOf("stamp"), "Watermarks;");
+    EXPECT_EQ(pagesOf("WATERMARK"), "Watermarks;");
+    EXPECT_EQ(pagesOf(editor.Catalog().Pages().front().name.c_str()),
+              editor.Catalog().Pages().front().name + ";");
+    EXPECT_EQ(withPages.Results("stamp").nothingFound, "");
     EXPECT_EQ(search.Results("%1 <b>").nothingFound, "No setting matches “%1 <b>”.");
 }
 

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QScrollArea>
 #include <QTest>
 
 namespace torka::tests {
@@ -53,6 +54,10 @@ TEST(Gauges, ShowWhatTheRecordsTell) {
                 testing::UnorderedElementsAre("Tray 1 – Plain, A4: 76 %", "Tray 3 – <b>&x, A3: not empty",
                                               "Cyan: 71 %", "Black: 8 %, needs attention"));
     EXPECT_TRUE(isSeen());
+    for (const int room : {40, 400}) { // the rows fold away for the list of pages
+        gauges.SetRoom(room);
+        EXPECT_EQ(gauges.findChild<QScrollArea*>()->isHidden(), room == 40);
+    }
     state = ServerExchange::State::failed;
     EXPECT_THAT(names(), testing::IsEmpty());
     EXPECT_TRUE(isSeen()) << "the quiet line";

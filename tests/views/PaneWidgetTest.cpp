@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
+#include "pane/views/JobPicture.h"
 #include "pane/views/SummaryPage.h"
 #include "tests/views/ViewFixture.h"
 
@@ -23,6 +24,8 @@
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QWheelEvent>
+
+#include <cmath>
 
 namespace torka::tests {
 namespace {
@@ -432,6 +435,60 @@ TEST(PaneInterfaceFile, SaysWhatIsWrongWithIt) {
     EXPECT_THAT(problemOf("<ui version=\"4.0\"><class>X</class><widget class=\"QWidget\" "
                           "name=\"outputBinsView\"/></ui>"),
                 HasSubstr("customizePane"));
+}
+
+double contrast(const QColor& text, const QColor& under) {
+    const auto light = [](const QColor& color) { // WCAG 2.1, relative luminance
+        const auto part = [](double c) {
+            return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+    };
+    const double share = text.alphaF();
+    const auto mix = [share](double over, double below) { return over * share + below * (1 - share); };
+    const QColor seen = QColor::fromRgbF(static_cast<float>(mix(text.redF(), under.redF())),
+                                         static_cast<float>(mix(text.greenF(), under.greenF())),
+                                         static_cast<float>(mix(text.blueF(), under.blueF())));
+    const double a = light(seen) + 0.05;
+    const double b = light(under) + 0.05;
+    return std::max(a, b) / std::min(a, b);
+}
+
+TEST_F(PaneWidgetTest, QuietAndDisabledTextsCanBeRead) {
+    for (const QColor& window : {QColor(0xEF, 0xEF, 0xEF), QColor(50, 50, 52)}) {
+        QApplication::setPalette(QPalette(window));
+        QCoreApplication::processEvents();
+        const QPalette colors = Widget().SearchField()->palette();
+        for (const auto under : {QPalette::Window, QPalette::Base}) {
+            EXPECT_GE(contrast(colors.color(QPalette::PlaceholderText), colors.color(under)), 4.5);
+            EXPECT_GE(contrast(colors.color(QPalette::Disabled, QPalette::Text), colors.color(under)), 3);
+        }
+    }
+    QApplication::setPalette(QPalette());
+}
+
+// The picture stands only beside a page that has its room, and it draws what was set.
+TEST_F(PaneWidgetTest, PictureFollowsAndLeavesRoom) {
+    JobPicture& picture = *pane.Widget().Picture();
+    QWidget& root = *pane.Root();
+    root.resize(root.minimumSizeHint());
+    EXPECT_FALSE(picture.isVisible());
+    root.resize(1366, 640);
+    ASSERT_TRUE(picture.isVisible());
+    EXPECT_LT(root.minimumSizeHint().width(), 1000) << "the picture may go again";
+    QCoreApplication::processEvents();
+    const auto drawn = [&] { return picture.grab().toImage(); };
+    for (const auto& [keyword, value] :
+         {std::pair{"*QVStaple", "Dual"}, {"*QVDuplex", "ShortEdge"}, {"*QVTrimSides", "Face"}}) {
+        const QImage before = drawn();
+        ASSERT_TRUE(pane.Editor().SetValue(keyword, value)) << keyword;
+        QCoreApplication::processEvents();
+        EXPECT_NE(drawn(), before) << keyword;
+        EXPECT_TRUE(picture.accessibleDescription().contains(
+            qText(choiceName(*pane.Editor().FindControl(keyword), value))));
+    }
+    QTest::mouseClick(pane.Widget().PictureButton(), Qt::LeftButton);
+    EXPECT_FALSE(picture.isVisible());
 }
 
 } // namespace

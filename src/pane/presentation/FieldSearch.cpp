@@ -2,9 +2,11 @@
 #include "pane/presentation/FieldSearch.h"
 
 #include "pane/presentation/FieldTexts.h"
+#include "pane/presentation/PageList.h"
 #include "platform/TextCase.h"
 
 #include <algorithm>
+#include <array>
 
 namespace torka {
 namespace {
@@ -24,6 +26,30 @@ std::vector<std::string> foldedWords(std::string_view query) {
     return words;
 }
 
+// Words by which people look for a setting that has another name.
+struct Synonyms {
+    std::string_view keyword;
+    const PaneWord* word;
+};
+constexpr std::array synonyms{
+    Synonyms{"*Collate", &words::synonymsCollate},    Synonyms{"*Duplex", &words::synonymsDuplex},
+    Synonyms{"*InputSlot", &words::synonymsTray},     Synonyms{"*MediaType", &words::synonymsPaper},
+    Synonyms{"*PageSize", &words::synonymsPaperSize}, Synonyms{"*QVColorMode", &words::synonymsColor},
+    Synonyms{"*QVDuplex", &words::synonymsDuplex},    Synonyms{"*QVNUpPages", &words::synonymsNUp},
+    Synonyms{"*QVPunchHoles", &words::synonymsPunch}, Synonyms{"*QVRIPBooklet", &words::synonymsBooklet},
+    Synonyms{"*QVStaple", &words::synonymsStaple},
+};
+
+std::string synonymsOf(const PaneTexts& texts, const PaneField& field) {
+    const auto place = std::ranges::find(synonyms, field.keyword, &Synonyms::keyword);
+    return place == synonyms.end() ? std::string() : texts.Say(*place->word);
+}
+
+bool holdsAll(std::string_view text, const std::vector<std::string>& words) {
+    return std::ranges::all_of(
+        words, [&](const std::string& word) { return text.find(word) != std::string_view::npos; });
+}
+
 } // namespace
 
 void FieldSearch::MakeIndex() {
@@ -33,7 +59,8 @@ void FieldSearch::MakeIndex() {
     version = texts.editor.FieldsVersion();
     index.clear();
     texts.editor.Catalog().ForEach([this](const PaneField& field) {
-        FoldedField folded{&field, upperCaseUtf8(field.name + "\n" + field.keyword), {}};
+        FoldedField folded{
+            &field, upperCaseUtf8(field.name + "\n" + field.keyword + "\n" + synonymsOf(texts, field)), {}};
         for (const PaneChoice& choice : choicesOf(*field.control)) {
             folded.choices.emplace_back(upperCaseUtf8(choice.name + "\n" + choice.keyword), choice.name);
         }
@@ -71,10 +98,29 @@ std::vector<PaneMatch> FieldSearch::Matches(std::string_view query) {
     return matches;
 }
 
+std::vector<SearchResults::Page> FieldSearch::PagesOf(std::string_view query) const {
+    const std::vector<std::string> asked = foldedWords(query);
+    std::vector<SearchResults::Page> pages;
+    if (asked.empty()) {
+        return pages;
+    }
+    for (const PageEntry& entry : pageEntries(texts, false, hasWatermarks)) {
+        std::string text = entry.title;
+        if (entry.kind == PageEntry::Kind::watermarks) {
+            text += "\n" + texts.Say(words::synonymsWatermark);
+        }
+        if (holdsAll(upperCaseUtf8(text), asked)) {
+            pages.push_back({entry.identifier, entry.title});
+        }
+    }
+    return pages;
+}
+
 SearchResults FieldSearch::Results(std::string_view query) {
     SearchResults results;
     const std::vector<PaneMatch> found = Matches(query);
-    if (found.empty()) {
+    results.pages = PagesOf(query);
+    if (found.empty() && results.pages.empty()) {
         results.nothingFound = texts.Say(words::foundNone, query);
     }
     for (std::size_t i = 0; i < std::min(found.size(), maximumResults); ++i) {

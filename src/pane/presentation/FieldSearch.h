@@ -24,20 +24,27 @@ struct SearchResults {
         std::string heading;
         std::vector<PaneField> fields;
     };
+    struct Page {
+        std::string identifier; // PageEntry::identifier
+        std::string title;
+    };
     std::string nothingFound; // "" unless nothing matches
+    std::vector<Page> pages;  // whose titles match
     std::vector<Section> sections;
     std::string more; // how many matches are left out; "" for none
 };
 
-// Finds the fields whose name, keyword or choices (name or keyword) contain every word of a query, without
-// regard to case.
+// Finds the fields whose name, keyword, synonyms or choices (name or keyword) contain every word of a query,
+// and the pages whose titles do, without regard to case.
 //
 // Keeps an index of the texts in upper case. The first search makes it, and a search after the fields or
 // their choices changed makes it again.
 class FieldSearch {
 public:
-    explicit FieldSearch(const PaneTexts& paneTexts)
-        : texts(paneTexts) {}
+    // `paneHasWatermarks`: whether the pane has a page of watermarks.
+    explicit FieldSearch(const PaneTexts& paneTexts, bool paneHasWatermarks = false)
+        : texts(paneTexts)
+        , hasWatermarks(paneHasWatermarks) {}
 
     // All matches in the order of the pages: first by name or keyword, then by choice. None for a blank
     // query.
@@ -48,12 +55,14 @@ public:
 private:
     struct FoldedField {
         const PaneField* field;
-        std::string own;                                          // name and keyword
+        std::string own;                                          // name, keyword and synonyms
         std::vector<std::pair<std::string, std::string>> choices; // text in upper case, and the name
     };
     void MakeIndex();
+    std::vector<SearchResults::Page> PagesOf(std::string_view query) const;
 
     const PaneTexts& texts;
+    bool hasWatermarks;
     std::vector<FoldedField> index;
     std::uint64_t version = 0; // PaneEditor::FieldsVersion of the index
 };

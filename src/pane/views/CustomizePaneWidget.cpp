@@ -5,6 +5,7 @@
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
 #include "pane/views/GaugePanel.h"
+#include "pane/views/JobPicture.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PresetBar.h"
 #include "pane/views/RoomyRows.h"
@@ -39,7 +40,7 @@ constexpr std::chrono::milliseconds pauseInTyping{120};
 CustomizePaneWidget::CustomizePaneWidget(PaneContext& paneContext, QWidget* parent)
     : QWidget(parent)
     , context(paneContext)
-    , fieldSearch(paneContext.texts) {
+    , fieldSearch(paneContext.texts, paneContext.data != nullptr) {
     MakeWidgets();
     searchPause.setSingleShot(true);
     searchPause.setInterval(pauseInTyping);
@@ -76,7 +77,8 @@ void CustomizePaneWidget::MakeWidgets() {
     list->setIconSize(QSize(signSize, signSize));
     side->addWidget(list, 1);
     if (context.gauges) {
-        side->addWidget(new GaugePanel(context, *context.gauges, area));
+        gauges = new GaugePanel(context, *context.gauges, area);
+        side->addWidget(gauges);
     }
     columns->addLayout(side);
     stack = new QStackedWidget(area);
@@ -84,7 +86,11 @@ void CustomizePaneWidget::MakeWidgets() {
     constexpr int minimumLines = 14;
     stack->setMinimumSize(fontMetrics().averageCharWidth() * minimumCharacters,
                           fontMetrics().height() * minimumLines);
+    stack->installEventFilter(this);
     columns->addWidget(stack, 1);
+    picture = new JobPicture(context, area);
+    picture->hide();
+    columns->addWidget(picture, 1);
     rows->addLayout(columns, 1);
     bar = new ConflictBar(context, area);
     rows->addWidget(bar);
@@ -131,6 +137,18 @@ void CustomizePaneWidget::MakeHeader(QWidget* header) {
     if (context.data != nullptr) {
         layout->addWidget(new PresetBar(context, header));
     }
+    pictureButton = new QToolButton(header);
+    pictureButton->setIcon(paneIcon(PaneSign::sheet));
+    pictureButton->setAutoRaise(true);
+    pictureButton->setCheckable(true);
+    pictureButton->setChecked(true);
+    pictureButton->setFocusPolicy(Qt::StrongFocus);
+    const QString pictureName = context.Say(words::jobPicture);
+    pictureButton->setAccessibleName(pictureName);
+    pictureButton->setToolTip(plainToolTip(pictureName));
+    pictureButton->hide();
+    layout->addWidget(pictureButton);
+    connect(pictureButton, &QToolButton::toggled, this, [this] { ShowPicture(); });
 }
 
 QToolButton* CustomizePaneWidget::MakeButton(QWidget* parent, bool isUndo) {
@@ -201,6 +219,8 @@ void CustomizePaneWidget::drawControlsInTree(const PPDTree& tree) {
         if (!ShowPage(shown) && !entries.empty()) {
             list->setCurrentRow(0);
         }
+        ShowPicture();
+        LeaveRoomForPages();
         if (!fieldToShow.empty()) {
             ShowField(std::exchange(fieldToShow, {}));
         }
@@ -255,6 +275,7 @@ void CustomizePaneWidget::UpdateSurroundings(const PaneChange* change) {
     if (!entries.empty()) {
         entries.back().item->setText(qText(summaryTitle(context.texts)));
     }
+    picture->Follow();
 }
 
 // Marks the pages that have a field in conflict.
@@ -388,6 +409,9 @@ void CustomizePaneWidget::SearchNow() {
     if (!found.nothingFound.empty()) {
         results->SetHint(qText(found.nothingFound));
     }
+    for (const SearchResults::Page& page : found.pages) {
+        results->AddLink(qText(page.title), [this, identifier = page.identifier] { ShowPage(identifier); });
+    }
     for (const SearchResults::Section& section : found.sections) {
         results->AddHeading(qText(section.heading));
         results->AddFields(section.fields);
@@ -408,6 +432,28 @@ void CustomizePaneWidget::EndSearch() {
     search->clear();
 }
 
+void CustomizePaneWidget::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    ShowPicture();
+}
+
+// The picture stands where the pane is wide enough for it beside a page; it never widens the pane.
+void CustomizePaneWidget::ShowPicture() {
+    const int spacing = 2 * style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing);
+    const bool isWide =
+        width() >= list->width() + stack->minimumWidth() + picture->minimumSizeHint().width() + spacing;
+    pictureButton->setVisible(isWide);
+    picture->setVisible(isWide && pictureButton->isChecked());
+}
+
+// The list shows all its entries; the gauges take the rest of the height, or fold away.
+void CustomizePaneWidget::LeaveRoomForPages() {
+    if (gauges != nullptr && list->count() > 0) {
+        gauges->SetRoom(stack->height() - list->count() * list->sizeHintForRow(0) - 3 * list->frameWidth() -
+                        style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
+    }
+}
+
 // Keys of the search field: Down and Return go to the first result, Escape ends the search.
 bool CustomizePaneWidget::eventFilter(QObject* watched, QEvent* event) {
     if (watched == search && event->type() == QEvent::KeyPress) {
@@ -424,6 +470,9 @@ bool CustomizePaneWidget::eventFilter(QObject* watched, QEvent* event) {
             search->clear();
             return true;
         }
+    }
+    if (watched == stack && event->type() == QEvent::Resize) {
+        LeaveRoomForPages();
     }
     return QWidget::eventFilter(watched, event);
 }

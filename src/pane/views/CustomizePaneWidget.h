@@ -25,10 +25,12 @@ namespace torka {
 
 class ConflictBar;
 class FieldPage;
+class GaugePanel;
+class JobPicture;
 class SummaryPage;
 
-// The controls of the pane: the search field, the list of pages, the chosen page, and the bar that names
-// conflicts.
+// The controls of the pane: the search field, the list of pages, the chosen page, the bar that names
+// conflicts, and in a wide pane the picture of the job.
 //
 // A page is made when it is first chosen. Only the visible page follows a change at once; other pages are
 // updated when they are chosen.
@@ -55,8 +57,11 @@ public:
     std::vector<std::string> PageIdentifiers() const;
     QListWidget* PageList() const { return list; }
     ConflictBar* Bar() const { return bar; }
+    JobPicture* Picture() const { return picture; }
+    QToolButton* PictureButton() const { return pictureButton; }
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -81,6 +86,8 @@ private:
     void UpdateSurroundings(const PaneChange* change);
     void MarkConflicts();
     void EndSearch();
+    void ShowPicture();
+    void LeaveRoomForPages();
     std::optional<std::size_t> IndexOf(const std::string& identifier) const;
 
     PaneContext& context;
@@ -92,7 +99,10 @@ private:
     ConflictBar* bar = nullptr;
     QToolButton* undo = nullptr;
     QToolButton* redo = nullptr;
-    QWidget* area = nullptr; // disabled while the module runs
+    QToolButton* pictureButton = nullptr;
+    JobPicture* picture = nullptr;
+    GaugePanel* gauges = nullptr; // null without a queue
+    QWidget* area = nullptr;      // disabled while the module runs
     QTimer searchPause;
     std::vector<Entry> entries;
     std::optional<std::size_t> current;

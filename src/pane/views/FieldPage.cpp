@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/FieldPage.h"
 
+#include "pane/views/Eliding.h"
+#include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RollDown.h"
 
@@ -17,6 +19,7 @@ FieldPage::FieldPage(PaneContext& paneContext, QWidget* parent)
     : QScrollArea(parent)
     , context(paneContext) {
     setWidgetResizable(true);
+    setAlignment(Qt::AlignLeading | Qt::AlignTop);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     Clear();
@@ -32,6 +35,8 @@ void FieldPage::Clear() {
     groups.clear();
     labelWidth = 0;
     column = new QWidget;
+    constexpr int greatestCharacters = 104; // wider fields are no easier to read
+    column->setMaximumWidth(fontMetrics().averageCharWidth() * greatestCharacters);
     auto* layout = new QVBoxLayout(column);
     layout->setSpacing(4);
     setWidget(column);
@@ -45,6 +50,17 @@ void FieldPage::SetHint(const QString& text) {
     alignLeading(*hint);
     hint->setForegroundRole(QPalette::PlaceholderText);
     column->layout()->addWidget(hint);
+}
+
+void FieldPage::AddLink(const QString& text, const std::function<void()>& go) {
+    auto* link = new ElidingToolButton(text, column);
+    link->setIcon(paneIcon(PaneSign::closed));
+    link->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    link->setAutoRaise(true);
+    link->setFocusPolicy(Qt::StrongFocus);
+    // The page is cleared by going elsewhere: the button must not end within its own signal.
+    connect(link, &QToolButton::clicked, this, go, Qt::QueuedConnection);
+    column->layout()->addWidget(link);
 }
 
 void FieldPage::AddHeading(const QString& text) {

@@ -5,6 +5,7 @@
 
 #include <QScrollArea>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,6 +29,8 @@ public:
     void AddGroup(const QString& title, const std::vector<PaneField>& fields, bool open);
     // Adds fields without a header.
     void AddFields(const std::vector<PaneField>& fields);
+    // Adds a button that goes elsewhere.
+    void AddLink(const QString& text, const std::function<void()>& go);
     // Adds a heading between fields.
     void AddHeading(const QString& text);
     void Finish(); // after everything was added

@@ -149,26 +149,24 @@ GaugePanel::GaugePanel(const PaneContext& paneContext, const GaugeSource& gaugeS
     area->setWidgetResizable(true);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setAccessibleName(context.Say(words::gauges));
-    parent->installEventFilter(this);
     source.whenChanged([self = QPointer<GaugePanel>(this)] {
         if (self != nullptr) {
             self->Update();
         }
     });
-    LimitHeight();
     Update();
 }
 
-bool GaugePanel::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Resize && watched == parentWidget()) {
-        LimitHeight();
-    }
-    return QWidget::eventFilter(watched, event);
+void GaugePanel::SetRoom(int height) {
+    room = height;
+    LimitHeight();
 }
 
-// Leaves the greater part of the height to the list of pages.
 void GaugePanel::LimitHeight() {
-    area->setMaximumHeight(std::max(parentWidget()->height() * 2 / 5, area->minimumSizeHint().height()));
+    const int head = again->sizeHint().height() + layout()->spacing();
+    const int rows = std::max(0, room - head);
+    area->setMaximumHeight(rows);
+    area->setVisible(area->widget() != nullptr && rows >= area->minimumSizeHint().height());
 }
 
 void GaugePanel::Update() {
@@ -180,7 +178,7 @@ void GaugePanel::Update() {
         Fill(content == nullptr ? ServerGauges() : gaugesOf(*content));
     }
     const bool hasRows = area->widget() != nullptr;
-    area->setVisible(hasRows);
+    LimitHeight();
     title->setText(context.Say(failed ? words::gaugesFailed : words::gauges));
     title->setForegroundRole(failed ? QPalette::PlaceholderText : QPalette::WindowText);
     setVisible(hasRows || failed);

@@ -36,9 +36,8 @@ class GaugePanel final : public QWidget {
 public:
     GaugePanel(const PaneContext& paneContext, const GaugeSource& gaugeSource, QWidget* parent);
     void Update();
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    // The height in which the panel may stand. The rows fold away when they do not fit.
+    void SetRoom(int height);
 
 private:
     void LimitHeight();
@@ -53,6 +52,7 @@ private:
     QLabel* title;
     QToolButton* again;
     QScrollArea* area;
+    int room = QWIDGETSIZE_MAX;
     std::shared_ptr<const std::string> shown; // the data of the rows; null for none
 };
 

@@ -87,6 +87,18 @@ QPainterPath outline(PaneSign sign) {
         path.moveTo(11.5, 4.5);
         path.lineTo(4.5, 11.5);
         return path;
+    case PaneSign::sheet:
+        path.moveTo(3.5, 2);
+        path.lineTo(9.5, 2);
+        path.lineTo(12.5, 5);
+        path.lineTo(12.5, 14);
+        path.lineTo(3.5, 14);
+        path.closeSubpath();
+        path.moveTo(6, 7);
+        path.lineTo(10, 7);
+        path.moveTo(6, 10);
+        path.lineTo(10, 10);
+        return path;
     case PaneSign::dot:
         break;
     }

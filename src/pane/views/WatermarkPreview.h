@@ -32,11 +32,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void PaintText(QPainter& painter) const;
-
     PaneContext& context;
-    std::optional<WatermarkFields> fields;
-    QString printedText;
+    std::optional<WatermarkFields> fields; // with the text as it is printed
     QString missing;
     QSizeF paper;
 };
