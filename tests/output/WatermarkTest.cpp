@@ -7,6 +7,7 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/output/PlainSource.h"
 #include "tests/output/WatermarkPages.h"
+#include "tests/support/SmallPPD.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -380,19 +381,7 @@ TEST(WatermarkPages, SeveralPagesOnASheetHaveOneWatermark) {
         GTEST_SKIP() << "no " << pstops;
     }
     const tests::TemporaryFolder folder;
-    const auto popup = [](const std::string& key) {
-        return "*OpenUI *" + key + ": PickOne\n*Default" + key + ": A\n*" + key + " A: \"\"\n*CloseUI: *" +
-               key + "\n";
-    };
-    const std::string description =
-        folder.Write("sheets.ppd",
-                     "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*FileVersion: \"1.0\"\n*LanguageVersion: "
-                     "English\n*LanguageEncoding: ISOLatin1\n*PCFileName: \"T.PPD\"\n*Manufacturer: \"T\"\n"
-                     "*Product: \"(T)\"\n*ModelName: \"T\"\n*ShortNickName: \"T\"\n*NickName: \"T\"\n"
-                     "*PSVersion: \"(3010.000) 1\"\n" +
-                         popup("PageSize") + popup("PageRegion") +
-                         "*DefaultImageableArea: A\n*ImageableArea A: \"0 0 400 500\"\n"
-                         "*DefaultPaperDimension: A\n*PaperDimension A: \"400 500\"\n");
+    const std::string description = folder.Write("sheets.ppd", tests::smallPPD + tests::onlySheet("400 500"));
     std::string document = "%!PS-Adobe-3.0\n%%Pages: 5\n%%EndComments\n";
     for (const char* page : {"1", "2", "3", "4", "5"}) {
         document +=
