@@ -5,6 +5,7 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/bidi/JobPropertiesFixture.h"
+#include "tests/support/SmallPPD.h"
 
 #include <gmock/gmock.h>
 
@@ -29,22 +30,77 @@ protected:
             ASSERT_EQ(module.Callback<SDMFreeProc>(SDM_SLOT_FREE)(&block), SDM_SUCCESS);
         }
     }
+    // What a callback returned, as text. Frees it as a module does.
     std::wstring Taken(wchar_t* text) const {
         const std::wstring copy = text;
         Free(text);
         return copy;
     }
-    // The list as "key=value,...". Frees the list as a module does.
     std::wstring Taken(SDMKeyValueList* list) const {
         std::wstring text;
-        for (std::size_t i = 0; i < list->count; ++i) {
+        for (std::size_t i = 0; list && i < list->count; ++i) {
             text += std::wstring(list->items[i].szKey) + L"=" + list->items[i].szValue + L",";
             Free(list->items[i].szKey);
             Free(list->items[i].szValue);
         }
-        Free(list->items);
+        Free(list ? list->items : nullptr);
         Free(list);
+        return list ? text : L"-";
+    }
+    std::wstring Taken(SDMTrayInfoArray* trays) const {
+        const SDMTrayInfo tray = trays->items[0];
+        const std::wstring text =
+            (tray.mediaName ? L"?" : L"-") + std::wstring(tray.mediaSize) + std::to_wstring(tray.capacity);
+        moduleMemory(nullptr).FreeTrays(trays);
         return text;
+    }
+    std::wstring Taken(SDMTonerInfoArray* toners) const {
+        const SDMTonerInfo toner = toners->items[0];
+        const std::wstring text = std::to_wstring(toner.level) + toner.color + std::to_wstring(toner.kind);
+        moduleMemory(nullptr).FreeToners(toners);
+        return text;
+    }
+    // The answer of a callback with one result; "none" when nothing is available.
+    template <typename Out, typename Ask>
+    std::wstring Answer(const Ask& ask) {
+        Out wrong{};
+        Out* out = &wrong;
+        EXPECT_EQ(ask(nullptr), SDM_NOT_AVAILABLE);
+        if (ask(&out) != SDM_SUCCESS) {
+            EXPECT_EQ(out, nullptr);
+            return L"none";
+        }
+        return Taken(out);
+    }
+    template <typename Out>
+    std::wstring Answer(SDMRESULT (*callback)(SDMHANDLE, Out**)) {
+        return Answer<Out>([&](Out** out) { return callback(&server, out); });
+    }
+    std::wstring Names() {
+        wchar_t** names = nullptr;
+        int32_t count = 7;
+        const auto callback = module.Callback<SDMGetNamesProc>(SDM_SLOT_GET_SERVER_PRESET_NAMES_LIST);
+        if (callback(&server, &names, &count) != SDM_SUCCESS) {
+            return count == 0 && !names ? L"none" : L"out-parameter";
+        }
+        const std::wstring last = names[count - 1];
+        moduleMemory(nullptr).FreeNames(names, static_cast<std::size_t>(count));
+        return last;
+    }
+    std::wstring Preset(const wchar_t* name) {
+        SDMKeyValueList* lists[3] = {};
+        const auto callback = module.Callback<SDMGetPresetProc>(SDM_SLOT_GET_SERVER_PRESET_DATA_BY_NAME);
+        EXPECT_EQ(callback(&server, name, &lists[0], nullptr, &lists[2]), SDM_NOT_AVAILABLE);
+        return callback(&server, name, &lists[0], &lists[1], &lists[2]) == SDM_SUCCESS
+                   ? Taken(lists[0]) + L"|" + Taken(lists[1]) + L"|" + Taken(lists[2])
+                   : L"none";
+    }
+    std::wstring Queue() {
+        SDMKeyValueList* lists[2] = {};
+        const auto callback = module.Callback<SDMGetTwoListsProc>(SDM_SLOT_GET_HOLD_QUEUE_ATTRIBUTES);
+        return callback(&server, &lists[0], &lists[1]) == SDM_SUCCESS
+                   ? Taken(lists[0]) + L"|" + Taken(lists[1])
+                   : L"none";
     }
 
     int server = 0; // its address serves as the module's handle
@@ -65,24 +121,64 @@ TEST_F(Callbacks, TheTableInBothStates) {
               (std::set<int>{4, 6, 8, 9, 10, 12, 13, 14, 15, 19, 26, 41, 45, 51, 54, 56, 57, 62, 63}));
 }
 
-// Every callback that returns a list from one record, in each state of two-way communication that has it.
-TEST_F(Callbacks, ListsFromTheirRecords) {
-    struct Case {
-        int slot;
-        const char* record;
-        std::wstring text;
-        std::wstring list;
-        bool also; // whether the table has it with two-way communication off, too
+// Every callback that reads a record, in each state of two-way communication that has it.
+TEST_F(Callbacks, AnswersFromTheirRecords) {
+    const auto list = [this](int slot) {
+        return [this, slot] { return Answer(module.Callback<SDMGetListProc>(slot)); };
     };
+    const auto text = [this](auto ask) { return [this, ask] { return Answer<wchar_t>(ask); }; };
+    const auto value = [&](const wchar_t* key) {
+        return text([this, key](wchar_t** out) {
+            return module.Callback<SDMGetServerValueProc>(SDM_SLOT_GET_SERVER_VALUE_FROM_DICT)(&server, 0,
+                                                                                               out, key);
+        });
+    };
+    const auto preset = [this](const wchar_t* name) { return [this, name] { return Preset(name); }; };
+    const auto info = [&](int item) {
+        return text([this, item](wchar_t** out) { return sdmFuncPtrGetServerInfo(&server, item, out); });
+    };
+    const auto feature = [&](const wchar_t* name) {
+        return text(
+            [this, name](wchar_t** out) { return sdmFuncPtrGetServerFeatureValue(&server, name, out); });
+    };
+    struct Case {
+        std::function<std::wstring()> ask;
+        const char* record;
+        std::wstring content;
+        std::wstring answer;
+        bool also = false; // whether two-way communication that is off has it, too
+    };
+    const std::wstring information = L"Alpha:ServerName\n7.0:ServerVersion\n";
+    const std::wstring presets = L"Brochure\nJPKeyValues=1\nA=1\nTesselKeyValues=0\nPresetKeyValues=1\nB=2\n";
     const std::vector<Case> cases = {
-        {SDM_SLOT_GET_PPD_DEFAULTS, "PpdDefaults", L"A=1\nB=EMPTYSTRING\n", L"A=1,B=,", false},
-        {SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS, "HueKeeper", L"A=1\n", L"A=1,", false},
-        {SDM_SLOT_GET_LOCL_HELP_STRINGS, "CDIHelpStrings", L"A=Help\n", L"A=Help,", false},
-        {SDM_SLOT_GET_ALL_DEVICE_LINK_PROFILES, "DeviceLinkProfilesList", L"P=Q\n", L"P=Q,", false},
-        {SDM_SLOT_GET_SERVER_INFO_ALL, "ServerInfo", L"Alpha:ServerName\n7.0:ServerVersion\n",
+        {list(SDM_SLOT_GET_PPD_DEFAULTS), "PpdDefaults", L"A=1\nB=EMPTYSTRING\n", L"A=1,B=,"},
+        {list(SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS), "HueKeeper", L"A=1\n", L"A=1,"},
+        {list(SDM_SLOT_GET_LOCL_HELP_STRINGS), "CDIHelpStrings", L"A=Help\n", L"A=Help,"},
+        {list(SDM_SLOT_GET_ALL_DEVICE_LINK_PROFILES), "DeviceLinkProfilesList", L"P=Q\n", L"P=Q,"},
+        {list(SDM_SLOT_GET_SERVER_INFO_ALL), "ServerInfo", information,
          L"ServerName=Alpha,ServerVersion=7.0,", true},
-        {SDM_SLOT_GET_SERVER_FEATURES_ALL, "ServerFeatureSupport", L"F=1\n", L"F=1,", true},
-        {SDM_SLOT_GET_COLOR_KEYS_FACTORY_DEFAULTS, "ColorDefaultList", L"C=0\n", L"C=0,", true},
+        {list(SDM_SLOT_GET_SERVER_FEATURES_ALL), "ServerFeatureSupport", L"F=1\n", L"F=1,", true},
+        {list(SDM_SLOT_GET_COLOR_KEYS_FACTORY_DEFAULTS), "ColorDefaultList", L"C=0\n", L"C=0,", true},
+        {[this] { return Queue(); }, "QueuePropList", L"Q=1\n", L"Q=1,|-", true},
+        {[this] { return Answer(module.Callback<SDMGetTextProc>(SDM_SLOT_GET_SERVER_DATA)); }, "BidiData",
+         L"<SMDData/>", L"<SMDData/>"},
+        {[this] { return Answer(module.Callback<SDMGetTrayInfoProc>(SDM_SLOT_GET_TRAY_INFO)); }, "TrayInfo",
+         L"1\nTray 1@Tray1@EMPTY@A4@Plain@White@120@500\n", L"-A4500"},
+        {[this] { return Answer(module.Callback<SDMGetTonerInfoProc>(SDM_SLOT_GET_TONER_INFO)); },
+         "TonerInfo", L"1\nCyan@40@10@#00ffff@100@5000@1\n", L"40#00ffff1"},
+        {[this] { return Names(); }, "PresetsList", L"2\nBrochure\nPoster\n", L"Poster"},
+        {preset(L"Brochure"), "PresetsData", presets, L"A=1,||B=2,"},
+        {preset(L"Poster"), "PresetsData", presets, L"none"},
+        {value(L"Depth"), "ServerValFrmDict", L"12:Depth\n", L"12"},
+        {value(L"Width"), "ServerValFrmDict", L"12:Depth\n", L"none"},
+        {value(nullptr), "ServerValFrmDict", L"12:Depth\n", L"none"},
+        {value(L"SPD_MAPPING_ENABLE"), "ServerValFrmDictspdmapen", L"yes", L"yes"},
+        {value(L"QF1_NO_RECORD"), "ServerValFrmDictqfnorec", L"no", L"no"},
+        {info(JPSERVERINFO_SERVER_VERSION), "ServerInfo", information, L"7.0", true},
+        {info(2), "ServerInfo", information, L"none", true},
+        {info(17), "ServerInfo", information, L"none", true},
+        {info(-1), "ServerInfo", information, L"none", true},
+        {feature(L"Trim"), "ServerFeatureSupport", L"Fold=1\nTrim=0\n", L"0", true},
     };
     for (const bool twoWay : {true, false}) {
         Load(twoWay);
@@ -90,124 +186,40 @@ TEST_F(Callbacks, ListsFromTheirRecords) {
             if (!twoWay && !entry.also) {
                 continue;
             }
-            const auto callback = module.Callback<SDMGetListProc>(entry.slot);
-            SDMKeyValueList wrong{};
-            SDMKeyValueList* list = &wrong;
+            SCOPED_TRACE(entry.record);
             host.data.clear();
-            EXPECT_EQ(callback(&server, &list), SDM_NOT_AVAILABLE) << entry.record;
-            EXPECT_EQ(list, nullptr) << entry.record;
-            EXPECT_EQ(callback(&server, nullptr), SDM_NOT_AVAILABLE) << entry.record;
-            host.Put(entry.record, entry.text);
-            ASSERT_EQ(callback(&server, &list), SDM_SUCCESS) << entry.record;
-            EXPECT_EQ(module.blocks.empty(), !twoWay) << entry.record; // the module does not see malloc's
-            EXPECT_EQ(Taken(list), entry.list) << entry.record;
-            host.data.clear();
+            EXPECT_EQ(entry.ask(), L"none");
             host.Put(entry.record, L"");
-            EXPECT_EQ(callback(&server, &list), SDM_NOT_AVAILABLE) << entry.record;
-            if (twoWay) {
-                module.hasMemory = false;
-                host.data.clear();
-                host.Put(entry.record, entry.text);
-                EXPECT_EQ(callback(&server, &list), SDM_NOT_AVAILABLE) << entry.record;
-                module.hasMemory = true;
-            }
+            EXPECT_EQ(entry.ask(), L"none");
+            host.data.clear();
+            host.Put(entry.record, entry.content);
+            EXPECT_EQ(entry.ask(), entry.answer);
+            module.hasMemory = false; // concerns only two-way communication; else malloc is used
+            EXPECT_EQ(entry.ask(), twoWay ? L"none" : entry.answer);
+            module.hasMemory = true;
         }
     }
-    setJobPropertiesHost(nullptr);
-    SDMKeyValueList* list = nullptr;
-    EXPECT_EQ(sdmFuncPtrGetServerInfoAll(&server, &list), SDM_NOT_AVAILABLE);
-}
-
-TEST_F(Callbacks, TheOtherRecords) {
     Load(true);
-    host.Put("BidiData", L"<SMDData/>");
-    host.Put("TrayInfo", L"1\nTray 1@Tray1@EMPTY@A4@Plain@White@120@500\n");
-    host.Put("TonerInfo", L"1\nCyan@40@10@#00ffff@100@5000@1\n");
-    host.Put("PresetsList", L"2\nBrochure\nPoster\n");
-    host.Put("PresetsData", L"Brochure\nJPKeyValues=1\nA=1\nTesselKeyValues=0\nPresetKeyValues=1\nB=2\n");
-    host.Put("ServerValFrmDict", L"12:Depth\n");
-    host.Put("ServerValFrmDictspdmapen", L"yes");
-    host.Put("ServerValFrmDictqfnorec", L"no");
     host.Put("QueuePropList", L"Q=1\n");
-    wchar_t* text = nullptr;
-    ASSERT_EQ(module.Callback<SDMGetTextProc>(SDM_SLOT_GET_SERVER_DATA)(&server, &text), SDM_SUCCESS);
-    EXPECT_EQ(Taken(text), L"<SMDData/>");
-
-    SDMTrayInfoArray* trays = nullptr;
-    ASSERT_EQ(module.Callback<SDMGetTrayInfoProc>(SDM_SLOT_GET_TRAY_INFO)(&server, &trays), SDM_SUCCESS);
-    EXPECT_EQ(trays->items[0].mediaName, nullptr);
-    EXPECT_STREQ(trays->items[0].mediaSize, L"A4");
-    EXPECT_EQ(trays->items[0].capacity, 500);
-    moduleMemory(nullptr).FreeTrays(trays);
-    SDMTonerInfoArray* toners = nullptr;
-    ASSERT_EQ(module.Callback<SDMGetTonerInfoProc>(SDM_SLOT_GET_TONER_INFO)(&server, &toners), SDM_SUCCESS);
-    EXPECT_EQ(toners->items[0].level, 40);
-    EXPECT_STREQ(toners->items[0].color, L"#00ffff");
-    EXPECT_EQ(toners->items[0].kind, SDM_SUPPLY_TONER);
-    moduleMemory(nullptr).FreeToners(toners);
-
-    wchar_t** names = nullptr;
-    int32_t count = 0;
-    ASSERT_EQ(
-        module.Callback<SDMGetNamesProc>(SDM_SLOT_GET_SERVER_PRESET_NAMES_LIST)(&server, &names, &count),
-        SDM_SUCCESS);
-    ASSERT_EQ(count, 2);
-    EXPECT_STREQ(names[1], L"Poster");
-    moduleMemory(nullptr).FreeNames(names, 2);
-    SDMKeyValueList* lists[3] = {};
-    const auto getPreset = module.Callback<SDMGetPresetProc>(SDM_SLOT_GET_SERVER_PRESET_DATA_BY_NAME);
-    EXPECT_EQ(getPreset(&server, L"Poster", &lists[0], &lists[1], &lists[2]), SDM_NOT_AVAILABLE);
-    EXPECT_EQ(getPreset(&server, L"Brochure", &lists[0], nullptr, &lists[2]), SDM_NOT_AVAILABLE);
-    ASSERT_EQ(getPreset(&server, L"Brochure", &lists[0], &lists[1], &lists[2]), SDM_SUCCESS);
-    EXPECT_EQ(Taken(lists[0]), L"A=1,");
-    EXPECT_EQ(Taken(lists[1]), L"");
-    EXPECT_EQ(Taken(lists[2]), L"B=2,");
-
-    const auto getValue = module.Callback<SDMGetServerValueProc>(SDM_SLOT_GET_SERVER_VALUE_FROM_DICT);
-    for (const auto& [key, value] : std::vector<std::pair<const wchar_t*, std::wstring>>{
-             {L"Depth", L"12"}, {L"SPD_MAPPING_ENABLE", L"yes"}, {L"QF1_NO_RECORD", L"no"}}) {
-        ASSERT_EQ(getValue(&server, 0, &text, key), SDM_SUCCESS);
-        EXPECT_EQ(Taken(text), value);
-    }
-    EXPECT_EQ(getValue(&server, 0, &text, L"Width"), SDM_NOT_AVAILABLE);
-    EXPECT_EQ(getValue(&server, 0, &text, nullptr), SDM_NOT_AVAILABLE);
-
-    const auto getQueue = module.Callback<SDMGetTwoListsProc>(SDM_SLOT_GET_HOLD_QUEUE_ATTRIBUTES);
-    ASSERT_EQ(getQueue(&server, &lists[0], &lists[1]), SDM_SUCCESS);
-    EXPECT_EQ(Taken(lists[0]), L"Q=1,");
-    EXPECT_EQ(lists[1], nullptr);
     host.Put("ListLockedKeys", L"L=1\n");
-    ASSERT_EQ(getQueue(&server, &lists[0], &lists[1]), SDM_SUCCESS);
-    EXPECT_EQ(Taken(lists[0]), L"Q=1,");
-    EXPECT_EQ(Taken(lists[1]), L"L=1,");
-
+    EXPECT_EQ(Queue(), L"Q=1,|L=1,");
+    host.Put("ServerFeatureSupport", L"Fold=1\nTrim=0\n");
+    for (const auto& [name, result, isSupported] : std::vector<std::tuple<const wchar_t*, int, int>>{
+             {L"Fold", SDM_SUCCESS, 1}, {L"Trim", SDM_SUCCESS, 0}, {L"Glue", SDM_NOT_AVAILABLE, 0}}) {
+        int32_t supported = 7;
+        EXPECT_EQ(sdmFuncPtrIsServerFeatureSupported(&server, name, &supported), result);
+        EXPECT_EQ(supported, isSupported);
+    }
     // After an empty toner record, the pane stops asking the server.
     host.data.clear();
-    EXPECT_EQ(sdmFuncPtrGetTonerInfo(&server, &toners), SDM_NOT_AVAILABLE);
+    do_not_poll_for_Toner_Info_File = false;
+    EXPECT_EQ(Answer(sdmFuncPtrGetTonerInfo), L"none");
     EXPECT_FALSE(do_not_poll_for_Toner_Info_File);
     host.Put("TonerInfo", L"");
-    EXPECT_EQ(sdmFuncPtrGetTonerInfo(&server, &toners), SDM_NOT_AVAILABLE);
+    EXPECT_EQ(Answer(sdmFuncPtrGetTonerInfo), L"none");
     EXPECT_TRUE(do_not_poll_for_Toner_Info_File);
-}
-
-TEST_F(Callbacks, OutsideTheTable) {
-    Load(true);
-    host.Put("ServerInfo", L"Alpha:ServerName\n7.0:ServerVersion\n");
-    host.Put("ServerFeatureSupport", L"Fold=1\nTrim=0\n");
-    wchar_t* text = nullptr;
-    ASSERT_EQ(sdmFuncPtrGetServerInfo(&server, JPSERVERINFO_SERVER_VERSION, &text), SDM_SUCCESS);
-    EXPECT_EQ(Taken(text), L"7.0");
-    for (const int item : {2, 17, -1}) {
-        EXPECT_EQ(sdmFuncPtrGetServerInfo(&server, item, &text), SDM_NOT_AVAILABLE) << item;
-    }
-    int32_t supported = 0;
-    EXPECT_EQ(sdmFuncPtrIsServerFeatureSupported(&server, L"Fold", &supported), SDM_SUCCESS);
-    EXPECT_EQ(supported, 1);
-    EXPECT_EQ(sdmFuncPtrIsServerFeatureSupported(&server, L"Trim", &supported), SDM_SUCCESS);
-    EXPECT_EQ(supported, 0);
-    EXPECT_EQ(sdmFuncPtrIsServerFeatureSupported(&server, L"Glue", &supported), SDM_NOT_AVAILABLE);
-    ASSERT_EQ(sdmFuncPtrGetServerFeatureValue(&server, L"Trim", &text), SDM_SUCCESS);
-    EXPECT_EQ(Taken(text), L"0");
+    setJobPropertiesHost(nullptr);
+    EXPECT_EQ(Answer(sdmFuncPtrGetServerInfoAll), L"none");
 }
 
 TEST_F(Callbacks, VersionsAreTextAndNoFormat) {
@@ -300,20 +312,8 @@ TEST_F(Callbacks, PresetsOfThisComputer) {
 
     streams.Clear();
     EXPECT_GT(CPPDMsgHdlr("", "localPreset").Commit(L"EFBBBF<Presets/>"), 0);
-    std::string ppd = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*PCFileName: \"A.PPD\"\n"
-                      "*Manufacturer: \"A\"\n*Product: \"(A)\"\n*PSVersion: \"(3010) 1\"\n*ModelName: \"A\"\n"
-                      "*NickName: \"A\"\n*ShortNickName: \"A\"\n*LanguageLevel: \"3\"\n"
-                      "*LanguageVersion: English\n*LanguageEncoding: ISOLatin1\n";
-    for (const std::string& message : streams.Errors()) {
-        std::istringstream words(message.substr(5));
-        for (std::string word; words >> word;) {
-            const std::size_t equals = word.find('=');
-            const bool isQuoted = word.find('"') != std::string::npos;
-            ppd += "*" + word.substr(0, equals) + ": " + (isQuoted ? "" : "\"") + word.substr(equals + 1) +
-                   (isQuoted ? "\n" : "\"\n");
-        }
-    }
-    setDestinationPPD(folder.Write("Office.ppd", ppd).string());
+    setDestinationPPD(
+        folder.Write("Office.ppd", tests::afterMessages(tests::smallPPD, streams.Errors())).string());
     for (const bool twoWay : {true, false}) {
         Load(twoWay);
         wchar_t* text = nullptr;

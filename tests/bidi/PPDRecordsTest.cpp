@@ -2,6 +2,7 @@
 #include "bidi/records/CPPDMsgHdlr.h"
 #include "platform/TextEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"
+#include "tests/support/SmallPPD.h"
 #include "tests/support/TestSupport.h"
 
 #include <algorithm>
@@ -16,36 +17,6 @@
 
 namespace torka {
 namespace {
-
-// Applies a filter's messages to a PPD as the scheduler does at the end of a job: each pair becomes a main
-// keyword behind the first line of the PPD and replaces an earlier one.
-std::string rewritten(const std::string& ppd, const std::vector<std::string>& messages, bool quoted) {
-    std::map<std::string, std::string> pairs;
-    for (const std::string& message : messages) {
-        EXPECT_TRUE(message.starts_with("PPD: ") && message.ends_with("\n") && message.size() < 1024)
-            << message;
-        std::istringstream words(message.substr(5));
-        for (std::string word; words >> word;) {
-            pairs[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
-        }
-    }
-    std::istringstream lines(ppd);
-    std::ostringstream out;
-    std::string line;
-    std::getline(lines, line);
-    out << line << "\n";
-    for (const auto& [name, value] : pairs) {
-        const bool bare = !quoted || value == "\"\"";
-        out << "*" << name << ": " << (bare ? value : "\"" + value + "\"") << "\n";
-    }
-    while (std::getline(lines, line)) {
-        const bool replaced = line.starts_with("*") && pairs.contains(line.substr(1, line.find(':') - 1));
-        if (!replaced) {
-            out << line << "\n";
-        }
-    }
-    return out.str();
-}
 
 TEST(PPDRecords, TwoHundredStayReadable) {
     tests::CapturingStreams streams;
@@ -72,7 +43,7 @@ TEST(PPDRecords, TwoHundredStayReadable) {
                 CPPDMsgHdlr("", name).Commit(text);
             }
         }
-        const std::string text = rewritten(sample, streams.Errors(), quoted);
+        const std::string text = tests::afterMessages(sample, streams.Errors(), quoted);
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);) {
             ASSERT_LE(line.size(), 255U);
@@ -97,18 +68,17 @@ TEST(PPDRecords, TwoHundredStayReadable) {
 TEST(PPDRecords, NarrowEmptyReplacedAndBroken) {
     tests::CapturingStreams streams;
     const tests::TemporaryFolder folder;
-    const std::string ppd = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*ModelName: \"T\"\n";
     EXPECT_EQ(CPPDMsgHdlr("", "X").Commit(std::string_view()), -1);
     EXPECT_EQ(CPPDMsgHdlr("", "X").Commit(std::wstring_view()), -1);
     EXPECT_TRUE(ppdxWriteData("QVEmpty", nullptr, 0));
     EXPECT_FALSE(ppdxWriteData("QVa b=c", "x", 1));
     EXPECT_THAT(streams.Errors(), ::testing::ElementsAre("PPD: QVEmpty0000=\"\"\n"));
 
-    std::string text = rewritten(ppd, streams.Errors(), false);
+    std::string text = tests::afterMessages(tests::smallPPD, streams.Errors());
     for (const char* answer : {"a longer text than the one that comes", "yes"}) {
         streams.Clear();
         EXPECT_EQ(CPPDMsgHdlr("", "InvalidPrinterAddress").Commit(std::string_view(answer)), 23);
-        text = rewritten(text, streams.Errors(), false);
+        text = tests::afterMessages(text, streams.Errors());
     }
     const std::string path = folder.Write("q.ppd", text).string();
     CPPDMsgHdlr handler(path, "InvalidPrinterAddress");
