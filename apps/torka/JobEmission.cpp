@@ -18,6 +18,7 @@
 #include <charconv>
 #include <filesystem>
 #include <map>
+#include <sstream>
 #include <utility>
 
 namespace torka::tool {
@@ -216,6 +217,7 @@ Result<void> JobEmission::TakeJobOptions() {
     for (const auto& [name, value] : options.jobOptions) {
         const Result<void> taken = name == "number-up" ? TakePagesPerSheet(value)
                                    : name == "sides"   ? TakeSides(value)
+                                   : name == "media"   ? TakeMedia(value)
                                                        : Result<void>();
         if (!taken) {
             return taken.Why();
@@ -233,6 +235,23 @@ Result<void> JobEmission::TakePagesPerSheet(const std::string& number) {
     const PPDXPopupControl* own = description->GetControls()->FindPopup("*QVNUpPages", true);
     if (pages > 1 && own != nullptr && own->GetValue() != own->DefaultValue()) {
         return Fault{"number-up: the setting QVNUpPages already puts several pages on a sheet"};
+    }
+    return {};
+}
+
+// A page size of the description. Other names, of trays and media or of other systems, are the server's.
+Result<void> JobEmission::TakeMedia(const std::string& media) {
+    PPDXPopupControl* control = description->GetControls()->FindPopup("*PageSize", true);
+    std::istringstream names(media);
+    for (std::string name; control != nullptr && std::getline(names, name, ',');) {
+        if (control->GetKeywordCFLocalName(name.c_str()) == nullptr) {
+            continue;
+        }
+        const std::string present = utf8Text(control->CopyCurrentControlValueString());
+        if (control->GetValue() != control->DefaultValue() && present != name) {
+            return Fault{"media=" + name + " and *PageSize=" + printable(present) + " differ"};
+        }
+        control->SetCurrentControlWithCFString(cfString(name));
     }
     return {};
 }

@@ -87,6 +87,7 @@ private:
     void ApplyOptions();
     Result<void> TakeJobOptions();
     Result<void> TakePagesPerSheet(const std::string& number);
+    Result<void> TakeMedia(const std::string& media);
     Result<void> TakeSides(const std::string& sides);
     bool ReportConflicts() const;
     bool ReportBrokenNotes() const;

@@ -81,6 +81,7 @@ std::string shownText(PrintDialog& dialog, const char* keyword) {
 
 TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
     AddQueue("Agreement", samplePath("torka-production.ppd"));
+    AddQueue("Other", samplePath("torka-production.ppd"));
     const auto properties = [](const char* button) {
         return [button](PrintDialog& dialog) {
             UseProperties(dialog, [button](QDialog& window) {
@@ -144,6 +145,57 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
          "%%BeginFeature: *InputSlot Tray1"},
         {"media in the pane", pane("Paper and Job", "*MediaType", "Labels"), "*MediaType", "Labels", "Labels",
          "%%BeginFeature: *MediaType Labels"},
+        {"size, then landscape",
+         [&](PrintDialog& dialog) {
+             ChoosePageSize(dialog, "Tabloid");
+             properties("landscape")(dialog);
+         },
+         "*PageSize", "Tabloid", "Tabloid", "%%BeginFeature: *PageSize Tabloid"},
+        {"size, then defaults",
+         [](PrintDialog& dialog) {
+             ChoosePageSize(dialog, "A5");
+             QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
+         },
+         "*PageSize", "A5", "A5", "%%BeginFeature: *PageSize A5"},
+        {"another queue and back",
+         [](PrintDialog& dialog) {
+             ChoosePageSize(dialog, "A5");
+             EXPECT_TRUE(dialog.chooseQueue("Other"));
+             EXPECT_TRUE(dialog.chooseQueue("Agreement"));
+             dialog.showPane();
+         },
+         "*PageSize", "US Letter", "Letter", "%%BeginFeature: *PageSize Letter"},
+        {"pane's setting, then another queue and back",
+         [&](PrintDialog& dialog) {
+             pane("Layout", "*QVDuplex", "Turn on Short Edge")(dialog);
+             EXPECT_TRUE(dialog.chooseQueue("Other"));
+             EXPECT_TRUE(dialog.chooseQueue("Agreement"));
+             dialog.showPane();
+         },
+         "*QVDuplex", "Turn on Short Edge", "ShortEdge", "%%BeginFeature: *QVDuplex ShortEdge"},
+        {"pane's setting undone",
+         [&](PrintDialog& dialog) {
+             pane("Finishing", "*QVStaple", "Two, Left")(dialog);
+             QTest::keyClick(Field<QComboBox>(dialog, "*QVStaple"), Qt::Key_Z, Qt::ControlModifier);
+         },
+         "*QVStaple", "Off", "None", nullptr},
+        {"staple", pane("Finishing", "*QVStaple", "Two, Left"), "*QVStaple", "Two, Left", "Dual",
+         "%%BeginFeature: *QVStaple Dual"},
+        {"two pages per sheet", pane("Layout", "*QVNUpPages", "2"), "*QVNUpPages", "2", "2",
+         "%%BeginFeature: *QVNUpPages 2"},
+        {"tray, then size in Properties",
+         [&](PrintDialog& dialog) {
+             pane("Paper and Job", "*InputSlot", "Tray 2")(dialog);
+             ChoosePageSize(dialog, "A4");
+         },
+         "*InputSlot", "Tray 2", "Tray2", "%%BeginFeature: *InputSlot Tray2"},
+        {"collated again",
+         [](PrintDialog& dialog) {
+             dialog.findChild<QSpinBox*>("copies")->setValue(3);
+             dialog.findChild<QCheckBox*>("collate")->setChecked(false);
+             dialog.findChild<QCheckBox*>("collate")->setChecked(true);
+         },
+         "*Collate", "On", "True", nullptr},
     };
     for (const Situation& each : situations) {
         SCOPED_TRACE(each.what);
@@ -191,6 +243,8 @@ TEST_F(AgreementTest, OptionsOfTheCommandLineReachTheJobsOwnSettingsOrAreRefused
           Case{{"-o", "number-up=4"}, 0, "%%Orientation: Portrait"},
           Case{{"-o", "sides=two-sided-long-edge"}, 0, "%%BeginFeature: *QVDuplex LongEdge"},
           Case{{"-o", "sides=two-sided-short-edge"}, 0, "%%BeginFeature: *QVDuplex ShortEdge"},
+          Case{{"-o", "media=A5"}, 0, "%%BeginFeature: *PageSize A5"},
+          Case{{"PageSize=A4", "-o", "media=A5"}, 2, "media=A5 and *PageSize=A4 differ"},
           Case{{"-o", "number-up=3"}, 2, "number-up takes 1, 2, 4, 6, 9 or 16, not '3'"},
           Case{{"QVNUpPages=2", "-o", "number-up=2"}, 2, "QVNUpPages already puts several pages on a sheet"},
           Case{{"-o", "sides=both"}, 2, "sides takes one-sided"},
