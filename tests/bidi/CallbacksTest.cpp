@@ -263,6 +263,29 @@ TEST_F(Callbacks, FreeInBothStates) {
     EXPECT_EQ(callback(nullptr), SDM_NOT_AVAILABLE);
 }
 
+TEST_F(Callbacks, AnEmptyPathOfTheDescriptionIsFilledForTheModule) {
+    struct Case {
+        std::wstring record;
+        std::wstring given;
+    };
+    Load(true);
+    setField(record->ppdCopyPath, "/a & b.ppd");
+    for (const Case& each :
+         {Case{L"<Configuration locale=\"en\" ppdLocation0=\"\" server=\"s\"/>",
+               L"<Configuration locale=\"en\" ppdLocation0=\"/a &amp; b.ppd\" server=\"s\"/>"},
+          {L"<Configuration ppdLocation0=\"/its/own.ppd\"/>",
+           L"<Configuration ppdLocation0=\"/its/own.ppd\"/>"},
+          {L"<Configuration/><Other ppdLocation0=\"\"/>", L"<Configuration/><Other ppdLocation0=\"\"/>"},
+          {L"<Other ppdLocation0=\"\"", L"<Other ppdLocation0=\"\""},
+          {L"<Configuration ppdLocation0=\"\"", L"<Configuration ppdLocation0=\"\""}}) {
+        host.data.clear();
+        host.Put("BidiData", each.record);
+        wchar_t* text = nullptr;
+        ASSERT_EQ(module.Callback<SDMGetTextProc>(SDM_SLOT_GET_SERVER_DATA)(&server, &text), SDM_SUCCESS);
+        EXPECT_EQ(Taken(text), each.given);
+    }
+}
+
 TEST_F(Callbacks, ServerDataWithoutTwoWayCommunication) {
     Load(false);
     gServerLanguage = "ja";

@@ -192,6 +192,8 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         KeyValueList list;
         list.Append(rule.presetKey, rule.preset);
         list.Append(L"Duplex", L"Long");
+        list.Append(L"Bar", L"of the control"); // one key, twice
+        list.Append(L"Bar", L"of the note");
         setField(record->extraPending, "1");
         setField(record->extraCount, "4");
         Create_SharedMemoryList_From_SDMList(*record, list.List());
@@ -206,6 +208,7 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         own.Append(L"Unseen", L"1");
         own.AppendNarrow("Duplex", rule.changed);
         own.Append(rule.presetKey, rule.preset);
+        own.Append(L"Bar", L"of the note");
         writeSettings(*record, own.List());
         KeyValueList back;
         Create_SDMList_From_SharedMemoryList(back, *record);

@@ -49,6 +49,32 @@ struct Small : EditorTest {
     PaneEditor editor{*pane.model, pane.data.get()};
 };
 
+// A preset of the server holds until the person changes a setting. Undoing the change brings its name back.
+TEST_F(EditorTest, AChangeForgetsTheServersPresetAndUndoBringsItBack) {
+    Pane pane(paneHeader + popup("Sides", {"One", "Two"}) + jobNote("Memo", "20|UTF8") +
+              jobNote("PresetName"));
+    PaneEditor editor(*pane.model, pane.data.get());
+    const auto name = [&] { return PaneEditor::Value(*editor.FindControl("*PresetName")); };
+    editor.EditAll([&] { pane.Set("*PresetName", "Glossy"); }, ServerPresetChoice::keep);
+    editor.Refresh();
+    EXPECT_EQ(name(), "Glossy");
+    PPDXControl& memo = *editor.FindControl("*Memo");
+    for (const char* text : {"a", "ab"}) { // typed in one step
+        editor.Edit(
+            memo, [&] { pane.Set("*Memo", text); }, true);
+        EXPECT_EQ(name(), "");
+    }
+    editor.Refresh();
+    editor.SetValue("*Sides", "Two");
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(name(), "");
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(PaneEditor::Value(memo), "");
+    EXPECT_EQ(name(), "Glossy");
+    EXPECT_TRUE(editor.Redo());
+    EXPECT_EQ(name(), "");
+}
+
 TEST_F(Small, ResolvesInOneStepAndKeepsWhatWasEditedLast) {
     editor.SetValue("*Staple", "Saddle");
     editor.SetValue("*Sides", "Two");

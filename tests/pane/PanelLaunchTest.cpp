@@ -124,6 +124,19 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
     panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
     ASSERT_EQ(pane.data->Watermarks().Count(), 1u);
     EXPECT_EQ(watermarkDefinitions(panel->Record()).size(), 1u);
+
+    // The last one, deleted in the module, stays deleted. The keys of the lists take their settled form.
+    module.edit = [&] {
+        module.watermarks.clear();
+        module.settings.emplace_back(L"MM_A1", L"Card");
+        module.settings.emplace_back(L"*SlipSheet_Tray", L"Upper");
+    };
+    panel->LaunchJobProperties(0);
+    EXPECT_THAT(pairsOf(pane.data->MixedMedia()), ElementsAre("*MM_A1=Card"));
+    EXPECT_THAT(pairsOf(pane.data->SlipSheets()), ElementsAre("SlipSheet_Tray=Upper"));
+    pane.Open();
+    panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
+    EXPECT_EQ(pane.data->Watermarks().Count(), 0u);
 }
 
 TEST_F(PanelLaunch, OtherEndsChangeNothing) {
@@ -224,6 +237,22 @@ TEST_F(PanelLaunch, ThePanelMayEndWhileTheWindowIsOpen) {
     panel->LaunchJobProperties(0);
     EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
     EXPECT_FALSE(gIgnoreButtonEvents || sharedListCopyFromJP); // the copy may hold secrets
+}
+
+TEST_F(PanelLaunch, ThePanelMayEndWhileTheSecondWindowIsOpen) {
+    module.beginResult = 1;
+    alertsShown->onShow = [&](const AlertText&) { // continue: without two-way communication it opens
+        module.beginResult = 0;
+        return AlertButton::defaultButton;
+    };
+    module.edit = [&] {
+        panel.reset();
+        Change(L"QVDuplex", L"Tumble");
+    };
+    panel->LaunchJobProperties(0);
+    EXPECT_EQ(panel, nullptr);
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+    EXPECT_FALSE(gIgnoreButtonEvents);
 }
 
 TEST_F(PanelLaunch, AModuleInAWindowOfItsOwnIsWatched) {

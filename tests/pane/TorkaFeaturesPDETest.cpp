@@ -186,8 +186,8 @@ TEST(Panel, NoPointerNamesAPanelThatIsGone) {
         {"ab", {{'b', 'a', '-'}, {'a', '-', '-'}}},
         // The end of the first of three panels changes nothing.
         {"abc", {{'a', 'c', 'b'}, {'b', 'c', '-'}, {'c', '-', '-'}}},
-        {"abc", {{'b', 'c', '-'}, {'c', '-', '-'}, {'a', '-', '-'}}},
-        {"abc", {{'c', 'b', '-'}, {'b', '-', '-'}, {'a', '-', '-'}}},
+        {"abc", {{'b', 'c', '-'}, {'c', 'a', '-'}, {'a', '-', '-'}}},
+        {"abc", {{'c', 'b', '-'}, {'b', 'a', '-'}, {'a', '-', '-'}}},
     };
     for (const Course& course : courses) {
         Bench bench;
@@ -201,6 +201,12 @@ TEST(Panel, NoPointerNamesAPanelThatIsGone) {
             return panel == nullptr ? '-' : '?';
         };
         for (const char letter : course.made) {
+            const auto printer = std::make_shared<MemoryPrinter>();
+            printer->name = letter;
+            printer->ppdPath = bench.queuePath.string();
+            printer->deviceUri = bench.dialog->printer->deviceUri;
+            bench.dialog->printer = printer;
+            bench.dialog->session = std::make_shared<MemorySession>(printer);
             panels[letter] = bench.Open();
             static_cast<void>(panels[letter]->panelView());
         }
@@ -211,6 +217,17 @@ TEST(Panel, NoPointerNamesAPanelThatIsGone) {
             EXPECT_EQ(letterOf(sTorkaFeaturesPDEsaved), end.saved) << course.made << " " << end.panel;
             EXPECT_FALSE(invalidDeallocCall);
             EXPECT_EQ(jobPropertiesHost(), sTorkaFeaturesPDE);
+            // The current panel's description, tree, record, printer, session and queue are the published ones.
+            if (sTorkaFeaturesPDE != nullptr) {
+                EXPECT_EQ(UI_Panel::mPPD, sTorkaFeaturesPDE->getPPDPtr());
+                EXPECT_FALSE(UI_Panel::Tree.groups.empty());
+                EXPECT_EQ(sSharedList, &sTorkaFeaturesPDE->GetUI_PanelPtr()->Record());
+                EXPECT_EQ(sUiPanelOnJPReturn, sTorkaFeaturesPDE->GetUI_PanelPtr());
+                ASSERT_NE(thePMPrinter, nullptr);
+                EXPECT_EQ(utf8Text(PMPrinterGetName(*thePMPrinter)), std::string(1, end.current));
+                EXPECT_TRUE(currentPrintSession);
+                EXPECT_EQ(sessionQueueName, std::string(1, end.current)) << "no link: the name under CUPS";
+            }
         }
     }
 }

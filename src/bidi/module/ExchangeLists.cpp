@@ -41,7 +41,8 @@ bool isPresetName(std::string_view key) {
     return key == "PresetName";
 }
 
-// Whether a value of the record differs from what the module returned under the same key.
+// Whether a value of the record differs from what the module returned under the same key. A key may occur
+// more than once: an entry is compared with the one in the same place first.
 bool differsFromModule(const SharedMemoryList& record, const SharedMemoryList& fromModule) {
     std::unordered_map<std::string_view, std::size_t> places;
     const std::size_t returned = entryCount(fromModule);
@@ -51,6 +52,10 @@ bool differsFromModule(const SharedMemoryList& record, const SharedMemoryList& f
     }
     const std::size_t count = entryCount(record);
     for (std::size_t i = 0; i < count; ++i) {
+        if (i < returned && entryKey(record, i) == entryKey(fromModule, i) &&
+            entryValue(record, i) == entryValue(fromModule, i)) {
+            continue;
+        }
         const auto found = places.find(entryKey(record, i));
         if (found != places.end() && entryValue(record, i) != entryValue(fromModule, found->second)) {
             return true;

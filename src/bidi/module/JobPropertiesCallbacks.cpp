@@ -102,8 +102,13 @@ SDMRESULT nothing(SDMRESULT result, Out*... outs) {
 
 // With two-way communication on
 
+// A controller may leave the path of the description empty. The module then reads this machine's.
 SDMRESULT sdmFuncPtrGetServerData(SDMHANDLE handle, wchar_t** xml) {
-    return answerFromRecord(handle, xml, "BidiData", wholeText);
+    return answerFromRecord(
+        handle, xml, "BidiData", [](std::wstring_view text, const ModuleMemory& memory, wchar_t*& out) {
+            const std::string_view path = sharedList ? fieldText(sharedList->ppdCopyPath) : "";
+            return wholeText(withDescriptionPath(text, wideFromUtf8(path)), memory, out);
+        });
 }
 
 SDMRESULT sdmGetPPDDefaults(SDMHANDLE handle, SDMKeyValueList** list) {

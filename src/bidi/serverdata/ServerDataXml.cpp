@@ -107,6 +107,18 @@ std::wstring serverDataXml(const ServerDataHead& head, std::span<const KeyValueV
     return text;
 }
 
+std::wstring withDescriptionPath(std::wstring_view xml, std::wstring_view ppdPath) {
+    constexpr std::wstring_view empty = L" ppdLocation0=\"\"";
+    std::wstring filled(xml);
+    const std::size_t element = xml.find(L"<Configuration");
+    const std::size_t at = xml.find(empty, std::min(element, xml.size()));
+    const std::size_t end = xml.find(L'>', std::min(element, xml.size()));
+    if (end != std::wstring_view::npos && at < end) {
+        filled.insert(at + empty.size() - 1, xmlEscaped(ppdPath));
+    }
+    return filled;
+}
+
 std::vector<std::size_t> installedOptions(const SharedMemoryList& record) {
     std::vector<std::size_t> entries;
     KeyPlaces places(record);

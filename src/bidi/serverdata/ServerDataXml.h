@@ -31,6 +31,10 @@ struct ServerDataHead {
 std::wstring serverDataXml(const ServerDataHead& head, std::span<const KeyValueView> options,
                            std::size_t maximumUnits = std::wstring::npos);
 
+// Gives an empty `ppdLocation0` of such a text this path. A text without the attribute, or with a path of its
+// own, stays as it is.
+std::wstring withDescriptionPath(std::wstring_view xml, std::wstring_view ppdPath);
+
 // The indexes of the entries that the exchange record's list of installable options names, in its order. The
 // list separates its items by commas. An item is an index or a key; an item that names no entry is skipped.
 std::vector<std::size_t> installedOptions(const SharedMemoryList& record);

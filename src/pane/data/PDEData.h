@@ -8,6 +8,7 @@
 #include "output/ZANJobNoteList.h"
 #include "pane/data/PPDTree.h"
 #include "pane/data/SettingList.h"
+#include "platform/Bundle.h"
 #include "platform/Printing.h"
 
 #include <array>
@@ -49,6 +50,8 @@ public:
     void SetPrintSettings(PMPrintSettings settings) { mPrintSettings = std::move(settings); }
     void SetPageFormat(PMPageFormat format) { mPageFormat = std::move(format); }
     void SetPageSizeFromOS(bool fromSystem) { mPageSizeFromOS = fromSystem; }
+    void SetBundle(platform::BundleRef bundle) { mBundle = std::move(bundle); }
+    void SetPageOrientation(std::uint16_t orientation) { mPageOrientation = orientation; }
     ZANPPD* PPDModel() const { return mPPDModel; }
     const CFStringRef& PrinterName() const { return mPrinterName; }
     // Path of the private copy of the description, at most 511 bytes.
@@ -178,6 +181,9 @@ private:
     QueueAccess queue;
     AddressStoreMaker makeAddressStore; // empty: the store of the queue
     PMPageFormat mPageFormat;
+    // Given state; nothing here reads it: the bundle of the plug-in, and the orientation at the panel's start
+    platform::BundleRef mBundle;
+    std::uint16_t mPageOrientation = kPMPortrait;
     std::unique_ptr<ZANCorvianPrinterPList> mCorvianList;
     CFStringRef mPrinterName;
     CFStringRef mPrinterAddress;

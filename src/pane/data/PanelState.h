@@ -26,8 +26,8 @@ extern bool invalidDeallocCall;
 
 // The size of sessionQueueName, in bytes with terminator. Written by TorkaFeaturesPDE at its start.
 inline constexpr std::size_t sessionQueueNameSize = 256;
-// The name of the queue: the file name of the description's link target, without ".ppd". Keeps its value when
-// the path is no link.
+// The name of the queue: the file name of the description's link target, without ".ppd"; under CUPS, where
+// the path is no link, the name that the print server gives it.
 extern std::string sessionQueueName;
 // The path of the queue's description, `destinationPPD` (at most 1,023 bytes), is kept by
 // bidi/commands/CommandJob.h; TorkaFeaturesPDE sets it at its start.

@@ -33,6 +33,11 @@ KeyKind keyKind(std::wstring_view key) {
     return KeyKind::other;
 }
 
+std::wstring settledKey(std::wstring_view key) {
+    const std::wstring bare(key.substr(key.starts_with(L'*') ? 1 : 0));
+    return keyKind(bare) == KeyKind::mixedMedia ? L"*" + bare : bare;
+}
+
 void SettingList::SetCount(std::int64_t newCount) {
     const auto maximum = static_cast<std::int64_t>(capacity);
     if (newCount > maximum) {

@@ -15,6 +15,9 @@ namespace torka {
 // The list to which a setting without a control belongs, by the prefix of its key without asterisk.
 enum class KeyKind { mixedMedia, padCover, slipSheet, coverPage, account, other };
 KeyKind keyKind(std::wstring_view key);
+// The form in which the lists keep a key, given with or without its asterisk: mixed media have one, the
+// others have none.
+std::wstring settledKey(std::wstring_view key);
 
 // An ordered list of settings with a fixed capacity. The count says how many slots are in use. A slot that
 // was never filled holds empty texts. A slot that falls out of use keeps its texts until it is filled again.

@@ -7,8 +7,10 @@
 #include "output/ZANJobNote.h"
 #include "pane/data/ControlTables.h"
 #include "pane/data/PDEData.h"
+#include "pane/data/SpecialControls.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace torka {
 namespace {
@@ -133,13 +135,14 @@ bool PaneEditor::Edit(PPDXControl& control, const std::function<void()>& change,
     if (step.IsEmpty()) {
         return false;
     }
+    ForgetServerPreset(step);
     lastEdited = control.Keyword();
     Record(std::move(step), continues, PaneChange::Kind::edit);
     stepIsOpen = continues;
     return true;
 }
 
-bool PaneEditor::EditAll(const std::function<void()>& change) {
+bool PaneEditor::EditAll(const std::function<void()>& change, ServerPresetChoice preset) {
     std::optional<SideSettings> before;
     if (paneData != nullptr) {
         before = SideSettings::Of(*paneData);
@@ -157,6 +160,9 @@ bool PaneEditor::EditAll(const std::function<void()>& change) {
     }
     if (step.IsEmpty() && !remade) {
         return false;
+    }
+    if (preset == ServerPresetChoice::forget) {
+        ForgetServerPreset(step);
     }
     lastEdited.clear();
     Record(std::move(step), false, PaneChange::Kind::edit, remade);
@@ -192,6 +198,22 @@ PaneEditor::Step PaneEditor::TakeChanges(const std::vector<PPDXControl*>& among)
     return step;
 }
 
+void PaneEditor::ForgetServerPreset(Step& step) {
+    if (step.IsEmpty()) {
+        return;
+    }
+    std::vector<PPDXControl*> notes;
+    for (const char* keyword : serverPresetKeywords) {
+        if (PPDXJobNote* note = model.GetControls()->FindJobNote(keyword, true)) {
+            note->SetUTF8Notes(cfString(""));
+            notes.push_back(note);
+        }
+    }
+    Step forgotten = TakeChanges(notes);
+    step.values.insert(step.values.end(), std::make_move_iterator(forgotten.values.begin()),
+                       std::make_move_iterator(forgotten.values.end()));
+}
+
 void PaneEditor::Record(Step step, bool continues, PaneChange::Kind kind, bool remade) {
     PaneChange change{kind, {}, remade};
     for (const ValueChange& value : step.values) {
@@ -201,7 +223,7 @@ void PaneEditor::Record(Step step, bool continues, PaneChange::Kind kind, bool r
     if (!step.IsEmpty()) {
         undone.clear();
         if (continues && stepIsOpen && step.values.size() == 1 && !done.empty() &&
-            done.back().values.size() == 1 && !done.back().side &&
+            !done.back().values.empty() && !done.back().side &&
             done.back().values.front().control == step.values.front().control) {
             done.back().values.front().after = std::move(step.values.front().after);
         } else {

@@ -62,12 +62,16 @@ struct PaneChange {
     bool catalogRemade = false;         // all fields known before are invalid
 };
 
+// Whether a change leaves the choice of a preset of the server (serverPresetKeywords) as it is.
+enum class ServerPresetChoice { forget, keep };
+
 // Every change of a person goes through the editor. It sets values, tells which choices the present settings
 // forbid and why, finds and resolves conflicts, and undoes.
 //
 // Refers to the description and to the pane's data (may be null), which must outlive it. Values are UTF-8 in
 // the form of CopyCurrentControlValueString; the value of a popup with several choices is their keywords, one
-// a line. Values of masked and enciphered notes are not kept, so that their changes cannot be undone.
+// a line. A change empties the notes that name a preset of the server, which undoing it brings back. Values
+// of masked and enciphered notes are not kept, so that their changes cannot be undone.
 class PaneEditor {
 public:
     PaneEditor(ZANPPD& ppd, PDEData* data);
@@ -94,7 +98,7 @@ public:
     // control, as typing does. Returns false when the value is unchanged.
     bool Edit(PPDXControl& control, const std::function<void()>& change, bool continues);
     // Changes any number of controls and the settings outside controls (SideSettings) as one step.
-    bool EditAll(const std::function<void()>& change);
+    bool EditAll(const std::function<void()>& change, ServerPresetChoice preset = ServerPresetChoice::forget);
     bool Reset(PPDXControl& control);
     // Resets the controls of these keywords as one step. Locked controls are left. Returns false when no
     // value changed.
@@ -149,6 +153,8 @@ private:
     // The value to compare with later; for a secret note its hash.
     static std::string Remembered(const PPDXControl& control);
     Step TakeChanges(const std::vector<PPDXControl*>& among);
+    // The settings no longer match the preset: empties its notes, and adds this to a step that is not empty.
+    void ForgetServerPreset(Step& step);
     // Returns whether the catalogue was made again.
     bool TakeUpNewControls();
     void Record(Step step, bool continues, PaneChange::Kind kind, bool remade = false);

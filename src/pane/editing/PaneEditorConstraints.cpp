@@ -194,6 +194,7 @@ bool PaneEditor::Resolve() {
     if (step.IsEmpty()) {
         return false;
     }
+    ForgetServerPreset(step);
     Record(std::move(step), false, PaneChange::Kind::resolution);
     return true;
 }

@@ -145,6 +145,7 @@ void TorkaFeaturesPDE::defaultsButtonClicked() {
     if (!gIgnoreButtonEvents) {
         self.myUi_Panel->ResetControlsToDefault();
         TakeSystemLayout();
+        PrefillAccountName();
         self.myUi_Panel->DrawUserPane();
         gPopupJobNotesDefaultsButton = 1;
     }

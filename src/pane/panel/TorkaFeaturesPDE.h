@@ -174,6 +174,10 @@ private:
     void MakePaneData();
     void TakeInstance();
     void LeaveInstance();
+    void PublishQueue();
+    void PublishAgain();
+    void TakeLanguageOfPopupJobNotes();
+    void PrefillAccountName();
     void ObservePopupJobNotes();
     bool LoadInterface();
 
@@ -210,6 +214,8 @@ private:
     // Of the popup notes, as the queue's record gave them or as they were last written; none before the first
     // restore.
     std::optional<std::string> popupPreferences;
+    std::string queueFileName;   // sessionQueueName as this panel found it
+    std::string descriptionPath; // destinationPPD() as this panel found it
 };
 
 } // namespace torka

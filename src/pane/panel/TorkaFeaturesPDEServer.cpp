@@ -33,7 +33,8 @@ void TorkaFeaturesPDE::launchFullProperties() {
         if (self.bonjourViewRef) {
             self.bonjourViewRef->setBIDIStatusON(false);
         }
-        self.myPDEData->SetCorvianPrinterAddress(cfString(""), false);
+        // Only the panel model's answer to a failed launch empties the address.
+        self.myPDEData->SetCorvianPrinterAddress(self.myPDEData->GetCorvianPrinterAddress(), false);
         self.myUi_Panel->LaunchJobProperties(kJPOpenAgain);
         break;
     case ServerExchange::Answer::stop:

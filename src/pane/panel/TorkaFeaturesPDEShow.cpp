@@ -65,9 +65,21 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
     TakePopupPreferences();
     self.myPDEData->TakeTemplate();
     NotePopupPreferences();
+    PrefillAccountName();
     updateUI();
     willShow();
     return true;
+}
+
+// Only where the controller checks the account name of the network's directory.
+void TorkaFeaturesPDE::PrefillAccountName() {
+    PPDXControls& controls = *self.myppd->GetControls();
+    const PPDXSpecialOption* directory = controls.FindSpecialOption("*ZANAuthenticateWithLDAP", true);
+    const PPDXJobNote* note = controls.FindJobNote("*QVUserAuthName", true);
+    if (directory != nullptr && std::string_view(directory->GetValue()) == "True" && note != nullptr &&
+        CFStringGetLength(note->CopyNotes()) == 0) {
+        self.myUi_Panel->GetOSAccountName();
+    }
 }
 
 // Lists, watermark and account keys belong to one queue. Those of another queue are dropped.
@@ -80,7 +92,8 @@ void TorkaFeaturesPDE::TakeSideSettings() {
     }
 }
 
-// Runs once a panel. The print settings of this queue are newer than the notes that its description remembers.
+// Runs once a panel. The print settings of this queue are newer than the notes that its description
+// remembers.
 void TorkaFeaturesPDE::TakePopupPreferences() {
     if (hasNoPopupJobNotes() || popupPreferences) {
         return;

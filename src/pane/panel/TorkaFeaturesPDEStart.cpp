@@ -5,6 +5,7 @@
 #include "bidi/commands/CommandJob.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "connection/BonjourModuleController.h"
+#include "pane/data/CutText.h"
 #include "pane/data/PDEData.h"
 #include "pane/data/PopupJobNotes.h"
 #include "pane/data/PresetStore.h"
@@ -20,6 +21,7 @@
 #include <algorithm>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 // The start and end of a panel, and which panel of the process is the current one.
 
@@ -31,6 +33,8 @@ constexpr std::size_t maximumLinkBytes = 1023;
 constexpr std::size_t minimumLanguageCode = 2;
 constexpr std::string_view cachesPrefix = "/Library/Caches/ZAN/";
 constexpr std::string_view openFileSuffix = ".pdeopen";
+
+std::vector<TorkaFeaturesPDE*> livingPanels; // in the order of their starts
 
 // The target of a symbolic link; "" when the path is no link.
 std::string linkTarget(const std::string& path) {
@@ -75,12 +79,12 @@ bool TorkaFeaturesPDE::Start() {
     MakePaneData();
     TakeInstance();
     self.myUi_Panel = std::make_unique<UI_Panel>(self.myPDEData.get(), this);
-    cachesPDEOpenFilePath = std::string(cachesPrefix) + sessionQueueName + std::string(openFileSuffix);
-    cachesPDEOpenFilePath.resize(std::min(cachesPDEOpenFilePath.size(), cachesPDEOpenFilePathSize - 1));
+    queueFileName = sessionQueueName;
+    descriptionPath = destinationPPD();
+    PublishQueue();
     if (gServerLanguage.size() >= minimumLanguageCode) {
         deferred->language = gServerLanguage;
     }
-    fillPDEInstallPath();
     lookForPopupJobNotes(*self.myppd);
     readPopupJobNotePreferencesFrom(destinationPPD());
 
@@ -94,8 +98,7 @@ bool TorkaFeaturesPDE::Start() {
     }
     gPopupJobNotesDefaultsButton = 0;
     ObservePopupJobNotes();
-    const CString* language = self.myppd->LanguageVersion();
-    gPopupJobNotesLangIsJapanese = language != nullptr && *language == "Japanese";
+    TakeLanguageOfPopupJobNotes();
     return true;
 }
 
@@ -109,7 +112,10 @@ CFURLRef TorkaFeaturesPDE::TakeDescription() {
     CFURLRef url;
     PMPrinterCopyDescriptionURL(self.printer, cfString("PMPPDDescriptionType"), url);
     const std::string path = CFURLCopyFileSystemPath(url);
-    getQueuePPDName(linkTarget(path));
+    if (!getQueuePPDName(linkTarget(path))) {
+        // CUPS gives a path that is no link.
+        sessionQueueName = cutText(utf8Text(PMPrinterGetName(self.printer)), sessionQueueNameSize);
+    }
     setDestinationPPD(path);
     return url;
 }
@@ -167,6 +173,7 @@ void TorkaFeaturesPDE::MakePaneData() {
         [queue, held = deferred] { return std::make_unique<PaneAddressStore>(queue, held); });
     self.myPDEData->SetPageFormat(self.pdePluginCallbackObject->pageFormat());
     self.myPDEData->SetPrintSettings(self.printSettings);
+    self.myPDEData->SetBundle(self.pdeBundle);
     if (const BundleRef bundle = GetBundleRef()) {
         self.myBundleVersion = cfCast<CFString>(bundle->InfoValue(u"CFBundleVersion"));
     }
@@ -180,6 +187,36 @@ void TorkaFeaturesPDE::MakePaneData() {
                      utf8Text(queueServiceName()));
 }
 
+// Sets the process-wide variables that name the session and the files of the panel's queue.
+void TorkaFeaturesPDE::PublishQueue() {
+    thePMPrinter = &self.printer;
+    currentPrintSession = self.mySession;
+    sessionQueueName = queueFileName;
+    setDestinationPPD(descriptionPath);
+    cachesPDEOpenFilePath = std::string(cachesPrefix) + sessionQueueName + std::string(openFileSuffix);
+    cachesPDEOpenFilePath.resize(std::min(cachesPDEOpenFilePath.size(), cachesPDEOpenFilePathSize - 1));
+    fillPDEInstallPath();
+}
+
+// After the end of a newer panel, to which everything process-wide belonged.
+void TorkaFeaturesPDE::PublishAgain() {
+    PublishQueue();
+    self.myUi_Panel->Publish();
+    resetPopupJobNotes();
+    lookForPopupJobNotes(*self.myppd);
+    readPopupJobNotePreferencesFrom(destinationPPD());
+    if (!hasNoPopupJobNotes()) {
+        self.myppd->ReadPUJNPrefs();
+        applyPopupJobNotePreferences(*self.myppd, RememberedValues::leave);
+        TakeLanguageOfPopupJobNotes();
+    }
+}
+
+void TorkaFeaturesPDE::TakeLanguageOfPopupJobNotes() {
+    const CString* language = self.myppd->LanguageVersion();
+    gPopupJobNotesLangIsJapanese = language != nullptr && *language == "Japanese";
+}
+
 // For a third panel while two exist: the end of the first panel must leave the pointers, which name the other
 // two.
 void TorkaFeaturesPDE::TakeInstance() {
@@ -188,17 +225,18 @@ void TorkaFeaturesPDE::TakeInstance() {
         sTorkaFeaturesPDEsaved = sTorkaFeaturesPDE;
     }
     sTorkaFeaturesPDE = this;
+    livingPanels.push_back(this);
     setJobPropertiesHost(this);
 }
 
 // Updates the process-wide pointers at the end of a panel. When invalidDeallocCall is set, the end only
 // clears it and leaves the pointers that name other panels. No pointer may name a panel that has ended,
-// whatever the order in which panels end.
+// whatever the order in which panels end. While any panel lives, one is the current one.
 void TorkaFeaturesPDE::LeaveInstance() {
     if (self.myPDEData == nullptr) {
         return; // it never was the newest panel
     }
-    TorkaFeaturesPDE* const other = sTorkaFeaturesPDEsaved;
+    std::erase(livingPanels, this);
     if (invalidDeallocCall) {
         invalidDeallocCall = false;
     } else if (sTorkaFeaturesPDEsaved != nullptr) {
@@ -209,8 +247,8 @@ void TorkaFeaturesPDE::LeaveInstance() {
     if (sTorkaFeaturesPDEsaved == this) {
         sTorkaFeaturesPDEsaved = nullptr;
     }
-    if (sTorkaFeaturesPDE == this) {
-        sTorkaFeaturesPDE = other == this ? nullptr : other;
+    if (sTorkaFeaturesPDE == this || sTorkaFeaturesPDE == nullptr) {
+        sTorkaFeaturesPDE = livingPanels.empty() ? nullptr : livingPanels.back();
         sTorkaFeaturesPDEsaved = nullptr;
     }
     if (jobPropertiesHost() == this) {
@@ -223,6 +261,9 @@ TorkaFeaturesPDE::~TorkaFeaturesPDE() {
     if (thePMPrinter == &self.printer) {
         thePMPrinter = nullptr;
         currentPrintSession = nullptr;
+        if (sTorkaFeaturesPDE != nullptr) {
+            sTorkaFeaturesPDE->PublishAgain();
+        }
     }
     ViewRef outputBinsView;
     if (interface) {

@@ -70,8 +70,8 @@ UI_Panel::UI_Panel(PDEData* pdeData, PanelServices* services)
     , panel(services)
     , model(pdeData->PPDModel()) {
     mCustomizePane->SetServerPresetReset([this] { resetJPServerpresetKeys(); });
-    mPPD = model;
-    PopulatePPDTreeStructure();
+    mPDEData->SetPageOrientation(mPDEData->GetPageOrientationFromOS());
+    Publish();
     const bool isFromSystem = GetOSPageSize();
     mPDEData->SetPageSizeFromOS(isFromSystem);
     PPDXPopupControl* printSize = model->GetControls()->FindPopup("*QVPrintSize", true);
@@ -79,8 +79,6 @@ UI_Panel::UI_Panel(PDEData* pdeData, PanelServices* services)
         printSize->SetValue(1);
     }
     mPDEData->Watermarks().Clear();
-    sUiPanelOnJPReturn = this;
-    sSharedList = mSharedList.get();
     handed.sideListEntries.fill(SIZE_MAX);
 
     bool ipEnabled = false;
@@ -111,6 +109,13 @@ UI_Panel::~UI_Panel() {
         sSharedList = nullptr;
         forgetModuleSettings();
     }
+}
+
+void UI_Panel::Publish() {
+    mPPD = model;
+    PopulatePPDTreeStructure();
+    sUiPanelOnJPReturn = this;
+    sSharedList = mSharedList.get();
 }
 
 void UI_Panel::DrawUserPane() { mCustomizePane->drawControlsInTree(Tree); }
@@ -214,14 +219,15 @@ void UI_Panel::LaunchJobProperties(JP_ACTIONS action) {
     setField(mSharedList->jpResult, moduleRuns);
 
     // mainJP runs the event loop of the window. The record must live until the module has ended, even if the
-    // panel ends before.
+    // panel ends before. A launch around this one holds the record too.
     const std::shared_ptr<SharedMemoryList> record = mSharedList;
+    const std::weak_ptr<const bool> panelLives = life;
     gIgnoreButtonEvents = true;
     sharedList = record.get();
     mainJP();
     sharedList = nullptr;
     gIgnoreButtonEvents = false;
-    if (record.use_count() > 1) { // the panel still exists
+    if (!panelLives.expired()) {
         OnJPReturn();
     } else {
         forgetModuleSettings();
@@ -269,7 +275,11 @@ void UI_Panel::TakeAnswer() {
     Create_SDMList_From_SharedMemoryList(list, *mSharedList);
     UpdateWatermarks(*mSharedList);
     SetUpdatedSettings(list.List());
-    mPDEData->SaveWatermarksToPreferences();
+    if (mPDEData->Watermarks().Count() == 0) {
+        mPDEData->ForgetWatermarkPreferences(); // the module deleted the last one
+    } else {
+        mPDEData->SaveWatermarksToPreferences();
+    }
     FreeSDMList(list);
 }
 

@@ -38,6 +38,9 @@ public:
     explicit UI_Panel(PDEData* pdeData, PanelServices* services = nullptr);
     ~UI_Panel() override;
 
+    // Makes this panel the one that the process-wide variables of the panel model name: description, tree,
+    // record, and the receiver of the module's answer.
+    void Publish();
     void PopulatePPDTreeStructure();
     void DrawUserPane();
     void Show();
@@ -76,6 +79,8 @@ public:
     bool compareJPServerPresets() const;
     // Empties these notes.
     void resetJPServerpresetKeys();
+    // The person's account name into the job note "*QVUserAuthName"; nothing without such a note.
+    void GetOSAccountName();
     // Sends the module's local presets file to the queue, if there is one.
     void writeLocalJPPresetsToDynamicPPD();
 
@@ -100,8 +105,6 @@ public:
     // Given interface; no caller here
     // Given interface; no caller here
     bool isPylon3() const; // the controller system is of version 4.2 or 4.3
-    // The person's account name into the job note "*QVUserAuthName"; nothing without such a note.
-    void GetOSAccountName();
     std::int32_t getReturnFromJP() const { return mReturnFromJP; }
     void setReturnFromJP(std::int32_t returned) { mReturnFromJP = returned; }
     std::int32_t getfromCustomizepanel() const { return mFromCustomizePanel; }
@@ -119,7 +122,8 @@ private:
     std::int32_t mFromCustomizePanel = 0;
     std::string mCustomSize;
     std::string mCustomPaperName;
-    std::shared_ptr<SharedMemoryList> mSharedList; // shared with a running launch
+    std::shared_ptr<SharedMemoryList> mSharedList;                         // shared with a running launch
+    std::shared_ptr<const bool> life = std::make_shared<const bool>(true); // ends with the panel
 
     // What the module got at the last launch beside the values of the controls, and how much of each list
     // fitted the record. The module can neither change nor remove what it did not get.

@@ -155,6 +155,9 @@ void UI_Panel::ApplySideLists(const Returned& returned) {
         restoreUnchanged(after, before);
         const std::size_t seen = std::min(handed.sideListEntries[index++], before.size());
         after.insert(after.end(), before.begin() + static_cast<std::ptrdiff_t>(seen), before.end());
+        for (WideSetting& setting : after) {
+            setting.key = settledKey(setting.key);
+        }
         if (after.size() > target->Capacity()) {
             myNSLogC("The module returned %zu settings for a list of %zu; the rest is dropped.", after.size(),
                      target->Capacity());

@@ -191,7 +191,7 @@ void QtPaneInterface::Connect() {
     // The changes of the module and of the Defaults button can be undone as one step.
     onClick(PaneOutlet::fullPropertiesButton, [this] {
         if (setup.openFullProperties) {
-            editor.EditAll(setup.openFullProperties);
+            editor.EditAll(setup.openFullProperties, ServerPresetChoice::keep);
         }
     });
     onClick(PaneOutlet::defaultsButton, [this] {
@@ -220,11 +220,6 @@ void QtPaneInterface::Connect() {
             }
         });
     }
-    editor.AddListener([this](const PaneChange& change) {
-        if (change.kind != PaneChange::Kind::outside) {
-            setup.controller.resetJPServerpresetKeys(); // the settings no longer match the preset
-        }
-    });
 }
 
 void QtPaneInterface::ShowTwoWay() {

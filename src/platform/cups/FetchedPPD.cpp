@@ -20,6 +20,16 @@ void FetchedPPD::Forget() {
     }
 }
 
+// libcups gives the copy a name without an ending. link() never replaces another file. The copy keeps its
+// name when the new one is taken.
+void FetchedPPD::NameAsDescription() {
+    const std::string named = copy + ".ppd";
+    if (!copy.ends_with(".ppd") && link(copy.c_str(), named.c_str()) == 0) {
+        unlink(copy.c_str());
+        copy = named;
+    }
+}
+
 std::string FetchedPPD::Fetch(const std::string& queueName) {
     Forget();
     if (queueName.empty()) {
@@ -33,6 +43,7 @@ std::string FetchedPPD::Fetch(const std::string& queueName) {
     std::error_code error;
     const std::filesystem::path path(copy);
     if (!std::filesystem::is_symlink(path, error)) {
+        NameAsDescription();
         return copy;
     }
     const std::filesystem::path target = std::filesystem::canonical(path, error);

@@ -8,7 +8,7 @@ namespace torka::platform {
 // Fetches a queue's description from the server at each call.
 //
 // With a local server the path is the server's own file: never write to it or remove it. Otherwise it is a
-// copy that lives until the next Fetch() or the end of this object.
+// copy, with a name that ends in ".ppd", that lives until the next Fetch() or the end of this object.
 class FetchedPPD {
 public:
     FetchedPPD() = default;
@@ -21,6 +21,7 @@ public:
 
 private:
     void Forget();
+    void NameAsDescription();
 
     std::string copy; // path of the copy to remove; "" for none
 };
