@@ -57,6 +57,7 @@ void FieldPage::AddLink(const QString& text, const std::function<void()>& go) {
     link->setIcon(paneIcon(PaneSign::closed));
     link->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     link->setAutoRaise(true);
+    link->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     link->setFocusPolicy(Qt::StrongFocus);
     // The page is cleared by going elsewhere: the button must not end within its own signal.
     connect(link, &QToolButton::clicked, this, go, Qt::QueuedConnection);

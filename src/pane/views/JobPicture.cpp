@@ -53,7 +53,7 @@ void JobPicture::TakeSettings() {
 
 QSize JobPicture::minimumSizeHint() const {
     const int unit = fontMetrics().lineSpacing();
-    return {unit * 12, unit * 10};
+    return {unit * 17, unit * 10};
 }
 
 QSize JobPicture::sizeHint() const { return minimumSizeHint() * 2; }
