@@ -153,7 +153,7 @@ TEST(PanelSettings, RoundTripChangesNothing) {
         exchange.panel->makeJobNotesForSpecialControls();
         pane.data->MixedMediaList().Append({L"*RangeProp1", L"EFBBBF1-3"}); // as the record writes a mark
         pane.data->MixedMediaList().Append(
-            {L"MM_A" + std::wstring(90, L'k'), L"a key longer than its field"});
+            {L"*MM_A" + std::wstring(90, L'k'), L"a key longer than its field"});
         pane.data->AccountPairs()[0].value = std::wstring(500, L'\u5370');
         pane.data->PadCoverList().Append({L"PadCoverFront", std::wstring(800, L'\u5370')});
         pane.data->Watermarks().Append(
@@ -231,7 +231,7 @@ TEST(PanelSettings, EachKeyGoesWhereItBelongs) {
                 ElementsAre("QVPCMID=7", "*QVPCName=-1", "*QVCoverSizePCMID=-1",
                             "QVCoverSizePCName=" + std::string(accountValueSize - 1, 'n')));
     EXPECT_THAT(pairsOf(pane.data->MixedMedia()),
-                ElementsAre("RangeProp1=1-3", "*MM_A1=Card", "RangeProp1=4-6"));
+                ElementsAre("*RangeProp1=1-3", "*MM_A1=Card", "*RangeProp1=4-6"));
     EXPECT_THAT(pairsOf(pane.data->PadCovers()), ElementsAre("PadCoverFront=Yes"));
     EXPECT_THAT(pairsOf(pane.data->CoverPages()), ElementsAre("CoverPage_Back=No"));
     EXPECT_THAT(pairsOf(pane.data->SlipSheets()), IsEmpty());
