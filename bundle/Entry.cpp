@@ -15,6 +15,7 @@
 #include "platform/qt/QtEventLoop.h"
 
 #include <QApplication>
+#include <exception>
 
 // Composes the plug-in: sets its own copies of the adapters when a host asks for the first class.
 
@@ -23,7 +24,7 @@
 #endif
 
 extern "C" __attribute__((visibility("default"))) torka::platform::PDEPlugIn*
-torkaBundleInstantiate(const char* className, int interfaceVersion);
+torkaBundleInstantiate(const char* className, int interfaceVersion) noexcept;
 
 namespace torka {
 
@@ -75,6 +76,15 @@ void chooseToolkitAdapters() {
     qAddPostRoutine(dropToolkitAdapters);
 }
 
+// Logs why the plug-in cannot start, unless memory is missing for that, too.
+void logStart(const char* reason) noexcept {
+    try {
+        myNSLogC("The features pane cannot start: %s", reason);
+    } catch (...) {
+        return;
+    }
+}
+
 void compose() {
     if (!hasSystem()) {
         chooseSystemAdapters();
@@ -90,10 +100,18 @@ void compose() {
 
 } // namespace torka
 
-torka::platform::PDEPlugIn* torkaBundleInstantiate(const char* className, int interfaceVersion) {
+// A host may be written in C, or have no handler: no exception leaves the plug-in.
+torka::platform::PDEPlugIn* torkaBundleInstantiate(const char* className, int interfaceVersion) noexcept {
     if (className == nullptr || interfaceVersion != torka::bundleInterfaceVersion) {
         return nullptr;
     }
-    torka::compose();
-    return torka::makeRegisteredClass(className).release();
+    try {
+        torka::compose();
+        return torka::makeRegisteredClass(className).release();
+    } catch (const std::exception& error) {
+        torka::logStart(error.what());
+    } catch (...) {
+        torka::logStart("unknown exception");
+    }
+    return nullptr;
 }
