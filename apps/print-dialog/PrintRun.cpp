@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/PrintRun.h"
 
+#include "apps/common/OutsideText.h"
 #include "apps/print-dialog/JobProgress.h"
 #include "output/BundleIdentifier.h"
 #include "output/LeftOutSetting.h"
@@ -43,7 +44,7 @@ int runDialog(const Document& document, PrintDialog& dialog) {
     QString error;
     const int job = submitDocument(document, dialog, error);
     if (job == 0) {
-        std::fprintf(stderr, "%s\n", qUtf8Printable(error));
+        std::fprintf(stderr, "%s\n", apps::printable(error.toStdString()).c_str());
         QMessageBox box(QMessageBox::Critical, QObject::tr("Print"), QString(), QMessageBox::Ok);
         box.setTextFormat(Qt::PlainText); // before the text, which may look like markup
         box.setText(error);
@@ -52,11 +53,11 @@ int runDialog(const Document& document, PrintDialog& dialog) {
     }
     JobProgress progress(dialog.queue(), job, document.name);
     progress.exec();
-    std::printf("%s\n", qUtf8Printable(progress.outcome()));
+    std::printf("%s\n", apps::printable(progress.outcome().toStdString()).c_str());
     if (progress.status().state == jobStateCompleted || progress.isLeftToPrint()) {
         return 0;
     }
-    std::fprintf(stderr, "%s\n", progress.status().message.c_str());
+    std::fprintf(stderr, "%s\n", apps::printable(progress.status().message).c_str());
     return 1;
 }
 

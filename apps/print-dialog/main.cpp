@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/common/OutsideText.h"
 #include "apps/print-dialog/Document.h"
 #include "apps/print-dialog/Pictures.h"
 #include "apps/print-dialog/PrintDialog.h"
@@ -6,12 +7,14 @@
 #include "platform/Bundle.h"
 #include "platform/SecretMemory.h"
 #include "platform/adapters/Adapters.h"
+#include "platform/cups/CupsQueue.h"
 #include "platform/posix/PosixBundle.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QPrinter>
 #include <cstdio>
+#include <exception>
 #include <memory>
 
 namespace {
@@ -24,7 +27,7 @@ QString defaultBundle() {
 }
 
 int unusable(const QString& text) {
-    std::fprintf(stderr, "torka-print-dialog: %s\n", qUtf8Printable(text));
+    std::fprintf(stderr, "torka-print-dialog: %s\n", apps::printable(text.toStdString()).c_str());
     return 2;
 }
 
@@ -40,6 +43,7 @@ Arguments readArguments(const QCoreApplication& application) {
     parser.setApplicationDescription(QStringLiteral(
         "Prints a document through the system's print dialog, with the printer features as a tab."));
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption queue({QStringLiteral("d"), QStringLiteral("queue")},
                                    QStringLiteral("Queue to begin with; the default queue otherwise."),
                                    QStringLiteral("QUEUE"));
@@ -60,12 +64,11 @@ Arguments readArguments(const QCoreApplication& application) {
             parser.value(pictures)};
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     platform::protectProcess();
-    const QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("torka-print-dialog"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
+    const QApplication application(argc, argv);
     const Arguments arguments = readArguments(application);
     AdapterOptions adapters{.spooler = true};
     adapters.system.rootFromEnvironment = true;
@@ -94,11 +97,25 @@ int main(int argc, char** argv) {
     QPrinter printer;
     dialog::PrintDialog dialog(printer, **plugIn, document.name.toStdString());
     if (!arguments.queue.isEmpty() && !dialog.chooseQueue(arguments.queue.toStdString())) {
-        return unusable(QStringLiteral("the print server has no queue %1").arg(arguments.queue));
+        const std::string reason = platform::queueProblem(arguments.queue.toStdString());
+        return unusable(reason.empty()
+                            ? QStringLiteral("the dialog does not list the queue %1").arg(arguments.queue)
+                            : QString::fromStdString(reason));
     }
     dialog.showPane();
     if (!arguments.pictures.isEmpty()) {
         return dialog::takePictures(dialog, arguments.pictures, error) ? 0 : unusable(error);
     }
     return dialog::runDialog(document, dialog);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "torka-print-dialog: %s\n", error.what());
+        return 2;
+    }
 }

@@ -2,8 +2,10 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/QueueAddresses.h"
+#include "connection/AddressText.h"
 #include "connection/ZANCorvianPrinterPList.h"
 #include "platform/System.h"
+#include "platform/cups/CupsQueue.h"
 
 #include <memory>
 #include <system_error>
@@ -23,6 +25,7 @@ struct AddressOptions {
     bool twoWay = false;
     bool noTwoWay = false;
     bool json = false;
+    bool force = false;
 };
 
 Json rowsJson(const std::vector<CFStringRef>& rows) {
@@ -132,6 +135,11 @@ ExitStatus listAddresses(const AddressOptions& options) {
 }
 
 ExitStatus setAddress(const AddressOptions& options) {
+    // A pane looks up its own queue: no pane would find the entry of another name.
+    if (const std::string problem = options.force ? std::string() : platform::queueProblem(options.name);
+        !problem.empty()) {
+        return unusable(problem + " (--force sets the entry all the same)");
+    }
     const Result<OpenList> opened = openList(options, true);
     if (!opened) {
         return unusable(opened.Why());
@@ -139,6 +147,11 @@ ExitStatus setAddress(const AddressOptions& options) {
     const OpenList& list = *opened;
     const CFStringRef name = cfString(options.name);
     const bool twoWay = options.twoWay || (!options.noTwoWay && list->getIPEnabled(name));
+    // With two-way communication off the pane takes any text.
+    const AddressProblem problem = twoWay ? addressProblem(cfString(options.address)) : AddressProblem();
+    if (!problem.english.empty()) {
+        return unusable("'" + options.address + "': " + std::string(problem.english));
+    }
     list->Add(name, cfString(options.address), twoWay);
     return saveList(list, options.file);
 }
@@ -186,6 +199,7 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
     CLI::Option* on = set->add_flag("--two-way", options->twoWay, "Two-way communication on");
     set->add_flag("--no-two-way", options->noTwoWay, "Two-way communication off; default: as it is")
         ->excludes(on);
+    set->add_flag("--force", options->force, "Set the entry although the print server has no queue NAME");
     set->callback([options, &status] { status = setAddress(*options); });
 
     CLI::App* remove = command->add_subcommand("remove", "Remove a printer's entry");

@@ -141,7 +141,7 @@ void addCheckCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<CheckOptions>();
     CLI::App* command = app.add_subcommand("check", "Tell which choices settings conflict with or forbid");
     command->add_option("FILE", options->path, "Extended PPD file")->required();
-    command->add_option("SETTING", options->settings, "KEY=VALUE, the key with or without its asterisk");
+    command->add_option("SETTING", options->settings, settingHelp);
     command->add_flag("--solve", options->solve,
                       "Look for changes that remove the conflicts, keeping the settings and the "
                       "installed hardware");

@@ -31,21 +31,4 @@ void print(std::string_view text) {
 
 bool outputFailed() { return std::fflush(stdout) != 0 || writeFailed; }
 
-std::string printable(std::string_view text) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string result;
-    result.reserve(text.size());
-    for (const char c : text) {
-        const auto value = static_cast<unsigned char>(c);
-        if (value >= 0x20 && value != 0x7f) {
-            result += c;
-        } else {
-            result += "\\x";
-            result += digits[value >> 4U];
-            result += digits[value & 15U];
-        }
-    }
-    return result;
-}
-
 } // namespace torka::tool

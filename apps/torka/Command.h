@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "apps/common/OutsideText.h"
 #include "platform/Result.h"
 
 #include <CLI/App.hpp>
@@ -26,12 +27,13 @@ void warn(std::string_view what);
 // Writes text to standard output. outputFailed reports a failure (a full disk, a closed pipe).
 void print(std::string_view text);
 bool outputFailed();
-// Replaces control characters by \xNN, so that text from a file cannot control the terminal.
-std::string printable(std::string_view text);
+// Every text from outside passes through it before it is printed.
+using apps::printable;
 
 // Each function adds one subcommand. `status` receives the result when the command has run.
 void addShowCommand(CLI::App& app, ExitStatus& status);
 void addLintCommand(CLI::App& app, ExitStatus& status);
+void addDiffCommand(CLI::App& app, ExitStatus& status);
 void addCheckCommand(CLI::App& app, ExitStatus& status);
 void addEmitCommand(CLI::App& app, ExitStatus& status);
 void addTicketCommand(CLI::App& app, ExitStatus& status);
@@ -42,6 +44,10 @@ void addDiscoverCommand(CLI::App& address, ExitStatus& status); // of the comman
 void addPrintCommand(CLI::App& app, ExitStatus& status);
 void addCommandCommand(CLI::App& app, ExitStatus& status);
 void addQueueCommand(CLI::App& app, ExitStatus& status);
+void addQueueListCommand(CLI::App& queue, ExitStatus& status); // of the command "queue"
+void addQueueAddCommand(CLI::App& queue, ExitStatus& status);
+void addQueueRemoveCommand(CLI::App& queue, ExitStatus& status);
+void addQueueCheckCommand(CLI::App& queue, ExitStatus& status);
 void addRecordCommand(CLI::App& app, ExitStatus& status);
 void addModuleCommand(CLI::App& app, ExitStatus& status);
 void addServerDataCommand(CLI::App& app, ExitStatus& status);

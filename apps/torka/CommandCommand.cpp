@@ -2,8 +2,10 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/QueueJobs.h"
 #include "bidi/commands/SpoolerCommands.h"
+#include "platform/SecretMemory.h"
 #include "platform/System.h"
 #include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
 
 #include <iostream>
 #include <iterator>
@@ -27,7 +29,11 @@ std::string wholeTitle(const std::string& title) {
 }
 
 ExitStatus sendCommand(const CommandOptions& options) {
+    if (const std::string problem = platform::queueProblem(options.queue); !problem.empty()) {
+        return unusable(problem);
+    }
     std::string text = options.text;
+    const platform::WipeGuard<std::string> guard(text); // it may hold a password
     if (text == "-") {
         text.assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
     }
@@ -36,8 +42,8 @@ ExitStatus sendCommand(const CommandOptions& options) {
     if (printer.SendCommand(cfString(text), cfString(title), nullptr) != noErr) {
         return unusable(options.queue + ": the queue does not take the command");
     }
-    print("Job " + std::to_string(printer.CommandJob()) + " on " + options.queue + ": " + printable(title) +
-          "\n");
+    print("Job " + std::to_string(printer.CommandJob()) + " on " + printable(options.queue) + ": " +
+          printable(title) + "\n");
     return options.isDetached ? ExitStatus::good : followJob(options.queue, printer.CommandJob());
 }
 

@@ -3,8 +3,10 @@
 
 #include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 #include "apps/torka/Command.h"
+#include "apps/torka/SettingText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace torka::tool {
 
@@ -14,18 +16,40 @@ bool offers(PPDXPopupControl& popup, const std::string& option) {
     return popup.GetKeywordCFLocalName(option.c_str()) != nullptr;
 }
 
-Result<void> checkValue(PPDXControl& control, const Setting& setting) {
+Result<void> checkValue(PPDXControl& control, const Setting& setting, const std::string& shown) {
     if (control.Type() == CNTL_TYPE::specialOption) {
         return Fault{setting.key + " is given by the description and cannot be set"};
     }
     if (control.Type() == CNTL_TYPE::boolean && setting.value != "True" && setting.value != "False") {
-        return Fault{setting.key + " takes True or False, not " + setting.value};
+        return Fault{setting.key + " takes True or False, not " + shown};
     }
     if (auto* popup = dynamic_cast<PPDXPopupControl*>(&control);
         popup != nullptr && !isOpenColourPopup(setting.key) && !offers(*popup, setting.value)) {
-        return Fault{setting.key + " offers no " + setting.value + " (torka show lists its choices)"};
+        return Fault{setting.key + " does not offer " + shown + " (torka show lists its choices)"};
     }
     return {};
+}
+
+Result<Setting> parseSetting(const ZANPPD& description, const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0) {
+        return Fault{"'" + text + "' is no setting: KEY=VALUE is meant"};
+    }
+    Setting setting;
+    setting.key = (text.starts_with('*') ? "" : "*") + text.substr(0, equals);
+    PPDXControl* control = description.GetPPDXControlForKey(cfString(setting.key));
+    if (control == nullptr) {
+        return Fault{"the description has no option " + setting.key};
+    }
+    const std::string_view given = std::string_view(text).substr(equals + 1);
+    const Result<SettingText> value = readSettingText(given);
+    if (!value) {
+        return value.Why().In(setting.key);
+    }
+    setting.value = value->bytes;
+    const Result<void> checked =
+        checkValue(*control, setting, value->isHidden ? "the text of " + std::string(given) : setting.value);
+    return checked ? Result<Setting>(std::move(setting)) : checked.Why();
 }
 
 } // namespace
@@ -64,22 +88,14 @@ Result<std::unique_ptr<ZANPPD>> readUsableDescription(const std::string& path) {
     return description;
 }
 
-Result<Setting> parseSetting(const ZANPPD& description, const std::string& text) {
-    const std::size_t equals = text.find('=');
-    if (equals == std::string::npos || equals == 0) {
-        return Fault{"'" + text + "' is no setting: KEY=VALUE is meant"};
-    }
-    const Setting setting{(text.starts_with('*') ? "" : "*") + text.substr(0, equals),
-                          text.substr(equals + 1)};
-    PPDXControl* control = description.GetPPDXControlForKey(cfString(setting.key));
-    if (control == nullptr) {
-        return Fault{"the description has no option " + setting.key};
-    }
-    const Result<void> checked = checkValue(*control, setting);
-    return checked ? Result<Setting>(setting) : checked.Why();
-}
-
 Result<std::vector<Setting>> parseSettings(const ZANPPD& description, const std::vector<std::string>& texts) {
+    const auto isOnStandardInput = [](const std::string& text) {
+        const std::size_t equals = text.find('=');
+        return equals != std::string::npos && readsStandardInput(std::string_view(text).substr(equals + 1));
+    };
+    if (std::ranges::count_if(texts, isOnStandardInput) > 1) {
+        return Fault{"standard input can hold the text of one setting only: KEY=@- is given twice"};
+    }
     std::vector<Setting> settings;
     for (const std::string& text : texts) {
         Result<Setting> setting = parseSetting(description, text);
@@ -104,7 +120,7 @@ std::string jsonText(const char* bytes) {
 std::string jsonText(const CFStringRef& text) { return utf8Text(text); }
 
 std::string jsonDocument(const Json& json) {
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return apps::printableJson(json.dump(2, ' ', false, Json::error_handler_t::replace)) + "\n";
 }
 
 } // namespace torka::tool

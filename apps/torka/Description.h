@@ -4,6 +4,7 @@
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "platform/Result.h"
+#include "platform/SecretMemory.h"
 
 #include <nlohmann/json.hpp>
 
@@ -17,6 +18,8 @@ namespace torka::tool {
 
 using Json = nlohmann::ordered_json;
 
+inline constexpr std::size_t maximumDescription = std::size_t{64} * 1024 * 1024; // bytes
+
 // Parses with orphans and hidden elements accepted. `lint` may be null.
 std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint = nullptr);
 // Fails when the description is unusable.
@@ -24,14 +27,26 @@ Result<void> checkUsable(const ZANPPD& description, const std::string& path);
 // Reads a description. Fails when it is unusable.
 Result<std::unique_ptr<ZANPPD>> readUsableDescription(const std::string& path);
 
+// Wiped with its last copy.
 struct Setting {
+    Setting() = default;
+    Setting(const Setting&) = default;
+    Setting(Setting&&) noexcept = default;
+    Setting& operator=(const Setting&) = default;
+    Setting& operator=(Setting&&) noexcept = default;
+    ~Setting() { platform::wipeText(value); }
+
     std::string key; // with its asterisk
     std::string value;
 };
 
-// Parses "KEY=VALUE"; the key may lack its asterisk. Fails when the text has no "=", the description has no
-// such control, or the control does not take the value.
-Result<Setting> parseSetting(const ZANPPD& description, const std::string& text);
+inline constexpr const char* settingHelp =
+    "KEY=VALUE, the key with or without its asterisk; KEY=@FILE takes the value from a file, KEY=@- from "
+    "standard input, so that no other user sees it; KEY=@@TEXT means @TEXT";
+
+// Parses texts of the form "KEY=VALUE"; a key may lack its asterisk, and VALUE may name a file
+// (readSettingText). Fails when a text has no "=", the description has no such control, the control does not
+// take the value, or two values stand on standard input.
 Result<std::vector<Setting>> parseSettings(const ZANPPD& description, const std::vector<std::string>& texts);
 // Applies the settings in the given order.
 void applySettings(ZANPPD& description, const std::vector<Setting>& settings);
@@ -39,7 +54,7 @@ void applySettings(ZANPPD& description, const std::vector<Setting>& settings);
 // Text for JSON. Invalid UTF-8 becomes U+FFFD.
 std::string jsonText(const char* bytes);
 std::string jsonText(const CFStringRef& text);
-// Indents by two blanks and ends with a line feed.
+// Indents by two blanks and ends with a line feed. Escapes what could control a terminal.
 std::string jsonDocument(const Json& json);
 
 } // namespace torka::tool

@@ -37,10 +37,11 @@ std::shared_ptr<MemorySession> sessionOf(const std::string& descriptionPath) {
     return std::make_shared<MemorySession>(printer);
 }
 
-const char* words(LeftOutReason reason) {
+std::string words(LeftOutReason reason) {
     switch (reason) {
     case LeftOutReason::noFieldKeys:
-        return "it is protected and no keys are installed (--keys FILE)";
+        return "it is protected and no keys are installed in " +
+               platform::system().Resolve(FieldKeys::installedPath).string() + " (--keys FILE)";
     case LeftOutReason::tooLong:
         return "it is too long to be protected";
     case LeftOutReason::plainDestination:
@@ -73,7 +74,7 @@ Result<CFDictionaryRef> readPrintSettings(const std::string& path) {
 } // namespace
 
 void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
-    command.add_option("SETTING", options.settings, "KEY=VALUE, the key with or without its asterisk");
+    command.add_option("SETTING", options.settings, settingHelp);
     command.add_option("--settings", options.printSettings,
                        "Property list of print settings, as a dialog holds them, to start from");
     command.add_option("--save-settings", options.savePrintSettings,

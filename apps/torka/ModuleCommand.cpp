@@ -206,8 +206,7 @@ void addModuleCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<ModuleOptions>();
     command->add_option("--module", options->module, "The module's library")->required();
     command->add_option("--ppd", options->job.description, "Extended printer description")->required();
-    command->add_option("--settings", options->job.settings,
-                        "KEY=VALUE …, the key with or without its asterisk");
+    command->add_option("--settings", options->job.settings, settingHelp);
     command->add_option("--bidi", options->data, "Two-way data file; with it two-way communication is on");
     command->add_option("--address", options->address, "The controller's address, with --bidi")
         ->capture_default_str();

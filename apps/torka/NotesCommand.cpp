@@ -3,6 +3,7 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/JobEmission.h"
 #include "output/NoteCipher.h"
+#include "platform/System.h"
 
 #include <memory>
 
@@ -26,7 +27,8 @@ ExitStatus decrypt(const DecryptOptions& options) {
     }
     const auto keys = installedFieldKeys();
     if (!keys) {
-        return unusable("no field keys are installed: name a file with --keys FILE");
+        return unusable(Fault{"no field keys are installed; --keys FILE names another file",
+                              platform::system().Resolve(FieldKeys::installedPath).string()});
     }
     Fault last;
     for (const NoteAlgorithm algorithm : {NoteAlgorithm::aes, NoteAlgorithm::des}) {
@@ -36,7 +38,7 @@ ExitStatus decrypt(const DecryptOptions& options) {
         }
         const Result<std::string> text = decipherNote(*keys, options.specialKey, algorithm, options.hex);
         if (text) {
-            print(*text + "\n");
+            print(printable(*text) + "\n");
             return ExitStatus::good;
         }
         last = text.Why();

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
-#include "connection/SimplePing.h"
+#include "apps/torka/Echo.h"
 
 #include <memory>
-#include <system_error>
 
 namespace torka::tool {
 
@@ -17,30 +16,6 @@ struct PingOptions {
     int count = 3;
     int timeout = 1; // seconds
 };
-
-std::string pingFailure(int error) {
-    switch (error) {
-    case pingHostNotFound:
-        return "the host is not known";
-    case pingNoProtocol:
-        return "this system does not know the protocol icmp";
-    case pingNotPermitted:
-        return "this user may not open ICMP sockets; the group must lie in net.ipv4.ping_group_range "
-               "(sysctl tells it)";
-    default:
-        return std::generic_category().message(error);
-    }
-}
-
-// Waits in steps of one second, so that a reply ends the wait early. Returns an error number, or 0; then
-// `replied` holds the number of replies.
-int exchangeEcho(IcmpSocket& socket, const HostAddress& address, int sequence, int timeout, int& replied) {
-    int error = CreateAndSendICMPPacket(socket, address, sequence);
-    for (int second = 0; error == 0 && replied == 0 && second < timeout; ++second) {
-        error = WaitAndPrintICMPs(socket, 1, true, &replied);
-    }
-    return error;
-}
 
 ExitStatus runPing(const PingOptions& options) {
     const auto fail = [&options](int error) { return unusable(options.host + ": " + pingFailure(error)); };

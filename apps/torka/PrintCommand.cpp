@@ -70,14 +70,17 @@ ExitStatus printFile(const PrintOptions& options) {
         return unusable(given.Why());
     }
     JobOptions& jobOptions = *given;
-    if (access(options.file.c_str(), R_OK) != 0 || std::filesystem::is_directory(options.file)) {
+    std::error_code unknown;
+    if (access(options.file.c_str(), R_OK) != 0 || std::filesystem::is_directory(options.file, unknown)) {
         return unusable(options.file + ": cannot be read");
+    }
+    if (const std::string problem = platform::queueProblem(options.queue); !problem.empty()) {
+        return unusable(problem);
     }
     const auto session = std::make_shared<CupsSession>(options.queue);
     PMPrinter printer;
     if (PMSessionGetCurrentPrinter(session, printer) != noErr) {
-        return unusable("the print server has no queue " +
-                        (options.queue.empty() ? "by default" : options.queue));
+        return unusable("the print server has no queue " + options.queue);
     }
     const std::string queue = utf8Text(PMPrinterGetName(printer));
     CFURLRef url;
@@ -120,7 +123,7 @@ ExitStatus printFile(const PrintOptions& options) {
     if (!job) {
         return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
-    print("Job " + std::to_string(*job) + " on " + queue + "\n");
+    print("Job " + std::to_string(*job) + " on " + printable(queue) + "\n");
     const ExitStatus status = options.isDetached ? ExitStatus::good : followJob(queue, *job);
     return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
 }

@@ -4,6 +4,7 @@
 #include "apps/torka/Interrupt.h"
 #include "bidi/text/StandardStreams.h"
 #include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
 #include "platform/cups/CupsSpooler.h"
 
 namespace torka::tool {
@@ -20,11 +21,10 @@ public:
 } // namespace
 
 Result<std::unique_ptr<QueueAddresses>> QueueAddresses::Open(const std::string& queueName) {
-    const auto session = std::make_shared<CupsSession>(queueName);
-    PMPrinter printer;
-    if (PMSessionGetCurrentPrinter(session, printer) != noErr) {
-        return Fault{"the print server has no queue " + printable(queueName)};
+    if (std::string problem = platform::queueProblem(queueName); !problem.empty()) {
+        return Fault{std::move(problem)};
     }
+    const auto session = std::make_shared<CupsSession>(queueName);
     platform::setSpooler(std::make_unique<CupsSpooler>());
     setStandardStreams(std::make_shared<NoStreams>());
     return std::unique_ptr<QueueAddresses>(

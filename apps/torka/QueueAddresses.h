@@ -15,7 +15,7 @@ namespace torka::tool {
 // the wait.
 class QueueAddresses {
 public:
-    // Fails when the server has no such queue.
+    // Fails when the server cannot be reached or has no such queue.
     static Result<std::unique_ptr<QueueAddresses>> Open(const std::string& queueName);
     QueueAddresses(const QueueAddresses&) = delete;
     QueueAddresses& operator=(const QueueAddresses&) = delete;

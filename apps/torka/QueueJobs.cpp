@@ -73,6 +73,11 @@ ExitStatus followJob(const std::string& queueName, int job) {
         }
         status = jobStatus(job);
     }
+    if (status.state == 0 && !status.isGone) {
+        if (std::string problem = serverProblem(); !problem.empty()) {
+            status.message = std::move(problem);
+        }
+    }
     // The server took the job: where it is gone, it has ended. One that a filter stopped would still be
     // there.
     if (status.isGone) {

@@ -9,6 +9,7 @@
 #include "connection/ConnectionType.h"
 #include "connection/RequestAddress.h"
 #include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
 #include "platform/cups/CupsSpooler.h"
 
 namespace torka::tool {
@@ -49,11 +50,14 @@ std::string addressLine(const std::string& address) {
 } // namespace
 
 Result<std::string> queueServerData(const std::string& queueName, const std::string& address) {
+    if (std::string problem = platform::queueProblem(queueName); !problem.empty()) {
+        return Fault{std::move(problem)};
+    }
     const auto session = std::make_shared<CupsSession>(queueName);
     PMPrinter printer;
     BidiFilePaths paths;
     if (PMSessionGetCurrentPrinter(session, printer) != noErr || !fillBidiFilePaths("", paths, queueName)) {
-        return Fault{"the print server has no queue " + printable(queueName)};
+        return Fault{"the print server has no queue " + queueName};
     }
     const Waiting waiting;
     BidiFailure failure;

@@ -137,7 +137,9 @@ ExitStatus getRecord(const RecordOptions& options) {
 
 ExitStatus putRecord(const RecordOptions& options) {
     RecordFile file;
-    const bool isThere = std::filesystem::exists(options.path);
+    std::error_code unknown;
+    // A path that cannot be looked at may hold a file: Read gives the reason.
+    const bool isThere = std::filesystem::exists(options.path, unknown) || unknown;
     if (const Result<void> read = isThere ? file.Read(options.path) : Result<void>(); !read) {
         return unusable(read.Why());
     }

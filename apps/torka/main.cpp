@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 // The command-line tool. Its commands and their JSON are a public interface; docs/torka.md describes them.
@@ -19,6 +20,14 @@ namespace {
 
 using namespace torka;
 using tool::ExitStatus;
+
+// Gives every command the option --version.
+void tellVersion(CLI::App& command) {
+    command.set_version_flag("--version", "torka " TORKA_VERSION, "Print the version and exit");
+    for (CLI::App* inner : command.get_subcommands({})) {
+        tellVersion(*inner);
+    }
+}
 
 int run(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
@@ -35,6 +44,7 @@ int run(int argc, char** argv) {
     ExitStatus status = ExitStatus::good;
     tool::addShowCommand(app, status);
     tool::addLintCommand(app, status);
+    tool::addDiffCommand(app, status);
     tool::addCheckCommand(app, status);
     tool::addEmitCommand(app, status);
     tool::addTicketCommand(app, status);
@@ -47,10 +57,11 @@ int run(int argc, char** argv) {
     tool::addRecordCommand(app, status);
     tool::addModuleCommand(app, status);
     tool::addServerDataCommand(app, status);
+    tellVersion(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {
-        app.exit(help); // --help: printed on standard output
+        app.exit(help); // --help and --version: printed on standard output
     } catch (const CLI::ParseError& error) {
         status = tool::unusable(std::string(error.what()) + " (torka --help tells the commands)");
     }
@@ -60,9 +71,12 @@ int run(int argc, char** argv) {
     return static_cast<int>(status);
 }
 
-// Without the C++ library's streams and strings: memory may be what is missing.
 int failed(const char* reason) noexcept {
-    std::fprintf(stderr, "torka: %s\n", reason);
+    try {
+        tool::unusable(reason);
+    } catch (...) { // memory is what is missing
+        std::fputs("torka: not enough memory\n", stderr);
+    }
     return static_cast<int>(ExitStatus::unusable);
 }
 
@@ -73,7 +87,11 @@ int main(int argc, char** argv) {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {
         return failed("not enough memory");
+    } catch (const std::length_error&) { // a text longer than any memory
+        return failed("not enough memory");
     } catch (const std::exception& error) {
         return failed(error.what());
+    } catch (...) {
+        return failed("a library of the system fails without a reason");
     }
 }

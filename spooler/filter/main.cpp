@@ -16,8 +16,10 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -92,6 +94,10 @@ int runJob(const FilterJob& job) {
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     ::umask(077);
+    // A job has five arguments at least.
+    if (argc == 2 && std::string_view(argv[1]) == "--version") {
+        return std::puts("torkafilter " TORKA_VERSION) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+    }
     const std::optional<FilterJob> job = filter::readFilterJob(argc, argv);
     if (!job) {
         filter::tellError("Usage: torkafilter JOB USER TITLE COPIES OPTIONS [FILE]");

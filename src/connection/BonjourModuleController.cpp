@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "connection/BonjourModuleController.h"
 
+#include "connection/AddressText.h"
 #include "connection/BonjourIPDiscovery.h"
 #include "connection/ServiceTypes.h"
 #include "platform/Alert.h"
@@ -28,16 +29,6 @@ CFStringRef withoutServiceDomain(const CFStringRef& text) {
         }
     }
     return text ? text : cfString("");
-}
-
-bool isAddressCharacter(char16_t unit) {
-    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
-           (unit >= u'0' && unit <= u'9') || unit == u'-' || unit == u'.';
-}
-
-bool isAddress(const CFStringRef& text) {
-    return CFStringGetLength(text) > 0 &&
-           std::all_of(text->units.begin(), text->units.end(), isAddressCharacter);
 }
 
 bool isNumeric(const CFStringRef& text) {
@@ -178,15 +169,12 @@ bool BonjourModuleController::validatePrinterAddress() {
         return true;
     }
     const CFStringRef text = view.addressField();
-    if (CFStringGetLength(text) == 0) {
-        Alert("IP_NOT_CONFIG", "The IP Address or DNS Name must be assigned.");
-        return false;
+    const AddressProblem problem = addressProblem(text);
+    if (problem.key.empty()) {
+        return true;
     }
-    if (!isAddress(text)) {
-        Alert("INVALID_IP_ADDRESS", "You have entered an invalid IP Address or DNS Name");
-        return false;
-    }
-    return true;
+    Alert(problem.key, problem.english);
+    return false;
 }
 
 void BonjourModuleController::Alert(std::string_view key, std::string_view english) {

@@ -17,9 +17,18 @@ using tests::runToolForJson;
 TEST(AddressCommand, KeepsAListThatPythonReads) {
     const tests::TemporaryFolder folder;
     const std::string file = (folder / "list.plist").string();
-    EXPECT_EQ(runTool({"address", "set", "--file", file, "Office", "10.0.0.1", "--two-way"}).status, 0);
-    EXPECT_EQ(runTool({"address", "set", "--file", file, "B\xC3\xBCro", "b.example"}).status, 0);
-    EXPECT_EQ(runTool({"address", "set", "--file", file, "OFFICE", "10.0.0.2"}).status, 0);
+    const auto set = [&file](std::vector<std::string> entry) {
+        entry.insert(entry.begin(), {"address", "set", "--force", "--file", file});
+        return runTool(entry);
+    };
+    EXPECT_EQ(set({"Office", "10.0.0.1", "--two-way"}).status, 0);
+    EXPECT_EQ(set({"B\xC3\xBCro", "b.example"}).status, 0);
+    EXPECT_EQ(set({"OFFICE", "10.0.0.2"}).status, 0);
+    // The rule of the pane's sheet, which holds while two-way communication is on.
+    EXPECT_THAT(set({"Office", "fe80::1"}).errors, HasSubstr("invalid IP Address or DNS Name"));
+    EXPECT_THAT(set({"Office", ""}).errors, HasSubstr("must be assigned"));
+    EXPECT_EQ(set({"Lab", "fe80::1"}).status, 0);
+    EXPECT_EQ(runTool({"address", "remove", "--file", file, "Lab"}).status, 0);
     EXPECT_EQ(tests::runPython("import plistlib, sys\n"
                                "print(ascii(plistlib.load(open(sys.argv[1], 'rb'))))",
                                {file}),
@@ -45,11 +54,11 @@ TEST(AddressCommand, LeavesAFileAloneThatIsNoList) {
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"address", "list", "--file", file},
           {"address", "list", "--ppd", file},
-          {"address", "set", "--file", file, "P", "a"},
+          {"address", "set", "--force", "--file", file, "P", "a"},
           {"address", "remove", "--file", file, "P"},
           {"address", "list", "--file", (folder / "absent").string()},
-          {"address", "set", "--file", (folder / "absent").string() + "/x", "P", "a"},
-          {"address", "set", "--file", (folder / "new").string(), "P\x01", "a"},
+          {"address", "set", "--force", "--file", (folder / "absent").string() + "/x", "P", "a"},
+          {"address", "set", "--force", "--file", (folder / "new").string(), "P\x01", "a"},
           {"address", "list"}}) {
         const tests::CommandResult result = runTool(arguments);
         EXPECT_EQ(result.status, 2);

@@ -108,22 +108,24 @@ TEST_F(ServerData, ADescriptionWithTwoHundredRecordsIsStillOne) {
 TEST_F(ServerData, AnAddressListIsKeptByItsQueue) {
     AddQueue("Listed");
     EXPECT_EQ(runTool({"address", "list", "-d", "Listed"}).output, "");
-    const CommandResult set =
-        runTool({"address", "set", "-d", "Listed", "Listed", "b\u00fc.example", "--two-way"});
+    const CommandResult set = runTool({"address", "set", "-d", "Listed", "Listed", "b.example", "--two-way"});
     EXPECT_EQ(set.status, 0) << set.errors;
     EXPECT_EQ(set.errors, "");
-    ASSERT_EQ(runTool({"address", "set", "-d", "Listed", "Other", "10.0.0.2"}).status, 0);
+    const CommandResult unknown = runTool({"address", "set", "-d", "Listed", "Other", "10.0.0.2"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_NE(unknown.errors.find("has no queue Other (--force"), std::string::npos) << unknown.errors;
+    ASSERT_EQ(runTool({"address", "set", "-d", "Listed", "Other", "10.0.0.2", "--force"}).status, 0);
     EXPECT_EQ(runTool({"address", "list", "--ppd", ppdPath}).output,
-              "Listed: b\u00fc.example, two-way\nOther: 10.0.0.2\n");
+              "Listed: b.example, two-way\nOther: 10.0.0.2\n");
     // Opens and saves the list as the pane does.
     ZANCorvianPrinterPList list(QueueAccess{std::make_shared<CupsSession>("Listed"), {}});
-    EXPECT_EQ(utf8Text(list.Find(cfString("listed"))), "b\u00fc.example");
+    EXPECT_EQ(utf8Text(list.Find(cfString("listed"))), "b.example");
     std::vector<DataRow> rows(1);
     std::strcpy(rows[0].data(), "*QVDuplex");
     list.AddDataBlob(cfString("Listed"), 1, 0, rows);
     EXPECT_TRUE(list.Save());
     EXPECT_EQ(runTool({"address", "list", "-d", "Listed"}).output,
-              "Listed: b\u00fc.example, two-way\n  block 0:\n    *QVDuplex\nOther: 10.0.0.2\n");
+              "Listed: b.example, two-way\n  block 0:\n    *QVDuplex\nOther: 10.0.0.2\n");
     EXPECT_EQ(runTool({"address", "remove", "-d", "Listed", "nobody"}).status, 1);
     ASSERT_EQ(runTool({"address", "remove", "-d", "Listed", "LISTED"}).status, 0);
     EXPECT_EQ(runTool({"address", "list", "-d", "Listed"}).output, "Other: 10.0.0.2\n");

@@ -3,13 +3,77 @@
 
 #include "platform/cups/CupsHandles.h"
 
+#include <cups/ppd.h>
+
 #include <algorithm>
+#include <memory>
+
+// libcups marks its PPD functions as deprecated and offers no others for a queue with a description.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka::platform {
 
 namespace {
 
 bool succeeded() { return cupsLastError() <= IPP_STATUS_OK_CONFLICTING; }
+
+struct CloseHttp {
+    void operator()(http_t* connection) const { httpClose(connection); }
+};
+
+constexpr const char* stateNames[] = {"printer-name",
+                                      "device-uri",
+                                      "printer-make-and-model",
+                                      "printer-state",
+                                      "printer-state-message",
+                                      "printer-state-reasons",
+                                      "printer-is-accepting-jobs"};
+
+// The attribute's text; "" when it has another type.
+std::string textOf(ipp_attribute_t* attribute, int index = 0) {
+    const char* text = ippGetString(attribute, index, nullptr);
+    return text == nullptr ? std::string() : text;
+}
+
+void takeAttribute(ipp_attribute_t* attribute, QueueState& queue) {
+    const std::string_view name = ippGetName(attribute);
+    if (name == "printer-name") {
+        queue.name = textOf(attribute);
+    } else if (name == "device-uri") {
+        queue.deviceUri = textOf(attribute);
+    } else if (name == "printer-make-and-model") {
+        queue.makeAndModel = textOf(attribute);
+    } else if (name == "printer-state") {
+        queue.state = ippGetInteger(attribute, 0);
+    } else if (name == "printer-state-message") {
+        queue.message = textOf(attribute);
+    } else if (name == "printer-is-accepting-jobs") {
+        queue.acceptsJobs = ippGetBoolean(attribute, 0) != 0;
+    } else if (name == "printer-state-reasons") {
+        for (int i = 0; i < ippGetCount(attribute); ++i) {
+            queue.reasons.push_back(textOf(attribute, i));
+        }
+    }
+}
+
+// The queues of an answer: each is a group of attributes.
+std::vector<QueueState> statesOf(ipp_t* answer) {
+    std::vector<QueueState> queues;
+    bool isInGroup = false;
+    for (ipp_attribute_t* attribute = ippFirstAttribute(answer); attribute != nullptr;
+         attribute = ippNextAttribute(answer)) {
+        if (ippGetGroupTag(attribute) != IPP_TAG_PRINTER || ippGetName(attribute) == nullptr) {
+            isInGroup = false;
+            continue;
+        }
+        if (!isInGroup) {
+            queues.emplace_back();
+            isInGroup = true;
+        }
+        takeAttribute(attribute, queues.back());
+    }
+    return queues;
+}
 
 } // namespace
 
@@ -49,6 +113,85 @@ std::string cancelJob(const std::string& queueName, int job) {
     const bool isCancelled =
         cupsCancelJob2(CUPS_HTTP_DEFAULT, queueName.c_str(), job, 0) <= IPP_STATUS_OK_CONFLICTING;
     return isCancelled ? "" : cupsLastErrorString();
+}
+
+std::string serverProblem() {
+    constexpr int timeout = 10000; // milliseconds
+    const std::string server = cupsServer();
+    const std::unique_ptr<http_t, CloseHttp> connection(
+        httpConnect2(server.c_str(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, timeout, nullptr));
+    if (connection) {
+        return {};
+    }
+    // libcups gives no reason that a person could use, such as "Bad file descriptor".
+    return "Cannot reach the print server at " +
+           (server.starts_with('/') ? server : server + ":" + std::to_string(ippPort())) +
+           ": it does not run there, or CUPS_SERVER names another place";
+}
+
+std::string queueProblem(const std::string& queueName) {
+    if (std::string problem = serverProblem(); !problem.empty()) {
+        return problem;
+    }
+    const char* standard = queueName.empty() ? cupsGetDefault() : nullptr;
+    if (queueName.empty() && standard == nullptr) {
+        return "the print server has no default queue: name one with -d QUEUE";
+    }
+    const std::string name = queueName.empty() ? standard : queueName;
+    if (!queueNameProblem(name).empty()) {
+        return "the print server has no queue " + name;
+    }
+    if (printerAttributes(name, {"printer-name"})) {
+        return {};
+    }
+    return cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND
+               ? "the print server has no queue " + name
+               : "the print server tells nothing about the queue " + name + ": " + cupsLastErrorString();
+}
+
+bool isServerLocal() {
+    const std::string server = cupsServer();
+    return server.starts_with('/') || server == "localhost" || server == "127.0.0.1" || server == "::1" ||
+           server == "[::1]";
+}
+
+std::optional<std::vector<QueueState>> listQueues() {
+    ipp_t* request = ippNewRequest(IPP_OP_CUPS_GET_PRINTERS);
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME, "requesting-user-name", nullptr, cupsUser());
+    ippAddStrings(request, IPP_TAG_OPERATION, IPP_CONST_TAG(IPP_TAG_KEYWORD), "requested-attributes",
+                  static_cast<int>(std::size(stateNames)), nullptr, stateNames);
+    const IppMessage answer(cupsDoRequest(CUPS_HTTP_DEFAULT, request, "/"));
+    // A server without queues answers "not found".
+    if (!answer || (!succeeded() && cupsLastError() != IPP_STATUS_ERROR_NOT_FOUND)) {
+        return std::nullopt;
+    }
+    return statesOf(answer.get());
+}
+
+std::optional<QueueState> queueState(const std::string& queueName) {
+    const IppMessage answer =
+        printerAttributes(queueName, std::vector<const char*>(std::begin(stateNames), std::end(stateNames)));
+    std::vector<QueueState> queues = answer ? statesOf(answer.get()) : std::vector<QueueState>();
+    return queues.empty() ? std::nullopt : std::optional(std::move(queues.front()));
+}
+
+std::string descriptionProblem(const std::string& path) {
+    if (ppd_file_t* ppd = ppdOpenFile(path.c_str())) {
+        ppdClose(ppd);
+        return {};
+    }
+    int line = 0;
+    const ppd_status_t status = ppdLastError(&line);
+    return std::string(ppdErrorString(status)) + ", line " + std::to_string(line);
+}
+
+std::string removeQueue(const std::string& name) {
+    const std::string uri = queueUri(name);
+    ipp_t* request = ippNewRequest(IPP_OP_CUPS_DELETE_PRINTER);
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr, uri.c_str());
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME, "requesting-user-name", nullptr, cupsUser());
+    const IppMessage answer(cupsDoRequest(CUPS_HTTP_DEFAULT, request, "/admin/"));
+    return succeeded() ? "" : cupsLastErrorString();
 }
 
 std::string addQueue(const std::string& name, const std::string& deviceUri, const std::string& ppdPath) {

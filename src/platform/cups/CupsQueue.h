@@ -3,11 +3,12 @@
 
 #include "platform/Result.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-// Sends jobs with documents and adds queues.
+// Sends jobs with documents; lists, adds and removes queues.
 
 namespace torka::platform {
 
@@ -30,9 +31,37 @@ JobStatus jobStatus(int job);
 // Returns "" or the server's reason for not cancelling it.
 std::string cancelJob(const std::string& queueName, int job);
 
+// "" when the print server answers; else "Cannot reach the print server at ADDRESS", with the way to another
+// one. Waits ten seconds at most.
+std::string serverProblem();
+// "" when the print server has the queue; else why it cannot be used: no answer, no such queue, or the
+// server's own reason. An empty name means the server's default queue.
+std::string queueProblem(const std::string& queueName);
+// Whether the print server runs on this machine: it is reached through a domain socket or the loopback.
+bool isServerLocal();
+
+struct QueueState {
+    std::string name;
+    std::string deviceUri; // without a password
+    std::string makeAndModel;
+    int state = 0; // destinationState… (Spooler.h)
+    bool acceptsJobs = false;
+    std::string message;
+    std::vector<std::string> reasons; // printer-state-reasons
+};
+// nullopt when the server does not answer.
+std::optional<std::vector<QueueState>> listQueues();
+std::optional<QueueState> queueState(const std::string& queueName);
+
+// Why libcups, and so the print server, cannot read a description; "" when it can.
+std::string descriptionProblem(const std::string& path);
+
 // Adds or changes a queue and lets it accept jobs. A job that fails is aborted and does not stop the queue,
 // so that other people's jobs still print. Returns "" or the server's reason.
 std::string addQueue(const std::string& name, const std::string& deviceUri, const std::string& ppdPath);
+
+// Removes a queue and its jobs. Returns "" or the server's reason.
+std::string removeQueue(const std::string& name);
 
 // The reason why a queue cannot have this name; "" for a valid name. A name has 1 to 127 bytes without
 // blanks, control characters, "/", "\", "?", quotes and "#".

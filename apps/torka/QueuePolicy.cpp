@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/torka/QueueCheck.h"
+#include "apps/torka/QueuePolicy.h"
 
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
@@ -16,6 +16,13 @@ namespace torka::tool {
 namespace {
 
 using platform::IppMessage;
+
+constexpr const char* authRemedy =
+    "write AuthType for the jobs' operations into the server's policy (docs/spooler-filter.md)";
+constexpr const char* valuesRemedy =
+    "write JobPrivateValues all into the server's policy (docs/spooler-filter.md)";
+constexpr const char* subscriptionsRemedy =
+    "write SubscriptionPrivateValues all into the server's policy (docs/spooler-filter.md)";
 
 struct CloseHttp {
     void operator()(http_t* connection) const { httpClose(connection); }
@@ -87,8 +94,8 @@ QueueFinding checkSenderNames(const std::string& queueName, const std::string& s
     const Answer answer =
         askUnauthenticated(makeRequest(IPP_OP_VALIDATE_JOB, queueName, stranger), "/printers/" + queueName);
     if (answer.IsGood()) {
-        return {"sender-names", CheckState::open,
-                "the server takes any name that a job's sender gives: AuthType in its policy"};
+        return {"sender-names", CheckState::open, "the server takes any name that a job's sender gives",
+                authRemedy};
     }
     if (answer.status == HTTP_STATUS_UNAUTHORIZED) {
         return {"sender-names", CheckState::closed, "the server asks who somebody is before it takes a job"};
@@ -114,16 +121,15 @@ QueueFinding checkTicketNames(const std::string& queueName, const std::string& s
     const Answer seen = askUnauthenticated(jobsRequest(queueName, stranger, attributes), resource);
     if (holds(seen.message, attributes)) {
         return {"ticket-names", CheckState::open,
-                "anybody can read the names of other people's tickets in their jobs: JobPrivateValues in the "
-                "server's policy"};
+                "anybody can read the names of other people's tickets in their jobs", valuesRemedy};
     }
     // Gives the owner's name without authentication.
     const Answer claimed = askUnauthenticated(jobsRequest(queueName, cupsUser(), attributes), resource);
     if (holds(claimed.message, attributes)) {
-        return {
-            "ticket-names", CheckState::open,
-            "whoever gives the owner's name can read the names of tickets in jobs: AuthType for Get-Jobs and "
-            "Get-Job-Attributes in the server's policy"};
+        return {"ticket-names", CheckState::open,
+                "whoever gives the owner's name can read the names of tickets in jobs",
+                "write AuthType for Get-Jobs and Get-Job-Attributes into the server's policy "
+                "(docs/spooler-filter.md)"};
     }
     const bool isRefused = claimed.IsGood() || claimed.status == HTTP_STATUS_UNAUTHORIZED;
     const IppMessage own(isRefused ? cupsDoRequest(CUPS_HTTP_DEFAULT,
@@ -134,8 +140,8 @@ QueueFinding checkTicketNames(const std::string& queueName, const std::string& s
         return {"ticket-names", CheckState::closed,
                 "only who proves to be the owner can read tickets' names"};
     }
-    return {"ticket-names", CheckState::unknown,
-            "no job with print settings is there to see it by: JobPrivateValues in the server's policy"};
+    return {"ticket-names", CheckState::unknown, "no job with print settings is there to see it by",
+            valuesRemedy};
 }
 
 QueueFinding checkSubscriptions(const std::string& queueName, const std::string& stranger) {
@@ -144,19 +150,19 @@ QueueFinding checkSubscriptions(const std::string& queueName, const std::string&
     const Answer seen = askUnauthenticated(makeRequest(IPP_OP_GET_SUBSCRIPTIONS, queueName, stranger), "/");
     static constexpr std::array<const char*, 1> identifier{"notify-subscription-id"};
     if (holds(seen.message, attributes)) {
-        return {"subscriptions", CheckState::open,
-                "anybody can read who follows which jobs: SubscriptionPrivateValues in the server's policy"};
+        return {"subscriptions", CheckState::open, "anybody can read who follows which jobs",
+                subscriptionsRemedy};
     }
     if (holds(seen.message, identifier) || seen.status == HTTP_STATUS_UNAUTHORIZED) {
         return {"subscriptions", CheckState::closed, "who follows which jobs is hidden from strangers"};
     }
-    return {"subscriptions", CheckState::unknown,
-            "no subscription is there to see it by: SubscriptionPrivateValues in the server's policy"};
+    return {"subscriptions", CheckState::unknown, "no subscription is there to see it by",
+            subscriptionsRemedy};
 }
 
 } // namespace
 
-std::vector<QueueFinding> checkQueue(const std::string& queueName) {
+std::vector<QueueFinding> checkQueuePolicy(const std::string& queueName) {
     // Nobody has this name: what the server shows to it, it shows to everybody.
     const std::string stranger = "torka-check-" + platform::system().CreateUuidString().substr(0, 8);
     return {checkSenderNames(queueName, stranger), checkTicketNames(queueName, stranger),

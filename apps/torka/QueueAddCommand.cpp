@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/torka/Command.h"
+#include "apps/torka/Description.h"
+#include "apps/torka/FilterLines.h"
+#include "apps/torka/ServerFiles.h"
+#include "platform/System.h"
+#include "platform/cups/CupsQueue.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+namespace torka::tool {
+
+namespace {
+
+struct AddOptions {
+    std::string name;
+    std::string uri;
+    std::string path;
+    bool isForced = false;
+};
+
+// A description that the print server and lint can use.
+Result<void> checkDescription(const AddOptions& options) {
+    const auto description = readUsableDescription(options.path);
+    if (!description) {
+        return description.Why();
+    }
+    if (const std::string problem = platform::descriptionProblem(options.path); !problem.empty()) {
+        return Fault{"the print server cannot read it: " + problem, options.path};
+    }
+    PPDXErrors& errors = *(*description)->Errors();
+    if (const PPDXErrorObj* first = errors.First(); first != nullptr && !options.isForced) {
+        return Fault{std::to_string(errors.Count()) + " errors, the first of them " +
+                         ppdErrName(first->Code()) + " " + jsonText(first->Keyword()) + " in line " +
+                         std::to_string(first->Line()) +
+                         "; torka lint lists them, and --force adds the queue all the same",
+                     options.path};
+    }
+    return {};
+}
+
+// The filter of a local server. The server itself tells of a remote one's.
+Result<void> checkFilter() {
+    if (!platform::isServerLocal()) {
+        return {};
+    }
+    const ServerSetup setup = serverSetup();
+    const std::string problem = filterProblem(filterPath(setup), setup.user);
+    return problem.empty() ? Result<void>() : Fault{"the print server cannot run torkafilter: " + problem};
+}
+
+// Sends a copy with the filter's lines. Returns "" or why there is no queue.
+std::string sendQueue(const AddOptions& options) {
+    std::string text;
+    if (const std::error_code error = platform::system().ReadFile(options.path, maximumDescription, text)) {
+        return options.path + " cannot be read: " + error.message();
+    }
+    const std::filesystem::path copy =
+        platform::system().TemporaryFolder() / ("torka-" + platform::system().CreateUuidString() + ".ppd");
+    constexpr unsigned mode = 0600;
+    if (const std::error_code error = platform::system().WriteFile(copy, withFilterLines(text), mode)) {
+        return copy.string() + " cannot be written: " + error.message();
+    }
+    std::string problem = platform::addQueue(options.name, options.uri, copy);
+    std::error_code ignored;
+    std::filesystem::remove(copy, ignored);
+    return problem;
+}
+
+// What the server says about the filters of a queue that it has just read; "" for nothing.
+std::string missingFilter(const std::string& name) {
+    const auto state = platform::queueState(name);
+    const bool isMissing =
+        state && std::ranges::any_of(state->reasons, [](const std::string& reason) {
+            return reason.starts_with("cups-missing-filter") || reason.starts_with("cups-insecure-filter");
+        });
+    return isMissing ? "the print server finds no filter that it may run: " + state->message : "";
+}
+
+ExitStatus addNamedQueue(const AddOptions& options) {
+    if (const std::string problem = queueNameProblem(options.name); !problem.empty()) {
+        return unusable(options.name + ": " + problem);
+    }
+    if (const Result<void> checked = checkDescription(options); !checked) {
+        return unusable(checked.Why());
+    }
+    if (const std::string problem = platform::serverProblem(); !problem.empty()) {
+        return unusable(problem);
+    }
+    if (const Result<void> checked = checkFilter(); !checked) {
+        return unusable(checked.Why());
+    }
+    const bool isNew = !platform::queueState(options.name);
+    if (const std::string problem = sendQueue(options); !problem.empty()) {
+        return unusable(options.name + ": the print server does not add the queue: " + problem);
+    }
+    if (const std::string problem = missingFilter(options.name); !problem.empty()) {
+        if (isNew) {
+            platform::removeQueue(options.name);
+        }
+        return unusable(options.name +
+                        (isNew ? ": the queue is not added: " : ": the queue is changed, but ") + problem);
+    }
+    print("Queue " + printable(options.name) + ", device " + printable(options.uri) + "\n");
+    return ExitStatus::good;
+}
+
+} // namespace
+
+void addQueueAddCommand(CLI::App& queue, ExitStatus& status) {
+    const auto options = std::make_shared<AddOptions>();
+    CLI::App* command = queue.add_subcommand("add", "Add a queue that uses torkafilter, or change it");
+    command->add_option("NAME", options->name, "Name of the queue")->required();
+    command->add_option("URI", options->uri, "Device")->required();
+    command
+        ->add_option("PPD", options->path, "Extended PPD file; the queue gets a copy with the filter's lines")
+        ->required();
+    command->add_flag("--force", options->isForced, "Add it although torka lint finds errors");
+    command->callback([options, &status] { status = addNamedQueue(*options); });
+}
+
+} // namespace torka::tool

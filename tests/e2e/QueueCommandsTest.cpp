@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/e2e/ServerData.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <functional>
+#include <map>
+
+// The commands about queues, in a good world and in bad ones.
+
+namespace torka::tests {
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+class QueueCommands : public ServerData {
+protected:
+    // The state and the remedy of a finding, "STATE: REMEDY"; the worst one when there are several.
+    static std::string Finding(const std::string& queue, const std::string& what) {
+        const nlohmann::json answer = runToolForJson({"queue", "check", queue}, 1); // senders' names are open
+        std::string found;
+        for (const nlohmann::json& finding : answer["findings"]) {
+            const std::string state = finding["state"].get<std::string>();
+            if (finding["what"] == what && (found.empty() || state == "fault")) {
+                found = state + ": " + finding["remedy"].get<std::string>();
+            }
+        }
+        return found;
+    }
+};
+
+TEST_F(QueueCommands, ListAddAndRemove) {
+    ASSERT_EQ(runTool({"queue", "add", "Kept", "torkasink:/", samplePath("torka-production.ppd")}).status, 0);
+    ASSERT_EQ(runCommand({"lpadmin", "-p", "Plain", "-v", "torkasink:/", "-E"}).status, 0);
+    std::map<std::string, nlohmann::json> queues;
+    const nlohmann::json listed = runToolForJson({"queue", "list"});
+    for (const nlohmann::json& queue : listed["queues"]) {
+        queues[queue["name"].get<std::string>()] = queue;
+    }
+    EXPECT_EQ(queues["Kept"]["torkafilter"], true);
+    EXPECT_EQ(queues["Kept"]["device"], "torkasink:/");
+    EXPECT_EQ(queues["Kept"]["state"], "idle");
+    EXPECT_NE(queues["Plain"]["torkafilter"], true);
+    EXPECT_EQ(runTool({"queue", "remove", "Plain"}).status, 0);
+    const CommandResult gone = runTool({"queue", "remove", "Plain"});
+    EXPECT_EQ(gone.status, 2);
+    EXPECT_EQ(gone.errors, "torka: the print server has no queue Plain\n");
+    EXPECT_EQ(runTool({"queue", "remove", ""}).status, 2);
+    EXPECT_THAT(runTool({"queue", "list"}).output, HasSubstr("\n  Kept "));
+}
+
+TEST_F(QueueCommands, AddRefusesWhatNobodyCanUse) {
+    const TemporaryFolder folder;
+    const std::string good = samplePath("torka-production.ppd");
+    const std::string withErrors = folder.Write("lines.ppd", "*PPD-Adobe: \"4.3\"\n*Foo: \"x").string();
+    const fs::path filter = *sandbox / "lib/filter/torkafilter";
+    const std::vector<std::pair<std::string, std::function<CommandResult()>>> refused{
+        {"the print server cannot read it",
+         [] {
+             return runTool({"queue", "add", "Bad", "torkasink:/", samplePath("torka-defects.ppd")});
+         }},
+        {"errors, the first of them",
+         [&] {
+             return runTool({"queue", "add", "Bad", "torkasink:/", withErrors});
+         }},
+        {"does not add the queue",
+         [&] {
+             return runTool({"queue", "add", "Bad", "nosuch:/", good});
+         }},
+        {"torkafilter is not installed",
+         [&] {
+             fs::rename(filter, filter.string() + "-away");
+             CommandResult result = runTool({"queue", "add", "Bad", "torkasink:/", good});
+             fs::rename(filter.string() + "-away", filter);
+             return result;
+         }},
+        {"can be replaced by others than root", [&] {
+             fs::permissions(filter, fs::perms(0777));
+             CommandResult result = runTool({"queue", "add", "Bad", "torkasink:/", good});
+             fs::permissions(filter, fs::perms(0755));
+             return result;
+         }}};
+    for (const auto& [reason, add] : refused) {
+        const CommandResult result = add();
+        EXPECT_EQ(result.status, 2) << reason;
+        EXPECT_THAT(result.errors, HasSubstr(reason));
+        EXPECT_EQ(runTool({"queue", "check", "Bad"}).errors, "torka: the print server has no queue Bad\n");
+    }
+}
+
+TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
+    AddQueue("Well");
+    Give("127.0.0.1", "data", "ServerInfo", "Press:ServerName\n");
+    ASSERT_EQ(runTool({"address", "set", "-d", "Well", "Well", "127.0.0.1", "--two-way"}).status, 0);
+    for (const std::string what : {"state", "description", "filter-lines", "filter", "folders", "two-way"}) {
+        EXPECT_THAT(Finding("Well", what), testing::StartsWith("good: ")) << what;
+    }
+    EXPECT_THAT(Finding("Well", "sender-names"), testing::StartsWith("open: write AuthType"));
+
+    const fs::path filter = *sandbox / "lib/filter/torkafilter";
+    const fs::path caches = *sandbox / "root/Library/Caches/ZAN";
+    const fs::path library = *sandbox / "root/Library";
+    struct Row {
+        std::string what;
+        std::string finding; // its start
+        std::function<void()> spoil;
+        std::function<void()> mend;
+    };
+    const std::vector<Row> rows{
+        {"state", "fault: cupsenable Well",
+         [] {
+             runCommand({"cupsdisable", "Well"});
+         },
+         [] {
+             runCommand({"cupsenable", "Well"});
+         }},
+        {"state", "fault: cupsaccept Well",
+         [] {
+             runCommand({"cupsreject", "Well"});
+         },
+         [] {
+             runCommand({"cupsaccept", "Well"});
+         }},
+        {"filter", "fault: install -o root", [&] { fs::rename(filter, filter.string() + "-away"); },
+         [&] { fs::rename(filter.string() + "-away", filter); }},
+        {"filter", "fault: install -o root", [&] { fs::permissions(filter, fs::perms(0700)); },
+         [&] { fs::permissions(filter, fs::perms(0755)); }},
+        {"folders", "fault: chown lp", [&] { fs::permissions(caches, fs::perms(0777)); },
+         [&] { fs::permissions(caches, fs::perms(0711)); }},
+        {"folders", "fault: chown lp", [&] { fs::permissions(caches, fs::perms(0700)); },
+         [&] { fs::permissions(caches, fs::perms(0711)); }},
+        {"folders", "fault: chmod o+x", [&] { fs::permissions(library, fs::perms(0700)); },
+         [&] { fs::permissions(library, fs::perms(0755)); }},
+        {"keys", "fault: correct the file",
+         [&] {
+             fs::create_directories(library / "Application Support/ZAN");
+             std::ofstream(library / "Application Support/ZAN/FieldKeys.plist") << "no keys";
+         },
+         [&] { fs::remove_all(library / "Application Support"); }},
+        {"address", "fault: torka address set",
+         [] {
+             runTool({"address", "set", "-d", "Well", "Well", "no-such-host.invalid"});
+         },
+         [] {
+             runTool({"address", "set", "-d", "Well", "Well", "127.0.0.1"});
+         }},
+        {"two-way", "fault: torka address set",
+         [&] { fs::rename(*sandbox / "root/etc/torka", *sandbox / "root/etc/away"); },
+         [&] { fs::rename(*sandbox / "root/etc/away", *sandbox / "root/etc/torka"); }},
+    };
+    for (const Row& row : rows) {
+        row.spoil();
+        EXPECT_THAT(Finding("Well", row.what), testing::StartsWith(row.finding));
+        row.mend();
+    }
+    // Another queue, whose description has none of the filter's lines.
+    ASSERT_EQ(runCommand({"lpadmin", "-p", "Foreign", "-v", "torkasink:/", "-E", "-P",
+                          samplePath("torka-production.ppd")})
+                  .status,
+              0);
+    EXPECT_THAT(Finding("Foreign", "filter-lines"), testing::StartsWith("fault: torka queue add Foreign"));
+}
+
+} // namespace
+
+} // namespace torka::tests
