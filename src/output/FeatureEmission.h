@@ -34,8 +34,8 @@ public:
 
     // Always returns 0.
     OSStatus OutPostscriptData();
-    // The fields that the job lacks because they could not be enciphered, and a protected mailbox name without
-    // which the job has no file destination. The caller shows them to the user.
+    // The fields that the job lacks because they could not be enciphered, and a protected mailbox name
+    // without which the job has no file destination. The caller shows them to the user.
     const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
     // What the job lacks because it is too long.
     const std::vector<LeftOutSetting>& LeftOutSettings() const { return leftOutSettings; }

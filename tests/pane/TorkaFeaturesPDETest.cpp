@@ -217,7 +217,8 @@ TEST(Panel, NoPointerNamesAPanelThatIsGone) {
             EXPECT_EQ(letterOf(sTorkaFeaturesPDEsaved), end.saved) << course.made << " " << end.panel;
             EXPECT_FALSE(invalidDeallocCall);
             EXPECT_EQ(jobPropertiesHost(), sTorkaFeaturesPDE);
-            // The current panel's description, tree, record, printer, session and queue are the published ones.
+            // The current panel's description, tree, record, printer, session and queue are the published
+            // ones.
             if (sTorkaFeaturesPDE != nullptr) {
                 EXPECT_EQ(UI_Panel::mPPD, sTorkaFeaturesPDE->getPPDPtr());
                 EXPECT_FALSE(UI_Panel::Tree.groups.empty());
