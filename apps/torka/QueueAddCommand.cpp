@@ -27,11 +27,16 @@ Result<void> checkDescription(const AddOptions& options) {
     if (!description) {
         return description.Why();
     }
+    if (options.isForced) {
+        return {};
+    }
     if (const std::string problem = platform::descriptionProblem(options.path); !problem.empty()) {
-        return Fault{"the print server cannot read it: " + problem, options.path};
+        return Fault{"programs that read it with CUPS cannot: " + problem +
+                         "; --force adds the queue all the same",
+                     options.path};
     }
     PPDXErrors& errors = *(*description)->Errors();
-    if (const PPDXErrorObj* first = errors.First(); first != nullptr && !options.isForced) {
+    if (const PPDXErrorObj* first = errors.First(); first != nullptr) {
         return Fault{std::to_string(errors.Count()) + " errors, the first of them " +
                          ppdErrName(first->Code()) + " " + jsonText(first->Keyword()) + " in line " +
                          std::to_string(first->Line()) +
@@ -117,7 +122,8 @@ void addQueueAddCommand(CLI::App& queue, ExitStatus& status) {
     command
         ->add_option("PPD", options->path, "Extended PPD file; the queue gets a copy with the filter's lines")
         ->required();
-    command->add_flag("--force", options->isForced, "Add it although torka lint finds errors");
+    command->add_flag("--force", options->isForced,
+                      "Add it although CUPS cannot read the description or torka lint finds errors");
     command->callback([options, &status] { status = addNamedQueue(*options); });
 }
 

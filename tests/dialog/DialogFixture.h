@@ -50,7 +50,7 @@ protected:
     }
 
     static void AddQueue(const std::string& name, const std::string& description) {
-        const CommandResult result = runTool({"queue", "add", name, "torkasink:/", description});
+        const CommandResult result = runTool({"queue", "add", "--force", name, "torkasink:/", description});
         ASSERT_EQ(result.status, 0) << result.errors;
     }
 

@@ -58,7 +58,7 @@ TEST_F(QueueCommands, AddRefusesWhatNobodyCanUse) {
     const std::string withErrors = folder.Write("lines.ppd", "*PPD-Adobe: \"4.3\"\n*Foo: \"x").string();
     const fs::path filter = *sandbox / "lib/filter/torkafilter";
     const std::vector<std::pair<std::string, std::function<CommandResult()>>> refused{
-        {"the print server cannot read it",
+        {"programs that read it with CUPS cannot",
          [] {
              return runTool({"queue", "add", "Bad", "torkasink:/", samplePath("torka-defects.ppd")});
          }},

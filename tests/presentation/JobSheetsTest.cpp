@@ -77,7 +77,7 @@ TEST(JobSheets, FollowTheSettings) {
         std::vector<std::string> keywords;
         for (const auto& [keyword, value] : asked.settings) {
             // The print dialog sets the orientation, not the person in the pane.
-            pane.Set(keyword, value);
+            pane.pane->Set(keyword, value);
             EXPECT_EQ(PaneEditor::Value(*pane.editor.FindControl(keyword)), value);
             keywords.emplace_back(keyword);
         }
@@ -86,7 +86,7 @@ TEST(JobSheets, FollowTheSettings) {
         const auto sentences = jobSentences(pane.texts, sheets);
         EXPECT_EQ(sentences.size(), asked.settings.size() + 1) << joined(sentences);
         for (const std::string& keyword : keywords) {
-            pane.Set(keyword.c_str(), pane.editor.FindControl(keyword)->DefaultText().c_str());
+            pane.pane->Set(keyword.c_str(), pane.editor.FindControl(keyword)->DefaultText().c_str());
         }
     }
 }

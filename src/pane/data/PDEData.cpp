@@ -96,7 +96,7 @@ void PDEData::ResetAccountPairs() {
 }
 
 CFStringRef PDEData::GetPrinterAddress() const {
-    const CFStringRef none = cfString("");
+    CFStringRef none = cfString("");
     PMPrinter printer;
     CFURLRef uri;
     if (PMSessionGetCurrentPrinter(queue.session, printer) != noErr ||
@@ -104,7 +104,7 @@ CFStringRef PDEData::GetPrinterAddress() const {
         isDiscoveredServiceConnection(queue.session)) {
         return none;
     }
-    const CFStringRef host = CFURLCopyHostName(uri);
+    CFStringRef host = CFURLCopyHostName(uri);
     return host ? host : none;
 }
 

@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QTimer>
 
 #include <utility>
 
@@ -18,7 +17,7 @@ PaneRoot::~PaneRoot() {
 void PaneRoot::paintEvent(QPaintEvent* event) {
     QWidget::paintEvent(event);
     if (firstPainted) {
-        QTimer::singleShot(0, this, std::exchange(firstPainted, nullptr));
+        QMetaObject::invokeMethod(this, std::exchange(firstPainted, nullptr), Qt::QueuedConnection);
     }
 }
 

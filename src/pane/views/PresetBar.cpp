@@ -38,7 +38,8 @@ PresetBar::PresetBar(PaneContext& paneContext, QWidget* parent)
     : QToolButton(parent)
     , context(paneContext)
     , presets(context.texts, context.editor, *context.data)
-    , entries(new QMenu(this)) {
+    , entries(new QMenu(this))
+    , names(new QActionGroup(this)) {
     setObjectName(QStringLiteral("presets"));
     setAccessibleName(context.Say(words::presets));
     setToolButtonStyle(Qt::ToolButtonTextOnly);
@@ -73,7 +74,6 @@ void PresetBar::showEvent(QShowEvent* event) {
 void PresetBar::FillMenu() {
     CompareNow();
     entries->clear();
-    auto* group = new QActionGroup(entries);
     const auto shown = [this](const std::string& name) {
         return labelText(fontMetrics().elidedText(qText(name), Qt::ElideRight,
                                                   fontMetrics().averageCharWidth() * menuCharacters));
@@ -82,7 +82,7 @@ void PresetBar::FillMenu() {
         QAction* action = entries->addAction(shown(name));
         action->setCheckable(true);
         action->setChecked(name == presets.Chosen() && !presets.IsChanged());
-        action->setActionGroup(group);
+        action->setActionGroup(names);
         action->setToolTip(plainToolTip(qText(name)));
         connect(action, &QAction::triggered, this, [this, name] { Apply(name); });
     }

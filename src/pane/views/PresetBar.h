@@ -10,6 +10,7 @@
 
 #include <string>
 
+class QActionGroup;
 class QDialog;
 class QMenu;
 
@@ -54,6 +55,7 @@ private:
     PaneContext& context;
     PresetChoice presets;
     QMenu* entries;
+    QActionGroup* names; // of the entries that name presets
     QPointer<QDialog> dialog;
     QTimer pause; // joins several changes into one comparison
     bool wasShown = false;

@@ -188,6 +188,7 @@ bool QuickAccessDialog::IsFull() const {
 
 std::vector<std::string> QuickAccessDialog::Chosen() const {
     std::vector<std::string> keywords;
+    keywords.reserve(static_cast<std::size_t>(chosen->count()));
     for (int row = 0; row < chosen->count(); ++row) {
         keywords.push_back(keywordOf(chosen->item(row)->data(keywordRole)));
     }

@@ -10,6 +10,7 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
 
 namespace torka {
 namespace {
@@ -62,11 +63,12 @@ void paintText(QPainter& painter, const QSizeF& size, bool hasColor) {
     const QRectF body(-size.width() / 2 + margin, -size.height() / 2 + margin, size.width() - 2 * margin,
                       size.height() - 2 * margin);
     const QRectF picture(body.left(), body.top(), body.width() * 0.45, line * 4.25);
-    int number = 0;
-    for (double y = body.top(); y < body.bottom(); y += line) {
+    const int lines = static_cast<int>(std::ceil(body.height() / line));
+    for (int number = 1; number <= lines; ++number) {
+        const double y = body.top() + (number - 1) * line;
         const bool isBeside = hasColor && y < picture.bottom();
         const double left = isBeside ? picture.right() + line / 2 : body.left();
-        const double share = ++number % 6 == 0 ? 0.6 : 1.0;
+        const double share = number % 6 == 0 ? 0.6 : 1.0;
         painter.fillRect(QRectF(left, y, (body.right() - left) * share, line / 4), textGray);
     }
     if (hasColor) {

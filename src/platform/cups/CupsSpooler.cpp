@@ -55,7 +55,7 @@ bool CupsSpooler::GetDestinations(std::vector<SpoolerDestination>& destinations)
 }
 
 std::string CupsSpooler::FetchPPD(const std::string& destination) {
-    const std::string path = descriptions[destination].Fetch(destination);
+    std::string path = descriptions[destination].Fetch(destination);
     if (path.empty()) {
         descriptions.erase(destination);
     }

@@ -115,7 +115,8 @@ public:
     }
     // All three return true when the look-up is over.
     bool Wait() {
-        getaddrinfo(name.c_str(), nullptr, &hints, &request.ar_result);
+        // The result stays null on failure, and a failure gives no address.
+        static_cast<void>(getaddrinfo(name.c_str(), nullptr, &hints, &request.ar_result));
         return true;
     }
     bool WaitFor(std::chrono::milliseconds limit) {
@@ -175,7 +176,7 @@ std::vector<HostAddress> PosixNetServices::ResolveHostAddresses(const std::strin
     }
     auto lookUp = std::make_unique<LookUp>(name);
     const bool isOver = limit.count() == 0 ? lookUp->Wait() : lookUp->WaitFor(limit);
-    const std::vector<HostAddress> addresses = isOver ? lookUp->Addresses() : std::vector<HostAddress>();
+    std::vector<HostAddress> addresses = isOver ? lookUp->Addresses() : std::vector<HostAddress>();
     if (!isOver && !lookUp->Cancel()) {
         // Leaks the object: the C library's thread still writes into it, and nobody learns when it is done.
         [[maybe_unused]] LookUp* abandoned = lookUp.release();
