@@ -8,6 +8,12 @@
 
 namespace torka {
 
+PaneRoot::PaneRoot() {
+    TakePalette();
+    painted.setSingleShot(true);
+    QObject::connect(&painted, &QTimer::timeout, this, [this] { std::exchange(firstPainted, nullptr)(); });
+}
+
 PaneRoot::~PaneRoot() {
     if (gone) {
         gone();
@@ -17,7 +23,7 @@ PaneRoot::~PaneRoot() {
 void PaneRoot::paintEvent(QPaintEvent* event) {
     QWidget::paintEvent(event);
     if (firstPainted) {
-        QMetaObject::invokeMethod(this, std::exchange(firstPainted, nullptr), Qt::QueuedConnection);
+        painted.start(0);
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -12,7 +13,7 @@ namespace torka {
 // Its palette makes quiet and disabled texts dark enough to be read.
 class PaneRoot final : public QWidget {
 public:
-    PaneRoot() { TakePalette(); }
+    PaneRoot();
     ~PaneRoot() override;
     void WhenFirstPainted(std::function<void()> action) { firstPainted = std::move(action); }
     void WhenGone(std::function<void()> action) { gone = std::move(action); }
@@ -25,6 +26,7 @@ private:
     void TakePalette();
 
     std::function<void()> firstPainted;
+    QTimer painted; // leaves the paint event before the action
     std::function<void()> gone;
 };
 

@@ -52,6 +52,11 @@ PresetBar::PresetBar(PaneContext& paneContext, QWidget* parent)
     pause.setSingleShot(true);
     pause.setInterval(0);
     connect(&pause, &QTimer::timeout, this, [this] { CompareNow(); });
+    firstShown.setSingleShot(true);
+    connect(&firstShown, &QTimer::timeout, this, [this] {
+        presets.ChooseByPresentSettings();
+        ShowState();
+    });
     context.editor.AddListener([self = QPointer<PresetBar>(this)](const PaneChange&) {
         if (self != nullptr && !self->presets.Chosen().empty()) {
             self->pause.start();
@@ -64,10 +69,7 @@ PresetBar::PresetBar(PaneContext& paneContext, QWidget* parent)
 void PresetBar::showEvent(QShowEvent* event) {
     QToolButton::showEvent(event);
     if (!std::exchange(wasShown, true)) {
-        QTimer::singleShot(0, this, [this] {
-            presets.ChooseByPresentSettings();
-            ShowState();
-        });
+        firstShown.start(0);
     }
 }
 

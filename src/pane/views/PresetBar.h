@@ -57,7 +57,8 @@ private:
     QMenu* entries;
     QActionGroup* names; // of the entries that name presets
     QPointer<QDialog> dialog;
-    QTimer pause; // joins several changes into one comparison
+    QTimer pause;      // joins several changes into one comparison
+    QTimer firstShown; // leaves the show event before the comparison
     bool wasShown = false;
 };
 
