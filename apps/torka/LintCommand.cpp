@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/PPDObjects/Interface/LintWords.h"
 #include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/ModelJson.h"
@@ -9,6 +10,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace torka::tool {
 
@@ -31,10 +34,29 @@ struct Finding {
     std::string remedy;
 };
 
-Finding findingOf(const PPDXErrorObj& error) {
+// The known name that an error's name is probably meant to be, "" for none.
+std::string suggestionFor(const ZANPPD& description, const PPDXErrorObj& error) {
+    std::vector<std::string_view> known;
+    const auto add = [&known](const PPDXElement* element) {
+        if (element->Keyword() != nullptr) {
+            known.emplace_back(element->Keyword());
+        }
+    };
+    if (error == PPDErr_BadShortcut) {
+        description.GetControls()->ForEach(add);
+    } else if (error == PPDErr_ParentParsingNoParent) {
+        description.GetProperties()->ForEach(add);
+        description.GetGroups()->ForEach(add);
+    }
+    return std::string(closestWord(error.Keyword(), known));
+}
+
+Finding findingOf(const ZANPPD& description, const PPDXErrorObj& error) {
     const std::string keyword = *error.Keyword() == '\0' ? "" : " " + jsonText(error.Keyword());
+    const std::string meant = suggestionFor(description, error);
     return {error.Line(), error.IsFatal() ? "fatal error" : "error", ppdErrName(error.Code()),
-            std::to_string(error.Code()) + " " + ppdErrName(error.Code()) + keyword,
+            std::to_string(error.Code()) + " " + ppdErrName(error.Code()) + keyword +
+                (meant.empty() ? "" : "; did you mean \"" + jsonText(meant.c_str()) + "\"?"),
             std::string(ppdErrRemedy(error.Code()))};
 }
 
@@ -57,8 +79,12 @@ Json noteJson(const PPDLintNote& note) {
 void printJson(const ZANPPD& description, const PPDLint& lint) {
     Json json;
     json["errors"] = errorsJson(description);
-    for (Json& error : json["errors"]) {
-        error["remedy"] = std::string(ppdErrRemedy(error["code"].get<std::int16_t>()));
+    PPDXErrors& errors = *description.Errors();
+    const PPDXErrorObj* error = errors.First();
+    for (Json& each : json["errors"]) {
+        each["suggestion"] = jsonText(suggestionFor(description, *error).c_str());
+        each["remedy"] = std::string(ppdErrRemedy(error->Code()));
+        error = errors.Next();
     }
     json["warnings"] = Json::array();
     for (const PPDLintNote& note : lint.Notes()) {
@@ -84,7 +110,7 @@ void printFindings(const ZANPPD& description, const PPDLint& lint, const LintOpt
     const auto printOne = options.format == "gcc" ? printLikeCompiler : printText;
     PPDXErrors& errors = *description.Errors();
     for (const PPDXErrorObj* error = errors.First(); error != nullptr; error = errors.Next()) {
-        printOne(findingOf(*error), options.path);
+        printOne(findingOf(description, *error), options.path);
     }
     for (const PPDLintNote& note : lint.Notes()) {
         printOne(findingOf(note), options.path);

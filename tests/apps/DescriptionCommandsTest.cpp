@@ -132,6 +132,12 @@ TEST(LintCommand, WarningsAloneAreGoodUnlessStrictAndCompilersFormIsOneLineEach)
                   ":2: warning: *%ZANProppage: no reader knows this keyword, and the line is lost; did you "
                   "mean \"*%ZANPropPage\"?; correct the keyword [misspeltKeyword]\n");
 
+    const std::string near =
+        folder.Write("near.ppd", "*PPD-Adobe: \"4.3\"\n*%ZANPropPage Page/P: True\n*%ZANGroupName "
+                                 "G/G: True\n*%ZANParent G/Pgae: True|Scrollpane\n");
+    EXPECT_NE(runTool({"lint", near})
+                  .output.find(":4: error: 14 PPDErr_ParentParsingNoParent Pgae; did you mean \"Page\"?"),
+              std::string::npos);
     std::filesystem::create_directories(folder / "B/Contents");
     folder.Write(
         "B/Contents/PrinterList.plist",
