@@ -95,10 +95,6 @@ public:
     // dropped.
     bool dmtHides(std::string_view keyword);
     bool dmtLocks(std::string_view keyword);
-    // Takes over the template's control values: into the lists, the account pairs and the print settings. The
-    // counts of mixed media and pad covers begin at 0. The counts of slip sheets and cover pages continue
-    // from their present values.
-    bool dmtSetNonPPDKeys();
 
     // Returns -1 without print settings, else the status of the last write.
     std::int32_t SaveNonPSSettings();
@@ -144,6 +140,10 @@ public:
     ZANWatermark* SelectedWatermark() const override { return mWatermarks.Selected(); }
 
     // Given interface; no caller here
+    // Takes over the template's control values: into the lists, the account pairs and the print settings. The
+    // counts of mixed media and pad covers begin at 0. The counts of slip sheets and cover pages continue
+    // from their present values.
+    bool dmtSetNonPPDKeys();
     PDEData(ZANPPD* ppd, CFStringRef printerName, QueueAccess access);
     bool isFirstLaunch() const { return mAddressFromQueue; }
     // Appends "*" and the key for every key that the template shows or hides. False for an empty document and

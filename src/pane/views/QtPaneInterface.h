@@ -73,10 +73,11 @@ public:
     BonjourModuleView& addressSheet() override { return *addressDialog; }
 
     // Null after the end of the root view.
-    CustomizePaneWidget* Pane() const;
     QWidget* Outlet(PaneOutlet outlet) const;
 
     // For the tests; no caller here
+    // Null after the end of the root view.
+    CustomizePaneWidget* Pane() const;
     PaneEditor& Editor() { return editor; }
 
 private:
