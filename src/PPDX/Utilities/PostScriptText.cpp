@@ -9,7 +9,6 @@ namespace torka {
 
 namespace {
 
-constexpr std::string_view commentEnds = "\r\n\f";
 constexpr std::string_view delimiters = "()<>[]{}/%";
 constexpr std::string_view whiteSpace{"\0\t\n\f\r ", 6};
 
@@ -60,8 +59,7 @@ std::string asStringBody(std::string_view text) {
 
 std::string withoutLineBreaks(std::string_view text) {
     std::string result(text);
-    std::ranges::replace_if(
-        result, [](char c) { return commentEnds.find(c) != std::string_view::npos; }, ' ');
+    std::ranges::replace_if(result, endsComment, ' ');
     return result;
 }
 
@@ -102,7 +100,7 @@ void PostScriptScanner::Read(char c) {
         }
         break;
     case Place::comment:
-        if (commentEnds.find(c) != std::string_view::npos) {
+        if (endsComment(c)) {
             place = Place::code;
         }
         break;

@@ -14,6 +14,8 @@ namespace torka {
 // backslash at the end, so that the string ends at its own closing parenthesis.
 std::string asStringBody(std::string_view text);
 
+constexpr bool endsComment(char c) { return c == '\r' || c == '\n' || c == '\f'; }
+
 // Replaces by blanks what ends a comment: CR, LF and form feed.
 std::string withoutLineBreaks(std::string_view text);
 

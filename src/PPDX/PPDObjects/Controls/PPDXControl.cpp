@@ -332,8 +332,12 @@ long PPDXControl::GeneratePSOutputData(unsigned char* out, const unsigned char* 
     if (out) {
         out = put(put(out, begin), name);
         *out++ = ' ';
-        // A line break in the option would end the comment.
-        out = put(out, withoutLineBreaks(option));
+        // A line break in the option would end the comment. The blanks take its place without a copy, because
+        // every option of a job passes here.
+        unsigned char* const written = out;
+        out = put(out, option);
+        std::replace_if(
+            written, out, [](unsigned char c) { return endsComment(static_cast<char>(c)); }, ' ');
         *out++ = '\n';
         put(put(out, body), end);
     }
