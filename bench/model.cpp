@@ -3,6 +3,7 @@
 // Compares them with libcups on the same files in the same run. Names: TASK/SIZE/cups and TASK/SIZE/torka.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "bench/FirstRun.h"
 #include "platform/Log.h"
 
 #include <benchmark/benchmark.h>
@@ -10,11 +11,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <functional>
 #include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // libcups marks its PPD functions as deprecated, but programs still use them.
@@ -164,6 +167,19 @@ void paneTorka(benchmark::State& state, const std::string& size) {
     state.counters["asked"] = asked;
 }
 
+// "cold": the first parse of a process, in processor time.
+double coldParse(const std::string& who, const std::string& size) {
+    const std::clock_t begin = std::clock();
+    CupsDescription theirs(nullptr, &ppdClose);
+    std::unique_ptr<ZANPPD> ours;
+    if (who == "cups") {
+        theirs = openCups(size);
+    } else {
+        ours = openTorka(size);
+    }
+    return 1000.0 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
 // "values": takes all values and sets them again by key, as a pane does to save and restore them.
 void valuesTorka(benchmark::State& state, const std::string& size) {
     const std::unique_ptr<ZANPPD> model = openTorka(size);
@@ -176,6 +192,10 @@ void valuesTorka(benchmark::State& state, const std::string& size) {
 
 int main(int argc, char** argv) {
     torka::setLogSink(std::make_shared<NoLog>());
+    if (argc == 4 && std::string_view(argv[1]) == "--first") {
+        std::printf("%.4f\n", coldParse(argv[2], argv[3]));
+        return 0;
+    }
     const std::pair<const char*, std::function<void(benchmark::State&, const std::string&)>> tasks[] = {
         {"parse/%s/cups", parseCups}, {"parse/%s/torka", parseTorka}, {"emit/%s/cups", emitCups},
         {"emit/%s/torka", emitTorka}, {"pane/%s/torka", paneTorka},   {"values/%s/torka", valuesTorka}};
@@ -186,6 +206,13 @@ int main(int argc, char** argv) {
             benchmark::RegisterBenchmark(name.c_str(), [task = task, size](benchmark::State& state) {
                 task(state, size);
             })->Unit(benchmark::kMillisecond);
+        }
+        for (const std::string who : {"cups", "torka"}) {
+            benchmark::RegisterBenchmark(("cold/" + size + "/" + who).c_str(), torka::bench::firstRun,
+                                         who + " " + size)
+                ->UseManualTime()
+                ->Iterations(51)
+                ->Unit(benchmark::kMillisecond);
         }
     }
     benchmark::Initialize(&argc, argv);

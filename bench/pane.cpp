@@ -2,9 +2,12 @@
 // Measures the pane's widgets without a display, and compares them with Qt's own print dialog in the same
 // run. "firstOpening" runs in new processes that first open the plain dialog and then the pane, as a host
 // does. It measures from the start of the work (for the pane: reading the description) to the first painting.
-// "click" sets a choice through the editor, sweeps the constraints and repaints.
+// "click" sets a choice through the editor, sweeps the constraints and repaints. The window is wide enough
+// for the picture of the job.
 
+#include "bench/FirstRun.h"
 #include "pane/views/FieldPage.h"
+#include "pane/views/JobPicture.h"
 #include "tests/views/ViewFixture.h"
 
 #include <QApplication>
@@ -18,7 +21,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <unistd.h>
 
 using namespace torka;
 using namespace torka::tests;
@@ -45,42 +47,28 @@ double openPlain() {
     return millisecondsSince(begin);
 }
 
+void drawWide(ViewedPane& pane) {
+    pane.Draw();
+    pane.Root()->resize(1300, 700);
+    paint(*pane.Root());
+}
+
 double openPane(bool large) {
     const ScopedMemorySystem system;
     const auto begin = std::chrono::steady_clock::now();
     ViewedPane pane(large ? paneOfFile(largeFile) : samplePane());
-    pane.Draw();
-    paint(*pane.Root());
+    drawWide(pane);
     return millisecondsSince(begin);
-}
-
-// Measures the first opening of `what` in a new process.
-void firstOpening(benchmark::State& state, const char* what) {
-    const std::string command = "/proc/self/exe"; // resolved here: in the child it would name the shell
-    char program[4096] = {};
-    if (readlink(command.c_str(), program, sizeof program - 1) <= 0) {
-        state.SkipWithError("the program does not find itself");
-        return;
-    }
-    for (auto _ : state) {
-        FILE* child = popen(("'" + std::string(program) + "' --first " + what + " 2>/dev/null").c_str(), "r");
-        double milliseconds = 0;
-        if (child == nullptr || std::fscanf(child, "%lf", &milliseconds) != 1) {
-            state.SkipWithError("no answer");
-        }
-        if (child != nullptr) {
-            pclose(child);
-        }
-        state.SetIterationTime(milliseconds / 1000);
-    }
 }
 
 void click(benchmark::State& state, bool large) {
     const ScopedMemorySystem system;
     ViewedPane pane(large ? paneOfFile(largeFile) : samplePane());
-    pane.Draw();
-    paint(*pane.Root());
+    drawWide(pane);
     CustomizePaneWidget& widget = pane.Widget();
+    if (!widget.Picture()->isVisible()) {
+        state.SkipWithError("the window shows no picture of the job");
+    }
     widget.ShowPage(large ? "TrkPage1" : "QVFinishingPage");
     QCoreApplication::processEvents();
     PPDXControl& control = *pane.Editor().FindControl(large ? "*TrkOption0003" : "*QVStaple");
@@ -99,6 +87,7 @@ void click(benchmark::State& state, bool large) {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_LOGGING_RULES", "default.warning=false"); // the platform warns of every window
     QApplication application(argc, argv);
     if (argc == 3 && std::strcmp(argv[1], "--first") == 0) {
         const std::string what = argv[2];
@@ -107,9 +96,9 @@ int main(int argc, char** argv) {
         return 0;
     }
     const auto first = [](const char* name, const char* what) {
-        benchmark::RegisterBenchmark(name, firstOpening, what)
+        benchmark::RegisterBenchmark(name, bench::firstRun, what)
             ->UseManualTime()
-            ->Iterations(7)
+            ->Iterations(1)
             ->Unit(benchmark::kMillisecond);
     };
     first("firstOpening/plainDialog/qt", "plain");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/SecretMemory.h"
 
+#include <cstring>
 #include <memory_resource>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -20,33 +21,43 @@ class HiddenPages final : public std::pmr::memory_resource {
         ::madvise(pages, size, MADV_DONTDUMP);
         return pages;
     }
+    // The blocks in the pages were wiped when they were freed.
     void do_deallocate(void* pages, std::size_t size, std::size_t /*alignment*/) override {
-        wipe(pages, size);
         ::munmap(pages, size);
     }
     bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
 };
 
-std::pmr::memory_resource& secretMemory() {
+constexpr std::size_t maximumPooled = 4096; // bytes; larger blocks have pages of their own
+
+std::pmr::memory_resource& memoryFor(std::size_t size) {
     if constexpr (hasAddressSanitizer) {
         return *std::pmr::new_delete_resource();
     }
     // Never destroyed, because values of static storage may be freed after a static pool.
-    constexpr std::size_t maximumPooled = 4096;
     static auto* pages = new HiddenPages;
     static auto* pool = new std::pmr::synchronized_pool_resource(
         {.max_blocks_per_chunk = 0, .largest_required_pool_block = maximumPooled}, pages);
-    return *pool;
+    return size > maximumPooled ? static_cast<std::pmr::memory_resource&>(*pages) : *pool;
 }
 
 } // namespace
 
-void* allocateSecret(std::size_t size) { return secretMemory().allocate(size); }
+void* allocateSecret(std::size_t size) { return memoryFor(size).allocate(size); }
+
+void* allocateZeroedSecret(std::size_t size) {
+    void* memory = allocateSecret(size);
+    // The system hands out pages of zeroes, and gives them memory when they are first touched.
+    if (hasAddressSanitizer || size <= maximumPooled) {
+        std::memset(memory, 0, size);
+    }
+    return memory;
+}
 
 void freeSecret(void* memory, std::size_t size) noexcept {
     if (memory != nullptr) {
         wipe(memory, size);
-        secretMemory().deallocate(memory, size);
+        memoryFor(size).deallocate(memory, size);
     }
 }
 

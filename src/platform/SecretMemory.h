@@ -76,6 +76,8 @@ private:
 
 // Returns a block aligned for every type. Throws std::bad_alloc. Thread-safe.
 void* allocateSecret(std::size_t size);
+// The same with every byte zero.
+void* allocateZeroedSecret(std::size_t size);
 // Wipes and frees a block. REQUIRES: `size` is that of the allocation. Null is allowed.
 void freeSecret(void* memory, std::size_t size) noexcept;
 

@@ -287,7 +287,11 @@ QRectF fitted(const QSizeF& size, const QRectF& room) {
 
 void paintPaper(QPainter& painter, const QRectF& rect, const QPalette& palette, const QColor& color) {
     painter.save();
-    painter.fillRect(rect.translated(2, 2), QColor(0, 0, 0, 70));
+    // Only the two strips of the shadow that show: Qt starts threads to blend the whole area.
+    constexpr double depth = 2;
+    constexpr QColor shadow(0, 0, 0, 70);
+    painter.fillRect(QRectF(rect.right(), rect.top() + depth, depth, rect.height()), shadow);
+    painter.fillRect(QRectF(rect.left() + depth, rect.bottom(), rect.width() - depth, depth), shadow);
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(palette.color(QPalette::Mid));
     painter.setBrush(color);
