@@ -5,6 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <plist/plist.h>
+#include <random>
+
 namespace torka {
 namespace {
 
@@ -66,6 +72,81 @@ for i in range(300):
 print('same'))",
                                {folder.Path().string()}),
               "same\n");
+}
+
+// A random value, and the same as libplist's node. `depth` begins with 1. The node is the caller's.
+CFTypeRef randomValue(std::mt19937& random, int depth, plist_t& node) {
+    const auto below = [&random](unsigned limit) { return static_cast<std::size_t>(random() % limit); };
+    const auto text = [&] {
+        static const std::string pieces[] = {
+            "a",  "0",   " ",     "<",      ">",      "&",      "\"",     "'",          "\t",
+            "\n", "]]>", "&#10;", "\u00e9", "\u07ff", "\u0800", "\ufffd", "\U00010000", "\U0010FFFF"};
+        std::string made;
+        for (std::size_t i = below(9); i > 0; --i) {
+            made += pieces[below(std::size(pieces))];
+        }
+        return made;
+    };
+    switch (below(depth < 13 ? 8 : 5)) {
+    case 0: {
+        const std::string made = text();
+        node = plist_new_string(made.c_str());
+        return cfString(made);
+    }
+    case 1: {
+        const auto number =
+            static_cast<std::int64_t>((std::uint64_t{random()} << 32 | random()) >> below(64));
+        node = plist_new_uint(static_cast<std::uint64_t>(number));
+        return CFNumberCreate(number);
+    }
+    case 2: {
+        const double number =
+            std::ldexp(static_cast<double>(random()) - 2e9, static_cast<int>(below(400)) - 200);
+        node = plist_new_real(number);
+        return CFNumberCreate(number);
+    }
+    case 3:
+        node = plist_new_bool(depth % 2 != 0 ? 1 : 0);
+        return CFBooleanCreate(depth % 2 != 0);
+    case 4: {
+        std::string bytes(below(200), '\0');
+        std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
+        node = plist_new_data(bytes.data(), bytes.size());
+        return CFDataCreate(bytes.data(), bytes.size());
+    }
+    default:
+        break;
+    }
+    const bool isDictionary = below(2) == 0;
+    node = isDictionary ? plist_new_dict() : plist_new_array();
+    std::vector<CFTypeRef> values;
+    std::vector<CFDictionary::Pair> pairs;
+    for (std::size_t i = below(4); i > 0; --i) {
+        plist_t child = nullptr;
+        values.push_back(randomValue(random, depth + 1, child));
+        const std::string key = text() + std::to_string(i);
+        pairs.emplace_back(cfString(key), values.back());
+        if (isDictionary) {
+            plist_dict_set_item(node, key.c_str(), child);
+        } else {
+            plist_array_append_item(node, child);
+        }
+    }
+    return isDictionary ? CFTypeRef(CFDictionaryCreate(pairs)) : CFTypeRef(CFArrayCreate(values));
+}
+
+TEST(PropertyList, IsWrittenByteForByteAsTheLibraryWritesIt) {
+    std::mt19937 random(1);
+    for (int i = 0; i < 20000; ++i) {
+        plist_t node = nullptr;
+        const CFTypeRef value = randomValue(random, 1, node);
+        char* xml = nullptr;
+        std::uint32_t length = 0;
+        plist_to_xml(node, &xml, &length);
+        ASSERT_EQ(writeList(value), std::string(xml, length));
+        std::free(xml);
+        plist_free(node);
+    }
 }
 
 TEST(PropertyList, ReadsWhatXmlAllows) {
