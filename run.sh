@@ -24,7 +24,7 @@ dialog() { # ARGUMENT...: the print dialog over a private server with the sample
         controller="$TORKA_SYSTEM_ROOT/etc/torka/controllers/127.0.0.1"
         mkdir -p "$controller"
         cp -r samples/server-data/. "$controller/"
-        keys="$TORKA_SYSTEM_ROOT/Library/Application Support/ZAN"
+        keys="$TORKA_SYSTEM_ROOT/var/lib/torka/ZAN"
         mkdir -p "$keys"
         cp samples/FieldKeys.plist "$keys/"
         torka queue add Production torkasink:/ "$ppd"

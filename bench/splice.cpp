@@ -187,10 +187,10 @@ class FilterRoot {
 public:
     FilterRoot()
         : path(std::filesystem::temp_directory_path() / ("torka-root-" + std::to_string(::getpid()))) {
-        std::filesystem::create_directories(path / "Library/Caches/ZAN");
+        std::filesystem::create_directories(path / "var/cache/torka/ZAN");
         std::ofstream(path / ticketPath) << ticketXml();
         std::ofstream((path / ticketPath).string() + ".owner") << "anna";
-        std::filesystem::permissions(path / "Library/Caches/ZAN", std::filesystem::perms(0711));
+        std::filesystem::permissions(path / "var/cache/torka/ZAN", std::filesystem::perms(0711));
     }
     FilterRoot(const FilterRoot&) = delete;
     FilterRoot& operator=(const FilterRoot&) = delete;
@@ -200,7 +200,7 @@ public:
     }
 
     static constexpr const char* ticketPath =
-        "Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+        "var/cache/torka/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
     std::filesystem::path path;
 };
 

@@ -42,8 +42,6 @@ public:
 
 void chooseSystemAdapters() {
     AdapterOptions adapters{.network = true, .spooler = true, .libraries = true};
-    adapters.system.root = TORKA_SYSTEM_ROOT_DEFAULT;
-    adapters.system.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT != 0;
     adapters.system.wait = WaitDialog::wait;
     chooseAdapters(std::move(adapters));
     setAlerts(std::make_unique<LoggedAlerts>());

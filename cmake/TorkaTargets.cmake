@@ -4,7 +4,7 @@
 add_library(torka_options INTERFACE)
 target_include_directories(torka_options INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR})
 target_compile_options(torka_options INTERFACE
-    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Wall -Wextra -Wpedantic $<$<BOOL:${TORKA_WERROR}>:-Werror> -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Wold-style-cast -Wcast-qual -Wformat=2 -Wundef -Wnull-dereference)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 reports null dereferences and buffer overreads in its own headers once they are inlined.

@@ -8,6 +8,7 @@
 #include "platform/SecretMemory.h"
 #include "platform/adapters/Adapters.h"
 #include "platform/cups/CupsQueue.h"
+#include "platform/posix/InstalledSystem.h"
 #include "platform/posix/PosixBundle.h"
 
 #include <QApplication>
@@ -21,9 +22,9 @@ namespace {
 
 using namespace torka;
 
-// The bundle's path relative to this program is the same in a build tree and when installed.
 QString defaultBundle() {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/../TorkaFeatures.bundle");
+    return QString::fromStdString(
+        platform::installedBundle(QCoreApplication::applicationDirPath().toStdString()).string());
 }
 
 int unusable(const QString& text) {
@@ -71,7 +72,6 @@ int run(int argc, char** argv) {
     const QApplication application(argc, argv);
     const Arguments arguments = readArguments(application);
     AdapterOptions adapters{.spooler = true};
-    adapters.system.rootFromEnvironment = true;
     chooseAdapters(std::move(adapters));
 
     dialog::Document document;

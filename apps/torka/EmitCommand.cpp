@@ -116,7 +116,6 @@ ExitStatus emit(const EmitOptions& options) {
     }
     platform::AdapterOptions adapters;
     adapters.system.minorVersion = options.minorVersion;
-    adapters.system.rootFromEnvironment = true;
     platform::chooseAdapters(std::move(adapters));
 
     const auto made = JobEmission::Make(options.emission);

@@ -4,6 +4,7 @@
 #include "apps/torka/QueueHealth.h"
 #include "apps/torka/QueuePolicy.h"
 #include "platform/cups/CupsQueue.h"
+#include "platform/posix/InstalledSystem.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -36,11 +37,10 @@ const char* stateWord(CheckState state) {
     return "unknown";
 }
 
-// The bundle's path relative to this program is the same in a build tree and when installed.
 std::string defaultBundle() {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (program.parent_path().parent_path() / "TorkaFeatures.bundle").string();
+    return platform::installedBundle(program.parent_path()).string();
 }
 
 void printFindings(const std::vector<QueueFinding>& findings) {

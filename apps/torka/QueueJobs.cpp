@@ -3,7 +3,7 @@
 
 #include "platform/System.h"
 #include "platform/cups/CupsQueue.h"
-#include "platform/posix/PosixSystem.h"
+#include "platform/posix/InstalledSystem.h"
 
 #include <chrono>
 #include <csignal>
@@ -57,9 +57,7 @@ void showState(int job, const JobStatus& status) {
 } // namespace
 
 ExitStatus followJob(const std::string& queueName, int job) {
-    platform::PosixSystemOptions options;
-    options.rootFromEnvironment = true;
-    PosixSystem clock(options);
+    PosixSystem clock(platform::installedSystem());
     waiting = &clock;
     auto* const before = std::signal(SIGINT, interrupt);
     JobStatus status = jobStatus(job);

@@ -34,7 +34,6 @@ int run(int argc, char** argv) {
     platform::protectProcess();
     platform::removePrivateFolderOnSignals();
     platform::AdapterOptions adapters{.network = true, .libraries = true};
-    adapters.system.rootFromEnvironment = true;
     platform::chooseAdapters(std::move(adapters));
 
     CLI::App app("Extended printer descriptions, job tickets and what becomes of them in a PostScript job",

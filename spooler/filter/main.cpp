@@ -71,8 +71,6 @@ int runJob(const FilterJob& job) {
         filter::tellDebug(problem);
     }
     platform::AdapterOptions adapters{.network = true};
-    adapters.system.rootFromEnvironment = TORKA_ROOT_FROM_ENVIRONMENT;
-    adapters.system.root = TORKA_SYSTEM_ROOT_DEFAULT;
     platform::chooseAdapters(std::move(adapters));
 
     const filter::OpenFile file(job.file.empty() ? -1 : ::open(job.file.c_str(), O_RDONLY | O_CLOEXEC));

@@ -73,8 +73,8 @@ protected:
     std::vector<std::pair<std::chrono::steady_clock::time_point, std::function<void()>>> happenings;
     const std::string data = "/root/var/cache/torka/queues/Office.bididata";
     const std::string lock = "/root/var/cache/torka/queues/Office.open";
-    const std::string connectionError = "/root/Library/Caches/ZAN/ConnectionErrorInfoFileID-1.txt";
-    const std::string override = "/root/Library/Caches/ZAN/zan_timeout_override.txt";
+    const std::string connectionError = "/root/var/cache/torka/ZAN/ConnectionErrorInfoFileID-1.txt";
+    const std::string override = "/root/var/cache/torka/ZAN/zan_timeout_override.txt";
 };
 
 TEST_F(Waits, CommandJobs) {
@@ -332,7 +332,7 @@ TEST_F(Waits, ServerDataAnswersItsOwnRequest) {
     EXPECT_EQ(fetch([&] { Put(data, "no name\n"); }),
               std::pair(ServerDataOutcome::read, std::string("no name\n")));
     EXPECT_EQ(
-        fetch([&] { Put("/root/Library/Caches/ZAN/ConnectionErrorInfoFile" + answered + ".txt"); }).first,
+        fetch([&] { Put("/root/var/cache/torka/ZAN/ConnectionErrorInfoFile" + answered + ".txt"); }).first,
         ServerDataOutcome::connectionError);
     EXPECT_EQ(fetch([&] { Put(lock); }).first, ServerDataOutcome::locked);
     queues->destinations[1].acceptsJobs = false;

@@ -78,7 +78,7 @@ TEST_F(ListStoreTest, IsReadFromTheQueuesRecordAndSentAsACommand) {
 
 TEST_F(ListStoreTest, WithoutARecordThereIsNoList) {
     printer->ppdPath = tests::writeRecordPPD(folder, "QVOther", listXml("a"), true);
-    system->files["/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist"] = {};
+    system->files["/var/cache/torka/ZAN/ZAN.CorvianPrinterV2.plist"] = {};
     system->files[homeFile] = {listXml("from the file"), 0600}; // unused on this system version
     const auto list = Open();
     EXPECT_FALSE(list->Loaded());

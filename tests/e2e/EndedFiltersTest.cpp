@@ -87,7 +87,7 @@ TEST(EndedFilter, KilledOneLeavesNoHalfTicketAndIsStartedAgain) {
     bool isMet = false;
     for (int i = 0; i < 20 && !isMet; ++i) {
         const TemporaryFolder root;
-        const fs::path folder = root / "Library/Caches/ZAN";
+        const fs::path folder = root / "var/cache/torka/ZAN";
         fs::create_directories(folder);
         const fs::path ticket = root.Write("ticket", text);
         const auto start = [&] {

@@ -94,7 +94,7 @@ TEST_F(Faults, AFullDiskFailsTheCommandAndKeepsWhatWasThere) {
 
 TEST_F(Faults, AFullDiskLosesATicketWholly) {
     AddQueue("FullTickets");
-    const SmallDisk disk(*sandbox / "root/Library/Caches/ZAN", "64k");
+    const SmallDisk disk(*sandbox / "root/var/cache/torka/ZAN", "64k");
     if (!disk.IsThere()) {
         GTEST_SKIP() << "no file system may be mounted here";
     }
@@ -118,7 +118,7 @@ TEST_F(Faults, AFullDiskLosesATicketWholly) {
                                            "QVDestination=File", "QVMailboxName=big"});
     EXPECT_EQ(printed.status, 1);
     EXPECT_NE(printed.errors.find("No space left on device"), std::string::npos) << printed.errors;
-    EXPECT_FALSE(std::filesystem::exists(*sandbox / "root/Library/Caches/ZAN/big"));
+    EXPECT_FALSE(std::filesystem::exists(*sandbox / "root/var/cache/torka/ZAN/big"));
 }
 
 TEST_F(Faults, AWaitOutlivesARestartOfTheServer) {

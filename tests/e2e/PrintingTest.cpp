@@ -191,7 +191,7 @@ TEST_F(Printing, AFileDestinationGoesIntoItsMailboxAndNowhereElse) {
         return runTool({"print", "-d", "Mailboxes", samplePath("brochure.ps"), "PageSize=A5",
                         "Notes1=to " + mailbox, "QVDestination=File", "QVMailboxName=" + mailbox});
     };
-    const std::filesystem::path folder = *sandbox / "root/Library/Caches/ZAN";
+    const std::filesystem::path folder = *sandbox / "root/var/cache/torka/ZAN";
     const CommandResult first = printInto("Team-7");
     ASSERT_EQ(first.status, 0) << first.errors;
     EXPECT_EQ(sandbox->Printed(jobNumber(first)), "") << "nothing reaches the device";

@@ -101,8 +101,8 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
     EXPECT_THAT(Finding("Well", "sender-names"), testing::StartsWith("open: write AuthType"));
 
     const fs::path filter = *sandbox / "lib/filter/torkafilter";
-    const fs::path caches = *sandbox / "root/Library/Caches/ZAN";
-    const fs::path library = *sandbox / "root/Library";
+    const fs::path caches = *sandbox / "root/var/cache/torka/ZAN";
+    const fs::path keys = *sandbox / "root/var/lib/torka";
     struct Row {
         std::string what;
         std::string finding; // its start
@@ -132,14 +132,15 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
          [&] { fs::permissions(caches, fs::perms(0711)); }},
         {"folders", "fault: chown lp", [&] { fs::permissions(caches, fs::perms(0700)); },
          [&] { fs::permissions(caches, fs::perms(0711)); }},
-        {"folders", "fault: chmod o+x", [&] { fs::permissions(library, fs::perms(0700)); },
-         [&] { fs::permissions(library, fs::perms(0755)); }},
+        {"folders", "fault: chmod o+x",
+         [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0700)); },
+         [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0755)); }},
         {"keys", "fault: correct the file",
          [&] {
-             fs::create_directories(library / "Application Support/ZAN");
-             std::ofstream(library / "Application Support/ZAN/FieldKeys.plist") << "no keys";
+             fs::create_directories(keys / "ZAN");
+             std::ofstream(keys / "ZAN/FieldKeys.plist") << "no keys";
          },
-         [&] { fs::remove_all(library / "Application Support"); }},
+         [&] { fs::remove_all(keys); }},
         {"address", "fault: torka address set",
          [] {
              runTool({"address", "set", "-d", "Well", "Well", "no-such-host.invalid"});

@@ -31,7 +31,7 @@ public:
 
     // A file of the filter's folder.
     std::filesystem::path Cache(std::string_view name = "") const {
-        return root.Path() / "Library/Caches/ZAN" / name;
+        return root.Path() / "var/cache/torka/ZAN" / name;
     }
     std::string Told() const { return streams->text; }
     void Forget() const { streams->text.clear(); }

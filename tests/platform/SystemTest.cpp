@@ -53,7 +53,10 @@ private:
 
 TEST(PosixSystem, FixedPathsLieBelowTheRootAndCannotLeaveIt) {
     const std::pair<const char*, const char*> cases[] = {
-        {"/Library/Caches/ZAN/x", "/sys/root/Library/Caches/ZAN/x"},
+        {"/Library/Caches/ZAN/x", "/sys/root/var/cache/torka/ZAN/x"},
+        {"/Library/Application Support/ZAN/x", "/sys/root/var/lib/torka/ZAN/x"},
+        {"/Library/Preferences/x", "/sys/root/var/lib/torka/Preferences/x"},
+        {"/etc/torka/Library/x", "/sys/root/etc/torka/Library/x"},
         {"/Library/../../../etc/passwd", "/sys/root/etc/passwd"},
         {"relative/x", "relative/x"},
     };
@@ -62,7 +65,7 @@ TEST(PosixSystem, FixedPathsLieBelowTheRootAndCannotLeaveIt) {
     for (const auto& [fixed, real] : cases) {
         EXPECT_EQ(PosixSystem(options).Resolve(fixed), real);
     }
-    EXPECT_EQ(PosixSystem().Resolve("/Library/x"), "/Library/x");
+    EXPECT_EQ(PosixSystem().Resolve("/Library/x"), "/var/lib/torka/x");
 }
 
 TEST(PosixSystem, TheEnvironmentSetsTheRootOnlyWhenAsked) {

@@ -85,7 +85,7 @@ TEST(FieldKeys, InstalledFile) {
     EXPECT_EQ(*FieldKeys::LoadInstalled(), nullptr);
     EXPECT_TRUE(useInstalledFieldKeys());
     const fs::path file = system().Resolve(FieldKeys::installedPath);
-    EXPECT_EQ(file, folder / "Library/Application Support/ZAN/FieldKeys.plist");
+    EXPECT_EQ(file, folder / "var/lib/torka/ZAN/FieldKeys.plist");
     fs::create_directories(file.parent_path());
     fs::copy_file(samplePath, file);
     fs::permissions(file, static_cast<fs::perms>(0644));
@@ -107,7 +107,7 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
         GTEST_SKIP() << "only root can give files away";
     }
     constexpr uid_t other = 65534;
-    const std::string zan = "Library/Application Support/ZAN";
+    const std::string zan = "var/lib/torka/ZAN";
     const std::string keysName = zan + "/FieldKeys.plist";
     struct Case {
         std::string name;
@@ -126,7 +126,7 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
         return [=](const fs::path& root) {
             fs::create_directories(root / folder);
             fs::rename(root / zan, root / folder / "keys");
-            fs::create_symlink(isAbsolute ? root / folder / "keys" : fs::path("../../") / folder / "keys",
+            fs::create_symlink(isAbsolute ? root / folder / "keys" : fs::path("../../../") / folder / "keys",
                                root / zan);
         };
     };
@@ -144,9 +144,9 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
         {"file of another", owner(keysName), keysName, "the file belongs to nobody (uid 65534)"},
         {"folder of another", owner(zan), zan, "the folder belongs to"},
         {"all may write the folder", mode(zan, 0757), zan, writable + "folder"},
-        {"group may write far above", mode("Library", 0775), "Library", writable + "folder"},
+        {"group may write far above", mode("var", 0775), "var", writable + "folder"},
         {"all may write the root", mode("", 0777), "", writable + "folder"},
-        {"sticky", mode("Library", 01777), "", ""},
+        {"sticky", mode("var", 01777), "", ""},
         {"link, relative", moved("safe", false), "", ""},
         {"link, absolute", moved("safe", true), "", ""},
         {"link of another", both(moved("safe", false), owner(zan)), zan, "the link belongs to"},
@@ -156,7 +156,7 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
              fs::remove_all(root / zan);
              fs::create_symlink("ZAN", root / zan);
          },
-         "Library/Application Support/ZAN", "cannot be read: Too many levels of symbolic links"},
+         "var/lib/torka/ZAN", "cannot be read: Too many levels of symbolic links"},
         {"pipe",
          [=](const fs::path& root) {
              fs::remove(root / keysName);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "platform/posix/PosixSystem.h"
+#include "platform/posix/InstalledSystem.h"
 
 // Where a process is put together: the one place that says which adapters the tool, the filter, the print
 // dialog and the plug-in work with. What belongs to a toolkit or to one command is chosen where that lives.
@@ -9,7 +9,7 @@
 namespace torka::platform {
 
 struct AdapterOptions {
-    PosixSystemOptions system{};
+    PosixSystemOptions system = installedSystem();
     bool network = false;   // echo requests and names of hosts
     bool spooler = false;   // the print server's queues and jobs
     bool libraries = false; // libraries loaded at run time

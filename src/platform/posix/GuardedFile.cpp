@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Implements PosixSystem::ReadGuardedFile.
 
+#include "platform/FixedPath.h"
 #include "platform/posix/PosixSystem.h"
 
 #include <algorithm>
@@ -190,7 +191,7 @@ std::error_code PosixSystem::ReadGuardedFile(std::string_view fixedPath, std::si
     content.clear();
     refusal.clear();
     std::error_code failure;
-    GuardedWalk walk(options.root, fixedPath);
+    GuardedWalk walk(options.root, belowRoot({}, fixedPath).native());
     const int file = walk.Open(failure, refusal);
     SecretBytes block(file < 0 ? 0 : limit + 1); // the additional byte detects a file that is too long
     std::size_t length = 0;

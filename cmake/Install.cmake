@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: Apache-2.0
+# The one list of what is installed, and where. The components are the packages: torka, torka-print-dialog, torka-dev.
+set(TORKA_CUPS_FILTER_DIR "lib/cups/filter" CACHE STRING "Folder of the print server's filters, below the prefix")
+set(TORKA_FILTER_USER "lp" CACHE STRING "User and group that the print server runs filters as")
+set(TORKA_DOC_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc)
+
+# The print server refuses a filter that somebody else than its owner may write.
+set(program_mode OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+install(TARGETS torka RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT torka)
+install(TARGETS torkafilter RUNTIME DESTINATION ${TORKA_CUPS_FILTER_DIR} PERMISSIONS ${program_mode} COMPONENT torka)
+configure_file(packaging/tmpfiles.conf.in ${CMAKE_BINARY_DIR}/packaging/torka.conf @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/packaging/torka.conf DESTINATION lib/tmpfiles.d COMPONENT torka)
+file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
+install(FILES README.md CHANGELOG.md ${documents} DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka)
+install(DIRECTORY docs/images DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka OPTIONAL)
+install(DIRECTORY samples/ DESTINATION ${TORKA_DOC_DIR}/torka/examples COMPONENT torka)
+
+install(TARGETS torka-print-dialog RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT torka-print-dialog)
+set(bundle ${TORKA_PLUGIN_DIR}/TorkaFeatures.bundle/Contents)
+install(TARGETS TorkaFeatures LIBRARY DESTINATION ${bundle}/Linux COMPONENT torka-print-dialog)
+install(DIRECTORY ${TORKA_BUILT_BUNDLE}/Contents/ DESTINATION ${bundle} COMPONENT torka-print-dialog
+    PATTERN Linux EXCLUDE)
+
+# What a Job Properties module or another print dialog includes.
+install(FILES src/bidi/JobPropertiesModule.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/torka/bidi COMPONENT torka-dev)
+install(FILES src/platform/PrintDialogExtension.h src/platform/Printing.h src/platform/CoreFoundation.h
+    src/platform/Bundle.h src/platform/Result.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/torka/platform COMPONENT torka-dev)
+set(pc_dir ${CMAKE_INSTALL_DATAROOTDIR}/pkgconfig)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_DATAROOTDIR}/pkgconfig
+    OUTPUT_VARIABLE TORKA_PREFIX_FROM_PC)
+configure_file(packaging/torka.pc.in ${CMAKE_BINARY_DIR}/packaging/torka.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/packaging/torka.pc DESTINATION ${pc_dir} COMPONENT torka-dev)
+install(DIRECTORY jobproperties/ DESTINATION ${TORKA_DOC_DIR}/torka-dev/examples/jobproperties COMPONENT torka-dev)
