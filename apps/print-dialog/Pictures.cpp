@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-dialog/Pictures.h"
 
-#include "apps/print-dialog/PrintDialog.h"
+#include "apps/dialog/PrintDialog.h"
 
 #include <QApplication>
 #include <QDir>

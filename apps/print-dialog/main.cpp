@@ -1,22 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/OutsideText.h"
-#include "apps/print-dialog/Document.h"
+#include "apps/dialog/Document.h"
+#include "apps/dialog/PaneBundle.h"
+#include "apps/dialog/PrintDialog.h"
 #include "apps/print-dialog/Pictures.h"
-#include "apps/print-dialog/PrintDialog.h"
 #include "apps/print-dialog/PrintRun.h"
-#include "platform/Bundle.h"
 #include "platform/SecretMemory.h"
 #include "platform/adapters/Adapters.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/posix/InstalledSystem.h"
-#include "platform/posix/PosixBundle.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QPrinter>
 #include <cstdio>
 #include <exception>
-#include <memory>
 
 namespace {
 
@@ -79,23 +77,13 @@ int run(int argc, char** argv) {
     if (!dialog::openDocument(arguments.document, document, error)) {
         return unusable(error);
     }
-    const auto cannotLoad = [&](const std::string& problem) {
-        return unusable(
-            QStringLiteral("%1 cannot be loaded: %2").arg(arguments.bundle, QString::fromStdString(problem)));
-    };
-    const auto bundle = openBundle(arguments.bundle.toStdString());
-    if (!bundle) {
-        return cannotLoad(bundle.Why().Line());
-    }
-    const auto plugIn = (*bundle)->InstantiatePrincipalClass();
-    if (!plugIn) {
-        return cannotLoad(plugIn.Why().Line());
-    }
-    if (!(*plugIn)->initWithBundle(*bundle)) {
-        return cannotLoad("it refuses this host");
+    const auto pane = dialog::loadPaneBundle(arguments.bundle.toStdString());
+    if (!pane) {
+        return unusable(QStringLiteral("%1 cannot be loaded: %2")
+                            .arg(arguments.bundle, QString::fromStdString(pane.Why().Line())));
     }
     QPrinter printer;
-    dialog::PrintDialog dialog(printer, **plugIn, document.name.toStdString());
+    dialog::PrintDialog dialog(printer, *pane->plugIn, document.name.toStdString());
     if (!arguments.queue.isEmpty() && !dialog.chooseQueue(arguments.queue.toStdString())) {
         const std::string reason = platform::queueProblem(arguments.queue.toStdString());
         return unusable(reason.empty()

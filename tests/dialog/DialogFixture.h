@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "apps/print-dialog/JobProgress.h"
-#include "apps/print-dialog/PrintRun.h"
+#include "apps/dialog/JobProgress.h"
+#include "apps/dialog/Submission.h"
 #include "platform/cups/CupsSpooler.h"
 #include "platform/posix/PosixBundle.h"
 #include "platform/posix/PosixSystem.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/PaneTab.h"
+#include "apps/dialog/PaneTab.h"
 
 #include "platform/qt/QtView.h"
 

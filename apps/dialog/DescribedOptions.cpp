@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/DescribedOptions.h"
+#include "apps/dialog/DescribedOptions.h"
 
 #include <QFile>
 

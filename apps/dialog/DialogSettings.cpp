@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/DialogSettings.h"
+#include "apps/dialog/DialogSettings.h"
 
 #include "output/PagesPerSheet.h"
 

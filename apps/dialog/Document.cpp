@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/Document.h"
+#include "apps/dialog/Document.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "apps/print-dialog/DialogSettings.h"
+#include "apps/dialog/DialogSettings.h"
 #include "platform/PrintDialogExtension.h"
 
 #include <QStackedWidget>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "apps/print-dialog/DescribedOptions.h"
+#include "apps/dialog/DescribedOptions.h"
 #include "platform/PrintDialogExtension.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/JobProgress.h"
+#include "apps/dialog/JobProgress.h"
 
-#include "apps/print-dialog/QueueNotice.h"
+#include "apps/dialog/QueueNotice.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/QueueNotice.h"
+#include "apps/dialog/QueueNotice.h"
 
 #include "platform/Spooler.h"
 #include "platform/cups/CupsPrinting.h"

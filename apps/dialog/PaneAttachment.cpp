@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/print-dialog/PrintDialog.h"
+#include "apps/dialog/PaneAttachment.h"
 
-#include "apps/print-dialog/QueueNotice.h"
+#include "apps/dialog/QueueNotice.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDialog>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QPrinterInfo>
 #include <QPushButton>
 #include <QRadioButton>
@@ -36,42 +39,38 @@ QDialog* propertiesOf(const QPrintDialog& dialog) {
 
 } // namespace
 
-PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::string& jobName, QWidget* parent)
-    : QPrintDialog(&qtPrinter, parent)
-    , paneTab(new PaneTab(plugIn, qtPrinter, jobName))
-    , queueNotice(new QLabel(this)) {
-    // The dialog cannot print to a file, because it sends the document unchanged.
-    setOption(QAbstractPrintDialog::PrintToFile, false);
-    setOption(QAbstractPrintDialog::PrintPageRange, true);
-    setOption(QAbstractPrintDialog::PrintCollateCopies, true);
-    setOptionTabs({paneTab});
-    setWindowTitle(tr("Print \u2013 %1").arg(QString::fromStdString(jobName)));
+PaneAttachment::PaneAttachment(QPrintDialog& printDialog, PDEPlugIn& plugIn, const std::string& jobName)
+    : dialog(printDialog)
+    , printer(*printDialog.printer())
+    , paneTab(new PaneTab(plugIn, printer, jobName))
+    , queueNotice(new QLabel(&printDialog)) {
+    dialog.setOptionTabs({paneTab});
     // QPrintDialog has no signal for a change of printer; its combo box has one.
-    printers = findChild<QComboBox*>(QStringLiteral("printers"));
+    printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
     if (printers != nullptr) {
-        connect(printers, &QComboBox::currentIndexChanged, this, &PrintDialog::FollowPrinter);
+        connect(printers, &QComboBox::currentIndexChanged, this, &PaneAttachment::FollowPrinter);
     }
     AddQueueNotice();
     FollowOwnTabs();
     FollowPrinter();
     connect(paneTab, &PaneTab::copiesChosen, this, [this](int copies) {
-        if (auto* field = findChild<QSpinBox*>(QStringLiteral("copies"))) {
+        if (auto* field = dialog.findChild<QSpinBox*>(QStringLiteral("copies"))) {
             field->setValue(copies);
         }
     });
 }
 
-PrintDialog::~PrintDialog() = default;
+PaneAttachment::~PaneAttachment() = default;
 
-std::string PrintDialog::queue() const {
+std::string PaneAttachment::Queue() const {
     if (printers == nullptr) {
-        return printer()->printerName().toStdString();
+        return printer.printerName().toStdString();
     }
     const QString name = printers->currentText();
     return QPrinterInfo::printerInfo(name).isNull() ? std::string() : name.toStdString();
 }
 
-bool PrintDialog::chooseQueue(const std::string& name) {
+bool PaneAttachment::ChooseQueue(const std::string& name) {
     const int at =
         printers == nullptr ? -1 : printers->findText(QString::fromStdString(name), Qt::MatchExactly);
     if (at >= 0) {
@@ -80,18 +79,18 @@ bool PrintDialog::chooseQueue(const std::string& name) {
     return at >= 0;
 }
 
-void PrintDialog::FollowPrinter() {
+void PaneAttachment::FollowPrinter() {
     // Qt's properties begin with the queue's default page size and write it when the person accepts the
     // dialog, whatever the QPrinter held before.
-    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(queue()));
+    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(Queue()));
     if (const QPageSize size = info.defaultPageSize(); !info.isNull() && size.isValid()) {
-        printer()->setPageSize(size);
+        printer.setPageSize(size);
     }
-    acceptedLayout = printer()->pageLayout();
-    paneTab->setQueue(queue());
+    acceptedLayout = printer.pageLayout();
+    paneTab->setQueue(Queue());
     HideWhatThePaneDecides();
     ShowQueueNotice();
-    const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
+    const QList<QTabWidget*> tabWidgets = dialog.findChildren<QTabWidget*>();
     for (QTabWidget* tabs : tabWidgets) {
         if (const int at = tabs->indexOf(paneTab); at >= 0) {
             tabs->setTabText(at, paneTab->windowTitle());
@@ -100,67 +99,67 @@ void PrintDialog::FollowPrinter() {
 }
 
 // The line stands above the buttons, where the person looks before printing.
-void PrintDialog::AddQueueNotice() {
+void PaneAttachment::AddQueueNotice() {
     queueNotice->setObjectName(QStringLiteral("queueNotice"));
     queueNotice->setTextFormat(Qt::PlainText);
     queueNotice->setWordWrap(true);
     queueNotice->hide();
-    auto* rows = qobject_cast<QBoxLayout*>(layout());
+    auto* rows = qobject_cast<QBoxLayout*>(dialog.layout());
     if (rows != nullptr) {
-        rows->insertWidget(std::max(rows->indexOf(findChild<QDialogButtonBox*>()), 0), queueNotice);
+        rows->insertWidget(std::max(rows->indexOf(dialog.findChild<QDialogButtonBox*>()), 0), queueNotice);
     }
     connect(&queueTimer, &QTimer::timeout, this, [this] {
-        if (isVisible()) {
+        if (dialog.isVisible()) {
             ShowQueueNotice();
         }
     });
 }
 
-void PrintDialog::ShowQueueNotice() {
+void PaneAttachment::ShowQueueNotice() {
     constexpr int askInterval = 3000; // milliseconds
-    const std::string name = queue();
+    const std::string name = Queue();
     const CFDictionaryRef state = name.empty() ? nullptr : queueState(name);
     if (state) {
         queueTimer.start(askInterval);
     } else {
         queueTimer.stop(); // each question to a server that is gone would block the dialog
     }
-    const QString text = dialog::queueNotice(name, state);
+    const QString text = torka::dialog::queueNotice(name, state);
     queueNotice->setText(text);
     queueNotice->setHidden(text.isEmpty());
 }
 
-void PrintDialog::FollowOwnTabs() {
-    if (auto* copies = findChild<QSpinBox*>(QStringLiteral("copies"))) {
+void PaneAttachment::FollowOwnTabs() {
+    if (auto* copies = dialog.findChild<QSpinBox*>(QStringLiteral("copies"))) {
         connect(copies, &QSpinBox::valueChanged, this, [this](int number) {
             // Qt writes it only when the person accepts the dialog.
-            printer()->setCopyCount(number);
+            printer.setCopyCount(number);
             paneTab->copiesChanged();
         });
     }
-    if (auto* collate = findChild<QCheckBox*>(QStringLiteral("collate"))) {
+    if (auto* collate = dialog.findChild<QCheckBox*>(QStringLiteral("collate"))) {
         connect(collate, &QCheckBox::toggled, this, [this](bool on) {
-            printer()->setCollateCopies(on);
+            printer.setCollateCopies(on);
             paneTab->dialogSettingsChanged();
         });
     }
     // Qt connected its own slot first; that slot runs the properties dialog to its end before this one runs.
-    if (auto* properties = findChild<QPushButton*>(QStringLiteral("properties"))) {
-        connect(properties, &QPushButton::clicked, this, &PrintDialog::TakeProperties);
+    if (auto* properties = dialog.findChild<QPushButton*>(QStringLiteral("properties"))) {
+        connect(properties, &QPushButton::clicked, this, &PaneAttachment::TakeProperties);
     }
     // Qt makes the properties dialog when it is first needed and replaces it with each printer. Only the
     // application sees the display of every one.
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-bool PrintDialog::eventFilter(QObject* watched, QEvent* event) {
+bool PaneAttachment::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show) {
         auto* shown = qobject_cast<QDialog*>(watched);
-        if (shown != nullptr && shown == propertiesOf(*this)) {
+        if (shown != nullptr && shown == propertiesOf(dialog)) {
             HideWhatThePaneDecides(*shown);
         }
     }
-    return QPrintDialog::eventFilter(watched, event);
+    return QObject::eventFilter(watched, event);
 }
 
 namespace {
@@ -195,31 +194,30 @@ QPageSize shownPageSize(const QDialog& properties) {
 } // namespace
 
 // Accepted properties count at once; Qt writes them to the QPrinter only when the person accepts the dialog.
-void PrintDialog::TakeProperties() {
-    const QDialog* properties = propertiesOf(*this);
-    if (properties == nullptr || properties->result() != Accepted) {
+void PaneAttachment::TakeProperties() {
+    const QDialog* properties = propertiesOf(dialog);
+    if (properties == nullptr || properties->result() != QDialog::Accepted) {
         return;
     }
     if (const QPageSize size = shownPageSize(*properties); size.isValid()) {
-        printer()->setPageSize(size);
+        printer.setPageSize(size);
     }
-    printer()->setPageOrientation(showsLandscape(*properties) ? QPageLayout::Landscape
-                                                              : QPageLayout::Portrait);
-    acceptedLayout = printer()->pageLayout();
+    printer.setPageOrientation(showsLandscape(*properties) ? QPageLayout::Landscape : QPageLayout::Portrait);
+    acceptedLayout = printer.pageLayout();
     paneTab->dialogSettingsChanged();
 }
 
 // The colour mode of Qt reaches no queue; where there is a pane, the pane decides it.
-void PrintDialog::HideWhatThePaneDecides() {
-    auto* color = findChild<QGroupBox*>(QStringLiteral("colorMode"));
-    auto* sides = findChild<QGroupBox*>(QStringLiteral("duplex"));
-    auto* page = findChild<QWidget*>(QStringLiteral("optionsTab"));
+void PaneAttachment::HideWhatThePaneDecides() {
+    auto* color = dialog.findChild<QGroupBox*>(QStringLiteral("colorMode"));
+    auto* sides = dialog.findChild<QGroupBox*>(QStringLiteral("duplex"));
+    auto* page = dialog.findChild<QWidget*>(QStringLiteral("optionsTab"));
     if (color == nullptr || sides == nullptr || page == nullptr) {
         return;
     }
     color->setHidden(paneTab->hasPanel());
     sides->setHidden(paneTab->decidedByPane().sides);
-    const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
+    const QList<QTabWidget*> tabWidgets = dialog.findChildren<QTabWidget*>();
     for (QTabWidget* tabs : tabWidgets) {
         if (const int at = tabs->indexOf(page); at >= 0) {
             tabs->setTabVisible(at, !(color->isHidden() && sides->isHidden()));
@@ -227,7 +225,7 @@ void PrintDialog::HideWhatThePaneDecides() {
     }
 }
 
-void PrintDialog::HideWhatThePaneDecides(QDialog& properties) const {
+void PaneAttachment::HideWhatThePaneDecides(QDialog& properties) const {
     if (!paneTab->hasPanel()) {
         return;
     }
@@ -243,8 +241,8 @@ void PrintDialog::HideWhatThePaneDecides(QDialog& properties) const {
     }
 }
 
-void PrintDialog::BringPaneToFront() {
-    const QList<QPushButton*> buttons = findChildren<QPushButton*>();
+void PaneAttachment::BringPaneToFront() {
+    const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
     for (QPushButton* button : buttons) {
         // "Options >>" opens the tabs. In every language it is the only button with ">>".
         if (button->text().contains(QLatin1String(">>"))) {
@@ -252,7 +250,7 @@ void PrintDialog::BringPaneToFront() {
             break;
         }
     }
-    const QList<QTabWidget*> tabWidgets = findChildren<QTabWidget*>();
+    const QList<QTabWidget*> tabWidgets = dialog.findChildren<QTabWidget*>();
     for (QTabWidget* tabs : tabWidgets) {
         if (const int at = tabs->indexOf(paneTab); at >= 0) {
             tabs->setCurrentIndex(at);
@@ -260,40 +258,32 @@ void PrintDialog::BringPaneToFront() {
     }
 }
 
-void PrintDialog::showPane() {
+void PaneAttachment::ShowPane() {
     BringPaneToFront();
     // Qt sizes its dialog for a few radio buttons; the pane needs more space.
-    const QFontMetrics metrics = fontMetrics();
-    resize(size()
-               .expandedTo({metrics.averageCharWidth() * 140, metrics.height() * 54})
-               .boundedTo(screen()->availableSize() * 9 / 10));
+    const QFontMetrics metrics = dialog.fontMetrics();
+    dialog.resize(dialog.size()
+                      .expandedTo({metrics.averageCharWidth() * 140, metrics.height() * 54})
+                      .boundedTo(dialog.screen()->availableSize() * 9 / 10));
 }
 
 // After the pane has held a job back: it may have gone to the field that the person has to change.
-void PrintDialog::ShowFieldOfPane() {
+void PaneAttachment::ShowFieldOfPane() {
     BringPaneToFront();
     if (QWidget* field = paneTab->focusWidget()) {
         field->setFocus(Qt::OtherFocusReason);
     }
 }
 
-void PrintDialog::done(int result) {
-    // Qt has written the choices of its own tabs to the QPrinter by now, because the person accepted the
-    // dialog.
-    if (result == Accepted && !isClosing) {
-        // Qt has also written what cancelled properties showed.
-        printer()->setPageSize(acceptedLayout.pageSize());
-        printer()->setPageOrientation(acceptedLayout.orientation());
-    }
-    if (result == Accepted && !isClosing && !paneTab->preparePrint()) {
+bool PaneAttachment::MayPrint() {
+    // Qt has also written what cancelled properties showed.
+    printer.setPageSize(acceptedLayout.pageSize());
+    printer.setPageOrientation(acceptedLayout.orientation());
+    if (!paneTab->preparePrint()) {
         ShowFieldOfPane();
-        return;
+        return false;
     }
-    if (!isClosing) {
-        isClosing = true;
-        paneTab->dialogWillClose();
-    }
-    QPrintDialog::done(result);
+    return true;
 }
 
 } // namespace torka::dialog

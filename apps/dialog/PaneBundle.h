@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/Bundle.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace torka::dialog {
+
+// The plug-in of a bundle, ready for a dialog.
+struct PaneBundle {
+    BundleRef bundle;
+    std::unique_ptr<PDEPlugIn> plugIn; // never null
+};
+
+// Opens the bundle in the folder and starts its plug-in. REQUIRES: the adapters are chosen.
+Result<PaneBundle> loadPaneBundle(const std::filesystem::path& folder);
+
+} // namespace torka::dialog

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/dialog/Submission.h"
+
+#include "output/BundleIdentifier.h"
+#include "output/LeftOutSetting.h"
+#include "platform/Spooler.h"
+
+namespace torka::dialog {
+
+int submitDocument(const Document& document, PrintDialog& dialog, QString& error) {
+    const std::string queue = dialog.queue();
+    if (queue.empty()) {
+        error = QObject::tr("The destination is no print queue.");
+        return 0;
+    }
+    JobOptions options = standardJobOptions(*dialog.printer(), dialog.tab().decidedByPane());
+    if (dialog.tab().hasPanel()) {
+        const CFTypeRef ticket = dialog.tab().settings().Value(cfString(ticketPathSetting));
+        if (const auto path = cfCast<CFString>(ticket)) {
+            options.emplace_back(ticketPathSetting, utf8Text(path));
+        }
+        for (auto& choice : systemChoices(dialog.tab().settings().Value(cfString(systemChoicesSetting)))) {
+            options.push_back(std::move(choice));
+        }
+    }
+    const auto job = submitFile(queue, document.path.toStdString(), document.name.toStdString(), options);
+    if (!job) {
+        error = QObject::tr("The print server does not take the job: %1")
+                    .arg(QString::fromStdString(job.Why().Line()));
+        return 0;
+    }
+    return *job;
+}
+
+} // namespace torka::dialog

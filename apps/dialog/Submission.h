@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "apps/dialog/Document.h"
+#include "apps/dialog/PrintDialog.h"
+
+#include <QString>
+
+namespace torka::dialog {
+
+// Sends the document to the dialog's queue with the pane's settings. REQUIRES: the pane has sent its ticket.
+// Returns the number of the job, or 0 with a reason to show in `error`.
+int submitDocument(const Document& document, PrintDialog& dialog, QString& error);
+
+} // namespace torka::dialog
