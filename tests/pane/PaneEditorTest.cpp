@@ -104,6 +104,8 @@ TEST_F(Small, LeavesInstalledOptionsAsTheyAre) {
     ASSERT_TRUE(editor.Resolve());
     EXPECT_EQ(PaneEditor::Value(*editor.FindControl("*Finisher")), "None");
     EXPECT_EQ(PaneEditor::Value(*editor.FindControl("*Staple")), "None");
+    EXPECT_FALSE(editor.ForbiddenBy("*Staple", "Top").empty());
+    EXPECT_FALSE(editor.WayTo(*editor.FindControl("*Staple"), "Top").solved) << "it would install a unit";
 }
 
 TEST_F(Small, UndoesStepsAndForgetsThemWhenAnotherHandChangesTheirControls) {
@@ -187,6 +189,7 @@ TEST_F(EditorTest, AgreesWithThePlainReadingOfTheLines) {
     std::mt19937 random(7);
     const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     int solved = 0;
+    int permitted = 0;
     for (int round = 0; round < 60; ++round) {
         constexpr int options = 6;
         constexpr int choices = 3;
@@ -224,7 +227,7 @@ TEST_F(EditorTest, AgreesWithThePlainReadingOfTheLines) {
         for (const auto& [key, value] : values) {
             for (const auto& [other, otherValue] : values) {
                 if (key != other && forbids(key + " " + value, other)) {
-                    clashes.insert({key, other});
+                    clashes.insert({key + "=" + value, other + "=" + otherValue});
                 }
             }
             const auto forbidden = editor.Forbidden(*editor.FindControl(key));
@@ -243,17 +246,35 @@ TEST_F(EditorTest, AgreesWithThePlainReadingOfTheLines) {
                 EXPECT_EQ(forbidden[static_cast<std::size_t>(c)], !expected.empty());
             }
         }
-        std::set<std::set<std::string>> found;
-        for (const PaneConflict& conflict : editor.Conflicts()) {
-            found.insert({conflict.first.keyword, conflict.second.keyword});
+        const auto found = [&] {
+            std::set<std::set<std::string>> pairs;
+            for (const PaneConflict& conflict : editor.Conflicts()) {
+                pairs.insert({line(conflict.first), line(conflict.second)});
+            }
+            return pairs;
+        };
+        const std::set<std::set<std::string>> before = found();
+        EXPECT_EQ(before, clashes);
+        for (const auto& [key, value] : values) {
+            for (int c = 0; c < choices; ++c) {
+                const bool isForbidden = !editor.ForbiddenBy(key, choice(c)).empty();
+                if (!isForbidden || !editor.ChangeWithOthers(*editor.FindControl(key), choice(c))) {
+                    continue;
+                }
+                ++permitted;
+                EXPECT_EQ(PaneEditor::Value(*editor.FindControl(key)), choice(c));
+                EXPECT_THAT(before, testing::IsSupersetOf(found())) << "it causes no conflict";
+                EXPECT_TRUE(editor.Undo());
+                EXPECT_EQ(found(), before) << "one step";
+            }
         }
-        EXPECT_EQ(found, clashes);
         if (!clashes.empty() && editor.Resolve()) {
             ++solved;
             EXPECT_TRUE(editor.Conflicts().empty());
         }
     }
     EXPECT_GT(solved, 20);
+    EXPECT_GT(permitted, 100);
 }
 
 } // namespace

@@ -185,6 +185,23 @@ TEST_F(PaneWidgetTest, SaysWhatForbidsAChoice) {
     QTest::keyClick(duplex, Qt::Key_Down);
     EXPECT_EQ(pane.Value("*QVDuplex"), "None") << "keys pass over what is forbidden";
     EXPECT_FALSE(Widget().Bar()->isVisible());
+    for (auto* sign : Widget().CurrentFieldPage()->RowOf("*QVDuplex")->Body()->findChildren<QToolButton*>()) {
+        if (sign->accessibleName() == QLatin1String("Why some choices are not available")) {
+            sign->click();
+        }
+    }
+    auto* offer = QApplication::activePopupWidget();
+    ASSERT_NE(offer, nullptr);
+    auto* both = offer->findChild<QPushButton*>();
+    ASSERT_NE(both, nullptr);
+    EXPECT_EQ(both->text(), QStringLiteral("Change Both"));
+    EXPECT_THAT(both->toolTip().toStdString(), HasSubstr("Turn on Long Edge, Media Type to "));
+    QTest::mouseClick(both, Qt::LeftButton);
+    EXPECT_EQ(pane.Value("*QVDuplex"), "LongEdge");
+    EXPECT_NE(pane.Value("*MediaType"), "Labels");
+    EXPECT_TRUE(pane.Editor().Conflicts().empty());
+    EXPECT_TRUE(pane.Editor().Undo());
+    EXPECT_EQ(pane.Value("*QVDuplex") + pane.Value("*MediaType"), "NoneLabels");
 
     Go("*QVFolderUnit");
     auto* folder = Field<QCheckBox>("*QVFolderUnit");

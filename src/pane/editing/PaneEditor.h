@@ -126,6 +126,13 @@ public:
     const PaneResolution& Resolution() const;
     // Resolves all conflicts as one step. Returns false without a conflict and without a solution.
     bool Resolve();
+    // The choice, and the changes that end the conflicts which it causes. Unsolved for a choice that the
+    // present settings allow, for a popup with several choices, and for a locked control. It leaves other
+    // conflicts as they are, and never changes what Resolution() does not change, the control itself
+    // excepted.
+    PaneResolution WayTo(const PPDXControl& control, std::string_view choice) const;
+    // Makes these changes as one step. Returns false when there are none.
+    bool ChangeWithOthers(const PPDXControl& control, std::string_view choice);
 
     // The fields whose values differ from the defaults, in order. Installable options and settings of the
     // system are left out.
@@ -163,10 +170,16 @@ private:
     void MakeCatalog();
     bool CanBeResolved(std::string_view keyword) const;
     PaneSetting SettingOf(const KeyOption& pair) const;
-    PaneResolution FindResolution() const;
+    // `wanted`: a change to make, whose new conflicts alone are resolved; null resolves all.
+    PaneResolution FindResolution(const KeyOption* wanted) const;
+    bool Make(const PaneResolution& found);
     KVCache LockedPairs(const KVCache& selections) const;
-    bool PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked) const;
-    void LeaveOutNeedless(KVCache& changes) const;
+    bool PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked,
+                      std::string_view edited) const;
+    void LeaveOutNeedless(KVCache& changes, const KeyOption* wanted) const;
+    // Conflicts of these selections; with a wanted change only those that the present ones lack.
+    std::vector<std::pair<KeyOption, KeyOption>> PairsToResolve(const KVCache& selections,
+                                                                const KeyOption* wanted) const;
 
     ZANPPD& model;
     PDEData* paneData;

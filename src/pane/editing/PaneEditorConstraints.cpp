@@ -95,15 +95,16 @@ KVCache PaneEditor::LockedPairs(const KVCache& selections) const {
 
 // Decides which side of a conflict stays. In this order: a setting that cannot be changed, the one edited
 // last, the one that differs from its default.
-bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked) const {
+bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked,
+                              std::string_view edited) const {
     const bool firstLocked = locked.FindKey(first.key) != nullptr;
     if (firstLocked != (locked.FindKey(second.key) != nullptr)) {
         return firstLocked;
     }
     const PaneSetting one = SettingOf(first);
     const PaneSetting other = SettingOf(second);
-    if (one.keyword == lastEdited || other.keyword == lastEdited) {
-        return one.keyword == lastEdited;
+    if (one.keyword == edited || other.keyword == edited) {
+        return one.keyword == edited;
     }
     const auto isDefault = [this](const PaneSetting& setting) {
         const PPDXControl* control = FindControl(setting.keyword);
@@ -112,35 +113,51 @@ bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second, c
     return !isDefault(one) || isDefault(other);
 }
 
-void PaneEditor::LeaveOutNeedless(KVCache& changes) const {
+std::vector<std::pair<KeyOption, KeyOption>> PaneEditor::PairsToResolve(const KVCache& selections,
+                                                                        const KeyOption* wanted) const {
+    auto pairs = conflictPairs(constraints, selections);
+    if (wanted != nullptr) {
+        const auto known = conflictPairs(constraints, *constraints.GetCurrentSelections());
+        std::erase_if(pairs, [&](const auto& pair) { return std::ranges::find(known, pair) != known.end(); });
+    }
+    return pairs;
+}
+
+void PaneEditor::LeaveOutNeedless(KVCache& changes, const KeyOption* wanted) const {
     const KVCache& now = *constraints.GetCurrentSelections();
     for (std::size_t i = changes.size(); i-- > 0;) {
         const KeyOption change = changes.GetKV(i);
         const std::int64_t before = now.GetItem(change.key);
-        if (before == change.option) {
+        if (before == change.option || (wanted != nullptr && change.key == wanted->key)) {
             continue;
         }
         KVCache without = changes;
         without.Insert(change.key, before);
         KVCache then = now;
         then.merge(without);
-        if (conflictPairs(constraints, then).empty()) {
+        if (PairsToResolve(then, wanted).empty()) {
             changes = std::move(without);
         }
     }
 }
 
-PaneResolution PaneEditor::FindResolution() const {
+PaneResolution PaneEditor::FindResolution(const KeyOption* wanted) const {
     const KVCache& now = *constraints.GetCurrentSelections();
     const KVCache locked = LockedPairs(now);
     KVCache trial = now;
     ConstraintsEngine engine(&trial, constraints.GetConstraintForest(), constraints.GetKeyForest(), &locked);
     engine.LimitWork(maximumWork);
     KVCache changes;
+    std::string edited = lastEdited;
+    if (wanted != nullptr) {
+        changes.Insert(wanted->key, wanted->option);
+        trial.merge(changes);
+        edited = SettingOf(*wanted).keyword;
+    }
     for (int round = 0; round < maximumRounds; ++round) {
-        const auto pairs = conflictPairs(constraints, trial);
+        const auto pairs = PairsToResolve(trial, wanted);
         if (pairs.empty()) {
-            LeaveOutNeedless(changes);
+            LeaveOutNeedless(changes, wanted);
             PaneResolution found{true, {}};
             for (const KeyOption& change : changes.Pairs()) {
                 if (now.GetItem(change.key) != change.option) {
@@ -150,7 +167,7 @@ PaneResolution PaneEditor::FindResolution() const {
             return found;
         }
         std::pair<KeyOption, KeyOption> sides = pairs.front();
-        if (!PrefersFirst(sides.first, sides.second, locked)) {
+        if (!PrefersFirst(sides.first, sides.second, locked, edited)) {
             std::swap(sides.first, sides.second);
         }
         bool solved = false;
@@ -173,13 +190,34 @@ PaneResolution PaneEditor::FindResolution() const {
 
 const PaneResolution& PaneEditor::Resolution() const {
     if (!resolution) {
-        resolution = Conflicts().empty() ? PaneResolution{} : FindResolution();
+        resolution = Conflicts().empty() ? PaneResolution{} : FindResolution(nullptr);
     }
     return *resolution;
 }
 
-bool PaneEditor::Resolve() {
-    const PaneResolution found = Resolution();
+PaneResolution PaneEditor::WayTo(const PPDXControl& control, std::string_view choice) const {
+    const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
+    const bool choosesOne = popup == nullptr || !popup->CanSelectMultipleItems();
+    const CStringSoup& strings = *constraints.GetConstraintStrings();
+    const KeyOption wanted{strings.Find(std::string_view(textOf(control.Keyword()))), strings.Find(choice)};
+    if (!choosesOne || LockOf(control) != PaneLock::none || wanted.key < 0 || wanted.option < 0) {
+        return {};
+    }
+    const PaneResolution found = FindResolution(&wanted);
+    return found.changes.size() > 1 ? found : PaneResolution{};
+}
+
+bool PaneEditor::Resolve() { return Make(PaneResolution(Resolution())); }
+
+bool PaneEditor::ChangeWithOthers(const PPDXControl& control, std::string_view choice) {
+    const PaneResolution found = WayTo(control, choice);
+    if (found.solved) {
+        lastEdited = control.Keyword();
+    }
+    return Make(found);
+}
+
+bool PaneEditor::Make(const PaneResolution& found) {
     if (!found.solved || found.changes.empty()) {
         return false;
     }

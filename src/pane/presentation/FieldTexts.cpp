@@ -121,23 +121,52 @@ std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control, con
     return texts.Say(words::notAvailableWith, shownChoice(texts, control, choice.keyword), joined(names));
 }
 
-std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control) {
+namespace {
+
+// The forbidden choices of the control, at most twelve, and the number of the others.
+std::pair<std::vector<PaneChoice>, std::size_t> forbiddenOf(const PaneTexts& texts,
+                                                            const PPDXControl& control) {
     constexpr std::size_t maximumLines = 12;
-    std::vector<std::string> lines;
-    std::size_t more = 0;
     const std::vector<bool> forbidden = texts.editor.Forbidden(control);
-    const std::vector<PaneChoice> choices = choicesOf(control);
-    for (std::size_t i = 0; i < std::min(choices.size(), forbidden.size()); ++i) {
-        if (forbidden[i] && lines.size() < maximumLines) {
-            lines.push_back(whyForbidden(texts, control, choices[i]));
-        } else if (forbidden[i]) {
-            ++more;
-        }
+    std::vector<PaneChoice> choices = choicesOf(control);
+    std::erase_if(choices, [&, i = std::size_t{0}](const PaneChoice&) mutable {
+        const std::size_t place = i++;
+        return place >= forbidden.size() || !forbidden[place];
+    });
+    const std::size_t more = choices.size() - std::min(choices.size(), maximumLines);
+    choices.resize(choices.size() - more);
+    return {std::move(choices), more};
+}
+
+} // namespace
+
+std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control) {
+    const auto [choices, more] = forbiddenOf(texts, control);
+    std::vector<std::string> lines;
+    for (const PaneChoice& choice : choices) {
+        lines.push_back(whyForbidden(texts, control, choice));
     }
     if (more > 0) {
         lines.push_back(texts.Say(words::moreReasons, std::to_string(more)));
     }
     return joined(lines, "\n");
+}
+
+ForbiddenChoices forbiddenChoices(const PaneTexts& texts, const PPDXControl& control) {
+    const auto [choices, more] = forbiddenOf(texts, control);
+    ForbiddenChoices all;
+    for (const PaneChoice& choice : choices) {
+        const PaneResolution way = texts.editor.WayTo(control, choice.keyword);
+        const bool isOffered = way.solved && PaneEditor::Value(control) != choice.keyword;
+        all.choices.push_back(
+            {choice.keyword, whyForbidden(texts, control, choice),
+             isOffered ? texts.Say(words::resolveChanges, shownChanges(texts, way.changes)) : std::string(),
+             way.changes.size() > 2 ? &words::changeAll : &words::changeBoth});
+    }
+    if (more > 0) {
+        all.more = texts.Say(words::moreReasons, std::to_string(more));
+    }
+    return all;
 }
 
 std::string whySizeIsUnused(const PaneTexts& texts) {

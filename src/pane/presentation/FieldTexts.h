@@ -33,6 +33,18 @@ std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control, con
 // The same for each forbidden choice of the control, one a line. Names at most twelve choices, and the number
 // of the others.
 std::string whyForbidden(const PaneTexts& texts, const PPDXControl& control);
+// The same with what a person can do about each choice.
+struct ForbiddenChoice {
+    std::string keyword;    // of the choice
+    std::string why;        // a sentence
+    std::string changes;    // "Changes Sides to Long Edge, Media Type to Plain"; "" when there is no way
+    const PaneWord* button; // for the changes: both, or all
+};
+struct ForbiddenChoices {
+    std::vector<ForbiddenChoice> choices;
+    std::string more; // "and 3 more"; "" when all are named
+};
+ForbiddenChoices forbiddenChoices(const PaneTexts& texts, const PPDXControl& control);
 // Why the custom page size has no effect; "" when it has one.
 std::string whySizeIsUnused(const PaneTexts& texts);
 

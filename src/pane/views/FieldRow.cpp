@@ -4,6 +4,7 @@
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "pane/presentation/FieldTexts.h"
 #include "pane/views/ChoiceFields.h"
+#include "pane/views/ForbiddenList.h"
 #include "pane/views/NoteFields.h"
 #include "pane/views/NumberFields.h"
 #include "pane/views/PaneIcons.h"
@@ -27,16 +28,15 @@
 namespace torka {
 namespace {
 
-// Tells why some choices are forbidden: as a tooltip, to assistive technology, and at a click. It asks for
-// the reasons when they are shown.
+// Tells why some choices are forbidden: as a tooltip and to assistive technology. A click opens the reasons
+// with what can be done about them. It asks for the reasons when they are shown.
 class WhyButton final : public QToolButton {
 public:
-    WhyButton(std::function<QString()> tellReasons, QWidget* parent)
+    WhyButton(std::function<QString()> tellReasons, const std::function<void(QToolButton&)>& open,
+              QWidget* parent)
         : QToolButton(parent)
         , reasons(std::move(tellReasons)) {
-        connect(this, &QToolButton::clicked, this, [this] {
-            QWhatsThis::showText(mapToGlobal(rect().bottomLeft()), plainToolTip(reasons()), this);
-        });
+        connect(this, &QToolButton::clicked, this, [this, open] { open(*this); });
     }
 
 protected:
@@ -115,7 +115,8 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
     layout->addWidget(control, 1);
-    information = new WhyButton([this] { return Reasons(); }, body);
+    information = new WhyButton([this] { return Reasons(); },
+                                [this](QToolButton& button) { ShowReasons(button); }, body);
     makeSmall(information, PaneSign::information, context.Say(words::whyForbidden));
     reset = new QToolButton(body);
     makeSmall(reset, PaneSign::reset, {});
@@ -165,6 +166,16 @@ void FieldRow::ShowReset() {
 void FieldRow::ShowAllowed() { information->setVisible(body->isEnabled() && UpdateAllowed()); }
 
 QString FieldRow::Reasons() const { return qText(whyForbidden(context.texts, *field.control)); }
+
+void FieldRow::ShowReasons(QToolButton& button) {
+    const ForbiddenChoices forbidden = forbiddenChoices(context.texts, *field.control);
+    if (forbidden.choices.empty()) {
+        QWhatsThis::showText(button.mapToGlobal(button.rect().bottomLeft()), plainToolTip(Reasons()),
+                             &button);
+        return;
+    }
+    showForbiddenChoices(context, forbidden, *field.control, button);
+}
 
 std::unique_ptr<FieldRow> makeFieldRow(PaneContext& context, const PaneField& field, QWidget* parent) {
     switch (field.control->Type()) {

@@ -55,6 +55,7 @@ protected:
 
 private:
     void ShowLock();
+    void ShowReasons(QToolButton& button);
     void ShowReset();
 
     QWidget* body = nullptr;
