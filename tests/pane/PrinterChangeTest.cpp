@@ -144,6 +144,43 @@ TEST(PrinterChange, TheTemplateCountsForThoseWhoPrintedBefore) {
     }
 }
 
+TEST(PrinterChange, TheOlderPanelAsksForItsOwnPopupNotesAgain) {
+    Bench bench(descriptionOf("Press", "SMALL.PPD", "first"));
+    const auto older = bench.OpenShown();
+    set(*older, "*QVAccount", "typed");
+    const auto asking = bench.dialog->printer;
+    const auto silent = std::make_shared<MemoryPrinter>();
+    silent->name = "Silent";
+    silent->ppdPath = bench.folder.Write("Silent.ppd", panelDescription()).string();
+    bench.dialog->printer = silent;
+    bench.dialog->session = std::make_shared<MemorySession>(silent);
+    auto newer = bench.OpenShown();
+    EXPECT_TRUE(hasNoPopupJobNotes());
+    EXPECT_EQ(gPopupJobNotesSavedShowLast, '0');
+    newer.reset();
+    bench.dialog->printer = asking;
+    EXPECT_FALSE(hasNoPopupJobNotes());
+    EXPECT_EQ(gPopupJobNotesSavedShowLast, '1');
+    asking->sent.clear();
+    EXPECT_TRUE(older->shouldPrint());
+    EXPECT_EQ(bench.widgets.popups, 1);
+    ASSERT_FALSE(asking->sent.empty());
+    EXPECT_EQ(utf8Text(asking->sent.back().command), "111\n*QVAccount=typed");
+}
+
+TEST(PrinterChange, ANewDialogTellsWhenTheLastJobsSettingsAreNotTheDefaults) {
+    for (const bool isDefault : {true, false}) {
+        Bench bench;
+        for (const bool printedBefore : {false, true}) {
+            bench.dialog->settings = std::make_shared<MemoryPrintSettings>();
+            const auto panel = bench.OpenShown();
+            EXPECT_EQ(panel->beganWithLastJob(), printedBefore && !isDefault);
+            set(*panel, "*QVFold", isDefault ? "Flat" : "Half");
+            EXPECT_TRUE(panel->shouldPrint());
+        }
+    }
+}
+
 } // namespace
 
 } // namespace torka::tests

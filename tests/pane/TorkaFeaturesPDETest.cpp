@@ -168,6 +168,24 @@ TEST(Panel, SettingsOfThisDescriptionAloneAreRestored) {
     }
 }
 
+TEST(Panel, TheAccountNameFillsAnEmptyUserNameWhereTheControllerChecksIt) {
+    const std::string note = jobNote("QVUserAuthName", "20|UTF8");
+    const std::string checks = "*%ZANSpecialOption *ZANAuthenticateWithLDAP: ";
+    for (const auto& [more, filled] :
+         {std::pair{checks + "True\n" + note, "b\xC3\xA4r"}, {checks + "False\n" + note, ""}, {note, ""}}) {
+        Bench bench(panelDescription(more));
+        bench.system->userName = "b\xC3\xA4r";
+        const auto panel = bench.OpenShown();
+        EXPECT_EQ(valueOf(*panel, "*QVUserAuthName"), filled) << more;
+        set(*panel, "*QVUserAuthName", "another");
+        panel->saveValuesAndReturnError(nullptr);
+        panel->restoreValuesAndReturnError(nullptr);
+        EXPECT_EQ(valueOf(*panel, "*QVUserAuthName"), "another");
+        panel->defaultsButtonClicked();
+        EXPECT_EQ(valueOf(*panel, "*QVUserAuthName"), filled) << more;
+    }
+}
+
 TEST(Panel, NoPointerNamesAPanelThatIsGone) {
     // Panels by letter in the order of creation; then the order of their ends, each with the current and the
     // saved panel after it.

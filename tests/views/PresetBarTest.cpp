@@ -11,6 +11,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <QToolButton>
 
 namespace torka::tests {
 namespace {
@@ -25,9 +26,13 @@ struct PresetBarTest : testing::Test {
     std::unique_ptr<ViewedPane> pane;
 
     PresetBarTest() { Open(); }
-    void Open() {
+    void Open(bool withLastJob = false) {
         pane.reset();
         pane = std::make_unique<ViewedPane>(samplePane());
+        pane->beganWithLastJob = withLastJob;
+        if (withLastJob) {
+            pane->pane->Set("*QVDuplex", "ShortEdge");
+        }
         pane->Draw();
         pane->Root()->show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(pane->Root()));
@@ -106,6 +111,30 @@ TEST_F(PresetBarTest, SavesAppliesUpdatesAndTakesBack) {
     pane->Editor().SetValue("*QVMirror", "False");
     Choose("Booklet");
     EXPECT_EQ(pane->Value("*QVMirror"), "True");
+}
+
+TEST_F(PresetBarTest, TheLastJobIsToldUntilAnEditOrAPreset) {
+    EXPECT_FALSE(pane->Find<QWidget>("lastJob")->isVisible());
+    for (const bool usesDefaults : {true, false}) {
+        Open(true);
+        auto* line = pane->Find<QWidget>("lastJob");
+        ASSERT_TRUE(line->isVisible());
+        pane->Draw(); // changes that the dialog makes leave the line
+        EXPECT_TRUE(line->isVisible());
+        if (usesDefaults) {
+            QTest::mouseClick(line->findChild<QToolButton*>(), Qt::LeftButton);
+            EXPECT_EQ(pane->Value("*QVDuplex"), "None");
+            EXPECT_FALSE(line->isVisible());
+            EXPECT_TRUE(pane->Editor().Undo());
+        } else {
+            SaveAs("Mine");
+        }
+        EXPECT_EQ(pane->Value("*QVDuplex"), "ShortEdge");
+        EXPECT_FALSE(line->isVisible());
+    }
+    Open(true);
+    EXPECT_EQ(Shown(), "Mine");
+    EXPECT_FALSE(pane->Find<QWidget>("lastJob")->isVisible()) << "the preset's name tells enough";
 }
 
 TEST_F(PresetBarTest, AsksBeforeItReplacesAndDeletes) {

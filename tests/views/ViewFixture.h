@@ -23,6 +23,7 @@ struct ViewedPane {
         PaneSetup setup{*pane->model, panel->GetCustomizePane(), pane->data.get()};
         setup.text = english;
         setup.gauges = std::move(gauges);
+        setup.beganWithLastJob = [this] { return beganWithLastJob; };
         setup.bidiText = [](const char*, const char* word) { return QString::fromUtf8(word); };
         setup.resetToDefaults = [this] {
             panel->ResetControlsToDefault();
@@ -56,6 +57,7 @@ struct ViewedPane {
     }
     std::string Value(const char* keyword) const { return PaneEditor::Value(*Editor().FindControl(keyword)); }
 
+    bool beganWithLastJob = false;
     std::unique_ptr<Pane> pane;
     std::unique_ptr<UI_Panel> panel;
     std::unique_ptr<QtPaneInterface> interface;

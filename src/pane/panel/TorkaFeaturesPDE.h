@@ -87,6 +87,9 @@ public:
     // Whether the management template has switched quick access off.
     bool isQuickAccessOff() const;
 
+    // The panel began with the settings of the person's last job, and they differ from the defaults.
+    bool beganWithLastJob() const { return hasLastJob; }
+
     // The actions of the buttons of the pane.
     void launchFullProperties();
     void defaultsButtonClicked();
@@ -181,6 +184,7 @@ private:
     void ObservePopupJobNotes();
     bool LoadInterface();
 
+    void TakeLastUsed();
     void TakeSideSettings();
     void TakePopupPreferences();
     void NotePopupPreferences();
@@ -211,6 +215,7 @@ private:
     std::shared_ptr<DeferredCommands> deferred;
     EventLoopTimerRef fetchTimer;
     bool isFetching = false;
+    bool hasLastJob = false; // beganWithLastJob
     // Of the popup notes, as the queue's record gave them or as they were last written; none before the first
     // restore.
     std::optional<std::string> popupPreferences;

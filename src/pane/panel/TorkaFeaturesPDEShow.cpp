@@ -58,9 +58,7 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
         self.myUi_Panel->ResetControlsToDefault();
     }
     if (!self.shouldRestore) {
-        // A new dialog, whose print settings tell nothing of this printer: what the person chose the last
-        // time.
-        presets->ApplyLastUsed();
+        TakeLastUsed();
     }
     TakePopupPreferences();
     self.myPDEData->TakeTemplate();
@@ -69,6 +67,13 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
     updateUI();
     willShow();
     return true;
+}
+
+// For a new dialog, whose print settings tell nothing of this printer: what the person chose the last time.
+void TorkaFeaturesPDE::TakeLastUsed() {
+    const CFDictionaryRef defaults = presets->PresentSettings();
+    hasLastJob = presets->ApplyLastUsed() == PresetStore::Result::done &&
+                 !CFEqual(defaults, presets->PresentSettings());
 }
 
 // Only where the controller checks the account name of the network's directory.

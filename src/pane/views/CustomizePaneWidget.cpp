@@ -6,6 +6,7 @@
 #include "pane/views/FieldPage.h"
 #include "pane/views/GaugePanel.h"
 #include "pane/views/JobPicture.h"
+#include "pane/views/LastJobLine.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PresetBar.h"
 #include "pane/views/RoomyRows.h"
@@ -61,6 +62,8 @@ void CustomizePaneWidget::MakeWidgets() {
     outer->addWidget(area);
     auto* rows = new QVBoxLayout(area);
     rows->setContentsMargins(0, 0, 0, 0);
+    lastJob = new LastJobLine(context, area);
+    rows->addWidget(lastJob);
     auto* header = new QWidget(area);
     MakeHeader(header);
     rows->addWidget(header);
@@ -135,7 +138,9 @@ void CustomizePaneWidget::MakeHeader(QWidget* header) {
     layout->addWidget(redo);
     layout->addStretch(1);
     if (context.data != nullptr) {
-        layout->addWidget(new PresetBar(context, header));
+        presets = new PresetBar(context, header);
+        presets->WhenShown([this] { lastJob->Show(presets->Chosen().empty()); });
+        layout->addWidget(presets);
     }
     pictureButton = new QToolButton(header);
     pictureButton->setIcon(paneIcon(PaneSign::sheet));
@@ -231,6 +236,7 @@ void CustomizePaneWidget::drawControlsInTree(const PPDTree& tree) {
 void CustomizePaneWidget::greyoutShortcutControls(bool grey) { area->setEnabled(!grey); }
 
 void CustomizePaneWidget::FollowChange(const PaneChange& change) {
+    lastJob->Follow(change);
     if (!isDrawn) {
         return;
     }

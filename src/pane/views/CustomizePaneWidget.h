@@ -27,6 +27,8 @@ class ConflictBar;
 class FieldPage;
 class GaugePanel;
 class JobPicture;
+class LastJobLine;
+class PresetBar;
 class SummaryPage;
 
 // The controls of the pane: the search field, the list of pages, the chosen page, the bar that names
@@ -97,6 +99,8 @@ private:
     QStackedWidget* stack = nullptr;
     FieldPage* results = nullptr;
     ConflictBar* bar = nullptr;
+    PresetBar* presets = nullptr; // null without pane data
+    LastJobLine* lastJob = nullptr;
     QToolButton* undo = nullptr;
     QToolButton* redo = nullptr;
     QToolButton* pictureButton = nullptr;

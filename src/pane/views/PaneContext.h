@@ -8,6 +8,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace torka {
@@ -25,6 +26,8 @@ struct PaneContext {
     TorkaFeaturesPDE* panel = nullptr; // may be null in tests
     PaneTexts texts;
     std::optional<GaugeSource> gauges = std::nullopt; // none for a pane without a queue
+    std::function<bool()> beganWithLastJob{};         // may be empty in tests
+    std::function<void()> useDefaults{};              // one step; may be empty in tests
 
     // A word with the names put in its places. A name may hold any text, also "%1".
     template <class... Names>

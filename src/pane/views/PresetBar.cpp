@@ -121,6 +121,9 @@ void PresetBar::ShowState() {
     setText(labelText(StateText()));
     setPlainToolTip(*this, qText(presets.Tip()));
     updateGeometry();
+    if (whenShown) {
+        whenShown();
+    }
 }
 
 void PresetBar::Apply(const std::string& name) { Tell(presets.Apply(name)); }

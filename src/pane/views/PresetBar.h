@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include <functional>
 #include <string>
 
 class QActionGroup;
@@ -32,12 +33,13 @@ public:
     void AskForRenaming();
     void AskForDeleting();
 
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
-
-    // For the tests; no caller here
     // UTF-8; "" for none.
     const std::string& Chosen() const { return presets.Chosen(); }
+    // Called when the bar shows its state, at first after the comparison with the settings of the dialog.
+    void WhenShown(std::function<void()> action) { whenShown = std::move(action); }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -57,6 +59,7 @@ private:
     QMenu* entries;
     QActionGroup* names; // of the entries that name presets
     QPointer<QDialog> dialog;
+    std::function<void()> whenShown;
     QTimer pause;      // joins several changes into one comparison
     QTimer firstShown; // leaves the show event before the comparison
     bool wasShown = false;

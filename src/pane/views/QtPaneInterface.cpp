@@ -76,7 +76,9 @@ QtPaneInterface::QtPaneInterface(PaneSetup paneSetup)
               setup.data,
               setup.panel,
               {editor, {setup.text, shownNumber, setup.metric}},
-              setup.gauges} {}
+              setup.gauges,
+              setup.beganWithLastJob,
+              [this] { UseDefaults(); }} {}
 
 QtPaneInterface::~QtPaneInterface() {
     if (root != nullptr) {
@@ -194,11 +196,7 @@ void QtPaneInterface::Connect() {
             editor.EditAll(setup.openFullProperties, ServerPresetChoice::keep);
         }
     });
-    onClick(PaneOutlet::defaultsButton, [this] {
-        if (setup.resetToDefaults) {
-            editor.EditAll(setup.resetToDefaults);
-        }
-    });
+    onClick(PaneOutlet::defaultsButton, [this] { UseDefaults(); });
     onClick(PaneOutlet::customizeQuickAccessButton, [this] {
         if (setup.customizeQuickAccess) {
             setup.customizeQuickAccess();
@@ -219,6 +217,12 @@ void QtPaneInterface::Connect() {
                 ShowTwoWay();
             }
         });
+    }
+}
+
+void QtPaneInterface::UseDefaults() {
+    if (setup.resetToDefaults) {
+        editor.EditAll(setup.resetToDefaults);
     }
 }
 

@@ -39,6 +39,7 @@ struct PaneSetup {
     std::function<void()> openFullProperties{};
     std::function<void()> resetToDefaults{}; // resets all settings
     std::function<void()> customizeQuickAccess{};
+    std::function<bool()> beganWithLastJob{}; // with the settings of the person's last job
     std::function<void()> applicationDidBecomeActive{};
     std::function<bool()> twoWayFailed{}; // two-way communication is on and the controller does not answer
 };
@@ -99,6 +100,7 @@ private:
     void MakePane();
     void MakeDialogs();
     void Connect();
+    void UseDefaults();
     void ShowTwoWay();
     void RootGone();
 

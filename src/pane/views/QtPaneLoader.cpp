@@ -45,6 +45,7 @@ PaneSetup setupOf(TorkaFeaturesPDE& owner, const BundleRef& bundle) {
     setup.openFullProperties = [&owner] { owner.launchFullProperties(); };
     setup.resetToDefaults = [&owner] { owner.defaultsButtonClicked(); };
     setup.customizeQuickAccess = [&owner] { owner.customizeQuickAccessButtonClicked(); };
+    setup.beganWithLastJob = [&owner] { return owner.beganWithLastJob(); };
     setup.applicationDidBecomeActive = [&owner] { owner.applicationDidBecomeActive(); };
     setup.twoWayFailed = [&owner] { return owner.Server().GetState() == ServerExchange::State::failed; };
     return setup;
