@@ -48,7 +48,9 @@ CFDictionaryRef paperInfo(const QPrinter& printer) {
     // one that Qt made up ("Custom.…").
     const bool isCustom = size.key().isEmpty() || size.key().startsWith(QLatin1String("Custom."));
     const CFStringRef name = cfString((isCustom ? size.name() : size.key()).toStdString());
-    const QSizeF points = size.size(QPageSize::Point);
+    constexpr double millimetre = 72 / 25.4; // points; Qt gives points as whole numbers
+    const QSizeF points =
+        isCustom ? size.size(QPageSize::Millimeter) * millimetre : size.size(QPageSize::Point);
     std::vector<CFTypeRef> rectangle;
     for (const double edge : {0.0, 0.0, points.height(), points.width()}) { // top, left, bottom, right
         rectangle.push_back(CFNumberCreate(edge));

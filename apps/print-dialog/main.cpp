@@ -83,6 +83,10 @@ int run(int argc, char** argv) {
                             .arg(arguments.bundle, QString::fromStdString(pane.Why().Line())));
     }
     QPrinter printer;
+    if (!arguments.queue.isEmpty()) {
+        // A pane of the default queue, shown for a moment, would hand its settings on.
+        printer.setPrinterName(arguments.queue);
+    }
     dialog::PrintDialog dialog(printer, *pane->plugIn, document.name.toStdString());
     if (!arguments.queue.isEmpty() && !dialog.chooseQueue(arguments.queue.toStdString())) {
         const std::string reason = platform::queueProblem(arguments.queue.toStdString());

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/posix/PosixLibraryLoader.h"
 #include "tests/dialog/DialogFixture.h"
 
 #include <QCheckBox>
+#include <QDoubleSpinBox>
 #include <QRadioButton>
 #include <QTabWidget>
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 
@@ -69,7 +72,7 @@ std::string shownText(PrintDialog& dialog, const char* keyword) {
         QTest::qWait(1);
         for (QWidget* field : dialog.tab().findChildren<QWidget*>(QLatin1String(keyword))) {
             if (const auto* box = qobject_cast<QComboBox*>(field); box != nullptr && box->isVisible()) {
-                return box->currentText().toStdString();
+                return (box->currentIndex() < 0 ? box->placeholderText() : box->currentText()).toStdString();
             }
             if (const auto* check = qobject_cast<QCheckBox*>(field); check != nullptr && check->isVisible()) {
                 return check->isChecked() ? "On" : "Off";
@@ -189,6 +192,16 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
              ChoosePageSize(dialog, "A4");
          },
          "*InputSlot", "Tray 2", "Tray2", "%%BeginFeature: *InputSlot Tray2"},
+        {"a size that no name has",
+         [](PrintDialog& dialog) {
+             UseProperties(dialog, [](QDialog& window) {
+                 auto* sizes = window.findChild<QComboBox*>("pageSizeCombo");
+                 sizes->setCurrentIndex(sizes->findText("Custom"));
+                 window.findChild<QDoubleSpinBox*>("pageWidth")->setValue(150);
+                 window.findChild<QDoubleSpinBox*>("pageHeight")->setValue(210);
+             });
+         },
+         "*PageSize", "150.0 × 210.0 mm", "Letter", "%%BeginFeature: *CustomPageSize True\n425."},
         {"collated again",
          [](PrintDialog& dialog) {
              dialog.findChild<QSpinBox*>("copies")->setValue(3);
@@ -210,6 +223,42 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
         if (each.device != nullptr) {
             EXPECT_NE(sandbox->Printed(job).find(each.device), std::string::npos);
         }
+    }
+}
+
+// Whoever changes the number of copies: the dialog's field, the field in the pane, the Job Properties module.
+TEST_F(AgreementTest, CopiesAreTheSameEverywhere) {
+    setLibraryLoader(std::make_unique<PosixLibraryLoader>());
+    const TemporaryFolder folder;
+    const std::string script = folder.Write("script", "set *QV_COPIES 4\n").string();
+    const struct {
+        int copies;
+        std::function<void(PrintDialog&)> person;
+    } changes[] = {
+        {2, [](PrintDialog& dialog) { dialog.findChild<QSpinBox*>("copies")->setValue(2); }},
+        {3, [](PrintDialog& dialog) { Field<QSpinBox>(dialog, "paneCopies")->setValue(3); }},
+        {4,
+         [&](PrintDialog& dialog) {
+             ASSERT_EQ(setenv("TORKA_JP_SCRIPT", script.c_str(), 1), 0);
+             dialog.tab().findChild<QPushButton*>("fullPropertiesButton")->click();
+             unsetenv("TORKA_JP_SCRIPT");
+         }},
+    };
+    for (const auto& [copies, person] : changes) {
+        const auto shown = Open();
+        PrintDialog& dialog = *shown->dialog;
+        ShowPage(dialog, "Quick Access");
+        person(dialog);
+        QTest::qWait(20);
+        dialog.tab().dialogSettingsChanged(); // the tab comes to the front
+        EXPECT_EQ(dialog.findChild<QSpinBox*>("copies")->value(), copies);
+        EXPECT_EQ(Field<QSpinBox>(dialog, "paneCopies")->value(), copies);
+        const int job = Print(dialog);
+        EXPECT_EQ(dialog.tab().settings().Copies(), copies);
+        const std::filesystem::path kept = *sandbox / "printed" / (std::to_string(job) + ".ps");
+        const CommandResult drawn = runCommand(
+            {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=inkcov", "-o", "-", kept.string()});
+        EXPECT_EQ(std::ranges::count(drawn.output, '\n'), copies * 3) << "the sample has three pages";
     }
 }
 

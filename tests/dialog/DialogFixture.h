@@ -62,6 +62,7 @@ protected:
     };
     std::unique_ptr<Shown> Open(const std::string& queue = productionQueue()) {
         auto shown = std::make_unique<Shown>();
+        shown->printer.setPrinterName(QString::fromStdString(queue));
         shown->dialog = std::make_unique<PrintDialog>(shown->printer, *plugIn, "brochure.ps");
         EXPECT_TRUE((*shown)->chooseQueue(queue));
         (*shown)->show();

@@ -15,6 +15,9 @@ namespace {
 // What is drawn, in a few words.
 std::string told(const JobSheets& sheets) {
     std::ostringstream text;
+    if (sheets.paper.empty() && sheets.size) {
+        text << sheets.size->width << 'x' << sheets.size->height;
+    }
     text << sheets.paper << (sheets.IsSheetLandscape() ? " across " : " ") << sheets.columns << 'x'
          << sheets.rows;
     for (const bool back : {false, true}) {
@@ -36,6 +39,9 @@ std::string told(const JobSheets& sheets) {
     }
     for (const double x : sheets.Folds()) {
         text << " fold " << static_cast<int>(x * 100);
+    }
+    for (const double x : sheets.Cuts()) {
+        text << " cut " << static_cast<int>(x * 100);
     }
     if (!sheets.Leaves().empty()) {
         text << " leaves ";
@@ -64,6 +70,12 @@ TEST(JobSheets, FollowTheSettings) {
         {{{"*QVDuplex", "LongEdge"}, {"*QVOrientation", "Landscape"}}, "across 1x1 front 1 back 2 at top"},
         {{{"*QVDuplex", "ShortEdge"}, {"*QVRIPBooklet", "Saddle"}},
          "across 2x1 front 0 1 back 2 0 at left fold 50"},
+        {{{"*QVDuplex", "ShortEdge"}, {"*QVRIPBooklet", "Perfect"}},
+         "across 2x1 front 4 1 back 2 3 at left fold 50"},
+        {{{"*QVDuplex", "ShortEdge"}, {"*QVRIPBooklet", "Perfect"}, {"*QVBookBinding", "Right"}},
+         "across 2x1 front 1 4 back 3 2 at left fold 50"},
+        {{{"*QVDuplex", "ShortEdge"}, {"*QVRIPBooklet", "Speed"}},
+         "across 2x1 front 1 0 back 0 2 at left cut 50"},
         {{{"*QVStaple", "Front"}}, "1x1 front 1 staple 0.06,0.06/-45"},
         {{{"*QVStaple", "Dual"}, {"*QVPunchHoles", "Two"}},
          "1x1 front 1 staple 0.06,0.3/90 staple 0.06,0.7/90 holes 2 from 0.045,0.365"},
@@ -112,6 +124,54 @@ TEST(JobSheets, TakeWhatIsKnown) {
     EXPECT_TRUE(sheets.IsSheetLandscape());
     EXPECT_THAT(jobSentences(pane.texts, sheets),
                 testing::ElementsAre("Duplex name: DuplexTumble", "Watermark: SECRET"));
+}
+
+// Sizes without a name: of the printer's own setting, and of the print dialog.
+TEST(JobSheets, CustomSizesCount) {
+    SpokenPane pane;
+    PDEData& data = *pane.pane->data;
+    const auto isDrawn = [&](const char* size, const char* sentence) {
+        const JobSheets sheets = jobSheets(pane.editor, &data, nullptr);
+        EXPECT_EQ(told(sheets), std::string(size) + " 1x1 front 1");
+        EXPECT_THAT(jobSentences(pane.texts, sheets), testing::ElementsAre(sentence));
+    };
+    const std::string ticket = "com.apple.print.subTicket.paper_info_ticket";
+    const auto edges = CFArrayCreate(
+        {CFNumberCreate(0.0), CFNumberCreate(0.0), CFNumberCreate(600.0), CFNumberCreate(400.0)});
+    pane.pane->Store(
+        ticket, CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), edges}}));
+    isDrawn("Letter", "Page Size: US Letter");
+    data.SetPageSizeFromOS(true);
+    isDrawn("400x600", "Page Size: 141.1 × 211.7 mm");
+    pane.editor.SetValue("*QVPrintSize", "CustomPrintSize");
+    pane.pane->Set("*CustomPrintSize", "300 500");
+    isDrawn("300x500", "Print Size: 105.8 × 176.4 mm");
+    pane.pane->Set("*QVPrintSize", "SameAsPageSize");
+    pane.pane->Store(ticket, cfString("damaged"));
+    isDrawn("Letter", "Page Size: US Letter");
+}
+
+// A place that is named for one orientation is drawn for that orientation.
+TEST(JobSheets, StaplesOfTheStandardChoices) {
+    SpokenPane pane(paneHeader + popup("StapleLocation", {"None", "SinglePortrait", "SingleLandscape",
+                                                          "DualLandscape", "UpperRight", "Elsewhere"}));
+    for (const auto& [choice, portrait, landscape] :
+         {std::tuple{"None", "", ""},
+          {"SinglePortrait", " staple 0.06,0.06/-45", ""},
+          {"SingleLandscape", "", " staple 0.06,0.06/-45"},
+          {"DualLandscape", "", ""},
+          {"UpperRight", " staple 0.94,0.06/45", " staple 0.94,0.06/45"},
+          {"Elsewhere", "", ""}}) {
+        pane.editor.SetValue("*StapleLocation", choice);
+        for (const auto orientation : {kPMPortrait, kPMLandscape}) {
+            pane.pane->format->orientation = static_cast<std::uint16_t>(orientation);
+            const JobSheets sheets = jobSheets(pane.editor, pane.pane->data.get(), nullptr);
+            const bool isAcross = orientation == kPMLandscape;
+            EXPECT_EQ(told(sheets), (isAcross ? " across 1x1 front 1" : " 1x1 front 1") +
+                                        std::string(isAcross ? landscape : portrait))
+                << choice;
+        }
+    }
 }
 
 } // namespace

@@ -5,6 +5,8 @@ namespace torka {
 
 class PPDXControl;
 
+constexpr unsigned maximumCopies = 9999; // four digits
+
 // Tests of keywords against the pane's fixed tables.
 
 // True for one of the 14 expert colour controls, compared whole. False for null.

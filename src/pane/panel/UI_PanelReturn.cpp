@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Interface/UTF8Level.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "pane/data/ControlTables.h"
 #include "pane/data/ControlValueText.h"
 #include "pane/data/PDEData.h"
 #include "pane/data/SpecialControls.h"
@@ -21,8 +22,6 @@
 namespace torka {
 
 namespace {
-
-constexpr std::uint32_t maximumCopies = 9999;
 
 // The notes whose text is kept as UTF-8 at every level of the description.
 constexpr std::array<std::string_view, 3> documentServerNotes = {"*QVDSFileName", "*QVDSUserName",

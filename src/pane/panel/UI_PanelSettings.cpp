@@ -7,6 +7,7 @@
 #include "pane/data/CutText.h"
 #include "pane/data/PDEData.h"
 #include "pane/data/SpecialControls.h"
+#include "pane/data/SystemPaper.h"
 #include "pane/panel/UI_Panel.h"
 #include "platform/Log.h"
 
@@ -22,15 +23,8 @@ namespace {
 
 constexpr std::size_t valueSize = 1025;       // bytes with terminator
 constexpr std::size_t savedPageSizeSize = 64; // bytes with terminator
-constexpr std::uint32_t maximumCopies = 9999; // four digits
 
 std::string sSavedOSPageSize; // the paper name of the system's page setup
-
-double numberAt(const CFArrayRef& array, CFIndex index) {
-    double number = 0;
-    CFNumberGetValue(cfCast<CFNumber>(CFArrayGetValueAtIndex(array, index)), number);
-    return number;
-}
 
 std::string pointsText(double width, double height) {
     const NumberText left(nearestFloat(width), 6);
@@ -59,12 +53,12 @@ CFTypeRef printSetting(const PDEData& data, const char* key) {
 } // namespace
 
 bool UI_Panel::GetOSPageSize() {
-    const auto ticket =
-        cfCast<CFDictionary>(printSetting(*mPDEData, "com.apple.print.subTicket.paper_info_ticket"));
-    if (!ticket) {
+    const SystemPaper paper = systemPaper(mPDEData->Settings());
+    if (!paper.ticket) {
         return false;
     }
-    auto name = cfCast<CFString>(CFDictionaryGetValue(ticket, u"com.apple.print.PaperInfo.ppd.PMPaperName"));
+    auto name =
+        cfCast<CFString>(CFDictionaryGetValue(paper.ticket, u"com.apple.print.PaperInfo.ppd.PMPaperName"));
     if (!name) {
         name = cfString(Text("DocumentSizeCustom", "Custom", "Localizable"));
     }
@@ -91,11 +85,7 @@ bool UI_Panel::GetOSPageSize() {
         }
     }
     mCustomPaperName = utf8Text(name);
-    const auto edges =
-        cfCast<CFArray>(CFDictionaryGetValue(ticket, u"com.apple.print.PaperInfo.PMUnadjustedPaperRect"));
-    enum Edge { top, left, bottom, right };
-    mCustomSize = pointsText(std::abs(numberAt(edges, left)) + std::abs(numberAt(edges, right)),
-                             std::abs(numberAt(edges, top)) + std::abs(numberAt(edges, bottom)));
+    mCustomSize = pointsText(paper.width, paper.height);
     mPDEData->SetPageSizeFromOS(true);
     return true;
 }

@@ -18,16 +18,13 @@ std::string shownNumber(const PaneTexts& texts, const PaneField& field, std::str
     return scale.Unit().name.empty() ? number : number + ' ' + scale.Unit().name;
 }
 
-std::string shownSize(const PaneTexts& texts, std::string_view value) {
-    const SizeScale scale(texts.language.metric);
-    const std::size_t blank = std::min(value.find(' '), value.size());
-    const auto side = [&](std::string_view points) {
-        return texts.Number(realValue(points) / scale.points, scale.decimals);
-    };
-    return side(value.substr(0, blank)) + " × " + side(value.substr(blank)) + ' ' + texts.Say(scale.unit);
-}
-
 } // namespace
+
+std::string shownSize(const PaneTexts& texts, const PaperSize& size) {
+    const SizeScale scale(texts.language.metric);
+    const auto side = [&](double points) { return texts.Number(points / scale.points, scale.decimals); };
+    return side(size.width) + " × " + side(size.height) + ' ' + texts.Say(scale.unit);
+}
 
 std::string shownChoice(const PaneTexts& texts, const PPDXControl& control, std::string_view choice) {
     std::string name = choiceName(control, choice);
@@ -54,7 +51,7 @@ std::string shownValue(const PaneTexts& texts, const PaneField& field, std::stri
     case CNTL_TYPE::floatRange:
         return shownNumber(texts, field, value);
     case CNTL_TYPE::customPageSize:
-        return shownSize(texts, value);
+        return shownSize(texts, paperOfText(value).value_or(PaperSize{0, 0}));
     default:
         break;
     }

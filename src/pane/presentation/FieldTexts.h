@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pane/editing/PaneEditor.h"
+#include "pane/presentation/JobPaper.h"
 #include "pane/presentation/PaneTexts.h"
 
 #include <string>
@@ -16,6 +17,8 @@ namespace torka {
 std::string shownChoice(const PaneTexts& texts, const PPDXControl& control, std::string_view choice);
 // The text of a value in the form of PaneEditor::Value. A secret is shown as dots.
 std::string shownValue(const PaneTexts& texts, const PaneField& field, std::string_view value);
+// "210 × 297 mm"
+std::string shownSize(const PaneTexts& texts, const PaperSize& size);
 // “Media Type: Labels”
 std::string shownSetting(const PaneTexts& texts, const PaneSetting& setting);
 // "Print on Both Sides to Off, Staple to None"

@@ -39,9 +39,10 @@ void add(JobSheets& sheets) {
     }
 }
 
-template <bool atTop>
+template <bool atTop, bool atLeft = true>
 void stapleAtCorner(JobSheets& sheets) {
-    sheets.staples = {{{nearEdge, atTop ? nearEdge : 1 - nearEdge}, atTop ? -45.0 : 45.0}};
+    sheets.staples = {{{atLeft ? nearEdge : 1 - nearEdge, atTop ? nearEdge : 1 - nearEdge},
+                       atTop == atLeft ? -45.0 : 45.0}};
 }
 
 void stapleLeft(JobSheets& sheets) { sheets.staples = {{{nearEdge, 0.3}, 90}, {{nearEdge, 0.7}, 90}}; }
@@ -52,6 +53,7 @@ struct Rule {
     std::string_view keyword; // with its asterisk
     std::string_view choice;
     void (*draw)(JobSheets&);
+    std::optional<bool> landscape{}; // the orientation of pages for which alone the choice is drawn
 };
 
 // What each choice draws. The keywords without "QV" are those of the PPD specification 4.3, section 5.
@@ -76,9 +78,9 @@ constexpr std::array rules{
     Rule{"*QVNUpOption", "DownLeft", set<&JobSheets::order, Order::downLeft>},
     Rule{"*QVNUpBorder", "True", set<&JobSheets::hasBorders, true>},
     Rule{"*QVRepeatPage", "True", set<&JobSheets::repeatsPage, true>},
-    Rule{"*QVRIPBooklet", "Saddle", set<&JobSheets::isBooklet, true>},
-    Rule{"*QVRIPBooklet", "Perfect", set<&JobSheets::isBooklet, true>},
-    Rule{"*QVRIPBooklet", "Speed", set<&JobSheets::isBooklet, true>},
+    Rule{"*QVRIPBooklet", "Saddle", set<&JobSheets::booklet, JobSheets::Booklet::saddle>},
+    Rule{"*QVRIPBooklet", "Perfect", set<&JobSheets::booklet, JobSheets::Booklet::perfect>},
+    Rule{"*QVRIPBooklet", "Speed", set<&JobSheets::booklet, JobSheets::Booklet::speed>},
     Rule{"*QVBookBinding", "Right", set<&JobSheets::bindingEdge, SheetEdge::right>},
     Rule{"*QVBookBinding", "Top", set<&JobSheets::bindingEdge, SheetEdge::top>},
     Rule{"*QVStaple", "Front", stapleAtCorner<true>},
@@ -86,10 +88,15 @@ constexpr std::array rules{
     Rule{"*QVStaple", "Dual", stapleLeft},
     Rule{"*QVStaple", "Top", stapleTop},
     Rule{"*QVStaple", "Saddle", stapleMiddle},
-    Rule{"*StapleLocation", "SinglePortrait", stapleAtCorner<true>},
-    Rule{"*StapleLocation", "DualPortrait", stapleLeft},
-    Rule{"*StapleLocation", "DualLandscape", stapleTop},
+    // The place of a staple for the other orientation depends on how the printer turns the page.
+    Rule{"*StapleLocation", "SinglePortrait", stapleAtCorner<true>, false},
+    Rule{"*StapleLocation", "SingleLandscape", stapleAtCorner<true>, true},
+    Rule{"*StapleLocation", "DualPortrait", stapleLeft, false},
     Rule{"*StapleLocation", "Saddle", stapleMiddle},
+    Rule{"*StapleLocation", "UpperLeft", stapleAtCorner<true>},
+    Rule{"*StapleLocation", "UpperRight", stapleAtCorner<true, false>},
+    Rule{"*StapleLocation", "LowerLeft", stapleAtCorner<false>},
+    Rule{"*StapleLocation", "LowerRight", stapleAtCorner<false, false>},
     Rule{"*QVPunchHoles", "Two", set<&JobSheets::holes, 2>},
     Rule{"*QVPunchHoles", "Three", set<&JobSheets::holes, 3>},
     Rule{"*QVPunchHoles", "Four", set<&JobSheets::holes, 4>},
@@ -134,7 +141,8 @@ void applyRules(JobSheets& sheets, const PaneEditor& editor) {
             control = editor.FindControl(keyword);
             value = control == nullptr ? std::string() : PaneEditor::Value(*control);
         }
-        if (control != nullptr && value == rule.choice) {
+        if (control != nullptr && value == rule.choice &&
+            rule.landscape.value_or(sheets.isLandscape) == sheets.isLandscape) {
             rule.draw(sheets);
             sheets.drawn.push_back(control);
         }
@@ -142,16 +150,23 @@ void applyRules(JobSheets& sheets, const PaneEditor& editor) {
 }
 
 // The paper on which the printer prints: that of its own setting, else the document's.
-void takePaper(JobSheets& sheets, const PaneEditor& editor, const PMPrinter& printer) {
+void takePaper(JobSheets& sheets, const PaneEditor& editor, const PDEData* data, const PMPrinter& printer) {
     for (const char* keyword : {"*PageSize", "*QVPrintSize"}) {
         const PPDXControl* control = editor.FindControl(keyword);
         const std::string name = control == nullptr ? std::string() : PaneEditor::Value(*control);
-        if (name.empty() || name == "SameAsPageSize" || name == "CustomPrintSize") {
+        if (name.empty() || name == "SameAsPageSize") {
             continue;
         }
+        std::optional<PaperSize> unnamed;
+        if (name == "CustomPrintSize") {
+            const PPDXControl* size = editor.FindControl("*CustomPrintSize");
+            unnamed = size == nullptr ? std::nullopt : paperOfText(PaneEditor::Value(*size));
+        } else if (std::string_view(keyword) == "*PageSize" && data != nullptr) {
+            unnamed = paperWithoutName(*data);
+        }
         sheets.drawn = {control};
-        sheets.paper = name;
-        sheets.size = printerPaper(printer, name);
+        sheets.paper = unnamed ? std::string() : name;
+        sheets.size = unnamed ? unnamed : printerPaper(printer, name);
     }
 }
 
@@ -192,7 +207,7 @@ void putInOrder(std::vector<Leaf>& leaves, bool before) {
 
 bool JobSheets::IsTurned() const {
     const int pages = columns * rows;
-    return isBooklet || pages == 2 || pages == 6 || pages == 8;
+    return booklet != Booklet::none || pages == 2 || pages == 6 || pages == 8;
 }
 
 SheetEdge JobSheets::TurnEdge() const {
@@ -201,10 +216,14 @@ SheetEdge JobSheets::TurnEdge() const {
 }
 
 std::vector<int> JobSheets::PageNumbers(bool back) const {
-    if (isBooklet) {
-        const bool firstIsRight = bindingEdge != SheetEdge::right;
-        // The first page shares its side with the last; the second is on its back.
-        return back == firstIsRight ? std::vector{back ? 2 : 1, 0} : std::vector{0, back ? 2 : 1};
+    if (booklet != Booklet::none) {
+        const bool bindsRight = bindingEdge == SheetEdge::right;
+        // Bound at the left, the first page is the right half of a folded sheet and the left half of one to
+        // be cut. The second page is on its back.
+        const bool isLeft = (back == (booklet == Booklet::speed)) == bindsRight;
+        const int number = back ? 2 : 1;
+        const int other = booklet == Booklet::perfect ? (back ? 3 : 4) : 0;
+        return isLeft ? std::vector{number, other} : std::vector{other, number};
     }
     const int count = columns * rows;
     std::vector<int> numbers(static_cast<std::size_t>(count));
@@ -223,7 +242,8 @@ std::vector<int> JobSheets::PageNumbers(bool back) const {
 std::vector<double> JobSheets::Folds() const {
     switch (fold) {
     case Fold::none:
-        return isBooklet ? std::vector{0.5} : std::vector<double>{};
+        return booklet == Booklet::saddle || booklet == Booklet::perfect ? std::vector{0.5}
+                                                                         : std::vector<double>{};
     case Fold::half:
         return {0.5};
     case Fold::letter:
@@ -235,6 +255,10 @@ std::vector<double> JobSheets::Folds() const {
         return {0.25, 0.75};
     }
     return {};
+}
+
+std::vector<double> JobSheets::Cuts() const {
+    return booklet == Booklet::speed ? std::vector{0.5} : std::vector<double>{};
 }
 
 std::vector<JobSheets::Place> JobSheets::HolePlaces() const {
@@ -268,12 +292,12 @@ std::vector<JobSheets::Leaf> JobSheets::Leaves() const {
 
 JobSheets jobSheets(const PaneEditor& editor, PDEData* data, const PMPrinter& printer) {
     JobSheets sheets;
-    takePaper(sheets, editor, printer);
+    takePaper(sheets, editor, data, printer);
     if (data != nullptr) {
         takeOthers(sheets, *data);
     }
     applyRules(sheets, editor);
-    if (sheets.isBooklet) {
+    if (sheets.booklet != JobSheets::Booklet::none) {
         sheets.columns = 2;
         sheets.rows = 1;
     } else if (sheets.columns != sheets.rows && (sheets.columns > sheets.rows) != sheets.IsSheetLandscape()) {
@@ -286,9 +310,12 @@ JobSheets jobSheets(const PaneEditor& editor, PDEData* data, const PMPrinter& pr
 
 std::vector<std::string> jobSentences(const PaneTexts& texts, const JobSheets& sheets) {
     std::vector<std::string> sentences;
+    const PPDXControl* unnamed =
+        sheets.paper.empty() && sheets.size && !sheets.drawn.empty() ? sheets.drawn.front() : nullptr;
     for (const PPDXControl* control : sheets.drawn) {
         sentences.push_back(nameOf(*control) + ": " +
-                            shownChoice(texts, *control, PaneEditor::Value(*control)));
+                            (control == unnamed ? shownSize(texts, *sheets.size)
+                                                : shownChoice(texts, *control, PaneEditor::Value(*control))));
     }
     if (sheets.watermark) {
         sentences.push_back(texts.Say(words::watermark) + ": " + sheets.watermark->text);

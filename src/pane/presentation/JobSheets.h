@@ -2,8 +2,8 @@
 #pragma once
 
 #include "output/WatermarkFields.h"
+#include "pane/presentation/JobPaper.h"
 #include "pane/presentation/PaneTexts.h"
-#include "pane/presentation/WatermarkEditing.h"
 
 #include <array>
 #include <optional>
@@ -25,6 +25,9 @@ struct JobSheets {
     enum class Sides { one, longEdge, shortEdge };
     enum class Fold { none, half, letter, accordion, z, gate };
     enum class Binding { none, comb, tape, ring, glue };
+    // Saddle: folded sheets inside each other. Perfect: folded sheets side by side, glued at the spine.
+    // Speed: sheets that are cut in their middle.
+    enum class Booklet { none, saddle, perfect, speed };
     enum class Trim { none, foreEdge, threeSides };
     // The order of the pages on a sheet: in rows or in columns, from the left or from the right.
     enum class Order { rightDown, downRight, leftDown, downLeft };
@@ -41,7 +44,7 @@ struct JobSheets {
         bool operator==(const Staple&) const = default;
     };
 
-    std::string paper;             // the paper's name in the description
+    std::string paper;             // the paper's name in the description; "" for a size without a name
     std::optional<PaperSize> size; // upright; none when the printer does not tell it
     bool isLandscape = false;      // the pages; the sheet may be turned against them
     int columns = 1;               // pages on a side, upright for the reader
@@ -49,7 +52,7 @@ struct JobSheets {
     Order order = Order::rightDown;
     bool hasBorders = false;
     bool repeatsPage = false;
-    bool isBooklet = false; // two pages on a side, and the sheet is folded in its middle
+    Booklet booklet = Booklet::none; // two pages on a side
     bool isGray = false;
     bool isMirrored = false;
     int rotation = 0; // of the pages, in degrees, clockwise
@@ -75,8 +78,9 @@ struct JobSheets {
     // The numbers of the pages on a side, by cell from the upper left in rows. 0 is a page whose number
     // depends on the length of the document.
     std::vector<int> PageNumbers(bool back) const;
-    // Where the sheet is folded, in shares of its width.
+    // Where the sheet is folded or cut apart, in shares of its width.
     std::vector<double> Folds() const;
+    std::vector<double> Cuts() const;
     // The holes as places on the front.
     std::vector<Place> HolePlaces() const;
     // The leaves in their order, with two sheets of pages; empty when only pages leave.

@@ -48,7 +48,12 @@ std::string pageOf(const PaneTexts& texts, const PaneField& field) {
 }
 
 std::vector<PaneField> quickAccessFields(const PaneEditor& editor, const std::vector<std::string>& keywords) {
+    constexpr const char* pageSize = "*PageSize";
     std::vector<PaneField> fields;
+    const PaneField* paper = editor.Catalog().Find(pageSize);
+    if (paper != nullptr && std::ranges::find(keywords, pageSize) == keywords.end()) {
+        fields.push_back(*paper);
+    }
     for (const std::string& keyword : keywords) {
         if (const PaneField* field = editor.Catalog().Find(keyword)) {
             fields.push_back(*field);

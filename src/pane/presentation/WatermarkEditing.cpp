@@ -15,7 +15,6 @@
 namespace torka {
 namespace {
 
-constexpr double maximumPaperSide = 14400; // points
 constexpr std::size_t maximumFontName = 117;
 
 std::unique_ptr<ZANWatermark> made(const WatermarkFields& fields) {
@@ -23,8 +22,6 @@ std::unique_ptr<ZANWatermark> made(const WatermarkFields& fields) {
     watermark->SetFirstPageOnly(fields.isFirstPageOnly ? "True" : "False");
     return watermark;
 }
-
-bool isPaperSide(double points) { return points >= 1 && points <= maximumPaperSide; }
 
 } // namespace
 
@@ -146,23 +143,6 @@ FontLook fontLook(std::string_view fontName) {
 double maximumOffset(std::int32_t points) {
     constexpr double usual = 1440;
     return std::max(usual, std::abs(static_cast<double>(points)));
-}
-
-std::optional<PaperSize> printerPaper(const PMPrinter& printer, std::string_view name) {
-    std::vector<Paper> papers;
-    if (printer == nullptr || PMPrinterGetPaperList(printer, papers) != noErr) {
-        return std::nullopt;
-    }
-    const auto paper = std::ranges::find(papers, name, &Paper::ppdPaperName);
-    if (paper == papers.end() || !isPaperSide(paper->width) || !isPaperSide(paper->height)) {
-        return std::nullopt;
-    }
-    return PaperSize{paper->width, paper->height};
-}
-
-bool isLandscape(const PDEData& data) {
-    const std::uint16_t orientation = data.GetPageOrientationFromOS();
-    return orientation == kPMLandscape || orientation == kPMReverseLandscape;
 }
 
 } // namespace torka

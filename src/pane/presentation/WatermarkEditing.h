@@ -4,7 +4,6 @@
 #include "output/WatermarkFields.h"
 #include "pane/editing/PaneEditor.h"
 #include "pane/presentation/PaneTexts.h"
-#include "platform/Printing.h"
 
 #include <array>
 #include <cstdint>
@@ -87,15 +86,5 @@ FontLook fontLook(std::string_view fontName);
 // The maximum distance from the middle of the page, in points, that a field must admit. `points`: the present
 // distance.
 double maximumOffset(std::int32_t points);
-
-struct PaperSize {
-    double width; // points
-    double height;
-};
-// The size of the paper of that name. None when the printer does not have it, or when its size is no sheet of
-// paper.
-std::optional<PaperSize> printerPaper(const PMPrinter& printer, std::string_view name);
-// Whether the page setup of the dialog turns the paper.
-bool isLandscape(const PDEData& data);
 
 } // namespace torka

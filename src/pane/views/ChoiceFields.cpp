@@ -163,7 +163,12 @@ void PopupRow::UpdateValue() {
     const auto& all = choices->Choices();
     const auto place =
         std::ranges::find_if(all, [&](const PaneChoice& choice) { return choice.keyword == value; });
-    const int row = place == all.end() ? -1 : static_cast<int>(place - all.begin());
+    const auto unnamed = field.keyword == "*PageSize" && context.data != nullptr
+                             ? paperWithoutName(*context.data)
+                             : std::nullopt;
+    // A size without a name is no choice of the description; the closed box shows it all the same.
+    box->setPlaceholderText(unnamed ? qText(shownSize(context.texts, *unnamed)) : QString());
+    const int row = place == all.end() || unnamed ? -1 : static_cast<int>(place - all.begin());
     if (box->currentIndex() != row) {
         box->setCurrentIndex(row);
     }

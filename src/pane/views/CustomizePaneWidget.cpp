@@ -3,6 +3,7 @@
 
 #include "pane/data/PDEData.h"
 #include "pane/views/ConflictBar.h"
+#include "pane/views/CopiesField.h"
 #include "pane/views/FieldPage.h"
 #include "pane/views/GaugePanel.h"
 #include "pane/views/JobPicture.h"
@@ -335,7 +336,12 @@ FieldPage* CustomizePaneWidget::MakeFieldPage(const PageEntry& entry) {
 
 FieldPage* CustomizePaneWidget::MakeQuickAccessPage() {
     auto* page = new FieldPage(context, stack);
-    page->AddFields(quickAccessFields(context.editor, quickAccess));
+    std::vector<FieldPage::ExtraRow> extraRows;
+    if (context.data != nullptr && context.data->Settings()) {
+        auto* copies = new CopiesField(*context.data, page);
+        extraRows.push_back({context.Say(words::copies), copies, [copies] { copies->Follow(); }});
+    }
+    page->AddFields(quickAccessFields(context.editor, quickAccess), extraRows);
     page->Finish();
     return page;
 }

@@ -33,6 +33,7 @@ void FieldPage::Clear() {
     delete takeWidget();
     rows.clear();
     groups.clear();
+    extraUpdates.clear();
     labelWidth = 0;
     column = new QWidget;
     constexpr int greatestCharacters = 104; // wider fields are no easier to read
@@ -95,11 +96,11 @@ void FieldPage::AddGroup(const QString& title, const std::vector<PaneField>& fie
     groups.push_back(std::move(group));
 }
 
-void FieldPage::AddFields(const std::vector<PaneField>& fields) {
+void FieldPage::AddFields(const std::vector<PaneField>& fields, const std::vector<ExtraRow>& extraRows) {
     labelWidth = std::max(labelWidth, LabelWidth(fields));
     auto* content = new QWidget(column);
     column->layout()->addWidget(content);
-    Fill(*content, fields);
+    Fill(*content, fields, extraRows);
 }
 
 void FieldPage::Finish() {
@@ -109,7 +110,8 @@ void FieldPage::Finish() {
     }
 }
 
-void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields) {
+void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields,
+                     const std::vector<ExtraRow>& extraRows) {
     auto* form = new QFormLayout(&content);
     const int indent = style()->pixelMetric(QStyle::PM_SmallIconSize) + 4;
     const bool underHeader = content.parentWidget() != column;
@@ -118,6 +120,15 @@ void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields) {
     form->setLabelAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     form->setRowWrapPolicy(QFormLayout::DontWrapRows);
     form->setHorizontalSpacing(12);
+    for (const ExtraRow& extra : extraRows) {
+        auto* label = new QLabel(labelText(extra.name), &content);
+        label->setFixedWidth(labelWidth);
+        label->setBuddy(extra.widget);
+        alignLeading(*label);
+        extra.widget->setAccessibleName(extra.name);
+        form->addRow(label, extra.widget);
+        extraUpdates.push_back(extra.update);
+    }
     for (const PaneField& field : fields) {
         auto row = makeFieldRow(context, field, &content);
         if (QLabel* label = row->Label()) {
@@ -140,12 +151,17 @@ void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields) {
 
 void FieldPage::Update(const std::vector<PPDXControl*>* controls) {
     for (const auto& row : rows) {
-        if (controls == nullptr || std::ranges::find(*controls, row->Field().control) != controls->end()) {
+        // What the dialog decides may change without a change of the control: a size that no choice has.
+        if (controls == nullptr || std::ranges::find(*controls, row->Field().control) != controls->end() ||
+            context.editor.LockOf(*row->Field().control) == PaneLock::system) {
             row->ShowValue();
         }
     }
     for (const auto& row : rows) {
         row->ShowAllowed();
+    }
+    for (const auto& update : extraUpdates) {
+        update();
     }
 }
 

@@ -27,8 +27,14 @@ public:
     void SetHint(const QString& text);
     // Adds fields in a roll-down. It is open when `open`, or after ShowField for one of its fields.
     void AddGroup(const QString& title, const std::vector<PaneField>& fields, bool open);
-    // Adds fields without a header.
-    void AddFields(const std::vector<PaneField>& fields);
+    // A row that is no field of the description.
+    struct ExtraRow {
+        QString name;
+        QWidget* widget = nullptr;
+        std::function<void()> update; // the widget's; called with each update of the page
+    };
+    // Adds fields without a header, below the extra rows.
+    void AddFields(const std::vector<PaneField>& fields, const std::vector<ExtraRow>& extraRows = {});
     // Adds a button that goes elsewhere.
     void AddLink(const QString& text, const std::function<void()>& go);
     // Adds a heading between fields.
@@ -55,13 +61,15 @@ private:
         std::vector<std::string> keywords;
     };
 
-    void Fill(QWidget& content, const std::vector<PaneField>& fields);
+    void Fill(QWidget& content, const std::vector<PaneField>& fields,
+              const std::vector<ExtraRow>& extraRows = {});
     int LabelWidth(const std::vector<PaneField>& fields) const;
 
     PaneContext& context;
     QWidget* column = nullptr;
     std::vector<std::unique_ptr<FieldRow>> rows;
     std::vector<Group> groups;
+    std::vector<std::function<void()>> extraUpdates;
     int labelWidth = 0; // the same for all groups, which aligns their columns
 };
 

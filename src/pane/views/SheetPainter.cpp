@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/SheetPainter.h"
 
+#include "pane/presentation/WatermarkEditing.h"
 #include "pane/views/PlainTexts.h"
 
 #include <QFont>
@@ -19,6 +20,7 @@ constexpr QColor textGray(228, 228, 228);
 constexpr QColor numberGray(120, 120, 120);
 constexpr QColor metal(70, 70, 80);
 constexpr QColor cut(200, 60, 40);
+constexpr QColor glueColor(205, 170, 90);
 
 // A font of the screen that looks like the printer's.
 QFont screenFont(const std::string& printerFont) {
@@ -100,6 +102,7 @@ public:
 
     void Paint() {
         PaintTrim();
+        PaintSpine();
         PaintFolds();
         PaintBinding();
         PaintHoles();
@@ -125,16 +128,29 @@ private:
         }
     }
 
+    // The glue of a booklet whose folded sheets lie side by side.
+    void PaintSpine() {
+        constexpr double halfWidth = 0.012;
+        if (sheets.booklet == JobSheets::Booklet::perfect) {
+            for (const double x : sheets.Folds()) {
+                painter.fillRect(QRectF(At(x - halfWidth, 0), At(x + halfWidth, 1)).normalized(), glueColor);
+            }
+        }
+    }
+
     void PaintTrim() {
+        painter.setPen(QPen(cut, std::max(1.2, unit), Qt::DashDotLine));
+        for (const double x : sheets.Cuts()) {
+            Line(x, 0, x, 1);
+        }
         if (sheets.trim == JobSheets::Trim::none) {
             return;
         }
         constexpr double inwards = 0.035;
-        painter.setPen(QPen(cut, std::max(1.2, unit), Qt::DashDotLine));
         const bool isAtLeft = sheets.bindingEdge == SheetEdge::right;
         const double foreEdge = isAtLeft ? inwards : 1 - inwards;
         Line(foreEdge, 0, foreEdge, 1);
-        if (sheets.isBooklet) {
+        if (sheets.booklet != JobSheets::Booklet::none && sheets.Cuts().empty()) {
             Line(1 - foreEdge, 0, 1 - foreEdge, 1); // both halves end at the fore-edge
         }
         if (sheets.trim == JobSheets::Trim::threeSides) {
@@ -171,7 +187,7 @@ private:
         const bool isTape = sheets.binding == JobSheets::Binding::tape;
         constexpr double tape = 0.07;
         constexpr double glue = 0.03;
-        painter.fillRect(edgeRect(0, 1, isTape ? tape : glue), isTape ? metal : QColor(205, 170, 90));
+        painter.fillRect(edgeRect(0, 1, isTape ? tape : glue), isTape ? metal : glueColor);
     }
 
     void PaintHoles() {
