@@ -121,7 +121,9 @@ void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields,
     form->setRowWrapPolicy(QFormLayout::DontWrapRows);
     form->setHorizontalSpacing(12);
     for (const ExtraRow& extra : extraRows) {
-        auto* label = new QLabel(labelText(extra.name), &content);
+        auto* label = new QLabel(&content);
+        label->setTextFormat(Qt::PlainText);
+        label->setText(labelText(extra.name));
         label->setFixedWidth(labelWidth);
         label->setBuddy(extra.widget);
         alignLeading(*label);
