@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Description.h"
 
-#include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/SettingText.h"
+#include "jobsettings/SettingCheck.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,24 +11,6 @@
 namespace torka::tool {
 
 namespace {
-
-bool offers(PPDXPopupControl& popup, const std::string& option) {
-    return popup.GetKeywordCFLocalName(option.c_str()) != nullptr;
-}
-
-Result<void> checkValue(PPDXControl& control, const Setting& setting, const std::string& shown) {
-    if (control.Type() == CNTL_TYPE::specialOption) {
-        return Fault{setting.key + " is given by the description and cannot be set"};
-    }
-    if (control.Type() == CNTL_TYPE::boolean && setting.value != "True" && setting.value != "False") {
-        return Fault{setting.key + " takes True or False, not " + shown};
-    }
-    if (auto* popup = dynamic_cast<PPDXPopupControl*>(&control);
-        popup != nullptr && !isOpenColourPopup(setting.key) && !offers(*popup, setting.value)) {
-        return Fault{setting.key + " does not offer " + shown + " (torka show lists its choices)"};
-    }
-    return {};
-}
 
 Result<Setting> parseSetting(const ZANPPD& description, const std::string& text) {
     const std::size_t equals = text.find('=');
@@ -47,9 +29,13 @@ Result<Setting> parseSetting(const ZANPPD& description, const std::string& text)
         return value.Why().In(setting.key);
     }
     setting.value = value->bytes;
-    const Result<void> checked =
-        checkValue(*control, setting, value->isHidden ? "the text of " + std::string(given) : setting.value);
-    return checked ? Result<Setting>(std::move(setting)) : checked.Why();
+    const Result<void> checked = checkSettingValue(
+        *control, setting.value, value->isHidden ? "the text of " + std::string(given) : setting.value);
+    if (!checked) {
+        const bool isList = control->Type() == CNTL_TYPE::popup;
+        return Fault{checked.Why().text + (isList ? " (torka show lists its choices)" : "")};
+    }
+    return setting;
 }
 
 } // namespace

@@ -1,24 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/JobEmission.h"
 
-#include "PPDX/KVEngine/CStringSoup.h"
-#include "PPDX/KVEngine/ConflictPairs.h"
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
-#include "PPDX/Utilities/ModelState.h"
-#include "PPDX/Utilities/NarrowText.h"
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
+#include "jobsettings/Findings.h"
+#include "jobsettings/ServerOptions.h"
 #include "output/BundleIdentifier.h"
-#include "output/PagesPerSheet.h"
 #include "platform/PropertyList.h"
 #include "platform/System.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <filesystem>
 #include <map>
-#include <sstream>
 #include <utility>
 
 namespace torka::tool {
@@ -38,16 +32,7 @@ std::shared_ptr<MemorySession> sessionOf(const std::string& descriptionPath) {
 }
 
 std::string words(LeftOutReason reason) {
-    switch (reason) {
-    case LeftOutReason::noFieldKeys:
-        return "it is protected and no keys are installed in " +
-               platform::system().Resolve(FieldKeys::installedPath).string() + " (--keys FILE)";
-    case LeftOutReason::tooLong:
-        return "it is too long to be protected";
-    case LeftOutReason::plainDestination:
-        break;
-    }
-    return "it is protected, and a file destination would name it in plain: the job has no file destination";
+    return leftOutReason(reason) + (reason == LeftOutReason::noFieldKeys ? " (--keys FILE)" : "");
 }
 
 CFStringRef printerName(const PMPrintSession& session) {
@@ -195,16 +180,9 @@ void JobEmission::CheckText(const CFStringRef& key, const CFStringRef& text) {
     }
     const std::string keyword = utf8Text(key);
     std::erase_if(leftOut, [&keyword](const LeftOut& entry) { return entry.keyword == keyword; });
-    const CFStringEncoding encoding = narrowTextEncoding();
-    const std::u16string outside = charactersOutside(text->units, encoding);
-    if (outside.empty()) {
-        return;
+    if (const std::string reason = lostTextReason(*description, *note, utf8Text(text)); !reason.empty()) {
+        leftOut.push_back({keyword, printable(reason)});
     }
-    const std::string characters = isSecretNote(*description, note)
-                                       ? "some of its characters"
-                                       : "\"" + printable(utf8FromUtf16(outside)) + "\"";
-    leftOut.push_back({keyword, std::string(encodingName(encoding)) +
-                                    ", the encoding of its text, does not have " + characters});
 }
 
 void JobEmission::TellLeftOut() const {
@@ -216,76 +194,14 @@ void JobEmission::TellLeftOut() const {
 // The job's own settings repeat what the server is told of the layout and the sides.
 Result<void> JobEmission::TakeJobOptions() {
     for (const auto& [name, value] : options.jobOptions) {
-        const Result<void> taken = name == "number-up" ? TakePagesPerSheet(value)
-                                   : name == "sides"   ? TakeSides(value)
-                                   : name == "media"   ? TakeMedia(value)
+        const Result<void> taken = name == "number-up" ? takePagesPerSheet(*description, *settings, value)
+                                   : name == "sides"   ? takeSides(*description, value)
+                                   : name == "media"   ? takeMedia(*description, value)
                                                        : Result<void>();
         if (!taken) {
             return taken.Why();
         }
     }
-    return {};
-}
-
-Result<void> JobEmission::TakePagesPerSheet(const std::string& number) {
-    int pages = 0;
-    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), pages);
-    if (error != std::errc() || end != number.data() + number.size() || !setPagesPerSheet(*settings, pages)) {
-        return Fault{"number-up takes 1, 2, 4, 6, 9 or 16, not '" + printable(number) + "'"};
-    }
-    const PPDXPopupControl* own = description->GetControls()->FindPopup("*QVNUpPages", true);
-    if (pages > 1 && own != nullptr && own->GetValue() != own->DefaultValue()) {
-        return Fault{"number-up: the setting QVNUpPages already puts several pages on a sheet"};
-    }
-    return {};
-}
-
-// A page size of the description. Other names, of trays and media or of other systems, are the server's.
-Result<void> JobEmission::TakeMedia(const std::string& media) {
-    PPDXPopupControl* control = description->GetControls()->FindPopup("*PageSize", true);
-    std::istringstream names(media);
-    for (std::string name; control != nullptr && std::getline(names, name, ',');) {
-        if (control->GetKeywordCFLocalName(name.c_str()) == nullptr) {
-            continue;
-        }
-        const std::string present = utf8Text(control->CopyCurrentControlValueString());
-        if (control->GetValue() != control->DefaultValue() && present != name) {
-            return Fault{"media=" + name + " and *PageSize=" + printable(present) + " differ"};
-        }
-        control->SetCurrentControlWithCFString(cfString(name));
-    }
-    return {};
-}
-
-Result<void> JobEmission::TakeSides(const std::string& sides) {
-    struct Side {
-        std::string_view sides;
-        std::array<const char*, 4> choices; // of descriptions
-    };
-    constexpr std::array<Side, 3> known{
-        {{"one-sided", {"None", "Off", "False", "Simplex"}},
-         {"two-sided-long-edge", {"LongEdge", "DuplexNoTumble", "NoTumble", "Duplex"}},
-         {"two-sided-short-edge", {"ShortEdge", "DuplexTumble", "Tumble", "TopTumble"}}}};
-    const auto asked = std::ranges::find(known, sides, &Side::sides);
-    if (asked == known.end()) {
-        return Fault{"sides takes one-sided, two-sided-long-edge or two-sided-short-edge, not '" +
-                     printable(sides) + "'"};
-    }
-    PPDXPopupControl* control = description->GetControls()->FindPopup("*QVDuplex", true);
-    control = control != nullptr ? control : description->GetControls()->FindPopup("*Duplex", true);
-    if (control == nullptr) {
-        return Fault{"sides: the description has no option QVDuplex or Duplex"};
-    }
-    const auto choice = std::ranges::find_if(
-        asked->choices, [&](const char* name) { return control->GetKeywordCFLocalName(name) != nullptr; });
-    if (choice == asked->choices.end()) {
-        return Fault{"sides: " + std::string(control->Keyword()) + " has no choice for " + sides};
-    }
-    const std::string present = utf8Text(control->CopyCurrentControlValueString());
-    if (control->GetValue() != control->DefaultValue() && present != *choice) {
-        return Fault{"sides=" + sides + " and " + control->Keyword() + "=" + printable(present) + " differ"};
-    }
-    control->SetCurrentControlWithCFString(cfString(*choice));
     return {};
 }
 
@@ -296,17 +212,11 @@ bool JobEmission::Check() const {
 }
 
 bool JobEmission::ReportConflicts() const {
-    const UIConstraints& constraints = *description->GetUIConstraints();
-    const CStringSoup& strings = *constraints.GetConstraintStrings();
-    const auto named = [&](const KeyOption& setting) {
-        return printable(jsonText(strings.Find(setting.key))) + "=" +
-               printable(jsonText(strings.Find(setting.option)));
-    };
-    const auto pairs = conflictPairs(constraints, *constraints.GetCurrentSelections());
-    for (const auto& [one, other] : pairs) {
-        warn(named(one) + " does not go together with " + named(other));
+    const std::vector<std::string> conflicts = conflictTexts(*description);
+    for (const std::string& conflict : conflicts) {
+        warn(conflict);
     }
-    return !pairs.empty();
+    return !conflicts.empty();
 }
 
 bool JobEmission::ReportBrokenNotes() const {
@@ -316,9 +226,9 @@ bool JobEmission::ReportBrokenNotes() const {
         if (note == nullptr || note->Keyword() == nullptr) {
             return;
         }
-        for (const BrokenNoteRule& rule : note->BrokenRules()) {
+        for (const std::string& broken : brokenRuleTexts(*note)) {
             hasBrokenNotes = true;
-            warn(printable(jsonText(note->Keyword())) + " " + rule.Words());
+            warn(broken);
         }
     });
     return hasBrokenNotes;
@@ -331,9 +241,7 @@ Result<void> JobEmission::Emit(EmissionPurpose purpose) {
         leftOut.push_back({note.keyword, words(note.reason)});
     }
     for (const LeftOutSetting& setting : data->LeftOutSettings()) {
-        leftOut.push_back({setting.keyword, "its code has " + std::to_string(setting.bytes) +
-                                                " bytes, and a job takes " +
-                                                std::to_string(setting.maximum)});
+        leftOut.push_back({setting.keyword, leftOutReason(setting)});
     }
     TellLeftOut();
     ticket.SavePPDForAllKeys(description.get(), cfString(bundleIdentifier));

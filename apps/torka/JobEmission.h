@@ -86,9 +86,6 @@ private:
     void CheckText(const CFStringRef& key, const CFStringRef& text);
     void ApplyOptions();
     Result<void> TakeJobOptions();
-    Result<void> TakePagesPerSheet(const std::string& number);
-    Result<void> TakeMedia(const std::string& media);
-    Result<void> TakeSides(const std::string& sides);
     bool ReportConflicts() const;
     bool ReportBrokenNotes() const;
     Result<void> WritePrintSettings() const;

@@ -136,18 +136,8 @@ bool isSpecialHueKeeperControl(const char* keyword) {
 
 bool isHiddenFromBasicPanel(const char* keyword) { return holds(hiddenControls, keyword); }
 
-bool isBidiKeyword(const char* keyword) {
-    const std::string_view text(keyword == nullptr ? "" : keyword);
-    return text.size() > "Bidi"sv.size() && text.ends_with("Bidi"sv);
-}
-
 bool isChosenBySystem(const PPDXControl& control) {
     return control == "*PageSize" || control == "*QVOrientation" || control == "*Collate";
-}
-
-bool isInstallableOption(const PPDXControl& control) {
-    const PPDXElement* group = control.GetParent();
-    return control.IsInstallableOption() || (group != nullptr && *group == "QVPPInstallableOptions");
 }
 
 } // namespace torka

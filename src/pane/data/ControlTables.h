@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-namespace torka {
+#include "PPDX/PPDObjects/Controls/FixedControls.h"
 
-class PPDXControl;
+namespace torka {
 
 constexpr unsigned maximumCopies = 9999; // four digits
 
@@ -16,13 +16,8 @@ bool isExpertHueKeeperControl(const char* keyword);
 bool isSpecialHueKeeperControl(const char* keyword);
 // True for one of the 96 controls that never appear on the basic panel, compared whole. False for null.
 bool isHiddenFromBasicPanel(const char* keyword);
-// True when the keyword ends in "Bidi" and is longer. False for null.
-bool isBidiKeyword(const char* keyword);
 
 // Chosen by the system's own panes, whose choice the control only shows: page size, orientation, collation.
 bool isChosenBySystem(const PPDXControl& control);
-
-// Says what hardware the printer has: in the group of the installable options, or flagged as one of them.
-bool isInstallableOption(const PPDXControl& control);
 
 } // namespace torka

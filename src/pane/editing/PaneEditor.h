@@ -173,13 +173,7 @@ private:
     // `wanted`: a change to make, whose new conflicts alone are resolved; null resolves all.
     PaneResolution FindResolution(const KeyOption* wanted) const;
     bool Make(const PaneResolution& found);
-    KVCache LockedPairs(const KVCache& selections) const;
-    bool PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked,
-                      std::string_view edited) const;
-    void LeaveOutNeedless(KVCache& changes, const KeyOption* wanted) const;
-    // Conflicts of these selections; with a wanted change only those that the present ones lack.
-    std::vector<std::pair<KeyOption, KeyOption>> PairsToResolve(const KVCache& selections,
-                                                                const KeyOption* wanted) const;
+    bool PrefersFirst(const KeyOption& first, const KeyOption& second, std::string_view edited) const;
 
     ZANPPD& model;
     PDEData* paneData;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/ConflictPairs.h"
+#include "PPDX/KVEngine/ConflictResolution.h"
 #include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
@@ -14,9 +15,6 @@
 
 namespace torka {
 namespace {
-
-constexpr std::uint64_t maximumWork = std::uint64_t{1} << 22U; // of one search: well below a second
-constexpr int maximumRounds = 64;
 
 const char* textOf(const char* text) { return text == nullptr ? "" : text; }
 
@@ -83,24 +81,10 @@ bool PaneEditor::CanBeResolved(std::string_view keyword) const {
            !(paneData != nullptr && paneData->dmtHides(keyword));
 }
 
-KVCache PaneEditor::LockedPairs(const KVCache& selections) const {
-    KVCache locked;
-    for (const KeyOption& pair : selections.Pairs()) {
-        if (!CanBeResolved(textOf(constraints.GetConstraintStrings()->Find(pair.key)))) {
-            locked.Insert(pair.key, -1);
-        }
-    }
-    return locked;
-}
-
-// Decides which side of a conflict stays. In this order: a setting that cannot be changed, the one edited
-// last, the one that differs from its default.
-bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second, const KVCache& locked,
+// Decides which side of a conflict stays: the setting edited last, else the one that differs from its
+// default.
+bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second,
                               std::string_view edited) const {
-    const bool firstLocked = locked.FindKey(first.key) != nullptr;
-    if (firstLocked != (locked.FindKey(second.key) != nullptr)) {
-        return firstLocked;
-    }
     const PaneSetting one = SettingOf(first);
     const PaneSetting other = SettingOf(second);
     if (one.keyword == edited || other.keyword == edited) {
@@ -113,79 +97,20 @@ bool PaneEditor::PrefersFirst(const KeyOption& first, const KeyOption& second, c
     return !isDefault(one) || isDefault(other);
 }
 
-std::vector<std::pair<KeyOption, KeyOption>> PaneEditor::PairsToResolve(const KVCache& selections,
-                                                                        const KeyOption* wanted) const {
-    auto pairs = conflictPairs(constraints, selections);
-    if (wanted != nullptr) {
-        const auto known = conflictPairs(constraints, *constraints.GetCurrentSelections());
-        std::erase_if(pairs, [&](const auto& pair) { return std::ranges::find(known, pair) != known.end(); });
-    }
-    return pairs;
-}
-
-void PaneEditor::LeaveOutNeedless(KVCache& changes, const KeyOption* wanted) const {
-    const KVCache& now = *constraints.GetCurrentSelections();
-    for (std::size_t i = changes.size(); i-- > 0;) {
-        const KeyOption change = changes.GetKV(i);
-        const std::int64_t before = now.GetItem(change.key);
-        if (before == change.option || (wanted != nullptr && change.key == wanted->key)) {
-            continue;
-        }
-        KVCache without = changes;
-        without.Insert(change.key, before);
-        KVCache then = now;
-        then.merge(without);
-        if (PairsToResolve(then, wanted).empty()) {
-            changes = std::move(without);
-        }
-    }
-}
-
 PaneResolution PaneEditor::FindResolution(const KeyOption* wanted) const {
-    const KVCache& now = *constraints.GetCurrentSelections();
-    const KVCache locked = LockedPairs(now);
-    KVCache trial = now;
-    ConstraintsEngine engine(&trial, constraints.GetConstraintForest(), constraints.GetKeyForest(), &locked);
-    engine.LimitWork(maximumWork);
-    KVCache changes;
-    std::string edited = lastEdited;
-    if (wanted != nullptr) {
-        changes.Insert(wanted->key, wanted->option);
-        trial.merge(changes);
-        edited = SettingOf(*wanted).keyword;
+    const std::string edited = wanted == nullptr ? lastEdited : SettingOf(*wanted).keyword;
+    const auto mayChange = [this](std::int64_t key) {
+        return CanBeResolved(textOf(constraints.GetConstraintStrings()->Find(key)));
+    };
+    const auto prefersFirst = [&](const KeyOption& first, const KeyOption& second) {
+        return PrefersFirst(first, second, edited);
+    };
+    const auto found = findResolution(constraints, {mayChange, prefersFirst}, wanted);
+    PaneResolution resolved{found.has_value(), {}};
+    for (const KeyOption& change : found.value_or(std::vector<KeyOption>())) {
+        resolved.changes.push_back(SettingOf(change));
     }
-    for (int round = 0; round < maximumRounds; ++round) {
-        const auto pairs = PairsToResolve(trial, wanted);
-        if (pairs.empty()) {
-            LeaveOutNeedless(changes, wanted);
-            PaneResolution found{true, {}};
-            for (const KeyOption& change : changes.Pairs()) {
-                if (now.GetItem(change.key) != change.option) {
-                    found.changes.push_back(SettingOf(change));
-                }
-            }
-            return found;
-        }
-        std::pair<KeyOption, KeyOption> sides = pairs.front();
-        if (!PrefersFirst(sides.first, sides.second, locked, edited)) {
-            std::swap(sides.first, sides.second);
-        }
-        bool solved = false;
-        for (const KeyOption& kept : {sides.first, sides.second}) {
-            KVCache attempt = changes;
-            attempt.Insert(kept.key, kept.option);
-            if (engine.Solve(attempt, true).conflicts.size() == 0) {
-                changes = std::move(attempt);
-                solved = true;
-                break;
-            }
-        }
-        if (!solved) {
-            break;
-        }
-        trial.merge(changes);
-    }
-    return {};
+    return resolved;
 }
 
 const PaneResolution& PaneEditor::Resolution() const {
