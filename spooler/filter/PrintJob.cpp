@@ -7,6 +7,7 @@
 #include "spooler/ByteSink.h"
 #include "spooler/SpliceFile.h"
 #include "spooler/filter/MailboxFile.h"
+#include "spooler/filter/OptionJob.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 
@@ -86,17 +87,62 @@ int spliceIntoMailbox(const Sender& sender, int source, const Ticket& ticket, st
     return done ? 0 : 1;
 }
 
+Sender senderOf(const FilterJob& job) { return {job.queue, job.user, std::string(job.OriginatingHost())}; }
+
+int printTicket(const FilterJob& job, int source, Ticket& ticket, int target) {
+    readUnguarded(job, ticket);
+    const auto& entries = ticket.entries;
+    const auto mailbox = std::ranges::find(entries, siteFileDestination, &TicketEntry::site);
+    return mailbox == entries.end() ? splice(source, ticket, target)
+                                    : spliceIntoMailbox(senderOf(job), source, ticket, mailbox->bytes);
+}
+
+// The sender reads the warning as the state of the job and its queue.
+int printByOptions(const FilterJob& job, int source, OptionJob& options, int target) {
+    if (!options.refusal.empty()) {
+        tellError(options.refusal);
+        return 1;
+    }
+    std::string line;
+    for (const std::string& text : options.told) {
+        tellDebug("options: " + text);
+        line += (line.empty() ? "" : "; ") + text;
+    }
+    if (!line.empty()) {
+        tellWarning("Printed by its options: " + line + ".");
+    }
+    return printTicket(job, source, options.ticket, target);
+}
+
+// One dialog may send several jobs with one ticket, which the first of them gets. Returns nothing when this
+// is no such job, or when its options say nothing.
+std::optional<OptionJob> withoutItsTicket(const FilterJob& job, std::string_view path) {
+    if (!TicketStore::IsUsedByAnotherOf(senderOf(job), job.Identity(), path)) {
+        return std::nullopt;
+    }
+    std::optional<OptionJob> options = readOptionJob(job, SecretNotes::leftOut);
+    if (options) {
+        options->told.insert(options->told.begin(),
+                             "its print settings belong to another job, so that its notes with passwords and "
+                             "protected fields are left out");
+    }
+    return options;
+}
+
 } // namespace
 
 int printJob(const FilterJob& job, int source, int target) {
     const auto named = job.options.find(ticketPathSetting);
     if (named == job.options.end()) {
-        return passUnchanged(source, target);
+        std::optional<OptionJob> options = readOptionJob(job, SecretNotes::refused);
+        return options ? printByOptions(job, source, *options, target) : passUnchanged(source, target);
     }
     TicketStore::SweepSometimes();
-    const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
-    const Result<OpenFile> opened = TicketStore::Open(sender, job.Identity(), named->second);
+    const Result<OpenFile> opened = TicketStore::Open(senderOf(job), job.Identity(), named->second);
     if (!opened) {
+        if (std::optional<OptionJob> options = withoutItsTicket(job, named->second)) {
+            return printByOptions(job, source, *options, target);
+        }
         tellError(opened.Why().text);
         return 1;
     }
@@ -109,11 +155,7 @@ int printJob(const FilterJob& job, int source, int target) {
     for (const TicketWarning& warning : ticket->warnings) {
         tellDebug(name + ": entry " + std::to_string(warning.entry) + ": " + warning.text);
     }
-    readUnguarded(job, *ticket);
-    const auto& entries = ticket->entries;
-    const auto mailbox = std::ranges::find(entries, siteFileDestination, &TicketEntry::site);
-    return mailbox == entries.end() ? splice(source, *ticket, target)
-                                    : spliceIntoMailbox(sender, source, *ticket, mailbox->bytes);
+    return printTicket(job, source, *ticket, target);
 }
 
 } // namespace torka::filter

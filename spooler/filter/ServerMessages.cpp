@@ -28,6 +28,19 @@ void tell(std::string_view kind, std::string_view text) {
 void tellError(std::string_view text) { tell("ERROR: ", text); }
 void tellDebug(std::string_view text) { tell("DEBUG: ", text); }
 
+void tellWarning(std::string_view text) {
+    constexpr std::size_t longest = 900; // bytes
+    if (text.size() <= longest) {
+        tell("WARNING: ", text);
+        return;
+    }
+    std::size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) {
+        --end;
+    }
+    tell("WARNING: ", std::string(text.substr(0, end)) + " ...");
+}
+
 void waitUntilRead() {
     constexpr useconds_t interval = 5000;
     constexpr int looks = 400; // 2 seconds in all

@@ -268,6 +268,19 @@ Result<OpenFile> TicketStore::Open(const Sender& sender, const JobIdentity& job,
     return Fault{missingText(name)};
 }
 
+bool TicketStore::IsUsedByAnotherOf(const Sender& sender, const JobIdentity& job, std::string_view path) {
+    const std::string_view name = lastComponent(path);
+    const FileResult<TicketOwner> owner =
+        isTicketName(name) ? TicketOwner::Open(name)
+                           : FileResult<TicketOwner>(std::make_error_code(std::errc::invalid_argument));
+    if (!owner) {
+        return false;
+    }
+    const TicketRecord& record = owner->Record();
+    return record.user == sender.user && record.host == sender.host && !record.isContested && record.usedBy &&
+           *record.usedBy != job;
+}
+
 bool TicketStore::RemoveOwn(const Sender& sender, std::string_view name) {
     if (!isTicketName(name)) {
         return false;

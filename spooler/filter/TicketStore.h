@@ -39,6 +39,8 @@ public:
     // Opens the ticket that a print job names and assigns it to this job. Forgets the announced name of a
     // ticket that never arrived.
     static Result<OpenFile> Open(const Sender& sender, const JobIdentity& job, std::string_view path);
+    // Whether the ticket of this name belongs to another job of the same user and host, and only to that one.
+    static bool IsUsedByAnotherOf(const Sender& sender, const JobIdentity& job, std::string_view path);
     // Removes a ticket of this user with its owner record.
     static bool RemoveOwn(const Sender& sender, std::string_view name);
     // Removes expired tickets, incomplete tickets, and leftovers of other jobs. SweepSometimes does so at

@@ -71,6 +71,7 @@ int runJob(const FilterJob& job) {
         filter::tellDebug(problem);
     }
     platform::AdapterOptions adapters{.network = true};
+    adapters.system.userName = job.user; // the sign-in name of a job, where the description asks for one
     platform::chooseAdapters(std::move(adapters));
 
     const filter::OpenFile file(job.file.empty() ? -1 : ::open(job.file.c_str(), O_RDONLY | O_CLOEXEC));

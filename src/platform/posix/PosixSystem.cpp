@@ -120,6 +120,9 @@ std::filesystem::path PosixSystem::ConfigFolder() const {
 }
 
 std::string PosixSystem::UserName() const {
+    if (!options.userName.empty()) {
+        return options.userName;
+    }
     const User user = currentUser();
     return user.name.empty() ? std::to_string(geteuid()) : user.name;
 }

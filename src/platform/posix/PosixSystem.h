@@ -20,6 +20,7 @@ struct PosixSystemOptions {
     std::filesystem::path temporaryFolder; // empty: TMPDIR when it is a folder, else "/tmp"
     std::vector<std::string> languages;    // empty: taken from the environment
     HostApplication host;                  // an empty process name is filled in
+    std::string userName;                  // the person worked for; empty: the process's own user
     // Replaces the plain wait, for example to run an event loop. Returns false when the wait is cancelled.
     std::function<bool(std::chrono::milliseconds)> wait;
 };

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "spooler/filter/MarkedChoices.h"
+
+#include <cups/ppd.h>
+#include <memory>
+
+// The library marks its PPD calls as deprecated and has no other calls for a description.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace torka::filter {
+
+namespace {
+
+struct ClosePPD {
+    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
+};
+
+} // namespace
+
+ServerChoices markedChoices(const std::string& ppdPath, const OptionMap& options) {
+    ServerChoices choices;
+    const std::unique_ptr<ppd_file_t, ClosePPD> ppd(ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()));
+    if (!ppd) {
+        return choices;
+    }
+    cups_option_t* list = nullptr;
+    int count = 0;
+    for (const auto& [name, value] : options) {
+        count = cupsAddOption(name.c_str() + (name.starts_with('*') ? 1 : 0), value.c_str(), count, &list);
+    }
+    ppdMarkDefaults(ppd.get());
+    cupsMarkOptions(ppd.get(), count, list);
+    cupsFreeOptions(count, list);
+    for (ppd_option_t* option = ppdFirstOption(ppd.get()); option != nullptr;
+         option = ppdNextOption(ppd.get())) {
+        for (int i = 0; i < option->num_choices; ++i) {
+            if (option->choices[i].marked != 0) {
+                choices[option->keyword].emplace_back(option->choices[i].choice);
+            }
+        }
+    }
+    return choices;
+}
+
+} // namespace torka::filter
