@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "spooler/filter/OptionJob.h"
+
+#include "connection/ZANCorvianPrinterPList.h"
+#include "jobsettings/OptionText.h"
+#include "tests/connection/RecordPPD.h"
+#include "tests/filter/FilterHarness.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+
+// Tickets from the options of jobs, as the print server passes them.
+
+namespace torka::tests {
+namespace {
+
+using namespace filter;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+const std::string sample = TORKA_SOURCE_DIR "/samples/torka-production.ppd";
+const std::string definition = "0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,";
+
+std::optional<OptionJob> read(const std::string& options, const std::string& ppd = sample,
+                              SecretNotes secrets = SecretNotes::refused,
+                              const std::string& type = "application/pdf") {
+    const char* arguments[] = {"torkafilter", "1", "anna", "title", "1", options.c_str()};
+    FilterJob job = *readFilterJob(6, arguments);
+    job.queue = "Proofs";
+    job.description = ppd;
+    job.contentType = type;
+    return readOptionJob(job, secrets);
+}
+
+// Every entry but the suppressed keywords, which stand in brackets.
+std::string entriesOf(const OptionJob& job) {
+    std::string text;
+    for (const TicketEntry& entry : job.ticket.entries) {
+        text += entry.site == siteSuppressedKeyword ? "[" + entry.bytes + "]\n" : entry.bytes;
+    }
+    return text;
+}
+
+std::string toldBy(const OptionJob& job) {
+    std::string text;
+    for (const std::string& line : job.told) {
+        text += line + "\n";
+    }
+    return text;
+}
+
+TEST(OptionJob, ReadsEachKindOfSetting) {
+    const FilterHarness harness;
+    struct Case {
+        std::string options;
+        std::vector<std::string> expected; // in the ticket
+        std::string told;                  // "" for nothing
+    };
+    const auto feature = [](const std::string& text) { return "%%BeginFeature: *" + text + "\n"; };
+    const std::string noSaddle = "*QVStaple=Saddle does not go together with *QVFoldStyle=Half";
+    const std::vector<Case> cases{
+        {"QVStaple=Saddle", {feature("QVStaple Saddle"), "[*QVStaple]"}, ""},
+        {"*qvstaple=saddle", {feature("QVStaple Saddle")}, ""},
+        {"QVStaple=Nope", {feature("QVStaple None")}, "QVStaple does not offer Nope"},
+        {"QVNegative", {feature("QVNegative True")}, ""}, // CUPS writes true values without "=true"
+        {"noQVEdgeEnhance", {feature("QVEdgeEnhance False")}, ""},
+        {"QVMMInUse=on QVErrorSheet=no", {feature("QVMMInUse True"), feature("QVErrorSheet False")}, ""},
+        {"QVNegative=maybe", {feature("QVNegative False")}, "QVNegative takes True or False, not maybe"},
+        {"QVOutProfile=Site4", {feature("QVOutProfile Site4")}, ""}, // the controller adds profiles
+        {"QVScale=50", {"RMXSetQVScale [ 0.50 ]"}, ""},
+        {"QVScale=999", {"RMXSetQVScale [ 4.00 ]"}, "QVScale does not take 999, but 400"},
+        {"QVScale=50%n", {"RMXSetQVScale [ 1.00 ]"}, "QVScale takes a number, not 50%n"},
+        {"QVGutter=87", {feature("QVGutter 85")}, "QVGutter does not take 87, but 85"},
+        {"QVGamma=+1.8", {feature("QVGamma    1.8000")}, ""},
+        {"QVGamma=nan", {feature("QVGamma    2.2000")}, "QVGamma takes a number, not nan"},
+        {"Notes1='from shelf 4'", {"%%ZANCustom1: from shelf 4\n", feature("Notes1 from shelf 4")}, ""},
+        {"Notes2=one\\ two", {"%%ZANCustom2: one two\n"}, ""},
+        {"Notes1=a\\\n%%EndComments", {"%%ZANCustom1: a %%EndComments\n"}, ""},
+        {"QVAccountId=000123", {feature("QVAccountId 000123")}, ""},
+        {"QVCostCenter=ab", {feature("QVCostCenter ab")}, "QVCostCenter must have at least 3 characters"},
+        {"QVDSPassword=4711", {feature("QVDSPassword 4711")}, ""}, // only masked
+        {"Notes1=\xff", {}, "Notes1 has a value that is no UTF-8"},
+        {"QVPrintSize=Custom.20x30cm",
+         {feature("CustomPrintSize 567.00 850.00"), feature("QVPrintSize CustomPrintSize")},
+         ""},
+        {"CustomPrintSize='300 500'", {feature("CustomPrintSize 300.00 500.00")}, ""},
+        {"CustomPrintSize=3x5in",
+         {feature("QVPrintSize SameAsPageSize")},
+         "CustomPrintSize takes no size 3x5in"},
+        {"PageSize=Custom.20x30cm QVNegative", {feature("QVNegative True")}, ""},
+        {"QVNegative number-up=2 landscape", {"%%MacCoreNUp: true\n", "%%Orientation: Portrait\n"}, ""},
+        {"QVNegative number-up=4 orientation-requested=4", {"%%Orientation: Landscape\n"}, ""},
+        {"QVNUpPages=4 number-up=2", {}, "number-up: the setting QVNUpPages already puts several"},
+        {"sides=two-sided-short-edge", {feature("QVDuplex ShortEdge")}, ""},
+        {"sides=two-sided-short-edge QVDuplex=LongEdge", {feature("QVDuplex LongEdge")}, ""},
+        {"torka-watermark=draft", {}, "the queue keeps no watermark draft"},
+        {"torka-watermark=" + definition + "PROOF", {"Helvetica-Bold"}, ""},
+        {"torka-watermark=none QVNegative", {feature("QVNegative True")}, ""},
+        {"QVStaple=Saddle QVFoldStyle=Half", {feature("QVFoldStyle Half"), "[*QVFoldStyle]"}, noSaddle},
+        {"QVStaple=Saddle QVFoldStyle=Half torka-conflicts=Resolve",
+         {feature("QVStaple Saddle"), feature("QVFoldStyle None"), "[*QVFoldStyle]"},
+         "because of a conflict, QVFoldStyle=None instead of Half"},
+        {"QVStaple=Saddle PageSize=Statement torka-conflicts=resolve", // the pages are laid out
+         {feature("QVStaple Top")},
+         "because of a conflict, QVStaple=Top instead of Saddle"},
+        {"QVStaple=Saddle media=Statement", {}, "*PageSize=Statement"},
+        {"QVNegative torka-conflicts=perhaps",
+         {},
+         "torka-conflicts takes print, resolve or stop, not perhaps"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.options);
+        const std::optional<OptionJob> job = read(each.options);
+        ASSERT_TRUE(job);
+        EXPECT_EQ(job->refusal, "");
+        const std::string entries = entriesOf(*job);
+        for (const std::string& expected : each.expected) {
+            EXPECT_THAT(entries, HasSubstr(expected));
+        }
+        if (each.told.empty()) {
+            EXPECT_EQ(toldBy(*job), "");
+        } else {
+            EXPECT_THAT(toldBy(*job), HasSubstr(each.told));
+        }
+        // The print server's own code stays for the page size, the collation, and choices of several.
+        for (const char* keyword : {"PageSize", "PageRegion", "Collate", "QVMarks"}) {
+            EXPECT_THAT(entries, Not(HasSubstr("[*" + std::string(keyword) + "]")));
+            EXPECT_THAT(entries, Not(HasSubstr("%%BeginFeature: *" + std::string(keyword) + " ")));
+        }
+    }
+}
+
+TEST(OptionJob, LeavesOtherJobsAlone) {
+    const FilterHarness harness;
+    for (const char* options :
+         {"", "copies=2 media=A3 sides=one-sided number-up=2 job-uuid=urn:uuid:1 print-quality=5",
+          "PageSize=A3 collate=true", "sides=one-sided", "nonsense=1 =x %n%s=%s ''=''",
+          "torka-conflicts=stop", "*=1", "*torka-watermark"}) {
+        EXPECT_FALSE(read(options)) << options;
+    }
+    const TemporaryFolder folder;
+    for (const std::string& ppd : {std::string("/nowhere"), (folder / "").string(),
+                                   folder.Write("other.ppd", smallPPD + onlySheet("595 842")).string()}) {
+        EXPECT_FALSE(read("QVStaple=Saddle PageSize=A4", ppd)) << ppd;
+    }
+}
+
+TEST(OptionJob, StopsForSecretsAndWhenItIsToldTo) {
+    const FilterHarness harness;
+    const std::string secret = "74915362";
+    for (const char* keyword : {"Resume", "*resume", "DeptPassword", "QVUserPassword", "QVUserAuthPwd"}) {
+        const std::optional<OptionJob> job = read(std::string(keyword) + "=" + secret + " QVNegative");
+        ASSERT_TRUE(job);
+        EXPECT_THAT(job->refusal, HasSubstr("is protected and cannot be an option")) << keyword;
+        EXPECT_THAT(job->refusal + toldBy(*job) + entriesOf(*job), Not(HasSubstr(secret)));
+    }
+    EXPECT_THAT(read("QVStaple=Saddle QVFoldStyle=Half torka-conflicts=stop")->refusal,
+                HasSubstr("*QVFoldStyle=Half"));
+    EXPECT_THAT(read("QVScale=x torka-conflicts=stop")->refusal, HasSubstr("QVScale takes a number"));
+    EXPECT_EQ(read("QVScale=50 torka-conflicts=stop")->refusal, "");
+
+    const std::optional<OptionJob> bare =
+        read("Resume=" + secret + " QVDSPassword=" + secret + " Notes1=x", sample, SecretNotes::leftOut);
+    ASSERT_TRUE(bare);
+    EXPECT_EQ(bare->refusal, "");
+    EXPECT_THAT(entriesOf(*bare), HasSubstr("%%ZANCustom1: x\n"));
+    EXPECT_THAT(entriesOf(*bare) + toldBy(*bare), Not(HasSubstr(secret)));
+    EXPECT_THAT(toldBy(*bare), HasSubstr("QVDSPassword is left out\nResume is left out"));
+}
+
+// Nothing of the server's stands in a document that its filters have not seen.
+TEST(OptionJob, CarriesEverythingForADocumentThatTheServersFiltersHaveNotSeen) {
+    const FilterHarness harness;
+    const std::optional<OptionJob> job =
+        read("QVNegative PageSize=A3", sample, SecretNotes::refused, "application/vnd.cups-postscript");
+    ASSERT_TRUE(job);
+    EXPECT_THAT(entriesOf(*job), HasSubstr("%%BeginFeature: *PageSize A3\n"));
+    EXPECT_THAT(entriesOf(*job), HasSubstr("%%BeginFeature: *QVMarks Crop\n"));
+}
+
+TEST(OptionJob, FindsTheWatermarksThatItsQueueKeeps) {
+    const FilterHarness harness;
+    const TemporaryFolder folder;
+    ZANCorvianPrinterPList list(std::make_unique<FilePropertyListStore>(folder / "list.plist"));
+    list.Add(cfString("Proofs"), cfString(""), false);
+    std::vector<DataRow> rows(2);
+    (definition + "Draft").copy(rows[0].data(), 200);
+    (definition + "DRAFT").copy(rows[1].data(), 200);
+    list.AddDataBlob(cfString("Proofs"), 2, 1, rows);
+    ASSERT_TRUE(list.Save());
+    std::istringstream record(
+        readFile(writeRecordPPD(folder, "QVDriverPreference", readFile(folder / "list.plist"), true)));
+    std::string lines;
+    for (std::string line; std::getline(record, line);) {
+        lines += line.starts_with("*QVDriverPreference") ? line + "\n" : "";
+    }
+    const std::string ppd = folder.Write("Proofs.ppd", "*PPD-Adobe: \"4.3\"\n" + lines + readFile(sample));
+    for (const auto& [name, hex] :
+         {std::pair{"DRAFT", "<4452414654>"}, {"Draft", "<4472616674>"}, {"dRAFT", "<4472616674>"}}) {
+        const std::optional<OptionJob> job = read(std::string("torka-watermark=") + name, ppd);
+        ASSERT_TRUE(job);
+        EXPECT_THAT(job->told, IsEmpty());
+        EXPECT_THAT(entriesOf(*job), HasSubstr(hex)) << name;
+    }
+}
+
+TEST(OptionText, ReadsSizes) {
+    struct Case {
+        const char* text;
+        double width;
+        double height; // 0: no size
+    };
+    for (const Case& each : {Case{"Custom.100x200", 100, 200},
+                             {"10x20cm", 283.46, 566.93},
+                             {"1X2IN", 72, 144},
+                             {"custom.25.4x50.8mm", 72, 144},
+                             {"1x2ft", 864, 1728},
+                             {"1x1m", 2834.65, 2834.65},
+                             {"300 500", 300, 500},
+                             {"5x", 0, 0},
+                             {"x5", 0, 0},
+                             {"-5x5", 0, 0},
+                             {"1e999x5", 0, 0},
+                             {"5x5furlong", 0, 0},
+                             {"", 0, 0},
+                             {"Custom.", 0, 0},
+                             {"infxnan", 0, 0}}) {
+        const PaperSize size = sizeOf(each.text).value_or(PaperSize{});
+        EXPECT_NEAR(size.width, each.width, 0.01) << each.text;
+        EXPECT_NEAR(size.height, each.height, 0.01) << each.text;
+    }
+}
+
+} // namespace
+} // namespace torka::tests
