@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bidi/commands/TicketCommands.h"
+#include "output/BundleIdentifier.h"
+#include "platform/cups/CupsPrinting.h"
+#include "tests/e2e/Sandbox.h"
+
+#include <cups/cups.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+
+// Jobs of programs that know nothing of the pane: their settings are among their options.
+
+namespace torka::tests {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class Options : public SandboxTest {
+protected:
+    void TearDown() override {
+        cupsSetUser("root");
+        SandboxTest::TearDown();
+    }
+    static int Submit(const std::string& queue, const JobOptions& options,
+                      const std::string& document = samplePath("plain.ps")) {
+        return *submitFile(queue, document, "proof", options);
+    }
+    // The arguments of the device document's feature code, by keyword.
+    std::multimap<std::string, std::string> Features(int job) const {
+        std::multimap<std::string, std::string> features;
+        std::istringstream document(sandbox->Printed(job));
+        const std::string start = "%%BeginFeature: ";
+        for (std::string line; std::getline(document, line);) {
+            if (line.starts_with(start)) {
+                const std::size_t blank = std::min(line.find(' ', start.size()), line.size());
+                features.emplace(line.substr(start.size(), blank - start.size()), line.substr(blank));
+            }
+        }
+        return features;
+    }
+};
+
+TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
+    AddQueue("Options");
+    const TemporaryFolder folder;
+    const std::string pdf = folder / "brochure.pdf";
+    ASSERT_EQ(
+        runCommand({"gs", "-q", "-dSAFER", "-sDEVICE=pdfwrite", "-o", pdf, samplePath("brochure.ps")}).status,
+        0);
+    for (const std::string& document : {samplePath("plain.ps"), samplePath("brochure.ps"), pdf}) {
+        SCOPED_TRACE(document);
+        const std::string watermark = "0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,PROOF";
+        const int job = Submit("Options",
+                               {{"QVStaple", "saddle"},
+                                {"QVScale", "50"},
+                                {"*QVNegative", "true"},
+                                {"QVGamma", "1.8"},
+                                {"QVMediaColor", "Blue"},
+                                {"Notes1", "shelf 4, \"left\" (\\) 50%n"},
+                                {"PageSize", "A3"},
+                                {"number-up", "2"},
+                                {"landscape", "true"},
+                                {"torka-watermark", watermark}},
+                               document);
+        const JobStatus status = WaitForEnd(job);
+        ASSERT_EQ(status.state, 9);
+        EXPECT_EQ(status.message, "");
+        const CommandResult tool =
+            runTool({"print", "-d", "Options", document, "QVStaple=Saddle", "QVScale=50", "QVNegative=True",
+                     "QVGamma=1.8", "QVMediaColor=Blue", "Notes1=shelf 4, \"left\" (\\) 50%n", "PageSize=A3",
+                     "-o", "number-up=2", "--orientation", "2", "--watermark", watermark});
+        ASSERT_EQ(tool.status, 0) << tool.errors;
+        auto byOptions = Features(job);
+        auto byTicket = Features(std::stoi(tool.output.substr(4)));
+        for (const auto& [keyword, value] : byOptions) {
+            // The list is sent as it is and as a dynamic option.
+            EXPECT_EQ(byOptions.count(keyword), keyword == "*QVCurveAdjust" ? 2U : 1U) << keyword;
+        }
+        EXPECT_EQ(byOptions.count("*Collate"), 1U) << "the print server's own";
+        for (auto* features : {&byOptions, &byTicket}) {
+            for (const char* own :
+                 {"*PageSize", "*PageRegion", "*Collate", "*QVControlBar", "*QVPrintSize"}) {
+                features->erase(own);
+            }
+            features->erase("*QVSourceAppType");
+        }
+        EXPECT_EQ(byOptions, byTicket);
+        const std::string printed = sandbox->Printed(job);
+        EXPECT_THAT(printed, HasSubstr("%%ZANCustom1: shelf 4, \"left\" (\\) 50%n"));
+        EXPECT_THAT(printed, HasSubstr("%%MacCoreNUp: true"));
+        EXPECT_THAT(printed, HasSubstr("Helvetica-Bold"));
+        const std::string file = *sandbox / ("printed/" + std::to_string(job) + ".ps");
+        const CommandResult gs =
+            runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=nullpage", file});
+        EXPECT_EQ(gs.status, 0) << gs.output << gs.errors;
+    }
+}
+
+TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
+    AddQueue("Told");
+    struct Case {
+        JobOptions options;
+        int state;
+        std::string message;
+    };
+    const JobOptions conflict{{"QVStaple", "Saddle"}, {"QVFoldStyle", "Half"}};
+    const auto with = [&conflict](const std::string& policy) {
+        JobOptions options = conflict;
+        options.emplace_back("torka-conflicts", policy);
+        return options;
+    };
+    for (const Case& each :
+         {Case{conflict, 9, "*QVStaple=Saddle does not go together with *QVFoldStyle=Half"},
+          Case{with("resolve"), 9, "QVFoldStyle=None instead of Half"},
+          Case{with("stop"), 6, "torka-conflicts=stop"},
+          Case{{{"Resume", "74915362"}}, 6, "Resume is protected"},
+          Case{{{"QVScale", "many"}}, 9, "QVScale takes a number, not many"}}) {
+        SCOPED_TRACE(each.message);
+        const int job = Submit("Told", each.options);
+        const JobStatus status = WaitForEnd(job);
+        EXPECT_EQ(status.state, each.state);
+        EXPECT_THAT(status.message, HasSubstr(each.message));
+        EXPECT_EQ(sandbox->Printed(job).empty(), each.state == 6);
+    }
+}
+
+TEST_F(Options, HoldForTheirOwnUserNowAndLater) {
+    AddQueue("Two");
+    std::map<std::string, int> jobs;
+    for (const std::string user : {"anna", "bob", "carol"}) {
+        cupsSetUser(user.c_str());
+        jobs[user] = Submit("Two", {{"Notes1", "for " + user}, {"job-hold-until", "indefinite"}});
+    }
+    cupsSetUser("carol");
+    EXPECT_EQ(cancelJob("Two", jobs["carol"]), "");
+    cupsSetUser("root");
+    for (const std::string user : {"anna", "bob"}) {
+        ASSERT_EQ(runCommand({"lp", "-i", std::to_string(jobs[user]), "-H", "resume"}).status, 0);
+        ASSERT_EQ(WaitForEnd(jobs[user]).state, 9);
+        EXPECT_THAT(sandbox->Printed(jobs[user]), HasSubstr("%%ZANCustom1: for " + user + "\n"));
+        EXPECT_THAT(sandbox->Printed(jobs[user]), Not(HasSubstr("%%BeginFeature: *QVUserAuthName lp")));
+    }
+    EXPECT_EQ(sandbox->Printed(jobs["carol"]), "");
+}
+
+TEST_F(Options, PrintAJobWhoseTicketBelongsToAnotherJobOfItsSender) {
+    AddQueue("Again");
+    cupsSetUser("anna");
+    const std::string path = "/Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-0000000A0001";
+    const std::string list = runPython(
+        "import plistlib, sys\nsys.stdout.buffer.write(plistlib.dumps([30, b'%%ZANCustom1: first']))");
+    ASSERT_EQ(sendTicketAhead(std::make_shared<CupsPrinter>("Again"), cfString(path),
+                              CFDataCreate(list.data(), list.size())),
+              noErr);
+    const auto submit = [&path](JobOptions options) {
+        options.emplace_back(ticketPathSetting, path);
+        return Submit("Again", options);
+    };
+    ASSERT_EQ(WaitForEnd(submit({})).state, 9);
+    const int second =
+        submit({{"QVStaple", "Top"}, {"Notes1", "second"}, {"QVDSPassword", "4711"}, {"Resume", "74915362"}});
+    const JobStatus status = WaitForEnd(second);
+    EXPECT_EQ(status.state, 9);
+    EXPECT_THAT(status.message, HasSubstr("its print settings belong to another job"));
+    const std::string printed = sandbox->Printed(second);
+    EXPECT_THAT(printed, HasSubstr("%%ZANCustom1: second\n"));
+    EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVStaple Top"));
+    for (const char* secret : {"4711", "74915362", "QVDSPassword", "ZANCustom1: first"}) {
+        EXPECT_THAT(printed, Not(HasSubstr(secret)));
+    }
+    cupsSetUser("bob"); // and a job without options stops, as in the tests of tickets
+    EXPECT_EQ(WaitForEnd(submit({{"QVStaple", "Top"}})).state, 6);
+}
+
+} // namespace
+
+} // namespace torka::tests
