@@ -131,7 +131,7 @@ void settleConflicts(OptionSettings& settings, OptionJob& result) {
 
 std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets) {
     if (std::ranges::all_of(job.options,
-                            [](const auto& option) { return OptionSettings::IsServersOwn(option.first); })) {
+                            [](const auto& option) { return OptionSettings::IsLeftAlone(option.first); })) {
         return std::nullopt;
     }
     const std::unique_ptr<ZANPPD> model = readModel(job.description);

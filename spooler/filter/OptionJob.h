@@ -25,7 +25,7 @@ struct OptionJob {
 };
 
 // Returns nothing for a job whose options name no setting of ours, and for a queue with another description.
-// Reads no description when every option is one of the print server's own.
+// Reads no description when every option is one of the print server's own, or names the page size.
 std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets);
 
 } // namespace torka::filter
