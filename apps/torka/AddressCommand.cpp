@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/QueueAddresses.h"
 #include "connection/AddressText.h"
@@ -171,8 +172,9 @@ ExitStatus removeAddress(const AddressOptions& options) {
 
 void addTarget(CLI::App& command, AddressOptions& options, const char* fileText) {
     CLI::Option_group* target = command.add_option_group("target");
-    target->add_option("--file", options.file, fileText);
-    target->add_option("-d,--queue", options.queue, "Queue that keeps the list; its filter writes it");
+    target->add_option("--file", options.file, fileText)->option_text("FILE");
+    target->add_option("-d,--queue", options.queue, "Queue that keeps the list; its filter writes it")
+        ->option_text("QUEUE");
     target->require_option(1);
 }
 
@@ -185,26 +187,35 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
 
     CLI::App* list = command->add_subcommand("list", "Print the entries");
     CLI::Option_group* source = list->add_option_group("source");
-    source->add_option("--file", options->file, "Address list (XML property list)");
-    source->add_option("--ppd", options->ppd, "Description of a queue that keeps the list in its record");
-    source->add_option("-d,--queue", options->queue, "Queue that keeps the list");
+    source->add_option("--file", options->file, "Address list (XML property list)")->option_text("FILE");
+    source->add_option("--ppd", options->ppd, "Description whose record keeps the list")->option_text("PPD");
+    source->add_option("-d,--queue", options->queue, "Queue that keeps the list")->option_text("QUEUE");
     source->require_option(1);
     list->add_flag("--json", options->json, "As JSON");
+    describe(*list,
+             {.examples = {"torka address list -d office", "torka address list --file addresses.plist"}});
     list->callback([options, &status] { status = listAddresses(*options); });
 
     CLI::App* set = command->add_subcommand("set", "Add a printer's entry or change its address");
     addTarget(*set, *options, "Address list, made when it is not there");
-    set->add_option("NAME", options->name, "Printer name; letter case does not matter")->required();
+    set->add_option("NAME", options->name, "Printer name; letter case does not matter")
+        ->option_text("QUEUE")
+        ->required();
     set->add_option("ADDRESS", options->address, "Host name or IP address of the controller")->required();
     CLI::Option* on = set->add_flag("--two-way", options->twoWay, "Two-way communication on");
-    set->add_flag("--no-two-way", options->noTwoWay, "Two-way communication off; default: as it is")
+    set->add_flag("--no-two-way", options->noTwoWay, "Two-way communication off")
         ->excludes(on);
-    set->add_flag("--force", options->force, "Set the entry although the print server has no queue NAME");
+    set->add_flag("--force", options->force, "Set it although the server has no such queue");
+    describe(*set, {.examples = {"torka address set -d office office 10.0.0.7 --two-way"}});
     set->callback([options, &status] { status = setAddress(*options); });
 
     CLI::App* remove = command->add_subcommand("remove", "Remove a printer's entry");
     addTarget(*remove, *options, "Address list (XML property list)");
-    remove->add_option("NAME", options->name, "Printer name; letter case does not matter")->required();
+    remove->add_option("NAME", options->name, "Printer name; letter case does not matter")
+        ->option_text("QUEUE")
+        ->required();
+    describe(*remove,
+             {.examples = {"torka address remove -d office office"}, .findings = "there is no such entry"});
     remove->callback([options, &status] { status = removeAddress(*options); });
 
     addDiscoverCommand(*command, status);

@@ -2,6 +2,7 @@
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/ModelJson.h"
 #include "pane/data/ControlTables.h"
 
@@ -140,12 +141,16 @@ ExitStatus check(const CheckOptions& options) {
 void addCheckCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<CheckOptions>();
     CLI::App* command = app.add_subcommand("check", "Tell which choices settings conflict with or forbid");
-    command->add_option("FILE", options->path, "Extended PPD file")->required();
-    command->add_option("SETTING", options->settings, settingHelp);
-    command->add_flag("--solve", options->solve,
-                      "Look for changes that remove the conflicts, keeping the settings and the "
-                      "installed hardware");
+    command->add_option("PPD", options->path, "Extended PPD file")->required();
+    command->add_option("SETTING", options->settings, settingHelp)->option_text("KEY=VALUE");
+    command->add_flag("--solve", options->solve, "Find changes of other settings that end the conflicts");
     command->add_flag("--json", options->json, "As JSON");
+    describe(*command,
+             {.examples = {"torka check samples/torka-production.ppd QVTrimSides=Face --solve"},
+              .findings = "something is in conflict",
+              .details =
+                  "Treats the settings as one change against the defaults of the description. A solution "
+                  "keeps the given settings and the installed hardware."});
     command->callback([options, &status] { status = check(*options); });
 }
 

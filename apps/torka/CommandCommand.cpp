@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/QueueJobs.h"
 #include "bidi/commands/SpoolerCommands.h"
 #include "platform/SecretMemory.h"
@@ -53,12 +54,13 @@ void addCommandCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* group = app.add_subcommand("command", "Command jobs for a queue's filter");
     group->require_subcommand(1);
     const auto options = std::make_shared<CommandOptions>();
-    CLI::App* command =
-        group->add_subcommand("send", "Send a command and wait for its end (docs/commands.md)");
-    command->add_option("QUEUE", options->queue, "Queue")->required();
-    command->add_option("TITLE", options->title, "The command, such as Command_LocaleCode")->required();
-    command->add_option("TEXT", options->text, "Its text; - for standard input")->required();
+    CLI::App* command = group->add_subcommand("send", "Send a command to a queue's filter and wait");
+    command->add_option("QUEUE", options->queue, "Queue whose filter gets the command")->required();
+    command->add_option("TITLE", options->title, "Command, such as Command_LocaleCode")->required();
+    command->add_option("TEXT", options->text, "Text of the command; - for standard input")->required();
     command->add_flag("--no-wait", options->isDetached, "Do not wait for the job's end");
+    describe(*command, {.examples = {"torka command send office Command_LocaleCode de"},
+                        .findings = "the command failed"});
     command->callback([options, &status] { status = sendCommand(*options); });
 }
 

@@ -40,9 +40,7 @@ struct Setting {
     std::string value;
 };
 
-inline constexpr const char* settingHelp =
-    "KEY=VALUE, the key with or without its asterisk; KEY=@FILE takes the value from a file, KEY=@- from "
-    "standard input, so that no other user sees it; KEY=@@TEXT means @TEXT";
+inline constexpr const char* settingHelp = "Setting; KEY=@FILE takes a file, KEY=@- the input";
 
 // Parses texts of the form "KEY=VALUE"; a key may lack its asterisk, and VALUE may name a file
 // (readSettingText). Fails when a text has no "=", the description has no such control, the control does not

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/DescriptionDiff.h"
 #include "platform/System.h"
@@ -90,9 +91,14 @@ ExitStatus showDifferences(const DiffOptions& options) {
 void addDiffCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<DiffOptions>();
     CLI::App* command = app.add_subcommand("diff", "Tell what differs between two descriptions");
-    command->add_option("A", options->before, "Extended PPD file")->required();
-    command->add_option("B", options->after, "Extended PPD file, the newer one")->required();
+    command->add_option("A", options->before, "Extended PPD file")->option_text("A.ppd")->required();
+    command->add_option("B", options->after, "Extended PPD file, the newer one")
+        ->option_text("B.ppd")
+        ->required();
     command->add_flag("--json", options->isJson, "As JSON");
+    describe(*command,
+             {.examples = {"torka diff samples/torka-production.ppd samples/torka-production-ja.ppd"},
+              .findings = "something differs"});
     command->callback([options, &status] { status = showDifferences(*options); });
 }
 

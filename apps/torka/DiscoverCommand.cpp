@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "connection/ControllerList.h"
 #include "platform/avahi/AvahiServiceDirectory.h"
@@ -82,9 +83,10 @@ void addDiscoverCommand(CLI::App& address, ExitStatus& status) {
     const auto options = std::make_shared<DiscoverOptions>();
     CLI::App* command =
         address.add_subcommand("discover", "Print the controllers that the local network announces");
-    command->add_option("--seconds", options->seconds, "How long to look for them, default 3")
+    command->add_option("--seconds", options->seconds, "How long to look for them; otherwise 3")
         ->check(CLI::Range(1, 600));
     command->add_flag("--json", options->json, "As JSON");
+    describe(*command, {.examples = {"torka address discover --seconds 5"}, .findings = "none was found"});
     command->callback([options, &status] { status = discover(*options); });
 }
 

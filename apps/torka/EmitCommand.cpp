@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/JobEmission.h"
+#include "apps/torka/ManualTexts.h"
 #include "apps/torka/TicketJson.h"
 #include "platform/adapters/Adapters.h"
 #include "spooler/SpliceFile.h"
@@ -143,17 +145,22 @@ ExitStatus emit(const EmitOptions& options) {
 
 void addEmitCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<EmitOptions>();
-    CLI::App* command =
-        app.add_subcommand("emit", "Turn settings into a job ticket, and splice it into a document");
-    command->add_option("FILE", options->emission.description, "Extended PPD file")->required();
+    CLI::App* command = app.add_subcommand("emit", "Turn settings into a ticket and a spliced document");
+    command->add_option("PPD", options->emission.description, "Extended PPD file")->required();
     addEmissionOptions(*command, options->emission);
-    command->add_option("--ticket", options->ticket, "Write the ticket to this file");
-    command->add_option("--splice", options->document, "PostScript document to put the entries into");
-    command->add_option("--output", options->output, "Where the spliced document goes");
-    command
-        ->add_option("--os-minor", options->minorVersion, "Minor version of the system, which selects paths")
+    command->add_option("--ticket", options->ticket, "Write the ticket to this file")->option_text("FILE");
+    command->add_option("--splice", options->document, "Put the entries into this PostScript document")
+        ->option_text("FILE");
+    command->add_option("--output", options->output, "Where the spliced document goes")->option_text("FILE");
+    command->add_option("--os-minor", options->minorVersion, "Minor version of the system, selects paths")
         ->check(CLI::Range(0, 99));
     command->add_flag("--json", options->json, "As JSON");
+    describe(*command,
+             {.examples = {"torka emit samples/torka-production.ppd PageSize=A4 --ticket ticket.plist",
+                           "torka emit samples/torka-production.ppd "
+                           "--splice samples/brochure.ps --output job.ps"},
+              .findings = "the job lacks an entry or a field, or --strict refuses",
+              .details = std::string(leftOutDetails)});
     command->callback([options, &status] { status = emit(*options); });
 }
 

@@ -59,27 +59,25 @@ Result<CFDictionaryRef> readPrintSettings(const std::string& path) {
 } // namespace
 
 void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
-    command.add_option("SETTING", options.settings, settingHelp);
-    command.add_option("--settings", options.printSettings,
-                       "Property list of print settings, as a dialog holds them, to start from");
-    command.add_option("--save-settings", options.savePrintSettings,
-                       "Write the print settings that the pane would store to this file");
-    static const std::map<std::string, TwoWay> states{{"on", TwoWay::on}, {"off", TwoWay::off}};
+    command.add_option("SETTING", options.settings, settingHelp)->option_text("KEY=VALUE");
+    command.add_option("--settings", options.printSettings, "Print settings of a dialog, to start from")
+        ->option_text("FILE");
     command
-        .add_option("--two-way", options.twoWay,
-                    "on or off: two-way communication, instead of what the queue's description keeps")
+        .add_option("--save-settings", options.savePrintSettings,
+                    "Write what the pane would store to this file")
+        ->option_text("FILE");
+    static const std::map<std::string, TwoWay> states{{"on", TwoWay::on}, {"off", TwoWay::off}};
+    command.add_option("--two-way", options.twoWay, "Two-way communication; otherwise the queue's")
+        ->option_text("on|off")
         ->transform(CLI::CheckedTransformer(states).description("on|off"))
         ->type_name("");
-    command.add_option("--watermark", options.watermark, "Watermark definition (docs/watermarks.md)");
-    command.add_option("--keys", options.keys,
-                       "Keys for protected fields (docs/field-protection.md) instead of the installed ones");
-    command
-        .add_option("--orientation", options.orientation,
-                    "1 portrait, 2 landscape, 3 and 4 the same upside down")
+    command.add_option("--watermark", options.watermark, "Definition of a watermark")
+        ->option_text("DEFINITION");
+    command.add_option("--keys", options.keys, "Keys for protected fields; else the installed ones")
+        ->option_text("FILE");
+    command.add_option("--orientation", options.orientation, "1 portrait, 2 landscape, 3 and 4 upside down")
         ->check(CLI::Range(1, 4));
-    command.add_flag("--strict", options.isStrict,
-                     "Status 1, and nothing is written or sent, when settings are in conflict or a note "
-                     "breaks a rule of its own");
+    command.add_flag("--strict", options.isStrict, "Do nothing when settings conflict or break a rule");
 }
 
 Result<void> useFieldKeys(const std::string& path) {

@@ -2,6 +2,7 @@
 #include "PPDX/PPDObjects/Interface/LintWords.h"
 #include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/ModelJson.h"
 #include "pane/panel/PrinterListFile.h"
 
@@ -153,15 +154,17 @@ ExitStatus runLint(const LintOptions& options) {
 
 void addLintCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<LintOptions>();
-    CLI::App* command =
-        app.add_subcommand("lint", "Check a description and tell its errors and doubtful places");
-    command->add_option("FILE", options->path, "Extended PPD file")->required();
+    CLI::App* command = app.add_subcommand("lint", "Tell the errors and doubtful places of a description");
+    command->add_option("PPD", options->path, "Extended PPD file")->required();
     command->add_flag("--json", options->json, "As JSON");
-    command->add_option("--format", options->format, "text, gcc (FILE:LINE: lines of a compiler) or json")
+    command->add_option("--format", options->format, "Form of the output; gcc is for editors")
         ->check(CLI::IsMember({"text", "gcc", "json"}));
-    command->add_flag("--strict", options->strict, "Status 1 for warnings, too");
-    command->add_option("--bundle", options->bundle,
-                        "The plug-in's bundle: warn when it does not list the description");
+    command->add_flag("--strict", options->strict, "Status 1 for warnings too");
+    command->add_option("--bundle", options->bundle, "Warn when this bundle does not list the model")
+        ->option_text("FOLDER");
+    describe(*command, {.examples = {"torka lint samples/torka-defects.ppd",
+                                     "torka lint --strict --format=gcc samples/torka-production.ppd"},
+                        .findings = "there is an error, or with --strict a warning"});
     command->callback([options, &status] { status = runLint(*options); });
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Interrupt.h"
 #include "apps/torka/JobEmission.h"
 #include "bidi/module/ExchangeLists.h"
@@ -204,18 +205,32 @@ void addModuleCommand(CLI::App& app, ExitStatus& status) {
     group->require_subcommand(1);
     CLI::App* command = group->add_subcommand("run", "Run a session of a module and print what it returns");
     const auto options = std::make_shared<ModuleOptions>();
-    command->add_option("--module", options->module, "The module's library")->required();
-    command->add_option("--ppd", options->job.description, "Extended printer description")->required();
-    command->add_option("--settings", options->job.settings, settingHelp);
-    command->add_option("--bidi", options->data, "Two-way data file; with it two-way communication is on");
-    command->add_option("--address", options->address, "The controller's address, with --bidi")
+    command->add_option("--module", options->module, "The module's library")
+        ->option_text("LIBRARY")
+        ->required();
+    command->add_option("--ppd", options->job.description, "Extended PPD file")
+        ->option_text("PPD")
+        ->required();
+    command->add_option("--settings", options->job.settings, settingHelp)->option_text("KEY=VALUE");
+    command->add_option("--bidi", options->data, "Two-way data file; turns two-way communication on")
+        ->option_text("FILE");
+    command->add_option("--address", options->address, "Address of the controller, with --bidi")
+        ->option_text("HOST")
         ->capture_default_str();
-    command->add_option("--template", options->templatePath, "The administrator's template");
-    command->add_option("--watermark", options->watermarks, "Watermark definitions (docs/watermarks.md)");
-    command->add_option("--script", options->script,
-                        "Script of the sample module, in the place of its window (jobproperties/README.md)");
-    command->add_flag("--changed", options->changed, "Only settings that are not what the module was handed");
+    command->add_option("--template", options->templatePath, "The administrator's template")
+        ->option_text("FILE");
+    command->add_option("--watermark", options->watermarks, "Definitions of watermarks")
+        ->option_text("DEFINITION");
+    command->add_option("--script", options->script, "Script for the sample module, not its window")
+        ->option_text("FILE");
+    command->add_flag("--changed", options->changed, "Only settings that differ from the module's input");
     command->add_flag("--json", options->json, "As JSON");
+    describe(*command,
+             {.examples = {"torka module run --module libzanjp2.so --ppd samples/torka-production.ppd"},
+              .findings = "nothing was accepted",
+              .details =
+                  "The module gets the same input as from the pane, and shows its window. The settings that "
+                  "it returns are printed as one KEY=VALUE a line, the text of a secret note as ********."});
     command->callback([options, &status] { status = runModule(*options); });
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/JobEmission.h"
 #include "output/NoteCipher.h"
 #include "platform/System.h"
@@ -56,10 +57,13 @@ void addNotesCommand(CLI::App& app, ExitStatus& status) {
         notes->add_subcommand("decrypt", "Tell the text of a protected note, as proof of what a job carries");
     command->add_option("HEX", options->hex, "The note's hexadecimal digits, as they stand in the job")
         ->required();
-    command->add_option("--keys", options->keys, "Keys file instead of the installed one");
-    command->add_option("--special-key", options->specialKey, "Value of *UseSpecialKey in the description");
+    command->add_option("--keys", options->keys, "Key file instead of the installed one")
+        ->option_text("FILE");
+    command->add_option("--special-key", options->specialKey, "Value of *UseSpecialKey in the description")
+        ->option_text("VALUE");
     CLI::Option* des = command->add_flag("--des", options->des, "The note is enciphered with DES");
     command->add_flag("--aes", options->aes, "The note is enciphered with AES")->excludes(des);
+    describe(*command, {.examples = {"torka notes decrypt --keys samples/FieldKeys.plist 8729B952EB4CF5CA"}});
     command->callback([options, &status] { status = decrypt(*options); });
 }
 

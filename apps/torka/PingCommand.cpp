@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Echo.h"
 
 #include <memory>
@@ -56,12 +57,14 @@ void addPingCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<PingOptions>();
     CLI::App* command = app.add_subcommand("ping", "Tell whether a host answers ICMP echo requests");
     command->add_option("HOST", options->host, "Host name or IPv4 address")->required();
-    command->add_option("--count", options->count, "Echo requests, each sent after the reply to the last")
+    command->add_option("--count", options->count, "Echo requests, one after the other")
         ->check(CLI::Range(1, maximumEchoes))
         ->capture_default_str();
     command->add_option("--timeout", options->timeout, "Seconds to wait for each reply")
+        ->option_text("SECONDS")
         ->check(CLI::Range(1, maximumSeconds))
         ->capture_default_str();
+    describe(*command, {.examples = {"torka ping --count 3 localhost"}, .findings = "a reply is missing"});
     command->callback([options, &status] { status = runPing(*options); });
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/JobEmission.h"
+#include "apps/torka/ManualTexts.h"
 #include "apps/torka/QueueJobs.h"
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
@@ -133,16 +135,24 @@ ExitStatus printFile(const PrintOptions& options) {
 void addPrintCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<PrintOptions>();
     CLI::App* command = app.add_subcommand("print", "Print a document with settings on a queue");
-    command->add_option("-d,--queue", options->queue, "Queue; the default queue otherwise");
+    command->add_option("-d,--queue", options->queue, "Queue; otherwise the default queue")
+        ->option_text("QUEUE");
     command->add_option("FILE", options->file, "Document, of any kind that the queue takes")->required();
-    command->add_option("-o", options->jobOptions, "NAME=VALUE: copies, sides, media, page-ranges, ...")
+    command->add_option("-o", options->jobOptions, "Option of the print server: copies, sides, media, ...")
+        ->option_text("NAME=VALUE")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    command->add_option("--title", options->title, "Title of the job; the file's name otherwise");
+    command->add_option("--title", options->title, "Title of the job; otherwise the file's name")
+        ->option_text("TEXT");
     command->add_flag("--no-wait", options->isDetached, "Do not wait for the job's end");
     command->add_flag("--allow-left-out", options->allowsLeftOut,
-                      "Print although the text of a note cannot be sent in the description's encoding");
+                      "Print without a note that the encoding cannot hold");
     addEmissionOptions(*command, options->emission);
+    describe(*command,
+             {.examples = {"torka print -d office samples/brochure.ps QVDuplex=DuplexNoTumble",
+                           "printf %s secret | torka print -d office samples/brochure.ps DeptPassword=@-"},
+              .findings = "the job failed, it lacks a field, or --strict refuses",
+              .details = std::string(leftOutDetails)});
     command->callback([options, &status] { status = printFile(*options); });
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/FilterLines.h"
 #include "apps/torka/ServerFiles.h"
@@ -118,12 +119,15 @@ void addQueueAddCommand(CLI::App& queue, ExitStatus& status) {
     const auto options = std::make_shared<AddOptions>();
     CLI::App* command = queue.add_subcommand("add", "Add a queue that uses torkafilter, or change it");
     command->add_option("NAME", options->name, "Name of the queue")->required();
-    command->add_option("URI", options->uri, "Device")->required();
-    command
-        ->add_option("PPD", options->path, "Extended PPD file; the queue gets a copy with the filter's lines")
-        ->required();
-    command->add_flag("--force", options->isForced,
-                      "Add it although CUPS cannot read the description or torka lint finds errors");
+    command->add_option("URI", options->uri, "Device, such as socket://10.0.0.7")->required();
+    command->add_option("PPD", options->path, "Extended PPD file; the queue gets a copy")->required();
+    command->add_flag("--force", options->isForced, "Add it although CUPS or torka lint finds errors");
+    describe(*command,
+             {.examples = {"torka queue add office socket://10.0.0.7 samples/torka-production.ppd"},
+              .details =
+                  "The copy of the description names torkafilter in its *cupsFilter2 lines. Refuses a "
+                  "description that CUPS cannot read or that has errors for torka lint, unless --force is "
+                  "given, and a server that cannot run torkafilter."});
     command->callback([options, &status] { status = addNamedQueue(*options); });
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/QueueHealth.h"
 #include "apps/torka/QueuePolicy.h"
@@ -97,12 +98,12 @@ ExitStatus checkNamedQueue(const CheckOptions& options) {
 void addQueueCheckCommand(CLI::App& queue, ExitStatus& status) {
     const auto options = std::make_shared<CheckOptions>();
     CLI::App* check = queue.add_subcommand(
-        "check",
-        "Tell whether a queue's jobs can print with their settings, how safe they are, and what to do");
-    check->add_option("NAME", options->name, "Name of the queue")->required();
-    check->add_option("--bundle", options->bundle,
-                      "The plug-in's bundle, beside which the module lies; default: the one of this program");
+        "check", "Tell whether a queue prints its settings, and how safely");
+    check->add_option("NAME", options->name, "Name of the queue")->option_text("QUEUE")->required();
+    check->add_option("--bundle", options->bundle, "Plug-in bundle beside which the module lies")
+        ->option_text("FOLDER");
     check->add_flag("--json", options->isJson, "As JSON");
+    describe(*check, {.examples = {"torka queue check office"}, .findings = "something is at fault or open"});
     check->callback([options, &status] { status = checkNamedQueue(*options); });
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/FilterLines.h"
 #include "apps/torka/TextTable.h"
@@ -78,6 +79,7 @@ void addQueueListCommand(CLI::App& queue, ExitStatus& status) {
     const auto isJson = std::make_shared<bool>(false);
     CLI::App* list = queue.add_subcommand("list", "List the print server's queues");
     list->add_flag("--json", *isJson, "As JSON");
+    describe(*list, {.examples = {"torka queue list"}});
     list->callback([isJson, &status] { status = showQueues(*isJson); });
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "platform/cups/CupsQueue.h"
 
 #include <memory>
@@ -28,7 +29,8 @@ ExitStatus removeNamedQueue(const std::string& name) {
 void addQueueRemoveCommand(CLI::App& queue, ExitStatus& status) {
     const auto name = std::make_shared<std::string>();
     CLI::App* remove = queue.add_subcommand("remove", "Remove a queue and its jobs");
-    remove->add_option("NAME", *name, "Name of the queue")->required();
+    remove->add_option("NAME", *name, "Name of the queue")->option_text("QUEUE")->required();
+    describe(*remove, {.examples = {"torka queue remove office"}});
     remove->callback([name, &status] { status = removeNamedQueue(*name); });
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "bidi/records/CFileHdlr.h"
 #include "bidi/records/PPDRecords.h"
 #include "bidi/records/RecordText.h"
@@ -160,21 +161,27 @@ void addRecordCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* group = app.add_subcommand("record", "Records of two-way data files and of PPDs");
     group->require_subcommand(1);
     const auto options = std::make_shared<RecordOptions>();
-    const auto add = [&](const char* name, const char* purpose, bool isNamed,
+    const auto add = [&](const char* name, const char* purpose, bool isNamed, CommandText text,
                          ExitStatus (*run)(const RecordOptions&)) {
         CLI::App* command = group->add_subcommand(name, purpose);
         command->add_option("FILE", options->path, "Two-way data file or PPD")->required();
         if (isNamed) {
             command->add_option("NAME", options->name, "Record")->required();
             CLI::Option* wide =
-                command->add_flag("--wide", options->isWide, "Wide text, UTF-8 here (default)");
+                command->add_flag("--wide", options->isWide, "Wide text, in UTF-8 here: the default");
             command->add_flag("--narrow", options->isNarrow, "Bytes as they are")->excludes(wide);
         }
+        describe(*command, std::move(text));
         command->callback([options, run, &status] { status = run(*options); });
     };
-    add("list", "List the records with their sizes", false, listRecords);
-    add("get", "Print a record", true, getRecord);
-    add("put", "Write standard input as a record", true, putRecord);
+    add("list", "List the records with their sizes", false, {.examples = {"torka record list office.ppd"}},
+        listRecords);
+    add("get", "Print a record", true,
+        {.examples = {"torka record get office.ppd QVDriverPreference"},
+         .findings = "there is no such record"},
+        getRecord);
+    add("put", "Write standard input as a record", true,
+        {.examples = {"echo text | torka record put records.txt QVName"}}, putRecord);
 }
 
 } // namespace torka::tool

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/QueueServerData.h"
 #include "apps/torka/TextTable.h"
@@ -271,18 +272,22 @@ ExitStatus showServerData(const ServerDataOptions& options) {
 } // namespace
 
 void addServerDataCommand(CLI::App& app, ExitStatus& status) {
-    CLI::App* command = app.add_subcommand(
-        "serverdata", "Trays, toner, presets and server of a two-way data file or a queue's controller");
+    CLI::App* command =
+        app.add_subcommand("serverdata", "Show trays, toner, presets and server of a controller");
     const auto options = std::make_shared<ServerDataOptions>();
     CLI::Option_group* source = command->add_option_group("source");
     source->add_option("FILE", options->path, "Two-way data file");
-    CLI::Option* queue = source->add_option("-d,--queue", options->queue,
-                                            "Queue whose filter is asked for its controller's data");
+    CLI::Option* queue =
+        source->add_option("-d,--queue", options->queue, "Queue whose filter is asked")->option_text("QUEUE");
     source->require_option(1);
     command
-        ->add_option("--address", options->address, "Address of the controller; default: the device's host")
+        ->add_option("--address", options->address, "Address of the controller; otherwise the device's host")
+        ->option_text("HOST")
         ->needs(queue);
     command->add_flag("--json", options->json, "As JSON");
+    describe(*command, {.examples = {"torka serverdata -d office", "torka serverdata office.ppd --json"},
+                        .details = "Names a record that is missing or broken on standard error and shows the "
+                                   "others."});
     command->callback([options, &status] { status = showServerData(*options); });
 }
 

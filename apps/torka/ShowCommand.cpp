@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/ModelJson.h"
 
 #include <memory>
@@ -127,10 +128,10 @@ ExitStatus show(const ShowOptions& options) {
 
 void addShowCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<ShowOptions>();
-    CLI::App* command =
-        app.add_subcommand("show", "Print what was read from a description: header, pages, controls");
-    command->add_option("FILE", options->path, "Extended PPD file")->required();
+    CLI::App* command = app.add_subcommand("show", "Print header, pages and options of a description");
+    command->add_option("PPD", options->path, "Extended PPD file")->required();
     command->add_flag("--json", options->json, "As JSON");
+    describe(*command, {.examples = {"torka show samples/torka-production.ppd"}});
     command->callback([options, &status] { status = show(*options); });
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/TicketJson.h"
 #include "spooler/TicketReader.h"
 
@@ -45,6 +46,8 @@ void addTicketCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* command = app.add_subcommand("ticket", "Print what a job ticket holds");
     command->add_option("FILE", options->path, "Ticket file (XML property list)")->required();
     command->add_flag("--json", options->json, "As JSON");
+    describe(*command,
+             {.examples = {"torka ticket ticket.plist"}, .findings = "the ticket holds an unknown site"});
     command->callback([options, &status] { status = showTicket(*options); });
 }
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
+#include "apps/torka/ManualTexts.h"
 #include "platform/SecretMemory.h"
 #include "platform/adapters/Adapters.h"
 #include "platform/posix/PrivateFolders.h"
@@ -21,11 +23,13 @@ namespace {
 using namespace torka;
 using tool::ExitStatus;
 
-// Gives every command the option --version.
+// Gives every command the option --version. A group of options has no name and is no command.
 void tellVersion(CLI::App& command) {
     command.set_version_flag("--version", "torka " TORKA_VERSION, "Print the version and exit");
     for (CLI::App* inner : command.get_subcommands({})) {
-        tellVersion(*inner);
+        if (!inner->get_name().empty()) {
+            tellVersion(*inner);
+        }
     }
 }
 
@@ -36,10 +40,9 @@ int run(int argc, char** argv) {
     platform::AdapterOptions adapters{.network = true, .libraries = true};
     platform::chooseAdapters(std::move(adapters));
 
-    CLI::App app("Extended printer descriptions, job tickets and what becomes of them in a PostScript job",
-                 "torka");
+    CLI::App app("Extended printer descriptions, job tickets and printing with them", "torka");
     app.require_subcommand(1);
-    app.footer("Exit status: 0 good, 1 findings, 2 unusable input.");
+    tool::describe(app, tool::generalText());
     ExitStatus status = ExitStatus::good;
     tool::addShowCommand(app, status);
     tool::addLintCommand(app, status);
