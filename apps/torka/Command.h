@@ -51,5 +51,6 @@ void addQueueCheckCommand(CLI::App& queue, ExitStatus& status);
 void addRecordCommand(CLI::App& app, ExitStatus& status);
 void addModuleCommand(CLI::App& app, ExitStatus& status);
 void addServerDataCommand(CLI::App& app, ExitStatus& status);
+void addManualCommand(CLI::App& app, ExitStatus& status); // hidden
 
 } // namespace torka::tool

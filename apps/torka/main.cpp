@@ -59,6 +59,7 @@ int run(int argc, char** argv) {
     tool::addRecordCommand(app, status);
     tool::addModuleCommand(app, status);
     tool::addServerDataCommand(app, status);
+    tool::addManualCommand(app, status);
     tellVersion(app);
     try {
         app.parse(argc, argv);
