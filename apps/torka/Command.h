@@ -51,6 +51,7 @@ void addQueueCheckCommand(CLI::App& queue, ExitStatus& status);
 void addRecordCommand(CLI::App& app, ExitStatus& status);
 void addModuleCommand(CLI::App& app, ExitStatus& status);
 void addServerDataCommand(CLI::App& app, ExitStatus& status);
-void addManualCommand(CLI::App& app, ExitStatus& status); // hidden
+void addManualCommand(CLI::App& app, ExitStatus& status);   // hidden
+void addCompleteCommand(CLI::App& app, ExitStatus& status); // hidden
 
 } // namespace torka::tool

@@ -60,6 +60,7 @@ int run(int argc, char** argv) {
     tool::addModuleCommand(app, status);
     tool::addServerDataCommand(app, status);
     tool::addManualCommand(app, status);
+    tool::addCompleteCommand(app, status);
     tellVersion(app);
     try {
         app.parse(argc, argv);

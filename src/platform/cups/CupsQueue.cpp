@@ -133,11 +133,10 @@ std::string queueProblem(const std::string& queueName) {
     if (std::string problem = serverProblem(); !problem.empty()) {
         return problem;
     }
-    const char* standard = queueName.empty() ? cupsGetDefault() : nullptr;
-    if (queueName.empty() && standard == nullptr) {
+    const std::string name = queueName.empty() ? defaultQueue() : queueName;
+    if (name.empty()) {
         return "the print server has no default queue: name one with -d QUEUE";
     }
-    const std::string name = queueName.empty() ? standard : queueName;
     if (!queueNameProblem(name).empty()) {
         return "the print server has no queue " + name;
     }
@@ -147,6 +146,17 @@ std::string queueProblem(const std::string& queueName) {
     return cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND
                ? "the print server has no queue " + name
                : "the print server tells nothing about the queue " + name + ": " + cupsLastErrorString();
+}
+
+std::string defaultQueue() {
+    const char* name = cupsGetDefault();
+    return name == nullptr ? "" : name;
+}
+
+void neverAskForPasswords() {
+    cupsSetPasswordCB2(
+        [](const char*, http_t*, const char*, const char*, void*) -> const char* { return nullptr; },
+        nullptr);
 }
 
 bool isServerLocal() {

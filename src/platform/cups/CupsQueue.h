@@ -37,6 +37,10 @@ std::string serverProblem();
 // "" when the print server has the queue; else why it cannot be used: no answer, no such queue, or the
 // server's own reason. An empty name means the server's default queue.
 std::string queueProblem(const std::string& queueName);
+// The server's default queue; "" without one.
+std::string defaultQueue();
+// From now on libcups asks nobody for a password: a request that needs one fails.
+void neverAskForPasswords();
 // Whether the print server runs on this machine: it is reached through a domain socket or the loopback.
 bool isServerLocal();
 
