@@ -16,6 +16,8 @@ install(DIRECTORY docs/images DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka
 install(DIRECTORY samples/ DESTINATION ${TORKA_DOC_DIR}/torka/examples COMPONENT torka)
 
 install(TARGETS torka-print-dialog RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT torka-print-dialog)
+install(TARGETS torkaprintdialog LIBRARY DESTINATION ${TORKA_QT_PLUGIN_DIR}/generic COMPONENT torka-print-dialog)
+install(TARGETS torkadialog LIBRARY DESTINATION ${TORKA_PLUGIN_DIR} COMPONENT torka-print-dialog)
 set(bundle ${TORKA_PLUGIN_DIR}/TorkaFeatures.bundle/Contents)
 install(TARGETS TorkaFeatures LIBRARY DESTINATION ${bundle}/Linux COMPONENT torka-print-dialog)
 install(DIRECTORY ${TORKA_BUILT_BUNDLE}/Contents/ DESTINATION ${bundle} COMPONENT torka-print-dialog

@@ -22,14 +22,8 @@ constexpr std::array<std::string_view, 8> standardOptions{"number-up",      "num
                                                           "job-hold-until", "job-priority",     "job-sheets",
                                                           "job-billing",    "outputorder"};
 
-QStringList serverOptions(const QPrinter& printer) {
-    // printEngine() is not const, because its callers may also set properties. This one only reads.
-    QPrintEngine* engine = printer.printEngine();
-    return engine == nullptr ? QStringList() : engine->property(jobOptionsProperty).toStringList();
-}
-
 QString serverOption(const QPrinter& printer, QStringView name) {
-    const QStringList options = serverOptions(printer);
+    const QStringList options = engineOptions(printer);
     for (qsizetype at = 0; at + 1 < options.size(); at += 2) {
         if (options[at] == name) {
             return options[at + 1];
@@ -78,6 +72,55 @@ std::string sidesOf(QPrinter::DuplexMode mode, bool isLandscape) {
 }
 
 } // namespace
+
+QStringList engineOptions(const QPrinter& printer) {
+    // printEngine() is not const, because its callers may also set properties. This one only reads.
+    QPrintEngine* engine = printer.printEngine();
+    return engine == nullptr ? QStringList() : engine->property(jobOptionsProperty).toStringList();
+}
+
+bool setEngineOptions(QPrinter& printer, const QStringList& options) {
+    QPrintEngine* engine = printer.printEngine();
+    if (engine == nullptr) {
+        return false;
+    }
+    engine->setProperty(jobOptionsProperty, options);
+    return engineOptions(printer) == options;
+}
+
+void setEngineOption(QPrinter& printer, const QString& name, const QString& value) {
+    QStringList options;
+    const QStringList before = engineOptions(printer);
+    for (qsizetype at = 0; at + 1 < before.size(); at += 2) {
+        if (before[at] != name) {
+            options << before[at] << before[at + 1];
+        }
+    }
+    if (!value.isEmpty()) {
+        options << name << value;
+    }
+    setEngineOptions(printer, options);
+}
+
+QStringList guestJobOptions(const QStringList& program, const QPrinter& accepted,
+                            const DescribedOptions& decidedByPane) {
+    constexpr std::array laidOut{"number-up", "number-up-layout", "orientation-requested"};
+    QStringList options;
+    const auto take = [&](const QStringList& from, bool layout) {
+        for (qsizetype at = 0; at + 1 < from.size(); at += 2) {
+            const std::string name = from[at].toStdString();
+            const bool isLayout = std::ranges::find(laidOut, name) != laidOut.end();
+            const bool isStandard = std::ranges::find(standardOptions, name) != standardOptions.end();
+            if (isLayout == layout && (isLayout || isStandard) &&
+                !(decidedByPane.pagesPerSheet && name.starts_with("number-up"))) {
+                options << from[at] << from[at + 1];
+            }
+        }
+    };
+    take(program, false);
+    take(engineOptions(accepted), true);
+    return options;
+}
 
 std::uint16_t QtPageFormat::Orientation() const {
     const QString turned = serverOption(printer, u"orientation-requested"); // RFC 8011, 5.2.10
@@ -147,7 +190,7 @@ JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& d
     if (const QPageRanges ranges = printer.pageRanges(); !ranges.isEmpty()) {
         options.emplace_back("page-ranges", ranges.toString().remove(QLatin1Char(' ')).toStdString());
     }
-    const QStringList chosen = serverOptions(printer);
+    const QStringList chosen = engineOptions(printer);
     for (qsizetype at = 0; at + 1 < chosen.size(); at += 2) {
         const std::string name = chosen[at].toStdString();
         if (std::ranges::find(standardOptions, name) != standardOptions.end() &&

@@ -8,6 +8,7 @@
 #include "platform/memory/MemoryPrinting.h"
 
 #include <QPrinter>
+#include <QStringList>
 #include <functional>
 #include <memory>
 #include <string>
@@ -68,6 +69,20 @@ private:
     std::shared_ptr<DialogPrintSettings> settings;
     PMPageFormat format;
 };
+
+// The options that Qt's CUPS plug-in sends with a job of the QPrinter, besides those that QPrinter has
+// members for: names and values in turn. Empty for an engine without such a list.
+QStringList engineOptions(const QPrinter& printer);
+// False when the engine does not keep them.
+bool setEngineOptions(QPrinter& printer, const QStringList& options);
+// Replaces one option; "" removes it.
+void setEngineOption(QPrinter& printer, const QString& name, const QString& value);
+
+// The options for a job that another program sends: of those that Qt has written for the program the ones
+// that every queue knows, and the layout as the person accepted it. The description's options travel in the
+// ticket.
+QStringList guestJobOptions(const QStringList& program, const QPrinter& accepted,
+                            const DescribedOptions& decidedByPane);
 
 // Copies the choices of the dialog's own tabs into the print settings: paper, collation, pages per sheet, job
 // name and copies. What the pane decides counts as not chosen.

@@ -39,11 +39,14 @@ QDialog* propertiesOf(const QPrintDialog& dialog) {
 
 } // namespace
 
-PaneAttachment::PaneAttachment(QPrintDialog& printDialog, PDEPlugIn& plugIn, const std::string& jobName)
+PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, PDEPlugIn& plugIn,
+                               const std::string& jobName, WithoutPane look)
     : dialog(printDialog)
-    , printer(*printDialog.printer())
+    , printer(qtPrinter)
     , paneTab(new PaneTab(plugIn, printer, jobName))
-    , queueNotice(new QLabel(&printDialog)) {
+    , queueNotice(new QLabel(&printDialog))
+    , withoutPane(look) {
+    dialog.setProperty(panePropertyName, true);
     dialog.setOptionTabs({paneTab});
     // QPrintDialog has no signal for a change of printer; its combo box has one.
     printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
@@ -61,6 +64,14 @@ PaneAttachment::PaneAttachment(QPrintDialog& printDialog, PDEPlugIn& plugIn, con
 }
 
 PaneAttachment::~PaneAttachment() = default;
+
+bool PaneAttachment::Understands(const QPrintDialog& dialog) {
+    return dialog.findChild<QComboBox*>(QStringLiteral("printers")) != nullptr &&
+           dialog.findChild<QPushButton*>(QStringLiteral("properties")) != nullptr &&
+           dialog.findChild<QSpinBox*>(QStringLiteral("copies")) != nullptr &&
+           dialog.findChild<QCheckBox*>(QStringLiteral("collate")) != nullptr &&
+           dialog.findChild<QWidget*>(QStringLiteral("optionsTab")) != nullptr;
+}
 
 std::string PaneAttachment::Queue() const {
     if (printers == nullptr) {
@@ -82,21 +93,38 @@ bool PaneAttachment::ChooseQueue(const std::string& name) {
 void PaneAttachment::FollowPrinter() {
     // Qt's properties begin with the queue's default page size and write it when the person accepts the
     // dialog, whatever the QPrinter held before.
-    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(Queue()));
+    const std::string queue = Queue();
+    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(queue));
+    if (!info.isNull() && printer.printerName() != info.printerName()) {
+        printer.setPrinterName(info.printerName()); // the page sizes of this queue
+    }
     if (const QPageSize size = info.defaultPageSize(); !info.isNull() && size.isValid()) {
         printer.setPageSize(size);
     }
     acceptedLayout = printer.pageLayout();
-    paneTab->setQueue(Queue());
+    paneTab->setQueue(queue);
     HideWhatThePaneDecides();
     ShowQueueNotice();
+    ShowTab();
+}
+
+void PaneAttachment::ShowTab() {
     const QList<QTabWidget*> tabWidgets = dialog.findChildren<QTabWidget*>();
     for (QTabWidget* tabs : tabWidgets) {
         if (const int at = tabs->indexOf(paneTab); at >= 0) {
             tabs->setTabText(at, paneTab->windowTitle());
+            tabs->setTabVisible(at, withoutPane == WithoutPane::explained || paneTab->hasPanel());
         }
     }
 }
+
+void PaneAttachment::Close() {
+    queueTimer.stop();
+    paneTab->dialogWillClose();
+    paneTab->dropPanel();
+}
+
+void PaneAttachment::Reopen() { FollowPrinter(); }
 
 // The line stands above the buttons, where the person looks before printing.
 void PaneAttachment::AddQueueNotice() {
@@ -117,7 +145,8 @@ void PaneAttachment::AddQueueNotice() {
 
 void PaneAttachment::ShowQueueNotice() {
     constexpr int askInterval = 3000; // milliseconds
-    const std::string name = Queue();
+    const bool asks = withoutPane == WithoutPane::explained || paneTab->hasPanel();
+    const std::string name = asks ? Queue() : std::string();
     const CFDictionaryRef state = name.empty() ? nullptr : queueState(name);
     if (state) {
         queueTimer.start(askInterval);
@@ -191,6 +220,13 @@ QPageSize shownPageSize(const QDialog& properties) {
     return QPageSize(showsLandscape(properties) ? edges.transposed() : edges, unit);
 }
 
+// "4" for the entry "4 (2 x 2)"; "" for a single page.
+QString shownPagesPerSheet(const QDialog& properties) {
+    const auto* layouts = properties.findChild<QComboBox*>(QStringLiteral("pagesPerSheetCombo"));
+    const int pages = layouts == nullptr ? 1 : layouts->currentText().section(QLatin1Char(' '), 0, 0).toInt();
+    return pages > 1 ? QString::number(pages) : QString();
+}
+
 } // namespace
 
 // Accepted properties count at once; Qt writes them to the QPrinter only when the person accepts the dialog.
@@ -203,12 +239,26 @@ void PaneAttachment::TakeProperties() {
         printer.setPageSize(size);
     }
     printer.setPageOrientation(showsLandscape(*properties) ? QPageLayout::Landscape : QPageLayout::Portrait);
+    // RFC 8011, 5.2.10
+    const bool isReverse =
+        isChosen(*properties, "reverseLandscape") || isChosen(*properties, "reversePortrait");
+    setEngineOption(printer, QStringLiteral("orientation-requested"),
+                    !isReverse                    ? QString()
+                    : showsLandscape(*properties) ? QStringLiteral("5")
+                                                  : QStringLiteral("6"));
+    if (!paneTab->decidedByPane().pagesPerSheet) {
+        setEngineOption(printer, QStringLiteral("number-up"), shownPagesPerSheet(*properties));
+    }
     acceptedLayout = printer.pageLayout();
     paneTab->dialogSettingsChanged();
 }
 
 // The colour mode of Qt reaches no queue; where there is a pane, the pane decides it.
 void PaneAttachment::HideWhatThePaneDecides() {
+    if (!paneTab->hasPanel() && !hidesOwnFields) {
+        return; // what Qt or the program has hidden stays so
+    }
+    hidesOwnFields = paneTab->hasPanel();
     auto* color = dialog.findChild<QGroupBox*>(QStringLiteral("colorMode"));
     auto* sides = dialog.findChild<QGroupBox*>(QStringLiteral("duplex"));
     auto* page = dialog.findChild<QWidget*>(QStringLiteral("optionsTab"));
@@ -260,6 +310,10 @@ void PaneAttachment::BringPaneToFront() {
 
 void PaneAttachment::ShowPane() {
     BringPaneToFront();
+    MakeRoom();
+}
+
+void PaneAttachment::MakeRoom() {
     // Qt sizes its dialog for a few radio buttons; the pane needs more space.
     const QFontMetrics metrics = dialog.fontMetrics();
     dialog.resize(dialog.size()

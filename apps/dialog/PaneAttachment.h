@@ -16,22 +16,39 @@ class QPrinter;
 
 namespace torka::dialog {
 
+// The property of a dialog that has a pane. A dialog gets only one.
+inline constexpr const char* panePropertyName = "torkaPane";
+
+// How a dialog looks for a queue that has no pane.
+enum class WithoutPane {
+    explained,  // the tab says why
+    asWithoutUs // no tab, no notice, and every own field of the dialog is there: for the dialogs of others
+};
+
 // Attaches the pane to a print dialog of Qt, whoever made it: adds the pane as a tab, follows the chosen
 // printer and the dialog's own tabs, hides the choices that the pane decides, and tells why a queue would
 // keep the job waiting.
 //
-// Refers to the dialog, its QPrinter and the plug-in. REQUIRES: all three outlive the attachment; the
-// application object exists.
+// Keeps the choices of the dialog's own tabs in a QPrinter: the dialog's own, or another one when the
+// dialog's belongs to a program that must not see a choice before the dialog is accepted.
+//
+// Refers to dialog, QPrinter and plug-in. REQUIRES: all three outlive the attachment; the application object
+// exists.
 class PaneAttachment final : public QObject {
     Q_OBJECT
 
 public:
-    PaneAttachment(QPrintDialog& dialog, PDEPlugIn& plugIn, const std::string& jobName);
+    PaneAttachment(QPrintDialog& dialog, QPrinter& printer, PDEPlugIn& plugIn, const std::string& jobName,
+                   WithoutPane withoutPane);
     ~PaneAttachment() override;
 
     PaneTab& Tab() { return *paneTab; }
+    // Whether the dialog has the parts that the attachment needs to know.
+    static bool Understands(const QPrintDialog& dialog);
     // Opens the options and brings the pane to the front.
     void ShowPane();
+    // Makes the dialog large enough for the pane.
+    void MakeRoom();
     // The chosen queue; "" when the destination is no queue.
     std::string Queue() const;
     // False when the dialog does not list the queue.
@@ -40,12 +57,19 @@ public:
     // the pane has shown the reason and stands in front. REQUIRES: the QPrinter holds the choices of the
     // dialog's own tabs.
     bool MayPrint();
+    // Page size and orientation as the person last accepted them.
+    const QPageLayout& AcceptedLayout() const { return acceptedLayout; }
+    // Lets the panel go, before the dialog closes with or without a job.
+    void Close();
+    // Makes the panel again, for a dialog that is shown a second time.
+    void Reopen();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void FollowPrinter();
+    void ShowTab();
     void FollowOwnTabs();
     void TakeProperties();
     void HideWhatThePaneDecides();
@@ -62,6 +86,8 @@ private:
     QPageLayout acceptedLayout; // page size and orientation as the properties were last accepted
     QLabel* queueNotice;        // why a job would wait; hidden for a queue that prints
     QTimer queueTimer;
+    WithoutPane withoutPane;
+    bool hidesOwnFields = false;
 };
 
 } // namespace torka::dialog

@@ -30,7 +30,7 @@ PaneTab::PaneTab(PDEPlugIn& dialogPlugIn, const QPrinter& qtPrinter, std::string
 }
 
 PaneTab::~PaneTab() {
-    DropPanel();
+    dropPanel();
     printSettings->whenCopiesChange = nullptr;
 }
 
@@ -43,7 +43,7 @@ void PaneTab::setQueue(const std::string& queue) {
     }
     queueName = queue;
     if (queue.empty()) {
-        DropPanel();
+        dropPanel();
         decided = {};
         Explain(tr("This destination is no print queue. It has no printer features."));
         return;
@@ -57,7 +57,7 @@ void PaneTab::setQueue(const std::string& queue) {
     TakeOver();
     // Makes the new panel while the old one still exists: the new one can then see that it replaces another.
     auto panels = plugIn.PDEPanelsForType(cfString(printDialogPanelType), callback);
-    DropPanel();
+    dropPanel();
     if (!panels || panels->empty()) {
         decided = {};
         const QString name = QString::fromStdString(queue);
@@ -72,7 +72,7 @@ void PaneTab::setQueue(const std::string& queue) {
     }
     QWidget* view = widgetOf(panel->panelView());
     if (view == nullptr) {
-        DropPanel();
+        dropPanel();
         decided = {};
         Explain(
             tr("The printer features cannot be shown: the plug-in's interface file is missing or damaged."));
@@ -95,7 +95,7 @@ void PaneTab::ShowView(QWidget* view) {
     setCurrentWidget(view);
 }
 
-void PaneTab::DropPanel() {
+void PaneTab::dropPanel() {
     if (shown != nullptr) {
         removeWidget(shown);
         shown->setParent(nullptr); // the panel's view owns it

@@ -35,6 +35,8 @@ public:
     // Lets the panel write the job's settings and send its ticket. True without a panel. False when the job
     // must not be printed; the panel has then shown the reason.
     bool preparePrint();
+    // Releases the panel and its view.
+    void dropPanel();
     // The dialog has to call this before it closes, with or without a job.
     void dialogWillClose();
     // Tell the panel about a change in the dialog's own tabs. REQUIRES: the QPrinter holds it already.
@@ -52,7 +54,6 @@ protected:
 
 private:
     void TakeOver();
-    void DropPanel();
     void Explain(const QString& text);
     void ShowView(QWidget* view);
 

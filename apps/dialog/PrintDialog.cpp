@@ -9,7 +9,7 @@ PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::stri
     setOption(QAbstractPrintDialog::PrintToFile, false);
     setOption(QAbstractPrintDialog::PrintPageRange, true);
     setOption(QAbstractPrintDialog::PrintCollateCopies, true);
-    pane.emplace(*this, plugIn, jobName);
+    pane.emplace(*this, qtPrinter, plugIn, jobName, WithoutPane::explained);
     setWindowTitle(tr("Print \u2013 %1").arg(QString::fromStdString(jobName)));
 }
 

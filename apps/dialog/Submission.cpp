@@ -7,6 +7,20 @@
 
 namespace torka::dialog {
 
+JobOptions ticketOptions(const PaneTab& tab) {
+    JobOptions options;
+    if (!tab.hasPanel()) {
+        return options;
+    }
+    if (const auto path = cfCast<CFString>(tab.settings().Value(cfString(ticketPathSetting)))) {
+        options.emplace_back(ticketPathSetting, utf8Text(path));
+    }
+    for (auto& choice : systemChoices(tab.settings().Value(cfString(systemChoicesSetting)))) {
+        options.push_back(std::move(choice));
+    }
+    return options;
+}
+
 int submitDocument(const Document& document, PrintDialog& dialog, QString& error) {
     const std::string queue = dialog.queue();
     if (queue.empty()) {
@@ -14,14 +28,8 @@ int submitDocument(const Document& document, PrintDialog& dialog, QString& error
         return 0;
     }
     JobOptions options = standardJobOptions(*dialog.printer(), dialog.tab().decidedByPane());
-    if (dialog.tab().hasPanel()) {
-        const CFTypeRef ticket = dialog.tab().settings().Value(cfString(ticketPathSetting));
-        if (const auto path = cfCast<CFString>(ticket)) {
-            options.emplace_back(ticketPathSetting, utf8Text(path));
-        }
-        for (auto& choice : systemChoices(dialog.tab().settings().Value(cfString(systemChoicesSetting)))) {
-            options.push_back(std::move(choice));
-        }
+    for (auto& option : ticketOptions(dialog.tab())) {
+        options.push_back(std::move(option));
     }
     const auto job = submitFile(queue, document.path.toStdString(), document.name.toStdString(), options);
     if (!job) {

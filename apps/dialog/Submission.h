@@ -8,6 +8,10 @@
 
 namespace torka::dialog {
 
+// The job options that tell the queue's filter of the pane's settings: the ticket's path, and the choices
+// that a ticket has no room for. Empty without a pane. REQUIRES: the pane has sent its ticket.
+JobOptions ticketOptions(const PaneTab& tab);
+
 // Sends the document to the dialog's queue with the pane's settings. REQUIRES: the pane has sent its ticket.
 // Returns the number of the job, or 0 with a reason to show in `error`.
 int submitDocument(const Document& document, PrintDialog& dialog, QString& error);

@@ -185,18 +185,19 @@ Result<BundleRef> openBundle(const fs::path& folder) {
     return BundleRef(std::make_shared<PosixBundle>(path, info, identifier));
 }
 
-fs::path bundleFolderAround(const void* address) {
+fs::path folderOfObjectAt(const void* address) {
     Dl_info place{};
     if (dladdr(address, &place) == 0 || place.dli_fname == nullptr) {
         return {};
     }
     std::error_code failure;
-    // NAME.bundle/Contents/Linux/FILE
     const fs::path object = fs::canonical(place.dli_fname, failure);
-    if (failure || object.parent_path().filename() != "Linux") {
-        return {};
-    }
-    return object.parent_path().parent_path().parent_path();
+    return failure ? fs::path() : object.parent_path();
+}
+
+fs::path bundleFolderAround(const void* address) {
+    const fs::path folder = folderOfObjectAt(address); // NAME.bundle/Contents/Linux
+    return folder.filename() == "Linux" ? folder.parent_path().parent_path() : fs::path();
 }
 
 } // namespace torka::platform

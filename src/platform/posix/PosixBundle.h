@@ -15,6 +15,9 @@ namespace torka::platform {
 // Reads files and the person's language through platform::System.
 Result<BundleRef> openBundle(const std::filesystem::path& folder);
 
+// The folder of the shared object or program that holds this address; empty when it cannot be told.
+std::filesystem::path folderOfObjectAt(const void* address);
+
 // The bundle folder (".../NAME.bundle") of the shared object that holds this address; empty when the object
 // lies in no bundle. A shared object calls this for itself.
 std::filesystem::path bundleFolderAround(const void* address);

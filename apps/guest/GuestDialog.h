@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "apps/dialog/PaneAttachment.h"
+
+#include <QObject>
+#include <QPrinter>
+#include <memory>
+
+class QDialogButtonBox;
+class QPrintDialog;
+
+namespace torka::guest {
+
+// The pane in the print dialog of a program that knows nothing of it.
+//
+// Hears the dialog's Print button before its accept(), so that the pane's questions come while the
+// dialog is open. Writes the job's options into the program's QPrinter when the dialog hides: then the
+// dialog's result is known, and no slot of the program has run. Belongs to the dialog and dies with it.
+//
+// The program's QPrinter stays as it is until the dialog is accepted, and stays untouched for a queue without
+// a pane.
+class GuestDialog final : public QObject {
+    Q_OBJECT
+
+public:
+    static bool Understands(const QPrintDialog& dialog);
+    // REQUIRES: Understands(dialog). The plug-in outlives the dialog. Does nothing for a dialog that has a
+    // pane.
+    static void Attach(QPrintDialog& dialog, PDEPlugIn& plugIn);
+    ~GuestDialog() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    GuestDialog(QPrintDialog& dialog, QDialogButtonBox& buttons, PDEPlugIn& plugIn);
+    void PressPrint(QDialogButtonBox& buttons);
+    void DialogHides();
+    void WriteJobOptions();
+    void HoldJob();
+    void Tell(const QString& text);
+
+    QPrintDialog& dialog;
+    QPrinter choices; // what the dialog's own tabs show; the program's QPrinter stays its own
+    std::unique_ptr<dialog::PaneAttachment> pane;
+    bool isAsking = false;
+    bool mayPrint = false; // the pane has sent its ticket
+    bool isClosed = false; // the dialog has hidden
+};
+
+} // namespace torka::guest

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "tests/e2e/Sandbox.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <gtest/gtest.h>
+
+// A person's hands in a print dialog with the pane, whichever program shows it.
+
+namespace torka::tests {
+
+class PaneHands : public SandboxTest {
+protected:
+    // The visible field of a setting.
+    template <class Widget>
+    static Widget* Field(QDialog& dialog, const char* keyword) {
+        const QList<Widget*> fields = dialog.findChildren<Widget*>(QLatin1String(keyword));
+        for (Widget* field : fields) {
+            if (field->isVisible()) {
+                return field;
+            }
+        }
+        return nullptr;
+    }
+
+    static void ShowPage(QDialog& dialog, const char* title) {
+        auto* pages = dialog.findChild<QListWidget*>();
+        ASSERT_NE(pages, nullptr);
+        const QList<QListWidgetItem*> found = pages->findItems(QLatin1String(title), Qt::MatchExactly);
+        ASSERT_EQ(found.size(), 1) << title;
+        pages->setCurrentItem(found.front());
+        QTest::qWait(20);
+    }
+
+    // The visible button of the pane with this text.
+    static QPushButton* Button(QDialog& dialog, const char* text) {
+        QTest::qWait(20);
+        const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
+        for (QPushButton* button : buttons) {
+            if (button->isVisible() && button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+
+    // Selects a choice by its first word, then downwards: a blank would open the list.
+    static void Choose(QDialog& dialog, const char* keyword, const char* choice) {
+        auto* box = Field<QComboBox>(dialog, keyword);
+        ASSERT_NE(box, nullptr) << keyword;
+        box->setFocus();
+        QTest::keyClicks(box, QString::fromLatin1(choice).section(QLatin1Char(' '), 0, 0));
+        for (int i = 0; i < box->count() && box->currentText() != QLatin1String(choice); ++i) {
+            QTest::keyClick(box, Qt::Key_Down);
+        }
+        const int row = box->findText(QLatin1String(choice));
+        ASSERT_EQ(box->currentText().toStdString(), choice)
+            << box->itemData(row, Qt::ToolTipRole).toString().toStdString();
+        QTest::qWait(10);
+    }
+
+    // Opens the properties of Qt's dialog, lets the person work in them and closes them.
+    static void UseProperties(QDialog& dialog, const std::function<void(QDialog&)>& person,
+                              int result = QDialog::Accepted) {
+        QTimer::singleShot(0, qApp, [&] {
+            auto* properties = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(properties, nullptr);
+            person(*properties);
+            properties->done(result);
+        });
+        dialog.findChild<QPushButton*>("properties")->click();
+    }
+
+    static void ChoosePageSize(QDialog& dialog, const char* name) {
+        UseProperties(dialog, [name](QDialog& properties) {
+            auto* sizes = properties.findChild<QComboBox*>("pageSizeCombo");
+            const int at = sizes->findText(QLatin1String(name));
+            ASSERT_GE(at, 0) << name;
+            sizes->setCurrentIndex(at);
+        });
+    }
+
+    static void PressPrint(QDialog& dialog) {
+        auto* buttons = dialog.findChild<QDialogButtonBox*>();
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    }
+
+    // Calls `person` with the dialog for the job's notes, if it appears.
+    static void AnswerPopupNotes(const std::function<void(QDialog&)>& person) {
+        QTimer::singleShot(0, qApp, [person] {
+            auto* popup = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (popup != nullptr && popup->objectName() == QLatin1String("popupJobNotes")) {
+                person(*popup);
+            } else if (popup != nullptr && popup->objectName() == QLatin1String("conflicts")) {
+                ADD_FAILURE() << "settings in conflict";
+                popup->reject();
+            }
+        });
+    }
+};
+
+} // namespace torka::tests
