@@ -169,7 +169,7 @@ void takeOverDialogSettings(const QPrinter& printer, const DescribedOptions& dec
     settings.TakeCopies(printer.copyCount());
 }
 
-JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& decidedByPane) {
+JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& decidedByPane, bool hasPane) {
     JobOptions options;
     options.emplace_back("copies", std::to_string(std::max(1, printer.copyCount())));
     if (printer.copyCount() > 1) {
@@ -190,13 +190,23 @@ JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& d
     if (const QPageRanges ranges = printer.pageRanges(); !ranges.isEmpty()) {
         options.emplace_back("page-ranges", ranges.toString().remove(QLatin1Char(' ')).toStdString());
     }
+    if (printer.pageOrder() == QPrinter::LastPageFirst) {
+        options.emplace_back("outputorder", "reverse");
+    }
     const QStringList chosen = engineOptions(printer);
     for (qsizetype at = 0; at + 1 < chosen.size(); at += 2) {
         const std::string name = chosen[at].toStdString();
-        if (std::ranges::find(standardOptions, name) != standardOptions.end() &&
+        const bool isStandard = std::ranges::find(standardOptions, name) != standardOptions.end();
+        if ((isStandard || !hasPane) && !chosen[at + 1].isEmpty() &&
             !(decidedByPane.pagesPerSheet && name.starts_with("number-up"))) {
             options.emplace_back(name, chosen[at + 1].toStdString());
         }
+    }
+    // PWG 5100.13, "print-color-mode". A description with a colour model has its own choice among the
+    // properties.
+    if (!hasPane && printer.colorMode() == QPrinter::GrayScale &&
+        std::ranges::find(options, "ColorModel", &JobOptions::value_type::first) == options.end()) {
+        options.emplace_back("print-color-mode", "monochrome");
     }
     return options;
 }

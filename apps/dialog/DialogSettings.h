@@ -90,7 +90,8 @@ void takeOverDialogSettings(const QPrinter& printer, const DescribedOptions& dec
                             const std::string& jobName, DialogPrintSettings& settings);
 
 // The options that go to the print server with the job: those of the dialog's own tabs that every queue
-// knows and the pane does not decide. The description's options travel in the ticket instead.
-JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& decidedByPane);
+// knows and the pane does not decide. With a pane, the description's options travel in the ticket instead;
+// without one, those that the person changed in the properties go along, and so does the colour mode.
+JobOptions standardJobOptions(const QPrinter& printer, const DescribedOptions& decidedByPane, bool hasPane);
 
 } // namespace torka::dialog

@@ -329,10 +329,22 @@ void PaneAttachment::ShowFieldOfPane() {
     }
 }
 
+void PaneAttachment::SetPage(const QPageSize& size, QPageLayout::Orientation orientation) {
+    printer.setPageSize(size);
+    printer.setPageOrientation(orientation);
+    acceptedLayout = printer.pageLayout();
+    paneTab->dialogSettingsChanged();
+}
+
 bool PaneAttachment::MayPrint() {
     // Qt has also written what cancelled properties showed.
     printer.setPageSize(acceptedLayout.pageSize());
     printer.setPageOrientation(acceptedLayout.orientation());
+    // Qt resets the colour mode of a queue without a colour model, whatever its own tab shows.
+    if (const auto* gray = dialog.findChild<QRadioButton*>(QStringLiteral("grayscale"));
+        gray != nullptr && gray->isChecked() && !paneTab->hasPanel()) {
+        printer.setColorMode(QPrinter::GrayScale);
+    }
     if (!paneTab->preparePrint()) {
         ShowFieldOfPane();
         return false;

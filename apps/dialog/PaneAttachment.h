@@ -53,6 +53,8 @@ public:
     std::string Queue() const;
     // False when the dialog does not list the queue.
     bool ChooseQueue(const std::string& queue);
+    // Counts as if the person had accepted it in the properties, until the printer changes.
+    void SetPage(const QPageSize& size, QPageLayout::Orientation orientation);
     // Asks the pane whether the accepted job may be printed; on true the pane has sent its ticket. On false
     // the pane has shown the reason and stands in front. REQUIRES: the QPrinter holds the choices of the
     // dialog's own tabs.

@@ -9,6 +9,10 @@ PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::stri
     setOption(QAbstractPrintDialog::PrintToFile, false);
     setOption(QAbstractPrintDialog::PrintPageRange, true);
     setOption(QAbstractPrintDialog::PrintCollateCopies, true);
+    // Nobody has counted the document's pages. Qt refuses pages outside both ranges, and both begin empty.
+    constexpr int mostPages = 9999;
+    setMinMax(1, mostPages);
+    setFromTo(1, mostPages);
     pane.emplace(*this, qtPrinter, plugIn, jobName, WithoutPane::explained);
     setWindowTitle(tr("Print \u2013 %1").arg(QString::fromStdString(jobName)));
 }

@@ -28,6 +28,10 @@ public:
     std::string queue() const { return pane->Queue(); }
     // False when the print server has no such queue.
     bool chooseQueue(const std::string& queue) { return pane->ChooseQueue(queue); }
+    // See PaneAttachment.
+    void setPage(const QPageSize& size, QPageLayout::Orientation orientation) {
+        pane->SetPage(size, orientation);
+    }
 
     void done(int result) override;
 

@@ -21,15 +21,20 @@ JobOptions ticketOptions(const PaneTab& tab) {
     return options;
 }
 
-int submitDocument(const Document& document, PrintDialog& dialog, QString& error) {
-    const std::string queue = dialog.queue();
+JobOptions jobOptions(PrintDialog& dialog) {
+    const PaneTab& tab = dialog.tab();
+    JobOptions options = standardJobOptions(*dialog.printer(), tab.decidedByPane(), tab.hasPanel());
+    for (auto& option : ticketOptions(tab)) {
+        options.push_back(std::move(option));
+    }
+    return options;
+}
+
+int submitDocument(const Document& document, const std::string& queue, const JobOptions& options,
+                   QString& error) {
     if (queue.empty()) {
         error = QObject::tr("The destination is no print queue.");
         return 0;
-    }
-    JobOptions options = standardJobOptions(*dialog.printer(), dialog.tab().decidedByPane());
-    for (auto& option : ticketOptions(dialog.tab())) {
-        options.push_back(std::move(option));
     }
     const auto job = submitFile(queue, document.path.toStdString(), document.name.toStdString(), options);
     if (!job) {
@@ -38,6 +43,10 @@ int submitDocument(const Document& document, PrintDialog& dialog, QString& error
         return 0;
     }
     return *job;
+}
+
+int submitDocument(const Document& document, PrintDialog& dialog, QString& error) {
+    return submitDocument(document, dialog.queue(), jobOptions(dialog), error);
 }
 
 } // namespace torka::dialog
