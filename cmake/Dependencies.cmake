@@ -16,9 +16,11 @@ find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(Threads REQUIRED)
 # Only the pane's views, the adapter in platform/qt, the print dialog, the sample module and the bundle's entry link it.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets PrintSupport UiTools)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets PrintSupport UiTools)
 if(BUILD_TESTING)
     find_package(GTest REQUIRED)
     include(GoogleTest)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 endif()
+# The interfaces of the desktop portal.
+pkg_check_modules(PORTAL REQUIRED xdg-desktop-portal)

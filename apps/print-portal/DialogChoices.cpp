@@ -1,0 +1,338 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/print-portal/DialogChoices.h"
+
+#include "apps/print-portal/settings/DescribedChoices.h"
+#include "platform/Spooler.h"
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDialog>
+#include <QDir>
+#include <QEvent>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QStandardPaths>
+#include <QUrl>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string_view>
+
+namespace torka::portal {
+
+namespace {
+
+// GTK's name of its file destination. GTK translates it in its own dialog, and keeps ours as it is.
+constexpr QLatin1String printToFile("Print to File");
+
+QComboBox* box(const QWidget& in, const char* name) { return in.findChild<QComboBox*>(QLatin1String(name)); }
+
+void choose(QComboBox& field, int index) {
+    field.setCurrentIndex(index);
+    Q_EMIT field.activated(index); // Qt's properties follow what a person does
+}
+
+bool isFile(const dialog::PrintDialog& dialog) { return dialog.queue().empty(); }
+
+// The size of the queue that has these edges, whatever its name.
+QPageSize sizeOf(const Paper& paper) {
+    const QPageSize named(paper.millimetres, QPageSize::Millimeter, paper.displayName, QPageSize::FuzzyMatch);
+    return named.isValid() ? named : QPageSize(QPageSize::A4);
+}
+
+void presetPages(dialog::PrintDialog& dialog, const PrintChoices& choices) {
+    const auto check = [&](const char* name) {
+        if (auto* button = dialog.findChild<QRadioButton*>(QLatin1String(name))) {
+            button->setChecked(button->isEnabled());
+        }
+    };
+    switch (choices.pages.value_or(Pages::All)) {
+    case Pages::All:
+        break;
+    case Pages::Current:
+        check("printCurrentPage");
+        break;
+    case Pages::Selection:
+        check("printSelection");
+        break;
+    case Pages::Ranges:
+        if (auto* line = dialog.findChild<QLineEdit*>(QStringLiteral("pagesLineEdit"));
+            line != nullptr && !choices.ranges.isEmpty()) {
+            check("pagesRadioButton");
+            line->setText(choices.ranges.toString());
+        }
+        break;
+    }
+    if (QComboBox* sets = box(dialog, "pageSetCombo"); sets != nullptr && choices.pageSet) {
+        constexpr std::array order{PageSet::All, PageSet::Odd, PageSet::Even};
+        sets->setCurrentIndex(static_cast<int>(std::ranges::find(order, *choices.pageSet) - order.begin()));
+    }
+}
+
+// The file that the dialog proposes. A program in a sandbox chooses the file's name only: the person may not
+// see that a folder is a strange one.
+QString proposedFile(const PrintChoices& choices, bool mayWriteAnywhere) {
+    const QUrl uri(choices.outputUri, QUrl::StrictMode);
+    const QFileInfo given(uri.isLocalFile() ? uri.toLocalFile() : QString());
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (mayWriteAnywhere && given.isAbsolute() && given.dir().exists()) {
+        folder = given.absolutePath();
+    } else if (!QDir(folder).exists()) {
+        folder = QDir::homePath();
+    }
+    QString name = choices.outputName.isEmpty() ? given.completeBaseName() : choices.outputName;
+    name.replace(QLatin1Char('/'), QLatin1Char('_'));
+    while (name.startsWith(QLatin1Char('.'))) {
+        name.remove(0, 1); // no hidden file
+    }
+    if (name.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
+        name.chop(4);
+    }
+    return QDir(folder).filePath((name.isEmpty() ? QStringLiteral("output") : name) + QStringLiteral(".pdf"));
+}
+
+} // namespace
+
+void presetPrinter(QPrinter& printer, const PrintChoices& choices) {
+    printer.setCopyCount(choices.copies.value_or(1));
+    printer.setCollateCopies(choices.collate.value_or(true));
+    printer.setPageOrder(choices.reverse.value_or(false) ? QPrinter::LastPageFirst
+                                                         : QPrinter::FirstPageFirst);
+    if (choices.color) {
+        printer.setColorMode(*choices.color ? QPrinter::Color : QPrinter::GrayScale);
+    }
+    if (choices.sides) {
+        printer.setDuplex(*choices.sides == Sides::LongEdge    ? QPrinter::DuplexLongSide
+                          : *choices.sides == Sides::ShortEdge ? QPrinter::DuplexShortSide
+                                                               : QPrinter::DuplexNone);
+    }
+}
+
+void presetDialog(dialog::PrintDialog& dialog, const PrintChoices& choices, bool mayWriteAnywhere) {
+    QComboBox* printers = box(dialog, "printers");
+    const bool isListed = !choices.printer.isEmpty() && dialog.chooseQueue(choices.printer.toStdString());
+    auto* file = dialog.findChild<QLineEdit*>(QStringLiteral("filename"));
+    if (file != nullptr) {
+        file->setText(proposedFile(choices, mayWriteAnywhere));
+    }
+    if (!isListed && printers != nullptr && choices.printer == printToFile) {
+        printers->setCurrentIndex(printers->count() - 1); // Qt's file destination
+    }
+    if (choices.paper || choices.turn) {
+        const bool isLandscape = choices.turn == Turn::Landscape || choices.turn == Turn::ReverseLandscape;
+        const QPageSize present = dialog.printer()->pageLayout().pageSize();
+        dialog.setPage(choices.paper ? sizeOf(*choices.paper) : present,
+                       isLandscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+    }
+    presetPages(dialog, choices);
+}
+
+PropertyPresets::PropertyPresets(dialog::PrintDialog& printDialog, const PrintChoices& programChoices)
+    : QObject(&printDialog)
+    , dialog(printDialog)
+    , choices(programChoices) {
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool PropertyPresets::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show) {
+        auto* shown = qobject_cast<QDialog*>(watched);
+        if (shown != nullptr && dialog.findChildren<QDialog*>().contains(shown) &&
+            shown->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr &&
+            (!isFilled || filledFor != dialog.queue())) {
+            isFilled = true;
+            filledFor = dialog.queue();
+            Fill(*shown);
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void PropertyPresets::Fill(QDialog& properties) {
+    if (QComboBox* sizes = box(properties, "pageSizeCombo")) {
+        const QPageSize present = dialog.printer()->pageLayout().pageSize();
+        for (int i = 0; i < sizes->count(); ++i) {
+            if (sizes->itemData(i).value<QPageSize>().isEquivalentTo(present)) {
+                choose(*sizes, i);
+                break;
+            }
+        }
+    }
+    QComboBox* counts = box(properties, "pagesPerSheetCombo");
+    if (counts != nullptr && choices.pagesPerSheet) {
+        const int at =
+            counts->findText(QString::number(*choices.pagesPerSheet) + QLatin1Char(' '), Qt::MatchStartsWith);
+        choose(*counts, std::max(at, 0));
+    }
+    // In the order of Qt's entries.
+    constexpr std::array orders{"lrtb", "lrbt", "rltb", "rlbt", "btlr", "btrl", "tblr", "tbrl"};
+    const auto order = std::ranges::find(orders, choices.pagesPerSheetOrder.toStdString());
+    QComboBox* layouts = box(properties, "pagesPerSheetLayoutCombo");
+    if (layouts != nullptr && order != orders.end()) {
+        choose(*layouts, static_cast<int>(order - orders.begin()));
+    }
+    auto* page = properties.findChild<QWidget*>(QStringLiteral("cupsPropertiesPage"));
+    if (page == nullptr || dialog.tab().hasPanel()) {
+        return;
+    }
+    const auto described = describedChoices(platform::spooler().FetchPPD(dialog.queue()));
+    const QList<QFormLayout*> forms = page->findChildren<QFormLayout*>();
+    for (const auto& [keyword, choice] : choices.printerOptions) {
+        const auto option = described.find(keyword);
+        for (const QFormLayout* form : forms) {
+            for (int row = 0; option != described.end() && row < form->rowCount(); ++row) {
+                auto* label = form->itemAt(row, QFormLayout::LabelRole);
+                auto* field = form->itemAt(row, QFormLayout::FieldRole);
+                const auto* name = label == nullptr ? nullptr : qobject_cast<QLabel*>(label->widget());
+                auto* list = field == nullptr ? nullptr : qobject_cast<QComboBox*>(field->widget());
+                const qsizetype index = option->second.choices.indexOf(choice);
+                if (name != nullptr && list != nullptr && name->text() == option->second.text && index >= 0 &&
+                    index < list->count()) {
+                    choose(*list, static_cast<int>(index));
+                }
+            }
+        }
+    }
+}
+
+void PropertyPresets::Complete(platform::JobOptions& options, QStringList& problems) {
+    if (isFile(dialog) || (isFilled && filledFor == dialog.queue())) {
+        return;
+    }
+    const auto set = [&](const std::string& name, const std::string& value) {
+        std::erase_if(options, [&](const auto& option) { return option.first == name; });
+        options.emplace_back(name, value);
+    };
+    if (choices.pagesPerSheet && *choices.pagesPerSheet > 1 && !dialog.tab().decidedByPane().pagesPerSheet) {
+        set("number-up", std::to_string(*choices.pagesPerSheet));
+        if (!choices.pagesPerSheetOrder.isEmpty()) {
+            set("number-up-layout", choices.pagesPerSheetOrder.toStdString());
+        }
+    }
+    if (dialog.tab().hasPanel()) {
+        for (const auto& [keyword, choice] : choices.printerOptions) {
+            problems += QStringLiteral("the pane decides %1, not the program's %2").arg(keyword, choice);
+        }
+        return;
+    }
+    const auto described = describedChoices(platform::spooler().FetchPPD(dialog.queue()));
+    for (const auto& [keyword, choice] : choices.printerOptions) {
+        const auto option = described.find(keyword);
+        if (keyword == QLatin1String("print-quality") ||
+            (option != described.end() && option->second.choices.contains(choice) && !isOfDialog(keyword))) {
+            set(keyword.toStdString(), choice.toStdString());
+        } else if (!isOfDialog(keyword)) {
+            problems += QStringLiteral("the queue has no choice %1=%2").arg(keyword, choice);
+        }
+    }
+}
+
+namespace {
+
+QString optionOf(const platform::JobOptions& options, std::string_view name) {
+    const auto found = std::ranges::find(options, name, &platform::JobOptions::value_type::first);
+    return found == options.end() ? QString() : QString::fromStdString(found->second);
+}
+
+void takePages(dialog::PrintDialog& dialog, PrintChoices& chosen) {
+    const QPrinter& printer = *dialog.printer();
+    switch (printer.printRange()) {
+    case QPrinter::AllPages:
+        chosen.pages = Pages::All;
+        break;
+    case QPrinter::Selection:
+        chosen.pages = Pages::Selection;
+        break;
+    case QPrinter::CurrentPage:
+        chosen.pages = Pages::Current;
+        break;
+    case QPrinter::PageRange:
+        chosen.pages = Pages::Ranges;
+        break;
+    }
+    chosen.ranges = printer.pageRanges();
+    if (chosen.pages == Pages::Ranges && chosen.ranges.isEmpty()) {
+        chosen.pages = Pages::All;
+    }
+    chosen.pageSet = PageSet::All;
+    if (const QComboBox* sets = box(dialog, "pageSetCombo"); sets != nullptr && sets->isEnabled()) {
+        // The option among the job's is exchanged for ranges that begin at an even page.
+        chosen.pageSet = sets->currentIndex() == 1   ? PageSet::Odd
+                         : sets->currentIndex() == 2 ? PageSet::Even
+                                                     : PageSet::All;
+    }
+}
+
+Turn turnOf(const QPrinter& printer, const QString& requested) {
+    if (requested == QLatin1String("5")) { // RFC 8011, 5.2.10
+        return Turn::ReverseLandscape;
+    }
+    if (requested == QLatin1String("6")) {
+        return Turn::ReversePortrait;
+    }
+    return printer.pageLayout().orientation() == QPageLayout::Landscape ? Turn::Landscape : Turn::Portrait;
+}
+
+} // namespace
+
+PrintChoices chosenIn(dialog::PrintDialog& dialog, const PrintChoices& received,
+                      const platform::JobOptions& options) {
+    const QPrinter& printer = *dialog.printer();
+    PrintChoices chosen;
+    chosen.outputUri = received.outputUri;
+    chosen.outputName = received.outputName;
+    chosen.scale = received.scale;
+    chosen.printer = QString::fromStdString(dialog.queue());
+    if (isFile(dialog)) {
+        chosen.printer = printToFile;
+        chosen.outputUri = QUrl::fromLocalFile(printer.outputFileName()).toString(QUrl::FullyEncoded);
+    }
+    chosen.copies = printer.copyCount();
+    chosen.collate = printer.collateCopies();
+    chosen.reverse = printer.pageOrder() == QPrinter::LastPageFirst;
+    takePages(dialog, chosen);
+    if (!dialog.tab().decidedByPane().sides) {
+        const QString sides = optionOf(options, "sides");
+        chosen.sides = sides == QLatin1String("two-sided-long-edge")    ? Sides::LongEdge
+                       : sides == QLatin1String("two-sided-short-edge") ? Sides::ShortEdge
+                                                                        : Sides::One;
+    }
+    chosen.turn = turnOf(printer, optionOf(options, "orientation-requested"));
+    const QPageSize size = printer.pageLayout().pageSize();
+    chosen.paper = Paper{size.key(), size.name(), size.size(QPageSize::Millimeter)};
+    const bool isSamePaper =
+        received.paper &&
+        std::abs(received.paper->millimetres.width() - chosen.paper->millimetres.width()) < 1 &&
+        std::abs(received.paper->millimetres.height() - chosen.paper->millimetres.height()) < 1;
+    const QMarginsF least = printer.pageLayout().margins(QPageLayout::Millimeter);
+    chosen.margins = isSamePaper && received.margins
+                         ? received.margins
+                         : Margins{least.left(), least.top(), least.right(), least.bottom()};
+    if (const QString count = optionOf(options, "number-up"); !count.isEmpty()) {
+        chosen.pagesPerSheet = count.toInt();
+        chosen.pagesPerSheetOrder = optionOf(options, "number-up-layout");
+    }
+    if (!dialog.tab().hasPanel()) {
+        chosen.color = optionOf(options, "print-color-mode") != QLatin1String("monochrome");
+        const auto described = describedChoices(platform::spooler().FetchPPD(dialog.queue()));
+        for (const auto& [name, value] : options) {
+            const QString keyword = QString::fromStdString(name);
+            if (described.contains(keyword) && !isOfDialog(keyword)) {
+                chosen.printerOptions.emplaceBack(keyword, QString::fromStdString(value));
+            }
+        }
+    }
+    return chosen;
+}
+
+platform::JobOptions withoutDrawn(platform::JobOptions options) {
+    constexpr std::array<std::string_view, 3> drawn{"page-ranges", "page-set", "orientation-requested"};
+    std::erase_if(options,
+                  [&](const auto& option) { return std::ranges::find(drawn, option.first) != drawn.end(); });
+    return options;
+}
+
+} // namespace torka::portal

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PrintAdaptor.h"
+#include "apps/common/OutsideText.h"
+#include "apps/dialog/PaneBundle.h"
+#include "apps/print-portal/PrintService.h"
+#include "platform/SecretMemory.h"
+#include "platform/adapters/Adapters.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusError>
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+using namespace torka;
+
+constexpr QLatin1String busName("org.freedesktop.impl.portal.desktop.torka");
+constexpr QLatin1String objectPath("/org/freedesktop/portal/desktop");
+
+int unusable(const QString& text) {
+    std::fprintf(stderr, "torka-print-portal: %s\n", apps::printable(text.toStdString()).c_str());
+    return 2;
+}
+
+// The plug-in that brings the pane into other programs has no place here: the dialog has it already.
+void leaveOutOwnPlugIn() {
+    QByteArrayList plugIns = qgetenv("QT_QPA_GENERIC_PLUGINS").split(',');
+    plugIns.removeAll("torka");
+    qputenv("QT_QPA_GENERIC_PLUGINS", plugIns.join(','));
+}
+
+struct Arguments {
+    QString bundle;
+    int idleSeconds = 60;
+    bool replaces = false;
+};
+
+Arguments readArguments(const QCoreApplication& application) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Shows the print dialog with the printer features to "
+                                                    "programs that print through the desktop portal."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption bundle(
+        QStringLiteral("bundle"), QStringLiteral("Plug-in bundle to load."), QStringLiteral("FOLDER"),
+        QCoreApplication::applicationDirPath() + QStringLiteral("/../TorkaFeatures.bundle"));
+    const QCommandLineOption idle(
+        QStringLiteral("idle"),
+        QStringLiteral("End after so many seconds in which nothing was open; 0 for never. Default: 60."),
+        QStringLiteral("SECONDS"), QStringLiteral("60"));
+    const QCommandLineOption replace(QStringLiteral("replace"),
+                                     QStringLiteral("Take the name on the bus from a running service."));
+    parser.addOptions({bundle, idle, replace});
+    parser.process(application);
+    bool isNumber = false;
+    const int seconds = parser.value(idle).toInt(&isNumber);
+    if (!parser.positionalArguments().isEmpty() || !isNumber || seconds < 0 || seconds > 86400) {
+        parser.showHelp(2);
+    }
+    return {parser.value(bundle), seconds, parser.isSet(replace)};
+}
+
+int run(int argc, char** argv) {
+    platform::protectProcess();
+    leaveOutOwnPlugIn();
+    QCoreApplication::setApplicationName(QStringLiteral("torka-print-portal"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const Arguments arguments = readArguments(application);
+    AdapterOptions adapters{.spooler = true};
+    adapters.system.rootFromEnvironment = true;
+    chooseAdapters(std::move(adapters));
+
+    const auto pane = dialog::loadPaneBundle(arguments.bundle.toStdString());
+    if (!pane) {
+        return unusable(QStringLiteral("%1 cannot be loaded: %2")
+                            .arg(arguments.bundle, QString::fromStdString(pane.Why().Line())));
+    }
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return unusable(QStringLiteral("no session bus: %1").arg(bus.lastError().message()));
+    }
+    portal::PrintService service(*pane->plugIn);
+    new PrintAdaptor(&service); // belongs to the service
+    if (!bus.registerObject(objectPath, &service, QDBusConnection::ExportAdaptors)) {
+        return unusable(QStringLiteral("the object cannot be offered on the bus"));
+    }
+    const auto owned =
+        bus.interface()->registerService(busName,
+                                         arguments.replaces ? QDBusConnectionInterface::ReplaceExistingService
+                                                            : QDBusConnectionInterface::DontQueueService,
+                                         QDBusConnectionInterface::AllowReplacement);
+    if (!owned.isValid() || owned.value() != QDBusConnectionInterface::ServiceRegistered) {
+        return unusable(QStringLiteral("another service has the name %1").arg(busName));
+    }
+    QObject::connect(bus.interface(), &QDBusConnectionInterface::serviceUnregistered, &application,
+                     [](const QString& name) {
+                         if (name == busName) {
+                             QCoreApplication::quit(); // replaced
+                         }
+                     });
+    if (arguments.idleSeconds > 0) {
+        QObject::connect(&service, &portal::PrintService::idle, &application, &QCoreApplication::quit);
+        service.EndAfter(std::chrono::seconds(arguments.idleSeconds));
+    }
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "torka-print-portal: %s\n", error.what());
+        return 2;
+    }
+}
