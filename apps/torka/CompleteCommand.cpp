@@ -8,7 +8,7 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <sys/time.h>
+#include <unistd.h>
 #include <vector>
 
 namespace torka::tool {
@@ -21,8 +21,7 @@ void endAtAlarm(int /*signal*/) { std::raise(SIGTERM); }
 // Somebody waits with a finger on a key. A slow print server completes nothing.
 void endInASecond() {
     std::signal(SIGALRM, endAtAlarm);
-    const itimerval second{{0, 0}, {1, 0}};
-    setitimer(ITIMER_REAL, &second, nullptr);
+    alarm(1);
 }
 
 const char* directive(CompletedPaths paths) {
