@@ -12,6 +12,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
+#include <QPointer>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
@@ -345,11 +346,12 @@ bool PaneAttachment::MayPrint() {
         gray != nullptr && gray->isChecked() && !paneTab->hasPanel()) {
         printer.setColorMode(QPrinter::GrayScale);
     }
-    if (!paneTab->preparePrint()) {
+    const QPointer<PaneTab> alive(paneTab);
+    const bool granted = paneTab->preparePrint();
+    if (!granted && alive) {
         ShowFieldOfPane();
-        return false;
     }
-    return true;
+    return granted;
 }
 
 } // namespace torka::dialog

@@ -5,6 +5,7 @@
 
 #include <QHideEvent>
 #include <QLabel>
+#include <QPointer>
 #include <QShowEvent>
 #include <algorithm>
 #include <cstdio>
@@ -111,12 +112,16 @@ bool PaneTab::preparePrint() {
         return true;
     }
     TakeOver();
+    // The program may delete its dialog while the panel asks the person.
+    const QPointer<PaneTab> alive(this);
+    const PDEPanelRef asked = panel;
+    const std::string queue = queueName;
     std::string error;
-    if (!panel->saveValuesAndReturnError(&error)) {
-        std::fprintf(stderr, "The settings of %s cannot be saved: %s\n", queueName.c_str(), error.c_str());
+    if (!asked->saveValuesAndReturnError(&error)) {
+        std::fprintf(stderr, "The settings of %s cannot be saved: %s\n", queue.c_str(), error.c_str());
         return false;
     }
-    return panel->shouldPrint();
+    return alive && asked->shouldPrint() && alive;
 }
 
 void PaneTab::dialogWillClose() {

@@ -33,7 +33,7 @@ public:
     // True when a pane is shown.
     bool hasPanel() const { return panel != nullptr; }
     // Lets the panel write the job's settings and send its ticket. True without a panel. False when the job
-    // must not be printed; the panel has then shown the reason.
+    // must not be printed; the panel has then shown the reason. False, too, when the tab died meanwhile.
     bool preparePrint();
     // Releases the panel and its view.
     void dropPanel();

@@ -35,6 +35,21 @@ std::string nameOfJob(const QPrintDialog& dialog) {
     return (name.isEmpty() ? QGuiApplication::applicationDisplayName() : name).toStdString();
 }
 
+// The sides that the pane has chosen, in Qt's terms: Qt sends its own with every job of a queue that has the
+// common option, and the two must agree.
+QPrinter::DuplexMode sidesOf(const dialog::PaneTab& tab) {
+    for (const char* keyword : {"*QVDuplex", "*Duplex"}) {
+        const std::string choice = utf8Text(cfCast<CFString>(tab.settings().Value(cfString(keyword))));
+        if (choice == "LongEdge" || choice == "DuplexNoTumble") {
+            return QPrinter::DuplexLongSide;
+        }
+        if (choice == "ShortEdge" || choice == "DuplexTumble") {
+            return QPrinter::DuplexShortSide;
+        }
+    }
+    return QPrinter::DuplexNone;
+}
+
 // Runs what an event or a signal of the program started: no exception may pass through it.
 template <class Work>
 void guarded(const Work& work) noexcept {
@@ -64,7 +79,7 @@ void GuestDialog::Attach(QPrintDialog& dialog, PDEPlugIn& plugIn) {
 GuestDialog::GuestDialog(QPrintDialog& printDialog, QDialogButtonBox& buttons, PDEPlugIn& plugIn)
     : QObject(&printDialog)
     , dialog(printDialog)
-    , pane(std::make_unique<dialog::PaneAttachment>(printDialog, choices, plugIn, nameOfJob(printDialog),
+    , pane(std::make_unique<dialog::PaneAttachment>(printDialog, *choices, plugIn, nameOfJob(printDialog),
                                                     dialog::WithoutPane::asWithoutUs)) {
     connect(&buttons, &QDialogButtonBox::clicked, this, [this, &buttons](QAbstractButton* button) {
         if (button == buttons.button(QDialogButtonBox::Ok)) {
@@ -102,6 +117,7 @@ void GuestDialog::PressPrint(QDialogButtonBox& buttons) {
     bool granted = false;
     if (!isAsking) {
         isAsking = true;
+        const auto kept = choices;
         guarded([&] { granted = pane->MayPrint(); });
         if (!alive) {
             return;
@@ -123,8 +139,14 @@ void GuestDialog::DialogHides() {
     }
     isClosed = true;
     if (dialog.result() == QDialog::Accepted && pane->Tab().hasPanel()) {
+        const QPointer<GuestDialog> alive(this);
+        const auto kept = choices;
         // The program itself may accept its dialog, past the Print button.
-        if (mayPrint || pane->MayPrint()) {
+        const bool granted = mayPrint || pane->MayPrint();
+        if (!alive) {
+            return;
+        }
+        if (granted) {
             WriteJobOptions();
         } else {
             HoldJob();
@@ -139,8 +161,11 @@ void GuestDialog::WriteJobOptions() {
     // Qt has written what properties show that the person cancelled.
     printer.setPageSize(pane->AcceptedLayout().pageSize());
     printer.setPageOrientation(pane->AcceptedLayout().orientation());
+    if (pane->Tab().decidedByPane().sides) {
+        printer.setDuplex(sidesOf(pane->Tab()));
+    }
     QStringList options =
-        dialog::guestJobOptions(dialog::engineOptions(printer), choices, pane->Tab().decidedByPane());
+        dialog::guestJobOptions(dialog::engineOptions(printer), *choices, pane->Tab().decidedByPane());
     for (const auto& [name, value] : dialog::ticketOptions(pane->Tab())) {
         options << QString::fromStdString(name) << QString::fromStdString(value);
     }

@@ -42,7 +42,8 @@ private:
     void Tell(const QString& text);
 
     QPrintDialog& dialog;
-    QPrinter choices; // what the dialog's own tabs show; the program's QPrinter stays its own
+    // What the dialog's own tabs show. A question of the panel may outlive the dialog and still reads them.
+    std::shared_ptr<QPrinter> choices = std::make_shared<QPrinter>();
     std::unique_ptr<dialog::PaneAttachment> pane;
     bool isAsking = false;
     bool mayPrint = false; // the pane has sent its ticket

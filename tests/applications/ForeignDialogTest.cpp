@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/dialog/PaneHands.h"
 
-#include <QCheckBox>
+#include <QDebug>
 #include <QGroupBox>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrintEngine>
@@ -11,12 +12,11 @@
 #include <QSpinBox>
 #include <QTabWidget>
 #include <algorithm>
-#include <array>
+#include <clocale>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <locale>
 #include <memory>
+#include <sstream>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -147,8 +147,157 @@ TEST_F(ForeignDialogTest, ExecAndOpenPrintWithThePanesSettings) {
         for (const char* expected : {"/RMXsetStaple /Saddle", "Two proofs", "*QVDuplex ShortEdge"}) {
             EXPECT_NE(document.find(expected), std::string::npos) << expected;
         }
-        std::ofstream("/tmp/w-plugin/dev.ps") << document;
     }
+}
+
+// What the program's printer holds: nothing of it may change before the person prints.
+std::string stateOf(const QPrinter& printer) {
+    QString text;
+    QDebug(&text) << printer.printerName() << printer.pageLayout() << printer.copyCount()
+                  << printer.collateCopies() << printer.duplex()
+                  << printer.printEngine()->property(engineOptions).toStringList();
+    return text.toStdString();
+}
+
+TEST_F(ForeignDialogTest, ACancelledDialogAndAForeignQueueAreAsWithoutThePane) {
+    QPrinter printer;
+    printer.setPageSize(QPageSize(QPageSize::A5));
+    const std::string before = stateOf(printer);
+    QPrintDialog dialog(&printer);
+    auto* mine = new QWidget;
+    mine->setWindowTitle("Mine");
+    dialog.setOptionTabs({mine});
+    for (int round = 0; round < 2; ++round) { // the same dialog twice
+        dialog.open();
+        ShowPane(dialog);
+        Choose(dialog, "*QVStaple", round == 0 ? "Saddle Stitch" : "Off");
+        ChoosePageSize(dialog, "A3");
+        dialog.findChild<QSpinBox*>("copies")->setValue(3);
+        EXPECT_TRUE(dialog.findChild<QGroupBox*>("colorMode")->isHidden());
+        dialog.reject();
+        EXPECT_EQ(stateOf(printer), before);
+    }
+    dialog.open();
+    ShowPane(dialog);
+    for (const auto& [queue, hasPane] : {std::pair{"Plain", false}, {"Second", true}, {"Production", true}}) {
+        ChooseQueue(dialog, queue);
+        EXPECT_EQ(Tab(dialog) >= 0, hasPane) << queue;
+        EXPECT_EQ(dialog.findChild<QGroupBox*>("colorMode")->isHidden(), hasPane) << queue;
+    }
+    const auto* tabs = qobject_cast<QTabWidget*>(mine->parentWidget()->parentWidget());
+    ASSERT_NE(tabs, nullptr);
+    EXPECT_TRUE(tabs->isTabVisible(tabs->indexOf(mine))); // the program's own tab is still there
+    ChooseQueue(dialog, "Plain");
+    const int last = LastJob();
+    PressPrint(dialog);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_FALSE(OptionsOf(printer).join(' ').contains("PSData"));
+    PrintPage(printer);
+    const std::string document = NextPrinted(last);
+    EXPECT_NE(document.find("%!PS"), std::string::npos);
+    EXPECT_EQ(document.find("QVStaple"), std::string::npos);
+}
+
+TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
+    QPrinter printer;
+    for (const auto& [answer, prints] : {std::pair{"Cancel", false}, {"Resolve", true}}) {
+        SCOPED_TRACE(answer);
+        QPrintDialog dialog(&printer);
+        int slots = 0;
+        bool accepts = false; // the program itself
+        QObject::connect(&dialog, qOverload<>(&QDialog::accepted), [&] { ++slots; });
+        dialog.open();
+        ShowPane(dialog);
+        QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
+        ShowPage(dialog, "Finishing");
+        Choose(dialog, "*QVFoldStyle", "Half Fold");
+        ChoosePageSize(dialog, "A5");
+        QTimer person;
+        QObject::connect(&person, &QTimer::timeout, [&] {
+            auto* question = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (question != nullptr && question->objectName() == QLatin1String("conflicts")) {
+                EXPECT_EQ(dialog.isVisible(), !accepts);
+                Button(*question, answer)->click();
+            } else if (question != nullptr && question->objectName() == QLatin1String("popupJobNotes")) {
+                question->accept();
+            }
+        });
+        person.start(5);
+        PressPrint(dialog);
+        EXPECT_EQ(slots, prints ? 1 : 0);
+        EXPECT_EQ(dialog.isVisible(), !prints);
+        // A program may accept the dialog itself. What the pane then refuses waits in the queue.
+        if (!prints) {
+            accepts = true;
+            dialog.accept();
+            EXPECT_TRUE(OptionsOf(printer).contains("indefinite"))
+                << OptionsOf(printer).join(' ').toStdString();
+            QTest::qWait(1);
+            for (QWidget* window : QApplication::topLevelWidgets()) {
+                if (auto* told = qobject_cast<QMessageBox*>(window); told != nullptr) {
+                    EXPECT_TRUE(told->text().contains("waits in the queue")) << told->text().toStdString();
+                    told->close();
+                }
+            }
+        } else {
+            EXPECT_TRUE(OptionsOf(printer).join(' ').contains("PSData"));
+        }
+    }
+}
+
+TEST_F(ForeignDialogTest, DialogsComeGoAndDieInAnyOrder) {
+    QPrinter printer, other;
+    auto first = std::make_unique<QPrintDialog>(&printer);
+    auto second = std::make_unique<QPrintDialog>(&other);
+    first->show();
+    second->show();
+    ShowPane(*first);
+    ShowPane(*second);
+    EXPECT_GE(Tab(*first), 0);
+    EXPECT_GE(Tab(*second), 0);
+    first.reset(); // while it is open
+    Choose(*second, "*QVStaple", "Saddle Stitch");
+    AnswerPopupNotes([&](QDialog&) { second.reset(); }); // the program deletes it while the pane asks
+    PressPrint(*second);
+    second.reset();
+    auto owned = std::make_unique<QPrinter>();
+    auto late = std::make_unique<QPrintDialog>(owned.get());
+    late->show();
+    ShowPane(*late);
+    late->hide();
+    owned.reset(); // before the dialog
+    late.reset();
+}
+
+// What a program shares with everything in its process.
+std::string processState() {
+    std::ostringstream state;
+    state << std::setlocale(LC_ALL, nullptr) << ' ' << prctl(PR_GET_DUMPABLE) << ' ';
+    const mode_t mask = umask(022);
+    umask(mask);
+    state << mask;
+    for (int number = 1; number < 32; ++number) {
+        struct sigaction action {};
+        sigaction(number, nullptr, &action);
+        state << ' ' << reinterpret_cast<std::uintptr_t>(action.sa_handler);
+    }
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        state << '\n' << *variable;
+    }
+    return state.str();
+}
+
+TEST_F(ForeignDialogTest, TheProcessStaysTheProgramsOwn) {
+    std::signal(SIGPIPE, SIG_DFL);
+    const std::string before = processState();
+    QPrinter printer;
+    QPrintDialog dialog(&printer);
+    dialog.open();
+    ShowPane(dialog);
+    AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
+    PressPrint(dialog);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(processState(), before);
 }
 
 } // namespace
