@@ -35,3 +35,26 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FUL
 configure_file(packaging/torka.pc.in ${CMAKE_BINARY_DIR}/packaging/torka.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/packaging/torka.pc DESTINATION ${pc_dir} COMPONENT torka-dev)
 install(DIRECTORY jobproperties/ DESTINATION ${TORKA_DOC_DIR}/torka-dev/examples/jobproperties COMPONENT torka-dev)
+
+# The desktop: the print portal, and an entry that prints files. The service's files name the program by its full path,
+# so they are made when the prefix is known.
+set(desktop_folder ${CMAKE_BINARY_DIR}/packaging)
+install(TARGETS torka-print-portal RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT torka-print-dialog)
+install(CODE "
+    set(TORKA_PORTAL \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/torka-print-portal\")
+    foreach(kind dbus systemd)
+        configure_file(\"${CMAKE_SOURCE_DIR}/packaging/portal.service.\${kind}.in\"
+            \"${desktop_folder}/portal.service.\${kind}\" @ONLY)
+    endforeach()" COMPONENT torka-print-dialog)
+install(FILES ${desktop_folder}/portal.service.dbus DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/dbus-1/services
+    RENAME org.freedesktop.impl.portal.desktop.torka.service COMPONENT torka-print-dialog)
+install(FILES ${desktop_folder}/portal.service.systemd DESTINATION lib/systemd/user
+    RENAME torka-print-portal.service COMPONENT torka-print-dialog)
+install(FILES packaging/00-torka.portal DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/xdg-desktop-portal/portals
+    COMPONENT torka-print-dialog)
+install(FILES packaging/org.torka.print.desktop DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/applications
+    COMPONENT torka-print-dialog)
+install(FILES packaging/icons/org.torka.print.svg DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/icons/hicolor/scalable/apps
+    COMPONENT torka-print-dialog)
+install(FILES packaging/org.torka.print.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/metainfo
+    COMPONENT torka-print-dialog)

@@ -91,7 +91,16 @@ QString proposedFile(const PrintChoices& choices, bool mayWriteAnywhere) {
     if (name.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
         name.chop(4);
     }
-    return QDir(folder).filePath((name.isEmpty() ? QStringLiteral("output") : name) + QStringLiteral(".pdf"));
+    if (name.isEmpty()) {
+        name = QStringLiteral("output");
+    }
+    // GTK proposes the document's own name, which a person must not overwrite by accident.
+    constexpr int mostNames = 1000;
+    QString file = QDir(folder).filePath(name + QStringLiteral(".pdf"));
+    for (int number = 2; QFileInfo::exists(file) && number < mostNames; ++number) {
+        file = QDir(folder).filePath(QStringLiteral("%1-%2.pdf").arg(name).arg(number));
+    }
+    return file;
 }
 
 } // namespace
@@ -109,6 +118,23 @@ void presetPrinter(QPrinter& printer, const PrintChoices& choices) {
                           : *choices.sides == Sides::ShortEdge ? QPrinter::DuplexShortSide
                                                                : QPrinter::DuplexNone);
     }
+}
+
+void offerPagesForFiles(dialog::PrintDialog& dialog) {
+    QComboBox* printers = box(dialog, "printers");
+    if (printers == nullptr) {
+        return;
+    }
+    const auto offer = [&dialog] {
+        for (const char* name : {"pagesRadioButton", "pageSetCombo", "pageSetLabel"}) {
+            if (auto* field = dialog.findChild<QWidget*>(QLatin1String(name));
+                field != nullptr && isFile(dialog)) {
+                field->setEnabled(true);
+            }
+        }
+    };
+    QObject::connect(printers, &QComboBox::currentIndexChanged, &dialog, offer, Qt::QueuedConnection);
+    offer();
 }
 
 void presetDialog(dialog::PrintDialog& dialog, const PrintChoices& choices, bool mayWriteAnywhere) {
@@ -266,6 +292,33 @@ void takePages(dialog::PrintDialog& dialog, PrintChoices& chosen) {
     }
 }
 
+// GTK counts even and odd among the chosen pages, a person among the document's. The single pages say it for
+// both.
+void spellOutPageSet(PrintChoices& chosen) {
+    constexpr int mostPages = 2000; // more would make a text that programs cut
+    if (chosen.pages != Pages::Ranges || chosen.pageSet.value_or(PageSet::All) == PageSet::All) {
+        return;
+    }
+    const int wanted = chosen.pageSet == PageSet::Even ? 0 : 1;
+    QPageRanges single;
+    int count = 0;
+    const QList<QPageRanges::Range> list = chosen.ranges.toRangeList();
+    for (const auto& range : list) {
+        for (int page = range.from; page <= range.to; ++page) {
+            if (page % 2 == wanted) {
+                single.addPage(page);
+                if (++count > mostPages) {
+                    return;
+                }
+            }
+        }
+    }
+    if (!single.isEmpty()) {
+        chosen.ranges = single;
+        chosen.pageSet = PageSet::All;
+    }
+}
+
 Turn turnOf(const QPrinter& printer, const QString& requested) {
     if (requested == QLatin1String("5")) { // RFC 8011, 5.2.10
         return Turn::ReverseLandscape;
@@ -294,6 +347,7 @@ PrintChoices chosenIn(dialog::PrintDialog& dialog, const PrintChoices& received,
     chosen.collate = printer.collateCopies();
     chosen.reverse = printer.pageOrder() == QPrinter::LastPageFirst;
     takePages(dialog, chosen);
+    spellOutPageSet(chosen);
     if (!dialog.tab().decidedByPane().sides) {
         const QString sides = optionOf(options, "sides");
         chosen.sides = sides == QLatin1String("two-sided-long-edge")    ? Sides::LongEdge

@@ -47,6 +47,10 @@ private:
 // folder.
 void presetDialog(dialog::PrintDialog& dialog, const PrintChoices& choices, bool mayWriteAnywhere);
 
+// Offers lists of pages and the even or odd ones for a file, too. Qt does so only for the print server, but
+// here the program applies them.
+void offerPagesForFiles(dialog::PrintDialog& dialog);
+
 // The choices of an accepted dialog. Those that it does not show, such as margins, stay as received.
 PrintChoices chosenIn(dialog::PrintDialog& dialog, const PrintChoices& received,
                       const platform::JobOptions& options);

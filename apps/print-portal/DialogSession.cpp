@@ -66,6 +66,9 @@ void DialogSession::Open() {
     dialog->showPane(); // resizes it before the window's place is chosen
     dialog->show();     // Qt lists the file destination now
     presetDialog(*dialog, wish.choices, !wish.isSandboxed);
+    if (wish.laidOutBy == LaidOutBy::Program) {
+        offerPagesForFiles(*dialog);
+    }
     if (!dialog->tab().hasPanel()) {
         showFirstTab(*dialog);
     }

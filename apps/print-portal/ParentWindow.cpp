@@ -30,11 +30,12 @@ void standBefore(QWidget& window, const QString& handle, bool isModal) {
         return;
     }
     QWindow* parent = QWindow::fromWinId(number);
-    if (parent == nullptr) {
+    // A window that does not exist has no size. A dialog that stood before it would get no input.
+    if (parent == nullptr || parent->geometry().isEmpty()) {
+        delete parent;
         return;
     }
     window.winId(); // makes the QWindow
-    parent->setParent(nullptr);
     QObject::connect(&window, &QObject::destroyed, parent, &QObject::deleteLater);
     window.windowHandle()->setTransientParent(parent);
     if (isModal) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-portal/PortalRequest.h"
 
-#include "RequestAdaptor.h"
+#include <RequestAdaptor.h>
 
 #include <QDBusError>
 

@@ -6,6 +6,8 @@
 #include "apps/print-portal/DocumentIntake.h"
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QUrl>
 #include <cstdio>
 #include <utility>
 
@@ -38,6 +40,13 @@ DialogWish wishOf(const QString& appId, const QString& parentWindow, const QStri
     wish.isModal = isSet(options, "modal", true);
     wish.isSandboxed = !appId.isEmpty();
     return wish;
+}
+
+// GTK programs name the document only in the file that they propose.
+QString documentName(const PrintChoices& choices) {
+    const QString name =
+        choices.outputName.isEmpty() ? QUrl(choices.outputUri).fileName() : choices.outputName;
+    return plainLine(QFileInfo(name).completeBaseName(), longestTitle).trimmed();
 }
 
 } // namespace
@@ -92,6 +101,11 @@ unsigned PrintService::PreparePrint(const QDBusObjectPath& handle, const QString
     QStringList problems;
     wish.choices = readChoices(settings, pageSetup, problems);
     log(wish.title, problems);
+    const QString askedTitle = wish.title;
+    if (const QString name = documentName(wish.choices); !name.isEmpty()) {
+        wish.title = name;
+    }
+    const QString documentTitle = wish.title;
     // Version 3 of the interface tells what the program can print. Earlier, only the present choice does.
     wish.hasSelection = isSet(options, "has_selected_pages", wish.choices.pages == Pages::Selection);
     wish.hasCurrentPage = isSet(options, "has_current_page", wish.choices.pages == Pages::Current);
@@ -103,11 +117,14 @@ unsigned PrintService::PreparePrint(const QDBusObjectPath& handle, const QString
         }
         const LaidOutBy laidOutBy =
             session->Job().outputFile.isEmpty() ? LaidOutBy::Server : LaidOutBy::Program;
+        PreparedJob job = session->Job();
+        job.title = documentTitle;
+        job.askedTitle = askedTitle;
         request->Answer(
             Response::Success,
             {{QStringLiteral("settings"), writeSettings(session->Chosen(), laidOutBy, settings)},
              {QStringLiteral("page-setup"), writePageSetup(session->Chosen(), pageSetup)},
-             {QStringLiteral("token"), QVariant::fromValue<uint>(tokens.Keep(session->Job(), holder))}});
+             {QStringLiteral("token"), QVariant::fromValue<uint>(tokens.Keep(std::move(job), holder))}});
     });
     session->Open();
     return 0;
@@ -126,6 +143,9 @@ unsigned PrintService::Print(const QDBusObjectPath& handle, const QString& appId
                               : std::nullopt;
     DialogWish wish = wishOf(appId, parentWindow, title, options);
     wish.laidOutBy = LaidOutBy::Server; // the document is as it is
+    if (prepared && wish.title == prepared->askedTitle) {
+        wish.title = prepared->title; // GTK gives both calls the same general title
+    }
     auto* intake = new DocumentIntake(document, request);
     connect(intake, &DocumentIntake::finished, request, [=, this](const QString& problem) {
         if (!problem.isEmpty()) {

@@ -14,6 +14,8 @@ namespace torka::portal {
 
 // A job that waits for its document.
 struct PreparedJob {
+    QString title;      // of the document, as far as the program told it
+    QString askedTitle; // the title of the call that prepared it, which may be a general one such as "Print"
     QString outputFile; // the file to write; "" for a queue
     std::string queue;
     platform::JobOptions options; // with the path of the ticket

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PrintAdaptor.h"
 #include "apps/common/OutsideText.h"
 #include "apps/dialog/PaneBundle.h"
 #include "apps/print-portal/PrintService.h"
 #include "platform/SecretMemory.h"
 #include "platform/adapters/Adapters.h"
+#include "platform/posix/InstalledSystem.h"
+#include <PrintAdaptor.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -26,6 +27,11 @@ int unusable(const QString& text) {
     return 2;
 }
 
+QString defaultBundle() {
+    return QString::fromStdString(
+        platform::installedBundle(QCoreApplication::applicationDirPath().toStdString()).string());
+}
+
 // The plug-in that brings the pane into other programs has no place here: the dialog has it already.
 void leaveOutOwnPlugIn() {
     QByteArrayList plugIns = qgetenv("QT_QPA_GENERIC_PLUGINS").split(',');
@@ -45,9 +51,8 @@ Arguments readArguments(const QCoreApplication& application) {
                                                     "programs that print through the desktop portal."));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption bundle(
-        QStringLiteral("bundle"), QStringLiteral("Plug-in bundle to load."), QStringLiteral("FOLDER"),
-        QCoreApplication::applicationDirPath() + QStringLiteral("/../TorkaFeatures.bundle"));
+    const QCommandLineOption bundle(QStringLiteral("bundle"), QStringLiteral("Plug-in bundle to load."),
+                                    QStringLiteral("FOLDER"), defaultBundle());
     const QCommandLineOption idle(
         QStringLiteral("idle"),
         QStringLiteral("End after so many seconds in which nothing was open; 0 for never. Default: 60."),
@@ -72,9 +77,7 @@ int run(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     const Arguments arguments = readArguments(application);
-    AdapterOptions adapters{.spooler = true};
-    adapters.system.rootFromEnvironment = true;
-    chooseAdapters(std::move(adapters));
+    chooseAdapters({.spooler = true});
 
     const auto pane = dialog::loadPaneBundle(arguments.bundle.toStdString());
     if (!pane) {
