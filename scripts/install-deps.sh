@@ -14,6 +14,8 @@ packages=(
     qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev
     # what the filter may ask of the kernel
     libseccomp-dev
+    # the print portal's interfaces
+    xdg-desktop-portal-dev
     # discovery of controllers
     libavahi-client-dev
     # tests and benchmarks

@@ -35,6 +35,19 @@ void choose(QComboBox& field, int index) {
     Q_EMIT field.activated(index); // Qt's properties follow what a person does
 }
 
+// The list in the row with this label; Qt puts a warning beside it. Null when no row has the label.
+QComboBox* fieldOf(const QFormLayout& form, const QString& text) {
+    for (int row = 0; row < form.rowCount(); ++row) {
+        QLayoutItem* label = form.itemAt(row, QFormLayout::LabelRole);
+        QLayoutItem* field = form.itemAt(row, QFormLayout::FieldRole);
+        const auto* name = label == nullptr ? nullptr : qobject_cast<QLabel*>(label->widget());
+        if (name != nullptr && name->text() == text && field != nullptr && field->widget() != nullptr) {
+            return field->widget()->findChild<QComboBox*>();
+        }
+    }
+    return nullptr;
+}
+
 bool isFile(const dialog::PrintDialog& dialog) { return dialog.queue().empty(); }
 
 // The size of the queue that has these edges, whatever its name.
@@ -177,7 +190,7 @@ bool PropertyPresets::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-void PropertyPresets::Fill(QDialog& properties) {
+void PropertyPresets::Fill(const QDialog& properties) {
     if (QComboBox* sizes = box(properties, "pageSizeCombo")) {
         const QPageSize present = dialog.printer()->pageLayout().pageSize();
         for (int i = 0; i < sizes->count(); ++i) {
@@ -193,13 +206,19 @@ void PropertyPresets::Fill(QDialog& properties) {
             counts->findText(QString::number(*choices.pagesPerSheet) + QLatin1Char(' '), Qt::MatchStartsWith);
         choose(*counts, std::max(at, 0));
     }
-    // In the order of Qt's entries.
-    constexpr std::array orders{"lrtb", "lrbt", "rltb", "rlbt", "btlr", "btrl", "tblr", "tbrl"};
+    // In the order of the numbers behind Qt's entries. The entries themselves stand in another order.
+    constexpr std::array orders{"lrtb", "lrbt", "rlbt", "rltb", "btlr", "btrl", "tblr", "tbrl"};
     const auto order = std::ranges::find(orders, choices.pagesPerSheetOrder.toStdString());
     QComboBox* layouts = box(properties, "pagesPerSheetLayoutCombo");
-    if (layouts != nullptr && order != orders.end()) {
-        choose(*layouts, static_cast<int>(order - orders.begin()));
+    for (int i = 0; layouts != nullptr && order != orders.end() && i < layouts->count(); ++i) {
+        if (layouts->itemData(i).toInt() == order - orders.begin()) {
+            choose(*layouts, i);
+        }
     }
+    FillOptions(properties);
+}
+
+void PropertyPresets::FillOptions(const QDialog& properties) {
     auto* page = properties.findChild<QWidget*>(QStringLiteral("cupsPropertiesPage"));
     if (page == nullptr || dialog.tab().hasPanel()) {
         return;
@@ -208,17 +227,14 @@ void PropertyPresets::Fill(QDialog& properties) {
     const QList<QFormLayout*> forms = page->findChildren<QFormLayout*>();
     for (const auto& [keyword, choice] : choices.printerOptions) {
         const auto option = described.find(keyword);
+        if (option == described.end()) {
+            continue;
+        }
+        const auto index = static_cast<int>(option->second.choices.indexOf(choice));
         for (const QFormLayout* form : forms) {
-            for (int row = 0; option != described.end() && row < form->rowCount(); ++row) {
-                auto* label = form->itemAt(row, QFormLayout::LabelRole);
-                auto* field = form->itemAt(row, QFormLayout::FieldRole);
-                const auto* name = label == nullptr ? nullptr : qobject_cast<QLabel*>(label->widget());
-                auto* list = field == nullptr ? nullptr : qobject_cast<QComboBox*>(field->widget());
-                const qsizetype index = option->second.choices.indexOf(choice);
-                if (name != nullptr && list != nullptr && name->text() == option->second.text && index >= 0 &&
-                    index < list->count()) {
-                    choose(*list, static_cast<int>(index));
-                }
+            QComboBox* list = fieldOf(*form, option->second.text);
+            if (list != nullptr && index >= 0 && index < list->count()) {
+                choose(*list, index);
             }
         }
     }

@@ -34,7 +34,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void Fill(QDialog& properties);
+    void Fill(const QDialog& properties);
+    void FillOptions(const QDialog& properties);
 
     dialog::PrintDialog& dialog;
     PrintChoices choices;
