@@ -9,6 +9,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
@@ -105,6 +106,7 @@ void PaneAttachment::FollowPrinter() {
     acceptedLayout = printer.pageLayout();
     paneTab->setQueue(queue);
     HideWhatThePaneDecides();
+    HideEmptyLocation();
     ShowQueueNotice();
     ShowTab();
 }
@@ -254,6 +256,26 @@ void PaneAttachment::TakeProperties() {
     paneTab->dialogSettingsChanged();
 }
 
+// A low screen has no line to spare.
+void PaneAttachment::HideEmptyLocation() {
+    auto* location = dialog.findChild<QLabel*>(QStringLiteral("location"));
+    const auto* rows =
+        location == nullptr ? nullptr : qobject_cast<QGridLayout*>(location->parentWidget()->layout());
+    const int at = rows == nullptr ? -1 : rows->indexOf(location);
+    if (at < 0) {
+        return;
+    }
+    int row = 0;
+    int column = 0;
+    int span = 0;
+    rows->getItemPosition(at, &row, &column, &span, &span);
+    const QLayoutItem* first = rows->itemAtPosition(row, 0);
+    if (column > 0 && first != nullptr && qobject_cast<QLabel*>(first->widget()) != nullptr) {
+        first->widget()->setHidden(location->text().isEmpty());
+        location->setHidden(location->text().isEmpty());
+    }
+}
+
 // The colour mode of Qt reaches no queue; where there is a pane, the pane decides it.
 void PaneAttachment::HideWhatThePaneDecides() {
     if (!paneTab->hasPanel() && !hidesOwnFields) {
@@ -315,10 +337,10 @@ void PaneAttachment::ShowPane() {
 }
 
 void PaneAttachment::MakeRoom() {
-    // Qt sizes its dialog for a few radio buttons; the pane needs more space.
+    // Qt sizes its dialog for a few radio buttons; the pane and the picture of the job need more space.
     const QFontMetrics metrics = dialog.fontMetrics();
     dialog.resize(dialog.size()
-                      .expandedTo({metrics.averageCharWidth() * 140, metrics.height() * 54})
+                      .expandedTo({metrics.averageCharWidth() * 176, metrics.height() * 54})
                       .boundedTo(dialog.screen()->availableSize() * 9 / 10));
 }
 

@@ -75,6 +75,7 @@ private:
     void FollowOwnTabs();
     void TakeProperties();
     void HideWhatThePaneDecides();
+    void HideEmptyLocation();
     void HideWhatThePaneDecides(QDialog& properties) const;
     void BringPaneToFront();
     void ShowFieldOfPane();

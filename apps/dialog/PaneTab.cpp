@@ -92,6 +92,12 @@ void PaneTab::Explain(const QString& text) {
 
 void PaneTab::ShowView(QWidget* view) {
     shown = view;
+    // Qt's dialog names the model beside the printer.
+    for (const char* name : {"printerNameStaticText", "printerName"}) {
+        if (auto* row = view->findChild<QWidget*>(QLatin1String(name))) {
+            row->hide();
+        }
+    }
     addWidget(view);
     setCurrentWidget(view);
 }

@@ -12,7 +12,10 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QPrinter>
+#include <QTranslator>
 #include <cstdio>
 #include <exception>
 
@@ -69,6 +72,11 @@ int run(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
     const QApplication application(argc, argv);
     const Arguments arguments = readArguments(application);
+    QTranslator ofTheToolkit; // its dialog speaks the language of the pane
+    if (ofTheToolkit.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&ofTheToolkit);
+    }
     AdapterOptions adapters{.spooler = true};
     chooseAdapters(std::move(adapters));
 

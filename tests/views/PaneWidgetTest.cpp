@@ -504,8 +504,12 @@ TEST_F(PaneWidgetTest, PictureFollowsAndLeavesRoom) {
         EXPECT_TRUE(picture.accessibleDescription().contains(
             qText(choiceName(*pane.Editor().FindControl(keyword), value))));
     }
-    QTest::mouseClick(pane.Widget().PictureButton(), Qt::LeftButton);
-    EXPECT_FALSE(picture.isVisible());
+    for (const bool isWanted : {false, true}) {
+        QTest::mouseClick(pane.Widget().PictureButton(), Qt::LeftButton);
+        EXPECT_EQ(picture.isVisible(), isWanted);
+        ViewedPane next(samplePane()); // another dialog of the person
+        EXPECT_EQ(next.Widget().PictureButton()->isChecked(), isWanted);
+    }
 }
 
 } // namespace

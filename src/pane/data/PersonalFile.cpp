@@ -114,4 +114,23 @@ bool PersonalLists::Write(std::u16string_view list, const std::vector<std::strin
     return !writePersonalFile(file, CFDictionaryCreate(std::move(content)));
 }
 
+namespace {
+
+constexpr std::u16string_view pictureKey = u"Picture";
+
+std::filesystem::path paneFile() { return system().ConfigFolder() / "torka" / "pane.plist"; }
+
+} // namespace
+
+bool personWantsPicture() {
+    const auto kept = cfCast<CFBoolean>(CFDictionaryGetValue(readPersonalFile(paneFile()), pictureKey));
+    return !kept || CFBooleanGetValue(kept);
+}
+
+bool keepPersonWantsPicture(bool isWanted) {
+    return !writePersonalFile(
+        paneFile(),
+        CFDictionaryCreate({{CFStringCreateWithCharacters(pictureKey), CFBooleanCreate(isWanted)}}));
+}
+
 } // namespace torka

@@ -42,4 +42,8 @@ private:
     std::filesystem::path file;
 };
 
+// Whether the person wants to see the picture of the job, for all printers. True until the person hides it.
+bool personWantsPicture();
+bool keepPersonWantsPicture(bool isWanted);
+
 } // namespace torka

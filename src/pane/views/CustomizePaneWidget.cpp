@@ -2,6 +2,7 @@
 #include "pane/views/CustomizePaneWidget.h"
 
 #include "pane/data/PDEData.h"
+#include "pane/data/PersonalFile.h"
 #include "pane/views/ConflictBar.h"
 #include "pane/views/CopiesField.h"
 #include "pane/views/FieldPage.h"
@@ -91,10 +92,12 @@ void CustomizePaneWidget::MakeWidgets() {
     stack->setMinimumSize(fontMetrics().averageCharWidth() * minimumCharacters,
                           fontMetrics().height() * minimumLines);
     stack->installEventFilter(this);
-    columns->addWidget(stack, 1);
+    constexpr int shareOfPage = 3;
+    constexpr int shareOfPicture = 2;
+    columns->addWidget(stack, shareOfPage);
     picture = new JobPicture(context, area);
     picture->hide();
-    columns->addWidget(picture, 1);
+    columns->addWidget(picture, shareOfPicture);
     rows->addLayout(columns, 1);
     bar = new ConflictBar(context, area);
     rows->addWidget(bar);
@@ -147,14 +150,17 @@ void CustomizePaneWidget::MakeHeader(QWidget* header) {
     pictureButton->setIcon(paneIcon(PaneSign::sheet));
     pictureButton->setAutoRaise(true);
     pictureButton->setCheckable(true);
-    pictureButton->setChecked(true);
+    pictureButton->setChecked(personWantsPicture());
     pictureButton->setFocusPolicy(Qt::StrongFocus);
     const QString pictureName = context.Say(words::jobPicture);
     pictureButton->setAccessibleName(pictureName);
     pictureButton->setToolTip(plainToolTip(pictureName));
     pictureButton->hide();
     layout->addWidget(pictureButton);
-    connect(pictureButton, &QToolButton::toggled, this, [this] { ShowPicture(); });
+    connect(pictureButton, &QToolButton::toggled, this, [this](bool isWanted) {
+        keepPersonWantsPicture(isWanted); // the log tells why it cannot
+        ShowPicture();
+    });
 }
 
 QToolButton* CustomizePaneWidget::MakeButton(QWidget* parent, bool isUndo) {
@@ -460,6 +466,9 @@ void CustomizePaneWidget::ShowPicture() {
 
 // The list shows all its entries; the gauges take the rest of the height, or fold away.
 void CustomizePaneWidget::LeaveRoomForPages() {
+    constexpr int mostShown = 12; // entries for which the pane asks for height
+    list->setMinimumHeight(std::min(list->count(), mostShown) * list->sizeHintForRow(0) +
+                           2 * list->frameWidth());
     if (gauges != nullptr && list->count() > 0) {
         gauges->SetRoom(stack->height() - list->count() * list->sizeHintForRow(0) - 3 * list->frameWidth() -
                         style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));

@@ -22,6 +22,7 @@ FieldPage::FieldPage(PaneContext& paneContext, QWidget* parent)
     setAlignment(Qt::AlignLeading | Qt::AlignTop);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
+    viewport()->setAutoFillBackground(false);
     Clear();
 }
 
@@ -41,6 +42,7 @@ void FieldPage::Clear() {
     auto* layout = new QVBoxLayout(column);
     layout->setSpacing(4);
     setWidget(column);
+    column->setAutoFillBackground(false); // shows the tab, whose colour may differ from the window's
 }
 
 void FieldPage::SetHint(const QString& text) {
