@@ -21,7 +21,7 @@ packages=(
     # tests and benchmarks
     libgtest-dev libgmock-dev libbenchmark-dev libssl-dev
     # what the tests and run.sh check against
-    ghostscript fonts-urw-base35 fonts-dejavu-core cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
+    ghostscript groff-base fonts-urw-base35 fonts-dejavu-core cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
     avahi-daemon dbus iproute2 procps
 )
 # Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer

@@ -198,8 +198,8 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
 
     CLI::App* set = command->add_subcommand("set", "Add a printer's entry or change its address");
     addTarget(*set, *options, "Address list, made when it is not there");
-    set->add_option("NAME", options->name, "Printer name; letter case does not matter")
-        ->option_text("QUEUE")
+    set->add_option("NAME", options->name, "Name of the queue; letter case does not matter")
+        ->option_text("PRINTER")
         ->required();
     set->add_option("ADDRESS", options->address, "Host name or IP address of the controller")->required();
     CLI::Option* on = set->add_flag("--two-way", options->twoWay, "Two-way communication on");
@@ -211,8 +211,8 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
 
     CLI::App* remove = command->add_subcommand("remove", "Remove a printer's entry");
     addTarget(*remove, *options, "Address list (XML property list)");
-    remove->add_option("NAME", options->name, "Printer name; letter case does not matter")
-        ->option_text("QUEUE")
+    remove->add_option("NAME", options->name, "Name of the queue; letter case does not matter")
+        ->option_text("PRINTER")
         ->required();
     describe(*remove,
              {.examples = {"torka address remove -d office office"}, .findings = "there is no such entry"});

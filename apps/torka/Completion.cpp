@@ -222,7 +222,7 @@ void Completer::AddSettings(const std::string& prefix) {
 }
 
 void Completer::AddValues(const std::string& value, const std::string& prefix) {
-    if (value == "QUEUE") {
+    if (value == "QUEUE" || value == "PRINTER") {
         AddQueues(prefix);
     } else if (value == "KEY=VALUE") {
         AddSettings(prefix);
