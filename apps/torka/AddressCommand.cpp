@@ -203,8 +203,7 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
         ->required();
     set->add_option("ADDRESS", options->address, "Host name or IP address of the controller")->required();
     CLI::Option* on = set->add_flag("--two-way", options->twoWay, "Two-way communication on");
-    set->add_flag("--no-two-way", options->noTwoWay, "Two-way communication off")
-        ->excludes(on);
+    set->add_flag("--no-two-way", options->noTwoWay, "Two-way communication off")->excludes(on);
     set->add_flag("--force", options->force, "Set it although the server has no such queue");
     describe(*set, {.examples = {"torka address set -d office office 10.0.0.7 --two-way"}});
     set->callback([options, &status] { status = setAddress(*options); });

@@ -97,8 +97,8 @@ ExitStatus checkNamedQueue(const CheckOptions& options) {
 
 void addQueueCheckCommand(CLI::App& queue, ExitStatus& status) {
     const auto options = std::make_shared<CheckOptions>();
-    CLI::App* check = queue.add_subcommand(
-        "check", "Tell whether a queue prints its settings, and how safely");
+    CLI::App* check =
+        queue.add_subcommand("check", "Tell whether a queue prints its settings, and how safely");
     check->add_option("NAME", options->name, "Name of the queue")->option_text("QUEUE")->required();
     check->add_option("--bundle", options->bundle, "Plug-in bundle beside which the module lies")
         ->option_text("FOLDER");

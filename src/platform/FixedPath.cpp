@@ -12,7 +12,8 @@ struct Place {
     std::string_view real;
 };
 
-// The first row whose folder contains the path counts. Filesystem Hierarchy Standard 3.0, sections 5.5 and 5.8.
+// The first row whose folder contains the path counts. Filesystem Hierarchy Standard 3.0, sections 5.5
+// and 5.8.
 constexpr Place places[] = {
     {"/Library/Caches/", "/var/cache/torka/"},
     {"/Library/Application Support/", "/var/lib/torka/"},

@@ -31,8 +31,7 @@ protected:
     }
     void TearDown() override { setLibraryLoader(nullptr); }
     void Install() const {
-        const std::filesystem::path place =
-            folder.Path() / "root/var/lib/torka/ZAN/lib/libks2client.dylib";
+        const std::filesystem::path place = folder.Path() / "root/var/lib/torka/ZAN/lib/libks2client.dylib";
         std::filesystem::create_directories(place.parent_path());
         std::filesystem::copy_file(TORKA_WORKFLOW_LIBRARY, place);
     }

@@ -128,9 +128,8 @@ bool personWantsPicture() {
 }
 
 bool keepPersonWantsPicture(bool isWanted) {
-    return !writePersonalFile(
-        paneFile(),
-        CFDictionaryCreate({{CFStringCreateWithCharacters(pictureKey), CFBooleanCreate(isWanted)}}));
+    return !writePersonalFile(paneFile(), CFDictionaryCreate({{CFStringCreateWithCharacters(pictureKey),
+                                                               CFBooleanCreate(isWanted)}}));
 }
 
 } // namespace torka
