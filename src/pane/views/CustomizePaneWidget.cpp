@@ -64,8 +64,6 @@ void CustomizePaneWidget::MakeWidgets() {
     outer->addWidget(area);
     auto* rows = new QVBoxLayout(area);
     rows->setContentsMargins(0, 0, 0, 0);
-    lastJob = new LastJobLine(context, area);
-    rows->addWidget(lastJob);
     auto* header = new QWidget(area);
     MakeHeader(header);
     rows->addWidget(header);
@@ -135,12 +133,15 @@ void CustomizePaneWidget::MakeHeader(QWidget* header) {
         search->setFocus(Qt::ShortcutFocusReason);
         search->selectAll();
     });
-    layout->addWidget(search, 1);
+    constexpr int shareOfSearch = 3;
+    layout->addWidget(search, shareOfSearch);
     undo = MakeButton(header, true);
     redo = MakeButton(header, false);
     layout->addWidget(undo);
     layout->addWidget(redo);
     layout->addStretch(1);
+    lastJob = new LastJobLine(context, header); // a low screen has no line of its own to spare
+    layout->addWidget(lastJob);
     if (context.data != nullptr) {
         presets = new PresetBar(context, header);
         presets->WhenShown([this] { lastJob->Show(presets->Chosen().empty()); });
