@@ -339,9 +339,16 @@ void PaneAttachment::ShowPane() {
 void PaneAttachment::MakeRoom() {
     // Qt sizes its dialog for a few radio buttons; the pane and the picture of the job need more space.
     const QFontMetrics metrics = dialog.fontMetrics();
+    const QRect available = dialog.screen()->availableGeometry();
     dialog.resize(dialog.size()
                       .expandedTo({metrics.averageCharWidth() * 176, metrics.height() * 54})
-                      .boundedTo(dialog.screen()->availableSize() * 9 / 10));
+                      .boundedTo(available.size() * 9 / 10));
+    if (dialog.isVisible()) {
+        QRect frame = dialog.frameGeometry();
+        frame.moveRight(std::min(frame.right(), available.right()));
+        frame.moveBottom(std::min(frame.bottom(), available.bottom()));
+        dialog.move(std::max(frame.left(), available.left()), std::max(frame.top(), available.top()));
+    }
 }
 
 // After the pane has held a job back: it may have gone to the field that the person has to change.
