@@ -49,6 +49,7 @@ void addQueueAddCommand(CLI::App& queue, ExitStatus& status);
 void addQueueRemoveCommand(CLI::App& queue, ExitStatus& status);
 void addQueueCheckCommand(CLI::App& queue, ExitStatus& status);
 void addRecordCommand(CLI::App& app, ExitStatus& status);
+void addSettingsCommand(CLI::App& app, ExitStatus& status);
 void addModuleCommand(CLI::App& app, ExitStatus& status);
 void addServerDataCommand(CLI::App& app, ExitStatus& status);
 void addManualCommand(CLI::App& app, ExitStatus& status);   // hidden

@@ -55,6 +55,7 @@ int run(int argc, char** argv) {
     tool::addAddressCommand(app, status);
     tool::addPrintCommand(app, status);
     tool::addCommandCommand(app, status);
+    tool::addSettingsCommand(app, status);
     tool::addQueueCommand(app, status);
     tool::addRecordCommand(app, status);
     tool::addModuleCommand(app, status);

@@ -16,6 +16,14 @@ std::unique_ptr<Spooler>& spoolerSlot() {
 
 Spooler::~Spooler() = default;
 
+std::string Spooler::ChangeStandingOptions(const std::string& /*destination*/,
+                                           const std::vector<std::string>& /*removed*/,
+                                           const StandingOptionList& /*added*/) {
+    return "the spooler keeps no options";
+}
+
+bool hasSpooler() { return spoolerSlot() != nullptr; }
+
 Spooler& spooler() {
     TORKA_ASSERT(spoolerSlot() != nullptr, "platform::setSpooler was not called");
     return *spoolerSlot();

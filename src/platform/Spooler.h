@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // The spooler's functions beyond one printer: its jobs, its destinations and their descriptions.
@@ -42,6 +43,8 @@ struct SpoolerDestination {
     bool acceptsJobs = true;
 };
 
+using StandingOptionList = std::vector<std::pair<std::string, std::string>>;
+
 class Spooler {
 public:
     Spooler() = default;
@@ -59,8 +62,16 @@ public:
     // symbolic link to the spooler's own file, or a copy: never write to it. It stays readable until the next
     // fetch for this destination or the end of the instance, which removes it.
     virtual std::string FetchPPD(const std::string& destination) = 0;
+    // The options that this person keeps for all jobs of a destination, by name.
+    virtual StandingOptionList StandingOptions(const std::string& /*destination*/) { return {}; }
+    // Removes the named ones and sets the others. Returns "" or why nothing was changed.
+    virtual std::string ChangeStandingOptions(const std::string& destination,
+                                              const std::vector<std::string>& removed,
+                                              const StandingOptionList& added);
 };
 
+// Whether the process has one.
+bool hasSpooler();
 Spooler& spooler();
 void setSpooler(std::unique_ptr<Spooler> newSpooler);
 

@@ -5,10 +5,13 @@
 #include "tests/e2e/Sandbox.h"
 
 #include <cups/cups.h>
+#include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <sstream>
+#include <thread>
 
 // Jobs of programs that know nothing of the pane: their settings are among their options.
 
@@ -174,6 +177,71 @@ TEST_F(Options, PrintAJobWhoseTicketBelongsToAnotherJobOfItsSender) {
     }
     cupsSetUser("bob"); // and a job without options stops, as in the tests of tickets
     EXPECT_EQ(WaitForEnd(submit({{"QVStaple", "Top"}})).state, 6);
+}
+
+TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
+    AddQueue("Standing");
+    const std::filesystem::path file = *sandbox / "etc/lpoptions"; // root's
+    const std::string others =
+        "Dest Gone QVStaple=Top\nDest Standing/big QVScale=200\nDefault Other sides=x\n";
+    std::ofstream(file) << others << "Dest Standing copies=1 QVScale=70 page-left=\"1 2\"\n";
+    const auto settings = [](const std::string& action, std::vector<std::string> texts = {}) {
+        texts.insert(texts.begin(), {"settings", action, "-d", "Standing"});
+        return runTool(texts);
+    };
+    const std::string note = "a \"b\" #c \\d {e '50%n";
+    ASSERT_EQ(
+        settings("set", {"QVStaple=Top", "QVScale=50", "*Notes1=" + note, "torka-conflicts=stop"}).status, 0);
+    const CommandResult lp = runCommand({"lp", "-d", "Standing", samplePath("plain.ps")});
+    ASSERT_EQ(lp.status, 0) << lp.errors;
+    const int job = std::stoi(lp.output.substr(lp.output.find("Standing-") + 9));
+    ASSERT_EQ(WaitForEnd(job).state, 9);
+    const std::string printed = sandbox->Printed(job);
+    EXPECT_THAT(printed, HasSubstr("%%ZANCustom1: " + note + "\n"));
+    EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVStaple Top\n"));
+    EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVScale 50\n"));
+
+    const std::string kept = readFile(file);
+    struct Case {
+        const char* setting;
+        int status;
+        const char* reason;
+    };
+    for (const Case& each :
+         {Case{"Resume=74915362", 1, "*Resume is a password or protected"},
+          Case{"QVDSPassword=74915362", 1, "*QVDSPassword is a password or protected"},
+          Case{"QVStaple=Nope", 2, "*QVStaple does not offer Nope (torka show lists its choices)"},
+          Case{"QVNope=1", 2, "the description has no option *QVNope"},
+          Case{"torka-conflicts=x", 2, "torka-conflicts takes print, resolve or stop"},
+          Case{"Notes1=a\nb", 2, "control character"}}) {
+        const CommandResult refused = settings("set", {"QVScale=60", each.setting});
+        EXPECT_EQ(refused.status, each.status) << each.setting;
+        EXPECT_THAT(refused.errors, HasSubstr(each.reason));
+    }
+    EXPECT_EQ(readFile(file), kept);
+    EXPECT_EQ(settings("show").output,
+              "Notes1=" + note + "\nQVScale=50\nQVStaple=Top\ntorka-conflicts=stop\n");
+    EXPECT_THAT(settings("set", {"QVFoldStyle=Half", "QVStaple=Saddle"}).errors,
+                HasSubstr("does not go together"));
+
+    // Writers at the same time lose nothing of each other.
+    std::vector<std::thread> writers;
+    const std::vector<std::string> texts{"QVGamma=1.8", "Notes2=x", "QVMirror=True", "QVNegative=True",
+                                         "QVBleed=4.0"};
+    for (const std::string& text : texts) {
+        writers.emplace_back([&settings, &text] { EXPECT_EQ(settings("set", {text}).status, 0); });
+    }
+    for (std::thread& writer : writers) {
+        writer.join();
+    }
+    for (const std::string& text : texts) {
+        EXPECT_THAT(settings("show").output, HasSubstr(text));
+    }
+    EXPECT_EQ(settings("clear", {"QVGamma"}).status, 0);
+    EXPECT_THAT(settings("show").output, Not(HasSubstr("QVGamma")));
+    EXPECT_EQ(settings("clear").status, 0);
+    EXPECT_EQ(readFile(file), others + "Dest Standing copies=1 page-left=\"1 2\"\n");
+    std::filesystem::remove(file);
 }
 
 } // namespace

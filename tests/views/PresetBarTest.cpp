@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/PresetBar.h"
 #include "pane/views/PresetNameDialog.h"
+#include "platform/memory/MemorySpooler.h"
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
@@ -19,6 +20,8 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
+using testing::Pair;
+using testing::UnorderedElementsAre;
 
 // Uses the presets of the sample's pane by menu and keys.
 struct PresetBarTest : testing::Test {
@@ -135,6 +138,32 @@ TEST_F(PresetBarTest, TheLastJobIsToldUntilAnEditOrAPreset) {
     Open(true);
     EXPECT_EQ(Shown(), "Mine");
     EXPECT_FALSE(pane->Find<QWidget>("lastJob")->isVisible()) << "the preset's name tells enough";
+}
+
+TEST_F(PresetBarTest, KeepsSettingsForAllProgramsAndNoSecrets) {
+    EXPECT_THAT(MenuTexts(), Not(Contains("Use for All &Programs"))) << "without a spooler";
+    auto* spooler = new MemorySpooler;
+    setSpooler(std::unique_ptr<Spooler>(spooler));
+    const std::string queue = utf8Text(pane->pane->data->PrinterName());
+    const StandingOptionList others{{"copies", "2"}, {"PageSize", "A3"}};
+    spooler->standing[queue] = {others[0], others[1], {"QVStaple", "Top"}};
+    pane->Editor().SetValue("*QVDuplex", "ShortEdge");
+    pane->Editor().SetValue("*Notes1", "from shelf 4");
+    pane->Editor().SetValue("*Resume", "74915362");
+    pane->Editor().SetValue("*QVDSPassword", "4711");
+    Choose("Use for All &Programs");
+    EXPECT_NE(Bar()->findChild<QMessageBox*>(), nullptr);
+    EXPECT_THAT(spooler->standing[queue],
+                UnorderedElementsAre(others[0], others[1], Pair("QVDuplex", "ShortEdge"),
+                                     Pair("Notes1", "from shelf 4")));
+    Choose("Do &Not Use for All Programs");
+    EXPECT_EQ(spooler->standing[queue], others);
+    spooler->answers = false;
+    Choose("Use for All &Programs");
+    EXPECT_EQ(Bar()->findChildren<QMessageBox*>().last()->text(),
+              "The settings for all programs were not changed: no answer");
+    pane.reset();
+    setSpooler(nullptr);
 }
 
 TEST_F(PresetBarTest, AsksBeforeItReplacesAndDeletes) {

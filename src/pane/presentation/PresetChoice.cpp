@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/presentation/PresetChoice.h"
 
+#include "jobsettings/StandingSettings.h"
+#include "output/ZANJobNote.h"
 #include "pane/data/PDEData.h"
 #include "pane/editing/PaneEditor.h"
 
@@ -8,9 +10,10 @@
 
 namespace torka {
 
-PresetChoice::PresetChoice(const PaneTexts& paneTexts, PaneEditor& paneEditor, PDEData& data)
+PresetChoice::PresetChoice(const PaneTexts& paneTexts, PaneEditor& paneEditor, PDEData& paneData)
     : texts(paneTexts)
     , editor(paneEditor)
+    , data(paneData)
     , store(data.PrinterName(), editor.Model(), data) {}
 
 void PresetChoice::Choose(const std::string& name) {
@@ -85,6 +88,34 @@ std::string PresetChoice::Problem(PresetStore::Result result, const std::string&
     }
     }
     return {};
+}
+
+bool PresetChoice::CanServeAllPrograms() { return platform::hasSpooler(); }
+
+bool PresetChoice::ServesAllPrograms() const {
+    return !standingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model()).empty();
+}
+
+std::string PresetChoice::ServeAllPrograms() {
+    platform::StandingOptionList settings;
+    for (const PaneDifference& difference : editor.Differences()) {
+        const bool isOneLine = difference.value.find('\n') == std::string::npos; // one choice
+        if (isOneLine && !isSecretNote(editor.Model(), difference.field->control)) {
+            settings.emplace_back(difference.field->keyword.substr(1), difference.value);
+        }
+    }
+    if (const ZANWatermark* watermark = data.Watermarks().Selected()) {
+        settings.emplace_back("torka-watermark", watermark->Definition());
+    }
+    const std::string reason =
+        replaceStandingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model(), settings);
+    return reason.empty() ? reason : texts.Say(words::allProgramsNotKept, reason);
+}
+
+std::string PresetChoice::ServeOnlyThisPane() {
+    const std::string reason =
+        replaceStandingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model(), {});
+    return reason.empty() ? reason : texts.Say(words::allProgramsNotKept, reason);
 }
 
 std::string PresetChoice::Shown(std::string_view name) const {

@@ -33,6 +33,14 @@ public:
     std::string Rename(const std::string& name); // the chosen one
     std::string Remove();                        // the chosen one
 
+    // Whether all programs can print with settings that this person keeps, and whether there are any.
+    static bool CanServeAllPrograms();
+    bool ServesAllPrograms() const;
+    // Keeps the settings that differ from their defaults, and the watermark, for the jobs of all programs, in
+    // place of what is kept. Leaves out secret notes, lists with several choices, and what programs choose.
+    std::string ServeAllPrograms();
+    std::string ServeOnlyThisPane();
+
     // The text of the button: the name of the chosen preset as given, perhaps cut, with "(changed)" when the
     // settings differ; "Presets" when none is chosen.
     std::string Shown(std::string_view name) const;
@@ -44,6 +52,7 @@ private:
 
     const PaneTexts& texts;
     PaneEditor& editor;
+    PDEData& data;
     PresetStore store;
     std::string chosen;
     CFDictionaryRef settingsOfChosen; // after the last Apply or Save

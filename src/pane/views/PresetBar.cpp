@@ -103,6 +103,13 @@ void PresetBar::FillMenu() {
         add(context.Say(words::presetRename, name), &PresetBar::AskForRenaming);
         add(context.Say(words::presetDelete, name), &PresetBar::AskForDeleting);
     }
+    if (PresetChoice::CanServeAllPrograms()) {
+        entries->addSeparator();
+        add(context.Say(words::allPrograms), &PresetBar::ServeAllPrograms);
+        if (presets.ServesAllPrograms()) {
+            add(context.Say(words::allProgramsNot), &PresetBar::ServeOnlyThisPane);
+        }
+    }
 }
 
 void PresetBar::CompareNow() {
@@ -129,6 +136,20 @@ void PresetBar::ShowState() {
 void PresetBar::Apply(const std::string& name) { Tell(presets.Apply(name)); }
 
 void PresetBar::Update() { Tell(presets.Update()); }
+
+// Nothing of the pane shows the effect, so that a message does.
+void PresetBar::ServeAllPrograms() {
+    const std::string problem = presets.ServeAllPrograms();
+    if (!problem.empty()) {
+        Tell(problem);
+        return;
+    }
+    auto* box = messageBox(this, QMessageBox::Information, context.Say(words::allProgramsKept));
+    box->addButton(context.Say(words::ok), QMessageBox::AcceptRole);
+    Open(box);
+}
+
+void PresetBar::ServeOnlyThisPane() { Tell(presets.ServeOnlyThisPane()); }
 
 void PresetBar::AskForSaving() {
     Open(new PresetNameDialog(

@@ -18,7 +18,8 @@ class QMenu;
 namespace torka {
 
 // The presets of the printer as one button. It shows the chosen preset and whether the settings still match
-// it. Its menu applies, saves, updates, renames and deletes presets.
+// it. Its menu applies, saves, updates, renames and deletes presets, and keeps the
+// settings for all programs.
 //
 // Applying a preset is one step of the editor and can be undone. The dialogs are window-modal, belong to the
 // bar and end with it.
@@ -29,6 +30,8 @@ public:
 
     void Apply(const std::string& name);
     void AskForSaving();
+    void ServeAllPrograms();
+    void ServeOnlyThisPane();
     void Update();
     void AskForRenaming();
     void AskForDeleting();

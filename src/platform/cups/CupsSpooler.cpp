@@ -2,6 +2,7 @@
 #include "platform/cups/CupsSpooler.h"
 
 #include "platform/cups/CupsQueue.h"
+#include "platform/cups/StandingOptions.h"
 
 #include <cups/cups.h>
 
@@ -60,6 +61,17 @@ std::string CupsSpooler::FetchPPD(const std::string& destination) {
         descriptions.erase(destination);
     }
     return path;
+}
+
+StandingOptionList CupsSpooler::StandingOptions(const std::string& destination) {
+    return standingOptions(standingOptionsFile(), destination);
+}
+
+std::string CupsSpooler::ChangeStandingOptions(const std::string& destination,
+                                               const std::vector<std::string>& removed,
+                                               const StandingOptionList& added) {
+    const Result<void> changed = changeStandingOptions(standingOptionsFile(), destination, removed, added);
+    return changed ? std::string() : changed.Why().Line();
 }
 
 } // namespace torka::platform

@@ -15,12 +15,18 @@ public:
     std::string JobMessage(int job) override { return messages[job]; }
     bool GetDestinations(std::vector<SpoolerDestination>& list) override;
     std::string FetchPPD(const std::string& destination) override;
+    StandingOptionList StandingOptions(const std::string& destination) override {
+        return standing[destination];
+    }
+    std::string ChangeStandingOptions(const std::string& destination, const std::vector<std::string>& removed,
+                                      const StandingOptionList& added) override;
 
     std::vector<SpoolerJob> jobs;
     std::vector<SpoolerDestination> destinations;
-    std::map<std::string, std::string> ppdPaths; // by destination
-    std::map<int, std::string> messages;         // by job
-    bool answers = true;                         // false when the spooler is down
+    std::map<std::string, std::string> ppdPaths;        // by destination
+    std::map<int, std::string> messages;                // by job
+    std::map<std::string, StandingOptionList> standing; // by destination
+    bool answers = true;                                // false when the spooler is down
     int jobQueries = 0;
     std::vector<std::string> fetched; // the destination of each fetch
     // Called before the jobs are returned; can change their states.

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/torka/Command.h"
+#include "apps/torka/Description.h"
+#include "jobsettings/Findings.h"
+#include "jobsettings/StandingSettings.h"
+#include "output/ZANJobNote.h"
+#include "platform/cups/CupsPrinting.h"
+#include "platform/cups/CupsQueue.h"
+#include "platform/cups/CupsSpooler.h"
+#include "platform/cups/StandingOptions.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <optional>
+
+// The settings that a person keeps for the jobs of all programs.
+
+namespace torka::tool {
+
+namespace {
+
+struct SettingsOptions {
+    std::string queue;
+    std::vector<std::string> texts; // KEY=VALUE, or KEY for clear
+    bool json = false;
+};
+
+// A queue with its description.
+struct OpenQueue {
+    std::string name;
+    PMPrinter printer; // keeps the description's file
+    std::unique_ptr<ZANPPD> description;
+};
+
+Result<OpenQueue> openQueue(const std::string& queue) {
+    if (std::string problem = platform::queueProblem(queue); !problem.empty()) {
+        return Fault{std::move(problem)};
+    }
+    const auto session = std::make_shared<CupsSession>(queue);
+    OpenQueue opened;
+    CFURLRef url;
+    if (PMSessionGetCurrentPrinter(session, opened.printer) != noErr) {
+        return Fault{"the print server has no queue " + queue};
+    }
+    opened.name = utf8Text(PMPrinterGetName(opened.printer));
+    if (PMPrinterCopyDescriptionURL(opened.printer, cfString("PMPPDDescriptionType"), url) != noErr) {
+        return Fault{opened.name + ": the queue has no description"};
+    }
+    auto description = readUsableDescription(CFURLCopyFileSystemPath(url));
+    if (!description) {
+        return description.Why();
+    }
+    opened.description = *std::move(description);
+    return opened;
+}
+
+std::string withoutAsterisk(const std::string& key) { return key.substr(key.starts_with('*') ? 1 : 0); }
+
+// An option of our own; nothing for a setting of the description.
+std::optional<Result<Setting>> ownOption(const std::string& text) {
+    constexpr std::array<std::string_view, 3> policies{"print", "resolve", "stop"};
+    const std::size_t equals = std::min(text.find('='), text.size());
+    const std::string name = text.substr(0, equals);
+    if (name != "torka-conflicts" && name != "torka-watermark") {
+        return std::nullopt;
+    }
+    Setting setting;
+    setting.key = name;
+    setting.value = equals == text.size() ? "" : text.substr(equals + 1);
+    if (name == "torka-conflicts" && std::ranges::find(policies, setting.value) == policies.end()) {
+        return Fault{"torka-conflicts takes print, resolve or stop, not " + setting.value};
+    }
+    return setting;
+}
+
+Result<std::vector<Setting>> readSettings(const ZANPPD& description, const std::vector<std::string>& texts) {
+    std::vector<Setting> settings;
+    std::vector<std::string> others;
+    for (const std::string& text : texts) {
+        if (auto own = ownOption(text)) {
+            if (!*own) {
+                return own->Why();
+            }
+            settings.push_back(**own);
+        } else {
+            others.push_back(text);
+        }
+    }
+    auto parsed = parseSettings(description, others);
+    if (parsed) {
+        settings.insert(settings.end(), parsed->begin(), parsed->end());
+    }
+    return parsed ? Result<std::vector<Setting>>(std::move(settings)) : parsed;
+}
+
+ExitStatus show(const SettingsOptions& options) {
+    const Result<OpenQueue> queue = openQueue(options.queue);
+    if (!queue) {
+        return unusable(queue.Why());
+    }
+    CupsSpooler spooler;
+    Json json = Json::object();
+    for (const auto& [name, value] : standingSettings(spooler, queue->name, *queue->description)) {
+        if (options.json) {
+            json[jsonText(name.c_str())] = jsonText(value.c_str());
+        } else {
+            print(printable(name) + "=" + printable(value) + "\n");
+        }
+    }
+    if (options.json) {
+        print(jsonDocument(json));
+    }
+    return ExitStatus::good;
+}
+
+// The settings in force with those that are kept, for the warnings.
+void warnOfConflicts(CupsSpooler& spooler, const OpenQueue& queue) {
+    for (const auto& [name, value] : standingSettings(spooler, queue.name, *queue.description)) {
+        queue.description->SetValueForKey(cfString("*" + withoutAsterisk(name)), cfString(value));
+    }
+    for (const std::string& conflict : conflictTexts(*queue.description)) {
+        warn(conflict);
+    }
+}
+
+ExitStatus set(const SettingsOptions& options) {
+    const Result<OpenQueue> queue = openQueue(options.queue);
+    if (!queue) {
+        return unusable(queue.Why());
+    }
+    const Result<std::vector<Setting>> settings = readSettings(*queue->description, options.texts);
+    if (!settings) {
+        return unusable(settings.Why());
+    }
+    platform::StandingOptionList added;
+    for (const Setting& setting : *settings) {
+        const PPDXControl* control = queue->description->GetPPDXControlForKey(cfString(setting.key));
+        if (isSecretNote(*queue->description, control)) {
+            warn(setting.key + " is a password or protected: it is not kept, because others can read the "
+                               "options of a job; nothing is changed");
+            return ExitStatus::findings;
+        }
+        added.emplace_back(withoutAsterisk(setting.key), setting.value);
+    }
+    CupsSpooler spooler;
+    if (const std::string problem = spooler.ChangeStandingOptions(queue->name, {}, added); !problem.empty()) {
+        return unusable(problem);
+    }
+    warnOfConflicts(spooler, *queue);
+    return ExitStatus::good;
+}
+
+ExitStatus clear(const SettingsOptions& options) {
+    const Result<OpenQueue> queue = openQueue(options.queue);
+    if (!queue) {
+        return unusable(queue.Why());
+    }
+    CupsSpooler spooler;
+    std::vector<std::string> removed;
+    for (const std::string& key : options.texts) {
+        if (!isStandingSetting(*queue->description, key)) {
+            return unusable("the description has no option *" + withoutAsterisk(key));
+        }
+        removed.push_back(withoutAsterisk(key));
+        removed.push_back("*" + removed.back());
+    }
+    if (options.texts.empty()) {
+        for (const auto& [name, value] : standingSettings(spooler, queue->name, *queue->description)) {
+            removed.push_back(name);
+        }
+    }
+    const std::string problem = spooler.ChangeStandingOptions(queue->name, removed, {});
+    return problem.empty() ? ExitStatus::good : unusable(problem);
+}
+
+} // namespace
+
+void addSettingsCommand(CLI::App& app, ExitStatus& status) {
+    const auto options = std::make_shared<SettingsOptions>();
+    CLI::App* command =
+        app.add_subcommand("settings", "Settings of a queue that you keep for the jobs of all programs");
+    command->require_subcommand(1);
+    const auto add = [&](const char* name, const char* help, ExitStatus (*run)(const SettingsOptions&)) {
+        CLI::App* each = command->add_subcommand(name, help);
+        each->add_option("-d,--queue", options->queue, "Queue; the default queue otherwise");
+        each->callback([options, run, &status] { status = run(*options); });
+        return each;
+    };
+    add("show", "Print the settings that are kept", show)->add_flag("--json", options->json, "As JSON");
+    add("set", "Keep settings", set)->add_option("SETTING", options->texts, settingHelp)->required();
+    add("clear", "Keep no settings any more", clear)
+        ->add_option("KEY", options->texts, "Settings to drop; all of the queue otherwise");
+}
+
+} // namespace torka::tool

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "jobsettings/StandingSettings.h"
+
+#include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "jobsettings/OptionText.h"
+
+#include <algorithm>
+#include <array>
+
+namespace torka {
+
+namespace {
+
+bool isChosenByPrograms(std::string_view name) {
+    constexpr std::array<std::string_view, 3> names{"PageSize", "QVOrientation", "Collate"};
+    return std::ranges::any_of(names, [name](std::string_view each) { return isSameAscii(each, name); });
+}
+
+} // namespace
+
+bool isStandingSetting(const ZANPPD& description, std::string_view name) {
+    name.remove_prefix(name.starts_with('*') ? 1 : 0);
+    if (name == "torka-watermark" || name == "torka-conflicts") {
+        return true;
+    }
+    const std::string keyword = "*" + std::string(name);
+    bool isFound = false;
+    description.GetControls()->ForEach([&](const PPDXControl* control) {
+        isFound = isFound || (control->Keyword() != nullptr && isSameAscii(control->Keyword(), keyword));
+    });
+    return isFound;
+}
+
+platform::StandingOptionList standingSettings(platform::Spooler& spooler, const std::string& destination,
+                                              const ZANPPD& description) {
+    platform::StandingOptionList options = spooler.StandingOptions(destination);
+    std::erase_if(options, [&](const auto& option) { return !isStandingSetting(description, option.first); });
+    return options;
+}
+
+std::string replaceStandingSettings(platform::Spooler& spooler, const std::string& destination,
+                                    const ZANPPD& description, const platform::StandingOptionList& settings) {
+    std::vector<std::string> former;
+    for (const auto& [name, value] : standingSettings(spooler, destination, description)) {
+        if (!isChosenByPrograms(name)) {
+            former.push_back(name);
+        }
+    }
+    return spooler.ChangeStandingOptions(destination, former, settings);
+}
+
+} // namespace torka

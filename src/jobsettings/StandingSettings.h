@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/Spooler.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The settings of a queue that a person keeps for the jobs of all programs, as standing options. Never holds
+// a note that is protected or masked, because options are public.
+
+namespace torka {
+
+class PPDXControl;
+class ZANPPD;
+
+// Whether an option of this name is a setting of the description, or an option of our own.
+bool isStandingSetting(const ZANPPD& description, std::string_view name);
+
+// Those of the destination's standing options that are settings.
+platform::StandingOptionList standingSettings(platform::Spooler& spooler, const std::string& destination,
+                                              const ZANPPD& description);
+
+// Keeps the settings in place of all that are kept. A page size, orientation or collation that is kept stays,
+// because programs choose these. Returns "" or why nothing was changed.
+std::string replaceStandingSettings(platform::Spooler& spooler, const std::string& destination,
+                                    const ZANPPD& description, const platform::StandingOptionList& settings);
+
+} // namespace torka
