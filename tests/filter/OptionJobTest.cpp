@@ -149,6 +149,19 @@ TEST(OptionJob, LeavesOtherJobsAlone) {
     }
 }
 
+TEST(OptionJob, HoldsForThousandsOfOptionsAndLongTexts) {
+    const FilterHarness harness;
+    std::string options = "Notes1=" + std::string(60'000, 'a') + " QVStaple=" + std::string(30'000, '%');
+    for (int i = 0; i < 3000; ++i) {
+        options += " x" + std::to_string(i) + "=\"\\n\x01 '{" + "\"";
+    }
+    const std::optional<OptionJob> job = read(options);
+    ASSERT_TRUE(job);
+    EXPECT_THAT(entriesOf(*job), HasSubstr("%%ZANCustom1: " + std::string(60'000, 'a') + "\n"));
+    EXPECT_THAT(toldBy(*job), HasSubstr("Notes1 must have at most 63 characters"));
+    EXPECT_THAT(toldBy(*job), HasSubstr("QVStaple does not offer %%%"));
+}
+
 TEST(OptionJob, StopsForSecretsAndWhenItIsToldTo) {
     const FilterHarness harness;
     const std::string secret = "74915362";
