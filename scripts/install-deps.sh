@@ -23,8 +23,9 @@ packages=(
     # what the tests and run.sh check against
     ghostscript groff-base fonts-urw-base35 fonts-dejavu-core cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
     avahi-daemon dbus iproute2 procps
-    # programs of others that print with the pane, and a display for them
+    # programs of others that print with the pane: a display, the programs, the print portal beside another backend
     xvfb openbox xdotool imagemagick focuswriter linguist-qt6
+    evince xdg-desktop-portal xdg-desktop-portal-gtk desktop-file-utils appstream
 )
 # Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer
 developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3-clang-14)
