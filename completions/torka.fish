@@ -3,7 +3,8 @@
 
 function __torka_complete
     set -l words (commandline -opc)
-    set -l word (commandline -ct)
+    # An open quote belongs to the token.
+    set -l word (string replace -r '^["\']' '' -- (commandline -ct))
     for line in ($words[1] complete words $words "$word" 2>/dev/null)
         switch $line
             case \tfiles
