@@ -12,6 +12,7 @@ configure_file(packaging/tmpfiles.conf.in ${CMAKE_BINARY_DIR}/packaging/torka.co
 install(FILES ${CMAKE_BINARY_DIR}/packaging/torka.conf DESTINATION lib/tmpfiles.d COMPONENT torka)
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
 install(FILES README.md CHANGELOG.md ${documents} DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka)
+install(DIRECTORY docs/guide docs/decisions DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka)
 install(DIRECTORY docs/images DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka OPTIONAL)
 install(DIRECTORY samples/ DESTINATION ${TORKA_DOC_DIR}/torka/examples COMPONENT torka)
 
