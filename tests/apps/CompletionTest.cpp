@@ -68,7 +68,7 @@ TEST(Completion, OffersWhatCanFollowInBash) {
 TEST(Completion, RunsNothingOfADescription) {
     const tests::TemporaryFolder folder;
     for (const std::string choice : {"$(touch${IFS}ran)", "`touch${IFS}ran`", "a;touch${IFS}ran", "a|b&c>ran",
-                                     "a'b", "{a,b}", "~root", "a*", "!!", "-n", "%s%n", "a\\b"}) {
+                                     "a'b", "{a,b}", "$HOME", "~root", "a*", "!!", "-n", "%s%n", "a\\b"}) {
         folder.Write(
             "p.ppd",
             "*PPD-Adobe: \"4.3\"\n*LanguageEncoding: UTF-8\n*LanguageVersion: English\n"
