@@ -52,6 +52,7 @@ void addRecordCommand(CLI::App& app, ExitStatus& status);
 void addSettingsCommand(CLI::App& app, ExitStatus& status);
 void addModuleCommand(CLI::App& app, ExitStatus& status);
 void addServerDataCommand(CLI::App& app, ExitStatus& status);
+void addSetupCommand(CLI::App& app, ExitStatus& status);
 void addManualCommand(CLI::App& app, ExitStatus& status);   // hidden
 void addCompleteCommand(CLI::App& app, ExitStatus& status); // hidden
 

@@ -38,11 +38,7 @@ const char* stateWord(CheckState state) {
     return "unknown";
 }
 
-std::string defaultBundle() {
-    std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return platform::installedBundle(program.parent_path()).string();
-}
+std::string defaultBundle() { return platform::installedBundle(platform::programFolder()).string(); }
 
 void printFindings(const std::vector<QueueFinding>& findings) {
     for (const QueueFinding& finding : findings) {

@@ -4,6 +4,7 @@
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
 #include "ZANUtils/FieldKeys.h"
+#include "apps/torka/Applications.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/Echo.h"
@@ -21,6 +22,7 @@
 #include "platform/System.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"
+#include "platform/posix/InstalledSystem.h"
 
 #include <algorithm>
 #include <memory>
@@ -73,6 +75,7 @@ public:
         });
         findings.push_back(CheckTwoWay(hasFault));
         findings.push_back(CheckModule());
+        findings.push_back(applicationsFinding(platform::programFolder()));
         return findings;
     }
 

@@ -60,6 +60,7 @@ int run(int argc, char** argv) {
     tool::addRecordCommand(app, status);
     tool::addModuleCommand(app, status);
     tool::addServerDataCommand(app, status);
+    tool::addSetupCommand(app, status);
     tool::addManualCommand(app, status);
     tool::addCompleteCommand(app, status);
     tellVersion(app);
