@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
+#include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "jobsettings/Findings.h"
 #include "jobsettings/StandingSettings.h"
@@ -178,19 +179,31 @@ ExitStatus clear(const SettingsOptions& options) {
 
 void addSettingsCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<SettingsOptions>();
-    CLI::App* command =
-        app.add_subcommand("settings", "Settings of a queue that you keep for the jobs of all programs");
+    CLI::App* command = app.add_subcommand("settings", "Settings that you keep for all programs");
     command->require_subcommand(1);
     const auto add = [&](const char* name, const char* help, ExitStatus (*run)(const SettingsOptions&)) {
         CLI::App* each = command->add_subcommand(name, help);
-        each->add_option("-d,--queue", options->queue, "Queue; the default queue otherwise");
+        each->add_option("-d,--queue", options->queue, "Queue; otherwise the default queue")
+            ->option_text("QUEUE");
         each->callback([options, run, &status] { status = run(*options); });
         return each;
     };
-    add("show", "Print the settings that are kept", show)->add_flag("--json", options->json, "As JSON");
-    add("set", "Keep settings", set)->add_option("SETTING", options->texts, settingHelp)->required();
-    add("clear", "Keep no settings any more", clear)
-        ->add_option("KEY", options->texts, "Settings to drop; all of the queue otherwise");
+    CLI::App* shown = add("show", "Print the settings that are kept", show);
+    shown->add_flag("--json", options->json, "As JSON");
+    describe(*shown, {.examples = {"torka settings show -d office"}});
+
+    CLI::App* kept = add("set", "Keep settings for the jobs of all programs", set);
+    kept->add_option("SETTING", options->texts, settingHelp)->option_text("KEY=VALUE")->required();
+    describe(*kept, {.examples = {"torka settings set -d office QVDuplex=LongEdge Notes1=draft"},
+                     .findings = "a setting is a password or protected, so that nothing is kept",
+                     .details = "The settings go into ~/.cups/lpoptions, or for root into "
+                                "/etc/cups/lpoptions, where they count for everybody. Programs add them to "
+                                "their jobs as options, which others can read. torka-watermark and "
+                                "torka-conflicts can be kept, too."});
+
+    CLI::App* dropped = add("clear", "Keep settings no longer", clear);
+    dropped->add_option("KEY", options->texts, "Setting; otherwise all of the queue");
+    describe(*dropped, {.examples = {"torka settings clear -d office QVDuplex"}});
 }
 
 } // namespace torka::tool
