@@ -18,8 +18,12 @@ namespace {
 // Ends the process in order: the handler of SIGTERM removes the private folder.
 void endAtAlarm(int /*signal*/) { std::raise(SIGTERM); }
 
-// Somebody waits with a finger on a key. A slow print server completes nothing.
-void endInASecond() {
+// Somebody waits with a finger on a key: a print server that answers later than in a second completes
+// nothing.
+void prepareAsking() {
+    // libcups copies a description of a remote server into this folder.
+    setenv("TMPDIR", platform::system().PrivateFolder().c_str(), 1);
+    platform::neverAskForPasswords();
     std::signal(SIGALRM, endAtAlarm);
     alarm(1);
 }
@@ -38,7 +42,7 @@ const char* directive(CompletedPaths paths) {
 // Writes a line for each candidate: the word, and after a tab its description. A line without a word says
 // what the shell itself completes.
 void completeWords(const CLI::App& app, const std::vector<std::string>& words) {
-    const Completion completion = complete(app, words);
+    const Completion completion = complete(app, words, prepareAsking);
     std::string out = directive(completion.paths);
     for (const Candidate& candidate : completion.candidates) {
         out += candidate.text + (candidate.description.empty() ? "" : "\t") + candidate.description + "\n";
@@ -48,7 +52,7 @@ void completeWords(const CLI::App& app, const std::vector<std::string>& words) {
 
 // The same, with what bash inserts in place of the words, and no description.
 void completeLine(const CLI::App& app, const CompletionLine& line) {
-    const Completion completion = complete(app, line.Words());
+    const Completion completion = complete(app, line.Words(), prepareAsking);
     std::string out = directive(completion.paths);
     for (const Candidate& candidate : completion.candidates) {
         if (const std::string text = line.Insertion(candidate.text); !text.empty()) {
@@ -59,10 +63,6 @@ void completeLine(const CLI::App& app, const CompletionLine& line) {
 }
 
 ExitStatus runComplete(const CLI::App& app, const std::vector<std::string>& arguments) {
-    // libcups copies a description of a remote server into this folder.
-    setenv("TMPDIR", platform::system().PrivateFolder().c_str(), 1);
-    endInASecond();
-    platform::neverAskForPasswords();
     if (arguments.size() == 3 && arguments[0] == "bash") {
         completeLine(app, CompletionLine(arguments[2], arguments[1]));
         return ExitStatus::good;

@@ -109,9 +109,10 @@ void takeWord(Typed& typed, const std::string& word) {
 
 class Completer {
 public:
-    Completer(Typed words, std::string lastWord)
+    Completer(Typed words, std::string lastWord, const std::function<void()>& beforeAsking)
         : typed(std::move(words))
-        , last(std::move(lastWord)) {}
+        , last(std::move(lastWord))
+        , prepareAsking(beforeAsking) {}
     Completion Complete();
 
 private:
@@ -128,6 +129,7 @@ private:
 
     Typed typed;
     std::string last;
+    const std::function<void()>& prepareAsking;
     platform::FetchedPPD fetched;
     Completion completion;
 };
@@ -151,6 +153,7 @@ void Completer::AddOptions() {
 }
 
 void Completer::AddQueues(const std::string& prefix) {
+    prepareAsking();
     if (const auto queues = platform::listQueues()) {
         for (const platform::QueueState& queue : *queues) {
             Add(prefix + queue.name, queue.makeAndModel);
@@ -163,6 +166,7 @@ std::string Completer::DescriptionPath() {
         const char* home = ppd->second.starts_with("~/") ? std::getenv("HOME") : nullptr;
         return home == nullptr ? ppd->second : home + ppd->second.substr(1);
     }
+    prepareAsking();
     const auto queue = typed.values.find("QUEUE");
     return fetched.Fetch(queue == typed.values.end() ? platform::defaultQueue() : queue->second);
 }
@@ -261,14 +265,15 @@ Completion Completer::Complete() {
 
 } // namespace
 
-Completion complete(const CLI::App& app, const std::vector<std::string>& words) {
+Completion complete(const CLI::App& app, const std::vector<std::string>& words,
+                    const std::function<void()>& beforeAsking) {
     Typed typed;
     typed.command = &app;
     typed.options = optionsOf(app);
     for (std::size_t i = 1; i + 1 < words.size(); ++i) {
         takeWord(typed, words[i]);
     }
-    return Completer(std::move(typed), words.empty() ? "" : words.back()).Complete();
+    return Completer(std::move(typed), words.empty() ? "" : words.back(), beforeAsking).Complete();
 }
 
 } // namespace torka::tool

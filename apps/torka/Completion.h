@@ -3,6 +3,7 @@
 
 #include <CLI/App.hpp>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,8 @@ struct Completion {
 };
 
 // Completes the last of `words`; the first is the program. Asks the print server when a queue or the settings
-// of one are meant. Foreign texts that are not printable are left out.
-Completion complete(const CLI::App& app, const std::vector<std::string>& words);
+// of one are meant, and calls `beforeAsking` first. Foreign texts that are not printable are left out.
+Completion complete(const CLI::App& app, const std::vector<std::string>& words,
+                    const std::function<void()>& beforeAsking);
 
 } // namespace torka::tool
