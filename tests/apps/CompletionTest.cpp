@@ -85,5 +85,17 @@ TEST(Completion, RunsNothingOfADescription) {
     EXPECT_THAT(completed(folder.Path(), "torka emit p.ppd Evil=", ""), IsEmpty());
 }
 
+// Without the limit of its own the tool would wait until Python loses its patience.
+TEST(Completion, GivesUpOnAServerThatDoesNotAnswer) {
+    EXPECT_EQ(tests::runPython(
+                  "import os, socket, subprocess, sys\n"
+                  "server = socket.create_server(('127.0.0.1', 0))\n"
+                  "place = 'CUPS_SERVER=127.0.0.1:%d' % server.getsockname()[1]\n"
+                  "command = ['env', place, sys.argv[1], 'complete', 'words', 'torka', 'print', '-d', '']\n"
+                  "print(subprocess.run(command, capture_output=True, timeout=30).stdout)",
+                  {TORKA_BINARY_DIR "/bin/torka"}),
+              "b''\n");
+}
+
 } // namespace
 } // namespace torka
