@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-// What holds for every command: one line for a failure, no control characters, the version, secrets that need
-// no command line.
+// What holds for every command: one line for a failure, no control characters, secrets that need no command
+// line. scripts/check-manual looks at --help and --version of each.
 
 namespace torka {
 namespace {
@@ -123,40 +123,6 @@ TEST(Tool, PrintsNoControlCharacters) {
     const std::string json = runTool({"show", ppd, "--json"}).output;
     EXPECT_THAT(json, HasSubstr("a\\u202e\\u009b\\u007f"));
     EXPECT_EQ(nlohmann::json::parse(json)["header"]["modelName"], "a\u202e\u009b\x7f");
-}
-
-TEST(Tool, EveryCommandTellsTheVersion) {
-    const std::string version = runTool({"--version"}).output;
-    EXPECT_THAT(version, StartsWith("torka "));
-    for (Arguments command : {Arguments{"show"},
-                              {"lint"},
-                              {"diff"},
-                              {"check"},
-                              {"emit"},
-                              {"ticket"},
-                              {"notes"},
-                              {"notes", "decrypt"},
-                              {"ping"},
-                              {"address"},
-                              {"address", "list"},
-                              {"address", "set"},
-                              {"address", "remove"},
-                              {"address", "discover"},
-                              {"print"},
-                              {"command", "send"},
-                              {"queue"},
-                              {"queue", "list"},
-                              {"queue", "add"},
-                              {"queue", "remove"},
-                              {"queue", "check"},
-                              {"record", "put"},
-                              {"module", "run"},
-                              {"serverdata"}}) {
-        command.emplace_back("--version");
-        const tests::CommandResult result = runTool(command);
-        EXPECT_EQ(result.status, 0) << testing::PrintToString(command);
-        EXPECT_EQ(result.output, version) << testing::PrintToString(command);
-    }
 }
 
 TEST(Settings, TakeTheirTextsFromFilesAndStandardInput) {
