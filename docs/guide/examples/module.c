@@ -68,20 +68,33 @@ SDMRESULT JP1_1SetWatermarks(JPHANDLE session, const JPWatermarkList* list) {
     return session && list ? SDM_SUCCESS : SDM_NOT_AVAILABLE;
 }
 
+/* Sets a value, and adds the setting when the list lacks it. The array has room for one more. */
+static void set(SDMKeyValueList* list, const wchar_t* key, const wchar_t* value) {
+    wchar_t* text = copied(value);
+    size_t i = 0;
+    while (i < list->count && wcscmp(list->items[i].szKey, key) != 0) {
+        ++i;
+    }
+    if (i == list->count && text) {
+        list->items[i].szKey = copied(key);
+        list->count += list->items[i].szKey != NULL;
+    }
+    if (i < list->count && text) {
+        free(list->items[i].szValue);
+        list->items[i].szValue = text;
+    } else {
+        free(text);
+    }
+}
+
 /* A module with a window shows it here, with an event loop of its own. Result 0 means accepted. */
 SDMRESULT JP1_1OpenUI(JPHANDLE session, const char* title, int32_t flags, int32_t reserved, int32_t* result) {
-    const SDMKeyValueList* settings = &((Session*)session)->settings;
+    Session* own = session;
     (void)title, (void)flags, (void)reserved;
-    for (size_t i = 0; i < settings->count; ++i) {
-        if (wcscmp(settings->items[i].szKey, L"*QVDuplex") == 0 ||
-            wcscmp(settings->items[i].szKey, L"QVDuplex") == 0) {
-            wchar_t* value = copied(L"LongEdge");
-            if (value) {
-                free(settings->items[i].szValue);
-                settings->items[i].szValue = value;
-            }
-        }
+    if (!own->settings.items) {
+        return SDM_NOT_AVAILABLE;
     }
+    set(&own->settings, L"QVDuplex", L"LongEdge");
     *result = 0;
     return SDM_SUCCESS;
 }
