@@ -271,8 +271,9 @@ void PaneAttachment::HideEmptyLocation() {
     rows->getItemPosition(at, &row, &column, &span, &span);
     const QLayoutItem* first = rows->itemAtPosition(row, 0);
     if (column > 0 && first != nullptr && qobject_cast<QLabel*>(first->widget()) != nullptr) {
-        first->widget()->setHidden(location->text().isEmpty());
-        location->setHidden(location->text().isEmpty());
+        const bool isOurs = withoutPane == WithoutPane::explained || paneTab->hasPanel();
+        first->widget()->setHidden(isOurs && location->text().isEmpty());
+        location->setHidden(isOurs && location->text().isEmpty());
     }
 }
 
