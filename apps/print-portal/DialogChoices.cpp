@@ -8,9 +8,12 @@
 #include <QCoreApplication>
 #include <QDialog>
 #include <QDir>
+#include <QDoubleSpinBox>
 #include <QEvent>
 #include <QFileInfo>
 #include <QFormLayout>
+#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
@@ -27,6 +30,10 @@ namespace {
 
 // GTK's name of its file destination. GTK translates it in its own dialog, and keeps ours as it is.
 constexpr QLatin1String printToFile("Print to File");
+
+// "number-up-layout" in the order of the numbers behind Qt's entries. The entries themselves stand in another
+// order.
+constexpr std::array sheetOrders{"lrtb", "lrbt", "rlbt", "rltb", "btlr", "btrl", "tblr", "tbrl"};
 
 QComboBox* box(const QWidget& in, const char* name) { return in.findChild<QComboBox*>(QLatin1String(name)); }
 
@@ -150,6 +157,32 @@ void offerPagesForFiles(dialog::PrintDialog& dialog) {
     offer();
 }
 
+QDoubleSpinBox* addScale(dialog::PrintDialog& dialog, const PrintChoices& choices) {
+    auto* scale = new QDoubleSpinBox(&dialog);
+    scale->setObjectName(QStringLiteral("scale"));
+    scale->setRange(1, 1000);
+    scale->setDecimals(1);
+    scale->setSuffix(QCoreApplication::translate("PrintPortal", " %"));
+    scale->setValue(choices.scale.value_or(100));
+    auto* label = new QLabel(QCoreApplication::translate("PrintPortal", "Sc&ale:"), &dialog);
+    label->setBuddy(scale);
+    auto* row = new QHBoxLayout;
+    row->addWidget(label);
+    row->addWidget(scale);
+    row->addStretch(1);
+    const auto* collate = dialog.findChild<QWidget*>(QStringLiteral("collate"));
+    QLayout* rows = collate == nullptr ? nullptr : collate->parentWidget()->layout();
+    if (auto* grid = qobject_cast<QGridLayout*>(rows)) {
+        grid->addLayout(row, grid->rowCount(), 0, 1, -1, Qt::AlignTop);
+    } else if (auto* column = qobject_cast<QBoxLayout*>(rows)) {
+        column->addLayout(row);
+    } else {
+        label->hide(); // the scale stays as the program gave it
+        scale->hide();
+    }
+    return scale;
+}
+
 void presetDialog(dialog::PrintDialog& dialog, const PrintChoices& choices, bool mayWriteAnywhere) {
     QComboBox* printers = box(dialog, "printers");
     const bool isListed = !choices.printer.isEmpty() && dialog.chooseQueue(choices.printer.toStdString());
@@ -180,8 +213,7 @@ bool PropertyPresets::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show) {
         auto* shown = qobject_cast<QDialog*>(watched);
         if (shown != nullptr && dialog.findChildren<QDialog*>().contains(shown) &&
-            shown->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr &&
-            (!isFilled || filledFor != dialog.queue())) {
+            shown->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr && !WereOpened()) {
             isFilled = true;
             filledFor = dialog.queue();
             Fill(*shown);
@@ -189,6 +221,8 @@ bool PropertyPresets::eventFilter(QObject* watched, QEvent* event) {
     }
     return QObject::eventFilter(watched, event);
 }
+
+bool PropertyPresets::WereOpened() const { return isFilled && filledFor == dialog.queue(); }
 
 void PropertyPresets::Fill(const QDialog& properties) {
     if (QComboBox* sizes = box(properties, "pageSizeCombo")) {
@@ -206,14 +240,16 @@ void PropertyPresets::Fill(const QDialog& properties) {
             counts->findText(QString::number(*choices.pagesPerSheet) + QLatin1Char(' '), Qt::MatchStartsWith);
         choose(*counts, std::max(at, 0));
     }
-    // In the order of the numbers behind Qt's entries. The entries themselves stand in another order.
-    constexpr std::array orders{"lrtb", "lrbt", "rlbt", "rltb", "btlr", "btrl", "tblr", "tbrl"};
-    const auto order = std::ranges::find(orders, choices.pagesPerSheetOrder.toStdString());
+    const auto order = std::ranges::find(sheetOrders, choices.pagesPerSheetOrder.toStdString());
     QComboBox* layouts = box(properties, "pagesPerSheetLayoutCombo");
-    for (int i = 0; layouts != nullptr && order != orders.end() && i < layouts->count(); ++i) {
-        if (layouts->itemData(i).toInt() == order - orders.begin()) {
+    for (int i = 0; layouts != nullptr && order != sheetOrders.end() && i < layouts->count(); ++i) {
+        if (layouts->itemData(i).toInt() == order - sheetOrders.begin()) {
             choose(*layouts, i);
         }
+    }
+    if (auto* group = properties.findChild<QWidget*>(QStringLiteral("pagesPerSheetButtonGroup"));
+        group != nullptr && isFile(dialog)) {
+        group->show();
     }
     FillOptions(properties);
 }
@@ -240,15 +276,37 @@ void PropertyPresets::FillOptions(const QDialog& properties) {
     }
 }
 
-void PropertyPresets::Complete(platform::JobOptions& options, QStringList& problems) {
-    if (isFile(dialog) || (isFilled && filledFor == dialog.queue())) {
+void PropertyPresets::TakePagesPerSheet(PrintChoices& chosen) const {
+    const QComboBox* counts = box(dialog, "pagesPerSheetCombo");
+    const QComboBox* layouts = box(dialog, "pagesPerSheetLayoutCombo");
+    if (!isFile(dialog)) {
+        return;
+    }
+    chosen.pagesPerSheet = choices.pagesPerSheet;
+    chosen.pagesPerSheetOrder = choices.pagesPerSheetOrder;
+    if (WereOpened() && counts != nullptr && layouts != nullptr) {
+        chosen.pagesPerSheet = counts->currentText().section(QLatin1Char(' '), 0, 0).toInt();
+        const auto order = static_cast<std::size_t>(layouts->currentData().toInt());
+        chosen.pagesPerSheetOrder = QLatin1String(sheetOrders.at(order < sheetOrders.size() ? order : 0));
+    }
+}
+
+void PropertyPresets::Complete(platform::JobOptions& options, QStringList& problems) const {
+    const dialog::DescribedOptions& decided = dialog.tab().decidedByPane();
+    if (choices.sides.value_or(Sides::One) != Sides::One && decided.sides) {
+        problems += QStringLiteral("the pane decides the sides, not the program");
+    }
+    if (choices.pagesPerSheet.value_or(1) > 1 && decided.pagesPerSheet) {
+        problems += QStringLiteral("the pane decides the pages per sheet, not the program");
+    }
+    if (isFile(dialog) || WereOpened()) {
         return;
     }
     const auto set = [&](const std::string& name, const std::string& value) {
         std::erase_if(options, [&](const auto& option) { return option.first == name; });
         options.emplace_back(name, value);
     };
-    if (choices.pagesPerSheet && *choices.pagesPerSheet > 1 && !dialog.tab().decidedByPane().pagesPerSheet) {
+    if (choices.pagesPerSheet && *choices.pagesPerSheet > 1 && !decided.pagesPerSheet) {
         set("number-up", std::to_string(*choices.pagesPerSheet));
         if (!choices.pagesPerSheetOrder.isEmpty()) {
             set("number-up-layout", choices.pagesPerSheetOrder.toStdString());

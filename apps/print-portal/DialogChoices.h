@@ -9,6 +9,7 @@
 #include <QPrinter>
 
 class QDialog;
+class QDoubleSpinBox;
 
 // Brings a program's choices into the print dialog, and the person's choices out of it.
 
@@ -28,12 +29,15 @@ public:
 
     // Adds what the properties would hold, had they been opened. Names in `problems` what the queue does not
     // have.
-    void Complete(platform::JobOptions& options, QStringList& problems);
+    void Complete(platform::JobOptions& options, QStringList& problems) const;
+    // The pages per sheet of a file, which the program draws. Qt's own code forgets them.
+    void TakePagesPerSheet(PrintChoices& chosen) const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    bool WereOpened() const;
     void Fill(const QDialog& properties);
     void FillOptions(const QDialog& properties);
 
@@ -51,6 +55,10 @@ void presetDialog(dialog::PrintDialog& dialog, const PrintChoices& choices, bool
 // Offers lists of pages and the even or odd ones for a file, too. Qt does so only for the print server, but
 // here the program applies them.
 void offerPagesForFiles(dialog::PrintDialog& dialog);
+
+// Adds the scale, in percent, to the dialog: the program draws its pages with it, but no field of Qt's shows
+// it.
+QDoubleSpinBox* addScale(dialog::PrintDialog& dialog, const PrintChoices& choices);
 
 // The choices of an accepted dialog. Those that it does not show, such as margins, stay as received.
 PrintChoices chosenIn(dialog::PrintDialog& dialog, const PrintChoices& received,

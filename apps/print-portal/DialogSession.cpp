@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QDoubleSpinBox>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QThread>
@@ -68,6 +69,11 @@ void DialogSession::Open() {
     presetDialog(*dialog, wish.choices, !wish.isSandboxed);
     if (wish.laidOutBy == LaidOutBy::Program) {
         offerPagesForFiles(*dialog);
+        scale = addScale(*dialog, wish.choices);
+    }
+    if (!wish.choices.printer.isEmpty() && wish.choices.printer.toStdString() != dialog->queue() &&
+        !dialog->queue().empty()) {
+        Log(QStringLiteral("there is no queue %1 any more").arg(wish.choices.printer));
     }
     if (!dialog->tab().hasPanel()) {
         showFirstTab(*dialog);
@@ -80,6 +86,11 @@ void DialogSession::Open() {
     dialog->activateWindow();
 }
 
+void DialogSession::Log(const QString& problem) const {
+    std::fprintf(stderr, "%s: %s\n", apps::printable(wish.title.toStdString()).c_str(),
+                 apps::printable(problem.toStdString()).c_str());
+}
+
 void DialogSession::Take(int result) {
     if (isOver) {
         return;
@@ -89,10 +100,13 @@ void DialogSession::Take(int result) {
         QStringList problems;
         presets->Complete(options, problems);
         for (const QString& problem : std::as_const(problems)) {
-            std::fprintf(stderr, "%s: %s\n", apps::printable(wish.title.toStdString()).c_str(),
-                         apps::printable(problem.toStdString()).c_str());
+            Log(problem);
         }
         chosen = chosenIn(*dialog, wish.choices, options);
+        presets->TakePagesPerSheet(chosen);
+        if (scale != nullptr) {
+            chosen.scale = scale->value();
+        }
         job.queue = dialog->queue();
         job.outputFile = job.queue.empty() ? printer.outputFileName() : QString();
         job.options =

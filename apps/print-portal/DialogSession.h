@@ -48,12 +48,14 @@ Q_SIGNALS:
 
 private:
     void Take(int result);
+    void Log(const QString& problem) const;
     void End();
 
     DialogWish wish;
     QPrinter printer;
     std::unique_ptr<dialog::PrintDialog> dialog;
     PropertyPresets* presets;
+    QDoubleSpinBox* scale = nullptr; // for a program that draws the pages yet
     PreparedJob job;
     PrintChoices chosen;
     bool isOver = false;

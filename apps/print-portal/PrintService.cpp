@@ -198,11 +198,11 @@ bool PrintService::IsBusy() {
 
 void PrintService::EndAfter(std::chrono::milliseconds quiet) {
     constexpr int looks = 10; // during the quiet time
+    quietTimer.disconnect();
     quietTimer.setInterval(quiet / looks);
     connect(&quietTimer, &QTimer::timeout, this, [this, quietLooks = 0]() mutable {
         quietLooks = IsBusy() ? 0 : quietLooks + 1;
         if (quietLooks >= looks) {
-            quietTimer.stop();
             Q_EMIT idle();
         }
     });

@@ -37,7 +37,9 @@ public:
                    const QString& title, const QDBusUnixFileDescriptor& document, const QVariantMap& options,
                    QVariantMap& results);
 
-    // Emits `idle` when nothing has been open and no token has waited for so long.
+    // Whether a request, a window or a token waits.
+    bool IsBusy();
+    // Emits `idle` when nothing has waited for so long, and again while that lasts.
     void EndAfter(std::chrono::milliseconds quiet);
 
 Q_SIGNALS:
@@ -49,7 +51,6 @@ private:
     void Deliver(PortalRequest& request, DocumentIntake& intake, const PreparedJob& job,
                  const QString& title);
     void AskThenDeliver(PortalRequest& request, DocumentIntake& intake, DialogWish wish);
-    bool IsBusy();
 
     PDEPlugIn& plugIn;
     TokenStore tokens;

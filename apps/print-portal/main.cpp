@@ -101,14 +101,25 @@ int run(int argc, char** argv) {
     if (!owned.isValid() || owned.value() != QDBusConnectionInterface::ServiceRegistered) {
         return unusable(QStringLiteral("another service has the name %1").arg(busName));
     }
+    QObject::connect(&service, &portal::PrintService::idle, &application, [&] {
+        // A call that has come meanwhile is served first. Without the name, the bus starts a new service for
+        // the next one.
+        bus.interface()->unregisterService(busName);
+        QCoreApplication::processEvents();
+        if (!service.IsBusy()) {
+            QCoreApplication::quit();
+        } else {
+            bus.interface()->registerService(busName, QDBusConnectionInterface::DontQueueService,
+                                             QDBusConnectionInterface::AllowReplacement);
+        }
+    });
     QObject::connect(bus.interface(), &QDBusConnectionInterface::serviceUnregistered, &application,
-                     [](const QString& name) {
-                         if (name == busName) {
-                             QCoreApplication::quit(); // replaced
+                     [&](const QString& name) {
+                         if (name == busName && bus.interface()->serviceOwner(busName) != bus.baseService()) {
+                             service.EndAfter(std::chrono::seconds(1)); // replaced; what is open goes on
                          }
                      });
     if (arguments.idleSeconds > 0) {
-        QObject::connect(&service, &portal::PrintService::idle, &application, &QCoreApplication::quit);
         service.EndAfter(std::chrono::seconds(arguments.idleSeconds));
     }
     return QCoreApplication::exec();

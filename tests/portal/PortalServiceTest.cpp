@@ -14,6 +14,7 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
+#include <QDoubleSpinBox>
 #include <QFile>
 #include <QMessageBox>
 #include <QProcess>
@@ -288,6 +289,8 @@ TEST_F(PortalServiceTest, AFileIsWrittenWhereThePersonSays) {
     std::ofstream(taken) << "the document itself";
     const QVariantMap settings{{"printer", "Print to File"},
                                {"n-copies", "2"},
+                               {"number-up", "2"},
+                               {"number-up-layout", "rltb"},
                                {"output-uri", QString("file://%1").arg(QString::fromStdString(taken))}};
     // A program in a sandbox does not choose the folder.
     Reply sandboxed = Prepare(settings, "s", "org.example.Reader");
@@ -301,9 +304,19 @@ TEST_F(PortalServiceTest, AFileIsWrittenWhereThePersonSays) {
     PrintDialog& dialog = *Dialogs()[0];
     const QString file = dialog.findChild<QLineEdit*>("filename")->text();
     EXPECT_EQ(file.toStdString(), folder / "Offer-2.pdf");
+    dialog.findChild<QDoubleSpinBox*>("scale")->setValue(62.5);
+    UseProperties(dialog, [](QDialog& properties) {
+        auto* sheets = properties.findChild<QComboBox*>("pagesPerSheetCombo");
+        EXPECT_TRUE(sheets->isVisibleTo(&properties));
+        EXPECT_TRUE(sheets->currentText().startsWith("2"));
+        sheets->setCurrentIndex(2);
+    });
     PressPrint(dialog);
     ASSERT_EQ(Answer(reply), 0U);
-    EXPECT_EQ(Map(reply, "settings").value("n-copies"), "2") << "the program draws both copies";
+    for (const auto& [key, value] : {std::pair("n-copies", "2"), std::pair("scale", "62.5"),
+                                     std::pair("number-up", "4"), std::pair("number-up-layout", "rltb")}) {
+        EXPECT_EQ(Map(reply, "settings").value(key), value) << key << ": the program draws it";
+    }
     Reply sent = Send(folder / "document.pdf", {{"token", reply.argumentAt<1>().value("token")}});
     EXPECT_EQ(Answer(sent), 0U);
     EXPECT_EQ(runCommand({"cmp", folder / "document.pdf", file.toStdString()}).status, 0);
@@ -335,7 +348,19 @@ TEST_F(PortalServiceTest, ARequestEndsByThePersonTheFrontendAndTheProgram) {
         EXPECT_TRUE(QTest::qWaitFor([&] { return refused.isFinished(); }, 20000));
         EXPECT_TRUE(refused.isError()) << name;
     }
+    // The first one ends while the pane asks its questions: nothing is printed.
+    bool isAsked = false;
+    AnswerPopupNotes([&](QDialog&) {
+        isAsked = true;
+        CloseRequest("first");
+    });
+    PressPrint(left);
+    EXPECT_TRUE(isAsked);
+    EXPECT_EQ(Answer(first), 2U);
+    Dialogs(0);
     // The caller is gone.
+    Reply orphan = Prepare({{"printer", "Foreign"}});
+    Dialogs(1);
     frontend.reset();
     QDBusConnection::disconnectFromBus("frontend");
     Dialogs(0);

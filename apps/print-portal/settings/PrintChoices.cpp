@@ -86,7 +86,7 @@ bool readInt(const QString& text, int smallest, int largest, std::optional<int>&
 
 // "0-2,4,9-11", counted from 0. GTK writes an open end as "-1": "4--1".
 bool readRanges(const QString& text, QPageRanges& ranges) {
-    constexpr int largestPage = 1000000;
+    constexpr int largestPage = 9998; // the dialog takes pages up to 9999
     QPageRanges result;
     const QStringList parts = text.split(QLatin1Char(','));
     for (const QString& part : parts) {
@@ -257,14 +257,14 @@ const std::array<Row, 23> rows{{
      [](const C& c) { return c.pagesPerSheetOrder.isEmpty() ? QString() : c.pagesPerSheetOrder; }, "lrtb"},
     {"use-color", Owner::Dialog, [](C& c, const Text& t) { return read(boolWords, t, c.color); },
      [](const C& c) { return written(boolWords, c.color); }, nullptr},
-    {"scale", Owner::Program,
+    {"scale", Owner::Dialog,
      [](C& c, const Text& t) {
          double percent = 0;
          const bool isValid = readNumber(t, 1, 1000, percent);
          c.scale = isValid ? std::optional(percent) : std::nullopt;
          return isValid;
      },
-     nullptr, nullptr},
+     [](const C& c) { return c.scale ? QLocale::c().toString(*c.scale) : QString(); }, nullptr},
     // Where GTK shows its file chooser, and how fine its own drawing is.
     {"output-dir", Owner::Program, [](C&, const Text&) { return true; }, nullptr, nullptr},
     {"printer-lpi", Owner::Program, [](C&, const Text&) { return true; }, nullptr, nullptr},
