@@ -24,6 +24,7 @@
 #include <QTabWidget>
 #include <fcntl.h>
 #include <fstream>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -138,7 +139,9 @@ protected:
     }
     // The dialogs, once there are so many.
     static QList<PrintDialog*> Dialogs(int count = 1) {
-        EXPECT_TRUE(QTest::qWaitFor([&] { return Shown<PrintDialog>().size() == count; }, 20000));
+        if (!QTest::qWaitFor([&] { return Shown<PrintDialog>().size() == count; }, 20000)) {
+            throw std::runtime_error("another number of dialogs is open");
+        }
         QTest::qWait(100); // for the work deferred until after the first painting
         return Shown<PrintDialog>();
     }
@@ -342,7 +345,7 @@ TEST_F(PortalServiceTest, ARequestEndsByThePersonTheFrontendAndTheProgram) {
     // The handle is in use, and another one is no request's.
     for (const auto& [handle, name] :
          {std::pair(Handle("first"), "in use"),
-          std::pair(QVariant::fromValue(QDBusObjectPath("/desktop")), "elsewhere")}) {
+          std::pair(QVariant::fromValue(QDBusObjectPath("/org/elsewhere")), "elsewhere")}) {
         Reply refused = Call(
             "PreparePrint", {handle, QString(), QString(), "t", QVariantMap(), QVariantMap(), QVariantMap()});
         EXPECT_TRUE(QTest::qWaitFor([&] { return refused.isFinished(); }, 20000));
