@@ -29,13 +29,14 @@ file(STRINGS ${CMAKE_BINARY_DIR}/packaging/torka.conf folders REGEX "^d ")
 list(TRANSFORM folders REPLACE "^d (.*) -$" "    make_folder \\1")
 list(JOIN folders "\n" TORKA_MAKE_FOLDERS)
 configure_file(packaging/debian/postinst.in ${CMAKE_BINARY_DIR}/packaging/postinst @ONLY)
-file(CHMOD ${CMAKE_BINARY_DIR}/packaging/postinst ${CMAKE_SOURCE_DIR}/packaging/debian/postrm
+file(CHMOD ${CMAKE_BINARY_DIR}/packaging/postinst ${CMAKE_SOURCE_DIR}/packaging/debian/postrm ${CMAKE_SOURCE_DIR}/packaging/debian/prerm
     PERMISSIONS ${program_mode})
 
 string(TOUPPER torka-print-dialog dialog)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_NAME torka-print-dialog)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_DEPENDS "torka (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_${dialog}_PACKAGE_CONTROL_EXTRA "${CMAKE_SOURCE_DIR}/packaging/debian/prerm")
 set(CPACK_COMPONENT_${dialog}_DESCRIPTION "Print dialog with every feature of a Torka print controller
  Adds a pane to the print dialog: all options of the printer's extended description,
  their constraints, presets, watermarks, job notes and live data of the controller.")

@@ -15,26 +15,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* fileName = "90-torka.conf";
-constexpr std::string_view comment = "# Written by \"torka setup applications on\"; \"off\" removes it.\n";
-
-struct Variable {
-    std::string name;
-    std::string value;
-    char separator; // of the values of other programs; '\0' when the variable has one value
-};
-
-std::vector<Variable> variables(const ApplicationPlaces& places, bool withGtk) {
-    std::vector<Variable> all{{"QT_QPA_GENERIC_PLUGINS", "torka", ','}};
-    if (!places.plugInPath.empty()) {
-        all.push_back({"QT_PLUGIN_PATH", places.plugInPath.string(), ':'});
-    }
-    if (withGtk) {
-        all.push_back({"GTK_USE_PORTAL", "1", '\0'});
-        all.push_back({"GDK_DEBUG", "portals", ','});
-    }
-    return all;
-}
-
 // Neither file's syntax gets a character with a meaning.
 bool isPlain(const std::string& path) {
     return std::ranges::all_of(path, [](char c) {
@@ -77,37 +57,6 @@ ApplicationPlaces ApplicationPlaces::Of(bool isRoot, const fs::path& programs) {
 bool ApplicationPlaces::IsOn() const {
     std::error_code ignored;
     return fs::exists(environment, ignored) || (!session.empty() && fs::exists(session, ignored));
-}
-
-// environment.d(5): a value may refer to the variable as it stands.
-std::string environmentText(const ApplicationPlaces& places, bool withGtk) {
-    std::string text(comment);
-    for (const Variable& variable : variables(places, withGtk)) {
-        text += variable.name + '=';
-        if (variable.separator != '\0') {
-            text += "${" + variable.name + ":+$" + variable.name + variable.separator + '}';
-        }
-        text += variable.value + '\n';
-    }
-    return text;
-}
-
-// A session may start programs of both kinds, so the value may be there already. Without the plug-in Qt would
-// complain at every start.
-std::string sessionText(const ApplicationPlaces& places, bool withGtk) {
-    std::string text = std::string(comment) + "if [ -e " + places.plugIn.string() + " ]; then\n";
-    for (const auto& [name, value, separator] : variables(places, withGtk)) {
-        if (separator == '\0') {
-            text += "    export " + name + '=' + value + '\n';
-            continue;
-        }
-        const std::string mark(1, separator);
-        text.append("    case \"").append(mark).append("${").append(name).append("-}").append(mark);
-        text.append("\" in\n    *").append(mark).append(value).append(mark).append("*) ;;\n    *) export ");
-        text.append(name).append("=\"${").append(name).append(":+$").append(name).append(mark).append("}");
-        text.append(value).append("\" ;;\n    esac\n");
-    }
-    return text + "fi\n";
 }
 
 Result<std::vector<fs::path>> switchApplicationsOn(const ApplicationPlaces& places, bool withGtk) {
