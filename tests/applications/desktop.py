@@ -10,7 +10,7 @@ import subprocess
 import sys
 import time
 
-LIMIT = 30.0  # seconds for each wait
+LIMIT = 120.0  # seconds for each wait
 PICTURES = None  # a folder for pictures of what failed
 
 
@@ -45,6 +45,20 @@ def active(title):
 
 def key(*keys):
     subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True)
+
+
+def press_until(what, keys, title, condition):
+    """Presses the keys while the window is there: one that has just opened may lose the first."""
+    pressed = 0.0
+
+    def tried():
+        nonlocal pressed
+        result = condition()
+        if not result and time.monotonic() - pressed > 3 and active(title):
+            key(keys)
+            pressed = time.monotonic()
+        return result
+    return wait(what, tried)
 
 
 def type_text(text):
