@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""A display of its own, and the hands of a person who uses programs on it by keys and mouse."""
+"""A display of its own, and the hands of a person who prints from programs on it by mouse and keys."""
 
 import contextlib
 import os
@@ -10,27 +10,35 @@ import subprocess
 import sys
 import time
 
-LIMIT = 120.0  # seconds for each wait
-PICTURES = None  # a folder for pictures of what failed
+LIMIT = 120.0  # seconds for each wait, on a machine that does much else
+PICTURES = None  # a folder for pictures
 
 
-def fail(what):
+def picture(name, window="root"):
     if PICTURES and shutil.which("import"):
-        subprocess.run(["import", "-window", "root", str(PICTURES / "failed.png")], check=False)
-    sys.exit(f"{pathlib.Path(sys.argv[0]).name}: {what}")
+        subprocess.run(["import", "-window", window, str(PICTURES / f"{name}.png")], check=False)
 
 
 def wait(what, condition):
     deadline = time.monotonic() + LIMIT
     while not (result := condition()):
         if time.monotonic() > deadline:
-            fail(f"{what} does not come")
+            picture("failed")
+            sys.exit(f"{pathlib.Path(sys.argv[0]).name}: {what} does not come")
         time.sleep(0.05)
     return result
 
 
+def expect(condition, what):
+    if not condition:
+        picture("failed")
+        sys.exit(f"{pathlib.Path(sys.argv[0]).name}: {what}")
+
+
 def output(*command):
-    return subprocess.run(command, capture_output=True, text=True, check=False).stdout.strip()
+    """What the command writes; "" when it fails."""
+    done = subprocess.run(command, capture_output=True, text=True, check=False)
+    return done.stdout.strip() if done.returncode == 0 else ""
 
 
 def windows(title):
@@ -47,20 +55,6 @@ def key(*keys):
     subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True)
 
 
-def press_until(what, keys, title, condition):
-    """Presses the keys while the window is there: one that has just opened may lose the first."""
-    pressed = 0.0
-
-    def tried():
-        nonlocal pressed
-        result = condition()
-        if not result and time.monotonic() - pressed > 3 and active(title):
-            key(keys)
-            pressed = time.monotonic()
-        return result
-    return wait(what, tried)
-
-
 def type_text(text):
     subprocess.run(["xdotool", "type", text], check=True)
 
@@ -68,6 +62,11 @@ def type_text(text):
 def click(window, x, y):
     """At a place of the window, in pixels from its upper left corner."""
     subprocess.run(["xdotool", "mousemove", "--window", window, str(x), str(y), "click", "1"], check=True)
+
+
+def size(window):
+    found = dict(re.findall(r"(WIDTH|HEIGHT)=(\d+)", output("xdotool", "getwindowgeometry", "--shell", window)))
+    return int(found.get("WIDTH", 0)), int(found.get("HEIGHT", 0))
 
 
 @contextlib.contextmanager
@@ -82,7 +81,7 @@ def started(*command, **options):
             process.wait(LIMIT)
         except subprocess.TimeoutExpired:
             process.kill()
-            fail(f"{command[0]} does not end")
+            sys.exit(f"{pathlib.Path(sys.argv[0]).name}: {command[0]} does not end")
 
 
 @contextlib.contextmanager
@@ -106,6 +105,71 @@ def session_bus():
         yield
 
 
-def documents():
-    """The documents at the private server's device; the pane's own commands leave none."""
+def jobs():
+    """The documents at the device, by job; the pane's own commands leave none."""
     return set(pathlib.Path(os.environ["TORKA_SANDBOX"], "printed").glob("*.ps"))
+
+
+def open_dialog(program, title="^Print"):
+    """Lets the program whose window has the title `program` show its print dialog."""
+    asked_at = -LIMIT
+
+    def asked():
+        nonlocal asked_at
+        if windows(title):
+            return active(title)
+        if active(program) and time.monotonic() - asked_at > LIMIT / 8:  # not twice for a dialog that comes late
+            asked_at = time.monotonic()
+            key("ctrl+p")
+        return None
+    return wait("the print dialog", asked)
+
+
+def focus_pages(dialog):
+    """Gives the keys to the pane's list of pages."""
+    click(dialog, 64, size(dialog)[1] - 150)
+
+
+def set_in_pane(field, value):
+    """Finds the field by the pane's search, which moves the focus to it. The pane has the keys."""
+    key("ctrl+f", "ctrl+a")
+    type_text(field)
+    key("Return")
+    type_text(value)
+
+
+def print_it():
+    """Presses Print and goes on from the pane's questions. Returns the device's document."""
+    before = jobs()
+    key("alt+p")
+
+    def through():
+        if active("^Job Information"):
+            key("Return")
+        return not windows("^Print") and jobs() - before
+    return wait("the document at the device", through).pop().read_bytes()
+
+
+def skip_unless(needed):
+    """Ends the program with status 77 when this machine cannot run it."""
+    missing = [each for each in needed if shutil.which(each, path=os.environ["PATH"] + ":/usr/sbin") is None]
+    if missing or os.geteuid() != 0:
+        print("skipped:", ", ".join(missing) or "needs root, to run the print server's filters as lp")
+        sys.exit(77)
+
+
+def enter_sandbox(source, build):
+    """Starts this program again with a private print server, unless it has one."""
+    if "TORKA_SANDBOX" not in os.environ:
+        os.execv(source / "scripts/cups-sandbox", ["cups-sandbox", "--bin", str(build / "bin"), "run", *sys.argv])
+
+
+def use_home(home, source):
+    """Keeps the person's files in the folder, and adds queues: "Production", the default one, and the foreign "Zebra"."""
+    os.environ.update(HOME=str(home), LC_ALL="C.UTF-8", XDG_RUNTIME_DIR=str(home))
+    for name in ("CONFIG_HOME", "DATA_HOME", "CACHE_HOME"):
+        os.environ[f"XDG_{name}"] = str(pathlib.Path(home, name))
+    for command in (("torka", "queue", "add", "Production", "torkasink:/", source / "samples/torka-production.ppd"),
+                    ("lpadmin", "-p", "Zebra", "-E", "-v", "torkasink:/", "-m", "drv:///sample.drv/generic.ppd"),
+                    ("lpadmin", "-d", "Production")):
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
