@@ -37,6 +37,7 @@ set(CPACK_DEBIAN_${dialog}_PACKAGE_NAME torka-print-dialog)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_DEPENDS "torka (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_${dialog}_PACKAGE_CONTROL_EXTRA "${CMAKE_SOURCE_DIR}/packaging/debian/prerm")
+set(CPACK_DEBIAN_${dialog}_PACKAGE_SUGGESTS "xdg-desktop-portal")
 set(CPACK_COMPONENT_${dialog}_DESCRIPTION "Print dialog with every feature of a Torka print controller
  Adds a pane to the print dialog: all options of the printer's extended description,
  their constraints, presets, watermarks, job notes and live data of the controller.")
