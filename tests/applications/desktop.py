@@ -55,6 +55,24 @@ def key(*keys):
     subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True)
 
 
+def press_until(what, keys, title, condition):
+    """Presses keys that close the window, once more while it stays: a window that has just opened may lose the first."""
+    pressed = 0.0
+
+    def tried():
+        nonlocal pressed
+        result = condition()
+        if not result and time.monotonic() - pressed > 10 and active(title):
+            key(keys)
+            pressed = time.monotonic()
+        return result
+    return wait(what, tried)
+
+
+def cancel(title):
+    press_until("the end of the cancelled dialog", "Escape", title, lambda: not windows(title))
+
+
 def type_text(text):
     subprocess.run(["xdotool", "type", text], check=True)
 
@@ -141,13 +159,12 @@ def set_in_pane(field, value):
 def print_it():
     """Presses Print and goes on from the pane's questions. Returns the device's document."""
     before = jobs()
-    key("alt+p")
 
     def through():
         if active("^Job Information"):
             key("Return")
         return not windows("^Print") and jobs() - before
-    return wait("the document at the device", through).pop().read_bytes()
+    return press_until("the document at the device", "alt+p", "^Print", through).pop().read_bytes()
 
 
 def skip_unless(needed):
