@@ -7,6 +7,7 @@
 #include "platform/memory/MemoryServiceDirectory.h"
 #include "tests/connection/MemoryAddressOwner.h"
 #include "tests/connection/MemoryAddressSheet.h"
+#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
@@ -35,29 +36,6 @@ ResolvedService answer(const std::string& host, const std::vector<std::string>& 
 
 class DiscoveryTest : public ::testing::Test {
 protected:
-    DiscoveryTest() {
-        auto ownedLoop = std::make_unique<MemoryEventLoop>();
-        auto ownedNet = std::make_unique<MemoryServiceDirectory>();
-        auto ownedAlerts = std::make_unique<MemoryAlerts>();
-        auto ownedHosts = std::make_unique<MemoryNetServices>();
-        loop = ownedLoop.get();
-        net = ownedNet.get();
-        alertsShown = ownedAlerts.get();
-        hosts = ownedHosts.get();
-        setMainEventLoop(std::move(ownedLoop));
-        setServiceDirectory(std::move(ownedNet));
-        setAlerts(std::move(ownedAlerts));
-        setNetServices(std::move(ownedHosts));
-        controller = BonjourModuleController::init(owner, sheet);
-    }
-    ~DiscoveryTest() override {
-        controller.reset();
-        setServiceDirectory(nullptr);
-        setAlerts(nullptr);
-        setNetServices(nullptr);
-        setMainEventLoop(nullptr);
-    }
-
     // Opens the sheet and fills its table with the controllers announced so far.
     void OpenSheet() {
         controller->configureButtonClicked();
@@ -65,13 +43,13 @@ protected:
     }
 
     tests::ScopedMemorySystem system;
-    MemoryEventLoop* loop; // the process-wide owners hold these
-    MemoryServiceDirectory* net;
-    MemoryAlerts* alertsShown;
-    MemoryNetServices* hosts;
+    tests::ScopedDouble<MemoryEventLoop, setMainEventLoop> loop;
+    tests::ScopedDouble<MemoryServiceDirectory, setServiceDirectory> net;
+    tests::ScopedDouble<MemoryAlerts, setAlerts> alertsShown;
+    tests::ScopedDouble<MemoryNetServices, setNetServices> hosts;
     tests::MemoryAddressOwner owner;
     tests::MemoryAddressSheet sheet;
-    std::shared_ptr<BonjourModuleController> controller;
+    std::shared_ptr<BonjourModuleController> controller = BonjourModuleController::init(owner, sheet);
 };
 
 TEST_F(DiscoveryTest, DeviceUrisBecomeAddresses) {

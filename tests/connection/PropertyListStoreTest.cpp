@@ -5,6 +5,7 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/connection/RecordPPD.h"
+#include "tests/support/ScopedDouble.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -28,15 +29,11 @@ std::string listXml(const std::string& address) {
 class ListStoreTest : public ::testing::Test {
 protected:
     ListStoreTest() {
-        auto owned = std::make_unique<MemorySpooler>();
-        spooler = owned.get();
-        setSpooler(std::move(owned));
         spooler->destinations = {{printer->name, destinationStateIdle, true}};
         printer->onSend = [this](const MemoryPrinter::SentCommand& command) {
             spooler->jobs.push_back({++jobs, utf8Text(command.title), printer->name, jobState});
         };
     }
-    ~ListStoreTest() override { setSpooler(nullptr); }
 
     std::unique_ptr<ZANCorvianPrinterPList> Open() {
         return std::make_unique<ZANCorvianPrinterPList>(QueueAccess{session, {}});
@@ -44,7 +41,7 @@ protected:
 
     tests::ScopedMemorySystem system;
     tests::TemporaryFolder folder;
-    MemorySpooler* spooler; // owned by the holder of platform::spooler()
+    tests::ScopedDouble<MemorySpooler, setSpooler> spooler;
     std::shared_ptr<MemoryPrinter> printer = std::make_shared<MemoryPrinter>();
     PMPrintSession session = std::make_shared<MemorySession>(printer);
     int jobs = 0;

@@ -3,6 +3,7 @@
 
 #include "platform/memory/MemoryNetServices.h"
 #include "platform/posix/PosixNetServices.h"
+#include "tests/support/ScopedDouble.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,13 +32,7 @@ PingResult ping(const char* host, int count, int timeoutSeconds, bool singleRece
 
 class SimplePingTest : public ::testing::Test {
 protected:
-    SimplePingTest() {
-        auto owned = std::make_unique<MemoryNetServices>();
-        net = owned.get();
-        setNetServices(std::move(owned));
-        parseIPv4Address("10.1.2.3", net->hosts["torka"]);
-    }
-    ~SimplePingTest() override { setNetServices(nullptr); }
+    SimplePingTest() { parseIPv4Address("10.1.2.3", net->hosts["torka"]); }
 
     void Answer(std::size_t requests, std::size_t headerBytes = 20) {
         net->onSend = [this, requests, headerBytes](const MemoryNetServices::Sent& request) {
@@ -47,7 +42,7 @@ protected:
         };
     }
 
-    MemoryNetServices* net; // owned by the holder of platform::netServices()
+    tests::ScopedDouble<MemoryNetServices, setNetServices> net;
 };
 
 TEST_F(SimplePingTest, CountsAnsweredEchoes) {
