@@ -166,35 +166,23 @@ TEST_F(CryptoService, RsaWithOpenSsl) {
                   CSSMERR_CSP_INVALID_SIGNATURE);
     }
 
-    // We accept openssl's key and signature.
-    openSsl("genrsa -out " + path("their.pem") + " 2048");
-    openSsl("rsa -traditional -in " + path("their.pem") + " -outform DER -out " + path("their.der"));
-    openSsl("rsa -in " + path("their.pem") + " -RSAPublicKey_out -outform DER -out " + path("theirs.der"));
-    openSsl("dgst -sha1 -sign " + path("their.pem") + " -out " + path("their.sig") + " " + dataFile);
-    const auto load = [&](const char* name, CSSM_KEYCLASS keyClass) {
-        const std::string der = tests::readFile(path(name));
-        return CSSM_KEY{CSSM_ALGID_RSA, keyClass, 2048, {}, SecureBuffer(der.begin(), der.end()), {}};
-    };
-    const CSSM_KEY theirPublic = load("theirs.der", CSSM_KEYCLASS::publicKey);
-    CSSM_KEY theirPrivate = load("their.der", CSSM_KEYCLASS::privateKey);
-    const std::string signature = tests::readFile(path("their.sig"));
-    EXPECT_EQ(cdsaVerify(csp, theirPublic, CSSM_ALGID_SHA1WithRSA, bytesOf(data), bytesOf(signature)),
-              CSSM_OK);
     SecureBuffer cipher;
     SecureBuffer plain;
-    ASSERT_EQ(cdsaEncrypt(csp, theirPublic, bytesOf(data), cipher), CSSM_OK);
+    ASSERT_EQ(cdsaEncrypt(csp, ourPublic, bytesOf(data), cipher), CSSM_OK);
     folder.Write("cipher", asText(cipher));
-    EXPECT_EQ(openSsl("pkeyutl -decrypt -inkey " + path("their.pem") + " -in " + path("cipher")), data);
-    EXPECT_EQ(cdsaDecrypt(csp, theirPrivate, cipher, plain), CSSM_OK);
+    EXPECT_EQ(
+        openSsl("pkeyutl -decrypt -keyform DER -inkey " + path("private.der") + " -in " + path("cipher")),
+        data);
+    EXPECT_EQ(cdsaDecrypt(csp, ourPrivate, cipher, plain), CSSM_OK);
     EXPECT_EQ(asText(plain), data);
 
-    EXPECT_EQ(cdsaEncrypt(csp, theirPrivate, bytesOf(data), cipher), CSSMERR_CSP_INVALID_KEY_CLASS);
-    EXPECT_EQ(cdsaEncrypt(csp, theirPublic, bytesOf(std::string(246, 'x')), cipher),
+    EXPECT_EQ(cdsaEncrypt(csp, ourPrivate, bytesOf(data), cipher), CSSMERR_CSP_INVALID_KEY_CLASS);
+    EXPECT_EQ(cdsaEncrypt(csp, ourPublic, bytesOf(std::string(118, 'x')), cipher),
               CSSMERR_CSP_INPUT_LENGTH_ERROR);
-    EXPECT_EQ(cdsaDecrypt(csp, theirPrivate, bytesOf(std::string(256, '\xFF')), plain),
+    EXPECT_EQ(cdsaDecrypt(csp, ourPrivate, bytesOf(std::string(128, '\xFF')), plain),
               CSSMERR_CSP_INVALID_DATA);
-    theirPrivate.data.resize(100);
-    EXPECT_EQ(cdsaSign(csp, theirPrivate, CSSM_ALGID_SHA1WithRSA, bytesOf(data), plain),
+    ourPrivate.data.resize(100);
+    EXPECT_EQ(cdsaSign(csp, ourPrivate, CSSM_ALGID_SHA1WithRSA, bytesOf(data), plain),
               CSSMERR_CSP_INVALID_KEY);
 }
 
