@@ -197,16 +197,5 @@ TEST(PosixSystem, AFailedWriteLeavesEverythingAsItWas) {
     EXPECT_EQ(tests::readFile(folder / "link"), "new");
 }
 
-TEST(System, TheFirstUseWithoutAChoiceFails) {
-    ASSERT_FALSE(hasSystem());
-    EXPECT_DEATH(system(), "");
-    {
-        const tests::ScopedMemorySystem scoped;
-        scoped->minorVersion = 6;
-        EXPECT_EQ(system().MinorVersion(), 6);
-    }
-    EXPECT_FALSE(hasSystem());
-}
-
 } // namespace
 } // namespace torka

@@ -168,20 +168,5 @@ TEST(TextEncoding, WideTextKeepsWhatIsACharacter) {
     EXPECT_EQ(wideFromUtf16(u"\xDC00\xD83D\xDE00\xD83D"), L"\uFFFD\U0001F600\uFFFD");
 }
 
-TEST(TextEncoding, NumbersOfTheClassicSystem) {
-    EXPECT_EQ(CreateTextEncoding(256, 0, 2), kCFStringEncodingUTF8);
-    EXPECT_EQ(CreateTextEncoding(kCFStringEncodingShiftJIS, 0, 0), kCFStringEncodingShiftJIS);
-    // UTF-8 maps to itself and not to an encoding that descriptions name, so that UTF-8 text is read as such.
-    EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingUTF8), kCFStringEncodingUTF8);
-    EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingISOLatin1),
-              kCFStringEncodingMacRoman);
-    EXPECT_EQ(CFStringGetMostCompatibleMacStringEncoding(kCFStringEncodingShiftJIS),
-              kCFStringEncodingMacJapanese);
-    EXPECT_EQ(CFStringGetSystemEncoding(), kCFStringEncodingUTF8);
-    const tests::ScopedMemorySystem scoped;
-    scoped->narrowEncoding = kCFStringEncodingMacRoman;
-    EXPECT_EQ(CFStringGetSystemEncoding(), kCFStringEncodingMacRoman);
-}
-
 } // namespace
 } // namespace torka
