@@ -62,6 +62,7 @@ protected:
     }
 
     static void ShowPane(QDialog& dialog) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.property("torkaPane").isValid(); }));
         for (auto* button : dialog.findChildren<QPushButton*>()) {
             if (button->text().contains(QLatin1String(">>"))) {
                 button->click();
@@ -242,6 +243,25 @@ TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
         } else {
             EXPECT_TRUE(OptionsOf(printer).join(' ').contains("PSData"));
         }
+    }
+}
+
+TEST_F(ForeignDialogTest, ADialogThatIsAcceptedAtOncePrintsWithTheSettingsToo) {
+    for (const bool byKey : {false, true}) {
+        QPrinter printer;
+        QPrintDialog dialog(&printer);
+        dialog.open(); // not painted yet
+        QTimer person; // the popup comes some time after the pane
+        QObject::connect(&person, &QTimer::timeout, [] {
+            if (auto* popup = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                popup != nullptr && popup->objectName() == QLatin1String("popupJobNotes")) {
+                popup->accept();
+            }
+        });
+        person.start(5);
+        byKey ? QTest::keyClick(&dialog, Qt::Key_Return) : dialog.accept();
+        EXPECT_FALSE(dialog.isVisible());
+        EXPECT_TRUE(OptionsOf(printer).join(' ').contains("PSData")) << byKey;
     }
 }
 

@@ -2,6 +2,7 @@
 #include "platform/cups/CupsPrinting.h"
 
 #include "platform/SecretMemory.h"
+#include "platform/System.h"
 #include "platform/cups/CupsHandles.h"
 
 #include <cups/ppd.h>
@@ -157,10 +158,16 @@ OSStatus CupsSession::CurrentPrinter(PMPrinter& printer) const {
         const char* standard = cupsGetDefault();
         name = standard == nullptr ? "" : standard;
     }
-    if (!printerAttributes(name, {"printer-name"})) {
-        return kPMGeneralError;
+    constexpr std::chrono::seconds believed{1};
+    const bool isSame = current && utf8Text(current->Name()) == name;
+    const auto now = system().Now();
+    if (!isSame || now - answered >= believed) {
+        if (!printerAttributes(name, {"printer-name"})) {
+            return kPMGeneralError;
+        }
+        answered = now;
     }
-    if (!current || utf8Text(current->Name()) != name) {
+    if (!isSame) {
         current = std::make_shared<CupsPrinter>(name);
     }
     printer = current;

@@ -4,6 +4,7 @@
 #include "platform/Printing.h"
 #include "platform/cups/FetchedPPD.h"
 
+#include <chrono>
 #include <string>
 
 // The printing framework for the system's print server. CUPS_SERVER chooses the server, as for every client.
@@ -49,12 +50,13 @@ public:
     explicit CupsSession(std::string name = {})
         : queueName(std::move(name)) {}
     // Returns the same object while the queue stays the same; kPMGeneralError when the server has no such
-    // queue.
+    // queue. Believes the server's answer for a second: a panel asks dozens of times while it opens.
     OSStatus CurrentPrinter(PMPrinter& printer) const override;
 
 private:
     std::string queueName;
     mutable PMPrinter current;
+    mutable std::chrono::steady_clock::time_point answered; // of `current`
 };
 
 } // namespace torka::platform
