@@ -57,7 +57,7 @@ int runFirst(int argc, char** argv, const std::string& what) {
         print();
         return 0;
     }
-    for (int i = 0; i < 100 && !dialog.property("torkaPane").isValid(); ++i) {
+    for (int i = 0; i < 100 && !dialog.property("torkaPane").toBool(); ++i) {
         QCoreApplication::processEvents();
     }
     print();

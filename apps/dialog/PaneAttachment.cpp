@@ -41,23 +41,18 @@ QDialog* propertiesOf(const QPrintDialog& dialog) {
 
 } // namespace
 
-PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, PDEPlugIn& plugIn,
-                               const std::string& jobName, WithoutPane look)
+PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, const std::string& jobName,
+                               WithoutPane look)
     : dialog(printDialog)
     , printer(qtPrinter)
-    , paneTab(new PaneTab(plugIn, printer, jobName))
+    , paneTab(new PaneTab(printer, jobName))
     , queueNotice(new QLabel(&printDialog))
     , withoutPane(look) {
-    dialog.setProperty(panePropertyName, true);
+    dialog.setProperty(panePropertyName, false);
     dialog.setOptionTabs({paneTab});
-    // QPrintDialog has no signal for a change of printer; its combo box has one.
     printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
-    if (printers != nullptr) {
-        connect(printers, &QComboBox::currentIndexChanged, this, &PaneAttachment::FollowPrinter);
-    }
     AddQueueNotice();
     FollowOwnTabs();
-    FollowPrinter();
     connect(paneTab, &PaneTab::copiesChosen, this, [this](int copies) {
         if (auto* field = dialog.findChild<QSpinBox*>(QStringLiteral("copies"))) {
             field->setValue(copies);
@@ -66,6 +61,16 @@ PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, P
 }
 
 PaneAttachment::~PaneAttachment() = default;
+
+void PaneAttachment::Begin(PDEPlugIn* plugIn) {
+    dialog.setProperty(panePropertyName, true);
+    paneTab->usePlugIn(plugIn);
+    // QPrintDialog has no signal for a change of printer; its combo box has one.
+    if (printers != nullptr) {
+        connect(printers, &QComboBox::currentIndexChanged, this, &PaneAttachment::FollowPrinter);
+    }
+    FollowPrinter();
+}
 
 bool PaneAttachment::Understands(const QPrintDialog& dialog) {
     return dialog.findChild<QComboBox*>(QStringLiteral("printers")) != nullptr &&

@@ -16,7 +16,7 @@ class QPrinter;
 
 namespace torka::dialog {
 
-// The property of a dialog that has a pane. A dialog gets only one.
+// The property of a dialog that has the tab of a pane: true when the tab is filled. A dialog gets only one.
 inline constexpr const char* panePropertyName = "torkaPane";
 
 // How a dialog looks for a queue that has no pane.
@@ -38,10 +38,13 @@ class PaneAttachment final : public QObject {
     Q_OBJECT
 
 public:
-    PaneAttachment(QPrintDialog& dialog, QPrinter& printer, PDEPlugIn& plugIn, const std::string& jobName,
+    // The tab is there at once; Begin() fills it.
+    PaneAttachment(QPrintDialog& dialog, QPrinter& printer, const std::string& jobName,
                    WithoutPane withoutPane);
     ~PaneAttachment() override;
 
+    // Shows the pane of the chosen queue. Null: the plug-in cannot be loaded, and no queue has a pane.
+    void Begin(PDEPlugIn* plugIn);
     PaneTab& Tab() { return *paneTab; }
     // Whether the dialog has the parts that the attachment needs to know.
     static bool Understands(const QPrintDialog& dialog);

@@ -13,10 +13,8 @@
 
 namespace torka::dialog {
 
-PaneTab::PaneTab(PDEPlugIn& dialogPlugIn, const QPrinter& qtPrinter, std::string documentName,
-                 QWidget* parent)
+PaneTab::PaneTab(const QPrinter& qtPrinter, std::string documentName, QWidget* parent)
     : QStackedWidget(parent)
-    , plugIn(dialogPlugIn)
     , printer(qtPrinter)
     , jobName(std::move(documentName))
     , explanation(new QLabel(this)) {
@@ -57,7 +55,8 @@ void PaneTab::setQueue(const std::string& queue) {
     decided = DescribedOptions::Of(CFURLCopyFileSystemPath(description));
     TakeOver();
     // Makes the new panel while the old one still exists: the new one can then see that it replaces another.
-    auto panels = plugIn.PDEPanelsForType(cfString(printDialogPanelType), callback);
+    auto panels =
+        plugIn == nullptr ? std::nullopt : plugIn->PDEPanelsForType(cfString(printDialogPanelType), callback);
     dropPanel();
     if (!panels || panels->empty()) {
         decided = {};

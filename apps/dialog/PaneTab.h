@@ -22,7 +22,9 @@ class PaneTab final : public QStackedWidget {
     Q_OBJECT
 
 public:
-    PaneTab(PDEPlugIn& plugIn, const QPrinter& printer, std::string jobName, QWidget* parent = nullptr);
+    PaneTab(const QPrinter& printer, std::string jobName, QWidget* parent = nullptr);
+    // Panes come from this plug-in from now on. Without one no queue has a pane.
+    void usePlugIn(PDEPlugIn* dialogPlugIn) { plugIn = dialogPlugIn; }
     ~PaneTab() override;
 
     // Shows the pane of this queue; "" stands for a destination that is no queue. First saves the values of
@@ -57,7 +59,7 @@ private:
     void Explain(const QString& text);
     void ShowView(QWidget* view);
 
-    PDEPlugIn& plugIn;
+    PDEPlugIn* plugIn = nullptr;
     const QPrinter& printer;
     std::string jobName;
     std::string queueName;

@@ -13,7 +13,8 @@ PrintDialog::PrintDialog(QPrinter& qtPrinter, PDEPlugIn& plugIn, const std::stri
     constexpr int mostPages = 9999;
     setMinMax(1, mostPages);
     setFromTo(1, mostPages);
-    pane.emplace(*this, qtPrinter, plugIn, jobName, WithoutPane::explained);
+    pane.emplace(*this, qtPrinter, jobName, WithoutPane::explained);
+    pane->Begin(&plugIn);
     setWindowTitle(tr("Print \u2013 %1").arg(QString::fromStdString(jobName)));
 }
 

@@ -19,13 +19,20 @@ namespace torka::guest {
 
 namespace {
 
+// The process is not ours. Nothing here changes what the program shares with it: locale, signals,
+// environment, file mode mask, or whether it can be traced.
+void chooseSystem() {
+    static const bool isChosen = [] {
+        chooseAdapters(AdapterOptions{.spooler = true});
+        return true;
+    }();
+    static_cast<void>(isChosen);
+}
+
 // The plug-in, loaded with the first dialog; null when it cannot be loaded, which is logged once. Never
 // destroyed: a dialog of the program may live until the process ends.
 PDEPlugIn* plugIn() {
     static const dialog::PaneBundle* const loaded = []() -> const dialog::PaneBundle* {
-        // The process is not ours. Nothing here changes what the program shares with it: locale, signals,
-        // environment, file mode mask, or whether it can be traced.
-        chooseAdapters(AdapterOptions{.spooler = true});
         const std::filesystem::path folder =
             folderOfObjectAt(reinterpret_cast<const void*>(&torkaAttachPane)) / "TorkaFeatures.bundle";
         auto bundle = dialog::loadPaneBundle(folder);
@@ -44,9 +51,8 @@ void attach(QObject* object) {
         !GuestDialog::Understands(*dialog)) {
         return;
     }
-    if (PDEPlugIn* plug = plugIn()) {
-        GuestDialog::Attach(*dialog, *plug);
-    }
+    chooseSystem();
+    GuestDialog::Attach(*dialog, plugIn);
 }
 
 void logFault(const char* reason) noexcept {

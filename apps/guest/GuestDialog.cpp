@@ -50,6 +50,20 @@ QPrinter::DuplexMode sidesOf(const dialog::PaneTab& tab) {
     return QPrinter::DuplexNone;
 }
 
+bool isInput(const QEvent& event) {
+    switch (event.type()) {
+    case QEvent::KeyPress:
+    case QEvent::ShortcutOverride:
+    case QEvent::MouseButtonPress:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+    case QEvent::TabletPress:
+        return true;
+    default:
+        return false;
+    }
+}
+
 // Runs what an event or a signal of the program started: no exception may pass through it.
 template <class Work>
 void guarded(const Work& work) noexcept {
@@ -70,17 +84,18 @@ bool GuestDialog::Understands(const QPrintDialog& dialog) {
            buttons->button(QDialogButtonBox::Ok) != nullptr && dialog::PaneAttachment::Understands(dialog);
 }
 
-void GuestDialog::Attach(QPrintDialog& dialog, PDEPlugIn& plugIn) {
+void GuestDialog::Attach(QPrintDialog& dialog, PlugInLoader loader) {
     if (!dialog.property(dialog::panePropertyName).isValid()) {
-        new GuestDialog(dialog, *dialog.findChild<QDialogButtonBox*>(), plugIn); // the dialog owns it
+        new GuestDialog(dialog, *dialog.findChild<QDialogButtonBox*>(), loader); // the dialog owns it
     }
 }
 
-GuestDialog::GuestDialog(QPrintDialog& printDialog, QDialogButtonBox& buttons, PDEPlugIn& plugIn)
+GuestDialog::GuestDialog(QPrintDialog& printDialog, QDialogButtonBox& buttons, PlugInLoader loader)
     : QObject(&printDialog)
     , dialog(printDialog)
-    , pane(std::make_unique<dialog::PaneAttachment>(printDialog, *choices, plugIn, nameOfJob(printDialog),
-                                                    dialog::WithoutPane::asWithoutUs)) {
+    , pane(std::make_unique<dialog::PaneAttachment>(printDialog, *choices, nameOfJob(printDialog),
+                                                    dialog::WithoutPane::asWithoutUs))
+    , loadPlugIn(loader) {
     connect(&buttons, &QDialogButtonBox::clicked, this, [this, &buttons](QAbstractButton* button) {
         if (button == buttons.button(QDialogButtonBox::Ok)) {
             guarded([&] { PressPrint(buttons); });
@@ -88,11 +103,30 @@ GuestDialog::GuestDialog(QPrintDialog& printDialog, QDialogButtonBox& buttons, P
     });
     dialog.installEventFilter(this);
     pane->Tab().installEventFilter(this);
+    QCoreApplication::instance()->installEventFilter(this); // until the pane begins
+}
+
+void GuestDialog::Begin() {
+    if (hasBegun) {
+        return;
+    }
+    hasBegun = true;
+    QCoreApplication::instance()->removeEventFilter(this);
+    guarded([this] { pane->Begin(loadPlugIn()); });
 }
 
 GuestDialog::~GuestDialog() = default;
 
 bool GuestDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (!hasBegun) {
+        if (watched == &dialog && event->type() == QEvent::Paint) {
+            QTimer::singleShot(0, this, &GuestDialog::Begin);
+        } else if (isInput(*event) || (watched == &dialog && event->type() == QEvent::Hide)) {
+            Begin();
+        } else if (watched != &dialog) {
+            return false; // seen for the application
+        }
+    }
     if (watched == &dialog && !event->spontaneous()) {
         if (event->type() == QEvent::Hide) {
             guarded([this] { DialogHides(); });
@@ -100,7 +134,7 @@ bool GuestDialog::eventFilter(QObject* watched, QEvent* event) {
             isClosed = false;
             guarded([this] { pane->Reopen(); });
         }
-    } else if (event->type() == QEvent::Show) { // of the tab
+    } else if (watched == &pane->Tab() && event->type() == QEvent::Show) {
         pane->MakeRoom();
     }
     return QObject::eventFilter(watched, event);

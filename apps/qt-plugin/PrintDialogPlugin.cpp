@@ -8,9 +8,7 @@
 #include <QEvent>
 #include <QFileInfo>
 #include <QLibrary>
-#include <QTimer>
 #include <dlfcn.h>
-#include <utility>
 
 namespace torka::plugin {
 
@@ -55,45 +53,15 @@ QObject* PrintDialogPlugin::create(const QString& key, const QString&) {
 }
 
 bool DialogWatcher::eventFilter(QObject* watched, QEvent* event) {
-    switch (event->type()) {
-    case QEvent::Polish: // sent once, before the first show
-        // Our own dialogs carry the property from their constructor on.
-        if (watched->inherits("QPrintDialog") && !watched->property("torkaPane").isValid()) {
-            waiting.append(watched);
+    // Our own dialogs carry the property from their constructor on.
+    if (event->type() == QEvent::Polish && watched->inherits("QPrintDialog") &&
+        !watched->property("torkaPane").isValid()) {
+        static const TorkaAttach attach = loadDialogLibrary();
+        if (attach != nullptr) {
+            attach(watched, torkaAttachVersion);
         }
-        break;
-    case QEvent::Paint:
-        if (waiting.contains(watched)) {
-            QTimer::singleShot(0, this, &DialogWatcher::AttachWaiting);
-        }
-        break;
-    case QEvent::Hide:
-        if (waiting.contains(watched)) {
-            AttachWaiting();
-        }
-        break;
-    case QEvent::KeyPress:
-    case QEvent::ShortcutOverride:
-    case QEvent::MouseButtonPress:
-    case QEvent::TouchBegin:
-        if (!waiting.isEmpty()) {
-            AttachWaiting();
-        }
-        break;
-    default:
-        break;
     }
     return QObject::eventFilter(watched, event);
-}
-
-void DialogWatcher::AttachWaiting() {
-    const auto dialogs = std::exchange(waiting, {});
-    for (const QPointer<QObject>& dialog : dialogs) {
-        static const TorkaAttach attach = loadDialogLibrary();
-        if (dialog != nullptr && attach != nullptr) {
-            attach(dialog, torkaAttachVersion);
-        }
-    }
 }
 
 } // namespace torka::plugin

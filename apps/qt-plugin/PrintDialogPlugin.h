@@ -2,9 +2,7 @@
 #pragma once
 
 #include <QGenericPlugin>
-#include <QList>
 #include <QObject>
-#include <QPointer>
 
 namespace torka::plugin {
 
@@ -18,8 +16,7 @@ public:
     QObject* create(const QString& key, const QString& specification) override;
 };
 
-// Sees the application's events and adds the pane to a new print dialog: after its first painting, so that it
-// appears as fast as without the pane, but before any input reaches it and before it hides.
+// Sees the application's events and adds the pane to a print dialog before it is first shown.
 class DialogWatcher final : public QObject {
     Q_OBJECT
 
@@ -28,11 +25,6 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
-    void AttachWaiting();
-
-    QList<QPointer<QObject>> waiting; // dialogs that have not been painted
 };
 
 } // namespace torka::plugin

@@ -62,7 +62,7 @@ protected:
     }
 
     static void ShowPane(QDialog& dialog) {
-        EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.property("torkaPane").isValid(); }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.property("torkaPane").toBool(); }));
         for (auto* button : dialog.findChildren<QPushButton*>()) {
             if (button->text().contains(QLatin1String(">>"))) {
                 button->click();
