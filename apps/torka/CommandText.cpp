@@ -255,7 +255,8 @@ OptionText optionText(const CLI::Option& option) {
 std::vector<OptionText> optionsOf(const CLI::App& command) {
     std::vector<OptionText> options;
     forEachOption(command, [&options](const CLI::Option& option) { options.push_back(optionText(option)); });
-    std::ranges::stable_partition(options, [](const OptionText& option) { return option.IsPositional(); });
+    std::stable_partition(options.begin(), options.end(),
+                          [](const OptionText& option) { return option.IsPositional(); });
     return options;
 }
 

@@ -5,6 +5,15 @@
 
 namespace torka::tool {
 
+namespace {
+
+// Whether a backslash within this quote ("\0" for none) quotes the character behind it.
+bool escapes(char quote, char next) {
+    return quote == '\0' || (quote == '"' && std::string_view("$`\"\\").find(next) != std::string_view::npos);
+}
+
+} // namespace
+
 CompletionLine::CompletionLine(std::string_view line, std::string_view breaks)
     : words(1) {
     bool hasWord = false; // the last word has begun; it may be empty within quotes
@@ -26,10 +35,7 @@ CompletionLine::CompletionLine(std::string_view line, std::string_view breaks)
         } else if (c == quote && quote != '\0') {
             quote = '\0';
             kept = breaks.find(c) != std::string_view::npos ? words.back().size() : kept;
-        } else if (c == '\\' && hasNext && quote == '\0') {
-            words.back() += line[++i];
-        } else if (c == '\\' && hasNext && quote == '"' &&
-                   std::string_view("$`\"\\").find(line[i + 1]) != std::string_view::npos) {
+        } else if (c == '\\' && hasNext && escapes(quote, line[i + 1])) {
             words.back() += line[++i];
         } else {
             words.back() += c;
@@ -53,8 +59,7 @@ std::string CompletionLine::Insertion(std::string_view candidate) const {
             out += "'\\''";
             continue;
         }
-        const bool isEscaped = quote == '"' ? std::string_view("$`\"\\").find(c) != std::string_view::npos
-                                            : quote == '\0' && !isPlain;
+        const bool isEscaped = !isPlain && escapes(quote, c);
         out += isEscaped ? "\\" : "";
         out += c;
     }

@@ -53,7 +53,9 @@ std::string argument(std::string_view text) {
     return out + "\"";
 }
 
-std::string sentence(std::string text) { return text.empty() || text.ends_with('.') ? text : text + "."; }
+std::string sentence(const std::string& text) {
+    return text.empty() || text.ends_with('.') ? text : text + ".";
+}
 
 void addDetails(std::string& out, std::string_view details) {
     while (!details.empty()) {
