@@ -28,8 +28,8 @@ const CommandText& textOf(const CLI::App& command);
 // One option or positional argument.
 //
 // The name of the value decides what is completed: PPD, FILE… and LIBRARY files, FOLDER and BUNDLE folders,
-// QUEUE and PRINTER queues, KEY=VALUE settings, a|b|c the words. It is the option's own text (option_text),
-// or else derived from its type and name.
+// QUEUE and PRINTER queues, KEY=VALUE settings, KEY their names, a|b|c the words. It is the option's own text
+// (option_text), or else derived from its type and name.
 struct OptionText {
     std::string names; // "-d, --queue"; "" for a positional argument
     std::string value; // "" for a flag

@@ -58,7 +58,7 @@ bool looksLikeOption(const std::string& word) { return word.size() > 1 && word.s
 
 void takeValue(Typed& typed, const OptionText& option, const std::string& word) {
     typed.values.emplace(option.value, word);
-    if (option.value == "KEY=VALUE") {
+    if (option.value == "KEY=VALUE" || option.value == "KEY") {
         const std::string key = word.substr(0, word.find('='));
         typed.keys.insert(key.starts_with('*') ? key.substr(1) : key);
     }
@@ -122,7 +122,8 @@ private:
     // The values of one option. `prefix` is the part of the last word before the value.
     void AddValues(const std::string& value, const std::string& prefix);
     void AddQueues(const std::string& prefix);
-    void AddSettings(const std::string& prefix);
+    // `sign` is what follows a key: "=" or nothing.
+    void AddSettings(const std::string& prefix, const std::string& sign);
     void AddChoices(PPDXControl& control, const std::string& prefix);
     void AddFiles(const std::string& prefix);
     std::string DescriptionPath();
@@ -195,7 +196,7 @@ void Completer::AddChoices(PPDXControl& control, const std::string& prefix) {
     }
 }
 
-void Completer::AddSettings(const std::string& prefix) {
+void Completer::AddSettings(const std::string& prefix, const std::string& sign) {
     const std::string word = last.substr(prefix.size());
     const std::size_t equals = word.find('=');
     if (equals != std::string::npos && word.substr(equals + 1).starts_with('@')) {
@@ -214,7 +215,7 @@ void Completer::AddSettings(const std::string& prefix) {
             return;
         }
         const std::string key = keyword + 1;
-        const std::string shown = prefix + star + key + "=";
+        const std::string shown = prefix + star + key + sign;
         if (equals == std::string::npos) {
             if (!typed.keys.contains(key)) {
                 Add(shown, jsonText(control->CFStringUserName()));
@@ -228,8 +229,8 @@ void Completer::AddSettings(const std::string& prefix) {
 void Completer::AddValues(const std::string& value, const std::string& prefix) {
     if (value == "QUEUE" || value == "PRINTER") {
         AddQueues(prefix);
-    } else if (value == "KEY=VALUE") {
-        AddSettings(prefix);
+    } else if (value == "KEY=VALUE" || value == "KEY") {
+        AddSettings(prefix, value == "KEY" ? "" : "=");
     } else if (value == "FOLDER" || value == "BUNDLE") {
         completion.paths = CompletedPaths::folders;
     } else if (value.starts_with("FILE") || value.ends_with(".ppd") || value == "PPD" || value == "LIBRARY") {
