@@ -261,12 +261,16 @@ void OptionSettings::TakeLayout(const OptionMap& options) {
 }
 
 void OptionSettings::TakeValue(PPDXControl& control, const std::string& value) {
+    auto* note = dynamic_cast<PPDXJobNote*>(&control);
+    if (note != nullptr && IsRefused(*note, value)) {
+        return;
+    }
     if (!decodeText(value, kCFStringEncodingUTF8)) {
         Remark(nameOf(control) + " has a value that is no UTF-8");
         return;
     }
     given.insert(&control);
-    if (auto* note = dynamic_cast<PPDXJobNote*>(&control)) {
+    if (note != nullptr) {
         TakeNote(*note, value);
     } else if (auto* popup = dynamic_cast<PPDXPopupControl*>(&control)) {
         TakeChoice(*popup, value);
@@ -319,17 +323,20 @@ void OptionSettings::TakeChoice(PPDXPopupControl& popup, const std::string& valu
     }
 }
 
-void OptionSettings::TakeNote(PPDXJobNote& note, const std::string& text) {
+// Whatever the text is, even one that no note could hold.
+bool OptionSettings::IsRefused(const PPDXJobNote& note, const std::string& text) {
     if (!takesSecrets && isSecretNote(description, &note)) {
         Remark(nameOf(note) + " is left out");
-        return;
+        return true;
     }
-    if (leavesEncipheredOnly(description, &note)) {
-        if (!text.empty()) {
-            protectedNotes.push_back(nameOf(note));
-        }
-        return;
+    const bool isProtected = leavesEncipheredOnly(description, &note);
+    if (isProtected && !text.empty()) {
+        protectedNotes.push_back(nameOf(note));
     }
+    return isProtected;
+}
+
+void OptionSettings::TakeNote(PPDXJobNote& note, const std::string& text) {
     note.SetCurrentControlWithCFString(cfString(text));
     if (const std::string reason = lostTextReason(description, note, text); !reason.empty()) {
         Remark(nameOf(note) + " is left out: " + reason);

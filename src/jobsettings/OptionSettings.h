@@ -101,6 +101,7 @@ private:
     void TakeLayout(const OptionMap& options);
     void TakeValue(PPDXControl& control, const std::string& value);
     void TakeChoice(PPDXPopupControl& popup, const std::string& value);
+    bool IsRefused(const PPDXJobNote& note, const std::string& text);
     void TakeNote(PPDXJobNote& note, const std::string& text);
     void TakeSize(PPDXCustomPageSizeControl& control, std::string_view value);
     void TakeWatermark(const std::string& name);

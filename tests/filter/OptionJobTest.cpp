@@ -166,7 +166,7 @@ TEST(OptionJob, StopsForSecretsAndWhenItIsToldTo) {
     const FilterHarness harness;
     const std::string secret = "74915362";
     for (const char* keyword : {"Resume", "*resume", "DeptPassword", "QVUserPassword", "QVUserAuthPwd"}) {
-        const std::optional<OptionJob> job = read(std::string(keyword) + "=" + secret + " QVNegative");
+        const std::optional<OptionJob> job = read(std::string(keyword) + "=" + secret + "\xff QVNegative");
         ASSERT_TRUE(job);
         EXPECT_THAT(job->refusal, HasSubstr("is protected and cannot be an option")) << keyword;
         EXPECT_THAT(job->refusal + toldBy(*job) + entriesOf(*job), Not(HasSubstr(secret)));
