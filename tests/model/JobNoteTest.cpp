@@ -29,21 +29,6 @@ protected:
     }
 };
 
-TEST_F(JobNoteTest, FlagWordsAtEveryLevel) {
-    std::uint32_t bit = 1;
-    for (const JobNoteFlagRow& row : jobNoteFlags) {
-        EXPECT_EQ(std::uint32_t{row.flag}, bit) << row.word;
-        for (int level = 0; level <= 3; ++level) {
-            JobNoteFlagReader reader(level);
-            EXPECT_EQ(reader.Read(row.word), level >= row.level ? Result::taken : Result::aboveLevel)
-                << row.word;
-            EXPECT_EQ(reader.Flags(), level >= row.level ? bit : 0U) << row.word;
-        }
-        EXPECT_EQ(Make({}, nullptr, bit).IsAnyText(), row.typing != NoteTyping::limits) << row.word;
-        bit <<= 1;
-    }
-}
-
 // A flag's row in the document.
 std::string documented(const JobNoteFlagRow& row) {
     const std::pair<NoteEffect, const char*> effects[] = {{NoteEffect::typing, "typing"},
