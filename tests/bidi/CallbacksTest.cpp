@@ -5,6 +5,7 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/bidi/JobPropertiesFixture.h"
+#include "tests/support/ScopedDouble.h"
 #include "tests/support/SmallPPD.h"
 
 #include <gmock/gmock.h>
@@ -308,9 +309,7 @@ TEST_F(Callbacks, ServerDataWithoutTwoWayCommunication) {
 }
 
 TEST_F(Callbacks, PresetsOfThisComputer) {
-    auto madeSpooler = std::make_unique<MemorySpooler>();
-    MemorySpooler* queues = madeSpooler.get();
-    setSpooler(std::move(madeSpooler));
+    const tests::ScopedDouble<MemorySpooler, setSpooler> queues;
     queues->destinations = {{"Office"}};
     const auto printer = std::make_shared<MemoryPrinter>();
     printer->name = "Office";
@@ -346,7 +345,6 @@ TEST_F(Callbacks, PresetsOfThisComputer) {
     setDestinationPPD("");
     wchar_t* text = nullptr;
     EXPECT_EQ(sdmFuncPtrGetLocalPresetsData(&server, &text, 0), SDM_NOT_AVAILABLE);
-    setSpooler(nullptr);
 }
 
 } // namespace

@@ -85,6 +85,14 @@ TEST_F(JobPropertiesSession, AcceptedSettingsComeBack) {
     EXPECT_EQ(paperUnit, 4096U);
     EXPECT_THAT(module.calls, ElementsAre("begin", "settings 3", "watermarks", "open", "terminate",
                                           "data server end", "end session", "end"));
+    module.windowResult = -1; // counts as a refused address
+    EXPECT_EQ(mainJP(), 0);
+    EXPECT_EQ(Result(), "2");
+    module.windowResult = 0;
+    module.getResult = 4096; // without settings the record stays as it was
+    EXPECT_EQ(mainJP(), 0);
+    EXPECT_EQ(Result(), "0");
+    EXPECT_EQ(fieldText(record->count), "3");
 }
 
 TEST_F(JobPropertiesSession, ATemplateStandsBehindTheSettings) {
@@ -118,52 +126,6 @@ TEST_F(JobPropertiesSession, ATemplateStandsBehindTheSettings) {
     }
 }
 
-TEST_F(JobPropertiesSession, HowASessionMayEnd) {
-    struct Case {
-        const char* what;
-        std::function<void(tests::FakeJobPropertiesModule&)> prepare;
-        const char* result;
-        bool isTaken; // whether the record takes the module's settings
-        bool isOpened;
-    };
-    using Module = tests::FakeJobPropertiesModule;
-    for (const Case& end : std::vector<Case>{
-             {"accepted", [](Module&) {}, "0", true, true},
-             {"address refused", [](Module& it) { it.windowResult = 2; }, "2", false, true},
-             {"more than 2", [](Module& it) { it.windowResult = 1'000'000; }, "2", false, true},
-             {"less than 0", [](Module& it) { it.windowResult = -1; }, "2", false, true},
-             {"no window", [](Module& it) { it.openResult = 4096; }, "1", false, true},
-             {"no session", [](Module& it) { it.beginResult = 4096; }, "-1", false, false},
-             {"no list", [](Module& it) { it.returnsNull = true; }, "0", false, true},
-             {"no settings", [](Module& it) { it.getResult = 4096; }, "0", false, true},
-             {"a bad end", [](Module& it) { it.endResult = 4096; }, "0", true, true},
-         }) {
-        Fill(true);
-        module.calls.clear();
-        module.beginResult = module.openResult = module.windowResult = 0;
-        module.getResult = module.endResult = 0;
-        module.returnsNull = false;
-        module.edit = [&] { module.settings[0].second = L"Short"; };
-        end.prepare(module);
-        EXPECT_EQ(mainJP(), 0) << end.what;
-        EXPECT_EQ(Result(), end.result) << end.what;
-        EXPECT_EQ(entryValue(*record, 0), end.isTaken ? "Short" : "Long") << end.what;
-        EXPECT_EQ(module.calls.back(), "end") << end.what;
-        EXPECT_EQ(std::count(module.calls.begin(), module.calls.end(), "end session"), end.isOpened ? 1 : 0)
-            << end.what;
-        EXPECT_FALSE(mInsideOpenUI || mJPLoaded) << end.what;
-    }
-}
-
-TEST_F(JobPropertiesSession, AWaitWithoutEndCanBeStopped) {
-    Fill(true);
-    module.readyAfter = -1;
-    system->cancelAt = system->now + std::chrono::hours(2);
-    EXPECT_EQ(mainJP(), 0);
-    EXPECT_EQ(Result(), "1");
-    EXPECT_THAT(module.calls, ElementsAre("begin", "end session", "end"));
-}
-
 TEST_F(JobPropertiesSession, NothingStartsWithoutRecordOrModule) {
     EXPECT_EQ(mainJP(), 1);
     setField(record->jpResult, "-1");
@@ -195,7 +157,7 @@ TEST_F(JobPropertiesSession, NothingStartsWithoutRecordOrModule) {
     EXPECT_TRUE(isSandboxedApp());
 }
 
-TEST_F(JobPropertiesSession, ARealLibrary) {
+TEST_F(JobPropertiesSession, FilesThatAreNoModule) {
     EXPECT_EQ(moduleBesideBundle("/opt/print/Torka.bundle/"), "/opt/print/libzanjp2.so");
     EXPECT_EQ(moduleBesideBundle("/opt/print/Torka.bundle"), "/opt/print/libzanjp2.so");
     setLibraryLoader(std::make_unique<PosixLibraryLoader>());
@@ -208,16 +170,6 @@ TEST_F(JobPropertiesSession, ARealLibrary) {
     const ModuleAvailability incomplete = loadJobPropertiesLibrary(TORKA_INCOMPLETE_MODULE);
     EXPECT_EQ(incomplete.status, ModuleStatus::doesNotLoad);
     EXPECT_THAT(incomplete.reason, EndsWith(": has no JP1_1EndSession"));
-    ASSERT_EQ(loadJobPropertiesLibrary(TORKA_SMALL_MODULE).status, ModuleStatus::loaded);
-    for (const char* twoWay : {"1", "0"}) {
-        setField(record->bidiEnabled, twoWay);
-        setField(record->driverVersion, "1.2.3");
-        EXPECT_EQ(mainJP(), 0);
-        EXPECT_EQ(Result(), "0");
-        EXPECT_EQ(fieldText(record->count), "1");
-        EXPECT_EQ(entryKey(*record, 0), "DriverVersion");
-        EXPECT_EQ(entryValue(*record, 0), "1.2.3");
-    }
 }
 
 TEST(ServerLanguage, CodesOfLanguages) {

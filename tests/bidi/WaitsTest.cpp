@@ -8,6 +8,7 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/bidi/BidiTestSupport.h"
+#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
@@ -26,22 +27,12 @@ using ::testing::Not;
 class Waits : public ::testing::Test {
 protected:
     Waits() {
-        auto madeSpooler = std::make_unique<MemorySpooler>();
-        auto madeAlerts = std::make_unique<MemoryAlerts>();
-        queues = madeSpooler.get();
-        shownAlerts = madeAlerts.get();
-        setSpooler(std::move(madeSpooler));
-        setAlerts(std::move(madeAlerts));
         system->root = "/root";
         fillBidiFilePaths("/etc/cups/ppd/Office.ppd", paths);
         setDestinationPPD("/old.ppd");
         queues->destinations = {{"Other"}, {"Office"}};
         queues->ppdPaths["Office"] = "/new.ppd";
         printer->name = "Office";
-    }
-    ~Waits() override {
-        setSpooler(nullptr);
-        setAlerts(nullptr);
     }
     void At(milliseconds moment, std::function<void()> happening) {
         happenings.emplace_back(system->now + moment, std::move(happening));
@@ -65,8 +56,8 @@ protected:
 
     tests::ScopedMemorySystem system;
     tests::CapturingStreams streams;
-    MemorySpooler* queues = nullptr;
-    MemoryAlerts* shownAlerts = nullptr;
+    tests::ScopedDouble<MemorySpooler, setSpooler> queues;
+    tests::ScopedDouble<MemoryAlerts, setAlerts> shownAlerts;
     std::shared_ptr<MemoryPrinter> printer = std::make_shared<MemoryPrinter>();
     BidiFilePaths paths;
     BidiFailure failure;

@@ -1,6 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* The smallest module for a session. It is written in C, so that the public header is compiled as C. A second
- * build lacks one of its entry points. */
+/* A module that lacks one entry point. It is written in C, so that the public header is compiled as C. */
 
 #define JOB_PROPERTIES_MODULE
 #include "bidi/JobPropertiesModule.h"
@@ -8,12 +7,6 @@
 #include <stdlib.h>
 
 static const SDMCallbackSlot* callbacks;
-
-static wchar_t* copied(const wchar_t* text) {
-    const size_t size = (wcslen(text) + 1) * sizeof(wchar_t);
-    wchar_t* copy = malloc(size);
-    return copy ? wmemcpy(copy, text, size / sizeof(wchar_t)) : NULL;
-}
 
 SDMRESULT JP1_1BeginSession(const SDMCallbackSlot* table, JPHANDLE* session) {
     callbacks = table;
@@ -44,26 +37,8 @@ SDMRESULT JP1_1OpenUI(JPHANDLE session, const char* title, int32_t flags, int32_
     return SDM_SUCCESS;
 }
 
-/* Returns one setting: the driver's version from the callback. */
 SDMRESULT JP1_1GetJobKeyValues(JPHANDLE session, int32_t flags, SDMKeyValueList** list, void* reserved) {
-    SDMGetDriverVersionProc getVersion =
-        (SDMGetDriverVersionProc)callbacks[SDM_SLOT_GET_DRIVER_VERSION].function;
-    SDMFreeProc freeBlock = (SDMFreeProc)callbacks[SDM_SLOT_FREE].function;
-    wchar_t* version = NULL;
-    (void)session, (void)flags, (void)reserved;
-    *list = malloc(sizeof **list);
-    if (!*list || getVersion(NULL, SDM_VERSION_DRIVER, &version) != SDM_SUCCESS) {
-        free(*list);
-        return SDM_NOT_AVAILABLE;
-    }
-    (*list)->items = malloc(sizeof *(*list)->items);
-    (*list)->count = (*list)->items ? 1 : 0;
-    if ((*list)->items) {
-        (*list)->items[0].szKey = copied(L"DriverVersion");
-        (*list)->items[0].szValue = copied(version);
-    }
-    freeBlock((void**)&version);
-    return SDM_SUCCESS;
+    return session && list && !flags && !reserved ? SDM_SUCCESS : SDM_NOT_AVAILABLE;
 }
 
 SDMRESULT JP1_1GetWatermarks(JPHANDLE session, JPWatermarkList** list) {
@@ -84,12 +59,5 @@ SDMRESULT SDMTerminate(SDMHANDLE handle) {
 }
 
 SDMRESULT SDMDllEnd(void) { return SDM_SUCCESS; }
-
-#ifndef INCOMPLETE
-SDMRESULT JP1_1EndSession(JPHANDLE session) {
-    (void)session;
-    return SDM_SUCCESS;
-}
-#endif
 
 SDMRESULT JP1_1DllEnd(void) { return SDM_SUCCESS; }
