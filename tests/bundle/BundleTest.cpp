@@ -104,16 +104,6 @@ TEST_F(BundleTest, GivesPanelsToAnyHost) {
     }
 }
 
-TEST_F(BundleTest, OpensAndClosesAgainAndAgain) {
-    const auto plugIn = *Open()->InstantiatePrincipalClass();
-    for (int i = 0; i < 20; ++i) {
-        const auto panels = plugIn->PDEPanelsForType(cfString(printDialogPanelType),
-                                                     dialogFor(sample("torka-production.ppd")));
-        ASSERT_TRUE(panels);
-        static_cast<void>(panels->front()->panelView());
-    }
-}
-
 // The copy has its own shared object, which finds the bundle around itself.
 TEST_F(BundleTest, ABrokenInterfaceFileLeavesAPanelWithoutAView) {
     for (const char* content :

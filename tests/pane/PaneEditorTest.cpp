@@ -164,26 +164,6 @@ TEST_F(Small, TakesUpControlsMadeLater) {
     EXPECT_TRUE(editor.SetValue("*Late", "text"));
 }
 
-TEST_F(EditorTest, ShowsTheSample) {
-    Pane pane = Pane::OfFile(std::string(TORKA_SOURCE_DIR) + "/samples/torka-production.ppd");
-    PaneEditor editor(*pane.model, pane.data.get());
-    const PaneCatalog& catalog = editor.Catalog();
-    std::vector<std::string> pages;
-    for (const PanePage& page : catalog.Pages()) {
-        pages.push_back(page.name);
-    }
-    EXPECT_THAT(pages, ElementsAre("Paper and Job", "Layout", "Finishing", "Color", "Job Notes", ""));
-    EXPECT_EQ(catalog.Pages().back().groups.front().fields.size(), 9U);
-    EXPECT_EQ(catalog.Find("*QVMMInUse"), nullptr) << "never shown in the pane";
-    EXPECT_EQ(catalog.Find("*QVServiceCounter"), nullptr) << "in a hidden group";
-    ASSERT_NE(catalog.Find("*QVBookletCreep"), nullptr);
-    EXPECT_EQ(catalog.Find("*QVBookletCreep")->unit, "1/100 mm");
-    EXPECT_EQ(catalog.Find("*QVBookletCreep")->name, "Creep");
-    EXPECT_NE(catalog.Find("*CustomPrintSize"), nullptr);
-    EXPECT_TRUE(editor.Differences().empty());
-    EXPECT_TRUE(editor.Conflicts().empty());
-}
-
 // Compares random small descriptions with an oracle that knows only the lines.
 TEST_F(EditorTest, AgreesWithThePlainReadingOfTheLines) {
     std::mt19937 random(7);

@@ -123,7 +123,6 @@ struct Bench {
         };
         spooler->destinations = {{"Press", destinationStateIdle, true}};
         spooler->ppdPaths["Press"] = queuePath.string();
-        setSpooler(std::unique_ptr<Spooler>(spooler));
         bundle->identifier = bundleIdentifier;
         registerBundle(bundle);
         WriteList("<dict><key>PCFILENAME</key><array><string>small.ppd</string></array></dict>");
@@ -138,7 +137,6 @@ struct Bench {
     ~Bench() {
         setPaneInterfaceLoader({});
         forgetBundle(bundleIdentifier);
-        setSpooler(nullptr);
     }
     void WriteList(const std::string& content) {
         system->files["/bundle/Contents/PrinterList.plist"] = {
@@ -173,7 +171,7 @@ struct Bench {
     std::filesystem::path queuePath;
     std::shared_ptr<MemoryBundle> bundle = std::make_shared<MemoryBundle>();
     std::shared_ptr<CallbackDialog> dialog = std::make_shared<CallbackDialog>();
-    MemorySpooler* spooler = new MemorySpooler; // owned by the holder of platform::spooler()
+    ScopedDouble<MemorySpooler, setSpooler> spooler;
     MemoryWidgets widgets;
     int loads = 0;
 };

@@ -33,21 +33,14 @@ protected:
         UseTwoWay(true);
         panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
         panel->GetCustomizePane().setView(&view);
-        setEventLoop();
     }
     ~PanelLaunch() override {
         panel.reset();
         unloadJobPropertiesLibrary();
-        setMainEventLoop(nullptr);
         sharedListCopyFromJP.reset();
         gotSharedListFromJP = gotServerPresetFromJP = gIgnoreButtonEvents = false;
     }
     void UseTwoWay(bool on) { pane.data->SetCorvianPrinterAddress(cfString("10.0.0.9"), on); }
-    void setEventLoop() {
-        auto made = std::make_unique<MemoryEventLoop>();
-        loop = made.get();
-        setMainEventLoop(std::move(made));
-    }
     // Checks that the pane is usable and shows the model's values.
     void ExpectUsable(int timesDrawn) const {
         EXPECT_THAT(services.buttons, ElementsAre(std::pair{"defaults", true}, std::pair{"properties", true},
@@ -82,7 +75,7 @@ protected:
     DrawnPane view;
     Pane pane;
     std::unique_ptr<UI_Panel> panel;
-    MemoryEventLoop* loop = nullptr;
+    ScopedDouble<MemoryEventLoop, setMainEventLoop> loop;
 };
 
 TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {

@@ -6,6 +6,7 @@
 #include "pane/panel/UI_Panel.h"
 #include "platform/memory/MemoryAlerts.h"
 #include "tests/pane/PaneFixture.h"
+#include "tests/support/ScopedDouble.h"
 
 #include <map>
 
@@ -38,21 +39,7 @@ public:
 };
 
 // Stands in for a person who answers alerts while the object lives.
-class ScopedAlerts {
-public:
-    ScopedAlerts() {
-        auto presenter = std::make_unique<MemoryAlerts>();
-        alerts = presenter.get();
-        setAlerts(std::move(presenter));
-    }
-    ScopedAlerts(const ScopedAlerts&) = delete;
-    ScopedAlerts& operator=(const ScopedAlerts&) = delete;
-    ~ScopedAlerts() { setAlerts(nullptr); }
-    MemoryAlerts* operator->() const { return alerts; }
-
-private:
-    MemoryAlerts* alerts;
-};
+using ScopedAlerts = ScopedDouble<MemoryAlerts, setAlerts>;
 
 inline std::string valueOf(const Pane& pane, const char* keyword) {
     return utf8Text(pane.model->CopyValueForKey(cfString(keyword)));

@@ -3,6 +3,7 @@
 #include "output/FeatureEmission.h"
 #include "platform/posix/PosixLibraryLoader.h"
 #include "tests/pane/PaneFixture.h"
+#include "tests/support/ScopedDouble.h"
 
 #include <gmock/gmock.h>
 
@@ -26,10 +27,8 @@ class WorkflowUpload : public ::testing::Test {
 protected:
     void SetUp() override {
         system->root = folder.Path() / "root";
-        setLibraryLoader(std::make_unique<PosixLibraryLoader>());
         setenv("WORKFLOW_CALLS", (folder / "calls").c_str(), 1);
     }
-    void TearDown() override { setLibraryLoader(nullptr); }
     void Install() const {
         const std::filesystem::path place = folder.Path() / "root/var/lib/torka/ZAN/lib/libks2client.dylib";
         std::filesystem::create_directories(place.parent_path());
@@ -55,6 +54,7 @@ protected:
     }
 
     ScopedMemorySystem system;
+    ScopedDouble<PosixLibraryLoader, setLibraryLoader> loader;
     TemporaryFolder folder;
 };
 
