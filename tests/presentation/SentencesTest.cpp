@@ -119,6 +119,8 @@ TEST_F(Sample, ListsPagesAndWhatDiffers) {
     }
     EXPECT_THAT(identifiers, ElementsAre("quickAccess", "QVJobPage", "QVLayoutPage", "QVFinishingPage",
                                          "QVColorPage", "QVNotesPage", "watermarks", "installed", "summary"));
+    EXPECT_EQ(editor.Catalog().Find("*QVMMInUse"), nullptr) << "the pane shows it never";
+    EXPECT_EQ(editor.Catalog().Find("*QVServiceCounter"), nullptr) << "in a hidden group";
     EXPECT_EQ(pageOf(texts, spoken.Field("*QVStaple")), "QVFinishingPage");
     EXPECT_EQ(pageOf(texts, spoken.Field("*QVFinisherUnit")), "installed");
     EXPECT_EQ(summaryTitle(texts), "Summary");
