@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"
+#include "platform/posix/PosixSystem.h"
 #include "tests/e2e/Sandbox.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <memory>
 
 // Compares the printing interfaces with the client programs of a real server.
 
@@ -14,6 +16,14 @@ namespace {
 
 class CupsAdapter : public SandboxTest {
 protected:
+    void SetUp() override {
+        setSystem(std::make_unique<PosixSystem>());
+        SandboxTest::SetUp();
+    }
+    void TearDown() override {
+        SandboxTest::TearDown();
+        setSystem(nullptr);
+    }
     // As the spooler lists it once it is over.
     static SpoolerJob JobWhenOver(const CupsPrinter& printer) {
         WaitForEnd(printer.CommandJob());
