@@ -37,8 +37,11 @@ if [ "${1:-}" = "--dialog" ]; then
 fi
 
 wanted=(QVTrimSides=Face QVDuplex=LongEdge) # trimming needs a unit that is not declared installed
+secret=$(mktemp) # a secret belongs on no command line
+trap 'rm -f "$secret"' EXIT
+printf harbor7 >"$secret"
 settings=(PageSize=A4 MediaType=Coated QVMediaWeight=W136 QVDuplex=LongEdge QVStaple=Saddle QVScale=85
-    "Notes1=Two proofs, please" "Instruct=Trim to the crop marks" DeptPassword=harbor7)
+    "Notes1=Two proofs, please" "Instruct=Trim to the crop marks" "DeptPassword=@$secret")
 watermark="0,0,0,232,93,58,0,0,0,450,0,0,120,Helvetica-Bold,PROOF"
 out=out
 rm -rf "$out"
