@@ -18,6 +18,13 @@ DescribedOptions DescribedOptions::Of(const std::string& descriptionPath) {
             const QByteArray keyword = line.mid(line.indexOf(' ') + 1).split('/')[0].split(':')[0].trimmed();
             options.sides = options.sides || keyword == "*QVDuplex" || keyword == "*Duplex";
             options.pagesPerSheet = options.pagesPerSheet || keyword == "*QVNUpPages";
+            options.defaults.try_emplace(keyword.mid(1).toStdString());
+        } else if (constexpr QByteArrayView start("*Default"); line.startsWith(start) && line.contains(':')) {
+            const std::string keyword =
+                line.mid(start.size(), line.indexOf(':') - start.size()).toStdString();
+            if (const auto found = options.defaults.find(keyword); found != options.defaults.end()) {
+                found->second = line.mid(line.indexOf(':') + 1).trimmed().toStdString();
+            }
         }
     }
     return options;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <map>
 #include <string>
 
 namespace torka::dialog {
@@ -10,6 +11,9 @@ namespace torka::dialog {
 struct DescribedOptions {
     bool sides = false;
     bool pagesPerSheet = false;
+    // The default of every option with choices, by its main keyword without the asterisk. Notes are no such
+    // options.
+    std::map<std::string, std::string> defaults = {};
 
     // Of the description in that file; nothing for "".
     static DescribedOptions Of(const std::string& descriptionPath);

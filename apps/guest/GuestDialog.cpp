@@ -64,6 +64,21 @@ bool isInput(const QEvent& event) {
     }
 }
 
+// The pane's choices that differ from the description's defaults. The ticket counts alone for the first job;
+// these are for the others of a program that sends several. No note is among them.
+QStringList changedChoices(const dialog::PaneTab& tab) {
+    QStringList options;
+    for (const auto& [keyword, standard] : tab.decidedByPane().defaults) {
+        // The dialog decides these three.
+        const bool isOwn = keyword == "PageSize" || keyword == "PageRegion" || keyword == "Collate";
+        const auto choice = cfCast<CFString>(tab.settings().Value(cfString("*" + keyword)));
+        if (!isOwn && choice && utf8Text(choice) != standard) {
+            options << QString::fromStdString(keyword) << QString::fromStdString(utf8Text(choice));
+        }
+    }
+    return options;
+}
+
 // Runs what an event or a signal of the program started: no exception may pass through it.
 template <class Work>
 void guarded(const Work& work) noexcept {
@@ -203,6 +218,7 @@ void GuestDialog::WriteJobOptions() {
     for (const auto& [name, value] : dialog::ticketOptions(pane->Tab())) {
         options << QString::fromStdString(name) << QString::fromStdString(value);
     }
+    options << changedChoices(pane->Tab());
     if (!dialog::setEngineOptions(printer, options)) {
         Tell(tr("The settings of \u201c%1\u201d do not reach this job: the program prints in a way that has "
                 "no "

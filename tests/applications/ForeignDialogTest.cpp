@@ -148,6 +148,16 @@ TEST_F(ForeignDialogTest, ExecAndOpenPrintWithThePanesSettings) {
         for (const char* expected : {"/RMXsetStaple /Saddle", "Two proofs", "*QVDuplex ShortEdge"}) {
             EXPECT_NE(document.find(expected), std::string::npos) << expected;
         }
+        // A second job of the same dialog has the settings by its options, and the notes not at all.
+        const int first = LastJob();
+        PrintPage(printer);
+        const std::string second = NextPrinted(first);
+        EXPECT_NE(second.find("/RMXsetStaple /Saddle"), std::string::npos);
+        EXPECT_EQ(second.find("Two proofs"), std::string::npos);
+        for (const std::string* each : {&document, &second}) { // nothing comes twice
+            const std::string_view staple = "%%BeginFeature: *QVStaple";
+            EXPECT_EQ(each->find(staple), each->rfind(staple));
+        }
     }
 }
 
