@@ -260,6 +260,7 @@ TEST(FloatRangeControl, ClampsAndKeepsOffGridValues) {
     EXPECT_EQ(control.GetValue(), 2);
     PPDXFloatRangeControl extreme(definitionOf("*F"), {-FLT_MAX, FLT_MAX, FLT_MIN, FLT_MAX});
     EXPECT_EQ(extreme.GetValue(), FLT_MAX); // the quotient would be infinite
+    EXPECT_EQ(valueOf(extreme), "340282346638528859811704183484516925440.000");
 }
 
 TEST(CustomPageSizeControl, ReadsAndTellsBothSides) {
