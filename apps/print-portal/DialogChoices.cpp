@@ -217,6 +217,10 @@ bool PropertyPresets::eventFilter(QObject* watched, QEvent* event) {
             isFilled = true;
             filledFor = dialog.queue();
             Fill(*shown);
+            // Qt takes back what cancelled properties showed, our choices included.
+            connect(shown, &QDialog::rejected, this, [this] { isFilled = isAccepted && isFilled; });
+            isAccepted = false;
+            connect(shown, &QDialog::accepted, this, [this] { isAccepted = true; });
         }
     }
     return QObject::eventFilter(watched, event);
@@ -429,6 +433,11 @@ PrintChoices chosenIn(dialog::PrintDialog& dialog, const PrintChoices& received,
                                                                         : Sides::One;
     }
     chosen.turn = turnOf(printer, optionOf(options, "orientation-requested"));
+    // Qt's dialog shows no difference between a page and the same page upside down.
+    if ((received.turn == Turn::ReverseLandscape && chosen.turn == Turn::Landscape) ||
+        (received.turn == Turn::ReversePortrait && chosen.turn == Turn::Portrait)) {
+        chosen.turn = received.turn;
+    }
     const QPageSize size = printer.pageLayout().pageSize();
     chosen.paper = Paper{size.key(), size.name(), size.size(QPageSize::Millimeter)};
     const bool isSamePaper =

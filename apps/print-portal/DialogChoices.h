@@ -45,6 +45,7 @@ private:
     PrintChoices choices;
     std::string filledFor; // the queue whose properties were opened
     bool isFilled = false;
+    bool isAccepted = false; // the person has accepted them since they were filled
 };
 
 // What the dialog takes once it is made: queue or file, page, selection of pages. A queue that the dialog

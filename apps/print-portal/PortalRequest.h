@@ -24,6 +24,7 @@ public:
 
     // The first answer counts.
     void Answer(Response response, const QVariantMap& results = {});
+    bool IsAnswered() const { return isAnswered; }
     QString Caller() const { return call.service(); }
 
     // Called over D-Bus: answers, and tells the dialog to end.

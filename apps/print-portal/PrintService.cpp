@@ -148,6 +148,9 @@ unsigned PrintService::Print(const QDBusObjectPath& handle, const QString& appId
     }
     auto* intake = new DocumentIntake(document, request);
     connect(intake, &DocumentIntake::finished, request, [=, this](const QString& problem) {
+        if (request->IsAnswered()) {
+            return; // closed meanwhile
+        }
         if (!problem.isEmpty()) {
             tellPerson(wish.title, problem);
             request->Answer(Response::Ended);
@@ -167,8 +170,8 @@ void PrintService::AskThenDeliver(PortalRequest& request, DocumentIntake& intake
     connect(session, &DialogSession::answered, &request, [=, this, &request, &intake](bool isAccepted) {
         if (isAccepted) {
             const PreparedJob& job = session->Job();
-            Deliver(request, intake, job, title);
-            if (!job.outputFile.isEmpty() && changesPages(session->Chosen())) {
+            if (Deliver(request, intake, job, title) && !job.outputFile.isEmpty() &&
+                changesPages(session->Chosen())) {
                 tellPerson(title, tr("The file holds the document as the program sent it: all pages, once, "
                                      "in their order."));
             }
@@ -177,13 +180,14 @@ void PrintService::AskThenDeliver(PortalRequest& request, DocumentIntake& intake
     session->Open();
 }
 
-void PrintService::Deliver(PortalRequest& request, DocumentIntake& intake, const PreparedJob& job,
+bool PrintService::Deliver(PortalRequest& request, DocumentIntake& intake, const PreparedJob& job,
                            const QString& title) {
     const QString problem = deliver(intake.Path(), job, title);
     if (!problem.isEmpty()) {
         tellPerson(title, problem);
     }
     request.Answer(problem.isEmpty() ? Response::Success : Response::Ended);
+    return problem.isEmpty();
 }
 
 bool PrintService::IsBusy() {

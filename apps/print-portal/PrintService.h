@@ -48,7 +48,7 @@ Q_SIGNALS:
 private:
     PortalRequest* Begin(const QDBusObjectPath& handle);
     DialogSession* OpenDialog(PortalRequest& request, DialogWish wish);
-    void Deliver(PortalRequest& request, DocumentIntake& intake, const PreparedJob& job,
+    bool Deliver(PortalRequest& request, DocumentIntake& intake, const PreparedJob& job,
                  const QString& title);
     void AskThenDeliver(PortalRequest& request, DocumentIntake& intake, DialogWish wish);
 
