@@ -228,17 +228,25 @@ TEST_F(PortalServiceTest, ThePanesSettingsReachTheDeviceOncePerToken) {
 }
 
 TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {
-    const QVariantMap settings{
-        {"printer", "Foreign"},       {"n-copies", "2"},          {"reverse", "true"},
-        {"number-up", "2"},           {"print-pages", "ranges"},  {"page-ranges", "1-3"},
-        {"cups-StapleIt", "Corner"},  {"use-color", "false"},     {"cups-Unknown", "x"},
-        {"number-up-layout", "rltb"}, {"orientation", "portrait"}};
+    const QVariantMap settings{{"printer", "Foreign"},
+                               {"n-copies", "2"},
+                               {"reverse", "true"},
+                               {"number-up", "2"},
+                               {"print-pages", "ranges"},
+                               {"page-ranges", "1-3"},
+                               {"cups-StapleIt", "Corner"},
+                               {"use-color", "false"},
+                               {"cups-Unknown", "x"},
+                               {"number-up-layout", "rltb"},
+                               {"orientation", "reverse_portrait"}};
     for (const bool opensProperties : {false, true}) {
         Reply reply = Prepare(settings);
         PrintDialog& dialog = *Dialogs()[0];
         EXPECT_FALSE(dialog.tab().hasPanel());
         EXPECT_EQ(dialog.findChild<QLineEdit*>("pagesLineEdit")->text(), "2-4");
         if (opensProperties) {
+            UseProperties(
+                dialog, [](QDialog&) {}, QDialog::Rejected); // takes nothing away
             UseProperties(dialog, [](QDialog& properties) {
                 EXPECT_TRUE(
                     properties.findChild<QComboBox*>("pagesPerSheetCombo")->currentText().startsWith("2"));
@@ -250,9 +258,11 @@ TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {
         ASSERT_EQ(Answer(reply), 0U);
         const QVariantMap chosen = Map(reply, "settings");
         const std::pair<const char*, const char*> expected[] = {
-            {"n-copies", "1"},      {"reverse", "false"},      {"number-up", "1"},
-            {"page-ranges", "1-3"}, {"use-color", "false"},    {"cups-StapleIt", "Corner"},
-            {"cups-Unknown", ""},   {"print-pages", "ranges"}, {"duplex", "simplex"}};
+            {"n-copies", "1"},      {"reverse", "false"},
+            {"number-up", "1"},     {"page-ranges", "1-3"},
+            {"use-color", "false"}, {"cups-StapleIt", "Corner"},
+            {"cups-Unknown", ""},   {"print-pages", "ranges"},
+            {"duplex", "simplex"},  {"orientation", "reverse_portrait"}};
         for (const auto& [key, value] : expected) {
             EXPECT_EQ(chosen.value(key).toString().toStdString(), value) << key;
         }
