@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Measures what the plug-in costs a program of others, beside the same program without it: the start of a
 // program that never prints, with its private memory, and the first print dialog from its making to its first
-// painting. Every case is a new process; the queue of the sample description is the default of a private
-// print server.
+// painting. The start counts processor time since the process began. Every case is a new process; the queue
+// of the sample description is the default of a private print server.
 
 #include "bench/FirstRun.h"
 
@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <string>
 #include <unistd.h>
@@ -41,11 +42,15 @@ int runFirst(int argc, char** argv, const std::string& what) {
     auto begin = std::chrono::steady_clock::now();
     const auto print = [&] {
         const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
-        std::printf("%.3f\n", what.starts_with("memory") ? privateMemory() : taken.count());
+        std::printf("%.3f\n", taken.count());
     };
     const QApplication application(argc, argv);
     if (!what.starts_with("dialog")) {
-        print();
+        // A start reads files of others, too: only the processor's time tells the plug-in's share.
+        constexpr double perMillisecond = CLOCKS_PER_SEC / 1000.0;
+        std::printf("%.3f\n", what.starts_with("memory")
+                                  ? privateMemory()
+                                  : static_cast<double>(std::clock()) / perMillisecond);
         return 0;
     }
     begin = std::chrono::steady_clock::now();
