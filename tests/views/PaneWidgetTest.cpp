@@ -480,6 +480,14 @@ TEST_F(PaneWidgetTest, QuietAndDisabledTextsCanBeRead) {
             EXPECT_GE(contrast(colors.color(QPalette::PlaceholderText), colors.color(under)), 4.5);
             EXPECT_GE(contrast(colors.color(QPalette::Disabled, QPalette::Text), colors.color(under)), 3);
         }
+        // Some styles draw the list of choices as a menu, in the host's colours.
+        pane.Editor().SetValue(*pane.Editor().FindControl("*MediaType"), "Labels");
+        Go("*QVDuplex");
+        auto* box = Field<QComboBox>("*QVDuplex");
+        const int longEdge = IndexOf(box, "Turn on Long Edge");
+        EXPECT_GE(contrast(box->itemData(longEdge, Qt::ForegroundRole).value<QBrush>().color(),
+                           colors.color(QPalette::Window)),
+                  3);
     }
     QApplication::setPalette(QPalette());
 }

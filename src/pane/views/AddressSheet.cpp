@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/AddressSheet.h"
 
+#include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 
@@ -132,6 +133,7 @@ AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
     , bidiCheckBox(new QCheckBox(translate("TWO_WAY", "&Two-way communication"), dialog))
     , sortByName(translate("SORT_BY_NAME", "Sort by name"))
     , sortByAddresses(translate("SORT_BY_ADDRESSES", "Sort by addresses")) {
+    dialog->setPalette(readableColors());
     dialog->setObjectName("addressSheet");
     dialog->setWindowTitle(translate("ADDRESS_SHEET_TITLE", "Controller Address"));
     dialog->setWindowModality(Qt::WindowModal);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/BrokenNotesDialog.h"
 
+#include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 
@@ -21,6 +22,7 @@ BrokenNotesDialog::BrokenNotesDialog(const PaneContext& context, const std::vect
                                      QWidget* parent)
     : QDialog(parent)
     , list(new QListWidget(this)) {
+    setPalette(readableColors());
     setObjectName(QStringLiteral("brokenNotes"));
     setWindowTitle(context.Say(words::brokenNotesTitle));
     auto* introduction = new QLabel(context.Say(words::brokenNotes), this);

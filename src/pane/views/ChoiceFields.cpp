@@ -4,6 +4,7 @@
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "pane/presentation/FieldTexts.h"
 #include "pane/views/Eliding.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 
@@ -89,6 +90,10 @@ public:
             return IsForbidden(row) ? Why(row) : QVariant();
         case Qt::DecorationRole:
             return IsForbidden(row) && row == current ? QVariant(paneIcon(PaneSign::warning)) : QVariant();
+        case Qt::ForegroundRole: // some styles draw a list of choices as a menu, in the host's colours
+            return flags(index).testFlag(Qt::ItemIsEnabled)
+                       ? QVariant()
+                       : QBrush(readableColors().color(QPalette::Disabled, QPalette::Text));
         default:
             return {};
         }

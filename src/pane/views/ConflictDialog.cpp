@@ -2,6 +2,7 @@
 #include "pane/views/ConflictDialog.h"
 
 #include "pane/presentation/FieldTexts.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 
@@ -16,6 +17,7 @@ namespace torka {
 ConflictDialog::ConflictDialog(const PaneContext& paneContext, QWidget* parent)
     : QDialog(parent)
     , context(paneContext) {
+    setPalette(readableColors());
     setObjectName(QStringLiteral("conflicts"));
     setWindowTitle(context.Say(words::conflictTitle));
     auto* introduction = new QLabel(context.Say(words::conflictAsk), this);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/PaneRoot.h"
 
-#include <QApplication>
+#include "pane/views/PaneColors.h"
+
 #include <QEvent>
 
 #include <utility>
@@ -35,25 +36,6 @@ void PaneRoot::changeEvent(QEvent* event) {
     }
 }
 
-// A contrast of at least 4.5:1 for quiet texts and 3:1 for disabled ones, where the text's own is 12:1.
-void PaneRoot::TakePalette() {
-    constexpr double quiet = 0.75;
-    constexpr double disabled = 0.55;
-    const QPalette host = QApplication::palette();
-    QPalette colors;
-    const auto fade = [&](QPalette::ColorGroup group, QPalette::ColorRole role, QPalette::ColorRole from,
-                          double opacity) {
-        QColor color = host.color(QPalette::Active, from);
-        color.setAlphaF(static_cast<float>(opacity));
-        colors.setColor(group, role, color);
-    };
-    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-        fade(group, QPalette::PlaceholderText, QPalette::WindowText, quiet);
-    }
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        fade(QPalette::Disabled, role, role, disabled);
-    }
-    setPalette(colors);
-}
+void PaneRoot::TakePalette() { setPalette(readableColors()); }
 
 } // namespace torka

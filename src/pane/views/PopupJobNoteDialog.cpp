@@ -3,6 +3,7 @@
 
 #include "pane/presentation/PopupNoteForm.h"
 #include "pane/views/NoteFields.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 
@@ -30,6 +31,7 @@ public:
         : QDialog(parent)
         , context(paneContext)
         , form(popupForm) {
+        setPalette(readableColors());
         setObjectName(QStringLiteral("popupJobNotes"));
         setWindowTitle(context.Say(words::popupTitle));
         auto* rows = new QVBoxLayout(this);

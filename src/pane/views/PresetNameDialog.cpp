@@ -2,6 +2,7 @@
 #include "pane/views/PresetNameDialog.h"
 
 #include "pane/presentation/PresetChoice.h"
+#include "pane/views/PaneColors.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -24,6 +25,7 @@ PresetNameDialog::PresetNameDialog(const PaneContext& paneContext, const std::st
     , takeName(std::move(take))
     , field(new QLineEdit(this))
     , hint(new QLabel(this)) {
+    setPalette(readableColors());
     setObjectName(QStringLiteral("presetNameDialog"));
     setWindowTitle(context.Say(oldName.empty() ? words::presetSaveTitle : words::presetRenameTitle));
     field->setObjectName(QStringLiteral("presetName"));

@@ -3,6 +3,7 @@
 
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/panel/UI_Panel.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
@@ -44,6 +45,7 @@ QuickAccessDialog::QuickAccessDialog(PaneContext& paneContext, const std::vector
     , remove(new QPushButton(context.Say(words::quickRemove), this))
     , up(new QPushButton(context.Say(words::quickMoveUp), this))
     , down(new QPushButton(context.Say(words::quickMoveDown), this)) {
+    setPalette(readableColors());
     setObjectName(QStringLiteral("quickAccessDialog"));
     setWindowTitle(context.Say(words::quickTitle));
     Arrange();

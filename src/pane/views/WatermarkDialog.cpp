@@ -4,6 +4,7 @@
 #include "pane/presentation/NumberScale.h"
 #include "pane/presentation/WatermarkEditing.h"
 #include "pane/views/FieldMessage.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/WatermarkPreview.h"
 
@@ -67,6 +68,7 @@ WatermarkDialog::WatermarkDialog(PaneContext& paneContext, const WatermarkFields
     , up(MakeOffset("watermarkUp", edited.yOffset))
     , preview(new WatermarkPreview(context, this))
     , missing(new FieldMessage(this)) {
+    setPalette(readableColors());
     setObjectName(QStringLiteral("watermarkDialog"));
     setWindowTitle(context.Say(isNew ? words::watermarkAddTitle : words::watermarkEditTitle));
     MakeFields();

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QPalette>
+
+namespace torka {
+
+// The application's colours with a contrast of at least 4.5:1 for quiet texts and 3:1 for disabled ones,
+// where the text's own is 12:1. The pane's root and every window of the pane take them: a window inherits no
+// palette.
+QPalette readableColors();
+
+} // namespace torka
