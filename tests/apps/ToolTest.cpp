@@ -5,6 +5,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <thread>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 // What holds for every command: one line for a failure, no control characters, secrets that need no command
 // line. scripts/check-manual looks at --help and --version of each.
@@ -72,6 +78,33 @@ TEST(Tool, NamesAServerThatItCannotReach) {
         expectOneLine(result, arguments);
         EXPECT_THAT(result.errors, StartsWith("torka: Cannot reach the print server at " + place));
     }
+}
+
+TEST(Tool, SaysThatAServerTakesConnectionsAndDoesNotAnswer) {
+    const std::string place = std::filesystem::path(testing::TempDir()) / "torka-silent.sock";
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    place.copy(address.sun_path, sizeof address.sun_path - 1);
+    std::filesystem::remove(place);
+    ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(listener, 8), 0);
+    const std::jthread hangUp([listener] {
+        for (int connection = accept(listener, nullptr, nullptr); connection >= 0;
+             connection = accept(listener, nullptr, nullptr)) {
+            close(connection);
+        }
+    });
+    for (const Arguments& arguments : {Arguments{"queue", "list"}, {"print", "-d", "q", sample}}) {
+        Arguments command{"env", "CUPS_SERVER=" + place, TORKA_BINARY_DIR "/bin/torka"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        const tests::CommandResult result = tests::runCommand(command);
+        expectOneLine(result, arguments);
+        EXPECT_THAT(result.errors, HasSubstr(place + " takes connections but does not answer"));
+    }
+    shutdown(listener, SHUT_RDWR);
+    close(listener);
+    std::filesystem::remove(place);
 }
 
 TEST(Tool, EndsInOrderWithoutMemory) {

@@ -21,6 +21,14 @@ struct CloseHttp {
     void operator()(http_t* connection) const { httpClose(connection); }
 };
 
+// Whether the server answers a request within the limit in seconds. Any answer counts, a refusal too. Without
+// a limit of its own a request repeats for the better part of a minute.
+bool answersRequests(http_t* connection, int timeout) {
+    httpSetTimeout(
+        connection, timeout, [](http_t*, void*) { return 0; }, nullptr);
+    return httpOptions(connection, "*") == 0 && httpUpdate(connection) != HTTP_STATUS_ERROR;
+}
+
 constexpr const char* stateNames[] = {"printer-name",
                                       "device-uri",
                                       "printer-make-and-model",
@@ -116,17 +124,21 @@ std::string cancelJob(const std::string& queueName, int job) {
 }
 
 std::string serverProblem() {
-    constexpr int timeout = 10000; // milliseconds
+    constexpr int timeout = 10; // seconds, to connect and to answer
     const std::string server = cupsServer();
-    const std::unique_ptr<http_t, CloseHttp> connection(
-        httpConnect2(server.c_str(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, timeout, nullptr));
-    if (connection) {
-        return {};
+    const std::string place = server.starts_with('/') ? server : server + ":" + std::to_string(ippPort());
+    const std::unique_ptr<http_t, CloseHttp> connection(httpConnect2(
+        server.c_str(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, timeout * 1000, nullptr));
+    if (!connection) {
+        // libcups gives no reason that a person could use, such as "Bad file descriptor".
+        return "Cannot reach the print server at " + place +
+               ": it does not run there, or CUPS_SERVER names another place";
     }
-    // libcups gives no reason that a person could use, such as "Bad file descriptor".
-    return "Cannot reach the print server at " +
-           (server.starts_with('/') ? server : server + ":" + std::to_string(ippPort())) +
-           ": it does not run there, or CUPS_SERVER names another place";
+    return answersRequests(connection.get(), timeout) ? ""
+                                                      : "The print server at " + place +
+                                                            " takes connections but does not answer: it is "
+                                                            "overloaded or stopped, or another program "
+                                                            "listens there";
 }
 
 std::string queueProblem(const std::string& queueName) {

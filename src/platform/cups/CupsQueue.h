@@ -32,7 +32,8 @@ JobStatus jobStatus(int job);
 std::string cancelJob(const std::string& queueName, int job);
 
 // "" when the print server answers; else "Cannot reach the print server at ADDRESS", with the way to another
-// one. Waits ten seconds at most.
+// one, or that it takes connections and never answers. Waits ten seconds for the connection and ten for the
+// answer at most.
 std::string serverProblem();
 // "" when the print server has the queue; else why it cannot be used: no answer, no such queue, or the
 // server's own reason. An empty name means the server's default queue.
