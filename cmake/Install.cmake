@@ -15,6 +15,18 @@ install(FILES README.md CHANGELOG.md ${documents} DESTINATION ${TORKA_DOC_DIR}/t
 install(DIRECTORY docs/guide docs/decisions DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka)
 install(DIRECTORY docs/images DESTINATION ${TORKA_DOC_DIR}/torka COMPONENT torka OPTIONAL)
 install(DIRECTORY samples/ DESTINATION ${TORKA_DOC_DIR}/torka/examples COMPONENT torka)
+# Links of the pages follow what moves: docs/ is the pages' own folder there, and the module's source another package's.
+install(CODE "set(pages \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TORKA_DOC_DIR}/torka/*.md\")" COMPONENT torka)
+install(CODE [[
+    file(GLOB_RECURSE pages "${pages}")
+    foreach(page IN LISTS pages)
+        file(READ "${page}" text)
+        string(REPLACE "](docs/" "](" text "${text}")
+        string(REGEX REPLACE "\\]\\((\\.\\./)?jobproperties/" "](../torka-dev/examples/jobproperties/" text "${text}")
+        string(REPLACE "](../../jobproperties/" "](../../torka-dev/examples/jobproperties/" text "${text}")
+        string(REPLACE "](../src/bidi/Job" "](../../../include/torka/bidi/Job" text "${text}")
+        file(WRITE "${page}" "${text}")
+    endforeach()]] COMPONENT torka)
 
 install(TARGETS torka-print-dialog RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT torka-print-dialog)
 install(TARGETS torkaprintdialog LIBRARY DESTINATION ${TORKA_QT_PLUGIN_DIR}/generic COMPONENT torka-print-dialog)
@@ -35,7 +47,9 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FUL
     OUTPUT_VARIABLE TORKA_PREFIX_FROM_PC)
 configure_file(packaging/torka.pc.in ${CMAKE_BINARY_DIR}/packaging/torka.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/packaging/torka.pc DESTINATION ${pc_dir} COMPONENT torka-dev)
-install(DIRECTORY jobproperties/ DESTINATION ${TORKA_DOC_DIR}/torka-dev/examples/jobproperties COMPONENT torka-dev)
+set(module_source ${TORKA_DOC_DIR}/torka-dev/examples/jobproperties)
+install(DIRECTORY jobproperties/ DESTINATION ${module_source} COMPONENT torka-dev PATTERN CMakeLists.txt EXCLUDE)
+install(FILES packaging/sample-module/CMakeLists.txt DESTINATION ${module_source} COMPONENT torka-dev)
 
 # The desktop: the print portal, and an entry that prints files. The service's files name the program by its full path,
 # so they are made when the prefix is known.

@@ -2,11 +2,14 @@
 # SPDX-License-Identifier: Apache-2.0
 # Installs what building, running and testing need on Debian 12: the one list of packages of this project.
 # Does nothing when all of them are there. Needs root for what is missing.
+#   install-deps.sh               what run.sh and test.sh need
+#   install-deps.sh --build       only what building needs
+#   install-deps.sh --developer   all of it, and what lint, clang and fuzzing need
 set -euo pipefail
 
 packages=(
     # build
-    g++ cmake ninja-build pkg-config
+    g++ cmake ninja-build pkg-config dpkg-dev file
     # libraries
     libcups2-dev zlib1g-dev libicu-dev libplist-dev nettle-dev libgmp-dev uuid-dev
     libcli11-dev nlohmann-json3-dev
@@ -18,6 +21,8 @@ packages=(
     xdg-desktop-portal-dev
     # discovery of controllers
     libavahi-client-dev
+)
+testing=(
     # tests and benchmarks
     libgtest-dev libgmock-dev libbenchmark-dev libssl-dev
     # what the tests and run.sh check against
@@ -27,11 +32,13 @@ packages=(
     xvfb openbox xdotool imagemagick focuswriter linguist-qt6
     evince xdg-desktop-portal xdg-desktop-portal-gtk desktop-file-utils appstream
 )
-# Only for ./scripts/lint.sh, the clang and the fuzz presets: install-deps.sh --developer
+# ./scripts/lint.sh, the clang and the fuzz presets
 developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3-clang-14)
-if [ "${1:-}" = "--developer" ]; then
-    packages+=("${developer[@]}")
-fi
+case "${1:-}" in
+--build) ;;
+--developer) packages+=("${testing[@]}" "${developer[@]}") ;;
+*) packages+=("${testing[@]}") ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
