@@ -33,7 +33,8 @@ step() { # WHAT COMMAND...
     say "$1"
     while sleep 20; do echo "  $(tail -n 1 "$log" | cut -c 1-120)" >&2; done &
     ticker=$!
-    "${@:2}" >"$log" 2>&1 || status=$?
+    "${@:2}" >"$log" 2>&1 & # in the background, so that a signal ends the script at once
+    wait "$!" || status=$?
     kill "$ticker"
     wait "$ticker" 2>/dev/null || true
     [ "$status" -eq 0 ] || fail "$1: status $status: $(tail -n 30 "$log")"
