@@ -4,6 +4,7 @@
 #
 #     SUITE      the suite; "bookworm" by default
 #     MIRROR     the archive; debootstrap's own by default
+#     BASE       a root that debootstrap made before: the scripts copy it, and are done sooner
 #     APT_CONF   a file with settings of apt that the root needs too, such as those of a proxy
 #
 # Debian's archive is the only thing that is asked over the network.
@@ -43,15 +44,33 @@ step() { # WHAT COMMAND...
 inside() { DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 chroot "$root" "$@"; }
 install_packages() { inside apt-get install -y --no-install-recommends "$@"; }
 
-make_root() { # [PACKAGE,...]
+# What is still mounted there stays: it may be somebody's.
+remove_root() {
+    local folder
+    for folder in "$root/proc" "$root/cache"; do
+        ! mountpoint -q "$folder" || umount -R "$folder" || umount -l "$folder" || true
+    done
+    if grep -qF " $scratch/" /proc/self/mounts; then
+        say "leaves $scratch: something is mounted there"
+    else
+        rm -rf "$scratch"
+    fi
+}
+
+make_root() {
     scratch=$(mktemp -d)
     chmod 755 "$scratch"
     root=$scratch/root
     log=$scratch/log
     : >"$log"
-    trap 'umount -R "$root/proc" 2>/dev/null || true; rm -rf --one-file-system "$scratch"' EXIT
-    step "making a fresh ${SUITE:-bookworm}" debootstrap --variant=minbase ${1:+--include="$1"} "${SUITE:-bookworm}" "$root" \
-        ${MIRROR:+"$MIRROR"}
+    trap remove_root EXIT
+    if [ -n "${BASE:-}" ]; then
+        step "copying $BASE" cp -a "$BASE" "$root"
+    else
+        step "making a fresh ${SUITE:-bookworm}" debootstrap --variant=minbase "${SUITE:-bookworm}" "$root" ${MIRROR:+"$MIRROR"}
+    fi
+    printf '127.0.0.1 localhost %s\n' "$(hostname)" >"$root/etc/hosts" # as an installer of systems leaves it
+    echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/check" # nothing here outlives a power cut
     mount -t proc proc "$root/proc"
     [ -z "${APT_CONF:-}" ] || cp "$APT_CONF" "$root/etc/apt/apt.conf.d/99check"
     printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d" # installing a service does not start it
