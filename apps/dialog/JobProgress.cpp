@@ -2,6 +2,7 @@
 #include "apps/dialog/JobProgress.h"
 
 #include "apps/dialog/QueueNotice.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -52,7 +53,7 @@ JobProgress::JobProgress(std::string queue, int job, const QString& title, QWidg
     , cancelButton(new QPushButton(tr("Cancel &Job"), this))
     , closeButton(new QPushButton(tr("&Close"), this)) {
     setWindowTitle(tr("Printing \u2013 %1").arg(title));
-    setMinimumWidth(fontMetrics().averageCharWidth() * 60);
+    setMinimumWidth(letterWidth(fontMetrics()) * 60);
     for (QLabel* label : {text, detail}) {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);

@@ -2,6 +2,7 @@
 #include "apps/dialog/PaneAttachment.h"
 
 #include "apps/dialog/QueueNotice.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -347,7 +348,7 @@ void PaneAttachment::MakeRoom() {
     const QFontMetrics metrics = dialog.fontMetrics();
     const QRect available = dialog.screen()->availableGeometry();
     dialog.resize(dialog.size()
-                      .expandedTo({metrics.averageCharWidth() * 176, metrics.height() * 54})
+                      .expandedTo({letterWidth(metrics) * 176, metrics.height() * 54})
                       .boundedTo(available.size() * 9 / 10));
     if (dialog.isVisible()) {
         QRect frame = dialog.frameGeometry();

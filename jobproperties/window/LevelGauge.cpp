@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jobproperties/window/LevelGauge.h"
 
+#include "jobproperties/window/LetterWidth.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -33,7 +35,7 @@ void LevelGauge::SetColors(const QList<QColor>& bands) {
 }
 
 QSize LevelGauge::sizeHint() const {
-    return {fontMetrics().averageCharWidth() * 16, fontMetrics().height() * 3 / 4};
+    return {letterWidth(fontMetrics()) * 16, fontMetrics().height() * 3 / 4};
 }
 
 QList<QColor> LevelGauge::ColorsFromText(const QString& text) {

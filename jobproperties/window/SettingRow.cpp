@@ -3,6 +3,7 @@
 
 #include "jobproperties/core/Text.h"
 #include "jobproperties/window/Glyphs.h"
+#include "jobproperties/window/LetterWidth.h"
 #include "jobproperties/window/PlainText.h"
 
 #include <QCheckBox>
@@ -88,7 +89,7 @@ SettingRow::SettingRow(JobSettings& givenSettings, std::string givenKey,
 }
 
 void SettingRow::Build(const QString& label) {
-    const int em = fontMetrics().averageCharWidth();
+    const int em = letterWidth(fontMetrics());
     name = new QLabel(withoutShortcut(label));
     name->setWordWrap(true);
     name->setTextFormat(Qt::PlainText);

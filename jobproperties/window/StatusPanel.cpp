@@ -2,6 +2,7 @@
 #include "jobproperties/window/StatusPanel.h"
 
 #include "jobproperties/window/Glyphs.h"
+#include "jobproperties/window/LetterWidth.h"
 #include "jobproperties/window/LevelGauge.h"
 
 #include <QGroupBox>
@@ -98,7 +99,7 @@ StatusPanel::StatusPanel(const Server& givenServer, QWidget* parent)
     column->addWidget(information);
     column->addStretch(1);
     setWidget(content);
-    setMinimumWidth(fontMetrics().averageCharWidth() * 30);
+    setMinimumWidth(letterWidth(fontMetrics()) * 30);
 }
 
 StatusPanel::Section StatusPanel::MakeSection(const QString& title) {
@@ -119,7 +120,7 @@ StatusPanel::Section::Row StatusPanel::MakeRow() {
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(2);
     auto* head = new QHBoxLayout;
-    head->setSpacing(row.widget->fontMetrics().averageCharWidth());
+    head->setSpacing(letterWidth(row.widget->fontMetrics()));
     head->addWidget(row.name, 1);
     head->addWidget(row.warning);
     row.state->setWordWrap(false);

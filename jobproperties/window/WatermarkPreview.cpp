@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jobproperties/window/WatermarkPreview.h"
 
+#include "jobproperties/window/LetterWidth.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -45,7 +47,7 @@ void WatermarkPreview::Show(const Watermark* shown) {
 }
 
 QSize WatermarkPreview::sizeHint() const {
-    const int width = fontMetrics().averageCharWidth() * 30;
+    const int width = letterWidth(fontMetrics()) * 30;
     return {width, static_cast<int>(width * sheet.height() / sheet.width())};
 }
 

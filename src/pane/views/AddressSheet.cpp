@@ -4,6 +4,7 @@
 #include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QAbstractTableModel>
 #include <QCheckBox>
@@ -154,7 +155,7 @@ AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
     progress->setRange(0, 0);
     progress->setTextVisible(false);
     progress->setAccessibleName(translate("RESOLVING", "Asking the selected controller for its address"));
-    progress->setFixedWidth(dialog->fontMetrics().averageCharWidth() * 14);
+    progress->setFixedWidth(letterWidth(dialog->fontMetrics()) * 14);
     progress->setMaximumHeight(dialog->fontMetrics().height());
     QSizePolicy policy = progress->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
@@ -192,7 +193,7 @@ void AddressSheet::LayOut(const BidiTranslator& translate) {
     layout->addSpacing(layout->spacing());
     layout->addWidget(bidiCheckBox);
     layout->addWidget(buttons);
-    dialog->resize(dialog->fontMetrics().averageCharWidth() * 90, dialog->fontMetrics().height() * 27);
+    dialog->resize(letterWidth(dialog->fontMetrics()) * 90, dialog->fontMetrics().height() * 27);
 }
 
 void AddressSheet::MakeTable(const BidiTranslator& translate) {
@@ -216,7 +217,7 @@ void AddressSheet::MakeTable(const BidiTranslator& translate) {
     header->setSectionsMovable(false);
     header->setSortIndicatorShown(true);
     header->setSortIndicator(-1, Qt::AscendingOrder);
-    header->resizeSection(0, table->fontMetrics().averageCharWidth() * 52);
+    header->resizeSection(0, letterWidth(table->fontMetrics()) * 52);
     QObject::connect(header, &QHeaderView::sectionClicked, dialog, [this](int section) {
         SortBy(section == 0 ? ControllerColumn::name : ControllerColumn::addresses);
     });

@@ -4,6 +4,7 @@
 #include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -35,7 +36,7 @@ BrokenNotesDialog::BrokenNotesDialog(const PaneContext& context, const std::vect
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     constexpr int characters = 64;
     constexpr int lines = 8;
-    list->setMinimumSize(fontMetrics().averageCharWidth() * characters, fontMetrics().lineSpacing() * lines);
+    list->setMinimumSize(letterWidth(fontMetrics()) * characters, fontMetrics().lineSpacing() * lines);
     for (const BrokenNote& note : notes) {
         auto* item = new QListWidgetItem(qText(note.sentence), list);
         item->setData(keywordRole, qText(note.keyword));

@@ -5,6 +5,7 @@
 #include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -34,7 +35,7 @@ ConflictDialog::ConflictDialog(const PaneContext& paneContext, QWidget* parent)
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     constexpr int characters = 64;
     constexpr int lines = 6;
-    list->setMinimumSize(fontMetrics().averageCharWidth() * characters, fontMetrics().lineSpacing() * lines);
+    list->setMinimumSize(letterWidth(fontMetrics()) * characters, fontMetrics().lineSpacing() * lines);
     for (const PaneConflict& conflict : context.editor.Conflicts()) {
         const std::string sentence =
             context.texts.Say(words::conflict, shownSetting(context.texts, conflict.first),

@@ -14,6 +14,7 @@
 #include "pane/views/RoomyRows.h"
 #include "pane/views/SummaryPage.h"
 #include "pane/views/WatermarkPage.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -86,8 +87,8 @@ void CustomizePaneWidget::MakeWidgets() {
     columns->addLayout(side);
     stack = new QStackedWidget(area);
     constexpr int minimumCharacters = 74; // room for a label, a popup and the buttons of its row
-    constexpr int minimumLines = 14;
-    stack->setMinimumSize(fontMetrics().averageCharWidth() * minimumCharacters,
+    constexpr int minimumLines = 10; // the dialog fits 540 points with Japanese fonts, whose lines are high
+    stack->setMinimumSize(letterWidth(fontMetrics()) * minimumCharacters,
                           fontMetrics().height() * minimumLines);
     stack->installEventFilter(this);
     constexpr int shareOfPage = 3;
@@ -467,7 +468,7 @@ void CustomizePaneWidget::ShowPicture() {
 
 // The list shows all its entries; the gauges take the rest of the height, or fold away.
 void CustomizePaneWidget::LeaveRoomForPages() {
-    constexpr int mostShown = 12; // entries for which the pane asks for height
+    constexpr int mostShown = 6; // entries for which the pane asks for height: the dialog fits 540 points
     list->setMinimumHeight(std::min(list->count(), mostShown) * list->sizeHintForRow(0) +
                            2 * list->frameWidth());
     if (gauges != nullptr && list->count() > 0) {

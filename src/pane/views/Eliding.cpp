@@ -2,6 +2,7 @@
 #include "pane/views/Eliding.h"
 
 #include "pane/views/PlainTexts.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QHelpEvent>
 #include <QStyle>
@@ -49,7 +50,7 @@ ElidingCheckBox::ElidingCheckBox(const QString& plainText, QWidget* parent)
 
 QSize ElidingCheckBox::minimumSizeHint() const {
     QSize least = QCheckBox::minimumSizeHint();
-    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * minimumCharacters));
+    least.setWidth(std::min(least.width(), letterWidth(fontMetrics()) * minimumCharacters));
     return least;
 }
 
@@ -77,7 +78,7 @@ int ElidingToolButton::TextWidth() const {
 
 QSize ElidingToolButton::minimumSizeHint() const {
     QSize least = QToolButton::minimumSizeHint();
-    least.setWidth(std::min(least.width(), fontMetrics().averageCharWidth() * minimumCharacters));
+    least.setWidth(std::min(least.width(), letterWidth(fontMetrics()) * minimumCharacters));
     return least;
 }
 

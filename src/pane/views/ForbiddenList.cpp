@@ -2,6 +2,7 @@
 #include "pane/views/ForbiddenList.h"
 
 #include "pane/views/PlainTexts.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QFrame>
 #include <QGridLayout>
@@ -31,7 +32,7 @@ QWidget* listOf(PaneContext& context, const ForbiddenChoices& forbidden, const P
     auto* rows = new QGridLayout(list);
     rows->setColumnStretch(0, 1);
     constexpr int characters = 46; // of a line
-    rows->setColumnMinimumWidth(0, list->fontMetrics().averageCharWidth() * characters);
+    rows->setColumnMinimumWidth(0, letterWidth(list->fontMetrics()) * characters);
     int row = 0;
     for (const ForbiddenChoice& choice : forbidden.choices) {
         rows->addWidget(plainLabel(qText(choice.why), list), row, 0);

@@ -3,6 +3,7 @@
 
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QEvent>
 #include <QGridLayout>
@@ -46,7 +47,7 @@ public:
         : QLabel(parent)
         , whole(name) {
         setTextFormat(Qt::PlainText);
-        setMinimumWidth(fontMetrics().averageCharWidth() * 4);
+        setMinimumWidth(letterWidth(fontMetrics()) * 4);
         setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         alignLeading(*this);
         setText(name);
@@ -73,10 +74,10 @@ GaugeBar::GaugeBar(QWidget* parent)
 
 QSize GaugeBar::sizeHint() const {
     if (orientation() == Qt::Vertical) {
-        return {fontMetrics().averageCharWidth() * 5 / 2, fontMetrics().height() * 3 / 2};
+        return {letterWidth(fontMetrics()) * 5 / 2, fontMetrics().height() * 3 / 2};
     }
     constexpr int characters = 6;
-    return {fontMetrics().averageCharWidth() * characters, fontMetrics().height() * 5 / 8};
+    return {letterWidth(fontMetrics()) * characters, fontMetrics().height() * 5 / 8};
 }
 
 void GaugeBar::paintEvent(QPaintEvent* /*event*/) {

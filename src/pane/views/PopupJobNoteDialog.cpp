@@ -6,6 +6,7 @@
 #include "pane/views/PaneColors.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -114,7 +115,7 @@ private:
         auto* line = new QLineEdit(this);
         line->setObjectName(qText(field.outlet));
         line->setAccessibleName(name);
-        line->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
+        line->setMinimumWidth(letterWidth(fontMetrics()) * 30);
         setPlainToolTip(*line, qText(field.rules));
         if (field.isSecret) {
             line->setEchoMode(QLineEdit::Password);

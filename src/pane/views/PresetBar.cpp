@@ -5,6 +5,7 @@
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/PresetNameDialog.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QActionGroup>
 #include <QMenu>
@@ -198,7 +199,7 @@ QSize PresetBar::sizeHint() const {
 }
 
 QSize PresetBar::minimumSizeHint() const {
-    return {fontMetrics().averageCharWidth() * maximumCharacters / 2, QToolButton::sizeHint().height()};
+    return {letterWidth(fontMetrics()) * maximumCharacters / 2, QToolButton::sizeHint().height()};
 }
 
 // Cuts a text that is too long. The tooltip has the whole text.

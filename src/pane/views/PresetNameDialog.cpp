@@ -3,6 +3,7 @@
 
 #include "pane/presentation/PresetChoice.h"
 #include "pane/views/PaneColors.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -33,7 +34,7 @@ PresetNameDialog::PresetNameDialog(const PaneContext& paneContext, const std::st
     field->setText(qText(oldName));
     field->selectAll();
     constexpr int characters = 44;
-    field->setMinimumWidth(fontMetrics().averageCharWidth() * characters);
+    field->setMinimumWidth(letterWidth(fontMetrics()) * characters);
     hint->setTextFormat(Qt::PlainText);
     hint->setWordWrap(true);
     hint->setMinimumHeight(fontMetrics().lineSpacing() * 2);

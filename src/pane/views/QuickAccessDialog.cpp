@@ -7,6 +7,7 @@
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
@@ -71,7 +72,7 @@ void QuickAccessDialog::Arrange() {
     available->setUniformRowHeights(true);
     chosen->setSelectionMode(QAbstractItemView::ExtendedSelection);
     chosen->setItemDelegate(new RoomyRows(chosen));
-    const int wide = fontMetrics().averageCharWidth() * 34;
+    const int wide = letterWidth(fontMetrics()) * 34;
     available->setMinimumWidth(wide);
     chosen->setMinimumWidth(wide);
     available->setMinimumHeight(fontMetrics().lineSpacing() * 16);

@@ -7,6 +7,7 @@
 #include "pane/views/PaneColors.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/WatermarkPreview.h"
+#include "platform/qt/LetterWidth.h"
 
 #include <QColorDialog>
 #include <QComboBox>
@@ -83,7 +84,7 @@ WatermarkDialog::WatermarkDialog(PaneContext& paneContext, const WatermarkFields
     form->addRow(context.Say(words::watermarkUp), up);
     auto* columns = new QHBoxLayout;
     columns->addLayout(form, 1);
-    columns->addSpacing(fontMetrics().averageCharWidth());
+    columns->addSpacing(letterWidth(fontMetrics()));
     columns->addWidget(preview, 1);
     auto* box = new QDialogButtonBox(this);
     acceptButton = box->addButton(context.Say(words::ok), QDialogButtonBox::AcceptRole);
@@ -94,7 +95,7 @@ WatermarkDialog::WatermarkDialog(PaneContext& paneContext, const WatermarkFields
     auto* rows = new QVBoxLayout(this);
     rows->addLayout(columns, 1);
     rows->addWidget(box);
-    resize(fontMetrics().averageCharWidth() * 92, fontMetrics().lineSpacing() * 19);
+    resize(letterWidth(fontMetrics()) * 92, fontMetrics().lineSpacing() * 19);
     Update();
 }
 
@@ -105,7 +106,7 @@ void WatermarkDialog::MakeFields() {
         std::max(static_cast<int>(WatermarkFields::longestText), static_cast<int>(shown.size())));
     text->setText(shown);
     text->selectAll();
-    text->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
+    text->setMinimumWidth(letterWidth(fontMetrics()) * 30);
     FillFonts();
     size->setObjectName(QStringLiteral("watermarkSize"));
     size->setRange(1, 1000);
