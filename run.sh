@@ -13,9 +13,13 @@ cd "$(dirname "$0")"
 cmake --preset release >/dev/null
 cmake --build --preset release -j "$(nproc)" --target torka torkafilter torka-print-dialog torka_bundle
 
-torka=build/release/bin/torka
+torka=english_torka
 ppd=samples/torka-production.ppd
 document=samples/brochure.ps
+
+english_torka() { # ARGUMENT...: the tool, whose output this script reads
+    LC_ALL=C.UTF-8 build/release/bin/torka "$@"
+}
 
 dialog() { # ARGUMENT...: the print dialog over a private server with the sample queue
     ./scripts/cups-sandbox run bash -c '

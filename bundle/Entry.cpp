@@ -11,6 +11,7 @@
 #include "platform/adapters/Adapters.h"
 #include "platform/avahi/AvahiServiceDirectory.h"
 #include "platform/posix/PosixBundle.h"
+#include "platform/qt/PersonsTexts.h"
 #include "platform/qt/QtAlertPresenter.h"
 #include "platform/qt/QtEventLoop.h"
 
@@ -70,7 +71,9 @@ void chooseToolkitAdapters() {
     setMainEventLoop(std::move(loop));
     setAlerts(std::make_unique<QtAlertPresenter>());
     setPaneInterfaceLoader(qtPaneInterfaceLoader());
-    setWaitPresenter(std::make_unique<WaitDialog>(bundleWithIdentifier(bundleIdentifier)));
+    const BundleRef bundle = bundleWithIdentifier(bundleIdentifier);
+    sayInPersonsLanguage(bundle); // the module's window
+    setWaitPresenter(std::make_unique<WaitDialog>(bundle));
     qAddPostRoutine(dropToolkitAdapters);
 }
 

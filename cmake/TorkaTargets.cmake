@@ -77,7 +77,8 @@ function(torka_tests area)
     target_compile_options(test_${area} PRIVATE -O1) # built far more often than run
     target_compile_definitions(test_${area} PRIVATE
         TORKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TORKA_BINARY_DIR="${CMAKE_BINARY_DIR}")
-    gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300
+        ENVIRONMENT LC_ALL=C.UTF-8) # the texts that they expect
 endfunction()
 
 # torka_fuzz(NAME lib...): fuzz/NAME.cpp. With libFuzzer a fuzzer; otherwise a program that replays the files and

@@ -33,6 +33,7 @@ if [ -n "$unmarked" ]; then
 fi
 ./scripts/check-floors
 ./scripts/check-plain-text
+./scripts/check-words
 if [ "$#" -eq 0 ] || [ "${#headers[@]}" -gt 0 ]; then
     ./scripts/check-headers "${headers[@]}"
 fi

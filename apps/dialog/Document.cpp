@@ -10,7 +10,7 @@ namespace torka::dialog {
 
 namespace {
 
-QString tr(const char* text) { return QCoreApplication::translate("Document", text); }
+QString said(const char* text) { return QCoreApplication::translate("torka", text); }
 
 } // namespace
 
@@ -18,8 +18,8 @@ bool openDocument(const QString& path, Document& document, QString& error) {
     const QFileInfo info(path);
     QFile file(path);
     if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
-        error =
-            tr("%1 cannot be read: %2").arg(path, info.exists() ? file.errorString() : tr("no such file"));
+        error = said("%1 cannot be read: %2")
+                    .arg(path, info.exists() ? file.errorString() : said("no such file"));
         return false;
     }
     const QMimeType type = QMimeDatabase().mimeTypeForData(&file);
@@ -27,7 +27,7 @@ bool openDocument(const QString& path, Document& document, QString& error) {
                          type.inherits(QStringLiteral("application/postscript")) ||
                          type.name().startsWith(QLatin1String("image/"));
     if (!isKnown) {
-        error = tr("%1 is neither PDF nor PostScript nor an image, but %2.").arg(path, type.name());
+        error = said("%1 is neither PDF nor PostScript nor an image, but %2.").arg(path, type.name());
         return false;
     }
     document = {info.absoluteFilePath(), info.fileName()};

@@ -14,7 +14,11 @@ struct PaneBundle {
     std::unique_ptr<PDEPlugIn> plugIn; // never null
 };
 
-// Opens the bundle in the folder and starts its plug-in. REQUIRES: the adapters are chosen.
+// Starts the plug-in of an open bundle. REQUIRES: the adapters are chosen.
+Result<PaneBundle> startPaneBundle(const BundleRef& bundle);
+
+// Opens the bundle in the folder, says this program's own texts with its tables, and starts its plug-in.
+// REQUIRES: the adapters are chosen, an application object.
 Result<PaneBundle> loadPaneBundle(const std::filesystem::path& folder);
 
 } // namespace torka::dialog

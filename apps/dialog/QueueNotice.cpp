@@ -21,24 +21,24 @@ struct ReasonWords {
 
 // Keywords of "printer-state-reasons" (RFC 8011, 5.4.12, and CUPS) that keep jobs waiting.
 constexpr std::array reasonWords{
-    ReasonWords{"cover-open", QT_TRANSLATE_NOOP("Queue", "a cover is open")},
+    ReasonWords{"cover-open", QT_TRANSLATE_NOOP("torka", "a cover is open")},
     ReasonWords{"cups-insecure-filter",
-                QT_TRANSLATE_NOOP("Queue", "a filter of the queue is not safe to run")},
-    ReasonWords{"cups-missing-filter", QT_TRANSLATE_NOOP("Queue", "a filter of the queue is missing")},
-    ReasonWords{"connecting-to-device", QT_TRANSLATE_NOOP("Queue", "the server is still connecting to it")},
-    ReasonWords{"door-open", QT_TRANSLATE_NOOP("Queue", "a door is open")},
-    ReasonWords{"marker-supply-empty", QT_TRANSLATE_NOOP("Queue", "a supply is empty")},
-    ReasonWords{"media-empty", QT_TRANSLATE_NOOP("Queue", "a tray is empty")},
-    ReasonWords{"media-jam", QT_TRANSLATE_NOOP("Queue", "paper is jammed")},
-    ReasonWords{"media-needed", QT_TRANSLATE_NOOP("Queue", "paper must be loaded")},
-    ReasonWords{"offline", QT_TRANSLATE_NOOP("Queue", "it does not answer")},
-    ReasonWords{"output-area-full", QT_TRANSLATE_NOOP("Queue", "the output tray is full")},
-    ReasonWords{"shutdown", QT_TRANSLATE_NOOP("Queue", "it is switched off")},
-    ReasonWords{"timed-out", QT_TRANSLATE_NOOP("Queue", "it did not answer in time")},
-    ReasonWords{"toner-empty", QT_TRANSLATE_NOOP("Queue", "the toner is used up")},
+                QT_TRANSLATE_NOOP("torka", "a filter of the queue is not safe to run")},
+    ReasonWords{"cups-missing-filter", QT_TRANSLATE_NOOP("torka", "a filter of the queue is missing")},
+    ReasonWords{"connecting-to-device", QT_TRANSLATE_NOOP("torka", "the server is still connecting to it")},
+    ReasonWords{"door-open", QT_TRANSLATE_NOOP("torka", "a door is open")},
+    ReasonWords{"marker-supply-empty", QT_TRANSLATE_NOOP("torka", "a supply is empty")},
+    ReasonWords{"media-empty", QT_TRANSLATE_NOOP("torka", "a tray is empty")},
+    ReasonWords{"media-jam", QT_TRANSLATE_NOOP("torka", "paper is jammed")},
+    ReasonWords{"media-needed", QT_TRANSLATE_NOOP("torka", "paper must be loaded")},
+    ReasonWords{"offline", QT_TRANSLATE_NOOP("torka", "it does not answer")},
+    ReasonWords{"output-area-full", QT_TRANSLATE_NOOP("torka", "the output tray is full")},
+    ReasonWords{"shutdown", QT_TRANSLATE_NOOP("torka", "it is switched off")},
+    ReasonWords{"timed-out", QT_TRANSLATE_NOOP("torka", "it did not answer in time")},
+    ReasonWords{"toner-empty", QT_TRANSLATE_NOOP("torka", "the toner is used up")},
 };
 
-QString said(const char* words) { return QCoreApplication::translate("Queue", words); }
+QString said(const char* words) { return QCoreApplication::translate("torka", words); }
 
 QString shown(const CFTypeRef& text) {
     QString result = QString::fromStdString(utf8Text(cfCast<CFString>(text))).simplified();
@@ -86,22 +86,22 @@ QString queueNotice(const std::string& queue, const CFDictionaryRef& state) {
     const bool isStopped = number == destinationStateStopped;
     if (isStopped) {
         sentences +=
-            said(QT_TRANSLATE_NOOP("Queue", "The queue %1 is stopped: jobs wait until it is started again."))
+            said(QT_TRANSLATE_NOOP("torka", "The queue %1 is stopped: jobs wait until it is started again."))
                 .arg(name);
     }
     const auto accepts = cfCast<CFBoolean>(CFDictionaryGetValue(state, u"printer-is-accepting-jobs"));
     const bool isRejecting = accepts && !CFBooleanGetValue(accepts);
     if (isRejecting) {
-        sentences += said(QT_TRANSLATE_NOOP("Queue", "The queue %1 takes no new jobs.")).arg(name);
+        sentences += said(QT_TRANSLATE_NOOP("torka", "The queue %1 takes no new jobs.")).arg(name);
     }
     const QStringList reasons = reasonsOf(state);
     if (!reasons.isEmpty()) {
-        sentences += said(QT_TRANSLATE_NOOP("Queue", "The printer cannot go on: %1."))
-                         .arg(reasons.join(QStringLiteral(", ")));
+        sentences += said(QT_TRANSLATE_NOOP("torka", "The printer cannot go on: %1."))
+                         .arg(reasons.join(said(QT_TRANSLATE_NOOP("torka", ", "))));
     }
     const QString message = shown(CFDictionaryGetValue(state, u"printer-state-message"));
     if (!sentences.isEmpty() && !message.isEmpty()) {
-        sentences += said(QT_TRANSLATE_NOOP("Queue", "The server says: %1")).arg(message);
+        sentences += said(QT_TRANSLATE_NOOP("torka", "The server says: %1")).arg(message);
     }
     return sentences.join(QLatin1Char(' '));
 }

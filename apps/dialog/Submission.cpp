@@ -5,6 +5,8 @@
 #include "output/LeftOutSetting.h"
 #include "platform/Spooler.h"
 
+#include <QCoreApplication>
+
 namespace torka::dialog {
 
 JobOptions ticketOptions(const PaneTab& tab) {
@@ -33,12 +35,12 @@ JobOptions jobOptions(PrintDialog& dialog) {
 int submitDocument(const Document& document, const std::string& queue, const JobOptions& options,
                    QString& error) {
     if (queue.empty()) {
-        error = QObject::tr("The destination is no print queue.");
+        error = QCoreApplication::translate("torka", "The destination is no print queue.");
         return 0;
     }
     const auto job = submitFile(queue, document.path.toStdString(), document.name.toStdString(), options);
     if (!job) {
-        error = QObject::tr("The print server does not take the job: %1")
+        error = QCoreApplication::translate("torka", "The print server does not take the job: %1")
                     .arg(QString::fromStdString(job.Why().Line()));
         return 0;
     }

@@ -6,6 +6,7 @@
 #include "platform/Log.h"
 #include "platform/adapters/Adapters.h"
 #include "platform/posix/PosixBundle.h"
+#include "platform/qt/PersonsTexts.h"
 
 #include <QApplication>
 #include <QPrintDialog>
@@ -21,26 +22,25 @@ namespace {
 
 // The process is not ours. Nothing here changes what the program shares with it: locale, signals,
 // environment, file mode mask, or whether it can be traced.
-void chooseSystem() {
-    static const bool isChosen = [] {
+const Result<BundleRef>& bundle() {
+    static const Result<BundleRef> opened = [] {
         chooseAdapters(AdapterOptions{.spooler = true});
-        return true;
+        return openBundle(folderOfObjectAt(reinterpret_cast<const void*>(&torkaAttachPane)) /
+                          "TorkaFeatures.bundle");
     }();
-    static_cast<void>(isChosen);
+    return opened;
 }
 
 // The plug-in, loaded with the first dialog; null when it cannot be loaded, which is logged once. Never
 // destroyed: a dialog of the program may live until the process ends.
 PDEPlugIn* plugIn() {
     static const dialog::PaneBundle* const loaded = []() -> const dialog::PaneBundle* {
-        const std::filesystem::path folder =
-            folderOfObjectAt(reinterpret_cast<const void*>(&torkaAttachPane)) / "TorkaFeatures.bundle";
-        auto bundle = dialog::loadPaneBundle(folder);
-        if (!bundle) {
-            myNSLogC("This program's print dialogs have no pane: %s", bundle.Why().Line().c_str());
+        auto pane = bundle() ? dialog::startPaneBundle(*bundle()) : bundle().Why();
+        if (!pane) {
+            myNSLogC("This program's print dialogs have no pane: %s", pane.Why().Line().c_str());
             return nullptr;
         }
-        return new dialog::PaneBundle(*std::move(bundle));
+        return new dialog::PaneBundle(*std::move(pane));
     }();
     return loaded == nullptr ? nullptr : loaded->plugIn.get();
 }
@@ -51,7 +51,9 @@ void attach(QObject* object) {
         !GuestDialog::Understands(*dialog)) {
         return;
     }
-    chooseSystem();
+    if (bundle()) {
+        sayInPersonsLanguage(*bundle()); // the tab is shown before its plug-in is loaded
+    }
     GuestDialog::Attach(*dialog, plugIn);
 }
 

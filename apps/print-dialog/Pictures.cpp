@@ -28,7 +28,7 @@ void settle() {
 
 bool takePictures(PrintDialog& dialog, const QString& folder, QString& error) {
     if (!QDir().mkpath(folder)) {
-        error = QObject::tr("%1 cannot be made").arg(folder);
+        error = QCoreApplication::translate("torka", "%1 cannot be made").arg(folder);
         return false;
     }
     dialog.show();
@@ -38,7 +38,7 @@ bool takePictures(PrintDialog& dialog, const QString& folder, QString& error) {
     const auto take = [&](QWidget& widget) {
         const QString path = QStringLiteral("%1/%2.png").arg(folder).arg(++number, 2, 10, QLatin1Char('0'));
         if (!widget.grab().save(path)) {
-            error = QObject::tr("%1 cannot be written").arg(path);
+            error = QCoreApplication::translate("torka", "%1 cannot be written").arg(path);
             return false;
         }
         return true;

@@ -6,6 +6,7 @@
 #include "apps/dialog/Submission.h"
 #include "platform/Spooler.h"
 
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <cstdio>
 
@@ -19,7 +20,8 @@ int runDialog(const Document& document, PrintDialog& dialog) {
     const int job = submitDocument(document, dialog, error);
     if (job == 0) {
         std::fprintf(stderr, "%s\n", apps::printable(error.toStdString()).c_str());
-        QMessageBox box(QMessageBox::Critical, QObject::tr("Print"), QString(), QMessageBox::Ok);
+        QMessageBox box(QMessageBox::Critical, QCoreApplication::translate("torka", "Print"), QString(),
+                        QMessageBox::Ok);
         box.setTextFormat(Qt::PlainText); // before the text, which may look like markup
         box.setText(error);
         box.exec();

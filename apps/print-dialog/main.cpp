@@ -3,6 +3,7 @@
 #include "apps/dialog/Document.h"
 #include "apps/dialog/PaneBundle.h"
 #include "apps/dialog/PrintDialog.h"
+#include "apps/dialog/ToolkitTexts.h"
 #include "apps/print-dialog/Pictures.h"
 #include "apps/print-dialog/PrintRun.h"
 #include "platform/SecretMemory.h"
@@ -12,10 +13,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QLibraryInfo>
-#include <QLocale>
 #include <QPrinter>
-#include <QTranslator>
 #include <cstdio>
 #include <exception>
 
@@ -72,23 +70,19 @@ int run(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
     const QApplication application(argc, argv);
     const Arguments arguments = readArguments(application);
-    QTranslator ofTheToolkit; // its dialog speaks the language of the pane
-    if (ofTheToolkit.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
-                          QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        QCoreApplication::installTranslator(&ofTheToolkit);
-    }
+    dialog::loadToolkitTexts();
     AdapterOptions adapters{.spooler = true};
     chooseAdapters(std::move(adapters));
 
-    dialog::Document document;
-    QString error;
-    if (!dialog::openDocument(arguments.document, document, error)) {
-        return unusable(error);
-    }
     const auto pane = dialog::loadPaneBundle(arguments.bundle.toStdString());
     if (!pane) {
         return unusable(QStringLiteral("%1 cannot be loaded: %2")
                             .arg(arguments.bundle, QString::fromStdString(pane.Why().Line())));
+    }
+    dialog::Document document;
+    QString error;
+    if (!dialog::openDocument(arguments.document, document, error)) {
+        return unusable(error);
     }
     QPrinter printer;
     if (!arguments.queue.isEmpty()) {
@@ -99,7 +93,8 @@ int run(int argc, char** argv) {
     if (!arguments.queue.isEmpty() && !dialog.chooseQueue(arguments.queue.toStdString())) {
         const std::string reason = platform::queueProblem(arguments.queue.toStdString());
         return unusable(reason.empty()
-                            ? QStringLiteral("the dialog does not list the queue %1").arg(arguments.queue)
+                            ? QCoreApplication::translate("torka", "the dialog does not list the queue %1")
+                                  .arg(arguments.queue)
                             : QString::fromStdString(reason));
     }
     dialog.showPane();

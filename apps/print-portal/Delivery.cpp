@@ -17,7 +17,7 @@ namespace torka::portal {
 
 namespace {
 
-QString said(const char* text) { return QCoreApplication::translate("PrintPortal", text); }
+QString said(const char* text) { return QCoreApplication::translate("torka", text); }
 
 QString save(const QString& path, const QString& outputFile) {
     QFile document(path);

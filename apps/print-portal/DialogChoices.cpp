@@ -162,9 +162,9 @@ QDoubleSpinBox* addScale(dialog::PrintDialog& dialog, const PrintChoices& choice
     scale->setObjectName(QStringLiteral("scale"));
     scale->setRange(1, 1000);
     scale->setDecimals(1);
-    scale->setSuffix(QCoreApplication::translate("PrintPortal", " %"));
+    scale->setSuffix(QCoreApplication::translate("torka", " %"));
     scale->setValue(choices.scale.value_or(100));
-    auto* label = new QLabel(QCoreApplication::translate("PrintPortal", "Sc&ale:"), &dialog);
+    auto* label = new QLabel(QCoreApplication::translate("torka", "Sc&ale:"), &dialog);
     label->setBuddy(scale);
     auto* row = new QHBoxLayout;
     row->addWidget(label);

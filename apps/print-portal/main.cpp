@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/OutsideText.h"
 #include "apps/dialog/PaneBundle.h"
+#include "apps/dialog/ToolkitTexts.h"
 #include "apps/print-portal/PrintService.h"
 #include "platform/SecretMemory.h"
 #include "platform/adapters/Adapters.h"
@@ -78,6 +79,7 @@ int run(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     const Arguments arguments = readArguments(application);
     chooseAdapters({.spooler = true});
+    dialog::loadToolkitTexts();
 
     const auto pane = dialog::loadPaneBundle(arguments.bundle.toStdString());
     if (!pane) {

@@ -4,6 +4,7 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
 #include "apps/torka/ModelJson.h"
+#include "apps/torka/Sentences.h"
 #include "pane/data/ControlTables.h"
 
 #include <memory>
@@ -81,7 +82,8 @@ Json constrainedJson(const ZANPPD& description) {
 }
 
 void printPairs(const char* title, const Json& pairs) {
-    print(std::string(title) + (pairs.empty() ? ": none\n" : ":\n"));
+    print(inPersonsLanguage(title) +
+          (pairs.empty() ? ": " + inPersonsLanguage("none") + "\n" : std::string(":\n")));
     for (const Json& pair : pairs) {
         print("  " + printable(pair["key"].get<std::string>()) + "=" +
               printable(pair["option"].get<std::string>()) + "\n");
@@ -93,7 +95,9 @@ void printAnswer(const Json& answer) {
     printPairs("Choices that would not conflict", answer["alternatives"]);
     printPairs("Forbidden once the settings are applied", answer["constrained"]);
     if (answer.contains("solved")) {
-        print(answer["solved"].get<bool>() ? "A resolution was found.\n" : "No resolution was found.\n");
+        print(inPersonsLanguage(answer["solved"].get<bool>() ? "A resolution was found."
+                                                             : "No resolution was found.") +
+              "\n");
         printPairs("Changes", answer["changes"]);
     }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
 
+#include "apps/torka/Sentences.h"
+
 #include <cstdio>
 
 namespace torka::tool {
@@ -19,7 +21,7 @@ ExitStatus unusable(std::string_view what) {
 ExitStatus unusable(const Fault& why) { return unusable(why.Line()); }
 
 void warn(std::string_view what) {
-    const std::string line = "torka: " + printable(what) + "\n";
+    const std::string line = "torka: " + printable(inPersonsLanguage(what)) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

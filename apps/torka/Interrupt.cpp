@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Interrupt.h"
 
+#include "apps/torka/Sentences.h"
 #include "platform/posix/PosixSystem.h"
 
 #include <csignal>
@@ -38,8 +39,9 @@ Interruptible::~Interruptible() {
 WaitObserver showingWait(std::string what) {
     return [text = std::move(what)](const WaitProgress& progress) {
         if (isatty(STDERR_FILENO) != 0) {
-            std::fprintf(stderr, "\r\x1b[KWaiting for %s: %lld s", text.c_str(),
-                         static_cast<long long>(progress.waited.count() / 1000));
+            const std::string seconds = std::to_string(progress.waited.count() / 1000);
+            std::fprintf(stderr, "\r\x1b[K%s",
+                         inPersonsLanguage("Waiting for " + text + ": " + seconds + " s").c_str());
         }
     };
 }

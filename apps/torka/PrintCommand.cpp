@@ -5,6 +5,7 @@
 #include "apps/torka/JobEmission.h"
 #include "apps/torka/ManualTexts.h"
 #include "apps/torka/QueueJobs.h"
+#include "apps/torka/Sentences.h"
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
 #include "platform/cups/CupsPrinting.h"
@@ -125,7 +126,7 @@ ExitStatus printFile(const PrintOptions& options) {
     if (!job) {
         return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
-    print("Job " + std::to_string(*job) + " on " + printable(queue) + "\n");
+    print(printable(inPersonsLanguage("Job " + std::to_string(*job) + " on " + queue)) + "\n");
     const ExitStatus status = options.isDetached ? ExitStatus::good : followJob(queue, *job);
     return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
 }

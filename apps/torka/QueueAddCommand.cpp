@@ -3,6 +3,7 @@
 #include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/FilterLines.h"
+#include "apps/torka/Sentences.h"
 #include "apps/torka/ServerFiles.h"
 #include "platform/System.h"
 #include "platform/cups/CupsQueue.h"
@@ -109,7 +110,7 @@ ExitStatus addNamedQueue(const AddOptions& options) {
         return unusable(options.name +
                         (isNew ? ": the queue is not added: " : ": the queue is changed, but ") + problem);
     }
-    print("Queue " + printable(options.name) + ", device " + printable(options.uri) + "\n");
+    print(printable(inPersonsLanguage("Queue " + options.name + ", device " + options.uri)) + "\n");
     return ExitStatus::good;
 }
 

@@ -4,6 +4,7 @@
 #include "apps/torka/Description.h"
 #include "apps/torka/QueueHealth.h"
 #include "apps/torka/QueuePolicy.h"
+#include "apps/torka/Sentences.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/posix/InstalledSystem.h"
 
@@ -42,9 +43,10 @@ std::string defaultBundle() { return platform::installedBundle(platform::program
 
 void printFindings(const std::vector<QueueFinding>& findings) {
     for (const QueueFinding& finding : findings) {
-        print(finding.what + ": " + stateWord(finding.state) + ": " + printable(finding.text) + "\n");
+        print(finding.what + ": " + inPersonsLanguage(stateWord(finding.state)) + ": " +
+              printable(inPersonsLanguage(finding.text)) + "\n");
         if (!finding.remedy.empty()) {
-            print("    mend: " + printable(finding.remedy) + "\n");
+            print("    " + printable(inPersonsLanguage("mend: " + finding.remedy)) + "\n");
         }
     }
 }

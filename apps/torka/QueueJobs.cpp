@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/QueueJobs.h"
 
+#include "apps/torka/Sentences.h"
 #include "platform/System.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/posix/InstalledSystem.h"
@@ -49,7 +50,8 @@ const char* stateText(const JobStatus& status) {
 
 void showState(int job, const JobStatus& status) {
     if (isatty(STDERR_FILENO) != 0) {
-        std::fprintf(stderr, "\r\x1b[KJob %d: %s %s%s", job, stateText(status),
+        std::fprintf(stderr, "\r\x1b[K%s %s%s",
+                     inPersonsLanguage("Job " + std::to_string(job) + ": " + stateText(status)).c_str(),
                      printable(status.message).c_str(), status.IsOver() || status.state == 0 ? "\n" : "");
     }
 }

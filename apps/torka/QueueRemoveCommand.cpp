@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
+#include "apps/torka/Sentences.h"
 #include "platform/cups/CupsQueue.h"
 
 #include <memory>
@@ -20,7 +21,7 @@ ExitStatus removeNamedQueue(const std::string& name) {
     if (const std::string problem = platform::removeQueue(name); !problem.empty()) {
         return unusable(name + ": the print server does not remove the queue: " + problem);
     }
-    print("Queue " + printable(name) + " is removed\n");
+    print(printable(inPersonsLanguage("Queue " + name + " is removed")) + "\n");
     return ExitStatus::good;
 }
 

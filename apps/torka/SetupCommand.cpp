@@ -2,6 +2,7 @@
 #include "apps/torka/Applications.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
+#include "apps/torka/Sentences.h"
 #include "platform/posix/InstalledSystem.h"
 
 #include <CLI/Validators.hpp>
@@ -21,7 +22,7 @@ struct SetupOptions {
 ExitStatus setUpApplications(const SetupOptions& options) {
     if (options.action == "show") {
         const QueueFinding finding = applicationsFinding(platform::programFolder());
-        print(printable(finding.text) + "\n" +
+        print(printable(inPersonsLanguage(finding.text)) + "\n" +
               (finding.remedy.empty() ? "" : "    " + printable(finding.remedy) + "\n"));
         return finding.state == CheckState::fault ? ExitStatus::findings : ExitStatus::good;
     }
@@ -32,9 +33,9 @@ ExitStatus setUpApplications(const SetupOptions& options) {
         return unusable(changed.Why());
     }
     for (const std::filesystem::path& path : *changed) {
-        print((isOn ? "Written: " : "Removed: ") + printable(path.string()) + "\n");
+        print(printable(inPersonsLanguage((isOn ? "Written: " : "Removed: ") + path.string())) + "\n");
     }
-    print(changed->empty() ? "It was off.\n" : "It counts from the next login on.\n");
+    print(inPersonsLanguage(changed->empty() ? "It was off." : "It counts from the next login on.") + "\n");
     return ExitStatus::good;
 }
 

@@ -369,9 +369,9 @@ PrinterDescription PrinterDescription::FromFile(const std::string& path, std::st
         bytes.append(piece.data(), static_cast<std::size_t>(file.gcount()));
     }
     if (bytes.empty()) {
-        error = "The printer description " + path + " cannot be read.";
+        error = "The printer description %1 cannot be read.";
     } else if (bytes.size() > maximumBytes || !bytes.starts_with("*PPD-Adobe")) {
-        error = path + " is no printer description.";
+        error = "%1 is no printer description.";
     }
     return FromText(bytes);
 }

@@ -54,7 +54,7 @@ public:
     // Ignores a description of more than 16 MB, and settings, groups or choices beyond 10,000.
     static PrinterDescription FromText(std::string_view bytes);
     // Returns an empty description when the file cannot be read or is not a PPD; `error` then holds the
-    // reason.
+    // reason, in English, with "%1" for the path.
     static PrinterDescription FromFile(const std::string& path, std::string& error);
 
     const std::vector<DescribedGroup>& Groups() const { return groups; }

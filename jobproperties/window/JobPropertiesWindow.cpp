@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jobproperties/window/JobPropertiesWindow.h"
 
+#include "jobproperties/window/LetterWidth.h"
 #include "jobproperties/window/SettingRow.h"
 #include "jobproperties/window/StatusPanel.h"
 #include "jobproperties/window/WatermarkEditor.h"
@@ -96,7 +97,7 @@ JobPropertiesWindow::JobPropertiesWindow(Session& givenSession, const QString& t
         search->selectAll();
     });
     connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, status, &StatusPanel::Refresh);
-    const int em = fontMetrics().averageCharWidth();
+    const int em = letterWidth(fontMetrics());
     QSize wanted(em * 150, fontMetrics().height() * 42);
     if (const QScreen* where = screen()) {
         wanted = wanted.boundedTo(where->availableSize() * 0.94);
@@ -108,13 +109,15 @@ JobPropertiesWindow::JobPropertiesWindow(Session& givenSession, const QString& t
 void JobPropertiesWindow::ReadDescription() {
     const auto answer = session.server.Data();
     const std::string path = answer ? attributeOf(answer.value, "ppdLocation0") : std::string();
-    std::string error = "The print server did not say where the printer's description is.";
-    if (!path.empty()) {
-        error.clear();
+    if (path.empty()) {
+        descriptionError = tr("The print server did not say where the printer's description is.");
+    } else {
+        std::string error;
         description = PrinterDescription::FromFile(path, error);
+        descriptionError = error.empty() ? QString() : tr(error.c_str()).arg(shown(path));
     }
-    if (!error.empty()) {
-        descriptionError = shown(error) + tr(" Settings are shown by their keys.");
+    if (!descriptionError.isEmpty()) {
+        descriptionError += QLatin1Char(' ') + tr("Settings are shown by their keys.");
     }
 }
 
@@ -180,7 +183,7 @@ QWidget* JobPropertiesWindow::MakeMiddle() {
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(content);
-    scroll->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+    scroll->setMinimumWidth(letterWidth(fontMetrics()) * 50);
     watermarks = new WatermarkEditor(session.settings);
     connect(watermarks, &WatermarkEditor::Edited, this, &JobPropertiesWindow::ShowEditedState);
     stack = new QStackedWidget;
@@ -196,7 +199,7 @@ QWidget* JobPropertiesWindow::MakeMiddle() {
     splitter->setStretchFactor(1, 1);
     splitter->setStretchFactor(2, 0);
     splitter->setCollapsible(1, false);
-    const int em = fontMetrics().averageCharWidth();
+    const int em = letterWidth(fontMetrics());
     splitter->setSizes({em * 22, em * 90, em * 36});
     return splitter;
 }
@@ -316,8 +319,8 @@ void JobPropertiesWindow::FillPages() {
     }
     pages->addItems(names);
     pages->addItem(tr("Watermarks"));
-    pages->setMinimumWidth(std::min(pages->sizeHintForColumn(0), fontMetrics().averageCharWidth() * 26) +
-                           fontMetrics().averageCharWidth() * 3);
+    pages->setMinimumWidth(std::min(pages->sizeHintForColumn(0), letterWidth(fontMetrics()) * 26) +
+                           letterWidth(fontMetrics()) * 3);
     pages->setCurrentRow(0);
 }
 

@@ -3,6 +3,7 @@
 
 #include "jobproperties/core/Session.h"
 #include "jobproperties/window/JobPropertiesWindow.h"
+#include "jobproperties/window/OwnTexts.h"
 
 #include <QApplication>
 #include <QThread>
@@ -32,6 +33,7 @@ public:
         const std::string before = locale == nullptr ? "C" : locale;
         application = std::make_unique<QApplication>(count, arguments.data());
         std::setlocale(LC_ALL, before.c_str());
+        loadOwnTexts();
     }
 
 private:

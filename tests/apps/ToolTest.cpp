@@ -60,6 +60,34 @@ TEST(Tool, SaysInOneLineWhatItCannotUse) {
     }
 }
 
+// Messages of three floors, with names and reasons in them. What programs read stays as it is.
+TEST(Tool, SpeaksThePersonsLanguage) {
+    const auto in = [](const char* locale, Arguments arguments) {
+        arguments.insert(arguments.begin(), {"env", "-u", "LANGUAGE", std::string("LC_ALL=") + locale,
+                                             "CUPS_SERVER=127.0.0.1:1", TORKA_BINARY_DIR "/bin/torka"});
+        return tests::runCommand(arguments);
+    };
+    const std::string file = samplePath("brochure.ps");
+    for (const auto& [locale, arguments, message] :
+         std::vector<std::tuple<const char*, Arguments, std::string>>{
+             {"de_DE.UTF-8",
+              {"ticket", "/none"},
+              "/none: kann nicht gelesen werden: Datei oder Ordner nicht gefunden"},
+             {"fr_FR.UTF-8",
+              {"print", "-d", "q", "-o", "x=1", file},
+              "«\u00a0x=1\u00a0» n’est pas une option admise"},
+             {"ja_JP.UTF-8", {"queue", "list"}, "プリントサーバー（127.0.0.1:1）に接続できません"},
+             {"zh_CN.UTF-8", {"check", sample, "No%1=x"}, "描述文件中没有选项 No%1"},
+             {"C", {"ticket", "/none"}, "/none: cannot be read: No such file or directory"}}) {
+        EXPECT_THAT(in(locale, arguments).errors, StartsWith("torka: " + message));
+    }
+    for (const Arguments& arguments : {Arguments{"lint", "--format=gcc", samplePath("torka-defects.ppd")},
+                                       {"check", sample, "QVTrimSides=Face", "--solve", "--json"},
+                                       {"emit", "--help"}}) {
+        EXPECT_EQ(in("de_DE.UTF-8", arguments).output, in("C", arguments).output);
+    }
+}
+
 TEST(Tool, NamesAServerThatItCannotReach) {
     const std::string place = "127.0.0.1:1"; // no server listens on the reserved port tcpmux
     for (const Arguments& arguments : {Arguments{"queue", "list"},

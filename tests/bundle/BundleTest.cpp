@@ -4,6 +4,7 @@
 #include "platform/posix/LanguageFolders.h"
 #include "platform/posix/PosixBundle.h"
 #include "platform/posix/PosixSystem.h"
+#include "platform/qt/PersonsTexts.h"
 #include "tests/support/CallbackDialog.h"
 #include "tests/support/TestSupport.h"
 
@@ -215,6 +216,26 @@ TEST_F(BundleTest, SpeaksThePersonsLanguage) {
                 ElementsAre("zh_Hans_CN", "zh-Hans-CN", "zh_CN", "zh-CN", "zh_Hans", "zh-Hans"));
     EXPECT_THAT(languageFolders("de"), ElementsAre("de"));
     EXPECT_THAT(languageFolders("a/b"), IsEmpty());
+}
+
+TEST_F(BundleTest, WindowsSpeakThePersonsLanguageAndThoseOfOthersNoticeNothing) {
+    class Window final : public QWidget {
+    public:
+        int changes = 0;
+        void changeEvent(QEvent* event) override {
+            changes += event->type() == QEvent::LanguageChange ? 1 : 0;
+        }
+    } window;
+    SetLanguages({"de"});
+    qApp->setProperty("torkaTexts", QVariant()); // what an earlier test asked for
+    sayInPersonsLanguage(Open());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window.changes, 0);
+    EXPECT_EQ(QCoreApplication::translate("torka::dialog::PaneTab", "Choose a printer."),
+              "Wählen Sie einen Drucker.");
+    EXPECT_EQ(QCoreApplication::translate("torka", "no text of ours"), "no text of ours");
+    EXPECT_EQ(QCoreApplication::translate("OthersWindow", "Choose a printer."), "Choose a printer.");
+    qApp->setProperty("torkaTexts", QVariant());
 }
 
 TEST_F(BundleTest, BrokenTablesFallBackToEnglish) {

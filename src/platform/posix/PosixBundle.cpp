@@ -2,29 +2,17 @@
 #include "platform/posix/PosixBundle.h"
 
 #include "platform/Log.h"
-#include "platform/PropertyList.h"
-#include "platform/System.h"
-#include "platform/posix/LanguageFolders.h"
+#include "platform/posix/StringTables.h"
 
 #include <algorithm>
 #include <dlfcn.h>
-#include <map>
 #include <system_error>
-#include <vector>
 
 namespace torka::platform {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::size_t maximumListBytes = std::size_t{4} * 1024 * 1024;
-
-// Whether the name is one component of a path that stays in its folder. Refuses hidden files.
-bool isPlainFileName(std::string_view name) {
-    return !name.empty() && name.front() != '.' && name.find('/') == std::string_view::npos &&
-           name.find('\0') == std::string_view::npos;
-}
 
 std::string report(std::string problem) {
     std::replace_if(
@@ -33,28 +21,13 @@ std::string report(std::string problem) {
     return problem;
 }
 
-// Reads a property-list file that holds a dictionary; null with a reason.
-CFDictionaryRef readDictionary(const fs::path& path, std::string& reason) {
-    std::string content;
-    if (const std::error_code failure = system().ReadFile(path, maximumListBytes, content)) {
-        reason = failure.message();
-        return nullptr;
-    }
-    const CFPropertyListRef list =
-        CFPropertyListCreateFromXMLData(CFDataCreate(content.data(), content.size()), &reason);
-    auto dictionary = cfCast<CFDictionary>(list);
-    if (list && !dictionary) {
-        reason = "it holds no dictionary";
-    }
-    return dictionary;
-}
-
 class PosixBundle final : public Bundle {
 public:
     PosixBundle(fs::path bundleFolder, CFDictionaryRef information, CFStringRef bundleIdentifier)
         : folder(std::move(bundleFolder))
         , info(std::move(information))
-        , identifier(std::move(bundleIdentifier)) {}
+        , identifier(std::move(bundleIdentifier))
+        , tables(Resources(), InfoText(u"CFBundleDevelopmentRegion")) {}
 
     CFStringRef Identifier() const override { return identifier; }
     CFTypeRef InfoValue(std::u16string_view key) const override { return CFDictionaryGetValue(info, key); }
@@ -68,11 +41,8 @@ public:
 
     CFStringRef LocalizedString(const CFStringRef& key, const CFStringRef& defaultText,
                                 std::string_view table) const override {
-        for (const std::string& language : Languages()) {
-            const CFDictionaryRef strings = Table(language, table);
-            if (auto text = cfCast<CFString>(CFDictionaryGetValue(strings, key))) {
-                return text;
-            }
+        if (auto text = tables.Find(key, table)) {
+            return text;
         }
         return defaultText ? defaultText : key;
     }
@@ -82,60 +52,12 @@ public:
 private:
     fs::path Resources() const { return folder / "Contents" / "Resources"; }
     std::string InfoText(std::u16string_view key) const { return utf8Text(cfCast<CFString>(InfoValue(key))); }
-    const std::vector<std::string>& Languages() const;
-    const CFDictionaryRef& Table(const std::string& language, std::string_view table) const;
 
     fs::path folder;
     CFDictionaryRef info;
     CFStringRef identifier;
-    mutable std::vector<std::string> languages; // chosen at the first look-up; then never empty
-    mutable std::map<std::string, CFDictionaryRef, std::less<>> tables; // by "LANGUAGE/TABLE"
+    StringTables tables;
 };
-
-// The first preferred language that the bundle supports, then the development language.
-const std::vector<std::string>& PosixBundle::Languages() const {
-    if (!languages.empty()) {
-        return languages;
-    }
-    std::string development = InfoText(u"CFBundleDevelopmentRegion");
-    if (!isPlainFileName(development)) {
-        development = "en";
-    }
-    std::error_code ignored;
-    for (const std::string& tag : system().PreferredLanguages()) {
-        const std::vector<std::string> names = languageFolders(tag);
-        const auto spoken = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
-            return fs::is_directory(Resources() / (name + ".lproj"), ignored);
-        });
-        if (spoken != names.end()) {
-            languages.push_back(*spoken);
-            break;
-        }
-    }
-    if (languages.empty() || languages.front() != development) {
-        languages.push_back(development);
-    }
-    return languages;
-}
-
-const CFDictionaryRef& PosixBundle::Table(const std::string& language, std::string_view table) const {
-    const std::string place = language + "/" + std::string(table);
-    const auto known = tables.find(place);
-    if (known != tables.end()) {
-        return known->second;
-    }
-    CFDictionaryRef strings;
-    const fs::path path = Resources() / (language + ".lproj") / (std::string(table) + ".strings");
-    std::string reason;
-    std::error_code ignored;
-    if (isPlainFileName(table) && fs::exists(path, ignored)) {
-        strings = readDictionary(path, reason);
-        if (!strings) {
-            report("The strings table " + path.string() + " cannot be used: " + reason);
-        }
-    }
-    return tables.emplace(place, strings).first->second;
-}
 
 Result<std::unique_ptr<PDEPlugIn>> PosixBundle::InstantiatePrincipalClass() const {
     const std::string file = InfoText(u"CFBundleExecutable");
@@ -172,17 +94,16 @@ Result<BundleRef> openBundle(const fs::path& folder) {
     const fs::path absolute = fs::absolute(folder, failure).lexically_normal();
     const fs::path path = absolute.has_filename() ? absolute : absolute.parent_path();
     const fs::path list = path / "Contents" / "Info.plist";
-    std::string reason;
-    const CFDictionaryRef info = readDictionary(list, reason);
+    const Result<CFDictionaryRef> info = readDictionaryFile(list);
     if (!info) {
-        return Fault{report("The bundle's " + list.string() + " cannot be used: " + reason)};
+        return Fault{report("The bundle's " + list.string() + " cannot be used: " + info.Why().text)};
     }
-    const auto identifier = cfCast<CFString>(CFDictionaryGetValue(info, u"CFBundleIdentifier"));
+    const auto identifier = cfCast<CFString>(CFDictionaryGetValue(*info, u"CFBundleIdentifier"));
     if (CFStringGetLength(identifier) == 0) {
         return Fault{
             report("The bundle's " + list.string() + " cannot be used: it has no CFBundleIdentifier")};
     }
-    return BundleRef(std::make_shared<PosixBundle>(path, info, identifier));
+    return BundleRef(std::make_shared<PosixBundle>(path, *info, identifier));
 }
 
 fs::path folderOfObjectAt(const void* address) {
