@@ -34,7 +34,9 @@ install(TARGETS torkadialog LIBRARY DESTINATION ${TORKA_PLUGIN_DIR} COMPONENT to
 set(bundle ${TORKA_PLUGIN_DIR}/TorkaFeatures.bundle/Contents)
 install(TARGETS TorkaFeatures LIBRARY DESTINATION ${bundle}/Linux COMPONENT torka-print-dialog)
 install(DIRECTORY ${TORKA_BUILT_BUNDLE}/Contents/ DESTINATION ${bundle} COMPONENT torka-print-dialog
-    PATTERN Linux EXCLUDE)
+    PATTERN Linux EXCLUDE PATTERN Tool.strings EXCLUDE)
+# The tool has its texts without the plug-in, too.
+install(DIRECTORY bundle/Resources/ DESTINATION ${bundle}/Resources COMPONENT torka FILES_MATCHING PATTERN Tool.strings)
 
 # What a Job Properties module or another print dialog includes.
 install(FILES src/bidi/JobPropertiesModule.h

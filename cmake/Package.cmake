@@ -43,7 +43,7 @@ string(TOUPPER torka-print-dialog dialog)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_NAME torka-print-dialog)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_${dialog}_PACKAGE_DEPENDS "torka (= ${TORKA_SORTED_VERSION})")
-set(CPACK_DEBIAN_${dialog}_PACKAGE_RECOMMENDS "qt6-translations-l10n")
+set(CPACK_DEBIAN_${dialog}_PACKAGE_RECOMMENDS "qt6-translations-l10n") # the toolkit's own dialogs and buttons
 set(CPACK_DEBIAN_${dialog}_PACKAGE_SUGGESTS "qt6-wayland, xdg-desktop-portal")
 set(CPACK_COMPONENT_${dialog}_DESCRIPTION "Print dialog with every feature of a Torka print controller
 Adds a pane to the print dialog: all options of the printer's extended

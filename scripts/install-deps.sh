@@ -14,7 +14,7 @@ packages=(
     libcups2-dev zlib1g-dev libicu-dev libplist-dev nettle-dev libgmp-dev uuid-dev
     libcli11-dev nlohmann-json3-dev
     # the pane, the print dialog and the sample Job Properties module
-    qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev
+    qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev qt6-translations-l10n
     # what the filter may ask of the kernel
     libseccomp-dev
     # the print portal's interfaces
