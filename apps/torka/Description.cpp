@@ -59,6 +59,12 @@ Result<void> checkUsable(const ZANPPD& description, const std::string& path) {
             return Fault{
                 std::string("is not a PPD file of format 4.3 (") + ppdErrName(PPDErr_NotPPDFile) + ")", path};
         }
+        if (*error == PPDErr_TooManyElements || *error == PPDErr_TooManyBytes) {
+            const bool isElements = *error == PPDErr_TooManyElements;
+            return Fault{std::string("holds more than ") + (isElements ? "1,000,000 elements" : "256 MiB") +
+                             " (" + ppdErrName(error->Code()) + ")",
+                         path};
+        }
         if (error->IsFatal()) {
             return Fault{"there is not memory enough to read it", path};
         }

@@ -32,6 +32,38 @@ TEST_F(CollectionsTest, ALookUpOfWhatIsShownPassesOverOrphans) {
     EXPECT_EQ(type, CNTL_TYPE::popup);
 }
 
+// More controls than a list looks through one by one.
+TEST_F(CollectionsTest, EachKindHasItsOwnOrderCursorAndLookUpInOneList) {
+    gDisplayOptions = 3;
+    PPDXControls controls;
+    std::vector<PPDXControl*> popups;
+    std::vector<PPDXControl*> specials;
+    for (std::size_t i = 0; i < 20; ++i) {
+        const std::string keyword = "*K" + std::to_string(i);
+        specials.push_back(new PPDXSpecialOption(definitionOf(keyword.c_str()), "1"));
+        popups.push_back(
+            new PPDXPopupControl(definitionOf(keyword.c_str()), false, false, itemsOf({"A"}), "A"));
+        controls.Add(specials.back());
+        controls.Add(popups.back());
+    }
+    EXPECT_EQ(controls.NextPopupControl(), nullptr);
+    PPDXControl* special = controls.FirstSpecialOption();
+    PPDXControl* popup = controls.FirstPopupControl();
+    for (std::size_t i = 0; i < 20; ++i) {
+        const std::string keyword = "*K" + std::to_string(i);
+        EXPECT_EQ(special, specials.at(i));
+        EXPECT_EQ(popup, popups.at(i));
+        EXPECT_EQ(controls.FindPopup(keyword.c_str(), true), popups.at(i));
+        EXPECT_EQ(controls.FindSpecialOption(keyword.c_str(), true), specials.at(i));
+        special = controls.NextSpecialOption();
+        popup = controls.NextPopupControl();
+    }
+    EXPECT_EQ(special, nullptr);
+    EXPECT_EQ(controls.NextSpecialOption(), nullptr);
+    EXPECT_EQ(controls.SpecialOptionsCount(), 20U);
+    EXPECT_EQ(controls.FindPopup("9", false), popups.at(9));
+}
+
 TEST_F(CollectionsTest, DamagedSettingsLoseOnlyWhatIsDamaged) {
     Settings settings;
     settings.SetInteger("Controls.count", INT64_MAX);

@@ -111,6 +111,44 @@ TEST(ZANPPDErrors, AFatalErrorStandsAlone) {
     EXPECT_THAT(errorsOf(noFile), ElementsAre("18 "));
 }
 
+// A description that is as large as the limits allow is read; one more ends the parse.
+TEST(ZANPPDErrors, EachElementCountsUpToTheLimit) {
+    const std::size_t inFrame = 7;
+    const std::vector<std::pair<std::string, std::size_t>> cases{
+        {"*%ZANPropPage Page2/P: True\n", 1},
+        {"*%ZANGroupName G/G: True\n*%ZANParent G/Pane: True|Rolldown\n", 2},
+        {"*%ZANSubGroupName G/G: True\n", 1},
+        {popupText("Key"), 4},
+        {control("One|Two|Three", "Group", "*%ZANRange *Key/K: 0;1;1;0;\"<*Key>\"\n"), 4},
+        {control("", "Group",
+                 "*OpenUI *Key/K: Boolean\n*DefaultKey: True\n*Key True: \"\"\n*CloseUI: *Key\n"),
+         2},
+        {"*%ZANJobNote *Key/Note: \n", 1},
+        {"*%QVShortcut *Key\n", 1},
+        {"*%ZANSpecialOption *Key: 1\n", 1},
+        {"*UIConstraints: *A 1 *B\n*%ZANUIRequires: *A *B\n", 2}};
+    for (const auto& [lines, count] : cases) {
+        ParseSettings settings;
+        settings.limits.elements = inFrame + count;
+        const std::string text = frame + lines + "*% the last line\n";
+        const auto read = parseText(text, settings);
+        EXPECT_FALSE(read->HasFatalError()) << lines;
+        --settings.limits.elements;
+        const auto ended = parseText(text + popupText("Later"), settings);
+        EXPECT_TRUE(ended->HasFatalError()) << lines;
+        EXPECT_EQ(errorsOf(*ended).back(), "38 ") << lines;
+        EXPECT_EQ(find(*ended, "*Later"), nullptr) << lines;
+    }
+}
+
+TEST(ZANPPDErrors, AFileMayHaveTheMaximumOfBytes) {
+    ParseSettings settings;
+    settings.limits.bytes = frame.size();
+    EXPECT_FALSE(parseText(frame, settings)->HasFatalError());
+    --settings.limits.bytes;
+    EXPECT_THAT(errorsOf(*parseText(frame, settings)), ElementsAre("39 "));
+}
+
 TEST(ZANPPDErrors, EmptyCollectionsAreReportedLast) {
     EXPECT_THAT(errorsOf(*parseText("*PPD-Adobe: \"4.3\"")), ElementsAre("25 ", "26 ", "27 "));
     EXPECT_THAT(errorsOf(*parseText(frame)), ElementsAre("27 "));

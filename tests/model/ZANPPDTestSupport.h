@@ -40,6 +40,7 @@ struct ParseSettings {
     _PARSE_OPTIONS_ options = acceptAll;
     _EXTENSIONS_SUPPORT_ extensions = kAllExtensions;
     bool stopOnFirstError = false;
+    DescriptionLimits limits = {};
     PPDLint* lint = nullptr;
 };
 
@@ -49,6 +50,7 @@ inline std::unique_ptr<ZANPPD> parseFile(const std::filesystem::path& path,
     model->SetFile(FSRef{path.string()});
     model->SetExtensions(settings.extensions);
     model->SetStopOnFirstError(settings.stopOnFirstError);
+    model->SetLimits(settings.limits);
     model->SetLint(settings.lint);
     model->Build();
     return model;

@@ -77,19 +77,18 @@ void PPDXControls::Add(PPDXControl* control) {
         return;
     }
     all.Add(control);
-    visitControl(*control, [this]<class T>(T& own) {
-        if constexpr (!std::is_same_v<T, PPDXControl>) {
-            Kind<T>& kind = Of<T>();
-            kind.list.Add(&own);
-            ++kind.counts.total;
-            kind.counts.orphans += std::size_t{own.IsOrphan()};
-            kind.counts.hidden += std::size_t{!own.IsVisible()};
-            kind.counts.hiddenOrphans += std::size_t{own.IsOrphan() && !own.IsVisible()};
-        }
-    });
+    if (!kinds) {
+        kinds = std::make_unique<Kinds>();
+    }
+    CountArray& counts = (*kinds)[static_cast<std::size_t>(control->Type())].counts;
+    ++counts.total;
+    counts.orphans += std::uint32_t{control->IsOrphan()};
+    counts.hidden += std::uint32_t{!control->IsVisible()};
+    counts.hiddenOrphans += std::uint32_t{control->IsOrphan() && !control->IsVisible()};
 }
 
-std::size_t PPDXControls::Count(const CountArray& counts) {
+std::size_t PPDXControls::Count(CNTL_TYPE type) const {
+    const CountArray counts = Counts(type);
     switch (gDisplayOptions) {
     case 0:
         return counts.total - counts.orphans - counts.hidden + counts.hiddenOrphans;
@@ -102,6 +101,32 @@ std::size_t PPDXControls::Count(const CountArray& counts) {
     default:
         return 0;
     }
+}
+
+template <class T>
+T* PPDXControls::FirstOf() {
+    if (kinds) {
+        (*kinds)[static_cast<std::size_t>(typeOfControl<T>)].cursor = 0;
+    }
+    return NextOf<T>();
+}
+
+template <class T>
+T* PPDXControls::NextOf() {
+    if (!kinds) {
+        return nullptr;
+    }
+    ElementCursor& cursor = (*kinds)[static_cast<std::size_t>(typeOfControl<T>)].cursor;
+    return static_cast<T*>(all.Next(cursor, [](const PPDXControl* control) {
+        return control->Type() == typeOfControl<T> && isShown(control);
+    }));
+}
+
+template <class T>
+T* PPDXControls::FindOf(const char* keyword, bool exact) const {
+    const auto isOfKind = [](const PPDXControl* control) { return control->Type() == typeOfControl<T>; };
+    return Counts(typeOfControl<T>).total == 0 ? nullptr
+                                               : static_cast<T*>(all.Find(keyword, exact, isOfKind));
 }
 
 std::size_t PPDXControls::ControlCount() const {
@@ -121,30 +146,30 @@ PPDXControl* PPDXControls::Next(CNTL_TYPE& type) {
     return control;
 }
 
-PPDXPopupControl* PPDXControls::FirstPopupControl() { return Of<PPDXPopupControl>().list.First(isShown); }
-PPDXPopupControl* PPDXControls::NextPopupControl() { return Of<PPDXPopupControl>().list.Next(isShown); }
+PPDXPopupControl* PPDXControls::FirstPopupControl() { return FirstOf<PPDXPopupControl>(); }
+PPDXPopupControl* PPDXControls::NextPopupControl() { return NextOf<PPDXPopupControl>(); }
 PPDXBooleanControl* PPDXControls::FirstBooleanControl() {
-    return Of<PPDXBooleanControl>().list.First(isShown);
+    return FirstOf<PPDXBooleanControl>();
 }
-PPDXBooleanControl* PPDXControls::NextBooleanControl() { return Of<PPDXBooleanControl>().list.Next(isShown); }
-PPDXRangeControl* PPDXControls::FirstRangeControl() { return Of<PPDXRangeControl>().list.First(isShown); }
-PPDXRangeControl* PPDXControls::NextRangeControl() { return Of<PPDXRangeControl>().list.Next(isShown); }
+PPDXBooleanControl* PPDXControls::NextBooleanControl() { return NextOf<PPDXBooleanControl>(); }
+PPDXRangeControl* PPDXControls::FirstRangeControl() { return FirstOf<PPDXRangeControl>(); }
+PPDXRangeControl* PPDXControls::NextRangeControl() { return NextOf<PPDXRangeControl>(); }
 PPDXFloatRangeControl* PPDXControls::FirstFloatRangeControl() {
-    return Of<PPDXFloatRangeControl>().list.First(isShown);
+    return FirstOf<PPDXFloatRangeControl>();
 }
 PPDXFloatRangeControl* PPDXControls::NextFloatRangeControl() {
-    return Of<PPDXFloatRangeControl>().list.Next(isShown);
+    return NextOf<PPDXFloatRangeControl>();
 }
-PPDXJobNote* PPDXControls::FirstJobNote() { return Of<PPDXJobNote>().list.First(isShown); }
-PPDXJobNote* PPDXControls::NextJobNote() { return Of<PPDXJobNote>().list.Next(isShown); }
+PPDXJobNote* PPDXControls::FirstJobNote() { return FirstOf<PPDXJobNote>(); }
+PPDXJobNote* PPDXControls::NextJobNote() { return NextOf<PPDXJobNote>(); }
 PPDXCustomPageSizeControl* PPDXControls::FirstCustomPageSizeControl() {
-    return Of<PPDXCustomPageSizeControl>().list.First(isShown);
+    return FirstOf<PPDXCustomPageSizeControl>();
 }
 PPDXCustomPageSizeControl* PPDXControls::NextCustomPageSizeControl() {
-    return Of<PPDXCustomPageSizeControl>().list.Next(isShown);
+    return NextOf<PPDXCustomPageSizeControl>();
 }
-PPDXSpecialOption* PPDXControls::FirstSpecialOption() { return Of<PPDXSpecialOption>().list.First(isShown); }
-PPDXSpecialOption* PPDXControls::NextSpecialOption() { return Of<PPDXSpecialOption>().list.Next(isShown); }
+PPDXSpecialOption* PPDXControls::FirstSpecialOption() { return FirstOf<PPDXSpecialOption>(); }
+PPDXSpecialOption* PPDXControls::NextSpecialOption() { return NextOf<PPDXSpecialOption>(); }
 
 PPDXControl* PPDXControls::Find(const char* keyword, CNTL_TYPE& type, bool exact) const {
     PPDXControl* control = all.Find(keyword, exact);
@@ -159,25 +184,25 @@ PPDXControl* PPDXControls::FindDisplayed(const char* keyword, CNTL_TYPE& type, b
 }
 
 PPDXPopupControl* PPDXControls::FindPopup(const char* keyword, bool exact) const {
-    return Of<PPDXPopupControl>().list.Find(keyword, exact);
+    return FindOf<PPDXPopupControl>(keyword, exact);
 }
 PPDXBooleanControl* PPDXControls::FindBoolean(const char* keyword, bool exact) const {
-    return Of<PPDXBooleanControl>().list.Find(keyword, exact);
+    return FindOf<PPDXBooleanControl>(keyword, exact);
 }
 PPDXRangeControl* PPDXControls::FindRangeControl(const char* keyword, bool exact) const {
-    return Of<PPDXRangeControl>().list.Find(keyword, exact);
+    return FindOf<PPDXRangeControl>(keyword, exact);
 }
 PPDXFloatRangeControl* PPDXControls::FindFloatRangeControl(const char* keyword, bool exact) const {
-    return Of<PPDXFloatRangeControl>().list.Find(keyword, exact);
+    return FindOf<PPDXFloatRangeControl>(keyword, exact);
 }
 PPDXJobNote* PPDXControls::FindJobNote(const char* keyword, bool exact) const {
-    return Of<PPDXJobNote>().list.Find(keyword, exact);
+    return FindOf<PPDXJobNote>(keyword, exact);
 }
 PPDXCustomPageSizeControl* PPDXControls::FindCustomPageSizeControl(const char* keyword, bool exact) const {
-    return Of<PPDXCustomPageSizeControl>().list.Find(keyword, exact);
+    return FindOf<PPDXCustomPageSizeControl>(keyword, exact);
 }
 PPDXSpecialOption* PPDXControls::FindSpecialOption(const char* keyword, bool exact) const {
-    return Of<PPDXSpecialOption>().list.Find(keyword, exact);
+    return FindOf<PPDXSpecialOption>(keyword, exact);
 }
 
 void PPDXControls::Save(Settings& settings) const {

@@ -11,7 +11,10 @@
 #include "PPDX/PPDObjects/Controls/PPDXSpecialOption.h"
 #include "PPDX/PPDObjects/ElementList.h"
 
-#include <tuple>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <type_traits>
 
 namespace torka {
@@ -20,7 +23,7 @@ class PPDXGroups;
 
 // Calls use.operator()<T>() with T the class of controls of that type, or PPDXControl for `none`.
 template <class Use>
-decltype(auto) withControlClass(CNTL_TYPE type, Use&& use) {
+constexpr decltype(auto) withControlClass(CNTL_TYPE type, Use&& use) {
     switch (type) {
     case CNTL_TYPE::jobNote:
         return use.template operator()<PPDXJobNote>();
@@ -50,15 +53,29 @@ decltype(auto) visitControl(Control& control, Visit&& visit) {
     });
 }
 
+inline constexpr std::size_t numberOfControlTypes = static_cast<std::size_t>(CNTL_TYPE::customPageSize) + 1;
+
+// The type of the controls of class T.
+template <class T>
+constexpr CNTL_TYPE typeOfControl = [] {
+    for (std::size_t i = 1; i < numberOfControlTypes; ++i) {
+        const auto type = static_cast<CNTL_TYPE>(i);
+        if (withControlClass(type, []<class Each>() { return std::is_same_v<Each, T>; })) {
+            return type;
+        }
+    }
+    return CNTL_TYPE::none;
+}();
+
 // Numbers of controls of one kind. A control is counted when it is added.
 struct CountArray {
-    std::size_t total = 0;
-    std::size_t orphans = 0;
-    std::size_t hidden = 0;
-    std::size_t hiddenOrphans = 0;
+    std::uint32_t total = 0;
+    std::uint32_t orphans = 0;
+    std::uint32_t hidden = 0;
+    std::uint32_t hiddenOrphans = 0;
 };
 
-// Holds controls in the order of addition, together and by kind. The description's main collection owns its
+// Holds controls in the order of addition, in one list with a cursor for each kind. The description's main collection owns its
 // controls and deletes them; a roll-down's collection refers to them.
 //
 // Counts and First/Next obey the current display options; Find does not. Set a control's parent before adding
@@ -75,12 +92,12 @@ public:
     // Adds a control. An owning collection takes ownership. Ignores null.
     void Add(PPDXControl* control);
 
-    std::size_t PopupCount() const { return Count(Of<PPDXPopupControl>().counts); }
-    std::size_t BooleanCount() const { return Count(Of<PPDXBooleanControl>().counts); }
-    std::size_t RangeCount() const { return Count(Of<PPDXRangeControl>().counts); }
-    std::size_t FloatRangeCount() const { return Count(Of<PPDXFloatRangeControl>().counts); }
-    std::size_t JobNoteCount() const { return Count(Of<PPDXJobNote>().counts); }
-    std::size_t CustomPageSizeCount() const { return Count(Of<PPDXCustomPageSizeControl>().counts); }
+    std::size_t PopupCount() const { return Count(typeOfControl<PPDXPopupControl>); }
+    std::size_t BooleanCount() const { return Count(typeOfControl<PPDXBooleanControl>); }
+    std::size_t RangeCount() const { return Count(typeOfControl<PPDXRangeControl>); }
+    std::size_t FloatRangeCount() const { return Count(typeOfControl<PPDXFloatRangeControl>); }
+    std::size_t JobNoteCount() const { return Count(typeOfControl<PPDXJobNote>); }
+    std::size_t CustomPageSizeCount() const { return Count(typeOfControl<PPDXCustomPageSizeControl>); }
     // Counts all kinds except special options.
     std::size_t ControlCount() const;
 
@@ -116,13 +133,13 @@ public:
     // Rebuilds the controls that Save() stored, owns them, and reports them to the constraint store. Puts
     // each into its roll-down in `groups`. Both may be null.
     PPDXControls(Settings& settings, UIConstraints* constraints, const PPDXGroups* groups);
-    std::size_t SpecialOptionsCount() const { return Count(Of<PPDXSpecialOption>().counts); }
-    bool NoPopups() const { return Of<PPDXPopupControl>().list.Empty(); }
-    bool NoBooleanControls() const { return Of<PPDXBooleanControl>().list.Empty(); }
-    bool NoRangeControls() const { return Of<PPDXRangeControl>().list.Empty(); }
-    bool NoFloatRangeControls() const { return Of<PPDXFloatRangeControl>().list.Empty(); }
-    bool NoJobNotes() const { return Of<PPDXJobNote>().list.Empty(); }
-    bool NoSpecialOptions() const { return Of<PPDXSpecialOption>().list.Empty(); }
+    std::size_t SpecialOptionsCount() const { return Count(typeOfControl<PPDXSpecialOption>); }
+    bool NoPopups() const { return Counts(typeOfControl<PPDXPopupControl>).total == 0; }
+    bool NoBooleanControls() const { return Counts(typeOfControl<PPDXBooleanControl>).total == 0; }
+    bool NoRangeControls() const { return Counts(typeOfControl<PPDXRangeControl>).total == 0; }
+    bool NoFloatRangeControls() const { return Counts(typeOfControl<PPDXFloatRangeControl>).total == 0; }
+    bool NoJobNotes() const { return Counts(typeOfControl<PPDXJobNote>).total == 0; }
+    bool NoSpecialOptions() const { return Counts(typeOfControl<PPDXSpecialOption>).total == 0; }
     PPDXPopupControl* FirstPopupControl();
     PPDXPopupControl* NextPopupControl();
     PPDXBooleanControl* FirstBooleanControl();
@@ -140,27 +157,26 @@ public:
     void Restore(Settings& settings);
 
 private:
-    template <class T>
     struct Kind {
-        ElementList<T> list;
+        ElementCursor cursor = noElement;
         CountArray counts;
     };
+    using Kinds = std::array<Kind, numberOfControlTypes>;
 
     template <class T>
-    Kind<T>& Of() {
-        return std::get<Kind<T>>(kinds);
-    }
+    T* FirstOf();
     template <class T>
-    const Kind<T>& Of() const {
-        return std::get<Kind<T>>(kinds);
+    T* NextOf();
+    template <class T>
+    T* FindOf(const char* keyword, bool exact) const;
+    CountArray Counts(CNTL_TYPE type) const {
+        return kinds ? (*kinds)[static_cast<std::size_t>(type)].counts : CountArray{};
     }
-    static std::size_t Count(const CountArray& counts);
+    std::size_t Count(CNTL_TYPE type) const;
 
     Ownership ownership;
     ElementList<PPDXControl> all;
-    std::tuple<Kind<PPDXJobNote>, Kind<PPDXBooleanControl>, Kind<PPDXPopupControl>, Kind<PPDXRangeControl>,
-               Kind<PPDXFloatRangeControl>, Kind<PPDXCustomPageSizeControl>, Kind<PPDXSpecialOption>>
-        kinds;
+    std::unique_ptr<Kinds> kinds; // made with the first control
 };
 
 } // namespace torka

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
 
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/PPDObjects/Properties/PPDXErrors.h"
 
 #include <algorithm>
@@ -133,6 +134,9 @@ struct ErrorRow {
     std::string_view remedy;
 };
 
+// The remedies say these numbers.
+static_assert(DescriptionLimits().elements == 1'000'000 && DescriptionLimits().bytes == 256U << 20U);
+
 constexpr std::array errorRows{
     ErrorRow{PPDErr_OutOfMemory, "free memory, or use a smaller description"},
     ErrorRow{PPDErr_PropPageParsing, "give the *%ZANPropPage line a name"},
@@ -167,6 +171,8 @@ constexpr std::array errorRows{
     ErrorRow{PPDErr_NoPostscript, "give the range its quoted PostScript, beginning on the same line"},
     ErrorRow{PPDErr_BadConstraint, "name the second keyword"},
     ErrorRow{PPDErr_SubGroupNameParsing, "give the *%ZANSubGroupName line a name"},
+    ErrorRow{PPDErr_TooManyElements, "leave at most 1,000,000 elements in the description"},
+    ErrorRow{PPDErr_TooManyBytes, "leave at most 256 MiB in the description's file"},
 };
 
 std::string filled(std::string_view pattern, const PPDLintNote& note) {

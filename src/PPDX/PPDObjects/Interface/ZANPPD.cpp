@@ -70,6 +70,25 @@ void checkHeaderLine(PPDLint& lint, long line, std::string_view keyword, const P
     }
 }
 
+// Every such line takes memory as long as the description lives. A control's further lines belong to its first.
+bool definesElement(LineKind kind) {
+    switch (kind) {
+    case LineKind::constraint:
+    case LineKind::requirement:
+    case LineKind::propPage:
+    case LineKind::groupName:
+    case LineKind::subGroupName:
+    case LineKind::parent:
+    case LineKind::controlFlags:
+    case LineKind::shortcut:
+    case LineKind::specialOption:
+    case LineKind::jobNote:
+        return true;
+    default:
+        return false;
+    }
+}
+
 bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
@@ -104,6 +123,7 @@ void ZANPPD::Reset() {
     groupNames.clear();
     orphanGroups.clear();
     installableOptions = nullptr;
+    customSize = nullptr;
     inInstallableOptions = false;
     shortcuts = std::make_unique<PPDXShortcuts>();
     controls.reset(); // they point to the constraint store
@@ -113,6 +133,7 @@ void ZANPPD::Reset() {
     controls = std::make_unique<PPDXControls>();
     errors = std::make_unique<PPDXErrors>();
     hasFatalError = false;
+    elementsTaken = 0;
     dmtInjection.clear();
     dmtXmlData.clear();
 }
@@ -158,7 +179,9 @@ void ZANPPD::Parse() {
         Report(PPDErr_FileError, {}, 0);
         return;
     }
-    if (TestPPDFile()) {
+    if (source.dataForkSize() > limits.bytes) {
+        Report(PPDErr_TooManyBytes, {}, 0);
+    } else if (TestPPDFile()) {
         ParseLines();
         ResolveShortcuts();
         collectedShortcuts.clear();
@@ -205,7 +228,11 @@ void ZANPPD::ParseLines() {
 void ZANPPD::ParseLine(const char* text, std::string_view line) {
     PPDStream stream(line);
     const std::string_view keyword = TakeMainKeyword(stream);
-    switch (lineKind(keyword)) {
+    const LineKind kind = lineKind(keyword);
+    if (definesElement(kind) && !TakeElements(1)) {
+        return;
+    }
+    switch (kind) {
     case LineKind::constraint:
         return ParseConstraint(stream, false);
     case LineKind::requirement:
@@ -294,6 +321,15 @@ bool ZANPPD::ParsePSKeywords(PPDStream& stream, const char* keyword) {
         return false;
     }
     return PPDX::ParsePSKeywords(stream, keyword);
+}
+
+// Counts elements of the current line. Reports a fatal error and returns false above the limit.
+bool ZANPPD::TakeElements(std::size_t count) {
+    elementsTaken += count;
+    if (elementsTaken > limits.elements && !hasFatalError) {
+        Report(PPDErr_TooManyElements, {}, Line());
+    }
+    return !hasFatalError;
 }
 
 void ZANPPD::Report(PPDErr code, std::string_view keyword, long line) {

@@ -48,6 +48,14 @@ struct PopupJobNotePreferences {
     std::string values; // the remembered values, as the popup dialog wrote them
 };
 
+// The maximum content of a description, far above any real one. More is a fatal error: what a description takes
+// in memory stays bounded.
+struct DescriptionLimits {
+    // Pages, groups, placements, controls and their flags, choices, shortcuts, constraints.
+    std::size_t elements = 1'000'000;
+    std::uint64_t bytes = std::uint64_t{256} * 1024 * 1024; // of the file
+};
+
 // One choice of a list supplied at run time.
 struct SuppliedPopupItem {
     std::string keyword;
@@ -58,7 +66,7 @@ struct SuppliedPopupItem {
 // shortcuts, constraints, and the defects found.
 //
 // Owns all of it, including the controls' PostScript bytes. Parsed once, by a constructor or Build().
-// Errors() collects the defects, each with its line. Fatal defects (file, format, memory) end the parse. Not
+// Errors() collects the defects, each with its line. Fatal defects (file, format, memory, limits) end the parse. Not
 // thread-safe.
 class ZANPPD : public PPDX {
 public:
@@ -167,6 +175,7 @@ public:
     bool operator==(const ZANPPD& other) const;
 
     // For the tests; no caller here
+    void SetLimits(const DescriptionLimits& newLimits) { limits = newLimits; }
     // Groups without a page or pane, such as the installable options. Not owned here.
     const std::vector<PPDXGroup*>& OrphanGroups() const { return orphanGroups; }
     // Tells whether "*PCFileName" is one of the supported names, regardless of letter case; true without a
@@ -208,6 +217,7 @@ private:
     bool TestPPDFile();
     void ParseLines();
     void ParseLine(const char* text, std::string_view line);
+    bool TakeElements(std::size_t count);
     void Report(PPDErr code, std::string_view keyword, long line);
     long Line() const { return static_cast<long>(LineNumber()); }
     void Note(PPDLintKind kind, long line, std::string_view keyword, std::string_view text = {}) const;
@@ -279,7 +289,8 @@ private:
     _PARSE_OPTIONS_ parseOptions;
     _EXTENSIONS_SUPPORT_ extensions = kAllExtensions;
     bool inInstallableOptions = false;
-    PPDXRollDown* installableOptions = nullptr; // in `groups`
+    PPDXRollDown* installableOptions = nullptr;      // in `groups`
+    PPDXCustomPageSizeControl* customSize = nullptr; // in `controls`
     HeaderValue fileVersionQV;
     HeaderValue versionQV;
     HeaderValue versionMacQV;
@@ -292,6 +303,8 @@ private:
     CFArrayRef supportedFileNames;
     PopupJobNotePreferences popupJobNotePreferences;
 
+    DescriptionLimits limits;
+    std::size_t elementsTaken = 0; // by this parse
     PPDLint* lint = nullptr;
     bool hasFatalError = false;
 };

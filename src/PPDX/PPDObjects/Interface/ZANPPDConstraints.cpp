@@ -86,23 +86,22 @@ void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
         Note(PPDLintKind::badCustomSize, Line(), keyword, dimension);
         return;
     }
-    PPDXCustomPageSizeControl* size = controls->FindCustomPageSizeControl(keyword, true);
-    if (!size) {
+    if (!customSize) {
         ControlDefinition definition;
         definition.keyword = keyword;
         definition.constraints = constraints.get();
         // This control belongs to no group by definition, even when other orphans are not accepted.
-        size = new PPDXCustomPageSizeControl(definition, CustomPageSizeBounds());
-        controls->Add(size);
+        customSize = new PPDXCustomPageSizeControl(definition, CustomPageSizeBounds());
+        controls->Add(customSize);
     }
     if (isWidth) {
-        size->SetMinWidth(minimum);
-        size->SetMaxWidth(maximum);
-        size->SetWidth(minimum);
+        customSize->SetMinWidth(minimum);
+        customSize->SetMaxWidth(maximum);
+        customSize->SetWidth(minimum);
     } else {
-        size->SetMinHeight(minimum);
-        size->SetMaxHeight(maximum);
-        size->SetHeight(minimum);
+        customSize->SetMinHeight(minimum);
+        customSize->SetMaxHeight(maximum);
+        customSize->SetHeight(minimum);
     }
 }
 

@@ -130,6 +130,9 @@ void ZANPPD::ParseControlFlags(PPDStream& line) {
             draft.flags.push_back(flag);
         }
     }
+    if (!TakeElements(draft.flags.size())) {
+        return;
+    }
     if (lint) {
         lint->CheckControlFlags(draft.line, draft.keyword, draft.flags);
     }
@@ -219,6 +222,9 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
     block.items = std::move(choiceRoom);
     block.key = constraints->GetConstraintStrings()->Insert(draft.keyword);
     ReadBlock(draft.keyword, block);
+    if (hasFatalError) {
+        return;
+    }
     if (block.error) {
         Report(block.error->first, draft.keyword, block.error->second);
     } else if (block.kind == ChoiceBlock::Kind::boolean) {
@@ -234,7 +240,7 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
 void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
     const long blockLine = Line();
     std::array<char, kLineCapacity> text;
-    while (ReadNonEmptyLine(text.data())) {
+    while (!hasFatalError && ReadNonEmptyLine(text.data())) {
         PPDStream line{std::string_view(text.data())};
         const std::string_view before = line.Remaining();
         const std::string_view token = TakeMainKeyword(line);
@@ -266,7 +272,9 @@ void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
             ParseLine(text.data(), before);
         }
     }
-    Note(PPDLintKind::unclosedBlock, blockLine, keyword, "the end of the file");
+    if (!hasFatalError) {
+        Note(PPDLintKind::unclosedBlock, blockLine, keyword, "the end of the file");
+    }
 }
 
 // "*Default KEYWORD: OPTION" or "*DefaultANYTHING: OPTION".
@@ -292,7 +300,7 @@ void ZANPPD::ReadDefaultLine(PPDStream& line, std::string_view token, const std:
 void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     const long optionLine = Line();
     const NamedToken option = TakeNamedToken(line);
-    if (option.token.empty()) {
+    if (option.token.empty() || !TakeElements(1)) {
         return;
     }
     // Tokens point into the line, which reading the value's further lines does not change.

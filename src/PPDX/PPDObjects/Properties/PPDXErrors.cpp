@@ -39,6 +39,8 @@ const char* ppdErrName(std::int16_t code) {
         TORKA_NAME(PPDErr_NoPostscript)
         TORKA_NAME(PPDErr_BadConstraint)
         TORKA_NAME(PPDErr_SubGroupNameParsing)
+        TORKA_NAME(PPDErr_TooManyElements)
+        TORKA_NAME(PPDErr_TooManyBytes)
 #undef TORKA_NAME
     default:
         return "";
@@ -46,7 +48,8 @@ const char* ppdErrName(std::int16_t code) {
 }
 
 bool isFatalPPDErr(std::int16_t code) {
-    return code == PPDErr_OutOfMemory || code == PPDErr_FileError || code == PPDErr_NotPPDFile;
+    return code == PPDErr_OutOfMemory || code == PPDErr_FileError || code == PPDErr_NotPPDFile ||
+           code == PPDErr_TooManyElements || code == PPDErr_TooManyBytes;
 }
 
 PPDXErrorObj::PPDXErrorObj(std::int16_t errorCode, const char* concerned, long line)

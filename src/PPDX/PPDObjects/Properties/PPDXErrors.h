@@ -40,12 +40,14 @@ enum PPDErr : std::int16_t {
     PPDErr_OpenUIZANParsing2 = 34,
     PPDErr_NoPostscript = 35,
     PPDErr_BadConstraint = 36,
-    PPDErr_SubGroupNameParsing = 37
+    PPDErr_SubGroupNameParsing = 37,
+    PPDErr_TooManyElements = 38,
+    PPDErr_TooManyBytes = 39
 };
 
 // Returns "PPDErr_Duplicate" for 23; "" for an unknown code.
 const char* ppdErrName(std::int16_t code);
-// Returns true for the three codes that end a parse: memory, file, format.
+// Returns true for the codes that end a parse: memory, file, format, limits.
 bool isFatalPPDErr(std::int16_t code);
 
 // One defect of a description: its code, whether it ended the parse, its keyword and its line. The error's
