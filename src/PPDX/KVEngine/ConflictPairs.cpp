@@ -4,51 +4,68 @@
 #include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "PPDX/KVEngine/UIConstraints.h"
 
-#include <array>
-#include <unordered_set>
-
 namespace torka {
 namespace {
 
 // A pair of settings in conflict, in an order that does not depend on which is named first.
-using ConflictKey = std::array<KeyOption, 2>;
-
-ConflictKey conflictKey(const KeyOption& one, const KeyOption& other) {
-    return KeyOptionGreater(one, other) ? ConflictKey{one, other} : ConflictKey{other, one};
+ConflictPair unordered(const ConflictPair& pair) {
+    return KeyOptionGreater(pair.first, pair.second) ? pair : ConflictPair{pair.second, pair.first};
 }
 
-struct ConflictHash {
-    std::size_t operator()(const ConflictKey& conflict) const {
-        std::uint64_t hash = 0;
-        for (const KeyOption& side : conflict) {
-            hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.key);
-            hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.option);
-        }
-        return hash;
+std::uint64_t hashOf(const ConflictPair& pair) {
+    std::uint64_t hash = 0;
+    for (const KeyOption& side : {pair.first, pair.second}) {
+        hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.key);
+        hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.option);
     }
-};
+    return hash;
+}
 
 } // namespace
 
-std::vector<std::pair<KeyOption, KeyOption>> conflictPairs(const UIConstraints& constraints,
-                                                           const KVCache& selections) {
-    std::vector<std::pair<KeyOption, KeyOption>> pairs;
-    std::unordered_set<ConflictKey, ConflictHash> known;
-    ConstraintsEngine engine(&selections, constraints.GetConstraintForest(), constraints.GetKeyForest(),
-                             nullptr);
+bool ConflictPairSet::Insert(const ConflictPair& pair) {
+    const std::uint64_t hash = hashOf(pair);
+    if (Find(pair, hash) != PositionTable::none) {
+        return false;
+    }
+    if (index.Full()) {
+        index.Grow([this](std::uint32_t at) { return hashOf(pairs[at]); });
+    }
+    index.Add(hash, static_cast<std::uint32_t>(pairs.size()));
+    pairs.push_back(pair);
+    return true;
+}
+
+bool ConflictPairSet::Contains(const ConflictPair& pair) const {
+    return Find(pair, hashOf(pair)) != PositionTable::none;
+}
+
+std::uint32_t ConflictPairSet::Find(const ConflictPair& pair, std::uint64_t hash) const {
+    return index.Find(hash, [&](std::uint32_t at) { return pairs[at] == pair; });
+}
+
+bool visitConflictPairs(ConstraintsEngine& engine, const KVCache& selections,
+                        const std::function<bool(const ConflictPair&)>& visit) {
+    ConflictPairSet known;
     for (const KeyOption& selected : selections.Pairs()) {
-        if (!engine.HasConflict(selected)) {
-            continue;
-        }
-        KVCache change;
-        change.add(selected);
-        const ConstraintsEngine::Answer answer = engine.Test(change);
-        for (const KeyOption& other : answer.conflicts.Pairs()) {
-            if (known.insert(conflictKey(selected, other)).second) {
-                pairs.emplace_back(selected, other);
+        for (const KeyOption& other : engine.ConflictsOf(selected)) {
+            const ConflictPair pair{selected, other};
+            if (known.Insert(unordered(pair)) && !visit(pair)) {
+                return false;
             }
         }
     }
+    return true;
+}
+
+std::vector<ConflictPair> conflictPairs(const UIConstraints& constraints, const KVCache& selections) {
+    std::vector<ConflictPair> pairs;
+    ConstraintsEngine engine(&selections, constraints.GetConstraintForest(), constraints.GetKeyForest(),
+                             nullptr);
+    visitConflictPairs(engine, selections, [&pairs](const ConflictPair& pair) {
+        pairs.push_back(pair);
+        return true;
+    });
     return pairs;
 }
 

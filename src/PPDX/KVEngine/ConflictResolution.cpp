@@ -11,7 +11,8 @@
 namespace torka {
 namespace {
 
-constexpr std::uint64_t maximumWork = std::uint64_t{1} << 22U; // of one search: well below a second
+constexpr std::uint64_t maximumWork = std::uint64_t{1} << 22U; // pairs and lines: well below half a second
+constexpr std::uint64_t workOfPair = 4; // to tell a conflict from those seen before takes longer than a line
 constexpr int maximumRounds = 64;
 
 KVCache lockedPairs(const KVCache& selections, const ResolutionRules& rules) {
@@ -34,35 +35,6 @@ bool keepsFirst(const KeyOption& first, const KeyOption& second, const KVCache& 
     return rules.prefersFirst(first, second);
 }
 
-// Conflicts of these selections; with a wanted change only those that the present ones lack.
-std::vector<std::pair<KeyOption, KeyOption>>
-pairsToResolve(const UIConstraints& constraints, const KVCache& selections, const KeyOption* wanted) {
-    auto pairs = conflictPairs(constraints, selections);
-    if (wanted != nullptr) {
-        const auto known = conflictPairs(constraints, *constraints.GetCurrentSelections());
-        std::erase_if(pairs, [&](const auto& pair) { return std::ranges::find(known, pair) != known.end(); });
-    }
-    return pairs;
-}
-
-void leaveOutNeedless(const UIConstraints& constraints, KVCache& changes, const KeyOption* wanted) {
-    const KVCache& now = *constraints.GetCurrentSelections();
-    for (std::size_t i = changes.size(); i-- > 0;) {
-        const KeyOption change = changes.GetKV(i);
-        const std::int64_t before = now.GetItem(change.key);
-        if (before == change.option || (wanted != nullptr && change.key == wanted->key)) {
-            continue;
-        }
-        KVCache without = changes;
-        without.Insert(change.key, before);
-        KVCache then = now;
-        then.merge(without);
-        if (pairsToResolve(constraints, then, wanted).empty()) {
-            changes = std::move(without);
-        }
-    }
-}
-
 std::vector<KeyOption> changedPairs(const KVCache& changes, const KVCache& now) {
     std::vector<KeyOption> changed;
     for (const KeyOption& change : changes.Pairs()) {
@@ -73,27 +45,99 @@ std::vector<KeyOption> changedPairs(const KVCache& changes, const KVCache& now) 
     return changed;
 }
 
-} // namespace
+// One search, with a limit for all its steps together: most of its time goes into looking for conflicts.
+class Resolver {
+public:
+    Resolver(const UIConstraints& store, const ResolutionRules& theRules, const KeyOption* wantedChange)
+        : constraints(store)
+        , rules(theRules)
+        , now(*store.GetCurrentSelections())
+        , wanted(wantedChange)
+        , locked(lockedPairs(now, theRules)) {
+        if (wanted != nullptr) {
+            Visit(now, [this](const ConflictPair& pair) {
+                known.Insert(pair);
+                return true;
+            });
+        }
+    }
 
-std::optional<std::vector<KeyOption>> findResolution(const UIConstraints& constraints,
-                                                     const ResolutionRules& rules, const KeyOption* wanted) {
-    const KVCache& now = *constraints.GetCurrentSelections();
-    const KVCache locked = lockedPairs(now, rules);
+    std::optional<std::vector<KeyOption>> Find();
+
+private:
+    bool IsExhausted() const { return work > maximumWork; }
+    void Visit(const KVCache& selections, const std::function<bool(const ConflictPair&)>& visit);
+    std::optional<ConflictPair> FirstConflict(const KVCache& selections);
+    void LeaveOutNeedless(KVCache& changes);
+
+    const UIConstraints& constraints;
+    const ResolutionRules& rules;
+    const KVCache& now;
+    const KeyOption* wanted;
+    KVCache locked;
+    ConflictPairSet known; // those of the present selections may stay when a change is wanted
+    std::uint64_t work = 0;
+};
+
+void Resolver::Visit(const KVCache& selections, const std::function<bool(const ConflictPair&)>& visit) {
+    ConstraintsEngine engine(&selections, constraints.GetConstraintForest(), constraints.GetKeyForest(),
+                             nullptr);
+    const std::uint64_t before = work + selections.size();
+    std::uint64_t pairs = 0;
+    visitConflictPairs(engine, selections, [&](const ConflictPair& pair) {
+        work = before + engine.WorkDone() + workOfPair * ++pairs;
+        return visit(pair) && !IsExhausted();
+    });
+    work = before + engine.WorkDone() + workOfPair * pairs;
+}
+
+// Returns the first conflict that the change must not leave.
+std::optional<ConflictPair> Resolver::FirstConflict(const KVCache& selections) {
+    std::optional<ConflictPair> first;
+    Visit(selections, [&](const ConflictPair& pair) {
+        if (!known.Contains(pair)) {
+            first = pair;
+        }
+        return !first;
+    });
+    return first;
+}
+
+void Resolver::LeaveOutNeedless(KVCache& changes) {
+    for (std::size_t i = changes.size(); i-- > 0 && !IsExhausted();) {
+        const KeyOption change = changes.GetKV(i);
+        const std::int64_t before = now.GetItem(change.key);
+        if (before == change.option || (wanted != nullptr && change.key == wanted->key)) {
+            continue;
+        }
+        KVCache without = changes;
+        without.Insert(change.key, before);
+        KVCache then = now;
+        then.merge(without);
+        if (!FirstConflict(then) && !IsExhausted()) {
+            changes = std::move(without);
+        }
+    }
+}
+
+std::optional<std::vector<KeyOption>> Resolver::Find() {
     KVCache trial = now;
     ConstraintsEngine engine(&trial, constraints.GetConstraintForest(), constraints.GetKeyForest(), &locked);
-    engine.LimitWork(maximumWork);
     KVCache changes;
     if (wanted != nullptr) {
         changes.Insert(wanted->key, wanted->option);
         trial.merge(changes);
     }
     for (int round = 0; round < maximumRounds; ++round) {
-        const auto pairs = pairsToResolve(constraints, trial, wanted);
-        if (pairs.empty()) {
-            leaveOutNeedless(constraints, changes, wanted);
+        const std::optional<ConflictPair> conflict = FirstConflict(trial);
+        if (IsExhausted()) {
+            break;
+        }
+        if (!conflict) {
+            LeaveOutNeedless(changes);
             return changedPairs(changes, now);
         }
-        std::pair<KeyOption, KeyOption> sides = pairs.front();
+        ConflictPair sides = *conflict;
         if (!keepsFirst(sides.first, sides.second, locked, rules)) {
             std::swap(sides.first, sides.second);
         }
@@ -101,9 +145,12 @@ std::optional<std::vector<KeyOption>> findResolution(const UIConstraints& constr
         for (const KeyOption& kept : {sides.first, sides.second}) {
             KVCache attempt = changes;
             attempt.Insert(kept.key, kept.option);
-            if (engine.Solve(attempt, true).conflicts.size() == 0) {
+            engine.LimitWork(maximumWork - std::min(work, maximumWork));
+            const std::uint64_t before = engine.WorkDone();
+            solved = engine.Solve(attempt, true).conflicts.size() == 0;
+            work += engine.WorkDone() - before;
+            if (solved) {
                 changes = std::move(attempt);
-                solved = true;
                 break;
             }
         }
@@ -113,6 +160,13 @@ std::optional<std::vector<KeyOption>> findResolution(const UIConstraints& constr
         trial.merge(changes);
     }
     return std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::vector<KeyOption>> findResolution(const UIConstraints& constraints,
+                                                     const ResolutionRules& rules, const KeyOption* wanted) {
+    return Resolver(constraints, rules, wanted).Find();
 }
 
 } // namespace torka

@@ -67,6 +67,19 @@ ConstraintsEngine::Answer ConstraintsEngine::Test(const KVCache& changeSet) {
     return answer;
 }
 
+std::vector<KeyOption> ConstraintsEngine::ConflictsOf(const KeyOption& change) {
+    std::vector<KeyOption> conflicts;
+    const SelectionView view(orEmpty(current), change);
+    if (change.key >= 0 && ConflictsWith(change, view)) {
+        VisitConflicts(change, view, [&](const KeyOption& hit) {
+            conflicts.push_back(hit);
+            ++work;
+            return conflicts.size() < maximumAnswers;
+        });
+    }
+    return conflicts;
+}
+
 bool ConstraintsEngine::HasConflict(const KVCache& changeSet) {
     const SelectionView view(orEmpty(current), &changeSet);
     const auto changes = changeSet.Pairs();
@@ -267,6 +280,13 @@ void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& 
         return answer.conflicts.size() < maximumAnswers && !IsExhausted();
     };
 
+    VisitConflicts(changed, view, found);
+}
+
+// Calls visit for every selected pair that the changed one constrains, last lines first, until it returns
+// false. REQUIRES: the key has a tree.
+template <typename Visit>
+void ConstraintsEngine::VisitConflicts(const KeyOption& changed, const SelectionView& view, Visit visit) {
     const KeyConstraintTree& tree = *TreeOf(changed.key);
     const auto options = changed.option == -1 ? tree.ActiveOptions() : std::vector{changed.option};
     for (auto option = options.rbegin(); option != options.rend(); ++option) {
@@ -274,7 +294,7 @@ void ConstraintsEngine::TestPair(const KeyOption& changed, const SelectionView& 
         tree.CollectRuns(*option, runs);
         work += runs.size();
         for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
-            if (!view.ForEachBackwards(*run, found)) {
+            if (!view.ForEachBackwards(*run, visit)) {
                 return;
             }
         }
@@ -331,7 +351,7 @@ void ConstraintsEngine::purge() {
     visited.clear();
     overflowed = false;
     depth = 0;
-    workDone = std::exchange(work, 0);
+    workDone += std::exchange(work, 0);
 }
 
 } // namespace torka

@@ -43,6 +43,8 @@ public:
 
     // Returns the conflicts of the change set once it is selected.
     Answer Test(const KVCache& changeSet);
+    // Returns the conflicts of Test for a change set of this pair alone.
+    std::vector<KeyOption> ConflictsOf(const KeyOption& change);
     // Tells whether Test would find a conflict.
     bool HasConflict(const KVCache& changeSet);
     // Does the same for a change set of this pair alone. A negative key means an empty change set.
@@ -58,6 +60,8 @@ public:
     Answer Solve(KVCache& changeSet, bool keepChanged);
     // Sets the maximum of pairs and lines that a search may visit. An intermediate answer is cut there too.
     void LimitWork(std::uint64_t pairs) { workLimit = pairs; }
+    // Returns the number of pairs, lines and states that all calls so far have visited.
+    std::uint64_t WorkDone() const { return workDone + work; }
 
     // Given interface; no caller here
     // Returns the options of key that constrain something selected now.
@@ -72,6 +76,8 @@ private:
     bool IsExhausted() const { return depth > 0 && work > workLimit; }
     bool ConflictsWith(const KeyOption& changed, const SelectionView& view);
     void TestPair(const KeyOption& changed, const SelectionView& view, Answer& answer);
+    template <typename Visit>
+    void VisitConflicts(const KeyOption& changed, const SelectionView& view, Visit visit);
     bool GathersExactly(const KeyOption& constraining, const KVCache& selections, const SelectionView& view);
     const std::vector<ConstraintRun>& RunsOf(const KeyOption& constraining);
     void purge();
@@ -87,7 +93,7 @@ private:
 
     std::uint64_t workLimit = maximumWork;
     std::uint64_t work = 0;          // pairs, lines and states visited since the last purge
-    std::uint64_t workDone = 0;      // at the last purge
+    std::uint64_t workDone = 0;      // before it
     std::vector<ConstraintRun> runs; // kept between calls only for its capacity
     std::size_t lastConflict = 0;    // index in the change set of the last conflict
 };
