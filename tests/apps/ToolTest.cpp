@@ -72,13 +72,13 @@ TEST(Tool, SpeaksThePersonsLanguage) {
          std::vector<std::tuple<const char*, Arguments, std::string>>{
              {"de_DE.UTF-8",
               {"ticket", "/none"},
-              "/none: kann nicht gelesen werden: Datei oder Ordner nicht gefunden"},
+              "/none: kann nicht geöffnet werden: Datei oder Ordner nicht gefunden"},
              {"fr_FR.UTF-8",
               {"print", "-d", "q", "-o", "x=1", file},
               "«\u00a0x=1\u00a0» n’est pas une option admise"},
              {"ja_JP.UTF-8", {"queue", "list"}, "プリントサーバー（127.0.0.1:1）に接続できません"},
-             {"zh_CN.UTF-8", {"check", sample, "No%1=x"}, "描述文件中没有选项 No%1"},
-             {"C", {"ticket", "/none"}, "/none: cannot be read: No such file or directory"}}) {
+             {"zh_CN.UTF-8", {"check", sample, "No%1=x"}, "描述文件中没有选项 *No%1"},
+             {"C", {"ticket", "/none"}, "/none: cannot be opened: No such file or directory"}}) {
         EXPECT_THAT(in(locale, arguments).errors, StartsWith("torka: " + message));
     }
     for (const Arguments& arguments : {Arguments{"lint", "--format=gcc", samplePath("torka-defects.ppd")},
