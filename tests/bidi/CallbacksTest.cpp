@@ -2,6 +2,7 @@
 #include "bidi/commands/CommandJob.h"
 #include "bidi/module/JobPropertiesCallbacks.h"
 #include "bidi/records/CPPDMsgHdlr.h"
+#include "platform/TextEncoding.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/bidi/JobPropertiesFixture.h"
@@ -13,6 +14,8 @@
 namespace torka {
 namespace {
 
+using ::testing::AllOf;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 class Callbacks : public tests::JobPropertiesTest {
@@ -31,80 +34,146 @@ protected:
             ASSERT_EQ(module.Callback<SDMFreeProc>(SDM_SLOT_FREE)(&block), SDM_SUCCESS);
         }
     }
+    static std::string Shown(const wchar_t* text) { return text ? utf8FromWide(text) : "-"; }
     // What a callback returned, as text. Frees it as a module does.
-    std::wstring Taken(wchar_t* text) const {
-        const std::wstring copy = text;
+    std::string Taken(wchar_t* text) const {
+        const std::string copy = Shown(text);
         Free(text);
         return copy;
     }
-    std::wstring Taken(SDMKeyValueList* list) const {
-        std::wstring text;
+    std::string Taken(SDMKeyValueList* list) const {
+        std::string text;
         for (std::size_t i = 0; list && i < list->count; ++i) {
-            text += std::wstring(list->items[i].szKey) + L"=" + list->items[i].szValue + L",";
-            Free(list->items[i].szKey);
-            Free(list->items[i].szValue);
+            text += Taken(list->items[i].szKey) + "=" + Taken(list->items[i].szValue) + ";";
         }
         Free(list ? list->items : nullptr);
         Free(list);
-        return list ? text : L"-";
+        return list ? text : "-";
     }
-    std::wstring Taken(SDMTrayInfoArray* trays) const {
-        const SDMTrayInfo tray = trays->items[0];
-        const std::wstring text =
-            (tray.mediaName ? L"?" : L"-") + std::wstring(tray.mediaSize) + std::to_wstring(tray.capacity);
-        moduleMemory(nullptr).FreeTrays(trays);
+    std::string Taken(SDMTrayInfoArray* trays) const {
+        std::string text;
+        for (const SDMTrayInfo& tray : std::span(trays->items, trays->count)) {
+            for (const wchar_t* field :
+                 {tray.name, tray.key, tray.mediaName, tray.mediaSize, tray.mediaType, tray.mediaColor}) {
+                text += Shown(field) + ",";
+            }
+            text += std::to_string(tray.level) + "," + std::to_string(tray.capacity) + ";";
+        }
+        memory().FreeTrays(trays);
         return text;
     }
-    std::wstring Taken(SDMTonerInfoArray* toners) const {
-        const SDMTonerInfo toner = toners->items[0];
-        const std::wstring text = std::to_wstring(toner.level) + toner.color + std::to_wstring(toner.kind);
-        moduleMemory(nullptr).FreeToners(toners);
+    std::string Taken(SDMTonerInfoArray* toners) const {
+        std::string text;
+        for (const SDMTonerInfo& toner : std::span(toners->items, toners->count)) {
+            text += Shown(toner.name) + "," + Shown(toner.color);
+            for (const int number :
+                 {toner.level, toner.lowLevel, toner.highLevel, toner.capacity, toner.kind}) {
+                text += "," + std::to_string(number);
+            }
+            text += ";";
+        }
+        memory().FreeToners(toners);
         return text;
     }
+    ModuleMemory memory() const { return isTwoWay ? moduleMemory(nullptr) : ModuleMemory(); }
     // The answer of a callback with one result; "none" when nothing is available.
-    template <typename Out, typename Ask>
-    std::wstring Answer(const Ask& ask) {
+    template <typename Out, typename Call>
+    std::string Answer(const Call& ask) {
         Out wrong{};
         Out* out = &wrong;
         EXPECT_EQ(ask(nullptr), SDM_NOT_AVAILABLE);
         if (ask(&out) != SDM_SUCCESS) {
             EXPECT_EQ(out, nullptr);
-            return L"none";
+            return "none";
         }
         return Taken(out);
     }
     template <typename Out>
-    std::wstring Answer(SDMRESULT (*callback)(SDMHANDLE, Out**)) {
+    std::string Answer(SDMRESULT (*callback)(SDMHANDLE, Out**)) {
         return Answer<Out>([&](Out** out) { return callback(&server, out); });
     }
-    std::wstring Names() {
+    std::string Names() {
         wchar_t** names = nullptr;
         int32_t count = 7;
         const auto callback = module.Callback<SDMGetNamesProc>(SDM_SLOT_GET_SERVER_PRESET_NAMES_LIST);
         if (callback(&server, &names, &count) != SDM_SUCCESS) {
-            return count == 0 && !names ? L"none" : L"out-parameter";
+            return count == 0 && !names ? "none" : "out-parameter";
         }
-        const std::wstring last = names[count - 1];
-        moduleMemory(nullptr).FreeNames(names, static_cast<std::size_t>(count));
-        return last;
+        std::string text = std::to_string(count) + ":";
+        for (const wchar_t* name : std::span(names, static_cast<std::size_t>(count))) {
+            text += Shown(name) + ";";
+        }
+        memory().FreeNames(names, static_cast<std::size_t>(count));
+        return text;
     }
-    std::wstring Preset(const wchar_t* name) {
+    std::string Preset(const wchar_t* name) {
         SDMKeyValueList* lists[3] = {};
         const auto callback = module.Callback<SDMGetPresetProc>(SDM_SLOT_GET_SERVER_PRESET_DATA_BY_NAME);
         EXPECT_EQ(callback(&server, name, &lists[0], nullptr, &lists[2]), SDM_NOT_AVAILABLE);
-        return callback(&server, name, &lists[0], &lists[1], &lists[2]) == SDM_SUCCESS
-                   ? Taken(lists[0]) + L"|" + Taken(lists[1]) + L"|" + Taken(lists[2])
-                   : L"none";
+        if (callback(&server, name, &lists[0], &lists[1], &lists[2]) != SDM_SUCCESS) {
+            return lists[0] || lists[1] || lists[2] ? "out-parameter" : "none";
+        }
+        return Taken(lists[0]) + "|" + Taken(lists[1]) + "|" + Taken(lists[2]);
     }
-    std::wstring Queue() {
+    std::string Queue() {
         SDMKeyValueList* lists[2] = {};
         const auto callback = module.Callback<SDMGetTwoListsProc>(SDM_SLOT_GET_HOLD_QUEUE_ATTRIBUTES);
         return callback(&server, &lists[0], &lists[1]) == SDM_SUCCESS
-                   ? Taken(lists[0]) + L"|" + Taken(lists[1])
-                   : L"none";
+                   ? Taken(lists[0]) + "|" + Taken(lists[1])
+                   : "none";
     }
 
-    int server = 0; // its address serves as the module's handle
+    // Asks by a callback.
+    using Ask = std::function<std::string()>;
+    Ask List(int slot) {
+        return [this, slot] { return Answer(module.Callback<SDMGetListProc>(slot)); };
+    }
+    template <typename Call>
+    Ask Text(Call call) {
+        return [this, call] { return Answer<wchar_t>(call); };
+    }
+    Ask Value(const wchar_t* key) {
+        return Text([this, key](wchar_t** out) {
+            return module.Callback<SDMGetServerValueProc>(SDM_SLOT_GET_SERVER_VALUE_FROM_DICT)(&server, 0,
+                                                                                               out, key);
+        });
+    }
+    Ask Info(int item) {
+        return Text([this, item](wchar_t** out) { return sdmFuncPtrGetServerInfo(&server, item, out); });
+    }
+    Ask Feature(const wchar_t* name) {
+        return Text(
+            [this, name](wchar_t** out) { return sdmFuncPtrGetServerFeatureValue(&server, name, out); });
+    }
+    const Ask askTrays = [this] {
+        return Answer(module.Callback<SDMGetTrayInfoProc>(SDM_SLOT_GET_TRAY_INFO));
+    };
+    const Ask askToners = [this] {
+        return Answer(module.Callback<SDMGetTonerInfoProc>(SDM_SLOT_GET_TONER_INFO));
+    };
+    const Ask askNames = [this] { return Names(); };
+    Ask PresetNamed(const wchar_t* name) {
+        return [this, name] { return Preset(name); };
+    }
+    // The answer for a record with this text alone.
+    std::string Asked(const Ask& ask, const char* name, std::wstring_view text) {
+        host.data.clear();
+        host.Put(name, text);
+        return ask();
+    }
+
+    const std::wstring tonerText =
+        L"2\nCyan@55@10@#00ffff@90@20000@1\nWaste@-3@0@NULL@2147483647@-2147483648@3\n";
+    const std::wstring trayText = L"2\nTray 1@Tray1@Letterhead@A4@Plain@White@420@550\n"
+                                  L"Bypass@EMPTY@N/A@0@@\x7D19@-1@N/A\n";
+    const std::wstring presetText =
+        L"Brochure\nJPKeyValues=2\nDuplex=True\nNotes1=a=b\nTesselKeyValues=0\n"
+        L"PresetKeyValues=1\nPresetName=EFBBBFx EFBBBF\n"
+        L"Proof\nJPKeyValues=1\nCopies=\nTesselKeyValues=1\nA=EFBBBE\nPresetKeyValues=0\n";
+    const std::wstring infoText =
+        L"Alpha:ServerName\n7.0:ServerVersion\n64:MemSize:x\n:PSSupport\nPCLSupport\n";
+    bool isTwoWay = true; // of the table
+    int server = 0;       // its address serves as the module's handle
 };
 
 TEST_F(Callbacks, TheTableInBothStates) {
@@ -122,105 +191,165 @@ TEST_F(Callbacks, TheTableInBothStates) {
               (std::set<int>{4, 6, 8, 9, 10, 12, 13, 14, 15, 19, 26, 41, 45, 51, 54, 56, 57, 62, 63}));
 }
 
-// Every callback that reads a record, in each state of two-way communication that has it.
+// Every callback that reads a record, in each state of two-way communication that has it. A callback that
+// finds nothing leaves no block, whichever allocation fails.
 TEST_F(Callbacks, AnswersFromTheirRecords) {
-    const auto list = [this](int slot) {
-        return [this, slot] { return Answer(module.Callback<SDMGetListProc>(slot)); };
-    };
-    const auto text = [this](auto ask) { return [this, ask] { return Answer<wchar_t>(ask); }; };
-    const auto value = [&](const wchar_t* key) {
-        return text([this, key](wchar_t** out) {
-            return module.Callback<SDMGetServerValueProc>(SDM_SLOT_GET_SERVER_VALUE_FROM_DICT)(&server, 0,
-                                                                                               out, key);
-        });
-    };
-    const auto preset = [this](const wchar_t* name) { return [this, name] { return Preset(name); }; };
-    const auto info = [&](int item) {
-        return text([this, item](wchar_t** out) { return sdmFuncPtrGetServerInfo(&server, item, out); });
-    };
-    const auto feature = [&](const wchar_t* name) {
-        return text(
-            [this, name](wchar_t** out) { return sdmFuncPtrGetServerFeatureValue(&server, name, out); });
-    };
     struct Case {
-        std::function<std::wstring()> ask;
+        Ask ask;
         const char* record;
         std::wstring content;
-        std::wstring answer;
+        std::string answer;
         bool also = false; // whether two-way communication that is off has it, too
     };
-    const std::wstring information = L"Alpha:ServerName\n7.0:ServerVersion\n";
-    const std::wstring presets = L"Brochure\nJPKeyValues=1\nA=1\nTesselKeyValues=0\nPresetKeyValues=1\nB=2\n";
     const std::vector<Case> cases = {
-        {list(SDM_SLOT_GET_PPD_DEFAULTS), "PpdDefaults", L"A=1\nB=EMPTYSTRING\n", L"A=1,B=,"},
-        {list(SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS), "HueKeeper", L"A=1\n", L"A=1,"},
-        {list(SDM_SLOT_GET_LOCL_HELP_STRINGS), "CDIHelpStrings", L"A=Help\n", L"A=Help,"},
-        {list(SDM_SLOT_GET_ALL_DEVICE_LINK_PROFILES), "DeviceLinkProfilesList", L"P=Q\n", L"P=Q,"},
-        {list(SDM_SLOT_GET_SERVER_INFO_ALL), "ServerInfo", information,
-         L"ServerName=Alpha,ServerVersion=7.0,", true},
-        {list(SDM_SLOT_GET_SERVER_FEATURES_ALL), "ServerFeatureSupport", L"F=1\n", L"F=1,", true},
-        {list(SDM_SLOT_GET_COLOR_KEYS_FACTORY_DEFAULTS), "ColorDefaultList", L"C=0\n", L"C=0,", true},
-        {[this] { return Queue(); }, "QueuePropList", L"Q=1\n", L"Q=1,|-", true},
+        {List(SDM_SLOT_GET_PPD_DEFAULTS), "PpdDefaults", L"K=v\nL=EMPTYSTRING\nM=", "K=v;L=;M=;"},
+        {List(SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS), "HueKeeper", L"K=v\nL=EMPTYSTRING\n\nK==\n",
+         "K=v;L=EMPTYSTRING;K==;"},
+        {List(SDM_SLOT_GET_LOCL_HELP_STRINGS), "CDIHelpStrings", L"A=Both sides\n", "A=Both sides;"},
+        {List(SDM_SLOT_GET_ALL_DEVICE_LINK_PROFILES), "DeviceLinkProfilesList", L"P=Q\n", "P=Q;"},
+        {List(SDM_SLOT_GET_SERVER_INFO_ALL), "ServerInfo", L"Alpha:ServerName\n7:1:ServerVersion",
+         "ServerName=Alpha;1:ServerVersion=7;", true},
+        {List(SDM_SLOT_GET_SERVER_FEATURES_ALL), "ServerFeatureSupport", L"F=1\n", "F=1;", true},
+        {List(SDM_SLOT_GET_COLOR_KEYS_FACTORY_DEFAULTS), "ColorDefaultList", L"C=0\n", "C=0;", true},
+        {[this] { return Queue(); }, "QueuePropList", L"Q=EMPTYSTRING\n", "Q=;|-", true},
         {[this] { return Answer(module.Callback<SDMGetTextProc>(SDM_SLOT_GET_SERVER_DATA)); }, "BidiData",
-         L"<SMDData/>", L"<SMDData/>"},
-        {[this] { return Answer(module.Callback<SDMGetTrayInfoProc>(SDM_SLOT_GET_TRAY_INFO)); }, "TrayInfo",
-         L"1\nTray 1@Tray1@EMPTY@A4@Plain@White@120@500\n", L"-A4500"},
-        {[this] { return Answer(module.Callback<SDMGetTonerInfoProc>(SDM_SLOT_GET_TONER_INFO)); },
-         "TonerInfo", L"1\nCyan@40@10@#00ffff@100@5000@1\n", L"40#00ffff1"},
-        {[this] { return Names(); }, "PresetsList", L"2\nBrochure\nPoster\n", L"Poster"},
-        {preset(L"Brochure"), "PresetsData", presets, L"A=1,||B=2,"},
-        {preset(L"Poster"), "PresetsData", presets, L"none"},
-        {value(L"Depth"), "ServerValFrmDict", L"12:Depth\n", L"12"},
-        {value(L"Width"), "ServerValFrmDict", L"12:Depth\n", L"none"},
-        {value(nullptr), "ServerValFrmDict", L"12:Depth\n", L"none"},
-        {value(L"SPD_MAPPING_ENABLE"), "ServerValFrmDictspdmapen", L"yes", L"yes"},
-        {value(L"QF1_NO_RECORD"), "ServerValFrmDictqfnorec", L"no", L"no"},
-        {info(JPSERVERINFO_SERVER_VERSION), "ServerInfo", information, L"7.0", true},
-        {info(2), "ServerInfo", information, L"none", true},
-        {info(17), "ServerInfo", information, L"none", true},
-        {info(-1), "ServerInfo", information, L"none", true},
-        {feature(L"Trim"), "ServerFeatureSupport", L"Fold=1\nTrim=0\n", L"0", true},
+         L"<SMDData/>", "<SMDData/>"},
+        {askTrays, "TrayInfo", trayText,
+         "Tray 1,Tray1,Letterhead,A4,Plain,White,420,550;Bypass,-,-,-,,\xE7\xB4\x99,-1,-1;"},
+        {askTrays, "TrayInfo", L"0\n", ""},
+        {askToners, "TonerInfo", tonerText,
+         "Cyan,#00ffff,55,10,90,20000,1;Waste,-,-3,0,2147483647,-2147483648,3;"},
+        {askNames, "PresetsList", L"2\nAlpha\nBeta", "2:Alpha;Beta;"},
+        {askNames, "PresetsList", L"0\n", "0:"},
+        {PresetNamed(L""), "PresetsData", presetText,
+         "Duplex=True;Notes1=a=b;||PresetName=\xEF\xBB\xBFx \xEF\xBB\xBF;"},
+        {PresetNamed(L"Proof"), "PresetsData", presetText, "Copies=;|A=EFBBBE;|"},
+        {Value(L"Depth"), "ServerValFrmDict", L"12:Depth\n", "12"},
+        {Value(L"SPD_MAPPING_ENABLE"), "ServerValFrmDictspdmapen", L"yes", "yes"},
+        {Value(L"QF1_NO_RECORD"), "ServerValFrmDictqfnorec", L"no", "no"},
+        {Info(JPSERVERINFO_SERVER_NAME), "ServerInfo", infoText, "Alpha", true},
+        {Info(JPSERVERINFO_SERVER_VERSION), "ServerInfo", infoText, "7.0", true},
+        {Info(JPSERVERINFO_MEM_SIZE), "ServerInfo", infoText, "64", true},
+        {Feature(L"Trim"), "ServerFeatureSupport", L"Fold=1\nTrim=0\n", "0", true},
     };
     for (const bool twoWay : {true, false}) {
-        Load(twoWay);
+        Load(isTwoWay = twoWay);
         for (const Case& entry : cases) {
             if (!twoWay && !entry.also) {
                 continue;
             }
             SCOPED_TRACE(entry.record);
             host.data.clear();
-            EXPECT_EQ(entry.ask(), L"none");
-            host.Put(entry.record, L"");
-            EXPECT_EQ(entry.ask(), L"none");
-            host.data.clear();
-            host.Put(entry.record, entry.content);
-            EXPECT_EQ(entry.ask(), entry.answer);
-            module.hasMemory = false; // concerns only two-way communication; else malloc is used
-            EXPECT_EQ(entry.ask(), twoWay ? L"none" : entry.answer);
-            module.hasMemory = true;
+            EXPECT_EQ(entry.ask(), "none");
+            EXPECT_EQ(Asked(entry.ask, entry.record, L""), "none");
+            EXPECT_EQ(Asked(entry.ask, entry.record, entry.content), entry.answer);
+            module.allocationsLeft = twoWay ? 0 : SIZE_MAX; // without two-way communication malloc is used
+            std::string got = entry.ask();
+            EXPECT_TRUE(got == entry.answer || twoWay) << got;
+            for (std::size_t allowed = 1; got == "none" && allowed < 100; ++allowed) {
+                module.allocationsLeft = allowed;
+                got = entry.ask();
+                EXPECT_TRUE(module.blocks.empty()) << allowed;
+            }
+            EXPECT_EQ(got, entry.answer);
+            module.allocationsLeft = SIZE_MAX;
+            for (const wchar_t unit : {L'\0', L'\xD834', L'\xDFFF', wchar_t{0x110000}, wchar_t{-1}}) {
+                EXPECT_EQ(Asked(entry.ask, entry.record, entry.content + unit), "none");
+            }
+            EXPECT_TRUE(module.blocks.empty());
         }
     }
-    Load(true);
+    Load(isTwoWay = true);
+    host.data.clear();
     host.Put("QueuePropList", L"Q=1\n");
     host.Put("ListLockedKeys", L"L=1\n");
-    EXPECT_EQ(Queue(), L"Q=1,|L=1,");
-    host.Put("ServerFeatureSupport", L"Fold=1\nTrim=0\n");
-    for (const auto& [name, result, isSupported] : std::vector<std::tuple<const wchar_t*, int, int>>{
-             {L"Fold", SDM_SUCCESS, 1}, {L"Trim", SDM_SUCCESS, 0}, {L"Glue", SDM_NOT_AVAILABLE, 0}}) {
+    EXPECT_EQ(Queue(), "Q=1;|L=1;");
+    for (const auto& [value, result, isSupported] :
+         std::vector<std::tuple<std::wstring, int, int>>{{L"K=1", SDM_SUCCESS, 1},
+                                                         {L"K=TRUE", SDM_SUCCESS, 1},
+                                                         {L"K=yes", SDM_SUCCESS, 1},
+                                                         {L"K=0", SDM_SUCCESS, 0},
+                                                         {L"K=10", SDM_SUCCESS, 0},
+                                                         {L"K=", SDM_SUCCESS, 0},
+                                                         {L"L=1", SDM_NOT_AVAILABLE, 0}}) {
         int32_t supported = 7;
-        EXPECT_EQ(sdmFuncPtrIsServerFeatureSupported(&server, name, &supported), result);
+        host.data.clear();
+        host.Put("ServerFeatureSupport", value);
+        EXPECT_EQ(sdmFuncPtrIsServerFeatureSupported(&server, L"K", &supported), result);
         EXPECT_EQ(supported, isSupported);
     }
     // After an empty toner record, the pane stops asking the server.
     host.data.clear();
     do_not_poll_for_Toner_Info_File = false;
-    EXPECT_EQ(Answer(sdmFuncPtrGetTonerInfo), L"none");
+    EXPECT_EQ(askToners(), "none");
     EXPECT_FALSE(do_not_poll_for_Toner_Info_File);
-    host.Put("TonerInfo", L"");
-    EXPECT_EQ(Answer(sdmFuncPtrGetTonerInfo), L"none");
+    EXPECT_EQ(Asked(askToners, "TonerInfo", L""), "none");
     EXPECT_TRUE(do_not_poll_for_Toner_Info_File);
     setJobPropertiesHost(nullptr);
-    EXPECT_EQ(Answer(sdmFuncPtrGetServerInfoAll), L"none");
+    EXPECT_EQ(Answer(sdmFuncPtrGetServerInfoAll), "none");
+}
+
+TEST_F(Callbacks, CutRecordsAreRefused) {
+    Load(true);
+    for (std::size_t size = 0; size < tonerText.size(); ++size) {
+        EXPECT_EQ(Asked(askToners, "TonerInfo", tonerText.substr(0, size)), "none") << size;
+    }
+    for (std::size_t size = 0; size < trayText.size(); ++size) {
+        EXPECT_EQ(Asked(askTrays, "TrayInfo", trayText.substr(0, size)), "none") << size;
+    }
+    // A record that is cut between two presets is complete.
+    const std::size_t between = presetText.find(L"Proof");
+    for (std::size_t size = 0; size < presetText.size(); ++size) {
+        EXPECT_EQ(Asked(PresetNamed(L""), "PresetsData", presetText.substr(0, size)) == "none",
+                  size != between)
+            << size;
+    }
+}
+
+TEST_F(Callbacks, BadRecordsAreRefused) {
+    Load(true);
+    const auto lines = [](const std::vector<Ask>& asks, const char* name,
+                          const std::vector<std::wstring>& texts) { return std::tuple(asks, name, texts); };
+    const auto cases = {
+        lines({askTrays}, "TrayInfo",
+              {L"1\n" + trayText.substr(2),          // one line too many
+               L"3\n" + trayText.substr(2),          // one line too few
+               L"2147483647\n" + trayText.substr(2), // must not allocate
+               L"4294967298\n" + trayText.substr(2), // 2 in 32 bits
+               L"-1\n", L"\n", L" 1\nTray 1@a@b@c@d@e@1@2\n",
+               L"1\nTray 1@a@b@c@d@e@1\n",     // one field too few
+               L"1\nTray 1@a@b@c@d@e@1@2@3\n", // one field too many
+               L"1\nTray 1@a@b@c@d@e@1@2@\n", L"1\nTray 1@a@b@c@d@e@2147483648@2\n",
+               L"1\nTray 1@a@b@c@d@e@@2\n", L"1\nTray 1@a@b@c@d@e@1.5@2\n"}),
+        lines({askToners}, "TonerInfo",
+              {L"1\nCyan@1@2@NULL@3@4@-2147483649\n", L"1\nCyan@1@2@3@4@5\n", L"1\nCyan@1@2@NULL@3@4@0x5\n"}),
+        lines({askNames}, "PresetsList", {L"3\nAlpha\nBeta\n", L"1\nAlpha\nBeta\n", L"Alpha\n"}),
+        lines({PresetNamed(L"P")}, "PresetsData",
+              {L"Q\nJPKeyValues=0\nTesselKeyValues=0\nPresetKeyValues=0\n", // another preset
+               L"P\nJPKeyValues=1\nTesselKeyValues=0\nPresetKeyValues=0\n",
+               L"P\nJPKeyValues=0\nPresetKeyValues=0\nTesselKeyValues=0\n",
+               L"P\nJPKeyValues=1\n=v\nTesselKeyValues=0\nPresetKeyValues=0\n",
+               L"P\nJPKeyValues=0\nTesselKeyValues=0\nPresetKeyValues=0\nmore\n",
+               L"P\nJPKeyValues=99999999\nTesselKeyValues=0\nPresetKeyValues=0\n"}),
+        lines({List(SDM_SLOT_GET_PPD_DEFAULTS)}, "PpdDefaults", {L"K=v\nno pair\n"}),
+        lines({List(SDM_SLOT_GET_SERVER_INFO_ALL)}, "ServerInfo", {L"Alpha:ServerName\nno key:\n"}),
+        lines({Value(L"Width"), Value(nullptr)}, "ServerValFrmDict", {L"12:Depth\n"}),
+        // Items that select nothing, with an empty value, without a colon; an item that is not there.
+        lines({Info(-1), Info(2), Info(99), Info(JPSERVERINFO_PS_SUPPORT), Info(JPSERVERINFO_PCL_SUPPORT),
+               Info(JPSERVERINFO_SERVER_OS)},
+              "ServerInfo", {infoText}),
+        lines({Info(JPSERVERINFO_SERVER_NAME)}, "ServerInfo",
+              {L"ServerName\nA:ServerName"}), // the first line with the key decides
+        lines({Feature(L"K")}, "ServerFeatureSupport", {L"KK=v\n", L"K=\n"}),
+    };
+    for (const auto& [asks, name, texts] : cases) {
+        for (const Ask& ask : asks) {
+            for (const std::wstring& text : texts) {
+                EXPECT_EQ(Asked(ask, name, text), "none") << utf8FromWide(text);
+                EXPECT_TRUE(module.blocks.empty());
+            }
+        }
+    }
 }
 
 TEST_F(Callbacks, VersionsAreTextAndNoFormat) {
@@ -228,11 +357,8 @@ TEST_F(Callbacks, VersionsAreTextAndNoFormat) {
         Load(twoWay);
         setField(record->driverVersion, "1%% 2%s %n%");
         setField(record->osVersion, "4.5 %d%%");
-        for (const auto& [kind, version] :
-             std::vector<std::pair<int, std::wstring>>{{SDM_VERSION_DRIVER, L"1% 2%s %n%"},
-                                                       {SDM_VERSION_SYSTEM, L"4.5 %d%%"},
-                                                       {2, L""},
-                                                       {-1, L""}}) {
+        for (const auto& [kind, version] : std::vector<std::pair<int, std::string>>{
+                 {SDM_VERSION_DRIVER, "1% 2%s %n%"}, {SDM_VERSION_SYSTEM, "4.5 %d%%"}, {2, ""}, {-1, ""}}) {
             wchar_t* text = nullptr;
             ASSERT_EQ(
                 module.Callback<SDMGetDriverVersionProc>(SDM_SLOT_GET_DRIVER_VERSION)(&server, kind, &text),
@@ -267,18 +393,18 @@ TEST_F(Callbacks, FreeInBothStates) {
 TEST_F(Callbacks, AnEmptyPathOfTheDescriptionIsFilledForTheModule) {
     struct Case {
         std::wstring record;
-        std::wstring given;
+        std::string given;
     };
     Load(true);
     setField(record->ppdCopyPath, "/a & b.ppd");
     for (const Case& each :
          {Case{L"<Configuration locale=\"en\" ppdLocation0=\"\" server=\"s\"/>",
-               L"<Configuration locale=\"en\" ppdLocation0=\"/a &amp; b.ppd\" server=\"s\"/>"},
+               "<Configuration locale=\"en\" ppdLocation0=\"/a &amp; b.ppd\" server=\"s\"/>"},
           {L"<Configuration ppdLocation0=\"/its/own.ppd\"/>",
-           L"<Configuration ppdLocation0=\"/its/own.ppd\"/>"},
-          {L"<Configuration/><Other ppdLocation0=\"\"/>", L"<Configuration/><Other ppdLocation0=\"\"/>"},
-          {L"<Other ppdLocation0=\"\"", L"<Other ppdLocation0=\"\""},
-          {L"<Configuration ppdLocation0=\"\"", L"<Configuration ppdLocation0=\"\""}}) {
+           "<Configuration ppdLocation0=\"/its/own.ppd\"/>"},
+          {L"<Configuration/><Other ppdLocation0=\"\"/>", "<Configuration/><Other ppdLocation0=\"\"/>"},
+          {L"<Other ppdLocation0=\"\"", "<Other ppdLocation0=\"\""},
+          {L"<Configuration ppdLocation0=\"\"", "<Configuration ppdLocation0=\"\""}}) {
         host.data.clear();
         host.Put("BidiData", each.record);
         wchar_t* text = nullptr;
@@ -297,12 +423,8 @@ TEST_F(Callbacks, ServerDataWithoutTwoWayCommunication) {
     setField(record->ppdCopyPath, "/tmp/a.ppd");
     wchar_t* text = nullptr;
     ASSERT_EQ(module.Callback<SDMGetTextProc>(SDM_SLOT_GET_SERVER_DATA)(nullptr, &text), SDM_SUCCESS);
-    const std::wstring xml = Taken(text);
-    EXPECT_THAT(xml,
-                StartsWith(L"<?xml version=\"1.0\" encoding=\"UTF8\"?>\n<SMDData>\n "
-                           L"<Configuration locale=\"ja\" encoding=\"UTF8\" ppdLocation0=\"/tmp/a.ppd\""));
-    EXPECT_NE(xml.find(L"<InstalledOptions key=\"InstalledTray\" value=\"&lt;True&gt;\"/>"),
-              std::wstring::npos);
+    EXPECT_THAT(Taken(text), AllOf(HasSubstr("locale=\"ja\" encoding=\"UTF8\" ppdLocation0=\"/tmp/a.ppd\""),
+                                   HasSubstr("key=\"InstalledTray\" value=\"&lt;True&gt;\"/>")));
     sharedList = nullptr;
     EXPECT_EQ(sdmFuncPtrGetServerDataNonBidi(nullptr, &text), SDM_NOT_AVAILABLE);
     EXPECT_EQ(text, nullptr);
@@ -340,7 +462,7 @@ TEST_F(Callbacks, PresetsOfThisComputer) {
         Load(twoWay);
         wchar_t* text = nullptr;
         ASSERT_EQ(sdmFuncPtrGetLocalPresetsData(&server, &text, 0), SDM_SUCCESS);
-        EXPECT_EQ(Taken(text), L"\xFEFF<Presets/>");
+        EXPECT_EQ(Taken(text), "\xEF\xBB\xBF<Presets/>");
     }
     setDestinationPPD("");
     wchar_t* text = nullptr;

@@ -6,7 +6,6 @@
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka {
 namespace {

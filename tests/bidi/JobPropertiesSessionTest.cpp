@@ -70,9 +70,9 @@ TEST_F(JobPropertiesSession, AcceptedSettingsComeBack) {
     EXPECT_EQ(paperUnit, 8192U);
     EXPECT_FALSE(mInsideOpenUI || mJPLoaded || sessionBegan);
 
-    // A second, cancelled session.
+    // A second, cancelled session. Its data server is asked in vain and ended all the same.
     module.calls.clear();
-    module.edit = [&] { // a data server that was asked in vain is ended, too
+    module.edit = [&] {
         SDMTonerInfoArray* toners = nullptr;
         EXPECT_EQ(module.Callback<SDMGetTonerInfoProc>(SDM_SLOT_GET_TONER_INFO)(&server, &toners),
                   SDM_NOT_AVAILABLE);
@@ -85,20 +85,13 @@ TEST_F(JobPropertiesSession, AcceptedSettingsComeBack) {
     EXPECT_EQ(paperUnit, 4096U);
     EXPECT_THAT(module.calls, ElementsAre("begin", "settings 3", "watermarks", "open", "terminate",
                                           "data server end", "end session", "end"));
-    module.windowResult = -1; // counts as a refused address
-    EXPECT_EQ(mainJP(), 0);
-    EXPECT_EQ(Result(), "2");
-    module.windowResult = 0;
-    module.getResult = 4096; // without settings the record stays as it was
-    EXPECT_EQ(mainJP(), 0);
-    EXPECT_EQ(Result(), "0");
-    EXPECT_EQ(fieldText(record->count), "3");
 }
 
 TEST_F(JobPropertiesSession, ATemplateStandsBehindTheSettings) {
     Fill(false);
     host.templateText = "<Category name=\"UI-Modification\">\n<Controls>\n"
-                        "<ZANPPD key=\"Duplex\" default=\"None\"/>\n</Controls>\n<Lock>\n"
+                        "<ZANPPD key=\"Duplex\" default=\"None\"/>\n<ZANPPD key=\"Duplex\" default=\"2\"/>\n"
+                        "<ZANPPD key=\"Copies\"/>\n<Other key=\"C\" default=\"1\"/>\n</Controls>\n<Lock>\n"
                         "<ZANPPD key=\"Copies\" value=\"True\"/>\n</Lock>\n<Show>\n"
                         "<ZANPPD key=\"Secret\" value=\"False\"/>\n</Show>\n</Category>\n";
     host.title = std::string(254, 't') + "\xC3\xA9";
@@ -110,19 +103,27 @@ TEST_F(JobPropertiesSession, ATemplateStandsBehindTheSettings) {
     EXPECT_THAT(module.veiledKeys, ElementsAre(L"Secret"));
     EXPECT_EQ(module.title, std::string(254, 't')); // 256 bytes, whole characters
     EXPECT_EQ(entryValue(*record, 0), "None");
-    EXPECT_THAT(streams.Errors(), ::testing::Contains("PrintSDMKeyValueList szKey0 =Copies\n"));
 
-    // A template without the section for the user interface leaves the settings unchanged; so does one
-    // without memory.
-    for (const bool hasMemory : {true, false}) {
+    // A template that finds no memory for all its lists, and one that is no template, leave the settings.
+    module.returnsNull = true;
+    const std::string whole = host.templateText;
+    for (std::size_t allowed = 0; std::ranges::count(module.calls, "read-only") == 0 || allowed < 2;
+         ++allowed) {
         module.calls.clear();
-        module.hasMemory = hasMemory;
-        module.returnsNull = true;
-        host.templateText = hasMemory ? "<Category name=\"Other\"></Category>" : host.templateText;
+        module.allocationsLeft = allowed;
+        EXPECT_EQ(mainJP(), 0);
+        EXPECT_TRUE(module.blocks.empty()) << allowed;
+        ASSERT_LT(allowed, 100U);
+    }
+    module.allocationsLeft = SIZE_MAX;
+    for (const std::string& none :
+         {std::string("<Category name=\"Other\"></Category>"), std::string("<Controls>\n</Controls>"),
+          whole.substr(0, whole.size() - 12)}) {
+        module.calls.clear();
+        host.templateText = none;
         EXPECT_EQ(mainJP(), 0);
         EXPECT_THAT(module.calls, ElementsAre("begin", "settings 2", "open", "get settings", "get watermarks",
                                               "end session", "end"));
-        host.templateText = "<Category name=\"UI-Modification\">\n<Controls>\n</Controls>\n</Category>\n";
     }
 }
 

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cups/ppd.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <random>
 #include <sstream>

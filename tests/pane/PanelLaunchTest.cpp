@@ -137,23 +137,26 @@ TEST_F(PanelLaunch, OtherEndsChangeNothing) {
         const char* what;
         std::int32_t windowResult;
         SDMRESULT openResult;
+        SDMRESULT getResult;
         bool twoWay;
         std::vector<std::string> alerts;
         int drawn;
     };
     const std::string invalid = "You have entered an invalid IP Address or DNS Name";
     const Case cases[] = {
-        {"cancelled", 1, 0, true, {}, 1},
-        {"refused address", 2, 0, true, {invalid}, 0},
-        {"refused address, two-way off", 2, 0, false, {}, 1},
-        {"garbage for a result", -77, 0, true, {invalid}, 0},
-        {"a window that could not open", 0, 5, true, {}, 1},
+        {"cancelled", 1, 0, 0, true, {}, 1},
+        {"refused address", 2, 0, 0, true, {invalid}, 0},
+        {"refused address, two-way off", 2, 0, 0, false, {}, 1},
+        {"garbage for a result", -77, 0, 0, true, {invalid}, 0},
+        {"no settings to fetch", 0, 0, 4096, true, {}, 1},
+        {"a window that could not open", 0, 5, 0, true, {}, 1},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.what);
         UseTwoWay(each.twoWay);
         module.windowResult = each.windowResult;
         module.openResult = each.openResult;
+        module.getResult = each.getResult;
         module.edit = [&] { Change(L"QVDuplex", L"Tumble"); };
         alertsShown->shown.clear();
         view.drawn = 0;
@@ -265,9 +268,6 @@ TEST_F(PanelLaunch, AModuleInAWindowOfItsOwnIsWatched) {
     SetTimerCheckForJPReturn();
     panel.reset();
     loop->Run(std::chrono::milliseconds(10));
-    EXPECT_FALSE(gIgnoreButtonEvents);
-    setMainEventLoop(nullptr);
-    SetTimerCheckForJPReturn();
     EXPECT_FALSE(gIgnoreButtonEvents);
 }
 

@@ -49,20 +49,20 @@ SDMRESULT setJobKeyValues(JPHANDLE, const SDMKeyValueList* list) {
     return 0;
 }
 
-SDMRESULT setReadOnlyKeys(JPHANDLE, const SDMKeyValueList* list) {
-    current->calls.emplace_back("read-only");
+SDMRESULT keep(const char* call, std::vector<std::wstring>& keys, const SDMKeyValueList* list) {
+    current->calls.emplace_back(call);
     for (std::size_t i = 0; i < list->count; ++i) {
-        current->readOnlyKeys.emplace_back(list->items[i].szKey);
+        keys.emplace_back(list->items[i].szKey);
     }
     return 0;
 }
 
+SDMRESULT setReadOnlyKeys(JPHANDLE, const SDMKeyValueList* list) {
+    return keep("read-only", current->readOnlyKeys, list);
+}
+
 SDMRESULT setVeiledKeys(JPHANDLE, const SDMKeyValueList* list) {
-    current->calls.emplace_back("veiled");
-    for (std::size_t i = 0; i < list->count; ++i) {
-        current->veiledKeys.emplace_back(list->items[i].szKey);
-    }
-    return 0;
+    return keep("veiled", current->veiledKeys, list);
 }
 
 SDMRESULT setWatermarks(JPHANDLE, const JPWatermarkList* list) {
@@ -114,7 +114,11 @@ SDMRESULT getWatermarks(JPHANDLE, JPWatermarkList** list) {
 }
 
 void* allocMemory(SDMHANDLE, std::size_t size) {
-    return current->hasMemory ? current->Allocate(size) : nullptr;
+    if (current->allocationsLeft == 0) {
+        return nullptr;
+    }
+    --current->allocationsLeft;
+    return current->Allocate(size);
 }
 
 void freeBlock(void* block) {

@@ -36,9 +36,9 @@ public:
     std::int32_t windowResult = 0;
     SDMRESULT getResult = 0;
     SDMRESULT endResult = 0;
-    bool returnsNull = false;   // returns null lists
-    bool hasMemory = true;      // whether SDMAllocMemory succeeds
-    std::function<void()> edit; // called while the window is open
+    bool returnsNull = false;               // returns null lists
+    std::size_t allocationsLeft = SIZE_MAX; // number of times that SDMAllocMemory succeeds
+    std::function<void()> edit;             // called while the window is open
 
     // The module's calls and arguments. A repeated key replaces the value and keeps its position.
     std::vector<std::string> calls;
