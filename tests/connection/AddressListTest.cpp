@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "connection/ZANCorvianPrinterPList.h"
 #include "platform/PropertyList.h"
+#include "tests/support/StringStore.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstring>
 #include <functional>
 #include <initializer_list>
-#include <string>
 #include <variant>
-#include <vector>
 
 namespace torka {
 namespace {
@@ -52,25 +50,13 @@ std::string xmlOf(const CFTypeRef& list) {
     return {bytes.begin(), bytes.end()};
 }
 
-// Keeps its text in memory.
-class TextStore final : public PropertyListStore {
-public:
-    explicit TextStore(std::string text)
-        : xml(std::move(text)) {}
-    std::string Load() override { return xml; }
-    SaveResult Save(std::string_view text) override {
-        xml = text;
-        return {noErr, true};
-    }
-
-private:
-    std::string xml;
-};
-
 class AddressListTest : public ::testing::Test {
 protected:
+    static std::unique_ptr<PropertyListStore> StoreOf(const std::string& text) {
+        return std::make_unique<tests::StringStore>(std::make_shared<std::string>(text));
+    }
     std::unique_ptr<ZANCorvianPrinterPList> Make(const Values& values) {
-        return std::make_unique<ZANCorvianPrinterPList>(std::make_unique<TextStore>(xmlOf(arrayOf(values))));
+        return std::make_unique<ZANCorvianPrinterPList>(StoreOf(xmlOf(arrayOf(values))));
     }
     static void ExpectElements(const ZANCorvianPrinterPList& list, const Values& values) {
         EXPECT_EQ(xmlOf(CFArrayCreate(list.Elements())), xmlOf(arrayOf(values)));
@@ -250,14 +236,14 @@ TEST_F(AddressListTest, AnythingButAnArrayIsNoList) {
     for (const std::string& text :
          {std::string(), std::string("<plist>"), xmlOf(cfString("P")),
           xmlOf(CFDictionaryCreate({{cfString("P"), cfString("a")}})), std::string("\0\xFF", 2)}) {
-        ZANCorvianPrinterPList list(std::make_unique<TextStore>(text));
+        ZANCorvianPrinterPList list(StoreOf(text));
         EXPECT_FALSE(list.Loaded());
         EXPECT_THAT(list.Elements(), IsEmpty());
         EXPECT_EQ(list.Add(cfString("P"), cfString("a"), false), 1);
         EXPECT_TRUE(list.Save());
         EXPECT_FALSE(list.Changed());
     }
-    ZANCorvianPrinterPList list(std::make_unique<TextStore>(""));
+    ZANCorvianPrinterPList list(StoreOf(""));
     list.Add(CFStringCreateWithCharacters(u"\x01"), cfString("a"), false); // XML cannot hold U+0001
     EXPECT_FALSE(list.Save());
     EXPECT_EQ(list.Error(), -108);

@@ -11,41 +11,28 @@ namespace torka {
 namespace {
 
 TEST(ConnectionType, FollowsTheExactSchemeOfTheDeviceUri) {
-    struct Case {
-        const char* uri;
-        bool usb, appleTalk, bonjour, ip, discovered;
-    };
     const auto printer = std::make_shared<MemoryPrinter>();
     const PMPrintSession session = std::make_shared<MemorySession>(printer);
-    for (const Case& entry : {Case{"usb://Torka/Fly?serial=1", true, false, false, false, false},
-                              Case{"pap://office/Torka", false, true, false, false, false},
-                              Case{"mdns://Torka._ipp._tcp.local./", false, false, true, false, true},
-                              Case{"dnssd://Torka._ipp._tcp.local./", false, false, false, false, true},
-                              Case{"MDNS://Torka._ipp._tcp.local./", false, false, false, false, false},
-                              Case{"ipp://10.0.0.7/ipp/print", false, false, false, true, false},
-                              Case{"ipps://10.0.0.7/ipp/print", false, false, false, false, false},
-                              Case{"", false, false, false, false, false}}) {
-        SCOPED_TRACE(entry.uri);
-        printer->deviceUri = entry.uri;
-        EXPECT_EQ(isUSBPrinterConnection(session), entry.usb);
-        EXPECT_EQ(isAppleTalkPrinterConnection(session), entry.appleTalk);
-        EXPECT_EQ(isBonjourPrinterConnection(session), entry.bonjour);
-        EXPECT_EQ(isIPPrinterConnection(session), entry.ip);
-        EXPECT_EQ(isDiscoveredServiceConnection(session), entry.discovered);
+    const std::pair<const char*, bool (*)(const PMPrintSession&)> kinds[] = {
+        {"usb", isUSBPrinterConnection},         {"pap", isAppleTalkPrinterConnection},
+        {"mdns", isBonjourPrinterConnection},    {"ipp", isIPPrinterConnection},
+        {"mdns", isDiscoveredServiceConnection}, {"dnssd", isDiscoveredServiceConnection}};
+    for (const std::string scheme : {"usb", "pap", "mdns", "dnssd", "MDNS", "ipp", "ipps", ""}) {
+        printer->deviceUri = scheme.empty() ? "" : scheme + "://Torka._ipp._tcp.local./";
+        EXPECT_EQ(utf8Text(CopyPrinterConnectionType(session)), scheme);
+        for (const auto& [expected, isKind] : kinds) {
+            const bool isDiscovered = scheme == "dnssd" || scheme == "mdns";
+            EXPECT_EQ(isKind(session),
+                      isKind == isDiscoveredServiceConnection ? isDiscovered : scheme == expected)
+                << scheme << " is " << expected;
+        }
     }
-    printer->deviceUri = "usb://Torka/Fly";
-    EXPECT_EQ(utf8Text(CopyPrinterConnectionType(session)), "usb");
     EXPECT_EQ(utf8Text(GetCurrentPrinterName(session)), "Printer");
-
     printer->deviceUriResult = kPMGeneralError;
     EXPECT_FALSE(CopyPrinterConnectionType(session));
     EXPECT_FALSE(isUSBPrinterConnection(session));
-    for (const PMPrintSession& without :
-         {PMPrintSession(), PMPrintSession(std::make_shared<MemorySession>())}) {
-        EXPECT_FALSE(GetCurrentPrinterName(without));
-        EXPECT_FALSE(CopyPrinterConnectionType(without));
-        EXPECT_FALSE(isUSBPrinterConnection(without));
-    }
+    EXPECT_FALSE(GetCurrentPrinterName(nullptr));
+    EXPECT_FALSE(CopyPrinterConnectionType(std::make_shared<MemorySession>()));
 }
 
 TEST(ConnectionType, TakesTheInstanceNameFromAServicesUri) {

@@ -8,7 +8,6 @@
 #include "tests/support/ScopedDouble.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka {
 namespace {

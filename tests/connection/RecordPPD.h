@@ -4,30 +4,35 @@
 #include "tests/support/SmallPPD.h"
 #include "tests/support/TestSupport.h"
 
-#include <string>
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cups/http.h>
+#include <zlib.h>
 
 namespace torka::tests {
 
-// Writes a small PPD with one record, using Python's zlib and base64. A wide record holds 32-bit units in
-// this machine's byte order, a narrow one the text's bytes. Returns the PPD's path.
+// Writes a small PPD with one record, by zlib and libcups. A wide record holds 32-bit units in this machine's
+// byte order, a narrow one the text's bytes. Returns the PPD's path.
 inline std::string writeRecordPPD(const TemporaryFolder& folder, const std::string& recordName,
                                   const std::string& text, bool wide) {
-    const std::string path = (folder / (recordName + ".ppd")).string();
-    runPython(R"PY(
-import base64, sys, zlib
-path, name, wide, head = sys.argv[1:]
-text = sys.stdin.buffer.read()
-if wide == "1":
-    text = text.decode().encode("utf-32-" + ("le" if sys.byteorder == "little" else "be"))
-packed = zlib.compress(text, 9)
-pieces = [packed[i:i + 158] for i in range(0, len(packed), 158)]
-with open(path, "w") as ppd:
-    ppd.write(head)
-    for number, piece in enumerate(pieces + [b""]):
-        print('*%s%04x: "%s"' % (name, number, base64.b64encode(piece).decode()), file=ppd)
-)PY",
-              {path, recordName, wide ? "1" : "0", smallPPD}, text);
-    return path;
+    const std::u32string units = std::filesystem::path(std::u8string(text.begin(), text.end())).u32string();
+    const auto* bytes =
+        wide ? reinterpret_cast<const Bytef*>(units.data()) : reinterpret_cast<const Bytef*>(text.data());
+    const uLong length = wide ? units.size() * sizeof(char32_t) : text.size();
+    std::string packed(compressBound(length), '\0');
+    uLongf size = packed.size();
+    compress2(reinterpret_cast<Bytef*>(packed.data()), &size, bytes, length, 9);
+    std::string ppd = smallPPD;
+    for (std::size_t at = 0, number = 0; at < size + 158; at += 158, ++number) { // the last chunk is empty
+        std::array<char, 256> line{};
+        const int prefix = std::snprintf(line.data(), line.size(), "%04zx: \"", number);
+        httpEncode64_2(line.data() + prefix, static_cast<int>(line.size()) - prefix,
+                       packed.data() + std::min(at, size),
+                       static_cast<int>(std::min<std::size_t>(158, size - std::min(at, size))));
+        ppd += "*" + recordName + line.data() + "\"\n";
+    }
+    return folder.Write(recordName + ".ppd", ppd).string();
 }
 
 } // namespace torka::tests

@@ -6,7 +6,6 @@
 #include "tests/support/ScopedDouble.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstring>
@@ -67,59 +66,65 @@ TEST_F(SimplePingTest, CountsAnsweredEchoes) {
 }
 
 TEST_F(SimplePingTest, OneMissingReplyEndsIt) {
-    Answer(1);
-    const auto start = net->now;
-    const PingResult result = ping("torka", 3, 2, false);
-    EXPECT_EQ(result.error, 64);
-    EXPECT_EQ(result.output + result.errors, "");
-    EXPECT_EQ(net->sent.size(), 2U);
-    EXPECT_EQ(net->now - start, std::chrono::seconds(4)); // two seconds for each echo
-    net->sent.clear();
-    EXPECT_EQ(SimplePing("torka", 3, 9, true), 64);
-    EXPECT_EQ(net->now - start, std::chrono::seconds(5)); // ends after one second without a datagram
-    EXPECT_EQ(net->openSockets, 0);
+    // Two seconds for each echo; a single datagram is waited for one second.
+    for (const auto& [timeout, isSingle, waited] : {std::tuple{2, false, 4}, {9, true, 1}}) {
+        net->sent.clear();
+        Answer(1);
+        const auto start = net->now;
+        const PingResult result = ping("torka", 3, timeout, isSingle);
+        EXPECT_EQ(result.error, 64);
+        EXPECT_EQ(result.output + result.errors, "");
+        EXPECT_EQ(net->sent.size(), 2U);
+        EXPECT_EQ(net->now - start, std::chrono::seconds(waited));
+        EXPECT_EQ(net->openSockets, 0);
+    }
 }
 
 TEST_F(SimplePingTest, ReportsEachFailure) {
-    for (const PingResult& result :
-         {ping(nullptr, 1, 1, true), ping("torka", 0, 1, true), ping("torka", 1, 0, true)}) {
-        EXPECT_EQ(result.error, 22);
-        EXPECT_EQ(result.output, "Invalid arguments to SimplePing\n");
-    }
-    EXPECT_EQ(SimplePing("elsewhere", 1, 1, true), 65);
-
-    net->icmpProtocol = -1;
-    EXPECT_EQ(SimplePing("torka", 1, 1, true), 46);
-    net->icmpProtocol = 1;
-    net->openError = EACCES;
-    EXPECT_EQ(SimplePing("torka", 1, 1, true), 1);
-    net->openError = 0;
-    net->receiveTimeoutError = EDOM;
-    EXPECT_EQ(SimplePing("torka", 1, 1, true), EDOM);
-    net->receiveTimeoutError = 0;
-    EXPECT_TRUE(net->sent.empty());
-
-    Answer(99);
-    net->receiveBufferError = ENOBUFS; // harmless
-    EXPECT_EQ(SimplePing("torka", 1, 1, true), 0);
-    net->sendShort = 1;
-    EXPECT_EQ(SimplePing("torka", 1, 1, true), 1);
-    net->sendShort = 0;
-    net->sendError = EHOSTUNREACH;
-    PingResult result = ping("torka", 1, 1, true);
-    EXPECT_EQ(result.error, EHOSTUNREACH);
-    EXPECT_EQ(result.errors,
-              "\nError: Unable to ping host: " + std::string(std::strerror(EHOSTUNREACH)) + "\n");
-    net->sendError = 0;
-    net->onSend = [this](const MemoryNetServices::Sent&) {
-        net->clockError = EIO;
-        return std::nullopt;
+    const std::string lookUp = "\nError: Unable to ping host: ";
+    const std::string wait = "\nError: Error waiting for packet response: ";
+    struct Case {
+        const char* host;
+        int count;
+        std::function<void(MemoryNetServices&)> spoil;
+        int error;
+        std::string told;
     };
-    result = ping("torka", 1, 1, true);
-    EXPECT_EQ(result.error, EIO);
-    EXPECT_EQ(result.errors,
-              "\nError: Error waiting for packet response: " + std::string(std::strerror(EIO)) + "\n");
-    EXPECT_EQ(net->openSockets, 0);
+    const auto nothing = [](MemoryNetServices&) {};
+    for (const Case& each : std::vector<Case>{
+             {nullptr, 1, nothing, 22, "Invalid arguments to SimplePing\n"},
+             {"torka", 0, nothing, 22, "Invalid arguments to SimplePing\n"},
+             {"elsewhere", 1, nothing, 65, ""},
+             {"torka", 1, [](auto& services) { services.icmpProtocol = -1; }, 46, ""},
+             {"torka", 1, [](auto& services) { services.openError = EACCES; }, 1, ""},
+             {"torka", 1, [](auto& services) { services.receiveTimeoutError = EDOM; }, EDOM, ""},
+             {"torka", 1, [](auto& services) { services.receiveBufferError = ENOBUFS; }, 0, ""}, // harmless
+             {"torka", 1, [](auto& services) { services.sendShort = 1; }, 1, ""},
+             {"torka", 1, [](auto& services) { services.sendError = EHOSTUNREACH; }, EHOSTUNREACH,
+              lookUp + std::strerror(EHOSTUNREACH) + "\n"},
+             {"torka", 1,
+              [](auto& services) {
+                  services.onSend = [&services](const auto&) {
+                      services.clockError = EIO;
+                      return std::nullopt;
+                  };
+              },
+              EIO, wait + std::strerror(EIO) + "\n"},
+         }) {
+        tests::ScopedDouble<MemoryNetServices, setNetServices> fresh;
+        parseIPv4Address("10.1.2.3", fresh->hosts["torka"]);
+        fresh->onSend = [](const MemoryNetServices::Sent& request) {
+            return std::optional(MemoryNetServices::EchoReply(request.message, 20));
+        };
+        each.spoil(*fresh);
+        const PingResult result = ping(each.host, each.count, 1, true);
+        EXPECT_EQ(result.error, each.error);
+        if (!each.told.empty()) {
+            EXPECT_EQ(result.output + result.errors, each.told);
+        }
+        EXPECT_EQ(fresh->openSockets, 0);
+    }
+    EXPECT_EQ(ping("torka", 1, 0, true).error, 22);
 }
 
 TEST_F(SimplePingTest, LooksUpAddressesAndNames) {

@@ -6,6 +6,7 @@
 #include "platform/memory/MemoryServiceDirectory.h"
 #include "platform/qt/QtEventLoop.h"
 #include "tests/connection/MemoryAddressOwner.h"
+#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <QApplication>
@@ -31,12 +32,6 @@ namespace {
 class AddressSheetTest : public ::testing::Test {
 protected:
     AddressSheetTest() {
-        auto ownedNet = std::make_unique<MemoryServiceDirectory>();
-        net = ownedNet.get();
-        auto ownedLoop = std::make_unique<MemoryEventLoop>();
-        loop = ownedLoop.get();
-        setMainEventLoop(std::move(ownedLoop));
-        setServiceDirectory(std::move(ownedNet));
         window = std::make_unique<QWidget>();
         paneCheckBox = new QCheckBox(window.get());
         paneButton = new QPushButton(window.get());
@@ -52,8 +47,6 @@ protected:
         controller.reset();
         sheet.reset();
         window.reset();
-        setServiceDirectory(nullptr);
-        setMainEventLoop(nullptr);
     }
 
     void Announce(const std::string& name, const std::string& address) {
@@ -71,8 +64,8 @@ protected:
     }
     QString Cell(int row, int column) const { return table->model()->index(row, column).data().toString(); }
     tests::ScopedMemorySystem system;
-    MemoryServiceDirectory* net; // the process-wide owners hold these two
-    MemoryEventLoop* loop;
+    tests::ScopedDouble<MemoryEventLoop, setMainEventLoop> loop;
+    tests::ScopedDouble<MemoryServiceDirectory, setServiceDirectory> net;
     tests::MemoryAddressOwner owner;
     std::unique_ptr<QWidget> window; // owns the other widgets
     QCheckBox* paneCheckBox;
@@ -219,17 +212,15 @@ TEST_F(AddressSheetTest, IsHeldWhileAnAlertWaits) {
     auto host = std::make_shared<int>();
     const std::weak_ptr<int> held = host;
     sheet->setKeepAlive([held] { return held.lock(); });
-    auto alerts = std::make_unique<MemoryAlerts>();
+    const tests::ScopedDouble<MemoryAlerts, setAlerts> alerts;
     alerts->onShow = [&](const AlertText&) {
         host.reset();
         EXPECT_FALSE(held.expired());
         return AlertButton::defaultButton;
     };
-    setAlerts(std::move(alerts));
     controller->configureButtonClicked();
     sheet->setBidiState(true);
     sheet->Window()->accept(); // with an empty field
-    setAlerts(nullptr);
     EXPECT_TRUE(host == nullptr && held.expired());
 }
 

@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 // The tool and the sheet over real daemons, on a wire of two machines.
 

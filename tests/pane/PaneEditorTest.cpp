@@ -2,11 +2,9 @@
 #include "pane/editing/PaneEditor.h"
 
 #include "PPDX/KVEngine/UIConstraints.h"
-#include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "tests/pane/PaneFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <map>
 #include <random>

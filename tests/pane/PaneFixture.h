@@ -4,12 +4,8 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "pane/data/PDEData.h"
 #include "platform/memory/MemoryPrinting.h"
+#include "tests/support/StringStore.h"
 #include "tests/support/TestSupport.h"
-
-#include <memory>
-#include <string>
-#include <string_view>
-#include <vector>
 
 // A pane's data with a small description, print settings in memory, and an address list in a string.
 
@@ -51,20 +47,6 @@ inline std::string templateLines(std::string_view xml) {
     }
     return text;
 }
-
-class StringStore final : public PropertyListStore {
-public:
-    explicit StringStore(std::shared_ptr<std::string> keptXml)
-        : xml(std::move(keptXml)) {}
-    std::string Load() override { return *xml; }
-    SaveResult Save(std::string_view text) override {
-        *xml = text;
-        return {noErr, true};
-    }
-
-private:
-    std::shared_ptr<std::string> xml;
-};
 
 struct Pane {
     explicit Pane(const std::string& text, const std::string& fileName = "small.ppd")

@@ -3,7 +3,6 @@
 
 #include "bidi/commands/CommandJob.h"
 #include "output/BundleIdentifier.h"
-#include "pane/data/PDEData.h"
 #include "pane/data/PresetStore.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/panel/TorkaFeaturesPDEPlugIn.h"
@@ -12,11 +11,6 @@
 #include "tests/connection/MemoryAddressSheet.h"
 #include "tests/pane/UIPanelFixture.h"
 #include "tests/support/CallbackDialog.h"
-
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
 // A print dialog without a screen. The panel's widgets, queue, bundle and system are in memory. The
 // description is a file behind a symbolic link, as a spooler supplies it.

@@ -2,7 +2,6 @@
 #include "tests/pane/PanelFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka::tests {
 

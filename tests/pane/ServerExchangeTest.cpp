@@ -7,7 +7,6 @@
 #include "tests/pane/PanelFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka::tests {
 

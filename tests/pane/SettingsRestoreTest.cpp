@@ -108,26 +108,6 @@ TEST(PDEDataSettings, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
     EXPECT_EQ(pairsOf(pane.data->MixedMedia())[0], "*" + std::string(254, 'm') + "=" + std::string(254, 'v'));
 }
 
-TEST(PDEDataSettings, ListsTakeWhatTheyHoldAndNoMore) {
-    CapturingLog log;
-    SettingList list("things", 3);
-    EXPECT_TRUE(list.Append({L"a", L"1"}));
-    EXPECT_TRUE(list.Append({L"b", L"2"}));
-    EXPECT_TRUE(list.FillSlot(0, {L"c", L"3"}));
-    EXPECT_THAT(pairsOf(list.Entries()), ElementsAre("c=3", "b=2", "="));
-    EXPECT_THAT(log.Lines(), IsEmpty());
-    EXPECT_FALSE(list.Append({L"d", L"4"}));
-    EXPECT_FALSE(list.FillSlot(0, {L"d", L"4"}));
-    EXPECT_EQ(log.Lines().size(), 2U);
-    list.SetCount(0);
-    EXPECT_FALSE(list.FillSlot(3, {L"d", L"4"}));
-    list.SetCount(2);
-    EXPECT_THAT(pairsOf(list.Entries()), ElementsAre("c=3", "b=2"));
-    list.Clear();
-    list.SetCount(1);
-    EXPECT_THAT(pairsOf(list.Entries()), ElementsAre("="));
-}
-
 } // namespace
 
 } // namespace torka::tests

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 
 // Tests the workflow job with the client library in tests/pane/workflow, which records its calls.
 

@@ -4,7 +4,6 @@
 #include "tests/support/TestSupport.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
 

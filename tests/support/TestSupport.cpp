@@ -107,6 +107,14 @@ CommandResult runCommand(const std::vector<std::string>& programAndArguments, st
     return result;
 }
 
+std::string runGhostscript(const std::string& device, const std::vector<std::string>& arguments) {
+    std::vector<std::string> command = {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=" + device};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const CommandResult result = runCommand(command);
+    EXPECT_EQ(result.status, 0) << result.output << result.errors;
+    return result.output + result.errors;
+}
+
 std::string runPython(const std::string& script, const std::vector<std::string>& arguments,
                       std::string_view input) {
     std::vector<std::string> command = {"python3", "-c", script};

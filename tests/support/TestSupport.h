@@ -75,6 +75,8 @@ struct CommandResult {
 
 // Runs a program, found in PATH, with its arguments and without a shell, and waits for it.
 CommandResult runCommand(const std::vector<std::string>& programAndArguments, std::string_view input = {});
+// The output of Ghostscript with the device and the arguments; fails the test when it fails.
+std::string runGhostscript(const std::string& device, const std::vector<std::string>& arguments);
 // The output of `python3 -c SCRIPT ARGUMENTS...`; fails the test when the script fails.
 std::string runPython(const std::string& script, const std::vector<std::string>& arguments = {},
                       std::string_view input = {});

@@ -4,7 +4,6 @@
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QScrollArea>
 #include <QTest>

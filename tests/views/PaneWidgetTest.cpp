@@ -6,7 +6,6 @@
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QAbstractItemView>
 #include <QAccessible>
@@ -37,13 +36,7 @@ struct PaneWidgetTest : testing::Test {
     ScopedMemorySystem system;
     ViewedPane pane{samplePane()};
 
-    PaneWidgetTest() {
-        pane.Draw();
-        pane.Root()->resize(820, 600);
-        pane.Root()->show();
-        QVERIFY_exposed();
-    }
-    void QVERIFY_exposed() { EXPECT_TRUE(QTest::qWaitForWindowExposed(pane.Root())); }
+    PaneWidgetTest() { pane.Show(); }
 
     CustomizePaneWidget& Widget() { return pane.Widget(); }
     // The widget of a field on the visible page.
@@ -54,6 +47,12 @@ struct PaneWidgetTest : testing::Test {
         return row == nullptr ? nullptr : qobject_cast<T*>(row->Focus());
     }
     void Go(const char* keyword) { ASSERT_TRUE(Widget().ShowField(keyword)) << keyword; }
+    void Choose(const char* keyword, const char* name) {
+        auto* box = Field<QComboBox>(keyword);
+        ASSERT_NE(box, nullptr) << keyword;
+        box->setCurrentIndex(IndexOf(box, name));
+        Q_EMIT box->activated(box->currentIndex());
+    }
     static int IndexOf(const QComboBox* box, const char* name) {
         return box->findText(QString::fromUtf8(name));
     }
@@ -171,9 +170,7 @@ TEST_F(PaneWidgetTest, PopupsMakeTheirListsWhenTheyAreOpened) {
 
 TEST_F(PaneWidgetTest, SaysWhatForbidsAChoice) {
     Go("*MediaType");
-    auto* media = Field<QComboBox>("*MediaType");
-    media->setCurrentIndex(IndexOf(media, "Labels"));
-    Q_EMIT media->activated(media->currentIndex());
+    Choose("*MediaType", "Labels");
     ASSERT_EQ(pane.Value("*MediaType"), "Labels");
     Go("*QVDuplex");
     auto* duplex = Field<QComboBox>("*QVDuplex");
@@ -277,8 +274,7 @@ TEST_F(PaneWidgetTest, FindsByNameKeywordAndChoice) {
     ASSERT_NE(color, nullptr);
     EXPECT_TRUE(color->hasFocus());
     EXPECT_EQ(Widget().CurrentFieldPage()->RowCount(), 1U);
-    color->setCurrentIndex(IndexOf(color, "Ivory"));
-    Q_EMIT color->activated(color->currentIndex());
+    Choose("*QVMediaColor", "Ivory");
     EXPECT_EQ(pane.Value("*QVMediaColor"), "Ivory");
     search->clear();
     EXPECT_EQ(Widget().PageList()->currentRow(), 0) << "back where the search began";
@@ -318,9 +314,7 @@ TEST_F(PaneWidgetTest, CustomSizeIsUsedWithACustomPrintSizeOnly) {
     auto* width = Field<QDoubleSpinBox>("*CustomPrintSize");
     ASSERT_NE(width, nullptr);
     EXPECT_FALSE(width->isEnabled());
-    auto* printSize = Field<QComboBox>("*QVPrintSize");
-    printSize->setCurrentIndex(IndexOf(printSize, "Custom Size"));
-    Q_EMIT printSize->activated(printSize->currentIndex());
+    Choose("*QVPrintSize", "Custom Size");
     EXPECT_TRUE(width->isEnabled());
     EXPECT_EQ(pane.Value("*CustomPrintSize"), "283.459991 419.529999") << "the smallest, until a person says";
     width->setValue(200);

@@ -5,7 +5,6 @@
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QLineEdit>
 #include <QMenu>
@@ -36,9 +35,7 @@ struct PresetBarTest : testing::Test {
         if (withLastJob) {
             pane->pane->Set("*QVDuplex", "ShortEdge");
         }
-        pane->Draw();
-        pane->Root()->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(pane->Root()));
+        pane->Show();
         QCoreApplication::processEvents();
     }
     PresetBar* Bar() const { return static_cast<PresetBar*>(pane->Find<QToolButton>("presets")); }

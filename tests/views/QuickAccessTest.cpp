@@ -5,7 +5,6 @@
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QLineEdit>
 #include <QListWidget>
@@ -30,9 +29,7 @@ struct QuickAccessTest : testing::Test {
         pane.reset();
         pane = std::make_unique<ViewedPane>(std::move(shown));
         pane->pane->data->SetCorvianPrinterAddress(cfString("192.168.1.20"), true);
-        pane->Draw();
-        pane->Root()->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(pane->Root()));
+        pane->Show();
     }
     QuickAccessSheet& Sheet() {
         return static_cast<QuickAccessSheet&>(pane->interface->customizeQuickAccess());

@@ -7,10 +7,9 @@
 #include "tests/pane/PaneFixture.h"
 
 #include <QCoreApplication>
+#include <QTest>
 #include <QWidget>
-
-#include <memory>
-#include <string>
+#include <gtest/gtest.h>
 
 // A pane with real widgets for a description, without a dialog.
 
@@ -47,6 +46,13 @@ struct ViewedPane {
     void Draw() {
         panel->PopulatePPDTreeStructure();
         panel->GetCustomizePane().drawControlsInTree(UI_Panel::Tree);
+    }
+    // Draws the pane and shows it in a window.
+    void Show() {
+        Draw();
+        Root()->resize(820, 600);
+        Root()->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(Root()));
     }
     QWidget* Root() const { return widgetOf(interface->outputBinsView()); }
     CustomizePaneWidget& Widget() const { return *interface->Pane(); }

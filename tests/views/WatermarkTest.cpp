@@ -6,7 +6,6 @@
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -28,10 +27,7 @@ struct WatermarkTest : testing::Test {
 
     WatermarkTest() {
         pane.pane->data->SetCorvianPrinterAddress(cfString("192.168.1.20"), true);
-        pane.Draw();
-        pane.Root()->resize(820, 600);
-        pane.Root()->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(pane.Root()));
+        pane.Show();
         pane.Widget().ShowPage("watermarks");
     }
     WatermarkList& Watermarks() { return pane.pane->data->Watermarks(); }
