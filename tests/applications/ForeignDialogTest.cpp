@@ -15,7 +15,6 @@
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
-#include <memory>
 #include <sstream>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -73,7 +72,7 @@ protected:
                 tabs->setCurrentIndex(Tab(dialog));
             }
         }
-        QTest::qWait(100); // for the work deferred until after the first painting
+        Paint(dialog);
     }
 
     static void ChooseQueue(QDialog& dialog, const char* queue) {
@@ -223,17 +222,11 @@ TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
         ShowPage(dialog, "Finishing");
         Choose(dialog, "*QVFoldStyle", "Half Fold");
         ChoosePageSize(dialog, "A5");
-        QTimer person;
-        QObject::connect(&person, &QTimer::timeout, [&] {
-            auto* question = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (question != nullptr && question->objectName() == QLatin1String("conflicts")) {
-                EXPECT_EQ(dialog.isVisible(), !accepts);
-                Button(*question, answer)->click();
-            } else if (question != nullptr && question->objectName() == QLatin1String("popupJobNotes")) {
-                question->accept();
-            }
-        });
-        person.start(5);
+        const Answers person(
+            {{"popupJobNotes", Answers::Accept}, {"conflicts", [&, text = answer](QDialog& question) {
+                                                      EXPECT_EQ(dialog.isVisible(), !accepts);
+                                                      Answers::Click(question, text);
+                                                  }}});
         PressPrint(dialog);
         EXPECT_EQ(slots, prints ? 1 : 0);
         EXPECT_EQ(dialog.isVisible(), !prints);
@@ -260,15 +253,8 @@ TEST_F(ForeignDialogTest, ADialogThatIsAcceptedAtOncePrintsWithTheSettingsToo) {
     for (const bool byKey : {false, true}) {
         QPrinter printer;
         QPrintDialog dialog(&printer);
-        dialog.open(); // not painted yet
-        QTimer person; // the popup comes some time after the pane
-        QObject::connect(&person, &QTimer::timeout, [] {
-            if (auto* popup = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-                popup != nullptr && popup->objectName() == QLatin1String("popupJobNotes")) {
-                popup->accept();
-            }
-        });
-        person.start(5);
+        dialog.open();                                              // not painted yet
+        const Answers person({{"popupJobNotes", Answers::Accept}}); // it comes some time after the pane
         byKey ? QTest::keyClick(&dialog, Qt::Key_Return) : dialog.accept();
         EXPECT_FALSE(dialog.isVisible());
         EXPECT_TRUE(OptionsOf(printer).join(' ').contains("PSData")) << byKey;

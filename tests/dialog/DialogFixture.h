@@ -6,15 +6,10 @@
 #include "platform/cups/CupsSpooler.h"
 #include "platform/posix/PosixBundle.h"
 #include "platform/posix/PosixSystem.h"
-#include "tests/apps/Tool.h"
 #include "tests/dialog/PaneHands.h"
 
 #include <QLabel>
-#include <QPushButton>
 #include <QSpinBox>
-#include <QTest>
-#include <functional>
-#include <gtest/gtest.h>
 
 // The pane in Qt's own print dialog, with a private print server.
 
@@ -62,7 +57,7 @@ protected:
         EXPECT_TRUE((*shown)->chooseQueue(queue));
         (*shown)->show();
         (*shown)->showPane();
-        QTest::qWait(100); // for the work deferred until after the first painting
+        Paint(*shown->dialog);
         return shown;
     }
 

@@ -12,12 +12,44 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-#include <functional>
-#include <gtest/gtest.h>
+#include <map>
 
 // A person's hands in a print dialog with the pane, whichever program shows it.
 
 namespace torka::tests {
+
+// Answers each modal dialog whose name it knows, while it lives. Each dialog gets a moment to come.
+class Answers {
+public:
+    using Person = std::function<void(QDialog&)>;
+    explicit Answers(std::map<std::string, Person> byName)
+        : persons(std::move(byName)) {
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            const auto person =
+                dialog == nullptr ? persons.end() : persons.find(dialog->objectName().toStdString());
+            if (person != persons.end()) {
+                person->second(*dialog);
+            }
+        });
+        timer.start(5);
+    }
+    static void Accept(QDialog& dialog) { dialog.accept(); }
+    // Clicks the button with this text.
+    static void Click(QDialog& dialog, const char* text) {
+        for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
+            if (button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
+                return button->click();
+            }
+        }
+        ADD_FAILURE() << text;
+        dialog.reject();
+    }
+
+private:
+    std::map<std::string, Person> persons;
+    QTimer timer;
+};
 
 class PaneHands : public SandboxTest {
 protected:
@@ -31,6 +63,14 @@ protected:
             }
         }
         return nullptr;
+    }
+
+    // Paints the dialog and does the work that waits for the first painting.
+    static void Paint(QDialog& dialog) {
+        dialog.grab();
+        for (int i = 0; i < 3; ++i) {
+            QCoreApplication::processEvents();
+        }
     }
 
     static void ShowPage(QDialog& dialog, const char* title) {

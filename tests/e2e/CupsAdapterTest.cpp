@@ -5,8 +5,6 @@
 #include "tests/e2e/Sandbox.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
-#include <memory>
 
 // Compares the printing interfaces with the client programs of a real server.
 

@@ -2,14 +2,11 @@
 #include "tests/e2e/Noise.h"
 #include "tests/support/TestSupport.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
-#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 

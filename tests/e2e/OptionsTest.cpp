@@ -5,10 +5,8 @@
 #include "tests/e2e/Sandbox.h"
 
 #include <cups/cups.h>
-#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <sstream>
 #include <thread>
@@ -51,9 +49,7 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
     AddQueue("Options");
     const TemporaryFolder folder;
     const std::string pdf = folder / "brochure.pdf";
-    ASSERT_EQ(
-        runCommand({"gs", "-q", "-dSAFER", "-sDEVICE=pdfwrite", "-o", pdf, samplePath("brochure.ps")}).status,
-        0);
+    runGhostscript("pdfwrite", {"-o", pdf, samplePath("brochure.ps")});
     for (const std::string& document : {samplePath("plain.ps"), samplePath("brochure.ps"), pdf}) {
         SCOPED_TRACE(document);
         const std::string watermark = "0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,PROOF";
@@ -72,13 +68,12 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
         const JobStatus status = WaitForEnd(job);
         ASSERT_EQ(status.state, 9);
         EXPECT_EQ(status.message, "");
-        const CommandResult tool =
-            runTool({"print", "-d", "Options", document, "QVStaple=Saddle", "QVScale=50", "QVNegative=True",
-                     "QVGamma=1.8", "QVMediaColor=Blue", "Notes1=shelf 4, \"left\" (\\) 50%n", "PageSize=A3",
-                     "-o", "number-up=2", "--orientation", "2", "--watermark", watermark});
-        ASSERT_EQ(tool.status, 0) << tool.errors;
+        const std::string tool =
+            Done({"print", "-d", "Options", document, "QVStaple=Saddle", "QVScale=50", "QVNegative=True",
+                  "QVGamma=1.8", "QVMediaColor=Blue", "Notes1=shelf 4, \"left\" (\\) 50%n", "PageSize=A3",
+                  "-o", "number-up=2", "--orientation", "2", "--watermark", watermark});
         auto byOptions = Features(job);
-        auto byTicket = Features(std::stoi(tool.output.substr(4)));
+        auto byTicket = Features(std::stoi(tool.substr(4)));
         for (const auto& [keyword, value] : byOptions) {
             // The list is sent as it is and as a dynamic option.
             EXPECT_EQ(byOptions.count(keyword), keyword == "*QVCurveAdjust" ? 2U : 1U) << keyword;
@@ -96,10 +91,7 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
         EXPECT_THAT(printed, HasSubstr("%%ZANCustom1: shelf 4, \"left\" (\\) 50%n"));
         EXPECT_THAT(printed, HasSubstr("%%MacCoreNUp: true"));
         EXPECT_THAT(printed, HasSubstr("Helvetica-Bold"));
-        const std::string file = *sandbox / ("printed/" + std::to_string(job) + ".ps");
-        const CommandResult gs =
-            runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=nullpage", file});
-        EXPECT_EQ(gs.status, 0) << gs.output << gs.errors;
+        Drawn(job, "nullpage");
     }
 }
 

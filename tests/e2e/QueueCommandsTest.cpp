@@ -3,8 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <functional>
 #include <map>
 
 // The commands about queues, in a good world and in bad ones.
@@ -29,6 +27,15 @@ protected:
             }
         }
         return found;
+    }
+    static std::function<void()> Run(const std::vector<std::string>& command) {
+        return [command] { EXPECT_EQ(runCommand(command).status, 0); };
+    }
+    static void SetAddress(const std::string& address) {
+        EXPECT_EQ(runTool({"address", "set", "-d", "Well", "Well", address, "--two-way"}).status, 0);
+    }
+    CommandResult Add(const std::string& device, const std::string& description) const {
+        return runTool({"queue", "add", "Bad", device, description});
     }
 };
 
@@ -59,27 +66,19 @@ TEST_F(QueueCommands, AddRefusesWhatNobodyCanUse) {
     const fs::path filter = *sandbox / "lib/filter/torkafilter";
     const std::vector<std::pair<std::string, std::function<CommandResult()>>> refused{
         {"programs that read it with CUPS cannot",
-         [] {
-             return runTool({"queue", "add", "Bad", "torkasink:/", samplePath("torka-defects.ppd")});
-         }},
-        {"errors, the first of them",
-         [&] {
-             return runTool({"queue", "add", "Bad", "torkasink:/", withErrors});
-         }},
-        {"does not add the queue",
-         [&] {
-             return runTool({"queue", "add", "Bad", "nosuch:/", good});
-         }},
+         [&] { return Add("torkasink:/", samplePath("torka-defects.ppd")); }},
+        {"errors, the first of them", [&] { return Add("torkasink:/", withErrors); }},
+        {"does not add the queue", [&] { return Add("nosuch:/", good); }},
         {"torkafilter is not installed",
          [&] {
              fs::rename(filter, filter.string() + "-away");
-             CommandResult result = runTool({"queue", "add", "Bad", "torkasink:/", good});
+             CommandResult result = Add("torkasink:/", good);
              fs::rename(filter.string() + "-away", filter);
              return result;
          }},
         {"can be replaced by others than root", [&] {
              fs::permissions(filter, fs::perms(0777));
-             CommandResult result = runTool({"queue", "add", "Bad", "torkasink:/", good});
+             CommandResult result = Add("torkasink:/", good);
              fs::permissions(filter, fs::perms(0755));
              return result;
          }}};
@@ -94,7 +93,7 @@ TEST_F(QueueCommands, AddRefusesWhatNobodyCanUse) {
 TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
     AddQueue("Well");
     Give("127.0.0.1", "data", "ServerInfo", "Press:ServerName\n");
-    ASSERT_EQ(runTool({"address", "set", "-d", "Well", "Well", "127.0.0.1", "--two-way"}).status, 0);
+    SetAddress("127.0.0.1");
     for (const std::string what : {"state", "description", "filter-lines", "filter", "folders", "two-way"}) {
         EXPECT_THAT(Finding("Well", what), testing::StartsWith("good: ")) << what;
     }
@@ -110,20 +109,8 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
         std::function<void()> mend;
     };
     const std::vector<Row> rows{
-        {"state", "fault: cupsenable Well",
-         [] {
-             runCommand({"cupsdisable", "Well"});
-         },
-         [] {
-             runCommand({"cupsenable", "Well"});
-         }},
-        {"state", "fault: cupsaccept Well",
-         [] {
-             runCommand({"cupsreject", "Well"});
-         },
-         [] {
-             runCommand({"cupsaccept", "Well"});
-         }},
+        {"state", "fault: cupsenable Well", Run({"cupsdisable", "Well"}), Run({"cupsenable", "Well"})},
+        {"state", "fault: cupsaccept Well", Run({"cupsreject", "Well"}), Run({"cupsaccept", "Well"})},
         {"filter", "fault: install -o root", [&] { fs::rename(filter, filter.string() + "-away"); },
          [&] { fs::rename(filter.string() + "-away", filter); }},
         {"filter", "fault: install -o root", [&] { fs::permissions(filter, fs::perms(0700)); },
@@ -141,13 +128,8 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
              std::ofstream(keys / "ZAN/FieldKeys.plist") << "no keys";
          },
          [&] { fs::remove_all(keys); }},
-        {"address", "fault: torka address set",
-         [] {
-             runTool({"address", "set", "-d", "Well", "Well", "no-such-host.invalid"});
-         },
-         [] {
-             runTool({"address", "set", "-d", "Well", "Well", "127.0.0.1"});
-         }},
+        {"address", "fault: torka address set", [] { SetAddress("no-such-host.invalid"); },
+         [] { SetAddress("127.0.0.1"); }},
         {"two-way", "fault: torka address set",
          [&] { fs::rename(*sandbox / "root/etc/torka", *sandbox / "root/etc/away"); },
          [&] { fs::rename(*sandbox / "root/etc/away", *sandbox / "root/etc/torka"); }},

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
-#include <memory>
 #include <sstream>
 #include <thread>
 #include <unistd.h>
@@ -95,8 +94,7 @@ void SandboxTest::TearDown() {
 }
 
 void SandboxTest::AddQueue(const std::string& name, const std::string& uri) {
-    const CommandResult result = runTool({"queue", "add", name, uri, samplePath("torka-production.ppd")});
-    EXPECT_EQ(result.status, 0) << result.errors;
+    Done({"queue", "add", name, uri, samplePath("torka-production.ppd")});
 }
 
 bool SandboxTest::WaitUntil(const std::function<bool()>& condition) {
@@ -107,6 +105,23 @@ bool SandboxTest::WaitUntil(const std::function<bool()>& condition) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return false;
+}
+
+std::string SandboxTest::Done(const std::vector<std::string>& arguments) {
+    const CommandResult result = runTool(arguments);
+    EXPECT_EQ(result.status, 0) << result.errors;
+    return result.output;
+}
+
+void SandboxTest::ExpectTool(const std::vector<std::string>& arguments, int status, const std::string& told) {
+    const CommandResult result = runTool(arguments);
+    EXPECT_EQ(result.status, status) << arguments.back() << ": " << result.output;
+    EXPECT_NE(result.errors.find(told), std::string::npos) << arguments.back() << ": " << result.errors;
+}
+
+std::string SandboxTest::Drawn(int job, const std::string& device, const std::string& output) const {
+    return runGhostscript(device,
+                          {"-r36", "-o", output, *sandbox / ("printed/" + std::to_string(job) + ".ps")});
 }
 
 platform::JobStatus SandboxTest::WaitForEnd(int job) {

@@ -4,11 +4,7 @@
 #include "platform/cups/CupsQueue.h"
 #include "tests/apps/Tool.h"
 
-#include <filesystem>
 #include <functional>
-#include <gtest/gtest.h>
-#include <string>
-#include <string_view>
 
 namespace torka::tests {
 
@@ -51,6 +47,12 @@ protected:
     // True as soon as the condition is; false after 20 seconds.
     static bool WaitUntil(const std::function<bool()>& condition);
     static platform::JobStatus WaitForEnd(int job);
+    // The output of the tool; fails the test when the tool does.
+    static std::string Done(const std::vector<std::string>& arguments);
+    // Expects this status of the tool and this part of its messages.
+    static void ExpectTool(const std::vector<std::string>& arguments, int status, const std::string& told);
+    // The device's document for a job, drawn by Ghostscript; fails the test when it cannot be drawn.
+    std::string Drawn(int job, const std::string& device, const std::string& output = "-") const;
 
     Sandbox* sandbox = nullptr;
 };

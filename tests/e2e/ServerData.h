@@ -12,10 +12,7 @@
 #include "platform/posix/PosixSystem.h"
 #include "tests/e2e/Sandbox.h"
 
-#include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <string>
 
 // The pane's side of the exchange, with queues of a real server.
 

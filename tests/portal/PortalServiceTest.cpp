@@ -142,8 +142,11 @@ protected:
         if (!QTest::qWaitFor([&] { return Shown<PrintDialog>().size() == count; }, 20000)) {
             throw std::runtime_error("another number of dialogs is open");
         }
-        QTest::qWait(100); // for the work deferred until after the first painting
-        return Shown<PrintDialog>();
+        const QList<PrintDialog*> dialogs = Shown<PrintDialog>();
+        for (PrintDialog* each : dialogs) {
+            Paint(*each);
+        }
+        return dialogs;
     }
     static unsigned Answer(Reply& reply) {
         EXPECT_TRUE(QTest::qWaitFor([&] { return reply.isFinished(); }, 20000));
@@ -403,12 +406,12 @@ TEST_F(PortalServiceTest, EndsOnlyWhenNothingIsOpen) {
     QObject::connect(service.get(), &portal::PrintService::idle, [&] { isIdle = true; });
     Reply reply = Prepare({{"printer", "Foreign"}});
     PrintDialog& dialog = *Dialogs()[0];
-    service->EndAfter(std::chrono::milliseconds(50));
-    QTest::qWait(150);
+    service->EndAfter(std::chrono::milliseconds(1));
+    QTest::qWait(20);
     EXPECT_FALSE(isIdle) << "a dialog is open";
     PressPrint(dialog);
     ASSERT_EQ(Answer(reply), 0U);
-    QTest::qWait(150);
+    QTest::qWait(20);
     EXPECT_FALSE(isIdle) << "a token waits for its document";
     Reply sent = Send(folder / "document.pdf", {{"token", reply.argumentAt<1>().value("token")}});
     EXPECT_EQ(Answer(sent), 0U);
