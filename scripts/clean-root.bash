@@ -59,6 +59,7 @@ remove_root() {
 
 make_root() {
     scratch=$(mktemp -d)
+    unset TMPDIR # names a folder that the root lacks
     chmod 755 "$scratch"
     root=$scratch/root
     log=$scratch/log
