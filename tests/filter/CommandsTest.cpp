@@ -126,6 +126,13 @@ TEST(Commands, HostileTitlesAndTextsDoNothing) {
              {"Command_LocaleCode", std::string(70000, 'a')},
              {"Command_PSQVDestination", "/Library/Caches/ZAN/.."},
              {"Command_PSQVDestination", ""},
+             {"Command_PSQVDestination", "TorkaFilterNotes"},
+             {"Command_PSQVDestination", "ConnectionErrorInfoFileA.txt"},
+             {"Command_PSQVDestination", "zan_timeout_override.txt"},
+             {"Command_PSQVDestination", "ZAN.x"},
+             {"Command_PSQVDestination", ".x"},
+             {"Command_PSQVDestination", "Team.owner"},
+             {"Command_PSQVDestination", std::string(201, 'a')},
              {"Command_PSTempFileName", "/Library/Caches/ZAN/../../outside"},
              {"Command_WritePSTemp", "a ticket without a name"},
              {"Command_UpdateCommands", "no delimiters"},
@@ -133,6 +140,7 @@ TEST(Commands, HostileTitlesAndTextsDoNothing) {
              {std::string("Command_AllBidi") + uuid, "::DELIMIT::::DELIMIT::"}}) {
         EXPECT_EQ(run(title, text), 1) << title << " " << text.substr(0, 40);
     }
+    EXPECT_EQ(run("Command_PSQVDestination", std::string(200, 'a')), 0);
     // An address is only a name in the controllers' folder; it cannot lead elsewhere.
     std::filesystem::create_directories(harness.root / "etc/torka/data");
     EXPECT_EQ(run(std::string("Command_AllBidi") + uuid, "A-1::DELIMIT::..::DELIMIT::"), 0);
@@ -171,7 +179,7 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
     ASSERT_EQ(run("Command_UpdateCommands", text), 0);
     EXPECT_EQ(wideRecord("QVTrayInfo"), "トレイ");
     EXPECT_EQ(wideRecord("QVTonerInfo"), "toner");
-    ASSERT_EQ(run("Command_UpdateCommands", text + "\nlocale=de\n"), 0);
+    ASSERT_EQ(run("Command_UpdateCommands", text + "\r\nlocale=de\r\n"), 0);
     EXPECT_EQ(wideRecord("QVTrayInfo"), "trays") << "the request's own language stands above";
     ASSERT_EQ(run("Command_UpdateCommands", text + "\nlocale=../ppd\n"), 0);
     EXPECT_EQ(wideRecord("QVTrayInfo"), "トレイ") << "no language";

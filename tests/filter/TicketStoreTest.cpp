@@ -9,6 +9,7 @@
 #include <chrono>
 #include <ctime>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <sys/stat.h>
@@ -191,27 +192,32 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
     }
     EXPECT_NE(store(anna, command, "", "text"), "") << "none of them was kept";
 
-    // An existing file is never overwritten and a link never followed: with and without an owner record
-    // beside it, and in place of the owner record.
-    const std::filesystem::path secret = harness.root.Write("secret", "untouched");
-    const auto expectUntouched = [&] {
-        announce(anna, "", ticketPath(1));
-        EXPECT_NE(store(anna, command, "", "text"), "");
-        EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
-        EXPECT_EQ(readFile(secret), "untouched");
-        std::filesystem::remove(harness.Cache(name + ".owner"));
+    // An existing file is never overwritten, and neither a link nor a pipe is read. What the link names would
+    // be a good ticket and a good owner record.
+    const std::string record = ticketRecordText({"anna", "localhost", command, 4, {}, false});
+    const std::filesystem::path secret = harness.root.Write("secret", record);
+    const auto link = [&](const std::string& file) { std::filesystem::create_symlink(secret, file); };
+    const auto pipe = [](const std::string& file) { ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); };
+    const auto write = [](const std::string& text) {
+        return [text](const std::string& file) { std::ofstream(file) << text; };
     };
-    std::filesystem::create_symlink(secret, harness.Cache(name));
-    expectUntouched();
-    ASSERT_FALSE(PrivateFolder::Write(name + ".owner",
-                                      ticketRecordText({"anna", "localhost", command, 4, {}, false})));
-    expectUntouched();
-    std::filesystem::create_symlink(secret, harness.Cache(name + ".owner"));
-    expectUntouched();
-    // A ticket without an owner is refused.
-    std::filesystem::remove(harness.Cache(name));
-    ASSERT_FALSE(PrivateFolder::Write(name, "text"));
-    EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
+    using Place = std::function<void(const std::string&)>;
+    const std::pair<Place, Place> places[] = {// the ticket, its owner record
+                                              {link, nullptr},
+                                              {link, write(record)},
+                                              {pipe, write(record)},
+                                              {write("text"), link},
+                                              {write("text"), nullptr}};
+    for (const auto& [ticket, owner] : places) {
+        ticket(harness.Cache(name));
+        owner ? owner(harness.Cache(name + ".owner")) : void();
+        EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
+        EXPECT_NE(store(anna, otherJob, name, "text"), "");
+        EXPECT_TRUE(contentOf(anna, ticketPath(1)).starts_with("? "));
+        EXPECT_EQ(readFile(secret), record);
+        std::filesystem::remove(harness.Cache(name));
+        std::filesystem::remove(harness.Cache(name + ".owner"));
+    }
     // A folder with write permission for others is not used.
     std::filesystem::permissions(harness.Cache(), std::filesystem::perms(0777));
     EXPECT_NE(announce(anna, "", ticketPath(2)), "");
@@ -328,6 +334,12 @@ TEST(TicketOwner, ARecordIsReadAsItWasWrittenOrNotAtAll) {
             EXPECT_EQ(read.has_value(), cut > first) << cut;
             EXPECT_FALSE(read && (read->usedBy || read->isContested)) << cut;
         }
+        // A line that ends too early, as by another version.
+        for (std::size_t field = text.find(' '); field < first; field = text.find(' ', field + 1)) {
+            EXPECT_EQ(readTicketRecord(text.substr(0, field + 1) + "\n").has_value(), field + 1 == first)
+                << field;
+        }
+        EXPECT_FALSE(readTicketRecord(text.substr(0, first + 1) + "=used =8 \n")->usedBy);
     }
 }
 

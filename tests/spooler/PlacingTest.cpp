@@ -202,7 +202,8 @@ TEST(Placing, EntriesNeverLeaveTheHeaderOrBecomeCode) {
 TEST(Placing, ByteCountsFollowTheLineEndsOfTheDocument) {
     for (const std::string end : {"\r", "\n", "\r\n"}) {
         // When lines end with a carriage return, a line feed is data.
-        const std::string data = std::string(end == "\r" ? "\n" : "") + "%%BeginSetup" + end + "x";
+        const std::string data =
+            (end == "\r" ? "\n%%BeginSetup" : "%%BeginSetup") + end + "%%EndSetup" + end + "x";
         const std::string head = "%!PS" + end + "%%EndComments" + end +
                                  "%%BeginData: " + std::to_string(data.size()) + " Binary Bytes" + end + data;
         const std::string tail = "%%EndSetup" + end;
