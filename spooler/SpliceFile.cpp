@@ -59,6 +59,31 @@ std::optional<std::size_t> readSome(int descriptor, std::vector<char>& buffer) {
     }
 }
 
+// A file beside its later place. The destructor removes it, unless it has taken the place.
+class Neighbour {
+public:
+    Neighbour(int opened, std::string made)
+        : target(opened)
+        , name(std::move(made)) {}
+    Neighbour(const Neighbour&) = delete;
+    Neighbour& operator=(const Neighbour&) = delete;
+    ~Neighbour() {
+        if (!isPlaced) {
+            ::unlink(name.c_str());
+        }
+    }
+    bool TakePlace(const std::string& path) {
+        isPlaced = std::rename(name.c_str(), path.c_str()) == 0;
+        return isPlaced;
+    }
+
+    Descriptor target;
+
+private:
+    std::string name;
+    bool isPlaced = false;
+};
+
 // Creates a new file beside `path`. Returns its descriptor and name.
 std::optional<std::pair<int, std::string>> createNeighbour(const std::string& path) {
     std::random_device random;
@@ -131,26 +156,22 @@ SpliceOutcome spliceFile(const std::string& inputPath, const Ticket& ticket, con
         return withPath(spliceDescriptor(input.Number(), ticket, target.Number(), progress), inputPath,
                         outputPath);
     }
-    const auto created = createNeighbour(outputPath);
+    auto created = createNeighbour(outputPath);
     if (!created) {
         return failure(SpliceStatus::writeFailed, outputPath, "no file can be made beside it", errno);
     }
-    Descriptor target(created->first);
-    const std::string& neighbour = created->second;
-    SpliceOutcome outcome = spliceDescriptor(input.Number(), ticket, target.Number(), progress);
+    Neighbour neighbour(created->first, std::move(created->second));
+    SpliceOutcome outcome = spliceDescriptor(input.Number(), ticket, neighbour.target.Number(), progress);
     if (outcome.status == SpliceStatus::ok) {
         // Closing the file may be the first call that reports a full disk.
-        if (const int error = target.Close(); error != 0) {
+        if (const int error = neighbour.target.Close(); error != 0) {
             outcome.status = SpliceStatus::writeFailed;
             outcome.errorText = "the document cannot be written: " + std::generic_category().message(error);
-        } else if (std::rename(neighbour.c_str(), outputPath.c_str()) != 0) {
+        } else if (!neighbour.TakePlace(outputPath)) {
             outcome.status = SpliceStatus::writeFailed;
             outcome.errorText =
                 "the document cannot take its name: " + std::generic_category().message(errno);
         }
-    }
-    if (outcome.status != SpliceStatus::ok) {
-        ::unlink(neighbour.c_str());
     }
     return withPath(std::move(outcome), inputPath, outputPath);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TextConverter.h"
 
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "platform/Log.h"
 
 #include <algorithm>
@@ -103,6 +104,7 @@ CFStringRef TextConverter::ConvertToCFString(std::string_view text) {
         decoded.resize(DehexBufferFill(text, decoded.data()));
         return std::make_shared<const CFString>(ToUnicode(decoded));
     } catch (const std::bad_alloc&) {
+        ++gMemoryShortages;
         return cfString("Out Of Memory");
     }
 }

@@ -2,6 +2,7 @@
 #include "apps/torka/JobEmission.h"
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Command.h"
 #include "jobsettings/Findings.h"
@@ -243,6 +244,9 @@ Result<void> JobEmission::Emit(EmissionPurpose purpose) {
     }
     TellLeftOut();
     ticket.SavePPDForAllKeys(description.get(), cfString(bundleIdentifier));
+    if (gMemoryShortages != 0) {
+        return Fault{"there is not memory enough for all settings"};
+    }
     xml = ticket.Save();
     if (ticket.SaveError()) {
         return Fault{"the ticket cannot be written: " + ticket.SaveError().message()};

@@ -7,6 +7,8 @@
 #include "platform/NetServices.h"
 #include "platform/System.h"
 #include "platform/TextEncoding.h"
+#include "spooler/filter/PrivateFolder.h"
+#include "spooler/filter/ServerMessages.h"
 
 #include <algorithm>
 #include <map>
@@ -19,17 +21,19 @@ constexpr std::string_view narrowSuffix = ".narrow";
 
 // Adds the folder's records by name. A later record replaces an earlier one of its name.
 void readRecords(const std::filesystem::path& folder, std::map<std::string, std::string>& records) {
-    std::error_code error;
-    for (std::filesystem::directory_iterator file(folder, error), end; !error && file != end;
-         file.increment(error)) {
-        std::string name = file->path().filename().string();
+    for (const std::string& file : namesIn(folder)) {
+        std::string name = file;
         const bool isNarrow = name.ends_with(narrowSuffix);
         if (isNarrow) {
             name.resize(name.size() - narrowSuffix.size());
         }
+        if (!isWritableRecordName(name)) {
+            continue;
+        }
         std::string text;
-        if (!isWritableRecordName(name) ||
-            platform::system().ReadFile(file->path(), maximumRecordSize, text)) {
+        if (const std::error_code error =
+                platform::system().ReadFile(folder / file, maximumRecordSize, text)) {
+            tellDebug("the record " + file + " cannot be read: " + error.message());
             continue;
         }
         records[name] = isNarrow ? text : std::string(payloadFromWide(wideFromUtf8(text)));

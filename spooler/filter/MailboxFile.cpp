@@ -57,11 +57,12 @@ Result<MailboxFile> MailboxFile::Create(const Sender& sender, std::string_view p
         return Fault{"The mailbox " + name + " belongs to somebody else."};
     }
     std::string temporary = (platform::system().Resolve(cachesFolder) / ".torka-XXXXXX").string();
+    std::string user = sender.user;
     OpenFile opened(::mkostemp(temporary.data(), O_CLOEXEC)); // mode 0600
     if (!opened) {
         return cannotWrite(name, lastError());
     }
-    return MailboxFile(std::move(name), sender.user, std::move(temporary), std::move(opened));
+    return MailboxFile(std::move(name), std::move(user), std::move(temporary), std::move(opened));
 }
 
 MailboxFile::MailboxFile(std::string mailboxName, std::string mailboxOwner, std::string temporaryPath,

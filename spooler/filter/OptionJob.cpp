@@ -2,6 +2,7 @@
 #include "spooler/filter/OptionJob.h"
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "ZANUtils/FieldKeys.h"
 #include "connection/ZANCorvianPrinterPList.h"
 #include "jobsettings/Findings.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace torka::filter {
@@ -29,11 +31,20 @@ std::string withoutAsterisk(std::string text) {
     return text;
 }
 
-// Null for a description that is not made for the pane.
-std::unique_ptr<ZANPPD> readModel(const std::string& path) {
+bool isNoDescription(const ZANPPD& model) {
+    const PPDXErrorObj* error = model.Errors()->First();
+    return error != nullptr && *error == PPDErr_NotPPDFile;
+}
+
+// Null for a description that is not made for the pane, and for none.
+Result<std::unique_ptr<ZANPPD>> readModel(const std::string& path) {
     auto model = std::make_unique<ZANPPD>(kAcceptOrphans | kAcceptHidden);
     model->SetFile(FSRef{path});
     model->Build();
+    std::error_code unknown;
+    if (model->HasFatalError() && std::filesystem::exists(path, unknown) && !isNoDescription(*model)) {
+        return Fault{"cannot be read"};
+    }
     const bool isOurs =
         !model->HasFatalError() && (model->MakerVersion() != nullptr || model->MakerVersionMac() != nullptr);
     return isOurs ? std::move(model) : nullptr;
@@ -134,7 +145,15 @@ std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets
                             [](const auto& option) { return OptionSettings::IsLeftAlone(option.first); })) {
         return std::nullopt;
     }
-    const std::unique_ptr<ZANPPD> model = readModel(job.description);
+    const std::uint64_t shortagesBefore = gMemoryShortages;
+    const Result<std::unique_ptr<ZANPPD>> read = readModel(job.description);
+    OptionJob result;
+    if (!read) {
+        result.refusal = "This job cannot be printed as its options ask: the queue's description " +
+                         read.Why().text + ". Print it again.";
+        return result;
+    }
+    const std::unique_ptr<ZANPPD>& model = *read;
     if (!model) {
         return std::nullopt;
     }
@@ -146,7 +165,6 @@ std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets
         settings.LeaveSecretsOut();
     }
     settings.Take(job.options, markedChoices(job.description, job.options));
-    OptionJob result;
     if (!settings.ProtectedNotes().empty()) {
         result.refusal = "This job cannot be printed: " + joined(settings.ProtectedNotes()) +
                          " is protected and cannot be an option, because others can read the options of a "
@@ -156,6 +174,9 @@ std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets
     result.told = settings.Remarks();
     settleConflicts(settings, result);
     emitTicket(settings, result);
+    if (gMemoryShortages != shortagesBefore) {
+        throw std::bad_alloc();
+    }
     if (settings.Policy() == ConflictPolicy::stop && !result.told.empty()) {
         result.refusal =
             "This job cannot be printed as its options ask (torka-conflicts=stop): " + joined(result.told) +

@@ -5,8 +5,10 @@
 #include "platform/System.h"
 
 #include <cerrno>
+#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -83,6 +85,22 @@ std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode) {
     return {};
 }
 
+std::vector<std::string> namesIn(const std::filesystem::path& folder) {
+    struct Closer {
+        void operator()(DIR* open) const { ::closedir(open); }
+    };
+    const std::unique_ptr<DIR, Closer> listed(::opendir(folder.c_str()));
+    std::vector<std::string> names;
+    for (const dirent* entry = listed ? ::readdir(listed.get()) : nullptr; entry != nullptr;
+         entry = ::readdir(listed.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") {
+            names.emplace_back(name);
+        }
+    }
+    return names;
+}
+
 OpenFile::~OpenFile() {
     if (descriptor >= 0) {
         ::close(descriptor);
@@ -108,7 +126,9 @@ FileResult<OpenFile> PrivateFolder::Create(std::string_view name, std::string_vi
     if (const FileResult<OpenFile> folder = openFolderFor(name); !folder) {
         return folder.Why();
     }
+    const std::filesystem::path target = place() / name;
     std::string temporary = (place() / ".torka-XXXXXX").string();
+    // From here to the removal of this file nothing needs memory.
     OpenFile file(::mkostemp(temporary.data(), O_APPEND | O_CLOEXEC)); // mode 0600
     if (!file) {
         return lastError();
@@ -118,7 +138,7 @@ FileResult<OpenFile> PrivateFolder::Create(std::string_view name, std::string_vi
     if (written >= 0 && static_cast<std::size_t>(written) != content.size()) {
         error = std::make_error_code(std::errc::no_space_on_device);
     } else if (written < 0 || ::flock(file.Descriptor(), LOCK_EX) != 0 ||
-               ::link(temporary.c_str(), (place() / name).c_str()) != 0) { // never replaces another file
+               ::link(temporary.c_str(), target.c_str()) != 0) { // never replaces another file
         error = lastError();
     }
     ::unlink(temporary.c_str());
@@ -185,13 +205,10 @@ std::int64_t PrivateFolder::Changed(std::string_view name) {
 
 std::vector<PrivateFolder::Entry> PrivateFolder::List() {
     std::vector<Entry> entries;
-    std::error_code error;
-    for (std::filesystem::directory_iterator file(place(), error), end; !error && file != end;
-         file.increment(error)) {
+    for (const std::string& name : namesIn(place())) {
         struct stat facts {};
-        if (::lstat(file->path().c_str(), &facts) == 0 && S_ISREG(facts.st_mode)) {
-            entries.push_back(
-                {file->path().filename().string(), static_cast<std::size_t>(facts.st_size), facts.st_mtime});
+        if (::lstat((place() / name).c_str(), &facts) == 0 && S_ISREG(facts.st_mode)) {
+            entries.push_back({name, static_cast<std::size_t>(facts.st_size), facts.st_mtime});
         }
     }
     return entries;

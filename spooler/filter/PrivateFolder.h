@@ -17,6 +17,10 @@ namespace torka::filter {
 // Creates a missing folder and its parents. Everybody may pass the parents.
 std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode);
 
+// The names in a folder; none of a folder that cannot be read. Throws std::bad_alloc, where the library's own
+// iterators end the process.
+std::vector<std::string> namesIn(const std::filesystem::path& folder);
+
 // A value, or the error of the operating system.
 template <typename Value>
 using FileResult = Result<Value, std::error_code>;

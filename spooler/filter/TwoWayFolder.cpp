@@ -45,11 +45,11 @@ TerminationLater::TerminationLater() {
 
 TerminationLater::~TerminationLater() { sigprocmask(SIG_SETMASK, &before, nullptr); }
 
-QueueLock::QueueLock(std::string queueName)
-    : queue(std::move(queueName))
+QueueLock::QueueLock(std::string_view queue)
+    : file(twoWayPlace(queue, lockFileSuffix))
     , failure(writeTwoWayFile(queue, lockFileSuffix, "")) {}
 
-void QueueLock::Release() { removeFile(twoWayPlace(queue, lockFileSuffix)); }
+void QueueLock::Release() { removeFile(file); }
 
 std::error_code writeTwoWayFile(std::string_view queue, std::string_view suffix, std::string_view content) {
     if (const std::error_code error = makeFolder(platform::system().Resolve(twoWayFolder), everybodyPasses)) {
@@ -75,20 +75,19 @@ bool removeTwoWayFile(std::string_view queue, std::string_view name) {
 void sweepTwoWayFolder() {
     std::map<std::string, std::vector<Answer>> answers; // by queue
     const auto now = file_time_type::clock::now();
-    std::error_code error;
-    for (std::filesystem::directory_iterator file(platform::system().Resolve(twoWayFolder), error), end;
-         !error && file != end; file.increment(error)) {
-        const std::string name = file->path().filename().string();
+    const std::filesystem::path folder = platform::system().Resolve(twoWayFolder);
+    for (const std::string& name : namesIn(folder)) {
+        const std::filesystem::path path = folder / name;
         std::error_code unknown;
-        const file_time_type written = file->last_write_time(unknown);
+        const file_time_type written = std::filesystem::last_write_time(path, unknown);
         const std::size_t mark = name.find(requestMark);
         if (unknown) {
             continue;
         }
         if (name.starts_with(partPrefix) && now - written > oldestPart) {
-            removeFile(file->path());
+            removeFile(path);
         } else if (mark != std::string::npos && name.ends_with(dataFileSuffix)) {
-            answers[name.substr(0, mark)].push_back({written, file->path()});
+            answers[name.substr(0, mark)].push_back({written, path});
         }
     }
     for (auto& [queue, files] : answers) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <csignal>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -26,7 +27,7 @@ private:
 class QueueLock {
 public:
     // Replaces a lock that a killed filter left.
-    explicit QueueLock(std::string queueName);
+    explicit QueueLock(std::string_view queue);
     QueueLock(const QueueLock&) = delete;
     QueueLock& operator=(const QueueLock&) = delete;
     ~QueueLock() { Release(); }
@@ -36,7 +37,7 @@ public:
 
 private:
     TerminationLater termination;
-    std::string queue;
+    std::filesystem::path file; // made before: Release() needs no memory
     std::error_code failure;
 };
 

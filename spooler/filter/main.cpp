@@ -19,6 +19,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <new>
+#include <stdexcept>
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
@@ -88,11 +90,7 @@ int runJob(const FilterJob& job) {
     return status;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);
-    ::umask(077);
+int run(int argc, char** argv) {
     // A job has five arguments at least.
     if (argc == 2 && std::string_view(argv[1]) == "--version") {
         return std::puts("torkafilter " TORKA_VERSION) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
@@ -103,4 +101,30 @@ int main(int argc, char** argv) {
         return 1;
     }
     return filter::supervise([&job] { return runJob(*job); });
+}
+
+// Needs no memory.
+int failed(const char* reason) noexcept {
+    std::fprintf(stderr,
+                 "%s: The filter stopped: %s. What reached the printer may not be complete. Print the job "
+                 "again.\n",
+                 "ERROR", reason);
+    filter::waitUntilRead();
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    ::umask(077);
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        return failed("not enough memory");
+    } catch (const std::length_error&) { // a text longer than any memory
+        return failed("not enough memory");
+    } catch (const std::exception&) { // its text could hold a part of the job
+        return failed("a library of the system fails");
+    }
 }

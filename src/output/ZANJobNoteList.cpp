@@ -3,6 +3,7 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "PPDX/Utilities/PostScriptText.h"
 #include "output/ZANJobTicket.h"
@@ -238,6 +239,7 @@ OSStatus ZANJobNoteList::AddFeatureCode(ZANJobTicket& ticket, const ZANJobNote& 
         out = allocated.get();
     }
     if (out == nullptr) {
+        ++gMemoryShortages;
         return noMemory;
     }
     if (size > 0) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/CString.h"
 
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "platform/SecretMemory.h"
 
@@ -13,6 +14,8 @@
 
 namespace torka {
 
+std::uint64_t gMemoryShortages = 0;
+
 namespace {
 
 struct Freer {
@@ -20,7 +23,11 @@ struct Freer {
 };
 using Block = std::unique_ptr<char, Freer>;
 
-Block newBlock(std::size_t size) { return Block(static_cast<char*>(std::malloc(size))); }
+Block newBlock(std::size_t size) {
+    Block block(static_cast<char*>(std::malloc(size)));
+    gMemoryShortages += block ? 0U : 1U;
+    return block;
+}
 
 char lowerAscii(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; }
 

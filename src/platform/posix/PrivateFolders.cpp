@@ -9,6 +9,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <limits.h>
+#include <new>
 #include <string>
 #include <string_view>
 #include <sys/file.h>
@@ -57,8 +58,9 @@ void removeLeftOver(const std::filesystem::path& parent) {
     }
 }
 
-// Calls only functions that are safe in a signal handler. The folder holds only files.
-void removeFilesFromHandler(int folder) {
+// Calls only functions that are safe in a signal handler, and needs no memory and no further descriptor. The
+// folder holds only files.
+void removeFiles(int folder) {
     // Offsets in an entry of getdents64(2).
     constexpr std::size_t lengthOffset = 16; // two bytes
     constexpr std::size_t nameOffset = 19;
@@ -80,7 +82,7 @@ void removeFilesFromHandler(int folder) {
 
 void removeAndEnd(int signal) {
     if (lockOfProcess >= 0) {
-        removeFilesFromHandler(lockOfProcess);
+        removeFiles(lockOfProcess);
         rmdir(folderOfProcess.data());
     }
     std::signal(signal, SIG_DFL);
@@ -96,22 +98,30 @@ std::filesystem::path makePrivateFolder(const std::filesystem::path& parent) {
         return {};
     }
     const int folder = open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (folder >= 0) {
-        flock(folder, LOCK_EX | LOCK_NB);
+    if (folder < 0) {
+        rmdir(name.c_str());
+        return {};
     }
+    flock(folder, LOCK_EX | LOCK_NB);
     name.copy(folderOfProcess.data(), name.size());
     folderOfProcess[name.size()] = '\0';
     lockOfProcess = folder;
     return name;
 }
 
-void removePrivateFolder(const std::filesystem::path& folder) {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-    if (lockOfProcess >= 0 && folder == folderOfProcess.data()) {
+void removePrivateFolder(const std::filesystem::path& folder) noexcept {
+    if (lockOfProcess >= 0 && folder.native() == folderOfProcess.data()) {
         const int lock = lockOfProcess;
+        removeFiles(lock);
+        rmdir(folderOfProcess.data());
         lockOfProcess = -1;
         close(lock);
+        return;
+    }
+    try {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    } catch (const std::bad_alloc&) { // the next process of this user removes it
     }
 }
 

@@ -10,8 +10,8 @@ namespace torka::platform {
 // Makes a folder below `parent`; "" when it cannot be made. Other processes see it as used while this process
 // lives. Also removes this user's folders that killed processes left behind.
 std::filesystem::path makePrivateFolder(const std::filesystem::path& parent);
-// Removes a folder and its content.
-void removePrivateFolder(const std::filesystem::path& folder);
+// Removes a folder and the files in it.
+void removePrivateFolder(const std::filesystem::path& folder) noexcept;
 
 // Makes SIGTERM, SIGINT and SIGHUP remove the folder of makePrivateFolder before they end the process. An
 // ignored signal stays ignored. Only our own programs call this; a foreign host owns its signal handlers.

@@ -4,6 +4,7 @@
 #include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/NumberText.h"
 #include "PPDX/PPDObjects/StoredRecord.h"
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "PPDX/Utilities/PostScriptText.h"
 
 #include <algorithm>
@@ -313,6 +314,7 @@ long PPDXControl::Inject(const char* name, const unsigned char* psTemplate, long
     }
     return static_cast<long>(out.size());
 } catch (const std::bad_alloc&) {
+    ++gMemoryShortages;
     out.clear();
     return 0;
 }

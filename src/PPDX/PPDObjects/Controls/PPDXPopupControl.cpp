@@ -330,7 +330,7 @@ void PPDXPopupControl::TakeItems(PopupItems newItems, const char* newDefault) {
     cursor = 0;
     current = emitted = none;
     defaultIndexOverride = 0;
-    defaultItem = wanted ? PlaceOf(wanted->Buffer()) : none;
+    defaultItem = wanted && wanted->Buffer() ? PlaceOf(wanted->Buffer()) : none;
     strayDefault = defaultItem == none ? std::move(wanted) : nullptr;
 }
 

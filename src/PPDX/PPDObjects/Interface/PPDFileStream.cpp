@@ -2,6 +2,7 @@
 #include "PPDX/PPDObjects/Interface/PPDFileStream.h"
 
 #include "PPDFile.h"
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "PPDX/Utilities/ModelState.h"
 
 #include <algorithm>
@@ -30,6 +31,7 @@ bool PPDFileStream::Setup() {
         capacity = static_cast<long>(
             std::min<std::uint64_t>(file->dataForkSize(), static_cast<std::uint64_t>(capacity)));
         buffer.reset(capacity > 0 ? new (std::nothrow) char[static_cast<std::size_t>(capacity)] : nullptr);
+        gMemoryShortages += capacity > 0 && !buffer ? 1U : 0U;
     }
     long count = buffer ? capacity : 0;
     const OSStatus result = buffer ? file->dataForkRead(buffer.get(), count) : eofErr;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "PPDX/Utilities/MemoryShortage.h"
 
 #include "PPDFile.h"
 #include "PPDX/PPDObjects/Interface/ElementKeywords.h"
@@ -174,6 +175,7 @@ void ZANPPD::Parse() {
     if (!file) {
         return;
     }
+    const std::uint64_t shortagesBefore = gMemoryShortages;
     PPDFile source(*file);
     if (!StartReading(std::make_unique<PPDFileStream>(&source, true))) {
         Report(PPDErr_FileError, {}, 0);
@@ -192,6 +194,9 @@ void ZANPPD::Parse() {
     }
     StopReading();
     inInstallableOptions = false;
+    if (gMemoryShortages != shortagesBefore) {
+        Report(PPDErr_OutOfMemory, {}, 0);
+    }
 }
 
 bool ZANPPD::TestPPDFile() {
@@ -213,10 +218,12 @@ void ZANPPD::ParseLines() {
     const bool stopsAtAnnotation = hostStopsAtAnnotation();
     std::array<char, kLineCapacity> text;
     const std::size_t errorsBefore = errors->Count();
+    const std::uint64_t shortagesBefore = gMemoryShortages;
     while (ReadNonEmptyLine(text.data())) {
         const std::string_view line(text.data());
         ParseLine(text.data(), line);
-        if (hasFatalError || (stopOnFirstError && errors->Count() > errorsBefore)) {
+        if (hasFatalError || gMemoryShortages != shortagesBefore ||
+            (stopOnFirstError && errors->Count() > errorsBefore)) {
             return;
         }
         if (stopsAtAnnotation && contains(line, "APLANNOTATE END")) {
