@@ -148,18 +148,12 @@ PPDXControl* PPDXControls::Next(CNTL_TYPE& type) {
 
 PPDXPopupControl* PPDXControls::FirstPopupControl() { return FirstOf<PPDXPopupControl>(); }
 PPDXPopupControl* PPDXControls::NextPopupControl() { return NextOf<PPDXPopupControl>(); }
-PPDXBooleanControl* PPDXControls::FirstBooleanControl() {
-    return FirstOf<PPDXBooleanControl>();
-}
+PPDXBooleanControl* PPDXControls::FirstBooleanControl() { return FirstOf<PPDXBooleanControl>(); }
 PPDXBooleanControl* PPDXControls::NextBooleanControl() { return NextOf<PPDXBooleanControl>(); }
 PPDXRangeControl* PPDXControls::FirstRangeControl() { return FirstOf<PPDXRangeControl>(); }
 PPDXRangeControl* PPDXControls::NextRangeControl() { return NextOf<PPDXRangeControl>(); }
-PPDXFloatRangeControl* PPDXControls::FirstFloatRangeControl() {
-    return FirstOf<PPDXFloatRangeControl>();
-}
-PPDXFloatRangeControl* PPDXControls::NextFloatRangeControl() {
-    return NextOf<PPDXFloatRangeControl>();
-}
+PPDXFloatRangeControl* PPDXControls::FirstFloatRangeControl() { return FirstOf<PPDXFloatRangeControl>(); }
+PPDXFloatRangeControl* PPDXControls::NextFloatRangeControl() { return NextOf<PPDXFloatRangeControl>(); }
 PPDXJobNote* PPDXControls::FirstJobNote() { return FirstOf<PPDXJobNote>(); }
 PPDXJobNote* PPDXControls::NextJobNote() { return NextOf<PPDXJobNote>(); }
 PPDXCustomPageSizeControl* PPDXControls::FirstCustomPageSizeControl() {

@@ -75,8 +75,8 @@ struct CountArray {
     std::uint32_t hiddenOrphans = 0;
 };
 
-// Holds controls in the order of addition, in one list with a cursor for each kind. The description's main collection owns its
-// controls and deletes them; a roll-down's collection refers to them.
+// Holds controls in the order of addition, in one list with a cursor for each kind. The description's main
+// collection owns its controls and deletes them; a roll-down's collection refers to them.
 //
 // Counts and First/Next obey the current display options; Find does not. Set a control's parent before adding
 // it.

@@ -71,7 +71,8 @@ void checkHeaderLine(PPDLint& lint, long line, std::string_view keyword, const P
     }
 }
 
-// Every such line takes memory as long as the description lives. A control's further lines belong to its first.
+// Every such line takes memory as long as the description lives. A control's further lines belong to its
+// first.
 bool definesElement(LineKind kind) {
     switch (kind) {
     case LineKind::constraint:

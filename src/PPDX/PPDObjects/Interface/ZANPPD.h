@@ -48,8 +48,8 @@ struct PopupJobNotePreferences {
     std::string values; // the remembered values, as the popup dialog wrote them
 };
 
-// The maximum content of a description, far above any real one. More is a fatal error: what a description takes
-// in memory stays bounded.
+// The maximum content of a description, far above any real one. More is a fatal error: what a description
+// takes in memory stays bounded.
 struct DescriptionLimits {
     // Pages, groups, placements, controls and their flags, choices, shortcuts, constraints.
     std::size_t elements = 1'000'000;
@@ -66,8 +66,8 @@ struct SuppliedPopupItem {
 // shortcuts, constraints, and the defects found.
 //
 // Owns all of it, including the controls' PostScript bytes. Parsed once, by a constructor or Build().
-// Errors() collects the defects, each with its line. Fatal defects (file, format, memory, limits) end the parse. Not
-// thread-safe.
+// Errors() collects the defects, each with its line. Fatal defects (file, format, memory, limits) end the
+// parse. Not thread-safe.
 class ZANPPD : public PPDX {
 public:
     // Makes an empty model. SetFile, SetExtensions, SetStopOnFirstError and SetLint may follow; Build() fills
