@@ -122,6 +122,12 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
          "*Collate", "Off", "False", nullptr},
         {"sides in the pane", pane("Layout", "*QVDuplex", "Turn on Long Edge"), "*QVDuplex",
          "Turn on Long Edge", "LongEdge", "%%BeginFeature: *QVDuplex LongEdge"},
+        {"pages per sheet in the pane", pane("Layout", "*QVNUpPages", "4"), "*QVNUpPages", "4", "4",
+         "%%BeginFeature: *QVNUpPages 4"},
+        {"tray in the pane", pane("Paper and Job", "*InputSlot", "Tray 1"), "*InputSlot", "Tray 1", "Tray1",
+         "%%BeginFeature: *InputSlot Tray1"},
+        {"media in the pane", pane("Paper and Job", "*MediaType", "Labels"), "*MediaType", "Labels", "Labels",
+         "%%BeginFeature: *MediaType Labels"},
         {"size, then landscape",
          [&](PrintDialog& dialog) {
              ChoosePageSize(dialog, "Tabloid");
@@ -156,6 +162,16 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
              QTest::keyClick(Field<QComboBox>(dialog, "*QVStaple"), Qt::Key_Z, Qt::ControlModifier);
          },
          "*QVStaple", "Off", "None", nullptr},
+        {"staple", pane("Finishing", "*QVStaple", "Two, Left"), "*QVStaple", "Two, Left", "Dual",
+         "%%BeginFeature: *QVStaple Dual"},
+        {"two pages per sheet", pane("Layout", "*QVNUpPages", "2"), "*QVNUpPages", "2", "2",
+         "%%BeginFeature: *QVNUpPages 2"},
+        {"tray, then size in Properties",
+         [&](PrintDialog& dialog) {
+             pane("Paper and Job", "*InputSlot", "Tray 2")(dialog);
+             ChoosePageSize(dialog, "A4");
+         },
+         "*InputSlot", "Tray 2", "Tray2", "%%BeginFeature: *InputSlot Tray2"},
         {"a size that no name has",
          [](PrintDialog& dialog) {
              UseProperties(dialog, [](QDialog& window) {
