@@ -25,6 +25,8 @@ struct WatermarkFields {
     std::string fontName = "Helvetica";
     std::string text; // UTF-8
 
+    bool operator==(const WatermarkFields&) const = default;
+
     static WatermarkFields Of(const ZANWatermark& watermark);
     // Returns the definition. Control characters of the text become blanks. Commas in the font's name would
     // shift the fields and are removed.

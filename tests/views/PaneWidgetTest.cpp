@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSlider>
 #include <QTest>
 #include <QToolButton>
@@ -388,6 +389,45 @@ TEST_F(PaneWidgetTest, EveryFieldHasANameARoleAndAPlaceInTheTabOrder) {
         });
     }
     EXPECT_GT(rows, 60U);
+}
+
+TEST(LongGroup, MakesItsRowsAsTheyAreScrolledTo) {
+    const ScopedMemorySystem system;
+    std::string description = paneHeader;
+    const auto keyword = [](int number) { return "*Note" + std::to_string(number); };
+    for (int number = 0; number < 600; ++number) {
+        description += jobNote(keyword(number).substr(1));
+    }
+    ViewedPane pane(std::make_unique<Pane>(description));
+    pane.Draw();
+    pane.Root()->resize(820, 600);
+    pane.Root()->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(pane.Root()));
+    ASSERT_TRUE(pane.Widget().ShowPage("Page"));
+    FieldPage& page = *pane.Widget().CurrentFieldPage();
+    EXPECT_LT(page.RowCount(), 100U);
+    const int heightAtFirst = page.widget()->height();
+
+    const auto focusOf = [&](int number) {
+        const FieldRow* row = page.RowOf(keyword(number));
+        return row == nullptr ? nullptr : row->Focus();
+    };
+    ASSERT_TRUE(page.ShowField(keyword(150))); // its row is made for it
+    EXPECT_TRUE(focusOf(150)->hasFocus());
+    EXPECT_LT(page.RowCount(), 300U);
+    for (int number = 150; number < 300; ++number) { // keys reach one row after the other
+        ASSERT_TRUE(focusOf(number) != nullptr && focusOf(number)->hasFocus()) << number;
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCoreApplication::processEvents();
+    }
+    for (int times = 0; times < 50; ++times) {
+        page.verticalScrollBar()->setValue(page.verticalScrollBar()->maximum());
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(page.RowCount(), 600U);
+    EXPECT_TRUE(page.viewport()->rect().contains(focusOf(599)->mapTo(page.viewport(), QPoint())));
+    EXPECT_NEAR(page.widget()->height(), heightAtFirst, heightAtFirst / 10)
+        << "the scroll bar told it before";
 }
 
 TEST_F(PaneWidgetTest, RollDownsOpenAndCloseByKeys) {

@@ -22,6 +22,27 @@ bool choosesSeveral(const PPDXControl& control) {
     return popup != nullptr && popup->CanSelectMultipleItems();
 }
 
+// The keyword of a popup's one choice without the way through a CFString, which takes most of the time of
+// comparing hundreds of fields. None for other controls, and for what that way would change: text that is
+// not ASCII.
+std::optional<std::string_view> chosenKeyword(const PPDXControl& control) {
+    const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
+    if (popup == nullptr || popup->CanSelectMultipleItems()) {
+        return std::nullopt;
+    }
+    std::string_view keyword;
+    bool isFound = false;
+    popup->ForEachItem([&](const _PopupItem& item) {
+        if (item.selected != 0 && !isFound) {
+            keyword = item.keyword.View();
+            isFound = true;
+        }
+    });
+    const bool isAscii =
+        std::ranges::all_of(keyword, [](char unit) { return static_cast<unsigned char>(unit) < 0x80; });
+    return isAscii ? std::optional(keyword) : std::nullopt;
+}
+
 std::vector<std::string> linesOf(std::string_view text) {
     std::vector<std::string> lines;
     while (!text.empty()) {
@@ -71,6 +92,9 @@ PPDXControl* PaneEditor::FindControl(std::string_view keyword) const {
 }
 
 std::string PaneEditor::Value(const PPDXControl& control) {
+    if (const std::optional<std::string_view> keyword = chosenKeyword(control)) {
+        return std::string(*keyword);
+    }
     if (choosesSeveral(control)) {
         std::string chosen;
         static_cast<const PPDXPopupControl&>(control).ForEachItem([&](const _PopupItem& item) {

@@ -15,6 +15,8 @@ class PDEData;
 struct PaperSize {
     double width; // points, upright
     double height;
+
+    bool operator==(const PaperSize&) const = default;
 };
 // The size of the paper of that name. None when the printer does not have it, or when its size is no sheet of
 // paper.

@@ -69,6 +69,8 @@ struct JobSheets {
     std::optional<WatermarkFields> watermark;
     std::vector<const PPDXControl*> drawn; // the settings that the picture shows, in the table's order
 
+    bool operator==(const JobSheets&) const = default;
+
     // Whether the sheet lies across, for a reader of its pages.
     bool IsSheetLandscape() const { return isLandscape != IsTurned(); }
     // Two, six and eight pages, and booklets, turn the sheet against its pages.

@@ -23,7 +23,7 @@ void PresetChoice::Choose(const std::string& name) {
 }
 
 void PresetChoice::ChooseByPresentSettings() {
-    if (chosen.empty()) {
+    if (chosen.empty() && !store.Names().empty()) { // most people have none, and are spared the comparison
         Choose(store.NameOf(store.PresentSettings()));
     }
 }

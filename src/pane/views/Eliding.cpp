@@ -21,13 +21,10 @@ QString elided(const QWidget& widget, const QString& plain, int width) {
     return labelText(widget.fontMetrics().elidedText(plain, Qt::ElideRight, width));
 }
 
-bool isCut(const QWidget& widget, const QString& plain, int width) {
-    return widget.fontMetrics().horizontalAdvance(plain) > width;
-}
-
 // A tooltip of the widget takes precedence over the full text.
 bool showWhole(QEvent* event, const QWidget& widget, const QString& plain, int width) {
-    if (event->type() != QEvent::ToolTip || !widget.toolTip().isEmpty() || !isCut(widget, plain, width)) {
+    if (event->type() != QEvent::ToolTip || !widget.toolTip().isEmpty() ||
+        widget.fontMetrics().horizontalAdvance(plain) <= width) {
         return false;
     }
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(plain));
@@ -41,6 +38,14 @@ int checkTextWidth(const QCheckBox& box) {
 }
 
 } // namespace
+
+int PlainWidth::Of(const QString& text, const QWidget& widget) const {
+    if (width < 0 || widget.font() != measuredFont) {
+        measuredFont = widget.font();
+        width = widget.fontMetrics().horizontalAdvance(text);
+    }
+    return width;
+}
 
 ElidingCheckBox::ElidingCheckBox(const QString& plainText, QWidget* parent)
     : QCheckBox(labelText(plainText), parent)
@@ -56,7 +61,7 @@ QSize ElidingCheckBox::minimumSizeHint() const {
 
 void ElidingCheckBox::initStyleOption(QStyleOptionButton* option) const {
     QCheckBox::initStyleOption(option);
-    if (isCut(*this, plain, checkTextWidth(*this))) {
+    if (plainWidth.Of(plain, *this) > checkTextWidth(*this)) {
         option->text = elided(*this, plain, checkTextWidth(*this));
     }
 }
@@ -84,7 +89,7 @@ QSize ElidingToolButton::minimumSizeHint() const {
 
 void ElidingToolButton::initStyleOption(QStyleOptionToolButton* option) const {
     QToolButton::initStyleOption(option);
-    if (isCut(*this, plain, TextWidth())) {
+    if (plainWidth.Of(plain, *this) > TextWidth()) {
         option->text = elided(*this, plain, TextWidth());
     }
 }

@@ -2,12 +2,23 @@
 #pragma once
 
 #include <QCheckBox>
+#include <QFont>
 #include <QToolButton>
 
 // Buttons for texts of a description, which may have any length. They never widen a page. A cut text is shown
 // whole in the tooltip.
 
 namespace torka {
+
+// The width of a text in a font. Layouts and paintings ask for it often; it is measured once for each font.
+class PlainWidth {
+public:
+    int Of(const QString& text, const QWidget& widget) const;
+
+private:
+    mutable QFont measuredFont;
+    mutable int width = -1; // not measured
+};
 
 class ElidingCheckBox final : public QCheckBox {
 public:
@@ -20,6 +31,7 @@ protected:
 
 private:
     QString plain;
+    PlainWidth plainWidth;
 };
 
 class ElidingToolButton final : public QToolButton {
@@ -35,6 +47,7 @@ private:
     int TextWidth() const;
 
     QString plain;
+    PlainWidth plainWidth;
 };
 
 } // namespace torka

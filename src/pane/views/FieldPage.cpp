@@ -8,12 +8,39 @@
 
 #include <QFormLayout>
 #include <QLabel>
+#include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
 
 namespace torka {
+namespace {
+
+constexpr std::size_t rowsAtFirst = 40; // of a group
+
+// The height of the missing rows when they are as high as the made ones; a widget has a greatest height.
+int roomHeight(int heightOfMade, std::size_t made, std::size_t missing) {
+    const double height =
+        static_cast<double>(heightOfMade) / static_cast<double>(made) * static_cast<double>(missing);
+    return static_cast<int>(std::min(height, QWIDGETSIZE_MAX / 2.0));
+}
+
+// Puts the widgets of a row behind `before` in the order in which keys reach them. Returns the last one.
+QWidget* chainInTabOrder(QWidget* before, const QWidget& row) {
+    for (QWidget* widget : row.findChildren<QWidget*>()) {
+        if (widget->focusPolicy() != Qt::NoFocus && widget->focusProxy() == nullptr) {
+            if (before != nullptr) {
+                QWidget::setTabOrder(before, widget);
+            }
+            before = widget;
+        }
+    }
+    return before;
+}
+
+} // namespace
 
 FieldPage::FieldPage(PaneContext& paneContext, QWidget* parent)
     : QScrollArea(parent)
@@ -23,14 +50,18 @@ FieldPage::FieldPage(PaneContext& paneContext, QWidget* parent)
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     viewport()->setAutoFillBackground(false);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { MakeVisibleRows(); });
+    connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, [this] { MakeVisibleRows(); });
     Clear();
 }
 
 FieldPage::~FieldPage() {
+    longGroups.clear();
     delete takeWidget(); // the widgets call the rows, so they go first
 }
 
 void FieldPage::Clear() {
+    longGroups.clear();
     delete takeWidget();
     rows.clear();
     groups.clear();
@@ -133,24 +164,84 @@ void FieldPage::Fill(QWidget& content, const std::vector<PaneField>& fields,
         form->addRow(label, extra.widget);
         extraUpdates.push_back(extra.update);
     }
-    for (const PaneField& field : fields) {
-        auto row = makeFieldRow(context, field, &content);
-        if (QLabel* label = row->Label()) {
-            label->setFixedWidth(labelWidth);
-            if (fontMetrics().horizontalAdvance(label->text()) > labelWidth) {
-                label->setToolTip(plainToolTip(label->text())); // a long word of it may be cut
-            }
-            label->setBuddy(row->Focus());
-            form->addRow(label, row->Body());
-        } else {
-            auto* space = new QWidget(&content); // keeps check boxes in the column of the controls
-            space->setFixedWidth(labelWidth);
-            form->addRow(space, row->Body());
-        }
-        row->ShowValue();
-        row->ShowAllowed();
-        rows.push_back(std::move(row));
+    const std::size_t first = std::min(fields.size(), rowsAtFirst);
+    for (std::size_t i = 0; i < first; ++i) {
+        MakeRow(*form, form->rowCount(), fields[i]);
     }
+    if (first < fields.size()) {
+        LongGroup group{form, fields, first, new QWidget(&content)};
+        const int height = form->sizeHint().height(); // of the made rows
+        form->addRow(group.room);
+        group.room->setFixedHeight(roomHeight(height, first, fields.size() - first));
+        longGroups.push_back(std::move(group));
+    }
+}
+
+void FieldPage::MakeRow(QFormLayout& form, int place, const PaneField& field) {
+    QWidget* content = form.parentWidget();
+    auto row = makeFieldRow(context, field, content);
+    if (QLabel* label = row->Label()) {
+        label->setFixedWidth(labelWidth);
+        if (fontMetrics().horizontalAdvance(label->text()) > labelWidth) {
+            label->setToolTip(plainToolTip(label->text())); // a long word of it may be cut
+        }
+        label->setBuddy(row->Focus());
+        form.insertRow(place, label, row->Body());
+    } else {
+        auto* space = new QWidget(content); // keeps check boxes in the column of the controls
+        space->setFixedWidth(labelWidth);
+        form.insertRow(place, space, row->Body());
+    }
+    row->ShowValue();
+    row->ShowAllowed();
+    rows.push_back(std::move(row));
+}
+
+// Makes the next rows of a group, above the room of those that are still missing.
+void FieldPage::MakeRows(LongGroup& group, std::size_t count) {
+    const QScopedValueRollback making(isMakingRows, true);
+    const std::size_t end = std::min(group.fields.size(), group.made + count);
+    const FieldRow* above = RowOf(group.fields[group.made - 1].keyword);
+    QWidget* before = above == nullptr ? nullptr : chainInTabOrder(nullptr, *above->Body());
+    for (; group.made < end; ++group.made) {
+        MakeRow(*group.form, group.form->rowCount() - 1, group.fields[group.made]);
+        before = chainInTabOrder(before, *rows.back()->Body());
+    }
+    const std::size_t missing = group.fields.size() - group.made;
+    if (missing == 0) {
+        group.form->removeRow(group.room); // deletes it
+        group.room = nullptr;
+    } else {
+        const int height = group.form->sizeHint().height() - group.room->minimumHeight();
+        group.room->setFixedHeight(roomHeight(height, group.made, missing));
+    }
+}
+
+// Makes the rows of the visible part and of one more height of the page, so that keys always find a next row.
+void FieldPage::MakeVisibleRows() {
+    if (isMakingRows || !isVisible()) {
+        return;
+    }
+    for (LongGroup& group : longGroups) {
+        while (group.room != nullptr && group.room->isVisible() &&
+               group.room->mapTo(viewport(), QPoint()).y() < 2 * viewport()->height()) {
+            MakeRows(group, rowsAtFirst);
+            group.form->activate();
+            column->layout()->activate();
+            column->adjustSize();
+        }
+    }
+    std::erase_if(longGroups, [](const LongGroup& group) { return group.room == nullptr; });
+}
+
+void FieldPage::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    MakeVisibleRows();
+}
+
+void FieldPage::showEvent(QShowEvent* event) {
+    QScrollArea::showEvent(event);
+    MakeVisibleRows();
 }
 
 void FieldPage::Update(const std::vector<PPDXControl*>* controls) {
@@ -189,6 +280,14 @@ bool FieldPage::ShowField(std::string_view keyword) {
             break;
         }
     }
+    for (LongGroup& group : longGroups) {
+        const auto place = std::ranges::find(group.fields, keyword, &PaneField::keyword);
+        const auto index = static_cast<std::size_t>(place - group.fields.begin());
+        if (place != group.fields.end() && index >= group.made) {
+            MakeRows(group, index + 1 - group.made);
+        }
+    }
+    std::erase_if(longGroups, [](const LongGroup& group) { return group.room == nullptr; });
     FieldRow* row = RowOf(keyword);
     if (row == nullptr) {
         return false;

@@ -16,8 +16,8 @@ namespace torka {
 
 class RollDown;
 
-// A scrolling page of fields, with or without roll-downs. A row is made when its roll-down first opens, and
-// updated only while the page is visible.
+// A scrolling page of fields, with or without roll-downs. A row is made when its roll-down first opens, in a
+// long group when it comes near the visible part, and updated only while the page is visible.
 class FieldPage final : public QScrollArea {
 public:
     explicit FieldPage(PaneContext& paneContext, QWidget* parent = nullptr);
@@ -49,26 +49,42 @@ public:
     bool ShowField(std::string_view keyword);
     // Gives the focus to the first enabled field.
     void FocusFirst();
-    // The row of a field; null when the page does not have it or its roll-down was never open.
+    // The row of a field; null when the page does not have it or the row is not made yet.
     FieldRow* RowOf(std::string_view keyword) const;
 
     // For the tests; no caller here
     std::size_t RowCount() const { return rows.size(); }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     struct Group {
         RollDown* rollDown;
         std::vector<std::string> keywords;
     };
+    // A group of which only the first rows are made.
+    struct LongGroup {
+        QFormLayout* form;
+        std::vector<PaneField> fields;
+        std::size_t made = 0;
+        QWidget* room = nullptr; // about as high as the rows that are not made
+    };
 
     void Fill(QWidget& content, const std::vector<PaneField>& fields,
               const std::vector<ExtraRow>& extraRows = {});
+    void MakeRow(QFormLayout& form, int place, const PaneField& field);
+    void MakeRows(LongGroup& group, std::size_t count);
+    void MakeVisibleRows();
     int LabelWidth(const std::vector<PaneField>& fields) const;
 
     PaneContext& context;
     QWidget* column = nullptr;
     std::vector<std::unique_ptr<FieldRow>> rows;
     std::vector<Group> groups;
+    std::vector<LongGroup> longGroups;
+    bool isMakingRows = false; // which changes the height, and with it what is visible
     std::vector<std::function<void()>> extraUpdates;
     int labelWidth = 0; // the same for all groups, which aligns their columns
 };

@@ -18,6 +18,8 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QSizePolicy>
+#include <QStyle>
+#include <QStyleOptionToolButton>
 #include <QToolButton>
 #include <QToolTip>
 #include <QWhatsThis>
@@ -64,6 +66,10 @@ void makeSmall(QToolButton* button, PaneSign sign, const QString& name) {
     button->setSizePolicy(policy);
     button->hide();
 }
+
+// The two small buttons stand behind the control of the row.
+constexpr int placeOfInformation = 1;
+constexpr int placeOfReset = 2;
 
 // The wheel scrolls the page and changes a setting only when its field has the focus.
 class WheelGuard final : public QObject {
@@ -115,20 +121,59 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
     layout->addWidget(control, 1);
+    const QSize size = SmallButtonSize();
+    for ([[maybe_unused]] const int place : {placeOfInformation, placeOfReset}) {
+        layout->addSpacerItem(
+            new QSpacerItem(size.width(), size.height(), QSizePolicy::Fixed, QSizePolicy::Fixed));
+    }
+    setPlainToolTip(*focus, Description());
+    wheelGuard = guardFromWheel(*body);
+    ShowLock();
+}
+
+// The size that a tool button with a sign has.
+QSize FieldRow::SmallButtonSize() const {
+    QStyleOptionToolButton option;
+    option.initFrom(body);
+    const int sign = body->style()->pixelMetric(QStyle::PM_ButtonIconSize, nullptr, body);
+    option.iconSize = QSize(sign, sign);
+    return body->style()->sizeFromContents(QStyle::CT_ToolButton, &option, option.iconSize, body);
+}
+
+// Replaces the room that the row kept.
+void FieldRow::PutIn(QToolButton* button, int place) {
+    auto* layout = static_cast<QHBoxLayout*>(body->layout());
+    button->setFixedSize(SmallButtonSize());
+    delete layout->takeAt(place);
+    layout->insertWidget(place, button);
+    // The keys reach it after what stands before it in the row.
+    QWidget* before = focus;
+    for (QWidget* next = body->nextInFocusChain(); next != body && body->isAncestorOf(next);
+         next = next->nextInFocusChain()) {
+        if (next != button && next != reset && next->focusPolicy() != Qt::NoFocus) {
+            before = next;
+        }
+    }
+    QWidget::setTabOrder(before, button);
+}
+
+void FieldRow::MakeInformation() {
     information = new WhyButton([this] { return Reasons(); },
                                 [this](QToolButton& button) { ShowReasons(button); }, body);
     makeSmall(information, PaneSign::information, context.Say(words::whyForbidden));
+    PutIn(information, placeOfInformation);
+}
+
+void FieldRow::MakeReset() {
     reset = new QToolButton(body);
-    makeSmall(reset, PaneSign::reset, {});
-    layout->addWidget(information);
-    layout->addWidget(reset);
+    const QString tip = qText(shownReset(context.texts, field));
+    makeSmall(reset, PaneSign::reset, tip);
+    reset->setToolTip(plainToolTip(tip));
+    PutIn(reset, placeOfReset);
     QObject::connect(reset, &QToolButton::clicked, reset, [this] {
         context.editor.Reset(*field.control);
         focus->setFocus(); // the button is hidden now
     });
-    setPlainToolTip(*focus, Description());
-    wheelGuard = guardFromWheel(*body);
-    ShowLock();
 }
 
 void FieldRow::Set(const std::string& value) {
@@ -155,15 +200,23 @@ void FieldRow::ShowValue() {
 void FieldRow::ShowReset() {
     const bool differs =
         body->isEnabled() && PaneEditor::Value(*field.control) != PaneEditor::DefaultValue(*field.control);
-    reset->setVisible(differs);
-    if (differs && resetTip.isEmpty()) {
-        resetTip = qText(shownReset(context.texts, field));
-        reset->setToolTip(plainToolTip(resetTip));
-        reset->setAccessibleName(resetTip);
+    if (differs && reset == nullptr) {
+        MakeReset();
+    }
+    if (reset != nullptr) {
+        reset->setVisible(differs);
     }
 }
 
-void FieldRow::ShowAllowed() { information->setVisible(body->isEnabled() && UpdateAllowed()); }
+void FieldRow::ShowAllowed() {
+    const bool isAnyForbidden = body->isEnabled() && UpdateAllowed();
+    if (isAnyForbidden && information == nullptr) {
+        MakeInformation();
+    }
+    if (information != nullptr) {
+        information->setVisible(isAnyForbidden);
+    }
+}
 
 QString FieldRow::Reasons() const { return qText(whyForbidden(context.texts, *field.control)); }
 

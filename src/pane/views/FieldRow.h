@@ -4,6 +4,7 @@
 #include "pane/views/PaneContext.h"
 
 #include <QObject>
+#include <QSize>
 
 #include <memory>
 
@@ -55,16 +56,19 @@ protected:
 
 private:
     void ShowLock();
+    QSize SmallButtonSize() const;
+    void PutIn(QToolButton* button, int place);
+    void MakeInformation();
+    void MakeReset();
     void ShowReasons(QToolButton& button);
     void ShowReset();
 
     QWidget* body = nullptr;
     QWidget* focus = nullptr;
     QLabel* label = nullptr;
-    QToolButton* information = nullptr;
-    QToolButton* reset = nullptr;
+    QToolButton* information = nullptr; // null until it is first needed; the row has room for it
+    QToolButton* reset = nullptr;       // likewise
     std::unique_ptr<QObject> wheelGuard;
-    QString resetTip;
 };
 
 // Makes the row for the kind of control.

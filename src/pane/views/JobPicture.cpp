@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace torka {
 namespace {
@@ -22,6 +23,7 @@ JobPicture::JobPicture(PaneContext& paneContext, QWidget* parent)
     setObjectName(QStringLiteral("jobPicture"));
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored); // never widens the pane
     pending.setSingleShot(true);
+    setAccessibleName(context.Say(words::jobPicture));
     pending.setInterval(0);
     connect(&pending, &QTimer::timeout, this, [this] { TakeSettings(); });
 }
@@ -39,13 +41,17 @@ void JobPicture::showEvent(QShowEvent* event) {
 
 void JobPicture::TakeSettings() {
     pending.stop();
-    sheets = jobSheets(context.editor, context.data,
-                       context.panel == nullptr ? nullptr : context.panel->currentPrinter());
-    if (sheets.watermark) {
-        sheets.watermark->text = printedWatermark(context.texts, *sheets.watermark).shown;
+    JobSheets now = jobSheets(context.editor, context.data,
+                              context.panel == nullptr ? nullptr : context.panel->currentPrinter());
+    if (now.watermark) {
+        now.watermark->text = printedWatermark(context.texts, *now.watermark).shown;
     }
-    sentences = qText(joined(jobSentences(context.texts, sheets), " · "));
-    setAccessibleName(context.Say(words::jobPicture));
+    QString nowInWords = qText(joined(jobSentences(context.texts, now), " · "));
+    if (now == sheets && nowInWords == sentences) {
+        return; // most settings show nothing here
+    }
+    sheets = std::move(now);
+    sentences = std::move(nowInWords);
     setAccessibleDescription(sentences);
     setToolTip(plainToolTip(sentences));
     update();

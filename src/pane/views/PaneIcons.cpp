@@ -7,6 +7,7 @@
 #include <QPainterPath>
 #include <QPalette>
 #include <QPixmap>
+#include <QPixmapCache>
 
 namespace torka {
 namespace {
@@ -118,10 +119,7 @@ public:
         : sign(drawn) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        const QPalette palette = QApplication::palette();
-        const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
-        const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::WindowText;
-        const QColor color = palette.color(group, role);
+        const QColor color = ColorOf(mode);
         const double size = std::min(rect.width(), rect.height());
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
@@ -135,17 +133,37 @@ public:
         painter->restore();
     }
 
+    // A page shows the same few signs in each of its rows, so that drawn ones are kept.
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        QPixmap picture(size);
+        const QString key = QStringLiteral("torka-sign %1 %2x%3 %4 %5")
+                                .arg(static_cast<int>(sign))
+                                .arg(size.width())
+                                .arg(size.height())
+                                .arg(ColorOf(mode).rgba(), 0, 16)
+                                .arg(isMirrored(sign) ? 1 : 0);
+        QPixmap picture;
+        if (QPixmapCache::find(key, &picture)) {
+            return picture;
+        }
+        picture = QPixmap(size);
         picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        paint(&painter, QRect(QPoint(), size), mode, state);
+        {
+            QPainter painter(&picture);
+            paint(&painter, QRect(QPoint(), size), mode, state);
+        }
+        QPixmapCache::insert(key, picture);
         return picture;
     }
 
     QIconEngine* clone() const override { return new SignEngine(*this); }
 
 private:
+    static QColor ColorOf(QIcon::Mode mode) {
+        const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+        const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::WindowText;
+        return QApplication::palette().color(group, role);
+    }
+
     PaneSign sign;
 };
 
