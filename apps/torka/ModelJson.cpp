@@ -28,113 +28,119 @@ Json number(float value) {
 Json number(long value) { return Json(value); }
 
 // addKind adds the properties that only one kind of control has.
-void addKind(Json&, const PPDXControl&) {}
+void addKind(JsonSink&, const PPDXControl&) {}
 
-void addKind(Json& json, const PPDXPopupControl& popup) {
-    json["default"] = jsonText(popup.GetDefaultKeyword());
-    Json items = Json::array();
-    popup.ForEachItem([&items](const _PopupItem& item) {
-        items.push_back({{"keyword", jsonText(item.keyword.Buffer())}, {"name", jsonText(item.LocalName())}});
+void addKind(JsonSink& sink, const PPDXPopupControl& popup) {
+    sink.Pair("default", jsonText(popup.GetDefaultKeyword()));
+    sink.Key("items");
+    sink.BeginArray();
+    popup.ForEachItem([&sink](const _PopupItem& item) {
+        sink.Value({{"keyword", jsonText(item.keyword.Buffer())}, {"name", jsonText(item.LocalName())}});
     });
-    json["items"] = std::move(items);
+    sink.End();
 }
 
-void addKind(Json& json, const PPDXBooleanControl& control) { json["default"] = control.DefaultText(); }
+void addKind(JsonSink& sink, const PPDXBooleanControl& control) {
+    sink.Pair("default", control.DefaultText());
+}
 
-void addKind(Json& json, const PPDXJobNote& note) {
-    json["default"] = jsonText(note.CFDefaultNotes());
-    json["maxLength"] = note.MaxLength();
-    json["minLength"] = note.MinLength();
+void addKind(JsonSink& sink, const PPDXJobNote& note) {
+    sink.Pair("default", jsonText(note.CFDefaultNotes()));
+    sink.Pair("maxLength", note.MaxLength());
+    sink.Pair("minLength", note.MinLength());
     Json words = Json::array();
     for (const JobNoteFlagRow& row : jobNoteFlags) {
         if ((note.NoteFlags() & row.flag) != 0) {
             words.push_back(std::string(row.word));
         }
     }
-    json["noteFlags"] = std::move(words);
+    sink.Pair("noteFlags", words);
 }
 
 template <typename Number>
-void addKind(Json& json, const PPDXNumberControl<Number>& range) {
-    json["default"] = number(range.DefaultValue());
-    json["minimum"] = number(range.MinVal());
-    json["maximum"] = number(range.MaxVal());
-    json["increment"] = number(range.Increment());
+void addKind(JsonSink& sink, const PPDXNumberControl<Number>& range) {
+    sink.Pair("default", number(range.DefaultValue()));
+    sink.Pair("minimum", number(range.MinVal()));
+    sink.Pair("maximum", number(range.MaxVal()));
+    sink.Pair("increment", number(range.Increment()));
 }
 
-void addKind(Json& json, const PPDXCustomPageSizeControl& size) {
-    json["width"] = number(size.GetWidth());
-    json["height"] = number(size.GetHeight());
-    json["minWidth"] = number(size.MinWidth());
-    json["maxWidth"] = number(size.MaxWidth());
-    json["minHeight"] = number(size.MinHeight());
-    json["maxHeight"] = number(size.MaxHeight());
+void addKind(JsonSink& sink, const PPDXCustomPageSizeControl& size) {
+    sink.Pair("width", number(size.GetWidth()));
+    sink.Pair("height", number(size.GetHeight()));
+    sink.Pair("minWidth", number(size.MinWidth()));
+    sink.Pair("maxWidth", number(size.MaxWidth()));
+    sink.Pair("minHeight", number(size.MinHeight()));
+    sink.Pair("maxHeight", number(size.MaxHeight()));
 }
 
-Json controlJson(PPDXControl& control) {
-    Json json;
-    json["keyword"] = jsonText(control.Keyword());
-    json["type"] = typeName(control.Type());
-    json["name"] = jsonText(control.CFStringUserName());
+void writeControl(JsonSink& sink, PPDXControl& control) {
+    sink.BeginObject();
+    sink.Pair("keyword", jsonText(control.Keyword()));
+    sink.Pair("type", typeName(control.Type()));
+    sink.Pair("name", jsonText(control.CFStringUserName()));
     const PPDXElement* parent = control.GetParent();
-    json["parent"] = parent == nullptr ? Json(nullptr) : Json(jsonText(parent->Keyword()));
+    sink.Pair("parent", parent == nullptr ? Json(nullptr) : Json(jsonText(parent->Keyword())));
     Json flags = Json::array();
     for (const char* flag = control.FirstControlFlag(); flag != nullptr; flag = control.NextControlFlag()) {
         flags.push_back(jsonText(flag));
     }
-    json["flags"] = std::move(flags);
-    json["visible"] = control.IsVisible();
-    json["value"] = jsonText(control.CopyCurrentControlValueString());
-    visitControl(std::as_const(control), [&json](const auto& own) { addKind(json, own); });
-    return json;
+    sink.Pair("flags", flags);
+    sink.Pair("visible", control.IsVisible());
+    sink.Pair("value", jsonText(control.CopyCurrentControlValueString()));
+    visitControl(std::as_const(control), [&sink](const auto& own) { addKind(sink, own); });
+    sink.End();
 }
 
-Json rollDownJson(const PPDXRollDown& rollDown) {
-    Json controls = Json::array();
+void writeRollDown(JsonSink& sink, const PPDXRollDown& rollDown) {
+    sink.BeginObject();
+    sink.Pair("keyword", jsonText(rollDown.Keyword()));
+    sink.Pair("name", jsonText(rollDown.CFStringUserName()));
+    sink.Pair("visible", rollDown.IsVisible());
+    sink.Key("controls");
+    sink.BeginArray();
     rollDown.Controls().ForEach(
-        [&controls](const PPDXControl* control) { controls.push_back(jsonText(control->Keyword())); });
-    Json json;
-    json["keyword"] = jsonText(rollDown.Keyword());
-    json["name"] = jsonText(rollDown.CFStringUserName());
-    json["visible"] = rollDown.IsVisible();
-    json["controls"] = std::move(controls);
-    return json;
+        [&sink](const PPDXControl* control) { sink.Value(jsonText(control->Keyword())); });
+    sink.End();
+    sink.End();
 }
 
-Json pageJson(const PPDXProperty& page) {
-    Json json;
-    json["keyword"] = jsonText(page.Keyword());
-    json["name"] = jsonText(page.CFStringUserName());
-    json["visible"] = page.IsVisible();
-    json["showInApp"] = page.ShowInApp();
-    json["showInPrintProp"] = page.ShowInPrintProp();
+void writePage(JsonSink& sink, const PPDXProperty& page) {
+    sink.BeginObject();
+    sink.Pair("keyword", jsonText(page.Keyword()));
+    sink.Pair("name", jsonText(page.CFStringUserName()));
+    sink.Pair("visible", page.IsVisible());
+    sink.Pair("showInApp", page.ShowInApp());
+    sink.Pair("showInPrintProp", page.ShowInPrintProp());
     if (const PPDXScrollPane* pane = page.GetScrollDown()) {
-        Json rollDowns = Json::array();
-        pane->RollDowns().ForEach([&rollDowns](PPDXGroup* group) {
+        sink.Key("scrollPane");
+        sink.BeginObject();
+        sink.Pair("keyword", jsonText(pane->Keyword()));
+        sink.Pair("name", jsonText(pane->CFStringUserName()));
+        sink.Pair("visible", pane->IsVisible());
+        sink.Key("rollDowns");
+        sink.BeginArray();
+        pane->RollDowns().ForEach([&sink](PPDXGroup* group) {
             if (const auto* rollDown = dynamic_cast<const PPDXRollDown*>(group)) {
-                rollDowns.push_back(rollDownJson(*rollDown));
+                writeRollDown(sink, *rollDown);
             }
         });
-        json["scrollPane"] = {{"keyword", jsonText(pane->Keyword())},
-                              {"name", jsonText(pane->CFStringUserName())},
-                              {"visible", pane->IsVisible()},
-                              {"rollDowns", std::move(rollDowns)}};
+        sink.End();
+        sink.End();
     }
-    return json;
+    sink.End();
 }
 
-Json requirementsJson(const ZANPPD& description) {
+void writeRequirements(JsonSink& sink, const ZANPPD& description) {
     const CStringSoup& strings = *description.GetUIConstraints()->GetConstraintStrings();
-    Json requirements = Json::array();
     description.GetUIConstraints()->GetRequiresForest()->ForEach(
         [&](std::int64_t key, std::int64_t option, const KeyOption& required) {
-            requirements.push_back({{"key", jsonText(strings.Find(key))},
-                                    {"option", jsonText(strings.Find(option))},
-                                    {"requiredKey", jsonText(strings.Find(required.key))},
-                                    {"requiredOption", jsonText(strings.Find(required.option))}});
+            sink.Value({{"key", jsonText(strings.Find(key))},
+                        {"option", jsonText(strings.Find(option))},
+                        {"requiredKey", jsonText(strings.Find(required.key))},
+                        {"requiredOption", jsonText(strings.Find(required.option))}});
             return true;
         });
-    return requirements;
 }
 
 } // namespace
@@ -173,26 +179,36 @@ Json errorsJson(const ZANPPD& description) {
     return errors;
 }
 
+void writeModel(JsonSink& sink, const ZANPPD& description) {
+    const auto writeArray = [&sink](const char* name, const auto& writeElements) {
+        sink.Key(name);
+        sink.BeginArray();
+        writeElements();
+        sink.End();
+    };
+    sink.BeginObject();
+    sink.Pair("header", headerJson(description));
+    writeArray("controls", [&] {
+        description.GetControls()->ForEach([&sink](PPDXControl* control) { writeControl(sink, *control); });
+    });
+    writeArray("pages", [&] {
+        description.GetProperties()->ForEach([&sink](const PPDXProperty* page) { writePage(sink, *page); });
+    });
+    writeArray("shortcuts", [&] {
+        PPDXShortcuts& quick = *description.GetShortcuts();
+        for (const PPDXControl* control = quick.First(); control != nullptr; control = quick.Next()) {
+            sink.Value(jsonText(control->Keyword()));
+        }
+    });
+    writeArray("requirements", [&] { writeRequirements(sink, description); });
+    sink.Pair("errors", errorsJson(description));
+    sink.End();
+}
+
 Json modelJson(const ZANPPD& description) {
-    Json json;
-    json["header"] = headerJson(description);
-    Json controls = Json::array();
-    description.GetControls()->ForEach(
-        [&controls](PPDXControl* control) { controls.push_back(controlJson(*control)); });
-    json["controls"] = std::move(controls);
-    Json pages = Json::array();
-    description.GetProperties()->ForEach(
-        [&pages](const PPDXProperty* page) { pages.push_back(pageJson(*page)); });
-    json["pages"] = std::move(pages);
-    Json shortcuts = Json::array();
-    PPDXShortcuts& quick = *description.GetShortcuts();
-    for (const PPDXControl* control = quick.First(); control != nullptr; control = quick.Next()) {
-        shortcuts.push_back(jsonText(control->Keyword()));
-    }
-    json["shortcuts"] = std::move(shortcuts);
-    json["requirements"] = requirementsJson(description);
-    json["errors"] = errorsJson(description);
-    return json;
+    JsonTree tree;
+    writeModel(tree, description);
+    return tree.Root();
 }
 
 } // namespace torka::tool

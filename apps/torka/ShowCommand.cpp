@@ -111,7 +111,8 @@ ExitStatus show(const ShowOptions& options) {
     }
     const std::unique_ptr<ZANPPD>& description = *read;
     if (options.json) {
-        print(jsonDocument(modelJson(*description)));
+        JsonPrinter printer;
+        writeModel(printer, *description);
         return ExitStatus::good;
     }
     printHeader(headerJson(*description));

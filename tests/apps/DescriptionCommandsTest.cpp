@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/SecretMemory.h"
 #include "tests/apps/Tool.h"
 
 #include <cups/ppd.h>
@@ -57,6 +58,28 @@ TEST(ShowCommand, MarksHiddenPagesAndGroups) {
     EXPECT_EQ(page["visible"], false);
     EXPECT_EQ(page["scrollPane"]["visible"], true);
     EXPECT_EQ(page["scrollPane"]["rollDowns"][0]["visible"], false);
+}
+
+// 250,000 requirements in 60 MB of JSON: as a tree they would take several times as much.
+TEST(ShowCommand, ALongDocumentIsPrintedPieceByPiece) {
+    if (platform::hasAddressSanitizer) {
+        GTEST_SKIP() << "a sanitizer needs more address space than any limit here";
+    }
+    std::string text = "*PPD-Adobe: \"4.3\"\n";
+    for (const std::string key : {"*A", "*B"}) {
+        text += "*%ZANFlags " + key + ": \n*OpenUI " + key + "/x: PickOne\n";
+        for (int i = 0; i < 500; ++i) {
+            text += key + " Choice" + std::to_string(i) + "/x: \"\"\n";
+        }
+        text += "*CloseUI: " + key + "\n";
+    }
+    const TemporaryFolder folder;
+    const CommandResult result = runCommand(
+        {"sh", "-c", "ulimit -v 120000 && \"$0\" show --json \"$1\" | tail -c 2000",
+         TORKA_BINARY_DIR "/bin/torka", folder.Write("long.ppd", text + "*%ZANUIRequires: *A *B\n")});
+    EXPECT_NE(result.output.find("\"requiredOption\": \"Choice499\"\n    }\n  ],\n  \"errors\": ["),
+              std::string::npos)
+        << result.errors << result.output;
 }
 
 // Compares the keywords and texts of all choices with those that libcups reads from the same file, in order.
@@ -156,6 +179,8 @@ TEST(Tool, UnusableInputIsStatusTwoWithOneLine) {
     const TemporaryFolder folder;
     const std::string other = folder.Write("other.ppd", "*PPD-Adobe: \"4.2\"\n");
     const std::string text = folder.Write("text.plist", "hello");
+    const std::string large = folder.Write("large.ppd", "*PPD-Adobe: \"4.3\"\n");
+    std::filesystem::resize_file(large, (std::uintmax_t{256} << 20U) + 1);
     const std::string ppd = samplePath("torka-production.ppd");
     const std::vector<std::vector<std::string>> cases = {
         {},
@@ -164,6 +189,7 @@ TEST(Tool, UnusableInputIsStatusTwoWithOneLine) {
         {"show", folder / "absent.ppd"},
         {"show", folder.Path()},
         {"show", other},
+        {"show", large},
         {"lint", folder / "absent.ppd"},
         {"check", ppd, "QVNoSuchOption=1"},
         {"check", ppd, "QVDuplex=Sideways"},
