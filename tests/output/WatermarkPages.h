@@ -85,7 +85,7 @@ inline std::vector<Ink> inkOfPages(const std::string& pictures) {
 }
 
 // Runs Ghostscript on a program, with further arguments. A PostScript error fails the test.
-inline std::string runGhostscript(const std::string& program, std::vector<std::string> more) {
+inline std::string runOnPaper(const std::string& program, std::vector<std::string> more) {
     std::vector<std::string> command = {"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE"};
     command.push_back("-r" + std::to_string(resolution));
     command.push_back("-dDEVICEWIDTHPOINTS=" + std::to_string(paperWidth));
@@ -100,7 +100,7 @@ inline std::string runGhostscript(const std::string& program, std::vector<std::s
 
 inline std::vector<Ink> printPages(const std::string& program, std::vector<std::string> more = {}) {
     more.insert(more.end(), {"-sDEVICE=ppmraw", "-sOutputFile=%stdout", "-sstdout=%stderr"});
-    return inkOfPages(runGhostscript(program, std::move(more)));
+    return inkOfPages(runOnPaper(program, std::move(more)));
 }
 
 // Two pages: one within save and restore, and one that leaves its matrix, clip and colour behind.

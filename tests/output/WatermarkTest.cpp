@@ -256,7 +256,7 @@ TEST_P(WatermarkTemplate, HasItsFrame) {
 TEST(WatermarkPages, ClearInkIsAPlateOfItsOwn) {
     const tests::TemporaryFolder folder;
     const Template clear{"English", "Helvetica", true};
-    tests::runGhostscript(
+    tests::runOnPaper(
         tests::job(resource(clear, kPMPortrait, true, "HHHHHHHH"), "showpage\n"),
         {"-sDEVICE=tiffsep", "-sCompression=none", "-sOutputFile=" + (folder / "p.tif").string()});
     // Ink is dark in a plate. Prints the amount of ink and its centre from the upper left.
@@ -427,7 +427,7 @@ TEST(WatermarkPages, NothingStopsAJob) {
             }
         }
     }
-    tests::runGhostscript(program, {"-sDEVICE=nullpage", "-sstdout=%stderr"});
+    tests::runOnPaper(program, {"-sDEVICE=nullpage", "-sstdout=%stderr"});
 }
 
 std::string compositeSetup() {
@@ -487,7 +487,7 @@ TEST(WatermarkPages, CompositeFontsShowTheText) {
         expectedFonts += each.font0 + std::string("\n");
     }
     const std::string telling = "/tellFont {ZANWMFont /FDepVector get 0 get /CIDFontName get =} def\n";
-    EXPECT_EQ(tests::runGhostscript(telling + program, {include, "-sDEVICE=nullpage"}), expectedFonts);
+    EXPECT_EQ(tests::runOnPaper(telling + program, {include, "-sDEVICE=nullpage"}), expectedFonts);
     const std::vector<tests::Ink> pages = tests::printPages("/tellFont {} def\n" + program, {include});
     ASSERT_EQ(pages.size(), std::size(cases) + 1);
     for (std::size_t i = 0; i < std::size(cases); ++i) {
@@ -526,7 +526,7 @@ for c in sys.argv[1]:
         print((letter if 'CAPITAL' in name else letter.lower()) + accents[name.split(' WITH ')[1]])
 )",
                                            {letters});
-    EXPECT_EQ(tests::runGhostscript(program, {"-sDEVICE=nullpage"}), expected);
+    EXPECT_EQ(tests::runOnPaper(program, {"-sDEVICE=nullpage"}), expected);
 }
 
 TEST(WatermarkEmission, OneEntryBeforeTheScaleUnlessTooLong) {
