@@ -5,6 +5,7 @@
 #   install-deps.sh               what run.sh and test.sh need
 #   install-deps.sh --build       only what building needs
 #   install-deps.sh --developer   all of it, and what lint, clang and fuzzing need
+#   install-deps.sh --analysis    all of that, and what scripts/coverage and the preset clang-19 need
 set -euo pipefail
 
 packages=(
@@ -34,15 +35,19 @@ testing=(
 )
 # ./scripts/lint.sh, the clang and the fuzz presets
 developer=(clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3-clang-14)
+analysis=(clang-19 gcovr)
 case "${1:-}" in
 --build) ;;
 --developer) packages+=("${testing[@]}" "${developer[@]}") ;;
+--analysis) packages+=("${testing[@]}" "${developer[@]}" "${analysis[@]}") ;;
 *) packages+=("${testing[@]}") ;;
 esac
 
+# What an installed package provides counts too: newer releases merge packages.
+there=$(dpkg-query -W -f '${db:Status-Status} ${Package} ${Provides}\n' | sed -n 's/^installed //p' | tr -s ' ,' '\n')
 missing=()
 for package in "${packages[@]}"; do
-    dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+    grep -qxF "$package" <<<"$there" || missing+=("$package")
 done
 if [ "${#missing[@]}" -eq 0 ]; then
     exit 0
