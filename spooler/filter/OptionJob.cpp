@@ -42,7 +42,8 @@ Result<std::unique_ptr<ZANPPD>> readModel(const std::string& path) {
     model->SetFile(FSRef{path});
     model->Build();
     std::error_code unknown;
-    if (model->HasFatalError() && std::filesystem::exists(path, unknown) && !isNoDescription(*model)) {
+    if (model->HasFatalError() && std::filesystem::is_regular_file(path, unknown) &&
+        !isNoDescription(*model)) {
         return Fault{"cannot be read"};
     }
     const bool isOurs =
