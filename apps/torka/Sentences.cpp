@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Sentences.h"
 
+#include "platform/System.h"
 #include "platform/posix/InstalledSystem.h"
 #include "platform/posix/StringTables.h"
 
@@ -107,6 +108,9 @@ std::string Sentences::Say(std::string_view english, int depth) const {
 }
 
 std::string inPersonsLanguage(std::string_view english) {
+    if (!platform::hasSystem()) { // memory ran out at the start
+        return std::string(english);
+    }
     static const Sentences sentences = [] {
         const platform::StringTables tables(
             platform::installedBundle(platform::programFolder()) / "Contents" / "Resources", "en");

@@ -413,6 +413,7 @@ TEST(LongGroup, MakesItsRowsAsTheyAreScrolledTo) {
         return row == nullptr ? nullptr : row->Focus();
     };
     ASSERT_TRUE(page.ShowField(keyword(150))); // its row is made for it
+    QCoreApplication::processEvents();         // shows the rows behind it
     EXPECT_TRUE(focusOf(150)->hasFocus());
     EXPECT_LT(page.RowCount(), 300U);
     for (int number = 150; number < 300; ++number) { // keys reach one row after the other

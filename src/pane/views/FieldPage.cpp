@@ -284,7 +284,7 @@ bool FieldPage::ShowField(std::string_view keyword) {
         const auto place = std::ranges::find(group.fields, keyword, &PaneField::keyword);
         const auto index = static_cast<std::size_t>(place - group.fields.begin());
         if (place != group.fields.end() && index >= group.made) {
-            MakeRows(group, index + 1 - group.made);
+            MakeRows(group, index + 1 - group.made + rowsAtFirst); // keys go on behind it at once
         }
     }
     std::erase_if(longGroups, [](const LongGroup& group) { return group.room == nullptr; });
