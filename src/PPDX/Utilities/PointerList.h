@@ -44,13 +44,13 @@ public:
     explicit PointerListItr(PNode* start)
         : node(start) {}
 
-    void* operator*() const { return node != nullptr ? node->data : nullptr; }
     PointerListItr& operator++();
     bool operator==(const PointerListItr& other) const { return node == other.node; }
 
     PNode* Node() const { return node; }
 
     // Given interface; no caller here
+    void* operator*() const { return node != nullptr ? node->data : nullptr; }
     PointerListItr operator++(int);
     PointerListItr& operator--();
     PointerListItr operator--(int);
