@@ -70,19 +70,32 @@ function(torka_library name)
     endif()
 endfunction()
 
-# torka_tests(AREA lib...): tests/AREA/*.cpp becomes the program test_AREA, its cases known to ctest.
+# torka_tests(AREA [EACH] lib...): tests/AREA/*.cpp becomes the program test_AREA. ctest runs it once, as unit.AREA; with
+# EACH it runs every case on its own: for cases that wait for other programs, which others can run beside.
 function(torka_tests area)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "EACH" "" "")
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${area}/*.cpp)
     if(NOT sources)
         return()
     endif()
     add_executable(test_${area} ${sources})
-    target_link_libraries(test_${area} PRIVATE ${ARGN} torka_test_support GTest::gmock GTest::gtest_main)
-    target_compile_options(test_${area} PRIVATE -O1) # built far more often than run
+    target_link_libraries(test_${area} PRIVATE ${arg_UNPARSED_ARGUMENTS} torka_test_support GTest::gmock GTest::gtest_main)
+    # Built far more often than run. Without optimisation the C library's own checks of lengths would only warn.
+    target_compile_options(test_${area} PRIVATE -O0 -U_FORTIFY_SOURCE)
+    # Several files make one unit: half of the time of a test's file goes into the headers that all of them share.
+    if(TORKA_UNITY_TESTS)
+        set_target_properties(test_${area} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
+    endif()
     target_compile_definitions(test_${area} PRIVATE
         TORKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TORKA_BINARY_DIR="${CMAKE_BINARY_DIR}")
-    gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300
-        ENVIRONMENT LC_ALL=C.UTF-8) # the texts that they expect
+    if(arg_EACH)
+        gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300
+            ENVIRONMENT LC_ALL=C.UTF-8) # the texts that they expect
+    else()
+        add_test(NAME unit.${area} COMMAND test_${area} --gtest_brief=1)
+        # The cost lets ctest begin with them, since they take longest.
+        set_tests_properties(unit.${area} PROPERTIES TIMEOUT 900 COST 60 ENVIRONMENT LC_ALL=C.UTF-8)
+    endif()
 endfunction()
 
 # torka_fuzz(NAME lib...): fuzz/NAME.cpp. With libFuzzer a fuzzer; otherwise a program that replays the files and

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <span>
 
 namespace torka::tool {
@@ -23,10 +22,6 @@ constexpr const char* valuesRemedy =
     "write JobPrivateValues all into the server's policy (docs/spooler-filter.md)";
 constexpr const char* subscriptionsRemedy =
     "write SubscriptionPrivateValues all into the server's policy (docs/spooler-filter.md)";
-
-struct CloseHttp {
-    void operator()(http_t* connection) const { httpClose(connection); }
-};
 
 struct Answer {
     http_status_t status = HTTP_STATUS_ERROR;
@@ -47,7 +42,7 @@ IppMessage makeRequest(ipp_op_t operation, const std::string& queueName, const s
 // asks for it.
 Answer askUnauthenticated(const IppMessage& request, const std::string& resource) {
     constexpr int timeout = 30000; // milliseconds
-    const std::unique_ptr<http_t, CloseHttp> connection(
+    const platform::HttpConnection connection(
         httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, timeout, nullptr));
     Answer answer;
     if (!connection) {

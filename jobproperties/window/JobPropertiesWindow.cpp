@@ -2,6 +2,7 @@
 #include "jobproperties/window/JobPropertiesWindow.h"
 
 #include "jobproperties/window/LetterWidth.h"
+#include "jobproperties/window/PlainText.h"
 #include "jobproperties/window/SettingRow.h"
 #include "jobproperties/window/StatusPanel.h"
 #include "jobproperties/window/WatermarkEditor.h"
@@ -65,8 +66,6 @@ const DescribedSetting& describedCopies() {
     }();
     return copies;
 }
-
-QString shown(const std::string& text) { return QString::fromStdString(text); }
 
 } // namespace
 

@@ -3,9 +3,13 @@
 
 #include <QString>
 
+#include <string>
+
 // Texts of descriptions and servers may look like markup.
 
 namespace torka::jobproperties {
+
+inline QString shown(const std::string& text) { return QString::fromStdString(text); }
 
 // Makes a tool tip that shows the text literally: the toolkit guesses the format of a tip.
 inline QString plainToolTip(const QString& plain) {

@@ -48,8 +48,6 @@ Widget* guarded(Widget* widget) {
     return widget;
 }
 
-QString shown(const std::string& text) { return QString::fromStdString(text); }
-
 // Escapes a text for a widget that would treat an ampersand as the mark of a shortcut.
 QString withoutShortcut(QString text) { return text.replace('&', QStringLiteral("&&")); }
 

@@ -4,6 +4,7 @@
 #include "jobproperties/window/Glyphs.h"
 #include "jobproperties/window/LetterWidth.h"
 #include "jobproperties/window/LevelGauge.h"
+#include "jobproperties/window/PlainText.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -20,8 +21,6 @@ namespace torka::jobproperties {
 namespace {
 
 constexpr std::size_t maximumRows = 200;
-
-QString shown(const std::string& text) { return QString::fromStdString(text); }
 
 QString percentText(int level) {
     return QLocale().toString(std::clamp(level, 0, 100)) + StatusPanel::tr(" %");

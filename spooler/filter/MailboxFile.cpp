@@ -2,11 +2,11 @@
 #include "spooler/filter/MailboxFile.h"
 
 #include "bidi/commands/BidiFilePaths.h"
+#include "platform/LastError.h"
 #include "platform/System.h"
 #include "spooler/filter/TicketStore.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <system_error>
@@ -20,8 +20,6 @@ namespace {
 constexpr std::string_view ownerSuffix = ".owner";
 constexpr std::size_t maximumName = 200; // bytes; leaves room for the suffix of the owner's file
 constexpr std::size_t maximumOwner = 1024;
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
 
 Fault cannotWrite(const std::string& name, const std::error_code& error) {
     return {"The mailbox " + name + " cannot be written: " + error.message() + "."};
@@ -60,7 +58,7 @@ Result<MailboxFile> MailboxFile::Create(const Sender& sender, std::string_view p
     std::string user = sender.user;
     OpenFile opened(::mkostemp(temporary.data(), O_CLOEXEC)); // mode 0600
     if (!opened) {
-        return cannotWrite(name, lastError());
+        return cannotWrite(name, platform::lastError());
     }
     return MailboxFile(std::move(name), std::move(user), std::move(temporary), std::move(opened));
 }
@@ -81,14 +79,15 @@ MailboxFile::~MailboxFile() {
 Result<void> MailboxFile::Commit() {
     // fsync may be the first call that reports a full disk.
     if (::fsync(file.Descriptor()) != 0) {
-        return cannotWrite(name, lastError());
+        return cannotWrite(name, platform::lastError());
     }
     if (const std::error_code error = PrivateFolder::Write(name + std::string(ownerSuffix), owner)) {
         return cannotWrite(name, error);
     }
     const std::string path = (platform::system().Resolve(cachesFolder) / name).string();
     if (::rename(temporary.c_str(), path.c_str()) != 0) {
-        return Fault{"The mailbox " + name + " cannot take its name: " + lastError().message() + "."};
+        return Fault{"The mailbox " + name + " cannot take its name: " + platform::lastError().message() +
+                     "."};
     }
     temporary.clear();
     return {};

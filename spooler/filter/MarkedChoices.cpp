@@ -1,25 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/MarkedChoices.h"
 
-#include <cups/ppd.h>
-#include <memory>
+#include "spooler/filter/OpenedPPD.h"
 
 // The library marks its PPD calls as deprecated and has no other calls for a description.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace torka::filter {
 
-namespace {
-
-struct ClosePPD {
-    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
-};
-
-} // namespace
-
 ServerChoices markedChoices(const std::string& ppdPath, const OptionMap& options) {
     ServerChoices choices;
-    const std::unique_ptr<ppd_file_t, ClosePPD> ppd(ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()));
+    const OpenedPPD ppd(ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()));
     if (!ppd) {
         return choices;
     }

@@ -2,6 +2,7 @@
 #include "spooler/filter/PrivateFolder.h"
 
 #include "bidi/commands/BidiFilePaths.h"
+#include "platform/LastError.h"
 #include "platform/System.h"
 
 #include <cerrno>
@@ -20,8 +21,6 @@ namespace {
 
 std::filesystem::path place() { return platform::system().Resolve(cachesFolder); }
 
-std::error_code lastError() { return {errno, std::generic_category()}; }
-
 // Rejects a folder that others can write: they could fill it.
 bool isTrustworthy(const struct stat& facts) {
     return S_ISDIR(facts.st_mode) && (facts.st_uid == ::geteuid() || facts.st_uid == 0) &&
@@ -32,7 +31,7 @@ FileResult<OpenFile> openFolder() {
     OpenFile folder(::open(place().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     struct stat facts {};
     if (!folder || ::fstat(folder.Descriptor(), &facts) != 0) {
-        return lastError();
+        return platform::lastError();
     }
     if (!isTrustworthy(facts)) {
         return std::make_error_code(std::errc::permission_denied);
@@ -54,7 +53,7 @@ FileResult<OpenFile> openOwn(std::string_view name, int access) {
                            access | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     struct stat facts {};
     if (!file || ::fstat(file.Descriptor(), &facts) != 0) {
-        return lastError();
+        return platform::lastError();
     }
     if (!S_ISREG(facts.st_mode) || facts.st_uid != ::geteuid()) {
         return std::make_error_code(std::errc::permission_denied);
@@ -67,7 +66,7 @@ FileResult<OpenFile> openOwn(std::string_view name, int access) {
 std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode) {
     constexpr unsigned parentMode = 0755;
     if (::mkdir(folder.c_str(), mode) != 0) {
-        const std::error_code error = lastError();
+        const std::error_code error = platform::lastError();
         if (error == std::errc::file_exists) {
             return {};
         }
@@ -78,7 +77,7 @@ std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode) {
             return failure;
         }
         if (::mkdir(folder.c_str(), mode) != 0 && errno != EEXIST) {
-            return lastError();
+            return platform::lastError();
         }
     }
     ::chmod(folder.c_str(), mode); // restores the bits that the umask removed
@@ -131,7 +130,7 @@ FileResult<OpenFile> PrivateFolder::Create(std::string_view name, std::string_vi
     // From here to the removal of this file nothing needs memory.
     OpenFile file(::mkostemp(temporary.data(), O_APPEND | O_CLOEXEC)); // mode 0600
     if (!file) {
-        return lastError();
+        return platform::lastError();
     }
     std::error_code error;
     const ssize_t written = ::write(file.Descriptor(), content.data(), content.size());
@@ -139,7 +138,7 @@ FileResult<OpenFile> PrivateFolder::Create(std::string_view name, std::string_vi
         error = std::make_error_code(std::errc::no_space_on_device);
     } else if (written < 0 || ::flock(file.Descriptor(), LOCK_EX) != 0 ||
                ::link(temporary.c_str(), target.c_str()) != 0) { // never replaces another file
-        error = lastError();
+        error = platform::lastError();
     }
     ::unlink(temporary.c_str());
     if (error) {
@@ -157,7 +156,7 @@ FileResult<OpenFile> PrivateFolder::Lock(std::string_view name) {
     }
     OpenFile lock(::open((place() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!lock || ::flock(lock.Descriptor(), LOCK_EX) != 0) {
-        return lastError();
+        return platform::lastError();
     }
     return lock;
 }
@@ -175,7 +174,7 @@ FileResult<std::string> PrivateFolder::Read(std::string_view name, std::size_t l
             return content;
         }
         if (count < 0 && errno != EINTR) {
-            return lastError();
+            return platform::lastError();
         }
         content.append(block, count > 0 ? static_cast<std::size_t>(count) : 0);
         if (content.size() > limit) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/QueueChoices.h"
 
+#include "spooler/filter/OpenedPPD.h"
+
 #include <algorithm>
 #include <cmath>
-#include <cups/ppd.h>
-#include <memory>
 
 // The library marks its PPD calls as deprecated and has no other calls for a description.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -14,10 +14,6 @@ namespace torka::filter {
 namespace {
 
 constexpr double sameSize = 2.0; // points
-
-struct ClosePPD {
-    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
-};
 
 std::string plainName(std::string_view name) {
     std::string plain;
@@ -56,7 +52,7 @@ bool isSameName(std::string_view one, std::string_view other) {
 
 QueueChoices QueueChoices::Read(const std::string& ppdPath) {
     QueueChoices choices;
-    const std::unique_ptr<ppd_file_t, ClosePPD> ppd(ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()));
+    const OpenedPPD ppd(ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()));
     if (!ppd) {
         return choices;
     }

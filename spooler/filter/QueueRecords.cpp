@@ -3,12 +3,11 @@
 
 #include "bidi/records/CPPDMsgHdlr.h"
 #include "bidi/records/RecordWriter.h"
+#include "spooler/filter/OpenedPPD.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cups/ppd.h>
 #include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -21,10 +20,6 @@ namespace torka::filter {
 namespace {
 
 constexpr std::size_t numberLength = 4; // of a chunk, in hexadecimal digits; five from 65,536 on
-
-struct ClosePPD {
-    void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
-};
 
 using Sizes = std::map<std::string, std::size_t, std::less<>>; // bytes of a chunk's line, by chunk name
 
@@ -93,7 +88,7 @@ std::optional<Plan> plan(const Sizes& held, const std::vector<NamedPayload>& rec
 Result<void> putRecords(const std::string& queue, std::vector<NamedPayload> records) {
     // The server gives the path of the queue's PPD in the filter's environment.
     const char* path = std::getenv("PPD");
-    const std::unique_ptr<ppd_file_t, ClosePPD> ppd(path == nullptr ? nullptr : ppdOpenFile(path));
+    const OpenedPPD ppd(path == nullptr ? nullptr : ppdOpenFile(path));
     if (ppd) {
         std::erase_if(records, [&ppd](const NamedPayload& record) {
             std::size_t size = 0;

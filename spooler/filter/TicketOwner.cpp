@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/TicketOwner.h"
 
+#include "platform/LastError.h"
 #include "spooler/filter/NoteFields.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -16,13 +16,10 @@ namespace torka::filter {
 namespace {
 
 // The print server gives names of 255 bytes at most; an escaped byte takes three.
-constexpr std::size_t maximumRecord = std::size_t{64} * 1024;
 constexpr std::string_view usedWord = "used";
 constexpr std::string_view contestedWord = "contested";
 
 std::string fileOf(std::string_view ticket) { return std::string(ticket).append(ticketOwnerSuffix); }
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
 
 std::string usedLine(const JobIdentity& job) {
     std::string line;
@@ -121,13 +118,13 @@ FileResult<TicketOwner> TicketOwner::Open(std::string_view ticket) {
     }
     struct stat facts {};
     if (::flock(file->Descriptor(), LOCK_EX) != 0 || ::fstat(file->Descriptor(), &facts) != 0) {
-        return lastError();
+        return platform::lastError();
     }
     // The previous holder of the lock may have removed the file.
     if (facts.st_nlink == 0) {
         return std::make_error_code(std::errc::no_such_file_or_directory);
     }
-    const FileResult<std::string> text = PrivateFolder::Read(name, maximumRecord);
+    const FileResult<std::string> text = PrivateFolder::Read(name, maximumOwnerRecord);
     if (!text) {
         return text.Why();
     }
@@ -145,7 +142,7 @@ std::int64_t TicketOwner::Changed() const {
 
 std::error_code TicketOwner::MarkUsed(const JobIdentity& job) {
     if (record.usedBy) {
-        return ::futimens(file.Descriptor(), nullptr) == 0 ? std::error_code() : lastError();
+        return ::futimens(file.Descriptor(), nullptr) == 0 ? std::error_code() : platform::lastError();
     }
     const std::error_code error = Append(usedLine(job));
     if (!error) {
@@ -163,11 +160,11 @@ std::error_code TicketOwner::MarkContested() {
 // Writes behind the last whole line. Cuts off a partial line that a killed filter or a full disk left.
 std::error_code TicketOwner::Append(std::string_view line) {
     if (::ftruncate(file.Descriptor(), static_cast<off_t>(length)) != 0) {
-        return lastError();
+        return platform::lastError();
     }
     const ssize_t written = ::write(file.Descriptor(), line.data(), line.size());
     if (written < 0) {
-        return lastError();
+        return platform::lastError();
     }
     if (static_cast<std::size_t>(written) != line.size()) {
         return std::make_error_code(std::errc::no_space_on_device);

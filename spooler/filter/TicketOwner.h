@@ -4,6 +4,7 @@
 #include "spooler/filter/FilterJob.h"
 #include "spooler/filter/PrivateFolder.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@
 namespace torka::filter {
 
 inline constexpr std::string_view ticketOwnerSuffix = ".owner";
+inline constexpr std::size_t maximumOwnerRecord = std::size_t{64} * 1024; // bytes
 
 struct TicketRecord {
     std::string user;

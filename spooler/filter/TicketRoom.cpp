@@ -12,8 +12,6 @@ namespace torka::filter {
 
 namespace {
 
-constexpr std::size_t maximumRecord = std::size_t{64} * 1024;
-
 void add(TicketAmount& sum, std::size_t bytes) {
     ++sum.number;
     sum.bytes += bytes;
@@ -25,7 +23,7 @@ bool fits(const TicketAmount& sum, const TicketAmount& most) {
 
 std::optional<TicketRecord> recordOf(std::string_view ticket) {
     const FileResult<std::string> text =
-        PrivateFolder::Read(std::string(ticket).append(ticketOwnerSuffix), maximumRecord);
+        PrivateFolder::Read(std::string(ticket).append(ticketOwnerSuffix), maximumOwnerRecord);
     return text ? readTicketRecord(*text) : std::nullopt;
 }
 

@@ -10,7 +10,7 @@ namespace torka {
 
 namespace {
 
-constexpr std::chrono::milliseconds resolveTimeout{2000};
+constexpr std::chrono::milliseconds addressResolveTimeout{2000};
 
 std::string instanceNameOf(const CFURLRef& url) {
     const std::string printerDomain = serviceSuffix(printerService);
@@ -39,7 +39,7 @@ BonjourIPDiscovery::BonjourIPDiscovery(std::string name, std::function<void()> w
     : service{std::move(name), std::string(printerService) + ".", std::string(localDomain)}
     , done(std::move(whenDone)) {
     if (ServiceDirectory* directory = serviceDirectory()) {
-        resolution = directory->Resolve(service, resolveTimeout, *this);
+        resolution = directory->Resolve(service, addressResolveTimeout, *this);
     } else {
         address = "NO";
     }

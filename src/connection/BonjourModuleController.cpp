@@ -17,7 +17,7 @@ namespace {
 constexpr EventTimerInterval progressTime{15.0};
 constexpr EventTimerInterval reloadPause{0.1};
 constexpr EventTimerInterval searchAgainPause{5.0};
-constexpr std::chrono::milliseconds resolveTimeout{15000}; // equals progressTime
+constexpr std::chrono::milliseconds moduleResolveTimeout{15000}; // equals progressTime
 
 CFStringRef withoutServiceDomain(const CFStringRef& text) {
     for (const std::string_view type : {printerService, dataStreamService}) {
@@ -456,7 +456,7 @@ void BonjourModuleController::InitServiceResolve() {
             [this](const EventLoopTimerRef&) { timerFireMethod(); }, progressTimer);
     }
     if (ServiceDirectory* directory = serviceDirectory()) {
-        resolution = directory->Resolve(*selectedService, resolveTimeout, *this);
+        resolution = directory->Resolve(*selectedService, moduleResolveTimeout, *this);
     }
 }
 

@@ -18,7 +18,7 @@ using Lines = std::vector<std::string>;
 
 // Prints the options that the function gives to compopt, then the insertions, then the last word of the line
 // with the only insertion, as bash reads it.
-constexpr const char* script = R"(
+constexpr const char* bashScript = R"(
 cd "$1"; . "$2"; compopt() { printf 'compopt %s\n' "$*"; }
 COMP_LINE=$4 COMP_POINT=${#4}
 _torka "$3"; [ ${#COMPREPLY[@]} = 0 ] || printf '%s\n' "${COMPREPLY[@]}"
@@ -27,7 +27,7 @@ _torka "$3"; [ ${#COMPREPLY[@]} = 0 ] || printf '%s\n' "${COMPREPLY[@]}"
 // `kept` is the part of the line's end that bash replaces by the insertion.
 Lines completed(const std::filesystem::path& folder, const std::string& line, const std::string& kept) {
     const tests::CommandResult result = tests::runCommand(
-        {"env", "CUPS_SERVER=127.0.0.1:1", "bash", "--norc", "-c", script, "bash", folder.string(),
+        {"env", "CUPS_SERVER=127.0.0.1:1", "bash", "--norc", "-c", bashScript, "bash", folder.string(),
          TORKA_SOURCE_DIR "/completions/torka.bash", TORKA_BINARY_DIR "/bin/torka", line, kept});
     EXPECT_EQ(result.errors, "") << line;
     Lines lines;

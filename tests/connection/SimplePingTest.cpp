@@ -57,9 +57,9 @@ TEST_F(SimplePingTest, CountsAnsweredEchoes) {
         EXPECT_EQ(internetChecksum(message), 0); // a message with a correct checksum sums up to 0
         EXPECT_THAT(std::span(message).subspan(24), ::testing::Each(0));
     }
-    std::int64_t seconds = 0;
-    std::memcpy(&seconds, &net->sent[0].message[8], sizeof(seconds));
-    EXPECT_EQ(seconds, 1'000'000);
+    std::int64_t sentAt = 0;
+    std::memcpy(&sentAt, &net->sent[0].message[8], sizeof(sentAt));
+    EXPECT_EQ(sentAt, 1'000'000);
     EXPECT_EQ(net->receiveBuffer, 51200);
     EXPECT_EQ(net->receiveTimeout, std::chrono::seconds(1));
     EXPECT_EQ(net->openSockets, 0);

@@ -15,6 +15,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+} // namespace
+
 // A job, a template's locks and every record of a server.
 class ModuleScript : public ModuleTest {
 protected:
@@ -38,8 +40,6 @@ protected:
     const std::vector<std::string> watermarks = {"0,0,0,255,0,0,0,0,0,450,0,0,48,Helvetica,ONE",
                                                  "0,0,0,0,0,0,0,1,0,0,0,0,48,Helvetica,A, B"};
 };
-
-} // namespace
 
 TEST_F(ModuleScript, EditsWhatComesBack) {
     struct Case {

@@ -34,6 +34,8 @@ Widget& child(const QDialog& dialog, const char* name) {
 
 void press(const QDialog& dialog, const char* name) { child<QAbstractButton>(dialog, name).click(); }
 
+} // namespace
+
 class ModuleWindow : public ModuleTest {
 protected:
     ModuleWindow() {
@@ -79,8 +81,6 @@ protected:
         return outcome;
     }
 };
-
-} // namespace
 
 TEST_F(ModuleWindow, ChangesAreAccepted) {
     std::setlocale(LC_ALL, "C");

@@ -50,15 +50,15 @@ struct LintCase {
     std::vector<std::string> findings;
 };
 
-const std::string flags = "*%ZANFlags *K:\n*%ZANGroup *K: Group\n";
-const std::string open = flags + "*OpenUI *K/K: PickOne\n*DefaultK: A\n"; // lines 1 to 4
+const std::string flagLines = "*%ZANFlags *K:\n*%ZANGroup *K: Group\n";
+const std::string open = flagLines + "*OpenUI *K/K: PickOne\n*DefaultK: A\n"; // lines 1 to 4
 const std::string a = "*K A/A: \"\"\n";
 const std::string close = "*CloseUI: *K\n";
-const std::string note = flags + "*%ZANJobNote *K/K: 9\n"; // lines 1 to 3
+const std::string note = flagLines + "*%ZANJobNote *K/K: 9\n"; // lines 1 to 3
 const std::string goodRange = "*%ZANRange *K/K: 0;9;1;5;\"<*K>\"\n";
 
 std::string range(const std::string& numbers, const std::string& postscript = "<*K>") {
-    return flags + "*%ZANRange *K/K: " + numbers + "\"" + postscript + "\"\n";
+    return flagLines + "*%ZANRange *K/K: " + numbers + "\"" + postscript + "\"\n";
 }
 
 std::vector<LintCase> lintCases() {
@@ -98,8 +98,8 @@ std::vector<LintCase> lintCases() {
         {open + a + close + goodRange, {"7 strayControlLine"}},
         {"*%ZANFlags *K:\n*Resolution: 600dpi\n*%ZANGroup *K: Group\n" + open + a + close, {"1 16"}},
         // Job notes
-        {flags + "*%ZANJobNote *K/K: 9|Alfa\n", {"3 unknownJobNoteFlag?Alpha"}},
-        {flags + "*%ZANJobNote *K/K: 3\n*%DefaultK: \"long\"\n", {"3 badDefaultNote"}},
+        {flagLines + "*%ZANJobNote *K/K: 9|Alfa\n", {"3 unknownJobNoteFlag?Alpha"}},
+        {flagLines + "*%ZANJobNote *K/K: 3\n*%DefaultK: \"long\"\n", {"3 badDefaultNote"}},
         {note + "\n*Resolution: 1dpi\n*%DefaultK: \"x\"\n*%K: \"(<*K>) pop\"\n",
          {"6 strayNoteLine", "7 strayNoteLine"}},
         {note + "*%K: \"(<*K>) pop\"\n*%DefaultK: \"x\"\n", {"5 strayNoteLine"}},
@@ -112,12 +112,12 @@ std::vector<LintCase> lintCases() {
         {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\xE3\x81\xAA\"\n", {"5 otherEncoding"}},
         {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\x82\xC8<82>\"\n", {}},
         {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\xC3\xA9\"\n", {}},
-        {flags + "*%ZANJobNote *K/K: 9|MinLength8|MinLength\n", {"3 lostMinLength"}},
-        {flags + "*%ZANJobNote *K/K: nine\n", {"3 badNumber"}},
-        {flags + "*%ZANJobNote *K/K: 99999999999999999999\n", {"3 badNumber"}},
-        {flags + "*%ZANJobNote *K/K: 4|NoComma\n*%DefaultK: \"a,b,c\"\n",
+        {flagLines + "*%ZANJobNote *K/K: 9|MinLength8|MinLength\n", {"3 lostMinLength"}},
+        {flagLines + "*%ZANJobNote *K/K: nine\n", {"3 badNumber"}},
+        {flagLines + "*%ZANJobNote *K/K: 99999999999999999999\n", {"3 badNumber"}},
+        {flagLines + "*%ZANJobNote *K/K: 4|NoComma\n*%DefaultK: \"a,b,c\"\n",
          {"3 badDefaultNote", "3 badDefaultNote"}},
-        {flags + "*%ZANJobNote *K/K: 4|Required\n*%DefaultK: \"\"\n", {}},
+        {flagLines + "*%ZANJobNote *K/K: 4|Required\n*%DefaultK: \"\"\n", {}},
         // Ranges
         {range("0;9;2: 0;5;"), {"3 textAfterNumber"}},
         {range("0;9.5;1;5;"), {"3 textAfterNumber"}},
@@ -129,10 +129,10 @@ std::vector<LintCase> lintCases() {
         {popupText("M") + range("0;9;0;5;"), {"10 7"}},
         {"*%ParamCustomPrintSize Width: 1 points 9\n" + open + a + close, {"1 badCustomSize"}},
         // Options
-        {flags + "*OpenUI *K/K: PickOne\n*DefaultK: B\n" + a + close, {"4 unknownDefault"}},
-        {flags + "*OpenUI *K/K: PickOne\n*DefaultKK: A\n" + a + close, {"4 otherDefault"}},
-        {flags + "*OpenUI *K/K: PickOne\n" + close, {"3 33", "3 emptyBlock"}},
-        {open + a + "*%QVShortcut *K\n" + flags + goodRange, {"3 unclosedBlock", "7 23"}},
+        {flagLines + "*OpenUI *K/K: PickOne\n*DefaultK: B\n" + a + close, {"4 unknownDefault"}},
+        {flagLines + "*OpenUI *K/K: PickOne\n*DefaultKK: A\n" + a + close, {"4 otherDefault"}},
+        {flagLines + "*OpenUI *K/K: PickOne\n" + close, {"3 33", "3 emptyBlock"}},
+        {open + a + "*%QVShortcut *K\n" + flagLines + goodRange, {"3 unclosedBlock", "7 23"}},
         {open + "*K A: \"\n*% End of PPD file\n", {"3 unclosedBlock", "5 unclosedQuote"}},
         {open + a + a + close, {"6 optionTwice"}},
         {"*%ZANFlags *Q:\n*%ZANGroup *Q: Group\n*OpenUI *K/K: PickOne\n*DefaultK: A\n" + a + close,

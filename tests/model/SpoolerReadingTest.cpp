@@ -143,7 +143,7 @@ Comparison compare(const std::filesystem::path& path) {
 }
 
 // What both need to read a file at all.
-const std::string start = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n";
+const std::string heading = "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n";
 
 std::string option(const std::string& keyword, const std::string& between = {},
                    const std::string& closing = "*CloseUI: ") {
@@ -165,7 +165,7 @@ struct ReadingCase {
 TEST(SpoolerReading, NeighboursAndBlanksAreReadAsLibcupsReadsThem) {
     const std::string m = option("M");
     const std::string n = option("N");
-    std::string spaced = start + neighbours + m + n;
+    std::string spaced = heading + neighbours + m + n;
     // libcups keeps a blank behind a translation, and the parser drops it: these lines have none.
     for (const std::string keyword :
          {"UIConstraints", "PCFileName", "ModelName", "LanguageEncoding", "DefaultM", "DefaultN",
@@ -176,14 +176,14 @@ TEST(SpoolerReading, NeighboursAndBlanksAreReadAsLibcupsReadsThem) {
         }
     }
     const std::vector<ReadingCase> cases{
-        {"plain", start + neighbours + m + n},
+        {"plain", heading + neighbours + m + n},
         {"blanksBeforeColons", spaced},
-        {"blocksInAGroup", start + "*OpenGroup : InstallableOptions/Units\n" + m + n +
+        {"blocksInAGroup", heading + "*OpenGroup : InstallableOptions/Units\n" + m + n +
                                "*CloseGroup : InstallableOptions\n" + neighbours},
-        {"betweenOptions", start + option("M", neighbours) + n},
-        {"closingLineForgotten", start + option("M", {}, {}) + neighbours + n},
-        {"group",
-         start + "*OpenGroup: Other/Other\n" + option("M", {}, {}) + "*CloseGroup: Other\n" + neighbours + n},
+        {"betweenOptions", heading + option("M", neighbours) + n},
+        {"closingLineForgotten", heading + option("M", {}, {}) + neighbours + n},
+        {"group", heading + "*OpenGroup: Other/Other\n" + option("M", {}, {}) + "*CloseGroup: Other\n" +
+                      neighbours + n},
     };
     const TemporaryFolder folder;
     for (const ReadingCase& each : cases) {
@@ -204,7 +204,7 @@ TEST(SpoolerReading, NeighboursThatLibcupsDoesNotKnowSurviveToo) {
                               "*% 0001 *DMT_Injection text\n";
     for (const std::string& blocks :
          {option("M", lines) + option("N"), option("M", lines, {}) + option("N")}) {
-        const auto model = parseText(start + "*OpenGroup: InstallableOptions/Units\n" + blocks);
+        const auto model = parseText(heading + "*OpenGroup: InstallableOptions/Units\n" + blocks);
         EXPECT_EQ(model->GetShortcuts()->Count(), 1U);
         EXPECT_EQ(valueOf(*model, "*QVUTF8_Version"), "5");
         EXPECT_TRUE(find(*model, "*CustomPrintSize"));

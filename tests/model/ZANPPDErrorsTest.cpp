@@ -22,7 +22,7 @@ std::string control(const std::string& flags, const std::string& group, const st
     return "*%ZANFlags *Key: " + flags + "\n*%ZANGroup *Key: " + group + "\n" + body;
 }
 
-const std::string options = "*Key A/A: \"\"\n*CloseUI: *Key\n";
+const std::string keyOptions = "*Key A/A: \"\"\n*CloseUI: *Key\n";
 
 const std::vector<DefectCase>& defects() {
     static const std::vector<DefectCase> cases{
@@ -51,7 +51,7 @@ const std::vector<DefectCase>& defects() {
          control("", "Group", "*OpenUI *Key/K: Boolean\n*DefaultKey: True\n*CloseUI: *Key\n"),
          {"9 *Key"}},
         {"orphanRefused",
-         "*%ZANFlags *Key:\n*OpenUI *Key/K: PickOne\n*DefaultKey: A\n" + options,
+         "*%ZANFlags *Key:\n*OpenUI *Key/K: PickOne\n*DefaultKey: A\n" + keyOptions,
          {"21 *Key"},
          kAcceptHidden},
         {"unknownGroupRefused",

@@ -12,7 +12,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-const std::string start = "<Category name=\"UI-Modification\">\n";
+const std::string categoryStart = "<Category name=\"UI-Modification\">\n";
 
 TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
     ScopedMemorySystem system;
@@ -22,25 +22,26 @@ TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
     };
     const std::string hidden = "<ZANPPD key=\"QVDuplex\" value=\"False\"/>\n";
     const Case cases[] = {
-        {start + "<Show>\n" + hidden + "</Show>\n</Category>", true},
-        {start + "<Show>" + hidden + "</Show></Category>", true},
-        {"<Show>" + hidden + "</Show>" + start + "</Category>", false},
-        {start + "</Category><Show>" + hidden + "</Show>", false},
-        {start + "<Show>" + hidden + "</Category></Show>", false},
-        {start + "<Show>" + hidden + "</Show>", false},
-        {start + "<Show>" + hidden + "</Category>", false},
-        {start + "<Show></Show></Category>", false},
-        {start + "<Show></Show>" + hidden + "</Category>", false},
+        {categoryStart + "<Show>\n" + hidden + "</Show>\n</Category>", true},
+        {categoryStart + "<Show>" + hidden + "</Show></Category>", true},
+        {"<Show>" + hidden + "</Show>" + categoryStart + "</Category>", false},
+        {categoryStart + "</Category><Show>" + hidden + "</Show>", false},
+        {categoryStart + "<Show>" + hidden + "</Category></Show>", false},
+        {categoryStart + "<Show>" + hidden + "</Show>", false},
+        {categoryStart + "<Show>" + hidden + "</Category>", false},
+        {categoryStart + "<Show></Show></Category>", false},
+        {categoryStart + "<Show></Show>" + hidden + "</Category>", false},
         {"<Category name=\"Other\"><Show>" + hidden + "</Show></Category>", false},
         // A value behind the entry's end does not belong to it.
-        {start + "<Show><ZANPPD key=\"QVDuplex\"/> value=\"False\"</Show></Category>", false},
-        {start + "<Show><ZANPPD key=\"QVDuplex\"/><ZANPPD key=\"X\" value=\"False\"/></Show></Category>",
+        {categoryStart + "<Show><ZANPPD key=\"QVDuplex\"/> value=\"False\"</Show></Category>", false},
+        {categoryStart +
+             "<Show><ZANPPD key=\"QVDuplex\"/><ZANPPD key=\"X\" value=\"False\"/></Show></Category>",
          false},
-        {start + "<Show><ZANPPD key=\"QVDuplex\" value=\"True\"/>" + "</Show></Category>", false},
-        {start + "<Show><ZANPPD key=\"QVDuplex\" value=\"False\"</Show></Category>", false},
+        {categoryStart + "<Show><ZANPPD key=\"QVDuplex\" value=\"True\"/>" + "</Show></Category>", false},
+        {categoryStart + "<Show><ZANPPD key=\"QVDuplex\" value=\"False\"</Show></Category>", false},
         // An entry without an end continues into the next entry, even outside its section.
-        {start + "<Show><ZANPPD key=\"QVDuplex\"</Show></Category> value=\"False\"/>", true},
-        {start + "<Show><ZANPPD key=\"QVDuplexX\" value=\"False\"/></Show></Category>", false},
+        {categoryStart + "<Show><ZANPPD key=\"QVDuplex\"</Show></Category> value=\"False\"/>", true},
+        {categoryStart + "<Show><ZANPPD key=\"QVDuplexX\" value=\"False\"/></Show></Category>", false},
     };
     for (const Case& each : cases) {
         Pane pane(paneHeader + templateLines(each.xml));
@@ -52,8 +53,9 @@ TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
         }
         EXPECT_FALSE(pane.data->dmtHides("**QVDuplex"));
     }
-    Pane locking(paneHeader +
-                 templateLines(start + "<Lock><ZANPPD key=\"QVDuplex\" value=\"True\"/></Lock></Category>"));
+    Pane locking(
+        paneHeader +
+        templateLines(categoryStart + "<Lock><ZANPPD key=\"QVDuplex\" value=\"True\"/></Lock></Category>"));
     EXPECT_TRUE(locking.data->dmtLocks("*QVDuplex"));
     EXPECT_FALSE(locking.data->dmtHides("*QVDuplex"));
     Pane none(paneHeader);
@@ -65,21 +67,21 @@ TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
 
 TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     ScopedMemorySystem system;
-    const std::string xml = start + "<Controls>\n"
-                                    "<ZANPPD key=\"SlipSheet_B\" default=\"slip b\"/>\n"
-                                    "<ZANPPD key=\"RangeNum\" default=\"2\"/>\n"
-                                    "<ZANPPD key=\"MM_A1\" default=\"\xE5\x8D\xB0\"/>\n"
-                                    "<ZANPPD key=\"MM_A1\" default=\"a later one\"/>\n"
-                                    "<ZANPPD key=\"MM_B1\" default=\"none of ours\"/>\n"
-                                    "<ZANPPD key=\"PadCoverFront\" default=\"yes\"/>\n"
-                                    "<ZANPPD key=\"CoverPage_A\" default=\"cover\"/>\n"
-                                    "<ZANPPD key=\"QVPCName\" default=\"Account\"/>\n"
-                                    "<ZANPPD key=\"QVCoverSizePCMID\" default=\"12\"/>\n"
-                                    "<ZANPPD key=\"Notes1\" default=\"a note\"/>\n"
-                                    "<ZANPPD key=\"CustomPrintSize\" default=\"300 400\"/>\n"
-                                    "<ZANPPD key=\"NoDefault\"/>\n"
-                                    "</Controls>\n<Show>\n<ZANPPD key=\"QVFold\" value=\"False\"/>\n"
-                                    "<ZANPPD key=\"QVAny\" value=\"True\"/>\n</Show>\n</Category>";
+    const std::string xml = categoryStart + "<Controls>\n"
+                                            "<ZANPPD key=\"SlipSheet_B\" default=\"slip b\"/>\n"
+                                            "<ZANPPD key=\"RangeNum\" default=\"2\"/>\n"
+                                            "<ZANPPD key=\"MM_A1\" default=\"\xE5\x8D\xB0\"/>\n"
+                                            "<ZANPPD key=\"MM_A1\" default=\"a later one\"/>\n"
+                                            "<ZANPPD key=\"MM_B1\" default=\"none of ours\"/>\n"
+                                            "<ZANPPD key=\"PadCoverFront\" default=\"yes\"/>\n"
+                                            "<ZANPPD key=\"CoverPage_A\" default=\"cover\"/>\n"
+                                            "<ZANPPD key=\"QVPCName\" default=\"Account\"/>\n"
+                                            "<ZANPPD key=\"QVCoverSizePCMID\" default=\"12\"/>\n"
+                                            "<ZANPPD key=\"Notes1\" default=\"a note\"/>\n"
+                                            "<ZANPPD key=\"CustomPrintSize\" default=\"300 400\"/>\n"
+                                            "<ZANPPD key=\"NoDefault\"/>\n"
+                                            "</Controls>\n<Show>\n<ZANPPD key=\"QVFold\" value=\"False\"/>\n"
+                                            "<ZANPPD key=\"QVAny\" value=\"True\"/>\n</Show>\n</Category>";
     Pane pane(paneHeader + jobNote("Notes1") + templateLines(xml));
     pane.Store(".MMKey", CFNumberCreate(1));
     pane.Store("MMKey0", cfString("*RangeProp9"));
@@ -134,7 +136,7 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
 
 TEST(ManagementTemplate, MoreKeysThanSlotsAndAnUnreadableDocument) {
     ScopedMemorySystem system;
-    std::string xml = start + "<Controls>\n";
+    std::string xml = categoryStart + "<Controls>\n";
     for (int i = 100; i < 140; ++i) {
         xml += "<ZANPPD key=\"CoverPage_" + std::to_string(i) + "\" default=\"1\"/>\n";
         xml += "<ZANPPD key=\"QVPCMID" + std::to_string(i) + "\" default=\"1\"/>\n";

@@ -8,8 +8,6 @@
 
 namespace torka {
 
-namespace {
-
 // A digest and its signature algorithm.
 struct DigestAlgorithm {
     CSSM_ALGORITHMS digest;
@@ -19,6 +17,8 @@ struct DigestAlgorithm {
                 const std::uint8_t*, mpz_t);
     int (*verify)(const rsa_public_key*, const std::uint8_t*, const mpz_t);
 };
+
+namespace {
 
 const DigestAlgorithm algorithms[] = {
     {CSSM_ALGID_SHA1, CSSM_ALGID_SHA1WithRSA, nettle_sha1, rsa_sha1_sign_digest_tr, rsa_sha1_verify_digest},

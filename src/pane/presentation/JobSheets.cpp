@@ -57,7 +57,7 @@ struct Rule {
 };
 
 // What each choice draws. The keywords without "QV" are those of the PPD specification 4.3, section 5.
-constexpr std::array rules{
+constexpr std::array sheetRules{
     Rule{"*QVOrientation", "Landscape", set<&JobSheets::isLandscape, true>},
     Rule{"*QVDuplex", "LongEdge", set<&JobSheets::sides, Sides::longEdge>},
     Rule{"*QVDuplex", "ShortEdge", set<&JobSheets::sides, Sides::shortEdge>},
@@ -135,7 +135,7 @@ void applyRules(JobSheets& sheets, const PaneEditor& editor) {
     std::string_view keyword;
     const PPDXControl* control = nullptr;
     std::string value;
-    for (const Rule& rule : rules) {
+    for (const Rule& rule : sheetRules) {
         if (rule.keyword != keyword) {
             keyword = rule.keyword;
             control = editor.FindControl(keyword);

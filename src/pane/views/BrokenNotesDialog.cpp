@@ -13,12 +13,6 @@
 #include <QVBoxLayout>
 
 namespace torka {
-namespace {
-
-constexpr int keywordRole = Qt::UserRole;
-
-} // namespace
-
 BrokenNotesDialog::BrokenNotesDialog(const PaneContext& context, const std::vector<BrokenNote>& notes,
                                      QWidget* parent)
     : QDialog(parent)

@@ -18,6 +18,9 @@ inline QString qText(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+// Where items of lists and trees keep the keyword of their option.
+inline constexpr int keywordRole = Qt::UserRole;
+
 // Conversions between the strings of the toolkit and of the panel. "" for null.
 QString qText(const CFStringRef& text);
 CFStringRef cfText(const QString& text);

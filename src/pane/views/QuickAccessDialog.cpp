@@ -26,8 +26,6 @@
 namespace torka {
 namespace {
 
-constexpr int keywordRole = Qt::UserRole;
-
 std::string keywordOf(const QVariant& data) { return data.toString().toStdString(); }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "pane/views/SummaryPage.h"
 
 #include "pane/presentation/PageList.h"
+#include "pane/views/PlainTexts.h"
 #include "pane/views/RoomyRows.h"
 
 #include <QHBoxLayout>
@@ -13,11 +14,6 @@
 #include <QVBoxLayout>
 
 namespace torka {
-namespace {
-
-constexpr int keywordRole = Qt::UserRole;
-
-} // namespace
 
 SummaryPage::SummaryPage(PaneContext& paneContext, std::function<void(const std::string&)> showField,
                          QWidget* parent)

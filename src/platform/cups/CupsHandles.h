@@ -17,6 +17,11 @@ struct FreeIpp {
 };
 using IppMessage = std::unique_ptr<ipp_t, FreeIpp>;
 
+struct CloseHttp {
+    void operator()(http_t* connection) const { httpClose(connection); }
+};
+using HttpConnection = std::unique_ptr<http_t, CloseHttp>;
+
 // Options of a job in the form of libcups.
 class CupsOptions {
 public:

@@ -6,7 +6,6 @@
 #include <cups/ppd.h>
 
 #include <algorithm>
-#include <memory>
 
 // libcups marks its PPD functions as deprecated and offers no others for a queue with a description.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -16,10 +15,6 @@ namespace torka::platform {
 namespace {
 
 bool succeeded() { return cupsLastError() <= IPP_STATUS_OK_CONFLICTING; }
-
-struct CloseHttp {
-    void operator()(http_t* connection) const { httpClose(connection); }
-};
 
 // Whether the server answers a request within the limit in seconds. Any answer counts, a refusal too. Without
 // a limit of its own a request repeats for the better part of a minute.
@@ -127,8 +122,8 @@ std::string serverProblem() {
     constexpr int timeout = 10; // seconds, to connect and to answer
     const std::string server = cupsServer();
     const std::string place = server.starts_with('/') ? server : server + ":" + std::to_string(ippPort());
-    const std::unique_ptr<http_t, CloseHttp> connection(httpConnect2(
-        server.c_str(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, timeout * 1000, nullptr));
+    const HttpConnection connection(httpConnect2(server.c_str(), ippPort(), nullptr, AF_UNSPEC,
+                                                 cupsEncryption(), 1, timeout * 1000, nullptr));
     if (!connection) {
         // libcups gives no reason that a person could use, such as "Bad file descriptor".
         return "Cannot reach the print server at " + place +

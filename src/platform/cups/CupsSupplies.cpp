@@ -91,11 +91,6 @@ PrinterFacts factsIn(ipp_t* message) {
     return facts;
 }
 
-struct CloseHttp {
-    void operator()(http_t* http) const { httpClose(http); }
-};
-using Connection = std::unique_ptr<http_t, CloseHttp>;
-
 struct Device {
     std::array<char, 32> scheme{};
     std::array<char, 256> user{};
@@ -116,14 +111,15 @@ bool takeApart(const std::string& uri, Device& device) {
 
 // libcups looks up a host name and opens an enciphered connection without a time limit. A thread does both,
 // and continues alone when it is late. `limit` holds for each of the two.
-Connection connectionTo(const Device& device, std::chrono::milliseconds limit) {
-    std::packaged_task<Connection()> connect([device, limit] {
+HttpConnection connectionTo(const Device& device, std::chrono::milliseconds limit) {
+    std::packaged_task<HttpConnection()> connect([device, limit] {
         const bool isEnciphered = std::string_view(device.scheme.data()) == "ipps";
-        return Connection(httpConnect2(device.host.data(), device.port, nullptr, AF_UNSPEC,
-                                       isEnciphered ? HTTP_ENCRYPTION_ALWAYS : HTTP_ENCRYPTION_IF_REQUESTED,
-                                       1, static_cast<int>(limit.count()), nullptr));
+        return HttpConnection(
+            httpConnect2(device.host.data(), device.port, nullptr, AF_UNSPEC,
+                         isEnciphered ? HTTP_ENCRYPTION_ALWAYS : HTTP_ENCRYPTION_IF_REQUESTED, 1,
+                         static_cast<int>(limit.count()), nullptr));
     });
-    std::future<Connection> connected = connect.get_future();
+    std::future<HttpConnection> connected = connect.get_future();
     std::thread(std::move(connect)).detach();
     return connected.wait_for(2 * limit) == std::future_status::ready ? connected.get() : nullptr;
 }
@@ -189,7 +185,7 @@ std::optional<PrinterFacts> deviceFacts(const std::string& uri, std::chrono::mil
     if (!takeApart(uri, device)) {
         return std::nullopt;
     }
-    const Connection http = connectionTo(device, limit);
+    const HttpConnection http = connectionTo(device, limit);
     if (!http) {
         return std::nullopt;
     }

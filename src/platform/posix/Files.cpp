@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // PosixSystem's functions for whole files.
 
+#include "platform/LastError.h"
 #include "platform/posix/PosixSystem.h"
 
 #include <algorithm>
@@ -16,8 +17,6 @@ namespace torka::platform {
 namespace {
 
 constexpr mode_t folderMode = 0700;
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
 
 // Refuses a path with a NUL, where the system would cut it.
 bool isUsablePath(const std::filesystem::path& path) {

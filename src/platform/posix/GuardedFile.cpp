@@ -2,6 +2,7 @@
 // Implements PosixSystem::ReadGuardedFile.
 
 #include "platform/FixedPath.h"
+#include "platform/LastError.h"
 #include "platform/posix/PosixSystem.h"
 
 #include <algorithm>
@@ -17,8 +18,6 @@
 namespace torka::platform {
 
 namespace {
-
-std::error_code lastError() { return {errno, std::generic_category()}; }
 
 std::string ownerText(uid_t owner) {
     std::array<char, 4096> buffer{};

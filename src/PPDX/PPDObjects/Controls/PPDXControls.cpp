@@ -12,14 +12,14 @@ namespace torka {
 
 namespace {
 
-constexpr const char* countKey = "Controls.count";
+constexpr const char* controlCount = "Controls.count";
 
 bool isShown(const PPDXControl* control) { return control->OkayToDisplay(gDisplayOptions); }
 
 CNTL_TYPE typeOf(const PPDXControl* control) { return control ? control->Type() : CNTL_TYPE::none; }
 
 int storedCount(const Settings& settings) {
-    const std::int64_t count = settings.GetInteger(countKey).value_or(0);
+    const std::int64_t count = settings.GetInteger(controlCount).value_or(0);
     return static_cast<int>(std::clamp<std::int64_t>(count, 0, std::numeric_limits<int>::max()));
 }
 
@@ -202,7 +202,7 @@ PPDXSpecialOption* PPDXControls::FindSpecialOption(const char* keyword, bool exa
 void PPDXControls::Save(Settings& settings) const {
     int index = 0;
     ForEach([&](const PPDXControl* control) { control->Save(settings, index++); });
-    settings.SetInteger(countKey, index);
+    settings.SetInteger(controlCount, index);
 }
 
 void PPDXControls::Restore(Settings& settings) {

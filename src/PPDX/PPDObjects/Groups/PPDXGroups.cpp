@@ -12,16 +12,16 @@ namespace torka {
 
 namespace {
 
-constexpr const char* recordPrefix = "Group";
-constexpr const char* countKey = "Groups.count";
+constexpr const char* groupRecord = "Group";
+constexpr const char* groupCount = "Groups.count";
 
 enum StoredKind { kindPlain = 0, kindScrollPane = 1, kindRollDown = 2 };
 
 bool isShown(const PPDXGroup* group) { return group->OkayToDisplay(gDisplayOptions); }
 
 std::unique_ptr<PPDXGroup> makeStored(Settings& settings, int index) {
-    const CString prefix(recordPrefix);
-    switch (StoredRecord(settings, recordPrefix, index).Index("kind")) {
+    const CString prefix(groupRecord);
+    switch (StoredRecord(settings, groupRecord, index).Index("kind")) {
     case kindScrollPane:
         return std::make_unique<PPDXScrollPane>(settings, index, &prefix);
     case kindRollDown:
@@ -42,8 +42,8 @@ PPDXGroup::PPDXGroup(Settings& settings, int index, const CString* prefix)
 PPDXGroup::~PPDXGroup() = default;
 
 void PPDXGroup::Save(Settings& settings, int index) const {
-    SaveElement(settings, index, recordPrefix);
-    StoredRecord(settings, recordPrefix, index)
+    SaveElement(settings, index, groupRecord);
+    StoredRecord(settings, groupRecord, index)
         .SetInteger("kind", IsScrollPane(this) ? kindScrollPane
                             : IsRollDown(this) ? kindRollDown
                                                : kindPlain);
@@ -58,14 +58,14 @@ PPDXGroups::PPDXGroups(Ownership newOwnership)
 
 PPDXGroups::PPDXGroups(Settings& settings)
     : ownership(Ownership::owns) {
-    const std::int64_t count = settings.GetInteger(countKey).value_or(0);
+    const std::int64_t count = settings.GetInteger(groupCount).value_or(0);
     std::vector<PPDXGroup*> made;
-    for (int index = 0; index < count && StoredRecord(settings, recordPrefix, index).Has("kind"); ++index) {
+    for (int index = 0; index < count && StoredRecord(settings, groupRecord, index).Has("kind"); ++index) {
         made.push_back(makeStored(settings, index).release());
         Add(made.back());
     }
     for (std::size_t index = 0; index < made.size(); ++index) {
-        const auto parent = StoredRecord(settings, recordPrefix, static_cast<int>(index)).Text("parent");
+        const auto parent = StoredRecord(settings, groupRecord, static_cast<int>(index)).Text("parent");
         auto* pane = parent ? dynamic_cast<PPDXScrollPane*>(Find(parent->c_str(), true)) : nullptr;
         if (pane && IsRollDown(made[index])) {
             made[index]->SetParent(pane);
@@ -93,7 +93,7 @@ PPDXGroup* PPDXGroups::Next() { return list.Next(isShown); }
 void PPDXGroups::Save(Settings& settings) const {
     int index = 0;
     ForEach([&](const PPDXGroup* group) { group->Save(settings, index++); });
-    settings.SetInteger(countKey, index);
+    settings.SetInteger(groupCount, index);
 }
 
 bool IsRollDown(const PPDXGroup* group) { return dynamic_cast<const PPDXRollDown*>(group) != nullptr; }

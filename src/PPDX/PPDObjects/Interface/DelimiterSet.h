@@ -104,4 +104,7 @@ private:
     std::size_t count = 0;
 };
 
+inline constexpr DelimiterSet flagEnds("|:\""); // behind a flag of an element
+inline constexpr DelimiterSet colonEnds(":");
+
 } // namespace torka

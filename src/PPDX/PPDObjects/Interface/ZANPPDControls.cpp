@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/PPDObjects/Interface/DelimiterSet.h"
 #include "PPDX/PPDObjects/Interface/ElementKeywords.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
@@ -50,10 +51,8 @@ struct ZANPPD::ChoiceBlock {
 
 namespace {
 
-constexpr DelimiterSet flagEnds("|:\"");
 constexpr DelimiterSet typeEnds(";()");
 constexpr DelimiterSet optionEnds("/");
-constexpr DelimiterSet colon(":");
 
 // Returns the next of a range's numbers, empty when none comes before the quoted PostScript.
 std::string_view takeNumber(PPDStream& line) {
@@ -280,7 +279,7 @@ void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
 // "*Default KEYWORD: OPTION" or "*DefaultANYTHING: OPTION".
 void ZANPPD::ReadDefaultLine(PPDStream& line, std::string_view token, const std::string& keyword,
                              ChoiceBlock& block) {
-    if (token == "*Default" && line.TakeToken(colon, true) != keyword) {
+    if (token == "*Default" && line.TakeToken(colonEnds, true) != keyword) {
         return;
     }
     if (block.defaultOption) {

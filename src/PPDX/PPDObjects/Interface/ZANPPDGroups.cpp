@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/PPDObjects/Interface/DelimiterSet.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
@@ -12,9 +13,7 @@ namespace torka {
 
 namespace {
 
-constexpr DelimiterSet flagEnds("|:\"");
 constexpr DelimiterSet slash("/");
-constexpr DelimiterSet colon(":");
 
 // What lint takes for a flag.
 constexpr std::array<std::string_view, 4> pageFlags{"True", "False", "App", "Prop"};
@@ -104,7 +103,7 @@ void ZANPPD::ParseGroupName(PPDStream& line, PPDErr missingName) {
 void ZANPPD::ParseParent(PPDStream& line) {
     skipToName(line);
     const std::string childName(line.TakeToken(slash, true));
-    const std::string parentName(line.TakeToken(colon, true));
+    const std::string parentName(line.TakeToken(colonEnds, true));
     if (childName.empty() || parentName.empty()) {
         Report(PPDErr_ParentParsing, childName.empty() ? parentName : childName, Line());
         return;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Controls/JobNoteFlags.h"
+#include "PPDX/PPDObjects/Interface/DelimiterSet.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "StringUtils.h"
@@ -14,8 +15,6 @@
 namespace torka {
 
 namespace {
-
-constexpr DelimiterSet flagEnds("|:\"");
 
 void checkDefaultLine(PPDLint& lint, long line, std::string_view token, std::string_view keyword,
                       std::string_view bare) {

@@ -12,7 +12,7 @@ namespace torka {
 
 namespace {
 
-constexpr const char* recordPrefix = "Description";
+constexpr const char* descriptionRecord = "Description";
 constexpr const char* shortcutPrefix = "Shortcut";
 
 struct StoredHeader {
@@ -36,7 +36,7 @@ const char* textOf(const CString* value) { return value ? value->Buffer() : null
 } // namespace
 
 void ZANPPD::Save(Settings& settings) const {
-    StoredRecord record(settings, recordPrefix, 0);
+    StoredRecord record(settings, descriptionRecord, 0);
     for (const StoredHeader& header : storedHeaders) {
         record.SetText(header.field, textOf((this->*header.value)()));
     }
@@ -59,7 +59,7 @@ ZANPPD::ZANPPD(Settings& settings, const CFURLRef& url, CFArrayRef pcFileNames)
     : file(FSRef{})
     , parseOptions(kAcceptOrphans | kAcceptHidden)
     , supportedFileNames(std::move(pcFileNames)) {
-    const StoredRecord record(settings, recordPrefix, 0);
+    const StoredRecord record(settings, descriptionRecord, 0);
     parseOptions = static_cast<_PARSE_OPTIONS_>(record.Integer("parseOptions", parseOptions)) & 3U;
     extensions = static_cast<_EXTENSIONS_SUPPORT_>(record.Integer("extensions", kAllExtensions) & 3);
     CFURLGetFSRef(url, *file);
@@ -72,7 +72,7 @@ ZANPPD::ZANPPD(Settings& settings, const CFURLRef& url, CFArrayRef pcFileNames)
 }
 
 void ZANPPD::RestoreElements(Settings& settings) {
-    const StoredRecord record(settings, recordPrefix, 0);
+    const StoredRecord record(settings, descriptionRecord, 0);
     for (const StoredHeader& header : storedHeaders) {
         if (const auto value = record.Text(header.field)) {
             const std::string text = header.isQuoted ? '"' + *value + '"' : *value;

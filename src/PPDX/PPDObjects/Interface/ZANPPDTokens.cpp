@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/PPDObjects/Interface/DelimiterSet.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
@@ -8,7 +9,6 @@ namespace {
 
 constexpr DelimiterSet wordEnds(" \t:");
 constexpr DelimiterSet nameEnds("/:");
-constexpr DelimiterSet colon(":");
 
 // The maximum length of a PostScript value; longer values are cut.
 constexpr long postscriptCapacity = 65536;
@@ -43,7 +43,7 @@ ZANPPD::NamedToken ZANPPD::TakeNamedToken(PPDStream& line, bool trimName) {
     const std::size_t consumed = before.size() - line.Remaining().size();
     if (consumed > 0 && before[consumed - 1] == '/') {
         result.hasName = true;
-        result.name = line.TakeToken(colon, trimName);
+        result.name = line.TakeToken(colonEnds, trimName);
     }
     return result;
 }

@@ -10,10 +10,10 @@ namespace torka {
 
 namespace {
 
-constexpr const char* recordPrefix = "Property";
-constexpr const char* countKey = "Properties.count";
+constexpr const char* propertyRecord = "Property";
+constexpr const char* propertyCount = "Properties.count";
 
-bool isAny(const PPDXProperty*) { return true; }
+bool isAnyProperty(const PPDXProperty*) { return true; }
 
 } // namespace
 
@@ -25,7 +25,8 @@ PPDXProperty::PPDXProperty(const char* pageKeyword, CFStringRef name, bool isVis
 
 PPDXProperty::PPDXProperty(Settings& settings, int index, const CString* prefix)
     : PPDXElement(settings, index, prefix) {
-    const StoredRecord record(settings, prefix && prefix->Buffer() ? prefix->Buffer() : recordPrefix, index);
+    const StoredRecord record(settings, prefix && prefix->Buffer() ? prefix->Buffer() : propertyRecord,
+                              index);
     showInApp = record.Integer("showInApp", 1) != 0;
     showInPrintProp = record.Integer("showInPrintProp", 1) != 0;
 }
@@ -33,8 +34,8 @@ PPDXProperty::PPDXProperty(Settings& settings, int index, const CString* prefix)
 PPDXProperty::~PPDXProperty() = default;
 
 void PPDXProperty::Save(Settings& settings, int index) const {
-    SaveElement(settings, index, recordPrefix);
-    StoredRecord record(settings, recordPrefix, index);
+    SaveElement(settings, index, propertyRecord);
+    StoredRecord record(settings, propertyRecord, index);
     record.SetInteger("showInApp", showInApp ? 1 : 0);
     record.SetInteger("showInPrintProp", showInPrintProp ? 1 : 0);
     if (scrollDown) {
@@ -59,10 +60,10 @@ void SetPropertyScrollDown(PPDXProperty* property, PPDXScrollPane* pane) {
 PPDXProperties::PPDXProperties() = default;
 
 PPDXProperties::PPDXProperties(Settings& settings, const PPDXGroups* groups) {
-    const CString prefix(recordPrefix);
-    const std::int64_t count = settings.GetInteger(countKey).value_or(0);
+    const CString prefix(propertyRecord);
+    const std::int64_t count = settings.GetInteger(propertyCount).value_or(0);
     for (int index = 0; index < count; ++index) {
-        const StoredRecord record(settings, recordPrefix, index);
+        const StoredRecord record(settings, propertyRecord, index);
         if (!record.Has("showInApp")) {
             break;
         }
@@ -87,14 +88,14 @@ void PPDXProperties::Add(PPDXProperty* property) {
     }
 }
 
-PPDXProperty* PPDXProperties::First() { return list.First(isAny); }
+PPDXProperty* PPDXProperties::First() { return list.First(isAnyProperty); }
 
-PPDXProperty* PPDXProperties::Next() { return list.Next(isAny); }
+PPDXProperty* PPDXProperties::Next() { return list.Next(isAnyProperty); }
 
 void PPDXProperties::Save(Settings& settings) const {
     int index = 0;
     ForEach([&](const PPDXProperty* property) { property->Save(settings, index++); });
-    settings.SetInteger(countKey, index);
+    settings.SetInteger(propertyCount, index);
 }
 
 PPDXProperty* NextProperty(PPDXProperties* properties) { return properties ? properties->Next() : nullptr; }

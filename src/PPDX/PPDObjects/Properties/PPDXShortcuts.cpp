@@ -5,7 +5,7 @@ namespace torka {
 
 namespace {
 
-bool isAny(const PPDXControl*) { return true; }
+bool isAnyShortcut(const PPDXControl*) { return true; }
 
 } // namespace
 
@@ -15,9 +15,9 @@ void PPDXShortcuts::Add(PPDXControl* control) {
     }
 }
 
-PPDXControl* PPDXShortcuts::First() { return list.First(isAny); }
+PPDXControl* PPDXShortcuts::First() { return list.First(isAnyShortcut); }
 
-PPDXControl* PPDXShortcuts::Next() { return list.Next(isAny); }
+PPDXControl* PPDXShortcuts::Next() { return list.Next(isAnyShortcut); }
 
 PPDXControl* PPDXShortcuts::PageSize() const { return Find("*PageSize", true); }
 
