@@ -6,10 +6,12 @@
 #include <algorithm>
 #include <array>
 #include <condition_variable>
+#include <fcntl.h>
 #include <future>
 #include <mutex>
 #include <sys/socket.h>
 #include <thread>
+#include <unistd.h>
 
 namespace torka::platform {
 
@@ -124,20 +126,37 @@ HttpConnection connectionTo(const Device& device, std::chrono::milliseconds limi
     return connected.wait_for(2 * limit) == std::future_status::ready ? connected.get() : nullptr;
 }
 
-// Shuts down a connection after the limit: a device could otherwise send single bytes for ever.
+// Shuts down a connection after the limit: a device could otherwise send single bytes for ever. Has a
+// descriptor of its own: libcups may close the connection's, whose number then could stand for another file.
 class Deadline {
 public:
     Deadline(int descriptor, std::chrono::milliseconds limit)
-        : watch([descriptor, limit](const std::stop_token& stop) {
+        : own(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0)) {
+        if (own < 0) {
+            return;
+        }
+        watch = std::jthread([own = own, limit](const std::stop_token& stop) {
             std::mutex mutex;
             std::unique_lock lock(mutex);
             std::condition_variable_any condition;
             if (!condition.wait_for(lock, stop, limit, [&stop] { return stop.stop_requested(); })) {
-                ::shutdown(descriptor, SHUT_RDWR);
+                ::shutdown(own, SHUT_RDWR);
             }
-        }) {}
+        });
+    }
+    Deadline(const Deadline&) = delete;
+    Deadline& operator=(const Deadline&) = delete;
+    ~Deadline() {
+        watch = std::jthread(); // ends it before the descriptor goes
+        if (own >= 0) {
+            ::close(own);
+        }
+    }
+    // Without descriptors to spare no limit can hold.
+    bool Holds() const { return own >= 0; }
 
 private:
+    int own;
     std::jthread watch;
 };
 
@@ -190,6 +209,9 @@ std::optional<PrinterFacts> deviceFacts(const std::string& uri, std::chrono::mil
         return std::nullopt;
     }
     const Deadline deadline(httpGetFd(http.get()), limit);
+    if (!deadline.Holds()) {
+        return std::nullopt;
+    }
     const IppMessage request(ippNewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES));
     // Leaves out the user and password of the device's URI, which are no part of the printer's name.
     std::array<char, HTTP_MAX_URI> printer{};
