@@ -5,6 +5,7 @@
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "PPDX/KVEngine/UIConstraints.h"
+#include "bench/Descriptions.h"
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -89,7 +90,7 @@ std::unique_ptr<UIConstraints> fillStore(const Lines& lines) {
 // One description, open on both sides until the program ends.
 struct Description {
     explicit Description(const std::string& size)
-        : path(std::string(TORKA_BENCH_PPDS) + "/" + size + ".ppd")
+        : path(torka::bench::descriptionPath(size))
         , lines(path) {
         double before = heapInUse();
         ppd = ppdOpenFile(path.c_str());

@@ -3,6 +3,7 @@
 // Compares them with libcups on the same files in the same run. Names: TASK/SIZE/cups and TASK/SIZE/torka.
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "bench/Descriptions.h"
 #include "bench/FirstRun.h"
 #include "platform/Log.h"
 
@@ -66,22 +67,22 @@ class NoLog : public torka::LogSink {
     void Line(std::string_view) override {}
 };
 
-std::string pathOf(const std::string& size) { return std::string(TORKA_BENCH_PPDS) + "/" + size + ".ppd"; }
+using torka::bench::descriptionPath;
 
 using CupsDescription = std::unique_ptr<ppd_file_t, decltype(&ppdClose)>;
 
 CupsDescription openCups(const std::string& size) {
-    CupsDescription ppd(ppdOpenFile(pathOf(size).c_str()), &ppdClose);
+    CupsDescription ppd(ppdOpenFile(descriptionPath(size).c_str()), &ppdClose);
     if (!ppd) {
-        throw std::runtime_error("libcups does not read " + pathOf(size));
+        throw std::runtime_error("libcups does not read " + descriptionPath(size));
     }
     return ppd;
 }
 
 std::unique_ptr<ZANPPD> openTorka(const std::string& size) {
-    auto model = std::make_unique<ZANPPD>(torka::FSRef{pathOf(size)}, acceptAll, nullptr);
+    auto model = std::make_unique<ZANPPD>(torka::FSRef{descriptionPath(size)}, acceptAll, nullptr);
     if (!model->Errors()->Empty()) {
-        throw std::runtime_error("errors in " + pathOf(size));
+        throw std::runtime_error("errors in " + descriptionPath(size));
     }
     return model;
 }
