@@ -70,6 +70,13 @@ function(torka_library name)
     endif()
 endfunction()
 
+# Several files make one unit, where most of a file's time goes into the headers that all of them share.
+function(torka_unity target files)
+    if(TORKA_UNITY)
+        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${files})
+    endif()
+endfunction()
+
 # torka_tests(AREA [EACH] lib...): tests/AREA/*.cpp becomes the program test_AREA. ctest runs it once, as unit.AREA; with
 # EACH it runs every case on its own: for cases that wait for other programs, which others can run beside.
 function(torka_tests area)
@@ -82,10 +89,7 @@ function(torka_tests area)
     target_link_libraries(test_${area} PRIVATE ${arg_UNPARSED_ARGUMENTS} torka_test_support GTest::gmock GTest::gtest_main)
     # Built far more often than run. Without optimisation the C library's own checks of lengths would only warn.
     target_compile_options(test_${area} PRIVATE -O0 -U_FORTIFY_SOURCE)
-    # Several files make one unit: half of the time of a test's file goes into the headers that all of them share.
-    if(TORKA_UNITY_TESTS)
-        set_target_properties(test_${area} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
-    endif()
+    torka_unity(test_${area} 6)
     target_compile_definitions(test_${area} PRIVATE
         TORKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TORKA_BINARY_DIR="${CMAKE_BINARY_DIR}")
     if(arg_EACH)

@@ -56,44 +56,40 @@ TEST(Commands, RequestsComeApartAsTheyWereJoined) {
     }
 }
 
-// The commands have the given titles and texts. Only these two have a job option.
-TEST(Commands, ATicketsNameTravelsWithBothItsCommands) {
+// Only a ticket's two commands have a job option, its name.
+TEST(Commands, AreSent) {
     const auto printer = std::make_shared<MemoryPrinter>();
-    const std::string path = "/Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+    const std::string name = "Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
+    const std::string path = "/Library/Caches/ZAN/" + name;
     const std::string list = "<plist>\\u6f22</plist>";
     ASSERT_EQ(sendTicketAhead(printer, cfString(path), CFDataCreate(list.data(), list.size())), noErr);
-    deleteFileCommandToCFF(printer, "Office.open");
-    const std::vector<std::pair<std::string, std::string>> expected{
-        {"Command_PSTempFileName", path}, {"Command_WritePSTemp", "<plist>\xE6\xBC\xA2</plist>"}};
-    ASSERT_EQ(printer->sent.size(), 3U);
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(utf8Text(printer->sent[i].title), expected[i].first);
-        EXPECT_EQ(utf8Text(printer->sent[i].command), expected[i].second);
-        ASSERT_TRUE(printer->sent[i].options);
-        ASSERT_EQ(printer->sent[i].options->Pairs().size(), 1U);
-        const auto& [name, value] = printer->sent[i].options->Pairs().front();
-        EXPECT_EQ(utf8Text(name), ticketNameOption);
-        EXPECT_EQ(utf8Text(cfCast<CFString>(value)), path.substr(path.rfind('/') + 1));
-    }
-    EXPECT_FALSE(printer->sent[2].options);
-}
-
-TEST(Commands, AreSent) {
-    tests::ScopedMemorySystem system;
-    const auto printer = std::make_shared<MemoryPrinter>();
+    deleteFileCommandToCFF(printer, "Office.bididata\nOffice.open");
     EXPECT_TRUE(
         sendUpdateCommandToCFFWithCommand(printer, "ID", "host", "locale=en\n", "records=TrayInfo\n"));
-    deleteFileCommandToCFF(printer, "Office.bididata\nOffice.open");
+    const std::vector<std::tuple<std::string, std::string, std::string>> expected{
+        {"Command_PSTempFileName", path, name},
+        {"Command_WritePSTemp", "<plist>\xE6\xBC\xA2</plist>", name},
+        {"Command_DeleteUpdateFiles", "Office.bididata\nOffice.open", ""},
+        {"Command_UpdateCommands", "ID::DELIMIT::host::DELIMIT::locale=en\nrecords=TrayInfo\n", ""}};
+    ASSERT_EQ(printer->sent.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const MemoryPrinter::SentCommand& sent = printer->sent[i];
+        std::string option;
+        if (sent.options) {
+            ASSERT_EQ(sent.options->Pairs().size(), 1U);
+            const auto& [key, value] = sent.options->Pairs().front();
+            EXPECT_EQ(utf8Text(key), ticketNameOption);
+            option = utf8Text(cfCast<CFString>(value));
+        }
+        EXPECT_EQ(std::tuple(utf8Text(sent.title), utf8Text(sent.command), option), expected[i]);
+    }
     printer->sendResult = kPMGeneralError;
     EXPECT_FALSE(sendUpdateCommandToCFFWithCommand(printer, "ID", "host", "", ""));
     EXPECT_FALSE(sendUpdateCommandToCFFWithCommand(nullptr, "ID", "host", "", ""));
-    ASSERT_EQ(printer->sent.size(), 3U);
-    EXPECT_EQ(utf8Text(printer->sent[0].title), "Command_UpdateCommands");
-    EXPECT_EQ(utf8Text(printer->sent[0].command),
-              "ID::DELIMIT::host::DELIMIT::locale=en\nrecords=TrayInfo\n");
-    EXPECT_EQ(utf8Text(printer->sent[1].title), "Command_DeleteUpdateFiles");
-    EXPECT_EQ(utf8Text(printer->sent[1].command), "Office.bididata\nOffice.open");
+}
 
+TEST(Commands, ARequestHasANameOfItsOwn) {
+    tests::ScopedMemorySystem system;
     ServerDataRequests requests;
     int resets = 0;
     const auto reset = [&resets] { ++resets; };

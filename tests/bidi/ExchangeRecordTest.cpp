@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
-#include <random>
 
 namespace torka {
 namespace {
@@ -22,17 +21,28 @@ protected:
         gotSharedListFromJP = gotServerPresetFromJP = false;
         sharedListCopyFromJP.reset();
     }
+    using Pairs = std::initializer_list<std::pair<std::wstring, std::wstring>>;
+    static KeyValueList ListOf(Pairs pairs) {
+        KeyValueList list;
+        for (const auto& [key, value] : pairs) {
+            list.Append(key, value);
+        }
+        return list;
+    }
+    void Write(Pairs pairs) { writeSettings(*record, ListOf(pairs).List()); }
+    KeyValueList Back() const {
+        KeyValueList list;
+        Create_SDMList_From_SharedMemoryList(list, *record);
+        return list;
+    }
     static std::string Raw(std::span<const char> field) { return {field.data(), field.size()}; }
 
     std::unique_ptr<SharedMemoryList> record = std::make_unique<SharedMemoryList>();
 };
 
 TEST_F(ExchangeRecord, FieldsKeepTheirBounds) {
-    struct Case {
-        std::string text;
-        std::string kept; // the text in a field of 8 bytes
-    };
-    for (const Case& field : std::vector<Case>{
+    // Texts, and what a field of 8 bytes keeps of them.
+    for (const auto& [text, kept] : std::vector<std::pair<std::string, std::string>>{
              {"", ""},
              {"1234567", "1234567"},
              {"12345678", "1234567"},
@@ -44,8 +54,8 @@ TEST_F(ExchangeRecord, FieldsKeepTheirBounds) {
          }) {
         std::array<char, 10> bytes;
         bytes.fill('#');
-        setField(std::span(bytes).first(8), field.text);
-        EXPECT_EQ(Raw(bytes), field.kept + std::string(8 - field.kept.size(), '\0') + "##") << field.text;
+        setField(std::span(bytes).first(8), text);
+        EXPECT_EQ(Raw(bytes), kept + std::string(8 - kept.size(), '\0') + "##") << text;
     }
     for (const auto& [text, number] : std::vector<std::pair<std::string, long>>{
              {"", 0},
@@ -71,8 +81,7 @@ TEST_F(ExchangeRecord, ThreeThousandOfTheEntriesAreTaken) {
     Create_SharedMemoryList_From_SDMList(*record, list.List());
     EXPECT_EQ(fieldText(record->count), "3000");
     EXPECT_EQ(entryValue(*record, 2999), "Value2999");
-    KeyValueList back;
-    Create_SDMList_From_SharedMemoryList(back, *record);
+    KeyValueList back = Back();
     ASSERT_EQ(back.Count(), 3000U);
     EXPECT_EQ(back.List().count, 3000U);
     EXPECT_EQ(back.Key(2999), L"Key2999");
@@ -87,7 +96,7 @@ TEST_F(ExchangeRecord, ThreeThousandOfTheEntriesAreTaken) {
                                                                         {"", "9999", 3000}}) {
         setField(record->count, count);
         setField(record->extraCount, extra);
-        Create_SDMList_From_SharedMemoryList(back, *record);
+        back = Back();
         EXPECT_EQ(back.Count(), entries) << count << " + " << extra;
         for (std::size_t i = entryCount(*record); i < back.Count(); ++i) {
             EXPECT_TRUE(back.Key(i).empty() && back.Value(i).empty());
@@ -97,22 +106,22 @@ TEST_F(ExchangeRecord, ThreeThousandOfTheEntriesAreTaken) {
 
 TEST_F(ExchangeRecord, TextsAreCutToTheirFields) {
     const std::wstring printer(1, static_cast<wchar_t>(0x1F5A8)); // four bytes
-    KeyValueList list;
-    list.Append(std::wstring(70, L'k'), std::wstring(800, L'v'));
-    list.Append(L"Next", std::wstring(699, L'w') + printer);
-    list.Append(std::wstring(63, L'x') + L"\x00E9", std::wstring(696, L'w') + printer);
     record->values[3].fill('#');
-    writeSettings(*record, list.List());
+    Write({{std::wstring(70, L'k'), std::wstring(800, L'v')},
+           {L"Next", std::wstring(699, L'w') + printer},
+           {std::wstring(63, L'x') + L"\x00E9", std::wstring(696, L'w') + printer}});
     EXPECT_EQ(Raw(record->keys[0]), std::string(64, 'k'));
     EXPECT_EQ(Raw(record->values[0]), std::string(700, 'v'));
     EXPECT_EQ(Raw(record->values[1]), std::string(699, 'w') + '\0');
     EXPECT_EQ(Raw(record->keys[2]), std::string(63, 'x') + '\0');
     EXPECT_EQ(Raw(record->values[2]), std::string(696, 'w') + "\xF0\x9F\x96\xA8");
     EXPECT_EQ(record->values[3][0], '#');
-    KeyValueList back;
-    Create_SDMList_From_SharedMemoryList(back, *record);
+    const KeyValueList back = Back();
     EXPECT_EQ(back.Value(0), std::wstring(700, L'v'));
     EXPECT_EQ(back.Value(2), std::wstring(696, L'w') + printer);
+
+    setField(record->values[0], "a\xFF\xC3(\xED\xA0\x80z");
+    EXPECT_EQ(Back().Value(0), wideFromUtf8("a\xFF\xC3(\xED\xA0\x80z"));
 
     // The earlier settings are gone, and a null text becomes an empty one.
     SDMKeyValue items[] = {{nullptr, nullptr}};
@@ -123,37 +132,10 @@ TEST_F(ExchangeRecord, TextsAreCutToTheirFields) {
     EXPECT_EQ(fieldText(record->count), "0");
 }
 
-TEST_F(ExchangeRecord, TextIsWrittenAsTheLibraryForUnicodeWritesIt) {
-    std::mt19937 random(7);
-    for (int round = 0; round < 300; ++round) {
-        std::wstring text;
-        for (std::size_t i = random() % 60; i > 0; --i) {
-            constexpr std::array<std::uint32_t, 6> limits{0x80, 0x800, 0xE000, 0x10000, 0x120000, 0xFFFFFFFF};
-            text += static_cast<wchar_t>(random() % (limits[random() % limits.size()] - 1) + 1);
-        }
-        text.insert(0, L"."); // no byte-order mark at the start
-        KeyValueList list;
-        list.Append(L"Key", text);
-        writeSettings(*record, list.List());
-        ASSERT_EQ(entryValue(*record, 0), utf8FromWide(text));
-        KeyValueList back;
-        Create_SDMList_From_SharedMemoryList(back, *record);
-        ASSERT_EQ(back.Value(0), wideFromUtf8(utf8FromWide(text)));
-    }
-    setField(record->values[0], "a\xFF\xC3(\xED\xA0\x80z");
-    KeyValueList back;
-    Create_SDMList_From_SharedMemoryList(back, *record);
-    EXPECT_EQ(back.Value(0), wideFromUtf8("a\xFF\xC3(\xED\xA0\x80z"));
-}
-
 TEST_F(ExchangeRecord, ByteOrderMarksTravelAsLetters) {
-    struct Case {
-        std::wstring value;
-        std::string written;
-        std::wstring readAgain;
-    };
     const std::wstring mark = L"\xFEFF";
-    for (const Case& entry : std::vector<Case>{
+    for (const auto& [value, written, readAgain] :
+         std::vector<std::tuple<std::wstring, std::string, std::wstring>>{
              {mark + L"a" + mark, "EFBBBFaEFBBBF", mark + L"a" + mark},
              {L"a" + mark, "a\xEF\xBB\xBF", L"a" + mark},
              {L"EFBBBFa", "EFBBBFa", mark + L"a"},
@@ -161,14 +143,10 @@ TEST_F(ExchangeRecord, ByteOrderMarksTravelAsLetters) {
              {mark + std::wstring(690, L'b') + mark, "EFBBBF" + std::string(690, 'b'),
               mark + std::wstring(690, L'b')},
          }) {
-        KeyValueList list;
-        list.Append(mark, entry.value);
-        writeSettings(*record, list.List());
-        EXPECT_EQ(entryValue(*record, 0), entry.written);
+        Write({{mark, value}});
+        EXPECT_EQ(entryValue(*record, 0), written);
         EXPECT_EQ(entryKey(*record, 0), "\xEF\xBB\xBF");
-        KeyValueList back;
-        Create_SDMList_From_SharedMemoryList(back, *record);
-        EXPECT_EQ(back.Value(0), entry.readAgain);
+        EXPECT_EQ(Back().Value(0), readAgain);
     }
 }
 
@@ -177,22 +155,21 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         const char* what;
         const wchar_t* presetKey;
         const wchar_t* preset;
-        const char* changed; // the later value of "Duplex"
+        const wchar_t* changed; // the later value of "Duplex"
         const wchar_t* expected;
     };
     for (const Case& rule : {
-             Case{"unchanged", L"PresetName", L"Brochure", "Long", L"Brochure"},
-             Case{"changed", L"PresetName", L"Brochure", "Short", L""},
-             Case{"changed, with an asterisk", L"*PresetName", L"Brochure", "Short", L""},
-             Case{"no preset of the server", L"PresetName", L"", "Short", L""},
-             Case{"another key", L"PresetNames", L"Brochure", "Short", L"Brochure"},
+             Case{"unchanged", L"PresetName", L"Brochure", L"Long", L"Brochure"},
+             Case{"changed", L"PresetName", L"Brochure", L"Short", L""},
+             Case{"changed, with an asterisk", L"*PresetName", L"Brochure", L"Short", L""},
+             Case{"no preset of the server", L"PresetName", L"", L"Short", L""},
+             Case{"another key", L"PresetNames", L"Brochure", L"Short", L"Brochure"},
          }) {
         Forget();
-        KeyValueList list;
-        list.Append(rule.presetKey, rule.preset);
-        list.Append(L"Duplex", L"Long");
-        list.Append(L"Bar", L"of the control"); // one key, twice
-        list.Append(L"Bar", L"of the note");
+        const std::pair<std::wstring, std::wstring> preset(rule.presetKey, rule.preset);
+        const std::pair<std::wstring, std::wstring> ofNote(L"Bar", L"of the note");
+        KeyValueList list = // with one key twice
+            ListOf({preset, {L"Duplex", L"Long"}, {L"Bar", L"of the control"}, ofNote});
         setField(record->extraPending, "1");
         setField(record->extraCount, "4");
         Create_SharedMemoryList_From_SDMList(*record, list.List());
@@ -203,19 +180,11 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         EXPECT_EQ(entryValue(*sharedListCopyFromJP, 1), "Long");
 
         // The pane's own list has another order, and a key that the module never saw.
-        KeyValueList own;
-        own.Append(L"Unseen", L"1");
-        own.AppendNarrow("Duplex", rule.changed);
-        own.Append(rule.presetKey, rule.preset);
-        own.Append(L"Bar", L"of the note");
-        writeSettings(*record, own.List());
-        KeyValueList back;
-        Create_SDMList_From_SharedMemoryList(back, *record);
-        EXPECT_EQ(back.Value(2), rule.expected) << rule.what;
+        Write({{L"Unseen", L"1"}, {L"Duplex", rule.changed}, preset, ofNote});
+        EXPECT_EQ(Back().Value(2), rule.expected) << rule.what;
         EXPECT_FALSE(gotSharedListFromJP);
         // The check takes place only once.
-        Create_SDMList_From_SharedMemoryList(back, *record);
-        EXPECT_EQ(back.Value(2), rule.preset) << rule.what;
+        EXPECT_EQ(Back().Value(2), rule.preset) << rule.what;
     }
 }
 

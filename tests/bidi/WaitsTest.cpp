@@ -223,19 +223,8 @@ TEST_F(Waits, LockFileAndBusyPrinter) {
     At(milliseconds(4990), [&] { Remove(lock); });
     EXPECT_EQ(Took([&] { EXPECT_TRUE(file.canBiDiDataFileBeAccessed()); }), milliseconds(5000));
 
-    const auto message = [](const char* text) {
-        return CFDictionaryCreate({{cfString("printer-state-message"), cfString(text)}});
-    };
-    struct Case {
-        const char* what;
-        std::uint16_t state;
-        const char* message;
-        int idleFrom;
-        bool busy;
-        int milliseconds;
-        std::size_t alerts;
-    };
-    for (const Case& wait : std::vector<Case>{
+    for (const auto& [what, state, message, idleFrom, isBusy, waited, alerts] :
+         std::vector<std::tuple<const char*, std::uint16_t, const char*, int, bool, int, std::size_t>>{
              {"idle", kPMPrinterIdle, "", -1, false, 0, 0},
              {"stopped", kPMPrinterStopped, "", -1, true, 0, 0},
              {"prints", kPMPrinterProcessing, "Printing page 3", -1, true, 0, 1},
@@ -244,17 +233,17 @@ TEST_F(Waits, LockFileAndBusyPrinter) {
          }) {
         shownAlerts->shown.clear();
         happenings.clear();
-        printer->state = wait.state;
-        printer->stateAttributes = message(wait.message);
-        if (wait.idleFrom > 0) {
-            At(milliseconds(wait.idleFrom), [&] { printer->state = kPMPrinterIdle; });
+        printer->state = state;
+        printer->stateAttributes =
+            CFDictionaryCreate({{cfString("printer-state-message"), cfString(message)}});
+        if (idleFrom > 0) {
+            At(milliseconds(idleFrom), [&] { printer->state = kPMPrinterIdle; });
         }
-        bool busy = !wait.busy;
-        EXPECT_EQ(Took([&] { busy = failure.isPrinterBusyWithPrinting(printer); }),
-                  milliseconds(wait.milliseconds))
-            << wait.what;
-        EXPECT_EQ(busy, wait.busy) << wait.what;
-        EXPECT_EQ(shownAlerts->shown.size(), wait.alerts) << wait.what;
+        bool busy = !isBusy;
+        EXPECT_EQ(Took([&] { busy = failure.isPrinterBusyWithPrinting(printer); }), milliseconds(waited))
+            << what;
+        EXPECT_EQ(busy, isBusy) << what;
+        EXPECT_EQ(shownAlerts->shown.size(), alerts) << what;
     }
     Put(override);
     EXPECT_TRUE(failure.isPrinterBusyWithPrinting(printer));

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <functional>
 #include <initializer_list>
-#include <variant>
+#include <sstream>
 
 namespace torka {
 namespace {
@@ -17,28 +17,18 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const char* const end = "----- Data End -----";
-
-// A value of a flat list, in short notation.
-struct Value : std::variant<bool, int, std::string> {
-    Value(const char* text)
-        : variant(std::string(text)) {}
-    Value(bool state)
-        : variant(state) {}
-    Value(int number)
-        : variant(number) {}
-};
-using Values = std::vector<Value>;
-
-CFArrayRef arrayOf(const Values& values) {
+// A flat list in short notation: texts between bars, "+" and "-" for booleans, "#2" for a number, "END" for
+// the mark at the end of an entry.
+CFArrayRef listOf(const std::string& notation) {
     std::vector<CFTypeRef> elements;
-    for (const Value& value : values) {
-        if (const auto* text = std::get_if<std::string>(&value)) {
-            elements.push_back(cfString(*text));
-        } else if (const auto* state = std::get_if<bool>(&value)) {
-            elements.push_back(CFBooleanCreate(*state));
+    std::istringstream words(notation);
+    for (std::string word; std::getline(words, word, '|');) {
+        if (word == "+" || word == "-") {
+            elements.push_back(CFBooleanCreate(word == "+"));
+        } else if (word.starts_with('#')) {
+            elements.push_back(CFNumberCreate(std::int32_t{std::stoi(word.substr(1))}));
         } else {
-            elements.push_back(CFNumberCreate(std::int32_t{std::get<int>(value)}));
+            elements.push_back(cfString(word == "END" ? "----- Data End -----" : word));
         }
     }
     return CFArrayCreate(std::move(elements));
@@ -55,11 +45,11 @@ protected:
     static std::unique_ptr<PropertyListStore> StoreOf(const std::string& text) {
         return std::make_unique<tests::StringStore>(std::make_shared<std::string>(text));
     }
-    std::unique_ptr<ZANCorvianPrinterPList> Make(const Values& values) {
-        return std::make_unique<ZANCorvianPrinterPList>(StoreOf(xmlOf(arrayOf(values))));
+    std::unique_ptr<ZANCorvianPrinterPList> Make(const std::string& values) {
+        return std::make_unique<ZANCorvianPrinterPList>(StoreOf(xmlOf(listOf(values))));
     }
-    static void ExpectElements(const ZANCorvianPrinterPList& list, const Values& values) {
-        EXPECT_EQ(xmlOf(CFArrayCreate(list.Elements())), xmlOf(arrayOf(values)));
+    static void ExpectElements(const ZANCorvianPrinterPList& list, const std::string& values) {
+        EXPECT_EQ(xmlOf(CFArrayCreate(list.Elements())), xmlOf(listOf(values)));
     }
     static std::vector<DataRow> Rows(std::initializer_list<std::string> texts) {
         std::vector<DataRow> rows;
@@ -84,22 +74,17 @@ protected:
 };
 
 TEST_F(AddressListTest, NamesAreFoundByTheirNeighbour) {
-    struct Case {
-        const char* name;
-        CFIndex place;
-        const char* address;
-    };
     // "10.0.0.1" and "true" stand before a boolean; the row "Lobby" is followed by a text.
-    const auto list = Make({"Office", "10.0.0.1", true, "2", "0:2", "Lobby", "row", end, //
-                            "lobby", "true", false, "2", end, "last"});
-    for (const Case& entry : {Case{"office", 0, "10.0.0.1"}, Case{"LOBBY", 5, "row"},
-                              Case{"10.0.0.1", -1, ""}, Case{"true", -1, ""}, Case{"2", 3, "0:2"},
-                              Case{"last", 13, ""}, Case{"nowhere", -1, ""}, Case{"", -1, ""}}) {
-        SCOPED_TRACE(entry.name);
-        bool found = entry.place < 0;
-        EXPECT_EQ(list->Exists(cfString(entry.name), found), entry.place);
-        EXPECT_EQ(found, entry.place >= 0);
-        EXPECT_EQ(utf8Text(list->Find(cfString(entry.name))), entry.address);
+    const auto list = Make("Office|10.0.0.1|+|2|0:2|Lobby|row|END|lobby|true|-|2|END|last");
+    for (const auto& [name, place, address] :
+         {std::tuple("office", 0, "10.0.0.1"), std::tuple("LOBBY", 5, "row"), std::tuple("10.0.0.1", -1, ""),
+          std::tuple("true", -1, ""), std::tuple("2", 3, "0:2"), std::tuple("last", 13, ""),
+          std::tuple("nowhere", -1, ""), std::tuple("", -1, "")}) {
+        SCOPED_TRACE(name);
+        bool found = place < 0;
+        EXPECT_EQ(list->Exists(cfString(name), found), place);
+        EXPECT_EQ(found, place >= 0);
+        EXPECT_EQ(utf8Text(list->Find(cfString(name))), address);
     }
     EXPECT_TRUE(list->getIPEnabled(cfString("Office")));
     EXPECT_FALSE(list->getIPEnabled(cfString("last")));
@@ -117,34 +102,34 @@ TEST_F(AddressListTest, NamesAreFoundByTheirNeighbour) {
 
 // The result of Add for the entry "P" in each format.
 TEST_F(AddressListTest, AddChangesAnEntryAndBringsItToTheCurrentFormat) {
-    const std::pair<Values, Values> cases[] = {
-        {{}, {"P", "new", true, "2", end}},
-        {{"p", "old", false, "2", "0:1", "row", end}, {"p", "new", true, "2", "0:1", "row", end}},
-        {{"P", "old", false, "0", "rest", "Q"}, {"P", "new", true, "2", end, "Q"}},
-        {{"P", "old", false, "1", "2", "r1", "r2", "rest", "Q"}, {"P", "new", true, "2", end, "Q"}},
-        {{"P", "old", false, "1", "0", "rest"}, {"P", "new", true, "2", end}},
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "P|new|+|2|END"},
+        {"p|old|-|2|0:1|row|END", "p|new|+|2|0:1|row|END"},
+        {"P|old|-|0|rest|Q", "P|new|+|2|END|Q"},
+        {"P|old|-|1|2|r1|r2|rest|Q", "P|new|+|2|END|Q"},
+        {"P|old|-|1|0|rest", "P|new|+|2|END"},
         // Wrong counts, and values of a wrong kind.
-        {{"P", "old", false, "1", "99", "r1"}, {"P", "new", true, "2", end}},
-        {{"P", "old", false, "1", "-3", "rest"}, {"P", "new", true, "2", end}},
-        {{"P", "old", false, "1", "4000000000", "r"}, {"P", "new", true, "2", end}},
-        {{"P", "old", false, "1", 2, "rest"}, {"P", "new", true, "2", end}},
-        {{"P", "old", false, "1"}, {"P", "new", true, "2", end}},
-        {{"P", "old", "no", "3", "x"}, {"P", "new", true, "3", "x"}},
-        {{"P", 1, 2, 3, 4}, {"P", "new", true, 3, 4}},
+        {"P|old|-|1|99|r1", "P|new|+|2|END"},
+        {"P|old|-|1|-3|rest", "P|new|+|2|END"},
+        {"P|old|-|1|4000000000|r", "P|new|+|2|END"},
+        {"P|old|-|1|#2|rest", "P|new|+|2|END"},
+        {"P|old|-|1", "P|new|+|2|END"},
+        {"P|old|no|3|x", "P|new|+|3|x"},
+        {"P|#1|#2|#3|#4", "P|new|+|#3|#4"},
         // Add completes entries that are cut.
-        {{"P"}, {"P", "new", true, "2", end}},
-        {{"P", "old"}, {"P", "new", true, "2", end}},
-        {{"P", "old", false}, {"P", "new", true, "2", end}},
-        {{"Q", "a", true, "2", end}, {"Q", "a", true, "2", end, "P", "new", true, "2", end}},
+        {"P", "P|new|+|2|END"},
+        {"P|old", "P|new|+|2|END"},
+        {"P|old|-", "P|new|+|2|END"},
+        {"Q|a|+|2|END", "Q|a|+|2|END|P|new|+|2|END"},
     };
     for (const auto& [before, after] : cases) {
         const auto list = Make(before);
-        SCOPED_TRACE(xmlOf(arrayOf(before)));
+        SCOPED_TRACE(xmlOf(listOf(before)));
         EXPECT_EQ(list->Add(cfString("P"), cfString("new"), true), 1);
         ExpectElements(*list, after);
         EXPECT_TRUE(list->Changed());
     }
-    const auto list = Make({});
+    const auto list = Make("");
     EXPECT_EQ(list->Add(nullptr, cfString("a"), true), 0);
     EXPECT_EQ(list->Add(cfString("P"), nullptr, true), 0);
     EXPECT_FALSE(list->Changed());
@@ -153,64 +138,54 @@ TEST_F(AddressListTest, AddChangesAnEntryAndBringsItToTheCurrentFormat) {
 
 TEST_F(AddressListTest, BlocksReplaceTheFirstHeaderThatHoldsTheirNumber) {
     const CFStringRef name = cfString("P");
-    const auto list = Make({"P", "a", true, "2", end, "Q", "b", false, "2", end});
+    const auto list = Make("P|a|+|2|END|Q|b|-|2|END");
     EXPECT_EQ(list->AddDataBlob(cfString("R"), 1, 0, Rows({"x"})), 1);
     EXPECT_FALSE(list->Changed());
     EXPECT_THAT(Block(*list, "P", 1), ElementsAre("absent"));
 
     list->AddDataBlob(name, 2, 11, Rows({"eleven", "and more", "beyond the count"}));
     list->AddDataBlob(name, 0, 0, {});
-    ExpectElements(
-        *list, {"P", "a", true, "2", "0:0", "11:2", "eleven", "and more", end, "Q", "b", false, "2", end});
+    ExpectElements(*list, "P|a|+|2|0:0|11:2|eleven|and more|END|Q|b|-|2|END");
     EXPECT_THAT(Block(*list, "P", 0), IsEmpty());
     EXPECT_THAT(Block(*list, "P", 11), ElementsAre("eleven", "and more"));
     // The search for block 1 finds block 11, and block 1 replaces it.
     EXPECT_THAT(Block(*list, "P", 1), ElementsAre("eleven", "and more"));
     list->AddDataBlob(name, 1, 1, Rows({"\xC3\xA9"}));
-    ExpectElements(*list, {"P", "a", true, "2", "1:1", "\xC3\xA9", "0:0", end, "Q", "b", false, "2", end});
+    ExpectElements(*list, "P|a|+|2|1:1|\xC3\xA9|0:0|END|Q|b|-|2|END");
     EXPECT_THAT(Block(*list, "P", 11), ElementsAre("absent"));
     EXPECT_THAT(Block(*list, "Q", 1), ElementsAre("absent"));
 
     // A row of invalid UTF-8 is left out, and a row without a NUL is cut. The header keeps the given count.
     std::vector<DataRow> odd = Rows({"bad \xFF", "good", std::string(1024, 'x')});
     list->AddDataBlob(name, 3, 1, odd);
-    ExpectElements(*list, {"P", "a", true, "2", "1:3", "good", std::string(1023, 'x').c_str(), "0:0", end,
-                           "Q", "b", false, "2", end});
+    ExpectElements(*list, "P|a|+|2|1:3|good|" + std::string(1023, 'x') + "|0:0|END|Q|b|-|2|END");
 }
 
 TEST_F(AddressListTest, BlocksOfOddListsEndWithTheList) {
-    struct Case {
-        Values before;
-        std::vector<std::string> read; // block 7 before the change
-        Values after;                  // the list after block 7 got one row
+    // Block 7 before it gets one row, and the list afterwards.
+    const std::tuple<std::string, std::vector<std::string>, std::string> cases[] = {
+        {"P|a|+|2|7:1000000000|r", {"r"}, "P|a|+|2|7:1|n"},
+        {"P|a|+|2|7:-5|r|END", {}, "P|a|+|2|7:1|n|r|END"},
+        {"P|a|+|2|7:x|END", {}, "P|a|+|2|7:1|n|END"},
+        {"P|a|+|2|x 7: 2|r|#5|s", {"r"}, "P|a|+|2|7:1|n|s"},
+        {"P|a|+|0|7:1|r", {"absent"}, "P|a|+|0|7:1|n"},
+        {"P|a|+|1|7:1|r", {"absent"}, "P|a|+|1|7:1|n"},
+        {"P|a|+|2", {"absent"}, "P|a|+|2|7:1|n"},
+        {"P|a|+|#2|+|END|7:1", {"absent"}, "P|a|+|#2|7:1|n|+|END|7:1"},
+        {"P|a", {"absent"}, "P|a"},
     };
-    const Case cases[] = {
-        {{"P", "a", true, "2", "7:1000000000", "r"}, {"r"}, {"P", "a", true, "2", "7:1", "n"}},
-        {{"P", "a", true, "2", "7:-5", "r", end}, {}, {"P", "a", true, "2", "7:1", "n", "r", end}},
-        {{"P", "a", true, "2", "7:x", end}, {}, {"P", "a", true, "2", "7:1", "n", end}},
-        {{"P", "a", true, "2", "x 7: 2", "r", 5, "s"}, {"r"}, {"P", "a", true, "2", "7:1", "n", "s"}},
-        {{"P", "a", true, "0", "7:1", "r"}, {"absent"}, {"P", "a", true, "0", "7:1", "n"}},
-        {{"P", "a", true, "1", "7:1", "r"}, {"absent"}, {"P", "a", true, "1", "7:1", "n"}},
-        {{"P", "a", true, "2"}, {"absent"}, {"P", "a", true, "2", "7:1", "n"}},
-        {{"P", "a", true, 2, true, end, "7:1"},
-         {"absent"},
-         {"P", "a", true, 2, "7:1", "n", true, end, "7:1"}},
-        {{"P", "a"}, {"absent"}, {"P", "a"}},
-    };
-    for (const Case& entry : cases) {
-        const auto list = Make(entry.before);
-        SCOPED_TRACE(xmlOf(arrayOf(entry.before)));
-        EXPECT_EQ(Block(*list, "P", 7), entry.read);
+    for (const auto& [before, read, after] : cases) {
+        const auto list = Make(before);
+        SCOPED_TRACE(xmlOf(listOf(before)));
+        EXPECT_EQ(Block(*list, "P", 7), read);
         list->AddDataBlob(cfString("P"), 1, 7, Rows({"n"}));
-        ExpectElements(*list, entry.after);
+        ExpectElements(*list, after);
     }
 }
 
 TEST_F(AddressListTest, EntriesAreListedAndRemoved) {
     const auto list =
-        Make({"stray", "A",         "10.0.0.1", true, "2",   "0:1", "*Duplex", "1:9", "w", end, //
-              "B",     "",          false,      "1",  "1",   "old", "rest",                     //
-              "C",     "c.example", false,      "2",  "11:0"});
+        Make("stray|A|10.0.0.1|+|2|0:1|*Duplex|1:9|w|END|B||-|1|1|old|rest|C|c.example|-|2|11:0");
     const std::vector<PrinterAddressEntry> entries = list->Entries();
     ASSERT_EQ(entries.size(), 3U);
     EXPECT_EQ(utf8Text(entries[0].name), "A");
@@ -227,9 +202,9 @@ TEST_F(AddressListTest, EntriesAreListedAndRemoved) {
     EXPECT_FALSE(list->RemoveEntry(cfString("D")));
     EXPECT_TRUE(list->RemoveEntry(cfString("a")));
     EXPECT_TRUE(list->RemoveEntry(cfString("b")));
-    ExpectElements(*list, {"stray", "C", "c.example", false, "2", "11:0"});
+    ExpectElements(*list, "stray|C|c.example|-|2|11:0");
     EXPECT_TRUE(list->RemoveEntry(cfString("C")));
-    ExpectElements(*list, {"stray"});
+    ExpectElements(*list, "stray");
 }
 
 TEST_F(AddressListTest, AnythingButAnArrayIsNoList) {

@@ -51,14 +51,7 @@ protected:
 };
 
 TEST_F(DiscoveryTest, DeviceUrisBecomeAddresses) {
-    struct Case {
-        const char* uri;
-        const char* instance;
-        std::optional<ResolvedService> announced;
-        const char* address;
-        bool resolves;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, std::optional<ResolvedService>, const char*, bool> cases[] = {
         {"mdns://Office%20Printer._ipp._tcp.local./?bidi", "Office Printer",
          answer("o", {"10.0.0.9", "10.0.0.1"}), "10.0.0.9", true},
         {"dnssd://Lab._printer._tcp.local.", "Lab", answer("l", {"192.168.1.255"}), "192.168.1.255", true},
@@ -69,53 +62,46 @@ TEST_F(DiscoveryTest, DeviceUrisBecomeAddresses) {
         {"mdns://None._ipp._tcp.local.", "None", answer("n", {}), "", true},
         {"mdns://Mute._ipp._tcp.local.", "Mute", std::nullopt, "NO", false},
     };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.uri);
-        if (each.announced) {
-            net->Announce({each.instance, "_printer._tcp", "local."}, each.announced);
+    for (const auto& [uri, instance, announced, address, resolves] : cases) {
+        SCOPED_TRACE(uri);
+        if (announced) {
+            net->Announce({instance, "_printer._tcp", "local."}, announced);
         }
         int done = 0;
         const auto discovery = BonjourIPDiscovery::initWithPrinterBonjourURL(
-            CFURLCreateWithString(cfString(each.uri)), [&done] { ++done; });
+            CFURLCreateWithString(cfString(uri)), [&done] { ++done; });
         EXPECT_EQ(discovery->printAddress(), "");
-        EXPECT_EQ(net->resolved.back().service, (NetService{each.instance, "_printer._tcp.", "local."}));
+        EXPECT_EQ(net->resolved.back().service, (NetService{instance, "_printer._tcp.", "local."}));
         EXPECT_EQ(net->resolved.back().timeout, seconds(2));
         loop->Run(milliseconds(1999));
-        EXPECT_EQ(done, each.resolves ? 1 : 0);
+        EXPECT_EQ(done, resolves ? 1 : 0);
         loop->Run(milliseconds(1));
         EXPECT_EQ(done, 1);
-        EXPECT_EQ(discovery->printAddress(), each.address);
-        EXPECT_EQ(discovery->didResolve(), each.resolves);
+        EXPECT_EQ(discovery->printAddress(), address);
+        EXPECT_EQ(discovery->didResolve(), resolves);
     }
 }
 
 TEST_F(DiscoveryTest, ValidatesAddresses) {
-    struct Case {
-        bool twoWay;
-        const char* text;
-        const char* alert; // null for a valid address
-    };
-    const char* const invalid = "You have entered an invalid IP Address or DNS Name";
-    const Case cases[] = {
-        {true, "10.1.2.3", nullptr},
-        {true, "torka-7.Example.com", nullptr},
-        {true, "", "The IP Address or DNS Name must be assigned."},
-        {true, "10.1.2.3:631", invalid},
-        {true, "my_host", invalid},
-        {true, " 10.1.2.3", invalid},
-        {true, "b\xC3\xBCro", invalid},
-        {true, "a%s%n", invalid},
-        {false, "", nullptr},
-        {false, "any text: at_all", nullptr},
-    };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.text);
+    const std::string invalid = "You have entered an invalid IP Address or DNS Name";
+    for (const auto& [twoWay, text, alert] : std::vector<std::tuple<bool, const char*, std::string>>{
+             {true, "10.1.2.3", ""},
+             {true, "torka-7.Example.com", ""},
+             {true, "", "The IP Address or DNS Name must be assigned."},
+             {true, "10.1.2.3:631", invalid},
+             {true, "my_host", invalid},
+             {true, " 10.1.2.3", invalid},
+             {true, "b\xC3\xBCro", invalid},
+             {true, "a%s%n", invalid},
+             {false, "", ""},
+             {false, "any text: at_all", ""},
+         }) {
+        SCOPED_TRACE(text);
         alertsShown->shown.clear();
-        sheet.bidi = each.twoWay;
-        sheet.field = each.text;
-        EXPECT_EQ(controller->validatePrinterAddress(), each.alert == nullptr);
-        EXPECT_EQ(alertsShown->shown.empty() ? std::string() : alertsShown->shown[0].title,
-                  each.alert == nullptr ? "" : each.alert);
+        sheet.bidi = twoWay;
+        sheet.field = text;
+        EXPECT_EQ(controller->validatePrinterAddress(), alert.empty());
+        EXPECT_EQ(alertsShown->shown.empty() ? "" : alertsShown->shown[0].title, alert);
     }
 }
 
@@ -242,10 +228,10 @@ TEST_F(DiscoveryTest, OneRowForEachController) {
 }
 
 TEST_F(DiscoveryTest, SortsByNameAndByNumber) {
-    for (const auto& [name, address] : {std::pair("b", "10.0.0.10"), std::pair("C", "9.0.0.1"),
-                                        std::pair("a", "10.0.0.9"), std::pair("d", "")}) {
-        net->Announce({name, "_ipp._tcp", "local."},
-                      *address != '\0' ? std::optional(answer(name, {address})) : std::nullopt);
+    for (const auto& [instance, address] : {std::pair("b", "10.0.0.10"), std::pair("C", "9.0.0.1"),
+                                            std::pair("a", "10.0.0.9"), std::pair("d", "")}) {
+        net->Announce({instance, "_ipp._tcp", "local."},
+                      *address != '\0' ? std::optional(answer(instance, {address})) : std::nullopt);
     }
     OpenSheet();
     const auto order = [this] {
@@ -255,26 +241,16 @@ TEST_F(DiscoveryTest, SortsByNameAndByNumber) {
         }
         return names;
     };
-    using enum SortIndicator;
     EXPECT_EQ(order(), "bCad");
-    struct Click {
-        ControllerColumn column;
-        const char* order;
-        SortIndicator name;
-        SortIndicator addresses;
-    };
-    for (const Click& click : {Click{ControllerColumn::name, "abCd", NSAscendingSortIndicator, none},
-                               Click{ControllerColumn::name, "dCba", NSDescendingSortIndicator, none},
-                               Click{ControllerColumn::addresses, "Cabd", none, NSAscendingSortIndicator},
-                               Click{ControllerColumn::addresses, "baCd", none, NSDescendingSortIndicator}}) {
-        sheet.delegate->didClickTableColumn(click.column);
-        EXPECT_EQ(order(), click.order);
-        EXPECT_EQ(sheet.indicators[ControllerColumn::name], click.name);
-        EXPECT_EQ(sheet.indicators[ControllerColumn::addresses], click.addresses);
+    using enum ControllerColumn;
+    for (const auto& [column, sorted] :
+         {std::pair(name, "abCd"), {name, "dCba"}, {addresses, "Cabd"}, {addresses, "baCd"}}) {
+        sheet.delegate->didClickTableColumn(column);
+        EXPECT_EQ(order(), sorted);
     }
     // The selection follows its controller, and new controllers are sorted in.
     sheet.SelectRow(2);
-    sheet.delegate->didClickTableColumn(ControllerColumn::name);
+    sheet.delegate->didClickTableColumn(name);
     net->Announce({"B2", "_ipp._tcp", "local."}, answer("b2", {"10.0.0.2"}));
     loop->Run(milliseconds(300));
     EXPECT_EQ(order(), "abB2Cd");

@@ -7,20 +7,16 @@
 #include "tests/connection/RecordPPD.h"
 #include "tests/support/ScopedDouble.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace torka {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::StartsWith;
-
 const char* const homeFile = "/home/user/Library/Preferences/ZAN.CorvianPrinterV2.plist";
 
 std::string listXml(const std::string& address) {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist "
-           "version=\"1.0\"><array><string>Caf\xC3\xA9</string>"
-           "<string>" +
+    return R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><array><string>Café</string><string>)" +
            address +
            "</string><true/><string>2</string><string>----- Data End -----</string></array></plist>\n";
 }

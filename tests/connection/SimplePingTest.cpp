@@ -83,15 +83,10 @@ TEST_F(SimplePingTest, OneMissingReplyEndsIt) {
 TEST_F(SimplePingTest, ReportsEachFailure) {
     const std::string lookUp = "\nError: Unable to ping host: ";
     const std::string wait = "\nError: Error waiting for packet response: ";
-    struct Case {
-        const char* host;
-        int count;
-        std::function<void(MemoryNetServices&)> spoil;
-        int error;
-        std::string told;
-    };
     const auto nothing = [](MemoryNetServices&) {};
-    for (const Case& each : std::vector<Case>{
+    using Spoil = std::function<void(MemoryNetServices&)>;
+    for (const auto& [host, count, spoil, error, told] :
+         std::vector<std::tuple<const char*, int, Spoil, int, std::string>>{
              {nullptr, 1, nothing, 22, "Invalid arguments to SimplePing\n"},
              {"torka", 0, nothing, 22, "Invalid arguments to SimplePing\n"},
              {"elsewhere", 1, nothing, 65, ""},
@@ -116,11 +111,11 @@ TEST_F(SimplePingTest, ReportsEachFailure) {
         fresh->onSend = [](const MemoryNetServices::Sent& request) {
             return std::optional(MemoryNetServices::EchoReply(request.message, 20));
         };
-        each.spoil(*fresh);
-        const PingResult result = ping(each.host, each.count, 1, true);
-        EXPECT_EQ(result.error, each.error);
-        if (!each.told.empty()) {
-            EXPECT_EQ(result.output + result.errors, each.told);
+        spoil(*fresh);
+        const PingResult result = ping(host, count, 1, true);
+        EXPECT_EQ(result.error, error);
+        if (!told.empty()) {
+            EXPECT_EQ(result.output + result.errors, told);
         }
         EXPECT_EQ(fresh->openSockets, 0);
     }

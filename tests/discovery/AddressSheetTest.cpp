@@ -158,18 +158,16 @@ TEST_F(AddressSheetTest, SortsByHeaderAndMenu) {
     clickHeader(0);
     EXPECT_EQ(Cell(0, 0), "a");
     EXPECT_EQ(table->header()->sortIndicatorSection(), 0);
-    EXPECT_EQ(table->header()->sortIndicatorOrder(), Qt::AscendingOrder);
-    clickHeader(0);
-    EXPECT_EQ(Cell(0, 0), "b");
-    EXPECT_EQ(table->header()->sortIndicatorOrder(), Qt::DescendingOrder);
     clickHeader(1);
     EXPECT_EQ(Cell(0, 1), "10.0.0.9");
     EXPECT_EQ(table->header()->sortIndicatorSection(), 1);
+    EXPECT_EQ(table->header()->sortIndicatorOrder(), Qt::AscendingOrder);
     Q_EMIT table->customContextMenuRequested(QPoint(5, 5));
     auto* menu = table->findChild<QMenu*>();
     ASSERT_NE(menu, nullptr);
     menu->actions().at(1)->trigger();
     EXPECT_EQ(Cell(0, 1), "10.0.0.10");
+    EXPECT_EQ(table->header()->sortIndicatorOrder(), Qt::DescendingOrder);
     menu->close();
 }
 

@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
+#include <iterator>
 #include <map>
+#include <ranges>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -18,17 +21,11 @@ namespace torka::oracle {
 using Id = std::int64_t;
 using Pairs = std::vector<KeyOption>;
 
-inline bool has(const Pairs& pairs, const KeyOption& pair) {
-    return std::find(pairs.begin(), pairs.end(), pair) != pairs.end();
-}
+inline bool has(const Pairs& pairs, const KeyOption& pair) { return std::ranges::count(pairs, pair) > 0; }
 
 inline KeyOption* findKey(Pairs& pairs, Id key) {
-    for (KeyOption& pair : pairs) {
-        if (pair.key == key) {
-            return &pair;
-        }
-    }
-    return nullptr;
+    const auto found = std::ranges::find(pairs, key, &KeyOption::key);
+    return found == pairs.end() ? nullptr : &*found;
 }
 
 inline void insert(Pairs& pairs, Id key, Id option) {
@@ -40,12 +37,6 @@ inline void insert(Pairs& pairs, Id key, Id option) {
     } else {
         pairs.push_back({key, option});
     }
-}
-
-inline bool sameSet(Pairs a, Pairs b) {
-    std::sort(a.begin(), a.end(), KeyOptionGreater);
-    std::sort(b.begin(), b.end(), KeyOptionGreater);
-    return a == b;
 }
 
 struct Answer {
@@ -66,12 +57,8 @@ struct Store {
     Pairs locked;
 
     Id find(const std::string& text) const {
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            if (texts[i] == text) {
-                return static_cast<Id>(i);
-            }
-        }
-        return -1;
+        const auto found = std::ranges::find(texts, text);
+        return found == texts.end() ? -1 : found - texts.begin();
     }
 
     Id intern(const std::string& text) {
@@ -107,15 +94,12 @@ struct Store {
         const Id none = intern("None");
         const Id off = intern("False");
         const auto expand = [&](Id key, Id option) {
-            std::vector<Id> expanded;
             if (option != empty) {
                 return std::vector{option};
             }
-            for (const Id each : options[key]) {
-                if (each != none && each != off) {
-                    expanded.push_back(each);
-                }
-            }
+            std::vector<Id> expanded = options[key];
+            std::erase(expanded, none);
+            std::erase(expanded, off);
             return expanded;
         };
         for (const auto& [key1, option1, key2, option2, requirement] : deferred) {
@@ -154,19 +138,16 @@ struct Store {
             insert(merged, change.key, change.option);
         }
         for (const KeyOption& change : changeSet) {
-            Pairs candidates = list(change.key, change.option);
-            const Pairs constrained = candidates;
-            for (; !candidates.empty(); candidates.pop_back()) {
-                const KeyOption candidate = candidates.back();
+            const Pairs constrained = list(change.key, change.option);
+            for (const KeyOption& candidate : constrained | std::views::reverse) {
                 if (!has(merged, candidate)) {
                     continue;
                 }
                 answer.conflicts.push_back(candidate);
-                std::vector<Id> others = optionsOf(candidate.key);
-                for (; !others.empty(); others.pop_back()) {
-                    if (others.back() != candidate.option &&
-                        !has(constrained, {candidate.key, others.back()})) {
-                        answer.alternatives.push_back({candidate.key, others.back()});
+                const std::vector<Id> others = optionsOf(candidate.key);
+                for (const Id other : others | std::views::reverse) {
+                    if (other != candidate.option && !has(constrained, {candidate.key, other})) {
+                        answer.alternatives.push_back({candidate.key, other});
                     }
                 }
             }
@@ -206,9 +187,7 @@ struct Store {
         if (search.depth == 1 && !hits.empty()) {
             return {hits, {}};
         }
-        while (!answer.alternatives.empty()) {
-            const KeyOption next = answer.alternatives.front();
-            answer.alternatives.erase(answer.alternatives.begin());
+        for (const KeyOption& next : answer.alternatives) {
             if (keepChanged && findKey(changeSet, next.key) != nullptr) {
                 continue;
             }
@@ -217,20 +196,17 @@ struct Store {
             if (step.conflicts.empty()) {
                 return step;
             }
-            if (search.overflowed) {
-                continue;
-            }
-            const auto same = [&](const Pairs& state) { return sameSet(state, changeSet); };
-            if (std::any_of(search.visited.begin(), search.visited.end(), same)) {
+            const auto same = [&](const Pairs& state) {
+                return std::ranges::is_permutation(state, changeSet);
+            };
+            if (search.overflowed || std::ranges::any_of(search.visited, same)) {
                 continue;
             }
             search.queue.push_back(changeSet);
-            if (search.queue.size() > 128) {
-                search.overflowed = true;
-            }
+            search.overflowed = search.queue.size() > 128;
         }
         if (search.queue.empty()) {
-            return answer;
+            return {answer.conflicts, {}};
         }
         search.visited.insert(search.visited.begin(), search.queue.front());
         changeSet = search.queue.front();
@@ -255,17 +231,14 @@ struct Store {
         if (key1 < 0 || excluded < 0 || key2 < 0) {
             return listed;
         }
-        std::map<Id, int> others;
-        for (const Id option : optionsOf(key1)) {
-            if (option != excluded) {
-                others[option] = 1;
-            }
-        }
+        const std::vector<Id> all = optionsOf(key1);
+        std::set<Id> others(all.begin(), all.end());
+        others.erase(excluded);
         for (const Id option : optionsOf(key2)) {
-            std::map<Id, int> blocked;
+            std::set<Id> blocked;
             for (const KeyOption& pair : list(key2, option)) {
                 if (pair.key == key1) {
-                    blocked[pair.option] = 1;
+                    blocked.insert(pair.option);
                 }
             }
             if (blocked == others) {
@@ -278,73 +251,64 @@ struct Store {
     Pairs listScreened(const Pairs& selections, bool exact, Id key) const {
         Pairs listed;
         for (const Id option : optionsOf(key)) {
-            Pairs gathered;
-            for (const KeyOption& pair : list(key, option)) {
-                if (has(selections, pair)) {
-                    gathered.push_back(pair);
-                }
-            }
-            if (!gathered.empty() && (!exact || sameSet(gathered, selections))) {
+            Pairs gathered = list(key, option);
+            std::erase_if(gathered, [&](auto& pair) { return !has(selections, pair); });
+            if (!gathered.empty() && (!exact || std::ranges::is_permutation(gathered, selections))) {
                 insert(listed, key, option);
             }
         }
         return listed;
     }
 
-    bool disable(Id key, Id option, Id key2, Id option2) {
+    // Calls `change` with each list of the key and option, and `follow` with each pair that it gathers in a
+    // tree. Returns whether there was a tree.
+    template <class Change, class Follow>
+    bool visit(Id key, Id option, Change change, Follow follow) {
         bool visited = false;
         for (auto& [treeKey, tree] : constraints) {
             if (key != -1 && key != treeKey) {
                 continue;
             }
             visited = true;
-            Pairs removed;
+            Pairs gathered;
             for (auto& [each, pairs] : tree) {
-                if (option != -1 && option != each) {
-                    continue;
+                if (option == -1 || option == each) {
+                    change(setAside[treeKey], each, pairs, gathered);
                 }
-                setAside[treeKey].emplace(each, pairs);
-                Pairs kept;
-                for (const KeyOption& pair : pairs) {
-                    (pair.key == key2 && (option2 == -1 || pair.option == option2) ? removed : kept)
-                        .push_back(pair);
-                }
-                pairs = kept;
             }
-            for (const KeyOption& pair : removed) {
-                disable(pair.key, pair.option, key2, option2);
-            }
+            std::ranges::for_each(gathered, follow);
         }
         return visited;
     }
 
+    bool disable(Id key, Id option, Id key2, Id option2) {
+        const auto isMeant = [&](const KeyOption& pair) {
+            return pair.key == key2 && (option2 == -1 || pair.option == option2);
+        };
+        return visit(
+            key, option,
+            [&](auto& aside, Id each, Pairs& pairs, Pairs& removed) {
+                aside.emplace(each, pairs);
+                std::ranges::copy_if(pairs, std::back_inserter(removed), isMeant);
+                std::erase_if(pairs, isMeant);
+            },
+            [&](const KeyOption& pair) { disable(pair.key, pair.option, key2, option2); });
+    }
+
     bool enable(Id key, Id option) {
-        bool visited = false;
-        for (auto& [treeKey, tree] : constraints) {
-            if (key != -1 && key != treeKey) {
-                continue;
-            }
-            visited = true;
-            Pairs restored;
-            for (auto& [each, pairs] : tree) {
-                const auto aside = setAside[treeKey].find(each);
-                if ((option != -1 && option != each) || aside == setAside[treeKey].end()) {
-                    continue;
+        return visit(
+            key, option,
+            [](auto& aside, Id each, Pairs& pairs, Pairs& restored) {
+                const auto node = aside.extract(each);
+                if (node.empty()) {
+                    return;
                 }
-                for (const KeyOption& pair : aside->second) {
-                    if (std::count(pairs.begin(), pairs.end(), pair) <
-                        std::count(aside->second.begin(), aside->second.end(), pair)) {
-                        restored.push_back(pair);
-                    }
-                }
-                pairs = aside->second;
-                setAside[treeKey].erase(aside);
-            }
-            for (const KeyOption& pair : restored) {
-                enable(pair.key, pair.option);
-            }
-        }
-        return visited;
+                std::ranges::copy_if(node.mapped(), std::back_inserter(restored), [&](auto& pair) {
+                    return std::ranges::count(pairs, pair) < std::ranges::count(node.mapped(), pair);
+                });
+                pairs = node.mapped();
+            },
+            [&](const KeyOption& pair) { enable(pair.key, pair.option); });
     }
 };
 

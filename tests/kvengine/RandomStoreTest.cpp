@@ -54,10 +54,10 @@ public:
 
     int Below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random); }
     std::string Key() { return "*K" + std::to_string(Below(keyCount)); }
-    std::string Option() {
-        const int i = Below(optionCount + 2);
+    static std::string OptionNamed(int i) {
         return i == 0 ? "None" : i == 1 ? "False" : "O" + std::to_string(i);
     }
+    std::string Option() { return OptionNamed(Below(optionCount + 2)); }
     Id AnyKey() { return Below(12) == 0 ? -1 : slow.find(Key()); }
     Id AnyOption() { return Below(8) == 0 ? -1 : slow.find(Option()); }
     // Mostly pairs with each key once, as Insert makes them; sometimes arbitrary pairs for add.
@@ -97,9 +97,7 @@ public:
         for (int key = 0; key < keyCount + 1; ++key) {
             for (int option = 0; option < optionCount + 3; ++option) {
                 const std::string k = "*K" + std::to_string(key);
-                const std::string o = option == 0   ? "None"
-                                      : option == 1 ? "False"
-                                                    : "O" + std::to_string(option);
+                const std::string o = OptionNamed(option);
                 Pairs change;
                 oracle::insert(change, slow.find(k), slow.find(o));
                 ASSERT_EQ(fast.IsKVConstrained(k, o), !slow.test(change).conflicts.empty()) << k << ' ' << o;
@@ -181,7 +179,8 @@ private:
     }
 
     void CompareForests(const ConstraintForest& forest, const oracle::Store::Lists& lists) {
-        oracle::Store::Lists seen;
+        Pairs expected; // each list's key and option, and each pair in it
+        Pairs seen;
         for (Id key = -1; key < static_cast<Id>(slow.texts.size()); ++key) {
             const auto tree = lists.find(key);
             Pairs all;
@@ -191,31 +190,24 @@ private:
                 if (list == nullptr) {
                     continue;
                 }
-                const auto expected = tree->second.find(option);
-                ASSERT_EQ(list->Pairs(), expected == tree->second.end() ? Pairs() : expected->second);
+                const auto found = tree->second.find(option);
+                const Pairs pairs = found == tree->second.end() ? Pairs() : found->second;
+                ASSERT_EQ(list->Pairs(), pairs);
                 ASSERT_EQ(list->Owner(), option);
-                all.insert(all.end(), list->Pairs().begin(), list->Pairs().end());
+                all.insert(all.end(), pairs.begin(), pairs.end());
+                for (const KeyOption& pair : pairs) {
+                    expected.insert(expected.end(), {{key, option}, pair});
+                }
             }
             if (tree != lists.end()) {
                 ASSERT_EQ(forest.GetConstraintList(key, -1)->Pairs(), all);
             }
         }
-        KeyOption last;
         forest.ForEach([&](Id key, Id option, const KeyOption& pair) {
-            EXPECT_FALSE(KeyOptionGreater(last, {key, option}));
-            last = {key, option};
-            seen[key][option].push_back(pair);
+            seen.insert(seen.end(), {{key, option}, pair});
             return true;
         });
-        oracle::Store::Lists filled;
-        for (const auto& [key, tree] : lists) {
-            for (const auto& [option, pairs] : tree) {
-                if (!pairs.empty()) {
-                    filled[key][option] = pairs;
-                }
-            }
-        }
-        ASSERT_EQ(seen, filled);
+        ASSERT_EQ(seen, expected);
     }
 
     void CompareEngine(ConstraintsEngine& engine) {

@@ -64,13 +64,6 @@ TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
             ASSERT_EQ(store.IsKVConstrained("*K", "k" + std::to_string(i)), forbidden) << selected << i;
         }
     }
-    store.UpdateKVCache("*L", "l42");
-    const CStringSoup& soup = *store.GetConstraintStrings();
-    KVCache change;
-    change.Insert(soup.Find("*K"), soup.Find("k7"));
-    const auto answer = store.GetEngine()->Test(change);
-    EXPECT_THAT(named(store, answer.conflicts.Pairs()), ElementsAre("*L=l42"));
-    EXPECT_THAT(named(store, answer.alternatives.Pairs()), ElementsAre("*L=late", "*L=None"));
 }
 
 TEST(ConstraintsEngine, DoesNoMoreWorkThanAllowed) {

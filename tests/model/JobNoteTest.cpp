@@ -7,6 +7,8 @@
 #include "tests/model/ModelFixtures.h"
 #include "tests/support/TestSupport.h"
 
+#include <regex>
+
 namespace torka {
 namespace {
 
@@ -61,13 +63,12 @@ TEST_F(JobNoteTest, TheDocumentHasTheSameFlags) {
         limiting += row.typing == NoteTyping::limits ? "`" + std::string(row.word) + "`" : "";
     }
     EXPECT_NE(page.find(table + "\n"), std::string::npos) << table;
-    std::string sentence = page.substr(std::min(page.find("With none of "), page.size()));
-    sentence.resize(std::min(sentence.find(" a note accepts"), sentence.size()));
+    const std::size_t at = page.find("With none of ");
+    const std::string sentence = page.substr(at, page.find(" a note accepts", at) - at);
+    const std::regex word("`\\w+`");
     std::string named;
-    for (std::size_t at = sentence.find('`'); at != std::string::npos; at = sentence.find('`', at)) {
-        const std::size_t end = sentence.find('`', at + 1) + 1;
-        named += sentence.substr(at, end - at);
-        at = end;
+    for (std::sregex_iterator each(sentence.begin(), sentence.end(), word), end; each != end; ++each) {
+        named += each->str();
     }
     EXPECT_EQ(named, limiting);
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/KVCache.h"
+#include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 
 #include <gtest/gtest.h>
@@ -21,6 +24,13 @@ inline ControlDefinition definitionOf(const char* keyword, std::string_view ps =
     definition.psData = reinterpret_cast<const unsigned char*>(ps.data());
     definition.psLength = static_cast<long>(ps.size());
     return definition;
+}
+
+// The option that the store holds as selected for a key; "" for none.
+inline std::string selectedIn(const UIConstraints& store, const char* key) {
+    const CStringSoup& strings = *store.GetConstraintStrings();
+    const std::int64_t option = store.GetCurrentSelections()->GetItem(strings.Find(key));
+    return option < 0 ? "" : std::string(strings.Find(option));
 }
 
 inline _PopupItem itemOf(const char* keyword, std::string_view ps = {}) {

@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PPDX/KVEngine/CStringSoup.h"
-#include "PPDX/KVEngine/KVCache.h"
-#include "PPDX/KVEngine/UIConstraints.h"
 #include "PPDX/Utilities/ModelState.h"
 
 #include <gtest/gtest.h>
@@ -27,11 +24,7 @@ protected:
                                                   std::move(items), preset);
     }
 
-    std::string Reported(const char* key) const {
-        const CStringSoup& strings = *store.GetConstraintStrings();
-        const std::int64_t option = store.GetCurrentSelections()->GetItem(strings.Find(key));
-        return option < 0 ? "" : std::string(strings.Find(option));
-    }
+    std::string Reported(const char* key) const { return selectedIn(store, key); }
 
     // "A+B": the keywords of the selected items.
     static std::string Selected(PPDXPopupControl& popup) {
@@ -163,23 +156,6 @@ TEST_F(PopupTest, OnlyColourPopupsTakeNewChoices) {
         EXPECT_EQ(popup->ItemCount(), 3U);
         EXPECT_EQ(valueOf(*popup), "B");
     }
-}
-
-TEST_F(PopupTest, RebuildTakesOwnItemsAndDefault) {
-    const auto popup = Make("*P", false, "B");
-    popup->SetDefaultValue(3);
-    EXPECT_FALSE(popup->Rebuild("*Other", itemsOf({"X"}), "X"));
-    EXPECT_FALSE(popup->Rebuild("*P", {}, "X"));
-    EXPECT_EQ(popup->ItemCount(), 3U);
-    // The new default may be the text of an item that Rebuild removes.
-    EXPECT_TRUE(popup->Rebuild("*P", itemsOf({"X", "B", "Y"}), popup->GetDefaultKeyword()));
-    EXPECT_EQ(popup->ItemCount(), 3U);
-    EXPECT_EQ(valueOf(*popup), "B");
-    EXPECT_EQ(Reported("*P"), "B");
-    EXPECT_EQ(postScriptOf(*popup), "%%BeginFeature: *P B\n\n%%EndFeature\n");
-    EXPECT_TRUE(popup->Rebuild("*P", itemsOf({"X"}), nullptr));
-    EXPECT_EQ(popup->GetValue(), 0);
-    EXPECT_EQ(postScriptOf(*popup), "");
 }
 
 } // namespace

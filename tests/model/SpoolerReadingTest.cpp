@@ -5,10 +5,8 @@
 #include "PPDX/KVEngine/ConstraintForest.h"
 
 #include <cups/ppd.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
 #include <set>
 
 // libcups marks its PPD functions as deprecated, but programs still use them.
@@ -19,31 +17,8 @@
 namespace torka::tests {
 namespace {
 
-using ::testing::ElementsAre;
-
 // Everything that both readers know, one text for each fact.
 using Facts = std::set<std::string>;
-
-struct Comparison {
-    Facts ours;
-    Facts theirs;
-
-    // The facts of one side only, each with its side.
-    std::vector<std::string> Differences() const {
-        std::vector<std::string> result;
-        for (const std::string& fact : ours) {
-            if (!theirs.contains(fact)) {
-                result.push_back("ours: " + fact);
-            }
-        }
-        for (const std::string& fact : theirs) {
-            if (!ours.contains(fact)) {
-                result.push_back("libcups: " + fact);
-            }
-        }
-        return result;
-    }
-};
 
 constexpr std::array headerNames{"FormatVersion",   "FileVersion",      "PCFileName",
                                  "LanguageVersion", "LanguageEncoding", "ModelName"};
@@ -134,12 +109,26 @@ Facts factsOf(ppd_file_t* ppd) {
     return facts;
 }
 
-Comparison compare(const std::filesystem::path& path) {
-    Comparison result{factsOf(*parseFile(path)), {}};
+// The one difference here that docs/extended-ppd.md ("Beside libcups") explains: libcups adds a choice
+// "Custom".
+bool isExplained(const std::string& libcupsFact) {
+    return libcupsFact.find(" Custom ") != std::string::npos || libcupsFact.ends_with(" Custom") ||
+           libcupsFact.ends_with(" Custom/Custom");
+}
+
+// Reads the file with both and returns what the parser reads.
+Facts compare(const std::filesystem::path& path) {
     const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(ppdOpenFile(path.c_str()), ppdClose);
     EXPECT_TRUE(ppd) << path;
-    result.theirs = ppd ? factsOf(ppd.get()) : Facts();
-    return result;
+    const Facts ours = factsOf(*parseFile(path));
+    const Facts theirs = ppd ? factsOf(ppd.get()) : Facts();
+    for (const std::string& fact : ours) {
+        EXPECT_TRUE(theirs.contains(fact)) << path << " only ours: " << fact;
+    }
+    for (const std::string& fact : theirs) {
+        EXPECT_TRUE(ours.contains(fact) || isExplained(fact)) << path << " only libcups: " << fact;
+    }
+    return ours;
 }
 
 // What both need to read a file at all.
@@ -156,11 +145,6 @@ const std::string neighbours =
     "*UIConstraints: *M A *N B\n*UIConstraints: *N B *M A\n*PCFileName: \"P.PPD\"\n"
     "*ModelName: \"Model\"\n*LanguageEncoding: ISOLatin1\n";
 
-struct ReadingCase {
-    const char* name;
-    std::string text;
-};
-
 // A forgotten closing line, a line of another element between options, and blanks before colons cost nothing.
 TEST(SpoolerReading, NeighboursAndBlanksAreReadAsLibcupsReadsThem) {
     const std::string m = option("M");
@@ -175,24 +159,22 @@ TEST(SpoolerReading, NeighboursAndBlanksAreReadAsLibcupsReadsThem) {
             spaced.insert(at, at % 2 == 0 ? " " : " \t");
         }
     }
-    const std::vector<ReadingCase> cases{
-        {"plain", heading + neighbours + m + n},
-        {"blanksBeforeColons", spaced},
-        {"blocksInAGroup", heading + "*OpenGroup : InstallableOptions/Units\n" + m + n +
-                               "*CloseGroup : InstallableOptions\n" + neighbours},
-        {"betweenOptions", heading + option("M", neighbours) + n},
-        {"closingLineForgotten", heading + option("M", {}, {}) + neighbours + n},
-        {"group", heading + "*OpenGroup: Other/Other\n" + option("M", {}, {}) + "*CloseGroup: Other\n" +
-                      neighbours + n},
+    const std::string cases[] = {
+        heading + neighbours + m + n,
+        spaced,
+        heading + "*OpenGroup : InstallableOptions/Units\n" + m + n + "*CloseGroup : InstallableOptions\n" +
+            neighbours,
+        heading + option("M", neighbours) + n,
+        heading + option("M", {}, {}) + neighbours + n,
+        heading + "*OpenGroup: Other/Other\n" + option("M", {}, {}) + "*CloseGroup: Other\n" + neighbours + n,
     };
     const TemporaryFolder folder;
-    for (const ReadingCase& each : cases) {
-        SCOPED_TRACE(each.name);
-        const Comparison read = compare(folder.Write("case.ppd", each.text));
-        EXPECT_THAT(read.Differences(), ElementsAre());
+    for (const std::string& each : cases) {
+        SCOPED_TRACE(each);
+        const Facts read = compare(folder.Write("case.ppd", each));
         for (const char* fact : {"constraint M A N B", "constraint N B M A", "header PCFileName P.PPD",
                                  "header LanguageEncoding ISOLatin1", "option M/M default B"}) {
-            EXPECT_TRUE(read.ours.contains(fact)) << fact;
+            EXPECT_TRUE(read.contains(fact)) << fact;
         }
     }
 }
@@ -214,70 +196,34 @@ TEST(SpoolerReading, NeighboursThatLibcupsDoesNotKnowSurviveToo) {
     }
 }
 
-// The one difference here that docs/extended-ppd.md ("Beside libcups") explains: libcups adds a choice
-// "Custom".
-bool isExplained(const std::string& difference) {
-    const bool isChoice = difference.ends_with(" Custom/Custom");
-    const bool isConstraint =
-        difference.find(" Custom ") != std::string::npos || difference.ends_with(" Custom");
-    return difference.starts_with("libcups: ") && (isChoice || isConstraint);
-}
-
-std::vector<std::string> unexplained(const std::filesystem::path& path) {
-    std::vector<std::string> result;
-    for (const std::string& each : compare(path).Differences()) {
-        if (!isExplained(each)) {
-            result.push_back(each);
+// The descriptions that the spooler's own compiler makes of its sample drivers, and random ones.
+TEST(SpoolerReading, MadeDescriptionsAreReadAsLibcupsReadsThem) {
+    const TemporaryFolder folder;
+    const CommandResult made = runCommand({"ppdc", "-d", folder / "plain", "/usr/share/cups/drv/sample.drv"});
+    ASSERT_EQ(made.status, 0) << made.errors;
+    runPython(R"(
+import pathlib, random, runpy, sys
+scripts, folder = sys.argv[1:]
+plain = pathlib.Path(folder, 'plain')
+def run(script, *arguments):
+    sys.argv = [script, *map(str, arguments)]
+    runpy.run_path(scripts + script, run_name='__main__')
+for seed in range(300):
+    rng = random.Random(seed)
+    sizes = rng.randint(4, 12), rng.randint(4, 6), 2 * rng.randint(0, 12)
+    run('make-ppd', '--seed', seed, *sizes, plain / f'{seed}.ppd')
+for each in plain.iterdir():
+    run('announce-ppd', each, f'{folder}/{each.name}')
+)",
+              {TORKA_SOURCE_DIR "/scripts/", folder.Path()});
+    int compared = 0;
+    for (const auto& each : std::filesystem::directory_iterator(folder.Path())) {
+        if (each.is_regular_file()) {
+            EXPECT_GT(compare(each.path()).size(), 15U) << each.path();
+            ++compared;
         }
     }
-    return result;
-}
-
-const std::string scripts = TORKA_SOURCE_DIR "/scripts/";
-
-void announce(const std::filesystem::path& from, const std::filesystem::path& to) {
-    const CommandResult result = runCommand({"python3", scripts + "announce-ppd", from, to});
-    ASSERT_EQ(result.status, 0) << result.errors;
-}
-
-// The descriptions that the spooler's own compiler makes of its sample drivers.
-TEST(SpoolerReading, CompiledSampleDriversAreReadAsLibcupsReadsThem) {
-    const TemporaryFolder folder;
-    const CommandResult made = runCommand({"ppdc", "-d", folder / "drv", "/usr/share/cups/drv/sample.drv"});
-    ASSERT_EQ(made.status, 0) << made.errors;
-    std::size_t compared = 0;
-    std::size_t facts = 0;
-    for (const auto& each : std::filesystem::directory_iterator(folder / "drv")) {
-        const std::string own = folder / "own.ppd";
-        announce(each.path(), own);
-        EXPECT_THAT(unexplained(own), ElementsAre()) << each.path();
-        facts += factsOf(*parseFile(own)).size();
-        ++compared;
-    }
-    EXPECT_GT(compared, 10U);
-    EXPECT_GT(facts, 1000U);
-}
-
-TEST(SpoolerReading, GeneratedDescriptionsAreReadAsLibcupsReadsThem) {
-    const TemporaryFolder folder;
-    // One process makes them all.
-    const CommandResult made = runCommand(
-        {"python3", "-c",
-         "import random, runpy, sys\n"
-         "script, announcer, folder = sys.argv[1:]\n"
-         "for seed in range(300):\n"
-         "    rng = random.Random(seed)\n"
-         "    plain, own = f'{folder}/plain.ppd', f'{folder}/{seed}.ppd'\n"
-         "    sys.argv = [script, '--seed', str(seed), str(rng.randint(4, 12)), str(rng.randint(4, 6)),\n"
-         "                str(2 * rng.randint(0, 12)), plain]\n"
-         "    runpy.run_path(script, run_name='__main__')\n"
-         "    sys.argv = [announcer, plain, own]\n"
-         "    runpy.run_path(announcer, run_name='__main__')\n",
-         scripts + "make-ppd", scripts + "announce-ppd", folder.Path()});
-    ASSERT_EQ(made.status, 0) << made.errors;
-    for (int seed = 0; seed < 300; ++seed) {
-        EXPECT_THAT(unexplained(folder / (std::to_string(seed) + ".ppd")), ElementsAre()) << seed;
-    }
+    EXPECT_GT(compared, 310);
 }
 
 } // namespace

@@ -14,6 +14,7 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 class ZANPPDModel : public ::testing::Test {
@@ -72,9 +73,9 @@ TEST_F(ZANPPDModel, ChoiceBlocks) {
     EXPECT_EQ(valueOf(*model, "*Pick"), "Two");
     EXPECT_STREQ(pick->GetKeywordLocalName("Two"), "Two");
     EXPECT_STREQ(pick->GetKeywordLocalName("Three"), "Third");
-    EXPECT_EQ(postscriptOf(pick), "%%BeginFeature: *Pick Two\ntwo\n%%EndFeature\n");
+    EXPECT_EQ(postScriptOf(*pick), "%%BeginFeature: *Pick Two\ntwo\n%%EndFeature\n");
     pick->SetValue(1);
-    EXPECT_EQ(postscriptOf(pick), "%%BeginFeature: *Pick One\n1\n2\n 3\n%%EndFeature\n");
+    EXPECT_EQ(postScriptOf(*pick), "%%BeginFeature: *Pick One\n1\n2\n 3\n%%EndFeature\n");
     auto* many = dynamic_cast<PPDXPopupControl*>(find(*model, "*Many"));
     EXPECT_TRUE(many && many->CanSelectMultipleItems() && valueOf(*model, "*Many") == "A");
     auto* flag = dynamic_cast<PPDXBooleanControl*>(find(*model, "*Flag"));
@@ -82,37 +83,32 @@ TEST_F(ZANPPDModel, ChoiceBlocks) {
     EXPECT_TRUE(flag->IsTrue());
     EXPECT_STREQ(flag->FalseDisplayText(), "Off");
     EXPECT_EQ(flag->TrueDisplayText(), nullptr);
-    EXPECT_EQ(postscriptOf(flag), "%%BeginFeature: *Flag True\non\n%%EndFeature\n");
+    EXPECT_EQ(postScriptOf(*flag), "%%BeginFeature: *Flag True\non\n%%EndFeature\n");
     EXPECT_EQ(valueOf(*model, "*Bare"), "False"); // its first option
     EXPECT_TRUE(find(*model, "*Bare")->IsOrphan());
 }
 
 TEST_F(ZANPPDModel, Ranges) {
     struct Case {
+        const char* element;
         const char* numbers;
         const char* value;
     };
-    const Case whole[] = {{"1;99;1;10;", "10"},
-                          {"(1)(99)(5)(17)", "15"},
-                          {" 0 ; 500 ; 5 ; -3 ; ", "0"},
-                          {"1;999999999999999999999999;1;7;", "7"},
-                          {"-5;5;2;-5;", "-4"}};
-    const Case decimal[] = {
-        {"0.5;4.0;0.1;2.2;", "2.200"}, {"-1e999;1e999;1e-3;+0.25;", "0.250"}, {".5;1;.1;nan;", "0.500"}};
-    for (const Case& each : whole) {
-        const auto model =
-            parseText(frame + "*%ZANFlags *R:\n*%ZANGroup *R: Group\n*%ZANUnitRange *R/ R : " + each.numbers +
-                      "\"<*R> x\"\n" + popupText("Next"));
+    const Case cases[] = {{"UnitRange", "1;99;1;10;", "10"},
+                          {"UnitRange", "(1)(99)(5)(17)", "15"},
+                          {"UnitRange", " 0 ; 500 ; 5 ; -3 ; ", "0"},
+                          {"UnitRange", "1;999999999999999999999999;1;7;", "7"},
+                          {"UnitRange", "-5;5;2;-5;", "-4"},
+                          {"FloatRange", "0.5;4.0;0.1;2.2;", "2.200"},
+                          {"FloatRange", "-1e999;1e999;1e-3;+0.25;", "0.250"},
+                          {"FloatRange", ".5;1;.1;nan;", "0.500"}};
+    for (const Case& each : cases) {
+        const auto model = parseText(frame + "*%ZANFlags *R:\n*%ZANGroup *R: Group\n*%ZAN" + each.element +
+                                     " *R/ R : " + each.numbers + "\"<*R> x\"\n" + popupText("Next"));
         EXPECT_THAT(errorsOf(*model), IsEmpty()) << each.numbers;
         EXPECT_EQ(valueOf(*model, "*R"), each.value) << each.numbers;
         EXPECT_EQ(find(*model, "*R")->CFStringUserName()->units, u" R "); // not trimmed
-        EXPECT_NE(postscriptOf(find(*model, "*R")).find(std::string(each.value) + " x\n"), std::string::npos);
-    }
-    for (const Case& each : decimal) {
-        const auto model =
-            parseText(frame + "*%ZANFlags *R:\n*%ZANGroup *R: Group\n*%ZANFloatRange *R/R: " + each.numbers +
-                      "\"<*R>\"\n");
-        EXPECT_EQ(valueOf(*model, "*R"), each.value) << each.numbers;
+        EXPECT_THAT(postScriptOf(*find(*model, "*R")), HasSubstr(std::string(each.value)));
     }
 }
 
@@ -141,7 +137,7 @@ TEST_F(ZANPPDModel, JobNotesTakeTheirLinesAndNoOthers) {
         auto* note = dynamic_cast<PPDXJobNote*>(find(*model, "*Note"));
         ASSERT_TRUE(note);
         EXPECT_EQ(valueOf(*model, "*Note"), each.text);
-        EXPECT_EQ(postscriptOf(note), each.postscript);
+        EXPECT_EQ(postScriptOf(*note), each.postscript);
         EXPECT_EQ(note->NoteFlags(), jobNoteAlpha | jobNoteNumeric);
         EXPECT_TRUE(note->MaxLength() == 20 && note->MinLength() == 12 && note->IsCommand());
         EXPECT_EQ(valueOf(*model, "*Next"), "A");
@@ -186,10 +182,9 @@ TEST_F(ZANPPDModel, ConstraintsReachTheStore) {
 
 TEST_F(ZANPPDModel, HeadersTemplatesAndRecords) {
     const auto model = parseText(
-        "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: Japanese\n*LanguageEncoding: "
-        "JIS83-RKSJ\n"
-        "*ModelName: \"Torka\n Two\"\n*ModelName: \"Torka Three\"\n*%QVVersionMac: \"5.1\"\n*%QVVersion: "
-        "4.0\n"
+        "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: Japanese\n"
+        "*LanguageEncoding: \"JIS83-RKSJ\" \n*ModelName: \"Torka Two\"\n*ModelName: \"Torka\n Three\"\n"
+        "*ModelName: \"\"\n*%QVVersionMac: \"5.1\"\n*%QVVersion: 4.0\n"
         "*%QVFileVersion: 7 \n*APDialogExtension: \"/Library/Printers/T.plugin\"\n"
         "*%ZANSpecialOption *QVUTF8_Version: 6\n*%ZANSpecialOption *DMT_Injection: True\n\n"
         "*% *DMT_X0000: 3\nl1\n\nl2\n*%ZANPropPage Eaten: True\n*%ZANPropPage Kept: True\n"
@@ -199,6 +194,9 @@ TEST_F(ZANPPDModel, HeadersTemplatesAndRecords) {
         "*%ZANGroupName G/<82C882B5>: True\n*%ZANParent G/Kept: True|Scrollpane\n*% End of PPD "
         "file\n*ModelName: \"No\"\n");
     EXPECT_THAT(errorsOf(*model), IsEmpty());
+    EXPECT_STREQ(model->LanguageEncoding()->Buffer(), "JIS83-RKSJ");
+    EXPECT_STREQ(model->Converter()->LanguageVersion(), "Japanese");
+    EXPECT_EQ(GetApplicationTextEncoding(), kCFStringEncodingShiftJIS);
     EXPECT_STREQ(model->ModelName()->Buffer(), "Torka Three");
     EXPECT_STREQ(model->VersionQV()->Buffer(), "5.1");
     EXPECT_STREQ(model->MakerVersion()->Buffer(), "5.1");
@@ -215,8 +213,10 @@ TEST_F(ZANPPDModel, HeadersTemplatesAndRecords) {
     EXPECT_EQ(size->MaxWidth(), 1368.5F);
     EXPECT_EQ(size->GetWidth(), 72.0F);
     EXPECT_EQ(size->MaxHeight(), 0.0F);
-    parseText(frame);
+    parseText("*PPD-Adobe: \"4.3\"\n");
     EXPECT_EQ(gQVUTF8Version, 0);
+    EXPECT_EQ(GetApplicationTextEncoding(), kCFStringEncodingUTF8);
+    EXPECT_EQ(parseText("*PPD-Adobe: \"4.3\"\n*LanguageEncoding: ISOLatin1\n")->Converter(), nullptr);
 }
 
 TEST_F(ZANPPDModel, AHostWithAnAnnotatedDescriptionStopsAtItsMark) {
@@ -258,10 +258,20 @@ TEST_F(ZANPPDModel, SuppliedChoicesReplaceAPopupsOwn) {
     EXPECT_EQ(valueOf(*model, "*Key"), "B"); // still offered
     EXPECT_STREQ(popup->GetKeywordLocalName("B"), "Name B");
     EXPECT_STREQ(popup->GetKeywordLocalName("C"), "Sea");
-    EXPECT_NE(postscriptOf(popup).find("(b)"), std::string::npos);
+    EXPECT_NE(postScriptOf(*popup).find("(b)"), std::string::npos);
     EXPECT_TRUE(model->IsKVConstrained("*Key", "C"));
     EXPECT_TRUE(model->PPDCreatePopupMenu("*Key", items, "C"));
     EXPECT_EQ(valueOf(*model, "*Key"), "C");
+    popup->SetDefaultValue(2);
+    EXPECT_FALSE(popup->Rebuild("*Other", itemsOf({"X"}), "X") || popup->Rebuild("*Key", {}, "X"));
+    EXPECT_EQ(popup->ItemCount(), 2U);
+    // The new default may be the text of an item that Rebuild removes.
+    EXPECT_TRUE(popup->Rebuild("*Key", itemsOf({"X", "Y", "C"}), popup->GetDefaultKeyword()));
+    EXPECT_EQ(valueOf(*model, "*Key") + selectedIn(*model->GetUIConstraints(), "*Key"), "CC");
+    EXPECT_EQ(postScriptOf(*popup), "%%BeginFeature: *Key C\n\n%%EndFeature\n");
+    EXPECT_TRUE(popup->Rebuild("*Key", itemsOf({"X"}), nullptr));
+    EXPECT_EQ(popup->GetValue(), 0);
+    EXPECT_EQ(postScriptOf(*popup), "");
     const std::vector<SuppliedPopupItem> fewer{{"A", nullptr}};
     EXPECT_TRUE(model->PPDReconcilePopupMenu("*Key", fewer, "Gone"));
     EXPECT_EQ(valueOf(*model, "*Key"), "A");
@@ -305,7 +315,7 @@ TEST_F(ZANPPDModel, SettingsGiveTheDescriptionBack) {
             PPDXControl* other = find(back, control->Keyword());
             ASSERT_TRUE(other) << control->Keyword();
             EXPECT_EQ(other->Type(), control->Type());
-            EXPECT_EQ(postscriptOf(other), postscriptOf(control)) << control->Keyword();
+            EXPECT_EQ(postScriptOf(*other), postScriptOf(*control)) << control->Keyword();
             ASSERT_EQ(!other->GetParent(), !control->GetParent()) << control->Keyword();
             EXPECT_TRUE(!control->GetParent() || *other->GetParent() == *control->GetParent());
         });
@@ -350,7 +360,7 @@ TEST_F(ZANPPDModel, HardInputSurvives) {
     }
     // A value that exceeds the store's limit is cut, not lost.
     const auto big = parseText(texts[4]);
-    EXPECT_GT(postscriptOf(find(*big, "*Big")).size(), 60000U);
+    EXPECT_GT(postScriptOf(*find(*big, "*Big")).size(), 60000U);
 }
 
 } // namespace

@@ -2,12 +2,16 @@
 #pragma once
 
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
+#include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "tests/model/ModelFixtures.h"
 #include "tests/support/TestSupport.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // Writes small descriptions to a folder, parses them, and returns their defects as text.
@@ -70,18 +74,28 @@ inline std::vector<std::string> errorsOf(const ZANPPD& model) {
     return result;
 }
 
+// Each error's line and code, and each finding's line and name with its suggestion behind "?", in line order.
+using Findings = std::vector<std::pair<long, std::string>>;
+
+inline Findings findingsOf(const ZANPPD& model, const PPDLint& lint) {
+    Findings found;
+    for (const PPDXErrorObj* error = model.Errors()->First(); error; error = model.Errors()->Next()) {
+        found.emplace_back(error->Line(), std::to_string(error->Code()));
+    }
+    for (const PPDLintNote& note : lint.Notes()) {
+        found.emplace_back(note.line,
+                           ppdLintName(note.kind) + (note.suggestion.empty() ? "" : "?" + note.suggestion));
+    }
+    std::ranges::stable_sort(found, {}, &Findings::value_type::first);
+    return found;
+}
+
 inline PPDXControl* find(const ZANPPD& model, const char* keyword) {
     return model.GetPPDXControlForKey(cfString(keyword));
 }
 
 inline std::string valueOf(const ZANPPD& model, const char* keyword) {
     return utf8Text(model.CopyValueForKey(cfString(keyword)));
-}
-
-inline std::string postscriptOf(PPDXControl* control) {
-    std::string text(static_cast<std::size_t>(control->PostScript(nullptr)), '\0');
-    control->PostScript(reinterpret_cast<unsigned char*>(text.data()));
-    return text;
 }
 
 } // namespace torka::tests

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 // Prints jobs of two pages with a watermark by Ghostscript, and measures the ink on them.
@@ -23,10 +24,8 @@ struct Ink {
     std::size_t count = 0; // number of pixels that are not white
     double x = 0;          // their centre, in points from the lower left
     double y = 0;
-    double axis = 0; // direction of the longest extent in degrees, 0 to 180
-    int red = 0;     // colour of the last such pixel
-    int green = 0;
-    int blue = 0;
+    double axis = 0;                  // direction of the longest extent in degrees, 0 to 180
+    std::tuple<int, int, int> colour; // of the last such pixel
 };
 
 // Measures the pages in a stream of binary PPM pictures.
@@ -36,10 +35,8 @@ inline std::vector<Ink> inkOfPages(const std::string& pictures) {
     std::string magic;
     while (in >> magic) {
         std::string comment;
-        in >> std::ws;
-        while (in.peek() == '#') {
-            std::getline(in, comment);
-        }
+        std::getline(in >> std::ws, comment);
+        EXPECT_TRUE(comment.starts_with('#'));
         int width = 0;
         int height = 0;
         int depth = 0;
@@ -66,9 +63,7 @@ inline std::vector<Ink> inkOfPages(const std::string& pictures) {
             xx += x * x;
             yy += y * y;
             xy += x * y;
-            ink.red = at(0);
-            ink.green = at(1);
-            ink.blue = at(2);
+            ink.colour = {at(0), at(1), at(2)};
         }
         if (ink.count > 0) {
             const auto n = static_cast<double>(ink.count);

@@ -2,7 +2,7 @@
 #include "pane/panel/CustomizePaneController.h"
 
 #include "pane/panel/PaneInterface.h"
-#include "tests/pane/PaneFixture.h"
+#include "tests/pane/UIPanelFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -70,9 +70,6 @@ struct Typing : testing::Test {
     std::string Type(const char* keyword, const char* text) {
         return utf8Text(controller.controlTextDidChange(controller.TagOfJobNote(keyword), cfString(text)));
     }
-    std::string Kept(const char* keyword) const {
-        return utf8Text(pane.model->CopyValueForKey(cfString(keyword)));
-    }
 };
 
 // One person's typing, in this order.
@@ -93,7 +90,7 @@ TEST_F(Typing, TakesOutTheFirstRefusedCharacterAndHoldsTheTextToItsLength) {
     for (const auto& [keyword, typed, kept] : changes) {
         EXPECT_EQ(Type(keyword, typed.c_str()), kept);
         if (kept.find(kanji) == std::string::npos && std::string_view(keyword) != "*Unknown") {
-            EXPECT_EQ(Kept(keyword), kept); // the description's encoding lacks the kanji
+            EXPECT_EQ(valueOf(pane, keyword), kept); // the description's encoding lacks the kanji
         }
         if (std::string_view(keyword) == "*Digits") {
             EXPECT_EQ(controller.JobNoteClipValue(), typed == "123456" ? 5U : 0U);

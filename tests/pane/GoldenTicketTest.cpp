@@ -41,15 +41,11 @@ struct Situation {
 
 void PrintTo(const Situation& situation, std::ostream* stream) { *stream << situation.name; }
 
-std::string specialOption(const std::string& keyword, const std::string& value) {
-    return "*%ZANSpecialOption *" + keyword + ": " + value + "\n";
-}
-
 // Every control with special handling, and one without.
 std::string smallDescription(const std::string& version, const std::string& language = "English",
-                             const std::string& makerVersion = "4.2", const std::string& more = {}) {
+                             const std::string& makerVersion = "4.2") {
     return paneHeader + "*LanguageVersion: " + language + "\n*%QVVersion: \"" + makerVersion + "\"\n" +
-           (version.empty() ? "" : specialOption("QVUTF8_Version", version)) + more +
+           (version.empty() ? "" : "*%ZANSpecialOption *QVUTF8_Version: " + version + "\n") +
            popup("PageSize", {"A4", "Letter"}) + popup("QVDuplex", {"None", "Tumble"}) +
            popup("QVOrientation", {"Portrait", "Landscape"}) + popup("Collate", {"True", "False"}) +
            popup("QVPrintSize", {"SameAsPageSize", "A4", "Letter", "CustomPrintSize"}) +
@@ -214,9 +210,6 @@ const Situation situations[] = {
      .isPageSizeFromSystem = true},
     {.name = "custom-size",
      .description = english,
-     .values = {{"*QVPrintSize", "CustomPrintSize"}, {"*CustomPrintSize", "595.4 841.6"}}},
-    {.name = "custom-size-rounded",
-     .description = smallDescription("6", "English", "4.2", specialOption("QVCustomPgSzRoundingOff", "True")),
      .values = {{"*QVPrintSize", "CustomPrintSize"}, {"*CustomPrintSize", "595.4 841.6"}}},
     {.name = "file-destination",
      .description = english,

@@ -8,8 +8,8 @@
 
 #include <algorithm>
 
-// Tests the copy of the description, the controller's address, queries about controls, quick access and
-// watermarks.
+// Tests the copy of the description, the controller's address, queries about controls, quick access,
+// watermarks and the settings without a control.
 
 namespace torka::tests {
 
@@ -22,14 +22,9 @@ TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
     ScopedMemorySystem system;
     system->root = "/root";
     const std::string text = paneHeader + popup("QVDuplex", {"None", "Tumble"});
-    struct Case {
-        int minorVersion;
-        std::string name;
-        std::string copyPath; // "" for the description's own path
-        std::string writtenTo;
-    };
     const std::string hostile = "a\"; touch x; `id` $(id) %s %n.ppd";
-    const Case cases[] = {
+    // The copy's path is "" for the description's own path.
+    const std::tuple<int, std::string, std::string, std::string> cases[] = {
         {15, "small.ppd", "/tmp/private/zancopy.ppd", "/tmp/private/zancopy.ppd"},
         {7, hostile, "/tmp/private/zancopy.ppd", "/tmp/private/zancopy.ppd"},
         {7, "small.txt", "/tmp/small.txt.ppd", "/tmp/private/zancopy.ppd"},
@@ -38,49 +33,40 @@ TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
         {5, "-rf", "/tmp/-rf.ppd", "/root/tmp/-rf.ppd"},
         {15, "refused.ppd", "", ""},
     };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.name);
-        Pane pane(text, each.name);
-        const std::string ownPath = pane.folder / each.name;
-        system->minorVersion = each.minorVersion;
+    for (const auto& [minorVersion, name, copyPath, writtenTo] : cases) {
+        SCOPED_TRACE(name);
+        Pane pane(text, name);
+        const std::string ownPath = pane.folder / name;
+        system->minorVersion = minorVersion;
         system->files.clear();
         system->files[ownPath] = {text, 0644};
-        system->writeFailure = [&](const std::filesystem::path&) {
-            return each.writtenTo.empty() ? std::make_error_code(std::errc::no_space_on_device)
-                                          : std::error_code();
+        system->writeFailure = [isRefused = writtenTo.empty()](const auto&) {
+            return isRefused ? std::make_error_code(std::errc::no_space_on_device) : std::error_code();
         };
         pane.Open();
-        EXPECT_EQ(pane.data->PPDCopyPath(), each.copyPath.empty() ? ownPath : each.copyPath);
-        if (!each.writtenTo.empty()) {
-            ASSERT_TRUE(system->files.contains(each.writtenTo));
-            EXPECT_EQ(system->files[each.writtenTo].content, text);
-        }
-        system->writeFailure = nullptr;
+        EXPECT_EQ(pane.data->PPDCopyPath(), copyPath.empty() ? ownPath : copyPath);
+        EXPECT_EQ(system->files[writtenTo].content, writtenTo.empty() ? "" : text);
     }
 }
 
 TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
     ScopedMemorySystem system;
     Pane pane(paneHeader);
-    struct Case {
-        const char* uri;
-        const char* address;
-    };
-    for (const Case& each : {Case{"lpd://10.1.2.3/print", "10.1.2.3"},
-                             {"socket://press.example:9100", "press.example"},
-                             {"file:///dev/null", ""},
-                             {"", ""}}) {
+    for (const auto& [uri, address] : {std::pair{"lpd://10.1.2.3/print", "10.1.2.3"},
+                                       {"socket://press.example:9100", "press.example"},
+                                       {"file:///dev/null", ""},
+                                       {"", ""}}) {
         pane.addressList->clear();
-        pane.printer->deviceUri = each.uri;
+        pane.printer->deviceUri = uri;
         pane.Open();
         EXPECT_TRUE(pane.data->isFirstLaunch());
-        EXPECT_EQ(utf8Text(pane.data->GetPrinterAddress()), each.address);
+        EXPECT_EQ(utf8Text(pane.data->GetPrinterAddress()), address);
         EXPECT_FALSE(pane.data->isBIDIEnabled());
         // The list now has an entry with the queue's address. With an empty address the pane asks the queue
         // again.
         pane.Open();
-        EXPECT_EQ(pane.data->isFirstLaunch(), each.address[0] == '\0');
-        EXPECT_EQ(utf8Text(pane.data->GetCorvianPrinterAddress()), each.address);
+        EXPECT_EQ(pane.data->isFirstLaunch(), address[0] == '\0');
+        EXPECT_EQ(utf8Text(pane.data->GetCorvianPrinterAddress()), address);
     }
     EXPECT_TRUE(pane.data->SetCorvianPrinterAddress(cfString("10.9.9.9"), true));
     bool isEnabled = false;
@@ -99,12 +85,12 @@ TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
     pane.session->printer = nullptr;
     EXPECT_EQ(utf8Text(pane.data->GetCorvianPrinterAddress()), "");
 
-    const PDEData nameless(pane.model.get(), nullptr, QueueAccess{pane.session, {}},
-                           [&] { return std::make_unique<StringStore>(pane.addressList); });
+    PDEData nameless(pane.model.get(), nullptr, QueueAccess{pane.session, {}},
+                     [&] { return std::make_unique<StringStore>(pane.addressList); });
     PPDTree tree;
-    EXPECT_FALSE(const_cast<PDEData&>(nameless).SetPPDShortcuts(tree));
-    EXPECT_FALSE(const_cast<PDEData&>(nameless).GetPPDShortcuts(tree));
-    EXPECT_TRUE(const_cast<PDEData&>(nameless).SetIPAddressEnabled(true));
+    EXPECT_FALSE(nameless.SetPPDShortcuts(tree));
+    EXPECT_FALSE(nameless.GetPPDShortcuts(tree));
+    EXPECT_TRUE(nameless.SetIPAddressEnabled(true));
 }
 
 TEST(PDEData, InputTrayOfTheSystemsPaneFollowsTheVersion) {
@@ -154,18 +140,16 @@ TEST(PDEData, ControlsOfTheBasicPanel) {
             }
         });
         // The table names the slip sheet's catalogue without an asterisk, so that the entry hides nothing.
-        std::vector<std::string> expected = {"*QVDuplex"};
-        if (!hasCurve) {
-            expected.emplace_back("*QVColorMode");
+        std::vector<std::string> expected = {"*QVDuplex", "*QVColorMode", "*QVSlipSheetPaperCatalog"};
+        if (hasCurve) {
+            std::erase(expected, "*QVColorMode");
         }
-        expected.emplace_back("*QVSlipSheetPaperCatalog");
         EXPECT_EQ(valid, expected);
     }
     EXPECT_TRUE(isSpecialHueKeeperControl("*QVSimulationX"));
     EXPECT_FALSE(isSpecialHueKeeperControl("QVSimulation"));
-    EXPECT_FALSE(isBidiKeyword("Bidi"));
-    EXPECT_TRUE(isBidiKeyword("*Bidi"));
     EXPECT_FALSE(isExpertHueKeeperControl("*QVSimulationX"));
+    EXPECT_FALSE(isBidiKeyword("Bidi"));
     for (const auto test :
          {isSpecialHueKeeperControl, isExpertHueKeeperControl, isHiddenFromBasicPanel, isBidiKeyword}) {
         EXPECT_FALSE(test(nullptr));
@@ -223,29 +207,24 @@ TEST(PDEData, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
     const auto put = [&](const char* text) {
         pane.data->Watermarks().Append(std::make_unique<ZANWatermark>((std::string(14, ',') + text).c_str()));
     };
-    struct Step {
-        const char* person;
-        const char* added; // null: only opens; "": removes all
-        const char* anna;
-        const char* bert;
-    };
-    for (const Step& step : {Step{"anna", "A", "A", "A"},
-                             {"bert", nullptr, "A", "A"},
-                             {"bert", "B", "A", "AB"},
-                             {"anna", "C", "AC", "AB"},
-                             {"anna", "", "", "AB"}}) {
-        open(step.person);
-        if (step.added != nullptr && *step.added != '\0') {
-            put(step.added);
-            pane.data->SaveWatermarksToPreferences();
-        } else if (step.added != nullptr) {
+    // "": saves without a change, and the queue's list stays in force; "-": removes all.
+    for (const auto& [who, added, anna, bert] : {std::tuple{"anna", "A", "A", "A"},
+                                                 {"bert", "", "A", "A"},
+                                                 {"bert", "B", "A", "AB"},
+                                                 {"anna", "C", "AC", "AB"},
+                                                 {"anna", "-", "", "AB"}}) {
+        open(who);
+        if (*added == '-') {
             pane.data->ForgetWatermarkPreferences();
         } else {
-            pane.data->SaveWatermarksToPreferences(); // unchanged: the queue's list stays in force
+            if (*added != '\0') {
+                put(added);
+            }
+            pane.data->SaveWatermarksToPreferences();
         }
-        for (const auto& [person, expected] : {std::pair{"anna", step.anna}, std::pair{"bert", step.bert}}) {
+        for (const auto& [person, expected] : {std::pair{"anna", anna}, std::pair{"bert", bert}}) {
             open(person);
-            EXPECT_EQ(seen(), expected) << person << " after " << step.person;
+            EXPECT_EQ(seen(), expected) << person << " after " << who;
             pane.Store(".SelectedWatermarkKey", CFNumberCreate(1));
             pane.data->RestoreNonPSSettings();
             EXPECT_EQ(pane.data->Watermarks().SelectedIndex(),
@@ -279,21 +258,17 @@ TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
         pane.data->Watermarks().Append(std::make_unique<ZANWatermark>(definition.c_str()));
     }
     pane.data->SaveWatermarksToPreferences();
-    struct Case {
-        CFTypeRef stored;
-        int restored;
-    };
-    const Case cases[] = {
+    const std::pair<CFTypeRef, int> cases[] = {
         {CFNumberCreate(2), 2}, {CFNumberCreate(3), -1}, {CFNumberCreate(-2), -1},
         {cfString("1"), -1},    {nullptr, -1},           {CFNumberCreate(2'000'000'000), -1}};
-    for (const Case& each : cases) {
+    for (const auto& [stored, restored] : cases) {
         pane.Open();
         EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), -1);
-        pane.Store(".SelectedWatermarkKey", each.stored);
+        pane.Store(".SelectedWatermarkKey", stored);
         pane.Store("WatermarkFirstPageInfo", CFNumberCreate(0));
         EXPECT_TRUE(pane.data->GetWatermarksFromPreferences());
         EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
-        EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), each.restored);
+        EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), restored);
         if (const ZANWatermark* watermark = pane.data->Watermarks().Selected()) {
             EXPECT_TRUE(watermark->IsFirstPageOnly()) << "any stored value sets it";
         }
@@ -301,6 +276,89 @@ TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
     ASSERT_EQ(pane.data->Watermarks().Count(), 3U);
     EXPECT_EQ(pane.data->Watermarks().At(0)->Definition(), draft);
     EXPECT_EQ(pane.data->Watermarks().At(2)->Definition().size(), 1023U);
+}
+
+// Settings without a control: saved to the print settings and restored from arbitrary values.
+TEST(PDEDataSettings, SavedAndRestoredAndSavedIsTheSame) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader);
+    pane.data->MixedMediaList().Append({L"*RangeProp1", L"1-3|Card"});
+    pane.data->MixedMediaList().Append({L"*MM_A1", L"\u5370\u5237"});
+    pane.data->PadCoverList().Append({L"PadCoverFront", L""});
+    pane.data->SlipSheetList().Append({L"SlipSheet_Tray", L"Upper"});
+    pane.data->CoverPageList().Append({L"CoverPage_Back", L"Yes"});
+    EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
+    const CFDictionaryRef first = pane.settings->CopyAsDictionary();
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : first->Pairs()) {
+        keys.push_back(utf8Text(key));
+    }
+    EXPECT_THAT(keys,
+                ElementsAre("WatermarkFirstPageInfo", ".SelectedWatermarkKey", ".MMKey", "MMKey0", "MMValue0",
+                            "MMKey1", "MMValue1", ".PadCov", "PCovKey0", "PCovValue0", ".CovPag",
+                            "CovPagKey0", "CovPagValue0", ".SlpSht", "SlpShtKey0", "SlpShtValue0"));
+    EXPECT_EQ(pane.Stored("MMValue1"), "\xE5\x8D\xB0\xE5\x88\xB7");
+    EXPECT_EQ(pane.StoredNumber(".SelectedWatermarkKey"), -1);
+
+    pane.Open();
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    EXPECT_THAT(pairsOf(pane.data->MixedMedia()),
+                ElementsAre("*RangeProp1=1-3|Card", "*MM_A1=\xE5\x8D\xB0\xE5\x88\xB7"));
+    EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
+    EXPECT_TRUE(CFEqual(first, pane.settings->CopyAsDictionary()));
+
+    // Account pairs are restored but never stored here. Any stored value sets the first-page flag.
+    pane.Store("*QVPCName", cfString("Account 7"));
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    EXPECT_THAT(
+        pairsOf(pane.data->PaperCatalogue()),
+        ElementsAre("*QVPCMID=-1", "*QVPCName=Account 7", "*QVCoverSizePCMID=-1", "*QVCoverSizePCName=-1"));
+    pane.settings->setResult = kPMGeneralError;
+    EXPECT_EQ(pane.data->SaveNonPSSettings(), kPMGeneralError);
+    pane.data->SetPrintSettings(nullptr);
+    EXPECT_EQ(pane.data->SaveNonPSSettings(), -1);
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), -1);
+}
+
+TEST(PDEDataSettings, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
+    ScopedMemorySystem system;
+    Pane pane(paneHeader);
+    const std::string megabyte(1'000'000, 'm');
+    const std::pair<CFTypeRef, std::size_t> cases[] = {
+        {CFNumberCreate(2'000'000'000), 2048},         {CFNumberCreate(-5), 0},  {nullptr, 0},
+        {CFNumberCreate(std::int64_t{1} << 40), 2048}, {CFNumberCreate(2.9), 2}, {CFNumberCreate(3), 3}};
+    pane.Store("MMKey0", cfString("*" + megabyte));
+    pane.Store("MMValue0", cfString(std::string(254, 'v') + "\xE5\x8D\xB0"));
+    pane.Store("MMKey1", CFArrayCreate({}));
+    pane.Store("MMValue1", cfString("second"));
+    pane.Store(".SlpSht", CFNumberCreate(99));
+    pane.Store("SlpShtKey15", cfString("SlipSheet_Last"));
+    pane.Store("SlpShtKey16", cfString("SlipSheet_TooMany"));
+    pane.Store("*QVPCMID", cfString(megabyte));
+    pane.Store("*QVPCName", CFNumberCreate(7));
+    for (const auto& [count, restored] : cases) {
+        pane.Open();
+        pane.Store(".MMKey", count);
+        EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+        const std::vector<std::string> pairs = pairsOf(pane.data->MixedMedia());
+        ASSERT_EQ(pairs.size(), restored);
+        if (restored >= 2) {
+            EXPECT_EQ(pairs[0], "*" + std::string(254, 'm') + "=" + std::string(254, 'v'));
+            EXPECT_EQ(pairs[1], "=second");
+        }
+        EXPECT_EQ(pane.data->SlipSheets().size(), 16U);
+        EXPECT_EQ(pairsOf(pane.data->SlipSheets())[15], "SlipSheet_Last=");
+        EXPECT_EQ(pane.data->PaperCatalogue()[0].value.size(), accountValueSize - 1);
+        EXPECT_EQ(pane.data->PaperCatalogue()[1].value, L"-1");
+        EXPECT_EQ(pane.data->SaveNonPSSettings(), 0);
+    }
+    // A count that is no number leaves the list unchanged. A slot without stored texts keeps its texts.
+    pane.Store(".MMKey", cfString("1"));
+    pane.Store("MMKey0", nullptr);
+    pane.Store("MMValue0", CFNumberCreate(1));
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    ASSERT_EQ(pane.data->MixedMedia().size(), 3U);
+    EXPECT_EQ(pairsOf(pane.data->MixedMedia())[0], "*" + std::string(254, 'm') + "=" + std::string(254, 'v'));
 }
 
 } // namespace

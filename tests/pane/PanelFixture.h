@@ -23,16 +23,10 @@ struct MemoryWidgets {
     std::map<PaneOutlet, double> shifts; // shifts of the frames' lower edges
     std::vector<std::string> observed;
     std::function<void()> painted;
-    int drawn = 0;
-    int fronts = 0;
     bool quickAccessOpen = false;
     int quickAccessCancels = 0;
     bool popupAnswer = true;
     int popups = 0;
-    bool conflictsAnswer = true;
-    int conflicts = 0;
-    bool brokenNotesAnswer = true;
-    int brokenNotes = 0;
     MemoryAddressSheet* sheet = nullptr;
 };
 
@@ -59,21 +53,15 @@ public:
         widgets.shifts[outlet] = frame.y - 100 + frame.height - 300;
     }
     void whenFirstPainted(std::function<void()> action) override { widgets.painted = std::move(action); }
-    void bringToFront() override { ++widgets.fronts; }
+    void bringToFront() override {}
     CustomizePaneView& customizePane() override { return *this; }
     CustomizeQuickAccessView& customizeQuickAccess() override { return *this; }
     PopupJobNoteView& popupJobNotes() override { return *this; }
-    bool confirmConflicts() override {
-        ++widgets.conflicts;
-        return widgets.conflictsAnswer;
-    }
-    bool confirmBrokenNotes() override {
-        ++widgets.brokenNotes;
-        return widgets.brokenNotesAnswer;
-    }
+    bool confirmConflicts() override { return true; }
+    bool confirmBrokenNotes() override { return true; }
     BonjourModuleView& addressSheet() override { return sheet; }
 
-    void drawControlsInTree(const PPDTree&) override { ++widgets.drawn; }
+    void drawControlsInTree(const PPDTree&) override {}
     void greyoutShortcutControls(bool) override {}
     bool validWindowSessionRunning() const override { return widgets.quickAccessOpen; }
     void doButtonCancelClicked() override {
@@ -142,6 +130,17 @@ struct Bench {
         static_cast<void>(panel->panelView());
         panel->willShow();
         return panel;
+    }
+    // A person chooses another printer.
+    MemoryPrinter& Choose(const std::string& name, const std::filesystem::path& ppd) {
+        const auto printer = std::make_shared<MemoryPrinter>();
+        printer->name = name;
+        printer->ppdPath = ppd.string();
+        printer->deviceUri = dialog->printer->deviceUri;
+        printer->onSend = dialog->printer->onSend;
+        dialog->printer = printer;
+        dialog->session = std::make_shared<MemorySession>(printer);
+        return *printer;
     }
     std::vector<std::string> SentTitles() const {
         std::vector<std::string> titles;

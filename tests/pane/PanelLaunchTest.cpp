@@ -133,37 +133,30 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
 }
 
 TEST_F(PanelLaunch, OtherEndsChangeNothing) {
-    struct Case {
-        const char* what;
-        std::int32_t windowResult;
-        SDMRESULT openResult;
-        SDMRESULT getResult;
-        bool twoWay;
-        std::vector<std::string> alerts;
-        int drawn;
-    };
     const std::string invalid = "You have entered an invalid IP Address or DNS Name";
-    const Case cases[] = {
-        {"cancelled", 1, 0, 0, true, {}, 1},
-        {"refused address", 2, 0, 0, true, {invalid}, 0},
-        {"refused address, two-way off", 2, 0, 0, false, {}, 1},
-        {"garbage for a result", -77, 0, 0, true, {invalid}, 0},
-        {"no settings to fetch", 0, 0, 4096, true, {}, 1},
-        {"a window that could not open", 0, 5, 0, true, {}, 1},
-    };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.what);
-        UseTwoWay(each.twoWay);
-        module.windowResult = each.windowResult;
-        module.openResult = each.openResult;
-        module.getResult = each.getResult;
+    // The window's result, those of opening and fetching, two-way communication, alerts, drawings.
+    const std::tuple<const char*, std::int32_t, SDMRESULT, SDMRESULT, bool, std::vector<std::string>, int>
+        cases[] = {
+            {"cancelled", 1, 0, 0, true, {}, 1},
+            {"refused address", 2, 0, 0, true, {invalid}, 0},
+            {"refused address, two-way off", 2, 0, 0, false, {}, 1},
+            {"garbage for a result", -77, 0, 0, true, {invalid}, 0},
+            {"no settings to fetch", 0, 0, 4096, true, {}, 1},
+            {"a window that could not open", 0, 5, 0, true, {}, 1},
+        };
+    for (const auto& [what, windowResult, openResult, getResult, twoWay, alerts, drawn] : cases) {
+        SCOPED_TRACE(what);
+        UseTwoWay(twoWay);
+        module.windowResult = windowResult;
+        module.openResult = openResult;
+        module.getResult = getResult;
         module.edit = [&] { Change(L"QVDuplex", L"Tumble"); };
         alertsShown->shown.clear();
         view.drawn = 0;
         panel->LaunchJobProperties(0);
-        ExpectUsable(each.drawn);
+        ExpectUsable(drawn);
         EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
-        EXPECT_EQ(Titles(), each.alerts);
+        EXPECT_EQ(Titles(), alerts);
     }
 }
 
@@ -185,15 +178,14 @@ TEST_F(PanelLaunch, SessionThatCannotBeginIsTriedOnceMoreWithoutTwoWay) {
 }
 
 TEST_F(PanelLaunch, WithoutAModuleNoLaunchStarts) {
-    const auto whole = module.Loader().libraries;
-    const auto missing = [&] { module.Loader().libraries.clear(); };
-    const auto broken = [&] { module.Loader().libraries[FakeJobPropertiesModule::path].error = "bad ELF"; };
-    const auto lacking = [&] {
-        module.Loader().libraries[FakeJobPropertiesModule::path].symbols.erase("JP1_1EndSession");
-    };
-    for (const std::function<void()>& harm : std::vector<std::function<void()>>{missing, broken, lacking}) {
-        module.Loader().libraries = whole;
-        harm();
+    auto& libraries = module.Loader().libraries;
+    const auto whole = libraries;
+    for (const bool isMissing : {true, false}) {
+        libraries = whole;
+        libraries[FakeJobPropertiesModule::path].symbols.erase("JP1_1EndSession");
+        if (isMissing) {
+            libraries.clear();
+        }
         alertsShown->shown.clear();
         unloadJobPropertiesLibrary();
         setField(panel->Record().jpResult, "0"); // must not count as accepted
@@ -207,15 +199,6 @@ TEST_F(PanelLaunch, WithoutAModuleNoLaunchStarts) {
     EXPECT_EQ(alertsShown->shown.size(), 1u);
 }
 
-TEST_F(PanelLaunch, AWaitForTheServerCanBeStopped) {
-    module.readyAfter = -1;
-    system->cancelAt = system->now + std::chrono::seconds(30);
-    panel->LaunchJobProperties(0);
-    ExpectUsable(1);
-    EXPECT_EQ(fieldText(panel->Record().jpResult), "1");
-    EXPECT_EQ(std::ranges::count(module.calls, "end session"), 1);
-}
-
 TEST_F(PanelLaunch, AnAddressActionShowsTheAlertAlone) {
     panel->LaunchJobProperties(kJPInvalidAddress);
     EXPECT_EQ(alertsShown->shown.size(), 1u);
@@ -226,29 +209,22 @@ TEST_F(PanelLaunch, AnAddressActionShowsTheAlertAlone) {
 }
 
 TEST_F(PanelLaunch, ThePanelMayEndWhileTheWindowIsOpen) {
-    module.edit = [&] {
-        panel.reset();
-        Change(L"QVDuplex", L"Tumble");
-    };
-    panel->LaunchJobProperties(0);
-    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
-    EXPECT_FALSE(gIgnoreButtonEvents || sharedListCopyFromJP); // the copy may hold secrets
-}
-
-TEST_F(PanelLaunch, ThePanelMayEndWhileTheSecondWindowIsOpen) {
-    module.beginResult = 1;
-    alertsShown->onShow = [&](const AlertText&) { // continue: without two-way communication it opens
-        module.beginResult = 0;
-        return AlertButton::defaultButton;
-    };
-    module.edit = [&] {
-        panel.reset();
-        Change(L"QVDuplex", L"Tumble");
-    };
-    panel->LaunchJobProperties(0);
-    EXPECT_EQ(panel, nullptr);
-    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
-    EXPECT_FALSE(gIgnoreButtonEvents);
+    for (const bool isSecondWindow : {false, true}) {
+        panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
+        module.beginResult = isSecondWindow ? 1 : 0;
+        alertsShown->onShow = [&](const AlertText&) { // continue: without two-way communication it opens
+            module.beginResult = 0;
+            return AlertButton::defaultButton;
+        };
+        module.edit = [&] {
+            panel.reset();
+            Change(L"QVDuplex", L"Tumble");
+        };
+        panel->LaunchJobProperties(0);
+        EXPECT_EQ(panel, nullptr);
+        EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+        EXPECT_FALSE(gIgnoreButtonEvents || sharedListCopyFromJP); // the copy may hold secrets
+    }
 }
 
 TEST_F(PanelLaunch, AModuleInAWindowOfItsOwnIsWatched) {

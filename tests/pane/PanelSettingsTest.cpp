@@ -187,39 +187,31 @@ TEST(PanelSettings, EachKeyGoesWhereItBelongs) {
     pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("0,0,0,0,0,0,0,0,0,0,0,0,48,Helvetica,A"));
     pane.data->SlipSheetList().Append({L"SlipSheet_Old", L"removed by the module"});
     exchange.Settings();
-    exchange.Return({{"*QVDuplex", "Tumble"},
-                     {"Collate", "TRUE"},
-                     {"QVScale", "205"},
-                     {"QVShift", "1.5"},
-                     {"QVMarks", "Color,Fold"},
-                     {"Notes1", "caf\xC3\xA9"},
-                     {"Short", "12345"},
-                     {"QVOutProfile", "Of the server"},
-                     {"QVControlBar", "Server Bar"},
-                     {"CustomPrintSize", "300 9000"},
-                     {"Unit", "Staple"},
-                     {"*QV_WATERMARK_FIRSTPAGEONLY", "True"},
-                     {"*QV_WATERMARK", "0"},
-                     {"*QV_COPIES", "12"},
-                     {"num copies", "99"},
-                     {"QVPCMID", "7"},
-                     {"*QVCoverSizePCName", std::string(600, 'n')},
-                     {"RangeProp1", "1-3"},
-                     {"PadCoverFront", "Yes"},
-                     {"*MM_A1", "Card"},
-                     {"CoverPage_Back", "No"},
-                     {"RangeProp1", "4-6"}});
-    for (const auto& [keyword, value] : {std::pair{"*QVDuplex", "Tumble"},
-                                         {"*Collate", "True"},
-                                         {"*QVScale", "205"},
-                                         {"*QVShift", "1.500"},
-                                         {"*Notes1", "caf\xC3\xA9"},
-                                         {"*Short", "1234"},
-                                         {"*QVOutProfile", "Of the server"},
-                                         {"*QVControlBar", "Server Bar"},
-                                         {"*CustomPrintSize", "300.000000 1368.000000"},
-                                         {"*Unit", "Staple"}}) {
-        EXPECT_EQ(valueOf(pane, keyword), value) << keyword;
+    // What the module returns, and the values of controls after it.
+    const std::tuple<const char*, std::string, const char*, const char*> rows[] = {
+        {"*QVDuplex", "Tumble", "*QVDuplex", "Tumble"},
+        {"Collate", "TRUE", "*Collate", "True"},
+        {"QVScale", "205", "*QVScale", "205"},
+        {"QVShift", "1.5", "*QVShift", "1.500"},
+        {"Notes1", "caf\xC3\xA9", "*Notes1", "caf\xC3\xA9"},
+        {"Short", "12345", "*Short", "1234"},
+        {"QVOutProfile", "Of the server", "*QVOutProfile", "Of the server"},
+        {"QVControlBar", "Server Bar", "*QVControlBar", "Server Bar"},
+        {"CustomPrintSize", "300 9000", "*CustomPrintSize", "300.000000 1368.000000"},
+        {"Unit", "Staple", "*Unit", "Staple"}};
+    std::vector<std::pair<std::string, std::string>> returned = {
+        {"QVMarks", "Color,Fold"}, {"*QV_WATERMARK_FIRSTPAGEONLY", "True"},
+        {"*QV_WATERMARK", "0"},    {"*QV_COPIES", "12"},
+        {"num copies", "99"},      {"QVPCMID", "7"},
+        {"RangeProp1", "1-3"},     {"*QVCoverSizePCName", std::string(600, 'n')},
+        {"PadCoverFront", "Yes"},  {"*MM_A1", "Card"},
+        {"CoverPage_Back", "No"},  {"RangeProp1", "4-6"}};
+    for (const auto& [key, value, keyword, kept] : rows) {
+        returned.emplace_back(key, value);
+    }
+    exchange.Return(returned);
+    for (const auto& [key, value, keyword, kept] : rows) {
+        EXPECT_EQ(valueOf(pane, keyword), kept) << keyword;
     }
     EXPECT_EQ(controlValueText(*pane.model->GetControls()->FindPopup("*QVMarks", true)), "Fold,Color");
     const PPDXJobNote* profile = pane.model->GetControls()->FindJobNote("*QVOutProfile", true);
@@ -241,36 +233,29 @@ TEST(PanelSettings, GarbageChangesNothing) {
     const CapturingLog log;
     Exchange exchange(false);
     const std::vector<std::string> before = exchange.Settings();
-    const std::vector<std::pair<std::string, std::string>> garbage = {
-        {"QVDuplex", "Sideways"},
-        {"QVDuplex", ""},
-        {"Collate", "Maybe"},
-        {"QVScale", "12 apples"},
-        {"QVScale", "nan"},
-        {"QVScale", ""},
-        {"QVShift", "1e999"},
-        {"QVShift", "0x10"},
-        {"QVMarks", "Crop,Burn"},
-        {"QVOutProfile", "line\nbreak"},
-        {"QVOutProfile", std::string(4000, 'p')},
-        {"CustomPrintSize", "-5 300"},
-        {"CustomPrintSize", "wide"},
-        {"PageSize", "%n%s"},
-        {"*QV_WATERMARK", "first"},
-        {"*QV_WATERMARK_FIRSTPAGEONLY", "1"},
-        {"*QV_COPIES", "0"},
-        {"*QV_COPIES", "-2"},
-        {"*QV_COPIES", "10000"},
-        {"QVUTF8_Version", "1"}, // special options cannot be set
-        {"*", "x"},
-        {"", ""},
-        {std::string(5000, 'k'), "x"},
-        {"**QVDuplex", "Tumble"},
-        {"\xFF\xFE", "\xFF"},
-    };
-    for (const auto& each : garbage) {
-        exchange.Return({each});
-        EXPECT_EQ(exchange.Settings(), before) << each.first << "=" << each.second;
+    const std::pair<std::string, std::vector<std::string>> garbage[] = {
+        {"QVDuplex", {"Sideways", ""}},
+        {"Collate", {"Maybe"}},
+        {"QVScale", {"12 apples", "nan", ""}},
+        {"QVShift", {"1e999", "0x10"}},
+        {"QVMarks", {"Crop,Burn"}},
+        {"QVOutProfile", {"line\nbreak", std::string(4000, 'p')}},
+        {"CustomPrintSize", {"-5 300", "wide"}},
+        {"PageSize", {"%n%s"}},
+        {"*QV_WATERMARK", {"first"}},
+        {"*QV_WATERMARK_FIRSTPAGEONLY", {"1"}},
+        {"*QV_COPIES", {"0", "-2", "10000"}},
+        {"QVUTF8_Version", {"1"}}, // special options cannot be set
+        {std::string(5000, 'k'), {"x"}},
+        {"**QVDuplex", {"Tumble"}},
+        {"*", {"x"}},
+        {"", {""}},
+        {"\xFF\xFE", {"\xFF"}}};
+    for (const auto& [key, values] : garbage) {
+        for (const std::string& value : values) {
+            exchange.Return({{key, value}});
+            EXPECT_EQ(exchange.Settings(), before) << key << "=" << value;
+        }
     }
     exchange.Return({{"QVScale", "99999999999999999999"}, {"*QV_WATERMARK", "88"}, {"QVShift", "-1000"}});
     EXPECT_EQ(valueOf(exchange.pane, "*QVScale"), "400");

@@ -33,25 +33,26 @@ struct Kept {
 
 TEST(Presets, AreSavedAppliedRenamedAndRemoved) {
     Kept kept;
-    EXPECT_THAT(kept.store.Names(), IsEmpty());
+    PDEData& data = *kept.pane.data;
     EXPECT_EQ(kept.store.ApplyLastUsed(), Result::notFound);
     kept.Set("*QVFold", "Half");
     kept.Set("*QVNotes1", "B\xC3\xBCro <1> & \"2\"");
     kept.Set("*PageSize", "Letter");
-    kept.pane.data->MixedMediaList().Append({L"*MM_A1", L"Cover \x65E5"});
-    kept.pane.data->AccountPairs()[0].key = L"*QVPCName";     // as a template may leave it
-    kept.pane.data->AccountPairs()[1] = {L"QVPCName", L"42"}; // as the module names it
-    kept.pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("Draft,0,0"));
-    kept.pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("Secret,0,0"));
-    kept.pane.data->Watermarks().Select(1);
+    data.MixedMediaList().Append({L"*MM_A1", L"Cover \x65E5"});
+    data.AccountPairs()[0].key = L"*QVPCName";     // as a template may leave it
+    data.AccountPairs()[1] = {L"QVPCName", L"42"}; // as the module names it
+    for (const char* definition : {"Draft,0,0", "Secret,0,0"}) {
+        data.Watermarks().Append(std::make_unique<ZANWatermark>(definition));
+    }
+    data.Watermarks().Select(1);
     EXPECT_EQ(kept.store.Save("Booklet"), Result::done);
 
     kept.Set("*QVFold", "Flat");
     kept.Set("*QVDuplex", "Tumble");
     kept.Set("*QVNotes1", "");
-    kept.pane.data->MixedMediaList().Clear();
-    kept.pane.data->ResetAccountPairs();
-    kept.pane.data->Watermarks().Select(0);
+    data.MixedMediaList().Clear();
+    data.ResetAccountPairs();
+    data.Watermarks().Select(0);
     EXPECT_EQ(kept.store.Save("Simple"), Result::done);
     EXPECT_THAT(kept.store.Names(), ElementsAre("Booklet", "Simple"));
 
@@ -61,12 +62,11 @@ TEST(Presets, AreSavedAppliedRenamedAndRemoved) {
     EXPECT_EQ(kept.Get("*QVDuplex"), "None");
     EXPECT_EQ(kept.Get("*QVNotes1"), "B\xC3\xBCro <1> & \"2\"");
     EXPECT_EQ(kept.Get("*PageSize"), "A4"); // from the dialog's own tabs
-    EXPECT_THAT(pairsOf(kept.pane.data->MixedMediaList().Entries()),
-                ElementsAre("*MM_A1=Cover \xE6\x97\xA5"));
-    EXPECT_THAT(pairsOf(kept.pane.data->AccountPairs()),
+    EXPECT_THAT(pairsOf(data.MixedMedia()), ElementsAre("*MM_A1=Cover \xE6\x97\xA5"));
+    EXPECT_THAT(pairsOf(data.AccountPairs()),
                 ElementsAre("*QVPCMID=-1", "QVPCName=42", "*QVCoverSizePCMID=-1", "*QVCoverSizePCName=-1"));
     EXPECT_EQ(kept.store.NameOf(kept.store.PresentSettings()), "Booklet");
-    EXPECT_EQ(kept.pane.data->Watermarks().SelectedIndex(), 1);
+    EXPECT_EQ(data.Watermarks().SelectedIndex(), 1);
 
     EXPECT_EQ(kept.store.Rename("Booklet", "Simple"), Result::nameTaken);
     EXPECT_EQ(kept.store.Rename("None", "New"), Result::notFound);
@@ -130,17 +130,10 @@ TEST(Presets, NamesAreOnlyData) {
 
 TEST(Presets, EveryPrinterHasAFileOfItsOwn) {
     std::set<std::filesystem::path> files;
-    const std::vector<std::string> printers = {"Press",
-                                               "press",
-                                               "../../x",
-                                               "a/b",
-                                               "a%2Fb",
-                                               "",
-                                               ".",
-                                               "..",
-                                               std::string(300, '/'),
-                                               std::string(301, '/'),
-                                               "B\xC3\xBCro"};
+    std::vector<std::string> printers = {"Press", "press", "../../x", "a/b",        "a%2Fb",
+                                         "",      ".",     "..",      "B\xC3\xBCro"};
+    printers.emplace_back(300, '/');
+    printers.emplace_back(301, '/');
     for (const std::string& printer : printers) {
         const Kept kept(printer);
         EXPECT_EQ(kept.store.File().parent_path(), "/home/user/.config/torka/presets") << printer;

@@ -51,17 +51,11 @@ std::string descriptionOf(const std::string& queue, const std::string& pcFileNam
 }
 
 TEST(PrinterChange, ListsWatermarkAccountsAndPopupNotesBelongToTheirQueue) {
-    struct Case {
-        const char* queue;
-        const char* pcFileName;
-        const char* fold;
-        bool isSame;
-    };
-    for (const Case& next :
-         {Case{"Press", "SMALL.PPD", "Half", true}, Case{"Second", "SMALL.PPD", "Half", false},
-          Case{"Second", "OTHER.PPD", "Flat", false}}) {
-        SCOPED_TRACE(std::string(next.queue) + " " + next.pcFileName);
-        const std::string secondText = descriptionOf(next.queue, next.pcFileName, "second");
+    for (const auto& [queue, pcFileName, fold, isSame] : {std::tuple{"Press", "SMALL.PPD", "Half", true},
+                                                          {"Second", "SMALL.PPD", "Half", false},
+                                                          {"Second", "OTHER.PPD", "Flat", false}}) {
+        SCOPED_TRACE(std::string(queue) + " " + pcFileName);
+        const std::string secondText = descriptionOf(queue, pcFileName, "second");
         Bench bench(descriptionOf("Press", "SMALL.PPD", "first"));
         bench.WriteList("<dict><key>PCFILENAME</key><array><string>SMALL.PPD</string><string>OTHER.PPD</"
                         "string></array></dict>");
@@ -77,15 +71,9 @@ TEST(PrinterChange, ListsWatermarkAccountsAndPopupNotesBelongToTheirQueue) {
         set(*panel, "*QVAccount", "typed");
         panel->saveValuesAndReturnError(nullptr);
 
-        const std::filesystem::path second = bench.folder.Write("Second.ppd", secondText);
-        const auto printer = std::make_shared<MemoryPrinter>();
-        printer->name = next.queue;
-        printer->ppdPath = second.string();
-        printer->deviceUri = "socket://10.0.0.8";
-        printer->onSend = bench.dialog->printer->onSend;
-        bench.spooler->destinations.push_back({next.queue, destinationStateIdle, true});
-        bench.dialog->printer = printer;
-        bench.dialog->session = std::make_shared<MemorySession>(printer);
+        MemoryPrinter& printer = bench.Choose(queue, bench.folder.Write("Second.ppd", secondText));
+        printer.deviceUri = "socket://10.0.0.8";
+        bench.spooler->destinations.push_back({queue, destinationStateIdle, true});
         const auto other = bench.OpenShown(); // while the first exists, as the dialog does
         panel.reset();
         for (const bool again : {false, true}) {
@@ -93,24 +81,24 @@ TEST(PrinterChange, ListsWatermarkAccountsAndPopupNotesBelongToTheirQueue) {
                 other->restoreValuesAndReturnError(nullptr);
             }
             PDEData& there = *other->GetPDEDataPtr();
-            EXPECT_EQ(there.Watermarks().SelectedIndex(), next.isSame ? 1 : -1);
-            EXPECT_EQ(there.MixedMedia().size(), next.isSame ? 1U : 0U);
-            EXPECT_EQ(there.SlipSheets().size(), next.isSame ? 1U : 0U);
-            EXPECT_EQ(there.AccountPairs()[1].value, next.isSame ? L"Catalogue" : L"-1");
-            EXPECT_EQ(valueOf(*other, "*QVFold"), next.fold);
-            EXPECT_EQ(valueOf(*other, "*QVAccount"), next.isSame ? "typed" : "second");
+            EXPECT_EQ(there.Watermarks().SelectedIndex(), isSame ? 1 : -1);
+            EXPECT_EQ(there.MixedMedia().size(), isSame ? 1U : 0U);
+            EXPECT_EQ(there.SlipSheets().size(), isSame ? 1U : 0U);
+            EXPECT_EQ(there.AccountPairs()[1].value, isSame ? L"Catalogue" : L"-1");
+            EXPECT_EQ(valueOf(*other, "*QVFold"), fold);
+            EXPECT_EQ(valueOf(*other, "*QVAccount"), isSame ? "typed" : "second");
             EXPECT_EQ(gPopupJobNotesSavedShowLast, '1');
         }
         // Its record is written only once the person has changed something of it.
-        printer->sent.clear();
-        if (!next.isSame) {
+        printer.sent.clear();
+        if (!isSame) {
             EXPECT_TRUE(other->shouldPrint());
             EXPECT_THAT(bench.SentTitles(), Not(Contains("command_PopupJnData")));
         }
         set(*other, "*QVAccount", "mine");
         EXPECT_TRUE(other->shouldPrint());
         ASSERT_THAT(bench.SentTitles(), Contains("command_PopupJnData"));
-        EXPECT_EQ(utf8Text(printer->sent.back().command), "111\n*QVAccount=mine");
+        EXPECT_EQ(utf8Text(printer.sent.back().command), "111\n*QVAccount=mine");
     }
 }
 
@@ -149,11 +137,7 @@ TEST(PrinterChange, TheOlderPanelAsksForItsOwnPopupNotesAgain) {
     const auto older = bench.OpenShown();
     set(*older, "*QVAccount", "typed");
     const auto asking = bench.dialog->printer;
-    const auto silent = std::make_shared<MemoryPrinter>();
-    silent->name = "Silent";
-    silent->ppdPath = bench.folder.Write("Silent.ppd", panelDescription()).string();
-    bench.dialog->printer = silent;
-    bench.dialog->session = std::make_shared<MemorySession>(silent);
+    bench.Choose("Silent", bench.folder.Write("Silent.ppd", panelDescription()));
     auto newer = bench.OpenShown();
     EXPECT_TRUE(hasNoPopupJobNotes());
     EXPECT_EQ(gPopupJobNotesSavedShowLast, '0');

@@ -16,12 +16,8 @@ const std::string categoryStart = "<Category name=\"UI-Modification\">\n";
 
 TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
     ScopedMemorySystem system;
-    struct Case {
-        std::string xml;
-        bool hides;
-    };
     const std::string hidden = "<ZANPPD key=\"QVDuplex\" value=\"False\"/>\n";
-    const Case cases[] = {
+    const std::pair<std::string, bool> cases[] = {
         {categoryStart + "<Show>\n" + hidden + "</Show>\n</Category>", true},
         {categoryStart + "<Show>" + hidden + "</Show></Category>", true},
         {"<Show>" + hidden + "</Show>" + categoryStart + "</Category>", false},
@@ -43,12 +39,12 @@ TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
         {categoryStart + "<Show><ZANPPD key=\"QVDuplex\"</Show></Category> value=\"False\"/>", true},
         {categoryStart + "<Show><ZANPPD key=\"QVDuplexX\" value=\"False\"/></Show></Category>", false},
     };
-    for (const Case& each : cases) {
-        Pane pane(paneHeader + templateLines(each.xml));
+    for (const auto& [xml, hides] : cases) {
+        Pane pane(paneHeader + templateLines(xml));
         ASSERT_FALSE(pane.model->DMTXmlData().empty());
-        SCOPED_TRACE(each.xml);
+        SCOPED_TRACE(xml);
         for (const char* keyword : {"*QVDuplex", "QVDuplex", "before*QVDuplex"}) {
-            EXPECT_EQ(pane.data->dmtHides(keyword), each.hides) << keyword;
+            EXPECT_EQ(pane.data->dmtHides(keyword), hides) << keyword;
             EXPECT_FALSE(pane.data->dmtLocks(keyword));
         }
         EXPECT_FALSE(pane.data->dmtHides("**QVDuplex"));
@@ -67,21 +63,22 @@ TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
 
 TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     ScopedMemorySystem system;
-    const std::string xml = categoryStart + "<Controls>\n"
-                                            "<ZANPPD key=\"SlipSheet_B\" default=\"slip b\"/>\n"
-                                            "<ZANPPD key=\"RangeNum\" default=\"2\"/>\n"
-                                            "<ZANPPD key=\"MM_A1\" default=\"\xE5\x8D\xB0\"/>\n"
-                                            "<ZANPPD key=\"MM_A1\" default=\"a later one\"/>\n"
-                                            "<ZANPPD key=\"MM_B1\" default=\"none of ours\"/>\n"
-                                            "<ZANPPD key=\"PadCoverFront\" default=\"yes\"/>\n"
-                                            "<ZANPPD key=\"CoverPage_A\" default=\"cover\"/>\n"
-                                            "<ZANPPD key=\"QVPCName\" default=\"Account\"/>\n"
-                                            "<ZANPPD key=\"QVCoverSizePCMID\" default=\"12\"/>\n"
-                                            "<ZANPPD key=\"Notes1\" default=\"a note\"/>\n"
-                                            "<ZANPPD key=\"CustomPrintSize\" default=\"300 400\"/>\n"
-                                            "<ZANPPD key=\"NoDefault\"/>\n"
-                                            "</Controls>\n<Show>\n<ZANPPD key=\"QVFold\" value=\"False\"/>\n"
-                                            "<ZANPPD key=\"QVAny\" value=\"True\"/>\n</Show>\n</Category>";
+    std::string xml = categoryStart + "<Controls>\n<ZANPPD key=\"NoDefault\"/>\n";
+    for (const auto& [key, text] : {std::pair{"SlipSheet_B", "slip b"},
+                                    {"RangeNum", "2"},
+                                    {"MM_A1", "\xE5\x8D\xB0"},
+                                    {"MM_A1", "a later one"},
+                                    {"MM_B1", "none of ours"},
+                                    {"PadCoverFront", "yes"},
+                                    {"CoverPage_A", "cover"},
+                                    {"QVPCName", "Account"},
+                                    {"QVCoverSizePCMID", "12"},
+                                    {"Notes1", "a note"},
+                                    {"CustomPrintSize", "300 400"}}) {
+        xml += std::string("<ZANPPD key=\"") + key + "\" default=\"" + text + "\"/>\n";
+    }
+    xml += "</Controls>\n<Show>\n<ZANPPD key=\"QVFold\" value=\"False\"/>\n"
+           "<ZANPPD key=\"QVAny\" value=\"True\"/>\n</Show>\n</Category>";
     Pane pane(paneHeader + jobNote("Notes1") + templateLines(xml));
     pane.Store(".MMKey", CFNumberCreate(1));
     pane.Store("MMKey0", cfString("*RangeProp9"));

@@ -32,13 +32,9 @@ std::vector<std::string> shown(const PPDTree& tree) {
             texts.back() += " " + control.keyword;
         }
     }
-    return texts;
-}
-
-std::vector<std::string> quickAccess(const PPDTree& tree) {
-    std::vector<std::string> texts;
+    texts.emplace_back("quick access:");
     for (const PPDTreeQuickAccess& each : tree.quickAccess) {
-        texts.push_back(each.keyword + " " + std::to_string(each.position));
+        texts.back() += " " + each.keyword + " " + std::to_string(each.position);
     }
     return texts;
 }
@@ -53,10 +49,10 @@ TEST(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
               "*%QVShortcut *QVStaple\n*%QVShortcut *QVDuplex\n*%QVShortcut *QVOutProfile\n"
               "*%QVShortcut *First\n");
     const UI_Panel panel(pane.data.get());
-    // The basic panel does not show ranges or expert colour controls.
-    EXPECT_THAT(shown(UI_Panel::Tree), ElementsAre("Group: *QVDuplex", "Finish: *QVStaple *Notes1"));
-    // The positions include the removed empty group.
-    EXPECT_THAT(quickAccess(UI_Panel::Tree), ElementsAre("*QVStaple 300", "*QVDuplex 100", "*First 0"));
+    // The basic panel does not show ranges or expert colour controls. The positions include the removed empty
+    // group.
+    EXPECT_THAT(shown(UI_Panel::Tree), ElementsAre("Group: *QVDuplex", "Finish: *QVStaple *Notes1",
+                                                   "quick access: *QVStaple 300 *QVDuplex 100 *First 0"));
     ASSERT_NE(GetShortcutFromKeyword("*QVDuplex"), nullptr);
     EXPECT_EQ(GetShortcutFromKeyword("*QVDuplex")->userName, "QVDuplex name");
     EXPECT_EQ(GetShortcutFromKeyword("*Notes1"), nullptr);
@@ -66,9 +62,11 @@ TEST(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
     chosen.quickAccess = {{"", "*Notes1", 0}, {"", "*QVOutProfile", 0}};
     ASSERT_TRUE(pane.data->SetPPDShortcuts(chosen));
     UI_Panel again(pane.data.get());
-    EXPECT_THAT(quickAccess(UI_Panel::Tree), ElementsAre("*Notes1 301"));
+    const auto isTheChoice =
+        ElementsAre("Group: *QVDuplex", "Finish: *QVStaple *Notes1", "quick access: *Notes1 301");
+    EXPECT_THAT(shown(UI_Panel::Tree), isTheChoice);
     again.PopulatePPDTreeStructure();
-    EXPECT_THAT(shown(UI_Panel::Tree), ElementsAre("Group: *QVDuplex", "Finish: *QVStaple *Notes1"));
+    EXPECT_THAT(shown(UI_Panel::Tree), isTheChoice);
 }
 
 TEST(UIPanel, TreeHoldsItsLimits) {
@@ -108,14 +106,8 @@ TEST(UIPanel, PaperOfThePageSetup) {
     ScopedMemorySystem system;
     MemoryPanel services;
     services.texts["DocumentSizeCustom"] = "Eigenes Format";
-    struct Case {
-        CFDictionaryRef paper;
-        bool isCustom;
-        const char* pageSize;
-        const char* customSize;
-        const char* customName;
-    };
-    const Case cases[] = {
+    // The system's paper, whether it is a custom one, page size, custom size and its name.
+    const std::tuple<CFDictionaryRef, bool, const char*, const char*, const char*> cases[] = {
         {nullptr, false, "A3", "", ""},
         {paper("a4"), false, "A4", "", ""}, // no such choice: the default, which differs only in case
         {paper("A3"), false, "A3", "", ""},
@@ -125,22 +117,20 @@ TEST(UIPanel, PaperOfThePageSetup) {
         {paper("Banner"), true, "A4", "0.000000 0.000000", "Banner"},
         {paper(nullptr, {0, 0, 300, 200}), true, "A4", "200.000000 300.000000", "Eigenes Format"},
     };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.customName);
+    for (const auto& [sheet, isCustom, pageSize, customSize, customName] : cases) {
+        SCOPED_TRACE(customName);
         Pane pane(paneHeader + popup("PageSize", {"A4", "A3", "Letter"}) +
                   popup("QVPrintSize", {"SameAsPageSize", "A5"}));
         pane.Set("*PageSize", "A3");
         pane.Set("*QVPrintSize", "A5");
-        if (each.paper) {
-            pane.Store("com.apple.print.subTicket.paper_info_ticket", each.paper);
-        }
+        pane.Store("com.apple.print.subTicket.paper_info_ticket", sheet);
         UI_Panel panel(pane.data.get(), &services);
-        EXPECT_EQ(pane.data->IsPageSizeSuppressed(), each.isCustom);
-        EXPECT_EQ(panel.GetOSPageSize(), each.isCustom);
-        EXPECT_EQ(valueOf(pane, "*PageSize"), each.pageSize);
-        EXPECT_EQ(panel.CustomSize(), each.customSize);
-        EXPECT_EQ(panel.CustomPaperName(), each.customName);
-        EXPECT_EQ(valueOf(pane, "*QVPrintSize"), each.isCustom ? "A5" : "SameAsPageSize");
+        EXPECT_EQ(pane.data->IsPageSizeSuppressed(), isCustom);
+        EXPECT_EQ(panel.GetOSPageSize(), isCustom);
+        EXPECT_EQ(valueOf(pane, "*PageSize"), pageSize);
+        EXPECT_EQ(panel.CustomSize(), customSize);
+        EXPECT_EQ(panel.CustomPaperName(), customName);
+        EXPECT_EQ(valueOf(pane, "*QVPrintSize"), isCustom ? "A5" : "SameAsPageSize");
     }
 }
 
@@ -232,7 +222,7 @@ TEST(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
 
 TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     ScopedMemorySystem system;
-    Pane pane(paneHeader + jobNote("QVUserAuthName"));
+    Pane pane(paneHeader);
     MemoryPanel services;
     UI_Panel panel(pane.data.get(), &services);
     const std::string path = "/tmp/ZAN/JPData/Driver_SMALL.PPD/Presets/presets.xml";
@@ -258,16 +248,25 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     panel.writeLocalJPPresetsToDynamicPPD();
     EXPECT_EQ(pane.printer->sent.size(), 1u);
 
-    system->userName = "b\xC3\xA4r";
-    panel.GetOSAccountName();
-    EXPECT_EQ(valueOf(pane, "*QVUserAuthName"), "b\xC3\xA4r");
-
     // With a file name that leads to another folder, nothing is sent.
     Pane hostile("*PPD-Adobe: \"4.3\"\n*PCFileName: \"../../x\"\n");
     UI_Panel other(hostile.data.get(), &services);
     system->files["/tmp/ZAN/JPData/Driver_../../x/Presets/presets.xml"].content = "x";
     other.writeLocalJPPresetsToDynamicPPD();
     EXPECT_EQ(pane.printer->sent.size(), 1u);
+}
+
+TEST(UIPanel, TwoWayStateNeedsAnAddress) {
+    ScopedMemorySystem system;
+    for (const auto& [address, flag] : {std::pair{"10.0.0.9", "1"}, {"", "0"}}) {
+        Pane pane(paneHeader);
+        ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString(address), true));
+        const UI_Panel panel(pane.data.get());
+        EXPECT_EQ(fieldText(panel.Record().bidiEnabled), flag);
+        EXPECT_EQ(CheckRemote(true), *flag == '1');
+        EXPECT_FALSE(CheckRemote(false));
+    }
+    EXPECT_FALSE(CheckRemote(true)) << "no panel";
 }
 
 TEST(UIPanel, VersionsToldToTheModule) {
@@ -289,19 +288,6 @@ TEST(UIPanel, VersionsToldToTheModule) {
         EXPECT_EQ(fieldText(panel.Record().driverVersion), "7.1.0.234567890");
         EXPECT_EQ(fieldText(panel.Record().ppdCopyPath), pane.data->PPDCopyPath());
     }
-}
-
-TEST(UIPanel, TwoWayStateNeedsAnAddress) {
-    ScopedMemorySystem system;
-    for (const auto& [address, ipEnabled, flag] :
-         {std::tuple{"10.0.0.9", true, "1"}, {"10.0.0.9", false, "0"}, {"", true, "0"}}) {
-        Pane pane(paneHeader);
-        ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString(address), ipEnabled));
-        const UI_Panel panel(pane.data.get());
-        EXPECT_EQ(fieldText(panel.Record().bidiEnabled), flag);
-        EXPECT_EQ(CheckRemote(ipEnabled), std::string_view(flag) == "1");
-    }
-    EXPECT_FALSE(CheckRemote(true));
 }
 
 } // namespace

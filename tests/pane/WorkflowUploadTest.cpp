@@ -2,7 +2,7 @@
 #include "output/WorkflowUpload.h"
 #include "output/FeatureEmission.h"
 #include "platform/posix/PosixLibraryLoader.h"
-#include "tests/pane/PaneFixture.h"
+#include "tests/pane/UIPanelFixture.h"
 #include "tests/support/ScopedDouble.h"
 
 #include <gmock/gmock.h>
@@ -40,8 +40,7 @@ protected:
         return calls;
     }
     static std::string Identifiers(const Pane& pane) {
-        return utf8Text(pane.model->CopyValueForKey(cfString("*QVKestrelJobId"))) + "|" +
-               utf8Text(pane.model->CopyValueForKey(cfString("*QVKSNewJobID")));
+        return valueOf(pane, "*QVKestrelJobId") + "|" + valueOf(pane, "*QVKSNewJobID");
     }
     static void FillIn(Pane& pane) {
         pane.Set("*QVUserName", "anna");
@@ -98,7 +97,7 @@ TEST_F(WorkflowUpload, KeepsAnIdentifierBeyondTheDescriptionsEncoding) {
     const std::string name = "#\xE5\x8D\xB0\xC3\xA9";
     pane.Store("com.apple.print.JobInfo.PMJobName", cfString(name));
     pane.Set("*QVIP", "\xE5\x8D\xB0");
-    ASSERT_EQ(utf8Text(pane.model->CopyValueForKey(cfString("*QVIP"))), "") << "the encoding holds it";
+    ASSERT_EQ(valueOf(pane, "*QVIP"), "") << "the encoding holds it";
     ZANJobTicket ticket(nullptr, pane.settings, cfString("ZAN.PSData"));
     pane.data->OutPostscriptData(ticket, pane.session, EmissionPurpose::printJob);
     EXPECT_EQ(Identifiers(pane), "job-42" + name + "|job-42" + name);
@@ -114,22 +113,17 @@ TEST_F(WorkflowUpload, KeepsAnIdentifierBeyondTheDescriptionsEncoding) {
 
 TEST_F(WorkflowUpload, HappensWhenAJobIsPrintedWithTwoWayCommunicationOnly) {
     Install();
-    struct Case {
-        bool hasRondure;
-        bool isTwoWay;
-        EmissionPurpose purpose;
-        bool isUploaded;
-    };
-    for (const Case& each : {Case{true, true, EmissionPurpose::printJob, true},
-                             Case{false, true, EmissionPurpose::printJob, false},
-                             Case{true, false, EmissionPurpose::printJob, false},
-                             Case{true, true, EmissionPurpose::keepSettings, false}}) {
-        Pane pane(paneHeader + (each.hasRondure ? "*%ZANSpecialOption *Rondure: True\n" : "") + controls);
+    using enum EmissionPurpose;
+    for (const auto& [hasRondure, isTwoWay, purpose, isUploaded] : {std::tuple{true, true, printJob, true},
+                                                                    {false, true, printJob, false},
+                                                                    {true, false, printJob, false},
+                                                                    {true, true, keepSettings, false}}) {
+        Pane pane(paneHeader + (hasRondure ? "*%ZANSpecialOption *Rondure: True\n" : "") + controls);
         FillIn(pane);
-        pane.data->SetIPAddressEnabled(each.isTwoWay);
+        pane.data->SetIPAddressEnabled(isTwoWay);
         ZANJobTicket ticket(nullptr, pane.settings, cfString("ZAN.PSData"));
-        pane.data->OutPostscriptData(ticket, pane.session, each.purpose);
-        EXPECT_EQ(!TakeCalls().empty(), each.isUploaded);
+        pane.data->OutPostscriptData(ticket, pane.session, purpose);
+        EXPECT_EQ(!TakeCalls().empty(), isUploaded);
     }
 }
 

@@ -55,11 +55,7 @@ std::string told(const JobSheets& sheets) {
 TEST(JobSheets, FollowTheSettings) {
     SpokenPane pane;
     const std::string plain = PaneEditor::Value(pane.Control("*PageSize")) + ' ';
-    struct Case {
-        std::vector<std::pair<const char*, const char*>> settings;
-        std::string told;
-    };
-    const std::vector<Case> cases{
+    const std::pair<std::vector<std::pair<const char*, const char*>>, std::string> cases[] = {
         {{}, "1x1 front 1"},
         {{{"*QVNUpPages", "2"}}, "across 2x1 front 1 2"},
         {{{"*QVNUpPages", "8"}, {"*QVOrientation", "Landscape"}}, "2x4 front 1 2 3 4 5 6 7 8"},
@@ -85,20 +81,18 @@ TEST(JobSheets, FollowTheSettings) {
         {{{"*QVBookCoverEnabled", "True"}, {"*QVBookBkCover", "Inside"}, {"*QVInterlvMedia", "True"}},
          "1x1 front 1 leaves cpipic"},
     };
-    for (const Case& asked : cases) {
-        std::vector<std::string> keywords;
-        for (const auto& [keyword, value] : asked.settings) {
+    for (const auto& [settings, expected] : cases) {
+        for (const auto& [keyword, value] : settings) {
             // The print dialog sets the orientation, not the person in the pane.
             pane.pane->Set(keyword, value);
-            EXPECT_EQ(PaneEditor::Value(*pane.editor.FindControl(keyword)), value);
-            keywords.emplace_back(keyword);
+            EXPECT_EQ(PaneEditor::Value(pane.Control(keyword)), value);
         }
         const JobSheets sheets = jobSheets(pane.editor, nullptr, nullptr);
-        EXPECT_EQ(told(sheets), plain + asked.told);
+        EXPECT_EQ(told(sheets), plain + expected);
         const auto sentences = jobSentences(pane.texts, sheets);
-        EXPECT_EQ(sentences.size(), asked.settings.size() + 1) << joined(sentences);
-        for (const std::string& keyword : keywords) {
-            pane.pane->Set(keyword.c_str(), pane.editor.FindControl(keyword)->DefaultText().c_str());
+        EXPECT_EQ(sentences.size(), settings.size() + 1) << joined(sentences);
+        for (const auto& [keyword, value] : settings) {
+            pane.pane->Set(keyword, pane.Control(keyword).DefaultText().c_str());
         }
     }
 }
@@ -163,12 +157,11 @@ TEST(JobSheets, StaplesOfTheStandardChoices) {
           {"UpperRight", " staple 0.94,0.06/45", " staple 0.94,0.06/45"},
           {"Elsewhere", "", ""}}) {
         pane.editor.SetValue("*StapleLocation", choice);
-        for (const auto orientation : {kPMPortrait, kPMLandscape}) {
-            pane.pane->format->orientation = static_cast<std::uint16_t>(orientation);
-            const JobSheets sheets = jobSheets(pane.editor, pane.pane->data.get(), nullptr);
-            const bool isAcross = orientation == kPMLandscape;
-            EXPECT_EQ(told(sheets), (isAcross ? " across 1x1 front 1" : " 1x1 front 1") +
-                                        std::string(isAcross ? landscape : portrait))
+        for (const bool isAcross : {false, true}) {
+            pane.pane->format->orientation = isAcross ? kPMLandscape : kPMPortrait;
+            EXPECT_EQ(told(jobSheets(pane.editor, pane.pane->data.get(), nullptr)),
+                      (isAcross ? std::string(" across 1x1 front 1") + landscape
+                                : std::string(" 1x1 front 1") + portrait))
                 << choice;
         }
     }

@@ -2,8 +2,10 @@
 #include "tests/spooler/SpliceCheck.h"
 #include "tests/support/TestSupport.h"
 
-// Tests the places of entries in each kind of document. In the tables, "H" stands for the header entries in
-// their order, "S" for those of the setup, and "C" for the closing entry. Lines end with "/".
+#include <map>
+
+// Tests the places of entries in each kind of document. In the tables, "#" stands for the header entries in
+// their order, "$" for those of the setup, and "^" for the closing entry. Lines end with "/".
 
 namespace torka::tests {
 
@@ -21,54 +23,33 @@ const Ticket fullTicket = makeTicket({{-9, "*QVDuplex"},
                                       {504, "%%l2\n"}});
 
 std::string expand(std::string_view pattern, const std::string& lineEnd) {
+    const std::map<char, std::string> parts = {{'/', lineEnd},
+                                               {'#', "%%l1\n%%l2\n%%d\n%%n1" + lineEnd},
+                                               {'$', "size\ns1" + lineEnd + "%%EndSetup\n"},
+                                               {'^', "c" + lineEnd}};
     std::string text;
     for (const char c : pattern) {
-        switch (c) {
-        case '/':
-            text += lineEnd;
-            break;
-        case '#':
-            text += "%%l1\n%%l2\n%%d\n%%n1" + lineEnd;
-            break;
-        case '$':
-            text += "size\ns1" + lineEnd + "%%EndSetup\n";
-            break;
-        case '^':
-            text += "c" + lineEnd;
-            break;
-        default:
-            text += c;
-        }
+        const auto part = parts.find(c);
+        text += part == parts.end() ? std::string(1, c) : part->second;
     }
     return text;
-}
-
-std::string placeName(SitePlace place) {
-    switch (place) {
-    case SitePlace::removal:
-        return "nowhere: removal";
-    case SitePlace::headerComments:
-        return "header comments";
-    case SitePlace::setup:
-        return "document setup";
-    case SitePlace::setupEnd:
-        return "end of the document setup";
-    case SitePlace::report:
-        return "nowhere: reported";
-    }
-    return {};
 }
 
 } // namespace
 
 TEST(InjectionSites, AreThoseOfTheDocument) {
+    const std::map<SitePlace, std::string> places = {{SitePlace::removal, "nowhere: removal"},
+                                                     {SitePlace::headerComments, "header comments"},
+                                                     {SitePlace::setup, "document setup"},
+                                                     {SitePlace::setupEnd, "end of the document setup"},
+                                                     {SitePlace::report, "nowhere: reported"}};
     const std::string page = readFile(TORKA_SOURCE_DIR "/docs/ticket.md");
     std::size_t row = page.find("| Site | Name | Place |");
     ASSERT_NE(row, std::string::npos);
     row = page.find("|---|\n", row) + 6;
     for (const InjectionSite& site : injectionSites) {
         const std::string expected = "| " + std::to_string(site.number) + " | " + std::string(site.name) +
-                                     " | " + placeName(site.place) + " | ";
+                                     " | " + places.at(site.place) + " | ";
         EXPECT_EQ(page.substr(row, expected.size()), expected);
         row = page.find('\n', row) + 1;
     }

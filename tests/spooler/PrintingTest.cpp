@@ -7,12 +7,7 @@
 
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <filesystem>
-#include <vector>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 // Checks spliced documents with other programs: Ghostscript runs and draws them, and the print system's own
 // filter for structured documents parses them.
@@ -23,25 +18,16 @@ namespace {
 
 struct Printout {
     std::string output;
-    std::vector<std::string> pages; // as pixels
+    std::string pages; // as pixels, one behind the other
 };
 
 Printout runGhostscript(const std::string& document) {
     const TemporaryFolder folder;
-    const std::string input = folder.Write("in.ps", document);
-    const std::string pages = folder / "page-%03d.pgm";
-    const CommandResult result = runCommand(
-        {"gs", "-q", "-dBATCH", "-dNOPAUSE", "-dSAFER", "-sDEVICE=pgmraw", "-r18", "-o", pages, input});
-    EXPECT_EQ(result.status, 0) << result.output << result.errors;
-    Printout run{result.output, {}};
-    for (int page = 1;; ++page) {
-        std::string name = std::to_string(page);
-        name = "page-" + std::string(3 - name.size(), '0') + name + ".pgm";
-        if (!std::filesystem::exists(folder / name)) {
-            return run;
-        }
-        run.pages.push_back(readFile(folder / name));
-    }
+    const CommandResult result =
+        runCommand({"gs", "-q", "-dBATCH", "-dNOPAUSE", "-dSAFER", "-sDEVICE=pgmraw", "-r18",
+                    "-sOutputFile=-", "-sstdout=%stderr", folder.Write("in.ps", document)});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    return {result.errors, result.output};
 }
 
 std::string feature(const std::string& keyword, const std::string& said) {
@@ -123,8 +109,7 @@ TEST(Printing, GhostscriptDrawsTheSamePagesAndHearsTheSettings) {
         const Printout before = runGhostscript(row.document);
         const Printout after = runGhostscript(result.text);
         EXPECT_FALSE(before.pages.empty());
-        EXPECT_TRUE(before.pages == after.pages)
-            << before.pages.size() << " and " << after.pages.size() << " pages";
+        EXPECT_TRUE(before.pages == after.pages);
         EXPECT_EQ(before.output, row.toldBefore);
         EXPECT_EQ(after.output, row.toldAfter);
     }
@@ -170,7 +155,7 @@ TEST(Printing, TheSystemsOwnFilterWritesWhatIsRemovedAndReadsWhatIsSpliced) {
     // The result is still a structured document: the filter selects one page of three, and the header's
     // comments and the setup keep their places.
     const std::string second = filter(result.text, "page-ranges=2 QVKept=A");
-    EXPECT_EQ(runGhostscript(second).pages.size(), 1U);
+    EXPECT_TRUE(runGhostscript(second).pages == runGhostscript(filter(plain, "page-ranges=2")).pages);
     const std::string header = second.substr(0, second.find("%%EndComments"));
     EXPECT_THAT(header, testing::HasSubstr("%%ZANDriver\n"));
     EXPECT_THAT(header, testing::HasSubstr("%%ZANCustom1: a note (with parentheses\\\n"));
@@ -265,21 +250,6 @@ TEST(SpliceFile, WritesAWholeFileOrNone) {
     EXPECT_EQ(spliceFile(input, ticket, input).status, SpliceStatus::ok) << "in place";
     EXPECT_EQ(readFile(input), readFile(output));
     EXPECT_EQ(files(), 3);
-}
-
-TEST(SpliceFile, AReaderThatWentAwayIsAStatus) {
-    const TemporaryFolder folder;
-    int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
-    ::close(ends[0]);
-    const auto before = std::signal(SIGPIPE, SIG_IGN);
-    const int source = ::open(folder.Write("in.ps", "%!PS\n").c_str(), O_RDONLY);
-    const SpliceOutcome outcome = spliceDescriptor(source, makeTicket({{81, "s"}}), ends[1]);
-    std::signal(SIGPIPE, before);
-    ::close(source);
-    ::close(ends[1]);
-    EXPECT_EQ(outcome.status, SpliceStatus::writeFailed);
-    EXPECT_THAT(outcome.errorText, testing::HasSubstr("Broken pipe"));
 }
 
 } // namespace torka::tests

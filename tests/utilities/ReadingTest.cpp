@@ -217,37 +217,6 @@ TEST(PPDX, QuotedValues) {
     }
 }
 
-std::string textOf(const CString* value) { return value != nullptr ? value->Buffer() : "(null)"; }
-
-// Reads the header values of a description, line by line.
-void readHeader(Reader& reader) {
-    char line[kLineCapacity], keyword[kLineCapacity];
-    while (reader.ReadLine(line)) {
-        PPDStream stream{std::string_view(line)};
-        PPDX::NextToken(stream, keyword, " \t:", true);
-        reader.ParsePSKeywords(stream, keyword);
-    }
-}
-
-TEST(PPDX, HeaderValuesAreReplacedAndSetTheApplicationsEncoding) {
-    Description description("*LanguageEncoding: \"ISOLatin1\" \n*ModelName: \"a\nb\"\n*%QVVersionMac: \"2\"\n"
-                            "*%QVVersion: \"1\"\n*ModelName: \"\"\n*Other: \"x\"\n");
-    readHeader(description.reader);
-    EXPECT_EQ(textOf(description.reader.LanguageEncoding()), "ISOLatin1");
-    EXPECT_EQ(textOf(description.reader.ModelName()), "ab");
-    EXPECT_EQ(textOf(description.reader.MakerVersion()), "2");
-    EXPECT_EQ(textOf(description.reader.MakerVersionMac()), "2");
-    EXPECT_EQ(description.reader.Converter(), nullptr);
-    EXPECT_EQ(GetApplicationTextEncoding(), kCFStringEncodingISOLatin1);
-    PPDStream language(std::string_view(" Japanese"));
-    description.reader.ParsePSKeywords(language, "*LanguageVersion");
-    ASSERT_NE(description.reader.Converter(), nullptr);
-    EXPECT_STREQ(description.reader.Converter()->LanguageVersion(), "Japanese");
-    EXPECT_FALSE(description.reader.ParsePSKeywords(language, "*Other"));
-    Description next("*A: b\n");
-    EXPECT_EQ(GetApplicationTextEncoding(), kCFStringEncodingUTF8);
-}
-
 TEST(PPDFile, FaultsAreTold) {
     const tests::TemporaryFolder folder;
     struct Case {

@@ -216,11 +216,5 @@ TEST_F(PresetBarTest, ShowsHostileNamesAsTheyAre) {
     EXPECT_THAT(box->text().toStdString(), testing::HasSubstr(name));
 }
 
-TEST_F(PresetBarTest, FindsThePresetOfTheFirstSettings) {
-    SaveAs("As delivered");
-    Open();
-    EXPECT_EQ(Shown(), "As delivered");
-}
-
 } // namespace
 } // namespace torka::tests

@@ -101,6 +101,7 @@ TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndKeepsThemOnOK) {
     FieldPage* page = pane->Widget().CurrentFieldPage();
     ASSERT_NE(page, nullptr);
     EXPECT_NE(page->RowOf(added[2]), nullptr);
+    EXPECT_EQ(page->RowCount(), 4U) << "the page size stands above";
 }
 
 TEST_F(QuickAccessTest, CancelKeepsWhatWasAndAGoneRootTakesTheDialogWithIt) {

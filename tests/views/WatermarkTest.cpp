@@ -61,7 +61,6 @@ struct WatermarkTest : testing::Test {
     }
     QPoint FirstRed() {
         const QImage picture = Page().Preview()->grab().toImage();
-        QPoint found(-1, -1);
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {
                 if (picture.pixelColor(x, y) == QColor(Qt::red)) {
@@ -69,7 +68,7 @@ struct WatermarkTest : testing::Test {
                 }
             }
         }
-        return found;
+        return {-1, -1};
     }
 };
 

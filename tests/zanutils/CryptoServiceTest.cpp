@@ -44,25 +44,18 @@ protected:
 
 // RFC 6070, and the number of iterations and the key length of stored strings.
 TEST_F(CryptoService, DerivesPublishedKeys) {
-    const struct {
-        const char* password;
-        const char* salt;
-        unsigned iterations;
-        std::uint32_t bits;
-        const char* expected;
-    } cases[] = {
+    const std::tuple<const char*, const char*, unsigned, std::uint32_t, const char*> cases[] = {
         {"password", "salt", 1, 160, "0c60c80f961f0e71f3a9b524af6012062fe037a6"},
         {"password", "salt", 2, 160, "ea6c014dc72d6f8ccd1ed92ace1d41f0d8de8957"},
         {"password", "salt", 4096, 160, "4b007901b765489abead49d926f721d065a429c1"},
         {"passwordPASSWORDpassword", "saltSALTsaltSALTsaltSALTsaltSALTsalt", 4096, 200,
          "3d2eec4fe41c849b80c8d83662c0e44a8b291a964cf2f07038"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [password, salt, iterations, bits, expected] : cases) {
         CSSM_KEY key;
-        ASSERT_EQ(cdsaDeriveKey(csp, bytesOf(c.password), bytesOf(c.salt), CSSM_ALGID_AES, c.bits, key,
-                                c.iterations),
+        ASSERT_EQ(cdsaDeriveKey(csp, bytesOf(password), bytesOf(salt), CSSM_ALGID_AES, bits, key, iterations),
                   CSSM_OK);
-        EXPECT_EQ(toHexText(key.data), c.expected);
+        EXPECT_EQ(toHexText(key.data), expected);
         EXPECT_EQ(key.label, "tempKey");
         EXPECT_EQ(cdsaFreeKey(csp, key), CSSM_OK);
         EXPECT_TRUE(key.data.empty());
@@ -73,12 +66,8 @@ TEST_F(CryptoService, DerivesPublishedKeys) {
 }
 
 TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
-    const struct {
-        CSSM_ALGORITHMS algorithm;
-        std::size_t keyBytes;
-        std::size_t blockBytes; // 1 for a stream cipher
-        const char* name;
-    } cases[] = {
+    // A stream cipher has blocks of one byte.
+    const std::tuple<CSSM_ALGORITHMS, std::size_t, std::size_t, std::string> cases[] = {
         {CSSM_ALGID_AES, 16, 16, "-aes-128-cbc"},
         {CSSM_ALGID_AES, 24, 16, "-aes-192-cbc"},
         {CSSM_ALGID_AES, 32, 16, "-aes-256-cbc"},
@@ -87,18 +76,18 @@ TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
         {CSSM_ALGID_RC2, 16, 8, "-rc2-cbc"},
         {CSSM_ALGID_RC4, 16, 1, "-rc4"},
     };
-    for (const auto& c : cases) {
-        const CSSM_KEY key = SessionKey(c.algorithm, c.keyBytes);
-        std::string options = std::string("-e ") + c.name + " -K " + toHexText(key.data);
-        if (c.blockBytes > 1) {
-            options += " -iv " + toHexText(keys->StringVector().first(c.blockBytes));
+    for (const auto& [algorithm, keyBytes, blockBytes, name] : cases) {
+        const CSSM_KEY key = SessionKey(algorithm, keyBytes);
+        std::string options = "-e " + name + " -K " + toHexText(key.data);
+        if (blockBytes > 1) {
+            options += " -iv " + toHexText(keys->StringVector().first(blockBytes));
         }
         for (const std::size_t length : {0U, 7U, 8U, 16U, 33U}) {
-            SCOPED_TRACE(std::string(c.name) + " " + std::to_string(length));
+            SCOPED_TRACE(name + " " + std::to_string(length));
             const std::string plain = std::string("the plain text that is enciphered here").substr(0, length);
             SecureBuffer cipher;
             ASSERT_EQ(cdsaEncrypt(csp, key, bytesOf(plain), cipher), CSSM_OK);
-            if (length > 0 || c.blockBytes > 1) {
+            if (length > 0 || blockBytes > 1) {
                 EXPECT_EQ(toHexText(tests::openSslCipher(options, bytesOf(plain))), toHexText(cipher));
             }
             SecureBuffer back;

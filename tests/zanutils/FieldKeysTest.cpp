@@ -4,10 +4,8 @@
 #include "platform/posix/PosixSystem.h"
 #include "tests/support/TestSupport.h"
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace torka {
@@ -106,63 +104,34 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can give files away";
     }
-    constexpr uid_t other = 65534;
     const std::string zan = "var/lib/torka/ZAN";
     const std::string keysName = zan + "/FieldKeys.plist";
     struct Case {
-        std::string name;
-        std::function<void(const fs::path& root)> change;
+        std::string change;  // by the shell, in the root; $Z is the file's folder, $F the file
         std::string refused; // below the root
         std::string why;
     };
-    const auto mode = [](const std::string& name, unsigned bits) {
-        return [=](const fs::path& root) { ASSERT_EQ(::chmod((root / name).c_str(), bits), 0); };
-    };
-    const auto owner = [](const std::string& name) {
-        return [=](const fs::path& root) { ASSERT_EQ(::lchown((root / name).c_str(), other, other), 0); };
-    };
     // The file's folder lies elsewhere, and a link leads to it.
-    const auto moved = [&](const std::string& folder, bool isAbsolute) {
-        return [=](const fs::path& root) {
-            fs::create_directories(root / folder);
-            fs::rename(root / zan, root / folder / "keys");
-            fs::create_symlink(isAbsolute ? root / folder / "keys" : fs::path("../../../") / folder / "keys",
-                               root / zan);
-        };
-    };
-    const auto both = [](auto first, auto second) {
-        return [=](const fs::path& root) {
-            first(root);
-            second(root);
-        };
+    const auto moved = [](const std::string& folder, const std::string& start) {
+        return "mkdir " + folder + "; mv $Z " + folder + "/keys; ln -s " + start + folder + "/keys $Z; ";
     };
     const std::string writable = "others than its owner may write to the ";
     const Case cases[] = {
-        {"nothing", [](const fs::path&) {}, "", ""},
-        {"group may write the file", mode(keysName, 0664), keysName, writable + "file"},
-        {"all may write the file", mode(keysName, 0646), keysName, writable + "file"},
-        {"file of another", owner(keysName), keysName, "the file belongs to nobody (uid 65534)"},
-        {"folder of another", owner(zan), zan, "the folder belongs to"},
-        {"all may write the folder", mode(zan, 0757), zan, writable + "folder"},
-        {"group may write far above", mode("var", 0775), "var", writable + "folder"},
-        {"all may write the root", mode("", 0777), "", writable + "folder"},
-        {"sticky", mode("var", 01777), "", ""},
-        {"link, relative", moved("safe", false), "", ""},
-        {"link, absolute", moved("safe", true), "", ""},
-        {"link of another", both(moved("safe", false), owner(zan)), zan, "the link belongs to"},
-        {"link into a writable folder", both(moved("open", false), mode("open", 0777)), "open", writable},
-        {"circle",
-         [=](const fs::path& root) {
-             fs::remove_all(root / zan);
-             fs::create_symlink("ZAN", root / zan);
-         },
-         "var/lib/torka/ZAN", "cannot be read: Too many levels of symbolic links"},
-        {"pipe",
-         [=](const fs::path& root) {
-             fs::remove(root / keysName);
-             ASSERT_EQ(::mkfifo((root / keysName).c_str(), 0600), 0);
-         },
-         keysName, "cannot be read"},
+        {"", "", ""},
+        {"chmod 664 $F", keysName, writable + "file"},
+        {"chmod 646 $F", keysName, writable + "file"},
+        {"chown 65534 $F", keysName, "the file belongs to nobody (uid 65534)"},
+        {"chown 65534 $Z", zan, "the folder belongs to"},
+        {"chmod 757 $Z", zan, writable + "folder"},
+        {"chmod 775 var", "var", writable + "folder"},
+        {"chmod 777 .", "", writable + "folder"},
+        {"chmod 1777 var", "", ""},
+        {moved("safe", "../../../"), "", ""},
+        {moved("safe", "$PWD/"), "", ""},
+        {moved("safe", "../../../") + "chown -h 65534 $Z", zan, "the link belongs to"},
+        {moved("open", "../../../") + "chmod 777 open", "open", writable},
+        {"rm -r $Z; ln -s ZAN $Z", zan, "cannot be read: Too many levels of symbolic links"},
+        {"rm $F; mkfifo $F", keysName, "cannot be read"},
     };
     for (const Case& entry : cases) {
         const tests::TemporaryFolder folder; // below a sticky folder, which the walk does not check
@@ -172,15 +141,19 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
         PosixSystemOptions options;
         options.root = root;
         setSystem(std::make_unique<PosixSystem>(options));
-        ASSERT_TRUE(*FieldKeys::LoadInstalled()) << entry.name;
-        entry.change(root);
+        ASSERT_TRUE(*FieldKeys::LoadInstalled()) << entry.change;
+        ASSERT_EQ(tests::runCommand(
+                      {"sh", "-ec", "cd \"$0\"; Z=" + zan + "; F=" + keysName + "; " + entry.change, root})
+                      .status,
+                  0);
         const bool isGood = entry.why.empty();
         const Result<void> used = useInstalledFieldKeys();
         const std::string error = used ? "" : used.Why().Line();
-        EXPECT_EQ(static_cast<bool>(used), isGood) << entry.name << ": " << error;
-        EXPECT_EQ(installedFieldKeys() != nullptr, isGood) << entry.name;
-        EXPECT_TRUE(isGood || error.find(entry.refused) != std::string::npos) << entry.name << ": " << error;
-        EXPECT_NE(error.find(entry.why), std::string::npos) << entry.name << ": " << error;
+        EXPECT_EQ(static_cast<bool>(used), isGood) << entry.change << ": " << error;
+        EXPECT_EQ(installedFieldKeys() != nullptr, isGood) << entry.change;
+        EXPECT_TRUE(isGood || error.find(entry.refused) != std::string::npos)
+            << entry.change << ": " << error;
+        EXPECT_NE(error.find(entry.why), std::string::npos) << entry.change << ": " << error;
     }
     installFieldKeys(nullptr);
     setSystem(nullptr);
