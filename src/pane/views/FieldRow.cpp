@@ -121,10 +121,11 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
     layout->addWidget(control, 1);
-    const QSize size = SmallButtonSize();
+    // A layout puts its spacing before a button, but not before a spacer.
+    const QSize room = SmallButtonSize() + QSize(layout->spacing(), 0);
     for ([[maybe_unused]] const int place : {placeOfInformation, placeOfReset}) {
         layout->addSpacerItem(
-            new QSpacerItem(size.width(), size.height(), QSizePolicy::Fixed, QSizePolicy::Fixed));
+            new QSpacerItem(room.width(), room.height(), QSizePolicy::Fixed, QSizePolicy::Fixed));
     }
     setPlainToolTip(*focus, Description());
     wheelGuard = guardFromWheel(*body);
