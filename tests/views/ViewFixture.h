@@ -69,8 +69,13 @@ struct ViewedPane {
     std::unique_ptr<QtPaneInterface> interface;
 };
 
+// A pane with the description in a file.
+inline std::unique_ptr<Pane> paneOfFile(const std::string& path) {
+    return std::unique_ptr<Pane>(new Pane(Pane::OfFile(path)));
+}
+
 inline std::unique_ptr<Pane> samplePane() {
-    return std::unique_ptr<Pane>(new Pane(Pane::OfFile(TORKA_SOURCE_DIR "/samples/torka-production.ppd")));
+    return paneOfFile(TORKA_SOURCE_DIR "/samples/torka-production.ppd");
 }
 
 } // namespace torka::tests
