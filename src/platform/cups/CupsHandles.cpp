@@ -8,8 +8,8 @@ namespace torka::platform {
 std::string queueUri(const std::string& queueName) {
     std::array<char, HTTP_MAX_URI> uri{};
     const http_uri_status_t status =
-        httpAssembleURIf(HTTP_URI_CODING_ALL, uri.data(), HTTP_MAX_URI, "ipp", nullptr, "localhost", 0,
-                         "/printers/%s", queueName.c_str());
+        httpAssembleURI(HTTP_URI_CODING_ALL, uri.data(), HTTP_MAX_URI, "ipp", nullptr, "localhost", 0,
+                        ("/printers/" + queueName).c_str());
     return status == HTTP_URI_STATUS_OK && !queueName.empty() ? uri.data() : "";
 }
 
