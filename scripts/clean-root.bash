@@ -88,7 +88,7 @@ with_printer() { # COMMAND...
         shift 2
         ip link set lo up
         ip address add "$printer/32" dev lo
-        python3 -c "
+        /usr/bin/python3 -c "
 import socket, sys
 server = socket.create_server((sys.argv[1], 9100))
 while True:
