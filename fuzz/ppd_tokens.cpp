@@ -6,8 +6,8 @@
 #include "PPDFile.h"
 #include "PPDX/PPDObjects/Interface/PPDX.h"
 #include "PPDX/Utilities/ModelState.h"
+#include "fuzz/ReadingOracle.h"
 #include "platform/Log.h"
-#include "tests/utilities/ReadingOracle.h"
 
 #include <algorithm>
 #include <cstdio>

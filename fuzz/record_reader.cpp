@@ -7,7 +7,7 @@
 #include "bidi/records/RecordText.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/QuietStreams.h"
-#include "tests/bidi/RecordOracle.h"
+#include "fuzz/RecordOracle.h"
 
 #include <cstdint>
 #include <optional>
@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t length = 0;
     const RecordBlock block = CFileHdlr::stringReadData(text, name, &length);
     const std::optional<std::string> payload = textOf(block, length);
-    require(payload == tests::readSlowly(text, name));
+    require(payload == readSlowly(text, name));
     const RecordText index(text);
     const RecordBlock indexed = index.Read(name, &length);
     require(textOf(indexed, length) == payload);

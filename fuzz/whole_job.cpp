@@ -10,6 +10,7 @@
 //
 // Input: choices for the generator below, one byte each. The end of the input reads as zeros.
 
+#include "fuzz/ConstraintOracle.h"
 #include "fuzz/PaneFuzzing.h"
 #include "fuzz/SampleKeys.h"
 #include "output/FeatureEmission.h"
@@ -17,13 +18,11 @@
 #include "output/ZANJobTicket.h"
 #include "platform/PropertyList.h"
 #include "spooler/Splicer.h"
-#include "tests/kvengine/Oracle.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <map>
-#include <ranges>
 #include <span>
 #include <string>
 #include <string_view>
@@ -355,8 +354,9 @@ std::string makeDocument(Dice& dice, const Job& job) {
 
 std::vector<std::string> pagesOf(std::string_view document) {
     std::vector<std::string> pages;
-    for (const auto line : std::views::split(document, '\n')) {
-        const std::string_view text(line.begin(), line.end());
+    for (std::size_t at = 0; at < document.size();) {
+        const std::string_view text = document.substr(at, document.find('\n', at) - at);
+        at += text.size() + 1;
         if (text.starts_with("%%Page:") || text.starts_with("(page body ") || text == "showpage") {
             pages.emplace_back(text);
         }

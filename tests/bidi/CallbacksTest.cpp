@@ -14,8 +14,6 @@
 namespace torka {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 class Callbacks : public tests::JobPropertiesTest {
@@ -399,23 +397,6 @@ TEST_F(Callbacks, AnEmptyPathOfTheDescriptionIsFilledForTheModule) {
         ASSERT_EQ(module.Callback<SDMGetTextProc>(SDM_SLOT_GET_SERVER_DATA)(&server, &text), SDM_SUCCESS);
         EXPECT_EQ(Taken(text), given);
     }
-}
-
-TEST_F(Callbacks, ServerDataWithoutTwoWayCommunication) {
-    Load(false);
-    gServerLanguage = "ja";
-    KeyValueList settings;
-    settings.Append(L"InstalledTray", L"<True>");
-    writeSettings(*record, settings.List());
-    setField(record->installableOptions, "0,");
-    setField(record->ppdCopyPath, "/tmp/a.ppd");
-    wchar_t* text = nullptr;
-    ASSERT_EQ(module.Callback<SDMGetTextProc>(SDM_SLOT_GET_SERVER_DATA)(nullptr, &text), SDM_SUCCESS);
-    EXPECT_THAT(Taken(text), AllOf(HasSubstr("locale=\"ja\" encoding=\"UTF8\" ppdLocation0=\"/tmp/a.ppd\""),
-                                   HasSubstr("key=\"InstalledTray\" value=\"&lt;True&gt;\"/>")));
-    sharedList = nullptr;
-    EXPECT_EQ(sdmFuncPtrGetServerDataNonBidi(nullptr, &text), SDM_NOT_AVAILABLE);
-    EXPECT_EQ(text, nullptr);
 }
 
 TEST_F(Callbacks, PresetsOfThisComputer) {

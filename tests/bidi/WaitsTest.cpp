@@ -307,15 +307,6 @@ TEST_F(Waits, ServerDataAnswersItsOwnRequest) {
         fetch([&] { Put("/root/var/cache/torka/ZAN/ConnectionErrorInfoFile" + answered + ".txt"); }).first,
         ServerDataOutcome::connectionError);
     EXPECT_EQ(fetch([&] { Put(lock); }).first, ServerDataOutcome::locked);
-    queues->destinations[1].acceptsJobs = false;
-    const std::size_t sent = printer->sent.size();
-    BidiDataFile file(paths, failure);
-    EXPECT_EQ(fetchServerData(printer, "T", "x", "ID-1", paths, file), ServerDataOutcome::queueNotReady);
-    EXPECT_EQ(printer->sent.size(), sent);
-    queues->destinations[1].acceptsJobs = true;
-    printer->onSend = nullptr;
-    printer->sendResult = kPMGeneralError;
-    EXPECT_EQ(fetchServerData(printer, "T", "x", "ID-1", paths, file), ServerDataOutcome::notSent);
 }
 
 } // namespace

@@ -115,7 +115,12 @@ TEST_F(Avahi, ControllersAreFoundWhetherTheDaemonComesBeforeOrAfter) {
     const std::string office = "(Office Printer, Office hold|Office hold, Office Printer): 10\\.77\\.0\\.2";
     const std::string flood = "Flood [0-9]+, Flood [0-9]+, Flood [0-9]+, \u2026: 10\\.9\\.8\\.6";
     const std::string markup = "<b>Markup</b>: 10\\.9\\.8\\.7";
-    EXPECT_THAT(Discover("5"), MatchesRegex(markup + "\n" + flood + "\n" + office + "\n"));
+    const auto areFound = MatchesRegex(markup + "\n" + flood + "\n" + office + "\n");
+    std::string found;
+    for (const char* seconds : {"1", "2", "5"}) { // longer only where that is needed
+        found = testing::Matches(areFound)(found) ? found : Discover(seconds);
+    }
+    EXPECT_THAT(found, areFound);
 
     tests::endDaemon();
     EXPECT_THAT(Discover("1"), HasSubstr("controllers cannot be searched for: Avahi: "));

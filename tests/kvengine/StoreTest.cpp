@@ -8,12 +8,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 namespace torka {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 // The pairs of a cache or list as "key=option" texts.
 std::vector<std::string> named(UIConstraints& store, std::span<const KeyOption> pairs) {
@@ -84,31 +86,6 @@ TEST(ConstraintsEngine, DoesNoMoreWorkThanAllowed) {
     EXPECT_THAT(named(store, change.Pairs()), ElementsAre("*K=A", "*X=4"));
 }
 
-// Two keys exclude each other with every option. The search ends at its limits and returns the remaining
-// conflicts.
-TEST(ConstraintsEngine, GivesUpWhereNothingHelps) {
-    UIConstraints store;
-    for (int i = 0; i < 30; ++i) {
-        store.KVSInsert("*K", "k" + std::to_string(i));
-        store.KVSInsert("*L", "l" + std::to_string(i));
-        for (int j = 0; j < 29; ++j) { // one option stays free as an alternative
-            const std::string other = std::to_string((i + j) % 30);
-            store.Add("*K", "k" + std::to_string(i), "*L", "l" + other, false);
-            store.Add("*L", "l" + std::to_string(i), "*K", "k" + other, false);
-        }
-    }
-    store.UpdateKVCache("*L", "l0");
-    store.Add("*L", "l29", "*M", "m", false);
-    store.UpdateKVCache("*M", "m");
-    const CStringSoup& soup = *store.GetConstraintStrings();
-    KVCache change;
-    change.Insert(soup.Find("*K"), soup.Find("k0"));
-    const auto answer = store.GetEngine()->Solve(change, true);
-    EXPECT_GT(answer.conflicts.size(), 0U);
-    EXPECT_EQ(answer.alternatives.size(), 0U);
-    EXPECT_EQ(change.GetItem(soup.Find("*K")), soup.Find("k0"));
-}
-
 // A description may repeat one line and one option many times. The answer is cut before memory runs out.
 TEST(ConstraintsEngine, CutsAnswersThatWouldExplode) {
     UIConstraints store;
@@ -127,6 +104,104 @@ TEST(ConstraintsEngine, CutsAnswersThatWouldExplode) {
     EXPECT_EQ(answer.conflicts.size(), ConstraintsEngine::maximumAnswers);
     EXPECT_EQ(answer.alternatives.size(), ConstraintsEngine::maximumAnswers);
     EXPECT_TRUE(store.IsKVConstrained("*K", "A"));
+}
+
+// A store with chains of constraints, one pair twice and one wildcard line.
+struct Chains : testing::Test {
+    Chains() {
+        for (const std::string key : {"*A", "*B", "*C"}) {
+            for (const char* option : {"1", "2", "3"}) {
+                store.KVSInsert(key, option);
+            }
+        }
+        for (const std::string line :
+             {"A1B1", "A1C2", "B1B3", "B1C1", "B2C1", "B2C1", "C1A2", "C2A2", "C2A3", "C3A"}) {
+            store.Add(std::string("*") + line[0], line.substr(1, 1), std::string("*") + line[2],
+                      line.substr(3), false);
+        }
+        store.Resolve();
+    }
+    std::int64_t Id(const char* text) {
+        return *text == '\0' ? -1 : store.GetConstraintStrings()->Find(std::string_view(text));
+    }
+    // "A1B1": *A=1 constrains *B=1.
+    std::string Constraints() {
+        std::string text;
+        const auto name = [&](std::int64_t id) {
+            return std::string(store.GetConstraintStrings()->Find(id));
+        };
+        store.GetConstraintForest()->ForEach(
+            [&](std::int64_t key, std::int64_t option, const KeyOption& pair) {
+                text += name(key)[1] + name(option) + name(pair.key)[1] + name(pair.option) + " ";
+                return true;
+            });
+        return text;
+    }
+    UIConstraints store;
+};
+
+TEST_F(Chains, AreDisabledAndRestoredInTurn) {
+    ConstraintForest& forest = *store.GetConstraintForest();
+    struct Step {
+        bool disables;
+        std::array<const char*, 4> pairs; // "" for any
+        const char* left;
+    };
+    for (const auto& [disables, pairs, left] : std::initializer_list<Step>{
+             {true,
+              {"*A", "1", "*B", ""},
+              "A1C2 B1C1 B2C1 B2C1 C1A2 C2A2 C2A3 C3A1 C3A2 C3A3 "}, // *B=1 no longer constrains *B=3 either
+             {true, {"", "", "*C", "1"}, "A1C2 C1A2 C2A2 C2A3 C3A1 C3A2 C3A3 "},
+             {true, {"*C", "3", "*A", "2"}, "A1C2 C1A2 C2A2 C2A3 C3A1 C3A3 "},
+             {false, {"*A", "1", "", ""}, "A1B1 A1C2 B1B3 B1C1 C1A2 C2A2 C2A3 C3A1 C3A3 "},
+             {false, {"*B", "2", "", ""}, "A1B1 A1C2 B1B3 B1C1 B2C1 B2C1 C1A2 C2A2 C2A3 C3A1 C3A3 "},
+             {true, {"*B", "", "*B", "3"}, "A1B1 A1C2 B1C1 B2C1 B2C1 C1A2 C2A2 C2A3 C3A1 C3A3 "},
+             {false, {"", "", "", ""}, "A1B1 A1C2 B1B3 B1C1 B2C1 B2C1 C1A2 C2A2 C2A3 C3A1 C3A2 C3A3 "}}) {
+        const auto& [key, option, key2, option2] = pairs;
+        EXPECT_TRUE(disables ? forest.DisableConstraints(Id(key), Id(option), Id(key2), Id(option2))
+                             : forest.EnableConstraints(Id(key), Id(option), Id(key2), Id(option2)));
+        EXPECT_EQ(Constraints(), left) << key << option << key2 << option2;
+        EXPECT_FALSE(forest.DisableConstraints(Id("3"), -1, Id("*A"), -1)) << "it has no tree";
+    }
+    forest.DisableConstraints(Id("*B"), -1, Id("*C"), -1);
+    store.Add("*B", "2", "*A", "1", false);
+    EXPECT_EQ(Constraints(), "A1B1 A1C2 B1B3 B2A1 C1A2 C2A2 C2A3 C3A1 C3A2 C3A3 ");
+    forest.EnableConstraints(-1, -1, -1, -1);
+    EXPECT_EQ(Constraints(), "A1B1 A1C2 B1B3 B1C1 B2C1 B2C1 C1A2 C2A2 C2A3 C3A1 C3A2 C3A3 ")
+        << "as when it was disabled";
+}
+
+TEST_F(Chains, OptionsAreListedByWhatTheyConstrain) {
+    ConstraintsEngine& engine = *store.GetEngine();
+    const auto listed = [&](const KVCache& cache) { return named(store, cache.Pairs()); };
+    const auto current = [&](const char* key) { return listed(engine.ListCurrentConstraints(Id(key))); };
+    store.UpdateKVCache("*C", "1");
+    store.UpdateKVCache("*A", "2");
+    EXPECT_THAT(current("*A"), IsEmpty());
+    EXPECT_THAT(current("*B"), ElementsAre("*B=1", "*B=2"));
+    EXPECT_THAT(current("*C"), ElementsAre("*C=1", "*C=2", "*C=3"));
+    EXPECT_THAT(current(""), IsEmpty());
+    const auto blocking = [&](const char* key1, const char* excluded, const char* key2) {
+        return listed(engine.ListBlockingConstraints(Id(key1), Id(excluded), Id(key2)));
+    };
+    EXPECT_THAT(blocking("*A", "1", "*C"), ElementsAre("*C=2"));
+    for (const auto& [key1, excluded, key2] : {std::tuple{"*A", "2", "*C"},
+                                               {"*B", "1", "*A"},
+                                               {"*A", "", "*C"},
+                                               {"", "1", "*C"},
+                                               {"*A", "1", ""}}) {
+        EXPECT_THAT(blocking(key1, excluded, key2), IsEmpty()) << key1 << excluded << key2;
+    }
+    KVCache selections;
+    const auto screened = [&](bool exact, const char* key) {
+        return listed(engine.ListScreenedConstraints(selections, exact, Id(key)));
+    };
+    selections.Insert(Id("*B"), Id("1"));
+    EXPECT_THAT(screened(true, "*A"), ElementsAre("*A=1"));
+    selections.Insert(Id("*C"), Id("1"));
+    EXPECT_THAT(screened(false, "*A"), ElementsAre("*A=1"));
+    EXPECT_THAT(screened(true, "*A"), IsEmpty());
+    EXPECT_THAT(screened(false, "*B"), ElementsAre("*B=2")) << "the last one";
 }
 
 } // namespace

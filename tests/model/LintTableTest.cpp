@@ -10,7 +10,7 @@
 #include <set>
 #include <sstream>
 
-// One table: small descriptions and what lint says about each.
+// One table: small descriptions and what lint says about each. samples/torka-defects.ppd shows more mistakes.
 
 namespace torka::tests {
 namespace {
@@ -67,7 +67,6 @@ std::vector<LintCase> lintCases() {
     const std::string ab = popupText("M") + popupText("N"); // lines 1 to 14
     return {
         // Groups and pages
-        {"*%ZANGroupName G/G: True\n" + whole, {"1 unplacedGroup"}},
         {"*%ZANGroupName P/P: True\n*%ZANParent P/Page: True|Scrollpane\n" + whole, {"2 secondScrollPane"}},
         {"*%ZANParent Group/Pane: True|Rolldown\n" + whole, {"1 groupPlacedTwice"}},
         {"*%ZANPropPage P/P: true\n" + whole, {"1 hiddenByFlag?True"}},
@@ -88,7 +87,6 @@ std::vector<LintCase> lintCases() {
         {"*%ZANFlags *K:\n*%ZANGroup *K: Goup\n" + goodRange, {"2 unknownGroup?Group"}},
         {"*%ZANFlags *K:\n*%ZANGroup *K: Pane\n*%ZANJobNote *K/K: 9\n", {"1 noteInScrollPane"}},
         {whole + goodRange, {"7 strayControlLine"}},
-        {"*%ZANFlags *K:\n*Resolution: 600dpi\n*%ZANGroup *K: Group\n" + whole, {"1 16"}},
         // Job notes
         {flagLines + "*%ZANJobNote *K/K: 9|Alfa\n", {"3 unknownJobNoteFlag?Alpha"}},
         {flagLines + "*%ZANJobNote *K/K: 3\n*%DefaultK: \"long\"\n", {"3 badDefaultNote"}},
@@ -104,9 +102,7 @@ std::vector<LintCase> lintCases() {
         {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\xE3\x81\xAA\"\n", {"5 otherEncoding"}},
         {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\x82\xC8<82>\"\n", {}},
         {"*LanguageEncoding: JIS83-RKSJ\n" + note + "*%DefaultK: \"\xC3\xA9\"\n", {}},
-        {flagLines + "*%ZANJobNote *K/K: 9|MinLength8|MinLength\n", {"3 lostMinLength"}},
         {flagLines + "*%ZANJobNote *K/K: nine\n", {"3 badNumber"}},
-        {flagLines + "*%ZANJobNote *K/K: 99999999999999999999\n", {"3 badNumber"}},
         {flagLines + "*%ZANJobNote *K/K: 4|NoComma\n*%DefaultK: \"a,b,c\"\n",
          {"3 badDefaultNote", "3 badDefaultNote"}},
         {flagLines + "*%ZANJobNote *K/K: 4|Required\n*%DefaultK: \"\"\n", {}},
@@ -118,12 +114,8 @@ std::vector<LintCase> lintCases() {
         {range("3;9;1;1;"), {"3 defaultOutsideBounds"}},
         {range("0;9;1;5;7;"), {"3 extraNumber"}},
         {range("0;9;1;5;", "5 pop"), {"3 noPlaceholder"}},
-        {popupText("M") + range("0;9;0;5;"), {"10 7"}},
-        {"*%ParamCustomPrintSize Width: 1 points 9\n" + whole, {"1 badCustomSize"}},
         // Options
-        {flagLines + "*OpenUI *K/K: PickOne\n*DefaultK: B\n" + a + close, {"4 unknownDefault"}},
         {flagLines + "*OpenUI *K/K: PickOne\n*DefaultKK: A\n" + a + close, {"4 otherDefault"}},
-        {flagLines + "*OpenUI *K/K: PickOne\n" + close, {"3 33", "3 emptyBlock"}},
         {open + a + "*%QVShortcut *K\n" + flagLines + goodRange, {"3 unclosedBlock", "7 23"}},
         {open + "*K A: \"\n*% End of PPD file\n", {"3 unclosedBlock", "5 unclosedQuote"}},
         {open + a + a + close, {"6 optionTwice"}},
@@ -141,10 +133,7 @@ std::vector<LintCase> lintCases() {
         {open + a + "*K B: \"(a (b) \"\n*K C: \"<0g>\"\n*K D: \"<< /A <0f> >> % ( }\"\n" + close,
          {"6 unbalancedPostscript", "7 unbalancedPostscript"}},
         {"*%ZANSpecialOption *S: 1\n*%ZANSpecialOption *S: 2\n" + whole, {"2 specialOptionTwice"}},
-        {"*%QVShortcut *L\n" + whole, {"1 19"}},
         // Lines, texts and encoding
-        {open + a + "*K B: \"(open)\n" + close, {"6 unclosedQuote"}},
-        {"*Long " + std::string(300, 'x') + "\n" + whole, {"1 cutLine"}},
         {"*ShortNickName: \"a\xFF\"\n" + whole, {"1 unreadableByte"}},
         {std::string("*ModelName: \"A\0B\"\n", 18) + whole, {"1 unreadableByte", "1 unclosedQuote"}},
         {open + "*K A/Caf<C3A9>: \"\"\n" + close, {"5 otherEncoding"}},
@@ -160,16 +149,12 @@ std::vector<LintCase> lintCases() {
         {"*%ZANSomething *K:\n*% ZANFlags\n*%Comment\n" + whole, {"1 misspeltKeyword"}},
         {"*UIconstraints: *K A *M B\n" + whole, {"1 misspeltKeyword?*UIConstraints"}},
         // Constraints
-        {ab + "*UIConstraints: *M A *N B\n", {"15 oneWayConstraint"}},
         {ab + "*UIConstraints: *M *N B\n*UIConstraints: *N B *M A\n*UIConstraints: *N B *M B\n", {}},
         {ab + "*UIConstraints: *M A *N B\n*UIConstraints: *N *M A\n", {"16 oneWayConstraint"}},
         {ab + "*UIConstraints: *Mm *N\n", {"15 unknownConstraintKeyword?*M"}},
         {"*OpenUI *S/S: PickOne\n*DefaultS: A\n*S A: \"\"\n*CloseUI: *S\n" + ab +
              "*UIConstraints: *S A *M B\n",
          {}},
-        {ab + "*UIConstraints: *M C *N\n", {"15 unknownConstraintOption"}},
-        {ab + "*%ZANUIRequires: *M A *N B\n", {"15 requirement"}},
-        {ab + "*UIConstraints: *M\n", {"15 36"}},
         // The pane
         {"*PCFileName: \"OTHER.PPD\"\n" + whole, {"0 unlistedFileName"}},
     };
@@ -293,17 +278,18 @@ TEST(LintWords, WhatIsUnbalancedForGhostscriptIsUnbalancedForLint) {
         "",          "{ 1 }",     "{ 1",      "1 }",       "(a)",     "(a",    "a)",         "(a \\) b)",
         "(a \\( b)", "(a (b) c)", "(a (b c)", "<0f 1>",    "<0fg>",   "<0f",   "<< /A 1 >>", "% ( {\n1",
         "(% ) 1",    "{ (}) }",   "{ <7d> }", "<~87cUR~>", "<~87cUR", "{ } }", "(\\\\) 1",   "(\\\\\\) 1"};
+    std::string program;
+    std::string expected;
     for (const std::string& text : texts) {
-        std::string source = "(";
+        program += "(";
         for (const char c : text) {
-            source += std::string(c == '(' || c == ')' || c == '\\' ? "\\" : "") + c;
+            program += std::string(c == '(' || c == ')' || c == '\\' ? "\\" : "") + c;
         }
-        const CommandResult result = runCommand(
-            {"gs", "-q", "-dNODISPLAY", "-dBATCH", "-dNOPAUSE", "-"},
-            source + ") { { token { pop } { exit } ifelse } loop } stopped { (unbalanced) } { (balanced) } "
-                     "ifelse = flush\n");
-        EXPECT_EQ(postscriptFault(text, {}).empty(), result.output == "balanced\n") << text << result.errors;
+        program += ") { { token { pop } { exit } ifelse } loop } stopped { (unbalanced) } { (balanced) } "
+                   "ifelse = clear\n";
+        expected += postscriptFault(text, {}).empty() ? "balanced\n" : "unbalanced\n";
     }
+    EXPECT_EQ(runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-dNOPAUSE", "-"}, program).output, expected);
 }
 
 } // namespace

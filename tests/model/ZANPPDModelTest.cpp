@@ -307,8 +307,13 @@ TEST_F(ZANPPDModel, SettingsGiveTheDescriptionBack) {
         EXPECT_EQ(back.GetProperties()->Count(), model.GetProperties()->Count());
         EXPECT_EQ(back.GetShortcuts()->Count(), model.GetShortcuts()->Count());
         EXPECT_STREQ(back.VersionQV()->Buffer(), model.VersionQV()->Buffer());
-        for (const _DISPLAY_OPTIONS_ options : {0U, 1U, 2U, 3U}) {
-            ZANPPD::Options(options);
+        for (const auto& [change, options] : {std::pair{&ZANPPD::IncludeOrphans, 1U},
+                                              {ZANPPD::IncludeHidden, 3U},
+                                              {ZANPPD::ExcludeOrphans, 0U},
+                                              {ZANPPD::IncludeHidden, 2U},
+                                              {ZANPPD::ExcludeHidden, 0U}}) {
+            change();
+            EXPECT_EQ(ZANPPD::Options(), options);
             EXPECT_EQ(back.GetControls()->ControlCount(), model.GetControls()->ControlCount());
         }
         model.GetControls()->ForEach([&](PPDXControl* control) {
@@ -320,17 +325,6 @@ TEST_F(ZANPPDModel, SettingsGiveTheDescriptionBack) {
             EXPECT_TRUE(!control->GetParent() || *other->GetParent() == *control->GetParent());
         });
     }
-}
-
-TEST_F(ZANPPDModel, DisplayOptions) {
-    ZANPPD::IncludeOrphans();
-    ZANPPD::IncludeHidden();
-    EXPECT_EQ(ZANPPD::Options(), 3U);
-    ZANPPD::ExcludeOrphans(); // clears both bits
-    EXPECT_EQ(ZANPPD::Options(), 0U);
-    ZANPPD::IncludeHidden();
-    ZANPPD::ExcludeHidden();
-    EXPECT_EQ(ZANPPD::Options(), 0U);
 }
 
 TEST_F(ZANPPDModel, HardInputSurvives) {

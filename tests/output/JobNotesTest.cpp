@@ -110,10 +110,10 @@ std::string aesPadded(std::string text) {
     return text.append(16 - rest, static_cast<char>(15 - rest));
 }
 
-// Compares every choice of keys and both ciphers with openssl, for texts below, at and above the block and
-// size limits.
+// Compares the default keys and others, and both ciphers, with openssl, for texts below, at and above the
+// block and size limits. The test of the field keys has the other choices.
 TEST_F(JobNotes, CipherTextsAgreeWithOpenSsl) {
-    for (const std::string special : {"1", "2", "5", "6", "7", "11", "12"}) {
+    for (const std::string special : {"1", "5"}) {
         for (const std::string algorithm : {"", "1", "2"}) {
             std::vector<std::string> options{"*UseSpecialKey: " + special};
             if (!algorithm.empty()) {
@@ -124,7 +124,7 @@ TEST_F(JobNotes, CipherTextsAgreeWithOpenSsl) {
                 const bool isAes = algorithm.empty() ? keyword[1] == 'Q' : algorithm == "2";
                 for (const std::size_t length : {1U, 7U, 8U, 15U, 16U, 126U, 127U, 128U, 300U}) {
                     SCOPED_TRACE(special + "/" + algorithm + keyword + std::to_string(length));
-                    if (length > 16 && special != "5") {
+                    if (length > 8 && (special != "5" || algorithm.empty())) {
                         continue; // openssl is slow
                     }
                     const std::string text(length, 'p');
@@ -253,22 +253,20 @@ TEST_F(JobNotes, LayoutComments) {
         {1, 2, 3, false}, {1, 2, 2, true},  {1, 65536, 65536, true},
     };
     for (const auto& [orientation, rows, columns, isPortrait] : cases) {
-        const auto set = [&](const char* key, const CFTypeRef& value) {
-            settings->SetValue(cfString(std::string("com.apple.print.PrintSettings.") + key), value, false);
-        };
-        set("PMLayoutNUp", CFBooleanCreate(rows > 0));
-        set("PMLayoutRows", CFNumberCreate(rows > 0 ? rows : 2));
-        set("PMLayoutColumns", CFNumberCreate(rows > 0 ? columns : 1));
+        const std::string layout = "com.apple.print.PrintSettings.PMLayout";
+        settings->SetValue(cfString(layout + "NUp"), CFBooleanCreate(rows > 0), false);
+        settings->SetValue(cfString(layout + "Rows"), CFNumberCreate(rows > 0 ? rows : 2), false);
+        settings->SetValue(cfString(layout + "Columns"), CFNumberCreate(rows > 0 ? columns : 1), false);
         ZANJobTicket ticket(nullptr, settings, cfString("key"));
         ZANJobNoteList list(*description, nullptr);
         list.SetPageOrientation(orientation);
         ASSERT_EQ(list.outInjectionData(&ticket, settings), 0);
-        const auto entries = ticket.Entries();
-        ASSERT_EQ(entries.size(), 2U);
-        EXPECT_EQ(entries[0].site, 504);
-        EXPECT_EQ(entries[0].bytes, "%%MacCoreNUp: true\n");
-        EXPECT_EQ(entries[1].site, 504);
-        EXPECT_EQ(entries[1].bytes, isPortrait ? "%%Orientation: Portrait\n" : "%%Orientation: Landscape\n")
+        std::string told;
+        for (const auto& entry : ticket.Entries()) {
+            told += std::to_string(entry.site) + std::string(entry.bytes);
+        }
+        EXPECT_EQ(told, std::string("504%%MacCoreNUp: true\n504%%Orientation: ") +
+                            (isPortrait ? "Portrait\n" : "Landscape\n"))
             << orientation << " " << rows << "x" << columns;
     }
     EXPECT_EQ(ZANJobNoteList(*description, keys).outInjectionData(nullptr, settings), -50);

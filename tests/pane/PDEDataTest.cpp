@@ -122,14 +122,13 @@ TEST(PDEData, InputTrayOfTheSystemsPaneFollowsTheVersion) {
 
 TEST(PDEData, ControlsOfTheBasicPanel) {
     ScopedMemorySystem system;
-    const std::string controls = popup("QVDuplex", {"None"}) + popup("QVTrayBidi", {"None"}) +
-                                 popup("Bidi", {"None"}) + popup("QVSimSpeed", {"None"}) +
-                                 popup("QVHTScreen", {"None"}) +
-                                 popup("QVHidden", {"None"}, "Dynamic|NoTorkaDriverUI") +
-                                 popup("QVColorMode", {"None"}) + popup("QVSlipSheetPaperCatalog", {"None"}) +
-                                 "*OpenGroup: InstallableOptions/Options\n*OpenUI *QVUnit/Unit: "
-                                 "PickOne\n*DefaultQVUnit: A\n*QVUnit A: "
-                                 "\"\"\n*CloseUI: *QVUnit\n*CloseGroup: InstallableOptions\n";
+    std::string controls = popup("QVHidden", {"None"}, "Dynamic|NoTorkaDriverUI");
+    for (const char* keyword : {"QVDuplex", "QVTrayBidi", "Bidi", "QVSimSpeed", "QVHTScreen", "QVColorMode",
+                                "QVSlipSheetPaperCatalog"}) {
+        controls += popup(keyword, {"None"});
+    }
+    controls += "*OpenGroup: InstallableOptions/Options\n*OpenUI *QVUnit/Unit: PickOne\n*DefaultQVUnit: A\n"
+                "*QVUnit A: \"\"\n*CloseUI: *QVUnit\n*CloseGroup: InstallableOptions\n";
     for (const bool hasCurve : {false, true}) {
         Pane pane(paneHeader + controls + (hasCurve ? popup("QVCurveAdjust", {"None"}) : ""));
         EXPECT_FALSE(pane.data->IsValidBasicPanelControl(nullptr));

@@ -6,8 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <map>
 #include <random>
 #include <set>
 
@@ -27,8 +25,6 @@ std::vector<std::string> keywordsOf(const std::vector<PPDXControl*>& controls) {
     }
     return keywords;
 }
-
-std::string line(const PaneSetting& setting) { return setting.keyword + "=" + setting.choice; }
 
 struct EditorTest : testing::Test {
     ScopedMemorySystem system;
@@ -141,77 +137,70 @@ TEST_F(Small, UndoesStepsAndForgetsThemWhenAnotherHandChangesTheirControls) {
     EXPECT_FALSE(editor.CanUndo());
 }
 
-// Compares random small descriptions with an oracle that knows only the lines.
+// Small random descriptions. Forbidden is what the lines forbid with a selected choice.
 TEST_F(EditorTest, AgreesWithThePlainReadingOfTheLines) {
     std::mt19937 random(7);
-    const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
-    int solved = 0;
-    int permitted = 0;
+    const auto below = [&](std::size_t limit) { return random() % limit; };
+    std::size_t solved = 0;
+    std::size_t permitted = 0;
     for (int round = 0; round < 60; ++round) {
-        constexpr int options = 6;
         const std::vector<std::string> choices{"C0", "C1", "C2"};
-        const auto randomChoice = [&] { return choices[static_cast<std::size_t>(below(3))]; };
+        std::vector<std::string> keys;
         std::string text = paneHeader;
-        for (int i = 0; i < options; ++i) {
-            text += popup("O" + std::to_string(i), choices);
+        for (const char digit : std::string_view("012345")) {
+            keys.push_back(std::string("*O") + digit);
+            text += popup(keys.back().substr(1), choices);
         }
-        std::set<std::pair<std::string, std::string>> lines; // "*O1=C2" forbids "*O3=C0"
+        std::set<std::string> lines; // "*O1 C2 *O3 C0"
         for (int i = 0; i < 8; ++i) {
-            const int a = below(options);
-            const int b = (a + 1 + below(options - 1)) % options;
-            const std::string from = "*O" + std::to_string(a) + "=" + randomChoice();
-            const std::string to = "*O" + std::to_string(b) + "=" + randomChoice();
-            lines.insert({from, to});
+            const std::size_t key = below(keys.size());
+            const std::string from = keys[key] + " " + choices[below(3)];
+            const std::string to = keys[(key + 1 + below(5)) % 6] + " " + choices[below(3)];
+            lines.insert(from + " " + to);
             if (below(3) != 0) {
-                lines.insert({to, from});
+                lines.insert(to + " " + from);
             }
         }
-        for (const auto& [from, to] : lines) {
-            std::string pair = from + " " + to;
-            std::ranges::replace(pair, '=', ' ');
-            text += "*UIConstraints: " + pair + "\n";
+        for (const std::string& line : lines) {
+            text += "*UIConstraints: " + line + "\n";
         }
         Pane pane(text);
         PaneEditor editor(*pane.model, pane.data.get());
-        std::map<std::string, std::string> values;
-        for (int i = 0; i < options; ++i) {
-            const std::string key = "*O" + std::to_string(i);
-            values[key] = randomChoice();
-            editor.SetValue(key, values[key]);
+        for (const std::string& key : keys) {
+            editor.SetValue(key, choices[below(3)]);
         }
+        const auto selected = [&](const std::string& key) {
+            return key + " " + PaneEditor::Value(*editor.FindControl(key));
+        };
         std::set<std::set<std::string>> clashes;
-        for (const auto& [key, value] : values) {
+        for (const std::string& key : keys) {
             const auto forbidden = editor.Forbidden(*editor.FindControl(key));
             for (std::size_t c = 0; c < choices.size(); ++c) {
-                const std::string setting = key + "=" + choices[c];
+                const std::string setting = key + " " + choices[c];
                 std::set<std::string> expected;
-                for (const auto& [other, otherValue] : values) {
-                    if (lines.contains({setting, other + "=" + otherValue})) {
-                        expected.insert(other + "=" + otherValue);
+                for (const std::string& other : keys) {
+                    if (lines.contains(setting + " " + selected(other))) {
+                        expected.insert(selected(other));
+                        setting == selected(key) ? void(clashes.insert({setting, selected(other)})) : void();
                     }
                 }
                 std::set<std::string> found;
                 for (const PaneSetting& by : editor.ForbiddenBy(key, choices[c])) {
-                    found.insert(line(by));
+                    found.insert(by.keyword + " " + by.choice);
                 }
                 EXPECT_EQ(found, expected);
                 EXPECT_EQ(forbidden[c], !expected.empty());
-                for (const std::string& by : expected) {
-                    if (choices[c] == value) {
-                        clashes.insert({setting, by});
-                    }
-                }
             }
         }
         const auto found = [&] {
             std::set<std::set<std::string>> pairs;
-            for (const PaneConflict& conflict : editor.Conflicts()) {
-                pairs.insert({line(conflict.first), line(conflict.second)});
+            for (const auto& [first, second] : editor.Conflicts()) {
+                pairs.insert({first.keyword + " " + first.choice, second.keyword + " " + second.choice});
             }
             return pairs;
         };
         EXPECT_EQ(found(), clashes);
-        for (const auto& [key, value] : values) {
+        for (const std::string& key : keys) {
             for (const std::string& choice : choices) {
                 PPDXControl& control = *editor.FindControl(key);
                 if (editor.ForbiddenBy(key, choice).empty() || !editor.ChangeWithOthers(control, choice)) {
@@ -229,8 +218,8 @@ TEST_F(EditorTest, AgreesWithThePlainReadingOfTheLines) {
             EXPECT_TRUE(editor.Conflicts().empty());
         }
     }
-    EXPECT_GT(solved, 20);
-    EXPECT_GT(permitted, 100);
+    EXPECT_GT(solved, 20U);
+    EXPECT_GT(permitted, 100U);
 }
 
 } // namespace

@@ -52,7 +52,7 @@ std::string descriptionOf(const std::string& queue, const std::string& pcFileNam
 
 TEST(PrinterChange, ListsWatermarkAccountsAndPopupNotesBelongToTheirQueue) {
     for (const auto& [queue, pcFileName, fold, isSame] : {std::tuple{"Press", "SMALL.PPD", "Half", true},
-                                                          {"Second", "SMALL.PPD", "Half", false},
+                                                          {"Second", "small.ppd", "Half", false},
                                                           {"Second", "OTHER.PPD", "Flat", false}}) {
         SCOPED_TRACE(std::string(queue) + " " + pcFileName);
         const std::string secondText = descriptionOf(queue, pcFileName, "second");

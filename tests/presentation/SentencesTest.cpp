@@ -9,7 +9,6 @@
 #include "pane/presentation/NoteRules.h"
 #include "pane/presentation/NumberScale.h"
 #include "pane/presentation/PageList.h"
-#include "pane/presentation/PopupNoteForm.h"
 #include "pane/presentation/PresetChoice.h"
 #include "pane/presentation/QuickAccessChoice.h"
 #include "pane/presentation/TwoWayNotice.h"
@@ -254,23 +253,12 @@ TEST(Sentences, RulesOfNotes) {
         {"6|Numeric|Required|LengthReq",
          "Allowed: digits. The text must not be empty, must have exactly 6 characters.", "", "required",
          "“Note name” must not be empty."},
-        {"6|Numeric|Required|LengthReq",
-         "Allowed: digits. The text must not be empty, must have exactly 6 characters.", "12345", "5 / 6",
-         "“Note name” must have exactly 6 characters."},
         {"20|MinLength3|NoComma",
          "The text must have at most 20 characters, must have at least 3 characters, must not hold a comma.",
          ",", "1 / 20", "“Note name” must have at least 3 characters, must not hold a comma."},
-        {"20|MinLength3|NoComma",
-         "The text must have at most 20 characters, must have at least 3 characters, must not hold a comma.",
-         "", "0 / 20", ""},
         {"4|UTF8", "The text must have at most 4 characters.", "ab\xF0\x9F\x98\x80", "4 / 4", ""},
         {"4|UTF8|MinLengthx", "The text must have at most 4 characters.", "äbcde", "5 / 4",
          "“Note name” must have at most 4 characters."},
-        {"9|Numeric|Hyphen|MultiComma|TwoCharField",
-         "Allowed: digits, -, ,. The text must have at most 9 characters, must be items of two letters or "
-         "digits, or ranges of them, as in 01-05,07.",
-         "1-5", "3 / 9",
-         "“Note name” must be items of two letters or digits, or ranges of them, as in 01-05,07."},
         {"9|LCD", "Allowed: digits, letters, -, ,, ., _. The text must have at most 9 characters.", "a",
          "1 / 9", ""},
         {"9|Decimal|MultiSpace|Negative",
@@ -338,29 +326,6 @@ TEST(Sentences, FontsAndPapersOfWatermarks) {
     EXPECT_EQ(printerPaper(printer, "A4")->height, 842);
     EXPECT_FALSE(printerPaper(printer, "Wall"));
     EXPECT_FALSE(printerPaper(nullptr, "A4"));
-}
-
-TEST(Sentences, PopupFormKeepsPreferencesAndBringsTextsBack) {
-    SpokenPane spoken(paneHeader + jobNote("First", "6|Required|PopupJN") +
-                      jobNote("Pin", "8|Numeric|Password|Remembered|PopupJN") +
-                      jobNote("Switch", "5|OnOfSwitch|PopupJN"));
-    resetPopupJobNotes();
-    CustomizePaneController controller(spoken.pane->model.get());
-    PopupNoteForm form(spoken.texts, controller, {"popupJobNoteSec32"});
-    ASSERT_EQ(form.Fields().size(), 3U);
-    const auto& [first, pin, onOff] = std::tie(form.Fields()[0], form.Fields()[1], form.Fields()[2]);
-    EXPECT_EQ(first.outlet + ' ' + pin.outlet, "popupJobNoteVal31 popupJobNoteSec32");
-    EXPECT_TRUE(onOff.isSwitch && pin.isSecret && !first.isChecked && pin.isChecked);
-    form.Type(pin, cfString("1"));
-    EXPECT_EQ(utf8Text(form.Type(first, cfString("abcdefg")).shown), "abcdefg");
-    form.Switch(onOff, true);
-    EXPECT_EQ(form.BrokenFields().text, "“First name” must have at most 6 characters.");
-    form.KeepTextsAfter();
-    EXPECT_THAT(gPopupJobNotesNote, ElementsAre("abcdefg", "", "True", "", "")) << "no secret";
-    form.Restore();
-    EXPECT_EQ(PaneEditor::Value(*first.note) + PaneEditor::Value(*pin.note), "");
-    EXPECT_FALSE(form.HasRemembered()) << "a secret is not remembered";
-    resetPopupJobNotes();
 }
 
 // Typed one after the other. Under ISO Latin 1 a note with the Euro sign would leave empty.

@@ -35,28 +35,21 @@ std::string shortcutOf(const std::string& text) {
     return place == std::string::npos ? "" : upperCaseUtf8(text.substr(place + 1, 1));
 }
 
-TEST(PaneWords, EveryLanguageHasEveryWordWithItsShortcut) {
+// The bundle's test compares the other languages with the English table.
+TEST(PaneWords, TheEnglishTableHasEveryWordAndShortcutsSeenAtOnceDiffer) {
+    std::map<std::string, std::string> english;
+    for (const PaneWord& word : paneWords) {
+        EXPECT_TRUE(english.emplace(word.key, word.english).second) << word.key;
+    }
+    EXPECT_EQ(tableOf("en"), english);
     for (const char* language : {"en", "de", "fr", "ja", "zh_CN"}) {
         auto table = tableOf(language);
-        std::set<std::string> keys;
-        for (const PaneWord& word : paneWords) {
-            EXPECT_TRUE(keys.insert(word.key).second) << word.key;
-            ASSERT_TRUE(table.contains(word.key)) << language << ' ' << word.key;
-            EXPECT_EQ(shortcutOf(table[word.key]).empty(), shortcutOf(word.english).empty())
-                << language << ' ' << word.key;
-        }
-        EXPECT_EQ(table.size(), keys.size()) << language << " has words that nobody says";
-        // Those that are seen at once must differ.
         std::set<std::string> shortcuts;
         for (const PaneWord& word :
              {words::configure, words::customize, words::defaults, words::fullProperties,
               words::twoWayCheckBox, words::resolve, words::undo, words::show, words::resetSelected}) {
             EXPECT_TRUE(shortcuts.insert(shortcutOf(table[word.key])).second) << language << ' ' << word.key;
         }
-    }
-    auto english = tableOf("en");
-    for (const PaneWord& word : paneWords) {
-        EXPECT_EQ(english[word.key], word.english);
     }
 }
 

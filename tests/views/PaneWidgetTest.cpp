@@ -213,6 +213,10 @@ TEST_F(PaneWidgetTest, ResolvesAConflictWithOneClickAndTakesItBack) {
     EXPECT_EQ(pane.Value("*QVFinisherUnit"), "None");
     EXPECT_TRUE(pane.Editor().Conflicts().empty());
     EXPECT_EQ(Field<QComboBox>("*QVStaple")->currentText(), QStringLiteral("Off"));
+    for (const bool isGrey : {true, false}) {
+        pane.interface->customizePane().greyoutShortcutControls(isGrey);
+        EXPECT_EQ(Field<QComboBox>("*QVStaple")->isEnabled(), !isGrey);
+    }
     QTest::mouseClick(Widget().Bar()->UndoButton(), Qt::LeftButton);
     EXPECT_EQ(pane.Value("*QVStaple"), "Saddle");
     EXPECT_TRUE(Widget().Bar()->ResolveButton()->isVisible());
@@ -321,21 +325,6 @@ TEST_F(PaneWidgetTest, CustomSizeIsUsedWithACustomPrintSizeOnly) {
     QTest::keyClicks(width, QStringLiteral("210\r"));
     EXPECT_FALSE(message->isVisible());
     EXPECT_EQ(width->value(), 210);
-}
-
-TEST_F(PaneWidgetTest, FollowsWhatChangesElsewhere) {
-    ASSERT_TRUE(Widget().ShowPage("QVFinishingPage"));
-    ASSERT_TRUE(Widget().ShowPage("QVLayoutPage"));
-    pane.pane->Set("*QVStaple", "Saddle");
-    pane.pane->Set("*QVMirror", "True");
-    pane.Draw();
-    EXPECT_TRUE(Field<QCheckBox>("*QVMirror")->isChecked());
-    ASSERT_TRUE(Widget().ShowPage("QVFinishingPage"));
-    EXPECT_EQ(Field<QComboBox>("*QVStaple")->currentText(), QStringLiteral("Saddle Stitch"));
-    pane.interface->customizePane().greyoutShortcutControls(true);
-    EXPECT_FALSE(Field<QComboBox>("*QVStaple")->isEnabled());
-    pane.interface->customizePane().greyoutShortcutControls(false);
-    EXPECT_TRUE(Field<QComboBox>("*QVStaple")->isEnabled());
 }
 
 TEST_F(PaneWidgetTest, EveryFieldHasANameARoleAndAPlaceInTheTabOrder) {

@@ -65,10 +65,10 @@ struct Asked {
 TEST(PopupJobNotes, AskForEachNoteInItsField) {
     Asked asked(jobNote("QVFirst", "6|Numeric|Required|LengthReq|PopupJN") +
                 jobNote("QVPin", "8|Numeric|Password|Required|Remembered|PopupJN") +
-                jobNote("QVOther", "9|Alpha"));
+                jobNote("QVOther", "9|Alpha") + jobNote("QVSwitch", "5|OnOfSwitch|PopupJN"));
     EXPECT_TRUE(asked.Print([](QDialog& dialog) {
-        auto& first = Asked::Line(dialog, "popupJobNoteVal21");
-        auto& pin = Asked::Line(dialog, "popupJobNoteSec22");
+        auto& first = Asked::Line(dialog, "popupJobNoteVal31");
+        auto& pin = Asked::Line(dialog, "popupJobNoteSec32");
         EXPECT_EQ(pin.echoMode(), QLineEdit::Password);
         EXPECT_EQ(first.accessibleName(), "QVFirst name");
         auto* message = dialog.findChild<QLabel*>("popupJobNoteMessage");
@@ -88,6 +88,7 @@ TEST(PopupJobNotes, AskForEachNoteInItsField) {
         QTest::keyClick(&first, Qt::Key_Backspace);
         QTest::keyClicks(&pin, "99");
         pin.setFocus();
+        dialog.findChild<QCheckBox*>("popupJobNoteVal33")->click();
         auto* print = dialog.findChild<QDialogButtonBox*>()->findChildren<QPushButton*>().front();
         QTest::mouseClick(print, Qt::LeftButton);
         EXPECT_TRUE(dialog.isVisible());
@@ -97,7 +98,7 @@ TEST(PopupJobNotes, AskForEachNoteInItsField) {
     }));
     EXPECT_EQ(asked.viewed->Value("*QVFirst"), "12345");
     EXPECT_EQ(asked.viewed->Value("*QVPin"), "99");
-    EXPECT_THAT(gPopupJobNotesNote, ElementsAre("12345", "", "", "", "")) << "secrets are kept nowhere";
+    EXPECT_THAT(gPopupJobNotesNote, ElementsAre("12345", "", "True", "", "")) << "secrets are kept nowhere";
     EXPECT_EQ(popupJobNotePreferences(*asked.viewed->pane->model), "010") << "nothing of a password";
 }
 

@@ -74,24 +74,14 @@ TEST(FieldKeys, TellsWhatIsWrong) {
     }
 }
 
-TEST(FieldKeys, InstalledFile) {
-    namespace fs = std::filesystem;
+TEST(FieldKeys, AFileThatIsNotThereIsNoFault) {
     const tests::TemporaryFolder folder;
     PosixSystemOptions options;
     options.root = folder.Path();
     setSystem(std::make_unique<PosixSystem>(options));
     EXPECT_EQ(*FieldKeys::LoadInstalled(), nullptr);
     EXPECT_TRUE(useInstalledFieldKeys());
-    const fs::path file = system().Resolve(FieldKeys::installedPath);
-    EXPECT_EQ(file, folder / "var/lib/torka/ZAN/FieldKeys.plist");
-    fs::create_directories(file.parent_path());
-    fs::copy_file(samplePath, file);
-    fs::permissions(file, static_cast<fs::perms>(0644));
-    ASSERT_TRUE(useInstalledFieldKeys());
-    EXPECT_NE(installedFieldKeys(), nullptr);
-    installFieldKeys(nullptr);
     EXPECT_EQ(installedFieldKeys(), nullptr);
-
     EXPECT_EQ(FieldKeys::Load(folder.Path()).Why().text.find("cannot be read"), 0U);
     EXPECT_EQ(FieldKeys::Load(folder / "none").Why().text.find("no field keys are installed"), 0U);
     setSystem(nullptr);

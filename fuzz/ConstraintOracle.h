@@ -6,10 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
-#include <iterator>
 #include <map>
-#include <ranges>
-#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -51,7 +48,6 @@ struct Store {
     std::map<Id, std::vector<Id>> options;
     Lists constraints;
     Lists requirements;
-    Lists setAside; // of constraints
     std::vector<std::tuple<Id, Id, Id, Id, bool>> deferred;
     Pairs current;
     Pairs locked;
@@ -138,14 +134,16 @@ struct Store {
             insert(merged, change.key, change.option);
         }
         for (const KeyOption& change : changeSet) {
-            const Pairs constrained = list(change.key, change.option);
-            for (const KeyOption& candidate : constrained | std::views::reverse) {
+            Pairs constrained = list(change.key, change.option);
+            std::ranges::reverse(constrained);
+            for (const KeyOption& candidate : constrained) {
                 if (!has(merged, candidate)) {
                     continue;
                 }
                 answer.conflicts.push_back(candidate);
-                const std::vector<Id> others = optionsOf(candidate.key);
-                for (const Id other : others | std::views::reverse) {
+                std::vector<Id> others = optionsOf(candidate.key);
+                std::ranges::reverse(others);
+                for (const Id other : others) {
                     if (other != candidate.option && !has(constrained, {candidate.key, other})) {
                         answer.alternatives.push_back({candidate.key, other});
                     }
@@ -212,103 +210,6 @@ struct Store {
         changeSet = search.queue.front();
         search.queue.pop_front();
         return solve(changeSet, keepChanged, search);
-    }
-
-    Pairs listCurrent(Id key) const {
-        Pairs listed;
-        for (const Id option : optionsOf(key)) {
-            const Pairs constrained = list(key, option);
-            if (std::any_of(constrained.begin(), constrained.end(),
-                            [&](auto& pair) { return has(current, pair); })) {
-                listed.push_back({key, option});
-            }
-        }
-        return listed;
-    }
-
-    Pairs listBlocking(Id key1, Id excluded, Id key2) const {
-        Pairs listed;
-        if (key1 < 0 || excluded < 0 || key2 < 0) {
-            return listed;
-        }
-        const std::vector<Id> all = optionsOf(key1);
-        std::set<Id> others(all.begin(), all.end());
-        others.erase(excluded);
-        for (const Id option : optionsOf(key2)) {
-            std::set<Id> blocked;
-            for (const KeyOption& pair : list(key2, option)) {
-                if (pair.key == key1) {
-                    blocked.insert(pair.option);
-                }
-            }
-            if (blocked == others) {
-                listed.push_back({key2, option});
-            }
-        }
-        return listed;
-    }
-
-    Pairs listScreened(const Pairs& selections, bool exact, Id key) const {
-        Pairs listed;
-        for (const Id option : optionsOf(key)) {
-            Pairs gathered = list(key, option);
-            std::erase_if(gathered, [&](auto& pair) { return !has(selections, pair); });
-            if (!gathered.empty() && (!exact || std::ranges::is_permutation(gathered, selections))) {
-                insert(listed, key, option);
-            }
-        }
-        return listed;
-    }
-
-    // Calls `change` with each list of the key and option, and `follow` with each pair that it gathers in a
-    // tree. Returns whether there was a tree.
-    template <class Change, class Follow>
-    bool visit(Id key, Id option, Change change, Follow follow) {
-        bool visited = false;
-        for (auto& [treeKey, tree] : constraints) {
-            if (key != -1 && key != treeKey) {
-                continue;
-            }
-            visited = true;
-            Pairs gathered;
-            for (auto& [each, pairs] : tree) {
-                if (option == -1 || option == each) {
-                    change(setAside[treeKey], each, pairs, gathered);
-                }
-            }
-            std::ranges::for_each(gathered, follow);
-        }
-        return visited;
-    }
-
-    bool disable(Id key, Id option, Id key2, Id option2) {
-        const auto isMeant = [&](const KeyOption& pair) {
-            return pair.key == key2 && (option2 == -1 || pair.option == option2);
-        };
-        return visit(
-            key, option,
-            [&](auto& aside, Id each, Pairs& pairs, Pairs& removed) {
-                aside.emplace(each, pairs);
-                std::ranges::copy_if(pairs, std::back_inserter(removed), isMeant);
-                std::erase_if(pairs, isMeant);
-            },
-            [&](const KeyOption& pair) { disable(pair.key, pair.option, key2, option2); });
-    }
-
-    bool enable(Id key, Id option) {
-        return visit(
-            key, option,
-            [](auto& aside, Id each, Pairs& pairs, Pairs& restored) {
-                const auto node = aside.extract(each);
-                if (node.empty()) {
-                    return;
-                }
-                std::ranges::copy_if(node.mapped(), std::back_inserter(restored), [&](auto& pair) {
-                    return std::ranges::count(pairs, pair) < std::ranges::count(node.mapped(), pair);
-                });
-                pairs = node.mapped();
-            },
-            [&](const KeyOption& pair) { enable(pair.key, pair.option); });
     }
 };
 

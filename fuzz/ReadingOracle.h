@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-// A slow byte-by-byte reader of descriptions. The tests compare the real readers with it.
+// A slow byte-by-byte reader of descriptions. The target ppd_tokens compares the real readers with it.
 
 namespace torka::oracle {
 

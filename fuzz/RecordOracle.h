@@ -13,7 +13,7 @@
 
 // A slow and obvious reader for a record of a data file: line by line, chunk by chunk.
 
-namespace torka::tests {
+namespace torka::fuzz {
 
 inline std::optional<std::string> readSlowly(const std::string& text, const std::string& recordName) {
     constexpr std::size_t limit = 0xFFFFFF;
@@ -61,4 +61,4 @@ inline std::optional<std::string> readSlowly(const std::string& text, const std:
     return payload;
 }
 
-} // namespace torka::tests
+} // namespace torka::fuzz
