@@ -11,10 +11,8 @@
 #include <QPrinterInfo>
 #include <QSpinBox>
 #include <QTabWidget>
-#include <algorithm>
 #include <clocale>
 #include <csignal>
-#include <cstdlib>
 #include <sstream>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -88,75 +86,51 @@ protected:
         painter.drawText(300, 300, "A page of the program");
     }
 
-    // The document of the next job at the device; the number counts on from the last one.
+    // The document of the next job at the device.
     std::string NextPrinted(int before) const {
         std::string document;
         WaitUntil([&] { return !(document = sandbox->Printed(LastJob())).empty() && LastJob() > before; });
         return document;
     }
-    static int LastJob() {
-        int last = 0;
-        const auto numbers = [&](const std::string& which) {
-            std::istringstream lines(runCommand({"lpstat", "-W", which, "-o"}).output);
-            for (std::string line; std::getline(lines, line);) {
-                last = std::max(last, std::atoi(line.c_str() + line.find('-') + 1));
-            }
-        };
-        numbers("all");
-        return last;
-    }
 };
 
-TEST_F(ForeignDialogTest, ExecAndOpenPrintWithThePanesSettings) {
-    for (const bool opens : {false, true}) {
-        SCOPED_TRACE(opens ? "open(), with a slot that prints" : "exec()");
-        QPrinter printer;
-        QPrintDialog dialog(&printer);
-        const int before = LastJob();
-        const auto person = [&] {
-            EXPECT_EQ(QPrinterInfo::defaultPrinterName(), "Production");
-            ShowPane(dialog);
-            ASSERT_GE(Tab(dialog), 0);
-            Choose(dialog, "*QVStaple", "Saddle Stitch");
-            auto* note = Field<QLineEdit>(dialog, "*Notes1");
-            ASSERT_NE(note, nullptr);
-            note->setText({});
-            QTest::keyClicks(note, "Two proofs");
-            ShowPage(dialog, "Layout");
-            Choose(dialog, "*QVDuplex", "Turn on Short Edge");
-            dialog.findChild<QSpinBox*>("copies")->setValue(2);
-            AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
-            PressPrint(dialog);
-        };
-        if (opens) {
-            int printed = 0;
-            QObject::connect(&dialog, qOverload<QPrinter*>(&QPrintDialog::accepted),
-                             [&](QPrinter* accepted) { PrintPage(*accepted), ++printed; });
-            dialog.open();
-            person();
-            EXPECT_EQ(printed, 1);
-        } else {
-            QTimer::singleShot(0, &dialog, person);
-            QTimer::singleShot(30000, &dialog, &QDialog::reject); // a dialog that stays open fails the test
-            ASSERT_EQ(dialog.exec(), QDialog::Accepted);
-            PrintPage(printer);
-        }
-        EXPECT_EQ(printer.copyCount(), 2);
-        EXPECT_FALSE(OptionsOf(printer).join(' ').contains("Two proofs"));
-        const std::string document = NextPrinted(before);
-        for (const char* expected : {"/RMXsetStaple /Saddle", "Two proofs", "*QVDuplex ShortEdge"}) {
-            EXPECT_NE(document.find(expected), std::string::npos) << expected;
-        }
-        // A second job of the same dialog has the settings by its options, and the notes not at all.
-        const int first = LastJob();
-        PrintPage(printer);
-        const std::string second = NextPrinted(first);
-        EXPECT_NE(second.find("/RMXsetStaple /Saddle"), std::string::npos);
-        EXPECT_EQ(second.find("Two proofs"), std::string::npos);
-        for (const std::string* each : {&document, &second}) { // nothing comes twice
-            const std::string_view staple = "%%BeginFeature: *QVStaple";
-            EXPECT_EQ(each->find(staple), each->rfind(staple));
-        }
+TEST_F(ForeignDialogTest, PrintsOnceWithThePanesSettingsAndAgainWithoutTheNotes) {
+    QPrinter printer;
+    QPrintDialog dialog(&printer);
+    const int before = LastJob();
+    int printed = 0;
+    QObject::connect(&dialog, qOverload<QPrinter*>(&QPrintDialog::accepted),
+                     [&](QPrinter* accepted) { PrintPage(*accepted), ++printed; });
+    QTimer::singleShot(0, &dialog, [&] {
+        EXPECT_EQ(QPrinterInfo::defaultPrinterName(), "Production");
+        ShowPane(dialog);
+        ASSERT_GE(Tab(dialog), 0);
+        Choose(dialog, "*QVStaple", "Saddle Stitch");
+        QTest::keyClicks(Field<QLineEdit>(dialog, "*Notes1"), "Two proofs");
+        ShowPage(dialog, "Layout");
+        Choose(dialog, "*QVDuplex", "Turn on Short Edge");
+        dialog.findChild<QSpinBox*>("copies")->setValue(2);
+        AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
+        PressPrint(dialog);
+    });
+    QTimer::singleShot(30000, &dialog, &QDialog::reject); // a dialog that stays open fails the test
+    ASSERT_EQ(dialog.exec(), QDialog::Accepted);
+    EXPECT_EQ(printed, 1);
+    EXPECT_EQ(printer.copyCount(), 2);
+    EXPECT_FALSE(OptionsOf(printer).join(' ').contains("Two proofs"));
+    const std::string document = NextPrinted(before);
+    for (const char* expected : {"/RMXsetStaple /Saddle", "Two proofs", "*QVDuplex ShortEdge"}) {
+        EXPECT_NE(document.find(expected), std::string::npos) << expected;
+    }
+    // A second job of the same dialog has the settings by its options, and the notes not at all.
+    const int first = LastJob();
+    PrintPage(printer);
+    const std::string second = NextPrinted(first);
+    EXPECT_NE(second.find("/RMXsetStaple /Saddle"), std::string::npos);
+    EXPECT_EQ(second.find("Two proofs"), std::string::npos);
+    for (const std::string* each : {&document, &second}) { // nothing comes twice
+        const std::string_view staple = "%%BeginFeature: *QVStaple";
+        EXPECT_EQ(each->find(staple), each->rfind(staple));
     }
 }
 
@@ -192,27 +166,32 @@ TEST_F(ForeignDialogTest, ACancelledDialogAndAForeignQueueAreAsWithoutThePane) {
     for (const auto& [queue, hasPane] : {std::pair{"Plain", false}, {"Second", true}, {"Production", true}}) {
         ChooseQueue(dialog, queue);
         EXPECT_EQ(Tab(dialog) >= 0, hasPane) << queue;
-        EXPECT_EQ(dialog.findChild<QGroupBox*>("colorMode")->isHidden(), hasPane) << queue;
+        for (const char* field : {"colorMode", "duplex"}) {
+            EXPECT_EQ(dialog.findChild<QWidget*>(field)->isHidden(), hasPane) << queue << field;
+        }
+        UseProperties(dialog, [hasPane](QDialog& window) {
+            auto* tabs = window.findChild<QTabWidget*>("tabs");
+            EXPECT_EQ(tabs->isTabVisible(tabs->indexOf(window.findChild<QWidget*>("cupsPropertiesPage"))),
+                      !hasPane);
+            EXPECT_EQ(window.findChild<QWidget*>("pagesPerSheetButtonGroup")->isHidden(), hasPane);
+        });
     }
     const auto* tabs = qobject_cast<QTabWidget*>(mine->parentWidget()->parentWidget());
     ASSERT_NE(tabs, nullptr);
     EXPECT_TRUE(tabs->isTabVisible(tabs->indexOf(mine))); // the program's own tab is still there
     ChooseQueue(dialog, "Plain");
-    const int last = LastJob();
     PressPrint(dialog);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_FALSE(OptionsOf(printer).join(' ').contains("PSData"));
-    PrintPage(printer);
-    const std::string document = NextPrinted(last);
-    EXPECT_NE(document.find("%!PS"), std::string::npos);
-    EXPECT_EQ(document.find("QVStaple"), std::string::npos);
 }
 
 TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
     QPrinter printer;
-    for (const auto& [answer, prints] : {std::pair{"Cancel", false}, {"Resolve", true}}) {
+    for (const auto& [answer, prints] :
+         {std::pair{"Cancel", false}, {"Resolve", true}, {"Print Anyway", true}}) {
         SCOPED_TRACE(answer);
         QPrintDialog dialog(&printer);
+        const int before = LastJob();
         int slots = 0;
         bool accepts = false; // the program itself
         QObject::connect(&dialog, qOverload<>(&QDialog::accepted), [&] { ++slots; });
@@ -222,11 +201,13 @@ TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
         ShowPage(dialog, "Finishing");
         Choose(dialog, "*QVFoldStyle", "Half Fold");
         ChoosePageSize(dialog, "A5");
-        const Answers person(
-            {{"popupJobNotes", Answers::Accept}, {"conflicts", [&, text = answer](QDialog& question) {
-                                                      EXPECT_EQ(dialog.isVisible(), !accepts);
-                                                      Answers::Click(question, text);
-                                                  }}});
+        const Answers person({{"popupJobNotes", Answers::Accept},
+                              {"conflicts", [&, text = answer](QDialog& question) {
+                                   EXPECT_EQ(dialog.isVisible(), !accepts);
+                                   EXPECT_EQ(question.findChild<QListWidget*>()->item(0)->text(),
+                                             "“Page Size: A5” does not go together with “Fold: Half Fold”.");
+                                   Answers::Click(question, text);
+                               }}});
         PressPrint(dialog);
         EXPECT_EQ(slots, prints ? 1 : 0);
         EXPECT_EQ(dialog.isVisible(), !prints);
@@ -245,6 +226,9 @@ TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
             }
         } else {
             EXPECT_TRUE(OptionsOf(printer).join(' ').contains("PSData"));
+            PrintPage(printer);
+            EXPECT_EQ(NextPrinted(before).find("*QVFoldStyle Half") != std::string::npos,
+                      answer == std::string("Print Anyway"));
         }
     }
 }

@@ -25,8 +25,23 @@ def wait(what, condition):
         if time.monotonic() > deadline:
             picture("failed")
             sys.exit(f"{pathlib.Path(sys.argv[0]).name}: {what} does not come")
-        time.sleep(0.05)
+        time.sleep(0.1)
     return result
+
+
+def wait_for_rest(process):
+    """Waits until the program uses no processor for a moment: while it makes its windows, it loses keys."""
+    used, quiet = 0, 0
+
+    def rests():
+        nonlocal used, quiet
+        before = used
+        time.sleep(0.2)
+        fields = pathlib.Path(f"/proc/{process.pid}/stat").read_text(encoding="ascii").rpartition(")")[2].split()
+        used = int(fields[11]) + int(fields[12])  # in ticks: utime and stime, see proc(5)
+        quiet = quiet + 1 if used - before <= 1 else 0
+        return quiet == 2
+    wait("the program at rest", rests)
 
 
 def expect(condition, what):
@@ -47,8 +62,9 @@ def windows(title):
 
 def active(title):
     """The window with the title, when keys go to it."""
-    found = output("xdotool", "getactivewindow")
-    return found if found and re.search(title, output("xdotool", "getwindowname", found)) else None
+    name, _, place = output("xdotool", "getactivewindow", "getwindowname", "getwindowgeometry", "--shell").partition("\n")
+    number = re.search(r"^WINDOW=(\d+)", place, re.MULTILINE)
+    return number[1] if number and re.search(title, name) else None
 
 
 def key(*keys):
@@ -188,5 +204,7 @@ def use_home(home, source):
         os.environ[f"XDG_{name}"] = str(pathlib.Path(home, name))
     for command in (("torka", "queue", "add", "Production", "torkasink:/", source / "samples/torka-production.ppd"),
                     ("lpadmin", "-p", "Zebra", "-E", "-v", "torkasink:/", "-m", "drv:///sample.drv/generic.ppd"),
+                    # The server's other way from PDF to PostScript draws pages at 1200 dpi, which takes long.
+                    ("lpadmin", "-p", "Production", "-o", "pdftops-renderer-default=pdftops"),
                     ("lpadmin", "-d", "Production")):
         subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/apps/Tool.h"
-#include "tests/connection/RecordPPD.h"
 
 #include <gmock/gmock.h>
 
@@ -39,40 +38,9 @@ TEST(AddressCommand, KeepsAListThatPythonReads) {
     EXPECT_EQ(printers[0].dump(),
               R"({"address":"10.0.0.2","blocks":[],"format":"2","name":"Office","twoWay":true})");
 
-    const std::string ppd = tests::writeRecordPPD(folder, "QVDriverPreference", tests::readFile(file), true);
-    EXPECT_EQ(runTool({"address", "list", "--ppd", ppd}).output,
-              "Office: 10.0.0.2, two-way\nB\xC3\xBCro: b.example\n");
-
     EXPECT_EQ(runTool({"address", "remove", "--file", file, "nobody"}).status, 1);
     EXPECT_EQ(runTool({"address", "remove", "--file", file, "office"}).status, 0);
     EXPECT_EQ(runTool({"address", "list", "--file", file}).output, "B\xC3\xBCro: b.example\n");
-}
-
-TEST(AddressCommand, LeavesAFileAloneThatIsNoList) {
-    const tests::TemporaryFolder folder;
-    const std::string file = folder.Write("list.plist", "mine").string();
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"address", "list", "--file", file},
-          {"address", "list", "--ppd", file},
-          {"address", "set", "--force", "--file", file, "P", "a"},
-          {"address", "remove", "--file", file, "P"},
-          {"address", "list", "--file", (folder / "absent").string()},
-          {"address", "set", "--force", "--file", (folder / "absent").string() + "/x", "P", "a"},
-          {"address", "set", "--force", "--file", (folder / "new").string(), "P\x01", "a"},
-          {"address", "list"}}) {
-        const tests::CommandResult result = runTool(arguments);
-        EXPECT_EQ(result.status, 2);
-        EXPECT_THAT(result.errors, ::testing::StartsWith("torka: "));
-    }
-    EXPECT_EQ(tests::readFile(file), "mine");
-}
-
-TEST(PingCommand, SaysWhyItCannot) {
-    EXPECT_EQ(runTool({"ping"}).status, 2);
-    EXPECT_EQ(runTool({"ping", "127.0.0.1", "--count", "0"}).status, 2);
-    const tests::CommandResult unknown = runTool({"ping", "no host"});
-    EXPECT_EQ(unknown.status, 2);
-    EXPECT_THAT(unknown.errors, HasSubstr("no host: the host is not known"));
 }
 
 // Runs a script, with the tool as "$0", in a network namespace that has only loopback.

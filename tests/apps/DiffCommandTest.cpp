@@ -8,43 +8,25 @@ namespace {
 
 using tests::runTool;
 
-const std::string description = "*PPD-Adobe: \"4.3\"\n"
-                                "*LanguageEncoding: ISOLatin1\n"
-                                "*LanguageVersion: English\n"
-                                "*ModelName: \"Press\"\n"
-                                "*%ZANFlags *Fold/Folding:\n"
-                                "*OpenUI *Fold/Folding: PickOne\n"
-                                "*DefaultFold: None\n"
-                                "*Fold None/Flat: \"\"\n"
-                                "*Fold Half/In halves: \"half\"\n"
-                                "*CloseUI: *Fold\n"
-                                "*%ZANFlags *Bind/Binding:\n"
-                                "*OpenUI *Bind/Binding: Boolean\n"
-                                "*DefaultBind: False\n"
-                                "*Bind True/Yes: \"\"\n"
-                                "*Bind False/No: \"\"\n"
-                                "*CloseUI: *Bind\n"
-                                "*UIConstraints: *Fold Half *Bind True\n"
-                                "*cupsFilter: \"a/b 0 c\"\n";
-
 TEST(DiffCommand, NamesWhatChanged) {
-    struct Row {
-        std::string from;
-        std::string to;
-        std::string line; // "" for no difference
-    };
     const tests::TemporaryFolder folder;
-    const std::string before = folder.Write("a.ppd", description).string();
-    for (const auto& [from, to, line] : std::vector<Row>{
-             {"\"Press\"", "\"Press 2\"", "~ header modelName: Press -> Press 2\n"},
-             {"In halves", "Once", "~ text *Fold=Half: In halves -> Once\n"},
-             {"DefaultFold: None", "DefaultFold: Half", "~ default *Fold: None -> Half\n"},
-             {"*Fold None", "*Fold Third/Twice: \"\"\n*Fold None", "+ choice *Fold=Third: Twice\n"},
-             {"\"half\"", "\"HALF\"", "~ code *Fold=Half: half\\x0a -> HALF\\x0a\n"},
-             {"*UIConstraints: *Fold Half *Bind True\n", "", "- constraint *Fold=Half *Bind=True\n"},
-             {"*UIConstraints", "*UIConstraints: *Bind True *Fold Half\n*UIConstraints",
-              "+ constraint *Bind=True *Fold=Half\n"},
-             {"0 c", "0 d", "~ lines: 1 lines -> 1 lines\n"},
+    const std::string before = tests::samplePath("torka-production.ppd");
+    const std::string description = tests::readFile(before);
+    // What is replaced by what, and the line that tells it: "" for no difference.
+    for (const auto& [from, to, line] : std::vector<std::tuple<std::string, std::string, std::string>>{
+             {"*ModelName: \"Torka Production 90\"", "*ModelName: \"Press\"",
+              "~ header modelName: Torka Production 90 -> Press\n"},
+             {"Saddle Stitch", "Booklet", "~ text *QVRIPBooklet=Saddle: Saddle Stitch -> Booklet\n"},
+             {"DefaultQVStaple: None", "DefaultQVStaple: Top", "~ default *QVStaple: None -> Top\n"},
+             {"*QVRIPBooklet None", "*QVRIPBooklet Third/Twice: \"\"\n*QVRIPBooklet None",
+              "+ choice *QVRIPBooklet=Third: Twice\n"},
+             {"*QVStaple None/Off: \"\"", "*QVStaple None/Off: \"off\n\"",
+              "~ code *QVStaple=None:  -> off\\x0a\\x0a\n"},
+             {"*UIConstraints: *PageSize Statement *QVStaple Saddle\n", "",
+              "- constraint *PageSize=Statement *QVStaple=Saddle\n"},
+             {"*UIConstraints", "*UIConstraints: *PageSize A4 *QVStaple Dual\n*UIConstraints",
+              "+ constraint *PageSize=A4 *QVStaple=Dual\n"},
+             {"*ModelName", "*cupsFilter: \"a/b 0 c\"\n*ModelName", "~ lines: 0 lines -> 1 lines\n"},
              {"*ModelName", "*% a remark\n\n*ModelName", ""}}) {
         std::string text = description;
         ASSERT_NE(text.find(from), std::string::npos) << from;
@@ -57,9 +39,10 @@ TEST(DiffCommand, NamesWhatChanged) {
                   line.empty() ? 0U : 1U);
     }
     std::string shorter = description;
-    shorter.erase(shorter.find("*%ZANFlags *Bind"));
+    const std::size_t start = shorter.find("*%ZANFlags *QVFoldStyle");
+    shorter.erase(start, shorter.find("*CloseUI: *QVFoldStyle", start) - start);
     EXPECT_THAT(runTool({"diff", before, folder.Write("b.ppd", shorter).string()}).output,
-                ::testing::HasSubstr("- option *Bind: Binding\n"));
+                ::testing::HasSubstr("- option *QVFoldStyle: Fold\n"));
     EXPECT_EQ(runTool({"diff", before, folder.Write("b.ppd", "no description").string()}).status, 2);
 }
 

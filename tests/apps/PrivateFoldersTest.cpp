@@ -4,10 +4,8 @@
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
-#include <functional>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace torka::tests {
@@ -20,35 +18,20 @@ std::size_t entriesOf(const fs::path& folder) {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-// Runs `torka emit` until it has made its folder and blocks at its first output, because the pipe is full.
-// Ends it by the signal.
+// Runs `torka emit` until it has made its folder and blocks, because nobody reads what it writes. Ends it by
+// the signal; returns the one that has ended it.
 int endEmitBy(int signal, const fs::path& temporary) {
-    int output[2];
-    EXPECT_EQ(::pipe2(output, O_NONBLOCK | O_CLOEXEC), 0);
-    const std::string block(4096, ' ');
-    while (::write(output[1], block.data(), block.size()) > 0) {
-    }
-    ::fcntl(output[1], F_SETFL, 0);
-    const pid_t tool = ::fork();
-    if (tool == 0) {
-        ::setenv("TMPDIR", temporary.c_str(), 1);
-        ::dup2(output[1], STDOUT_FILENO);
-        ::execl(TORKA_BINARY_DIR "/bin/torka", "torka", "emit", samplePath("torka-production.ppd").c_str(),
-                nullptr);
-        ::_exit(127);
-    }
-    for (int i = 0;
-         i < 3000 && (entriesOf(temporary) == 0 || fs::is_empty(fs::directory_iterator(temporary)->path()));
-         ++i) {
-        ::usleep(10000);
-    }
-    EXPECT_EQ(entriesOf(temporary), 1U);
-    ::kill(tool, signal);
-    int status = 0;
-    ::waitpid(tool, &status, 0);
-    ::close(output[0]);
-    ::close(output[1]);
-    return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    static constexpr const char* script =
+        "import os, subprocess, sys, time\n"
+        "os.environ['TMPDIR'] = folder = sys.argv[1]\n"
+        "tool = subprocess.Popen(sys.argv[3:], stdout=subprocess.PIPE, pipesize=4096)\n"
+        "while not any(os.listdir(os.path.join(folder, each)) for each in os.listdir(folder)):\n"
+        "    time.sleep(0.01)\n"
+        "tool.send_signal(int(sys.argv[2]))\n"
+        "sys.exit(-tool.wait())\n";
+    return runCommand({"/usr/bin/python3", "-c", script, temporary.string(), std::to_string(signal),
+                       TORKA_BINARY_DIR "/bin/torka", "emit", samplePath("torka-production.ppd")})
+        .status;
 }
 
 } // namespace

@@ -6,11 +6,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <thread>
-
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 // What holds for every command: one line for a failure, no control characters, secrets that need no command
 // line. scripts/check-manual looks at --help and --version of each.
@@ -37,11 +32,14 @@ TEST(Tool, SaysInOneLineWhatItCannotUse) {
     const std::string below = sample + "/below"; // nobody can look there
     for (const std::string& bad : {name, below}) {
         for (const Arguments& arguments : {Arguments{"show", bad},
+                                           {"lint", bad},
                                            {"lint", sample, "--bundle", bad},
                                            {"diff", sample, bad},
                                            {"check", bad},
                                            {"emit", sample, "--keys", bad},
                                            {"emit", sample, "--settings", bad},
+                                           {"emit", sample, "--save-settings", bad},
+                                           {"emit", sample, "--ticket", bad},
                                            {"emit", sample, "Notes1=@" + bad},
                                            {"ticket", bad},
                                            {"print", "-d", "q", bad},
@@ -58,6 +56,42 @@ TEST(Tool, SaysInOneLineWhatItCannotUse) {
             expectOneLine(runTool(arguments), arguments);
         }
     }
+    const tests::TemporaryFolder folder;
+    const std::string text = folder.Write("text.plist", "hello");
+    const std::string large = folder.Write("large.ppd", "*PPD-Adobe: \"4.3\"\n");
+    std::filesystem::resize_file(large, (std::uintmax_t{256} << 20U) + 1);
+    for (const Arguments& arguments :
+         {Arguments{},
+          {"nonsense"},
+          {"show"},
+          {"show", folder.Path()},
+          {"show", folder.Write("other.ppd", "*PPD-Adobe: \"4.2\"\n")},
+          {"show", large},
+          {"check", sample, "QVNoSuchOption=1"},
+          {"check", sample, "QVDuplex=Sideways"},
+          {"check", sample, "QVDuplex"},
+          {"emit", sample, "QVUTF8_Version=7"},
+          {"emit", sample, "--splice", samplePath("brochure.ps")},
+          {"emit", sample, "--splice", folder / "absent.ps", "--output", folder / "out.ps"},
+          {"emit", sample, "--settings", text},
+          {"emit", sample, "--two-way", "perhaps"},
+          {"emit", sample, "--orientation", "5"},
+          {"ticket", text},
+          {"print", "-d", "q", "-o", "ZAN.PSData.x=/etc/passwd", sample},
+          {"serverdata", samplePath("plain.ps")},
+          {"module", "run", "--module", TORKA_SAMPLE_MODULE, "--ppd", text},
+          {"ping"},
+          {"ping", "127.0.0.1", "--count", "0"},
+          {"address", "list"},
+          {"address", "list", "--file", text},
+          {"address", "list", "--ppd", text},
+          {"address", "set", "--force", "--file", text, "P", "a"},
+          {"address", "set", "--force", "--file", folder / "new", "P\x01", "a"},
+          {"address", "remove", "--file", text, "P"}}) {
+        expectOneLine(runTool(arguments), arguments);
+    }
+    EXPECT_EQ(tests::readFile(text), "hello");
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.ps"));
 }
 
 // Messages of three floors, with names and reasons in them. What programs read stays as it is.
@@ -109,30 +143,24 @@ TEST(Tool, NamesAServerThatItCannotReach) {
 }
 
 TEST(Tool, SaysThatAServerTakesConnectionsAndDoesNotAnswer) {
-    const std::string place = std::filesystem::path(testing::TempDir()) / "torka-silent.sock";
-    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    place.copy(address.sun_path, sizeof address.sun_path - 1);
-    std::filesystem::remove(place);
-    ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(listen(listener, 8), 0);
-    const std::jthread hangUp([listener] {
-        for (int connection = accept(listener, nullptr, nullptr); connection >= 0;
-             connection = accept(listener, nullptr, nullptr)) {
-            close(connection);
-        }
-    });
+    const tests::TemporaryFolder folder;
+    const std::string script = "import os, socket, subprocess, sys, threading\n"
+                               "server = socket.socket(socket.AF_UNIX)\n"
+                               "server.bind(sys.argv[1])\n"
+                               "server.listen()\n"
+                               "def hang_up():\n"
+                               "    while True: server.accept()[0].close()\n"
+                               "threading.Thread(target=hang_up, daemon=True).start()\n"
+                               "os.environ['CUPS_SERVER'] = sys.argv[1]\n"
+                               "sys.exit(subprocess.run(sys.argv[2:]).returncode)\n";
     for (const Arguments& arguments : {Arguments{"queue", "list"}, {"print", "-d", "q", sample}}) {
-        Arguments command{"env", "CUPS_SERVER=" + place, TORKA_BINARY_DIR "/bin/torka"};
+        const std::string place = folder / arguments[0];
+        Arguments command{"/usr/bin/python3", "-c", script, place, TORKA_BINARY_DIR "/bin/torka"};
         command.insert(command.end(), arguments.begin(), arguments.end());
         const tests::CommandResult result = tests::runCommand(command);
         expectOneLine(result, arguments);
         EXPECT_THAT(result.errors, HasSubstr(place + " takes connections but does not answer"));
     }
-    shutdown(listener, SHUT_RDWR);
-    close(listener);
-    std::filesystem::remove(place);
 }
 
 TEST(Tool, EndsInOrderWithoutMemory) {
@@ -188,19 +216,16 @@ TEST(Tool, PrintsNoControlCharacters) {
 
 TEST(Settings, TakeTheirTextsFromFilesAndStandardInput) {
     const tests::TemporaryFolder folder;
-    struct Row {
-        std::string content;
-        std::string value; // "" when the text is refused
-    };
-    for (const auto& [content, value] :
-         std::vector<Row>{{"shelf 4\n", "shelf 4"},
-                          {"shelf 4", "shelf 4"},
-                          {"shelf 4\n\n", "shelf 4 "}, // a break becomes a blank
-                          {"=@x", "=@x"},
-                          {"caf\u00e9", "caf\u00e9"},
-                          {std::string("a\0b", 3), ""},
-                          {"\xff", ""},
-                          {std::string(65537, 'x'), ""}}) {
+    // The text, and the setting's value: "" when the text is refused.
+    for (const auto& [content, value] : std::vector<std::pair<std::string, std::string>>{
+             {"shelf 4\n", "shelf 4"},
+             {"shelf 4", "shelf 4"},
+             {"shelf 4\n\n", "shelf 4 "}, // a break becomes a blank
+             {"=@x", "=@x"},
+             {"caf\u00e9", "caf\u00e9"},
+             {std::string("a\0b", 3), ""},
+             {"\xff", ""},
+             {std::string(65537, 'x'), ""}}) {
         const std::string file = folder.Write("text", content).string();
         const std::vector<tests::CommandResult> results{
             runTool({"emit", sample, "Notes1=@" + file}),

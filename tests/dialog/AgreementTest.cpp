@@ -5,7 +5,6 @@
 #include <QCheckBox>
 #include <QDoubleSpinBox>
 #include <QRadioButton>
-#include <QTabWidget>
 #include <algorithm>
 #include <cstdlib>
 
@@ -16,33 +15,6 @@ namespace torka::tests {
 namespace {
 
 using AgreementTest = DialogTest;
-
-TEST_F(AgreementTest, AConflictOfThePageSizeNeverPrintsUnasked) {
-    AddQueue("Conflict", samplePath("torka-production.ppd"));
-    for (const auto& [answer, printed, fold] :
-         {std::tuple{"Cancel", false, "Half"}, {"Resolve", true, "None"}, {"Print Anyway", true, "Half"}}) {
-        SCOPED_TRACE(answer);
-        const auto shown = Open("Conflict");
-        PrintDialog& dialog = *shown->dialog;
-        QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
-        ShowPage(dialog, "Finishing");
-        Choose(dialog, "*QVFoldStyle", "Half Fold");
-        ChoosePageSize(dialog, "A5");
-        QStringList named;
-        {
-            const Answers person({{"popupJobNotes", Answers::Accept},
-                                  {"conflicts", [&, text = answer](QDialog& question) {
-                                       named.append(question.findChild<QListWidget*>()->item(0)->text());
-                                       Answers::Click(question, text);
-                                   }}});
-            PressPrint(dialog);
-        }
-        EXPECT_EQ(named, QStringList("“Page Size: A5” does not go together with “Fold: Half Fold”."));
-        EXPECT_EQ(dialog.result(), printed ? QDialog::Accepted : QDialog::Rejected);
-        EXPECT_EQ(dialog.isVisible(), !printed);
-        EXPECT_EQ(utf8Text(cfCast<CFString>(dialog.tab().settings().Value(cfString("*QVFoldStyle")))), fold);
-    }
-}
 
 // What the pane shows for a setting, on whichever page it stands.
 std::string shownText(PrintDialog& dialog, const char* keyword) {
@@ -63,146 +35,95 @@ std::string shownText(PrintDialog& dialog, const char* keyword) {
 }
 
 TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
-    AddQueue("Agreement", samplePath("torka-production.ppd"));
-    AddQueue("Other", samplePath("torka-production.ppd"));
-    const auto properties = [](const char* button) {
+    AddQueue("Agreement");
+    AddQueue("Other");
+    using Step = std::function<void(PrintDialog&)>;
+    const auto turn = [](const char* button) -> Step {
         return [button](PrintDialog& dialog) {
             UseProperties(dialog, [button](QDialog& window) {
                 window.findChild<QRadioButton*>(QLatin1String(button))->click();
             });
         };
     };
-    const auto pane = [](const char* page, const char* keyword, const char* choice) {
+    const auto pane = [](const char* page, const char* keyword, const char* choice) -> Step {
         return [=](PrintDialog& dialog) {
             ShowPage(dialog, page);
             Choose(dialog, keyword, choice);
         };
     };
+    const auto size = [](const char* name) -> Step {
+        return [name](PrintDialog& dialog) { ChoosePageSize(dialog, name); };
+    };
+    const Step customSize = [](PrintDialog& dialog) {
+        ChoosePageSize(dialog, "Custom");
+        UseProperties(dialog, [](QDialog& window) {
+            window.findChild<QDoubleSpinBox*>("pageWidth")->setValue(150);
+            window.findChild<QDoubleSpinBox*>("pageHeight")->setValue(210);
+        });
+    };
+    const Step cancelled = [](PrintDialog& dialog) {
+        UseProperties(
+            dialog,
+            [](QDialog& window) { window.findChild<QComboBox*>("pageSizeCombo")->setCurrentIndex(0); },
+            QDialog::Rejected);
+    };
+    const Step defaults = [](PrintDialog& dialog) {
+        QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
+    };
+    const Step otherQueueAndBack = [](PrintDialog& dialog) {
+        EXPECT_TRUE(dialog.chooseQueue("Other"));
+        EXPECT_TRUE(dialog.chooseQueue("Agreement"));
+        dialog.showPane();
+    };
+    const Step uncollated = [](PrintDialog& dialog) {
+        dialog.findChild<QSpinBox*>("copies")->setValue(2);
+        dialog.findChild<QCheckBox*>("collate")->setChecked(false);
+    };
+    const Step undo = [](PrintDialog& dialog) {
+        QTest::keyClick(Field<QComboBox>(dialog, "*QVStaple"), Qt::Key_Z, Qt::ControlModifier);
+    };
     struct Situation {
-        const char* what;
-        std::function<void(PrintDialog&)> person;
+        std::vector<Step> steps; // after the defaults
         const char* keyword;
         const char* shown;  // on screen
         const char* value;  // in the print settings
-        const char* device; // in the document; null for what it does not tell
+        const char* device; // in the document
     };
     const Situation situations[] = {
-        {"opened", [](PrintDialog&) {}, "*PageSize", "US Letter", "Letter",
-         "%%BeginFeature: *PageSize Letter"},
-        {"page size in Properties", [](PrintDialog& dialog) { ChoosePageSize(dialog, "A5"); }, "*PageSize",
-         "A5", "A5", "%%BeginFeature: *PageSize A5"},
-        {"Properties cancelled",
-         [](PrintDialog& dialog) {
-             ChoosePageSize(dialog, "A3");
-             UseProperties(
-                 dialog,
-                 [](QDialog& window) { window.findChild<QComboBox*>("pageSizeCombo")->setCurrentIndex(0); },
-                 QDialog::Rejected);
-         },
-         "*PageSize", "A3", "A3", "%%BeginFeature: *PageSize A3"},
-        {"landscape", properties("landscape"), "*QVOrientation", "Landscape", "Landscape",
-         "%%Orientation: Landscape"},
-        {"portrait again",
-         [&](PrintDialog& dialog) {
-             properties("landscape")(dialog);
-             properties("portrait")(dialog);
-         },
-         "*QVOrientation", "Portrait", "Portrait", "%%Orientation: Portrait"},
-        {"defaults after landscape",
-         [&](PrintDialog& dialog) {
-             properties("landscape")(dialog);
-             QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
-         },
-         "*QVOrientation", "Landscape", "Landscape", "%%Orientation: Landscape"},
-        {"not collated",
-         [](PrintDialog& dialog) {
-             dialog.findChild<QSpinBox*>("copies")->setValue(2);
-             dialog.findChild<QCheckBox*>("collate")->setChecked(false);
-         },
-         "*Collate", "Off", "False", nullptr},
-        {"sides in the pane", pane("Layout", "*QVDuplex", "Turn on Long Edge"), "*QVDuplex",
-         "Turn on Long Edge", "LongEdge", "%%BeginFeature: *QVDuplex LongEdge"},
-        {"pages per sheet in the pane", pane("Layout", "*QVNUpPages", "4"), "*QVNUpPages", "4", "4",
-         "%%BeginFeature: *QVNUpPages 4"},
-        {"tray in the pane", pane("Paper and Job", "*InputSlot", "Tray 1"), "*InputSlot", "Tray 1", "Tray1",
-         "%%BeginFeature: *InputSlot Tray1"},
-        {"media in the pane", pane("Paper and Job", "*MediaType", "Labels"), "*MediaType", "Labels", "Labels",
-         "%%BeginFeature: *MediaType Labels"},
-        {"size, then landscape",
-         [&](PrintDialog& dialog) {
-             ChoosePageSize(dialog, "Tabloid");
-             properties("landscape")(dialog);
-         },
-         "*PageSize", "Tabloid", "Tabloid", "%%BeginFeature: *PageSize Tabloid"},
-        {"size, then defaults",
-         [](PrintDialog& dialog) {
-             ChoosePageSize(dialog, "A5");
-             QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
-         },
-         "*PageSize", "A5", "A5", "%%BeginFeature: *PageSize A5"},
-        {"another queue and back",
-         [](PrintDialog& dialog) {
-             ChoosePageSize(dialog, "A5");
-             EXPECT_TRUE(dialog.chooseQueue("Other"));
-             EXPECT_TRUE(dialog.chooseQueue("Agreement"));
-             dialog.showPane();
-         },
-         "*PageSize", "US Letter", "Letter", "%%BeginFeature: *PageSize Letter"},
-        {"pane's setting, then another queue and back",
-         [&](PrintDialog& dialog) {
-             pane("Layout", "*QVDuplex", "Turn on Short Edge")(dialog);
-             EXPECT_TRUE(dialog.chooseQueue("Other"));
-             EXPECT_TRUE(dialog.chooseQueue("Agreement"));
-             dialog.showPane();
-         },
-         "*QVDuplex", "Turn on Short Edge", "ShortEdge", "%%BeginFeature: *QVDuplex ShortEdge"},
-        {"pane's setting undone",
-         [&](PrintDialog& dialog) {
-             pane("Finishing", "*QVStaple", "Two, Left")(dialog);
-             QTest::keyClick(Field<QComboBox>(dialog, "*QVStaple"), Qt::Key_Z, Qt::ControlModifier);
-         },
-         "*QVStaple", "Off", "None", nullptr},
-        {"staple", pane("Finishing", "*QVStaple", "Two, Left"), "*QVStaple", "Two, Left", "Dual",
-         "%%BeginFeature: *QVStaple Dual"},
-        {"two pages per sheet", pane("Layout", "*QVNUpPages", "2"), "*QVNUpPages", "2", "2",
-         "%%BeginFeature: *QVNUpPages 2"},
-        {"tray, then size in Properties",
-         [&](PrintDialog& dialog) {
-             pane("Paper and Job", "*InputSlot", "Tray 2")(dialog);
-             ChoosePageSize(dialog, "A4");
-         },
-         "*InputSlot", "Tray 2", "Tray2", "%%BeginFeature: *InputSlot Tray2"},
-        {"a size that no name has",
-         [](PrintDialog& dialog) {
-             UseProperties(dialog, [](QDialog& window) {
-                 auto* sizes = window.findChild<QComboBox*>("pageSizeCombo");
-                 sizes->setCurrentIndex(sizes->findText("Custom"));
-                 window.findChild<QDoubleSpinBox*>("pageWidth")->setValue(150);
-                 window.findChild<QDoubleSpinBox*>("pageHeight")->setValue(210);
-             });
-         },
-         "*PageSize", "150.0 × 210.0 mm", "Letter", "%%BeginFeature: *CustomPageSize True\n425."},
-        {"collated again",
-         [](PrintDialog& dialog) {
-             dialog.findChild<QSpinBox*>("copies")->setValue(3);
-             dialog.findChild<QCheckBox*>("collate")->setChecked(false);
-             dialog.findChild<QCheckBox*>("collate")->setChecked(true);
-         },
-         "*Collate", "On", "True", nullptr},
+        {{}, "*PageSize", "US Letter", "Letter", "*PageSize Letter"},
+        {{size("A3"), cancelled}, "*PageSize", "A3", "A3", "*PageSize A3"},
+        {{size("A5"), defaults}, "*PageSize", "A5", "A5", "*PageSize A5"},
+        {{size("A5"), otherQueueAndBack}, "*PageSize", "US Letter", "Letter", "*PageSize Letter"},
+        {{customSize}, "*PageSize", "150.0 × 210.0 mm", "Letter", "*CustomPageSize True\n425."},
+        {{turn("landscape"), turn("portrait")}, "*QVOrientation", "Portrait", "Portrait", "ion: Portrait"},
+        {{turn("landscape"), defaults}, "*QVOrientation", "Landscape", "Landscape", "ion: Landscape"},
+        {{uncollated}, "*Collate", "Off", "False", ""},
+        {{pane("Layout", "*QVDuplex", "Turn on Short Edge"), otherQueueAndBack},
+         "*QVDuplex",
+         "Turn on Short Edge",
+         "ShortEdge",
+         "*QVDuplex ShortEdge"},
+        {{pane("Layout", "*QVNUpPages", "4")}, "*QVNUpPages", "4", "4", "*QVNUpPages 4"},
+        {{pane("Finishing", "*QVStaple", "Two, Left"), undo}, "*QVStaple", "Off", "None", ""},
+        {{pane("Paper and Job", "*InputSlot", "Tray 2"), size("A4")},
+         "*InputSlot",
+         "Tray 2",
+         "Tray2",
+         "*InputSlot Tray2"},
     };
     for (const Situation& each : situations) {
-        SCOPED_TRACE(each.what);
+        SCOPED_TRACE(std::string(each.keyword) + " " + each.shown);
         const auto shown = Open("Agreement");
         PrintDialog& dialog = *shown->dialog;
-        QTest::mouseClick(Button(dialog, "Defaults"), Qt::LeftButton);
-        each.person(dialog);
+        defaults(dialog);
+        for (const Step& step : each.steps) {
+            step(dialog);
+        }
         EXPECT_EQ(shownText(dialog, each.keyword), each.shown);
         const int job = Print(dialog);
         EXPECT_EQ(utf8Text(cfCast<CFString>(dialog.tab().settings().Value(cfString(each.keyword)))),
                   each.value);
-        if (each.device != nullptr) {
-            EXPECT_NE(sandbox->Printed(job).find(each.device), std::string::npos);
-        }
+        EXPECT_NE(sandbox->Printed(job).find(each.device), std::string::npos);
     }
 }
 
@@ -239,26 +160,8 @@ TEST_F(AgreementTest, CopiesAreTheSameEverywhere) {
     }
 }
 
-TEST_F(AgreementTest, TheDialogHidesWhatThePaneDecides) {
-    AddQueue("Owner", samplePath("torka-production.ppd"));
-    AddQueue("Without", samplePath("torka-defects.ppd"));
-    const auto shown = Open("Owner");
-    PrintDialog& dialog = *shown->dialog;
-    for (const bool hasPane : {true, false, true}) {
-        ASSERT_TRUE(dialog.chooseQueue(hasPane ? "Owner" : "Without"));
-        EXPECT_EQ(dialog.tab().hasPanel(), hasPane);
-        EXPECT_EQ(dialog.findChild<QWidget*>("duplex")->isHidden(), hasPane);
-        UseProperties(dialog, [&](QDialog& window) {
-            auto* tabs = window.findChild<QTabWidget*>("tabs");
-            auto* options = window.findChild<QWidget*>("cupsPropertiesPage");
-            EXPECT_EQ(tabs->isTabVisible(tabs->indexOf(options)), !hasPane);
-            EXPECT_EQ(window.findChild<QWidget*>("pagesPerSheetButtonGroup")->isHidden(), hasPane);
-        });
-    }
-}
-
 TEST_F(AgreementTest, OptionsOfTheCommandLineReachTheJobsOwnSettingsOrAreRefused) {
-    AddQueue("Lines", samplePath("torka-production.ppd"));
+    AddQueue("Lines");
     struct Case {
         std::vector<std::string> arguments;
         int status;

@@ -17,10 +17,7 @@ namespace torka::tests {
 
 using dialog::PrintDialog;
 
-inline const std::string& productionQueue() {
-    static const std::string name = "Production";
-    return name;
-}
+inline constexpr const char* productionQueue = "Production";
 
 class DialogTest : public PaneHands {
 protected:
@@ -36,12 +33,7 @@ protected:
         bundle = *openBundle(TORKA_BUNDLE);
         plugIn = *bundle->InstantiatePrincipalClass();
         ASSERT_TRUE(plugIn->initWithBundle(bundle));
-        AddQueue(productionQueue(), samplePath("torka-production.ppd"));
-    }
-
-    static void AddQueue(const std::string& name, const std::string& description) {
-        const CommandResult result = runTool({"queue", "add", "--force", name, "torkasink:/", description});
-        ASSERT_EQ(result.status, 0) << result.errors;
+        AddQueue(productionQueue);
     }
 
     // A visible dialog with the pane in front.
@@ -50,7 +42,7 @@ protected:
         std::unique_ptr<PrintDialog> dialog;
         PrintDialog* operator->() const { return dialog.get(); }
     };
-    std::unique_ptr<Shown> Open(const std::string& queue = productionQueue()) {
+    std::unique_ptr<Shown> Open(const std::string& queue = productionQueue) {
         auto shown = std::make_unique<Shown>();
         shown->printer.setPrinterName(QString::fromStdString(queue));
         shown->dialog = std::make_unique<PrintDialog>(shown->printer, *plugIn, "brochure.ps");

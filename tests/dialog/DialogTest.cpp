@@ -42,7 +42,7 @@ TEST_F(DialogTest, AFieldThatBreaksARuleIsNamedAndThePersonMayPrintAllTheSame) {
 }
 
 TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
-    AddQueue("Live", samplePath("torka-production.ppd"));
+    AddQueue("Live");
     const auto controllers = *sandbox / "root/etc/torka/controllers";
     std::filesystem::create_directories(controllers);
     std::filesystem::copy(samplePath("server-data"), controllers / "10.0.0.5",
@@ -82,8 +82,8 @@ TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
 }
 
 TEST_F(DialogTest, ThePaneFollowsThePrinter) {
-    AddQueue("Second", samplePath("torka-production.ppd"));
-    AddQueue("Defects2", samplePath("torka-defects.ppd"));
+    AddQueue("Second");
+    AddQueue("Defects2", "torkasink:/", samplePath("torka-defects.ppd"));
     const auto shown = Open();
     PrintDialog& dialog = *shown->dialog;
     Choose(dialog, "*QVStaple", "Saddle Stitch");
@@ -97,7 +97,7 @@ TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     auto* text = qobject_cast<QLabel*>(dialog.tab().currentWidget());
     ASSERT_NE(text, nullptr);
     EXPECT_TRUE(text->text().contains("Defects2"));
-    ASSERT_TRUE(dialog.chooseQueue(productionQueue()));
+    ASSERT_TRUE(dialog.chooseQueue(productionQueue));
     EXPECT_TRUE(dialog.tab().hasPanel());
     ASSERT_TRUE(dialog.chooseQueue("Defects2"));
     EXPECT_NE(Print(dialog), 0);
@@ -107,6 +107,7 @@ TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
     // LeakSanitizer checks at the end. TORKA_DIALOG_ROUNDS sets more rounds, to watch the memory.
     const int rounds = std::max(5, qEnvironmentVariableIntValue("TORKA_DIALOG_ROUNDS"));
     for (int i = 0; i < rounds; ++i) {
+
         const auto shown = Open();
         ASSERT_TRUE(shown->dialog->tab().hasPanel());
         shown->dialog->reject();
@@ -114,7 +115,7 @@ TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
 }
 
 TEST_F(DialogTest, AStoppedQueueSaysWhyAndOnlyItsButtonCancelsTheJob) {
-    AddQueue("Halted", samplePath("torka-production.ppd"));
+    AddQueue("Halted");
     ASSERT_EQ(runCommand({"cupsdisable", "-r", "Out for repair", "Halted"}).status, 0);
     const auto shown = Open("Halted");
     PrintDialog& dialog = *shown->dialog;
@@ -152,7 +153,7 @@ TEST_F(DialogTest, AStoppedQueueSaysWhyAndOnlyItsButtonCancelsTheJob) {
         EXPECT_EQ(progress.isLeftToPrint(), row.isLeftToPrint);
         EXPECT_EQ(jobStatus(job).state, row.state);
     }
-    EXPECT_TRUE(dialog.chooseQueue(productionQueue()));
+    EXPECT_TRUE(dialog.chooseQueue(productionQueue));
     EXPECT_TRUE(notice->isHidden());
 }
 

@@ -57,14 +57,6 @@ TEST_F(CupsAdapter, PrinterTellsWhatTheServerKnows) {
     ASSERT_EQ(PMPrinterCopyState(printer, facts), noErr);
     EXPECT_EQ(utf8Text(cfCast<CFString>(CFDictionaryGetValue(facts, u"printer-state-message"))),
               "out of paper");
-    CupsSpooler spooler;
-    std::vector<SpoolerDestination> destinations;
-    ASSERT_TRUE(spooler.GetDestinations(destinations));
-    const auto destination = std::ranges::find(destinations, "Proofs", &SpoolerDestination::name);
-    ASSERT_NE(destination, destinations.end());
-    EXPECT_EQ(destination->state, destinationStateStopped);
-    EXPECT_TRUE(destination->acceptsJobs);
-
     std::vector<Paper> papers;
     ASSERT_EQ(PMPrinterGetPaperList(printer, papers), noErr);
     const auto a4 = std::ranges::find(papers, "A4", &Paper::ppdPaperName);

@@ -80,7 +80,10 @@ TEST(EndedFilter, CancelledRequestLeavesNoLockBehind) {
 
 TEST(EndedFilter, KilledOneLeavesNoHalfTicketAndIsStartedAgain) {
     const std::string name = "Torka.temp5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
-    const std::string text = noise(40'000'000);
+    std::string text = noise(1'000'000);
+    while (text.size() < 10'000'000) {
+        text += text;
+    }
     bool isMet = false;
     for (int i = 0; i < 20 && !isMet; ++i) {
         const TemporaryFolder root;

@@ -4,7 +4,6 @@
 #include "connection/BonjourModuleController.h"
 #include "output/BundleIdentifier.h"
 #include "pane/data/PDEData.h"
-#include "pane/exchange/WaitPresenter.h"
 #include "pane/panel/BundleHelpers.h"
 #include "pane/panel/TorkaFeaturesPDE.h"
 #include "pane/panel/UI_Panel.h"
@@ -17,8 +16,7 @@
 #include <gmock/gmock.h>
 
 // Runs the full properties: from the pane through a real server and its filter to the sample module in its
-// own library, back into the model, and from there into the printed job. Also runs every other end of a
-// session; the pane stays usable after each.
+// own library, back into the model, and from there into the printed job.
 
 namespace torka::tests {
 
@@ -46,25 +44,6 @@ public:
     std::shared_ptr<MemoryPageFormat> format = std::make_shared<MemoryPageFormat>();
 };
 
-// Stands in for a person who sees each wait and stops it after a while.
-class Person final : public WaitPresenter {
-public:
-    void Begin() override {
-        shown.clear();
-        static_cast<PosixSystem&>(platform::system()).ClearCancel();
-    }
-    void Show(const WaitProgress& progress) override {
-        shown.push_back(progress.what);
-        if (patience > 0 && std::ranges::count(shown, WaitFor::moduleReady) >= patience) {
-            static_cast<PosixSystem&>(platform::system()).Cancel();
-        }
-    }
-    void End() override { ++waitsEnded; }
-    int patience = 0; // number of reports of the module's wait before the person stops it; 0 for never
-    int waitsEnded = 0;
-    std::vector<WaitFor> shown;
-};
-
 // The folder of the bundle and the module. One for the process, because the process keeps the first bundle
 // found.
 const TemporaryFolder& installed() {
@@ -90,10 +69,8 @@ protected:
         auto presenter = std::make_unique<MemoryAlerts>();
         alertsShown = presenter.get();
         setAlerts(std::move(presenter));
-        auto waits = std::make_unique<Person>();
-        person = waits.get();
-        setWaitPresenter(std::move(waits));
-        Install(TORKA_SAMPLE_MODULE, installed());
+        std::filesystem::remove(installed() / moduleFileName);
+        std::filesystem::create_symlink(TORKA_SAMPLE_MODULE, installed() / moduleFileName);
         Give(controller, "data", "TrayInfo",
              "2\nUpper@Tray1@Card@A3@Heavy@White@120@500\nBypass@Bypass@EMPTY@EMPTY@EMPTY@EMPTY@-3@-2\n");
         Give(controller, "data", "TonerInfo", "1\nCyan@40@10@#00ffff@95@20000@1\n");
@@ -106,22 +83,11 @@ protected:
         panel.reset();
         unloadJobPropertiesLibrary();
         unsetenv("TORKA_JP_SCRIPT");
-        setWaitPresenter(nullptr);
         setAlerts(nullptr);
         setLibraryLoader(nullptr);
         ServerData::TearDown();
     }
 
-    // Puts the bundle into a folder, and a module ("" for none) beside it. A library stays in the process
-    // under its path, so that each module needs its own folder.
-    void Install(const std::string& library, const TemporaryFolder& place) const {
-        unloadJobPropertiesLibrary();
-        bundle->path = place / "TorkaFeatures.bundle";
-        if (!library.empty()) {
-            std::filesystem::remove(place / moduleFileName);
-            std::filesystem::create_symlink(library, place / moduleFileName);
-        }
-    }
     void Open(const std::string& queue, const char* address = controller) {
         AddQueue(queue);
         dialog = std::make_shared<Dialog>(queue);
@@ -129,30 +95,17 @@ protected:
         ASSERT_TRUE(panel);
         ASSERT_TRUE(panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString(address), true));
     }
-    // Opens the full properties with a window that obeys the script. Returns the script's report. Without
-    // `asksServer`, the module gets the data that were read last.
-    std::string Launch(const std::string& script, bool asksServer = true) {
+    // Opens the full properties with a window that obeys the script. Returns the script's report.
+    std::string Launch(const std::string& script) {
         const std::filesystem::path path = folder.Write("window.script", script);
         setenv("TORKA_JP_SCRIPT", path.c_str(), 1);
-        alertsShown->shown.clear();
         panel->GetUI_PanelPtr()->setReturnFromJP(0);
-        if (asksServer) {
-            panel->launchFullProperties();
-        } else {
-            panel->GetUI_PanelPtr()->LaunchJobProperties(0);
-        }
+        panel->launchFullProperties();
         const std::filesystem::path report = path.string() + ".report";
         return std::filesystem::exists(report) ? readFile(report) : std::string();
     }
     std::string Value(const char* keyword) const {
         return utf8Text(panel->getPPDPtr()->CopyValueForKey(cfString(keyword)));
-    }
-    std::string Alerts() const {
-        std::string titles;
-        for (const AlertText& alert : alertsShown->shown) {
-            titles += alert.title + "\n";
-        }
-        return titles;
     }
     // Prints a job with the current settings and returns the document that reached the device.
     std::string Print(const std::string& queue) {
@@ -169,7 +122,6 @@ protected:
     std::shared_ptr<Dialog> dialog;
     std::shared_ptr<TorkaFeaturesPDE> panel;
     MemoryAlerts* alertsShown = nullptr;
-    Person* person = nullptr;
 };
 
 TEST_F(JobProperties, ChangedSettingsReachTheJob) {
@@ -183,7 +135,7 @@ TEST_F(JobProperties, ChangedSettingsReachTheJob) {
     EXPECT_THAT(report, HasSubstr("Upper\tTray1\tCard\tA3\tHeavy\tWhite\t120\t500"));
     EXPECT_THAT(report, HasSubstr("Cyan\t1\t40\t10\t95\t20000\t#00ffff"));
     EXPECT_THAT(report, HasSubstr("Glossy"));
-    EXPECT_EQ(Alerts(), "");
+    EXPECT_TRUE(alertsShown->shown.empty());
     EXPECT_EQ(Value("*QVDuplex"), "ShortEdge");
     EXPECT_EQ(Value("*QVOutProfile"), "Of the server");
     EXPECT_EQ(Value("*Notes1"), "from the module");
@@ -204,36 +156,6 @@ TEST_F(JobProperties, ChangedSettingsReachTheJob) {
     EXPECT_TRUE(CFEqual(panel->getPPDPtr()->CopyAllValues(), values));
     EXPECT_EQ(panel->GetPDEDataPtr()->Watermarks().Count(), 1u);
     EXPECT_EQ(panel->GetPDEDataPtr()->SlipSheets().size(), 1u);
-}
-
-// PanelLaunchTest.cpp has the other ends; here the real module reaches the pane with some of them.
-TEST_F(JobProperties, OtherEndsLeaveThePaneUsable) {
-    Open("Ends");
-    panel->getPPDPtr()->SetValueForKey(cfString("*Notes1"), cfString("as it was"));
-    const CFDictionaryRef before = panel->getPPDPtr()->CopyAllValues();
-    const std::string change = "set QVDuplex ShortEdge\n";
-    struct Case {
-        const char* what;
-        std::string script;
-        bool isTaken;
-        int patience;
-    };
-    for (const Case& each : {Case{"cancelled", change + "result 1\n", false, 0},
-                             Case{"never ready, stopped", "not-ready forever\n" + change, false, 3},
-                             Case{"too much", change + "overlong QVScale 5000\nreturn-count 3500\n", true, 0},
-                             Case{"garbage", change + "garbage\nset QVScale %n%s\nend-fail\n", true, 0}}) {
-        SCOPED_TRACE(each.what);
-        panel->getPPDPtr()->SetAllValues(before);
-        person->patience = each.patience;
-        Launch(each.script, each.patience == 0);
-        EXPECT_EQ(panel->GetUI_PanelPtr()->getReturnFromJP(), 1);
-        EXPECT_EQ(Alerts(), "");
-        EXPECT_FALSE(gIgnoreButtonEvents);
-        EXPECT_EQ(CFEqual(panel->getPPDPtr()->CopyAllValues(), before), !each.isTaken);
-        EXPECT_EQ(Value("*QVDuplex"), each.isTaken ? "ShortEdge" : "None");
-        EXPECT_EQ(Value("*QVScale"), "100");
-    }
-    EXPECT_THAT(Print("Ends"), StartsWith("%!PS"));
 }
 
 TEST_F(JobProperties, AControllerThatIsNotThereIsDoneWithout) {

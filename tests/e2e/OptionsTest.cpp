@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bidi/commands/TicketCommands.h"
-#include "output/BundleIdentifier.h"
 #include "platform/cups/CupsPrinting.h"
 #include "tests/e2e/Sandbox.h"
 
-#include <cups/cups.h>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <map>
@@ -22,10 +19,6 @@ using ::testing::Not;
 
 class Options : public SandboxTest {
 protected:
-    void TearDown() override {
-        cupsSetUser("root");
-        SandboxTest::TearDown();
-    }
     static int Submit(const std::string& queue, const JobOptions& options,
                       const std::string& document = samplePath("plain.ps")) {
         return *submitFile(queue, document, "proof", options);
@@ -102,18 +95,11 @@ TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
         int state;
         std::string message;
     };
-    const JobOptions conflict{{"QVStaple", "Saddle"}, {"QVFoldStyle", "Half"}};
-    const auto with = [&conflict](const std::string& policy) {
-        JobOptions options = conflict;
-        options.emplace_back("torka-conflicts", policy);
-        return options;
-    };
+    const std::pair<std::string, std::string> saddle{"QVStaple", "Saddle"};
     for (const Case& each :
-         {Case{conflict, 9, "*QVStaple=Saddle does not go together with *QVFoldStyle=Half"},
-          Case{with("resolve"), 9, "QVFoldStyle=None instead of Half"},
-          Case{with("stop"), 6, "torka-conflicts=stop"},
-          Case{{{"Resume", "74915362"}}, 6, "Resume is protected"},
-          Case{{{"QVScale", "many"}}, 9, "QVScale takes a number, not many"}}) {
+         {Case{{saddle, {"QVFoldStyle", "Half"}}, 9, "does not go together with *QVFoldStyle=Half"},
+          Case{{saddle, {"QVFoldStyle", "Half"}, {"torka-conflicts", "stop"}}, 6, "torka-conflicts=stop"},
+          Case{{{"Resume", "74915362"}}, 6, "Resume is protected"}}) {
         SCOPED_TRACE(each.message);
         const int job = Submit("Told", each.options);
         const JobStatus status = WaitForEnd(job);
@@ -121,54 +107,6 @@ TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
         EXPECT_THAT(status.message, HasSubstr(each.message));
         EXPECT_EQ(sandbox->Printed(job).empty(), each.state == 6);
     }
-}
-
-TEST_F(Options, HoldForTheirOwnUserNowAndLater) {
-    AddQueue("Two");
-    std::map<std::string, int> jobs;
-    for (const std::string user : {"anna", "bob", "carol"}) {
-        cupsSetUser(user.c_str());
-        jobs[user] = Submit("Two", {{"Notes1", "for " + user}, {"job-hold-until", "indefinite"}});
-    }
-    cupsSetUser("carol");
-    EXPECT_EQ(cancelJob("Two", jobs["carol"]), "");
-    cupsSetUser("root");
-    for (const std::string user : {"anna", "bob"}) {
-        ASSERT_EQ(runCommand({"lp", "-i", std::to_string(jobs[user]), "-H", "resume"}).status, 0);
-        ASSERT_EQ(WaitForEnd(jobs[user]).state, 9);
-        EXPECT_THAT(sandbox->Printed(jobs[user]), HasSubstr("%%ZANCustom1: for " + user + "\n"));
-        EXPECT_THAT(sandbox->Printed(jobs[user]), Not(HasSubstr("%%BeginFeature: *QVUserAuthName lp")));
-    }
-    EXPECT_EQ(sandbox->Printed(jobs["carol"]), "");
-}
-
-TEST_F(Options, PrintAJobWhoseTicketBelongsToAnotherJobOfItsSender) {
-    AddQueue("Again");
-    cupsSetUser("anna");
-    const std::string path = "/Library/Caches/ZAN/Torka.temp5D2E7A41-9C3B-4F60-8E17-0000000A0001";
-    const std::string list = runPython(
-        "import plistlib, sys\nsys.stdout.buffer.write(plistlib.dumps([30, b'%%ZANCustom1: first']))");
-    ASSERT_EQ(sendTicketAhead(std::make_shared<CupsPrinter>("Again"), cfString(path),
-                              CFDataCreate(list.data(), list.size())),
-              noErr);
-    const auto submit = [&path](JobOptions options) {
-        options.emplace_back(ticketPathSetting, path);
-        return Submit("Again", options);
-    };
-    ASSERT_EQ(WaitForEnd(submit({})).state, 9);
-    const int second =
-        submit({{"QVStaple", "Top"}, {"Notes1", "second"}, {"QVDSPassword", "4711"}, {"Resume", "74915362"}});
-    const JobStatus status = WaitForEnd(second);
-    EXPECT_EQ(status.state, 9);
-    EXPECT_THAT(status.message, HasSubstr("its print settings belong to another job"));
-    const std::string printed = sandbox->Printed(second);
-    EXPECT_THAT(printed, HasSubstr("%%ZANCustom1: second\n"));
-    EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVStaple Top"));
-    for (const char* secret : {"4711", "74915362", "QVDSPassword", "ZANCustom1: first"}) {
-        EXPECT_THAT(printed, Not(HasSubstr(secret)));
-    }
-    cupsSetUser("bob"); // and a job without options stops, as in the tests of tickets
-    EXPECT_EQ(WaitForEnd(submit({{"QVStaple", "Top"}})).state, 6);
 }
 
 TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {

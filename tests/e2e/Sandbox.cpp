@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/e2e/Sandbox.h"
 
+#include "platform/cups/CupsSpooler.h"
+
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -41,27 +44,15 @@ Sandbox::Sandbox() {
 
 Sandbox::~Sandbox() { Stop(); }
 
-void Sandbox::Stop() { Script("stop"); }
-
-void Sandbox::Start() { Script("start"); }
-
-void Sandbox::Restart() { Script("restart"); }
-
 std::string Sandbox::Printed(int job) const {
     const std::filesystem::path file = *this / ("printed/" + std::to_string(job) + ".ps");
     return std::filesystem::exists(file) ? readFile(file) : std::string();
 }
 
 std::string Sandbox::ErrorLog() const {
-    std::istringstream lines(readFile(*this / "log/error_log"));
-    std::string kept;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with('E') || line.starts_with('W') || line.find("[Job ") != std::string::npos) {
-            kept += line + "\n";
-        }
-    }
-    constexpr std::size_t limit = 20000;
-    return kept.size() > limit ? kept.substr(kept.size() - limit) : kept;
+    const std::string lines =
+        runCommand({"grep", "-a", "-e", "^[EW]", "-e", "\\[Job ", (*this / "log/error_log").string()}).output;
+    return lines.substr(lines.size() - std::min<std::size_t>(lines.size(), 20000));
 }
 
 namespace {
@@ -93,8 +84,8 @@ void SandboxTest::TearDown() {
     }
 }
 
-void SandboxTest::AddQueue(const std::string& name, const std::string& uri) {
-    Done({"queue", "add", name, uri, samplePath("torka-production.ppd")});
+void SandboxTest::AddQueue(const std::string& name, const std::string& uri, const std::string& description) {
+    Done({"queue", "add", "--force", name, uri, description});
 }
 
 bool SandboxTest::WaitUntil(const std::function<bool()>& condition) {
@@ -122,6 +113,16 @@ void SandboxTest::ExpectTool(const std::vector<std::string>& arguments, int stat
 std::string SandboxTest::Drawn(int job, const std::string& device, const std::string& output) const {
     return runGhostscript(device,
                           {"-r36", "-o", output, *sandbox / ("printed/" + std::to_string(job) + ".ps")});
+}
+
+int SandboxTest::LastJob() {
+    std::vector<SpoolerJob> jobs;
+    CupsSpooler().GetJobs(jobs);
+    int last = 0;
+    for (const SpoolerJob& job : jobs) {
+        last = job.title.starts_with("Command_") ? last : std::max(last, job.id);
+    }
+    return last;
 }
 
 platform::JobStatus SandboxTest::WaitForEnd(int job) {

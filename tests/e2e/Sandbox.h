@@ -8,6 +8,12 @@
 
 namespace torka::tests {
 
+// The text with the first of `from`, which it must have, as `to`.
+inline std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    EXPECT_NE(text.find(from), std::string::npos) << from;
+    return text.replace(text.find(from), from.size(), to);
+}
+
 // The private print server of this process. The first test that needs it starts it; it ends after the last
 // test. Its environment is set for this process (libcups reads it once) and for the programs that the process
 // starts.
@@ -23,9 +29,9 @@ public:
     ~Sandbox();
 
     std::filesystem::path operator/(std::string_view name) const { return folder / "s" / name; }
-    void Stop();
-    void Start();
-    void Restart();
+    void Stop() { Script("stop"); }
+    void Start() { Script("start"); }
+    void Restart() { Script("restart"); }
     // The document that reached the device; "" for none.
     std::string Printed(int job) const;
     // The messages of the jobs' filters and backend.
@@ -43,10 +49,13 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    static void AddQueue(const std::string& name, const std::string& uri = "torkasink:/");
+    static void AddQueue(const std::string& name, const std::string& uri = "torkasink:/",
+                         const std::string& description = samplePath("torka-production.ppd"));
     // True as soon as the condition is; false after 20 seconds.
     static bool WaitUntil(const std::function<bool()>& condition);
     static platform::JobStatus WaitForEnd(int job);
+    // The last document's job, 0 for none; commands do not count.
+    static int LastJob();
     // The output of the tool; fails the test when the tool does.
     static std::string Done(const std::vector<std::string>& arguments);
     // Expects this status of the tool and this part of its messages.

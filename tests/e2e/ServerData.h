@@ -51,14 +51,27 @@ protected:
         std::ofstream(folder / name, std::ios::binary) << text;
     }
 
+    // Asks the controller with lines of the request's own; keeps its answer for Record.
+    ServerDataOutcome Ask(const PMPrinter& printer, const std::string& address,
+                          const std::string& lines = {}) {
+        const ServerDataRequests::Request request = requests.Compose(address, lines, "", {});
+        BidiDataFile file(paths, failure);
+        const ServerDataOutcome outcome = fetchServerData(printer, request.title, request.text,
+                                                          requests.randomStringForBIDIFile(), paths, file);
+        answer = file.getBidiDataCopy();
+        return outcome;
+    }
+    std::string Record(const std::string& name) const {
+        std::size_t size = 0;
+        const RecordBlock block = RecordText(*answer).Read(name, &size);
+        return utf8FromWide(wideFromPayload({block.get(), size}));
+    }
+
     std::string ppdPath;
     BidiFilePaths paths;
     BidiFailure failure;
     ServerDataRequests requests;
+    std::shared_ptr<const std::string> answer;
 };
-
-inline std::string wideTextOf(const RecordBlock& block, std::size_t size) {
-    return utf8FromWide(wideFromPayload({block.get(), size}));
-}
 
 } // namespace torka::tests

@@ -4,6 +4,7 @@
 #include "bidi/records/CPPDMsgHdlr.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
+#include "tests/e2e/Noise.h"
 #include "tests/filter/FilterHarness.h"
 #include "tests/support/SmallPPD.h"
 
@@ -11,7 +12,6 @@
 #include <cups/ppd.h>
 #include <gtest/gtest.h>
 #include <map>
-#include <random>
 #include <sstream>
 
 // libcups marks its PPD functions as deprecated; the server's PPDs are read with them.
@@ -50,21 +50,12 @@ std::optional<std::string> recordIn(const std::string& description, const std::s
     return block && size > 0 ? std::optional(std::string(block.get(), size)) : std::nullopt;
 }
 
-std::string randomBytes(std::size_t size, unsigned seed) {
-    std::mt19937 random(seed);
-    std::string bytes(size, '\0');
-    for (char& c : bytes) {
-        c = static_cast<char>(random());
-    }
-    return bytes;
-}
-
 TEST(RecordMessages, HoweverManyArriveARecordIsWholeOrAbsent) {
     const std::string name = "QVRecordOfThirtySixCharacters0123456";
     ASSERT_EQ(name.size(), maximumRecordName);
     for (const std::size_t size : {1U, 100U, 158U, 3000U}) {
-        const std::string before = randomBytes(2000, 1);
-        const std::string after = randomBytes(size, 2);
+        const std::string before = noise(2000);
+        const std::string after = noise(size + 1).substr(1);
         std::vector<std::string> messages;
         ASSERT_TRUE(recordMessages({{name, before}, {"QVOther", "other"}}, messages));
         std::string description = afterMessages(smallPPD + onlySheet("595 842"), messages);

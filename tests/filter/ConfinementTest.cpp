@@ -4,7 +4,6 @@
 #include "platform/SecretMemory.h"
 #include "tests/support/TestSupport.h"
 
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -103,47 +102,34 @@ TEST_F(Confinement, RefusesWhatNoJobNeeds) {
     }
 }
 
-// Checks the program itself while it waits for its document.
+// Checks the program itself, its worker, while it waits for its document.
 TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
-    std::array<int, 2> input{};
-    ASSERT_EQ(::pipe2(input.data(), O_CLOEXEC), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::dup2(input[0], STDIN_FILENO);
-        ::execl(TORKA_BINARY_DIR "/bin/torkafilter", "torkafilter", "1", "lp", "title", "1", "", nullptr);
-        ::_exit(127);
-    }
-    const std::string watching = std::to_string(child);
-    std::string process;
-    std::string status;
-    for (int i = 0; i < 1000 && status.find("Seccomp:\t2") == std::string::npos; ++i) {
-        ::usleep(10000);
-        const std::string worker = tests::readFile("/proc/" + watching + "/task/" + watching + "/children");
-        process = "/proc/" + worker.substr(0, worker.find(' '));
-        status = worker.empty() ? "" : tests::readFile(process + "/status");
-    }
-    EXPECT_THAT(status, HasSubstr("NoNewPrivs:\t1\n"));
-    EXPECT_THAT(status, HasSubstr("Seccomp:\t2\n"));
-    EXPECT_THAT(tests::readFile(process + "/limits"),
-                HasSubstr("Max core file size        0                    0"));
-    ::close(input[1]);
-    int ended = 0;
-    ::waitpid(child, &ended, 0);
-    EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << ended;
+    const std::string told = tests::runPython(
+        "import pathlib, subprocess, sys, time\n"
+        "watching = subprocess.Popen(sys.argv[1:], stdin=subprocess.PIPE)\n"
+        "status = ''\n"
+        "for _ in range(1000):\n"
+        "    tasks = pathlib.Path(f'/proc/{watching.pid}/task/{watching.pid}/children').read_text().split()\n"
+        "    status = pathlib.Path(f'/proc/{tasks[0]}/status').read_text() if tasks else ''\n"
+        "    if 'Seccomp:\\t2' in status: break\n"
+        "    time.sleep(0.01)\n"
+        "print(status, pathlib.Path(f'/proc/{tasks[0]}/limits').read_text())\n"
+        "watching.stdin.close()\n"
+        "sys.exit(watching.wait())\n",
+        {TORKA_BINARY_DIR "/bin/torkafilter", "1", "lp", "title", "1", ""});
+    EXPECT_THAT(told, HasSubstr("NoNewPrivs:\t1\n"));
+    EXPECT_THAT(told, HasSubstr("Seccomp:\t2\n"));
+    EXPECT_THAT(told, HasSubstr("Max core file size        0                    0"));
 }
 
 // Simulates a kernel without system-call filters: an outer filter refuses to install one.
 TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
     const tests::TemporaryFolder folder;
     const std::string document = folder.Write("document", "%!PS\nshowpage\n");
-    std::array<int, 2> output{};
-    std::array<int, 2> errors{};
-    ASSERT_EQ(::pipe(output.data()), 0);
-    ASSERT_EQ(::pipe(errors.data()), 0);
     const pid_t child = ::fork();
     if (child == 0) {
-        ::dup2(output[1], STDOUT_FILENO);
-        ::dup2(errors[1], STDERR_FILENO);
+        ::dup2(::creat((folder / "output").c_str(), 0600), STDOUT_FILENO);
+        ::dup2(::creat((folder / "errors").c_str(), 0600), STDERR_FILENO);
         scmp_filter_ctx list = ::seccomp_init(SCMP_ACT_ALLOW);
         ::seccomp_rule_add(list, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(seccomp), 0);
         const scmp_arg_cmp isSeccomp{0, SCMP_CMP_EQ, PR_SET_SECCOMP, 0};
@@ -154,24 +140,11 @@ TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
         }
         ::_exit(127);
     }
-    ::close(output[1]);
-    ::close(errors[1]);
-    const auto readAll = [](int from) {
-        std::string text;
-        char block[4096];
-        for (ssize_t count = 0; (count = ::read(from, block, sizeof block)) > 0;) {
-            text.append(block, static_cast<std::size_t>(count));
-        }
-        ::close(from);
-        return text;
-    };
-    const std::string printed = readAll(output[0]);
-    const std::string told = readAll(errors[0]);
     int ended = 0;
     ::waitpid(child, &ended, 0);
     EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << ended;
-    EXPECT_EQ(printed, "%!PS\nshowpage\n");
-    EXPECT_THAT(told, HasSubstr("DEBUG: system calls cannot be refused"));
+    EXPECT_EQ(tests::readFile(folder / "output"), "%!PS\nshowpage\n");
+    EXPECT_THAT(tests::readFile(folder / "errors"), HasSubstr("DEBUG: system calls cannot be refused"));
 }
 
 } // namespace

@@ -99,23 +99,11 @@ TEST(LiveRecords, TraysByWhatIsLoaded) {
               "EMPTY@EMPTY@EMPTY@EMPTY@EMPTY@EMPTY@5@-1\n");
 }
 
-TEST(LiveSource, ADevicesAddressIsItsHostOrItsServicesName) {
-    for (const auto& [uri, address] : std::vector<std::pair<const char*, const char*>>{
-             {"ipp://printer.example:631/ipp", "printer.example"},
-             {"dnssd://Office%20Printer._ipp._tcp.local./?uuid=1", "Office Printer"},
-             {"mdns://A._printer._tcp.local.", "A"},
-             {"usb:/dev/usb/lp0", ""},
-             {"", ""}}) {
-        EXPECT_EQ(addressOfDevice(uri), address) << uri;
-    }
-}
-
 TEST(LiveSource, RequestsMeanTheDeviceByNumbersOrByItsOwnName) {
-    auto services = std::make_unique<platform::MemoryNetServices>();
+    const ScopedDouble<platform::MemoryNetServices, platform::setNetServices> services;
     for (const char* name : {"press.example", "evil.example"}) {
         platform::parseNumericAddress("10.0.0.5", services->hosts[name]);
     }
-    platform::setNetServices(std::move(services));
     for (const auto& [address, uri, isMeant] : std::vector<std::tuple<const char*, const char*, bool>>{
              {"", "ipp://10.0.0.5/ipp", true},
              {"10.0.0.5", "ipp://10.0.0.5:631/ipp", true},
@@ -132,7 +120,6 @@ TEST(LiveSource, RequestsMeanTheDeviceByNumbersOrByItsOwnName) {
              {"10.0.0.5", "usb://Torka/Press?serial=1", true}}) {
         EXPECT_EQ(meansDevice(address, uri), isMeant) << address << " for " << uri;
     }
-    platform::setNetServices(nullptr);
 }
 
 } // namespace

@@ -21,11 +21,9 @@
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QStandardPaths>
-#include <QTabWidget>
 #include <fcntl.h>
 #include <fstream>
 #include <stdexcept>
-#include <sys/stat.h>
 #include <unistd.h>
 
 // The print portal on a bus of its own, called as the desktop's frontend calls it.
@@ -159,25 +157,16 @@ protected:
     // The last job's document, once its window has closed.
     std::string Printed() const {
         EXPECT_TRUE(QTest::qWaitFor([] { return Shown<dialog::JobProgress>().isEmpty(); }, 30000));
-        int job = 0;
-        std::vector<SpoolerJob> jobs;
-        spooler().GetJobs(jobs);
-        for (const SpoolerJob& each : jobs) {
-            job = each.title.starts_with("Command_") ? job : std::max(job, each.id);
-        }
-        return sandbox->Printed(job);
+        return sandbox->Printed(LastJob());
     }
-    // The numbers of the document's pages, by their ink.
-    std::string Ink(const std::string& document) const {
-        std::ofstream(folder / "printed") << document;
-        std::istringstream lines(runCommand({"gs", "-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-sDEVICE=inkcov",
-                                             "-o", "-", folder / "printed"})
-                                     .output);
+    // The numbers of the last document's pages, by their ink.
+    std::string Ink() const {
+        Printed();
+        std::istringstream lines(Drawn(LastJob(), "inkcov"));
         std::string pages;
-        std::string word;
-        for (double c = 0, m = 0, y = 0, k = 0; lines >> c >> m >> y >> k;) {
+        std::string rest;
+        for (double c = 0, m = 0, y = 0, k = 0; lines >> c >> m >> y >> k; std::getline(lines, rest)) {
             pages += std::to_string(std::lround(k / 0.15));
-            std::getline(lines, word);
         }
         return pages;
     }
@@ -223,7 +212,7 @@ TEST_F(PortalServiceTest, ThePanesSettingsReachTheDeviceOncePerToken) {
     for (const char* expected : {"%%BeginFeature: *QVStaple Saddle", "Two proofs"}) {
         EXPECT_NE(printed.find(expected), std::string::npos) << expected;
     }
-    EXPECT_EQ(Ink(printed).size(), 10U) << "two copies";
+    EXPECT_EQ(Ink().size(), 10U) << "two copies";
     // The token is used: the person is asked.
     Reply again = Send(folder / "document.pdf", token);
     Dialogs()[0]->reject();
@@ -275,7 +264,7 @@ TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {
         EXPECT_NE(printed.find("%% corner"), std::string::npos);
         EXPECT_NE(sandbox->ErrorLog().find("number-up=2 number-up-layout=rltb outputorder=reverse"),
                   std::string::npos);
-        EXPECT_EQ(Ink(printed).size(), 6U) << "five pages, two on a sheet, two copies";
+        EXPECT_EQ(Ink().size(), 6U) << "five pages, two on a sheet, two copies";
     }
 }
 
@@ -297,7 +286,7 @@ TEST_F(PortalServiceTest, WithoutATokenTheServerAppliesWhatThePersonChooses) {
     dialog.findChild<QCheckBox*>("reverse")->setChecked(true);
     PressPrint(dialog);
     EXPECT_EQ(Answer(sent), 0U);
-    EXPECT_EQ(Ink(Printed()), "542");
+    EXPECT_EQ(Ink(), "542");
 }
 
 TEST_F(PortalServiceTest, AFileIsWrittenWhereThePersonSays) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/print-portal/TokenStore.h"
 #include "apps/print-portal/settings/PrintChoices.h"
-#include "platform/memory/MemorySystem.h"
+#include "tests/support/TestSupport.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -149,9 +149,7 @@ TEST(PortalSettings, ThePageSetupComesBackAndWrongLengthsAreRefused) {
 }
 
 TEST(PortalTokens, CountOnceForTheirHolderAndForALimitedTime) {
-    auto memory = std::make_unique<MemorySystem>();
-    MemorySystem& clock = *memory;
-    setSystem(std::move(memory));
+    const ScopedMemorySystem system;
     TokenStore store;
     const auto jobFor = [](const std::string& queue) {
         PreparedJob job;
@@ -172,7 +170,7 @@ TEST(PortalTokens, CountOnceForTheirHolderAndForALimitedTime) {
     EXPECT_EQ(job->queue, "Press");
     EXPECT_FALSE(store.Take(token, "reader")) << "used";
     const std::uint32_t old = store.Keep(jobFor(""), "reader");
-    clock.now += std::chrono::hours(2);
+    system->now += std::chrono::hours(2);
     EXPECT_FALSE(store.Take(old, "reader"));
     EXPECT_TRUE(store.IsEmpty());
 }

@@ -35,7 +35,6 @@ public:
     SDMRESULT openResult = 0;
     std::int32_t windowResult = 0;
     SDMRESULT getResult = 0;
-    SDMRESULT endResult = 0;
     bool returnsNull = false;               // returns null lists
     std::size_t allocationsLeft = SIZE_MAX; // number of times that SDMAllocMemory succeeds
     std::function<void()> edit;             // called while the window is open

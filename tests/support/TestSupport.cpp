@@ -34,27 +34,6 @@ std::filesystem::path TemporaryFolder::Write(std::string_view name, std::string_
     return file;
 }
 
-class CapturingLog::Sink final : public LogSink {
-public:
-    void Line(std::string_view text) override { lines.emplace_back(text); }
-
-    std::vector<std::string> lines;
-};
-
-CapturingLog::CapturingLog()
-    : sink(std::make_shared<Sink>()) {
-    setLogSink(sink);
-}
-CapturingLog::~CapturingLog() { setLogSink(nullptr); }
-const std::vector<std::string>& CapturingLog::Lines() const { return sink->lines; }
-
-ScopedMemorySystem::ScopedMemorySystem() {
-    auto made = std::make_unique<MemorySystem>();
-    system = made.get();
-    setSystem(std::move(made));
-}
-ScopedMemorySystem::~ScopedMemorySystem() { setSystem(nullptr); }
-
 namespace {
 
 using TemporaryStream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
@@ -117,7 +96,7 @@ std::string runGhostscript(const std::string& device, const std::vector<std::str
 
 std::string runPython(const std::string& script, const std::vector<std::string>& arguments,
                       std::string_view input) {
-    std::vector<std::string> command = {"python3", "-c", script};
+    std::vector<std::string> command = {"/usr/bin/python3", "-c", script};
     command.insert(command.end(), arguments.begin(), arguments.end());
     const CommandResult result = runCommand(command, input);
     EXPECT_EQ(result.status, 0) << result.errors;

@@ -3,6 +3,7 @@
 
 #include "platform/Log.h"
 #include "platform/memory/MemorySystem.h"
+#include "tests/support/ScopedDouble.h"
 
 #include <filesystem>
 #include <memory>
@@ -34,33 +35,23 @@ private:
 // Collects the log while it lives. The destructor restores the default sink.
 class CapturingLog {
 public:
-    CapturingLog();
+    CapturingLog() { setLogSink(sink); }
     CapturingLog(const CapturingLog&) = delete;
     CapturingLog& operator=(const CapturingLog&) = delete;
-    ~CapturingLog();
+    ~CapturingLog() { setLogSink(nullptr); }
 
-    const std::vector<std::string>& Lines() const;
-
-private:
-    class Sink;
-    std::shared_ptr<Sink> sink;
-};
-
-// Sets a MemorySystem as the process's system while it lives. The destructor leaves the process without a
-// system.
-class ScopedMemorySystem {
-public:
-    ScopedMemorySystem();
-    ScopedMemorySystem(const ScopedMemorySystem&) = delete;
-    ScopedMemorySystem& operator=(const ScopedMemorySystem&) = delete;
-    ~ScopedMemorySystem();
-
-    MemorySystem* operator->() const { return system; }
-    MemorySystem& operator*() const { return *system; }
+    const std::vector<std::string>& Lines() const { return sink->lines; }
 
 private:
-    MemorySystem* system; // owned by the holder of platform::system()
+    struct Sink final : LogSink {
+        void Line(std::string_view text) override { lines.emplace_back(text); }
+        std::vector<std::string> lines;
+    };
+    std::shared_ptr<Sink> sink = std::make_shared<Sink>();
 };
+
+// The process's system, in memory, while it lives. The destructor leaves the process without a system.
+using ScopedMemorySystem = ScopedDouble<MemorySystem, setSystem>;
 
 // Counts the copies of a text in the writable memory of this process. Each byte of the argument is XORed with
 // `secretMask`, so that the search itself holds no copy.
@@ -77,7 +68,7 @@ struct CommandResult {
 CommandResult runCommand(const std::vector<std::string>& programAndArguments, std::string_view input = {});
 // The output of Ghostscript with the device and the arguments; fails the test when it fails.
 std::string runGhostscript(const std::string& device, const std::vector<std::string>& arguments);
-// The output of `python3 -c SCRIPT ARGUMENTS...`; fails the test when the script fails.
+// The output of `/usr/bin/python3 -c SCRIPT ARGUMENTS...`; fails the test when the script fails.
 std::string runPython(const std::string& script, const std::vector<std::string>& arguments = {},
                       std::string_view input = {});
 

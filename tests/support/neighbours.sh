@@ -64,8 +64,8 @@ if [ "$1" = --neighbour ]; then
         printf '<service-group><name>%s</name><service><type>%s</type>%s<port>%s</port></service></service-group>\n' \
             "$name" "$type" "$host" "$port" >"/etc/avahi/services/$number.service"
     done <"$folder/services"
-    begin python3 "$here/names.py" "$folder/asked"
-    if [ -e "$folder/program" ]; then begin python3 "$folder/program"; fi
+    begin /usr/bin/python3 "$here/names.py" "$folder/asked"
+    if [ -e "$folder/program" ]; then begin /usr/bin/python3 "$folder/program"; fi
     begin_avahi there neighbour "$folder/neighbour"
     touch "$folder/neighbour/ready"
     wait
