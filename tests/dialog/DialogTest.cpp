@@ -6,6 +6,7 @@
 #include <QProgressBar>
 #include <QToolButton>
 #include <algorithm>
+#include <set>
 
 // Uses the pane in Qt's own print dialog, with a private print server, as a person does.
 
@@ -155,6 +156,23 @@ TEST_F(DialogTest, AStoppedQueueSaysWhyAndOnlyItsButtonCancelsTheJob) {
     }
     EXPECT_TRUE(dialog.chooseQueue(productionQueue));
     EXPECT_TRUE(notice->isHidden());
+}
+
+// Longer words make the dialog no wider. A process speaks one language.
+TEST_F(DialogTest, HasTheSameWidthInEveryLanguage) {
+    std::set<std::string> faces;
+    for (const std::string language : {"en_US", "de_DE", "fr_FR", "ja_JP", "zh_CN"}) {
+        const std::filesystem::path folder = *sandbox / language;
+        const CommandResult result = runCommand(
+            {"env", "LC_ALL=" + language + ".UTF-8", TORKA_BINARY_DIR "/bin/torka-print-dialog", "--queue",
+             productionQueue, "--pictures", folder.string(), samplePath("brochure.ps")});
+        ASSERT_EQ(result.status, 0) << result.errors;
+        for (const auto& picture : std::filesystem::directory_iterator(folder)) {
+            EXPECT_EQ(QImage(QString::fromStdString(picture.path())).width(), 720) << picture.path();
+        }
+        faces.insert(readFile(folder / "01.png"));
+    }
+    EXPECT_EQ(faces.size(), 5U) << "each in its own words";
 }
 
 } // namespace
