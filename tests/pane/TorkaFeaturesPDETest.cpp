@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "connection/BonjourModuleController.h"
 #include "pane/panel/BundleHelpers.h"
@@ -362,6 +363,19 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     EXPECT_TRUE(panel->shouldPrint());
     ASSERT_EQ(bench.alerts->shown.size(), 1U);
     EXPECT_THAT(bench.alerts->shown[0].informative, testing::EndsWith(": QVLong name"));
+}
+
+TEST(Panel, NoJobLeavesWithoutMemoryForAllItsSettings) {
+    Bench bench;
+    const auto panel = bench.OpenShown();
+    bench.dialog->onSettings = [] { ++gMemoryShortages; };
+    EXPECT_FALSE(panel->shouldPrint());
+    ASSERT_EQ(bench.alerts->shown.size(), 1U);
+    EXPECT_EQ(bench.alerts->shown[0].title, "The job is not printed");
+    EXPECT_THAT(bench.SentTitles(), testing::Not(testing::Contains("Command_WritePSTemp")));
+    bench.dialog->onSettings = nullptr;
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_THAT(bench.SentTitles(), testing::Contains("Command_WritePSTemp"));
 }
 
 TEST(Panel, PopupNotesAreAskedForAndRemembered) {

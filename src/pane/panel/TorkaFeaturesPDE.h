@@ -198,7 +198,8 @@ private:
     void ShowDiscoveredAddress();
     void StoreTypedAddress();
     void TakeDocumentServer();
-    void WriteTicket(EmissionPurpose purpose);
+    // False when the job must not be printed: memory ran out on the way. The person has been told.
+    bool WriteTicket(EmissionPurpose purpose);
     bool ConfirmConflicts();
     bool ConfirmBrokenNotes();
     void TellLeftOutNotes();

@@ -4,6 +4,7 @@
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/ConflictPairs.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "bidi/commands/TicketCommands.h"
 #include "connection/BonjourModuleController.h"
 #include "output/ZANJobTicket.h"
@@ -85,7 +86,9 @@ bool TorkaFeaturesPDE::shouldPrint() {
         return false;
     }
     sendDeferredCommands();
-    WriteTicket(EmissionPurpose::printJob);
+    if (!WriteTicket(EmissionPurpose::printJob)) {
+        return false;
+    }
     WritePopupPreferences();
     presets->RememberLastUsed();
     self.isDocumentPrinting = true;
@@ -135,7 +138,8 @@ bool TorkaFeaturesPDE::ConfirmBrokenNotes() {
     return true;
 }
 
-void TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
+bool TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
+    const std::uint64_t shortagesBefore = gMemoryShortages;
     RefreshFromCallback();
     TakeDocumentServer();
     self.myPDEData->SetPrintSettings(self.printSettings);
@@ -144,14 +148,30 @@ void TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
     self.myPDEData->OutPostscriptData(jobTicket, self.mySession, purpose);
     jobTicket.SavePPDForAllKeys(self.myppd.get(), GetBundleID());
     const CFDataRef list = jobTicket.Save();
-    if (purpose != EmissionPurpose::printJob || system().MinorVersion() < firstVersionWithSentTicket) {
-        return;
+    if (purpose != EmissionPurpose::printJob) {
+        return true;
+    }
+    if (gMemoryShortages != shortagesBefore) {
+        const AlertText text{
+            LocalizedString("NO_MEMORY", "The job is not printed"),
+            LocalizedString("NO_MEMORY_INFO", "There is not enough memory for all of its settings."),
+            LocalizedString("OK", "OK"),
+            {}};
+        myNSLogC("%s. %s", text.title.c_str(), text.informative.c_str());
+        if (hasAlerts()) {
+            alerts().RunModal(text);
+        }
+        return false;
+    }
+    if (system().MinorVersion() < firstVersionWithSentTicket) {
+        return true;
     }
     const OSStatus status = sendTicketAhead(self.printer, jobTicket.FileName(), list);
     if (status != noErr) {
         myNSLogC("The job's settings could not be sent to the queue %s (error %d): it prints without them.",
                  utf8Text(PMPrinterGetName(self.printer)).c_str(), static_cast<int>(status));
     }
+    return true;
 }
 
 // Sends only what the person changed. Otherwise the record of the queue stays as it is.
