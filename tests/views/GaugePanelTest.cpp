@@ -33,11 +33,11 @@ TEST(Gauges, ShowWhatTheRecordsTell) {
                     GaugeSource{[&] { return on; }, [&] { return state; }, [&] { return content; },
                                 [&] { ++asked; }, [&](auto listener) { change = std::move(listener); }});
     pane.Draw();
-    auto& gauges = *pane.Find<GaugePanel>("gauges");
+    auto& gauges = dynamic_cast<GaugePanel&>(*pane.Find<QWidget>("gauges"));
     const auto names = [&] {
         change();
         std::vector<std::string> told;
-        for (const GaugeBar* bar : gauges.findChildren<GaugeBar*>()) {
+        for (const auto* bar : gauges.findChildren<QProgressBar*>()) {
             told.push_back(bar->accessibleName().toStdString());
         }
         return told;
