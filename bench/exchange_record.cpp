@@ -43,7 +43,8 @@ void fillAndRead(benchmark::State& state) {
         writeSettings(*record, settings().List());
         KeyValueList back;
         Create_SDMList_From_SharedMemoryList(back, *record);
-        benchmark::DoNotOptimize(back.List().items);
+        auto* items = back.List().items;
+        benchmark::DoNotOptimize(items);
     }
 }
 BENCHMARK(fillAndRead)->Name("fill and read/ours");
@@ -56,7 +57,8 @@ void returnAndRead(benchmark::State& state) {
         Create_SharedMemoryList_From_SDMList(*record, settings().List());
         KeyValueList back;
         Create_SDMList_From_SharedMemoryList(back, *record);
-        benchmark::DoNotOptimize(back.List().items);
+        auto* items = back.List().items;
+        benchmark::DoNotOptimize(items);
     }
 }
 BENCHMARK(returnAndRead)->Name("fill, keep and read/ours")->ArgName("preset")->Arg(0)->Arg(1);
