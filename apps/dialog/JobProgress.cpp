@@ -124,6 +124,10 @@ void JobProgress::Show() {
     QStringList lines{cancelReason, WhyItWaits(), QString::fromStdString(lastStatus.message)};
     lines.removeAll(QString());
     detail->setText(lines.join(QLatin1Char('\n')));
+    // A window on the screen does not grow by itself, and would cut off the last lines.
+    if (const int needed = layout()->totalHeightForWidth(width()); isVisible() && height() < needed) {
+        resize(width(), needed);
+    }
     bar->setRange(0, isOver ? 1 : 0);
     bar->setValue(isOver ? 1 : 0);
     // A stopped job still exists.

@@ -108,7 +108,6 @@ TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
     // LeakSanitizer checks at the end. TORKA_DIALOG_ROUNDS sets more rounds, to watch the memory.
     const int rounds = std::max(5, qEnvironmentVariableIntValue("TORKA_DIALOG_ROUNDS"));
     for (int i = 0; i < rounds; ++i) {
-
         const auto shown = Open();
         ASSERT_TRUE(shown->dialog->tab().hasPanel());
         shown->dialog->reject();
@@ -117,7 +116,8 @@ TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
 
 TEST_F(DialogTest, AStoppedQueueSaysWhyAndOnlyItsButtonCancelsTheJob) {
     AddQueue("Halted");
-    ASSERT_EQ(runCommand({"cupsdisable", "-r", "Out for repair", "Halted"}).status, 0);
+    const std::string reason = "Out for repair until somebody has found the screw that fell behind the shelf";
+    ASSERT_EQ(runCommand({"cupsdisable", "-r", reason, "Halted"}).status, 0);
     const auto shown = Open("Halted");
     PrintDialog& dialog = *shown->dialog;
     const auto* notice = dialog.findChild<QLabel*>("queueNotice");
@@ -146,9 +146,9 @@ TEST_F(DialogTest, AStoppedQueueSaysWhyAndOnlyItsButtonCancelsTheJob) {
     for (const auto& row : rows) {
         dialog::JobProgress progress(dialog.queue(), job, document.name);
         progress.show();
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] { return progress.findChild<QLabel*>("jobDetail")->text().contains("Out for repair"); },
-            20000));
+        const auto* detail = progress.findChild<QLabel*>("jobDetail");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return detail->text().contains("Out for repair"); }, 20000));
+        EXPECT_GE(detail->height(), detail->heightForWidth(detail->width())) << "it is cut off";
         row.end(progress);
         EXPECT_FALSE(progress.isVisible());
         EXPECT_EQ(progress.isLeftToPrint(), row.isLeftToPrint);
