@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The client library of the print server, loaded at the first call. A program that links this file defines
 // the functions that our code calls, so the linker leaves the library out: a command that asks the server
-// nothing starts without the library and what it brings (TLS and Kerberos). The library's own calls stay its
-// own, since a program exports no symbols. A function whose type differs from its declaration in the
-// library's headers does not compile.
+// nothing starts without it and without what it brings (TLS and Kerberos). A program exports no symbols, so
+// calls that the library makes stay its own. A function whose type differs from its declaration in <cups/...>
+// does not compile.
 #include "platform/ondemand/Library.h"
 
 #include <cups/cups.h>
