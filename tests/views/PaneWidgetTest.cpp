@@ -125,9 +125,11 @@ TEST_F(PaneWidgetTest, PopupsMakeTheirListsWhenTheyAreOpened) {
     }
     const auto boxes = pane.Root()->findChildren<QComboBox*>();
     EXPECT_GT(boxes.size(), 30);
+#if QT_VERSION < QT_VERSION_CHECK(6, 8, 0) // Qt 6.8 makes a list with the box's first entry
     for (const QComboBox* box : boxes) {
         EXPECT_EQ(box->findChild<QAbstractItemView*>(), nullptr) << box->objectName().toStdString();
     }
+#endif
     for (const auto& [keyword, characters, choose] :
          {std::tuple{"*QVStaple", 14, Qt::Key_Return}, {"*QVMarks", 0, Qt::Key_Space}}) {
         Go(keyword);
