@@ -153,12 +153,12 @@ void PaneAttachment::AddQueueNotice() {
 }
 
 void PaneAttachment::ShowQueueNotice() {
-    constexpr int askInterval = 3000; // milliseconds
+    constexpr int queueAskInterval = 3000; // milliseconds
     const bool asks = withoutPane == WithoutPane::explained || paneTab->hasPanel();
     const std::string name = asks ? Queue() : std::string();
     const CFDictionaryRef state = name.empty() ? nullptr : queueState(name);
     if (state) {
-        queueTimer.start(askInterval);
+        queueTimer.start(queueAskInterval);
     } else {
         queueTimer.stop(); // each question to a server that is gone would block the dialog
     }

@@ -19,11 +19,11 @@ namespace {
 constexpr std::chrono::milliseconds interval(50);
 
 // The clock of the wait under way; the signal handler calls its Cancel, which is safe there.
-PosixSystem* waiting = nullptr;
+PosixSystem* waitingSystem = nullptr;
 
 void interrupt(int /*signal*/) {
-    if (waiting != nullptr) {
-        waiting->Cancel();
+    if (waitingSystem != nullptr) {
+        waitingSystem->Cancel();
     }
 }
 
@@ -60,7 +60,7 @@ void showState(int job, const JobStatus& status) {
 
 ExitStatus followJob(const std::string& queueName, int job) {
     PosixSystem clock(platform::installedSystem());
-    waiting = &clock;
+    waitingSystem = &clock;
     auto* const before = std::signal(SIGINT, interrupt);
     JobStatus status = jobStatus(job);
     bool isCancelled = false;
@@ -86,7 +86,7 @@ ExitStatus followJob(const std::string& queueName, int job) {
     }
     showState(job, status);
     std::signal(SIGINT, before);
-    waiting = nullptr;
+    waitingSystem = nullptr;
     if (status.state == 9) {
         return ExitStatus::good;
     }

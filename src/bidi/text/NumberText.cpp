@@ -8,11 +8,11 @@ namespace torka {
 
 namespace {
 
-constexpr int digits = 6;
+constexpr int precision = 6;
 
 std::string numberText(double value, std::chars_format format) {
     std::array<char, 512> text{}; // the largest double has 309 digits before the point
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, format, digits).ptr;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, format, precision).ptr;
     return {text.data(), end};
 }
 
