@@ -2,8 +2,8 @@
 // The client library of the print server, loaded at the first call. A program that links this file defines
 // the functions that our code calls, so the linker leaves the library out: a command that asks the server
 // nothing starts without it and without what it brings (TLS and Kerberos). A program exports no symbols, so
-// calls that the library makes stay its own. A function whose type differs from its declaration in <cups/...>
-// does not compile.
+// the calls that the library makes stay its own. A function whose type differs from its declaration in
+// <cups/...> does not compile.
 #include "platform/ondemand/Library.h"
 
 #include <cups/cups.h>
