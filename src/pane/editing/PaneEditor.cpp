@@ -22,6 +22,10 @@ bool choosesSeveral(const PPDXControl& control) {
     return popup != nullptr && popup->CanSelectMultipleItems();
 }
 
+bool isAscii(std::string_view text) {
+    return std::ranges::all_of(text, [](char unit) { return static_cast<unsigned char>(unit) < 0x80; });
+}
+
 // The keyword of a popup's one choice without the way through a CFString, which takes most of the time of
 // comparing hundreds of fields. None for other controls, and for what that way would change: text that is
 // not ASCII.
@@ -38,9 +42,18 @@ std::optional<std::string_view> chosenKeyword(const PPDXControl& control) {
             isFound = true;
         }
     });
-    const bool isAscii =
-        std::ranges::all_of(keyword, [](char unit) { return static_cast<unsigned char>(unit) < 0x80; });
-    return isAscii ? std::optional(keyword) : std::nullopt;
+    return isAscii(keyword) ? std::optional(keyword) : std::nullopt;
+}
+
+// Whether a popup has its default choice, asked without making either text. False also where only the texts
+// can tell.
+bool isAtDefaultItem(const PPDXControl& control) {
+    const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
+    if (popup == nullptr || popup->CanSelectMultipleItems()) {
+        return false;
+    }
+    const int chosen = popup->GetValue();
+    return chosen != 0 && chosen == popup->DefaultValue() && isAscii(popup->DefaultText());
 }
 
 std::vector<std::string> linesOf(std::string_view text) {
@@ -349,8 +362,8 @@ std::vector<PPDXControl*> PaneEditor::UndoSubjects() const {
 std::vector<PaneDifference> PaneEditor::Differences() const {
     std::vector<PaneDifference> differences;
     catalog->ForEach([&](const PaneField& field) {
-        if (catalog->Pages()[field.page].installable || LockOf(*field.control) == PaneLock::system ||
-            field.control->Type() == CNTL_TYPE::customPageSize) {
+        if (isAtDefaultItem(*field.control) || catalog->Pages()[field.page].installable ||
+            isChosenBySystem(*field.control) || field.control->Type() == CNTL_TYPE::customPageSize) {
             return;
         }
         std::string value = Value(*field.control);

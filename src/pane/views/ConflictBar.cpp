@@ -2,6 +2,7 @@
 #include "pane/views/ConflictBar.h"
 
 #include "pane/presentation/ConflictNotice.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PaneIcons.h"
 
 #include <QAccessible>
@@ -12,18 +13,6 @@
 #include <QStyle>
 
 namespace torka {
-namespace {
-
-// A colour mixed with part of another.
-QColor blend(const QColor& under, const QColor& over, double share) {
-    const auto mix = [share](float a, float b) {
-        return static_cast<float>(static_cast<double>(a) * (1 - share) + static_cast<double>(b) * share);
-    };
-    return QColor::fromRgbF(mix(under.redF(), over.redF()), mix(under.greenF(), over.greenF()),
-                            mix(under.blueF(), over.blueF()));
-}
-
-} // namespace
 
 ConflictBar::ConflictBar(PaneContext& paneContext, QWidget* parent)
     : QFrame(parent)

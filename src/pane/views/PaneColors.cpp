@@ -25,4 +25,12 @@ QPalette readableColors() {
     return colors;
 }
 
+QColor blend(const QColor& under, const QColor& over, double share) {
+    const auto mix = [share](float a, float b) {
+        return static_cast<float>(static_cast<double>(a) * (1 - share) + static_cast<double>(b) * share);
+    };
+    return QColor::fromRgbF(mix(under.redF(), over.redF()), mix(under.greenF(), over.greenF()),
+                            mix(under.blueF(), over.blueF()));
+}
+
 } // namespace torka

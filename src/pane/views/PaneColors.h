@@ -10,4 +10,7 @@ namespace torka {
 // palette.
 QPalette readableColors();
 
+// A colour mixed with a share (0 to 1) of another that lies over it.
+QColor blend(const QColor& under, const QColor& over, double share);
+
 } // namespace torka
