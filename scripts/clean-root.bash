@@ -59,7 +59,7 @@ remove_root() {
 
 make_root() {
     scratch=$(mktemp -d)
-    unset TMPDIR # names a folder that the root lacks
+    unset TMPDIR CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER # name what the root lacks
     chmod 755 "$scratch"
     root=$scratch/root
     log=$scratch/log

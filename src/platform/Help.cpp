@@ -1,23 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/Help.h"
 
-#include <utility>
-
 namespace torka::platform {
 
-namespace {
-
-HelpViewer& chosenViewer() {
-    static HelpViewer viewer;
-    return viewer;
+OSStatus AHGotoPage(const CFStringRef& /*book*/, const CFStringRef& /*page*/, const CFStringRef& /*anchor*/) {
+    return fnfErr;
 }
-
-} // namespace
-
-OSStatus AHGotoPage(const CFStringRef& book, const CFStringRef& page, const CFStringRef& anchor) {
-    return chosenViewer() ? chosenViewer()(book, page, anchor) : fnfErr;
-}
-
-void setHelpViewer(HelpViewer viewer) { chosenViewer() = std::move(viewer); }
 
 } // namespace torka::platform

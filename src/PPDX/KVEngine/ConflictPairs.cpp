@@ -15,8 +15,9 @@ ConflictPair unordered(const ConflictPair& pair) {
 std::uint64_t hashOf(const ConflictPair& pair) {
     std::uint64_t hash = 0;
     for (const KeyOption& side : {pair.first, pair.second}) {
-        hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.key);
-        hash = hashIdentifier(static_cast<std::int64_t>(hash) ^ side.option);
+        const auto both =
+            static_cast<std::uint64_t>(side.key) ^ (static_cast<std::uint64_t>(side.option) << 32U);
+        hash = hashIdentifier(static_cast<std::int64_t>(hash ^ both)); // identifiers have at most 32 bits
     }
     return hash;
 }

@@ -11,7 +11,7 @@
 namespace torka {
 namespace {
 
-constexpr std::uint64_t maximumWork = std::uint64_t{1} << 22U; // pairs and lines: well below half a second
+constexpr std::uint64_t maximumWork = std::uint64_t{1} << 21U; // pairs and lines: well below half a second
 constexpr std::uint64_t workOfPair = 4; // to tell a conflict from those seen before takes longer than a line
 constexpr int maximumRounds = 64;
 

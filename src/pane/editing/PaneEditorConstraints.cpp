@@ -66,8 +66,9 @@ std::vector<PaneSetting> PaneEditor::ForbiddenBy(std::string_view keyword, std::
 
 const std::vector<PaneConflict>& PaneEditor::Conflicts() const {
     if (!conflicts) {
-        conflicts.emplace();
-        for (const auto& [first, second] : conflictPairs(constraints, *constraints.GetCurrentSelections())) {
+        const auto pairs = conflictPairs(constraints, *constraints.GetCurrentSelections());
+        conflicts.emplace().reserve(pairs.size());
+        for (const auto& [first, second] : pairs) {
             conflicts->push_back({SettingOf(first), SettingOf(second)});
         }
     }

@@ -158,7 +158,7 @@ Result<void> replaceFile(const std::filesystem::path& file, const std::string& t
     bool isGood = true;
     while (isGood && written < text.size()) {
         const ssize_t count = ::write(made.Number(), text.data() + written, text.size() - written);
-        isGood = count >= 0 || errno == EINTR;
+        isGood = count > 0 || (count < 0 && errno == EINTR);
         written += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
     if (!isGood || ::fchmod(made.Number(), mode) != 0 || ::fsync(made.Number()) != 0 ||
