@@ -14,6 +14,11 @@ elseif(CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 15)
     # clang 14 report what we call.
     target_compile_options(torka_options INTERFACE -Wno-deprecated-declarations)
 endif()
+# clang 17 and later take it that a class has one table of virtual functions in a process, and let dynamic_cast to a final
+# class compare its address. Host and bundle each have their own.
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 17)
+    target_compile_options(torka_options INTERFACE -fno-assume-unique-vtables)
+endif()
 if(TORKA_SANITIZE)
     set(torka_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(torka_options INTERFACE ${torka_sanitizers})

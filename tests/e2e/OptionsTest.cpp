@@ -88,6 +88,18 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
     }
 }
 
+TEST_F(Options, SurviveAHold) {
+    AddQueue("Later");
+    const JobOptions options{{"QVStaple", "Saddle"}, {"Notes1", "shelf 4"}, {"job-hold-until", "indefinite"}};
+    const int held = Submit("Later", options);
+    EXPECT_EQ(WaitForEnd(Submit("Later", {})).state, 9);
+    ASSERT_EQ(runCommand({"lp", "-i", "Later-" + std::to_string(held), "-H", "resume"}).status, 0);
+    ASSERT_EQ(WaitForEnd(held).state, 9);
+    const std::string printed = sandbox->Printed(held);
+    EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVStaple Saddle\n"));
+    EXPECT_THAT(printed, HasSubstr("%%ZANCustom1: shelf 4\n"));
+}
+
 TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
     AddQueue("Told");
     struct Case {

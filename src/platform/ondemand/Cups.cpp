@@ -50,6 +50,8 @@ FORWARD(int, cupsPrintFile2,
         (http_t * http, const char* name, const char* filename, const char* title, int num_options,
          cups_option_t* options),
         (http, name, filename, title, num_options, options))
+FORWARD(http_status_t, cupsSendRequest, (http_t * http, ipp_t* request, const char* resource, size_t length),
+        (http, request, resource, length))
 FORWARD(const char*, cupsServer, (), ())
 FORWARD(void, cupsSetPasswordCB2, (cups_password_cb2_t cb, void* user_data), (cb, user_data))
 FORWARD(http_status_t, cupsStartDocument,
@@ -71,8 +73,14 @@ FORWARD(http_t*, httpConnect2,
         (host, port, addrlist, family, encryption, blocking, msec, cancel))
 FORWARD(char*, httpDecode64_2, (char* out, int* outlen, const char* in), (out, outlen, in))
 FORWARD(char*, httpEncode64_2, (char* out, int outlen, const char* in, int inlen), (out, outlen, in, inlen))
+FORWARD(int, httpGetFd, (http_t * http), (http))
 FORWARD(int, httpOptions, (http_t * http, const char* uri), (http, uri))
 FORWARD(int, httpPost, (http_t * http, const char* uri), (http, uri))
+FORWARD(ssize_t, httpRead2, (http_t * http, char* buffer, size_t length), (http, buffer, length))
+FORWARD(http_uri_status_t, httpSeparateURI,
+        (http_uri_coding_t decoding, const char* uri, char* scheme, int schemelen, char* username,
+         int usernamelen, char* host, int hostlen, int* port, char* resource, int resourcelen),
+        (decoding, uri, scheme, schemelen, username, usernamelen, host, hostlen, port, resource, resourcelen))
 FORWARD(void, httpSetField, (http_t * http, http_field_t field, const char* value), (http, field, value))
 FORWARD(void, httpSetLength, (http_t * http, size_t length), (http, length))
 FORWARD(void, httpSetTimeout, (http_t * http, double timeout, http_timeout_cb_t cb, void* user_data),
@@ -96,10 +104,13 @@ FORWARD(ipp_attribute_t*, ippFindAttribute, (ipp_t * ipp, const char* name, ipp_
         (ipp, name, value_tag))
 FORWARD(ipp_attribute_t*, ippFirstAttribute, (ipp_t * ipp), (ipp))
 FORWARD(int, ippGetBoolean, (ipp_attribute_t * attr, int element), (attr, element))
+FORWARD(ipp_t*, ippGetCollection, (ipp_attribute_t * attr, int element), (attr, element))
 FORWARD(int, ippGetCount, (ipp_attribute_t * attr), (attr))
 FORWARD(ipp_tag_t, ippGetGroupTag, (ipp_attribute_t * attr), (attr))
 FORWARD(int, ippGetInteger, (ipp_attribute_t * attr, int element), (attr, element))
 FORWARD(const char*, ippGetName, (ipp_attribute_t * attr), (attr))
+FORWARD(void*, ippGetOctetString, (ipp_attribute_t * attr, int element, int* datalen),
+        (attr, element, datalen))
 FORWARD(ipp_state_t, ippGetState, (ipp_t * ipp), (ipp))
 FORWARD(ipp_status_t, ippGetStatusCode, (ipp_t * ipp), (ipp))
 FORWARD(const char*, ippGetString, (ipp_attribute_t * attr, int element, const char** language),
@@ -111,6 +122,8 @@ FORWARD(ipp_t*, ippNewRequest, (ipp_op_t op), (op))
 FORWARD(ipp_attribute_t*, ippNextAttribute, (ipp_t * ipp), (ipp))
 FORWARD(int, ippPort, (), ())
 FORWARD(ipp_state_t, ippRead, (http_t * http, ipp_t* ipp), (http, ipp))
+FORWARD(ipp_state_t, ippReadIO, (void* src, ipp_iocb_t cb, int blocking, ipp_t* parent, ipp_t* ipp),
+        (src, cb, blocking, parent, ipp))
 FORWARD(int, ippSetState, (ipp_t * ipp, ipp_state_t state), (ipp, state))
 FORWARD(ipp_state_t, ippWrite, (http_t * http, ipp_t* ipp), (http, ipp))
 FORWARD(void, ppdClose, (ppd_file_t * ppd), (ppd))
