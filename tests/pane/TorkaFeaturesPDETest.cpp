@@ -378,6 +378,23 @@ TEST(Panel, NoJobLeavesWithoutMemoryForAllItsSettings) {
     EXPECT_THAT(bench.SentTitles(), testing::Contains("Command_WritePSTemp"));
 }
 
+TEST(Panel, APersonDecidesAboutAJobWhoseSettingsTheQueueRefuses) {
+    Bench bench;
+    const auto panel = bench.OpenShown();
+    bench.dialog->printer->sendResult = kPMGeneralError;
+    for (const auto& [button, prints] :
+         {std::pair(AlertButton::defaultButton, true), std::pair(AlertButton::alternateButton, false)}) {
+        bench.alerts->shown.clear();
+        bench.alerts->answer = button;
+        EXPECT_EQ(panel->shouldPrint(), prints);
+        ASSERT_EQ(bench.alerts->shown.size(), 1U);
+        EXPECT_EQ(bench.alerts->shown[0].alternateButton, "Cancel");
+    }
+    bench.dialog->printer->sendResult = noErr;
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_EQ(bench.alerts->shown.size(), 1U);
+}
+
 TEST(Panel, PopupNotesAreAskedForAndRemembered) {
     Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|Remembered|PopupJN") +
                                  jobNote("QVPin", "20|Alpha|Remembered|Password|PopupJN") +

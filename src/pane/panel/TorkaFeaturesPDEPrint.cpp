@@ -167,11 +167,18 @@ bool TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
         return true;
     }
     const OSStatus status = sendTicketAhead(self.printer, jobTicket.FileName(), list);
-    if (status != noErr) {
-        myNSLogC("The job's settings could not be sent to the queue %s (error %d): it prints without them.",
-                 utf8Text(PMPrinterGetName(self.printer)).c_str(), static_cast<int>(status));
-    }
-    return true;
+    return status == noErr || PrintsWithoutTicket(status);
+}
+
+// The queue may take the job all the same, and then prints it without its settings: the person decides.
+bool TorkaFeaturesPDE::PrintsWithoutTicket(OSStatus failure) const {
+    const AlertText text{
+        LocalizedString("NO_TICKET", "The settings could not be sent to the print queue"),
+        LocalizedString("NO_TICKET_INFO", "Without them the job prints with the settings of the queue."),
+        LocalizedString("PRINT_ANYWAY", "Print Anyway"), LocalizedString("CANCEL", "Cancel")};
+    myNSLogC("%s %s (error %d). %s", text.title.c_str(), utf8Text(PMPrinterGetName(self.printer)).c_str(),
+             static_cast<int>(failure), text.informative.c_str());
+    return !hasAlerts() || alerts().RunModal(text) == AlertButton::defaultButton;
 }
 
 // Sends only what the person changed. Otherwise the record of the queue stays as it is.
