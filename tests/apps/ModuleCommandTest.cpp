@@ -85,6 +85,7 @@ TEST(ModuleCommand, AnInterruptEndsTheWait) {
         moduleRun(TORKA_SAMPLE_MODULE, folder.Write("script", "not-ready forever\n"));
     // Sends the interrupt when the session's report exists, so that the session is running.
     static constexpr const char* script = "import os, signal, subprocess, sys, time\n"
+                                          "signal.signal(signal.SIGINT, signal.SIG_DFL)\n"
                                           "report = sys.argv[1]\n"
                                           "tool = subprocess.Popen(sys.argv[2:])\n"
                                           "for _ in range(3000):\n"

@@ -22,7 +22,8 @@ std::size_t entriesOf(const fs::path& folder) {
 // the signal; returns the one that has ended it.
 int endEmitBy(int signal, const fs::path& temporary) {
     static constexpr const char* script =
-        "import os, subprocess, sys, time\n"
+        "import os, signal, subprocess, sys, time\n"
+        "signal.signal(signal.SIGINT, signal.SIG_DFL)\n" // ignored in what a shell starts behind
         "os.environ['TMPDIR'] = folder = sys.argv[1]\n"
         "tool = subprocess.Popen(sys.argv[3:], stdout=subprocess.PIPE, pipesize=4096)\n"
         "while not any(os.listdir(os.path.join(folder, each)) for each in os.listdir(folder)):\n"

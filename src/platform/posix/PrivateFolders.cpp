@@ -7,8 +7,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -31,33 +33,6 @@ constexpr std::time_t youngest = 60; // seconds
 std::array<char, PATH_MAX> folderOfProcess{};
 int lockOfProcess = -1; // the folder, open and locked
 
-bool isLeftOver(const std::filesystem::path& path, int& folder) {
-    const std::string name = path.filename().string();
-    struct stat facts {};
-    if (!name.starts_with(prefix) || name.size() != nameLength) {
-        return false;
-    }
-    folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    return folder >= 0 && fstat(folder, &facts) == 0 && facts.st_uid == geteuid() &&
-           (facts.st_mode & 0777) == 0700 && facts.st_mtime + youngest < std::time(nullptr) &&
-           flock(folder, LOCK_EX | LOCK_NB) == 0;
-}
-
-void removeLeftOver(const std::filesystem::path& parent) {
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(parent, error), end; !error && entry != end;
-         entry.increment(error)) {
-        int folder = -1;
-        if (isLeftOver(entry->path(), folder)) {
-            std::error_code ignored;
-            std::filesystem::remove_all(entry->path(), ignored);
-        }
-        if (folder >= 0) {
-            close(folder);
-        }
-    }
-}
-
 // Calls only functions that are safe in a signal handler, and needs no memory and no further descriptor. The
 // folder holds only files.
 void removeFiles(int folder) {
@@ -76,6 +51,36 @@ void removeFiles(int folder) {
             std::memcpy(&length, block.data() + at + lengthOffset, sizeof length);
             unlinkat(folder, block.data() + at + nameOffset, 0); // fails harmlessly for "." and ".."
             at += length;
+        }
+    }
+}
+
+bool isLeftOver(const std::string& path, std::string_view name, int& folder) {
+    struct stat facts {};
+    if (!name.starts_with(prefix) || name.size() != nameLength) {
+        return false;
+    }
+    folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    return folder >= 0 && fstat(folder, &facts) == 0 && facts.st_uid == geteuid() &&
+           (facts.st_mode & 0777) == 0700 && facts.st_mtime + youngest < std::time(nullptr) &&
+           flock(folder, LOCK_EX | LOCK_NB) == 0;
+}
+
+// Not with std::filesystem: its iterators end the process when they find no memory.
+void removeLeftOver(const std::filesystem::path& parent) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> list(opendir(parent.c_str()), closedir);
+    if (!list) {
+        return;
+    }
+    while (const dirent* entry = readdir(list.get())) {
+        const std::string path = parent.native() + '/' + entry->d_name;
+        int folder = -1;
+        if (isLeftOver(path, entry->d_name, folder)) {
+            removeFiles(folder);
+            rmdir(path.c_str());
+        }
+        if (folder >= 0) {
+            close(folder);
         }
     }
 }

@@ -220,7 +220,8 @@ int PPDXPopupControl::DefaultValue() const {
     if (defaultItem != none) {
         return static_cast<int>(defaultItem) + 1;
     }
-    const std::size_t place = strayDefault ? PlaceOf(strayDefault->Buffer()) : none;
+    const char* stray = strayDefault ? strayDefault->Buffer() : nullptr; // null also without memory
+    const std::size_t place = stray ? PlaceOf(stray) : none;
     return place == none ? 0 : static_cast<int>(place) + 1;
 }
 
