@@ -23,7 +23,8 @@ std::size_t entriesOf(const fs::path& folder) {
 int endEmitBy(int signal, const fs::path& temporary) {
     static constexpr const char* script =
         "import os, signal, subprocess, sys, time\n"
-        "signal.signal(signal.SIGINT, signal.SIG_DFL)\n" // ignored in what a shell starts behind
+        "if sys.argv[2] != '9': signal.signal(int(sys.argv[2]), signal.SIG_DFL)\n" // what a shell starts may
+                                                                                   // ignore it
         "os.environ['TMPDIR'] = folder = sys.argv[1]\n"
         "tool = subprocess.Popen(sys.argv[3:], stdout=subprocess.PIPE, pipesize=4096)\n"
         "while not any(os.listdir(os.path.join(folder, each)) for each in os.listdir(folder)):\n"
