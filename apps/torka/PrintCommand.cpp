@@ -12,8 +12,10 @@
 #include "platform/cups/CupsQueue.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <unistd.h>
 
 namespace torka::tool {
@@ -64,6 +66,18 @@ void addPageSize(const ZANPPD& description, JobOptions& options) {
     const char* const standard = pageSize->GetDefaultKeyword();
     if (!namesMedium || standard == nullptr || value != standard) {
         options.emplace_back("PageSize", value);
+    }
+}
+
+// Names the job and follows it. The job is in the queue, so a shortage of memory is no reason to print it
+// again.
+ExitStatus tellJob(const PrintOptions& options, const std::string& queue, int job) {
+    try {
+        print(printable(inPersonsLanguage("Job " + std::to_string(job) + " on " + queue)) + "\n");
+        return options.isDetached ? ExitStatus::good : followJob(queue, job);
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "torka: job %d is in the queue; there is not enough memory to follow it\n", job);
+        return ExitStatus::findings;
     }
 }
 
@@ -126,8 +140,7 @@ ExitStatus printFile(const PrintOptions& options) {
     if (!job) {
         return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
-    print(printable(inPersonsLanguage("Job " + std::to_string(*job) + " on " + queue)) + "\n");
-    const ExitStatus status = options.isDetached ? ExitStatus::good : followJob(queue, *job);
+    const ExitStatus status = tellJob(options, queue, *job);
     return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
 }
 

@@ -19,12 +19,11 @@ std::size_t entriesOf(const fs::path& folder) {
 }
 
 // Runs `torka emit` until it has made its folder and blocks, because nobody reads what it writes. Ends it by
-// the signal; returns the one that has ended it.
+// the signal, also where the shell that started this program ignores it. Returns the one that has ended it.
 int endEmitBy(int signal, const fs::path& temporary) {
     static constexpr const char* script =
         "import os, signal, subprocess, sys, time\n"
-        "if sys.argv[2] != '9': signal.signal(int(sys.argv[2]), signal.SIG_DFL)\n" // what a shell starts may
-                                                                                   // ignore it
+        "if sys.argv[2] != '9': signal.signal(int(sys.argv[2]), signal.SIG_DFL)\n"
         "os.environ['TMPDIR'] = folder = sys.argv[1]\n"
         "tool = subprocess.Popen(sys.argv[3:], stdout=subprocess.PIPE, pipesize=4096)\n"
         "while not any(os.listdir(os.path.join(folder, each)) for each in os.listdir(folder)):\n"
