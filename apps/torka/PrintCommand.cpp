@@ -69,14 +69,14 @@ void addPageSize(const ZANPPD& description, JobOptions& options) {
     }
 }
 
-// Names the job and follows it. The job is in the queue, so a shortage of memory is no reason to print it
-// again.
-ExitStatus tellJob(const PrintOptions& options, const std::string& queue, int job) {
+// Names the job and follows it. Says `shortage` without memory: the job is in the queue all the same.
+ExitStatus tellJob(const PrintOptions& options, const std::string& queue, int job,
+                   const std::string& shortage) {
     try {
         print(printable(inPersonsLanguage("Job " + std::to_string(job) + " on " + queue)) + "\n");
         return options.isDetached ? ExitStatus::good : followJob(queue, job);
     } catch (const std::bad_alloc&) {
-        std::fprintf(stderr, "torka: job %d is in the queue; there is not enough memory to follow it\n", job);
+        std::fprintf(stderr, "torka: %s\n", shortage.c_str());
         return ExitStatus::findings;
     }
 }
@@ -136,11 +136,13 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     const std::string title =
         options.title.empty() ? std::filesystem::path(options.file).filename().string() : options.title;
+    const std::string shortage = printable(inPersonsLanguage(
+        "the job is in the queue; there is not enough memory to follow it")); // made in time
     const Result<int> job = submitFile(queue, options.file, title, jobOptions);
     if (!job) {
         return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
-    const ExitStatus status = tellJob(options, queue, *job);
+    const ExitStatus status = tellJob(options, queue, *job, shortage);
     return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
 }
 

@@ -365,7 +365,7 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     EXPECT_THAT(bench.alerts->shown[0].informative, testing::EndsWith(": QVLong name"));
 }
 
-TEST(Panel, NoJobLeavesWithoutMemoryForAllItsSettings) {
+TEST(Panel, NoJobLeavesWithoutItsSettings) {
     Bench bench;
     const auto panel = bench.OpenShown();
     bench.dialog->onSettings = [] { ++gMemoryShortages; };
@@ -374,25 +374,14 @@ TEST(Panel, NoJobLeavesWithoutMemoryForAllItsSettings) {
     EXPECT_EQ(bench.alerts->shown[0].title, "The job is not printed");
     EXPECT_THAT(bench.SentTitles(), testing::Not(testing::Contains("Command_WritePSTemp")));
     bench.dialog->onSettings = nullptr;
-    EXPECT_TRUE(panel->shouldPrint());
-    EXPECT_THAT(bench.SentTitles(), testing::Contains("Command_WritePSTemp"));
-}
-
-TEST(Panel, APersonDecidesAboutAJobWhoseSettingsTheQueueRefuses) {
-    Bench bench;
-    const auto panel = bench.OpenShown();
-    bench.dialog->printer->sendResult = kPMGeneralError;
-    for (const auto& [button, prints] :
-         {std::pair(AlertButton::defaultButton, true), std::pair(AlertButton::alternateButton, false)}) {
-        bench.alerts->shown.clear();
-        bench.alerts->answer = button;
-        EXPECT_EQ(panel->shouldPrint(), prints);
-        ASSERT_EQ(bench.alerts->shown.size(), 1U);
-        EXPECT_EQ(bench.alerts->shown[0].alternateButton, "Cancel");
-    }
+    bench.dialog->printer->sendResult = kPMGeneralError; // the queue refuses them
+    EXPECT_FALSE(panel->shouldPrint());
+    ASSERT_EQ(bench.alerts->shown.size(), 2U);
+    EXPECT_EQ(bench.alerts->shown[1].informative, "The print queue did not take its settings.");
     bench.dialog->printer->sendResult = noErr;
     EXPECT_TRUE(panel->shouldPrint());
-    EXPECT_EQ(bench.alerts->shown.size(), 1U);
+    EXPECT_EQ(bench.alerts->shown.size(), 2U);
+    EXPECT_THAT(bench.SentTitles(), testing::Contains("Command_WritePSTemp"));
 }
 
 TEST(Panel, PopupNotesAreAskedForAndRemembered) {

@@ -201,7 +201,7 @@ private:
     // False when the job must not be printed: memory ran out on the way, or its settings did not reach the
     // queue. The person has been told.
     bool WriteTicket(EmissionPurpose purpose);
-    bool PrintsWithoutTicket(OSStatus failure) const;
+    void TellNotPrinted(const std::string& why) const;
     bool ConfirmConflicts();
     bool ConfirmBrokenNotes();
     void TellLeftOutNotes();

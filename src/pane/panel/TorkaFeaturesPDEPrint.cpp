@@ -152,33 +152,29 @@ bool TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
         return true;
     }
     if (gMemoryShortages != shortagesBefore) {
-        const AlertText text{
-            LocalizedString("NO_MEMORY", "The job is not printed"),
-            LocalizedString("NO_MEMORY_INFO", "There is not enough memory for all of its settings."),
-            LocalizedString("OK", "OK"),
-            {}};
-        myNSLogC("%s. %s", text.title.c_str(), text.informative.c_str());
-        if (hasAlerts()) {
-            alerts().RunModal(text);
-        }
+        TellNotPrinted(
+            LocalizedString("NO_MEMORY_INFO", "There is not enough memory for all of its settings."));
         return false;
     }
     if (system().MinorVersion() < firstVersionWithSentTicket) {
         return true;
     }
     const OSStatus status = sendTicketAhead(self.printer, jobTicket.FileName(), list);
-    return status == noErr || PrintsWithoutTicket(status);
+    if (status != noErr) { // the filter would stop the job, or another one would print it without settings
+        myNSLogC("Queue %s, error %d:", utf8Text(PMPrinterGetName(self.printer)).c_str(),
+                 static_cast<int>(status));
+        TellNotPrinted(LocalizedString("NO_TICKET_INFO", "The print queue did not take its settings."));
+    }
+    return status == noErr;
 }
 
-// The queue may take the job all the same, and then prints it without its settings: the person decides.
-bool TorkaFeaturesPDE::PrintsWithoutTicket(OSStatus failure) const {
+void TorkaFeaturesPDE::TellNotPrinted(const std::string& why) const {
     const AlertText text{
-        LocalizedString("NO_TICKET", "The settings could not be sent to the print queue"),
-        LocalizedString("NO_TICKET_INFO", "Without them the job prints with the settings of the queue."),
-        LocalizedString("PRINT_ANYWAY", "Print Anyway"), LocalizedString("CANCEL", "Cancel")};
-    myNSLogC("%s %s (error %d). %s", text.title.c_str(), utf8Text(PMPrinterGetName(self.printer)).c_str(),
-             static_cast<int>(failure), text.informative.c_str());
-    return !hasAlerts() || alerts().RunModal(text) == AlertButton::defaultButton;
+        LocalizedString("NOT_PRINTED", "The job is not printed"), why, LocalizedString("OK", "OK"), {}};
+    myNSLogC("%s. %s", text.title.c_str(), text.informative.c_str());
+    if (hasAlerts()) {
+        alerts().RunModal(text);
+    }
 }
 
 // Sends only what the person changed. Otherwise the record of the queue stays as it is.
