@@ -365,7 +365,7 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     EXPECT_THAT(bench.alerts->shown[0].informative, testing::EndsWith(": QVLong name"));
 }
 
-TEST(Panel, NoJobLeavesWithoutItsSettings) {
+TEST(Panel, NoJobLosesItsSettingsInSilence) {
     Bench bench;
     const auto panel = bench.OpenShown();
     bench.dialog->onSettings = [] { ++gMemoryShortages; };
@@ -374,10 +374,10 @@ TEST(Panel, NoJobLeavesWithoutItsSettings) {
     EXPECT_EQ(bench.alerts->shown[0].title, "The job is not printed");
     EXPECT_THAT(bench.SentTitles(), testing::Not(testing::Contains("Command_WritePSTemp")));
     bench.dialog->onSettings = nullptr;
-    bench.dialog->printer->sendResult = kPMGeneralError; // the queue refuses them
-    EXPECT_FALSE(panel->shouldPrint());
+    bench.dialog->printer->sendResult = kPMGeneralError; // the filter stops the job
+    EXPECT_TRUE(panel->shouldPrint());
     ASSERT_EQ(bench.alerts->shown.size(), 2U);
-    EXPECT_EQ(bench.alerts->shown[1].informative, "The print queue did not take its settings.");
+    EXPECT_EQ(bench.alerts->shown[1].informative, "The print queue did not take them.");
     bench.dialog->printer->sendResult = noErr;
     EXPECT_TRUE(panel->shouldPrint());
     EXPECT_EQ(bench.alerts->shown.size(), 2U);

@@ -198,10 +198,9 @@ private:
     void ShowDiscoveredAddress();
     void StoreTypedAddress();
     void TakeDocumentServer();
-    // False when the job must not be printed: memory ran out on the way, or its settings did not reach the
-    // queue. The person has been told.
+    // False when the job must not be printed: memory ran out on the way. The person has been told.
     bool WriteTicket(EmissionPurpose purpose);
-    void TellNotPrinted(const std::string& why) const;
+    void Tell(const std::string& what, const std::string& why) const;
     bool ConfirmConflicts();
     bool ConfirmBrokenNotes();
     void TellLeftOutNotes();

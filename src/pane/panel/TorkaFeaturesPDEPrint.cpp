@@ -152,28 +152,27 @@ bool TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
         return true;
     }
     if (gMemoryShortages != shortagesBefore) {
-        TellNotPrinted(
-            LocalizedString("NO_MEMORY_INFO", "There is not enough memory for all of its settings."));
+        Tell(LocalizedString("NOT_PRINTED", "The job is not printed"),
+             LocalizedString("NO_MEMORY_INFO", "There is not enough memory for all of its settings."));
         return false;
     }
     if (system().MinorVersion() < firstVersionWithSentTicket) {
         return true;
     }
     const OSStatus status = sendTicketAhead(self.printer, jobTicket.FileName(), list);
-    if (status != noErr) { // the filter would stop the job, or another one would print it without settings
+    if (status != noErr) { // the filter stops the job; another one may print it without its settings
         myNSLogC("Queue %s, error %d:", utf8Text(PMPrinterGetName(self.printer)).c_str(),
                  static_cast<int>(status));
-        TellNotPrinted(LocalizedString("NO_TICKET_INFO", "The print queue did not take its settings."));
+        Tell(LocalizedString("NO_TICKET", "The settings are not sent with this job"),
+             LocalizedString("NO_TICKET_INFO", "The print queue did not take them."));
     }
-    return status == noErr;
+    return true;
 }
 
-void TorkaFeaturesPDE::TellNotPrinted(const std::string& why) const {
-    const AlertText text{
-        LocalizedString("NOT_PRINTED", "The job is not printed"), why, LocalizedString("OK", "OK"), {}};
-    myNSLogC("%s. %s", text.title.c_str(), text.informative.c_str());
+void TorkaFeaturesPDE::Tell(const std::string& what, const std::string& why) const {
+    myNSLogC("%s. %s", what.c_str(), why.c_str());
     if (hasAlerts()) {
-        alerts().RunModal(text);
+        alerts().RunModal({what, why, LocalizedString("OK", "OK"), {}});
     }
 }
 
@@ -200,8 +199,8 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
         return text;
     };
     const auto tell = [this](const std::string& what, const std::string& text) {
-        if (!text.empty() && hasAlerts()) {
-            alerts().RunModal({what, text, LocalizedString("OK", "OK"), {}});
+        if (!text.empty()) {
+            Tell(what, text);
         }
     };
     std::vector<std::string> notes;
