@@ -331,8 +331,9 @@ void PPDXPopupControl::TakeItems(PopupItems newItems, const char* newDefault) {
     cursor = 0;
     current = emitted = none;
     defaultIndexOverride = 0;
-    defaultItem = wanted && wanted->Buffer() ? PlaceOf(wanted->Buffer()) : none;
-    strayDefault = defaultItem == none ? std::move(wanted) : nullptr;
+    const bool isCopied = wanted && wanted->Buffer(); // memory may be short
+    defaultItem = isCopied ? PlaceOf(wanted->Buffer()) : none;
+    strayDefault = isCopied && defaultItem == none ? std::move(wanted) : nullptr;
 }
 
 } // namespace torka
