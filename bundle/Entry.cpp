@@ -20,10 +20,6 @@
 
 // Composes the plug-in: sets its own copies of the adapters when a host asks for the first class.
 
-#ifndef TORKA_ROOT_FROM_ENVIRONMENT
-#define TORKA_ROOT_FROM_ENVIRONMENT 1
-#endif
-
 extern "C" __attribute__((visibility("default"))) torka::platform::PDEPlugIn*
 torkaBundleInstantiate(const char* className, int interfaceVersion) noexcept;
 

@@ -28,17 +28,27 @@ if(TORKA_SANITIZE)
     endif()
 endif()
 
-# Hardening. The library's own checks of indexes and empty containers stay on in every build.
+# Hardening. The library's own checks of indexes and empty containers stay on in every build. The other flags are
+# defaults. CMake writes a packager's flags in front of a target's, where ours would win: each is left out where the
+# packager has one of its kind.
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES C CXX)
+set(given_flags "${CMAKE_CXX_FLAGS} ${CMAKE_EXE_LINKER_FLAGS} ${CMAKE_SHARED_LINKER_FLAGS} ${CMAKE_MODULE_LINKER_FLAGS}")
 target_compile_definitions(torka_options INTERFACE _GLIBCXX_ASSERTIONS)
-target_link_options(torka_options INTERFACE -Wl,-z,relro -Wl,-z,now)
+if(NOT given_flags MATCHES "-z,(no)?relro")
+    target_link_options(torka_options INTERFACE -Wl,-z,relro)
+endif()
+if(NOT given_flags MATCHES "-z,(now|lazy)")
+    target_link_options(torka_options INTERFACE -Wl,-z,now)
+endif()
 if(NOT TORKA_SANITIZE)
-    target_compile_options(torka_options INTERFACE -fstack-protector-strong)
+    if(NOT given_flags MATCHES "-f(no-)?stack-protector")
+        target_compile_options(torka_options INTERFACE -fstack-protector-strong)
+    endif()
     check_cxx_compiler_flag(-fstack-clash-protection TORKA_HAS_STACK_CLASH_PROTECTION)
-    if(TORKA_HAS_STACK_CLASH_PROTECTION)
+    if(TORKA_HAS_STACK_CLASH_PROTECTION AND NOT given_flags MATCHES "-f(no-)?stack-clash-protection")
         target_compile_options(torka_options INTERFACE -fstack-clash-protection)
     endif()
     # A packager's flags, or the compiler itself, may have chosen a level: a second definition would be an error. Asked

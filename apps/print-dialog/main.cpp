@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/OutsideText.h"
+#include "apps/dialog/CommandLine.h"
 #include "apps/dialog/Document.h"
 #include "apps/dialog/PaneBundle.h"
 #include "apps/dialog/PrintDialog.h"
@@ -38,25 +39,28 @@ struct Arguments {
     QString pictures;
 };
 
-Arguments readArguments(const QCoreApplication& application) {
+Arguments readArguments() {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Prints a document through the system's print dialog, with the printer features as a tab."));
+    parser.setApplicationDescription(
+        QStringLiteral("Prints a document through a print dialog with the printer's features."));
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption queue({QStringLiteral("d"), QStringLiteral("queue")},
-                                   QStringLiteral("Queue to begin with; the default queue otherwise."),
+                                   QStringLiteral("Queue to begin with; otherwise the default queue."),
                                    QStringLiteral("QUEUE"));
-    const QCommandLineOption bundle(QStringLiteral("bundle"), QStringLiteral("Plug-in bundle to load."),
+    const QCommandLineOption bundle(QStringLiteral("bundle"),
+                                    QStringLiteral("Plug-in bundle to load; otherwise the installed one."),
                                     QStringLiteral("FOLDER"), defaultBundle());
-    const QCommandLineOption pictures(
-        QStringLiteral("pictures"),
-        QStringLiteral("Write a picture of every page of the pane into the folder, print nothing."),
-        QStringLiteral("FOLDER"));
+    const QCommandLineOption pictures(QStringLiteral("pictures"),
+                                      QStringLiteral("Write pictures of the pane there, print nothing."),
+                                      QStringLiteral("FOLDER"));
     parser.addOptions({queue, bundle, pictures});
     parser.addPositionalArgument(QStringLiteral("FILE"),
                                  QStringLiteral("Document: PDF, PostScript or an image."));
-    parser.process(application);
+    dialog::processCommandLine(
+        parser,
+        QStringLiteral("Example:\n  torka-print-dialog -d office samples/brochure.ps\n\n"
+                       "Exit status: 0 success, 1 failed job, 2 unusable input, 3 dialog cancelled.\n"));
     if (parser.positionalArguments().size() != 1) {
         parser.showHelp(2);
     }
@@ -69,7 +73,7 @@ int run(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("torka-print-dialog"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
     const QApplication application(argc, argv);
-    const Arguments arguments = readArguments(application);
+    const Arguments arguments = readArguments();
     dialog::loadToolkitTexts();
     AdapterOptions adapters{.spooler = true};
     chooseAdapters(std::move(adapters));

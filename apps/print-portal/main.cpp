@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/OutsideText.h"
+#include "apps/dialog/CommandLine.h"
 #include "apps/dialog/PaneBundle.h"
 #include "apps/dialog/ToolkitTexts.h"
 #include "apps/print-portal/PrintService.h"
@@ -46,22 +47,25 @@ struct Arguments {
     bool replaces = false;
 };
 
-Arguments readArguments(const QCoreApplication& application) {
+Arguments readArguments() {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Shows the print dialog with the printer features to "
-                                                    "programs that print through the desktop portal."));
+    parser.setApplicationDescription(
+        QStringLiteral("Shows the print dialog to programs that print through the desktop portal."));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption bundle(QStringLiteral("bundle"), QStringLiteral("Plug-in bundle to load."),
+    const QCommandLineOption bundle(QStringLiteral("bundle"),
+                                    QStringLiteral("Plug-in bundle to load; otherwise the installed one."),
                                     QStringLiteral("FOLDER"), defaultBundle());
-    const QCommandLineOption idle(
-        QStringLiteral("idle"),
-        QStringLiteral("End after so many seconds in which nothing was open; 0 for never. Default: 60."),
-        QStringLiteral("SECONDS"), QStringLiteral("60"));
+    const QCommandLineOption idle(QStringLiteral("idle"),
+                                  QStringLiteral("End after so long without a window; default 60, 0 never."),
+                                  QStringLiteral("SECONDS"), QStringLiteral("60"));
     const QCommandLineOption replace(QStringLiteral("replace"),
                                      QStringLiteral("Take the name on the bus from a running service."));
     parser.addOptions({bundle, idle, replace});
-    parser.process(application);
+    dialog::processCommandLine(
+        parser,
+        QStringLiteral("Example:\n  torka-print-portal --replace --idle 0\n\n"
+                       "Exit status: 0 success, 2 when the command line or the bus cannot be used.\n"));
     bool isNumber = false;
     const int seconds = parser.value(idle).toInt(&isNumber);
     if (!parser.positionalArguments().isEmpty() || !isNumber || seconds < 0 || seconds > 86400) {
@@ -77,7 +81,7 @@ int run(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    const Arguments arguments = readArguments(application);
+    const Arguments arguments = readArguments();
     chooseAdapters({.spooler = true});
     dialog::loadToolkitTexts();
 

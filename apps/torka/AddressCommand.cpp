@@ -184,6 +184,7 @@ void addAddressCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<AddressOptions>();
     CLI::App* command = app.add_subcommand("address", "The printers' controller addresses");
     command->require_subcommand(1);
+    describe(*command, {.examples = {"torka address set -d office office 10.0.0.7 --two-way"}});
 
     CLI::App* list = command->add_subcommand("list", "Print the entries");
     CLI::Option_group* source = list->add_option_group("source");

@@ -53,6 +53,7 @@ ExitStatus sendCommand(const CommandOptions& options) {
 void addCommandCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* group = app.add_subcommand("command", "Command jobs for a queue's filter");
     group->require_subcommand(1);
+    describe(*group, {.examples = {"torka command send office Command_LocaleCode de"}});
     const auto options = std::make_shared<CommandOptions>();
     CLI::App* command = group->add_subcommand("send", "Send a command to a queue's filter and wait");
     command->add_option("QUEUE", options->queue, "Queue whose filter gets the command")->required();

@@ -57,6 +57,14 @@ std::string sentence(const std::string& text) {
     return text.empty() || text.ends_with('.') ? text : text + ".";
 }
 
+// A heading has begun a paragraph already.
+void beginParagraph(std::string& out) {
+    const std::size_t line = out.rfind('\n', out.size() - 2) + 1;
+    if (!std::string_view(out).substr(line).starts_with(".S")) {
+        out += ".PP\n";
+    }
+}
+
 void addDetails(std::string& out, std::string_view details) {
     while (!details.empty()) {
         const std::size_t end = std::min(details.find('\n'), details.size());
@@ -70,13 +78,15 @@ void addDetails(std::string& out, std::string_view details) {
         } else if (line.starts_with("- ")) {
             out += ".IP \\(bu 2\n" + roff(line.substr(2)) + "\n";
         } else {
-            out += ".PP\n" + roff(line) + "\n";
+            beginParagraph(out);
+            out += roff(line) + "\n";
         }
     }
 }
 
 void addSynopsis(std::string& out, const CLI::App& command) {
-    out += ".PP\n.B " + roff(fullName(command)) + "\n" + roff(synopsis(command)) + "\n";
+    beginParagraph(out);
+    out += ".B " + roff(fullName(command)) + "\n" + roff(synopsis(command)) + "\n";
 }
 
 void addOptions(std::string& out, const CLI::App& command) {
@@ -89,7 +99,8 @@ void addExamples(std::string& out, const CLI::App& command) {
     if (textOf(command).examples.empty()) {
         return;
     }
-    out += ".PP\n.EX\n";
+    beginParagraph(out);
+    out += ".EX\n";
     for (const std::string& example : textOf(command).examples) {
         out += roff(example) + "\n";
     }
@@ -102,6 +113,9 @@ void addCommand(std::string& out, const CLI::App& command) {
     out += ".PP\n" + roff(sentence(command.get_description())) + "\n";
     addDetails(out, textOf(command).details);
     addOptions(out, command);
+    if (!textOf(command).examples.empty()) {
+        out += ".PP\nExample:\n";
+    }
     addExamples(out, command);
     out += ".PP\nExit status: " + roff(exitStatus(command)) + ".\n";
 }

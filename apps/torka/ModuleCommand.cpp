@@ -203,6 +203,8 @@ ExitStatus runModule(ModuleOptions options) {
 void addModuleCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* group = app.add_subcommand("module", "Job Properties modules");
     group->require_subcommand(1);
+    describe(*group,
+             {.examples = {"torka module run --module libzanjp2.so --ppd samples/torka-production.ppd"}});
     CLI::App* command = group->add_subcommand("run", "Run a session of a module and print what it returns");
     const auto options = std::make_shared<ModuleOptions>();
     command->add_option("--module", options->module, "The module's library")
@@ -214,7 +216,7 @@ void addModuleCommand(CLI::App& app, ExitStatus& status) {
     command->add_option("--settings", options->job.settings, settingHelp)->option_text("KEY=VALUE");
     command->add_option("--bidi", options->data, "Two-way data file; turns two-way communication on")
         ->option_text("FILE");
-    command->add_option("--address", options->address, "Address of the controller, with --bidi")
+    command->add_option("--address", options->address, "Controller, with --bidi")
         ->option_text("HOST")
         ->capture_default_str();
     command->add_option("--template", options->templatePath, "The administrator's template")

@@ -52,6 +52,7 @@ ExitStatus decrypt(const DecryptOptions& options) {
 void addNotesCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* notes = app.add_subcommand("notes", "Protected job notes");
     notes->require_subcommand(1);
+    describe(*notes, {.examples = {"torka notes decrypt --keys samples/FieldKeys.plist 8729B952EB4CF5CA"}});
     const auto options = std::make_shared<DecryptOptions>();
     CLI::App* command =
         notes->add_subcommand("decrypt", "Tell the text of a protected note, as proof of what a job carries");

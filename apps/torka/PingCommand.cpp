@@ -57,7 +57,7 @@ void addPingCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<PingOptions>();
     CLI::App* command = app.add_subcommand("ping", "Tell whether a host answers ICMP echo requests");
     command->add_option("HOST", options->host, "Host name or IPv4 address")->required();
-    command->add_option("--count", options->count, "Echo requests, one after the other")
+    command->add_option("--count", options->count, "Number of echo requests")
         ->check(CLI::Range(1, maximumEchoes))
         ->capture_default_str();
     command->add_option("--timeout", options->timeout, "Seconds to wait for each reply")

@@ -126,7 +126,7 @@ void addQueueAddCommand(CLI::App& queue, ExitStatus& status) {
     describe(*command,
              {.examples = {"torka queue add office socket://10.0.0.7 samples/torka-production.ppd"},
               .details =
-                  "The copy of the description names torkafilter in its *cupsFilter2 lines. Refuses a "
+                  "The copy of the description names torkafilter in its *cupsFilter lines. Refuses a "
                   "description that CUPS cannot read or that has errors for torka lint, unless --force is "
                   "given, and a server that cannot run torkafilter."});
     command->callback([options, &status] { status = addNamedQueue(*options); });

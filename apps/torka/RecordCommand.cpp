@@ -160,6 +160,7 @@ ExitStatus putRecord(const RecordOptions& options) {
 void addRecordCommand(CLI::App& app, ExitStatus& status) {
     CLI::App* group = app.add_subcommand("record", "Records of two-way data files and of PPDs");
     group->require_subcommand(1);
+    describe(*group, {.examples = {"torka record list office.ppd"}});
     const auto options = std::make_shared<RecordOptions>();
     const auto add = [&](const char* name, const char* purpose, bool isNamed, CommandText text,
                          ExitStatus (*run)(const RecordOptions&)) {

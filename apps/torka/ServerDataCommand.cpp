@@ -280,8 +280,7 @@ void addServerDataCommand(CLI::App& app, ExitStatus& status) {
     CLI::Option* queue =
         source->add_option("-d,--queue", options->queue, "Queue whose filter is asked")->option_text("QUEUE");
     source->require_option(1);
-    command
-        ->add_option("--address", options->address, "Address of the controller; otherwise the device's host")
+    command->add_option("--address", options->address, "Controller; otherwise the device's host")
         ->option_text("HOST")
         ->needs(queue);
     command->add_flag("--json", options->json, "As JSON");

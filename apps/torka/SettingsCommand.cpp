@@ -181,6 +181,7 @@ void addSettingsCommand(CLI::App& app, ExitStatus& status) {
     const auto options = std::make_shared<SettingsOptions>();
     CLI::App* command = app.add_subcommand("settings", "Settings that you keep for all programs");
     command->require_subcommand(1);
+    describe(*command, {.examples = {"torka settings set -d office QVDuplex=LongEdge"}});
     const auto add = [&](const char* name, const char* help, ExitStatus (*run)(const SettingsOptions&)) {
         CLI::App* each = command->add_subcommand(name, help);
         each->add_option("-d,--queue", options->queue, "Queue; otherwise the default queue")

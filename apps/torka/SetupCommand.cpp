@@ -51,18 +51,17 @@ void addSetupCommand(CLI::App& app, ExitStatus& status) {
     applications->add_option("ACTION", options->action, "on, off, or show what is set")
         ->option_text("on|off|show")
         ->check(CLI::IsMember({"on", "off", "show"}));
-    applications->add_flag("--gtk", options->gtk,
-                           "Let programs of GTK ask the print portal, which moves their file choosers, too");
-    describe(
-        *applications,
-        {.examples = {"sudo torka setup applications on", "torka setup applications show"},
-         .findings = "the plug-in is switched on but missing",
-         .details =
-             "Root switches it for everybody: /etc/environment.d is for what the systemd user manager "
-             "starts, /etc/X11/Xsession.d for X sessions. Everybody else writes an own environment.d. "
-             "Values of other programs stay, and ours comes after them. The change counts from the next "
-             "login on. Switch it off before the plug-in is removed by hand: Qt complains at every start "
-             "about a plug-in that it does not find."});
+    applications->add_flag("--gtk", options->gtk, "Let programs of GTK ask the print portal");
+    describe(*applications,
+             {.examples = {"sudo torka setup applications on", "torka setup applications show"},
+              .findings = "the plug-in is switched on but missing",
+              .details =
+                  "Root switches it for everybody: /etc/environment.d is for what the systemd user manager "
+                  "starts, /etc/X11/Xsession.d for X sessions. Everybody else writes an own environment.d. "
+                  "Values of other programs stay, and ours comes after them. The change counts from the next "
+                  "login on. With --gtk, programs of GTK have their file choosers from the portal, too. "
+                  "Switch it off before the plug-in is removed by hand: Qt complains at every start "
+                  "about a plug-in that it does not find."});
     applications->callback([options, &status] { status = setUpApplications(*options); });
 }
 

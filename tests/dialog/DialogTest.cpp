@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/dialog/ToolkitTexts.h"
 #include "tests/dialog/DialogFixture.h"
 
 #include <QCheckBox>
+#include <QLocale>
 #include <QMenu>
 #include <QProgressBar>
 #include <QToolButton>
+#include <QTranslator>
 #include <algorithm>
 #include <set>
 
@@ -173,6 +176,16 @@ TEST_F(DialogTest, HasTheSameWidthInEveryLanguage) {
         faces.insert(readFile(folder / "01.png"));
     }
     EXPECT_EQ(faces.size(), 5U) << "each in its own words";
+}
+
+TEST(ToolkitTexts, AreThoseOfThePersonsLanguage) {
+    const auto cancel = [] { return QCoreApplication::translate("QPlatformTheme", "Cancel"); };
+    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
+    dialog::loadToolkitTexts();
+    EXPECT_EQ(cancel(), QStringLiteral("Abbrechen"));
+    QLocale::setDefault(QLocale::system());
+    qDeleteAll(QCoreApplication::instance()->findChildren<QTranslator*>(Qt::FindDirectChildrenOnly));
+    EXPECT_EQ(cancel(), QStringLiteral("Cancel"));
 }
 
 } // namespace

@@ -13,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class QueueCommands : public ServerData {
 protected:
@@ -52,6 +53,12 @@ TEST_F(QueueCommands, ListAddAndRemove) {
     EXPECT_EQ(queues["Kept"]["device"], "torkasink:/");
     EXPECT_EQ(queues["Kept"]["state"], "idle");
     EXPECT_NE(queues["Plain"]["torkafilter"], true);
+    // What a shell's Tab key offers: queues, and the choices of the queue's own description.
+    std::vector<std::string> line{"complete", "words", "torka", "print", "-d", "Ke"};
+    EXPECT_THAT(runTool(line).output, StartsWith("Kept\t"));
+    line.back() = "Kept";
+    line.insert(line.end(), {"brochure.ps", "QVStaple=Sad"});
+    EXPECT_EQ(runTool(line).output, "QVStaple=Saddle\tSaddle Stitch\n");
     EXPECT_EQ(runTool({"queue", "remove", "Plain"}).status, 0);
     const CommandResult gone = runTool({"queue", "remove", "Plain"});
     EXPECT_EQ(gone.status, 2);

@@ -220,8 +220,7 @@ int PPDXPopupControl::DefaultValue() const {
     if (defaultItem != none) {
         return static_cast<int>(defaultItem) + 1;
     }
-    const char* stray = strayDefault ? strayDefault->Buffer() : nullptr; // null also without memory
-    const std::size_t place = stray ? PlaceOf(stray) : none;
+    const std::size_t place = strayDefault ? PlaceOf(strayDefault->Buffer()) : none;
     return place == none ? 0 : static_cast<int>(place) + 1;
 }
 
@@ -331,8 +330,9 @@ void PPDXPopupControl::TakeItems(PopupItems newItems, const char* newDefault) {
     cursor = 0;
     current = emitted = none;
     defaultIndexOverride = 0;
-    defaultItem = wanted && wanted->Buffer() ? PlaceOf(wanted->Buffer()) : none;
-    strayDefault = defaultItem == none ? std::move(wanted) : nullptr;
+    const bool isCopied = wanted && wanted->Buffer(); // memory may be short
+    defaultItem = isCopied ? PlaceOf(wanted->Buffer()) : none;
+    strayDefault = isCopied && defaultItem == none ? std::move(wanted) : nullptr;
 }
 
 } // namespace torka

@@ -62,9 +62,10 @@ bool hostStopsAtAnnotation() {
 
 // Looks at a line that begins no element. `header` is null when no reader took the line.
 void checkHeaderLine(PPDLint& lint, long line, std::string_view keyword, const PPDX* header) {
-    if (header != nullptr && keyword == "*LanguageEncoding" && header->LanguageEncoding() != nullptr) {
+    const auto hasText = [](const CString* value) { return value != nullptr && value->Buffer() != nullptr; };
+    if (header != nullptr && keyword == "*LanguageEncoding" && hasText(header->LanguageEncoding())) {
         lint.CheckEncodingName(line, header->LanguageEncoding()->Buffer());
-    } else if (header != nullptr && keyword == "*LanguageVersion" && header->LanguageVersion() != nullptr) {
+    } else if (header != nullptr && keyword == "*LanguageVersion" && hasText(header->LanguageVersion())) {
         lint.CheckLanguageName(line, header->LanguageVersion()->Buffer());
     } else if (findElementKeyword(keyword) == nullptr) {
         lint.OtherLine(line, keyword);
@@ -141,6 +142,7 @@ void ZANPPD::Reset() {
 }
 
 void ZANPPD::Build() {
+    const std::uint64_t shortagesBefore = gMemoryShortages;
     Reset();
     if (file) {
         // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
@@ -162,8 +164,12 @@ void ZANPPD::Build() {
             Report(PPDErr_NoControls, {}, 0);
         }
     }
-    if (lint) {
+    // Without memory, keywords and texts are missing that the checks take for granted.
+    if (lint && gMemoryShortages == shortagesBefore) {
         lint->Finish(*this);
+    }
+    if (gMemoryShortages != shortagesBefore && !hasFatalError) {
+        Report(PPDErr_OutOfMemory, {}, 0);
     }
 }
 

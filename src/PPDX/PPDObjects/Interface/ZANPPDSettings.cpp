@@ -130,7 +130,7 @@ void ZANPPD::RecordOptions() {
         } else if (control->Type() == CNTL_TYPE::popup) {
             auto* popup = static_cast<PPDXPopupControl*>(control);
             for (_PopupItem* item = popup->FirstItem(); item; item = popup->NextItem()) {
-                constraints->KVSInsert(control->Keyword(), item->keyword.Buffer());
+                constraints->KVSInsert(control->Keyword(), item->keyword.View());
             }
         }
     });
