@@ -472,6 +472,20 @@ TEST_F(PaneWidgetTest, QuietAndDisabledTextsCanBeRead) {
     QApplication::setPalette(QPalette());
 }
 
+TEST_F(PaneWidgetTest, TheListShowsAllPagesOnALowScreen) {
+    QWidget& root = *pane.Root();
+    const QListWidget& list = *Widget().PageList();
+    const auto rowHeight = [&] { return list.visualItemRect(list.item(0)).height(); };
+    const int roomy = rowHeight();
+    for (const bool isLow : {true, false}) {
+        root.resize(root.width(), isLow ? root.minimumSizeHint().height() : 700);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(list.viewport()->rect().contains(list.visualItemRect(list.item(list.count() - 1))));
+        EXPECT_GE(rowHeight(), list.fontMetrics().height());
+        EXPECT_EQ(rowHeight() == roomy, !isLow);
+    }
+}
+
 // The picture stands only beside a page that has its room, and it draws what was set.
 TEST_F(PaneWidgetTest, PictureFollowsAndLeavesRoom) {
     JobPicture& picture = *pane.Widget().Picture();

@@ -76,7 +76,9 @@ void CustomizePaneWidget::MakeWidgets() {
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setTextElideMode(Qt::ElideRight);
     list->setUniformItemSizes(true);
-    list->setItemDelegate(new RoomyRows(list));
+    rowsOfList = new RoomyRows(list);
+    list->setItemDelegate(rowsOfList);
+    list->installEventFilter(this);
     const int signSize = style()->pixelMetric(QStyle::PM_SmallIconSize);
     list->setIconSize(QSize(signSize, signSize));
     side->addWidget(list, 1);
@@ -469,11 +471,20 @@ void CustomizePaneWidget::ShowPicture() {
 // The list shows all its entries; the gauges take the rest of the height, or fold away.
 void CustomizePaneWidget::LeaveRoomForPages() {
     constexpr int mostShown = 6; // entries for which the pane asks for height: the dialog fits 540 points
-    list->setMinimumHeight(std::min(list->count(), mostShown) * list->sizeHintForRow(0) +
-                           2 * list->frameWidth());
+    const int row = RoomyRows::RoomyHeight(list->fontMetrics());
+    list->setMinimumHeight(std::min(list->count(), mostShown) * row + 2 * list->frameWidth());
     if (gauges != nullptr && list->count() > 0) {
-        gauges->SetRoom(stack->height() - list->count() * list->sizeHintForRow(0) - 3 * list->frameWidth() -
+        gauges->SetRoom(stack->height() - list->count() * row - 3 * list->frameWidth() -
                         style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
+    }
+    PutRowsCloser();
+}
+
+// On a low screen, where even without gauges not all entries fit.
+void CustomizePaneWidget::PutRowsCloser() {
+    if (list->count() > 0) {
+        rowsOfList->LimitHeight((list->height() - 2 * list->frameWidth()) / list->count());
+        list->doItemsLayout();
     }
 }
 
@@ -496,6 +507,8 @@ bool CustomizePaneWidget::eventFilter(QObject* watched, QEvent* event) {
     }
     if (watched == stack && event->type() == QEvent::Resize) {
         LeaveRoomForPages();
+    } else if (watched == list && event->type() == QEvent::Resize) {
+        PutRowsCloser();
     }
     return QWidget::eventFilter(watched, event);
 }
