@@ -472,18 +472,31 @@ TEST_F(PaneWidgetTest, QuietAndDisabledTextsCanBeRead) {
     QApplication::setPalette(QPalette());
 }
 
-TEST_F(PaneWidgetTest, TheListShowsAllPagesOnALowScreen) {
+TEST_F(PaneWidgetTest, ALowWindowShowsAllPagesAndAConflictMakesItNoHigher) {
     QWidget& root = *pane.Root();
     const QListWidget& list = *Widget().PageList();
+    const auto isWhole = [&] {
+        QCoreApplication::processEvents();
+        return list.viewport()->rect().contains(list.visualItemRect(list.item(list.count() - 1)));
+    };
     const auto rowHeight = [&] { return list.visualItemRect(list.item(0)).height(); };
     const int roomy = rowHeight();
-    for (const bool isLow : {true, false}) {
-        root.resize(root.width(), isLow ? root.minimumSizeHint().height() : 700);
-        QCoreApplication::processEvents();
-        EXPECT_TRUE(list.viewport()->rect().contains(list.visualItemRect(list.item(list.count() - 1))));
-        EXPECT_GE(rowHeight(), list.fontMetrics().height());
-        EXPECT_EQ(rowHeight() == roomy, !isLow);
-    }
+    const int text = list.fontMetrics().height();
+    root.resize(root.width(), root.minimumSizeHint().height() - list.minimumHeight() + list.count() * text +
+                                  2 * list.frameWidth());
+    const int low = root.height();
+    EXPECT_TRUE(isWhole());
+    EXPECT_LT(rowHeight(), roomy);
+    pane.Editor().SetValue("*QVStaple", "Saddle");
+    pane.pane->Set("*QVFinisherUnit", "None");
+    pane.Draw();
+    EXPECT_TRUE(Widget().Bar()->isVisible());
+    EXPECT_TRUE(isWhole());
+    EXPECT_LE(root.minimumSizeHint().height(), low);
+    EXPECT_EQ(root.height(), low);
+    root.resize(root.width(), 700);
+    EXPECT_TRUE(isWhole());
+    EXPECT_EQ(rowHeight(), roomy);
 }
 
 // The picture stands only beside a page that has its room, and it draws what was set.

@@ -99,6 +99,7 @@ private:
     QLineEdit* search = nullptr;
     QListWidget* list = nullptr;
     RoomyRows* rowsOfList = nullptr;
+    QWidget* besideList = nullptr;
     QStackedWidget* stack = nullptr;
     FieldPage* results = nullptr;
     ConflictBar* bar = nullptr;
