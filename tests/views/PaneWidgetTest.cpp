@@ -505,6 +505,11 @@ TEST_F(PaneWidgetTest, PictureFollowsAndLeavesRoom) {
     QWidget& root = *pane.Root();
     root.resize(root.minimumSizeHint());
     EXPECT_FALSE(picture.isVisible());
+    root.resize(4000, 640);
+    ASSERT_TRUE(Widget().ShowPage("quickAccess"));
+    QCoreApplication::processEvents();
+    ASSERT_NE(Field<QComboBox>("*PageSize"), nullptr);
+    EXPECT_LT(Field<QComboBox>("*PageSize")->width(), 1000) << "no wider than can be read";
     root.resize(1366, 640);
     ASSERT_TRUE(picture.isVisible());
     EXPECT_LT(root.minimumSizeHint().width(), 1000) << "the picture may go again";
