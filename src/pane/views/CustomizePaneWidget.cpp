@@ -489,8 +489,12 @@ void CustomizePaneWidget::LeaveRoomForPages() {
 
 // On a low screen, where even without gauges not all entries fit.
 void CustomizePaneWidget::PutRowsCloser() {
-    if (list->count() > 0) {
-        rowsOfList->LimitHeight((list->height() - 2 * list->frameWidth()) / list->count());
+    if (list->count() == 0) {
+        return;
+    }
+    const int before = rowsOfList->Height(list->fontMetrics());
+    rowsOfList->LimitHeight((list->height() - 2 * list->frameWidth()) / list->count());
+    if (rowsOfList->Height(list->fontMetrics()) != before) {
         list->doItemsLayout();
     }
 }

@@ -4,6 +4,7 @@
 #include <QFontMetrics>
 #include <QStyledItemDelegate>
 #include <QWidget>
+#include <algorithm>
 
 namespace torka {
 
@@ -16,8 +17,11 @@ public:
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
     static int RoomyHeight(const QFontMetrics& metrics) { return metrics.height() * 8 / 5; }
-    // In pixels. The caller lays the items out again.
+    // In pixels. The caller lays the items out again when Height() has changed.
     void LimitHeight(int height) { limit = height; }
+    int Height(const QFontMetrics& metrics) const {
+        return std::clamp(limit, metrics.height(), RoomyHeight(metrics));
+    }
 
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
