@@ -22,6 +22,7 @@
 #include <QRadioButton>
 #include <QScreen>
 #include <QSpinBox>
+#include <QStyle>
 #include <QTabWidget>
 
 #include <algorithm>
@@ -347,9 +348,14 @@ void PaneAttachment::MakeRoom() {
     // Qt sizes its dialog for a few radio buttons; the pane and the picture of the job need more space.
     const QFontMetrics metrics = dialog.fontMetrics();
     const QRect available = dialog.screen()->availableGeometry();
-    dialog.resize(dialog.size()
-                      .expandedTo({letterWidth(metrics) * 176, metrics.height() * 54})
-                      .boundedTo(available.size() * 9 / 10));
+    // A tenth of the screen stays free; a low screen has only the height of the title bar to spare.
+    constexpr int low = 600; // points
+    QSize room = available.size() * 9 / 10;
+    if (available.height() <= low) {
+        room.setHeight(available.height() - dialog.style()->pixelMetric(QStyle::PM_TitleBarHeight));
+    }
+    dialog.resize(
+        dialog.size().expandedTo({letterWidth(metrics) * 176, metrics.height() * 54}).boundedTo(room));
     if (dialog.isVisible()) {
         QRect frame = dialog.frameGeometry();
         frame.moveRight(std::min(frame.right(), available.right()));

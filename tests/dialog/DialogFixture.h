@@ -53,10 +53,16 @@ protected:
         return shown;
     }
 
-    // Presses the print button and follows the job to its end. Returns the job's number.
-    int Print(PrintDialog& dialog) {
-        AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
-        PressPrint(dialog);
+    // Presses the print button, answers a question about conflicts, and follows the job to its end. Returns
+    // the job's number.
+    int Print(PrintDialog& dialog, const char* aboutConflicts = "Cancel") {
+        {
+            const Answers person(
+                {{"popupJobNotes", Answers::Accept}, {"conflicts", [aboutConflicts](QDialog& question) {
+                                                          Answers::Click(question, aboutConflicts);
+                                                      }}});
+            PressPrint(dialog);
+        }
         EXPECT_EQ(dialog.result(), QDialog::Accepted);
         QString error;
         dialog::Document document;

@@ -90,6 +90,7 @@ TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     AddQueue("Defects2", "torkasink:/", samplePath("torka-defects.ppd"));
     const auto shown = Open();
     PrintDialog& dialog = *shown->dialog;
+    EXPECT_FALSE(dialog.tab().findChild<QLabel*>("printerName")->isVisible()) << "the dialog names the model";
     Choose(dialog, "*QVStaple", "Saddle Stitch");
     // Another queue with the same description takes over the settings. A queue without a pane takes none.
     ASSERT_TRUE(dialog.chooseQueue("Second"));

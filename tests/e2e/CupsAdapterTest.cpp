@@ -99,6 +99,7 @@ TEST(CopiedDescription, DISABLED_IsRemoved) {
     ASSERT_EQ(printer.CopyDescriptionURL(cfString("PMPPDDescriptionType"), url), noErr);
     const std::string first = CFURLCopyFileSystemPath(url);
     EXPECT_TRUE(first.starts_with(std::filesystem::temp_directory_path().string())) << first;
+    EXPECT_TRUE(first.ends_with(".ppd")) << first;
     EXPECT_NE(readFile(first).find("*%QVVersion"), std::string::npos);
     ASSERT_EQ(printer.CopyDescriptionURL(cfString("PMPPDDescriptionType"), url), noErr);
     const std::string second = CFURLCopyFileSystemPath(url);

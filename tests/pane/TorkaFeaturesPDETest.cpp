@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/MemoryShortage.h"
+#include "bidi/module/JobPropertiesSession.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "connection/BonjourModuleController.h"
 #include "pane/panel/BundleHelpers.h"
 #include "platform/Help.h"
 #include "tests/pane/PanelFixture.h"
+#include "tests/support/FakeJobPropertiesModule.h"
 
 #include <gmock/gmock.h>
 
@@ -427,6 +429,31 @@ TEST(Panel, ATypedAddressIsStored) {
     bench.widgets.sheet->delegate->BIDICheckBoxClicked();
     panel->printWindowWillClose();
     EXPECT_TRUE(panel->GetPDEDataPtr()->isBIDIEnabled());
+}
+
+// The person continues without two-way communication, once because the queue refuses the request, once
+// because the module cannot begin. Only the second forgets the address.
+TEST(Panel, TheWaitForTheServerKeepsTheAddress) {
+    for (const bool isRefused : {true, false}) {
+        Bench bench;
+        FakeJobPropertiesModule module;
+        const auto panel = bench.OpenShown();
+        PDEData& data = *panel->GetPDEDataPtr();
+        auto& libraries = module.Loader().libraries;
+        libraries["/libzanjp2.so"] = libraries[module.path]; // beside the bundle
+        bench.widgets.sheet->bidi = true;
+        bench.widgets.sheet->field = "10.0.0.9";
+        data.SetCorvianPrinterAddress(cfString("10.0.0.9"), true);
+        bench.alerts->answer = AlertButton::defaultButton;
+        bench.dialog->printer->sendResult = isRefused ? kPMGeneralError : noErr;
+        bench.system->files["/var/cache/torka/queues/Press.bididata"] = {"x", 0644};
+        module.beginResult = isRefused ? 0 : 1;
+        panel->launchFullProperties();
+        EXPECT_FALSE(data.isBIDIEnabled());
+        EXPECT_EQ(utf8Text(data.GetCorvianPrinterAddress()), isRefused ? "10.0.0.9" : "10.0.0.7")
+            << "the queue's own in place of a stored one";
+        unloadJobPropertiesLibrary();
+    }
 }
 
 TEST(Panel, ADialogThatWasNeverShownKeepsTheStoredAddress) {

@@ -380,6 +380,11 @@ TEST(Sentences, AWatermarkNamesWhatItsFontCannotPrint) {
         EXPECT_EQ(printed.shown, shown);
         EXPECT_EQ(printed.missing, *missing == '\0' ? "" : std::string("This font cannot print: ") + missing);
     }
+    for (const auto& [word, text] : {std::pair{"Ébauche", "Ébauche"}, {"下書き", "Draft"}}) {
+        SpokenPane spoken(paneHeader + "*LanguageVersion: English\n");
+        spoken.texts.language.text = [said = word](const PaneWord&) { return said; };
+        EXPECT_EQ(newWatermark(spoken.texts).text, text) << "a new one can be printed";
+    }
 }
 
 TEST(Sentences, TwoWayCommunication) {

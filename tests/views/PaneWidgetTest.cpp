@@ -472,12 +472,44 @@ TEST_F(PaneWidgetTest, QuietAndDisabledTextsCanBeRead) {
     QApplication::setPalette(QPalette());
 }
 
+TEST_F(PaneWidgetTest, ALowWindowShowsAllPagesAndAConflictMakesItNoHigher) {
+    QWidget& root = *pane.Root();
+    const QListWidget& list = *Widget().PageList();
+    const auto isWhole = [&] {
+        QCoreApplication::processEvents();
+        return list.viewport()->rect().contains(list.visualItemRect(list.item(list.count() - 1)));
+    };
+    const auto rowHeight = [&] { return list.visualItemRect(list.item(0)).height(); };
+    const int roomy = rowHeight();
+    const int text = list.fontMetrics().height();
+    root.resize(root.width(), root.minimumSizeHint().height() - list.minimumHeight() + list.count() * text +
+                                  2 * list.frameWidth());
+    const int low = root.height();
+    EXPECT_TRUE(isWhole());
+    EXPECT_LT(rowHeight(), roomy);
+    pane.Editor().SetValue("*QVStaple", "Saddle");
+    pane.pane->Set("*QVFinisherUnit", "None");
+    pane.Draw();
+    EXPECT_TRUE(Widget().Bar()->isVisible());
+    EXPECT_TRUE(isWhole());
+    EXPECT_LE(root.minimumSizeHint().height(), low);
+    EXPECT_EQ(root.height(), low);
+    root.resize(root.width(), 700);
+    EXPECT_TRUE(isWhole());
+    EXPECT_EQ(rowHeight(), roomy);
+}
+
 // The picture stands only beside a page that has its room, and it draws what was set.
 TEST_F(PaneWidgetTest, PictureFollowsAndLeavesRoom) {
     JobPicture& picture = *pane.Widget().Picture();
     QWidget& root = *pane.Root();
     root.resize(root.minimumSizeHint());
     EXPECT_FALSE(picture.isVisible());
+    root.resize(4000, 640);
+    ASSERT_TRUE(Widget().ShowPage("quickAccess"));
+    QCoreApplication::processEvents();
+    ASSERT_NE(Field<QComboBox>("*PageSize"), nullptr);
+    EXPECT_LT(Field<QComboBox>("*PageSize")->width(), 1000) << "no wider than can be read";
     root.resize(1366, 640);
     ASSERT_TRUE(picture.isVisible());
     EXPECT_LT(root.minimumSizeHint().width(), 1000) << "the picture may go again";

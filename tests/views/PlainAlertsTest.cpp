@@ -16,6 +16,7 @@ TEST(PlainAlerts, ShowMarkupAsText) {
     QTimer::singleShot(0, [&labels] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->windowTitle(), "<b>title</b>");
         for (const QLabel* label : box->findChildren<QLabel*>()) {
             if (Qt::mightBeRichText(label->text())) {
                 ++labels;

@@ -33,8 +33,7 @@ void reportMissingControl(ZANPPD& model, const char* keyword) {
         }
     }
     errors.Add(std::make_unique<PPDXErrorObj>(PPDErr_NoControls, true, keyword, 0));
-    myNSLogC("The description has a job note %s and no control of that name: its settings cannot be reset. "
-             "Correct the description.",
+    myNSLogC("The description has a job note %s and no control of that name. Correct the description.",
              keyword);
 }
 
@@ -131,11 +130,9 @@ void UI_Panel::ResetControlsToDefault() {
             keptNotes[i] = note;
         }
     }
-    // A defect of the description must not end the host. The reset ends here and leaves the remaining
-    // controls unchanged.
+    // A defect of the description ends neither the host nor the reset.
     if (controls.FindJobNote(controlBarKeyword, true) && !settingControl(controls, controlBarKeyword)) {
         reportMissingControl(*model, controlBarKeyword);
-        return;
     }
     resetJPServerpresetKeys();
     controls.ForEach([&](PPDXControl* control) {

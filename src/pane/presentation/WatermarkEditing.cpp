@@ -114,6 +114,9 @@ WatermarkFields newWatermark(const PaneTexts& texts) {
     fields.angle = 450;
     fields.fontSize = 96;
     fields.fontName = "Helvetica-Bold";
+    if (!printedWatermark(texts, fields).missing.empty()) { // a person's words are not always in the font
+        fields.text = words::watermarkNew.english;
+    }
     return fields;
 }
 

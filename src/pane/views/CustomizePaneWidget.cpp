@@ -76,7 +76,9 @@ void CustomizePaneWidget::MakeWidgets() {
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setTextElideMode(Qt::ElideRight);
     list->setUniformItemSizes(true);
-    list->setItemDelegate(new RoomyRows(list));
+    rowsOfList = new RoomyRows(list);
+    list->setItemDelegate(rowsOfList);
+    list->installEventFilter(this);
     const int signSize = style()->pixelMetric(QStyle::PM_SmallIconSize);
     list->setIconSize(QSize(signSize, signSize));
     side->addWidget(list, 1);
@@ -87,19 +89,25 @@ void CustomizePaneWidget::MakeWidgets() {
     columns->addLayout(side);
     stack = new QStackedWidget(area);
     constexpr int minimumCharacters = 74; // room for a label, a popup and the buttons of its row
-    constexpr int minimumLines = 10; // the dialog fits 540 points with Japanese fonts, whose lines are high
+    constexpr int minimumLines = 7; // the dialog fits 540 points, with the bar and high Japanese lines too
     stack->setMinimumSize(letterWidth(fontMetrics()) * minimumCharacters,
                           fontMetrics().height() * minimumLines);
-    stack->installEventFilter(this);
     constexpr int shareOfPage = 3;
     constexpr int shareOfPicture = 2;
-    columns->addWidget(stack, shareOfPage);
+    auto* page = new QHBoxLayout;
+    page->addWidget(stack, shareOfPage);
     picture = new JobPicture(context, area);
     picture->hide();
-    columns->addWidget(picture, shareOfPicture);
-    rows->addLayout(columns, 1);
+    page->addWidget(picture, shareOfPicture);
     bar = new ConflictBar(context, area);
-    rows->addWidget(bar);
+    besideList = new QWidget(area); // with the bar, which takes no height of the list
+    besideList->installEventFilter(this);
+    auto* pageAndBar = new QVBoxLayout(besideList);
+    pageAndBar->setContentsMargins(0, 0, 0, 0);
+    pageAndBar->addLayout(page, 1);
+    pageAndBar->addWidget(bar);
+    columns->addWidget(besideList, 1);
+    rows->addLayout(columns, 1);
     results = new FieldPage(context, stack);
     stack->addWidget(results);
     connect(list, &QListWidget::currentRowChanged, this, [this](int row) {
@@ -469,11 +477,25 @@ void CustomizePaneWidget::ShowPicture() {
 // The list shows all its entries; the gauges take the rest of the height, or fold away.
 void CustomizePaneWidget::LeaveRoomForPages() {
     constexpr int mostShown = 6; // entries for which the pane asks for height: the dialog fits 540 points
-    list->setMinimumHeight(std::min(list->count(), mostShown) * list->sizeHintForRow(0) +
+    list->setMinimumHeight(std::min(list->count(), mostShown) * list->fontMetrics().height() +
                            2 * list->frameWidth());
     if (gauges != nullptr && list->count() > 0) {
-        gauges->SetRoom(stack->height() - list->count() * list->sizeHintForRow(0) - 3 * list->frameWidth() -
+        const int rows = list->count() * RoomyRows::RoomyHeight(list->fontMetrics());
+        gauges->SetRoom(besideList->height() - rows - 3 * list->frameWidth() -
                         style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing));
+    }
+    PutRowsCloser();
+}
+
+// On a low screen, where even without gauges not all entries fit.
+void CustomizePaneWidget::PutRowsCloser() {
+    if (list->count() == 0) {
+        return;
+    }
+    const int before = rowsOfList->Height(list->fontMetrics());
+    rowsOfList->LimitHeight((list->height() - 2 * list->frameWidth()) / list->count());
+    if (rowsOfList->Height(list->fontMetrics()) != before) {
+        list->doItemsLayout();
     }
 }
 
@@ -494,8 +516,10 @@ bool CustomizePaneWidget::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     }
-    if (watched == stack && event->type() == QEvent::Resize) {
+    if (watched == besideList && event->type() == QEvent::Resize) {
         LeaveRoomForPages();
+    } else if (watched == list && event->type() == QEvent::Resize) {
+        PutRowsCloser();
     }
     return QWidget::eventFilter(watched, event);
 }

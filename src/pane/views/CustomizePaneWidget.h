@@ -29,6 +29,7 @@ class GaugePanel;
 class JobPicture;
 class LastJobLine;
 class PresetBar;
+class RoomyRows;
 class SummaryPage;
 
 // The controls of the pane: the search field, the list of pages, the chosen page, the bar that names
@@ -90,12 +91,15 @@ private:
     void EndSearch();
     void ShowPicture();
     void LeaveRoomForPages();
+    void PutRowsCloser();
     std::optional<std::size_t> IndexOf(const std::string& identifier) const;
 
     PaneContext& context;
     FieldSearch fieldSearch;
     QLineEdit* search = nullptr;
     QListWidget* list = nullptr;
+    RoomyRows* rowsOfList = nullptr;
+    QWidget* besideList = nullptr;
     QStackedWidget* stack = nullptr;
     FieldPage* results = nullptr;
     ConflictBar* bar = nullptr;

@@ -5,7 +5,7 @@ namespace torka {
 
 QSize RoomyRows::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     QSize size = QStyledItemDelegate::sizeHint(option, index);
-    size.setHeight(option.fontMetrics.height() * 8 / 5);
+    size.setHeight(Height(option.fontMetrics));
     return size;
 }
 

@@ -18,7 +18,7 @@ namespace torka {
 namespace {
 
 constexpr QColor textGray(228, 228, 228);
-constexpr QColor numberGray(120, 120, 120);
+constexpr QColor numberGray(96, 96, 96); // readable on white and on the lines of text
 constexpr QColor metal(70, 70, 80);
 constexpr QColor cut(200, 60, 40);
 constexpr QColor glueColor(205, 170, 90);

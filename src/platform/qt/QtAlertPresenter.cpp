@@ -11,8 +11,12 @@ namespace torka::platform {
 
 AlertButton QtAlertPresenter::RunModal(const AlertText& text) {
     // On the heap and guarded by a QPointer: the window below may close during the alert and delete the box.
-    const QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    QWidget* below = QApplication::activeWindow();
+    const QPointer<QMessageBox> box = new QMessageBox(below);
     box->setIcon(QMessageBox::Warning);
+    // Without a title the window shows the program's file name.
+    const QString title = below == nullptr ? QString() : below->windowTitle();
+    box->setWindowTitle(title.isEmpty() ? QString::fromStdString(text.title) : title);
     box->setTextFormat(Qt::PlainText);
     box->setText(QString::fromStdString(text.title));
     box->setInformativeText(QString::fromStdString(text.informative));
