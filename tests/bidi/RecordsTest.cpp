@@ -216,7 +216,9 @@ TEST(FileHandler, CollectsAndWrites) {
     CFileHdlr full("/dev/full");
     full.AddString("x");
     EXPECT_EQ(full.Commit(), 0);
-    EXPECT_EQ(CFileHdlr::fileReadData("/nowhere", "Rec", nullptr), nullptr);
+    std::size_t none = 7;
+    EXPECT_EQ(CFileHdlr::fileReadData("/nowhere", "Rec", &none), nullptr);
+    EXPECT_EQ(none, 0U);
 }
 
 TEST(Lines, EndInAnyWay) {

@@ -4,14 +4,19 @@
 #include "bidi/records/CPPDMsgHdlr.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
+#include "spooler/filter/TwoWayFolder.h"
 #include "tests/e2e/Noise.h"
 #include "tests/filter/FilterHarness.h"
 #include "tests/support/SmallPPD.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cups/ppd.h>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
+#include <set>
 #include <sstream>
 
 // libcups marks its PPD functions as deprecated; the server's PPDs are read with them.
@@ -189,6 +194,35 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
     EXPECT_TRUE(std::filesystem::exists(other));
     EXPECT_TRUE(PrivateFolder::Exists("zan_timeout_override.txt"));
     EXPECT_TRUE(PrivateFolder::Exists("TorkaFilterNotes"));
+}
+
+TEST(TwoWayFolder, KeepsTheNewestAnswersOfAQueueForAnHour) {
+    const FilterHarness harness;
+    const std::filesystem::path folder = harness.root / "var/cache/torka/queues";
+    std::filesystem::create_directories(folder);
+    std::set<std::string> kept;
+    const auto put = [&](const std::string& name, std::chrono::seconds age, bool stays) {
+        std::ofstream(folder / name) << "x";
+        std::filesystem::last_write_time(folder / name, std::filesystem::file_time_type::clock::now() - age);
+        if (stays) {
+            kept.insert(name);
+        }
+    };
+    for (int i = 0; i < 103; ++i) { // ages in another order than names
+        const int older = i * 37 % 103;
+        put("Proofs#" + std::to_string(i) + ".bididata", std::chrono::seconds(10 + older), older < 100);
+    }
+    put("Finals#1.bididata", std::chrono::minutes(59), true);
+    put("Finals#2.bididata", std::chrono::minutes(61), false);
+    put("Finals.bididata", std::chrono::hours(48), true);
+    put(".torka-young", std::chrono::minutes(9), true);
+    put(".torka-old", std::chrono::minutes(11), false);
+    sweepTwoWayFolder();
+    std::set<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        left.insert(entry.path().filename());
+    }
+    EXPECT_EQ(left, kept);
 }
 
 } // namespace
