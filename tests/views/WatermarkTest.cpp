@@ -92,7 +92,9 @@ TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByKeys) {
     EXPECT_TRUE(Watermarks().Selected()->IsFirstPageOnly());
     QTest::keyClick(list, Qt::Key_Return);
     ASSERT_NE(Page().Dialog(), nullptr);
-    Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkUp"))->setValue(25.4);
+    auto* up = Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkUp"));
+    up->setValue(25.4);
+    EXPECT_EQ(up->text().remove(QLatin1Char(' ')), QStringLiteral("25.4mm"));
     Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkAngle"))->setValue(-30.5);
     Type(QStringLiteral("Proof"));
     Accept();
