@@ -128,7 +128,7 @@ ExitStatus listAddresses(const AddressOptions& options) {
         }
     }
     if (options.json) {
-        Json json;
+        Json json = Json::object();
         json["printers"] = std::move(printers);
         print(jsonDocument(json));
     }

@@ -118,10 +118,10 @@ ExitStatus check(const CheckOptions& options) {
                              constraints.GetKeyForest(), &locked);
     const KVCache changes = changeSet(*description, *settings);
     const ConstraintsEngine::Answer answer = engine.Test(changes);
-    Json json;
+    Json json = Json::object();
     json["conflicts"] = pairsJson(*description, answer.conflicts);
     json["alternatives"] = pairsJson(*description, answer.alternatives);
-    Json solution;
+    Json solution = Json::object();
     if (options.solve) {
         KVCache solved = changes;
         solution["solved"] = engine.Solve(solved, true).conflicts.size() == 0;

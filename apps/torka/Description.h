@@ -16,6 +16,8 @@
 
 namespace torka::tool {
 
+// Begin one with Json::object(). Without memory, [] leaves a null value as an object without content, and the
+// destructor of version 3.11.2 reads it.
 using Json = nlohmann::ordered_json;
 
 inline constexpr std::size_t maximumDescription = std::size_t{64} * 1024 * 1024; // bytes

@@ -68,7 +68,7 @@ ExitStatus showDifferences(const DiffOptions& options) {
     if (changes.empty()) {
         changes = compareLines(before->text, after->text);
     }
-    Json json;
+    Json json = Json::object();
     json["changes"] = Json::array();
     for (const DescriptionChange& change : changes) {
         if (options.isJson) {

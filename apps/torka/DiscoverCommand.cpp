@@ -57,7 +57,7 @@ ExitStatus discover(const DiscoverOptions& options) {
                      [](const FoundController& left, const FoundController& right) {
                          return CFStringCompare(left.name, right.name, kCFCompareCaseInsensitive) < 0;
                      });
-    Json json;
+    Json json = Json::object();
     json["controllers"] = Json::array();
     for (const FoundController& controller : controllers) {
         if (options.json) {

@@ -100,10 +100,10 @@ void printEntries(const JobEmission& job, bool asJson) {
         entries.push_back(std::move(json));
     }
     if (asJson) {
-        Json json;
+        Json json = Json::object();
         json["entries"] = std::move(entries);
         for (const JobEmission::LeftOut& entry : job.LeftOutEntries()) {
-            Json left;
+            Json left = Json::object();
             left["keyword"] = jsonText(entry.keyword.c_str());
             left["reason"] = entry.reason;
             json["leftOut"].push_back(std::move(left));

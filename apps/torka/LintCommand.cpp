@@ -78,7 +78,7 @@ Json noteJson(const PPDLintNote& note) {
 }
 
 void printJson(const ZANPPD& description, const PPDLint& lint) {
-    Json json;
+    Json json = Json::object();
     json["errors"] = errorsJson(description);
     PPDXErrors& errors = *description.Errors();
     const PPDXErrorObj* error = errors.First();

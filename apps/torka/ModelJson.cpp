@@ -153,7 +153,7 @@ const char* typeName(CNTL_TYPE type) {
 }
 
 Json headerJson(const ZANPPD& description) {
-    Json header;
+    Json header = Json::object();
     header["formatVersion"] = headerValue(description.FormatVersion());
     header["fileVersion"] = headerValue(description.FileVersion());
     header["pcFileName"] = headerValue(description.PCFileName());

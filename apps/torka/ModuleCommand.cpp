@@ -149,7 +149,7 @@ std::string outcomeText(std::string_view result) {
 void printOutcome(const std::string& outcome, const Pairs& settings,
                   const std::vector<std::string>& watermarks, bool asJson) {
     if (asJson) {
-        Json json;
+        Json json = Json::object();
         json["result"] = outcome;
         json["settings"] = Json::array();
         for (const auto& [key, value] : settings) {

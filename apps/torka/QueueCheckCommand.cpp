@@ -52,7 +52,7 @@ void printFindings(const std::vector<QueueFinding>& findings) {
 }
 
 void printJson(const std::string& queue, const std::vector<QueueFinding>& findings) {
-    Json json;
+    Json json = Json::object();
     json["queue"] = queue;
     json["findings"] = Json::array();
     for (const QueueFinding& finding : findings) {

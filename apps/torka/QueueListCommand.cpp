@@ -57,7 +57,7 @@ ExitStatus showQueues(bool isJson) {
     if (!queues) {
         return unusable("the print server does not list its queues");
     }
-    Json json;
+    Json json = Json::object();
     json["queues"] = Json::array();
     TextTable table({"Queue", "State", "Jobs", "torkafilter", "Device", "Model"});
     for (const platform::QueueState& queue : *queues) {

@@ -192,7 +192,7 @@ Json pairsJson(const std::vector<KeyValueView>& pairs) {
 }
 
 Json trayJson(const TrayView& tray) {
-    Json json;
+    Json json = Json::object();
     constexpr std::array<const char*, 6> names = {"name",      "key",       "mediaName",
                                                   "mediaSize", "mediaType", "mediaColor"};
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -234,7 +234,7 @@ Json entriesJson(ServerDataFile& file, const char* name, RecordResult<Entry> (*r
 }
 
 void printJson(ServerDataFile& file) {
-    Json json;
+    Json json = Json::object();
     json["trays"] = entriesJson<TrayView>(file, "TrayInfo", readTrays, trayJson);
     json["toner"] = entriesJson<TonerView>(file, "TonerInfo", readToners, tonerJson);
     json["presetNames"] = entriesJson<std::wstring_view>(file, "PresetsList", readPresetNames, nameJson);

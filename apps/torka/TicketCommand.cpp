@@ -29,7 +29,7 @@ ExitStatus showTicket(const TicketOptions& options) {
         }
     }
     if (options.json) {
-        Json json;
+        Json json = Json::object();
         json["entries"] = std::move(entries);
         print(jsonDocument(json));
     }

@@ -18,7 +18,7 @@ std::string_view siteName(std::int32_t number) {
 } // namespace
 
 Json entryJson(std::int32_t site, std::string_view bytes) {
-    Json json;
+    Json json = Json::object();
     json["site"] = site;
     if (decodeText(bytes, kCFStringEncodingUTF8)) {
         json["text"] = std::string(bytes);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/Utilities/MemoryShortage.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
 #include "apps/torka/ManualTexts.h"
@@ -11,6 +12,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <stdexcept>
@@ -71,6 +73,9 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         status = tool::unusable(std::string(error.what()) + " (torka --help tells the commands)");
     }
+    if (gMemoryShortages != 0 && status != ExitStatus::unusable) { // some name above is not the description's
+        status = tool::unusable("not enough memory");
+    }
     if (tool::outputFailed() && status != ExitStatus::unusable) {
         status = tool::unusable("standard output cannot be written");
     }
@@ -86,9 +91,25 @@ int failed(const char* reason) noexcept {
     return static_cast<int>(ExitStatus::unusable);
 }
 
+// Copies inside the JSON library may not throw, and a shortage of memory in them ends the program here.
+[[noreturn]] void endWithoutMemory() noexcept {
+    if (const std::exception_ptr error = std::current_exception()) {
+        try {
+            std::rethrow_exception(error);
+        } catch (const std::bad_alloc&) {
+            std::fputs("torka: not enough memory\n", stderr);
+            platform::removeFolderOfProcess();
+            std::_Exit(static_cast<int>(ExitStatus::unusable));
+        } catch (...) { // a defect of the program: the system keeps its traces
+        }
+    }
+    std::abort();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    std::set_terminate(endWithoutMemory);
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {

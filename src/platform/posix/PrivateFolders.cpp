@@ -86,10 +86,7 @@ void removeLeftOver(const std::filesystem::path& parent) {
 }
 
 void removeAndEnd(int signal) {
-    if (lockOfProcess >= 0) {
-        removeFiles(lockOfProcess);
-        rmdir(folderOfProcess.data());
-    }
+    removeFolderOfProcess();
     std::signal(signal, SIG_DFL);
     raise(signal); // takes effect when the handler returns
 }
@@ -114,11 +111,17 @@ std::filesystem::path makePrivateFolder(const std::filesystem::path& parent) {
     return name;
 }
 
+void removeFolderOfProcess() noexcept {
+    if (lockOfProcess >= 0) {
+        removeFiles(lockOfProcess);
+        rmdir(folderOfProcess.data());
+    }
+}
+
 void removePrivateFolder(const std::filesystem::path& folder) noexcept {
     if (lockOfProcess >= 0 && folder.native() == folderOfProcess.data()) {
         const int lock = lockOfProcess;
-        removeFiles(lock);
-        rmdir(folderOfProcess.data());
+        removeFolderOfProcess();
         lockOfProcess = -1;
         close(lock);
         return;

@@ -12,6 +12,9 @@ namespace torka::platform {
 std::filesystem::path makePrivateFolder(const std::filesystem::path& parent);
 // Removes a folder and the files in it.
 void removePrivateFolder(const std::filesystem::path& folder) noexcept;
+// Removes the folder of makePrivateFolder, for a process that ends at once. Needs no memory; safe in a signal
+// handler.
+void removeFolderOfProcess() noexcept;
 
 // Makes SIGTERM, SIGINT and SIGHUP remove the folder of makePrivateFolder before they end the process. An
 // ignored signal stays ignored. Only our own programs call this; a foreign host owns its signal handlers.
