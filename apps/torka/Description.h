@@ -16,8 +16,8 @@
 
 namespace torka::tool {
 
-// Begin one with Json::object(). Without memory, [] leaves a null value as an object without content, and the
-// destructor of version 3.11.2 reads it.
+// Begin one with Json::object() or Json::array(). A null value that [] or push_back changes is left without
+// content when memory runs out, and the destructor of version 3.11.2 reads the content.
 using Json = nlohmann::ordered_json;
 
 inline constexpr std::size_t maximumDescription = std::size_t{64} * 1024 * 1024; // bytes

@@ -102,11 +102,15 @@ void printEntries(const JobEmission& job, bool asJson) {
     if (asJson) {
         Json json = Json::object();
         json["entries"] = std::move(entries);
+        Json leftOut = Json::array();
         for (const JobEmission::LeftOut& entry : job.LeftOutEntries()) {
             Json left = Json::object();
             left["keyword"] = jsonText(entry.keyword.c_str());
             left["reason"] = entry.reason;
-            json["leftOut"].push_back(std::move(left));
+            leftOut.push_back(std::move(left));
+        }
+        if (!leftOut.empty()) {
+            json["leftOut"] = std::move(leftOut);
         }
         print(jsonDocument(json));
     }
