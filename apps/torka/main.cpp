@@ -16,7 +16,9 @@
 #include <exception>
 #include <new>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 // The command-line tool. Its commands and their JSON are a public interface; docs/torka.md describes them.
 
@@ -66,12 +68,19 @@ int run(int argc, char** argv) {
     tool::addManualCommand(app, status);
     tool::addCompleteCommand(app, status);
     tellVersion(app);
+    const auto misused = [](const CLI::Error& error) {
+        return tool::unusable(std::string(error.what()) + " (torka --help tells the commands)");
+    };
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {
-        app.exit(help); // --help and --version: printed on standard output
+        if (const std::vector<std::string> unknown = app.remaining(); !unknown.empty()) {
+            status = misused(CLI::ExtrasError(unknown));
+        } else {
+            app.exit(help); // --help and --version: printed on standard output
+        }
     } catch (const CLI::ParseError& error) {
-        status = tool::unusable(std::string(error.what()) + " (torka --help tells the commands)");
+        status = misused(error);
     }
     if (gMemoryShortages != 0 && status != ExitStatus::unusable) { // some name above is not the description's
         status = tool::unusable("not enough memory");

@@ -63,6 +63,7 @@ TEST(Tool, SaysInOneLineWhatItCannotUse) {
     for (const Arguments& arguments :
          {Arguments{},
           {"nonsense"},
+          {"nonsense", "--help"},
           {"show"},
           {"show", folder.Path()},
           {"show", folder.Write("other.ppd", "*PPD-Adobe: \"4.2\"\n")},
