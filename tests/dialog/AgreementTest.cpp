@@ -165,6 +165,7 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
         auto* edited = dialog.findChild<QDialog*>("watermarkDialog");
         edited->findChild<QLineEdit*>("watermarkText")->setText("PROOF");
         edited->accept();
+        QCoreApplication::processEvents(); // stores the list
     };
     const auto preset = [](const char* entry) -> Step { // "": saves it
         return [entry](PrintDialog& dialog) {

@@ -41,6 +41,7 @@ struct WatermarkTest : testing::Test {
     }
     void Accept() {
         Page().Dialog()->accept();
+        QCoreApplication::sendPostedEvents(); // stores the list
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     void Add(const char* text) {

@@ -8,6 +8,7 @@
 #include "pane/views/WatermarkPreview.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QListWidget>
@@ -107,24 +108,31 @@ void WatermarkPage::OpenDialog(const WatermarkFields& fields, int index) {
     dialog->setWindowModality(Qt::WindowModal);
     connect(dialog, &QDialog::accepted, this, [this, index, opened = dialog.data()] {
         watermarks.Put(index, opened->Fields());
-        ListChanged();
+        ListChanged(Qt::QueuedConnection); // the dialog still works below this call
     });
     dialog->open();
 }
 
 void WatermarkPage::Delete() {
     if (watermarks.RemoveChosen()) {
-        ListChanged();
+        ListChanged(Qt::DirectConnection);
     }
 }
 
-// Holds the panel: storing may run the event loop, in which the print dialog may release the panel.
-void WatermarkPage::ListChanged() {
+// Holds the panel and stores a copy: storing may run the event loop, in which the print dialog may release
+// the panel, and this page may end with its open dialogs.
+void WatermarkPage::ListChanged(Qt::ConnectionType stored) {
     const std::shared_ptr<void> alive =
         context.panel == nullptr ? nullptr : context.panel->shared_from_this();
     Update();
-    WatermarkEditing kept = watermarks; // a copy: this page may end while the list is stored
-    kept.Keep();
+    QObject* until = alive ? static_cast<QObject*>(QCoreApplication::instance()) : this;
+    QMetaObject::invokeMethod(
+        until,
+        [alive, list = watermarks] {
+            WatermarkEditing kept = list;
+            kept.Keep();
+        },
+        stored);
 }
 
 // Keys of the list: Return, F2, Delete and Insert.

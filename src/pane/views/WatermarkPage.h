@@ -43,7 +43,7 @@ protected:
 private:
     void Select(int index);
     void OpenDialog(const WatermarkFields& fields, int index);
-    void ListChanged();
+    void ListChanged(Qt::ConnectionType stored);
 
     PaneContext& context;
     WatermarkEditing watermarks;
