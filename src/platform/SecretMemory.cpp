@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/SecretMemory.h"
 
+#include "platform/FreshMemory.h"
+
 #include <cstring>
 #include <memory_resource>
 #include <sys/mman.h>
@@ -43,10 +45,16 @@ std::pmr::memory_resource& memoryFor(std::size_t size) {
 
 } // namespace
 
-void* allocateSecret(std::size_t size) { return memoryFor(size).allocate(size); }
+void* allocateSecret(std::size_t size) {
+    void* memory = memoryFor(size).allocate(size);
+    if (size > maximumPooled) {
+        takePages(memory, size); // freeSecret touches every page, if nobody else does
+    }
+    return memory;
+}
 
 void* allocateZeroedSecret(std::size_t size) {
-    void* memory = allocateSecret(size);
+    void* memory = memoryFor(size).allocate(size);
     // The system hands out pages of zeroes, and gives them memory when they are first touched.
     if (hasAddressSanitizer || size <= maximumPooled) {
         std::memset(memory, 0, size);
@@ -56,6 +64,9 @@ void* allocateZeroedSecret(std::size_t size) {
 
 void freeSecret(void* memory, std::size_t size) noexcept {
     if (memory != nullptr) {
+        if (size > maximumPooled) {
+            takePages(memory, size); // of zeroed memory, most pages are untouched
+        }
         wipe(memory, size);
         memoryFor(size).deallocate(memory, size);
     }

@@ -5,6 +5,7 @@
 #include "bidi/serverdata/ByteOrderMark.h"
 #include "bidi/text/FieldText.h"
 #include "bidi/text/StandardStreams.h"
+#include "platform/FreshMemory.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
@@ -167,6 +168,8 @@ const JPWatermarkList& WatermarkDefinitions::List() {
 void writeSettings(SharedMemoryList& record, const SDMKeyValueList& list) {
     const std::size_t count = list.items ? std::min(list.count, exchangeEntryLimit) : 0;
     setFieldNumber(record.count, static_cast<long>(count));
+    platform::takePages(record.keys.data(), count * exchangeKeySize);
+    platform::takePages(record.values.data(), count * exchangeValueSize);
     for (std::size_t i = 0; i < count; ++i) {
         const SDMKeyValue& entry = list.items[i];
         writeText(record.values[i], entry.szValue, *orEmpty(entry.szValue) == wideMark.front());
