@@ -55,10 +55,10 @@ public:
         return rows;
     }
     std::string Field() const { return utf8Text(sheet.addressField()); }
-    std::string Status() const {
+    std::string Status() {
         return sheet.Window()->findChild<QLabel*>("discoveryStatus")->text().toStdString();
     }
-    bool WaitForStatus(const char* text) const {
+    bool WaitForStatus(const char* text) {
         return QTest::qWaitFor([&] { return Status() == text; }, patience);
     }
     // Until so many controllers are listed, each with its address.

@@ -124,16 +124,29 @@ private:
     AddressSheet& sheet;
 };
 
-AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
-    : dialog(new Dialog(parent, *this))
-    , model(new Rows(dialog, translate("NAME_COLUMN", "Name"), translate("ADDRESSES_COLUMN", "Addresses")))
-    , field(new QLineEdit(dialog))
-    , table(new QTreeView(dialog))
-    , status(new QLabel(dialog))
-    , progress(new QProgressBar(dialog))
-    , bidiCheckBox(new QCheckBox(translate("TWO_WAY", "&Two-way communication"), dialog))
-    , sortByName(translate("SORT_BY_NAME", "Sort by name"))
-    , sortByAddresses(translate("SORT_BY_ADDRESSES", "Sort by addresses")) {
+AddressSheet::AddressSheet(QWidget* dialogParent, BidiTranslator translator)
+    : translate(std::move(translator))
+    , parent(dialogParent)
+    , hasParent(dialogParent != nullptr) {}
+
+AddressSheet::~AddressSheet() { delete dialog.data(); }
+
+bool AddressSheet::HasDialog() {
+    const bool hasParentEnded = hasParent && parent == nullptr;
+    if (field == nullptr && !hasParentEnded) {
+        MakeDialog();
+    }
+    return dialog != nullptr;
+}
+
+void AddressSheet::MakeDialog() {
+    dialog = new Dialog(parent, *this);
+    model = new Rows(dialog, translate("NAME_COLUMN", "Name"), translate("ADDRESSES_COLUMN", "Addresses"));
+    field = new QLineEdit(dialog);
+    table = new QTreeView(dialog);
+    status = new QLabel(dialog);
+    progress = new QProgressBar(dialog);
+    bidiCheckBox = new QCheckBox(translate("TWO_WAY", "&Two-way communication"), dialog);
     dialog->setPalette(readableColors());
     dialog->setObjectName("addressSheet");
     dialog->setWindowTitle(translate("ADDRESS_SHEET_TITLE", "Controller Address"));
@@ -143,9 +156,11 @@ AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
     field->setMaxLength(maximumAddress);
     field->setClearButtonEnabled(true);
     field->setPlaceholderText(translate("ADDRESS_EXAMPLE", "for example 192.168.1.20"));
+    ShowAddress();
     bidiCheckBox->setObjectName("sheetBidiCheckBox");
+    bidiCheckBox->setChecked(isBidiOn);
     QObject::connect(bidiCheckBox, &QCheckBox::clicked, dialog, [this](bool on) { BidiClicked(on); });
-    MakeTable(translate);
+    MakeTable();
 
     status->setObjectName("discoveryStatus");
     status->setTextFormat(Qt::PlainText);
@@ -161,12 +176,10 @@ AddressSheet::AddressSheet(QWidget* parent, const BidiTranslator& translate)
     policy.setRetainSizeWhenHidden(true);
     progress->setSizePolicy(policy);
     progress->hide();
-    LayOut(translate);
+    LayOut();
 }
 
-AddressSheet::~AddressSheet() { delete dialog.data(); }
-
-void AddressSheet::LayOut(const BidiTranslator& translate) {
+void AddressSheet::LayOut() {
     auto* fieldLabel = new QLabel(translate("ADDRESS_LABEL", "&IP address or DNS name:"), dialog);
     fieldLabel->setTextFormat(Qt::PlainText);
     fieldLabel->setBuddy(field);
@@ -196,7 +209,7 @@ void AddressSheet::LayOut(const BidiTranslator& translate) {
     dialog->resize(letterWidth(dialog->fontMetrics()) * 90, dialog->fontMetrics().height() * 27);
 }
 
-void AddressSheet::MakeTable(const BidiTranslator& translate) {
+void AddressSheet::MakeTable() {
     table->setObjectName("controllerTable");
     table->setModel(model);
     table->setRootIsDecorated(false);
@@ -252,10 +265,10 @@ void AddressSheet::attachPaneWidgets(QCheckBox* twoWay, QPushButton* configure) 
     paneConfigureButton = configure;
     if (twoWay != nullptr) {
         twoWay->setChecked(isBidiOn);
-        QObject::connect(twoWay, &QCheckBox::clicked, dialog, [this](bool on) { BidiClicked(on); });
+        QObject::connect(twoWay, &QCheckBox::clicked, &connections, [this](bool on) { BidiClicked(on); });
     }
     if (configure != nullptr) {
-        QObject::connect(configure, &QPushButton::clicked, dialog, [this] {
+        QObject::connect(configure, &QPushButton::clicked, &connections, [this] {
             if (delegate != nullptr) {
                 delegate->configureButtonClicked();
             }
@@ -279,13 +292,15 @@ void AddressSheet::SortBy(ControllerColumn column) {
 void AddressSheet::ShowTableMenu(const QPoint& place) {
     auto* menu = new QMenu(table);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(sortByName, dialog, [this] { SortBy(ControllerColumn::name); });
-    menu->addAction(sortByAddresses, dialog, [this] { SortBy(ControllerColumn::addresses); });
+    menu->addAction(translate("SORT_BY_NAME", "Sort by name"), dialog,
+                    [this] { SortBy(ControllerColumn::name); });
+    menu->addAction(translate("SORT_BY_ADDRESSES", "Sort by addresses"), dialog,
+                    [this] { SortBy(ControllerColumn::addresses); });
     menu->popup(table->viewport()->mapToGlobal(place));
 }
 
 void AddressSheet::openSheet() {
-    if (dialog != nullptr) {
+    if (HasDialog()) {
         dialog->open();
     }
 }
@@ -299,26 +314,35 @@ void AddressSheet::closeSheet() {
 bool AddressSheet::isSheetVisible() const { return dialog != nullptr && dialog->isVisible(); }
 
 CFStringRef AddressSheet::addressField() const {
+    if (field == nullptr) {
+        return cfText(address); // there was no dialog yet
+    }
     return cfText(dialog != nullptr ? field->text() : QString());
 }
 
 void AddressSheet::setAddressField(const CFStringRef& text) {
-    const QString shown = qText(text);
-    if (dialog != nullptr && field->text() != shown) {
-        field->setText(shown);
+    address = qText(text).left(maximumAddress);
+    if (dialog != nullptr) {
+        ShowAddress();
+    }
+}
+
+void AddressSheet::ShowAddress() {
+    if (field->text() != address) {
+        field->setText(address);
         field->setCursorPosition(0); // shows the beginning of a long name
     }
 }
 
 void AddressSheet::focusAddressField() {
-    if (dialog != nullptr) {
+    if (HasDialog()) {
         field->setFocus(Qt::OtherFocusReason);
         field->selectAll();
     }
 }
 
 void AddressSheet::setRows(std::span<const ControllerRow> rows, std::optional<std::size_t> selected) {
-    if (dialog == nullptr) {
+    if (!HasDialog()) {
         return;
     }
     isSetting = true;
@@ -349,7 +373,7 @@ std::optional<std::size_t> AddressSheet::selectedRow() const {
 }
 
 void AddressSheet::setIndicatorImage(ControllerColumn column, SortIndicator indicator) {
-    if (dialog == nullptr) {
+    if (!HasDialog()) {
         return;
     }
     QHeaderView* header = table->header();
@@ -363,13 +387,13 @@ void AddressSheet::setIndicatorImage(ControllerColumn column, SortIndicator indi
 }
 
 void AddressSheet::setProgress(bool running) {
-    if (dialog != nullptr) {
+    if (running ? HasDialog() : dialog != nullptr) {
         progress->setVisible(running);
     }
 }
 
 void AddressSheet::setStatus(const CFStringRef& text) {
-    if (dialog != nullptr) {
+    if (HasDialog()) {
         status->setText(qText(text));
     }
 }
@@ -394,6 +418,11 @@ void AddressSheet::setConfigureButtonEnabled(bool enabled) {
     if (paneConfigureButton != nullptr) {
         paneConfigureButton->setEnabled(enabled);
     }
+}
+
+QDialog* AddressSheet::Window() {
+    HasDialog();
+    return dialog;
 }
 
 } // namespace torka

@@ -29,13 +29,13 @@ using BidiTranslator = std::function<QString(const char* key, const char* englis
 // same controller and are attached.
 //
 // Names from the network are drawn as plain text. All functions are reachable by keys. The headers or the
-// context menu of the table sort it. The parent of the dialog may end before this object; then every call
-// does nothing.
+// context menu of the table sort it. The dialog is made when it is first needed, because few people open it.
+// The parent of the dialog may end before this object; then every call does nothing.
 class AddressSheet final : public BonjourModuleView {
 public:
     static constexpr int maximumAddress = 255; // characters
 
-    AddressSheet(QWidget* parent, const BidiTranslator& translate);
+    AddressSheet(QWidget* parent, BidiTranslator translate);
     ~AddressSheet() override;
     // The widgets of the pane, which owns them; either may be null.
     void attachPaneWidgets(QCheckBox* twoWay, QPushButton* configure);
@@ -61,15 +61,19 @@ public:
     void setConfigureButtonEnabled(bool enabled) override;
 
     // For the tests; no caller here
-    // Null after the end of the parent.
-    QDialog* Window() const { return dialog; }
+    // The dialog, which this makes. Null after the end of the parent.
+    QDialog* Window();
 
 private:
     class Dialog;
     class Rows;
 
-    void MakeTable(const BidiTranslator& translate);
-    void LayOut(const BidiTranslator& translate);
+    // Makes the dialog unless it exists. False after the end of the parent.
+    bool HasDialog();
+    void MakeDialog();
+    void ShowAddress();
+    void MakeTable();
+    void LayOut();
     void BidiClicked(bool on);
     void ShowTableMenu(const QPoint& place);
     void SortBy(ControllerColumn column);
@@ -77,17 +81,20 @@ private:
 
     BonjourModuleViewDelegate* delegate = nullptr;
     std::function<std::shared_ptr<void>()> keepAlive;
+    BidiTranslator translate;
+    QPointer<QWidget> parent;
+    bool hasParent;
+    QString address; // for the field, until there is a dialog
     QPointer<QDialog> dialog;
-    Rows* model; // the dialog owns this and the following
-    QLineEdit* field;
-    QTreeView* table;
-    QLabel* status;
-    QProgressBar* progress;
-    QCheckBox* bidiCheckBox;
+    Rows* model = nullptr; // the dialog owns this and the following
+    QLineEdit* field = nullptr;
+    QTreeView* table = nullptr;
+    QLabel* status = nullptr;
+    QProgressBar* progress = nullptr;
+    QCheckBox* bidiCheckBox = nullptr;
     QPointer<QCheckBox> paneCheckBox;
     QPointer<QPushButton> paneConfigureButton;
-    QString sortByName;
-    QString sortByAddresses;
+    QObject connections; // with the widgets of the pane; they end with this object
     bool isBidiOn = false;
     bool isSetting = false; // the code, not the person, changes the selection
 };
