@@ -45,7 +45,8 @@ void RollDown::SetOpen(bool nowOpen) {
         fill(*content);
         static_cast<QVBoxLayout*>(layout())->addWidget(content);
     }
-    if (content != nullptr) {
+    // Content made before the page is shown needs no call: it would lay out all rows once more.
+    if (content != nullptr && content->isHidden() == open) {
         content->setVisible(open);
     }
     TellState();
