@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
 #include <string_view>
+#include <unordered_set>
 
 namespace torka {
 
@@ -119,13 +119,17 @@ constexpr std::array<std::string_view, 96> hiddenControls = {"*QVMMInUse",
                                                              "*QVColorant2Optimised",
                                                              "*QVColorant1Optimised"};
 
-bool holds(std::span<const std::string_view> table, const char* keyword) {
-    return keyword != nullptr && std::ranges::find(table, std::string_view(keyword)) != table.end();
-}
+// Every opening of the pane asks for each control of the description.
+using Names = std::unordered_set<std::string_view>;
+
+bool holds(const Names& names, const char* keyword) { return keyword != nullptr && names.contains(keyword); }
 
 } // namespace
 
-bool isExpertHueKeeperControl(const char* keyword) { return holds(expertHueKeeperControls, keyword); }
+bool isExpertHueKeeperControl(const char* keyword) {
+    static const Names names(expertHueKeeperControls.begin(), expertHueKeeperControls.end());
+    return holds(names, keyword);
+}
 
 bool isSpecialHueKeeperControl(const char* keyword) {
     return keyword != nullptr &&
@@ -134,7 +138,10 @@ bool isSpecialHueKeeperControl(const char* keyword) {
            });
 }
 
-bool isHiddenFromBasicPanel(const char* keyword) { return holds(hiddenControls, keyword); }
+bool isHiddenFromBasicPanel(const char* keyword) {
+    static const Names names(hiddenControls.begin(), hiddenControls.end());
+    return holds(names, keyword);
+}
 
 bool isChosenBySystem(const PPDXControl& control) {
     return control == "*PageSize" || control == "*QVOrientation" || control == "*Collate";

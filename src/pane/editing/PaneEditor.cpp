@@ -17,8 +17,14 @@ namespace {
 
 constexpr std::size_t maximumSteps = 200; // that can be undone
 
+// Null for other controls. Asks for the type, because a cast that fails takes longer than the rest of a
+// comparison.
+const PPDXPopupControl* popupOf(const PPDXControl& control) {
+    return control.Type() == CNTL_TYPE::popup ? static_cast<const PPDXPopupControl*>(&control) : nullptr;
+}
+
 bool choosesSeveral(const PPDXControl& control) {
-    const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
+    const PPDXPopupControl* popup = popupOf(control);
     return popup != nullptr && popup->CanSelectMultipleItems();
 }
 
@@ -30,7 +36,7 @@ bool isAscii(std::string_view text) {
 // comparing hundreds of fields. None for other controls, and for what that way would change: text that is
 // not ASCII.
 std::optional<std::string_view> chosenKeyword(const PPDXControl& control) {
-    const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
+    const PPDXPopupControl* popup = popupOf(control);
     if (popup == nullptr || popup->CanSelectMultipleItems()) {
         return std::nullopt;
     }
@@ -48,7 +54,7 @@ std::optional<std::string_view> chosenKeyword(const PPDXControl& control) {
 // Whether a popup has its default choice, asked without making either text. False also where only the texts
 // can tell.
 bool isAtDefaultItem(const PPDXControl& control) {
-    const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
+    const PPDXPopupControl* popup = popupOf(control);
     if (popup == nullptr || popup->CanSelectMultipleItems()) {
         return false;
     }
@@ -68,13 +74,16 @@ std::vector<std::string> linesOf(std::string_view text) {
 
 } // namespace
 
-bool isSecret(const PPDXControl& control) { return isMaskedNote(&control); }
+bool isSecret(const PPDXControl& control) {
+    return control.Type() == CNTL_TYPE::jobNote && isMaskedNote(&control);
+}
 
 PaneEditor::PaneEditor(ZANPPD& ppd, PDEData* data)
     : model(ppd)
     , paneData(data)
     , constraints(*ppd.GetUIConstraints()) {
     MakeCatalog();
+    seen.reserve(controls.size());
     for (PPDXControl* control : controls) {
         Seen(*control) = Remembered(*control);
     }
@@ -225,8 +234,11 @@ bool PaneEditor::Reset(const std::vector<std::string>& keywords) {
 PaneEditor::Step PaneEditor::TakeChanges(const std::vector<PPDXControl*>& among) {
     Step step;
     for (PPDXControl* control : among) {
-        std::string now = Remembered(*control);
         std::string& before = Seen(*control);
+        if (chosenKeyword(*control) == before) {
+            continue; // the common case, without a new text
+        }
+        std::string now = Remembered(*control);
         if (now != before) {
             step.values.push_back({control, std::move(before), now});
             before = std::move(now);
