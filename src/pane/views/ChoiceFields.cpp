@@ -21,6 +21,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <utility>
 
 namespace torka {
 namespace {
@@ -70,7 +72,8 @@ public:
         : QAbstractListModel(parent)
         , context(paneContext)
         , control(shownControl)
-        , choices(choicesOf(shownControl)) {}
+        , choices(choicesOf(shownControl))
+        , version(paneContext.editor.FieldsVersion()) {}
 
     int rowCount(const QModelIndex& parent) const override {
         return parent.isValid() ? 0 : static_cast<int>(choices.size());
@@ -107,9 +110,13 @@ public:
 
     const std::vector<PaneChoice>& Choices() const { return choices; }
 
-    // Reads the choices again. Returns whether they were replaced.
+    // Reads the choices again if they may have changed. Returns whether they were replaced.
     bool Reload() {
         const std::size_t count = static_cast<const PPDXPopupControl&>(control).ItemCount();
+        const std::uint64_t before = std::exchange(version, context.editor.FieldsVersion());
+        if (before == version && count == choices.size()) {
+            return false;
+        }
         std::vector<PaneChoice> now = choicesOf(control);
         const bool same = count == choices.size() &&
                           std::ranges::equal(now, choices, [](const PaneChoice& a, const PaneChoice& b) {
@@ -143,6 +150,7 @@ private:
     PaneContext& context;
     const PPDXControl& control;
     std::vector<PaneChoice> choices;
+    std::uint64_t version; // of the editor's fields, when the choices were read
     std::vector<bool> forbidden;
     std::size_t current = 0;
 };
