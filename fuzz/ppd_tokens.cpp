@@ -92,14 +92,15 @@ void checkTokens(std::string_view content, const char* delimiters, bool trim) {
 void checkValues(std::string_view content, Reader& reader, std::size_t capacity) {
     const std::vector<std::string> lines = oracle::linesToHandle(content);
     const std::unique_ptr<char[]> out(new char[capacity]); // exact size, so that the sanitizer sees overruns
-    char line[kLineCapacity], token[kLineCapacity];
+    std::string_view line;
+    char token[kLineCapacity];
     for (std::size_t at = 0; reader.ReadLine(line); ++at) {
         require(at < lines.size() && lines[at] == line, "line to handle");
         if (at % 3 == 1) {
-            reader.PushBackLine(line);
+            reader.PushBackLine();
             require(reader.ReadLine(line) && lines[at] == line, "line handed back");
         }
-        PPDStream stream{std::string_view(line)};
+        PPDStream stream(line);
         PPDX::NextToken(stream, token, " \t:", true);
         PPDStream header(stream);
         if (at % 5 == 4 && reader.ParsePSKeywords(header, token)) {

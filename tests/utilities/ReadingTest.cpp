@@ -41,7 +41,7 @@ public:
     // Reads the value on the next line.
     std::string Value(bool isPostscript, long capacity = 256) {
         EXPECT_TRUE(reader.ReadLine(line));
-        PPDStream stream{std::string_view(line)};
+        PPDStream stream(line);
         char out[1024];
         length = isPostscript ? reader.GetPostscriptString(stream, out, capacity)
                               : reader.GetQuotedString(stream, out, capacity);
@@ -51,7 +51,7 @@ public:
     tests::TemporaryFolder folder;
     PPDFile file;
     Reader reader;
-    char line[kLineCapacity];
+    std::string_view line;
     long length = 0;
     bool isGood = false;
 };
@@ -115,8 +115,8 @@ TEST(PPDStream, NothingIsReadBehindTheEndOfTheDescriptionUntilAParseStarts) {
         EXPECT_THAT(first.Lines(), ElementsAre("a", ""));
         EXPECT_TRUE(gEndOfPPD);
         PPDStream other(std::string_view("more\n"));
-        EXPECT_FALSE(other.GetLine(first.line));
-        EXPECT_STREQ(first.line, "");
+        EXPECT_FALSE(other.TakeLine(first.line));
+        EXPECT_EQ(first.line, "");
         EXPECT_EQ(other.Remaining(), "more\n");
     }
     EXPECT_THAT(log.Lines(), ElementsAre("*% End of PPD file, really", "FIT208051", "FIT208051"));
@@ -141,14 +141,14 @@ TEST(PPDFileStream, LinesDoNotShowWhereThePiecesEnd) {
 
 TEST(PPDFileStream, LinesAreHandedBackWithAllThatWasTrueOfThem) {
     Description description("a\nlast", 3);
-    char line[kLineCapacity];
+    std::string_view line;
     EXPECT_TRUE(description.reader.ReadLine(line) && description.reader.ReadLine(line));
-    EXPECT_STREQ(line, "last");
+    EXPECT_EQ(line, "last");
     EXPECT_EQ(description.reader.LineNumber(), 2U);
-    description.reader.PushBackLine(line);
-    line[0] = '\0';
+    description.reader.PushBackLine();
+    line = {};
     EXPECT_TRUE(description.reader.ReadLine(line));
-    EXPECT_STREQ(line, "last");
+    EXPECT_EQ(line, "last");
     EXPECT_EQ(description.reader.LineNumber(), 2U);
     EXPECT_FALSE(description.reader.ReadLine(line));
 }
@@ -210,7 +210,7 @@ TEST(PPDX, QuotedValues) {
         const auto length = static_cast<long>(std::string_view(each.value).size());
         EXPECT_EQ(description.length, length > 0 ? length + 1 : 0) << each.text;
         EXPECT_EQ(description.reader.ReadLine(description.line), each.nextLine != nullptr) << each.text;
-        EXPECT_STREQ(description.line, each.nextLine != nullptr ? each.nextLine : "") << each.text;
+        EXPECT_EQ(description.line, each.nextLine != nullptr ? each.nextLine : "") << each.text;
     }
 }
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/CStringSoup.h"
 
-#include "PPDX/KVEngine/TextHash.h"
-
 #include <algorithm>
 
 namespace torka {
@@ -48,7 +46,8 @@ std::int64_t CStringSoup::Find(std::string_view text) const {
 }
 
 std::int64_t CStringSoup::Find(std::string_view text, std::uint64_t hash) const {
-    const std::uint32_t found = index.Find(hash, [&](std::uint32_t i) { return texts[i].View() == text; });
+    const std::uint32_t found =
+        index.Find(hash, [&](std::uint32_t i) { return isSameText(texts[i].View(), text); });
     return found == PositionTable::none ? -1 : static_cast<std::int64_t>(found);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "PPDX/KVEngine/PositionTable.h"
+#include "PPDX/KVEngine/TextHash.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,6 +27,14 @@ public:
     virtual std::int64_t Insert(std::string_view text);
     // Does the same for a text without NUL.
     std::int64_t InsertWhole(std::string_view text);
+    // Does the same, and is faster when the text is the one at `guess` or at `otherGuess`; -1 is no guess.
+    std::int64_t InsertWhole(std::string_view text, std::int64_t guess, std::int64_t otherGuess) {
+        const auto isRight = [&](std::int64_t each) {
+            const auto place = static_cast<std::size_t>(each);
+            return place < texts.size() && isSameText(texts[place].View(), text);
+        };
+        return isRight(guess) ? guess : isRight(otherGuess) ? otherGuess : InsertWhole(text);
+    }
     // Returns the text at that index, NUL-terminated; null when there is none. The pointer stays valid until
     // Clear.
     virtual const char* Find(std::int64_t index) const;

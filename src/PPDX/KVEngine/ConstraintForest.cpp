@@ -2,37 +2,10 @@
 #include "PPDX/KVEngine/ConstraintForest.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace torka {
-
-namespace {
-
-using Records = std::vector<ConstraintRecord>;
-
-bool isBefore(const ConstraintRecord& a, const ConstraintRecord& b) {
-    return std::tie(a.key1, a.option1) < std::tie(b.key1, b.option1);
-}
-
-// Returns the records ascending by that identifier. Equal ones keep their order.
-Records distributed(const Records& records, std::uint32_t ConstraintRecord::*identifier) {
-    const auto largest = std::ranges::max_element(records, {}, identifier);
-    std::vector<std::uint32_t> places(std::size_t{(*largest).*identifier} + 2, 0);
-    for (const ConstraintRecord& record : records) {
-        ++places[record.*identifier + 1];
-    }
-    for (std::size_t i = 1; i < places.size(); ++i) {
-        places[i] += places[i - 1];
-    }
-    Records result(records.size());
-    for (const ConstraintRecord& record : records) {
-        result[places[record.*identifier]++] = record;
-    }
-    return result;
-}
-
-} // namespace
 
 void ConstraintForest::InsertWildcard(std::int64_t key1, std::shared_ptr<const OptionRange> from,
                                       std::int64_t option1, std::shared_ptr<const OptionRange> to,
@@ -42,30 +15,6 @@ void ConstraintForest::InsertWildcard(std::int64_t key1, std::shared_ptr<const O
         .InsertWildcard(std::move(from), std::move(to),
                         {static_cast<std::uint32_t>(key1), static_cast<std::uint32_t>(option1),
                          static_cast<std::uint32_t>(pair.key), static_cast<std::uint32_t>(pair.option)});
-}
-
-void ConstraintForest::SettleLines() const {
-    const auto fresh = records.begin() + static_cast<std::ptrdiff_t>(settled);
-    const auto kept = std::remove_if(fresh, records.end(), [this](const ConstraintRecord& record) {
-        KeyConstraintTree* tree = trees.Find(record.key1);
-        return tree != nullptr && tree->TakeLater(record);
-    });
-    records.erase(kept, records.end());
-    if (!std::ranges::is_sorted(records, isBefore)) {
-        Records byOption = distributed(records, &ConstraintRecord::option1);
-        records = {};
-        records = distributed(byOption, &ConstraintRecord::key1);
-    }
-    settled = records.size();
-
-    for (auto first = records.cbegin(); first != records.cend();) {
-        const auto isOther = [key = first->key1](const ConstraintRecord& record) {
-            return record.key1 != key;
-        };
-        const auto last = std::find_if(first, records.cend(), isOther);
-        trees.FindOrMake(first->key1, first->key1).SetLines({first, last});
-        first = last;
-    }
 }
 
 std::unique_ptr<ItemConstraintList> ConstraintForest::GetConstraintList(std::int64_t key,
@@ -116,8 +65,7 @@ bool ConstraintForest::EnableConstraints(std::int64_t key, std::int64_t option, 
 
 void ConstraintForest::clear() {
     trees.clear();
-    records.clear();
-    settled = 0;
+    isSettled = true;
 }
 
 // Applies `apply` to the pair's tree (every tree for key -1) and then to each pair that it returns, until no

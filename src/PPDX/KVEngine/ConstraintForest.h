@@ -4,21 +4,20 @@
 #include "PPDX/KVEngine/IdMap.h"
 #include "PPDX/KVEngine/KeyConstraintTree.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <vector>
 
 namespace torka {
 
 // Records which options constrain which others: a tree per constraining key. Records only the given
 // direction.
 //
-// One array holds the lines that name both options. It is sorted before the first query; a tree refers to a
-// part of it. Identifiers belong to the store's string table and are not negative, except where a call says
-// so.
+// A tree holds the lines of its key. They are sorted before the first query. Identifiers belong to the
+// store's string table and are not negative, except where a call says so.
 //
-// Owns lines and trees. UIConstraints owns two forests, of constraints and of requirements.
+// Owns the trees. UIConstraints owns two forests, of constraints and of requirements.
 class ConstraintForest {
 public:
     ConstraintForest() = default;
@@ -28,8 +27,10 @@ public:
 
     // key1=option1 constrains key2=option2.
     void insert(std::int64_t key1, std::int64_t option1, std::int64_t key2, std::int64_t option2) {
-        records.push_back({static_cast<std::uint32_t>(key1), static_cast<std::uint32_t>(option1),
-                           static_cast<std::uint32_t>(key2), static_cast<std::uint32_t>(option2)});
+        isSettled = false;
+        trees.FindOrMake(key1, key1)
+            .Add({static_cast<std::uint32_t>(key1), static_cast<std::uint32_t>(option1),
+                  static_cast<std::uint32_t>(key2), static_cast<std::uint32_t>(option2)});
     }
     // Inserts a line with an empty option. `from` is the range of constraining options, or null when option1
     // is the only one. `to` is the range of key's constrained options, or null when pair is the only one.
@@ -63,18 +64,15 @@ public:
 private:
     template <typename Apply>
     bool VisitTrees(const KeyOption& first, Apply apply);
-    void SettleLines() const;
 
-    // The first `settled` records ascend by key1, then option1, then order of insertion. The records behind
-    // them were inserted later.
-    mutable std::vector<ConstraintRecord> records;
-    mutable std::size_t settled = 0;
     mutable IdMap<KeyConstraintTree> trees;
+    mutable bool isSettled = true;
 };
 
 inline void ConstraintForest::Settle() const {
-    if (settled != records.size()) {
-        SettleLines();
+    if (!isSettled) {
+        std::ranges::for_each(trees.Values(), &KeyConstraintTree::Settle);
+        isSettled = true;
     }
 }
 

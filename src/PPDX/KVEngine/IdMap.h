@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "PPDX/KVEngine/PositionTable.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -12,29 +10,34 @@ namespace torka {
 
 // Stores values by identifier, side by side in the order of insertion. Only clear removes values. References
 // are valid until the next insertion.
+//
+// Identifiers are indexes of a string table, so an array of 4 bytes for each finds a value without hashing.
 template <typename Value>
 class IdMap {
 public:
     Value* Find(std::int64_t id) {
-        const std::size_t position = PositionOf(id);
-        return position == ids.size() ? nullptr : &values[position];
+        const std::uint32_t place = PlaceOf(id);
+        return place == none ? nullptr : &values[place];
     }
     const Value* Find(std::int64_t id) const {
-        const std::size_t position = PositionOf(id);
-        return position == ids.size() ? nullptr : &values[position];
+        const std::uint32_t place = PlaceOf(id);
+        return place == none ? nullptr : &values[place];
     }
 
     // Returns the value of the identifier. Constructs it from these arguments when there is none.
+    // REQUIRES: id >= 0.
     template <typename... Arguments>
     Value& FindOrMake(std::int64_t id, Arguments&&... arguments) {
-        if (const std::size_t position = PositionOf(id); position < ids.size()) {
-            return values[position];
+        if (const std::uint32_t place = PlaceOf(id); place != none) {
+            return values[place];
         }
-        ids.push_back(id);
+        const auto index = static_cast<std::size_t>(id);
+        if (index >= places.size()) {
+            places.resize(index + 1, none);
+        }
         values.emplace_back(std::forward<Arguments>(arguments)...);
-        if (ids.size() > scanned) {
-            Index();
-        }
+        ids.push_back(id);
+        places[index] = static_cast<std::uint32_t>(values.size() - 1);
         return values.back();
     }
 
@@ -45,36 +48,16 @@ public:
     void clear() { *this = {}; }
 
 private:
-    static constexpr std::size_t scanned = 8; // up to here, scanning is faster than hashing
+    static constexpr std::uint32_t none = 0xffffffffU;
 
-    std::size_t PositionOf(std::int64_t id) const {
-        if (ids.size() > scanned) {
-            const std::uint32_t position =
-                table.Find(hashIdentifier(id), [&](std::uint32_t i) { return ids[i] == id; });
-            return position == PositionTable::none ? ids.size() : position;
-        }
-        std::size_t i = 0;
-        while (i < ids.size() && ids[i] != id) {
-            ++i;
-        }
-        return i;
-    }
-
-    // Adds the newest identifier to the table, or all of them when the table is full or not yet in use.
-    void Index() {
-        std::size_t next = ids.size() - 1;
-        if (table.Full()) {
-            table.Reset(ids.size() * 2);
-            next = 0;
-        }
-        for (; next < ids.size(); ++next) {
-            table.Add(hashIdentifier(ids[next]), static_cast<std::uint32_t>(next));
-        }
+    std::uint32_t PlaceOf(std::int64_t id) const {
+        const auto index = static_cast<std::size_t>(id); // beyond any place for a negative one
+        return index < places.size() ? places[index] : none;
     }
 
     std::vector<std::int64_t> ids;
     std::vector<Value> values;
-    PositionTable table;
+    std::vector<std::uint32_t> places; // in `values`, by identifier
 };
 
 } // namespace torka

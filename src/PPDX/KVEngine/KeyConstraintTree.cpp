@@ -7,6 +7,21 @@
 
 namespace torka {
 
+void KeyConstraintTree::Settle() {
+    if (settled == lines.size()) {
+        return;
+    }
+    const auto fresh = lines.begin() + static_cast<std::ptrdiff_t>(settled);
+    const auto isTaken = [this](const ConstraintRecord& line) { return TakeLater(line); };
+    lines.erase(std::remove_if(fresh, lines.end(), isTaken), lines.end());
+    if (!std::ranges::is_sorted(lines, {}, &ConstraintRecord::option1)) {
+        std::ranges::stable_sort(lines, {}, &ConstraintRecord::option1);
+    }
+    settled = lines.size();
+}
+
+// Takes a line that must follow the tree's wildcard or written-out lines. Returns false when the tree has
+// none; the line then belongs to the array.
 bool KeyConstraintTree::TakeLater(const ConstraintRecord& line) {
     if (extras == nullptr) {
         return false;
@@ -56,7 +71,7 @@ void KeyConstraintTree::CollectRuns(std::int64_t option, std::vector<ConstraintR
 
 void KeyConstraintTree::CollectAllRuns(std::vector<ConstraintRun>& runs) const {
     if (extras == nullptr || extras->written.empty()) {
-        runs.push_back({lines});
+        runs.push_back({std::span(lines)});
         if (extras != nullptr) {
             extras->wildcards.CollectDistinctRuns(runs);
         }

@@ -5,6 +5,7 @@
 #include "PPDX/KVEngine/ItemConstraintList.h"
 #include "PPDX/KVEngine/WildcardLines.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -13,16 +14,18 @@
 
 namespace torka {
 
-// Everything that the options of one key constrain: a list per option. ConstraintForest owns the trees and
-// the lines to which they point.
+// Everything that the options of one key constrain: a list per option. ConstraintForest owns the trees.
 //
-// Most keys only have a range of the forest's array of lines. Lines that omit an option are stored beside it,
-// once each; the lists that contain them are assembled on request. Only disabling writes out such lists, one
-// option at a time.
+// Most keys only have an array of lines. Lines that omit an option are stored beside it, once each; the lists
+// that contain them are assembled on request. Only disabling writes out such lists, one option at a time.
 //
-// Invariants:
-// (1) The range ascends by option, and within one option by line order.
-// (2) An option's list begins with its lines of the range or, once written out, with the pairs of the
+// Each key has an array of its own. One large array for all keys is a quarter slower to fill in a warm
+// process: the allocator returns its pages to the system after each description, and the next one faults them
+// in again.
+//
+// Invariants, between Settle and the next Add:
+// (1) The array ascends by option, and within one option by line order.
+// (2) An option's list begins with its lines of the array or, once written out, with the pairs of the
 // written-out list. The wildcard lines follow that apply to the option and are not written out yet.
 // (3) After the first wildcard line, every later line becomes one too. This keeps the order of insertion.
 class KeyConstraintTree {
@@ -33,11 +36,10 @@ public:
     KeyConstraintTree(KeyConstraintTree&&) noexcept = default;
     KeyConstraintTree& operator=(KeyConstraintTree&&) noexcept = default;
 
-    // Sets the place of the key's lines in the forest's array.
-    void SetLines(std::span<const ConstraintRecord> own) { lines = own; }
-    // Takes a line that must follow the tree's wildcard or written-out lines. Returns false when the tree has
-    // none; the line then belongs to the range.
-    bool TakeLater(const ConstraintRecord& line);
+    // Adds a line. REQUIRES: Settle before the next other call.
+    void Add(const ConstraintRecord& line) { lines.push_back(line); }
+    // Brings the lines added since the last call into their places.
+    void Settle();
     // Appends a line with an empty option; see WildcardLines::Add.
     void InsertWildcard(std::shared_ptr<const OptionRange> from, std::shared_ptr<const OptionRange> to,
                         const ConstraintRecord& line);
@@ -75,6 +77,7 @@ private:
         std::map<std::int64_t, Records> setAside;
     };
 
+    bool TakeLater(const ConstraintRecord& line);
     Extras& More();
     const WrittenList* Written(std::int64_t option) const;
     std::span<const ConstraintRecord> OwnLines(std::int64_t option) const;
@@ -82,7 +85,8 @@ private:
     Records& WriteOut(std::int64_t option);
 
     std::int64_t constrainingKey;
-    std::span<const ConstraintRecord> lines;
+    Records lines;
+    std::size_t settled = 0;        // the number of lines that are in their places
     std::unique_ptr<Extras> extras; // null for most keys
 };
 

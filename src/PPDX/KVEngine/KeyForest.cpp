@@ -48,12 +48,15 @@ void KeyOptions::SortNewItems() const {
     std::sort(sorted.begin(), sorted.end(), before);
 }
 
-void KeyForest::insert(std::int64_t key, std::int64_t option) {
-    std::shared_ptr<KeyOptions>& options = keys.FindOrMake(key);
-    if (options == nullptr) {
-        options = std::make_shared<KeyOptions>();
+void KeyForest::insert(std::int64_t key, std::span<const std::int64_t> options) {
+    if (options.empty()) {
+        return;
     }
-    options->Append(option);
+    std::shared_ptr<KeyOptions>& known = keys.FindOrMake(key);
+    if (known == nullptr) {
+        known = std::make_shared<KeyOptions>();
+    }
+    known->Append(options);
 }
 
 const std::vector<std::int64_t>* KeyForest::GetItems(std::int64_t key) const {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace torka {
@@ -15,7 +16,9 @@ class KVCache;
 // The options of one key in recorded order, duplicates included. Never shrinks.
 class KeyOptions {
 public:
-    void Append(std::int64_t option) { items.push_back(option); }
+    void Append(std::span<const std::int64_t> options) {
+        items.insert(items.end(), options.begin(), options.end());
+    }
     const std::vector<std::int64_t>& Items() const { return items; }
 
     // Returns how often the option occurs among the first `limit` ones.
@@ -38,7 +41,8 @@ public:
     KeyForest(const KeyForest&) = delete;
     KeyForest& operator=(const KeyForest&) = delete;
 
-    void insert(std::int64_t key, std::int64_t option);
+    // Adds nothing, not even the key, without options.
+    void insert(std::int64_t key, std::span<const std::int64_t> options);
     // Returns the key's options, or null when the key was never inserted.
     const std::vector<std::int64_t>* GetItems(std::int64_t key) const;
     std::shared_ptr<const KeyOptions> GetOptions(std::int64_t key) const;

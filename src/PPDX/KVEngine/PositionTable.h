@@ -33,12 +33,15 @@ public:
             return none;
         }
         const auto tag = tagOf(hash);
-        for (std::size_t i = hash & mask();; i = (i + 1) & mask()) {
-            if (slots[i].position == none) {
+        const Slot* const first = slots.data(); // not checked again for each slot
+        const std::size_t last = mask();
+        for (std::size_t i = hash & last;; i = (i + 1) & last) {
+            const Slot slot = first[i];
+            if (slot.position == none) {
                 return none;
             }
-            if (slots[i].tag == tag && matches(slots[i].position)) {
-                return slots[i].position;
+            if (slot.tag == tag && matches(slot.position)) {
+                return slot.position;
             }
         }
     }

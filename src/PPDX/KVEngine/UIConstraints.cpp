@@ -27,19 +27,24 @@ void UIConstraints::KVSInsert(std::string_view keyText, std::string_view optionT
     KVSInsert(key, strings->Insert(optionText));
 }
 
-void UIConstraints::KVSInsert(std::int64_t key, std::int64_t option) { options->insert(key, option); }
+void UIConstraints::KVSInsert(std::int64_t key, std::span<const std::int64_t> optionIds) {
+    options->insert(key, optionIds);
+}
 
 void UIConstraints::Add(std::string_view key1Text, std::string_view option1Text, std::string_view key2Text,
                         std::string_view option2Text, bool requirement) {
-    const std::int64_t key1 = strings->InsertWhole(key1Text);
-    const std::int64_t option1 = strings->InsertWhole(option1Text);
-    const std::int64_t key2 = strings->InsertWhole(key2Text);
-    const std::int64_t option2 = strings->InsertWhole(option2Text);
+    // Most descriptions name the same pair twice, once from each side, or the same key in a row.
+    const SpecialConstraint& last = lastLine;
+    const SpecialConstraint line{strings->InsertWhole(key1Text, last.key2, last.key1),
+                                 strings->InsertWhole(option1Text, last.option2, last.option1),
+                                 strings->InsertWhole(key2Text, last.key1, last.key2),
+                                 strings->InsertWhole(option2Text, last.option1, last.option2), requirement};
     if (option1Text.empty() || option2Text.empty()) {
-        deferred.push_back({key1, option1, key2, option2, requirement});
+        deferred.push_back(line);
     } else {
-        (requirement ? requirements : constraints)->insert(key1, option1, key2, option2);
+        (requirement ? requirements : constraints)->insert(line.key1, line.option1, line.key2, line.option2);
     }
+    lastLine = line;
 }
 
 void UIConstraints::Resolve() {

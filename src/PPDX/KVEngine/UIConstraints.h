@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -29,8 +30,8 @@ public:
     UIConstraints(const UIConstraints&) = delete;
     UIConstraints& operator=(const UIConstraints&) = delete;
 
-    // Records an option of a key, in the order of the calls. The same option may be recorded twice.
-    void KVSInsert(std::int64_t key, std::int64_t option);
+    // Records options of a key, in the order of the calls. The same option may be recorded twice.
+    void KVSInsert(std::int64_t key, std::span<const std::int64_t> optionIds);
 
     // Records one constraint line; a requirement demands instead of forbidding. An empty option text means
     // every option of that key and waits for Resolve(). REQUIRES: no NUL in any text.
@@ -62,7 +63,8 @@ public:
     ConstraintsEngine* GetEngine();
 
     // Given interface; no caller here
-    // As KVSInsert above, by name.
+    // As KVSInsert above, for one option, by identifier or by name.
+    void KVSInsert(std::int64_t key, std::int64_t option) { KVSInsert(key, std::span(&option, 1)); }
     void KVSInsert(std::string_view keyText, std::string_view optionText);
     // Returns true when the change set has no conflicts with the selections that result from it.
     bool ValidateDelta(const KVCache& changeSet);
@@ -75,6 +77,7 @@ private:
     std::unique_ptr<KVCache> selections;
     std::unique_ptr<KeyForest> options;
     std::vector<SpecialConstraint> deferred;
+    SpecialConstraint lastLine; // that Add took
 };
 
 } // namespace torka

@@ -31,7 +31,7 @@ inline constexpr _DISPLAY_OPTIONS_ kDisplayHidden = 2;
 // Initially 0. Written by ZANPPD::Options, IncludeOrphans, IncludeHidden, ExcludeOrphans and ExcludeHidden.
 extern _DISPLAY_OPTIONS_ gDisplayOptions;
 
-// Set by PPDStream::GetLine at the line "*% End of PPD file". While it is set, no line of any description is
+// Set by PPDStream::TakeLine at the line "*% End of PPD file". While it is set, no line of any description is
 // read. Reset at the start of a parse (PPDX::StartReading) and by a new pane.
 extern bool gEndOfPPD;
 

@@ -48,6 +48,10 @@ public:
                     return at + __builtin_ctz(static_cast<unsigned>(found));
                 }
             }
+            if (text.size() >= 16) { // looks at the last 16 bytes; those before `at` end no token
+                const int found = searched.Matches(end - 16);
+                return found != 0 ? end - 16 + __builtin_ctz(static_cast<unsigned>(found)) : end;
+            }
         }
 #endif
         while (at != end && !EndsToken(*at)) {

@@ -126,12 +126,13 @@ inline constexpr auto firstOfLength = [] {
 // The row of a keyword; elementKeywords.size() for none. By number: gcc 12 compares no address with null in a
 // constant expression under -fsanitize=undefined.
 constexpr std::size_t elementRow(std::string_view keyword) {
-    if (keyword.size() > longestElementKeyword) {
+    if (keyword.empty() || keyword.size() > longestElementKeyword) {
         return elementKeywords.size();
     }
     const std::size_t end = firstOfLength[keyword.size() + 1];
     for (std::size_t at = firstOfLength[keyword.size()]; at < end; ++at) {
-        if (elementKeywords[at].keyword == keyword) {
+        const std::string_view known = elementKeywords[at].keyword;
+        if (known.back() == keyword.back() && known == keyword) { // few keywords share length and last letter
             return at;
         }
     }

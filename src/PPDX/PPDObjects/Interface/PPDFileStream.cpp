@@ -39,40 +39,50 @@ bool PPDFileStream::Setup() {
         return false;
     }
     PPDStream::Setup(buffer.get(), count);
-    // Most files hold neither byte. The lines then need no search for them.
-    const auto size = static_cast<std::size_t>(count);
-    mayHoldReturns = count > 0 && std::memchr(buffer.get(), '\r', size) != nullptr;
-    mayHoldEndBytes = count > 0 && std::memchr(buffer.get(), 0xFF, size) != nullptr;
+    // Most files hold none of these bytes. The lines then need no search for them.
+    const auto holds = [bytes = Remaining()](int byte) {
+        return !bytes.empty() && std::memchr(bytes.data(), byte, bytes.size()) != nullptr;
+    };
+    mayHoldReturns = holds('\r');
+    mayHoldEndBytes = holds(0xFF);
+    mayHoldNuls = holds('\0');
     if (count == 0) {
         status = kStreamEndOfFile;
     }
     return Good();
 }
 
-bool PPDFileStream::GetLine(char* line) {
+bool PPDFileStream::TakeLine(std::string_view& line) {
     if (hasHandedBack) {
         hasHandedBack = false;
-        std::memcpy(line, handedBack.data(), handedBack.size());
+        line = lastLine;
         status = statusAfterHandedBack;
         return resultOfLast;
     }
-    resultOfLast = PPDStream::GetLine(line) || FixLine(line);
+    lineMayHoldNul = mayHoldNuls;
+    resultOfLast = PPDStream::TakeLine(line) || FixLine(line);
+    lastLine = line;
     return resultOfLast;
 }
 
-bool PPDFileStream::FixLine(char* line) {
-    while (chunked && EndOfFile() && !gEndOfPPD && Setup()) {
-        if (ReadLineInto(line, lineLength)) {
-            return true;
-        }
+bool PPDFileStream::FixLine(std::string_view& line) {
+    if (!chunked || !EndOfFile() || gEndOfPPD) {
+        return false;
     }
-    return false;
+    std::size_t length = line.copy(joined.data(), line.size()); // the next piece overwrites it
+    line = {joined.data(), length};
+    bool isEnded = false;
+    while (!isEnded && EndOfFile() && Setup()) {
+        lineMayHoldNul = lineMayHoldNul || mayHoldNuls;
+        const std::string_view part = TakePart(lineLimit - length);
+        length += part.copy(joined.data() + length, part.size());
+        line = {joined.data(), length};
+        isEnded = TakeEnd(line);
+    }
+    return isEnded;
 }
 
-void PPDFileStream::UngetLine(const char* line) {
-    const std::size_t length = strnlen(line, kLineCapacity - 1);
-    std::copy_n(line, length, handedBack.begin());
-    handedBack[length] = '\0';
+void PPDFileStream::UngetLine() {
     statusAfterHandedBack = status;
     status = kStreamGood;
     hasHandedBack = true;

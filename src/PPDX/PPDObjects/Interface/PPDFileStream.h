@@ -15,7 +15,7 @@ namespace torka {
 
 class PPDFile;
 
-class PPDFileStream : public PPDStream {
+class PPDFileStream final : public PPDStream {
 public:
     static constexpr long kPieceCapacity = 32'768; // fits the processor's cache
 
@@ -26,17 +26,19 @@ public:
     PPDFileStream& operator=(const PPDFileStream&) = delete;
     ~PPDFileStream() override;
 
-    bool GetLine(char* line) override;
-    // Returns the last line to the stream. The next GetLine gives `line` with the same result, status and
-    // line number, whatever the end-of-PPD flag is. Holds one line: a second call replaces the first.
-    void UngetLine(const char* line);
+    bool TakeLine(std::string_view& line) override;
+    // Returns the last line to the stream. The next TakeLine gives it with the same result, status and line
+    // number, whatever the end-of-PPD flag is.
+    void UngetLine();
+    // Returns false when the last line surely holds no NUL.
+    bool LineMayHoldNul() const { return lineMayHoldNul; }
 
 private:
     // Loads the next piece. Returns false without one: with status 2 at the end of the file, else with status
     // 1.
     bool Setup();
-    // Completes a line that the end of its piece cut off. Returns what GetLine returns.
-    bool FixLine(char* line);
+    // Completes a line that the end of its piece cut off. Returns what TakeLine returns.
+    bool FixLine(std::string_view& line);
 
     std::unique_ptr<char[]> buffer;
     long capacity = 0;
@@ -44,7 +46,11 @@ private:
     bool chunked = false;
     PPDFile* file = nullptr;
 
-    std::array<char, kLineCapacity> handedBack{};
+    std::array<char, kLineCapacity> joined{}; // holds a line that spans pieces
+    std::string_view lastLine;
+    bool mayHoldNuls = true; // false when the piece holds none
+    bool lineMayHoldNul = true;
+
     PPDStreamStatus statusAfterHandedBack = kStreamGood;
     bool resultOfLast = false;
     bool hasHandedBack = false;

@@ -6,12 +6,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 namespace torka {
 
 namespace {
 
-constexpr std::size_t lineLimit = kLineCapacity - 1;
 constexpr std::string_view endMark = "*% End of PPD file";
 constexpr char endByte = '\xFF';
 // Keeps a binary file from flooding the log with one line for each byte 0xFF.
@@ -26,13 +26,6 @@ const char* findByte(const char* from, const char* to, char byte) {
 
 } // namespace
 
-void PPDStream::Setup(const char* bytes, long length) {
-    const bool isUsable = bytes != nullptr && length > 0;
-    start = cursor = isUsable ? bytes : nullptr;
-    end = isUsable ? bytes + length : nullptr;
-    status = isUsable ? kStreamGood : kStreamBad;
-}
-
 bool PPDStream::GetChar(char& character) {
     const bool hasMore = cursor != end;
     character = hasMore ? *cursor++ : endByte;
@@ -40,77 +33,73 @@ bool PPDStream::GetChar(char& character) {
     return hasMore;
 }
 
-int PPDStream::PeekChar() const { return cursor != end ? static_cast<signed char>(*cursor) : -1; }
-
-void PPDStream::SkipWhiteSpace() {
-    while (cursor != end && (*cursor == ' ' || *cursor == '\t')) {
-        ++cursor;
-    }
+bool PPDStream::GetLine(char* line) {
+    std::string_view text;
+    const bool isEnded = TakeLine(text);
+    *std::copy(text.begin(), text.end(), line) = '\0';
+    return isEnded;
 }
 
-void PPDStream::Skip(std::size_t count) { cursor += std::min(count, Remaining().size()); }
-
-bool PPDStream::GetLine(char* line) {
+bool PPDStream::TakeLine(std::string_view& line) {
     if (gEndOfPPD) {
         myNSLogC("FIT208051");
-        line[0] = '\0';
-        lineLength = 0;
+        line = {};
         return false;
     }
-    return ReadLineInto(line, 0);
+    lineNumber = nextLineNumber;
+    line = TakePart(lineLimit);
+    return TakeEnd(line);
 }
 
-bool PPDStream::ReadLineInto(char* line, std::size_t used) {
-    const std::size_t wanted = lineLimit - used;
-    const std::size_t available = std::min(wanted, Remaining().size());
-    const char* stop = cursor;
-    if (cursor != end) {
-        stop = findByte(cursor, cursor + available, '\n');
-        stop = mayHoldReturns ? findByte(cursor, stop, '\r') : stop;
-        stop = mayHoldEndBytes ? findByte(cursor, stop, endByte) : stop;
+std::string_view PPDStream::TakePart(std::size_t limit) {
+    if (cursor == end) {
+        return {};
     }
-    const auto taken = static_cast<std::size_t>(stop - cursor);
-    if (used == 0) {
-        lineNumber = nextLineNumber;
+    const char* const first = cursor;
+    cursor = findByte(first, first + std::min(limit, Remaining().size()), '\n');
+    if (mayHoldReturns || mayHoldEndBytes) {
+        cursor = findByte(first, cursor, '\r');
+        cursor = findByte(first, cursor, endByte);
     }
-    std::copy_n(cursor, taken, line + used);
-    cursor = stop;
-    lineLength = used + taken;
-    line[lineLength] = '\0';
+    return {first, static_cast<std::size_t>(cursor - first)};
+}
+
+bool PPDStream::TakeEnd(std::string_view& line) {
     lineWasCut = false;
-    if (taken == available) {
-        afterReturn = afterReturn && lineLength == 0;
-        if (lineLength == lineLimit) {
-            status = kStreamGood;
-            lineWasCut = cursor == end || (*cursor != '\r' && *cursor != '\n');
-        } else {
-            status = kStreamEndOfFile;
-        }
+    if (cursor == end || line.size() == lineLimit) {
+        EndUnterminated(line);
         return false;
     }
     const char terminator = *cursor++;
     status = kStreamGood;
     if (terminator == endByte) {
         if (loggedBytes++ < maximumLoggedBytes) {
-            myNSLogC("PPDStream::GetLine theChar == EOF, i %d \n", static_cast<int>(lineLength));
+            myNSLogC("PPDStream::GetLine theChar == EOF, i %d \n", static_cast<int>(line.size()));
         }
         afterReturn = false;
         return false;
     }
-    EndLine(terminator, lineLength == 0);
-    if (std::string_view(line, lineLength).starts_with(endMark)) {
-        myNSLogC("%s", line);
-        gEndOfPPD = true;
-        line[0] = '\0';
-        lineLength = 0;
+    const bool endsPair = terminator == '\n' && afterReturn && line.empty();
+    nextLineNumber += endsPair ? 0 : 1;
+    afterReturn = terminator == '\r';
+    if (line.starts_with(endMark)) {
+        EndDescription(line);
     }
     return true;
 }
 
-void PPDStream::EndLine(char terminator, bool isEmpty) {
-    const bool endsPair = terminator == '\n' && afterReturn && isEmpty;
-    nextLineNumber += endsPair ? 0 : 1;
-    afterReturn = terminator == '\r';
+void PPDStream::EndDescription(std::string_view& line) {
+    myNSLogC("%s", std::string(line).c_str());
+    gEndOfPPD = true;
+    line = {};
+}
+
+// Ends a line at the limit or at the end of the data.
+void PPDStream::EndUnterminated(std::string_view line) {
+    const bool isFull = line.size() == lineLimit;
+    afterReturn = afterReturn && line.empty();
+    status = isFull ? kStreamGood : kStreamEndOfFile;
+    lineWasCut = isFull && (cursor == end || (*cursor != '\r' && *cursor != '\n'));
 }
 
 std::string_view PPDStream::TakeToken(const DelimiterSet& delimiters, bool trim) {
@@ -118,21 +107,21 @@ std::string_view PPDStream::TakeToken(const DelimiterSet& delimiters, bool trim)
         SkipWhiteSpace();
     }
     const char* const first = cursor;
-    const char* const limit = cursor + std::min(lineLimit, Remaining().size());
+    const std::size_t limit = std::min(lineLimit, Remaining().size());
+    const char* last = delimiters.FindEnd({first, limit});
+    cursor = last;
     status = kStreamGood;
-    cursor = delimiters.FindEnd({first, static_cast<std::size_t>(limit - first)});
-    std::string_view token(first, static_cast<std::size_t>(cursor - first));
-    if (cursor != limit) {
+    if (const auto length = static_cast<std::size_t>(last - first); length != limit) {
         const char terminator = *cursor++;
         const bool isPair = terminator == '\r' && !delimiters.Contains('\r') && PeekChar() == '\n';
         cursor += isPair ? 1 : 0;
-    } else if (token.size() < lineLimit) {
+    } else if (length < lineLimit) {
         status = kStreamEndOfFile;
     }
-    while (trim && !token.empty() && (token.back() == ' ' || token.back() == '\t')) {
-        token.remove_suffix(1);
+    while (trim && last != first && (last[-1] == ' ' || last[-1] == '\t')) {
+        --last;
     }
-    return token;
+    return {first, static_cast<std::size_t>(last - first)};
 }
 
 } // namespace torka

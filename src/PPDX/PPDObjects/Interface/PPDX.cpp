@@ -24,19 +24,6 @@ bool endsValue(std::string_view line) {
 
 } // namespace
 
-// Collects the bytes of a value as far as they fit.
-struct PPDX::ValueWriter {
-    char* out;
-    std::size_t room; // without the bytes written at the end
-    std::size_t length = 0;
-
-    void Append(std::string_view text) {
-        const std::size_t count = std::min(text.size(), room - length);
-        std::copy_n(text.data(), count, out + length);
-        length += count;
-    }
-};
-
 PPDX::PPDX() = default;
 
 PPDX::~PPDX() = default;
@@ -83,7 +70,8 @@ bool PPDX::ParsePSKeywords(PPDStream& stream, const char* keyword) {
 }
 
 void PPDX::RemakeConverter() {
-    SetApplicationTextEncoding(TextConverter::GetPPDEncoding(this));
+    textEncoding = TextConverter::GetPPDEncoding(this);
+    SetApplicationTextEncoding(textEncoding);
     if (languageVersion && languageEncoding) {
         textConverter = std::make_unique<TextConverter>(this);
     }
@@ -104,96 +92,105 @@ bool PPDX::RestOfLine(PPDStream& stream, char* value) {
 
 long PPDX::GetQuotedString(PPDStream& stream, char* out, long capacity) {
     const bool hasRoom = out != nullptr && capacity > 0;
-    ValueWriter writer{out, hasRoom ? static_cast<std::size_t>(capacity) - 1 : 0};
-    CopyValue(stream, writer, false);
+    const std::size_t room = hasRoom ? static_cast<std::size_t>(capacity) - 1 : 0;
+    const std::string_view value = TakeValue(stream, room, false);
     if (hasRoom) {
-        out[writer.length] = '\0';
+        *std::copy(value.begin(), value.end(), out) = '\0';
     }
-    return writer.length > 0 ? static_cast<long>(writer.length) + 1 : 0;
+    return value.empty() ? 0 : static_cast<long>(value.size()) + 1;
 }
 
 long PPDX::GetPostscriptString(PPDStream& stream, char* out, long capacity) {
     const bool hasRoom = out != nullptr && capacity > 0;
-    ValueWriter writer{out, hasRoom && capacity > 2 ? static_cast<std::size_t>(capacity) - 2 : 0};
-    const ValueEnd ending = CopyValue(stream, writer, true);
+    const std::size_t room = hasRoom && capacity > 2 ? static_cast<std::size_t>(capacity) - 2 : 0;
+    const std::string_view value = TakeValue(stream, room, true);
     if (!hasRoom) {
         return 0;
     }
-    if (ending == ValueEnd::endOfFile || writer.length == 0) {
-        out[0] = '\0';
-        return 0;
+    char* end = std::copy(value.begin(), value.end(), out);
+    if (end != out) {
+        *end++ = '\n';
     }
-    out[writer.length++] = '\n';
-    out[writer.length] = '\0';
-    return static_cast<long>(writer.length) + 1;
+    *end = '\0';
+    return value.empty() ? 0 : end - out + 1;
 }
 
-PPDX::ValueEnd PPDX::CopyValue(PPDStream& stream, ValueWriter& writer, bool isPostscript) {
-    std::string_view text = stream.Remaining();
-    text = text.substr(0, std::min(text.find('\r'), text.find('\n')));
-    const std::size_t opening = text.find('"');
-    if (opening == std::string_view::npos) {
-        stream.Skip(text.size());
-        return ValueEnd::closed;
+std::string_view PPDX::TakeValue(PPDStream& stream, std::size_t room, bool isPostscript) {
+    static constexpr DelimiterSet quote("\"");
+    const std::string_view line = stream.Remaining();
+    const auto opening = static_cast<std::size_t>(quote.FindEnd(line) - line.data());
+    if (opening == line.size() || line[opening] != '"') {
+        stream.Skip(opening);
+        return {};
     }
-    text.remove_prefix(opening + 1);
-    const std::size_t closing = text.find('"');
-    stream.Skip(opening + 1 + (closing == std::string_view::npos ? text.size() : closing + 1));
-    writer.Append(text.substr(0, closing));
-    if (closing != std::string_view::npos) {
-        return ValueEnd::closed;
+    const std::string_view rest = line.substr(opening + 1);
+    const auto length = static_cast<std::size_t>(quote.FindEnd(rest) - rest.data());
+    const bool isClosed = length < rest.size() && rest[length] == '"';
+    stream.Skip(opening + 1 + length + (isClosed ? 1 : 0));
+    const std::string_view start = rest.substr(0, std::min(length, room));
+    if (isClosed) {
+        return start;
     }
+    longValue = start;
+    const bool hasEnd = ReadRestOfValue(room, isPostscript);
+    return hasEnd || !isPostscript ? std::string_view(longValue) : std::string_view();
+}
+
+// Returns false at the end of the file.
+bool PPDX::ReadRestOfValue(std::size_t room, bool isPostscript) {
     const std::uint32_t opened = LineNumber();
-    const auto unclosed = [&](ValueEnd ending) {
+    const auto noteUnclosed = [&] {
         if (unclosedValues.size() < maximumUnclosedValues) {
             unclosedValues.push_back(opened);
         }
-        return ending;
     };
-    char line[kLineCapacity];
-    while (ReadNonEmptyLine(line)) {
-        text = line;
+    const auto append = [&](std::string_view text) { longValue += text.substr(0, room - longValue.size()); };
+    std::string_view text;
+    while (ReadNonEmptyLine(text)) {
         if (isPostscript && text.starts_with("*%") && !endsValue(text)) {
             text.remove_prefix(2);
         } else if (text.front() == '*') {
-            PushBackLine(line);
-            return unclosed(ValueEnd::nextElement);
+            PushBackLine();
+            noteUnclosed();
+            return true;
         }
         if (isPostscript) {
-            writer.Append("\n");
+            append("\n");
         }
         const std::size_t quote = text.find('"');
-        writer.Append(text.substr(0, quote));
+        append(text.substr(0, quote));
         if (quote != std::string_view::npos) {
-            return ValueEnd::closed;
+            return true;
         }
     }
-    return unclosed(ValueEnd::endOfFile);
+    noteUnclosed();
+    return false;
 }
 
-bool PPDX::ReadLine(char* line) {
+bool PPDX::ReadLine(std::string_view& line) {
     if (!fileStream) {
-        line[0] = '\0';
+        line = {};
         return false;
     }
-    if (fileStream->GetLine(line) || line[0] != '\0') {
-        return true;
+    const bool isEnded = fileStream->TakeLine(line);
+    if (fileStream->LineMayHoldNul()) {
+        line = line.substr(0, line.find('\0'));
     }
-    return !fileStream->EndOfFile() && !fileStream->Bad() && !gEndOfPPD;
+    return isEnded || !line.empty() || (!fileStream->EndOfFile() && !fileStream->Bad() && !gEndOfPPD);
 }
 
-bool PPDX::ReadNonEmptyLine(char* line) {
+bool PPDX::ReadNonEmptyLine(std::string_view& line) {
     while (ReadLine(line)) {
-        if (line[0] != '\0') {
+        if (!line.empty()) {
             return true;
         }
     }
     return false;
 }
 
-void PPDX::PushBackLine(const char* line) {
-    if (fileStream && line != nullptr) {
-        fileStream->UngetLine(line);
+void PPDX::PushBackLine() {
+    if (fileStream) {
+        fileStream->UngetLine();
     }
 }
 
@@ -205,6 +202,11 @@ bool PPDX::StartReading(std::unique_ptr<PPDFileStream> stream) {
     SetApplicationTextEncoding(kCFStringEncodingUnknown);
     fileStream = std::move(stream);
     return fileStream && !fileStream->Bad();
+}
+
+void PPDX::StopReading() {
+    fileStream.reset();
+    std::string().swap(longValue);
 }
 
 } // namespace torka

@@ -9,12 +9,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 // The standard part of a printer description: its header values, and the reading of tokens and quoted values.
 //
 // Owns its header values and text converter, and the file stream from StartReading to StopReading. `stream`
-// below is a cursor over the current line. Further lines come from the file stream.
+// below is a cursor over the current line. Further lines come from the file stream; after reading one,
+// `stream` is no longer valid.
 
 namespace torka {
 
@@ -43,6 +46,8 @@ public:
     const CString* DialogExtension() const { return dialogExtension.get(); }
     // Returns null until both the language version and the language encoding are known.
     TextConverter* Converter() const { return textConverter.get(); }
+    // Returns the encoding of the converter.
+    CFStringEncoding TextEncoding() const { return textEncoding; }
 
     // Returns the path of the dialog extension for the queue; "" when the description names none.
     const char* PathToPDE() const;
@@ -70,13 +75,14 @@ public:
     // the file ends before the value.
     long GetPostscriptString(PPDStream& stream, char* out, long capacity);
 
-    // Reads the next line into kLineCapacity bytes. Returns false when there is none: at the end of the file
-    // or of the description, or without a file. Loops that search for a line end then.
-    bool ReadLine(char* line);
+    // Reads the next line up to its first NUL. `line` gets a view that the next reading of a line, or of a
+    // value of several lines, ends. Returns false when there is none: at the end of the file or of the
+    // description, or without a file. Loops that search for a line end then.
+    bool ReadLine(std::string_view& line);
     // Does the same, but skips empty lines.
-    bool ReadNonEmptyLine(char* line);
+    bool ReadNonEmptyLine(std::string_view& line);
     // Returns the last line to the stream; the next ReadLine gives it again.
-    void PushBackLine(const char* line);
+    void PushBackLine();
     // Returns the number of the last line read, from 1; 0 before the first.
     std::uint32_t LineNumber() const;
     // Returns the lines, ascending, on which quoted values without a closing quote began; the first 10,000 of
@@ -84,10 +90,15 @@ public:
     const std::vector<std::uint32_t>& UnclosedValues() const { return unclosedValues; }
 
 protected:
+    // Reads the value of GetQuotedString or, for PostScript, of GetPostscriptString without the line feed at
+    // its end, and cuts it to `room` bytes. Returns a view of the line, or of a copy that the next value
+    // ends.
+    std::string_view TakeValue(PPDStream& stream, std::size_t room, bool isPostscript);
+
     // Takes the stream, resets the end-of-PPD flag, and sets the application's text encoding to UTF-8 until
     // the description names its own. Returns false when the stream is bad.
     bool StartReading(std::unique_ptr<PPDFileStream> stream);
-    void StopReading() { fileStream.reset(); }
+    void StopReading();
 
     using HeaderValue = std::unique_ptr<CString>;
     HeaderValue formatVersion;
@@ -101,13 +112,13 @@ protected:
     HeaderValue dialogExtension;
 
 private:
-    struct ValueWriter;
-    enum class ValueEnd { closed, nextElement, endOfFile };
-    ValueEnd CopyValue(PPDStream& stream, ValueWriter& writer, bool isPostscript);
+    bool ReadRestOfValue(std::size_t room, bool isPostscript);
     void RemakeConverter();
 
     std::unique_ptr<TextConverter> textConverter;
+    CFStringEncoding textEncoding = kCFStringEncodingUnknown;
     std::unique_ptr<PPDFileStream> fileStream;
+    std::string longValue; // of several lines; kept for its capacity while reading
     std::vector<std::uint32_t> unclosedValues;
 };
 

@@ -2,7 +2,6 @@
 #include "PPDX/PPDObjects/Interface/PostscriptStore.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace torka {
 
@@ -17,27 +16,29 @@ unsigned char* PostscriptStore::NewBlock(std::size_t size) {
     return blocks.back().get();
 }
 
-const unsigned char* PostscriptStore::Keep(std::string_view bytes) {
-    if (bytes.empty()) {
+const unsigned char* PostscriptStore::Keep(std::string_view bytes, std::string_view ending) {
+    const std::size_t size = bytes.size() + ending.size();
+    if (size == 0) {
         return nullptr;
     }
-    unsigned char* place = next;
-    if (bytes.size() > available) {
+    const auto fill = [&](unsigned char* place) {
+        char* const text = reinterpret_cast<char*>(place);
+        ending.copy(text + bytes.copy(text, bytes.size()), ending.size());
+        return place;
+    };
+    if (size > available) {
         // Block sizes grow with the content, so that a small description needs little memory.
         const std::size_t block = std::clamp(capacity / 4, smallestBlock, largestBlock);
-        if (bytes.size() > block / 4) {
-            place = NewBlock(bytes.size());
-            std::memcpy(place, bytes.data(), bytes.size());
-            return place;
+        if (size > block / 4) {
+            return fill(NewBlock(size));
         }
-        place = NewBlock(block);
-        next = place;
+        next = NewBlock(block);
         available = block;
     }
-    std::memcpy(place, bytes.data(), bytes.size());
-    next += bytes.size();
-    available -= bytes.size();
-    return place;
+    unsigned char* const place = next;
+    next += size;
+    available -= size;
+    return fill(place);
 }
 
 } // namespace torka

@@ -18,8 +18,8 @@ public:
     PostscriptStore(const PostscriptStore&) = delete;
     PostscriptStore& operator=(const PostscriptStore&) = delete;
 
-    // Returns null for no bytes.
-    const unsigned char* Keep(std::string_view bytes);
+    // Stores the bytes and then those of `ending`. Returns null for no bytes.
+    const unsigned char* Keep(std::string_view bytes, std::string_view ending = {});
 
 private:
     unsigned char* NewBlock(std::size_t size);

@@ -207,10 +207,10 @@ void ZANPPD::Parse() {
 }
 
 bool ZANPPD::TestPPDFile() {
-    std::array<char, kLineCapacity> text;
+    std::string_view text;
     std::array<char, kLineCapacity> value;
-    if (ReadLine(text.data())) {
-        PPDStream line{std::string_view(text.data())};
+    if (ReadLine(text)) {
+        PPDStream line(text);
         if (TakeMainKeyword(line) == "*PPD-Adobe" &&
             GetQuotedString(line, value.data(), static_cast<long>(value.size())) > 1 &&
             std::string_view(value.data()) == "4.3") {
@@ -223,23 +223,24 @@ bool ZANPPD::TestPPDFile() {
 
 void ZANPPD::ParseLines() {
     const bool stopsAtAnnotation = hostStopsAtAnnotation();
-    std::array<char, kLineCapacity> text;
+    std::string_view line;
     const std::size_t errorsBefore = errors->Count();
     const std::uint64_t shortagesBefore = gMemoryShortages;
-    while (ReadNonEmptyLine(text.data())) {
-        const std::string_view line(text.data());
-        ParseLine(text.data(), line);
+    while (ReadNonEmptyLine(line)) {
+        // Looks first: the line is gone when its value goes on in further lines.
+        const bool isLast = stopsAtAnnotation && contains(line, "APLANNOTATE END");
+        ParseLine(line);
         if (hasFatalError || gMemoryShortages != shortagesBefore ||
             (stopOnFirstError && errors->Count() > errorsBefore)) {
             return;
         }
-        if (stopsAtAnnotation && contains(line, "APLANNOTATE END")) {
+        if (isLast) {
             return;
         }
     }
 }
 
-void ZANPPD::ParseLine(const char* text, std::string_view line) {
+void ZANPPD::ParseLine(std::string_view line) {
     PPDStream stream(line);
     const std::string_view keyword = TakeMainKeyword(stream);
     const LineKind kind = lineKind(keyword);
@@ -283,7 +284,7 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
         return;
     }
     if (contains(line, "*DMT_Injection")) {
-        dmtInjection.append(text).push_back('\n');
+        dmtInjection.append(line).push_back('\n');
         return;
     }
     if (keyword.starts_with('*') && keyword.size() < kLineCapacity) {
@@ -293,7 +294,7 @@ void ZANPPD::ParseLine(const char* text, std::string_view line) {
         // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
         const bool isTaken = ParsePSKeywords(stream, name.data());
         if (lint) {
-            checkHeaderLine(*lint, lineRead, keyword, isTaken ? this : nullptr);
+            checkHeaderLine(*lint, lineRead, name.data(), isTaken ? this : nullptr);
         }
     }
 }

@@ -216,7 +216,7 @@ private:
     void Reset();
     bool TestPPDFile();
     void ParseLines();
-    void ParseLine(const char* text, std::string_view line);
+    void ParseLine(std::string_view line);
     bool TakeElements(std::size_t count);
     void Report(PPDErr code, std::string_view keyword, long line);
     long Line() const { return static_cast<long>(LineNumber()); }
@@ -230,6 +230,7 @@ private:
     CFStringRef Localized(std::string_view text, std::string_view keyword, long line);
     void CheckText(std::string_view text, std::string_view keyword, long line);
     ChoiceName NameOfChoice(const NamedToken& token, long line);
+    std::string_view Keep(std::string_view text);
     PostscriptBytes TakePostscript(PPDStream& line);
 
     // Control definitions (ZANPPDControls.cpp)

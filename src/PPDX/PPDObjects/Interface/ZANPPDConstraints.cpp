@@ -23,15 +23,14 @@ std::string_view takeText(PPDStream& line) {
 
 // Removes the next text between blanks from a line without line end and of at most 255 characters.
 std::string_view takeWord(std::string_view& line) {
-    std::size_t begin = 0;
-    while (begin < line.size() && (line[begin] == ' ' || line[begin] == '\t')) {
-        ++begin;
+    const char* first = line.data();
+    const char* const end = first + line.size();
+    while (first != end && (*first == ' ' || *first == '\t')) {
+        ++first;
     }
-    line.remove_prefix(begin);
-    const auto length = static_cast<std::size_t>(blanks.FindEnd(line) - line.data());
-    const std::string_view word = line.substr(0, length);
-    line.remove_prefix(length);
-    return word;
+    const char* const last = blanks.FindEnd({first, static_cast<std::size_t>(end - first)});
+    line = {last, static_cast<std::size_t>(end - last)};
+    return {first, static_cast<std::size_t>(last - first)};
 }
 
 // Returns the number after the marker, 0 when there is none.
@@ -128,20 +127,19 @@ void ZANPPD::ParseSpecialOption(PPDStream& line) {
 // Skips a management template in its packed form, which this parser does not support.
 void ZANPPD::SkipTemplateBlock() {
     static constexpr std::string_view marker = "*DMT_X0000: ";
-    std::array<char, kLineCapacity> text;
-    if (!ReadNonEmptyLine(text.data())) {
+    std::string_view first;
+    if (!ReadNonEmptyLine(first)) {
         myNSLogC("ZANPPD::ParseSpecialOption '*DMT_X0000: ' not found");
         return;
     }
-    const std::string_view first(text.data());
     const std::size_t place = first.find(marker);
     if (place == std::string_view::npos) {
-        PushBackLine(text.data());
+        PushBackLine();
         myNSLogC("ZANPPD::ParseSpecialOption '*DMT_X0000: ' not found");
         return;
     }
     for (long left = templateLineCount(first.substr(place + marker.size())); left > 0; --left) {
-        if (!ReadNonEmptyLine(text.data())) {
+        if (std::string_view packed; !ReadNonEmptyLine(packed)) {
             break;
         }
     }

@@ -5,6 +5,7 @@
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 
 #include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/TextHash.h"
 
 #include <algorithm>
 #include <array>
@@ -36,7 +37,8 @@ struct ZANPPD::ChoiceBlock {
     enum class Kind { boolean, pickOne, pickMany };
 
     Kind kind = Kind::pickOne;
-    std::int64_t key = -1; // identifier of the keyword in the constraint store
+    std::int64_t key = -1;               // identifier of the keyword in the constraint store
+    std::vector<std::int64_t> optionIds; // those of the options
     PopupItems items;
     std::vector<std::string> branchNames; // of the true and the false branch
     std::array<BooleanBranch, 2> branches;
@@ -136,19 +138,19 @@ void ZANPPD::ParseControlFlags(PPDStream& line) {
         lint->CheckControlFlags(draft.line, draft.keyword, draft.flags);
     }
 
-    std::array<char, kLineCapacity> text;
-    if (draft.keyword.empty() || !ReadNonEmptyLine(text.data())) {
+    std::string_view text;
+    if (draft.keyword.empty() || !ReadNonEmptyLine(text)) {
         Report(PPDErr_ControlParsing, draft.keyword, draft.line);
         return;
     }
-    PPDStream next{std::string_view(text.data())};
+    PPDStream next(text);
     const LineKind kind = lineKind(TakeMainKeyword(next));
     if (kind == LineKind::group) {
         ParseGroupLine(next, draft);
     } else if (kind == LineKind::openBlock || kind == LineKind::openMakersBlock) {
         ParseOpenUI(next, draft, BlockStyle::Of(kind));
     } else {
-        PushBackLine(text.data());
+        PushBackLine();
         Report(PPDErr_ControlParsing, draft.keyword, draft.line);
     }
 }
@@ -167,12 +169,12 @@ void ZANPPD::ParseGroupLine(PPDStream& line, ControlDraft& draft) {
         lint->GroupLine(groupLine, draft.keyword, groupName, draft.group);
     }
 
-    std::array<char, kLineCapacity> text;
-    if (!ReadNonEmptyLine(text.data())) {
+    std::string_view text;
+    if (!ReadNonEmptyLine(text)) {
         Report(PPDErr_GroupParsing, draft.keyword, groupLine);
         return;
     }
-    PPDStream next{std::string_view(text.data())};
+    PPDStream next(text);
     switch (const LineKind kind = lineKind(TakeMainKeyword(next))) {
     case LineKind::jobNote:
         return ParseJobNote(next, &draft);
@@ -183,7 +185,7 @@ void ZANPPD::ParseGroupLine(PPDStream& line, ControlDraft& draft) {
     case LineKind::openMakersBlock:
         return ParseOpenUI(next, draft, BlockStyle::Of(kind));
     default:
-        PushBackLine(text.data());
+        PushBackLine();
         Report(PPDErr_GroupParsing, draft.keyword, groupLine);
     }
 }
@@ -221,6 +223,7 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
     block.items = std::move(choiceRoom);
     block.key = constraints->GetConstraintStrings()->Insert(draft.keyword);
     ReadBlock(draft.keyword, block);
+    constraints->KVSInsert(block.key, block.optionIds);
     if (hasFatalError) {
         return;
     }
@@ -238,37 +241,37 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
 // Lines of other elements between the options go to their own readers.
 void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
     const long blockLine = Line();
-    std::array<char, kLineCapacity> text;
-    while (!hasFatalError && ReadNonEmptyLine(text.data())) {
-        PPDStream line{std::string_view(text.data())};
-        const std::string_view before = line.Remaining();
+    std::string_view text;
+    while (!hasFatalError && ReadNonEmptyLine(text)) {
+        PPDStream line(text);
         const std::string_view token = TakeMainKeyword(line);
         if (token.starts_with("*Default")) {
             ReadDefaultLine(line, token, keyword, block);
             continue;
         }
-        const ElementKeyword* const element = token == keyword ? nullptr : findElementKeyword(token);
+        const bool isOption = isSameText(token, keyword);
+        const ElementKeyword* const element = isOption ? nullptr : findElementKeyword(token);
         if (element != nullptr && element->kind == LineKind::closeBlock) {
             return;
         }
         if (element != nullptr && element->inBlock == InBlock::ends) {
             Note(PPDLintKind::unclosedBlock, blockLine, keyword, token);
-            PushBackLine(text.data());
+            PushBackLine();
             return;
         }
-        if (element == nullptr && token.starts_with(keyword)) {
-            if (lint && token != keyword) {
+        if (isOption || (element == nullptr && token.starts_with(keyword))) {
+            if (lint && !isOption) {
                 lint->Note(PPDLintKind::optionOfOtherKey, Line(), keyword, token, keyword);
             }
-            const std::size_t consumed = before.size() - line.Remaining().size();
-            if (consumed > 0 && before[consumed - 1] != ':') { // with ":" it has no option keyword
+            const std::size_t consumed = text.size() - line.Remaining().size();
+            if (consumed > 0 && text[consumed - 1] != ':') { // with ":" it has no option keyword
                 ReadOptionLine(line, block);
             }
         } else if (token != "*OrderDependency") {
             if (lint && element == nullptr) {
                 lint->LineInBlock(Line(), keyword, token, line.Remaining());
             }
-            ParseLine(text.data(), before);
+            ParseLine(text);
         }
     }
     if (!hasFatalError) {
@@ -298,14 +301,18 @@ void ZANPPD::ReadDefaultLine(PPDStream& line, std::string_view token, const std:
 
 void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     const long optionLine = Line();
-    const NamedToken option = TakeNamedToken(line);
+    NamedToken option = TakeNamedToken(line);
     if (option.token.empty() || !TakeElements(1)) {
         return;
     }
-    // Tokens point into the line, which reading the value's further lines does not change.
+    // Both texts outlive the line, which is gone when the value goes on in further lines.
     CStringSoup& strings = *constraints->GetConstraintStrings();
-    const std::int64_t identifier = strings.InsertWhole(option.token);
-    constraints->KVSInsert(block.key, identifier);
+    // Blocks often offer the same choices in the same order.
+    const std::int64_t expected = block.optionIds.empty() ? -1 : block.optionIds.back() + 1;
+    const std::int64_t identifier = strings.InsertWhole(option.token, expected, -1);
+    block.optionIds.push_back(identifier);
+    option.token = {strings.Find(identifier), option.token.size()};
+    option.name = Keep(option.name);
     const PostscriptBytes value = TakePostscript(line);
     if (lint) {
         const char* const blockKeyword = strings.Find(block.key);
@@ -313,8 +320,7 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
         lint->CheckPostscript(optionLine, blockKeyword, option.token, value.bytes, value.length);
     }
     if (block.kind != ChoiceBlock::Kind::boolean) {
-        const std::string_view kept(strings.Find(identifier), option.token.size());
-        block.items.emplace_back(ChoiceKeyword(kept), NameOfChoice(option, optionLine), value.bytes,
+        block.items.emplace_back(ChoiceKeyword(option.token), NameOfChoice(option, optionLine), value.bytes,
                                  value.length);
         return;
     }

@@ -55,13 +55,13 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     const CFStringRef name = LocalName(named, noteLine);
 
     CString defaultNotes;
-    std::array<char, kLineCapacity> text;
+    std::string_view text;
     ControlDefinition definition = Define(*draft, draft->keyword, name);
-    bool isRead = ReadNonEmptyLine(text.data());
+    bool isRead = ReadNonEmptyLine(text);
     const std::string_view bare =
         std::string_view(draft->keyword).substr(draft->keyword.starts_with('*') ? 1 : 0);
-    if (isRead && std::string_view(text.data()).starts_with("*%Default")) {
-        PPDStream next{std::string_view(text.data())};
+    if (isRead && text.starts_with("*%Default")) {
+        PPDStream next(text);
         if (PPDStream again(next); lint) {
             checkDefaultLine(*lint, Line(), TakeMainKeyword(again), draft->keyword, bare);
         }
@@ -75,10 +75,10 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
                                                        : std::nullopt);
             }
         }
-        isRead = ReadNonEmptyLine(text.data());
+        isRead = ReadNonEmptyLine(text);
     }
     if (isRead) {
-        PPDStream next{std::string_view(text.data())};
+        PPDStream next(text);
         const std::string_view keyword = TakeMainKeyword(next);
         if (keyword.size() == bare.size() + 2 && keyword.starts_with("*%") && keyword.substr(2) == bare) {
             const long templateLine = Line();
@@ -89,7 +89,7 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
             definition.psData = value.bytes;
             definition.psLength = value.length;
         } else {
-            PushBackLine(text.data());
+            PushBackLine();
         }
     }
     // A note may stand in any kind of group.

@@ -10,8 +10,8 @@ namespace {
 constexpr DelimiterSet wordEnds(" \t:");
 constexpr DelimiterSet nameEnds("/:");
 
-// The maximum length of a PostScript value; longer values are cut.
-constexpr long postscriptCapacity = 65536;
+// The maximum length of a PostScript value without the line feed at its end; longer values are cut.
+constexpr std::size_t longestPostscript = 65534;
 
 } // namespace
 
@@ -67,26 +67,29 @@ CFStringRef ZANPPD::Localized(std::string_view text, std::string_view keyword, l
 }
 
 // Returns the same name as LocalName, converted only on request. Uses the current encoding, which a later
-// line may change.
+// line may change. REQUIRES: the token's texts live as long as the description.
 ChoiceName ZANPPD::NameOfChoice(const NamedToken& token, long line) {
     const std::string_view text = token.hasName ? token.name : token.token;
     if (text.empty() || !Converter()) {
         return ChoiceName(LocalName(token, line));
     }
     CheckText(text, token.token, line);
-    const auto* const kept = reinterpret_cast<const char*>(postscript.Keep(text));
-    return {std::string_view(kept, text.size()), TextConverter::GetPPDEncoding(this)};
+    return {text, TextEncoding()};
+}
+
+// Keeps the text for the life of the description.
+std::string_view ZANPPD::Keep(std::string_view text) {
+    return {reinterpret_cast<const char*>(postscript.Keep(text)), text.size()};
 }
 
 // Reads the quoted PostScript that begins on the line and keeps it for the life of the description. Empty
 // when there is none.
 ZANPPD::PostscriptBytes ZANPPD::TakePostscript(PPDStream& line) {
-    char value[postscriptCapacity];
-    const long length = GetPostscriptString(line, value, postscriptCapacity);
-    if (length <= 1) {
+    const std::string_view value = TakeValue(line, longestPostscript, true);
+    if (value.empty()) {
         return {};
     }
-    return {postscript.Keep({value, static_cast<std::size_t>(length - 1)}), length - 1};
+    return {postscript.Keep(value, "\n"), static_cast<long>(value.size()) + 1};
 }
 
 } // namespace torka

@@ -38,9 +38,9 @@ public:
         const CFStringEncoding encoding = GetApplicationTextEncoding();
         const bool endOfPPD = gEndOfPPD;
         if (StartReading(std::make_unique<PPDFileStream>(&source, true))) {
-            std::array<char, kLineCapacity> text;
-            while (!PCFileName() && ReadNonEmptyLine(text.data())) {
-                PPDStream line{std::string_view(text.data())};
+            std::string_view text;
+            while (!PCFileName() && ReadNonEmptyLine(text)) {
+                PPDStream line(text);
                 std::array<char, kLineCapacity> keyword;
                 if (NextToken(line, keyword.data(), DelimiterSet(" \t:"), true) &&
                     std::string_view(keyword.data()) == "*PCFileName") {
