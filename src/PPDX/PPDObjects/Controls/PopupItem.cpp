@@ -18,21 +18,23 @@ std::int32_t byteCount(long length) {
     return static_cast<std::int32_t>(std::clamp(length, -1L, most));
 }
 
-} // namespace
-
-ChoiceKeyword::ChoiceKeyword(const char* text)
-    : length(orEmpty(text).size())
-    , own(std::make_unique_for_overwrite<char[]>(length + 1)) {
-    *std::copy_n(orEmpty(text).data(), length, own.get()) = '\0';
-    bytes = own.get();
+const char* terminatedCopy(std::string_view text) {
+    auto copy = std::make_unique_for_overwrite<char[]>(text.size() + 1);
+    *std::copy(text.begin(), text.end(), copy.get()) = '\0';
+    return copy.release();
 }
 
+} // namespace
+
+ChoiceKeyword::ChoiceKeyword(const char* given)
+    : text(terminatedCopy(orEmpty(given)), {static_cast<std::uint32_t>(orEmpty(given).size()), true}) {}
+
 const CFStringRef& ChoiceName::Get() const {
-    if (!converted && bytes != nullptr) {
+    if (!converted) {
         TextConverter converter(encoding, nullptr);
-        converted = converter.ConvertToCFString(std::string_view(bytes, length));
+        converted = std::make_unique<const CFStringRef>(converter.ConvertToCFString({bytes, length}));
     }
-    return converted;
+    return *converted;
 }
 
 _PopupItem::_PopupItem(const char* optionKeyword, CFStringRef name, const unsigned char* ps, long length)

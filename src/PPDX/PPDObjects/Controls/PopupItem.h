@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace torka {
@@ -19,17 +20,24 @@ public:
     explicit ChoiceKeyword(const char* text);
     // Refers to the text. REQUIRES: a NUL follows it, and it contains none.
     explicit ChoiceKeyword(std::string_view kept)
-        : bytes(kept.data())
-        , length(kept.size()) {}
+        : text(kept.data(), {static_cast<std::uint32_t>(kept.size()), false}) {}
 
-    const char* Buffer() const { return bytes; }
-    std::size_t Size() const { return length; }
-    std::string_view View() const { return {bytes, length}; }
+    const char* Buffer() const { return text.get(); }
+    std::size_t Size() const { return text.get_deleter().length; }
+    std::string_view View() const { return {Buffer(), Size()}; }
 
 private:
-    const char* bytes;
-    std::size_t length;
-    std::unique_ptr<char[]> own;
+    struct Keeper {
+        std::uint32_t length;
+        bool isOwn;
+
+        void operator()(const char* bytes) const {
+            if (isOwn) {
+                delete[] bytes;
+            }
+        }
+    };
+    std::unique_ptr<const char[], Keeper> text;
 };
 
 // The local name of a choice. Most choices of a large description are never shown. A name can therefore be
@@ -37,7 +45,7 @@ private:
 class ChoiceName {
 public:
     explicit ChoiceName(CFStringRef string)
-        : converted(std::move(string)) {}
+        : converted(std::make_unique<const CFStringRef>(std::move(string))) {}
     // Another object keeps the bytes as long as the choice lives. REQUIRES: not empty.
     ChoiceName(std::string_view kept, CFStringEncoding encodingOfBytes)
         : bytes(kept.data())
@@ -47,7 +55,7 @@ public:
     const CFStringRef& Get() const;
 
 private:
-    mutable CFStringRef converted;
+    mutable std::unique_ptr<const CFStringRef> converted;
     const char* bytes = nullptr;
     std::uint32_t length = 0;
     CFStringEncoding encoding = kCFStringEncodingUnknown;
@@ -70,6 +78,7 @@ struct _PopupItem {
     std::int32_t selected = 0;
     mutable std::unique_ptr<char[]> displayNameCache;
 };
+static_assert(sizeof(_PopupItem) == 64); // a description may have tens of thousands
 
 using PopupItems = std::vector<_PopupItem>;
 
