@@ -28,7 +28,7 @@ public:
     // Does the same for a text without NUL.
     std::int64_t InsertWhole(std::string_view text);
     // Does the same, and is faster when the text is the one at `guess` or at `otherGuess`; -1 is no guess.
-    std::int64_t InsertWhole(std::string_view text, std::int64_t guess, std::int64_t otherGuess) {
+    std::int64_t InsertWhole(std::string_view text, std::int64_t guess, std::int64_t otherGuess = -1) {
         const auto isRight = [&](std::int64_t each) {
             const auto place = static_cast<std::size_t>(each);
             return place < texts.size() && isSameText(texts[place].View(), text);

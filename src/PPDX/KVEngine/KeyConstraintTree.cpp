@@ -11,21 +11,20 @@ void KeyConstraintTree::Settle() {
     if (settled == lines.size()) {
         return;
     }
-    const auto fresh = lines.begin() + static_cast<std::ptrdiff_t>(settled);
-    const auto isTaken = [this](const ConstraintRecord& line) { return TakeLater(line); };
-    lines.erase(std::remove_if(fresh, lines.end(), isTaken), lines.end());
+    if (extras != nullptr) {
+        const auto fresh = lines.begin() + static_cast<std::ptrdiff_t>(settled);
+        const auto isTaken = [this](const ConstraintRecord& line) { return TakeLater(line); };
+        lines.erase(std::remove_if(fresh, lines.end(), isTaken), lines.end());
+    }
     if (!std::ranges::is_sorted(lines, {}, &ConstraintRecord::option1)) {
         std::ranges::stable_sort(lines, {}, &ConstraintRecord::option1);
     }
     settled = lines.size();
 }
 
-// Takes a line that must follow the tree's wildcard or written-out lines. Returns false when the tree has
-// none; the line then belongs to the array.
+// Takes a line that must follow the tree's wildcard or written-out lines. Returns false when there are none;
+// the line then belongs to the array. REQUIRES: extras.
 bool KeyConstraintTree::TakeLater(const ConstraintRecord& line) {
-    if (extras == nullptr) {
-        return false;
-    }
     if (extras->wildcards.size() > 0) {
         extras->wildcards.Add(nullptr, nullptr, line);
         return true;

@@ -37,7 +37,12 @@ public:
     KeyConstraintTree& operator=(KeyConstraintTree&&) noexcept = default;
 
     // Adds a line. REQUIRES: Settle before the next other call.
-    void Add(const ConstraintRecord& line) { lines.push_back(line); }
+    void Add(const ConstraintRecord& line) {
+        if (lines.empty()) {
+            lines.reserve(usualLines);
+        }
+        lines.push_back(line);
+    }
     // Brings the lines added since the last call into their places.
     void Settle();
     // Appends a line with an empty option; see WildcardLines::Add.
@@ -66,6 +71,7 @@ public:
     std::vector<KeyOption> EnableConstraints(std::int64_t option);
 
 private:
+    static constexpr std::size_t usualLines = 8;
     using Records = std::vector<ConstraintRecord>;
     struct WrittenList {
         Records pairs;

@@ -33,12 +33,18 @@ void UIConstraints::KVSInsert(std::int64_t key, std::span<const std::int64_t> op
 
 void UIConstraints::Add(std::string_view key1Text, std::string_view option1Text, std::string_view key2Text,
                         std::string_view option2Text, bool requirement) {
-    // Most descriptions name the same pair twice, once from each side, or the same key in a row.
-    const SpecialConstraint& last = lastLine;
-    const SpecialConstraint line{strings->InsertWhole(key1Text, last.key2, last.key1),
-                                 strings->InsertWhole(option1Text, last.option2, last.option1),
-                                 strings->InsertWhole(key2Text, last.key1, last.key2),
-                                 strings->InsertWhole(option2Text, last.option1, last.option2), requirement};
+    // Most descriptions name a pair twice, once from each side, or the same key in a row: looks there first.
+    SpecialConstraint line{.requirement = requirement};
+    line.key1 = strings->InsertWhole(key1Text, lastLine.key2, lastLine.key1);
+    SpecialConstraint guess;
+    if (line.key1 == lastLine.key2) {
+        guess = {-1, lastLine.option2, lastLine.key1, lastLine.option1};
+    } else if (line.key1 == lastLine.key1) {
+        guess = lastLine;
+    }
+    line.option1 = strings->InsertWhole(option1Text, guess.option1);
+    line.key2 = strings->InsertWhole(key2Text, guess.key2);
+    line.option2 = strings->InsertWhole(option2Text, guess.option2);
     if (option1Text.empty() || option2Text.empty()) {
         deferred.push_back(line);
     } else {

@@ -69,15 +69,11 @@ bool PPDFileStream::FixLine(std::string_view& line) {
     if (!chunked || !EndOfFile() || gEndOfPPD) {
         return false;
     }
-    std::size_t length = line.copy(joined.data(), line.size()); // the next piece overwrites it
-    line = {joined.data(), length};
+    line = {joined.data(), line.copy(joined.data(), line.size())}; // the next piece overwrites it
     bool isEnded = false;
     while (!isEnded && EndOfFile() && Setup()) {
         lineMayHoldNul = lineMayHoldNul || mayHoldNuls;
-        const std::string_view part = TakePart(lineLimit - length);
-        length += part.copy(joined.data() + length, part.size());
-        line = {joined.data(), length};
-        isEnded = TakeEnd(line);
+        isEnded = ContinueLine(line, joined.data());
     }
     return isEnded;
 }

@@ -17,7 +17,7 @@ class PPDFile;
 
 class PPDFileStream final : public PPDStream {
 public:
-    static constexpr long kPieceCapacity = 32'768; // fits the processor's cache
+    static constexpr long kPieceCapacity = 16'384; // fits the processor's cache, and touches few pages
 
     // Bad without a file, or when the file is empty or cannot be opened or read. The stream stays empty when
     // not chunked. Pieces may be smaller than kPieceCapacity; the lines are the same.

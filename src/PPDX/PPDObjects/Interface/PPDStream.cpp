@@ -40,18 +40,8 @@ bool PPDStream::GetLine(char* line) {
     return isEnded;
 }
 
-bool PPDStream::TakeLine(std::string_view& line) {
-    if (gEndOfPPD) {
-        myNSLogC("FIT208051");
-        line = {};
-        return false;
-    }
-    lineNumber = nextLineNumber;
-    line = TakePart(lineLimit);
-    return TakeEnd(line);
-}
-
-std::string_view PPDStream::TakePart(std::size_t limit) {
+// Takes the bytes before the line's end, at most `limit`.
+inline std::string_view PPDStream::TakePart(std::size_t limit) {
     if (cursor == end) {
         return {};
     }
@@ -64,7 +54,8 @@ std::string_view PPDStream::TakePart(std::size_t limit) {
     return {first, static_cast<std::size_t>(cursor - first)};
 }
 
-bool PPDStream::TakeEnd(std::string_view& line) {
+// Takes the end of a line of which TakePart has taken the rest. Returns what TakeLine returns.
+inline bool PPDStream::TakeEnd(std::string_view& line) {
     lineWasCut = false;
     if (cursor == end || line.size() == lineLimit) {
         EndUnterminated(line);
@@ -100,6 +91,24 @@ void PPDStream::EndUnterminated(std::string_view line) {
     afterReturn = afterReturn && line.empty();
     status = isFull ? kStreamGood : kStreamEndOfFile;
     lineWasCut = isFull && (cursor == end || (*cursor != '\r' && *cursor != '\n'));
+}
+
+bool PPDStream::TakeLine(std::string_view& line) {
+    if (gEndOfPPD) {
+        myNSLogC("FIT208051");
+        line = {};
+        return false;
+    }
+    lineNumber = nextLineNumber;
+    line = TakePart(lineLimit);
+    return TakeEnd(line);
+}
+
+bool PPDStream::ContinueLine(std::string_view& line, char* joined) {
+    const std::string_view part = TakePart(lineLimit - line.size());
+    part.copy(joined + line.size(), part.size());
+    line = {joined, line.size() + part.size()};
+    return TakeEnd(line);
 }
 
 std::string_view PPDStream::TakeToken(const DelimiterSet& delimiters, bool trim) {

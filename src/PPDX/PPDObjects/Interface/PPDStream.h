@@ -88,12 +88,9 @@ public:
 protected:
     static constexpr std::size_t lineLimit = kLineCapacity - 1;
 
-    // Takes the bytes before the line's end, at most `limit`.
-    std::string_view TakePart(std::size_t limit);
-    // Takes the end of a line of which TakePart has taken the rest. Returns what TakeLine returns.
-    bool TakeEnd(std::string_view& line);
-    void EndUnterminated(std::string_view line);
-    static void EndDescription(std::string_view& line);
+    // Continues a line whose beginning is in `joined`, a buffer of lineLimit bytes. Returns what TakeLine
+    // returns.
+    bool ContinueLine(std::string_view& line, char* joined);
 
     const char* start = nullptr;
     const char* end = nullptr; // exclusive
@@ -107,6 +104,12 @@ protected:
     bool mayHoldEndBytes = true;   // false when they hold no 0xFF
     bool lineWasCut = false;
     bool afterReturn = false; // the last byte that TakeLine read was a CR
+
+private:
+    std::string_view TakePart(std::size_t limit);
+    bool TakeEnd(std::string_view& line);
+    void EndUnterminated(std::string_view line);
+    static void EndDescription(std::string_view& line);
 };
 
 } // namespace torka

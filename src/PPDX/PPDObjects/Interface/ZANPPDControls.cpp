@@ -309,7 +309,7 @@ void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     CStringSoup& strings = *constraints->GetConstraintStrings();
     // Blocks often offer the same choices in the same order.
     const std::int64_t expected = block.optionIds.empty() ? -1 : block.optionIds.back() + 1;
-    const std::int64_t identifier = strings.InsertWhole(option.token, expected, -1);
+    const std::int64_t identifier = strings.InsertWhole(option.token, expected);
     block.optionIds.push_back(identifier);
     option.token = {strings.Find(identifier), option.token.size()};
     option.name = Keep(option.name);
@@ -388,9 +388,8 @@ void ZANPPD::FinishPopup(ControlDraft& draft, ChoiceBlock& block, const CFString
     if (!block.defaultOption) {
         Report(PPDErr_NoDefaultValueFlag, draft.keyword, line);
     } else {
-        const auto isNamed = [&](const _PopupItem& item) {
-            return item.keyword.View() == block.defaultOption->c_str();
-        };
+        const std::string_view wanted = block.defaultOption->c_str();
+        const auto isNamed = [&](const _PopupItem& item) { return item.keyword.View() == wanted; };
         if (std::ranges::any_of(block.items, isNamed)) {
             option = *block.defaultOption;
         } else {

@@ -17,11 +17,10 @@ constexpr std::size_t longestPostscript = 65534;
 
 // Takes a word and what separates it from its value: a colon, blanks, or blanks and a colon.
 std::string_view ZANPPD::TakeMainKeyword(PPDStream& line) {
-    const std::string_view before = line.Remaining();
+    const char* const before = line.Remaining().data();
     const std::string_view word = line.TakeToken(wordEnds, true);
     const std::string_view rest = line.Remaining();
-    const std::size_t consumed = before.size() - rest.size();
-    if (!rest.empty() && before[consumed - 1] != ':') {
+    if (!rest.empty() && rest.data() != before && rest.data()[-1] != ':') {
         const std::size_t next = rest.find_first_not_of(" \t");
         line.Skip(next != std::string_view::npos && rest[next] == ':' ? next + 1 : 0);
     }
