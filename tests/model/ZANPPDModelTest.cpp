@@ -88,6 +88,27 @@ TEST_F(ZANPPDModel, ChoiceBlocks) {
     EXPECT_TRUE(find(*model, "*Bare")->IsOrphan());
 }
 
+// The lines of a long value overwrite the piece of the file that held its first line.
+TEST_F(ZANPPDModel, TextsBeforeALongValueStay) {
+    std::string value = "\"";
+    while (value.size() < 2 * PPDFileStream::kPieceCapacity) {
+        value += std::string(250, 'x') + '\n';
+    }
+    value += "\"\n";
+    const auto model = parseText(
+        frame +
+        "*%ZANFlags *Pick:\n*%ZANGroup *Pick: Group\n*OpenUI *Pick/Pick: PickOne\n*DefaultPick: One\n" +
+        "*Pick One/First: " + value + "*CloseUI: *Pick\n*%ZANFlags *Flag:\n*%ZANGroup *Flag: Group\n" +
+        "*OpenUI *Flag/Flag: Boolean\n*DefaultFlag: True\n*Flag True/On: " + value + "*CloseUI: *Flag\n");
+    EXPECT_THAT(errorsOf(*model), IsEmpty());
+    auto* pick = dynamic_cast<PPDXPopupControl*>(find(*model, "*Pick"));
+    auto* flag = dynamic_cast<PPDXBooleanControl*>(find(*model, "*Flag"));
+    ASSERT_TRUE(pick && flag);
+    EXPECT_STREQ(pick->GetKeywordLocalName("One"), "First");
+    EXPECT_STREQ(flag->TrueDisplayText(), "On");
+    EXPECT_EQ(pick->GetKeywordPSData("One", nullptr), flag->PostScript(nullptr) - 1);
+}
+
 TEST_F(ZANPPDModel, Ranges) {
     struct Case {
         const char* element;
