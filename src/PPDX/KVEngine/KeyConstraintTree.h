@@ -19,9 +19,9 @@ namespace torka {
 // Most keys only have an array of lines. Lines that omit an option are stored beside it, once each; the lists
 // that contain them are assembled on request. Only disabling writes out such lists, one option at a time.
 //
-// Each key has an array of its own. One large array for all keys is a quarter slower to fill in a warm
-// process: the allocator returns its pages to the system after each description, and the next one faults them
-// in again.
+// Each key has an array of its own. With one large array for all keys, 20,000 lines take 6.0 ms in a warm
+// process instead of 2.2 ms: the allocator returns the pages of a large array after each description, and the
+// next one faults them in again.
 //
 // Invariants, between Settle and the next Add:
 // (1) The array ascends by option, and within one option by line order.

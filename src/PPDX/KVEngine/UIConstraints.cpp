@@ -34,7 +34,8 @@ void UIConstraints::KVSInsert(std::int64_t key, std::span<const std::int64_t> op
 void UIConstraints::Add(std::string_view key1Text, std::string_view option1Text, std::string_view key2Text,
                         std::string_view option2Text, bool requirement) {
     // Most descriptions name a pair twice, once from each side, or the same key in a row: looks there first.
-    SpecialConstraint line{.requirement = requirement};
+    SpecialConstraint line;
+    line.requirement = requirement;
     line.key1 = strings->InsertWhole(key1Text, lastLine.key2, lastLine.key1);
     SpecialConstraint guess;
     if (line.key1 == lastLine.key2) {
