@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
+#include <QColorDialog>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
@@ -98,6 +99,22 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
         QTest::keyClicks(&child<QLineEdit>(dialog, "*Notes1"), "!");
         press(dialog, "addWatermark");
         QTest::keyClicks(&child<QLineEdit>(dialog, "watermarkText"), "PROOF, 2");
+        // The second time, the person accepts the color that the color dialog begins with.
+        for (const QColor& chosen : {QColor(32, 64, 96), QColor()}) {
+            QTimer::singleShot(0, &dialog, [chosen] {
+                auto* colors = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+                ASSERT_NE(colors, nullptr);
+                if (chosen.isValid()) {
+                    colors->setCurrentColor(chosen);
+                }
+                colors->accept();
+            });
+            for (auto* button : dialog.findChildren<QAbstractButton*>()) {
+                if (button->accessibleName().startsWith("Color ")) {
+                    button->click();
+                }
+            }
+        }
         press(dialog, "applyPreset");
         EXPECT_EQ(child<QComboBox>(dialog, "*QVDuplex").currentData(), "Long");
         dialog.accept();
@@ -113,7 +130,7 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
     EXPECT_EQ(Value("*QVDuplex"), "Long");
     EXPECT_EQ(Value("*PresetName"), "Brochure");
     EXPECT_THAT(watermarkDefinitions(*record),
-                testing::ElementsAre("0,0,0,128,128,128,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2"));
+                testing::ElementsAre("0,0,0,32,64,96,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2"));
 }
 
 // Names, keys and tips from a description and from the server that look like markup.

@@ -358,6 +358,9 @@ TEST(PDEDataSettings, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
     EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
     ASSERT_EQ(pane.data->MixedMedia().size(), 3U);
     EXPECT_EQ(pairsOf(pane.data->MixedMedia())[0], "*" + std::string(254, 'm') + "=" + std::string(254, 'v'));
+    pane.Store(".MMKey", nullptr); // settings without this list end it
+    EXPECT_EQ(pane.data->RestoreNonPSSettings(), 0);
+    EXPECT_TRUE(pane.data->MixedMedia().empty());
 }
 
 } // namespace

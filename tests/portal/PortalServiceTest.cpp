@@ -235,6 +235,7 @@ TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {
         Reply reply = Prepare(settings);
         PrintDialog& dialog = *Dialogs()[0];
         EXPECT_FALSE(dialog.tab().hasPanel());
+        EXPECT_TRUE(dialog.windowTitle().endsWith(" Print")) << "as the program calls it";
         EXPECT_EQ(dialog.findChild<QLineEdit*>("pagesLineEdit")->text(), "2-4");
         if (opensProperties) {
             UseProperties(

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QPointer>
@@ -40,6 +41,18 @@ TEST(PaneLoader, OpensAndClosesPanelsInAnyOrder) {
         EXPECT_EQ(defaults->text(), "Vorgaben") << "the bundle's text";
         defaults->click();
         EXPECT_EQ(duplex->currentIndex(), 0);
+        const auto twoWay = [&] {
+            auto* sign = root->findChild<QWidget*>("twoWaySign")->findChild<QWidget*>();
+            return sign->accessibleName().toStdString();
+        };
+        auto* box = root->findChild<QCheckBox*>("bidiCheckBox");
+        box->click();
+        EXPECT_EQ(twoWay(), "Two-way communication: On");
+        bench.dialog->printer->sendResult = kPMGeneralError;
+        panel->Server().FetchServerData(
+            bench.dialog->printer, "10.0.0.7", "", [] {}, ServerExchange::Failures::quiet);
+        EXPECT_EQ(twoWay(), "Two-way communication: Printer does not answer");
+        box->click();
         if (endsBeforeItsPanel) {
             delete root;
         }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "pane/views/AddressSheet.h"
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
 #include "pane/views/JobPicture.h"
@@ -7,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QAbstractItemModelTester>
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QAction>
@@ -21,6 +23,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QWheelEvent>
@@ -299,6 +302,55 @@ TEST_F(PaneWidgetTest, ShowsWhatDiffersAndSetsItBack) {
     EXPECT_TRUE(Widget().SearchField()->hasFocus());
 }
 
+TEST_F(PaneWidgetTest, AChangedFieldHasOneButtonThatSetsItBack) {
+    Go("*MediaType");
+    auto* box = Field<QComboBox>("*MediaType");
+    const auto buttons = [&] {
+        QCoreApplication::processEvents();
+        QList<QToolButton*> shown = box->parentWidget()->findChildren<QToolButton*>();
+        shown.removeIf([](const QToolButton* button) {
+            return !button->isVisible() || !button->accessibleName().startsWith(QLatin1String("Back to "));
+        });
+        return shown;
+    };
+    EXPECT_TRUE(buttons().isEmpty());
+    const QRect place = box->geometry();
+    for (const int row : {1, 2}) {
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Down);
+        ASSERT_EQ(buttons().size(), 1) << row;
+        EXPECT_EQ(box->geometry(), place) << "the row does not move";
+    }
+    QTest::mouseClick(buttons()[0], Qt::LeftButton);
+    EXPECT_EQ(pane.Value("*MediaType"), "Plain");
+    EXPECT_TRUE(buttons().isEmpty() && box->hasFocus());
+}
+
+TEST_F(PaneWidgetTest, AsksAboutConflictsBeforeAJob) {
+    EXPECT_TRUE(pane.interface->confirmConflicts() && pane.interface->confirmBrokenNotes());
+    for (const auto& [answer, prints, staple] : {std::tuple{"Cancel", false, "Saddle"},
+                                                 {"Print Anyway", true, "Saddle"},
+                                                 {"Resolve", true, "None"}}) {
+        pane.pane->Set("*QVStaple", "Saddle");
+        pane.pane->Set("*QVFinisherUnit", "None");
+        QTimer::singleShot(0, qApp, [word = QLatin1String(answer)] {
+            auto* question = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(question, nullptr);
+            auto* list = question->findChild<QListWidget*>();
+            EXPECT_THAT(list->item(0)->text().toStdString(), HasSubstr("Saddle"));
+            EXPECT_FALSE(QAccessible::queryAccessibleInterface(list)->text(QAccessible::Name).isEmpty());
+            for (auto* button : question->findChildren<QPushButton*>()) {
+                if (button->text().remove(QLatin1Char('&')) == word) {
+                    return button->click();
+                }
+            }
+            question->reject();
+        });
+        EXPECT_EQ(pane.interface->confirmConflicts(), prints) << answer;
+        EXPECT_EQ(pane.Value("*QVStaple"), staple) << answer;
+    }
+}
+
 TEST_F(PaneWidgetTest, CustomSizeIsUsedWithACustomPrintSizeOnly) {
     Go("*QVPrintSize");
     auto* width = Field<QDoubleSpinBox>("*CustomPrintSize");
@@ -409,8 +461,12 @@ TEST_F(PaneWidgetTest, RollDownsOpenAndCloseByKeys) {
     EXPECT_TRUE(mode->isVisible());
     QTest::keyClick(header, Qt::Key_Left);
     EXPECT_FALSE(mode->isVisible());
-    QTest::keyClick(header, Qt::Key_Space);
-    EXPECT_TRUE(mode->isVisible());
+    bool isOpen = false;
+    for (const auto key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+        QTest::keyClick(header, key);
+        isOpen = !isOpen;
+        EXPECT_EQ(mode->isVisible(), isOpen) << key;
+    }
     QTest::mouseClick(header, Qt::LeftButton);
     EXPECT_FALSE(mode->isVisible());
 }
@@ -432,6 +488,17 @@ TEST_F(PaneWidgetTest, OutlivesItsRootViewAndTheOtherWayRound) {
     other.interface.reset();
     ASSERT_NE(widgetOf(kept), nullptr);
     widgetOf(kept)->grab();
+}
+
+TEST_F(PaneWidgetTest, TheControllersAreASoundModel) {
+    auto& sheet = dynamic_cast<AddressSheet&>(pane.interface->addressSheet());
+    const QAbstractItemModelTester tester(sheet.Window()->findChild<QTreeView*>("controllerTable")->model(),
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
+    const ControllerRow rows[] = {
+        {cfString("a"), cfString("10.0.0.1")}, {cfString("b"), cfString("")}, {cfString("c"), cfString("")}};
+    for (const std::size_t count : {1U, 3U, 2U, 0U}) {
+        sheet.setRows(std::span(rows).first(count), std::nullopt);
+    }
 }
 
 double contrast(const QColor& text, const QColor& under) {

@@ -80,6 +80,7 @@ TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByKeys) {
     Add("<b>R&D</b> %1");
     EXPECT_THAT(Kept(), ElementsAre("Draft, not for sale", "<b>R&D</b> %1"));
     EXPECT_EQ(Watermarks().SelectedIndex(), 1);
+    EXPECT_FALSE(Watermarks().Selected()->IsClear());
     list->setFocus();
     QTest::keyClick(list, Qt::Key_Up);
     EXPECT_EQ(Watermarks().SelectedIndex(), 0);
@@ -97,10 +98,11 @@ TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByKeys) {
     up->setValue(25.4);
     EXPECT_EQ(up->text().remove(QLatin1Char(' ')), QStringLiteral("25.4mm"));
     Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkAngle"))->setValue(-30.5);
+    QTest::keyClicks(Page().Dialog()->findChild<QComboBox*>("watermarkColor"), "Clear");
     Type(QStringLiteral("Proof"));
     Accept();
     const ZANWatermark* edited = Watermarks().Selected();
-    EXPECT_EQ(edited->Definition(), "0,0,72,200,200,200,0,1,0,-305,0,0,96,Helvetica-Bold,Proof");
+    EXPECT_EQ(edited->Definition(), "1,0,72,200,200,200,0,1,0,-305,0,0,96,Helvetica-Bold,Proof");
     EXPECT_TRUE(edited->IsFirstPageOnly());
     EXPECT_EQ(edited->YOffset(), 72);
 
