@@ -78,25 +78,27 @@ TEST(ModuleCommand, SaysHowASessionEnded) {
     }
 }
 
-// An interrupt ends the wait for a module that never becomes ready, and the session with it.
+// A person at a terminal sees what the tool waits for. An interrupt ends the wait for a module that never
+// becomes ready, and the session with it.
 TEST(ModuleCommand, AnInterruptEndsTheWait) {
     const TemporaryFolder folder;
     std::vector<std::string> command =
         moduleRun(TORKA_SAMPLE_MODULE, folder.Write("script", "not-ready forever\n"));
-    // Sends the interrupt when the session's report exists, so that the session is running.
-    static constexpr const char* script = "import os, signal, subprocess, sys, time\n"
+    static constexpr const char* script = "import os, pty, select, signal, subprocess, sys\n"
                                           "signal.signal(signal.SIGINT, signal.SIG_DFL)\n"
-                                          "report = sys.argv[1]\n"
-                                          "tool = subprocess.Popen(sys.argv[2:])\n"
-                                          "for _ in range(3000):\n"
-                                          "    if os.path.exists(report): break\n"
-                                          "    time.sleep(0.01)\n"
+                                          "person, terminal = pty.openpty()\n"
+                                          "tool = subprocess.Popen(sys.argv[1:], stderr=terminal)\n"
+                                          "said = b''\n"
+                                          "while b'Waiting' not in said and select.select([person], [], [], "
+                                          "30)[0]: said += os.read(person, 999)\n"
                                           "tool.send_signal(signal.SIGINT)\n"
-                                          "sys.exit(tool.wait(timeout=60) & 255)\n";
-    command.insert(command.begin(), {"/usr/bin/python3", "-c", script, (folder / "script.report").string(),
-                                     TORKA_BINARY_DIR "/bin/torka"});
+                                          "status = tool.wait(timeout=60)\n"
+                                          "print((said + os.read(person, 999)).decode(), file=sys.stderr)\n"
+                                          "sys.exit(status & 255)\n";
+    command.insert(command.begin(), {"/usr/bin/python3", "-c", script, TORKA_BINARY_DIR "/bin/torka"});
     const CommandResult result = runCommand(command);
     EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("Waiting for the module (Ctrl+C ends it): "));
     EXPECT_THAT(result.errors, HasSubstr("cancelled"));
 }
 

@@ -14,6 +14,8 @@
 namespace torka {
 namespace {
 
+using ::testing::Each;
+using ::testing::IsNull;
 using ::testing::StartsWith;
 
 class Callbacks : public tests::JobPropertiesTest {
@@ -344,6 +346,38 @@ TEST_F(Callbacks, BadRecordsAreRefused) {
             }
         }
     }
+}
+
+// A module reads its variables after SDM_SUCCESS: what they held before must not pass for an answer.
+TEST_F(Callbacks, VariablesWithoutAnAnswerAreEmptied) {
+    Load(isTwoWay = false);
+    wchar_t unit = L'x';
+    std::uint8_t byte = 1;
+    std::size_t size = 7;
+    std::int32_t count = 7;
+    SDMKeyValueList list{};
+    SDMFontInfoArray font{};
+    wchar_t* texts[6] = {&unit, &unit, &unit, &unit, &unit, &unit};
+    std::uint8_t* png = &byte;
+    SDMKeyValueList* lists[] = {&list, &list};
+    SDMFontInfoArray* fonts[] = {&font, &font};
+    const auto ask = [&]<typename Proc>(Proc, int slot, auto... outs) {
+        EXPECT_EQ(module.Callback<Proc>(slot)(&server, outs...), SDM_SUCCESS) << slot;
+    };
+    ask(SDMGetListProc(), SDM_SLOT_UPDATE_OUTSIDE_PPD_OPTIONS, &lists[0]);
+    ask(SDMGetListProc(), SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS, &lists[1]);
+    ask(SDMGetFontListProc(), SDM_SLOT_GET_FONT_LIST, &fonts[0]);
+    ask(SDMGetFontsProc(), SDM_SLOT_GET_FONTS, enumSDMFlagFontFormat(), &fonts[1]);
+    ask(SDMGetTextByNameProc(), SDM_SLOT_GET_SERVER_FEATURE_VALUE, L"Trim", &texts[0]);
+    ask(SDMGetTwoTextsProc(), SDM_SLOT_GET_CALIBRATION, &texts[1], &texts[2]);
+    ask(SDMGetTwoTextsProc(), SDM_SLOT_GET_CALIBRATION_EX, &texts[3], &texts[4]);
+    ask(SDMGetTextProc(), SDM_SLOT_GET_NON_TORKA_CALIBRATION_INFO, &texts[5]);
+    ask(SDMGetThumbnailProc(), SDM_SLOT_GET_PREVIEW_PAGE_THUMBNAIL_PNG, 1, &png, &size);
+    ask(SDMGetCountProc(), SDM_SLOT_GET_PREVIEW_PAGES_COUNT, &count);
+    EXPECT_THAT(lists, Each(IsNull()));
+    EXPECT_THAT(fonts, Each(IsNull()));
+    EXPECT_THAT(texts, Each(IsNull()));
+    EXPECT_TRUE(png == nullptr && size == 0 && count == 0);
 }
 
 TEST_F(Callbacks, VersionsAreTextAndNoFormat) {

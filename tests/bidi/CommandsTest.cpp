@@ -56,6 +56,21 @@ TEST(Commands, RequestsComeApartAsTheyWereJoined) {
     }
 }
 
+// A pane that reads an answer to other questions shows another device's trays, or another person's presets.
+TEST(Commands, OneAnswerServesEqualRequestsOnly) {
+    const auto request = [](const char* host, const std::string& lines) {
+        return *parseUpdateRequest(updateRequestText("ID", host, lines));
+    };
+    const std::string lines = "address=10.0.0.7\nlocale=en\nkeys=*QVOutProfile\nrecords=TrayInfo\n";
+    const UpdateRequest asked = request("press", lines);
+    EXPECT_TRUE(asksTheSame(asked, request("press", "more=x\n" + lines)));
+    EXPECT_FALSE(asksTheSame(asked, request("proofer", lines)));
+    for (const char* other : {"address=10.0.0.8", "locale=ja", "keys=", "records=TonerInfo", "user=bob"}) {
+        const UpdateRequest different = request("press", lines + other + "\n");
+        EXPECT_FALSE(asksTheSame(asked, different) || asksTheSame(different, asked)) << other;
+    }
+}
+
 // Only a ticket's two commands have a job option, its name.
 TEST(Commands, AreSent) {
     const auto printer = std::make_shared<MemoryPrinter>();

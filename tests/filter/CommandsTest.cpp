@@ -142,6 +142,11 @@ TEST(Commands, HostileTitlesAndTextsDoNothing) {
     EXPECT_EQ(run(std::string("Command_AllBidi") + uuid, "A-1::DELIMIT::..::DELIMIT::"), 0);
     EXPECT_TRUE(PrivateFolder::Exists("ConnectionErrorInfoFileA-1.txt"));
     EXPECT_FALSE(std::filesystem::exists(harness.root / "var/cache/torka/queues/Proofs.bididata"));
+    // The pane would wait in vain for a report that cannot be written: the job says so.
+    std::filesystem::create_directories(harness.Cache("ConnectionErrorInfoFileA-2.txt") / "x");
+    harness.Forget();
+    EXPECT_EQ(run(std::string("Command_AllBidi") + uuid, "A-2::DELIMIT::..::DELIMIT::"), 1);
+    EXPECT_NE(harness.Told().find("ERROR: "), std::string::npos) << harness.Told();
 
     FilterJob job = commandJob("Command_LocaleCode");
     job.queue = "../x";
@@ -194,6 +199,19 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
     EXPECT_TRUE(std::filesystem::exists(other));
     EXPECT_TRUE(PrivateFolder::Exists("zan_timeout_override.txt"));
     EXPECT_TRUE(PrivateFolder::Exists("TorkaFilterNotes"));
+}
+
+TEST(Warnings, AreCutBetweenCharacters) {
+    const FilterHarness harness;
+    for (const auto& [bytesBefore, whole] : {std::pair{0, 450}, {1, 449}, {2, 449}}) {
+        std::string shown(static_cast<std::size_t>(bytesBefore), 'x');
+        for (int i = 0; i < whole; ++i) {
+            shown += "ü";
+        }
+        harness.Forget();
+        tellWarning(shown + "üü");
+        EXPECT_EQ(harness.Told(), "WARNING: " + shown + " ...\n") << bytesBefore;
+    }
 }
 
 TEST(TwoWayFolder, KeepsTheNewestAnswersOfAQueueForAnHour) {

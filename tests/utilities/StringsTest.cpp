@@ -82,6 +82,7 @@ TEST(CString, UnsetEmptyAndAliasedTexts) {
     EXPECT_TRUE(unset.Empty() && CString("").Empty());
     text.Replace("bc", "X");
     EXPECT_STREQ(text, "aXabc");
+    EXPECT_EQ(text.Size(), 5U);
     text.Replace("aX", text); // the replacement is the string itself
     EXPECT_STREQ(text, "aXabcabc");
     text = text.Buffer() + 2; // a text inside the old buffer
