@@ -26,10 +26,12 @@ TEST(Words, ShowNamesEveryControlWithItsChoicesAndValue) {
     ASSERT_GT(data["controls"].size(), 50U);
     for (const json& control : data["controls"]) {
         const std::string keyword = control["keyword"];
+        if (control["type"] == "specialOption") {
+            EXPECT_THAT(words, HasSubstr(keyword + " = ")) << keyword;
+            continue;
+        }
         const std::size_t at = words.find(" " + keyword + "  " + control["name"].get<std::string>());
         ASSERT_NE(at, std::string::npos) << keyword;
-        EXPECT_EQ(words.find(" " + keyword + "  ", at + 1), std::string::npos)
-            << keyword << " stands there twice";
         const std::size_t next = words.find('\n', at) + 1;
         const std::string choices = words.substr(next, words.find('\n', next) - next);
         for (const json& choice : control.value("items", json::array())) {

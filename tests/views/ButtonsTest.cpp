@@ -10,7 +10,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QToolButton>
 #include <QTreeWidget>
 
 // What each button does when it is pressed by mouse. The keys have tests of their own.
@@ -58,27 +57,6 @@ struct ButtonsTest : testing::Test {
         QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, row.center());
     }
 };
-
-TEST_F(ButtonsTest, AChangedFieldIsSetBack) {
-    ASSERT_TRUE(pane.Widget().ShowField("*QVMirror"));
-    FieldRow& row = *pane.Widget().CurrentFieldPage()->RowOf("*QVMirror");
-    const auto resets = [&] {
-        std::vector<QToolButton*> shown;
-        for (auto* button : row.findChildren<QToolButton*>()) {
-            if (button->isVisible()) {
-                shown.push_back(button);
-            }
-        }
-        return shown;
-    };
-    EXPECT_THAT(resets(), IsEmpty());
-    pane.Editor().SetValue("*QVMirror", "True");
-    ASSERT_EQ(resets().size(), 1U);
-    Press(resets()[0]);
-    EXPECT_EQ(pane.Value("*QVMirror"), "False");
-    EXPECT_THAT(resets(), IsEmpty());
-    EXPECT_TRUE(row.Focus()->hasFocus());
-}
 
 TEST_F(ButtonsTest, TheSummaryShowsAFieldAndSetsItBack) {
     pane.Editor().SetValue("*QVMirror", "True");

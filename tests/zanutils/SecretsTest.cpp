@@ -190,7 +190,8 @@ TEST(Secrets, NoTraceOutlivesItsHolder) {
              place<SHA1>.reset();
          }},
         {"field keys",
-         {trace(otherKeys()->Vector("")), trace(otherKeys()->StringVector())},
+         {trace(otherKeys()->AesKey("11")), trace(otherKeys()->Vector("11")), trace(otherKeys()->Vector("")),
+          trace(otherKeys()->StringVector())},
          [&](const Look& isThere) {
              const auto keys = otherKeys();
              isThere();

@@ -17,8 +17,50 @@ namespace torka::platform {
 
 namespace {
 
+// The library frees its copies of texts and data as they are. A list of keys would stay in freed memory.
+void wipeValues(plist_t node) {
+    const auto wipeText = [](const char* text, std::uint64_t size) {
+        wipe(const_cast<char*>(text), text == nullptr ? 0 : size);
+    };
+    std::uint64_t size = 0;
+    void* iterator = nullptr;
+    plist_t child = nullptr;
+    switch (plist_get_node_type(node)) {
+    case PLIST_DATA: {
+        const char* bytes = plist_get_data_ptr(node, &size);
+        wipeText(bytes, size);
+        break;
+    }
+    case PLIST_STRING: {
+        const char* text = plist_get_string_ptr(node, &size);
+        wipeText(text, size);
+        break;
+    }
+    case PLIST_ARRAY:
+        plist_array_new_iter(node, &iterator);
+        for (plist_array_next_item(node, iterator, &child); child;
+             plist_array_next_item(node, iterator, &child)) {
+            wipeValues(child);
+        }
+        break;
+    case PLIST_DICT:
+        plist_dict_new_iter(node, &iterator);
+        for (plist_dict_next_item(node, iterator, nullptr, &child); child;
+             plist_dict_next_item(node, iterator, nullptr, &child)) {
+            wipeValues(child);
+        }
+        break;
+    default:
+        break;
+    }
+    std::free(iterator);
+}
+
 struct NodeFree {
-    void operator()(void* node) const { plist_free(node); }
+    void operator()(void* node) const {
+        wipeValues(node);
+        plist_free(node);
+    }
 };
 using Node = std::unique_ptr<void, NodeFree>;
 struct TextFree {
