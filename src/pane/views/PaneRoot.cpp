@@ -4,27 +4,10 @@
 #include "pane/views/PaneColors.h"
 
 #include <QEvent>
-#include <QPixmapCache>
 
 #include <utility>
 
 namespace torka {
-
-namespace {
-
-// A style's drawings of controls stay in Qt's cache under names that hold the palette's identity. Qt 6.4
-// forgets the drawings in time, but never their names: 11 kB for each pane, whose palette is its own.
-// Emptying the cache frees them; the next painting draws again what it needs.
-constexpr int panesUntilCleared = 100;
-
-void countEndedPane() {
-    static int ended = 0;
-    if (++ended % panesUntilCleared == 0) {
-        QPixmapCache::clear();
-    }
-}
-
-} // namespace
 
 PaneRoot::PaneRoot() {
     TakePalette();
@@ -33,7 +16,6 @@ PaneRoot::PaneRoot() {
 }
 
 PaneRoot::~PaneRoot() {
-    countEndedPane();
     if (gone) {
         gone();
     }
