@@ -40,8 +40,10 @@ struct WatermarkTest : testing::Test {
         field->insert(text);
     }
     void Accept() {
+        const auto before = Kept();
         Page().Dialog()->accept();
-        QCoreApplication::sendPostedEvents(); // stores the list
+        EXPECT_EQ(Kept(), before) << "stored inside the signal of the dialog";
+        QCoreApplication::sendPostedEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     void Add(const char* text) {

@@ -90,7 +90,6 @@ bool WatermarkEditing::RemoveChosen() {
 }
 
 void WatermarkEditing::Keep() {
-    editor.Refresh();
     if (data.Watermarks().Count() == 0) {
         data.ForgetWatermarkPreferences();
     } else {

@@ -125,6 +125,7 @@ void WatermarkPage::ListChanged(Qt::ConnectionType stored) {
     const std::shared_ptr<void> alive =
         context.panel == nullptr ? nullptr : context.panel->shared_from_this();
     Update();
+    context.editor.Refresh();
     QObject* until = alive ? static_cast<QObject*>(QCoreApplication::instance()) : this;
     QMetaObject::invokeMethod(
         until,
