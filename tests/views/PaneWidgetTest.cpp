@@ -535,6 +535,11 @@ TEST_F(PaneWidgetTest, QuietAndDisabledTextsCanBeRead) {
         EXPECT_GE(contrast(box->itemData(longEdge, Qt::ForegroundRole).value<QBrush>().color(),
                            colors.color(QPalette::Window)),
                   3);
+        // A popup follows the colours, and the style's drawings of it serve those of every other pane.
+        EXPECT_EQ(box->palette(), colors);
+        ViewedPane other(samplePane());
+        other.Draw();
+        EXPECT_TRUE(other.Root()->findChild<QComboBox*>()->palette().isCopyOf(box->palette()));
     }
     QApplication::setPalette(QPalette());
 }

@@ -7,6 +7,7 @@
 #include "pane/views/ForbiddenList.h"
 #include "pane/views/NoteFields.h"
 #include "pane/views/NumberFields.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 
@@ -85,15 +86,15 @@ public:
     }
 };
 
-std::unique_ptr<QObject> guardFromWheel(const QWidget& row) {
-    auto guard = std::make_unique<WheelGuard>();
-    for (QWidget* child : row.findChildren<QWidget*>()) {
-        if (qobject_cast<QComboBox*>(child) != nullptr || qobject_cast<QAbstractSpinBox*>(child) != nullptr ||
-            qobject_cast<QAbstractSlider*>(child) != nullptr) {
-            child->installEventFilter(guard.get());
-        }
-    }
-    return guard;
+// The controls of the row whose drawings the style keeps, and that the wheel would change.
+QList<QWidget*> changingControls(const QWidget& row) {
+    QList<QWidget*> controls = row.findChildren<QWidget*>();
+    controls.removeIf([](const QWidget* child) {
+        return qobject_cast<const QComboBox*>(child) == nullptr &&
+               qobject_cast<const QAbstractSpinBox*>(child) == nullptr &&
+               qobject_cast<const QAbstractSlider*>(child) == nullptr;
+    });
+    return controls;
 }
 
 } // namespace
@@ -128,7 +129,11 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
             new QSpacerItem(room.width(), room.height(), QSizePolicy::Fixed, QSizePolicy::Fixed));
     }
     setPlainToolTip(*focus, Description());
-    wheelGuard = guardFromWheel(*body);
+    wheelGuard = std::make_unique<WheelGuard>();
+    for (QWidget* changing : changingControls(*body)) {
+        changing->installEventFilter(wheelGuard.get());
+        shareColors(*changing);
+    }
     ShowLock();
 }
 
