@@ -7,7 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <memory_resource>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -80,6 +82,29 @@ struct _PopupItem {
 };
 static_assert(sizeof(_PopupItem) == 64); // a description may have tens of thousands
 
-using PopupItems = std::vector<_PopupItem>;
+// Takes the memory of a list of choices from the heap, or from an object that outlives the list. The memory
+// moves with the list.
+template <typename Value>
+class ChoiceAllocator {
+public:
+    using value_type = Value;
+    using propagate_on_container_move_assignment = std::true_type;
+
+    ChoiceAllocator() = default;
+    explicit ChoiceAllocator(std::pmr::memory_resource& from)
+        : memory(&from) {}
+    Value* allocate(std::size_t count) {
+        return static_cast<Value*>(memory->allocate(count * sizeof(Value), alignof(Value)));
+    }
+    void deallocate(Value* list, std::size_t count) {
+        memory->deallocate(list, count * sizeof(Value), alignof(Value));
+    }
+    bool operator==(const ChoiceAllocator&) const = default;
+
+private:
+    std::pmr::memory_resource* memory = std::pmr::new_delete_resource();
+};
+
+using PopupItems = std::vector<_PopupItem, ChoiceAllocator<_PopupItem>>;
 
 } // namespace torka

@@ -4,6 +4,7 @@
 #include "PPDFile.h"
 #include "PPDX/Utilities/MemoryShortage.h"
 #include "PPDX/Utilities/ModelState.h"
+#include "platform/FreshMemory.h"
 
 #include <algorithm>
 #include <cstring>
@@ -32,6 +33,9 @@ bool PPDFileStream::Setup() {
             std::min<std::uint64_t>(file->dataForkSize(), static_cast<std::uint64_t>(capacity)));
         buffer.reset(capacity > 0 ? new (std::nothrow) char[static_cast<std::size_t>(capacity)] : nullptr);
         gMemoryShortages += capacity > 0 && !buffer ? 1U : 0U;
+        if (buffer) {
+            platform::takePages(buffer.get(), static_cast<std::size_t>(capacity));
+        }
     }
     long count = buffer ? capacity : 0;
     const OSStatus result = buffer ? file->dataForkRead(buffer.get(), count) : eofErr;

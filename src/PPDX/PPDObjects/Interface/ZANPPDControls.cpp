@@ -396,7 +396,8 @@ void ZANPPD::FinishPopup(ControlDraft& draft, ChoiceBlock& block, const CFString
             Note(PPDLintKind::unknownDefault, block.defaultLine, draft.keyword, *block.defaultOption);
         }
     }
-    PopupItems items(std::move_iterator(block.items.begin()), std::move_iterator(block.items.end()));
+    PopupItems items(std::move_iterator(block.items.begin()), std::move_iterator(block.items.end()),
+                     ChoiceAllocator<_PopupItem>(postscript));
     SetupControl(draft.group,
                  std::make_unique<PPDXPopupControl>(Define(draft, draft.keyword, name),
                                                     block.kind == ChoiceBlock::Kind::pickMany,
