@@ -49,7 +49,7 @@ std::string sessionText(const ApplicationPlaces& places, bool withGtk) {
     std::string text = std::string(comment) + "if [ -e " + places.plugIn.string() + " ]; then\n";
     for (const auto& [name, value, separator] : variables(places, withGtk)) {
         if (separator == '\0') {
-            text += "    export " + name + '=' + value + '\n';
+            text.append("    export ").append(name).append("=").append(value).append("\n");
             continue;
         }
         const std::string mark(1, separator);

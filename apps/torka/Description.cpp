@@ -6,6 +6,7 @@
 #include "jobsettings/SettingCheck.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace torka::tool {
@@ -51,18 +52,19 @@ std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint) 
 Result<void> checkUsable(const ZANPPD& description, const std::string& path) {
     PPDXErrors* errors = description.Errors();
     for (const PPDXErrorObj* error = errors->First(); error != nullptr; error = errors->Next()) {
-        if (*error == PPDErr_FileError) {
+        const std::int16_t code = error->Code();
+        if (code == PPDErr_FileError) {
             return Fault{std::string("cannot be read as a file (") + ppdErrName(PPDErr_FileError) + ")",
                          path};
         }
-        if (*error == PPDErr_NotPPDFile) {
+        if (code == PPDErr_NotPPDFile) {
             return Fault{
                 std::string("is not a PPD file of format 4.3 (") + ppdErrName(PPDErr_NotPPDFile) + ")", path};
         }
-        if (*error == PPDErr_TooManyElements || *error == PPDErr_TooManyBytes) {
-            const bool isElements = *error == PPDErr_TooManyElements;
+        if (code == PPDErr_TooManyElements || code == PPDErr_TooManyBytes) {
+            const bool isElements = code == PPDErr_TooManyElements;
             return Fault{std::string("holds more than ") + (isElements ? "1,000,000 elements" : "256 MiB") +
-                             " (" + ppdErrName(error->Code()) + ")",
+                             " (" + ppdErrName(code) + ")",
                          path};
         }
         if (error->IsFatal()) {

@@ -48,6 +48,12 @@ void compareValues(const Values& before, const Values& after, const std::string&
     }
 }
 
+std::string choiceName(const std::string& keyword, const std::string& choice) {
+    std::string name = keyword;
+    name.append("=").append(choice);
+    return name;
+}
+
 void compareText(const std::string& before, const std::string& after, const std::string& what,
                  const std::string& subject, Changes& changes) {
     if (before != after) {
@@ -104,14 +110,14 @@ void compareOption(const std::string& keyword, const Option& before, const Optio
     for (const auto& [choice, text] : before.choices) {
         const auto other = after.choices.find(choice);
         if (other == after.choices.end()) {
-            changes.push_back({"choice", keyword + "=" + choice, text, std::nullopt});
+            changes.push_back({"choice", choiceName(keyword, choice), text, std::nullopt});
         } else {
-            compareText(text, other->second, "text", keyword + "=" + choice, changes);
+            compareText(text, other->second, "text", choiceName(keyword, choice), changes);
         }
     }
     for (const auto& [choice, text] : after.choices) {
         if (!before.choices.contains(choice)) {
-            changes.push_back({"choice", keyword + "=" + choice, std::nullopt, text});
+            changes.push_back({"choice", choiceName(keyword, choice), std::nullopt, text});
         }
     }
     const bool hasSameChoices = std::ranges::equal(before.choices, after.choices, {},
@@ -121,7 +127,7 @@ void compareOption(const std::string& keyword, const Option& before, const Optio
     }
     for (const auto& [choice, code] : before.code) {
         if (const auto other = after.code.find(choice); other != after.code.end()) {
-            compareText(code, other->second, "code", keyword + "=" + choice, changes);
+            compareText(code, other->second, "code", choiceName(keyword, choice), changes);
         }
     }
 }
