@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "spooler/SpliceFile.h"
 
+#include "platform/OpenFile.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <optional>
@@ -19,25 +21,6 @@ namespace torka {
 namespace {
 
 constexpr std::size_t readSize = std::size_t{128} * 1024; // bytes per read
-
-class Descriptor {
-public:
-    explicit Descriptor(int opened)
-        : number(opened) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { Close(); }
-    int Number() const { return number; }
-    // Returns 0 or errno.
-    int Close() {
-        const int result = number >= 0 ? ::close(number) : 0;
-        number = -1;
-        return result == 0 ? 0 : errno;
-    }
-
-private:
-    int number;
-};
 
 SpliceOutcome failure(SpliceStatus status, const std::string& path, const char* what, int error) {
     return {status, path + ": " + what + ": " + std::generic_category().message(error), {}};
@@ -77,7 +60,7 @@ public:
         return isPlaced;
     }
 
-    Descriptor target;
+    platform::OpenFile target;
 
 private:
     std::string name;
@@ -144,29 +127,30 @@ SpliceOutcome spliceDescriptor(int source, const Ticket& ticket, int target, con
 
 SpliceOutcome spliceFile(const std::string& inputPath, const Ticket& ticket, const std::string& outputPath,
                          const SpliceProgress& progress) {
-    Descriptor input(::open(inputPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (input.Number() < 0) {
+    const platform::OpenFile input(::open(inputPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!input) {
         return failure(SpliceStatus::readFailed, inputPath, "cannot be opened", errno);
     }
     if (isDeviceOrPipe(outputPath)) {
-        Descriptor target(::open(outputPath.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-        if (target.Number() < 0) {
+        const platform::OpenFile target(::open(outputPath.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+        if (!target) {
             return failure(SpliceStatus::writeFailed, outputPath, "cannot be opened", errno);
         }
-        return withPath(spliceDescriptor(input.Number(), ticket, target.Number(), progress), inputPath,
-                        outputPath);
+        return withPath(spliceDescriptor(input.Descriptor(), ticket, target.Descriptor(), progress),
+                        inputPath, outputPath);
     }
     auto created = createNeighbour(outputPath);
     if (!created) {
         return failure(SpliceStatus::writeFailed, outputPath, "no file can be made beside it", errno);
     }
     Neighbour neighbour(created->first, std::move(created->second));
-    SpliceOutcome outcome = spliceDescriptor(input.Number(), ticket, neighbour.target.Number(), progress);
+    SpliceOutcome outcome =
+        spliceDescriptor(input.Descriptor(), ticket, neighbour.target.Descriptor(), progress);
     if (outcome.status == SpliceStatus::ok) {
         // Closing the file may be the first call that reports a full disk.
-        if (const int error = neighbour.target.Close(); error != 0) {
+        if (const std::error_code error = neighbour.target.Close()) {
             outcome.status = SpliceStatus::writeFailed;
-            outcome.errorText = "the document cannot be written: " + std::generic_category().message(error);
+            outcome.errorText = "the document cannot be written: " + error.message();
         } else if (!neighbour.TakePlace(outputPath)) {
             outcome.status = SpliceStatus::writeFailed;
             outcome.errorText =

@@ -10,7 +10,7 @@ namespace torka::filter {
 
 ServerChoices markedChoices(const std::string& ppdPath, const OptionMap& options) {
     ServerChoices choices;
-    const OpenedPPD ppd(ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()));
+    const OpenedPPD ppd = openDescription(ppdPath);
     if (!ppd) {
         return choices;
     }

@@ -21,6 +21,16 @@ namespace {
 
 std::filesystem::path place() { return platform::system().Resolve(cachesFolder); }
 
+// The path of a file in the folder. operator/ of libstdc++ 12 frees what it does not own when memory runs
+// out.
+std::string fileIn(std::string_view name) {
+    std::string path = place().string();
+    if (!path.ends_with('/')) {
+        path += '/';
+    }
+    return path.append(name);
+}
+
 // Rejects a folder that others can write: they could fill it.
 bool isTrustworthy(const struct stat& facts) {
     return S_ISDIR(facts.st_mode) && (facts.st_uid == ::geteuid() || facts.st_uid == 0) &&
@@ -100,12 +110,6 @@ std::vector<std::string> namesIn(const std::filesystem::path& folder) {
     return names;
 }
 
-OpenFile::~OpenFile() {
-    if (descriptor >= 0) {
-        ::close(descriptor);
-    }
-}
-
 std::error_code PrivateFolder::Prepare() {
     constexpr unsigned mode = 0711;
     if (const std::error_code error = makeFolder(place().parent_path(), mode)) { // without the last "/"
@@ -125,8 +129,8 @@ FileResult<OpenFile> PrivateFolder::Create(std::string_view name, std::string_vi
     if (const FileResult<OpenFile> folder = openFolderFor(name); !folder) {
         return folder.Why();
     }
-    const std::filesystem::path target = place() / name;
-    std::string temporary = (place() / ".torka-XXXXXX").string();
+    const std::string target = fileIn(name);
+    std::string temporary = fileIn(".torka-XXXXXX");
     // From here to the removal of this file nothing needs memory.
     OpenFile file(::mkostemp(temporary.data(), O_APPEND | O_CLOEXEC)); // mode 0600
     if (!file) {
@@ -154,7 +158,7 @@ FileResult<OpenFile> PrivateFolder::Lock(std::string_view name) {
     if (!isFileName(name)) {
         return std::make_error_code(std::errc::invalid_argument);
     }
-    OpenFile lock(::open((place() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    OpenFile lock(::open(fileIn(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!lock || ::flock(lock.Descriptor(), LOCK_EX) != 0) {
         return platform::lastError();
     }
@@ -185,28 +189,28 @@ FileResult<std::string> PrivateFolder::Read(std::string_view name, std::size_t l
 
 std::error_code PrivateFolder::Write(std::string_view name, std::string_view content, unsigned mode) {
     const FileResult<OpenFile> folder = openFolderFor(name);
-    return folder ? platform::system().WriteFile(place() / name, content, mode) : folder.Why();
+    return folder ? platform::system().WriteFile(fileIn(name), content, mode) : folder.Why();
 }
 
 bool PrivateFolder::Exists(std::string_view name) {
     struct stat facts {};
-    return isFileName(name) && ::lstat((place() / name).c_str(), &facts) == 0;
+    return isFileName(name) && ::lstat(fileIn(name).c_str(), &facts) == 0;
 }
 
 bool PrivateFolder::Remove(std::string_view name) {
-    return isFileName(name) && ::unlink((place() / name).c_str()) == 0;
+    return isFileName(name) && ::unlink(fileIn(name).c_str()) == 0;
 }
 
 std::int64_t PrivateFolder::Changed(std::string_view name) {
     struct stat facts {};
-    return isFileName(name) && ::lstat((place() / name).c_str(), &facts) == 0 ? facts.st_mtime : 0;
+    return isFileName(name) && ::lstat(fileIn(name).c_str(), &facts) == 0 ? facts.st_mtime : 0;
 }
 
 std::vector<PrivateFolder::Entry> PrivateFolder::List() {
     std::vector<Entry> entries;
     for (const std::string& name : namesIn(place())) {
         struct stat facts {};
-        if (::lstat((place() / name).c_str(), &facts) == 0 && S_ISREG(facts.st_mode)) {
+        if (::lstat(fileIn(name).c_str(), &facts) == 0 && S_ISREG(facts.st_mode)) {
             entries.push_back({name, static_cast<std::size_t>(facts.st_size), facts.st_mtime});
         }
     }

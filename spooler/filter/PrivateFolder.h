@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/OpenFile.h"
 #include "platform/Result.h"
 
 #include <cstdint>
@@ -21,29 +22,11 @@ std::error_code makeFolder(const std::filesystem::path& folder, unsigned mode);
 // iterators end the process.
 std::vector<std::string> namesIn(const std::filesystem::path& folder);
 
+using platform::OpenFile;
+
 // A value, or the error of the operating system.
 template <typename Value>
 using FileResult = Result<Value, std::error_code>;
-
-// An open file; closed with its owner.
-class OpenFile {
-public:
-    explicit OpenFile(int opened)
-        : descriptor(opened) {}
-    OpenFile(OpenFile&& other) noexcept
-        : descriptor(other.descriptor) {
-        other.descriptor = -1;
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    OpenFile& operator=(OpenFile&&) = delete;
-    ~OpenFile();
-    explicit operator bool() const { return descriptor >= 0; }
-    int Descriptor() const { return descriptor; }
-
-private:
-    int descriptor;
-};
 
 // "/Library/Caches/ZAN/" below the system root. Accepts only names without "/", follows no links, and opens
 // nothing that another user put there.

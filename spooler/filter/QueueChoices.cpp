@@ -52,7 +52,7 @@ bool isSameName(std::string_view one, std::string_view other) {
 
 QueueChoices QueueChoices::Read(const std::string& ppdPath) {
     QueueChoices choices;
-    const OpenedPPD ppd(ppdPath.empty() ? nullptr : ppdOpenFile(ppdPath.c_str()));
+    const OpenedPPD ppd = openDescription(ppdPath);
     if (!ppd) {
         return choices;
     }

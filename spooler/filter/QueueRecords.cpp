@@ -88,7 +88,7 @@ std::optional<Plan> plan(const Sizes& held, const std::vector<NamedPayload>& rec
 Result<void> putRecords(const std::string& queue, std::vector<NamedPayload> records) {
     // The server gives the path of the queue's PPD in the filter's environment.
     const char* path = std::getenv("PPD");
-    const OpenedPPD ppd(path == nullptr ? nullptr : ppdOpenFile(path));
+    const OpenedPPD ppd = openDescription(path == nullptr ? "" : path);
     if (ppd) {
         std::erase_if(records, [&ppd](const NamedPayload& record) {
             std::size_t size = 0;

@@ -138,6 +138,7 @@ void PaneCatalog::AddPages(const ZANPPD& ppd, const std::function<bool(std::stri
                 return;
             }
             PaneGroup group{rollDown->Keyword(), nameOf(*rollDown), {}};
+            group.fields.reserve(rollDown->Controls().ControlCount());
             rollDown->Controls().ForEach([&](PPDXControl* control) { addField(group, control); });
             if (!group.fields.empty()) {
                 page.groups.push_back(std::move(group));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cups/CupsSupplies.h"
 
+#include "platform/OpenFile.h"
 #include "platform/cups/CupsHandles.h"
 
 #include <algorithm>
@@ -132,32 +133,36 @@ class Deadline {
 public:
     Deadline(int descriptor, std::chrono::milliseconds limit)
         : own(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0)) {
-        if (own < 0) {
-            return;
+        if (own) {
+            watch = std::thread([this, limit] {
+                std::unique_lock lock(mutex);
+                if (!ended.wait_for(lock, limit, [this] { return isOver; })) {
+                    ::shutdown(own.Descriptor(), SHUT_RDWR);
+                }
+            });
         }
-        watch = std::jthread([own = own, limit](const std::stop_token& stop) {
-            std::mutex mutex;
-            std::unique_lock lock(mutex);
-            std::condition_variable_any condition;
-            if (!condition.wait_for(lock, stop, limit, [&stop] { return stop.stop_requested(); })) {
-                ::shutdown(own, SHUT_RDWR);
-            }
-        });
     }
     Deadline(const Deadline&) = delete;
     Deadline& operator=(const Deadline&) = delete;
     ~Deadline() {
-        watch = std::jthread(); // ends it before the descriptor goes
-        if (own >= 0) {
-            ::close(own);
+        {
+            const std::lock_guard lock(mutex);
+            isOver = true;
+        }
+        ended.notify_one();
+        if (watch.joinable()) {
+            watch.join();
         }
     }
     // Without descriptors to spare no limit can hold.
-    bool Holds() const { return own >= 0; }
+    bool Holds() const { return static_cast<bool>(own); }
 
 private:
-    int own;
-    std::jthread watch;
+    OpenFile own;
+    std::mutex mutex; // guards isOver
+    std::condition_variable ended;
+    bool isOver = false;
+    std::thread watch; // asks for no memory of its own: nobody could catch the exception
 };
 
 struct BoundedBody {

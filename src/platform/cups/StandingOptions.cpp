@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cups/StandingOptions.h"
 
+#include "platform/OpenFile.h"
 #include "platform/cups/CupsHandles.h"
 
 #include <algorithm>
@@ -27,24 +28,6 @@ constexpr std::size_t maximumLine = 8000; // bytes; libcups reads 8,191
 constexpr std::size_t maximumFile = std::size_t{4} * 1024 * 1024;
 constexpr mode_t folderMode = 0700;
 constexpr mode_t fileMode = 0644; // as lpoptions(1) leaves it: options are no secret
-
-// Closes its descriptor, which ends its lock.
-class Descriptor {
-public:
-    explicit Descriptor(int opened)
-        : number(opened) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (number >= 0) {
-            ::close(number);
-        }
-    }
-    int Number() const { return number; }
-
-private:
-    int number;
-};
 
 Fault lastFault(const std::filesystem::path& path) {
     return {std::generic_category().message(errno), path.string()};
@@ -148,8 +131,8 @@ Result<void> replaceFile(const std::filesystem::path& file, const std::string& t
     const std::filesystem::path resolved = std::filesystem::weakly_canonical(file, ignored);
     const std::filesystem::path& target = resolved.empty() ? file : resolved;
     std::string temporary = target.string() + ".XXXXXX";
-    const Descriptor made(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (made.Number() < 0) {
+    const OpenFile made(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!made) {
         return lastFault(target);
     }
     struct stat former {};
@@ -157,11 +140,11 @@ Result<void> replaceFile(const std::filesystem::path& file, const std::string& t
     std::size_t written = 0;
     bool isGood = true;
     while (isGood && written < text.size()) {
-        const ssize_t count = ::write(made.Number(), text.data() + written, text.size() - written);
+        const ssize_t count = ::write(made.Descriptor(), text.data() + written, text.size() - written);
         isGood = count > 0 || (count < 0 && errno == EINTR);
         written += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
-    if (!isGood || ::fchmod(made.Number(), mode) != 0 || ::fsync(made.Number()) != 0 ||
+    if (!isGood || ::fchmod(made.Descriptor(), mode) != 0 || ::fsync(made.Descriptor()) != 0 ||
         ::rename(temporary.c_str(), target.c_str()) != 0) {
         const Fault fault = lastFault(target);
         ::unlink(temporary.c_str());
@@ -205,8 +188,8 @@ Result<void> changeStandingOptions(const std::filesystem::path& file, const std:
         return Fault{bad->first + " has a name or a value that cannot be kept: it has a control character"};
     }
     ::mkdir(file.parent_path().c_str(), folderMode);
-    const Descriptor folder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.Number() < 0 || ::flock(folder.Number(), LOCK_EX) != 0) {
+    const OpenFile folder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder || ::flock(folder.Descriptor(), LOCK_EX) != 0) {
         return lastFault(file.parent_path());
     }
     std::error_code none;

@@ -2,6 +2,7 @@
 // PosixSystem's functions for whole files.
 
 #include "platform/LastError.h"
+#include "platform/OpenFile.h"
 #include "platform/posix/PosixSystem.h"
 
 #include <algorithm>
@@ -23,28 +24,6 @@ bool isUsablePath(const std::filesystem::path& path) {
     return !path.empty() && path.native().find('\0') == std::string::npos;
 }
 
-// An open file. The destructor closes it.
-class Descriptor {
-public:
-    explicit Descriptor(int opened)
-        : number(opened) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (number >= 0) {
-            close(number);
-        }
-    }
-    // Some file systems report a failed write only at close.
-    std::error_code Close() {
-        const int result = close(number);
-        number = -1;
-        return result == 0 ? std::error_code() : lastError();
-    }
-
-    int number;
-};
-
 std::error_code writeAll(int file, std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = write(file, content.data(), content.size());
@@ -65,20 +44,20 @@ bool isDeviceOrPipe(const std::filesystem::path& path) {
 }
 
 std::error_code writeInto(const std::filesystem::path& path, std::string_view content) {
-    Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-    if (file.number < 0) {
+    OpenFile file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    if (!file) {
         return lastError();
     }
-    const std::error_code failure = writeAll(file.number, content);
+    const std::error_code failure = writeAll(file.Descriptor(), content);
     return failure ? failure : file.Close();
 }
 
 std::error_code fillFile(int opened, std::string_view content, unsigned mode) {
-    Descriptor file(opened);
-    if (const std::error_code failure = writeAll(file.number, content)) {
+    OpenFile file(opened);
+    if (const std::error_code failure = writeAll(file.Descriptor(), content)) {
         return failure;
     }
-    if (fchmod(file.number, static_cast<mode_t>(mode & 0777)) != 0) {
+    if (fchmod(file.Descriptor(), static_cast<mode_t>(mode & 0777)) != 0) {
         return lastError();
     }
     return file.Close();
@@ -132,9 +111,9 @@ std::error_code PosixSystem::ReadFile(const std::filesystem::path& path, std::si
     if (!isUsablePath(path)) {
         return std::make_error_code(std::errc::invalid_argument);
     }
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const OpenFile file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat facts {};
-    if (file.number < 0 || fstat(file.number, &facts) != 0) {
+    if (!file || fstat(file.Descriptor(), &facts) != 0) {
         return lastError();
     }
     if (S_ISDIR(facts.st_mode)) {
@@ -154,7 +133,7 @@ std::error_code PosixSystem::ReadFile(const std::filesystem::path& path, std::si
         if (length == read.size()) {
             read.resize(read.size() + std::max<std::size_t>(read.size(), 4096));
         }
-        const ssize_t count = ::read(file.number, read.data() + length, read.size() - length);
+        const ssize_t count = ::read(file.Descriptor(), read.data() + length, read.size() - length);
         if (count < 0 && errno != EINTR) {
             return lastError();
         }
