@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <sstream>
 #include <thread>
@@ -97,6 +98,16 @@ bool SandboxTest::WaitUntil(const std::function<bool()>& condition) {
     }
     return false;
 }
+
+void SandboxTest::WaitForPart(int job) const {
+    const std::filesystem::path part = *sandbox / ("printed/." + std::to_string(job) + ".part");
+    EXPECT_TRUE(WaitUntil([&part] {
+        std::error_code none;
+        return std::filesystem::file_size(part, none) >= 65536 && !none;
+    }));
+}
+
+void SandboxTest::Release() const { std::ofstream(*sandbox / "printed/release") << ""; }
 
 std::string SandboxTest::Done(const std::vector<std::string>& arguments) {
     const CommandResult result = runTool(arguments);
