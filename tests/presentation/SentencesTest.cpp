@@ -11,7 +11,6 @@
 #include "pane/presentation/PageList.h"
 #include "pane/presentation/PresetChoice.h"
 #include "pane/presentation/QuickAccessChoice.h"
-#include "pane/presentation/TwoWayNotice.h"
 #include "pane/presentation/WatermarkEditing.h"
 #include "tests/presentation/PresentationFixture.h"
 
@@ -385,16 +384,6 @@ TEST(Sentences, AWatermarkNamesWhatItsFontCannotPrint) {
         spoken.texts.language.text = [said = word](const PaneWord&) { return said; };
         EXPECT_EQ(newWatermark(spoken.texts).text, text) << "a new one can be printed";
     }
-}
-
-TEST(Sentences, TwoWayCommunication) {
-    SpokenPane spoken(paneHeader);
-    const auto told = [&](bool isOn, bool hasFailed) {
-        return twoWayNotice(spoken.texts, twoWayState(isOn, hasFailed)).spoken;
-    };
-    EXPECT_EQ(told(false, true), "Two-way communication: Off");
-    EXPECT_EQ(told(true, false), "Two-way communication: On");
-    EXPECT_EQ(told(true, true), "Two-way communication: Printer does not answer");
 }
 
 TEST(Sentences, NamesOfPresets) {
