@@ -116,22 +116,23 @@ TEST(Control, InjectedNotesAreWholeStringsToAnInterpreter) {
          "% by (<*QVDSFileName>\n<a> pop << /K (\\)<*QVDSFileName>) >> /K get 1 1 index length 1 sub "
          "getinterval print flush\n"},
         {"*QVDSFileName", "/S <*QVDSFileName> def <<*QVDSFileName>> pop S print flush\n"}};
+    std::string program; // of all texts in all places, one behind the other
+    std::string expected;
     for (const auto& [keyword, place] : templates) {
         const PPDXControl control(CNTL_TYPE::jobNote, definitionOf(keyword, place));
-        std::string program; // of all texts, one behind the other
-        std::string expected;
+        const bool isComment = std::string_view(place).starts_with("%%");
+        const bool isFile = std::string_view(keyword) == "*QVDSFileName";
         for (const std::string& text : texts) {
             std::string code;
             control.Inject(keyword, control.PSData(), control.PSLength(), text.c_str(), code);
             program += code;
-            expected += *place == '%' && place[1] == '%' ? "comment" : text;
+            // Every line end in a string reads as a line feed.
+            const std::string read = isFile ? std::regex_replace(text, std::regex("\r\n?"), "\n") : text;
+            expected += isComment ? "comment" : read;
         }
-        const CommandResult result = runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-"}, program);
-        if (std::string_view(keyword) == "*QVDSFileName") { // every line end in a string reads as a line feed
-            expected = std::regex_replace(expected, std::regex("\r\n?"), "\n");
-        }
-        EXPECT_EQ(result.output + result.errors, expected) << program;
     }
+    const CommandResult result = runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-"}, program);
+    EXPECT_EQ(result.output + result.errors, expected) << program;
 }
 
 TEST(BooleanControl, ValuesPostScriptAndReports) {

@@ -448,7 +448,11 @@ TEST(Panel, TheWaitForTheServerKeepsTheAddress) {
         bench.dialog->printer->sendResult = sent;
         bench.system->files["/var/cache/torka/queues/Press.bididata"] = {"x", 0644};
         module.beginResult = begun;
-        module.edit = [&module] { module.settings.emplace_back(L"QVFold", L"Half"); };
+        module.edit = [&module, hasData = sent == noErr] {
+            const auto read = jobPropertiesHost()->getBidiDataCopy();
+            EXPECT_EQ(read ? *read : "", hasData ? "x\n" : "");
+            module.settings.emplace_back(L"QVFold", L"Half");
+        };
         panel->launchFullProperties();
         EXPECT_EQ(data.isBIDIEnabled(), sent == noErr && begun == 0);
         EXPECT_EQ(utf8Text(data.GetCorvianPrinterAddress()), address) << "the queue's own or the stored one";
