@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
-#include "platform/SecretMemory.h"
 #include "tests/e2e/ServerData.h"
 
 #include <csignal>
@@ -175,7 +174,7 @@ TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
 }
 
 TEST_F(Tickets, OfManyJobsAtOnceNoneCarriesAnothersSettings) {
-    constexpr int senders = platform::hasAddressSanitizer ? 20 : 40; // half a second of the processor each
+    constexpr int senders = 20; // half a second of the processor each
     const std::vector<std::string> queues{"Many1", "Many2", "Many3"};
     for (const std::string& queue : queues) {
         AddQueue(queue);
