@@ -11,6 +11,7 @@
 #include "pane/presentation/PageList.h"
 #include "pane/presentation/PresetChoice.h"
 #include "pane/presentation/QuickAccessChoice.h"
+#include "pane/presentation/TwoWayNotice.h"
 #include "pane/presentation/WatermarkEditing.h"
 #include "tests/presentation/PresentationFixture.h"
 
@@ -235,8 +236,8 @@ TEST_F(Sample, RangesAsSlidersAndSizesInTheCountrysUnit) {
     EXPECT_DOUBLE_EQ(metric.Largest(283.46), 99.9) << "100.0 mm would be more than the bound";
 }
 
-// The widgets' test has the other sentences.
-TEST(Sentences, Gauges) {
+// The widgets' tests have the other sentences.
+TEST(Sentences, GaugesAndTwoWayCommunication) {
     SpokenPane spoken(paneHeader);
     const auto told = [&](const auto& gauge) { return gaugeSentence(spoken.texts, shownGauge(gauge)); };
     EXPECT_EQ(told(TrayGauge{"Tray 2", "", 0, false}), "Tray 2: 0 %, needs attention");
@@ -244,6 +245,7 @@ TEST(Sentences, Gauges) {
     EXPECT_EQ(told(SupplyGauge{"Waste", "", 95, true}), "Waste: 95 %, needs attention");
     EXPECT_EQ(shownGauge(SupplyGauge{"Ärger", "", 1, false}).Initial(), "Ä");
     EXPECT_EQ(shownGauge(SupplyGauge{}).Initial(), "");
+    EXPECT_EQ(twoWayNotice(spoken.texts, twoWayState(false, true)).spoken, "Two-way communication: Off");
 }
 
 TEST(Sentences, RulesOfNotes) {
