@@ -99,10 +99,14 @@ function(torka_unity target files)
     endif()
 endfunction()
 
-# torka_tests(AREA [EACH] lib...): tests/AREA/*.cpp becomes the program test_AREA. ctest runs it once, as unit.AREA; with
-# EACH it runs every case on its own: for cases that wait for other programs, which others can run beside.
+# torka_tests(AREA [EACH [COST N]] lib...): tests/AREA/*.cpp becomes the program test_AREA. ctest runs it once, as
+# unit.AREA; with EACH it runs every case on its own: for cases that wait for other programs, which others can run beside.
+# ctest begins with the highest costs.
 function(torka_tests area)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "EACH" "" "")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "EACH" "COST" "")
+    if(NOT arg_COST)
+        set(arg_COST 40)
+    endif()
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${area}/*.cpp)
     if(NOT sources)
         return()
@@ -115,8 +119,9 @@ function(torka_tests area)
     target_compile_definitions(test_${area} PRIVATE
         TORKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TORKA_BINARY_DIR="${CMAKE_BINARY_DIR}")
     if(arg_EACH)
-        gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300
-            ENVIRONMENT LC_ALL=C.UTF-8) # the texts that they expect
+        # The environment has the language of the texts that they expect.
+        gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 COST ${arg_COST}
+            ENVIRONMENT LC_ALL=C.UTF-8)
     else()
         add_test(NAME unit.${area} COMMAND test_${area} --gtest_brief=1)
         # The cost lets ctest begin with them, since they take longest.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Runs a fuzz target on the files and folders of the command line, without libFuzzer. The sanitizer builds
-// replay each corpus with it as a test. Fails when there is no input, so that a lost corpus is noticed.
+// Runs a fuzz target on the files and folders of the command line, without libFuzzer. ctest replays each
+// corpus with it. Fails when there is no input, so that a lost corpus is noticed.
 //
 // --random N[,SEED] runs the target on N random inputs in this one process; scripts/soak watches its memory.
 

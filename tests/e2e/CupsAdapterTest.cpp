@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/cups/CupsPrinting.h"
-#include "platform/cups/CupsSpooler.h"
-#include "platform/posix/PosixSystem.h"
-#include "tests/e2e/Sandbox.h"
+#include "tests/e2e/ServerData.h"
 
 #include <algorithm>
 
@@ -12,16 +9,8 @@ namespace torka::tests {
 
 namespace {
 
-class CupsAdapter : public SandboxTest {
+class CupsAdapter : public ServerData {
 protected:
-    void SetUp() override {
-        setSystem(std::make_unique<PosixSystem>());
-        SandboxTest::SetUp();
-    }
-    void TearDown() override {
-        SandboxTest::TearDown();
-        setSystem(nullptr);
-    }
     // As the spooler lists it once it is over.
     static SpoolerJob JobWhenOver(const CupsPrinter& printer) {
         WaitForEnd(printer.CommandJob());

@@ -197,16 +197,12 @@ TEST_F(Printing, AFilterThatCrashesOrIsCancelledFailsItsJobAndNoOther) {
     // Killed by the kernel for want of memory; crashed; cancelled.
     for (const int number : {SIGKILL, SIGABRT, 0}) {
         const int job = jobNumber(Done({"print", "-d", "Slow", file, "PageSize=A4", "--no-wait"}));
-        const std::filesystem::path part = *sandbox / ("printed/." + std::to_string(job) + ".part");
-        EXPECT_TRUE(WaitUntil([&part] {
-            std::error_code none;
-            return std::filesystem::exists(part) && std::filesystem::file_size(part, none) >= 65536;
-        }));
+        WaitForPart(job);
         const int worker = filterBelow(filterBelow(std::stoi(readFile(*sandbox / "cupsd.pid"))));
         ASSERT_NE(worker, 0);
         if (number != 0) {
             ASSERT_EQ(kill(worker, number), 0);
-            std::ofstream(*sandbox / "printed/release") << "";
+            Release();
         } else {
             cancelJob("Slow", job);
         }
@@ -217,7 +213,7 @@ TEST_F(Printing, AFilterThatCrashesOrIsCancelledFailsItsJobAndNoOther) {
         EXPECT_TRUE(WaitUntil([worker] { return kill(worker, 0) != 0; }));
         std::filesystem::remove(*sandbox / "printed/release");
     }
-    std::ofstream(*sandbox / "printed/release") << "";
+    Release();
     EXPECT_GT(sandbox->Printed(jobNumber(Done({"print", "-d", "Slow", file, "PageSize=A4"}))).size(),
               4'000'000U);
     std::filesystem::remove(*sandbox / "printed/release");

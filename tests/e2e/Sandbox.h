@@ -54,6 +54,9 @@ protected:
     // True as soon as the condition is; false after 20 seconds.
     static bool WaitUntil(const std::function<bool()>& condition);
     static platform::JobStatus WaitForEnd(int job);
+    // The device torkasink:/wait writes the beginning of a document and waits until Release.
+    void WaitForPart(int job) const;
+    void Release() const;
     // The last document's job, 0 for none; commands do not count.
     static int LastJob();
     // The output of the tool; fails the test when the tool does.

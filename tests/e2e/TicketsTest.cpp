@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bidi/commands/SpoolerCommands.h"
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
-#include "platform/SecretMemory.h"
-#include "platform/System.h"
-#include "platform/cups/CupsPrinting.h"
-#include "platform/posix/PosixSystem.h"
-#include "tests/e2e/Sandbox.h"
+#include "tests/e2e/ServerData.h"
 
 #include <csignal>
 #include <cups/cups.h>
-#include <fstream>
 #include <future>
 #include <map>
 #include <set>
@@ -25,17 +19,12 @@ namespace {
 
 constexpr std::string_view notePrefix = "%%ZANCustom1: ";
 
-class Tickets : public SandboxTest {
+class Tickets : public ServerData {
 protected:
-    void SetUp() override {
-        SandboxTest::SetUp();
-        platform::setSystem(std::make_unique<platform::PosixSystem>(platform::PosixSystemOptions{}));
-    }
     void TearDown() override {
         cupsSetUser("root");
         std::filesystem::remove(*sandbox / "printed/release");
-        platform::setSystem(nullptr);
-        SandboxTest::TearDown();
+        ServerData::TearDown();
     }
 
     // Sends a ticket with one note ahead of a job. Returns the ticket's path.
@@ -71,14 +60,8 @@ protected:
         const TemporaryFolder folder;
         const std::string file =
             folder.Write("long.ps", "%!PS\n" + std::string(200'000, '%') + "\nshowpage\n");
-        const int job = *submitFile(queue, file, "long", {});
-        const std::filesystem::path part = *sandbox / ("printed/." + std::to_string(job) + ".part");
-        EXPECT_TRUE(WaitUntil([&part] {
-            std::error_code none;
-            return std::filesystem::file_size(part, none) >= 65536 && !none;
-        }));
+        WaitForPart(*submitFile(queue, file, "long", {}));
     }
-    void Release() const { std::ofstream(*sandbox / "printed/release") << ""; }
 };
 
 using NoteSet = std::set<std::string>;
@@ -191,7 +174,7 @@ TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
 }
 
 TEST_F(Tickets, OfManyJobsAtOnceNoneCarriesAnothersSettings) {
-    constexpr int senders = platform::hasAddressSanitizer ? 20 : 40; // half a second of the processor each
+    constexpr int senders = 20; // half a second of the processor each
     const std::vector<std::string> queues{"Many1", "Many2", "Many3"};
     for (const std::string& queue : queues) {
         AddQueue(queue);

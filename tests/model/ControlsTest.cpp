@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/UIConstraints.h"
-
-#include <algorithm>
-#include <gtest/gtest.h>
-
+#include "PPDX/PPDObjects/Groups/PPDXGroups.h"
+#include "PPDX/PPDObjects/Properties/PPDXProperties.h"
+#include "PPDX/Utilities/ModelState.h"
+#include "Settings.h"
 #include "tests/model/ModelFixtures.h"
 #include "tests/support/TestSupport.h"
 
@@ -116,22 +116,23 @@ TEST(Control, InjectedNotesAreWholeStringsToAnInterpreter) {
          "% by (<*QVDSFileName>\n<a> pop << /K (\\)<*QVDSFileName>) >> /K get 1 1 index length 1 sub "
          "getinterval print flush\n"},
         {"*QVDSFileName", "/S <*QVDSFileName> def <<*QVDSFileName>> pop S print flush\n"}};
+    std::string program; // of all texts in all places, one behind the other
+    std::string expected;
     for (const auto& [keyword, place] : templates) {
         const PPDXControl control(CNTL_TYPE::jobNote, definitionOf(keyword, place));
-        std::string program; // of all texts, one behind the other
-        std::string expected;
+        const bool isComment = std::string_view(place).starts_with("%%");
+        const bool isFile = std::string_view(keyword) == "*QVDSFileName";
         for (const std::string& text : texts) {
             std::string code;
             control.Inject(keyword, control.PSData(), control.PSLength(), text.c_str(), code);
             program += code;
-            expected += *place == '%' && place[1] == '%' ? "comment" : text;
+            // Every line end in a string reads as a line feed.
+            const std::string read = isFile ? std::regex_replace(text, std::regex("\r\n?"), "\n") : text;
+            expected += isComment ? "comment" : read;
         }
-        const CommandResult result = runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-"}, program);
-        if (std::string_view(keyword) == "*QVDSFileName") { // every line end in a string reads as a line feed
-            expected = std::regex_replace(expected, std::regex("\r\n?"), "\n");
-        }
-        EXPECT_EQ(result.output + result.errors, expected) << program;
     }
+    const CommandResult result = runCommand({"gs", "-q", "-dNODISPLAY", "-dBATCH", "-"}, program);
+    EXPECT_EQ(result.output + result.errors, expected) << program;
 }
 
 TEST(BooleanControl, ValuesPostScriptAndReports) {
@@ -231,6 +232,228 @@ TEST(CustomPageSizeControl, ReadsAndTellsBothSides) {
     EXPECT_EQ(valueOf(control), "9.000000 9.000000");
     EXPECT_EQ(postScriptOf(control), "raw\n");
     EXPECT_EQ(control.MaxHeight(), 2000);
+}
+
+class PopupTest : public testing::Test {
+protected:
+    void TearDown() override { gPopupJobNotesDoneInitializing = gPopupJobNotesFoundOne = false; }
+
+    std::unique_ptr<PPDXPopupControl> Make(const char* keyword, bool multiSelect, const char* preset) {
+        PopupItems items;
+        items.push_back(itemOf("A", "a\n"));
+        items.push_back(itemOf("B", "b\n"));
+        items.push_back(itemOf("C"));
+        items.back().psLength = -1;
+        return std::make_unique<PPDXPopupControl>(definitionOf(keyword, {}, &store), multiSelect, false,
+                                                  std::move(items), preset);
+    }
+
+    std::string Reported(const char* key) const { return selectedIn(store, key); }
+
+    // "A+B": the keywords of the selected items.
+    static std::string Selected(PPDXPopupControl& popup) {
+        std::string selected;
+        for (const _PopupItem* item = popup.FirstItem(); item; item = popup.NextItem()) {
+            if (item->selected != 0) {
+                selected += (selected.empty() ? "" : "+") + std::string(item->keyword.Buffer());
+            }
+        }
+        return selected;
+    }
+
+    UIConstraints store;
+};
+
+TEST_F(PopupTest, DefaultIsSelectedAndReported) {
+    const auto popup = Make("*P", false, "B");
+    EXPECT_EQ(popup->GetValue(), 2);
+    EXPECT_EQ(Reported("*P"), "B");
+    EXPECT_EQ(postScriptOf(*popup), "%%BeginFeature: *P B\nb\n%%EndFeature\n");
+    EXPECT_STREQ(popup->GetDefaultKeyword(), "B");
+
+    const auto stray = Make("*Q", false, "Z");
+    EXPECT_EQ(stray->GetValue(), 0);
+    EXPECT_EQ(stray->DefaultValue(), 0);
+    EXPECT_STREQ(stray->GetDefaultKeyword(), "Z");
+    EXPECT_EQ(valueOf(*stray), "");
+    EXPECT_EQ(Reported("*Q"), "");
+    EXPECT_EQ(postScriptOf(*stray), "");
+}
+
+TEST_F(PopupTest, IndexBeyondTheListDeselectsAndKeepsCurrent) {
+    const auto popup = Make("*P", false, "A");
+    popup->SetValue(3);
+    EXPECT_EQ(Reported("*P"), "C");
+    for (const int outside : {4, 0, -1}) {
+        popup->SetValue(outside);
+        EXPECT_EQ(popup->GetValue(), 0);
+        EXPECT_EQ(Reported("*P"), "C");
+        EXPECT_EQ(postScriptOf(*popup), "%%BeginFeature: *P C\n\n%%EndFeature\n");
+    }
+}
+
+TEST_F(PopupTest, SelectingByKeyword) {
+    struct Case {
+        bool multiSelect;
+        const char* keyword;
+        bool select;
+        bool found;
+        const char* selected; // starting from A+B, or from A with single selection
+        const char* current;
+    };
+    const Case cases[] = {
+        {false, "B", true, true, "B", "B"}, {false, "B", false, true, "", "B"},
+        {false, "Z", true, false, "", "A"}, {true, "C", true, true, "A+B+C", "C"},
+        {true, "A", false, true, "B", "A"}, {true, "Z", true, false, "A+B", "B"},
+    };
+    for (const Case& each : cases) {
+        const auto popup = Make("*P", each.multiSelect, "A");
+        if (each.multiSelect) {
+            popup->SetKeywordSelect("B", true);
+        }
+        EXPECT_EQ(popup->SetKeywordSelect(each.keyword, each.select), each.found);
+        EXPECT_EQ(Selected(*popup), each.selected) << each.keyword;
+        EXPECT_EQ(Reported("*P"), each.keyword); // even if no item has this keyword
+        EXPECT_EQ(postScriptOf(*popup).substr(0, 20), std::string("%%BeginFeature: *P ") + each.current);
+    }
+    const auto popup = Make("*P", false, "A");
+    EXPECT_FALSE(popup->SetKeywordSelect(nullptr, true));
+    PPDXPopupControl empty(definitionOf("*E", {}, &store), false, false, {}, nullptr);
+    EXPECT_FALSE(empty.SetKeywordSelect("A", true));
+    EXPECT_EQ(Reported("*E"), "");
+    EXPECT_EQ(Selected(*popup), "A");
+}
+
+TEST_F(PopupTest, DuplicateKeywordsEmitTheFirst) {
+    PopupItems items;
+    items.push_back(itemOf("A", "first\n"));
+    items.push_back(itemOf("A", "second\n"));
+    PPDXPopupControl popup(definitionOf("*P"), false, true, std::move(items), nullptr);
+    popup.SetValue(2);
+    EXPECT_EQ(postScriptOf(popup), "%%BeginFeature: *P A\nfirst\n%%EndFeature\n");
+    popup.SetKeywordSelect("A", true); // single selection: every match is selected
+    EXPECT_EQ(Selected(popup), "A+A");
+    EXPECT_TRUE(popup.IsInstallableOption());
+}
+
+TEST_F(PopupTest, DefaultIndexOverride) {
+    const auto popup = Make("*P", false, "A");
+    popup->SetDefaultValue(3);
+    struct Case {
+        bool done, found;
+        int expected;
+    };
+    for (const Case& each : {Case{false, false, 3}, {false, true, 3}, {true, true, 3}, {true, false, 1}}) {
+        gPopupJobNotesDoneInitializing = each.done;
+        gPopupJobNotesFoundOne = each.found;
+        EXPECT_EQ(popup->DefaultValue(), each.expected);
+        popup->ResetToDefaultValue();
+        EXPECT_EQ(popup->GetValue(), each.expected);
+    }
+    gPopupJobNotesDoneInitializing = false;
+    popup->SetDefaultValue(0);
+    EXPECT_EQ(popup->DefaultValue(), 1);
+}
+
+TEST_F(PopupTest, OnlyColourPopupsTakeNewChoices) {
+    const char* colours[] = {"*QVSimulation", "*QVOutProfile",   "*QVRGBOverride", "*QVCurveAdjust",
+                             "*QVControlBar", "*QVSpotPriority", "*QVGrayOverride"};
+    for (const char* keyword : colours) {
+        const auto popup = Make(keyword, false, "A");
+        popup->SetCurrentControlWithCFString(cfString("caf\u00e9 1"));
+        EXPECT_EQ(popup->ItemCount(), 4U);
+        EXPECT_EQ(valueOf(*popup), "caf\u00e9 1");
+        EXPECT_STREQ(popup->GetKeywordLocalName("caf\u00e9 1"), "caf\u00e9 1");
+        EXPECT_EQ(Reported(keyword), "caf\u00e9 1");
+        popup->SetCurrentControlWithCFString(cfString("B"));
+        popup->SetCurrentControlWithCFString(cfString("caf\u00e9 1"));
+        EXPECT_EQ(popup->ItemCount(), 4U);
+        EXPECT_EQ(popup->GetValue(), 4);
+        popup->SetCurrentControlWithCFString(cfString("")); // no keyword, so that the default is selected
+        EXPECT_EQ(valueOf(*popup), "A");
+    }
+    for (const char* keyword : {"*QVSimulations", "*P"}) {
+        const auto popup = Make(keyword, false, "B");
+        popup->SetCurrentControlWithCFString(cfString("New"));
+        popup->SetCurrentControlWithCFString(cfString("c"));
+        popup->SetCurrentControlWithCFString(nullptr);
+        EXPECT_EQ(popup->ItemCount(), 3U);
+        EXPECT_EQ(valueOf(*popup), "B");
+    }
+}
+
+class CollectionsTest : public testing::Test {
+protected:
+    void TearDown() override { gDisplayOptions = 0; }
+};
+
+TEST_F(CollectionsTest, ALookUpOfWhatIsShownPassesOverOrphans) {
+    PPDXControls controls;
+    std::vector<PPDXControl*> added;
+    for (int i = 0; i < 2; ++i) {
+        added.push_back(new PPDXPopupControl(definitionOf("*QVOut"), false, false, itemsOf({"A"}), "A"));
+        controls.Add(added.back());
+    }
+    CNTL_TYPE type = CNTL_TYPE::none;
+    EXPECT_EQ(controls.FindDisplayed("*QVOut", type, true), nullptr);
+    added[1]->SetParent(added[0]);
+    EXPECT_EQ(controls.FindDisplayed("*QVOut", type, true), added[1]);
+    EXPECT_EQ(controls.Find("*QVOut", type, true), added[0]);
+    EXPECT_EQ(type, CNTL_TYPE::popup);
+}
+
+// More controls than a list looks through one by one.
+TEST_F(CollectionsTest, EachKindHasItsOwnOrderCursorAndLookUpInOneList) {
+    gDisplayOptions = 3;
+    PPDXControls controls;
+    std::vector<PPDXControl*> popups;
+    std::vector<PPDXControl*> specials;
+    for (std::size_t i = 0; i < 20; ++i) {
+        const std::string keyword = "*K" + std::to_string(i);
+        specials.push_back(new PPDXSpecialOption(definitionOf(keyword.c_str()), "1"));
+        popups.push_back(
+            new PPDXPopupControl(definitionOf(keyword.c_str()), false, false, itemsOf({"A"}), "A"));
+        controls.Add(specials.back());
+        controls.Add(popups.back());
+    }
+    EXPECT_EQ(controls.NextPopupControl(), nullptr);
+    PPDXControl* special = controls.FirstSpecialOption();
+    PPDXControl* popup = controls.FirstPopupControl();
+    for (std::size_t i = 0; i < 20; ++i) {
+        const std::string keyword = "*K" + std::to_string(i);
+        EXPECT_EQ(special, specials.at(i));
+        EXPECT_EQ(popup, popups.at(i));
+        EXPECT_EQ(controls.FindPopup(keyword.c_str(), true), popups.at(i));
+        EXPECT_EQ(controls.FindSpecialOption(keyword.c_str(), true), specials.at(i));
+        special = controls.NextSpecialOption();
+        popup = controls.NextPopupControl();
+    }
+    EXPECT_EQ(special, nullptr);
+    EXPECT_EQ(controls.NextSpecialOption(), nullptr);
+    EXPECT_EQ(controls.SpecialOptionsCount(), 20U);
+    EXPECT_EQ(controls.FindPopup("9", false), popups.at(9));
+}
+
+TEST_F(CollectionsTest, DamagedSettingsLoseOnlyWhatIsDamaged) {
+    Settings settings;
+    settings.SetInteger("Controls.count", INT64_MAX);
+    settings.SetInteger("Groups.count", INT64_MAX);
+    settings.SetInteger("Properties.count", -1);
+    settings.SetInteger("Control0.type", 99);
+    settings.SetInteger("Control1.type", 5);
+    settings.Set("Control1.keyword", "=*P");
+    settings.Set("Control1.item1.keyword", "#4");
+    settings.Set("Control1.selected", "=7 x");
+    settings.SetInteger("Control2.type", 2);
+    settings.SetInteger("Control2.increment", 0);
+    settings.Set("Control2.maximum", "=x");
+    PPDXControls controls(settings, nullptr, nullptr);
+    EXPECT_TRUE(PPDXGroups(settings).Empty());
+    EXPECT_TRUE(PPDXProperties(settings, nullptr).Empty());
+    gDisplayOptions = 3;
+    EXPECT_EQ(controls.ControlCount(), 2U);
+    EXPECT_EQ(controls.FindPopup("*P", true)->ItemCount(), 0U);
+    EXPECT_EQ(valueOf(*controls.FirstRangeControl()), "0");
 }
 
 } // namespace

@@ -179,23 +179,6 @@ TEST(SpoolerReading, NeighboursAndBlanksAreReadAsLibcupsReadsThem) {
     }
 }
 
-// The extension's own lines between options and behind a forgotten closing line.
-TEST(SpoolerReading, NeighboursThatLibcupsDoesNotKnowSurviveToo) {
-    const std::string lines = "*%QVShortcut *N\n*%ZANSpecialOption *QVUTF8_Version : 5\n"
-                              "*%ParamCustomPrintSize Width : 1 points 72 720\n*%QVVersion : \"4.2\"\n"
-                              "*% 0001 *DMT_Injection text\n";
-    for (const std::string& blocks :
-         {option("M", lines) + option("N"), option("M", lines, {}) + option("N")}) {
-        const auto model = parseText(heading + "*OpenGroup: InstallableOptions/Units\n" + blocks);
-        EXPECT_EQ(model->GetShortcuts()->Count(), 1U);
-        EXPECT_EQ(valueOf(*model, "*QVUTF8_Version"), "5");
-        EXPECT_TRUE(find(*model, "*CustomPrintSize"));
-        EXPECT_STREQ(model->MakerVersion()->Buffer(), "4.2");
-        EXPECT_EQ(model->DMTInjection(), "*% 0001 *DMT_Injection text\n");
-        EXPECT_EQ(valueOf(*model, "*M"), "B");
-    }
-}
-
 // The descriptions that the spooler's own compiler makes of its sample drivers, and random ones.
 TEST(SpoolerReading, MadeDescriptionsAreReadAsLibcupsReadsThem) {
     const TemporaryFolder folder;

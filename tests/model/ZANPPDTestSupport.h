@@ -74,13 +74,16 @@ inline std::vector<std::string> errorsOf(const ZANPPD& model) {
     return result;
 }
 
-// Each error's line and code, and each finding's line and name with its suggestion behind "?", in line order.
+// Each error's line, code and keyword, and each finding's line and name with its suggestion behind "?", in
+// line order.
 using Findings = std::vector<std::pair<long, std::string>>;
 
 inline Findings findingsOf(const ZANPPD& model, const PPDLint& lint) {
     Findings found;
     for (const PPDXErrorObj* error = model.Errors()->First(); error; error = model.Errors()->Next()) {
-        found.emplace_back(error->Line(), std::to_string(error->Code()));
+        const std::string keyword = error->Keyword();
+        found.emplace_back(error->Line(),
+                           std::to_string(error->Code()) + (keyword.empty() ? "" : " " + keyword));
     }
     for (const PPDLintNote& note : lint.Notes()) {
         found.emplace_back(note.line,
@@ -92,6 +95,24 @@ inline Findings findingsOf(const ZANPPD& model, const PPDLint& lint) {
 
 inline PPDXControl* find(const ZANPPD& model, const char* keyword) {
     return model.GetPPDXControlForKey(cfString(keyword));
+}
+
+// Calls back with each choice of a popup or boolean, while it is selected, and once with the value of others.
+template <class Use>
+void forEachChoice(PPDXControl& control, Use use) {
+    if (auto* popup = dynamic_cast<PPDXPopupControl*>(&control)) {
+        for (std::size_t i = 1; i <= popup->ItemCount(); ++i) {
+            popup->SetValue(static_cast<int>(i));
+            use(valueOf(control));
+        }
+    } else if (control.Type() == CNTL_TYPE::boolean) {
+        for (const char* value : {"True", "False"}) {
+            control.SetCurrentControlWithCFString(cfString(value));
+            use(value);
+        }
+    } else {
+        use(valueOf(control));
+    }
 }
 
 inline std::string valueOf(const ZANPPD& model, const char* keyword) {

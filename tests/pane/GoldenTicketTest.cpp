@@ -73,9 +73,8 @@ std::string smallDescription(const std::string& version, const std::string& lang
            "*%ParamCustomPrintSize Height: 2 points 419.53 1368\n" +
            popup("QVOutProfile", {"Coated", "Plain"}) + popup("QVSimulation", {"None", "Press"}) +
            popup("QVCurveAdjust", {"None", "Soft"}) + popup("QVControlBar", {"Narrow", "True", "Wide"}) +
-           "*%ZANFlags *QVScale: Dynamic\n*%ZANGroup *QVScale: Group\n*%ZANRange *QVScale/Scale: "
-           "5;400;1;100;\"<*QVScale>\"\n" +
-           popup("QVDestination", {"Print", "File"}) + jobNote("QVMailboxName") + jobNote("Notes1");
+           range("QVScale", "5;400;1;100") + popup("QVDestination", {"Print", "File"}) +
+           jobNote("QVMailboxName") + jobNote("Notes1");
 }
 
 std::string shown(std::string_view bytes) {

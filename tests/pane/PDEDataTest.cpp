@@ -127,8 +127,7 @@ TEST(PDEData, ControlsOfTheBasicPanel) {
                                 "QVSlipSheetPaperCatalog"}) {
         controls += popup(keyword, {"None"});
     }
-    controls += "*OpenGroup: InstallableOptions/Options\n*OpenUI *QVUnit/Unit: PickOne\n*DefaultQVUnit: A\n"
-                "*QVUnit A: \"\"\n*CloseUI: *QVUnit\n*CloseGroup: InstallableOptions\n";
+    controls += unit("QVUnit", {"A"});
     for (const bool hasCurve : {false, true}) {
         Pane pane(paneHeader + controls + (hasCurve ? popup("QVCurveAdjust", {"None"}) : ""));
         EXPECT_FALSE(pane.data->IsValidBasicPanelControl(nullptr));

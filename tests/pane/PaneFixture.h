@@ -21,11 +21,14 @@ inline const std::string paneHeader = "*PPD-Adobe: \"4.3\"\n"
                                       "*%ZANParent Pane/Page: True|Scrollpane\n"
                                       "*%ZANParent Group/Pane: True|Rolldown\n";
 
+inline std::string inGroup(const std::string& keyword, const std::string& flags = "Dynamic") {
+    return "*%ZANFlags *" + keyword + ": " + flags + "\n*%ZANGroup *" + keyword + ": Group\n";
+}
+
 inline std::string popup(const std::string& keyword, const std::vector<std::string>& choices,
                          const std::string& flags = "Dynamic") {
-    std::string text = "*%ZANFlags *" + keyword + ": " + flags + "\n*%ZANGroup *" + keyword +
-                       ": Group\n*OpenUI *" + keyword + "/" + keyword + " name: PickOne\n*Default" + keyword +
-                       ": " + choices.front() + "\n";
+    std::string text = inGroup(keyword, flags) + "*OpenUI *" + keyword + "/" + keyword +
+                       " name: PickOne\n*Default" + keyword + ": " + choices.front() + "\n";
     for (const std::string& choice : choices) {
         text += "*" + keyword + " " + choice + ": \"% " + choice + "\"\n";
     }
@@ -33,8 +36,21 @@ inline std::string popup(const std::string& keyword, const std::vector<std::stri
 }
 
 inline std::string jobNote(const std::string& keyword, const std::string& flags = "255|UTF8") {
-    return "*%ZANFlags *" + keyword + ": Dynamic\n*%ZANGroup *" + keyword + ": Group\n*%ZANJobNote *" +
-           keyword + "/" + keyword + " name: " + flags + "\n*%" + keyword + ": \"% (<*" + keyword + ">)\"\n";
+    return inGroup(keyword) + "*%ZANJobNote *" + keyword + "/" + keyword + " name: " + flags + "\n*%" +
+           keyword + ": \"% (<*" + keyword + ">)\"\n";
+}
+
+inline std::string range(const std::string& keyword, const std::string& bounds,
+                         const std::string& kind = "Range") {
+    return inGroup(keyword) + "*%ZAN" + kind + " *" + keyword + "/" + keyword + ": " + bounds + ";\"<*" +
+           keyword + ">\"\n";
+}
+
+// A popup of the installable options.
+inline std::string unit(const std::string& keyword, const std::vector<std::string>& choices) {
+    std::string text = popup(keyword, choices, "Setup");
+    text.erase(text.find("*%ZANGroup"), text.find("*OpenUI") - text.find("*%ZANGroup"));
+    return "*OpenGroup: InstallableOptions/Installed\n" + text + "*CloseGroup: InstallableOptions\n";
 }
 
 // The lines by which a description carries a management template.
@@ -92,6 +108,16 @@ private:
         Open();
     }
 };
+
+// "KEYWORD=VALUE " of each control whose value is not its default.
+inline std::string changesIn(const ZANPPD& model) {
+    std::string text;
+    model.GetControls()->ForEach([&text](PPDXControl* control) {
+        const std::string value = utf8Text(control->CopyCurrentControlValueString());
+        text += value == control->DefaultText() ? "" : std::string(control->Keyword()) + "=" + value + " ";
+    });
+    return text;
+}
 
 inline std::vector<std::string> pairsOf(std::span<const WideSetting> list) {
     std::vector<std::string> texts;

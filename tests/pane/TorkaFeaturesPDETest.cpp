@@ -329,8 +329,7 @@ TEST(Panel, PrintingSendsTheTicketAndKeepsTheSettings) {
     // A new dialog begins with the last settings, except for secrets.
     bench.dialog->settings = std::make_shared<MemoryPrintSettings>();
     panel = bench.Open();
-    EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
-    EXPECT_EQ(valueOf(*panel, "*QVSecret"), "");
+    EXPECT_EQ(changesIn(*panel->getPPDPtr()), "*QVFold=Half ");
     // A cancelled dialog stores its settings in the print settings and sends nothing.
     bench.dialog->printer->sent.clear();
     set(*panel, "*QVDuplex", "Tumble");
@@ -431,10 +430,11 @@ TEST(Panel, ATypedAddressIsStored) {
     EXPECT_TRUE(panel->GetPDEDataPtr()->isBIDIEnabled());
 }
 
-// The person continues without two-way communication, once because the queue refuses the request, once
-// because the module cannot begin. Only the second forgets the address.
+// The person continues without two-way communication when the queue refuses the request or the module cannot
+// begin. Only the second forgets the address.
 TEST(Panel, TheWaitForTheServerKeepsTheAddress) {
-    for (const bool isRefused : {true, false}) {
+    for (const auto& [sent, begun, address] :
+         {std::tuple{kPMGeneralError, 0, "10.0.0.9"}, {noErr, 1, "10.0.0.7"}, {noErr, 0, "10.0.0.9"}}) {
         Bench bench;
         FakeJobPropertiesModule module;
         const auto panel = bench.OpenShown();
@@ -445,13 +445,18 @@ TEST(Panel, TheWaitForTheServerKeepsTheAddress) {
         bench.widgets.sheet->field = "10.0.0.9";
         data.SetCorvianPrinterAddress(cfString("10.0.0.9"), true);
         bench.alerts->answer = AlertButton::defaultButton;
-        bench.dialog->printer->sendResult = isRefused ? kPMGeneralError : noErr;
+        bench.dialog->printer->sendResult = sent;
         bench.system->files["/var/cache/torka/queues/Press.bididata"] = {"x", 0644};
-        module.beginResult = isRefused ? 0 : 1;
+        module.beginResult = begun;
+        module.edit = [&module, hasData = sent == noErr] {
+            const auto read = jobPropertiesHost()->getBidiDataCopy();
+            EXPECT_EQ(read ? *read : "", hasData ? "x\n" : "");
+            module.settings.emplace_back(L"QVFold", L"Half");
+        };
         panel->launchFullProperties();
-        EXPECT_FALSE(data.isBIDIEnabled());
-        EXPECT_EQ(utf8Text(data.GetCorvianPrinterAddress()), isRefused ? "10.0.0.9" : "10.0.0.7")
-            << "the queue's own in place of a stored one";
+        EXPECT_EQ(data.isBIDIEnabled(), sent == noErr && begun == 0);
+        EXPECT_EQ(utf8Text(data.GetCorvianPrinterAddress()), address) << "the queue's own or the stored one";
+        EXPECT_EQ(valueOf(*panel, "*QVFold"), begun == 0 ? "Half" : "Flat");
         unloadJobPropertiesLibrary();
     }
 }
@@ -476,10 +481,7 @@ TEST(Automation, IsAppliedOnceBeforeTheFirstDisplay) {
         0600};
     const CapturingLog log;
     const auto panel = bench.Open();
-    EXPECT_EQ(valueOf(*panel, "*QVFold"), "Half");
-    EXPECT_EQ(valueOf(*panel, "*QVDuplex"), "Tumble");
-    EXPECT_EQ(valueOf(*panel, "*QVNotes1"), "7");
-    EXPECT_EQ(valueOf(*panel, "*QVSecret"), "");
+    EXPECT_EQ(changesIn(*panel->getPPDPtr()), "*QVDuplex=Tumble *QVFold=Half *QVNotes1=7 ");
     EXPECT_EQ(bench.Stored("*QVFold"), "Half"); // the dialog begins with this value
     EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("None cannot be set")));
     set(*panel, "*QVFold", "Flat");

@@ -19,7 +19,7 @@ std::string group(const std::string& keyword, const std::string& kind = "Rolldow
            "/Pane: True|" + kind + "\n";
 }
 
-std::string inGroup(std::string control, const std::string& groupName) {
+std::string moved(std::string control, const std::string& groupName) {
     const std::string place = ": Group\n";
     return control.replace(control.find(place), place.size(), ": " + groupName + "\n");
 }
@@ -42,10 +42,9 @@ std::vector<std::string> shown(const PPDTree& tree) {
 TEST(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
     ScopedMemorySystem system;
     Pane pane(paneHeader + group("Empty") + group("Finish") + popup("First", {"A", "B"}) +
-              popup("QVDuplex", {"None", "Tumble"}) + inGroup(popup("QVStaple", {"Off", "On"}), "Finish") +
-              inGroup(jobNote("Notes1"), "Finish") + inGroup(popup("QVOutProfile", {"Press"}), "Finish") +
-              "*%ZANFlags *QVScale: Dynamic\n*%ZANGroup *QVScale: Finish\n"
-              "*%ZANRange *QVScale/Scale: 25;400;1;100;\"% (<*QVScale>)\"\n" +
+              popup("QVDuplex", {"None", "Tumble"}) + moved(popup("QVStaple", {"Off", "On"}), "Finish") +
+              moved(jobNote("Notes1"), "Finish") + moved(popup("QVOutProfile", {"Press"}), "Finish") +
+              moved(range("QVScale", "25;400;1;100"), "Finish") +
               "*%QVShortcut *QVStaple\n*%QVShortcut *QVDuplex\n*%QVShortcut *QVOutProfile\n"
               "*%QVShortcut *First\n");
     const UI_Panel panel(pane.data.get());
@@ -79,7 +78,7 @@ TEST(UIPanel, TreeHoldsItsLimits) {
     }
     for (int i = 0; i < 40; ++i) {
         const std::string name = "Group" + std::to_string(i);
-        text += group(name) + inGroup(jobNote("In" + name), name);
+        text += group(name) + moved(jobNote("In" + name), name);
     }
     Pane pane(text);
     {
@@ -138,9 +137,7 @@ TEST(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
     ScopedMemorySystem system;
     Pane pane(paneHeader + popup("PageSize", {"A4", "A3"}) + popup("QVDuplex", {"None", "Tumble"}) +
               popup("QVOutProfile", {"Press", "Coated"}) + jobNote("Notes1") + jobNote("PresetName") +
-              "*OpenGroup: InstallableOptions/Installed\n*%ZANFlags *Unit: Setup\n"
-              "*OpenUI *Unit/Unit: PickOne\n*DefaultUnit: None\n*Unit None: \"\"\n*Unit Staple: \"\"\n"
-              "*CloseUI: *Unit\n*CloseGroup: InstallableOptions\n");
+              unit("Unit", {"None", "Staple"}));
     ASSERT_TRUE(pane.data->SetCorvianPrinterAddress(cfString("10.0.0.9"), true));
     UI_Panel panel(pane.data.get());
     const auto change = [&] {
@@ -166,12 +163,7 @@ TEST(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
     EXPECT_TRUE(note->IsUTF8());
 
     panel.ResetControlsToDefault();
-    EXPECT_EQ(valueOf(pane, "*PageSize"), "A3");
-    EXPECT_EQ(valueOf(pane, "*Unit"), "Staple");
-    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
-    EXPECT_EQ(valueOf(pane, "*Notes1"), "");
-    EXPECT_EQ(valueOf(pane, "*PresetName"), "");
-    EXPECT_EQ(valueOf(pane, "*QVOutProfile"), "Press");
+    EXPECT_EQ(changesIn(*pane.model), "*PageSize=A3 *Unit=Staple *QVOutProfile=Press ");
     EXPECT_STREQ(note->GetNotes(), "Press");
     for (const SettingList* list : pane.data->SideLists()) {
         EXPECT_EQ(list->Count(), 0u);

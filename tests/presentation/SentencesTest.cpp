@@ -236,8 +236,8 @@ TEST_F(Sample, RangesAsSlidersAndSizesInTheCountrysUnit) {
     EXPECT_DOUBLE_EQ(metric.Largest(283.46), 99.9) << "100.0 mm would be more than the bound";
 }
 
-// The widgets' test has the other sentences.
-TEST(Sentences, Gauges) {
+// The widgets' tests have the other sentences.
+TEST(Sentences, GaugesAndTwoWayCommunication) {
     SpokenPane spoken(paneHeader);
     const auto told = [&](const auto& gauge) { return gaugeSentence(spoken.texts, shownGauge(gauge)); };
     EXPECT_EQ(told(TrayGauge{"Tray 2", "", 0, false}), "Tray 2: 0 %, needs attention");
@@ -245,6 +245,7 @@ TEST(Sentences, Gauges) {
     EXPECT_EQ(told(SupplyGauge{"Waste", "", 95, true}), "Waste: 95 %, needs attention");
     EXPECT_EQ(shownGauge(SupplyGauge{"Ärger", "", 1, false}).Initial(), "Ä");
     EXPECT_EQ(shownGauge(SupplyGauge{}).Initial(), "");
+    EXPECT_EQ(twoWayNotice(spoken.texts, twoWayState(false, true)).spoken, "Two-way communication: Off");
 }
 
 TEST(Sentences, RulesOfNotes) {
@@ -385,16 +386,6 @@ TEST(Sentences, AWatermarkNamesWhatItsFontCannotPrint) {
         spoken.texts.language.text = [said = word](const PaneWord&) { return said; };
         EXPECT_EQ(newWatermark(spoken.texts).text, text) << "a new one can be printed";
     }
-}
-
-TEST(Sentences, TwoWayCommunication) {
-    SpokenPane spoken(paneHeader);
-    const auto told = [&](bool isOn, bool hasFailed) {
-        return twoWayNotice(spoken.texts, twoWayState(isOn, hasFailed)).spoken;
-    };
-    EXPECT_EQ(told(false, true), "Two-way communication: Off");
-    EXPECT_EQ(told(true, false), "Two-way communication: On");
-    EXPECT_EQ(told(true, true), "Two-way communication: Printer does not answer");
 }
 
 TEST(Sentences, NamesOfPresets) {

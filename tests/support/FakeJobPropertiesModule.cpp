@@ -57,14 +57,6 @@ SDMRESULT keep(const char* call, std::vector<std::wstring>& keys, const SDMKeyVa
     return 0;
 }
 
-SDMRESULT setReadOnlyKeys(JPHANDLE, const SDMKeyValueList* list) {
-    return keep("read-only", current->readOnlyKeys, list);
-}
-
-SDMRESULT setVeiledKeys(JPHANDLE, const SDMKeyValueList* list) {
-    return keep("veiled", current->veiledKeys, list);
-}
-
 SDMRESULT setWatermarks(JPHANDLE, const JPWatermarkList* list) {
     current->calls.emplace_back("watermarks");
     current->watermarks.assign(list->definitions, list->definitions + list->count);
@@ -121,30 +113,8 @@ void* allocMemory(SDMHANDLE, std::size_t size) {
     return current->Allocate(size);
 }
 
-void freeBlock(void* block) {
-    if (block) {
-        current->Free(block);
-    }
-}
-
-SDMRESULT terminate(SDMHANDLE) {
-    current->calls.emplace_back("terminate");
-    return 0;
-}
-
-SDMRESULT sdmEnd() {
-    current->calls.emplace_back("data server end");
-    return 0;
-}
-
-SDMRESULT endSession(JPHANDLE handle) {
-    EXPECT_EQ(handle, &session);
-    current->calls.emplace_back("end session");
-    return 0;
-}
-
-SDMRESULT dllEnd() {
-    current->calls.emplace_back("end");
+SDMRESULT done(const char* call) {
+    current->calls.emplace_back(call);
     return 0;
 }
 
@@ -164,18 +134,26 @@ FakeJobPropertiesModule::FakeJobPropertiesModule() {
         {"JP1_1BeginSession", symbol<JP1_1BeginSessionProc>(beginSession)},
         {"JP1_1IsServerReady", symbol<JP1_1IsServerReadyProc>(isServerReady)},
         {"JP1_1SetJobKeyValues", symbol<JP1_1SetJobKeyValuesProc>(setJobKeyValues)},
-        {"JPSetJobReadOnlyKeys", symbol<JPSetJobReadOnlyKeysProc>(setReadOnlyKeys)},
-        {"JP1_1SetJobVeiledKeys", symbol<JP1_1SetJobVeiledKeysProc>(setVeiledKeys)},
+        {"JPSetJobReadOnlyKeys", symbol<JPSetJobReadOnlyKeysProc>([](JPHANDLE, const SDMKeyValueList* list) {
+             return keep("read-only", current->readOnlyKeys, list);
+         })},
+        {"JP1_1SetJobVeiledKeys",
+         symbol<JP1_1SetJobVeiledKeysProc>([](JPHANDLE, const SDMKeyValueList* list) {
+             return keep("veiled", current->veiledKeys, list);
+         })},
         {"JP1_1SetWatermarks", symbol<JP1_1SetWatermarksProc>(setWatermarks)},
         {"JP1_1OpenUI", symbol<JP1_1OpenUIProc>(openUI)},
         {"JP1_1GetJobKeyValues", symbol<JP1_1GetJobKeyValuesProc>(getJobKeyValues)},
         {"JP1_1GetWatermarks", symbol<JP1_1GetWatermarksProc>(getWatermarks)},
-        {"JP1_1Free", symbol<JP1_1FreeProc>(freeBlock)},
+        {"JP1_1Free", symbol<JP1_1FreeProc>([](void* block) { block ? current->Free(block) : void(); })},
         {"SDMAllocMemory", symbol<SDMAllocMemoryProc>(allocMemory)},
-        {"SDMTerminate", symbol<SDMTerminateProc>(terminate)},
-        {"SDMDllEnd", symbol<SDMDllEndProc>(sdmEnd)},
-        {"JP1_1EndSession", symbol<JP1_1EndSessionProc>(endSession)},
-        {"JP1_1DllEnd", symbol<JP1_1DllEndProc>(dllEnd)},
+        {"SDMTerminate", symbol<SDMTerminateProc>([](SDMHANDLE) { return done("terminate"); })},
+        {"SDMDllEnd", symbol<SDMDllEndProc>([] { return done("data server end"); })},
+        {"JP1_1EndSession", symbol<JP1_1EndSessionProc>([](JPHANDLE handle) {
+             EXPECT_EQ(handle, &session);
+             return done("end session");
+         })},
+        {"JP1_1DllEnd", symbol<JP1_1DllEndProc>([] { return done("end"); })},
     };
     setLibraryLoader(std::move(made));
 }

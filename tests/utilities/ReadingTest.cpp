@@ -3,13 +3,12 @@
 #include "PPDX/PPDObjects/Interface/PPDX.h"
 #include "PPDX/Utilities/ModelState.h"
 #include "Settings.h"
+#include "TextConverter.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -20,15 +19,14 @@ using testing::ElementsAre;
 
 struct Reader : PPDX {
     using PPDX::StartReading;
-    using PPDX::StopReading;
 };
 
 // A description that is read from a temporary file.
 class Description {
 public:
-    explicit Description(std::string_view content, long pieceCapacity = PPDFileStream::kPieceCapacity)
+    explicit Description(std::string_view content)
         : file(FSRef{folder.Write("d.ppd", content)}) {
-        isGood = reader.StartReading(std::make_unique<PPDFileStream>(&file, true, pieceCapacity));
+        EXPECT_TRUE(reader.StartReading(std::make_unique<PPDFileStream>(&file, true)));
     }
 
     std::vector<std::string> Lines() {
@@ -38,22 +36,10 @@ public:
         }
         return lines;
     }
-    // Reads the value on the next line.
-    std::string Value(bool isPostscript, long capacity = 256) {
-        EXPECT_TRUE(reader.ReadLine(line));
-        PPDStream stream(line);
-        char out[1024];
-        length = isPostscript ? reader.GetPostscriptString(stream, out, capacity)
-                              : reader.GetQuotedString(stream, out, capacity);
-        return out;
-    }
-
     tests::TemporaryFolder folder;
     PPDFile file;
     Reader reader;
     std::string_view line;
-    long length = 0;
-    bool isGood = false;
 };
 
 TEST(PPDStream, CharactersAndStatus) {
@@ -123,97 +109,6 @@ TEST(PPDStream, NothingIsReadBehindTheEndOfTheDescriptionUntilAParseStarts) {
     EXPECT_THAT(Description("b\n").Lines(), ElementsAre("b"));
 }
 
-// The fuzz target ppd_tokens compares the lines with a byte-by-byte reader.
-TEST(PPDFileStream, LinesDoNotShowWhereThePiecesEnd) {
-    std::mt19937 random(5);
-    std::string content;
-    while (content.size() < 20'000) {
-        content += std::string(random() % 16 == 0 ? random() % 600 : random() % 90, 'x');
-        content += std::array{"\r\n", "\r", "\n", "\xFF"}[random() % 4];
-    }
-    content += "\n*% End of PPD file\nlost\n";
-    const std::vector<std::string> lines = Description(content, 1'000'000).Lines();
-    EXPECT_GT(lines.size(), 200U);
-    for (const long capacity : {1L, 2L, 7L, 255L, 256L, 1000L}) {
-        EXPECT_EQ(Description(content, capacity).Lines(), lines) << capacity;
-    }
-}
-
-TEST(PPDFileStream, LinesAreHandedBackWithAllThatWasTrueOfThem) {
-    Description description("a\nlast", 3);
-    std::string_view line;
-    EXPECT_TRUE(description.reader.ReadLine(line) && description.reader.ReadLine(line));
-    EXPECT_EQ(line, "last");
-    EXPECT_EQ(description.reader.LineNumber(), 2U);
-    description.reader.PushBackLine();
-    line = {};
-    EXPECT_TRUE(description.reader.ReadLine(line));
-    EXPECT_EQ(line, "last");
-    EXPECT_EQ(description.reader.LineNumber(), 2U);
-    EXPECT_FALSE(description.reader.ReadLine(line));
-}
-
-TEST(PPDX, Tokens) {
-    struct Case {
-        std::string_view text;
-        const char* delimiters;
-        bool trim;
-        std::vector<std::string> tokens;
-    };
-    const std::string longText(300, 'n');
-    const Case cases[] = {
-        {"*UIConstraints: *A  x\t*B", " \t:", true, {"*UIConstraints", "*A", "x", "*B"}},
-        {"*Key/A name : Boolean", "/:", false, {"*Key", "A name ", " Boolean"}},
-        {" a \r\n\tb\rc", "", true, {"a", "b", "c"}},
-        {"a||b", "|", false, {"a", "", "b"}},
-        {longText, ":", false, {longText.substr(0, 255), longText.substr(255)}},
-    };
-    for (const Case& each : cases) {
-        PPDStream stream(each.text);
-        for (const std::string& expected : each.tokens) {
-            char token[kLineCapacity];
-            EXPECT_EQ(PPDX::NextToken(stream, token, each.delimiters, each.trim), !expected.empty())
-                << each.text;
-            EXPECT_EQ(token, expected) << each.text;
-        }
-        EXPECT_TRUE(stream.Remaining().empty() && stream.EndOfFile()) << each.text;
-    }
-}
-
-TEST(PPDX, QuotedValues) {
-    struct Case {
-        const char* text;
-        bool isPostscript;
-        long capacity;
-        const char* value;
-        const char* nextLine; // null at the end
-    };
-    const Case cases[] = {
-        {"*A: \"one\"\nnext", false, 256, "one", "next"},
-        {"*A: \"one\r\n two\r\nthree\" rest\r\nnext", false, 256, "one twothree", ""},
-        {"*A: \"one\n two\nthree\"\nnext", true, 256, "one\n two\nthree\n", "next"},
-        {"*A: \"one\n\n*%two\n*% End\"\nnext", true, 256, "one\ntwo\n End\n", "next"},
-        {"*A: \"one\n*% two\"\n", false, 256, "one", "*% two\""},
-        {"*A: \"one\ntwo\n*B: x\n", true, 256, "one\ntwo\n", "*B: x"},
-        {"*A: \"one\ntwo", false, 256, "onetwo", nullptr},
-        {"*A: \"one\ntwo", true, 256, "", nullptr},
-        {"*A: \"\"\nnext", false, 256, "", "next"},
-        {"*A: \"\"\nnext", true, 256, "", "next"},
-        {"*A: none\n\"x\"", true, 256, "", "\"x\""},
-        {"*A: \"0123456789\nabc\"\nnext", false, 8, "0123456", "next"},
-        {"*A: \"0123456789\nabc\"\nnext", true, 8, "012345\n", "next"},
-        {"*A: \"one\"", true, 2, "", nullptr},
-    };
-    for (const Case& each : cases) {
-        Description description(each.text);
-        EXPECT_EQ(description.Value(each.isPostscript, each.capacity), each.value) << each.text;
-        const auto length = static_cast<long>(std::string_view(each.value).size());
-        EXPECT_EQ(description.length, length > 0 ? length + 1 : 0) << each.text;
-        EXPECT_EQ(description.reader.ReadLine(description.line), each.nextLine != nullptr) << each.text;
-        EXPECT_EQ(description.line, each.nextLine != nullptr ? each.nextLine : "") << each.text;
-    }
-}
-
 TEST(PPDFile, FaultsAreTold) {
     const tests::TemporaryFolder folder;
     struct Case {
@@ -263,6 +158,91 @@ TEST(Settings, ComeBackFromTheirDictionary) {
     EXPECT_EQ(back.GetInteger("integer"), INT64_MIN);
     EXPECT_EQ(back.GetReal("real"), 0.1);
     EXPECT_FALSE(back.GetInteger("text") || back.Get("gone") || back.Has("gone"));
+}
+
+// A description that declares its language and this encoding.
+struct Described : PPDX {
+    explicit Described(const char* encoding) {
+        PPDStream language(std::string_view(" English")), name{std::string_view(encoding)};
+        ParsePSKeywords(language, "*LanguageVersion");
+        ParsePSKeywords(name, "*LanguageEncoding");
+    }
+    std::string Converted(std::string_view text) { return utf8Text(Converter()->ConvertToCFString(text)); }
+};
+
+std::string dehexed(std::string_view text) {
+    std::string out(text.size(), '\0');
+    out.resize(TextConverter::DehexBufferFill(text, out.data()));
+    return out;
+}
+
+TEST(TextConverter, HexadecimalSubstrings) {
+    struct Case {
+        std::string_view in, out;
+    };
+    using namespace std::string_view_literals;
+    for (const Case& each : {Case{"a<4142>b<63>", "aABbc"},
+                             {"<4a4B>", "JK"},
+                             {"<>x", "x"},
+                             {"< 41\t4 2\n>", "AB"},
+                             {"<41>b<4>c<42>", "Ab<4>c<42>"},
+                             {"<4g><41>", "<4g><41>"},
+                             {"a<41", "a<41"},
+                             {"a>b", "a>b"},
+                             {"<<41>>", "<<41>>"},
+                             {"<41\0>"sv, "<41\0>"sv},
+                             {"<00>", "\0"sv},
+                             {"", ""}}) {
+        EXPECT_EQ(dehexed(each.in), each.out) << each.in;
+    }
+}
+
+// The platform's test compares the encodings with Python's codecs.
+TEST(TextConverter, ReadsTextsInTheirEncodings) {
+    struct Case {
+        const char *name, *text, *converted;
+    };
+    for (const Case& each : {Case{"ISOLatin1", "A\xA4<e4>", "A\u00a4\u00e4"},
+                             {"ISOLatin2", "A\xA3<b1>", "A\u0141\u0105"},
+                             {"ISOLatin5", "A\xD0<fe>", "A\u011e\u015f"},
+                             {"JIS83-RKSJ", "A\x83\x5C\x88\xF3<8dfc 41>\xB1", "A\u30bd\u5370\u5237A\uff71"},
+                             {"MacStandard", "A\x8E<a0>", "A\u00e9\u2020"},
+                             {"WindowsANSI", "A\x80<99>", "A\u20ac\u2122"},
+                             {"UTF-8", "A\xC3\xA9<f09f9880>", "A\u00e9\U0001f600"},
+                             {"Unheard-of", "A\xC3\xA9<e697a5>", "A\u00e9\u65e5"}}) {
+        Described description(each.name);
+        EXPECT_EQ(description.Converter()->ValidConverter(), std::string(each.name) != "Unheard-of");
+        EXPECT_EQ(description.Converted(each.text), each.converted) << each.name;
+    }
+}
+
+TEST(TextConverter, NeverFailsOutright) {
+    Described japanese("JIS83-RKSJ");
+    // With a lead byte that lacks its second byte, each two bytes count as one unit, and an odd last byte is
+    // left out.
+    EXPECT_EQ(japanese.Converter()->ConvertToCFString("x\x81", 256)->units, u"\x8178");
+    EXPECT_EQ(japanese.Converter()->ConvertToCFString("xyz\x81 ", 5)->units, u"\x7978\x817A");
+    EXPECT_EQ(Described("UTF-8").Converted("a\xFF"), "a\uFFFD");
+    Described latin("ISOLatin1");
+    EXPECT_EQ(latin.Converted("caf<E9>"), "caf\u00e9");
+    EXPECT_EQ(utf8Text(latin.Converter()->ConvertToCFString("abcdef", 3)), "abc");
+    EXPECT_EQ(utf8Text(latin.Converter()->ConvertToCFString(nullptr, 3)), "");
+
+    tests::ScopedMemorySystem system;
+    system->narrowEncoding = kCFStringEncodingMacRoman;
+    char narrow[32];
+    EXPECT_TRUE(TextConverter::CFStringToCstring(cfString("caf\u00e9"), narrow, sizeof narrow));
+    EXPECT_STREQ(narrow, "caf\x8E");
+    EXPECT_FALSE(TextConverter::CFStringToCstring(cfString("\u65e5"), narrow, sizeof narrow));
+    EXPECT_STREQ(narrow, "Translation Error");
+    EXPECT_FALSE(TextConverter::CFStringToCstring(cfString("too long"), narrow, 6));
+    EXPECT_STREQ(narrow, "Trans");
+    Described roman("ISOLatin1"); // created while the system's encoding is Mac Roman
+    CString text("caf<E9>");
+    EXPECT_TRUE(roman.Converter()->ppdStringConvert(text));
+    EXPECT_STREQ(text, "caf\x8E");
+    EXPECT_TRUE(roman.Converter()->Convert("caf\xE9", narrow, sizeof narrow));
+    EXPECT_STREQ(narrow, "caf\x8E");
 }
 
 } // namespace

@@ -50,9 +50,39 @@ std::string traceOf(const mpz_t number) {
     return trace(digits.subspan(digits.size() / 2 - 8, 24));
 }
 
+using Look = std::function<void()>;
+using Use = std::function<void(const Look& isThere)>;
+
 // The memory of an object that has ended stays as it was left.
 template <typename T>
 std::optional<T> place;
+
+template <typename T>
+Use inPlace(
+    const std::function<void(T&)>& fill, const std::function<void(T&)>& end = [](T&) { place<T>.reset(); }) {
+    return [fill, end](const Look& isThere) {
+        fill(place<T>.emplace());
+        isThere();
+        end(*place<T>);
+    };
+}
+
+// `make` returns the pointer to a holder.
+template <typename Make>
+Use whileItLives(Make make) {
+    return [make](const Look& isThere) {
+        const auto holder = make();
+        isThere();
+    };
+}
+
+CSSM_KEY keyOf(CSSM_ALGORITHMS algorithm, CSSM_KEYCLASS keyClass, Bytes bytes) {
+    CSSM_KEY key;
+    key.algorithm = algorithm;
+    key.keyClass = keyClass;
+    key.data.assign(bytes.begin(), bytes.end());
+    return key;
+}
 
 // Traces of keys and texts are there while their holder uses them, and nowhere afterwards.
 TEST(Secrets, NoTraceOutlivesItsHolder) {
@@ -63,22 +93,23 @@ TEST(Secrets, NoTraceOutlivesItsHolder) {
     installFieldKeys(*FieldKeys::Load(tests::bytesOf(list)));
     CSSM_CSP_HANDLE csp;
     ASSERT_EQ(cdsaCspAttach(csp), CSSM_OK);
-    using Look = std::function<void()>;
     struct Holder {
         const char* name;
         std::vector<std::string> traces;
-        std::function<void(const Look& isThere)> use;
+        Use use;
     };
     const auto schedule = [](aes256_ctx* context) { aes256_set_encrypt_key(context, secret(32).data()); };
     const auto inverse = [&](aes256_ctx* context) {
         schedule(context);
         aes256_invert_key(context, context);
     };
-    const auto makeAes = [] {
-        place<AES256CBC>.emplace().MakeKey(secret(32).data(), secret(16).data());
+    const std::vector aesTraces{traceOf<aes256_ctx>(schedule), traceOf<aes256_ctx>(inverse)};
+    const auto makeAes = [](AES256CBC& aes) {
+        aes.MakeKey(secret(32).data(), secret(16).data());
         SecureBuffer block(16);
-        place<AES256CBC>->DecryptBlock(block.data(), block.data());
+        aes.DecryptBlock(block.data(), block.data());
     };
+    const auto take = [](SHA1& digest) { digest.Input(secret(20).data(), 20); };
     const std::string bytes = trace(secret(20));
     const auto value = [](SHA1& digest) {
         SecureBuffer words(20);
@@ -98,14 +129,15 @@ TEST(Secrets, NoTraceOutlivesItsHolder) {
     const auto otherKeys = [&] { return *FieldKeys::Load(tests::bytesOf(otherList)); };
     const std::string pair = tests::openSsl("genrsa -traditional 1024");
     const std::string der = tests::openSsl("rsa -traditional -outform DER", pair);
-    CSSM_KEY pairKey;
-    pairKey.algorithm = CSSM_ALGID_RSA;
-    pairKey.keyClass = CSSM_KEYCLASS::privateKey;
-    pairKey.data.assign(der.begin(), der.end());
+    const CSSM_KEY pairKey = keyOf(CSSM_ALGID_RSA, CSSM_KEYCLASS::privateKey, tests::bytesOf(der));
+    const auto rsaKey = [&] {
+        auto key = std::make_unique<RsaKey>();
+        EXPECT_EQ(key->Read(pairKey, CSSM_KEYCLASS::privateKey), CSSM_OK);
+        return key;
+    };
     const auto numbers = [&] {
-        RsaKey key;
-        EXPECT_EQ(key.Read(pairKey, CSSM_KEYCLASS::privateKey), CSSM_OK);
-        const rsa_private_key& part = key.privateKey;
+        const auto key = rsaKey();
+        const rsa_private_key& part = key->privateKey;
         return std::vector{traceOf(part.d), traceOf(part.p), traceOf(part.q),
                            traceOf(part.a), traceOf(part.b), traceOf(part.c)};
     };
@@ -118,96 +150,46 @@ TEST(Secrets, NoTraceOutlivesItsHolder) {
         {"stream cipher",
          {traceOf<arcfour_ctx>([](auto* context) { arcfour_set_key(context, 16, secret(16).data()); })},
          [&](const Look& isThere) {
-             CSSM_KEY key;
-             key.algorithm = CSSM_ALGID_RC4;
-             key.keyClass = CSSM_KEYCLASS::sessionKey;
-             key.data = secret(16);
+             const CSSM_KEY key = keyOf(CSSM_ALGID_RC4, CSSM_KEYCLASS::sessionKey, secret(16));
              SecureBuffer out;
              CSSM_CC_HANDLE context;
              ASSERT_EQ(cdsaStagedEncrypt(csp, key, {}, false, out, context), CSSM_OK);
              isThere();
          }},
-        {"AES, ended",
-         {traceOf<aes256_ctx>(schedule), traceOf<aes256_ctx>(inverse)},
-         [&](const Look& isThere) {
-             makeAes();
-             isThere();
-             place<AES256CBC>.reset();
-         }},
-        {"AES with another key",
-         {traceOf<aes256_ctx>(schedule), traceOf<aes256_ctx>(inverse)},
-         [&](const Look& isThere) {
-             makeAes();
-             isThere();
-             place<AES256CBC>->MakeKey(SecureBuffer(32).data(), SecureBuffer(16).data());
-         }},
+        {"AES, ended", aesTraces, inPlace<AES256CBC>(makeAes)},
+        {"AES with another key", aesTraces,
+         inPlace<AES256CBC>(
+             makeAes, [](AES256CBC& aes) { aes.MakeKey(SecureBuffer(32).data(), SecureBuffer(16).data()); })},
         {"DES",
          {traceOf<des_ctx>([](auto* context) { static_cast<void>(des_set_key(context, secret(8).data())); })},
-         [](const Look& isThere) {
-             place<DES>.emplace().deskey(secret(8).data(), EN0);
-             isThere();
-             place<DES>.reset();
-         }},
+         inPlace<DES>([](DES& des) { des.deskey(secret(8).data(), EN0); })},
         {"Twofish",
          {traceOf<twofish_ctx>([](auto* context) { twofish_set_key(context, 32, secret(32).data()); }),
           trace(secret(32))},
-         [](const Look& isThere) {
-             auto& key = place<Twofish::KeyInstance>.emplace();
+         inPlace<Twofish::KeyInstance>([](Twofish::KeyInstance& key) {
              key.keyLen = 256;
              const SecureBuffer words = secret(32);
              std::memcpy(key.key32.data(), words.data(), words.size());
-             ASSERT_EQ(Twofish::reKey(&key), 1);
-             isThere();
-             place<Twofish::KeyInstance>.reset();
-         }},
-        {"digest that begins again",
-         {bytes},
-         [](const Look& isThere) {
-             place<SHA1>.emplace().Input(secret(20).data(), 20);
-             isThere();
-             place<SHA1>->Reset();
-         }},
+             EXPECT_EQ(Twofish::reKey(&key), 1);
+         })},
+        {"digest that begins again", {bytes}, inPlace<SHA1>(take, [](SHA1& begun) { begun.Reset(); })},
         {"digest that is read",
          {bytes},
-         [](const Look& isThere) {
-             place<SHA1>.emplace().Input(secret(20).data(), 20);
-             isThere();
-             unsigned words[5];
-             place<SHA1>->Result(words);
-         }},
-        {"digest, ended",
-         {bytes},
-         [](const Look& isThere) {
-             place<SHA1>.emplace().Input(secret(20).data(), 20);
-             isThere();
-             place<SHA1>.reset();
-         }},
-        {"value of a digest",
-         {valueTrace},
-         [&](const Look& isThere) {
-             value(place<SHA1>.emplace());
-             isThere();
-             place<SHA1>.reset();
-         }},
+         inPlace<SHA1>(take,
+                       [](SHA1& taken) {
+                           unsigned words[5];
+                           taken.Result(words);
+                       })},
+        {"digest, ended", {bytes}, inPlace<SHA1>(take)},
+        {"value of a digest", {valueTrace}, inPlace<SHA1>(value)},
         {"field keys",
          {trace(otherKeys()->AesKey("11")), trace(otherKeys()->Vector("11")), trace(otherKeys()->Vector("")),
           trace(otherKeys()->StringVector())},
-         [&](const Look& isThere) {
-             const auto keys = otherKeys();
-             isThere();
-         }},
-        {"RSA key", numbers(),
-         [&](const Look& isThere) {
-             RsaKey key;
-             ASSERT_EQ(key.Read(pairKey, CSSM_KEYCLASS::privateKey), CSSM_OK);
-             isThere();
-         }},
-        {"number",
-         {traceOf(BigNumber(secret(600)).value)},
-         [](const Look& isThere) {
-             const BigNumber number(secret(600));
-             isThere();
-         }},
+         whileItLives(otherKeys)},
+        {"RSA key", numbers(), whileItLives(rsaKey)},
+        {"number", {traceOf(BigNumber(secret(600)).value)}, whileItLives([] {
+             return std::make_unique<BigNumber>(secret(600));
+         })},
         {"stored string",
          {trace(Bytes(secret(600)).subspan(300, 24))},
          [&](const Look& isThere) {
