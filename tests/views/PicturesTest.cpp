@@ -12,6 +12,7 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QHeaderView>
@@ -164,22 +165,35 @@ std::string german(const PaneWord& word) {
     return utf8Text(cfCast<CFString>(CFDictionaryGetValue(words, cfString(word.key))));
 }
 
-// The sample's records of trays and supplies.
-std::shared_ptr<const std::string> sampleData() {
+// The sample's records of trays and supplies. `many`: more supplies than stand side by side.
+std::shared_ptr<const std::string> sampleData(bool many) {
     std::string file;
     for (const char* name : {"TrayInfo", "TonerInfo"}) {
-        const std::wstring record =
-            wideFromUtf8(readFile(std::string(TORKA_SOURCE_DIR) + "/samples/server-data/data/" + name));
-        CFileHdlr::fileWriteData(name, record.data(), record.size() * sizeof(wchar_t), file);
+        std::string record = readFile(std::string(TORKA_SOURCE_DIR) + "/samples/server-data/data/" + name);
+        if (many && *name == 'T' && name[1] == 'o') {
+            record = "7\n";
+            for (const char* color : {"Cyan", "Black", "White", "Gold", "Clear", "Green", "Waste & <b>"}) {
+                record += std::string(color) + "@40@10@#00a0ff@100@45000@1\n";
+            }
+        }
+        const std::wstring wide = wideFromUtf8(record);
+        CFileHdlr::fileWriteData(name, wide.data(), wide.size() * sizeof(wchar_t), file);
     }
     return std::make_shared<const std::string>(std::move(file));
 }
 
-std::unique_ptr<Pane> lockedSample() {
+// The sample with an administrator's locks, and with names that are too long.
+std::unique_ptr<Pane> strictSample() {
     std::string text = readFile(TORKA_SOURCE_DIR "/samples/torka-production.ppd");
+    for (const std::string name : {"QVSidesGroup/Sides", "QVScaleToFit/Scale", "QVRotate/Rotate"}) {
+        for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + 1)) {
+            text.insert(at + name.size(),
+                        " and whatever else the printer can do to the pages with <b>this</b> & that");
+        }
+    }
     std::string locks = "<Category name=\"UI-Modification\">\n<Lock>";
-    for (const char* keyword : {"QVDuplex", "Notes1", "QVScale"}) {
-        locks += "\n<ZANPPD key=\"" + std::string(keyword) + "\" value=\"True\"/>";
+    for (const std::string keyword : {"QVDuplex", "QVMirror", "QVScale"}) {
+        locks += "\n<ZANPPD key=\"" + keyword + "\" value=\"True\"/>";
     }
     text.insert(text.rfind("*% End of PPD"), templateLines(locks + "</Lock></Category>"));
     return std::make_unique<Pane>(text);
@@ -214,9 +228,11 @@ public:
         const bool isGerman = GetParam().look == Look::germanFromRightToLeft;
         QApplication::setLayoutDirection(isGerman ? Qt::RightToLeft : Qt::LeftToRight);
         const auto state = GetParam().gauges;
-        auto gauges = state ? std::optional(GaugeSource{[] { return true; }, [state] { return *state; },
-                                                        sampleData, [] {}, [](auto) {}})
-                            : std::nullopt;
+        std::optional<GaugeSource> gauges;
+        if (state) {
+            gauges = GaugeSource{[] { return true; }, [state] { return *state; },
+                                 [isGerman] { return sampleData(isGerman); }, [] {}, [](auto) {}};
+        }
         pane.emplace(GetParam().description(), std::move(gauges), isGerman ? german : ViewedPane::english);
         pane->pane->data->SetCorvianPrinterAddress(cfString("192.168.1.20"), true);
         pane->beganWithLastJob = state == ServerExchange::State::read;
@@ -427,18 +443,21 @@ const Situation situations[] = {
     {"notes", "QVNotesPage", "", [](Test& test) { Test::Type(test.Field("*QVAccountId"), "12a"); }},
     {"conflict", "QVFinishingPage", quarrel},
     {"resolved-dark", "QVFinishingPage", quarrel, [](Test& test) { test.pane->Editor().Resolve(); },
-     Look::dark},
-    {"german-right-to-left", "QVFinishingPage", quarrel, nullptr, Look::germanFromRightToLeft,
-     ServerExchange::State::failed},
-    {"locked", "quickAccess", "", nullptr, Look::usual, {}, lockedSample},
+     Look::dark, ServerExchange::State::failed},
+    {"german-right-to-left", "QVFinishingPage", quarrel, nullptr, Look::germanFromRightToLeft, read},
+    {"locked", "QVLayoutPage", "", nullptr, Look::usual, {}, strictSample},
     {"summary", "summary", "*MediaType=Labels *QVMirror=True *QVGutter=120"},
     {"search", "", "",
      [](Test& test) {
          test.pane->Widget().SearchField()->setText(QStringLiteral("finishing"));
          test.pane->Widget().SearchNow();
      }},
-    {"wide", "QVJobPage", "", [](Test& test) { test.pane->Root()->resize(1100, 420); }},
-    {"smallest", "QVColorPage", "",
+    {"wide", "watermarks", "",
+     [](Test& test) {
+         test.pane->Find<QCheckBox>("bidiCheckBox")->click();
+         test.pane->Root()->resize(1100, 420);
+     }},
+    {"smallest", "QVFinishingPage", quarrel,
      [](Test& test) { test.pane->Root()->resize(test.pane->Root()->minimumSizeHint()); }, Look::usual, read},
     {"sheets", "", "", takeSheets},
     {"list", "", "*MediaType=Labels", [](Test& test) { takeList(test, "*QVDuplex", {}); }},

@@ -170,8 +170,9 @@ void FieldPage::MakeRow(QFormLayout& form, int place, const PaneField& field) {
     auto row = makeFieldRow(context, field, content);
     if (QLabel* label = row->Label()) {
         label->setFixedWidth(labelWidth);
-        if (fontMetrics().horizontalAdvance(label->text()) > labelWidth) {
-            label->setToolTip(plainToolTip(label->text())); // a long word of it may be cut
+        const QString name = qText(field.name);
+        if (fontMetrics().horizontalAdvance(name) > labelWidth) {
+            label->setToolTip(plainToolTip(name)); // a long word of it may be cut
         }
         label->setBuddy(row->Focus());
         form.insertRow(place, label, row->Body());
