@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/PPDObjects/Controls/PPDXPopupControl.h"
 #include "pane/views/AddressSheet.h"
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
@@ -20,6 +21,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
 #include <QTimer>
@@ -450,6 +452,7 @@ TEST_F(PaneWidgetTest, OutlivesItsRootViewAndTheOtherWayRound) {
     pane.Editor().SetValue("*QVMirror", "True");
 
     ViewedPane other(samplePane());
+    other.Root()->grab(); // before it is drawn
     other.Draw();
     const ViewRef kept = other.interface->outputBinsView();
     other.panel->GetCustomizePane().setView(nullptr);
@@ -458,15 +461,34 @@ TEST_F(PaneWidgetTest, OutlivesItsRootViewAndTheOtherWayRound) {
     widgetOf(kept)->grab();
 }
 
-TEST_F(PaneWidgetTest, TheControllersAreASoundModel) {
+TEST_F(PaneWidgetTest, ModelsStaySoundWhileTheirRowsChange) {
+    using Tester = QAbstractItemModelTester;
     auto& sheet = dynamic_cast<AddressSheet&>(pane.interface->addressSheet());
-    const QAbstractItemModelTester tester(sheet.Window()->findChild<QTreeView*>("controllerTable")->model(),
-                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
+    auto* table = sheet.Window()->findChild<QTreeView*>("controllerTable");
+    const Tester controllers(table->model(), Tester::FailureReportingMode::Fatal);
     const ControllerRow rows[] = {
         {cfString("a"), cfString("10.0.0.1")}, {cfString("b"), cfString("")}, {cfString("c"), cfString("")}};
     for (const std::size_t count : {1U, 3U, 2U, 0U}) {
         sheet.setRows(std::span(rows).first(count), std::nullopt);
     }
+    for (const auto key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_F5}) {
+        sheet.setRows(rows, std::nullopt);
+        QTest::keyClick(table, key);
+        EXPECT_EQ(sheet.selectedRow().value_or(9), key == Qt::Key_F5 ? 9U : 0U) << key;
+    }
+
+    Go("*QVStaple");
+    auto* box = Field<QComboBox>("*QVStaple");
+    const Tester choices(box->model(), Tester::FailureReportingMode::Fatal);
+    const int before = box->count();
+    QSignalSpy replaced(box->model(), &QAbstractItemModel::modelReset);
+    static_cast<PPDXPopupControl*>(pane.Editor().FindControl("*QVStaple"))
+        ->AppendPopupItem({"More", cfString("More"), nullptr, 0});
+    pane.Draw();
+    pane.Editor().SetValue("*QVStaple", "Front");
+    EXPECT_EQ(box->count(), before + 1);
+    EXPECT_EQ(replaced.count(), 1);
+    EXPECT_EQ(box->currentIndex(), 1);
 }
 
 // The style's drawings of a popup serve those of every other pane.

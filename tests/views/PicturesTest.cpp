@@ -24,6 +24,7 @@
 #include <QPainter>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 
 #include <fstream>
 
@@ -220,11 +221,6 @@ public:
         QApplication::setFont(font);
         QApplication::setCursorFlashTime(0);
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        if (GetParam().look == Look::dark) {
-            QPalette dark(QColor(50, 50, 52));
-            dark.setColor(QPalette::Base, QColor(35, 35, 37));
-            QApplication::setPalette(dark);
-        }
         const bool isGerman = GetParam().look == Look::germanFromRightToLeft;
         QApplication::setLayoutDirection(isGerman ? Qt::RightToLeft : Qt::LeftToRight);
         const auto state = GetParam().gauges;
@@ -243,6 +239,11 @@ public:
         Settle();
         pane->Widget().ShowPage(GetParam().page);
         Set(GetParam().settings);
+        if (GetParam().look == Look::dark) { // from now on
+            QPalette dark(QColor(50, 50, 52));
+            dark.setColor(QPalette::Base, QColor(35, 35, 37));
+            QApplication::setPalette(dark);
+        }
     }
     ~PicturesTest() override {
         pane.reset();
@@ -318,6 +319,11 @@ public:
     }
     void Take(QWidget& widget) {
         Settle();
+        for (auto* line : widget.findChildren<QLineEdit*>()) {
+            for (auto* button : line->findChildren<QToolButton*>()) { // those that clear it fade in
+                button->setProperty("opacity", line->text().isEmpty() ? button->property("opacity") : 1.0);
+            }
+        }
         Compare(widget.grab().toImage().convertToFormat(QImage::Format_RGB32), toldOf(widget));
     }
     void Compare(const QImage& now, const QString& told) {
@@ -441,9 +447,9 @@ const Situation situations[] = {
     {"color", "QVColorPage"},
     {"installed", "installed"},
     {"notes", "QVNotesPage", "", [](Test& test) { Test::Type(test.Field("*QVAccountId"), "12a"); }},
-    {"conflict", "QVFinishingPage", quarrel},
-    {"resolved-dark", "QVFinishingPage", quarrel, [](Test& test) { test.pane->Editor().Resolve(); },
-     Look::dark, ServerExchange::State::failed},
+    {"conflict", "QVFinishingPage", quarrel, nullptr, Look::usual, ServerExchange::State::failed},
+    {"resolved", "QVFinishingPage", quarrel, [](Test& test) { test.pane->Editor().Resolve(); }},
+    {"dark", "QVFinishingPage", quarrel, nullptr, Look::dark, read},
     {"german-right-to-left", "QVFinishingPage", quarrel, nullptr, Look::germanFromRightToLeft, read},
     {"locked", "QVLayoutPage", "", nullptr, Look::usual, {}, strictSample},
     {"summary", "summary", "*MediaType=Labels *QVMirror=True *QVGutter=120"},
@@ -478,7 +484,6 @@ const Situation situations[] = {
      [](Test& test) {
          auto& sheet = static_cast<QuickAccessSheet&>(test.pane->interface->customizeQuickAccess());
          sheet.openSheet();
-         sheet.Dialog()->ChosenList()->setCurrentRow(1);
          test.Take(*sheet.Dialog());
      }},
     {"address-sheet", "", "", takeAddressSheet},
