@@ -437,12 +437,22 @@ void takeWatermarkDialog(Test& test) {
     test.Take(*page->findChild<QDialog*>());
 }
 
+void setPaperWithoutName(Test& test) {
+    const auto edges = CFArrayCreate(
+        {CFNumberCreate(0.0), CFNumberCreate(0.0), CFNumberCreate(600.0), CFNumberCreate(400.0)});
+    test.pane->pane->Store(
+        "com.apple.print.subTicket.paper_info_ticket",
+        CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), edges}}));
+    test.pane->pane->data->SetPageSizeFromOS(true);
+    test.pane->Draw();
+}
+
 constexpr const char* quarrel = "*QVStaple=Saddle *QVFinisherUnit=None";
 constexpr auto read = ServerExchange::State::read;
 
 const Situation situations[] = {
     {"quick-access", "quickAccess", "", nullptr, Look::usual, read},
-    {"job", "QVJobPage"},
+    {"job", "QVJobPage", "", setPaperWithoutName},
     {"layout", "QVLayoutPage", "", [](Test& test) { Test::Type(test.Field("*QVScale"), "9999\r"); }},
     {"color", "QVColorPage"},
     {"installed", "installed"},
