@@ -113,8 +113,9 @@ TEST(Presets, NamesAreOnlyData) {
         EXPECT_EQ(kept.store.Save(name), Result::done) << name;
     }
     EXPECT_EQ(kept.store.Names(), names);
-    for (const std::string& name : {std::string(), std::string("a\nb"), std::string("a\0b", 3),
-                                    std::string("\x7F"), std::string(121, 'n')}) {
+    for (const std::string& name :
+         {std::string(), std::string("a\x1F"), std::string("a\0b", 3), std::string("\x7F"),
+          std::string("\xEF\xBF\xBE"), std::string(121, 'n')}) {
         EXPECT_EQ(kept.store.Save(name), Result::badName);
         EXPECT_EQ(kept.store.Rename("%s%n", name), Result::badName);
     }

@@ -16,11 +16,13 @@
 namespace torka::tests {
 
 struct ViewedPane {
-    explicit ViewedPane(std::unique_ptr<Pane> shownPane, std::optional<GaugeSource> gauges = std::nullopt)
+    static std::string english(const PaneWord& word) { return word.english; }
+    explicit ViewedPane(std::unique_ptr<Pane> shownPane, std::optional<GaugeSource> gauges = std::nullopt,
+                        std::string (*text)(const PaneWord&) = english)
         : pane(std::move(shownPane))
         , panel(std::make_unique<UI_Panel>(pane->data.get())) {
         PaneSetup setup{*pane->model, panel->GetCustomizePane(), pane->data.get()};
-        setup.text = english;
+        setup.text = text;
         setup.gauges = std::move(gauges);
         setup.beganWithLastJob = [this] { return beganWithLastJob; };
         setup.bidiText = [](const char*, const char* word) { return QString::fromUtf8(word); };
@@ -40,8 +42,6 @@ struct ViewedPane {
         interface->setStringValue(PaneOutlet::printerAddress, cfString("192.168.1.20"));
     }
     ~ViewedPane() { panel->GetCustomizePane().setView(nullptr); }
-
-    static std::string english(const PaneWord& word) { return word.english; }
 
     void Draw() {
         panel->PopulatePPDTreeStructure();

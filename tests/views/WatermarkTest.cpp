@@ -2,7 +2,6 @@
 #include "pane/views/FieldPage.h"
 #include "pane/views/WatermarkDialog.h"
 #include "pane/views/WatermarkPage.h"
-#include "pane/views/WatermarkPreview.h"
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
@@ -61,17 +60,6 @@ struct WatermarkTest : testing::Test {
             texts.push_back(data.Watermarks().At(i)->Text());
         }
         return texts;
-    }
-    QPoint FirstRed() {
-        const QImage picture = Page().Preview()->grab().toImage();
-        for (int y = 0; y < picture.height(); ++y) {
-            for (int x = 0; x < picture.width(); ++x) {
-                if (picture.pixelColor(x, y) == QColor(Qt::red)) {
-                    return {x, y};
-                }
-            }
-        }
-        return {-1, -1};
     }
 };
 
@@ -135,32 +123,6 @@ TEST_F(WatermarkTest, RefusesWhatNoDefinitionCanHold) {
     odd.text = "one\ntwo,\x01";
     EXPECT_EQ(ZANWatermark(odd.Definition().c_str()).Text(), "one two, ");
     EXPECT_EQ(ZANWatermark(odd.Definition().c_str()).FontName(), "AB");
-}
-
-// Finds a red bar of letters in the picture at the place that the definition gives.
-TEST_F(WatermarkTest, PreviewShowsPlaceAndPaper) {
-    WatermarkPreview& preview = *Page().Preview();
-    EXPECT_LT(preview.Paper().width(), preview.Paper().height());
-    WatermarkFields fields;
-    fields.red = 255;
-    fields.text = "\xE2\x96\x88\xE2\x96\x88"; // full blocks
-    fields.yOffset = 300;
-    preview.Show(fields);
-    const QPoint above = FirstRed();
-    fields.yOffset = -300;
-    preview.Show(fields);
-    const QPoint below = FirstRed();
-    const QRectF page = preview.PageRect();
-    ASSERT_GE(above.y(), 0);
-    EXPECT_LT(above.y(), page.center().y());
-    EXPECT_GT(below.y(), page.center().y());
-    EXPECT_NEAR(below.y() - above.y(), 600 * page.height() / preview.Paper().height(), 3);
-    fields.yOffset = 5000;
-    preview.Show(fields);
-    EXPECT_EQ(FirstRed(), QPoint(-1, -1)) << "beside the page";
-    pane.pane->format->orientation = kPMLandscape;
-    preview.TakePaper();
-    EXPECT_GT(preview.Paper().width(), preview.Paper().height());
 }
 
 } // namespace

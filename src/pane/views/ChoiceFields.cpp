@@ -103,7 +103,10 @@ public:
     }
 
     Qt::ItemFlags flags(const QModelIndex& index) const override {
-        const auto row = static_cast<std::size_t>(std::max(index.row(), 0));
+        if (!index.isValid()) {
+            return Qt::NoItemFlags;
+        }
+        const auto row = static_cast<std::size_t>(index.row());
         const bool enabled = !IsForbidden(row) || row == current;
         return enabled ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
     }

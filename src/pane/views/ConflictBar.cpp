@@ -50,9 +50,8 @@ ConflictBar::ConflictBar(PaneContext& paneContext, QWidget* parent)
 QString ConflictBar::Text() const { return message->text(); }
 
 void ConflictBar::Say(const QString& text, bool warning) {
-    const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    sign->setPixmap(paneIcon(warning ? PaneSign::warning : PaneSign::information)
-                        .pixmap(QSize(size, size), devicePixelRatioF()));
+    isWarning = warning;
+    ShowSign();
     const bool isNew = text != message->text() || isHidden();
     message->setText(text);
     setAccessibleName(text);
@@ -61,6 +60,12 @@ void ConflictBar::Say(const QString& text, bool warning) {
         QAccessibleEvent alert(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&alert);
     }
+}
+
+void ConflictBar::ShowSign() {
+    const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    sign->setPixmap(paneIcon(isWarning ? PaneSign::warning : PaneSign::information)
+                        .pixmap(QSize(size, size), devicePixelRatioF()));
 }
 
 void ConflictBar::Update(const PaneChange* change) {
@@ -78,8 +83,10 @@ void ConflictBar::Update(const PaneChange* change) {
 
 void ConflictBar::changeEvent(QEvent* event) {
     QFrame::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) {
-        TakePalette();
+    // Only windows hear of the application's colours; the bar hears that its own change with them.
+    if (event->type() == QEvent::PaletteChange) {
+        TakePalette(); // sends no event when nothing changes
+        ShowSign();
     }
 }
 

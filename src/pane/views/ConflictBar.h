@@ -27,6 +27,7 @@ protected:
 
 private:
     void Say(const QString& text, bool warning);
+    void ShowSign();
     void TakePalette();
 
     PaneContext& context;
@@ -35,6 +36,7 @@ private:
     QPushButton* resolve;
     QPushButton* undo;
     QPushButton* close;
+    bool isWarning = false;
 };
 
 } // namespace torka

@@ -13,6 +13,7 @@
 #include "pane/views/PresetBar.h"
 #include "pane/views/RoomyRows.h"
 #include "pane/views/SummaryPage.h"
+#include "pane/views/TabOrder.h"
 #include "pane/views/WatermarkPage.h"
 #include "platform/qt/LetterWidth.h"
 
@@ -367,6 +368,7 @@ void CustomizePaneWidget::ShowEntry(std::size_t index) {
     if (entry.widget == nullptr) {
         entry.widget = MakePage(entry);
         stack->addWidget(entry.widget);
+        chainInTabOrder(list, *entry.widget);
         entry.isStale = dynamic_cast<FieldPage*>(entry.widget) == nullptr;
     }
     if (entry.isStale) {
@@ -448,6 +450,7 @@ void CustomizePaneWidget::SearchNow() {
         results->SetHint(qText(found.more));
     }
     results->Finish();
+    chainInTabOrder(list, *results);
     results->verticalScrollBar()->setValue(0);
     stack->setCurrentWidget(results);
     const QSignalBlocker blocker(list);

@@ -5,6 +5,7 @@
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/RollDown.h"
+#include "pane/views/TabOrder.h"
 
 #include <QFormLayout>
 #include <QLabel>
@@ -25,19 +26,6 @@ int roomHeight(int heightOfMade, std::size_t made, std::size_t missing) {
     const double height =
         static_cast<double>(heightOfMade) / static_cast<double>(made) * static_cast<double>(missing);
     return static_cast<int>(std::min(height, QWIDGETSIZE_MAX / 2.0));
-}
-
-// Puts the widgets of a row behind `before` in the order in which keys reach them. Returns the last one.
-QWidget* chainInTabOrder(QWidget* before, const QWidget& row) {
-    for (QWidget* widget : row.findChildren<QWidget*>()) {
-        if (widget->focusPolicy() != Qt::NoFocus && widget->focusProxy() == nullptr) {
-            if (before != nullptr) {
-                QWidget::setTabOrder(before, widget);
-            }
-            before = widget;
-        }
-    }
-    return before;
 }
 
 } // namespace
@@ -182,8 +170,9 @@ void FieldPage::MakeRow(QFormLayout& form, int place, const PaneField& field) {
     auto row = makeFieldRow(context, field, content);
     if (QLabel* label = row->Label()) {
         label->setFixedWidth(labelWidth);
-        if (fontMetrics().horizontalAdvance(label->text()) > labelWidth) {
-            label->setToolTip(plainToolTip(label->text())); // a long word of it may be cut
+        const QString name = qText(field.name);
+        if (fontMetrics().horizontalAdvance(name) > labelWidth) {
+            label->setToolTip(plainToolTip(name)); // a long word of it may be cut
         }
         label->setBuddy(row->Focus());
         form.insertRow(place, label, row->Body());

@@ -112,7 +112,7 @@ void FieldRow::Take(QWidget* control, QWidget* focusWidget, bool named) {
     if (!named) {
         label = new QLabel(body->parentWidget());
         label->setTextFormat(Qt::PlainText);
-        label->setText(name);
+        label->setText(labelText(name)); // it becomes the buddy of the control
         label->setWordWrap(true);
         alignLeading(*label);
     }

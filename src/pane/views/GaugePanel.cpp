@@ -14,6 +14,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyle>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -156,6 +157,17 @@ GaugePanel::GaugePanel(const PaneContext& paneContext, const GaugeSource& gaugeS
         }
     });
     Update();
+}
+
+// The rows hold signs in the old colours. They are made again when the event has reached all of them.
+void GaugePanel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && shown != nullptr) {
+        QTimer::singleShot(0, this, [this] {
+            shown = nullptr;
+            Update();
+        });
+    }
 }
 
 void GaugePanel::SetRoom(int height) {

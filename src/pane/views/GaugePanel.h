@@ -39,6 +39,9 @@ public:
     // The height in which the panel may stand. The rows fold away when they do not fit.
     void SetRoom(int height);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void LimitHeight();
     void Fill(const ServerGauges& gauges);

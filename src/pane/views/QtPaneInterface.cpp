@@ -11,6 +11,7 @@
 #include "pane/views/PlainTexts.h"
 #include "pane/views/PopupJobNoteDialog.h"
 #include "pane/views/QuickAccessDialog.h"
+#include "pane/views/TabOrder.h"
 #include "pane/views/TwoWaySign.h"
 
 #include <QAbstractButton>
@@ -146,14 +147,16 @@ void QtPaneInterface::Translate() {
             button->setText(text);
         }
     }
-    const auto describes = [this](PaneOutlet outlet, const PaneWord& word) {
-        outlets[outlet]->setAccessibleName(context.Say(word));
-        if (auto* label = qobject_cast<QLabel*>(outlets[outlet])) {
-            alignLeading(*label);
+    for (const auto& [label, named] :
+         {std::pair{PaneOutlet::printerNameStaticText, PaneOutlet::printerName},
+          std::pair{PaneOutlet::printerAddressStaticText, PaneOutlet::printerAddress}}) {
+        auto* name = qobject_cast<QLabel*>(outlets[label]);
+        auto* value = qobject_cast<QLabel*>(outlets[named]);
+        if (name != nullptr && value != nullptr) {
+            name->setBuddy(value); // assistive technology tells both
+            alignLeading(*value);
         }
-    };
-    describes(PaneOutlet::printerName, words::printerLabel);
-    describes(PaneOutlet::printerAddress, words::addressLabel);
+    }
 }
 
 void QtPaneInterface::MakePane() {
@@ -162,6 +165,7 @@ void QtPaneInterface::MakePane() {
     layout->setContentsMargins(0, 0, 0, 0);
     pane = new CustomizePaneWidget(context, place);
     layout->addWidget(pane);
+    chainInTabOrder(outlets[PaneOutlet::configureButton], *pane);
     if (auto* signPlace = root->findChild<QWidget*>(QStringLiteral("twoWaySign"))) {
         auto* signLayout = new QVBoxLayout(signPlace);
         signLayout->setContentsMargins(0, 0, 0, 0);

@@ -50,7 +50,9 @@ QuickAccessDialog::QuickAccessDialog(PaneContext& paneContext, const std::vector
     Arrange();
     ListAvailable();
     for (const std::string& keyword : keywords) {
-        if (const PPDXControl* control = context.editor.FindControl(keyword)) {
+        if (const PaneField* field = context.editor.Catalog().Find(keyword)) {
+            Append(keyword, qText(field->name));
+        } else if (const PPDXControl* control = context.editor.FindControl(keyword)) {
             Append(keyword, qText(nameOf(*control)));
         }
     }

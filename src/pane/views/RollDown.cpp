@@ -3,6 +3,7 @@
 
 #include "pane/views/Eliding.h"
 #include "pane/views/PaneIcons.h"
+#include "pane/views/TabOrder.h"
 
 #include <QKeyEvent>
 #include <QToolButton>
@@ -43,6 +44,7 @@ void RollDown::SetOpen(bool nowOpen) {
     if (open && content == nullptr) {
         content = new QWidget(this);
         fill(*content);
+        chainInTabOrder(header, *content);
         static_cast<QVBoxLayout*>(layout())->addWidget(content);
     }
     // Content made before the page is shown needs no call: it would lay out all rows once more.

@@ -5,7 +5,10 @@ namespace torka {
 
 QSize RoomyRows::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     QSize size = QStyledItemDelegate::sizeHint(option, index);
-    size.setHeight(Height(option.fontMetrics));
+    const int height = Height(option.fontMetrics);
+    const bool isWrapped = option.features.testFlag(QStyleOptionViewItem::WrapText);
+    size.setHeight(isWrapped ? std::max(height, size.height() + height - option.fontMetrics.height())
+                             : height);
     return size;
 }
 

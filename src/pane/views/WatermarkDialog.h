@@ -41,8 +41,8 @@ private:
     QLineEdit* text;
     QComboBox* font;
     QSpinBox* size;
-    QDoubleSpinBox* angle;
     QComboBox* colors;
+    QDoubleSpinBox* angle;
     QDoubleSpinBox* right;
     QDoubleSpinBox* up;
     WatermarkPreview* preview;

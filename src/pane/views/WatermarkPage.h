@@ -33,7 +33,6 @@ public:
 
     // For the tests; no caller here
     WatermarkDialog* Dialog() const { return dialog; }
-    WatermarkPreview* Preview() const { return preview; }
     QListWidget* List() const { return list; }
     QCheckBox* FirstPageBox() const { return firstPage; }
 

@@ -22,20 +22,17 @@ public:
     const QString& Missing() const { return missing; }
     // Reads the chosen paper and its orientation.
     void TakePaper();
-    // The rectangle of the page in the widget.
-    QRectF PageRect() const;
-
-    // For the tests; no caller here
-    QSizeF Paper() const { return paper; } // points, upright for the reader
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QRectF PageRect() const; // in the widget
+
     PaneContext& context;
     std::optional<WatermarkFields> fields; // with the text as it is printed
     QString missing;
-    QSizeF paper;
+    QSizeF paper; // points, upright for the reader
 };
 
 } // namespace torka
