@@ -16,7 +16,8 @@ TEST_P(Transcripts, SayWhatWasReviewed) {
     EXPECT_EQ(runCommand({"diff", "-u", file, "-"}, said.output).output + said.errors, "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Tool, Transcripts, testing::Values("descriptions", "filter", "jobs", "records"));
+INSTANTIATE_TEST_SUITE_P(Tool, Transcripts,
+                         testing::Values("descriptions", "filter", "jobs", "records", "sessions"));
 
 } // namespace
 } // namespace torka::tests
