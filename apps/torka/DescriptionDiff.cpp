@@ -30,6 +30,12 @@ struct Option {
 
 std::string textOf(const Json& json) { return json.is_string() ? json.get<std::string>() : json.dump(); }
 
+std::string bytesOf(const unsigned char* code, long length) {
+    return code == nullptr
+               ? std::string()
+               : std::string(reinterpret_cast<const char*>(code), static_cast<std::size_t>(length));
+}
+
 // Reports what only one side has, and values that differ.
 void compareValues(const Values& before, const Values& after, const std::string& what,
                    const std::string& prefix, Changes& changes) {
@@ -48,9 +54,10 @@ void compareValues(const Values& before, const Values& after, const std::string&
     }
 }
 
+// The keyword alone for the code of a control without choices.
 std::string choiceName(const std::string& keyword, const std::string& choice) {
     std::string name = keyword;
-    name.append("=").append(choice);
+    name.append(choice.empty() ? "" : "=").append(choice);
     return name;
 }
 
@@ -89,14 +96,16 @@ std::map<std::string, Option> optionsOf(const ZANPPD& description, const Json& m
         options.insert_or_assign(control.at("keyword").get<std::string>(), optionOf(control));
     }
     description.GetControls()->ForEach([&options](const PPDXControl* control) {
+        Values& code = options[jsonText(control->Keyword())].code;
         if (const auto* popup = dynamic_cast<const PPDXPopupControl*>(control)) {
-            Values& code = options[jsonText(control->Keyword())].code;
             popup->ForEachItem([&code](const _PopupItem& item) {
-                code.emplace(jsonText(item.keyword.Buffer()),
-                             item.psData == nullptr ? std::string()
-                                                    : std::string(reinterpret_cast<const char*>(item.psData),
-                                                                  static_cast<std::size_t>(item.psLength)));
+                code.emplace(jsonText(item.keyword.Buffer()), bytesOf(item.psData, item.psLength));
             });
+        } else if (const auto* boolean = dynamic_cast<const PPDXBooleanControl*>(control)) {
+            code.emplace("True", boolean->Code(true));
+            code.emplace("False", boolean->Code(false));
+        } else {
+            code.emplace("", bytesOf(control->PSData(), control->PSLength()));
         }
     });
     return options;
@@ -177,6 +186,8 @@ void compareLists(const std::vector<std::string>& before, const std::vector<std:
     }
 }
 
+std::string hiddenMark(const Json& element) { return element.at("visible").get<bool>() ? "" : " (hidden)"; }
+
 // Pages, scroll panes and roll-downs by keyword: their texts, states and controls.
 Values pagesOf(const Json& model) {
     Values values;
@@ -185,15 +196,17 @@ Values pagesOf(const Json& model) {
         std::string pane;
         if (page.contains("scrollPane")) {
             const Json& scrollPane = page.at("scrollPane");
-            pane = ", scroll pane " + textOf(scrollPane.at("keyword"));
+            pane = ", scroll pane " + textOf(scrollPane.at("keyword")) + hiddenMark(scrollPane);
             for (const Json& group : scrollPane.at("rollDowns")) {
                 pane += " " + textOf(group.at("keyword"));
-                values.emplace(keyword + "/" + textOf(group.at("keyword")),
-                               textOf(group.at("name")) + ": " + group.at("controls").dump());
+                values.emplace(keyword + "/" + textOf(group.at("keyword")), textOf(group.at("name")) +
+                                                                                hiddenMark(group) + ": " +
+                                                                                group.at("controls").dump());
             }
         }
-        values.emplace(keyword, textOf(page.at("name")) + ", in the pane " + page.at("showInApp").dump() +
-                                    ", in the properties " + page.at("showInPrintProp").dump() + pane);
+        values.emplace(keyword, textOf(page.at("name")) + hiddenMark(page) + ", in the pane " +
+                                    page.at("showInApp").dump() + ", in the properties " +
+                                    page.at("showInPrintProp").dump() + pane);
     }
     return values;
 }

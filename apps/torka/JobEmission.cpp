@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
 #include <utility>
 
 namespace torka::tool {
@@ -67,11 +66,14 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
         .add_option("--save-settings", options.savePrintSettings,
                     "Write what the pane would store to this file")
         ->option_text("FILE");
-    static const std::map<std::string, TwoWay> states{{"on", TwoWay::on}, {"off", TwoWay::off}};
-    command.add_option("--two-way", options.twoWay, "Two-way communication; otherwise the queue's")
+    const auto takeTwoWay = [&options](const std::string& word) {
+        options.twoWay = word == "on" ? TwoWay::on : TwoWay::off;
+    };
+    command
+        .add_option_function<std::string>("--two-way", takeTwoWay,
+                                          "Two-way communication; otherwise the queue's")
         ->option_text("on|off")
-        ->transform(CLI::CheckedTransformer(states).description("on|off"))
-        ->type_name("");
+        ->check(CLI::IsMember({"on", "off"}));
     command.add_option("--watermark", options.watermark, "Definition of a watermark")
         ->option_text("DEFINITION");
     command.add_option("--keys", options.keys, "Keys for protected fields; else the installed ones")

@@ -268,7 +268,7 @@ void JobPropertiesWindow::FillGroups() {
             for (SettingRow* row : group.rows) {
                 if (const auto text = texts.constFind(shown(std::string(bareKey(row->Key()))));
                     text != texts.constEnd()) {
-                    row->SetHelp(text->toHtmlEscaped());
+                    row->SetHelp(*text);
                 }
             }
         }

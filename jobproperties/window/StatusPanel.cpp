@@ -247,7 +247,7 @@ void StatusPanel::ShowTrays(const std::vector<Tray>& trays) {
         }
         row.gauge->SetLevel(percent);
         row.gauge->setAccessibleName(row.name->text());
-        row.gauge->setAccessibleDescription(state + ", " + row.detail->text());
+        row.gauge->setAccessibleDescription(media.isEmpty() ? state : state + ", " + row.detail->text());
     }
 }
 

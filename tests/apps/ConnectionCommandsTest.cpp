@@ -10,38 +10,6 @@ namespace torka {
 namespace {
 
 using ::testing::HasSubstr;
-using tests::runTool;
-using tests::runToolForJson;
-
-TEST(AddressCommand, KeepsAListThatPythonReads) {
-    const tests::TemporaryFolder folder;
-    const std::string file = (folder / "list.plist").string();
-    const auto set = [&file](std::vector<std::string> entry) {
-        entry.insert(entry.begin(), {"address", "set", "--force", "--file", file});
-        return runTool(entry);
-    };
-    EXPECT_EQ(set({"Office", "10.0.0.1", "--two-way"}).status, 0);
-    EXPECT_EQ(set({"B\xC3\xBCro", "b.example"}).status, 0);
-    EXPECT_EQ(set({"OFFICE", "10.0.0.2"}).status, 0);
-    // The rule of the pane's sheet, which holds while two-way communication is on.
-    EXPECT_THAT(set({"Office", "fe80::1"}).errors, HasSubstr("invalid IP Address or DNS Name"));
-    EXPECT_THAT(set({"Office", ""}).errors, HasSubstr("must be assigned"));
-    EXPECT_EQ(set({"Lab", "fe80::1"}).status, 0);
-    EXPECT_EQ(runTool({"address", "remove", "--file", file, "Lab"}).status, 0);
-    EXPECT_EQ(tests::runPython("import plistlib, sys\n"
-                               "print(ascii(plistlib.load(open(sys.argv[1], 'rb'))))",
-                               {file}),
-              "['Office', '10.0.0.2', True, '2', '----- Data End -----', "
-              "'B\\xfcro', 'b.example', False, '2', '----- Data End -----']\n");
-    const auto printers = runToolForJson({"address", "list", "--file", file}).at("printers");
-    ASSERT_EQ(printers.size(), 2U);
-    EXPECT_EQ(printers[0].dump(),
-              R"({"address":"10.0.0.2","blocks":[],"format":"2","name":"Office","twoWay":true})");
-
-    EXPECT_EQ(runTool({"address", "remove", "--file", file, "nobody"}).status, 1);
-    EXPECT_EQ(runTool({"address", "remove", "--file", file, "office"}).status, 0);
-    EXPECT_EQ(runTool({"address", "list", "--file", file}).output, "B\xC3\xBCro: b.example\n");
-}
 
 // Runs a script, with the tool as "$0", in a network namespace that has only loopback.
 tests::CommandResult inOwnNetwork(const std::string& script) {

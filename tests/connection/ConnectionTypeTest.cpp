@@ -2,10 +2,15 @@
 #include "connection/ConnectionType.h"
 
 #include "bidi/commands/CommandJob.h"
+#include "connection/RequestAddress.h"
+#include "platform/memory/MemoryNetServices.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/connection/RecordPPD.h"
+#include "tests/support/ScopedDouble.h"
 
 #include <gtest/gtest.h>
+
+#include <map>
 
 namespace torka {
 namespace {
@@ -73,6 +78,24 @@ TEST(ConnectionType, InvalidAddressIsWhatTheFilterWroteDown) {
     EXPECT_FALSE(isInvalidPrinterAddress());
     setDestinationPPD("");
     EXPECT_FALSE(isInvalidPrinterAddress());
+}
+
+TEST(RequestAddress, LooksUpHostNamesOnly) {
+    const tests::ScopedDouble<MemoryNetServices, setNetServices> services;
+    for (const char* name : {"press-2.Example", "press_2", "10.0.0.7", "press 2", "\u00fc.example"}) {
+        parseNumericAddress("10.0.0.5", services->hosts[name]);
+    }
+    parseNumericAddress("2001:db8::1", services->hosts["six"]);
+    for (const auto& [address, number] : std::map<std::string, std::string>{{"press-2.Example", "10.0.0.5"},
+                                                                            {"six", "2001:db8::1"},
+                                                                            {"press_2", ""},
+                                                                            {"10.0.0.7", ""},
+                                                                            {"press 2", ""},
+                                                                            {"\u00fc.example", ""},
+                                                                            {"unknown", ""},
+                                                                            {"", ""}}) {
+        EXPECT_EQ(numericAddressOf(address), number) << address;
+    }
 }
 
 } // namespace

@@ -129,6 +129,15 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
          [&] { fs::permissions(caches, fs::perms(0711)); }},
         {"folders", "fault: chown lp", [&] { fs::permissions(caches, fs::perms(0700)); },
          [&] { fs::permissions(caches, fs::perms(0711)); }},
+        {"folders", "fault: install -d -o lp",
+         [&] {
+             fs::rename(caches, caches.string() + "-away");
+             fs::permissions(caches.parent_path(), fs::perms(0555));
+         },
+         [&] {
+             fs::permissions(caches.parent_path(), fs::perms(0755));
+             fs::rename(caches.string() + "-away", caches);
+         }},
         {"folders", "fault: chmod o+x",
          [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0700)); },
          [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0755)); }},

@@ -340,6 +340,10 @@ TEST(TicketOwner, ARecordIsReadAsItWasWrittenOrNotAtAll) {
                 << field;
         }
         EXPECT_FALSE(readTicketRecord(text.substr(0, first + 1) + "=used =8 \n")->usedBy);
+        // The first job counts. A word of another version is no job.
+        EXPECT_EQ(readTicketRecord(text.substr(0, first + 1) + "=later =7 =x \n=used =8 =y \n=used =9 =z \n")
+                      ->usedBy,
+                  (JobIdentity{"8", "y"}));
     }
 }
 

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ModuleFixture.h"
 
+#include "platform/TextEncoding.h"
+#include "tests/support/qt/AccessibleTree.h"
+
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDialog>
+#include <QDoubleSpinBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -15,6 +20,8 @@
 #include <QTimer>
 #include <clocale>
 #include <gmock/gmock.h>
+#include <set>
+#include <sstream>
 
 // Tests the window without a display. The module reads the server's records while it creates the window. The
 // test uses such a read to get the window, because either side may have created the QApplication.
@@ -33,6 +40,28 @@ Widget& child(const QDialog& dialog, const char* name) {
     return *found;
 }
 
+// The lines that went, after "-", and those that came, after "+", in their order.
+std::string changedLines(const std::string& before, const std::string& after) {
+    const auto without = [](const std::string& text, const std::string& other, const char* mark) {
+        std::multiset<std::string> known;
+        std::istringstream there(other);
+        for (std::string line; std::getline(there, line);) {
+            known.insert(line);
+        }
+        std::string result;
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            if (const auto found = known.find(line); found != known.end()) {
+                known.erase(found);
+            } else {
+                result += mark + line + "\n";
+            }
+        }
+        return result;
+    };
+    return without(before, after, "-") + without(after, before, "+");
+}
+
 void press(const QDialog& dialog, const char* name) { child<QAbstractButton>(dialog, name).click(); }
 
 } // namespace
@@ -41,6 +70,7 @@ class ModuleWindow : public ModuleTest {
 protected:
     ModuleWindow() {
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::setenv("LC_ALL", "C.UTF-8", 1);
         SetDescription(std::string(TORKA_SOURCE_DIR) + "/samples/torka-production.ppd");
         SetSettings({{"*PageSize", "A4"},
                      {"*QVDuplex", "None"},
@@ -85,7 +115,6 @@ protected:
 
 TEST_F(ModuleWindow, ChangesAreAccepted) {
     std::setlocale(LC_ALL, "C");
-    ::setenv("LC_ALL", "C.UTF-8", 1);
     host.templateText.clear();
     const std::string outcome = Run([](QDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Printing Preferences");
@@ -131,6 +160,85 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
     EXPECT_EQ(Value("*PresetName"), "Brochure");
     EXPECT_THAT(watermarkDefinitions(*record),
                 testing::ElementsAre("0,0,0,32,64,96,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2"));
+}
+
+// Every page as a screen reader finds it, and what each action of a person changes there.
+TEST_F(ModuleWindow, SaysWhatWasReviewed) {
+    for (const char* name : {"TonerInfo", "TrayInfo", "ServerInfo", "CDIHelpStrings", "ListLockedKeys"}) {
+        const std::string file = std::string(TORKA_SOURCE_DIR) + "/samples/server-data/data/" + name;
+        host.Put(name, wideFromUtf8(readFile(file)));
+    }
+    std::string said;
+    Run([&said](QDialog& dialog) {
+        std::string before;
+        const auto tell = [&](const std::string& action) {
+            const std::string now = accessibleTree(dialog);
+            said += "# " + action + "\n" + changedLines(before, now);
+            before = now;
+        };
+        const auto named = [&dialog](const char* name) -> QWidget& {
+            for (QWidget* widget : dialog.findChildren<QWidget*>()) {
+                const QString heard = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+                if (widget->focusPolicy() != Qt::NoFocus &&
+                    (heard == name || widget->accessibleName() == name)) {
+                    return *widget;
+                }
+            }
+            ADD_FAILURE() << "nothing has the name " << name;
+            std::abort();
+        };
+        auto& pages = child<QListWidget>(dialog, "pages");
+        const auto show = [&pages](int row) { return [&pages, row] { pages.setCurrentRow(row); }; };
+        const auto points = [&](const char* name, int value) {
+            return [&named, name, value] { dynamic_cast<QSpinBox&>(named(name)).setValue(value); };
+        };
+        const auto check = [&](const char* name) {
+            return [&named, name] { dynamic_cast<QAbstractButton&>(named(name)).click(); };
+        };
+        std::vector<std::pair<std::string, std::function<void()>>> actions{{"opened", [] {}}};
+        for (int row = 1; row < pages.count(); ++row) {
+            actions.emplace_back("page " + pages.item(row)->text().toStdString(), show(row));
+        }
+        const std::vector<std::pair<std::string, std::function<void()>>> more{
+            {"add a watermark", check("Add a watermark")},
+            {"size", points("Size:", 36)},
+            {"right", points("Shift right:", -20000)},
+            {"up", points("Shift up:", 20001)},
+            {"angle", [&] { dynamic_cast<QDoubleSpinBox&>(named("Angle:")).setValue(-12.34); }},
+            {"clear", check("Clear toner, no color")},
+            {"first page", check("On the first page only")},
+            {"font",
+             [&] {
+                 for (auto* box : dialog.findChildren<QComboBox*>()) {
+                     if (box->isEditable()) {
+                         box->setCurrentText("Courier");
+                     }
+                 }
+             }},
+            {"text", [&] { QTest::keyClicks(&named("Text:"), " 2 "); }},
+            {"add another", check("Add a watermark")},
+            {"print it", [&] { dynamic_cast<QComboBox&>(named("Watermark to print")).setCurrentIndex(1); }},
+            {"remove it", check("Remove the watermark")},
+            {"remove the other", check("Remove the watermark")},
+            {"first page of settings", show(0)},
+            {"search for little", [&] { child<QLineEdit>(dialog, "search").setText("creep"); }},
+            {"edit", [&] { child<QSpinBox>(dialog, "*QVBookletCreep").setValue(500); }},
+            {"undo", check("Restore Creep (1/100 mm)")},
+            {"search for more", [&] { child<QLineEdit>(dialog, "search").setText("notes E"); }},
+            {"search for nothing", [&] { child<QLineEdit>(dialog, "search").setText("xyz"); }},
+            {"search no longer", [&] { child<QLineEdit>(dialog, "search").clear(); }},
+            {"apply the preset", [&] { press(dialog, "applyPreset"); }},
+            {"restore", [&] { press(dialog, "restore"); }}};
+        actions.insert(actions.end(), more.begin(), more.end());
+        for (const auto& [name, act] : actions) {
+            act();
+            tell(name);
+        }
+    });
+    const TemporaryFolder now;
+    const std::string golden = TORKA_SOURCE_DIR "/tests/jobproperties/golden/window";
+    const std::string changes = runCommand({"diff", "-u", golden, now.Write("window", said).string()}).output;
+    EXPECT_TRUE(changes.empty()) << "if this is right, apply it with patch:\n" << changes;
 }
 
 // Names, keys and tips from a description and from the server that look like markup.

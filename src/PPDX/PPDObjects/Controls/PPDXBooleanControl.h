@@ -33,6 +33,14 @@ public:
     // Return null when the description has no such text.
     const char* TrueDisplayText() const;
     const char* FalseDisplayText() const;
+    // The bytes that the job holds for the state; empty for none.
+    std::string_view Code(bool state) const {
+        const unsigned char* code = state ? truePS : falsePS;
+        const long length = state ? truePSLength : falsePSLength;
+        return code == nullptr
+                   ? std::string_view()
+                   : std::string_view(reinterpret_cast<const char*>(code), static_cast<std::size_t>(length));
+    }
 
     // Given interface; no caller here
     bool DefaultState() const { return defaultValue != 0; }
