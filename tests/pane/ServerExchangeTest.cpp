@@ -79,6 +79,9 @@ TEST(ServerExchange, AFailureIsToldOnce) {
             test.alerts->answer = goesOn ? AlertButton::defaultButton : AlertButton::alternateButton;
             spoil(test);
             const Answer expected = goesOn && alerts > 0 ? Answer::withoutData : Answer::stop;
+            test.server.FetchServerData(
+                test.dialog->printer, "host", "", [] {}, ServerExchange::Failures::quiet);
+            EXPECT_TRUE(test.alerts->shown.empty()) << name;
             EXPECT_EQ(test.Fetch(), expected) << name;
             EXPECT_EQ(test.alerts->shown.size(), alerts) << name;
         }
