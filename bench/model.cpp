@@ -31,6 +31,7 @@ extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* block);
 }
 
@@ -50,6 +51,9 @@ extern "C" void* calloc(std::size_t count, std::size_t size) { return counted(__
 extern "C" void* realloc(void* block, std::size_t size) {
     heapNow -= block ? malloc_usable_size(block) : 0;
     return counted(__libc_realloc(block, size));
+}
+extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    return counted(__libc_memalign(alignment, size));
 }
 extern "C" void free(void* block) {
     heapNow -= block ? malloc_usable_size(block) : 0;

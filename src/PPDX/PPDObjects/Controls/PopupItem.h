@@ -94,15 +94,21 @@ public:
     explicit ChoiceAllocator(std::pmr::memory_resource& from)
         : memory(&from) {}
     Value* allocate(std::size_t count) {
-        return static_cast<Value*>(memory->allocate(count * sizeof(Value), alignof(Value)));
+        return memory == nullptr
+                   ? std::allocator<Value>().allocate(count)
+                   : static_cast<Value*>(memory->allocate(count * sizeof(Value), alignof(Value)));
     }
     void deallocate(Value* list, std::size_t count) {
-        memory->deallocate(list, count * sizeof(Value), alignof(Value));
+        if (memory == nullptr) {
+            std::allocator<Value>().deallocate(list, count);
+        } else {
+            memory->deallocate(list, count * sizeof(Value), alignof(Value));
+        }
     }
     bool operator==(const ChoiceAllocator&) const = default;
 
 private:
-    std::pmr::memory_resource* memory = std::pmr::new_delete_resource();
+    std::pmr::memory_resource* memory = nullptr; // null for the heap
 };
 
 using PopupItems = std::vector<_PopupItem, ChoiceAllocator<_PopupItem>>;
