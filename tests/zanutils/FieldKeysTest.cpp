@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace torka {
@@ -94,6 +95,7 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can give files away";
     }
+    ::umask(022); // that of the person could make the files writable for others
     const std::string zan = "var/lib/torka/ZAN";
     const std::string keysName = zan + "/FieldKeys.plist";
     struct Case {
