@@ -234,6 +234,9 @@ TEST_F(ModuleWindow, SaysWhatWasReviewed) {
             act();
             tell(name);
         }
+        constexpr int fading =
+            160; // ms, of the button that clears the search; Qt frees its animation afterwards
+        QTest::qWait(2 * fading);
     });
     const TemporaryFolder now;
     const std::string golden = TORKA_SOURCE_DIR "/tests/jobproperties/golden/window";
