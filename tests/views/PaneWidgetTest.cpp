@@ -491,8 +491,8 @@ TEST_F(PaneWidgetTest, ModelsStaySoundWhileTheirRowsChange) {
     EXPECT_EQ(box->currentIndex(), 1);
 }
 
-// The style's drawings of a popup serve those of every other pane.
-TEST_F(PaneWidgetTest, PopupsShareTheirColors) {
+// The style's drawings of a control serve those of every other pane. Qt never forgets their names.
+TEST_F(PaneWidgetTest, ControlsShareTheirColors) {
     Go("*QVDuplex");
     for (const QColor& window : {QColor(0xEF, 0xEF, 0xEF), QColor(50, 50, 52)}) {
         QApplication::setPalette(QPalette(window));
@@ -501,7 +501,17 @@ TEST_F(PaneWidgetTest, PopupsShareTheirColors) {
         EXPECT_EQ(colors, Widget().SearchField()->palette());
         ViewedPane other(samplePane());
         other.Draw();
-        EXPECT_TRUE(other.Root()->findChild<QComboBox*>()->palette().isCopyOf(colors));
+        for (const std::string& page : other.Widget().PageIdentifiers()) {
+            ASSERT_TRUE(other.Widget().ShowPage(page));
+        }
+        for (const QWidget* control : other.Root()->findChildren<QWidget*>()) {
+            if (control->inherits("QPushButton") || control->inherits("QToolButton") ||
+                control->inherits("QScrollBar") || control->inherits("QSpinBox") ||
+                control->inherits("QComboBox")) {
+                const QPalette own = control->palette();
+                EXPECT_TRUE(own.isCopyOf(colors) || own != colors) << control->metaObject()->className();
+            }
+        }
     }
     QApplication::setPalette(QPalette());
 }

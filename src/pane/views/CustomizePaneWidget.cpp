@@ -9,6 +9,7 @@
 #include "pane/views/GaugePanel.h"
 #include "pane/views/JobPicture.h"
 #include "pane/views/LastJobLine.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PaneIcons.h"
 #include "pane/views/PresetBar.h"
 #include "pane/views/RoomyRows.h"
@@ -368,6 +369,7 @@ void CustomizePaneWidget::ShowEntry(std::size_t index) {
     if (entry.widget == nullptr) {
         entry.widget = MakePage(entry);
         stack->addWidget(entry.widget);
+        shareColorsBelow(*entry.widget);
         chainInTabOrder(list, *entry.widget);
         entry.isStale = dynamic_cast<FieldPage*>(entry.widget) == nullptr;
     }

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/PaneColors.h"
 
+#include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QAbstractSpinBox>
 #include <QApplication>
+#include <QComboBox>
 #include <QEvent>
 #include <QWidget>
 
@@ -86,6 +90,18 @@ QPalette readableColors() {
 void shareColors(QWidget& control) {
     takeSharedPalette(control);
     new ColorFollower(control);
+}
+
+void shareColorsBelow(QWidget& place) {
+    for (QWidget* control : place.findChildren<QWidget*>()) {
+        const bool hasDrawings = qobject_cast<QAbstractButton*>(control) != nullptr ||
+                                 qobject_cast<QAbstractSlider*>(control) != nullptr ||
+                                 qobject_cast<QAbstractSpinBox*>(control) != nullptr ||
+                                 qobject_cast<QComboBox*>(control) != nullptr;
+        if (hasDrawings && !control->testAttribute(Qt::WA_SetPalette)) {
+            shareColors(*control);
+        }
+    }
 }
 
 QColor blend(const QColor& under, const QColor& over, double share) {

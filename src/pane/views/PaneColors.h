@@ -19,6 +19,9 @@ QPalette readableColors();
 // REQUIRES: the control stands in its parent, whose colours it takes now and whenever they change.
 void shareColors(QWidget& control);
 
+// The same for all buttons, popups, numbers and sliders below a place that have no palette of their own.
+void shareColorsBelow(QWidget& place);
+
 // A colour mixed with a share (0 to 1) of another that lies over it.
 QColor blend(const QColor& under, const QColor& over, double share);
 

@@ -7,6 +7,7 @@
 #include "pane/views/BrokenNotesDialog.h"
 #include "pane/views/ConflictDialog.h"
 #include "pane/views/CustomizePaneWidget.h"
+#include "pane/views/PaneColors.h"
 #include "pane/views/PaneRoot.h"
 #include "pane/views/PlainTexts.h"
 #include "pane/views/PopupJobNoteDialog.h"
@@ -172,6 +173,7 @@ void QtPaneInterface::MakePane() {
         sign = new TwoWaySign(context, signPlace);
         signLayout->addWidget(sign);
     }
+    shareColorsBelow(*root);
 }
 
 void QtPaneInterface::MakeDialogs() {
