@@ -378,6 +378,18 @@ TEST_F(Callbacks, VariablesWithoutAnAnswerAreEmptied) {
     EXPECT_THAT(fonts, Each(IsNull()));
     EXPECT_THAT(texts, Each(IsNull()));
     EXPECT_TRUE(png == nullptr && size == 0 && count == 0);
+    EXPECT_EQ(
+        module.Callback<SDMGetTextByNameProc>(SDM_SLOT_GET_DEVICE_LINK_PROFILE)(&server, L"P", &texts[0]),
+        SDM_NOT_AVAILABLE);
+    Load(true);
+    EXPECT_EQ(module.Callback<SDMGetCountProc>(SDM_SLOT_GET_PREVIEW_PAGES_COUNT)(&server, &count),
+              SDM_NOT_AVAILABLE);
+    EXPECT_EQ(module.Callback<SDMGetTextProc>(SDM_SLOT_UPDATE_QUILLFORM_MASTERS)(&server, &texts[0]),
+              SDM_NOT_AVAILABLE);
+    for (const int slot : {SDM_SLOT_GET_CALIBRATION, SDM_SLOT_GET_CALIBRATION_EX}) {
+        EXPECT_EQ(module.Callback<SDMGetTwoTextsProc>(slot)(&server, &texts[0], &texts[1]), SDM_NOT_AVAILABLE)
+            << slot;
+    }
 }
 
 TEST_F(Callbacks, VersionsAreTextAndNoFormat) {

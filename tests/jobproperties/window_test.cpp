@@ -297,6 +297,16 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         EXPECT_FALSE(note.isVisible());
 
         child<QSpinBox>(dialog, "*QVBookletCreep").setValue(100);
+        search.setText("creep");
+        for (auto* button : dialog.findChildren<QAbstractButton*>()) {
+            if (button->accessibleName() == "Restore Creep (1/100 mm)") {
+                ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+                dialog.setAttribute(Qt::WA_KeyboardFocusChange);
+                const QImage before = button->grab().toImage();
+                button->setFocus(Qt::TabFocusReason);
+                EXPECT_NE(button->grab().toImage(), before) << "the keyboard's place is not seen";
+            }
+        }
         press(dialog, "restore");
         EXPECT_EQ(child<QSpinBox>(dialog, "*QVBookletCreep").value(), 10);
 
@@ -316,6 +326,20 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
     });
     EXPECT_EQ(outcome, "1");
     EXPECT_EQ(QCoreApplication::instance(), &application);
+}
+
+TEST_F(ModuleWindow, SaysWhyItHasNoDescription) {
+    for (const auto& [path, reason] :
+         {std::pair{"", "did not say where"}, {"/nowhere.ppd", "/nowhere.ppd cannot be read"}}) {
+        SetDescription(path);
+        std::string said;
+        Run([&said](QDialog& dialog) {
+            for (const QLabel* label : dialog.findChildren<QLabel*>()) {
+                said += label->isVisible() ? label->text().toStdString() : "";
+            }
+        });
+        EXPECT_THAT(said, testing::HasSubstr(reason));
+    }
 }
 
 TEST_F(ModuleWindow, NeedsADisplay) {

@@ -83,7 +83,7 @@ std::string pagesOf(const ZANPPD& model) {
     };
     model.GetProperties()->ForEach([&](const PPDXProperty* page) {
         text += "page " + told(*page) + (page->ShowInApp() ? " app" : "") +
-                (page->ShowInPrintProp() ? " print" : "") + "\n";
+                (ShowPropInPrintProp(page) ? " print" : "") + "\n";
         if (PPDXScrollPane* pane = page->GetScrollDown()) {
             text += " pane " + told(*pane) + "\n";
             pane->RollDowns().ForEach(addGroup);

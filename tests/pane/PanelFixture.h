@@ -20,6 +20,7 @@ namespace torka::tests {
 struct MemoryWidgets {
     std::map<PaneOutlet, std::string> texts;
     std::map<PaneOutlet, bool> hidden;
+    std::map<PaneOutlet, bool> enabled;
     std::map<PaneOutlet, double> shifts; // shifts of the frames' lower edges
     std::vector<std::string> observed;
     std::function<void()> painted;
@@ -47,7 +48,7 @@ public:
         widgets.texts[outlet] = utf8Text(text);
     }
     void setHidden(PaneOutlet outlet, bool hidden) override { widgets.hidden[outlet] = hidden; }
-    void setEnabled(PaneOutlet, bool) override {}
+    void setEnabled(PaneOutlet outlet, bool on) override { widgets.enabled[outlet] = on; }
     PaneFrame frame(PaneOutlet) const override { return {0, 100, 200, 300}; }
     void setFrame(PaneOutlet outlet, const PaneFrame& frame) override {
         widgets.shifts[outlet] = frame.y - 100 + frame.height - 300;

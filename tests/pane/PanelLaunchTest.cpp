@@ -93,7 +93,10 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
         module.watermarks.push_back(L"0,0,0,0,0,0,0,0,0,0,0,0,48,Helvetica,DRAFT");
         Change(L"*QV_WATERMARK", L"0");
     };
+    services.printer = pane.printer;
+    system->files["/tmp/ZAN/JPData/Driver_SMALL.PPD/Presets/presets.xml"].content = "<a/>";
     panel->LaunchJobProperties(0);
+    EXPECT_EQ(pane.printer->sent.size(), 1U);
     ExpectUsable(1);
     EXPECT_EQ(std::ranges::count(module.calls, "begin"), 1);
     EXPECT_EQ(changesIn(*pane.model), "*QVDuplex=Tumble *QVOutProfile=Of the server *PresetName=Glossy "

@@ -57,6 +57,7 @@ struct Exchange {
 TEST(PanelSettings, ListOfADescriptionWithoutTwoWayCommunication) {
     Exchange exchange(false);
     exchange.pane.settings->SetCopies(12345);
+    exchange.pane.format->orientation = kPMLandscape;
     exchange.pane.data->SlipSheetList().Append({L"SlipSheet_Tray", L"Upper"});
     exchange.pane.data->MixedMediaList().Append({L"*MM_A1", L"\u5370"});
     exchange.pane.data->AccountPairs()[1].value = L"Account";
@@ -68,9 +69,11 @@ TEST(PanelSettings, ListOfADescriptionWithoutTwoWayCommunication) {
                             "Unit=None", "CustomPrintSize=False", "QVControlBar=Off", "*QV_WATERMARK=2",
                             "*QV_WATERMARK_FIRSTPAGEONLY=False", "QVPCMID=-1", "QVPCName=-1",
                             "QVCoverSizePCMID=-1", "QVCoverSizePCName=-1", "*QV_COPIES=9999",
-                            "num copies=9999", "*QVOrientation=Portrait", "*MM_A1=\xE5\x8D\xB0",
+                            "num copies=9999", "*QVOrientation=Landscape", "*MM_A1=\xE5\x8D\xB0",
                             "SlipSheet_Tray=Upper"));
     EXPECT_EQ(fieldText(exchange.panel->Record().installableOptions), "12,");
+    exchange.Return({{"QVPCName", "-1"}});
+    EXPECT_EQ(exchange.pane.data->AccountPairs()[1].value, L"Account");
 }
 
 TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
@@ -111,6 +114,7 @@ TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
 TEST(PanelSettings, EachKeyGoesWhereItBelongs) {
     Exchange exchange(true);
     Pane& pane = exchange.pane;
+    pane.Store("WatermarkFirstPageInfo", CFNumberCreate(0));
     exchange.panel->makeJobNotesForSpecialControls();
     pane.data->Watermarks().Append(std::make_unique<ZANWatermark>("0,0,0,0,0,0,0,0,0,0,0,0,48,Helvetica,A"));
     pane.data->SlipSheetList().Append({L"SlipSheet_Old", L"removed by the module"});
@@ -137,6 +141,7 @@ TEST(PanelSettings, EachKeyGoesWhereItBelongs) {
                      {"*MM_A1", "Card"},
                      {"CoverPage_Back", "No"},
                      {"RangeProp1", "4-6"}});
+    EXPECT_EQ(pane.StoredNumber("WatermarkFirstPageInfo"), 1);
     EXPECT_EQ(changesIn(*pane.model),
               "*QVDuplex=Tumble *QVMarks=Fold *Collate=True *QVScale=205 *QVShift=1.500 *Notes1=caf\xC3\xA9 "
               "*Short=1234 *QVOutProfile=Of the server *QVControlBar=Server Bar *Unit=Staple "

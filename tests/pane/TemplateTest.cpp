@@ -73,13 +73,17 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
                                     {"CoverPage_A", "cover"},
                                     {"QVPCName", "Account"},
                                     {"QVCoverSizePCMID", "12"},
+                                    {"QVCoverSizePCName", "13"},
                                     {"Notes1", "a note"},
                                     {"CustomPrintSize", "300 400"}}) {
         xml += std::string("<ZANPPD key=\"") + key + "\" default=\"" + text + "\"/>\n";
     }
     xml += "</Controls>\n<Show>\n<ZANPPD key=\"QVFold\" value=\"False\"/>\n"
            "<ZANPPD key=\"QVAny\" value=\"True\"/>\n</Show>\n</Category>";
-    Pane pane(paneHeader + jobNote("Notes1") + templateLines(xml));
+    Pane pane(paneHeader + jobNote("Notes1") + popup("QVPrintSize", {"SameAsPageSize", "CustomPrintSize"}) +
+              "*%ParamCustomPrintSize Width: 1 points 283.46 936\n*%ParamCustomPrintSize Height: 2 points "
+              "119.53 1368\n" +
+              templateLines(xml));
     pane.Store(".MMKey", CFNumberCreate(1));
     pane.Store("MMKey0", cfString("*RangeProp9"));
     pane.Store(".SlpSht", CFNumberCreate(2));
@@ -96,7 +100,7 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
                 ElementsAre("SlipSheet_B=slip b", "SlipSheet_A=", "SlipSheet_C="));
     EXPECT_THAT(pairsOf(pane.data->CoverPages()), ElementsAre("CoverPage_A=cover"));
     EXPECT_THAT(pairsOf(pane.data->PaperCatalogue()),
-                ElementsAre("*QVCoverSizePCMID=12", "*QVPCName=Account", "*QVCoverSizePCMID=-1",
+                ElementsAre("*QVCoverSizePCMID=12", "*QVCoverSizePCName=13", "*QVPCName=Account",
                             "*QVCoverSizePCName=-1"));
     EXPECT_EQ(pane.StoredNumber(".MMKey"), 2);
     EXPECT_EQ(pane.StoredNumber(".PadCov"), 1);
@@ -107,6 +111,7 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     EXPECT_EQ(pane.Stored("*Notes1"), "a note");
     EXPECT_EQ(utf8Text(pane.model->CopyValueForKey(cfString("*Notes1"))), "a note");
     EXPECT_EQ(pane.Stored("*CustomPrintSize"), "300 400");
+    EXPECT_EQ(utf8Text(pane.model->CopyValueForKey(cfString("*CustomPrintSize"))), "300.000000 400.000000");
     EXPECT_EQ(pane.Stored("MM_B1"), "");
 
     // The template is applied once for a panel: later changes by the user stay.

@@ -63,13 +63,16 @@ TEST(PlugIn, WantsTheMakersVersion) {
 }
 
 TEST(Panel, ForgetsTheLastOneAndLoadsItsInterfaceWhenItIsNeeded) {
-    Bench bench;
+    Bench bench(panelDescription("*%ZANGroupName Dark/Dark: False\n*%ZANParent Dark/Pane: False|Rolldown\n"));
     gPopupJobNotesNote[2] = "old";
     gPopupJobNotesSavedSetting = '0';
+    gPopupJobNotesDefaultsButton = 1;
     const auto panel = bench.Open();
     ASSERT_TRUE(panel);
+    EXPECT_NE(panel->getPPDPtr()->GetGroups()->Find("Dark", true), nullptr);
     EXPECT_EQ(gPopupJobNotesNote[2], "");
     EXPECT_EQ(gPopupJobNotesSavedSetting, '1');
+    EXPECT_EQ(gPopupJobNotesDefaultsButton, 0);
     EXPECT_EQ(cachesPDEOpenFilePath, "/Library/Caches/ZAN/Press.pdeopen");
     EXPECT_EQ(bench.Stored("PCFILENAME"), "SMALL.PPD");
     EXPECT_EQ(bench.loads, 0) << "no popup notes";
@@ -96,7 +99,28 @@ TEST(Panel, NothingIsSentBeforeThePaneWasPainted) {
         bench.dialog->printer->sent.clear();
         panel->sendDeferredCommands();
         EXPECT_EQ(bench.SentTitles(), std::vector<std::string>(isRefused ? 1 : 0, "Command_ZANPrefs"));
+        bench.dialog->printer->sent.clear();
+        panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString("10.0.0.8"), true);
+        EXPECT_THAT(bench.SentTitles(), ElementsAre("Command_ZANPrefs")) << "a later address goes at once";
     }
+}
+
+TEST(Panel, ANewAddressForgetsTheOldControllersData) {
+    Bench bench;
+    const auto panel = bench.OpenShown();
+    bench.system->files["/var/cache/torka/queues/Press.bididata"] = {"x", 0644};
+    const auto answer = panel->Server().FetchServerData(
+        bench.dialog->printer, "10.0.0.7", "", [] {}, ServerExchange::Failures::quiet);
+    ASSERT_EQ(answer, ServerExchange::Answer::read);
+    panel->printerAddressStored(false);
+    EXPECT_EQ(panel->Server().GetState(), ServerExchange::State::nothing);
+}
+
+TEST(Panel, OnlyADiscoveredQueueHasAServiceName) {
+    Bench bench;
+    EXPECT_EQ(utf8Text(bench.OpenShown()->queueServiceName()), "");
+    bench.dialog->printer->deviceUri = "dnssd://Office%20Press._ipp._tcp.local./?uuid=1";
+    EXPECT_EQ(utf8Text(bench.OpenShown()->queueServiceName()), "Office Press");
 }
 
 TEST(Panel, QueueNamesComeFromTheLastComponent) {
@@ -128,6 +152,7 @@ TEST(Panel, TheAccountNameFillsAnEmptyUserNameWhereTheControllerChecksIt) {
         panel->restoreValuesAndReturnError(nullptr);
         EXPECT_EQ(valueOf(*panel, "*QVUserAuthName"), "another");
         panel->defaultsButtonClicked();
+        EXPECT_NE(gPopupJobNotesDefaultsButton, 0);
         EXPECT_EQ(valueOf(*panel, "*QVUserAuthName"), filled) << more;
     }
 }
@@ -197,7 +222,9 @@ TEST(Panel, TheRootViewMayOutliveIt) {
 }
 
 TEST(Panel, WorksWithoutAnInterface) {
-    Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN")));
+    std::string text = panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN"));
+    text.replace(text.find("English"), 7, "Japanese");
+    Bench bench(text);
     setPaneInterfaceLoader([&](TorkaFeaturesPDE&, const BundleRef&) -> std::unique_ptr<PaneInterface> {
         ++bench.loads;
         return nullptr;
@@ -212,6 +239,8 @@ TEST(Panel, WorksWithoutAnInterface) {
     panel->enableCustomizedViewForDMT();
     EXPECT_TRUE(panel->shouldPrint());
     panel->printWindowWillClose();
+    EXPECT_TRUE(gPopupJobNotesLangIsJapanese);
+    resetPopupJobNotes();
 }
 
 TEST(Panel, LongPrinterNamesEndAtABlank) {
@@ -417,7 +446,7 @@ TEST(Panel, PopupNotesAreAskedForAndRemembered) {
 }
 
 TEST(Panel, ATypedAddressIsStored) {
-    Bench bench;
+    Bench bench(panelDescription(popup("QVOutProfile", {"Press", "Coated"})));
     const auto panel = bench.OpenShown();
     bench.widgets.texts[PaneOutlet::printerAddress] = "press.local";
     EXPECT_TRUE(panel->saveValuesAndReturnError(nullptr));
@@ -428,6 +457,11 @@ TEST(Panel, ATypedAddressIsStored) {
     bench.widgets.sheet->delegate->BIDICheckBoxClicked();
     panel->printWindowWillClose();
     EXPECT_TRUE(panel->GetPDEDataPtr()->isBIDIEnabled());
+    set(*panel, "*QVOutProfile", "Coated");
+    panel->saveValuesAndReturnError(nullptr);
+    const PPDXJobNote* note = panel->getPPDPtr()->GetControls()->FindJobNote("*QVOutProfile", true);
+    ASSERT_NE(note, nullptr);
+    EXPECT_STREQ(note->GetNotes(), "Coated");
 }
 
 // The person continues without two-way communication when the queue refuses the request or the module cannot
@@ -435,7 +469,7 @@ TEST(Panel, ATypedAddressIsStored) {
 TEST(Panel, TheWaitForTheServerKeepsTheAddress) {
     for (const auto& [sent, begun, address] :
          {std::tuple{kPMGeneralError, 0, "10.0.0.9"}, {noErr, 1, "10.0.0.7"}, {noErr, 0, "10.0.0.9"}}) {
-        Bench bench;
+        Bench bench(panelDescription(jobNote("PresetName")));
         FakeJobPropertiesModule module;
         const auto panel = bench.OpenShown();
         PDEData& data = *panel->GetPDEDataPtr();
@@ -448,15 +482,29 @@ TEST(Panel, TheWaitForTheServerKeepsTheAddress) {
         bench.dialog->printer->sendResult = sent;
         bench.system->files["/var/cache/torka/queues/Press.bididata"] = {"x", 0644};
         module.beginResult = begun;
-        module.edit = [&module, hasData = sent == noErr] {
+        module.edit = [&module, &bench, hasData = sent == noErr] {
             const auto read = jobPropertiesHost()->getBidiDataCopy();
             EXPECT_EQ(read ? *read : "", hasData ? "x\n" : "");
+            EXPECT_FALSE(bench.widgets.sheet->bidiEnabled || bench.widgets.sheet->configureEnabled);
             module.settings.emplace_back(L"QVFold", L"Half");
         };
         panel->launchFullProperties();
         EXPECT_EQ(data.isBIDIEnabled(), sent == noErr && begun == 0);
+        EXPECT_EQ(bench.widgets.sheet->bidi, data.isBIDIEnabled());
+        EXPECT_EQ(bench.widgets.sheet->configureEnabled, data.isBIDIEnabled());
+        EXPECT_TRUE(bench.widgets.sheet->bidiEnabled);
+        for (const auto& [outlet, isEnabled] : bench.widgets.enabled) {
+            EXPECT_TRUE(isEnabled);
+        }
         EXPECT_EQ(utf8Text(data.GetCorvianPrinterAddress()), address) << "the queue's own or the stored one";
         EXPECT_EQ(valueOf(*panel, "*QVFold"), begun == 0 ? "Half" : "Flat");
+        if (data.isBIDIEnabled()) {
+            EXPECT_THAT(utf8Text(bench.dialog->printer->sent.back().command), HasSubstr("keys=*QVDuplex"));
+            set(*panel, "*PresetName", "Glossy");
+            panel->GetUI_PanelPtr()->GetsBonjourModuleController()->setprinterIPField(cfString("10.0.0.10"));
+            panel->launchFullProperties();
+            EXPECT_EQ(valueOf(*panel, "*PresetName"), "");
+        }
         unloadJobPropertiesLibrary();
     }
 }

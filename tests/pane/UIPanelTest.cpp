@@ -250,6 +250,22 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     EXPECT_EQ(pane.printer->sent.size(), 1u);
 }
 
+TEST(UIPanel, AnAddressThatTheQueueDoesNotKeepIsTold) {
+    struct Refusing final : PropertyListStore {
+        std::string Load() override { return {}; }
+        SaveResult Save(std::string_view) override { return {noErr, false, "no room"}; }
+    };
+    const ScopedMemorySystem system;
+    const ScopedAlerts alerts;
+    Pane pane(paneHeader);
+    PDEData data(pane.model.get(), cfString("Press"), QueueAccess{pane.session, {}},
+                 [] { return std::make_unique<Refusing>(); });
+    data.SetPrintSettings(pane.settings);
+    UI_Panel(&data).storePrinterAddress(cfString("10.0.0.9"), false);
+    ASSERT_EQ(alerts->shown.size(), 1U);
+    EXPECT_THAT(alerts->shown[0].informative, testing::EndsWith("no room"));
+}
+
 TEST(UIPanel, VersionsToldToTheModule) {
     ScopedMemorySystem system;
     MemoryPanel services;

@@ -384,7 +384,9 @@ TEST(Sentences, AWatermarkNamesWhatItsFontCannotPrint) {
     for (const auto& [word, text] : {std::pair{"Ébauche", "Ébauche"}, {"下書き", "Draft"}}) {
         SpokenPane spoken(paneHeader + "*LanguageVersion: English\n");
         spoken.texts.language.text = [said = word](const PaneWord&) { return said; };
-        EXPECT_EQ(newWatermark(spoken.texts).text, text) << "a new one can be printed";
+        const WatermarkFields fields = newWatermark(spoken.texts);
+        EXPECT_EQ(fields.text, text) << "a new one can be printed";
+        EXPECT_EQ(fields.angle, 450) << "tenths of a degree";
     }
 }
 

@@ -515,7 +515,7 @@ const Situation situations[] = {
      }},
     {"conflict-dialog", "", quarrel,
      [](Test& test) { test.TakeModal([&] { return test.pane->interface->confirmConflicts(); }); }},
-    {"broken-notes", "", "*QVPageRanges=1-5",
+    {"broken-notes", "", "*QVPageRanges=1-5 *QVCostCenter=ab",
      [](Test& test) { test.TakeModal([&] { return test.pane->interface->confirmBrokenNotes(); }); }},
     {"popup-notes", "", "",
      [](Test& test) {
