@@ -101,7 +101,7 @@ TEST(PortalSettings, RefuseWhatHasAWrongTypeFormOrRangeAndSayWhich) {
         {"cups-ZAN.PSData.org.torka.print.pde.5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85.PInf", text("/tmp/x")},
         {"cups-", text("x")},
         {"cups-Two Words", text("x")},
-        {"cups-Delete\x7f", text("x")},
+        {"cups-DeleteAtTheEndOfIt\x7f", text("x")},
         {"cups-InputSlot", text("Lower\x1b[2J")},
     };
     for (const auto& [key, value] : hostile) {
