@@ -138,6 +138,15 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
              fs::permissions(caches.parent_path(), fs::perms(0755));
              fs::rename(caches.string() + "-away", caches);
          }},
+        {"folders", "fault: move the file away",
+         [&] {
+             fs::rename(caches, caches.string() + "-away");
+             std::ofstream(caches) << "no folder";
+         },
+         [&] {
+             fs::remove(caches);
+             fs::rename(caches.string() + "-away", caches);
+         }},
         {"folders", "fault: chmod o+x",
          [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0700)); },
          [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0755)); }},

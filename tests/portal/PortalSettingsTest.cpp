@@ -45,6 +45,7 @@ TEST(PortalSettings, ComeBackAsTheProgramHasToDrawThem) {
         {"output-file-format", "svg", "pdf", "pdf"},
         {"printer", "Press", "Press", "Press"},
         {"cups-StapleIt", "Corner", "Corner", "Corner"},
+        {"cups-~Staple!", "Corner", "Corner", "Corner"},
         {"printer-lpi", "150", "150", "150"},
         // Keys of other dialogs become the printer's options.
         {"default-source", "Lower", nullptr, nullptr},

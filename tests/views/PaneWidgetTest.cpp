@@ -154,6 +154,12 @@ TEST_F(PaneWidgetTest, PopupsMakeTheirListsWhenTheyAreOpened) {
         EXPECT_EQ(pane.Value(keyword), before);
         EXPECT_NE(look(), chosen) << "the widget follows";
     }
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Space, Qt::Key_F4, Qt::Key_Home}) {
+        auto* ticks = Field<QComboBox>("*QVMarks");
+        QTest::keyClick(ticks, key);
+        EXPECT_EQ(ticks->view()->isVisible(), key != Qt::Key_Home);
+        ticks->hidePopup();
+    }
 }
 
 TEST_F(PaneWidgetTest, SaysWhatForbidsAChoice) {
