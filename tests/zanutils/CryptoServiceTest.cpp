@@ -80,6 +80,14 @@ TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
         if (blockBytes > 1) {
             options += " -iv " + toHexText(keys->StringVector().first(blockBytes));
         }
+        const std::string padding(blockBytes - 1, static_cast<char>(blockBytes));
+        for (const std::string& broken :
+             {padding + '\0', std::string(blockBytes, static_cast<char>(blockBytes + 1)), '\1' + padding}) {
+            SecureBuffer out;
+            const auto cipher = tests::openSslCipher(options + " -nopad", bytesOf(broken));
+            EXPECT_EQ(cdsaDecrypt(csp, key, cipher, out), blockBytes > 1 ? CSSMERR_CSP_INVALID_DATA : CSSM_OK)
+                << name;
+        }
         for (const std::size_t length : {7U, 16U, 33U}) {
             SCOPED_TRACE(name + " " + std::to_string(length));
             const std::string plain = std::string("the plain text that is enciphered here").substr(0, length);
