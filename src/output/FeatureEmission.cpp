@@ -66,6 +66,11 @@ std::string valueOf(const PPDXControl* control) {
     return control == nullptr ? std::string() : utf8Text(control->CopyCurrentControlValueString());
 }
 
+// Returns the text as the note's own code carries it: UTF-8 with that mark, else the note's bytes.
+std::string textOf(const PPDXJobNote* note) {
+    return note == nullptr || note->IsUTF8() ? valueOf(note) : note->GetNotes();
+}
+
 bool containsColourKeyword(std::string_view keyword) {
     for (std::size_t at = keyword.find('*'); at != std::string_view::npos; at = keyword.find('*', at + 1)) {
         const std::string_view rest = keyword.substr(at);
@@ -258,7 +263,7 @@ void FeatureEmission::AddColourSetting(const char* keyword) {
     PPDXJobNote* note = controls->FindJobNote(keyword, true);
     if (note != nullptr && source.IsTwoWayEnabled()) {
         if (!leavesEncipheredOnly(*source.Description(), note)) {
-            AddDynamicOption(keyword, valueOf(note), true);
+            AddDynamicOption(keyword, textOf(note), true);
         }
         return;
     }
@@ -312,7 +317,7 @@ void FeatureEmission::AddControlBar() {
     }
     PPDXJobNote* note = controls->FindJobNote("*QVControlBar", true);
     const std::string noteText =
-        leavesEncipheredOnly(*source.Description(), note) ? std::string() : valueOf(note);
+        leavesEncipheredOnly(*source.Description(), note) ? std::string() : textOf(note);
     AddDynamicOption("*QVControlBar", noteText.empty() ? value : noteText, false);
 }
 
