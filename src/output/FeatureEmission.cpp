@@ -174,7 +174,7 @@ void FeatureEmission::AddFirstControl(PPDXControl* control) {
 void FeatureEmission::AddControl(PPDXControl* control) {
     const std::size_t tooLong = ticket.Add(siteDocumentSetup, control);
     if (control != nullptr && tooLong > 0 && dynamic_cast<PPDXJobNote*>(control) == nullptr) {
-        LeaveOut(control->Keyword() == nullptr ? "" : control->Keyword(), tooLong, maximumControlText);
+        LeaveOut({control->Keyword() == nullptr ? "" : control->Keyword(), tooLong, maximumControlText});
     }
 }
 
@@ -238,8 +238,8 @@ void FeatureEmission::AddSideLists() {
             // The limit counts the characters of the whole fragment, as wide text.
             static const std::size_t frame = std::strlen("%%BeginFeature: * \n%%EndFeature\n");
             if (bareKey.size() + setting.value.size() + frame > sideListTextSize) {
-                LeaveOut(key.starts_with('*') ? key : "*" + key,
-                         bareKey.size() + setting.value.size() + frame, sideListTextSize);
+                LeaveOut({key.starts_with('*') ? key : "*" + key,
+                          bareKey.size() + setting.value.size() + frame, sideListTextSize});
                 continue;
             }
             AddFeature(key, utf8FromWide(setting.value));
@@ -338,16 +338,20 @@ void FeatureEmission::AddWatermark() {
     if (resource.size() < watermarkSize) {
         ticket.Add(siteDocumentSetup, resource);
     } else {
-        LeaveOut("watermark", resource.size(), watermarkSize - 1);
+        LeaveOut({"watermark", resource.size(), watermarkSize - 1});
     }
 }
 
 void FeatureEmission::AddScale() {
     PPDXRangeControl* control = controls->FindRangeControl("*QVScale", true);
-    if (control == nullptr || control->GetValue() < 0) {
+    if (control == nullptr) {
         return;
     }
     const auto scale = control->GetValue();
+    if (scale < 0) { // the factor has no sign
+        LeaveOut({"*QVScale", 0, 0, true});
+        return;
+    }
     const std::string factor =
         std::to_string(scale / 100) + "." + std::to_string(scale / 10 % 10) + std::to_string(scale % 10);
     AddFragment("*QVScale", "%%BeginFeature: *QVScale " + std::to_string(scale) +
@@ -459,14 +463,24 @@ bool FeatureEmission::AddFragment(std::string_view keyword, const std::string& f
         ticket.Add(siteDocumentSetup, fragment);
         return true;
     }
-    LeaveOut(keyword, fragment.size(), fragmentSize - 1);
+    LeaveOut({std::string(keyword), fragment.size(), fragmentSize - 1});
     return false;
 }
 
-void FeatureEmission::LeaveOut(std::string_view keyword, std::size_t bytes, std::size_t maximum) {
-    leftOutSettings.push_back({std::string(keyword), bytes, maximum});
-    myNSLogC("The setting %s needs %zu bytes in the job, where %zu have room, and is left out.",
-             leftOutSettings.back().keyword.c_str(), bytes, maximum);
+// A setting that two steps leave out counts once.
+void FeatureEmission::LeaveOut(const LeftOutSetting& setting) {
+    if (std::ranges::find(leftOutSettings, setting.keyword, &LeftOutSetting::keyword) !=
+        leftOutSettings.end()) {
+        return;
+    }
+    leftOutSettings.push_back(setting);
+    const char* const keyword = setting.keyword.c_str();
+    if (setting.isBelowZero) {
+        myNSLogC("The setting %s is below 0, and is left out.", keyword);
+    } else {
+        myNSLogC("The setting %s needs %zu bytes in the job, where %zu have room, and is left out.", keyword,
+                 setting.bytes, setting.maximum);
+    }
 }
 
 // The system's own code prints the settings that are left out: their keywords are not suppressed, and the
