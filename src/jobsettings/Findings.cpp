@@ -66,6 +66,9 @@ std::string leftOutReason(LeftOutReason reason) {
 }
 
 std::string leftOutReason(const LeftOutSetting& setting) {
+    if (setting.isBelowZero) {
+        return "its value is below 0";
+    }
     return "its code has " + std::to_string(setting.bytes) + " bytes, and a job takes " +
            std::to_string(setting.maximum);
 }

@@ -66,6 +66,11 @@ std::string valueOf(const PPDXControl* control) {
     return control == nullptr ? std::string() : utf8Text(control->CopyCurrentControlValueString());
 }
 
+// Returns the text as the note's own code carries it: UTF-8 with that mark, else the note's bytes.
+std::string textOf(const PPDXJobNote* note) {
+    return note == nullptr || note->IsUTF8() ? valueOf(note) : note->GetNotes();
+}
+
 bool containsColourKeyword(std::string_view keyword) {
     for (std::size_t at = keyword.find('*'); at != std::string_view::npos; at = keyword.find('*', at + 1)) {
         const std::string_view rest = keyword.substr(at);
@@ -169,7 +174,7 @@ void FeatureEmission::AddFirstControl(PPDXControl* control) {
 void FeatureEmission::AddControl(PPDXControl* control) {
     const std::size_t tooLong = ticket.Add(siteDocumentSetup, control);
     if (control != nullptr && tooLong > 0 && dynamic_cast<PPDXJobNote*>(control) == nullptr) {
-        LeaveOut(control->Keyword() == nullptr ? "" : control->Keyword(), tooLong, maximumControlText);
+        LeaveOut({control->Keyword() == nullptr ? "" : control->Keyword(), tooLong, maximumControlText});
     }
 }
 
@@ -233,8 +238,8 @@ void FeatureEmission::AddSideLists() {
             // The limit counts the characters of the whole fragment, as wide text.
             static const std::size_t frame = std::strlen("%%BeginFeature: * \n%%EndFeature\n");
             if (bareKey.size() + setting.value.size() + frame > sideListTextSize) {
-                LeaveOut(key.starts_with('*') ? key : "*" + key,
-                         bareKey.size() + setting.value.size() + frame, sideListTextSize);
+                LeaveOut({key.starts_with('*') ? key : "*" + key,
+                          bareKey.size() + setting.value.size() + frame, sideListTextSize});
                 continue;
             }
             AddFeature(key, utf8FromWide(setting.value));
@@ -258,7 +263,7 @@ void FeatureEmission::AddColourSetting(const char* keyword) {
     PPDXJobNote* note = controls->FindJobNote(keyword, true);
     if (note != nullptr && source.IsTwoWayEnabled()) {
         if (!leavesEncipheredOnly(*source.Description(), note)) {
-            AddDynamicOption(keyword, valueOf(note), true);
+            AddDynamicOption(keyword, textOf(note), true);
         }
         return;
     }
@@ -312,7 +317,7 @@ void FeatureEmission::AddControlBar() {
     }
     PPDXJobNote* note = controls->FindJobNote("*QVControlBar", true);
     const std::string noteText =
-        leavesEncipheredOnly(*source.Description(), note) ? std::string() : valueOf(note);
+        leavesEncipheredOnly(*source.Description(), note) ? std::string() : textOf(note);
     AddDynamicOption("*QVControlBar", noteText.empty() ? value : noteText, false);
 }
 
@@ -333,16 +338,20 @@ void FeatureEmission::AddWatermark() {
     if (resource.size() < watermarkSize) {
         ticket.Add(siteDocumentSetup, resource);
     } else {
-        LeaveOut("watermark", resource.size(), watermarkSize - 1);
+        LeaveOut({"watermark", resource.size(), watermarkSize - 1});
     }
 }
 
 void FeatureEmission::AddScale() {
     PPDXRangeControl* control = controls->FindRangeControl("*QVScale", true);
-    if (control == nullptr || control->GetValue() < 0) {
+    if (control == nullptr) {
         return;
     }
     const auto scale = control->GetValue();
+    if (scale < 0) { // the factor has no sign
+        LeaveOut({"*QVScale", 0, 0, true});
+        return;
+    }
     const std::string factor =
         std::to_string(scale / 100) + "." + std::to_string(scale / 10 % 10) + std::to_string(scale % 10);
     AddFragment("*QVScale", "%%BeginFeature: *QVScale " + std::to_string(scale) +
@@ -454,14 +463,24 @@ bool FeatureEmission::AddFragment(std::string_view keyword, const std::string& f
         ticket.Add(siteDocumentSetup, fragment);
         return true;
     }
-    LeaveOut(keyword, fragment.size(), fragmentSize - 1);
+    LeaveOut({std::string(keyword), fragment.size(), fragmentSize - 1});
     return false;
 }
 
-void FeatureEmission::LeaveOut(std::string_view keyword, std::size_t bytes, std::size_t maximum) {
-    leftOutSettings.push_back({std::string(keyword), bytes, maximum});
-    myNSLogC("The setting %s needs %zu bytes in the job, where %zu have room, and is left out.",
-             leftOutSettings.back().keyword.c_str(), bytes, maximum);
+// A setting that two steps leave out counts once.
+void FeatureEmission::LeaveOut(const LeftOutSetting& setting) {
+    if (std::ranges::find(leftOutSettings, setting.keyword, &LeftOutSetting::keyword) !=
+        leftOutSettings.end()) {
+        return;
+    }
+    leftOutSettings.push_back(setting);
+    const char* const keyword = setting.keyword.c_str();
+    if (setting.isBelowZero) {
+        myNSLogC("The setting %s is below 0, and is left out.", keyword);
+    } else {
+        myNSLogC("The setting %s needs %zu bytes in the job, where %zu have room, and is left out.", keyword,
+                 setting.bytes, setting.maximum);
+    }
 }
 
 // The system's own code prints the settings that are left out: their keywords are not suppressed, and the

@@ -23,7 +23,8 @@ enum class EmissionPurpose { printJob, keepSettings };
 // Turns the state of every control and of the side lists into PostScript fragments and adds them to a job
 // ticket, in one fixed order. Reads the source and the description, owns neither. Lives for one emission.
 //
-// Omits what exceeds its maximum (1,024 bytes; 5,120 for a watermark), writes a line to the log and lists it.
+// Omits what exceeds its maximum (1,024 bytes; 5,120 for a watermark), and a scale below 0, writes a line to
+// the log and lists it.
 // The keyword of such a setting is not suppressed, and a popup's or boolean's choice goes into the print
 // settings (systemChoicesSetting), so that the system's own code prints it. Replaces line breaks in values by
 // blanks, so that no value can leave its line.
@@ -37,7 +38,7 @@ public:
     // The fields that the job lacks because they could not be enciphered, and a protected mailbox name
     // without which the job has no file destination. The caller shows them to the user.
     const std::vector<ZANJobNoteList::LeftOutNote>& LeftOutNotes() const { return leftOutNotes; }
-    // What the job lacks because it is too long.
+    // What the job lacks because it is too long or below 0.
     const std::vector<LeftOutSetting>& LeftOutSettings() const { return leftOutSettings; }
 
 private:
@@ -64,7 +65,7 @@ private:
     void AddDynamicOption(std::string_view keyword, std::string_view text, bool escapesParentheses);
     // Returns false when the fragment is too long and omitted.
     bool AddFragment(std::string_view keyword, const std::string& fragment);
-    void LeaveOut(std::string_view keyword, std::size_t bytes, std::size_t maximum);
+    void LeaveOut(const LeftOutSetting& setting);
     void LeaveToTheSystem();
 
     const EmissionSource& source;

@@ -10,11 +10,12 @@
 
 namespace torka {
 
-// A setting whose code is too long for a job.
+// A setting that no job takes: its code is too long, or its value is below 0.
 struct LeftOutSetting {
     std::string keyword; // "watermark" for the watermark
     std::size_t bytes;   // of its code
     std::size_t maximum; // that a job takes
+    bool isBelowZero = false;
 };
 
 // Returns the choices that the last emission left to the system's own code: main keyword without its

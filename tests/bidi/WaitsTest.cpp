@@ -255,9 +255,14 @@ TEST_F(Waits, FailureMessage) {
     BidiFailure translated([](std::string_view table, std::string_view key, std::string_view) {
         return std::string(table) + "/" + std::string(key);
     });
-    translated.showBiDiError();
+    translated.showBiDiError("10.0.0.9");
     EXPECT_EQ(translated.printerInBusyState_ContinueBiDiOFF(), BidiChoice::continueBidiOff);
-    EXPECT_EQ(shownAlerts->shown.at(0).title, "BidiStrings/BIDI_SPOOLER_DELAY_S");
+    failure.showBiDiError("10.0.0.9");
+    EXPECT_NE(shownAlerts->shown.at(1).informative.find("10.0.0.9"), std::string::npos);
+    const AlertText& told = shownAlerts->shown.at(0);
+    EXPECT_EQ(told.title + told.informative + told.defaultButton + told.alternateButton,
+              "BidiStrings/BIDI_SPOOLER_DELAY_SBidiStrings/BIDI_SPOOLER_DELAY_L\n\nBidiStrings/BIDI_NO_ANSWER"
+              "BidiStrings/CONTINUEBidiStrings/CANCEL");
     shownAlerts->onShow = [&](const AlertText&) {
         EXPECT_EQ(failure.printerInBusyState_ContinueBiDiOFF(), BidiChoice::printerStayedBusy);
         return AlertButton::alternateButton;

@@ -222,6 +222,11 @@ TEST_F(JobNotes, SignIn) {
               Feature("*QVUserAuthName", "") + "30 %%ZANUATag: \n" + Feature("*QVUserAuthPwd", ""));
     EXPECT_EQ(leftOut, "");
 
+    Describe({}, {notes[0] + "|Encrypt"});
+    SetNote("*QVUserAuthName", "bob");
+    EXPECT_EQ(Emitted(keys), "!" + Feature("*QVUserAuthName", cipher("bob")));
+    EXPECT_EQ(Emitted(nullptr), "");
+
     Describe({"*ZANAuthenticateWithLDAP: True"}, notes);
     memory->userName = "home//:alice";
     EXPECT_TRUE(Emitted(keys).starts_with(Feature("*QVUserAuthName", "home/alice")));
@@ -319,8 +324,8 @@ TEST_F(JobNotes, TooLongChoicesGoToTheSystemNotesDoNot) {
         popup += "%" + std::string(100, 'x') + "\n";
     }
     popup += "\"\n*End\n*CloseUI: *QVOutProfile\n";
-    Describe({}, {"*QVLong: 2000", "*Resume: 8|Encrypt"}, popup);
-    SetNote("*QVLong", std::string(1200, 'n').c_str());
+    Describe({}, {"*QVLong: 9000", "*Resume: 8|Encrypt"}, popup);
+    SetNote("*QVLong", std::string(6000, 'n').c_str());
     SetNote("*Resume", "12345678");
     installFieldKeys(keys);
     tests::PlainSource source(*description, settings);
@@ -330,12 +335,15 @@ TEST_F(JobNotes, TooLongChoicesGoToTheSystemNotesDoNot) {
         EXPECT_EQ(emission.OutPostscriptData(), 0);
         ASSERT_EQ(emission.LeftOutSettings().size(), 1U);
         EXPECT_EQ(emission.LeftOutSettings()[0].keyword, "*QVOutProfile");
+        std::size_t longest = 0;
         for (const auto& entry : ticket.Entries()) {
+            longest = std::max(longest, entry.bytes.size());
             EXPECT_NE(entry.bytes, "*QVOutProfile");
             EXPECT_EQ(entry.isProtected,
                       entry.bytes.find(encipherNote(*keys, "", NoteAlgorithm::des, "12345678")) !=
                           std::string_view::npos);
         }
+        EXPECT_GT(longest, 18000U); // the note's text, and its hexadecimal digits
     }
     using Choices = std::vector<std::pair<std::string, std::string>>;
     EXPECT_EQ(systemChoices(settings->Value(cfString(systemChoicesSetting))),
@@ -372,7 +380,8 @@ TEST_F(JobNotes, AProtectedMailboxNameNamesNoFileDestination) {
 // No output of the process contains the secrets: not the emission, not the log, and not the print settings
 // without a secret name.
 TEST_F(JobNotes, NothingSecretLeavesInPlain) {
-    for (const char* first : {"*QVUserAuthPwd: 60", "*Resume: 60|Encrypt", "*QVOutProfile: 60|AESEncrypt"}) {
+    for (const char* first : {"*QVUserAuthPwd: 60", "*Resume: 60|Encrypt", "*QVOutProfile: 60|AESEncrypt",
+                              "*QVCurveAdjust: 60|Encrypt"}) {
         for (const bool hasKeys : {true, false}) {
             Describe({"*CopierUserAuth: True"},
                      {first, "*QVUserAuthName: 60", "*DeptPassword: 9|AESEncrypt", "*Notes1: 20"});

@@ -231,6 +231,12 @@ TEST_P(WatermarkTemplate, HasItsFrame) {
     EXPECT_TRUE(text.ends_with(" %%ZAN End Watermark resource \n"));
     EXPECT_TRUE(std::ranges::all_of(text, [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));
     EXPECT_LT(text.size(), 4300U);
+
+    Template clear = templates[GetParam()];
+    clear.isClear = true;
+    EXPECT_EQ(resource(clear, kPMPortrait, true, "x").find("(Clear)") != std::string::npos,
+              clear.language == std::string_view("Japanese") ||
+                  clear.language == std::string_view("English"));
 }
 
 // The clear ink has its own plate, and the watermark marks no other plate.
@@ -406,6 +412,7 @@ TEST(WatermarkPages, CompositeFontsShowTheText) {
     for (const auto& [name, ordering] : {std::pair("Ryumin-Light", "Japan1"),
                                          {"Playing-Light", "Japan1"},
                                          {"AdobeSongStd-Light", "GB1"},
+                                         {"AdobeHeitiStd-Regular", "GB1"},
                                          {"MyriadPro-Regular", "Japan1"}}) {
         map += std::string("/") + name + " << /FileType /TrueType /Path " +
                "(/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf) /SubfontID 0 /CSI [(" + ordering +
@@ -435,6 +442,7 @@ TEST(WatermarkPages, CompositeFontsShowTheText) {
         {"Japanese", "Not-There-90ms-RKSJ-H", "Ryumin-Light", ""},
         {"Chinese", "AdobeSongStd-Light", "AdobeSongStd-Light", ""},
         {"Chinese", "NotThere", "AdobeSongStd-Light", ""},
+        {"Chinese", "My-AdobeHeitiStd-Regular", "AdobeHeitiStd-Regular", ""},
         {"Russian", "Times-Roman", "MyriadPro-Regular", extended},
     };
     std::string program;

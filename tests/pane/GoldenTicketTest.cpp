@@ -202,6 +202,10 @@ TEST_P(GoldenTicket, IsTheReviewedOneAndItsDocumentRuns) {
         EXPECT_EQ(utf8Text(pane.printer->sent[0].title), "Command_PSQVDestination");
         EXPECT_EQ(utf8Text(pane.printer->sent[0].command), "/Library/Caches/ZAN/proofs");
     }
+    if (!situation.Find("two-way") && situation.Find("made-note")) {
+        const std::string key = situation.Find("made-note")->key;
+        EXPECT_STREQ(pane.model->GetControls()->FindJobNote(key.c_str(), true)->GetNotes(), "");
+    }
     // The same input gives the same bytes.
     ZANJobTicket again(&dictionary, pane.settings, cfString("ZAN.PSData"));
     pane.data->OutPostscriptData(again, pane.session, EmissionPurpose::keepSettings);

@@ -385,14 +385,23 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     }
     std::string description = popup("QVLong", {"Off", "On"});
     description.replace(description.find("% On"), 4, code);
-    Bench bench(panelDescription(description));
+    Bench bench(panelDescription(description + range("QVScale", "-9;400;1;100")));
     const auto panel = bench.OpenShown();
     EXPECT_TRUE(panel->shouldPrint());
     EXPECT_THAT(bench.alerts->shown, IsEmpty());
     set(*panel, "*QVLong", "On");
+    set(*panel, "*QVScale", "-5");
     EXPECT_TRUE(panel->shouldPrint());
     ASSERT_EQ(bench.alerts->shown.size(), 1U);
-    EXPECT_THAT(bench.alerts->shown[0].informative, testing::EndsWith(": QVLong name"));
+    EXPECT_THAT(bench.alerts->shown[0].informative,
+                testing::EndsWith(": QVLong name\nA job takes no value below 0: QVScale"));
+    const auto choices = [&bench] {
+        return systemChoices(bench.dialog->settings->Value(cfString(systemChoicesSetting)));
+    };
+    EXPECT_EQ(choices().size(), 1U);
+    set(*panel, "*QVLong", "Off");
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_THAT(choices(), IsEmpty());
 }
 
 TEST(Panel, NoJobLosesItsSettingsInSilence) {

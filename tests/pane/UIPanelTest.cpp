@@ -198,7 +198,9 @@ TEST(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
         UI_Panel panel(pane.data.get());
         EXPECT_EQ(CheckRemote(true), twoWay);
         EXPECT_FALSE(CheckRemote(false));
-        pane.Set("*QVSimulation", "Added by the controller \xE5\x8D\xB0");
+        for (const char* keyword : {"*QVSimulation", "*QVSpotPriority"}) {
+            pane.Set(keyword, "Added by the controller \xE5\x8D\xB0");
+        }
         panel.makeJobNotesForSpecialControls();
         panel.makeJobNotesForSpecialControls();
         PPDXControls& controls = *pane.model->GetControls();
@@ -208,7 +210,7 @@ TEST(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
             ASSERT_EQ(note != nullptr, twoWay) << keyword;
             if (note) {
                 EXPECT_EQ(utf8Text(note->CopyNotes()), valueOf(pane, keyword));
-                EXPECT_EQ(note->NotesAreUTF8(), *note != "*QVSpotPriority");
+                EXPECT_EQ(note->GetNotes(), valueOf(pane, keyword));
             }
         }
     }

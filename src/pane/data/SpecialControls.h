@@ -17,11 +17,6 @@ inline constexpr const char* controlBarKeyword = "*QVControlBar";
 inline constexpr std::array<const char*, 3> serverPresetKeywords = {"*PresetType", "*PresetName",
                                                                     "*PresetTimestampModified"};
 
-// The two notes that are stored without the conversion of the other notes.
-constexpr bool takesValueAsItIs(std::string_view keyword) {
-    return keyword == "*QVSpotPriority" || keyword == "*QVGrayOverride";
-}
-
 // The control of that keyword, job notes left out; null for none.
 PPDXControl* settingControl(const PPDXControls& controls, const char* keyword);
 

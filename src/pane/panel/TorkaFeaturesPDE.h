@@ -204,7 +204,7 @@ private:
     bool ConfirmConflicts();
     bool ConfirmBrokenNotes();
     void TellLeftOutNotes();
-    std::vector<std::string> LeftOutSettingNames() const;
+    std::vector<std::string> LeftOutSettingNames(bool belowZero) const;
     void FetchServerData(ServerExchange::Failures failures);
     ServerExchange::Answer Fetch(ServerExchange::Failures failures);
     void RefreshFromCallback();

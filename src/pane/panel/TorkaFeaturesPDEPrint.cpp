@@ -188,7 +188,7 @@ void TorkaFeaturesPDE::WritePopupPreferences() {
 }
 
 // Tells the person which notes stay out of the job because they could not be protected, and which settings
-// because their code is too long.
+// because their code is too long or their value is below 0.
 void TorkaFeaturesPDE::TellLeftOutNotes() {
     // One line; "" without names.
     const auto line = [](const std::string& why, const std::vector<std::string>& names) {
@@ -219,16 +219,23 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
              mailbox);
     tell(LocalizedString("NOTES_LEFT_OUT", "Some fields are not sent with this job"),
          unprotected + (unprotected.empty() || unnamed.empty() ? "" : "\n") + unnamed);
+    const std::string tooLong =
+        line(LocalizedString(
+                 "SETTINGS_LEFT_OUT_INFO",
+                 "Their code is too long for a job. The print system prints them itself where it can:"),
+             LeftOutSettingNames(false));
+    const std::string belowZero = line(
+        LocalizedString("SETTINGS_BELOW_ZERO", "A job takes no value below 0:"), LeftOutSettingNames(true));
     tell(LocalizedString("SETTINGS_LEFT_OUT", "Some settings are not sent with this job"),
-         line(LocalizedString(
-                  "SETTINGS_LEFT_OUT_INFO",
-                  "Their code is too long for a job. The print system prints them itself where it can:"),
-              LeftOutSettingNames()));
+         tooLong + (tooLong.empty() || belowZero.empty() ? "" : "\n") + belowZero);
 }
 
-std::vector<std::string> TorkaFeaturesPDE::LeftOutSettingNames() const {
+std::vector<std::string> TorkaFeaturesPDE::LeftOutSettingNames(bool belowZero) const {
     std::vector<std::string> names;
     for (const LeftOutSetting& setting : self.myPDEData->LeftOutSettings()) {
+        if (setting.isBelowZero != belowZero) {
+            continue;
+        }
         const PPDXControl* control = self.myppd->GetPPDXControlForKey(cfString(setting.keyword));
         const std::string name = control == nullptr ? "" : utf8Text(control->CFStringUserName());
         names.push_back(setting.keyword == "watermark"

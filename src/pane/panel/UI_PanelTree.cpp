@@ -175,14 +175,8 @@ void UI_Panel::makeJobNotesForSpecialControls() {
                 std::make_unique<PPDXJobNote>(definition, &empty, colourNoteLength, jobNoteUTF8, 0), false);
         }
         PPDXJobNote* note = controls.FindJobNote(keyword, true);
-        const CFStringRef value = control->CopyCurrentControlValueString();
-        if (!note) {
-            return;
-        }
-        if (takesValueAsItIs(keyword)) {
-            note->SetNotes(utf8Text(value).c_str());
-        } else {
-            note->SetUTF8Notes(value);
+        if (note) {
+            note->SetUTF8Notes(control->CopyCurrentControlValueString());
         }
     };
     std::ranges::for_each(dynamicColourKeywords, keep);

@@ -211,6 +211,9 @@ void PPDLint::CheckRange(long line, std::string_view keyword, std::span<const st
     } else if (values.byDefault < values.minimum || values.byDefault > values.maximum) {
         Note(PPDLintKind::defaultOutsideBounds, line, keyword, trimmed(numbers[3]));
     }
+    if (!isFloat && keyword == "*QVScale" && values.minimum < 0) {
+        Note(PPDLintKind::negativeScale, line, keyword, trimmed(numbers[0]));
+    }
     if (!trimmed(fifth).empty()) {
         Note(PPDLintKind::extraNumber, line, keyword, trimmed(fifth));
     }

@@ -42,6 +42,7 @@ enum class PPDLintKind {
     textAfterNumber,      // text behind a number of a range
     swappedBounds,        // a minimum above the maximum
     defaultOutsideBounds, // a default below the minimum or above the maximum
+    negativeScale,        // a scale's minimum below 0, which no job takes
     extraNumber,          // a fifth number
     badCustomSize,        // a custom page size line that cannot be parsed
     // Options

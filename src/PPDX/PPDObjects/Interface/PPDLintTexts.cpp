@@ -58,6 +58,8 @@ constexpr std::array rows{
     TORKA_ROW(swappedBounds, "the minimum is above the maximum (%1)", "exchange the two bounds"),
     TORKA_ROW(defaultOutsideBounds, "the default is outside the bounds (%1)",
               "give a default between minimum and maximum"),
+    TORKA_ROW(negativeScale, "the minimum is below 0 (%1), and a job takes no scale below 0",
+              "give a minimum of at least 0"),
     TORKA_ROW(extraNumber, "\"%1\" is a fifth number and is lost",
               "give minimum, maximum, increment and default only"),
     TORKA_ROW(badCustomSize, "the custom size line is not understood",
