@@ -77,6 +77,9 @@ protected:
 };
 
 TEST_F(AddressSheetTest, IsWorkedWithKeysAlone) {
+    AddressSheet unopened(window.get(), nullptr);
+    unopened.setAddressField(cfString("10.0.0.9"));
+    EXPECT_EQ(utf8Text(unopened.addressField()), "10.0.0.9");
     Announce("Copy room, second floor", "10.0.0.30");
     Announce("Office <b>Printer</b> & more", "10.0.0.4");
     Announce("Prepress", "10.0.0.12");
