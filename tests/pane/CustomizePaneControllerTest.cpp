@@ -73,6 +73,13 @@ TEST_F(Typing, TakesOutTheFirstRefusedCharacterAndHoldsTheTextToItsLength) {
             EXPECT_EQ(controller.JobNoteClipValue(), typed == "123456" ? 5U : 0U);
         }
     }
+    for (const auto& [keyword, text, last] : {std::tuple{"*Digits", "1a2b", 3},
+                                              {"*Digits", "1-2", 1},
+                                              {"*Pages", "1-2,3", -1},
+                                              {"*Pages", "x2", 0}}) {
+        EXPECT_EQ(controller.LimitTextLengthOfJobNoteControl(keyword, cfString(text)), false);
+        EXPECT_EQ(controller.isNumericText(cfString(text)), last) << keyword << " " << text;
+    }
     EXPECT_NE(controller.CurrentJobNoteControlTag(), controller.TagOfJobNote("*Free"));
     EXPECT_EQ(forgotten, std::ssize(changes));
 }

@@ -171,6 +171,9 @@ TEST(Twofish, PublishedTable) {
         const std::string answer = toHexText(block);
         ASSERT_EQ(Twofish::blockDecrypt(&cipher, &key, block.data(), 128, block.data()), 128);
         EXPECT_EQ(toHexText(block), previous[0]);
+        const auto key32 = fromHex(digits);
+        ASSERT_EQ(Twofish::RunCipher(false, key32.data(), block.data(), 16, block.data()), 0);
+        EXPECT_EQ(toHexText(block), answer);
         std::rotate(previous, previous + 2, previous + 3);
         previous[0] = answer;
     }
