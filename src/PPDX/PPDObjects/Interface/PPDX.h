@@ -98,6 +98,8 @@ protected:
     // Takes the stream, resets the end-of-PPD flag, and sets the application's text encoding to UTF-8 until
     // the description names its own. Returns false when the stream is bad.
     bool StartReading(std::unique_ptr<PPDFileStream> stream);
+    // Tells whether a read of the file failed: the lines behind are missing. Ask before StopReading.
+    bool HasReadFault() const { return fileStream && fileStream->HasReadFault(); }
     void StopReading();
 
     using HeaderValue = std::unique_ptr<CString>;
