@@ -58,6 +58,7 @@ enum class PPDLintKind {
     specialOptionTwice,   // a special option that has a value already
     // Lines, texts and encoding
     cutLine,            // a line of more than 255 bytes
+    cutValue,           // a quoted value of more than 255 bytes
     unclosedQuote,      // a value without its closing quote
     unreadableByte,     // a line with a byte NUL or 0xFF, which ends its text
     untranslatableText, // bytes that are no text of the declared encoding

@@ -336,12 +336,17 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
     std::string_view badByte;
     long line = 1;
     char last = '\0';
-    auto unclosed = description.UnclosedValues().begin();
+    std::span<const std::uint32_t> unclosed = description.UnclosedValues();
+    std::span<const std::uint32_t> cut = description.CutValues();
+    const auto noteValues = [&](PPDLintKind kind, std::span<const std::uint32_t>& values) {
+        for (; !values.empty() && values.front() <= line; values = values.subspan(1)) {
+            Note(kind, line, mainKeyword(start));
+        }
+    };
     const auto endLine = [&] {
         CheckLine(line, start, length, badByte);
-        for (; unclosed != description.UnclosedValues().end() && *unclosed <= line; ++unclosed) {
-            Note(PPDLintKind::unclosedQuote, line, mainKeyword(start));
-        }
+        noteValues(PPDLintKind::unclosedQuote, unclosed);
+        noteValues(PPDLintKind::cutValue, cut);
         length = 0;
         badByte = {};
         start.clear();

@@ -88,6 +88,8 @@ public:
     // Returns the lines, ascending, on which quoted values without a closing quote began; the first 10,000 of
     // them.
     const std::vector<std::uint32_t>& UnclosedValues() const { return unclosedValues; }
+    // Does the same for the values that GetQuotedString has cut.
+    const std::vector<std::uint32_t>& CutValues() const { return cutValues; }
 
 protected:
     // Reads the value of GetQuotedString or, for PostScript, of GetPostscriptString without the line feed at
@@ -122,6 +124,7 @@ private:
     std::unique_ptr<PPDFileStream> fileStream;
     std::string longValue; // of several lines; kept for its capacity while reading
     std::vector<std::uint32_t> unclosedValues;
+    std::vector<std::uint32_t> cutValues;
 };
 
 } // namespace torka
