@@ -2,8 +2,9 @@
 #include "File_Mac.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <system_error>
-#include <utility>
+#include <unistd.h>
 
 namespace torka {
 
@@ -25,6 +26,23 @@ OSStatus statusOf(int error) {
     default:
         return ioErr;
     }
+}
+
+// Calls `move` until all bytes are moved, and puts their number into `count`. `shortage` is the result when a
+// call moves none.
+template <typename Move>
+OSStatus moveBytes(std::size_t wanted, long& count, OSStatus shortage, Move move) {
+    while (static_cast<std::size_t>(count) < wanted) {
+        const ssize_t moved = move(static_cast<std::size_t>(count));
+        if (moved < 0 && errno == EINTR) {
+            continue;
+        }
+        if (moved <= 0) {
+            return moved < 0 ? ioErr : shortage;
+        }
+        count += moved;
+    }
+    return noErr;
 }
 
 } // namespace
@@ -68,11 +86,13 @@ bool FileMac::openDataFork(FilePermission permission) {
     if (!fs::is_regular_file(status)) {
         return Fail(fnOpnErr);
     }
-    dataFork.reset(std::fopen(file.path.c_str(), permission == fsRdPerm ? "rbe" : "r+be"));
-    if (!dataFork) {
-        return Fail(statusOf(errno));
+    const int access = permission == fsRdPerm ? O_RDONLY : O_RDWR;
+    dataFork.emplace(open(file.path.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!*dataFork) {
+        const int reason = errno;
+        dataFork.reset();
+        return Fail(statusOf(reason));
     }
-    std::setvbuf(dataFork.get(), nullptr, _IONBF, 0); // reads are large
     return Fail(noErr);
 }
 
@@ -80,14 +100,16 @@ bool FileMac::closeDataFork() {
     if (!dataFork) {
         return Fail(fnOpnErr);
     }
-    return Fail(std::fclose(dataFork.release()) == 0 ? noErr : ioErr);
+    const std::error_code failure = dataFork->Close();
+    dataFork.reset();
+    return Fail(failure ? ioErr : noErr);
 }
 
 bool FileMac::createDataFork() {
     if (!valid()) {
         return Fail(paramErr);
     }
-    const std::unique_ptr<std::FILE, Closer> made(std::fopen(file.path.c_str(), "abe"));
+    const platform::OpenFile made(open(file.path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
     return Fail(made ? noErr : statusOf(errno));
 }
 
@@ -103,15 +125,13 @@ OSStatus FileMac::dataForkRead(void* buffer, long& count) {
     if (!dataFork || buffer == nullptr) {
         return lastError = fnOpnErr;
     }
-    const std::size_t got = std::fread(buffer, 1, wanted, dataFork.get());
-    count = static_cast<long>(got);
-    const bool isFault = std::ferror(dataFork.get()) != 0;
-    std::clearerr(dataFork.get());
-    return lastError = isFault ? ioErr : got < wanted ? eofErr : noErr;
+    return lastError = moveBytes(wanted, count, eofErr, [&](std::size_t done) {
+               return ::read(dataFork->Descriptor(), static_cast<char*>(buffer) + done, wanted - done);
+           });
 }
 
 OSStatus FileMac::dataForkReadWithOffset(void* buffer, long& count, std::int64_t offset) {
-    if (dataFork && (offset < 0 || std::fseek(dataFork.get(), static_cast<long>(offset), SEEK_SET) != 0)) {
+    if (dataFork && (offset < 0 || lseek(dataFork->Descriptor(), offset, SEEK_SET) < 0)) {
         count = 0;
         return lastError = paramErr;
     }
@@ -124,8 +144,9 @@ OSStatus FileMac::dataForkWrite(const void* buffer, long& count) {
     if (!dataFork || buffer == nullptr) {
         return lastError = fnOpnErr;
     }
-    count = static_cast<long>(std::fwrite(buffer, 1, wanted, dataFork.get()));
-    return lastError = static_cast<std::size_t>(count) < wanted ? ioErr : noErr;
+    return lastError = moveBytes(wanted, count, ioErr, [&](std::size_t done) {
+               return ::write(dataFork->Descriptor(), static_cast<const char*>(buffer) + done, wanted - done);
+           });
 }
 
 bool FileMac::OpenResourceFork(FilePermission) { return Fail(resFNotFound); }

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "platform/CoreFoundation.h"
+#include "platform/OpenFile.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <string>
 
 // Access to a file by reference, with the result codes of the classic file manager.
@@ -44,7 +44,7 @@ public:
     bool valid() const { return isValid; }
 
     bool openDataFork(FilePermission permission);
-    bool dataForkOpen() const { return dataFork != nullptr; }
+    bool dataForkOpen() const { return dataFork.has_value(); }
     // Returns the size in bytes, 0 when the fork is not open.
     std::uint64_t dataForkSize();
     // `count` holds the number of bytes wanted and gets the number of bytes read. Fewer bytes than wanted is
@@ -72,13 +72,10 @@ public:
     bool Restore() { return OpenResourceFork(fsRdPerm); }
 
 private:
-    struct Closer {
-        void operator()(std::FILE* stream) const { std::fclose(stream); }
-    };
     bool Fail(OSStatus error);
 
     FSRef file;
-    std::unique_ptr<std::FILE, Closer> dataFork;
+    std::optional<platform::OpenFile> dataFork;
     OSStatus lastError = noErr;
     bool isValid = false;
 };

@@ -120,8 +120,11 @@ void printFindings(const ZANPPD& description, const PPDLint& lint, const LintOpt
 
 bool isUnreadable(const ZANPPD& description) {
     PPDXErrors& errors = *description.Errors();
-    const PPDXErrorObj* first = errors.First();
-    return first != nullptr && *first == PPDErr_FileError;
+    const PPDXErrorObj* error = errors.First();
+    while (error != nullptr && *error != PPDErr_FileError) {
+        error = errors.Next();
+    }
+    return error != nullptr;
 }
 
 // Returns false when the bundle has no list.

@@ -172,6 +172,7 @@ std::string controlText(const std::string& flags, const std::string& group, cons
 
 TEST(Descriptions, AFatalErrorStandsAlone) {
     EXPECT_THAT(errorsOf(*parseText("*PPD-Adobe: \"4.2\"\n" + popupText("Key"))), ElementsAre("28 "));
+    EXPECT_THAT(errorsOf(*parseText("*PPD-Other: \"4.3\"\n" + popupText("Key"))), ElementsAre("28 "));
     EXPECT_THAT(errorsOf(*parseText("\n*PPD-Adobe: \"4.3\"\n")), ElementsAre("28 "));
     EXPECT_THAT(errorsOf(*parseText("\xFF\xFE\x01binary")), ElementsAre("28 "));
     EXPECT_THAT(errorsOf(*parseText("")), ElementsAre("18 "));

@@ -97,6 +97,7 @@ TEST(PopupPreferences, ComeBackFromTheQueuesDescription) {
                     "50% Lager"},
           {"011\n*QVAccount=A", ""},
           {"110\n*QVAccount=A", ""},
+          {"101\n*QVAccount=A", "A"},
           {"xyz\n*QVAccount=A", ""},
           {"11", ""},
           {"111\n*QVAccount=%4", ""}}) {
@@ -107,6 +108,7 @@ TEST(PopupPreferences, ComeBackFromTheQueuesDescription) {
         pane.model->ReadPUJNPrefs();
         applyPopupJobNotePreferences(*pane.model);
         EXPECT_EQ(valueOf(pane, "*QVAccount"), account) << stored;
+        EXPECT_EQ(gPopupJobNotesSavedSetting, stored[1] == '0' ? '0' : '1') << stored;
         for (const char* untouched : {"*QVOnce", "*QVPin"}) {
             EXPECT_EQ(valueOf(pane, untouched), "") << stored;
         }

@@ -42,7 +42,8 @@ TEST_F(ModelStateTest, NarrowTextFollowsLevelJapaneseNotesAndDocumentServer) {
     };
     const Case cases[] = {{0, false, false, false}, {4, false, false, false}, {5, true, false, false},
                           {7, true, false, false},  {7, false, false, true},  {7, false, true, true},
-                          {5, false, true, false},  {6, false, true, false},  {6, false, false, true}};
+                          {5, false, true, false},  {6, false, true, false},  {6, false, false, true},
+                          {5, false, false, true}};
     SetApplicationTextEncoding(kCFStringEncodingISOLatin1);
     for (const Case& each : cases) {
         gQVUTF8Version = each.level;

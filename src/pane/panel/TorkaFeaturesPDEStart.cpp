@@ -43,6 +43,21 @@ std::string linkTarget(const std::string& path) {
     return failure ? std::string() : target.substr(0, maximumLinkBytes);
 }
 
+// Logs the error that ended the reading of a description before its end: settings are missing then. A file of
+// another format is the description of a printer without a pane.
+bool isReadWhole(ZANPPD& description, const CFURLRef& url) {
+    PPDXErrors& errors = *description.Errors();
+    const PPDXErrorObj* error = errors.First();
+    while (error != nullptr && (!error->IsFatal() || *error == PPDErr_NotPPDFile)) {
+        error = errors.Next();
+    }
+    if (error != nullptr && url) {
+        myNSLogC("The description %s is not read to its end (%s): the printer has no features pane.",
+                 CFURLCopyFileSystemPath(url).c_str(), ppdErrName(error->Code()));
+    }
+    return error == nullptr;
+}
+
 } // namespace
 
 TorkaFeaturesPDE::TorkaFeaturesPDE(PDEPlugInCallbackRef callback) {
@@ -73,7 +88,8 @@ bool TorkaFeaturesPDE::Start() {
     }
     BuildModel(descriptionUrl);
     const CString* makerVersion = self.myppd->MakerVersion();
-    if (!isListed || makerVersion == nullptr || makerVersion->Empty()) {
+    const bool isWhole = isReadWhole(*self.myppd, descriptionUrl);
+    if (!isWhole || !isListed || makerVersion == nullptr || makerVersion->Empty()) {
         return false;
     }
     MakePaneData();

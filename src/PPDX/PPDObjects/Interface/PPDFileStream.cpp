@@ -25,6 +25,9 @@ PPDFileStream::~PPDFileStream() = default;
 
 bool PPDFileStream::Setup() {
     PPDStream::Setup(nullptr, 0);
+    if (hasReadFault) {
+        return false; // what a further read gave would join text across a gap
+    }
     if (!file->dataForkOpen() && !file->openDataFork(fsRdPerm)) {
         return false;
     }
@@ -39,7 +42,8 @@ bool PPDFileStream::Setup() {
     }
     long count = buffer ? capacity : 0;
     const OSStatus result = buffer ? file->dataForkRead(buffer.get(), count) : eofErr;
-    if (result != noErr && result != eofErr) {
+    hasReadFault = result != noErr && result != eofErr;
+    if (hasReadFault) {
         return false;
     }
     PPDStream::Setup(buffer.get(), count);
@@ -78,6 +82,9 @@ bool PPDFileStream::FixLine(std::string_view& line) {
     while (!isEnded && EndOfFile() && Setup()) {
         lineMayHoldNul = lineMayHoldNul || mayHoldNuls;
         isEnded = ContinueLine(line, joined.data());
+    }
+    if (hasReadFault) {
+        line = {};
     }
     return isEnded;
 }

@@ -30,6 +30,8 @@ public:
     // Returns the last line to the stream. The next TakeLine gives it with the same result, status and line
     // number, whatever the end-of-PPD flag is.
     void UngetLine();
+    // Tells whether a read of the file failed. No line follows then, and the line that it cut is not given.
+    bool HasReadFault() const { return hasReadFault; }
     // Returns false when the last line surely holds no NUL.
     bool LineMayHoldNul() const { return lineMayHoldNul; }
 
@@ -44,6 +46,7 @@ private:
     long capacity = 0;
     bool inTemporaryMemory = false; // always true: there is one heap
     bool chunked = false;
+    bool hasReadFault = false;
     PPDFile* file = nullptr;
 
     std::array<char, kLineCapacity> joined{}; // holds a line that spans pieces

@@ -58,6 +58,7 @@ enum class PPDLintKind {
     specialOptionTwice,   // a special option that has a value already
     // Lines, texts and encoding
     cutLine,            // a line of more than 255 bytes
+    cutValue,           // a quoted value of more than 255 bytes
     unclosedQuote,      // a value without its closing quote
     unreadableByte,     // a line with a byte NUL or 0xFF, which ends its text
     untranslatableText, // bytes that are no text of the declared encoding
@@ -146,8 +147,8 @@ public:
     void StrayControlLine(long line, std::string_view keyword);
     void BeginsControl() { hasFailedControl = hasGroupLine = false; }
     void Failed() { hasFailedControl = true; }
-    // Runs the checks that need the whole description.
-    void Finish(ZANPPD& description);
+    // Runs the checks that need the whole description. Returns false when its file could not be read again.
+    bool Finish(ZANPPD& description);
 
 private:
     struct Constraint {
@@ -180,7 +181,7 @@ private:
     void CheckOtherLines(const ZANPPD& description);
     void CheckWords(const ZANPPD& description);
     void CheckPane(const ZANPPD& description);
-    void CheckLines(const ZANPPD& description);
+    bool CheckLines(const ZANPPD& description);
     void CheckLine(long line, std::string_view start, std::size_t length, std::string_view badByte);
 
     std::vector<PPDLintNote> notes;

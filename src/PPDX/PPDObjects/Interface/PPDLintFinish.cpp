@@ -78,7 +78,7 @@ std::string count(std::size_t number, std::string_view what) {
 
 } // namespace
 
-void PPDLint::Finish(ZANPPD& description) {
+bool PPDLint::Finish(ZANPPD& description) {
     CheckConstraints(description);
     CheckGroups(description);
     CheckOptions(description);
@@ -87,12 +87,14 @@ void PPDLint::Finish(ZANPPD& description) {
     if (firstText) {
         Note(PPDLintKind::textBeforeEncoding, firstText->line, firstText->name, firstText->other);
     }
+    bool isRead = true;
     if (!description.HasFatalError()) {
         CheckPane(description);
-        CheckLines(description);
+        isRead = CheckLines(description);
     }
     std::stable_sort(notes.begin(), notes.end(),
                      [](const PPDLintNote& a, const PPDLintNote& b) { return a.line < b.line; });
+    return isRead;
 }
 
 void PPDLint::CheckConstraints(ZANPPD& description) {
@@ -322,10 +324,10 @@ void PPDLint::CheckPane(const ZANPPD& description) {
 }
 
 // Reads the file itself: these defects may stand where no reader of an element looks.
-void PPDLint::CheckLines(const ZANPPD& description) {
+bool PPDLint::CheckLines(const ZANPPD& description) {
     FSRef file;
     if (!description.GetFileSpec(file)) {
-        return;
+        return true;
     }
     std::ifstream in(file.path, std::ios::binary);
     std::array<char, 65536> block;
@@ -334,12 +336,17 @@ void PPDLint::CheckLines(const ZANPPD& description) {
     std::string_view badByte;
     long line = 1;
     char last = '\0';
-    auto unclosed = description.UnclosedValues().begin();
+    std::span<const std::uint32_t> unclosed = description.UnclosedValues();
+    std::span<const std::uint32_t> cut = description.CutValues();
+    const auto noteValues = [&](PPDLintKind kind, std::span<const std::uint32_t>& values) {
+        for (; !values.empty() && values.front() <= line; values = values.subspan(1)) {
+            Note(kind, line, mainKeyword(start));
+        }
+    };
     const auto endLine = [&] {
         CheckLine(line, start, length, badByte);
-        for (; unclosed != description.UnclosedValues().end() && *unclosed <= line; ++unclosed) {
-            Note(PPDLintKind::unclosedQuote, line, mainKeyword(start));
-        }
+        noteValues(PPDLintKind::unclosedQuote, unclosed);
+        noteValues(PPDLintKind::cutValue, cut);
         length = 0;
         badByte = {};
         start.clear();
@@ -351,7 +358,7 @@ void PPDLint::CheckLines(const ZANPPD& description) {
                     const bool isLast = start.starts_with(endOfDescription);
                     endLine();
                     if (isLast) {
-                        return;
+                        return true;
                     }
                     ++line;
                 }
@@ -367,6 +374,7 @@ void PPDLint::CheckLines(const ZANPPD& description) {
         }
     }
     endLine();
+    return in.eof();
 }
 
 void PPDLint::CheckLine(long line, std::string_view start, std::size_t length, std::string_view badByte) {

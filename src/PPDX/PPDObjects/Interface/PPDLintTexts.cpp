@@ -84,6 +84,7 @@ constexpr std::array rows{
 
     TORKA_ROW(cutLine, "the line has more than 255 bytes and was cut into pieces",
               "break the value inside its quotes, or shorten the line"),
+    TORKA_ROW(cutValue, "the value has more than 255 bytes and was cut", "shorten the value"),
     TORKA_ROW(unclosedQuote, "the value has no closing quote and ends where the next keyword begins",
               "close the quote"),
     TORKA_ROW(unreadableByte, "the line holds a byte %1, at which its text ends", "remove the byte"),

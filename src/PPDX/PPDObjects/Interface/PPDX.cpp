@@ -13,7 +13,7 @@
 namespace torka {
 
 namespace {
-constexpr std::size_t maximumUnclosedValues = 10000;
+constexpr std::size_t maximumNotedValues = 10000;
 
 // These lines end a PostScript value although they begin with "*%": the closing quote is missing, and the
 // element must not become part of the value.
@@ -139,19 +139,27 @@ std::string_view PPDX::TakeValue(PPDStream& stream, std::size_t room, bool isPos
 // Returns false at the end of the file.
 bool PPDX::ReadRestOfValue(std::size_t room, bool isPostscript) {
     const std::uint32_t opened = LineNumber();
-    const auto noteUnclosed = [&] {
-        if (unclosedValues.size() < maximumUnclosedValues) {
-            unclosedValues.push_back(opened);
+    const auto note = [opened](std::vector<std::uint32_t>& values) {
+        if (values.size() < maximumNotedValues) {
+            values.push_back(opened);
         }
     };
-    const auto append = [&](std::string_view text) { longValue += text.substr(0, room - longValue.size()); };
+    bool isCut = false;
+    const auto append = [&](std::string_view text) {
+        const std::string_view fitting = text.substr(0, room - longValue.size());
+        longValue += fitting;
+        if (!isPostscript && !isCut && fitting.size() < text.size()) {
+            isCut = true;
+            note(cutValues);
+        }
+    };
     std::string_view text;
     while (ReadNonEmptyLine(text)) {
         if (isPostscript && text.starts_with("*%") && !endsValue(text)) {
             text.remove_prefix(2);
         } else if (text.front() == '*') {
             PushBackLine();
-            noteUnclosed();
+            note(unclosedValues);
             return true;
         }
         if (isPostscript) {
@@ -163,7 +171,7 @@ bool PPDX::ReadRestOfValue(std::size_t room, bool isPostscript) {
             return true;
         }
     }
-    noteUnclosed();
+    note(unclosedValues);
     return false;
 }
 
@@ -199,6 +207,7 @@ std::uint32_t PPDX::LineNumber() const { return fileStream ? fileStream->LineNum
 bool PPDX::StartReading(std::unique_ptr<PPDFileStream> stream) {
     gEndOfPPD = false;
     unclosedValues.clear();
+    cutValues.clear();
     SetApplicationTextEncoding(kCFStringEncodingUnknown);
     fileStream = std::move(stream);
     return fileStream && !fileStream->Bad();

@@ -88,6 +88,8 @@ public:
     // Returns the lines, ascending, on which quoted values without a closing quote began; the first 10,000 of
     // them.
     const std::vector<std::uint32_t>& UnclosedValues() const { return unclosedValues; }
+    // Does the same for the values that GetQuotedString has cut.
+    const std::vector<std::uint32_t>& CutValues() const { return cutValues; }
 
 protected:
     // Reads the value of GetQuotedString or, for PostScript, of GetPostscriptString without the line feed at
@@ -98,6 +100,8 @@ protected:
     // Takes the stream, resets the end-of-PPD flag, and sets the application's text encoding to UTF-8 until
     // the description names its own. Returns false when the stream is bad.
     bool StartReading(std::unique_ptr<PPDFileStream> stream);
+    // Tells whether a read of the file failed: the lines behind are missing. Ask before StopReading.
+    bool HasReadFault() const { return fileStream && fileStream->HasReadFault(); }
     void StopReading();
 
     using HeaderValue = std::unique_ptr<CString>;
@@ -120,6 +124,7 @@ private:
     std::unique_ptr<PPDFileStream> fileStream;
     std::string longValue; // of several lines; kept for its capacity while reading
     std::vector<std::uint32_t> unclosedValues;
+    std::vector<std::uint32_t> cutValues;
 };
 
 } // namespace torka

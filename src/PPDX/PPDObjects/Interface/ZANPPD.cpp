@@ -164,9 +164,14 @@ void ZANPPD::Build() {
             Report(PPDErr_NoControls, {}, 0);
         }
     }
-    // Without memory, keywords and texts are missing that the checks take for granted.
-    if (lint && gMemoryShortages == shortagesBefore) {
-        lint->Finish(*this);
+    // Without memory or lines, keywords and texts are missing that the checks take for granted.
+    const PPDXErrorObj* const first = errors->First();
+    const bool isRead = first == nullptr || *first != PPDErr_FileError;
+    if (lint && isRead && gMemoryShortages == shortagesBefore) {
+        const bool isReadAgain = lint->Finish(*this);
+        if (!isReadAgain) {
+            Report(PPDErr_FileError, {}, 0);
+        }
     }
     if (gMemoryShortages != shortagesBefore && !hasFatalError) {
         Report(PPDErr_OutOfMemory, {}, 0);
@@ -198,6 +203,10 @@ void ZANPPD::Parse() {
         groupNames.clear();
         constraints->Resolve();
         refreshUTF8Level(controls.get());
+    }
+    if (HasReadFault()) {
+        errors = std::make_unique<PPDXErrors>(); // they may come from the missing lines
+        Report(PPDErr_FileError, {}, 0);
     }
     StopReading();
     inInstallableOptions = false;

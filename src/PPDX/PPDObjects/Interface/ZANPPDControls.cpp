@@ -274,7 +274,7 @@ void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
             ParseLine(text);
         }
     }
-    if (!hasFatalError) {
+    if (!hasFatalError && !HasReadFault()) {
         Note(PPDLintKind::unclosedBlock, blockLine, keyword, "the end of the file");
     }
 }
