@@ -120,7 +120,7 @@ function(torka_tests area)
         TORKA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TORKA_BINARY_DIR="${CMAKE_BINARY_DIR}")
     if(arg_EACH)
         # The environment has the language of the texts that they expect.
-        gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 COST ${arg_COST}
+        gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 900 COST ${arg_COST}
             ENVIRONMENT LC_ALL=C.UTF-8)
     else()
         add_test(NAME unit.${area} COMMAND test_${area} --gtest_brief=1)

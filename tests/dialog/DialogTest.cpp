@@ -162,6 +162,26 @@ TEST_F(DialogTest, AStoppedQueueSaysWhyAndOnlyItsButtonCancelsTheJob) {
     EXPECT_TRUE(notice->isHidden());
 }
 
+TEST_F(DialogTest, AnotherProgramsOptionsAreItsOwnAndTheLayoutIsThePersons) {
+    QPrinter accepted;
+    accepted.setPrinterName(productionQueue);
+    dialog::setEngineOption(accepted, "number-up", "4");
+    const QStringList program{"job-priority", "70",       "number-up", "2",  "StapleIt",
+                              "True",         "page-set", "even",      "odd"};
+    QStringList expected{"job-priority", "70", "page-set", "even", "number-up", "4"};
+    EXPECT_EQ(dialog::guestJobOptions(program, accepted, {}), expected);
+    dialog::DescribedOptions decided;
+    decided.pagesPerSheet = true;
+    expected.resize(4);
+    EXPECT_EQ(dialog::guestJobOptions(program, accepted, decided), expected);
+}
+
+TEST_F(DialogTest, AJobThatTheServerDoesNotKnowIsNotAskedForWithoutEnd) {
+    dialog::JobProgress progress(productionQueue, 1'000'000, "brochure.ps");
+    const auto* cancel = progress.findChild<QPushButton*>("cancelJob");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !cancel->isEnabled(); }, 20000)) << "there is nothing to cancel";
+}
+
 // Longer words make the dialog no wider. A process speaks one language.
 TEST_F(DialogTest, HasTheSameWidthInEveryLanguage) {
     std::set<std::string> faces;

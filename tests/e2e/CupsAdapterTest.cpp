@@ -57,6 +57,7 @@ TEST_F(CupsAdapter, PrinterTellsWhatTheServerKnows) {
     EXPECT_EQ(CupsSession("NoSuchQueue").CurrentPrinter(none), kPMGeneralError);
     EXPECT_FALSE(none);
     EXPECT_EQ(CupsPrinter("../etc").CopyDeviceURI(url), kPMGeneralError);
+    EXPECT_EQ(CupsPrinter("NoSuchQueue").State(state), kPMGeneralError);
 }
 
 TEST_F(CupsAdapter, DescriptionIsTheServersFileOrACopyThatIsRemoved) {

@@ -186,6 +186,7 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
     EXPECT_EQ(wideRecord("QVTrayInfo"), "トレイ") << "no language";
     EXPECT_FALSE(std::filesystem::exists(harness.root / "var/cache/torka/queues/Proofs.open"));
     EXPECT_EQ(std::filesystem::status(data).permissions(), std::filesystem::perms(0644));
+    EXPECT_EQ(std::filesystem::status(data.parent_path()).permissions(), std::filesystem::perms(0755));
 
     // The command deletes this queue's files and reports, and nothing else.
     const std::filesystem::path other = data.parent_path() / "Finals.bididata";

@@ -61,6 +61,9 @@ TEST_F(CryptoService, DerivesPublishedKeys) {
     CSSM_KEY key;
     EXPECT_EQ(cdsaDeriveKey(csp, {}, {}, CSSM_ALGID_AES, 0, key), CSSMERR_CSP_UNSUPPORTED_KEY_SIZE);
     EXPECT_EQ(cdsaDeriveKey(nullptr, {}, {}, CSSM_ALGID_AES, 128, key), CSSMERR_CSP_INVALID_CSP_HANDLE);
+    SecureBuffer out;
+    EXPECT_EQ(cdsaEncrypt(nullptr, SessionKey(CSSM_ALGID_AES, 16), bytesOf("text"), out),
+              CSSMERR_CSP_INVALID_CSP_HANDLE);
 }
 
 TEST_F(CryptoService, CiphersAgreeWithOpenSsl) {
