@@ -294,8 +294,9 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         for (auto* button : dialog.findChildren<QAbstractButton*>()) {
             if (button->accessibleName() == "Restore Creep (1/100 mm)") {
                 ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
-                dialog.setAttribute(Qt::WA_KeyboardFocusChange);
                 const QImage before = button->grab().toImage();
+                dialog.setAttribute(Qt::WA_KeyboardFocusChange);
+                EXPECT_EQ(button->grab().toImage(), before);
                 button->setFocus(Qt::TabFocusReason);
                 EXPECT_NE(button->grab().toImage(), before) << "the keyboard's place is not seen";
             }
