@@ -62,6 +62,12 @@ std::string changedLines(const std::string& before, const std::string& after) {
     return without(before, after, "-") + without(after, before, "+");
 }
 
+// Qt frees the animation of the button that clears the search when it ends, and not with the dialog.
+void waitForAnimations() {
+    constexpr int fading = 160; // ms
+    QTest::qWait(2 * fading);
+}
+
 void press(const QDialog& dialog, const char* name) { child<QAbstractButton>(dialog, name).click(); }
 
 } // namespace
@@ -236,9 +242,7 @@ TEST_F(ModuleWindow, SaysWhatWasReviewed) {
             act();
             tell(name);
         }
-        constexpr int fading =
-            160; // ms, of the button that clears the search; Qt frees its animation afterwards
-        QTest::qWait(2 * fading);
+        waitForAnimations();
     });
     const TemporaryFolder now;
     const std::string golden = TORKA_SOURCE_DIR "/tests/jobproperties/golden/window";
@@ -322,6 +326,7 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
             EXPECT_NE(interface->text(QAccessible::Name), "")
                 << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
         }
+        waitForAnimations();
         dialog.reject();
     });
     EXPECT_EQ(outcome, "1");
