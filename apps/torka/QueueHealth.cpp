@@ -129,6 +129,7 @@ private:
     std::vector<QueueFinding> CheckFilter() const {
         std::vector<QueueFinding> findings;
         const std::vector<FilterLineFault> faults = filterLineFaults(text);
+        findings.reserve(faults.size());
         for (const FilterLineFault& line : faults) {
             findings.push_back(
                 fault("filter-lines",

@@ -45,7 +45,8 @@ Result<void> takeMedia(const ZANPPD& description, const std::string& media) {
             continue;
         }
         if (const std::string other = otherValue(*control, name); !other.empty()) {
-            return Fault{"media=" + name + " and *PageSize=" + other + " differ"};
+            return Fault{
+                std::string("media=").append(name).append(" and *PageSize=").append(other).append(" differ")};
         }
         control->SetCurrentControlWithCFString(cfString(name));
     }

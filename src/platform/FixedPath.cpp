@@ -23,7 +23,7 @@ constexpr Place places[] = {
 } // namespace
 
 std::filesystem::path belowRoot(const std::filesystem::path& root, std::string_view fixedPath) {
-    const std::filesystem::path path(fixedPath);
+    std::filesystem::path path(fixedPath);
     if (!path.is_absolute()) {
         return path;
     }

@@ -5,6 +5,7 @@
 #include "platform/PropertyList.h"
 #include "platform/System.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -106,12 +107,10 @@ bool PersonalLists::Write(std::u16string_view list, const std::vector<std::strin
             content.emplace_back(CFStringCreateWithCharacters(each), kept);
         }
     }
-    std::vector<CFTypeRef> values;
-    for (const std::string& row : rows) {
-        values.push_back(cfString(row));
-    }
+    std::vector<CFTypeRef> values(rows.size());
+    std::ranges::transform(rows, values.begin(), [](const std::string& row) { return cfString(row); });
     content.emplace_back(CFStringCreateWithCharacters(list), CFArrayCreate(std::move(values)));
-    return !writePersonalFile(file, CFDictionaryCreate(std::move(content)));
+    return !writePersonalFile(file, CFDictionaryCreate(content));
 }
 
 namespace {

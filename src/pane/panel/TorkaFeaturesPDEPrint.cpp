@@ -194,7 +194,7 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
     const auto line = [](const std::string& why, const std::vector<std::string>& names) {
         std::string text;
         for (const std::string& name : names) {
-            text += (text.empty() ? why + " " : ", ") + name;
+            (text.empty() ? text.append(why).append(" ") : text.append(", ")).append(name);
         }
         return text;
     };

@@ -230,12 +230,13 @@ void paintPages(QPainter& painter, const QRectF& rect, const JobSheets& sheets, 
     const bool isNumbered = !isOne || sheets.sides != JobSheets::Sides::one;
     const QSizeF page = sheets.isLandscape ? QSizeF(size.transposed()) : size;
     const QSizeF cell((rect.width() - gap) / sheets.columns, (rect.height() - gap) / sheets.rows);
+    const auto columns = static_cast<std::size_t>(sheets.columns);
     for (std::size_t i = 0; i < numbers.size(); ++i) {
-        const double column = static_cast<double>(i % static_cast<std::size_t>(sheets.columns));
-        const double row = static_cast<double>(i / static_cast<std::size_t>(sheets.columns));
-        const QRectF room(
-            QPointF(rect.left() + gap + column * cell.width(), rect.top() + gap + row * cell.height()),
-            QSizeF(cell.width() - gap, cell.height() - gap));
+        const std::size_t column = i % columns;
+        const std::size_t row = i / columns;
+        const QRectF room(QPointF(rect.left() + gap + static_cast<double>(column) * cell.width(),
+                                  rect.top() + gap + static_cast<double>(row) * cell.height()),
+                          QSizeF(cell.width() - gap, cell.height() - gap));
         const QRectF place = fitted(page, room);
         paintPage(
             painter, place,

@@ -11,12 +11,14 @@
 #include <avahi-common/error.h>
 #include <avahi-common/timeval.h>
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types and lists stand in no parentheses of their own
 #define FORWARD(Result, name, parameters, arguments)                                                         \
     Result name parameters {                                                                                 \
         static const auto function = reinterpret_cast<Result(*) parameters>(                                 \
             torka::platform::onDemand("libavahi-client.so.3", #name));                                       \
         return function arguments;                                                                           \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 extern "C" {
 

@@ -9,12 +9,14 @@
 #include <cups/cups.h>
 #include <cups/ppd.h>
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types and lists stand in no parentheses of their own
 #define FORWARD(Result, name, parameters, arguments)                                                         \
     Result name parameters {                                                                                 \
         static const auto function =                                                                         \
             reinterpret_cast<Result(*) parameters>(torka::platform::onDemand("libcups.so.2", #name));        \
         return function arguments;                                                                           \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 extern "C" {
 

@@ -152,7 +152,7 @@ void Writer<Sink>::PutData(const std::vector<std::uint8_t>& bytes, int depth) {
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     constexpr int maximumTabs = 8;
     const int tabs = std::min(depth - 1, maximumTabs);
-    const auto lineBytes = static_cast<std::size_t>((76 - tabs * 8) / 4 * 3);
+    const std::size_t lineBytes = (76 - static_cast<std::size_t>(tabs) * 8) / 4 * 3;
     sink.Put("<data>\n");
     for (std::size_t line = 0; line < bytes.size(); line += lineBytes) {
         PutTabs(tabs + 1);
