@@ -11,6 +11,6 @@ for preset in release asan; do
     echo "== $preset"
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset" -j "$jobs"
-    # Three for each processor: most cases wait for a print server or a clock.
-    ctest --test-dir "build/$preset" -j "$((jobs * 3))" --output-on-failure --no-tests=error "$@"
+    # Four for each processor: most cases wait for a print server or a clock.
+    ctest --test-dir "build/$preset" -j "$((jobs * 4))" --output-on-failure --no-tests=error "$@"
 done

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/dialog/Document.h"
+#include "apps/dialog/Said.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeDatabase>
 
 namespace torka::dialog {
-
-namespace {
-
-QString said(const char* text) { return QCoreApplication::translate("torka", text); }
-
-} // namespace
 
 bool openDocument(const QString& path, Document& document, QString& error) {
     const QFileInfo info(path);

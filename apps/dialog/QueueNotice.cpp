@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/dialog/QueueNotice.h"
+#include "apps/dialog/Said.h"
 
 #include "platform/Spooler.h"
 #include "platform/cups/CupsPrinting.h"
 
-#include <QCoreApplication>
 #include <QStringList>
 #include <algorithm>
 #include <array>
@@ -37,8 +37,6 @@ constexpr std::array reasonWords{
     ReasonWords{"timed-out", QT_TRANSLATE_NOOP("torka", "it did not answer in time")},
     ReasonWords{"toner-empty", QT_TRANSLATE_NOOP("torka", "the toner is used up")},
 };
-
-QString said(const char* words) { return QCoreApplication::translate("torka", words); }
 
 QString shown(const CFTypeRef& text) {
     QString result = QString::fromStdString(utf8Text(cfCast<CFString>(text))).simplified();

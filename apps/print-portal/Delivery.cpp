@@ -4,10 +4,10 @@
 #include "apps/common/OutsideText.h"
 #include "apps/dialog/Document.h"
 #include "apps/dialog/JobProgress.h"
+#include "apps/dialog/Said.h"
 #include "apps/dialog/Submission.h"
 #include "apps/print-portal/DialogSession.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QMessageBox>
 #include <QSaveFile>
@@ -17,7 +17,7 @@ namespace torka::portal {
 
 namespace {
 
-QString said(const char* text) { return QCoreApplication::translate("torka", text); }
+using dialog::said;
 
 QString save(const QString& path, const QString& outputFile) {
     QFile document(path);

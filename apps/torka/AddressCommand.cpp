@@ -37,7 +37,7 @@ Json rowsJson(const std::vector<CFStringRef>& rows) {
     return json;
 }
 
-Json entryJson(const PrinterAddressEntry& entry) {
+Json addressJson(const PrinterAddressEntry& entry) {
     Json blocks = Json::array();
     for (const auto& block : entry.blocks) {
         blocks.push_back({{"id", block.id}, {"rows", rowsJson(block.rows)}});
@@ -49,7 +49,7 @@ Json entryJson(const PrinterAddressEntry& entry) {
             {"blocks", std::move(blocks)}};
 }
 
-void printEntry(const PrinterAddressEntry& entry) {
+void printAddress(const PrinterAddressEntry& entry) {
     const std::string address = utf8Text(entry.address);
     print(printable(utf8Text(entry.name)) + ": " + (address.empty() ? "no address" : printable(address)) +
           (entry.ipEnabled ? ", two-way" : "") + "\n");
@@ -122,9 +122,9 @@ ExitStatus listAddresses(const AddressOptions& options) {
     Json printers = Json::array();
     for (const PrinterAddressEntry& entry : list->Entries()) {
         if (options.json) {
-            printers.push_back(entryJson(entry));
+            printers.push_back(addressJson(entry));
         } else {
-            printEntry(entry);
+            printAddress(entry);
         }
     }
     if (options.json) {

@@ -41,8 +41,8 @@ Result<std::unique_ptr<ZANPPD>> readModel(const std::string& path) {
     auto model = std::make_unique<ZANPPD>(kAcceptOrphans | kAcceptHidden);
     model->SetFile(FSRef{path});
     model->Build();
-    std::error_code unknown;
-    if (model->HasFatalError() && std::filesystem::is_regular_file(path, unknown) &&
+    std::error_code failure;
+    if (model->HasFatalError() && std::filesystem::is_regular_file(path, failure) &&
         !isNoDescription(*model)) {
         return Fault{"cannot be read"};
     }

@@ -11,7 +11,7 @@ namespace torka {
 namespace {
 
 constexpr std::chrono::milliseconds lookUpLimit(2000);
-constexpr std::size_t maximumFileBytes = 64;
+constexpr std::size_t maximumAddressBytes = 64;
 
 bool isHostName(const std::string& text) {
     return !text.empty() && std::ranges::all_of(text, [](char c) {
@@ -36,7 +36,7 @@ std::string bonjourAddress(const BidiFilePaths& paths) {
     std::string text;
     HostAddress address;
     const std::filesystem::path place = twoWayPlace(paths.bonjourFile);
-    if (place.empty() || system().ReadFile(place, maximumFileBytes, text)) {
+    if (place.empty() || system().ReadFile(place, maximumAddressBytes, text)) {
         return {};
     }
     text.resize(std::min(text.find_first_of("\r\n"), text.size()));

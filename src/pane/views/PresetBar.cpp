@@ -21,7 +21,7 @@ namespace torka {
 namespace {
 
 constexpr int maximumCharacters = 24; // of a name in the button
-constexpr int margin = 6;             // pixels beside text and arrow
+constexpr int buttonMargin = 6;       // pixels beside text and arrow
 constexpr int menuCharacters = 48;    // of a name in the menu
 
 QMessageBox* messageBox(QWidget* parent, QMessageBox::Icon icon, const QString& text) {
@@ -192,7 +192,7 @@ void PresetBar::Open(QDialog* opened) {
 
 // Wide enough for a name of usual length, so that the layout stays when the name changes.
 QSize PresetBar::sizeHint() const {
-    const int rest = style()->pixelMetric(QStyle::PM_SmallIconSize) + 4 * margin;
+    const int rest = style()->pixelMetric(QStyle::PM_SmallIconSize) + 4 * buttonMargin;
     return {std::max(fontMetrics().horizontalAdvance(StateText()) + rest,
                      fontMetrics().averageCharWidth() * maximumCharacters),
             QToolButton::sizeHint().height()};
@@ -212,12 +212,13 @@ void PresetBar::paintEvent(QPaintEvent* /*event*/) {
     QStylePainter painter(this);
     painter.drawComplexControl(QStyle::CC_ToolButton, option);
     const int sign = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    const QRect inner = rect().adjusted(margin, 0, -margin, 0);
+    const QRect inner = rect().adjusted(buttonMargin, 0, -buttonMargin, 0);
     const QRect arrow =
         QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter, QSize(sign, sign), inner);
     paneIcon(PaneSign::open)
         .paint(&painter, arrow, Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
-    const QRect place = QStyle::visualRect(layoutDirection(), inner, inner.adjusted(0, 0, -sign - margin, 0));
+    const QRect place =
+        QStyle::visualRect(layoutDirection(), inner, inner.adjusted(0, 0, -sign - buttonMargin, 0));
     const Qt::Alignment leading =
         QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter);
     painter.drawItemText(place, static_cast<int>(leading.toInt()), palette(), isEnabled(),

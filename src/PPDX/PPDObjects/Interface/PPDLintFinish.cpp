@@ -63,7 +63,7 @@ std::vector<std::string_view> meantOptions(const UIConstraints& store, std::stri
     return result;
 }
 
-bool isShown(const PPDXElement* element) {
+bool isVisibleWithParents(const PPDXElement* element) {
     for (; element != nullptr; element = element->GetParent()) {
         if (!element->IsVisible()) {
             return false;
@@ -195,7 +195,7 @@ void PPDLint::CheckGroups(const ZANPPD& description) {
     }
     description.GetGroups()->ForEach([&](const PPDXGroup* group) {
         const auto* rollDown = dynamic_cast<const PPDXRollDown*>(group);
-        if (!rollDown || isShown(rollDown)) {
+        if (!rollDown || isVisibleWithParents(rollDown)) {
             return;
         }
         std::size_t controls = 0;
