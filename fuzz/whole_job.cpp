@@ -315,13 +315,20 @@ Ticket checkTicket(ZANJobTicket& written, const Secrecy& secrecy) {
 }
 
 std::string makeDocument(Dice& dice, const Job& job) {
-    std::string text = "%!PS-Adobe-3.0\n";
+    const std::string header = "%!PS-Adobe-3.0\n";
+    std::string text = header;
     const auto feature = [&] {
         const auto which = dice.Below(static_cast<unsigned>(job.choices.size()) + 1);
         const std::string keyword =
             which < job.choices.size() ? std::next(job.choices.begin(), which)->first : "Other";
-        const std::string block = "%%BeginFeature: *" + keyword + " C0\n" + dice.Text(4) + "\n%%EndFeature\n";
-        text += dice.Chance(2) ? "[{\n" + block + "} stopped cleartomark\n" : block;
+        if (dice.Chance(4)) {
+            text += "%%IncludeFeature: *" + keyword + " C0\n";
+            return;
+        }
+        const bool isWrapped = dice.Chance(2);
+        text += isWrapped ? "[{\n" : "";
+        text += "%%BeginFeature: *" + keyword + " C0\n" + dice.Text(4) + "\n%%EndFeature\n";
+        text += isWrapped && !dice.Chance(4) ? "} stopped cleartomark\n" : "";
     };
     if (dice.Chance(2)) {
         text += "%%Title: (a)\n%%EndComments\n";
@@ -349,7 +356,11 @@ std::string makeDocument(Dice& dice, const Job& job) {
         }
         text += dice.Text(4) + "\nshowpage\n";
     }
-    return text + "%%Trailer\n%%EOF\n";
+    text += "%%Trailer\n%%EOF\n";
+    if (dice.Chance(8)) { // cut behind its first line, without which it is no PostScript
+        text.resize(header.size() + dice.Below(static_cast<unsigned>(text.size() - header.size())));
+    }
+    return text;
 }
 
 std::vector<std::string> pagesOf(std::string_view document) {
