@@ -40,13 +40,6 @@ bool mayBeShown(char16_t unit) {
     return !isControl && !breaksLine && !turnsText;
 }
 
-bool isHostName(std::string_view host) {
-    return !host.empty() && std::all_of(host.begin(), host.end(), [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-               c == '.';
-    });
-}
-
 std::int64_t addressNumber(const HostAddress& address) {
     std::int64_t number = 0;
     for (std::size_t i = 0; i < 4; ++i) {

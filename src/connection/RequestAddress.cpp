@@ -13,13 +13,6 @@ namespace {
 constexpr std::chrono::milliseconds lookUpLimit(2000);
 constexpr std::size_t maximumAddressBytes = 64;
 
-bool isHostName(const std::string& text) {
-    return !text.empty() && std::ranges::all_of(text, [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-               c == '.';
-    });
-}
-
 } // namespace
 
 std::string numericAddressOf(const std::string& address) {

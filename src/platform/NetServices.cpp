@@ -64,6 +64,13 @@ bool parseNumericAddress(std::string_view text, HostAddress& address) {
     return true;
 }
 
+bool isHostName(std::string_view text) {
+    return !text.empty() && std::ranges::all_of(text, [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+               c == '.';
+    });
+}
+
 bool isSameAddress(std::string_view one, std::string_view other) {
     HostAddress first;
     HostAddress second;

@@ -31,6 +31,9 @@ bool parseIPv4Address(const std::string& text, HostAddress& address);
 // (RFC 4291, 2.5.5.2) becomes the IPv4 address. False, with an empty address, for anything else, including
 // names and addresses with a zone.
 bool parseNumericAddress(std::string_view text, HostAddress& address);
+// Whether the text has only letters, digits, hyphens and dots (RFC 952, RFC 1123 section 2.1), and at least
+// one.
+bool isHostName(std::string_view text);
 // Whether two texts mean the same address. Compares numeric addresses by value, and names as text without
 // ASCII letter case. Looks up nothing.
 bool isSameAddress(std::string_view one, std::string_view other);
