@@ -6,6 +6,7 @@
 #include "output/BundleIdentifier.h"
 #include "platform/PropertyList.h"
 #include "spooler/SpliceFile.h"
+#include "spooler/filter/TicketOwner.h"
 
 #include <benchmark/benchmark.h>
 
@@ -189,7 +190,8 @@ public:
         : path(std::filesystem::temp_directory_path() / ("torka-root-" + std::to_string(::getpid()))) {
         std::filesystem::create_directories(path / "var/cache/torka/ZAN");
         std::ofstream(path / ticketPath) << ticketXml();
-        std::ofstream((path / ticketPath).string() + ".owner") << "anna";
+        std::ofstream((path / ticketPath).string() + ".owner")
+            << torka::filter::ticketRecordText({"anna", "", {}, ticketXml().size(), {}, false});
         std::filesystem::permissions(path / "var/cache/torka/ZAN", std::filesystem::perms(0711));
     }
     FilterRoot(const FilterRoot&) = delete;

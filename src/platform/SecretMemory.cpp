@@ -64,9 +64,6 @@ void* allocateZeroedSecret(std::size_t size) {
 
 void freeSecret(void* memory, std::size_t size) noexcept {
     if (memory != nullptr) {
-        if (size > maximumPooled) {
-            takePages(memory, size); // the wipe touches every page, and few of a zeroed block were used
-        }
         wipe(memory, size);
         memoryFor(size).deallocate(memory, size);
     }

@@ -2,6 +2,7 @@
 #include "bidi/memory/SharedMemoryList.h"
 
 #include "bidi/text/FieldText.h"
+#include "platform/FreshMemory.h"
 #include "platform/SecretMemory.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ constexpr std::size_t longestDefinition = 1023;
 } // namespace
 
 void SharedMemoryListFree::operator()(SharedMemoryList* record) const noexcept {
+    platform::takePages(record, sizeof *record); // the wipe touches every page, and few were used
     platform::freeSecret(record, sizeof *record);
 }
 

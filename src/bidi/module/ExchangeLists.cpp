@@ -196,7 +196,11 @@ void Create_SDMList_From_SharedMemoryList(KeyValueList& out, const SharedMemoryL
     const std::size_t count = entryCount(record);
     const auto extra =
         static_cast<std::size_t>(std::clamp<long>(fieldNumber(record.extraCount), 0, exchangeEntryLimit));
-    out.Reserve(count + extra, 0);
+    std::size_t characters = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        characters += entryKey(record, i).size() + entryValue(record, i).size();
+    }
+    out.Reserve(count + extra, characters); // one block
     for (std::size_t i = 0; i < count; ++i) {
         const std::string_view value = entryValue(record, i);
         if (value.starts_with(markLetters)) {
