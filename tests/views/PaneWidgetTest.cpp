@@ -256,6 +256,14 @@ TEST_F(PaneWidgetTest, KeepsWhatIsTypedToWhatTheNoteAllows) {
     Go("*QVSecureSwitch");
     Field<QCheckBox>("*QVSecureSwitch")->click();
     EXPECT_EQ(pane.Value("*QVSecureSwitch"), "True");
+    ViewedPane narrow(std::make_unique<Pane>(paneHeader + jobNote("Short", "4|OnOfSwitch")));
+    narrow.Draw();
+    ASSERT_TRUE(narrow.Widget().ShowField("*Short"));
+    auto* box = qobject_cast<QCheckBox*>(narrow.Widget().CurrentFieldPage()->RowOf("*Short")->Focus());
+    for (const char* refused : {"", "False"}) { // has five characters
+        box->click();
+        EXPECT_TRUE(narrow.Value("*Short") == "True" && box->isChecked()) << refused;
+    }
 }
 
 TEST_F(PaneWidgetTest, FindsByNameKeywordAndChoice) {
