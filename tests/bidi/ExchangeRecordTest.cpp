@@ -2,9 +2,7 @@
 #include "bidi/module/ExchangeLists.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "platform/TextEncoding.h"
-#include "tests/bidi/BidiTestSupport.h"
 
-#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace torka {

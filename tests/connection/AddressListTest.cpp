@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
-#include <functional>
 #include <initializer_list>
 #include <sstream>
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/model/ZANPPDTestSupport.h"
 
-#include "PPDFile.h"
 #include "Settings.h"
 
 #include <gmock/gmock.h>

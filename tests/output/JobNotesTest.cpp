@@ -3,7 +3,6 @@
 #include "output/BundleIdentifier.h"
 #include "output/FeatureEmission.h"
 #include "output/ZANJobNoteList.h"
-#include "platform/PropertyList.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/output/PlainSource.h"
 #include "tests/support/SmallPPD.h"

@@ -11,7 +11,6 @@
 #include <PrintAdaptor.h>
 #include <QCheckBox>
 #include <QDBusConnection>
-#include <QDBusPendingCall>
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
 #include <QDoubleSpinBox>
@@ -19,9 +18,6 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QRadioButton>
-#include <QScopeGuard>
-#include <QSpinBox>
-#include <QStandardPaths>
 #include <fcntl.h>
 #include <fstream>
 #include <stdexcept>

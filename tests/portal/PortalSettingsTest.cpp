@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <memory>
 #include <set>
 
 // What a program sends, what it gets back, and what is refused.

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/ModelState.h"
-#include "pane/data/PanelState.h"
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/presentation/ConflictNotice.h"
 #include "pane/presentation/FieldSearch.h"

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/FieldPage.h"
-#include "pane/views/FieldRow.h"
 #include "pane/views/QuickAccessDialog.h"
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
 
-#include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>

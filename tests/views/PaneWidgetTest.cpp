@@ -4,7 +4,6 @@
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
 #include "pane/views/JobPicture.h"
-#include "pane/views/SummaryPage.h"
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
