@@ -196,12 +196,8 @@ TEST(Placing, ByteCountsFollowTheLineEndsOfTheDocument) {
 TEST(Placing, LargeAndHostileDocuments) {
     const std::string filler(3 * Splicer::holdLimit, 'x');
     const Ticket ticket = makeTicket({{-9, "*F"}, {81, "s\n"}, {501, "%%d\n"}});
-    struct Row {
-        std::string before; // the part before the setup
-        std::string after;
-        const char* setup;
-    };
-    const Row rows[] = {
+    // before: the part before the setup
+    const std::tuple<std::string, std::string, const char*> rows[] = {
         // A document without structure within the buffer's limit counts as unstructured.
         {"%!PS\n%%d\n%%EndComments\n", filler + "\n%%Page: 1 1\n", "s\n"},
         {"%!PS\n%%d\n%%EndComments\n%%EndProlog\n", filler + "\n%%BeginSetup\n%%EndSetup\n",
@@ -218,12 +214,12 @@ TEST(Placing, LargeAndHostileDocuments) {
              std::string(Splicer::lineLimit - 11, ' ') + "\n",
          "%%Page: 1 1\n", "%%BeginSetup\ns\n%%EndSetup\n"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.before.substr(0, 60));
-        std::string document = row.before + row.after;
+    for (const auto& [before, after, setup] : rows) {
+        SCOPED_TRACE(before.substr(0, 60));
+        std::string document = before + after;
         document.erase(document.find("%%d\n"), 4);
         const Spliced result = splice(document, ticket, {997, 4096, 100'003});
-        EXPECT_TRUE(result.text == row.before + row.setup + row.after);
+        EXPECT_TRUE(result.text == before + setup + after);
     }
     // A count beyond the document, and a document with sections that are never closed.
     EXPECT_EQ(splice("%!PS\n%%BeginData: 99999999999999999999999\nx", ticket).text,
