@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <seccomp.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>

@@ -7,7 +7,6 @@
 #include "tests/filter/FilterHarness.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sstream>
 
 // Tickets from the options of jobs, as the print server passes them.

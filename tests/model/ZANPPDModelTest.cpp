@@ -4,7 +4,6 @@
 #include "Settings.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka::tests {
 namespace {

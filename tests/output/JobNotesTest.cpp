@@ -9,7 +9,6 @@
 #include "tests/zanutils/OpenSsl.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 #include <string>
 
 namespace torka {

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <sys/resource.h>
 #include <sys/stat.h>

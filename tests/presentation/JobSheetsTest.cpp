@@ -4,7 +4,6 @@
 #include "tests/presentation/PresentationFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sstream>
 

@@ -15,7 +15,6 @@
 #include "tests/presentation/PresentationFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka::tests {
 namespace {

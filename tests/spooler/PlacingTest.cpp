@@ -57,13 +57,8 @@ TEST(InjectionSites, AreThoseOfTheDocument) {
 }
 
 TEST(Placing, EachKindOfDocument) {
-    struct Row {
-        const char* document;
-        const char* expected;
-        SplicePlace setup;
-    };
     using enum SplicePlace;
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, SplicePlace> rows[] = {
         // With a setup section, entries stand at its beginning and its end.
         {"%!PS-Adobe-3.0/%%Pages: 1/%%EndComments/%%BeginSetup/x/%%EndSetup/%%Page: 1 1/y/%%EOF/",
          "%!PS-Adobe-3.0/%%Pages: 1/#%%EndComments/%%BeginSetup/$x/^%%EndSetup/%%Page: 1 1/y/%%EOF/",
@@ -129,18 +124,18 @@ TEST(Placing, EachKindOfDocument) {
          "%!PS/#%%EndComments/%%BeginResource: file a/x/%%BeginSetup/$^%%EndSetup/", documentSetup},
     };
     for (const std::string lineEnd : {"\n", "\r", "\r\n"}) {
-        for (const Row& row : rows) {
-            const std::string_view document = row.document;
+        for (const auto& [lines, expected, setup] : rows) {
+            const std::string_view document = lines;
             const bool isCounted =
                 document.find("BeginBinary: 13") != std::string_view::npos; // requires one-byte line ends
             if ((isCounted && lineEnd == "\r\n") || (document == "%!" && lineEnd != "\n")) {
                 continue;
             }
-            SCOPED_TRACE(row.document);
-            const Spliced result = splice(expand(row.document, lineEnd), fullTicket);
+            SCOPED_TRACE(lines);
+            const Spliced result = splice(expand(lines, lineEnd), fullTicket);
             EXPECT_EQ(result.status, SpliceStatus::ok);
-            EXPECT_EQ(result.text, expand(row.expected, lineEnd));
-            EXPECT_EQ(result.report.placed.at(81).place, row.setup);
+            EXPECT_EQ(result.text, expand(expected, lineEnd));
+            EXPECT_EQ(result.report.placed.at(81).place, setup);
             EXPECT_EQ(result.report.placed.at(81).entries, 2U);
             EXPECT_EQ(result.report.mailboxPaths, std::vector<std::string>{"Library/Caches/ZAN/box"});
         }

@@ -7,7 +7,6 @@
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -62,27 +61,23 @@ TEST(PPDStream, LineEndsCutsAndNumbers) {
     tests::CapturingLog log;
     const std::string text = "a\rb\r\nc\n" + std::string(300, 'x') + "\ny\xFFz\nlast";
     PPDStream stream{std::string_view(text)};
-    struct Expected {
-        std::string text;
-        bool result, cut;
-        std::uint32_t number;
-    };
-    const Expected lines[] = {{"a", true, false, 1},
-                              {"b", true, false, 2},
-                              {"", true, false, 3}, // the rest of a CR LF
-                              {"c", true, false, 3},
-                              {std::string(255, 'x'), false, true, 4},
-                              {std::string(45, 'x'), true, false, 4},
-                              {"y", false, false, 5},
-                              {"z", true, false, 5},
-                              {"last", false, false, 6},
-                              {"", false, false, 6}};
+    const std::tuple<std::string, bool, bool, std::uint32_t> lines[] = {
+        {"a", true, false, 1},
+        {"b", true, false, 2},
+        {"", true, false, 3}, // the rest of a CR LF
+        {"c", true, false, 3},
+        {std::string(255, 'x'), false, true, 4},
+        {std::string(45, 'x'), true, false, 4},
+        {"y", false, false, 5},
+        {"z", true, false, 5},
+        {"last", false, false, 6},
+        {"", false, false, 6}};
     char line[kLineCapacity];
-    for (const Expected& each : lines) {
-        EXPECT_EQ(stream.GetLine(line), each.result) << each.text;
-        EXPECT_EQ(line, each.text);
-        EXPECT_EQ(stream.LineWasCut(), each.cut) << each.text;
-        EXPECT_EQ(stream.LineNumber(), each.number) << each.text;
+    for (const auto& [read, result, cut, number] : lines) {
+        EXPECT_EQ(stream.GetLine(line), result) << read;
+        EXPECT_EQ(line, read);
+        EXPECT_EQ(stream.LineWasCut(), cut) << read;
+        EXPECT_EQ(stream.LineNumber(), number) << read;
     }
     EXPECT_TRUE(stream.EndOfFile());
     EXPECT_THAT(log.Lines(), ElementsAre("PPDStream::GetLine theChar == EOF, i 1 \n"));
