@@ -30,13 +30,8 @@ std::string completed(const std::filesystem::path& folder, const std::string& li
 TEST(Completion, OffersWhatCanFollowInBash) {
     const tests::TemporaryFolder folder;
     std::filesystem::copy(samplePath("torka-production.ppd"), folder / "a b.ppd");
-    struct Row {
-        const char* line;
-        const char* kept;
-        const char* offered;
-    };
-    for (const Row& row : {
-             Row{"torka qu", "qu", "queue\nword queue\n"},
+    for (const auto& [line, kept, offered] : {
+             std::tuple<const char*, const char*, const char*>{"torka qu", "qu", "queue\nword queue\n"},
              {"torka queue a", "a", "add\nword add\n"},
              {"torka lint --fo", "--fo", "--format\nword --format\n"},
              {"torka lint --format=g", "g", "gcc\nword --format=gcc\n"},
@@ -53,7 +48,7 @@ TEST(Completion, OffersWhatCanFollowInBash) {
              {"torka emit missing.ppd QV", "QV", ""},
              {"torka manu", "manu", ""}, // hidden
          }) {
-        EXPECT_EQ(completed(folder.Path(), row.line, row.kept), row.offered) << row.line;
+        EXPECT_EQ(completed(folder.Path(), line, kept), offered) << line;
     }
     const std::string choices =
         completed(folder.Path(), "torka emit 'a b.ppd' --two-way on QVTrimSides=", "");

@@ -2,8 +2,6 @@
 #include "platform/SecretMemory.h"
 #include "tests/apps/Tool.h"
 
-#include <gtest/gtest.h>
-
 namespace torka::tests {
 
 namespace {

@@ -2,8 +2,6 @@
 #include "tests/apps/Tool.h"
 #include "tests/support/SmallPPD.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/apps/Tool.h"
 
-#include <gtest/gtest.h>
-
 // record: writes and reads records of data files and PPDs. Python and libcups check the results.
 
 namespace torka::tests {

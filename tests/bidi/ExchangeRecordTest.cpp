@@ -2,9 +2,7 @@
 #include "bidi/module/ExchangeLists.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "platform/TextEncoding.h"
-#include "tests/bidi/BidiTestSupport.h"
 
-#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace torka {
@@ -139,22 +137,17 @@ TEST_F(ExchangeRecord, ByteOrderMarksTravelAsLetters) {
 }
 
 TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
-    struct Case {
-        const char* what;
-        const wchar_t* presetKey;
-        const wchar_t* preset;
-        const wchar_t* changed; // the later value of "Duplex"
-        const wchar_t* expected;
-    };
-    for (const Case& rule : {
-             Case{"unchanged", L"PresetName", L"Brochure", L"Long", L"Brochure"},
-             Case{"changed", L"PresetName", L"Brochure", L"Short", L""},
-             Case{"changed, with an asterisk", L"*PresetName", L"Brochure", L"Short", L""},
-             Case{"no preset of the server", L"PresetName", L"", L"Short", L""},
-             Case{"another key", L"PresetNames", L"Brochure", L"Short", L"Brochure"},
+    // changed: the later value of "Duplex"
+    for (const auto& [what, presetKey, name, changed, expected] : {
+             std::tuple<const char*, const wchar_t*, const wchar_t*, const wchar_t*, const wchar_t*>{
+                 "unchanged", L"PresetName", L"Brochure", L"Long", L"Brochure"},
+             {"changed", L"PresetName", L"Brochure", L"Short", L""},
+             {"changed, with an asterisk", L"*PresetName", L"Brochure", L"Short", L""},
+             {"no preset of the server", L"PresetName", L"", L"Short", L""},
+             {"another key", L"PresetNames", L"Brochure", L"Short", L"Brochure"},
          }) {
         Forget();
-        const std::pair<std::wstring, std::wstring> preset(rule.presetKey, rule.preset);
+        const std::pair<std::wstring, std::wstring> preset(presetKey, name);
         const std::pair<std::wstring, std::wstring> ofNote(L"Bar", L"of the note");
         KeyValueList list = // with one key twice
             ListOf({preset, {L"Duplex", L"Long"}, {L"Bar", L"of the control"}, ofNote});
@@ -168,11 +161,11 @@ TEST_F(ExchangeRecord, APresetsNameGoesWhenItsSettingsChange) {
         EXPECT_EQ(entryValue(*sharedListCopyFromJP, 1), "Long");
 
         // The pane's own list has another order, and a key that the module never saw.
-        Write({{L"Unseen", L"1"}, {L"Duplex", rule.changed}, preset, ofNote});
-        EXPECT_EQ(Back().Value(2), rule.expected) << rule.what;
+        Write({{L"Unseen", L"1"}, {L"Duplex", changed}, preset, ofNote});
+        EXPECT_EQ(Back().Value(2), expected) << what;
         EXPECT_FALSE(gotSharedListFromJP);
         // The check takes place only once.
-        EXPECT_EQ(Back().Value(2), rule.preset) << rule.what;
+        EXPECT_EQ(Back().Value(2), name) << what;
     }
 }
 

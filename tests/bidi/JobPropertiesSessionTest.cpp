@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/TextEncoding.h"
 #include "platform/posix/PosixLibraryLoader.h"
 #include "tests/bidi/JobPropertiesFixture.h"
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bidi/records/CPPDMsgHdlr.h"
-#include "platform/TextEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"
 #include "tests/support/SmallPPD.h"
 #include "tests/support/TestSupport.h"

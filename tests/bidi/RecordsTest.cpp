@@ -3,7 +3,6 @@
 #include "bidi/records/RecordText.h"
 #include "bidi/text/CBuffer.h"
 #include "bidi/text/LineReader.h"
-#include "platform/TextEncoding.h"
 #include "tests/bidi/BidiTestSupport.h"
 #include "tests/support/TestSupport.h"
 

@@ -6,7 +6,6 @@
 #include "platform/SecretMemory.h"
 #include "tests/support/TestSupport.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>

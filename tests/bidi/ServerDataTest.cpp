@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bidi/serverdata/ByteOrderMark.h"
 #include "bidi/serverdata/CUtil.h"
 #include "bidi/serverdata/ServerDataToBuffer.h"
 #include "bidi/serverdata/ServerDataToSDM.h"
@@ -9,7 +8,6 @@
 #include "tests/bidi/BidiTestSupport.h"
 #include "tests/support/TestSupport.h"
 
-#include <functional>
 #include <gmock/gmock.h>
 
 // Records as they are written, and the server data as XML. CallbacksTest.cpp reads them.

@@ -13,7 +13,6 @@
 #include <QPushButton>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>

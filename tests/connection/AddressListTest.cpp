@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
-#include <functional>
 #include <initializer_list>
 #include <sstream>
 
@@ -118,6 +117,7 @@ TEST_F(AddressListTest, AddChangesAnEntryAndBringsItToTheCurrentFormat) {
         {"P|#1|#2|#3|#4", "P|new|+|#3|#4"},
         // Add completes entries that are cut.
         {"P", "P|new|+|2|END"},
+        {"P|+", "P|+|P|new|+|2|END"}, // a text before a boolean is no name
         {"P|old", "P|new|+|2|END"},
         {"P|old|-", "P|new|+|2|END"},
         {"Q|a|+|2|END", "Q|a|+|2|END|P|new|+|2|END"},

@@ -171,12 +171,14 @@ TEST_F(DiscoveryTest, ListedNamesStandForTheirAddresses) {
     net->Announce({"Office", "_printer._tcp", "local."}, answer("o.local.", {"10.0.0.5"}));
     net->Announce({"Raw", "_pdl-datastream._tcp", "local."}, answer("r.local.", {"::1"}));
     net->Announce({"10.0.0.9", "_printer._tcp", "local."}, answer("evil.local.", {"10.66.6.6"}));
+    net->Announce({"Mute", "_printer._tcp", "local."});
     const std::pair<const char*, const char*> cases[] = {
         {"Office", "Office"}, // could be a host name
         {"10.0.0.9", "10.0.0.9"},
         {"Office._printer._tcp.local.", "10.0.0.5"},
         {"Raw._pdl-datastream._tcp.local.", "r.local"}, // the host's name in place of an IPv4 address
         {"Away._printer._tcp.local.", "Away"},
+        {"Mute._printer._tcp.local.", "Mute"}, // listed, without an address
     };
     for (const auto& [typed, stored] : cases) {
         controller->setBIDIStatusON(true);

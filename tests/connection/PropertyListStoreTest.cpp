@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "connection/ZANCorvianPrinterPList.h"
 
-#include "platform/PropertyList.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/connection/RecordPPD.h"

@@ -316,31 +316,28 @@ TEST_F(AgreementTest, CopiesAreTheSameEverywhere) {
 
 TEST_F(AgreementTest, OptionsOfTheCommandLineReachTheJobsOwnSettingsOrAreRefused) {
     AddQueue("Lines");
-    struct Case {
-        std::vector<std::string> arguments;
-        int status;
-        std::string told; // in the document, or on standard error
-    };
-    for (const Case& each :
-         {Case{{"-o", "number-up=2"}, 0, "%%Orientation: Landscape"},
-          Case{{"-o", "number-up=4"}, 0, "%%Orientation: Portrait"},
-          Case{{"-o", "sides=two-sided-long-edge"}, 0, "%%BeginFeature: *QVDuplex LongEdge"},
-          Case{{"-o", "sides=two-sided-short-edge"}, 0, "%%BeginFeature: *QVDuplex ShortEdge"},
-          Case{{"-o", "media=A5"}, 0, "%%BeginFeature: *PageSize A5"},
-          Case{{"PageSize=A4", "-o", "media=A5"}, 2, "media=A5 and *PageSize=A4 differ"},
-          Case{{"-o", "number-up=3"}, 2, "number-up takes 1, 2, 4, 6, 9 or 16, not '3'"},
-          Case{{"QVNUpPages=2", "-o", "number-up=2"}, 2, "QVNUpPages already puts several pages on a sheet"},
-          Case{{"-o", "sides=both"}, 2, "sides takes one-sided"},
-          Case{{"QVDuplex=LongEdge", "-o", "sides=one-sided"}, 2, "*QVDuplex=LongEdge differ"},
-          Case{{"PageSize=A5", "QVFoldStyle=Half", "--strict"}, 1, "*QVFoldStyle=Half"}}) {
+    // expected: in the document, or on standard error
+    for (const auto& [arguments, status, expected] :
+         {std::tuple<std::vector<std::string>, int, std::string>{
+              {"-o", "number-up=2"}, 0, "%%Orientation: Landscape"},
+          {{"-o", "number-up=4"}, 0, "%%Orientation: Portrait"},
+          {{"-o", "sides=two-sided-long-edge"}, 0, "%%BeginFeature: *QVDuplex LongEdge"},
+          {{"-o", "sides=two-sided-short-edge"}, 0, "%%BeginFeature: *QVDuplex ShortEdge"},
+          {{"-o", "media=A5"}, 0, "%%BeginFeature: *PageSize A5"},
+          {{"PageSize=A4", "-o", "media=A5"}, 2, "media=A5 and *PageSize=A4 differ"},
+          {{"-o", "number-up=3"}, 2, "number-up takes 1, 2, 4, 6, 9 or 16, not '3'"},
+          {{"QVNUpPages=2", "-o", "number-up=2"}, 2, "QVNUpPages already puts several pages on a sheet"},
+          {{"-o", "sides=both"}, 2, "sides takes one-sided"},
+          {{"QVDuplex=LongEdge", "-o", "sides=one-sided"}, 2, "*QVDuplex=LongEdge differ"},
+          {{"PageSize=A5", "QVFoldStyle=Half", "--strict"}, 1, "*QVFoldStyle=Half"}}) {
         std::vector<std::string> command{"print", "-d", "Lines", samplePath("plain.ps")};
-        command.insert(command.end(), each.arguments.begin(), each.arguments.end());
+        command.insert(command.end(), arguments.begin(), arguments.end());
         const CommandResult result = runTool(command);
-        SCOPED_TRACE(each.arguments.back());
-        EXPECT_EQ(result.status, each.status) << result.errors;
-        const std::string told = each.status == 0 ? sandbox->Printed(std::atoi(result.output.c_str() + 4))
-                                                  : result.errors; // "Job N on …"
-        EXPECT_NE(told.find(each.told), std::string::npos) << result.output << result.errors;
+        SCOPED_TRACE(arguments.back());
+        EXPECT_EQ(result.status, status) << result.errors;
+        const std::string told = status == 0 ? sandbox->Printed(std::atoi(result.output.c_str() + 4))
+                                             : result.errors; // "Job N on …"
+        EXPECT_NE(told.find(expected), std::string::npos) << result.output << result.errors;
     }
 }
 

@@ -4,9 +4,7 @@
 
 #include <QCheckBox>
 #include <QLocale>
-#include <QMenu>
 #include <QProgressBar>
-#include <QToolButton>
 #include <QTranslator>
 #include <algorithm>
 #include <set>

@@ -9,11 +9,8 @@
 #include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
-#include <QApplication>
 #include <QCheckBox>
-#include <QDialogButtonBox>
 #include <QHeaderView>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>

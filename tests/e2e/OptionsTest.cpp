@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/cups/CupsPrinting.h"
 #include "tests/e2e/Sandbox.h"
 
 #include <fstream>

@@ -169,6 +169,13 @@ TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
     configure(hidden, "ticket-names: open: whoever gives the owner's name");
     const std::string limit = "<Limit Validate-Job Get-Jobs>\nAuthType Basic\nRequire valid-user\n</Limit>\n";
     configure(replaced(hidden, "<Limit All>", limit + "<Limit All>"), "sender-names: closed");
+    const std::filesystem::path keys = *sandbox / "root/var/lib/torka/ZAN";
+    EXPECT_EQ(runTool({"queue", "check", "Checked"}).status, 1) << "no keys";
+    std::filesystem::create_directories(keys);
+    std::filesystem::copy_file(samplePath("FieldKeys.plist"), keys / "FieldKeys.plist");
+    std::filesystem::permissions(keys / "FieldKeys.plist", std::filesystem::perms(0600));
+    EXPECT_EQ(runTool({"queue", "check", "Checked"}).status, 0);
+    std::filesystem::remove_all(keys.parent_path());
     configure(before, "sender-names: open");
     EXPECT_EQ(runTool({"queue", "check", "No such"}).status, 2);
 }

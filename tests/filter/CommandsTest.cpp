@@ -2,6 +2,7 @@
 #include "spooler/filter/Commands.h"
 #include "bidi/records/CFileHdlr.h"
 #include "bidi/records/CPPDMsgHdlr.h"
+#include "spooler/filter/QueueRecords.h"
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 #include "spooler/filter/TwoWayFolder.h"
@@ -45,6 +46,15 @@ int run(const std::string& title, const std::string& text) {
     return runCommand(commandJob(title), text, source);
 }
 
+std::vector<std::string> toldLines(const FilterHarness& harness) {
+    std::vector<std::string> told;
+    std::istringstream lines(harness.Told());
+    for (std::string line; std::getline(lines, line);) {
+        told.push_back(line + "\n");
+    }
+    return told;
+}
+
 std::optional<std::string> recordIn(const std::string& description, const std::string& name) {
     const TemporaryFolder folder;
     const std::string path = folder.Write("q.ppd", description);
@@ -80,6 +90,43 @@ TEST(RecordMessages, HoweverManyArriveARecordIsWholeOrAbsent) {
     EXPECT_TRUE(none.empty());
 }
 
+TEST(QueueRecords, StayBelowTheirMaximum) {
+    const FilterHarness harness;
+    const std::string empty = smallPPD + onlySheet("595 842");
+    std::string description = empty;
+    // Returns why the records are refused; "" when the description holds them.
+    const auto put = [&](std::vector<NamedPayload> records) {
+        ::setenv("PPD", harness.root.Write("q.ppd", description).c_str(), 1);
+        harness.Forget();
+        const Result<void> result = putRecords("Proofs", std::move(records));
+        ::unsetenv("PPD");
+        description = afterMessages(description, toldLines(harness));
+        return result ? std::string() : result.Why().text;
+    };
+    const auto wouldHold = [&](const NamedPayload& record) {
+        std::vector<std::string> messages;
+        EXPECT_TRUE(recordMessages({record}, messages));
+        const std::size_t bytes = afterMessages(description, messages).size() - empty.size();
+        return "the queue's description would hold " + std::to_string(bytes) +
+               " bytes of records, and may hold 1048576";
+    };
+    const NamedPayload large{"QVLarge", noise(400'000)};
+    EXPECT_EQ(put({{"QVFirst", noise(500'000)}}), "");
+    EXPECT_EQ(put({large}), wouldHold(large));
+    EXPECT_TRUE(harness.Told().empty()) << "nothing is sent";
+    EXPECT_EQ(put({{"QVFirst", noise(1000)}, large}), "");
+    EXPECT_EQ(recordIn(description, "QVFirst"), noise(1000));
+    // The chunks that the first record no longer needs are empty lines now, and count.
+    const NamedPayload larger{"QVOther", noise(500'000)};
+    EXPECT_EQ(put({larger}), wouldHold(larger));
+    // What is too large already may still become smaller.
+    std::vector<std::string> messages;
+    ASSERT_TRUE(recordMessages({larger}, messages));
+    description = afterMessages(description, messages);
+    EXPECT_EQ(put({{"QVOther", noise(490'000)}}), "");
+    EXPECT_NE(put({{"QVOther", noise(491'000)}}), "");
+}
+
 TEST(Commands, KeepTextsAsWideRecordsUnderTheirNames) {
     const FilterHarness harness;
     const std::string text = "presets EFBBBF Größe 用紙 \xF0\x9F\x96\xA8";
@@ -91,12 +138,8 @@ TEST(Commands, KeepTextsAsWideRecordsUnderTheirNames) {
                                             {"command_PopupJnData", "QVPopupJnData"}}) {
         harness.Forget();
         EXPECT_EQ(run(title, text), 0) << title;
-        std::vector<std::string> messages;
-        std::istringstream lines(harness.Told());
-        for (std::string line; std::getline(lines, line);) {
-            messages.push_back(line + "\n");
-        }
-        EXPECT_EQ(recordIn(afterMessages(smallPPD, messages), record), std::string(payloadFromWide(wide)))
+        EXPECT_EQ(recordIn(afterMessages(smallPPD, toldLines(harness)), record),
+                  std::string(payloadFromWide(wide)))
             << title;
         EXPECT_EQ(run(title, ""), 1) << "nothing to keep";
     }

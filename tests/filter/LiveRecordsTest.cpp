@@ -48,11 +48,7 @@ TEST(SupplyText, TakesItsPairsApart) {
 }
 
 TEST(LiveRecords, SuppliesOfEveryKind) {
-    struct Case {
-        const char* supply;
-        const char* line;
-    };
-    for (const Case& entry : std::vector<Case>{
+    for (const auto& [supply, line] : std::vector<std::pair<const char*, const char*>>{
              {"type=toner;maxcapacity=400;level=100;colorantname=magenta;", "magenta@25@-1@#ff00ff@-1@-1@1"},
              {"type=inkCartridge;unit=percent;level=7;", "inkCartridge@7@-1@NULL@-1@-1@2"},
              {"type=toner;level=7;maxcapacity=-2;", "toner@-1@-1@NULL@-1@-1@1"},
@@ -63,9 +59,8 @@ TEST(LiveRecords, SuppliesOfEveryKind) {
              {"", "@-1@-1@NULL@-1@-1@0"},
          }) {
         PrinterFacts facts;
-        facts.supplies = {entry.supply};
-        EXPECT_EQ(recordOf(liveRecords(facts, {}, choices), "TonerInfo"),
-                  std::string("1\n") + entry.line + "\n");
+        facts.supplies = {supply};
+        EXPECT_EQ(recordOf(liveRecords(facts, {}, choices), "TonerInfo"), std::string("1\n") + line + "\n");
     }
 }
 

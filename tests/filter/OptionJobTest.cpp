@@ -7,7 +7,6 @@
 #include "tests/filter/FilterHarness.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sstream>
 
 // Tickets from the options of jobs, as the print server passes them.
@@ -222,29 +221,26 @@ TEST(OptionJob, FindsTheWatermarksThatItsQueueKeeps) {
 }
 
 TEST(OptionText, ReadsSizes) {
-    struct Case {
-        const char* text;
-        double width;
-        double height; // 0: no size
-    };
-    for (const Case& each : {Case{"Custom.100x200", 100, 200},
-                             {"10x20cm", 283.46, 566.93},
-                             {"1X2IN", 72, 144},
-                             {"custom.25.4x50.8mm", 72, 144},
-                             {"1x2ft", 864, 1728},
-                             {"1x1m", 2834.65, 2834.65},
-                             {"300 500", 300, 500},
-                             {"5x", 0, 0},
-                             {"x5", 0, 0},
-                             {"-5x5", 0, 0},
-                             {"1e999x5", 0, 0},
-                             {"5x5furlong", 0, 0},
-                             {"", 0, 0},
-                             {"Custom.", 0, 0},
-                             {"infxnan", 0, 0}}) {
-        const PaperSize size = sizeOf(each.text).value_or(PaperSize{});
-        EXPECT_NEAR(size.width, each.width, 0.01) << each.text;
-        EXPECT_NEAR(size.height, each.height, 0.01) << each.text;
+    // height: 0: no size
+    for (const auto& [text, width, height] :
+         {std::tuple<const char*, double, double>{"Custom.100x200", 100, 200},
+          {"10x20cm", 283.46, 566.93},
+          {"1X2IN", 72, 144},
+          {"custom.25.4x50.8mm", 72, 144},
+          {"1x2ft", 864, 1728},
+          {"1x1m", 2834.65, 2834.65},
+          {"300 500", 300, 500},
+          {"5x", 0, 0},
+          {"x5", 0, 0},
+          {"-5x5", 0, 0},
+          {"1e999x5", 0, 0},
+          {"5x5furlong", 0, 0},
+          {"", 0, 0},
+          {"Custom.", 0, 0},
+          {"infxnan", 0, 0}}) {
+        const PaperSize size = sizeOf(text).value_or(PaperSize{});
+        EXPECT_NEAR(size.width, width, 0.01) << text;
+        EXPECT_NEAR(size.height, height, 0.01) << text;
     }
 }
 

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jobproperties/core/PrinterDescription.h"
 #include "jobproperties/core/Watermark.h"
-#include "tests/support/TestSupport.h"
 
-#include <algorithm>
 #include <cups/ppd.h>
 #include <gtest/gtest.h>
 #include <memory>

@@ -41,11 +41,7 @@ protected:
 };
 
 TEST_F(ModuleScript, EditsWhatComesBack) {
-    struct Case {
-        const char* script;
-        Pairs expected;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, Pairs> cases[] = {
         {"", {{"*QVDuplex", "None"}, {"*PresetName", "Morning"}, {"*Notes1", "Gr\u00FC\u00DFe, \u00A7 7"}}},
         // A key with and one without an asterisk are two settings of the job. An edit clears the preset's
         // name.
@@ -71,12 +67,12 @@ TEST_F(ModuleScript, EditsWhatComesBack) {
         {"watermark set 1 0,0,0,0,0,0,0,1,0,0,0,0,9,Courier,C", {{"*QV_WATERMARK_FIRSTPAGEONLY", "True"}}},
         {"overlong *QVStaple 699", {{"*QVStaple", std::string(699, 'x')}}},
     };
-    for (const Case& testCase : cases) {
+    for (const auto& [script, expected] : cases) {
         SetSettings(job);
         setWatermarkDefinitions(*record, watermarks);
-        EXPECT_EQ(Run(testCase.script), "0") << testCase.script;
-        for (const auto& [key, value] : testCase.expected) {
-            EXPECT_EQ(Value(key), value) << testCase.script << key;
+        EXPECT_EQ(Run(script), "0") << script;
+        for (const auto& [key, value] : expected) {
+            EXPECT_EQ(Value(key), value) << script << key;
         }
     }
 }

@@ -7,7 +7,6 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
-#include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDialog>
@@ -19,6 +18,7 @@
 #include <QTest>
 #include <QTimer>
 #include <clocale>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <set>
 #include <sstream>
@@ -38,6 +38,18 @@ Widget& child(const QDialog& dialog, const char* name) {
         std::abort();
     }
     return *found;
+}
+
+// The widget that takes the focus and has a name for a screen reader.
+QWidget& named(const QDialog& dialog, const char* name) {
+    for (QWidget* widget : dialog.findChildren<QWidget*>()) {
+        const QString heard = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+        if (widget->focusPolicy() != Qt::NoFocus && (heard == name || widget->accessibleName() == name)) {
+            return *widget;
+        }
+    }
+    ADD_FAILURE() << "nothing has the name " << name;
+    std::abort();
 }
 
 // The lines that went, after "-", and those that came, after "+", in their order.
@@ -134,6 +146,7 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
         QTest::keyClicks(&child<QLineEdit>(dialog, "*Notes1"), "!");
         press(dialog, "addWatermark");
         QTest::keyClicks(&child<QLineEdit>(dialog, "watermarkText"), "PROOF, 2");
+        dynamic_cast<QComboBox&>(named(dialog, "Watermark to print")).setCurrentIndex(1);
         // The second time, the person accepts the color that the color dialog begins with.
         for (const QColor& chosen : {QColor(32, 64, 96), QColor()}) {
             QTimer::singleShot(0, &dialog, [chosen] {
@@ -164,6 +177,7 @@ TEST_F(ModuleWindow, ChangesAreAccepted) {
     EXPECT_EQ(Value("*Notes1"), "hello!");
     EXPECT_EQ(Value("*QVDuplex"), "Long");
     EXPECT_EQ(Value("*PresetName"), "Brochure");
+    EXPECT_EQ(Value("*QV_WATERMARK"), "0");
     EXPECT_THAT(watermarkDefinitions(*record),
                 testing::ElementsAre("0,0,0,32,64,96,0,0,0,450,0,0,72,Helvetica-Bold,PROOF, 2"));
 }
@@ -184,24 +198,13 @@ TEST_F(ModuleWindow, SaysWhatWasReviewed) {
             said += "# " + action + "\n" + changedLines(before, now);
             before = now;
         };
-        const auto named = [&dialog](const char* name) -> QWidget& {
-            for (QWidget* widget : dialog.findChildren<QWidget*>()) {
-                const QString heard = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
-                if (widget->focusPolicy() != Qt::NoFocus &&
-                    (heard == name || widget->accessibleName() == name)) {
-                    return *widget;
-                }
-            }
-            ADD_FAILURE() << "nothing has the name " << name;
-            std::abort();
-        };
         auto& pages = child<QListWidget>(dialog, "pages");
         const auto show = [&pages](int row) { return [&pages, row] { pages.setCurrentRow(row); }; };
         const auto points = [&](const char* name, int value) {
-            return [&named, name, value] { dynamic_cast<QSpinBox&>(named(name)).setValue(value); };
+            return [&dialog, name, value] { dynamic_cast<QSpinBox&>(named(dialog, name)).setValue(value); };
         };
         const auto check = [&](const char* name) {
-            return [&named, name] { dynamic_cast<QAbstractButton&>(named(name)).click(); };
+            return [&dialog, name] { dynamic_cast<QAbstractButton&>(named(dialog, name)).click(); };
         };
         std::vector<std::pair<std::string, std::function<void()>>> actions{{"opened", [] {}}};
         for (int row = 1; row < pages.count(); ++row) {
@@ -212,7 +215,7 @@ TEST_F(ModuleWindow, SaysWhatWasReviewed) {
             {"size", points("Size:", 36)},
             {"right", points("Shift right:", -20000)},
             {"up", points("Shift up:", 20001)},
-            {"angle", [&] { dynamic_cast<QDoubleSpinBox&>(named("Angle:")).setValue(-12.34); }},
+            {"angle", [&] { dynamic_cast<QDoubleSpinBox&>(named(dialog, "Angle:")).setValue(-12.34); }},
             {"clear", check("Clear toner, no color")},
             {"first page", check("On the first page only")},
             {"font",
@@ -223,9 +226,10 @@ TEST_F(ModuleWindow, SaysWhatWasReviewed) {
                      }
                  }
              }},
-            {"text", [&] { QTest::keyClicks(&named("Text:"), " 2 "); }},
+            {"text", [&] { QTest::keyClicks(&named(dialog, "Text:"), " 2 "); }},
             {"add another", check("Add a watermark")},
-            {"print it", [&] { dynamic_cast<QComboBox&>(named("Watermark to print")).setCurrentIndex(1); }},
+            {"print it",
+             [&] { dynamic_cast<QComboBox&>(named(dialog, "Watermark to print")).setCurrentIndex(1); }},
             {"remove it", check("Remove the watermark")},
             {"remove the other", check("Remove the watermark")},
             {"first page of settings", show(0)},
@@ -331,6 +335,28 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
     });
     EXPECT_EQ(outcome, "1");
     EXPECT_EQ(QCoreApplication::instance(), &application);
+}
+
+// The module looks for the bundle, and so for its texts, beside itself.
+TEST_F(ModuleWindow, SpeaksThePersonsLanguage) {
+    namespace fs = std::filesystem;
+    fs::create_directories(folder / "TorkaFeatures.bundle/Contents");
+    fs::create_directory_symlink(TORKA_SOURCE_DIR "/bundle/Resources",
+                                 folder / "TorkaFeatures.bundle/Contents/Resources");
+    fs::copy_file(TORKA_MODULE, folder / "module.so");
+    ASSERT_EQ(loadJobPropertiesLibrary(folder / "module.so").status, ModuleStatus::loaded);
+    ::setenv("LC_ALL", "de_DE.UTF-8", 1);
+    host.Put("QueuePropList", L"*Collate=True\n");
+    host.Put("ListLockedKeys", L"*QV_WATERMARK=True\n");
+    Run([](QDialog& dialog) {
+        const QWidget& printed = named(dialog, "Zu druckendes Wasserzeichen");
+        EXPECT_FALSE(printed.isEnabled());
+        std::set<QString> said;
+        for (const QLabel* label : printed.parentWidget()->findChildren<QLabel*>()) {
+            said.insert(label->text());
+        }
+        EXPECT_TRUE(said.contains("Vom Druckserver gesperrt"));
+    });
 }
 
 TEST_F(ModuleWindow, SaysWhyItHasNoDescription) {

@@ -6,7 +6,6 @@
 #include "PPDX/KVEngine/UIConstraints.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>

@@ -46,15 +46,8 @@ TEST(Control, FeaturesWithoutTheirBlock) {
 }
 
 TEST(Control, InjectionTable) {
-    struct Case {
-        CNTL_TYPE type;
-        const char* keyword;
-        const char* ps;
-        const char* value;
-        const char* expected;
-    };
     const CNTL_TYPE note = CNTL_TYPE::jobNote;
-    const Case cases[] = {
+    const std::tuple<CNTL_TYPE, const char*, const char*, const char*, const char*> cases[] = {
         {note, "*QVNote", "(<*QVNote>) exec", "AB", "<4142> exec"},
         {note, "*QVNote", "<*QVNote> (<*QVNote>) ((<*QVNote>))", "A", "<41> <41> (<41>)"},
         {note, "*QVNote", "(<*QVNote>)", "", "()"},
@@ -77,12 +70,12 @@ TEST(Control, InjectionTable) {
         {CNTL_TYPE::range, "*R", "1 <*R> 2", "\\7", "1 \\\\7 2"},
         {CNTL_TYPE::range, "*R", "", "7", ""},
     };
-    for (const Case& each : cases) {
-        const PPDXControl control(each.type, definitionOf(each.keyword, each.ps));
+    for (const auto& [type, keyword, ps, value, expected] : cases) {
+        const PPDXControl control(type, definitionOf(keyword, ps));
         std::string out = "before";
-        EXPECT_EQ(control.Inject(each.keyword, control.PSData(), control.PSLength(), each.value, out),
-                  static_cast<long>(std::string(each.expected).size()));
-        EXPECT_EQ(out, each.expected) << each.ps << " with " << each.value;
+        EXPECT_EQ(control.Inject(keyword, control.PSData(), control.PSLength(), value, out),
+                  static_cast<long>(std::string(expected).size()));
+        EXPECT_EQ(out, expected) << ps << " with " << value;
     }
     // A small template and a value whose combination would fill the memory.
     std::string manyPlaces;
@@ -166,12 +159,7 @@ TEST(BooleanControl, ValuesPostScriptAndReports) {
 }
 
 TEST(RangeControl, SnapsTowardZeroThenClamps) {
-    struct Case {
-        RangeBounds bounds;
-        long set;
-        long expected;
-    };
-    const Case cases[] = {
+    const std::tuple<RangeBounds, long, long> cases[] = {
         {{1, 999, 1, 1}, 0, 1},
         {{1, 999, 5, 1}, 17, 15},
         {{1, 999, 5, 1}, 3, 1},
@@ -184,10 +172,10 @@ TEST(RangeControl, SnapsTowardZeroThenClamps) {
         {{LONG_MIN, LONG_MAX, -1, 0}, LONG_MIN, LONG_MIN},
         {{LONG_MIN, LONG_MAX, LONG_MIN, 0}, -5, 0},
     };
-    for (const Case& each : cases) {
-        PPDXRangeControl control(definitionOf("*R"), each.bounds);
-        control.SetValue(each.set);
-        EXPECT_EQ(control.GetValue(), each.expected) << each.set << " by " << each.bounds.increment;
+    for (const auto& [bounds, set, expected] : cases) {
+        PPDXRangeControl control(definitionOf("*R"), bounds);
+        control.SetValue(set);
+        EXPECT_EQ(control.GetValue(), expected) << set << " by " << bounds.increment;
     }
     PPDXRangeControl control(definitionOf("*R", "<*R> set\n"), {1, 999, 5, 17});
     EXPECT_EQ(control.GetValue(), 15);
@@ -339,16 +327,15 @@ TEST_F(PopupTest, DuplicateKeywordsEmitTheFirst) {
 TEST_F(PopupTest, DefaultIndexOverride) {
     const auto popup = Make("*P", false, "A");
     popup->SetDefaultValue(3);
-    struct Case {
-        bool done, found;
-        int expected;
-    };
-    for (const Case& each : {Case{false, false, 3}, {false, true, 3}, {true, true, 3}, {true, false, 1}}) {
-        gPopupJobNotesDoneInitializing = each.done;
-        gPopupJobNotesFoundOne = each.found;
-        EXPECT_EQ(popup->DefaultValue(), each.expected);
+    for (const auto& [done, found, expected] : {std::tuple<bool, bool, int>{false, false, 3},
+                                                {false, true, 3},
+                                                {true, true, 3},
+                                                {true, false, 1}}) {
+        gPopupJobNotesDoneInitializing = done;
+        gPopupJobNotesFoundOne = found;
+        EXPECT_EQ(popup->DefaultValue(), expected);
         popup->ResetToDefaultValue();
-        EXPECT_EQ(popup->GetValue(), each.expected);
+        EXPECT_EQ(popup->GetValue(), expected);
     }
     gPopupJobNotesDoneInitializing = false;
     popup->SetDefaultValue(0);

@@ -3,8 +3,6 @@
 
 #include "PPDX/PPDObjects/Interface/LintWords.h"
 
-#include <gtest/gtest.h>
-
 #include <map>
 #include <set>
 #include <sstream>

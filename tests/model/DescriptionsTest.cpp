@@ -2,7 +2,6 @@
 #include "tests/model/ZANPPDTestSupport.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sstream>
 

@@ -2,7 +2,6 @@
 #include "PPDX/PPDObjects/Controls/PPDXJobNote.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 
 #include "tests/model/ModelFixtures.h"
 #include "tests/support/TestSupport.h"
@@ -76,13 +75,8 @@ TEST_F(JobNoteTest, TheDocumentHasTheSameFlags) {
 TEST_F(JobNoteTest, RulesThatFinishedTextsBreak) {
     constexpr std::uint32_t everyRule =
         jobNoteRequired | jobNoteLengthReq | jobNoteTwoCharField | jobNoteNoComma;
-    struct Case {
-        std::uint32_t flags;
-        int minLength;
-        const char* text;
-        const char* broken; // the words of all broken rules
-    };
-    const Case cases[] = {
+    // said: the words of all broken rules
+    const std::tuple<std::uint32_t, int, const char*, const char*> cases[] = {
         {0, 0, "", ""},
         {0, 0, "123456", ""},
         {0, 0, "1234567", "must have at most 6 characters;"},
@@ -114,15 +108,14 @@ TEST_F(JobNoteTest, RulesThatFinishedTextsBreak) {
         {everyRule | jobNoteOnOffSwitch, 3, "", ""},
     };
     std::uint32_t broken = 0;
-    for (const Case& each : cases) {
-        const PPDXJobNote note("*N", cfString("N"), nullptr, nullptr, 0, nullptr, 6, each.flags,
-                               each.minLength);
+    for (const auto& [flags, minLength, text, said] : cases) {
+        const PPDXJobNote note("*N", cfString("N"), nullptr, nullptr, 0, nullptr, 6, flags, minLength);
         std::string words;
-        for (const BrokenNoteRule& rule : note.BrokenRules(cfString(each.text))) {
+        for (const BrokenNoteRule& rule : note.BrokenRules(cfString(text))) {
             words += rule.Words() + ";";
             broken |= rule.flag;
         }
-        EXPECT_EQ(words, each.broken) << each.flags << ' ' << each.text;
+        EXPECT_EQ(words, said) << flags << ' ' << text;
     }
     for (const JobNoteFlagRow& row : jobNoteFlags) {
         EXPECT_EQ((broken & row.flag) != 0, row.effect == NoteEffect::finishedText) << row.word;
@@ -167,28 +160,24 @@ TEST_F(JobNoteTest, PostScriptCarriesTheTextTwice) {
 }
 
 TEST_F(JobNoteTest, TextsKeepTheirCharactersInEveryEncoding) {
-    struct Case {
-        int level;
-        bool isServer;
-        const char* bytes; // the text's bytes after the setter
-    };
+    // kept: the text's bytes after the setter
     const CFStringRef text = cfString("\u65e5\u30bd"); // ends in the byte of a backslash in Shift-JIS
     SetApplicationTextEncoding(kCFStringEncodingShiftJIS);
-    const Case cases[] = {{0, false, "\x93\xfa\x83\x5c"},
-                          {6, true, "\x93\xfa\x83\x5c"},
-                          {6, false, "\u65e5\u30bd"},
-                          {7, true, "\u65e5\u30bd"}};
-    for (const Case& each : cases) {
-        gQVUTF8Version = each.level;
-        gDocumentServer = each.isServer;
+    const std::tuple<int, bool, const char*> cases[] = {{0, false, "\x93\xfa\x83\x5c"},
+                                                        {6, true, "\x93\xfa\x83\x5c"},
+                                                        {6, false, "\u65e5\u30bd"},
+                                                        {7, true, "\u65e5\u30bd"}};
+    for (const auto& [level, isServer, kept] : cases) {
+        gQVUTF8Version = level;
+        gDocumentServer = isServer;
         PPDXJobNote note = Make({}, "\x93\xfa"); // bytes in the description's encoding
-        EXPECT_EQ(valueOf(note), "\u65e5") << each.level;
+        EXPECT_EQ(valueOf(note), "\u65e5") << level;
         note.SetCurrentControlWithCFString(text);
-        EXPECT_STREQ(note.GetNotes(), each.bytes) << each.level;
-        EXPECT_TRUE(CFEqual(note.CopyCurrentControlValueString(), text)) << each.level;
+        EXPECT_STREQ(note.GetNotes(), kept) << level;
+        EXPECT_TRUE(CFEqual(note.CopyCurrentControlValueString(), text)) << level;
         note.SetUTF8Notes(text);
         EXPECT_STREQ(note.GetNotes(), "\u65e5\u30bd");
-        EXPECT_TRUE(CFEqual(note.CopyNotes(), text)) << each.level;
+        EXPECT_TRUE(CFEqual(note.CopyNotes(), text)) << level;
         note.SetCurrentControlWithCFString(nullptr);
         EXPECT_TRUE(CFEqual(note.CopyNotes(), text));
         note.ResetToDefaultValue();

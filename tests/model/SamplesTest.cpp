@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/model/ZANPPDTestSupport.h"
 
-#include <gtest/gtest.h>
-
 #include <regex>
 #include <set>
 #include <sstream>

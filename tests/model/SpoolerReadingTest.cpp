@@ -5,7 +5,6 @@
 #include "PPDX/KVEngine/ConstraintForest.h"
 
 #include <cups/ppd.h>
-#include <gtest/gtest.h>
 
 #include <set>
 

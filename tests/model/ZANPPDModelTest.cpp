@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/model/ZANPPDTestSupport.h"
 
-#include "PPDFile.h"
 #include "Settings.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka::tests {
 namespace {

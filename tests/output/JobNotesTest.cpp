@@ -3,14 +3,12 @@
 #include "output/BundleIdentifier.h"
 #include "output/FeatureEmission.h"
 #include "output/ZANJobNoteList.h"
-#include "platform/PropertyList.h"
 #include "platform/memory/MemoryPrinting.h"
 #include "tests/output/PlainSource.h"
 #include "tests/support/SmallPPD.h"
 #include "tests/zanutils/OpenSsl.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 #include <string>
 
 namespace torka {

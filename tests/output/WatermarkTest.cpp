@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <limits>
 
 namespace torka {
@@ -117,12 +116,7 @@ for text, codec in zip(sys.argv[1::2], sys.argv[2::2]):
 }
 
 TEST(Watermark, WhatAnEncodingLacksIsAQuestionMark) {
-    struct Case {
-        WatermarkFontKind kind;
-        const char *font, *text;
-        std::string_view expected;
-    };
-    const Case cases[] = {
+    const std::tuple<WatermarkFontKind, const char*, const char*, std::string_view> cases[] = {
         {WatermarkFontKind::latin, "", "\u20ac1 \u2013\u0080\u793e\U0001F600 x", "\2001 ???? x"},
         {WatermarkFontKind::latin, "", "a\377\303b", "a??b"},
         {WatermarkFontKind::latinExtended, "", "a\377b\355\240\200", "a?b???"},
@@ -133,8 +127,8 @@ TEST(Watermark, WhatAnEncodingLacksIsAQuestionMark) {
         {WatermarkFontKind::japanese, "X-H", "\u2460\u0e01\uff71", "!)!)!)"},
         {WatermarkFontKind::japanese, "X-UCS2-H", "\U0001F600", std::string_view("\0?", 2)},
     };
-    for (const Case& each : cases) {
-        EXPECT_EQ(watermarkBytes(each.text, each.kind, each.font), each.expected) << each.font << each.text;
+    for (const auto& [kind, font, text, expected] : cases) {
+        EXPECT_EQ(watermarkBytes(text, kind, font), expected) << font << text;
     }
 }
 
@@ -426,11 +420,7 @@ TEST(WatermarkPages, CompositeFontsShowTheText) {
         "/CMap defineresource pop end end\n";
     const std::string noComposition = "userdict /resourcestatus {dup /Font eq {pop pop false} "
                                       "{systemdict /resourcestatus get exec} ifelse} put\n";
-    struct Case {
-        const char *language, *font, *font0;
-        std::string before;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, const char*, std::string> cases[] = {
         {"Japanese", "Ryumin-Light-90ms-RKSJ-H", "Ryumin-Light", ""},
         {"Japanese", "Ryumin-Light-EUC-H", "Ryumin-Light", ""},
         {"Japanese", "Ryumin-Light-H", "Ryumin-Light", ""},
@@ -447,11 +437,11 @@ TEST(WatermarkPages, CompositeFontsShowTheText) {
     };
     std::string program;
     std::string expectedFonts;
-    for (const Case& each : cases) {
-        program += tests::job(each.before + resource({each.language, each.font, false}, kPMPortrait, false,
-                                                     "\u0428\u0428\u0428\u0428\u0428\u0428", "0", "0,0"),
+    for (const auto& [language, font, font0, before] : cases) {
+        program += tests::job(before + resource({language, font, false}, kPMPortrait, false,
+                                                "\u0428\u0428\u0428\u0428\u0428\u0428", "0", "0,0"),
                               "tellFont showpage\n");
-        expectedFonts += each.font0 + std::string("\n");
+        expectedFonts += font0 + std::string("\n");
     }
     program += "/Ryumin-Light-UniJIS-UTF8-H findfont 24 scalefont setfont 100 242 moveto\n"
                "<D0A8D0A8D0A8D0A8D0A8D0A8> show showpage\n";
@@ -461,10 +451,10 @@ TEST(WatermarkPages, CompositeFontsShowTheText) {
     const std::vector<tests::Ink> pages = tests::printPages("/tellFont {} def\n" + program, {include});
     ASSERT_EQ(pages.size(), std::size(cases) + 1);
     for (std::size_t i = 0; i < std::size(cases); ++i) {
-        EXPECT_NEAR(pages[i].x, tests::paperWidth / 2.0, 2) << cases[i].font;
+        EXPECT_NEAR(pages[i].x, tests::paperWidth / 2.0, 2) << std::get<1>(cases[i]);
         EXPECT_GT(pages.back().count, 300U);
         EXPECT_NEAR(static_cast<double>(pages[i].count), static_cast<double>(pages.back().count), 60)
-            << cases[i].font;
+            << std::get<1>(cases[i]);
     }
 }
 

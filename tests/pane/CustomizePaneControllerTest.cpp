@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/panel/CustomizePaneController.h"
 
-#include "pane/panel/PaneInterface.h"
 #include "tests/pane/UIPanelFixture.h"
 
 #include <gtest/gtest.h>

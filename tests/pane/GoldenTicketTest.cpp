@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
 
 // Compares whole tickets with those in tests/pane/golden, which were reviewed line by line. A file begins
 // with its situation, lines of "# WHAT: KEY TEXT". The key is one word. Writes a ticket that differs to

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "pane/data/ControlTables.h"
-#include "platform/TextEncoding.h"
 #include "tests/pane/PaneFixture.h"
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 
 // Tests the copy of the description, the controller's address, queries about controls, quick access,
 // watermarks and the settings without a control.

@@ -158,6 +158,12 @@ TEST_F(PanelLaunch, OtherEndsChangeNothing) {
         EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
         EXPECT_EQ(Titles(), alerts);
     }
+    // A preset of the server that was changed meanwhile comes back when the window is cancelled.
+    pane.Set("*PresetName", "Glossy");
+    module.windowResult = 1;
+    module.edit = [&] { panel->GetCustomizePane().resetJPServerpresetKeys(); };
+    panel->LaunchJobProperties(0);
+    EXPECT_EQ(valueOf(pane, "*PresetName"), "Glossy");
 }
 
 TEST_F(PanelLaunch, SessionThatCannotBeginIsTriedOnceMoreWithoutTwoWay) {

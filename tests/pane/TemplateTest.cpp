@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/TextEncoding.h"
 #include "tests/pane/PaneFixture.h"
 
 #include <gmock/gmock.h>

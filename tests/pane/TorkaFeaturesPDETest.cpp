@@ -3,8 +3,6 @@
 #include "bidi/module/JobPropertiesSession.h"
 #include "bidi/module/JobPropertiesState.h"
 #include "connection/BonjourModuleController.h"
-#include "pane/panel/BundleHelpers.h"
-#include "platform/Help.h"
 #include "tests/pane/PanelFixture.h"
 #include "tests/support/FakeJobPropertiesModule.h"
 

@@ -11,12 +11,7 @@ namespace {
 
 TEST(CFString, ReadsNumbers) {
     constexpr double largest = std::numeric_limits<double>::max();
-    struct Case {
-        std::string text;
-        std::int32_t integer;
-        double real;
-    };
-    const Case cases[] = {
+    const std::tuple<std::string, std::int32_t, double> cases[] = {
         {"", 0, 0.0},
         {" \t\xE3\x80\x80-12x", -12, -12.0},
         {"+7", 7, 7.0},
@@ -40,9 +35,9 @@ TEST(CFString, ReadsNumbers) {
         {"1" + std::string(400, '0') + "e-5", 2147483647, largest},
         {"0." + std::string(400, '0') + "1e5", 0, 0.0},
     };
-    for (const Case& item : cases) {
-        EXPECT_EQ(CFStringGetIntValue(cfString(item.text)), item.integer) << item.text;
-        EXPECT_EQ(CFStringGetDoubleValue(cfString(item.text)), item.real) << item.text;
+    for (const auto& [text, integer, real] : cases) {
+        EXPECT_EQ(CFStringGetIntValue(cfString(text)), integer) << text;
+        EXPECT_EQ(CFStringGetDoubleValue(cfString(text)), real) << text;
     }
 }
 
@@ -83,17 +78,9 @@ TEST(CFString, CopiesOnlyWhatFits) {
 }
 
 TEST(CFNumber, ConvertsWithoutLossOrSaysSo) {
-    struct Case {
-        CFNumberRef number;
-        std::int32_t narrow;
-        bool narrowExact;
-        std::int64_t wide;
-        bool wideExact;
-        bool realExact;
-    };
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     constexpr std::int32_t narrowMost = std::numeric_limits<std::int32_t>::max();
-    const Case cases[] = {
+    const std::tuple<CFNumberRef, std::int32_t, bool, std::int64_t, bool, bool> cases[] = {
         {CFNumberCreate(-5), -5, true, -5, true, true},
         {CFNumberCreate(std::int64_t{1} << 40), narrowMost, false, std::int64_t{1} << 40, true, true},
         {CFNumberCreate(most), narrowMost, false, most, true, false},
@@ -103,15 +90,15 @@ TEST(CFNumber, ConvertsWithoutLossOrSaysSo) {
         {CFNumberCreate(9223372036854775808.0), narrowMost, false, most, false, true},
         {CFNumberCreate(std::nan("")), 0, false, 0, false, true},
     };
-    for (const Case& item : cases) {
+    for (const auto& [number, narrowed, narrowExact, widened, wideExact, realExact] : cases) {
         std::int32_t narrow = 1;
         std::int64_t wide = 1;
         double real = 1.0;
-        EXPECT_EQ(CFNumberGetValue(item.number, narrow), item.narrowExact) << item.wide;
-        EXPECT_EQ(CFNumberGetValue(item.number, wide), item.wideExact) << item.wide;
-        EXPECT_EQ(CFNumberGetValue(item.number, real), item.realExact) << item.wide;
-        EXPECT_EQ(narrow, item.narrow);
-        EXPECT_EQ(wide, item.wide);
+        EXPECT_EQ(CFNumberGetValue(number, narrow), narrowExact) << widened;
+        EXPECT_EQ(CFNumberGetValue(number, wide), wideExact) << widened;
+        EXPECT_EQ(CFNumberGetValue(number, real), realExact) << widened;
+        EXPECT_EQ(narrow, narrowed);
+        EXPECT_EQ(wide, widened);
     }
 }
 
@@ -162,13 +149,7 @@ TEST(CFEqual, ComparesKindAndContent) {
 }
 
 TEST(CFURL, IsTakenApart) {
-    struct Case {
-        const char* url;
-        const char* scheme;
-        const char* host;
-        const char* path;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"socket://10.0.0.7:9100/a%20b?x#y", "socket", "10.0.0.7", "/a b"},
         {"ipp://user:pw@host%2Ename:631", "ipp", "host.name", ""},
         {"ipp://[fe80::1%25eth0]:631/p", "ipp", "fe80::1%eth0", "/p"},
@@ -179,13 +160,13 @@ TEST(CFURL, IsTakenApart) {
         {"file:///a%00b", "file", "", ""},
         {"1a://h", "", "", "1a://h"},
     };
-    for (const Case& item : cases) {
-        const CFURLRef url = CFURLCreateWithString(cfString(item.url));
-        ASSERT_TRUE(url) << item.url;
-        EXPECT_EQ(utf8Text(CFURLCopyScheme(url)), item.scheme) << item.url;
-        EXPECT_EQ(utf8Text(CFURLCopyHostName(url)), item.host) << item.url;
-        EXPECT_EQ(CFURLCopyFileSystemPath(url), item.path) << item.url;
-        EXPECT_EQ(utf8Text(CFURLGetString(url)), item.url);
+    for (const auto& [text, scheme, host, path] : cases) {
+        const CFURLRef url = CFURLCreateWithString(cfString(text));
+        ASSERT_TRUE(url) << text;
+        EXPECT_EQ(utf8Text(CFURLCopyScheme(url)), scheme) << text;
+        EXPECT_EQ(utf8Text(CFURLCopyHostName(url)), host) << text;
+        EXPECT_EQ(CFURLCopyFileSystemPath(url), path) << text;
+        EXPECT_EQ(utf8Text(CFURLGetString(url)), text);
     }
     for (const char* bad : {"", "a b", "a%2", "a%zz", "\xC3\xA9", "a\nb", "<x>"}) {
         EXPECT_FALSE(CFURLCreateWithString(cfString(bad))) << bad;

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -80,12 +79,7 @@ TEST(PosixSystem, TheEnvironmentSetsTheRootOnlyWhenAsked) {
 }
 
 TEST(PosixSystem, LanguagesFollowTheEnvironment) {
-    struct Case {
-        std::map<std::string, std::string> variables;
-        std::vector<std::string> languages;
-        bool metric;
-    };
-    const Case cases[] = {
+    const std::tuple<std::map<std::string, std::string>, std::vector<std::string>, bool> cases[] = {
         {{}, {"en"}, true},
         {{{"LANG", "C.UTF-8"}, {"LANGUAGE", "de"}}, {"en"}, true},
         {{{"LANG", "en_US.UTF-8"}}, {"en-US"}, false},
@@ -96,10 +90,10 @@ TEST(PosixSystem, LanguagesFollowTheEnvironment) {
          {"sr-Latn-RS", "zh-Hans-CN", "pt"},
          true},
     };
-    for (const Case& item : cases) {
-        const ScopedEnvironment environment(item.variables);
-        EXPECT_EQ(PosixSystem().PreferredLanguages(), item.languages);
-        EXPECT_EQ(PosixSystem().MeasuresInMetric(), item.metric) << item.languages.front();
+    for (const auto& [variables, languages, metric] : cases) {
+        const ScopedEnvironment environment(variables);
+        EXPECT_EQ(PosixSystem().PreferredLanguages(), languages);
+        EXPECT_EQ(PosixSystem().MeasuresInMetric(), metric) << languages.front();
     }
 }
 

@@ -111,12 +111,7 @@ TEST(TextEncoding, ShiftJisHasNoByteOfMacJapanese) {
 }
 
 TEST(TextEncoding, TellsWhatItCannotRead) {
-    struct Case {
-        CFStringEncoding encoding;
-        std::string bytes;
-        std::u16string lossy;
-    };
-    const Case cases[] = {
+    const std::tuple<CFStringEncoding, std::string, std::u16string> cases[] = {
         {kCFStringEncodingUTF8, "a\xFF\xC3", u"a\uFFFD\uFFFD"},
         {kCFStringEncodingUTF8, "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"}, // UTF-8 forbids surrogates
         {kCFStringEncodingASCII, "a\xE9", u"a\uFFFD"},
@@ -131,9 +126,9 @@ TEST(TextEncoding, TellsWhatItCannotRead) {
          u"\uFFFD"
          u"400"},
     };
-    for (const Case& item : cases) {
-        EXPECT_FALSE(decodeText(item.bytes, item.encoding)) << item.bytes;
-        EXPECT_EQ(decodeTextLossy(item.bytes, item.encoding), item.lossy) << item.bytes;
+    for (const auto& [encoding, bytes, lossy] : cases) {
+        EXPECT_FALSE(decodeText(bytes, encoding)) << bytes;
+        EXPECT_EQ(decodeTextLossy(bytes, encoding), lossy) << bytes;
     }
     for (const CFStringEncoding unknown : {kCFStringEncodingUnknown, CFStringEncoding{7}}) {
         EXPECT_FALSE(isKnownEncoding(unknown));

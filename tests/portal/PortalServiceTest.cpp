@@ -11,7 +11,6 @@
 #include <PrintAdaptor.h>
 #include <QCheckBox>
 #include <QDBusConnection>
-#include <QDBusPendingCall>
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
 #include <QDoubleSpinBox>
@@ -19,9 +18,6 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QRadioButton>
-#include <QScopeGuard>
-#include <QSpinBox>
-#include <QStandardPaths>
 #include <fcntl.h>
 #include <fstream>
 #include <stdexcept>
@@ -218,6 +214,22 @@ TEST_F(PortalServiceTest, ThePanesSettingsReachTheDeviceOncePerToken) {
     Reply again = Send(folder / "document.pdf", token);
     Dialogs()[0]->reject();
     EXPECT_EQ(Answer(again), 1U);
+}
+
+TEST_F(PortalServiceTest, TheLogNamesWhatThePaneDecides) {
+    for (const auto& [sides, pages, isTold] :
+         {std::tuple{"vertical", "2", true}, std::tuple{"simplex", "1", false}}) {
+        testing::internal::CaptureStderr();
+        Reply reply = Prepare({{"printer", "Production"}, {"duplex", sides}, {"number-up", pages}});
+        PrintDialog& dialog = *Dialogs()[0];
+        AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
+        PressPrint(dialog);
+        EXPECT_EQ(Answer(reply), 0U);
+        const std::string told = testing::internal::GetCapturedStderr();
+        for (const char* what : {"the pane decides the sides", "the pane decides the pages per sheet"}) {
+            EXPECT_EQ(told.find(what) != std::string::npos, isTold) << what << " in " << told;
+        }
+    }
 }
 
 TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {

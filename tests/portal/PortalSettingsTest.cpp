@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <memory>
 #include <set>
 
 // What a program sends, what it gets back, and what is refused.
@@ -24,13 +23,8 @@ QVariantMap back(const QVariantMap& sent, LaidOutBy laidOutBy, QStringList* prob
 }
 
 TEST(PortalSettings, ComeBackAsTheProgramHasToDrawThem) {
-    struct Case {
-        const char* key;
-        const char* sent;
-        const char* byServer; // null: the key is gone
-        const char* byProgram;
-    };
-    const Case cases[] = {
+    // byServer: null: the key is gone
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"n-copies", "3", "1", "3"},
         {"collate", "true", "false", "true"},
         {"reverse", "true", "false", "true"},
@@ -58,12 +52,12 @@ TEST(PortalSettings, ComeBackAsTheProgramHasToDrawThem) {
         {"number-up", "3", "1", nullptr},
         {"duplex", "sideways", nullptr, nullptr},
     };
-    for (const Case& each : cases) {
+    for (const auto& [key, sent, byServer, byProgram] : cases) {
         for (const auto& [by, expected] :
-             {std::pair(LaidOutBy::Server, each.byServer), std::pair(LaidOutBy::Program, each.byProgram)}) {
-            const QVariantMap settings = back({{each.key, QString::fromLatin1(each.sent)}}, by);
-            EXPECT_EQ(settings.value(each.key).toString().toStdString(), expected == nullptr ? "" : expected)
-                << each.key << "=" << each.sent;
+             {std::pair(LaidOutBy::Server, byServer), std::pair(LaidOutBy::Program, byProgram)}) {
+            const QVariantMap settings = back({{key, QString::fromLatin1(sent)}}, by);
+            EXPECT_EQ(settings.value(key).toString().toStdString(), expected == nullptr ? "" : expected)
+                << key << "=" << sent;
         }
     }
     const QVariantMap pages =

@@ -4,9 +4,7 @@
 #include "tests/presentation/PresentationFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <sstream>
 
 namespace torka::tests {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/ModelState.h"
-#include "pane/data/PanelState.h"
 #include "pane/panel/CustomizePaneController.h"
 #include "pane/presentation/ConflictNotice.h"
 #include "pane/presentation/FieldSearch.h"
@@ -16,7 +15,6 @@
 #include "tests/presentation/PresentationFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace torka::tests {
 namespace {

@@ -3,10 +3,8 @@
 
 #include "platform/PropertyList.h"
 #include "platform/TextCase.h"
-#include "platform/TextEncoding.h"
 #include "tests/support/TestSupport.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>

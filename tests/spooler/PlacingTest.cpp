@@ -57,13 +57,8 @@ TEST(InjectionSites, AreThoseOfTheDocument) {
 }
 
 TEST(Placing, EachKindOfDocument) {
-    struct Row {
-        const char* document;
-        const char* expected;
-        SplicePlace setup;
-    };
     using enum SplicePlace;
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, SplicePlace> rows[] = {
         // With a setup section, entries stand at its beginning and its end.
         {"%!PS-Adobe-3.0/%%Pages: 1/%%EndComments/%%BeginSetup/x/%%EndSetup/%%Page: 1 1/y/%%EOF/",
          "%!PS-Adobe-3.0/%%Pages: 1/#%%EndComments/%%BeginSetup/$x/^%%EndSetup/%%Page: 1 1/y/%%EOF/",
@@ -129,18 +124,18 @@ TEST(Placing, EachKindOfDocument) {
          "%!PS/#%%EndComments/%%BeginResource: file a/x/%%BeginSetup/$^%%EndSetup/", documentSetup},
     };
     for (const std::string lineEnd : {"\n", "\r", "\r\n"}) {
-        for (const Row& row : rows) {
-            const std::string_view document = row.document;
+        for (const auto& [lines, expected, setup] : rows) {
+            const std::string_view document = lines;
             const bool isCounted =
                 document.find("BeginBinary: 13") != std::string_view::npos; // requires one-byte line ends
             if ((isCounted && lineEnd == "\r\n") || (document == "%!" && lineEnd != "\n")) {
                 continue;
             }
-            SCOPED_TRACE(row.document);
-            const Spliced result = splice(expand(row.document, lineEnd), fullTicket);
+            SCOPED_TRACE(lines);
+            const Spliced result = splice(expand(lines, lineEnd), fullTicket);
             EXPECT_EQ(result.status, SpliceStatus::ok);
-            EXPECT_EQ(result.text, expand(row.expected, lineEnd));
-            EXPECT_EQ(result.report.placed.at(81).place, row.setup);
+            EXPECT_EQ(result.text, expand(expected, lineEnd));
+            EXPECT_EQ(result.report.placed.at(81).place, setup);
             EXPECT_EQ(result.report.placed.at(81).entries, 2U);
             EXPECT_EQ(result.report.mailboxPaths, std::vector<std::string>{"Library/Caches/ZAN/box"});
         }
@@ -196,12 +191,8 @@ TEST(Placing, ByteCountsFollowTheLineEndsOfTheDocument) {
 TEST(Placing, LargeAndHostileDocuments) {
     const std::string filler(3 * Splicer::holdLimit, 'x');
     const Ticket ticket = makeTicket({{-9, "*F"}, {81, "s\n"}, {501, "%%d\n"}});
-    struct Row {
-        std::string before; // the part before the setup
-        std::string after;
-        const char* setup;
-    };
-    const Row rows[] = {
+    // before: the part before the setup
+    const std::tuple<std::string, std::string, const char*> rows[] = {
         // A document without structure within the buffer's limit counts as unstructured.
         {"%!PS\n%%d\n%%EndComments\n", filler + "\n%%Page: 1 1\n", "s\n"},
         {"%!PS\n%%d\n%%EndComments\n%%EndProlog\n", filler + "\n%%BeginSetup\n%%EndSetup\n",
@@ -218,12 +209,12 @@ TEST(Placing, LargeAndHostileDocuments) {
              std::string(Splicer::lineLimit - 11, ' ') + "\n",
          "%%Page: 1 1\n", "%%BeginSetup\ns\n%%EndSetup\n"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.before.substr(0, 60));
-        std::string document = row.before + row.after;
+    for (const auto& [before, after, setup] : rows) {
+        SCOPED_TRACE(before.substr(0, 60));
+        std::string document = before + after;
         document.erase(document.find("%%d\n"), 4);
         const Spliced result = splice(document, ticket, {997, 4096, 100'003});
-        EXPECT_TRUE(result.text == row.before + row.setup + row.after);
+        EXPECT_TRUE(result.text == before + setup + after);
     }
     // A count beyond the document, and a document with sections that are never closed.
     EXPECT_EQ(splice("%!PS\n%%BeginData: 99999999999999999999999\nx", ticket).text,

@@ -72,12 +72,6 @@ TEST(Printing, GhostscriptDrawsTheSamePagesAndHearsTheSettings) {
         "%%BoundingBox: 0 0 99 99\n%%EndComments\n%%BeginSetup\n" +
         feature("*Sys", "inner system") + "%%EndSetup\n%%Page: 1 1\n9 9 box\nshowpage\n" +
         "%%EOF\n%%EndDocument\nrestore\n";
-    struct Row {
-        const char* name;
-        std::string document;
-        std::string toldBefore;
-        std::string toldAfter;
-    };
     const std::string start = "%!PS-Adobe-3.0\n%%Pages: (atend)\n%%EndComments\n";
     const std::string end = "%%Trailer\n%%Pages: 2\n%%EOF\n";
     const std::string setup =
@@ -85,7 +79,7 @@ TEST(Printing, GhostscriptDrawsTheSamePagesAndHearsTheSettings) {
     std::string macDocument = start + prolog + setup + page(1) + page(2) + end;
     std::ranges::replace(macDocument, '\n', '\r');
     const std::string systemTalk = "page system\n";
-    const Row rows[] = {
+    const std::tuple<const char*, std::string, std::string, std::string> rows[] = {
         {"structured", start + prolog + setup + page(1) + page(2) + end,
          "prolog system\nsystem\nown\n" + systemTalk + systemTalk, told("own\n")},
         {"carriage returns", macDocument, "prolog system\nsystem\nown\n" + systemTalk + systemTalk,
@@ -102,16 +96,16 @@ TEST(Printing, GhostscriptDrawsTheSamePagesAndHearsTheSettings) {
         {"brochure", readFile(samples + "brochure.ps"), "", told()},
         {"plain", readFile(samples + "plain.ps"), "", told()},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        const Spliced result = splice(row.document, tellingTicket);
+    for (const auto& [name, document, toldBefore, toldAfter] : rows) {
+        SCOPED_TRACE(name);
+        const Spliced result = splice(document, tellingTicket);
         ASSERT_EQ(result.status, SpliceStatus::ok);
-        const Printout before = runGhostscript(row.document);
+        const Printout before = runGhostscript(document);
         const Printout after = runGhostscript(result.text);
         EXPECT_FALSE(before.pages.empty());
         EXPECT_TRUE(before.pages == after.pages);
-        EXPECT_EQ(before.output, row.toldBefore);
-        EXPECT_EQ(after.output, row.toldAfter);
+        EXPECT_EQ(before.output, toldBefore);
+        EXPECT_EQ(after.output, toldAfter);
     }
 }
 
@@ -181,13 +175,8 @@ TEST(Printing, ARefusedSettingCostsThatSettingAlone) {
                        "*%ZANJobNote *QVOwn: 20|AESEncrypt|\"x\"\r*%ZANJobNote *Resume/R: 8\n"
                        "*%ZANJobNote\n*%ZANJobNote *DeptPassword/P: 8");
     EXPECT_EQ(notes, (KeywordSet{"*QVCode", "*QVOwn", "*Resume", "*DeptPassword"}));
-    struct Row {
-        const char* name;
-        std::string bytes;
-        std::string told; // before the document's own setup
-        bool prints;
-    };
-    const Row rows[] = {
+    // told: before the document's own setup
+    const std::tuple<const char*, std::string, std::string, bool> rows[] = {
         {"refused", block("*QVTray", refused.c_str()), "", true},
         {"page size", block("*PageSize", refused.c_str()), "", true},
         {"accepted", block("*QVTray", "(before) = 7 8 (%}) pop % } {"), "before\n", true},
@@ -203,19 +192,19 @@ TEST(Printing, ARefusedSettingCostsThatSettingAlone) {
          false},
         {"immediate name", block("*QVTray", "/n 7 def //n = fail"), "7\n", false},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        Ticket ticket = makeTicket({{row.bytes.find("*PageSize") != std::string::npos ? 70 : 81, row.bytes}});
-        EXPECT_NE(splice(document, ticket).text.find(row.bytes), std::string::npos);
+    for (const auto& [name, bytes, told, prints] : rows) {
+        SCOPED_TRACE(name);
+        Ticket ticket = makeTicket({{bytes.find("*PageSize") != std::string::npos ? 70 : 81, bytes}});
+        EXPECT_NE(splice(document, ticket).text.find(bytes), std::string::npos);
         ticket.unguarded = notes;
         const Spliced result = splice(document, ticket);
-        EXPECT_NE(result.text.find(row.bytes), std::string::npos) << result.text;
+        EXPECT_NE(result.text.find(bytes), std::string::npos) << result.text;
         const TemporaryFolder folder;
         const CommandResult run = runCommand({"gs", "-q", "-dBATCH", "-dNOPAUSE", "-dSAFER", "-sDEVICE=bbox",
                                               folder.Write("in.ps", result.text)});
         const std::string pages = "setup\npage system\npage system\npage system\n";
-        if (row.prints) {
-            EXPECT_EQ(run.output, row.told + pages);
+        if (prints) {
+            EXPECT_EQ(run.output, told + pages);
         } else {
             EXPECT_EQ(run.output.find("setup\n"), std::string::npos) << run.output;
         }

@@ -10,11 +10,8 @@ const Ticket suppressing = makeTicket({{-9, "*QVDuplex"}, {-9, "*Tray"}});
 } // namespace
 
 TEST(Removal, FeatureCodeOfSuppressedKeywords) {
-    struct Row {
-        const char* document; // the text between "<" and ">" is removed; lines end with "/"
-        std::uint64_t blocks;
-    };
-    const Row rows[] = {
+    // marked: the text between "<" and ">" is removed; lines end with "/"
+    const std::pair<const char*, std::uint64_t> rows[] = {
         // In the setup, without a wrapper and in each spelling of the wrapper.
         {"%!PS/%%BeginSetup/<%%BeginFeature: *QVDuplex True/x/%%EndFeature/>y/%%EndSetup/", 1},
         {"%!PS/%%BeginSetup/<[{/%%BeginFeature: *QVDuplex True/x/%%EndFeature/} stopped "
@@ -59,12 +56,12 @@ TEST(Removal, FeatureCodeOfSuppressedKeywords) {
         {"%!PS/%%BeginSetup/%%BeginFeature: *Tray A/x", 0},
     };
     for (const std::string lineEnd : {"\n", "\r", "\r\n"}) {
-        for (const Row& row : rows) {
-            SCOPED_TRACE(row.document);
+        for (const auto& [marked, blocks] : rows) {
+            SCOPED_TRACE(marked);
             std::string document;
             std::string expected;
             bool isKept = true;
-            for (const char* c = row.document; *c != '\0'; ++c) {
+            for (const char* c = marked; *c != '\0'; ++c) {
                 if (*c == '<' || *c == '>') {
                     isKept = *c == '>';
                     continue;
@@ -75,7 +72,7 @@ TEST(Removal, FeatureCodeOfSuppressedKeywords) {
             }
             const Spliced result = splice(document, suppressing);
             EXPECT_EQ(result.text, expected);
-            EXPECT_EQ(result.report.removed.at("*Tray") + result.report.removed.at("*QVDuplex"), row.blocks);
+            EXPECT_EQ(result.report.removed.at("*Tray") + result.report.removed.at("*QVDuplex"), blocks);
             EXPECT_EQ(result.report.bytesRemoved, document.size() - expected.size());
         }
     }

@@ -48,13 +48,8 @@ TEST(TicketReader, ReadsWhatPlistlibWrites) {
 }
 
 TEST(TicketReader, WhatIsWrongIsToldWithTheEntry) {
-    struct Row {
-        std::string file;
-        const char* place;
-        const char* text;
-    };
     const std::string good = "<integer>81</integer><data>eA==</data>";
-    const Row rows[] = {
+    const std::tuple<std::string, const char*, const char*> rows[] = {
         {"", "", "not an XML property list"},
         {"%!PS-Adobe-3.0", "", "not an XML property list"},
         {list(good).substr(0, 90), "", "not an XML property list"},
@@ -67,11 +62,11 @@ TEST(TicketReader, WhatIsWrongIsToldWithTheEntry) {
         {list(good + "<integer>71</integer>"), "entry 1", "behind the site 71"},
         {list("<data>eA==</data><integer>81</integer>"), "entry 0", "the site is data"},
     };
-    for (const Row& row : rows) {
-        const Result<Ticket> ticket = readText(row.file);
-        ASSERT_FALSE(ticket) << row.file;
-        EXPECT_EQ(ticket.Why().place, row.place) << row.file;
-        EXPECT_THAT(ticket.Why().text, testing::HasSubstr(row.text));
+    for (const auto& [file, place, text] : rows) {
+        const Result<Ticket> ticket = readText(file);
+        ASSERT_FALSE(ticket) << file;
+        EXPECT_EQ(ticket.Why().place, place) << file;
+        EXPECT_THAT(ticket.Why().text, testing::HasSubstr(text));
     }
     EXPECT_TRUE(readText(list(""))->entries.empty());
 }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cinttypes>
-#include <cstdio>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>

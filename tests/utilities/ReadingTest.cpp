@@ -7,7 +7,6 @@
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -62,27 +61,23 @@ TEST(PPDStream, LineEndsCutsAndNumbers) {
     tests::CapturingLog log;
     const std::string text = "a\rb\r\nc\n" + std::string(300, 'x') + "\ny\xFFz\nlast";
     PPDStream stream{std::string_view(text)};
-    struct Expected {
-        std::string text;
-        bool result, cut;
-        std::uint32_t number;
-    };
-    const Expected lines[] = {{"a", true, false, 1},
-                              {"b", true, false, 2},
-                              {"", true, false, 3}, // the rest of a CR LF
-                              {"c", true, false, 3},
-                              {std::string(255, 'x'), false, true, 4},
-                              {std::string(45, 'x'), true, false, 4},
-                              {"y", false, false, 5},
-                              {"z", true, false, 5},
-                              {"last", false, false, 6},
-                              {"", false, false, 6}};
+    const std::tuple<std::string, bool, bool, std::uint32_t> lines[] = {
+        {"a", true, false, 1},
+        {"b", true, false, 2},
+        {"", true, false, 3}, // the rest of a CR LF
+        {"c", true, false, 3},
+        {std::string(255, 'x'), false, true, 4},
+        {std::string(45, 'x'), true, false, 4},
+        {"y", false, false, 5},
+        {"z", true, false, 5},
+        {"last", false, false, 6},
+        {"", false, false, 6}};
     char line[kLineCapacity];
-    for (const Expected& each : lines) {
-        EXPECT_EQ(stream.GetLine(line), each.result) << each.text;
-        EXPECT_EQ(line, each.text);
-        EXPECT_EQ(stream.LineWasCut(), each.cut) << each.text;
-        EXPECT_EQ(stream.LineNumber(), each.number) << each.text;
+    for (const auto& [read, result, cut, number] : lines) {
+        EXPECT_EQ(stream.GetLine(line), result) << read;
+        EXPECT_EQ(line, read);
+        EXPECT_EQ(stream.LineWasCut(), cut) << read;
+        EXPECT_EQ(stream.LineNumber(), number) << read;
     }
     EXPECT_TRUE(stream.EndOfFile());
     EXPECT_THAT(log.Lines(), ElementsAre("PPDStream::GetLine theChar == EOF, i 1 \n"));
@@ -111,15 +106,13 @@ TEST(PPDStream, NothingIsReadBehindTheEndOfTheDescriptionUntilAParseStarts) {
 
 TEST(PPDFile, FaultsAreTold) {
     const tests::TemporaryFolder folder;
-    struct Case {
-        std::string path;
-        OSStatus error;
-    };
-    for (const Case& each : {Case{folder / "none", fnfErr}, Case{folder.Path(), fnOpnErr},
-                             Case{"/dev/zero", fnOpnErr}, Case{"", paramErr}}) {
-        PPDFile file(FSRef{each.path});
-        EXPECT_TRUE(PPDFileStream(&file, true).Bad()) << each.path;
-        EXPECT_EQ(file.getError(), each.error) << each.path;
+    for (const auto& [path, error] : {std::pair<std::string, OSStatus>{folder / "none", fnfErr},
+                                      {folder.Path(), fnOpnErr},
+                                      {"/dev/zero", fnOpnErr},
+                                      {"", paramErr}}) {
+        PPDFile file(FSRef{path});
+        EXPECT_TRUE(PPDFileStream(&file, true).Bad()) << path;
+        EXPECT_EQ(file.getError(), error) << path;
     }
     PPDFile empty(FSRef{folder.Write("empty", "")});
     PPDFileStream stream(&empty, true);
@@ -177,42 +170,37 @@ std::string dehexed(std::string_view text) {
 }
 
 TEST(TextConverter, HexadecimalSubstrings) {
-    struct Case {
-        std::string_view in, out;
-    };
     using namespace std::string_view_literals;
-    for (const Case& each : {Case{"a<4142>b<63>", "aABbc"},
-                             {"<4a4B>", "JK"},
-                             {"<>x", "x"},
-                             {"< 41\t4 2\n>", "AB"},
-                             {"<41>b<4>c<42>", "Ab<4>c<42>"},
-                             {"<4g><41>", "<4g><41>"},
-                             {"a<41", "a<41"},
-                             {"a>b", "a>b"},
-                             {"<<41>>", "<<41>>"},
-                             {"<41\0>"sv, "<41\0>"sv},
-                             {"<00>", "\0"sv},
-                             {"", ""}}) {
-        EXPECT_EQ(dehexed(each.in), each.out) << each.in;
+    for (const auto& [in, out] : {std::pair<std::string_view, std::string_view>{"a<4142>b<63>", "aABbc"},
+                                  {"<4a4B>", "JK"},
+                                  {"<>x", "x"},
+                                  {"< 41\t4 2\n>", "AB"},
+                                  {"<41>b<4>c<42>", "Ab<4>c<42>"},
+                                  {"<4g><41>", "<4g><41>"},
+                                  {"a<41", "a<41"},
+                                  {"a>b", "a>b"},
+                                  {"<<41>>", "<<41>>"},
+                                  {"<41\0>"sv, "<41\0>"sv},
+                                  {"<00>", "\0"sv},
+                                  {"", ""}}) {
+        EXPECT_EQ(dehexed(in), out) << in;
     }
 }
 
 // The platform's test compares the encodings with Python's codecs.
 TEST(TextConverter, ReadsTextsInTheirEncodings) {
-    struct Case {
-        const char *name, *text, *converted;
-    };
-    for (const Case& each : {Case{"ISOLatin1", "A\xA4<e4>", "A\u00a4\u00e4"},
-                             {"ISOLatin2", "A\xA3<b1>", "A\u0141\u0105"},
-                             {"ISOLatin5", "A\xD0<fe>", "A\u011e\u015f"},
-                             {"JIS83-RKSJ", "A\x83\x5C\x88\xF3<8dfc 41>\xB1", "A\u30bd\u5370\u5237A\uff71"},
-                             {"MacStandard", "A\x8E<a0>", "A\u00e9\u2020"},
-                             {"WindowsANSI", "A\x80<99>", "A\u20ac\u2122"},
-                             {"UTF-8", "A\xC3\xA9<f09f9880>", "A\u00e9\U0001f600"},
-                             {"Unheard-of", "A\xC3\xA9<e697a5>", "A\u00e9\u65e5"}}) {
-        Described description(each.name);
-        EXPECT_EQ(description.Converter()->ValidConverter(), std::string(each.name) != "Unheard-of");
-        EXPECT_EQ(description.Converted(each.text), each.converted) << each.name;
+    for (const auto& [name, text, converted] :
+         {std::tuple<const char*, const char*, const char*>{"ISOLatin1", "A\xA4<e4>", "A\u00a4\u00e4"},
+          {"ISOLatin2", "A\xA3<b1>", "A\u0141\u0105"},
+          {"ISOLatin5", "A\xD0<fe>", "A\u011e\u015f"},
+          {"JIS83-RKSJ", "A\x83\x5C\x88\xF3<8dfc 41>\xB1", "A\u30bd\u5370\u5237A\uff71"},
+          {"MacStandard", "A\x8E<a0>", "A\u00e9\u2020"},
+          {"WindowsANSI", "A\x80<99>", "A\u20ac\u2122"},
+          {"UTF-8", "A\xC3\xA9<f09f9880>", "A\u00e9\U0001f600"},
+          {"Unheard-of", "A\xC3\xA9<e697a5>", "A\u00e9\u65e5"}}) {
+        Described description(name);
+        EXPECT_EQ(description.Converter()->ValidConverter(), std::string(name) != "Unheard-of");
+        EXPECT_EQ(description.Converted(text), converted) << name;
     }
 }
 

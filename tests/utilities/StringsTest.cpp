@@ -36,22 +36,18 @@ protected:
 
 TEST_F(ModelStateTest, NarrowTextFollowsLevelJapaneseNotesAndDocumentServer) {
     const CFStringRef text = cfString("caf\u00e9");
-    struct Case {
-        int level;
-        bool japanese, server, isUtf8;
-    };
-    const Case cases[] = {{0, false, false, false}, {4, false, false, false}, {5, true, false, false},
-                          {7, true, false, false},  {7, false, false, true},  {7, false, true, true},
-                          {5, false, true, false},  {6, false, true, false},  {6, false, false, true},
-                          {5, false, false, true}};
+    const std::tuple<int, bool, bool, bool> cases[] = {
+        {0, false, false, false}, {4, false, false, false}, {5, true, false, false}, {7, true, false, false},
+        {7, false, false, true},  {7, false, true, true},   {5, false, true, false}, {6, false, true, false},
+        {6, false, false, true},  {5, false, false, true}};
     SetApplicationTextEncoding(kCFStringEncodingISOLatin1);
-    for (const Case& each : cases) {
-        gQVUTF8Version = each.level;
-        gPopupJobNotesLangIsJapanese = each.japanese;
-        gDocumentServer = each.server;
+    for (const auto& [level, japanese, server, isUtf8] : cases) {
+        gQVUTF8Version = level;
+        gPopupJobNotesLangIsJapanese = japanese;
+        gDocumentServer = server;
         CString converted;
         converted = text;
-        EXPECT_STREQ(converted, each.isUtf8 ? "caf\xC3\xA9" : "caf\xE9") << each.level;
+        EXPECT_STREQ(converted, isUtf8 ? "caf\xC3\xA9" : "caf\xE9") << level;
         EXPECT_EQ(CString(text).Size(), 4U); // counts units, even when there are five bytes
     }
     gQVUTF8Version = 0;
@@ -226,15 +222,14 @@ TEST(StringFunctions, TextsAndBounds) {
     char back[256];
     EXPECT_STREQ(ptoCStr(ctoPStr(longText.c_str(), pascal), back), longText.substr(0, 255).c_str());
     EXPECT_STREQ(ptoCStr(ctoPStr("ab", pascal), back), "ab");
-    struct Deletion {
-        std::uint16_t from, to;
-        const char* result;
-    };
-    for (const Deletion& each :
-         {Deletion{1, 3, "ade"}, {0, 99, ""}, {3, 3, "abcde"}, {3, 2, "abcde"}, {6, 9, "abcde"}}) {
+    for (const auto& [from, to, result] : {std::tuple<std::uint16_t, std::uint16_t, const char*>{1, 3, "ade"},
+                                           {0, 99, ""},
+                                           {3, 3, "abcde"},
+                                           {3, 2, "abcde"},
+                                           {6, 9, "abcde"}}) {
         char text[] = "abcde";
-        EXPECT_EQ(deleteCharRangeInStr(text, each.from, each.to), std::strlen(each.result));
-        EXPECT_STREQ(text, each.result);
+        EXPECT_EQ(deleteCharRangeInStr(text, from, to), std::strlen(result));
+        EXPECT_STREQ(text, result);
     }
     EXPECT_EQ(validateRangeValues("12a345", 2), 0);
     EXPECT_EQ(validateRangeValues("12a345", 3), 1);

@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/FieldPage.h"
-#include "pane/views/FieldRow.h"
-#include "pane/views/QuickAccessDialog.h"
 #include "tests/views/ViewFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -16,9 +11,6 @@
 
 namespace torka::tests {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct ButtonsTest : testing::Test {
     ScopedMemorySystem system;
@@ -105,52 +97,6 @@ TEST_F(ButtonsTest, WatermarksAreAddedEditedAndDeleted) {
     EXPECT_EQ(last()->text(), "Last");
     Press(Button(page, "Delete"));
     EXPECT_EQ(list->count(), before);
-}
-
-TEST_F(ButtonsTest, QuickAccessIsAddedOrderedRemovedAndOnlyKeptOnOK) {
-    auto& sheet = static_cast<QuickAccessSheet&>(pane.interface->customizeQuickAccess());
-    const auto open = [&]() -> QuickAccessDialog& {
-        sheet.openSheet();
-        return *sheet.Dialog();
-    };
-    QuickAccessDialog& dialog = open();
-    const auto named = [&](const char* text) {
-        return dialog.Available()
-            ->findItems(QLatin1String(text), Qt::MatchExactly | Qt::MatchRecursive)
-            .front();
-    };
-    const auto chosen = [&] { return dialog.Chosen(); };
-    QListWidget& list = *dialog.ChosenList();
-    list.selectAll();
-    Press(dialog.RemoveButton());
-    EXPECT_THAT(chosen(), IsEmpty());
-    dialog.Available()->setCurrentItem(named("Staple"));
-    Press(dialog.AddButton());
-    dialog.Available()->scrollToItem(named("Mirror"));
-    DoubleClick(*dialog.Available(), dialog.Available()->visualItemRect(named("Mirror")));
-    EXPECT_THAT(chosen(), ElementsAre("*QVStaple", "*QVMirror"));
-    list.setCurrentRow(1);
-    Press(dialog.UpButton());
-    EXPECT_THAT(chosen(), ElementsAre("*QVMirror", "*QVStaple"));
-    Press(Button(dialog, "Move Down"));
-    EXPECT_THAT(chosen(), ElementsAre("*QVStaple", "*QVMirror"));
-    DoubleClick(list, list.visualItemRect(list.item(0)));
-    EXPECT_THAT(chosen(), ElementsAre("*QVMirror"));
-    const auto stored = [&] {
-        PPDTree tree;
-        pane.pane->data->GetPPDShortcuts(tree);
-        return tree.quickAccess.size();
-    };
-    PressIn("quickAccessDialog", "Cancel");
-    EXPECT_EQ(stored(), 0U);
-    QuickAccessDialog& again = open();
-    again.ChosenList()->selectAll();
-    Press(again.RemoveButton());
-    again.Available()->setCurrentItem(
-        again.Available()->findItems("Mirror", Qt::MatchExactly | Qt::MatchRecursive).front());
-    Press(again.AddButton());
-    PressIn("quickAccessDialog", "OK");
-    EXPECT_EQ(stored(), 1U);
 }
 
 } // namespace

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "pane/views/CustomizePaneWidget.h"
-#include "pane/views/FieldPage.h"
 #include "pane/views/QtPaneInterface.h"
 #include "tests/pane/PanelFixture.h"
 

@@ -4,7 +4,6 @@
 #include "pane/views/ConflictBar.h"
 #include "pane/views/FieldPage.h"
 #include "pane/views/JobPicture.h"
-#include "pane/views/SummaryPage.h"
 #include "tests/views/ViewFixture.h"
 
 #include <gmock/gmock.h>
@@ -256,6 +255,14 @@ TEST_F(PaneWidgetTest, KeepsWhatIsTypedToWhatTheNoteAllows) {
     Go("*QVSecureSwitch");
     Field<QCheckBox>("*QVSecureSwitch")->click();
     EXPECT_EQ(pane.Value("*QVSecureSwitch"), "True");
+    ViewedPane narrow(std::make_unique<Pane>(paneHeader + jobNote("Short", "4|OnOfSwitch")));
+    narrow.Draw();
+    ASSERT_TRUE(narrow.Widget().ShowField("*Short"));
+    auto* box = qobject_cast<QCheckBox*>(narrow.Widget().CurrentFieldPage()->RowOf("*Short")->Focus());
+    for (const char* refused : {"", "False"}) { // has five characters
+        box->click();
+        EXPECT_TRUE(narrow.Value("*Short") == "True" && box->isChecked()) << refused;
+    }
 }
 
 TEST_F(PaneWidgetTest, FindsByNameKeywordAndChoice) {
@@ -347,6 +354,19 @@ TEST_F(PaneWidgetTest, AsksAboutConflictsBeforeAJob) {
         EXPECT_EQ(pane.interface->confirmConflicts(), prints) << answer;
         EXPECT_EQ(pane.Value("*QVStaple"), staple) << answer;
     }
+    // Nothing may change what the printer has.
+    ViewedPane stuck(std::make_unique<Pane>(paneHeader + unit("Folder", {"Big"}) + unit("Binder", {"Tape"}) +
+                                            "*UIConstraints: *Folder Big *Binder Tape\n"));
+    QTimer::singleShot(0, qApp, [] {
+        auto* question = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(question, nullptr);
+        for (const auto* button : question->findChildren<QPushButton*>()) {
+            const bool isResolve = button->text() == QLatin1String("&Resolve");
+            EXPECT_EQ(button->isEnabled(), !isResolve) << button->text().toStdString();
+        }
+        QTest::keyClick(question, Qt::Key_Return); // the default button cancels
+    });
+    EXPECT_FALSE(stuck.interface->confirmConflicts());
 }
 
 TEST_F(PaneWidgetTest, CustomSizeIsUsedWithACustomPrintSizeOnly) {
@@ -500,9 +520,12 @@ TEST_F(PaneWidgetTest, ModelsStaySoundWhileTheirRowsChange) {
 // The style's drawings of a control serve those of every other pane. Qt never forgets their names.
 TEST_F(PaneWidgetTest, ControlsShareTheirColors) {
     Go("*QVDuplex");
+    pane.Find<QCheckBox>("bidiCheckBox")->setChecked(true);
+    const auto* sign = pane.Find<QWidget>("twoWaySign")->findChild<QWidget*>();
     for (const QColor& window : {QColor(0xEF, 0xEF, 0xEF), QColor(50, 50, 52)}) {
         QApplication::setPalette(QPalette(window));
         QCoreApplication::processEvents();
+        EXPECT_EQ(sign->accessibleName(), QStringLiteral("Two-way communication: On"));
         const QPalette colors = Field<QComboBox>("*QVDuplex")->palette();
         EXPECT_EQ(colors, Widget().SearchField()->palette());
         ViewedPane other(samplePane());

@@ -15,7 +15,6 @@
 namespace torka::tests {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
@@ -40,17 +39,29 @@ struct QuickAccessTest : testing::Test {
         }
         return *Sheet().Dialog();
     }
-    std::vector<std::string> Available() {
-        std::vector<std::string> names;
+    std::vector<QTreeWidgetItem*> Available() {
+        std::vector<QTreeWidgetItem*> items;
         for (QTreeWidgetItemIterator place(Dialog().Available(), QTreeWidgetItemIterator::NotHidden);
              *place != nullptr; ++place) {
             if ((*place)->parent() != nullptr) {
-                names.push_back((*place)->text(0).toStdString());
+                items.push_back(*place);
             }
         }
-        return names;
+        return items;
+    }
+    static void DoubleClick(QAbstractItemView& list, const QModelIndex& row) {
+        list.scrollTo(row);
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(row).center());
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(row).center());
     }
     void Search(const char* text) { Dialog().SearchField()->setText(QString::fromUtf8(text)); }
+    void Press(const char* text) {
+        for (auto* button : Dialog().findChildren<QPushButton*>()) {
+            if (button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
+                return QTest::mouseClick(button, Qt::LeftButton);
+            }
+        }
+    }
     void AddByKeys() {
         auto* list = Dialog().Available();
         list->setFocus();
@@ -69,47 +80,66 @@ struct QuickAccessTest : testing::Test {
     }
 };
 
-TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndKeepsThemOnOK) {
+TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndMouseAndKeepsThemOnOK) {
     auto* button = pane->Find<QWidget>("customizeQuickAccessButton");
     EXPECT_TRUE(button->isVisible());
     auto* list = Dialog().ChosenList();
     list->selectAll();
     list->setFocus();
-    QTest::keyClick(list, Qt::Key_Delete);
+    QTest::mouseClick(Dialog().RemoveButton(), Qt::LeftButton);
     EXPECT_THAT(Dialog().Chosen(), IsEmpty());
-    for (const char* name : {"Staple", "Mirror", "Duplex"}) {
+    auto& tree = *Dialog().Available();
+    const std::pair<const char*, std::function<void()>> ways[] = {
+        {"Staple", [&] { AddByKeys(); }},
+        {"Mirror",
+         [&] {
+             tree.setCurrentItem(Available().front());
+             QTest::mouseClick(Dialog().AddButton(), Qt::LeftButton);
+         }},
+        {"Duplex", [&] { DoubleClick(tree, tree.indexFromItem(Available().front())); }}};
+    for (const auto& [name, add] : ways) {
         Search(name);
         ASSERT_THAT(Available(), Not(IsEmpty())) << name;
-        AddByKeys();
+        add();
     }
     const std::vector<std::string> added = Dialog().Chosen();
     ASSERT_EQ(added.size(), 3U);
     EXPECT_EQ(added[0], "*QVStaple");
     Search("");
-    EXPECT_THAT(Available(), Not(Contains("Staple"))) << "each only once";
+    for (const QTreeWidgetItem* item : Available()) {
+        EXPECT_NE(item->text(0), QLatin1String("Staple")) << "each only once";
+    }
     list->setFocus();
     list->setCurrentRow(2);
     QTest::keyClick(list, Qt::Key_Up, Qt::AltModifier);
-    QTest::keyClick(list, Qt::Key_Up, Qt::AltModifier);
+    QTest::mouseClick(Dialog().UpButton(), Qt::LeftButton);
     EXPECT_FALSE(Dialog().UpButton()->isEnabled());
     EXPECT_THAT(Dialog().Chosen(), ElementsAre(added[2], added[0], added[1]));
+    Press("Move Down");
+    EXPECT_THAT(Dialog().Chosen(), ElementsAre(added[0], added[2], added[1]));
+    DoubleClick(*list, list->model()->index(2, 0));
     EXPECT_THAT(Stored(), IsEmpty()) << "nothing before OK";
-    Dialog().accept();
+    Press("OK");
     EXPECT_FALSE(Sheet().validWindowSessionRunning());
-    EXPECT_THAT(Stored(), ElementsAre(added[2], added[0], added[1]));
+    EXPECT_THAT(Stored(), ElementsAre(added[0], added[2]));
     pane->Widget().ShowPage("quickAccess");
     FieldPage* page = pane->Widget().CurrentFieldPage();
     ASSERT_NE(page, nullptr);
     EXPECT_NE(page->RowOf(added[2]), nullptr);
-    EXPECT_EQ(page->RowCount(), 4U) << "the page size stands above";
+    EXPECT_EQ(page->RowCount(), 3U) << "the page size stands above";
 }
 
 TEST_F(QuickAccessTest, CancelKeepsWhatWasAndAGoneRootTakesTheDialogWithIt) {
     const auto before = Dialog().Chosen();
-    ASSERT_THAT(before, Not(IsEmpty()));
-    Dialog().ChosenList()->selectAll();
-    QTest::mouseClick(Dialog().RemoveButton(), Qt::LeftButton);
-    Sheet().doButtonCancelClicked();
+    ASSERT_GE(before.size(), 5U);
+    auto* list = Dialog().ChosenList();
+    for (const int row : {static_cast<int>(before.size()) - 1, 0}) {
+        list->setCurrentRow(row);
+        QTest::keyClick(list, Qt::Key_Delete);
+        QTest::keyClick(list, Qt::Key_Delete); // removes the neighbour
+    }
+    EXPECT_EQ(Dialog().Chosen(), std::vector(before.begin() + 2, before.end() - 2));
+    Press("Cancel");
     EXPECT_FALSE(Sheet().validWindowSessionRunning());
     EXPECT_EQ(Dialog().Chosen(), before);
     delete pane->Root();

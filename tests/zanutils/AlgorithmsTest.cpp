@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <gtest/gtest.h>
 #include <string>
 
 namespace torka {

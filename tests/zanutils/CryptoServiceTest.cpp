@@ -3,7 +3,6 @@
 #include "ZANUtils/CSSM/CDSACrypto.h"
 #include "ZANUtils/given/QVCFCryptoString.h"
 
-#include <gtest/gtest.h>
 #include <string>
 
 namespace torka {

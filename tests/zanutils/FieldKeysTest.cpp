@@ -98,17 +98,14 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
     ::umask(022); // that of the person could make the files writable for others
     const std::string zan = "var/lib/torka/ZAN";
     const std::string keysName = zan + "/FieldKeys.plist";
-    struct Case {
-        std::string change;  // by the shell, in the root; $Z is the file's folder, $F the file
-        std::string refused; // below the root
-        std::string why;
-    };
+    // change: by the shell, in the root; $Z is the file's folder, $F the file
+    // culprit: below the root
     // The file's folder lies elsewhere, and a link leads to it.
     const auto moved = [](const std::string& folder, const std::string& start) {
         return "mkdir " + folder + "; mv $Z " + folder + "/keys; ln -s " + start + folder + "/keys $Z; ";
     };
     const std::string writable = "others than its owner may write to the ";
-    const Case cases[] = {
+    const std::tuple<std::string, std::string, std::string> cases[] = {
         {"", "", ""},
         {"chmod 664 $F", keysName, writable + "file"},
         {"chmod 646 $F", keysName, writable + "file"},
@@ -125,7 +122,7 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
         {"rm -r $Z; ln -s ZAN $Z", zan, "cannot be read: Too many levels of symbolic links"},
         {"rm $F; mkfifo $F", keysName, "cannot be read"},
     };
-    for (const Case& entry : cases) {
+    for (const auto& [change, culprit, why] : cases) {
         const tests::TemporaryFolder folder; // below a sticky folder, which the walk does not check
         const fs::path root = folder / "root";
         fs::create_directories(root / zan);
@@ -133,19 +130,18 @@ TEST(FieldKeys, RefusesWhatOthersMayReplace) {
         PosixSystemOptions options;
         options.root = root;
         setSystem(std::make_unique<PosixSystem>(options));
-        ASSERT_TRUE(*FieldKeys::LoadInstalled()) << entry.change;
-        ASSERT_EQ(tests::runCommand(
-                      {"sh", "-ec", "cd \"$0\"; Z=" + zan + "; F=" + keysName + "; " + entry.change, root})
-                      .status,
-                  0);
-        const bool isGood = entry.why.empty();
+        ASSERT_TRUE(*FieldKeys::LoadInstalled()) << change;
+        ASSERT_EQ(
+            tests::runCommand({"sh", "-ec", "cd \"$0\"; Z=" + zan + "; F=" + keysName + "; " + change, root})
+                .status,
+            0);
+        const bool isGood = why.empty();
         const Result<void> used = useInstalledFieldKeys();
         const std::string error = used ? "" : used.Why().Line();
-        EXPECT_EQ(static_cast<bool>(used), isGood) << entry.change << ": " << error;
-        EXPECT_EQ(installedFieldKeys() != nullptr, isGood) << entry.change;
-        EXPECT_TRUE(isGood || error.find(entry.refused) != std::string::npos)
-            << entry.change << ": " << error;
-        EXPECT_NE(error.find(entry.why), std::string::npos) << entry.change << ": " << error;
+        EXPECT_EQ(static_cast<bool>(used), isGood) << change << ": " << error;
+        EXPECT_EQ(installedFieldKeys() != nullptr, isGood) << change;
+        EXPECT_TRUE(isGood || error.find(culprit) != std::string::npos) << change << ": " << error;
+        EXPECT_NE(error.find(why), std::string::npos) << change << ": " << error;
     }
     installFieldKeys(nullptr);
     setSystem(nullptr);

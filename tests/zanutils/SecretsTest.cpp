@@ -11,7 +11,6 @@
 #include "tests/support/TestSupport.h"
 
 #include <functional>
-#include <gtest/gtest.h>
 #include <nettle/arcfour.h>
 #include <optional>
 
