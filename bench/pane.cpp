@@ -4,7 +4,7 @@
 // does. It measures from the start of the work (for the pane: reading the description) until the events of
 // the first painting are done: what a person waits for. The painting of the pane includes the picture.
 // "click" sets a choice through the editor, sweeps the constraints and repaints. The window is wide enough
-// for the picture of the job.
+// for the picture of the job. "--pages" prints the memory that all pages of 800 options take, in MB.
 
 #include "bench/FirstRun.h"
 #include "pane/views/FieldPage.h"
@@ -12,6 +12,7 @@
 #include "tests/views/ViewFixture.h"
 
 #include <QApplication>
+#include <QListWidget>
 #include <QPrintDialog>
 #include <QPrinter>
 
@@ -21,8 +22,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 
 using namespace torka;
 using namespace torka::tests;
@@ -86,6 +89,26 @@ double openPane(bool large) {
     return millisecondsSince(begin);
 }
 
+// Of this process, in MB.
+double residentMemory() {
+    long pages = 0;
+    std::ifstream("/proc/self/statm") >> pages >> pages;
+    return static_cast<double>(pages * sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
+double memoryOfPages() {
+    const ScopedMemorySystem system;
+    ViewedPane pane(paneOfFile(largeFile));
+    drawWide(pane);
+    const double before = residentMemory();
+    QListWidget& pages = *pane.Widget().PageList();
+    for (int row = 0; row < pages.count(); ++row) {
+        pages.setCurrentRow(row);
+        QCoreApplication::processEvents();
+    }
+    return residentMemory() - before;
+}
+
 void click(benchmark::State& state, bool large) {
     const ScopedMemorySystem system;
     ViewedPane pane(large ? paneOfFile(largeFile) : samplePane());
@@ -118,6 +141,10 @@ int main(int argc, char** argv) {
         const std::string what = argv[2];
         const double plain = openPlain();
         std::printf("%.3f\n", what == "plain" ? plain : openPane(what == "large"));
+        return 0;
+    }
+    if (argc == 2 && std::strcmp(argv[1], "--pages") == 0) {
+        std::printf("%.1f\n", memoryOfPages());
         return 0;
     }
     const auto first = [](const char* name, const char* what) {

@@ -69,7 +69,7 @@ std::vector<PaneChoice> choicesOf(const PPDXControl& control) {
         choices.reserve(popup->ItemCount());
         popup->ForEachItem([&](const _PopupItem& item) {
             std::string keyword(item.keyword.Buffer() == nullptr ? "" : item.keyword.Buffer());
-            std::string name = shownText(item.LocalName(), keyword);
+            std::string name = shownText(item.localName.Copy(), keyword);
             choices.push_back({std::move(keyword), std::move(name)});
         });
     }

@@ -31,10 +31,17 @@ ChoiceKeyword::ChoiceKeyword(const char* given)
 
 const CFStringRef& ChoiceName::Get() const {
     if (!converted) {
-        TextConverter converter(encoding, nullptr);
-        converted = std::make_unique<const CFStringRef>(converter.ConvertToCFString({bytes, length}));
+        converted = std::make_unique<const CFStringRef>(Copy());
     }
     return *converted;
+}
+
+CFStringRef ChoiceName::Copy() const {
+    if (converted) {
+        return *converted;
+    }
+    TextConverter converter(encoding, nullptr);
+    return converter.ConvertToCFString({bytes, length});
 }
 
 _PopupItem::_PopupItem(const char* optionKeyword, CFStringRef name, const unsigned char* ps, long length)

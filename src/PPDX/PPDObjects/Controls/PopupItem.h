@@ -54,7 +54,10 @@ public:
         , length(static_cast<std::uint32_t>(kept.size()))
         , encoding(encodingOfBytes) {}
 
+    // Converts at the first call and keeps the result.
     const CFStringRef& Get() const;
+    // The same without keeping it. A view copies the names of all choices that it shows.
+    CFStringRef Copy() const;
 
 private:
     mutable std::unique_ptr<const CFStringRef> converted;
