@@ -40,6 +40,10 @@ bool PropertyListFile::Save(const CFArrayRef& newList) {
     if (nothingToSay) {
         return true;
     }
+    error = LoadError();
+    if (error != noErr) { // the new list lacks what is stored
+        return false;
+    }
     const CFDataRef data = CFPropertyListCreateXMLData(newList);
     if (!data) {
         error = memFullErr;

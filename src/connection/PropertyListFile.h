@@ -22,11 +22,13 @@ public:
     virtual ~PropertyListFile();
 
     // False, with Error() set, when the list could not be written or sent. A list equal to the stored one is
-    // not written or sent again; an empty list equals a missing one.
+    // not written or sent again; an empty list equals a missing one. Nothing replaces a list that could not
+    // be read.
     bool Save(const CFArrayRef& newList);
 
-    const CFArrayRef& List() const { return list; } // the stored list; null for none
-    bool Loaded() const { return loaded; }          // the store held a list
+    const CFArrayRef& List() const { return list; }           // the stored list; null for none
+    bool Loaded() const { return loaded; }                    // the store held a list
+    OSStatus LoadError() const { return store->LoadError(); } // PropertyListStore
     // The property list of any kind that was loaded; null for none.
     const CFPropertyListRef& Root() const { return root; }
     OSStatus Error() const { return error; } // of the last Save

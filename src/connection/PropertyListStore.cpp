@@ -31,6 +31,7 @@ public:
         : source(std::move(loadFrom))
         , target(std::move(saveTo)) {}
     std::string Load() override { return source->Load(); }
+    OSStatus LoadError() const override { return source->LoadError(); }
     SaveResult Save(std::string_view xml) override { return target->Save(xml); }
 
 private:
@@ -47,7 +48,9 @@ FilePropertyListStore::FilePropertyListStore(std::filesystem::path file)
 
 std::string FilePropertyListStore::Load() {
     std::string xml;
-    return system().ReadFile(path, maximumFileBytes, xml) ? std::string() : xml;
+    const std::error_code failure = system().ReadFile(path, maximumFileBytes, xml);
+    loadError = failure == std::errc::no_such_file_or_directory ? noErr : failure.value();
+    return failure ? std::string() : xml;
 }
 
 SaveResult FilePropertyListStore::Save(std::string_view xml) {
@@ -68,9 +71,11 @@ QueuePropertyListStore::QueuePropertyListStore(QueueAccess queueAccess)
 std::string QueuePropertyListStore::Load() {
     PMPrinter printer;
     CFURLRef url;
-    const bool known = PMSessionGetCurrentPrinter(queue.session, printer) == noErr &&
-                       PMPrinterCopyDescriptionURL(printer, cfString("PMPPDDescriptionType"), url) == noErr;
-    return known ? readRecord(CFURLCopyFileSystemPath(url)) : std::string();
+    loadError = PMSessionGetCurrentPrinter(queue.session, printer);
+    if (loadError == noErr) {
+        loadError = PMPrinterCopyDescriptionURL(printer, cfString("PMPPDDescriptionType"), url);
+    }
+    return loadError == noErr ? readRecord(CFURLCopyFileSystemPath(url)) : std::string();
 }
 
 SaveResult QueuePropertyListStore::Save(std::string_view xml) {

@@ -36,6 +36,8 @@ public:
     virtual ~PropertyListStore();
     // The stored list as XML text; "" when there is none or it cannot be read.
     virtual std::string Load() = 0;
+    // Why the last Load could not tell whether a list is stored; noErr when it could.
+    virtual OSStatus LoadError() const { return noErr; }
     virtual SaveResult Save(std::string_view xml) = 0;
 };
 
@@ -44,10 +46,12 @@ class FilePropertyListStore final : public PropertyListStore {
 public:
     explicit FilePropertyListStore(std::filesystem::path file);
     std::string Load() override;
+    OSStatus LoadError() const override { return loadError; }
     SaveResult Save(std::string_view xml) override;
 
 private:
     std::filesystem::path path;
+    OSStatus loadError = noErr;
 };
 
 // The record "QVDriverPreference" of a description. Save fails with EROFS, because only the spooler writes
@@ -68,10 +72,12 @@ class QueuePropertyListStore final : public PropertyListStore {
 public:
     explicit QueuePropertyListStore(QueueAccess queueAccess);
     std::string Load() override;
+    OSStatus LoadError() const override { return loadError; }
     SaveResult Save(std::string_view xml) override;
 
 private:
     QueueAccess queue;
+    OSStatus loadError = noErr;
 };
 
 // The store for the running system version. From minor version 7 on, Load reads the queue's description;

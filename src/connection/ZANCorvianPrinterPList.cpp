@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "connection/ZANCorvianPrinterPList.h"
 
+#include "platform/Log.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
@@ -45,6 +46,9 @@ ZANCorvianPrinterPList::ZANCorvianPrinterPList(std::unique_ptr<PropertyListStore
     : PropertyListFile(std::move(listStore)) {
     if (List()) {
         elements = List()->values;
+    }
+    if (LoadError() != noErr) {
+        myNSLogC("The printer's addresses could not be read, and stay as they are.");
     }
 }
 
@@ -215,6 +219,9 @@ bool ZANCorvianPrinterPList::GetDataBlob(const CFStringRef& name, int blockId,
 bool ZANCorvianPrinterPList::Save() {
     const bool saved = PropertyListFile::Save(CFArrayCreate(elements));
     changed = changed && !saved;
+    if (!saved) {
+        myNSLogC("The printer's addresses could not be stored (error %d).", static_cast<int>(Error()));
+    }
     return saved;
 }
 

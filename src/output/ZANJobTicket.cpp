@@ -142,7 +142,7 @@ CFDataRef ZANJobTicket::Save() {
     if (platform::system().MinorVersion() >= firstVersionWithFilterWrites) {
         fileName = CreateRandomFileName("/Library/Caches/ZAN/Torka.temp");
         xmlData = xml;
-        PMPrintSettingsSetValue(settings, pathKey, fileName, false);
+        pathStatus = PMPrintSettingsSetValue(settings, pathKey, fileName, false);
         return xml;
     }
     const CFStringRef path = CreateRandomFileName("/tmp/Torka.temp");
@@ -152,7 +152,7 @@ CFDataRef ZANJobTicket::Save() {
         myNSLogC("The job ticket %s could not be written: %s", utf8Text(path).c_str(),
                  saveError.message().c_str());
     }
-    PMPrintSettingsSetValue(settings, pathKey, path, false);
+    pathStatus = PMPrintSettingsSetValue(settings, pathKey, path, false);
     return xml;
 }
 

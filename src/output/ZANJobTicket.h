@@ -75,9 +75,11 @@ public:
     // Serialises the list and stores the ticket file's path in the print settings. Below minor version 7 of
     // the system, writes the file here (mode 0666). From 7 on, only keeps the name; the filter writes the
     // file. Returns the XML, null for a list that exceeds a file's maximum. A failed write is logged, sets
-    // SaveError() and leaves no file.
+    // SaveError() and leaves no file. PathStatus() tells whether the print settings took the path: without it
+    // the job has no ticket.
     CFDataRef Save();
     std::error_code SaveError() const { return saveError; }
+    OSStatus PathStatus() const { return pathStatus; }
 
     // Returns the prefix followed by a new UUID. `buffer` may be null; else it holds 256 bytes and gets the
     // name as UTF-8, cut to fit.
@@ -105,6 +107,7 @@ private:
     CFDataRef xmlData;
     std::vector<std::size_t> protectedEntries; // indexes of entries, ascending
     std::error_code saveError;
+    OSStatus pathStatus = noErr;
 };
 
 } // namespace torka

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/Printing.h"
 
+#include "platform/Log.h"
+
 namespace torka::platform {
 
 PrintSettings::~PrintSettings() = default;
@@ -19,7 +21,15 @@ OSStatus PMPrintSettingsGetValue(const PMPrintSettings& settings, const CFString
 
 OSStatus PMPrintSettingsSetValue(const PMPrintSettings& settings, const CFStringRef& key,
                                  const CFTypeRef& value, bool locked) {
-    return settings && key ? settings->SetValue(key, value, locked) : kPMInvalidParameter;
+    if (!settings || !key) {
+        return kPMInvalidParameter;
+    }
+    const OSStatus status = settings->SetValue(key, value, locked);
+    if (status != noErr) { // most callers go on with the next setting
+        myNSLogC("The print settings do not take %s (error %d).", utf8Text(key).c_str(),
+                 static_cast<int>(status));
+    }
+    return status;
 }
 
 OSStatus PMPrintSettingsCopyAsDictionary(const PMPrintSettings& settings, CFDictionaryRef& dictionary) {

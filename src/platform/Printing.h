@@ -99,6 +99,7 @@ public:
 using PMPrintSession = std::shared_ptr<PrintSession>;
 
 OSStatus PMPrintSettingsGetValue(const PMPrintSettings& settings, const CFStringRef& key, CFTypeRef& value);
+// Logs the key of a value that the settings do not take.
 OSStatus PMPrintSettingsSetValue(const PMPrintSettings& settings, const CFStringRef& key,
                                  const CFTypeRef& value, bool locked);
 OSStatus PMPrintSettingsCopyAsDictionary(const PMPrintSettings& settings, CFDictionaryRef& dictionary);

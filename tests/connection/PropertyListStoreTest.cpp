@@ -23,6 +23,7 @@ std::string listXml(const std::string& address) {
 class ListStoreTest : public ::testing::Test {
 protected:
     ListStoreTest() {
+        printer->ppdPath = folder / "no-record.ppd";
         spooler->destinations = {{printer->name, destinationStateIdle, true}};
         printer->onSend = [this](const MemoryPrinter::SentCommand& command) {
             spooler->jobs.push_back({++jobs, utf8Text(command.title), printer->name, jobState});

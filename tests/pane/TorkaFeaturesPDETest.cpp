@@ -416,8 +416,12 @@ TEST(Panel, NoJobLosesItsSettingsInSilence) {
     ASSERT_EQ(bench.alerts->shown.size(), 2U);
     EXPECT_EQ(bench.alerts->shown[1].informative, "The print queue did not take them.");
     bench.dialog->printer->sendResult = noErr;
+    bench.dialog->settings->setResult = kPMGeneralError; // the job does not name its ticket
     EXPECT_TRUE(panel->shouldPrint());
-    EXPECT_EQ(bench.alerts->shown.size(), 2U);
+    EXPECT_EQ(bench.alerts->shown.size(), 3U);
+    bench.dialog->settings->setResult = noErr;
+    EXPECT_TRUE(panel->shouldPrint());
+    EXPECT_EQ(bench.alerts->shown.size(), 3U);
     EXPECT_THAT(bench.SentTitles(), testing::Contains("Command_WritePSTemp"));
 }
 

@@ -12,13 +12,16 @@ template <class Double, auto put>
 class ScopedDouble {
 public:
     ScopedDouble() {
-        auto made = std::make_unique<Double>();
+        auto made = make();
         object = made.get();
         put(std::move(made));
     }
     ScopedDouble(const ScopedDouble&) = delete;
     ScopedDouble& operator=(const ScopedDouble&) = delete;
     ~ScopedDouble() { put(nullptr); }
+
+    // Makes the double. A test can replace it to put a derived one.
+    static inline std::unique_ptr<Double> (*make)() = [] { return std::make_unique<Double>(); };
 
     Double* operator->() const { return object; }
     Double& operator*() const { return *object; }

@@ -50,11 +50,14 @@ std::filesystem::path personalFile(std::string_view kind, const CFStringRef& pri
     return system().ConfigFolder() / "torka" / kind / fileNameFor(utf8Text(printerName));
 }
 
-CFDictionaryRef readPersonalFile(const std::filesystem::path& file) {
+CFDictionaryRef readPersonalFile(const std::filesystem::path& file, std::error_code* toldFailure) {
     std::string xml;
     const std::error_code failure = system().ReadFile(file, maximumFileBytes, xml);
     if (failure == std::errc::no_such_file_or_directory) {
         return nullptr;
+    }
+    if (toldFailure != nullptr) {
+        *toldFailure = failure;
     }
     std::string reason = failure.message();
     CFDictionaryRef root;
@@ -100,7 +103,11 @@ std::optional<std::vector<std::string>> PersonalLists::Read(std::u16string_view 
 }
 
 bool PersonalLists::Write(std::u16string_view list, const std::vector<std::string>& rows) const {
-    const CFDictionaryRef before = readPersonalFile(file);
+    std::error_code failure;
+    const CFDictionaryRef before = readPersonalFile(file, &failure);
+    if (failure) {
+        return false;
+    }
     std::vector<CFDictionary::Pair> content;
     for (const std::u16string_view each : {quickAccess, watermarks}) {
         if (const CFTypeRef kept = CFDictionaryGetValue(before, each); kept && each != list) {

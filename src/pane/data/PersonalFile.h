@@ -17,8 +17,9 @@ namespace torka {
 // The file of a printer in the folder `kind` ("presets", "lists"). Any printer name gives one file name.
 std::filesystem::path personalFile(std::string_view kind, const CFStringRef& printerName);
 
-// The file's dictionary; null for a missing file and for one that is damaged, which the log names.
-CFDictionaryRef readPersonalFile(const std::filesystem::path& file);
+// The file's dictionary; null for a missing file and for one that is damaged, which the log names. `failure`
+// (may be null) tells that a file is there and cannot be read: do not replace it then.
+CFDictionaryRef readPersonalFile(const std::filesystem::path& file, std::error_code* failure = nullptr);
 
 // Writes the file whole or not at all, with mode 0600. The log tells why it cannot.
 std::error_code writePersonalFile(const std::filesystem::path& file, const CFDictionaryRef& content);

@@ -117,7 +117,7 @@ PresetStore::PresetStore(const CFStringRef& printerName, ZANPPD& description, PD
 
 PresetStore::Content PresetStore::Read() const {
     Content content;
-    const CFDictionaryRef root = readPersonalFile(file);
+    const CFDictionaryRef root = readPersonalFile(file, &content.failure);
     if (!root) {
         return content;
     }
@@ -135,6 +135,9 @@ PresetStore::Content PresetStore::Read() const {
 }
 
 PresetStore::Result PresetStore::Write(const Content& content) const {
+    if (content.failure) {
+        return Result::notWritten;
+    }
     std::vector<CFTypeRef> presets;
     for (const Preset& preset : content.presets) {
         presets.push_back(

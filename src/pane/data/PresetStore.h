@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace torka {
@@ -31,7 +32,7 @@ public:
         nameTaken,  // another set has the new name
         notFound,   // no set of that name
         full,       // maximumPresets are kept
-        notWritten, // the file could not be written; it is unchanged
+        notWritten, // the file could not be read or written; it is unchanged
     };
 
     PresetStore(const CFStringRef& printerName, ZANPPD& model, PDEData& paneData);
@@ -67,6 +68,7 @@ private:
     struct Content {
         std::vector<Preset> presets;
         CFDictionaryRef lastUsed; // null for none
+        std::error_code failure;  // the file is there and cannot be read
     };
 
     Content Read() const;

@@ -69,8 +69,12 @@ void sendDeferred(const std::shared_ptr<DeferredCommands>& deferred, const Queue
     if (const std::string language = std::exchange(deferred->language, {}); !language.empty()) {
         PMPrinter printer;
         PMSessionGetCurrentPrinter(queue.session, printer);
-        PMPrinterSendCommand(printer, cfString(language), cfString(commandTitle(SpoolerCommand::localeCode)),
-                             nullptr);
+        const OSStatus status = PMPrinterSendCommand(
+            printer, cfString(language), cfString(commandTitle(SpoolerCommand::localeCode)), nullptr);
+        if (status != noErr) {
+            myNSLogC("The person's language could not be sent to the queue (error %d).",
+                     static_cast<int>(status));
+        }
     }
 }
 

@@ -30,6 +30,7 @@ class PaneAddressStore final : public PropertyListStore {
 public:
     PaneAddressStore(QueueAccess queueAccess, std::shared_ptr<DeferredCommands> deferredCommands);
     std::string Load() override;
+    OSStatus LoadError() const override { return deferred->addressList ? noErr : store->LoadError(); }
     SaveResult Save(std::string_view xml) override;
 
 private:
@@ -38,8 +39,8 @@ private:
     std::shared_ptr<DeferredCommands> deferred;
 };
 
-// Sends the commands that were held back; later commands are sent at once. A command that fails is sent again
-// at the next call. Without waiting, the address list is only handed to the spooler.
+// Sends the commands that were held back; later commands are sent at once. An address list that fails is sent
+// again at the next call. Without waiting, the address list is only handed to the spooler.
 void sendDeferred(const std::shared_ptr<DeferredCommands>& deferred, const QueueAccess& queue,
                   SavesWait waits);
 

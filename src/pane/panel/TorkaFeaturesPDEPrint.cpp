@@ -156,10 +156,10 @@ bool TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
              LocalizedString("NO_MEMORY_INFO", "There is not enough memory for all of its settings."));
         return false;
     }
-    if (system().MinorVersion() < firstVersionWithSentTicket) {
-        return true;
+    OSStatus status = jobTicket.PathStatus();
+    if (status == noErr && system().MinorVersion() >= firstVersionWithSentTicket) {
+        status = sendTicketAhead(self.printer, jobTicket.FileName(), list);
     }
-    const OSStatus status = sendTicketAhead(self.printer, jobTicket.FileName(), list);
     if (status != noErr) { // the filter stops the job; another one may print it without its settings
         myNSLogC("Queue %s, error %d:", utf8Text(PMPrinterGetName(self.printer)).c_str(),
                  static_cast<int>(status));
@@ -182,9 +182,15 @@ void TorkaFeaturesPDE::WritePopupPreferences() {
         return;
     }
     const std::string now = popupJobNotePreferences(*self.myppd);
-    if (now != popupPreferences && QVPDEDataWrite(self.printer, now) == noErr) {
-        popupPreferences = now;
+    if (now == popupPreferences) {
+        return;
     }
+    if (const OSStatus status = QVPDEDataWrite(self.printer, now); status != noErr) {
+        myNSLogC("The queue did not take the preferences of the popup notes (error %d).",
+                 static_cast<int>(status));
+        return;
+    }
+    popupPreferences = now;
 }
 
 // Tells the person which notes stay out of the job because they could not be protected, and which settings

@@ -13,7 +13,7 @@ namespace torka::platform {
 
 // A network in memory with the answers that a test sets. Its clock moves only while a caller waits for a
 // datagram. Public members may be changed at any time. Not thread-safe. Must outlive its sockets.
-class MemoryNetServices final : public NetServices {
+class MemoryNetServices : public NetServices {
 public:
     using Bytes = std::vector<std::uint8_t>;
     struct Sent {

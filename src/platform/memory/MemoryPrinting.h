@@ -14,7 +14,7 @@
 
 namespace torka::platform {
 
-class MemoryPrintSettings final : public PrintSettings {
+class MemoryPrintSettings : public PrintSettings {
 public:
     CFTypeRef Value(const CFStringRef& key) const override;
     OSStatus SetValue(const CFStringRef& key, const CFTypeRef& value, bool locked) override;
@@ -48,7 +48,7 @@ public:
     std::uint16_t orientation;
 };
 
-class MemoryPrinter final : public Printer {
+class MemoryPrinter : public Printer {
 public:
     struct SentCommand {
         CFStringRef command;
@@ -95,7 +95,7 @@ public:
     std::function<void()> onStateAsked;
 };
 
-class MemorySession final : public PrintSession {
+class MemorySession : public PrintSession {
 public:
     explicit MemorySession(PMPrinter currentPrinter = nullptr)
         : printer(std::move(currentPrinter)) {}

@@ -9,7 +9,7 @@
 namespace torka::platform {
 
 // A spooler in memory. Its public members may be changed at any time. Not thread-safe.
-class MemorySpooler final : public Spooler {
+class MemorySpooler : public Spooler {
 public:
     bool GetJobs(std::vector<SpoolerJob>& list) override;
     std::string JobMessage(int job) override { return messages[job]; }

@@ -14,7 +14,7 @@ namespace torka::platform {
 // only in sleeps.
 //
 // Owns its files. Tests may change the public members at any time. Not thread-safe.
-class MemorySystem final : public System {
+class MemorySystem : public System {
 public:
     struct File {
         std::string content;
