@@ -179,7 +179,7 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
         EXPECT_THAT(settings("show").output, HasSubstr(text));
     }
     EXPECT_EQ(settings("clear", {"QVGamma"}).status, 0);
-    EXPECT_THAT(settings("show").output, Not(HasSubstr("QVGamma")));
+    EXPECT_THAT(settings("show").output, testing::AllOf(Not(HasSubstr("QVGamma")), HasSubstr("QVScale=50")));
     EXPECT_EQ(settings("clear").status, 0);
     EXPECT_EQ(readFile(file), others + "Dest Standing copies=1 page-left=\"1 2\"\n");
     std::filesystem::remove(file);

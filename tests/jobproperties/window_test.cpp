@@ -206,26 +206,44 @@ TEST_F(ModuleWindow, SaysWhatWasReviewed) {
         const auto check = [&](const char* name) {
             return [&dialog, name] { dynamic_cast<QAbstractButton&>(named(dialog, name)).click(); };
         };
+        const auto write = [&dialog](const char* font) {
+            for (auto* box : dialog.findChildren<QComboBox*>()) {
+                if (box->isEditable()) {
+                    box->setCurrentText(font);
+                }
+            }
+        };
         std::vector<std::pair<std::string, std::function<void()>>> actions{{"opened", [] {}}};
         for (int row = 1; row < pages.count(); ++row) {
             actions.emplace_back("page " + pages.item(row)->text().toStdString(), show(row));
         }
         const std::vector<std::pair<std::string, std::function<void()>>> more{
             {"add a watermark", check("Add a watermark")},
+            {"each font",
+             [&] {
+                 std::map<QString, QImage> looks;
+                 for (const char* font : {"Courier", "Times-Italic", "Times-Roman", "Helvetica",
+                                          "Helvetica-Oblique", "Helvetica-Bold"}) {
+                     write(font);
+                     for (auto* widget : dialog.findChildren<QWidget*>()) {
+                         if (widget->accessibleName() == "Preview") {
+                             const QImage look = widget->grab().toImage();
+                             for (const auto& [other, others] : looks) {
+                                 EXPECT_NE(look, others) << font << other.toStdString();
+                             }
+                             looks[font] = look;
+                         }
+                     }
+                 }
+                 EXPECT_EQ(looks.size(), 6U);
+             }},
             {"size", points("Size:", 36)},
             {"right", points("Shift right:", -20000)},
             {"up", points("Shift up:", 20001)},
             {"angle", [&] { dynamic_cast<QDoubleSpinBox&>(named(dialog, "Angle:")).setValue(-12.34); }},
             {"clear", check("Clear toner, no color")},
             {"first page", check("On the first page only")},
-            {"font",
-             [&] {
-                 for (auto* box : dialog.findChildren<QComboBox*>()) {
-                     if (box->isEditable()) {
-                         box->setCurrentText("Courier");
-                     }
-                 }
-             }},
+            {"font", [&] { write("Courier"); }},
             {"text", [&] { QTest::keyClicks(&named(dialog, "Text:"), " 2 "); }},
             {"add another", check("Add a watermark")},
             {"print it",

@@ -395,6 +395,8 @@ TEST(Sentences, NamesOfPresets) {
         return std::string(told.button->english) + (told.canAccept ? "+" : "-") + told.hint;
     };
     EXPECT_THAT(state("", "New", "New"), StartsWith("&Save+Passwords"));
+    EXPECT_THAT(state("", "New~", "New~"), StartsWith("&Save+Passwords"));
+    EXPECT_THAT(state("", "New\x7F", "New"), StartsWith("&Save-A name has"));
     EXPECT_EQ(state("", "", ""), "&Save-Passwords and protected notes are not kept in presets.");
     EXPECT_EQ(state("", "One ", "One"), "&Replace+There is a preset of this name. Replace it?");
     EXPECT_THAT(state("", "  ", ""), StartsWith("&Save-A name has"));
