@@ -162,6 +162,8 @@ TEST_F(AddressSheetTest, SortsByHeaderAndMenu) {
     menu->actions().at(1)->trigger();
     EXPECT_EQ(Cell(0, 1), "10.0.0.10");
     EXPECT_EQ(header->sortIndicatorOrder(), Qt::DescendingOrder);
+    menu->actions().at(0)->trigger();
+    EXPECT_EQ(Cell(0, 0), "a");
     menu->close();
 }
 

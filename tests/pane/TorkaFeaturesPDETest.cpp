@@ -510,7 +510,8 @@ TEST(Panel, TheWaitForTheServerKeepsTheAddress) {
         EXPECT_EQ(utf8Text(data.GetCorvianPrinterAddress()), address) << "the queue's own or the stored one";
         EXPECT_EQ(valueOf(*panel, "*QVFold"), begun == 0 ? "Half" : "Flat");
         if (data.isBIDIEnabled()) {
-            EXPECT_THAT(utf8Text(bench.dialog->printer->sent.back().command), HasSubstr("keys=*QVDuplex"));
+            EXPECT_THAT(utf8Text(bench.dialog->printer->sent.back().command),
+                        testing::AllOf(HasSubstr("keys=*QVDuplex"), HasSubstr("locale=" + gServerLanguage)));
             set(*panel, "*PresetName", "Glossy");
             panel->GetUI_PanelPtr()->GetsBonjourModuleController()->setprinterIPField(cfString("10.0.0.10"));
             panel->launchFullProperties();

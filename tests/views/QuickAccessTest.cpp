@@ -8,6 +8,7 @@
 
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -121,6 +122,7 @@ TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndMouseAndKeepsThemOnOK) {
     EXPECT_THAT(Stored(), IsEmpty()) << "nothing before OK";
     Press("OK");
     EXPECT_FALSE(Sheet().validWindowSessionRunning());
+    EXPECT_EQ(pane->Root()->findChild<QMessageBox*>(), nullptr) << "nothing to tell";
     EXPECT_THAT(Stored(), ElementsAre(added[0], added[2]));
     pane->Widget().ShowPage("quickAccess");
     FieldPage* page = pane->Widget().CurrentFieldPage();
