@@ -154,6 +154,7 @@ TEST_F(ZANPPDModel, SettingsGiveTheDescriptionBack) {
             PPDXControl* other = find(back, control->Keyword());
             ASSERT_TRUE(other) << control->Keyword();
             EXPECT_EQ(other->Type(), control->Type());
+            EXPECT_EQ(utf8Text(other->CFStringUserName()), utf8Text(control->CFStringUserName()));
             EXPECT_EQ(postScriptOf(*other), postScriptOf(*control)) << control->Keyword();
             ASSERT_EQ(!other->GetParent(), !control->GetParent()) << control->Keyword();
             EXPECT_TRUE(!control->GetParent() || *other->GetParent() == *control->GetParent());
