@@ -154,6 +154,15 @@ TEST(Presets, WhatCannotBeWrittenOrReadLosesNothing) {
     EXPECT_EQ(kept.File(), before);
     EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("could not be written")));
     kept.system->writeFailure = {};
+    std::string& file = kept.system->files[kept.store.File()].content;
+    file.append(std::size_t{16} * 1024 * 1024, '\n'); // longer than what is read
+    for (const Result told : {kept.store.Save("B"), kept.store.Apply("A"), kept.store.Rename("A", "C"),
+                              kept.store.Remove("A"), kept.store.ApplyLastUsed()}) {
+        EXPECT_EQ(told, Result::notRead);
+    }
+    EXPECT_TRUE(file.starts_with(before) && file.size() > before.size()) << "unchanged";
+    file = before;
+    EXPECT_EQ(kept.store.Apply("A"), Result::done);
 
     const std::string start = R"(<?xml version="1.0"?><plist version="1.0">)";
     for (const std::string& broken :

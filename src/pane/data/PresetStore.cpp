@@ -134,9 +134,13 @@ PresetStore::Content PresetStore::Read() const {
     return content;
 }
 
+PresetStore::Result PresetStore::NotThere(const Content& content) {
+    return content.failure ? Result::notRead : Result::notFound;
+}
+
 PresetStore::Result PresetStore::Write(const Content& content) const {
     if (content.failure) {
-        return Result::notWritten;
+        return Result::notRead;
     }
     std::vector<CFTypeRef> presets;
     for (const Preset& preset : content.presets) {
@@ -250,7 +254,7 @@ PresetStore::Result PresetStore::Apply(std::string_view name) {
     const Content content = Read();
     const auto place = findPreset(content.presets, cfString(name));
     if (place == content.presets.end()) {
-        return Result::notFound;
+        return NotThere(content);
     }
     ApplySettings(place->settings);
     return Result::done;
@@ -264,7 +268,7 @@ PresetStore::Result PresetStore::Rename(std::string_view from, std::string_view 
     Content content = Read();
     const auto place = findPreset(content.presets, cfString(from));
     if (place == content.presets.end()) {
-        return Result::notFound;
+        return NotThere(content);
     }
     const auto taken = findPreset(content.presets, newName);
     if (taken != content.presets.end() && taken != place) {
@@ -278,7 +282,7 @@ PresetStore::Result PresetStore::Remove(std::string_view name) {
     Content content = Read();
     const auto place = findPreset(content.presets, cfString(name));
     if (place == content.presets.end()) {
-        return Result::notFound;
+        return NotThere(content);
     }
     content.presets.erase(place);
     return Write(content);
@@ -293,7 +297,7 @@ PresetStore::Result PresetStore::RememberLastUsed() {
 PresetStore::Result PresetStore::ApplyLastUsed() {
     const Content content = Read();
     if (!content.lastUsed) {
-        return Result::notFound;
+        return NotThere(content);
     }
     ApplySettings(content.lastUsed);
     return Result::done;

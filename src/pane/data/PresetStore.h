@@ -32,7 +32,8 @@ public:
         nameTaken,  // another set has the new name
         notFound,   // no set of that name
         full,       // maximumPresets are kept
-        notWritten, // the file could not be read or written; it is unchanged
+        notRead,    // the file could not be read; it is unchanged
+        notWritten, // the file could not be written; it is unchanged
     };
 
     PresetStore(const CFStringRef& printerName, ZANPPD& model, PDEData& paneData);
@@ -72,6 +73,7 @@ private:
     };
 
     Content Read() const;
+    static Result NotThere(const Content& content);
     Result Write(const Content& content) const;
     void ApplySettings(const CFDictionaryRef& settings);
 

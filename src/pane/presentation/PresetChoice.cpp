@@ -77,6 +77,8 @@ std::string PresetChoice::Problem(PresetStore::Result result, const std::string&
         return texts.Say(words::presetTaken);
     case PresetStore::Result::full:
         return texts.Say(words::presetFull);
+    case PresetStore::Result::notRead:
+        return texts.Say(words::presetNotRead, store.File().string());
     case PresetStore::Result::notWritten:
         return texts.Say(words::presetNotWritten, store.File().string());
     case PresetStore::Result::notFound: { // another dialog has removed it
