@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 
-
 // Tests the copy of the description, the controller's address, queries about controls, quick access,
 // watermarks and the settings without a control.
 
