@@ -169,6 +169,7 @@ TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
     configure(hidden, "ticket-names: open: whoever gives the owner's name");
     const std::string limit = "<Limit Validate-Job Get-Jobs>\nAuthType Basic\nRequire valid-user\n</Limit>\n";
     configure(replaced(hidden, "<Limit All>", limit + "<Limit All>"), "sender-names: closed");
+    EXPECT_EQ(states()["ticket-names"], "closed");
     const std::filesystem::path keys = *sandbox / "root/var/lib/torka/ZAN";
     EXPECT_EQ(runTool({"queue", "check", "Checked"}).status, 1) << "no keys";
     std::filesystem::create_directories(keys);
