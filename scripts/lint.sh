@@ -45,10 +45,11 @@ fi
 
 if "$tidy" && [ "$#" -eq 0 ]; then
     # Most of a file's time goes into headers. The batches of the unity build read them once for several files.
+    # The filter of headers begins at this folder, because generated headers lie below build/.
     cmake --preset tidy >/dev/null
     cmake --build --preset tidy --target torka_portal_adaptors >/dev/null
     sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' build/tidy/compile_commands.json |
-        grep -e '/Unity/' -e "^$PWD/\(src\|jobproperties\)/" | grep -v '/build/tidy/\(tests\|fuzz\|bench\)/' |
+        grep -e '/Unity/' -e "^$PWD/\(src\|apps\|spooler\|jobproperties\|bundle\)/" | grep -v '/build/tidy/\(tests\|fuzz\|bench\)/' |
         xargs -P "$(nproc)" -n 1 clang-tidy-14 -p build/tidy --quiet --checks=-bugprone-suspicious-include \
             --header-filter="^$PWD/(src|apps|spooler|jobproperties|bundle)/"
 elif "$tidy"; then
