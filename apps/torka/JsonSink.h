@@ -53,7 +53,7 @@ private:
     bool hasKey = false; // the value's place is begun
 };
 
-// NOLINTNEXTLINE(bugprone-exception-escape): moving a Json only asserts what it is
+// NOLINTNEXTLINE(bugprone-exception-escape): the move of a Json asserts and throws nothing
 class JsonTree final : public JsonSink {
 public:
     void BeginObject() override { Begin(Json::object()); }

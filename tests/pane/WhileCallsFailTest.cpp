@@ -36,7 +36,8 @@ std::string xmlOf(const CFTypeRef& value) {
     return {CFDataGetBytes(xml).begin(), CFDataGetBytes(xml).end()};
 }
 
-// Failures change the number of UUIDs. The data of a ticket follow it as they are.
+// Replaces UUIDs, because a failure changes how many are made before. Appends the decoded data of a ticket,
+// so that a secret in it is found.
 std::string comparable(std::string text) {
     const auto ticket = cfCast<CFArray>(fromXml(text));
     for (CFIndex i = 1; i < CFArrayGetCount(ticket); i += 2) {
@@ -135,7 +136,8 @@ Remains life(const std::string& description, std::size_t first, bool staysBroken
 
 class WhileCallsFail : public ::testing::TestWithParam<bool> {}; // with two-way communication
 
-// Where all settings are stored, each 32nd call and the last one fail.
+// Of a row of SetValue calls only each 32nd and the last one fail: there are 500, and each failure takes a
+// life.
 TEST_P(WhileCallsFail, NothingIsLostInSilence) {
     const auto usualSystem = ScopedMemorySystem::make;
     const auto usualSpooler = ScopedSpooler::make;

@@ -200,7 +200,7 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
     const auto line = [](const std::string& why, const std::vector<std::string>& names) {
         std::string text;
         for (const std::string& name : names) {
-            (text.empty() ? text.append(why).append(" ") : text.append(", ")).append(name);
+            text.append(text.empty() ? std::string_view(why) : ",").append(" ").append(name);
         }
         return text;
     };

@@ -11,7 +11,7 @@
 #include <avahi-common/error.h>
 #include <avahi-common/timeval.h>
 
-// NOLINTBEGIN(bugprone-macro-parentheses): types and lists stand in no parentheses of their own
+// NOLINTBEGIN(bugprone-macro-parentheses): a type in parentheses does not compile
 #define FORWARD(Result, name, parameters, arguments)                                                         \
     Result name parameters {                                                                                 \
         static const auto function = reinterpret_cast<Result(*) parameters>(                                 \

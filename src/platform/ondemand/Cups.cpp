@@ -9,7 +9,7 @@
 #include <cups/cups.h>
 #include <cups/ppd.h>
 
-// NOLINTBEGIN(bugprone-macro-parentheses): types and lists stand in no parentheses of their own
+// NOLINTBEGIN(bugprone-macro-parentheses): a type in parentheses does not compile
 #define FORWARD(Result, name, parameters, arguments)                                                         \
     Result name parameters {                                                                                 \
         static const auto function =                                                                         \
