@@ -30,7 +30,10 @@ class HiddenPages final : public std::pmr::memory_resource {
     bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
 };
 
-constexpr std::size_t maximumPooled = 4096; // bytes; larger blocks have pages of their own
+// Larger blocks have pages of their own. Smaller ones stay, wiped, for the next one: a fresh page costs
+// several times what its wipe costs. In bytes.
+constexpr std::size_t maximumPooled = 262144;
+constexpr std::size_t pageSize = 4096;
 
 std::pmr::memory_resource& memoryFor(std::size_t size) {
     if constexpr (hasAddressSanitizer) {
@@ -47,7 +50,7 @@ std::pmr::memory_resource& memoryFor(std::size_t size) {
 
 void* allocateSecret(std::size_t size) {
     void* memory = memoryFor(size).allocate(size);
-    if (size > maximumPooled) {
+    if (size > pageSize) {
         takePages(memory, size); // freeSecret touches every page, if nobody else does
     }
     return memory;

@@ -9,9 +9,11 @@
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <cwchar>
 #include <limits>
+#include <optional>
 #include <unordered_map>
 
 namespace torka {
@@ -24,7 +26,8 @@ const wchar_t* orEmpty(const wchar_t* text) { return text ? text : L""; }
 // Reads a wide text only as far as it fits the field, because the module's text may lack its terminator.
 void writeText(std::span<char> field, const wchar_t* text, bool lettersForMarks) {
     FieldWriter writer(field);
-    for (const wchar_t* unit = orEmpty(text); *unit != L'\0' && !writer.IsFull(); ++unit) {
+    text = orEmpty(text);
+    for (const wchar_t* unit = text + writer.AppendAscii(text); *unit != L'\0' && !writer.IsFull(); ++unit) {
         if (lettersForMarks && *unit == wideMark.front()) {
             writer.Append(markLetters);
         } else {
@@ -42,23 +45,40 @@ bool isPresetName(std::string_view key) {
     return key == "PresetName";
 }
 
-// Whether a value of the record differs from what the module returned under the same key. A key may occur
-// more than once: an entry is compared with the one in the same place first.
-bool differsFromModule(const SharedMemoryList& record, const SharedMemoryList& fromModule) {
+// Whether two fields hold the same text.
+template <std::size_t size>
+bool sameField(const std::array<char, size>& one, const std::array<char, size>& other) {
+    return std::strncmp(one.data(), other.data(), size) == 0;
+}
+
+// The first place of each key in the record.
+std::unordered_map<std::string_view, std::size_t> firstPlaces(const SharedMemoryList& record) {
     std::unordered_map<std::string_view, std::size_t> places;
-    const std::size_t returned = entryCount(fromModule);
-    places.reserve(returned);
-    for (std::size_t i = 0; i < returned; ++i) {
-        places.emplace(entryKey(fromModule, i), i);
+    const std::size_t count = entryCount(record);
+    places.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        places.emplace(entryKey(record, i), i);
     }
+    return places;
+}
+
+// Whether a value of the record differs from what the module returned under the same key. A key may occur
+// more than once: an entry is compared with the one in the same place first. Few entries need the places of
+// all keys.
+bool differsFromModule(const SharedMemoryList& record, const SharedMemoryList& fromModule) {
+    std::optional<std::unordered_map<std::string_view, std::size_t>> places;
+    const std::size_t returned = entryCount(fromModule);
     const std::size_t count = entryCount(record);
     for (std::size_t i = 0; i < count; ++i) {
-        if (i < returned && entryKey(record, i) == entryKey(fromModule, i) &&
-            entryValue(record, i) == entryValue(fromModule, i)) {
+        if (i < returned && sameField(record.keys[i], fromModule.keys[i]) &&
+            sameField(record.values[i], fromModule.values[i])) {
             continue;
         }
-        const auto found = places.find(entryKey(record, i));
-        if (found != places.end() && entryValue(record, i) != entryValue(fromModule, found->second)) {
+        if (!places) {
+            places = firstPlaces(fromModule);
+        }
+        const auto found = places->find(entryKey(record, i));
+        if (found != places->end() && entryValue(record, i) != entryValue(fromModule, found->second)) {
             return true;
         }
     }
@@ -196,11 +216,8 @@ void Create_SDMList_From_SharedMemoryList(KeyValueList& out, const SharedMemoryL
     const std::size_t count = entryCount(record);
     const auto extra =
         static_cast<std::size_t>(std::clamp<long>(fieldNumber(record.extraCount), 0, exchangeEntryLimit));
-    std::size_t characters = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        characters += entryKey(record, i).size() + entryValue(record, i).size();
-    }
-    out.Reserve(count + extra, characters); // one block
+    constexpr std::size_t usualCharacters = 32; // more take another block
+    out.Reserve(count + extra, count * usualCharacters);
     for (std::size_t i = 0; i < count; ++i) {
         const std::string_view value = entryValue(record, i);
         if (value.starts_with(markLetters)) {

@@ -72,6 +72,17 @@ void FieldWriter::Append(std::string_view piece) {
     used += piece.size();
 }
 
+std::size_t FieldWriter::AppendAscii(const wchar_t* text) {
+    const std::span<char> room = full ? std::span<char>() : field.subspan(used);
+    std::size_t length = 0;
+    while (length < room.size() && text[length] > L'\0' && text[length] < 0x80) {
+        room[length] = static_cast<char>(text[length]);
+        ++length;
+    }
+    used += length;
+    return length;
+}
+
 void FieldWriter::Finish() {
     std::fill(field.begin() + static_cast<std::ptrdiff_t>(used), field.end(), '\0');
 }

@@ -28,6 +28,8 @@ public:
         }
     }
     void Append(std::string_view piece);
+    // Appends the ASCII characters at the start of the text, as many as fit. Returns their number.
+    std::size_t AppendAscii(const wchar_t* text);
     // Zeroes the rest of the field.
     void Finish();
 
