@@ -3,11 +3,23 @@
 
 #include "apps/common/OutsideText.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 namespace torka::dialog {
+
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    using namespace std::string_view_literals;
+    constexpr std::array texts{"-h"sv, "--help"sv, "--help-all"sv, "-v"sv, "--version"sv};
+    if (argc == 2 && std::ranges::find(texts, argv[1]) != texts.end()) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    return std::make_unique<QApplication>(argc, argv);
+}
 
 void processCommandLine(QCommandLineParser& parser, const QString& helpEnd) {
     if (!parser.parse(QCoreApplication::arguments())) {

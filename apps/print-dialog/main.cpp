@@ -12,7 +12,6 @@
 #include "platform/cups/CupsQueue.h"
 #include "platform/posix/InstalledSystem.h"
 
-#include <QApplication>
 #include <QCommandLineParser>
 #include <QPrinter>
 #include <cstdio>
@@ -72,7 +71,7 @@ int run(int argc, char** argv) {
     platform::protectProcess();
     QCoreApplication::setApplicationName(QStringLiteral("torka-print-dialog"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
-    const QApplication application(argc, argv);
+    const auto application = dialog::makeApplication(argc, argv);
     const Arguments arguments = readArguments();
     dialog::loadToolkitTexts();
     AdapterOptions adapters{.spooler = true};

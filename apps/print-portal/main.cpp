@@ -79,9 +79,9 @@ int run(int argc, char** argv) {
     leaveOutOwnPlugIn();
     QCoreApplication::setApplicationName(QStringLiteral("torka-print-portal"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TORKA_VERSION));
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
+    const auto application = dialog::makeApplication(argc, argv);
     const Arguments arguments = readArguments();
+    QApplication::setQuitOnLastWindowClosed(false);
     chooseAdapters({.spooler = true});
     dialog::loadToolkitTexts();
 
@@ -107,7 +107,7 @@ int run(int argc, char** argv) {
     if (!owned.isValid() || owned.value() != QDBusConnectionInterface::ServiceRegistered) {
         return unusable(QStringLiteral("another service has the name %1").arg(busName));
     }
-    QObject::connect(&service, &portal::PrintService::idle, &application, [&] {
+    QObject::connect(&service, &portal::PrintService::idle, application.get(), [&] {
         // A call that has come meanwhile is served first. Without the name, the bus starts a new service for
         // the next one.
         bus.interface()->unregisterService(busName);
@@ -119,7 +119,7 @@ int run(int argc, char** argv) {
                                              QDBusConnectionInterface::AllowReplacement);
         }
     });
-    QObject::connect(bus.interface(), &QDBusConnectionInterface::serviceUnregistered, &application,
+    QObject::connect(bus.interface(), &QDBusConnectionInterface::serviceUnregistered, application.get(),
                      [&](const QString& name) {
                          if (name == busName && bus.interface()->serviceOwner(busName) != bus.baseService()) {
                              service.EndAfter(std::chrono::seconds(1)); // replaced; what is open goes on

@@ -41,10 +41,10 @@ public:
         : QAbstractTableModel(parent)
         , titles{std::move(nameTitle), std::move(addressesTitle)} {}
 
-    int rowCount(const QModelIndex& parent) const override {
-        return parent.isValid() ? 0 : static_cast<int>(rows.size());
+    int rowCount(const QModelIndex& index) const override {
+        return index.isValid() ? 0 : static_cast<int>(rows.size());
     }
-    int columnCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : 2; }
+    int columnCount(const QModelIndex& index) const override { return index.isValid() ? 0 : 2; }
     QVariant data(const QModelIndex& index, int role) const override {
         if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)) {
             return {};
