@@ -174,6 +174,12 @@ TEST(Presets, WhatCannotBeWrittenOrReadLosesNothing) {
         kept.File() = broken;
         EXPECT_THAT(kept.store.Names(), IsEmpty()) << broken;
         EXPECT_EQ(kept.store.ApplyLastUsed(), Result::notFound);
+        EXPECT_EQ(kept.store.Save("A"), Result::done);
+        const bool isDamaged = !broken.ends_with("</dict></plist>");
+        const std::string aside = kept.store.File().string() + ".damaged";
+        EXPECT_EQ(kept.system->files.contains(aside), isDamaged) << broken;
+        EXPECT_EQ(isDamaged ? kept.system->files[aside].content : broken, broken);
+        kept.system->files.erase(aside);
     }
     // Values of a wrong kind, unknown choices, lists that are too long.
     kept.File() =

@@ -71,12 +71,31 @@ CFDictionaryRef readPersonalFile(const std::filesystem::path& file, std::error_c
     return root;
 }
 
+namespace {
+
+// A person may have edited the file by hand and mistyped: the text stays in a file beside it.
+std::error_code keepDamaged(const std::filesystem::path& file) {
+    std::string xml;
+    const std::error_code unread = system().ReadFile(file, maximumFileBytes, xml);
+    if (unread || cfCast<CFDictionary>(CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size())))) {
+        return {}; // absent, or in order; who reads before writing has met another fault
+    }
+    const std::filesystem::path kept = file.string() + ".damaged";
+    myNSLogC("The damaged file is kept as %s", kept.c_str());
+    return system().WriteFile(kept, xml, fileMode);
+}
+
+} // namespace
+
 std::error_code writePersonalFile(const std::filesystem::path& file, const CFDictionaryRef& content) {
     const CFDataRef xml = CFPropertyListCreateXMLData(content);
     std::error_code failure = std::make_error_code(std::errc::invalid_argument);
     if (xml) {
         const auto bytes = CFDataGetBytes(xml);
         failure = system().MakeFolder(file.parent_path());
+        if (!failure) {
+            failure = keepDamaged(file);
+        }
         if (!failure) {
             failure = system().WriteFile(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
                                          fileMode);
