@@ -12,8 +12,10 @@ bool openDocument(const QString& path, Document& document, QString& error) {
     const QFileInfo info(path);
     QFile file(path);
     if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
-        error = said("%1 cannot be read: %2")
-                    .arg(path, info.exists() ? file.errorString() : said("no such file"));
+        const QString reason = !info.exists()  ? said("no such file")
+                               : info.isFile() ? file.errorString()
+                                               : said("not a file");
+        error = said("%1 cannot be read: %2").arg(path, reason);
         return false;
     }
     const QMimeType type = QMimeDatabase().mimeTypeForData(&file);

@@ -195,6 +195,25 @@ TEST_F(DialogTest, HasTheSameWidthInEveryLanguage) {
         faces.insert(readFile(folder / "01.png"));
     }
     EXPECT_EQ(faces.size(), 5U) << "each in its own words";
+    std::filesystem::create_directories(*sandbox / "partly/02.png");
+    const CommandResult partly =
+        runCommand({TORKA_BINARY_DIR "/bin/torka-print-dialog", "--queue", productionQueue, "--pictures",
+                    (*sandbox / "partly").string(), samplePath("brochure.ps")});
+    EXPECT_EQ(partly.status, 2);
+    EXPECT_TRUE(partly.errors.ends_with("02.png cannot be written\n")) << partly.errors;
+}
+
+TEST(Documents, ThatCannotBePrintedAreRefusedWithTheReason) {
+    for (const auto& [path, reason] :
+         {std::pair<std::string, QString>{"/nowhere", QStringLiteral("no such file")},
+          {"/", QStringLiteral("not a file")},
+          {samplePath("README.md"), QStringLiteral("neither PDF nor PostScript nor an image")}}) {
+        dialog::Document document;
+        QString error;
+        EXPECT_FALSE(dialog::openDocument(QString::fromStdString(path), document, error));
+        EXPECT_TRUE(error.startsWith(QString::fromStdString(path)) && error.contains(reason))
+            << error.toStdString();
+    }
 }
 
 TEST(ToolkitTexts, AreThoseOfThePersonsLanguage) {

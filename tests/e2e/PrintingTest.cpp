@@ -94,6 +94,11 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
     EXPECT_EQ(left.status, 1) << "a finding";
     EXPECT_NE(left.errors.find("*Resume is left out"), std::string::npos) << left.errors;
     EXPECT_EQ(sandbox->Printed(jobNumber(left.output)).find("PersPassword"), std::string::npos);
+    const std::string screen =
+        runCommand({"script", "-qec", TORKA_BINARY_DIR "/bin/torka print -d Proofs " + samplePath("plain.ps"),
+                    "/dev/null"})
+            .output;
+    EXPECT_NE(screen.find(": completed"), std::string::npos) << "a terminal shows the state: " << screen;
 }
 
 TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {

@@ -316,7 +316,14 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         EXPECT_FALSE(note.isVisible());
         QTest::keyClick(&search, Qt::Key_Return); // moves the focus to the result
         EXPECT_EQ(dialog.focusWidget(), &creep);
+        const auto isBold = [&] {
+            const QList<QLabel*> labels = dialog.findChildren<QLabel*>();
+            return std::ranges::any_of(
+                labels, [&](QLabel* label) { return label->buddy() == &creep && label->font().bold(); });
+        };
+        EXPECT_FALSE(isBold());
         child<QSpinBox>(dialog, "*QVBookletCreep").setValue(100);
+        EXPECT_TRUE(isBold()) << "as it is no longer what the job came with";
         for (auto* button : dialog.findChildren<QAbstractButton*>()) {
             if (button->accessibleName() == "Restore Creep (1/100 mm)") {
                 ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
