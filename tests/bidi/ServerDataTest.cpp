@@ -22,9 +22,9 @@ const ModuleMemory noMemory([](SDMHANDLE, std::size_t) -> void* { return nullptr
 
 TEST(ServerData, SuppliesThatNeedAttention) {
     const auto supplies =
-        readToners(L"7\nlow@5@5@NULL@-1@-1@1\nenough@6@5@NULL@-1@-1@1\nunknown@-1@5@NULL@-1@-1@1\n"
+        readToners(L"8\nlow@5@5@NULL@-1@-1@1\nenough@6@5@NULL@-1@-1@1\nunknown@-1@5@NULL@-1@-1@1\n"
                    L"no bound@0@-1@NULL@-1@-1@1\nfull@90@0@NULL@90@-1@3\nroom@89@0@NULL@90@-1@3\n"
-                   L"no bound@5@-1@NULL@-1@-1@3\n");
+                   L"no bound@5@-1@NULL@-1@-1@3\nlow@0@0@NULL@-1@-1@1\n");
     ASSERT_TRUE(supplies);
     for (const TonerView& supply : *supplies) {
         EXPECT_EQ(needsAttention(supply), supply.name == L"low" || supply.name == L"full") << supply.level;

@@ -99,6 +99,15 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
                     "/dev/null"})
             .output;
     EXPECT_NE(screen.find(": completed"), std::string::npos) << "a terminal shows the state: " << screen;
+    // The server's own filters lay out pages by the size, and a medium of the command line takes its place.
+    for (const auto& [option, isNamed] : {std::pair("copies=1", true), {"media=Tray1", false}}) {
+        const int job = jobNumber(Done({"print", "-d", "Proofs", samplePath("plain.ps"), "-o", option}));
+        const std::string told =
+            runCommand({"grep", "-aF",
+                        "[Job " + std::to_string(job) + "] argv[5]=", (*sandbox / "log/error_log").string()})
+                .output;
+        EXPECT_EQ(told.find("PageSize=") != std::string::npos, isNamed) << option << told;
+    }
 }
 
 TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {

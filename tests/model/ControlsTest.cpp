@@ -322,6 +322,12 @@ TEST_F(PopupTest, DuplicateKeywordsEmitTheFirst) {
     popup.SetKeywordSelect("A", true); // single selection: every match is selected
     EXPECT_EQ(Selected(popup), "A+A");
     EXPECT_TRUE(popup.IsInstallableOption());
+    PopupItems same;
+    same.push_back(itemOf("A", "first\n"));
+    same.push_back(itemOf("A", "second\n"));
+    PPDXPopupControl several(definitionOf("*M"), true, false, std::move(same), nullptr);
+    several.SetKeywordSelect("A", true);
+    EXPECT_EQ(Selected(several), "A") << "several selections: the first match";
 }
 
 TEST_F(PopupTest, DefaultIndexOverride) {

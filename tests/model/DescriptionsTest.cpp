@@ -147,7 +147,7 @@ TEST(Descriptions, AreReadAndJudgedAsWritten) {
                                  .extensions = each.Number("extensions", kAllExtensions),
                                  .lint = &lint});
         std::string findings;
-        for (const auto& [line, what] : findingsOf(*model, lint)) {
+        for (const auto& [line, what] : findingsOf(*model, lint, true)) {
             const long inCase = line == 0 ? 0 : line - std::ranges::count(before, '\n');
             findings += std::to_string(inCase) + " " + what + "\n";
         }

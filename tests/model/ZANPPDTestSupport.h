@@ -75,10 +75,10 @@ inline std::vector<std::string> errorsOf(const ZANPPD& model) {
 }
 
 // Each error's line, code and keyword, and each finding's line and name with its suggestion behind "?", in
-// line order.
+// line order; `subjects` adds the keyword and text of each finding.
 using Findings = std::vector<std::pair<long, std::string>>;
 
-inline Findings findingsOf(const ZANPPD& model, const PPDLint& lint) {
+inline Findings findingsOf(const ZANPPD& model, const PPDLint& lint, bool subjects = false) {
     Findings found;
     for (const PPDXErrorObj* error = model.Errors()->First(); error; error = model.Errors()->Next()) {
         const std::string keyword = error->Keyword();
@@ -86,8 +86,11 @@ inline Findings findingsOf(const ZANPPD& model, const PPDLint& lint) {
                            std::to_string(error->Code()) + (keyword.empty() ? "" : " " + keyword));
     }
     for (const PPDLintNote& note : lint.Notes()) {
-        found.emplace_back(note.line,
-                           ppdLintName(note.kind) + (note.suggestion.empty() ? "" : "?" + note.suggestion));
+        std::string what = ppdLintName(note.kind) + (note.suggestion.empty() ? "" : "?" + note.suggestion);
+        for (const std::string& subject : {note.keyword, note.text}) {
+            what += subjects && !subject.empty() ? " | " + subject : "";
+        }
+        found.emplace_back(note.line, what);
     }
     std::ranges::stable_sort(found, {}, &Findings::value_type::first);
     return found;
