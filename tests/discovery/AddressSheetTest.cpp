@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/views/AddressSheet.h"
 
+#include "platform/avahi/AvahiEventPoll.h"
 #include "platform/memory/MemoryAlerts.h"
 #include "platform/memory/MemoryEventLoop.h"
 #include "platform/memory/MemoryServiceDirectory.h"
@@ -241,21 +242,27 @@ TEST(QtEventLoop, TimersAndWatchesEndWithinTheirActions) {
     int pipeEnds[2];
     ASSERT_EQ(pipe(pipeEnds), 0);
     int read = 0;
-    int written = 0;
     std::unique_ptr<DescriptorWatch> reader;
-    std::unique_ptr<DescriptorWatch> writer;
     reader = loop.Watch(pipeEnds[0], descriptorReadable, [&](unsigned happened) {
         read += happened == descriptorReadable ? 1 : 0;
         reader.reset();
     });
-    writer = loop.Watch(pipeEnds[1], 0, [&](unsigned happened) {
-        written += happened == descriptorWritable ? 1 : 0;
-        EXPECT_EQ(write(pipeEnds[1], "x", 1), 1);
-        writer.reset();
-    });
+    // The writer is watched as Avahi's client watches.
+    static int written;
+    static const AvahiPoll* avahi;
+    const platform::AvahiEventPoll poll(loop);
+    avahi = poll.Api();
+    AvahiWatch* writer = avahi->watch_new(
+        avahi, pipeEnds[1], AvahiWatchEvent{},
+        [](AvahiWatch* watch, int pipe, AvahiWatchEvent happened, void*) {
+            written += happened == AVAHI_WATCH_OUT && avahi->watch_get_events(watch) == happened ? 1 : 0;
+            EXPECT_EQ(write(pipe, "x", 1), 1);
+            avahi->watch_free(watch);
+        },
+        nullptr);
     QCoreApplication::processEvents(); // the pipe is writable, but nobody asked for that yet
     EXPECT_EQ(written, 0);
-    writer->Update(descriptorWritable);
+    avahi->watch_update(writer, AVAHI_WATCH_OUT);
     EXPECT_TRUE(QTest::qWaitFor([&] { return read > 0 && fired[1] == 5 && fired[0] > 0; }, 5000));
     QTest::qWait(20);
     EXPECT_EQ(fired, (std::vector{1, 5, 0}));
