@@ -88,6 +88,11 @@ void SandboxTest::SetUp() {
         running = std::make_unique<Sandbox>();
     }
     sandbox = running.get();
+    // What the person and the controllers of the last test kept.
+    std::filesystem::remove_all(*sandbox / "config/torka");
+    for (const auto& each : std::filesystem::directory_iterator(*sandbox / "root/etc/torka/controllers")) {
+        std::filesystem::remove_all(each);
+    }
 }
 
 void SandboxTest::TearDown() {
