@@ -77,8 +77,9 @@ namespace {
 std::error_code keepDamaged(const std::filesystem::path& file) {
     std::string xml;
     const std::error_code unread = system().ReadFile(file, maximumFileBytes, xml);
-    if (unread || cfCast<CFDictionary>(CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size())))) {
-        return {}; // absent, or in order; who reads before writing has met another fault
+    if (unread ||
+        cfCast<CFDictionary>(CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size())))) {
+        return {}; // absent, in order, or unreadable: callers that must not replace such a file read it first
     }
     const std::filesystem::path kept = file.string() + ".damaged";
     myNSLogC("The damaged file is kept as %s", kept.c_str());
