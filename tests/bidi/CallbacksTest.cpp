@@ -479,6 +479,11 @@ TEST_F(Callbacks, PresetsOfThisComputer) {
         ASSERT_EQ(sdmFuncPtrGetLocalPresetsData(&server, &text, 0), SDM_SUCCESS);
         EXPECT_EQ(Taken(text), "\xEF\xBB\xBF<Presets/>");
     }
+    // The server no longer knows the job. The description tells whether the queue took the presets.
+    printer->commandJob = 7;
+    const wchar_t* stored[] = {L"\xFEFF<Presets/>"};
+    EXPECT_EQ(sdmFuncPtrSetLocalPresetsData(&server, stored, 1), SDM_SUCCESS);
+    EXPECT_EQ(sdmFuncPtrSetLocalPresetsData(&server, presets, 1), SDM_NOT_AVAILABLE);
     setDestinationPPD("");
     wchar_t* text = nullptr;
     EXPECT_EQ(sdmFuncPtrGetLocalPresetsData(&server, &text, 0), SDM_NOT_AVAILABLE);

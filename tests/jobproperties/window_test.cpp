@@ -340,6 +340,12 @@ TEST_F(ModuleWindow, HonoursTheTemplateAndTheHostsApplication) {
         EXPECT_TRUE(dialog.isVisible());
         EXPECT_FALSE(note.isVisible());
 
+        auto& pages = child<QListWidget>(dialog, "pages");
+        pages.setCurrentRow(1);
+        search.setText("note 1");
+        pages.setCurrentRow(0); // the page that the person clicks takes the place of what was found
+        EXPECT_TRUE(search.text().isEmpty());
+
         press(dialog, "restore");
         EXPECT_EQ(child<QSpinBox>(dialog, "*QVBookletCreep").value(), 10);
 
