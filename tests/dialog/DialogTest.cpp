@@ -168,8 +168,13 @@ TEST_F(DialogTest, AnotherProgramsOptionsAreItsOwnAndTheLayoutIsThePersons) {
                               "True",         "page-set", "even",      "odd"};
     QStringList expected{"job-priority", "70", "page-set", "even", "number-up", "4"};
     EXPECT_EQ(dialog::guestJobOptions(program, accepted, {}), expected);
-    dialog::DescribedOptions decided;
-    decided.pagesPerSheet = true;
+    const TemporaryFolder folder;
+    const auto decided = dialog::DescribedOptions::Of(
+        folder.Write("description.ppd", "*OpenUI *QVNUpPages: PickOne\n*DefaultQVNUpPages:  Two \r\n"
+                                        "*OpenUI *QVStaple/Staple: PickOne\n*DefaultOther: A\n"));
+    EXPECT_EQ(decided.defaults,
+              (std::map<std::string, std::string>{{"QVNUpPages", "Two"}, {"QVStaple", ""}}));
+    EXPECT_TRUE(decided.pagesPerSheet && !decided.sides);
     expected.resize(4);
     EXPECT_EQ(dialog::guestJobOptions(program, accepted, decided), expected);
 }
