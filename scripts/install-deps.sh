@@ -30,7 +30,7 @@ testing=(
     ghostscript groff-base fonts-urw-base35 fonts-dejavu-core cups cups-client cups-filters cups-ppdc openssl python3 poppler-utils
     avahi-daemon dbus iproute2 procps
     # programs of others that print with the pane: a display, the programs, the print portal beside another backend
-    xvfb openbox xdotool imagemagick focuswriter linguist-qt6
+    xvfb openbox xdotool x11-utils imagemagick focuswriter linguist-qt6
     evince xdg-desktop-portal xdg-desktop-portal-gtk desktop-file-utils appstream
 )
 # ./scripts/lint.sh, the clang and the fuzz presets

@@ -177,6 +177,18 @@ TEST(Twofish, PublishedTable) {
         previous[0] = answer;
     }
     EXPECT_EQ(previous[0], "37fe26ff1cf66175f5ddf4c33b97a205");
+    // Chained, two blocks of zeroes behind zeroes give the table's first two answers.
+    Twofish::KeyInstance key;
+    Twofish::CipherInstance cipher;
+    ASSERT_EQ(Twofish::makeKey(&key, DIR_ENCRYPT, 256, (zero + zero).c_str()), 1);
+    ASSERT_EQ(Twofish::cipherInit(&cipher, MODE_CBC, zero.c_str()), 1);
+    std::array<std::uint8_t, 32> blocks{};
+    ASSERT_EQ(Twofish::blockEncrypt(&cipher, &key, blocks.data(), 256, blocks.data()), 256);
+    EXPECT_EQ(toHexText(blocks), "57ff739d4dc92c1bd7fc01700cc8216f"
+                                 "d43bb7556ea32e46f2a282b7d45b4e0d");
+    ASSERT_EQ(Twofish::cipherInit(&cipher, MODE_CBC, zero.c_str()), 1);
+    ASSERT_EQ(Twofish::blockDecrypt(&cipher, &key, blocks.data(), 256, blocks.data()), 256);
+    EXPECT_EQ(blocks, (std::array<std::uint8_t, 32>{}));
 }
 
 // The examples of FIPS 180 and the empty message.

@@ -146,6 +146,7 @@ TEST_F(CryptoService, RsaWithOpenSsl) {
         const std::string file = folder.Write("signature", asText(out)).string();
         openSsl("dgst " + name + " -verify " + pem + " -signature " + file + " " + dataFile);
         EXPECT_EQ(cdsaVerify(csp, ourPublic, algorithm, bytesOf(data), out), CSSM_OK);
+        EXPECT_EQ(cdsaVerify(csp, ourPublic, algorithm, bytesOf("forged"), out), CSSMERR_CSP_VERIFY_FAILED);
         EXPECT_EQ(cdsaStagedVerify(csp, ourPublic, algorithm, bytesOf("what is "), false, out, context),
                   CSSM_OK);
         EXPECT_EQ(cdsaStagedVerify(csp, ourPublic, algorithm, bytesOf("signed"), true, out, context),

@@ -21,8 +21,8 @@ std::filesystem::path personalFile(std::string_view kind, const CFStringRef& pri
 // (may be null) tells that a file is there and cannot be read: do not replace it then.
 CFDictionaryRef readPersonalFile(const std::filesystem::path& file, std::error_code* failure = nullptr);
 
-// Writes the file whole or not at all, with mode 0600. The log tells why it cannot. Keeps the text of a damaged
-// file in FILE.damaged.
+// Writes the file whole or not at all, with mode 0600. The log tells why it cannot. Keeps the text of a
+// damaged file in FILE.damaged.
 std::error_code writePersonalFile(const std::filesystem::path& file, const CFDictionaryRef& content);
 
 // The lists of a printer that belong to one person. A list exists once the person has changed it; it may be
