@@ -9,23 +9,6 @@
 #include "platform/TextEncoding.h"
 #include "tests/views/ViewFixture.h"
 
-#include <QAbstractItemView>
-#include <QAccessible>
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QMetaEnum>
-#include <QPainter>
-#include <QTest>
-#include <QTimer>
-#include <QToolButton>
-
 #include <fstream>
 
 // Compares what a person sees of the pane, and what assistive technology tells of it, with the pictures and
@@ -273,15 +256,6 @@ public:
         QMetaObject::invokeMethod(&field, "selectAll");
         QTest::keyClicks(&field, QLatin1String(keys));
     }
-    static void Click(QWidget& above, const char* words) {
-        for (auto* button : above.findChildren<QAbstractButton*>()) {
-            if (button->text() == QString::fromUtf8(words) ||
-                button->accessibleName() == QLatin1String(words)) {
-                return button->click();
-            }
-        }
-        ADD_FAILURE() << words;
-    }
     void AddWatermark(const char* definition) {
         auto& watermarks = pane->pane->data->Watermarks();
         watermarks.Append(std::make_unique<ZANWatermark>(definition));
@@ -433,7 +407,7 @@ void takeWatermarkDialog(Test& test) {
     test.pane->pane->format->orientation = kPMLandscape;
     test.AddWatermark("0,90,-120,1,2,3,0,0,0,-305,0,0,64,Times-Roman,Draft, not for sale");
     QWidget* page = test.pane->Find<QListWidget>("watermarks")->parentWidget();
-    Test::Click(*page, "Edit…");
+    button(*page, "Edit…").click();
     test.Take(*page->findChild<QDialog*>());
 }
 
@@ -483,7 +457,7 @@ const Situation situations[] = {
      }},
     {"forbidden", "", "*MediaType=Labels",
      [](Test& test) {
-         Test::Click(*test.Field("*QVDuplex").parentWidget(), "Why some choices are not available");
+         button(*test.Field("*QVDuplex").parentWidget(), "Why some choices are not available").click();
          test.Take(*QApplication::activePopupWidget());
          QApplication::activePopupWidget()->close();
      }},
