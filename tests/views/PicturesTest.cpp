@@ -489,7 +489,7 @@ const Situation situations[] = {
      }},
     {"conflict-dialog", "", quarrel,
      [](Test& test) { test.TakeModal([&] { return test.pane->interface->confirmConflicts(); }); }},
-    {"broken-notes", "", "*QVPageRanges=1-5 *QVCostCenter=ab",
+    {"broken-notes", "", "*QVPageRanges=1-5 *QVCostCenter=ab *QVAccountId=12",
      [](Test& test) { test.TakeModal([&] { return test.pane->interface->confirmBrokenNotes(); }); }},
     {"popup-notes", "", "",
      [](Test& test) {
