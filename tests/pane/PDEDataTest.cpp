@@ -13,10 +13,9 @@ namespace torka::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using PDEDataTest = PaneTest;
 
-TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
     system->root = "/root";
     const std::string text = paneHeader + popup("QVDuplex", {"None", "Tumble"});
     const std::string hostile = "a\"; touch x; `id` $(id) %s %n.ppd";
@@ -46,9 +45,7 @@ TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
     }
 }
 
-TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, AddressComesFromTheListAndFirstFromTheQueue) {
     for (const auto& [uri, address] : {std::pair{"lpd://10.1.2.3/print", "10.1.2.3"},
                                        {"socket://press.example:9100", "press.example"},
                                        {"file:///dev/null", ""},
@@ -90,9 +87,7 @@ TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
     EXPECT_TRUE(nameless.SetIPAddressEnabled(true));
 }
 
-TEST(PDEData, InputTrayOfTheSystemsPaneFollowsTheVersion) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, InputTrayOfTheSystemsPaneFollowsTheVersion) {
     std::string buffer(64, 'x');
     const auto feed = [&](int version, std::int64_t size = 64) {
         system->minorVersion = version;
@@ -117,8 +112,7 @@ TEST(PDEData, InputTrayOfTheSystemsPaneFollowsTheVersion) {
     EXPECT_EQ(pane.data->GetPrimayPaperFeedFromOS(nullptr, 64), 0);
 }
 
-TEST(PDEData, ControlsOfTheBasicPanel) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, ControlsOfTheBasicPanel) {
     std::string controls = popup("QVHidden", {"None"}, "Dynamic|NoTorkaDriverUI");
     for (const char* keyword : {"QVDuplex", "QVTrayBidi", "Bidi", "QVSimSpeed", "QVHTScreen", "QVColorMode",
                                 "QVSlipSheetPaperCatalog"}) {
@@ -151,8 +145,7 @@ TEST(PDEData, ControlsOfTheBasicPanel) {
     }
 }
 
-TEST(PDEData, QuickAccessComesBackWithoutWhatMayNotBeShown) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, QuickAccessComesBackWithoutWhatMayNotBeShown) {
     const std::string controls = popup("QVDuplex", {"None"}) + popup("QVStaple", {"None"}) +
                                  popup("QVHTScreen", {"None"}) + popup("QVFold", {"None"});
     Pane pane(paneHeader + controls +
@@ -184,8 +177,7 @@ TEST(PDEData, QuickAccessComesBackWithoutWhatMayNotBeShown) {
 }
 
 // Two persons on one queue. Each row: what a person does with the watermarks of the queue, and what both see.
-TEST(PDEData, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
     Pane pane(paneHeader + popup("QVDuplex", {"None"}) + popup("QVStaple", {"None"}));
     const auto open = [&](const char* person) {
         system->homeFolder = std::string("/home/") + person;
@@ -243,9 +235,7 @@ TEST(PDEData, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
     EXPECT_FALSE(choose("*QVDuplex", false)) << "the own list stays in force without the change";
 }
 
-TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, WatermarksAndTheirChoiceComeBack) {
     const std::string draft = "0,0,0,9,9,9,0,0,0,450,0,0,48,Helvetica,Draft, once";
     pane.data->SaveWatermarksToPreferences();
     EXPECT_EQ(pane.addressList->find("Draft"), std::string::npos);
@@ -274,9 +264,7 @@ TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
 }
 
 // Settings without a control: saved to the print settings and restored from arbitrary values.
-TEST(PDEDataSettings, SavedAndRestoredAndSavedIsTheSame) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, SavedAndRestoredAndSavedIsTheSame) {
     pane.data->MixedMediaList().Append({L"*RangeProp1", L"1-3|Card"});
     pane.data->MixedMediaList().Append({L"*MM_A1", L"\u5370\u5237"});
     pane.data->PadCoverList().Append({L"PadCoverFront", L""});
@@ -315,9 +303,7 @@ TEST(PDEDataSettings, SavedAndRestoredAndSavedIsTheSame) {
     EXPECT_EQ(pane.data->RestoreNonPSSettings(), -1);
 }
 
-TEST(PDEDataSettings, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
     const std::string megabyte(1'000'000, 'm');
     const std::pair<CFTypeRef, std::size_t> cases[] = {
         {CFNumberCreate(2'000'000'000), 2048},         {CFNumberCreate(-5), 0},  {nullptr, 0},

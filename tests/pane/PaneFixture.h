@@ -7,6 +7,8 @@
 #include "tests/support/StringStore.h"
 #include "tests/support/TestSupport.h"
 
+#include <gtest/gtest.h>
+
 // A pane's data with a small description, print settings in memory, and an address list in a string.
 
 namespace torka::tests {
@@ -107,6 +109,16 @@ private:
         session->printer = printer;
         Open();
     }
+};
+
+// A test on a system in memory.
+struct PaneTest : testing::Test {
+    ScopedMemorySystem system;
+};
+
+// With a description without a control.
+struct BarePane : PaneTest {
+    Pane pane{paneHeader};
 };
 
 // "KEYWORD=VALUE " of each control whose value is not its default.
