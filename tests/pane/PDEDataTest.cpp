@@ -184,22 +184,16 @@ TEST_F(PDEDataTest, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
         pane.Open();
         pane.data->GetWatermarksFromPreferences();
     };
-    const auto seen = [&] {
-        std::string texts;
-        for (std::size_t i = 0; i < pane.data->Watermarks().Count(); ++i) {
-            texts += pane.data->Watermarks().At(i)->Text();
-        }
-        return texts;
-    };
     const auto put = [&](const char* text) {
         pane.data->Watermarks().Append(std::make_unique<ZANWatermark>((std::string(14, ',') + text).c_str()));
     };
     // "": saves without a change, and the queue's list stays in force; "-": removes all.
-    for (const auto& [who, added, anna, bert] : {std::tuple{"anna", "A", "A", "A"},
-                                                 {"bert", "", "A", "A"},
-                                                 {"bert", "B", "A", "AB"},
-                                                 {"anna", "C", "AC", "AB"},
-                                                 {"anna", "-", "", "AB"}}) {
+    using Texts = std::vector<std::string>;
+    for (const auto& [who, added, anna, bert] : {std::tuple{"anna", "A", Texts{"A"}, Texts{"A"}},
+                                                 {"bert", "", {"A"}, {"A"}},
+                                                 {"bert", "B", {"A"}, {"A", "B"}},
+                                                 {"anna", "C", {"A", "C"}, {"A", "B"}},
+                                                 {"anna", "-", {}, {"A", "B"}}}) {
         open(who);
         if (*added == '-') {
             pane.data->ForgetWatermarkPreferences();
@@ -211,11 +205,10 @@ TEST_F(PDEDataTest, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
         }
         for (const auto& [person, expected] : {std::pair{"anna", anna}, std::pair{"bert", bert}}) {
             open(person);
-            EXPECT_EQ(seen(), expected) << person << " after " << who;
+            EXPECT_EQ(textsOf(pane.data->Watermarks()), expected) << person << " after " << who;
             pane.Store(".SelectedWatermarkKey", CFNumberCreate(1));
             pane.data->RestoreNonPSSettings();
-            EXPECT_EQ(pane.data->Watermarks().SelectedIndex(),
-                      std::string_view(expected).size() > 1 ? 1 : -1);
+            EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), expected.size() > 1 ? 1 : -1);
         }
     }
     EXPECT_EQ(pane.addressList->find("<string>,,,,,,,,,,,,,,"), std::string::npos)

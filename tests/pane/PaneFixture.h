@@ -72,11 +72,15 @@ struct Pane {
     // A pane with the description in an existing file.
     static Pane OfFile(const std::string& path) { return Pane({}, {}, path); }
 
+    // What a panel of a queue reads, with the same session and address list.
+    std::unique_ptr<PDEData> DataOf(const std::string& queue) const {
+        return std::make_unique<PDEData>(
+            model.get(), cfString(queue), QueueAccess{session, {}},
+            [kept = addressList] { return std::make_unique<StringStore>(kept); });
+    }
     // Opens a new panel for the same queue and print settings.
     void Open() {
-        data =
-            std::make_unique<PDEData>(model.get(), cfString("Press"), QueueAccess{session, {}},
-                                      [kept = addressList] { return std::make_unique<StringStore>(kept); });
+        data = DataOf("Press");
         data->SetPrintSettings(settings);
         data->SetPageFormat(format);
     }
@@ -129,6 +133,14 @@ inline std::string changesIn(const ZANPPD& model) {
         text += value == control->DefaultText() ? "" : std::string(control->Keyword()) + "=" + value + " ";
     });
     return text;
+}
+
+inline std::vector<std::string> textsOf(const WatermarkList& list) {
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < list.Count(); ++i) {
+        texts.push_back(list.At(i)->Text());
+    }
+    return texts;
 }
 
 inline std::vector<std::string> pairsOf(std::span<const WideSetting> list) {

@@ -2,7 +2,6 @@
 #include "pane/views/QtPaneInterface.h"
 #include "tests/pane/PanelFixture.h"
 
-
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>

@@ -45,14 +45,9 @@ struct WatermarkTest : testing::Test {
     }
     // The watermarks that a new panel of this printer reads.
     std::vector<std::string> Kept() {
-        PDEData data(pane.pane->model.get(), cfString("Press"), QueueAccess{pane.pane->session, {}},
-                     [kept = pane.pane->addressList] { return std::make_unique<StringStore>(kept); });
-        data.GetWatermarksFromPreferences();
-        std::vector<std::string> texts;
-        for (std::size_t i = 0; i < data.Watermarks().Count(); ++i) {
-            texts.push_back(data.Watermarks().At(i)->Text());
-        }
-        return texts;
+        const auto data = pane.pane->DataOf("Press");
+        data->GetWatermarksFromPreferences();
+        return textsOf(data->Watermarks());
     }
 };
 
