@@ -83,17 +83,13 @@ QString roleAndName(QWidget* widget) {
 // What the visible widgets tell a person without a look at them, and what they accept.
 void tell(QWidget& widget, const QString& indent, QString& told) {
     static const QStringList usual{"", "0", "false", "32767", "ImhNone", "NonModal", "Normal"};
+    static const QByteArrayList properties =
+        QByteArray("accessibleName accessibleDescription toolTip placeholderText value currentText minimum "
+                   "maximum singleStep pageStep decimals suffix maxLength inputMethodHints echoMode checked "
+                   "default focus windowModality shortcut")
+            .split(' ');
     QString line;
-    for (const char* name : {"accessibleName", "accessibleDescription",
-                             "toolTip",        "placeholderText",
-                             "value",          "currentText",
-                             "minimum",        "maximum",
-                             "singleStep",     "pageStep",
-                             "decimals",       "suffix",
-                             "maxLength",      "inputMethodHints",
-                             "echoMode",       "checked",
-                             "default",        "focus",
-                             "windowModality", "shortcut"}) {
+    for (const QByteArray& name : properties) {
         const QString value = widget.property(name).toString();
         if (!usual.contains(value)) {
             line += QStringLiteral(" | %1: %2").arg(QLatin1String(name), value);
