@@ -66,6 +66,18 @@ inline std::string templateLines(std::string_view xml) {
     return text;
 }
 
+// The print setting that holds the paper, and a paper with the edges of its sheet in points.
+inline const std::string paperTicket = "com.apple.print.subTicket.paper_info_ticket";
+inline CFDictionaryRef paper(const char* name, std::vector<double> edges = {}) {
+    std::vector<CFTypeRef> numbers;
+    for (const double edge : edges) {
+        numbers.push_back(CFNumberCreate(edge));
+    }
+    return CFDictionaryCreate(
+        {{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), name ? cfString(name) : nullptr},
+         {cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), CFArrayCreate(std::move(numbers))}});
+}
+
 struct Pane {
     explicit Pane(const std::string& text, const std::string& fileName = "small.ppd")
         : Pane(text, fileName, {}) {}

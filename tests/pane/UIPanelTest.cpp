@@ -89,16 +89,6 @@ TEST_F(UIPanel, TreeHoldsItsLimits) {
     EXPECT_EQ(UI_Panel::mPPD, nullptr);
 }
 
-CFDictionaryRef paper(const char* name, std::vector<double> edges = {}) {
-    std::vector<CFTypeRef> numbers;
-    for (const double edge : edges) {
-        numbers.push_back(CFNumberCreate(edge));
-    }
-    return CFDictionaryCreate(
-        {{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), name ? cfString(name) : nullptr},
-         {cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), CFArrayCreate(std::move(numbers))}});
-}
-
 TEST_F(UIPanel, PaperOfThePageSetup) {
     MemoryPanel services;
     services.texts["DocumentSizeCustom"] = "Eigenes Format";
@@ -119,7 +109,7 @@ TEST_F(UIPanel, PaperOfThePageSetup) {
                   popup("QVPrintSize", {"SameAsPageSize", "A5"}));
         pane.Set("*PageSize", "A3");
         pane.Set("*QVPrintSize", "A5");
-        pane.Store("com.apple.print.subTicket.paper_info_ticket", sheet);
+        pane.Store(paperTicket, sheet);
         UI_Panel panel(pane.data.get(), &services);
         EXPECT_EQ(pane.data->IsPageSizeSuppressed(), isCustom);
         EXPECT_EQ(panel.GetOSPageSize(), isCustom);

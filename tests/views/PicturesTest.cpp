@@ -408,11 +408,7 @@ void takeWatermarkDialog(Test& test) {
 }
 
 void setPaperWithoutName(Test& test) {
-    const auto edges = CFArrayCreate(
-        {CFNumberCreate(0.0), CFNumberCreate(0.0), CFNumberCreate(600.0), CFNumberCreate(400.0)});
-    test.pane->pane->Store(
-        "com.apple.print.subTicket.paper_info_ticket",
-        CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), edges}}));
+    test.pane->pane->Store(paperTicket, paper(nullptr, {0, 0, 600, 400}));
     test.pane->pane->data->SetPageSizeFromOS(true);
     test.pane->Draw();
 }
