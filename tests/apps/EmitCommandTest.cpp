@@ -35,8 +35,8 @@ TEST(EmitCommand, TicketIsWhatWasPrintedWhoeverReadsIt) {
     // On older system versions the tool writes the ticket itself, readable by everybody.
     std::filesystem::create_directory(folder / "tmp");
     const CommandResult older =
-        runCommand({"env", "TORKA_SYSTEM_ROOT=" + folder.Path().string(), TORKA_BINARY_DIR "/bin/torka",
-                    "emit", samplePath("torka-production.ppd"), "PageSize=A4", "--os-minor", "6", "--json"});
+        runTool({"emit", samplePath("torka-production.ppd"), "PageSize=A4", "--os-minor", "6", "--json"},
+                {"env", "TORKA_SYSTEM_ROOT=" + folder.Path().string()});
     EXPECT_EQ(older.status, 0) << older.errors;
     std::size_t files = 0;
     for (const auto& file : std::filesystem::directory_iterator(folder / "tmp")) {

@@ -7,10 +7,9 @@ namespace torka::tests {
 
 namespace {
 
-CommandResult runRecord(const std::vector<std::string>& arguments, std::string_view input = {}) {
-    std::vector<std::string> command = {TORKA_BINARY_DIR "/bin/torka", "record"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return runCommand(command, input);
+CommandResult runRecord(std::vector<std::string> arguments, std::string_view input = {}) {
+    arguments.insert(arguments.begin(), "record");
+    return runTool(arguments, {}, input);
 }
 
 TEST(RecordCommand, PutsReplacesListsAndGets) {

@@ -13,9 +13,12 @@
 
 namespace torka::tests {
 
-inline CommandResult runTool(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), TORKA_BINARY_DIR "/bin/torka");
-    return runCommand(arguments);
+// `before` stands before the program, as "env NAME=VALUE" does.
+inline CommandResult runTool(const std::vector<std::string>& arguments, std::vector<std::string> before = {},
+                             std::string_view input = {}) {
+    before.emplace_back(TORKA_BINARY_DIR "/bin/torka");
+    before.insert(before.end(), arguments.begin(), arguments.end());
+    return runCommand(before, input);
 }
 
 inline nlohmann::json runToolForJson(std::vector<std::string> arguments, int status = 0) {

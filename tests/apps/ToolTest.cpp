@@ -97,10 +97,9 @@ TEST(Tool, SaysInOneLineWhatItCannotUse) {
 
 // Messages of three floors, with names and reasons in them. What programs read stays as it is.
 TEST(Tool, SpeaksThePersonsLanguage) {
-    const auto in = [](const char* locale, Arguments arguments) {
-        arguments.insert(arguments.begin(), {"env", "-u", "LANGUAGE", std::string("LC_ALL=") + locale,
-                                             "CUPS_SERVER=127.0.0.1:1", TORKA_BINARY_DIR "/bin/torka"});
-        return tests::runCommand(arguments);
+    const auto in = [](const char* locale, const Arguments& arguments) {
+        return runTool(arguments,
+                       {"env", "-u", "LANGUAGE", std::string("LC_ALL=") + locale, "CUPS_SERVER=127.0.0.1:1"});
     };
     const std::string file = samplePath("brochure.ps");
     for (const auto& [locale, arguments, message] :
@@ -135,9 +134,7 @@ TEST(Tool, NamesAServerThatItCannotReach) {
                                        {"print", "-d", "q", sample},
                                        {"print", sample},
                                        {"command", "send", "q", "Command_LocaleCode", "de"}}) {
-        Arguments command{"env", "CUPS_SERVER=" + place, TORKA_BINARY_DIR "/bin/torka"};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        const tests::CommandResult result = tests::runCommand(command);
+        const tests::CommandResult result = runTool(arguments, {"env", "CUPS_SERVER=" + place});
         expectOneLine(result, arguments);
         EXPECT_THAT(result.errors, StartsWith("torka: Cannot reach the print server at " + place));
     }
@@ -156,9 +153,7 @@ TEST(Tool, SaysThatAServerTakesConnectionsAndDoesNotAnswer) {
                                "sys.exit(subprocess.run(sys.argv[2:]).returncode)\n";
     for (const Arguments& arguments : {Arguments{"queue", "list"}, {"print", "-d", "q", sample}}) {
         const std::string place = folder / arguments[0];
-        Arguments command{"/usr/bin/python3", "-c", script, place, TORKA_BINARY_DIR "/bin/torka"};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        const tests::CommandResult result = tests::runCommand(command);
+        const tests::CommandResult result = runTool(arguments, {"/usr/bin/python3", "-c", script, place});
         expectOneLine(result, arguments);
         EXPECT_THAT(result.errors, HasSubstr(place + " takes connections but does not answer"));
     }
@@ -228,10 +223,8 @@ TEST(Settings, TakeTheirTextsFromFilesAndStandardInput) {
              {"\xff", ""},
              {std::string(65537, 'x'), ""}}) {
         const std::string file = folder.Write("text", content).string();
-        const std::vector<tests::CommandResult> results{
-            runTool({"emit", sample, "Notes1=@" + file}),
-            tests::runCommand({TORKA_BINARY_DIR "/bin/torka", "emit", sample, "Notes1=@-"}, content)};
-        for (const tests::CommandResult& result : results) {
+        for (const tests::CommandResult& result : {runTool({"emit", sample, "Notes1=@" + file}),
+                                                   runTool({"emit", sample, "Notes1=@-"}, {}, content)}) {
             EXPECT_EQ(result.status, value.empty() ? 2 : 0) << result.errors;
             if (!value.empty()) {
                 EXPECT_THAT(result.output, HasSubstr("%%ZANCustom1: " + value + "\n"));

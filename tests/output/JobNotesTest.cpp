@@ -102,12 +102,6 @@ std::string desPadded(std::string text) {
     return text.append(count, static_cast<char>(count));
 }
 
-std::string aesPadded(std::string text) {
-    text.push_back('\0');
-    const std::size_t rest = text.size() % 16;
-    return text.append(16 - rest, static_cast<char>(15 - rest));
-}
-
 // Compares the default keys and others, and both ciphers, with openssl, for texts below, at and above the
 // block and size limits. The test of the field keys has the other choices.
 TEST_F(JobNotes, CipherTextsAgreeWithOpenSsl) {
@@ -132,7 +126,7 @@ TEST_F(JobNotes, CipherTextsAgreeWithOpenSsl) {
                     std::string expected =
                         isAes ? Cipher("-aes-256-cbc -K " + toHexText(keys->AesKey(special)) + " -iv " +
                                            toHexText(keys->Vector(special)),
-                                       aesPadded(text))
+                                       tests::aesPadded(text))
                               : Cipher("-des-ecb -K " + toHexText(keys->DesKey(special)), desPadded(text));
                     expected.resize(noteHexSize); // cut, or filled with zeros
                     EXPECT_EQ(std::string(out, sizeof out), expected);

@@ -5,7 +5,6 @@
 #include "tests/support/TestSupport.h"
 
 #include <cmath>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>

@@ -13,10 +13,9 @@ namespace torka::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using PDEDataTest = PaneTest;
 
-TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
     system->root = "/root";
     const std::string text = paneHeader + popup("QVDuplex", {"None", "Tumble"});
     const std::string hostile = "a\"; touch x; `id` $(id) %s %n.ppd";
@@ -46,9 +45,7 @@ TEST(PDEData, CopyOfTheDescriptionFollowsTheSystemWhateverTheFileIsCalled) {
     }
 }
 
-TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, AddressComesFromTheListAndFirstFromTheQueue) {
     for (const auto& [uri, address] : {std::pair{"lpd://10.1.2.3/print", "10.1.2.3"},
                                        {"socket://press.example:9100", "press.example"},
                                        {"file:///dev/null", ""},
@@ -90,9 +87,7 @@ TEST(PDEData, AddressComesFromTheListAndFirstFromTheQueue) {
     EXPECT_TRUE(nameless.SetIPAddressEnabled(true));
 }
 
-TEST(PDEData, InputTrayOfTheSystemsPaneFollowsTheVersion) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, InputTrayOfTheSystemsPaneFollowsTheVersion) {
     std::string buffer(64, 'x');
     const auto feed = [&](int version, std::int64_t size = 64) {
         system->minorVersion = version;
@@ -117,8 +112,7 @@ TEST(PDEData, InputTrayOfTheSystemsPaneFollowsTheVersion) {
     EXPECT_EQ(pane.data->GetPrimayPaperFeedFromOS(nullptr, 64), 0);
 }
 
-TEST(PDEData, ControlsOfTheBasicPanel) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, ControlsOfTheBasicPanel) {
     std::string controls = popup("QVHidden", {"None"}, "Dynamic|NoTorkaDriverUI");
     for (const char* keyword : {"QVDuplex", "QVTrayBidi", "Bidi", "QVSimSpeed", "QVHTScreen", "QVColorMode",
                                 "QVSlipSheetPaperCatalog"}) {
@@ -151,8 +145,7 @@ TEST(PDEData, ControlsOfTheBasicPanel) {
     }
 }
 
-TEST(PDEData, QuickAccessComesBackWithoutWhatMayNotBeShown) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, QuickAccessComesBackWithoutWhatMayNotBeShown) {
     const std::string controls = popup("QVDuplex", {"None"}) + popup("QVStaple", {"None"}) +
                                  popup("QVHTScreen", {"None"}) + popup("QVFold", {"None"});
     Pane pane(paneHeader + controls +
@@ -184,30 +177,23 @@ TEST(PDEData, QuickAccessComesBackWithoutWhatMayNotBeShown) {
 }
 
 // Two persons on one queue. Each row: what a person does with the watermarks of the queue, and what both see.
-TEST(PDEData, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
-    ScopedMemorySystem system;
+TEST_F(PDEDataTest, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
     Pane pane(paneHeader + popup("QVDuplex", {"None"}) + popup("QVStaple", {"None"}));
     const auto open = [&](const char* person) {
         system->homeFolder = std::string("/home/") + person;
         pane.Open();
         pane.data->GetWatermarksFromPreferences();
     };
-    const auto seen = [&] {
-        std::string texts;
-        for (std::size_t i = 0; i < pane.data->Watermarks().Count(); ++i) {
-            texts += pane.data->Watermarks().At(i)->Text();
-        }
-        return texts;
-    };
     const auto put = [&](const char* text) {
         pane.data->Watermarks().Append(std::make_unique<ZANWatermark>((std::string(14, ',') + text).c_str()));
     };
     // "": saves without a change, and the queue's list stays in force; "-": removes all.
-    for (const auto& [who, added, anna, bert] : {std::tuple{"anna", "A", "A", "A"},
-                                                 {"bert", "", "A", "A"},
-                                                 {"bert", "B", "A", "AB"},
-                                                 {"anna", "C", "AC", "AB"},
-                                                 {"anna", "-", "", "AB"}}) {
+    using Texts = std::vector<std::string>;
+    for (const auto& [who, added, anna, bert] : {std::tuple{"anna", "A", Texts{"A"}, Texts{"A"}},
+                                                 {"bert", "", {"A"}, {"A"}},
+                                                 {"bert", "B", {"A"}, {"A", "B"}},
+                                                 {"anna", "C", {"A", "C"}, {"A", "B"}},
+                                                 {"anna", "-", {}, {"A", "B"}}}) {
         open(who);
         if (*added == '-') {
             pane.data->ForgetWatermarkPreferences();
@@ -219,11 +205,10 @@ TEST(PDEData, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
         }
         for (const auto& [person, expected] : {std::pair{"anna", anna}, std::pair{"bert", bert}}) {
             open(person);
-            EXPECT_EQ(seen(), expected) << person << " after " << who;
+            EXPECT_EQ(textsOf(pane.data->Watermarks()), expected) << person << " after " << who;
             pane.Store(".SelectedWatermarkKey", CFNumberCreate(1));
             pane.data->RestoreNonPSSettings();
-            EXPECT_EQ(pane.data->Watermarks().SelectedIndex(),
-                      std::string_view(expected).size() > 1 ? 1 : -1);
+            EXPECT_EQ(pane.data->Watermarks().SelectedIndex(), expected.size() > 1 ? 1 : -1);
         }
     }
     EXPECT_EQ(pane.addressList->find("<string>,,,,,,,,,,,,,,"), std::string::npos)
@@ -243,9 +228,7 @@ TEST(PDEData, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
     EXPECT_FALSE(choose("*QVDuplex", false)) << "the own list stays in force without the change";
 }
 
-TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, WatermarksAndTheirChoiceComeBack) {
     const std::string draft = "0,0,0,9,9,9,0,0,0,450,0,0,48,Helvetica,Draft, once";
     pane.data->SaveWatermarksToPreferences();
     EXPECT_EQ(pane.addressList->find("Draft"), std::string::npos);
@@ -274,9 +257,7 @@ TEST(PDEData, WatermarksAndTheirChoiceComeBack) {
 }
 
 // Settings without a control: saved to the print settings and restored from arbitrary values.
-TEST(PDEDataSettings, SavedAndRestoredAndSavedIsTheSame) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, SavedAndRestoredAndSavedIsTheSame) {
     pane.data->MixedMediaList().Append({L"*RangeProp1", L"1-3|Card"});
     pane.data->MixedMediaList().Append({L"*MM_A1", L"\u5370\u5237"});
     pane.data->PadCoverList().Append({L"PadCoverFront", L""});
@@ -315,9 +296,7 @@ TEST(PDEDataSettings, SavedAndRestoredAndSavedIsTheSame) {
     EXPECT_EQ(pane.data->RestoreNonPSSettings(), -1);
 }
 
-TEST(PDEDataSettings, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, HostileSettingsAreKeptWithinLimitsAndTheRestIsRestored) {
     const std::string megabyte(1'000'000, 'm');
     const std::pair<CFTypeRef, std::size_t> cases[] = {
         {CFNumberCreate(2'000'000'000), 2048},         {CFNumberCreate(-5), 0},  {nullptr, 0},

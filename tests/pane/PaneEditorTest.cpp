@@ -26,9 +26,7 @@ std::vector<std::string> keywordsOf(const std::vector<PPDXControl*>& controls) {
     return keywords;
 }
 
-struct EditorTest : testing::Test {
-    ScopedMemorySystem system;
-};
+using EditorTest = PaneTest;
 
 struct Small : EditorTest {
     Pane pane{paneHeader + popup("Media", {"Plain", "Labels", "Card"}) + popup("Sides", {"One", "Two"}) +

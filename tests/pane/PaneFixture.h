@@ -7,6 +7,8 @@
 #include "tests/support/StringStore.h"
 #include "tests/support/TestSupport.h"
 
+#include <gtest/gtest.h>
+
 // A pane's data with a small description, print settings in memory, and an address list in a string.
 
 namespace torka::tests {
@@ -64,17 +66,33 @@ inline std::string templateLines(std::string_view xml) {
     return text;
 }
 
+// The print setting that holds the paper, and a paper with the edges of its sheet in points.
+inline const std::string paperTicket = "com.apple.print.subTicket.paper_info_ticket";
+inline CFDictionaryRef paper(const char* name, std::vector<double> edges = {}) {
+    std::vector<CFTypeRef> numbers;
+    for (const double edge : edges) {
+        numbers.push_back(CFNumberCreate(edge));
+    }
+    return CFDictionaryCreate(
+        {{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), name ? cfString(name) : nullptr},
+         {cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), CFArrayCreate(std::move(numbers))}});
+}
+
 struct Pane {
     explicit Pane(const std::string& text, const std::string& fileName = "small.ppd")
         : Pane(text, fileName, {}) {}
     // A pane with the description in an existing file.
     static Pane OfFile(const std::string& path) { return Pane({}, {}, path); }
 
+    // What a panel of a queue reads, with the same session and address list.
+    std::unique_ptr<PDEData> DataOf(const std::string& queue) const {
+        return std::make_unique<PDEData>(
+            model.get(), cfString(queue), QueueAccess{session, {}},
+            [kept = addressList] { return std::make_unique<StringStore>(kept); });
+    }
     // Opens a new panel for the same queue and print settings.
     void Open() {
-        data =
-            std::make_unique<PDEData>(model.get(), cfString("Press"), QueueAccess{session, {}},
-                                      [kept = addressList] { return std::make_unique<StringStore>(kept); });
+        data = DataOf("Press");
         data->SetPrintSettings(settings);
         data->SetPageFormat(format);
     }
@@ -109,6 +127,16 @@ private:
     }
 };
 
+// A test on a system in memory.
+struct PaneTest : testing::Test {
+    ScopedMemorySystem system;
+};
+
+// With a description without a control.
+struct BarePane : PaneTest {
+    Pane pane{paneHeader};
+};
+
 // "KEYWORD=VALUE " of each control whose value is not its default.
 inline std::string changesIn(const ZANPPD& model) {
     std::string text;
@@ -117,6 +145,14 @@ inline std::string changesIn(const ZANPPD& model) {
         text += value == control->DefaultText() ? "" : std::string(control->Keyword()) + "=" + value + " ";
     });
     return text;
+}
+
+inline std::vector<std::string> textsOf(const WatermarkList& list) {
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < list.Count(); ++i) {
+        texts.push_back(list.At(i)->Text());
+    }
+    return texts;
 }
 
 inline std::vector<std::string> pairsOf(std::span<const WideSetting> list) {

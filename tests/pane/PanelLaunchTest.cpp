@@ -52,15 +52,6 @@ protected:
         EXPECT_EQ(view.drawn, timesDrawn);
         EXPECT_EQ(sharedList, nullptr);
     }
-    void Change(const wchar_t* key, const wchar_t* value) {
-        for (auto& setting : module.settings) {
-            if (setting.first == key) {
-                setting.second = value;
-                return;
-            }
-        }
-        module.settings.emplace_back(key, value);
-    }
     std::vector<std::string> Titles() const {
         std::vector<std::string> titles;
         for (const AlertText& text : alertsShown->shown) {
@@ -87,11 +78,11 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
         EXPECT_EQ(fieldText(panel->Record().bidiEnabled), "1");
         EXPECT_EQ(fieldText(panel->Record().printerAddress), "10.0.0.9");
         panel->LaunchJobProperties(0); // a click in spite of the disabled button
-        Change(L"QVDuplex", L"Tumble");
-        Change(L"PresetName", L"Glossy");
-        Change(L"QVOutProfile", L"Of the server");
+        module.Set(L"QVDuplex", L"Tumble");
+        module.Set(L"PresetName", L"Glossy");
+        module.Set(L"QVOutProfile", L"Of the server");
         module.watermarks.push_back(L"0,0,0,0,0,0,0,0,0,0,0,0,48,Helvetica,DRAFT");
-        Change(L"*QV_WATERMARK", L"0");
+        module.Set(L"*QV_WATERMARK", L"0");
     };
     services.printer = pane.printer;
     system->files["/tmp/ZAN/JPData/Driver_SMALL.PPD/Presets/presets.xml"].content = "<a/>";
@@ -150,7 +141,7 @@ TEST_F(PanelLaunch, OtherEndsChangeNothing) {
         module.windowResult = windowResult;
         module.openResult = openResult;
         module.getResult = getResult;
-        module.edit = [&] { Change(L"QVDuplex", L"Tumble"); };
+        module.edit = [&] { module.Set(L"QVDuplex", L"Tumble"); };
         alertsShown->shown.clear();
         view.drawn = 0;
         panel->LaunchJobProperties(0);
@@ -224,7 +215,7 @@ TEST_F(PanelLaunch, ThePanelMayEndWhileTheWindowIsOpen) {
         };
         module.edit = [&] {
             panel.reset();
-            Change(L"QVDuplex", L"Tumble");
+            module.Set(L"QVDuplex", L"Tumble");
         };
         panel->LaunchJobProperties(0);
         EXPECT_EQ(panel, nullptr);

@@ -92,9 +92,7 @@ TEST(PanelSettings, ListWithTwoWayCommunicationAndACustomPaper) {
     pane.model->GetControls()->FindJobNote("*QVControlBar", true)->SetUTF8Notes(cfString("Server Bar"));
     pane.data->AccountPairs()[1].value = L"Account";
     pane.Store("WatermarkFirstPageInfo", CFNumberCreate(std::int32_t{1}));
-    pane.Store(
-        "com.apple.print.subTicket.paper_info_ticket",
-        CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), cfString("Banner")}}));
+    pane.Store(paperTicket, paper("Banner"));
     ASSERT_TRUE(exchange.panel->GetOSPageSize());
     const std::vector<std::string> settings = exchange.Settings();
     // Dynamic popups with their default are left out; other popups are not.

@@ -13,7 +13,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::Not;
 
 // The lines of a description that hold a record.
@@ -31,9 +30,7 @@ std::string recordLines(const std::string& record, const std::string& text) {
 std::string listWithWatermarks(const std::string& queue) {
     const ScopedMemorySystem system;
     Pane pane(paneHeader);
-    pane.data =
-        std::make_unique<PDEData>(pane.model.get(), cfString(queue), QueueAccess{pane.session, {}},
-                                  [kept = pane.addressList] { return std::make_unique<StringStore>(kept); });
+    pane.data = pane.DataOf(queue);
     for (const char* text : {"ONE", "TWO"}) {
         pane.data->Watermarks().Append(std::make_unique<ZANWatermark>(
             (std::string("0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,") + text).c_str()));

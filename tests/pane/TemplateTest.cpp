@@ -10,11 +10,11 @@ namespace torka::tests {
 namespace {
 
 using ::testing::ElementsAre;
+using ManagementTemplate = PaneTest;
 
 const std::string categoryStart = "<Category name=\"UI-Modification\">\n";
 
-TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
-    ScopedMemorySystem system;
+TEST_F(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
     const std::string hidden = "<ZANPPD key=\"QVDuplex\" value=\"False\"/>\n";
     const std::pair<std::string, bool> cases[] = {
         {categoryStart + "<Show>\n" + hidden + "</Show>\n</Category>", true},
@@ -60,8 +60,7 @@ TEST(ManagementTemplate, HidesAndLocksByPlainTextSearch) {
     EXPECT_FALSE(none.data->dmtSetNonPPDKeys());
 }
 
-TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
-    ScopedMemorySystem system;
+TEST_F(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     std::string xml = categoryStart + "<Controls>\n<ZANPPD key=\"NoDefault\"/>\n";
     for (const auto& [key, text] : {std::pair{"SlipSheet_B", "slip b"},
                                     {"RangeNum", "2"},
@@ -135,8 +134,7 @@ TEST(ManagementTemplate, KeysWithoutControlAreTakenOverOnce) {
     EXPECT_THAT(keys, ElementsAre("*QVAny", "*QVFold"));
 }
 
-TEST(ManagementTemplate, MoreKeysThanSlotsAndAnUnreadableDocument) {
-    ScopedMemorySystem system;
+TEST_F(ManagementTemplate, MoreKeysThanSlotsAndAnUnreadableDocument) {
     std::string xml = categoryStart + "<Controls>\n";
     for (int i = 100; i < 140; ++i) {
         xml += "<ZANPPD key=\"CoverPage_" + std::to_string(i) + "\" default=\"1\"/>\n";

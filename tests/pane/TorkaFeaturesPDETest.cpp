@@ -18,8 +18,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-TEST(PlugIn, GivesPanelsOfOneTypeForListedPrintersOnly) {
+struct PanelTest : testing::Test {
     Bench bench;
+};
+
+TEST_F(PanelTest, GivesPanelsOfOneTypeForListedPrintersOnly) {
     const auto plugIn = makeRegisteredClass("TorkaFeaturesPDEPlugIn5D2E7A419C3B4F608E17B04A6C2D9F85");
     ASSERT_TRUE(plugIn);
     EXPECT_FALSE(makeRegisteredClass("TorkaFeaturesPDEPlugIn"));
@@ -103,8 +106,7 @@ TEST(Panel, NothingIsSentBeforeThePaneWasPainted) {
     }
 }
 
-TEST(Panel, ANewAddressForgetsTheOldControllersData) {
-    Bench bench;
+TEST_F(PanelTest, ANewAddressForgetsTheOldControllersData) {
     const auto panel = bench.OpenShown();
     bench.system->files["/var/cache/torka/queues/Press.bididata"] = {"x", 0644};
     const auto answer = panel->Server().FetchServerData(
@@ -112,13 +114,6 @@ TEST(Panel, ANewAddressForgetsTheOldControllersData) {
     ASSERT_EQ(answer, ServerExchange::Answer::read);
     panel->printerAddressStored(false);
     EXPECT_EQ(panel->Server().GetState(), ServerExchange::State::nothing);
-}
-
-TEST(Panel, OnlyADiscoveredQueueHasAServiceName) {
-    Bench bench;
-    EXPECT_EQ(utf8Text(bench.OpenShown()->queueServiceName()), "");
-    bench.dialog->printer->deviceUri = "dnssd://Office%20Press._ipp._tcp.local./?uuid=1";
-    EXPECT_EQ(utf8Text(bench.OpenShown()->queueServiceName()), "Office Press");
 }
 
 TEST(Panel, QueueNamesComeFromTheLastComponent) {
@@ -206,8 +201,7 @@ TEST(Panel, NoPointerNamesAPanelThatIsGone) {
     }
 }
 
-TEST(Panel, TheRootViewMayOutliveIt) {
-    Bench bench;
+TEST_F(PanelTest, TheRootViewMayOutliveIt) {
     auto panel = bench.OpenShown();
     bench.widgets.quickAccessOpen = true;
     const ViewRef view = panel->panelView();
@@ -283,11 +277,12 @@ TEST(Panel, CustomPapersAreToldFromTheSystemsTicket) {
     }
 }
 
-TEST(Panel, DiscoveredQueuesGetTheirServiceAsAddressOnce) {
-    Bench bench;
+TEST_F(PanelTest, DiscoveredQueuesGetTheirServiceAsAddressOnce) {
+    EXPECT_EQ(utf8Text(bench.OpenShown()->queueServiceName()), "");
     bench.dialog->printer->deviceUri = "dnssd://Office%20Press._ipp._tcp.local./?uuid=1";
     const auto panel = bench.OpenShown();
     EXPECT_TRUE(panel->isBonjourPrinter());
+    EXPECT_EQ(utf8Text(panel->queueServiceName()), "Office Press");
     EXPECT_EQ(utf8Text(panel->GetPDEDataPtr()->GetCorvianPrinterAddress()), "Office Press");
     EXPECT_EQ(utf8Text(panel->currentIPAddress()), "Office Press");
     panel->GetPDEDataPtr()->SetCorvianPrinterAddress(cfString("10.0.0.9"), true);
@@ -295,8 +290,7 @@ TEST(Panel, DiscoveredQueuesGetTheirServiceAsAddressOnce) {
     EXPECT_EQ(utf8Text(panel->currentIPAddress()), "10.0.0.9");
 }
 
-TEST(Panel, TheSystemsTrayIsSelected) {
-    Bench bench;
+TEST_F(PanelTest, TheSystemsTrayIsSelected) {
     bench.Store("AP_FIRSTPAGE_InputSlot", cfString("Tray1"));
     const auto panel = bench.Open();
     EXPECT_EQ(valueOf(*panel, "*InputSlot"), "Tray1");
@@ -305,8 +299,7 @@ TEST(Panel, TheSystemsTrayIsSelected) {
     EXPECT_EQ(valueOf(*panel, "*InputSlot"), "Auto");
 }
 
-TEST(Panel, HidingEndsItsDialogs) {
-    Bench bench;
+TEST_F(PanelTest, HidingEndsItsDialogs) {
     const auto panel = bench.OpenShown();
     EXPECT_TRUE(panel->shouldHide());
     EXPECT_EQ(bench.widgets.quickAccessCancels, 0);
@@ -334,8 +327,7 @@ TEST(Panel, AnAdministratorCanSwitchQuickAccessOff) {
     EXPECT_EQ(bench.widgets.shifts[PaneOutlet::outputBinsView], -35);
 }
 
-TEST(Panel, PrintingSendsTheTicketAndKeepsTheSettings) {
-    Bench bench;
+TEST_F(PanelTest, PrintingSendsTheTicketAndKeepsTheSettings) {
     auto panel = bench.OpenShown();
     bench.widgets.painted();
     bench.dialog->printer->sent.clear();
@@ -366,8 +358,7 @@ TEST(Panel, PrintingSendsTheTicketAndKeepsTheSettings) {
     EXPECT_THAT(bench.SentTitles(), testing::Not(testing::Contains("Command_WritePSTemp")));
 }
 
-TEST(Panel, BelowVersionSevenTheTicketIsAFile) {
-    Bench bench;
+TEST_F(PanelTest, BelowVersionSevenTheTicketIsAFile) {
     bench.system->minorVersion = 6;
     const auto panel = bench.OpenShown();
     EXPECT_TRUE(panel->shouldPrint());
@@ -402,8 +393,7 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     EXPECT_THAT(choices(), IsEmpty());
 }
 
-TEST(Panel, NoJobLosesItsSettingsInSilence) {
-    Bench bench;
+TEST_F(PanelTest, NoJobLosesItsSettingsInSilence) {
     const auto panel = bench.OpenShown();
     bench.dialog->onSettings = [] { ++gMemoryShortages; };
     EXPECT_FALSE(panel->shouldPrint());
@@ -531,8 +521,7 @@ TEST(Panel, ADialogThatWasNeverShownKeepsTheStoredAddress) {
     EXPECT_EQ(utf8Text(second->GetPDEDataPtr()->GetCorvianPrinterAddress()), "10.0.0.7");
 }
 
-TEST(Automation, IsAppliedOnceBeforeTheFirstDisplay) {
-    Bench bench;
+TEST_F(PanelTest, IsAppliedOnceBeforeTheFirstDisplay) {
     const std::string start = R"(<?xml version="1.0"?><plist version="1.0"><dict>)";
     bench.system->files["/home/user/.config/torka/automation.plist"] = {
         start + "<key>QVFold</key><string>Half</string><key>*QVDuplex</key><string>Tumble</string>"

@@ -12,7 +12,7 @@ namespace torka::tests {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using UIPanel = PaneTest;
 
 std::string group(const std::string& keyword, const std::string& kind = "Rolldown") {
     return "*%ZANGroupName " + keyword + "/" + keyword + " name: True\n*%ZANParent " + keyword +
@@ -39,8 +39,7 @@ std::vector<std::string> shown(const PPDTree& tree) {
     return texts;
 }
 
-TEST(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
-    ScopedMemorySystem system;
+TEST_F(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
     Pane pane(paneHeader + group("Empty") + group("Finish") + popup("First", {"A", "B"}) +
               popup("QVDuplex", {"None", "Tumble"}) + moved(popup("QVStaple", {"Off", "On"}), "Finish") +
               moved(jobNote("Notes1"), "Finish") + moved(popup("QVOutProfile", {"Press"}), "Finish") +
@@ -68,8 +67,7 @@ TEST(UIPanel, TreePassesOverTheFirstGroupAndTheFirstControl) {
     EXPECT_THAT(shown(UI_Panel::Tree), isTheChoice);
 }
 
-TEST(UIPanel, TreeHoldsItsLimits) {
-    ScopedMemorySystem system;
+TEST_F(UIPanel, TreeHoldsItsLimits) {
     const CapturingLog log;
     std::string text = paneHeader + popup("First", {"A"});
     for (int i = 0; i < 300; ++i) {
@@ -91,18 +89,7 @@ TEST(UIPanel, TreeHoldsItsLimits) {
     EXPECT_EQ(UI_Panel::mPPD, nullptr);
 }
 
-CFDictionaryRef paper(const char* name, std::vector<double> edges = {}) {
-    std::vector<CFTypeRef> numbers;
-    for (const double edge : edges) {
-        numbers.push_back(CFNumberCreate(edge));
-    }
-    return CFDictionaryCreate(
-        {{cfString("com.apple.print.PaperInfo.ppd.PMPaperName"), name ? cfString(name) : nullptr},
-         {cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), CFArrayCreate(std::move(numbers))}});
-}
-
-TEST(UIPanel, PaperOfThePageSetup) {
-    ScopedMemorySystem system;
+TEST_F(UIPanel, PaperOfThePageSetup) {
     MemoryPanel services;
     services.texts["DocumentSizeCustom"] = "Eigenes Format";
     // The system's paper, whether it is a custom one, page size, custom size and its name.
@@ -122,7 +109,7 @@ TEST(UIPanel, PaperOfThePageSetup) {
                   popup("QVPrintSize", {"SameAsPageSize", "A5"}));
         pane.Set("*PageSize", "A3");
         pane.Set("*QVPrintSize", "A5");
-        pane.Store("com.apple.print.subTicket.paper_info_ticket", sheet);
+        pane.Store(paperTicket, sheet);
         UI_Panel panel(pane.data.get(), &services);
         EXPECT_EQ(pane.data->IsPageSizeSuppressed(), isCustom);
         EXPECT_EQ(panel.GetOSPageSize(), isCustom);
@@ -133,8 +120,7 @@ TEST(UIPanel, PaperOfThePageSetup) {
     }
 }
 
-TEST(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
-    ScopedMemorySystem system;
+TEST_F(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
     Pane pane(paneHeader + popup("PageSize", {"A4", "A3"}) + popup("QVDuplex", {"None", "Tumble"}) +
               popup("QVOutProfile", {"Press", "Coated"}) + jobNote("Notes1") + jobNote("PresetName") +
               unit("Unit", {"None", "Staple"}));
@@ -188,8 +174,7 @@ TEST(UIPanel, ResetKeepsWhatBelongsToTheMachineAndThePage) {
     EXPECT_STREQ(pane.model->Errors()->First()->Keyword(), "*QVControlBar");
 }
 
-TEST(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
-    ScopedMemorySystem system;
+TEST_F(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
     EXPECT_FALSE(CheckRemote(true)) << "no panel";
     for (const bool twoWay : {false, true}) {
         Pane pane(paneHeader + popup("QVSimulation", {"Euro", "Newsprint"}) + popup("QVControlBar", {"Off"}) +
@@ -216,9 +201,7 @@ TEST(UIPanel, ColourNotesAreMadeWithTwoWayCommunicationOnly) {
     }
 }
 
-TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
-    ScopedMemorySystem system;
-    Pane pane(paneHeader);
+TEST_F(BarePane, LocalPresetsGoToTheQueueWhenThereAreAny) {
     MemoryPanel services;
     UI_Panel panel(pane.data.get(), &services);
     const std::string path = "/tmp/ZAN/JPData/Driver_SMALL.PPD/Presets/presets.xml";
@@ -252,14 +235,12 @@ TEST(UIPanel, LocalPresetsGoToTheQueueWhenThereAreAny) {
     EXPECT_EQ(pane.printer->sent.size(), 1u);
 }
 
-TEST(UIPanel, AnAddressThatTheQueueDoesNotKeepIsTold) {
+TEST_F(BarePane, AnAddressThatTheQueueDoesNotKeepIsTold) {
     struct Refusing final : PropertyListStore {
         std::string Load() override { return {}; }
         SaveResult Save(std::string_view) override { return {noErr, false, "no room"}; }
     };
-    const ScopedMemorySystem system;
     const ScopedAlerts alerts;
-    Pane pane(paneHeader);
     PDEData data(pane.model.get(), cfString("Press"), QueueAccess{pane.session, {}},
                  [] { return std::make_unique<Refusing>(); });
     data.SetPrintSettings(pane.settings);
@@ -268,8 +249,7 @@ TEST(UIPanel, AnAddressThatTheQueueDoesNotKeepIsTold) {
     EXPECT_THAT(alerts->shown[0].informative, testing::EndsWith("no room"));
 }
 
-TEST(UIPanel, VersionsToldToTheModule) {
-    ScopedMemorySystem system;
+TEST_F(UIPanel, VersionsToldToTheModule) {
     MemoryPanel services;
     for (const auto& [version, told, isPylon] : {std::tuple{"4.4.1", "4.4.1", false},
                                                  {"4.3.1", "4.3.1", true},

@@ -5,8 +5,6 @@
 #include "tests/pane/UIPanelFixture.h"
 #include "tests/support/ScopedDouble.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <cstdlib>
 
@@ -15,8 +13,6 @@
 namespace torka::tests {
 
 namespace {
-
-using ::testing::IsEmpty;
 
 const std::string controls = jobNote("QVUserName") + jobNote("QVUserPassword", "127|Password|UTF8") +
                              jobNote("QVIP") + jobNote("QVWorkflowName") + jobNote("QVWorkflowFolder") +

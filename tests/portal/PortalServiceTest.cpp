@@ -77,10 +77,8 @@ protected:
     }
 
     void TearDown() override {
-        for (QWidget* window : QApplication::topLevelWidgets()) {
-            if (qobject_cast<QDialog*>(window) != nullptr && window->isVisible()) {
-                window->close();
-            }
+        for (QDialog* each : Shown<QDialog>()) {
+            each->close();
         }
         service.reset();
         frontend.reset();

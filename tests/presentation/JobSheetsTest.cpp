@@ -127,11 +127,7 @@ TEST(JobSheets, CustomSizesCount) {
         EXPECT_EQ(told(sheets), std::string(size) + " 1x1 front 1");
         EXPECT_THAT(jobSentences(pane.texts, sheets), testing::ElementsAre(sentence));
     };
-    const std::string ticket = "com.apple.print.subTicket.paper_info_ticket";
-    const auto edges = CFArrayCreate(
-        {CFNumberCreate(0.0), CFNumberCreate(0.0), CFNumberCreate(600.0), CFNumberCreate(400.0)});
-    pane.pane->Store(
-        ticket, CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), edges}}));
+    pane.pane->Store(paperTicket, paper(nullptr, {0, 0, 600, 400}));
     isDrawn("Letter", "Page Size: US Letter");
     data.SetPageSizeFromOS(true);
     isDrawn("400x600", "Page Size: 141.1 × 211.7 mm");
@@ -139,7 +135,7 @@ TEST(JobSheets, CustomSizesCount) {
     pane.pane->Set("*CustomPrintSize", "300 500");
     isDrawn("300x500", "Print Size: 105.8 × 176.4 mm");
     pane.pane->Set("*QVPrintSize", "SameAsPageSize");
-    pane.pane->Store(ticket, cfString("damaged"));
+    pane.pane->Store(paperTicket, cfString("damaged"));
     isDrawn("Letter", "Page Size: US Letter");
 }
 

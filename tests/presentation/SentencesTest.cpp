@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/Utilities/ModelState.h"
 #include "pane/panel/CustomizePaneController.h"
-#include "pane/presentation/ConflictNotice.h"
 #include "pane/presentation/FieldSearch.h"
 #include "pane/presentation/FieldTexts.h"
 #include "pane/presentation/GaugeTexts.h"
@@ -9,7 +8,6 @@
 #include "pane/presentation/NumberScale.h"
 #include "pane/presentation/PageList.h"
 #include "pane/presentation/PresetChoice.h"
-#include "pane/presentation/QuickAccessChoice.h"
 #include "pane/presentation/TwoWayNotice.h"
 #include "pane/presentation/WatermarkEditing.h"
 #include "tests/presentation/PresentationFixture.h"
@@ -74,36 +72,6 @@ TEST_F(Sample, SaysWhatForbids) {
     EXPECT_THAT(whySizeIsUnused(texts), HasSubstr("“Print Size: Custom Size”"));
     editor.SetValue("*QVPrintSize", "CustomPrintSize");
     EXPECT_EQ(whySizeIsUnused(texts), "");
-}
-
-TEST_F(Sample, TellsConflictsAndWhatResolvedThem) {
-    EXPECT_FALSE(conflictNotice(texts, nullptr).has_value());
-    editor.SetValue("*QVStaple", "Saddle");
-    spoken.pane->Set("*QVFinisherUnit", "None");
-    editor.Refresh();
-    const auto entries = pageEntries(texts, true, true);
-    const auto conflict = conflictNotice(texts, nullptr);
-    ASSERT_TRUE(conflict && conflict->isConflict && conflict->CanResolve());
-    EXPECT_EQ(conflict->text, "“Staple: Saddle Stitch” does not go together with “Finisher: Not Installed”.");
-    EXPECT_EQ(conflict->resolveTip, "Changes Staple to Off");
-    std::vector<std::string> marked;
-    const auto marks = conflictMarks(editor, entries, {"*QVStaple"});
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        if (marks[i]) {
-            marked.push_back(spokenTitle(texts, entries[i], true));
-        }
-    }
-    EXPECT_THAT(marked, ElementsAre("Quick Access, holds settings in conflict",
-                                    "Finishing, holds settings in conflict",
-                                    "Installed Options, holds settings in conflict"));
-    std::optional<ConflictNotice> after;
-    editor.AddListener([&](const PaneChange& change) { after = conflictNotice(texts, &change); });
-    ASSERT_TRUE(editor.Resolve());
-    ASSERT_TRUE(after && !after->isConflict && after->canUndo);
-    EXPECT_EQ(after->text, "Changed: Staple to Off");
-    EXPECT_EQ(undoTip(texts), "Undo: Staple");
-    editor.Undo();
-    EXPECT_TRUE(after->isConflict);
 }
 
 TEST_F(Sample, ListsPagesAndWhatDiffers) {
@@ -274,37 +242,6 @@ TEST(Sentences, RulesOfNotes) {
         EXPECT_EQ(counter.broken, broken) << flags;
         EXPECT_EQ(noteCounter(spoken.texts, note, text, true).broken, "") << "nobody can change a locked one";
     }
-}
-
-TEST_F(Sample, NamesFieldsThatBreakARule) {
-    EXPECT_THAT(brokenNotes(texts), IsEmpty());
-    editor.SetValue("*QVPageRanges", "1-5");
-    editor.SetValue("*QVCostCenter", "ab");
-    editor.SetValue("*QVAccountId", "12"); // the popup dialog asks for it
-    std::vector<std::string> named;
-    for (const BrokenNote& note : brokenNotes(texts)) {
-        named.push_back(note.keyword + ": " + note.sentence);
-    }
-    EXPECT_THAT(named,
-                ElementsAre("*QVPageRanges: “Pages with Covers” must be items of two letters or digits, or "
-                            "ranges of them, as in 01-05,07.",
-                            "*QVCostCenter: “Cost Center” must have at least 3 characters."));
-}
-
-TEST_F(Sample, QuickAccessOffersWhatTheAreaCanShow) {
-    QuickAccessChoice choice(texts, spoken.pane->data.get());
-    const auto groups = choice.Groups();
-    ASSERT_FALSE(groups.empty());
-    EXPECT_EQ(groups.front().heading, shownPlace(texts, groups.front().fields.front()));
-    for (const auto& group : groups) {
-        for (const PaneField& field : group.fields) {
-            EXPECT_NE(field.keyword, "*QVFinisherUnit") << "an installed option";
-        }
-    }
-    EXPECT_TRUE(choice.Offered(" ", {"*QVStaple"}).contains("*QVDuplex"));
-    EXPECT_THAT(choice.Offered("qvduplex", {}), ElementsAre("*QVDuplex"));
-    EXPECT_EQ(choice.CountText(3), "3 of 99");
-    EXPECT_TRUE(QuickAccessChoice::IsFull(99));
 }
 
 TEST(Sentences, FontsAndPapersOfWatermarks) {

@@ -7,7 +7,6 @@
 
 #include <initializer_list>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace torka::tests {

@@ -37,14 +37,7 @@ std::int32_t isServerReady(JPHANDLE handle) {
 SDMRESULT setJobKeyValues(JPHANDLE, const SDMKeyValueList* list) {
     current->calls.push_back("settings " + std::to_string(list->count));
     for (std::size_t i = 0; i < list->count; ++i) {
-        const std::wstring key = list->items[i].szKey;
-        const auto known = std::find_if(current->settings.begin(), current->settings.end(),
-                                        [&](const auto& setting) { return setting.first == key; });
-        if (known == current->settings.end()) {
-            current->settings.emplace_back(key, list->items[i].szValue);
-        } else {
-            known->second = list->items[i].szValue;
-        }
+        current->Set(list->items[i].szKey, list->items[i].szValue);
     }
     return 0;
 }
@@ -165,6 +158,11 @@ FakeJobPropertiesModule::~FakeJobPropertiesModule() {
     }
     setLibraryLoader(nullptr);
     current = nullptr;
+}
+
+void FakeJobPropertiesModule::Set(const std::wstring& key, const std::wstring& value) {
+    const auto known = std::ranges::find(settings, key, &Settings::value_type::first);
+    (known == settings.end() ? settings.emplace_back(key, L"") : *known).second = value;
 }
 
 void* FakeJobPropertiesModule::Allocate(std::size_t size) {

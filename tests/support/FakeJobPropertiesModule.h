@@ -39,7 +39,10 @@ public:
     std::size_t allocationsLeft = SIZE_MAX; // number of times that SDMAllocMemory succeeds
     std::function<void()> edit;             // called while the window is open
 
-    // The module's calls and arguments. A repeated key replaces the value and keeps its position.
+    // A repeated key replaces the value and keeps its position.
+    void Set(const std::wstring& key, const std::wstring& value);
+
+    // The module's calls and arguments.
     std::vector<std::string> calls;
     Settings settings;
     std::vector<std::wstring> readOnlyKeys;

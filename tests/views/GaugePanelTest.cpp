@@ -3,11 +3,6 @@
 #include "bidi/records/CFileHdlr.h"
 #include "tests/views/ViewFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <QScrollArea>
-#include <QTest>
-
 namespace torka::tests {
 namespace {
 

@@ -2,8 +2,6 @@
 #include "pane/views/QtPaneInterface.h"
 #include "tests/pane/PanelFixture.h"
 
-#include <gmock/gmock.h>
-
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>

@@ -6,28 +6,6 @@
 #include "pane/views/JobPicture.h"
 #include "tests/views/ViewFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <QAbstractItemModelTester>
-#include <QAbstractItemView>
-#include <QAction>
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QSignalSpy>
-#include <QSlider>
-#include <QTest>
-#include <QTimer>
-#include <QToolButton>
-#include <QTreeWidget>
-#include <QWheelEvent>
-
 namespace torka::tests {
 namespace {
 
@@ -175,18 +153,13 @@ TEST_F(PaneWidgetTest, SaysWhatForbidsAChoice) {
     QTest::keyClick(duplex, Qt::Key_Down);
     EXPECT_EQ(pane.Value("*QVDuplex"), "None") << "keys pass over what is forbidden";
     EXPECT_FALSE(Widget().Bar()->isVisible());
-    for (auto* sign : Widget().CurrentFieldPage()->RowOf("*QVDuplex")->Body()->findChildren<QToolButton*>()) {
-        if (sign->accessibleName() == QLatin1String("Why some choices are not available")) {
-            sign->click();
-        }
-    }
+    button(*Widget().CurrentFieldPage()->RowOf("*QVDuplex")->Body(), "Why some choices are not available")
+        .click();
     auto* offer = QApplication::activePopupWidget();
     ASSERT_NE(offer, nullptr);
-    auto* both = offer->findChild<QPushButton*>();
-    ASSERT_NE(both, nullptr);
-    EXPECT_EQ(both->text(), QStringLiteral("Change Both"));
-    EXPECT_THAT(both->toolTip().toStdString(), HasSubstr("Turn on Long Edge, Media Type to "));
-    QTest::mouseClick(both, Qt::LeftButton);
+    EXPECT_THAT(button(*offer, "Change Both").toolTip().toStdString(),
+                HasSubstr("Turn on Long Edge, Media Type to "));
+    press(*offer, "Change Both");
     EXPECT_EQ(pane.Value("*QVDuplex"), "LongEdge");
     EXPECT_NE(pane.Value("*MediaType"), "Labels");
     EXPECT_TRUE(pane.Editor().Conflicts().empty());
@@ -287,14 +260,25 @@ TEST_F(PaneWidgetTest, FindsByNameKeywordAndChoice) {
 TEST_F(PaneWidgetTest, ShowsWhatDiffersAndSetsItBack) {
     pane.Editor().SetValue("*MediaType", "Labels");
     pane.Editor().SetValue("*QVMirror", "True");
-    ASSERT_TRUE(Widget().ShowPage("summary"));
-    auto* list = pane.Root()->findChild<QTreeWidget*>();
-    ASSERT_EQ(list->topLevelItemCount(), 2);
-    list->topLevelItem(0)->setSelected(true);
-    list->setFocus();
+    QTreeWidget* list = nullptr;
+    const auto choose = [&](int row, int rows) {
+        ASSERT_TRUE(Widget().ShowPage("summary"));
+        list = pane.Root()->findChild<QTreeWidget*>();
+        ASSERT_EQ(list->topLevelItemCount(), rows);
+        list->setCurrentItem(list->topLevelItem(row));
+        list->setFocus();
+    };
+    choose(1, 2);
+    press(*list->parentWidget(), "Show");
+    ASSERT_NE(Field<QCheckBox>("*QVMirror"), nullptr);
+    EXPECT_EQ(pane.Value("*QVMirror"), "True");
+    choose(0, 2);
     QTest::keyClick(list, Qt::Key_Delete);
     EXPECT_EQ(pane.Value("*MediaType"), "Plain");
-    ASSERT_EQ(list->topLevelItemCount(), 1);
+    choose(0, 1);
+    press(*list->parentWidget(), "Back to Default");
+    EXPECT_EQ(pane.Value("*QVMirror"), "False");
+    pane.Editor().Undo();
     QTest::mouseClick(pane.Find<QPushButton>("defaultsButton"), Qt::LeftButton);
     EXPECT_EQ(pane.Value("*QVMirror"), "False");
     EXPECT_EQ(list->topLevelItemCount(), 0);
@@ -339,17 +323,12 @@ TEST_F(PaneWidgetTest, AsksAboutConflictsBeforeAJob) {
                                                  {"Resolve", true, "None"}}) {
         pane.pane->Set("*QVStaple", "Saddle");
         pane.pane->Set("*QVFinisherUnit", "None");
-        QTimer::singleShot(0, qApp, [word = QLatin1String(answer)] {
-            auto* question = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        QTimer::singleShot(0, qApp, [words = answer] {
+            auto* question = QApplication::activeModalWidget();
             ASSERT_NE(question, nullptr);
             auto* list = question->findChild<QListWidget*>();
             EXPECT_THAT(list->item(0)->text().toStdString(), HasSubstr("Saddle"));
-            for (auto* button : question->findChildren<QPushButton*>()) {
-                if (button->text().remove(QLatin1Char('&')) == word) {
-                    return button->click();
-                }
-            }
-            question->reject();
+            button(*question, words).click();
         });
         EXPECT_EQ(pane.interface->confirmConflicts(), prints) << answer;
         EXPECT_EQ(pane.Value("*QVStaple"), staple) << answer;
@@ -360,9 +339,8 @@ TEST_F(PaneWidgetTest, AsksAboutConflictsBeforeAJob) {
     QTimer::singleShot(0, qApp, [] {
         auto* question = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(question, nullptr);
-        for (const auto* button : question->findChildren<QPushButton*>()) {
-            const bool isResolve = button->text() == QLatin1String("&Resolve");
-            EXPECT_EQ(button->isEnabled(), !isResolve) << button->text().toStdString();
+        for (const auto* each : question->findChildren<QPushButton*>()) {
+            EXPECT_EQ(each->isEnabled(), each->text() != "&Resolve") << each->text().toStdString();
         }
         QTest::keyClick(question, Qt::Key_Return); // the default button cancels
     });
@@ -441,11 +419,7 @@ TEST(LongGroup, MakesItsRowsAsTheyAreScrolledTo) {
 
 TEST_F(PaneWidgetTest, RollDownsOpenAndCloseByKeys) {
     ASSERT_TRUE(Widget().ShowPage("QVColorPage"));
-    QToolButton* header = nullptr;
-    for (QToolButton* button : Widget().CurrentFieldPage()->findChildren<QToolButton*>()) {
-        header = button->accessibleName() == QStringLiteral("Color Management") ? button : header;
-    }
-    ASSERT_NE(header, nullptr);
+    QAbstractButton* header = &button(*Widget().CurrentFieldPage(), "Color Management");
     auto* mode = Field<QComboBox>("*QVColorMode");
     ASSERT_NE(mode, nullptr);
     EXPECT_TRUE(mode->isVisible());

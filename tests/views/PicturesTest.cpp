@@ -9,23 +9,6 @@
 #include "platform/TextEncoding.h"
 #include "tests/views/ViewFixture.h"
 
-#include <QAbstractItemView>
-#include <QAccessible>
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QMetaEnum>
-#include <QPainter>
-#include <QTest>
-#include <QTimer>
-#include <QToolButton>
-
 #include <fstream>
 
 // Compares what a person sees of the pane, and what assistive technology tells of it, with the pictures and
@@ -100,17 +83,13 @@ QString roleAndName(QWidget* widget) {
 // What the visible widgets tell a person without a look at them, and what they accept.
 void tell(QWidget& widget, const QString& indent, QString& told) {
     static const QStringList usual{"", "0", "false", "32767", "ImhNone", "NonModal", "Normal"};
+    static const QByteArrayList properties =
+        QByteArray("accessibleName accessibleDescription toolTip placeholderText value currentText minimum "
+                   "maximum singleStep pageStep decimals suffix maxLength inputMethodHints echoMode checked "
+                   "default focus windowModality shortcut")
+            .split(' ');
     QString line;
-    for (const char* name : {"accessibleName", "accessibleDescription",
-                             "toolTip",        "placeholderText",
-                             "value",          "currentText",
-                             "minimum",        "maximum",
-                             "singleStep",     "pageStep",
-                             "decimals",       "suffix",
-                             "maxLength",      "inputMethodHints",
-                             "echoMode",       "checked",
-                             "default",        "focus",
-                             "windowModality", "shortcut"}) {
+    for (const QByteArray& name : properties) {
         const QString value = widget.property(name).toString();
         if (!usual.contains(value)) {
             line += QStringLiteral(" | %1: %2").arg(QLatin1String(name), value);
@@ -273,15 +252,6 @@ public:
         QMetaObject::invokeMethod(&field, "selectAll");
         QTest::keyClicks(&field, QLatin1String(keys));
     }
-    static void Click(QWidget& above, const char* words) {
-        for (auto* button : above.findChildren<QAbstractButton*>()) {
-            if (button->text() == QString::fromUtf8(words) ||
-                button->accessibleName() == QLatin1String(words)) {
-                return button->click();
-            }
-        }
-        ADD_FAILURE() << words;
-    }
     void AddWatermark(const char* definition) {
         auto& watermarks = pane->pane->data->Watermarks();
         watermarks.Append(std::make_unique<ZANWatermark>(definition));
@@ -433,16 +403,12 @@ void takeWatermarkDialog(Test& test) {
     test.pane->pane->format->orientation = kPMLandscape;
     test.AddWatermark("0,90,-120,1,2,3,0,0,0,-305,0,0,64,Times-Roman,Draft, not for sale");
     QWidget* page = test.pane->Find<QListWidget>("watermarks")->parentWidget();
-    Test::Click(*page, "Edit…");
+    button(*page, "Edit…").click();
     test.Take(*page->findChild<QDialog*>());
 }
 
 void setPaperWithoutName(Test& test) {
-    const auto edges = CFArrayCreate(
-        {CFNumberCreate(0.0), CFNumberCreate(0.0), CFNumberCreate(600.0), CFNumberCreate(400.0)});
-    test.pane->pane->Store(
-        "com.apple.print.subTicket.paper_info_ticket",
-        CFDictionaryCreate({{cfString("com.apple.print.PaperInfo.PMUnadjustedPaperRect"), edges}}));
+    test.pane->pane->Store(paperTicket, paper(nullptr, {0, 0, 600, 400}));
     test.pane->pane->data->SetPageSizeFromOS(true);
     test.pane->Draw();
 }
@@ -483,7 +449,7 @@ const Situation situations[] = {
      }},
     {"forbidden", "", "*MediaType=Labels",
      [](Test& test) {
-         Test::Click(*test.Field("*QVDuplex").parentWidget(), "Why some choices are not available");
+         button(*test.Field("*QVDuplex").parentWidget(), "Why some choices are not available").click();
          test.Take(*QApplication::activePopupWidget());
          QApplication::activePopupWidget()->close();
      }},
@@ -515,7 +481,7 @@ const Situation situations[] = {
      }},
     {"conflict-dialog", "", quarrel,
      [](Test& test) { test.TakeModal([&] { return test.pane->interface->confirmConflicts(); }); }},
-    {"broken-notes", "", "*QVPageRanges=1-5 *QVCostCenter=ab",
+    {"broken-notes", "", "*QVPageRanges=1-5 *QVCostCenter=ab *QVAccountId=12",
      [](Test& test) { test.TakeModal([&] { return test.pane->interface->confirmBrokenNotes(); }); }},
     {"popup-notes", "", "",
      [](Test& test) {

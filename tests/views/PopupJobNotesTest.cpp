@@ -3,17 +3,6 @@
 #include "pane/data/PanelState.h"
 #include "tests/views/ViewFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <QCheckBox>
-#include <QDialog>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-
 // Tests the popup job-note dialog and the gauges with real widgets.
 
 namespace torka::tests {

@@ -4,15 +4,6 @@
 #include "platform/memory/MemorySpooler.h"
 #include "tests/views/ViewFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTest>
-#include <QToolButton>
-
 namespace torka::tests {
 namespace {
 

@@ -4,15 +4,6 @@
 
 #include "tests/views/ViewFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTest>
-#include <QTreeWidget>
-
 namespace torka::tests {
 namespace {
 
@@ -50,19 +41,8 @@ struct QuickAccessTest : testing::Test {
         }
         return items;
     }
-    static void DoubleClick(QAbstractItemView& list, const QModelIndex& row) {
-        list.scrollTo(row);
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(row).center());
-        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(row).center());
-    }
     void Search(const char* text) { Dialog().SearchField()->setText(QString::fromUtf8(text)); }
-    void Press(const char* text) {
-        for (auto* button : Dialog().findChildren<QPushButton*>()) {
-            if (button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
-                return QTest::mouseClick(button, Qt::LeftButton);
-            }
-        }
-    }
+    void Press(const char* words) { QTest::mouseClick(&button(Dialog(), words), Qt::LeftButton); }
     void AddByKeys() {
         auto* list = Dialog().Available();
         list->setFocus();
@@ -82,8 +62,7 @@ struct QuickAccessTest : testing::Test {
 };
 
 TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndMouseAndKeepsThemOnOK) {
-    auto* button = pane->Find<QWidget>("customizeQuickAccessButton");
-    EXPECT_TRUE(button->isVisible());
+    EXPECT_TRUE(pane->Find<QWidget>("customizeQuickAccessButton")->isVisible());
     auto* list = Dialog().ChosenList();
     list->selectAll();
     list->setFocus();
@@ -97,7 +76,7 @@ TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndMouseAndKeepsThemOnOK) {
              tree.setCurrentItem(Available().front());
              QTest::mouseClick(Dialog().AddButton(), Qt::LeftButton);
          }},
-        {"Duplex", [&] { DoubleClick(tree, tree.indexFromItem(Available().front())); }}};
+        {"qvduplex", [&] { doubleClick(tree, tree.indexFromItem(Available().front())); }}};
     for (const auto& [name, add] : ways) {
         Search(name);
         ASSERT_THAT(Available(), Not(IsEmpty())) << name;
@@ -106,7 +85,8 @@ TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndMouseAndKeepsThemOnOK) {
     const std::vector<std::string> added = Dialog().Chosen();
     ASSERT_EQ(added.size(), 3U);
     EXPECT_EQ(added[0], "*QVStaple");
-    Search("");
+    Search(" ");
+    EXPECT_GT(Available().size(), 50U);
     for (const QTreeWidgetItem* item : Available()) {
         EXPECT_NE(item->text(0), QLatin1String("Staple")) << "each only once";
     }
@@ -118,7 +98,7 @@ TEST_F(QuickAccessTest, AddsOrdersAndRemovesByKeysAndMouseAndKeepsThemOnOK) {
     EXPECT_THAT(Dialog().Chosen(), ElementsAre(added[2], added[0], added[1]));
     Press("Move Down");
     EXPECT_THAT(Dialog().Chosen(), ElementsAre(added[0], added[2], added[1]));
-    DoubleClick(*list, list->model()->index(2, 0));
+    doubleClick(*list, list->model()->index(2, 0));
     EXPECT_THAT(Stored(), IsEmpty()) << "nothing before OK";
     Press("OK");
     EXPECT_FALSE(Sheet().validWindowSessionRunning());

@@ -6,12 +6,11 @@
 #include "pane/views/QtPaneInterface.h"
 #include "tests/pane/PaneFixture.h"
 
-#include <QCoreApplication>
-#include <QTest>
-#include <QWidget>
-#include <gtest/gtest.h>
+#include <QtTest>
+#include <QtWidgets>
+#include <gmock/gmock.h>
 
-// A pane with real widgets for a description, without a dialog.
+// A pane with real widgets for a description, without a dialog, and what tests of widgets share.
 
 namespace torka::tests {
 
@@ -76,6 +75,32 @@ inline std::unique_ptr<Pane> paneOfFile(const std::string& path) {
 
 inline std::unique_ptr<Pane> samplePane() {
     return paneOfFile(TORKA_SOURCE_DIR "/samples/torka-production.ppd");
+}
+
+// The button of these words, without its mnemonic's sign, or of this accessible name.
+inline QAbstractButton& button(const QWidget& above, const char* words) {
+    for (auto* each : above.findChildren<QAbstractButton*>()) {
+        if (each->text().remove(QLatin1Char('&')) == QString::fromUtf8(words) ||
+            each->accessibleName() == QString::fromUtf8(words)) {
+            return *each;
+        }
+    }
+    throw std::runtime_error(words);
+}
+
+// Clicks at it, which must be possible, and does what the click leaves for later.
+inline void press(const QWidget& above, const char* words) {
+    QAbstractButton& pressed = button(above, words);
+    EXPECT_TRUE(pressed.isVisible() && pressed.isEnabled()) << words;
+    QTest::mouseClick(&pressed, Qt::LeftButton);
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+inline void doubleClick(QAbstractItemView& list, const QModelIndex& row) {
+    list.scrollTo(row);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(row).center());
+    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(row).center());
 }
 
 } // namespace torka::tests

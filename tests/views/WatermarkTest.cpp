@@ -4,16 +4,6 @@
 #include "pane/views/WatermarkPage.h"
 #include "tests/views/ViewFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QTest>
-
 namespace torka::tests {
 namespace {
 
@@ -33,40 +23,50 @@ struct WatermarkTest : testing::Test {
     WatermarkPage& Page() {
         return *static_cast<WatermarkPage*>(pane.Find<QListWidget>("watermarks")->parentWidget());
     }
+    WatermarkDialog& Dialog() {
+        return Page().Dialog() != nullptr ? *Page().Dialog() : throw std::runtime_error("no dialog");
+    }
     void Type(const QString& text) {
-        auto* field = Page().Dialog()->findChild<QLineEdit*>(QStringLiteral("watermarkText"));
+        auto* field = Dialog().findChild<QLineEdit*>("watermarkText");
         field->selectAll();
         field->insert(text);
     }
     void Accept() {
         const auto before = Kept();
-        Page().Dialog()->accept();
+        button(Dialog(), "OK").click();
         EXPECT_EQ(Kept(), before) << "stored inside the signal of the dialog";
         QCoreApplication::sendPostedEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     void Add(const char* text) {
-        Page().Add();
+        press(Page(), "Add…");
         Type(QString::fromUtf8(text));
         Accept();
     }
     // The watermarks that a new panel of this printer reads.
     std::vector<std::string> Kept() {
-        PDEData data(pane.pane->model.get(), cfString("Press"), QueueAccess{pane.pane->session, {}},
-                     [kept = pane.pane->addressList] { return std::make_unique<StringStore>(kept); });
-        data.GetWatermarksFromPreferences();
-        std::vector<std::string> texts;
-        for (std::size_t i = 0; i < data.Watermarks().Count(); ++i) {
-            texts.push_back(data.Watermarks().At(i)->Text());
-        }
-        return texts;
+        const auto data = pane.pane->DataOf("Press");
+        data->GetWatermarksFromPreferences();
+        return textsOf(data->Watermarks());
     }
 };
 
-TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByKeys) {
+TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByMouseAndKeys) {
     QListWidget* list = Page().List();
+    press(Page(), "Add…");
+    Type("Draft");
+    press(Dialog(), "Cancel");
+    EXPECT_EQ(Page().Dialog(), nullptr);
     EXPECT_EQ(list->count(), 1) << "none";
-    Add("Draft, not for sale");
+    Add("Draft");
+    for (const auto& [text, open] :
+         {std::pair<const char*, std::function<void()>>{"Final", [&] { press(Page(), "Edit…"); }},
+          {"Draft, not for sale", [&] { doubleClick(*list, list->currentIndex()); }}}) {
+        open();
+        Type(text);
+        Accept();
+        EXPECT_EQ(list->currentItem()->text(), text);
+    }
     Add("<b>R&D</b> %1");
     EXPECT_THAT(Kept(), ElementsAre("Draft, not for sale", "<b>R&D</b> %1"));
     EXPECT_EQ(Watermarks().SelectedIndex(), 1);
@@ -83,12 +83,11 @@ TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByKeys) {
                       QPoint(8, Page().FirstPageBox()->height() / 2));
     EXPECT_TRUE(Watermarks().Selected()->IsFirstPageOnly());
     QTest::keyClick(list, Qt::Key_Return);
-    ASSERT_NE(Page().Dialog(), nullptr);
-    auto* up = Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkUp"));
+    auto* up = Dialog().findChild<QDoubleSpinBox*>("watermarkUp");
     up->setValue(25.4);
     EXPECT_EQ(up->text().remove(QLatin1Char(' ')), QStringLiteral("25.4mm"));
-    Page().Dialog()->findChild<QDoubleSpinBox*>(QStringLiteral("watermarkAngle"))->setValue(-30.5);
-    QTest::keyClicks(Page().Dialog()->findChild<QComboBox*>("watermarkColor"), "Clear");
+    Dialog().findChild<QDoubleSpinBox*>("watermarkAngle")->setValue(-30.5);
+    QTest::keyClicks(Dialog().findChild<QComboBox*>("watermarkColor"), "Clear");
     Type(QStringLiteral("Proof"));
     Accept();
     const ZANWatermark* edited = Watermarks().Selected();
@@ -101,22 +100,21 @@ TEST_F(WatermarkTest, AddsEditsChoosesAndDeletesByKeys) {
     EXPECT_THAT(Kept(), ElementsAre("<b>R&D</b> %1"));
     EXPECT_EQ(Watermarks().Selected(), nullptr);
     list->setCurrentRow(1);
-    QTest::keyClick(list, Qt::Key_Delete);
+    press(Page(), "Delete");
     EXPECT_THAT(Kept(), IsEmpty()) << "the last one, too";
 }
 
 TEST_F(WatermarkTest, RefusesWhatNoDefinitionCanHold) {
     Page().Add();
     Type(QStringLiteral("  "));
-    Accept();
+    Dialog().accept();
     EXPECT_EQ(Watermarks().Count(), 0U);
-    ASSERT_NE(Page().Dialog(), nullptr) << "still open";
-    auto* font = Page().Dialog()->findChild<QComboBox*>(QStringLiteral("watermarkFont"));
+    auto* font = Dialog().findChild<QComboBox*>(QStringLiteral("watermarkFont"));
     font->lineEdit()->setText(QStringLiteral("Hel,vetica (x)"));
     EXPECT_FALSE(font->lineEdit()->hasAcceptableInput());
     Type(QString(500, QChar(0x65E5)));
-    EXPECT_EQ(Page().Dialog()->Fields().text.size(), WatermarkFields::longestText * 3);
-    EXPECT_EQ(Page().Dialog()->findChild<QLabel*>(QStringLiteral("fieldMessage"))->text(),
+    EXPECT_EQ(Dialog().Fields().text.size(), WatermarkFields::longestText * 3);
+    EXPECT_EQ(Dialog().findChild<QLabel*>(QStringLiteral("fieldMessage"))->text(),
               QString::fromUtf8("This font cannot print: 日"));
     WatermarkFields odd;
     odd.fontName = "A,B";

@@ -72,15 +72,6 @@ TEST(AES256CBC, RefusesOtherSizesAndMissingArguments) {
     EXPECT_EQ(length, 32);
 }
 
-// The text with its terminator, then 16 - r bytes with the value 15 - r.
-Block paddedText(const std::string& text) {
-    Block bytes(text.begin(), text.end());
-    bytes.push_back(0);
-    const std::size_t rest = bytes.size() % 16;
-    bytes.insert(bytes.end(), 16 - rest, static_cast<std::uint8_t>(15 - rest));
-    return bytes;
-}
-
 Block cutOrZeroFilled(Block bytes, std::size_t size) {
     bytes.resize(size);
     return bytes;
@@ -91,10 +82,11 @@ Block cutOrZeroFilled(Block bytes, std::size_t size) {
 TEST(AES256CBC, PadsTextsItsOwnWayWithinTheBuffer) {
     const std::string options =
         " -aes-256-cbc -nopad -K " + toHexText(aesKey) + " -iv " + toHexText(aesVector);
-    EXPECT_EQ(paddedText(""), fromHex("000e0e0e0e0e0e0e0e0e0e0e0e0e0e0e"));
+    EXPECT_EQ(tests::aesPadded(""), '\0' + std::string(15, '\x0e'));
     for (const std::size_t textLength : {0U, 1U, 14U, 15U, 16U, 31U, 32U, 40U, 200U}) {
         const std::string text(textLength, 'n');
-        const Block plain = paddedText(text);
+        const std::string padded = tests::aesPadded(text);
+        const Block plain(padded.begin(), padded.end());
         Block cipher = tests::openSslCipher("-e" + options, plain);
         const int whole = static_cast<int>(plain.size());
         for (int capacity = -1; capacity <= whole + 20; ++capacity) {

@@ -9,7 +9,6 @@ namespace torka {
 namespace {
 
 using tests::bytesOf;
-using tests::fromHex;
 using tests::openSsl;
 using tests::toHexText;
 

@@ -32,4 +32,11 @@ inline std::vector<std::uint8_t> openSslCipher(const std::string& options,
     return {output.begin(), output.end()};
 }
 
+// The text with its terminator, then 16 - r bytes with the value 15 - r.
+inline std::string aesPadded(std::string text) {
+    text.push_back('\0');
+    const std::size_t rest = text.size() % 16;
+    return text.append(16 - rest, static_cast<char>(15 - rest));
+}
+
 } // namespace torka::tests
