@@ -21,11 +21,15 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     return std::make_unique<QApplication>(argc, argv);
 }
 
+void refuseCommandLine(const QString& reason) {
+    std::fprintf(stderr, "%s: %s\n", qPrintable(QCoreApplication::applicationName()),
+                 apps::printable(reason.toStdString()).c_str());
+    std::exit(2);
+}
+
 void processCommandLine(QCommandLineParser& parser, const QString& helpEnd) {
     if (!parser.parse(QCoreApplication::arguments())) {
-        std::fprintf(stderr, "%s: %s\n", qPrintable(QCoreApplication::applicationName()),
-                     apps::printable(parser.errorText().toStdString()).c_str());
-        std::exit(2);
+        refuseCommandLine(parser.errorText());
     }
     if (parser.isSet(QStringLiteral("help"))) {
         std::fputs((parser.helpText() + QLatin1Char('\n') + helpEnd).toUtf8().constData(), stdout);

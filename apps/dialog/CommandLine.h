@@ -16,4 +16,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv);
 // the exit statuses. REQUIRES: an application object; `parser` with its help and version options.
 void processCommandLine(QCommandLineParser& parser, const QString& helpEnd);
 
+// Ends the program with status 2 and one line that says why.
+[[noreturn]] void refuseCommandLine(const QString& reason);
+
 } // namespace torka::dialog

@@ -60,11 +60,12 @@ Arguments readArguments() {
         parser,
         QStringLiteral("Example:\n  torka-print-dialog -d office samples/brochure.ps\n\n"
                        "Exit status: 0 success, 1 failed job, 2 unusable input, 3 dialog cancelled.\n"));
-    if (parser.positionalArguments().size() != 1) {
-        parser.showHelp(2);
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 1) {
+        dialog::refuseCommandLine(files.isEmpty() ? QStringLiteral("name the document to print")
+                                                  : QStringLiteral("unexpected argument '%1'").arg(files[1]));
     }
-    return {parser.positionalArguments().constFirst(), parser.value(queue), parser.value(bundle),
-            parser.value(pictures)};
+    return {files.constFirst(), parser.value(queue), parser.value(bundle), parser.value(pictures)};
 }
 
 int run(int argc, char** argv) {

@@ -41,6 +41,8 @@ void leaveOutOwnPlugIn() {
     qputenv("QT_QPA_GENERIC_PLUGINS", plugIns.join(','));
 }
 
+constexpr int longestIdle = 86400; // seconds
+
 struct Arguments {
     QString bundle;
     int idleSeconds = 60;
@@ -68,8 +70,12 @@ Arguments readArguments() {
                        "Exit status: 0 success, 2 when the command line or the bus cannot be used.\n"));
     bool isNumber = false;
     const int seconds = parser.value(idle).toInt(&isNumber);
-    if (!parser.positionalArguments().isEmpty() || !isNumber || seconds < 0 || seconds > 86400) {
-        parser.showHelp(2);
+    if (const QStringList more = parser.positionalArguments(); !more.isEmpty()) {
+        dialog::refuseCommandLine(QStringLiteral("unexpected argument '%1'").arg(more.constFirst()));
+    }
+    if (!isNumber || seconds < 0 || seconds > longestIdle) {
+        dialog::refuseCommandLine(QStringLiteral("--idle takes seconds from 0 to %1, not '%2'")
+                                      .arg(QString::number(longestIdle), parser.value(idle)));
     }
     return {parser.value(bundle), seconds, parser.isSet(replace)};
 }

@@ -521,7 +521,7 @@ TEST(Panel, ADialogThatWasNeverShownKeepsTheStoredAddress) {
     EXPECT_EQ(utf8Text(second->GetPDEDataPtr()->GetCorvianPrinterAddress()), "10.0.0.7");
 }
 
-TEST_F(PanelTest, IsAppliedOnceBeforeTheFirstDisplay) {
+TEST_F(PanelTest, AutomationIsAppliedOnceBeforeTheFirstDisplay) {
     const std::string start = R"(<?xml version="1.0"?><plist version="1.0"><dict>)";
     bench.system->files["/home/user/.config/torka/automation.plist"] = {
         start + "<key>QVFold</key><string>Half</string><key>*QVDuplex</key><string>Tumble</string>"

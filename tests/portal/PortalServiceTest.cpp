@@ -404,6 +404,21 @@ TEST_F(PortalServiceTest, ThePersonHearsOfADocumentThatIsNone) {
     }
 }
 
+TEST(PrintPortal, RefusesWhatItCannotUse) {
+    for (const auto& [words, reason] :
+         {std::pair(std::vector<std::string>{"--idle", "x"}, "from 0 to 86400, not 'x'"),
+          {{"--idle", "-1"}, "not '-1'"},
+          {{"--idle", "86401"}, "not '86401'"},
+          {{"more"}, "unexpected argument 'more'"},
+          {{"--bundle", "/nowhere"}, "/nowhere cannot be loaded"}}) {
+        std::vector<std::string> command{"timeout", "20", TORKA_BINARY_DIR "/bin/torka-print-portal"};
+        command.insert(command.end(), words.begin(), words.end());
+        const CommandResult result = runCommand(command);
+        EXPECT_EQ(result.status, 2) << words[0];
+        EXPECT_NE(result.errors.find(reason), std::string::npos) << result.errors;
+    }
+}
+
 TEST_F(PortalServiceTest, EndsOnlyWhenNothingIsOpen) {
     bool isIdle = false;
     QObject::connect(service.get(), &portal::PrintService::idle, [&] { isIdle = true; });
