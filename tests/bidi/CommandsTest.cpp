@@ -83,12 +83,11 @@ TEST(Commands, AreSent) {
         sendUpdateCommandToCFFWithCommand(printer, "ID", "host", "locale=en\n", "records=TrayInfo\n"));
     std::string sent;
     for (const MemoryPrinter::SentCommand& each : printer->sent) {
-        sent += utf8Text(each.title) + "|" + utf8Text(each.command) + "|";
-        sent +=
-            (each.options
-                 ? utf8Text(cfCast<CFString>(CFDictionaryGetValue(each.options, cfString(ticketNameOption))))
-                 : "") +
-            "|";
+        const CFTypeRef name =
+            each.options ? CFDictionaryGetValue(each.options, cfString(ticketNameOption)) : nullptr;
+        for (const CFStringRef& text : {each.title, each.command, cfCast<CFString>(name)}) {
+            sent += utf8Text(text) + "|";
+        }
     }
     EXPECT_EQ(sent, "Command_PSTempFileName|/Library/Caches/ZAN/Torka.temp1|Torka.temp1|"
                     "Command_WritePSTemp|<plist>\xE6\xBC\xA2</plist>|Torka.temp1|"

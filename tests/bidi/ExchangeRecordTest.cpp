@@ -13,7 +13,6 @@ using ::testing::IsEmpty;
 
 class ExchangeRecord : public ::testing::Test {
 protected:
-    ExchangeRecord() { Forget(); }
     ~ExchangeRecord() override { Forget(); }
     static void Forget() {
         gotSharedListFromJP = gotServerPresetFromJP = false;

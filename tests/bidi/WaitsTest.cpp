@@ -17,11 +17,8 @@ namespace torka {
 namespace {
 
 using std::chrono::milliseconds;
-using ::testing::Contains;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 class Waits : public ::testing::Test {
 protected:
@@ -134,8 +131,8 @@ TEST_F(Waits, TitlesInTheLogStayInTheirLine) {
         seen.push_back(progress.waited);
     }));
     EXPECT_THAT(seen, ElementsAre(milliseconds(0)));
-    EXPECT_THAT(streams.Errors(), Contains(HasSubstr("c=T?PPD: x, j=T?PPD: x")));
-    EXPECT_THAT(streams.Errors(), Each(Not(HasSubstr("\nPPD"))));
+    EXPECT_THAT(streams.Errors(), testing::Contains(HasSubstr("c=T?PPD: x, j=T?PPD: x")));
+    EXPECT_THAT(streams.Errors(), testing::Each(testing::Not(HasSubstr("\nPPD"))));
 }
 
 TEST_F(Waits, DataFile) {

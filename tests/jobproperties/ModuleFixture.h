@@ -25,9 +25,6 @@ protected:
         ::unsetenv("TORKA_JP_SCRIPT");
         unloadJobPropertiesLibrary();
         setLibraryLoader(nullptr);
-        sharedList = nullptr;
-        sharedListCopyFromJP.reset();
-        gotSharedListFromJP = gotServerPresetFromJP = false;
     }
     void SetTwoWay(bool on) { setField(record->bidiEnabled, on ? "1" : "0"); }
     void SetSettings(const Pairs& pairs) {
