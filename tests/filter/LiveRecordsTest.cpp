@@ -43,8 +43,8 @@ TEST(SupplyText, TakesItsPairsApart) {
         EXPECT_EQ(text.Number(key), supplyUnknown) << key;
     }
     EXPECT_EQ(SupplyText("").Text("name"), "");
-    EXPECT_EQ(SupplyText(std::string(100'000, ';') + "level=1;").Number("level"), supplyUnknown)
-        << "too long";
+    // A longer text is none.
+    EXPECT_EQ(SupplyText(std::string(100'000, ';') + "level=1;").Number("level"), supplyUnknown);
 }
 
 TEST(LiveRecords, SuppliesOfEveryKind) {
@@ -76,8 +76,8 @@ TEST(LiveRecords, ListsThatDisagreeAndTextsThatAreMoreThanFields) {
     EXPECT_NE(toner.find("\n" + std::string(255, 'x') + "@"), std::string::npos);
     queue.markerNames.assign(100'000, "x");
     EXPECT_TRUE(recordOf(liveRecords({}, queue, {}), "TonerInfo").starts_with("1000\n"));
-    EXPECT_EQ(recordOf(liveRecords({}, {}, choices), "TrayInfo"), "absent")
-        << "a description alone is nothing live";
+    // A description alone is nothing live.
+    EXPECT_EQ(recordOf(liveRecords({}, {}, choices), "TrayInfo"), "absent");
 }
 
 TEST(LiveRecords, TraysByWhatIsLoaded) {
