@@ -188,14 +188,13 @@ TEST_F(Callbacks, TheTableInBothStates) {
 // Every callback that reads a record, in each state of two-way communication that has it. A callback that
 // finds nothing leaves no block, whichever allocation fails.
 TEST_F(Callbacks, AnswersFromTheirRecords) {
-    struct Case {
+    const struct {
         Ask ask;
         const char* record;
         std::wstring content;
         std::string answer;
         bool also = false; // whether two-way communication that is off has it, too
-    };
-    const std::vector<Case> cases = {
+    } cases[] = {
         {List(SDM_SLOT_GET_PPD_DEFAULTS), "PpdDefaults", L"K=v\nL=EMPTYSTRING\nM=", "K=v;L=;M=;"},
         {List(SDM_SLOT_UPDATE_HUE_KEEPER_OPTIONS), "HueKeeper", L"K=v\nL=EMPTYSTRING\n\nK==\n",
          "K=v;L=EMPTYSTRING;K==;"},
@@ -237,7 +236,7 @@ TEST_F(Callbacks, AnswersFromTheirRecords) {
     setField(record->ppdCopyPath, "/a & b.ppd");
     for (const bool twoWay : {true, false}) {
         Load(isTwoWay = twoWay);
-        for (const Case& entry : cases) {
+        for (const auto& entry : cases) {
             if (!twoWay && !entry.also) {
                 continue;
             }

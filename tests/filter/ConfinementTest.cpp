@@ -49,12 +49,6 @@ protected:
 };
 
 TEST_F(Confinement, RefusesWhatNoJobNeeds) {
-    struct Case {
-        const char* name;
-        Network network;
-        std::function<int()> call;
-        int expected;
-    };
     const auto exec = [] {
         ::execl("/bin/true", "true", nullptr);
         return errno;
@@ -71,11 +65,13 @@ TEST_F(Confinement, RefusesWhatNoJobNeeds) {
         std::thread([&value] { value = 0; }).join();
         return value;
     };
-    const auto core = [] {
-        ::abort();
-        return 0;
-    };
-    const Case cases[] = {
+    const auto core = []() -> int { ::abort(); };
+    const struct {
+        const char* name;
+        Network network;
+        std::function<int()> call;
+        int expected;
+    } cases[] = {
         {"local socket", Network::none, [] { return socketError(AF_UNIX); }, 0},
         {"IPv4", Network::none, [] { return socketError(AF_INET); }, EAFNOSUPPORT},
         {"IPv6", Network::none, [] { return socketError(AF_INET6); }, EAFNOSUPPORT},
@@ -93,7 +89,7 @@ TEST_F(Confinement, RefusesWhatNoJobNeeds) {
         {"core file", Network::none, [] { return ::prctl(PR_GET_DUMPABLE); }, 0},
         {"end by a signal", Network::none, core, 256 + SIGABRT},
     };
-    for (const Case& entry : cases) {
+    for (const auto& entry : cases) {
         const int answer = inChild([&entry] {
             const auto problems = confine(entry.network);
             return problems.empty() ? entry.call() : 200;

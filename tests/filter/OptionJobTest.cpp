@@ -52,14 +52,13 @@ std::string toldBy(const OptionJob& job) {
 
 TEST(OptionJob, ReadsEachKindOfSetting) {
     const FilterHarness harness;
-    struct Case {
+    const auto feature = [](const std::string& text) { return "%%BeginFeature: *" + text + "\n"; };
+    const std::string noSaddle = "*QVStaple=Saddle does not go together with *QVFoldStyle=Half";
+    const struct {
         std::string options;
         std::vector<std::string> expected; // in the ticket
         std::string told = {};             // "" for nothing
-    };
-    const auto feature = [](const std::string& text) { return "%%BeginFeature: *" + text + "\n"; };
-    const std::string noSaddle = "*QVStaple=Saddle does not go together with *QVFoldStyle=Half";
-    const std::vector<Case> cases{
+    } cases[] = {
         {"QVStaple=Saddle", {feature("QVStaple Saddle"), "[*QVStaple]"}},
         {"*qvstaple=saddle", {feature("QVStaple Saddle")}},
         {"QVStaple=Nope", {feature("QVStaple None")}, "QVStaple does not offer Nope"},
@@ -110,7 +109,7 @@ TEST(OptionJob, ReadsEachKindOfSetting) {
          {},
          "torka-conflicts takes print, resolve or stop, not perhaps"},
     };
-    for (const Case& each : cases) {
+    for (const auto& each : cases) {
         SCOPED_TRACE(each.options);
         const std::optional<OptionJob> job = read(each.options);
         ASSERT_TRUE(job);

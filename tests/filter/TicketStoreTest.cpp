@@ -222,21 +222,20 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
 TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
     const FilterHarness harness;
     constexpr int day = 24;
-    struct Case {
+    const struct {
         bool isUsed;
         const char* missing; // suffix of the missing half
         std::chrono::seconds age;
         bool isKept;
-    };
-    const std::vector<Case> cases{{false, nullptr, hours(29 * day), true},
-                                  {false, nullptr, hours(31 * day), false},
-                                  {true, nullptr, hours(6 * day), true},
-                                  {true, nullptr, hours(8 * day), false},
-                                  {false, "", hours(0), true},
-                                  {false, "", hours(2), false},
-                                  {false, ".owner", hours(0), true},
-                                  {false, ".owner", hours(2), false}};
-    for (std::size_t i = 0; i < cases.size(); ++i) {
+    } cases[] = {{false, nullptr, hours(29 * day), true},
+                 {false, nullptr, hours(31 * day), false},
+                 {true, nullptr, hours(6 * day), true},
+                 {true, nullptr, hours(8 * day), false},
+                 {false, "", hours(0), true},
+                 {false, "", hours(2), false},
+                 {false, ".owner", hours(0), true},
+                 {false, ".owner", hours(2), false}};
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         const int number = static_cast<int>(i);
         ASSERT_EQ(store(anna, command, nameOf(number), "text"), "");
         if (cases[i].isUsed) {
@@ -262,7 +261,7 @@ TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
         makeOlder(harness.Cache(name), age);
     }
     TicketStore::SweepSometimes();
-    for (std::size_t i = 0; i < cases.size(); ++i) {
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         const std::string name = nameOf(static_cast<int>(i));
         const bool isThere = PrivateFolder::Exists(name) || PrivateFolder::Exists(name + ".owner");
         EXPECT_EQ(isThere, cases[i].isKept) << i;
@@ -275,21 +274,20 @@ TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
 TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
     const std::size_t large = maximumOfSender.bytes / 4;
     const Sender away{"Proofs", "anna", "pc7"};
-    struct Case {
+    const struct {
         const char* what;
         std::size_t number; // number of tickets, each of a different user unless isOneUser
         std::size_t bytes;
         bool isOneUser;
         bool hasRoom;     // for the tickets' user on the same host
         bool hasRoomAway; // for the same user on another host
-    };
-    for (const Case& c :
-         {Case{"one below the number", maximumOfSender.number - 1, 1, true, true, true},
-          Case{"the number", maximumOfSender.number, 1, true, false, true},
-          Case{"the bytes", 4, large, true, false, true},
-          Case{"one byte below", 4, large - 1, true, true, true},
-          Case{"the host's bytes, whatever its users are called", 16, large, false, false, true},
-          Case{"everybody's bytes", 32, large, false, false, false}}) {
+    } cases[] = {{"one below the number", maximumOfSender.number - 1, 1, true, true, true},
+                 {"the number", maximumOfSender.number, 1, true, false, true},
+                 {"the bytes", 4, large, true, false, true},
+                 {"one byte below", 4, large - 1, true, true, true},
+                 {"the host's bytes, whatever its users are called", 16, large, false, false, true},
+                 {"everybody's bytes", 32, large, false, false, false}};
+    for (const auto& c : cases) {
         const FilterHarness harness;
         ASSERT_FALSE(PrivateFolder::Prepare());
         for (std::size_t i = 0; i < c.number; ++i) { // as commands would, but faster
