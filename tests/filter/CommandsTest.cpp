@@ -6,7 +6,6 @@
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 #include "spooler/filter/TwoWayFolder.h"
-#include "tests/e2e/Noise.h"
 #include "tests/filter/FilterHarness.h"
 #include "tests/support/SmallPPD.h"
 
