@@ -20,7 +20,6 @@
 namespace torka::filter {
 namespace {
 
-using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 
 // Runs `answer` in a child process. Returns the exit status, or 256 plus the signal that ended the child.
@@ -119,7 +118,7 @@ TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
     EXPECT_THAT(told, HasSubstr("Seccomp:\t2\n"));
     // The server's own limits stay where they are lower.
     for (const char* limits : {"core file size +0 +0", "open files +200 +256", "cpu time +7200 +7230"}) {
-        EXPECT_THAT(told, ContainsRegex(std::string("Max ") + limits + " "));
+        EXPECT_THAT(told, testing::ContainsRegex(std::string("Max ") + limits + " "));
     }
 }
 
@@ -127,8 +126,7 @@ TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
 TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
     const tests::TemporaryFolder folder;
     const std::string document = folder.Write("document", "%!PS\nshowpage\n");
-    const pid_t child = ::fork();
-    if (child == 0) {
+    const int ended = inChild([&folder, &document] {
         ::dup2(::creat((folder / "output").c_str(), 0600), STDOUT_FILENO);
         ::dup2(::creat((folder / "errors").c_str(), 0600), STDERR_FILENO);
         scmp_filter_ctx list = ::seccomp_init(SCMP_ACT_ALLOW);
@@ -139,11 +137,9 @@ TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
             ::execl(TORKA_BINARY_DIR "/bin/torkafilter", "torkafilter", "1", "lp", "title", "1", "",
                     document.c_str(), nullptr);
         }
-        ::_exit(127);
-    }
-    int ended = 0;
-    ::waitpid(child, &ended, 0);
-    EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << ended;
+        return 127;
+    });
+    EXPECT_EQ(ended, 0);
     EXPECT_EQ(tests::readFile(folder / "output"), "%!PS\nshowpage\n");
     EXPECT_THAT(tests::readFile(folder / "errors"), HasSubstr("DEBUG: system calls cannot be refused"));
 }

@@ -5,8 +5,9 @@
 #include "platform/memory/MemoryNetServices.h"
 #include "spooler/filter/LiveSource.h"
 #include "spooler/filter/SupplyText.h"
-#include "tests/filter/FilterHarness.h"
+#include "tests/support/ScopedDouble.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <tuple>
 
@@ -20,12 +21,8 @@ namespace {
 using namespace filter;
 
 std::string recordOf(const std::vector<ControllerRecord>& records, const std::string& name) {
-    for (const ControllerRecord& record : records) {
-        if (record.name == name) {
-            return utf8FromWide(wideFromPayload(record.payload));
-        }
-    }
-    return "absent";
+    const auto found = std::ranges::find(records, name, &ControllerRecord::name);
+    return found == records.end() ? "absent" : utf8FromWide(wideFromPayload(found->payload));
 }
 
 const QueueChoices choices{{{"Tray1", "Tray 1"}, {"LCT", "Large Capacity"}},

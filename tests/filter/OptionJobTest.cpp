@@ -16,7 +16,6 @@ namespace {
 
 using namespace filter;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::Not;
 
 const std::string sample = TORKA_SOURCE_DIR "/samples/torka-production.ppd";
@@ -33,21 +32,26 @@ std::optional<OptionJob> read(const std::string& options, const std::string& ppd
     return readOptionJob(job, secrets);
 }
 
-// Every entry but the suppressed keywords, which stand in brackets.
-std::string entriesOf(const OptionJob& job) {
-    std::string text;
-    for (const TicketEntry& entry : job.ticket.entries) {
-        text += entry.site == siteSuppressedKeyword ? "[" + entry.bytes + "]\n" : entry.bytes;
-    }
-    return text;
-}
+struct Made {
+    std::string refusal;
+    std::string entries; // the suppressed keywords stand in brackets
+    std::string told;
+};
 
-std::string toldBy(const OptionJob& job) {
-    std::string text;
-    for (const std::string& line : job.told) {
-        text += line + "\n";
+// A job that has settings.
+template <typename... Arguments>
+Made made(const Arguments&... arguments) {
+    const std::optional<OptionJob> given = read(arguments...);
+    EXPECT_TRUE(given);
+    const OptionJob job = given.value_or(OptionJob());
+    Made texts{job.refusal, "", ""};
+    for (const TicketEntry& entry : job.ticket.entries) {
+        texts.entries += entry.site == siteSuppressedKeyword ? "[" + entry.bytes + "]\n" : entry.bytes;
     }
-    return text;
+    for (const std::string& line : job.told) {
+        texts.told += line + "\n";
+    }
+    return texts;
 }
 
 TEST(OptionJob, ReadsEachKindOfSetting) {
@@ -111,22 +115,17 @@ TEST(OptionJob, ReadsEachKindOfSetting) {
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.options);
-        const std::optional<OptionJob> job = read(each.options);
-        ASSERT_TRUE(job);
-        EXPECT_EQ(job->refusal, "");
-        const std::string entries = entriesOf(*job);
+        const Made job = made(each.options);
+        EXPECT_EQ(job.refusal, "");
         for (const std::string& expected : each.expected) {
-            EXPECT_THAT(entries, HasSubstr(expected));
+            EXPECT_THAT(job.entries, HasSubstr(expected));
         }
-        if (each.told.empty()) {
-            EXPECT_EQ(toldBy(*job), "");
-        } else {
-            EXPECT_THAT(toldBy(*job), HasSubstr(each.told));
-        }
+        EXPECT_THAT(job.told, HasSubstr(each.told));
+        EXPECT_EQ(job.told.empty(), each.told.empty()) << job.told;
         // The print server's own code stays for the page size, the collation, and choices of several.
         for (const char* keyword : {"PageSize", "PageRegion", "Collate", "QVMarks"}) {
-            EXPECT_THAT(entries, Not(HasSubstr("[*" + std::string(keyword) + "]")));
-            EXPECT_THAT(entries, Not(HasSubstr("%%BeginFeature: *" + std::string(keyword) + " ")));
+            EXPECT_THAT(job.entries, Not(HasSubstr("[*" + std::string(keyword) + "]")));
+            EXPECT_THAT(job.entries, Not(HasSubstr("%%BeginFeature: *" + std::string(keyword) + " ")));
         }
     }
 }
@@ -152,44 +151,40 @@ TEST(OptionJob, HoldsForThousandsOfOptionsAndLongTexts) {
     for (int i = 0; i < 3000; ++i) {
         options += " x" + std::to_string(i) + "=\"\\n\x01 '{" + "\"";
     }
-    const std::optional<OptionJob> job = read(options);
-    ASSERT_TRUE(job);
-    EXPECT_THAT(entriesOf(*job), HasSubstr("%%ZANCustom1: " + std::string(60'000, 'a') + "\n"));
-    EXPECT_THAT(toldBy(*job), HasSubstr("Notes1 must have at most 63 characters"));
-    EXPECT_THAT(toldBy(*job), HasSubstr("QVStaple does not offer %%%"));
+    const Made job = made(options);
+    EXPECT_THAT(job.entries, HasSubstr("%%ZANCustom1: " + std::string(60'000, 'a') + "\n"));
+    EXPECT_THAT(job.told, HasSubstr("Notes1 must have at most 63 characters"));
+    EXPECT_THAT(job.told, HasSubstr("QVStaple does not offer %%%"));
 }
 
 TEST(OptionJob, StopsForSecretsAndWhenItIsToldTo) {
     const FilterHarness harness;
     const std::string secret = "74915362";
     for (const char* keyword : {"Resume", "*resume", "DeptPassword", "QVUserPassword", "QVUserAuthPwd"}) {
-        const std::optional<OptionJob> job = read(std::string(keyword) + "=" + secret + "\xff QVNegative");
-        ASSERT_TRUE(job);
-        EXPECT_THAT(job->refusal, HasSubstr("is protected and cannot be an option")) << keyword;
-        EXPECT_THAT(job->refusal + toldBy(*job) + entriesOf(*job), Not(HasSubstr(secret)));
+        const Made job = made(std::string(keyword) + "=" + secret + "\xff QVNegative");
+        EXPECT_THAT(job.refusal, HasSubstr("is protected and cannot be an option")) << keyword;
+        EXPECT_THAT(job.refusal + job.told + job.entries, Not(HasSubstr(secret)));
     }
-    EXPECT_THAT(read("QVStaple=Saddle QVFoldStyle=Half torka-conflicts=stop")->refusal,
+    EXPECT_THAT(made("QVStaple=Saddle QVFoldStyle=Half torka-conflicts=stop").refusal,
                 HasSubstr("*QVFoldStyle=Half"));
-    EXPECT_THAT(read("QVScale=x torka-conflicts=stop")->refusal, HasSubstr("QVScale takes a number"));
-    EXPECT_EQ(read("QVScale=50 torka-conflicts=stop")->refusal, "");
+    EXPECT_THAT(made("QVScale=x torka-conflicts=stop").refusal, HasSubstr("QVScale takes a number"));
+    EXPECT_EQ(made("QVScale=50 torka-conflicts=stop").refusal, "");
 
-    const std::optional<OptionJob> bare =
-        read("Resume=" + secret + " QVDSPassword=" + secret + " Notes1=x", sample, SecretNotes::leftOut);
-    ASSERT_TRUE(bare);
-    EXPECT_EQ(bare->refusal, "");
-    EXPECT_THAT(entriesOf(*bare), HasSubstr("%%ZANCustom1: x\n"));
-    EXPECT_THAT(entriesOf(*bare) + toldBy(*bare), Not(HasSubstr(secret)));
-    EXPECT_THAT(toldBy(*bare), HasSubstr("QVDSPassword is left out\nResume is left out"));
+    const Made bare =
+        made("Resume=" + secret + " QVDSPassword=" + secret + " Notes1=x", sample, SecretNotes::leftOut);
+    EXPECT_EQ(bare.refusal, "");
+    EXPECT_THAT(bare.entries, HasSubstr("%%ZANCustom1: x\n"));
+    EXPECT_THAT(bare.entries + bare.told, Not(HasSubstr(secret)));
+    EXPECT_THAT(bare.told, HasSubstr("QVDSPassword is left out\nResume is left out"));
 }
 
 // Nothing of the server's stands in a document that its filters have not seen.
 TEST(OptionJob, CarriesEverythingForADocumentThatTheServersFiltersHaveNotSeen) {
     const FilterHarness harness;
-    const std::optional<OptionJob> job =
-        read("QVNegative PageSize=A3", sample, SecretNotes::refused, "application/vnd.cups-postscript");
-    ASSERT_TRUE(job);
-    EXPECT_THAT(entriesOf(*job), HasSubstr("%%BeginFeature: *PageSize A3\n"));
-    EXPECT_THAT(entriesOf(*job), HasSubstr("%%BeginFeature: *QVMarks Crop\n"));
+    const Made job =
+        made("QVNegative PageSize=A3", sample, SecretNotes::refused, "application/vnd.cups-postscript");
+    EXPECT_THAT(job.entries, HasSubstr("%%BeginFeature: *PageSize A3\n"));
+    EXPECT_THAT(job.entries, HasSubstr("%%BeginFeature: *QVMarks Crop\n"));
 }
 
 TEST(OptionJob, FindsTheWatermarksThatItsQueueKeeps) {
@@ -211,10 +206,9 @@ TEST(OptionJob, FindsTheWatermarksThatItsQueueKeeps) {
     const std::string ppd = folder.Write("Proofs.ppd", "*PPD-Adobe: \"4.3\"\n" + lines + readFile(sample));
     for (const auto& [name, hex] :
          {std::pair{"DRAFT", "<4452414654>"}, {"Draft", "<4472616674>"}, {"dRAFT", "<4472616674>"}}) {
-        const std::optional<OptionJob> job = read(std::string("torka-watermark=") + name, ppd);
-        ASSERT_TRUE(job);
-        EXPECT_THAT(job->told, IsEmpty());
-        EXPECT_THAT(entriesOf(*job), HasSubstr(hex)) << name;
+        const Made job = made(std::string("torka-watermark=") + name, ppd);
+        EXPECT_EQ(job.told, "");
+        EXPECT_THAT(job.entries, HasSubstr(hex)) << name;
     }
 }
 

@@ -74,11 +74,9 @@ TEST(TicketStore, ANameThatTravelsWithTheTextDecidesWhateverTheOrder) {
     EXPECT_NE(store(anna, command, "Torka.temp", "text"), "");
     EXPECT_NE(store(bert, command, nameOf(1), "text"), "");
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
-    struct stat facts {};
-    ASSERT_EQ(stat(harness.Cache(nameOf(1)).c_str(), &facts), 0);
-    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
-    ASSERT_EQ(stat(harness.Cache().c_str(), &facts), 0);
-    EXPECT_EQ(facts.st_mode & 0777U, 0711U);
+    using std::filesystem::perms;
+    EXPECT_EQ(std::filesystem::status(harness.Cache(nameOf(1))).permissions(), perms(0600));
+    EXPECT_EQ(std::filesystem::status(harness.Cache()).permissions(), perms(0711));
 }
 
 // A foreign sender gives no name. The text then belongs to the only name announced for its queue, user and
@@ -126,15 +124,13 @@ TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
     }
     // Of many filters at the same time, one job gets the ticket.
     std::vector<std::string> contents(16);
-    std::vector<std::thread> filters;
+    std::vector<std::jthread> filters;
     for (std::size_t i = 0; i < contents.size(); ++i) {
         filters.emplace_back([&contents, i] {
             contents[i] = contentOf(anna, ticketPath(2), {std::to_string(i), "urn:uuid:2"});
         });
     }
-    for (std::thread& filter : filters) {
-        filter.join();
-    }
+    filters.clear(); // waits for them
     EXPECT_EQ(std::ranges::count(contents, "text"), 1);
 
     // With two texts for one name, no new job prints with either; a job that has begun goes on. A restarted
