@@ -8,7 +8,6 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/bidi/BidiTestSupport.h"
-#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>

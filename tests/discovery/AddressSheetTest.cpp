@@ -6,7 +6,6 @@
 #include "platform/memory/MemoryServiceDirectory.h"
 #include "platform/qt/QtEventLoop.h"
 #include "tests/connection/MemoryAddressOwner.h"
-#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <QCheckBox>
@@ -40,12 +39,6 @@ protected:
         controller = BonjourModuleController::init(owner, *sheet);
         window->show();
     }
-    ~AddressSheetTest() override {
-        controller.reset();
-        sheet.reset();
-        window.reset();
-    }
-
     void Announce(const std::string& name, const std::string& address) {
         ResolvedService answer{name + ".local.", 631, {HostAddress()}};
         const bool resolves = parseIPv4Address(address, answer.addresses[0]);

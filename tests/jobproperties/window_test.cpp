@@ -79,18 +79,11 @@ protected:
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
         SetDescription(std::string(TORKA_SOURCE_DIR) + "/samples/torka-production.ppd");
-        SetSettings({{"*PageSize", "A4"},
-                     {"*QVDuplex", "None"},
-                     {"*QVBookletCreep", "10"},
-                     {"*Notes1", "hello"},
-                     {"*InputSlot", "Server1"},
-                     {"*QVStaple", "None"},
-                     {"*QV_COPIES", "1"},
-                     {"num copies", "1"},
-                     {"*MM_A1", "raw"},
-                     {"*QVServiceMode", "x"},
-                     {"*QV_WATERMARK", "-1"},
-                     {"*DeptPassword", "harbor7"}});
+        const Pairs job{{"*PageSize", "A4"},     {"*QVDuplex", "None"},     {"*QVBookletCreep", "10"},
+                        {"*Notes1", "hello"},    {"*InputSlot", "Server1"}, {"*QVStaple", "None"},
+                        {"*QV_COPIES", "1"},     {"num copies", "1"},       {"*MM_A1", "raw"},
+                        {"*QVServiceMode", "x"}, {"*QV_WATERMARK", "-1"},   {"*DeptPassword", "harbor7"}};
+        SetSettings(job);
         host.Put("PresetsList", L"1\nBrochure\n");
         host.Put("PresetsData",
                  L"Brochure\nJPKeyValues=1\n*QVDuplex=Long\nTesselKeyValues=0\nPresetKeyValues=0\n");
