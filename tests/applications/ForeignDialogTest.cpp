@@ -168,7 +168,7 @@ TEST_F(ForeignDialogTest, ACancelledDialogAndAForeignQueueAreAsWithoutThePane) {
         for (const char* field : {"colorMode", "duplex"}) {
             EXPECT_EQ(dialog.findChild<QWidget*>(field)->isHidden(), hasPane) << queue << field;
         }
-        UseProperties(dialog, [hasPane](QDialog& window) {
+        UseProperties(dialog, [hasPane = hasPane](QDialog& window) {
             auto* tabs = window.findChild<QTabWidget*>("tabs");
             EXPECT_EQ(tabs->isTabVisible(tabs->indexOf(window.findChild<QWidget*>("cupsPropertiesPage"))),
                       !hasPane);
