@@ -26,6 +26,10 @@ namespace {
 
 constexpr auto engineOptions = static_cast<QPrintEngine::PrintEnginePropertyKey>(0xfe00);
 
+QStringList optionsOf(const QPrinter& printer) {
+    return printer.printEngine()->property(engineOptions).toStringList();
+}
+
 class ForeignDialogTest : public PaneHands {
 protected:
     void SetUp() override {
@@ -40,10 +44,6 @@ protected:
             {"lpadmin", "-p", "Plain", "-E", "-v", "torkasink:/", "-m", "drv:///sample.drv/generic.ppd"});
         ASSERT_EQ(plain.status, 0) << plain.errors;
         ASSERT_EQ(runCommand({"lpadmin", "-d", "Production"}).status, 0);
-    }
-
-    static QStringList OptionsOf(const QPrinter& printer) {
-        return printer.printEngine()->property(engineOptions).toStringList();
     }
 
     // The index of the pane's tab among those of its tab widget; -1 without one that people see.
@@ -117,7 +117,7 @@ TEST_F(ForeignDialogTest, PrintsOnceWithThePanesSettingsAndAgainWithoutTheNotes)
     ASSERT_EQ(dialog.exec(), QDialog::Accepted);
     EXPECT_EQ(printed, 1);
     EXPECT_EQ(printer.copyCount(), 2);
-    EXPECT_FALSE(OptionsOf(printer).join(' ').contains("Two proofs"));
+    EXPECT_FALSE(optionsOf(printer).join(' ').contains("Two proofs"));
     const std::string document = NextPrinted(before);
     for (const char* expected : {"/RMXsetStaple /Saddle", "Two proofs", "*QVDuplex ShortEdge"}) {
         EXPECT_NE(document.find(expected), std::string::npos) << expected;
@@ -138,8 +138,7 @@ TEST_F(ForeignDialogTest, PrintsOnceWithThePanesSettingsAndAgainWithoutTheNotes)
 std::string stateOf(const QPrinter& printer) {
     QString text;
     QDebug(&text) << printer.printerName() << printer.pageLayout() << printer.copyCount()
-                  << printer.collateCopies() << printer.duplex()
-                  << printer.printEngine()->property(engineOptions).toStringList();
+                  << printer.collateCopies() << printer.duplex() << optionsOf(printer);
     return text.toStdString();
 }
 
@@ -169,7 +168,7 @@ TEST_F(ForeignDialogTest, ACancelledDialogAndAForeignQueueAreAsWithoutThePane) {
         for (const char* field : {"colorMode", "duplex"}) {
             EXPECT_EQ(dialog.findChild<QWidget*>(field)->isHidden(), hasPane) << queue << field;
         }
-        UseProperties(dialog, [hasPane](QDialog& window) {
+        UseProperties(dialog, [hasPane = hasPane](QDialog& window) {
             auto* tabs = window.findChild<QTabWidget*>("tabs");
             EXPECT_EQ(tabs->isTabVisible(tabs->indexOf(window.findChild<QWidget*>("cupsPropertiesPage"))),
                       !hasPane);
@@ -182,7 +181,7 @@ TEST_F(ForeignDialogTest, ACancelledDialogAndAForeignQueueAreAsWithoutThePane) {
     ChooseQueue(dialog, "Plain");
     PressPrint(dialog);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_FALSE(OptionsOf(printer).join(' ').contains("PSData"));
+    EXPECT_FALSE(optionsOf(printer).join(' ').contains("PSData"));
 }
 
 TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
@@ -215,8 +214,7 @@ TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
         if (!prints) {
             accepts = true;
             dialog.accept();
-            EXPECT_TRUE(OptionsOf(printer).contains("indefinite"))
-                << OptionsOf(printer).join(' ').toStdString();
+            EXPECT_TRUE(optionsOf(printer).contains("indefinite"));
             QTest::qWait(1);
             for (QWidget* window : QApplication::topLevelWidgets()) {
                 if (auto* told = qobject_cast<QMessageBox*>(window); told != nullptr) {
@@ -225,7 +223,7 @@ TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {
                 }
             }
         } else {
-            EXPECT_TRUE(OptionsOf(printer).join(' ').contains("PSData"));
+            EXPECT_TRUE(optionsOf(printer).join(' ').contains("PSData"));
             PrintPage(printer);
             EXPECT_EQ(NextPrinted(before).find("*QVFoldStyle Half") != std::string::npos,
                       answer == std::string("Print Anyway"));
@@ -241,7 +239,7 @@ TEST_F(ForeignDialogTest, ADialogThatIsAcceptedAtOncePrintsWithTheSettingsToo) {
         const Answers person({{"popupJobNotes", Answers::Accept}}); // it comes some time after the pane
         byKey ? QTest::keyClick(&dialog, Qt::Key_Return) : dialog.accept();
         EXPECT_FALSE(dialog.isVisible());
-        EXPECT_TRUE(OptionsOf(printer).join(' ').contains("PSData")) << byKey;
+        EXPECT_TRUE(optionsOf(printer).join(' ').contains("PSData")) << byKey;
     }
 }
 

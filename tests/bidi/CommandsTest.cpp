@@ -10,9 +10,6 @@
 namespace torka {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::Pair;
-
 TEST(Commands, TitlesNameTheirCommands) {
     const tests::ScopedMemorySystem system;
     const std::string uuid = "00000000-0000-4000-8000-000000000001";
@@ -45,7 +42,7 @@ TEST(Commands, RequestsComeApartAsTheyWereJoined) {
     ASSERT_TRUE(request);
     EXPECT_EQ(request->identifier, "ID-1");
     EXPECT_EQ(request->printerAddress, "10.0.0.7");
-    EXPECT_THAT(request->lines, ElementsAre(Pair("locale", "ja")));
+    EXPECT_THAT(request->lines, testing::ElementsAre(testing::Pair("locale", "ja")));
     EXPECT_TRUE(parseUpdateRequest("a::DELIMIT::::DELIMIT::"));
     for (const std::string& refused :
          {std::string(), std::string("a::DELIMIT::b"), std::string("../a::DELIMIT::b::DELIMIT::"),
@@ -83,12 +80,11 @@ TEST(Commands, AreSent) {
         sendUpdateCommandToCFFWithCommand(printer, "ID", "host", "locale=en\n", "records=TrayInfo\n"));
     std::string sent;
     for (const MemoryPrinter::SentCommand& each : printer->sent) {
-        sent += utf8Text(each.title) + "|" + utf8Text(each.command) + "|";
-        sent +=
-            (each.options
-                 ? utf8Text(cfCast<CFString>(CFDictionaryGetValue(each.options, cfString(ticketNameOption))))
-                 : "") +
-            "|";
+        const CFTypeRef name =
+            each.options ? CFDictionaryGetValue(each.options, cfString(ticketNameOption)) : nullptr;
+        for (const CFStringRef& text : {each.title, each.command, cfCast<CFString>(name)}) {
+            sent += utf8Text(text) + "|";
+        }
     }
     EXPECT_EQ(sent, "Command_PSTempFileName|/Library/Caches/ZAN/Torka.temp1|Torka.temp1|"
                     "Command_WritePSTemp|<plist>\xE6\xBC\xA2</plist>|Torka.temp1|"

@@ -8,12 +8,8 @@
 namespace torka {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 class ExchangeRecord : public ::testing::Test {
 protected:
-    ExchangeRecord() { Forget(); }
     ~ExchangeRecord() override { Forget(); }
     static void Forget() {
         gotSharedListFromJP = gotServerPresetFromJP = false;
@@ -184,8 +180,9 @@ TEST_F(ExchangeRecord, WatermarksGoInWhileThereIsRoom) {
 
     definitions.assign(6, std::string(1023, 'w'));
     EXPECT_EQ(setWatermarkDefinitions(*record, definitions), 5U);
-    EXPECT_THAT(watermarkDefinitions(*record),
-                ElementsAre(definitions[0], definitions[0], definitions[0], definitions[0], definitions[0]));
+    EXPECT_THAT(
+        watermarkDefinitions(*record),
+        testing::ElementsAre(definitions[0], definitions[0], definitions[0], definitions[0], definitions[0]));
     EXPECT_EQ(fieldText(record->count), "");
     EXPECT_EQ(fieldText(record->watermarksPresent), "1");
     definitions.assign(1, std::string(1024, 'w'));
@@ -204,7 +201,7 @@ TEST_F(ExchangeRecord, WatermarksGoInWhileThereIsRoom) {
     }
     wchar_t* texts[] = {nullptr};
     EXPECT_EQ(Create_SharedMemoryWatermarkList_From_SDMList(*record, {1, texts}), 0U);
-    EXPECT_THAT(watermarkDefinitions(*record), IsEmpty());
+    EXPECT_THAT(watermarkDefinitions(*record), testing::IsEmpty());
 }
 
 } // namespace

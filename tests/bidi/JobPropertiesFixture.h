@@ -19,9 +19,6 @@ protected:
     ~JobPropertiesTest() override {
         UnloadJPModule();
         unloadJobPropertiesLibrary();
-        sharedList = nullptr;
-        sharedListCopyFromJP.reset();
-        gotSharedListFromJP = gotServerPresetFromJP = do_not_poll_for_Toner_Info_File = false;
     }
     void Load(bool twoWay) {
         setField(record->bidiEnabled, twoWay ? "1" : "0");

@@ -9,7 +9,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class JobPropertiesSession : public tests::JobPropertiesTest {
 protected:
@@ -124,7 +123,7 @@ TEST_F(JobPropertiesSession, NothingStartsWithoutRecordOrModule) {
     sharedList = nullptr;
     EXPECT_EQ(mainJP(), 1);
     EXPECT_TRUE(UnloadJPModule());
-    EXPECT_THAT(module.calls, IsEmpty());
+    EXPECT_THAT(module.calls, testing::IsEmpty());
     // With any other name, OpenUI shows no window.
     sharedList = record.get();
     LoadJPModule();

@@ -17,7 +17,13 @@ namespace torka::tests {
 class MemoryHost final : public JobPropertiesHost {
 public:
     MemoryHost() { setJobPropertiesHost(this); }
-    ~MemoryHost() override { setJobPropertiesHost(nullptr); }
+    // Resets the process-wide state of the exchange, too.
+    ~MemoryHost() override {
+        setJobPropertiesHost(nullptr);
+        sharedList = nullptr;
+        sharedListCopyFromJP.reset();
+        gotSharedListFromJP = gotServerPresetFromJP = do_not_poll_for_Toner_Info_File = false;
+    }
     std::shared_ptr<const std::string> getBidiDataCopy() const override {
         if (const auto hook = onRead) { // it may replace itself
             hook();

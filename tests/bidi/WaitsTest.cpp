@@ -8,7 +8,6 @@
 #include "platform/memory/MemoryPrinting.h"
 #include "platform/memory/MemorySpooler.h"
 #include "tests/bidi/BidiTestSupport.h"
-#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>
@@ -17,11 +16,8 @@ namespace torka {
 namespace {
 
 using std::chrono::milliseconds;
-using ::testing::Contains;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 class Waits : public ::testing::Test {
 protected:
@@ -68,17 +64,16 @@ protected:
 };
 
 TEST_F(Waits, CommandJobs) {
-    struct Case {
+    const SpoolerJob pending{7, "T", "Office", jobStatePending};
+    const SpoolerJob done{7, "T", "Office", jobStateCompleted};
+    const struct {
         const char* what;
         std::vector<SpoolerJob> jobs;
         int stateLater; // state of the first job after 2 s; 0 for no change
         int destinationState;
         bool completes;
         int milliseconds;
-    };
-    const SpoolerJob pending{7, "T", "Office", jobStatePending};
-    const SpoolerJob done{7, "T", "Office", jobStateCompleted};
-    const std::vector<Case> cases = {
+    } cases[] = {
         {"completed at once", {{6, "U", "Office", jobStateCompleted}, done}, 0, 3, true, 700},
         {"completed later", {pending}, jobStateCompleted, 4, true, 2700},
         {"stays pending", {pending}, 0, 3, false, 36'000},
@@ -89,7 +84,8 @@ TEST_F(Waits, CommandJobs) {
         {"aborted", {pending}, jobStateAborted, 3, false, 2000},
         {"on a stopped queue", {pending}, 0, destinationStateStopped, false, 0},
     };
-    for (const Case& wait : cases) {
+    for (const auto& wait : cases) {
+        SCOPED_TRACE(wait.what);
         queues->jobs = wait.jobs;
         queues->jobQueries = 0;
         queues->destinations[1].state = wait.destinationState;
@@ -99,12 +95,11 @@ TEST_F(Waits, CommandJobs) {
             At(milliseconds(2000), [&] { queues->jobs[0].state = wait.stateLater; });
         }
         bool completes = false;
-        EXPECT_EQ(Took([&] { completes = isJobComple("T"); }), milliseconds(wait.milliseconds)) << wait.what;
-        EXPECT_EQ(completes, wait.completes) << wait.what;
-        EXPECT_EQ(destinationPPD(), wait.completes ? "/new.ppd" : "/old.ppd") << wait.what;
+        EXPECT_EQ(Took([&] { completes = isJobComple("T"); }), milliseconds(wait.milliseconds));
+        EXPECT_EQ(completes, wait.completes);
+        EXPECT_EQ(destinationPPD(), wait.completes ? "/new.ppd" : "/old.ppd");
         EXPECT_EQ(queues->jobQueries,
-                  (wait.milliseconds - (completes ? 700 : 0)) / 100 + (wait.milliseconds == 36'000 ? 0 : 1))
-            << wait.what;
+                  (wait.milliseconds - (completes ? 700 : 0)) / 100 + (wait.milliseconds == 36'000 ? 0 : 1));
     }
     EXPECT_THAT(queues->fetched, ElementsAre("Office", "Office"));
     // The queue was deleted in the meantime.
@@ -134,12 +129,13 @@ TEST_F(Waits, TitlesInTheLogStayInTheirLine) {
         seen.push_back(progress.waited);
     }));
     EXPECT_THAT(seen, ElementsAre(milliseconds(0)));
-    EXPECT_THAT(streams.Errors(), Contains(HasSubstr("c=T?PPD: x, j=T?PPD: x")));
-    EXPECT_THAT(streams.Errors(), Each(Not(HasSubstr("\nPPD"))));
+    EXPECT_THAT(streams.Errors(), testing::Contains(HasSubstr("c=T?PPD: x, j=T?PPD: x")));
+    EXPECT_THAT(streams.Errors(), testing::Each(testing::Not(HasSubstr("\nPPD"))));
 }
 
 TEST_F(Waits, DataFile) {
-    struct Case {
+    constexpr int forever = 1'000'000;
+    const struct {
         const char* what;
         bool isRead;  // else the file is to be created
         int dataFrom; // ms; -1 for never
@@ -149,9 +145,7 @@ TEST_F(Waits, DataFile) {
         bool succeeds;
         int milliseconds;
         std::size_t alerts;
-    };
-    constexpr int forever = 1'000'000;
-    const std::vector<Case> cases = {
+    } cases[] = {
         {"there", true, 0, 0, -1, false, true, 0, 0},
         {"comes", true, 1000, 0, -1, false, true, 1000, 0},
         {"never comes", true, -1, 0, -1, false, false, 25'000, 0},
@@ -168,7 +162,7 @@ TEST_F(Waits, DataFile) {
         {"error reported just after", false, 0, 0, 300, false, false, 300, 0},
         {"without limit", false, 400'000, 0, -1, true, true, 400'500, 0},
     };
-    for (const Case& wait : cases) {
+    for (const auto& wait : cases) {
         SCOPED_TRACE(wait.what);
         system->files.clear();
         happenings.clear();
@@ -239,11 +233,11 @@ TEST_F(Waits, LockFileAndBusyPrinter) {
         if (idleFrom > 0) {
             At(milliseconds(idleFrom), [&] { printer->state = kPMPrinterIdle; });
         }
+        SCOPED_TRACE(what);
         bool busy = !isBusy;
-        EXPECT_EQ(Took([&] { busy = failure.isPrinterBusyWithPrinting(printer); }), milliseconds(waited))
-            << what;
-        EXPECT_EQ(busy, isBusy) << what;
-        EXPECT_EQ(shownAlerts->shown.size(), alerts) << what;
+        EXPECT_EQ(Took([&] { busy = failure.isPrinterBusyWithPrinting(printer); }), milliseconds(waited));
+        EXPECT_EQ(busy, isBusy);
+        EXPECT_EQ(shownAlerts->shown.size(), alerts);
     }
     Put(override);
     EXPECT_TRUE(failure.isPrinterBusyWithPrinting(printer));

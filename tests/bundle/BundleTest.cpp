@@ -50,6 +50,9 @@ protected:
         return copy;
     }
     static BundleRef Open(const fs::path& path = TORKA_BUNDLE) { return *openBundle(path); }
+    static auto Panels(PDEPlugIn& plugIn, const std::shared_ptr<CallbackDialog>& dialog) {
+        return plugIn.PDEPanelsForType(cfString(printDialogPanelType), dialog);
+    }
     static std::string Text(const BundleRef& bundle, const char* key, const char* table = "Localizable") {
         return utf8Text(bundle->LocalizedString(cfString(key), cfString("default"), table));
     }
@@ -74,12 +77,11 @@ TEST_F(BundleTest, GivesPanelsToAnyHost) {
     EXPECT_EQ(utf8Text(bundle->Identifier()), bundleIdentifier);
     const auto plugIn = *bundle->InstantiatePrincipalClass();
     EXPECT_TRUE(plugIn->initWithBundle(bundle));
-    const CFStringRef type = cfString(printDialogPanelType);
-    EXPECT_FALSE(plugIn->PDEPanelsForType(type, dialogFor(sample("torka-defects.ppd"))));
-    EXPECT_FALSE(plugIn->PDEPanelsForType(type, dialogFor(folder / "missing.ppd")));
+    EXPECT_FALSE(Panels(*plugIn, dialogFor(sample("torka-defects.ppd"))));
+    EXPECT_FALSE(Panels(*plugIn, dialogFor(folder / "missing.ppd")));
     for (const char* name : {"torka-production-ja.ppd", "torka-production.ppd"}) {
         const auto dialog = dialogFor(sample(name));
-        auto panels = plugIn->PDEPanelsForType(type, dialog);
+        auto panels = Panels(*plugIn, dialog);
         ASSERT_TRUE(panels) << name;
         ASSERT_EQ(panels->size(), 1U);
         const PDEPanelRef panel = panels->front();
@@ -110,7 +112,7 @@ TEST_F(BundleTest, ABrokenInterfaceFileLeavesAPanelWithoutAView) {
         const auto plugIn = *Open(copy)->InstantiatePrincipalClass();
         const auto dialog = dialogFor(sample("torka-production.ppd"));
         dialog->printer->sendResult = kPMGeneralError; // avoids the wait for a command job
-        const auto panels = plugIn->PDEPanelsForType(cfString(printDialogPanelType), dialog);
+        const auto panels = Panels(*plugIn, dialog);
         ASSERT_TRUE(panels);
         const PDEPanelRef& panel = panels->front();
         EXPECT_EQ(panel->panelView(), nullptr) << content;
@@ -119,8 +121,7 @@ TEST_F(BundleTest, ABrokenInterfaceFileLeavesAPanelWithoutAView) {
     const fs::path copy = Copy();
     fs::remove(copy / "Contents/PrinterList.plist");
     const auto plugIn = *Open(copy)->InstantiatePrincipalClass();
-    EXPECT_FALSE(
-        plugIn->PDEPanelsForType(cfString(printDialogPanelType), dialogFor(sample("torka-production.ppd"))));
+    EXPECT_FALSE(Panels(*plugIn, dialogFor(sample("torka-production.ppd"))));
 }
 
 TEST_F(BundleTest, SharedObjectShowsOneFunction) {
@@ -135,14 +136,13 @@ TEST_F(BundleTest, SharedObjectShowsOneFunction) {
 TEST_F(BundleTest, BrokenPartsAreToldInOneLine) {
     const std::string info = "Info.plist";
     const std::string object = "Linux/libTorkaFeatures.so";
-    struct Case {
+    const struct {
         std::string part;
         const char* from; // null removes the part, "" replaces its whole content
         std::string to;
         const char* log;
         bool opens;
-    };
-    const std::vector<Case> cases = {
+    } cases[] = {
         {info, nullptr, "", "Info.plist cannot be used", false},
         {info, "", "<plist", "Info.plist cannot be used", false},
         {info, "", "<plist version=\"1.0\"><dict/></plist>", "no CFBundleIdentifier", false},
@@ -151,7 +151,7 @@ TEST_F(BundleTest, BrokenPartsAreToldInOneLine) {
         {object, nullptr, "", "cannot be loaded", true},
         {object, "", "text", "cannot be loaded", true},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         SCOPED_TRACE(test.part + " " + test.to);
         const fs::path copy = Copy();
         const fs::path part = copy / "Contents" / test.part;
@@ -276,8 +276,7 @@ for key in sorted(asked | tables.keys()):
 
 QProgressDialog* shownWait() {
     for (QWidget* window : QApplication::topLevelWidgets()) {
-        auto* dialog = qobject_cast<QProgressDialog*>(window);
-        if (dialog != nullptr && dialog->isVisible()) {
+        if (auto* dialog = qobject_cast<QProgressDialog*>(window); dialog && dialog->isVisible()) {
             return dialog;
         }
     }

@@ -6,7 +6,6 @@
 #include "platform/memory/MemoryServiceDirectory.h"
 #include "tests/connection/MemoryAddressOwner.h"
 #include "tests/connection/MemoryAddressSheet.h"
-#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <gmock/gmock.h>

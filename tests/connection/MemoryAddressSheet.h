@@ -3,7 +3,6 @@
 
 #include "connection/BonjourModuleView.h"
 
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,9 +28,7 @@ public:
         ++reloads;
     }
     std::optional<std::size_t> selectedRow() const override { return selected; }
-    void setIndicatorImage(ControllerColumn column, SortIndicator indicator) override {
-        indicators[column] = indicator;
-    }
+    void setIndicatorImage(ControllerColumn, SortIndicator) override {}
     void setProgress(bool running) override { progress = running; }
     void setStatus(const CFStringRef& text) override { status = utf8Text(text); }
     bool bidiState() const override { return bidi; }
@@ -55,7 +52,6 @@ public:
     std::vector<std::pair<std::string, std::string>> rows;
     std::optional<std::size_t> selected;
     int reloads = 0;
-    std::map<ControllerColumn, SortIndicator> indicators;
     bool progress = false;
     std::string status;
     bool bidi = false;

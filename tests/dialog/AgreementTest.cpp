@@ -129,14 +129,14 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
         };
     };
     const Step defaults = click("Defaults");
-    const Step otherQueue = [](PrintDialog& dialog) {
-        EXPECT_TRUE(dialog.chooseQueue("Other"));
-        dialog.showPane();
+    const auto queue = [](const char* name) -> Step {
+        return [name](PrintDialog& dialog) {
+            EXPECT_TRUE(dialog.chooseQueue(name));
+            dialog.showPane();
+        };
     };
-    const Step backAgain = [](PrintDialog& dialog) {
-        EXPECT_TRUE(dialog.chooseQueue("Agreement"));
-        dialog.showPane();
-    };
+    const Step otherQueue = queue("Other");
+    const Step backAgain = queue("Agreement");
     const auto collate = [](bool on) -> Step {
         return [on](PrintDialog& dialog) {
             dialog.findChild<QSpinBox*>("copies")->setValue(2);
@@ -265,7 +265,6 @@ TEST_F(AgreementTest, ScreenPrintSettingsAndDeviceSayTheSame) {
          "*QVLcdMessage 12345678901234567890\n"},
         {{typed("*QVPageRanges", "01-0x5")}, "*QVPageRanges", "01-05", "01-05", "*QVPageRanges 01-05\n"},
     };
-    static_assert(std::size(situations) >= 20);
     const std::map<std::string, const char*> keptElsewhere{{"watermarks", ".SelectedWatermarkKey"},
                                                            {"*MM_A1", ".MMKey"}};
     for (const Situation& each : situations) {
@@ -335,8 +334,7 @@ TEST_F(AgreementTest, OptionsOfTheCommandLineReachTheJobsOwnSettingsOrAreRefused
         const CommandResult result = runTool(command);
         SCOPED_TRACE(arguments.back());
         EXPECT_EQ(result.status, status) << result.errors;
-        const std::string told = status == 0 ? sandbox->Printed(std::atoi(result.output.c_str() + 4))
-                                             : result.errors; // "Job N on …"
+        const std::string told = status == 0 ? sandbox->Printed(jobNumber(result.output)) : result.errors;
         EXPECT_NE(told.find(expected), std::string::npos) << result.output << result.errors;
     }
 }

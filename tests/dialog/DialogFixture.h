@@ -3,9 +3,7 @@
 
 #include "apps/dialog/JobProgress.h"
 #include "apps/dialog/Submission.h"
-#include "platform/cups/CupsSpooler.h"
 #include "platform/posix/PosixBundle.h"
-#include "platform/posix/PosixSystem.h"
 #include "tests/dialog/PaneHands.h"
 
 #include <QLabel>
@@ -26,10 +24,6 @@ protected:
         if (IsSkipped() || HasFatalFailure()) {
             return;
         }
-        PosixSystemOptions options;
-        options.rootFromEnvironment = true;
-        setSystem(std::make_unique<PosixSystem>(options));
-        setSpooler(std::make_unique<CupsSpooler>());
         bundle = *openBundle(TORKA_BUNDLE);
         plugIn = *bundle->InstantiatePrincipalClass();
         ASSERT_TRUE(plugIn->initWithBundle(bundle));

@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <map>
 
 // A person's hands in a print dialog with the pane, whichever program shows it.
@@ -57,12 +58,8 @@ protected:
     template <class Widget>
     static Widget* Field(QDialog& dialog, const char* keyword) {
         const QList<Widget*> fields = dialog.findChildren<Widget*>(QLatin1String(keyword));
-        for (Widget* field : fields) {
-            if (field->isVisible()) {
-                return field;
-            }
-        }
-        return nullptr;
+        const auto found = std::ranges::find_if(fields, &QWidget::isVisible);
+        return found == fields.end() ? nullptr : *found;
     }
 
     // Paints the dialog and does the work that waits for the first painting.
@@ -86,12 +83,10 @@ protected:
     static QPushButton* Button(QDialog& dialog, const char* text) {
         QTest::qWait(20);
         const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
-        for (QPushButton* button : buttons) {
-            if (button->isVisible() && button->text().remove(QLatin1Char('&')) == QLatin1String(text)) {
-                return button;
-            }
-        }
-        return nullptr;
+        const auto found = std::ranges::find_if(buttons, [text](QPushButton* button) {
+            return button->isVisible() && button->text().remove(QLatin1Char('&')) == QLatin1String(text);
+        });
+        return found == buttons.end() ? nullptr : *found;
     }
 
     // Selects a choice by its first word, then downwards: a blank would open the list.

@@ -7,7 +7,6 @@
 #include "platform/memory/MemoryServiceDirectory.h"
 #include "platform/qt/QtEventLoop.h"
 #include "tests/connection/MemoryAddressOwner.h"
-#include "tests/support/ScopedDouble.h"
 #include "tests/support/TestSupport.h"
 
 #include <QCheckBox>
@@ -41,20 +40,10 @@ protected:
         controller = BonjourModuleController::init(owner, *sheet);
         window->show();
     }
-    ~AddressSheetTest() override {
-        controller.reset();
-        sheet.reset();
-        window.reset();
-    }
-
     void Announce(const std::string& name, const std::string& address) {
-        ResolvedService answer{name + ".local.", 631, {}};
-        answer.addresses.emplace_back();
-        if (parseIPv4Address(address, answer.addresses.back())) {
-            net->Announce({name, "_ipp._tcp", "local."}, answer);
-        } else {
-            net->Announce({name, "_ipp._tcp", "local."});
-        }
+        ResolvedService answer{name + ".local.", 631, {HostAddress()}};
+        const bool resolves = parseIPv4Address(address, answer.addresses[0]);
+        net->Announce({name, "_ipp._tcp", "local."}, resolves ? std::optional(answer) : std::nullopt);
     }
     void Run(int milliseconds) {
         loop->Run(std::chrono::milliseconds(milliseconds));
@@ -133,11 +122,7 @@ TEST_F(AddressSheetTest, EscapeAndCloseCancel) {
         EXPECT_EQ(field->text(), "other");
         sheet->Window()->findChild<QCheckBox*>("sheetBidiCheckBox")->click();
         EXPECT_FALSE(paneCheckBox->isChecked());
-        if (byKey) {
-            QTest::keyClick(field, Qt::Key_Escape);
-        } else {
-            sheet->Window()->close();
-        }
+        byKey ? QTest::keyClick(field, Qt::Key_Escape) : void(sheet->Window()->close());
         EXPECT_FALSE(sheet->isSheetVisible() || controller->validWindowSessionRunning());
         EXPECT_EQ(field->text(), "10.0.0.1");
         EXPECT_TRUE(paneCheckBox->isChecked());

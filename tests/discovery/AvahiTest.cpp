@@ -21,9 +21,6 @@
 namespace torka {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::Each;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 
@@ -130,7 +127,8 @@ TEST_F(Avahi, ControllersAreFoundWhetherTheDaemonComesBeforeOrAfter) {
     tests::startDaemon();
     EXPECT_TRUE(pane.WaitForRows(3));
     Q_EMIT pane.table.header()->sectionClicked(1);
-    EXPECT_THAT(pane.Rows(), ElementsAre(MatchesRegex(flood), MatchesRegex(markup), MatchesRegex(office)));
+    EXPECT_THAT(pane.Rows(),
+                testing::ElementsAre(MatchesRegex(flood), MatchesRegex(markup), MatchesRegex(office)));
     pane.Choose(1);
     EXPECT_EQ(pane.Field(), "10.9.8.7");
     tests::endDaemon();
@@ -153,7 +151,8 @@ TEST_F(Avahi, ANamesakeInTheNetworkReplacesNoStoredAddress) {
         EXPECT_EQ(pane->owner.address, stored);
         pane->Open();
         EXPECT_TRUE(pane->WaitForRows(1));
-        EXPECT_THAT(pane->Rows(), Each(AllOf(HasSubstr(stored), HasSubstr(": 10.77.0.2")))) << "another host";
+        EXPECT_THAT(pane->Rows(), testing::Each(testing::AllOf(HasSubstr(stored), HasSubstr(": 10.77.0.2"))))
+            << "another host";
         EXPECT_EQ(pane->Field(), stored);
         pane->sheet.Window()->accept();
         EXPECT_EQ(pane->owner.address, stored);

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/e2e/Noise.h"
 #include "tests/e2e/ServerData.h"
 
 #include <atomic>
@@ -182,7 +181,7 @@ TEST_F(Faults, ADataFileThatGrowsIsReadWholeBehindItsLockAndToItsEndWithoutOne) 
         if (isLocked) {
             std::ofstream(lock) << "";
         }
-        std::thread writer([&] {
+        const std::jthread writer([&] {
             for (std::size_t at = 1000; at < text.size(); at += 1000) {
                 out << text.substr(at, 1000) << std::flush;
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));
@@ -195,7 +194,6 @@ TEST_F(Faults, ADataFileThatGrowsIsReadWholeBehindItsLockAndToItsEndWithoutOne) 
         const std::string read = Record("TrayInfo");
         EXPECT_TRUE(payload.starts_with(read));
         EXPECT_TRUE(!isLocked || read.size() == payload.size()) << read.size();
-        writer.join();
     }
 }
 

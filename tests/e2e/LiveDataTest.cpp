@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <future>
+#include <gmock/gmock.h>
 #include <signal.h>
 #include <sstream>
 #include <utility>
@@ -41,8 +42,7 @@ TEST_F(LiveData, AQueuesMarkersAreItsToner) {
     ASSERT_EQ(Ask(printer, ""), ServerDataOutcome::read);
     EXPECT_EQ(Record("TonerInfo"), "3\nCyan Toner@40@5@#00FFFF@100@-1@1\nBlack   2@-3@5@#000000@100@-1@1\n"
                                    "Waste@12@0@NULL@90@-1@3\n");
-    EXPECT_TRUE(Record("TrayInfo").starts_with("7\nTray 1@Tray1@EMPTY@EMPTY@EMPTY@EMPTY@-1@-1\n"))
-        << Record("TrayInfo");
+    EXPECT_THAT(Record("TrayInfo"), testing::StartsWith("7\nTray 1@Tray1@EMPTY@EMPTY@EMPTY@EMPTY@-1@-1\n"));
     EXPECT_EQ(Record("ServerInfo"), "Marked:ServerName\nTorka Production 90, controller 4.2:ProductFamily\n");
     // Stored records replace live ones.
     Give("10.0.0.30", "data", "TrayInfo", "stored");
@@ -149,7 +149,8 @@ TEST_F(Neighbours, TheFilterLooksUpItsDevicesHostAloneAndNotWithoutEnd) {
         AddQueue(queue, "ipp://silent.test/ipp/print");
     }
     auto lookUp = std::async(std::launch::async, [] {
-        return runTool({"serverdata", "-d", "Silent", "--address", "10.77.0.2"});
+        ExpectTool({"serverdata", "-d", "Silent", "--address", "10.77.0.2"}, 2,
+                   "could not reach the controller at 10.77.0.2");
     });
     const auto asked = [](const char* name) { return std::ranges::count(namesAsked(), name); };
     const auto before = asked("press.test");
@@ -160,9 +161,7 @@ TEST_F(Neighbours, TheFilterLooksUpItsDevicesHostAloneAndNotWithoutEnd) {
     EXPECT_EQ(asked("other.test"), 0);
     EXPECT_GT(asked("press.test"), before) << "the second request's numbers are held against the device's";
     EXPECT_EQ(Ask(std::make_shared<CupsPrinter>("SilentToo"), ""), ServerDataOutcome::connectionError);
-    const CommandResult refused = lookUp.get();
-    EXPECT_NE(refused.errors.find("could not reach the controller at 10.77.0.2"), std::string::npos)
-        << refused.errors;
+    lookUp.get();
     EXPECT_GT(asked("silent.test"), 0);
 }
 

@@ -4,7 +4,6 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <map>
-#include <sstream>
 #include <thread>
 
 // Jobs of programs that know nothing of the pane: their settings are among their options.
@@ -25,13 +24,9 @@ protected:
     // The arguments of the device document's feature code, by keyword.
     std::multimap<std::string, std::string> Features(int job) const {
         std::multimap<std::string, std::string> features;
-        std::istringstream document(sandbox->Printed(job));
-        const std::string start = "%%BeginFeature: ";
-        for (std::string line; std::getline(document, line);) {
-            if (line.starts_with(start)) {
-                const std::size_t blank = std::min(line.find(' ', start.size()), line.size());
-                features.emplace(line.substr(start.size(), blank - start.size()), line.substr(blank));
-            }
+        for (const std::string& line : PrintedLines(job, "%%BeginFeature: ")) {
+            const std::size_t blank = std::min(line.find(' '), line.size());
+            features.emplace(line.substr(0, blank), line.substr(blank));
         }
         return features;
     }
@@ -55,17 +50,20 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
                                 {"PageSize", "A3"},
                                 {"number-up", "2"},
                                 {"landscape", "true"},
-                                {"torka-watermark", watermark}},
+                                {"torka-watermark", watermark},
+                                {"job-hold-until", "indefinite"}},
                                document);
-        const JobStatus status = WaitForEnd(job);
-        ASSERT_EQ(status.state, 9);
-        EXPECT_EQ(status.message, "");
         const std::string tool =
             Done({"print", "-d", "Options", document, "QVStaple=Saddle", "QVScale=50", "QVNegative=True",
                   "QVGamma=1.8", "QVMediaColor=Blue", "Notes1=shelf 4, \"left\" (\\) 50%n", "PageSize=A3",
                   "-o", "number-up=2", "--orientation", "2", "--watermark", watermark});
+        // The job is held while another prints.
+        ASSERT_EQ(runCommand({"lp", "-i", std::to_string(job), "-H", "resume"}).status, 0);
+        const JobStatus status = WaitForEnd(job);
+        ASSERT_EQ(status.state, 9);
+        EXPECT_EQ(status.message, "");
         auto byOptions = Features(job);
-        auto byTicket = Features(std::stoi(tool.substr(4)));
+        auto byTicket = Features(jobNumber(tool));
         for (const auto& [keyword, value] : byOptions) {
             // The list is sent as it is and as a dynamic option.
             EXPECT_EQ(byOptions.count(keyword), keyword == "*QVCurveAdjust" ? 2U : 1U) << keyword;
@@ -87,36 +85,20 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
     }
 }
 
-TEST_F(Options, SurviveAHold) {
-    AddQueue("Later");
-    const JobOptions options{{"QVStaple", "Saddle"}, {"Notes1", "shelf 4"}, {"job-hold-until", "indefinite"}};
-    const int held = Submit("Later", options);
-    EXPECT_EQ(WaitForEnd(Submit("Later", {})).state, 9);
-    ASSERT_EQ(runCommand({"lp", "-i", "Later-" + std::to_string(held), "-H", "resume"}).status, 0);
-    ASSERT_EQ(WaitForEnd(held).state, 9);
-    const std::string printed = sandbox->Printed(held);
-    EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVStaple Saddle\n"));
-    EXPECT_THAT(printed, HasSubstr("%%ZANCustom1: shelf 4\n"));
-}
-
 TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
     AddQueue("Told");
-    struct Case {
-        JobOptions options;
-        int state;
-        std::string message;
-    };
-    const std::pair<std::string, std::string> saddle{"QVStaple", "Saddle"};
-    for (const Case& each :
-         {Case{{saddle, {"QVFoldStyle", "Half"}}, 9, "does not go together with *QVFoldStyle=Half"},
-          Case{{saddle, {"QVFoldStyle", "Half"}, {"torka-conflicts", "stop"}}, 6, "torka-conflicts=stop"},
-          Case{{{"Resume", "74915362"}}, 6, "Resume is protected"}}) {
-        SCOPED_TRACE(each.message);
-        const int job = Submit("Told", each.options);
+    const std::pair<std::string, std::string> saddle{"QVStaple", "Saddle"}, half{"QVFoldStyle", "Half"};
+    for (const auto& [options, state, message] :
+         {std::tuple<JobOptions, int, std::string>{
+              {saddle, half}, 9, "does not go together with *QVFoldStyle=Half"},
+          {{saddle, half, {"torka-conflicts", "stop"}}, 6, "torka-conflicts=stop"},
+          {{{"Resume", "74915362"}}, 6, "Resume is protected"}}) {
+        SCOPED_TRACE(message);
+        const int job = Submit("Told", options);
         const JobStatus status = WaitForEnd(job);
-        EXPECT_EQ(status.state, each.state);
-        EXPECT_THAT(status.message, HasSubstr(each.message));
-        EXPECT_EQ(sandbox->Printed(job).empty(), each.state == 6);
+        EXPECT_EQ(status.state, state);
+        EXPECT_THAT(status.message, HasSubstr(message));
+        EXPECT_EQ(sandbox->Printed(job).empty(), state == 6);
     }
 }
 
@@ -143,21 +125,14 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
     EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVScale 50\n"));
 
     const std::string kept = readFile(file);
-    struct Case {
-        const char* setting;
-        int status;
-        const char* reason;
-    };
-    for (const Case& each :
-         {Case{"Resume=74915362", 1, "*Resume is a password or protected"},
-          Case{"QVDSPassword=74915362", 1, "*QVDSPassword is a password or protected"},
-          Case{"QVStaple=Nope", 2, "*QVStaple does not offer Nope (torka show lists its choices)"},
-          Case{"QVNope=1", 2, "the description has no option *QVNope"},
-          Case{"torka-conflicts=x", 2, "torka-conflicts takes print, resolve or stop"},
-          Case{"Notes1=a\nb", 2, "control character"}}) {
-        const CommandResult refused = settings("set", {"QVScale=60", each.setting});
-        EXPECT_EQ(refused.status, each.status) << each.setting;
-        EXPECT_THAT(refused.errors, HasSubstr(each.reason));
+    for (const auto& [setting, status, reason] :
+         {std::tuple{"Resume=74915362", 1, "*Resume is a password or protected"},
+          {"QVDSPassword=74915362", 1, "*QVDSPassword is a password or protected"},
+          {"QVStaple=Nope", 2, "*QVStaple does not offer Nope (torka show lists its choices)"},
+          {"QVNope=1", 2, "the description has no option *QVNope"},
+          {"torka-conflicts=x", 2, "torka-conflicts takes print, resolve or stop"},
+          {"Notes1=a\nb", 2, "control character"}}) {
+        ExpectTool({"settings", "set", "-d", "Standing", "QVScale=60", setting}, status, reason);
     }
     EXPECT_EQ(readFile(file), kept);
     EXPECT_EQ(settings("show").output,
@@ -166,15 +141,13 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
                 HasSubstr("does not go together"));
 
     // Writers at the same time lose nothing of each other.
-    std::vector<std::thread> writers;
+    std::vector<std::jthread> writers;
     const std::vector<std::string> texts{"QVGamma=1.8", "Notes2=x", "QVMirror=True", "QVNegative=True",
                                          "QVBleed=4.0"};
     for (const std::string& text : texts) {
         writers.emplace_back([&settings, &text] { EXPECT_EQ(settings("set", {text}).status, 0); });
     }
-    for (std::thread& writer : writers) {
-        writer.join();
-    }
+    writers.clear(); // waits for them
     for (const std::string& text : texts) {
         EXPECT_THAT(settings("show").output, HasSubstr(text));
     }

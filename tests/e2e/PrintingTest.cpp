@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cups/cups.h>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <numeric>
 #include <signal.h>
 
@@ -16,15 +17,20 @@ namespace torka::tests {
 
 namespace {
 
+using ::testing::HasSubstr;
+
 constexpr const char* sampleUuid = "5D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
 
 class Printing : public SandboxTest {
 protected:
-    // Sends a job that names a ticket; the ticket need not exist.
-    static JobStatus PrintWithTicket(const std::string& queue, const std::string& path, int& job,
-                                     const std::string& title = "proof") {
-        job = *submitFile(queue, samplePath("plain.ps"), title, {{std::string(ticketPathSetting), path}});
-        return WaitForEnd(job);
+    // Sends a job that names a ticket, which need not exist.
+    void ExpectRefused(const std::string& queue, const std::string& ticket, const std::string& reason) const {
+        const int job = *submitFile(queue, samplePath("plain.ps"), "$(touch x); `id` %n%s \"'\\ proof",
+                                    {{std::string(ticketPathSetting), ticket}});
+        const JobStatus status = WaitForEnd(job);
+        EXPECT_EQ(status.state, 6) << ticket;
+        EXPECT_THAT(status.message, HasSubstr(reason));
+        EXPECT_EQ(sandbox->Printed(job), "");
     }
 
     static void SendCommand(const std::string& queue, SpoolerCommand command, const std::string& text) {
@@ -44,10 +50,6 @@ protected:
         return pages;
     }
 };
-
-int jobNumber(const std::string& output) {
-    return output.starts_with("Job ") ? std::stoi(output.substr(4)) : 0;
-}
 
 TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
     AddQueue("Proofs");
@@ -77,10 +79,9 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
         for (std::size_t i = 0; i < 3; ++i) {
             EXPECT_NE(pages[i].substr(0, 100).find("\n421 59"), std::string::npos) << document;
             ASSERT_EQ(pages[i].size(), others[i].size());
-            EXPECT_GT(std::inner_product(pages[i].begin(), pages[i].end(), others[i].begin(), 0,
-                                         std::plus<>(), std::not_equal_to<>()),
-                      500)
-                << "the watermark";
+            const auto watermark = std::inner_product(pages[i].begin(), pages[i].end(), others[i].begin(), 0,
+                                                      std::plus<>(), std::not_equal_to<>());
+            EXPECT_GT(watermark, 500);
         }
     }
     // Searches the whole folder: job files, tickets, logs and the printed documents.
@@ -90,9 +91,8 @@ TEST_F(Printing, SettingsNotesAndWatermarkReachTheDeviceAndSecretsDoNot) {
         EXPECT_EQ(found.status, 1) << secret << " in " << found.output;
     }
     // Without keys, a protected field is left out and reported.
-    const CommandResult left = runTool({"print", "-d", "Proofs", samplePath("plain.ps"), "Resume=73915486"});
-    EXPECT_EQ(left.status, 1) << "a finding";
-    EXPECT_NE(left.errors.find("*Resume is left out"), std::string::npos) << left.errors;
+    const CommandResult left = ExpectTool(
+        {"print", "-d", "Proofs", samplePath("plain.ps"), "Resume=73915486"}, 1, "*Resume is left out");
     EXPECT_EQ(sandbox->Printed(jobNumber(left.output)).find("PersPassword"), std::string::npos);
     const std::string screen =
         runCommand({"script", "-qec", TORKA_BINARY_DIR "/bin/torka print -d Proofs " + samplePath("plain.ps"),
@@ -115,24 +115,17 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
     const std::string folder = "/Library/Caches/ZAN/";
     const std::string path = folder + "Torka.temp" + sampleUuid;
     std::ofstream(*sandbox / "root/secret") << "secret";
-    int job = 0;
-    const auto expectRefused = [&](const std::string& named, const std::string& reason) {
-        const JobStatus status = PrintWithTicket("Strict", named, job, "$(touch x); `id` %n%s \"'\\ proof");
-        EXPECT_EQ(status.state, 6) << named;
-        EXPECT_NE(status.message.find(reason), std::string::npos) << status.message;
-        EXPECT_EQ(sandbox->Printed(job), "");
-    };
-    expectRefused(path, "are missing");
-    expectRefused("/etc/passwd", "no valid name");
-    expectRefused(folder + "../../../secret", "no valid name");
-    expectRefused("", "no valid name");
-    expectRefused("x y=z 'q\" \\", "no valid name");
+    ExpectRefused("Strict", path, "are missing");
+    for (const std::string& named : {std::string("/etc/passwd"), folder + "../../../secret", std::string(),
+                                     std::string("x y=z 'q\" \\")}) {
+        ExpectRefused("Strict", named, "no valid name");
+    }
 
     SendCommand("Strict", SpoolerCommand::psTempFileName, path);
     SendCommand("Strict", SpoolerCommand::writePSTemp, "<plist><array><integer>1</integer></arr");
-    expectRefused(path, "are broken");
+    ExpectRefused("Strict", path, "are broken");
     cupsSetUser("mallory");
-    expectRefused(path, "belong to somebody else");
+    ExpectRefused("Strict", path, "belong to somebody else");
     cupsSetUser("root");
 
     // The queue still prints.
@@ -146,47 +139,40 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
         if (isAllowed) {
             command.emplace_back("--allow-left-out");
         }
-        const CommandResult lossy = runTool(command);
-        EXPECT_EQ(lossy.status, 1);
-        EXPECT_NE(lossy.errors.find("*Notes2 is left out of the job"), std::string::npos) << lossy.errors;
+        const CommandResult lossy = ExpectTool(command, 1, "*Notes2 is left out of the job");
         EXPECT_EQ(lossy.output.starts_with("Job "), isAllowed) << lossy.output;
     }
 }
 
 TEST_F(Printing, AFileDestinationGoesIntoItsMailboxAndNowhereElse) {
     AddQueue("Mailboxes");
-    const auto printInto = [](const std::string& mailbox) {
-        return runTool({"print", "-d", "Mailboxes", samplePath("brochure.ps"), "PageSize=A5",
-                        "Notes1=to " + mailbox, "QVDestination=File", "QVMailboxName=" + mailbox});
+    const auto printInto = [](const std::string& mailbox, int status = 0, const std::string& told = {}) {
+        return ExpectTool({"print", "-d", "Mailboxes", samplePath("brochure.ps"), "PageSize=A5",
+                           "Notes1=to " + mailbox, "QVDestination=File", "QVMailboxName=" + mailbox},
+                          status, told);
     };
     const std::filesystem::path folder = *sandbox / "root/var/cache/torka/ZAN";
     const CommandResult first = printInto("Team-7");
-    ASSERT_EQ(first.status, 0) << first.errors;
     EXPECT_EQ(sandbox->Printed(jobNumber(first.output)), "") << "nothing reaches the device";
     const std::string kept = readFile(folder / "Team-7");
     EXPECT_NE(kept.find("%%ZANCustom1: to Team-7"), std::string::npos);
     EXPECT_NE(kept.find("%%EOF"), std::string::npos);
     EXPECT_EQ(std::filesystem::status(folder / "Team-7").permissions(), std::filesystem::perms(0600));
     // Its user may have it written again, nobody else.
-    ASSERT_EQ(printInto("Team-7").status, 0);
+    printInto("Team-7");
     std::ofstream(folder / "Team-7.owner") << "mallory";
-    const CommandResult foreign = printInto("Team-7");
-    EXPECT_EQ(foreign.status, 1);
-    EXPECT_NE(foreign.errors.find("belongs to somebody else"), std::string::npos) << foreign.errors;
+    printInto("Team-7", 1, "belongs to somebody else");
     EXPECT_TRUE(readFile(folder / "Team-7") == kept);
     // Names that belong to other files, and a ticket without a command that names a mailbox.
     const std::string notes = readFile(folder / "TorkaFilterNotes");
-    EXPECT_EQ(printInto("TorkaFilterNotes").status, 1);
+    printInto("TorkaFilterNotes", 1);
     EXPECT_TRUE(readFile(folder / "TorkaFilterNotes").starts_with(notes.substr(0, 20)));
     const std::string path = "/Library/Caches/ZAN/Torka.temp6D2E7A41-9C3B-4F60-8E17-B04A6C2D9F85";
     SendCommand("Mailboxes", SpoolerCommand::psTempFileName, path);
     SendCommand("Mailboxes", SpoolerCommand::writePSTemp,
                 "<plist><array><integer>900</integer><data>TGlicmFyeS9DYWNoZXMvWkFOL1VubmFtZWQ=</data>"
                 "</array></plist>");
-    int job = 0;
-    const JobStatus status = PrintWithTicket("Mailboxes", path, job);
-    EXPECT_EQ(status.state, 6);
-    EXPECT_NE(status.message.find("was not named ahead"), std::string::npos) << status.message;
+    ExpectRefused("Mailboxes", path, "was not named ahead");
     EXPECT_FALSE(std::filesystem::exists(folder / "Unnamed"));
 }
 
@@ -222,8 +208,7 @@ TEST_F(Printing, AFilterThatCrashesOrIsCancelledFailsItsJobAndNoOther) {
         }
         const JobStatus end = WaitForEnd(job);
         EXPECT_EQ(end.state, number != 0 ? 6 : 7);
-        EXPECT_TRUE(number == 0 || end.message.find("signal " + std::to_string(number)) != std::string::npos)
-            << end.message;
+        EXPECT_THAT(end.message, HasSubstr(number == 0 ? "" : "signal " + std::to_string(number)));
         EXPECT_TRUE(WaitUntil([worker] { return kill(worker, 0) != 0; }));
         std::filesystem::remove(*sandbox / "printed/release");
     }

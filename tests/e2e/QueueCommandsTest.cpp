@@ -33,16 +33,19 @@ protected:
     static std::function<void()> Run(const std::vector<std::string>& command) {
         return [command] { EXPECT_EQ(runCommand(command).status, 0); };
     }
-    static void SetAddress(const std::string& address) {
-        EXPECT_EQ(runTool({"address", "set", "-d", "Well", "Well", address, "--two-way"}).status, 0);
+    static std::function<void()> Move(const fs::path& from, const fs::path& to) {
+        return [from, to] { fs::rename(from, to); };
     }
-    CommandResult Add(const std::string& device, const std::string& description) const {
-        return runTool({"queue", "add", "Bad", device, description});
+    static std::function<void()> Allow(const fs::path& place, unsigned mode) {
+        return [place, mode] { fs::permissions(place, fs::perms(mode)); };
+    }
+    static void SetAddress(const std::string& address) {
+        Done({"address", "set", "-d", "Well", "Well", address, "--two-way"});
     }
 };
 
 TEST_F(QueueCommands, ListAddAndRemove) {
-    ASSERT_EQ(runTool({"queue", "add", "Kept", "torkasink:/", samplePath("torka-production.ppd")}).status, 0);
+    Done({"queue", "add", "Kept", "torkasink:/", samplePath("torka-production.ppd")});
     ASSERT_EQ(runCommand({"lpadmin", "-p", "Plain", "-v", "torkasink:/", "-E"}).status, 0);
     std::map<std::string, nlohmann::json> queues;
     const nlohmann::json listed = runToolForJson({"queue", "list"});
@@ -59,11 +62,10 @@ TEST_F(QueueCommands, ListAddAndRemove) {
     line.back() = "Kept";
     line.insert(line.end(), {"brochure.ps", "QVStaple=Sad"});
     EXPECT_EQ(runTool(line).output, "QVStaple=Saddle\tSaddle Stitch\n");
-    EXPECT_EQ(runTool({"queue", "remove", "Plain"}).status, 0);
-    const CommandResult gone = runTool({"queue", "remove", "Plain"});
-    EXPECT_EQ(gone.status, 2);
-    EXPECT_EQ(gone.errors, "torka: the print server has no queue Plain\n");
-    EXPECT_EQ(runTool({"queue", "remove", ""}).status, 2);
+    Done({"queue", "remove", "Plain"});
+    EXPECT_EQ(ExpectTool({"queue", "remove", "Plain"}, 2, "").errors,
+              "torka: the print server has no queue Plain\n");
+    ExpectTool({"queue", "remove", ""}, 2, "");
     EXPECT_THAT(runTool({"queue", "list"}).output, HasSubstr("\n  Kept "));
 }
 
@@ -72,29 +74,26 @@ TEST_F(QueueCommands, AddRefusesWhatNobodyCanUse) {
     const std::string good = samplePath("torka-production.ppd");
     const std::string withErrors = folder.Write("lines.ppd", "*PPD-Adobe: \"4.3\"\n*Foo: \"x").string();
     const fs::path filter = *sandbox / "lib/filter/torkafilter";
-    const std::vector<std::pair<std::string, std::function<CommandResult()>>> refused{
-        {"programs that read it with CUPS cannot",
-         [&] { return Add("torkasink:/", samplePath("torka-defects.ppd")); }},
-        {"errors, the first of them", [&] { return Add("torkasink:/", withErrors); }},
-        {"does not add the queue", [&] { return Add("nosuch:/", good); }},
-        {"torkafilter is not installed",
-         [&] {
-             fs::rename(filter, filter.string() + "-away");
-             CommandResult result = Add("torkasink:/", good);
-             fs::rename(filter.string() + "-away", filter);
-             return result;
-         }},
-        {"can be replaced by others than root", [&] {
-             fs::permissions(filter, fs::perms(0777));
-             CommandResult result = Add("torkasink:/", good);
-             fs::permissions(filter, fs::perms(0755));
-             return result;
-         }}};
-    for (const auto& [reason, add] : refused) {
-        const CommandResult result = add();
-        EXPECT_EQ(result.status, 2) << reason;
-        EXPECT_THAT(result.errors, HasSubstr(reason));
-        EXPECT_EQ(runTool({"queue", "check", "Bad"}).errors, "torka: the print server has no queue Bad\n");
+    const fs::path away = filter.string() + "-away";
+    const std::string sink = "torkasink:/";
+    const struct {
+        std::string reason;
+        std::string device;
+        std::string description;
+        std::function<void()> spoil = [] {};
+        std::function<void()> mend = [] {};
+    } rows[] = {
+        {"programs that read it with CUPS cannot", sink, samplePath("torka-defects.ppd")},
+        {"errors, the first of them", sink, withErrors},
+        {"does not add the queue", "nosuch:/", good},
+        {"torkafilter is not installed", sink, good, Move(filter, away), Move(away, filter)},
+        {"can be replaced by others than root", sink, good, Allow(filter, 0777), Allow(filter, 0755)}};
+    for (const auto& row : rows) {
+        row.spoil();
+        ExpectTool({"queue", "add", "Bad", row.device, row.description}, 2, row.reason);
+        row.mend();
+        EXPECT_EQ(ExpectTool({"queue", "check", "Bad"}, 2, "").errors,
+                  "torka: the print server has no queue Bad\n");
     }
 }
 
@@ -111,45 +110,40 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
 
     const fs::path filter = *sandbox / "lib/filter/torkafilter";
     const fs::path caches = *sandbox / "root/var/cache/torka/ZAN";
+    const fs::path cache = caches.parent_path();
     const fs::path keys = *sandbox / "root/var/lib/torka";
-    struct Row {
+    const fs::path away = *sandbox / "root/away";
+    const struct {
         std::string what;
         std::string finding; // its start
         std::function<void()> spoil;
         std::function<void()> mend;
-    };
-    const std::vector<Row> rows{
+    } rows[] = {
         {"state", "fault: cupsenable Well", Run({"cupsdisable", "Well"}), Run({"cupsenable", "Well"})},
         {"state", "fault: cupsaccept Well", Run({"cupsreject", "Well"}), Run({"cupsaccept", "Well"})},
-        {"filter", "fault: install -o root", [&] { fs::rename(filter, filter.string() + "-away"); },
-         [&] { fs::rename(filter.string() + "-away", filter); }},
-        {"filter", "fault: install -o root", [&] { fs::permissions(filter, fs::perms(0700)); },
-         [&] { fs::permissions(filter, fs::perms(0755)); }},
-        {"folders", "fault: chown lp", [&] { fs::permissions(caches, fs::perms(0777)); },
-         [&] { fs::permissions(caches, fs::perms(0711)); }},
-        {"folders", "fault: chown lp", [&] { fs::permissions(caches, fs::perms(0700)); },
-         [&] { fs::permissions(caches, fs::perms(0711)); }},
+        {"filter", "fault: install -o root", Move(filter, away), Move(away, filter)},
+        {"filter", "fault: install -o root", Allow(filter, 0700), Allow(filter, 0755)},
+        {"folders", "fault: chown lp", Allow(caches, 0777), Allow(caches, 0711)},
+        {"folders", "fault: chown lp", Allow(caches, 0700), Allow(caches, 0711)},
         {"folders", "fault: install -d -o lp",
          [&] {
-             fs::rename(caches, caches.string() + "-away");
-             fs::permissions(caches.parent_path(), fs::perms(0555));
+             fs::rename(caches, away);
+             fs::permissions(cache, fs::perms(0555));
          },
          [&] {
-             fs::permissions(caches.parent_path(), fs::perms(0755));
-             fs::rename(caches.string() + "-away", caches);
+             fs::permissions(cache, fs::perms(0755));
+             fs::rename(away, caches);
          }},
         {"folders", "fault: move the file away",
          [&] {
-             fs::rename(caches, caches.string() + "-away");
+             fs::rename(caches, away);
              std::ofstream(caches) << "no folder";
          },
          [&] {
              fs::remove(caches);
-             fs::rename(caches.string() + "-away", caches);
+             fs::rename(away, caches);
          }},
-        {"folders", "fault: chmod o+x",
-         [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0700)); },
-         [&] { fs::permissions(caches.parent_path().parent_path(), fs::perms(0755)); }},
+        {"folders", "fault: chmod o+x", Allow(cache.parent_path(), 0700), Allow(cache.parent_path(), 0755)},
         {"keys", "fault: correct the file",
          [&] {
              fs::create_directories(keys / "ZAN");
@@ -163,11 +157,10 @@ TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
              SetAddress("127.0.0.1");
              expectGood({"two-way"});
          }},
-        {"two-way", "fault: torka address set",
-         [&] { fs::rename(*sandbox / "root/etc/torka", *sandbox / "root/etc/away"); },
-         [&] { fs::rename(*sandbox / "root/etc/away", *sandbox / "root/etc/torka"); }},
+        {"two-way", "fault: torka address set", Move(*sandbox / "root/etc/torka", away),
+         Move(away, *sandbox / "root/etc/torka")},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         row.spoil();
         EXPECT_THAT(Findings("Well")[row.what], testing::StartsWith(row.finding));
         row.mend();

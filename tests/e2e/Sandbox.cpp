@@ -2,6 +2,7 @@
 #include "tests/e2e/Sandbox.h"
 
 #include "platform/cups/CupsSpooler.h"
+#include "platform/posix/PosixSystem.h"
 
 #include <algorithm>
 #include <chrono>
@@ -93,6 +94,15 @@ void SandboxTest::SetUp() {
     for (const auto& each : std::filesystem::directory_iterator(*sandbox / "root/etc/torka/controllers")) {
         std::filesystem::remove_all(each);
     }
+    platform::PosixSystemOptions options;
+    options.rootFromEnvironment = true;
+    platform::setSystem(std::make_unique<platform::PosixSystem>(options));
+    platform::setSpooler(std::make_unique<CupsSpooler>());
+}
+
+SandboxTest::~SandboxTest() {
+    platform::setSpooler(nullptr);
+    platform::setSystem(nullptr);
 }
 
 void SandboxTest::TearDown() {
@@ -126,20 +136,31 @@ void SandboxTest::WaitForPart(int job) const {
 void SandboxTest::Release() const { std::ofstream(*sandbox / "printed/release") << ""; }
 
 std::string SandboxTest::Done(const std::vector<std::string>& arguments) {
-    const CommandResult result = runTool(arguments);
-    EXPECT_EQ(result.status, 0) << result.errors;
-    return result.output;
+    return ExpectTool(arguments, 0, "").output;
 }
 
-void SandboxTest::ExpectTool(const std::vector<std::string>& arguments, int status, const std::string& told) {
-    const CommandResult result = runTool(arguments);
-    EXPECT_EQ(result.status, status) << arguments.back() << ": " << result.output;
+CommandResult SandboxTest::ExpectTool(const std::vector<std::string>& arguments, int status,
+                                      const std::string& told) {
+    CommandResult result = runTool(arguments);
+    EXPECT_EQ(result.status, status) << arguments.back() << ": " << result.output << result.errors;
     EXPECT_NE(result.errors.find(told), std::string::npos) << arguments.back() << ": " << result.errors;
+    return result;
 }
 
 std::string SandboxTest::Drawn(int job, const std::string& device, const std::string& output) const {
     return runGhostscript(device,
                           {"-r36", "-o", output, *sandbox / ("printed/" + std::to_string(job) + ".ps")});
+}
+
+std::vector<std::string> SandboxTest::PrintedLines(int job, const std::string& start) const {
+    std::vector<std::string> found;
+    std::istringstream lines(sandbox->Printed(job));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with(start)) {
+            found.push_back(line.substr(start.size()));
+        }
+    }
+    return found;
 }
 
 int SandboxTest::LastJob() {

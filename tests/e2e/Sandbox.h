@@ -14,6 +14,11 @@ inline std::string replaced(std::string text, const std::string& from, const std
     return text.replace(text.find(from), from.size(), to);
 }
 
+// The job of a tool's answer "Job N on ..."; 0 when it has none.
+inline int jobNumber(const std::string& output) {
+    return output.starts_with("Job ") ? std::stoi(output.substr(4)) : 0;
+}
+
 // The private print server of this process. The first test that needs it starts it; it ends after the last
 // test. Its environment is set for this process (libcups reads it once) and for the programs that the process
 // starts.
@@ -46,6 +51,8 @@ private:
 // Tests of one process share the server. Each test uses its own queues.
 class SandboxTest : public testing::Test {
 protected:
+    ~SandboxTest() override;
+    // Gives the process the server's files and its spooler, too.
     void SetUp() override;
     void TearDown() override;
 
@@ -57,12 +64,15 @@ protected:
     // The device torkasink:/wait writes the beginning of a document and waits until Release.
     void WaitForPart(int job) const;
     void Release() const;
+    // What follows this beginning in the lines of the device's document.
+    std::vector<std::string> PrintedLines(int job, const std::string& start) const;
     // The last document's job, 0 for none; commands do not count.
     static int LastJob();
     // The output of the tool; fails the test when the tool does.
     static std::string Done(const std::vector<std::string>& arguments);
     // Expects this status of the tool and this part of its messages.
-    static void ExpectTool(const std::vector<std::string>& arguments, int status, const std::string& told);
+    static CommandResult ExpectTool(const std::vector<std::string>& arguments, int status,
+                                    const std::string& told);
     // The device's document for a job, drawn by Ghostscript; fails the test when it cannot be drawn.
     std::string Drawn(int job, const std::string& device, const std::string& output = "-") const;
 

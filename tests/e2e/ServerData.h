@@ -9,7 +9,6 @@
 #include "platform/TextEncoding.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsSpooler.h"
-#include "platform/posix/PosixSystem.h"
 #include "tests/e2e/Sandbox.h"
 
 #include <fstream>
@@ -20,22 +19,6 @@ namespace torka::tests {
 
 class ServerData : public SandboxTest {
 protected:
-    void SetUp() override {
-        SandboxTest::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        platform::PosixSystemOptions options;
-        options.rootFromEnvironment = true;
-        platform::setSystem(std::make_unique<platform::PosixSystem>(options));
-        platform::setSpooler(std::make_unique<CupsSpooler>());
-    }
-    void TearDown() override {
-        platform::setSpooler(nullptr);
-        platform::setSystem(nullptr);
-        SandboxTest::TearDown();
-    }
-
     PMPrinter AddQueue(const std::string& name, const std::string& uri = "torkasink:/") {
         SandboxTest::AddQueue(name, uri);
         ppdPath = *sandbox / ("etc/ppd/" + name + ".ppd");

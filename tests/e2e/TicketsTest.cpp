@@ -6,9 +6,9 @@
 #include <csignal>
 #include <cups/cups.h>
 #include <future>
+#include <gmock/gmock.h>
 #include <map>
 #include <set>
-#include <sstream>
 
 // Each job prints with its own settings or not at all: many people at the same time, borrowed tickets, busy
 // queues, killed filters.
@@ -17,7 +17,7 @@ namespace torka::tests {
 
 namespace {
 
-constexpr std::string_view notePrefix = "%%ZANCustom1: ";
+const std::string notePrefix = "%%ZANCustom1: ";
 
 class Tickets : public ServerData {
 protected:
@@ -33,7 +33,7 @@ protected:
         const std::string list =
             runPython("import plistlib, sys\n"
                       "sys.stdout.buffer.write(plistlib.dumps([30, sys.argv[1].encode()]))",
-                      {std::string(notePrefix) + note});
+                      {notePrefix + note});
         EXPECT_EQ(sendTicketAhead(std::make_shared<CupsPrinter>(queue), cfString(path),
                                   CFDataCreate(list.data(), list.size())),
                   noErr);
@@ -45,14 +45,14 @@ protected:
     }
     // The notes in the job that reached the device.
     std::set<std::string> Notes(int job) const {
-        std::set<std::string> notes;
-        std::istringstream lines(sandbox->Printed(job));
-        for (std::string line; std::getline(lines, line);) {
-            if (line.starts_with(notePrefix)) {
-                notes.insert(line.substr(notePrefix.size()));
-            }
-        }
-        return notes;
+        const std::vector<std::string> lines = PrintedLines(job, notePrefix);
+        return {lines.begin(), lines.end()};
+    }
+
+    // Follows a job to its end and expects this note in it alone.
+    void ExpectPrinted(int job, const std::string& note) const {
+        EXPECT_EQ(WaitForEnd(job).state, 9) << jobStatus(job).message;
+        EXPECT_EQ(Notes(job), std::set<std::string>{note});
     }
 
     // Keeps a queue of the device torkasink:/wait busy until Release.
@@ -65,6 +65,7 @@ protected:
 };
 
 using NoteSet = std::set<std::string>;
+using ::testing::HasSubstr;
 
 TEST_F(Tickets, ABorrowedTicketStopsTheBorrowersJobAndNotItsOwn) {
     AddQueue("Lending");
@@ -72,16 +73,14 @@ TEST_F(Tickets, ABorrowedTicketStopsTheBorrowersJobAndNotItsOwn) {
     cupsSetUser("victim");
     const std::string path = SendTicket("Lending", "mine");
     const int own = Submit("Lending", path);
-    ASSERT_EQ(WaitForEnd(own).state, 9);
-    EXPECT_EQ(Notes(own), NoteSet{"mine"});
+    ExpectPrinted(own, "mine");
     // Somebody who has read the job's attributes claims to be the victim, and sends a job UUID.
     for (const char* queue : {"Lending", "LendingToo"}) {
         const int borrowed =
             Submit(queue, path, {{"job-uuid", "urn:uuid:6f1d2f0e-0000-4000-8000-000000000000"}});
         const JobStatus status = WaitForEnd(borrowed);
         EXPECT_EQ(status.state, 6);
-        EXPECT_NE(status.message.find("its print settings belong to another job"), std::string::npos)
-            << status.message;
+        EXPECT_THAT(status.message, HasSubstr("its print settings belong to another job"));
         EXPECT_EQ(sandbox->Printed(borrowed), "");
     }
     // The victim's job can be printed again.
@@ -100,12 +99,12 @@ TEST_F(Tickets, AJobOfTheSameSenderWithAnothersTicketPrintsWithItsOptions) {
                {{"QVStaple", "Top"}, {"Notes1", "second"}, {"QVDSPassword", "4711"}, {"Resume", "74915362"}});
     const JobStatus status = WaitForEnd(second);
     EXPECT_EQ(status.state, 9);
-    EXPECT_NE(status.message.find("its print settings belong to another job"), std::string::npos);
+    EXPECT_THAT(status.message, HasSubstr("its print settings belong to another job"));
     EXPECT_EQ(Notes(second), NoteSet{"second"});
     const std::string printed = sandbox->Printed(second);
-    EXPECT_NE(printed.find("%%BeginFeature: *QVStaple Top"), std::string::npos);
+    EXPECT_THAT(printed, HasSubstr("%%BeginFeature: *QVStaple Top"));
     for (const char* absent : {"4711", "74915362", "QVDSPassword", "*QVUserAuthName lp"}) {
-        EXPECT_EQ(printed.find(absent), std::string::npos) << absent;
+        EXPECT_THAT(printed, testing::Not(HasSubstr(absent)));
     }
     cupsSetUser("bob"); // and somebody else's job stops
     EXPECT_EQ(WaitForEnd(Submit("Again", path, {{"QVStaple", "Top"}})).state, 6);
@@ -121,19 +120,16 @@ TEST_F(Tickets, SettingsArriveBeforeTheirJobWhateverItsPriorityAndWhereverItGoes
     const int moved = Submit("Busy", movedTicket, {{"job-hold-until", "indefinite"}});
     EXPECT_EQ(jobStatus(urgent).state, 3);
     Release();
-    EXPECT_EQ(WaitForEnd(urgent).state, 9) << jobStatus(urgent).message;
-    EXPECT_EQ(Notes(urgent), NoteSet{"urgent"});
+    ExpectPrinted(urgent, "urgent");
     EXPECT_EQ(jobStatus(moved).state, 4);
     ASSERT_EQ(runCommand({"lpmove", std::to_string(moved), "Spare"}).status, 0);
     ASSERT_EQ(runCommand({"lp", "-i", std::to_string(moved), "-H", "resume"}).status, 0);
-    EXPECT_EQ(WaitForEnd(moved).state, 9) << jobStatus(moved).message;
-    EXPECT_EQ(Notes(moved), NoteSet{"moved"});
+    ExpectPrinted(moved, "moved");
     // A queue that holds its jobs holds the job but not its settings.
     ASSERT_EQ(runCommand({"lpadmin", "-p", "Spare", "-o", "job-hold-until-default=indefinite"}).status, 0);
     const int held = Submit("Spare", SendTicket("Spare", "held"));
     ASSERT_EQ(runCommand({"lp", "-i", std::to_string(held), "-H", "resume"}).status, 0);
-    EXPECT_EQ(WaitForEnd(held).state, 9) << jobStatus(held).message;
-    EXPECT_EQ(Notes(held), NoteSet{"held"});
+    ExpectPrinted(held, "held");
 }
 
 TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {
@@ -201,11 +197,10 @@ TEST_F(Tickets, OfManyJobsAtOnceNoneCarriesAnothersSettings) {
     for (int i = 0; i < senders; ++i) {
         const CommandResult result = sent[static_cast<std::size_t>(i)].get();
         ASSERT_EQ(result.status, 0) << result.errors;
-        const int job = std::stoi(result.output.substr(4));
+        const int job = jobNumber(result.output);
         for (int waits = 1; waits < 5 && !WaitForEnd(job).IsOver(); ++waits) { // behind many others
         }
-        EXPECT_EQ(jobStatus(job).state, 9) << jobStatus(job).message;
-        EXPECT_EQ(Notes(job), NoteSet{note(i)});
+        ExpectPrinted(job, note(i));
     }
 }
 

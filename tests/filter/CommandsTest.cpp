@@ -6,7 +6,6 @@
 #include "spooler/filter/ServerMessages.h"
 #include "spooler/filter/TicketStore.h"
 #include "spooler/filter/TwoWayFolder.h"
-#include "tests/e2e/Noise.h"
 #include "tests/filter/FilterHarness.h"
 #include "tests/support/SmallPPD.h"
 
@@ -18,7 +17,6 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
-#include <sstream>
 
 // libcups marks its PPD functions as deprecated; the server's PPDs are read with them.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -44,15 +42,6 @@ FilterJob commandJob(const std::string& title) {
 int run(const std::string& title, const std::string& text) {
     FolderSource source(platform::system().Resolve(controllersFolder));
     return runCommand(commandJob(title), text, source);
-}
-
-std::vector<std::string> toldLines(const FilterHarness& harness) {
-    std::vector<std::string> told;
-    std::istringstream lines(harness.Told());
-    for (std::string line; std::getline(lines, line);) {
-        told.push_back(line + "\n");
-    }
-    return told;
 }
 
 std::optional<std::string> recordIn(const std::string& description, const std::string& name) {
@@ -91,7 +80,7 @@ TEST(RecordMessages, HoweverManyArriveARecordIsWholeOrAbsent) {
 }
 
 TEST(QueueRecords, StayBelowTheirMaximum) {
-    const FilterHarness harness;
+    FilterHarness harness;
     const std::string empty = smallPPD + onlySheet("595 842");
     std::string description = empty;
     // Returns why the records are refused; "" when the description holds them.
@@ -100,7 +89,7 @@ TEST(QueueRecords, StayBelowTheirMaximum) {
         harness.Forget();
         const Result<void> result = putRecords("Proofs", std::move(records));
         ::unsetenv("PPD");
-        description = afterMessages(description, toldLines(harness));
+        description = afterMessages(description, harness.Messages());
         return result ? std::string() : result.Why().text;
     };
     const auto wouldHold = [&](const NamedPayload& record) {
@@ -128,9 +117,8 @@ TEST(QueueRecords, StayBelowTheirMaximum) {
 }
 
 TEST(Commands, KeepTextsAsWideRecordsUnderTheirNames) {
-    const FilterHarness harness;
+    FilterHarness harness;
     const std::string text = "presets EFBBBF Größe 用紙 \xF0\x9F\x96\xA8";
-    const std::wstring wide = wideFromUtf8(text);
     for (const auto& [title, record] :
          std::map<std::string, std::string>{{std::string("Command_ZANPrefs") + uuid, "QVDriverPreference"},
                                             {std::string("Command_WritePresetData") + uuid, "QVlocalPreset"},
@@ -138,15 +126,14 @@ TEST(Commands, KeepTextsAsWideRecordsUnderTheirNames) {
                                             {"command_PopupJnData", "QVPopupJnData"}}) {
         harness.Forget();
         EXPECT_EQ(run(title, text), 0) << title;
-        EXPECT_EQ(recordIn(afterMessages(smallPPD, toldLines(harness)), record),
-                  std::string(payloadFromWide(wide)))
-            << title;
+        const auto kept = recordIn(afterMessages(smallPPD, harness.Messages()), record);
+        EXPECT_EQ(kept, std::string(payloadFromWide(wideFromUtf8(text)))) << title;
         EXPECT_EQ(run(title, ""), 1) << "nothing to keep";
     }
 }
 
 TEST(Commands, HostileTitlesAndTextsDoNothing) {
-    const FilterHarness harness;
+    FilterHarness harness;
     const std::filesystem::path outside = harness.root.Write("outside", "untouched");
     for (const std::string& title :
          {std::string(), std::string("Command_LocaleCode "), std::string("Command_LocaleCode\nERROR: x"),
@@ -246,7 +233,7 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
 }
 
 TEST(Warnings, AreCutBetweenCharacters) {
-    const FilterHarness harness;
+    FilterHarness harness;
     for (const auto& [bytesBefore, whole] : {std::pair{0, 450}, {1, 449}, {2, 449}}) {
         std::string shown(static_cast<std::size_t>(bytesBefore), 'x');
         for (int i = 0; i < whole; ++i) {

@@ -20,7 +20,6 @@
 namespace torka::filter {
 namespace {
 
-using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 
 // Runs `answer` in a child process. Returns the exit status, or 256 plus the signal that ended the child.
@@ -49,12 +48,6 @@ protected:
 };
 
 TEST_F(Confinement, RefusesWhatNoJobNeeds) {
-    struct Case {
-        const char* name;
-        Network network;
-        std::function<int()> call;
-        int expected;
-    };
     const auto exec = [] {
         ::execl("/bin/true", "true", nullptr);
         return errno;
@@ -71,11 +64,13 @@ TEST_F(Confinement, RefusesWhatNoJobNeeds) {
         std::thread([&value] { value = 0; }).join();
         return value;
     };
-    const auto core = [] {
-        ::abort();
-        return 0;
-    };
-    const Case cases[] = {
+    const auto core = []() -> int { ::abort(); };
+    const struct {
+        const char* name;
+        Network network;
+        std::function<int()> call;
+        int expected;
+    } cases[] = {
         {"local socket", Network::none, [] { return socketError(AF_UNIX); }, 0},
         {"IPv4", Network::none, [] { return socketError(AF_INET); }, EAFNOSUPPORT},
         {"IPv6", Network::none, [] { return socketError(AF_INET6); }, EAFNOSUPPORT},
@@ -93,7 +88,7 @@ TEST_F(Confinement, RefusesWhatNoJobNeeds) {
         {"core file", Network::none, [] { return ::prctl(PR_GET_DUMPABLE); }, 0},
         {"end by a signal", Network::none, core, 256 + SIGABRT},
     };
-    for (const Case& entry : cases) {
+    for (const auto& entry : cases) {
         const int answer = inChild([&entry] {
             const auto problems = confine(entry.network);
             return problems.empty() ? entry.call() : 200;
@@ -123,7 +118,7 @@ TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
     EXPECT_THAT(told, HasSubstr("Seccomp:\t2\n"));
     // The server's own limits stay where they are lower.
     for (const char* limits : {"core file size +0 +0", "open files +200 +256", "cpu time +7200 +7230"}) {
-        EXPECT_THAT(told, ContainsRegex(std::string("Max ") + limits + " "));
+        EXPECT_THAT(told, testing::ContainsRegex(std::string("Max ") + limits + " "));
     }
 }
 
@@ -131,8 +126,7 @@ TEST_F(Confinement, ProgramIsConfinedBeforeItReads) {
 TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
     const tests::TemporaryFolder folder;
     const std::string document = folder.Write("document", "%!PS\nshowpage\n");
-    const pid_t child = ::fork();
-    if (child == 0) {
+    const int ended = inChild([&folder, &document] {
         ::dup2(::creat((folder / "output").c_str(), 0600), STDOUT_FILENO);
         ::dup2(::creat((folder / "errors").c_str(), 0600), STDERR_FILENO);
         scmp_filter_ctx list = ::seccomp_init(SCMP_ACT_ALLOW);
@@ -143,11 +137,9 @@ TEST_F(Confinement, PrintsWithoutTheKernelsHelp) {
             ::execl(TORKA_BINARY_DIR "/bin/torkafilter", "torkafilter", "1", "lp", "title", "1", "",
                     document.c_str(), nullptr);
         }
-        ::_exit(127);
-    }
-    int ended = 0;
-    ::waitpid(child, &ended, 0);
-    EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0) << ended;
+        return 127;
+    });
+    EXPECT_EQ(ended, 0);
     EXPECT_EQ(tests::readFile(folder / "output"), "%!PS\nshowpage\n");
     EXPECT_THAT(tests::readFile(folder / "errors"), HasSubstr("DEBUG: system calls cannot be refused"));
 }

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "bidi/text/StandardStreams.h"
 #include "platform/System.h"
 #include "platform/posix/PosixSystem.h"
 #include "spooler/filter/FilterNotes.h"
+#include "tests/bidi/BidiTestSupport.h"
 #include "tests/support/TestSupport.h"
 
 #include <filesystem>
 #include <memory>
+#include <numeric>
 #include <string>
 
 namespace torka::tests {
@@ -20,31 +21,23 @@ public:
         platform::PosixSystemOptions options;
         options.root = root.Path();
         platform::setSystem(std::make_unique<platform::PosixSystem>(options));
-        setStandardStreams(streams);
     }
     FilterHarness(const FilterHarness&) = delete;
     FilterHarness& operator=(const FilterHarness&) = delete;
-    ~FilterHarness() {
-        setStandardStreams(nullptr);
-        platform::setSystem(nullptr);
-    }
+    ~FilterHarness() { platform::setSystem(nullptr); }
 
     // A file of the filter's folder.
     std::filesystem::path Cache(std::string_view name = "") const {
         return root.Path() / "var/cache/torka/ZAN" / name;
     }
-    std::string Told() const { return streams->text; }
-    void Forget() const { streams->text.clear(); }
+    const std::vector<std::string>& Messages() const { return streams.Errors(); }
+    std::string Told() const { return std::accumulate(Messages().begin(), Messages().end(), std::string()); }
+    void Forget() { streams.Clear(); }
 
     const TemporaryFolder root;
 
 private:
-    struct Streams final : StandardStreams {
-        void Output(std::string_view) override {}
-        void Error(std::string_view part) override { text += part; }
-        std::string text;
-    };
-    std::shared_ptr<Streams> streams = std::make_shared<Streams>();
+    CapturingStreams streams;
 };
 
 inline std::string ticketPath(int number) {

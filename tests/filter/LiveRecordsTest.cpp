@@ -5,8 +5,9 @@
 #include "platform/memory/MemoryNetServices.h"
 #include "spooler/filter/LiveSource.h"
 #include "spooler/filter/SupplyText.h"
-#include "tests/filter/FilterHarness.h"
+#include "tests/support/ScopedDouble.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <tuple>
 
@@ -20,12 +21,8 @@ namespace {
 using namespace filter;
 
 std::string recordOf(const std::vector<ControllerRecord>& records, const std::string& name) {
-    for (const ControllerRecord& record : records) {
-        if (record.name == name) {
-            return utf8FromWide(wideFromPayload(record.payload));
-        }
-    }
-    return "absent";
+    const auto found = std::ranges::find(records, name, &ControllerRecord::name);
+    return found == records.end() ? "absent" : utf8FromWide(wideFromPayload(found->payload));
 }
 
 const QueueChoices choices{{{"Tray1", "Tray 1"}, {"LCT", "Large Capacity"}},
@@ -43,8 +40,8 @@ TEST(SupplyText, TakesItsPairsApart) {
         EXPECT_EQ(text.Number(key), supplyUnknown) << key;
     }
     EXPECT_EQ(SupplyText("").Text("name"), "");
-    EXPECT_EQ(SupplyText(std::string(100'000, ';') + "level=1;").Number("level"), supplyUnknown)
-        << "too long";
+    // A longer text is none.
+    EXPECT_EQ(SupplyText(std::string(100'000, ';') + "level=1;").Number("level"), supplyUnknown);
 }
 
 TEST(LiveRecords, SuppliesOfEveryKind) {
@@ -76,8 +73,8 @@ TEST(LiveRecords, ListsThatDisagreeAndTextsThatAreMoreThanFields) {
     EXPECT_NE(toner.find("\n" + std::string(255, 'x') + "@"), std::string::npos);
     queue.markerNames.assign(100'000, "x");
     EXPECT_TRUE(recordOf(liveRecords({}, queue, {}), "TonerInfo").starts_with("1000\n"));
-    EXPECT_EQ(recordOf(liveRecords({}, {}, choices), "TrayInfo"), "absent")
-        << "a description alone is nothing live";
+    // A description alone is nothing live.
+    EXPECT_EQ(recordOf(liveRecords({}, {}, choices), "TrayInfo"), "absent");
 }
 
 TEST(LiveRecords, TraysByWhatIsLoaded) {

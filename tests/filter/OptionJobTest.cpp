@@ -16,7 +16,6 @@ namespace {
 
 using namespace filter;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::Not;
 
 const std::string sample = TORKA_SOURCE_DIR "/samples/torka-production.ppd";
@@ -33,70 +32,73 @@ std::optional<OptionJob> read(const std::string& options, const std::string& ppd
     return readOptionJob(job, secrets);
 }
 
-// Every entry but the suppressed keywords, which stand in brackets.
-std::string entriesOf(const OptionJob& job) {
-    std::string text;
-    for (const TicketEntry& entry : job.ticket.entries) {
-        text += entry.site == siteSuppressedKeyword ? "[" + entry.bytes + "]\n" : entry.bytes;
-    }
-    return text;
-}
+struct Made {
+    std::string refusal;
+    std::string entries; // the suppressed keywords stand in brackets
+    std::string told;
+};
 
-std::string toldBy(const OptionJob& job) {
-    std::string text;
-    for (const std::string& line : job.told) {
-        text += line + "\n";
+// A job that has settings.
+template <typename... Arguments>
+Made made(const Arguments&... arguments) {
+    const std::optional<OptionJob> given = read(arguments...);
+    EXPECT_TRUE(given);
+    const OptionJob job = given.value_or(OptionJob());
+    Made texts{job.refusal, "", ""};
+    for (const TicketEntry& entry : job.ticket.entries) {
+        texts.entries += entry.site == siteSuppressedKeyword ? "[" + entry.bytes + "]\n" : entry.bytes;
     }
-    return text;
+    for (const std::string& line : job.told) {
+        texts.told += line + "\n";
+    }
+    return texts;
 }
 
 TEST(OptionJob, ReadsEachKindOfSetting) {
     const FilterHarness harness;
-    struct Case {
-        std::string options;
-        std::vector<std::string> expected; // in the ticket
-        std::string told;                  // "" for nothing
-    };
     const auto feature = [](const std::string& text) { return "%%BeginFeature: *" + text + "\n"; };
     const std::string noSaddle = "*QVStaple=Saddle does not go together with *QVFoldStyle=Half";
-    const std::vector<Case> cases{
-        {"QVStaple=Saddle", {feature("QVStaple Saddle"), "[*QVStaple]"}, ""},
-        {"*qvstaple=saddle", {feature("QVStaple Saddle")}, ""},
+    const struct {
+        std::string options;
+        std::vector<std::string> expected; // in the ticket
+        std::string told = {};             // "" for nothing
+    } cases[] = {
+        {"QVStaple=Saddle", {feature("QVStaple Saddle"), "[*QVStaple]"}},
+        {"*qvstaple=saddle", {feature("QVStaple Saddle")}},
         {"QVStaple=Nope", {feature("QVStaple None")}, "QVStaple does not offer Nope"},
-        {"QVNegative", {feature("QVNegative True")}, ""}, // CUPS writes true values without "=true"
-        {"noQVEdgeEnhance", {feature("QVEdgeEnhance False")}, ""},
-        {"QVMMInUse=on QVErrorSheet=no", {feature("QVMMInUse True"), feature("QVErrorSheet False")}, ""},
+        {"QVNegative", {feature("QVNegative True")}}, // CUPS writes true values without "=true"
+        {"noQVEdgeEnhance", {feature("QVEdgeEnhance False")}},
+        {"QVMMInUse=on QVErrorSheet=no", {feature("QVMMInUse True"), feature("QVErrorSheet False")}},
         {"QVNegative=maybe", {feature("QVNegative False")}, "QVNegative takes True or False, not maybe"},
-        {"QVOutProfile=Site4", {feature("QVOutProfile Site4")}, ""}, // the controller adds profiles
-        {"QVScale=50", {"RMXSetQVScale [ 0.50 ]"}, ""},
+        {"QVOutProfile=Site4", {feature("QVOutProfile Site4")}}, // the controller adds profiles
+        {"QVScale=50", {"RMXSetQVScale [ 0.50 ]"}},
         {"QVScale=999", {"RMXSetQVScale [ 4.00 ]"}, "QVScale does not take 999, but 400"},
         {"QVScale=50%n", {"RMXSetQVScale [ 1.00 ]"}, "QVScale takes a number, not 50%n"},
         {"QVGutter=87", {feature("QVGutter 85")}, "QVGutter does not take 87, but 85"},
-        {"QVGamma=+1.8", {feature("QVGamma    1.8000")}, ""},
+        {"QVGamma=+1.8", {feature("QVGamma    1.8000")}},
         {"QVGamma=nan", {feature("QVGamma    2.2000")}, "QVGamma takes a number, not nan"},
-        {"Notes1='from shelf 4'", {"%%ZANCustom1: from shelf 4\n", feature("Notes1 from shelf 4")}, ""},
-        {"Notes2=one\\ two", {"%%ZANCustom2: one two\n"}, ""},
-        {"Notes1=a\\\n%%EndComments", {"%%ZANCustom1: a %%EndComments\n"}, ""},
-        {"QVAccountId=000123", {feature("QVAccountId 000123")}, ""},
+        {"Notes1='from shelf 4'", {"%%ZANCustom1: from shelf 4\n", feature("Notes1 from shelf 4")}},
+        {"Notes2=one\\ two", {"%%ZANCustom2: one two\n"}},
+        {"Notes1=a\\\n%%EndComments", {"%%ZANCustom1: a %%EndComments\n"}},
+        {"QVAccountId=000123", {feature("QVAccountId 000123")}},
         {"QVCostCenter=ab", {feature("QVCostCenter ab")}, "QVCostCenter must have at least 3 characters"},
-        {"QVDSPassword=4711", {feature("QVDSPassword 4711")}, ""}, // only masked
+        {"QVDSPassword=4711", {feature("QVDSPassword 4711")}}, // only masked
         {"Notes1=\xff", {}, "Notes1 has a value that is no UTF-8"},
         {"QVPrintSize=Custom.20x30cm",
-         {feature("CustomPrintSize 567.00 850.00"), feature("QVPrintSize CustomPrintSize")},
-         ""},
-        {"CustomPrintSize='300 500'", {feature("CustomPrintSize 300.00 500.00")}, ""},
+         {feature("CustomPrintSize 567.00 850.00"), feature("QVPrintSize CustomPrintSize")}},
+        {"CustomPrintSize='300 500'", {feature("CustomPrintSize 300.00 500.00")}},
         {"CustomPrintSize=3x5in",
          {feature("QVPrintSize SameAsPageSize")},
          "CustomPrintSize takes no size 3x5in"},
-        {"PageSize=Custom.20x30cm QVNegative", {feature("QVNegative True")}, ""},
-        {"QVNegative number-up=2 landscape", {"%%MacCoreNUp: true\n", "%%Orientation: Portrait\n"}, ""},
-        {"QVNegative number-up=4 orientation-requested=4", {"%%Orientation: Landscape\n"}, ""},
+        {"PageSize=Custom.20x30cm QVNegative", {feature("QVNegative True")}},
+        {"QVNegative number-up=2 landscape", {"%%MacCoreNUp: true\n", "%%Orientation: Portrait\n"}},
+        {"QVNegative number-up=4 orientation-requested=4", {"%%Orientation: Landscape\n"}},
         {"QVNUpPages=4 number-up=2", {}, "number-up: the setting QVNUpPages already puts several"},
-        {"sides=two-sided-short-edge", {feature("QVDuplex ShortEdge")}, ""},
-        {"sides=two-sided-short-edge QVDuplex=LongEdge", {feature("QVDuplex LongEdge")}, ""},
+        {"sides=two-sided-short-edge", {feature("QVDuplex ShortEdge")}},
+        {"sides=two-sided-short-edge QVDuplex=LongEdge", {feature("QVDuplex LongEdge")}},
         {"torka-watermark=draft", {}, "the queue keeps no watermark draft"},
-        {"torka-watermark=" + definition + "PROOF", {"Helvetica-Bold"}, ""},
-        {"torka-watermark=none QVNegative", {feature("QVNegative True")}, ""},
+        {"torka-watermark=" + definition + "PROOF", {"Helvetica-Bold"}},
+        {"torka-watermark=none QVNegative", {feature("QVNegative True")}},
         {"QVStaple=Saddle QVFoldStyle=Half", {feature("QVFoldStyle Half"), "[*QVFoldStyle]"}, noSaddle},
         {"QVStaple=Saddle QVFoldStyle=Half torka-conflicts=Resolve",
          {feature("QVStaple Saddle"), feature("QVFoldStyle None"), "[*QVFoldStyle]"},
@@ -111,24 +113,19 @@ TEST(OptionJob, ReadsEachKindOfSetting) {
          {},
          "torka-conflicts takes print, resolve or stop, not perhaps"},
     };
-    for (const Case& each : cases) {
+    for (const auto& each : cases) {
         SCOPED_TRACE(each.options);
-        const std::optional<OptionJob> job = read(each.options);
-        ASSERT_TRUE(job);
-        EXPECT_EQ(job->refusal, "");
-        const std::string entries = entriesOf(*job);
+        const Made job = made(each.options);
+        EXPECT_EQ(job.refusal, "");
         for (const std::string& expected : each.expected) {
-            EXPECT_THAT(entries, HasSubstr(expected));
+            EXPECT_THAT(job.entries, HasSubstr(expected));
         }
-        if (each.told.empty()) {
-            EXPECT_EQ(toldBy(*job), "");
-        } else {
-            EXPECT_THAT(toldBy(*job), HasSubstr(each.told));
-        }
+        EXPECT_THAT(job.told, HasSubstr(each.told));
+        EXPECT_EQ(job.told.empty(), each.told.empty()) << job.told;
         // The print server's own code stays for the page size, the collation, and choices of several.
         for (const char* keyword : {"PageSize", "PageRegion", "Collate", "QVMarks"}) {
-            EXPECT_THAT(entries, Not(HasSubstr("[*" + std::string(keyword) + "]")));
-            EXPECT_THAT(entries, Not(HasSubstr("%%BeginFeature: *" + std::string(keyword) + " ")));
+            EXPECT_THAT(job.entries, Not(HasSubstr("[*" + std::string(keyword) + "]")));
+            EXPECT_THAT(job.entries, Not(HasSubstr("%%BeginFeature: *" + std::string(keyword) + " ")));
         }
     }
 }
@@ -154,44 +151,40 @@ TEST(OptionJob, HoldsForThousandsOfOptionsAndLongTexts) {
     for (int i = 0; i < 3000; ++i) {
         options += " x" + std::to_string(i) + "=\"\\n\x01 '{" + "\"";
     }
-    const std::optional<OptionJob> job = read(options);
-    ASSERT_TRUE(job);
-    EXPECT_THAT(entriesOf(*job), HasSubstr("%%ZANCustom1: " + std::string(60'000, 'a') + "\n"));
-    EXPECT_THAT(toldBy(*job), HasSubstr("Notes1 must have at most 63 characters"));
-    EXPECT_THAT(toldBy(*job), HasSubstr("QVStaple does not offer %%%"));
+    const Made job = made(options);
+    EXPECT_THAT(job.entries, HasSubstr("%%ZANCustom1: " + std::string(60'000, 'a') + "\n"));
+    EXPECT_THAT(job.told, HasSubstr("Notes1 must have at most 63 characters"));
+    EXPECT_THAT(job.told, HasSubstr("QVStaple does not offer %%%"));
 }
 
 TEST(OptionJob, StopsForSecretsAndWhenItIsToldTo) {
     const FilterHarness harness;
     const std::string secret = "74915362";
     for (const char* keyword : {"Resume", "*resume", "DeptPassword", "QVUserPassword", "QVUserAuthPwd"}) {
-        const std::optional<OptionJob> job = read(std::string(keyword) + "=" + secret + "\xff QVNegative");
-        ASSERT_TRUE(job);
-        EXPECT_THAT(job->refusal, HasSubstr("is protected and cannot be an option")) << keyword;
-        EXPECT_THAT(job->refusal + toldBy(*job) + entriesOf(*job), Not(HasSubstr(secret)));
+        const Made job = made(std::string(keyword) + "=" + secret + "\xff QVNegative");
+        EXPECT_THAT(job.refusal, HasSubstr("is protected and cannot be an option")) << keyword;
+        EXPECT_THAT(job.refusal + job.told + job.entries, Not(HasSubstr(secret)));
     }
-    EXPECT_THAT(read("QVStaple=Saddle QVFoldStyle=Half torka-conflicts=stop")->refusal,
+    EXPECT_THAT(made("QVStaple=Saddle QVFoldStyle=Half torka-conflicts=stop").refusal,
                 HasSubstr("*QVFoldStyle=Half"));
-    EXPECT_THAT(read("QVScale=x torka-conflicts=stop")->refusal, HasSubstr("QVScale takes a number"));
-    EXPECT_EQ(read("QVScale=50 torka-conflicts=stop")->refusal, "");
+    EXPECT_THAT(made("QVScale=x torka-conflicts=stop").refusal, HasSubstr("QVScale takes a number"));
+    EXPECT_EQ(made("QVScale=50 torka-conflicts=stop").refusal, "");
 
-    const std::optional<OptionJob> bare =
-        read("Resume=" + secret + " QVDSPassword=" + secret + " Notes1=x", sample, SecretNotes::leftOut);
-    ASSERT_TRUE(bare);
-    EXPECT_EQ(bare->refusal, "");
-    EXPECT_THAT(entriesOf(*bare), HasSubstr("%%ZANCustom1: x\n"));
-    EXPECT_THAT(entriesOf(*bare) + toldBy(*bare), Not(HasSubstr(secret)));
-    EXPECT_THAT(toldBy(*bare), HasSubstr("QVDSPassword is left out\nResume is left out"));
+    const Made bare =
+        made("Resume=" + secret + " QVDSPassword=" + secret + " Notes1=x", sample, SecretNotes::leftOut);
+    EXPECT_EQ(bare.refusal, "");
+    EXPECT_THAT(bare.entries, HasSubstr("%%ZANCustom1: x\n"));
+    EXPECT_THAT(bare.entries + bare.told, Not(HasSubstr(secret)));
+    EXPECT_THAT(bare.told, HasSubstr("QVDSPassword is left out\nResume is left out"));
 }
 
 // Nothing of the server's stands in a document that its filters have not seen.
 TEST(OptionJob, CarriesEverythingForADocumentThatTheServersFiltersHaveNotSeen) {
     const FilterHarness harness;
-    const std::optional<OptionJob> job =
-        read("QVNegative PageSize=A3", sample, SecretNotes::refused, "application/vnd.cups-postscript");
-    ASSERT_TRUE(job);
-    EXPECT_THAT(entriesOf(*job), HasSubstr("%%BeginFeature: *PageSize A3\n"));
-    EXPECT_THAT(entriesOf(*job), HasSubstr("%%BeginFeature: *QVMarks Crop\n"));
+    const Made job =
+        made("QVNegative PageSize=A3", sample, SecretNotes::refused, "application/vnd.cups-postscript");
+    EXPECT_THAT(job.entries, HasSubstr("%%BeginFeature: *PageSize A3\n"));
+    EXPECT_THAT(job.entries, HasSubstr("%%BeginFeature: *QVMarks Crop\n"));
 }
 
 TEST(OptionJob, FindsTheWatermarksThatItsQueueKeeps) {
@@ -213,15 +206,13 @@ TEST(OptionJob, FindsTheWatermarksThatItsQueueKeeps) {
     const std::string ppd = folder.Write("Proofs.ppd", "*PPD-Adobe: \"4.3\"\n" + lines + readFile(sample));
     for (const auto& [name, hex] :
          {std::pair{"DRAFT", "<4452414654>"}, {"Draft", "<4472616674>"}, {"dRAFT", "<4472616674>"}}) {
-        const std::optional<OptionJob> job = read(std::string("torka-watermark=") + name, ppd);
-        ASSERT_TRUE(job);
-        EXPECT_THAT(job->told, IsEmpty());
-        EXPECT_THAT(entriesOf(*job), HasSubstr(hex)) << name;
+        const Made job = made(std::string("torka-watermark=") + name, ppd);
+        EXPECT_EQ(job.told, "");
+        EXPECT_THAT(job.entries, HasSubstr(hex)) << name;
     }
 }
 
 TEST(OptionText, ReadsSizes) {
-    // height: 0: no size
     for (const auto& [text, width, height] :
          {std::tuple<const char*, double, double>{"Custom.100x200", 100, 200},
           {"10x20cm", 283.46, 566.93},
@@ -229,18 +220,13 @@ TEST(OptionText, ReadsSizes) {
           {"custom.25.4x50.8mm", 72, 144},
           {"1x2ft", 864, 1728},
           {"1x1m", 2834.65, 2834.65},
-          {"300 500", 300, 500},
-          {"5x", 0, 0},
-          {"x5", 0, 0},
-          {"-5x5", 0, 0},
-          {"1e999x5", 0, 0},
-          {"5x5furlong", 0, 0},
-          {"", 0, 0},
-          {"Custom.", 0, 0},
-          {"infxnan", 0, 0}}) {
+          {"300 500", 300, 500}}) {
         const PaperSize size = sizeOf(text).value_or(PaperSize{});
         EXPECT_NEAR(size.width, width, 0.01) << text;
         EXPECT_NEAR(size.height, height, 0.01) << text;
+    }
+    for (const char* none : {"5x", "x5", "-5x5", "1e999x5", "5x5furlong", "", "Custom.", "infxnan"}) {
+        EXPECT_FALSE(sizeOf(none)) << none;
     }
 }
 

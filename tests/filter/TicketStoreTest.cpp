@@ -11,7 +11,6 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
-#include <map>
 #include <sys/stat.h>
 #include <thread>
 
@@ -37,15 +36,15 @@ std::string contentOf(const Sender& sender, const std::string& path, const JobId
 }
 
 // "" or what failed.
+std::string failureOf(const Result<void>& done) { return done ? "" : done.Why().Line(); }
+
 std::string announce(const Sender& sender, std::string_view named, std::string_view path) {
-    const Result<void> done = TicketStore::Announce(sender, named, path);
-    return done ? "" : done.Why().Line();
+    return failureOf(TicketStore::Announce(sender, named, path));
 }
 
 std::string store(const Sender& sender, const JobIdentity& by, std::string_view named,
                   std::string_view content) {
-    const Result<void> done = TicketStore::Store(sender, by, named, content);
-    return done ? "" : done.Why().Line();
+    return failureOf(TicketStore::Store(sender, by, named, content));
 }
 
 bool isRefused(const std::string& content, const std::string& reason) {
@@ -54,11 +53,8 @@ bool isRefused(const std::string& content, const std::string& reason) {
 
 std::string nameOf(int number) { return std::string(lastComponent(ticketPath(number))); }
 
-void makeOlder(const FilterHarness& harness, int ticket, std::chrono::seconds age) {
-    const auto time = std::filesystem::file_time_type::clock::now() - age;
-    for (const std::string suffix : {"", ".owner"}) {
-        std::filesystem::last_write_time(harness.Cache(nameOf(ticket) + suffix), time);
-    }
+void makeOlder(const std::filesystem::path& file, std::chrono::seconds age) {
+    std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - age);
 }
 
 TEST(TicketStore, ANameThatTravelsWithTheTextDecidesWhateverTheOrder) {
@@ -78,11 +74,9 @@ TEST(TicketStore, ANameThatTravelsWithTheTextDecidesWhateverTheOrder) {
     EXPECT_NE(store(anna, command, "Torka.temp", "text"), "");
     EXPECT_NE(store(bert, command, nameOf(1), "text"), "");
     EXPECT_EQ(contentOf(anna, ticketPath(1)), "one");
-    struct stat facts {};
-    ASSERT_EQ(stat(harness.Cache(nameOf(1)).c_str(), &facts), 0);
-    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
-    ASSERT_EQ(stat(harness.Cache().c_str(), &facts), 0);
-    EXPECT_EQ(facts.st_mode & 0777U, 0711U);
+    using std::filesystem::perms;
+    EXPECT_EQ(std::filesystem::status(harness.Cache(nameOf(1))).permissions(), perms(0600));
+    EXPECT_EQ(std::filesystem::status(harness.Cache()).permissions(), perms(0711));
 }
 
 // A foreign sender gives no name. The text then belongs to the only name announced for its queue, user and
@@ -130,15 +124,13 @@ TEST(TicketStore, ATicketBelongsToTheFirstJobThatUsesIt) {
     }
     // Of many filters at the same time, one job gets the ticket.
     std::vector<std::string> contents(16);
-    std::vector<std::thread> filters;
+    std::vector<std::jthread> filters;
     for (std::size_t i = 0; i < contents.size(); ++i) {
         filters.emplace_back([&contents, i] {
             contents[i] = contentOf(anna, ticketPath(2), {std::to_string(i), "urn:uuid:2"});
         });
     }
-    for (std::thread& filter : filters) {
-        filter.join();
-    }
+    filters.clear(); // waits for them
     EXPECT_EQ(std::ranges::count(contents, "text"), 1);
 
     // With two texts for one name, no new job prints with either; a job that has begun goes on. A restarted
@@ -226,27 +218,27 @@ TEST(TicketStore, RefusesNamesAndFilesThatCouldLeadAway) {
 TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
     const FilterHarness harness;
     constexpr int day = 24;
-    struct Case {
+    const struct {
         bool isUsed;
         const char* missing; // suffix of the missing half
         std::chrono::seconds age;
         bool isKept;
-    };
-    const std::vector<Case> cases{{false, nullptr, hours(29 * day), true},
-                                  {false, nullptr, hours(31 * day), false},
-                                  {true, nullptr, hours(6 * day), true},
-                                  {true, nullptr, hours(8 * day), false},
-                                  {false, "", hours(0), true},
-                                  {false, "", hours(2), false},
-                                  {false, ".owner", hours(0), true},
-                                  {false, ".owner", hours(2), false}};
-    for (std::size_t i = 0; i < cases.size(); ++i) {
+    } cases[] = {{false, nullptr, hours(29 * day), true},
+                 {false, nullptr, hours(31 * day), false},
+                 {true, nullptr, hours(6 * day), true},
+                 {true, nullptr, hours(8 * day), false},
+                 {false, "", hours(0), true},
+                 {false, "", hours(2), false},
+                 {false, ".owner", hours(0), true},
+                 {false, ".owner", hours(2), false}};
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         const int number = static_cast<int>(i);
         ASSERT_EQ(store(anna, command, nameOf(number), "text"), "");
         if (cases[i].isUsed) {
             EXPECT_EQ(contentOf(anna, ticketPath(number)), "text");
         }
-        makeOlder(harness, number, cases[i].age);
+        makeOlder(harness.Cache(nameOf(number)), cases[i].age);
+        makeOlder(harness.Cache(nameOf(number) + ".owner"), cases[i].age);
         if (cases[i].missing != nullptr) {
             PrivateFolder::Remove(nameOf(number) + cases[i].missing);
         }
@@ -254,64 +246,54 @@ TEST(TicketStore, UnusedTicketsStayAMonthUsedOnesAWeekAndHalvesAnHour) {
     // A ticket that is used again after six days is kept for another week.
     EXPECT_EQ(contentOf(anna, ticketPath(2)), "text");
     EXPECT_GT(PrivateFolder::Changed(nameOf(2) + ".owner"), std::time(nullptr) - 60);
-    const std::map<std::string, hours> others{{"ConnectionErrorInfoFileAB-1.txt", hours(25)},
-                                              {"zan_timeout_override.txt", hours(9999)},
-                                              {"Team-7", hours(9999)},
-                                              {".torka-abcdef", hours(25)},
-                                              {".torka-ghijkl", hours(1)}};
-    for (const auto& [name, age] : others) {
+    const std::tuple<const char*, hours, bool> others[] = {
+        {"ConnectionErrorInfoFileAB-1.txt", hours(25), false},
+        {"zan_timeout_override.txt", hours(9999), true},
+        {"Team-7", hours(9999), true},
+        {".torka-abcdef", hours(25), false},
+        {".torka-ghijkl", hours(1), true}};
+    for (const auto& [name, age, isKept] : others) {
         PrivateFolder::Write(name, "");
-        std::filesystem::last_write_time(harness.Cache(name),
-                                         std::filesystem::file_time_type::clock::now() - age);
+        makeOlder(harness.Cache(name), age);
     }
     TicketStore::SweepSometimes();
-    for (std::size_t i = 0; i < cases.size(); ++i) {
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         const std::string name = nameOf(static_cast<int>(i));
-        EXPECT_EQ(PrivateFolder::Exists(name) || PrivateFolder::Exists(name + ".owner"), cases[i].isKept)
-            << i;
+        const bool isThere = PrivateFolder::Exists(name) || PrivateFolder::Exists(name + ".owner");
+        EXPECT_EQ(isThere, cases[i].isKept) << i;
     }
-    EXPECT_FALSE(PrivateFolder::Exists("ConnectionErrorInfoFileAB-1.txt"));
-    EXPECT_FALSE(PrivateFolder::Exists(".torka-abcdef"));
-    for (const char* kept : {"zan_timeout_override.txt", "Team-7", ".torka-ghijkl"}) {
-        EXPECT_TRUE(PrivateFolder::Exists(kept)) << kept;
-    }
-}
-
-// Fills the folder as commands would, but faster.
-void fill(const FilterHarness& harness, const Sender& sender, int first, std::size_t count,
-          std::size_t bytes) {
-    for (int i = first; i < first + static_cast<int>(count); ++i) {
-        std::ofstream(harness.Cache(nameOf(i) + ".owner"))
-            << ticketRecordText({sender.user, sender.host, command, bytes, {}, false});
-        std::ofstream(harness.Cache(nameOf(i)));
-        std::filesystem::resize_file(harness.Cache(nameOf(i)), bytes);
+    for (const auto& [name, age, isKept] : others) {
+        EXPECT_EQ(PrivateFolder::Exists(name), isKept) << name;
     }
 }
 
 TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
     const std::size_t large = maximumOfSender.bytes / 4;
     const Sender away{"Proofs", "anna", "pc7"};
-    struct Case {
+    const struct {
         const char* what;
         std::size_t number; // number of tickets, each of a different user unless isOneUser
         std::size_t bytes;
         bool isOneUser;
         bool hasRoom;     // for the tickets' user on the same host
         bool hasRoomAway; // for the same user on another host
-    };
-    for (const Case& c :
-         {Case{"one below the number", maximumOfSender.number - 1, 1, true, true, true},
-          Case{"the number", maximumOfSender.number, 1, true, false, true},
-          Case{"the bytes", 4, large, true, false, true},
-          Case{"one byte below", 4, large - 1, true, true, true},
-          Case{"the host's bytes, whatever its users are called", 16, large, false, false, true},
-          Case{"everybody's bytes", 32, large, false, false, false}}) {
+    } cases[] = {{"one below the number", maximumOfSender.number - 1, 1, true, true, true},
+                 {"the number", maximumOfSender.number, 1, true, false, true},
+                 {"the bytes", 4, large, true, false, true},
+                 {"one byte below", 4, large - 1, true, true, true},
+                 {"the host's bytes, whatever its users are called", 16, large, false, false, true},
+                 {"everybody's bytes", 32, large, false, false, false}};
+    for (const auto& c : cases) {
         const FilterHarness harness;
         ASSERT_FALSE(PrivateFolder::Prepare());
-        for (std::size_t i = 0; i < (c.isOneUser ? 1 : c.number); ++i) {
+        for (std::size_t i = 0; i < c.number; ++i) { // as commands would, but faster
             const std::string user = c.isOneUser ? "anna" : "user" + std::to_string(i % 16);
-            fill(harness, {"Proofs", user, i < 16 ? "localhost" : "pc8"}, static_cast<int>(i),
-                 c.isOneUser ? c.number : 1, c.bytes);
+            const std::string host = c.isOneUser || i < 16 ? "localhost" : "pc8";
+            const std::filesystem::path ticket = harness.Cache(nameOf(static_cast<int>(i)));
+            std::ofstream(ticket.string() + ".owner")
+                << ticketRecordText({user, host, command, c.bytes, {}, false});
+            std::ofstream{ticket};
+            std::filesystem::resize_file(ticket, c.bytes);
         }
         EXPECT_EQ(store(anna, command, nameOf(90001), "text").empty(), c.hasRoom) << c.what;
         EXPECT_EQ(store(away, command, nameOf(90002), "text").empty(), c.hasRoomAway) << c.what;
@@ -336,8 +318,8 @@ TEST(TicketOwner, ARecordIsReadAsItWasWrittenOrNotAtAll) {
         }
         // A line that ends too early, as by another version.
         for (std::size_t field = text.find(' '); field < first; field = text.find(' ', field + 1)) {
-            EXPECT_EQ(readTicketRecord(text.substr(0, field + 1) + "\n").has_value(), field + 1 == first)
-                << field;
+            const auto read = readTicketRecord(text.substr(0, field + 1) + "\n");
+            EXPECT_EQ(read.has_value(), field + 1 == first) << field;
         }
         EXPECT_FALSE(readTicketRecord(text.substr(0, first + 1) + "=used =8 \n")->usedBy);
         // The first job counts. A word of another version is no job.
@@ -374,17 +356,18 @@ TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
     const std::int64_t now = std::time(nullptr);
     constexpr std::int64_t day = 24 * 3600;
     std::string text;
-    for (const auto& [kind, age] : {std::pair(NoteKind::language, day - 60),
-                                    {NoteKind::language, day + 60},
-                                    {NoteKind::mailbox, 30 * day - 60},
-                                    {NoteKind::mailbox, 30 * day + 60}}) {
-        text += noteLine({anna, kind, now - age, std::to_string(age)});
+    const std::pair<NoteKind, std::int64_t> lifetimes[] = {{NoteKind::language, day},
+                                                           {NoteKind::mailbox, 30 * day}};
+    for (const auto& [kind, limit] : lifetimes) {
+        for (const std::int64_t age : {limit - 60, limit + 60}) {
+            text += noteLine({anna, kind, now - age, std::to_string(age)});
+        }
     }
     PrivateFolder::Write("TorkaFilterNotes", text);
-    EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::language, std::to_string(day - 60)));
-    EXPECT_FALSE(FilterNotes::Has("anna", NoteKind::language, std::to_string(day + 60)));
-    EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::mailbox, std::to_string(30 * day - 60)));
-    EXPECT_FALSE(FilterNotes::Has("anna", NoteKind::mailbox, std::to_string(30 * day + 60)));
+    for (const auto& [kind, limit] : lifetimes) {
+        EXPECT_TRUE(FilterNotes::Has("anna", kind, std::to_string(limit - 60)));
+        EXPECT_FALSE(FilterNotes::Has("anna", kind, std::to_string(limit + 60)));
+    }
 }
 
 // One host cannot displace the entries of others, with any number of user names of any length.
@@ -395,19 +378,17 @@ TEST(FilterNotes, OneHostCannotCrowdTheOthersOut) {
         std::string text = readFile(harness.Cache("TorkaFilterNotes"));
         const std::size_t enough =
             length == 10 ? FilterNotes::limitOfAll : FilterNotes::maximumBytes / length;
+        const auto user = [&](std::size_t i) { return std::string(length, 'x') + std::to_string(i); };
         for (std::size_t i = 0; i < enough; ++i) {
-            const std::string user = std::string(length, 'x') + std::to_string(i);
             text +=
-                noteLine({{"Proofs", user, "attacker"}, NoteKind::ticketName, std::time(nullptr), "name"});
+                noteLine({{"Proofs", user(i), "attacker"}, NoteKind::ticketName, std::time(nullptr), "name"});
         }
         PrivateFolder::Write("TorkaFilterNotes", text);
         ASSERT_TRUE(FilterNotes::Add({"Proofs", "one more", "attacker"}, NoteKind::ticketName, "newest"));
         EXPECT_TRUE(FilterNotes::Has("anna", NoteKind::mailbox, "oldest of all"));
         EXPECT_TRUE(FilterNotes::Has("one more", NoteKind::ticketName, "newest"));
-        EXPECT_FALSE(FilterNotes::Has(std::string(length, 'x') + "0", NoteKind::ticketName, "name"));
-        EXPECT_TRUE(FilterNotes::Has(std::string(length, 'x') + std::to_string(enough - 1),
-                                     NoteKind::ticketName, "name"))
-            << "never all";
+        EXPECT_FALSE(FilterNotes::Has(user(0), NoteKind::ticketName, "name"));
+        EXPECT_TRUE(FilterNotes::Has(user(enough - 1), NoteKind::ticketName, "name")) << "never all";
         EXPECT_LE(std::filesystem::file_size(harness.Cache("TorkaFilterNotes")), FilterNotes::maximumBytes);
     }
 }

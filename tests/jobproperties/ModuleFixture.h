@@ -5,6 +5,7 @@
 #include "tests/bidi/MemoryHost.h"
 #include "tests/support/TestSupport.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
 
@@ -25,9 +26,6 @@ protected:
         ::unsetenv("TORKA_JP_SCRIPT");
         unloadJobPropertiesLibrary();
         setLibraryLoader(nullptr);
-        sharedList = nullptr;
-        sharedListCopyFromJP.reset();
-        gotSharedListFromJP = gotServerPresetFromJP = false;
     }
     void SetTwoWay(bool on) { setField(record->bidiEnabled, on ? "1" : "0"); }
     void SetSettings(const Pairs& pairs) {
@@ -64,12 +62,9 @@ protected:
         return pairs;
     }
     std::string Value(const std::string& key) const {
-        for (const auto& [name, value] : Settings()) {
-            if (name == key) {
-                return value;
-            }
-        }
-        return "<absent>";
+        const Pairs pairs = Settings();
+        const auto found = std::ranges::find(pairs, key, &Pairs::value_type::first);
+        return found == pairs.end() ? "<absent>" : found->second;
     }
 
     ScopedMemorySystem system;

@@ -9,12 +9,8 @@
 
 namespace torka::tests {
 
-namespace {
-
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-} // namespace
 
 // A job, a template's locks and every record of a server.
 class ModuleScript : public ModuleTest {

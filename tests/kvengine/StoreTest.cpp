@@ -18,12 +18,13 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+std::string text(UIConstraints& store, std::int64_t id) { return store.GetConstraintStrings()->Find(id); }
+
 // The pairs of a cache or list as "key=option" texts.
 std::vector<std::string> named(UIConstraints& store, std::span<const KeyOption> pairs) {
     std::vector<std::string> names;
-    const auto text = [&](std::int64_t id) { return std::string(store.GetConstraintStrings()->Find(id)); };
     for (const KeyOption& pair : pairs) {
-        names.push_back(text(pair.key) + "=" + text(pair.option));
+        names.push_back(text(store, pair.key) + "=" + text(store, pair.option));
     }
     return names;
 }
@@ -190,16 +191,14 @@ struct Chains : testing::Test {
     }
     // "A1B1": *A=1 constrains *B=1.
     std::string Constraints() {
-        std::string text;
-        const auto name = [&](std::int64_t id) {
-            return std::string(store.GetConstraintStrings()->Find(id));
-        };
+        std::string all;
+        const auto name = [&](std::int64_t id) { return text(store, id); };
         store.GetConstraintForest()->ForEach(
             [&](std::int64_t key, std::int64_t option, const KeyOption& pair) {
-                text += name(key)[1] + name(option) + name(pair.key)[1] + name(pair.option) + " ";
+                all += name(key)[1] + name(option) + name(pair.key)[1] + name(pair.option) + " ";
                 return true;
             });
-        return text;
+        return all;
     }
     UIConstraints store;
 };

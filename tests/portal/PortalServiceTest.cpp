@@ -44,10 +44,6 @@ protected:
             GTEST_SKIP() << "dbus-daemon is not installed";
         }
         address = QString::fromLatin1(daemon.readLine()).trimmed();
-        PosixSystemOptions options;
-        options.rootFromEnvironment = true;
-        setSystem(std::make_unique<PosixSystem>(options));
-        setSpooler(std::make_unique<CupsSpooler>());
         auto loaded = dialog::loadPaneBundle(TORKA_BUNDLE);
         ASSERT_TRUE(loaded);
         pane = *std::move(loaded);

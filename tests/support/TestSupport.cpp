@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/TestSupport.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -32,6 +33,16 @@ std::filesystem::path TemporaryFolder::Write(std::string_view name, std::string_
     std::ofstream out(file, std::ios::binary);
     out.write(content.data(), static_cast<std::streamsize>(content.size()));
     return file;
+}
+
+std::string noise(std::size_t size) {
+    std::string text(size, ' ');
+    unsigned seed = 1;
+    std::ranges::generate(text, [&seed] {
+        seed = seed * 1103515245U + 12345U;
+        return static_cast<char>('!' + (seed >> 16U) % 90);
+    });
+    return text;
 }
 
 namespace {

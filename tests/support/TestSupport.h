@@ -72,6 +72,9 @@ std::string runGhostscript(const std::string& device, const std::vector<std::str
 std::string runPython(const std::string& script, const std::vector<std::string>& arguments = {},
                       std::string_view input = {});
 
+// Printable characters that do not compress well, the same each time.
+std::string noise(std::size_t size);
+
 // Reads a whole file; fails the test when it cannot be read.
 std::string readFile(const std::filesystem::path& path);
 
