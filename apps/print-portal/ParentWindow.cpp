@@ -2,6 +2,8 @@
 #include "apps/print-portal/ParentWindow.h"
 
 #include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 #include <cstdint>
@@ -29,10 +31,14 @@ void standBefore(QWidget& window, const QString& handle, bool isModal) {
     if (number == 0 || QGuiApplication::platformName() != QLatin1String("xcb")) {
         return;
     }
+    // A window that does not exist has no pixel. A dialog that stood before it would get no input. Qt 6.4
+    // does not know the size of a window of another program.
+    QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr || screen->grabWindow(number, 0, 0, 1, 1).isNull()) {
+        return;
+    }
     QWindow* parent = QWindow::fromWinId(number);
-    // A window that does not exist has no size. A dialog that stood before it would get no input.
-    if (parent == nullptr || parent->geometry().isEmpty()) {
-        delete parent;
+    if (parent == nullptr) {
         return;
     }
     window.winId(); // makes the QWindow
