@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/dialog/QueueNotice.h"
 #include "apps/dialog/ToolkitTexts.h"
 #include "tests/dialog/DialogFixture.h"
 
@@ -218,6 +219,20 @@ TEST(Documents, ThatCannotBePrintedAreRefusedWithTheReason) {
         EXPECT_FALSE(dialog::openDocument(QString::fromStdString(path), document, error));
         EXPECT_TRUE(error.startsWith(QString::fromStdString(path)) && error.contains(reason))
             << error.toStdString();
+    }
+}
+
+TEST(QueueNotices, NameWhatThePrinterReports) {
+    const std::string goOn = "The printer cannot go on: ";
+    for (const auto& [reasons, notice] :
+         {std::pair(std::vector<CFTypeRef>{cfString("toner-empty-error"), cfString("paused")},
+                    goOn + "the toner is used up."),
+          {{cfString("toner-empty"), cfString("toner-empty-warning")}, goOn + "the toner is used up."},
+          {{cfString("strange-error"), cfString("door\nopen-error")},
+           goOn + "strange-error, door open-error."},
+          {{cfString("strange-report"), cfString("odd-warning")}, ""}}) {
+        const auto state = CFDictionaryCreate({{cfString("printer-state-reasons"), CFArrayCreate(reasons)}});
+        EXPECT_EQ(dialog::queueNotice("Press", state).toStdString(), notice);
     }
 }
 
