@@ -19,24 +19,7 @@ std::optional<std::string_view> nextField(std::string_view& line) {
     return field;
 }
 
-} // namespace
-
-void appendField(std::string& line, std::string_view text) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    line += '=';
-    for (const char c : text) {
-        if (isPlain(c)) {
-            line += c;
-        } else {
-            const auto value = static_cast<unsigned char>(c);
-            line.append({'%', digits[value >> 4U], digits[value & 15U]});
-        }
-    }
-    line += ' ';
-}
-
-std::optional<std::string> takeField(std::string_view& line) {
-    const std::optional<std::string_view> field = nextField(line);
+std::optional<std::string> decoded(std::optional<std::string_view> field) {
     if (!field) {
         return std::nullopt;
     }
@@ -55,6 +38,30 @@ std::optional<std::string> takeField(std::string_view& line) {
         i += 2;
     }
     return text;
+}
+
+} // namespace
+
+void appendField(std::string& line, std::string_view text) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    line += '=';
+    for (const char c : text) {
+        if (isPlain(c)) {
+            line += c;
+        } else {
+            const auto value = static_cast<unsigned char>(c);
+            line.append({'%', digits[value >> 4U], digits[value & 15U]});
+        }
+    }
+    line += ' ';
+}
+
+std::optional<std::string> takeField(std::string_view& line) {
+    const std::optional<std::string> field = decoded(nextField(line));
+    if (!field) {
+        line = {};
+    }
+    return field;
 }
 
 } // namespace torka::filter

@@ -11,8 +11,8 @@
 namespace torka::filter {
 
 void appendField(std::string& line, std::string_view text);
-// Removes the next field from the line and returns it. Returns nothing when the line does not begin with a
-// field.
+// Removes the next field from the line and returns it. Returns nothing, and empties the line, when the line
+// does not begin with a field or the field cannot be decoded: whoever gets a field has got those before it.
 std::optional<std::string> takeField(std::string_view& line);
 
 } // namespace torka::filter

@@ -321,7 +321,12 @@ TEST(TicketOwner, ARecordIsReadAsItWasWrittenOrNotAtAll) {
             const auto read = readTicketRecord(text.substr(0, field + 1) + "\n");
             EXPECT_EQ(read.has_value(), field + 1 == first) << field;
         }
-        EXPECT_FALSE(readTicketRecord(text.substr(0, first + 1) + "=used =8 \n")->usedBy);
+        for (std::size_t field = 0; field < first; field = text.find(' ', field) + 1) {
+            EXPECT_FALSE(readTicketRecord(std::string(text).insert(field + 1, "%z"))) << field;
+        }
+        for (const char* line : {"=used =8 \n", "=used =%z =8 \n"}) {
+            EXPECT_FALSE(readTicketRecord(text.substr(0, first + 1) + line)->usedBy) << line;
+        }
         // The first job counts. A word of another version is no job.
         EXPECT_EQ(readTicketRecord(text.substr(0, first + 1) + "=later =7 =x \n=used =8 =y \n=used =9 =z \n")
                       ->usedBy,
@@ -330,6 +335,7 @@ TEST(TicketOwner, ARecordIsReadAsItWasWrittenOrNotAtAll) {
 }
 
 TEST(FilterNotes, KeepTheirOrderAndTheirBounds) {
+    EXPECT_FALSE(readNoteLine("=mailbox =%z =q =u =h =v ")) << "damaged";
     const FilterHarness harness;
     for (std::size_t i = 0; i < FilterNotes::limitOfSender + 5; ++i) {
         ASSERT_TRUE(FilterNotes::Add(anna, NoteKind::ticketName, std::to_string(i)));
