@@ -58,7 +58,7 @@ TEST(ModuleDescription, AgreesWithThePrintingSystem) {
 
 TEST(ModuleDescription, ReadsWhatThePrintingSystemDoesNot) {
     const auto description =
-        PrinterDescription::FromText("*PPD-Adobe: \"4.3\"\r\n*LanguageEncoding: ISOLatin1\r\n"
+        PrinterDescription::FromText("*PPD-Adobe: \"4.3\"\r\n*LanguageEncoding: \"ISOLatin1\"\r\n"
                                      "*%ZANPropPage Page/P<E4>ge: True\r\n"
                                      "*%ZANGroupName Pane/Pane: True\r\n"
                                      "*%ZANParent Pane/Page: True|Scrollpane\r\n"
