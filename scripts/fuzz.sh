@@ -46,7 +46,8 @@ for target; do
     log=build/findings/$target.log
     executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
     units=$(grep -Ec '^#[0-9]+[[:space:]]+NEW' "$log" || true)
-    findings=$(find "build/findings/$target" -type f ! -name 'minimized-*' | wc -l)
+    # An input that takes more than 60 s is a finding. One above 10 s may have met a busy machine; it stays there as well.
+    findings=$(find "build/findings/$target" -type f ! -name 'minimized-*' ! -name 'slow-unit-*' | wc -l)
     printf '%-24s %12s %10s %9s\n' "$target" "${executions:-0}" "$units" "$findings"
     [ "$findings" -eq 0 ] && [ "${executions:-0}" -gt 0 ] || status=1
 done
