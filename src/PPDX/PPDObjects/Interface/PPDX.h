@@ -69,11 +69,6 @@ public:
     // bytes, terminates it, and still reads the part beyond. Returns the length + 1, or 0 for an empty value
     // or no opening quote.
     long GetQuotedString(PPDStream& stream, char* out, long capacity);
-    // Does the same for PostScript, with a line feed before each joined line and one at the end (in the last
-    // byte when cut). A line that begins with "*%" belongs to the value without these two characters. A line
-    // that begins an element such as "*%ZANFlags" ends the value. Returns 0, and an empty `out`, also when
-    // the file ends before the value.
-    long GetPostscriptString(PPDStream& stream, char* out, long capacity);
 
     // Reads the next line up to its first NUL. `line` gets a view that the next reading of a line, or of a
     // value of several lines, ends. Returns false when there is none: at the end of the file or of the
@@ -90,6 +85,13 @@ public:
     const std::vector<std::uint32_t>& UnclosedValues() const { return unclosedValues; }
     // Does the same for the values that GetQuotedString has cut.
     const std::vector<std::uint32_t>& CutValues() const { return cutValues; }
+
+    // Given interface; no caller here
+    // Does the same as GetQuotedString for PostScript, with a line feed before each joined line and one at
+    // the end (in the last byte when cut). A line that begins with "*%" belongs to the value without these
+    // two characters. A line that begins an element such as "*%ZANFlags" ends the value. Returns 0, and an
+    // empty `out`, also when the file ends before the value.
+    long GetPostscriptString(PPDStream& stream, char* out, long capacity);
 
 protected:
     // Reads the value of GetQuotedString or, for PostScript, of GetPostscriptString without the line feed at
