@@ -57,7 +57,7 @@ void appendField(std::string& line, std::string_view text) {
 }
 
 std::optional<std::string> takeField(std::string_view& line) {
-    const std::optional<std::string> field = decoded(nextField(line));
+    std::optional<std::string> field = decoded(nextField(line));
     if (!field) {
         line = {};
     }
