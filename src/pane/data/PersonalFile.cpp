@@ -82,8 +82,11 @@ std::error_code keepDamaged(const std::filesystem::path& file) {
         return {}; // absent, in order, or unreadable: callers that must not replace such a file read it first
     }
     const std::filesystem::path kept = file.string() + ".damaged";
-    myNSLogC("The damaged file is kept as %s", kept.c_str());
-    return system().WriteFile(kept, xml, fileMode);
+    const std::error_code failure = system().WriteFile(kept, xml, fileMode);
+    if (!failure) {
+        myNSLogC("The damaged file is kept as %s", kept.c_str());
+    }
+    return failure;
 }
 
 } // namespace
