@@ -149,6 +149,43 @@ TEST(PrinterChange, TheOlderPanelAsksForItsOwnPopupNotesAgain) {
     EXPECT_EQ(utf8Text(asking->sent.back().command), "111\n*QVAccount=typed");
 }
 
+// Each dialog's own notes, popups and module, whichever was opened or used last.
+TEST(PrinterChange, TwoDialogsOpenAtOnceDoNotMixTheirTexts) {
+    const std::string popupNote = jobNote("QVAccount", "20|Alpha|PopupJN");
+    std::string japanese = panelDescription();
+    japanese.replace(japanese.find("ISOLatin1"), 9, "JIS83-RKSJ");
+    Bench bench(panelDescription(popupNote));
+    const auto latinPrinter = bench.dialog->printer;
+    const auto latin = bench.OpenShown();
+    set(*latin, "*QVNotes1", "B\u00FCro");
+    gPopupJobNotesDefaultsButton = 1;
+    bench.Choose("Japan", bench.folder.Write("Japan.ppd", japanese));
+    bench.spooler->destinations.push_back({"Japan", destinationStateIdle, true});
+    const auto japanPrinter = bench.dialog->printer;
+    auto other = bench.OpenShown();
+    const auto use = [&](TorkaFeaturesPDE& panel, const PMPrinter& printer) {
+        bench.dialog->printer = std::dynamic_pointer_cast<MemoryPrinter>(printer);
+        panel.becomeCurrent();
+    };
+    set(*other, "*QVNotes1", "\u65E5\u672C");
+    use(*latin, latinPrinter);
+    EXPECT_EQ(jobPropertiesHost(), latin.get());
+    EXPECT_EQ(valueOf(*latin, "*QVNotes1"), "B\u00FCro");
+    EXPECT_EQ(gPopupJobNotesDefaultsButton, 1);
+    EXPECT_FALSE(hasNoPopupJobNotes());
+    use(*other, japanPrinter);
+    EXPECT_EQ(valueOf(*other, "*QVNotes1"), "\u65E5\u672C");
+    EXPECT_TRUE(hasNoPopupJobNotes());
+    bench.dialog->printer = latinPrinter;
+    EXPECT_TRUE(latin->shouldPrint()); // nobody has told it that it is the current one
+    EXPECT_EQ(bench.widgets.popups, 1);
+    EXPECT_EQ(valueOf(*latin, "*QVNotes1"), "B\u00FCro");
+    use(*other, japanPrinter);
+    other.reset();
+    set(*latin, "*QVNotes1", "M\u00FCll");
+    EXPECT_EQ(valueOf(*latin, "*QVNotes1"), "M\u00FCll");
+}
+
 TEST(PrinterChange, ANewDialogTellsWhenTheLastJobsSettingsAreNotTheDefaults) {
     for (const bool isDefault : {true, false}) {
         Bench bench;

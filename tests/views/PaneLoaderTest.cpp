@@ -2,29 +2,39 @@
 #include "pane/views/QtPaneInterface.h"
 #include "tests/pane/PanelFixture.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
+#include <QVBoxLayout>
 
 namespace torka::tests {
 namespace {
 
-// A whole panel in a dialog in memory, with the bundle's real interface file and real widgets.
-TEST(PaneLoader, OpensAndClosesPanelsInAnyOrder) {
-    Bench bench(panelDescription("*%QVShortcut *QVDuplex\n"));
-    const TemporaryFolder folder;
-    const auto contents = folder / "Contents";
-    std::filesystem::create_directories(contents / "Resources");
-    std::filesystem::copy_file(std::string(TORKA_SOURCE_DIR) + "/bundle/Resources/TorkaFeaturesPDE.ui",
-                               contents / "Resources" / "TorkaFeaturesPDE.ui");
-    bench.bundle->path = folder.Path();
-    bench.system->files[(contents / "PrinterList.plist").string()] =
-        bench.system->files["/bundle/Contents/PrinterList.plist"];
-    bench.bundle->strings["Pane/DEFAULTS"] = "Vorgaben";
-    setPaneInterfaceLoader(qtPaneInterfaceLoader());
+// Whole panels in dialogs in memory, with the bundle's real interface file and real widgets.
+struct PaneLoader : ::testing::Test {
+    PaneLoader() {
+        static const TemporaryFolder folder; // the panel keeps the bundle that it finds first
+        const auto contents = folder / "Contents";
+        std::filesystem::create_directories(contents / "Resources");
+        std::filesystem::copy_file(std::string(TORKA_SOURCE_DIR) + "/bundle/Resources/TorkaFeaturesPDE.ui",
+                                   contents / "Resources" / "TorkaFeaturesPDE.ui",
+                                   std::filesystem::copy_options::overwrite_existing);
+        bench.bundle->path = folder.Path();
+        bench.system->files[(contents / "PrinterList.plist").string()] =
+            bench.system->files["/bundle/Contents/PrinterList.plist"];
+        bench.bundle->strings["Pane/DEFAULTS"] = "Vorgaben";
+        setPaneInterfaceLoader(qtPaneInterfaceLoader());
+    }
+
+    Bench bench{panelDescription("*%QVShortcut *QVDuplex\n")};
+};
+
+TEST_F(PaneLoader, OpensAndClosesPanelsInAnyOrder) {
     for (const bool endsBeforeItsPanel : {false, true}) {
         auto panel = bench.OpenShown();
         const QPointer<QWidget> root = widgetOf(panel->panelView());
@@ -54,6 +64,32 @@ TEST(PaneLoader, OpensAndClosesPanelsInAnyOrder) {
         }
         panel.reset();
         EXPECT_EQ(root, nullptr) << "nobody put the view into a window";
+    }
+}
+
+// Two dialogs of one process: a text that a person types is read in the encoding of its own description.
+TEST_F(PaneLoader, APanelIsTheCurrentOneWhileAPersonUsesItsWindow) {
+    const auto latin = bench.OpenShown();
+    std::string text = panelDescription();
+    text.replace(text.find("ISOLatin1"), 9, "JIS83-RKSJ");
+    bench.Choose("Japan", bench.folder.Write("Japan.ppd", text));
+    const auto japanese = bench.OpenShown();
+    std::array<QWidget, 2> windows;
+    const std::array panels{latin, japanese};
+    const std::array texts{"B\u00FCro", "\u65E5\u672C"};
+    for (std::size_t i = 0; i < windows.size(); ++i) {
+        (new QVBoxLayout(&windows[i]))->addWidget(widgetOf(panels[i]->panelView()));
+        windows[i].show();
+    }
+    QDialog above(&windows[0]);
+    for (const auto& [i, focused] :
+         {std::pair<std::size_t, QWidget*>{0, windows[0].findChild<QCheckBox*>("bidiCheckBox")},
+          {1, &windows[1]},
+          {0, &above}, // a dialog of the first pane
+          {1, windows[1].findChild<QComboBox*>("*QVDuplex")}}) {
+        Q_EMIT qApp->focusChanged(nullptr, focused);
+        set(*panels[i], "*QVNotes1", texts[i]);
+        EXPECT_EQ(valueOf(*panels[i], "*QVNotes1"), texts[i]);
     }
 }
 

@@ -25,13 +25,23 @@ void resetPopupJobNotes() {
     gPopupJobNotesFileName.clear();
     gPopupJobNotesNote.fill({});
     gPopupJobNotesSavedNote.fill({});
-    gPopupJobNotesDefaultsButton = 0;
-    gPopupJobNotesSavedEnable = '0';
-    gPopupJobNotesSavedSetting = '1';
-    gPopupJobNotesSavedShowLast = '0';
-    gPopupJobNotesLangIsJapanese = false;
-    gPopupJobNotesDoneInitializing = false;
-    gPopupJobNotesFoundOne = false;
+    setPopupJobNotesState({});
+}
+
+PopupJobNotesState popupJobNotesState() {
+    return {gPopupJobNotesDefaultsButton, gPopupJobNotesSavedEnable,    gPopupJobNotesSavedSetting,
+            gPopupJobNotesSavedShowLast,  gPopupJobNotesLangIsJapanese, gPopupJobNotesDoneInitializing,
+            gPopupJobNotesFoundOne};
+}
+
+void setPopupJobNotesState(const PopupJobNotesState& state) {
+    gPopupJobNotesDefaultsButton = state.defaultsButton;
+    gPopupJobNotesSavedEnable = state.savedEnable;
+    gPopupJobNotesSavedSetting = state.savedSetting;
+    gPopupJobNotesSavedShowLast = state.savedShowLast;
+    gPopupJobNotesLangIsJapanese = state.isJapanese;
+    gPopupJobNotesDoneInitializing = state.doneInitializing;
+    gPopupJobNotesFoundOne = state.foundOne;
 }
 
 } // namespace torka

@@ -44,6 +44,19 @@ extern char gPopupJobNotesSavedShowLast; // '0' or '1'
 // Sets all variables of the popup job notes to the values with which a new panel begins.
 void resetPopupJobNotes();
 
+// The variables of the popup job notes, kept for a panel while they belong to another one.
+struct PopupJobNotesState {
+    int defaultsButton = 0;
+    char savedEnable = '0';
+    char savedSetting = '1';
+    char savedShowLast = '0';
+    bool isJapanese = false;
+    bool doneInitializing = false;
+    bool foundOne = false;
+};
+PopupJobNotesState popupJobNotesState();
+void setPopupJobNotesState(const PopupJobNotesState& state);
+
 // True when the description was searched for popup job notes and has none.
 inline bool hasNoPopupJobNotes() { return gPopupJobNotesDoneInitializing && !gPopupJobNotesFoundOne; }
 

@@ -32,6 +32,8 @@ public:
     virtual CFStringRef foundPrinterAddress() const { return cfString(""); }
     // Called when the person has stored another address or two-way state.
     virtual void printerAddressStored(bool /*twoWay*/) {}
+    // Makes the process-wide values those of this panel, before its settings are read or changed.
+    virtual void becomeCurrent() {}
     // Brings the last window of the host application to the front.
     virtual void bringToFront() = 0;
 

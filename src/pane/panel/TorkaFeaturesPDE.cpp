@@ -14,7 +14,10 @@
 
 namespace torka {
 
-ViewRef TorkaFeaturesPDE::panelView() { return LoadInterface() ? interface->outputBinsView() : nullptr; }
+ViewRef TorkaFeaturesPDE::panelView() {
+    becomeCurrent();
+    return LoadInterface() ? interface->outputBinsView() : nullptr;
+}
 
 CFStringRef TorkaFeaturesPDE::panelName() {
     if (!self.thePDEName) {
@@ -143,6 +146,7 @@ void TorkaFeaturesPDE::enableCustomizedViewForDMT() {
 
 void TorkaFeaturesPDE::defaultsButtonClicked() {
     if (!gIgnoreButtonEvents) {
+        becomeCurrent();
         self.myUi_Panel->ResetControlsToDefault();
         TakeSystemLayout();
         PrefillAccountName();
@@ -153,6 +157,7 @@ void TorkaFeaturesPDE::defaultsButtonClicked() {
 
 void TorkaFeaturesPDE::customizeQuickAccessButtonClicked() {
     if (interface && !gIgnoreButtonEvents) {
+        becomeCurrent();
         interface->customizeQuickAccess().openSheet();
     }
 }

@@ -30,7 +30,9 @@ struct DeferredCommands;
 // (ZANPPD), the data of the pane (PDEData), the panel model (UI_Panel) and the widgets (PaneInterface).
 //
 // Owns these parts, and shares the callback object of the dialog. Only initWithCallback makes panels. The
-// newest panel is sTorkaFeaturesPDE. All code runs on the main thread of the host.
+// newest panel is sTorkaFeaturesPDE. The other process-wide values belong to the current panel: the newest
+// one, until the dialog of another panel calls it or a person turns to that dialog (becomeCurrent). All code
+// runs on the main thread of the host.
 class TorkaFeaturesPDE final : public PDEPanel,
                                public PanelServices,
                                public JobPropertiesHost,
@@ -109,6 +111,7 @@ public:
     CFStringRef foundPrinterAddress() const override;
     void bringToFront() override;
     std::filesystem::path bundlePath() const override;
+    void becomeCurrent() override;
     PMPrinter currentPrinter() const override { return self.printer; }
     BidiFailure& bidiFailure() override;
 
@@ -177,6 +180,8 @@ private:
     void MakePaneData();
     void TakeInstance();
     void LeaveInstance();
+    bool IsCurrent() const { return thePMPrinter == &self.printer; }
+    static void KeepStateOfCurrent();
     void PublishQueue();
     void PublishAgain();
     void TakeLanguageOfPopupJobNotes();
@@ -221,8 +226,9 @@ private:
     // Of the popup notes, as the queue's record gave them or as they were last written; none before the first
     // restore.
     std::optional<std::string> popupPreferences;
-    std::string queueFileName;   // sessionQueueName as this panel found it
-    std::string descriptionPath; // destinationPPD() as this panel found it
+    PopupJobNotesState popupNotesState; // while another panel is the current one
+    std::string queueFileName;          // sessionQueueName as this panel found it
+    std::string descriptionPath;        // destinationPPD() as this panel found it
 };
 
 } // namespace torka

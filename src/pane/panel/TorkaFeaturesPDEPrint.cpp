@@ -41,6 +41,7 @@ void TorkaFeaturesPDE::Sync(const PDEPlugInCallbackRef& callback) {
 bool TorkaFeaturesPDE::saveValuesAndReturnError(std::string* /*error*/) {
     const auto alive = shared_from_this();
     sendDeferredCommands();
+    becomeCurrent();
     self.printSettings = self.pdePluginCallbackObject->printSettings();
     self.myPDEData->SetPrintSettings(self.printSettings);
     // The key of a pair has an asterisk until the Job Properties module names the pair. Only the key without
@@ -73,15 +74,19 @@ void TorkaFeaturesPDE::TakeDocumentServer() {
     gDocumentServer = utf8Text(value) == "True";
 }
 
+// Every window and wait on the way runs the event loop, in which a person may turn to another dialog.
 bool TorkaFeaturesPDE::shouldPrint() {
     const auto alive = shared_from_this();
+    becomeCurrent();
     updatePageSizeAndInputSlot();
     if (!ConfirmConflicts()) {
         return false;
     }
+    becomeCurrent();
     if (!hasNoPopupJobNotes() && LoadInterface() && !interface->popupJobNotes().handlePopupJobnoteUI()) {
         return false;
     }
+    becomeCurrent();
     if (!ConfirmBrokenNotes()) {
         return false;
     }
@@ -89,6 +94,7 @@ bool TorkaFeaturesPDE::shouldPrint() {
     if (!WriteTicket(EmissionPurpose::printJob)) {
         return false;
     }
+    becomeCurrent();
     WritePopupPreferences();
     presets->RememberLastUsed();
     self.isDocumentPrinting = true;
@@ -140,6 +146,7 @@ bool TorkaFeaturesPDE::ConfirmBrokenNotes() {
 
 bool TorkaFeaturesPDE::WriteTicket(EmissionPurpose purpose) {
     const std::uint64_t shortagesBefore = gMemoryShortages;
+    becomeCurrent();
     RefreshFromCallback();
     TakeDocumentServer();
     self.myPDEData->SetPrintSettings(self.printSettings);

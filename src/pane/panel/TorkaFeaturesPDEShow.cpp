@@ -35,6 +35,7 @@ CFStringRef shownPrinterName(const CFStringRef& name) {
 } // namespace
 
 bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
+    becomeCurrent();
     self.printSettings = self.pdePluginCallbackObject->printSettings();
     self.printer = self.pdePluginCallbackObject->PMPrinter();
     CFTypeRef duplex;
@@ -124,6 +125,7 @@ void TorkaFeaturesPDE::NotePopupPreferences() {
 }
 
 bool TorkaFeaturesPDE::willShow() {
+    becomeCurrent();
     if (interface && isQuickAccessOff()) {
         interface->setHidden(PaneOutlet::customizeQuickAccessButton, true);
         interface->setHidden(PaneOutlet::horizontalLine, true);
@@ -237,6 +239,7 @@ void TorkaFeaturesPDE::updatePageSizeAndInputSlot() {
 }
 
 bool TorkaFeaturesPDE::updateUI() {
+    becomeCurrent();
     SelectInputSlot();
     self.myUi_Panel->DrawUserPane();
     // Here the name is refreshed only on failure; when the pane is shown it is refreshed only on success.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/panel/TorkaFeaturesPDE.h"
 
+#include "PPDX/PPDObjects/Interface/UTF8Level.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "bidi/commands/CommandJob.h"
 #include "bidi/module/JobPropertiesState.h"
@@ -70,6 +71,7 @@ std::shared_ptr<TorkaFeaturesPDE> TorkaFeaturesPDE::initWithCallback(const PDEPl
 }
 
 bool TorkaFeaturesPDE::Start() {
+    KeepStateOfCurrent();
     gVectorWorksFix = 0;
     gEndOfPPD = false;
     RefreshFromCallback();
@@ -214,17 +216,34 @@ void TorkaFeaturesPDE::PublishQueue() {
     fillPDEInstallPath();
 }
 
-// After the end of a newer panel, to which everything process-wide belonged.
+// Before another panel takes over what is process-wide.
+void TorkaFeaturesPDE::KeepStateOfCurrent() {
+    const auto current = std::ranges::find_if(livingPanels, &TorkaFeaturesPDE::IsCurrent);
+    if (current != livingPanels.end()) {
+        (*current)->popupNotesState = popupJobNotesState();
+    }
+}
+
+// Everything process-wide belonged to another panel. The texts of notes are bytes in the encoding of their
+// own description: in another one they would be read, typed and printed as other letters.
 void TorkaFeaturesPDE::PublishAgain() {
     PublishQueue();
     self.myUi_Panel->Publish();
+    SetApplicationTextEncoding(self.myppd->TextEncoding());
+    refreshUTF8Level(self.myppd->GetControls());
+    TakeDocumentServer();
     resetPopupJobNotes();
-    lookForPopupJobNotes(*self.myppd);
+    setPopupJobNotesState(popupNotesState);
     readPopupJobNotePreferencesFrom(destinationPPD());
-    if (!hasNoPopupJobNotes()) {
-        self.myppd->ReadPUJNPrefs();
-        applyPopupJobNotePreferences(*self.myppd, RememberedValues::leave);
-        TakeLanguageOfPopupJobNotes();
+}
+
+void TorkaFeaturesPDE::becomeCurrent() {
+    if (!gIgnoreButtonEvents) { // a module that runs keeps its host
+        setJobPropertiesHost(this);
+    }
+    if (!IsCurrent()) {
+        KeepStateOfCurrent();
+        PublishAgain();
     }
 }
 
@@ -242,7 +261,9 @@ void TorkaFeaturesPDE::TakeInstance() {
     }
     sTorkaFeaturesPDE = this;
     livingPanels.push_back(this);
-    setJobPropertiesHost(this);
+    if (!gIgnoreButtonEvents) {
+        setJobPropertiesHost(this);
+    }
 }
 
 // Updates the process-wide pointers at the end of a panel. When invalidDeallocCall is set, the end only
@@ -274,7 +295,7 @@ void TorkaFeaturesPDE::LeaveInstance() {
 
 TorkaFeaturesPDE::~TorkaFeaturesPDE() {
     LeaveInstance();
-    if (thePMPrinter == &self.printer) {
+    if (IsCurrent()) {
         thePMPrinter = nullptr;
         currentPrintSession = nullptr;
         if (sTorkaFeaturesPDE != nullptr) {

@@ -204,6 +204,7 @@ void UI_Panel::LaunchJobProperties(JP_ACTIONS action) {
     if (!isModuleInstalled(true)) {
         return;
     }
+    BecomeCurrent();
     // The module gets the values of the colour controls from their notes.
     makeJobNotesForSpecialControls();
     KeyValueList list;
@@ -247,7 +248,14 @@ void UI_Panel::EnableLaunching(bool on) {
     }
 }
 
+void UI_Panel::BecomeCurrent() {
+    if (panel) {
+        panel->becomeCurrent();
+    }
+}
+
 void UI_Panel::OnJPReturn() {
+    BecomeCurrent();
     writeLocalJPPresetsToDynamicPPD();
     mReturnFromJP = 1;
     if (panel) {

@@ -153,6 +153,7 @@ private:
     void ApplyCopies(const std::string& value);
     bool ApplyToModel(const std::string& keyword, const std::vector<std::string>& values);
 
+    void BecomeCurrent();
     void ShowInvalidAddress();
     bool WriteTwoWayState(bool twoWay, const CFStringRef& address);
     void EnableLaunching(bool on);

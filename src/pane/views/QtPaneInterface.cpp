@@ -217,12 +217,31 @@ void QtPaneInterface::Connect() {
                              setup.applicationDidBecomeActive();
                          }
                      });
+    QObject::connect(qApp, &QApplication::focusChanged, &connections,
+                     [this](QWidget* /*before*/, QWidget* now) { TakeFocus(now); });
     if (setup.panel != nullptr) {
         setup.panel->Server().AddListener([this, alive = QPointer<QObject>(&connections)] {
             if (alive != nullptr) {
                 ShowTwoWay();
             }
         });
+    }
+}
+
+// A process may show several print dialogs at once. The window of a pane, and every dialog above it up to the
+// window of another pane, belong to one panel.
+void QtPaneInterface::TakeFocus(const QWidget* focused) {
+    if (root == nullptr || !setup.becomeCurrent) {
+        return;
+    }
+    for (const QWidget* window = focused; window != nullptr; window = window->parentWidget()) {
+        if (window == root->window()) {
+            setup.becomeCurrent();
+            return;
+        }
+        if (window->isWindow() && window->findChild<QWidget*>(QStringLiteral("paneRoot")) != nullptr) {
+            return;
+        }
     }
 }
 

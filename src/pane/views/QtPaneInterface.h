@@ -41,6 +41,7 @@ struct PaneSetup {
     std::function<void()> customizeQuickAccess{};
     std::function<bool()> beganWithLastJob{}; // with the settings of the person's last job
     std::function<void()> applicationDidBecomeActive{};
+    std::function<void()> becomeCurrent{}; // a person turns to a window of this panel
     std::function<bool()> twoWayFailed{}; // two-way communication is on and the controller does not answer
 };
 
@@ -102,6 +103,7 @@ private:
     void Connect();
     void UseDefaults();
     void ShowTwoWay();
+    void TakeFocus(const QWidget* focused);
     void RootGone();
 
     PaneSetup setup;

@@ -47,6 +47,7 @@ PaneSetup setupOf(TorkaFeaturesPDE& owner, const BundleRef& bundle) {
     setup.customizeQuickAccess = [&owner] { owner.customizeQuickAccessButtonClicked(); };
     setup.beganWithLastJob = [&owner] { return owner.beganWithLastJob(); };
     setup.applicationDidBecomeActive = [&owner] { owner.applicationDidBecomeActive(); };
+    setup.becomeCurrent = [&owner] { owner.becomeCurrent(); };
     setup.twoWayFailed = [&owner] { return owner.Server().GetState() == ServerExchange::State::failed; };
     return setup;
 }
