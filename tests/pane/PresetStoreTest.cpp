@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "output/WatermarkFields.h"
+#include "pane/editing/PaneEditor.h"
+#include "pane/presentation/PresetChoice.h"
 #include "tests/pane/PanelFixture.h"
 
 #include <gmock/gmock.h>
@@ -79,6 +82,106 @@ TEST(Presets, AreSavedAppliedRenamedAndRemoved) {
     kept.Set("*QVFold", "Flat");
     EXPECT_EQ(kept.store.ApplyLastUsed(), Result::done);
     EXPECT_EQ(kept.Get("*QVFold"), "Half");
+}
+
+// A description as it was when a preset was saved, and as it is when the preset is applied.
+std::string exactDescription(const char* sizes, const std::vector<std::string>& folds, const char* bounds) {
+    std::string marks = popup("QVMarks", {"None", "Crop", "Fold", "Color"});
+    marks.replace(marks.find("PickOne"), 7, "PickMany");
+    return panelDescription(
+        marks + popup("QVStaple", folds) + range("QVGamma", bounds, "FloatRange") +
+        range("QVCount", "1;100;1;1") + popup("QVPrintSize", {"SameAsPageSize", "CustomPrintSize"}) +
+        "*%ParamCustomPrintSize Width: 1 points " + sizes + "\n*%ParamCustomPrintSize Height: 2 points " +
+        sizes + "\n*%CustomPrintSize: \"% size\"\n");
+}
+
+TEST(Presets, KeepExactValuesAndNameWhatTheDescriptionNoLongerTakes) {
+    const ScopedMemorySystem system;
+    Pane before(exactDescription("72 900", {"Off", "Saddle"}, "0.1;4.0;0.0001;1.0"));
+    PaneEditor editor(*before.model, before.data.get());
+    const std::vector<std::pair<const char*, std::string>> values{
+        {"*QVMarks", "Crop\nColor"},
+        {"*QVGamma", "1.2345"},
+        {"*QVCount", "90"},
+        {"*QVStaple", "Saddle"},
+        {"*QVPrintSize", "CustomPrintSize"},
+        {"*CustomPrintSize", "600.000000 700.000000"},
+        {"*QVNotes1", "B\u00FCro"}};
+    for (const auto& [key, value] : values) {
+        EXPECT_TRUE(editor.SetValue(key, value)) << key;
+    }
+    before.data->Watermarks().Append(std::make_unique<ZANWatermark>("Draft,0,0"));
+    before.data->Watermarks().Select(0);
+    PresetStore saving(cfString("Press"), *before.model, *before.data);
+    EXPECT_EQ(saving.Save("All"), Result::done);
+    const auto textsIn = [](const PaneEditor& one) {
+        std::vector<std::pair<const char*, std::string>> texts;
+        for (const char* key : {"*QVMarks", "*QVGamma", "*QVCount", "*QVStaple", "*QVPrintSize",
+                                "*CustomPrintSize", "*QVNotes1"}) {
+            texts.emplace_back(key, PaneEditor::Value(*one.FindControl(key)));
+        }
+        return texts;
+    };
+    const auto reset = [](Pane& pane) {
+        pane.model->GetControls()->ForEach([](PPDXControl* control) { control->ResetToDefaultValue(); });
+    };
+    reset(before);
+    EXPECT_EQ(saving.Apply("All"), Result::done);
+    EXPECT_TRUE(saving.LeftOut().IsEmpty());
+    EXPECT_EQ(textsIn(editor), values);
+    editor.SetValue("*QVMarks", ""); // nothing chosen
+    EXPECT_EQ(saving.Save("None"), Result::done);
+    reset(before);
+    EXPECT_EQ(saving.Apply("None"), Result::done);
+    EXPECT_EQ(PaneEditor::Value(*editor.FindControl("*QVMarks")), "");
+
+    std::string text = exactDescription("72 500", {"Off", "Corner"}, "0.1;1.2;0.0001;1.0");
+    text.replace(text.find("ISOLatin1"), 9, "JIS83-RKSJ");
+    Pane after(text);
+    PaneEditor newEditor(*after.model, after.data.get());
+    const PaneTexts english{newEditor, {[](const PaneWord& word) { return std::string(word.english); }, {}}};
+    PresetChoice choice(english, newEditor, *after.data);
+    EXPECT_EQ(choice.Apply("All"),
+              "The preset “All” is not applied completely. The printer no longer takes its "
+              "setting of: QVNotes1 name, QVStaple name, QVGamma, Custom Page Size, Watermark.");
+    EXPECT_TRUE(choice.IsChanged()) << "Update takes what is shown now";
+    EXPECT_EQ(textsIn(newEditor)[2].second, "90");
+    EXPECT_EQ(choice.Update(), "");
+    EXPECT_EQ(choice.Apply("All"), "");
+}
+
+// lp reads them (docs/options.md): one choice a list, no lists of sheets, no secrets.
+TEST(Presets, AllProgramsGetWhatAnOptionCanHoldAndTheRestIsNamed) {
+    const ScopedMemorySystem system;
+    const ScopedDouble<MemorySpooler, setSpooler> spooler;
+    Pane pane(exactDescription("72 900", {"Off", "Saddle"}, "0.1;4.0;0.0001;1.0"));
+    PaneEditor editor(*pane.model, pane.data.get());
+    for (const auto& [key, value] : {std::pair{"*QVMarks", "Crop\nColor"},
+                                     {"*QVGamma", "1.2345"},
+                                     {"*QVPrintSize", "CustomPrintSize"},
+                                     {"*CustomPrintSize", "600.5 700"},
+                                     {"*QVSecret", "geheim"}}) {
+        editor.SetValue(key, value);
+    }
+    pane.data->Watermarks().Append(
+        std::make_unique<ZANWatermark>("0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,ONE"));
+    pane.data->Watermarks().Select(0);
+    pane.data->Watermarks().Selected()->SetFirstPageOnly("True");
+    pane.data->SlipSheetList().Append({L"SlipSheet_Tray", L"Upper"});
+    const PaneTexts english{editor, {[](const PaneWord& word) { return std::string(word.english); }, {}}};
+    PresetChoice choice(english, editor, *pane.data);
+    const PresetChoice::Served served = choice.ServeAllPrograms();
+    EXPECT_EQ(served.problem, "");
+    EXPECT_EQ(served.note,
+              "These settings are not kept for them: QVMarks name, covers, slip sheets, and media of "
+              "single pages.");
+    EXPECT_EQ(
+        spooler->standing["Press"],
+        (platform::StandingOptionList{
+            {"QVPrintSize", "Custom.600.500x700.000pt"},
+            {"QVGamma", "1.2345"},
+            {"torka-watermark", WatermarkFields::Of(*pane.data->Watermarks().Selected()).Definition()}}));
+    EXPECT_THAT(spooler->standing["Press"].back().second, HasSubstr(",0,1,0,450,"));
 }
 
 TEST(Presets, KeepNoSecretAndAreReadByOthers) {

@@ -188,12 +188,13 @@ TEST(PrinterChange, TwoDialogsOpenAtOnceDoNotMixTheirTexts) {
 
 TEST(PrinterChange, ANewDialogTellsWhenTheLastJobsSettingsAreNotTheDefaults) {
     for (const bool isDefault : {true, false}) {
-        Bench bench;
+        Bench bench(panelDescription(jobNote("QVAccount", "20|Alpha|PopupJN")));
         for (const bool printedBefore : {false, true}) {
             bench.dialog->settings = std::make_shared<MemoryPrintSettings>();
             const auto panel = bench.OpenShown();
             EXPECT_EQ(panel->beganWithLastJob(), printedBefore && !isDefault);
             set(*panel, "*QVFold", isDefault ? "Flat" : "Half");
+            set(*panel, "*QVAccount", "typed"); // asked for with each job, and not taken from the last one
             EXPECT_TRUE(panel->shouldPrint());
         }
     }

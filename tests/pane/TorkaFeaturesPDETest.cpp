@@ -521,18 +521,30 @@ TEST(Panel, ADialogThatWasNeverShownKeepsTheStoredAddress) {
     EXPECT_EQ(utf8Text(second->GetPDEDataPtr()->GetCorvianPrinterAddress()), "10.0.0.7");
 }
 
+TEST(Panel, AutomationLeavesWhatTheAdministratorFixed) {
+    Bench bench(
+        panelDescription(templateLines("<Category name=\"UI-Modification\"><Lock>"
+                                       "<ZANPPD key=\"QVDuplex\" value=\"True\"/></Lock></Category>")));
+    bench.system->files["/home/user/.config/torka/automation.plist"] = {
+        R"(<?xml version="1.0"?><plist version="1.0"><dict><key>QVDuplex</key><string>Tumble</string>)"
+        "<key>QVFold</key><string>Half</string></dict></plist>",
+        0600};
+    const auto panel = bench.Open();
+    EXPECT_EQ(changesIn(*panel->getPPDPtr()), "*QVFold=Half ");
+}
+
 TEST_F(PanelTest, AutomationIsAppliedOnceBeforeTheFirstDisplay) {
     const std::string start = R"(<?xml version="1.0"?><plist version="1.0"><dict>)";
     bench.system->files["/home/user/.config/torka/automation.plist"] = {
         start + "<key>QVFold</key><string>Half</string><key>*QVDuplex</key><string>Tumble</string>"
                 "<key>*QVSecret</key><string>geheim</string><key>QVNotes1</key><integer>7</integer>"
-                "<key>None</key><true/></dict></plist>",
+                "<key>None</key><true/><key>InputSlot</key><string>tray1</string></dict></plist>",
         0600};
     const CapturingLog log;
     const auto panel = bench.Open();
     EXPECT_EQ(changesIn(*panel->getPPDPtr()), "*QVDuplex=Tumble *QVFold=Half *QVNotes1=7 ");
     EXPECT_EQ(bench.Stored("*QVFold"), "Half"); // the dialog begins with this value
-    EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("None cannot be set")));
+    EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("None: the description has no such setting")));
     set(*panel, "*QVFold", "Flat");
     panel->willShow();
     EXPECT_EQ(valueOf(*panel, "*QVFold"), "Flat");
@@ -540,6 +552,7 @@ TEST_F(PanelTest, AutomationIsAppliedOnceBeforeTheFirstDisplay) {
     bench.system->files["/home/user/.config/torka/automation.plist"].content = "<plist>";
     EXPECT_TRUE(bench.Open());
     EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("automation.plist cannot be used")));
+    EXPECT_THAT(log.Lines(), testing::Contains(HasSubstr("InputSlot: it does not take this value")));
 }
 
 } // namespace

@@ -71,7 +71,7 @@ void live(Bench& bench, MemoryEventLoop& loop, std::multiset<std::string>& told)
     step("save preset", presets.Save("Mine").empty());
     step("reset", editor.Reset(*editor.FindControl("*QVDuplex")));
     step("choose preset", presets.Apply("Mine").empty());
-    step("serve all programs", presets.ServeAllPrograms().empty());
+    step("serve all programs", presets.ServeAllPrograms().problem.empty());
     PPDTree tree;
     tree.quickAccess.push_back({"", "*QVDuplex", 0});
     step("quick access", data.SetPPDShortcuts(tree));

@@ -38,19 +38,7 @@ std::string textOf(const PPDXPopupControl& popup) {
     return text;
 }
 
-// The text of the model when it reads back as the same float, else the shortest text without exponent that
-// does.
-std::string textOf(const PPDXFloatRangeControl& control) {
-    const float value = control.GetValue();
-    const NumberText usual(value, 3);
-    if (nearestFloat(CFStringGetDoubleValue(cfString(usual.View()))) == value) {
-        return std::string(usual.View());
-    }
-    std::array<char, 80> buffer{};
-    const auto end =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed).ptr;
-    return {buffer.data(), end};
-}
+std::string textOf(const PPDXFloatRangeControl& control) { return floatText(control.GetValue()); }
 
 template <class Number>
 std::optional<Number> wholeNumber(std::string_view text) {
@@ -169,6 +157,17 @@ bool set(PPDXJobNote& note, const std::string& text) {
 }
 
 } // namespace
+
+std::string floatText(float value) {
+    const NumberText usual(value, 3);
+    if (nearestFloat(CFStringGetDoubleValue(cfString(usual.View()))) == value) {
+        return std::string(usual.View());
+    }
+    std::array<char, 80> buffer{};
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed).ptr;
+    return {buffer.data(), end};
+}
 
 std::string controlValueText(const PPDXControl& control) {
     return visitControl(control, [](const auto& own) { return textOf(own); });

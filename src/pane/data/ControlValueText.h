@@ -21,6 +21,9 @@ class PPDXJobNote;
 // - note: its text;
 // - custom size: "WIDTH HEIGHT" in points.
 std::string controlValueText(const PPDXControl& control);
+// The text of a decimal number: the model's three decimals when they read back as the same float, else the
+// shortest text without exponent that does.
+std::string floatText(float value);
 
 // Sets the value that a text names. Returns false and changes nothing when the text is no value of that kind
 // of control: a choice that is not offered, no number, or a control that nobody may set. The colour popups

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/data/PresetStore.h"
 
+#include "PPDX/PPDObjects/Controls/PPDXPopupControl.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/ZANJobNote.h"
 #include "pane/data/ControlTables.h"
+#include "pane/data/ControlValueText.h"
 #include "pane/data/PDEData.h"
 #include "pane/data/PersonalFile.h"
 #include "platform/TextEncoding.h"
@@ -36,6 +38,32 @@ bool isPresetName(const CFStringRef& name) {
 bool isKept(const ZANPPD& model, const PPDXControl& control) {
     return control.Keyword() != nullptr && control.Type() != CNTL_TYPE::specialOption &&
            !isInstallableOption(control) && !isChosenBySystem(control) && !isSecretNote(model, &control);
+}
+
+PPDXPopupControl* popupOf(PPDXControl& control) {
+    return control.Type() == CNTL_TYPE::popup ? static_cast<PPDXPopupControl*>(&control) : nullptr;
+}
+
+// The value as a set keeps it. The usual text of a control has only the first of several choices, and three
+// decimals of a number.
+CFStringRef keptValue(PPDXControl& control) {
+    const PPDXPopupControl* popup = popupOf(control);
+    const bool isCut =
+        popup != nullptr ? popup->CanSelectMultipleItems() : control.Type() == CNTL_TYPE::floatRange;
+    return isCut ? cfString(controlValueText(control)) : control.CopyCurrentControlValueString();
+}
+
+// Returns whether the control has that value then.
+bool take(PPDXControl& control, const CFStringRef& value) {
+    PPDXPopupControl* popup = popupOf(control);
+    if (control.Type() == CNTL_TYPE::jobNote) {
+        control.SetCurrentControlWithCFString(value);
+    } else if (popup != nullptr && CFStringGetLength(value) == 0) {
+        popup->SetValue(0);
+    } else {
+        setControlValueText(control, utf8Text(value));
+    }
+    return CFEqual(keptValue(control), value);
 }
 
 void forEachKeptControl(const ZANPPD& model, const std::function<void(PPDXControl&)>& visit) {
@@ -156,7 +184,7 @@ PresetStore::Result PresetStore::Write(const Content& content) const {
 CFDictionaryRef PresetStore::PresentSettings() const {
     std::vector<CFDictionary::Pair> values;
     forEachKeptControl(model, [&](PPDXControl& control) {
-        const CFStringRef value = control.CopyCurrentControlValueString();
+        const CFStringRef value = keptValue(control);
         if (isPlainText(value)) {
             values.emplace_back(cfString(control.Keyword()), value);
         }
@@ -178,6 +206,7 @@ CFDictionaryRef PresetStore::PresentSettings() const {
 }
 
 void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
+    leftOut = {};
     const auto values = cfCast<CFDictionary>(CFDictionaryGetValue(settings, u"Values"));
     forEachKeptControl(model, [&](PPDXControl& control) {
         if (data.dmtLocks(control.Keyword())) {
@@ -185,8 +214,8 @@ void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
         }
         control.ResetToDefaultValue();
         const auto value = cfCast<CFString>(CFDictionaryGetValue(values, cfString(control.Keyword())));
-        if (value) {
-            control.SetCurrentControlWithCFString(value);
+        if (value && !take(control, value)) {
+            leftOut.controls.push_back(&control);
         }
     });
     for (const ListPlace& place : listPlaces) {
@@ -201,9 +230,11 @@ void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
             }
         }
     }
+    const std::string watermark = utf8Text(cfCast<CFString>(CFDictionaryGetValue(settings, u"Watermark")));
     data.Watermarks().SelectDefinition(
-        utf8Text(cfCast<CFString>(CFDictionaryGetValue(settings, u"Watermark"))),
+        watermark,
         CFBooleanGetValue(cfCast<CFBoolean>(CFDictionaryGetValue(settings, u"WatermarkFirstPageOnly"))));
+    leftOut.watermark = !watermark.empty() && data.Watermarks().Selected() == nullptr;
 }
 
 std::vector<std::string> PresetStore::Names() const {
@@ -258,6 +289,12 @@ PresetStore::Result PresetStore::Apply(std::string_view name) {
     }
     ApplySettings(place->settings);
     return Result::done;
+}
+
+CFDictionaryRef PresetStore::SettingsOf(std::string_view name) const {
+    const Content content = Read();
+    const auto place = findPreset(content.presets, cfString(name));
+    return place == content.presets.end() ? nullptr : place->settings;
 }
 
 PresetStore::Result PresetStore::Rename(std::string_view from, std::string_view to) {

@@ -12,6 +12,7 @@
 namespace torka {
 
 class PDEData;
+class PPDXControl;
 class ZANPPD;
 
 // The named sets of settings of one printer, and the settings that were used last. docs/presets.md describes
@@ -45,7 +46,7 @@ public:
     // Saves the present settings. Replaces a set of the same name.
     Result Save(std::string_view name);
     // A control that the set does not name gets its default. So does a control whose saved choice the
-    // description no longer has.
+    // description no longer has; LeftOut names it.
     Result Apply(std::string_view name);
     Result Rename(std::string_view from, std::string_view to);
     Result Remove(std::string_view name);
@@ -58,6 +59,16 @@ public:
     Result RememberLastUsed();
     // Returns notFound when no settings were used yet.
     Result ApplyLastUsed();
+    // The settings that Apply or ApplyLastUsed, called last, could not set as they are kept.
+    struct LeftOutSettings {
+        std::vector<const PPDXControl*> controls;
+        bool watermark = false;
+
+        bool IsEmpty() const { return controls.empty() && !watermark; }
+    };
+    const LeftOutSettings& LeftOut() const { return leftOut; }
+    // The settings of a set as they are kept; null for none of that name.
+    CFDictionaryRef SettingsOf(std::string_view name) const;
 
     const std::filesystem::path& File() const { return file; }
 
@@ -80,6 +91,7 @@ private:
     ZANPPD& model;
     PDEData& data;
     std::filesystem::path file;
+    LeftOutSettings leftOut;
 };
 
 } // namespace torka

@@ -3,9 +3,11 @@
 
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/UIConstraints.h"
+#include "PPDX/PPDObjects/Controls/PPDXFloatRangeControl.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/ZANJobNote.h"
 #include "pane/data/ControlTables.h"
+#include "pane/data/ControlValueText.h"
 #include "pane/data/PDEData.h"
 #include "pane/data/SpecialControls.h"
 
@@ -126,10 +128,18 @@ std::string PaneEditor::Value(const PPDXControl& control) {
         });
         return chosen;
     }
+    if (control.Type() ==
+        CNTL_TYPE::floatRange) { // its usual text has three decimals, and an undo would round
+        return floatText(static_cast<const PPDXFloatRangeControl&>(control).GetValue());
+    }
     return utf8Text(control.CopyCurrentControlValueString());
 }
 
-std::string PaneEditor::DefaultValue(const PPDXControl& control) { return control.DefaultText(); }
+std::string PaneEditor::DefaultValue(const PPDXControl& control) {
+    return control.Type() == CNTL_TYPE::floatRange
+               ? floatText(static_cast<const PPDXFloatRangeControl&>(control).DefaultValue())
+               : control.DefaultText();
+}
 
 PaneLock PaneEditor::LockOf(const PPDXControl& control) const {
     if (isChosenBySystem(control)) {

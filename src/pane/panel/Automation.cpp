@@ -3,6 +3,8 @@
 
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "output/ZANJobNote.h"
+#include "pane/data/ControlValueText.h"
+#include "pane/data/PDEData.h"
 #include "platform/Log.h"
 #include "platform/PropertyList.h"
 #include "platform/System.h"
@@ -30,16 +32,35 @@ CFStringRef settingText(const CFTypeRef& value) {
     return number && !number->isReal ? cfString(std::to_string(number->integer)) : nullptr;
 }
 
-void apply(ZANPPD& model, const CFDictionary& settings, const std::filesystem::path& place) {
+// Returns why the setting does not have the value then; "" when it has.
+std::string set(ZANPPD& model, PDEData& data, const std::string& name, const CFStringRef& text) {
+    PPDXControl* control = model.GetPPDXControlForKey(cfString(name.starts_with('*') ? name : "*" + name));
+    if (control == nullptr || control->Keyword() == nullptr) {
+        return "the description has no such setting";
+    }
+    if (isSecretNote(model, control)) {
+        return "a secret is not taken from a file";
+    }
+    if (data.dmtLocks(control->Keyword())) {
+        return "the administrator has fixed this setting";
+    }
+    if (!text) {
+        return "the value is no text, whole number or boolean";
+    }
+    const std::string wanted = utf8Text(text);
+    if (!setControlValueText(*control, wanted)) {
+        return "it does not take this value";
+    }
+    const std::string value = controlValueText(*control);
+    const bool isExact = control->Type() == CNTL_TYPE::jobNote || control->Type() == CNTL_TYPE::range;
+    return isExact && value != wanted ? "it holds only \"" + value + "\"" : "";
+}
+
+void apply(ZANPPD& model, PDEData& data, const CFDictionary& settings, const std::filesystem::path& place) {
     for (const auto& [key, value] : settings.Pairs()) {
         const std::string name = utf8Text(key);
-        const CFStringRef keyword = name.starts_with('*') ? key : cfString("*" + name);
-        const CFStringRef text = settingText(value);
-        const PPDXControl* control = model.GetPPDXControlForKey(keyword);
-        if (control != nullptr && isSecretNote(model, control)) {
-            myNSLogC("%s: a value for %s is not taken from a file", place.c_str(), name.c_str());
-        } else if (!text || !model.SetValueForKey(keyword, text)) {
-            myNSLogC("%s: %s cannot be set", place.c_str(), name.c_str());
+        if (const std::string reason = set(model, data, name, settingText(value)); !reason.empty()) {
+            myNSLogC("%s: %s: %s", place.c_str(), name.c_str(), reason.c_str());
         }
     }
 }
@@ -64,7 +85,7 @@ void TorkaFeaturesPDE::loadAutomationFileAndLoadPrintSetting() {
                 CFPropertyListCreateFromXMLData(CFDataCreate(content.data(), content.size()), &reason));
         }
         if (settings) {
-            apply(*self.myppd, *settings, place);
+            apply(*self.myppd, *self.myPDEData, *settings, place);
         } else {
             myNSLogC("The automation presets file %s cannot be used: %s", place.c_str(), reason.c_str());
         }

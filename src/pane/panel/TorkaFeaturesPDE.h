@@ -124,7 +124,8 @@ public:
 
     // Reads the page size and the input tray of the system's panes into the model.
     void updatePageSizeAndInputSlot();
-    // Applies the automation presets file (docs/presets.md), once a panel, before its first display.
+    // Applies the automation presets file (docs/presets.md), once a panel, before its first display. What the
+    // management template locks stays as it is.
     void loadAutomationFileAndLoadPrintSetting();
 
     // Reads the data of the controller from the event loop, when two-way communication is on and an address
@@ -189,7 +190,7 @@ private:
     void ObservePopupJobNotes();
     bool LoadInterface();
 
-    void TakeLastUsed();
+    CFDictionaryRef TakeLastUsed();
     void TakeSideSettings();
     void TakePopupPreferences();
     void NotePopupPreferences();

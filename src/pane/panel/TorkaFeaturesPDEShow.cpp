@@ -8,6 +8,7 @@
 #include "pane/data/PopupJobNotes.h"
 #include "pane/data/PresetStore.h"
 #include "pane/panel/UI_Panel.h"
+#include "platform/Log.h"
 #include "platform/System.h"
 
 #include <algorithm>
@@ -58,10 +59,13 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
     } else {
         self.myUi_Panel->ResetControlsToDefault();
     }
+    CFDictionaryRef defaults;
     if (!self.shouldRestore) {
-        TakeLastUsed();
+        defaults = TakeLastUsed();
     }
     TakePopupPreferences();
+    // The popup notes have left the last job's settings again: they are asked for with each job.
+    hasLastJob = defaults && !CFEqual(defaults, presets->PresentSettings());
     self.myPDEData->TakeTemplate();
     NotePopupPreferences();
     PrefillAccountName();
@@ -71,10 +75,19 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
 }
 
 // For a new dialog, whose print settings tell nothing of this printer: what the person chose the last time.
-void TorkaFeaturesPDE::TakeLastUsed() {
+// Returns the settings before; null when there was no last job.
+CFDictionaryRef TorkaFeaturesPDE::TakeLastUsed() {
     const CFDictionaryRef defaults = presets->PresentSettings();
-    hasLastJob = presets->ApplyLastUsed() == PresetStore::Result::done &&
-                 !CFEqual(defaults, presets->PresentSettings());
+    if (presets->ApplyLastUsed() != PresetStore::Result::done) {
+        return nullptr;
+    }
+    for (const PPDXControl* control : presets->LeftOut().controls) {
+        myNSLogC("%s cannot be set again as in the last job.", control->Keyword());
+    }
+    if (presets->LeftOut().watermark) {
+        myNSLogC("The watermark of the last job is no longer there.");
+    }
+    return defaults;
 }
 
 // Only where the controller checks the account name of the network's directory.

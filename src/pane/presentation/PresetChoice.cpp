@@ -1,14 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/presentation/PresetChoice.h"
 
+#include "PPDX/PPDObjects/Controls/PPDXCustomPageSizeControl.h"
+#include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "jobsettings/StandingSettings.h"
+#include "output/WatermarkFields.h"
 #include "output/ZANJobNote.h"
+#include "pane/data/ControlValueText.h"
 #include "pane/data/PDEData.h"
+#include "pane/data/SideSettings.h"
 #include "pane/editing/PaneEditor.h"
 
 #include <algorithm>
 
 namespace torka {
+
+namespace {
+
+constexpr std::string_view printSizeKeyword = "*QVPrintSize";
+
+} // namespace
 
 PresetChoice::PresetChoice(const PaneTexts& paneTexts, PaneEditor& paneEditor, PDEData& paneData)
     : texts(paneTexts)
@@ -35,10 +46,27 @@ void PresetChoice::Compare() {
 std::string PresetChoice::Apply(const std::string& name) {
     PresetStore::Result result = PresetStore::Result::done;
     editor.EditAll([&] { result = store.Apply(name); });
-    if (result == PresetStore::Result::done) {
-        Choose(name);
+    if (result != PresetStore::Result::done) {
+        return Problem(result, name);
     }
-    return Problem(result, name);
+    Choose(name);
+    if (store.LeftOut().IsEmpty()) {
+        return {};
+    }
+    settingsOfChosen = store.SettingsOf(name);
+    Compare();
+    return texts.Say(words::presetLeftOut, name, LeftOutNames());
+}
+
+std::string PresetChoice::LeftOutNames() const {
+    std::vector<std::string> names;
+    for (const PPDXControl* control : store.LeftOut().controls) {
+        names.push_back(nameOf(*control));
+    }
+    if (store.LeftOut().watermark) {
+        names.push_back(texts.Say(words::watermark));
+    }
+    return joined(names);
 }
 
 std::string PresetChoice::Save(const std::string& name) {
@@ -98,20 +126,52 @@ bool PresetChoice::ServesAllPrograms() const {
     return !standingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model()).empty();
 }
 
-std::string PresetChoice::ServeAllPrograms() {
+namespace {
+
+// The custom size as an option of jobs names it (docs/options.md); "" when the job has no such size.
+std::string customSizeOption(const PaneEditor& editor) {
+    const PPDXControl* printSize = editor.FindControl(printSizeKeyword);
+    std::string value;
+    if (printSize != nullptr && PaneEditor::Value(*printSize) == "CustomPrintSize") {
+        editor.Model().GetControls()->ForEach([&value](const PPDXControl* control) {
+            if (const auto* size = dynamic_cast<const PPDXCustomPageSizeControl*>(control)) {
+                value = "Custom." + floatText(size->GetWidth()) + "x" + floatText(size->GetHeight()) + "pt";
+            }
+        });
+    }
+    return value;
+}
+
+} // namespace
+
+PresetChoice::Served PresetChoice::ServeAllPrograms() {
     platform::StandingOptionList settings;
+    std::vector<std::string> others; // settings that no option can hold
+    const std::string customSize = customSizeOption(editor);
+    if (!customSize.empty()) {
+        settings.emplace_back(printSizeKeyword.substr(1), customSize);
+    }
     for (const PaneDifference& difference : editor.Differences()) {
-        const bool isOneLine = difference.value.find('\n') == std::string::npos; // one choice
-        if (isOneLine && !isSecretNote(editor.Model(), difference.field->control)) {
+        const PPDXControl& control = *difference.field->control;
+        const bool isChoice = control.Type() == CNTL_TYPE::popup;
+        if (isChoice && (difference.value.empty() || difference.value.find('\n') != std::string::npos)) {
+            others.push_back(nameOf(control)); // an option names one choice
+        } else if (!isSecretNote(editor.Model(), &control) &&
+                   (customSize.empty() || difference.field->keyword != printSizeKeyword)) {
             settings.emplace_back(difference.field->keyword.substr(1), difference.value);
         }
     }
     if (const ZANWatermark* watermark = data.Watermarks().Selected()) {
-        settings.emplace_back("torka-watermark", watermark->Definition());
+        settings.emplace_back("torka-watermark", WatermarkFields::Of(*watermark).Definition());
+    }
+    const SideSettings side = SideSettings::Of(data);
+    if (std::ranges::any_of(side.lists, [](const auto& list) { return !list.empty(); })) {
+        others.push_back(texts.Say(words::allProgramsLists));
     }
     const std::string reason =
         replaceStandingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model(), settings);
-    return reason.empty() ? reason : texts.Say(words::allProgramsNotKept, reason);
+    return {reason.empty() ? reason : texts.Say(words::allProgramsNotKept, reason),
+            others.empty() ? std::string() : texts.Say(words::allProgramsLeftOut, joined(others))};
 }
 
 std::string PresetChoice::ServeOnlyThisPane() {

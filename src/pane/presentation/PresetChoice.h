@@ -26,7 +26,8 @@ public:
     // Compares the settings with the chosen preset; IsChanged tells the result.
     void Compare();
 
-    // Apply is one step that can be undone.
+    // Apply is one step that can be undone. Its sentence may also name settings that the printer no longer
+    // takes; the others are applied then, and the preset counts as changed.
     std::string Apply(const std::string& name);
     std::string Save(const std::string& name);
     std::string Update() { return chosen.empty() ? std::string() : Save(chosen); }
@@ -37,8 +38,13 @@ public:
     static bool CanServeAllPrograms();
     bool ServesAllPrograms() const;
     // Keeps the settings that differ from their defaults, and the watermark, for the jobs of all programs, in
-    // place of what is kept. Leaves out secret notes, lists with several choices, and what programs choose.
-    std::string ServeAllPrograms();
+    // place of what is kept. Leaves out secret notes and what programs choose; and lists with other than one
+    // choice and settings without a field, which it names.
+    struct Served {
+        std::string problem; // "" on success
+        std::string note;    // what was left out; "" for nothing
+    };
+    Served ServeAllPrograms();
     std::string ServeOnlyThisPane();
 
     // The text of the button: the name of the chosen preset as given, perhaps cut, with "(changed)" when the
@@ -49,6 +55,7 @@ public:
 private:
     void Choose(const std::string& name);
     std::string Problem(PresetStore::Result result, const std::string& name);
+    std::string LeftOutNames() const;
 
     const PaneTexts& texts;
     PaneEditor& editor;

@@ -140,12 +140,14 @@ void PresetBar::Update() { Tell(presets.Update()); }
 
 // Nothing of the pane shows the effect, so that a message does.
 void PresetBar::ServeAllPrograms() {
-    const std::string problem = presets.ServeAllPrograms();
-    if (!problem.empty()) {
-        Tell(problem);
+    const PresetChoice::Served served = presets.ServeAllPrograms();
+    if (!served.problem.empty()) {
+        Tell(served.problem);
         return;
     }
-    auto* box = messageBox(this, QMessageBox::Information, context.Say(words::allProgramsKept));
+    QStringList text{context.Say(words::allProgramsKept), qText(served.note)};
+    text.removeAll(QString());
+    auto* box = messageBox(this, QMessageBox::Information, text.join(QStringLiteral("\n\n")));
     box->addButton(context.Say(words::ok), QMessageBox::AcceptRole);
     Open(box);
 }
