@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConflictPairs.h"
 #include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
@@ -48,6 +49,64 @@ KVCache installableOptions(const ZANPPD& description) {
         }
     });
     return options;
+}
+
+// What is selected once the changes are applied.
+KVCache selectionsAfter(const UIConstraints& constraints, const KVCache& changes) {
+    KVCache selections(*constraints.GetCurrentSelections());
+    selections.merge(changes);
+    return selections;
+}
+
+// Tests the changes, and the defaults that stay: these may be in conflict with each other.
+ConstraintsEngine::Answer testWhole(ConstraintsEngine& engine, const UIConstraints& constraints,
+                                    const KVCache& changes) {
+    ConstraintsEngine::Answer answer = engine.Test(changes);
+    KVCache tested(changes);
+    for (const auto& [one, other] : conflictPairs(constraints, selectionsAfter(constraints, changes))) {
+        if (answer.conflicts.Lookup(one) < 0 && answer.conflicts.Lookup(other) < 0) {
+            tested.Insert(one.key, one.option);
+            tested.Insert(other.key, other.option);
+        }
+    }
+    return tested.size() > changes.size() ? engine.Test(tested) : answer;
+}
+
+// Adds changes until nothing is in conflict. The search itself ends the conflicts of the change set only. Of
+// two defaults in conflict one is kept, the first one if that has a solution.
+bool solveWhole(ConstraintsEngine& engine, const UIConstraints& constraints, KVCache& changes) {
+    constexpr int maximumRounds = 100;
+    if (engine.Solve(changes, true).conflicts.size() > 0) {
+        return false;
+    }
+    for (int round = 0; round < maximumRounds; ++round) {
+        const auto pairs = conflictPairs(constraints, selectionsAfter(constraints, changes));
+        if (pairs.empty()) {
+            return true;
+        }
+        const auto isSolvedKeeping = [&](const KeyOption& kept) {
+            KVCache further(changes);
+            further.Insert(kept.key, kept.option);
+            const bool isSolved = engine.Solve(further, true).conflicts.size() == 0;
+            changes = isSolved ? further : changes;
+            return isSolved;
+        };
+        if (!isSolvedKeeping(pairs.front().first) && !isSolvedKeeping(pairs.front().second)) {
+            return false;
+        }
+    }
+    return false;
+}
+
+// The solution without the defaults that it keeps; the given settings stay in it.
+KVCache realChanges(const KVCache& solution, const KVCache& given, const UIConstraints& constraints) {
+    KVCache changes;
+    for (const KeyOption& pair : solution.Pairs()) {
+        if (given.FindKey(pair.key) != nullptr || constraints.GetCurrentSelections()->Lookup(pair) < 0) {
+            changes.add(pair);
+        }
+    }
+    return changes;
 }
 
 Json pairsJson(const ZANPPD& description, const KVCache& pairs) {
@@ -117,15 +176,15 @@ ExitStatus check(const CheckOptions& options) {
     ConstraintsEngine engine(constraints.GetCurrentSelections(), constraints.GetConstraintForest(),
                              constraints.GetKeyForest(), &locked);
     const KVCache changes = changeSet(*description, *settings);
-    const ConstraintsEngine::Answer answer = engine.Test(changes);
+    const ConstraintsEngine::Answer answer = testWhole(engine, constraints, changes);
     Json json = Json::object();
     json["conflicts"] = pairsJson(*description, answer.conflicts);
     json["alternatives"] = pairsJson(*description, answer.alternatives);
     Json solution = Json::object();
     if (options.solve) {
         KVCache solved = changes;
-        solution["solved"] = engine.Solve(solved, true).conflicts.size() == 0;
-        solution["changes"] = pairsJson(*description, solved);
+        solution["solved"] = solveWhole(engine, constraints, solved);
+        solution["changes"] = pairsJson(*description, realChanges(solved, changes, constraints));
     }
     applySettings(*description, *settings);
     json["constrained"] = constrainedJson(*description);
@@ -153,8 +212,9 @@ void addCheckCommand(CLI::App& app, ExitStatus& status) {
              {.examples = {"torka check samples/torka-production.ppd QVTrimSides=Face --solve"},
               .findings = "something is in conflict",
               .details =
-                  "Treats the settings as one change against the defaults of the description. A solution "
-                  "keeps the given settings and the installed hardware."});
+                  "Treats the settings as one change against the defaults of the description. Defaults that "
+                  "conflict with each other count too. A solution keeps the given settings and the installed "
+                  "hardware."});
     command->callback([options, &status] { status = check(*options); });
 }
 

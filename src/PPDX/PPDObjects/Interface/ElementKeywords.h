@@ -145,6 +145,37 @@ constexpr const ElementKeyword* findElementKeyword(std::string_view keyword) {
     return row == elementKeywords.size() ? nullptr : &elementKeywords[row];
 }
 
+// Records of the two-way data. The queue's description carries them for another reader.
+inline bool isServerRecord(std::string_view keyword) {
+    static constexpr std::array<std::string_view, 19> names{"QVBidiData",
+                                                            "QVCDIHelpStrings",
+                                                            "QVPpdDefaults",
+                                                            "QVPresetsData",
+                                                            "QVPresetsList",
+                                                            "QVServerFeatureSupport",
+                                                            "QVServerInfo",
+                                                            "QVTrayInfo",
+                                                            "QVTonerInfo",
+                                                            "QVDeviceLinkProfilesList",
+                                                            "QVHueKeeper",
+                                                            "QVCalibration",
+                                                            "QVUpdatedTrayInfoFile",
+                                                            "QVUpdatedTonerInfoFile",
+                                                            "QVUpdatedQFMastersList",
+                                                            "QVPagesCount",
+                                                            "QVlocalPreset",
+                                                            "QVDriverPreference",
+                                                            "QVServerValFrmDict"};
+    for (std::size_t at = keyword.find("QV"); at != std::string_view::npos; at = keyword.find("QV", at + 1)) {
+        const std::string_view rest = keyword.substr(at);
+        if (std::any_of(names.begin(), names.end(),
+                        [&](std::string_view name) { return rest.starts_with(name); })) {
+            return true;
+        }
+    }
+    return false;
+}
+
 constexpr LineKind lineKind(std::string_view keyword) {
     const std::size_t row = elementRow(keyword);
     return row == elementKeywords.size() ? LineKind::other : elementKeywords[row].kind;

@@ -16,35 +16,40 @@
 namespace torka {
 
 class PPDXGroup;
+class PPDXRangeControl;
 class ZANPPD;
 
 // Findings beyond errors, for the author of a description. PPDLintTexts.cpp says each in words.
 enum class PPDLintKind {
     // Groups and pages
-    unplacedGroup,    // a declared group name that no parent line places
-    unknownGroup,     // a group line that names no group
-    secondScrollPane, // a page that has a scroll pane gets another one
-    groupPlacedTwice, // a group that a parent line has placed already
-    hiddenByFlag,     // a page or group that lacks "True" and has a word like it
-    unknownFlag,      // any other word that is no flag
-    hiddenControls,   // a hidden group that holds controls
-    blockInNoGroup,   // a control that is meant to be shown and has no group line
-    noteInScrollPane, // a job note whose group is no roll-down
-    strayControlLine, // a line of a control's definition that stands alone
+    unplacedGroup,     // a declared group name that no parent line places
+    parentWithoutKind, // a parent line without the kind of group, of a group that no other line places
+    unknownGroup,      // a group line that names no group
+    secondScrollPane,  // a page that has a scroll pane gets another one
+    groupPlacedTwice,  // a group that a parent line has placed already
+    hiddenByFlag,      // a page or group that lacks "True" and has a word like it
+    unknownFlag,       // any other word that is no flag
+    hiddenControls,    // a hidden group that holds controls
+    blockInNoGroup,    // a control that is meant to be shown and has no group line
+    noteInScrollPane,  // a job note whose group is no roll-down
+    strayControlLine,  // a line of a control's definition that stands alone
     // Job notes
-    unknownJobNoteFlag, // a word that is not a job note flag
-    badDefaultNote,     // a default text that breaks a rule of its note
-    strayNoteLine,      // a default or PostScript line that does not follow its note, or lacks the "%"
-    lostMinLength,      // a bare "MinLength" after "MinLength8"
-    noPlaceholder,      // a template of a note or a range without "<*KEY>"
+    unknownJobNoteFlag,    // a word that is not a job note flag
+    badDefaultNote,        // a default text that breaks a rule of its note
+    strayNoteLine,         // a default or PostScript line that does not follow its note, or lacks the "%"
+    lostMinLength,         // a bare "MinLength" after "MinLength8"
+    noPlaceholder,         // a template of a note or a range without "<*KEY>"
+    minLengthAboveMaximum, // a minimum length that no text within the maximum reaches
     // Ranges and numbers
     badNumber,            // a number of a range, or a length of a job note, that is not a number
     textAfterNumber,      // text behind a number of a range
     swappedBounds,        // a minimum above the maximum
     defaultOutsideBounds, // a default below the minimum or above the maximum
+    defaultOffStep,       // a default that is rounded to another number
     negativeScale,        // a scale's minimum below 0, which no job takes
     extraNumber,          // a fifth number
     badCustomSize,        // a custom page size line that cannot be parsed
+    unitNotPoints,        // a custom page size in another unit, which is read as points
     // Options
     unknownDefault,       // a default that names no option of its block
     otherDefault,         // a default line that names another keyword
@@ -53,13 +58,18 @@ enum class PPDLintKind {
     optionTwice,          // an option that the block has already
     blockOfOtherKey,      // a block whose keyword differs from its flags line
     optionOfOtherKey,     // an option line under another keyword than the block's
+    optionWithoutName,    // a line of the block's keyword without an option
+    optionWithoutValue,   // an option without a quoted value
     longBlock,            // PostScript too long for a job
     unbalancedPostscript, // a brace, parenthesis or hex string that is not closed
     specialOptionTwice,   // a special option that has a value already
+    unknownSpecialOption, // a special option whose keyword is nearly one that is read
+    unknownSpecialValue,  // a value that the special option does not know
     // Lines, texts and encoding
     cutLine,            // a line of more than 255 bytes
     cutValue,           // a quoted value of more than 255 bytes
     unclosedQuote,      // a value without its closing quote
+    textWithoutQuotes,  // text where only a quoted value is read
     unreadableByte,     // a line with a byte NUL or 0xFF, which ends its text
     untranslatableText, // bytes that are no text of the declared encoding
     otherEncoding,      // a text that is probably in another encoding than the declared one
@@ -67,10 +77,13 @@ enum class PPDLintKind {
     unknownEncoding,    // an encoding that the parser does not know
     unknownLanguage,    // a language that no list of PPD names knows
     misspeltKeyword,    // a main keyword that is nearly one of the extension's
+    linesBehindEnd,     // elements behind the end marker
     // Constraints
     unknownConstraintKeyword, // a constraint line names a keyword that the description does not define
     unknownConstraintOption,  // ... or an option that its control does not offer
+    constraintOnValue,        // ... or a control without options
     oneWayConstraint,         // a constraint without its reverse
+    defaultsInConflict,       // two defaults that a constraint forbids together
     requirement,              // a requirement line, which nothing evaluates
     // The pane
     noMakerVersion,   // no controller version: no pane
@@ -106,6 +119,9 @@ public:
     void SpoolerKeyword(std::string_view keyword) { spoolerKeywords.emplace(keyword); }
     void DeclaredGroup(const GroupName& name, long line) { declaredGroups.push_back({line, name.name}); }
     void PlacedGroup(std::string_view name) { placedGroups.emplace(name); }
+    void ParentWithoutKind(std::string_view name, long line) {
+        kindlessParents.try_emplace(std::string(name), line);
+    }
     // Checks the words of a page, group or parent line against the known ones. `flags` is the line behind the
     // names.
     void CheckFlags(long line, std::string_view element, std::string_view flags,
@@ -133,6 +149,14 @@ public:
     // Checks PostScript. `option` is empty for a template, which must hold its placeholder.
     void CheckPostscript(long line, std::string_view keyword, std::string_view option,
                          const unsigned char* bytes, long length);
+    // Notes a default between the bounds that the new control has rounded.
+    void CheckHeldDefault(long line, const PPDXRangeControl& range);
+    // Notes text that stands where a quoted value is expected. `rest` is the line from there on.
+    void CheckQuotes(long line, std::string_view keyword, std::string_view rest);
+    // Does the same for an option of a block, and notes an option without a value.
+    void CheckOptionValue(long line, std::string_view keyword, std::string_view option,
+                          std::string_view rest);
+    void CheckSpecialOption(long line, std::string_view keyword, std::string_view value);
     void OptionLine(long line, std::string_view keyword, std::string_view option);
     // A line inside the block of `block` that no reader takes.
     void LineInBlock(long line, std::string_view block, std::string_view keyword, std::string_view text);
@@ -170,16 +194,18 @@ private:
     void CheckBytes(long line, std::string_view keyword, std::string_view text, std::string_view bytes,
                     std::optional<CFStringEncoding> encoding);
     void CheckConstraints(ZANPPD& description);
-    bool CheckConstraintSide(ZANPPD& description, const Words& keywords, long line, const std::string& key,
-                             const std::string& option);
+    bool CheckConstraintSide(ZANPPD& description, const Words& keywords, const Constraint& line,
+                             const std::string& key, const std::string& option);
     bool IsReversed(const ZANPPD& description, const Constraint& line,
                     const std::unordered_set<std::string>& lines);
     std::string_view Suggestion(std::string_view word, const Words& candidates);
     void CheckGroups(const ZANPPD& description);
     void CheckOptions(const ZANPPD& description);
     void CheckBlockSize(long line, std::string_view keyword, std::string_view option, long size);
+    bool CheckNoteLine(const Named& line, const std::unordered_map<std::string, std::string>& notesByName);
     void CheckOtherLines(const ZANPPD& description);
     void CheckWords(const ZANPPD& description);
+    void CheckDefaults(const ZANPPD& description);
     void CheckPane(const ZANPPD& description);
     bool CheckLines(const ZANPPD& description);
     void CheckLine(long line, std::string_view start, std::size_t length, std::string_view badByte);
@@ -193,6 +219,7 @@ private:
     std::vector<Named> linesInBlocks; // block, keyword
     std::vector<Named> otherLines;
     std::unordered_set<std::string> placedGroups;
+    std::unordered_map<std::string, long> kindlessParents; // group, line
     std::unordered_set<std::string> spoolerKeywords;
     std::unordered_set<std::string> optionsSeen; // key NUL option
     std::optional<Named> firstText;              // the first one that needs an encoding before it is known

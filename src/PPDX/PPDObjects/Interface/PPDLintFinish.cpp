@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConflictPairs.h"
+#include "PPDX/KVEngine/ConstraintsEngine.h"
 #include "PPDX/KVEngine/KeyForest.h"
 #include "PPDX/PPDObjects/Controls/JobNoteFlags.h"
 #include "PPDX/PPDObjects/Interface/ElementKeywords.h"
@@ -26,9 +28,22 @@ std::string_view mainKeyword(std::string_view line) {
     return line.substr(0, line.find_first_of(std::string_view(" \t:\0\xFF", 5)));
 }
 
+char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 bool equalsIgnoringCase(std::string_view left, std::string_view right) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return std::ranges::equal(left, right, {}, lower, lower);
+    return std::ranges::equal(left, right, {}, lowerCase, lowerCase);
+}
+
+std::string inLowerCase(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), lowerCase);
+    return result;
+}
+
+// The two keys of a constraint line as one text, the same in both directions.
+std::string keysOf(std::string_view key1, std::string_view key2) {
+    std::string keys(std::min(key1, key2));
+    return keys.append(1, ' ').append(std::max(key1, key2));
 }
 
 // A constraint's four parts as one text.
@@ -72,6 +87,44 @@ bool isVisibleWithParents(const PPDXElement* element) {
     return true;
 }
 
+// Reads the lines behind the end marker. Other code reads records there, and the filter appends some.
+class LinesBehindEnd {
+public:
+    void Take(long line, std::string_view start) {
+        if (start.starts_with('*')) {
+            const std::string_view keyword = mainKeyword(start);
+            const bool isComment = keyword.starts_with("*%") && findElementKeyword(keyword) == nullptr;
+            isLost = isComment ? isLost : !IsRecord(keyword);
+            if (isComment || !isLost) {
+                return;
+            }
+            if (lost++ == 0) {
+                firstLine = line;
+                firstKeyword = keyword;
+            }
+        } else if (isLost && !start.empty()) {
+            ++lost; // the value goes on
+        }
+    }
+    std::size_t Count() const { return lost; }
+    long FirstLine() const { return firstLine; }
+    const std::string& FirstKeyword() const { return firstKeyword; }
+
+private:
+    static bool IsRecord(std::string_view keyword) {
+        constexpr std::size_t digits = 4; // of a chunk's number
+        const std::string_view number = keyword.substr(keyword.size() - std::min(digits, keyword.size()));
+        return isServerRecord(keyword) ||
+               (keyword.starts_with("*QV") && keyword.size() > digits &&
+                number.find_first_not_of("0123456789abcdef") == std::string_view::npos);
+    }
+
+    std::size_t lost = 0;
+    bool isLost = false; // what began last
+    long firstLine = 0;
+    std::string firstKeyword;
+};
+
 std::string count(std::size_t number, std::string_view what) {
     return std::to_string(number) + " " + std::string(what) + (number == 1 ? "" : "s");
 }
@@ -80,6 +133,7 @@ std::string count(std::size_t number, std::string_view what) {
 
 bool PPDLint::Finish(ZANPPD& description) {
     CheckConstraints(description);
+    CheckDefaults(description);
     CheckGroups(description);
     CheckOptions(description);
     CheckOtherLines(description);
@@ -112,8 +166,8 @@ void PPDLint::CheckConstraints(ZANPPD& description) {
         }
     }
     for (const Constraint& each : constraints) {
-        const bool isKnown1 = CheckConstraintSide(description, keywords, each.line, each.key1, each.option1);
-        const bool isKnown2 = CheckConstraintSide(description, keywords, each.line, each.key2, each.option2);
+        const bool isKnown1 = CheckConstraintSide(description, keywords, each, each.key1, each.option1);
+        const bool isKnown2 = CheckConstraintSide(description, keywords, each, each.key2, each.option2);
         if (isKnown1 && isKnown2 && !each.isRequirement && !IsReversed(description, each, lines)) {
             Note(PPDLintKind::oneWayConstraint, each.line, each.key1,
                  lineOf(each.key2, each.option2, each.key1, each.option1));
@@ -148,16 +202,19 @@ bool PPDLint::IsReversed(const ZANPPD& description, const Constraint& line,
 }
 
 // Returns true for a keyword of a popup or a check box of the description, whose option is known too.
-bool PPDLint::CheckConstraintSide(ZANPPD& description, const Words& keywords, long line,
+bool PPDLint::CheckConstraintSide(ZANPPD& description, const Words& keywords, const Constraint& line,
                                   const std::string& key, const std::string& option) {
     CNTL_TYPE type{};
     if (!description.GetControls()->Find(key.c_str(), type, true)) {
         if (!spoolerKeywords.contains(key)) {
-            Note(PPDLintKind::unknownConstraintKeyword, line, key, {}, Suggestion(key, keywords));
+            Note(PPDLintKind::unknownConstraintKeyword, line.line, key, {}, Suggestion(key, keywords));
         }
         return false;
     }
     if (type != CNTL_TYPE::boolean && type != CNTL_TYPE::popup) {
+        if (!line.isRequirement) { // which nothing evaluates in any case
+            Note(PPDLintKind::constraintOnValue, line.line, key);
+        }
         return false;
     }
     const UIConstraints& store = *description.GetUIConstraints();
@@ -171,8 +228,45 @@ bool PPDLint::CheckConstraintSide(ZANPPD& description, const Words& keywords, lo
     for (const std::int64_t item : offered ? offered->Items() : std::vector<std::int64_t>()) {
         offeredTexts.emplace_back(texts.Find(item));
     }
-    Note(PPDLintKind::unknownConstraintOption, line, key, option, Suggestion(option, offeredTexts));
+    Note(PPDLintKind::unknownConstraintOption, line.line, key, option, Suggestion(option, offeredTexts));
     return false;
+}
+
+// The engine tells which defaults are in conflict, as it does for a job. The lines tell where.
+void PPDLint::CheckDefaults(const ZANPPD& description) {
+    const UIConstraints& store = *description.GetUIConstraints();
+    const CStringSoup& texts = *store.GetConstraintStrings();
+    const KVCache& defaults = *store.GetCurrentSelections();
+    ConstraintsEngine engine(&defaults, store.GetConstraintForest(), store.GetKeyForest(), nullptr);
+    std::vector<ConflictPair> pairs;
+    visitConflictPairs(engine, defaults, [&pairs](const ConflictPair& pair) {
+        pairs.push_back(pair);
+        return pairs.size() < maximumNotes;
+    });
+    if (pairs.empty()) {
+        return;
+    }
+    const auto means = [&](const std::string& key, const std::string& option) {
+        const std::int64_t selected = defaults.GetItem(texts.Find(std::string_view(key)));
+        if (selected < 0) {
+            return false;
+        }
+        const std::string_view byDefault = texts.Find(selected);
+        return option.empty() ? byDefault != "None" && byDefault != "False" : byDefault == option;
+    };
+    std::unordered_map<std::string, long> lineOfKeys;
+    for (const Constraint& each : constraints) {
+        if (!each.isRequirement && means(each.key1, each.option1) && means(each.key2, each.option2)) {
+            lineOfKeys.try_emplace(keysOf(each.key1, each.key2), each.line);
+        }
+    }
+    for (const auto& [one, other] : pairs) {
+        const std::string key(texts.Find(one.key));
+        const std::string otherKey(texts.Find(other.key));
+        const auto place = lineOfKeys.find(keysOf(key, otherKey));
+        Note(PPDLintKind::defaultsInConflict, place == lineOfKeys.end() ? 0 : place->second, key,
+             key + "=" + texts.Find(one.option) + " and " + otherKey + "=" + texts.Find(other.option));
+    }
 }
 
 std::string_view PPDLint::Suggestion(std::string_view word, const Words& candidates) {
@@ -184,7 +278,12 @@ void PPDLint::CheckGroups(const ZANPPD& description) {
     std::unordered_map<std::string_view, long> declaredAt;
     for (const Named& group : declaredGroups) {
         declaredAt.try_emplace(group.name, group.line);
-        if (!placedGroups.contains(group.name)) {
+        if (placedGroups.contains(group.name)) {
+            continue;
+        }
+        if (const auto parent = kindlessParents.find(group.name); parent != kindlessParents.end()) {
+            Note(PPDLintKind::parentWithoutKind, parent->second, group.name);
+        } else {
             Note(PPDLintKind::unplacedGroup, group.line, group.name);
         }
     }
@@ -269,6 +368,35 @@ void PPDLint::CheckWords(const ZANPPD& description) {
     }
 }
 
+// Notes a line that is meant for a job note and that its reader has not taken.
+bool PPDLint::CheckNoteLine(const Named& line,
+                            const std::unordered_map<std::string, std::string>& notesByName) {
+    constexpr std::string_view beginning = "default";
+    const std::string_view keyword = line.name;
+    const bool hasPercent = keyword[1] == '%';
+    std::string_view bare = keyword.substr(hasPercent ? 2 : 1);
+    bare.remove_prefix(hasPercent && bare.starts_with('*') ? 1 : 0);
+    const std::string lower = inLowerCase(bare);
+    auto note = notesByName.find(lower);
+    const bool isDefault = note == notesByName.end() && lower.starts_with(beginning);
+    if (isDefault) {
+        note = notesByName.find(lower.substr(beginning.size()));
+    }
+    if (note == notesByName.end()) {
+        return false;
+    }
+    const std::string_view name = note->second;
+    const std::string right =
+        (isDefault ? "Default" : "") + std::string(name.substr(name.starts_with('*') ? 1 : 0));
+    if (!hasPercent && bare != right) {
+        return false; // another keyword of PPD 4.3
+    }
+    const std::string meant = "*%" + right;
+    const bool isMisspelt = hasPercent && keyword != meant;
+    Note(PPDLintKind::strayNoteLine, line.line, name, keyword, isMisspelt ? meant : std::string());
+    return true;
+}
+
 void PPDLint::CheckOtherLines(const ZANPPD& description) {
     Words extension;
     for (const ElementKeyword& row : elementKeywords) {
@@ -276,15 +404,17 @@ void PPDLint::CheckOtherLines(const ZANPPD& description) {
             extension.push_back(row.keyword);
         }
     }
+    std::unordered_map<std::string, std::string> notesByName; // in lower case, without the asterisk
+    description.GetControls()->ForEach([&](const PPDXControl* control) {
+        if (control->Type() == CNTL_TYPE::jobNote && control->Keyword() != nullptr) {
+            const std::string_view name = control->Keyword();
+            notesByName.try_emplace(inLowerCase(name.substr(name.starts_with('*') ? 1 : 0)), name);
+        }
+    });
     for (const Named& each : otherLines) {
         const std::string_view keyword = each.name;
         const std::string_view bare = keyword.substr(keyword[1] == '%' ? 2 : 1);
-        const std::string_view note = bare.starts_with("Default") ? bare.substr(7) : bare;
-        const std::array names{"*" + std::string(bare), "*" + std::string(note)};
-        if (std::ranges::any_of(names, [&](const std::string& name) {
-                return description.GetControls()->FindJobNote(name.c_str(), true) != nullptr;
-            })) {
-            Note(PPDLintKind::strayNoteLine, each.line, names[1], keyword);
+        if (CheckNoteLine(each, notesByName)) {
             continue;
         }
         const auto* const sameLetters = std::ranges::find_if(elementKeywords, [&](const ElementKeyword& row) {
@@ -336,6 +466,8 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
     std::string_view badByte;
     long line = 1;
     char last = '\0';
+    bool isAtEnd = false;
+    LinesBehindEnd behind;
     std::span<const std::uint32_t> unclosed = description.UnclosedValues();
     std::span<const std::uint32_t> cut = description.CutValues();
     const auto noteValues = [&](PPDLintKind kind, std::span<const std::uint32_t>& values) {
@@ -344,9 +476,14 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
         }
     };
     const auto endLine = [&] {
-        CheckLine(line, start, length, badByte);
-        noteValues(PPDLintKind::unclosedQuote, unclosed);
-        noteValues(PPDLintKind::cutValue, cut);
+        if (isAtEnd) {
+            behind.Take(line, start);
+        } else {
+            isAtEnd = start.starts_with(endOfDescription);
+            CheckLine(line, start, length, badByte);
+            noteValues(PPDLintKind::unclosedQuote, unclosed);
+            noteValues(PPDLintKind::cutValue, cut);
+        }
         length = 0;
         badByte = {};
         start.clear();
@@ -355,11 +492,7 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
         for (const char c : std::string_view(block.data(), static_cast<std::size_t>(in.gcount()))) {
             if (c == '\n' || c == '\r') {
                 if (!(c == '\n' && last == '\r')) {
-                    const bool isLast = start.starts_with(endOfDescription);
                     endLine();
-                    if (isLast) {
-                        return true;
-                    }
                     ++line;
                 }
             } else {
@@ -374,6 +507,10 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
         }
     }
     endLine();
+    if (behind.Count() > 0) {
+        Note(PPDLintKind::linesBehindEnd, behind.FirstLine(), behind.FirstKeyword(),
+             count(behind.Count(), "line") + (behind.Count() == 1 ? " is" : " are"));
+    }
     return in.eof();
 }
 

@@ -19,37 +19,6 @@ namespace torka {
 
 namespace {
 
-// Records of the two-way data. The queue's description carries them for another reader.
-bool isServerRecord(std::string_view keyword) {
-    static constexpr std::array<std::string_view, 19> names{"QVBidiData",
-                                                            "QVCDIHelpStrings",
-                                                            "QVPpdDefaults",
-                                                            "QVPresetsData",
-                                                            "QVPresetsList",
-                                                            "QVServerFeatureSupport",
-                                                            "QVServerInfo",
-                                                            "QVTrayInfo",
-                                                            "QVTonerInfo",
-                                                            "QVDeviceLinkProfilesList",
-                                                            "QVHueKeeper",
-                                                            "QVCalibration",
-                                                            "QVUpdatedTrayInfoFile",
-                                                            "QVUpdatedTonerInfoFile",
-                                                            "QVUpdatedQFMastersList",
-                                                            "QVPagesCount",
-                                                            "QVlocalPreset",
-                                                            "QVDriverPreference",
-                                                            "QVServerValFrmDict"};
-    for (std::size_t at = keyword.find("QV"); at != std::string_view::npos; at = keyword.find("QV", at + 1)) {
-        const std::string_view rest = keyword.substr(at);
-        if (std::any_of(names.begin(), names.end(),
-                        [&](std::string_view name) { return rest.starts_with(name); })) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // Hosts that open an annotated description and may read only its first part.
 bool hostStopsAtAnnotation() {
     std::string identifier = hasSystem() ? system().Host().bundleIdentifier : std::string();
@@ -58,6 +27,15 @@ bool hostStopsAtAnnotation() {
     static constexpr std::array<std::string_view, 3> hosts{"vectorworks", "preview", "indesign"};
     return std::any_of(hosts.begin(), hosts.end(),
                        [&](std::string_view host) { return identifier.find(host) != std::string::npos; });
+}
+
+// Looks at the value of a header line before it is read.
+void checkHeaderValue(PPDLint& lint, long line, std::string_view keyword, std::string_view rest) {
+    static constexpr std::array<std::string_view, 5> quoted{"*FormatVersion", "*FileVersion", "*PCFileName",
+                                                            "*ModelName", "*APDialogExtension"};
+    if (std::ranges::find(quoted, keyword) != quoted.end()) {
+        lint.CheckQuotes(line, keyword, rest);
+    }
 }
 
 // Looks at a line that begins no element. `header` is null when no reader took the line.
@@ -300,6 +278,9 @@ void ZANPPD::ParseLine(std::string_view line) {
         std::array<char, kLineCapacity> name{};
         keyword.copy(name.data(), keyword.size());
         const long lineRead = Line();
+        if (lint) {
+            checkHeaderValue(*lint, lineRead, name.data(), stream.Remaining());
+        }
         // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): a constructor reads with its own class
         const bool isTaken = ParsePSKeywords(stream, name.data());
         if (lint) {

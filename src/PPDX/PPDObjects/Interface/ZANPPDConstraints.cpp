@@ -76,7 +76,7 @@ void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
     static constexpr const char* keyword = "*CustomPrintSize";
     const std::string_view dimension = TakeWord(line);
     TakeWord(line); // the order of the parameters
-    takeText(line); // their unit
+    const std::string_view unit = takeText(line);
     float minimum = 0.0F;
     float maximum = 0.0F;
     const bool isWidth = dimension == "Width";
@@ -84,6 +84,9 @@ void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
     if ((!isWidth && dimension != "Height") || !isRead || minimum > maximum) {
         Note(PPDLintKind::badCustomSize, Line(), keyword, dimension);
         return;
+    }
+    if (unit != "points") {
+        Note(PPDLintKind::unitNotPoints, Line(), keyword, unit);
     }
     if (!customSize) {
         ControlDefinition definition;
@@ -108,6 +111,9 @@ void ZANPPD::ParseSpecialOption(PPDStream& line) {
     const std::string keyword(TakeWord(line));
     std::array<char, kLineCapacity> value{};
     RestOfLine(line, value.data());
+    if (lint) {
+        lint->CheckSpecialOption(Line(), keyword, value.data());
+    }
     if (keyword == "*DMT_Injection") {
         if (std::string_view(value.data()) == "True") {
             SkipTemplateBlock();

@@ -266,6 +266,8 @@ void ZANPPD::ReadBlock(const std::string& keyword, ChoiceBlock& block) {
             const std::size_t consumed = text.size() - line.Remaining().size();
             if (consumed > 0 && text[consumed - 1] != ':') { // with ":" it has no option keyword
                 ReadOptionLine(line, block);
+            } else {
+                Note(PPDLintKind::optionWithoutName, Line(), keyword);
             }
         } else if (token != "*OrderDependency") {
             if (lint && element == nullptr) {
@@ -302,20 +304,26 @@ void ZANPPD::ReadDefaultLine(PPDStream& line, std::string_view token, const std:
 void ZANPPD::ReadOptionLine(PPDStream& line, ChoiceBlock& block) {
     const long optionLine = Line();
     NamedToken option = TakeNamedToken(line);
+    CStringSoup& strings = *constraints->GetConstraintStrings();
+    const char* const blockKeyword = lint ? strings.Find(block.key) : nullptr;
+    if (lint && option.token.empty()) {
+        lint->Note(PPDLintKind::optionWithoutName, optionLine, blockKeyword);
+    }
     if (option.token.empty() || !TakeElements(1)) {
         return;
     }
     // Both texts outlive the line, which is gone when the value goes on in further lines.
-    CStringSoup& strings = *constraints->GetConstraintStrings();
     // Blocks often offer the same choices in the same order.
     const std::int64_t expected = block.optionIds.empty() ? -1 : block.optionIds.back() + 1;
     const std::int64_t identifier = strings.InsertWhole(option.token, expected);
     block.optionIds.push_back(identifier);
     option.token = {strings.Find(identifier), option.token.size()};
     option.name = Keep(option.name);
+    if (lint) {
+        lint->CheckOptionValue(optionLine, blockKeyword, option.token, line.Remaining());
+    }
     const PostscriptBytes value = TakePostscript(line);
     if (lint) {
-        const char* const blockKeyword = strings.Find(block.key);
         lint->OptionLine(optionLine, blockKeyword, option.token);
         lint->CheckPostscript(optionLine, blockKeyword, option.token, value.bytes, value.length);
     }
@@ -463,7 +471,11 @@ void ZANPPD::ParseRange(PPDStream& line, ControlDraft& draft, bool isFloat) {
     if (isFloat) {
         control = std::make_unique<PPDXFloatRangeControl>(definition, floatBounds);
     } else {
-        control = std::make_unique<PPDXRangeControl>(definition, bounds);
+        auto range = std::make_unique<PPDXRangeControl>(definition, bounds);
+        if (lint) {
+            lint->CheckHeldDefault(rangeLine, *range);
+        }
+        control = std::move(range);
     }
     SetupControl(draft.group, std::move(control), true);
 }

@@ -52,6 +52,11 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
         Report(PPDErr_UnsupportedJobNoteFlag, draft->keyword, noteLine);
         return;
     }
+    const bool hasRules = (flags.Flags() & jobNoteOnOffSwitch) == 0;
+    if (hasRules && flags.MinLength() > maxLength) {
+        Note(PPDLintKind::minLengthAboveMaximum, noteLine, draft->keyword,
+             std::to_string(flags.MinLength()) + " and " + std::to_string(maxLength));
+    }
     const CFStringRef name = LocalName(named, noteLine);
 
     CString defaultNotes;
@@ -64,6 +69,7 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
         PPDStream next(text);
         if (PPDStream again(next); lint) {
             checkDefaultLine(*lint, Line(), TakeMainKeyword(again), draft->keyword, bare);
+            lint->CheckQuotes(Line(), draft->keyword, again.Remaining());
         }
         const long defaultLine = Line();
         std::array<char, kLineCapacity> value;
@@ -82,6 +88,9 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
         const std::string_view keyword = TakeMainKeyword(next);
         if (keyword.size() == bare.size() + 2 && keyword.starts_with("*%") && keyword.substr(2) == bare) {
             const long templateLine = Line();
+            if (lint) {
+                lint->CheckQuotes(templateLine, draft->keyword, next.Remaining());
+            }
             const PostscriptBytes value = TakePostscript(next);
             if (lint) {
                 lint->CheckPostscript(templateLine, draft->keyword, {}, value.bytes, value.length);
