@@ -33,10 +33,11 @@ protected:
         EXPECT_EQ(sandbox->Printed(job), "");
     }
 
-    static void SendCommand(const std::string& queue, SpoolerCommand command, const std::string& text) {
+    void SendCommand(const std::string& queue, SpoolerCommand command, const std::string& text) const {
         CupsPrinter printer(queue);
         ASSERT_EQ(printer.SendCommand(cfString(text), cfString(commandName(command)), nullptr), noErr);
         ASSERT_EQ(WaitForEnd(printer.CommandJob()).state, 9);
+        EXPECT_EQ(sandbox->Printed(printer.CommandJob()), "") << "no banner pages";
     }
 
     // The pages of a printed document, drawn at 36 dpi.
@@ -146,6 +147,7 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
 
 TEST_F(Printing, AFileDestinationGoesIntoItsMailboxAndNowhereElse) {
     AddQueue("Mailboxes");
+    ASSERT_EQ(runCommand({"lpadmin", "-p", "Mailboxes", "-o", "job-sheets-default=standard,none"}).status, 0);
     const auto printInto = [](const std::string& mailbox, int status = 0, const std::string& told = {}) {
         return ExpectTool({"print", "-d", "Mailboxes", samplePath("brochure.ps"), "PageSize=A5",
                            "Notes1=to " + mailbox, "QVDestination=File", "QVMailboxName=" + mailbox},
