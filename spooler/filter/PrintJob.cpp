@@ -105,7 +105,6 @@ int printByOptions(const FilterJob& job, int source, OptionJob& options, int tar
     }
     std::string line;
     for (const std::string& text : options.told) {
-        tellDebug("options: " + text);
         line += (line.empty() ? "" : "; ") + text;
     }
     if (!line.empty()) {
@@ -120,13 +119,7 @@ std::optional<OptionJob> withoutItsTicket(const FilterJob& job, std::string_view
     if (!TicketStore::IsUsedByAnotherOf(senderOf(job), job.Identity(), path)) {
         return std::nullopt;
     }
-    std::optional<OptionJob> options = readOptionJob(job, SecretNotes::leftOut);
-    if (options) {
-        options->told.insert(options->told.begin(),
-                             "its print settings belong to another job, so that its notes with passwords and "
-                             "protected fields are left out");
-    }
-    return options;
+    return readOptionJob(job, SecretNotes::leftOut);
 }
 
 } // namespace
