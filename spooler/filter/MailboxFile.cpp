@@ -126,12 +126,13 @@ Result<void> MailboxFile::Commit() {
     if (!owner || owner->user != user) {
         return othersMailbox(name);
     }
-    if (run.empty()) {
-        tellWarning("The document in the mailbox " + name +
-                    " was replaced: the print server does not tell whether it belongs to the same job.");
-    }
     if (run.empty() || owner->run != run) {
-        return PutInPlace(part);
+        Result<void> done = PutInPlace(part);
+        if (done && run.empty()) {
+            tellWarning("The document in the mailbox " + name +
+                        " was replaced: the print server does not tell whether it belongs to the same job.");
+        }
+        return done;
     }
     const FileResult<OpenFile> earlier = PrivateFolder::Open(name);
     if (!earlier && earlier.Why() == std::errc::no_such_file_or_directory) {
