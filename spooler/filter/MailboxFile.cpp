@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "spooler/filter/MailboxFile.h"
 
+#include "bidi/commands/BidiFilePaths.h"
 #include "spooler/ByteSink.h"
 #include "spooler/filter/NoteFields.h"
 #include "spooler/filter/ServerMessages.h"
