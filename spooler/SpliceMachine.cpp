@@ -370,7 +370,9 @@ void SpliceMachine::HandleNesting(const DscComment& comment, const Line& line) {
         documentDepth -= documentDepth > 0 ? 1 : 0;
         break;
     case DscKind::beginResource:
-        if (documentDepth == 0 && resourceDepth++ == 0) {
+        // The mark of a declared prolog never moves. Without this condition each of its resources would scan
+        // all bytes behind the mark again.
+        if (documentDepth == 0 && resourceDepth++ == 0 && !isPrologDeclared) {
             isMarkFixed = isMarkFixed || output.HasCodeSinceMark();
         }
         break;

@@ -21,6 +21,18 @@ std::string_view FilterJob::Option(std::string_view name) const {
     return found == options.end() ? std::string_view() : found->second;
 }
 
+std::string FilterJob::Run() const {
+    const std::string_view uuid = Option("job-uuid");
+    const std::string_view start = Option("time-at-processing"); // in seconds
+    if (uuid.empty() || start.empty()) {
+        return "";
+    }
+    // The end of the earlier run tells apart a restart within the same second.
+    std::string run(uuid);
+    run.append("/").append(start).append("/").append(Option("time-at-completed"));
+    return run;
+}
+
 std::optional<FilterJob> readFilterJob(int argc, const char* const* argv) {
     if (argc != 6 && argc != 7) {
         return std::nullopt;

@@ -37,6 +37,9 @@ struct FilterJob {
     // Returns the host that sent the job; "" when the server does not give it.
     std::string_view OriginatingHost() const { return Option("job-originating-host-name"); }
     JobIdentity Identity() const { return {number, std::string(Option("job-uuid"))}; }
+    // Identifies one start of the job: its documents, banner pages included, share it, and a restart has
+    // another. "" when the server does not tell it.
+    std::string Run() const;
 };
 
 // Reads a filter's arguments (job user title copies options [file]) and environment. Returns nothing for any

@@ -17,7 +17,9 @@ ServerChoices markedChoices(const std::string& ppdPath, const OptionMap& options
     cups_option_t* list = nullptr;
     int count = 0;
     for (const auto& [name, value] : options) {
-        count = cupsAddOption(name.c_str() + (name.starts_with('*') ? 1 : 0), value.c_str(), count, &list);
+        if (!name.starts_with('*')) { // no option of the print server's filters
+            count = cupsAddOption(name.c_str(), value.c_str(), count, &list);
+        }
     }
     ppdMarkDefaults(ppd.get());
     cupsMarkOptions(ppd.get(), count, list);

@@ -172,7 +172,12 @@ std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets
                          "job. Print it from an application with the pane.";
         return result;
     }
-    result.told = settings.Remarks();
+    if (secrets == SecretNotes::leftOut) {
+        result.told.emplace_back(
+            "its print settings belong to another job, so that its notes with passwords and "
+            "protected fields are left out");
+    }
+    result.told.insert(result.told.end(), settings.Remarks().begin(), settings.Remarks().end());
     settleConflicts(settings, result);
     emitTicket(settings, result);
     if (gMemoryShortages != shortagesBefore) {

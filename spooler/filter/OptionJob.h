@@ -15,7 +15,7 @@ namespace torka::filter {
 // What happens to a protected or masked note among the options, which are public.
 enum class SecretNotes {
     refused, // a protected note stops the job; a masked one is taken
-    leftOut  // the job prints without any, also without those that the description presets
+    leftOut  // another job has the ticket of this one, which prints without any, also without preset ones
 };
 
 struct OptionJob {

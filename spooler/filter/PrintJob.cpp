@@ -74,9 +74,11 @@ void readUnguarded(const FilterJob& job, Ticket& ticket) {
     }
 }
 
+Sender senderOf(const FilterJob& job) { return {job.queue, job.user, std::string(job.OriginatingHost())}; }
+
 // Sends nothing to the device.
-int spliceIntoMailbox(const Sender& sender, int source, const Ticket& ticket, std::string_view path) {
-    Result<MailboxFile> mailbox = MailboxFile::Create(sender, path);
+int spliceIntoMailbox(const FilterJob& job, int source, const Ticket& ticket, std::string_view path) {
+    Result<MailboxFile> mailbox = MailboxFile::Create(senderOf(job), path, job.Run());
     if (mailbox && splice(source, ticket, mailbox->Descriptor()) != 0) {
         return 1;
     }
@@ -87,14 +89,12 @@ int spliceIntoMailbox(const Sender& sender, int source, const Ticket& ticket, st
     return done ? 0 : 1;
 }
 
-Sender senderOf(const FilterJob& job) { return {job.queue, job.user, std::string(job.OriginatingHost())}; }
-
 int printTicket(const FilterJob& job, int source, Ticket& ticket, int target) {
     readUnguarded(job, ticket);
     const auto& entries = ticket.entries;
     const auto mailbox = std::ranges::find(entries, siteFileDestination, &TicketEntry::site);
     return mailbox == entries.end() ? splice(source, ticket, target)
-                                    : spliceIntoMailbox(senderOf(job), source, ticket, mailbox->bytes);
+                                    : spliceIntoMailbox(job, source, ticket, mailbox->bytes);
 }
 
 // The sender reads the warning as the state of the job and its queue.
@@ -105,7 +105,6 @@ int printByOptions(const FilterJob& job, int source, OptionJob& options, int tar
     }
     std::string line;
     for (const std::string& text : options.told) {
-        tellDebug("options: " + text);
         line += (line.empty() ? "" : "; ") + text;
     }
     if (!line.empty()) {
@@ -120,13 +119,7 @@ std::optional<OptionJob> withoutItsTicket(const FilterJob& job, std::string_view
     if (!TicketStore::IsUsedByAnotherOf(senderOf(job), job.Identity(), path)) {
         return std::nullopt;
     }
-    std::optional<OptionJob> options = readOptionJob(job, SecretNotes::leftOut);
-    if (options) {
-        options->told.insert(options->told.begin(),
-                             "its print settings belong to another job, so that its notes with passwords and "
-                             "protected fields are left out");
-    }
-    return options;
+    return readOptionJob(job, SecretNotes::leftOut);
 }
 
 } // namespace

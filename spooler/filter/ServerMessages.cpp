@@ -12,33 +12,56 @@ namespace torka::filter {
 
 namespace {
 
-void tell(std::string_view kind, std::string_view text) {
+// The server cuts a line at 2,047 bytes and takes the rest for a message of its own, whatever its level. A
+// text from outside could so change the queue's description ("PPD:"). It keeps 1,023 bytes of a message as
+// the state of the job. Bytes of a text in a line:
+constexpr std::size_t longestText = 900;
+
+void tellLine(std::string_view kind, std::string_view text, std::string_view end) {
     std::string line(kind);
     for (const char c : text) {
         line += static_cast<unsigned char>(c) < ' ' || c == '\x7f' ? ' ' : c;
     }
-    line += '\n';
-    standardStreams().Error(line);
+    standardStreams().Error(line.append(end) += '\n');
+}
+
+// The beginning of the text that fits in a line. Ends between two characters where the text is UTF-8.
+std::string_view beginning(std::string_view text) {
+    constexpr std::size_t longestRest = 3; // bytes of a character behind its first
+    if (text.size() <= longestText) {
+        return text;
+    }
+    std::size_t end = longestText;
+    while (end > longestText - longestRest && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) {
+        --end;
+    }
+    return text.substr(0, end);
+}
+
+// One line that the job and its queue keep as their state. The whole of a longer text goes into the log.
+void tellState(std::string_view kind, std::string_view text) {
+    const std::string_view first = beginning(text);
+    if (first.size() == text.size()) {
+        tellLine(kind, text, "");
+        return;
+    }
+    tellDebug(text);
+    tellLine(kind, first, " ...");
 }
 
 } // namespace
 
 // The server may replace a message of the level "ERROR" with "Filter failed" (see waitUntilRead). It keeps a
 // message of a more severe level.
-void tellError(std::string_view text) { tell("ERROR: ", text); }
-void tellDebug(std::string_view text) { tell("DEBUG: ", text); }
+void tellError(std::string_view text) { tellState("ERROR: ", text); }
+void tellWarning(std::string_view text) { tellState("WARNING: ", text); }
 
-void tellWarning(std::string_view text) {
-    constexpr std::size_t longest = 900; // bytes
-    if (text.size() <= longest) {
-        tell("WARNING: ", text);
-        return;
-    }
-    std::size_t end = longest;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) {
-        --end;
-    }
-    tell("WARNING: ", std::string(text.substr(0, end)) + " ...");
+void tellDebug(std::string_view text) {
+    do {
+        const std::string_view first = beginning(text);
+        tellLine("DEBUG: ", first, "");
+        text.remove_prefix(first.size());
+    } while (!text.empty());
 }
 
 void waitUntilRead() {

@@ -10,12 +10,12 @@
 
 namespace torka::filter {
 
-// Send one line for any text. People see an error as the state of the job and the queue.
+// Send lines of less than 1,023 bytes for any text. People see an error as the state of the job and the
+// queue. A warning stays there when the job completes, whatever its backend says. Both are cut where they are
+// too long; lines for debugging then hold the whole text.
 void tellError(std::string_view text);
-void tellDebug(std::string_view text);
-// Stays as the message of the job and its queue when the job completes, whatever its backend says. Cuts a
-// long text.
 void tellWarning(std::string_view text);
+void tellDebug(std::string_view text);
 // Waits until the server has read all messages, 2 seconds at most. Call it before the filter ends with a
 // failure: the server sets the job's state to "Filter failed" when it sees the end before the reason.
 void waitUntilRead();

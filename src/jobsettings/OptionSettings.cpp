@@ -132,11 +132,15 @@ PPDXControl* OptionSettings::FindSetting(std::string_view name) const {
 bool OptionSettings::NamesSettings(const OptionMap& options) const {
     return std::ranges::any_of(options, [this](const auto& option) {
         const auto& [name, value] = option;
-        if (name == watermarkOption || name == "sides") {
-            return name != "sides" || ChangesSides(value);
+        if (name == "sides") {
+            return ChangesSides(value);
+        }
+        if (name == watermarkOption || name == conflictsOption) {
+            return name != conflictsOption || !isSameAscii(value, "print");
         }
         const PPDXControl* control = FindSetting(name);
-        return control == nullptr ? looksLikeSetting(name) : !isServersSetting(*control);
+        return control == nullptr ? looksLikeSetting(name)
+                                  : !isServersSetting(*control) || name.starts_with('*');
     });
 }
 
@@ -165,12 +169,26 @@ void OptionSettings::Take(const OptionMap& options, const ServerChoices& server)
         if (name == watermarkOption || name == conflictsOption) {
             TakeOwnOption(name, value);
         } else if (PPDXControl* control = FindSetting(name)) {
-            TakeValue(*control, value);
+            if (!IsLost(*control, name, value)) {
+                TakeValue(*control, value);
+            }
         } else if (looksLikeSetting(name)) {
             Remark("the description has no setting " + name);
         }
     }
     TakeLayout(options);
+}
+
+// The print server's filters know no name with an asterisk. They have laid out the pages without it.
+bool OptionSettings::IsLost(const PPDXControl& control, std::string_view name, const std::string& value) {
+    if (!facts.isLaidOut || !name.starts_with('*') || !isServersSetting(control)) {
+        return false;
+    }
+    if (!isSameAscii(valueOf(control), value)) {
+        Remark(std::string(name) + "=" + value + " is not followed: the print server takes " +
+               nameOf(control) + " without asterisk only");
+    }
+    return true;
 }
 
 // The page size may come as media, the tray and the medium too.

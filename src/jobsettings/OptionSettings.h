@@ -55,8 +55,8 @@ public:
     static bool IsServersOwn(std::string_view name);
     // Whether an option of this name alone never makes NamesSettings true, whatever the description.
     static bool IsLeftAlone(std::string_view name);
-    // Whether an option names a setting that is ours to print. The page size and the collation alone are the
-    // print server's.
+    // Whether an option names a setting that is ours to print, or asks for something else than printing in
+    // spite of conflicts. The page size and the collation alone are the print server's.
     bool NamesSettings(const OptionMap& options) const;
 
     // Empties every note that is protected or only masked, and takes none from options.
@@ -99,6 +99,7 @@ private:
     void TakeServerChoices();
     void TakeOwnOption(std::string_view name, const std::string& value);
     void TakeLayout(const OptionMap& options);
+    bool IsLost(const PPDXControl& control, std::string_view name, const std::string& value);
     void TakeValue(PPDXControl& control, const std::string& value);
     void TakeChoice(PPDXPopupControl& popup, const std::string& value);
     bool IsRefused(const PPDXJobNote& note, const std::string& text);

@@ -44,6 +44,17 @@ sys.stdout.buffer.write(zlib.decompress(b''.join(base64.b64decode(c) for _, c in
     EXPECT_EQ(runRecord({"list", folder / "missing"}).status, 2);
 }
 
+TEST(RecordCommand, ReadsTheExamplesOfTheirPage) {
+    const TemporaryFolder folder;
+    const std::string path = TORKA_SOURCE_DIR "/docs/two-way-records.md";
+    const std::string page = readFile(path);
+    for (const std::string record : {"TrayInfo", "QVTrayInfo"}) { // of the data file, of the PPD
+        const std::string text = runRecord({"get", path, record}).output;
+        EXPECT_NE(page.find("### Trays\n\n```\n" + text + "```\n"), std::string::npos) << record << text;
+    }
+    EXPECT_EQ(runTool({"serverdata", path}).status, 0);
+}
+
 } // namespace
 
 } // namespace torka::tests

@@ -88,10 +88,17 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
 TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
     AddQueue("Told");
     const std::pair<std::string, std::string> saddle{"QVStaple", "Saddle"}, half{"QVFoldStyle", "Half"};
+    // The server reads 2,047 bytes of a line, and what follows as the next message.
+    const auto injected = [](const std::string& level) {
+        const std::string before = level + ": Printed by its options: QVStaple does not offer ";
+        return std::string(2047 - before.size(), 'A') + "PPD: QVInjected0000=x";
+    };
     for (const auto& [options, state, message] :
          {std::tuple<JobOptions, int, std::string>{
               {saddle, half}, 9, "does not go together with *QVFoldStyle=Half"},
           {{saddle, half, {"torka-conflicts", "stop"}}, 6, "torka-conflicts=stop"},
+          {{{"QVStaple", injected("DEBUG")}}, 9, "QVStaple does not offer AAA"},
+          {{{"QVStaple", injected("WARNING")}}, 9, "QVStaple does not offer AAA"},
           {{{"Resume", "74915362"}}, 6, "Resume is protected"}}) {
         SCOPED_TRACE(message);
         const int job = Submit("Told", options);
@@ -100,6 +107,7 @@ TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
         EXPECT_THAT(status.message, HasSubstr(message));
         EXPECT_EQ(sandbox->Printed(job).empty(), state == 6);
     }
+    EXPECT_THAT(readFile(*sandbox / "etc/ppd/Told.ppd"), Not(HasSubstr("QVInjected")));
 }
 
 TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {

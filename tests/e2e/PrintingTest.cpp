@@ -33,10 +33,11 @@ protected:
         EXPECT_EQ(sandbox->Printed(job), "");
     }
 
-    static void SendCommand(const std::string& queue, SpoolerCommand command, const std::string& text) {
+    void SendCommand(const std::string& queue, SpoolerCommand command, const std::string& text) const {
         CupsPrinter printer(queue);
         ASSERT_EQ(printer.SendCommand(cfString(text), cfString(commandName(command)), nullptr), noErr);
         ASSERT_EQ(WaitForEnd(printer.CommandJob()).state, 9);
+        EXPECT_EQ(sandbox->Printed(printer.CommandJob()), "") << "no banner pages";
     }
 
     // The pages of a printed document, drawn at 36 dpi.
@@ -146,6 +147,7 @@ TEST_F(Printing, ATicketThatIsNotGoodFailsTheJobWithItsReasonAndPrintsNothing) {
 
 TEST_F(Printing, AFileDestinationGoesIntoItsMailboxAndNowhereElse) {
     AddQueue("Mailboxes");
+    ASSERT_EQ(runCommand({"lpadmin", "-p", "Mailboxes", "-o", "job-sheets-default=standard,none"}).status, 0);
     const auto printInto = [](const std::string& mailbox, int status = 0, const std::string& told = {}) {
         return ExpectTool({"print", "-d", "Mailboxes", samplePath("brochure.ps"), "PageSize=A5",
                            "Notes1=to " + mailbox, "QVDestination=File", "QVMailboxName=" + mailbox},
@@ -154,12 +156,26 @@ TEST_F(Printing, AFileDestinationGoesIntoItsMailboxAndNowhereElse) {
     const std::filesystem::path folder = *sandbox / "root/var/cache/torka/ZAN";
     const CommandResult first = printInto("Team-7");
     EXPECT_EQ(sandbox->Printed(jobNumber(first.output)), "") << "nothing reaches the device";
-    const std::string kept = readFile(folder / "Team-7");
-    EXPECT_NE(kept.find("%%ZANCustom1: to Team-7"), std::string::npos);
-    EXPECT_NE(kept.find("%%EOF"), std::string::npos);
+    // The queue's banner page and the document, also when the job is printed again.
+    const auto documents = [&folder] {
+        const std::string text = readFile(folder / "Team-7");
+        const std::size_t second = text.find("\n%!PS-Adobe-", 1);
+        EXPECT_TRUE(text.starts_with("%!PS-Adobe-"));
+        EXPECT_NE(text.find("(Tidewater Press)", second), std::string::npos);
+        EXPECT_NE(text.find("%%EOF", second), std::string::npos);
+        EXPECT_EQ(text.find("\n%!PS-Adobe-", second + 1), std::string::npos);
+        EXPECT_NE(text.find("%%ZANCustom1: to Team-7"), std::string::npos);
+    };
+    documents();
     EXPECT_EQ(std::filesystem::status(folder / "Team-7").permissions(), std::filesystem::perms(0600));
+    const std::string job = std::to_string(jobNumber(first.output));
+    ASSERT_EQ(runCommand({"lp", "-i", job, "-H", "restart"}).status, 0);
+    EXPECT_EQ(WaitForEnd(jobNumber(first.output)).state, 9);
+    documents();
     // Its user may have it written again, nobody else.
     printInto("Team-7");
+    documents();
+    const std::string kept = readFile(folder / "Team-7");
     std::ofstream(folder / "Team-7.owner") << "mallory";
     printInto("Team-7", 1, "belongs to somebody else");
     EXPECT_TRUE(readFile(folder / "Team-7") == kept);

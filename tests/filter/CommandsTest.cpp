@@ -142,9 +142,8 @@ TEST(Commands, HostileTitlesAndTextsDoNothing) {
           std::string("$(touch x)"), std::string("%n%s%99999999s"), std::string(100000, 'A')}) {
         harness.Forget();
         EXPECT_EQ(run(title, "text"), 1);
-        const std::string told = harness.Told();
-        EXPECT_TRUE(told.starts_with("ERROR: ")) << told;
-        EXPECT_EQ(std::ranges::count(told, '\n'), 1) << "a message stays one line";
+        EXPECT_TRUE(harness.Messages().back().starts_with("ERROR: ")) << harness.Told();
+        EXPECT_EQ(std::ranges::count(harness.Messages().back(), '\n'), 1) << "a message stays one line";
     }
     for (const auto& [title, text] : std::vector<std::pair<std::string, std::string>>{
              {"Command_LocaleCode", "j"},
@@ -232,8 +231,32 @@ TEST(Commands, AnswerFromAFolderInTheLanguageThatWasAskedFor) {
     EXPECT_TRUE(PrivateFolder::Exists("TorkaFilterNotes"));
 }
 
-TEST(Warnings, AreCutBetweenCharacters) {
+// The server reads a message in lines of 2,047 bytes at most, and takes what is behind for the next message.
+TEST(Messages, StayLinesOfTheirLevelWhateverTheirTextIs) {
     FilterHarness harness;
+    const std::string hostile = std::string(2040, 'A') + "PPD: QVStock0000=x";
+    std::vector<std::string> texts{hostile, std::string(5000, '\xbf'), "a\nPPD: QVStock0000=x\x7f", ""};
+    for (std::size_t before = 0; before < 3000; before += 7) { // "PPD:" at any place of a line
+        texts.push_back(std::string(before, 'x') + "PPD: QVStock0000=x ATTR: marker-levels=1");
+    }
+    for (const std::string& text : texts) {
+        for (const auto& [tellIt, level] :
+             {std::pair{&tellError, "ERROR: "}, {&tellWarning, "WARNING: "}, {&tellDebug, "DEBUG: "}}) {
+            harness.Forget();
+            tellIt(text);
+            std::string whole; // what the log holds of it
+            for (const std::string& message : harness.Messages()) {
+                EXPECT_LT(message.size(), 1023U);
+                EXPECT_EQ(message.find('\n'), message.size() - 1);
+                const bool isLast = &message == &harness.Messages().back();
+                EXPECT_TRUE(message.starts_with(isLast ? level : "DEBUG: ")) << message;
+                if (!isLast || whole.empty() || level == std::string("DEBUG: ")) {
+                    whole += message.substr(message.find(' ') + 1, message.size() - message.find(' ') - 2);
+                }
+            }
+            EXPECT_EQ(whole.size(), text.size());
+        }
+    }
     for (const auto& [bytesBefore, whole] : {std::pair{0, 450}, {1, 449}, {2, 449}}) {
         std::string shown(static_cast<std::size_t>(bytesBefore), 'x');
         for (int i = 0; i < whole; ++i) {
@@ -241,7 +264,7 @@ TEST(Warnings, AreCutBetweenCharacters) {
         }
         harness.Forget();
         tellWarning(shown + "üü");
-        EXPECT_EQ(harness.Told(), "WARNING: " + shown + " ...\n") << bytesBefore;
+        EXPECT_EQ(harness.Told(), "DEBUG: " + shown + "\nDEBUG: üü\nWARNING: " + shown + " ...\n");
     }
 }
 

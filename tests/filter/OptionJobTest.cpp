@@ -135,7 +135,7 @@ TEST(OptionJob, LeavesOtherJobsAlone) {
     for (const char* options :
          {"", "copies=2 media=A3 sides=one-sided number-up=2 job-uuid=urn:uuid:1 print-quality=5",
           "PageSize=A3 collate=true", "sides=one-sided", "nonsense=1 =x %n%s=%s ''=''",
-          "torka-conflicts=stop", "*=1"}) {
+          "torka-conflicts=Print", "*=1"}) {
         EXPECT_FALSE(read(options)) << options;
     }
     const TemporaryFolder folder;
@@ -169,6 +169,17 @@ TEST(OptionJob, StopsForSecretsAndWhenItIsToldTo) {
                 HasSubstr("*QVFoldStyle=Half"));
     EXPECT_THAT(made("QVScale=x torka-conflicts=stop").refusal, HasSubstr("QVScale takes a number"));
     EXPECT_EQ(made("QVScale=50 torka-conflicts=stop").refusal, "");
+    EXPECT_THAT(made("QVNegative torka-conflicts=stop", sample, SecretNotes::leftOut).refusal,
+                HasSubstr("its print settings belong to another job"));
+    // The queue's default is in conflict with what the server takes.
+    const TemporaryFolder folder;
+    std::string text = readFile(sample);
+    const std::string usual = "*DefaultQVStaple: None";
+    ASSERT_NE(text.find(usual), std::string::npos);
+    const std::string ppd =
+        folder.Write("q.ppd", text.replace(text.find(usual), usual.size(), "*DefaultQVStaple: Saddle"));
+    EXPECT_THAT(made("media=Statement torka-conflicts=stop", ppd).refusal, HasSubstr("PageSize=Statement"));
+    EXPECT_THAT(made("media=Statement torka-conflicts=resolve", ppd).told, HasSubstr("QVStaple=Top instead"));
 
     const Made bare =
         made("Resume=" + secret + " QVDSPassword=" + secret + " Notes1=x", sample, SecretNotes::leftOut);
@@ -176,6 +187,24 @@ TEST(OptionJob, StopsForSecretsAndWhenItIsToldTo) {
     EXPECT_THAT(bare.entries, HasSubstr("%%ZANCustom1: x\n"));
     EXPECT_THAT(bare.entries + bare.told, Not(HasSubstr(secret)));
     EXPECT_THAT(bare.told, HasSubstr("QVDSPassword is left out\nResume is left out"));
+}
+
+// The server's filters know no such names.
+TEST(OptionJob, TakesSettingsWithAnAsteriskItselfOrSaysThatTheyAreLost) {
+    const FilterHarness harness;
+    const Made marks = made("*QVMarks=Fold *PageSize=letter");
+    EXPECT_THAT(marks.entries, HasSubstr("%%BeginFeature: *QVMarks Fold\n"));
+    EXPECT_THAT(marks.entries, HasSubstr("[*QVMarks]"));
+    EXPECT_EQ(marks.told, "") << "the default";
+    for (const std::string lost : {"*PageSize=A3", "*collate=False"}) {
+        const Made job = made(lost);
+        EXPECT_THAT(job.told, HasSubstr(lost + " is not followed"));
+        EXPECT_THAT(job.entries, Not(HasSubstr("*Page")));
+        EXPECT_THAT(made(lost + " torka-conflicts=stop").refusal, HasSubstr(lost));
+    }
+    const Made own = made("*PageSize=A3", sample, SecretNotes::refused, "application/vnd.cups-postscript");
+    EXPECT_THAT(own.entries, HasSubstr("%%BeginFeature: *PageSize A3\n"));
+    EXPECT_EQ(own.told, "");
 }
 
 // Nothing of the server's stands in a document that its filters have not seen.

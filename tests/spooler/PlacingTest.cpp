@@ -94,6 +94,8 @@ TEST(Placing, EachKindOfDocument) {
         // Entries stand behind the resources of an undeclared prolog, unless code precedes the resources.
         {"%!PS/%%BeginProcSet: p/d/%%EndProcSet/code/", "%!PS/#%%BeginProcSet: p/d/%%EndProcSet/$^code/",
          afterHeader},
+        {"%!PS/%%EndComments/%%BeginProlog/%%BeginFont: f/d/%%EndFont/show/", // the prolog is declared
+         "%!PS/#%%EndComments/$^%%BeginProlog/%%BeginFont: f/d/%%EndFont/show/", afterHeader},
         {"%!PS/draw/%%BeginFont: f/d/%%EndFont/show/",
          "%!PS/#%%EndComments/$^draw/%%BeginFont: f/d/%%EndFont/show/", afterHeader},
         // Job-language lines before "%!" stay unchanged.

@@ -121,8 +121,9 @@ OSStatus CupsPrinter::PaperList(std::vector<Paper>& papers) const {
 OSStatus CupsPrinter::SendCommand(const CFStringRef& command, const CFStringRef& title,
                                   const CFDictionaryRef& options) {
     // A command prepares later jobs. The priority keeps them from overtaking it, and "no-hold" keeps a queue
-    // that holds its jobs from holding it. The caller's options override these.
-    CupsOptions jobOptions({{"job-priority", "100"}, {"job-hold-until", "no-hold"}});
+    // that holds its jobs from holding it. Without sheets the queue's banner pages do not print. The caller's
+    // options override these.
+    CupsOptions jobOptions({{"job-priority", "100"}, {"job-hold-until", "no-hold"}, {"job-sheets", "none"}});
     if (options) {
         for (const auto& [key, value] : options->Pairs()) {
             if (const auto text = cfCast<CFString>(value)) {
