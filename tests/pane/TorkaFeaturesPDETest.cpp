@@ -374,7 +374,9 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     }
     std::string description = popup("QVLong", {"Off", "On"});
     description.replace(description.find("% On"), 4, code);
-    Bench bench(panelDescription(description + range("QVScale", "-9;400;1;100")));
+    std::string marks = popup("QVMarks", {"None", "Crop", "Fold"});
+    marks.replace(marks.find("PickOne"), 7, "PickMany");
+    Bench bench(panelDescription(description + range("QVScale", "-9;400;1;100") + marks));
     const auto panel = bench.OpenShown();
     EXPECT_TRUE(panel->shouldPrint());
     EXPECT_THAT(bench.alerts->shown, IsEmpty());
@@ -391,6 +393,20 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     set(*panel, "*QVLong", "Off");
     EXPECT_TRUE(panel->shouldPrint());
     EXPECT_THAT(choices(), IsEmpty());
+    set(*panel, "*QVScale", "5");
+    auto& list = *panel->getPPDPtr()->GetControls()->FindPopup("*QVMarks", true);
+    const auto told = [&] {
+        bench.alerts->shown.clear();
+        EXPECT_TRUE(panel->shouldPrint());
+        return bench.alerts->shown.empty() ? std::string() : bench.alerts->shown[0].informative;
+    };
+    list.SetValue(2);
+    EXPECT_EQ(told(), "") << "one choice";
+    list.SetKeywordSelect("Fold", true);
+    EXPECT_EQ(told(), "Of these lists a job takes one choice only, the last one: QVMarks name (Fold)");
+    EXPECT_EQ(list.EmittedKeyword(), "Fold");
+    list.SetKeywordSelect("Fold", false);
+    EXPECT_EQ(told(), "Of these lists a job takes one choice only, the last one: QVMarks name (Fold)");
 }
 
 TEST_F(PanelTest, NoJobLosesItsSettingsInSilence) {

@@ -211,6 +211,7 @@ private:
     bool ConfirmBrokenNotes();
     void TellLeftOutNotes();
     std::vector<std::string> LeftOutSettingNames(bool belowZero) const;
+    std::vector<std::string> ReducedLists() const;
     void FetchServerData(ServerExchange::Failures failures);
     ServerExchange::Answer Fetch(ServerExchange::Failures failures);
     void RefreshFromCallback();

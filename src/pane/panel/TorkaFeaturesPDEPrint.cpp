@@ -3,6 +3,7 @@
 
 #include "PPDX/KVEngine/CStringSoup.h"
 #include "PPDX/KVEngine/ConflictPairs.h"
+#include "PPDX/PPDObjects/Controls/PPDXPopupControl.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
 #include "PPDX/Utilities/MemoryShortage.h"
 #include "bidi/commands/TicketCommands.h"
@@ -201,7 +202,7 @@ void TorkaFeaturesPDE::WritePopupPreferences() {
 }
 
 // Tells the person which notes stay out of the job because they could not be protected, and which settings
-// because their code is too long or their value is below 0.
+// because their code is too long, their value is below 0 or a job has one choice of their list.
 void TorkaFeaturesPDE::TellLeftOutNotes() {
     // One line; "" without names.
     const auto line = [](const std::string& why, const std::vector<std::string>& names) {
@@ -239,8 +240,33 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
              LeftOutSettingNames(false));
     const std::string belowZero = line(
         LocalizedString("SETTINGS_BELOW_ZERO", "A job takes no value below 0:"), LeftOutSettingNames(true));
-    tell(LocalizedString("SETTINGS_LEFT_OUT", "Some settings are not sent with this job"),
-         tooLong + (tooLong.empty() || belowZero.empty() ? "" : "\n") + belowZero);
+    const std::string reduced = line(
+        LocalizedString("SETTINGS_ONE_CHOICE", "Of these lists a job takes one choice only, the last one:"),
+        ReducedLists());
+    std::string all;
+    for (const std::string& each : {tooLong, belowZero, reduced}) {
+        all += (all.empty() || each.empty() ? "" : "\n") + each;
+    }
+    tell(LocalizedString("SETTINGS_LEFT_OUT", "Some settings are not sent with this job"), all);
+}
+
+// "NAME (CHOICE)" of each list whose selection is not the one choice that leaves.
+std::vector<std::string> TorkaFeaturesPDE::ReducedLists() const {
+    std::vector<std::string> lists;
+    self.myppd->GetControls()->ForEach([&lists](PPDXControl* control) {
+        const auto* popup = dynamic_cast<const PPDXPopupControl*>(control);
+        if (popup == nullptr || !popup->CanSelectMultipleItems() || popup->IsInstallableOption()) {
+            return;
+        }
+        int selected = 0;
+        popup->ForEachItem([&selected](const _PopupItem& item) { selected += item.selected != 0 ? 1 : 0; });
+        const std::string sent(popup->EmittedKeyword());
+        if (selected != 1 || !popup->IsKeywordSelected(sent.c_str())) {
+            const CFStringRef choice = popup->GetKeywordCFLocalName(sent.c_str());
+            lists.push_back(utf8Text(popup->CFStringUserName()) + " (" + utf8Text(choice) + ")");
+        }
+    });
+    return lists;
 }
 
 std::vector<std::string> TorkaFeaturesPDE::LeftOutSettingNames(bool belowZero) const {

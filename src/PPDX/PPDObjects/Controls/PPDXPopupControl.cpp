@@ -143,6 +143,10 @@ long PPDXPopupControl::PostScript(unsigned char* out) const {
     return ItemPostScript(&items[emitted], out);
 }
 
+std::string_view PPDXPopupControl::EmittedKeyword() const {
+    return current == none ? std::string_view() : items[current].keyword.View();
+}
+
 CFStringRef PPDXPopupControl::CopyCurrentControlValueString() const {
     return CopyCurrentControlValueStringUTF8();
 }

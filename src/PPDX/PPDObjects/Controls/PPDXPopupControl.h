@@ -48,6 +48,9 @@ public:
     void AppendPopupItem(_PopupItem item);
     bool IsKeywordSelected(const char* keyword) const;
     bool CanSelectMultipleItems() const { return multiSelect != 0; }
+    // The keyword of the one choice whose code PostScript returns; "" for none. Of several selected choices
+    // it is the one selected or deselected last.
+    std::string_view EmittedKeyword() const;
     // Returns whether an item has the keyword.
     bool SetKeywordSelect(const char* keyword, bool select);
     // Writes the feature block of the first item with that keyword; 0 bytes when there is none.
