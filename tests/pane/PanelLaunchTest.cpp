@@ -109,6 +109,18 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
     ASSERT_EQ(pane.data->Watermarks().Count(), 1u);
     EXPECT_EQ(watermarkDefinitions(panel->Record()).size(), 1u);
 
+    // An answer without a change of them leaves the list of the queue to other persons.
+    system->homeFolder = "/home/bert";
+    const auto other = pane.DataOf("Press");
+    other->Watermarks().Append(std::make_unique<ZANWatermark>(",,,,,,,,,,,,,,OF BERT"));
+    other->SaveWatermarksToPreferences();
+    system->homeFolder = "/home/user";
+    const std::string ofBert = *pane.addressList;
+    module.edit = [&] { module.Set(L"QVDuplex", L"None"); };
+    panel->LaunchJobProperties(0);
+    EXPECT_EQ(*pane.addressList, ofBert);
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+
     // The last one, deleted in the module, stays deleted. The keys of the lists take their settled form.
     module.edit = [&] {
         module.watermarks.clear();

@@ -275,9 +275,10 @@ void UI_Panel::TakeAnswer() {
     Create_SDMList_From_SharedMemoryList(list, *mSharedList);
     UpdateWatermarks(*mSharedList);
     SetUpdatedSettings(list.List());
-    if (mPDEData->Watermarks().Count() == 0) {
+    const bool isKept = mPDEData->AreWatermarksKept();
+    if (!isKept && mPDEData->Watermarks().Count() == 0) {
         mPDEData->ForgetWatermarkPreferences(); // the module deleted the last one
-    } else {
+    } else if (!isKept) {
         mPDEData->SaveWatermarksToPreferences();
     }
     FreeSDMList(list);
