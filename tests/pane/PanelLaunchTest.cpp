@@ -103,23 +103,23 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
     EXPECT_EQ(valueOf(pane, "*PresetName"), "");
     EXPECT_TRUE(panel->compareJPServerPresets());
 
-    // The printer has stored the watermarks.
-    pane.Open();
-    panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
-    ASSERT_EQ(pane.data->Watermarks().Count(), 1u);
-    EXPECT_EQ(watermarkDefinitions(panel->Record()).size(), 1u);
-
-    // An answer without a change of them leaves the list of the queue to other persons.
+    // They are stored for this person. Another person has changed the queue's list since.
     system->homeFolder = "/home/bert";
     const auto other = pane.DataOf("Press");
     other->Watermarks().Append(std::make_unique<ZANWatermark>(",,,,,,,,,,,,,,OF BERT"));
     other->SaveWatermarksToPreferences();
     system->homeFolder = "/home/user";
     const std::string ofBert = *pane.addressList;
+    pane.Open();
+    panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
+    ASSERT_EQ(pane.data->Watermarks().Count(), 1u);
+    EXPECT_EQ(watermarkDefinitions(panel->Record()).size(), 1u);
+
+    // An answer that does not change them leaves the queue's list as it is.
     module.edit = [&] { module.Set(L"QVDuplex", L"None"); };
     panel->LaunchJobProperties(0);
-    EXPECT_EQ(*pane.addressList, ofBert);
     EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+    EXPECT_EQ(*pane.addressList, ofBert);
 
     // The last one, deleted in the module, stays deleted. The keys of the lists take their settled form.
     module.edit = [&] {
