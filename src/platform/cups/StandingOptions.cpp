@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cups/StandingOptions.h"
 
-#include "platform/Log.h"
 #include "platform/OpenFile.h"
 #include "platform/cups/CupsHandles.h"
 
@@ -185,11 +184,10 @@ std::filesystem::path standingOptionsFile() {
     return std::filesystem::path(found == nullptr ? "/" : found->pw_dir) / ".cups/lpoptions";
 }
 
-JobOptions standingOptions(const std::filesystem::path& file, const std::string& queue) {
+Result<JobOptions> standingOptions(const std::filesystem::path& file, const std::string& queue) {
     const Result<std::string> kept = readWhole(file);
     if (!kept) {
-        myNSLogC("The standing options cannot be read: %s", kept.Why().Line().c_str());
-        return {};
+        return kept.Why();
     }
     std::istringstream lines(*kept);
     JobOptions options;

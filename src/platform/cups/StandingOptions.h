@@ -20,9 +20,9 @@ namespace torka::platform {
 
 std::filesystem::path standingOptionsFile();
 
-// Returns the options of the queue's line, without those of its instances. Empty without a file or a line, and
-// for a file that cannot be read, which the log tells.
-JobOptions standingOptions(const std::filesystem::path& file, const std::string& queue);
+// Returns the options of the queue's line, without those of its instances. Empty without a file or a line.
+// Fails for a file that cannot be read.
+Result<JobOptions> standingOptions(const std::filesystem::path& file, const std::string& queue);
 
 // Removes the named options from the queue's line and sets the others. Names compare without regard to the
 // case of ASCII letters. Every other line stays byte for byte. Two callers take turns, and a reader finds the
