@@ -227,10 +227,15 @@ TEST_F(AddressListTest, SavingKeepsWhatAnotherHasSavedSince) {
     const auto block = [](int id, const char* row) { return [=](List& list) { Put(list, id, row); }; };
     const Change remove = [&](List& list) { list.RemoveEntry(name); };
     const Change turn = [&](List& list) { list.setIPEnabled(name, !list.getIPEnabled(name)); };
+    const Change saveBoth = [&](List& list) {
+        Put(list, 0, "q"); // no change
+        Put(list, 1, "w");
+    };
     const std::string both = "P|a|-|2|0:1|q|END|Q|b|-|2|END";
     const std::tuple<std::string, Change, Change, std::string> cases[] = {
         {both, block(1, "w"), address("new"), "P|new|-|2|1:1|w|0:1|q|END|Q|b|-|2|END"},
         {both, block(0, "x"), block(1, "w"), "P|a|-|2|0:1|x|1:1|w|END|Q|b|-|2|END"},
+        {both, saveBoth, block(0, "x"), "P|a|-|2|1:1|w|0:1|x|END|Q|b|-|2|END"},
         {both, Switch, address("new"), "P|new|+|2|0:1|q|END|Q|b|-|2|END"},
         {both, turn, address("new"), "P|new|+|2|0:1|q|END|Q|b|-|2|END"},
         {both, address("new"), Switch, "P|new|+|2|0:1|q|END|Q|b|-|2|END"},
@@ -264,7 +269,12 @@ TEST_F(AddressListTest, SavingKeepsWhatAnotherHasSavedSince) {
         EXPECT_TRUE(list.Save());
         EXPECT_EQ(utf8Text(list.Find(name)), "a");
     }
-    EXPECT_EQ(*kept, xmlOf(listOf("P|new|-|2|2:1|row|1:1|row|0:1|q|END|Q|b|-|2|END")));
+    List third(std::make_unique<tests::StringStore>(kept));
+    Put(third, 1, "replaced");
+    EXPECT_TRUE(third.Save());
+    Put(list, 3, "row");
+    EXPECT_TRUE(list.Save());
+    EXPECT_EQ(*kept, xmlOf(listOf("P|new|-|2|3:1|row|1:1|replaced|2:1|row|0:1|q|END|Q|b|-|2|END")));
     *kept = "damaged"; // takes the place of no other list
     Put(list, 0, "last");
     EXPECT_TRUE(list.Save());

@@ -81,6 +81,12 @@ TEST_F(ListStoreTest, IsReadFromTheQueuesRecordAndSentAsACommand) {
     ASSERT_EQ(printer->sent.size(), 2U);
     EXPECT_THAT(utf8Text(printer->sent[1].command),
                 testing::AllOf(testing::HasSubstr("10.0.0.3"), testing::HasSubstr("<false/>")));
+
+    // What another person has stored already is not sent again.
+    tests::writeRecordPPD(folder, "QVDriverPreference", listXml("10.0.0.4"), true);
+    second->Add(cfString("Caf\xC3\xA9"), cfString("10.0.0.4"), true);
+    EXPECT_TRUE(second->Save());
+    EXPECT_EQ(printer->sent.size(), 2U);
 }
 
 TEST_F(ListStoreTest, WithoutARecordThereIsNoList) {
