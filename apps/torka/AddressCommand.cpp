@@ -100,10 +100,11 @@ Result<OpenList> openList(const AddressOptions& options, bool mayBeAbsent) {
     return OpenList{nullptr, std::move(list)};
 }
 
-ExitStatus saveList(const OpenList& list, const std::string& path) {
+ExitStatus saveList(const OpenList& list, const std::string& path, const AddressChange& change) {
     if (list.queue) {
-        return list.queue->Save();
+        return list.queue->Save(change);
     }
+    change(*list);
     if (list->Save()) {
         return ExitStatus::good;
     }
@@ -153,8 +154,9 @@ ExitStatus setAddress(const AddressOptions& options) {
     if (!problem.english.empty()) {
         return unusable("'" + options.address + "': " + std::string(problem.english));
     }
-    list->Add(name, cfString(options.address), twoWay);
-    return saveList(list, options.file);
+    return saveList(list, options.file, [&](ZANCorvianPrinterPList& changed) {
+        changed.Add(name, cfString(options.address), twoWay);
+    });
 }
 
 ExitStatus removeAddress(const AddressOptions& options) {
@@ -163,11 +165,14 @@ ExitStatus removeAddress(const AddressOptions& options) {
         return unusable(opened.Why());
     }
     const OpenList& list = *opened;
-    if (!list->RemoveEntry(cfString(options.name))) {
+    const CFStringRef name = cfString(options.name);
+    bool isThere = false;
+    list->Exists(name, isThere);
+    if (!isThere) {
         warn(options.file + options.queue + ": no entry of \"" + options.name + "\"");
         return ExitStatus::findings;
     }
-    return saveList(list, options.file);
+    return saveList(list, options.file, [&](ZANCorvianPrinterPList& changed) { changed.RemoveEntry(name); });
 }
 
 void addTarget(CLI::App& command, AddressOptions& options, const char* fileText) {

@@ -41,8 +41,10 @@ QueueAddresses::~QueueAddresses() {
     platform::setSpooler(nullptr);
 }
 
-ExitStatus QueueAddresses::Save() {
+ExitStatus QueueAddresses::Save(const AddressChange& change) {
     const Interruptible interruptible;
+    const CFArrayRef former = list->List();
+    change(*list);
     if (!list->Save()) {
         return unusable(name + ": " +
                         (list->Error() == PropertyListFile::memFullErr
@@ -52,12 +54,16 @@ ExitStatus QueueAddresses::Save() {
     if (!list->Reason().empty()) {
         return unusable(name + ": the queue does not keep the list: " + printable(list->Reason()));
     }
-    const ZANCorvianPrinterPList kept(access);
-    if (!CFEqual(CFArrayCreate(kept.Elements()), CFArrayCreate(list->Elements()))) {
-        return unusable(name +
-                        ": the list was sent, and the queue does not keep it; does it use torkafilter?");
+    ZANCorvianPrinterPList kept(access);
+    const CFArrayRef stored = CFArrayCreate(kept.Elements());
+    change(kept);
+    if (CFEqual(stored, CFArrayCreate(kept.Elements()))) {
+        return ExitStatus::good;
     }
-    return ExitStatus::good;
+    const bool isFormer = former ? CFEqual(stored, former) : CFArrayGetCount(stored) == 0;
+    return unusable(
+        name + (isFormer ? ": the list was sent, and the queue does not keep it; does it use torkafilter?"
+                         : ": another change of the list came in between; try again"));
 }
 
 } // namespace torka::tool

@@ -4,10 +4,14 @@
 #include "apps/torka/Command.h"
 #include "connection/ZANCorvianPrinterPList.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
 namespace torka::tool {
+
+// A change of a list; it may be made in several lists.
+using AddressChange = std::function<void(ZANCorvianPrinterPList&)>;
 
 // The address list that a queue of the print server keeps. The list is empty for a queue that keeps none.
 //
@@ -22,9 +26,9 @@ public:
     ~QueueAddresses();
 
     ZANCorvianPrinterPList& List() { return *list; }
-    // Sends the list and reads it back. `unusable`, with the reason on standard error, when the queue does
-    // not keep it.
-    ExitStatus Save();
+    // Makes the change, sends the list and reads it back. `unusable`, with the reason on standard error, when
+    // the queue does not keep the change.
+    ExitStatus Save(const AddressChange& change);
 
 private:
     QueueAddresses(std::string queueName, QueueAccess queueAccess);

@@ -90,6 +90,15 @@ std::vector<PrinterAddressEntry> ZANCorvianPrinterPList::Entries() const {
 }
 
 bool ZANCorvianPrinterPList::RemoveEntry(const CFStringRef& name) {
+    if (!TakeEntry(name)) {
+        return false;
+    }
+    changed = true;
+    changes.emplace_back([this, name] { TakeEntry(name); });
+    return true;
+}
+
+bool ZANCorvianPrinterPList::TakeEntry(const CFStringRef& name) {
     const auto entry = FindEntry(name);
     if (!entry) {
         return false;
@@ -98,7 +107,6 @@ bool ZANCorvianPrinterPList::RemoveEntry(const CFStringRef& name) {
     const std::size_t next = NextEntry(*entry + 1);
     const std::size_t mark = NextEndMark(*entry, next);
     Remove(*entry, mark - *entry + (mark < next ? 1 : 0));
-    changed = true;
     return true;
 }
 

@@ -25,26 +25,47 @@ PropertyListFile::~PropertyListFile() = default;
 
 void PropertyListFile::Load() {
     cacheFileExists = fileExists(system().Resolve(cacheFile));
-    const std::string xml = store->Load();
-    if (!xml.empty()) {
-        root = CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size()));
-        list = cfCast<CFArray>(root);
-    }
+    root = ReadStore();
+    list = cfCast<CFArray>(root);
+    loadError = store->LoadError();
     loaded = list != nullptr;
 }
 
-bool PropertyListFile::Save(const CFArrayRef& newList) {
+CFPropertyListRef PropertyListFile::ReadStore() {
+    const std::string xml = store->Load();
+    return xml.empty() ? nullptr : CFPropertyListCreateFromXMLData(CFDataCreate(xml.data(), xml.size()));
+}
+
+bool PropertyListFile::IsSaved(const CFArrayRef& newList) const {
+    return newList && (list ? CFEqual(list, newList) : CFArrayGetCount(newList) == 0);
+}
+
+bool PropertyListFile::Save(const CFArrayRef& newList, const Merge& merge) {
     error = noErr;
     reason.clear();
-    const bool nothingToSay = newList && (list ? CFEqual(list, newList) : CFArrayGetCount(newList) == 0);
-    if (nothingToSay) {
+    if (IsSaved(newList)) {
         return true;
     }
-    error = LoadError();
+    error = loadError;
     if (error != noErr) { // the new list lacks what is stored
         return false;
     }
-    const CFDataRef data = CFPropertyListCreateXMLData(newList);
+    const auto stored = cfCast<CFArray>(ReadStore());
+    error = store->LoadError();
+    if (error != noErr) { // the new list may lack what others have stored
+        return false;
+    }
+    // Without a stored list, the new one takes nothing of others away.
+    const bool isOfOthers = stored && !(list && CFEqual(stored, list));
+    return Send(newList, isOfOthers && merge ? merge(stored) : newList, stored);
+}
+
+bool PropertyListFile::Send(const CFArrayRef& newList, const CFArrayRef& merged, const CFArrayRef& stored) {
+    if (merged && stored && CFEqual(merged, stored)) {
+        list = newList;
+        return true;
+    }
+    const CFDataRef data = CFPropertyListCreateXMLData(merged);
     if (!data) {
         error = memFullErr;
         return false;

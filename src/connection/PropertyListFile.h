@@ -3,6 +3,7 @@
 
 #include "connection/PropertyListStore.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,14 +22,21 @@ public:
     PropertyListFile& operator=(const PropertyListFile&) = delete;
     virtual ~PropertyListFile();
 
+    // Makes the changes of this object's list in the list that another writer has stored.
+    using Merge = std::function<CFArrayRef(const CFArrayRef& stored)>;
+
     // False, with Error() set, when the list could not be written or sent. A list equal to the stored one is
     // not written or sent again; an empty list equals a missing one. Nothing replaces a list that could not
     // be read.
-    bool Save(const CFArrayRef& newList);
+    //
+    // Reads the store again first. When another writer has stored a list since, `merge` makes the list that
+    // is saved; without it the new list replaces the other one.
+    bool Save(const CFArrayRef& newList, const Merge& merge = nullptr);
 
-    const CFArrayRef& List() const { return list; }           // the stored list; null for none
-    bool Loaded() const { return loaded; }                    // the store held a list
-    OSStatus LoadError() const { return store->LoadError(); } // PropertyListStore
+    // The list that was loaded, or given to the last Save that succeeded; null for none.
+    const CFArrayRef& List() const { return list; }
+    bool Loaded() const { return loaded; }           // the store held a list
+    OSStatus LoadError() const { return loadError; } // of the constructor, see PropertyListStore
     // The property list of any kind that was loaded; null for none.
     const CFPropertyListRef& Root() const { return root; }
     OSStatus Error() const { return error; } // of the last Save
@@ -44,12 +52,19 @@ public:
     // Whether "/Library/Caches/ZAN/ZAN.CorvianPrinterV2.plist" existed when the list was loaded.
     bool CacheFileExists() const { return cacheFileExists; }
 
+protected:
+    // Whether Save has nothing to do for the list.
+    bool IsSaved(const CFArrayRef& newList) const;
+
 private:
     void Load();
+    CFPropertyListRef ReadStore();
+    bool Send(const CFArrayRef& newList, const CFArrayRef& merged, const CFArrayRef& stored);
 
     CFPropertyListRef root;
     CFArrayRef list;
     bool loaded = false;
+    OSStatus loadError = noErr;
     OSStatus error = noErr;
     std::string reason;
     bool cacheFileExists = false;

@@ -23,18 +23,24 @@ std::string readRecord(const std::string& ppdPath) {
     return utf8FromWide(CPPDMsgHdlr(ppdPath, recordMessage).GetStringData());
 }
 
-// Loads from one store and saves to another.
+// Loads from one store and saves to another. The source never gets what was saved, so that Load returns it
+// from then on.
 class SplitPropertyListStore final : public PropertyListStore {
 public:
     SplitPropertyListStore(std::unique_ptr<PropertyListStore> loadFrom,
                            std::unique_ptr<PropertyListStore> saveTo)
         : source(std::move(loadFrom))
         , target(std::move(saveTo)) {}
-    std::string Load() override { return source->Load(); }
+    std::string Load() override { return saved.empty() ? source->Load() : saved; }
     OSStatus LoadError() const override { return source->LoadError(); }
-    SaveResult Save(std::string_view xml) override { return target->Save(xml); }
+    SaveResult Save(std::string_view xml) override {
+        const SaveResult result = target->Save(xml);
+        saved = result.confirmed ? xml : saved;
+        return result;
+    }
 
 private:
+    std::string saved;
     std::unique_ptr<PropertyListStore> source;
     std::unique_ptr<PropertyListStore> target;
 };

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 namespace torka {
 
@@ -131,8 +132,10 @@ bool ZANCorvianPrinterPList::setIPEnabled(const CFStringRef& name, bool on) {
     if (!entry || *entry + enabledPlace >= elements.size()) {
         return false;
     }
+    const CFArrayRef before = CFArrayCreate(elements);
     elements[*entry + enabledPlace] = CFBooleanCreate(on);
     changed = true;
+    Record(before, [this, name, on] { PutEntry(name, Find(name), on); });
     return true;
 }
 
@@ -140,7 +143,22 @@ int ZANCorvianPrinterPList::Add(const CFStringRef& name, const CFStringRef& addr
     if (!name || !address) {
         return 0;
     }
+    const bool isNew = !FindEntry(name);
+    const bool keepsAddress = isNew || CFEqual(Find(name), address);
+    const bool keepsSwitch = isNew || getIPEnabled(name) == ipEnabled;
+    const CFArrayRef before = CFArrayCreate(elements);
+    PutEntry(name, address, ipEnabled);
     changed = true;
+    // The first address of a printer is that of its queue, and does not replace what another has chosen.
+    Record(before, [=, this] {
+        const bool isStored = FindEntry(name).has_value();
+        PutEntry(name, isStored && keepsAddress ? Find(name) : address,
+                 isStored && keepsSwitch ? getIPEnabled(name) : ipEnabled);
+    });
+    return 1;
+}
+
+void ZANCorvianPrinterPList::PutEntry(const CFStringRef& name, const CFStringRef& address, bool ipEnabled) {
     if (const auto entry = FindEntry(name)) {
         SetAt(*entry + addressPlace, address);
         SetAt(*entry + enabledPlace, CFBooleanCreate(ipEnabled));
@@ -149,7 +167,6 @@ int ZANCorvianPrinterPList::Add(const CFStringRef& name, const CFStringRef& addr
         elements.insert(elements.end(),
                         {name, address, CFBooleanCreate(ipEnabled), cfString("2"), endMarkString()});
     }
-    return 1;
 }
 
 void ZANCorvianPrinterPList::BringToFormat2(std::size_t entry) {
@@ -170,14 +187,6 @@ void ZANCorvianPrinterPList::BringToFormat2(std::size_t entry) {
 
 int ZANCorvianPrinterPList::AddDataBlob(const CFStringRef& name, int rowCount, int blockId,
                                         std::span<const DataRow> rows) {
-    const auto entry = FindEntry(name);
-    if (!entry || *entry + formatPlace >= elements.size()) {
-        return 1;
-    }
-    if (const auto header = FindBlock(*entry + formatPlace, blockId)) {
-        Remove(*header + 1, RowCount(*header, blockId));
-        Remove(*header, 1);
-    }
     std::vector<CFTypeRef> block{cfString(std::to_string(blockId) + ":" + std::to_string(rowCount))};
     for (const DataRow& row :
          rows.first(std::min(rows.size(), static_cast<std::size_t>(std::max(rowCount, 0))))) {
@@ -185,11 +194,33 @@ int ZANCorvianPrinterPList::AddDataBlob(const CFStringRef& name, int rowCount, i
             block.push_back(std::move(text));
         }
     }
+    const CFArrayRef before = CFArrayCreate(elements);
+    if (PutBlock(name, blockId, block)) {
+        changed = true;
+        Record(before, [this, name, blockId, block] {
+            if (!FindEntry(name)) {
+                PutEntry(name, cfString(""), false); // its printer has the address of its queue
+            }
+            PutBlock(name, blockId, block);
+        });
+    }
+    return 1;
+}
+
+bool ZANCorvianPrinterPList::PutBlock(const CFStringRef& name, int blockId,
+                                      const std::vector<CFTypeRef>& block) {
+    const auto entry = FindEntry(name);
+    if (!entry || *entry + formatPlace >= elements.size()) {
+        return false;
+    }
+    if (const auto header = FindBlock(*entry + formatPlace, blockId)) {
+        Remove(*header + 1, RowCount(*header, blockId));
+        Remove(*header, 1);
+    }
     const std::size_t place = std::min(*entry + blocksPlace, elements.size());
     elements.insert(std::next(elements.begin(), static_cast<std::ptrdiff_t>(place)), block.begin(),
                     block.end());
-    changed = true;
-    return 1;
+    return true;
 }
 
 bool ZANCorvianPrinterPList::GetDataBlob(const CFStringRef& name, int blockId,
@@ -216,8 +247,27 @@ bool ZANCorvianPrinterPList::GetDataBlob(const CFStringRef& name, int blockId,
     return true;
 }
 
+void ZANCorvianPrinterPList::Record(const CFArrayRef& before, std::function<void()> change) {
+    if (!CFEqual(before, CFArrayCreate(elements))) {
+        changes.push_back(std::move(change));
+    }
+}
+
+CFArrayRef ZANCorvianPrinterPList::WithOwnChanges(const CFArrayRef& stored) {
+    std::vector<CFTypeRef> own = std::exchange(elements, stored->values);
+    for (const auto& change : changes) {
+        change();
+    }
+    return CFArrayCreate(std::exchange(elements, std::move(own)));
+}
+
 bool ZANCorvianPrinterPList::Save() {
-    const bool saved = PropertyListFile::Save(CFArrayCreate(elements));
+    const CFArrayRef own = CFArrayCreate(elements);
+    const bool saved =
+        PropertyListFile::Save(own, [this](const CFArrayRef& stored) { return WithOwnChanges(stored); });
+    if (IsSaved(own)) {
+        changes.clear();
+    }
     changed = changed && !saved;
     if (!saved) {
         myNSLogC("The printer's addresses could not be stored (error %d).", static_cast<int>(Error()));

@@ -4,6 +4,7 @@
 #include "connection/PropertyListFile.h"
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -59,6 +60,9 @@ public:
     int AddDataBlob(const CFStringRef& name, int rowCount, int blockId, std::span<const DataRow> rows);
     // Appends the block's rows to `out`. False when there is no such block.
     bool GetDataBlob(const CFStringRef& name, int blockId, std::vector<CFStringRef>& out) const;
+    // Stores the changes since the last Save. When another writer has stored a list since this one was
+    // loaded, only the changed addresses, switches and blocks are put into that list: all else stays as the
+    // other writer has left it, and this object goes on with its own values.
     bool Save();
 
     // Every sequence of text, text and boolean begins an entry.
@@ -86,8 +90,15 @@ private:
     void SetAt(std::size_t position, CFTypeRef value);
     void Remove(std::size_t position, std::size_t count);
     void BringToFormat2(std::size_t entry);
+    void PutEntry(const CFStringRef& name, const CFStringRef& address, bool ipEnabled);
+    bool PutBlock(const CFStringRef& name, int blockId, const std::vector<CFTypeRef>& block);
+    bool TakeEntry(const CFStringRef& name);
+    // Keeps the change for Save when the elements differ from `before`.
+    void Record(const CFArrayRef& before, std::function<void()> change);
+    CFArrayRef WithOwnChanges(const CFArrayRef& stored);
 
     std::vector<CFTypeRef> elements;
+    std::vector<std::function<void()>> changes; // each makes one change of `elements`; not yet saved
     bool changed = false;
 };
 

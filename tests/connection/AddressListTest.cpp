@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <functional>
 #include <initializer_list>
 #include <sstream>
 
@@ -46,6 +47,15 @@ protected:
     }
     std::unique_ptr<ZANCorvianPrinterPList> Make(const std::string& values) {
         return std::make_unique<ZANCorvianPrinterPList>(StoreOf(xmlOf(listOf(values))));
+    }
+    static void Put(ZANCorvianPrinterPList& list, int block, const char* row) {
+        list.AddDataBlob(cfString("P"), 1, block, Rows({row}));
+    }
+    static void SetAddress(ZANCorvianPrinterPList& list, const char* address) {
+        list.Add(cfString("P"), cfString(address), list.getIPEnabled(cfString("P")));
+    }
+    static void Switch(ZANCorvianPrinterPList& list) { // as the pane does
+        list.Add(cfString("P"), list.Find(cfString("P")), !list.getIPEnabled(cfString("P")));
     }
     static void ExpectElements(const ZANCorvianPrinterPList& list, const std::string& values) {
         EXPECT_EQ(xmlOf(CFArrayCreate(list.Elements())), xmlOf(listOf(values)));
@@ -205,6 +215,70 @@ TEST_F(AddressListTest, EntriesAreListedAndRemoved) {
     ExpectElements(*list, "stray|C|c.example|-|2|11:0");
     EXPECT_TRUE(list->RemoveEntry(cfString("C")));
     ExpectElements(*list, "stray");
+}
+
+// Two open lists of one store. Each row: what is stored, what one changes, what the other changes and saves
+// before it, and what is stored then.
+TEST_F(AddressListTest, SavingKeepsWhatAnotherHasSavedSince) {
+    using List = ZANCorvianPrinterPList;
+    using Change = std::function<void(List&)>;
+    const CFStringRef name = cfString("P");
+    const auto address = [](const char* text) { return [text](List& list) { SetAddress(list, text); }; };
+    const auto block = [](int id, const char* row) { return [=](List& list) { Put(list, id, row); }; };
+    const Change remove = [&](List& list) { list.RemoveEntry(name); };
+    const Change turn = [&](List& list) { list.setIPEnabled(name, !list.getIPEnabled(name)); };
+    const Change saveBoth = [&](List& list) {
+        Put(list, 0, "q"); // no change
+        Put(list, 1, "w");
+    };
+    const std::string both = "P|a|-|2|0:1|q|END|Q|b|-|2|END";
+    const std::tuple<std::string, Change, Change, std::string> cases[] = {
+        {both, block(1, "w"), address("new"), "P|new|-|2|1:1|w|0:1|q|END|Q|b|-|2|END"},
+        {both, block(0, "x"), block(1, "w"), "P|a|-|2|0:1|x|1:1|w|END|Q|b|-|2|END"},
+        {both, saveBoth, block(0, "x"), "P|a|-|2|1:1|w|0:1|x|END|Q|b|-|2|END"},
+        {both, Switch, address("new"), "P|new|+|2|0:1|q|END|Q|b|-|2|END"},
+        {both, turn, address("new"), "P|new|+|2|0:1|q|END|Q|b|-|2|END"},
+        {both, address("new"), Switch, "P|new|+|2|0:1|q|END|Q|b|-|2|END"},
+        {both, address("last"), address("new"), "P|last|-|2|0:1|q|END|Q|b|-|2|END"},
+        {both, address("new"), address("new"), "P|new|-|2|0:1|q|END|Q|b|-|2|END"},
+        {both, block(1, "w"), remove, "Q|b|-|2|END|P||-|2|1:1|w|END"},
+        {both, address("new"), remove, "Q|b|-|2|END|P|new|-|2|END"},
+        {both, remove, address("new"), "Q|b|-|2|END"},
+        {"", address("of the queue"), address("chosen"), "P|chosen|-|2|END"},
+    };
+    for (const auto& [before, change, changeOfOther, after] : cases) {
+        const auto kept = std::make_shared<std::string>(before.empty() ? "" : xmlOf(listOf(before)));
+        List list(std::make_unique<tests::StringStore>(kept));
+        List other(std::make_unique<tests::StringStore>(kept));
+        change(list);
+        changeOfOther(other);
+        EXPECT_TRUE(other.Save());
+        EXPECT_TRUE(list.Save());
+        EXPECT_EQ(*kept, xmlOf(listOf(after)));
+    }
+
+    // An open list goes on with its own values, which replace nothing at later changes.
+    const auto kept = std::make_shared<std::string>(xmlOf(listOf(both)));
+    List list(std::make_unique<tests::StringStore>(kept));
+    List other(std::make_unique<tests::StringStore>(kept));
+    SetAddress(other, "new");
+    other.Save();
+    for (const int id : {1, 2}) {
+        SetAddress(list, "a");
+        Put(list, id, "row");
+        EXPECT_TRUE(list.Save());
+        EXPECT_EQ(utf8Text(list.Find(name)), "a");
+    }
+    List third(std::make_unique<tests::StringStore>(kept));
+    Put(third, 1, "replaced");
+    EXPECT_TRUE(third.Save());
+    Put(list, 3, "row");
+    EXPECT_TRUE(list.Save());
+    EXPECT_EQ(*kept, xmlOf(listOf("P|new|-|2|3:1|row|1:1|replaced|2:1|row|0:1|q|END|Q|b|-|2|END")));
+    *kept = "damaged"; // takes the place of no other list
+    Put(list, 0, "last");
+    EXPECT_TRUE(list.Save());
+    EXPECT_EQ(*kept, xmlOf(CFArrayCreate(list.Elements())));
 }
 
 TEST_F(AddressListTest, AnythingButAnArrayIsNoList) {

@@ -6,7 +6,7 @@
 #include "tests/connection/RecordPPD.h"
 #include "tests/support/ScopedDouble.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace torka {
 namespace {
@@ -66,6 +66,27 @@ TEST_F(ListStoreTest, IsReadFromTheQueuesRecordAndSentAsACommand) {
               "['Caf\\xe9', 'host <&> \\u20ac', False, '2', '----- Data End -----']\n");
     EXPECT_TRUE(list->Save());
     EXPECT_EQ(printer->sent.size(), 1U);
+
+    // Another person changes the address. A list that cannot be read again is not sent.
+    tests::writeRecordPPD(folder, "QVDriverPreference", listXml("10.0.0.2"), true);
+    const auto second = Open();
+    tests::writeRecordPPD(folder, "QVDriverPreference", listXml("10.0.0.3"), true);
+    second->setIPEnabled(cfString("Caf\xC3\xA9"), false);
+    printer->descriptionResult = kPMGeneralError;
+    EXPECT_FALSE(second->Save());
+    EXPECT_EQ(second->Error(), kPMGeneralError);
+    EXPECT_EQ(printer->sent.size(), 1U);
+    printer->descriptionResult = noErr;
+    EXPECT_TRUE(second->Save());
+    ASSERT_EQ(printer->sent.size(), 2U);
+    EXPECT_THAT(utf8Text(printer->sent[1].command),
+                testing::AllOf(testing::HasSubstr("10.0.0.3"), testing::HasSubstr("<false/>")));
+
+    // What another person has stored already is not sent again.
+    tests::writeRecordPPD(folder, "QVDriverPreference", listXml("10.0.0.4"), true);
+    second->Add(cfString("Caf\xC3\xA9"), cfString("10.0.0.4"), true);
+    EXPECT_TRUE(second->Save());
+    EXPECT_EQ(printer->sent.size(), 2U);
 }
 
 TEST_F(ListStoreTest, WithoutARecordThereIsNoList) {
@@ -143,7 +164,10 @@ TEST_F(ListStoreTest, OldSystemsKeepAFile) {
     EXPECT_EQ(utf8Text(older->Find(cfString("Caf\xC3\xA9"))), "10.0.0.2");
     older->setIPEnabled(cfString("Caf\xC3\xA9"), false);
     EXPECT_TRUE(older->Save());
-    EXPECT_EQ(printer->sent.size(), 1U);
+    older->Add(cfString("P"), cfString("a"), true);
+    EXPECT_TRUE(older->Save());
+    ASSERT_EQ(printer->sent.size(), 2U);
+    EXPECT_THAT(utf8Text(printer->sent[1].command), testing::HasSubstr("<false/>")) << "the first change";
     EXPECT_EQ(utf8Text(Open()->Find(cfString("Caf\xC3\xA9"))), "10.0.0.2");
 }
 

@@ -68,6 +68,43 @@ TEST_F(ServerData, AnAddressListIsKeptByItsQueue) {
     ExpectTool({"address", "list", "-d", "NoSuchQueue"}, 2, "NoSuchQueue");
 }
 
+TEST_F(ServerData, AnAddressListTellsOfAChangeInBetween) {
+    // Both send their lists behind a job that waits. The later list lacks the change of the earlier one,
+    // which the earlier one sees unless the second list takes longer than its look: hence the rounds.
+    AddQueue("Busy", "torkasink:/wait");
+    const TemporaryFolder folder;
+    std::string document = "%!PS-Adobe-3.0\n%%EndComments\n";
+    for (int i = 0; i < 9000; ++i) {
+        document += "% a line of filling\n";
+    }
+    const std::string file = folder.Write("long.ps", document + "showpage\n%%EOF\n");
+    bool isTold = false;
+    for (int round = 0; round < 5 && !isTold; ++round) {
+        ASSERT_FALSE(HasFailure());
+        const CommandResult lp = runCommand({"lp", "-d", "Busy", file});
+        WaitForPart(std::stoi(lp.output.substr(lp.output.find("Busy-") + 5)));
+        const auto set = [round](const char* name) {
+            return runTool(
+                {"address", "set", "-d", "Busy", name, "10.0.1." + std::to_string(round), "--force"});
+        };
+        const auto jobs = [] { return runCommand({"lpstat", "-o", "Busy"}).output; };
+        const auto sent = [&](int count) {
+            EXPECT_TRUE(WaitUntil([&] { return std::ranges::count(jobs(), '\n') == count; })) << jobs();
+        };
+        auto earlier = std::async(std::launch::async, set, "Earlier");
+        sent(2);
+        auto later = std::async(std::launch::async, set, "Later");
+        sent(3);
+        Release();
+        const CommandResult told = earlier.get();
+        isTold = told.status == 2;
+        EXPECT_THAT(told.errors, HasSubstr(isTold ? "another change of the list came in between" : ""));
+        EXPECT_EQ(later.get().status, 0);
+        std::filesystem::remove(*sandbox / "printed/release");
+    }
+    EXPECT_TRUE(isTold);
+}
+
 TEST_F(ServerData, EverybodyWhoAsksAtOnceGetsAnAnswerOfTheirOwn) {
     AddQueue("Asked");
     std::map<std::string, std::future<std::string>> asked;

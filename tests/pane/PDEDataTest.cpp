@@ -228,6 +228,56 @@ TEST_F(PDEDataTest, APersonsOwnListsWinOnceThatPersonHasChangedThem) {
     EXPECT_FALSE(choose("*QVDuplex", false)) << "the own list stays in force without the change";
 }
 
+// Two dialogs of one person begin with the same list. Each row: that list, what each dialog makes of it, and
+// what stands after the first and then the second has kept its own. A letter is a watermark.
+TEST_F(BarePane, TwoDialogsKeepTheChangesOfEachOther) {
+    const auto definition = [](char letter) { return std::string(14, ',') + letter; };
+    const auto put = [&](PDEData& data, const std::string& letters) {
+        data.Watermarks().Clear();
+        for (const char letter : letters) {
+            data.Watermarks().Append(std::make_unique<ZANWatermark>(definition(letter).c_str()));
+        }
+        letters.empty() ? data.ForgetWatermarkPreferences() : data.SaveWatermarksToPreferences();
+    };
+    const auto stored = [&] {
+        std::string letters;
+        pane.Open();
+        pane.data->GetWatermarksFromPreferences();
+        for (const std::string& text : textsOf(pane.data->Watermarks())) {
+            letters += text;
+        }
+        return letters;
+    };
+    for (const auto& [before, first, second, after] : {std::tuple{"xyz", "axyz", "xyzb", "axyzb"},
+                                                       {"xyz", "xyz", "xz", "xz"},
+                                                       {"xyz", "xz", "xyz", "xz"},
+                                                       {"xyz", "yz", "xy", "y"},
+                                                       {"xyz", "xyzn", "xyzn", "xyzn"},
+                                                       {"xyz", "xnz", "xyzm", "xnzm"},
+                                                       {"xyz", "xnz", "xmz", "xmnz"},
+                                                       {"xyz", "zyx", "xyzm", "zmyx"},
+                                                       {"xyz", "nxyz", "zyx", "nzyx"},
+                                                       {"xyz", "n", "", "n"},
+                                                       {"xyz", "", "xyzm", "m"},
+                                                       {"xxy", "xxyn", "xy", "xyn"},
+                                                       {"xy", "xyn", "xxy", "xxyn"}}) {
+        SCOPED_TRACE(std::string(before) + ": " + first + ", then " + second);
+        system->files.clear();
+        pane.addressList->clear();
+        pane.Open();
+        put(*pane.data, before);
+        const auto one = pane.DataOf("Press");
+        const auto two = pane.DataOf("Press");
+        one->GetWatermarksFromPreferences();
+        two->GetWatermarksFromPreferences();
+        put(*one, first);
+        put(*two, second);
+        EXPECT_EQ(stored(), after);
+        put(*one, first); // it changes nothing of what it kept
+        EXPECT_EQ(stored(), after);
+    }
+}
+
 TEST_F(BarePane, WatermarksAndTheirChoiceComeBack) {
     const std::string draft = "0,0,0,9,9,9,0,0,0,450,0,0,48,Helvetica,Draft, once";
     pane.data->SaveWatermarksToPreferences();

@@ -109,7 +109,20 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
     ASSERT_EQ(pane.data->Watermarks().Count(), 1u);
     EXPECT_EQ(watermarkDefinitions(panel->Record()).size(), 1u);
 
-    // The last one, deleted in the module, stays deleted. The keys of the lists take their settled form.
+    // An answer that does not change them keeps what another dialog of this person has added since.
+    const auto other = pane.DataOf("Press");
+    other->GetWatermarksFromPreferences();
+    other->Watermarks().Append(std::make_unique<ZANWatermark>(",,,,,,,,,,,,,,OTHER"));
+    other->SaveWatermarksToPreferences();
+    module.edit = [&] { module.Set(L"QVDuplex", L"None"); };
+    panel->LaunchJobProperties(0);
+    EXPECT_EQ(valueOf(pane, "*QVDuplex"), "None");
+    const auto reader = pane.DataOf("Press");
+    reader->GetWatermarksFromPreferences();
+    EXPECT_EQ(reader->Watermarks().Count(), 2U);
+
+    // The last one that this dialog knows, deleted in the module, stays deleted. The keys of the lists take
+    // their settled form.
     module.edit = [&] {
         module.watermarks.clear();
         module.settings.emplace_back(L"MM_A1", L"Card");
@@ -120,7 +133,7 @@ TEST_F(PanelLaunch, AcceptedSettingsAreApplied) {
     EXPECT_THAT(pairsOf(pane.data->SlipSheets()), ElementsAre("SlipSheet_Tray=Upper"));
     pane.Open();
     panel = std::make_unique<UI_Panel>(pane.data.get(), &services);
-    EXPECT_EQ(pane.data->Watermarks().Count(), 0u);
+    EXPECT_THAT(textsOf(pane.data->Watermarks()), ElementsAre("OTHER"));
 }
 
 TEST_F(PanelLaunch, OtherEndsChangeNothing) {

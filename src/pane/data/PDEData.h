@@ -6,6 +6,7 @@
 #include "output/LeftOutSetting.h"
 #include "output/WatermarkList.h"
 #include "output/ZANJobNoteList.h"
+#include "pane/data/MergedRows.h"
 #include "pane/data/PPDTree.h"
 #include "pane/data/SettingList.h"
 #include "platform/Bundle.h"
@@ -16,6 +17,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -107,14 +109,15 @@ public:
     // template's.
     void TakeTemplate();
 
-    // The quick-access entries: the person's own, else the queue's. False when nothing could be kept.
+    // The quick-access entries: the person's own, else the queue's. False when nothing could be kept. Only
+    // the changes since the last reading are kept, so that another dialog's changes stay.
     bool SetPPDShortcuts(const PPDTree& tree);
     bool GetPPDShortcuts(PPDTree& tree);
 
     // The watermark definitions of this printer, kept like quick access.
     // Writes nothing while there is no watermark.
     void SaveWatermarksToPreferences();
-    // Removes all kept definitions, after the last watermark was deleted.
+    // Removes the definitions that this dialog knows, after the last watermark was deleted.
     void ForgetWatermarkPreferences();
     // False without a current printer, else true.
     bool GetWatermarksFromPreferences();
@@ -164,8 +167,11 @@ private:
     void WriteSetting(const std::string& key, const CFTypeRef& value);
     CFTypeRef ReadSetting(const std::string& key) const;
     std::size_t StoredWatermarkCount() const;
-    bool KeepRows(int block, const std::vector<std::string>& texts);
-    std::vector<std::string> KeptRows(int block) const;
+    TextRows WatermarkRows() const;
+    bool KeepRows(std::size_t block, const TextRows& texts);
+    // The same as KeptRows. The changes of this dialog count from these rows.
+    TextRows ReadRows(std::size_t block);
+    TextRows KeptRows(std::size_t block) const;
 
     ZANPPD* mPPDModel;
     bool mPageSizeFromOS = false;
@@ -185,6 +191,8 @@ private:
     platform::BundleRef mBundle;
     std::uint16_t mPageOrientation = kPMPortrait;
     std::unique_ptr<ZANCorvianPrinterPList> mCorvianList;
+    // By block: the rows that this dialog read or saved last. Another dialog may have stored others since.
+    std::array<std::optional<TextRows>, 2> mKnownRows;
     CFStringRef mPrinterName;
     CFStringRef mPrinterAddress;
     bool mAddressFromQueue = false;

@@ -5,11 +5,13 @@
 #include "connection/ZANCorvianPrinterPList.h"
 #include "pane/data/ControlTables.h"
 #include "pane/data/CutText.h"
+#include "pane/data/MergedRows.h"
 #include "pane/data/PersonalFile.h"
 #include "platform/Log.h"
 #include "platform/TextEncoding.h"
 
 #include <algorithm>
+#include <iterator>
 
 // What the pane keeps between dialogs. Settings without a control go into the print settings; quick access
 // and watermarks go into the printer's entry of the address list, and into the person's own lists once that
@@ -20,11 +22,11 @@ namespace torka {
 namespace {
 
 constexpr std::size_t settingTextSize = 256; // bytes with terminator
-constexpr std::size_t definitionSize = 1024; // bytes with terminator, one row of the address list
-constexpr int quickAccessBlock = 0;
-constexpr int watermarkBlock = 1;
+constexpr std::size_t rowSize = 1024;        // bytes with terminator, of the address list
+constexpr std::size_t quickAccessBlock = 0;
+constexpr std::size_t watermarkBlock = 1;
 
-std::u16string_view personalList(int block) {
+std::u16string_view personalList(std::size_t block) {
     return block == quickAccessBlock ? PersonalLists::quickAccess : PersonalLists::watermarks;
 }
 
@@ -151,7 +153,7 @@ bool PDEData::GetPPDShortcuts(PPDTree& tree) {
     if (!mPrinterName || !mCorvianList) {
         return false;
     }
-    const std::vector<std::string> keywords = KeptRows(quickAccessBlock);
+    const TextRows keywords = ReadRows(quickAccessBlock);
     if (keywords.empty()) {
         return true;
     }
@@ -178,11 +180,7 @@ void PDEData::SaveWatermarksToPreferences() {
     if (!mPrinterName || !mCorvianList || mWatermarks.Count() == 0) {
         return;
     }
-    std::vector<std::string> definitions;
-    for (std::size_t i = 0; i < mWatermarks.Count(); ++i) {
-        definitions.push_back(mWatermarks.At(i)->Definition());
-    }
-    KeepRows(watermarkBlock, definitions);
+    KeepRows(watermarkBlock, WatermarkRows());
 }
 
 void PDEData::ForgetWatermarkPreferences() {
@@ -195,50 +193,70 @@ bool PDEData::GetWatermarksFromPreferences() {
     if (!mPrinterName || !mCorvianList) {
         return false;
     }
-    const std::vector<std::string> definitions = KeptRows(watermarkBlock);
+    const TextRows definitions = ReadRows(watermarkBlock);
     if (!definitions.empty()) {
         mWatermarks.Clear();
         for (const std::string& definition : definitions) {
-            mWatermarks.Append(std::make_unique<ZANWatermark>(cutText(definition, definitionSize).c_str()));
+            mWatermarks.Append(std::make_unique<ZANWatermark>(definition.c_str()));
         }
     }
     return true;
+}
+
+TextRows PDEData::WatermarkRows() const {
+    TextRows rows;
+    for (std::size_t i = 0; i < mWatermarks.Count(); ++i) {
+        rows.push_back(cutText(mWatermarks.At(i)->Definition(), rowSize));
+    }
+    return rows;
 }
 
 std::size_t PDEData::StoredWatermarkCount() const {
     return mPrinterName && mCorvianList ? KeptRows(watermarkBlock).size() : 0;
 }
 
-// Writes a block of rows into the printer's entry and saves the list. The person gets an own list with the
-// first change, and keeps it. True when the next dialog of this person begins with these rows.
-bool PDEData::KeepRows(int block, const std::vector<std::string>& texts) {
-    std::vector<DataRow> rows(texts.size());
-    std::vector<std::string> kept;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        kept.push_back(cutText(texts[i], rows[i].size()));
+// Writes this dialog's changes of a block of rows into the printer's entry and saves the list. The person
+// gets an own list with the first change, and keeps it. True when the next dialog of this person begins with
+// these rows.
+bool PDEData::KeepRows(std::size_t block, const TextRows& texts) {
+    TextRows own(texts.size());
+    std::ranges::transform(texts, own.begin(), [](const std::string& row) { return cutText(row, rowSize); });
+    const PersonalLists lists(mPrinterName);
+    const bool hadOwn = lists.Read(personalList(block)).has_value();
+    const TextRows stored = KeptRows(block);
+    const TextRows kept = mergedRows(mKnownRows[block].value_or(stored), own, stored);
+    std::vector<DataRow> rows(kept.size());
+    for (std::size_t i = 0; i < kept.size(); ++i) {
         std::copy_n(kept[i].c_str(), kept[i].size() + 1, rows[i].data());
     }
-    const PersonalLists own(mPrinterName);
-    const bool hadOwn = own.Read(personalList(block)).has_value();
-    const bool isOwn = kept != KeptRows(block) ? own.Write(personalList(block), kept) : hadOwn;
-    const bool isStored =
-        mCorvianList->AddDataBlob(mPrinterName, static_cast<int>(rows.size()), block, rows) != 0 &&
-        mCorvianList->Save();
-    return isOwn || (isStored && !hadOwn);
+    const bool isOwn = kept != stored ? lists.Write(personalList(block), kept) : hadOwn;
+    const bool isStored = mCorvianList->AddDataBlob(mPrinterName, static_cast<int>(rows.size()),
+                                                    static_cast<int>(block), rows) != 0 &&
+                          mCorvianList->Save();
+    const bool isKept = isOwn || (isStored && !hadOwn);
+    if (isKept) {
+        mKnownRows[block] = std::move(own);
+    }
+    return isKept;
+}
+
+TextRows PDEData::ReadRows(std::size_t block) {
+    mKnownRows[block] = KeptRows(block);
+    return *mKnownRows[block];
 }
 
 // The list in force: the person's own, else that of the queue.
-std::vector<std::string> PDEData::KeptRows(int block) const {
+TextRows PDEData::KeptRows(std::size_t block) const {
+    TextRows texts;
     if (auto own = PersonalLists(mPrinterName).Read(personalList(block))) {
-        return *std::move(own);
+        texts = *std::move(own);
+    } else {
+        std::vector<CFStringRef> rows;
+        mCorvianList->GetDataBlob(mPrinterName, static_cast<int>(block), rows);
+        std::ranges::transform(rows, std::back_inserter(texts), utf8Text);
     }
-    std::vector<CFStringRef> rows;
-    mCorvianList->GetDataBlob(mPrinterName, block, rows);
-    std::vector<std::string> texts;
-    texts.reserve(rows.size());
-    for (const CFStringRef& row : rows) {
-        texts.push_back(utf8Text(row));
-    }
+    std::ranges::transform(texts, texts.begin(),
+                           [](const std::string& row) { return cutText(row, rowSize); });
     return texts;
 }
 

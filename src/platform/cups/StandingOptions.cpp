@@ -9,8 +9,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <pwd.h>
 #include <sstream>
@@ -92,9 +90,24 @@ std::string optionText(const std::string& name, const std::string& value) {
     return text + '"';
 }
 
-std::string readWhole(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+// "" for a file that is not there. A part of a file is a fault: whoever writes it back loses the rest.
+Result<std::string> readWhole(const std::filesystem::path& path) {
+    const OpenFile file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file) {
+        return errno == ENOENT ? Result<std::string>(std::string()) : lastFault(path);
+    }
+    std::string text;
+    std::array<char, 16384> piece{};
+    for (ssize_t count = 1; count != 0;) {
+        count = ::read(file.Descriptor(), piece.data(), piece.size());
+        if (count < 0 && errno != EINTR) {
+            return lastFault(path);
+        }
+        text.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        if (text.size() > maximumFile) {
+            return Fault{"is larger than a file of options", path.string()};
+        }
+    }
     return text;
 }
 
@@ -171,8 +184,12 @@ std::filesystem::path standingOptionsFile() {
     return std::filesystem::path(found == nullptr ? "/" : found->pw_dir) / ".cups/lpoptions";
 }
 
-JobOptions standingOptions(const std::filesystem::path& file, const std::string& queue) {
-    std::istringstream lines(readWhole(file));
+Result<JobOptions> standingOptions(const std::filesystem::path& file, const std::string& queue) {
+    const Result<std::string> kept = readWhole(file);
+    if (!kept) {
+        return kept.Why();
+    }
+    std::istringstream lines(*kept);
     JobOptions options;
     for (std::string line; std::getline(lines, line);) {
         if (const auto dest = destLine(line, queue)) {
@@ -192,17 +209,16 @@ Result<void> changeStandingOptions(const std::filesystem::path& file, const std:
     if (!folder || ::flock(folder.Descriptor(), LOCK_EX) != 0) {
         return lastFault(file.parent_path());
     }
-    std::error_code none;
-    if (std::filesystem::file_size(file, none) > maximumFile && !none) {
-        return Fault{"is larger than a file of options", file.string()};
+    const Result<std::string> before = readWhole(file);
+    if (!before) {
+        return before.Why();
     }
-    const std::string before = readWhole(file);
     DestLine own{"Dest " + queue, false, {}};
     JobOptions options;
     std::vector<std::string> lines;
     std::size_t place = 0;
     bool isFound = false;
-    std::istringstream text(before);
+    std::istringstream text(*before);
     for (std::string line; std::getline(text, line);) {
         const auto dest = destLine(line, queue);
         if (!dest) {
@@ -226,7 +242,7 @@ Result<void> changeStandingOptions(const std::filesystem::path& file, const std:
     for (const std::string& each : lines) {
         after += each + "\n";
     }
-    return after == before ? Result<void>() : replaceFile(file, after);
+    return after == *before ? Result<void>() : replaceFile(file, after);
 }
 
 } // namespace torka::platform

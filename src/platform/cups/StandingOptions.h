@@ -21,12 +21,13 @@ namespace torka::platform {
 std::filesystem::path standingOptionsFile();
 
 // Returns the options of the queue's line, without those of its instances. Empty without a file or a line.
-JobOptions standingOptions(const std::filesystem::path& file, const std::string& queue);
+// Fails for a file that cannot be read.
+Result<JobOptions> standingOptions(const std::filesystem::path& file, const std::string& queue);
 
 // Removes the named options from the queue's line and sets the others. Names compare without regard to the
 // case of ASCII letters. Every other line stays byte for byte. Two callers take turns, and a reader finds the
 // old or the new file whole. Fails, with nothing changed, when a value has a control character, the line
-// would be too long, or the file cannot be written.
+// would be too long, or the file cannot be read or written.
 Result<void> changeStandingOptions(const std::filesystem::path& file, const std::string& queue,
                                    const std::vector<std::string>& removed, const JobOptions& added);
 
