@@ -41,6 +41,12 @@ QDialog* propertiesOf(const QPrintDialog& dialog) {
     return nullptr;
 }
 
+std::string queueOf(const std::string& destination) { return destination.substr(0, destination.find('/')); }
+
+bool isSeparator(const QComboBox& list, int at) {
+    return list.itemData(at, Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
+}
+
 } // namespace
 
 PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, const std::string& jobName,
@@ -82,13 +88,20 @@ bool PaneAttachment::Understands(const QPrintDialog& dialog) {
            dialog.findChild<QWidget*>(QStringLiteral("optionsTab")) != nullptr;
 }
 
-std::string PaneAttachment::Queue() const {
+std::string PaneAttachment::Destination() const {
     if (printers == nullptr) {
         return printer.printerName().toStdString();
     }
-    const QString name = printers->currentText();
-    return QPrinterInfo::printerInfo(name).isNull() ? std::string() : name.toStdString();
+    const int last = printers->count() - 1;
+    if (printers->currentIndex() == last &&
+        (last > 0 ? isSeparator(*printers, last - 1)
+                  : QPrinterInfo::printerInfo(printers->currentText()).isNull())) {
+        return {}; // Qt's file destination stands behind the queues and a separator
+    }
+    return printers->currentText().toStdString();
 }
+
+std::string PaneAttachment::Queue() const { return queueOf(Destination()); }
 
 bool PaneAttachment::ChooseQueue(const std::string& name) {
     const int at =
@@ -99,19 +112,40 @@ bool PaneAttachment::ChooseQueue(const std::string& name) {
     return at >= 0;
 }
 
-void PaneAttachment::FollowPrinter() {
-    // Qt's properties begin with the queue's default page size and write it when the person accepts the
-    // dialog, whatever the QPrinter held before.
-    const std::string queue = Queue();
-    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(queue));
+// What Qt's properties of this printer begin with: they write it when the person accepts the dialog, even if
+// nobody has opened them.
+void PaneAttachment::BeginLayout() {
+    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(followed));
+    const QPageLayout::Orientation orientation = dialog.printer()->pageLayout().orientation();
     if (!info.isNull() && printer.printerName() != info.printerName()) {
         printer.setPrinterName(info.printerName()); // the page sizes of this queue
     }
     if (const QPageSize size = info.defaultPageSize(); !info.isNull() && size.isValid()) {
         printer.setPageSize(size);
     }
+    if (wishedSize.isValid()) {
+        printer.setPageSize(wishedSize); // without effect where the queue has no such size
+    }
+    printer.setPageOrientation(orientation);
+    for (const char* name : {"number-up", "number-up-layout", "orientation-requested"}) {
+        setEngineOption(printer, QLatin1String(name), QString());
+    }
     acceptedLayout = printer.pageLayout();
-    paneTab->setQueue(queue);
+}
+
+void PaneAttachment::FollowPrinter() {
+    const std::string destination = Destination();
+    // Another instance of the queue has the same panel.
+    const bool keepsPanel = paneTab->hasPanel() && queueOf(destination) == queueOf(followed);
+    // A dialog that is shown again still has its properties.
+    if (destination != followed || propertiesOf(dialog) == nullptr) {
+        followed = destination;
+        BeginLayout();
+    }
+    paneTab->setQueue(queueOf(destination));
+    if (keepsPanel) {
+        paneTab->dialogSettingsChanged();
+    }
     HideWhatThePaneDecides();
     HideEmptyLocation();
     ShowQueueNotice();
@@ -237,6 +271,12 @@ QString shownPagesPerSheet(const QDialog& properties) {
     return pages > 1 ? QString::number(pages) : QString();
 }
 
+QString shownSheetOrder(const QDialog& properties) {
+    const auto* orders = properties.findChild<QComboBox*>(QStringLiteral("pagesPerSheetLayoutCombo"));
+    const auto at = static_cast<std::size_t>(orders == nullptr ? 0 : orders->currentData().toInt());
+    return QLatin1String(sheetOrders.at(at < sheetOrders.size() ? at : 0));
+}
+
 } // namespace
 
 // Accepted properties count at once; Qt writes them to the QPrinter only when the person accepts the dialog.
@@ -246,6 +286,7 @@ void PaneAttachment::TakeProperties() {
         return;
     }
     if (const QPageSize size = shownPageSize(*properties); size.isValid()) {
+        wishedSize = size.isEquivalentTo(wishedSize) ? wishedSize : QPageSize();
         printer.setPageSize(size);
     }
     printer.setPageOrientation(showsLandscape(*properties) ? QPageLayout::Landscape : QPageLayout::Portrait);
@@ -257,7 +298,10 @@ void PaneAttachment::TakeProperties() {
                     : showsLandscape(*properties) ? QStringLiteral("5")
                                                   : QStringLiteral("6"));
     if (!paneTab->decidedByPane().pagesPerSheet) {
-        setEngineOption(printer, QStringLiteral("number-up"), shownPagesPerSheet(*properties));
+        const QString pages = shownPagesPerSheet(*properties);
+        setEngineOption(printer, QStringLiteral("number-up"), pages);
+        setEngineOption(printer, QStringLiteral("number-up-layout"),
+                        pages.isEmpty() ? QString() : shownSheetOrder(*properties));
     }
     acceptedLayout = printer.pageLayout();
     paneTab->dialogSettingsChanged();
@@ -373,7 +417,10 @@ void PaneAttachment::ShowFieldOfPane() {
 }
 
 void PaneAttachment::SetPage(const QPageSize& size, QPageLayout::Orientation orientation) {
-    printer.setPageSize(size);
+    if (size.isValid()) {
+        wishedSize = size;
+        printer.setPageSize(size);
+    }
     printer.setPageOrientation(orientation);
     acceptedLayout = printer.pageLayout();
     paneTab->dialogSettingsChanged();

@@ -31,9 +31,7 @@ namespace {
 // GTK's name of its file destination. GTK translates it in its own dialog, and keeps ours as it is.
 constexpr QLatin1String printToFile("Print to File");
 
-// "number-up-layout" in the order of the numbers behind Qt's entries. The entries themselves stand in another
-// order.
-constexpr std::array sheetOrders{"lrtb", "lrbt", "rlbt", "rltb", "btlr", "btrl", "tblr", "tbrl"};
+using dialog::sheetOrders;
 
 QComboBox* box(const QWidget& in, const char* name) { return in.findChild<QComboBox*>(QLatin1String(name)); }
 
@@ -195,8 +193,7 @@ void presetDialog(dialog::PrintDialog& dialog, const PrintChoices& choices, bool
     }
     if (choices.paper || choices.turn) {
         const bool isLandscape = choices.turn == Turn::Landscape || choices.turn == Turn::ReverseLandscape;
-        const QPageSize present = dialog.printer()->pageLayout().pageSize();
-        dialog.setPage(choices.paper ? sizeOf(*choices.paper) : present,
+        dialog.setPage(choices.paper ? sizeOf(*choices.paper) : QPageSize(),
                        isLandscape ? QPageLayout::Landscape : QPageLayout::Portrait);
     }
     presetPages(dialog, choices);

@@ -165,18 +165,21 @@ TEST_F(DialogTest, AnotherProgramsOptionsAreItsOwnAndTheLayoutIsThePersons) {
     QPrinter accepted;
     accepted.setPrinterName(productionQueue);
     dialog::setEngineOption(accepted, "number-up", "4");
-    const QStringList program{"job-priority", "70",       "number-up", "2",  "StapleIt",
-                              "True",         "page-set", "even",      "odd"};
-    QStringList expected{"job-priority", "70", "page-set", "even", "number-up", "4"};
+    const QStringList program{"job-priority", "70",   "number-up",   "2",     "StapleIt", "True",
+                              "page-set",     "even", "page-ranges", "2-3,7", "odd"};
+    QStringList expected{"job-priority", "70", "page-set", "even", "page-ranges", "2-3,7", "number-up", "4"};
     EXPECT_EQ(dialog::guestJobOptions(program, accepted, {}), expected);
     const TemporaryFolder folder;
     const auto decided = dialog::DescribedOptions::Of(
         folder.Write("description.ppd", "*OpenUI *QVNUpPages: PickOne\n*DefaultQVNUpPages:  Two \r\n"
-                                        "*OpenUI *QVStaple/Staple: PickOne\n*DefaultOther: A\n"));
-    EXPECT_EQ(decided.defaults,
-              (std::map<std::string, std::string>{{"QVNUpPages", "Two"}, {"QVStaple", ""}}));
+                                        "*OpenUI *QVStaple/Staple: PickOne\n*DefaultOther: A\n"
+                                        "*OpenUI *QVPunch: PickOne\n*Default *QVPunch : Off\n"
+                                        "*%ZANFloatRange *QVGamma/G(1): 0.5(4)0.1;2.2;\"9;9;9;9\"\n"));
+    EXPECT_EQ(decided.defaults, (std::map<std::string, std::string>{
+                                    {"QVNUpPages", "Two"}, {"QVPunch", "Off"}, {"QVStaple", ""}}));
+    EXPECT_EQ(decided.numbers, (std::map<std::string, double>{{"QVGamma", 2.2}}));
     EXPECT_TRUE(decided.pagesPerSheet && !decided.sides);
-    expected.resize(4);
+    expected.resize(6);
     EXPECT_EQ(dialog::guestJobOptions(program, accepted, decided), expected);
 }
 
