@@ -26,6 +26,7 @@
 #include <QTabWidget>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace torka::dialog {
 
@@ -42,6 +43,18 @@ QDialog* propertiesOf(const QPrintDialog& dialog) {
 }
 
 std::string queueOf(const std::string& destination) { return destination.substr(0, destination.find('/')); }
+
+bool isSameSize(const QPageSize& one, const QPageSize& other) {
+    constexpr int tolerance = 2; // points; descriptions round
+    const QSize difference = one.sizePoints() - other.sizePoints();
+    return std::abs(difference.width()) <= tolerance && std::abs(difference.height()) <= tolerance;
+}
+
+bool hasSize(const QPrinterInfo& info, const QPageSize& size) {
+    const QList<QPageSize> sizes = info.supportedPageSizes();
+    return info.supportsCustomPageSizes() ||
+           std::ranges::any_of(sizes, [&size](const QPageSize& each) { return isSameSize(each, size); });
+}
 
 bool isSeparator(const QComboBox& list, int at) {
     return list.itemData(at, Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
@@ -123,8 +136,8 @@ void PaneAttachment::BeginLayout() {
     if (const QPageSize size = info.defaultPageSize(); !info.isNull() && size.isValid()) {
         printer.setPageSize(size);
     }
-    if (wishedSize.isValid()) {
-        printer.setPageSize(wishedSize); // without effect where the queue has no such size
+    if (wishedSize.isValid() && (followed.empty() || hasSize(info, wishedSize))) {
+        printer.setPageSize(wishedSize);
     }
     printer.setPageOrientation(orientation);
     for (const char* name : {"number-up", "number-up-layout", "orientation-requested"}) {
@@ -419,11 +432,20 @@ void PaneAttachment::ShowFieldOfPane() {
 void PaneAttachment::SetPage(const QPageSize& size, QPageLayout::Orientation orientation) {
     if (size.isValid()) {
         wishedSize = size;
-        printer.setPageSize(size);
+        const std::string destination = Destination();
+        // A file takes every size.
+        if (destination.empty() ||
+            hasSize(QPrinterInfo::printerInfo(QString::fromStdString(destination)), size)) {
+            printer.setPageSize(size);
+        }
     }
     printer.setPageOrientation(orientation);
     acceptedLayout = printer.pageLayout();
     paneTab->dialogSettingsChanged();
+}
+
+bool PaneAttachment::LacksWishedSize() const {
+    return wishedSize.isValid() && !isSameSize(acceptedLayout.pageSize(), wishedSize);
 }
 
 bool PaneAttachment::MayPrint() {

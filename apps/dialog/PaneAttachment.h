@@ -61,6 +61,8 @@ public:
     // Counts as if the person had accepted it in the properties. A size that is not valid leaves the present
     // one. The size comes back with each printer that has it, until the person accepts another one.
     void SetPage(const QPageSize& size, QPageLayout::Orientation orientation);
+    // True when the present printer has no such size.
+    bool LacksWishedSize() const;
     // Asks the pane whether the accepted job may be printed; on true the pane has sent its ticket. On false
     // the pane has shown the reason and stands in front. REQUIRES: the QPrinter holds the choices of the
     // dialog's own tabs.

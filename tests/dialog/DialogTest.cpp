@@ -87,6 +87,10 @@ TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
 TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     AddQueue("Second");
     AddQueue("Defects2", "torkasink:/", samplePath("torka-defects.ppd"));
+    for (const char* instance : {"Production/draft", "Defects2/draft"}) {
+        ASSERT_EQ(runCommand({"lpoptions", "-p", instance, "-o", "page-ranges=2-3", "-o", "copies=7"}).status,
+                  0);
+    }
     const auto shown = Open();
     PrintDialog& dialog = *shown->dialog;
     EXPECT_FALSE(dialog.tab().findChild<QLabel*>("printerName")->isVisible()) << "the dialog names the model";
@@ -103,8 +107,19 @@ TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     EXPECT_TRUE(text->text().contains("Defects2"));
     ASSERT_TRUE(dialog.chooseQueue(productionQueue));
     EXPECT_TRUE(dialog.tab().hasPanel());
-    ASSERT_TRUE(dialog.chooseQueue("Defects2"));
-    EXPECT_NE(Print(dialog), 0);
+    // A queue that has gone is no file.
+    ASSERT_EQ(runCommand({"lpadmin", "-x", "Second"}).status, 0);
+    ASSERT_TRUE(dialog.chooseQueue("Second"));
+    EXPECT_TRUE(text->text().endsWith("the print server has no queue Second")) << text->text().toStdString();
+    // An instance of a queue is that queue with options of its own.
+    ASSERT_TRUE(dialog.chooseQueue("Production/draft"));
+    EXPECT_EQ(dialog.queue(), productionQueue);
+    EXPECT_TRUE(dialog.tab().hasPanel());
+    ASSERT_TRUE(dialog.chooseQueue("Defects2/draft"));
+    EXPECT_FALSE(dialog.tab().hasPanel());
+    const int job = Print(dialog);
+    EXPECT_EQ(PrintedLines(job, "%%Page: ").size(), 2U)
+        << "pages 2 and 3, once";
 }
 
 TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
