@@ -70,6 +70,9 @@ PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, c
     , queueNotice(new QLabel(&printDialog))
     , withoutPane(look) {
     dialog.setProperty(panePropertyName, false);
+    if (withoutPane == WithoutPane::asWithoutUs) {
+        paneTab->stayQuiet();
+    }
     dialog.setOptionTabs({paneTab});
     printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
     AddQueueNotice();

@@ -62,7 +62,8 @@ void PaneTab::setQueue(const std::string& queue) {
         decided = {};
         const QString name = QString::fromStdString(queue);
         // A queue without a description may have gone, or its server.
-        const std::string problem = hasDescription ? std::string() : platform::queueProblem(queue);
+        const std::string problem =
+            hasDescription || !isExplaining ? std::string() : platform::queueProblem(queue);
         Explain(!problem.empty() ? tr("The printer \u201c%1\u201d cannot be reached: %2")
                                        .arg(name, QString::fromStdString(problem))
                 : hasDescription

@@ -118,8 +118,7 @@ TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     ASSERT_TRUE(dialog.chooseQueue("Defects2/draft"));
     EXPECT_FALSE(dialog.tab().hasPanel());
     const int job = Print(dialog);
-    EXPECT_EQ(PrintedLines(job, "%%Page: ").size(), 2U)
-        << "pages 2 and 3, once";
+    EXPECT_EQ(PrintedLines(job, "%%Page: ").size(), 2U) << "pages 2 and 3, once";
 }
 
 TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
