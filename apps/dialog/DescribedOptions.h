@@ -14,6 +14,8 @@ struct DescribedOptions {
     // The default of every option with choices, by its main keyword without the asterisk. Notes are no such
     // options.
     std::map<std::string, std::string> defaults = {};
+    // The default of every number, by its main keyword without the asterisk.
+    std::map<std::string, double> numbers = {};
 
     // Of the description in that file; nothing for "".
     static DescribedOptions Of(const std::string& descriptionPath);

@@ -110,7 +110,9 @@ QStringList guestJobOptions(const QStringList& program, const QPrinter& accepted
         for (qsizetype at = 0; at + 1 < from.size(); at += 2) {
             const std::string name = from[at].toStdString();
             const bool isLayout = std::ranges::find(laidOut, name) != laidOut.end();
-            const bool isStandard = std::ranges::find(standardOptions, name) != standardOptions.end();
+            // The own dialog has the ranges from its QPrinter.
+            const bool isStandard =
+                name == "page-ranges" || std::ranges::find(standardOptions, name) != standardOptions.end();
             if (isLayout == layout && (isLayout || isStandard) &&
                 !(decidedByPane.pagesPerSheet && name.starts_with("number-up"))) {
                 options << from[at] << from[at + 1];

@@ -9,6 +9,7 @@
 
 #include <QPrinter>
 #include <QStringList>
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -77,6 +78,10 @@ QStringList engineOptions(const QPrinter& printer);
 bool setEngineOptions(QPrinter& printer, const QStringList& options);
 // Replaces one option; "" removes it.
 void setEngineOption(QPrinter& printer, const QString& name, const QString& value);
+
+// The values of "number-up-layout", by the numbers behind the entries of Qt's list. The entries themselves
+// stand in another order.
+inline constexpr std::array sheetOrders{"lrtb", "lrbt", "rlbt", "rltb", "btlr", "btrl", "tblr", "tbrl"};
 
 // The options for a job that another program sends: of those that Qt has written for the program the ones
 // that every queue knows, and the layout as the person accepted it. The description's options travel in the

@@ -26,6 +26,7 @@
 #include <QTabWidget>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace torka::dialog {
 
@@ -41,6 +42,24 @@ QDialog* propertiesOf(const QPrintDialog& dialog) {
     return nullptr;
 }
 
+std::string queueOf(const std::string& destination) { return destination.substr(0, destination.find('/')); }
+
+bool isSameSize(const QPageSize& one, const QPageSize& other) {
+    constexpr int tolerance = 2; // points; descriptions round
+    const QSize difference = one.sizePoints() - other.sizePoints();
+    return std::abs(difference.width()) <= tolerance && std::abs(difference.height()) <= tolerance;
+}
+
+bool hasSize(const QPrinterInfo& info, const QPageSize& size) {
+    const QList<QPageSize> sizes = info.supportedPageSizes();
+    return info.supportsCustomPageSizes() ||
+           std::ranges::any_of(sizes, [&size](const QPageSize& each) { return isSameSize(each, size); });
+}
+
+bool isSeparator(const QComboBox& list, int at) {
+    return list.itemData(at, Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
+}
+
 } // namespace
 
 PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, const std::string& jobName,
@@ -51,6 +70,9 @@ PaneAttachment::PaneAttachment(QPrintDialog& printDialog, QPrinter& qtPrinter, c
     , queueNotice(new QLabel(&printDialog))
     , withoutPane(look) {
     dialog.setProperty(panePropertyName, false);
+    if (withoutPane == WithoutPane::asWithoutUs) {
+        paneTab->stayQuiet();
+    }
     dialog.setOptionTabs({paneTab});
     printers = dialog.findChild<QComboBox*>(QStringLiteral("printers"));
     AddQueueNotice();
@@ -82,13 +104,20 @@ bool PaneAttachment::Understands(const QPrintDialog& dialog) {
            dialog.findChild<QWidget*>(QStringLiteral("optionsTab")) != nullptr;
 }
 
-std::string PaneAttachment::Queue() const {
+std::string PaneAttachment::Destination() const {
     if (printers == nullptr) {
         return printer.printerName().toStdString();
     }
-    const QString name = printers->currentText();
-    return QPrinterInfo::printerInfo(name).isNull() ? std::string() : name.toStdString();
+    const int last = printers->count() - 1;
+    if (printers->currentIndex() == last &&
+        (last > 0 ? isSeparator(*printers, last - 1)
+                  : QPrinterInfo::printerInfo(printers->currentText()).isNull())) {
+        return {}; // Qt's file destination stands behind the queues and a separator
+    }
+    return printers->currentText().toStdString();
 }
+
+std::string PaneAttachment::Queue() const { return queueOf(Destination()); }
 
 bool PaneAttachment::ChooseQueue(const std::string& name) {
     const int at =
@@ -99,19 +128,40 @@ bool PaneAttachment::ChooseQueue(const std::string& name) {
     return at >= 0;
 }
 
-void PaneAttachment::FollowPrinter() {
-    // Qt's properties begin with the queue's default page size and write it when the person accepts the
-    // dialog, whatever the QPrinter held before.
-    const std::string queue = Queue();
-    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(queue));
+// What Qt's properties of this printer begin with: they write it when the person accepts the dialog, even if
+// nobody has opened them.
+void PaneAttachment::BeginLayout() {
+    const QPrinterInfo info = QPrinterInfo::printerInfo(QString::fromStdString(followed));
+    const QPageLayout::Orientation orientation = dialog.printer()->pageLayout().orientation();
     if (!info.isNull() && printer.printerName() != info.printerName()) {
         printer.setPrinterName(info.printerName()); // the page sizes of this queue
     }
     if (const QPageSize size = info.defaultPageSize(); !info.isNull() && size.isValid()) {
         printer.setPageSize(size);
     }
+    if (wishedSize.isValid() && (followed.empty() || hasSize(info, wishedSize))) {
+        printer.setPageSize(wishedSize);
+    }
+    printer.setPageOrientation(orientation);
+    for (const char* name : {"number-up", "number-up-layout", "orientation-requested"}) {
+        setEngineOption(printer, QLatin1String(name), QString());
+    }
     acceptedLayout = printer.pageLayout();
-    paneTab->setQueue(queue);
+}
+
+void PaneAttachment::FollowPrinter() {
+    const std::string destination = Destination();
+    // Another instance of the queue has the same panel.
+    const bool keepsPanel = paneTab->hasPanel() && queueOf(destination) == queueOf(followed);
+    // A dialog that is shown again still has its properties.
+    if (destination != followed || propertiesOf(dialog) == nullptr) {
+        followed = destination;
+        BeginLayout();
+    }
+    paneTab->setQueue(queueOf(destination));
+    if (keepsPanel) {
+        paneTab->dialogSettingsChanged();
+    }
     HideWhatThePaneDecides();
     HideEmptyLocation();
     ShowQueueNotice();
@@ -237,6 +287,12 @@ QString shownPagesPerSheet(const QDialog& properties) {
     return pages > 1 ? QString::number(pages) : QString();
 }
 
+QString shownSheetOrder(const QDialog& properties) {
+    const auto* orders = properties.findChild<QComboBox*>(QStringLiteral("pagesPerSheetLayoutCombo"));
+    const auto at = static_cast<std::size_t>(orders == nullptr ? 0 : orders->currentData().toInt());
+    return QLatin1String(sheetOrders.at(at < sheetOrders.size() ? at : 0));
+}
+
 } // namespace
 
 // Accepted properties count at once; Qt writes them to the QPrinter only when the person accepts the dialog.
@@ -246,6 +302,7 @@ void PaneAttachment::TakeProperties() {
         return;
     }
     if (const QPageSize size = shownPageSize(*properties); size.isValid()) {
+        wishedSize = size.isEquivalentTo(wishedSize) ? wishedSize : QPageSize();
         printer.setPageSize(size);
     }
     printer.setPageOrientation(showsLandscape(*properties) ? QPageLayout::Landscape : QPageLayout::Portrait);
@@ -257,7 +314,10 @@ void PaneAttachment::TakeProperties() {
                     : showsLandscape(*properties) ? QStringLiteral("5")
                                                   : QStringLiteral("6"));
     if (!paneTab->decidedByPane().pagesPerSheet) {
-        setEngineOption(printer, QStringLiteral("number-up"), shownPagesPerSheet(*properties));
+        const QString pages = shownPagesPerSheet(*properties);
+        setEngineOption(printer, QStringLiteral("number-up"), pages);
+        setEngineOption(printer, QStringLiteral("number-up-layout"),
+                        pages.isEmpty() ? QString() : shownSheetOrder(*properties));
     }
     acceptedLayout = printer.pageLayout();
     paneTab->dialogSettingsChanged();
@@ -373,10 +433,22 @@ void PaneAttachment::ShowFieldOfPane() {
 }
 
 void PaneAttachment::SetPage(const QPageSize& size, QPageLayout::Orientation orientation) {
-    printer.setPageSize(size);
+    if (size.isValid()) {
+        wishedSize = size;
+        const std::string destination = Destination();
+        // A file takes every size.
+        if (destination.empty() ||
+            hasSize(QPrinterInfo::printerInfo(QString::fromStdString(destination)), size)) {
+            printer.setPageSize(size);
+        }
+    }
     printer.setPageOrientation(orientation);
     acceptedLayout = printer.pageLayout();
     paneTab->dialogSettingsChanged();
+}
+
+bool PaneAttachment::LacksWishedSize() const {
+    return wishedSize.isValid() && !isSameSize(acceptedLayout.pageSize(), wishedSize);
 }
 
 bool PaneAttachment::MayPrint() {

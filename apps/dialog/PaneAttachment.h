@@ -52,12 +52,17 @@ public:
     void ShowPane();
     // Makes the dialog large enough for the pane.
     void MakeRoom();
-    // The chosen queue; "" when the destination is no queue.
+    // The chosen entry, "QUEUE" or "QUEUE/INSTANCE", even when the server has it no more; "" for a file.
+    std::string Destination() const;
+    // The queue of the destination.
     std::string Queue() const;
     // False when the dialog does not list the queue.
     bool ChooseQueue(const std::string& queue);
-    // Counts as if the person had accepted it in the properties, until the printer changes.
+    // Counts as if the person had accepted it in the properties. A size that is not valid leaves the present
+    // one. The size comes back with each printer that has it, until the person accepts another one.
     void SetPage(const QPageSize& size, QPageLayout::Orientation orientation);
+    // True when the present printer has no such size.
+    bool LacksWishedSize() const;
     // Asks the pane whether the accepted job may be printed; on true the pane has sent its ticket. On false
     // the pane has shown the reason and stands in front. REQUIRES: the QPrinter holds the choices of the
     // dialog's own tabs.
@@ -74,6 +79,7 @@ protected:
 
 private:
     void FollowPrinter();
+    void BeginLayout();
     void ShowTab();
     void FollowOwnTabs();
     void TakeProperties();
@@ -89,6 +95,8 @@ private:
     QPrinter& printer;
     PaneTab* paneTab; // the dialog's tabs own it
     QComboBox* printers = nullptr;
+    std::string followed;       // the destination whose layout this is
+    QPageSize wishedSize;       // not valid without a wish
     QPageLayout acceptedLayout; // page size and orientation as the properties were last accepted
     QLabel* queueNotice;        // why a job would wait; hidden for a queue that prints
     QTimer queueTimer;

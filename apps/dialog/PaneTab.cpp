@@ -61,7 +61,12 @@ void PaneTab::setQueue(const std::string& queue) {
     if (!panels || panels->empty()) {
         decided = {};
         const QString name = QString::fromStdString(queue);
-        Explain(hasDescription
+        // A queue without a description may have gone, or its server.
+        const std::string problem =
+            hasDescription || !isExplaining ? std::string() : platform::queueProblem(queue);
+        Explain(!problem.empty() ? tr("The printer \u201c%1\u201d cannot be reached: %2")
+                                       .arg(name, QString::fromStdString(problem))
+                : hasDescription
                     ? tr("The printer \u201c%1\u201d is not one that these features support.").arg(name)
                     : tr("The printer \u201c%1\u201d has no description on the print server.").arg(name));
         return;

@@ -25,6 +25,8 @@ public:
     PaneTab(const QPrinter& printer, std::string jobName, QWidget* parent = nullptr);
     // Panes come from this plug-in from now on. Without one no queue has a pane.
     void usePlugIn(PDEPlugIn* dialogPlugIn) { plugIn = dialogPlugIn; }
+    // Nobody sees the tab of a queue without a pane: the server need not be asked for the reason.
+    void stayQuiet() { isExplaining = false; }
     ~PaneTab() override;
 
     // Shows the pane of this queue; "" stands for a destination that is no queue. First saves the values of
@@ -66,6 +68,7 @@ private:
     DescribedOptions decided;
     std::shared_ptr<DialogPrintSettings> printSettings = std::make_shared<DialogPrintSettings>();
     PDEPanelRef panel;
+    bool isExplaining = true;
     QLabel* explanation;
     QWidget* shown = nullptr; // the panel's root view
 };

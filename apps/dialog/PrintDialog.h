@@ -24,14 +24,17 @@ public:
     PaneTab& tab() { return pane->Tab(); }
     // Opens the options and brings the pane to the front.
     void showPane() { pane->ShowPane(); }
-    // The chosen queue; "" when the destination is no queue.
+    // The chosen entry, "QUEUE" or "QUEUE/INSTANCE"; "" when the destination is no queue.
+    std::string destination() const { return pane->Destination(); }
     std::string queue() const { return pane->Queue(); }
-    // False when the print server has no such queue.
+    // False when the dialog has no such entry.
     bool chooseQueue(const std::string& queue) { return pane->ChooseQueue(queue); }
     // See PaneAttachment.
     void setPage(const QPageSize& size, QPageLayout::Orientation orientation) {
         pane->SetPage(size, orientation);
     }
+
+    bool lacksWishedSize() const { return pane->LacksWishedSize(); }
 
     void done(int result) override;
 

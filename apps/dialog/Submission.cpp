@@ -3,9 +3,12 @@
 
 #include "output/BundleIdentifier.h"
 #include "output/LeftOutSetting.h"
+#include "platform/Log.h"
 #include "platform/Spooler.h"
+#include "platform/cups/QueueInstance.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 
 namespace torka::dialog {
 
@@ -23,9 +26,37 @@ JobOptions ticketOptions(const PaneTab& tab) {
     return options;
 }
 
+namespace {
+
+bool isDecided(const DescribedOptions& byPane, const std::string& name) {
+    return byPane.defaults.contains(name) || byPane.numbers.contains(name) ||
+           (byPane.sides && name == "sides") || (byPane.pagesPerSheet && name.starts_with("number-up"));
+}
+
+// Adds what the chosen instance has and the dialog does not decide. The dialog shows its own choices.
+void addInstanceOptions(const std::string& destination, const DescribedOptions& byPane, JobOptions& options) {
+    const std::size_t slash = destination.find('/');
+    if (slash == std::string::npos) {
+        return;
+    }
+    for (auto& [name, value] :
+         platform::instanceOptions(destination.substr(0, slash), destination.substr(slash + 1))) {
+        if (isDecided(byPane, name)) {
+            myNSLogC("The pane decides %s, not %s with %s", name.c_str(), destination.c_str(), value.c_str());
+        } else if (name != "media" && name != "PageSize" && name != "PageRegion" &&
+                   std::ranges::find(options, name, &JobOptions::value_type::first) == options.end()) {
+            options.emplace_back(name, value);
+        }
+    }
+}
+
+} // namespace
+
 JobOptions jobOptions(PrintDialog& dialog) {
     const PaneTab& tab = dialog.tab();
     JobOptions options = standardJobOptions(*dialog.printer(), tab.decidedByPane(), tab.hasPanel());
+    addInstanceOptions(dialog.destination(), tab.hasPanel() ? tab.decidedByPane() : DescribedOptions(),
+                       options);
     for (auto& option : ticketOptions(tab)) {
         options.push_back(std::move(option));
     }

@@ -16,6 +16,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
+#include <algorithm>
+#include <cmath>
 #include <exception>
 
 namespace torka::guest {
@@ -64,17 +66,34 @@ bool isInput(const QEvent& event) {
     }
 }
 
-// The pane's choices that differ from the description's defaults. The ticket counts alone for the first job;
+// The pane's settings that differ from the description's defaults. The ticket counts alone for the first job;
 // these are for the others of a program that sends several. No note is among them.
-QStringList changedChoices(const dialog::PaneTab& tab) {
+QStringList changedSettings(const dialog::PaneTab& tab) {
+    constexpr double sameNumber = 1e-6; // of its size; a float has seven digits
     QStringList options;
+    const auto textOf = [&tab](const std::string& keyword) {
+        return QString::fromStdString(
+            utf8Text(cfCast<CFString>(tab.settings().Value(cfString("*" + keyword)))));
+    };
     for (const auto& [keyword, standard] : tab.decidedByPane().defaults) {
         // The dialog decides these three.
         const bool isOwn = keyword == "PageSize" || keyword == "PageRegion" || keyword == "Collate";
-        const auto choice = cfCast<CFString>(tab.settings().Value(cfString("*" + keyword)));
-        if (!isOwn && choice && utf8Text(choice) != standard) {
-            options << QString::fromStdString(keyword) << QString::fromStdString(utf8Text(choice));
+        const QString choice = textOf(keyword);
+        if (!isOwn && !choice.isEmpty() && choice.toStdString() != standard) {
+            options << QString::fromStdString(keyword) << choice;
         }
+    }
+    for (const auto& [keyword, standard] : tab.decidedByPane().numbers) {
+        bool isNumber = false;
+        const double number = textOf(keyword).toDouble(&isNumber);
+        if (isNumber && std::abs(number - standard) > sameNumber * std::max(1.0, std::abs(standard))) {
+            options << QString::fromStdString(keyword) << textOf(keyword);
+        }
+    }
+    // The size that this choice of the list means.
+    if (const QString size = textOf("CustomPrintSize");
+        textOf("QVPrintSize") == QLatin1String("CustomPrintSize") && !size.isEmpty()) {
+        options << QStringLiteral("CustomPrintSize") << size;
     }
     return options;
 }
@@ -218,7 +237,7 @@ void GuestDialog::WriteJobOptions() {
     for (const auto& [name, value] : dialog::ticketOptions(pane->Tab())) {
         options << QString::fromStdString(name) << QString::fromStdString(value);
     }
-    options << changedChoices(pane->Tab());
+    options << changedSettings(pane->Tab());
     if (!dialog::setEngineOptions(printer, options)) {
         Tell(tr("The settings of \u201c%1\u201d do not reach this job: the program prints in a way that has "
                 "no "

@@ -31,9 +31,7 @@ namespace {
 // GTK's name of its file destination. GTK translates it in its own dialog, and keeps ours as it is.
 constexpr QLatin1String printToFile("Print to File");
 
-// "number-up-layout" in the order of the numbers behind Qt's entries. The entries themselves stand in another
-// order.
-constexpr std::array sheetOrders{"lrtb", "lrbt", "rlbt", "rltb", "btlr", "btrl", "tblr", "tbrl"};
+using dialog::sheetOrders;
 
 QComboBox* box(const QWidget& in, const char* name) { return in.findChild<QComboBox*>(QLatin1String(name)); }
 
@@ -125,6 +123,8 @@ QString proposedFile(const PrintChoices& choices, bool mayWriteAnywhere) {
 
 } // namespace
 
+bool asksForFile(const PrintChoices& choices) { return choices.printer == printToFile; }
+
 void presetPrinter(QPrinter& printer, const PrintChoices& choices) {
     printer.setCopyCount(choices.copies.value_or(1));
     printer.setCollateCopies(choices.collate.value_or(true));
@@ -190,13 +190,12 @@ void presetDialog(dialog::PrintDialog& dialog, const PrintChoices& choices, bool
     if (file != nullptr) {
         file->setText(proposedFile(choices, mayWriteAnywhere));
     }
-    if (!isListed && printers != nullptr && choices.printer == printToFile) {
+    if (!isListed && printers != nullptr && asksForFile(choices)) {
         printers->setCurrentIndex(printers->count() - 1); // Qt's file destination
     }
     if (choices.paper || choices.turn) {
         const bool isLandscape = choices.turn == Turn::Landscape || choices.turn == Turn::ReverseLandscape;
-        const QPageSize present = dialog.printer()->pageLayout().pageSize();
-        dialog.setPage(choices.paper ? sizeOf(*choices.paper) : present,
+        dialog.setPage(choices.paper ? sizeOf(*choices.paper) : QPageSize(),
                        isLandscape ? QPageLayout::Landscape : QPageLayout::Portrait);
     }
     presetPages(dialog, choices);
@@ -206,6 +205,9 @@ PropertyPresets::PropertyPresets(dialog::PrintDialog& printDialog, const PrintCh
     : QObject(&printDialog)
     , dialog(printDialog)
     , choices(programChoices) {
+    if (QComboBox* printers = box(dialog, "printers")) {
+        connect(printers, &QComboBox::currentIndexChanged, this, [this] { isFilled = false; });
+    }
     QCoreApplication::instance()->installEventFilter(this);
 }
 
@@ -213,9 +215,8 @@ bool PropertyPresets::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show) {
         auto* shown = qobject_cast<QDialog*>(watched);
         if (shown != nullptr && dialog.findChildren<QDialog*>().contains(shown) &&
-            shown->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr && !WereOpened()) {
+            shown->findChild<QWidget*>(QStringLiteral("pageSetup")) != nullptr && !isFilled) {
             isFilled = true;
-            filledFor = dialog.queue();
             Fill(*shown);
             // Qt takes back what cancelled properties showed, our choices included.
             connect(shown, &QDialog::rejected, this, [this] { isFilled = isAccepted && isFilled; });
@@ -225,8 +226,6 @@ bool PropertyPresets::eventFilter(QObject* watched, QEvent* event) {
     }
     return QObject::eventFilter(watched, event);
 }
-
-bool PropertyPresets::WereOpened() const { return isFilled && filledFor == dialog.queue(); }
 
 void PropertyPresets::Fill(const QDialog& properties) {
     if (QComboBox* sizes = box(properties, "pageSizeCombo")) {
@@ -288,7 +287,7 @@ void PropertyPresets::TakePagesPerSheet(PrintChoices& chosen) const {
     }
     chosen.pagesPerSheet = choices.pagesPerSheet;
     chosen.pagesPerSheetOrder = choices.pagesPerSheetOrder;
-    if (WereOpened() && counts != nullptr && layouts != nullptr) {
+    if (isFilled && counts != nullptr && layouts != nullptr) {
         chosen.pagesPerSheet = counts->currentText().section(QLatin1Char(' '), 0, 0).toInt();
         const auto order = static_cast<std::size_t>(layouts->currentData().toInt());
         chosen.pagesPerSheetOrder = QLatin1String(sheetOrders.at(order < sheetOrders.size() ? order : 0));
@@ -303,7 +302,11 @@ void PropertyPresets::Complete(platform::JobOptions& options, QStringList& probl
     if (choices.pagesPerSheet.value_or(1) > 1 && decided.pagesPerSheet) {
         problems += QStringLiteral("the pane decides the pages per sheet, not the program");
     }
-    if (isFile(dialog) || WereOpened()) {
+    if (choices.paper && !isFile(dialog) && dialog.lacksWishedSize()) {
+        problems += QStringLiteral("the queue has no paper %1, but %2")
+                        .arg(sizeOf(*choices.paper).name(), dialog.printer()->pageLayout().pageSize().name());
+    }
+    if (isFile(dialog) || isFilled) {
         return;
     }
     const auto set = [&](const std::string& name, const std::string& value) {
@@ -416,7 +419,7 @@ PrintChoices chosenIn(dialog::PrintDialog& dialog, const PrintChoices& received,
     chosen.outputUri = received.outputUri;
     chosen.outputName = received.outputName;
     chosen.scale = received.scale;
-    chosen.printer = QString::fromStdString(dialog.queue());
+    chosen.printer = QString::fromStdString(dialog.destination());
     if (isFile(dialog)) {
         chosen.printer = printToFile;
         chosen.outputUri = QUrl::fromLocalFile(printer.outputFileName()).toString(QUrl::FullyEncoded);

@@ -15,6 +15,9 @@ class QDoubleSpinBox;
 
 namespace torka::portal {
 
+// Whether the program names GTK's file destination.
+bool asksForFile(const PrintChoices& choices);
+
 // What Qt's dialog takes from the QPrinter when it is made.
 void presetPrinter(QPrinter& printer, const PrintChoices& choices);
 
@@ -37,14 +40,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    bool WereOpened() const;
     void Fill(const QDialog& properties);
     void FillOptions(const QDialog& properties);
 
     dialog::PrintDialog& dialog;
     PrintChoices choices;
-    std::string filledFor; // the queue whose properties were opened
-    bool isFilled = false;
+    bool isFilled = false;   // the present properties, which Qt makes anew for another printer
     bool isAccepted = false; // the person has accepted them since they were filled
 };
 

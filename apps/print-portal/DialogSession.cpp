@@ -2,7 +2,9 @@
 #include "apps/print-portal/DialogSession.h"
 
 #include "apps/common/OutsideText.h"
+#include "apps/dialog/Said.h"
 #include "apps/dialog/Submission.h"
+#include "apps/print-portal/Delivery.h"
 #include "apps/print-portal/ParentWindow.h"
 
 #include <QApplication>
@@ -71,7 +73,7 @@ void DialogSession::Open() {
         offerPagesForFiles(*dialog);
         scale = addScale(*dialog, wish.choices);
     }
-    if (!wish.choices.printer.isEmpty() && wish.choices.printer.toStdString() != dialog->queue() &&
+    if (!wish.choices.printer.isEmpty() && wish.choices.printer.toStdString() != dialog->destination() &&
         !dialog->queue().empty()) {
         Log(QStringLiteral("there is no queue %1 any more").arg(wish.choices.printer));
     }
@@ -95,26 +97,38 @@ void DialogSession::Take(int result) {
     if (isOver) {
         return;
     }
-    if (result == QDialog::Accepted) {
-        platform::JobOptions options = dialog::jobOptions(*dialog);
-        QStringList problems;
-        presets->Complete(options, problems);
-        for (const QString& problem : std::as_const(problems)) {
-            Log(problem);
-        }
-        chosen = chosenIn(*dialog, wish.choices, options);
-        presets->TakePagesPerSheet(chosen);
-        if (scale != nullptr) {
-            chosen.scale = scale->value();
-        }
-        job.queue = dialog->queue();
-        job.outputFile = job.queue.empty() ? printer.outputFileName() : QString();
-        job.options =
-            wish.laidOutBy == LaidOutBy::Program ? withoutDrawn(std::move(options)) : std::move(options);
+    Response response = result == QDialog::Accepted ? Response::Success : Response::Cancelled;
+    const std::string queue = response == Response::Success ? dialog->queue() : std::string();
+    if (const std::string problem = queue.empty() ? std::string() : platform::queueProblem(queue);
+        !problem.empty()) {
+        tellPerson(
+            wish.title,
+            dialog::said("The print server does not take the job: %1").arg(QString::fromStdString(problem)));
+        response = Response::Ended;
+    } else if (response == Response::Success) {
+        TakeChoices();
     }
     isOver = true;
-    Q_EMIT answered(result == QDialog::Accepted);
+    Q_EMIT answered(response);
     End();
+}
+
+void DialogSession::TakeChoices() {
+    platform::JobOptions options = dialog::jobOptions(*dialog);
+    QStringList problems;
+    presets->Complete(options, problems);
+    for (const QString& problem : std::as_const(problems)) {
+        Log(problem);
+    }
+    chosen = chosenIn(*dialog, wish.choices, options);
+    presets->TakePagesPerSheet(chosen);
+    if (scale != nullptr) {
+        chosen.scale = scale->value();
+    }
+    job.queue = dialog->queue();
+    job.outputFile = job.queue.empty() ? printer.outputFileName() : QString();
+    job.options =
+        wish.laidOutBy == LaidOutBy::Program ? withoutDrawn(std::move(options)) : std::move(options);
 }
 
 void DialogSession::Close() {

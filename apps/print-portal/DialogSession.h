@@ -3,6 +3,7 @@
 
 #include "apps/dialog/PrintDialog.h"
 #include "apps/print-portal/DialogChoices.h"
+#include "apps/print-portal/PortalRequest.h"
 #include "apps/print-portal/TokenStore.h"
 #include "apps/print-portal/settings/PrintChoices.h"
 
@@ -43,11 +44,12 @@ public:
     const PrintChoices& Chosen() const { return chosen; }
 
 Q_SIGNALS:
-    // At most once.
-    void answered(bool isAccepted);
+    // At most once. Ended: the queue has gone, and the person has read so.
+    void answered(torka::portal::Response response);
 
 private:
     void Take(int result);
+    void TakeChoices();
     void Log(const QString& problem) const;
     void End();
 

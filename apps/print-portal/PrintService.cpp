@@ -42,10 +42,11 @@ DialogWish wishOf(const QString& appId, const QString& parentWindow, const QStri
     return wish;
 }
 
-// GTK programs name the document only in the file that they propose.
-QString documentName(const PrintChoices& choices) {
+// GTK programs name the document only in the file that they propose. For a queue, the whole address is that
+// of the last file that was written.
+QString documentName(const PrintChoices& choices, bool isFile) {
     const QString name =
-        choices.outputName.isEmpty() ? QUrl(choices.outputUri).fileName() : choices.outputName;
+        choices.outputName.isEmpty() && isFile ? QUrl(choices.outputUri).fileName() : choices.outputName;
     return plainLine(QFileInfo(name).completeBaseName(), longestTitle).trimmed();
 }
 
@@ -81,9 +82,9 @@ PortalRequest* PrintService::Begin(const QDBusObjectPath& handle) {
 DialogSession* PrintService::OpenDialog(PortalRequest& request, DialogWish wish) {
     auto* session = new DialogSession(plugIn, std::move(wish), this);
     connect(&request, &PortalRequest::closed, session, &DialogSession::Close);
-    connect(session, &DialogSession::answered, &request, [&request](bool isAccepted) {
-        if (!isAccepted) {
-            request.Answer(Response::Cancelled);
+    connect(session, &DialogSession::answered, &request, [&request](Response response) {
+        if (response != Response::Success) {
+            request.Answer(response);
         }
     });
     return session;
@@ -102,23 +103,26 @@ unsigned PrintService::PreparePrint(const QDBusObjectPath& handle, const QString
     wish.choices = readChoices(settings, pageSetup, problems);
     log(wish.title, problems);
     const QString askedTitle = wish.title;
-    if (const QString name = documentName(wish.choices); !name.isEmpty()) {
-        wish.title = name;
-    }
-    const QString documentTitle = wish.title;
+    const auto titled = [&](bool isFile) {
+        const QString name = documentName(wish.choices, isFile);
+        return name.isEmpty() ? askedTitle : name;
+    };
+    const QString fileTitle = titled(true);
+    const QString queueTitle = titled(false);
+    wish.title = asksForFile(wish.choices) ? fileTitle : queueTitle;
     // Version 3 of the interface tells what the program can print. Earlier, only the present choice does.
     wish.hasSelection = isSet(options, "has_selected_pages", wish.choices.pages == Pages::Selection);
     wish.hasCurrentPage = isSet(options, "has_current_page", wish.choices.pages == Pages::Current);
     DialogSession* session = OpenDialog(*request, std::move(wish));
     const QString holder = appId + QLatin1Char('\n') + request->Caller();
-    connect(session, &DialogSession::answered, request, [=, this](bool isAccepted) {
-        if (!isAccepted) {
+    connect(session, &DialogSession::answered, request, [=, this](Response response) {
+        if (response != Response::Success) {
             return;
         }
         const LaidOutBy laidOutBy =
             session->Job().outputFile.isEmpty() ? LaidOutBy::Server : LaidOutBy::Program;
         PreparedJob job = session->Job();
-        job.title = documentTitle;
+        job.title = laidOutBy == LaidOutBy::Server ? queueTitle : fileTitle;
         job.askedTitle = askedTitle;
         request->Answer(
             Response::Success,
@@ -167,8 +171,8 @@ unsigned PrintService::Print(const QDBusObjectPath& handle, const QString& appId
 void PrintService::AskThenDeliver(PortalRequest& request, DocumentIntake& intake, DialogWish wish) {
     const QString title = wish.title;
     DialogSession* session = OpenDialog(request, std::move(wish));
-    connect(session, &DialogSession::answered, &request, [=, this, &request, &intake](bool isAccepted) {
-        if (isAccepted) {
+    connect(session, &DialogSession::answered, &request, [=, this, &request, &intake](Response response) {
+        if (response == Response::Success) {
             const PreparedJob& job = session->Job();
             if (Deliver(request, intake, job, title) && !job.outputFile.isEmpty() &&
                 changesPages(session->Chosen())) {

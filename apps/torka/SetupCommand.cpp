@@ -26,7 +26,8 @@ ExitStatus setUpApplications(const SetupOptions& options) {
               (finding.remedy.empty() ? "" : "    " + printable(finding.remedy) + "\n"));
         return finding.state == CheckState::fault ? ExitStatus::findings : ExitStatus::good;
     }
-    const ApplicationPlaces places = ApplicationPlaces::Of(::geteuid() == 0, platform::programFolder());
+    const bool isRoot = ::geteuid() == 0;
+    const ApplicationPlaces places = ApplicationPlaces::Of(isRoot, platform::programFolder());
     const bool isOn = options.action == "on";
     const auto changed = isOn ? switchApplicationsOn(places, options.gtk) : switchApplicationsOff(places);
     if (!changed) {
@@ -35,7 +36,12 @@ ExitStatus setUpApplications(const SetupOptions& options) {
     for (const std::filesystem::path& path : *changed) {
         print(printable(inPersonsLanguage((isOn ? "Written: " : "Removed: ") + path.string())) + "\n");
     }
-    print(inPersonsLanguage(changed->empty() ? "It was off." : "It counts from the next login on.") + "\n");
+    const bool staysOn = !isOn && !isRoot && ApplicationPlaces::Of(true, platform::programFolder()).IsOn();
+    print(inPersonsLanguage(staysOn ? "It stays on for everybody: root has switched it on, and only root "
+                                      "switches it off."
+                            : changed->empty() ? "It was off."
+                                               : "It counts from the next login on.") +
+          "\n");
     return ExitStatus::good;
 }
 

@@ -80,10 +80,15 @@ protected:
     }
 
     // What every program does with an accepted dialog.
-    static void PrintPage(QPrinter& printer) {
+    static void PrintPage(QPrinter& printer, int pages = 1) {
         QPainter painter;
         ASSERT_TRUE(painter.begin(&printer));
-        painter.drawText(300, 300, "A page of the program");
+        for (int page = 1; page <= pages; ++page) {
+            painter.drawText(300, 300, QStringLiteral("Page %1 of the program").arg(page));
+            if (page < pages) {
+                ASSERT_TRUE(printer.newPage());
+            }
+        }
     }
 
     // The document of the next job at the device.
@@ -109,6 +114,10 @@ TEST_F(ForeignDialogTest, PrintsOnceWithThePanesSettingsAndAgainWithoutTheNotes)
         QTest::keyClicks(Field<QLineEdit>(dialog, "*Notes1"), "Two proofs");
         ShowPage(dialog, "Layout");
         Choose(dialog, "*QVDuplex", "Turn on Short Edge");
+        Field<QDoubleSpinBox>(dialog, "*QVScale")->setValue(50);
+        ShowPage(dialog, "Paper and Job");
+        Choose(dialog, "*QVPrintSize", "Custom Size");
+        Field<QDoubleSpinBox>(dialog, "*CustomPrintSize")->setValue(200); // millimetres wide
         dialog.findChild<QSpinBox*>("copies")->setValue(2);
         AnswerPopupNotes([](QDialog& popup) { popup.accept(); });
         PressPrint(dialog);
@@ -126,7 +135,10 @@ TEST_F(ForeignDialogTest, PrintsOnceWithThePanesSettingsAndAgainWithoutTheNotes)
     const int first = LastJob();
     PrintPage(printer);
     const std::string second = NextPrinted(first);
-    EXPECT_NE(second.find("/RMXsetStaple /Saddle"), std::string::npos);
+    for (const char* expected : {"/RMXsetStaple /Saddle", "*QVScale 50", "*CustomPrintSize 567.00 420.00"}) {
+        EXPECT_NE(document.find(expected), std::string::npos) << expected;
+        EXPECT_NE(second.find(expected), std::string::npos) << expected;
+    }
     EXPECT_EQ(second.find("Two proofs"), std::string::npos);
     for (const std::string* each : {&document, &second}) { // nothing comes twice
         const std::string_view staple = "%%BeginFeature: *QVStaple";
@@ -182,6 +194,98 @@ TEST_F(ForeignDialogTest, ACancelledDialogAndAForeignQueueAreAsWithoutThePane) {
     PressPrint(dialog);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_FALSE(optionsOf(printer).join(' ').contains("PSData"));
+}
+
+// The dialog without the plug-in is the reference.
+TEST_F(ForeignDialogTest, WhoTouchesNothingInThePanePrintsTheSamePages) {
+    std::string description = readFile(samplePath("torka-production.ppd"));
+    for (std::size_t at = 0; (at = description.find("*QVNUpPages", at)) != std::string::npos; ++at) {
+        description.replace(at, 5, "*QVKp"); // the dialog decides the pages per sheet
+    }
+    const TemporaryFolder folder;
+    AddQueue("Sheets", "torkasink:/", folder.Write("sheets.ppd", description));
+    ASSERT_EQ(runCommand({"lpoptions", "-p", "Second/draft", "-o", "job-priority=70"}).status, 0);
+    const auto click = [](QWidget& in, const char* name) {
+        in.findChild<QAbstractButton*>(QLatin1String(name))->click();
+    };
+    const auto choose = [](QWidget& in, const char* name, int index) {
+        auto* list = in.findChild<QComboBox*>(QLatin1String(name));
+        list->setCurrentIndex(index);
+        Q_EMIT list->activated(index);
+    };
+    const auto type = [&](QDialog& dialog, const char* pages) {
+        click(dialog, "pagesRadioButton");
+        dialog.findChild<QLineEdit*>("pagesLineEdit")->setText(QLatin1String(pages));
+    };
+    const auto sheets = [&](QDialog& properties) {
+        choose(properties, "pagesPerSheetCombo", 2);
+        choose(properties, "pagesPerSheetLayoutCombo", 3);
+        click(properties, "landscape");
+    };
+    const struct {
+        const char* name;
+        const char* queue;
+        QPageLayout::Orientation orientation; // of the program
+        std::function<void(QDialog&)> person;
+    } rows[] = {
+        {"landscape", "Production", QPageLayout::Landscape, [](QDialog&) {}},
+        {"ranges", "Production", QPageLayout::Portrait, [&](QDialog& dialog) { type(dialog, "2-3,7"); }},
+        {"odd pages of a range", "Production", QPageLayout::Portrait,
+         [&](QDialog& dialog) {
+             type(dialog, "2-5");
+             choose(dialog, "pageSetCombo", 1);
+         }},
+        {"another queue", "Second", QPageLayout::Landscape,
+         [&](QDialog& dialog) { ChooseQueue(dialog, "Production"); }},
+        {"an instance", "Production", QPageLayout::Portrait,
+         [&](QDialog& dialog) { ChooseQueue(dialog, "Second/draft"); }},
+        {"an order on the sheet", "Sheets", QPageLayout::Portrait,
+         [&](QDialog& dialog) { UseProperties(dialog, sheets); }},
+        {"properties of another queue", "Sheets", QPageLayout::Portrait,
+         [&](QDialog& dialog) {
+             UseProperties(dialog, sheets);
+             ChooseQueue(dialog, "Production");
+             ChooseQueue(dialog, "Sheets");
+         }},
+        {"a dialog shown again", "Production", QPageLayout::Portrait,
+         [&](QDialog& dialog) {
+             UseProperties(dialog, [&](QDialog& properties) { click(properties, "landscape"); });
+             ChoosePageSize(dialog, "A3");
+             dialog.reject();
+             dialog.open();
+             Paint(dialog);
+         }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::string reference;
+        for (const bool hasPane : {false, true}) {
+            QPrinter printer;
+            printer.setPrinterName(QLatin1String(row.queue));
+            printer.setPageOrientation(row.orientation);
+            QPrintDialog dialog(&printer);
+            if (!hasPane) {
+                dialog.setProperty("torkaPane", false); // it has one, as far as the plug-in knows
+            }
+            dialog.setMinMax(1, 8);
+            dialog.setFromTo(1, 8);
+            const int before = LastJob();
+            dialog.open();
+            Paint(dialog);
+            row.person(dialog);
+            EXPECT_EQ(Tab(dialog) >= 0, hasPane);
+            const Answers person({{"popupJobNotes", Answers::Accept}});
+            PressPrint(dialog);
+            ASSERT_EQ(dialog.result(), QDialog::Accepted);
+            PrintPage(printer, 8);
+            ASSERT_FALSE(NextPrinted(before).empty());
+            const std::string pages = Drawn(LastJob(), "pgmraw");
+            if (!hasPane) {
+                reference = pages;
+            }
+            EXPECT_TRUE(pages == reference) << pages.size() << " " << reference.size();
+        }
+    }
 }
 
 TEST_F(ForeignDialogTest, AConflictIsAskedForWhileTheDialogIsOpen) {

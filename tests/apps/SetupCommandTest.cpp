@@ -59,6 +59,15 @@ TEST(SetupCommand, SwitchesThePaneOnBesideOtherValuesAndOff) {
                           HasSubstr("GDK_DEBUG=portals\n")));
     }
 
+    // A person cannot take back what root has switched on.
+    fs::permissions(folder.Path(), fs::perms(0755));
+    EXPECT_THAT(runCommand({"setpriv", "--reuid=65534", "--clear-groups", "env",
+                            "XDG_CONFIG_HOME=" + (folder / "nobody").string(), TORKA_BINARY_DIR "/bin/torka",
+                            "setup", "applications", "off"})
+                    .output,
+                HasSubstr("It stays on for everybody"));
+    EXPECT_TRUE(fs::exists(environment));
+
     EXPECT_EQ(setup({"off"}).status, 0);
     EXPECT_FALSE(fs::exists(session) || fs::exists(environment));
     EXPECT_EQ(setup({"off"}).output, "It was off.\n");

@@ -87,6 +87,10 @@ TEST_F(DialogTest, GaugesShowTheControllersTraysAndToner) {
 TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     AddQueue("Second");
     AddQueue("Defects2", "torkasink:/", samplePath("torka-defects.ppd"));
+    for (const char* instance : {"Production/draft", "Defects2/draft"}) {
+        ASSERT_EQ(runCommand({"lpoptions", "-p", instance, "-o", "page-ranges=2-3", "-o", "copies=7"}).status,
+                  0);
+    }
     const auto shown = Open();
     PrintDialog& dialog = *shown->dialog;
     EXPECT_FALSE(dialog.tab().findChild<QLabel*>("printerName")->isVisible()) << "the dialog names the model";
@@ -103,8 +107,18 @@ TEST_F(DialogTest, ThePaneFollowsThePrinter) {
     EXPECT_TRUE(text->text().contains("Defects2"));
     ASSERT_TRUE(dialog.chooseQueue(productionQueue));
     EXPECT_TRUE(dialog.tab().hasPanel());
-    ASSERT_TRUE(dialog.chooseQueue("Defects2"));
-    EXPECT_NE(Print(dialog), 0);
+    // A queue that has gone is no file.
+    ASSERT_EQ(runCommand({"lpadmin", "-x", "Second"}).status, 0);
+    ASSERT_TRUE(dialog.chooseQueue("Second"));
+    EXPECT_TRUE(text->text().endsWith("the print server has no queue Second")) << text->text().toStdString();
+    // An instance of a queue is that queue with options of its own.
+    ASSERT_TRUE(dialog.chooseQueue("Production/draft"));
+    EXPECT_EQ(dialog.queue(), productionQueue);
+    EXPECT_TRUE(dialog.tab().hasPanel());
+    ASSERT_TRUE(dialog.chooseQueue("Defects2/draft"));
+    EXPECT_FALSE(dialog.tab().hasPanel());
+    const int job = Print(dialog);
+    EXPECT_EQ(PrintedLines(job, "%%Page: ").size(), 2U) << "pages 2 and 3, once";
 }
 
 TEST_F(DialogTest, ADialogOpenedAndClosedAgainAndAgainKeepsNothing) {
@@ -165,18 +179,21 @@ TEST_F(DialogTest, AnotherProgramsOptionsAreItsOwnAndTheLayoutIsThePersons) {
     QPrinter accepted;
     accepted.setPrinterName(productionQueue);
     dialog::setEngineOption(accepted, "number-up", "4");
-    const QStringList program{"job-priority", "70",       "number-up", "2",  "StapleIt",
-                              "True",         "page-set", "even",      "odd"};
-    QStringList expected{"job-priority", "70", "page-set", "even", "number-up", "4"};
+    const QStringList program{"job-priority", "70",   "number-up",   "2",     "StapleIt", "True",
+                              "page-set",     "even", "page-ranges", "2-3,7", "odd"};
+    QStringList expected{"job-priority", "70", "page-set", "even", "page-ranges", "2-3,7", "number-up", "4"};
     EXPECT_EQ(dialog::guestJobOptions(program, accepted, {}), expected);
     const TemporaryFolder folder;
     const auto decided = dialog::DescribedOptions::Of(
         folder.Write("description.ppd", "*OpenUI *QVNUpPages: PickOne\n*DefaultQVNUpPages:  Two \r\n"
-                                        "*OpenUI *QVStaple/Staple: PickOne\n*DefaultOther: A\n"));
-    EXPECT_EQ(decided.defaults,
-              (std::map<std::string, std::string>{{"QVNUpPages", "Two"}, {"QVStaple", ""}}));
+                                        "*OpenUI *QVStaple/Staple: PickOne\n*DefaultOther: A\n"
+                                        "*OpenUI *QVPunch: PickOne\n*Default *QVPunch : Off\n"
+                                        "*%ZANFloatRange *QVGamma/G(1): 0.5(4)0.1;2.2;\"9;9;9;9\"\n"));
+    EXPECT_EQ(decided.defaults, (std::map<std::string, std::string>{
+                                    {"QVNUpPages", "Two"}, {"QVPunch", "Off"}, {"QVStaple", ""}}));
+    EXPECT_EQ(decided.numbers, (std::map<std::string, double>{{"QVGamma", 2.2}}));
     EXPECT_TRUE(decided.pagesPerSheet && !decided.sides);
-    expected.resize(4);
+    expected.resize(6);
     EXPECT_EQ(dialog::guestJobOptions(program, accepted, decided), expected);
 }
 

@@ -172,8 +172,10 @@ protected:
 };
 
 TEST_F(PortalServiceTest, ThePanesSettingsReachTheDeviceOncePerToken) {
-    Reply reply =
-        Prepare({{"printer", "Production"}, {"n-copies", "2"}, {"output-uri", "file:///x/Brochure.pdf"}});
+    Reply reply = Prepare({{"printer", "Production"},
+                           {"n-copies", "2"},
+                           {"output-basename", "Brochure"},
+                           {"output-uri", "file:///x/Private.pdf"}}); // of a file that was printed earlier
     PrintDialog& dialog = *Dialogs()[0];
     EXPECT_TRUE(dialog.windowTitle().endsWith("Brochure")) << dialog.windowTitle().toStdString();
     Choose(dialog, "*QVStaple", "Saddle Stitch");
@@ -235,10 +237,12 @@ TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {
                                {"page-ranges", "1-3"},
                                {"cups-StapleIt", "Corner"},
                                {"use-color", "false"},
+                               {"output-uri", "file:///x/Private.pdf"},
                                {"cups-Unknown", "x"},
                                {"number-up-layout", "rltb"},
                                {"orientation", "reverse_portrait"}};
-    for (const bool opensProperties : {false, true}) {
+    for (const auto& [opensProperties, comesBack] :
+         {std::pair(false, false), std::pair(true, false), std::pair(true, true)}) {
         Reply reply = Prepare(settings);
         PrintDialog& dialog = *Dialogs()[0];
         EXPECT_FALSE(dialog.tab().hasPanel());
@@ -253,6 +257,10 @@ TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {
                 auto* staple = properties.findChild<QWidget*>("cupsPropertiesPage")->findChild<QComboBox*>();
                 EXPECT_EQ(staple->currentText().toStdString(), "In the Corner");
             });
+        }
+        if (comesBack) { // Qt forgets the properties
+            ASSERT_TRUE(dialog.chooseQueue("Production"));
+            ASSERT_TRUE(dialog.chooseQueue("Foreign"));
         }
         PressPrint(dialog);
         ASSERT_EQ(Answer(reply), 0U);
@@ -274,6 +282,40 @@ TEST_F(PortalServiceTest, AForeignQueuePrintsWithAllChoicesAndNoneTwice) {
                   std::string::npos);
         EXPECT_EQ(Ink().size(), 6U) << "five pages, two on a sheet, two copies";
     }
+}
+
+TEST_F(PortalServiceTest, ThePaperComesBackWithEachQueueThatHasIt) {
+    AddQueue("Second");
+    for (const auto& [queue, paper, isTold] :
+         {std::tuple{"Second", "A5", false}, std::tuple{"Foreign", "A4", true}}) {
+        testing::internal::CaptureStderr();
+        Reply reply =
+            Prepare({{"printer", "Production"}, {"paper-format", "iso_a5"}, {"orientation", "landscape"}});
+        PrintDialog& dialog = *Dialogs()[0];
+        ASSERT_TRUE(dialog.chooseQueue(queue));
+        const Answers person({{"popupJobNotes", Answers::Accept}});
+        PressPrint(dialog);
+        EXPECT_EQ(Answer(reply), 0U);
+        EXPECT_EQ(Map(reply, "page-setup").value("PPDName").toString().toStdString(), paper) << queue;
+        EXPECT_EQ(Map(reply, "page-setup").value("Orientation"), "landscape") << queue;
+        const std::string told = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(told.find("the queue has no paper A5") != std::string::npos, isTold) << told;
+    }
+}
+
+TEST_F(PortalServiceTest, AQueueThatHasGoneIsNoFile) {
+    AddQueue("Passing", "torkasink:/", folder / "foreign.ppd");
+    Reply reply = Prepare({{"printer", "Passing"}});
+    PrintDialog& dialog = *Dialogs()[0];
+    ASSERT_EQ(dialog.queue(), "Passing");
+    ASSERT_EQ(runCommand({"lpadmin", "-x", "Passing"}).status, 0);
+    PressPrint(dialog);
+    EXPECT_EQ(Answer(reply), 2U);
+    const auto boxes = Shown<QMessageBox>();
+    ASSERT_EQ(boxes.size(), 1);
+    EXPECT_TRUE(boxes[0]->text().endsWith("the print server has no queue Passing"))
+        << boxes[0]->text().toStdString();
+    boxes[0]->accept();
 }
 
 TEST_F(PortalServiceTest, EvenPagesOfARangeAreThoseOfTheDocument) {

@@ -41,6 +41,8 @@ FORWARD(const char*, cupsGetDefault, (), ())
 FORWARD(int, cupsGetDests2, (http_t * http, cups_dest_t** dests), (http, dests))
 FORWARD(int, cupsGetJobs2, (http_t * http, cups_job_t** jobs, const char* name, int myjobs, int whichjobs),
         (http, jobs, name, myjobs, whichjobs))
+FORWARD(cups_dest_t*, cupsGetNamedDest, (http_t * http, const char* name, const char* instance),
+        (http, name, instance))
 FORWARD(const char*, cupsGetOption, (const char* name, int num_options, cups_option_t* options),
         (name, num_options, options))
 FORWARD(const char*, cupsGetPPD, (const char* name), (name))
