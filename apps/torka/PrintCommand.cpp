@@ -2,12 +2,14 @@
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
+#include "apps/torka/FilterLines.h"
 #include "apps/torka/JobEmission.h"
 #include "apps/torka/ManualTexts.h"
 #include "apps/torka/QueueJobs.h"
 #include "apps/torka/Sentences.h"
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
+#include "platform/System.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"
 
@@ -69,6 +71,32 @@ void addPageSize(const ZANPPD& description, JobOptions& options) {
     }
 }
 
+// The print settings go ahead of the job in command jobs. Without a line for these, the server's own filters
+// take them and the job prints without its settings. Another program's line may call torkafilter: the job is
+// sent, and `isDoubtful` set. A description that cannot be read is told by its reader.
+Result<void> checkFilterLines(const std::string& queue, const std::string& path, bool& isDoubtful) {
+    std::string text;
+    if (platform::system().ReadFile(path, maximumDescription, text)) {
+        return {};
+    }
+    for (const FilterLine& line : filterLineFaults(text)) {
+        if (line.program.empty()) {
+            const auto state = platform::queueState(queue);
+            const std::string remedy = "torka queue add " + queue + " " + (state ? state->deviceUri : "URI") +
+                                       " FILE.ppd writes both lines of torkafilter";
+            return Fault{line.type +
+                             " does not go through torkafilter, so that the job would lose its print "
+                             "settings; nothing is sent (" +
+                             remedy + ")",
+                         queue};
+        }
+        isDoubtful = true;
+        warn(queue + ": " + line.type + " goes through " + line.program +
+             ": the job loses its print settings unless this program calls torkafilter");
+    }
+    return {};
+}
+
 // Names the job and follows it. Says `shortage` without memory: the job is in the queue all the same.
 ExitStatus tellJob(const PrintOptions& options, const std::string& queue, int job,
                    const std::string& shortage) {
@@ -106,6 +134,10 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     EmissionOptions emission = options.emission;
     emission.description = CFURLCopyFileSystemPath(url);
+    bool isDoubtful = false;
+    if (const Result<void> checked = checkFilterLines(queue, emission.description, isDoubtful); !checked) {
+        return unusable(checked.Why());
+    }
     emission.jobOptions = jobOptions;
     const auto made = JobEmission::Make(emission, session);
     if (!made) {
@@ -143,7 +175,8 @@ ExitStatus printFile(const PrintOptions& options) {
         return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
     const ExitStatus status = tellJob(options, queue, *job, shortage);
-    return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
+    const bool hasFindings = isDoubtful || !settings->LeftOutEntries().empty();
+    return status == ExitStatus::good && hasFindings ? ExitStatus::findings : status;
 }
 
 } // namespace
@@ -167,7 +200,7 @@ void addPrintCommand(CLI::App& app, ExitStatus& status) {
     describe(*command,
              {.examples = {"torka print -d office samples/brochure.ps QVDuplex=DuplexNoTumble",
                            "printf %s secret | torka print -d office samples/brochure.ps DeptPassword=@-"},
-              .findings = "the job failed, it lacks a field, or --strict refuses",
+              .findings = "the job failed, it lacks a field, --strict refuses, or another filter takes it",
               .details = std::string(leftOutDetails)});
     command->callback([options, &status] { status = printFile(*options); });
 }
