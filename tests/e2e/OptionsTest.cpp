@@ -86,7 +86,7 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
 }
 
 TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
-    AddQueue("Told");
+    AddQueue("Remarked");
     const std::pair<std::string, std::string> saddle{"QVStaple", "Saddle"}, half{"QVFoldStyle", "Half"};
     for (const auto& [options, state, message] :
          {std::tuple<JobOptions, int, std::string>{
@@ -94,7 +94,7 @@ TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
           {{saddle, half, {"torka-conflicts", "stop"}}, 6, "torka-conflicts=stop"},
           {{{"Resume", "74915362"}}, 6, "Resume is protected"}}) {
         SCOPED_TRACE(message);
-        const int job = Submit("Told", options);
+        const int job = Submit("Remarked", options);
         const JobStatus status = WaitForEnd(job);
         EXPECT_EQ(status.state, state);
         EXPECT_THAT(status.message, HasSubstr(message));
