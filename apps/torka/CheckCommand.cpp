@@ -127,7 +127,10 @@ ExitStatus check(const CheckOptions& options) {
         solution["solved"] = engine.Solve(solved, true).conflicts.size() == 0;
         solution["changes"] = pairsJson(*description, solved);
     }
-    applySettings(*description, *settings);
+    const std::vector<std::string> changedNumbers = applySettings(*description, *settings);
+    for (const std::string& change : changedNumbers) {
+        warn(change);
+    }
     json["constrained"] = constrainedJson(*description);
     if (options.solve) {
         json.update(solution);
@@ -137,7 +140,7 @@ ExitStatus check(const CheckOptions& options) {
     } else {
         printAnswer(json);
     }
-    return answer.conflicts.size() == 0 ? ExitStatus::good : ExitStatus::findings;
+    return answer.conflicts.size() == 0 && changedNumbers.empty() ? ExitStatus::good : ExitStatus::findings;
 }
 
 } // namespace
@@ -151,7 +154,7 @@ void addCheckCommand(CLI::App& app, ExitStatus& status) {
     command->add_flag("--json", options->json, "As JSON");
     describe(*command,
              {.examples = {"torka check samples/torka-production.ppd QVTrimSides=Face --solve"},
-              .findings = "something is in conflict",
+              .findings = "something is in conflict, or a number does not fit",
               .details =
                   "Treats the settings as one change against the defaults of the description. A solution "
                   "keeps the given settings and the installed hardware."});

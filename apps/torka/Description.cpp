@@ -29,9 +29,14 @@ Result<Setting> parseSetting(const ZANPPD& description, const std::string& text)
     if (!value) {
         return value.Why().In(setting.key);
     }
-    setting.value = value->bytes;
-    const Result<void> checked = checkSettingValue(
-        *control, setting.value, value->isHidden ? "the text of " + std::string(given) : setting.value);
+    if (!apps::isUtf8(value->bytes)) {
+        return Fault{setting.key + " has a value that is no UTF-8"};
+    }
+    setting.shown = value->isHidden        ? "the text of " + std::string(given)
+                    : value->bytes.empty() ? "an empty value"
+                                           : value->bytes;
+    setting.value = controlText(*control, value->bytes);
+    const Result<void> checked = checkSettingValue(*control, value->bytes, setting.shown);
     if (!checked) {
         const bool isList = control->Type() == CNTL_TYPE::popup;
         return Fault{checked.Why().text + (isList ? " (torka show lists its choices)" : "")};
@@ -101,10 +106,18 @@ Result<std::vector<Setting>> parseSettings(const ZANPPD& description, const std:
     return settings;
 }
 
-void applySettings(ZANPPD& description, const std::vector<Setting>& settings) {
+std::vector<std::string> applySettings(ZANPPD& description, const std::vector<Setting>& settings) {
+    std::vector<std::string> changes;
     for (const Setting& setting : settings) {
-        description.SetValueForKey(cfString(setting.key), cfString(setting.value));
+        const CFStringRef key = cfString(setting.key);
+        description.SetValueForKey(key, cfString(setting.value));
+        const PPDXControl* control = description.GetPPDXControlForKey(key);
+        std::string change = control == nullptr ? "" : changedNumber(*control, setting.value, setting.shown);
+        if (!change.empty()) {
+            changes.push_back(std::move(change));
+        }
     }
+    return changes;
 }
 
 std::string jsonText(const char* bytes) {

@@ -167,6 +167,11 @@ void printOutcome(const std::string& outcome, const Pairs& settings,
 ExitStatus runModule(ModuleOptions options) {
     options.job.twoWay = options.data.empty() ? TwoWay::off : TwoWay::on;
     CommandHost host;
+    for (const std::string& definition : options.watermarks) {
+        if (const Result<void> checked = checkWatermark(definition); !checked) {
+            return unusable(checked.Why());
+        }
+    }
     const auto made = JobEmission::Make(options.job);
     if (!made) {
         return unusable(made.Why());

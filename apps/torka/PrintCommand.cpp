@@ -175,7 +175,8 @@ ExitStatus printFile(const PrintOptions& options) {
         return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
     const ExitStatus status = tellJob(options, queue, *job, shortage);
-    const bool hasFindings = isDoubtful || !settings->LeftOutEntries().empty();
+    const bool hasFindings =
+        isDoubtful || settings->HasChangedNumbers() || !settings->LeftOutEntries().empty();
     return status == ExitStatus::good && hasFindings ? ExitStatus::findings : status;
 }
 
@@ -200,7 +201,8 @@ void addPrintCommand(CLI::App& app, ExitStatus& status) {
     describe(*command,
              {.examples = {"torka print -d office samples/brochure.ps QVDuplex=DuplexNoTumble",
                            "printf %s secret | torka print -d office samples/brochure.ps DeptPassword=@-"},
-              .findings = "the job failed, it lacks a field, --strict refuses, or another filter takes it",
+              .findings = "the job failed, it lacks a field, a number does not fit, --strict refuses, "
+                          "or another filter takes the documents",
               .details = std::string(leftOutDetails)});
     command->callback([options, &status] { status = printFile(*options); });
 }

@@ -69,6 +69,9 @@ std::optional<Result<Setting>> ownOption(const std::string& text) {
     Setting setting;
     setting.key = name;
     setting.value = equals == text.size() ? "" : text.substr(equals + 1);
+    if (!apps::isUtf8(setting.value)) {
+        return Fault{name + " has a value that is no UTF-8"};
+    }
     if (name == "torka-conflicts" && std::ranges::find(policies, setting.value) == policies.end()) {
         return Fault{"torka-conflicts takes print, resolve or stop, not " + setting.value};
     }
@@ -148,8 +151,12 @@ ExitStatus set(const SettingsOptions& options) {
     if (const std::string problem = spooler.ChangeStandingOptions(queue->name, {}, added); !problem.empty()) {
         return unusable(problem);
     }
+    const std::vector<std::string> changedNumbers = applySettings(*queue->description, *settings);
+    for (const std::string& change : changedNumbers) {
+        warn(change);
+    }
     warnOfConflicts(spooler, *queue);
-    return ExitStatus::good;
+    return changedNumbers.empty() ? ExitStatus::good : ExitStatus::findings;
 }
 
 ExitStatus clear(const SettingsOptions& options) {
@@ -195,12 +202,14 @@ void addSettingsCommand(CLI::App& app, ExitStatus& status) {
 
     CLI::App* kept = add("set", "Keep settings for the jobs of all programs", set);
     kept->add_option("SETTING", options->texts, settingHelp)->option_text("KEY=VALUE")->required();
-    describe(*kept, {.examples = {"torka settings set -d office QVDuplex=LongEdge Notes1=draft"},
-                     .findings = "a setting is a password or protected, so that nothing is kept",
-                     .details = "The settings go into ~/.cups/lpoptions, or for root into "
-                                "/etc/cups/lpoptions, where they count for everybody. Programs add them to "
-                                "their jobs as options, which others can read. torka-watermark and "
-                                "torka-conflicts can be kept, too."});
+    describe(*kept,
+             {.examples = {"torka settings set -d office QVDuplex=LongEdge Notes1=draft"},
+              .findings =
+                  "a setting is a password or protected, so that nothing is kept, or a number does not fit",
+              .details = "The settings go into ~/.cups/lpoptions, or for root into "
+                         "/etc/cups/lpoptions, where they count for everybody. Programs add them to "
+                         "their jobs as options, which others can read. torka-watermark and "
+                         "torka-conflicts can be kept, too."});
 
     CLI::App* dropped = add("clear", "Keep settings no longer", clear);
     dropped->add_option("KEY", options->texts, "Setting; otherwise all of the queue");

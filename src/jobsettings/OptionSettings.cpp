@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 
 namespace torka {
@@ -210,7 +209,6 @@ void OptionSettings::TakeOwnOption(std::string_view name, const std::string& val
 }
 
 void OptionSettings::TakeWatermark(const std::string& name) {
-    constexpr std::ptrdiff_t commas = 14; // of a definition
     if (isSameAscii(name, "none") || name.empty()) {
         return;
     }
@@ -223,7 +221,7 @@ void OptionSettings::TakeWatermark(const std::string& name) {
             }
         }
     }
-    if (std::ranges::count(name, ',') >= commas && name.size() < watermarkDefinitionSize) {
+    if (isWatermarkDefinition(name)) {
         watermark = std::make_unique<ZANWatermark>(name.c_str());
     } else {
         Remark("the queue keeps no watermark " + name);
@@ -285,14 +283,12 @@ void OptionSettings::TakeValue(PPDXControl& control, const std::string& value) {
         }
     } else if (control.Type() == CNTL_TYPE::specialOption) {
         Remark(checkSettingValue(control, value, value).Why().text);
-    } else if (const std::optional<double> number = numberOf(value); !number) {
-        Remark(nameOf(control) + " takes a number, not " + value);
+    } else if (const Result<void> checked = checkSettingValue(control, value, value); !checked) {
+        Remark(std::string(withoutAsterisk(checked.Why().text)));
     } else {
-        control.SetCurrentControlWithCFString(cfString(value.substr(value.starts_with('+') ? 1 : 0)));
-        // The control holds a number to its bounds and its steps; a float has seven digits.
-        if (const double held = numberOf(valueOf(control)).value_or(0);
-            std::abs(held - *number) > std::abs(*number) * 1e-5 + 5e-4) {
-            Remark(nameOf(control) + " does not take " + value + ", but " + valueOf(control));
+        control.SetCurrentControlWithCFString(cfString(controlText(control, value)));
+        if (const std::string text = changedNumber(control, value, value); !text.empty()) {
+            Remark(std::string(withoutAsterisk(text)));
         }
     }
 }
@@ -348,13 +344,10 @@ void OptionSettings::TakeNote(PPDXJobNote& note, const std::string& text) {
 }
 
 void OptionSettings::TakeSize(PPDXCustomPageSizeControl& control, std::string_view value) {
-    const std::optional<PaperSize> size = sizeOf(value);
-    const auto isWithin = [](double points, float least, float most) {
-        return points >= static_cast<double>(least) - 0.5 && points <= static_cast<double>(most) + 0.5;
-    };
-    if (!size || !isWithin(size->width, control.MinWidth(), control.MaxWidth()) ||
-        !isWithin(size->height, control.MinHeight(), control.MaxHeight())) {
-        Remark(nameOf(control) + " takes no size " + std::string(value));
+    const std::optional<PaperSize> size = sizeFor(control, value);
+    if (!size) {
+        Remark(
+            std::string(withoutAsterisk(checkSettingValue(control, value, std::string(value)).Why().text)));
         return;
     }
     control.SetWidth(static_cast<float>(size->width));

@@ -131,13 +131,16 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
           {"QVStaple=Nope", 2, "*QVStaple does not offer Nope (torka show lists its choices)"},
           {"QVNope=1", 2, "the description has no option *QVNope"},
           {"torka-conflicts=x", 2, "torka-conflicts takes print, resolve or stop"},
+          {"QVGamma=1,8", 2, "*QVGamma takes a number, not 1,8"},
+          {"torka-watermark=\xff", 2, "torka-watermark has a value that is no UTF-8"},
           {"Notes1=a\nb", 2, "control character"}}) {
         ExpectTool({"settings", "set", "-d", "Standing", "QVScale=60", setting}, status, reason);
     }
     EXPECT_EQ(readFile(file), kept);
     EXPECT_EQ(settings("show").output,
               "Notes1=" + note + "\nQVScale=50\nQVStaple=Top\ntorka-conflicts=stop\n");
-    EXPECT_THAT(settings("set", {"QVFoldStyle=Half", "QVStaple=Saddle"}).errors,
+    ExpectTool({"settings", "set", "-d", "Standing", "QVScale=5000"}, 1, "does not take 5000, but");
+    EXPECT_THAT(settings("set", {"QVFoldStyle=Half", "QVStaple=Saddle", "QVScale=50"}).errors,
                 HasSubstr("does not go together"));
 
     // Writers at the same time lose nothing of each other.
