@@ -52,12 +52,6 @@ std::string spelling(const PPDXPopupControl& popup, std::string_view value) {
     return found;
 }
 
-// Whether a name that the description does not have was meant as one of its settings.
-bool looksLikeSetting(std::string_view name) {
-    return (name.starts_with('*') && name.size() > 1) || isSameAscii(name.substr(0, 2), "QV") ||
-           (name.starts_with("torka-") && name != "torka-ticket" && name != conflictsOption);
-}
-
 // The three settings that the print server decides by its own filters; the description only shows them.
 bool isServersSetting(const PPDXControl& control) {
     return control == pageSizeKeyword || control == "*PageRegion" || control == "*Collate";
@@ -109,6 +103,11 @@ bool OptionSettings::IsServersOwn(std::string_view name) {
            std::ranges::any_of(beginnings, [name](std::string_view each) { return name.starts_with(each); });
 }
 
+bool OptionSettings::LooksLikeSetting(std::string_view name) {
+    return (name.starts_with('*') && name.size() > 1) || isSameAscii(name.substr(0, 2), "QV") ||
+           (name.starts_with("torka-") && name != "torka-ticket" && name != conflictsOption);
+}
+
 bool OptionSettings::IsLeftAlone(std::string_view name) {
     return IsServersOwn(name) || name == "PageSize" || name == "PageRegion" || name == "Collate";
 }
@@ -135,7 +134,7 @@ bool OptionSettings::NamesSettings(const OptionMap& options) const {
             return name != "sides" || ChangesSides(value);
         }
         const PPDXControl* control = FindSetting(name);
-        return control == nullptr ? looksLikeSetting(name) : !isServersSetting(*control);
+        return control == nullptr ? LooksLikeSetting(name) : !isServersSetting(*control);
     });
 }
 
@@ -165,7 +164,7 @@ void OptionSettings::Take(const OptionMap& options, const ServerChoices& server)
             TakeOwnOption(name, value);
         } else if (PPDXControl* control = FindSetting(name)) {
             TakeValue(*control, value);
-        } else if (looksLikeSetting(name)) {
+        } else if (LooksLikeSetting(name)) {
             Remark("the description has no setting " + name);
         }
     }

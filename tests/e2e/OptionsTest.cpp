@@ -158,6 +158,22 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
     EXPECT_THAT(settings("show").output, testing::AllOf(Not(HasSubstr("QVGamma")), HasSubstr("QVScale=50")));
     EXPECT_EQ(settings("clear").status, 0);
     EXPECT_EQ(readFile(file), others + "Dest Standing copies=1 page-left=\"1 2\"\n");
+    // Settings of a description that the queue had before.
+    for (const bool isNamed : {true, false}) {
+        std::ofstream(file) << others
+                            << "Dest Standing copies=1 QVGone=1 ZANPrintTime=x Tray=y page-left=\"1 2\"\n";
+        const CommandResult shown = settings("show");
+        EXPECT_EQ(shown.status, 1);
+        EXPECT_EQ(shown.output, "QVGone=1\nZANPrintTime=x\n");
+        EXPECT_THAT(shown.errors, HasSubstr("QVGone is not in this description"));
+        EXPECT_EQ(settings("clear", {"copies"}).status, 2);
+        EXPECT_EQ(settings("clear", isNamed ? std::vector<std::string>{"*qvgone", "ZANPrintTime", "Tray"}
+                                            : std::vector<std::string>())
+                      .status,
+                  0);
+        EXPECT_EQ(readFile(file),
+                  others + "Dest Standing copies=1 page-left=\"1 2\"" + (isNamed ? "\n" : " Tray=y\n"));
+    }
     std::filesystem::remove(file);
 }
 
