@@ -117,7 +117,7 @@ Result<std::unique_ptr<JobEmission>> JobEmission::Make(const EmissionOptions& op
     if (!description) {
         return description.Why();
     }
-    const auto chosen = parseSettings(**description, options.settings);
+    auto chosen = parseSettings(**description, options.settings);
     if (!chosen) {
         return chosen.Why();
     }
@@ -132,8 +132,9 @@ Result<std::unique_ptr<JobEmission>> JobEmission::Make(const EmissionOptions& op
     if (const Result<void> restored = job->RestorePrintSettings(); !restored) {
         return restored.Why();
     }
-    job->changedNumbers = applySettings(*job->description, *chosen);
-    for (const Setting& setting : *chosen) {
+    job->chosen = *std::move(chosen);
+    job->ApplySettings();
+    for (const Setting& setting : job->chosen) {
         job->CheckText(cfString(setting.key), cfString(setting.value));
     }
     job->ApplyOptions();
@@ -222,10 +223,14 @@ Result<void> JobEmission::TakeJobOptions() {
     return {};
 }
 
-bool JobEmission::Check() const {
+void JobEmission::TellChangedNumbers() const {
     for (const std::string& change : changedNumbers) {
         warn(change);
     }
+}
+
+bool JobEmission::Check() const {
+    TellChangedNumbers();
     const bool hasConflicts = ReportConflicts();
     const bool hasBrokenNotes = ReportBrokenNotes();
     return !options.isStrict || !(hasConflicts || hasBrokenNotes || HasChangedNumbers());

@@ -68,6 +68,10 @@ public:
     // together, and every rule that a note's text breaks, one line each on standard error. False when there
     // is one and the options are strict: the caller must not emit the job.
     bool Check() const;
+    // Applies the settings of the command line once more, after something else has set the description.
+    void ApplySettings() { changedNumbers = applySettings(*description, chosen); }
+    // Reports each number that was changed.
+    void TellChangedNumbers() const;
     // Whether a number of the command line was changed to fit its bounds and steps.
     bool HasChangedNumbers() const { return !changedNumbers.empty(); }
 
@@ -104,6 +108,7 @@ private:
     std::unique_ptr<PDEData> data;
     CFDataRef xml;
     std::vector<LeftOut> leftOut;
+    std::vector<Setting> chosen;
     std::vector<std::string> changedNumbers;
 };
 
