@@ -4,9 +4,12 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/SettingText.h"
 #include "jobsettings/SettingCheck.h"
+#include "platform/System.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace torka::tool {
@@ -44,7 +47,27 @@ Result<Setting> parseSetting(const ZANPPD& description, const std::string& text)
     return setting;
 }
 
+// Why the system does not read the file; "" when it does now.
+std::string unreadableReason(const std::string& path) {
+    std::string text;
+    const std::error_code error = platform::system().ReadFile(path, maximumDescription, text);
+    std::error_code unknown;
+    if (error == std::errc::invalid_argument && std::filesystem::exists(path, unknown)) {
+        return "not a regular file";
+    }
+    return error && error != std::errc::file_too_large ? error.message() : "";
+}
+
 } // namespace
+
+std::string markedEncoding(const std::string& path) {
+    std::string text;
+    platform::system().ReadFile(path, maximumDescription, text); // an unreadable file has no mark
+    if (text.starts_with("\xEF\xBB\xBF")) {
+        return "UTF-8";
+    }
+    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF") ? "UTF-16" : "";
+}
 
 std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint) {
     auto description = std::make_unique<ZANPPD>(kAcceptOrphans | kAcceptHidden);
@@ -59,12 +82,18 @@ Result<void> checkUsable(const ZANPPD& description, const std::string& path) {
     for (const PPDXErrorObj* error = errors->First(); error != nullptr; error = errors->Next()) {
         const std::int16_t code = error->Code();
         if (code == PPDErr_FileError) {
-            return Fault{std::string("cannot be read as a file (") + ppdErrName(PPDErr_FileError) + ")",
+            const std::string reason = unreadableReason(path);
+            return Fault{"cannot be read as a file" + (reason.empty() ? reason : ": " + reason) + " (" +
+                             ppdErrName(PPDErr_FileError) + ")",
                          path};
         }
         if (code == PPDErr_NotPPDFile) {
-            return Fault{
-                std::string("is not a PPD file of format 4.3 (") + ppdErrName(PPDErr_NotPPDFile) + ")", path};
+            const std::string marked = markedEncoding(path);
+            const std::string text =
+                marked.empty() ? "is not a PPD file of format 4.3"
+                               : "is not a PPD file of format 4.3: it begins with the byte-order mark of " +
+                                     marked + "; save it as UTF-8 without the mark";
+            return Fault{text + " (" + ppdErrName(PPDErr_NotPPDFile) + ")", path};
         }
         if (code == PPDErr_TooManyElements || code == PPDErr_TooManyBytes) {
             const bool isElements = code == PPDErr_TooManyElements;

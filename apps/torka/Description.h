@@ -26,6 +26,8 @@ inline constexpr std::size_t maximumDescription = std::size_t{64} * 1024 * 1024;
 std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint = nullptr);
 // Fails when the description is unusable.
 Result<void> checkUsable(const ZANPPD& description, const std::string& path);
+// The encoding whose byte-order mark stands at the beginning of the file; "" for none.
+std::string markedEncoding(const std::string& path);
 // Reads a description. Fails when it is unusable.
 Result<std::unique_ptr<ZANPPD>> readUsableDescription(const std::string& path);
 

@@ -14,10 +14,12 @@
 #include "platform/cups/CupsQueue.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <system_error>
 #include <unistd.h>
 
 namespace torka::tool {
@@ -44,13 +46,17 @@ Result<JobOptions> readJobOptions(const std::vector<std::string>& texts) {
     for (const std::string& text : texts) {
         const std::size_t equals = std::min(text.find('='), text.size());
         const std::string name = text.substr(0, equals);
-        if (equals == text.size() || std::ranges::find(standardOptions, name) == std::end(standardOptions)) {
+        if (std::ranges::find(standardOptions, name) == std::end(standardOptions)) {
             return Fault{"'" + text +
                          "' is no option of the print server that can be given: copies, sides, media, "
                          "number-up, print-quality, page-ranges, collate, fit-to-page; everything else is a "
                          "setting, KEY=VALUE"};
         }
-        options.emplace_back(name, text.substr(equals + 1));
+        const bool isTruth = name == "collate" || name == "fit-to-page";
+        if (equals == text.size() && !isTruth) {
+            return Fault{"'" + text + "' lacks its value: NAME=VALUE is meant"};
+        }
+        options.emplace_back(name, equals == text.size() ? "true" : text.substr(equals + 1)); // as lp does
     }
     return options;
 }
@@ -115,9 +121,14 @@ ExitStatus printFile(const PrintOptions& options) {
         return unusable(given.Why());
     }
     JobOptions& jobOptions = *given;
-    std::error_code unknown;
-    if (access(options.file.c_str(), R_OK) != 0 || std::filesystem::is_directory(options.file, unknown)) {
-        return unusable(options.file + ": cannot be read");
+    std::error_code unreadable;
+    if (std::filesystem::is_directory(options.file, unreadable)) {
+        unreadable = std::make_error_code(std::errc::is_a_directory);
+    } else if (access(options.file.c_str(), R_OK) != 0) {
+        unreadable = std::error_code(errno, std::generic_category());
+    }
+    if (unreadable) {
+        return unusable(options.file + ": cannot be read: " + unreadable.message());
     }
     if (const std::string problem = platform::queueProblem(options.queue); !problem.empty()) {
         return unusable(problem);
