@@ -95,10 +95,11 @@ void printAnswer(const Json& answer) {
     printPairs("Choices that would not conflict", answer["alternatives"]);
     printPairs("Forbidden once the settings are applied", answer["constrained"]);
     if (answer.contains("solved")) {
-        print(inPersonsLanguage(answer["solved"].get<bool>() ? "A resolution was found."
-                                                             : "No resolution was found.") +
-              "\n");
-        printPairs("Changes", answer["changes"]);
+        const bool isSolved = answer["solved"].get<bool>();
+        print(inPersonsLanguage(isSolved ? "A resolution was found." : "No resolution was found.") + "\n");
+        if (isSolved) {
+            printPairs("Changes", answer["changes"]);
+        }
     }
 }
 
@@ -124,8 +125,9 @@ ExitStatus check(const CheckOptions& options) {
     Json solution = Json::object();
     if (options.solve) {
         KVCache solved = changes;
-        solution["solved"] = engine.Solve(solved, true).conflicts.size() == 0;
-        solution["changes"] = pairsJson(*description, solved);
+        const bool isSolved = engine.Solve(solved, true).conflicts.size() == 0;
+        solution["solved"] = isSolved;
+        solution["changes"] = isSolved ? pairsJson(*description, solved) : Json::array();
     }
     const std::vector<std::string> changedNumbers = applySettings(*description, *settings);
     for (const std::string& change : changedNumbers) {
@@ -153,7 +155,7 @@ void addCheckCommand(CLI::App& app, ExitStatus& status) {
     command->add_flag("--solve", options->solve, "Find changes of other settings that end the conflicts");
     command->add_flag("--json", options->json, "As JSON");
     describe(*command,
-             {.examples = {"torka check samples/torka-production.ppd QVTrimSides=Face --solve"},
+             {.examples = {"torka check samples/torka-production.ppd QVInterlvMedia=True --solve"},
               .findings = "something is in conflict, or a number does not fit",
               .details =
                   "Treats the settings as one change against the defaults of the description. A solution "

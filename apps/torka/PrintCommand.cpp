@@ -210,7 +210,7 @@ void addPrintCommand(CLI::App& app, ExitStatus& status) {
                       "Print without a note that the encoding cannot hold");
     addEmissionOptions(*command, options->emission);
     describe(*command,
-             {.examples = {"torka print -d office samples/brochure.ps QVDuplex=DuplexNoTumble",
+             {.examples = {"torka print -d office samples/brochure.ps QVDuplex=LongEdge",
                            "printf %s secret | torka print -d office samples/brochure.ps DeptPassword=@-"},
               .findings = "the job failed, it lacks a field, a number does not fit, --strict refuses, "
                           "or another filter takes the documents",
