@@ -154,10 +154,11 @@ void printAnswer(const Json& answer) {
     printPairs("Choices that would not conflict", answer["alternatives"]);
     printPairs("Forbidden once the settings are applied", answer["constrained"]);
     if (answer.contains("solved")) {
-        print(inPersonsLanguage(answer["solved"].get<bool>() ? "A resolution was found."
-                                                             : "No resolution was found.") +
-              "\n");
-        printPairs("Changes", answer["changes"]);
+        const bool isSolved = answer["solved"].get<bool>();
+        print(inPersonsLanguage(isSolved ? "A resolution was found." : "No resolution was found.") + "\n");
+        if (isSolved) {
+            printPairs("Changes", answer["changes"]);
+        }
     }
 }
 
@@ -183,10 +184,15 @@ ExitStatus check(const CheckOptions& options) {
     Json solution = Json::object();
     if (options.solve) {
         KVCache solved = changes;
-        solution["solved"] = solveWhole(engine, constraints, solved);
-        solution["changes"] = pairsJson(*description, realChanges(solved, changes, constraints));
+        const bool isSolved = solveWhole(engine, constraints, solved);
+        solution["solved"] = isSolved;
+        solution["changes"] =
+            isSolved ? pairsJson(*description, realChanges(solved, changes, constraints)) : Json::array();
     }
-    applySettings(*description, *settings);
+    const std::vector<std::string> changedNumbers = applySettings(*description, *settings);
+    for (const std::string& change : changedNumbers) {
+        warn(change);
+    }
     json["constrained"] = constrainedJson(*description);
     if (options.solve) {
         json.update(solution);
@@ -196,7 +202,7 @@ ExitStatus check(const CheckOptions& options) {
     } else {
         printAnswer(json);
     }
-    return answer.conflicts.size() == 0 ? ExitStatus::good : ExitStatus::findings;
+    return answer.conflicts.size() == 0 && changedNumbers.empty() ? ExitStatus::good : ExitStatus::findings;
 }
 
 } // namespace
@@ -209,8 +215,8 @@ void addCheckCommand(CLI::App& app, ExitStatus& status) {
     command->add_flag("--solve", options->solve, "Find changes of other settings that end the conflicts");
     command->add_flag("--json", options->json, "As JSON");
     describe(*command,
-             {.examples = {"torka check samples/torka-production.ppd QVTrimSides=Face --solve"},
-              .findings = "something is in conflict",
+             {.examples = {"torka check samples/torka-production.ppd QVInterlvMedia=True --solve"},
+              .findings = "something is in conflict, or a number does not fit",
               .details =
                   "Treats the settings as one change against the defaults of the description. Defaults that "
                   "conflict with each other count too. A solution keeps the given settings and the installed "

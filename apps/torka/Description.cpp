@@ -4,9 +4,12 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/SettingText.h"
 #include "jobsettings/SettingCheck.h"
+#include "platform/System.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace torka::tool {
@@ -29,9 +32,14 @@ Result<Setting> parseSetting(const ZANPPD& description, const std::string& text)
     if (!value) {
         return value.Why().In(setting.key);
     }
-    setting.value = value->bytes;
-    const Result<void> checked = checkSettingValue(
-        *control, setting.value, value->isHidden ? "the text of " + std::string(given) : setting.value);
+    if (!apps::isUtf8(value->bytes)) {
+        return Fault{setting.key + " has a value that is no UTF-8"};
+    }
+    setting.shown = value->isHidden        ? "the text of " + std::string(given)
+                    : value->bytes.empty() ? "an empty value"
+                                           : value->bytes;
+    setting.value = controlText(*control, value->bytes);
+    const Result<void> checked = checkSettingValue(*control, value->bytes, setting.shown);
     if (!checked) {
         const bool isList = control->Type() == CNTL_TYPE::popup;
         return Fault{checked.Why().text + (isList ? " (torka show lists its choices)" : "")};
@@ -39,7 +47,27 @@ Result<Setting> parseSetting(const ZANPPD& description, const std::string& text)
     return setting;
 }
 
+// Why the system does not read the file; "" when it does now.
+std::string unreadableReason(const std::string& path) {
+    std::string text;
+    const std::error_code error = platform::system().ReadFile(path, maximumDescription, text);
+    std::error_code unknown;
+    if (error == std::errc::invalid_argument && std::filesystem::exists(path, unknown)) {
+        return "not a regular file";
+    }
+    return error && error != std::errc::file_too_large ? error.message() : "";
+}
+
 } // namespace
+
+std::string markedEncoding(const std::string& path) {
+    std::string text;
+    platform::system().ReadFile(path, maximumDescription, text); // an unreadable file has no mark
+    if (text.starts_with("\xEF\xBB\xBF")) {
+        return "UTF-8";
+    }
+    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF") ? "UTF-16" : "";
+}
 
 std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint) {
     auto description = std::make_unique<ZANPPD>(kAcceptOrphans | kAcceptHidden);
@@ -54,12 +82,18 @@ Result<void> checkUsable(const ZANPPD& description, const std::string& path) {
     for (const PPDXErrorObj* error = errors->First(); error != nullptr; error = errors->Next()) {
         const std::int16_t code = error->Code();
         if (code == PPDErr_FileError) {
-            return Fault{std::string("cannot be read as a file (") + ppdErrName(PPDErr_FileError) + ")",
+            const std::string reason = unreadableReason(path);
+            return Fault{"cannot be read as a file" + (reason.empty() ? reason : ": " + reason) + " (" +
+                             ppdErrName(PPDErr_FileError) + ")",
                          path};
         }
         if (code == PPDErr_NotPPDFile) {
-            return Fault{
-                std::string("is not a PPD file of format 4.3 (") + ppdErrName(PPDErr_NotPPDFile) + ")", path};
+            const std::string marked = markedEncoding(path);
+            const std::string text =
+                marked.empty() ? "is not a PPD file of format 4.3"
+                               : "is not a PPD file of format 4.3: it begins with the byte-order mark of " +
+                                     marked + "; save it as UTF-8 without the mark";
+            return Fault{text + " (" + ppdErrName(PPDErr_NotPPDFile) + ")", path};
         }
         if (code == PPDErr_TooManyElements || code == PPDErr_TooManyBytes) {
             const bool isElements = code == PPDErr_TooManyElements;
@@ -101,10 +135,18 @@ Result<std::vector<Setting>> parseSettings(const ZANPPD& description, const std:
     return settings;
 }
 
-void applySettings(ZANPPD& description, const std::vector<Setting>& settings) {
+std::vector<std::string> applySettings(ZANPPD& description, const std::vector<Setting>& settings) {
+    std::vector<std::string> changes;
     for (const Setting& setting : settings) {
-        description.SetValueForKey(cfString(setting.key), cfString(setting.value));
+        const CFStringRef key = cfString(setting.key);
+        description.SetValueForKey(key, cfString(setting.value));
+        const PPDXControl* control = description.GetPPDXControlForKey(key);
+        std::string change = control == nullptr ? "" : changedNumber(*control, setting.value, setting.shown);
+        if (!change.empty()) {
+            changes.push_back(std::move(change));
+        }
     }
+    return changes;
 }
 
 std::string jsonText(const char* bytes) {

@@ -26,6 +26,8 @@ inline constexpr std::size_t maximumDescription = std::size_t{64} * 1024 * 1024;
 std::unique_ptr<ZANPPD> readDescription(const std::string& path, PPDLint* lint = nullptr);
 // Fails when the description is unusable.
 Result<void> checkUsable(const ZANPPD& description, const std::string& path);
+// The encoding whose byte-order mark stands at the beginning of the file; "" for none.
+std::string markedEncoding(const std::string& path);
 // Reads a description. Fails when it is unusable.
 Result<std::unique_ptr<ZANPPD>> readUsableDescription(const std::string& path);
 
@@ -36,20 +38,25 @@ struct Setting {
     Setting(Setting&&) noexcept = default;
     Setting& operator=(const Setting&) = default;
     Setting& operator=(Setting&&) noexcept = default;
-    ~Setting() { platform::wipeText(value); }
+    ~Setting() {
+        platform::wipeText(value);
+        platform::wipeText(shown);
+    }
 
-    std::string key; // with its asterisk
-    std::string value;
+    std::string key;   // with its asterisk
+    std::string value; // in the form that the control reads
+    std::string shown; // the value as it was given, for messages
 };
 
 inline constexpr const char* settingHelp = "Setting; KEY=@FILE takes a file, KEY=@- the input";
 
 // Parses texts of the form "KEY=VALUE"; a key may lack its asterisk, and VALUE may name a file
 // (readSettingText). Fails when a text has no "=", the description has no such control, the control does not
-// take the value, or two values stand on standard input.
+// take the value, the value is no UTF-8, or two values stand on standard input.
 Result<std::vector<Setting>> parseSettings(const ZANPPD& description, const std::vector<std::string>& texts);
-// Applies the settings in the given order.
-void applySettings(ZANPPD& description, const std::vector<Setting>& settings);
+// Applies the settings in the given order. Returns a text for each number that the control changed to fit its
+// bounds and steps.
+std::vector<std::string> applySettings(ZANPPD& description, const std::vector<Setting>& settings);
 
 // Text for JSON. Invalid UTF-8 becomes U+FFFD.
 std::string jsonText(const char* bytes);

@@ -142,7 +142,8 @@ ExitStatus emit(const EmitOptions& options) {
     }
     printEntries(*job, options.json);
     const ExitStatus status = options.document.empty() ? ExitStatus::good : spliceInto(options, job->Xml());
-    return status == ExitStatus::good && !job->LeftOutEntries().empty() ? ExitStatus::findings : status;
+    const bool hasFindings = job->HasChangedNumbers() || !job->LeftOutEntries().empty();
+    return status == ExitStatus::good && hasFindings ? ExitStatus::findings : status;
 }
 
 } // namespace
@@ -163,7 +164,7 @@ void addEmitCommand(CLI::App& app, ExitStatus& status) {
              {.examples = {"torka emit samples/torka-production.ppd PageSize=A4 --ticket ticket.plist",
                            "torka emit samples/torka-production.ppd "
                            "--splice samples/brochure.ps --output job.ps"},
-              .findings = "the job lacks an entry or a field, or --strict refuses",
+              .findings = "the job lacks an entry or a field, a number does not fit, or --strict refuses",
               .details = std::string(leftOutDetails)});
     command->callback([options, &status] { status = emit(*options); });
 }

@@ -12,11 +12,15 @@ namespace torka::tool {
 // types. Without a line for command jobs, the server's own filters take them and answer nothing.
 std::string withFilterLines(std::string_view description);
 
-// What a description lacks of these two lines.
-struct FilterLineFault {
+// A line of a description for one of the two types.
+struct FilterLine {
     std::string type;    // MIME type
-    std::string program; // what its line calls instead of torkafilter; "" without a line
+    std::string program; // what it calls; "" without a line
+    bool operator==(const FilterLine&) const = default;
 };
-std::vector<FilterLineFault> filterLineFaults(std::string_view description);
+// The two types that do not go through torkafilter, with what takes them instead.
+std::vector<FilterLine> filterLineFaults(std::string_view description);
+// The lines for the two types that call another program. The program "-" calls none.
+std::vector<FilterLine> otherFilterLines(std::string_view description);
 
 } // namespace torka::tool

@@ -7,6 +7,7 @@
 #include "apps/torka/Command.h"
 #include "jobsettings/Findings.h"
 #include "jobsettings/ServerOptions.h"
+#include "jobsettings/SettingCheck.h"
 #include "output/BundleIdentifier.h"
 #include "platform/PropertyList.h"
 #include "platform/System.h"
@@ -80,7 +81,7 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options) {
         ->option_text("FILE");
     command.add_option("--orientation", options.orientation, "1 portrait, 2 landscape, 3 and 4 upside down")
         ->check(CLI::Range(1, 4));
-    command.add_flag("--strict", options.isStrict, "Do nothing when settings conflict or break a rule");
+    command.add_flag("--strict", options.isStrict, "Do nothing when settings conflict or do not fit");
 }
 
 Result<void> useFieldKeys(const std::string& path) {
@@ -98,15 +99,30 @@ Result<void> useFieldKeys(const std::string& path) {
     return {};
 }
 
+Result<void> checkWatermark(const std::string& definition) {
+    if (!apps::isUtf8(definition)) {
+        return Fault{std::string("--watermark") + " has a value that is no UTF-8"};
+    }
+    const bool isTooLong = definition.size() >= watermarkDefinitionSize; // told with what the job lacks
+    return definition.empty() || isTooLong || isWatermarkDefinition(definition)
+               ? Result<void>()
+               : Fault{"--watermark takes a definition, 14 fields and a text with a comma behind each field, "
+                       "not " +
+                       definition + " (docs/watermarks.md)"};
+}
+
 Result<std::unique_ptr<JobEmission>> JobEmission::Make(const EmissionOptions& options,
                                                        PMPrintSession session) {
     auto description = readUsableDescription(options.description);
     if (!description) {
         return description.Why();
     }
-    const auto chosen = parseSettings(**description, options.settings);
+    auto chosen = parseSettings(**description, options.settings);
     if (!chosen) {
         return chosen.Why();
+    }
+    if (const Result<void> checked = checkWatermark(options.watermark); !checked) {
+        return checked.Why();
     }
     if (const Result<void> keys = useFieldKeys(options.keys); !keys) {
         return keys.Why();
@@ -116,8 +132,9 @@ Result<std::unique_ptr<JobEmission>> JobEmission::Make(const EmissionOptions& op
     if (const Result<void> restored = job->RestorePrintSettings(); !restored) {
         return restored.Why();
     }
-    applySettings(*job->description, *chosen);
-    for (const Setting& setting : *chosen) {
+    job->chosen = *std::move(chosen);
+    job->ApplySettings();
+    for (const Setting& setting : job->chosen) {
         job->CheckText(cfString(setting.key), cfString(setting.value));
     }
     job->ApplyOptions();
@@ -206,10 +223,17 @@ Result<void> JobEmission::TakeJobOptions() {
     return {};
 }
 
+void JobEmission::TellChangedNumbers() const {
+    for (const std::string& change : changedNumbers) {
+        warn(change);
+    }
+}
+
 bool JobEmission::Check() const {
+    TellChangedNumbers();
     const bool hasConflicts = ReportConflicts();
     const bool hasBrokenNotes = ReportBrokenNotes();
-    return !options.isStrict || !(hasConflicts || hasBrokenNotes);
+    return !options.isStrict || !(hasConflicts || hasBrokenNotes || HasChangedNumbers());
 }
 
 bool JobEmission::ReportConflicts() const {

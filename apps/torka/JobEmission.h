@@ -31,7 +31,8 @@ struct EmissionOptions {
     std::string savePrintSettings; // path for the print settings that a pane would store, "" for none
     JobOptions jobOptions;         // of the print server, beside the ticket
     TwoWay twoWay = TwoWay::asKept;
-    bool isStrict = false; // settings in conflict and a note that breaks a rule stop the job
+    bool isStrict =
+        false; // settings in conflict, a changed number and a note that breaks a rule stop the job
 };
 
 // Adds SETTING, --watermark, --keys, --orientation, --settings, --save-settings, --two-way and --strict. Each
@@ -41,6 +42,8 @@ void addEmissionOptions(CLI::App& command, EmissionOptions& options);
 // Fails when the named file is unusable. A missing installed file is no error here: Emit reports the notes
 // that need it.
 Result<void> useFieldKeys(const std::string& path);
+// Fails when the text of --watermark has too few fields, or is no UTF-8. "" is no watermark.
+Result<void> checkWatermark(const std::string& definition);
 
 // Carries the settings of one job through a pane's data into the job's ticket. Owns the description, the data
 // and the ticket. Reads the address list from the description; additions to the list stay in memory.
@@ -61,10 +64,16 @@ public:
     // Reports on standard error what the job lacks as far as it is known.
     void TellLeftOut() const;
 
-    // Reports each pair of settings that the description forbids together, and every rule that a note's text
-    // breaks, one line each on standard error. False when there is one and the options are strict: the caller
-    // must not emit the job.
+    // Reports each number that was changed, each pair of settings that the description forbids
+    // together, and every rule that a note's text breaks, one line each on standard error. False when there
+    // is one and the options are strict: the caller must not emit the job.
     bool Check() const;
+    // Applies the settings of the command line once more, after something else has set the description.
+    void ApplySettings() { changedNumbers = applySettings(*description, chosen); }
+    // Reports each number that was changed.
+    void TellChangedNumbers() const;
+    // Whether a number of the command line was changed to fit its bounds and steps.
+    bool HasChangedNumbers() const { return !changedNumbers.empty(); }
 
     ZANPPD& Description() { return *description; }
     ZANJobTicket& Ticket() { return ticket; }
@@ -99,6 +108,8 @@ private:
     std::unique_ptr<PDEData> data;
     CFDataRef xml;
     std::vector<LeftOut> leftOut;
+    std::vector<Setting> chosen;
+    std::vector<std::string> changedNumbers;
 };
 
 } // namespace torka::tool

@@ -146,8 +146,12 @@ ExitStatus runLint(const LintOptions& options) {
     } else {
         printFindings(*description, lint, options);
     }
+    const Result<void> usable = checkUsable(*description, options.path);
     if (isUnreadable(*description)) {
-        return unusable(checkUsable(*description, options.path).Why());
+        return unusable(usable.Why());
+    }
+    if (!usable && !markedEncoding(options.path).empty()) {
+        warn(usable.Why().Line()); // the finding asks for a beginning that an editor shows already
     }
     const bool isGood = description->Errors()->Empty() && (!options.strict || lint.Notes().empty());
     return isGood ? ExitStatus::good : ExitStatus::findings;

@@ -6,7 +6,7 @@ namespace torka::tool {
 CommandText generalText() {
     return {
         .examples = {"torka show samples/torka-production.ppd",
-                     "torka print -d office samples/brochure.ps QVDuplex=DuplexNoTumble"},
+                     "torka print -d office samples/brochure.ps QVDuplex=LongEdge"},
         .details =
             R"(Reads extended printer descriptions (PPD), turns settings into job tickets and prints with them.
 

@@ -32,6 +32,9 @@ void addKind(JsonSink&, const PPDXControl&) {}
 
 void addKind(JsonSink& sink, const PPDXPopupControl& popup) {
     sink.Pair("default", jsonText(popup.GetDefaultKeyword()));
+    if (popup.CanSelectMultipleItems()) {
+        sink.Pair("multiple", true);
+    }
     sink.Key("items");
     sink.BeginArray();
     popup.ForEachItem([&sink](const _PopupItem& item) {

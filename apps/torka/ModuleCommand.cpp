@@ -167,6 +167,11 @@ void printOutcome(const std::string& outcome, const Pairs& settings,
 ExitStatus runModule(ModuleOptions options) {
     options.job.twoWay = options.data.empty() ? TwoWay::off : TwoWay::on;
     CommandHost host;
+    for (const std::string& definition : options.watermarks) {
+        if (const Result<void> checked = checkWatermark(definition); !checked) {
+            return unusable(checked.Why());
+        }
+    }
     const auto made = JobEmission::Make(options.job);
     if (!made) {
         return unusable(made.Why());
@@ -181,7 +186,9 @@ ExitStatus runModule(ModuleOptions options) {
     if (!options.script.empty()) {
         setenv("TORKA_JP_SCRIPT", options.script.c_str(), 1);
     }
+    job->TellChangedNumbers();
     UI_Panel panel(&job->Data());
+    job->ApplySettings(); // the panel has set *QVPrintSize; the pane, too, applies its settings when it shows
     KeyValueList handed;
     runSession(panel, job->Data(), options, handed);
     const std::string outcome = outcomeText(fieldText(panel.Record().jpResult));
@@ -195,7 +202,7 @@ ExitStatus runModule(ModuleOptions options) {
     if (!isAccepted) {
         warn("the module's session ended without settings: " + outcome);
     }
-    return isAccepted ? ExitStatus::good : ExitStatus::findings;
+    return isAccepted && !job->HasChangedNumbers() ? ExitStatus::good : ExitStatus::findings;
 }
 
 } // namespace
@@ -229,7 +236,7 @@ void addModuleCommand(CLI::App& app, ExitStatus& status) {
     command->add_flag("--json", options->json, "As JSON");
     describe(*command,
              {.examples = {"torka module run --module libzanjp2.so --ppd samples/torka-production.ppd"},
-              .findings = "nothing was accepted",
+              .findings = "nothing was accepted, or a number does not fit",
               .details =
                   "The module gets the same input as from the pane, and shows its window. The settings that "
                   "it returns are printed as one KEY=VALUE a line, the text of a secret note as ********."});

@@ -2,20 +2,24 @@
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
+#include "apps/torka/FilterLines.h"
 #include "apps/torka/JobEmission.h"
 #include "apps/torka/ManualTexts.h"
 #include "apps/torka/QueueJobs.h"
 #include "apps/torka/Sentences.h"
 #include "bidi/commands/TicketCommands.h"
 #include "output/BundleIdentifier.h"
+#include "platform/System.h"
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <system_error>
 #include <unistd.h>
 
 namespace torka::tool {
@@ -42,13 +46,17 @@ Result<JobOptions> readJobOptions(const std::vector<std::string>& texts) {
     for (const std::string& text : texts) {
         const std::size_t equals = std::min(text.find('='), text.size());
         const std::string name = text.substr(0, equals);
-        if (equals == text.size() || std::ranges::find(standardOptions, name) == std::end(standardOptions)) {
+        if (std::ranges::find(standardOptions, name) == std::end(standardOptions)) {
             return Fault{"'" + text +
                          "' is no option of the print server that can be given: copies, sides, media, "
                          "number-up, print-quality, page-ranges, collate, fit-to-page; everything else is a "
                          "setting, KEY=VALUE"};
         }
-        options.emplace_back(name, text.substr(equals + 1));
+        const bool isTruth = name == "collate" || name == "fit-to-page";
+        if (equals == text.size() && !isTruth) {
+            return Fault{"'" + text + "' lacks its value: NAME=VALUE is meant"};
+        }
+        options.emplace_back(name, equals == text.size() ? "true" : text.substr(equals + 1)); // as lp does
     }
     return options;
 }
@@ -69,6 +77,32 @@ void addPageSize(const ZANPPD& description, JobOptions& options) {
     }
 }
 
+// The print settings go ahead of the job in command jobs. Without a line for these, the server's own filters
+// take them and the job prints without its settings. Another program's line may call torkafilter: the job is
+// sent, and `isDoubtful` set. A description that cannot be read is told by its reader.
+Result<void> checkFilterLines(const std::string& queue, const std::string& path, bool& isDoubtful) {
+    std::string text;
+    if (platform::system().ReadFile(path, maximumDescription, text)) {
+        return {};
+    }
+    for (const FilterLine& line : filterLineFaults(text)) {
+        if (line.program.empty()) {
+            const auto state = platform::queueState(queue);
+            const std::string remedy = "torka queue add " + queue + " " + (state ? state->deviceUri : "URI") +
+                                       " FILE.ppd writes both lines of torkafilter";
+            return Fault{line.type +
+                             " does not go through torkafilter, so that the job would lose its print "
+                             "settings; nothing is sent (" +
+                             remedy + ")",
+                         queue};
+        }
+        isDoubtful = true;
+        warn(queue + ": " + line.type + " goes through " + line.program +
+             ": the job loses its print settings unless this program calls torkafilter");
+    }
+    return {};
+}
+
 // Names the job and follows it. Says `shortage` without memory: the job is in the queue all the same.
 ExitStatus tellJob(const PrintOptions& options, const std::string& queue, int job,
                    const std::string& shortage) {
@@ -87,9 +121,14 @@ ExitStatus printFile(const PrintOptions& options) {
         return unusable(given.Why());
     }
     JobOptions& jobOptions = *given;
-    std::error_code unknown;
-    if (access(options.file.c_str(), R_OK) != 0 || std::filesystem::is_directory(options.file, unknown)) {
-        return unusable(options.file + ": cannot be read");
+    std::error_code unreadable;
+    if (std::filesystem::is_directory(options.file, unreadable)) {
+        unreadable = std::make_error_code(std::errc::is_a_directory);
+    } else if (access(options.file.c_str(), R_OK) != 0) {
+        unreadable = std::error_code(errno, std::generic_category());
+    }
+    if (unreadable) {
+        return unusable(options.file + ": cannot be read: " + unreadable.message());
     }
     if (const std::string problem = platform::queueProblem(options.queue); !problem.empty()) {
         return unusable(problem);
@@ -106,6 +145,10 @@ ExitStatus printFile(const PrintOptions& options) {
     }
     EmissionOptions emission = options.emission;
     emission.description = CFURLCopyFileSystemPath(url);
+    bool isDoubtful = false;
+    if (const Result<void> checked = checkFilterLines(queue, emission.description, isDoubtful); !checked) {
+        return unusable(checked.Why());
+    }
     emission.jobOptions = jobOptions;
     const auto made = JobEmission::Make(emission, session);
     if (!made) {
@@ -143,7 +186,9 @@ ExitStatus printFile(const PrintOptions& options) {
         return unusable(queue + ": the job is not taken: " + job.Why().Line());
     }
     const ExitStatus status = tellJob(options, queue, *job, shortage);
-    return status == ExitStatus::good && !settings->LeftOutEntries().empty() ? ExitStatus::findings : status;
+    const bool hasFindings =
+        isDoubtful || settings->HasChangedNumbers() || !settings->LeftOutEntries().empty();
+    return status == ExitStatus::good && hasFindings ? ExitStatus::findings : status;
 }
 
 } // namespace
@@ -165,9 +210,10 @@ void addPrintCommand(CLI::App& app, ExitStatus& status) {
                       "Print without a note that the encoding cannot hold");
     addEmissionOptions(*command, options->emission);
     describe(*command,
-             {.examples = {"torka print -d office samples/brochure.ps QVDuplex=DuplexNoTumble",
+             {.examples = {"torka print -d office samples/brochure.ps QVDuplex=LongEdge",
                            "printf %s secret | torka print -d office samples/brochure.ps DeptPassword=@-"},
-              .findings = "the job failed, it lacks a field, or --strict refuses",
+              .findings = "the job failed, it lacks a field, a number does not fit, --strict refuses, "
+                          "or another filter takes the documents",
               .details = std::string(leftOutDetails)});
     command->callback([options, &status] { status = printFile(*options); });
 }

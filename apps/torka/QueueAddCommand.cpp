@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/torka/CarriedRecords.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
@@ -7,10 +8,13 @@
 #include "apps/torka/ServerFiles.h"
 #include "platform/System.h"
 #include "platform/cups/CupsQueue.h"
+#include "platform/cups/FetchedPPD.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace torka::tool {
 
@@ -58,22 +62,70 @@ Result<void> checkFilter() {
     return problem.empty() ? Result<void>() : Fault{"the print server cannot run torkafilter: " + problem};
 }
 
-// Sends a copy with the filter's lines. Returns "" or why there is no queue.
-std::string sendQueue(const AddOptions& options) {
+// The queue's new description, and what of its former one stays or goes.
+struct NewDescription {
     std::string text;
-    if (const std::error_code error = platform::system().ReadFile(options.path, maximumDescription, text)) {
-        return options.path + " cannot be read: " + error.message();
+    std::vector<std::string> records; // names of those that the former one had
+    std::vector<FilterLine> replaced; // lines of other filters, from both
+};
+
+// Without a queue of this name, or a description of it, the former description is empty.
+Result<NewDescription> makeDescription(const AddOptions& options) {
+    std::string given;
+    if (const std::error_code error = platform::system().ReadFile(options.path, maximumDescription, given)) {
+        return Fault{"cannot be read: " + error.message(), options.path};
     }
+    std::string former;
+    platform::FetchedPPD fetched;
+    if (const std::string path = fetched.Fetch(options.name); !path.empty()) {
+        if (const std::error_code error = platform::system().ReadFile(path, maximumDescription, former)) {
+            return Fault{"the records of the queue's description cannot be kept: " + path +
+                         " cannot be read: " + error.message()};
+        }
+    }
+    NewDescription made;
+    CarriedRecords records = recordsToCarry(former, given);
+    made.text = withFilterLines(given) + records.lines;
+    made.records = std::move(records.names);
+    made.replaced = otherFilterLines(former);
+    for (FilterLine& line : otherFilterLines(given)) {
+        if (std::ranges::find(made.replaced, line) == made.replaced.end()) {
+            made.replaced.push_back(std::move(line));
+        }
+    }
+    return made;
+}
+
+// Returns "" or why there is no queue.
+std::string sendQueue(const AddOptions& options, const std::string& description) {
     const std::filesystem::path copy =
         platform::system().TemporaryFolder() / ("torka-" + platform::system().CreateUuidString() + ".ppd");
     constexpr unsigned mode = 0600;
-    if (const std::error_code error = platform::system().WriteFile(copy, withFilterLines(text), mode)) {
+    if (const std::error_code error = platform::system().WriteFile(copy, description, mode)) {
         return copy.string() + " cannot be written: " + error.message();
     }
     std::string problem = platform::addQueue(options.name, options.uri, copy);
     std::error_code ignored;
     std::filesystem::remove(copy, ignored);
     return problem;
+}
+
+ExitStatus tellAdded(const AddOptions& options, const NewDescription& description) {
+    print(printable(inPersonsLanguage("Queue " + options.name + ", device " + options.uri)) + "\n");
+    if (!description.records.empty()) {
+        std::string names;
+        for (const std::string& name : description.records) {
+            names += (names.empty() ? "" : ", ") + name;
+        }
+        print(printable(inPersonsLanguage("Records kept from the queue's former description: " +
+                                          std::to_string(description.records.size()) + " (" + names + ")")) +
+              "\n");
+    }
+    for (const FilterLine& line : description.replaced) {
+        warn(options.name + ": torkafilter takes " + line.type + " in place of " + line.program +
+             " (docs/guide/making-a-filter.md keeps both)");
+    }
+    return description.replaced.empty() ? ExitStatus::good : ExitStatus::findings;
 }
 
 // What the server says about the filters of a queue that it has just read; "" for nothing.
@@ -100,7 +152,11 @@ ExitStatus addNamedQueue(const AddOptions& options) {
         return unusable(checked.Why());
     }
     const bool isNew = !platform::queueState(options.name);
-    if (const std::string problem = sendQueue(options); !problem.empty()) {
+    const Result<NewDescription> description = makeDescription(options);
+    if (!description) {
+        return unusable(description.Why().In(options.name));
+    }
+    if (const std::string problem = sendQueue(options, description->text); !problem.empty()) {
         return unusable(options.name + ": the print server does not add the queue: " + problem);
     }
     if (const std::string problem = missingFilter(options.name); !problem.empty()) {
@@ -110,8 +166,7 @@ ExitStatus addNamedQueue(const AddOptions& options) {
         return unusable(options.name +
                         (isNew ? ": the queue is not added: " : ": the queue is changed, but ") + problem);
     }
-    print(printable(inPersonsLanguage("Queue " + options.name + ", device " + options.uri)) + "\n");
-    return ExitStatus::good;
+    return tellAdded(options, *description);
 }
 
 } // namespace
@@ -125,10 +180,12 @@ void addQueueAddCommand(CLI::App& queue, ExitStatus& status) {
     command->add_flag("--force", options->isForced, "Add it although CUPS or torka lint finds errors");
     describe(*command,
              {.examples = {"torka queue add office socket://10.0.0.7 samples/torka-production.ppd"},
+              .findings = "torkafilter takes the place of another filter",
               .details =
-                  "The copy of the description names torkafilter in its *cupsFilter lines. Refuses a "
-                  "description that CUPS cannot read or that has errors for torka lint, unless --force is "
-                  "given, and a server that cannot run torkafilter."});
+                  "The copy of the description names torkafilter in its *cupsFilter lines, and keeps the "
+                  "records that the filter has put into the queue's former description: address list, "
+                  "presets, popup job notes. Refuses a description that CUPS cannot read or that has errors "
+                  "for torka lint, unless --force is given, and a server that cannot run torkafilter."});
     command->callback([options, &status] { status = addNamedQueue(*options); });
 }
 

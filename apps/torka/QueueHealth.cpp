@@ -128,9 +128,9 @@ private:
     // The lines of the description, the program, and its folders.
     std::vector<QueueFinding> CheckFilter() const {
         std::vector<QueueFinding> findings;
-        const std::vector<FilterLineFault> faults = filterLineFaults(text);
+        const std::vector<FilterLine> faults = filterLineFaults(text);
         findings.reserve(faults.size());
-        for (const FilterLineFault& line : faults) {
+        for (const FilterLine& line : faults) {
             findings.push_back(
                 fault("filter-lines",
                       line.type + (line.program.empty() ? " has no line" : " goes through " + line.program),

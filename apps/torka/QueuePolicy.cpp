@@ -135,8 +135,8 @@ QueueFinding checkTicketNames(const std::string& queueName, const std::string& s
         return {"ticket-names", CheckState::closed,
                 "only who proves to be the owner can read tickets' names"};
     }
-    return {"ticket-names", CheckState::unknown, "no job with print settings is there to see it by",
-            valuesRemedy};
+    return {"ticket-names", CheckState::unknown,
+            "cannot be tested: the server has no job with print settings", valuesRemedy};
 }
 
 QueueFinding checkSubscriptions(const std::string& queueName, const std::string& stranger) {
@@ -151,7 +151,7 @@ QueueFinding checkSubscriptions(const std::string& queueName, const std::string&
     if (holds(seen.message, identifier) || seen.status == HTTP_STATUS_UNAUTHORIZED) {
         return {"subscriptions", CheckState::closed, "who follows which jobs is hidden from strangers"};
     }
-    return {"subscriptions", CheckState::unknown, "no subscription is there to see it by",
+    return {"subscriptions", CheckState::unknown, "cannot be tested: the server has no subscription",
             subscriptionsRemedy};
 }
 

@@ -3,6 +3,8 @@
 #include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "jobsettings/Findings.h"
+#include "jobsettings/OptionSettings.h"
+#include "jobsettings/OptionText.h"
 #include "jobsettings/StandingSettings.h"
 #include "output/ZANJobNote.h"
 #include "platform/cups/CupsPrinting.h"
@@ -69,6 +71,9 @@ std::optional<Result<Setting>> ownOption(const std::string& text) {
     Setting setting;
     setting.key = name;
     setting.value = equals == text.size() ? "" : text.substr(equals + 1);
+    if (!apps::isUtf8(setting.value)) {
+        return Fault{name + " has a value that is no UTF-8"};
+    }
     if (name == "torka-conflicts" && std::ranges::find(policies, setting.value) == policies.end()) {
         return Fault{"torka-conflicts takes print, resolve or stop, not " + setting.value};
     }
@@ -102,7 +107,12 @@ ExitStatus show(const SettingsOptions& options) {
     }
     CupsSpooler spooler;
     Json json = Json::object();
+    ExitStatus status = ExitStatus::good;
     for (const auto& [name, value] : standingSettings(spooler, queue->name, *queue->description)) {
+        if (isFormerSetting(*queue->description, name)) {
+            status = ExitStatus::findings;
+            warn(name + " is not in this description (torka settings clear removes it)");
+        }
         if (options.json) {
             json[jsonText(name.c_str())] = jsonText(value.c_str());
         } else {
@@ -112,7 +122,7 @@ ExitStatus show(const SettingsOptions& options) {
     if (options.json) {
         print(jsonDocument(json));
     }
-    return ExitStatus::good;
+    return status;
 }
 
 // The settings in force with those that are kept, for the warnings.
@@ -148,8 +158,12 @@ ExitStatus set(const SettingsOptions& options) {
     if (const std::string problem = spooler.ChangeStandingOptions(queue->name, {}, added); !problem.empty()) {
         return unusable(problem);
     }
+    const std::vector<std::string> changedNumbers = applySettings(*queue->description, *settings);
+    for (const std::string& change : changedNumbers) {
+        warn(change);
+    }
     warnOfConflicts(spooler, *queue);
-    return ExitStatus::good;
+    return changedNumbers.empty() ? ExitStatus::good : ExitStatus::findings;
 }
 
 ExitStatus clear(const SettingsOptions& options) {
@@ -158,17 +172,24 @@ ExitStatus clear(const SettingsOptions& options) {
         return unusable(queue.Why());
     }
     CupsSpooler spooler;
+    const platform::StandingOptionList kept = spooler.StandingOptions(queue->name);
     std::vector<std::string> removed;
     for (const std::string& key : options.texts) {
-        if (!isStandingSetting(*queue->description, key)) {
-            return unusable("the description has no option *" + withoutAsterisk(key));
+        const std::string name = withoutAsterisk(key);
+        // A key of an earlier description may have any name that is not the print server's.
+        const bool isFormer = !OptionSettings::IsLeftAlone(name) && name != "sides" &&
+                              std::ranges::any_of(kept, [&name](const auto& option) {
+                                  return isSameAscii(withoutAsterisk(option.first), name);
+                              });
+        if (!isFormer && !isStandingSetting(*queue->description, name)) {
+            return unusable("the description has no option *" + name);
         }
-        removed.push_back(withoutAsterisk(key));
-        removed.push_back("*" + removed.back());
+        removed.push_back(name);
+        removed.push_back("*" + name);
     }
     if (options.texts.empty()) {
-        for (const auto& [name, value] : standingSettings(spooler, queue->name, *queue->description)) {
-            removed.push_back(name);
+        for (const auto& [former, value] : standingSettings(spooler, queue->name, *queue->description)) {
+            removed.push_back(former);
         }
     }
     const std::string problem = spooler.ChangeStandingOptions(queue->name, removed, {});
@@ -191,16 +212,19 @@ void addSettingsCommand(CLI::App& app, ExitStatus& status) {
     };
     CLI::App* shown = add("show", "Print the settings that are kept", show);
     shown->add_flag("--json", options->json, "As JSON");
-    describe(*shown, {.examples = {"torka settings show -d office"}});
+    describe(*shown, {.examples = {"torka settings show -d office"},
+                      .findings = "a setting is kept that the description does not have"});
 
     CLI::App* kept = add("set", "Keep settings for the jobs of all programs", set);
     kept->add_option("SETTING", options->texts, settingHelp)->option_text("KEY=VALUE")->required();
-    describe(*kept, {.examples = {"torka settings set -d office QVDuplex=LongEdge Notes1=draft"},
-                     .findings = "a setting is a password or protected, so that nothing is kept",
-                     .details = "The settings go into ~/.cups/lpoptions, or for root into "
-                                "/etc/cups/lpoptions, where they count for everybody. Programs add them to "
-                                "their jobs as options, which others can read. torka-watermark and "
-                                "torka-conflicts can be kept, too."});
+    describe(*kept,
+             {.examples = {"torka settings set -d office QVDuplex=LongEdge Notes1=draft"},
+              .findings =
+                  "a setting is a password or protected, so that nothing is kept, or a number does not fit",
+              .details = "The settings go into ~/.cups/lpoptions, or for root into "
+                         "/etc/cups/lpoptions, where they count for everybody. Programs add them to "
+                         "their jobs as options, which others can read. torka-watermark and "
+                         "torka-conflicts can be kept, too."});
 
     CLI::App* dropped = add("clear", "Keep settings no longer", clear);
     dropped->add_option("KEY", options->texts, "Setting; otherwise all of the queue");

@@ -33,14 +33,16 @@ std::string choices(PPDXPopupControl& popup) {
 }
 
 void printControl(PPDXControl& control, const std::string& indent) {
+    auto* popup = dynamic_cast<PPDXPopupControl*>(&control);
+    const bool isMultiple = popup != nullptr && popup->CanSelectMultipleItems();
     std::string line = indent + printable(jsonText(control.Keyword())) + "  " +
                        printable(jsonText(control.CFStringUserName())) + "  (" + typeName(control.Type()) +
-                       ")" + flagList(control);
+                       (isMultiple ? ", several choices)" : ")") + flagList(control);
     if (!control.IsVisible()) {
         line += " hidden";
     }
     print(line + "\n");
-    if (auto* popup = dynamic_cast<PPDXPopupControl*>(&control)) {
+    if (popup != nullptr) {
         print(indent + "    " + choices(*popup) + "\n");
     } else {
         print(indent + "    " + printable(jsonText(control.CopyCurrentControlValueString())) + "\n");

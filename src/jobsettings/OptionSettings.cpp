@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 
 namespace torka {
@@ -51,12 +50,6 @@ std::string spelling(const PPDXPopupControl& popup, std::string_view value) {
         }
     });
     return found;
-}
-
-// Whether a name that the description does not have was meant as one of its settings.
-bool looksLikeSetting(std::string_view name) {
-    return (name.starts_with('*') && name.size() > 1) || isSameAscii(name.substr(0, 2), "QV") ||
-           (name.starts_with("torka-") && name != "torka-ticket" && name != conflictsOption);
 }
 
 // The three settings that the print server decides by its own filters; the description only shows them.
@@ -110,6 +103,11 @@ bool OptionSettings::IsServersOwn(std::string_view name) {
            std::ranges::any_of(beginnings, [name](std::string_view each) { return name.starts_with(each); });
 }
 
+bool OptionSettings::LooksLikeSetting(std::string_view name) {
+    return (name.starts_with('*') && name.size() > 1) || isSameAscii(name.substr(0, 2), "QV") ||
+           (name.starts_with("torka-") && name != "torka-ticket" && name != conflictsOption);
+}
+
 bool OptionSettings::IsLeftAlone(std::string_view name) {
     return IsServersOwn(name) || name == "PageSize" || name == "PageRegion" || name == "Collate";
 }
@@ -139,7 +137,7 @@ bool OptionSettings::NamesSettings(const OptionMap& options) const {
             return name != conflictsOption || !isSameAscii(value, "print");
         }
         const PPDXControl* control = FindSetting(name);
-        return control == nullptr ? looksLikeSetting(name)
+        return control == nullptr ? LooksLikeSetting(name)
                                   : !isServersSetting(*control) || name.starts_with('*');
     });
 }
@@ -172,7 +170,7 @@ void OptionSettings::Take(const OptionMap& options, const ServerChoices& server)
             if (!IsLost(*control, name, value)) {
                 TakeValue(*control, value);
             }
-        } else if (looksLikeSetting(name)) {
+        } else if (LooksLikeSetting(name)) {
             Remark("the description has no setting " + name);
         }
     }
@@ -228,7 +226,6 @@ void OptionSettings::TakeOwnOption(std::string_view name, const std::string& val
 }
 
 void OptionSettings::TakeWatermark(const std::string& name) {
-    constexpr std::ptrdiff_t commas = 14; // of a definition
     if (isSameAscii(name, "none") || name.empty()) {
         return;
     }
@@ -241,7 +238,7 @@ void OptionSettings::TakeWatermark(const std::string& name) {
             }
         }
     }
-    if (std::ranges::count(name, ',') >= commas && name.size() < watermarkDefinitionSize) {
+    if (isWatermarkDefinition(name)) {
         watermark = std::make_unique<ZANWatermark>(name.c_str());
     } else {
         Remark("the queue keeps no watermark " + name);
@@ -303,14 +300,12 @@ void OptionSettings::TakeValue(PPDXControl& control, const std::string& value) {
         }
     } else if (control.Type() == CNTL_TYPE::specialOption) {
         Remark(checkSettingValue(control, value, value).Why().text);
-    } else if (const std::optional<double> number = numberOf(value); !number) {
-        Remark(nameOf(control) + " takes a number, not " + value);
+    } else if (const Result<void> checked = checkSettingValue(control, value, value); !checked) {
+        Remark(std::string(withoutAsterisk(checked.Why().text)));
     } else {
-        control.SetCurrentControlWithCFString(cfString(value.substr(value.starts_with('+') ? 1 : 0)));
-        // The control holds a number to its bounds and its steps; a float has seven digits.
-        if (const double held = numberOf(valueOf(control)).value_or(0);
-            std::abs(held - *number) > std::abs(*number) * 1e-5 + 5e-4) {
-            Remark(nameOf(control) + " does not take " + value + ", but " + valueOf(control));
+        control.SetCurrentControlWithCFString(cfString(controlText(control, value)));
+        if (const std::string text = changedNumber(control, value, value); !text.empty()) {
+            Remark(std::string(withoutAsterisk(text)));
         }
     }
 }
@@ -366,13 +361,10 @@ void OptionSettings::TakeNote(PPDXJobNote& note, const std::string& text) {
 }
 
 void OptionSettings::TakeSize(PPDXCustomPageSizeControl& control, std::string_view value) {
-    const std::optional<PaperSize> size = sizeOf(value);
-    const auto isWithin = [](double points, float least, float most) {
-        return points >= static_cast<double>(least) - 0.5 && points <= static_cast<double>(most) + 0.5;
-    };
-    if (!size || !isWithin(size->width, control.MinWidth(), control.MaxWidth()) ||
-        !isWithin(size->height, control.MinHeight(), control.MaxHeight())) {
-        Remark(nameOf(control) + " takes no size " + std::string(value));
+    const std::optional<PaperSize> size = sizeFor(control, value);
+    if (!size) {
+        Remark(
+            std::string(withoutAsterisk(checkSettingValue(control, value, std::string(value)).Why().text)));
         return;
     }
     control.SetWidth(static_cast<float>(size->width));

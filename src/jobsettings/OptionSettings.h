@@ -53,6 +53,8 @@ public:
 
     // Whether the name is one that the print server gives every job or uses itself, and no setting has.
     static bool IsServersOwn(std::string_view name);
+    // Whether a name that the description does not have was meant as one of its settings.
+    static bool LooksLikeSetting(std::string_view name);
     // Whether an option of this name alone never makes NamesSettings true, whatever the description.
     static bool IsLeftAlone(std::string_view name);
     // Whether an option names a setting that is ours to print, or asks for something else than printing in

@@ -3,6 +3,7 @@
 
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "jobsettings/OptionSettings.h"
 #include "jobsettings/OptionText.h"
 
 #include <algorithm>
@@ -32,10 +33,20 @@ bool isStandingSetting(const ZANPPD& description, std::string_view name) {
     return isFound;
 }
 
+bool isFormerSetting(const ZANPPD& description, std::string_view name) {
+    constexpr std::array<std::string_view, 6> fixed{"Notes1",   "Notes2",       "Notes3",
+                                                    "Instruct", "ZANPrintTime", "CustomPrintSize"};
+    const bool isFixed =
+        std::ranges::any_of(fixed, [name](std::string_view each) { return isSameAscii(each, name); });
+    return !isStandingSetting(description, name) && (isFixed || OptionSettings::LooksLikeSetting(name));
+}
+
 platform::StandingOptionList standingSettings(platform::Spooler& spooler, const std::string& destination,
                                               const ZANPPD& description) {
     platform::StandingOptionList options = spooler.StandingOptions(destination);
-    std::erase_if(options, [&](const auto& option) { return !isStandingSetting(description, option.first); });
+    std::erase_if(options, [&](const auto& option) {
+        return !isStandingSetting(description, option.first) && !isFormerSetting(description, option.first);
+    });
     return options;
 }
 

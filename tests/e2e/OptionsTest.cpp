@@ -86,7 +86,7 @@ TEST_F(Options, PrintLikeTheSameSettingsWithATicketAndEachOfThemOnce) {
 }
 
 TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
-    AddQueue("Told");
+    AddQueue("Remarked");
     const std::pair<std::string, std::string> saddle{"QVStaple", "Saddle"}, half{"QVFoldStyle", "Half"};
     // The server reads 2,047 bytes of a line, and what follows as the next message.
     const auto injected = [](const std::string& level) {
@@ -101,7 +101,7 @@ TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
           {{{"QVStaple", injected("WARNING")}}, 9, "QVStaple does not offer AAA"},
           {{{"Resume", "74915362"}}, 6, "Resume is protected"}}) {
         SCOPED_TRACE(message);
-        const int job = Submit("Told", options);
+        const int job = Submit("Remarked", options);
         const JobStatus status = WaitForEnd(job);
         EXPECT_EQ(status.state, state);
         EXPECT_THAT(status.message, HasSubstr(message));
@@ -139,13 +139,16 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
           {"QVStaple=Nope", 2, "*QVStaple does not offer Nope (torka show lists its choices)"},
           {"QVNope=1", 2, "the description has no option *QVNope"},
           {"torka-conflicts=x", 2, "torka-conflicts takes print, resolve or stop"},
+          {"QVGamma=1,8", 2, "*QVGamma takes a number, not 1,8"},
+          {"torka-watermark=\xff", 2, "torka-watermark has a value that is no UTF-8"},
           {"Notes1=a\nb", 2, "control character"}}) {
         ExpectTool({"settings", "set", "-d", "Standing", "QVScale=60", setting}, status, reason);
     }
     EXPECT_EQ(readFile(file), kept);
     EXPECT_EQ(settings("show").output,
               "Notes1=" + note + "\nQVScale=50\nQVStaple=Top\ntorka-conflicts=stop\n");
-    EXPECT_THAT(settings("set", {"QVFoldStyle=Half", "QVStaple=Saddle"}).errors,
+    ExpectTool({"settings", "set", "-d", "Standing", "QVScale=5000"}, 1, "does not take 5000, but");
+    EXPECT_THAT(settings("set", {"QVFoldStyle=Half", "QVStaple=Saddle", "QVScale=50"}).errors,
                 HasSubstr("does not go together"));
 
     // Writers at the same time lose nothing of each other.
@@ -163,6 +166,22 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
     EXPECT_THAT(settings("show").output, testing::AllOf(Not(HasSubstr("QVGamma")), HasSubstr("QVScale=50")));
     EXPECT_EQ(settings("clear").status, 0);
     EXPECT_EQ(readFile(file), others + "Dest Standing copies=1 page-left=\"1 2\"\n");
+    // Settings of a description that the queue had before.
+    for (const bool isNamed : {true, false}) {
+        std::ofstream(file) << others
+                            << "Dest Standing copies=1 QVGone=1 ZANPrintTime=x Tray=y page-left=\"1 2\"\n";
+        const CommandResult shown = settings("show");
+        EXPECT_EQ(shown.status, 1);
+        EXPECT_EQ(shown.output, "QVGone=1\nZANPrintTime=x\n");
+        EXPECT_THAT(shown.errors, HasSubstr("QVGone is not in this description"));
+        EXPECT_EQ(settings("clear", {"copies"}).status, 2);
+        EXPECT_EQ(settings("clear", isNamed ? std::vector<std::string>{"*qvgone", "ZANPrintTime", "Tray"}
+                                            : std::vector<std::string>())
+                      .status,
+                  0);
+        EXPECT_EQ(readFile(file),
+                  others + "Dest Standing copies=1 page-left=\"1 2\"" + (isNamed ? "\n" : " Tray=y\n"));
+    }
     std::filesystem::remove(file);
 }
 

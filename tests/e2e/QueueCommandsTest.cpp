@@ -97,6 +97,65 @@ TEST_F(QueueCommands, AddRefusesWhatNobodyCanUse) {
     }
 }
 
+TEST_F(QueueCommands, AddKeepsTheRecordsOfTheQueueAndNamesTheFiltersThatItReplaces) {
+    const TemporaryFolder folder;
+    const std::string sample = readFile(samplePath("torka-production.ppd"));
+    const std::string lineOf = "*cupsFilter: \"application/vnd.cups-postscript 0 ";
+    const std::string former =
+        folder.Write("former.ppd", replaced(sample, "\n", "\n" + lineOf + "before\"\n"));
+    const std::string given = folder.Write("given.ppd", replaced(sample, "\n", "\n" + lineOf + "gone\"\n"));
+    std::string presets; // of several chunks
+    for (unsigned i = 1; i < 3000; ++i) {
+        presets += static_cast<char>('!' + i * i * 7919 % 90);
+    }
+    const auto put = [](const std::string& file, const char* name, const std::string& text) {
+        ASSERT_EQ(runTool({"record", "put", file, name}, {}, text).status, 0);
+    };
+    put(former, "QVlocalPreset", presets);
+    put(former, "QVPopupJnData", "former");
+    put(given, "QVPopupJnData", "given");
+    std::ofstream(former, std::ios::app) << "*QVlocalPreset00ff: AAAA\n"; // left from a longer record
+    ASSERT_EQ(runCommand({"lpadmin", "-p", "Kept2", "-v", "torkasink:/", "-E", "-P", former}).status, 0);
+    const CommandResult added = ExpectTool({"queue", "add", "Kept2", "torkasink:/", given}, 1,
+                                           "torkafilter takes application/vnd.cups-postscript in place of");
+    EXPECT_THAT(added.errors, testing::AllOf(HasSubstr("before"), HasSubstr("gone")));
+    EXPECT_THAT(added.output, HasSubstr("former description: 1 (QVlocalPreset)\n"));
+    const std::string kept = *sandbox / "etc/ppd/Kept2.ppd";
+    EXPECT_EQ(Done({"record", "get", kept, "QVlocalPreset"}), presets);
+    EXPECT_EQ(Done({"record", "get", kept, "QVPopupJnData"}), "given");
+    EXPECT_THAT(readFile(kept), testing::Not(HasSubstr("QVlocalPreset00ff")));
+    Done({"queue", "add", "Kept2", "torkasink:/", samplePath("torka-production.ppd")});
+}
+
+TEST_F(QueueCommands, PrintSendsNothingWhereTheSettingsWouldBeLost) {
+    const TemporaryFolder folder;
+    const fs::path filters = *sandbox / "lib/filter";
+    std::ofstream(filters / "officefilter")
+        << "#!/bin/sh\nexec " << filters.string() << "/torkafilter \"$@\"\n";
+    fs::permissions(filters / "officefilter", fs::perms(0755));
+    const auto print = [&](const std::vector<std::pair<std::string, std::string>>& lines, int status,
+                           const std::string& told) {
+        std::string text = "\n";
+        for (const auto& [type, program] : lines) {
+            text += "*cupsFilter: \"application/vnd.cups-" + type + " 0 " + program + "\"\n";
+        }
+        const std::string description =
+            folder.Write("lines.ppd", replaced(readFile(samplePath("torka-production.ppd")), "\n", text));
+        EXPECT_EQ(runCommand({"lpadmin", "-p", "Lines", "-v", "torkasink:/", "-E", "-P", description}).status,
+                  0);
+        const int last = LastJob();
+        const CommandResult said =
+            ExpectTool({"print", "-d", "Lines", samplePath("plain.ps"), "QVStaple=Saddle"}, status, told);
+        EXPECT_EQ(LastJob() > last, status != 2);
+        return said;
+    };
+    print({}, 2, "torka queue add Lines torkasink:/ FILE.ppd");
+    print({{"postscript", "torkafilter"}}, 2, "vnd.cups-command does not go through torkafilter");
+    const CommandResult said = print({{"postscript", "officefilter"}, {"command", "torkafilter"}}, 1,
+                                     "goes through officefilter: the job loses its print settings unless");
+    EXPECT_THAT(sandbox->Printed(jobNumber(said.output)), HasSubstr("%%BeginFeature: *QVStaple Saddle\n"));
+}
+
 TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
     AddQueue("Well");
     const auto expectGood = [](const std::vector<std::string>& kinds) {
