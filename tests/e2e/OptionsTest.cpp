@@ -107,7 +107,7 @@ TEST_F(Options, TheStateOfAJobTellsWhatItsOptionsCouldNotHave) {
         EXPECT_THAT(status.message, HasSubstr(message));
         EXPECT_EQ(sandbox->Printed(job).empty(), state == 6);
     }
-    EXPECT_THAT(readFile(*sandbox / "etc/ppd/Told.ppd"), Not(HasSubstr("QVInjected")));
+    EXPECT_THAT(readFile(*sandbox / "etc/ppd/Remarked.ppd"), Not(HasSubstr("QVInjected")));
 }
 
 TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
