@@ -49,6 +49,8 @@ DescribedOptions DescribedOptions::Of(const std::string& descriptionPath) {
         } else if (line.startsWith("*%ZANRange ") || line.startsWith("*%ZANUnitRange ") ||
                    line.startsWith("*%ZANFloatRange ")) {
             takeNumber(rest, options.numbers);
+        } else if (line.startsWith("*%ZANJobNote ")) {
+            options.notes.insert(keywordIn(rest));
         } else if (line.startsWith(defaultWord) && line.contains(':')) {
             const auto found = options.defaults.find(keywordIn(line.mid(defaultWord.size())));
             if (found != options.defaults.end()) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 
 namespace torka::dialog {
@@ -16,6 +17,8 @@ struct DescribedOptions {
     std::map<std::string, std::string> defaults = {};
     // The default of every number, by its main keyword without the asterisk.
     std::map<std::string, double> numbers = {};
+    // The main keyword of every note, without the asterisk.
+    std::set<std::string> notes = {};
 
     // Of the description in that file; nothing for "".
     static DescribedOptions Of(const std::string& descriptionPath);

@@ -149,16 +149,23 @@ void PaneAttachment::BeginLayout() {
     acceptedLayout = printer.pageLayout();
 }
 
+// The queue whose pane is shown. A pane would replace the settings that an instance adds. In the print dialog
+// of another program nobody could tell the person so: an instance has no pane there.
+std::string PaneAttachment::PaneQueue(const std::string& destination) const {
+    const bool isInstance = destination.find('/') != std::string::npos;
+    return isInstance && withoutPane == WithoutPane::asWithoutUs ? std::string() : queueOf(destination);
+}
+
 void PaneAttachment::FollowPrinter() {
     const std::string destination = Destination();
     // Another instance of the queue has the same panel.
-    const bool keepsPanel = paneTab->hasPanel() && queueOf(destination) == queueOf(followed);
+    const bool keepsPanel = paneTab->hasPanel() && PaneQueue(destination) == PaneQueue(followed);
     // A dialog that is shown again still has its properties.
     if (destination != followed || propertiesOf(dialog) == nullptr) {
         followed = destination;
         BeginLayout();
     }
-    paneTab->setQueue(queueOf(destination));
+    paneTab->setQueue(PaneQueue(destination));
     if (keepsPanel) {
         paneTab->dialogSettingsChanged();
     }

@@ -78,6 +78,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    std::string PaneQueue(const std::string& destination) const;
     void FollowPrinter();
     void BeginLayout();
     void ShowTab();

@@ -29,7 +29,9 @@ JobOptions ticketOptions(const PaneTab& tab) {
 namespace {
 
 bool isDecided(const DescribedOptions& byPane, const std::string& name) {
-    return byPane.defaults.contains(name) || byPane.numbers.contains(name) ||
+    const bool hasPane = !byPane.defaults.empty() || !byPane.numbers.empty() || !byPane.notes.empty();
+    return byPane.defaults.contains(name) || byPane.numbers.contains(name) || byPane.notes.contains(name) ||
+           (hasPane && (name == "CustomPrintSize" || name.starts_with("torka-"))) ||
            (byPane.sides && name == "sides") || (byPane.pagesPerSheet && name.starts_with("number-up"));
 }
 

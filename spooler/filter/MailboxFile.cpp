@@ -151,6 +151,8 @@ Result<void> MailboxFile::PutInPlace(PartFile& whole) const {
         return cannotWrite(name, error);
     }
     if (const std::error_code error = whole.TakeName(name)) {
+        // The document of an earlier job stays: the next document of this run must replace it.
+        static_cast<void>(PrivateFolder::Write(ownerFile(name), ownerText({user, ""})));
         return Fault{"The mailbox " + name + " cannot take its name: " + error.message() + "."};
     }
     return {};

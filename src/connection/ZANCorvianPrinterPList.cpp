@@ -149,7 +149,8 @@ int ZANCorvianPrinterPList::Add(const CFStringRef& name, const CFStringRef& addr
     const CFArrayRef before = CFArrayCreate(elements);
     PutEntry(name, address, ipEnabled);
     changed = true;
-    // The first address of a printer is that of its queue, and does not replace what another has chosen.
+    // A new entry begins with its queue's address. An address or switch that somebody has stored meanwhile
+    // was chosen, and stays.
     Record(before, [=, this] {
         const bool isStored = FindEntry(name).has_value();
         PutEntry(name, isStored && keepsAddress ? Find(name) : address,

@@ -361,7 +361,7 @@ void OptionSettings::TakeNote(PPDXJobNote& note, const std::string& text) {
 }
 
 void OptionSettings::TakeSize(PPDXCustomPageSizeControl& control, std::string_view value) {
-    const std::optional<PaperSize> size = sizeFor(control, value);
+    const std::optional<OptionSize> size = sizeFor(control, value);
     if (!size) {
         Remark(
             std::string(withoutAsterisk(checkSettingValue(control, value, std::string(value)).Why().text)));

@@ -73,7 +73,7 @@ std::optional<double> numberOf(std::string_view text) {
     return isWhole ? std::optional(number) : std::nullopt;
 }
 
-std::optional<PaperSize> sizeOf(std::string_view text) {
+std::optional<OptionSize> sizeOf(std::string_view text) {
     if (isSameAscii(text.substr(0, customPrefix.size()), customPrefix)) {
         text.remove_prefix(customPrefix.size());
     }
@@ -87,7 +87,7 @@ std::optional<PaperSize> sizeOf(std::string_view text) {
     if (!width || !height || *width <= 0 || *height <= 0) {
         return std::nullopt;
     }
-    return PaperSize{*width * *unit, *height * *unit};
+    return OptionSize{*width * *unit, *height * *unit};
 }
 
 } // namespace torka

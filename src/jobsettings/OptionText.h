@@ -18,12 +18,12 @@ std::optional<bool> truthOf(std::string_view text);
 // The whole text as a finite number.
 std::optional<double> numberOf(std::string_view text);
 
-struct PaperSize { // points
+struct OptionSize { // points
     double width = 0;
     double height = 0;
 };
 // "WIDTHxHEIGHT" with an optional unit behind it (pt, in, ft, cm, mm, m; points without one), also behind
 // "Custom.", as CUPS writes custom sizes; or "WIDTH HEIGHT" in points.
-std::optional<PaperSize> sizeOf(std::string_view text);
+std::optional<OptionSize> sizeOf(std::string_view text);
 
 } // namespace torka

@@ -46,8 +46,8 @@ Result<void> checkSettingValue(const PPDXControl& control, std::string_view valu
     return {};
 }
 
-std::optional<PaperSize> sizeFor(const PPDXCustomPageSizeControl& control, std::string_view value) {
-    const std::optional<PaperSize> size = sizeOf(value);
+std::optional<OptionSize> sizeFor(const PPDXCustomPageSizeControl& control, std::string_view value) {
+    const std::optional<OptionSize> size = sizeOf(value);
     const auto isWithin = [](double points, float least, float most) {
         return points >= static_cast<double>(least) - 0.5 && points <= static_cast<double>(most) + 0.5;
     };
@@ -62,7 +62,7 @@ std::string controlText(const PPDXControl& control, std::string_view value) {
         return std::string(value.substr(value.starts_with('+') ? 1 : 0));
     }
     if (const auto* custom = dynamic_cast<const PPDXCustomPageSizeControl*>(&control)) {
-        if (const std::optional<PaperSize> size = sizeFor(*custom, value)) {
+        if (const std::optional<OptionSize> size = sizeFor(*custom, value)) {
             return std::to_string(size->width) + " " + std::to_string(size->height);
         }
     }

@@ -20,7 +20,7 @@ class PPDXCustomPageSizeControl;
 // in the reason.
 Result<void> checkSettingValue(const PPDXControl& control, std::string_view value, const std::string& shown);
 // Nothing for a text that is no size, and for a size outside the control's bounds.
-std::optional<PaperSize> sizeFor(const PPDXCustomPageSizeControl& control, std::string_view value);
+std::optional<OptionSize> sizeFor(const PPDXCustomPageSizeControl& control, std::string_view value);
 // A value that checkSettingValue lets pass, in the form that the control reads: numbers without "+", sizes as
 // "WIDTH HEIGHT" in points, anything else unchanged.
 std::string controlText(const PPDXControl& control, std::string_view value);

@@ -204,7 +204,7 @@ TEST_F(ForeignDialogTest, WhoTouchesNothingInThePanePrintsTheSamePages) {
     }
     const TemporaryFolder folder;
     AddQueue("Sheets", "torkasink:/", folder.Write("sheets.ppd", description));
-    ASSERT_EQ(runCommand({"lpoptions", "-p", "Second/draft", "-o", "job-priority=70"}).status, 0);
+    ASSERT_EQ(runCommand({"lpoptions", "-p", "Second/draft", "-o", "QVStaple=Saddle"}).status, 0);
     const auto click = [](QWidget& in, const char* name) {
         in.findChild<QAbstractButton*>(QLatin1String(name))->click();
     };
@@ -273,12 +273,16 @@ TEST_F(ForeignDialogTest, WhoTouchesNothingInThePanePrintsTheSamePages) {
             dialog.open();
             Paint(dialog);
             row.person(dialog);
-            EXPECT_EQ(Tab(dialog) >= 0, hasPane);
+            const bool isInstance =
+                std::string_view(row.name) == "an instance"; // has settings of its own, no pane
+            EXPECT_EQ(Tab(dialog) >= 0, hasPane && !isInstance);
             const Answers person({{"popupJobNotes", Answers::Accept}});
             PressPrint(dialog);
             ASSERT_EQ(dialog.result(), QDialog::Accepted);
             PrintPage(printer, 8);
-            ASSERT_FALSE(NextPrinted(before).empty());
+            const std::string printed = NextPrinted(before);
+            ASSERT_FALSE(printed.empty());
+            EXPECT_EQ(printed.find("%%BeginFeature: *QVStaple Saddle") != std::string::npos, isInstance);
             const std::string pages = Drawn(LastJob(), "pgmraw");
             if (!hasPane) {
                 reference = pages;

@@ -93,7 +93,9 @@ TEST(CopiedDescription, DISABLED_IsRemoved) {
     EXPECT_NE(readFile(first).find("*%QVVersion"), std::string::npos);
     ASSERT_EQ(printer.CopyDescriptionURL(cfString("PMPPDDescriptionType"), url), noErr);
     const std::string second = CFURLCopyFileSystemPath(url);
-    EXPECT_TRUE(first == second || !std::filesystem::exists(first));
+    EXPECT_EQ(first, second) << "whoever keeps the path reads the newest description";
+    EXPECT_EQ(CupsSpooler().FetchPPD("Copied"), first);
+    EXPECT_NE(readFile(first).find("*%QVVersion"), std::string::npos);
     std::vector<Paper> papers;
     EXPECT_EQ(printer.PaperList(papers), noErr);
     EXPECT_TRUE(std::filesystem::exists(second)) << "other questions leave it";

@@ -250,7 +250,7 @@ TEST(OptionText, ReadsSizes) {
           {"1x2ft", 864, 1728},
           {"1x1m", 2834.65, 2834.65},
           {"300 500", 300, 500}}) {
-        const PaperSize size = sizeOf(text).value_or(PaperSize{});
+        const OptionSize size = sizeOf(text).value_or(OptionSize{});
         EXPECT_NEAR(size.width, width, 0.01) << text;
         EXPECT_NEAR(size.height, height, 0.01) << text;
     }

@@ -147,6 +147,38 @@ TEST(PrinterChange, TheOlderPanelAsksForItsOwnPopupNotesAgain) {
     EXPECT_EQ(bench.widgets.popups, 1);
     ASSERT_FALSE(asking->sent.empty());
     EXPECT_EQ(utf8Text(asking->sent.back().command), "111\n*QVAccount=typed");
+    // What the queue has stored of them is known behind another dialog, too: a cleared text goes there.
+    bench.Choose("Silent", bench.folder.Write("Silent.ppd", panelDescription()));
+    newer = bench.OpenShown();
+    bench.dialog->printer = asking;
+    older->becomeCurrent();
+    gPopupJobNotesSavedEnable = '0';
+    gPopupJobNotesSavedSetting = '1';
+    gPopupJobNotesSavedShowLast = '0';
+    set(*older, "*QVAccount", "");
+    asking->sent.clear();
+    EXPECT_TRUE(older->shouldPrint());
+    ASSERT_FALSE(asking->sent.empty());
+    EXPECT_EQ(utf8Text(asking->sent.back().command), "010");
+}
+
+TEST(PrinterChange, TheQuickAccessThatAnotherDialogAddsOutlivesTheReturnToTheFirst) {
+    Bench bench(panelDescription("*%QVShortcut *QVFold\n"));
+    const auto first = bench.OpenShown();
+    PPDTree opened = UI_Panel::Tree; // as the first dialog's sheet shows it
+    const auto second = bench.OpenShown();
+    PPDTree added = UI_Panel::Tree;
+    added.quickAccess.push_back({"", "*QVDuplex", 0});
+    EXPECT_TRUE(second->GetPDEDataPtr()->SetPPDShortcuts(added));
+    first->becomeCurrent();
+    EXPECT_EQ(UI_Panel::Tree.quickAccess.size(), 1U);
+    opened.quickAccess.push_back({"", "*QVNotes1", 0});
+    EXPECT_TRUE(first->GetPDEDataPtr()->SetPPDShortcuts(opened));
+    PPDTree read;
+    EXPECT_TRUE(first->GetPDEDataPtr()->GetPPDShortcuts(read));
+    std::vector<std::string> keywords;
+    std::ranges::transform(read.quickAccess, std::back_inserter(keywords), &PPDTreeQuickAccess::keyword);
+    EXPECT_THAT(keywords, testing::UnorderedElementsAre("*QVFold", "*QVDuplex", "*QVNotes1"));
 }
 
 // Each dialog's own notes, popups and module, whichever was opened or used last.

@@ -376,7 +376,10 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     description.replace(description.find("% On"), 4, code);
     std::string marks = popup("QVMarks", {"None", "Crop", "Fold"});
     marks.replace(marks.find("PickOne"), 7, "PickMany");
-    Bench bench(panelDescription(description + range("QVScale", "-9;400;1;100") + marks));
+    std::string empty = popup("QVEmpty", {"None"});
+    empty.replace(empty.find("PickOne"), 7, "PickMany");
+    empty.erase(empty.find("*QVEmpty None"), empty.find("*CloseUI") - empty.find("*QVEmpty None"));
+    Bench bench(panelDescription(description + range("QVScale", "-9;400;1;100") + marks + empty));
     const auto panel = bench.OpenShown();
     EXPECT_TRUE(panel->shouldPrint());
     EXPECT_THAT(bench.alerts->shown, IsEmpty());
@@ -403,10 +406,14 @@ TEST(Panel, APersonHearsWhichSettingsTheJobLacks) {
     list.SetValue(2);
     EXPECT_EQ(told(), "") << "one choice";
     list.SetKeywordSelect("Fold", true);
-    EXPECT_EQ(told(), "Of these lists a job takes one choice only, the last one: QVMarks name (Fold)");
+    EXPECT_EQ(
+        told(),
+        "Of these lists a job has one choice, the one selected or deselected last: QVMarks name (Fold)");
     EXPECT_EQ(list.EmittedKeyword(), "Fold");
     list.SetKeywordSelect("Fold", false);
-    EXPECT_EQ(told(), "Of these lists a job takes one choice only, the last one: QVMarks name (Fold)");
+    EXPECT_EQ(
+        told(),
+        "Of these lists a job has one choice, the one selected or deselected last: QVMarks name (Fold)");
 }
 
 TEST_F(PanelTest, NoJobLosesItsSettingsInSilence) {

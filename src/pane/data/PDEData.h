@@ -169,7 +169,7 @@ private:
     std::size_t StoredWatermarkCount() const;
     TextRows WatermarkRows() const;
     bool KeepRows(std::size_t block, const TextRows& texts);
-    // The same as KeptRows. The changes of this dialog count from these rows.
+    // Returns KeptRows and remembers them: the next KeepRows saves only what differs from them.
     TextRows ReadRows(std::size_t block);
     TextRows KeptRows(std::size_t block) const;
 

@@ -154,7 +154,9 @@ bool PDEData::GetPPDShortcuts(PPDTree& tree) {
         return false;
     }
     const TextRows keywords = ReadRows(quickAccessBlock);
-    if (keywords.empty()) {
+    if (keywords.empty()) { // the description's own entries, which a person may now change
+        TextRows& known = mKnownRows[quickAccessBlock].emplace();
+        std::ranges::transform(tree.quickAccess, std::back_inserter(known), &PPDTreeQuickAccess::keyword);
         return true;
     }
     tree.quickAccess.clear();
@@ -224,7 +226,9 @@ bool PDEData::KeepRows(std::size_t block, const TextRows& texts) {
     const PersonalLists lists(mPrinterName);
     const bool hadOwn = lists.Read(personalList(block)).has_value();
     const TextRows stored = KeptRows(block);
-    const TextRows kept = mergedRows(mKnownRows[block].value_or(stored), own, stored);
+    // Without a stored quick access, that of the description is in force, whoever has removed the stored one.
+    const bool isDescriptions = block == quickAccessBlock && stored.empty();
+    const TextRows kept = isDescriptions ? own : mergedRows(mKnownRows[block].value_or(stored), own, stored);
     std::vector<DataRow> rows(kept.size());
     for (std::size_t i = 0; i < kept.size(); ++i) {
         std::copy_n(kept[i].c_str(), kept[i].size() + 1, rows[i].data());

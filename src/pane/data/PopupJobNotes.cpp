@@ -169,6 +169,10 @@ void readPopupJobNotePreferencesFrom(std::string_view ppdPath) {
     });
 }
 
+const std::string& knownPopupJobNotePreferences() { return knownPreferences(); }
+
+void setKnownPopupJobNotePreferences(std::string_view preferences) { knownPreferences() = preferences; }
+
 OSStatus QVPDEDataWrite(const PMPrinter& printer, std::string_view preferences) {
     if (preferences == knownPreferences()) {
         return noErr;

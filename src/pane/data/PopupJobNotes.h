@@ -40,6 +40,9 @@ enum class RememberedValues { take, leave };
 void applyPopupJobNotePreferences(ZANPPD& model, RememberedValues values = RememberedValues::take);
 // Sets the description from which the stored preferences are read; "" for none.
 void readPopupJobNotePreferencesFrom(std::string_view ppdPath);
+// The preferences that the queue has stored, as far as this process knows.
+const std::string& knownPopupJobNotePreferences();
+void setKnownPopupJobNotePreferences(std::string_view preferences);
 // Sends the preferences to the queue. Sends nothing when the queue has them already.
 OSStatus QVPDEDataWrite(const PMPrinter& printer, std::string_view preferences);
 

@@ -218,6 +218,11 @@ void PresetStore::ApplySettings(const CFDictionaryRef& settings) {
             leftOut.controls.push_back(&control);
         }
     });
+    for (const auto& [key, value] : values ? values->Pairs() : std::vector<CFDictionary::Pair>()) {
+        if (model.GetPPDXControlForKey(key) == nullptr) {
+            leftOut.keywords.push_back(utf8Text(key));
+        }
+    }
     for (const ListPlace& place : listPlaces) {
         fill((data.*place.list)(), CFDictionaryGetValue(settings, place.key));
     }

@@ -62,9 +62,10 @@ public:
     // The settings that Apply or ApplyLastUsed, called last, could not set as they are kept.
     struct LeftOutSettings {
         std::vector<const PPDXControl*> controls;
+        std::vector<std::string> keywords; // of controls that the description no longer has
         bool watermark = false;
 
-        bool IsEmpty() const { return controls.empty() && !watermark; }
+        bool IsEmpty() const { return controls.empty() && keywords.empty() && !watermark; }
     };
     const LeftOutSettings& LeftOut() const { return leftOut; }
     // The settings of a set as they are kept; null for none of that name.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "pane/panel/TorkaFeaturesPDE.h"
 
+#include "PPDX/PPDObjects/Controls/PPDXCustomPageSizeControl.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
+#include "jobsettings/SettingCheck.h"
 #include "output/ZANJobNote.h"
 #include "pane/data/ControlValueText.h"
 #include "pane/data/PDEData.h"
@@ -51,9 +53,12 @@ std::string set(ZANPPD& model, PDEData& data, const std::string& name, const CFS
     if (!setControlValueText(*control, wanted)) {
         return "it does not take this value";
     }
+    const auto* size = dynamic_cast<const PPDXCustomPageSizeControl*>(control);
     const std::string value = controlValueText(*control);
-    const bool isExact = control->Type() == CNTL_TYPE::jobNote || control->Type() == CNTL_TYPE::range;
-    return isExact && value != wanted ? "it holds only \"" + value + "\"" : "";
+    const bool isCut = (control->Type() == CNTL_TYPE::jobNote && value != wanted) ||
+                       !changedNumber(*control, wanted, wanted).empty() ||
+                       (size != nullptr && !sizeFor(*size, wanted));
+    return isCut ? "it holds only \"" + value + "\"" : "";
 }
 
 void apply(ZANPPD& model, PDEData& data, const CFDictionary& settings, const std::filesystem::path& place) {

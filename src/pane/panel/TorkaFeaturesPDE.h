@@ -228,9 +228,11 @@ private:
     // Of the popup notes, as the queue's record gave them or as they were last written; none before the first
     // restore.
     std::optional<std::string> popupPreferences;
-    PopupJobNotesState popupNotesState; // while another panel is the current one
-    std::string queueFileName;          // sessionQueueName as this panel found it
-    std::string descriptionPath;        // destinationPPD() as this panel found it
+    // These two count while another panel is the current one.
+    PopupJobNotesState popupNotesState;
+    std::string knownPopupPreferences; // what the queue has stored of them
+    std::string queueFileName;         // sessionQueueName as this panel found it
+    std::string descriptionPath;       // destinationPPD() as this panel found it
 };
 
 } // namespace torka

@@ -240,9 +240,10 @@ void TorkaFeaturesPDE::TellLeftOutNotes() {
              LeftOutSettingNames(false));
     const std::string belowZero = line(
         LocalizedString("SETTINGS_BELOW_ZERO", "A job takes no value below 0:"), LeftOutSettingNames(true));
-    const std::string reduced = line(
-        LocalizedString("SETTINGS_ONE_CHOICE", "Of these lists a job takes one choice only, the last one:"),
-        ReducedLists());
+    const std::string reduced =
+        line(LocalizedString("SETTINGS_ONE_CHOICE",
+                             "Of these lists a job has one choice, the one selected or deselected last:"),
+             ReducedLists());
     std::string all;
     for (const std::string& each : {tooLong, belowZero, reduced}) {
         all += (all.empty() || each.empty() ? "" : "\n") + each;
@@ -261,7 +262,7 @@ std::vector<std::string> TorkaFeaturesPDE::ReducedLists() const {
         int selected = 0;
         popup->ForEachItem([&selected](const _PopupItem& item) { selected += item.selected != 0 ? 1 : 0; });
         const std::string sent(popup->EmittedKeyword());
-        if (selected != 1 || !popup->IsKeywordSelected(sent.c_str())) {
+        if (!sent.empty() && (selected != 1 || !popup->IsKeywordSelected(sent.c_str()))) {
             const CFStringRef choice = popup->GetKeywordCFLocalName(sent.c_str());
             lists.push_back(utf8Text(popup->CFStringUserName()) + " (" + utf8Text(choice) + ")");
         }

@@ -86,6 +86,7 @@ void TorkaFeaturesPDE::FetchServerData(ServerExchange::Failures failures) {
     if (isFetching || gIgnoreButtonEvents || !self.myPDEData->isBIDIEnabled()) {
         return;
     }
+    becomeCurrent();
     sendDeferredCommands();
     if (Fetch(failures) != ServerExchange::Answer::withoutData) {
         return;

@@ -64,7 +64,8 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
         defaults = TakeLastUsed();
     }
     TakePopupPreferences();
-    // The popup notes have left the last job's settings again: they are asked for with each job.
+    // TakePopupPreferences has set the popup notes back, for which the person is asked with each job. They do
+    // not count as taken from the last job.
     hasLastJob = defaults && !CFEqual(defaults, presets->PresentSettings());
     self.myPDEData->TakeTemplate();
     NotePopupPreferences();
@@ -83,6 +84,9 @@ CFDictionaryRef TorkaFeaturesPDE::TakeLastUsed() {
     }
     for (const PPDXControl* control : presets->LeftOut().controls) {
         myNSLogC("%s cannot be set again as in the last job.", control->Keyword());
+    }
+    for (const std::string& keyword : presets->LeftOut().keywords) {
+        myNSLogC("The description no longer has %s, which the last job had.", keyword.c_str());
     }
     if (presets->LeftOut().watermark) {
         myNSLogC("The watermark of the last job is no longer there.");

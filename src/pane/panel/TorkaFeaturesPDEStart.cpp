@@ -221,6 +221,8 @@ void TorkaFeaturesPDE::KeepStateOfCurrent() {
     const auto current = std::ranges::find_if(livingPanels, &TorkaFeaturesPDE::IsCurrent);
     if (current != livingPanels.end()) {
         (*current)->popupNotesState = popupJobNotesState();
+        (*current)->knownPopupPreferences = knownPopupJobNotePreferences();
+        (*current)->self.myUi_Panel->KeepTree();
     }
 }
 
@@ -235,9 +237,13 @@ void TorkaFeaturesPDE::PublishAgain() {
     resetPopupJobNotes();
     setPopupJobNotesState(popupNotesState);
     readPopupJobNotePreferencesFrom(destinationPPD());
+    setKnownPopupJobNotePreferences(knownPopupPreferences);
 }
 
 void TorkaFeaturesPDE::becomeCurrent() {
+    if (std::ranges::find(livingPanels, this) == livingPanels.end()) {
+        return; // it is about to end
+    }
     if (!gIgnoreButtonEvents) { // a module that runs keeps its host
         setJobPropertiesHost(this);
     }

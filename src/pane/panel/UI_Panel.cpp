@@ -12,6 +12,8 @@
 #include "platform/Log.h"
 #include "platform/System.h"
 
+#include <utility>
+
 // Construction, what is shown, and the course of a launch of the Job Properties module.
 
 namespace torka {
@@ -111,9 +113,16 @@ UI_Panel::~UI_Panel() {
     }
 }
 
+void UI_Panel::KeepTree() { mKeptTree = std::exchange(Tree, {}); }
+
+// A kept tree is not read again: what another dialog has stored since would count as known to this one.
 void UI_Panel::Publish() {
     mPPD = model;
-    PopulatePPDTreeStructure();
+    if (mKeptTree) {
+        Tree = *std::exchange(mKeptTree, std::nullopt);
+    } else {
+        PopulatePPDTreeStructure();
+    }
     sUiPanelOnJPReturn = this;
     sSharedList = mSharedList.get();
 }

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,6 +42,8 @@ public:
     // Makes this panel the one that the process-wide variables of the panel model name: description, tree,
     // record, and the receiver of the module's answer.
     void Publish();
+    // Keeps the tree for the next Publish, before another panel takes these variables.
+    void KeepTree();
     void PopulatePPDTreeStructure();
     void DrawUserPane();
     void Show();
@@ -122,7 +125,8 @@ private:
     std::int32_t mFromCustomizePanel = 0;
     std::string mCustomSize;
     std::string mCustomPaperName;
-    std::shared_ptr<SharedMemoryList> mSharedList;                         // shared with a running launch
+    std::optional<PPDTree> mKeptTree;              // of the panel while another one is published
+    std::shared_ptr<SharedMemoryList> mSharedList; // shared with a running launch
     std::shared_ptr<const bool> life = std::make_shared<const bool>(true); // ends with the panel
 
     // What the module got at the last launch beside the values of the controls, and how much of each list

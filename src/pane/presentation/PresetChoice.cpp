@@ -63,6 +63,7 @@ std::string PresetChoice::LeftOutNames() const {
     for (const PPDXControl* control : store.LeftOut().controls) {
         names.push_back(nameOf(*control));
     }
+    names.insert(names.end(), store.LeftOut().keywords.begin(), store.LeftOut().keywords.end());
     if (store.LeftOut().watermark) {
         names.push_back(texts.Say(words::watermark));
     }

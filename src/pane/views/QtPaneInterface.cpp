@@ -228,8 +228,8 @@ void QtPaneInterface::Connect() {
     }
 }
 
-// A process may show several print dialogs at once. The window of a pane, and every dialog above it up to the
-// window of another pane, belong to one panel.
+// A process may show several print dialogs at once. A widget belongs to this panel when the pane's window is
+// among its parents and no other pane's window lies between.
 void QtPaneInterface::TakeFocus(const QWidget* focused) {
     if (root == nullptr || !setup.becomeCurrent) {
         return;

@@ -28,7 +28,7 @@ OSStatus CupsPrinter::CopyDescriptionURL(const CFStringRef& type, CFURLRef& url)
     if (utf8Text(type) != "PMPPDDescriptionType") {
         return kPMInvalidParameter;
     }
-    const std::string path = description.Fetch(queueName);
+    const std::string path = description->Fetch(queueName);
     if (path.empty()) {
         return kPMGeneralError;
     }

@@ -19,8 +19,8 @@ public:
         : queueName(std::move(name)) {}
 
     CFStringRef Name() const override { return cfString(queueName); }
-    // Accepts only "PMPPDDescriptionType". The file stays until the next call or the end of the printer. It
-    // may be the server's own.
+    // Accepts only "PMPPDDescriptionType". The file stays until the end of the printer. It may be the
+    // server's own (FetchedPPD).
     OSStatus CopyDescriptionURL(const CFStringRef& type, CFURLRef& url) const override;
     OSStatus CopyDeviceURI(CFURLRef& uri) const override;
     // The host of the print server; "localhost" for a server that is reached through a domain socket.
@@ -41,7 +41,7 @@ public:
 private:
     std::string queueName;
     int commandJob = 0;
-    mutable FetchedPPD description;
+    std::shared_ptr<FetchedPPD> description = FetchedPPD::Of(queueName);
 };
 
 class CupsSession final : public PrintSession {

@@ -57,11 +57,11 @@ bool CupsSpooler::GetDestinations(std::vector<SpoolerDestination>& destinations)
 }
 
 std::string CupsSpooler::FetchPPD(const std::string& destination) {
-    std::string path = descriptions[destination].Fetch(destination);
-    if (path.empty()) {
-        descriptions.erase(destination);
+    std::shared_ptr<FetchedPPD>& description = descriptions[destination];
+    if (!description) {
+        description = FetchedPPD::Of(destination);
     }
-    return path;
+    return description->Fetch(destination);
 }
 
 StandingOptionList CupsSpooler::StandingOptions(const std::string& destination) {

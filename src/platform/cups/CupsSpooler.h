@@ -22,7 +22,7 @@ public:
                                       const StandingOptionList& added) override;
 
 private:
-    std::map<std::string, FetchedPPD> descriptions;
+    std::map<std::string, std::shared_ptr<FetchedPPD>> descriptions;
 };
 
 } // namespace torka::platform

@@ -4,7 +4,9 @@
 #include <cups/cups.h>
 #include <cups/ppd.h>
 
+#include <cstdio>
 #include <filesystem>
+#include <map>
 #include <system_error>
 #include <unistd.h>
 
@@ -30,25 +32,36 @@ void FetchedPPD::NameAsDescription() {
     }
 }
 
-std::string FetchedPPD::Fetch(const std::string& queueName) {
-    Forget();
-    if (queueName.empty()) {
-        return {};
+std::shared_ptr<FetchedPPD> FetchedPPD::Of(const std::string& queueName) {
+    static std::map<std::string, std::weak_ptr<FetchedPPD>> known;
+    std::shared_ptr<FetchedPPD> found = known[queueName].lock();
+    if (!found) {
+        found = std::make_shared<FetchedPPD>();
+        known[queueName] = found;
     }
-    const char* fetched = cupsGetPPD(queueName.c_str());
+    return found;
+}
+
+std::string FetchedPPD::Fetch(const std::string& queueName) {
+    const char* fetched = queueName.empty() ? nullptr : cupsGetPPD(queueName.c_str());
     if (fetched == nullptr) {
         return {};
     }
-    copy = fetched;
     std::error_code error;
-    const std::filesystem::path path(copy);
-    if (!std::filesystem::is_symlink(path, error)) {
-        NameAsDescription();
+    const std::filesystem::path path(fetched);
+    if (std::filesystem::is_symlink(path, error)) {
+        const std::filesystem::path target = std::filesystem::canonical(path, error);
+        unlink(fetched);
+        Forget();
+        return error ? std::string() : target.string();
+    }
+    if (!copy.empty() && rename(fetched, copy.c_str()) == 0) {
         return copy;
     }
-    const std::filesystem::path target = std::filesystem::canonical(path, error);
     Forget();
-    return error ? std::string() : target.string();
+    copy = fetched;
+    NameAsDescription();
+    return copy;
 }
 
 } // namespace torka::platform

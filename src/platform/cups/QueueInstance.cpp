@@ -27,7 +27,8 @@ JobOptions instanceOptions(const std::string& queue, const std::string& instance
     JobOptions own = optionsOf(queue, instance.c_str());
     std::erase_if(own, [&common](const auto& option) {
         // What the server tells of the queue is no option of a job; its counters change between two calls.
-        return option.first.starts_with("printer-") || std::ranges::find(common, option) != common.end();
+        const bool isOfQueue = option.first.starts_with("printer-") && option.first != "printer-resolution";
+        return isOfQueue || std::ranges::find(common, option) != common.end();
     });
     return own;
 }

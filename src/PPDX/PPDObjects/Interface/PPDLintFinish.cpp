@@ -94,7 +94,7 @@ public:
         if (start.starts_with('*')) {
             const std::string_view keyword = mainKeyword(start);
             const bool isComment = keyword.starts_with("*%") && findElementKeyword(keyword) == nullptr;
-            isLost = isComment ? isLost : !IsRecord(keyword);
+            isLost = isComment || keyword == "*End" ? isLost : !IsRecord(keyword); // *End closes a value
             if (isComment || !isLost) {
                 return;
             }
@@ -120,7 +120,7 @@ private:
     }
 
     std::size_t lost = 0;
-    bool isLost = false; // what began last
+    bool isLost = false; // the element that began last, with its further lines
     long firstLine = 0;
     std::string firstKeyword;
 };
