@@ -112,19 +112,32 @@ TEST_F(QueueCommands, AddKeepsTheRecordsOfTheQueueAndNamesTheFiltersThatItReplac
         ASSERT_EQ(runTool({"record", "put", file, name}, {}, text).status, 0);
     };
     put(former, "QVlocalPreset", presets);
+    // An older state of one record, of more chunks; the same state of another; one of its own.
     put(former, "QVPopupJnData", "former");
-    put(given, "QVPopupJnData", "given");
+    put(given, "QVPopupJnData", presets);
+    put(former, "QVSame", "same");
+    put(given, "QVSame", "same");
+    put(given, "QVOwn", "own");
+    put(former, "QVInvalidPrinterAddress", "yes");
     std::ofstream(former, std::ios::app) << "*QVlocalPreset00ff: AAAA\n"; // left from a longer record
     ASSERT_EQ(runCommand({"lpadmin", "-p", "Kept2", "-v", "torkasink:/", "-E", "-P", former}).status, 0);
     const CommandResult added = ExpectTool({"queue", "add", "Kept2", "torkasink:/", given}, 1,
                                            "torkafilter takes application/vnd.cups-postscript in place of");
-    EXPECT_THAT(added.errors, testing::AllOf(HasSubstr("before"), HasSubstr("gone")));
-    EXPECT_THAT(added.output, HasSubstr("former description: 1 (QVlocalPreset)\n"));
+    EXPECT_THAT(added.errors, testing::AllOf(HasSubstr("before"), HasSubstr("gone"),
+                                             HasSubstr(": the record QVPopupJnData of " + given + " is not"),
+                                             testing::Not(HasSubstr("QVSame"))));
+    EXPECT_THAT(added.output, HasSubstr("former description: 2 (QVlocalPreset, QVPopupJnData)\n"));
     const std::string kept = *sandbox / "etc/ppd/Kept2.ppd";
     EXPECT_EQ(Done({"record", "get", kept, "QVlocalPreset"}), presets);
-    EXPECT_EQ(Done({"record", "get", kept, "QVPopupJnData"}), "given");
-    EXPECT_THAT(readFile(kept), testing::Not(HasSubstr("QVlocalPreset00ff")));
+    EXPECT_EQ(Done({"record", "get", kept, "QVPopupJnData"}), "former");
+    EXPECT_EQ(Done({"record", "get", kept, "QVSame"}) + Done({"record", "get", kept, "QVOwn"}), "sameown");
+    EXPECT_THAT(readFile(kept), testing::Not(testing::ContainsRegex(
+                                    "QVlocalPreset00ff|QVPopupJnData0002|QVInvalidPrinterAddress")));
     Done({"queue", "add", "Kept2", "torkasink:/", samplePath("torka-production.ppd")});
+    const std::string copy = folder.Write("copy.ppd", readFile(kept));
+    put(copy, "QVOwn", "older");
+    ExpectTool({"queue", "add", "Kept2", "torkasink:/", copy}, 1, "the record QVOwn of");
+    EXPECT_EQ(Done({"record", "get", kept, "QVOwn"}), "own");
 }
 
 TEST_F(QueueCommands, PrintSendsNothingWhereTheSettingsWouldBeLost) {
