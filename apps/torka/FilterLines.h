@@ -15,12 +15,14 @@ std::string withFilterLines(std::string_view description);
 // A line of a description for one of the two types.
 struct FilterLine {
     std::string type;    // MIME type
-    std::string program; // what it calls; "" without a line
+    std::string program; // what it calls, with or without its folder; "" without a line
+    bool CallsNone() const { return program.empty() || program == "-"; }
     bool operator==(const FilterLine&) const = default;
 };
-// The two types that do not go through torkafilter, with what takes them instead.
+// The two types that do not go through torkafilter, with what takes them instead. When a type has several
+// lines, the line that the print server takes counts.
 std::vector<FilterLine> filterLineFaults(std::string_view description);
-// The lines for the two types that call another program. The program "-" calls none.
+// The lines for the two types that call another program.
 std::vector<FilterLine> otherFilterLines(std::string_view description);
 
 } // namespace torka::tool

@@ -86,7 +86,7 @@ Result<void> checkFilterLines(const std::string& queue, const std::string& path,
         return {};
     }
     for (const FilterLine& line : filterLineFaults(text)) {
-        if (line.program.empty()) {
+        if (line.CallsNone()) {
             const auto state = platform::queueState(queue);
             const std::string remedy = "torka queue add " + queue + " " + (state ? state->deviceUri : "URI") +
                                        " FILE.ppd writes both lines of torkafilter";

@@ -66,6 +66,7 @@ Result<void> checkFilter() {
 struct NewDescription {
     std::string text;
     std::vector<std::string> records; // names of those that the former one had
+    std::vector<std::string> unused;  // names of those of the file that are older
     std::vector<FilterLine> replaced; // lines of other filters, from both
 };
 
@@ -85,8 +86,9 @@ Result<NewDescription> makeDescription(const AddOptions& options) {
     }
     NewDescription made;
     CarriedRecords records = recordsToCarry(former, given);
-    made.text = withFilterLines(given) + records.lines;
+    made.text = withFilterLines(withoutRecords(given, records.replaced)) + records.lines;
     made.records = std::move(records.names);
+    made.unused = std::move(records.replaced);
     made.replaced = otherFilterLines(former);
     for (FilterLine& line : otherFilterLines(given)) {
         if (std::ranges::find(made.replaced, line) == made.replaced.end()) {
@@ -123,9 +125,14 @@ ExitStatus tellAdded(const AddOptions& options, const NewDescription& descriptio
     }
     for (const FilterLine& line : description.replaced) {
         warn(options.name + ": torkafilter takes " + line.type + " in place of " + line.program +
-             " (docs/guide/making-a-filter.md keeps both)");
+             " (docs/guide/making-a-filter.md tells how to keep both)");
     }
-    return description.replaced.empty() ? ExitStatus::good : ExitStatus::findings;
+    for (const std::string& name : description.unused) {
+        warn(options.name + ": the record " + name + " of " + options.path +
+             " is not used: the queue has a newer one");
+    }
+    return description.replaced.empty() && description.unused.empty() ? ExitStatus::good
+                                                                      : ExitStatus::findings;
 }
 
 // What the server says about the filters of a queue that it has just read; "" for nothing.
@@ -180,12 +187,13 @@ void addQueueAddCommand(CLI::App& queue, ExitStatus& status) {
     command->add_flag("--force", options->isForced, "Add it although CUPS or torka lint finds errors");
     describe(*command,
              {.examples = {"torka queue add office socket://10.0.0.7 samples/torka-production.ppd"},
-              .findings = "torkafilter takes the place of another filter",
+              .findings = "torkafilter replaces another filter, or a record of PPD is not used",
               .details =
                   "The copy of the description names torkafilter in its *cupsFilter lines, and keeps the "
                   "records that the filter has put into the queue's former description: address list, "
-                  "presets, popup job notes. Refuses a description that CUPS cannot read or that has errors "
-                  "for torka lint, unless --force is given, and a server that cannot run torkafilter."});
+                  "presets, popup job notes. These replace records of the same names in PPD. Refuses a "
+                  "description that CUPS cannot read or that has errors for torka lint, unless --force is "
+                  "given, and a server that cannot run torkafilter."});
     command->callback([options, &status] { status = addNamedQueue(*options); });
 }
 

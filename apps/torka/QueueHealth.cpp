@@ -131,11 +131,12 @@ private:
         const std::vector<FilterLine> faults = filterLineFaults(text);
         findings.reserve(faults.size());
         for (const FilterLine& line : faults) {
-            findings.push_back(
-                fault("filter-lines",
-                      line.type + (line.program.empty() ? " has no line" : " goes through " + line.program),
-                      "torka queue add " + queue + " " + state.deviceUri +
-                          " FILE.ppd writes both lines of torkafilter"));
+            const std::string way = line.program.empty() ? " has no line that the print server takes"
+                                    : line.CallsNone()   ? " goes through no filter"
+                                                         : " goes through " + line.program;
+            findings.push_back(fault("filter-lines", line.type + way,
+                                     "torka queue add " + queue + " " + state.deviceUri +
+                                         " FILE.ppd writes both lines of torkafilter"));
         }
         if (faults.empty()) {
             findings.push_back(good("filter-lines", "documents and commands go through torkafilter"));

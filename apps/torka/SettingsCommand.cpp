@@ -5,6 +5,7 @@
 #include "jobsettings/Findings.h"
 #include "jobsettings/OptionSettings.h"
 #include "jobsettings/OptionText.h"
+#include "jobsettings/SettingCheck.h"
 #include "jobsettings/StandingSettings.h"
 #include "output/ZANJobNote.h"
 #include "platform/cups/CupsPrinting.h"
@@ -144,6 +145,7 @@ ExitStatus set(const SettingsOptions& options) {
     if (!settings) {
         return unusable(settings.Why());
     }
+    const std::vector<std::string> changedNumbers = applySettings(*queue->description, *settings);
     platform::StandingOptionList added;
     for (const Setting& setting : *settings) {
         const PPDXControl* control = queue->description->GetPPDXControlForKey(cfString(setting.key));
@@ -152,13 +154,16 @@ ExitStatus set(const SettingsOptions& options) {
                                "options of a job; nothing is changed");
             return ExitStatus::findings;
         }
-        added.emplace_back(withoutAsterisk(setting.key), setting.value);
+        // A number that fits keeps all its digits; the control's text of one has three decimals.
+        const bool isChanged =
+            control != nullptr && !changedNumber(*control, setting.value, setting.shown).empty();
+        added.emplace_back(withoutAsterisk(setting.key),
+                           isChanged ? utf8Text(control->CopyCurrentControlValueString()) : setting.value);
     }
     CupsSpooler spooler;
     if (const std::string problem = spooler.ChangeStandingOptions(queue->name, {}, added); !problem.empty()) {
         return unusable(problem);
     }
-    const std::vector<std::string> changedNumbers = applySettings(*queue->description, *settings);
     for (const std::string& change : changedNumbers) {
         warn(change);
     }

@@ -28,7 +28,7 @@ Result<void> checkSettingValue(const PPDXControl& control, std::string_view valu
     if (control.Type() == CNTL_TYPE::specialOption) {
         return Fault{keyword + " is given by the description and cannot be set"};
     }
-    if (control.Type() == CNTL_TYPE::boolean && value != "True" && value != "False") {
+    if (control.Type() == CNTL_TYPE::boolean && !truthOf(value)) {
         return Fault{keyword + " takes True or False, not " + shown};
     }
     if (const auto* popup = dynamic_cast<const PPDXPopupControl*>(&control);
@@ -60,6 +60,9 @@ std::optional<OptionSize> sizeFor(const PPDXCustomPageSizeControl& control, std:
 std::string controlText(const PPDXControl& control, std::string_view value) {
     if (isNumber(control)) {
         return std::string(value.substr(value.starts_with('+') ? 1 : 0));
+    }
+    if (const std::optional<bool> truth = truthOf(value); truth && control.Type() == CNTL_TYPE::boolean) {
+        return *truth ? "True" : "False";
     }
     if (const auto* custom = dynamic_cast<const PPDXCustomPageSizeControl*>(&control)) {
         if (const std::optional<OptionSize> size = sizeFor(*custom, value)) {

@@ -147,7 +147,8 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
     EXPECT_EQ(readFile(file), kept);
     EXPECT_EQ(settings("show").output,
               "Notes1=" + note + "\nQVScale=50\nQVStaple=Top\ntorka-conflicts=stop\n");
-    ExpectTool({"settings", "set", "-d", "Standing", "QVScale=5000"}, 1, "does not take 5000, but");
+    ExpectTool({"settings", "set", "-d", "Standing", "QVScale=5000"}, 1, "does not take 5000, but 400");
+    EXPECT_THAT(settings("show").output, HasSubstr("QVScale=400\n")); // later jobs have nothing to tell
     EXPECT_THAT(settings("set", {"QVFoldStyle=Half", "QVStaple=Saddle", "QVScale=50"}).errors,
                 HasSubstr("does not go together"));
 

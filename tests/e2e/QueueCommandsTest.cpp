@@ -112,48 +112,101 @@ TEST_F(QueueCommands, AddKeepsTheRecordsOfTheQueueAndNamesTheFiltersThatItReplac
         ASSERT_EQ(runTool({"record", "put", file, name}, {}, text).status, 0);
     };
     put(former, "QVlocalPreset", presets);
+    // An older state of one record, of more chunks; the same state of another; one of its own.
     put(former, "QVPopupJnData", "former");
-    put(given, "QVPopupJnData", "given");
+    put(given, "QVPopupJnData", presets);
+    put(former, "QVSame", "same");
+    put(given, "QVSame", "same");
+    put(given, "QVOwn", "own");
+    put(former, "QVInvalidPrinterAddress", "yes");
     std::ofstream(former, std::ios::app) << "*QVlocalPreset00ff: AAAA\n"; // left from a longer record
     ASSERT_EQ(runCommand({"lpadmin", "-p", "Kept2", "-v", "torkasink:/", "-E", "-P", former}).status, 0);
     const CommandResult added = ExpectTool({"queue", "add", "Kept2", "torkasink:/", given}, 1,
                                            "torkafilter takes application/vnd.cups-postscript in place of");
-    EXPECT_THAT(added.errors, testing::AllOf(HasSubstr("before"), HasSubstr("gone")));
-    EXPECT_THAT(added.output, HasSubstr("former description: 1 (QVlocalPreset)\n"));
+    EXPECT_THAT(added.errors, testing::AllOf(HasSubstr("before"), HasSubstr("gone"),
+                                             HasSubstr(": the record QVPopupJnData of " + given + " is not"),
+                                             testing::Not(HasSubstr("QVSame"))));
+    EXPECT_THAT(added.output, HasSubstr("former description: 2 (QVlocalPreset, QVPopupJnData)\n"));
     const std::string kept = *sandbox / "etc/ppd/Kept2.ppd";
     EXPECT_EQ(Done({"record", "get", kept, "QVlocalPreset"}), presets);
-    EXPECT_EQ(Done({"record", "get", kept, "QVPopupJnData"}), "given");
-    EXPECT_THAT(readFile(kept), testing::Not(HasSubstr("QVlocalPreset00ff")));
+    EXPECT_EQ(Done({"record", "get", kept, "QVPopupJnData"}), "former");
+    EXPECT_EQ(Done({"record", "get", kept, "QVSame"}) + Done({"record", "get", kept, "QVOwn"}), "sameown");
+    EXPECT_THAT(readFile(kept), testing::Not(testing::ContainsRegex(
+                                    "QVlocalPreset00ff|QVPopupJnData0002|QVInvalidPrinterAddress")));
     Done({"queue", "add", "Kept2", "torkasink:/", samplePath("torka-production.ppd")});
+    const std::string copy = folder.Write("copy.ppd", readFile(kept));
+    put(copy, "QVOwn", "older");
+    ExpectTool({"queue", "add", "Kept2", "torkasink:/", copy}, 1, "the record QVOwn of");
+    EXPECT_EQ(Done({"record", "get", kept, "QVOwn"}), "own");
 }
 
 TEST_F(QueueCommands, PrintSendsNothingWhereTheSettingsWouldBeLost) {
     const TemporaryFolder folder;
     const fs::path filters = *sandbox / "lib/filter";
-    std::ofstream(filters / "officefilter")
-        << "#!/bin/sh\nexec " << filters.string() << "/torkafilter \"$@\"\n";
-    fs::permissions(filters / "officefilter", fs::perms(0755));
-    const auto print = [&](const std::vector<std::pair<std::string, std::string>>& lines, int status,
-                           const std::string& told) {
-        std::string text = "\n";
-        for (const auto& [type, program] : lines) {
-            text += "*cupsFilter: \"application/vnd.cups-" + type + " 0 " + program + "\"\n";
+    const std::string own = filters / "torkafilter";
+    for (const auto& [name, command] : {std::pair{"officefilter", own + " \"$@\""}, {"plain", "cat $6"}}) {
+        std::ofstream(filters / name) << "#!/bin/sh\nexec " << command << "\n";
+        fs::permissions(filters / name, fs::perms(0755));
+    }
+    const std::string own2 = "application/postscript 0 torkafilter";
+    const std::string other = "*cupsFilter2: \"image/gif application/postscript 0 plain\"\n";
+    // The values of lines *cupsFilter or *cupsFilter2, behind "application/vnd.cups-". What is printed shows
+    // which line the server takes.
+    const struct {
+        std::vector<std::string> values;
+        int status;
+        std::string told;
+        bool hasSettings = true;
+        std::string otherLine = {};
+        std::string form = "*cupsFilter";
+    } rows[] = {
+        {{}, 2, "torka queue add Lines torkasink:/ FILE.ppd"},
+        {{"postscript 0 torkafilter"}, 2, "vnd.cups-command does not go through torkafilter"},
+        {{"postscript 0 -", "command 0 torkafilter"}, 2, "vnd.cups-postscript does not go through"},
+        {{"postscript 0 torkafilter", "command 0 torkafilter"},
+         2,
+         "vnd.cups-postscript does not",
+         false,
+         other},
+        {{"postscript " + own2, "command " + own2}, 0, "", true, other, "*cupsFilter2"},
+        {{"postscript\t0 \t" + own, "command\t0\tmaxsize(0) torkafilter"}, 0, ""},
+        {{"postscript 0 officefilter", "command 0 torkafilter"}, 1, "loses its print settings unless"},
+        {{"postscript 5 torkafilter", "postscript 4 plain", "command 0 torkafilter"},
+         1,
+         "through plain:",
+         false},
+        {{"postscript 4 torkafilter", "postscript 5 plain", "command 0 torkafilter"}, 0, ""},
+        {{"postscript 5 plain", "postscript 5 torkafilter", "command 0 torkafilter"},
+         1,
+         "through plain:",
+         false},
+    };
+    for (const auto& row : rows) {
+        std::string text = "\n" + row.otherLine;
+        for (const std::string& value : row.values) {
+            text += row.form + ": \"application/vnd.cups-" + value + "\"\n";
         }
         const std::string description =
             folder.Write("lines.ppd", replaced(readFile(samplePath("torka-production.ppd")), "\n", text));
-        EXPECT_EQ(runCommand({"lpadmin", "-p", "Lines", "-v", "torkasink:/", "-E", "-P", description}).status,
+        ASSERT_EQ(runCommand({"lpadmin", "-p", "Lines", "-v", "torkasink:/", "-E", "-P", description}).status,
                   0);
         const int last = LastJob();
-        const CommandResult said =
-            ExpectTool({"print", "-d", "Lines", samplePath("plain.ps"), "QVStaple=Saddle"}, status, told);
-        EXPECT_EQ(LastJob() > last, status != 2);
-        return said;
-    };
-    print({}, 2, "torka queue add Lines torkasink:/ FILE.ppd");
-    print({{"postscript", "torkafilter"}}, 2, "vnd.cups-command does not go through torkafilter");
-    const CommandResult said = print({{"postscript", "officefilter"}, {"command", "torkafilter"}}, 1,
-                                     "goes through officefilter: the job loses its print settings unless");
-    EXPECT_THAT(sandbox->Printed(jobNumber(said.output)), HasSubstr("%%BeginFeature: *QVStaple Saddle\n"));
+        const CommandResult said = ExpectTool(
+            {"print", "-d", "Lines", samplePath("plain.ps"), "QVStaple=Saddle"}, row.status, row.told);
+        EXPECT_EQ(LastJob() > last, row.status != 2);
+        if (row.status != 2) {
+            const std::string printed = sandbox->Printed(jobNumber(said.output));
+            EXPECT_EQ(printed.find("%%BeginFeature: *QVStaple Saddle\n") != std::string::npos,
+                      row.hasSettings)
+                << text;
+        }
+        if (!row.otherLine.empty()) {
+            runTool({"queue", "add", "Lines", "torkasink:/", description});
+            EXPECT_THAT(readFile(*sandbox / "etc/ppd/Lines.ppd"),
+                        HasSubstr("*cupsFilter2: \"application/vnd"));
+            ExpectTool({"print", "-d", "Lines", samplePath("plain.ps"), "QVStaple=Saddle"}, 0, "");
+        }
+    }
 }
 
 TEST_F(QueueCommands, CheckFindsEachFaultWithItsRemedy) {
