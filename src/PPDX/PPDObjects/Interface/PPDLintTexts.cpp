@@ -47,10 +47,9 @@ constexpr std::array rows{
     TORKA_ROW(unknownJobNoteFlag, "the job-note flag word \"%1\" is unknown and was skipped",
               "use the words of the table of job notes"),
     TORKA_ROW(badDefaultNote, "the default text %1", "change the default text or the note's rules"),
-    TORKA_ROW(
-        strayNoteLine, "%1 does not belong to its job note and is lost",
-        "put *%DefaultKEY and then *%KEY directly behind the *%ZANJobNote line; both begin with *%, "
-        "and KEY is spelt as in that line, without its asterisk"),
+    TORKA_ROW(strayNoteLine, "%1 does not belong to its job note and is lost",
+              "put *%DefaultKEY and then *%KEY directly behind the *%ZANJobNote line; both begin with *%, "
+              "and KEY is spelt as in that line, without its asterisk"),
     TORKA_ROW(lostMinLength, "\"MinLength\" behind \"%1\" sets the minimum length back to none",
               "write MinLength|%1"),
     TORKA_ROW(noPlaceholder, "the template has no placeholder <%2>: the job never holds the value",
