@@ -42,7 +42,7 @@ struct PaneSetup {
     std::function<bool()> beganWithLastJob{}; // with the settings of the person's last job
     std::function<void()> applicationDidBecomeActive{};
     std::function<void()> becomeCurrent{}; // a person turns to a window of this panel
-    std::function<bool()> twoWayFailed{}; // two-way communication is on and the controller does not answer
+    std::function<bool()> twoWayFailed{};  // two-way communication is on and the controller does not answer
 };
 
 // The interface of the pane, loaded from its interface file. The widgets in the file are found by the names
