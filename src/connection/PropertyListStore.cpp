@@ -34,7 +34,7 @@ public:
     std::string Load() override { return saved.empty() ? source->Load() : saved; }
     OSStatus LoadError() const override { return source->LoadError(); }
     SaveResult Save(std::string_view xml) override {
-        const SaveResult result = target->Save(xml);
+        SaveResult result = target->Save(xml);
         saved = result.confirmed ? xml : saved;
         return result;
     }

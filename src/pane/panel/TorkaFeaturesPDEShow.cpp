@@ -78,7 +78,7 @@ bool TorkaFeaturesPDE::restoreValuesAndReturnError(std::string* /*error*/) {
 // For a new dialog, whose print settings tell nothing of this printer: what the person chose the last time.
 // Returns the settings before; null when there was no last job.
 CFDictionaryRef TorkaFeaturesPDE::TakeLastUsed() {
-    const CFDictionaryRef defaults = presets->PresentSettings();
+    CFDictionaryRef defaults = presets->PresentSettings();
     if (presets->ApplyLastUsed() != PresetStore::Result::done) {
         return nullptr;
     }

@@ -265,7 +265,13 @@ void PPDLint::CheckDefaults(const ZANPPD& description) {
         const std::string otherKey(texts.Find(other.key));
         const auto place = lineOfKeys.find(keysOf(key, otherKey));
         Note(PPDLintKind::defaultsInConflict, place == lineOfKeys.end() ? 0 : place->second, key,
-             key + "=" + texts.Find(one.option) + " and " + otherKey + "=" + texts.Find(other.option));
+             std::string(key)
+                 .append("=")
+                 .append(texts.Find(one.option))
+                 .append(" and ")
+                 .append(otherKey)
+                 .append("=")
+                 .append(texts.Find(other.option)));
     }
 }
 
