@@ -4,6 +4,7 @@
 #include "PPDX/PPDObjects/Controls/ColourKeywords.h"
 #include "PPDX/PPDObjects/Controls/PPDXControls.h"
 #include "PPDX/PPDObjects/Controls/PPDXPopupControl.h"
+#include "PPDX/PPDObjects/NumberText.h"
 #include "output/ZANWatermark.h"
 
 #include <algorithm>
@@ -66,7 +67,9 @@ std::string controlText(const PPDXControl& control, std::string_view value) {
     }
     if (const auto* custom = dynamic_cast<const PPDXCustomPageSizeControl*>(&control)) {
         if (const std::optional<OptionSize> size = sizeFor(*custom, value)) {
-            return std::to_string(size->width) + " " + std::to_string(size->height);
+            constexpr int decimals = 6;
+            return std::string(NumberText(nearestFloat(size->width), decimals).View()) + " " +
+                   std::string(NumberText(nearestFloat(size->height), decimals).View());
         }
     }
     return std::string(value);
