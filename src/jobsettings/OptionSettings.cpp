@@ -291,13 +291,6 @@ void OptionSettings::TakeValue(PPDXControl& control, const std::string& value) {
         TakeChoice(*popup, value);
     } else if (auto* size = dynamic_cast<PPDXCustomPageSizeControl*>(&control)) {
         TakeSize(*size, value);
-    } else if (control.Type() == CNTL_TYPE::boolean) {
-        const std::optional<bool> truth = truthOf(value);
-        if (truth) {
-            control.SetCurrentControlWithCFString(cfString(*truth ? "True" : "False"));
-        } else {
-            Remark(nameOf(control) + " takes True or False, not " + value);
-        }
     } else if (control.Type() == CNTL_TYPE::specialOption) {
         Remark(checkSettingValue(control, value, value).Why().text);
     } else if (const Result<void> checked = checkSettingValue(control, value, value); !checked) {
