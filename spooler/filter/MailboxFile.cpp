@@ -45,8 +45,8 @@ std::string ownerText(const MailboxOwner& owner) {
     return line += '\n';
 }
 
-// Returns nothing for a file that cannot be read. Reads a file of the user's name alone, too, which filters
-// before 1.0 wrote.
+// Returns nothing for a file that cannot be read. Also reads a file that holds the user's name alone, as
+// earlier versions of the filter wrote it.
 std::optional<MailboxOwner> ownerOf(const std::string& name) {
     const FileResult<std::string> text = PrivateFolder::Read(ownerFile(name), maximumOwner);
     if (!text) {

@@ -128,8 +128,8 @@ std::string PaneEditor::Value(const PPDXControl& control) {
         });
         return chosen;
     }
-    if (control.Type() ==
-        CNTL_TYPE::floatRange) { // its usual text has three decimals, and an undo would round
+    // The usual text of a decimal number has three decimals, so that an undo would round it.
+    if (control.Type() == CNTL_TYPE::floatRange) {
         return floatText(static_cast<const PPDXFloatRangeControl&>(control).GetValue());
     }
     return utf8Text(control.CopyCurrentControlValueString());

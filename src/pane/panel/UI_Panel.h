@@ -106,7 +106,6 @@ public:
     static PPDTree Tree;
 
     // Given interface; no caller here
-    // Given interface; no caller here
     bool isPylon3() const; // the controller system is of version 4.2 or 4.3
     std::int32_t getReturnFromJP() const { return mReturnFromJP; }
     void setReturnFromJP(std::int32_t returned) { mReturnFromJP = returned; }
@@ -192,7 +191,6 @@ extern std::chrono::steady_clock::time_point sLoadingTime;
 // The entry of UI_Panel::Tree with that keyword; null when there is none.
 PPDTreeQuickAccess* GetShortcutFromKeyword(std::string_view keyword);
 
-// Given interface; no caller here
 // Given interface; no caller here
 // Whether the module can speak with the controller itself: two-way communication is on and the record of the
 // panel made last has an address.
