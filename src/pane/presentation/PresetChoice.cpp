@@ -19,6 +19,20 @@ namespace {
 
 constexpr std::string_view printSizeKeyword = "*QVPrintSize";
 
+// The custom size as an option of jobs names it (docs/options.md); "" when the job has no such size.
+std::string customSizeOption(const PaneEditor& editor) {
+    const PPDXControl* printSize = editor.FindControl(printSizeKeyword);
+    std::string value;
+    if (printSize != nullptr && PaneEditor::Value(*printSize) == "CustomPrintSize") {
+        editor.Model().GetControls()->ForEach([&value](const PPDXControl* control) {
+            if (const auto* size = dynamic_cast<const PPDXCustomPageSizeControl*>(control)) {
+                value = "Custom." + floatText(size->GetWidth()) + "x" + floatText(size->GetHeight()) + "pt";
+            }
+        });
+    }
+    return value;
+}
+
 } // namespace
 
 PresetChoice::PresetChoice(const PaneTexts& paneTexts, PaneEditor& paneEditor, PDEData& paneData)
@@ -126,24 +140,6 @@ bool PresetChoice::CanServeAllPrograms() { return platform::hasSpooler(); }
 bool PresetChoice::ServesAllPrograms() const {
     return !standingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model()).empty();
 }
-
-namespace {
-
-// The custom size as an option of jobs names it (docs/options.md); "" when the job has no such size.
-std::string customSizeOption(const PaneEditor& editor) {
-    const PPDXControl* printSize = editor.FindControl(printSizeKeyword);
-    std::string value;
-    if (printSize != nullptr && PaneEditor::Value(*printSize) == "CustomPrintSize") {
-        editor.Model().GetControls()->ForEach([&value](const PPDXControl* control) {
-            if (const auto* size = dynamic_cast<const PPDXCustomPageSizeControl*>(control)) {
-                value = "Custom." + floatText(size->GetWidth()) + "x" + floatText(size->GetHeight()) + "pt";
-            }
-        });
-    }
-    return value;
-}
-
-} // namespace
 
 PresetChoice::Served PresetChoice::ServeAllPrograms() {
     platform::StandingOptionList settings;
