@@ -17,6 +17,11 @@ namespace {
 // the state of the job. Bytes of a text in a line:
 constexpr std::size_t longestText = 900;
 
+// All filters of a job and its backend write into one pipe, and some write a line in several pieces
+// (pdftops of cups-filters). Behind such a piece the level of a message would be text in the middle of a
+// line. The server ignores an empty line.
+constexpr char freshLine = '\n';
+
 void tellLine(std::string_view kind, std::string_view text, std::string_view end) {
     std::string line(kind);
     for (const char c : text) {
@@ -41,12 +46,11 @@ std::string_view beginning(std::string_view text) {
 // One line that the job and its queue keep as their state. The whole of a longer text goes into the log.
 void tellState(std::string_view kind, std::string_view text) {
     const std::string_view first = beginning(text);
-    if (first.size() == text.size()) {
-        tellLine(kind, text, "");
-        return;
+    const bool isWhole = first.size() == text.size();
+    if (!isWhole) {
+        tellDebug(text);
     }
-    tellDebug(text);
-    tellLine(kind, first, " ...");
+    tellLine(freshLine + std::string(kind), first, isWhole ? "" : " ...");
 }
 
 } // namespace
@@ -121,7 +125,7 @@ bool sendRecords(const std::vector<NamedPayload>& records, const std::vector<std
     std::vector<std::string> messages;
     const bool isAllTaken = recordMessages(records, messages, emptied);
     for (const std::string& message : messages) {
-        standardStreams().Error(message);
+        standardStreams().Error(freshLine + message);
     }
     return isAllTaken;
 }

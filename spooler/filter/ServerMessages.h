@@ -12,7 +12,7 @@ namespace torka::filter {
 
 // Send lines of less than 1,023 bytes for any text. People see an error as the state of the job and the
 // queue. A warning stays there when the job completes, whatever its backend says. Both are cut where they are
-// too long; lines for debugging then hold the whole text.
+// too long; lines for debugging then hold the whole text. An empty line precedes both.
 void tellError(std::string_view text);
 void tellWarning(std::string_view text);
 void tellDebug(std::string_view text);

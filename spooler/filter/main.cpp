@@ -106,7 +106,7 @@ int run(int argc, char** argv) {
 // Needs no memory.
 int failed(const char* reason) noexcept {
     std::fprintf(stderr,
-                 "%s: The filter stopped: %s. What reached the printer may not be complete. Print the job "
+                 "\n%s: The filter stopped: %s. What reached the printer may not be complete. Print the job "
                  "again.\n",
                  "ERROR", reason);
     filter::waitUntilRead();

@@ -245,10 +245,11 @@ TEST(Messages, StayLinesOfTheirLevelWhateverTheirTextIs) {
             harness.Forget();
             tellIt(text);
             std::string whole; // what the log holds of it
-            for (const std::string& message : harness.Messages()) {
+            const std::vector<std::string> messages = harness.Messages();
+            for (const std::string& message : messages) {
                 EXPECT_LT(message.size(), 1023U);
                 EXPECT_EQ(message.find('\n'), message.size() - 1);
-                const bool isLast = &message == &harness.Messages().back();
+                const bool isLast = &message == &messages.back();
                 EXPECT_TRUE(message.starts_with(isLast ? level : "DEBUG: ")) << message;
                 if (!isLast || whole.empty() || level == std::string("DEBUG: ")) {
                     whole += message.substr(message.find(' ') + 1, message.size() - message.find(' ') - 2);
