@@ -24,6 +24,7 @@ using namespace torka;
 struct Streams final : StandardStreams {
     void Output(std::string_view) override {}
     void Error(std::string_view text) override {
+        text.remove_prefix(text.starts_with('\n') ? 1 : 0); // an empty line
         if (!text.ends_with('\n') || text.find('\n') + 1 != text.size()) {
             std::abort();
         }

@@ -22,17 +22,18 @@ class ZANPPD;
 // Findings beyond errors, for the author of a description. PPDLintTexts.cpp says each in words.
 enum class PPDLintKind {
     // Groups and pages
-    unplacedGroup,     // a declared group name that no parent line places
-    parentWithoutKind, // a parent line without the kind of group, of a group that no other line places
-    unknownGroup,      // a group line that names no group
-    secondScrollPane,  // a page that has a scroll pane gets another one
-    groupPlacedTwice,  // a group that a parent line has placed already
-    hiddenByFlag,      // a page or group that lacks "True" and has a word like it
-    unknownFlag,       // any other word that is no flag
-    hiddenControls,    // a hidden group that holds controls
-    blockInNoGroup,    // a control that is meant to be shown and has no group line
-    noteInScrollPane,  // a job note whose group is no roll-down
-    strayControlLine,  // a line of a control's definition that stands alone
+    unplacedGroup,      // a declared group name that no parent line places
+    parentWithoutGroup, // a parent line for a name that no line above declares
+    parentWithoutKind,  // a parent line without the kind of group, of a group that no other line places
+    unknownGroup,       // a group line that names no group
+    secondScrollPane,   // a page that has a scroll pane gets another one
+    groupPlacedTwice,   // a group that a parent line has placed already
+    hiddenByFlag,       // a page or group that lacks "True" and has a word like it
+    unknownFlag,        // any other word that is no flag
+    hiddenControls,     // a hidden group that holds controls
+    blockInNoGroup,     // a control that is meant to be shown and has no group line
+    noteInScrollPane,   // a job note whose group is no roll-down
+    strayControlLine,   // a line of a control's definition that stands alone
     // Job notes
     unknownJobNoteFlag,    // a word that is not a job note flag
     badDefaultNote,        // a default text that breaks a rule of its note
@@ -70,6 +71,7 @@ enum class PPDLintKind {
     cutValue,           // a quoted value of more than 255 bytes
     unclosedQuote,      // a value without its closing quote
     textWithoutQuotes,  // text where only a quoted value is read
+    textBehindQuote,    // text behind the closing quote of a value
     unreadableByte,     // a line with a byte NUL or 0xFF, which ends its text
     untranslatableText, // bytes that are no text of the declared encoding
     otherEncoding,      // a text that is probably in another encoding than the declared one
@@ -119,6 +121,9 @@ public:
     void SpoolerKeyword(std::string_view keyword) { spoolerKeywords.emplace(keyword); }
     void DeclaredGroup(const GroupName& name, long line) { declaredGroups.push_back({line, name.name}); }
     void PlacedGroup(std::string_view name) { placedGroups.emplace(name); }
+    void ParentWithoutGroup(std::string_view name, long line) {
+        groupsBeforeNames.push_back({line, std::string(name)});
+    }
     void ParentWithoutKind(std::string_view name, long line) {
         kindlessParents.try_emplace(std::string(name), line);
     }
@@ -220,6 +225,7 @@ private:
     std::vector<Named> otherLines;
     std::unordered_set<std::string> placedGroups;
     std::unordered_map<std::string, long> kindlessParents; // group, line
+    std::vector<Named> groupsBeforeNames;                  // parent lines of groups that are not declared yet
     std::unordered_set<std::string> spoolerKeywords;
     std::unordered_set<std::string> optionsSeen; // key NUL option
     std::optional<Named> firstText;              // the first one that needs an encoding before it is known

@@ -293,6 +293,13 @@ void PPDLint::CheckGroups(const ZANPPD& description) {
             Note(PPDLintKind::unplacedGroup, group.line, group.name);
         }
     }
+    Words declared;
+    for (const Named& group : declaredGroups) {
+        declared.emplace_back(group.name);
+    }
+    for (const Named& each : groupsBeforeNames) {
+        Note(PPDLintKind::parentWithoutGroup, each.line, each.name, {}, Suggestion(each.name, declared));
+    }
     Words names;
     description.GetGroups()->ForEach([&](const PPDXGroup* group) { names.emplace_back(group->Keyword()); });
     for (const Named& each : unknownGroups) {
@@ -476,6 +483,7 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
     LinesBehindEnd behind;
     std::span<const std::uint32_t> unclosed = description.UnclosedValues();
     std::span<const std::uint32_t> cut = description.CutValues();
+    std::span<const std::uint32_t> trailing = description.TextsBehindQuotes();
     const auto noteValues = [&](PPDLintKind kind, std::span<const std::uint32_t>& values) {
         for (; !values.empty() && values.front() <= line; values = values.subspan(1)) {
             Note(kind, line, mainKeyword(start));
@@ -489,6 +497,7 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
             CheckLine(line, start, length, badByte);
             noteValues(PPDLintKind::unclosedQuote, unclosed);
             noteValues(PPDLintKind::cutValue, cut);
+            noteValues(PPDLintKind::textBehindQuote, trailing);
         }
         length = 0;
         badByte = {};

@@ -24,6 +24,8 @@ struct LintRow {
 constexpr std::array rows{
     TORKA_ROW(unplacedGroup, "the group is declared but no *%ZANParent line places it",
               "add a *%ZANParent line for the group, or remove its declaration"),
+    TORKA_ROW(parentWithoutGroup, "the line places nothing: no line above declares the group",
+              "declare the group above with *%ZANGroupName or *%ZANSubGroupName"),
     TORKA_ROW(parentWithoutKind, "the line does not place the group: it lacks Rolldown or Scrollpane",
               "add |Rolldown or |Scrollpane to its flags"),
     TORKA_ROW(unknownGroup, "the group \"%1\" does not exist",
@@ -106,6 +108,8 @@ constexpr std::array rows{
               "close the quote"),
     TORKA_ROW(textWithoutQuotes, "the text \"%1\" stands outside the quotes of the value and is lost",
               "put the whole value between two quotes \" directly behind the colon"),
+    TORKA_ROW(textBehindQuote, "text stands behind the closing quote of the value and is lost",
+              "close the quote behind the whole value; a value holds no quote \" of its own"),
     TORKA_ROW(unreadableByte, "the line holds a byte %1, at which its text ends", "remove the byte"),
     TORKA_ROW(untranslatableText, "the text is not valid in the declared *LanguageEncoding",
               "write the text in that encoding, or declare the encoding of the text"),

@@ -129,11 +129,20 @@ std::string_view PPDX::TakeValue(PPDStream& stream, std::size_t room, bool isPos
     stream.Skip(opening + 1 + length + (isClosed ? 1 : 0));
     const std::string_view start = rest.substr(0, std::min(length, room));
     if (isClosed) {
+        LookBehindQuote(rest.substr(length + 1));
         return start;
     }
     longValue = start;
     const bool hasEnd = ReadRestOfValue(room, isPostscript);
     return hasEnd || !isPostscript ? std::string_view(longValue) : std::string_view();
+}
+
+void PPDX::LookBehindQuote(std::string_view rest) {
+    const std::size_t begin = rest.find_first_not_of(" \t");
+    if (begin != std::string_view::npos && rest[begin] != '/' &&
+        textsBehindQuotes.size() < maximumNotedValues) {
+        textsBehindQuotes.push_back(LineNumber());
+    }
 }
 
 // Returns false at the end of the file.
@@ -168,6 +177,7 @@ bool PPDX::ReadRestOfValue(std::size_t room, bool isPostscript) {
         const std::size_t quote = text.find('"');
         append(text.substr(0, quote));
         if (quote != std::string_view::npos) {
+            LookBehindQuote(text.substr(quote + 1));
             return true;
         }
     }
@@ -208,6 +218,7 @@ bool PPDX::StartReading(std::unique_ptr<PPDFileStream> stream) {
     gEndOfPPD = false;
     unclosedValues.clear();
     cutValues.clear();
+    textsBehindQuotes.clear();
     SetApplicationTextEncoding(kCFStringEncodingUnknown);
     fileStream = std::move(stream);
     return fileStream && !fileStream->Bad();

@@ -85,6 +85,9 @@ public:
     const std::vector<std::uint32_t>& UnclosedValues() const { return unclosedValues; }
     // Does the same for the values that GetQuotedString has cut.
     const std::vector<std::uint32_t>& CutValues() const { return cutValues; }
+    // Does the same for the lines that have text behind a closing quote, other than a translation ("/TEXT").
+    // Nothing reads that text.
+    const std::vector<std::uint32_t>& TextsBehindQuotes() const { return textsBehindQuotes; }
 
     // Given interface; no caller here
     // Does the same as GetQuotedString for PostScript, with a line feed before each joined line and one at
@@ -118,6 +121,7 @@ protected:
     HeaderValue dialogExtension;
 
 private:
+    void LookBehindQuote(std::string_view rest);
     bool ReadRestOfValue(std::size_t room, bool isPostscript);
     void RemakeConverter();
 
@@ -127,6 +131,7 @@ private:
     std::string longValue; // of several lines; kept for its capacity while reading
     std::vector<std::uint32_t> unclosedValues;
     std::vector<std::uint32_t> cutValues;
+    std::vector<std::uint32_t> textsBehindQuotes;
 };
 
 } // namespace torka

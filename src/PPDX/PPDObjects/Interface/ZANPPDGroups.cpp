@@ -124,7 +124,9 @@ void ZANPPD::ParseParent(PPDStream& line) {
     }
     const auto child = groupNames.find(childName);
     if (child == groupNames.end() || kind == Kind::none) {
-        if (lint && child != groupNames.end()) {
+        if (lint && child == groupNames.end()) {
+            lint->ParentWithoutGroup(childName, Line());
+        } else if (lint) {
             lint->ParentWithoutKind(childName, Line());
         }
         return;
