@@ -101,8 +101,20 @@ Result<std::vector<Setting>> readSettings(const ZANPPD& description, const std::
     return parsed ? Result<std::vector<Setting>>(std::move(settings)) : parsed;
 }
 
+// A queue whose kept settings can be read.
+Result<OpenQueue> openWithSettings(const std::string& name) {
+    Result<OpenQueue> queue = openQueue(name);
+    if (queue) {
+        const auto kept = platform::standingOptions(platform::standingOptionsFile(), queue->name);
+        if (!kept) {
+            return kept.Why();
+        }
+    }
+    return queue;
+}
+
 ExitStatus show(const SettingsOptions& options) {
-    const Result<OpenQueue> queue = openQueue(options.queue);
+    const Result<OpenQueue> queue = openWithSettings(options.queue);
     if (!queue) {
         return unusable(queue.Why());
     }
@@ -172,7 +184,7 @@ ExitStatus set(const SettingsOptions& options) {
 }
 
 ExitStatus clear(const SettingsOptions& options) {
-    const Result<OpenQueue> queue = openQueue(options.queue);
+    const Result<OpenQueue> queue = openWithSettings(options.queue);
     if (!queue) {
         return unusable(queue.Why());
     }

@@ -184,6 +184,13 @@ TEST_F(Options, ThatAPersonKeepsReachTheJobsOfEveryProgram) {
                   others + "Dest Standing copies=1 page-left=\"1 2\"" + (isNamed ? "\n" : " Tray=y\n"));
     }
     std::filesystem::remove(file);
+    std::filesystem::create_directory(file); // no file that can be read
+    for (const auto& [action, text] :
+         {std::pair{"show", "--json"}, {"clear", "QVGone"}, {"set", "QVScale=50"}}) {
+        ExpectTool({"settings", action, "-d", "Standing", text}, 2, "etc/lpoptions: Is a directory");
+    }
+    std::filesystem::remove(file);
+    std::filesystem::remove(file);
 }
 
 } // namespace
