@@ -64,6 +64,7 @@ public:
 
     std::vector<QueueFinding> Check() {
         std::vector<QueueFinding> findings{CheckQueue(), CheckDescription()};
+        AddMembers(findings);
         for (QueueFinding& finding : CheckFilter()) {
             findings.push_back(std::move(finding));
         }
@@ -123,6 +124,53 @@ private:
         return errors > 0 ? fault("description", "it has " + counts, remedy)
                           : QueueFinding{"description", CheckState::good, "it has " + counts,
                                          lint.Notes().empty() ? "" : remedy};
+    }
+
+    // A class has the description of its first printer, and any of its printers may get a job.
+    void AddMembers(std::vector<QueueFinding>& findings) const {
+        const std::vector<std::string> members = platform::printersOfClass(queue);
+        if (members.empty() || !description) {
+            return;
+        }
+        std::string names;
+        bool areGood = true;
+        for (const std::string& member : members) {
+            names += (names.empty() ? "" : ", ") + member;
+            if (const std::string problem = MemberProblem(member); !problem.empty()) {
+                areGood = false;
+                QueueFinding finding = fault("members", member, "torka queue add ");
+                finding.text.append(" ").append(problem);
+                finding.remedy.append(member).append(" URI FILE.ppd");
+                findings.push_back(std::move(finding));
+            }
+        }
+        if (areGood) {
+            findings.push_back(good("members", "the class has printers of one kind: " + names));
+        }
+    }
+
+    // Why a job for the class cannot print there as its settings say; "" when it can.
+    std::string MemberProblem(const std::string& member) const {
+        PMPrinter other;
+        CFURLRef url;
+        const auto otherSession = std::make_shared<CupsSession>(member);
+        std::string otherText;
+        if (PMSessionGetCurrentPrinter(otherSession, other) != noErr ||
+            PMPrinterCopyDescriptionURL(other, cfString("PMPPDDescriptionType"), url) != noErr ||
+            platform::system().ReadFile(CFURLCopyFileSystemPath(url), maximumDescription, otherText)) {
+            return "has no description";
+        }
+        if (!filterLineFaults(otherText).empty()) {
+            return "prints without torkafilter, so that a job for the class loses its settings there";
+        }
+        const auto fileOf = [](const ZANPPD& model) {
+            const CString* const name = model.PCFileName();
+            return std::string(name == nullptr || name->Empty() ? "" : name->Buffer());
+        };
+        const std::string file = fileOf(*readDescription(CFURLCopyFileSystemPath(url)));
+        return file == fileOf(*description) ? ""
+                                            : "has another description (" + file +
+                                                  "), for which settings of the class may have no meaning";
     }
 
     // The lines of the description, the program, and its folders.
@@ -216,7 +264,9 @@ private:
         BidiFilePaths paths;
         if (host.empty() && printer && PMPrinterCopyDeviceURI(printer, uri) == noErr) {
             const bool isService = isDiscoveredServiceConnection(session);
-            host = isService ? (fillBidiFilePaths("", paths, queue) ? bonjourAddress(paths) : "")
+            host = isService ? (fillBidiFilePaths("", paths, platform::describedQueue(queue))
+                                    ? bonjourAddress(paths)
+                                    : "")
                              : utf8Text(CFURLCopyHostName(uri));
             if (host.empty()) {
                 return unknown("address",

@@ -56,7 +56,8 @@ Result<std::string> queueServerData(const std::string& queueName, const std::str
     const auto session = std::make_shared<CupsSession>(queueName);
     PMPrinter printer;
     BidiFilePaths paths;
-    if (PMSessionGetCurrentPrinter(session, printer) != noErr || !fillBidiFilePaths("", paths, queueName)) {
+    if (PMSessionGetCurrentPrinter(session, printer) != noErr ||
+        !fillBidiFilePaths("", paths, utf8Text(PMPrinterGetName(describedPrinter(printer))))) {
         return Fault{"the print server has no queue " + queueName};
     }
     const Waiting waiting;

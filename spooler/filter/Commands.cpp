@@ -39,6 +39,11 @@ Result<void> keepRecord(const FilterJob& job, std::string_view name, std::string
     if (text.empty()) {
         return Fault{"there is no text to keep", std::string(name)};
     }
+    // The record would replace that of whichever member is idle.
+    if (!job.printerClass.empty()) {
+        return Fault{"a record is for a printer, and it came to the class " + job.printerClass,
+                     std::string(name)};
+    }
     const std::wstring wide = wideFromUtf8(text);
     Result<void> put = putRecords(job.queue, {{std::string(name), std::string(payloadFromWide(wide))}});
     return put ? put : put.Why().In(std::string(name));
@@ -96,7 +101,7 @@ void deleteFiles(const Sender& sender, std::string_view text) {
 
 Result<void> run(SpoolerCommand command, const FilterJob& job, std::string_view text,
                  ControllerSource& source) {
-    const Sender sender{job.queue, job.user, std::string(job.OriginatingHost())};
+    const Sender sender{job.Destination(), job.user, std::string(job.OriginatingHost())};
     switch (command) {
     case SpoolerCommand::psTempFileName:
         return TicketStore::Announce(sender, job.Option(ticketNameOption), text);

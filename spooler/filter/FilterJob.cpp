@@ -49,6 +49,7 @@ std::optional<FilterJob> readFilterJob(int argc, const char* const* argv) {
     }
     cupsFreeOptions(count, options);
     job.queue = environmentText("PRINTER");
+    job.printerClass = environmentText("CLASS");
     job.deviceUri = environmentText("DEVICE_URI");
     job.contentType = environmentText("CONTENT_TYPE");
     job.description = environmentText("PPD");

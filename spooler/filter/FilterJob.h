@@ -26,12 +26,15 @@ struct FilterJob {
     std::map<std::string, std::string, std::less<>> options;
     std::string file; // "" when the document comes on standard input
     // From the environment.
-    std::string queue;     // PRINTER
-    std::string deviceUri; // DEVICE_URI
+    std::string queue;        // PRINTER
+    std::string printerClass; // CLASS: the class of printers that the job was sent to; "" without one
+    std::string deviceUri;    // DEVICE_URI
     std::string contentType;
     std::string description; // PPD: the path of the queue's description
 
     bool IsCommand() const { return contentType == "application/vnd.cups-command"; }
+    // Returns the name of what the job was sent to. Commands and jobs for a class reach any of its members.
+    const std::string& Destination() const { return printerClass.empty() ? queue : printerClass; }
     // Returns the value of an option; "" when the job has no option of that name.
     std::string_view Option(std::string_view name) const;
     // Returns the host that sent the job; "" when the server does not give it.

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -74,10 +75,27 @@ void readUnguarded(const FilterJob& job, Ticket& ticket) {
     }
 }
 
-Sender senderOf(const FilterJob& job) { return {job.queue, job.user, std::string(job.OriginatingHost())}; }
+// While one member of a class takes the commands of a job, another member may get the job itself. Waits until
+// they have arrived, 20 seconds at most.
+template <typename Check>
+void waitForCommands(const FilterJob& job, const Check& haveArrived) {
+    constexpr std::chrono::milliseconds interval{50};
+    constexpr std::chrono::milliseconds limit{20'000};
+    if (job.printerClass.empty()) {
+        return;
+    }
+    for (std::chrono::milliseconds waited{0}; waited < limit && !haveArrived(); waited += interval) {
+        platform::system().Sleep(interval);
+    }
+}
+
+Sender senderOf(const FilterJob& job) {
+    return {job.Destination(), job.user, std::string(job.OriginatingHost())};
+}
 
 // Sends nothing to the device.
 int spliceIntoMailbox(const FilterJob& job, int source, const Ticket& ticket, std::string_view path) {
+    waitForCommands(job, [&] { return FilterNotes::Has(job.user, NoteKind::mailbox, lastComponent(path)); });
     Result<MailboxFile> mailbox = MailboxFile::Create(senderOf(job), path, job.Run());
     if (mailbox && splice(source, ticket, mailbox->Descriptor()) != 0) {
         return 1;
@@ -131,6 +149,7 @@ int printJob(const FilterJob& job, int source, int target) {
         return options ? printByOptions(job, source, *options, target) : passUnchanged(source, target);
     }
     TicketStore::SweepSometimes();
+    waitForCommands(job, [&] { return TicketStore::Has(named->second); });
     const Result<OpenFile> opened = TicketStore::Open(senderOf(job), job.Identity(), named->second);
     if (!opened) {
         if (std::optional<OptionJob> options = withoutItsTicket(job, named->second)) {

@@ -243,6 +243,11 @@ Result<void> TicketStore::Store(const Sender& sender, const JobIdentity& command
     return stored;
 }
 
+bool TicketStore::Has(std::string_view path) {
+    const std::string_view name = lastComponent(path);
+    return !isTicketName(name) || PrivateFolder::Exists(name);
+}
+
 Result<OpenFile> TicketStore::Open(const Sender& sender, const JobIdentity& job, std::string_view path) {
     const std::string name(lastComponent(path));
     if (!isTicketName(name)) {

@@ -36,6 +36,8 @@ public:
     // this sender announced, if exactly one is waiting. With two names the text could belong to either.
     static Result<void> Store(const Sender& sender, const JobIdentity& command, std::string_view named,
                               std::string_view content);
+    // Whether the ticket has arrived. Also true for a name that is none.
+    static bool Has(std::string_view path);
     // Opens the ticket that a print job names and assigns it to this job. Forgets the announced name of a
     // ticket that never arrived.
     static Result<OpenFile> Open(const Sender& sender, const JobIdentity& job, std::string_view path);

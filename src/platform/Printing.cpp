@@ -57,6 +57,11 @@ OSStatus PMSessionGetCurrentPrinter(const PMPrintSession& session, PMPrinter& pr
 
 CFStringRef PMPrinterGetName(const PMPrinter& printer) { return printer ? printer->Name() : nullptr; }
 
+PMPrinter describedPrinter(const PMPrinter& printer) {
+    PMPrinter member = printer ? printer->DescribedMember() : nullptr;
+    return member ? member : printer;
+}
+
 OSStatus PMPrinterCopyDescriptionURL(const PMPrinter& printer, const CFStringRef& type, CFURLRef& url) {
     url = nullptr;
     return printer && type ? printer->CopyDescriptionURL(type, url) : kPMInvalidParameter;

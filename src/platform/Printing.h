@@ -80,6 +80,9 @@ public:
     // Sends a command job with the text `command`. `options` become options of the job; null for none.
     virtual OSStatus SendCommand(const CFStringRef& command, const CFStringRef& title,
                                  const CFDictionaryRef& options) = 0;
+    // The printer whose description and records these are; null for this printer itself. A class of printers
+    // has those of one member.
+    virtual std::shared_ptr<Printer> DescribedMember() const { return nullptr; }
     // Number of the last command's job; 0 before the first command, or when it is unknown.
     virtual int CommandJob() const { return 0; }
 };
@@ -108,6 +111,9 @@ OSStatus PMGetOrientation(const PMPageFormat& format, std::uint16_t& orientation
 
 OSStatus PMSessionGetCurrentPrinter(const PMPrintSession& session, PMPrinter& printer);
 CFStringRef PMPrinterGetName(const PMPrinter& printer);
+// The printer that commands about records and the controller go to: a member for a class of printers. A
+// command for a print job goes to the printer that gets the job.
+PMPrinter describedPrinter(const PMPrinter& printer);
 OSStatus PMPrinterCopyDescriptionURL(const PMPrinter& printer, const CFStringRef& type, CFURLRef& url);
 OSStatus PMPrinterCopyDeviceURI(const PMPrinter& printer, CFURLRef& uri);
 OSStatus PMPrinterGetMakeAndModelName(const PMPrinter& printer, CFStringRef& name);

@@ -27,9 +27,12 @@ protected:
         ServerData::TearDown();
     }
 
-    // Sends a ticket with one note ahead of a job. Returns the ticket's path.
-    static std::string SendTicket(const std::string& queue, const std::string& note) {
-        const std::string path = "/Library/Caches/ZAN/Torka.temp" + platform::system().CreateUuidString();
+    static std::string NewPath() {
+        return "/Library/Caches/ZAN/Torka.temp" + platform::system().CreateUuidString();
+    }
+    // Sends a ticket with one note for a job. Returns the ticket's path.
+    static std::string SendTicket(const std::string& queue, const std::string& note,
+                                  const std::string& path = NewPath()) {
         const std::string list =
             runPython("import plistlib, sys\n"
                       "sys.stdout.buffer.write(plistlib.dumps([30, sys.argv[1].encode()]))",
@@ -130,6 +133,40 @@ TEST_F(Tickets, SettingsArriveBeforeTheirJobWhateverItsPriorityAndWhereverItGoes
     const int held = Submit("Spare", SendTicket("Spare", "held"));
     ASSERT_EQ(runCommand({"lp", "-i", std::to_string(held), "-H", "resume"}).status, 0);
     ExpectPrinted(held, "held");
+}
+
+TEST_F(Tickets, AClassOfPrintersPrintsWithTheSettingsAndKeepsRecordsAtItsFirstPrinter) {
+    for (const char* member : {"Member1", "Member2"}) {
+        AddQueue(member);
+        ASSERT_EQ(runCommand({"lpadmin", "-p", member, "-c", "Team"}).status, 0);
+    }
+    ASSERT_EQ(runCommand({"cupsenable", "Team"}).status, 0);
+    ASSERT_EQ(runCommand({"cupsaccept", "Team"}).status, 0);
+    // One member begins with the job before the other one has taken its settings.
+    const std::string path = NewPath();
+    const int early = Submit("Team", path);
+    ASSERT_TRUE(WaitUntil([early] { return jobStatus(early).state == 5; }));
+    SendTicket("Team", "early", path);
+    ExpectPrinted(early, "early");
+
+    const auto description = [this](int member) {
+        return readFile(*sandbox / ("etc/ppd/Member" + std::to_string(member) + ".ppd"));
+    };
+    const std::string second = description(2);
+    for (const char* address : {"10.0.0.8", "10.0.0.9"}) {
+        Done({"address", "set", "-d", "Team", "Team", address});
+    }
+    EXPECT_THAT(description(1), HasSubstr("QVDriverPreference0000"));
+    EXPECT_EQ(description(2), second);
+    CupsPrinter group("Team");
+    ASSERT_EQ(group.SendCommand(cfString("x"), cfString(commandTitle(SpoolerCommand::popupJnData)), nullptr),
+              noErr);
+    EXPECT_THAT(WaitForEnd(group.CommandJob()).message, HasSubstr("it came to the class Team"));
+
+    const auto members = [] { return runTool({"queue", "check", "Team"}).output; };
+    EXPECT_THAT(members(), HasSubstr("members: good: the class has printers of one kind: Member1, Member2"));
+    SandboxTest::AddQueue("Member2", "torkasink:/", samplePath("torka-production-ja.ppd"));
+    EXPECT_THAT(members(), HasSubstr("members: fault: Member2 has another description"));
 }
 
 TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {

@@ -186,8 +186,9 @@ bool queueTakesCommands(std::string_view queueName) {
     });
 }
 
-CommandOutcome sendCommandAndWait(const PMPrinter& printer, std::string_view text, const std::string& title,
-                                  const WaitObserver& observer, CommandEnd* end) {
+CommandOutcome sendCommandAndWait(const PMPrinter& sessionPrinter, std::string_view text,
+                                  const std::string& title, const WaitObserver& observer, CommandEnd* end) {
+    const PMPrinter printer = describedPrinter(sessionPrinter);
     const std::string queue = utf8Text(PMPrinterGetName(printer));
     if (!queueTakesCommands(queue)) {
         return CommandOutcome::queueNotReady;

@@ -33,10 +33,11 @@ struct CommandEnd {
     std::string reason; // the filter's reason for a failure; "" without a failure
 };
 
-// Sends a command job to a queue and waits for it. Finds the job by its number when the printing system
-// returned one, else by its title.
-CommandOutcome sendCommandAndWait(const PMPrinter& printer, std::string_view text, const std::string& title,
-                                  const WaitObserver& observer = {}, CommandEnd* end = nullptr);
+// Sends a command job about records or the controller to the described printer and waits for it. Finds the
+// job by its number when the printing system returned one, else by its title.
+CommandOutcome sendCommandAndWait(const PMPrinter& sessionPrinter, std::string_view text,
+                                  const std::string& title, const WaitObserver& observer = {},
+                                  CommandEnd* end = nullptr);
 
 // False for a queue that the spooler lists as stopped or as rejecting jobs.
 bool queueTakesCommands(std::string_view queueName);

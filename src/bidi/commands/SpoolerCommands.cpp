@@ -189,13 +189,13 @@ bool sendUpdateCommandToCFFWithCommand(const PMPrinter& printer, std::string_vie
                                        std::string_view command) {
     const std::string text =
         updateRequestText(identifier, printerAddress, std::string(request).append(command));
-    return PMPrinterSendCommand(printer, cfString(text),
+    return PMPrinterSendCommand(describedPrinter(printer), cfString(text),
                                 cfString(commandTitle(SpoolerCommand::updateCommands)), nullptr) == noErr;
 }
 
 void deleteFileCommandToCFF(const PMPrinter& printer, std::string_view files) {
-    PMPrinterSendCommand(printer, cfString(files), cfString(commandTitle(SpoolerCommand::deleteUpdateFiles)),
-                         nullptr);
+    PMPrinterSendCommand(describedPrinter(printer), cfString(files),
+                         cfString(commandTitle(SpoolerCommand::deleteUpdateFiles)), nullptr);
 }
 
 ServerDataRequests::Request

@@ -177,8 +177,9 @@ OSStatus QVPDEDataWrite(const PMPrinter& printer, std::string_view preferences) 
     if (preferences == knownPreferences()) {
         return noErr;
     }
-    const OSStatus status = PMPrinterSendCommand(
-        printer, cfString(preferences), cfString(commandTitle(SpoolerCommand::popupJnData)), nullptr);
+    const OSStatus status =
+        PMPrinterSendCommand(describedPrinter(printer), cfString(preferences),
+                             cfString(commandTitle(SpoolerCommand::popupJnData)), nullptr);
     if (status == noErr) {
         knownPreferences() = preferences;
     }

@@ -23,8 +23,8 @@ SaveResult saveList(const QueueAccess& queue, std::string_view xml, SavesWait wa
     }
     PMPrinter printer;
     PMSessionGetCurrentPrinter(queue.session, printer);
-    return {PMPrinterSendCommand(printer, cfString(xml), cfString(commandTitle(SpoolerCommand::zanPrefs)),
-                                 nullptr),
+    return {PMPrinterSendCommand(describedPrinter(printer), cfString(xml),
+                                 cfString(commandTitle(SpoolerCommand::zanPrefs)), nullptr),
             false};
 }
 
@@ -69,8 +69,9 @@ void sendDeferred(const std::shared_ptr<DeferredCommands>& deferred, const Queue
     if (const std::string language = std::exchange(deferred->language, {}); !language.empty()) {
         PMPrinter printer;
         PMSessionGetCurrentPrinter(queue.session, printer);
-        const OSStatus status = PMPrinterSendCommand(
-            printer, cfString(language), cfString(commandTitle(SpoolerCommand::localeCode)), nullptr);
+        const OSStatus status =
+            PMPrinterSendCommand(describedPrinter(printer), cfString(language),
+                                 cfString(commandTitle(SpoolerCommand::localeCode)), nullptr);
         if (status != noErr) {
             myNSLogC("The person's language could not be sent to the queue (error %d).",
                      static_cast<int>(status));

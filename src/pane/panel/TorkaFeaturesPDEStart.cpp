@@ -132,7 +132,8 @@ CFURLRef TorkaFeaturesPDE::TakeDescription() {
     const std::string path = CFURLCopyFileSystemPath(url);
     if (!getQueuePPDName(linkTarget(path))) {
         // CUPS gives a path that is no link.
-        sessionQueueName = cutText(utf8Text(PMPrinterGetName(self.printer)), sessionQueueNameSize);
+        sessionQueueName =
+            cutText(utf8Text(PMPrinterGetName(describedPrinter(self.printer))), sessionQueueNameSize);
     }
     setDestinationPPD(path);
     return url;
@@ -201,7 +202,7 @@ void TorkaFeaturesPDE::MakePaneData() {
             return bundle ? utf8Text(bundle->LocalizedString(cfString(key), cfString(text), table))
                           : std::string(text);
         });
-    server->SetQueue(destinationPPD(), utf8Text(PMPrinterGetName(self.printer)),
+    server->SetQueue(destinationPPD(), utf8Text(PMPrinterGetName(describedPrinter(self.printer))),
                      utf8Text(queueServiceName()));
 }
 

@@ -81,7 +81,8 @@ void UI_Panel::writeLocalJPPresetsToDynamicPPD() {
         return;
     }
     const std::string title = commandTitle(SpoolerCommand::printerLocalPresets);
-    if (PMPrinterSendCommand(printer, cfString(presets), cfString(title), nullptr) != noErr) {
+    if (PMPrinterSendCommand(describedPrinter(printer), cfString(presets), cfString(title), nullptr) !=
+        noErr) {
         myNSLogC("The queue did not take the local presets.");
     }
 }

@@ -4,6 +4,7 @@
 #include "platform/SecretMemory.h"
 #include "platform/System.h"
 #include "platform/cups/CupsHandles.h"
+#include "platform/cups/CupsQueue.h"
 
 #include <cups/ppd.h>
 
@@ -23,6 +24,20 @@ struct ClosePPD {
 
 } // namespace
 
+const std::string& CupsPrinter::DescribedQueue() const {
+    if (describedName.empty()) {
+        describedName = describedQueue(queueName);
+    }
+    return describedName;
+}
+
+std::shared_ptr<Printer> CupsPrinter::DescribedMember() const {
+    if (!member && DescribedQueue() != queueName) {
+        member = std::make_shared<CupsPrinter>(DescribedQueue());
+    }
+    return member;
+}
+
 OSStatus CupsPrinter::CopyDescriptionURL(const CFStringRef& type, CFURLRef& url) const {
     url = nullptr;
     if (utf8Text(type) != "PMPPDDescriptionType") {
@@ -38,7 +53,7 @@ OSStatus CupsPrinter::CopyDescriptionURL(const CFStringRef& type, CFURLRef& url)
 
 OSStatus CupsPrinter::CopyDeviceURI(CFURLRef& uri) const {
     uri = nullptr;
-    const IppMessage answer = printerAttributes(queueName, {"device-uri"});
+    const IppMessage answer = printerAttributes(DescribedQueue(), {"device-uri"});
     const std::vector<std::string> texts = attributeTexts(answer.get(), "device-uri");
     if (!texts.empty()) {
         uri = CFURLCreateWithString(cfString(texts.front()));
@@ -54,7 +69,7 @@ OSStatus CupsPrinter::CopyHostName(CFStringRef& name) const {
 
 OSStatus CupsPrinter::MakeAndModelName(CFStringRef& name) const {
     name = nullptr;
-    const IppMessage answer = printerAttributes(queueName, {"printer-make-and-model"});
+    const IppMessage answer = printerAttributes(DescribedQueue(), {"printer-make-and-model"});
     const std::vector<std::string> texts = attributeTexts(answer.get(), "printer-make-and-model");
     if (!texts.empty()) {
         name = cfString(texts.front());

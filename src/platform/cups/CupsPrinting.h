@@ -19,12 +19,16 @@ public:
         : queueName(std::move(name)) {}
 
     CFStringRef Name() const override { return cfString(queueName); }
+    // Asks the server once.
+    std::shared_ptr<Printer> DescribedMember() const override;
     // Accepts only "PMPPDDescriptionType". The file stays until the end of the printer. It may be the
     // server's own (FetchedPPD).
     OSStatus CopyDescriptionURL(const CFStringRef& type, CFURLRef& url) const override;
+    // Of the described member.
     OSStatus CopyDeviceURI(CFURLRef& uri) const override;
     // The host of the print server; "localhost" for a server that is reached through a domain socket.
     OSStatus CopyHostName(CFStringRef& name) const override;
+    // Of the described member.
     OSStatus MakeAndModelName(CFStringRef& name) const override;
     OSStatus State(std::uint16_t& state) const override;
     // "printer-state" and "queued-job-count" as numbers, "printer-is-accepting-jobs" as boolean,
@@ -39,7 +43,11 @@ public:
     int CommandJob() const override { return commandJob; }
 
 private:
+    const std::string& DescribedQueue() const;
+
     std::string queueName;
+    mutable std::string describedName; // "" before the first question
+    mutable std::shared_ptr<Printer> member;
     int commandJob = 0;
     std::shared_ptr<FetchedPPD> description = FetchedPPD::Of(queueName);
 };

@@ -6,6 +6,7 @@
 #include <cups/ppd.h>
 
 #include <algorithm>
+#include <array>
 
 // libcups marks its PPD functions as deprecated and offers no others for a queue with a description.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -76,6 +77,42 @@ std::vector<QueueState> statesOf(ipp_t* answer) {
         takeAttribute(attribute, queues.back());
     }
     return queues;
+}
+
+constexpr std::string_view printersFolder = "/printers/";
+constexpr std::string_view classesFolder = "/classes/";
+
+// The name behind `folder` in the URI of a queue; "" for another URI.
+std::string nameBehind(std::string_view folder, const std::string& uri) {
+    std::array<char, HTTP_MAX_URI> scheme{};
+    std::array<char, HTTP_MAX_URI> user{};
+    std::array<char, HTTP_MAX_URI> host{};
+    std::array<char, HTTP_MAX_URI> path{};
+    int port = 0;
+    const bool isRead = httpSeparateURI(HTTP_URI_CODING_ALL, uri.c_str(), scheme.data(), HTTP_MAX_URI,
+                                        user.data(), HTTP_MAX_URI, host.data(), HTTP_MAX_URI, &port,
+                                        path.data(), HTTP_MAX_URI) >= HTTP_URI_STATUS_OK;
+    const std::string_view name(path.data());
+    return isRead && name.starts_with(folder) ? std::string(name.substr(folder.size())) : std::string();
+}
+
+// Adds the printers of a class behind those that are known: its own first, then those of its classes.
+void addPrinters(const std::string& queueName, int depth, std::vector<std::string>& printers) {
+    const IppMessage answer = printerAttributes(queueName, {"member-uris"});
+    const std::vector<std::string> members = attributeTexts(answer.get(), "member-uris");
+    for (const std::string& uri : members) {
+        std::string name = nameBehind(printersFolder, uri);
+        if (!name.empty() && std::ranges::find(printers, name) == printers.end()) {
+            printers.push_back(std::move(name));
+        }
+    }
+    constexpr int deepest = 3; // as in libcups; a class may contain itself
+    for (const std::string& uri : members) {
+        const std::string name = depth < deepest ? nameBehind(classesFolder, uri) : std::string();
+        if (!name.empty()) {
+            addPrinters(name, depth + 1, printers);
+        }
+    }
 }
 
 } // namespace
@@ -190,6 +227,17 @@ std::optional<QueueState> queueState(const std::string& queueName) {
         printerAttributes(queueName, std::vector<const char*>(std::begin(stateNames), std::end(stateNames)));
     std::vector<QueueState> queues = answer ? statesOf(answer.get()) : std::vector<QueueState>();
     return queues.empty() ? std::nullopt : std::optional(std::move(queues.front()));
+}
+
+std::vector<std::string> printersOfClass(const std::string& queueName) {
+    std::vector<std::string> printers;
+    addPrinters(queueName, 0, printers);
+    return printers;
+}
+
+std::string describedQueue(const std::string& queueName) {
+    const std::vector<std::string> printers = printersOfClass(queueName);
+    return printers.empty() ? queueName : printers.front();
 }
 
 std::string descriptionProblem(const std::string& path) {
