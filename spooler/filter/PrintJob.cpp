@@ -95,7 +95,10 @@ Sender senderOf(const FilterJob& job) {
 
 // Sends nothing to the device.
 int spliceIntoMailbox(const FilterJob& job, int source, const Ticket& ticket, std::string_view path) {
-    waitForCommands(job, [&] { return FilterNotes::Has(job.user, NoteKind::mailbox, lastComponent(path)); });
+    const std::string_view name = lastComponent(path);
+    waitForCommands(job, [&] {
+        return !MailboxFile::IsName(name) || FilterNotes::Has(job.user, NoteKind::mailbox, name);
+    });
     Result<MailboxFile> mailbox = MailboxFile::Create(senderOf(job), path, job.Run());
     if (mailbox && splice(source, ticket, mailbox->Descriptor()) != 0) {
         return 1;

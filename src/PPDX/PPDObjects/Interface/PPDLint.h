@@ -122,7 +122,7 @@ public:
     void DeclaredGroup(const GroupName& name, long line) { declaredGroups.push_back({line, name.name}); }
     void PlacedGroup(std::string_view name) { placedGroups.emplace(name); }
     void ParentWithoutGroup(std::string_view name, long line) {
-        groupsBeforeNames.push_back({line, std::string(name)});
+        undeclaredParents.push_back({line, std::string(name)});
     }
     void ParentWithoutKind(std::string_view name, long line) {
         kindlessParents.try_emplace(std::string(name), line);
@@ -225,7 +225,7 @@ private:
     std::vector<Named> otherLines;
     std::unordered_set<std::string> placedGroups;
     std::unordered_map<std::string, long> kindlessParents; // group, line
-    std::vector<Named> groupsBeforeNames;                  // parent lines of groups that are not declared yet
+    std::vector<Named> undeclaredParents; // parent lines of groups that no line above declares
     std::unordered_set<std::string> spoolerKeywords;
     std::unordered_set<std::string> optionsSeen; // key NUL option
     std::optional<Named> firstText;              // the first one that needs an encoding before it is known

@@ -297,7 +297,7 @@ void PPDLint::CheckGroups(const ZANPPD& description) {
     for (const Named& group : declaredGroups) {
         declared.emplace_back(group.name);
     }
-    for (const Named& each : groupsBeforeNames) {
+    for (const Named& each : undeclaredParents) {
         Note(PPDLintKind::parentWithoutGroup, each.line, each.name, {}, Suggestion(each.name, declared));
     }
     Words names;
