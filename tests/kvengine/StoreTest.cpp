@@ -114,6 +114,28 @@ TEST(KVCache, AgreesWithAPlainSequence) {
 
 // A line between two keys of 5,000 options each is stored as one line, not as 25 million pairs. The answers
 // are those of the pairs.
+// Options stay in ascending order, near or far from one another, and each option's lines in their own.
+TEST(ConstraintForest, KeepsTheLinesOfAnOptionInTheirOrder) {
+    std::mt19937 random(11);
+    std::uniform_int_distribution<std::int64_t> any;
+    for (const std::int64_t spread : {1, 2, 20, 62, 63, 64, 1000}) {
+        ConstraintForest forest;
+        std::vector<std::array<std::int64_t, 2>> expected; // an option and the number of its line
+        for (std::int64_t line = 0; line < 90; ++line) {
+            const std::int64_t step = line == 1 ? spread : line == 0 ? 0 : any(random) % (spread + 1);
+            expected.push_back({step + 100, line});
+            forest.insert(7, step + 100, 8, line);
+        }
+        std::ranges::stable_sort(expected, {}, [](const auto& each) { return each[0]; });
+        std::vector<std::array<std::int64_t, 2>> found;
+        forest.ForEach([&](std::int64_t, std::int64_t option, const KeyOption& pair) {
+            found.push_back({option, pair.option});
+            return true;
+        });
+        EXPECT_EQ(found, expected) << spread;
+    }
+}
+
 TEST(UIConstraints, AWildcardBetweenLongKeysAnswersAsIfWrittenOut) {
     constexpr int count = 5000;
     UIConstraints store;

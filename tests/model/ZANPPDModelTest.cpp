@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/model/ZANPPDTestSupport.h"
 
+#include "PPDX/KVEngine/CStringSoup.h"
+#include "PPDX/KVEngine/ConstraintForest.h"
 #include "Settings.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <sstream>
 
 namespace torka::tests {
 namespace {
@@ -48,6 +53,39 @@ TEST_F(ZANPPDModel, ConstraintsReachTheStore) {
     EXPECT_FALSE(model->IsKVConstrained("*Nothing", "A"));
     EXPECT_TRUE(model->SetValueForKey(cfString("*Two"), cfString("A")));
     EXPECT_FALSE(model->IsKVConstrained("*One", "A"));
+}
+
+TEST_F(ZANPPDModel, ConstraintLinesOfEveryLengthSplitAtBlanks) {
+    const std::vector<std::string> blanks{" ", "\t", "  ", " \t ", std::string(9, ' ')};
+    std::string text = frame + popupText("One");
+    std::vector<std::string> expected;
+    for (std::size_t i = 0; i < 1200; ++i) {
+        const std::string& blank = blanks[i % 5];
+        const std::string id = std::to_string(1000 + i);
+        const std::string line = blank + '*' + id + std::string(i % 7, 'k') + blank + id +
+                                 std::string(i % 11, 'o') + blanks[i % 3] + '*' + std::string(i % 13, 'q') +
+                                 id + blank + id + std::string(i % 17, 'p') + (i % 2 == 0 ? blank : "") +
+                                 (i % 3 == 0 ? " more" : "");
+        text += "*UIConstraints:" + line + '\n';
+        std::istringstream words(line);
+        std::string word;
+        expected.emplace_back();
+        for (int count = 0; count < 4 && words >> word; ++count) {
+            expected.back() += word + ' ';
+        }
+    }
+    const auto model = parseText(text);
+    const UIConstraints& store = *model->GetUIConstraints();
+    std::vector<std::string> found;
+    store.GetConstraintForest()->ForEach([&](auto key, auto option, const KeyOption& pair) {
+        found.emplace_back();
+        for (const std::int64_t each : {key, option, pair.key, pair.option}) {
+            found.back() += store.GetConstraintStrings()->Find(each) + std::string(" ");
+        }
+        return true;
+    });
+    std::ranges::sort(found);
+    EXPECT_EQ(found, expected);
 }
 
 TEST_F(ZANPPDModel, AHostWithAnAnnotatedDescriptionStopsAtItsMark) {

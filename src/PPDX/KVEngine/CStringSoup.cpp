@@ -17,6 +17,12 @@ std::string_view upToNul(std::string_view text) { return text.substr(0, text.fin
 
 CStringSoup::CStringSoup() { texts.reserve(reservedTexts); }
 
+inline std::int64_t CStringSoup::Find(std::string_view text, std::uint64_t hash) const {
+    const std::uint32_t found =
+        index.Find(hash, [&](std::uint32_t i) { return isSameText(texts[i].View(), text); });
+    return found == PositionTable::none ? -1 : static_cast<std::int64_t>(found);
+}
+
 std::int64_t CStringSoup::Insert(std::string_view text) { return InsertWhole(upToNul(text)); }
 
 std::int64_t CStringSoup::InsertWhole(std::string_view text) {
@@ -43,12 +49,6 @@ const char* CStringSoup::Find(std::int64_t position) const {
 std::int64_t CStringSoup::Find(std::string_view text) const {
     text = upToNul(text);
     return Find(text, hashText(text));
-}
-
-std::int64_t CStringSoup::Find(std::string_view text, std::uint64_t hash) const {
-    const std::uint32_t found =
-        index.Find(hash, [&](std::uint32_t i) { return isSameText(texts[i].View(), text); });
-    return found == PositionTable::none ? -1 : static_cast<std::int64_t>(found);
 }
 
 const char* CStringSoup::Keep(std::string_view text) {

@@ -2,10 +2,39 @@
 #include "PPDX/KVEngine/KeyConstraintTree.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 namespace torka {
+
+namespace {
+
+// Sorts by option and keeps the order of equal ones. Most keys have few options, whose identifiers follow one
+// another, so that counting the lines of each option takes a third of the time of comparisons.
+void sortByOption(std::vector<ConstraintRecord>& lines) {
+    const auto [low, high] = std::ranges::minmax(lines, {}, &ConstraintRecord::option1);
+    const std::uint32_t first = low.option1;
+    const std::uint32_t distance = high.option1 - first;
+    std::array<std::uint32_t, 64> places; // of each option's next line; the first one stays 0
+    if (distance >= places.size() - 1) {
+        std::ranges::stable_sort(lines, {}, &ConstraintRecord::option1);
+        return;
+    }
+    std::fill_n(places.begin(), distance + 2, 0U);
+    for (const ConstraintRecord& line : lines) {
+        ++places[line.option1 - first + 1];
+    }
+    std::partial_sum(places.begin(), places.begin() + distance + 1, places.begin());
+    std::vector<ConstraintRecord> sorted(lines.size());
+    for (const ConstraintRecord& line : lines) {
+        sorted[places[line.option1 - first]++] = line;
+    }
+    lines = std::move(sorted);
+}
+
+} // namespace
 
 void KeyConstraintTree::Settle() {
     if (settled == lines.size()) {
@@ -17,7 +46,7 @@ void KeyConstraintTree::Settle() {
         lines.erase(std::remove_if(fresh, lines.end(), isTaken), lines.end());
     }
     if (!std::ranges::is_sorted(lines, {}, &ConstraintRecord::option1)) {
-        std::ranges::stable_sort(lines, {}, &ConstraintRecord::option1);
+        sortByOption(lines);
     }
     settled = lines.size();
 }

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #ifdef __SSE2__
@@ -58,6 +59,27 @@ public:
             ++at;
         }
         return at;
+    }
+
+    // Returns a mask in which bit i tells that byte i ends a token. REQUIRES: 16 to 64 bytes.
+    std::uint64_t Ends(std::string_view text) const {
+        std::uint64_t ends = 0;
+#ifdef __SSE2__
+        if (count <= few.size()) {
+            const Searched searched(few);
+            const auto matches = [&](std::size_t at) {
+                return std::uint64_t{static_cast<unsigned>(searched.Matches(text.data() + at))} << at;
+            };
+            for (std::size_t at = 0; at + 16 <= text.size(); at += 16) {
+                ends |= matches(at);
+            }
+            return ends | matches(text.size() - 16);
+        }
+#endif
+        for (std::size_t at = 0; at < text.size(); ++at) {
+            ends |= std::uint64_t{EndsToken(text[at])} << at;
+        }
+        return ends;
     }
 
 private:

@@ -4,6 +4,7 @@
 #include "platform/Log.h"
 
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 
@@ -33,6 +34,25 @@ std::string_view takeWord(std::string_view& line) {
     return {first, static_cast<std::size_t>(last - first)};
 }
 
+// Returns the first words between blanks; behind the last word, empty ones. REQUIRES: as takeWord.
+std::array<std::string_view, 4> firstWords(std::string_view line) {
+    std::array<std::string_view, 4> words;
+    if (line.size() < 16 || line.size() > 64) {
+        for (std::string_view& word : words) {
+            word = takeWord(line);
+        }
+        return words;
+    }
+    // Bit i tells that byte i belongs to a word.
+    std::uint64_t inside = ~blanks.Ends(line) & (~std::uint64_t{0} >> (64 - line.size()));
+    for (std::size_t i = 0; i < words.size() && inside != 0; ++i) {
+        const auto first = static_cast<std::size_t>(std::countr_zero(inside));
+        words[i] = {line.data() + first, static_cast<std::size_t>(std::countr_one(inside >> first))};
+        inside &= inside + (std::uint64_t{1} << first); // the carry clears the word
+    }
+    return words;
+}
+
 // Returns the number after the marker, 0 when there is none.
 long templateLineCount(std::string_view text) {
     long count = 0;
@@ -51,19 +71,15 @@ bool readPoints(std::string_view text, float& points) {
 
 // KEY1 [OPTION1] KEY2 [OPTION2]; a second text that begins with "*" is the second keyword.
 void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
-    std::string_view rest = line.Remaining();
-    const std::string_view key1 = takeWord(rest);
-    std::string_view option1;
-    std::string_view key2 = takeWord(rest);
-    if (!key2.starts_with('*')) {
-        option1 = key2;
-        key2 = takeWord(rest);
-    }
+    const auto [key1, second, third, fourth] = firstWords(line.Remaining());
+    const bool hasOption1 = !second.starts_with('*');
+    const std::string_view option1 = hasOption1 ? second : std::string_view();
+    const std::string_view key2 = hasOption1 ? third : second;
     if (key2.empty()) {
         Report(PPDErr_BadConstraint, key1, Line());
         return;
     }
-    const std::string_view option2 = takeWord(rest);
+    const std::string_view option2 = hasOption1 ? fourth : third;
     constraints->Add(key1, option1, key2, option2, isRequirement);
     if (lint) {
         lint->ConstraintLine(Line(), key1, option1, key2, option2, isRequirement);

@@ -56,6 +56,9 @@ namespace {
 constexpr DelimiterSet typeEnds(";()");
 constexpr DelimiterSet optionEnds("/");
 
+constexpr std::size_t usualChoices =
+    32; // room for the identifiers of a block, which live as long as it is read
+
 // Returns the next of a range's numbers, empty when none comes before the quoted PostScript.
 std::string_view takeNumber(PPDStream& line) {
     const std::string_view rest = line.Remaining();
@@ -221,6 +224,7 @@ void ZANPPD::ParseOpenUI(PPDStream& line, ControlDraft& draft, const BlockStyle&
     }
     const CFStringRef name = LocalName(named, blockLine);
     block.items = std::move(choiceRoom);
+    block.optionIds.reserve(usualChoices);
     block.key = constraints->GetConstraintStrings()->Insert(draft.keyword);
     ReadBlock(draft.keyword, block);
     constraints->KVSInsert(block.key, block.optionIds);

@@ -16,15 +16,18 @@ constexpr std::size_t longestPostscript = 65534;
 } // namespace
 
 // Takes a word and what separates it from its value: a colon, blanks, or blanks and a colon.
+// REQUIRES: a line without line end and of at most 255 characters.
 std::string_view ZANPPD::TakeMainKeyword(PPDStream& line) {
-    const char* const before = line.Remaining().data();
-    const std::string_view word = line.TakeToken(wordEnds, true);
+    line.SkipWhiteSpace();
     const std::string_view rest = line.Remaining();
-    if (!rest.empty() && rest.data() != before && rest.data()[-1] != ':') {
-        const std::size_t next = rest.find_first_not_of(" \t");
-        line.Skip(next != std::string_view::npos && rest[next] == ':' ? next + 1 : 0);
+    const auto length = static_cast<std::size_t>(wordEnds.FindEnd(rest) - rest.data());
+    std::size_t next = length + 1;
+    if (length < rest.size() && rest[length] != ':') {
+        const std::size_t value = rest.find_first_not_of(" \t", next);
+        next = value < rest.size() && rest[value] == ':' ? value + 1 : next;
     }
-    return word;
+    line.Skip(next);
+    return {rest.data(), length};
 }
 
 // Returns the next word. Skips blanks and colons before it, and a colon behind it.
