@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/dialog/PaneTab.h"
 
+#include "apps/dialog/Said.h"
 #include "platform/qt/QtView.h"
 
 #include <QHideEvent>
@@ -64,8 +65,8 @@ void PaneTab::setQueue(const std::string& queue) {
         // A queue without a description may have gone, or its server.
         const std::string problem =
             hasDescription || !isExplaining ? std::string() : platform::queueProblem(queue);
-        Explain(!problem.empty() ? tr("The printer \u201c%1\u201d cannot be reached: %2")
-                                       .arg(name, QString::fromStdString(problem))
+        Explain(!problem.empty()
+                    ? tr("The printer \u201c%1\u201d cannot be reached: %2").arg(name, saidMessage(problem))
                 : hasDescription
                     ? tr("The printer \u201c%1\u201d is not one that these features support.").arg(name)
                     : tr("The printer \u201c%1\u201d has no description on the print server.").arg(name));

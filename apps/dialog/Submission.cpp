@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/dialog/Submission.h"
 
+#include "apps/dialog/Said.h"
 #include "output/BundleIdentifier.h"
 #include "output/LeftOutSetting.h"
 #include "platform/Log.h"
@@ -74,7 +75,7 @@ int submitDocument(const Document& document, const std::string& queue, const Job
     const auto job = submitFile(queue, document.path.toStdString(), document.name.toStdString(), options);
     if (!job) {
         error = QCoreApplication::translate("torka", "The print server does not take the job: %1")
-                    .arg(QString::fromStdString(job.Why().Line()));
+                    .arg(saidMessage(job.Why().Line()));
         return 0;
     }
     return *job;

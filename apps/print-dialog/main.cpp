@@ -4,6 +4,7 @@
 #include "apps/dialog/Document.h"
 #include "apps/dialog/PaneBundle.h"
 #include "apps/dialog/PrintDialog.h"
+#include "apps/dialog/Said.h"
 #include "apps/dialog/ToolkitTexts.h"
 #include "apps/print-dialog/Pictures.h"
 #include "apps/print-dialog/PrintRun.h"
@@ -99,7 +100,7 @@ int run(int argc, char** argv) {
         return unusable(reason.empty()
                             ? QCoreApplication::translate("torka", "the dialog does not list the queue %1")
                                   .arg(arguments.queue)
-                            : QString::fromStdString(reason));
+                            : dialog::saidMessage(reason));
     }
     dialog.showPane();
     if (!arguments.pictures.isEmpty()) {

@@ -103,7 +103,7 @@ void DialogSession::Take(int result) {
         !problem.empty()) {
         tellPerson(
             wish.title,
-            dialog::said("The print server does not take the job: %1").arg(QString::fromStdString(problem)));
+            dialog::said("The print server does not take the job: %1").arg(dialog::saidMessage(problem)));
         response = Response::Ended;
     } else if (response == Response::Success) {
         TakeChoices();

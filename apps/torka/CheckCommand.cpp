@@ -5,7 +5,7 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
 #include "apps/torka/ModelJson.h"
-#include "apps/torka/Sentences.h"
+#include "apps/torka/PersonsLanguage.h"
 #include "pane/data/ControlTables.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Interrupt.h"
 
-#include "apps/torka/Sentences.h"
+#include "apps/torka/PersonsLanguage.h"
 #include "platform/posix/PosixSystem.h"
 
 #include <csignal>

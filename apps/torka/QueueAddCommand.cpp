@@ -4,7 +4,7 @@
 #include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/FilterLines.h"
-#include "apps/torka/Sentences.h"
+#include "apps/torka/PersonsLanguage.h"
 #include "apps/torka/ServerFiles.h"
 #include "platform/System.h"
 #include "platform/cups/CupsQueue.h"

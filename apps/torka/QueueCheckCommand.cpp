@@ -2,9 +2,9 @@
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
 #include "apps/torka/Description.h"
+#include "apps/torka/PersonsLanguage.h"
 #include "apps/torka/QueueHealth.h"
 #include "apps/torka/QueuePolicy.h"
-#include "apps/torka/Sentences.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/posix/InstalledSystem.h"
 

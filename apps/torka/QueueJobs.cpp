@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/QueueJobs.h"
 
-#include "apps/torka/Sentences.h"
+#include "apps/torka/PersonsLanguage.h"
 #include "platform/System.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/posix/InstalledSystem.h"

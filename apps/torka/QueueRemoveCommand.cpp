@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
-#include "apps/torka/Sentences.h"
+#include "apps/torka/PersonsLanguage.h"
 #include "platform/cups/CupsQueue.h"
 
 #include <memory>

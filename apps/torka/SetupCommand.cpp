@@ -2,7 +2,7 @@
 #include "apps/torka/Applications.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/CommandText.h"
-#include "apps/torka/Sentences.h"
+#include "apps/torka/PersonsLanguage.h"
 #include "platform/posix/InstalledSystem.h"
 
 #include <CLI/Validators.hpp>

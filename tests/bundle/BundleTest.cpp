@@ -222,6 +222,8 @@ TEST_F(BundleTest, WindowsSpeakThePersonsLanguageAndThoseOfOthersNoticeNothing) 
     EXPECT_EQ(QCoreApplication::translate("torka::dialog::PaneTab", "Choose a printer."),
               "Wählen Sie einen Drucker.");
     EXPECT_EQ(QCoreApplication::translate("torka", "no text of ours"), "no text of ours");
+    EXPECT_EQ(QCoreApplication::translate(messageContext, "the print server has no queue %n"),
+              "der Druckserver hat keine Warteschlange %n");
     EXPECT_EQ(QCoreApplication::translate("OthersWindow", "Choose a printer."), "Choose a printer.");
     qApp->setProperty("torkaTexts", QVariant());
 }

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/PersonsTexts.h"
 
+#include "platform/posix/Sentences.h"
+#include "platform/posix/StringTables.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QTranslator>
 #include <QVariant>
+#include <optional>
 #include <utility>
 
 namespace torka::platform {
@@ -27,6 +31,9 @@ public:
         if (context == nullptr || !std::string_view(context).starts_with(ownTextContext)) {
             return {};
         }
+        if (std::string_view(context) == messageContext) {
+            return QString::fromStdString(Messages().Say(source));
+        }
         const CFStringRef english = cfString(source);
         const CFStringRef text = bundle->LocalizedString(english, english, "Windows");
         return text == english ? QString() : QString::fromStdString(utf8Text(text));
@@ -34,7 +41,16 @@ public:
     bool isEmpty() const override { return false; } // Qt installs no empty one
 
 private:
+    const Sentences& Messages() const {
+        if (!messages) {
+            const StringTables tables(bundle->Path() / "Contents" / "Resources", "en");
+            messages.emplace(tables.Whole("Tool"));
+        }
+        return *messages;
+    }
+
     BundleRef bundle;
+    mutable std::optional<Sentences> messages; // read for the first message
 };
 
 // Keeps the change of language from the program, which would make the texts of all its windows again.

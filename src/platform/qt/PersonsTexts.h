@@ -14,6 +14,9 @@ namespace torka::platform {
 // Contexts of tr() and QCoreApplication::translate() that begin so are ours; the table does not tell them
 // apart.
 inline constexpr std::string_view ownTextContext = "torka";
+// The context of messages that other floors made in English, such as the reason behind a colon. Their
+// sentences are in the table "Tool" (posix/Sentences.h).
+inline constexpr const char* messageContext = "torkaMessages";
 
 // Lets every tr() of ours in this process give the text in the person's language, until the application
 // object ends. Texts that a program's own translators give stay theirs, and its windows do not notice: Qt

@@ -7,17 +7,17 @@
 #include <string_view>
 #include <vector>
 
-// The tool's messages in the person's language.
+// Messages of every floor in the person's language.
 //
-// Messages come from every floor, in English, with names already in them. So the table "Tool" of the bundle
-// has sentences with places as its keys, "%1 cannot be written: %2", and a message is found by the words that
-// stand between the places. What a place holds may be a message, too: the reason behind the colon.
-// docs/languages.md tells which output stays English.
+// They come in English, with names already in them. So the table "Tool" of the bundle has sentences with
+// places as its keys, "%1 cannot be written: %2", and a message is found by the words that stand between the
+// places. What a place holds may be a message, too: the reason behind the colon.
 
-namespace torka::tool {
+namespace torka::platform {
 
 class Sentences {
 public:
+    // A null table has no sentence.
     explicit Sentences(const CFDictionaryRef& table);
     // The message as it is when no sentence fits.
     std::string Say(std::string_view english) const { return Say(english, 0); }
@@ -34,7 +34,8 @@ private:
     std::vector<Sentence> sentences; // those with the most words first
 };
 
-// The message in the person's language. While it is English, reads no table.
-std::string inPersonsLanguage(std::string_view english);
+} // namespace torka::platform
 
-} // namespace torka::tool
+namespace torka {
+using namespace platform;
+} // namespace torka

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/torka/Sentences.h"
-
-#include "platform/System.h"
-#include "platform/posix/InstalledSystem.h"
-#include "platform/posix/StringTables.h"
+#include "platform/posix/Sentences.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace torka::tool {
+namespace torka::platform {
 
 namespace {
 
@@ -107,16 +103,4 @@ std::string Sentences::Say(std::string_view english, int depth) const {
     return std::string(english);
 }
 
-std::string inPersonsLanguage(std::string_view english) {
-    if (!platform::hasSystem()) { // memory ran out at the start
-        return std::string(english);
-    }
-    static const Sentences sentences = [] {
-        const platform::StringTables tables(
-            platform::installedBundle(platform::programFolder()) / "Contents" / "Resources", "en");
-        return Sentences(tables.Whole("Tool"));
-    }();
-    return sentences.Say(english);
-}
-
-} // namespace torka::tool
+} // namespace torka::platform
