@@ -9,6 +9,7 @@
 #include "jobsettings/OptionSettings.h"
 #include "output/FeatureEmission.h"
 #include "platform/System.h"
+#include "platform/cups/CupsQueue.h"
 #include "spooler/filter/MarkedChoices.h"
 #include "spooler/filter/ServerMessages.h"
 
@@ -51,11 +52,26 @@ Result<std::unique_ptr<ZANPPD>> readModel(const std::string& path) {
     return isOurs ? std::move(model) : nullptr;
 }
 
+// The description with the address list of what the job was sent to. The list of a class is at its first
+// printer, and the server keeps the descriptions of all queues in one folder. The printer's own description
+// when that one cannot be found.
+std::string descriptionWithList(const FilterJob& job) {
+    if (job.printerClass.empty()) {
+        return job.description;
+    }
+    const std::filesystem::path own(job.description);
+    const std::filesystem::path first =
+        own.parent_path() / (platform::describedQueue(job.printerClass) + ".ppd");
+    std::error_code failure;
+    return std::filesystem::is_regular_file(first, failure) ? first.string() : job.description;
+}
+
 QueueFacts queueFacts(const FilterJob& job) {
     QueueFacts facts;
     facts.isLaidOut = job.contentType != unfilteredType;
-    const ZANCorvianPrinterPList list(std::make_unique<DescriptionPropertyListStore>(job.description));
-    const CFStringRef queue = cfString(job.queue);
+    const ZANCorvianPrinterPList list(
+        std::make_unique<DescriptionPropertyListStore>(descriptionWithList(job)));
+    const CFStringRef queue = cfString(job.Destination());
     bool isKnown = false;
     list.Exists(queue, isKnown);
     facts.isTwoWay = isKnown && list.getIPEnabled(queue);

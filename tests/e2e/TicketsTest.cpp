@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bidi/commands/TicketCommands.h"
+#include "connection/ZANCorvianPrinterPList.h"
 #include "output/BundleIdentifier.h"
 #include "tests/e2e/ServerData.h"
 
@@ -158,6 +159,20 @@ TEST_F(Tickets, AClassOfPrintersPrintsWithTheSettingsAndKeepsRecordsAtItsFirstPr
     }
     EXPECT_THAT(description(1), HasSubstr("QVDriverPreference0000"));
     EXPECT_EQ(description(2), second);
+    // An option finds the watermark of the class at every member.
+    ZANCorvianPrinterPList list(
+        std::make_unique<QueuePropertyListStore>(QueueAccess{std::make_shared<CupsSession>("Team"), {}}));
+    std::vector<DataRow> rows(1);
+    std::string("0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,TEAM").copy(rows[0].data(), 200);
+    list.AddDataBlob(cfString("Team"), 1, 1, rows);
+    ASSERT_TRUE(list.Save());
+    for (const auto& [busy, free] : {std::pair{"Member1", "Member2"}, {"Member2", "Member1"}}) {
+        ASSERT_EQ(runCommand({"cupsdisable", busy}).status, 0);
+        const int job = *submitFile("Team", samplePath("plain.ps"), "", {{"torka-watermark", "TEAM"}});
+        EXPECT_EQ(WaitForEnd(job).message, "") << free;
+        EXPECT_THAT(sandbox->Printed(job), HasSubstr("<5445414D>")) << free;
+        ASSERT_EQ(runCommand({"cupsenable", busy}).status, 0);
+    }
     CupsPrinter group("Team");
     ASSERT_EQ(group.SendCommand(cfString("x"), cfString(commandTitle(SpoolerCommand::popupJnData)), nullptr),
               noErr);
