@@ -6,6 +6,8 @@
 
 #include <cups/ppd.h>
 
+#include <map>
+#include <random>
 #include <set>
 
 // libcups marks its PPD functions as deprecated, but programs still use them.
@@ -176,6 +178,44 @@ TEST(SpoolerReading, NeighboursAndBlanksAreReadAsLibcupsReadsThem) {
             EXPECT_TRUE(read.contains(fact)) << fact;
         }
     }
+}
+
+// A line or a name for which libcups refuses a whole description is a finding, and no other is.
+TEST(SpoolerReading, LintTellsTheLinesThatLibcupsRefuses) {
+    const std::string part = option("M", "*Other X/Y: \"one\ntwo\"\n*End\n") + neighbours;
+    const std::string_view pieces[] = {
+        "*",  "%",  ":",    "\"",      " ",      "\t",
+        "/",  "A",  "\n",   "\x7f",    "\xE9",   "\x1A",
+        "\f", "\v", "\x01", {"\0", 1}, "\n*%\"", "QQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQ"};
+    const TemporaryFolder folder;
+    std::mt19937 random(5);
+    std::map<bool, int> seen;
+    for (int trial = 0; trial < 800; ++trial) {
+        std::string text = part;
+        for (std::size_t changes = 1 + random() % 3; changes > 0; --changes) {
+            text.replace(random() % text.size(), random() % 2, pieces[random() % std::size(pieces)]);
+        }
+        const std::string path = folder.Write("case.ppd", heading + text);
+        const std::unique_ptr<ppd_file_t, void (*)(ppd_file_t*)> ppd(ppdOpenFile(path.c_str()), ppdClose);
+        int line = 0;
+        const ppd_status_t status = ppd ? PPD_OK : ppdLastError(&line);
+        const bool isRefused = status == PPD_MISSING_ASTERISK || status == PPD_ILLEGAL_MAIN_KEYWORD ||
+                               status == PPD_ILLEGAL_OPTION_KEYWORD;
+        if (!ppd && !isRefused) {
+            continue; // it stopped at something else
+        }
+        PPDLint lint;
+        const auto model = parseFile(path, {.lint = &lint});
+        const auto first = std::ranges::find_if(lint.Notes(), [](const PPDLintNote& note) {
+            return note.kind == PPDLintKind::lineWithoutAsterisk || note.kind == PPDLintKind::refusedName;
+        });
+        ASSERT_EQ(first != lint.Notes().end(), isRefused) << text;
+        // libcups counts the lines up to the end of a value, and not the one of a byte 0x1A alone.
+        ASSERT_LE(isRefused ? first->line : line, line + std::ranges::count(text, '\x1A')) << text;
+        ++seen[isRefused];
+    }
+    EXPECT_GT(seen[true], 100);
+    EXPECT_GT(seen[false], 100);
 }
 
 // The descriptions that the spooler's own compiler makes of its sample drivers, and random ones.

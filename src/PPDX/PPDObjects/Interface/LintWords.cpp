@@ -166,4 +166,25 @@ std::string_view postscriptFault(std::string_view postscript, std::string_view p
     return BalanceReader(postscript, placeholder).Fault();
 }
 
+bool standsInLongerString(std::string_view postscript, std::string_view placeholder) {
+    for (std::size_t at = 0; at < postscript.size(); ++at) {
+        if (postscript[at] == '%') {
+            at = std::min(postscript.find_first_of("\r\n", at), postscript.size());
+        } else if (postscript[at] == '(') {
+            const std::size_t first = at + 1;
+            for (std::size_t depth = 1; depth > 0 && ++at < postscript.size();) {
+                const char c = postscript[at];
+                at += c == '\\' ? 1 : 0;
+                depth += c == '(' ? 1 : 0;
+                depth -= c == ')' ? 1 : 0;
+            }
+            const std::string_view held = postscript.substr(first, std::min(at, postscript.size()) - first);
+            if (held != placeholder && held.find(placeholder) != std::string_view::npos) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 } // namespace torka

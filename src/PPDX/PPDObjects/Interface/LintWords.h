@@ -18,4 +18,7 @@ std::string_view closestWord(std::string_view word, std::span<const std::string_
 // where it stands; it may be empty.
 std::string_view postscriptFault(std::string_view postscript, std::string_view placeholder);
 
+// Tells whether the placeholder stands in a literal string that holds anything else, too.
+bool standsInLongerString(std::string_view postscript, std::string_view placeholder);
+
 } // namespace torka

@@ -263,7 +263,7 @@ void PPDLint::LineInBlock(long line, std::string_view block, std::string_view ke
 void PPDLint::OtherLine(long line, std::string_view keyword) {
     constexpr std::size_t maximumLines = 1000000;
     if (keyword.size() > 1 && keyword.starts_with('*') && otherLines.size() < maximumLines) {
-        otherLines.push_back({line, std::string(keyword), {}});
+        otherLines.push_back({line, std::string(keyword), hasFailedControl ? "lost" : ""});
     }
 }
 

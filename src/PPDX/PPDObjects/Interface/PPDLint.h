@@ -15,6 +15,7 @@
 
 namespace torka {
 
+class PPDXControl;
 class PPDXGroup;
 class PPDXRangeControl;
 class ZANPPD;
@@ -40,23 +41,28 @@ enum class PPDLintKind {
     strayNoteLine,         // a default or PostScript line that does not follow its note, or lacks the "%"
     lostMinLength,         // a bare "MinLength" after "MinLength8"
     noPlaceholder,         // a template of a note or a range without "<*KEY>"
+    placeholderInString,   // "<*KEY>" in a longer string of a note's template
     minLengthAboveMaximum, // a minimum length that no text within the maximum reaches
+    hiddenRequiredNote,    // a required note without a default text that nobody can fill in
     // Ranges and numbers
-    badNumber,            // a number of a range, or a length of a job note, that is not a number
-    textAfterNumber,      // text behind a number of a range
-    swappedBounds,        // a minimum above the maximum
-    defaultOutsideBounds, // a default below the minimum or above the maximum
-    defaultOffStep,       // a default that is rounded to another number
-    negativeScale,        // a scale's minimum below 0, which no job takes
-    extraNumber,          // a fifth number
-    badCustomSize,        // a custom page size line that cannot be parsed
-    unitNotPoints,        // a custom page size in another unit, which is read as points
+    badNumber,               // a number of a range, or a length of a job note, that is not a number
+    textAfterNumber,         // text behind a number of a range
+    swappedBounds,           // a minimum above the maximum
+    defaultOutsideBounds,    // a default below the minimum or above the maximum
+    defaultOffStep,          // a default that is rounded to another number
+    negativeScale,           // a scale's minimum below 0, which no job takes
+    extraNumber,             // a fifth number
+    badCustomSize,           // a custom page size line that cannot be parsed
+    customSizeWithoutBounds, // a custom page size whose width or height may only be 0
+    unitNotPoints,           // a custom page size in another unit, which is read as points
     // Options
     unknownDefault,       // a default that names no option of its block
     otherDefault,         // a default line that names another keyword
     emptyBlock,           // a block without options
     unclosedBlock,        // a block that another element or the end of the file ends
     optionTwice,          // an option that the block has already
+    optionBehindBlock,    // an option line that stands behind the closing line
+    missingState,         // a check box that lacks one of its two options
     blockOfOtherKey,      // a block whose keyword differs from its flags line
     optionOfOtherKey,     // an option line under another keyword than the block's
     optionWithoutName,    // a line of the block's keyword without an option
@@ -66,25 +72,31 @@ enum class PPDLintKind {
     specialOptionTwice,   // a special option that has a value already
     unknownSpecialOption, // a special option whose keyword is nearly one that is read
     unknownSpecialValue,  // a value that the special option does not know
+    shortcutNotShown,     // a shortcut whose control the pane offers in no quick access
+    lineInTemplate,       // an element that the line count of a management template takes
     // Lines, texts and encoding
-    cutLine,            // a line of more than 255 bytes
-    cutValue,           // a quoted value of more than 255 bytes
-    unclosedQuote,      // a value without its closing quote
-    textWithoutQuotes,  // text where only a quoted value is read
-    textBehindQuote,    // text behind the closing quote of a value
-    unreadableByte,     // a line with a byte NUL or 0xFF, which ends its text
-    untranslatableText, // bytes that are no text of the declared encoding
-    otherEncoding,      // a text that is probably in another encoding than the declared one
-    textBeforeEncoding, // a text that needs the encoding, before both language lines
-    unknownEncoding,    // an encoding that the parser does not know
-    unknownLanguage,    // a language that no list of PPD names knows
-    misspeltKeyword,    // a main keyword that is nearly one of the extension's
-    linesBehindEnd,     // elements behind the end marker
+    cutLine,             // a line of more than 255 bytes
+    cutValue,            // a quoted value of more than 255 bytes
+    unclosedQuote,       // a value without its closing quote
+    textWithoutQuotes,   // text where only a quoted value is read
+    textBehindQuote,     // text behind the closing quote of a value
+    unreadableByte,      // a line with a byte NUL or 0xFF, which ends its text
+    untranslatableText,  // bytes that are no text of the declared encoding
+    otherEncoding,       // a text that is probably in another encoding than the declared one
+    textBeforeEncoding,  // a text that needs the encoding, before both language lines
+    unknownEncoding,     // an encoding that the parser does not know
+    unknownLanguage,     // a language that no list of PPD names knows
+    misspeltKeyword,     // a main keyword that is nearly one of the extension's
+    linesBehindEnd,      // elements behind the end marker
+    lineWithoutAsterisk, // a line outside values that the print server refuses
+    refusedName,         // a keyword or option that it refuses
     // Constraints
     unknownConstraintKeyword, // a constraint line names a keyword that the description does not define
     unknownConstraintOption,  // ... or an option that its control does not offer
     constraintOnValue,        // ... or a control without options
     oneWayConstraint,         // a constraint without its reverse
+    constraintOnItself,       // a constraint that forbids an option by itself
+    textBehindConstraint,     // a fifth word
     defaultsInConflict,       // two defaults that a constraint forbids together
     requirement,              // a requirement line, which nothing evaluates
     // The pane
@@ -154,6 +166,14 @@ public:
     // Checks PostScript. `option` is empty for a template, which must hold its placeholder.
     void CheckPostscript(long line, std::string_view keyword, std::string_view option,
                          const unsigned char* bytes, long length);
+    // Checks where the template of a note has its placeholder.
+    void CheckNoteTemplate(long line, std::string_view keyword, std::string_view postscript);
+    // The line behind a note that has no template. `rest` follows its keyword.
+    void LineBehindNote(long line, std::string_view note, std::string_view keyword, std::string_view rest);
+    void CustomSizeLine(long line) { customSizeLine = customSizeLine == 0 ? line : customSizeLine; }
+    void CheckShortcut(long line, const PPDXControl& control);
+    // A line that is read as part of a management template.
+    void LineInTemplate(long line, std::string_view text);
     // Notes a default between the bounds that the new control has rounded.
     void CheckHeldDefault(long line, const PPDXRangeControl& range);
     // Notes text that stands where a quoted value is expected. `rest` is the line from there on.
@@ -195,6 +215,7 @@ private:
         std::string other{};
     };
     using Words = std::vector<std::string_view>;
+    static constexpr std::size_t maximumWordsCompared = 200000; // for suggestions
 
     void CheckBytes(long line, std::string_view keyword, std::string_view text, std::string_view bytes,
                     std::optional<CFStringEncoding> encoding);
@@ -208,6 +229,8 @@ private:
     void CheckOptions(const ZANPPD& description);
     void CheckBlockSize(long line, std::string_view keyword, std::string_view option, long size);
     bool CheckNoteLine(const Named& line, const std::unordered_map<std::string, std::string>& notesByName);
+    void CheckKeyword(const Named& line);
+    void CheckCustomSize(const ZANPPD& description);
     void CheckOtherLines(const ZANPPD& description);
     void CheckWords(const ZANPPD& description);
     void CheckDefaults(const ZANPPD& description);
@@ -222,7 +245,10 @@ private:
     std::vector<Named> options;       // key, option
     std::vector<Named> templates;     // of ranges and notes
     std::vector<Named> linesInBlocks; // block, keyword
-    std::vector<Named> otherLines;
+    std::vector<Named> otherLines; // keyword; "lost" behind a failed control
+    std::unordered_map<long, std::string> linesBehindNotes;     // line, note
+    std::unordered_map<std::string, std::string> meantKeywords; // by an unknown one; "" for none
+    long customSizeLine = 0;
     std::unordered_set<std::string> placedGroups;
     std::unordered_map<std::string, long> kindlessParents; // group, line
     std::vector<Named> undeclaredParents; // parent lines of groups that no line above declares

@@ -5,6 +5,7 @@
 #include "PPDX/KVEngine/KeyForest.h"
 #include "PPDX/PPDObjects/Controls/JobNoteFlags.h"
 #include "PPDX/PPDObjects/Interface/ElementKeywords.h"
+#include "PPDX/PPDObjects/Interface/LintServerLine.h"
 #include "PPDX/PPDObjects/Interface/LintWords.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
 #include "PPDX/PPDObjects/Interface/ZANPPD.h"
@@ -22,22 +23,9 @@ namespace {
 constexpr std::string_view endOfDescription = "*% End of PPD file";
 constexpr std::size_t maximumBlockBytes = 1024;       // of a setting in the job
 constexpr std::size_t maximumPairsCompared = 5000000; // for reverse lines; further ones are taken as present
-constexpr std::size_t maximumWordsCompared = 200000;  // for suggestions
 
 std::string_view mainKeyword(std::string_view line) {
     return line.substr(0, line.find_first_of(std::string_view(" \t:\0\xFF", 5)));
-}
-
-char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool equalsIgnoringCase(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right, {}, lowerCase, lowerCase);
-}
-
-std::string inLowerCase(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), lowerCase);
-    return result;
 }
 
 // The two keys of a constraint line as one text, the same in both directions.
@@ -137,6 +125,7 @@ bool PPDLint::Finish(ZANPPD& description) {
     CheckGroups(description);
     CheckOptions(description);
     CheckOtherLines(description);
+    CheckCustomSize(description);
     CheckWords(description);
     if (firstText) {
         Note(PPDLintKind::textBeforeEncoding, firstText->line, firstText->name, firstText->other);
@@ -168,6 +157,12 @@ void PPDLint::CheckConstraints(ZANPPD& description) {
     for (const Constraint& each : constraints) {
         const bool isKnown1 = CheckConstraintSide(description, keywords, each, each.key1, each.option1);
         const bool isKnown2 = CheckConstraintSide(description, keywords, each, each.key2, each.option2);
+        if (isKnown1 && isKnown2 && !each.isRequirement && each.key1 == each.key2 &&
+            (each.option1 == each.option2 || each.option1.empty() || each.option2.empty())) {
+            const std::string& option = each.option1.empty() ? each.option2 : each.option1;
+            Note(PPDLintKind::constraintOnItself, each.line, each.key1,
+                 option.empty() ? "each option" : option);
+        }
         if (isKnown1 && isKnown2 && !each.isRequirement && !IsReversed(description, each, lines)) {
             Note(PPDLintKind::oneWayConstraint, each.line, each.key1,
                  lineOf(each.key2, each.option2, each.key1, each.option1));
@@ -352,6 +347,21 @@ void PPDLint::CheckOptions(const ZANPPD& description) {
     }
 }
 
+void PPDLint::CheckCustomSize(const ZANPPD& description) {
+    CNTL_TYPE type{};
+    const auto* const size = dynamic_cast<PPDXCustomPageSizeControl*>(
+        description.GetControls()->Find("*CustomPrintSize", type, true));
+    if (size == nullptr) {
+        return;
+    }
+    for (const auto& [maximum, name] :
+         {std::pair{size->MaxWidth(), "width"}, {size->MaxHeight(), "height"}}) {
+        if (maximum <= 0.0F) {
+            Note(PPDLintKind::customSizeWithoutBounds, customSizeLine, size->Keyword(), name);
+        }
+    }
+}
+
 void PPDLint::CheckBlockSize(long line, std::string_view keyword, std::string_view option, long size) {
     if (size > static_cast<long>(maximumBlockBytes)) {
         const std::string whose =
@@ -377,71 +387,6 @@ void PPDLint::CheckWords(const ZANPPD& description) {
                 }
             }
             note.suggestion = Suggestion(note.text, offered);
-        }
-    }
-}
-
-// Notes a line that is meant for a job note and that its reader has not taken.
-bool PPDLint::CheckNoteLine(const Named& line,
-                            const std::unordered_map<std::string, std::string>& notesByName) {
-    constexpr std::string_view beginning = "default";
-    const std::string_view keyword = line.name;
-    const bool hasPercent = keyword[1] == '%';
-    std::string_view bare = keyword.substr(hasPercent ? 2 : 1);
-    bare.remove_prefix(hasPercent && bare.starts_with('*') ? 1 : 0);
-    const std::string lower = inLowerCase(bare);
-    auto note = notesByName.find(lower);
-    const bool isDefault = note == notesByName.end() && lower.starts_with(beginning);
-    if (isDefault) {
-        note = notesByName.find(lower.substr(beginning.size()));
-    }
-    if (note == notesByName.end()) {
-        return false;
-    }
-    const std::string_view name = note->second;
-    const std::string right =
-        (isDefault ? "Default" : "") + std::string(name.substr(name.starts_with('*') ? 1 : 0));
-    if (!hasPercent && bare != right) {
-        return false; // another keyword of PPD 4.3
-    }
-    const std::string meant = "*%" + right;
-    const bool isMisspelt = hasPercent && keyword != meant;
-    Note(PPDLintKind::strayNoteLine, line.line, name, keyword, isMisspelt ? meant : std::string());
-    return true;
-}
-
-void PPDLint::CheckOtherLines(const ZANPPD& description) {
-    Words extension;
-    for (const ElementKeyword& row : elementKeywords) {
-        if (row.keyword.starts_with("*%")) {
-            extension.push_back(row.keyword);
-        }
-    }
-    std::unordered_map<std::string, std::string> notesByName; // in lower case, without the asterisk
-    description.GetControls()->ForEach([&](const PPDXControl* control) {
-        if (control->Type() == CNTL_TYPE::jobNote && control->Keyword() != nullptr) {
-            const std::string_view name = control->Keyword();
-            notesByName.try_emplace(inLowerCase(name.substr(name.starts_with('*') ? 1 : 0)), name);
-        }
-    });
-    for (const Named& each : otherLines) {
-        const std::string_view keyword = each.name;
-        const std::string_view bare = keyword.substr(keyword[1] == '%' ? 2 : 1);
-        if (CheckNoteLine(each, notesByName)) {
-            continue;
-        }
-        const auto* const sameLetters = std::ranges::find_if(elementKeywords, [&](const ElementKeyword& row) {
-            return equalsIgnoringCase(row.keyword, keyword);
-        });
-        if (sameLetters != elementKeywords.end()) {
-            Note(PPDLintKind::misspeltKeyword, each.line, keyword, {}, sameLetters->keyword);
-            continue;
-        }
-        const bool isExtensions = keyword.starts_with("*%ZAN") || keyword.starts_with("*ZAN");
-        const bool mayBe = isExtensions || (keyword.starts_with("*%") && bare.size() > 4);
-        const std::string_view meant = mayBe ? Suggestion(keyword, extension) : std::string_view();
-        if (isExtensions || !meant.empty()) {
-            Note(PPDLintKind::misspeltKeyword, each.line, keyword, {}, meant);
         }
     }
 }
@@ -477,6 +422,7 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
     std::string start;
     std::size_t length = 0;
     std::string_view badByte;
+    ServerLine server;
     long line = 1;
     char last = '\0';
     bool isAtEnd = false;
@@ -490,6 +436,10 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
         }
     };
     const auto endLine = [&] {
+        if (const auto refusal = server.End()) {
+            Note(refusal->why.empty() ? PPDLintKind::lineWithoutAsterisk : PPDLintKind::refusedName, line,
+                 mainKeyword(start), refusal->why.empty() ? "" : '"' + refusal->name + "\" " + refusal->why);
+        }
         if (isAtEnd) {
             behind.Take(line, start);
         } else {
@@ -514,6 +464,7 @@ bool PPDLint::CheckLines(const ZANPPD& description) {
                 if (badByte.empty() && (c == '\0' || c == '\xFF')) {
                     badByte = c == '\0' ? "NUL" : "0xFF";
                 }
+                server.Take(c);
                 if (++length <= 64) {
                     start.push_back(c);
                 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/PPDObjects/Controls/FixedControls.h"
 #include "PPDX/PPDObjects/Controls/PPDXRangeControl.h"
 #include "PPDX/PPDObjects/Interface/LintWords.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
@@ -81,6 +82,31 @@ void PPDLint::CheckSpecialOption(long line, std::string_view keyword, std::strin
     std::ranges::transform(specialRows, known.begin(), &SpecialRow::keyword);
     if (const std::string_view meant = closestWord(keyword, known); !meant.empty()) {
         Note(PPDLintKind::unknownSpecialOption, line, keyword, {}, meant);
+    }
+}
+
+// The value of a note becomes a hexadecimal string, which replaces "(<*KEY>)" as a whole. In a template that
+// begins with "%%" and for a document server's access it stays text.
+void PPDLint::CheckNoteTemplate(long line, std::string_view keyword, std::string_view postscript) {
+    static constexpr std::array<std::string_view, 3> texts{"*QVDSFileName", "*QVDSPassword", "*QVDSUserName"};
+    const bool isText = postscript.starts_with("%%") || std::ranges::find(texts, keyword) != texts.end();
+    if (!isText && standsInLongerString(postscript, "<" + std::string(keyword) + ">")) {
+        Note(PPDLintKind::placeholderInString, line, keyword);
+    }
+}
+
+void PPDLint::CheckShortcut(long line, const PPDXControl& control) {
+    const PPDXElement* const group = control.GetParent();
+    std::string_view reason;
+    if (group != nullptr && *group == "QVPPInstallableOptions") {
+        reason = "it is an installable option";
+    } else if (control.IsNoTorkaDriverUI()) {
+        reason = "its flags line keeps it out of the pane";
+    } else if (isBidiKeyword(control.Keyword())) {
+        reason = "its keyword ends in Bidi";
+    }
+    if (!reason.empty()) {
+        Note(PPDLintKind::shortcutNotShown, line, control.Keyword(), reason);
     }
 }
 

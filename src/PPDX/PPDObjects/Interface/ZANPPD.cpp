@@ -294,6 +294,9 @@ bool ZANPPD::ParsePSKeywords(PPDStream& stream, const char* keyword) {
     std::array<char, kLineCapacity> value;
     const auto takeRest = [&](std::initializer_list<HeaderValue*> targets) {
         RestOfLine(stream, value.data());
+        if (value.front() == '"') {
+            Note(PPDLintKind::unclosedQuote, Line(), name);
+        }
         for (HeaderValue* target : targets) {
             *target = std::make_unique<CString>(value.data());
         }
@@ -320,6 +323,9 @@ bool ZANPPD::ParsePSKeywords(PPDStream& stream, const char* keyword) {
             inInstallableOptions = false;
         }
         return true;
+    }
+    if (lint && kind == LineKind::openMakersBlock) {
+        lint->StrayControlLine(Line(), name);
     }
     if (lint && (kind == LineKind::openBlock || kind == LineKind::spoolerBlock)) {
         lint->SpoolerKeyword(TakeNamedToken(stream).token);

@@ -35,8 +35,8 @@ std::string_view takeWord(std::string_view& line) {
 }
 
 // Returns the first words between blanks; behind the last word, empty ones. REQUIRES: as takeWord.
-std::array<std::string_view, 4> firstWords(std::string_view line) {
-    std::array<std::string_view, 4> words;
+std::array<std::string_view, 5> firstWords(std::string_view line) {
+    std::array<std::string_view, 5> words;
     if (line.size() < 16 || line.size() > 64) {
         for (std::string_view& word : words) {
             word = takeWord(line);
@@ -71,7 +71,7 @@ bool readPoints(std::string_view text, float& points) {
 
 // KEY1 [OPTION1] KEY2 [OPTION2]; a second text that begins with "*" is the second keyword.
 void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
-    const auto [key1, second, third, fourth] = firstWords(line.Remaining());
+    const auto [key1, second, third, fourth, fifth] = firstWords(line.Remaining());
     const bool hasOption1 = !second.starts_with('*');
     const std::string_view option1 = hasOption1 ? second : std::string_view();
     const std::string_view key2 = hasOption1 ? third : second;
@@ -83,6 +83,9 @@ void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
     constraints->Add(key1, option1, key2, option2, isRequirement);
     if (lint) {
         lint->ConstraintLine(Line(), key1, option1, key2, option2, isRequirement);
+        if (const std::string_view behind = hasOption1 ? fifth : fourth; !behind.empty()) {
+            lint->Note(PPDLintKind::textBehindConstraint, Line(), key1, behind);
+        }
     }
 }
 
@@ -90,6 +93,9 @@ void ZANPPD::ParseConstraint(PPDStream& line, bool isRequirement) {
 // with both sizes at their minimum. Each line sets its two bounds.
 void ZANPPD::ParseCustomPrintSize(PPDStream& line) {
     static constexpr const char* keyword = "*CustomPrintSize";
+    if (lint) {
+        lint->CustomSizeLine(Line());
+    }
     const std::string_view dimension = TakeWord(line);
     TakeWord(line); // the order of the parameters
     const std::string_view unit = takeText(line);
@@ -161,8 +167,12 @@ void ZANPPD::SkipTemplateBlock() {
         return;
     }
     for (long left = templateLineCount(first.substr(place + marker.size())); left > 0; --left) {
-        if (std::string_view packed; !ReadNonEmptyLine(packed)) {
+        std::string_view packed;
+        if (!ReadNonEmptyLine(packed)) {
             break;
+        }
+        if (lint) {
+            lint->LineInTemplate(Line(), packed);
         }
     }
     constexpr int unpackingFailed = -3; // zlib's Z_DATA_ERROR

@@ -377,6 +377,9 @@ void ZANPPD::FinishBoolean(ControlDraft& draft, ChoiceBlock& block, const CFStri
         Note(PPDLintKind::unknownDefault, block.defaultLine, draft.keyword, *block.defaultOption);
     }
     for (std::size_t i = 0; i < 2; ++i) {
+        if (!block.hasBranch[i]) {
+            Note(PPDLintKind::missingState, line, draft.keyword, i == 0 ? "True" : "False");
+        }
         if (block.branches[i].text) {
             block.branches[i].text = block.branchNames[i].c_str();
         }

@@ -223,6 +223,9 @@ void ZANPPD::ResolveShortcuts() {
         CNTL_TYPE type{};
         if (PPDXControl* control = controls->FindDisplayed(shortcut.keyword.c_str(), type, true)) {
             shortcuts->Add(control);
+            if (lint) {
+                lint->CheckShortcut(shortcut.line, *control);
+            }
         } else {
             Report(PPDErr_BadShortcut, shortcut.keyword, shortcut.line);
         }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PPDX/PPDObjects/Controls/FixedControls.h"
 #include "PPDX/PPDObjects/Controls/JobNoteFlags.h"
 #include "PPDX/PPDObjects/Interface/DelimiterSet.h"
 #include "PPDX/PPDObjects/Interface/PPDLint.h"
@@ -94,10 +95,16 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
             const PostscriptBytes value = TakePostscript(next);
             if (lint) {
                 lint->CheckPostscript(templateLine, draft->keyword, {}, value.bytes, value.length);
+                lint->CheckNoteTemplate(
+                    templateLine, draft->keyword,
+                    {reinterpret_cast<const char*>(value.bytes), static_cast<std::size_t>(value.length)});
             }
             definition.psData = value.bytes;
             definition.psLength = value.length;
         } else {
+            if (lint) {
+                lint->LineBehindNote(Line(), draft->keyword, keyword, next.Remaining());
+            }
             PushBackLine();
         }
     }
@@ -110,9 +117,14 @@ void ZANPPD::ParseJobNote(PPDStream& line, ControlDraft* draft) {
     }
 }
 
-// Skips a note without a default text, which the user has to fill in.
+// Skips a note without a default text, which the user has to fill in and therefore must see.
 void ZANPPD::CheckDefaultNote(const PPDXJobNote& note, long line) {
-    if (note.GetDefaultNotes() != nullptr) {
+    if (note.GetDefaultNotes() == nullptr) {
+        const bool isRequired = (note.NoteFlags() & jobNoteRequired) != 0;
+        if (isRequired && (note.IsNoTorkaDriverUI() || isBidiKeyword(note.Keyword()))) {
+            Note(PPDLintKind::hiddenRequiredNote, line, note.Keyword());
+        }
+    } else {
         for (const BrokenNoteRule& rule : note.BrokenRules()) {
             Note(PPDLintKind::badDefaultNote, line, note.Keyword(), rule.Words());
         }
