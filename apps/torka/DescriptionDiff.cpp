@@ -186,11 +186,66 @@ void compareLists(const std::vector<std::string>& before, const std::vector<std:
     }
 }
 
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
+std::vector<std::string> sorted(std::vector<std::string> list) {
+    std::ranges::sort(list);
+    return list;
+}
+
+// An element that one side lacks is a change of its own, and the order is then not compared.
+void compareOrder(const std::vector<std::string>& before, const std::vector<std::string>& after,
+                  const std::string& subject, Changes& changes) {
+    if (sorted(before) == sorted(after)) {
+        compareText(joined(before), joined(after), "order", subject, changes);
+    }
+}
+
+std::vector<std::string> keywordsOf(const Json& elements) {
+    std::vector<std::string> keywords;
+    for (const Json& element : elements) {
+        keywords.push_back(textOf(element.at("keyword")));
+    }
+    return keywords;
+}
+
+std::vector<std::string> templateLines(const ZANPPD& description) {
+    std::vector<std::string> lines;
+    std::string_view text = description.DMTXmlData();
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        lines.emplace_back(line);
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+    return lines;
+}
+
+// The pane searches the template as one text, so that the order of its lines counts.
+void compareTemplates(const std::vector<std::string>& before, const std::vector<std::string>& after,
+                      Changes& changes) {
+    compareLists(sorted(before), sorted(after), "template", changes);
+    compareOrder(before, after, "template", changes);
+}
+
 std::string hiddenMark(const Json& element) { return element.at("visible").get<bool>() ? "" : " (hidden)"; }
+
+std::string rollDownText(const Json& rollDown) {
+    return textOf(rollDown.at("name")) + hiddenMark(rollDown) + ": " + rollDown.at("controls").dump();
+}
 
 // Pages, scroll panes and roll-downs by keyword: their texts, states and controls.
 Values pagesOf(const Json& model) {
     Values values;
+    if (model.contains("installableOptions")) {
+        const Json& installable = model.at("installableOptions");
+        values.emplace(textOf(installable.at("keyword")), rollDownText(installable));
+    }
     for (const Json& page : model.at("pages")) {
         const auto keyword = page.at("keyword").get<std::string>();
         std::string pane;
@@ -199,9 +254,7 @@ Values pagesOf(const Json& model) {
             pane = ", scroll pane " + textOf(scrollPane.at("keyword")) + hiddenMark(scrollPane);
             for (const Json& group : scrollPane.at("rollDowns")) {
                 pane += " " + textOf(group.at("keyword"));
-                values.emplace(keyword + "/" + textOf(group.at("keyword")), textOf(group.at("name")) +
-                                                                                hiddenMark(group) + ": " +
-                                                                                group.at("controls").dump());
+                values.emplace(keyword + "/" + textOf(group.at("keyword")), rollDownText(group));
             }
         }
         values.emplace(keyword, textOf(page.at("name")) + hiddenMark(page) + ", in the pane " +
@@ -247,6 +300,8 @@ std::vector<DescriptionChange> compareDescriptions(const ZANPPD& before, const Z
     compareLists(linesOf(before, *before.GetUIConstraints()->GetRequiresForest()),
                  linesOf(after, *after.GetUIConstraints()->GetRequiresForest()), "requirement", changes);
     compareValues(pagesOf(first), pagesOf(second), "page", "", changes);
+    compareOrder(keywordsOf(first.at("pages")), keywordsOf(second.at("pages")), "pages", changes);
+    compareTemplates(templateLines(before), templateLines(after), changes);
     compareText(first.at("shortcuts").dump(), second.at("shortcuts").dump(), "shortcuts", "", changes);
     return changes;
 }

@@ -13,7 +13,7 @@ namespace torka::tool {
 // One difference between two descriptions.
 struct DescriptionChange {
     // One word: "header", "option", "property", "text", "default", "choice", "order", "code", "constraint",
-    // "requirement", "page", "shortcuts" or "lines".
+    // "requirement", "page", "template", "shortcuts" or "lines".
     std::string what;
     std::string subject; // keyword, keyword and choice, or name of a header value
     // The two values; nullopt on the side that lacks the subject.
@@ -21,8 +21,8 @@ struct DescriptionChange {
     std::optional<std::string> after;
 };
 
-// Compares what the descriptions offer: header, options, choices, their code, constraints, pages and quick
-// access. Ignores the order of options.
+// Compares what the descriptions offer: header, options, choices, their code, constraints, pages, management
+// template and quick access. Ignores the order of options.
 std::vector<DescriptionChange> compareDescriptions(const ZANPPD& before, const ZANPPD& after);
 
 // Compares the lines of two files, in any order, without comments and empty lines. Empty when they are the

@@ -44,7 +44,12 @@ void addKind(JsonSink& sink, const PPDXPopupControl& popup) {
 }
 
 void addKind(JsonSink& sink, const PPDXBooleanControl& control) {
+    const auto state = [](const char* keyword, const char* text) -> Json {
+        return {{"keyword", keyword}, {"name", jsonText(text == nullptr || *text == '\0' ? keyword : text)}};
+    };
     sink.Pair("default", control.DefaultText());
+    sink.Pair("items", Json::array({state("True", control.TrueDisplayText()),
+                                    state("False", control.FalseDisplayText())}));
 }
 
 void addKind(JsonSink& sink, const PPDXJobNote& note) {
@@ -197,6 +202,10 @@ void writeModel(JsonSink& sink, const ZANPPD& description) {
     writeArray("pages", [&] {
         description.GetProperties()->ForEach([&sink](const PPDXProperty* page) { writePage(sink, *page); });
     });
+    if (const PPDXRollDown* installable = description.InstallableOptions()) {
+        sink.Key("installableOptions");
+        writeRollDown(sink, *installable);
+    }
     writeArray("shortcuts", [&] {
         PPDXShortcuts& quick = *description.GetShortcuts();
         for (const PPDXControl* control = quick.First(); control != nullptr; control = quick.Next()) {

@@ -137,9 +137,10 @@ std::string_view PPDX::TakeValue(PPDStream& stream, std::size_t room, bool isPos
     return hasEnd || !isPostscript ? std::string_view(longValue) : std::string_view();
 }
 
+// A translation may stand directly behind the quote (PPD 4.3, 3.5): "/" and text without quotes.
 void PPDX::LookBehindQuote(std::string_view rest) {
-    const std::size_t begin = rest.find_first_not_of(" \t");
-    if (begin != std::string_view::npos && rest[begin] != '/' &&
+    const bool isTranslation = rest.starts_with('/') && rest.find('"') == std::string_view::npos;
+    if (rest.find_first_not_of(" \t") != std::string_view::npos && !isTranslation &&
         textsBehindQuotes.size() < maximumNotedValues) {
         textsBehindQuotes.push_back(LineNumber());
     }
