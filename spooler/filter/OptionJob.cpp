@@ -61,7 +61,7 @@ std::string descriptionWithList(const FilterJob& job) {
     }
     const std::filesystem::path own(job.description);
     const std::filesystem::path first =
-        own.parent_path() / (platform::describedQueue(job.printerClass) + ".ppd");
+        own.parent_path() / (platform::describedQueue(job.printerClass).value_or(job.printerClass) + ".ppd");
     std::error_code failure;
     return std::filesystem::is_regular_file(first, failure) ? first.string() : job.description;
 }
