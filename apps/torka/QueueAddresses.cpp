@@ -46,10 +46,10 @@ ExitStatus QueueAddresses::Save(const AddressChange& change) {
     const CFArrayRef former = list->List();
     change(*list);
     if (!list->Save()) {
-        return unusable(name + ": " +
-                        (list->Error() == PropertyListFile::memFullErr
-                             ? "the list holds a text that XML cannot hold"
-                             : "the queue takes no command: it is stopped, or rejects jobs"));
+        return list->Error() == PropertyListFile::memFullErr
+                   ? unusable(name + ": the list holds a text that XML cannot hold")
+                   : unusable(platform::describedQueue(name).value_or(name) +
+                              ": the queue takes no command: it is stopped, or rejects jobs");
     }
     if (!list->Reason().empty()) {
         return unusable(name + ": the queue does not keep the list: " + printable(list->Reason()));

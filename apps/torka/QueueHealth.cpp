@@ -5,6 +5,7 @@
 #include "PPDX/PPDObjects/Interface/PPDLintTexts.h"
 #include "ZANUtils/FieldKeys.h"
 #include "apps/torka/Applications.h"
+#include "apps/torka/ClassHealth.h"
 #include "apps/torka/Command.h"
 #include "apps/torka/Description.h"
 #include "apps/torka/Echo.h"
@@ -25,6 +26,7 @@
 #include "platform/posix/InstalledSystem.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -59,22 +61,29 @@ public:
         , bundle(std::move(bundleFolder))
         , session(std::make_shared<CupsSession>(queue)) {
         PMSessionGetCurrentPrinter(session, printer);
+        members = platform::printersOfClass(queue).value_or(std::vector<std::string>());
+        asked = members.empty() ? queue : members.front();
         state = platform::queueState(queue).value_or(platform::QueueState());
+        askedState = members.empty() ? state : platform::queueState(asked).value_or(platform::QueueState());
     }
 
     std::vector<QueueFinding> Check() {
         std::vector<QueueFinding> findings{CheckQueue(), CheckDescription()};
-        AddMembers(findings);
-        for (QueueFinding& finding : CheckFilter()) {
-            findings.push_back(std::move(finding));
+        const auto add = [&findings](std::vector<QueueFinding> more) {
+            std::ranges::move(more, std::back_inserter(findings));
+        };
+        if (!members.empty()) {
+            add(checkClass(queue, members, description.get()));
         }
+        add(CheckFilter());
         findings.push_back(CheckKeys());
         findings.push_back(CheckAddress());
         const bool hasFault = std::ranges::any_of(findings, [](const QueueFinding& finding) {
             return finding.state == CheckState::fault &&
                    (finding.what == "state" || finding.what.starts_with("filter"));
         });
-        findings.push_back(CheckTwoWay(hasFault));
+        findings.push_back(
+            CheckTwoWay(hasFault || stateFinding(asked, askedState).state == CheckState::fault));
         findings.push_back(CheckModule());
         findings.push_back(applicationsFinding(platform::programFolder()));
         return findings;
@@ -82,15 +91,17 @@ public:
 
 private:
     QueueFinding CheckQueue() const {
-        if (state.state == destinationStateStopped) {
-            return fault("state",
-                         "the queue is stopped" + (state.message.empty() ? "" : ": " + state.message),
-                         "cupsenable " + queue);
+        QueueFinding finding = stateFinding(queue, state);
+        const auto standsStill = [](const std::string& member) {
+            const auto memberState = platform::queueState(member);
+            return memberState && stateFinding(member, *memberState).state == CheckState::fault;
+        };
+        if (finding.state == CheckState::good && !members.empty() &&
+            std::ranges::all_of(members, standsStill)) {
+            return fault("state", "no printer of the class prints jobs",
+                         stateFinding(asked, askedState).remedy);
         }
-        if (!state.acceptsJobs) {
-            return fault("state", "the queue rejects jobs", "cupsaccept " + queue);
-        }
-        return good("state", "the queue takes and prints jobs");
+        return finding;
     }
 
     QueueFinding CheckDescription() {
@@ -98,7 +109,7 @@ private:
         if (!printer ||
             PMPrinterCopyDescriptionURL(printer, cfString("PMPPDDescriptionType"), url) != noErr) {
             return fault("description", "the queue has no description",
-                         "torka queue add " + queue + " " + state.deviceUri + " FILE.ppd");
+                         "torka queue add " + asked + " " + askedState.deviceUri + " FILE.ppd");
         }
         const std::string path = CFURLCopyFileSystemPath(url);
         if (const std::error_code error = platform::system().ReadFile(path, maximumDescription, text)) {
@@ -126,53 +137,6 @@ private:
                                          lint.Notes().empty() ? "" : remedy};
     }
 
-    // A class has the description of its first printer, and any of its printers may get a job.
-    void AddMembers(std::vector<QueueFinding>& findings) const {
-        const std::vector<std::string> members = platform::printersOfClass(queue);
-        if (members.empty() || !description) {
-            return;
-        }
-        std::string names;
-        bool areGood = true;
-        for (const std::string& member : members) {
-            names += (names.empty() ? "" : ", ") + member;
-            if (const std::string problem = MemberProblem(member); !problem.empty()) {
-                areGood = false;
-                QueueFinding finding = fault("members", member, "torka queue add ");
-                finding.text.append(" ").append(problem);
-                finding.remedy.append(member).append(" URI FILE.ppd");
-                findings.push_back(std::move(finding));
-            }
-        }
-        if (areGood) {
-            findings.push_back(good("members", "the class has printers of one kind: " + names));
-        }
-    }
-
-    // Why a job for the class cannot print there as its settings say; "" when it can.
-    std::string MemberProblem(const std::string& member) const {
-        PMPrinter other;
-        CFURLRef url;
-        const auto otherSession = std::make_shared<CupsSession>(member);
-        std::string otherText;
-        if (PMSessionGetCurrentPrinter(otherSession, other) != noErr ||
-            PMPrinterCopyDescriptionURL(other, cfString("PMPPDDescriptionType"), url) != noErr ||
-            platform::system().ReadFile(CFURLCopyFileSystemPath(url), maximumDescription, otherText)) {
-            return "has no description";
-        }
-        if (!filterLineFaults(otherText).empty()) {
-            return "prints without torkafilter, so that a job for the class loses its settings there";
-        }
-        const auto fileOf = [](const ZANPPD& model) {
-            const CString* const name = model.PCFileName();
-            return std::string(name == nullptr || name->Empty() ? "" : name->Buffer());
-        };
-        const std::string file = fileOf(*readDescription(CFURLCopyFileSystemPath(url)));
-        return file == fileOf(*description) ? ""
-                                            : "has another description (" + file +
-                                                  "), for which settings of the class may have no meaning";
-    }
-
     // The lines of the description, the program, and its folders.
     std::vector<QueueFinding> CheckFilter() const {
         std::vector<QueueFinding> findings;
@@ -183,16 +147,16 @@ private:
                                     : line.CallsNone()   ? " goes through no filter"
                                                          : " goes through " + line.program;
             findings.push_back(fault("filter-lines", line.type + way,
-                                     "torka queue add " + queue + " " + state.deviceUri +
+                                     "torka queue add " + asked + " " + askedState.deviceUri +
                                          " FILE.ppd writes both lines of torkafilter"));
         }
         if (faults.empty()) {
             findings.push_back(good("filter-lines", "documents and commands go through torkafilter"));
         }
-        if (hasMissingFilter(state)) {
-            findings.push_back(fault("filter",
-                                     "the print server finds no filter that it may run: " + state.message,
-                                     "install torkafilter in the server's folder of filters, owned by root"));
+        if (hasMissingFilter(askedState)) {
+            findings.push_back(
+                fault("filter", "the print server finds no filter that it may run: " + askedState.message,
+                      "install torkafilter in the server's folder of filters, owned by root"));
         }
         if (!platform::isServerLocal()) {
             findings.push_back(unknown("filter", "the files of a remote print server cannot be seen",
@@ -264,14 +228,12 @@ private:
         BidiFilePaths paths;
         if (host.empty() && printer && PMPrinterCopyDeviceURI(printer, uri) == noErr) {
             const bool isService = isDiscoveredServiceConnection(session);
-            host = isService ? (fillBidiFilePaths("", paths, platform::describedQueue(queue))
-                                    ? bonjourAddress(paths)
-                                    : "")
+            host = isService ? (fillBidiFilePaths("", paths, asked) ? bonjourAddress(paths) : "")
                              : utf8Text(CFURLCopyHostName(uri));
             if (host.empty()) {
                 return unknown("address",
                                isService ? "the device is a discovered service whose address is not found yet"
-                                         : "the device " + state.deviceUri + " names no host",
+                                         : "the device " + askedState.deviceUri + " names no host",
                                AddressRemedy());
             }
         }
@@ -348,6 +310,9 @@ private:
     PMPrintSession session;
     PMPrinter printer;
     platform::QueueState state;
+    std::vector<std::string> members; // of a class
+    std::string asked; // the queue with the description and the records: the first member of a class
+    platform::QueueState askedState;
     std::string text; // of the description
     std::unique_ptr<ZANPPD> description;
     std::string address; // of the queue's list; "" for the device's host

@@ -56,8 +56,9 @@ Result<std::string> queueServerData(const std::string& queueName, const std::str
     const auto session = std::make_shared<CupsSession>(queueName);
     PMPrinter printer;
     BidiFilePaths paths;
-    if (PMSessionGetCurrentPrinter(session, printer) != noErr ||
-        !fillBidiFilePaths("", paths, utf8Text(PMPrinterGetName(describedPrinter(printer))))) {
+    PMSessionGetCurrentPrinter(session, printer);
+    const std::string asked = utf8Text(PMPrinterGetName(describedPrinter(printer)));
+    if (!printer || !fillBidiFilePaths("", paths, asked)) {
         return Fault{"the print server has no queue " + queueName};
     }
     const Waiting waiting;
@@ -73,7 +74,7 @@ Result<std::string> queueServerData(const std::string& queueName, const std::str
         const bool isBadAddress = outcome == ServerDataOutcome::connectionError && isInvalidPrinterAddress();
         return Fault{std::string("no server data: ") + outcomeText(outcome) +
                          (isBadAddress && !address.empty() ? " at " + printable(address) : ""),
-                     printable(queueName)};
+                     printable(asked)};
     }
     return *file.getBidiDataCopy();
 }

@@ -18,6 +18,7 @@
 #include <memory>
 #include <new>
 #include <utility>
+#include <vector>
 
 namespace torka::filter {
 
@@ -52,25 +53,48 @@ Result<std::unique_ptr<ZANPPD>> readModel(const std::string& path) {
     return isOurs ? std::move(model) : nullptr;
 }
 
+bool hasEntry(const std::string& description, const std::string& name) {
+    const ZANCorvianPrinterPList list(std::make_unique<DescriptionPropertyListStore>(description));
+    bool isThere = false;
+    list.Exists(cfString(name), isThere);
+    return isThere;
+}
+
 // The description with the address list of what the job was sent to. The list of a class is at its first
-// printer, and the server keeps the descriptions of all queues in one folder. The printer's own description
-// when that one cannot be found.
-std::string descriptionWithList(const FilterJob& job) {
+// printer, and the server keeps the descriptions of all queues in one folder. A server without a domain
+// socket, or with a policy against it, does not tell the first printer: then the only description with an
+// entry of the class counts. "" when none has one. Fails when several have one.
+Result<std::string> descriptionWithList(const FilterJob& job) {
     if (job.printerClass.empty()) {
         return job.description;
     }
-    const std::filesystem::path own(job.description);
-    const std::filesystem::path first =
-        own.parent_path() / (platform::describedQueue(job.printerClass) + ".ppd");
+    const std::filesystem::path folder = std::filesystem::path(job.description).parent_path();
     std::error_code failure;
-    return std::filesystem::is_regular_file(first, failure) ? first.string() : job.description;
+    if (const std::optional<std::string> first = platform::describedQueue(job.printerClass)) {
+        const std::filesystem::path description = folder / (*first + ".ppd");
+        if (std::filesystem::is_regular_file(description, failure)) {
+            return description.string();
+        }
+    }
+    std::vector<std::string> found;
+    std::filesystem::directory_iterator file(folder, failure);
+    for (; !failure && file != std::filesystem::directory_iterator(); file.increment(failure)) {
+        std::string path = file->path().string();
+        if (path.ends_with(".ppd") && hasEntry(path, job.printerClass)) {
+            found.push_back(std::move(path));
+        }
+    }
+    if (failure || found.size() > 1) {
+        return Fault{"the print server does not tell the first printer of the class " + job.printerClass +
+                     ", whose address list counts"};
+    }
+    return found.empty() ? std::string() : found.front();
 }
 
-QueueFacts queueFacts(const FilterJob& job) {
+QueueFacts queueFacts(const FilterJob& job, const std::string& description) {
     QueueFacts facts;
     facts.isLaidOut = job.contentType != unfilteredType;
-    const ZANCorvianPrinterPList list(
-        std::make_unique<DescriptionPropertyListStore>(descriptionWithList(job)));
+    const ZANCorvianPrinterPList list(std::make_unique<DescriptionPropertyListStore>(description));
     const CFStringRef queue = cfString(job.Destination());
     bool isKnown = false;
     list.Exists(queue, isKnown);
@@ -174,7 +198,8 @@ std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets
     if (!model) {
         return std::nullopt;
     }
-    OptionSettings settings(*model, queueFacts(job));
+    const Result<std::string> list = descriptionWithList(job);
+    OptionSettings settings(*model, queueFacts(job, list ? *list : ""));
     if (!settings.NamesSettings(job.options)) {
         return std::nullopt;
     }
@@ -192,6 +217,9 @@ std::optional<OptionJob> readOptionJob(const FilterJob& job, SecretNotes secrets
         result.told.emplace_back(
             "its print settings belong to another job, so that its notes with passwords and "
             "protected fields are left out");
+    }
+    if (!list) {
+        result.told.push_back(list.Why().text);
     }
     result.told.insert(result.told.end(), settings.Remarks().begin(), settings.Remarks().end());
     settleConflicts(settings, result);

@@ -217,6 +217,8 @@ TEST_F(Waits, LockFileAndBusyPrinter) {
     At(milliseconds(4990), [&] { Remove(lock); });
     EXPECT_EQ(Took([&] { EXPECT_TRUE(file.canBiDiDataFileBeAccessed()); }), milliseconds(5000));
 
+    const auto group = std::make_shared<MemoryPrinter>(); // an idle class with the printer
+    group->member = printer;
     for (const auto& [what, state, message, idleFrom, isBusy, waited, alerts] :
          std::vector<std::tuple<const char*, std::uint16_t, const char*, int, bool, int, std::size_t>>{
              {"idle", kPMPrinterIdle, "", -1, false, 0, 0},
@@ -235,7 +237,7 @@ TEST_F(Waits, LockFileAndBusyPrinter) {
         }
         SCOPED_TRACE(what);
         bool busy = !isBusy;
-        EXPECT_EQ(Took([&] { busy = failure.isPrinterBusyWithPrinting(printer); }), milliseconds(waited));
+        EXPECT_EQ(Took([&] { busy = failure.isPrinterBusyWithPrinting(group); }), milliseconds(waited));
         EXPECT_EQ(busy, isBusy);
         EXPECT_EQ(shownAlerts->shown.size(), alerts);
     }

@@ -137,6 +137,8 @@ TEST_F(Tickets, SettingsArriveBeforeTheirJobWhateverItsPriorityAndWhereverItGoes
 }
 
 TEST_F(Tickets, AClassOfPrintersPrintsWithTheSettingsAndKeepsRecordsAtItsFirstPrinter) {
+    CupsPrinter group("Team");
+    EXPECT_FALSE(group.DescribedMember()) << "the server does not know the class yet";
     for (const char* member : {"Member1", "Member2"}) {
         AddQueue(member);
         ASSERT_EQ(runCommand({"lpadmin", "-p", member, "-c", "Team"}).status, 0);
@@ -173,15 +175,37 @@ TEST_F(Tickets, AClassOfPrintersPrintsWithTheSettingsAndKeepsRecordsAtItsFirstPr
         EXPECT_THAT(sandbox->Printed(job), HasSubstr("<5445414D>")) << free;
         ASSERT_EQ(runCommand({"cupsenable", busy}).status, 0);
     }
-    CupsPrinter group("Team");
+    ASSERT_TRUE(group.DescribedMember());
     ASSERT_EQ(group.SendCommand(cfString("x"), cfString(commandTitle(SpoolerCommand::popupJnData)), nullptr),
               noErr);
     EXPECT_THAT(WaitForEnd(group.CommandJob()).message, HasSubstr("it came to the class Team"));
 
-    const auto members = [] { return runTool({"queue", "check", "Team"}).output; };
-    EXPECT_THAT(members(), HasSubstr("members: good: the class has printers of one kind: Member1, Member2"));
-    SandboxTest::AddQueue("Member2", "torkasink:/", samplePath("torka-production-ja.ppd"));
-    EXPECT_THAT(members(), HasSubstr("members: fault: Member2 has another description"));
+    const std::string older = (*sandbox / "older.ppd").string();
+    std::ofstream(older) << replaced(second, "*FileVersion: \"2.1\"", "*FileVersion: \"2.0\"");
+    const struct {
+        std::vector<std::string> command;
+        const char* told; // by the check that follows
+    } steps[] = {
+        {{"lpadmin", "-p", "Member2", "-o", "PageSize=A3"},
+         "members: good: the class has printers of one kind: Member1, Member2"},
+        {{"lpadmin", "-p", "Member2", "-P", older},
+         "members: fault: Member2 has another description (header"},
+        {{"cupsreject", "Member2"},
+         "members: fault: Member2 gets no job of the class: the queue rejects jobs"},
+        {{"cupsdisable", "Member1"}, "state: fault: no printer of the class prints jobs"},
+        {{"lpadmin", "-p", "Member1", "-r", "Team"},
+         "members: fault: Member1 keeps an entry of the class in its address list"},
+        {{"lpadmin", "-p", "Member2", "-m", "raw"},
+         "the queue has no description\n    mend: torka queue add Member2 torkasink:/ FILE.ppd"},
+    };
+    for (const auto& [command, told] : steps) {
+        if (command.back() == "Team") {
+            ExpectTool({"address", "set", "-d", "Team", "Team", "10.0.0.7"}, 2,
+                       "Member1: the queue takes no");
+        }
+        ASSERT_EQ(runCommand(command).status, 0) << told;
+        EXPECT_THAT(runTool({"queue", "check", "Team"}).output, HasSubstr(told));
+    }
 }
 
 TEST_F(Tickets, TheCheckOfAQueueSeesWhatItsServerShows) {

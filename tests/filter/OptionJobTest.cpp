@@ -23,10 +23,12 @@ const std::string definition = "0,0,0,200,30,30,0,0,0,450,0,0,90,Helvetica-Bold,
 
 std::optional<OptionJob> read(const std::string& options, const std::string& ppd = sample,
                               SecretNotes secrets = SecretNotes::refused,
-                              const std::string& type = "application/pdf") {
+                              const std::string& type = "application/pdf",
+                              const std::string& printerClass = {}) {
     const char* arguments[] = {"torkafilter", "1", "anna", "title", "1", options.c_str()};
     FilterJob job = *readFilterJob(6, arguments);
     job.queue = "Proofs";
+    job.printerClass = printerClass;
     job.description = ppd;
     job.contentType = type;
     return readOptionJob(job, secrets);
@@ -239,6 +241,15 @@ TEST(OptionJob, FindsTheWatermarksThatItsQueueKeeps) {
         EXPECT_EQ(job.told, "");
         EXPECT_THAT(job.entries, HasSubstr(hex)) << name;
     }
+    // A print server that does not tell the first printer of a class: the entry's name finds the list.
+    const auto forClass = [&] {
+        return made("torka-watermark=DRAFT", folder.Write("Second.ppd", readFile(sample)).string(),
+                    SecretNotes::refused, "application/pdf", "Proofs");
+    };
+    std::filesystem::remove(folder / "QVDriverPreference.ppd");
+    EXPECT_EQ(forClass().told, "");
+    folder.Write("Third.ppd", readFile(ppd));
+    EXPECT_THAT(forClass().told, HasSubstr("the print server does not tell the first printer of the class"));
 }
 
 TEST(OptionText, ReadsSizes) {

@@ -58,7 +58,8 @@ void BidiFailure::showBiDiError(std::string_view badAddress) {
     choice = pressed == AlertButton::defaultButton ? BidiChoice::continueBidiOff : BidiChoice::cancel;
 }
 
-bool BidiFailure::isPrinterBusyWithPrinting(const PMPrinter& printer, const WaitObserver& observer) {
+bool BidiFailure::isPrinterBusyWithPrinting(const PMPrinter& sessionPrinter, const WaitObserver& observer) {
+    const PMPrinter printer = describedPrinter(sessionPrinter); // gets the request
     const std::uint16_t state = stateOf(printer);
     if (state == kPMPrinterIdle) {
         return false;

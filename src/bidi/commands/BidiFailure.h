@@ -31,12 +31,12 @@ public:
     // cancel. `badAddress` is an address at which nothing answers; the message names it behind the
     // informative text.
     void showBiDiError(std::string_view badAddress = {});
-    // False when the printer is idle. True at once, with nothing shown, when it is neither idle nor
-    // processing. A printer that processes a job and has no state message gets 18 seconds to become idle.
-    // After that, or with a state message, the choice becomes printerStayedBusy and the result is true;
-    // showBiDiError then asks the person, unless the override file exists. A cancelled wait shows nothing,
-    // and the choice is cancel.
-    bool isPrinterBusyWithPrinting(const PMPrinter& printer, const WaitObserver& observer = {});
+    // Looks at the printer that gets the requests: the first one of a class. False when it is idle. True at
+    // once, with nothing shown, when it is neither idle nor processing. A printer that processes a job and
+    // has no state message gets 18 seconds to become idle. After that, or with a state message, the choice
+    // becomes printerStayedBusy and the result is true; showBiDiError then asks the person, unless the
+    // override file exists. A cancelled wait shows nothing, and the choice is cancel.
+    bool isPrinterBusyWithPrinting(const PMPrinter& sessionPrinter, const WaitObserver& observer = {});
     BidiChoice printerInBusyState_ContinueBiDiOFF() const { return choice; }
     int TimesShown() const { return timesShown; } // how often the message was shown
 

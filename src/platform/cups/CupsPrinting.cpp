@@ -26,9 +26,9 @@ struct ClosePPD {
 
 const std::string& CupsPrinter::DescribedQueue() const {
     if (describedName.empty()) {
-        describedName = describedQueue(queueName);
+        describedName = describedQueue(queueName).value_or("");
     }
-    return describedName;
+    return describedName.empty() ? queueName : describedName;
 }
 
 std::shared_ptr<Printer> CupsPrinter::DescribedMember() const {

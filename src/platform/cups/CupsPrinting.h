@@ -19,7 +19,7 @@ public:
         : queueName(std::move(name)) {}
 
     CFStringRef Name() const override { return cfString(queueName); }
-    // Asks the server once.
+    // Asks the server until it has answered once.
     std::shared_ptr<Printer> DescribedMember() const override;
     // Accepts only "PMPPDDescriptionType". The file stays until the end of the printer. It may be the
     // server's own (FetchedPPD).
@@ -46,7 +46,7 @@ private:
     const std::string& DescribedQueue() const;
 
     std::string queueName;
-    mutable std::string describedName; // "" before the first question
+    mutable std::string describedName; // "" before the first answer
     mutable std::shared_ptr<Printer> member;
     int commandJob = 0;
     std::shared_ptr<FetchedPPD> description = FetchedPPD::Of(queueName);

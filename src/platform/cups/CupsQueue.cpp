@@ -96,9 +96,13 @@ std::string nameBehind(std::string_view folder, const std::string& uri) {
     return isRead && name.starts_with(folder) ? std::string(name.substr(folder.size())) : std::string();
 }
 
-// Adds the printers of a class behind those that are known: its own first, then those of its classes.
-void addPrinters(const std::string& queueName, int depth, std::vector<std::string>& printers) {
+// Adds the printers of a class behind those that are known: its own first, then those of its classes. False
+// when the server does not tell them.
+bool addPrinters(const std::string& queueName, int depth, std::vector<std::string>& printers) {
     const IppMessage answer = printerAttributes(queueName, {"member-uris"});
+    if (!answer) {
+        return false;
+    }
     const std::vector<std::string> members = attributeTexts(answer.get(), "member-uris");
     for (const std::string& uri : members) {
         std::string name = nameBehind(printersFolder, uri);
@@ -109,10 +113,11 @@ void addPrinters(const std::string& queueName, int depth, std::vector<std::strin
     constexpr int deepest = 3; // as in libcups; a class may contain itself
     for (const std::string& uri : members) {
         const std::string name = depth < deepest ? nameBehind(classesFolder, uri) : std::string();
-        if (!name.empty()) {
-            addPrinters(name, depth + 1, printers);
+        if (!name.empty() && !addPrinters(name, depth + 1, printers)) {
+            return false;
         }
     }
+    return true;
 }
 
 } // namespace
@@ -229,15 +234,17 @@ std::optional<QueueState> queueState(const std::string& queueName) {
     return queues.empty() ? std::nullopt : std::optional(std::move(queues.front()));
 }
 
-std::vector<std::string> printersOfClass(const std::string& queueName) {
+std::optional<std::vector<std::string>> printersOfClass(const std::string& queueName) {
     std::vector<std::string> printers;
-    addPrinters(queueName, 0, printers);
-    return printers;
+    return addPrinters(queueName, 0, printers) ? std::optional(std::move(printers)) : std::nullopt;
 }
 
-std::string describedQueue(const std::string& queueName) {
-    const std::vector<std::string> printers = printersOfClass(queueName);
-    return printers.empty() ? queueName : printers.front();
+std::optional<std::string> describedQueue(const std::string& queueName) {
+    const std::optional<std::vector<std::string>> printers = printersOfClass(queueName);
+    if (!printers) {
+        return std::nullopt;
+    }
+    return printers->empty() ? queueName : printers->front();
 }
 
 std::string descriptionProblem(const std::string& path) {

@@ -58,11 +58,12 @@ struct QueueState {
 std::optional<std::vector<QueueState>> listQueues();
 std::optional<QueueState> queueState(const std::string& queueName);
 
-// The printers of a class, its own before those of its classes; none for a queue that is no class.
-std::vector<std::string> printersOfClass(const std::string& queueName);
+// The printers of a class, its own before those of its classes; none for a queue that is no class. nullopt
+// when the server does not tell them.
+std::optional<std::vector<std::string>> printersOfClass(const std::string& queueName);
 // The queue whose description the server gives, as cupsGetPPD finds it: the first printer of a class, else
-// the queue itself.
-std::string describedQueue(const std::string& queueName);
+// the queue itself. nullopt when the server does not tell it.
+std::optional<std::string> describedQueue(const std::string& queueName);
 
 // Why libcups, and so the print server, cannot read a description; "" when it can.
 std::string descriptionProblem(const std::string& path);

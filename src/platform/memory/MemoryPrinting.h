@@ -57,6 +57,7 @@ public:
     };
 
     CFStringRef Name() const override { return cfString(name); }
+    std::shared_ptr<Printer> DescribedMember() const override { return member; }
     // Accepts only "PMPPDDescriptionType".
     OSStatus CopyDescriptionURL(const CFStringRef& type, CFURLRef& url) const override;
     OSStatus CopyDeviceURI(CFURLRef& uri) const override;
@@ -69,6 +70,7 @@ public:
                          const CFDictionaryRef& options) override;
     int CommandJob() const override { return commandJob; }
 
+    std::shared_ptr<Printer> member; // of a class
     int commandJob = 0;
     std::string name = "Printer";
     std::string ppdPath;   // empty when the queue has no description
