@@ -222,8 +222,16 @@ TEST_F(BundleTest, WindowsSpeakThePersonsLanguageAndThoseOfOthersNoticeNothing) 
     EXPECT_EQ(QCoreApplication::translate("torka::dialog::PaneTab", "Choose a printer."),
               "Wählen Sie einen Drucker.");
     EXPECT_EQ(QCoreApplication::translate("torka", "no text of ours"), "no text of ours");
-    EXPECT_EQ(QCoreApplication::translate(messageContext, "the print server has no queue %n"),
-              "der Druckserver hat keine Warteschlange %n");
+    // Names stay, also those that equal a message.
+    for (const auto& [english, said] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"the print server has no queue %n", "der Druckserver hat keine Warteschlange %n"},
+             {"the print server has no queue held", "der Druckserver hat keine Warteschlange held"},
+             {"the queue is changed, but none can be run by you",
+              "die Warteschlange ist geändert, aber none kann von you ausgeführt werden"},
+             {"open: good: the document cannot be read: Permission denied",
+              "open: good: das Dokument kann nicht gelesen werden: Zugriff verweigert"}}) {
+        EXPECT_EQ(QCoreApplication::translate(messageContext, english), said);
+    }
     EXPECT_EQ(QCoreApplication::translate("OthersWindow", "Choose a printer."), "Choose a printer.");
     qApp->setProperty("torkaTexts", QVariant());
 }
