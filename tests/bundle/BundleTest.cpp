@@ -226,8 +226,10 @@ TEST_F(BundleTest, WindowsSpeakThePersonsLanguageAndThoseOfOthersNoticeNothing) 
     for (const auto& [english, said] : std::initializer_list<std::pair<const char*, const char*>>{
              {"the print server has no queue %n", "der Druckserver hat keine Warteschlange %n"},
              {"the print server has no queue held", "der Druckserver hat keine Warteschlange held"},
-             {"the queue is changed, but none can be run by you",
-              "die Warteschlange ist geändert, aber none kann von you ausgeführt werden"},
+             {"the queue is changed, but none can be replaced by others than root, and the print server "
+              "refuses it",
+              "die Warteschlange ist geändert, aber none kann von anderen als root ersetzt werden, und der "
+              "Druckserver lehnt es ab"},
              {"open: good: the document cannot be read: Permission denied",
               "open: good: das Dokument kann nicht gelesen werden: Zugriff verweigert"}}) {
         EXPECT_EQ(QCoreApplication::translate(messageContext, english), said);
