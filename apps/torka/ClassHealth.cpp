@@ -82,12 +82,13 @@ void addFormerLists(const std::string& name, const std::string& first, std::vect
         // A class shows the list of its first printer.
         if (queue.name != first && hasEntry(queue.name, name) &&
             platform::describedQueue(queue.name) == queue.name) {
+            std::string remedy("torka address ");
+            remedy.append(isSet ? "remove -d " + queue.name : "set -d " + name).append(" ").append(name);
             findings.push_back(memberFault(queue.name +
                                                " keeps an entry of the class in its address list, which "
                                                "counts only at the first printer, " +
                                                first,
-                                           isSet ? "torka address remove -d " + queue.name + " " + name
-                                                 : "torka address set -d " + name + " " + name + " ADDRESS"));
+                                           isSet ? remedy : remedy + " ADDRESS"));
         }
     }
 }

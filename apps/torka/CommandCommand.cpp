@@ -29,6 +29,15 @@ std::string wholeTitle(const std::string& title) {
     return !commandFromTitle(title) && commandFromTitle(longer) ? longer : title;
 }
 
+// The queue that takes the command: of a class, its described printer where the pane sends it there, too.
+std::string takingQueue(const std::string& queue, const std::string& title) {
+    const std::optional<SpoolerCommand> command = commandFromTitle(title);
+    if (!command || isForPrintJob(*command)) {
+        return queue;
+    }
+    return utf8Text(PMPrinterGetName(describedPrinter(std::make_shared<CupsPrinter>(queue))));
+}
+
 ExitStatus sendCommand(const CommandOptions& options) {
     if (const std::string problem = platform::queueProblem(options.queue); !problem.empty()) {
         return unusable(problem);
@@ -39,13 +48,14 @@ ExitStatus sendCommand(const CommandOptions& options) {
         text.assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
     }
     const std::string title = wholeTitle(options.title);
-    CupsPrinter printer(options.queue);
+    const std::string queue = takingQueue(options.queue, title);
+    CupsPrinter printer(queue);
     if (printer.SendCommand(cfString(text), cfString(title), nullptr) != noErr) {
-        return unusable(options.queue + ": the queue does not take the command");
+        return unusable(queue + ": the queue does not take the command");
     }
-    print("Job " + std::to_string(printer.CommandJob()) + " on " + printable(options.queue) + ": " +
+    print("Job " + std::to_string(printer.CommandJob()) + " on " + printable(queue) + ": " +
           printable(title) + "\n");
-    return options.isDetached ? ExitStatus::good : followJob(options.queue, printer.CommandJob());
+    return options.isDetached ? ExitStatus::good : followJob(queue, printer.CommandJob());
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 #include "platform/cups/CupsPrinting.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/cups/CupsSpooler.h"
-#include "platform/cups/StandingOptions.h"
 
 #include <algorithm>
 #include <array>
@@ -101,27 +100,20 @@ Result<std::vector<Setting>> readSettings(const ZANPPD& description, const std::
     return parsed ? Result<std::vector<Setting>>(std::move(settings)) : parsed;
 }
 
-// A queue whose kept settings can be read.
-Result<OpenQueue> openWithSettings(const std::string& name) {
-    Result<OpenQueue> queue = openQueue(name);
-    if (queue) {
-        const auto kept = platform::standingOptions(platform::standingOptionsFile(), queue->name);
-        if (!kept) {
-            return kept.Why();
-        }
-    }
-    return queue;
-}
-
 ExitStatus show(const SettingsOptions& options) {
-    const Result<OpenQueue> queue = openWithSettings(options.queue);
+    const Result<OpenQueue> queue = openQueue(options.queue);
     if (!queue) {
         return unusable(queue.Why());
     }
     CupsSpooler spooler;
+    const Result<platform::StandingOptionList> kept =
+        standingSettings(spooler, queue->name, *queue->description);
+    if (!kept) {
+        return unusable(kept.Why());
+    }
     Json json = Json::object();
     ExitStatus status = ExitStatus::good;
-    for (const auto& [name, value] : standingSettings(spooler, queue->name, *queue->description)) {
+    for (const auto& [name, value] : *kept) {
         if (isFormerSetting(*queue->description, name)) {
             status = ExitStatus::findings;
             warn(name + " is not in this description (torka settings clear removes it)");
@@ -140,7 +132,13 @@ ExitStatus show(const SettingsOptions& options) {
 
 // The settings in force with those that are kept, for the warnings.
 void warnOfConflicts(CupsSpooler& spooler, const OpenQueue& queue) {
-    for (const auto& [name, value] : standingSettings(spooler, queue.name, *queue.description)) {
+    const Result<platform::StandingOptionList> kept =
+        standingSettings(spooler, queue.name, *queue.description);
+    if (!kept) {
+        warn(kept.Why().Line());
+        return;
+    }
+    for (const auto& [name, value] : *kept) {
         queue.description->SetValueForKey(cfString("*" + withoutAsterisk(name)), cfString(value));
     }
     for (const std::string& conflict : conflictTexts(*queue.description)) {
@@ -184,18 +182,22 @@ ExitStatus set(const SettingsOptions& options) {
 }
 
 ExitStatus clear(const SettingsOptions& options) {
-    const Result<OpenQueue> queue = openWithSettings(options.queue);
+    const Result<OpenQueue> queue = openQueue(options.queue);
     if (!queue) {
         return unusable(queue.Why());
     }
     CupsSpooler spooler;
-    const platform::StandingOptionList kept = spooler.StandingOptions(queue->name);
+    const Result<platform::StandingOptionList> kept = spooler.StandingOptions(queue->name);
+    const auto settings = standingSettings(spooler, queue->name, *queue->description);
+    if (!kept || !settings) {
+        return unusable(kept ? settings.Why() : kept.Why());
+    }
     std::vector<std::string> removed;
     for (const std::string& key : options.texts) {
         const std::string name = withoutAsterisk(key);
         // A key of an earlier description may have any name that is not the print server's.
         const bool isFormer = !OptionSettings::IsLeftAlone(name) && name != "sides" &&
-                              std::ranges::any_of(kept, [&name](const auto& option) {
+                              std::ranges::any_of(*kept, [&name](const auto& option) {
                                   return isSameAscii(withoutAsterisk(option.first), name);
                               });
         if (!isFormer && !isStandingSetting(*queue->description, name)) {
@@ -205,7 +207,7 @@ ExitStatus clear(const SettingsOptions& options) {
         removed.push_back("*" + name);
     }
     if (options.texts.empty()) {
-        for (const auto& [former, value] : standingSettings(spooler, queue->name, *queue->description)) {
+        for (const auto& [former, value] : *settings) {
             removed.push_back(former);
         }
     }

@@ -41,10 +41,13 @@ bool isFormerSetting(const ZANPPD& description, std::string_view name) {
     return !isStandingSetting(description, name) && (isFixed || OptionSettings::LooksLikeSetting(name));
 }
 
-platform::StandingOptionList standingSettings(platform::Spooler& spooler, const std::string& destination,
-                                              const ZANPPD& description) {
-    platform::StandingOptionList options = spooler.StandingOptions(destination);
-    std::erase_if(options, [&](const auto& option) {
+Result<platform::StandingOptionList>
+standingSettings(platform::Spooler& spooler, const std::string& destination, const ZANPPD& description) {
+    Result<platform::StandingOptionList> options = spooler.StandingOptions(destination);
+    if (!options) {
+        return options;
+    }
+    std::erase_if(*options, [&](const auto& option) {
         return !isStandingSetting(description, option.first) && !isFormerSetting(description, option.first);
     });
     return options;
@@ -52,8 +55,12 @@ platform::StandingOptionList standingSettings(platform::Spooler& spooler, const 
 
 std::string replaceStandingSettings(platform::Spooler& spooler, const std::string& destination,
                                     const ZANPPD& description, const platform::StandingOptionList& settings) {
+    const Result<platform::StandingOptionList> kept = standingSettings(spooler, destination, description);
+    if (!kept) {
+        return kept.Why().Line();
+    }
     std::vector<std::string> former;
-    for (const auto& [name, value] : standingSettings(spooler, destination, description)) {
+    for (const auto& [name, value] : *kept) {
         if (!isChosenByPrograms(name)) {
             former.push_back(name);
         }

@@ -23,8 +23,8 @@ bool isStandingSetting(const ZANPPD& description, std::string_view name);
 bool isFormerSetting(const ZANPPD& description, std::string_view name);
 
 // Those of the destination's standing options that are settings, or were settings of an earlier description.
-platform::StandingOptionList standingSettings(platform::Spooler& spooler, const std::string& destination,
-                                              const ZANPPD& description);
+Result<platform::StandingOptionList>
+standingSettings(platform::Spooler& spooler, const std::string& destination, const ZANPPD& description);
 
 // Keeps the settings in place of all that are kept, those of an earlier description included. A page size,
 // orientation or collation that is kept stays, because programs choose these. Returns "" or why nothing was

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/Result.h"
+
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -63,7 +65,9 @@ public:
     // fetch for this destination or the end of the instance, which removes it.
     virtual std::string FetchPPD(const std::string& destination) = 0;
     // The options that this person keeps for all jobs of a destination, by name.
-    virtual StandingOptionList StandingOptions(const std::string& /*destination*/) { return {}; }
+    virtual Result<StandingOptionList> StandingOptions(const std::string& /*destination*/) {
+        return StandingOptionList();
+    }
     // Removes the named ones and sets the others. Returns "" or why nothing was changed.
     virtual std::string ChangeStandingOptions(const std::string& destination,
                                               const std::vector<std::string>& removed,

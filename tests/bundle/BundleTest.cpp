@@ -222,8 +222,18 @@ TEST_F(BundleTest, WindowsSpeakThePersonsLanguageAndThoseOfOthersNoticeNothing) 
     EXPECT_EQ(QCoreApplication::translate("torka::dialog::PaneTab", "Choose a printer."),
               "Wählen Sie einen Drucker.");
     EXPECT_EQ(QCoreApplication::translate("torka", "no text of ours"), "no text of ours");
-    EXPECT_EQ(QCoreApplication::translate(messageContext, "the print server has no queue %n"),
-              "der Druckserver hat keine Warteschlange %n");
+    // Names stay, also those that equal a message.
+    for (const auto& [english, said] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"the print server has no queue %n", "der Druckserver hat keine Warteschlange %n"},
+             {"the print server has no queue held", "der Druckserver hat keine Warteschlange held"},
+             {"the queue is changed, but none can be replaced by others than root, and the print server "
+              "refuses it",
+              "die Warteschlange ist geändert, aber none kann von anderen als root ersetzt werden, und der "
+              "Druckserver lehnt es ab"},
+             {"open: good: the document cannot be read: Permission denied",
+              "open: good: das Dokument kann nicht gelesen werden: Zugriff verweigert"}}) {
+        EXPECT_EQ(QCoreApplication::translate(messageContext, english), said);
+    }
     EXPECT_EQ(QCoreApplication::translate("OthersWindow", "Choose a printer."), "Choose a printer.");
     qApp->setProperty("torkaTexts", QVariant());
 }

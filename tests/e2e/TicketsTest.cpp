@@ -159,7 +159,8 @@ TEST_F(Tickets, AClassOfPrintersPrintsWithTheSettingsAndKeepsRecordsAtItsFirstPr
     for (const char* address : {"10.0.0.8", "10.0.0.9"}) {
         Done({"address", "set", "-d", "Team", "Team", address});
     }
-    EXPECT_THAT(description(1), HasSubstr("QVDriverPreference0000"));
+    Done({"command", "send", "Team", "Command_PRINTERLOCALPRESETS", "Glossy"});
+    EXPECT_THAT(description(1), AllOf(HasSubstr("QVDriverPreference0000"), HasSubstr("QVlocalPreset0000")));
     EXPECT_EQ(description(2), second);
     // An option finds the watermark of the class at every member.
     ZANCorvianPrinterPList list(

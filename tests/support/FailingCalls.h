@@ -53,7 +53,10 @@ class FailingSpooler final : public MemorySpooler {
     TORKA_FAILING(std::string, JobMessage, (int job), (job))
     TORKA_FAILING(bool, GetDestinations, (std::vector<SpoolerDestination> & list), (list))
     TORKA_FAILING(std::string, FetchPPD, (Name name), (name))
-    TORKA_FAILING(StandingOptionList, StandingOptions, (Name name), (name))
+    Result<StandingOptionList> StandingOptions(Name name) override {
+        const bool isDone = failing.Try("StandingOptions", [] { return true; });
+        return isDone ? Base::StandingOptions(name) : Fault{"no answer"};
+    }
     std::string ChangeStandingOptions(Name name, const std::vector<std::string>& removed,
                                       const StandingOptionList& added) override {
         const bool isDone = failing.Try("ChangeStandingOptions", [] { return true; });

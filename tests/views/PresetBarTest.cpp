@@ -2,7 +2,10 @@
 #include "pane/views/PresetBar.h"
 #include "pane/views/PresetNameDialog.h"
 #include "platform/memory/MemorySpooler.h"
+#include "platform/qt/PersonsTexts.h"
 #include "tests/views/ViewFixture.h"
+
+#include <QTranslator>
 
 namespace torka::tests {
 namespace {
@@ -151,9 +154,20 @@ TEST_F(PresetBarTest, KeepsSettingsForAllProgramsAndNoSecrets) {
     Choose("Do &Not Use for All Programs");
     EXPECT_EQ(spooler->standing[queue], others);
     spooler->answers = false;
+    class : public QTranslator {
+        QString translate(const char* context, const char* source, const char* /*hint*/,
+                          int /*number*/) const override {
+            const bool isReason =
+                std::string_view(context) == messageContext && std::string_view(source) == "no answer";
+            return isReason ? QStringLiteral("keine Antwort") : QString();
+        }
+        bool isEmpty() const override { return false; }
+    } inGerman;
+    QCoreApplication::installTranslator(&inGerman);
+    EXPECT_THAT(MenuTexts(), Contains("The settings for all programs cannot be read: keine Antwort"));
     Choose("Use for All &Programs");
     EXPECT_EQ(Bar()->findChildren<QMessageBox*>().last()->text(),
-              "The settings for all programs were not changed: no answer");
+              "The settings for all programs were not changed: keine Antwort");
     pane.reset();
     setSpooler(nullptr);
 }

@@ -112,6 +112,11 @@ std::optional<SpoolerCommand> commandFromTitle(std::string_view title) {
     return std::nullopt;
 }
 
+bool isForPrintJob(SpoolerCommand command) {
+    return command == SpoolerCommand::psTempFileName || command == SpoolerCommand::writePSTemp ||
+           command == SpoolerCommand::psqvDestination;
+}
+
 bool isRequestIdentifier(std::string_view identifier) {
     return !identifier.empty() && identifier.size() <= maximumIdentifier &&
            std::all_of(identifier.begin(), identifier.end(), [](char c) {

@@ -41,6 +41,9 @@ inline constexpr std::string_view argumentDelimiter = "::DELIMIT::";
 std::string commandTitle(SpoolerCommand command);
 // The command that a job's title names. nullopt unless the text is exactly a command's title.
 std::optional<SpoolerCommand> commandFromTitle(std::string_view title);
+// Whether the command prepares a print job, so that it goes to the job's queue, which may be a class of
+// printers. The others go to the class's described printer: its records, files and language are used.
+bool isForPrintJob(SpoolerCommand command);
 
 // True for a valid identifier of a request: 1 to 64 letters, digits and "-", the characters of a UUID.
 bool isRequestIdentifier(std::string_view identifier);

@@ -18,6 +18,8 @@ struct PaneLanguage {
     // The number in the notation of the person's country.
     std::function<std::string(double number, int decimals)> number;
     bool metric = true; // millimetres, else inches
+    // The English message of a lower floor in the person's language. Without it, messages stay English.
+    std::function<std::string(const std::string& english)> message{};
 };
 
 // The source of all texts of the presentation. The editor must outlive it. Every text is UTF-8 and plain
@@ -31,6 +33,9 @@ struct PaneTexts {
     std::string Say(const PaneWord& word, const Names&... names) const {
         const std::array<std::string_view, sizeof...(Names)> all{std::string_view(names)...};
         return Filled(language.text(word), all);
+    }
+    std::string Message(const std::string& english) const {
+        return language.message ? language.message(english) : english;
     }
     std::string Number(double number, int decimals) const { return language.number(number, decimals); }
 

@@ -137,8 +137,11 @@ std::string PresetChoice::Problem(PresetStore::Result result, const std::string&
 
 bool PresetChoice::CanServeAllPrograms() { return platform::hasSpooler(); }
 
-bool PresetChoice::ServesAllPrograms() const {
-    return !standingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model()).empty();
+PresetChoice::Kept PresetChoice::KeptForAllPrograms() const {
+    const Result<platform::StandingOptionList> kept =
+        standingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model());
+    return {kept && !kept->empty(),
+            kept ? std::string() : texts.Say(words::allProgramsNotRead, texts.Message(kept.Why().Line()))};
 }
 
 PresetChoice::Served PresetChoice::ServeAllPrograms() {
@@ -165,16 +168,16 @@ PresetChoice::Served PresetChoice::ServeAllPrograms() {
     if (std::ranges::any_of(side.lists, [](const auto& list) { return !list.empty(); })) {
         others.push_back(texts.Say(words::allProgramsLists));
     }
-    const std::string reason =
-        replaceStandingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model(), settings);
-    return {reason.empty() ? reason : texts.Say(words::allProgramsNotKept, reason),
+    return {Replace(settings),
             others.empty() ? std::string() : texts.Say(words::allProgramsLeftOut, joined(others))};
 }
 
-std::string PresetChoice::ServeOnlyThisPane() {
+std::string PresetChoice::ServeOnlyThisPane() { return Replace({}); }
+
+std::string PresetChoice::Replace(const platform::StandingOptionList& settings) {
     const std::string reason =
-        replaceStandingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model(), {});
-    return reason.empty() ? reason : texts.Say(words::allProgramsNotKept, reason);
+        replaceStandingSettings(platform::spooler(), utf8Text(data.PrinterName()), editor.Model(), settings);
+    return reason.empty() ? reason : texts.Say(words::allProgramsNotKept, texts.Message(reason));
 }
 
 std::string PresetChoice::Shown(std::string_view name) const {

@@ -3,6 +3,7 @@
 
 #include "pane/data/PresetStore.h"
 #include "pane/presentation/PaneTexts.h"
+#include "platform/Spooler.h"
 
 #include <string>
 #include <string_view>
@@ -36,7 +37,11 @@ public:
 
     // Whether all programs can print with settings that this person keeps, and whether there are any.
     static bool CanServeAllPrograms();
-    bool ServesAllPrograms() const;
+    struct Kept {
+        bool isAny = false;
+        std::string problem; // "" unless they cannot be read
+    };
+    Kept KeptForAllPrograms() const;
     // Keeps the settings that differ from their defaults, and the watermark, for the jobs of all programs, in
     // place of what is kept. Leaves out secret notes and what programs choose; and lists with other than one
     // choice and settings without a field, which it names.
@@ -56,6 +61,7 @@ private:
     void Choose(const std::string& name);
     std::string Problem(PresetStore::Result result, const std::string& name);
     std::string LeftOutNames() const;
+    std::string Replace(const platform::StandingOptionList& settings);
 
     const PaneTexts& texts;
     PaneEditor& editor;

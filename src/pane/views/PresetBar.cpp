@@ -107,8 +107,11 @@ void PresetBar::FillMenu() {
     if (PresetChoice::CanServeAllPrograms()) {
         entries->addSeparator();
         add(context.Say(words::allPrograms), &PresetBar::ServeAllPrograms);
-        if (presets.ServesAllPrograms()) {
+        const PresetChoice::Kept kept = presets.KeptForAllPrograms();
+        if (kept.isAny) {
             add(context.Say(words::allProgramsNot), &PresetBar::ServeOnlyThisPane);
+        } else if (!kept.problem.empty()) {
+            entries->addAction(labelText(qText(kept.problem)))->setEnabled(false);
         }
     }
 }

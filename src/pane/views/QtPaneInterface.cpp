@@ -14,6 +14,7 @@
 #include "pane/views/QuickAccessDialog.h"
 #include "pane/views/TabOrder.h"
 #include "pane/views/TwoWaySign.h"
+#include "platform/qt/PersonsTexts.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -68,6 +69,10 @@ std::string shownNumber(double number, int decimals) {
     return QLocale().toString(number, 'f', decimals).toStdString();
 }
 
+std::string saidMessage(const std::string& english) {
+    return QCoreApplication::translate(messageContext, english.c_str()).toStdString();
+}
+
 } // namespace
 
 QtPaneInterface::QtPaneInterface(PaneSetup paneSetup)
@@ -77,7 +82,7 @@ QtPaneInterface::QtPaneInterface(PaneSetup paneSetup)
               setup.controller,
               setup.data,
               setup.panel,
-              {editor, {setup.text, shownNumber, setup.metric}},
+              {editor, {setup.text, shownNumber, setup.metric, saidMessage}},
               setup.gauges,
               setup.beganWithLastJob,
               [this] { UseDefaults(); }} {}

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/cups/CupsSpooler.h"
 
-#include "platform/Log.h"
 #include "platform/cups/CupsQueue.h"
 #include "platform/cups/StandingOptions.h"
 
@@ -64,12 +63,8 @@ std::string CupsSpooler::FetchPPD(const std::string& destination) {
     return description->Fetch(destination);
 }
 
-StandingOptionList CupsSpooler::StandingOptions(const std::string& destination) {
-    const Result<JobOptions> options = standingOptions(standingOptionsFile(), destination);
-    if (!options) {
-        myNSLogC("The standing options cannot be read: %s", options.Why().Line().c_str());
-    }
-    return options ? *options : JobOptions();
+Result<StandingOptionList> CupsSpooler::StandingOptions(const std::string& destination) {
+    return standingOptions(standingOptionsFile(), destination);
 }
 
 std::string CupsSpooler::ChangeStandingOptions(const std::string& destination,

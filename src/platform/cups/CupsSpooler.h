@@ -17,7 +17,7 @@ public:
     std::string JobMessage(int job) override;
     bool GetDestinations(std::vector<SpoolerDestination>& destinations) override;
     std::string FetchPPD(const std::string& destination) override;
-    StandingOptionList StandingOptions(const std::string& destination) override;
+    Result<StandingOptionList> StandingOptions(const std::string& destination) override;
     std::string ChangeStandingOptions(const std::string& destination, const std::vector<std::string>& removed,
                                       const StandingOptionList& added) override;
 

@@ -25,6 +25,13 @@ std::string MemorySpooler::FetchPPD(const std::string& destination) {
     return answers && place != ppdPaths.end() ? place->second : std::string();
 }
 
+Result<StandingOptionList> MemorySpooler::StandingOptions(const std::string& destination) {
+    if (!answers) {
+        return Fault{"no answer"};
+    }
+    return standing[destination];
+}
+
 std::string MemorySpooler::ChangeStandingOptions(const std::string& destination,
                                                  const std::vector<std::string>& removed,
                                                  const StandingOptionList& added) {

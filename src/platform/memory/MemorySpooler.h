@@ -15,9 +15,7 @@ public:
     std::string JobMessage(int job) override { return messages[job]; }
     bool GetDestinations(std::vector<SpoolerDestination>& list) override;
     std::string FetchPPD(const std::string& destination) override;
-    StandingOptionList StandingOptions(const std::string& destination) override {
-        return standing[destination];
-    }
+    Result<StandingOptionList> StandingOptions(const std::string& destination) override;
     std::string ChangeStandingOptions(const std::string& destination, const std::vector<std::string>& removed,
                                       const StandingOptionList& added) override;
 
