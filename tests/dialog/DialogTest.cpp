@@ -203,27 +203,25 @@ TEST_F(DialogTest, AJobThatTheServerDoesNotKnowIsNotAskedForWithoutEnd) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !cancel->isEnabled(); }, 20000)) << "there is nothing to cancel";
 }
 
-// Longer words make the dialog no wider. A process speaks one language.
-TEST_F(DialogTest, HasTheSameWidthInEveryLanguage) {
+// Longer words make the dialog no wider. A process speaks one language; each costs the pictures of all pages.
+TEST_F(DialogTest, HasTheSameWidthInLanguagesOfLongAndOfWideWords) {
     std::set<std::string> faces;
-    for (const std::string language : {"en_US", "de_DE", "fr_FR", "ja_JP", "zh_CN"}) {
+    std::filesystem::create_directories(*sandbox / "en_US/07.png"); // cannot be written
+    for (const std::string language : {"en_US", "de_DE", "fr_FR", "ja_JP"}) {
         const std::filesystem::path folder = *sandbox / language;
         const CommandResult result = runCommand(
             {"env", "LC_ALL=" + language + ".UTF-8", TORKA_BINARY_DIR "/bin/torka-print-dialog", "--queue",
              productionQueue, "--pictures", folder.string(), samplePath("brochure.ps")});
-        ASSERT_EQ(result.status, 0) << result.errors;
+        ASSERT_EQ(result.status, language == "en_US" ? 2 : 0) << result.errors;
+        EXPECT_EQ(result.errors.ends_with("07.png cannot be written\n"), result.status == 2) << result.errors;
         for (const auto& picture : std::filesystem::directory_iterator(folder)) {
-            EXPECT_EQ(QImage(QString::fromStdString(picture.path())).width(), 720) << picture.path();
+            EXPECT_TRUE(picture.is_directory() ||
+                        QImage(QString::fromStdString(picture.path())).width() == 720)
+                << picture.path();
         }
         faces.insert(readFile(folder / "01.png"));
     }
-    EXPECT_EQ(faces.size(), 5U) << "each in its own words";
-    std::filesystem::create_directories(*sandbox / "partly/02.png");
-    const CommandResult partly =
-        runCommand({TORKA_BINARY_DIR "/bin/torka-print-dialog", "--queue", productionQueue, "--pictures",
-                    (*sandbox / "partly").string(), samplePath("brochure.ps")});
-    EXPECT_EQ(partly.status, 2);
-    EXPECT_TRUE(partly.errors.ends_with("02.png cannot be written\n")) << partly.errors;
+    EXPECT_EQ(faces.size(), 4U) << "each in its own words";
 }
 
 TEST(Documents, ThatCannotBePrintedAreRefusedWithTheReason) {

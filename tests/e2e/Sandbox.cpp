@@ -33,7 +33,11 @@ CommandResult Sandbox::Script(const std::string& action) const {
 Sandbox::Sandbox() {
     // The user lp must be able to enter the folder.
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0711));
-    setenv("XDG_CONFIG_HOME", (*this / "config").c_str(), 1); // a person's own files
+    // A person's own files. libcups keeps standing options in HOME, also those of root.
+    const std::filesystem::path home = folder.Path() / "home";
+    std::filesystem::create_directory(home);
+    setenv("HOME", home.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (*this / "config").c_str(), 1);
     std::istringstream lines(Script("start").output);
     constexpr std::string_view prefix = "export ";
     for (std::string line; std::getline(lines, line);) {

@@ -278,7 +278,6 @@ TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
         bool hasRoom;     // for the tickets' user on the same host
         bool hasRoomAway; // for the same user on another host
     } cases[] = {{"one below the number", maximumOfSender.number - 1, 1, true, true, true},
-                 {"the number", maximumOfSender.number, 1, true, false, true},
                  {"the bytes", 4, large, true, false, true},
                  {"one byte below", 4, large - 1, true, true, true},
                  {"the host's bytes, whatever its users are called", 16, large, false, false, true},
@@ -296,6 +295,7 @@ TEST(TicketStore, ANewTicketIsRefusedWhereThereIsNoRoomAndNoneIsThrownAway) {
             std::filesystem::resize_file(ticket, c.bytes);
         }
         EXPECT_EQ(store(anna, command, nameOf(90001), "text").empty(), c.hasRoom) << c.what;
+        EXPECT_FALSE(store(anna, command, nameOf(90003), "text").empty()) << c.what << ": one more";
         EXPECT_EQ(store(away, command, nameOf(90002), "text").empty(), c.hasRoomAway) << c.what;
         EXPECT_EQ(PrivateFolder::Exists(nameOf(90001)), c.hasRoom);
         const auto entries = PrivateFolder::List();

@@ -164,7 +164,13 @@ TEST_F(PresetBarTest, KeepsSettingsForAllProgramsAndNoSecrets) {
         bool isEmpty() const override { return false; }
     } inGerman;
     QCoreApplication::installTranslator(&inGerman);
-    EXPECT_THAT(MenuTexts(), Contains("The settings for all programs cannot be read: keine Antwort"));
+    for (const std::string& text : MenuTexts()) {
+        if (text.starts_with("The settings for all programs c")) { // and "…" where the entry is too long
+            Choose(text.c_str());
+        }
+    }
+    EXPECT_EQ(Bar()->findChildren<QMessageBox*>().last()->text(),
+              "The settings for all programs cannot be read: keine Antwort");
     Choose("Use for All &Programs");
     EXPECT_EQ(Bar()->findChildren<QMessageBox*>().last()->text(),
               "The settings for all programs were not changed: keine Antwort");

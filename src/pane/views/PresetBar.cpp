@@ -111,7 +111,12 @@ void PresetBar::FillMenu() {
         if (kept.isAny) {
             add(context.Say(words::allProgramsNot), &PresetBar::ServeOnlyThisPane);
         } else if (!kept.problem.empty()) {
-            entries->addAction(labelText(qText(kept.problem)))->setEnabled(false);
+            // The reason may be long: the box has it whole.
+            const QFontMetrics metrics = fontMetrics();
+            const QString text = metrics.elidedText(qText(kept.problem), Qt::ElideRight,
+                                                    3 * metrics.averageCharWidth() * maximumCharacters);
+            connect(entries->addAction(labelText(text)), &QAction::triggered, this,
+                    [this, problem = kept.problem] { Tell(problem); });
         }
     }
 }

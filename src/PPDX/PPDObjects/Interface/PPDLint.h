@@ -241,11 +241,11 @@ private:
     std::vector<PPDLintNote> notes;
     std::vector<Constraint> constraints;
     std::vector<Named> declaredGroups;
-    std::vector<Named> unknownGroups; // control, group
-    std::vector<Named> options;       // key, option
-    std::vector<Named> templates;     // of ranges and notes
-    std::vector<Named> linesInBlocks; // block, keyword
-    std::vector<Named> otherLines; // keyword; "lost" behind a failed control
+    std::vector<Named> unknownGroups;                           // control, group
+    std::vector<Named> options;                                 // key, option
+    std::vector<Named> templates;                               // of ranges and notes
+    std::vector<Named> linesInBlocks;                           // block, keyword
+    std::vector<Named> otherLines;                              // keyword; "lost" behind a failed control
     std::unordered_map<long, std::string> linesBehindNotes;     // line, note
     std::unordered_map<std::string, std::string> meantKeywords; // by an unknown one; "" for none
     long customSizeLine = 0;
