@@ -33,27 +33,32 @@ std::string_view core(std::string_view keyword) {
     return keyword;
 }
 
-// The keyword of the extension that differs from this one by its beginning, its letter case or two letters;
-// "" for none. Short keywords of PPD 4.3 are too near to one another.
+// The known keyword that differs from this one by its letter case, its beginning or two letters; "" for none.
+// Behind "*%" only keywords of the extension count, because authors take a line of the server out with "%".
+// Short keywords of PPD 4.3 are too near to one another.
 std::string_view meantKeyword(std::string_view keyword) {
     constexpr std::size_t shortKeyword = 10;
     const bool isExtensions = keyword.starts_with("*%");
-    std::string_view result;
+    std::string_view sameCore;
     std::vector<std::string_view> near;
     for (const ElementKeyword& row : elementKeywords) {
         if (equalsIgnoringCase(row.keyword, keyword)) {
             return row.keyword;
         }
-        const bool isSameKind = row.keyword.starts_with("*%") == isExtensions;
-        if (equalsIgnoringCase(core(row.keyword), core(keyword)) && (result.empty() || isSameKind)) {
-            result = row.keyword;
+        const bool isRowExtensions = row.keyword.starts_with("*%");
+        if (isExtensions && !isRowExtensions) {
+            continue;
         }
-        if (row.keyword.starts_with("*%") ? keyword.starts_with("*%") || keyword.starts_with("*ZAN")
-                                          : row.keyword.size() >= shortKeyword) {
+        if (equalsIgnoringCase(core(row.keyword), core(keyword)) &&
+            (sameCore.empty() || isRowExtensions == isExtensions)) {
+            sameCore = row.keyword;
+        }
+        if (isRowExtensions ? isExtensions || keyword.starts_with("*ZAN")
+                            : row.keyword.size() >= shortKeyword) {
             near.push_back(row.keyword);
         }
     }
-    return result.empty() ? closestWord(keyword, near) : result;
+    return sameCore.empty() ? closestWord(keyword, near) : sameCore;
 }
 
 } // namespace
